@@ -1,0 +1,38 @@
+#pragma once
+
+#include <filesystem>
+#include <string>
+
+#include "frame/error.h"
+
+namespace SQLite {
+class Exception;
+}
+
+namespace vrx {
+
+// The numbers that ShowDatabaseError has words for; every other number is the storage engine's
+// extended result code.
+inline constexpr int kInvalidTableError = -2147217865;  // 0x80040E37
+inline constexpr int kNoRecordError = 3021;
+inline constexpr int kTableLockedError = 3251;
+inline constexpr int kInvalidFieldError = 3265;
+
+// A failure of a database. what() is the cause in words, with the file's name: "YARD.RDB is cut off:
+// 8192 bytes instead of 40960".
+class DatabaseError : public Error {
+ public:
+  DatabaseError(int number, const std::string& cause) : Error(cause), number_(number) {}
+
+  int Number() const { return number_; }
+
+ private:
+  int number_;
+};
+
+// Maps what the storage engine reports: a missing table, a missing column, a busy or locked file to
+// the told numbers, anything else to its extended code.
+DatabaseError TranslateSqliteError(const SQLite::Exception& error,
+                                   const std::filesystem::path& path);
+
+}  // namespace vrx

@@ -1,0 +1,53 @@
+#pragma once
+
+#include <filesystem>
+#include <optional>
+#include <string>
+#include <string_view>
+
+#include "platform/calendar.h"
+#include "platform/operator.h"
+
+namespace vrx {
+
+class PrivateINI;
+
+inline constexpr std::string_view kNulRecipeDb = "NUL_RECIPE_DB";
+inline constexpr std::string_view kNulTransDb = "NUL_TRANS_DB";
+inline constexpr std::string_view kUserRecipeDb = "USER_RECIPE_DB";
+inline constexpr std::string_view kUserTransDb = "USER_TRANS_DB";
+
+enum class DateSelector { kCreated = 1, kModified = 2 };
+
+// Reads and writes what a database says of itself, by its full path, open in the main window or not:
+// each call makes its own connection. A failure beeps (if the beeper is on), shows the routine's box
+// and comes back as the result told.
+class DatabaseIdentity {
+ public:
+  DatabaseIdentity(Operator& op, const Calendar& calendar, const PrivateINI& settings)
+      : operator_(op), calendar_(calendar), settings_(settings) {}
+
+  // One of the four types; "" for another text in the file, without a box, and after a failure.
+  std::string GetDatabaseType(const std::filesystem::path& path);
+  void SetDatabaseType(const std::filesystem::path& path, std::string_view type);
+
+  // Nothing for a date that is not set, and after a failure.
+  std::optional<Date> GetDatabaseDate(const std::filesystem::path& path, DateSelector selector);
+  // Always to today's date.
+  void SetDatabaseDate(const std::filesystem::path& path, DateSelector selector);
+
+  void SetDatabaseUoM(const std::filesystem::path& path, std::string_view unit);
+
+  // A critical box with the words of that error number; `cause` goes with it.
+  void ShowDatabaseError(int number, std::string_view title, std::string_view cause = {});
+
+ private:
+  Operator& operator_;
+  const Calendar& calendar_;
+  const PrivateINI& settings_;
+};
+
+// The unit that a database holds, "" when none. Throws DatabaseError.
+std::string ReadDatabaseUoM(const std::filesystem::path& path);
+
+}  // namespace vrx

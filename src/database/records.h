@@ -1,0 +1,86 @@
+#pragma once
+
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <vector>
+
+namespace SQLite {
+class Database;
+}
+
+namespace vrx {
+
+// Records of a recipe database, field for field; texts UTF-8. The fixed tables hold IDs 1 to 100,
+// 100 and 400, always all of them.
+inline constexpr int kIngredientCount = 100;
+inline constexpr int kRecipeCount = 100;
+inline constexpr int kPenCount = 400;
+inline constexpr int kMaxRecipeLines = 32;
+
+struct IngredientRecord {
+  int id = 0;
+  std::string name;
+  std::string description;  // empty: not in use
+  int dry_matter_percent = 100;
+  bool hand_add = false;
+};
+
+struct RecipeRecord {
+  int id = 0;
+  std::string name;
+  std::string description;       // empty: not in use
+  std::string batch_type = "!";  // "!", "W", "H", "%", "P"
+  int head_count = 0;
+  std::string ration_target;         // digits
+  std::string adjust_batch_index;  // field AdjBatTotIndex: 0 to 40 as text, 20 is no change
+};
+
+// One line of a recipe. Target is the dry-matter weight and DryMatter the as-fed weight: the two
+// names are crossed with respect to their captions, for good.
+struct RecipeLineRecord {
+  std::int64_t row = 0;  // storage identity; 0 for a line not stored yet
+  std::string recipe_id;
+  std::string ingredient;  // ingredient ID as text
+  std::string target = "0";
+  std::string ration_percent = "0";
+  std::string dry_matter_percent = "0";
+  std::string dry_matter = "0";
+  std::string batch_target;
+  int sequence = 0;
+  bool hand_add = false;
+  std::string ingredient_percent = "0";
+};
+
+struct PenRecord {
+  int id = 0;
+  std::string name;
+  std::string description;
+  std::string feed_amount = "0";  // in use: not "0", or a description
+};
+
+// Whole tables in ID order.
+std::vector<IngredientRecord> ReadIngredients(SQLite::Database& database);
+std::vector<RecipeRecord> ReadRecipes(SQLite::Database& database);
+std::vector<PenRecord> ReadPens(SQLite::Database& database);
+
+// One record; throws DatabaseError (no record) for an ID without a row.
+IngredientRecord ReadIngredient(SQLite::Database& database, int id);
+RecipeRecord ReadRecipe(SQLite::Database& database, int id);
+PenRecord ReadPen(SQLite::Database& database, int id);
+
+// Writes every field of the record with that ID. The caller keeps `Modified` (TouchDatabase).
+void WriteIngredient(SQLite::Database& database, const IngredientRecord& record);
+void WriteRecipe(SQLite::Database& database, const RecipeRecord& record);
+void WritePen(SQLite::Database& database, const PenRecord& record);
+
+// The lines of a recipe by Sequence, or the lines of all recipes that hold an ingredient.
+std::vector<RecipeLineRecord> ReadRecipeLines(SQLite::Database& database, int recipe_id);
+std::vector<RecipeLineRecord> ReadLinesWithIngredient(SQLite::Database& database,
+                                                      int ingredient_id);
+
+// Writes the line's fields; a line with row 0 is added and gets its row.
+void WriteRecipeLine(SQLite::Database& database, RecipeLineRecord& line);
+void DeleteRecipeLine(SQLite::Database& database, std::int64_t row);
+
+}  // namespace vrx

@@ -1,0 +1,52 @@
+#pragma once
+
+#include <array>
+#include <cstdint>
+#include <memory>
+#include <optional>
+#include <string>
+#include <string_view>
+
+#include "frame/number.h"
+
+namespace SQLite {
+class Database;
+class Statement;
+}  // namespace SQLite
+
+namespace vrx {
+
+// One row of `Transactions`. Texts UTF-8; nothing stands for NULL.
+struct TransactionRecord {
+  std::int32_t transaction = 0;
+  std::optional<std::string> recipe;
+  std::string type;  // "BATCH" or "FEED"
+  std::optional<std::string> user_id;
+  std::optional<std::string> ingredient;
+  std::optional<std::string> pen;
+  double target = 0;
+  double actual_batch = 0;
+  std::optional<TimeOfDay> time;
+  std::optional<Date> date;
+  double actual_feed = 0;
+  std::optional<double> ing_percent;
+  std::array<std::optional<double>, 32> ingredient_weights;  // Ing01Wt to Ing32Wt
+};
+
+// The highest transaction number of the table, 0 when there is none; a NULL counts as 0. Does not
+// grow with the table.
+std::int32_t HighestTransaction(SQLite::Database& database);
+
+// Appends rows with one prepared statement. The caller's SQLite transaction encloses it. Throws
+// DatabaseError.
+class TransactionAppender {
+ public:
+  explicit TransactionAppender(SQLite::Database& database);
+  ~TransactionAppender();
+  void Append(const TransactionRecord& record);
+
+ private:
+  std::unique_ptr<SQLite::Statement> statement_;
+};
+
+}  // namespace vrx

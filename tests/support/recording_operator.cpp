@@ -1,0 +1,27 @@
+#include "support/recording_operator.h"
+
+#include <stdexcept>
+
+namespace vrx::testing {
+
+Answer RecordingOperator::ShowMessage(const MessageBox& box) {
+  boxes.push_back(box);
+  if (box.buttons == Buttons::kOk) {
+    return Answer::kOk;
+  }
+  if (answers.empty()) {
+    throw std::logic_error("unexpected question: " + box.title + ": " + box.text);
+  }
+  const Answer answer = answers.front();
+  answers.pop_front();
+  return answer;
+}
+
+void RecordingOperator::SetBusy(bool on) {
+  busy = on;
+  ++busy_changes;
+}
+
+void RecordingOperator::SetStatusLine(std::string_view text) { status_lines.emplace_back(text); }
+
+}  // namespace vrx::testing

@@ -1,0 +1,34 @@
+#pragma once
+
+#include <deque>
+#include <string>
+#include <vector>
+
+#include "platform/operator.h"
+
+namespace vrx::testing {
+
+// Keeps everything the operator was told, and answers from a queue filled beforehand. A question
+// with no answer queued throws: a test that did not expect it fails.
+class RecordingOperator : public Operator {
+ public:
+  Answer ShowMessage(const MessageBox& box) override;
+  void Beep() override { ++beeps; }
+  void SetBusy(bool on) override;
+  void SetStatusLine(std::string_view text) override;
+  void SetStatusColor(StatusColor color) override { status_color = color; }
+
+  std::deque<Answer> answers;  // for questions; a box with OK alone takes none
+
+  std::vector<MessageBox> boxes;
+  int beeps = 0;
+  bool busy = false;
+  int busy_changes = 0;
+  std::vector<std::string> status_lines;  // every text set, clears included
+  StatusColor status_color = StatusColor::kBlue;
+
+  // The last status text; empty when none was set.
+  std::string Status() const { return status_lines.empty() ? std::string() : status_lines.back(); }
+};
+
+}  // namespace vrx::testing
