@@ -1,5 +1,6 @@
 #include "support/manual_pump.h"
 
+#include <algorithm>
 #include <utility>
 
 namespace vrx::testing {
