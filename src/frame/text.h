@@ -43,8 +43,8 @@ bool ValidPercentText(std::string_view text);
 // The part of a file title ahead of the first "." has 1 to 8 characters.
 bool ValidDatabaseName(std::string_view file_title);
 
-// "7" stands for a row of the caption table, anything that does not begin with a digit for row 1053;
-// a text that begins with a digit comes back whole.
+// "7" stands for a row of the caption table, anything that does not begin with a digit for row
+// 1053; a text that begins with a digit comes back whole.
 std::string ResolveCaptionId(std::string_view text);
 
 void BeepIfEnabled(Operator& op, const PrivateINI& settings);
