@@ -1,0 +1,26 @@
+#include "exchange/import_columns.h"
+
+#include <array>
+#include <cstddef>
+#include <string_view>
+
+#include "exchange/imported_data.h"
+#include "frame/number.h"
+
+namespace vrx {
+namespace {
+
+constexpr std::array<std::string_view, kCalculatedIngPercentOfBatch> kCaptions = {
+    "Transaction", "Recipe ID", "Type", "Target Wt", "Ingredient ID", "Batch Wt",
+    "Pen ID",      "Feed Wt",   "Time", "Date",      "User ID",       "Ing% Of Batch"};
+
+}  // namespace
+
+std::string DesignImportCaption(int column) {
+  if (column < kFirstIngredientWeight) {
+    return std::string(kCaptions.at(static_cast<std::size_t>(column - 1)));
+  }
+  return "Ing" + Format(static_cast<double>(column - kCalculatedIngPercentOfBatch), "00") + " Wt";
+}
+
+}  // namespace vrx

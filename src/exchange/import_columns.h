@@ -1,0 +1,11 @@
+#pragma once
+
+#include <string>
+
+namespace vrx {
+
+// The caption that a column of `grdIMPORT`, 1 to 112, has at design: "Transaction", "Recipe ID" ...
+// "Ing01 Wt" ... "Ing100 Wt". At run time the ingredient columns bear the ingredients' names.
+std::string DesignImportCaption(int column);
+
+}  // namespace vrx

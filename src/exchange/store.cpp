@@ -1,0 +1,190 @@
+#include "exchange/store.h"
+
+#include <algorithm>
+#include <cstdint>
+#include <exception>
+#include <filesystem>
+#include <utility>
+
+#include <SQLiteCpp/Database.h>
+#include <SQLiteCpp/Exception.h>
+#include <SQLiteCpp/Transaction.h>
+#include <sqlite3.h>
+
+#include "database/connection.h"
+#include "database/identity.h"
+#include "database/transactions.h"
+#include "exchange/store_row.h"
+#include "frame/files.h"
+#include "frame/text.h"
+
+namespace vrx {
+namespace {
+
+constexpr const char* kHasTransactionsQuery = "SELECT EXISTS (SELECT 1 FROM Transactions)";
+
+// What became of a copy whose transaction is committed; `stop_reason` is empty when it reached the
+// last row.
+struct Copied {
+  StoreOutcome outcome;
+  std::string stop_reason;
+};
+
+std::string CountOfRows(std::size_t count) {
+  return std::to_string(count) + (count == 1 ? " row" : " rows");
+}
+
+std::int32_t ScanForBase(SQLite::Database& database, ProgressDisplay& progress) {
+  if (database.execAndGet(kHasTransactionsQuery).getInt() == 0) {
+    progress.SetProgressValue(1);
+    return 0;
+  }
+  progress.SetProgressMessage("Scanning Transaction database for next insertion location.");
+  progress.SetProgressRange(1);
+  // Negative numbers do not pull the base below 0.
+  const std::int32_t base = std::max(HighestTransaction(database), 0);
+  progress.SetProgressValue(1);
+  return base;
+}
+
+Copied CopyRows(SQLite::Database& database, const ImportedData& rows, const RecordNames& names,
+                std::int32_t base, ProgressDisplay& progress) {
+  progress.SetProgressMessage("Copying imported records to Transaction database.");
+  progress.SetProgressRange(static_cast<int>(rows.RowCount()));
+  Copied copied;
+  TransactionAppender appender(database);
+  for (std::size_t row = 1; row <= rows.RowCount(); ++row) {
+    if (rows.Filled(row)) {
+      try {
+        appender.Append(ToTransactionRecord(rows, row, names, base));
+      } catch (const StoreRowError& error) {
+        copied.stop_reason = error.what();
+        return copied;
+      }
+      ++copied.outcome.stored;
+    } else {
+      ++copied.outcome.left_out;
+    }
+    progress.SetProgressValue(static_cast<int>(row));
+  }
+  copied.outcome.complete = true;
+  return copied;
+}
+
+// The storage engine goes on writing to a file that was deleted or moved away; its rows would be
+// lost although the commit succeeds.
+void CheckStillInPlace(SQLite::Database& database, const std::filesystem::path& path) {
+  int moved = 0;
+  sqlite3_file_control(database.getHandle(), "main", SQLITE_FCNTL_HAS_MOVED, &moved);
+  if (moved != 0) {
+    throw DatabaseError(SQLITE_READONLY_DBMOVED, FileTitle(path) + " was deleted or moved away");
+  }
+}
+
+RecordNames ReadNames(const std::filesystem::path& recipe_db_path) {
+  try {
+    SQLite::Database recipes = OpenDatabase(recipe_db_path, Access::kRead);
+    return ReadRecordNames(recipes);
+  } catch (const SQLite::Exception& error) {
+    throw TranslateSqliteError(error, recipe_db_path);
+  }
+}
+
+// Throws DatabaseError and StoreRowError with nothing of the import stored.
+Copied CopyInOneTransaction(const ImportedData& rows, const OpenDatabases& databases,
+                            ProgressDisplay& progress) {
+  const RecordNames names = ReadNames(databases.recipe_db_path);
+  try {
+    SQLite::Database database = OpenDatabase(databases.trans_db_path, Access::kWrite);
+    SQLite::Transaction transaction(database, SQLite::TransactionBehavior::IMMEDIATE);
+    const std::int32_t base = ScanForBase(database, progress);
+    CheckTransactionRange(rows, base);
+    Copied copied = CopyRows(database, rows, names, base, progress);
+    CheckStillInPlace(database, databases.trans_db_path);
+    transaction.commit();
+    return copied;
+  } catch (const SQLite::Exception& error) {
+    throw TranslateSqliteError(error, databases.trans_db_path);
+  }
+}
+
+}  // namespace
+
+TransactionStore::TransactionStore(Operator& op, const PrivateINI& settings,
+                                   DatabaseIdentity& identity, ProgressDisplay& progress,
+                                   std::function<void()> save_transaction_database)
+    : operator_(op),
+      settings_(settings),
+      identity_(identity),
+      progress_(progress),
+      save_transaction_database_(std::move(save_transaction_database)) {}
+
+StoreOutcome TransactionStore::StoreImportedTransactions(const ImportedData& rows,
+                                                         const OpenDatabases& databases,
+                                                         bool& stored_flag) {
+  if (stored_flag && !ConfirmDuplicate()) {
+    return {};
+  }
+  Copied copied;
+  try {
+    copied = CopyInOneTransaction(rows, databases, progress_);
+  } catch (const DatabaseError& error) {
+    progress_.SetProgressMessage({});
+    identity_.ShowDatabaseError(error.Number(), kStoreErrorTitle,
+                                std::string(error.what()) + "; nothing of this import was stored");
+    return {};
+  } catch (const std::exception& error) {
+    TellStopped(error.what(), {});
+    return {};
+  }
+
+  const StoreOutcome& outcome = copied.outcome;
+  if (!outcome.complete && outcome.stored == 0) {
+    TellStopped(copied.stop_reason, outcome);
+    return outcome;
+  }
+  stored_flag = true;
+  if (outcome.complete) {
+    progress_.SetProgressMessage("Successfully copied imported records to Transaction database.");
+  }
+  identity_.SetDatabaseDate(databases.trans_db_path, DateSelector::kModified);
+  if (outcome.complete) {
+    BeepIfEnabled(operator_, settings_);
+    TellLeftOut(outcome.left_out);
+  } else {
+    TellStopped(copied.stop_reason, outcome);
+  }
+  save_transaction_database_();
+  return outcome;
+}
+
+bool TransactionStore::ConfirmDuplicate() {
+  return operator_.ShowMessage(
+             {Icon::kQuestion, Buttons::kYesNo, "Duplicate Data",
+              "The current transaction data has already been stored in the active transaction "
+              "database. Are you sure you want to add the same data to the database again?"}) ==
+         Answer::kYes;
+}
+
+void TransactionStore::TellStopped(const std::string& reason, const StoreOutcome& outcome) {
+  progress_.SetProgressMessage({});
+  std::string count = "Nothing of this import was stored.";
+  if (outcome.stored > 0) {
+    count = "The copy stopped there; " + CountOfRows(outcome.stored) + " before it " +
+            (outcome.stored == 1 ? "is" : "are") + " stored.";
+  }
+  operator_.ShowMessage(
+      {Icon::kCritical, Buttons::kOk, std::string(kStoreErrorTitle), reason + "\r\n\r\n" + count});
+}
+
+void TransactionStore::TellLeftOut(std::size_t rows) {
+  if (rows == 0) {
+    return;
+  }
+  operator_.ShowMessage({Icon::kInformation, Buttons::kOk, "Transaction Store",
+                         CountOfRows(rows) +
+                             " of the import hold no data (they were counted in the file but never "
+                             "filled) and were not stored."});
+}
+
+}  // namespace vrx

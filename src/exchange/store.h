@@ -1,0 +1,57 @@
+#pragma once
+
+#include <cstddef>
+#include <functional>
+#include <string>
+#include <string_view>
+
+#include "exchange/imported_data.h"
+#include "exchange/open_databases.h"
+#include "platform/operator.h"
+#include "platform/progress_display.h"
+
+namespace vrx {
+
+class DatabaseIdentity;
+class PrivateINI;
+
+inline constexpr std::string_view kStoreErrorTitle = "Transaction Store Error";
+
+struct StoreOutcome {
+  bool complete = false;     // every row that holds data is in the database
+  std::size_t stored = 0;    // rows committed
+  std::size_t left_out = 0;  // rows that were counted but never filled
+};
+
+// Appends an import to the table `Transactions`, renumbered behind the highest number in use, with
+// names in place of the IDs of recipes, ingredients and pens.
+class TransactionStore {
+ public:
+  // `save_transaction_database` is the menu command that closes and reopens the database, so that
+  // the window shows what was stored.
+  TransactionStore(Operator& op, const PrivateINI& settings, DatabaseIdentity& identity,
+                   ProgressDisplay& progress, std::function<void()> save_transaction_database);
+
+  // One SQLite transaction for the whole import, on connections of its own; no statement stays
+  // open. `stored_flag` tells that these rows are in the database already: then the operator is
+  // asked first. It is set once rows of this import are committed.
+  //
+  // A cell that cannot be stored stops the copy: the rows before it are committed, and the operator
+  // is told the cell and their count. A number that would pass 32 bits, and a failure of the
+  // storage, leave nothing of the import. Every failure is told before the return.
+  StoreOutcome StoreImportedTransactions(const ImportedData& rows, const OpenDatabases& databases,
+                                         bool& stored_flag);
+
+ private:
+  bool ConfirmDuplicate();
+  void TellStopped(const std::string& reason, const StoreOutcome& outcome);
+  void TellLeftOut(std::size_t rows);
+
+  Operator& operator_;
+  const PrivateINI& settings_;
+  DatabaseIdentity& identity_;
+  ProgressDisplay& progress_;
+  std::function<void()> save_transaction_database_;
+};
+
+}  // namespace vrx

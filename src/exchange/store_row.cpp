@@ -1,0 +1,209 @@
+#include "exchange/store_row.h"
+
+#include <algorithm>
+#include <array>
+#include <charconv>
+#include <chrono>
+#include <limits>
+#include <optional>
+#include <string_view>
+#include <utility>
+
+#include "database/records.h"
+#include "exchange/import_columns.h"
+#include "exchange/transaction_formats.h"
+#include "frame/encoding.h"
+#include "frame/number.h"
+#include "frame/text.h"
+
+namespace vrx {
+namespace {
+
+constexpr std::size_t kMaxShownValue = 40;  // bytes of a bad value that a message repeats
+
+std::optional<int> Digits(std::string_view text) {
+  int value = 0;
+  const bool digits = std::all_of(text.begin(), text.end(), IsDigitChar);
+  const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), value);
+  return digits && error == std::errc() ? std::optional(value) : std::nullopt;
+}
+
+// "02:05 pm", the form of FormatTransactionTime.
+std::optional<TimeOfDay> ParseDisplayTime(std::string_view text) {
+  if (text.size() != 8 || text[2] != ':' || text[5] != ' ') {
+    return std::nullopt;
+  }
+  const std::optional<int> hour = Digits(text.substr(0, 2));
+  const std::optional<int> minute = Digits(text.substr(3, 2));
+  const bool afternoon = EqualsIgnoringCase(text.substr(6), "pm");
+  if (!hour || *hour < 1 || *hour > 12 || !minute || *minute > 59 ||
+      (!afternoon && !EqualsIgnoringCase(text.substr(6), "am"))) {
+    return std::nullopt;
+  }
+  return TimeOfDay{*hour % 12 + (afternoon ? 12 : 0), *minute, 0};
+}
+
+constexpr std::array<std::string_view, 12> kMonthMarks = {"-Jan-", "-Feb-", "-Mar-", "-Apr-",
+                                                          "-May-", "-Jun-", "-Jul-", "-Aug-",
+                                                          "-Sep-", "-Oct-", "-Nov-", "-Dec-"};
+
+// "15-Jan-2009", the form of FormatTransactionDate.
+std::optional<Date> ParseDisplayDate(std::string_view text) {
+  if (text.size() != 11) {
+    return std::nullopt;
+  }
+  const auto* const month =
+      std::find(kMonthMarks.begin(), kMonthMarks.end(), text.substr(2, kMonthMarks[0].size()));
+  const std::optional<int> day = Digits(text.substr(0, 2));
+  const std::optional<int> year = Digits(text.substr(7));
+  if (month == kMonthMarks.end() || !day || !year || *year < 1) {
+    return std::nullopt;
+  }
+  const Date date{std::chrono::year(*year),
+                  std::chrono::month(static_cast<unsigned>(month - kMonthMarks.begin()) + 1),
+                  std::chrono::day(static_cast<unsigned>(*day))};
+  return date.ok() ? std::optional(date) : std::nullopt;
+}
+
+// One row of an import, read cell by cell.
+class RowReader {
+ public:
+  RowReader(const ImportedData& rows, std::size_t row) : rows_(rows), row_(row) {}
+
+  std::string_view Cell(int column) const { return rows_.Cell(row_, column); }
+
+  std::string Text(int column) const { return Windows1252ToUtf8(Cell(column)); }
+
+  std::optional<std::string> TextOrNull(int column) const {
+    return Cell(column).empty() ? std::nullopt : std::optional(Text(column));
+  }
+
+  std::int32_t TransactionNumber() const {
+    const std::optional<std::int32_t> number = ParseLong(Cell(kImportedTransactionNumber));
+    if (!number || *number < 1) {
+      Refuse(kImportedTransactionNumber, "a whole number from 1");
+    }
+    return *number;
+  }
+
+  const std::string& Name(int column, const std::vector<std::string>& names) const {
+    const std::optional<std::int32_t> id = ParseLong(Cell(column));
+    if (!id || *id < 1 || static_cast<std::size_t>(*id) > names.size()) {
+      Refuse(column, "an ID from 1 to " + std::to_string(names.size()));
+    }
+    return names[static_cast<std::size_t>(*id) - 1];
+  }
+
+  std::optional<std::string> NameOrNull(int column, const std::vector<std::string>& names) const {
+    if (Cell(column).empty()) {
+      return std::nullopt;
+    }
+    const std::string& name = Name(column, names);
+    return name.empty() ? std::nullopt : std::optional(name);
+  }
+
+  std::optional<double> NumberOrNull(int column) const {
+    if (Cell(column).empty()) {
+      return std::nullopt;
+    }
+    const std::optional<double> number = ParseNumber(Cell(column));
+    if (!number) {
+      Refuse(column, "a number");
+    }
+    return number;
+  }
+
+  double NumberOrZero(int column) const { return NumberOrNull(column).value_or(0.0); }
+
+  std::optional<TimeOfDay> Time() const {
+    if (Cell(kImportedTime).empty()) {
+      return std::nullopt;
+    }
+    const std::optional<TimeOfDay> time =
+        ParseDisplayTime(FormatTransactionTime(Cell(kImportedTime)));
+    if (!time) {
+      Refuse(kImportedTime, "four digits, hours and minutes, or these with am or pm");
+    }
+    return time;
+  }
+
+  std::optional<Date> Day() const {
+    if (Cell(kImportedDate).empty()) {
+      return std::nullopt;
+    }
+    const std::optional<Date> date = ParseDisplayDate(FormatTransactionDate(Cell(kImportedDate)));
+    if (!date) {
+      Refuse(kImportedDate, "eight digits: month, day and year");
+    }
+    return date;
+  }
+
+ private:
+  [[noreturn]] void Refuse(int column, const std::string& expected) const {
+    const std::string_view cell = Cell(column);
+    std::string value = Windows1252ToUtf8(cell.substr(0, kMaxShownValue));
+    if (cell.size() > kMaxShownValue) {
+      value += "...";
+    }
+    throw StoreRowError("Row " + std::to_string(row_) + ", " + DesignImportCaption(column) +
+                        ": found \"" + value + "\", expected " + expected + ".");
+  }
+
+  const ImportedData& rows_;
+  std::size_t row_;
+};
+
+}  // namespace
+
+RecordNames ReadRecordNames(SQLite::Database& recipe_database) {
+  RecordNames names;
+  for (IngredientRecord& record : ReadIngredients(recipe_database)) {
+    names.ingredients.push_back(std::move(record.name));
+  }
+  for (RecipeRecord& record : ReadRecipes(recipe_database)) {
+    names.recipes.push_back(std::move(record.name));
+  }
+  for (PenRecord& record : ReadPens(recipe_database)) {
+    names.pens.push_back(std::move(record.name));
+  }
+  return names;
+}
+
+TransactionRecord ToTransactionRecord(const ImportedData& rows, std::size_t row,
+                                      const RecordNames& names, std::int32_t base) {
+  const RowReader reader(rows, row);
+  TransactionRecord record;
+  record.transaction = reader.TransactionNumber() + base;
+  record.recipe = reader.Name(kImportedRecipeID, names.recipes);
+  record.type = reader.Text(kImportedType);
+  record.user_id = reader.TextOrNull(kImportedUserID);
+  record.ingredient = reader.NameOrNull(kImportedIngredientID, names.ingredients);
+  record.pen = reader.NameOrNull(kImportedPenID, names.pens);
+  record.target = reader.NumberOrZero(kImportedTarget);
+  record.actual_batch = reader.NumberOrZero(kImportedActualBatch);
+  record.time = reader.Time();
+  record.date = reader.Day();
+  record.actual_feed = reader.NumberOrZero(kImportedActualFeed);
+  record.ing_percent = reader.NumberOrNull(kCalculatedIngPercentOfBatch);
+  int column = kFirstIngredientWeight;
+  for (std::optional<double>& weight : record.ingredient_weights) {
+    weight = reader.NumberOrNull(column++);
+  }
+  return record;
+}
+
+void CheckTransactionRange(const ImportedData& rows, std::int32_t base) {
+  constexpr std::int32_t kHighest = std::numeric_limits<std::int32_t>::max();
+  for (std::size_t row = 1; row <= rows.RowCount(); ++row) {
+    const std::optional<std::int32_t> number =
+        ParseLong(rows.Cell(row, kImportedTransactionNumber));
+    if (number && *number > kHighest - base) {
+      throw StoreRowError("Row " + std::to_string(row) + ", " +
+                          DesignImportCaption(kImportedTransactionNumber) + ": " +
+                          std::to_string(*number) + " behind the database's highest number " +
+                          std::to_string(base) + " is beyond " + std::to_string(kHighest) + ".");
+    }
+  }
+}
+
+}  // namespace vrx

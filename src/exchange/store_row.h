@@ -1,0 +1,43 @@
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <string>
+#include <vector>
+
+#include "database/transactions.h"
+#include "exchange/imported_data.h"
+#include "frame/error.h"
+
+namespace SQLite {
+class Database;
+}
+
+namespace vrx {
+
+// A cell of an import that cannot be stored. what() names row, field, value and what was expected.
+class StoreRowError : public Error {
+ public:
+  using Error::Error;
+};
+
+// The names of a recipe database in ID order; ID 1 is the first of each list. Records not in use
+// have their place too.
+struct RecordNames {
+  std::vector<std::string> recipes;
+  std::vector<std::string> ingredients;
+  std::vector<std::string> pens;
+};
+
+RecordNames ReadRecordNames(SQLite::Database& recipe_database);
+
+// Row `row` (from 1) of an import as it is stored, its transaction number raised by `base`. The sum
+// has to fit: see CheckTransactionRange. Throws StoreRowError.
+TransactionRecord ToTransactionRecord(const ImportedData& rows, std::size_t row,
+                                      const RecordNames& names, std::int32_t base);
+
+// Throws StoreRowError for the first row whose raised transaction number would not fit 32 bits.
+// Numbers that cannot be read are left to ToTransactionRecord.
+void CheckTransactionRange(const ImportedData& rows, std::int32_t base);
+
+}  // namespace vrx
