@@ -18,7 +18,9 @@ struct DataTransfer {
   std::string data_window;     // txtDataWindow
   std::string file_path;       // txtFilePath
   std::vector<DataFileRow> data_files;
-  int selected_row = -1;  // of data_files; -1 for none
+  int selected_row = -1;                  // of data_files; -1 for none
+  bool recipe_frames_visible = false;     // frmRecipeFile and frmRecipeBackup
+  bool data_files_frame_visible = false;  // frmDataFiles
 };
 
 }  // namespace vrx

@@ -1,7 +1,8 @@
 #pragma once
 
-#include <array>
 #include <string_view>
+
+#include "frame/error.h"
 
 namespace vrx {
 
@@ -18,6 +19,12 @@ struct FileAttributes {
   DataFileType type = DataFileType::kUnknown;
   int position = 0;  // of its first character, from 1
   int length = 0;
+};
+
+// A block with more files than the table holds. The first kMaxDataFiles are cut and may be used.
+class TooManyFilesError : public Error {
+ public:
+  using Error::Error;
 };
 
 // "Transaction File", "Recipe Backup File", "Text Report"; empty for another type.

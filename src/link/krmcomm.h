@@ -1,11 +1,15 @@
 #pragma once
 
 #include <array>
+#include <cstddef>
 #include <cstdint>
+#include <optional>
 #include <string>
 #include <string_view>
+#include <utility>
 
 #include "link/file_attributes.h"
+#include "link/one_shot_timer.h"
 #include "platform/event_pump.h"
 #include "platform/operator.h"
 #include "platform/serial_control.h"
@@ -15,24 +19,134 @@ namespace vrx {
 class PrivateINI;
 
 // Owns the serial port. Everything said to the data module or the indicator passes through it. The
-// link is half-duplex and polled: one command, its reply, the next. The public state bears the names
-// of the design: GB_ boolean, GS_ bytes, GL_ whole number.
+// link is half-duplex and polled: one command, its reply, the next. The public state bears the
+// names of the design: GB_ boolean, GS_ bytes, GL_ whole number.
+//
+// No operation throws for what happens on the line: it returns false, GS_KRM_ErrMsg has the told
+// words, KRM_FailureCause what lies behind them. Every wait pumps events, so a handler may run
+// another operation inside it; the outer one then fails rather than take the other's reply. A wait
+// ends at once when the line is gone or the program is closing: the port is closed then, and the
+// next command opens it anew.
 class KRMCOMM {
  public:
   KRMCOMM(SerialControl& serial, EventPump& pump, Operator& op, const PrivateINI& settings);
 
-  bool KRM_OnlineCheck();
+  // Raises DTR and gives the module 1000 ms to wake. False: the wait was cut short.
+  bool KRM_AssertDTR();
+  // Lowers DTR and waits 500 ms.
+  void KRM_DeAssertDTR();
+  // Closes in order, with the wait of KRM_DeAssertDTR.
+  void KRM_Close();
+  // Closes without any wait, for the end of the program.
+  void KRM_ImmediateClose();
+
+  // The module's commands. Each takes at least 1500 ms.
+  bool KRM_OnlineCheck();  // tells the module the baud rate of the settings
   bool KRM_Clear();
-  bool KRM_SetBaud(std::int32_t baud);
-  bool KRM_Dump();
+  bool KRM_SetBaud(std::int32_t baud);  // 1200, 2400, 9600 or 19200; another sends nothing
+  bool KRM_Dump();                      // the reply is left, framing included, in GS_KRM_RxDBuffer
   bool KRM_DumpAll();
-  bool KRM_Download(std::string_view text);
+  bool KRM_Download(std::string_view text);  // true once the last byte has left the port
 
-  // The module memory image and the cutting of a block into files.
+  // The data between the two terminators of a reply; empty, with GS_KRM_ErrMsg set, for a reply
+  // without exactly two or with nothing between them.
   std::string KRM_ExtractData(std::string_view reply);
-  int KRM_ExtractFiles(std::string_view block);
 
-  // ... the link's developer completes this class
+  // Cuts a block into files and returns their number. Throws TooManyFilesError.
+  int KRM_ExtractFiles(std::string_view block);
+  void KRM_ClearFileAttributes();
+
+  // Files count from 1 to 99, attributes from 1 to 3 (type, position, length); others throw Error.
+  // An entry beyond the last file is all 0.
+  const FileAttributes& GL_KRM_FileAttributes(int file) const;
+  std::int32_t GL_KRM_FileAttributes(int file, int attribute) const;
+
+  // The PC's image of module memory. All but the appending transmit, beep when the bytes are out,
+  // and tell the operator when they are not.
+  void KRM_ClearVirtualMemory();
+  void KRM_AppendToVirtualMemory(std::string_view text);
+  void KRM_DumpVirtualMemory();
+  void KRM_DumpAllVirtualMemory();
+
+  // What lies behind the last failure: the platform's words, or ours where it has none ("no
+  // reply"). Empty after a command that went well.
+  const std::string& KRM_FailureCause() const { return failure_cause_; }
+
+  // Get and let.
+  bool GB_KRM_DelayComplete() const { return delay_complete_; }
+  void GB_KRM_DelayComplete(bool value) { delay_complete_ = value; }
+  bool GB_KRM_RxDWaiting() const { return rxd_waiting_; }
+  void GB_KRM_RxDWaiting(bool value) { rxd_waiting_ = value; }  // false ends a timed receive
+  bool GB_KRM_MessageReceived() const { return message_received_; }
+  void GB_KRM_MessageReceived(bool value) { message_received_ = value; }
+  bool GB_KRM_CommPortOpen() const { return comm_port_open_; }
+  void GB_KRM_CommPortOpen(bool value) { comm_port_open_ = value; }
+  bool GB_KRM_AbortDirectConnect() const { return abort_direct_connect_; }
+  void GB_KRM_AbortDirectConnect(bool value) { abort_direct_connect_ = value; }
+  const std::string& GS_KRM_RxDBuffer() const { return rxd_buffer_; }
+  void GS_KRM_RxDBuffer(std::string value) { rxd_buffer_ = std::move(value); }
+  const std::string& GS_KRM_VirtualMemory() const { return virtual_memory_; }
+  void GS_KRM_VirtualMemory(std::string value) { virtual_memory_ = std::move(value); }
+  const std::string& GS_KRM_ErrMsg() const { return err_msg_; }
+  void GS_KRM_ErrMsg(std::string value) { err_msg_ = std::move(value); }
+  std::int32_t GL_KRM_FileCount() const { return file_count_; }
+  void GL_KRM_FileCount(std::int32_t value) { file_count_ = value; }
+  std::int32_t GL_KRM_TxDCount() const { return txd_count_; }
+  void GL_KRM_TxDCount(std::int32_t value) { txd_count_ = value; }
+  std::int32_t GL_KRM_RxDCount() const { return rxd_count_; }
+  void GL_KRM_RxDCount(std::int32_t value) { rxd_count_ = value; }
+
+ private:
+  bool KRM_Open();
+  bool OpenPort(Handshaking mode);
+  bool KRM_SendByte(char code);
+  bool KRM_SendString(std::string_view text);
+  bool KRM_WaitForTerminators(int count);
+  bool KRM_Delay(Milliseconds delay);
+
+  bool WaitOut(OneShotTimer& timer);
+  bool PurgeBuffers();
+  bool Drain();
+  bool HandOver(std::string_view bytes);
+  bool Receive(int count, std::string& buffer);
+
+  // False once a wait was cut short, until the next opening.
+  bool GoesOn();
+  // Nothing when the wait is to end.
+  std::optional<int> BytesToSend();
+  void Interrupt(std::string_view words, std::string cause);
+  bool LineGone();
+  template <typename Step>
+  bool Try(Step step);
+
+  bool AskForEcho(char code);
+  bool ReplyBeginsWith(char code);
+  void Answer(std::string_view frame, std::string_view command_name);
+
+  SerialControl& serial_;
+  EventPump& pump_;
+  Operator& op_;
+  const PrivateINI& settings_;
+
+  OneShotTimer tim_rxd_timeout_;
+  OneShotTimer tim_krm_general_delay_;
+  OneShotTimer tim_reset_delay_;
+
+  bool delay_complete_ = false;
+  bool rxd_waiting_ = false;
+  bool message_received_ = false;
+  bool comm_port_open_ = false;
+  bool abort_direct_connect_ = false;
+  std::string rxd_buffer_;
+  std::string virtual_memory_;
+  std::string err_msg_;
+  std::int32_t file_count_ = 0;
+  std::int32_t txd_count_ = 0;
+  std::int32_t rxd_count_ = 0;
+  std::array<FileAttributes, kMaxDataFiles> file_attributes_{};
+
+  bool interrupted_ = false;  // since the last opening, by a lost line or the end of the program
+  std::string failure_cause_;
 };
 
 }  // namespace vrx

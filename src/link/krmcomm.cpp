@@ -1,0 +1,271 @@
+#include "link/krmcomm.h"
+
+#include <algorithm>
+
+#include "frame/error.h"
+#include "frame/number.h"
+#include "frame/private_ini.h"
+#include "link/control_characters.h"
+
+namespace vrx {
+
+namespace {
+
+constexpr int kInBufferSize = 2048;
+constexpr int kOutBufferSize = 1024;
+constexpr std::string_view kPortSettings = "19200,n,8,1";
+
+constexpr Milliseconds kFirstReceiveLimit{1000};
+constexpr Milliseconds kReceiveLimit{5000};
+constexpr Milliseconds kWakeTime{1000};
+constexpr Milliseconds kReleaseTime{500};
+constexpr Milliseconds kAfterTransmission{100};
+
+// Nothing tells when the last byte has left the port: its counter is looked at in this rhythm.
+constexpr Milliseconds kDrainRhythm{5};
+
+}  // namespace
+
+KRMCOMM::KRMCOMM(SerialControl& serial, EventPump& pump, Operator& op, const PrivateINI& settings)
+    : serial_(serial),
+      pump_(pump),
+      op_(op),
+      settings_(settings),
+      tim_rxd_timeout_(kFirstReceiveLimit),
+      tim_krm_general_delay_(Milliseconds{0}),
+      tim_reset_delay_(kWakeTime) {}
+
+template <typename Step>
+bool KRMCOMM::Try(Step step) {
+  try {
+    step();
+    return true;
+  } catch (const SerialError& error) {
+    failure_cause_ = error.what();
+    return false;
+  }
+}
+
+bool KRMCOMM::KRM_Open() { return OpenPort(Handshaking::kXOnXOff); }
+
+bool KRMCOMM::OpenPort(Handshaking mode) {
+  failure_cause_.clear();
+  interrupted_ = false;
+  if (comm_port_open_ && !LineGone()) {
+    err_msg_ = "Serial port already open";
+    return true;
+  }
+  comm_port_open_ = false;
+  std::string_view stage = "Open error";
+  const auto refuse = [&](std::string cause) {
+    err_msg_ = stage;
+    failure_cause_ = std::move(cause);
+    serial_.SetPortOpen(false);
+    return false;
+  };
+  try {
+    serial_.SetDTREnable(false);
+    serial_.SetInBufferSize(kInBufferSize);
+    serial_.SetOutBufferSize(kOutBufferSize);
+    serial_.SetHandshaking(mode);
+    serial_.SetCommPort(TextToInt(settings_.SerialPort()));
+    serial_.SetSettings(kPortSettings);
+    stage = "Serial port not available";
+    if (serial_.PortOpen()) {
+      serial_.SetPortOpen(false);
+    }
+    serial_.SetPortOpen(true);
+    serial_.DiscardOutput();
+  } catch (const SerialError& error) {
+    return refuse(error.what());
+  } catch (const ConversionError& error) {
+    return refuse(std::string("SerialPort: ") + error.what());
+  }
+  comm_port_open_ = true;
+  return true;
+}
+
+void KRMCOMM::KRM_Close() {
+  if (serial_.PortOpen()) {
+    serial_.SetPortOpen(false);
+  }
+  KRM_DeAssertDTR();
+  comm_port_open_ = false;
+}
+
+void KRMCOMM::KRM_ImmediateClose() {
+  if (serial_.PortOpen()) {
+    serial_.SetPortOpen(false);
+  }
+  Try([this] { serial_.SetDTREnable(false); });
+  comm_port_open_ = false;
+}
+
+bool KRMCOMM::KRM_AssertDTR() {
+  return Try([this] { serial_.SetDTREnable(true); }) && WaitOut(tim_reset_delay_);
+}
+
+void KRMCOMM::KRM_DeAssertDTR() {
+  Try([this] { serial_.SetDTREnable(false); });
+  KRM_Delay(kReleaseTime);
+}
+
+bool KRMCOMM::KRM_Delay(Milliseconds delay) {
+  tim_krm_general_delay_.SetInterval(delay);
+  return WaitOut(tim_krm_general_delay_);
+}
+
+// A delay that a handler runs inside this one ends both.
+bool KRMCOMM::WaitOut(OneShotTimer& timer) {
+  delay_complete_ = false;
+  timer.Enable(pump_.Now());
+  while (!delay_complete_ && timer.Enabled() && BytesToSend().has_value()) {
+    const Milliseconds now = pump_.Now();
+    if (timer.Due(now)) {
+      delay_complete_ = true;
+    } else {
+      pump_.Pump(timer.Left(now));
+    }
+  }
+  timer.Disable();
+  return !interrupted_;
+}
+
+bool KRMCOMM::KRM_SendByte(char code) {
+  const bool sent = KRM_AssertDTR() && PurgeBuffers() && HandOver({&code, 1}) && Drain();
+  if (!sent) {
+    KRM_DeAssertDTR();
+  }
+  return sent;
+}
+
+bool KRMCOMM::KRM_SendString(std::string_view text) {
+  // A handler inside the waits may change what the caller's view points to.
+  const std::string bytes(text);
+  bool sent = KRM_AssertDTR() && PurgeBuffers();
+  txd_count_ = 0;
+  for (std::size_t start = 0; sent && start < bytes.size(); start += kOutBufferSize) {
+    const std::string_view block = std::string_view(bytes).substr(start, kOutBufferSize);
+    sent = HandOver(block);
+    if (sent) {
+      txd_count_ += static_cast<std::int32_t>(block.size());
+      sent = Drain();
+    }
+  }
+  sent = sent && KRM_Delay(kAfterTransmission);
+  KRM_DeAssertDTR();
+  return sent;
+}
+
+bool KRMCOMM::PurgeBuffers() {
+  return Try([this] {
+    serial_.DiscardInput();
+    serial_.DiscardOutput();
+  });
+}
+
+bool KRMCOMM::HandOver(std::string_view bytes) {
+  return Try([this, bytes] { serial_.Output(bytes); });
+}
+
+bool KRMCOMM::Drain() {
+  for (auto left = BytesToSend(); left.has_value(); left = BytesToSend()) {
+    if (!serial_.PortOpen()) {
+      failure_cause_ = "the port was closed during the transmission";
+      return false;
+    }
+    if (*left == 0) {
+      return true;
+    }
+    pump_.Pump(kDrainRhythm);
+  }
+  return false;
+}
+
+bool KRMCOMM::KRM_WaitForTerminators(int count) {
+  std::string buffer;
+  bool complete = false;
+  try {
+    complete = Receive(count, buffer);
+  } catch (const SerialError& error) {
+    Interrupt("Serial line lost", error.what());
+  }
+  tim_rxd_timeout_.Disable();
+  if (complete) {
+    rxd_buffer_ = std::move(buffer);
+    err_msg_.clear();
+    return true;
+  }
+  rxd_buffer_.clear();
+  if (!interrupted_) {
+    err_msg_ = "Receiver timeout";
+    failure_cause_ = buffer.empty()
+                         ? "no reply"
+                         : "the reply broke off after " + std::to_string(buffer.size()) + " bytes";
+  }
+  return false;
+}
+
+// The limit of 5000 ms stays for the receptions to come: it is never set back.
+bool KRMCOMM::Receive(int count, std::string& buffer) {
+  rxd_waiting_ = true;
+  message_received_ = false;
+  std::ptrdiff_t terminators = 0;
+  tim_rxd_timeout_.Enable(pump_.Now());
+  while (rxd_waiting_ && !message_received_ && GoesOn()) {
+    const Milliseconds now = pump_.Now();
+    if (serial_.InBufferCount() >= 1) {
+      tim_rxd_timeout_.SetInterval(kReceiveLimit);
+      tim_rxd_timeout_.Enable(now);
+      const std::string chunk = serial_.Input();
+      buffer += chunk;
+      rxd_count_ = static_cast<std::int32_t>(buffer.size());
+      terminators += std::count(chunk.begin(), chunk.end(), KRMConst::US);
+      message_received_ = terminators >= count;
+    } else if (!serial_.PortOpen()) {
+      Interrupt("Serial line lost", "the port was closed during the reception");
+    } else if (tim_rxd_timeout_.Due(now)) {
+      tim_rxd_timeout_.Disable();
+      rxd_waiting_ = false;
+    } else {
+      pump_.Pump(tim_rxd_timeout_.Left(now));
+    }
+  }
+  return terminators >= count;
+}
+
+bool KRMCOMM::GoesOn() {
+  if (!interrupted_ && pump_.Closing()) {
+    Interrupt("The program is closing", {});
+  }
+  return !interrupted_;
+}
+
+std::optional<int> KRMCOMM::BytesToSend() {
+  try {
+    if (GoesOn()) {
+      return serial_.OutBufferCount();
+    }
+  } catch (const SerialError& error) {
+    Interrupt("Serial line lost", error.what());
+  }
+  return std::nullopt;
+}
+
+void KRMCOMM::Interrupt(std::string_view words, std::string cause) {
+  interrupted_ = true;
+  KRM_ImmediateClose();
+  err_msg_ = words;
+  failure_cause_ = std::move(cause);
+}
+
+bool KRMCOMM::LineGone() {
+  try {
+    serial_.OutBufferCount();
+    return false;
+  } catch (const SerialError&) {
+    return true;
+  }
+}
+
+}  // namespace vrx

@@ -1,0 +1,92 @@
+#include "frame/number.h"
+#include "frame/private_ini.h"
+#include "link/control_characters.h"
+#include "link/krmcomm.h"
+
+namespace vrx {
+
+namespace {
+
+struct BaudCommand {
+  std::int32_t baud;
+  char code;
+};
+
+constexpr std::array kBaudCommands{
+    BaudCommand{1200, KRMConst::SYN}, BaudCommand{2400, KRMConst::ETB},
+    BaudCommand{9600, KRMConst::CAN}, BaudCommand{19200, KRMConst::EM}};
+
+}  // namespace
+
+bool KRMCOMM::KRM_OnlineCheck() { return KRM_SetBaud(TextToLong(settings_.KRMBaudRate())); }
+
+bool KRMCOMM::KRM_Clear() {
+  const bool cleared = KRM_Open() && AskForEcho(KRMConst::DC4);
+  KRM_DeAssertDTR();
+  return cleared;
+}
+
+bool KRMCOMM::KRM_SetBaud(std::int32_t baud) {
+  bool confirmed = false;
+  if (KRM_Open()) {
+    const auto* const command = std::find_if(kBaudCommands.begin(), kBaudCommands.end(),
+                                             [baud](const auto& c) { return c.baud == baud; });
+    if (command == kBaudCommands.end()) {
+      failure_cause_ = "the module has no baud rate " + std::to_string(baud);
+      return false;
+    }
+    confirmed = AskForEcho(command->code);
+  }
+  KRM_DeAssertDTR();
+  return confirmed;
+}
+
+bool KRMCOMM::KRM_Dump() {
+  bool dumped = false;
+  std::string_view words;
+  if (!KRM_Open()) {
+    words = "Open failed";
+  } else if (!KRM_SendByte(KRMConst::NAK)) {
+    words = "<NAK> command failed";
+  } else if (!KRM_WaitForTerminators(2)) {
+    words = "Command response failed";
+  } else {
+    dumped = ReplyBeginsWith(KRMConst::NAK);
+  }
+  // What cut a wait short has words of its own.
+  if (!words.empty() && !interrupted_) {
+    err_msg_ = words;
+  }
+  KRM_DeAssertDTR();
+  return dumped;
+}
+
+bool KRMCOMM::KRM_DumpAll() {
+  const bool dumped = KRM_Open() && KRM_SendByte(KRMConst::FS) && KRM_WaitForTerminators(2) &&
+                      ReplyBeginsWith(KRMConst::FS);
+  KRM_DeAssertDTR();
+  return dumped;
+}
+
+bool KRMCOMM::KRM_Download(std::string_view text) { return KRM_Open() && KRM_SendString(text); }
+
+bool KRMCOMM::AskForEcho(char code) {
+  if (!KRM_SendByte(code) || !KRM_WaitForTerminators(1)) {
+    return false;
+  }
+  if (rxd_buffer_ != std::string{code, KRMConst::US}) {
+    failure_cause_ = "unexpected reply";
+    return false;
+  }
+  return true;
+}
+
+bool KRMCOMM::ReplyBeginsWith(char code) {
+  if (rxd_buffer_.front() != code) {
+    failure_cause_ = "unexpected reply";
+    return false;
+  }
+  return true;
+}
+
+}  // namespace vrx

@@ -1,0 +1,35 @@
+#include "frame/text.h"
+#include "link/control_characters.h"
+#include "link/krmcomm.h"
+
+namespace vrx {
+
+void KRMCOMM::KRM_ClearVirtualMemory() {
+  virtual_memory_.clear();
+  Answer(std::string{KRMConst::DC4, KRMConst::US}, "<DC4>");
+}
+
+void KRMCOMM::KRM_AppendToVirtualMemory(std::string_view text) { virtual_memory_ += text; }
+
+void KRMCOMM::KRM_DumpVirtualMemory() {
+  Answer(std::string{KRMConst::NAK, KRMConst::US} + virtual_memory_ + KRMConst::US, "<NAK>");
+}
+
+void KRMCOMM::KRM_DumpAllVirtualMemory() {
+  Answer(std::string{KRMConst::FS, KRMConst::US} + virtual_memory_ + KRMConst::US, "<FS>");
+}
+
+void KRMCOMM::Answer(std::string_view frame, std::string_view command_name) {
+  if (KRM_SendString(frame)) {
+    BeepIfEnabled(op_, settings_);
+    return;
+  }
+  op_.Beep();
+  op_.ShowMessage(
+      {.icon = Icon::kCritical,
+       .title = "Error",
+       .text = "Transmission of response to " + std::string(command_name) + " command failed!",
+       .cause = failure_cause_});
+}
+
+}  // namespace vrx

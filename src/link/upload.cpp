@@ -1,0 +1,136 @@
+#include "link/upload.h"
+
+#include "frame/text.h"
+
+namespace vrx {
+
+namespace {
+
+constexpr Milliseconds kUploadingInterval{500};
+
+// The hourglass, for as long as the object lives.
+class Hourglass {
+ public:
+  explicit Hourglass(Operator& op) : op_(op) { op_.SetBusy(true); }
+  ~Hourglass() { op_.SetBusy(false); }
+  Hourglass(const Hourglass&) = delete;
+  Hourglass& operator=(const Hourglass&) = delete;
+
+ private:
+  Operator& op_;
+};
+
+}  // namespace
+
+Upload::Upload(KRMCOMM& krm, DataTransfer& transfer, EventPump& pump, Operator& op,
+               const PrivateINI& settings)
+    : krm_(krm), transfer_(transfer), pump_(pump), op_(op), settings_(settings) {}
+
+void Upload::UploadDataFromKRM() {
+  transfer_.data_window.clear();
+  transfer_.file_path.clear();
+  op_.SetStatusLine("");
+  transfer_.recipe_frames_visible = false;
+  ListDataFiles(UploadFromModule());
+}
+
+int Upload::UploadFromModule() {
+  transfer_.data_window.clear();
+  op_.SetStatusColor(StatusColor::kBlue);
+  op_.SetStatusLine("Standby...");
+  const Hourglass hourglass(op_);
+  if (!krm_.KRM_OnlineCheck()) {
+    ModuleNotDetected();
+    return 0;
+  }
+  const auto tim_uploading = pump_.StartTicker(kUploadingInterval, [this] {
+    op_.SetStatusLine("Uploading from KRM....  " + std::to_string(krm_.GL_KRM_RxDCount()) +
+                      " bytes");
+  });
+  if (!krm_.KRM_Dump()) {
+    Fail("Error: " + krm_.GS_KRM_ErrMsg());
+    return 0;
+  }
+  return TakeReply();
+}
+
+void Upload::ModuleNotDetected() {
+  if (pump_.Closing()) {
+    Fail("Error: " + krm_.GS_KRM_ErrMsg());
+    return;
+  }
+  BeepIfEnabled(op_, settings_);
+  op_.ShowMessage({.icon = Icon::kWarning,
+                   .title = "KRM Error",
+                   .text = "The KRM was not detected. Please verify that the module is connected. "
+                           "Check cable and connector and then try again.",
+                   .cause = krm_.KRM_FailureCause()});
+  Fail("Error: KRM not detected");
+}
+
+int Upload::TakeReply() {
+  transfer_.transfer_block = krm_.KRM_ExtractData(krm_.GS_KRM_RxDBuffer());
+  if (transfer_.transfer_block.empty()) {
+    transfer_.data_window.clear();
+    Fail(krm_.GS_KRM_ErrMsg());
+    return 0;
+  }
+  try {
+    const int count = krm_.KRM_ExtractFiles(transfer_.transfer_block);
+    if (count == 0) {
+      transfer_.data_window = transfer_.transfer_block;
+      krm_.GS_KRM_ErrMsg("No recognized data file!");
+      Fail(krm_.GS_KRM_ErrMsg());
+      return 0;
+    }
+    op_.SetStatusColor(StatusColor::kGreen);
+    op_.SetStatusLine("Upload complete!  (" + std::to_string(krm_.GS_KRM_RxDBuffer().size()) +
+                      " bytes, " + std::to_string(count) + (count > 1 ? " files)" : " file)"));
+    return count;
+  } catch (const TooManyFilesError& error) {
+    transfer_.data_window = transfer_.transfer_block;
+    krm_.GS_KRM_ErrMsg(std::string("Error: ") + error.what() + ", the rest is not listed");
+    Fail(krm_.GS_KRM_ErrMsg());
+    return kMaxDataFiles;
+  }
+}
+
+void Upload::Fail(std::string_view words) {
+  op_.SetStatusColor(StatusColor::kRed);
+  op_.SetStatusLine(words);
+}
+
+void Upload::ListDataFiles(int count) {
+  transfer_.data_files.clear();
+  transfer_.selected_row = -1;
+  for (int file = 1; file <= count; ++file) {
+    const DataFileType type = krm_.GL_KRM_FileAttributes(file).type;
+    transfer_.data_files.push_back(
+        {.file = file, .text = std::string(DataFileTypeName(type)) + " - " + std::to_string(file)});
+  }
+  if (count > 0) {
+    transfer_.data_files_frame_visible = true;
+  }
+}
+
+void Upload::DataFilesClick(int row) {
+  ShowDataFile(row + 1);
+  for (int other = 0; other < static_cast<int>(transfer_.data_files.size()); ++other) {
+    transfer_.data_files[static_cast<std::size_t>(other)].checked = other == row;
+  }
+  transfer_.selected_row = row;
+  BeepIfEnabled(op_, settings_);
+}
+
+void Upload::ShowDataFile(int file) {
+  const FileAttributes& attributes = krm_.GL_KRM_FileAttributes(file);
+  const int end = attributes.position - 1 + attributes.length;
+  if (attributes.position < 1 || end > static_cast<int>(transfer_.transfer_block.size())) {
+    throw Error("there is no data file " + std::to_string(file));
+  }
+  transfer_.data_window =
+      transfer_.transfer_block.substr(static_cast<std::size_t>(attributes.position) - 1,
+                                      static_cast<std::size_t>(attributes.length));
+}
+
+}  // namespace vrx

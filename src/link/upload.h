@@ -1,0 +1,43 @@
+#pragma once
+
+#include <string_view>
+
+#include "link/data_transfer.h"
+#include "link/krmcomm.h"
+
+namespace vrx {
+
+// The upload side of the Data Transfer tab. The operator follows it in the status line: blue while
+// it is busy, red after a failure, green at the end. References must outlive the object.
+class Upload {
+ public:
+  Upload(KRMCOMM& krm, DataTransfer& transfer, EventPump& pump, Operator& op,
+         const PrivateINI& settings);
+
+  // The button: clears the tab, uploads from the module and lists what came.
+  void UploadDataFromKRM();
+
+  // Brings the module's memory into the transfer block and returns the count of files cut from it.
+  // A memory with more files than the table holds ends red and gives those that fit.
+  int UploadFromModule();
+
+  // A click on the check box of a row, from 0. Only one box is checked at a time.
+  void DataFilesClick(int row);
+
+  // Shows a file, from 1, in the data window. Throws Error when there is none of that number.
+  void ShowDataFile(int file);
+
+ private:
+  void Fail(std::string_view words);
+  void ModuleNotDetected();
+  int TakeReply();
+  void ListDataFiles(int count);
+
+  KRMCOMM& krm_;
+  DataTransfer& transfer_;
+  EventPump& pump_;
+  Operator& op_;
+  const PrivateINI& settings_;
+};
+
+}  // namespace vrx
