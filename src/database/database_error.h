@@ -18,8 +18,8 @@ inline constexpr int kNoRecordError = 3021;
 inline constexpr int kTableLockedError = 3251;
 inline constexpr int kInvalidFieldError = 3265;
 
-// A failure of a database. what() is the cause in words, with the file's name: "YARD.RDB is cut off:
-// 8192 bytes instead of 40960".
+// A failure of a database. what() is the cause in words, with the file's name: "YARD.RDB is cut
+// off: 8192 bytes instead of 40960".
 class DatabaseError : public Error {
  public:
   DatabaseError(int number, const std::string& cause) : Error(cause), number_(number) {}

@@ -19,9 +19,9 @@ inline constexpr std::string_view kUserTransDb = "USER_TRANS_DB";
 
 enum class DateSelector { kCreated = 1, kModified = 2 };
 
-// Reads and writes what a database says of itself, by its full path, open in the main window or not:
-// each call makes its own connection. A failure beeps (if the beeper is on), shows the routine's box
-// and comes back as the result told.
+// Reads and writes what a database says of itself, by its full path, open in the main window or
+// not: each call makes its own connection. A failure beeps (if the beeper is on), shows the
+// routine's box and comes back as the result told.
 class DatabaseIdentity {
  public:
   DatabaseIdentity(Operator& op, const Calendar& calendar, const PrivateINI& settings)

@@ -32,7 +32,7 @@ struct RecipeRecord {
   std::string description;       // empty: not in use
   std::string batch_type = "!";  // "!", "W", "H", "%", "P"
   int head_count = 0;
-  std::string ration_target;         // digits
+  std::string ration_target;       // digits
   std::string adjust_batch_index;  // field AdjBatTotIndex: 0 to 40 as text, 20 is no change
 };
 

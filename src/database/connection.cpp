@@ -1,0 +1,199 @@
+#include "database/connection.h"
+
+#include <algorithm>
+#include <cstddef>
+#include <cstdint>
+#include <string>
+#include <string_view>
+#include <system_error>
+
+#include <SQLiteCpp/Exception.h>
+#include <SQLiteCpp/Statement.h>
+#include <SQLiteCpp/Transaction.h>
+#include <sqlite3.h>
+
+#include "database/schema.h"
+
+namespace vrx {
+
+namespace fs = std::filesystem;
+using std::string_view_literals::operator""sv;
+
+namespace {
+
+// The engine's file header, numbers big-endian.
+constexpr std::string_view kMagic = "SQLite format 3\0"sv;
+constexpr std::size_t kHeaderSize = 100;
+constexpr std::size_t kPageSizeOffset = 16;  // 2 bytes; 1 stands for 65536
+constexpr std::size_t kChangeCounterOffset = 24;
+constexpr std::size_t kPageCountOffset = 28;
+constexpr std::size_t kUserVersionOffset = 60;
+constexpr std::size_t kApplicationIdOffset = 68;
+constexpr std::size_t kPageCountValidForOffset = 92;
+
+constexpr std::string_view kJetMagic = "\0\1\0\0Standard Jet DB"sv;
+constexpr std::size_t kLookAt = 512;
+
+constexpr const char* kExpected = "; expected a recipe or transaction database of this system";
+
+struct FileHead {
+  std::string bytes;  // at most kLookAt
+  std::int64_t size = 0;
+};
+
+// Reads through the engine's own file handle: closing a second handle of the same file would drop
+// the locks that another connection of this process holds.
+FileHead ReadHead(SQLite::Database& database) {
+  sqlite3_file* file = nullptr;
+  sqlite3_file_control(database.getHandle(), "main", SQLITE_FCNTL_FILE_POINTER, &file);
+  FileHead head;
+  sqlite3_int64 size = 0;
+  int result = file->pMethods->xFileSize(file, &size);
+  head.size = size;
+  head.bytes.resize(static_cast<std::size_t>(std::min<sqlite3_int64>(size, kLookAt)));
+  if (result == SQLITE_OK && !head.bytes.empty()) {
+    result = file->pMethods->xRead(file, head.bytes.data(), static_cast<int>(head.bytes.size()), 0);
+  }
+  if (result != SQLITE_OK) {
+    throw SQLite::Exception("the file cannot be read", result);
+  }
+  return head;
+}
+
+std::uint32_t BigEndian(const FileHead& head, std::size_t offset, std::size_t width = 4) {
+  std::uint32_t value = 0;
+  for (const char byte : head.bytes.substr(offset, width)) {
+    value = value << 8U | static_cast<unsigned char>(byte);
+  }
+  return value;
+}
+
+bool LooksLikeText(std::string_view bytes) {
+  return std::all_of(bytes.begin(), bytes.end(), [](char byte) {
+    const auto code = static_cast<unsigned char>(byte);
+    return (code >= ' ' && code != 0x7f) || byte == '\t' || byte == '\r' || byte == '\n';
+  });
+}
+
+void RefuseMissing(const fs::path& path, const std::string& name) {
+  if (path.empty()) {
+    throw DatabaseError(SQLITE_CANTOPEN, "no file was named" + std::string(kExpected));
+  }
+  std::error_code error;
+  const fs::file_status status = fs::status(path, error);
+  if (status.type() == fs::file_type::not_found) {
+    throw DatabaseError(SQLITE_CANTOPEN, name + " does not exist" + kExpected);
+  }
+  if (status.type() == fs::file_type::none) {
+    throw DatabaseError(SQLITE_CANTOPEN, name + " cannot be reached: " + error.message());
+  }
+  if (status.type() == fs::file_type::directory) {
+    throw DatabaseError(SQLITE_CANTOPEN, name + " is a folder" + kExpected);
+  }
+  if (status.type() != fs::file_type::regular) {
+    throw DatabaseError(SQLITE_CANTOPEN, name + " is a device" + kExpected);
+  }
+}
+
+// What a file says of itself when it is no database of this engine.
+std::string OtherContent(const FileHead& head) {
+  if (head.bytes.empty()) {
+    return " is empty";
+  }
+  if (head.bytes.starts_with(kJetMagic)) {
+    return " is a Jet database of an earlier generation, which has to be converted first";
+  }
+  if (LooksLikeText(head.bytes)) {
+    return " is a text file";
+  }
+  return " is no database";
+}
+
+void RefuseOthers(const FileHead& head, const std::string& name) {
+  const std::string_view start = std::string_view(head.bytes).substr(0, kMagic.size());
+  if (start.empty() || !kMagic.starts_with(start)) {
+    throw DatabaseError(SQLITE_NOTADB, name + OtherContent(head) + kExpected);
+  }
+  if (head.bytes.size() < kHeaderSize) {
+    throw DatabaseError(SQLITE_CORRUPT, name + " is cut off: " + std::to_string(head.size) +
+                                            " bytes, less than a database's header of " +
+                                            std::to_string(kHeaderSize));
+  }
+  if (BigEndian(head, kApplicationIdOffset) != kApplicationId) {
+    throw DatabaseError(kInvalidTableError, name + " is a database of another program" + kExpected);
+  }
+  const auto version = static_cast<std::int32_t>(BigEndian(head, kUserVersionOffset));
+  if (version != kSchemaVersion) {
+    throw DatabaseError(
+        SQLITE_SCHEMA, name +
+                           (version > kSchemaVersion ? " was made by a newer version of the program"
+                                                     : " has an unknown schema") +
+                           ": schema " + std::to_string(version) + "; expected " +
+                           std::to_string(kSchemaVersion));
+  }
+}
+
+std::int64_t ExpectedSize(const FileHead& head) {
+  const std::uint32_t stored = BigEndian(head, kPageSizeOffset, 2);
+  const std::int64_t page_size = stored == 1 ? 65536 : stored;
+  const bool count_valid =
+      BigEndian(head, kChangeCounterOffset) == BigEndian(head, kPageCountValidForOffset);
+  const std::int64_t pages = count_valid ? BigEndian(head, kPageCountOffset) : 0;
+  return page_size * std::max<std::int64_t>(pages, 1);
+}
+
+void RefuseCutOff(SQLite::Database& database, const std::string& name) {
+  const FileHead head = ReadHead(database);
+  const std::int64_t expected = ExpectedSize(head);
+  if (head.size < expected) {
+    throw DatabaseError(SQLITE_CORRUPT, name + " is cut off: " + std::to_string(head.size) +
+                                            " bytes instead of " + std::to_string(expected));
+  }
+}
+
+// The first read takes the lock, rolls back what a killed program left, and holds other programs'
+// writes off while the size is looked at. The engine's own check counts whole pages only, and calls
+// what it finds malformed.
+void CheckWhole(SQLite::Database& database, const std::string& name) {
+  try {
+    // Somebody's tool may have switched to a write-ahead log, which a copied file would lack.
+    database.exec("PRAGMA journal_mode=DELETE");
+    const SQLite::Transaction lock(database);
+    SQLite::Statement query(database, "SELECT count(*) FROM sqlite_schema");
+    query.executeStep();
+    RefuseCutOff(database, name);
+  } catch (const SQLite::Exception& error) {
+    if (error.getErrorCode() == SQLITE_CORRUPT || error.getErrorCode() == SQLITE_NOTADB) {
+      RefuseCutOff(database, name);
+    }
+    throw;
+  }
+}
+
+}  // namespace
+
+SQLite::Database OpenDatabase(const fs::path& path, Access access,
+                              std::chrono::milliseconds busy_timeout) {
+  const std::string name = path.filename().string();
+  RefuseMissing(path, name);
+  try {
+    // The engine goes back to reading by itself when the file is write-protected. An absolute path
+    // keeps it from taking a name like ":memory:" for something else.
+    SQLite::Database database(fs::absolute(path), SQLite::OPEN_READWRITE,
+                              static_cast<int>(busy_timeout.count()));
+    RefuseOthers(ReadHead(database), name);
+    if (access == Access::kWrite && sqlite3_db_readonly(database.getHandle(), "main") == 1) {
+      throw DatabaseError(SQLITE_READONLY, name + " may not be written: it is write-protected");
+    }
+    CheckWhole(database, name);
+    database.exec("PRAGMA synchronous=FULL");
+    if (access == Access::kRead) {
+      database.exec("PRAGMA query_only=ON");
+    }
+    return database;
+  } catch (const SQLite::Exception& error) {
+    throw TranslateSqliteError(error, path);
+  }
+}
+
+}  // namespace vrx

@@ -1,0 +1,47 @@
+#include "database/database_error.h"
+
+#include <string_view>
+
+#include <SQLiteCpp/Exception.h>
+#include <sqlite3.h>
+
+namespace vrx {
+
+namespace {
+
+constexpr int kPrimaryCodeMask = 0xff;
+
+bool Contains(std::string_view text, std::string_view part) {
+  return text.find(part) != std::string_view::npos;
+}
+
+// The engine reports unknown names by a general code; only its words tell them apart.
+int NumberOf(int code, std::string_view words) {
+  const int primary = code & kPrimaryCodeMask;
+  if (primary == SQLITE_BUSY || primary == SQLITE_LOCKED) {
+    return kTableLockedError;
+  }
+  if (primary == SQLITE_ERROR && Contains(words, "no such table")) {
+    return kInvalidTableError;
+  }
+  if (primary == SQLITE_ERROR &&
+      (Contains(words, "no such column") || Contains(words, "has no column named"))) {
+    return kInvalidFieldError;
+  }
+  return code;
+}
+
+}  // namespace
+
+DatabaseError TranslateSqliteError(const SQLite::Exception& error,
+                                   const std::filesystem::path& path) {
+  const int extended = error.getExtendedErrorCode();
+  const int number = NumberOf(extended > 0 ? extended : error.getErrorCode(), error.what());
+  const std::string name = path.filename().string();
+  if (number == kTableLockedError) {
+    return {number, name + " is locked by another program"};
+  }
+  return {number, name + ": " + error.what()};
+}
+
+}  // namespace vrx

@@ -1,0 +1,179 @@
+#include "database/schema.h"
+
+#include <array>
+#include <span>
+#include <system_error>
+
+#include <SQLiteCpp/Database.h>
+#include <SQLiteCpp/Statement.h>
+#include <SQLiteCpp/Transaction.h>
+
+#include "database/identity.h"
+#include "database/records.h"
+#include "database/translated.h"
+
+namespace vrx {
+
+namespace fs = std::filesystem;
+
+namespace {
+
+constexpr std::string_view kInteger = "INTEGER";
+constexpr std::string_view kKey = "INTEGER PRIMARY KEY";
+constexpr std::string_view kReal = "REAL";
+constexpr std::string_view kText = "TEXT";
+
+constexpr std::array kIndexes{
+    "CREATE INDEX RecipeRationByRecipe ON RecipeRation (RecipeID)",
+    "CREATE INDEX RecipeRationByIngredient ON RecipeRation (Ingredient)",
+};
+
+// The highest number is found at the end of this index without a walk through the rows.
+constexpr std::array kTransactionIndexes{
+    "CREATE INDEX TransactionsByNumber ON Transactions ([Transaction])",
+};
+
+std::string NumberText(int number, int width) {
+  std::string digits = std::to_string(number);
+  const auto wanted = static_cast<std::size_t>(width);
+  return digits.size() < wanted ? std::string(wanted - digits.size(), '0') + digits : digits;
+}
+
+void AppendCommonTables(std::vector<Table>& tables) {
+  tables.push_back({kUnitsTable, {{"UoM", kText}}});
+  tables.push_back({kHistoryTable, {{"Created", kText}, {"Modified", kText}}});
+  tables.push_back({kMarkerTable, {{"dBType", kText}}});
+}
+
+std::vector<Table> RecipeTables() {
+  return {
+      {kIngredientTable,
+       {{"ID", kKey},
+        {"Name", kText},
+        {"Description", kText},
+        {"DryMatter%", kInteger},
+        {"HandAdd", kInteger}}},
+      {kRecipeTable,
+       {{"ID", kKey},
+        {"Name", kText},
+        {"Description", kText},
+        {"BatchType", kText},
+        {"HeadCount", kInteger},
+        {"RationTarget", kText},
+        {"AdjBatTotIndex", kText}}},
+      {kRecipeRationTable,
+       {{"RecipeID", kText},
+        {"Ingredient", kText},
+        {"Target", kText},
+        {"Ration%", kText},
+        {"DryMatter%", kText},
+        {"DryMatter", kText},
+        {"BatchTarget", kText},
+        {"Sequence", kInteger},
+        {"HandAdd", kInteger},
+        {"Ingredient%", kText}}},
+      {kPenTable, {{"ID", kKey}, {"Name", kText}, {"Description", kText}, {"FeedAmount", kText}}}};
+}
+
+std::vector<Table> TransactionTables() {
+  Table transactions{kTransactionsTable,
+                     {{"Transaction", kInteger},
+                      {"Recipe", kText},
+                      {"Type", kText},
+                      {"UserID", kText},
+                      {"Ingredient", kText},
+                      {"Pen", kText},
+                      {"Target", kReal},
+                      {"ActualBatch", kReal},
+                      {"Time", kText},
+                      {"Date", kText},
+                      {"ActualFeed", kReal},
+                      {"IngPercent", kReal}}};
+  for (int id = 1; id <= kWeightColumnCount; ++id) {
+    transactions.columns.push_back({IngredientWeightColumn(id), kReal});
+  }
+  return {transactions};
+}
+
+std::string CreateText(const Table& table) {
+  std::string text = "CREATE TABLE " + Bracketed(table.name) + " (";
+  for (const Column& column : table.columns) {
+    text += Bracketed(column.name) + " " + std::string(column.type) + ", ";
+  }
+  text.replace(text.size() - 2, 2, ")");
+  return text;
+}
+
+// Rows 1 to `count`: the number, the default name, and what `defaults` gives the columns behind.
+void InsertFixedRows(SQLite::Database& database, const char* query, std::string_view name_head,
+                     int count) {
+  SQLite::Statement insert(database, query);
+  for (int id = 1; id <= count; ++id) {
+    insert.bind(1, id);
+    insert.bind(2, std::string(name_head) + NumberText(id, 3));
+    insert.exec();
+    insert.reset();
+  }
+}
+
+void FillTemplate(SQLite::Database& database, DatabaseKind kind) {
+  if (kind == DatabaseKind::kRecipe) {
+    InsertFixedRows(database, "INSERT INTO Ingredient VALUES (?, ?, '', 100, 0)", "ING",
+                    kIngredientCount);
+    InsertFixedRows(database, "INSERT INTO Recipe VALUES (?, ?, '', '!', 0, '', '20')", "REC",
+                    kRecipeCount);
+    InsertFixedRows(database, "INSERT INTO Pen VALUES (?, ?, '', '0')", "PEN", kPenCount);
+  }
+  database.exec("INSERT INTO UnitsOfMeasure VALUES ('')");
+  database.exec("INSERT INTO History VALUES (NULL, NULL)");
+  SQLite::Statement marker(database, "INSERT INTO BrantockDatabase VALUES (?)");
+  marker.bind(1, std::string(kind == DatabaseKind::kRecipe ? kNulRecipeDb : kNulTransDb));
+  marker.exec();
+}
+
+void WriteTemplate(SQLite::Database& database, DatabaseKind kind) {
+  database.exec("PRAGMA synchronous=FULL");
+  SQLite::Transaction transaction(database);
+  database.exec("PRAGMA application_id=" + std::to_string(kApplicationId));
+  database.exec("PRAGMA user_version=" + std::to_string(kSchemaVersion));
+  for (const Table& table : Schema(kind)) {
+    database.exec(CreateText(table));
+  }
+  const auto indexes = kind == DatabaseKind::kRecipe ? std::span<const char* const>(kIndexes)
+                                                     : std::span(kTransactionIndexes);
+  for (const char* index : indexes) {
+    database.exec(index);
+  }
+  FillTemplate(database, kind);
+  transaction.commit();
+}
+
+}  // namespace
+
+std::string IngredientWeightColumn(int id) { return "Ing" + NumberText(id, 2) + "Wt"; }
+
+std::string Bracketed(std::string_view name) { return "[" + std::string(name) + "]"; }
+
+std::vector<Table> Schema(DatabaseKind kind) {
+  std::vector<Table> tables = kind == DatabaseKind::kRecipe ? RecipeTables() : TransactionTables();
+  AppendCommonTables(tables);
+  return tables;
+}
+
+void CreateTemplate(const fs::path& path, DatabaseKind kind) {
+  const fs::path unfinished = path.string() + ".new";
+  // A killed run may have left both.
+  fs::remove(unfinished);
+  fs::remove(unfinished.string() + "-journal");
+  try {
+    SQLite::Database database(unfinished, SQLite::OPEN_READWRITE | SQLite::OPEN_CREATE);
+    WriteTemplate(database, kind);
+  } catch (const SQLite::Exception& error) {
+    std::error_code ignored;
+    fs::remove(unfinished, ignored);
+    throw TranslateSqliteError(error, path);
+  }
+  fs::rename(unfinished, path);
+}
+
+}  // namespace vrx

@@ -1,0 +1,24 @@
+// Run by the build: writes both blank templates into the folder given.
+
+#include <cstdio>
+#include <exception>
+#include <filesystem>
+
+#include "database/schema.h"
+
+int main(int argc, char** argv) {
+  if (argc != 2) {
+    std::fputs("usage: make_templates FOLDER\n", stderr);
+    return 2;
+  }
+  try {
+    const std::filesystem::path folder = argv[1];
+    std::filesystem::create_directories(folder);
+    vrx::CreateTemplate(folder / vrx::kRecipeTemplate, vrx::DatabaseKind::kRecipe);
+    vrx::CreateTemplate(folder / vrx::kTransactionTemplate, vrx::DatabaseKind::kTransaction);
+    return 0;
+  } catch (const std::exception& error) {
+    std::fprintf(stderr, "make_templates: %s\n", error.what());
+    return 1;
+  }
+}
