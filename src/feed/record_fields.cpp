@@ -1,0 +1,123 @@
+#include "feed/record_fields.h"
+
+#include <algorithm>
+#include <array>
+#include <cstdint>
+#include <stdexcept>
+
+#include "frame/number.h"
+#include "frame/text.h"
+
+namespace vrx {
+namespace {
+
+std::string LeaveText(std::string_view text) {
+  const std::size_t last = text.find_last_not_of(' ');
+  return std::string(last == std::string_view::npos ? "" : text.substr(0, last + 1));
+}
+
+std::string LeaveName(std::string_view text) {
+  std::string name = LeaveText(text);
+  if (name.empty()) {
+    throw FieldRefusal("The 'Name' field is mandatory.");
+  }
+  return name;
+}
+
+std::string LeaveDryMatter(std::string_view text) {
+  return Format(std::clamp(TextToLong(text), 0, 100) * 1.0, "#0");
+}
+
+// A count out of range falls back to the 100 head that a recipe is written for.
+std::string LeaveHeadCount(std::string_view text) {
+  const std::int32_t value = TextToLong(text);
+  return Format((value > 1000 ? 100 : std::max(value, 0)) * 1.0, "#0");
+}
+
+std::string LeaveRationTarget(std::string_view text) { return std::string(text); }
+
+std::string LeaveFeed(std::string_view text) { return std::to_string(TextToLong(text)); }
+
+constexpr std::size_t kNameLimit = 6;
+constexpr std::size_t kDescriptionLimit = 16;
+
+constexpr std::array<RecordField, 10> kFields = {{
+    {RecordKind::kIngredient, "Name", kNameLimit, FilterNameKey, LeaveName},
+    {RecordKind::kIngredient, "Description", kDescriptionLimit, FilterDescriptionKey, LeaveText},
+    {RecordKind::kIngredient, "DryMatter%", 3, FilterDigitKey2, LeaveDryMatter},
+    {RecordKind::kRecipe, "Name", kNameLimit, FilterNameKey, LeaveName},
+    {RecordKind::kRecipe, "Description", kDescriptionLimit, FilterDescriptionKey, LeaveText},
+    {RecordKind::kRecipe, "HeadCount", 4, FilterDigitKey2, LeaveHeadCount},
+    {RecordKind::kRecipe, "RationTarget", 6, FilterDigitKey, LeaveRationTarget},
+    {RecordKind::kPen, "Name", kNameLimit, FilterNameKey, LeaveName},
+    {RecordKind::kPen, "Description", kDescriptionLimit, FilterDescriptionKey, LeaveText},
+    {RecordKind::kPen, "FeedAmount", 6, FilterDigitKey, LeaveFeed},
+}};
+
+// The first character of a UTF-8 text, whole; of malformed text its first byte.
+std::string_view FirstCharacter(std::string_view text) {
+  std::size_t length = 1;
+  while (length < text.size() && (static_cast<unsigned char>(text[length]) & 0xC0U) == 0x80U) {
+    ++length;
+  }
+  return text.substr(0, length);
+}
+
+// The key's own character, or its number where it cannot be shown.
+std::string Shown(std::string_view character) {
+  const auto code = static_cast<unsigned char>(character.front());
+  if (code < 0x20 || code == 0x7F) {
+    return "with the code " + std::to_string(code);
+  }
+  return "'" + std::string(character) + "'";
+}
+
+std::string Quoted(const RecordField& field) {
+  return "The '" + std::string(field.name) + "' field";
+}
+
+}  // namespace
+
+const RecordField& FieldOf(RecordKind kind, std::string_view name) {
+  const auto* const field = std::find_if(
+      kFields.begin(), kFields.end(),
+      [&](const RecordField& entry) { return entry.kind == kind && entry.name == name; });
+  if (field == kFields.end()) {
+    throw std::out_of_range("no typed field " + std::string(name));
+  }
+  return *field;
+}
+
+FieldEntry EnterText(const RecordField& field, std::string_view typed) {
+  std::string box;
+  for (std::string_view rest = typed; !rest.empty();) {
+    const std::string_view character = FirstCharacter(rest);
+    rest.remove_prefix(character.size());
+    const int key = character.size() == 1 ? static_cast<unsigned char>(character.front()) : 0;
+    const int passed = key > 0 && key < 0x80 ? field.filter(key) : 0;
+    if (passed == 0) {
+      throw FieldRefusal(Quoted(field) + " does not take the character " + Shown(character) + ".");
+    }
+    if (box.size() == field.limit) {
+      throw FieldRefusal(Quoted(field) + " holds at most " + std::to_string(field.limit) +
+                         " characters: '" + std::string(typed) + "' is too long.");
+    }
+    box.push_back(static_cast<char>(passed));
+  }
+  FieldEntry entry{.text = field.leave(box), .note = {}};
+  const auto number = ParseLong(entry.text);
+  const bool is_number = field.filter == FilterDigitKey || field.filter == FilterDigitKey2;
+  if (is_number && !entry.text.empty() && number != ParseLong(box)) {
+    entry.note = std::string(field.name) + ": " +
+                 (box.empty() ? "nothing was typed" : box + " is out of range") + ", " +
+                 entry.text + " is stored.";
+  }
+  return entry;
+}
+
+std::string DefaultName(RecordKind kind, int id) {
+  constexpr std::array<std::string_view, 3> kPrefixes = {"ING", "REC", "PEN"};
+  return std::string(kPrefixes.at(static_cast<std::size_t>(kind))) + Format(id * 1.0, "000");
+}
+
+}  // namespace vrx
