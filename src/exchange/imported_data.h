@@ -27,8 +27,8 @@ enum ImportColumn : int {
 };
 
 // The table behind `grdIMPORT`: strings, 112 columns by the rows that were counted. Rows that were
-// counted but never filled read as empty cells and cost nothing; of a filled row only the cells with
-// text take room. Texts are bytes as they stand in the file.
+// counted but never filled read as empty cells and cost nothing; of a filled row only the cells
+// with text take room. Texts are bytes as they stand in the file.
 class ImportedData {
  public:
   void Resize(std::size_t rows);  // empties every cell

@@ -1,0 +1,81 @@
+#include "exchange/imported_data.h"
+
+#include <algorithm>
+#include <array>
+#include <stdexcept>
+
+namespace vrx {
+
+namespace {
+
+constexpr std::array<std::string_view, kFirstIngredientWeight - 1> kLeadingKeys = {
+    "Imported_TransactionNumber",
+    "Imported_RecipeID",
+    "Imported_Type",
+    "Imported_Target",
+    "Imported_IngredientID",
+    "Imported_ActualBatch",
+    "Imported_PenID",
+    "Imported_ActualFeed",
+    "Imported_Time",
+    "Imported_Date",
+    "Imported_UserID",
+    "Calculated_Ing%OfBatch",
+};
+
+template <typename Cells>
+auto FindCell(Cells& cells, int column) {
+  return std::lower_bound(cells.begin(), cells.end(), column,
+                          [](const auto& cell, int wanted) { return cell.first < wanted; });
+}
+
+}  // namespace
+
+void ImportedData::Resize(std::size_t rows) {
+  filled_ = {};
+  row_count_ = rows;
+}
+
+std::string_view ImportedData::Cell(std::size_t row, int column) const {
+  if (!Filled(row)) {
+    return {};
+  }
+  const auto& cells = filled_[row - 1].cells;
+  const auto found = FindCell(cells, column);
+  return found != cells.end() && found->first == column ? std::string_view(found->second)
+                                                        : std::string_view();
+}
+
+void ImportedData::SetCell(std::size_t row, int column, std::string text) {
+  if (row < 1 || row > row_count_ || column < 1 || column > kImportColumns) {
+    throw std::out_of_range("cell outside the imported data");
+  }
+  if (row > filled_.size()) {
+    filled_.resize(row);
+  }
+  auto& cells = filled_[row - 1].cells;
+  const auto place = FindCell(cells, column);
+  if (place != cells.end() && place->first == column) {
+    place->second = std::move(text);
+  } else {
+    cells.emplace(place, column, std::move(text));
+  }
+}
+
+bool ImportedData::Filled(std::size_t row) const {
+  return row >= 1 && row <= filled_.size() && !filled_[row - 1].cells.empty();
+}
+
+std::string ImportColumnKey(int column) {
+  if (column < 1 || column > kImportColumns) {
+    return {};
+  }
+  if (column < kFirstIngredientWeight) {
+    return std::string(kLeadingKeys[static_cast<std::size_t>(column - 1)]);
+  }
+  const int ingredient = column - kFirstIngredientWeight + 1;
+  return std::string("Calculated_Ing") + (ingredient < 10 ? "0" : "") + std::to_string(ingredient) +
+         "Wt";
+}
+
+}  // namespace vrx

@@ -1,0 +1,13 @@
+#pragma once
+
+#include "frame/error.h"
+
+namespace vrx {
+
+// Ends a parse; what() is the text that the operator is shown.
+class ParseError : public Error {
+ public:
+  using Error::Error;
+};
+
+}  // namespace vrx
