@@ -1,0 +1,12 @@
+#pragma once
+
+#include <filesystem>
+#include <string>
+
+namespace vrx {
+
+// The device of serial port `number` on Linux: what the link Ports/COMn in the data folder points
+// to, else /dev/ttyS(n-1). The device need not exist. Throws SerialError for a number below 1.
+std::string LinuxPortDevice(const std::filesystem::path& data_folder, int number);
+
+}  // namespace vrx

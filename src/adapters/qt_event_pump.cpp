@@ -1,0 +1,58 @@
+#include "adapters/qt_event_pump.h"
+
+#include <QCoreApplication>
+#include <QEventLoop>
+#include <QTimer>
+#include <algorithm>
+#include <chrono>
+#include <utility>
+
+namespace vrx {
+
+namespace {
+
+// What a QTimer can hold. A longer wait returns early, as any wait may.
+constexpr Milliseconds kLongestWait = std::chrono::hours{24};
+
+class QtTicker : public EventPump::Ticker {
+ public:
+  QtTicker(Milliseconds interval, std::function<void()> tick) {
+    QObject::connect(&timer_, &QTimer::timeout, std::move(tick));
+    timer_.start(interval);
+  }
+
+ private:
+  QTimer timer_;
+};
+
+}  // namespace
+
+Milliseconds QtEventPump::Now() const {
+  return std::chrono::duration_cast<Milliseconds>(
+      std::chrono::steady_clock::now().time_since_epoch());
+}
+
+void QtEventPump::Pump(Milliseconds limit) {
+  QEventLoop loop;
+  if (loop.processEvents() || limit <= Milliseconds{0}) {
+    return;
+  }
+  QTimer end;
+  end.setSingleShot(true);
+  end.setTimerType(Qt::PreciseTimer);
+  end.start(std::min(limit, kLongestWait));
+  loop.processEvents(QEventLoop::WaitForMoreEvents);
+}
+
+std::unique_ptr<EventPump::Ticker> QtEventPump::StartTicker(Milliseconds interval,
+                                                            std::function<void()> tick) {
+  return std::make_unique<QtTicker>(interval, std::move(tick));
+}
+
+void QtEventPump::Close() {
+  closing_ = true;
+  QMetaObject::invokeMethod(
+      QCoreApplication::instance(), [] {}, Qt::QueuedConnection);
+}
+
+}  // namespace vrx
