@@ -1,0 +1,293 @@
+// Whatever bytes come, a parse ends with an error text or with rows, and in little room. The
+// program counts its own heap, which is why these tests have one to themselves.
+
+#include <algorithm>
+#include <array>
+#include <cstdlib>
+#include <memory>
+#include <new>
+#include <random>
+#include <set>
+#include <string>
+#include <string_view>
+
+#include <gtest/gtest.h>
+#include <malloc.h>
+
+#include "exchange/parsed_text.h"
+#include "exchange/transaction_texts.h"
+
+namespace {
+
+std::size_t live_bytes = 0;
+std::size_t peak_bytes = 0;
+
+void* Allocate(std::size_t size) {
+  void* memory = std::malloc(std::max<std::size_t>(size, 1));
+  if (memory == nullptr) {
+    throw std::bad_alloc();
+  }
+  live_bytes += malloc_usable_size(memory);
+  peak_bytes = std::max(peak_bytes, live_bytes);
+  return memory;
+}
+
+void Release(void* memory) {
+  live_bytes -= malloc_usable_size(memory);
+  std::free(memory);
+}
+
+}  // namespace
+
+void* operator new(std::size_t size) { return Allocate(size); }
+void* operator new[](std::size_t size) { return Allocate(size); }
+void operator delete(void* memory) noexcept { Release(memory); }
+void operator delete[](void* memory) noexcept { Release(memory); }
+void operator delete(void* memory, std::size_t /*size*/) noexcept { Release(memory); }
+void operator delete[](void* memory, std::size_t /*size*/) noexcept { Release(memory); }
+
+namespace vrx::testing {
+namespace {
+
+constexpr std::size_t kHeapLimit = std::size_t{64} << 20;
+
+const std::set<std::string>& KnownErrors() {
+  static const std::set<std::string> errors = {
+      "Input data from KRM exceeded limit.",
+      "No file-type identifier detected.",
+      "No batch section identifier detected.",
+      "No batch section terminator detected.",
+      "No feed section identifier detected.",
+      "No feed section terminator detected.",
+      "No units-of-measure detected.",
+      "Error computing total batches",
+      "Invalid batch section detected.",
+      "Invalid feed section detected.",
+      "Invalid list padding detected.",
+      "Invalid transaction number detected.",
+      "Invalid ingredient ID detected.",
+      "Invalid feed weight detected.",
+      "Incomplete batch record detected.",
+      "Incomplete feed record detected.",
+      "Too many ingredients in a batch detected.",
+      "Too many records detected.",
+      "Batch total exceeded limit.",
+  };
+  return errors;
+}
+
+struct Outcome {
+  std::string error;
+  std::size_t heap = 0;  // the most that lived at a time
+};
+
+Outcome Parse(std::string_view text) {
+  const std::size_t before = live_bytes;
+  peak_bytes = live_bytes;
+  const ParsedText parsed(text);
+  const Outcome outcome{parsed.error, peak_bytes - before};
+  if (parsed.error.empty()) {
+    EXPECT_GT(parsed.file.FileRecordCount(), 0);
+    EXPECT_EQ(parsed.file.Imported().RowCount(),
+              static_cast<std::size_t>(parsed.file.FileRecordCount()));
+    EXPECT_EQ(parsed.Cell(1, kImportedType), "BATCH");
+    EXPECT_EQ(parsed.shown.size(), 1U);
+  } else {
+    EXPECT_TRUE(KnownErrors().contains(parsed.error)) << parsed.error;
+    EXPECT_EQ(parsed.progress.Message(), parsed.error);
+    EXPECT_TRUE(parsed.shown.empty());
+  }
+  EXPECT_LT(outcome.heap, kHeapLimit);
+  return outcome;
+}
+
+class Soup {
+ public:
+  explicit Soup(unsigned seed) : random_(seed) {}
+
+  std::size_t Pick(std::size_t below) {
+    return std::uniform_int_distribution<std::size_t>(0, below - 1)(random_);
+  }
+
+  std::string Bytes(std::size_t length) {
+    std::string text(length, '\0');
+    for (char& byte : text) {
+      byte = static_cast<char>(Pick(256));
+    }
+    return text;
+  }
+
+  std::string Tokens(std::size_t count) {
+    static constexpr std::array<std::string_view, 30> kTokens = {
+        "B,",
+        "B",
+        ",",
+        ";",
+        "\r\n",
+        "\r",
+        "\n",
+        "\r\n\r",
+        "[BAT],",
+        "[FED],",
+        "0,",
+        "0",
+        "0,0;",
+        "1,",
+        "2,",
+        "17,",
+        "-1,",
+        "0830,",
+        "0835am,",
+        "1e38,",
+        "100,",
+        "101,",
+        "2147483647,",
+        "998.5,",
+        "1,3,01152009,2,",
+        "{BAT/FED},",
+        "L",
+        "K",
+        "4,0,0;0830,0,0;1,0,0;1,0,0\r\n",
+        "B,1,12,2,0915,01152009,750.0,748.5\r\n"};
+    std::string text;
+    for (std::size_t i = 0; i < count; ++i) {
+      text += kTokens[Pick(kTokens.size())];
+    }
+    return text;
+  }
+
+ private:
+  std::mt19937 random_;
+};
+
+TEST(ParserRobustness, SurvivesAFileCutAnywhere) {
+  for (std::size_t length = 0; length <= kWorkedExample.size(); ++length) {
+    SCOPED_TRACE(length);
+    Parse(kWorkedExample.substr(0, length));
+    Parse(kWorkedExample.substr(length));
+  }
+}
+
+TEST(ParserRobustness, SurvivesAByteLostAnywhere) {
+  for (std::size_t place = 0; place < kWorkedExample.size(); ++place) {
+    SCOPED_TRACE(place);
+    Parse(std::string(kWorkedExample).erase(place, 1));
+  }
+}
+
+TEST(ParserRobustness, SurvivesEveryValueOfEveryByte) {
+  std::set<std::string> errors;
+  for (std::size_t place = 0; place < kWorkedExample.size(); ++place) {
+    SCOPED_TRACE(place);
+    std::string text(kWorkedExample);
+    for (int value = 0; value < 256; ++value) {
+      text[place] = static_cast<char>(value);
+      errors.insert(Parse(text).error);
+    }
+  }
+  // The single byte reaches deep: not all of it is caught by the marks.
+  EXPECT_TRUE(errors.contains(""));
+  EXPECT_TRUE(errors.contains("Invalid list padding detected."));
+  EXPECT_TRUE(errors.contains("Invalid transaction number detected."));
+}
+
+TEST(ParserRobustness, SurvivesRandomBytes) {
+  Soup soup(1);
+  for (int round = 0; round < 2000; ++round) {
+    SCOPED_TRACE(round);
+    Parse(soup.Bytes(soup.Pick(300)));
+    Parse(FileOf(soup.Bytes(soup.Pick(200)), soup.Bytes(soup.Pick(200))));
+  }
+}
+
+TEST(ParserRobustness, SurvivesAnyOrderOfTheFormatsWords) {
+  Soup soup(2);
+  std::set<std::string> errors;
+  for (int round = 0; round < 20'000; ++round) {
+    SCOPED_TRACE(round);
+    errors.insert(Parse(soup.Tokens(soup.Pick(60))).error);
+    errors.insert(Parse(FileOf(soup.Tokens(soup.Pick(40)), soup.Tokens(soup.Pick(40)))).error);
+    errors.insert(Parse(FileOf(OneIngredient{}.Record() + soup.Tokens(soup.Pick(20)) + "\r\n",
+                               FeedOf("1", "5") + soup.Tokens(soup.Pick(20)) + "\r\n"))
+                      .error);
+  }
+  EXPECT_TRUE(errors.contains(""));
+  EXPECT_TRUE(errors.contains("Incomplete batch record detected."));
+  EXPECT_TRUE(errors.contains("Too many records detected."));
+}
+
+TEST(ParserRobustness, SurvivesLongTextsOfFewWords) {
+  Soup soup(3);
+  for (int round = 0; round < 40; ++round) {
+    SCOPED_TRACE(round);
+    std::string text = FileOf(soup.Tokens(4000), soup.Tokens(4000));
+    text.resize(std::min<std::size_t>(text.size(), 65535));
+    Parse(text);
+  }
+}
+
+std::string Repeated(std::string_view piece, std::size_t total) {
+  std::string text;
+  while (text.size() + piece.size() <= total) {
+    text += piece;
+  }
+  return text;
+}
+
+// Half of the text is "B," and the other half one list of times: every mark counts that whole list,
+// 16,000 batches of 6,500 rows.
+TEST(ParserRobustness, TakesAHundredMillionCountedRowsInLittleRoom) {
+  const std::string record = "B,1,3,01152009,2,4,0,0;0830,0,0;1,0,0;1,0,0\r\n";
+  std::string batches = record + Repeated("B,", 32'500) + ";" + Repeated("0830,", 32'500) + "0;";
+  std::string text = FileOf(batches + "\r\n", "");
+  ASSERT_LE(text.size(), 65535U);
+  EXPECT_NE(Parse(text).error, "");
+
+  const ParsedText parsed(text);
+  EXPECT_GT(parsed.file.FileRecordCount(), 100'000'000);
+  EXPECT_EQ(parsed.Cell(1, kImportedType), "BATCH");
+  EXPECT_FALSE(parsed.file.Imported().Filled(100'000'000));
+}
+
+// Every "B" of the feed section is counted; none of them is a record.
+TEST(ParserRobustness, TakesRowsThatNoRecordFillsForAGoodFile) {
+  const std::string text =
+      FileOf("B,1,3,01152009," + Repeated("B", 30'000) + ",4,0,0;0830,0,0;1,0,0;1,0,0\r\n",
+             Repeated("B", 30'000) + "\r\n");
+  ASSERT_LE(text.size(), 65535U);
+  EXPECT_EQ(Parse(text).error, "");
+}
+
+// The most cells that a text can fill: 32 ingredients, and as many feeds of them as find room, each
+// share written with 39 digits.
+TEST(ParserRobustness, KeepsTheLargestTableInLittleRoom) {
+  std::array<std::string, 4> lists;
+  for (int id = 1; id <= 32; ++id) {
+    lists[0] += std::to_string(id) + ",";
+    lists[1] += "0830,";
+    lists[2] += "1,";
+    lists[3] += "1,";
+  }
+  std::string batch = "B,1,3,01152009,2,";
+  for (std::size_t list = 0; list < lists.size(); ++list) {
+    batch += lists[list] + (list < 3 ? "0,0;" : "0,0\r\n");
+  }
+  const std::string text = FileOf(batch, Repeated("B,1,,,,,,3e38\r\n", 64'500));
+  ASSERT_LE(text.size(), 65535U);
+  const Outcome outcome = Parse(text);
+  EXPECT_EQ(outcome.error, "");
+  EXPECT_GT(outcome.heap, std::size_t{10} << 20);
+}
+
+TEST(ParserRobustness, TakesTheHighestTransactionNumbersInLittleRoom) {
+  std::string batches;
+  for (int number = 0; number < 1000; ++number) {
+    batches += OneIngredient{.transaction = std::to_string(2'147'483'646 - number)}.Record();
+  }
+  const Outcome outcome = Parse(FileOf(batches, ""));
+  EXPECT_EQ(outcome.error, "");
+  EXPECT_LT(outcome.heap, std::size_t{4} << 20);
+}
+
+}  // namespace
+}  // namespace vrx::testing
