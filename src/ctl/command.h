@@ -1,0 +1,46 @@
+#pragma once
+
+#include <memory>
+#include <string>
+#include <vector>
+
+namespace CLI {
+class App;
+class Option;
+}  // namespace CLI
+
+namespace vrx {
+
+class Session;
+
+// Exit codes of the tool.
+inline constexpr int kDone = 0;
+inline constexpr int kFailed = 1;  // refused or failed; the operator has been told
+inline constexpr int kWrongUsage = 2;
+
+// One command of the tool, with the options of one run in its members.
+class Command {
+ public:
+  virtual ~Command() = default;
+
+  // Adds the subcommand; called once. The App outlives the command.
+  virtual CLI::App* Register(CLI::App& app) = 0;
+
+  // Called after a parse that chose the subcommand. Returns kDone or kFailed; may throw
+  // CLI::ParseError for a usage that only now shows as wrong, and Error.
+  virtual int Run(Session& session) = 0;
+};
+
+// Every command, in the order of the help.
+std::vector<std::unique_ptr<Command>> MakeCommands();
+
+std::unique_ptr<Command> MakeNewCommand();
+std::unique_ptr<Command> MakeInfoCommand();
+std::unique_ptr<Command> MakeSettingsCommand();
+std::unique_ptr<Command> MakeListCommand();
+std::unique_ptr<Command> MakeSetCommand();
+std::unique_ptr<Command> MakeModuleCommand();
+std::unique_ptr<Command> MakeImportCommand();
+std::unique_ptr<Command> MakeStoreCommand();
+
+}  // namespace vrx

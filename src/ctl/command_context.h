@@ -1,0 +1,40 @@
+#pragma once
+
+#include <filesystem>
+#include <functional>
+#include <iosfwd>
+#include <memory>
+#include <string>
+
+#include "platform/calendar.h"
+#include "platform/event_pump.h"
+#include "platform/serial_control.h"
+#include "platform/system_info.h"
+
+namespace vrx {
+
+// A serial control and the pump it was made with.
+class SerialLine {
+ public:
+  virtual ~SerialLine() = default;
+  virtual SerialControl& Control() = 0;
+  virtual EventPump& Pump() = 0;
+};
+
+// Where the tool's world ends: streams and ports of one run. Everything it refers to outlives it.
+struct CommandContext {
+  std::istream& in;
+  std::ostream& out;  // data
+  std::ostream& err;  // messages, questions, progress
+  bool in_is_terminal = false;
+  bool err_is_terminal = false;
+  const SystemInfo& system;
+  const Calendar& calendar;
+
+  // A closed line. An empty device leaves it to the port number, mapped with the data folder.
+  std::function<std::unique_ptr<SerialLine>(const std::string& device,
+                                            const std::filesystem::path& data_folder)>
+      make_serial_line;
+};
+
+}  // namespace vrx

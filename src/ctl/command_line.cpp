@@ -1,0 +1,78 @@
+#include "ctl/command_line.h"
+
+#include <algorithm>
+#include <exception>
+#include <memory>
+#include <ostream>
+#include <utility>
+
+#include <CLI/CLI.hpp>
+
+#include "ctl/command.h"
+#include "ctl/session.h"
+
+namespace vrx {
+namespace {
+
+struct Entry {
+  std::unique_ptr<Command> command;
+  CLI::App* app;
+};
+
+int RunChosen(const std::vector<Entry>& entries, Session& session) {
+  for (const Entry& entry : entries) {
+    if (entry.app->parsed()) {
+      return entry.command->Run(session);
+    }
+  }
+  return kWrongUsage;
+}
+
+}  // namespace
+
+std::vector<std::unique_ptr<Command>> MakeCommands() {
+  std::vector<std::unique_ptr<Command>> commands;
+  commands.push_back(MakeNewCommand());
+  commands.push_back(MakeInfoCommand());
+  commands.push_back(MakeSettingsCommand());
+  commands.push_back(MakeListCommand());
+  commands.push_back(MakeSetCommand());
+  commands.push_back(MakeModuleCommand());
+  commands.push_back(MakeImportCommand());
+  commands.push_back(MakeStoreCommand());
+  return commands;
+}
+
+int RunCommandLine(const std::vector<std::string>& args, const CommandContext& context) {
+  CLI::App app("VRX-2260 Transfer Data Software on the command line", "vrx2260ctl");
+  GlobalOptions options;
+  app.fallthrough();
+  app.require_subcommand(1);
+  app.set_version_flag("--version", std::string("vrx2260ctl ") + VRX_VERSION);
+  app.add_flag("--yes", options.yes, "Answer every question with its going-on button");
+  app.add_option("--data-dir", options.data_dir, "Folder in place of the application data folder")
+      ->type_name("DIR");
+  std::vector<Entry> entries;
+  for (auto& command : MakeCommands()) {
+    CLI::App* subcommand = command->Register(app);
+    entries.push_back({std::move(command), subcommand});
+  }
+  try {
+    app.parse(std::vector<std::string>(args.rbegin(), args.rend()));
+    Session session(context, options);
+    const int code = RunChosen(entries, session);
+    context.out.flush();
+    if (!context.out) {
+      context.err << "Error: the standard output could not be written\n";
+      return kFailed;
+    }
+    return code;
+  } catch (const CLI::ParseError& error) {
+    return app.exit(error, context.out, context.err) == 0 ? kDone : kWrongUsage;
+  } catch (const std::exception& error) {
+    context.err << "Error: " << error.what() << '\n';
+    return kFailed;
+  }
+}
+
+}  // namespace vrx

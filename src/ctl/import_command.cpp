@@ -1,0 +1,65 @@
+#include <cstddef>
+#include <string>
+
+#include <CLI/CLI.hpp>
+
+#include "ctl/command.h"
+#include "ctl/import_road.h"
+#include "ctl/output.h"
+#include "ctl/session.h"
+#include "frame/encoding.h"
+
+namespace vrx {
+namespace {
+
+OutputTable RowsOf(const ImportedData& rows) {
+  OutputTable table;
+  for (int column = 1; column <= kImportColumns; ++column) {
+    table.header.push_back(ImportColumnKey(column));
+  }
+  for (std::size_t row = 1; row <= rows.RowCount(); ++row) {
+    auto& cells = table.rows.emplace_back();
+    for (int column = 1; column <= kImportColumns; ++column) {
+      cells.emplace_back(Windows1252ToUtf8(rows.Cell(row, column)));
+    }
+  }
+  return table;
+}
+
+class ImportCommand : public Command {
+ public:
+  CLI::App* Register(CLI::App& app) override {
+    CLI::App* command = app.add_subcommand("import", "Parse a transaction file");
+    command->add_option("file", file_, "A transaction file (.QXT)")->required();
+    output_.RegisterCsv(*command);
+    output_.RegisterJson(*command);
+    return command;
+  }
+
+  int Run(Session& session) override {
+    ImportRoad road(session, {});
+    if (!road.Import(file_)) {
+      return kFailed;
+    }
+    session.Progress().Clear();
+    if (output_.Form() == OutputForm::kCsv) {
+      WriteTable(session.Out(), OutputForm::kCsv, RowsOf(road.File().Imported()));
+    } else {
+      WriteObject(session.Out(), output_.Form(),
+                  {{"units", road.File().FileUnits()},
+                   {"batches", road.File().FileTransactionCount()},
+                   {"rows", road.File().FileRecordCount()}});
+    }
+    return kDone;
+  }
+
+ private:
+  std::string file_;
+  OutputOptions output_;
+};
+
+}  // namespace
+
+std::unique_ptr<Command> MakeImportCommand() { return std::make_unique<ImportCommand>(); }
+
+}  // namespace vrx

@@ -1,0 +1,72 @@
+#include <filesystem>
+#include <optional>
+#include <string>
+
+#include <CLI/CLI.hpp>
+
+#include "ctl/command.h"
+#include "ctl/output.h"
+#include "ctl/session.h"
+#include "database/identity.h"
+#include "database/schema.h"
+#include "database/summary.h"
+#include "frame/number.h"
+
+namespace vrx {
+namespace {
+
+Json DateOrNull(const std::optional<Date>& date) { return date ? Json(StoredText(*date)) : Json(); }
+
+Json Describe(const DatabaseSummary& summary) {
+  const bool recipe = summary.kind == DatabaseKind::kRecipe;
+  Json object = {{"type", recipe ? "recipe" : "transaction"},
+                 {"units", summary.unit},
+                 {"created", DateOrNull(summary.created)},
+                 {"modified", DateOrNull(summary.modified)}};
+  if (recipe) {
+    object["ingredients"] = summary.recipe.ingredients;
+    object["recipes"] = summary.recipe.recipes;
+    object["pens"] = summary.recipe.pens;
+  } else {
+    object["rows"] = summary.transaction.rows;
+    object["transactions"] = summary.transaction.transactions;
+    object["firstDate"] = DateOrNull(summary.transaction.first_date);
+    object["lastDate"] = DateOrNull(summary.transaction.last_date);
+  }
+  return object;
+}
+
+class InfoCommand : public Command {
+ public:
+  CLI::App* Register(CLI::App& app) override {
+    CLI::App* command = app.add_subcommand("info", "Tell what a database is and holds");
+    command->add_option("file", file_, "A recipe or transaction database")->required();
+    output_.RegisterJson(*command);
+    return command;
+  }
+
+  int Run(Session& session) override {
+    const std::filesystem::path path = file_;
+    const std::string type = session.Identity().GetDatabaseType(path);
+    const DatabaseKind kind =
+        type == kUserTransDb ? DatabaseKind::kTransaction : KindOfExtension(path);
+    const bool accepted = type == kUserRecipeDb || session.AcceptsType(path, kind, type);
+    if (!accepted) {
+      return kFailed;
+    }
+    return session.OnDatabase(path, kind, [&] {
+      WriteObject(session.Out(), output_.Form(), Describe(ReadDatabaseSummary(path)));
+      return kDone;
+    });
+  }
+
+ private:
+  std::string file_;
+  OutputOptions output_;
+};
+
+}  // namespace
+
+std::unique_ptr<Command> MakeInfoCommand() { return std::make_unique<InfoCommand>(); }
+
+}  // namespace vrx

@@ -1,0 +1,165 @@
+#include <algorithm>
+#include <array>
+#include <optional>
+#include <string>
+
+#include <CLI/CLI.hpp>
+
+#include "ctl/command.h"
+#include "ctl/module_upload.h"
+#include "ctl/session.h"
+#include "frame/number.h"
+#include "frame/private_ini.h"
+#include "frame/text.h"
+#include "link/krmcomm.h"
+
+namespace vrx {
+namespace {
+
+constexpr std::string_view kPleaseCheck =
+    "Please check KRM module connection, cable and serial port selection.";
+
+int TellResult(Session& session, KRMCOMM& krm, bool done, std::string_view title,
+               std::string_view success, const std::string& failure) {
+  if (done) {
+    session.Op().ShowMessage(
+        {.icon = Icon::kInformation, .title = std::string(title), .text = std::string(success)});
+    return kDone;
+  }
+  session.Op().ShowMessage({.icon = Icon::kWarning,
+                            .title = std::string(title),
+                            .text = failure,
+                            .cause = krm.KRM_FailureCause()});
+  return kFailed;
+}
+
+int TestModule(Session& session, KRMCOMM& krm) {
+  session.Op().SetStatusLine("Standby... Attempting to connect to KRM");
+  const bool found = krm.KRM_OnlineCheck();
+  return TellResult(session, krm, found, "KRM Test", "KRM Successfully Detected.",
+                    "KRM Not Detected.  (Communication Error)\r\n" + std::string(kPleaseCheck));
+}
+
+int ClearModule(Session& session, KRMCOMM& krm) {
+  constexpr std::string_view kTitle = "Clear KRM";
+  if (session.Op().ShowMessage({.icon = Icon::kQuestion,
+                                .buttons = Buttons::kYesNo,
+                                .title = std::string(kTitle),
+                                .text = "Are you sure you want to clear all data in the KRM?"}) !=
+      Answer::kYes) {
+    return kFailed;
+  }
+  session.Op().SetStatusLine("Standby... Attempting to connect to KRM");
+  if (!krm.KRM_OnlineCheck()) {
+    return TellResult(session, krm, false, kTitle, "",
+                      "The 'Clear' operation failed. (Could not connect to the KRM)");
+  }
+  const bool cleared = krm.KRM_Clear();
+  return TellResult(session, krm, cleared, kTitle, "The 'Clear' operation was successful.",
+                    "The 'Clear' operation failed.");
+}
+
+// The rate is kept in the settings: every later check tells it to the module anew.
+int SetModuleBaud(Session& session, KRMCOMM& krm, const std::string& baud) {
+  session.Op().SetStatusLine("Standby... Attempting to connect to KRM");
+  const bool set = krm.KRM_SetBaud(TextToLong(baud));
+  const int code = TellResult(
+      session, krm, set, "KRM Baud Setting",
+      "Successfully set the KRM baudrate.\r\n\r\nThis new baudrate setting will only be in effect "
+      "when the KRM module is connected to an K-2260 or some other indicator.",
+      "Failed to set the KRM baudrate.\r\n\r\n" + std::string(kPleaseCheck));
+  if (!set) {
+    return code;
+  }
+  session.Settings().SetKRMBaudRate(baud);
+  return session.SaveSettings() ? kDone : kFailed;
+}
+
+class ModuleCommand : public Command {
+ public:
+  CLI::App* Register(CLI::App& app) override {
+    CLI::App* command = app.add_subcommand("module", "Talk to the data module");
+    command->require_subcommand(1);
+    test_ = Action(*command, "test", "Ask whether the module is there");
+    clear_ = Action(*command, "clear", "Clear the module's memory, after a question");
+    baud_ = Action(*command, "baud", "Tell the module its speed towards the indicator");
+    baud_->add_option("rate", rate_, "1200, 2400, 9600 or 19200")
+        ->required()
+        ->check(CLI::IsMember({"1200", "2400", "9600", "19200"}));
+    upload_ = Action(*command, "upload", "Write the files of the module's memory");
+    upload_->add_option("--out", out_, "Folder for the files")->required()->type_name("DIR");
+    return command;
+  }
+
+  int Run(Session& session) override {
+    const PrivateINI settings = SettingsOfLine(session);
+    const bool by_number = IsNumber(port_);
+    const auto line =
+        session.Context().make_serial_line(by_number ? "" : port_, session.DataFolder());
+    KRMCOMM krm(line->Control(), line->Pump(), session.Op(), settings);
+    const int code = RunAction(session, krm, line->Pump(), settings);
+    krm.KRM_ImmediateClose();
+    session.Progress().Clear();
+    return code;
+  }
+
+ private:
+  CLI::App* Action(CLI::App& module, const std::string& name, const std::string& help) {
+    CLI::App* action = module.add_subcommand(name, help);
+    action->add_option("--port", port_, "Port number or device path")
+        ->required()
+        ->type_name("DEV")
+        ->check(ValidPort);
+    return action;
+  }
+
+  static bool IsNumber(const std::string& port) {
+    return !port.empty() && std::all_of(port.begin(), port.end(), IsDigitChar);
+  }
+
+  static std::string ValidPort(const std::string& port) {
+    if (port.empty()) {
+      return "a port is a number or the path of a device";
+    }
+    if (!IsNumber(port) || ParseLong(port).value_or(0) > 0) {
+      return "";
+    }
+    return "there is no port " + port;
+  }
+
+  // The settings with the port of this run; they are not saved.
+  PrivateINI SettingsOfLine(Session& session) const {
+    PrivateINI settings = session.Settings();
+    if (IsNumber(port_)) {
+      settings.SetSerialPort(port_);
+    }
+    return settings;
+  }
+
+  int RunAction(Session& session, KRMCOMM& krm, EventPump& pump, const PrivateINI& settings) {
+    if (test_->parsed()) {
+      return TestModule(session, krm);
+    }
+    if (clear_->parsed()) {
+      return ClearModule(session, krm);
+    }
+    if (baud_->parsed()) {
+      return SetModuleBaud(session, krm, rate_);
+    }
+    return UploadModule(session, krm, pump, settings, out_);
+  }
+
+  CLI::App* test_ = nullptr;
+  CLI::App* clear_ = nullptr;
+  CLI::App* baud_ = nullptr;
+  CLI::App* upload_ = nullptr;
+  std::string port_;
+  std::string rate_;
+  std::string out_;
+};
+
+}  // namespace
+
+std::unique_ptr<Command> MakeModuleCommand() { return std::make_unique<ModuleCommand>(); }
+
+}  // namespace vrx

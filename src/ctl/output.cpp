@@ -1,0 +1,131 @@
+#include "ctl/output.h"
+
+#include <algorithm>
+#include <ostream>
+
+#include <CLI/CLI.hpp>
+
+#include "frame/number.h"
+
+namespace vrx {
+namespace {
+
+constexpr int kIndent = 2;
+
+std::string CellText(const Json& cell) {
+  switch (cell.type()) {
+    case Json::value_t::null:
+      return "";
+    case Json::value_t::boolean:
+      return cell.get<bool>() ? "Yes" : "No";
+    case Json::value_t::number_float:
+      return DefaultText(cell.get<double>());
+    case Json::value_t::string:
+      return cell.get<std::string>();
+    default:
+      return cell.dump();
+  }
+}
+
+std::string PlainText(std::string text) {
+  std::replace_if(
+      text.begin(), text.end(),
+      [](char character) {
+        const auto code = static_cast<unsigned char>(character);
+        return code < 0x20 || code == 0x7F;
+      },
+      ' ');
+  return text;
+}
+
+std::string CsvText(std::string text) {
+  if (text.find_first_of(",\"\r\n") == std::string::npos) {
+    return text;
+  }
+  for (std::size_t quote = text.find('"'); quote != std::string::npos;
+       quote = text.find('"', quote + 2)) {
+    text.insert(quote, 1, '"');
+  }
+  return '"' + text + '"';
+}
+
+template <typename Cells, typename ToText>
+void WriteLine(std::ostream& out, const Cells& cells, char separator, std::string_view end,
+               ToText to_text) {
+  bool first = true;
+  for (const auto& cell : cells) {
+    if (!first) {
+      out << separator;
+    }
+    first = false;
+    out << to_text(CellText(cell));
+  }
+  out << end;
+}
+
+void WriteJson(std::ostream& out, const Json& document) {
+  out << document.dump(kIndent, ' ', false, Json::error_handler_t::replace) << '\n';
+}
+
+Json ToJson(const OutputTable& table) {
+  Json document = Json::array();
+  for (const auto& row : table.rows) {
+    Json object = Json::object();
+    for (std::size_t column = 0; column < row.size(); ++column) {
+      object[table.header[column]] = row[column];
+    }
+    document.push_back(std::move(object));
+  }
+  return document;
+}
+
+}  // namespace
+
+void OutputOptions::RegisterCsv(CLI::App& app) {
+  app.add_flag("--csv", csv_, "Comma-separated values with a header line");
+}
+
+void OutputOptions::RegisterJson(CLI::App& app) {
+  CLI::Option* json = app.add_flag("--json", json_, "One JSON document");
+  if (CLI::Option* csv = app.get_option_no_throw("--csv")) {
+    json->excludes(csv);
+  }
+}
+
+OutputForm OutputOptions::Form() const {
+  if (json_) {
+    return OutputForm::kJson;
+  }
+  return csv_ ? OutputForm::kCsv : OutputForm::kPlain;
+}
+
+void WriteTable(std::ostream& out, OutputForm form, const OutputTable& table) {
+  if (form == OutputForm::kJson) {
+    WriteJson(out, ToJson(table));
+    return;
+  }
+  const bool csv = form == OutputForm::kCsv;
+  const char separator = csv ? ',' : '\t';
+  const std::string_view end = csv ? "\r\n" : "\n";
+  const auto to_text = csv ? CsvText : PlainText;
+  WriteLine(out, table.header, separator, end, to_text);
+  for (const auto& row : table.rows) {
+    WriteLine(out, row, separator, end, to_text);
+  }
+}
+
+void WriteObject(std::ostream& out, OutputForm form, const Json& object) {
+  if (form == OutputForm::kJson) {
+    WriteJson(out, object);
+    return;
+  }
+  OutputTable table;
+  table.rows.emplace_back();
+  for (const auto& [key, value] : object.items()) {
+    table.header.push_back(key);
+    table.rows.front().push_back(value);
+  }
+  WriteTable(out, form, table);
+}
+
+}  // namespace vrx

@@ -1,0 +1,72 @@
+#pragma once
+
+#include <filesystem>
+#include <functional>
+#include <memory>
+#include <optional>
+#include <string>
+#include <string_view>
+
+#include "ctl/command_context.h"
+#include "ctl/progress_line.h"
+#include "ctl/terminal_operator.h"
+#include "database/identity.h"
+#include "database/schema.h"
+#include "frame/private_ini.h"
+
+namespace vrx {
+
+// Options that every command takes.
+struct GlobalOptions {
+  bool yes = false;
+  std::string data_dir;  // empty: the system's application data folder
+};
+
+// What a command works with in one run.
+class Session {
+ public:
+  Session(const CommandContext& context, const GlobalOptions& options);
+
+  const CommandContext& Context() const { return context_; }
+  std::ostream& Out() const { return context_.out; }
+  TerminalOperator& Op() { return operator_; }
+  ProgressLine& Progress() { return progress_; }
+
+  // The application data folder, made if it is not there. Throws FileError.
+  const std::filesystem::path& DataFolder();
+
+  // Read from the INI file of the data folder at the first call; a missing file is made with
+  // defaults. Throws Error, the operator told, when there is none and none can be made.
+  PrivateINI& Settings();
+  // Writes the settings; false, with the operator told, when that failed.
+  bool SaveSettings();
+
+  DatabaseIdentity& Identity();
+
+  // True if the file says that it is a user's database of that kind; else the operator was told.
+  bool IsUserDatabase(const std::filesystem::path& path, DatabaseKind kind);
+  // The same of a file whose type was read already.
+  bool AcceptsType(const std::filesystem::path& path, DatabaseKind kind, const std::string& type);
+
+  // Runs work on a database and passes its result on. A failure of the storage is told under the
+  // title that opening such a file has, and gives kFailed.
+  int OnDatabase(const std::filesystem::path& path, DatabaseKind kind,
+                 const std::function<int()>& work);
+
+ private:
+  const CPrivateINI& Ini();
+
+  const CommandContext& context_;
+  GlobalOptions options_;
+  ProgressLine progress_;
+  TerminalOperator operator_;
+  std::filesystem::path data_folder_;
+  std::optional<CPrivateINI> ini_;
+  std::optional<PrivateINI> settings_;
+  std::optional<DatabaseIdentity> identity_;
+};
+
+// The kind that a file's extension speaks for: .TDB a transaction database, all else a recipe one.
+DatabaseKind KindOfExtension(const std::filesystem::path& path);
+
+}  // namespace vrx

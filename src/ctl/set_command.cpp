@@ -1,0 +1,208 @@
+#include <array>
+#include <functional>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include <CLI/CLI.hpp>
+#include <SQLiteCpp/Database.h>
+#include <SQLiteCpp/Transaction.h>
+
+#include "ctl/command.h"
+#include "ctl/session.h"
+#include "database/connection.h"
+#include "database/identity.h"
+#include "database/records.h"
+#include "database/schema.h"
+#include "feed/record_edits.h"
+#include "feed/record_fields.h"
+#include "frame/number.h"
+
+namespace vrx {
+namespace {
+
+constexpr int kAdjustLimit = 20;  // percent, both ways; the list index counts down from it
+
+// What was given for an option, an empty text included.
+std::optional<std::string> Given(const CLI::Option* option) {
+  return option->count() > 0 ? std::optional(option->results().back()) : std::nullopt;
+}
+
+// The part that the three kinds have in common: options, and one transaction on the database.
+class RecordForm {
+ public:
+  RecordForm(CLI::App& set, const std::string& kind, int count)
+      : app_(set.add_subcommand(kind, "Edit a record as its form does")) {
+    app_->add_option("rdb", file_, "A recipe database")->required();
+    app_->add_option("id", id_, "Number of the record")->required()->check(CLI::Range(1, count));
+    name_ = Text("--name");
+    description_ = Text("--description");
+  }
+
+  CLI::Option* Text(const std::string& option, const std::string& help = "") {
+    CLI::Option* added = app_->add_option(option, help)->expected(1)->type_name("TEXT");
+    options_.push_back(added);
+    return added;
+  }
+
+  bool Chosen() const { return app_->parsed(); }
+  int Id() const { return id_; }
+  std::optional<std::string> Name() const { return Given(name_); }
+  std::optional<std::string> Description() const { return Given(description_); }
+
+  // `edit` reads, changes and writes the record, and returns what to tell.
+  int Run(Session& session,
+          const std::function<std::vector<std::string>(SQLite::Database&)>& edit) {
+    RequireAnOption();
+    if (!session.IsUserDatabase(file_, DatabaseKind::kRecipe)) {
+      return kFailed;
+    }
+    return session.OnDatabase(file_, DatabaseKind::kRecipe, [&] {
+      try {
+        std::vector<std::string> notes;
+        {
+          SQLite::Database database = OpenDatabase(file_, Access::kWrite);
+          SQLite::Transaction transaction(database, SQLite::TransactionBehavior::IMMEDIATE);
+          notes = edit(database);
+          transaction.commit();
+        }
+        for (const std::string& note : notes) {
+          session.Op().Tell(note);
+        }
+      } catch (const FieldRefusal& refusal) {
+        session.Op().ShowMessage({.icon = Icon::kCritical,
+                                  .title = std::string(kFieldErrorTitle),
+                                  .text = refusal.what()});
+        return kFailed;
+      }
+      return session.Identity().SetDatabaseDate(file_, DateSelector::kModified) ? kDone : kFailed;
+    });
+  }
+
+ private:
+  void RequireAnOption() const {
+    for (const CLI::Option* option : options_) {
+      if (option->count() > 0) {
+        return;
+      }
+    }
+    throw CLI::RequiredError("set " + app_->get_name() + ": at least one field to set");
+  }
+
+  CLI::App* app_;
+  std::string file_;
+  int id_ = 0;
+  CLI::Option* name_ = nullptr;
+  CLI::Option* description_ = nullptr;
+  std::vector<CLI::Option*> options_;
+};
+
+class IngredientForm : public RecordForm {
+ public:
+  explicit IngredientForm(CLI::App& set) : RecordForm(set, "ingredient", kIngredientCount) {
+    dry_matter_ = Text("--dry-matter", "Percent, 0 to 100");
+    hand_add_ = Text("--hand-add", "yes or no")->check(CLI::IsMember({"yes", "no"}));
+  }
+
+  int Run(Session& session) {
+    return RecordForm::Run(session, [&](SQLite::Database& database) {
+      IngredientRecord record = ReadIngredient(database, Id());
+      IngredientEdit edit{
+          .name = Name(), .description = Description(), .dry_matter_percent = Given(dry_matter_)};
+      if (const auto hand_add = Given(hand_add_)) {
+        edit.hand_add = *hand_add == "yes";
+      }
+      auto notes = ApplyEdit(edit, session.Settings().AutoAbbreviateOn(), record);
+      WriteIngredient(database, record);
+      return notes;
+    });
+  }
+
+ private:
+  CLI::Option* dry_matter_;
+  CLI::Option* hand_add_;
+};
+
+class RecipeForm : public RecordForm {
+ public:
+  explicit RecipeForm(CLI::App& set) : RecordForm(set, "recipe", kRecipeCount) {
+    type_ = Text("--type", "W, H, % or P")->check(CLI::IsMember({"W", "H", "%", "P"}));
+    head_count_ = Text("--head-count", "Head to feed, in a recipe of type H");
+    ration_target_ = Text("--ration-target", "Weight wanted, in a recipe of type W, % or P");
+    adjust_ =
+        Text("--adjust", "Percent, -20 to 20")->check(CLI::Range(-kAdjustLimit, kAdjustLimit));
+  }
+
+  int Run(Session& session) {
+    return RecordForm::Run(session, [&](SQLite::Database& database) {
+      RecipeRecord record = ReadRecipe(database, Id());
+      RecipeEdit edit{.name = Name(),
+                      .description = Description(),
+                      .batch_type = Given(type_),
+                      .head_count = Given(head_count_),
+                      .ration_target = Given(ration_target_)};
+      if (const auto adjust = Given(adjust_)) {
+        edit.adjust_batch_index = kAdjustLimit - TextToLong(*adjust);
+      }
+      auto notes = ApplyEdit(edit, session.Settings().AutoAbbreviateOn(), record);
+      WriteRecipe(database, record);
+      return notes;
+    });
+  }
+
+ private:
+  CLI::Option* type_;
+  CLI::Option* head_count_;
+  CLI::Option* ration_target_;
+  CLI::Option* adjust_;
+};
+
+class PenForm : public RecordForm {
+ public:
+  explicit PenForm(CLI::App& set) : RecordForm(set, "pen", kPenCount) {
+    feed_ = Text("--feed", "Feed amount, digits");
+  }
+
+  int Run(Session& session) {
+    return RecordForm::Run(session, [&](SQLite::Database& database) {
+      PenRecord record = ReadPen(database, Id());
+      const PenEdit edit{.name = Name(), .description = Description(), .feed_amount = Given(feed_)};
+      auto notes = ApplyEdit(edit, session.Settings().AutoAbbreviateOn(), record);
+      WritePen(database, record);
+      return notes;
+    });
+  }
+
+ private:
+  CLI::Option* feed_;
+};
+
+class SetCommand : public Command {
+ public:
+  CLI::App* Register(CLI::App& app) override {
+    CLI::App* command = app.add_subcommand("set", "Edit a record as its form does");
+    command->require_subcommand(1);
+    ingredient_.emplace(*command);
+    recipe_.emplace(*command);
+    pen_.emplace(*command);
+    return command;
+  }
+
+  int Run(Session& session) override {
+    if (ingredient_->Chosen()) {
+      return ingredient_->Run(session);
+    }
+    return recipe_->Chosen() ? recipe_->Run(session) : pen_->Run(session);
+  }
+
+ private:
+  std::optional<IngredientForm> ingredient_;
+  std::optional<RecipeForm> recipe_;
+  std::optional<PenForm> pen_;
+};
+
+}  // namespace
+
+std::unique_ptr<Command> MakeSetCommand() { return std::make_unique<SetCommand>(); }
+
+}  // namespace vrx
