@@ -1,5 +1,6 @@
 #include "adapters/qt_event_pump.h"
 
+#include <QAbstractEventDispatcher>
 #include <QCoreApplication>
 #include <QEventLoop>
 #include <QTimer>
@@ -51,8 +52,7 @@ std::unique_ptr<EventPump::Ticker> QtEventPump::StartTicker(Milliseconds interva
 
 void QtEventPump::Close() {
   closing_ = true;
-  QMetaObject::invokeMethod(
-      QCoreApplication::instance(), [] {}, Qt::QueuedConnection);
+  QAbstractEventDispatcher::instance(QCoreApplication::instance()->thread())->wakeUp();
 }
 
 }  // namespace vrx
