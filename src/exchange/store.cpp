@@ -1,6 +1,5 @@
 #include "exchange/store.h"
 
-#include <algorithm>
 #include <cstdint>
 #include <exception>
 #include <filesystem>
@@ -41,8 +40,7 @@ std::int32_t ScanForBase(SQLite::Database& database, ProgressDisplay& progress) 
   }
   progress.SetProgressMessage("Scanning Transaction database for next insertion location.");
   progress.SetProgressRange(1);
-  // Negative numbers do not pull the base below 0.
-  const std::int32_t base = std::max(HighestTransaction(database), 0);
+  const std::int32_t base = HighestTransaction(database);
   progress.SetProgressValue(1);
   return base;
 }

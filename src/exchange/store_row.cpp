@@ -65,6 +65,8 @@ std::optional<Date> ParseDisplayDate(std::string_view text) {
   return date.ok() ? std::optional(date) : std::nullopt;
 }
 
+constexpr std::size_t kDateDigits = 8;
+
 // One row of an import, read cell by cell.
 class RowReader {
  public:
@@ -131,8 +133,10 @@ class RowReader {
     if (Cell(kImportedDate).empty()) {
       return std::nullopt;
     }
-    const std::optional<Date> date = ParseDisplayDate(FormatTransactionDate(Cell(kImportedDate)));
-    if (!date) {
+    // A text of another length would still give a date, of another century: "011509" the year 1509.
+    const std::string_view cell = Cell(kImportedDate);
+    const std::optional<Date> date = ParseDisplayDate(FormatTransactionDate(cell));
+    if (!date || cell.size() != kDateDigits) {
       Refuse(kImportedDate, "eight digits: month, day and year");
     }
     return date;

@@ -1,0 +1,224 @@
+// How long a store of 6,000 rows takes: into a database of a million rows, against the plain
+// sqlite3 shell that imports the same rows as CSV into the same table, and against an empty
+// database.
+//
+// Each of the three runs in turn, several times; the figures are medians. A store is timed from its
+// call to its return, with the opening of both databases, the commit and the date of change behind
+// it. The shell is timed as a whole process, its start included: a few milliseconds.
+
+#include <algorithm>
+#include <array>
+#include <chrono>
+#include <cstdio>
+#include <exception>
+#include <filesystem>
+#include <fstream>
+#include <functional>
+#include <stdexcept>
+#include <string>
+#include <vector>
+
+#include <SQLiteCpp/Database.h>
+#include <spawn.h>
+#include <sys/wait.h>
+
+#include "database/connection.h"
+#include "database/identity.h"
+#include "database/schema.h"
+#include "exchange/imported_data.h"
+#include "exchange/open_databases.h"
+#include "exchange/store.h"
+#include "frame/private_ini.h"
+#include "support/fixed_calendar.h"
+#include "support/recording_operator.h"
+#include "support/temp_folder.h"
+
+extern char** environ;
+
+namespace vrx::testing {
+namespace {
+
+namespace fs = std::filesystem;
+
+constexpr int kRows = 6000;
+constexpr int kRounds = 15;
+constexpr int kBatchRows = 4;  // of each transaction, and as many feeds behind them
+constexpr double kShellTarget = 1.5;
+constexpr double kEmptyTarget = 1.2;
+
+// The rows of transactions 1, 2, 3 ... of four ingredients fed to four pens.
+constexpr const char* kMillionRows = R"(
+    WITH RECURSIVE n(i) AS (SELECT 0 UNION ALL SELECT i + 1 FROM n WHERE i < 999999)
+    INSERT INTO Transactions ([Transaction], Recipe, Type, UserID, Ingredient, Pen, Target,
+                              ActualBatch, Time, Date, ActualFeed, IngPercent, Ing01Wt, Ing02Wt,
+                              Ing03Wt, Ing04Wt)
+    SELECT i / 8 + 1, printf('REC%03d', i / 8 % 100 + 1), iif(i % 8 < 4, 'BATCH', 'FEED'), '2',
+           iif(i % 8 < 4, printf('ING%03d', i % 4 + 1), NULL),
+           iif(i % 8 < 4, NULL, printf('PEN%03d', i % 400 + 1)), 1000.5,
+           iif(i % 8 < 4, 998.5, 0), '08:30:00', date('2016-01-01', (i / 2500) || ' days'),
+           iif(i % 8 < 4, 0, 748.5), iif(i % 8 < 4, 25.0, NULL), iif(i % 8 < 4, NULL, 187.1),
+           iif(i % 8 < 4, NULL, 187.1), iif(i % 8 < 4, NULL, 187.1), iif(i % 8 < 4, NULL, 187.2)
+    FROM n)";
+
+class SilentProgress : public ProgressDisplay {
+ public:
+  void SetProgressMessage(std::string_view /*text*/) override {}
+  void SetProgressRange(int /*maximum*/) override {}
+  void SetProgressValue(int /*value*/) override {}
+};
+
+ImportedData MakeRows() {
+  ImportedData rows;
+  rows.Resize(kRows);
+  for (int i = 0; i < kRows; ++i) {
+    const auto row = static_cast<std::size_t>(i) + 1;
+    const auto set = [&](int column, std::string text) {
+      rows.SetCell(row, column, std::move(text));
+    };
+    const int transaction = i / (2 * kBatchRows) + 1;
+    const bool batch = i % (2 * kBatchRows) < kBatchRows;
+    set(kImportedTransactionNumber, std::to_string(transaction));
+    set(kImportedRecipeID, std::to_string(transaction % 100 + 1));
+    set(kImportedType, batch ? "BATCH" : "FEED");
+    set(kImportedTarget, "1000.5");
+    set(kImportedTime, "0830");
+    set(kImportedDate, "01152026");
+    set(kImportedUserID, "2");
+    if (batch) {
+      set(kImportedIngredientID, std::to_string(i % kBatchRows + 1));
+      set(kImportedActualBatch, "998.5");
+      set(kCalculatedIngPercentOfBatch, "25.0000");
+      continue;
+    }
+    set(kImportedPenID, std::to_string(i % 400 + 1));
+    set(kImportedActualFeed, "748.5");
+    for (int ingredient = 0; ingredient < kBatchRows; ++ingredient) {
+      set(kFirstIngredientWeight + ingredient, "187.1");
+    }
+  }
+  return rows;
+}
+
+// Runs the shell on a database and waits for its end; throws when it fails.
+void RunShell(const fs::path& database, const fs::path& script) {
+  const std::string read = ".read '" + script.string() + "'";
+  const std::string file = database.string();
+  std::array<const char*, 6> arguments = {"sqlite3",    "-bail",      "-batch",
+                                          file.c_str(), read.c_str(), nullptr};
+  pid_t process = 0;
+  int status = 0;
+  if (posix_spawnp(&process, "sqlite3", nullptr, nullptr,
+                   const_cast<char* const*>(arguments.data()), environ) != 0 ||
+      waitpid(process, &status, 0) != process || status != 0) {
+    throw std::runtime_error("the sqlite3 shell failed; is it installed?");
+  }
+}
+
+double Milliseconds(const std::function<void()>& work) {
+  const auto start = std::chrono::steady_clock::now();
+  work();
+  return std::chrono::duration<double, std::milli>(std::chrono::steady_clock::now() - start)
+      .count();
+}
+
+double Median(std::vector<double> values) {
+  const auto middle = values.begin() + static_cast<std::ptrdiff_t>(values.size() / 2);
+  std::nth_element(values.begin(), middle, values.end());
+  return *middle;
+}
+
+class StoreBench {
+ public:
+  StoreBench() {
+    CreateTemplate(recipes_, DatabaseKind::kRecipe);
+    CreateTemplate(empty_, DatabaseKind::kTransaction);
+    fs::copy_file(empty_, ours_);
+    OpenDatabase(ours_, Access::kWrite).exec(kMillionRows);
+    fs::copy_file(ours_, shells_);
+    WriteShellScript();
+  }
+
+  void Run() {
+    std::vector<double> ours;
+    std::vector<double> shell;
+    std::vector<double> empty;
+    for (int round = 0; round < kRounds; ++round) {
+      ours.push_back(Milliseconds([&] { Store(ours_); }));
+      shell.push_back(Milliseconds([&] { RunShell(shells_, script_); }));
+      const fs::path fresh = folder_ / "FRESH.TDB";
+      fs::copy_file(empty_, fresh, fs::copy_options::overwrite_existing);
+      empty.push_back(Milliseconds([&] { Store(fresh); }));
+    }
+    CheckCount(ours_);
+    CheckCount(shells_);
+    Print(Median(ours), Median(shell), Median(empty));
+  }
+
+ private:
+  void Store(const fs::path& path) {
+    bool stored = false;
+    const StoreOutcome outcome =
+        store_.StoreImportedTransactions(rows_, {recipes_, path, "LB"}, stored);
+    if (outcome.stored != kRows) {
+      throw std::runtime_error("the store failed: " + operator_.boxes.back().text);
+    }
+  }
+
+  // The rows as CSV of all 112 columns: those that our own store makes of them.
+  void WriteShellScript() {
+    const fs::path source = folder_ / "SOURCE.TDB";
+    fs::copy_file(empty_, source);
+    Store(source);
+    const fs::path csv = folder_ / "rows.csv";
+    const fs::path make = folder_.Write(
+        "make.sql", ".mode csv\n.once '" + csv.string() + "'\nSELECT * FROM Transactions;\n");
+    RunShell(source, make);
+    script_ = folder_.Write("import.sql", "PRAGMA synchronous=FULL;\n.mode csv\nBEGIN;\n.import '" +
+                                              csv.string() + "' Transactions\nCOMMIT;\n");
+  }
+
+  static void CheckCount(const fs::path& path) {
+    SQLite::Database database = OpenDatabase(path, Access::kRead);
+    if (database.execAndGet("SELECT count(*) FROM Transactions").getInt() !=
+        1000000 + kRounds * kRows) {
+      throw std::runtime_error(path.string() + " does not hold the rows that went in");
+    }
+  }
+
+  static void Print(double ours, double shell, double empty) {
+    std::printf("store of %d rows, medians of %d runs\n", kRows, kRounds);
+    std::printf("  into 1,000,000 rows        %8.1f ms\n", ours);
+    std::printf("  sqlite3 shell, same table  %8.1f ms\n", shell);
+    std::printf("  into an empty database     %8.1f ms\n", empty);
+    std::printf("ratio to the shell            %6.2f  (target: at most %.1f)\n", ours / shell,
+                kShellTarget);
+    std::printf("ratio to the empty database   %6.2f  (target: at most %.1f)\n", ours / empty,
+                kEmptyTarget);
+  }
+
+  TempFolder folder_;
+  fs::path recipes_ = folder_ / "BENCH.RDB";
+  fs::path empty_ = folder_ / "EMPTY.TDB";
+  fs::path ours_ = folder_ / "OURS.TDB";
+  fs::path shells_ = folder_ / "SHELL.TDB";
+  fs::path script_;
+  ImportedData rows_ = MakeRows();
+  RecordingOperator operator_;
+  FixedCalendar calendar_;
+  PrivateINI settings_;
+  DatabaseIdentity identity_{operator_, calendar_, settings_};
+  SilentProgress progress_;
+  TransactionStore store_{operator_, settings_, identity_, progress_, [] {}};
+};
+
+}  // namespace
+}  // namespace vrx::testing
+
+int main() {
+  try {
+    vrx::testing::StoreBench().Run();
+  } catch (const std::exception& error) {
+    std::fprintf(stderr, "store_bench: %s\n", error.what());
+    return 1;
+  }
+}

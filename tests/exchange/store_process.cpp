@@ -1,0 +1,51 @@
+// Stores the same import again and again until a store fails, then prints what the operator was
+// told and exits 1. Made to be killed, or to run out of disk.
+//
+//   store_process RECIPES.RDB TRANSACTIONS.TDB ROWS
+//
+// Prints "ready" once the first store begins.
+
+#include <cstdio>
+#include <cstdlib>
+#include <exception>
+
+#include "exchange/store_site.h"
+
+namespace vrx::testing {
+namespace {
+
+int StoreUntilFailure(const OpenDatabases& databases, int rows) {
+  RecordingOperator op;
+  const FixedCalendar calendar;
+  const PrivateINI settings;
+  DatabaseIdentity identity(op, calendar, settings);
+  RecordingProgress progress;
+  TransactionStore store(op, settings, identity, progress, [] {});
+  const ImportedData import = MakeManyRows(rows);
+  std::puts("ready");
+  std::fflush(stdout);
+  bool stored = false;
+  while (store.StoreImportedTransactions(import, databases, stored).complete) {
+    stored = false;
+  }
+  for (const MessageBox& box : op.boxes) {
+    std::printf("%s: %s\ncause: %s\n", box.title.c_str(), box.text.c_str(), box.cause.c_str());
+  }
+  return EXIT_FAILURE;
+}
+
+}  // namespace
+}  // namespace vrx::testing
+
+int main(int argc, char** argv) {
+  if (argc != 4) {
+    std::fputs("usage: store_process RECIPES.RDB TRANSACTIONS.TDB ROWS\n", stderr);
+    return 2;
+  }
+  try {
+    return vrx::testing::StoreUntilFailure({argv[1], argv[2], "LB"}, std::atoi(argv[3]));
+  } catch (const std::exception& error) {
+    std::fprintf(stderr, "%s\n", error.what());
+    return 2;
+  }
+}

@@ -1,0 +1,288 @@
+#include <array>
+#include <chrono>
+#include <csignal>
+#include <cstdlib>
+#include <filesystem>
+#include <random>
+#include <stdexcept>
+#include <string>
+#include <thread>
+
+#include <SQLiteCpp/Database.h>
+#include <SQLiteCpp/Statement.h>
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include "database/connection.h"
+#include "exchange/store_site.h"
+
+namespace vrx::testing {
+namespace {
+
+namespace fs = std::filesystem;
+using ::testing::HasSubstr;
+using ::testing::IsEmpty;
+using ::testing::SizeIs;
+
+ImportedData FourRows() {
+  return MakeImport({BatchCells(1, 3, 4, "1"), BatchCells(1, 3, 5, "2"), BatchCells(2, 3, 4, "3"),
+                     FeedCells(2, 3, 12, "4")});
+}
+
+// Nothing of the import is there, and a second press would not take it for stored.
+void ExpectNothingStored(StoreSite& site, const StoreOutcome& outcome, const std::string& text) {
+  EXPECT_FALSE(outcome.complete);
+  EXPECT_EQ(outcome.stored, 0U);
+  EXPECT_FALSE(site.stored_flag);
+  EXPECT_EQ(site.saves, 0);
+  ASSERT_THAT(site.op.boxes, SizeIs(1));
+  EXPECT_EQ(site.op.boxes[0].title, "Transaction Store Error");
+  EXPECT_EQ(site.op.boxes[0].icon, Icon::kCritical);
+  EXPECT_EQ(site.op.boxes[0].text, text);
+  EXPECT_THAT(site.op.boxes[0].cause, HasSubstr("nothing of this import was stored"));
+}
+
+TEST(StoreStorageFailure, InTheMiddleLeavesNothingOfTheImport) {
+  StoreSite site;
+  Execute(site.databases.trans_db_path,
+          "CREATE TRIGGER Stop BEFORE INSERT ON Transactions WHEN NEW.ActualBatch = 3 "
+          "BEGIN SELECT RAISE(ABORT, 'stopped'); END");
+  ExpectNothingStored(site, site.Store(FourRows()), "Error: 1811");
+  EXPECT_THAT(site.Stored(), IsEmpty());
+  EXPECT_EQ(QueryText(site.databases.trans_db_path, "SELECT Modified FROM History"), "NULL");
+}
+
+TEST(StoreStorageFailure, AfterAnEarlierStoreKeepsThatOneAndItsFlag) {
+  StoreSite site;
+  ASSERT_TRUE(site.Store(FourRows()).complete);
+  fs::rename(site.databases.recipe_db_path, site.folder / "AWAY.RDB");
+  site.op.answers = {Answer::kYes};
+  EXPECT_FALSE(site.Store(FourRows()).complete);
+  EXPECT_TRUE(site.stored_flag);
+  EXPECT_THAT(site.Stored(), SizeIs(4));
+}
+
+TEST(StoreStorageFailure, AnotherWriterIsTold) {
+  StoreSite site;
+  SQLite::Database other = OpenDatabase(site.databases.trans_db_path, Access::kWrite);
+  other.exec("BEGIN IMMEDIATE");
+  ExpectNothingStored(site, site.Store(FourRows()), "A table in the specified database is locked.");
+  other.exec("ROLLBACK");
+  EXPECT_THAT(site.Stored(), IsEmpty());
+}
+
+TEST(StoreStorageFailure, ACommitHeldUpByAReaderLeavesNothing) {
+  StoreSite site;
+  Execute(site.databases.trans_db_path, "INSERT INTO Transactions ([Transaction]) VALUES (1), (2)");
+  SQLite::Database other = OpenDatabase(site.databases.trans_db_path, Access::kRead);
+  SQLite::Statement reader(other, "SELECT * FROM Transactions");
+  ASSERT_TRUE(reader.executeStep());
+  ExpectNothingStored(site, site.Store(FourRows()), "A table in the specified database is locked.");
+  reader.reset();
+  EXPECT_THAT(site.Stored(), SizeIs(2));
+}
+
+TEST(StoreStorageFailure, AFileThatIsGoneIsTold) {
+  StoreSite site;
+  fs::remove(site.databases.trans_db_path);
+  const StoreOutcome outcome = site.Store(FourRows());
+  EXPECT_FALSE(outcome.complete);
+  ASSERT_THAT(site.op.boxes, SizeIs(1));
+  EXPECT_EQ(site.op.boxes[0].title, "Transaction Store Error");
+  EXPECT_THAT(site.op.boxes[0].text, HasSubstr("Error: "));
+  EXPECT_THAT(site.op.boxes[0].cause, HasSubstr("Y2026.TDB"));
+  EXPECT_FALSE(fs::exists(site.databases.trans_db_path));
+}
+
+TEST(StoreStorageFailure, AFileThatVanishesInTheMiddleIsNotTakenForStored) {
+  StoreSite site;
+  site.progress.on_value = [&](int value) {
+    if (value == 3) {
+      fs::remove(site.databases.trans_db_path);
+    }
+  };
+  ExpectNothingStored(site, site.Store(FourRows()), "Error: 1032");
+  EXPECT_THAT(site.op.boxes[0].cause, HasSubstr("Y2026.TDB was deleted or moved away"));
+}
+
+TEST(StoreStorageFailure, AMissingRecipeDatabaseLeavesTheTransactionDatabaseUntouched) {
+  StoreSite site;
+  const std::string before = ReadAll(site.databases.trans_db_path);
+  fs::remove(site.databases.recipe_db_path);
+  EXPECT_FALSE(site.Store(FourRows()).complete);
+  ASSERT_THAT(site.op.boxes, SizeIs(1));
+  EXPECT_THAT(site.op.boxes[0].cause, HasSubstr("YARD.RDB"));
+  EXPECT_EQ(ReadAll(site.databases.trans_db_path), before);
+}
+
+TEST(StoreStorageFailure, AMissingTableIsTold) {
+  StoreSite site;
+  Execute(site.databases.trans_db_path, "DROP TABLE Transactions");
+  ExpectNothingStored(site, site.Store(FourRows()),
+                      "There is an invalid table in the specified database.");
+}
+
+TEST(StoreStorageFailure, AnyOtherFailureInTheMiddleLeavesNothingToo) {
+  StoreSite site;
+  site.progress.on_value = [](int value) {
+    if (value == 3) {
+      throw std::runtime_error("the display is gone");
+    }
+  };
+  EXPECT_FALSE(site.Store(FourRows()).complete);
+  EXPECT_EQ(site.LastBox().text, "the display is gone\r\n\r\nNothing of this import was stored.");
+  EXPECT_THAT(site.Stored(), IsEmpty());
+  EXPECT_FALSE(site.stored_flag);
+}
+
+TEST(StoreStorageFailure, ADateThatCannotBeWrittenIsToldAndTheRowsStand) {
+  StoreSite site;
+  Execute(site.databases.trans_db_path,
+          "CREATE TRIGGER Stop BEFORE UPDATE ON History "
+          "BEGIN SELECT RAISE(ABORT, 'stopped'); END");
+  EXPECT_TRUE(site.Store(FourRows()).complete);
+  EXPECT_EQ(site.LastBox().title, "Database Date Write Error");
+  EXPECT_THAT(site.Stored(), SizeIs(4));
+  EXPECT_TRUE(site.stored_flag);
+}
+
+// A store_process that is running; killed at the latest when this object goes.
+class StoreProcess {
+ public:
+  StoreProcess(const OpenDatabases& databases, int rows) {
+    std::array<int, 2> pipe_ends{};
+    if (pipe(pipe_ends.data()) != 0) {
+      throw std::runtime_error("no pipe");
+    }
+    const std::string row_count = std::to_string(rows);
+    process_ = fork();
+    if (process_ == 0) {
+      dup2(pipe_ends[1], STDOUT_FILENO);
+      execl(STORE_PROCESS, STORE_PROCESS, databases.recipe_db_path.c_str(),
+            databases.trans_db_path.c_str(), row_count.c_str(), nullptr);
+      _exit(127);
+    }
+    close(pipe_ends[1]);
+    char first = 0;
+    const bool ready = read(pipe_ends[0], &first, 1) == 1 && first == 'r';
+    close(pipe_ends[0]);
+    if (!ready) {
+      Kill();
+      throw std::runtime_error("store_process did not start");
+    }
+  }
+  ~StoreProcess() { Kill(); }
+  StoreProcess(const StoreProcess&) = delete;
+  StoreProcess& operator=(const StoreProcess&) = delete;
+
+  // True if it was still at work.
+  bool Kill() {
+    if (process_ <= 0) {
+      return false;
+    }
+    kill(process_, SIGKILL);
+    int status = 0;
+    waitpid(process_, &status, 0);
+    process_ = 0;
+    return WIFSIGNALED(status) && WTERMSIG(status) == SIGKILL;
+  }
+
+ private:
+  pid_t process_ = 0;
+};
+
+// The number of rows of a database that is whole.
+int RowsOfWholeDatabase(const fs::path& path) {
+  SQLite::Database database = OpenDatabase(path, Access::kWrite);
+  EXPECT_EQ(database.execAndGet("PRAGMA integrity_check").getString(), "ok");
+  return database.execAndGet("SELECT COUNT(*) FROM Transactions").getInt();
+}
+
+TEST(StoreCrash, AKillAtAnyMomentLeavesWholeImportsOnly) {
+  constexpr int kRounds = 30;
+  constexpr int kRows = 1000;
+  StoreSite site;
+  const fs::path journal = site.databases.trans_db_path.string() + "-journal";
+  std::mt19937 random(7);
+  std::uniform_int_distribution<int> microseconds(0, 80000);
+  int rows = 0;
+  int interrupted = 0;
+  for (int round = 0; round < kRounds; ++round) {
+    SCOPED_TRACE(round);
+    StoreProcess process(site.databases, kRows);
+    std::this_thread::sleep_for(std::chrono::microseconds(microseconds(random)));
+    ASSERT_TRUE(process.Kill());
+    interrupted += fs::exists(journal) ? 1 : 0;
+    const int now = RowsOfWholeDatabase(site.databases.trans_db_path);
+    EXPECT_EQ(now % kRows, 0);
+    EXPECT_GE(now, rows);
+    EXPECT_EQ(QueryText(site.databases.trans_db_path,
+                        "SELECT COUNT(*) FROM (SELECT 1 FROM Transactions GROUP BY [Transaction] "
+                        "HAVING COUNT(*) <> 4)"),
+              "0");
+    rows = now;
+  }
+  // Kills between two stores alone would prove nothing.
+  EXPECT_GT(interrupted, 0);
+  EXPECT_GT(rows, 0);
+}
+
+// Runs a script in a mount namespace of its own, where it may mount: $1 is the folder of the site,
+// $2 the store_process. Gives its output.
+std::string RunWithMounts(const fs::path& folder, const std::string& script) {
+  TempFolder scripts;
+  const fs::path path = scripts.Write("script.sh", "set -e\n" + script);
+  const std::string command =
+      "if unshare --mount true 2>/dev/null; then own='unshare --mount'; "
+      "else own='unshare --user --map-root-user --mount'; fi; $own sh '" +
+      path.string() + "' '" + folder.string() + "' '" STORE_PROCESS "' 2>&1";
+  FILE* const pipe = popen(command.c_str(), "r");
+  if (pipe == nullptr) {
+    throw std::runtime_error("no shell");
+  }
+  std::string output;
+  std::array<char, 4096> buffer{};
+  while (const std::size_t count = fread(buffer.data(), 1, buffer.size(), pipe)) {
+    output.append(buffer.data(), count);
+  }
+  pclose(pipe);
+  return output;
+}
+
+TEST(StoreFullDisk, FailsClearlyAndLeavesWholeImportsOnly) {
+  StoreSite site;
+  const std::string output = RunWithMounts(site.folder.Path(), R"(
+      mkdir "$1/disk" "$1/out"
+      mount -t tmpfs -o size=2m tmpfs "$1/disk"
+      cp "$1/YARD.RDB" "$1/Y2026.TDB" "$1/disk"
+      "$2" "$1/disk/YARD.RDB" "$1/disk/Y2026.TDB" 200 || echo "exit $?"
+      cp "$1"/disk/Y2026.TDB* "$1/out"
+      umount "$1/disk")");
+  EXPECT_THAT(output, HasSubstr("Transaction Store Error: Error: 13\n"));
+  EXPECT_THAT(output, HasSubstr("disk is full; nothing of this import was stored"));
+  EXPECT_THAT(output, HasSubstr("exit 1\n"));
+  ASSERT_TRUE(fs::exists(site.folder / "out" / "Y2026.TDB")) << output;
+  const int rows = RowsOfWholeDatabase(site.folder / "out" / "Y2026.TDB");
+  EXPECT_GT(rows, 0);
+  EXPECT_EQ(rows % 200, 0);
+}
+
+TEST(StoreReadOnlyDisk, FailsClearlyAndChangesNothing) {
+  StoreSite site;
+  const std::string output = RunWithMounts(site.folder.Path(), R"(
+      mkdir "$1/disk"
+      mount -t tmpfs -o size=2m tmpfs "$1/disk"
+      cp "$1/YARD.RDB" "$1/Y2026.TDB" "$1/disk"
+      mount -o remount,bind,ro "$1/disk"
+      "$2" "$1/disk/YARD.RDB" "$1/disk/Y2026.TDB" 200 || echo "exit $?"
+      cmp "$1/Y2026.TDB" "$1/disk/Y2026.TDB" && echo unchanged
+      umount "$1/disk")");
+  EXPECT_THAT(output, HasSubstr("Transaction Store Error: Error: "));
+  EXPECT_THAT(output, HasSubstr("nothing of this import was stored"));
+  EXPECT_THAT(output, HasSubstr("exit 1\nunchanged\n"));
+}
+
+}  // namespace
+}  // namespace vrx::testing
