@@ -1,6 +1,8 @@
 #pragma once
 
 #include <array>
+#include <cstddef>
+#include <optional>
 #include <string>
 #include <string_view>
 
@@ -16,7 +18,10 @@ class IngredientColumnNames {
   std::string GetIngredientColumnName(std::string_view column_key) const;
 
  private:
-  std::array<std::string, 50> names_;
+  static constexpr int kPlaces = 50;
+  static std::optional<std::size_t> Place(std::string_view column_key);
+
+  std::array<std::string, kPlaces> names_;
 };
 
 }  // namespace vrx

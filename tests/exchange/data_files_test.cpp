@@ -1,5 +1,6 @@
 #include "exchange/data_files.h"
 
+#include <array>
 #include <filesystem>
 #include <string>
 #include <vector>
@@ -167,12 +168,12 @@ TEST_F(DataFiles, LeavesTheListAloneWhenTheDialogIsCancelled) {
   transfer_.data_files[1].checked = true;
   transfer_.selected_row = 3;
   transfer_.file_path = "before";
-  const char* statuses[] = {"Could not save transaction file (1)",
-                            "Could not save recipe backup-file (2)",
-                            "Could not save report file (3)"};
-  for (int file = 1; file <= 3; ++file) {
+  const std::array<std::string, 3> statuses = {"Could not save transaction file (1)",
+                                               "Could not save recipe backup-file (2)",
+                                               "Could not save report file (3)"};
+  for (std::size_t file = 1; file <= statuses.size(); ++file) {
     chooser_.Cancel();
-    files_.SaveDataFile(file);
+    files_.SaveDataFile(static_cast<int>(file));
     EXPECT_EQ(op_.Status(), statuses[file - 1]);
   }
   EXPECT_EQ(transfer_.data_files[0].text, "Transaction File - 1");

@@ -85,7 +85,7 @@ Outcome Parse(std::string_view text) {
   const std::size_t before = live_bytes;
   peak_bytes = live_bytes;
   const ParsedText parsed(text);
-  const Outcome outcome{parsed.error, peak_bytes - before};
+  Outcome outcome{parsed.error, peak_bytes - before};
   if (parsed.error.empty()) {
     EXPECT_GT(parsed.file.FileRecordCount(), 0);
     EXPECT_EQ(parsed.file.Imported().RowCount(),

@@ -1,5 +1,5 @@
 #include <array>
-#include <cmath>
+#include <cstddef>
 #include <cstdio>
 #include <cstdlib>
 #include <map>
@@ -146,7 +146,7 @@ std::string TextOf(const Model& model) {
 }
 
 // The text of a single: its seven digits in decimal, then halves away from zero, all on digits.
-std::string Rounded(float value, int decimals) {
+std::string Rounded(float value, std::size_t decimals) {
   std::array<char, 32> buffer{};
   std::snprintf(buffer.data(), buffer.size(), "%.6e", static_cast<double>(value));
   const std::string text = buffer.data();
@@ -158,7 +158,7 @@ std::string Rounded(float value, int decimals) {
     point = 1;
   }
   digits.append(20, '0');
-  const auto keep = static_cast<std::size_t>(point + decimals);
+  const std::size_t keep = static_cast<std::size_t>(point) + decimals;
   const bool up = digits[keep] >= '5';
   digits.resize(keep);
   digits.insert(0, "0");

@@ -1,12 +1,14 @@
 #include "exchange/trans_file.h"
 
+#include <cstdint>
 #include <filesystem>
+#include <map>
 #include <string>
+#include <vector>
 
 #include <gtest/gtest.h>
 
 #include "exchange/parsed_text.h"
-#include "exchange/transaction_parser.h"
 #include "exchange/transaction_texts.h"
 #include "support/temp_folder.h"
 
@@ -124,9 +126,8 @@ TEST(ParseTransactionFile, ReadsTheUnitTooFarRightByWhatStoodAhead) {
 }
 
 TEST(ParseTransactionFile, AcceptsEitherUnitInEitherCase) {
-  const std::pair<char, std::string> letters[] = {
-      {'L', "LB"}, {'l', "LB"}, {'K', "KG"}, {'k', "KG"}};
-  for (const auto& [letter, unit] : letters) {
+  const std::map<char, std::string> units = {{'L', "LB"}, {'l', "LB"}, {'K', "KG"}, {'k', "KG"}};
+  for (const auto& [letter, unit] : units) {
     std::string text(kWorkedExample);
     text[10] = letter;
     const ParsedText parsed(text);
