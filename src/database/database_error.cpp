@@ -1,6 +1,7 @@
 #include "database/database_error.h"
 
 #include <string_view>
+#include <system_error>
 
 #include <SQLiteCpp/Exception.h>
 #include <sqlite3.h>
@@ -42,6 +43,16 @@ DatabaseError TranslateSqliteError(const SQLite::Exception& error,
     return {number, name + " is locked by another program"};
   }
   return {number, name + ": " + error.what()};
+}
+
+int FailureNumber(const std::exception& failure) {
+  if (const auto* error = dynamic_cast<const DatabaseError*>(&failure)) {
+    return error->Number();
+  }
+  if (const auto* error = dynamic_cast<const std::system_error*>(&failure)) {
+    return error->code().value();
+  }
+  return SQLITE_ERROR;
 }
 
 }  // namespace vrx

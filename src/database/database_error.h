@@ -1,5 +1,6 @@
 #pragma once
 
+#include <exception>
 #include <filesystem>
 #include <string>
 
@@ -34,5 +35,9 @@ class DatabaseError : public Error {
 // the told numbers, anything else to its extended code.
 DatabaseError TranslateSqliteError(const SQLite::Exception& error,
                                    const std::filesystem::path& path);
+
+// The number that a box tells of a failure: that of a DatabaseError, the system's own of a file
+// error, else the engine's general error.
+int FailureNumber(const std::exception& failure);
 
 }  // namespace vrx

@@ -1,10 +1,13 @@
 #pragma once
 
+#include <chrono>
 #include <filesystem>
+#include <functional>
 #include <optional>
 #include <string>
 #include <string_view>
 
+#include "database/connection.h"
 #include "platform/calendar.h"
 #include "platform/operator.h"
 
@@ -24,30 +27,36 @@ enum class DateSelector { kCreated = 1, kModified = 2 };
 // routine's box and comes back as the result told.
 class DatabaseIdentity {
  public:
-  DatabaseIdentity(Operator& op, const Calendar& calendar, const PrivateINI& settings)
-      : operator_(op), calendar_(calendar), settings_(settings) {}
+  DatabaseIdentity(Operator& op, const Calendar& calendar, const PrivateINI& settings,
+                   std::chrono::milliseconds busy_timeout = kBusyTimeout)
+      : operator_(op), calendar_(calendar), settings_(settings), busy_timeout_(busy_timeout) {}
 
   // One of the four types; "" for another text in the file, without a box, and after a failure.
   std::string GetDatabaseType(const std::filesystem::path& path);
-  void SetDatabaseType(const std::filesystem::path& path, std::string_view type);
+  bool SetDatabaseType(const std::filesystem::path& path, std::string_view type);
 
-  // Nothing for a date that is not set, and after a failure.
+  // Nothing for a date that is not set, and after a failure. A selector that is neither of the two
+  // stands for kModified.
   std::optional<Date> GetDatabaseDate(const std::filesystem::path& path, DateSelector selector);
   // Always to today's date.
-  void SetDatabaseDate(const std::filesystem::path& path, DateSelector selector);
+  bool SetDatabaseDate(const std::filesystem::path& path, DateSelector selector);
 
-  void SetDatabaseUoM(const std::filesystem::path& path, std::string_view unit);
+  bool SetDatabaseUoM(const std::filesystem::path& path, std::string_view unit);
 
   // A critical box with the words of that error number; `cause` goes with it.
   void ShowDatabaseError(int number, std::string_view title, std::string_view cause = {});
 
  private:
+  // False when `body` threw; the operator has then been told under the title.
+  bool Trapped(std::string_view title, const std::function<void()>& body);
+
   Operator& operator_;
   const Calendar& calendar_;
   const PrivateINI& settings_;
+  std::chrono::milliseconds busy_timeout_;
 };
 
-// The unit that a database holds, "" when none. Throws DatabaseError.
+// The unit that a database holds, "" when none. Throws DatabaseError (no record without a row).
 std::string ReadDatabaseUoM(const std::filesystem::path& path);
 
 }  // namespace vrx

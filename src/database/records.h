@@ -20,33 +20,33 @@ inline constexpr int kMaxRecipeLines = 32;
 
 struct IngredientRecord {
   int id = 0;
-  std::string name;
-  std::string description;  // empty: not in use
+  std::string name = {};
+  std::string description = {};  // empty: not in use
   int dry_matter_percent = 100;
   bool hand_add = false;
 };
 
 struct RecipeRecord {
   int id = 0;
-  std::string name;
-  std::string description;       // empty: not in use
+  std::string name = {};
+  std::string description = {};  // empty: not in use
   std::string batch_type = "!";  // "!", "W", "H", "%", "P"
   int head_count = 0;
-  std::string ration_target;       // digits
-  std::string adjust_batch_index;  // field AdjBatTotIndex: 0 to 40 as text, 20 is no change
+  std::string ration_target = {};       // digits
+  std::string adjust_batch_index = {};  // field AdjBatTotIndex: 0 to 40 as text, 20 is no change
 };
 
 // One line of a recipe. Target is the dry-matter weight and DryMatter the as-fed weight: the two
 // names are crossed with respect to their captions, for good.
 struct RecipeLineRecord {
   std::int64_t row = 0;  // storage identity; 0 for a line not stored yet
-  std::string recipe_id;
-  std::string ingredient;  // ingredient ID as text
+  std::string recipe_id = {};
+  std::string ingredient = {};  // ingredient ID as text
   std::string target = "0";
   std::string ration_percent = "0";
   std::string dry_matter_percent = "0";
   std::string dry_matter = "0";
-  std::string batch_target;
+  std::string batch_target = {};
   int sequence = 0;
   bool hand_add = false;
   std::string ingredient_percent = "0";
@@ -54,8 +54,8 @@ struct RecipeLineRecord {
 
 struct PenRecord {
   int id = 0;
-  std::string name;
-  std::string description;
+  std::string name = {};
+  std::string description = {};
   std::string feed_amount = "0";  // in use: not "0", or a description
 };
 

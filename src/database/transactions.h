@@ -16,29 +16,32 @@ class Statement;
 
 namespace vrx {
 
-// One row of `Transactions`. Texts UTF-8; nothing stands for NULL.
+// One row of `Transactions`. Texts UTF-8; nothing stands for NULL, and so does an empty user,
+// ingredient or pen.
 struct TransactionRecord {
   std::int32_t transaction = 0;
-  std::optional<std::string> recipe;
-  std::string type;  // "BATCH" or "FEED"
-  std::optional<std::string> user_id;
-  std::optional<std::string> ingredient;
-  std::optional<std::string> pen;
+  std::optional<std::string> recipe = {};
+  std::string type = {};  // "BATCH" or "FEED"
+  std::optional<std::string> user_id = {};
+  std::optional<std::string> ingredient = {};
+  std::optional<std::string> pen = {};
   double target = 0;
   double actual_batch = 0;
-  std::optional<TimeOfDay> time;
-  std::optional<Date> date;
+  std::optional<TimeOfDay> time = {};
+  std::optional<Date> date = {};
   double actual_feed = 0;
-  std::optional<double> ing_percent;
-  std::array<std::optional<double>, 32> ingredient_weights;  // Ing01Wt to Ing32Wt
+  std::optional<double> ing_percent = {};
+  std::array<std::optional<double>, 32> ingredient_weights = {};  // Ing01Wt to Ing32Wt
 };
 
-// The highest transaction number of the table, 0 when there is none; a NULL counts as 0. Does not
-// grow with the table.
+// The highest transaction number of the table, never below 0: no row, a NULL and a negative number
+// count as 0. Does not grow with the table. Throws DatabaseError, also for a number outside 32
+// bits.
 std::int32_t HighestTransaction(SQLite::Database& database);
 
-// Appends rows with one prepared statement. The caller's SQLite transaction encloses it. Throws
-// DatabaseError.
+// Appends rows with one prepared statement. The caller's SQLite transaction encloses it, and the
+// database outlives it. Throws DatabaseError; the row is then not there, and further ones may
+// follow.
 class TransactionAppender {
  public:
   explicit TransactionAppender(SQLite::Database& database);
@@ -46,6 +49,7 @@ class TransactionAppender {
   void Append(const TransactionRecord& record);
 
  private:
+  SQLite::Database& database_;
   std::unique_ptr<SQLite::Statement> statement_;
 };
 

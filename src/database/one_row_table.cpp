@@ -1,0 +1,67 @@
+#include "database/one_row_table.h"
+
+#include <filesystem>
+
+#include <SQLiteCpp/Column.h>
+#include <SQLiteCpp/Database.h>
+#include <SQLiteCpp/Statement.h>
+#include <sqlite3.h>
+
+#include "database/schema.h"
+#include "database/translated.h"
+#include "frame/number.h"
+
+namespace vrx {
+
+namespace {
+
+std::string FileName(const SQLite::Database& database) {
+  return std::filesystem::path(database.getFilename()).filename().string();
+}
+
+DatabaseError NoRow(const SQLite::Database& database, const OneRowField& field) {
+  return {kNoRecordError, FileName(database) + " has no row in " + std::string(field.table)};
+}
+
+}  // namespace
+
+std::optional<std::string> ReadField(SQLite::Database& database, const OneRowField& field) {
+  return Translated(database, [&]() -> std::optional<std::string> {
+    SQLite::Statement query(
+        database, "SELECT " + Bracketed(field.column) + " FROM " + Bracketed(field.table));
+    if (!query.executeStep()) {
+      throw NoRow(database, field);
+    }
+    const SQLite::Column value = query.getColumn(0);
+    return value.isNull() ? std::nullopt : std::optional(value.getString());
+  });
+}
+
+void WriteField(SQLite::Database& database, const OneRowField& field, std::string_view value) {
+  Translated(database, [&] {
+    const std::string table = Bracketed(field.table);
+    SQLite::Statement update(database, "UPDATE " + table + " SET " + Bracketed(field.column) +
+                                           " = ? WHERE rowid = (SELECT min(rowid) FROM " + table +
+                                           ")");
+    update.bind(1, std::string(value));
+    if (update.exec() == 0) {
+      throw NoRow(database, field);
+    }
+  });
+}
+
+std::optional<Date> ReadDateField(SQLite::Database& database, const OneRowField& field) {
+  const std::optional<std::string> text = ReadField(database, field);
+  if (!text || text->empty()) {
+    return std::nullopt;
+  }
+  const std::optional<Date> date = ParseStoredDate(*text);
+  if (!date) {
+    throw DatabaseError(SQLITE_MISMATCH, FileName(database) + " holds \"" + *text + "\" in " +
+                                             std::string(field.column) +
+                                             "; expected a date as YYYY-MM-DD");
+  }
+  return date;
+}
+
+}  // namespace vrx

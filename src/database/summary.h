@@ -1,0 +1,45 @@
+#pragma once
+
+#include <chrono>
+#include <cstdint>
+#include <filesystem>
+#include <optional>
+#include <string>
+
+#include "database/connection.h"
+#include "database/schema.h"
+#include "platform/calendar.h"
+
+namespace vrx {
+
+// Records in use.
+struct RecipeCounts {
+  std::int64_t ingredients = 0;
+  std::int64_t recipes = 0;
+  std::int64_t pens = 0;
+};
+
+struct TransactionCounts {
+  std::int64_t rows = 0;
+  std::int64_t transactions = 0;  // different numbers
+  std::optional<Date> first_date;
+  std::optional<Date> last_date;
+};
+
+// What a file holds, at a glance.
+struct DatabaseSummary {
+  DatabaseKind kind = DatabaseKind::kRecipe;
+  bool blank = false;  // a template or a fresh copy of one
+  std::string unit;    // "" when none
+  std::optional<Date> created;
+  std::optional<Date> modified;
+  RecipeCounts recipe;            // of a recipe database
+  TransactionCounts transaction;  // of a transaction database
+};
+
+// Counted by the database in one pass at most; the whole stems from one moment. Throws
+// DatabaseError, also for a file whose marker is none of the four types.
+DatabaseSummary ReadDatabaseSummary(const std::filesystem::path& path,
+                                    std::chrono::milliseconds busy_timeout = kBusyTimeout);
+
+}  // namespace vrx

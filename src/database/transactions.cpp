@@ -1,0 +1,110 @@
+#include "database/transactions.h"
+
+#include <algorithm>
+#include <limits>
+
+#include <SQLiteCpp/Column.h>
+#include <SQLiteCpp/Database.h>
+#include <SQLiteCpp/Statement.h>
+#include <sqlite3.h>
+
+#include "database/schema.h"
+#include "database/translated.h"
+
+namespace vrx {
+
+namespace {
+
+// The columns of a TransactionRecord, the stored weights behind them; the other weights stay NULL.
+std::string InsertText() {
+  std::string columns =
+      "[Transaction], Recipe, Type, UserID, Ingredient, Pen, Target, ActualBatch, Time, Date, "
+      "ActualFeed, IngPercent";
+  std::string marks = "?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?";
+  for (int id = 1; id <= kStoredWeightCount; ++id) {
+    columns += ", " + IngredientWeightColumn(id);
+    marks += ", ?";
+  }
+  return "INSERT INTO Transactions (" + columns + ") VALUES (" + marks + ")";
+}
+
+// Binds one parameter after the other; NULL for a value that is not there.
+class Binder {
+ public:
+  explicit Binder(SQLite::Statement& statement) : statement_(statement) {}
+
+  template <typename Value>
+  void Bind(const Value& value) {
+    statement_.bind(++index_, value);
+  }
+
+  template <typename Value>
+  void Bind(const std::optional<Value>& value) {
+    if (value) {
+      Bind(*value);
+    } else {
+      statement_.bind(++index_);
+    }
+  }
+
+  template <typename Value>
+  void BindStored(const std::optional<Value>& value) {
+    Bind(value ? std::optional(StoredText(*value)) : std::nullopt);
+  }
+
+  void BindUnlessEmpty(const std::optional<std::string>& value) {
+    Bind(value && !value->empty() ? value : std::nullopt);
+  }
+
+ private:
+  SQLite::Statement& statement_;
+  int index_ = 0;
+};
+
+}  // namespace
+
+std::int32_t HighestTransaction(SQLite::Database& database) {
+  return Translated(database, [&] {
+    SQLite::Statement query(database, "SELECT max([Transaction]) FROM Transactions");
+    query.executeStep();
+    const std::int64_t highest = query.getColumn(0).getInt64();  // 0 for NULL
+    if (highest > std::numeric_limits<std::int32_t>::max()) {
+      throw DatabaseError(SQLITE_RANGE, database.getFilename() + " holds transaction number " +
+                                            std::to_string(highest) + ", beyond 2147483647");
+    }
+    return static_cast<std::int32_t>(std::max<std::int64_t>(highest, 0));
+  });
+}
+
+TransactionAppender::TransactionAppender(SQLite::Database& database)
+    : database_(database), statement_(Translated(database, [&] {
+        return std::make_unique<SQLite::Statement>(database, InsertText());
+      })) {}
+
+TransactionAppender::~TransactionAppender() = default;
+
+void TransactionAppender::Append(const TransactionRecord& record) {
+  Translated(database_, [&] {
+    // Its result is the failure of the row before, which was thrown then.
+    statement_->tryReset();
+    Binder binder(*statement_);
+    binder.Bind(record.transaction);
+    binder.Bind(record.recipe);
+    binder.Bind(record.type);
+    binder.BindUnlessEmpty(record.user_id);
+    binder.BindUnlessEmpty(record.ingredient);
+    binder.BindUnlessEmpty(record.pen);
+    binder.Bind(record.target);
+    binder.Bind(record.actual_batch);
+    binder.BindStored(record.time);
+    binder.BindStored(record.date);
+    binder.Bind(record.actual_feed);
+    binder.Bind(record.ing_percent);
+    for (const std::optional<double>& weight : record.ingredient_weights) {
+      binder.Bind(weight);
+    }
+    statement_->exec();
+  });
+}
+
+}  // namespace vrx

@@ -1,0 +1,179 @@
+#include "database/schema.h"
+
+#include <SQLiteCpp/Column.h>
+#include <SQLiteCpp/Statement.h>
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include "database/connection.h"
+#include "database/database_files.h"
+
+namespace vrx::testing {
+namespace {
+
+using ::testing::Each;
+using ::testing::ElementsAre;
+using ::testing::HasSubstr;
+using ::testing::SizeIs;
+
+const std::string kColumnsOf = "SELECT name || ' ' || type FROM pragma_table_info('";
+
+std::vector<std::string> Columns(DatabaseKind kind, const std::string& table) {
+  return Ask(TemplatePath(kind), kColumnsOf + table + "')");
+}
+
+std::vector<std::string> AskRecipe(const std::string& query) {
+  return Ask(TemplatePath(DatabaseKind::kRecipe), query);
+}
+
+std::vector<std::string> AskTransaction(const std::string& query) {
+  return Ask(TemplatePath(DatabaseKind::kTransaction), query);
+}
+
+TEST(Schema, RecipeTemplateHoldsItsSevenTables) {
+  EXPECT_THAT(AskRecipe("SELECT name FROM sqlite_schema WHERE type = 'table' ORDER BY rowid"),
+              ElementsAre("Ingredient", "Recipe", "RecipeRation", "Pen", "UnitsOfMeasure",
+                          "History", "BrantockDatabase"));
+}
+
+TEST(Schema, TransactionTemplateHoldsItsFourTables) {
+  EXPECT_THAT(AskTransaction("SELECT name FROM sqlite_schema WHERE type = 'table' ORDER BY rowid"),
+              ElementsAre("Transactions", "UnitsOfMeasure", "History", "BrantockDatabase"));
+}
+
+TEST(Schema, ColumnsOfTheRecipeTablesHaveTheirTypesAndOrder) {
+  constexpr auto kRecipe = DatabaseKind::kRecipe;
+  EXPECT_THAT(Columns(kRecipe, "Ingredient"),
+              ElementsAre("ID INTEGER", "Name TEXT", "Description TEXT", "DryMatter% INTEGER",
+                          "HandAdd INTEGER"));
+  EXPECT_THAT(Columns(kRecipe, "Recipe"),
+              ElementsAre("ID INTEGER", "Name TEXT", "Description TEXT", "BatchType TEXT",
+                          "HeadCount INTEGER", "RationTarget TEXT", "AdjBatTotIndex TEXT"));
+  EXPECT_THAT(Columns(kRecipe, "RecipeRation"),
+              ElementsAre("RecipeID TEXT", "Ingredient TEXT", "Target TEXT", "Ration% TEXT",
+                          "DryMatter% TEXT", "DryMatter TEXT", "BatchTarget TEXT",
+                          "Sequence INTEGER", "HandAdd INTEGER", "Ingredient% TEXT"));
+  EXPECT_THAT(Columns(kRecipe, "Pen"),
+              ElementsAre("ID INTEGER", "Name TEXT", "Description TEXT", "FeedAmount TEXT"));
+}
+
+TEST(Schema, BothKindsHoldTheThreeSmallTables) {
+  for (const DatabaseKind kind : {DatabaseKind::kRecipe, DatabaseKind::kTransaction}) {
+    EXPECT_THAT(Columns(kind, "UnitsOfMeasure"), ElementsAre("UoM TEXT"));
+    EXPECT_THAT(Columns(kind, "History"), ElementsAre("Created TEXT", "Modified TEXT"));
+    EXPECT_THAT(Columns(kind, "BrantockDatabase"), ElementsAre("dBType TEXT"));
+    EXPECT_THAT(Ask(TemplatePath(kind), "SELECT UoM FROM UnitsOfMeasure"), ElementsAre(""));
+    EXPECT_THAT(Ask(TemplatePath(kind), "SELECT Created FROM History"), ElementsAre("NULL"));
+    EXPECT_THAT(Ask(TemplatePath(kind), "SELECT Modified FROM History"), ElementsAre("NULL"));
+  }
+}
+
+TEST(Schema, TransactionsHasItsHundredAndTwelveColumnsInOrder) {
+  std::vector<std::string> expected{"Transaction INTEGER", "Recipe TEXT",      "Type TEXT",
+                                    "UserID TEXT",         "Ingredient TEXT",  "Pen TEXT",
+                                    "Target REAL",         "ActualBatch REAL", "Time TEXT",
+                                    "Date TEXT",           "ActualFeed REAL",  "IngPercent REAL"};
+  for (int id = 1; id <= 100; ++id) {
+    const std::string digits = id < 10 ? "0" + std::to_string(id) : std::to_string(id);
+    expected.push_back("Ing" + digits + "Wt REAL");
+  }
+  ASSERT_EQ(expected.size(), 112U);
+  EXPECT_EQ(Columns(DatabaseKind::kTransaction, "Transactions"), expected);
+  EXPECT_THAT(AskTransaction("SELECT count(*) FROM Transactions"), ElementsAre("0"));
+}
+
+TEST(Schema, TemplatesBearTheNulMarker) {
+  EXPECT_THAT(AskRecipe("SELECT dBType FROM BrantockDatabase"), ElementsAre("NUL_RECIPE_DB"));
+  EXPECT_THAT(AskTransaction("SELECT dBType FROM BrantockDatabase"), ElementsAre("NUL_TRANS_DB"));
+}
+
+TEST(Schema, HoldsAHundredIngredientsWithTheirDefaults) {
+  const std::vector<std::string> rows = AskRecipe(
+      "SELECT ID || '|' || Name || '|' || Description || '|' || [DryMatter%] || '|' || HandAdd "
+      "FROM Ingredient");
+  ASSERT_THAT(rows, SizeIs(100));
+  EXPECT_EQ(rows.front(), "1|ING001||100|0");
+  EXPECT_EQ(rows.back(), "100|ING100||100|0");
+  EXPECT_THAT(AskRecipe("SELECT Name = printf('ING%03d', ID) AND Description = '' AND "
+                        "[DryMatter%] = 100 AND HandAdd = 0 AND ID = rowid FROM Ingredient"),
+              Each("1"));
+}
+
+TEST(Schema, HoldsAHundredRecipesWithTheirDefaults) {
+  const std::vector<std::string> rows = AskRecipe(
+      "SELECT ID || '|' || Name || '|' || Description || '|' || BatchType || '|' || HeadCount || "
+      "'|' || RationTarget || '|' || AdjBatTotIndex FROM Recipe");
+  ASSERT_THAT(rows, SizeIs(100));
+  EXPECT_EQ(rows.front(), "1|REC001||!|0||20");
+  EXPECT_EQ(rows.back(), "100|REC100||!|0||20");
+  EXPECT_THAT(AskRecipe("SELECT count(*) FROM RecipeRation"), ElementsAre("0"));
+}
+
+TEST(Schema, HoldsFourHundredPensWithTheirDefaults) {
+  const std::vector<std::string> rows =
+      AskRecipe("SELECT ID || '|' || Name || '|' || Description || '|' || FeedAmount FROM Pen");
+  ASSERT_THAT(rows, SizeIs(400));
+  EXPECT_EQ(rows.front(), "1|PEN001||0");
+  EXPECT_EQ(rows.back(), "400|PEN400||0");
+  EXPECT_THAT(AskRecipe("SELECT typeof(FeedAmount) FROM Pen"), Each("text"));
+}
+
+TEST(Schema, NoRecordOfATemplateIsInUse) {
+  EXPECT_THAT(AskRecipe("SELECT ID FROM Ingredient WHERE (Ingredient.Description <> '') "),
+              SizeIs(0));
+  EXPECT_THAT(AskRecipe("SELECT ID, Name, Description, FeedAmount FROM Pen WHERE "
+                        "(Pen.FeedAmount <> '0' OR Pen.Description <> '') "),
+              SizeIs(0));
+}
+
+// The last column of a plan's only row says how the table is reached.
+std::string Plan(DatabaseKind kind, const std::string& query) {
+  SQLite::Database database(TemplatePath(kind), SQLite::OPEN_READONLY);
+  SQLite::Statement plan(database, "EXPLAIN QUERY PLAN " + query);
+  plan.executeStep();
+  return plan.getColumn("detail").getString();
+}
+
+TEST(Schema, LinesAndTheHighestNumberAreFoundByIndex) {
+  EXPECT_THAT(Plan(DatabaseKind::kRecipe, "SELECT * FROM RecipeRation WHERE (RecipeID = '1')"),
+              HasSubstr("USING INDEX RecipeRationByRecipe"));
+  EXPECT_THAT(Plan(DatabaseKind::kRecipe, "SELECT * FROM RecipeRation WHERE (Ingredient = '1')"),
+              HasSubstr("USING INDEX RecipeRationByIngredient"));
+  EXPECT_THAT(Plan(DatabaseKind::kTransaction, "SELECT max([Transaction]) FROM Transactions"),
+              HasSubstr("SEARCH Transactions USING COVERING INDEX TransactionsByNumber"));
+}
+
+TEST(Schema, CreateTemplateReplacesWhatStandsThereAndLeavesNothingBeside) {
+  const TempFolder folder;
+  folder.Write("QXNULRDB.MDB", "something else");
+  folder.Write("QXNULRDB.MDB.new", "left by a killed run");
+  folder.Write("QXNULRDB.MDB.new-journal", "left by a killed run");
+  CreateTemplate(folder / "QXNULRDB.MDB", DatabaseKind::kRecipe);
+  EXPECT_EQ(FileNames(folder.Path()), std::vector<std::string>{"QXNULRDB.MDB"});
+  EXPECT_THAT(Ask(folder / "QXNULRDB.MDB", "SELECT count(*) FROM Pen"), ElementsAre("400"));
+}
+
+TEST(Schema, CreateTemplateIntoAMissingFolderFails) {
+  const TempFolder folder;
+  EXPECT_THROW(CreateTemplate(folder / "none/QXNULRDB.MDB", DatabaseKind::kRecipe), DatabaseError);
+}
+
+TEST(Schema, TemplatesAreMadeAlikeEachTime) {
+  const TempFolder folder;
+  for (const DatabaseKind kind : {DatabaseKind::kRecipe, DatabaseKind::kTransaction}) {
+    CreateTemplate(folder / "T.MDB", kind);
+    EXPECT_EQ(ReadAll(folder / "T.MDB"), ReadAll(TemplatePath(kind)));
+  }
+}
+
+TEST(Schema, TemplatesOpenAsDatabasesOfThisSystem) {
+  for (const DatabaseKind kind : {DatabaseKind::kRecipe, DatabaseKind::kTransaction}) {
+    SQLite::Database database = OpenDatabase(TemplatePath(kind), Access::kRead);
+    EXPECT_EQ(database.execAndGet("PRAGMA application_id").getInt(), 0x56525832);
+    EXPECT_EQ(database.execAndGet("PRAGMA user_version").getInt(), 1);
+    EXPECT_EQ(database.execAndGet("PRAGMA integrity_check").getString(), "ok");
+  }
+}
+
+}  // namespace
+}  // namespace vrx::testing
