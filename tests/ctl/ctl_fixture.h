@@ -1,0 +1,97 @@
+#pragma once
+
+#include <filesystem>
+#include <memory>
+#include <sstream>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include <gtest/gtest.h>
+
+#include "ctl/command_line.h"
+#include "support/fake_serial_control.h"
+#include "support/fixed_calendar.h"
+#include "support/fixed_system_info.h"
+#include "support/manual_pump.h"
+#include "support/temp_folder.h"
+
+namespace vrx::testing {
+
+// The tool in this process: streams of its own, a scripted port in simulated time, 5 January 2026.
+// The data folder holds settings already.
+class CtlTest : public ::testing::Test {
+ protected:
+  CtlTest() {
+    system.program_directory = VRX_BIN_DIR;
+    system.common_app_data_folder = (folder / "share").string();
+    Run({"settings"});
+  }
+
+  int Run(std::vector<std::string> args) {
+    args.insert(args.begin(), {"--data-dir", (folder / "data").string()});
+    return RunBare(args);
+  }
+
+  // Without --data-dir.
+  int RunBare(const std::vector<std::string>& args) {
+    std::istringstream in(typed);
+    std::ostringstream out_stream;
+    std::ostringstream err_stream;
+    const CommandContext context{.in = in,
+                                 .out = out_stream,
+                                 .err = err_stream,
+                                 .in_is_terminal = in_is_terminal,
+                                 .err_is_terminal = err_is_terminal,
+                                 .system = system,
+                                 .calendar = calendar,
+                                 .make_serial_line = [this](const std::string& path, const auto&) {
+                                   device = path;
+                                   return std::make_unique<FakeLine>(*this);
+                                 }};
+    const int code = RunCommandLine(args, context);
+    out = out_stream.str();
+    err = err_stream.str();
+    return code;
+  }
+
+  std::string NewRecipeDatabase(std::string_view name = "YARD.RDB") {
+    const std::string path = (folder / name).string();
+    EXPECT_EQ(Run({"new", "recipe", path}), 0) << err;
+    return path;
+  }
+  std::string NewTransactionDatabase(std::string_view name = "YARD.TDB") {
+    const std::string path = (folder / name).string();
+    EXPECT_EQ(Run({"new", "transaction", path}), 0) << err;
+    return path;
+  }
+
+  static std::string SitePath(std::string_view name) {
+    return std::string(VRX_BIN_DIR) + "/sample_site/" + std::string(name);
+  }
+
+  TempFolder folder;
+  FixedSystemInfo system;
+  FixedCalendar calendar;
+  ManualPump pump;
+  FakeSerialControl serial{pump};
+  std::string device;  // what the last line was asked for
+  std::string typed;
+  bool in_is_terminal = false;
+  bool err_is_terminal = false;
+  std::string out;
+  std::string err;
+
+ private:
+  class FakeLine : public SerialLine {
+   public:
+    explicit FakeLine(CtlTest& test) : test_(test) {}
+    SerialControl& Control() override { return test_.serial; }
+    EventPump& Pump() override { return test_.pump; }
+
+   private:
+    CtlTest& test_;
+  };
+};
+
+}  // namespace vrx::testing

@@ -1,0 +1,147 @@
+#include <sstream>
+
+#include <gmock/gmock.h>
+#include <nlohmann/json.hpp>
+
+#include "ctl_fixture.h"
+
+namespace vrx::testing {
+namespace {
+
+using ::testing::HasSubstr;
+using ::testing::IsEmpty;
+using ::testing::StartsWith;
+using Json = nlohmann::ordered_json;
+
+constexpr std::string_view kExample =
+    "{BAT/FED},L\r\n"
+    "[BAT],B,1,3,01152009,2,4,7,0,0,0;0830,0835,0,0,0;1000.0,500.0,0,0,0;998.0,503.5,0,0,0\r\n"
+    "B,2,3,01152009,2,4,0,0,0,0;0910,0,0,0,0;800.0,0,0,0,0;801.0,0,0,0,0\r\n"
+    "\r\n"
+    "[FED],B,1,12,2,0915,01152009,750.0,748.5\r\n"
+    "B,1,14,2,0921,01152009,750.0,752.0\r\n"
+    "B,2,12,2,0958,01152009,800.0,801.0\r\n"
+    "\r\n";
+
+class ImportCommands : public CtlTest {
+ protected:
+  int Store(const std::string& into, std::vector<std::string> more = {}) {
+    more.insert(more.begin(), {"store", file, "--into", into, "--recipes", recipes});
+    return Run(more);
+  }
+  Json Info(const std::string& path) {
+    EXPECT_EQ(Run({"info", path, "--json"}), 0) << err;
+    return Json::parse(out);
+  }
+
+  std::string file = folder.Write("DAY.QXT", kExample).string();
+  std::string recipes = SitePath("SITE.RDB");
+};
+
+TEST_F(ImportCommands, ImportCountsBatchesAndRows) {
+  EXPECT_EQ(Run({"import", file, "--json"}), 0) << err;
+  EXPECT_EQ(Json::parse(out), Json::parse(R"({"units":"LB","batches":2,"rows":6})"));
+  EXPECT_EQ(Run({"import", file}), 0);
+  EXPECT_EQ(out, "units\tbatches\trows\nLB\t2\t6\n");
+}
+
+TEST_F(ImportCommands, ImportAsCsvShowsTheColumnsUnderTheirKeys) {
+  ASSERT_EQ(Run({"import", file, "--csv"}), 0) << err;
+  std::istringstream lines(out);
+  std::string header;
+  std::getline(lines, header);
+  EXPECT_THAT(header, StartsWith("Imported_TransactionNumber,Imported_RecipeID,Imported_Type,"
+                                 "Imported_Target,Imported_IngredientID,Imported_ActualBatch,"
+                                 "Imported_PenID,Imported_ActualFeed,Imported_Time,Imported_Date,"
+                                 "Imported_UserID,Calculated_Ing%OfBatch,Calculated_Ing01Wt,"));
+  EXPECT_EQ(std::count(header.begin(), header.end(), ','), 111);
+  std::string batch;
+  std::getline(lines, batch);
+  EXPECT_THAT(batch, StartsWith("1,3,BATCH,1000.0,4,998.0,,,0830,01152009,2,66.4"));
+  int rows = 1;
+  std::string feed;
+  for (std::string line; std::getline(lines, line); ++rows) {
+    EXPECT_EQ(std::count(line.begin(), line.end(), ','), 111);
+    EXPECT_EQ(line.back(), '\r');
+    feed = line;
+  }
+  EXPECT_EQ(rows, 6);
+  EXPECT_THAT(feed, StartsWith("2,3,FEED,800.0,,,12,801.0,0958,01152009,2,,,,,801.0,,"));
+}
+
+TEST_F(ImportCommands, ImportTellsAMissingFile) {
+  EXPECT_EQ(Run({"import", (folder / "NONE.QXT").string()}), 1);
+  EXPECT_THAT(err, StartsWith("Import Error: Could not find transaction file.\n"));
+  EXPECT_THAT(out, IsEmpty());
+}
+
+TEST_F(ImportCommands, ImportTellsWhatTheParserMissed) {
+  file = folder.Write("BAD.QXT", "no transactions here").string();
+  EXPECT_EQ(Run({"import", file}), 1);
+  EXPECT_THAT(err, StartsWith("Import Error: No file-type identifier detected."));
+}
+
+TEST_F(ImportCommands, StoreCopiesAndCounts) {
+  const std::string into = NewTransactionDatabase();
+  EXPECT_EQ(Store(into), 0) << err;
+  EXPECT_EQ(err,
+            "Successfully copied imported records to Transaction database.\n"
+            "rows read: 6, stored: 6, left out: 0\n");
+  EXPECT_THAT(out, IsEmpty());
+  EXPECT_EQ(Info(into), Json::parse(R"({"type":"transaction","units":"LB",
+      "created":"2026-01-05","modified":"2026-01-05","rows":6,"transactions":2,
+      "firstDate":"2009-01-15","lastDate":"2009-01-15"})"));
+}
+
+TEST_F(ImportCommands, StoringAgainGoesOnBehindTheHighestNumber) {
+  const std::string into = NewTransactionDatabase();
+  ASSERT_EQ(Store(into), 0);
+  ASSERT_EQ(Store(into), 0);
+  EXPECT_EQ(Info(into)["rows"], 12);
+  EXPECT_EQ(Info(into)["transactions"], 4);
+}
+
+TEST_F(ImportCommands, StoreAsksWhenTheUnitsDiffer) {
+  const std::string into = (folder / "K.TDB").string();
+  ASSERT_EQ(Run({"new", "transaction", into, "--units", "KG"}), 0);
+  EXPECT_EQ(Store(into), 1);
+  EXPECT_THAT(err, StartsWith("Weight Units Error: The units-of-measure of the imported "
+                              "transaction file is not the same as the transaction database."));
+  EXPECT_EQ(Info(into)["rows"], 0);
+  EXPECT_EQ(Store(into, {"--yes"}), 0);
+  EXPECT_EQ(Info(into)["rows"], 6);
+}
+
+TEST_F(ImportCommands, StoreRefusesDatabasesOfTheWrongKind) {
+  const std::string into = NewTransactionDatabase();
+  EXPECT_EQ(Store(recipes), 1);
+  EXPECT_THAT(err, StartsWith("Invalid Database: The database file (SITE.RDB) that you specified, "
+                              "is not a valid VRX-2260 transaction database.\n"));
+  recipes = into;
+  EXPECT_EQ(Store(into), 1);
+  EXPECT_THAT(err, StartsWith("Invalid Database: The database file (YARD.TDB) that you specified, "
+                              "is not a valid VRX-2260 recipe database.\n"));
+  EXPECT_EQ(Info(into)["rows"], 0);
+}
+
+TEST_F(ImportCommands, StoreTellsTheRowThatStopsItAndKeepsThoseBefore) {
+  std::string text(kExample);
+  text.replace(text.find("B,1,14"), 6, "B,1,999");
+  file = folder.Write("BAD.QXT", text).string();
+  const std::string into = NewTransactionDatabase();
+  EXPECT_EQ(Store(into), 1);
+  EXPECT_THAT(err, HasSubstr("999"));
+  EXPECT_THAT(err, HasSubstr("rows read: 6, stored: 3, left out: 0\n"));
+  EXPECT_EQ(Info(into)["rows"], 3);
+}
+
+TEST_F(ImportCommands, AFailedParseStoresNothing) {
+  file = folder.Write("BAD.QXT", kExample.substr(0, 100)).string();
+  const std::string into = NewTransactionDatabase();
+  EXPECT_EQ(Store(into), 1);
+  EXPECT_THAT(err, StartsWith("Import Error: "));
+  EXPECT_EQ(Info(into)["rows"], 0);
+}
+
+}  // namespace
+}  // namespace vrx::testing

@@ -1,0 +1,63 @@
+#pragma once
+
+#include <filesystem>
+#include <memory>
+#include <string>
+#include <vector>
+
+#include <gtest/gtest.h>
+#include <nlohmann/json.hpp>
+
+#include "program.h"
+#include "support/temp_folder.h"
+
+namespace vrx::testing {
+
+// The built programs, in a folder of the test's own.
+class ProgramsTest : public ::testing::Test {
+ protected:
+  using Json = nlohmann::ordered_json;
+
+  ProgramsTest() { Ctl({"settings"}); }
+
+  static std::string Bin(const std::string& name) { return VRX_BIN_DIR "/" + name; }
+  static std::string SitePath(const std::string& name) { return Bin("sample_site/" + name); }
+
+  std::vector<std::string> WithDataDir(std::vector<std::string> args) const {
+    args.insert(args.begin(), {"--data-dir", (folder / "data").string()});
+    return args;
+  }
+
+  Result Ctl(const std::vector<std::string>& args) const {
+    Program program(Bin("vrx2260ctl"), WithDataDir(args), folder.Path().string());
+    const int code = program.Wait();
+    return {code, program.Out(), program.Err()};
+  }
+
+  Json Info(const std::string& path) const {
+    const Result result = Ctl({"info", path, "--json"});
+    EXPECT_EQ(result.code, 0) << result.err;
+    return result.code == 0 ? Json::parse(result.out) : Json();
+  }
+
+  std::string NewTransactionDatabase(const std::string& name = "T.TDB") const {
+    std::string path = (folder / name).string();
+    const Result result = Ctl({"new", "transaction", path});
+    EXPECT_EQ(result.code, 0) << result.err;
+    return path;
+  }
+
+  // A data module on a pseudo-terminal at ModulePath(), ready when this returns.
+  std::unique_ptr<Program> StartModule(const std::vector<std::string>& options) const {
+    std::vector<std::string> args = {"module", "--link", ModulePath()};
+    args.insert(args.end(), options.begin(), options.end());
+    auto module = std::make_unique<Program>(Bin("vrx2260sim"), args, folder.Path().string());
+    EXPECT_TRUE(module->WaitForOutput("ready " + ModulePath())) << module->Err();
+    return module;
+  }
+  std::string ModulePath() const { return (folder / "module").string(); }
+
+  TempFolder folder;
+};
+
+}  // namespace vrx::testing
