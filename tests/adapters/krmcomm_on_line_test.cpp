@@ -1,4 +1,3 @@
-#include <QTimer>
 #include <algorithm>
 #include <chrono>
 #include <stop_token>
@@ -11,6 +10,7 @@
 #include "frame/private_ini.h"
 #include "link/krmcomm.h"
 #include "link/upload.h"
+#include "one_event.h"
 #include "pseudo_terminal.h"
 #include "support/recording_operator.h"
 
@@ -87,7 +87,7 @@ TEST_F(KrmcommOnLine, ClearsAndDownloadsIntoAModule) {
 }
 
 TEST_F(KrmcommOnLine, UnpluggedModuleEndsTheReceptionAtOnce) {
-  QTimer::singleShot(1500, [this] { terminal.HangUp(); });
+  const OneEvent unplug(Ms{1500}, [this] { terminal.HangUp(); });
   const Ms start = pump.Now();
   EXPECT_FALSE(krm.KRM_Dump());
   EXPECT_EQ(krm.GS_KRM_ErrMsg(), "Serial line lost");
@@ -98,7 +98,7 @@ TEST_F(KrmcommOnLine, UnpluggedModuleEndsTheReceptionAtOnce) {
 }
 
 TEST_F(KrmcommOnLine, ClosingProgramEndsTheWait) {
-  QTimer::singleShot(100, [this] { pump.Close(); });
+  const OneEvent exit(Ms{100}, [this] { pump.Close(); });
   EXPECT_FALSE(krm.KRM_Dump());
   EXPECT_EQ(krm.GS_KRM_ErrMsg(), "The program is closing");
 }

@@ -1,11 +1,11 @@
 #include "adapters/qt_event_pump.h"
 
-#include <QTimer>
 #include <thread>
 
 #include <gtest/gtest.h>
 
 #include "cpu_meter.h"
+#include "one_event.h"
 
 namespace vrx::testing {
 namespace {
@@ -29,7 +29,7 @@ class QtEventPumpTest : public ::testing::Test {
 
 TEST_F(QtEventPumpTest, LimitOfZeroHandlesWhatIsPending) {
   bool handled = false;
-  QTimer::singleShot(0, [&] { handled = true; });
+  const OneEvent event(Ms{0}, [&] { handled = true; });
   pump.Pump(Ms{0});
   EXPECT_TRUE(handled);
   pump.Pump(Ms{0});
@@ -48,15 +48,15 @@ TEST_F(QtEventPumpTest, WaitsForTheLimitWhenNothingHappens) {
 
 TEST_F(QtEventPumpTest, HandledEventEndsTheWait) {
   bool handled = false;
-  QTimer::singleShot(20, [&] { handled = true; });
+  const OneEvent event(Ms{20}, [&] { handled = true; });
   PumpUntil([&] { return handled; });
 }
 
 TEST_F(QtEventPumpTest, RunsNested) {
   bool outer = false;
   bool inner = false;
-  QTimer::singleShot(0, [&] {
-    QTimer::singleShot(20, [&] { inner = true; });
+  const OneEvent outer_event(Ms{0}, [&] {
+    const OneEvent inner_event(Ms{20}, [&] { inner = true; });
     PumpUntil([&] { return inner; });
     outer = true;
   });
@@ -69,7 +69,7 @@ TEST_F(QtEventPumpTest, TicksWhileItPumpsAndWhileItPumpsNested) {
   const auto ticker = pump.StartTicker(Ms{5}, [&] { ++ticks; });
   PumpUntil([&] { return ticks >= 3; });
   bool done = false;
-  QTimer::singleShot(0, [&] {
+  const OneEvent event(Ms{0}, [&] {
     PumpUntil([&] { return ticks >= 6; });
     done = true;
   });

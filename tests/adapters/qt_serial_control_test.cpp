@@ -1,6 +1,5 @@
 #include "adapters/qt_serial_control.h"
 
-#include <QTimer>
 #include <filesystem>
 
 #include <gmock/gmock.h>
@@ -10,6 +9,7 @@
 
 #include "adapters/qt_event_pump.h"
 #include "cpu_meter.h"
+#include "one_event.h"
 #include "pseudo_terminal.h"
 #include "support/temp_folder.h"
 
@@ -230,7 +230,7 @@ TEST_F(QtSerialControlTest, WaitingForArrivalsTakesNoCore) {
 
 TEST_F(QtSerialControlTest, HangUpEndsTheWaitAndIsToldByTheCounts) {
   Open();
-  QTimer::singleShot(50, [&] { terminal.HangUp(); });
+  const OneEvent unplug(Ms{50}, [&] { terminal.HangUp(); });
   EXPECT_THAT(WaitForLoss(), AllOf(StartsWith(terminal.Device()), HasSubstr("gone")));
   EXPECT_THROW(control->OutBufferCount(), SerialError);
   EXPECT_THROW(control->Output("x"), SerialError);
@@ -244,7 +244,7 @@ TEST_F(QtSerialControlTest, HangUpEndsTheWaitAndIsToldByTheCounts) {
 TEST_F(QtSerialControlTest, HangUpEndsATransmission) {
   Open();
   control->Output(std::string(300'000, 'x'));
-  QTimer::singleShot(50, [&] { terminal.HangUp(); });
+  const OneEvent unplug(Ms{50}, [&] { terminal.HangUp(); });
   EXPECT_THROW(
       {
         while (control->OutBufferCount() > 0) {

@@ -7,8 +7,6 @@
 namespace vrx::testing {
 namespace {
 
-using ::testing::HasSubstr;
-
 // What a failed command takes beside its reception: 1000 ms ahead of it, 500 ms after.
 constexpr Milliseconds kAround{1500};
 

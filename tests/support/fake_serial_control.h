@@ -183,7 +183,7 @@ class FakeSerialControl : public SerialControl {
       throw SerialError("fake: the line is gone");
     }
   }
-  void Note(std::string what) { events.push_back({pump_.Now(), std::move(what)}); }
+  void Note(std::string what) { events.emplace_back(Event{pump_.Now(), std::move(what)}); }
 
   ManualPump& pump_;
   std::deque<Answer> answers_;
