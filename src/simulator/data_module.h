@@ -1,0 +1,48 @@
+#pragma once
+
+#include <cstddef>
+#include <functional>
+#include <optional>
+#include <string>
+#include <string_view>
+
+#include "simulator/device.h"
+#include "simulator/faults.h"
+#include "simulator/transmission.h"
+
+namespace vrx::simulator {
+
+// The data module: a memory that a byte of command clears or sends. Every byte that is no command
+// is kept; a download has no framing.
+class DataModule final : public Device {
+ public:
+  static constexpr std::size_t kMemorySize = 65536;  // bytes; what arrives beyond is dropped
+
+  using Tell = std::function<void(const std::string& message)>;
+
+  // `tell` hears when bytes are dropped.
+  DataModule(Faults faults, Tell tell);
+
+  std::optional<Transmission> Receive(char byte) override;
+
+  // Puts bytes behind what is kept, commands among them too.
+  void Load(std::string_view bytes);
+
+  // Tells how many bytes were dropped since it was last told, if any; each command does so too.
+  void TellDropped();
+
+  const std::string& Memory() const { return memory_; }
+
+ private:
+  void Keep(std::string_view bytes);
+  Transmission Acknowledge(char command) const;
+  Transmission Dump(char command) const;
+  Transmission Spoil(std::string reply, bool gives_way) const;
+
+  Faults faults_;
+  Tell tell_;
+  std::string memory_;
+  std::size_t dropped_ = 0;  // since last told
+};
+
+}  // namespace vrx::simulator

@@ -1,0 +1,141 @@
+#include "simulator/line_loop.h"
+
+#include <algorithm>
+#include <array>
+#include <cerrno>
+#include <chrono>
+#include <ctime>
+#include <string>
+#include <system_error>
+#include <utility>
+
+#include <poll.h>
+
+#include "simulator/control_characters.h"
+
+namespace vrx::simulator {
+namespace {
+
+using std::chrono::milliseconds;
+
+// No PC keeps more than its receive buffer: bytes of earlier replies beyond that are lost to it.
+constexpr std::size_t kReceiveBuffer = 2048;
+constexpr milliseconds kHangUpGrace{500};
+constexpr milliseconds kHangUpStep{5};
+
+// Sleeps until one of them is ready or the time is over; without a time, until one is ready.
+template <std::size_t kCount>
+void Poll(std::array<pollfd, kCount>& watched, std::optional<Duration> limit) {
+  timespec time{};
+  if (limit) {
+    const auto whole = std::chrono::duration_cast<std::chrono::seconds>(*limit);
+    time.tv_sec = whole.count();
+    time.tv_nsec = (*limit - whole).count();
+  }
+  if (::ppoll(watched.data(), watched.size(), limit ? &time : nullptr, nullptr) < 0 &&
+      errno != EINTR) {
+    throw std::system_error(errno, std::generic_category(), "cannot wait for the line");
+  }
+}
+
+}  // namespace
+
+LineLoop::LineLoop(PtyLine& line, Transmitter& transmitter, Device& device, Signals& signals)
+    : line_(line), transmitter_(transmitter), device_(device), signals_(signals) {}
+
+void LineLoop::Run(const std::function<void()>& save) {
+  while (HeedSignals(save)) {
+    Receive();
+    if (!Send()) {
+      AwaitTaken();
+      return;
+    }
+    Wait();
+  }
+}
+
+bool LineLoop::HeedSignals(const std::function<void()>& save) {
+  for (;;) {
+    switch (signals_.Take()) {
+      case Signals::Told::kNothing:
+        return true;
+      case Signals::Told::kSave:
+        save();
+        break;
+      case Signals::Told::kStop:
+        return false;
+    }
+  }
+}
+
+void LineLoop::Receive() {
+  const std::string bytes = line_.Read();
+  const Time now = Clock::now();
+  for (const char byte : bytes) {
+    if (byte == kXoff || byte == kXon) {
+      transmitter_.HoldForFlowControl(byte == kXoff, now);
+    } else if (std::optional<Transmission> transmission = device_.Receive(byte)) {
+      Begin(std::move(*transmission), now);
+    }
+  }
+}
+
+// A client that opens the line anew must not find the rest of what an earlier one never read.
+void LineLoop::Begin(Transmission transmission, Time now) {
+  const bool cut = transmitter_.Start(std::move(transmission), now);
+  if (cut || line_.Untaken() > kReceiveBuffer) {
+    line_.DiscardUntaken();
+  }
+}
+
+// False when the line is to be hung up.
+bool LineLoop::Send() {
+  const Time now = Clock::now();
+  for (auto due = transmitter_.Due(now); !due.empty(); due = transmitter_.Due(now)) {
+    if (hang_up_after_) {
+      due = due.substr(0, *hang_up_after_ - sent_);
+    }
+    const std::size_t taken = line_.Write(due);
+    sent_ += taken;
+    transmitter_.Sent(taken, now);
+    if (hang_up_after_ && sent_ == *hang_up_after_) {
+      return false;
+    }
+    if (taken < due.size()) {
+      transmitter_.HoldForLine(true, now);
+    }
+  }
+  return true;
+}
+
+void LineLoop::Wait() {
+  const bool refused = transmitter_.HeldForLine();
+  std::array<pollfd, 2> watched{{
+      {.fd = signals_.Handle(), .events = POLLIN, .revents = 0},
+      {.fd = line_.Handle(), .events = POLLIN, .revents = 0},
+  }};
+  if (refused) {
+    watched[1].events |= POLLOUT;
+  }
+  std::optional<Duration> limit;
+  if (const auto next = transmitter_.NextPortion()) {
+    limit = std::max(Duration{*next - Clock::now()}, Duration{0});
+  }
+  Poll(watched, limit);
+  if (refused && (watched[1].revents & POLLOUT) != 0) {
+    transmitter_.HoldForLine(false, Clock::now());
+  }
+}
+
+// A hang-up takes away what the client has not read yet; the line gave it that much.
+void LineLoop::AwaitTaken() {
+  for (auto left = kHangUpGrace; left > milliseconds{0}; left -= kHangUpStep) {
+    std::array<pollfd, 1> watched{{{.fd = signals_.Handle(), .events = POLLIN, .revents = 0}}};
+    Poll(watched, kHangUpStep);
+    if (line_.Untaken() == 0 || watched[0].revents != 0) {
+      return;
+    }
+  }
+}
+
+}  // namespace vrx::simulator

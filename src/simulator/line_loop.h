@@ -1,0 +1,44 @@
+#pragma once
+
+#include <cstdint>
+#include <functional>
+#include <optional>
+#include <string_view>
+
+#include "simulator/device.h"
+#include "simulator/pty_line.h"
+#include "simulator/signals.h"
+#include "simulator/transmitter.h"
+
+namespace vrx::simulator {
+
+// Plays a device on a line: hands it what arrives, lets its transmissions leave at their pace,
+// heeds XON and XOFF. Sleeps while there is nothing to do.
+class LineLoop {
+ public:
+  LineLoop(PtyLine& line, Transmitter& transmitter, Device& device, Signals& signals);
+
+  // The line is given up after that many bytes of all transmissions together.
+  void HangUpAfter(std::uint32_t bytes) { hang_up_after_ = bytes; }
+
+  // Until a signal says stop or the line is to be hung up; the last bytes are then taken by the
+  // client, if one reads. `save` runs whenever a signal says so.
+  void Run(const std::function<void()>& save);
+
+ private:
+  bool HeedSignals(const std::function<void()>& save);
+  void Receive();
+  void Begin(Transmission transmission, Time now);
+  bool Send();
+  void Wait();
+  void AwaitTaken();
+
+  PtyLine& line_;
+  Transmitter& transmitter_;
+  Device& device_;
+  Signals& signals_;
+  std::optional<std::uint32_t> hang_up_after_;
+  std::uint64_t sent_ = 0;  // bytes of all transmissions
+};
+
+}  // namespace vrx::simulator

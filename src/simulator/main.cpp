@@ -1,0 +1,68 @@
+#include <exception>
+#include <iostream>
+#include <stdexcept>
+#include <string>
+#include <vector>
+
+#include <CLI/CLI.hpp>
+
+#include "simulator/module_command.h"
+#include "simulator/transmitter.h"
+
+namespace {
+
+using vrx::simulator::AddFault;
+using vrx::simulator::ModuleOptions;
+using vrx::simulator::Transmitter;
+
+constexpr int kFailed = 1;
+constexpr int kWrongUsage = 2;
+
+void AddModule(CLI::App& program, ModuleOptions& options) {
+  CLI::App* module = program.add_subcommand("module", "Plays the data module");
+  module->add_option("--link", options.link, "Where the link to the pseudo-terminal stands")
+      ->required();
+  module->add_option("--load", options.load, "A file to put into its memory; may be repeated")
+      ->allow_extra_args(false);
+  module->add_option("--save", options.save, "Where its memory goes at the end and on SIGUSR1");
+  module->add_option("--baud", options.baud, "Pace of its bytes in bits a second; 0 does not pace")
+      ->check(CLI::Range(0U, Transmitter::kMaxBaud))
+      ->capture_default_str();
+  module
+      ->add_option_function<std::vector<std::string>>(
+          "--fault",
+          [&options](const std::vector<std::string>& kinds) {
+            for (const std::string& kind : kinds) {
+              try {
+                AddFault(options.faults, kind);
+              } catch (const std::invalid_argument& error) {
+                throw CLI::ValidationError("--fault", error.what());
+              }
+            }
+          },
+          "silent, garbage, cut-after=N, extra-us, stall=MS or hang-up=N; may be repeated")
+      ->allow_extra_args(false);
+}
+
+int Run(int argc, char** argv) {
+  CLI::App program("Plays the far end of the serial line on a pseudo-terminal", "vrx2260sim");
+  program.require_subcommand(1);
+  ModuleOptions options;
+  AddModule(program, options);
+  try {
+    program.parse(argc, argv);
+  } catch (const CLI::ParseError& error) {
+    return program.exit(error) == 0 ? 0 : kWrongUsage;
+  }
+  try {
+    RunModule(options, std::cout, std::cerr);
+    return 0;
+  } catch (const std::exception& error) {
+    std::cerr << "vrx2260sim: " << error.what() << std::endl;
+    return kFailed;
+  }
+}
+
+}  // namespace
+
+int main(int argc, char** argv) { return Run(argc, argv); }

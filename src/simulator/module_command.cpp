@@ -1,0 +1,55 @@
+#include "simulator/module_command.h"
+
+#include <string>
+#include <system_error>
+
+#include "simulator/data_module.h"
+#include "simulator/line_loop.h"
+#include "simulator/memory_file.h"
+#include "simulator/pty_line.h"
+#include "simulator/signals.h"
+#include "simulator/transmitter.h"
+
+namespace vrx::simulator {
+namespace {
+
+void Play(const ModuleOptions& options, DataModule& module, Signals& signals, std::ostream& out,
+          std::ostream& err) {
+  PtyLine line(options.link);
+  out << "ready " << options.link.string() << std::endl;
+
+  Transmitter transmitter(options.baud);
+  LineLoop loop(line, transmitter, module, signals);
+  if (options.faults.hang_up) {
+    loop.HangUpAfter(*options.faults.hang_up);
+  }
+  loop.Run([&] {
+    if (!options.save) {
+      return;
+    }
+    try {
+      WriteFile(*options.save, module.Memory());
+    } catch (const std::system_error& error) {
+      err << "vrx2260sim: " << error.what() << std::endl;
+    }
+  });
+}
+
+}  // namespace
+
+void RunModule(const ModuleOptions& options, std::ostream& out, std::ostream& err) {
+  Signals signals;
+  DataModule module(options.faults, [&err](const std::string& message) {
+    err << "vrx2260sim: " << message << std::endl;
+  });
+  for (const auto& path : options.load) {
+    module.Load(ReadFile(path));
+  }
+  Play(options, module, signals, out, err);
+  module.TellDropped();
+  if (options.save) {
+    WriteFile(*options.save, module.Memory());
+  }
+}
+
+}  // namespace vrx::simulator

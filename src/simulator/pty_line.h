@@ -1,0 +1,46 @@
+#pragma once
+
+#include <cstddef>
+#include <filesystem>
+#include <string>
+#include <string_view>
+
+#include "simulator/descriptor.h"
+
+namespace vrx::simulator {
+
+// A pseudo-terminal in raw mode whose other end clients open at a link. Clients come and go; the
+// line stays. Throws std::system_error where the system refuses, its text for the user.
+class PtyLine {
+ public:
+  // Makes the line and its link. What stands at `link` is replaced only if it is a link to a
+  // pseudo-terminal that is gone, as a killed simulator leaves it.
+  explicit PtyLine(std::filesystem::path link);
+  // Closes the line, which hangs it up for a client, and removes the link if it is still this
+  // line's.
+  ~PtyLine();
+  PtyLine(const PtyLine&) = delete;
+  PtyLine& operator=(const PtyLine&) = delete;
+
+  // For poll: readable when a client has sent bytes, writable when the line takes some.
+  int Handle() const { return master_.Get(); }
+
+  // Neither of them waits. Read is empty when nothing is there; Write tells how many bytes the line
+  // took.
+  std::string Read();
+  std::size_t Write(std::string_view bytes);
+
+  // Bytes that wait for a client to read them, as far as the client's end shows them (at most
+  // 4095).
+  std::size_t Untaken() const;
+  // Throws away all bytes that no client has read.
+  void DiscardUntaken();
+
+ private:
+  std::filesystem::path link_;
+  std::string name_;  // of the client's end
+  Descriptor master_;
+  Descriptor kept_;  // the client's end held open, so that the line outlives each client
+};
+
+}  // namespace vrx::simulator

@@ -1,0 +1,35 @@
+#include "simulator/signals.h"
+
+#include <cerrno>
+#include <system_error>
+
+#include <pthread.h>
+#include <signal.h>  // NOLINT(modernize-deprecated-headers): the sets are POSIX, not of <csignal>
+#include <sys/signalfd.h>
+
+namespace vrx::simulator {
+
+Signals::Signals() {
+  sigset_t signals{};
+  sigemptyset(&signals);
+  for (const int signal : {SIGTERM, SIGINT, SIGHUP, SIGUSR1}) {
+    sigaddset(&signals, signal);
+  }
+  if (const int error = ::pthread_sigmask(SIG_BLOCK, &signals, nullptr); error != 0) {
+    throw std::system_error(error, std::generic_category(), "cannot block signals");
+  }
+  descriptor_ = Descriptor(::signalfd(-1, &signals, SFD_NONBLOCK | SFD_CLOEXEC));
+  if (!descriptor_.Open()) {
+    throw std::system_error(errno, std::generic_category(), "cannot receive signals");
+  }
+}
+
+Signals::Told Signals::Take() {
+  signalfd_siginfo info{};
+  if (::read(descriptor_.Get(), &info, sizeof info) != sizeof info) {
+    return Told::kNothing;
+  }
+  return info.ssi_signo == SIGUSR1 ? Told::kSave : Told::kStop;
+}
+
+}  // namespace vrx::simulator
