@@ -1,5 +1,8 @@
 #include "frame/document_viewer.h"
 
+#include <array>
+#include <utility>
+
 #include <gtest/gtest.h>
 
 #include "support/fixed_system_info.h"
@@ -47,10 +50,10 @@ TEST(FindDocumentViewer, TellsAMissingAssociationWithAdvice) {
 }
 
 TEST(FindDocumentViewer, TellsTheOtherKnownCodesWithoutASecondMessage) {
-  const std::pair<int, std::string> codes[] = {
-      {0, "Error, system out of memory or resources."},
-      {3, "Error, path does not exist."},
-      {11, "Error, associated executable is incorrect for this file-type."}};
+  const std::array<std::pair<int, std::string>, 3> codes = {
+      {{0, "Error, system out of memory or resources."},
+       {3, "Error, path does not exist."},
+       {11, "Error, associated executable is incorrect for this file-type."}}};
   for (const auto& [code, text] : codes) {
     const Found found = Find(code);
     EXPECT_EQ(found.result, text);

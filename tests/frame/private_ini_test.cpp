@@ -1,5 +1,7 @@
 #include "frame/private_ini.h"
 
+#include <array>
+
 #include <gmock/gmock.h>
 
 #include "frame/error.h"
@@ -292,17 +294,17 @@ TEST_F(PrivateIniTest, EveryPairReadsAndWritesTheKeyOfItsName) {
     bool (PrivateINI::*get)() const;
   };
   using P = PrivateINI;
-  const Pair pairs[] = {
-      {"AutoAbbreviate", &P::SetAutoAbbreviateOn, &P::AutoAbbreviateOn},
-      {"ShowImportProgress", &P::SetShowImportProgressOn, &P::ShowImportProgressOn},
-      {"EnableBeeper", &P::SetEnableBeeperOn, &P::EnableBeeperOn},
-      {"PrintCurrentRecipeOnly", &P::SetPrintCurrentRecipeOnlyOn, &P::PrintCurrentRecipeOnlyOn},
-      {"EnablePrintText", &P::SetEnablePrintTextOn, &P::EnablePrintTextOn},
-      {"BatchTargetWtIsRecTarget", &P::SetBatchTargetWtIsRecTargetOn,
-       &P::BatchTargetWtIsRecTargetOn},
-      {"AutoloadRecipeDB", &P::SetAutoloadRecipeDBOn, &P::AutoloadRecipeDBOn},
-      {"AutoloadTransDB", &P::SetAutoloadTransDBOn, &P::AutoloadTransDBOn},
-      {"PrintGridLines", &P::SetPrintGridLinesOn, &P::PrintGridLinesOn}};
+  const auto pairs = std::to_array<Pair>(
+      {{"AutoAbbreviate", &P::SetAutoAbbreviateOn, &P::AutoAbbreviateOn},
+       {"ShowImportProgress", &P::SetShowImportProgressOn, &P::ShowImportProgressOn},
+       {"EnableBeeper", &P::SetEnableBeeperOn, &P::EnableBeeperOn},
+       {"PrintCurrentRecipeOnly", &P::SetPrintCurrentRecipeOnlyOn, &P::PrintCurrentRecipeOnlyOn},
+       {"EnablePrintText", &P::SetEnablePrintTextOn, &P::EnablePrintTextOn},
+       {"BatchTargetWtIsRecTarget", &P::SetBatchTargetWtIsRecTargetOn,
+        &P::BatchTargetWtIsRecTargetOn},
+       {"AutoloadRecipeDB", &P::SetAutoloadRecipeDBOn, &P::AutoloadRecipeDBOn},
+       {"AutoloadTransDB", &P::SetAutoloadTransDBOn, &P::AutoloadTransDBOn},
+       {"PrintGridLines", &P::SetPrintGridLinesOn, &P::PrintGridLinesOn}});
   for (const Pair& pair : pairs) {
     PrivateINI settings = ReadFrom(kDefaultFile);
     const bool turned = !(settings.*pair.get)();
