@@ -135,7 +135,7 @@ TEST_F(UploadOverALine, AnExtraTerminatorInTheData) {
 }
 
 TEST_F(UploadOverALine, ALongStallEndsTheReply) {
-  FailsThenWorks({"stall=7000"}, "Error: Command response failed\n");
+  FailsThenWorks({"stall=7000"}, "Error: KRM not detected\n");
 }
 
 TEST_F(UploadOverALine, AShortStallIsWaitedOut) {
