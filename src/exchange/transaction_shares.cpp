@@ -4,7 +4,9 @@
 #include <cstdint>
 #include <optional>
 #include <string>
+#include <string_view>
 #include <unordered_map>
+#include <utility>
 #include <vector>
 
 #include "exchange/parse_error.h"
@@ -45,14 +47,21 @@ std::int32_t WholeWeight(const ImportedData& table, std::size_t row) {
 }
 
 void AddToTotal(std::int32_t& total, std::int32_t weight) {
-  if (__builtin_add_overflow(total, weight, &total)) {
+  const std::int64_t sum = std::int64_t{total} + weight;
+  if (!std::in_range<std::int32_t>(sum)) {
     throw ParseError("Batch total exceeded limit.");
   }
+  total = static_cast<std::int32_t>(sum);
 }
 
+// Quotient and product are single, each rounded by itself.
 std::string PercentageText(std::int32_t weight, std::int32_t total) {
-  const auto quotient = static_cast<float>(static_cast<double>(weight) / total);
-  return Format(total > 0 ? quotient * 100.0F : 0.0F, "0.0000");
+  float percentage = 0.0F;
+  if (total > 0) {
+    const auto quotient = static_cast<float>(static_cast<double>(weight) / total);
+    percentage = quotient * 100.0F;
+  }
+  return Format(percentage, "0.0000");
 }
 
 // The column of an ingredient's weight; nothing for an ID that has none.
@@ -68,17 +77,14 @@ std::optional<int> WeightColumn(std::string_view ingredient) {
   return kFirstIngredientWeight - 1 + static_cast<int>(whole);
 }
 
-// Weight and percentage are read from their texts, and every step is single.
+// Weight and percentage are read from their texts, and every step is single. A share beyond single
+// has no text either.
 std::string ShareText(std::string_view weight, float percentage) {
   try {
-    const float share = TextToSingle(weight) * (percentage / 100.0F);
-    if (std::isfinite(share)) {
-      return Format(share, "0.0");
-    }
+    return Format(TextToSingle(weight) * (percentage / 100.0F), "0.0");
   } catch (const ConversionError&) {
     throw ParseError("Invalid feed weight detected.");
   }
-  throw ParseError("Invalid feed weight detected.");
 }
 
 void WriteShares(ImportedData& table, std::size_t row, const Batch& batch) {

@@ -207,6 +207,14 @@ TEST(ParseTransactionFile, SizesRowsForEveryBOfTheFeeds) {
   EXPECT_FALSE(parsed.file.Imported().Filled(3));
 }
 
+TEST(ParseTransactionFile, ReadsNoFeedsWhereNoneIsCounted) {
+  std::string feed = FeedOf("1", "5.0");
+  feed[0] = 'b';
+  const ParsedText parsed(FileOf(OneIngredient{}.Record(), feed));
+  ASSERT_EQ(parsed.error, "");
+  EXPECT_EQ(parsed.file.FileRecordCount(), 1);
+}
+
 TEST(ParseTransactionFile, GivesNoShareOfAnEmptyFeedWeight) {
   const ParsedText parsed(FileOf(OneIngredient{}.Record(), FeedOf("1", "")));
   ASSERT_EQ(parsed.error, "");
