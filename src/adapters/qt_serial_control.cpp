@@ -152,10 +152,6 @@ class QtSerialControl::Line {
 
   qint64 Unsent() {
     CheckStanding();
-    if (port_.bytesToWrite() > 0) {
-      // Goes on after a refusal for want of room, which would have stopped the sending for good.
-      port_.flush();
-    }
     int in_kernel = 0;
     if (ioctl(port_.handle(), TIOCOUTQ, &in_kernel) != 0) {
       in_kernel = 0;

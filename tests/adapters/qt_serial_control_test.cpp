@@ -3,6 +3,7 @@
 #include <filesystem>
 
 #include <gmock/gmock.h>
+#include <poll.h>
 #include <sys/stat.h>
 #include <termios.h>
 #include <unistd.h>
@@ -176,8 +177,7 @@ TEST_F(QtSerialControlTest, DiscardedInputIsGoneAndTheReceptionGoesOn) {
   terminal.Write("fresh");
   std::string bytes;
   while (!bytes.ends_with("fresh")) {
-    pump.Pump(kForever);
-    bytes += control->Input();
+    bytes += Receive(1);
   }
 }
 
@@ -215,6 +215,25 @@ TEST_F(QtSerialControlTest, CountsWhatTheFarEndDoesNotTakeAndGoesOnLater) {
     arrived += terminal.Read(1000);
   }
   EXPECT_EQ(arrived, bytes);
+}
+
+TEST_F(QtSerialControlTest, LineThatIsHeldFromTheFirstByteOnGoesOnWhenItIsReleased) {
+  Open(Handshaking::kXOnXOff);
+  terminal.Write("\x13");
+  pollfd near{.fd = terminal.NearEnd(), .events = POLLOUT, .revents = 0};
+  while (poll(&near, 1, 0) > 0) {
+    pump.Pump(Ms{5});
+  }
+  control->Output("held");
+  for (int i = 0; i < 10; ++i) {
+    pump.Pump(Ms{5});
+  }
+  EXPECT_GT(control->OutBufferCount(), 0);
+  terminal.Write("\x11");
+  while (control->OutBufferCount() > 0) {
+    pump.Pump(Ms{5});
+  }
+  EXPECT_EQ(terminal.Read(1000), "held");
 }
 
 TEST_F(QtSerialControlTest, WaitingForArrivalsTakesNoCore) {

@@ -1,3 +1,5 @@
+#include <algorithm>
+
 #include <gmock/gmock.h>
 
 #include "link/control_characters.h"
@@ -190,7 +192,7 @@ TEST_F(KrmcommSendString, CountsWhatHasBeenHandedOver) {
 TEST_F(KrmcommSendString, KeepsItsBytesWhenTheCallersTextChanges) {
   serial.per_byte = Ms{1};
   std::string text(1500, 'a');
-  pump.After(Ms{1500}, [&] { text.assign(3, 'b'); });
+  pump.After(Ms{1500}, [&] { std::fill(text.begin(), text.end(), 'b'); });
   EXPECT_TRUE(krm.KRM_Download(text));
   EXPECT_EQ(serial.sent, std::string(1500, 'a'));
 }
