@@ -114,7 +114,11 @@ class QtSerialControl::Line {
   Line& operator=(const Line&) = delete;
 
   // A line that has no DTR refuses.
-  void SetDTR(bool on) { port_.setDataTerminalReady(on); }
+  void SetDTR(bool on) {
+    if (!lost_) {
+      port_.setDataTerminalReady(on);
+    }
+  }
 
   void CheckStanding() {
     NoticeLoss();

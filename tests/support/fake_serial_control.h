@@ -159,7 +159,7 @@ class FakeSerialControl : public SerialControl {
     sent += bytes;
     leaving_.clear();
     for (std::size_t i = 0; i < bytes.size() && per_byte > Milliseconds{0}; ++i) {
-      leaving_.push_back(pump_.Now() + per_byte * (i + 1));
+      leaving_.emplace_back(pump_.Now() + per_byte * (i + 1));
     }
     if (sent.size() >= lose_after_output) {
       LoseLine();
