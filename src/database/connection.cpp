@@ -17,7 +17,7 @@
 namespace vrx {
 
 namespace fs = std::filesystem;
-using std::string_view_literals::operator""sv;
+using namespace std::string_view_literals;
 
 namespace {
 

@@ -3,7 +3,6 @@
 #include <string_view>
 #include <system_error>
 
-#include <SQLiteCpp/Exception.h>
 #include <sqlite3.h>
 
 namespace vrx {

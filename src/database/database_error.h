@@ -4,11 +4,9 @@
 #include <filesystem>
 #include <string>
 
-#include "frame/error.h"
+#include <SQLiteCpp/Exception.h>
 
-namespace SQLite {
-class Exception;
-}
+#include "frame/error.h"
 
 namespace vrx {
 

@@ -3,7 +3,6 @@
 #include <filesystem>
 
 #include <SQLiteCpp/Column.h>
-#include <SQLiteCpp/Database.h>
 #include <SQLiteCpp/Statement.h>
 #include <sqlite3.h>
 

@@ -4,13 +4,11 @@
 #include <string>
 #include <string_view>
 
+#include <SQLiteCpp/Database.h>
+
 #include "database/identity.h"
 #include "database/schema.h"
 #include "platform/calendar.h"
-
-namespace SQLite {
-class Database;
-}
 
 namespace vrx {
 

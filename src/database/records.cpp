@@ -7,7 +7,6 @@
 #include <variant>
 
 #include <SQLiteCpp/Column.h>
-#include <SQLiteCpp/Database.h>
 #include <SQLiteCpp/Statement.h>
 
 #include "database/schema.h"

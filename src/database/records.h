@@ -5,9 +5,7 @@
 #include <string>
 #include <vector>
 
-namespace SQLite {
-class Database;
-}
+#include <SQLiteCpp/Database.h>
 
 namespace vrx {
 

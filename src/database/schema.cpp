@@ -104,7 +104,7 @@ std::string CreateText(const Table& table) {
   return text;
 }
 
-// Rows 1 to `count`: the number, the default name, and what `defaults` gives the columns behind.
+// Rows 1 to `count`: the ID, the default name, and what the query says of the columns behind.
 void InsertFixedRows(SQLite::Database& database, const char* query, std::string_view name_head,
                      int count) {
   SQLite::Statement insert(database, query);

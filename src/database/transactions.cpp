@@ -4,8 +4,6 @@
 #include <limits>
 
 #include <SQLiteCpp/Column.h>
-#include <SQLiteCpp/Database.h>
-#include <SQLiteCpp/Statement.h>
 #include <sqlite3.h>
 
 #include "database/schema.h"

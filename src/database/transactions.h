@@ -7,12 +7,10 @@
 #include <string>
 #include <string_view>
 
-#include "frame/number.h"
+#include <SQLiteCpp/Database.h>
+#include <SQLiteCpp/Statement.h>
 
-namespace SQLite {
-class Database;
-class Statement;
-}  // namespace SQLite
+#include "frame/number.h"
 
 namespace vrx {
 

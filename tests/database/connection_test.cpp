@@ -10,6 +10,7 @@
 #include <sqlite3.h>
 
 #include "database/database_files.h"
+#include "database/records.h"
 
 namespace vrx::testing {
 namespace {
@@ -17,7 +18,7 @@ namespace {
 namespace fs = std::filesystem;
 using std::chrono::milliseconds;
 using ::testing::ElementsAre;
-using ::testing::HasSubstr;
+using ::testing::StartsWith;
 
 constexpr milliseconds kAtOnce{0};
 constexpr const char* kExpected = "; expected a recipe or transaction database of this system";
@@ -231,6 +232,34 @@ TEST(OpenDatabase, RefusesDamageInTheFirstPage) {
   for (const Access access : {Access::kRead, Access::kWrite}) {
     EXPECT_EQ(Refusal(path, access).Number(), SQLITE_CORRUPT);
   }
+}
+
+TEST(OpenDatabase, DamageAnywhereIsReportedOrHarmless) {
+  const TempFolder folder;
+  const std::string whole = ReadAll(TemplatePath(DatabaseKind::kRecipe));
+  std::mt19937 random(11);
+  int reported = 0;
+  for (int round = 0; round < 300; ++round) {
+    std::string bytes = whole;
+    // Every other round aims at the header and the schema.
+    const std::size_t range = round % 2 == 0 ? 1000 : bytes.size();
+    for (int hit = 0; hit < 4; ++hit) {
+      bytes[random() % range] = static_cast<char>(random() & 0xffU);
+    }
+    const fs::path path = folder.Write("YARD.RDB", bytes);
+    try {
+      SQLite::Database database = OpenDatabase(path, Access::kRead, kAtOnce);
+      ReadIngredients(database);
+      ReadRecipes(database);
+      ReadPens(database);
+      ReadRecipeLines(database, 1);
+    } catch (const DatabaseError& error) {
+      EXPECT_THAT(error.what(), StartsWith("YARD.RDB"));
+      ++reported;
+    }
+    EXPECT_EQ(ReadAll(path), bytes);
+  }
+  EXPECT_GT(reported, 0);
 }
 
 TEST(OpenDatabase, RefusesToWriteAWriteProtectedFileButReadsIt) {

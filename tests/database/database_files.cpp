@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cstdlib>
 #include <stdexcept>
+#include <utility>
 
 #include <SQLiteCpp/Column.h>
 #include <SQLiteCpp/Statement.h>
@@ -53,7 +54,7 @@ ExclusiveHolder::ExclusiveHolder(const fs::path& path) : database_(path, SQLite:
   database_.exec("BEGIN EXCLUSIVE");
 }
 
-WithoutWritePermission::WithoutWritePermission(const fs::path& folder) : folder_(folder) {
+WithoutWritePermission::WithoutWritePermission(fs::path folder) : folder_(std::move(folder)) {
   for (const fs::directory_entry& entry : fs::directory_iterator(folder_)) {
     fs::permissions(entry.path(), kReadAll);
   }

@@ -38,7 +38,7 @@ class ExclusiveHolder {
 // it lives. The folder and its files can be read meanwhile.
 class WithoutWritePermission {
  public:
-  explicit WithoutWritePermission(const std::filesystem::path& folder);
+  explicit WithoutWritePermission(std::filesystem::path folder);
   ~WithoutWritePermission();
   WithoutWritePermission(const WithoutWritePermission&) = delete;
   WithoutWritePermission& operator=(const WithoutWritePermission&) = delete;

@@ -34,12 +34,12 @@ auto Fields(const RecipeLineRecord& r) {
 class Records : public ::testing::Test {
  protected:
   std::string Text() {
-    static const std::vector<std::string> kPieces{"'",  "\"",           ";", "--", "%", "Ä",
-                                                  "é",  "\xe2\x82\xac", " ", "A",  "b", "7",
-                                                  "\\", "\r\n",         "[", "]",  "?"};
+    static const std::vector<std::string> pieces{"'",  "\"",           ";", "--", "%", "Ä",
+                                                 "é",  "\xe2\x82\xac", " ", "A",  "b", "7",
+                                                 "\\", "\r\n",         "[", "]",  "?"};
     std::string text;
     for (int length = Number(0, 20); length > 0; --length) {
-      text += kPieces[static_cast<std::size_t>(Number(0, static_cast<int>(kPieces.size()) - 1))];
+      text += pieces[static_cast<std::size_t>(Number(0, static_cast<int>(pieces.size()) - 1))];
     }
     return text;
   }
