@@ -44,13 +44,6 @@ std::string_view RecordExtractor::NextInRecord() {
   return batches_.NextBatchField();
 }
 
-std::string_view RecordExtractor::NextFeedInRecord() {
-  if (feeds_.PastEnd()) {
-    throw ParseError("Incomplete feed record detected.");
-  }
-  return feeds_.NextFeedField();
-}
-
 // An entry that more of its list must follow: without that padding the skip behind it would take
 // the next list for the rest of this one.
 std::string_view RecordExtractor::TakeEntry() {
@@ -113,10 +106,10 @@ void RecordExtractor::ReadFeeds(const BatchRecord& record) {
     Write(row, kImportedTransactionNumber, record.transaction);
     Write(row, kImportedRecipeID, record.recipe);
     Write(row, kImportedType, "FEED");
-    NextFeedInRecord();  // the record mark
-    NextFeedInRecord();  // the transaction, looked at already
+    feeds_.NextFeedField();  // the record mark
+    feeds_.NextFeedField();  // the transaction, looked at already
     for (const ImportColumn column : kFieldsBehindTransaction) {
-      Write(row, column, NextFeedInRecord());
+      Write(row, column, feeds_.NextFeedField());
     }
   }
 }

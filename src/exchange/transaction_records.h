@@ -40,7 +40,6 @@ class RecordExtractor {
   };
 
   std::string_view NextInRecord();
-  std::string_view NextFeedInRecord();
   std::string_view TakeEntry();
   void SkipPadding();
   void ReadIngredients(BatchRecord& record);

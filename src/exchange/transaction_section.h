@@ -59,7 +59,6 @@ class FeedSection {
   // Field 2 of the next record. Asked again and again by batches without feeds, it scans the text
   // once.
   std::string_view PeekFeedTransaction();
-  bool PastEnd() const { return cursor_.PastEnd(); }
 
  private:
   SectionCursor cursor_;

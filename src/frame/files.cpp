@@ -7,6 +7,9 @@
 #include <random>
 #include <system_error>
 
+#include <fcntl.h>
+#include <unistd.h>
+
 #include "frame/text.h"
 
 namespace vrx {
@@ -41,6 +44,7 @@ class SideFile {
     if (!out) {
       Fail("cannot write", target_, LastError());
     }
+    Sync();
   }
 
   void TakePlace() {
@@ -56,6 +60,20 @@ class SideFile {
   }
 
  private:
+  // A power cut must not leave the new name with the bytes still unwritten.
+  void Sync() const {
+    const int file = open(path_.c_str(), O_RDONLY | O_CLOEXEC);
+    const bool synced = file >= 0 && fsync(file) == 0;
+    const std::error_code error = synced ? std::error_code() : LastError();
+    if (file >= 0) {
+      close(file);
+    }
+    // A file system without syncing says EINVAL; it has done what it can.
+    if (!synced && error != std::errc::invalid_argument) {
+      Fail("cannot write", target_, error);
+    }
+  }
+
   fs::path target_;
   fs::path path_;
 };

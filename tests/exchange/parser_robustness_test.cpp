@@ -68,7 +68,6 @@ const std::set<std::string>& KnownErrors() {
       "Invalid ingredient ID detected.",
       "Invalid feed weight detected.",
       "Incomplete batch record detected.",
-      "Incomplete feed record detected.",
       "Too many ingredients in a batch detected.",
       "Too many records detected.",
       "Batch total exceeded limit.",

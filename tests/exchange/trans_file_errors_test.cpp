@@ -138,11 +138,6 @@ TEST(ParseErrors, TakesALoneCrInAListForAComma) {
   EXPECT_EQ(ErrorOf(FileOf("B,1,3,01152009,2,4,0,0;0830,0,0;1,0,0;1,0\r0\r0\r\n", "")), "");
 }
 
-TEST(ParseErrors, RefusesAFeedSectionThatEndsInsideARecord) {
-  EXPECT_EQ(ErrorOf(FileOf(OneIngredient{}.Record(), "B,1,12,2\r\n")),
-            "Incomplete feed record detected.");
-}
-
 TEST(ParseErrors, RefusesMoreRowsThanCounted) {
   // The "0" among the times ends the count at one; two ingredients come out.
   EXPECT_EQ(ErrorOfLists("4,7,0,0;0830,0,0,0;1,1,0,0;1,1,0,0"), "Too many records detected.");

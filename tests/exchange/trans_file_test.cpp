@@ -215,6 +215,14 @@ TEST(ParseTransactionFile, ReadsNoFeedsWhereNoneIsCounted) {
   EXPECT_EQ(parsed.file.FileRecordCount(), 1);
 }
 
+TEST(ParseTransactionFile, LeavesTheFieldsEmptyThatTheLastFeedRecordLacks) {
+  const ParsedText parsed(FileOf(OneIngredient{}.Record(), "B,1,12,2\r\n"));
+  ASSERT_EQ(parsed.error, "");
+  ASSERT_EQ(parsed.file.FileRecordCount(), 2);
+  EXPECT_EQ(parsed.Row(2), "1|3|FEED||||12||||2||");
+  EXPECT_EQ(parsed.Weights(2), "");
+}
+
 TEST(ParseTransactionFile, GivesNoShareOfAnEmptyFeedWeight) {
   const ParsedText parsed(FileOf(OneIngredient{}.Record(), FeedOf("1", "")));
   ASSERT_EQ(parsed.error, "");
