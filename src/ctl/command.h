@@ -4,7 +4,7 @@
 #include <string>
 #include <vector>
 
-namespace CLI {
+namespace CLI {  // NOLINT(readability-identifier-naming): the library names it so
 class App;
 class Option;
 }  // namespace CLI

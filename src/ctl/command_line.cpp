@@ -1,6 +1,5 @@
 #include "ctl/command_line.h"
 
-#include <algorithm>
 #include <exception>
 #include <memory>
 #include <ostream>
@@ -68,6 +67,9 @@ int RunCommandLine(const std::vector<std::string>& args, const CommandContext& c
     }
     return code;
   } catch (const CLI::ParseError& error) {
+    if (app.get_subcommands().empty() && app.remaining_size() > 0) {
+      context.err << app.remaining().front() << " is no command\n";
+    }
     return app.exit(error, context.out, context.err) == 0 ? kDone : kWrongUsage;
   } catch (const std::exception& error) {
     context.err << "Error: " << error.what() << '\n';

@@ -7,7 +7,7 @@
 
 #include <nlohmann/json.hpp>
 
-namespace CLI {
+namespace CLI {  // NOLINT(readability-identifier-naming): the library names it so
 class App;
 }
 

@@ -71,6 +71,11 @@ TEST_F(CtlTest, WrongUsageExitsWithTwoAndAHint) {
   }
 }
 
+TEST_F(CtlTest, AnUnknownCommandIsNamed) {
+  EXPECT_EQ(Run({"fly"}), 2);
+  EXPECT_THAT(err, StartsWith("fly is no command\n"));
+}
+
 TEST_F(CtlTest, GlobalOptionsStandBehindACommandAsWell) {
   EXPECT_EQ(RunBare({"settings", "SystemUnits", "--data-dir", (folder / "data").string(), "--yes"}),
             0);
