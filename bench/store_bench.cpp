@@ -21,6 +21,7 @@
 #include <SQLiteCpp/Database.h>
 #include <spawn.h>
 #include <sys/wait.h>
+#include <unistd.h>
 
 #include "database/connection.h"
 #include "database/identity.h"
@@ -32,8 +33,6 @@
 #include "support/fixed_calendar.h"
 #include "support/recording_operator.h"
 #include "support/temp_folder.h"
-
-extern char** environ;
 
 namespace vrx::testing {
 namespace {

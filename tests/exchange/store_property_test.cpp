@@ -1,4 +1,4 @@
-#include <cstdint>
+#include <algorithm>
 #include <random>
 #include <string>
 #include <vector>
