@@ -48,7 +48,7 @@ Date LocalCalendar::Today() const {
 }
 
 std::string LinuxSystemInfo::CommonAppDataFolder() const {
-  const std::string data_home = Environment("XDG_DATA_HOME");
+  std::string data_home = Environment("XDG_DATA_HOME");
   // A relative path is to be ignored.
   if (data_home.starts_with('/')) {
     return data_home;
