@@ -9,12 +9,18 @@ namespace vrx::simulator {
 
 // What goes wrong on purpose. All of them combine.
 struct Faults {
-  bool silent = false;                             // nothing is answered
-  bool garbage = false;                            // the first byte of a reply is wrong
-  bool extra_us = false;                           // one US inside the data of a dump
-  std::optional<std::uint32_t> cut_after;          // bytes of each reply, then nothing
-  std::optional<std::chrono::milliseconds> stall;  // pause halfway through each reply
-  std::optional<std::uint32_t> hang_up;            // bytes of all replies together, then no line
+  // Nothing is answered.
+  bool silent = false;
+  // The first byte of a reply is wrong.
+  bool garbage = false;
+  // One US inside the data of a dump.
+  bool extra_us = false;
+  // So many bytes of each reply, then nothing.
+  std::optional<std::uint32_t> cut_after = std::nullopt;
+  // A pause halfway through each reply.
+  std::optional<std::chrono::milliseconds> stall = std::nullopt;
+  // So many bytes of all replies together, then no line.
+  std::optional<std::uint32_t> hang_up = std::nullopt;
 };
 
 // Adds the fault of one --fault: "silent", "garbage", "extra-us", "cut-after=N", "stall=MS" or

@@ -22,6 +22,10 @@ using std::chrono::milliseconds;
 constexpr std::size_t kReceiveBuffer = 2048;
 constexpr milliseconds kHangUpGrace{500};
 constexpr milliseconds kHangUpStep{5};
+// The system hands a client's bytes over a moment after its write has returned. A client that never
+// stops sending is not waited for.
+constexpr milliseconds kHandOver{20};
+constexpr int kMostReadsAhead = 32;
 
 // Sleeps until one of them is ready or the time is over; without a time, until one is ready.
 template <std::size_t kCount>
@@ -45,7 +49,7 @@ LineLoop::LineLoop(PtyLine& line, Transmitter& transmitter, Device& device, Sign
 
 void LineLoop::Run(const std::function<void()>& save) {
   while (HeedSignals(save)) {
-    Receive();
+    HeedLine();
     if (!Send()) {
       AwaitTaken();
       return;
@@ -54,21 +58,31 @@ void LineLoop::Run(const std::function<void()>& save) {
   }
 }
 
+// False when one says stop.
 bool LineLoop::HeedSignals(const std::function<void()>& save) {
-  for (;;) {
-    switch (signals_.Take()) {
-      case Signals::Told::kNothing:
-        return true;
-      case Signals::Told::kSave:
-        save();
-        break;
-      case Signals::Told::kStop:
-        return false;
+  const Signals::Told told = signals_.Take();
+  if (told == Signals::Told::kNothing) {
+    return true;
+  }
+  ReceiveSentAhead();
+  if (told == Signals::Told::kSave) {
+    save();
+  }
+  return told != Signals::Told::kStop;
+}
+
+void LineLoop::ReceiveSentAhead() {
+  for (int reads = 0; reads < kMostReadsAhead; ++reads) {
+    std::array<pollfd, 1> watched{{{.fd = line_.Handle(), .events = POLLIN, .revents = 0}}};
+    Poll(watched, kHandOver);
+    if (!Receive()) {
+      return;
     }
   }
 }
 
-void LineLoop::Receive() {
+// False when nothing was there.
+bool LineLoop::Receive() {
   const std::string bytes = line_.Read();
   const Time now = Clock::now();
   for (const char byte : bytes) {
@@ -78,9 +92,22 @@ void LineLoop::Receive() {
       Begin(std::move(*transmission), now);
     }
   }
+  return !bytes.empty();
 }
 
-// A client that opens the line anew must not find the rest of what an earlier one never read.
+// A client that comes does not find what an earlier one never read, nor the XOFF that it left.
+void LineLoop::HeedLine() {
+  const PtyLine::Clients clients = line_.TakeClients();
+  if (clients.came && (transmitter_.HeldForLine() || line_.Untaken() > kReceiveBuffer)) {
+    transmitter_.GiveWay(Clock::now());
+    line_.DiscardUntaken();
+  }
+  Receive();
+  if (clients.went) {
+    transmitter_.HoldForFlowControl(false, Clock::now());
+  }
+}
+
 void LineLoop::Begin(Transmission transmission, Time now) {
   const bool cut = transmitter_.Start(std::move(transmission), now);
   if (cut || line_.Untaken() > kReceiveBuffer) {
@@ -110,9 +137,10 @@ bool LineLoop::Send() {
 
 void LineLoop::Wait() {
   const bool refused = transmitter_.HeldForLine();
-  std::array<pollfd, 2> watched{{
+  std::array<pollfd, 3> watched{{
       {.fd = signals_.Handle(), .events = POLLIN, .revents = 0},
       {.fd = line_.Handle(), .events = POLLIN, .revents = 0},
+      {.fd = line_.ClientsHandle(), .events = POLLIN, .revents = 0},
   }};
   if (refused) {
     watched[1].events |= POLLOUT;

@@ -22,12 +22,15 @@ class LineLoop {
   void HangUpAfter(std::uint32_t bytes) { hang_up_after_ = bytes; }
 
   // Until a signal says stop or the line is to be hung up; the last bytes are then taken by the
-  // client, if one reads. `save` runs whenever a signal says so.
+  // client, if one reads. `save` runs whenever a signal says so. What a client sent ahead of a
+  // signal has arrived when the signal takes effect.
   void Run(const std::function<void()>& save);
 
  private:
   bool HeedSignals(const std::function<void()>& save);
-  void Receive();
+  void HeedLine();
+  bool Receive();
+  void ReceiveSentAhead();
   void Begin(Transmission transmission, Time now);
   bool Send();
   void Wait();

@@ -54,15 +54,17 @@ int Run(int argc, char** argv) {
   } catch (const CLI::ParseError& error) {
     return program.exit(error) == 0 ? 0 : kWrongUsage;
   }
+  RunModule(options, std::cout, std::cerr);
+  return 0;
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
   try {
-    RunModule(options, std::cout, std::cerr);
-    return 0;
+    return Run(argc, argv);
   } catch (const std::exception& error) {
     std::cerr << "vrx2260sim: " << error.what() << std::endl;
     return kFailed;
   }
 }
-
-}  // namespace
-
-int main(int argc, char** argv) { return Run(argc, argv); }

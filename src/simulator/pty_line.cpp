@@ -9,6 +9,7 @@
 #include <utility>
 
 #include <fcntl.h>
+#include <sys/inotify.h>
 #include <sys/ioctl.h>
 #include <termios.h>
 
@@ -59,6 +60,16 @@ void MakeRaw(const Descriptor& terminal) {
   }
 }
 
+// Begins after the line has opened its own end, which must not count as a client.
+Descriptor Watch(const std::string& name) {
+  Descriptor watch =
+      Checked(::inotify_init1(IN_NONBLOCK | IN_CLOEXEC), "cannot watch the pseudo-terminal");
+  if (::inotify_add_watch(watch.Get(), name.c_str(), IN_OPEN | IN_CLOSE) < 0) {
+    Fail(errno, "cannot watch the pseudo-terminal");
+  }
+  return watch;
+}
+
 // Whether a link to `target` was left by a killed simulator: its pseudo-terminal is gone, or its
 // number was given anew to this one. A number given anew to somebody else cannot be told from a
 // running simulator, and is not taken for stale.
@@ -101,6 +112,7 @@ PtyLine::PtyLine(fs::path link) : link_(std::move(link)), master_(OpenMaster()) 
   name_ = NameOf(master_);
   kept_ = Checked(::open(name_.c_str(), O_RDWR | O_NOCTTY | O_CLOEXEC), "cannot open " + name_);
   MakeRaw(kept_);
+  watch_ = Watch(name_);
   MakeLink(link_, name_);
 }
 
@@ -127,6 +139,19 @@ std::size_t PtyLine::Write(std::string_view bytes) {
     Fail(errno, "cannot write to the line");
   }
   return count > 0 ? static_cast<std::size_t>(count) : 0;
+}
+
+PtyLine::Clients PtyLine::TakeClients() {
+  Clients clients;
+  inotify_event event{};  // of a watched file, so without a name behind it
+  while (::read(watch_.Get(), &event, sizeof event) == sizeof event) {
+    clients.came = clients.came || (event.mask & IN_OPEN) != 0;
+    clients.went = clients.went || (event.mask & IN_CLOSE) != 0;
+  }
+  if (clients.went && ::ioctl(kept_.Get(), TIOCNXCL) != 0) {
+    Fail(errno, "cannot open the line to everybody");
+  }
+  return clients;
 }
 
 std::size_t PtyLine::Untaken() const {

@@ -13,6 +13,12 @@ namespace vrx::simulator {
 // line stays. Throws std::system_error where the system refuses, its text for the user.
 class PtyLine {
  public:
+  // What clients did since it was last asked.
+  struct Clients {
+    bool came = false;
+    bool went = false;
+  };
+
   // Makes the line and its link. What stands at `link` is replaced only if it is a link to a
   // pseudo-terminal that is gone, as a killed simulator leaves it.
   explicit PtyLine(std::filesystem::path link);
@@ -30,6 +36,11 @@ class PtyLine {
   std::string Read();
   std::size_t Write(std::string_view bytes);
 
+  // For poll: readable when clients came or went.
+  int ClientsHandle() const { return watch_.Get(); }
+  // Does not wait. A client that went, even a killed one, no longer has the line for itself alone.
+  Clients TakeClients();
+
   // Bytes that wait for a client to read them, as far as the client's end shows them (at most
   // 4095).
   std::size_t Untaken() const;
@@ -41,6 +52,7 @@ class PtyLine {
   std::string name_;  // of the client's end
   Descriptor master_;
   Descriptor kept_;  // the client's end held open, so that the line outlives each client
+  Descriptor watch_;
 };
 
 }  // namespace vrx::simulator

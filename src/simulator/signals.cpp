@@ -1,10 +1,9 @@
 #include "simulator/signals.h"
 
 #include <cerrno>
+#include <csignal>
 #include <system_error>
 
-#include <pthread.h>
-#include <signal.h>  // NOLINT(modernize-deprecated-headers): the sets are POSIX, not of <csignal>
 #include <sys/signalfd.h>
 
 namespace vrx::simulator {

@@ -16,19 +16,24 @@ constexpr std::int64_t kPortionsPerSecond = 125;
 Transmitter::Transmitter(std::uint32_t baud) : baud_(std::min(baud, kMaxBaud)) {}
 
 bool Transmitter::Start(Transmission transmission, Time now) {
-  const auto gives_way = [](const Waiting& waiting) { return waiting.gives_way; };
-  const bool first_cut = !waiting_.empty() && waiting_.front().gives_way;
-  const auto cut = std::erase_if(waiting_, gives_way);
-  if (first_cut) {
-    sent_ = 0;
-  }
-  const bool idle = waiting_.empty() || first_cut;
+  const bool cut = GiveWay(now);
+  const bool idle = waiting_.empty();
   for (Segment& segment : transmission.segments) {
     waiting_.push_back({std::move(segment), transmission.gives_way});
   }
   if (idle && !waiting_.empty()) {
     origin_ = now + waiting_.front().segment.pause_before;
     DropDone(now);
+  }
+  return cut;
+}
+
+bool Transmitter::GiveWay(Time now) {
+  const bool first_goes = !waiting_.empty() && waiting_.front().gives_way;
+  const auto cut = std::erase_if(waiting_, [](const Waiting& each) { return each.gives_way; });
+  if (first_goes) {
+    sent_ = 0;
+    origin_ = now;
   }
   return cut > 0;
 }

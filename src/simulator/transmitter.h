@@ -24,6 +24,9 @@ class Transmitter {
   // something off.
   bool Start(Transmission transmission, Time now);
 
+  // Drops what gives way, without anything in its place. True when there was something.
+  bool GiveWay(Time now);
+
   // The bytes that should be out by now and are not; valid until the next call. Pauses and ends of
   // segments divide them: ask again after Sent until it is empty.
   std::string_view Due(Time now) const;
