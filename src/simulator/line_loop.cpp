@@ -75,36 +75,38 @@ void LineLoop::ReceiveSentAhead() {
   for (int reads = 0; reads < kMostReadsAhead; ++reads) {
     std::array<pollfd, 1> watched{{{.fd = line_.Handle(), .events = POLLIN, .revents = 0}}};
     Poll(watched, kHandOver);
-    if (!Receive()) {
+    if (!HeedLine()) {
       return;
     }
   }
 }
 
-// False when nothing was there.
-bool LineLoop::Receive() {
+// False when no bytes were there.
+bool LineLoop::HeedLine() {
+  // In this order: the coming of a client is known before what it sent is obeyed.
   const std::string bytes = line_.Read();
+  const PtyLine::Clients clients = line_.TakeClients();
   const Time now = Clock::now();
+  if (clients.came && (transmitter_.HeldForLine() || line_.Untaken() > kReceiveBuffer)) {
+    // It does not find what an earlier one never read.
+    transmitter_.GiveWay(now);
+    line_.DiscardUntaken();
+  }
+  Receive(bytes, now);
+  if (clients.went) {
+    // Nobody is left who could send the XON.
+    transmitter_.HoldForFlowControl(false, now);
+  }
+  return !bytes.empty();
+}
+
+void LineLoop::Receive(std::string_view bytes, Time now) {
   for (const char byte : bytes) {
     if (byte == kXoff || byte == kXon) {
       transmitter_.HoldForFlowControl(byte == kXoff, now);
     } else if (std::optional<Transmission> transmission = device_.Receive(byte)) {
       Begin(std::move(*transmission), now);
     }
-  }
-  return !bytes.empty();
-}
-
-// A client that comes does not find what an earlier one never read, nor the XOFF that it left.
-void LineLoop::HeedLine() {
-  const PtyLine::Clients clients = line_.TakeClients();
-  if (clients.came && (transmitter_.HeldForLine() || line_.Untaken() > kReceiveBuffer)) {
-    transmitter_.GiveWay(Clock::now());
-    line_.DiscardUntaken();
-  }
-  Receive();
-  if (clients.went) {
-    transmitter_.HoldForFlowControl(false, Clock::now());
   }
 }
 

@@ -28,8 +28,8 @@ class LineLoop {
 
  private:
   bool HeedSignals(const std::function<void()>& save);
-  void HeedLine();
-  bool Receive();
+  bool HeedLine();
+  void Receive(std::string_view bytes, Time now);
   void ReceiveSentAhead();
   void Begin(Transmission transmission, Time now);
   bool Send();

@@ -5,7 +5,6 @@
 #include <random>
 #include <string>
 #include <string_view>
-#include <tuple>
 #include <vector>
 
 #include <gtest/gtest.h>
@@ -14,8 +13,6 @@
 
 namespace vrx::simulator {
 namespace {
-
-using std::string_literals::operator""s;
 
 constexpr std::string_view kCommands = "\x14\x15\x16\x17\x18\x19\x1C";
 
@@ -201,16 +198,21 @@ TEST_F(Module, ExtraUsStandsInsideTheDataOfADumpOnly) {
 TEST_F(Module, StallPausesHalfwayThroughEachReplyAndGivesWay) {
   DataModule module = Make({.stall = std::chrono::milliseconds(700)});
   module.Load("abcde");
-  for (const auto& [command, first, second] : {std::tuple{kNak,
-                                                          "\x15\x1F"
-                                                          "ab"s,
-                                                          "cde\x1F"s},
-                                               {kSyn, "\x16"s, "\x1F"s}}) {
-    const auto reply = module.Receive(command);
+  struct Case {
+    char command;
+    std::string_view first;
+    std::string_view second;
+  };
+  for (const Case& each : {Case{kNak,
+                                "\x15\x1F"
+                                "ab",
+                                "cde\x1F"},
+                           {kSyn, "\x16", "\x1F"}}) {
+    const auto reply = module.Receive(each.command);
     ASSERT_EQ(reply->segments.size(), 2U);
-    EXPECT_EQ(reply->segments[0].bytes, first);
+    EXPECT_EQ(reply->segments[0].bytes, each.first);
     EXPECT_EQ(reply->segments[0].pause_before, Duration{0});
-    EXPECT_EQ(reply->segments[1].bytes, second);
+    EXPECT_EQ(reply->segments[1].bytes, each.second);
     EXPECT_EQ(reply->segments[1].pause_before, std::chrono::milliseconds(700));
     EXPECT_TRUE(reply->gives_way);
   }

@@ -27,7 +27,12 @@ constexpr int kPatience = 10'000;  // ms
   throw std::system_error(errno, std::generic_category(), what);
 }
 
-std::pair<Descriptor, Descriptor> Pipe() {
+struct PipeEnds {
+  Descriptor read;
+  Descriptor write;
+};
+
+PipeEnds Pipe() {
   std::array<int, 2> ends{};
   if (::pipe2(ends.data(), O_CLOEXEC) != 0) {
     Fail("pipe");
@@ -50,20 +55,20 @@ SimulatorProgram::SimulatorProgram(std::vector<std::string> arguments) {
     argv.push_back(argument.data());
   }
   argv.push_back(nullptr);
-  auto [output, output_end] = Pipe();
-  auto [errors, errors_end] = Pipe();
+  PipeEnds output = Pipe();
+  PipeEnds errors = Pipe();
   process_ = ::fork();
   if (process_ < 0) {
     Fail("fork");
   }
   if (process_ == 0) {
-    ::dup2(output_end.Get(), STDOUT_FILENO);
-    ::dup2(errors_end.Get(), STDERR_FILENO);
+    ::dup2(output.write.Get(), STDOUT_FILENO);
+    ::dup2(errors.write.Get(), STDERR_FILENO);
     ::execv(argv.front(), argv.data());
     ::_exit(127);
   }
-  output_ = std::move(output);
-  errors_ = std::move(errors);
+  output_ = std::move(output.read);
+  errors_ = std::move(errors.read);
 }
 
 SimulatorProgram::~SimulatorProgram() {
