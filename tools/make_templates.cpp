@@ -5,6 +5,7 @@
 #include <filesystem>
 
 #include "database/schema.h"
+#include "frame/folder.h"
 
 int main(int argc, char** argv) {
   if (argc != 2) {
@@ -14,8 +15,8 @@ int main(int argc, char** argv) {
   try {
     const std::filesystem::path folder = argv[1];
     std::filesystem::create_directories(folder);
-    vrx::CreateTemplate(folder / vrx::kRecipeTemplate, vrx::DatabaseKind::kRecipe);
-    vrx::CreateTemplate(folder / vrx::kTransactionTemplate, vrx::DatabaseKind::kTransaction);
+    vrx::CreateTemplate(folder / vrx::kRecipeTemplateName, vrx::DatabaseKind::kRecipe);
+    vrx::CreateTemplate(folder / vrx::kTransactionTemplateName, vrx::DatabaseKind::kTransaction);
     return 0;
   } catch (const std::exception& error) {
     std::fprintf(stderr, "make_templates: %s\n", error.what());

@@ -7,6 +7,7 @@
 #include <utility>
 
 #include "frame/files.h"
+#include "frame/folder.h"
 #include "frame/text.h"
 
 namespace vrx {
@@ -27,10 +28,10 @@ struct KindWords {
   bool dated_before_test;  // the date of creation is set before the marker is looked at, too
 };
 
-constexpr KindWords kRecipeWords{kRecipeTemplate,         kNulRecipeDb, kUserRecipeDb, "recipe",
+constexpr KindWords kRecipeWords{kRecipeTemplateName,     kNulRecipeDb, kUserRecipeDb, "recipe",
                                  "New Recipe File Error", false};
 constexpr KindWords kTransactionWords{
-    kTransactionTemplate,         kNulTransDb, kUserTransDb, "transaction",
+    kTransactionTemplateName,     kNulTransDb, kUserTransDb, "transaction",
     "New Transaction File Error", true};
 
 std::string Joined(std::initializer_list<std::string_view> parts) {

@@ -16,9 +16,6 @@ enum class DatabaseKind { kRecipe, kTransaction };
 inline constexpr std::int32_t kApplicationId = 0x56525832;  // "VRX2"
 inline constexpr std::int32_t kSchemaVersion = 1;           // user_version
 
-inline constexpr std::string_view kRecipeTemplate = "QXNULRDB.MDB";
-inline constexpr std::string_view kTransactionTemplate = "QXNULXDB.MDB";
-
 inline constexpr std::string_view kIngredientTable = "Ingredient";
 inline constexpr std::string_view kRecipeTable = "Recipe";
 inline constexpr std::string_view kRecipeRationTable = "RecipeRation";

@@ -18,9 +18,9 @@ class SystemInfo {
   // The folder the program was started from: support files lie there.
   virtual std::string ProgramDirectory() const = 0;
 
-  // Looks up the program that opens `document` (a file name) of `directory`. Returns a code above 32
-  // and the program's path in `viewer`, or one of the told codes: 0 out of memory, 2 no such file,
-  // 3 no such path, 11 bad executable, 31 no association.
+  // Looks up the program that opens `document` (a file name) of `directory`. Returns a code above
+  // 32 and the program's path in `viewer`, or one of the told codes: 0 out of memory, 2 no such
+  // file, 3 no such path, 11 bad executable, 31 no association.
   virtual int FindExecutable(const std::string& document, const std::string& directory,
                              std::string& viewer) const = 0;
 };

@@ -4,6 +4,7 @@
 #include <nlohmann/json.hpp>
 
 #include "ctl_fixture.h"
+#include "exchange/transaction_texts.h"
 
 namespace vrx::testing {
 namespace {
@@ -12,16 +13,6 @@ using ::testing::HasSubstr;
 using ::testing::IsEmpty;
 using ::testing::StartsWith;
 using Json = nlohmann::ordered_json;
-
-constexpr std::string_view kExample =
-    "{BAT/FED},L\r\n"
-    "[BAT],B,1,3,01152009,2,4,7,0,0,0;0830,0835,0,0,0;1000.0,500.0,0,0,0;998.0,503.5,0,0,0\r\n"
-    "B,2,3,01152009,2,4,0,0,0,0;0910,0,0,0,0;800.0,0,0,0,0;801.0,0,0,0,0\r\n"
-    "\r\n"
-    "[FED],B,1,12,2,0915,01152009,750.0,748.5\r\n"
-    "B,1,14,2,0921,01152009,750.0,752.0\r\n"
-    "B,2,12,2,0958,01152009,800.0,801.0\r\n"
-    "\r\n";
 
 class ImportCommands : public CtlTest {
  protected:
@@ -34,7 +25,7 @@ class ImportCommands : public CtlTest {
     return Json::parse(out);
   }
 
-  std::string file = folder.Write("DAY.QXT", kExample).string();
+  std::string file = folder.Write("DAY.QXT", kWorkedExample).string();
   std::string recipes = SitePath("SITE.RDB");
 };
 
@@ -125,7 +116,7 @@ TEST_F(ImportCommands, StoreRefusesDatabasesOfTheWrongKind) {
 }
 
 TEST_F(ImportCommands, StoreTellsTheRowThatStopsItAndKeepsThoseBefore) {
-  std::string text(kExample);
+  std::string text(kWorkedExample);
   text.replace(text.find("B,1,14"), 6, "B,1,999");
   file = folder.Write("BAD.QXT", text).string();
   const std::string into = NewTransactionDatabase();
@@ -136,7 +127,7 @@ TEST_F(ImportCommands, StoreTellsTheRowThatStopsItAndKeepsThoseBefore) {
 }
 
 TEST_F(ImportCommands, AFailedParseStoresNothing) {
-  file = folder.Write("BAD.QXT", kExample.substr(0, 100)).string();
+  file = folder.Write("BAD.QXT", kWorkedExample.substr(0, 100)).string();
   const std::string into = NewTransactionDatabase();
   EXPECT_EQ(Store(into), 1);
   EXPECT_THAT(err, StartsWith("Import Error: "));

@@ -9,6 +9,8 @@
 #include <SQLiteCpp/Statement.h>
 #include <unistd.h>
 
+#include "frame/folder.h"
+
 namespace vrx::testing {
 
 namespace fs = std::filesystem;
@@ -26,7 +28,7 @@ constexpr fs::perms kEnterAll =
 
 fs::path TemplatePath(DatabaseKind kind) {
   return fs::path(VRX_BIN_DIR) /
-         (kind == DatabaseKind::kRecipe ? kRecipeTemplate : kTransactionTemplate);
+         (kind == DatabaseKind::kRecipe ? kRecipeTemplateName : kTransactionTemplateName);
 }
 
 fs::path CopyOfTemplate(const TempFolder& folder, std::string_view name, DatabaseKind kind) {
