@@ -48,6 +48,10 @@ class KRMCOMM {
   bool KRM_DumpAll();
   bool KRM_Download(std::string_view text);  // true once the last byte has left the port
 
+  // Bytes that came behind the reply read last. They stay until the next command discards them. A
+  // dump they follow was closed by a terminator inside its data: what follows is the rest of it.
+  int KRM_UnreadCount();
+
   // The data between the two terminators of a reply; empty, with GS_KRM_ErrMsg set, for a reply
   // without exactly two or with nothing between them.
   std::string KRM_ExtractData(std::string_view reply);

@@ -68,6 +68,14 @@ bool KRMCOMM::KRM_DumpAll() {
   return dumped;
 }
 
+int KRMCOMM::KRM_UnreadCount() {
+  try {
+    return serial_.InBufferCount();
+  } catch (const SerialError&) {
+    return 0;  // a line that is gone brings no more
+  }
+}
+
 bool KRMCOMM::KRM_Download(std::string_view text) { return KRM_Open() && KRM_SendString(text); }
 
 bool KRMCOMM::AskForEcho(char code) {

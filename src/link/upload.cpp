@@ -69,6 +69,13 @@ void Upload::ModuleNotDetected() {
 }
 
 int Upload::TakeReply() {
+  if (krm_.KRM_UnreadCount() > 0) {
+    // As a reply of three terminators that came in one piece.
+    transfer_.transfer_block.clear();
+    krm_.GS_KRM_ErrMsg("Invalid terminators");
+    Fail(krm_.GS_KRM_ErrMsg());
+    return 0;
+  }
   transfer_.transfer_block = krm_.KRM_ExtractData(krm_.GS_KRM_RxDBuffer());
   if (transfer_.transfer_block.empty()) {
     transfer_.data_window.clear();

@@ -130,7 +130,8 @@ TEST_F(CtlTest, AValueThatASettingDoesNotHaveIsRefused) {
       {"SerialPort", "COM1"}, {"SerialPort", "0"},       {"SerialPort", ""}};
   for (const auto& [key, value] : wrong) {
     EXPECT_EQ(Run({"settings", key, value}), 1) << key << value;
-    EXPECT_EQ(err, "Settings Error: " + key + " cannot be '" + value + "'.\n");
+    const std::string refusal = "Settings Error: " + key + " cannot be '";
+    EXPECT_EQ(err, refusal + value + "'.\n");
   }
   EXPECT_EQ(ReadAll(folder / "data/VRX-2260.INI"), before);
 }

@@ -56,12 +56,12 @@ class CtlTest : public ::testing::Test {
   }
 
   std::string NewRecipeDatabase(std::string_view name = "YARD.RDB") {
-    const std::string path = (folder / name).string();
+    std::string path = (folder / name).string();
     EXPECT_EQ(Run({"new", "recipe", path}), 0) << err;
     return path;
   }
   std::string NewTransactionDatabase(std::string_view name = "YARD.TDB") {
-    const std::string path = (folder / name).string();
+    std::string path = (folder / name).string();
     EXPECT_EQ(Run({"new", "transaction", path}), 0) << err;
     return path;
   }

@@ -9,7 +9,6 @@
 namespace vrx::testing {
 namespace {
 
-using ::testing::EndsWith;
 using ::testing::HasSubstr;
 using ::testing::IsEmpty;
 
@@ -132,6 +131,10 @@ TEST_F(UploadOverALine, LineGoneInTheData) { FailsThenWorks({"hang-up=40"}, "Err
 
 TEST_F(UploadOverALine, AnExtraTerminatorInTheData) {
   FailsThenWorks({"extra-us", "--baud", "0"}, "Invalid terminators\n", false);
+}
+
+TEST_F(UploadOverALine, AnExtraTerminatorAtTheLinesOwnPace) {
+  FailsThenWorks({"extra-us"}, "Invalid terminators\n", false);
 }
 
 TEST_F(UploadOverALine, ALongStallEndsTheReply) {

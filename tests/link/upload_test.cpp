@@ -126,6 +126,17 @@ TEST_F(UploadTest, TerminatorInsideTheDataIsToldInTheStatusLine) {
   EXPECT_EQ(op.status_color, StatusColor::kRed);
 }
 
+TEST_F(UploadTest, TerminatorInsideTheDataIsToldWhenTheRestComesLater) {
+  serial.WillAnswer(kEcho19200);
+  serial.WillAnswer(FakeSerialControl::Answer{{Ms{10}, "\x15\x1F{BAT/FED},L\x1F"},
+                                              {Ms{200}, "the rest of the file"}});
+  tab.transfer_block = "of an earlier upload";
+  EXPECT_EQ(upload.UploadFromModule(), 0);
+  EXPECT_EQ(op.Status(), "Invalid terminators");
+  EXPECT_EQ(op.status_color, StatusColor::kRed);
+  EXPECT_EQ(tab.transfer_block, "");
+}
+
 TEST_F(UploadTest, CountsInTheStatusLineEveryHalfSecond) {
   serial.WillAnswer(kEcho19200);
   serial.WillAnswer(FakeSerialControl::Answer{
