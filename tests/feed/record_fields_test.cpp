@@ -3,6 +3,8 @@
 #include <random>
 #include <stdexcept>
 
+#include <array>
+
 #include <gtest/gtest.h>
 
 #include "frame/number.h"
@@ -24,7 +26,7 @@ std::string Refusal(RecordKind kind, std::string_view field, std::string_view te
   return "not refused";
 }
 
-constexpr RecordKind kAllKinds[] = {RecordKind::kIngredient, RecordKind::kRecipe, RecordKind::kPen};
+constexpr std::array kAllKinds{RecordKind::kIngredient, RecordKind::kRecipe, RecordKind::kPen};
 
 TEST(NameField, MapsTypedLettersAsTheDisplayShowsThem) {
   for (const RecordKind kind : kAllKinds) {

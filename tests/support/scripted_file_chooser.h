@@ -29,7 +29,7 @@ class ScriptedFileChooser : public FileChooser {
     if (choices.empty()) {
       throw std::logic_error("unexpected file dialog: " + dialog.title);
     }
-    const FileChoice choice = choices.front();
+    FileChoice choice = choices.front();
     choices.pop_front();
     return choice;
   }
