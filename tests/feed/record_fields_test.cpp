@@ -1,9 +1,8 @@
 #include "feed/record_fields.h"
 
+#include <array>
 #include <random>
 #include <stdexcept>
-
-#include <array>
 
 #include <gtest/gtest.h>
 
