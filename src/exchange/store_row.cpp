@@ -1,7 +1,6 @@
 #include "exchange/store_row.h"
 
 #include <algorithm>
-#include <array>
 #include <charconv>
 #include <chrono>
 #include <limits>
@@ -42,10 +41,6 @@ std::optional<TimeOfDay> ParseDisplayTime(std::string_view text) {
   }
   return TimeOfDay{*hour % 12 + (afternoon ? 12 : 0), *minute, 0};
 }
-
-constexpr std::array<std::string_view, 12> kMonthMarks = {"-Jan-", "-Feb-", "-Mar-", "-Apr-",
-                                                          "-May-", "-Jun-", "-Jul-", "-Aug-",
-                                                          "-Sep-", "-Oct-", "-Nov-", "-Dec-"};
 
 // "15-Jan-2009", the form of FormatTransactionDate.
 std::optional<Date> ParseDisplayDate(std::string_view text) {

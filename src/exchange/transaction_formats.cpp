@@ -1,7 +1,6 @@
 #include "exchange/transaction_formats.h"
 
 #include <algorithm>
-#include <array>
 
 #include "frame/number.h"
 #include "frame/text.h"
@@ -43,15 +42,12 @@ std::string FormatTransactionTime(std::string_view text) {
 }
 
 std::string FormatTransactionDate(std::string_view text) {
-  constexpr std::array<std::string_view, 12> kMonths = {"-Jan-", "-Feb-", "-Mar-", "-Apr-",
-                                                        "-May-", "-Jun-", "-Jul-", "-Aug-",
-                                                        "-Sep-", "-Oct-", "-Nov-", "-Dec-"};
   if (text.empty()) {
     return {};
   }
   const int month = TextToLong(Pair(text, 0));
   const std::string_view name =
-      month >= 1 && month <= 12 ? kMonths[static_cast<std::size_t>(month - 1)] : "-XXX-";
+      month >= 1 && month <= 12 ? kMonthMarks[static_cast<std::size_t>(month - 1)] : "-XXX-";
   return std::string(Pair(text, 2)).append(name).append(Last(text, 4));
 }
 
