@@ -234,9 +234,11 @@ TEST(StoreCrash, AKillAtAnyMomentLeavesWholeImportsOnly) {
 std::string RunWithMounts(const fs::path& folder, const std::string& script) {
   TempFolder scripts;
   const fs::path path = scripts.Write("script.sh", "set -e\n" + script);
+  // As root, as root in a changed root, or as a user.
   const std::string command =
-      "if unshare --mount true 2>/dev/null; then own='unshare --mount'; "
-      "else own='unshare --user --map-root-user --mount'; fi; $own sh '" +
+      "for own in 'unshare --mount' 'unshare --mount --propagation unchanged' "
+      "'unshare --user --map-root-user --mount'; do $own true 2>/dev/null && break; done; $own sh "
+      "'" +
       path.string() + "' '" + folder.string() + "' '" STORE_PROCESS "' 2>&1";
   FILE* const pipe = popen(command.c_str(), "r");
   if (pipe == nullptr) {

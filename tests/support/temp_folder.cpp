@@ -25,7 +25,7 @@ TempFolder::~TempFolder() {
 }
 
 fs::path TempFolder::Write(std::string_view name, std::string_view bytes) const {
-  const fs::path path = path_ / name;
+  fs::path path = path_ / name;
   std::ofstream out(path, std::ios::binary);
   out.write(bytes.data(), static_cast<std::streamsize>(bytes.size()));
   out.close();
