@@ -14,14 +14,13 @@
 #include "database/identity.h"
 #include "database/records.h"
 #include "database/schema.h"
+#include "feed/adjust_list.h"
 #include "feed/record_edits.h"
 #include "feed/record_fields.h"
 #include "frame/number.h"
 
 namespace vrx {
 namespace {
-
-constexpr int kAdjustLimit = 20;  // percent, both ways; the list index counts down from it
 
 // What was given for an option, an empty text included.
 std::optional<std::string> Given(const CLI::Option* option) {
@@ -130,7 +129,7 @@ class RecipeForm : public RecordForm {
     head_count_ = Text("--head-count", "Head to feed, in a recipe of type H");
     ration_target_ = Text("--ration-target", "Weight wanted, in a recipe of type W, % or P");
     adjust_ =
-        Text("--adjust", "Percent, -20 to 20")->check(CLI::Range(-kAdjustLimit, kAdjustLimit));
+        Text("--adjust", "Percent, -20 to 20")->check(CLI::Range(-kNoAdjustIndex, kNoAdjustIndex));
   }
 
   int Run(Session& session) {
@@ -142,9 +141,10 @@ class RecipeForm : public RecordForm {
                       .head_count = Given(head_count_),
                       .ration_target = Given(ration_target_)};
       if (const auto adjust = Given(adjust_)) {
-        edit.adjust_batch_index = kAdjustLimit - TextToLong(*adjust);
+        edit.adjust_batch_index = kNoAdjustIndex - TextToLong(*adjust);
       }
-      auto notes = ApplyEdit(edit, session.Settings().AutoAbbreviateOn(), record);
+      auto notes = ApplyEdit(edit, ReadRecipeLines(database, Id()),
+                             session.Settings().AutoAbbreviateOn(), record);
       WriteRecipe(database, record);
       return notes;
     });

@@ -1,8 +1,9 @@
 #include "feed/record_edits.h"
 
-#include <array>
 #include <utility>
 
+#include "feed/batch_type.h"
+#include "feed/ration_totals.h"
 #include "feed/record_fields.h"
 #include "frame/number.h"
 #include "frame/text.h"
@@ -52,33 +53,39 @@ class Form {
   std::vector<std::string> notes_;
 };
 
-void RequireOpen(bool wanted, bool open, std::string_view input, const std::string& batch_type) {
-  if (wanted && !open) {
-    throw FieldRefusal("The '" + std::string(input) + "' field is closed in a recipe of type \"" +
-                       batch_type + "\".");
-  }
+std::string ClosedInput(std::string_view input) {
+  return "The '" + std::string(input) + "' field is closed";
 }
 
-}  // namespace
+// Refuses what was typed into an input that is hidden or disabled.
+class InputGate {
+ public:
+  InputGate(const std::string& batch_type, const std::vector<RecipeLineRecord>& lines)
+      : batch_type_(batch_type), type_(FindBatchType(batch_type)), lines_(lines) {}
 
-RecipeInputs InputsOfBatchType(std::string_view batch_type) {
-  struct Row {
-    std::string_view code;
-    RecipeInputs inputs;
-  };
-  constexpr RecipeInputs kByWeight = {
-      .head_count = false, .ration_target = true, .adjust_batch = true};
-  constexpr RecipeInputs kByHead = {
-      .head_count = true, .ration_target = false, .adjust_batch = true};
-  constexpr std::array<Row, 4> kRows = {
-      {{"W", kByWeight}, {"H", kByHead}, {"%", kByWeight}, {"P", kByWeight}}};
-  for (const Row& row : kRows) {
-    if (row.code == batch_type) {
-      return row.inputs;
+  void Require(bool typed, std::string_view input, bool RecipeInputs::*group) const {
+    if (!typed) {
+      return;
+    }
+    if (type_ == nullptr || !(type_->shown.*group)) {
+      throw FieldRefusal(ClosedInput(input) + " in a recipe of type \"" + batch_type_ + "\".");
+    }
+    if (!(EnabledByLines(batch_type_, lines_).*group)) {
+      const bool by_percent = type_->entry == LineEntry::kPercent;
+      throw FieldRefusal(ClosedInput(input) + ": " +
+                         (by_percent ? std::string(kMustTotal100Pct)
+                                     : "the 'Target' weights of the recipe total less than 1") +
+                         ".");
     }
   }
-  return {};
-}
+
+ private:
+  const std::string& batch_type_;
+  const BatchType* type_;
+  const std::vector<RecipeLineRecord>& lines_;
+};
+
+}  // namespace
 
 std::vector<std::string> ApplyEdit(const IngredientEdit& edit, bool auto_abbreviate,
                                    IngredientRecord& record) {
@@ -94,18 +101,17 @@ std::vector<std::string> ApplyEdit(const IngredientEdit& edit, bool auto_abbrevi
   return form.TakeNotes();
 }
 
-std::vector<std::string> ApplyEdit(const RecipeEdit& edit, bool auto_abbreviate,
+std::vector<std::string> ApplyEdit(const RecipeEdit& edit,
+                                   const std::vector<RecipeLineRecord>& lines, bool auto_abbreviate,
                                    RecipeRecord& record) {
   Form form(RecordKind::kRecipe);
   RecipeRecord edited = record;
   form.TypeTexts(edit.name, edit.description, auto_abbreviate, edited.name, edited.description);
   edited.batch_type = edit.batch_type.value_or(edited.batch_type);
-  const RecipeInputs inputs = InputsOfBatchType(edited.batch_type);
-  RequireOpen(edit.head_count.has_value(), inputs.head_count, "HeadCount", edited.batch_type);
-  RequireOpen(edit.ration_target.has_value(), inputs.ration_target, "RationTarget",
-              edited.batch_type);
-  RequireOpen(edit.adjust_batch_index.has_value(), inputs.adjust_batch, "AdjBatTotIndex",
-              edited.batch_type);
+  const InputGate gate(edited.batch_type, lines);
+  gate.Require(edit.head_count.has_value(), "HeadCount", &RecipeInputs::head_count);
+  gate.Require(edit.ration_target.has_value(), "RationTarget", &RecipeInputs::ration_target);
+  gate.Require(edit.adjust_batch_index.has_value(), "AdjBatTotIndex", &RecipeInputs::adjust_batch);
   std::string head_count = std::to_string(edited.head_count);
   form.Type("HeadCount", edit.head_count, head_count);
   edited.head_count = TextToLong(head_count);

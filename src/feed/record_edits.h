@@ -32,24 +32,19 @@ struct PenEdit {
   std::optional<std::string> feed_amount = std::nullopt;
 };
 
-// Which inputs of a recipe its batch type shows and opens, whatever its lines add up to. Nothing is
-// open for "!" and for an unknown code.
-struct RecipeInputs {
-  bool head_count = false;
-  bool ration_target = false;
-  bool adjust_batch = false;
-};
-RecipeInputs InputsOfBatchType(std::string_view batch_type);
-
 // Bring an edit into the record as its form would, up to the commit: the record is changed as a
 // whole, or not at all when this throws FieldRefusal. Return what the operator is told.
 //
 // The description comes first and, with `auto_abbreviate`, gives the name; a name that was typed as
 // well is typed after it. A record of an ingredient or pen that bears a name of its own and no
 // description takes the name as description.
+//
+// A recipe's inputs are open as its batch type, that of the same edit included, and the sums of its
+// stored lines leave them. Sums that fail (ration.h) throw when an input was typed.
 std::vector<std::string> ApplyEdit(const IngredientEdit& edit, bool auto_abbreviate,
                                    IngredientRecord& record);
-std::vector<std::string> ApplyEdit(const RecipeEdit& edit, bool auto_abbreviate,
+std::vector<std::string> ApplyEdit(const RecipeEdit& edit,
+                                   const std::vector<RecipeLineRecord>& lines, bool auto_abbreviate,
                                    RecipeRecord& record);
 std::vector<std::string> ApplyEdit(const PenEdit& edit, bool auto_abbreviate, PenRecord& record);
 

@@ -10,6 +10,8 @@
 #include <gtest/gtest.h>
 
 #include "ctl/command_line.h"
+#include "database/connection.h"
+#include "database/records.h"
 #include "support/fake_serial_control.h"
 #include "support/fixed_calendar.h"
 #include "support/fixed_system_info.h"
@@ -64,6 +66,11 @@ class CtlTest : public ::testing::Test {
     std::string path = (folder / name).string();
     EXPECT_EQ(Run({"new", "transaction", path}), 0) << err;
     return path;
+  }
+
+  static void AddLine(const std::string& database, RecipeLineRecord line) {
+    SQLite::Database connection = OpenDatabase(database, Access::kWrite);
+    WriteRecipeLine(connection, line);
   }
 
   static std::string SitePath(std::string_view name) {

@@ -158,6 +158,7 @@ TEST_F(RecordCommands, ARefusedSetChangesNothing) {
 }
 
 TEST_F(RecordCommands, SetRecipeTakesTypeAndItsInputsTogether) {
+  AddLine(database, {.recipe_id = "3", .target = "100"});
   ASSERT_EQ(
       Set("recipe", "3",
           {"--description", "Steers", "--type", "H", "--head-count", "250", "--adjust", "-5"}),

@@ -4,6 +4,7 @@
 #include <gtest/gtest.h>
 
 #include "feed/record_fields.h"
+#include "feed/whole_number.h"
 
 namespace vrx {
 namespace {
@@ -93,53 +94,95 @@ TEST(PenEdit, FeedAloneKeepsTheDefaultName) {
   EXPECT_EQ(record.feed_amount, "120");
 }
 
+std::vector<RecipeLineRecord> OneLine() {
+  return {{.target = "100", .dry_matter_percent = "88", .ingredient_percent = "100.00"}};
+}
+
+std::string Refusal(const RecipeEdit& edit, const std::vector<RecipeLineRecord>& lines,
+                    const std::string& type) {
+  RecipeRecord record = FreshRecipe(type);
+  try {
+    ApplyEdit(edit, lines, true, record);
+  } catch (const FieldRefusal& refusal) {
+    return refusal.what();
+  }
+  return "not refused";
+}
+
 TEST(RecipeEdit, ANameIsNotTakenAsDescription) {
   RecipeRecord record = FreshRecipe("W");
-  ApplyEdit({.name = "steers"}, true, record);
+  ApplyEdit({.name = "steers"}, {}, true, record);
   EXPECT_EQ(record.name, "STEERS");
   EXPECT_EQ(record.description, "");
 }
 
 TEST(RecipeEdit, WeightTypesCloseTheHeadCount) {
   for (const std::string type : {"W", "%", "P"}) {
+    EXPECT_EQ(Refusal({.head_count = "250"}, OneLine(), type),
+              "The 'HeadCount' field is closed in a recipe of type \"" + type + "\".");
     RecipeRecord record = FreshRecipe(type);
-    EXPECT_THROW(ApplyEdit({.head_count = "250"}, true, record), FieldRefusal) << type;
-    ApplyEdit({.ration_target = "5000", .adjust_batch_index = 15}, true, record);
+    ApplyEdit({.ration_target = "5000", .adjust_batch_index = 15}, OneLine(), true, record);
     EXPECT_EQ(record.ration_target, "5000");
     EXPECT_EQ(record.adjust_batch_index, "15");
   }
 }
 
 TEST(RecipeEdit, TheHeadCountTypeClosesTheRationTarget) {
+  EXPECT_EQ(Refusal({.ration_target = "5000"}, OneLine(), "H"),
+            "The 'RationTarget' field is closed in a recipe of type \"H\".");
   RecipeRecord record = FreshRecipe("H");
-  EXPECT_THROW(ApplyEdit({.ration_target = "5000"}, true, record), FieldRefusal);
-  ApplyEdit({.head_count = "250", .adjust_batch_index = 40}, true, record);
+  ApplyEdit({.head_count = "250", .adjust_batch_index = 40}, OneLine(), true, record);
   EXPECT_EQ(record.head_count, 250);
   EXPECT_EQ(record.adjust_batch_index, "40");
 }
 
 TEST(RecipeEdit, AnUntypedRecipeClosesEveryInput) {
   RecipeRecord record = FreshRecipe("!");
-  EXPECT_THROW(ApplyEdit({.head_count = "1"}, true, record), FieldRefusal);
-  EXPECT_THROW(ApplyEdit({.ration_target = "1"}, true, record), FieldRefusal);
-  EXPECT_THROW(ApplyEdit({.adjust_batch_index = 20}, true, record), FieldRefusal);
+  EXPECT_THROW(ApplyEdit({.head_count = "1"}, OneLine(), true, record), FieldRefusal);
+  EXPECT_THROW(ApplyEdit({.ration_target = "1"}, OneLine(), true, record), FieldRefusal);
+  EXPECT_THROW(ApplyEdit({.adjust_batch_index = 20}, OneLine(), true, record), FieldRefusal);
 }
 
 TEST(RecipeEdit, TheTypeOfTheSameEditOpensItsInputs) {
   RecipeRecord record = FreshRecipe("!");
-  ApplyEdit({.batch_type = "H", .head_count = "1001"}, true, record);
+  ApplyEdit({.batch_type = "H", .head_count = "1001"}, OneLine(), true, record);
   EXPECT_EQ(record.batch_type, "H");
   EXPECT_EQ(record.head_count, 100);
 }
 
-TEST(RecipeEdit, TheRefusalNamesInputAndType) {
-  RecipeRecord record = FreshRecipe("P");
-  try {
-    ApplyEdit({.head_count = "10"}, true, record);
-    FAIL() << "not refused";
-  } catch (const FieldRefusal& refusal) {
-    EXPECT_STREQ(refusal.what(), "The 'HeadCount' field is closed in a recipe of type \"P\".");
+TEST(RecipeEdit, AWeightRecipeIsClosedWhileItsTargetsTotalLessThanOne) {
+  const std::vector<RecipeLineRecord> unweighed = {{.target = "0"}, {.target = ""}};
+  const std::string closed =
+      " field is closed: the 'Target' weights of the recipe total less than 1.";
+  for (const std::string type : {"W", "%"}) {
+    EXPECT_EQ(Refusal({.ration_target = "500"}, unweighed, type), "The 'RationTarget'" + closed);
+    EXPECT_EQ(Refusal({.adjust_batch_index = 3}, unweighed, type), "The 'AdjBatTotIndex'" + closed);
   }
+  EXPECT_EQ(Refusal({.head_count = "50"}, unweighed, "H"), "The 'HeadCount'" + closed);
+  EXPECT_EQ(Refusal({.head_count = "50"}, {}, "H"), "The 'HeadCount'" + closed);
+  EXPECT_EQ(Refusal({.head_count = "50"}, {{.target = "1"}}, "H"), "not refused");
+}
+
+TEST(RecipeEdit, APercentRecipeIsClosedUntilItTotals100) {
+  const std::string closed = " field is closed: Ingredients must total 100% to set Ration Target.";
+  const auto lines = [](const std::string& percent) {
+    return std::vector<RecipeLineRecord>{{.ingredient_percent = "50.00"},
+                                         {.ingredient_percent = percent}};
+  };
+  EXPECT_EQ(Refusal({.ration_target = "500"}, lines("49.99"), "P"), "The 'RationTarget'" + closed);
+  EXPECT_EQ(Refusal({.adjust_batch_index = 3}, lines("50.01"), "P"),
+            "The 'AdjBatTotIndex'" + closed);
+  EXPECT_EQ(Refusal({.ration_target = "500"}, lines("50.00"), "P"), "not refused");
+  EXPECT_EQ(Refusal({.ration_target = "500"}, lines("49.996"), "P"), "not refused");
+}
+
+TEST(RecipeEdit, TextsAndTypeNeedNoSums) {
+  RecipeRecord record = FreshRecipe("W");
+  const std::vector<RecipeLineRecord> too_heavy = {{.target = "2147483647"}, {.target = "1"}};
+  ApplyEdit({.name = "steers", .batch_type = "%"}, too_heavy, true, record);
+  EXPECT_EQ(record.batch_type, "%");
+  EXPECT_THROW(ApplyEdit({.ration_target = "1"}, too_heavy, true, record), OverflowError);
+  EXPECT_EQ(record.ration_target, "0");
 }
 
 }  // namespace
