@@ -39,6 +39,7 @@ std::unique_ptr<Command> MakeInfoCommand();
 std::unique_ptr<Command> MakeSettingsCommand();
 std::unique_ptr<Command> MakeListCommand();
 std::unique_ptr<Command> MakeSetCommand();
+std::unique_ptr<Command> MakeRecipeCommand();
 std::unique_ptr<Command> MakeModuleCommand();
 std::unique_ptr<Command> MakeImportCommand();
 std::unique_ptr<Command> MakeStoreCommand();

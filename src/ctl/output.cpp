@@ -67,18 +67,6 @@ void WriteJson(std::ostream& out, const Json& document) {
   out << document.dump(kIndent, ' ', false, Json::error_handler_t::replace) << '\n';
 }
 
-Json ToJson(const OutputTable& table) {
-  Json document = Json::array();
-  for (const auto& row : table.rows) {
-    Json object = Json::object();
-    for (std::size_t column = 0; column < row.size(); ++column) {
-      object[table.header[column]] = row[column];
-    }
-    document.push_back(std::move(object));
-  }
-  return document;
-}
-
 }  // namespace
 
 void OutputOptions::RegisterCsv(CLI::App& app) {
@@ -112,6 +100,18 @@ void WriteTable(std::ostream& out, OutputForm form, const OutputTable& table) {
   for (const auto& row : table.rows) {
     WriteLine(out, row, separator, end, to_text);
   }
+}
+
+Json ToJson(const OutputTable& table) {
+  Json document = Json::array();
+  for (const auto& row : table.rows) {
+    Json object = Json::object();
+    for (std::size_t column = 0; column < row.size(); ++column) {
+      object[table.header[column]] = row[column];
+    }
+    document.push_back(std::move(object));
+  }
+  return document;
 }
 
 void WriteObject(std::ostream& out, OutputForm form, const Json& object) {

@@ -40,6 +40,9 @@ struct OutputTable {
 // a text that are none come out as the replacement character.
 void WriteTable(std::ostream& out, OutputForm form, const OutputTable& table);
 
+// The rows as objects under the header's names.
+Json ToJson(const OutputTable& table);
+
 // One object: as JSON itself, else as a table of one row.
 void WriteObject(std::ostream& out, OutputForm form, const Json& object);
 
