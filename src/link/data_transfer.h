@@ -5,12 +5,17 @@
 
 namespace vrx {
 
+inline constexpr int kMemoryBarMaximum = 65536;  // bytes
+
 // One row of `lstDataFiles`: a file cut from the transfer block.
 struct DataFileRow {
   int file = 0;  // its number, from 1
   std::string text;
   bool checked = false;
 };
+
+// The choice of `optConnection`.
+enum class Connection { kModule = 0, kIndicator = 1 };
 
 // What the Data Transfer tab holds. Texts are bytes as they came over the line.
 struct DataTransfer {
@@ -21,6 +26,16 @@ struct DataTransfer {
   int selected_row = -1;                  // of data_files; -1 for none
   bool recipe_frames_visible = false;     // frmRecipeFile and frmRecipeBackup
   bool data_files_frame_visible = false;  // frmDataFiles
+  bool reload_enabled = true;             // cmdReload
+
+  Connection connection = Connection::kModule;
+  std::string open_caption = "Open...";  // of cmdOpenRecipeDB and cmdOpenRecipeBU
+  bool download_buttons_visible = true;  // cmdDownloadRecipeDB and cmdDownloadRecipeBU
+  bool memory_label_visible = false;     // lblMemory
+  bool memory_size_visible = false;      // lblMemorySize
+  bool memory_bar_visible = false;       // prgMemorySize
+  std::string memory_size = "0";         // caption of lblMemorySize, bytes in the memory image
+  int memory_bar = 0;                    // value of prgMemorySize, from 0 to kMemoryBarMaximum
 };
 
 }  // namespace vrx

@@ -66,11 +66,21 @@ class KRMCOMM {
   std::int32_t GL_KRM_FileAttributes(int file, int attribute) const;
 
   // The PC's image of module memory. All but the appending transmit, beep when the bytes are out,
-  // and tell the operator when they are not.
+  // and tell the operator when they are not, unless the program is closing.
   void KRM_ClearVirtualMemory();
   void KRM_AppendToVirtualMemory(std::string_view text);
   void KRM_DumpVirtualMemory();
   void KRM_DumpAllVirtualMemory();
+
+  // The direct connection, where the PC answers as the module does. Opens without flow control:
+  // every byte is data or a command.
+  bool KRM_DirectOpen();
+  // One reception: waits without limit for a first byte, then until the line was silent for 250 ms.
+  // The burst is left in GS_KRM_RxDBuffer, its length in GL_KRM_RxDCount. A port that somebody
+  // closes brings nothing, and the wait goes on until GB_KRM_AbortDirectConnect ends it; an abort
+  // leaves nothing of the burst. False when the line is gone or the program is closing: what had
+  // arrived is left in the buffer, GS_KRM_ErrMsg says which.
+  bool KRM_DirectRxD();
 
   // What lies behind the last failure: the platform's words, or ours where it has none ("no
   // reply"). Empty after a command that went well.
@@ -113,6 +123,7 @@ class KRMCOMM {
   bool Drain();
   bool HandOver(std::string_view bytes);
   bool Receive(int count, std::string& buffer);
+  void ReceiveBurst(std::string& burst);
 
   // False once a wait was cut short, until the next opening.
   bool GoesOn();

@@ -24,6 +24,9 @@ void KRMCOMM::Answer(std::string_view frame, std::string_view command_name) {
     BeepIfEnabled(op_, settings_);
     return;
   }
+  if (pump_.Closing()) {
+    return;
+  }
   op_.Beep();
   op_.ShowMessage(
       {.icon = Icon::kCritical,

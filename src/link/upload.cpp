@@ -31,7 +31,17 @@ void Upload::UploadDataFromKRM() {
   transfer_.file_path.clear();
   op_.SetStatusLine("");
   transfer_.recipe_frames_visible = false;
-  ListDataFiles(UploadFromModule());
+  if (transfer_.connection == Connection::kModule) {
+    ListDataFiles(UploadFromModule());
+    return;
+  }
+  const int count = ReadDirectMemory();
+  ListDataFiles(count);
+  if (count < 1) {
+    op_.SetStatusLine("No data files in memory!");
+  } else {
+    transfer_.reload_enabled = false;
+  }
 }
 
 int Upload::UploadFromModule() {
@@ -82,6 +92,26 @@ int Upload::TakeReply() {
     Fail(krm_.GS_KRM_ErrMsg());
     return 0;
   }
+  return CutFiles("Upload complete!", krm_.GS_KRM_RxDBuffer().size());
+}
+
+int Upload::ReadDirectMemory() {
+  transfer_.data_window.clear();
+  op_.SetStatusColor(StatusColor::kBlue);
+  transfer_.transfer_block = krm_.GS_KRM_VirtualMemory();
+  if (transfer_.transfer_block.empty()) {
+    op_.Beep();
+    op_.ShowMessage({.icon = Icon::kWarning,
+                     .title = "KRM Error",
+                     .text = "There is no file data in the KRM memory. "});
+    return 0;
+  }
+  op_.SetStatusLine("Standby...");
+  const Hourglass hourglass(op_);
+  return CutFiles("Memory read complete!", transfer_.transfer_block.size());
+}
+
+int Upload::CutFiles(std::string_view done_words, std::size_t told_bytes) {
   try {
     const int count = krm_.KRM_ExtractFiles(transfer_.transfer_block);
     if (count == 0) {
@@ -91,8 +121,8 @@ int Upload::TakeReply() {
       return 0;
     }
     op_.SetStatusColor(StatusColor::kGreen);
-    op_.SetStatusLine("Upload complete!  (" + std::to_string(krm_.GS_KRM_RxDBuffer().size()) +
-                      " bytes, " + std::to_string(count) + (count > 1 ? " files)" : " file)"));
+    op_.SetStatusLine(std::string(done_words) + "  (" + std::to_string(told_bytes) + " bytes, " +
+                      std::to_string(count) + (count > 1 ? " files)" : " file)"));
     return count;
   } catch (const TooManyFilesError& error) {
     transfer_.data_window = transfer_.transfer_block;

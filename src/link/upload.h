@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstddef>
 #include <string_view>
 
 #include "link/data_transfer.h"
@@ -14,12 +15,16 @@ class Upload {
   Upload(KRMCOMM& krm, DataTransfer& transfer, EventPump& pump, Operator& op,
          const PrivateINI& settings);
 
-  // The button: clears the tab, uploads from the module and lists what came.
+  // The button: clears the tab, uploads from the module, or in the direct connection reads the
+  // memory image, and lists what came.
   void UploadDataFromKRM();
 
   // Brings the module's memory into the transfer block and returns the count of files cut from it.
   // A memory with more files than the table holds ends red and gives those that fit.
   int UploadFromModule();
+
+  // Brings the memory image into the transfer block, as UploadFromModule does the module's memory.
+  int ReadDirectMemory();
 
   // A click on the check box of a row, from 0. Only one box is checked at a time.
   void DataFilesClick(int row);
@@ -31,6 +36,8 @@ class Upload {
   void Fail(std::string_view words);
   void ModuleNotDetected();
   int TakeReply();
+  // Cuts the transfer block, which is not empty.
+  int CutFiles(std::string_view done_words, std::size_t told_bytes);
   void ListDataFiles(int count);
 
   KRMCOMM& krm_;

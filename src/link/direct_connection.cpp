@@ -1,0 +1,178 @@
+#include "link/direct_connection.h"
+
+#include <algorithm>
+#include <string>
+
+#include "frame/text.h"
+#include "link/control_characters.h"
+
+namespace vrx {
+
+namespace {
+
+constexpr Milliseconds kUpdatesInterval{200};
+
+// Both wordings are meant.
+constexpr std::string_view kWaiting = "Waiting to receive commands/data from K-2260 indicator.";
+constexpr std::string_view kWaitingAfterLoad =
+    "Waiting to receive commands/data from K2260 indicator.";
+
+}  // namespace
+
+DirectConnection::DirectConnection(KRMCOMM& krm, DataTransfer& transfer, EventPump& pump,
+                                   Operator& op, const PrivateINI& settings)
+    : krm_(krm), transfer_(transfer), pump_(pump), op_(op), settings_(settings) {}
+
+void DirectConnection::ConnectModule() {
+  krm_.KRM_Close();
+  krm_.GB_KRM_AbortDirectConnect(true);
+  tim_direct_rxd_updates_.reset();
+  transfer_.data_window.clear();
+  op_.SetStatusLine("");
+  op_.SetStatusColor(StatusColor::kBlue);
+  ShowTab(Connection::kModule);
+}
+
+bool DirectConnection::ConnectIndicator() { return Enter() && DirectConnectLoop(); }
+
+bool DirectConnection::Enter() {
+  krm_.KRM_Close();
+  if (!krm_.GS_KRM_VirtualMemory().empty()) {
+    BeepIfEnabled(op_, settings_);
+    const Answer answer =
+        op_.ShowMessage({.icon = Icon::kQuestion,
+                         .buttons = Buttons::kYesNo,
+                         .title = "Clear Memory",
+                         .text = "Do you want to clear the current data in memory?"});
+    if (answer == Answer::kYes) {
+      krm_.GS_KRM_VirtualMemory({});
+    }
+  }
+  krm_.GB_KRM_AbortDirectConnect(false);
+  if (!krm_.KRM_DirectOpen()) {
+    op_.Beep();
+    op_.ShowMessage({.icon = Icon::kCritical,
+                     .title = "Error",
+                     .text = "Could not open serial port for direct-connection.",
+                     .cause = krm_.KRM_FailureCause()});
+    ConnectModule();
+    return false;
+  }
+  transfer_.data_window.clear();
+  transfer_.file_path.clear();
+  op_.SetStatusColor(StatusColor::kBlue);
+  op_.SetStatusLine(kWaiting);
+  ShowTab(Connection::kIndicator);
+  return true;
+}
+
+void DirectConnection::ShowTab(Connection connection) {
+  const bool direct = connection == Connection::kIndicator;
+  transfer_.connection = connection;
+  transfer_.memory_label_visible = direct;
+  transfer_.memory_size_visible = direct;
+  transfer_.memory_bar_visible = false;
+  transfer_.recipe_frames_visible = false;
+  transfer_.data_files_frame_visible = false;
+  transfer_.open_caption = direct ? "Load Memory..." : "Open...";
+  transfer_.download_buttons_visible = !direct;
+}
+
+bool DirectConnection::DirectConnectLoop() {
+  bool standing = true;
+  while (standing && !krm_.GB_KRM_AbortDirectConnect()) {
+    krm_.GL_KRM_RxDCount(0);
+    krm_.GS_KRM_RxDBuffer({});
+    StartUpdates();
+    standing = krm_.KRM_DirectRxD();
+    // A copy: a handler inside the waits of an answer may receive too.
+    const std::string burst = krm_.GS_KRM_RxDBuffer();
+    Handle(burst);
+  }
+  if (standing) {
+    return true;
+  }
+  tim_direct_rxd_updates_.reset();
+  if (pump_.Closing()) {
+    return true;
+  }
+  op_.Beep();
+  op_.ShowMessage({.icon = Icon::kCritical,
+                   .title = "Error",
+                   .text = "The direct-connection has ended: " + krm_.GS_KRM_ErrMsg() + ".",
+                   .cause = krm_.KRM_FailureCause()});
+  ConnectModule();
+  return false;
+}
+
+// What follows an abort in a burst has nobody left to be answered: the port is closed, or in other
+// hands already.
+void DirectConnection::Handle(std::string_view burst) {
+  for (const char byte : burst) {
+    if (krm_.GB_KRM_AbortDirectConnect()) {
+      return;
+    }
+    HandleByte(byte);
+  }
+}
+
+void DirectConnection::HandleByte(char byte) {
+  switch (byte) {
+    case KRMConst::DC4:
+      krm_.KRM_ClearVirtualMemory();
+      transfer_.file_path.clear();
+      transfer_.data_window.clear();
+      op_.SetStatusLine("Received <DC4>, cleared memory.");
+      break;
+    case KRMConst::NAK:
+      krm_.KRM_DumpVirtualMemory();
+      op_.SetStatusLine("Received <NAK>, transmitted memory.");
+      break;
+    case KRMConst::FS:
+      krm_.KRM_DumpAllVirtualMemory();
+      op_.SetStatusLine("Received <FS>, transmitted memory.");
+      break;
+    default:
+      krm_.KRM_AppendToVirtualMemory({&byte, 1});
+  }
+}
+
+void DirectConnection::LoadMemory(std::string_view text) {
+  krm_.KRM_ClearVirtualMemory();
+  krm_.KRM_AppendToVirtualMemory(text);
+  op_.SetStatusLine(kWaitingAfterLoad);
+}
+
+void DirectConnection::StartUpdates() {
+  if (!tim_direct_rxd_updates_) {
+    tim_direct_rxd_updates_ = pump_.StartTicker(kUpdatesInterval, [this] { Update(); });
+  }
+}
+
+void DirectConnection::Update() {
+  const std::size_t bytes = krm_.GS_KRM_VirtualMemory().size();
+  if (bytes == 0) {
+    op_.SetStatusLine(kWaiting);
+  }
+  SetMemorySize(bytes);
+  transfer_.memory_bar = static_cast<int>(std::min<std::size_t>(bytes, kMemoryBarMaximum));
+}
+
+// A caption that changes tells that what the tab lists is no longer what memory holds.
+void DirectConnection::SetMemorySize(std::size_t bytes) {
+  std::string caption = std::to_string(bytes);
+  if (caption == transfer_.memory_size) {
+    return;
+  }
+  transfer_.memory_size = std::move(caption);
+  if (transfer_.data_files_frame_visible) {
+    transfer_.reload_enabled = true;
+    if (bytes == 0) {
+      transfer_.data_files.clear();
+      transfer_.selected_row = -1;
+    }
+  }
+  op_.SetStatusLine("");
+}
+
+}  // namespace vrx

@@ -1,0 +1,55 @@
+#pragma once
+
+#include <memory>
+#include <string_view>
+
+#include "link/data_transfer.h"
+#include "link/krmcomm.h"
+
+namespace vrx {
+
+// The direct connection of the Data Transfer tab: an indicator on the cable is the master, and the
+// PC answers from its memory image as the module would. References must outlive the object, and it
+// must outlive every call that runs.
+class DirectConnection {
+ public:
+  DirectConnection(KRMCOMM& krm, DataTransfer& transfer, EventPump& pump, Operator& op,
+                   const PrivateINI& settings);
+
+  // The click that chooses the module. Ends a running connection; its loop, below on the stack,
+  // returns once the click's handler has.
+  void ConnectModule();
+
+  // The click that chooses the indicator: Enter and DirectConnectLoop. Returns when the connection
+  // has ended; false when it could not begin or its line was lost.
+  bool ConnectIndicator();
+
+  // Asks whether memory is to be cleared, opens the port, sets the tab up. False, the operator told
+  // and the module connection chosen again, when the port cannot be opened.
+  bool Enter();
+
+  // Receives and answers until GB_KRM_AbortDirectConnect. False, the operator told and the module
+  // connection chosen again, when the line is lost. A closing program ends it without a word.
+  bool DirectConnectLoop();
+
+  // Puts a text into memory in place of what it holds. The indicator is sent a DC4 US unasked,
+  // which takes 1600 ms; what it sends in the first 1000 of them is discarded.
+  void LoadMemory(std::string_view text);
+
+ private:
+  void ShowTab(Connection connection);
+  void StartUpdates();
+  void Update();
+  void SetMemorySize(std::size_t bytes);
+  void Handle(std::string_view burst);
+  void HandleByte(char byte);
+
+  KRMCOMM& krm_;
+  DataTransfer& transfer_;
+  EventPump& pump_;
+  Operator& op_;
+  const PrivateINI& settings_;
+  std::unique_ptr<EventPump::Ticker> tim_direct_rxd_updates_;  // null while it is disabled
+};
+
+}  // namespace vrx

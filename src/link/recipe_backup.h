@@ -1,0 +1,14 @@
+#pragma once
+
+#include <string_view>
+
+#include "frame/private_ini.h"
+#include "platform/operator.h"
+
+namespace vrx {
+
+// False, the operator told, for a text that does not begin as a recipe backup and so cannot be
+// downloaded.
+bool HasBackupHeader(std::string_view text, Operator& op, const PrivateINI& settings);
+
+}  // namespace vrx
