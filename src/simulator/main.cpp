@@ -6,19 +6,47 @@
 
 #include <CLI/CLI.hpp>
 
+#include "simulator/indicator_command.h"
+#include "simulator/indicator_script.h"
 #include "simulator/module_command.h"
 #include "simulator/transmitter.h"
 
 namespace {
 
 using vrx::simulator::AddFault;
+using vrx::simulator::IndicatorOptions;
 using vrx::simulator::ModuleOptions;
+using vrx::simulator::ScriptError;
 using vrx::simulator::Transmitter;
 
 constexpr int kFailed = 1;
 constexpr int kWrongUsage = 2;
 
-void AddModule(CLI::App& program, ModuleOptions& options) {
+constexpr const char* kScriptHelp =
+    "One step a line; a # begins a comment:\n"
+    "  send HEX...                   bytes of two hexadecimal digits each\n"
+    "  send-file PATH\n"
+    "  expect HEX... [within MS]     exactly these bytes come next\n"
+    "  expect-file PATH [within MS]\n"
+    "  save PATH                     writes the data of the next reply to NAK or FS\n"
+    "  wait MS\n"
+    "The limit of an expect and of a save is 10000 ms unless it is told.\n"
+    "Exit codes: 0 at the end of the script, 1 at the first mismatch, 2 for a script that cannot "
+    "be "
+    "played.";
+
+void AddIndicator(CLI::App& program, IndicatorOptions& options) {
+  CLI::App* indicator =
+      program.add_subcommand("indicator", "Plays the indicator of the direct connection");
+  indicator->add_option("--link", options.link, "Where the link to the pseudo-terminal stands")
+      ->required();
+  indicator->add_option("--script", options.script, "What it sends and expects")
+      ->required()
+      ->check(CLI::ExistingFile);
+  indicator->footer(kScriptHelp);
+}
+
+CLI::App* AddModule(CLI::App& program, ModuleOptions& options) {
   CLI::App* module = program.add_subcommand("module", "Plays the data module");
   module->add_option("--link", options.link, "Where the link to the pseudo-terminal stands")
       ->required();
@@ -42,19 +70,31 @@ void AddModule(CLI::App& program, ModuleOptions& options) {
           },
           "silent, garbage, cut-after=N, extra-us, stall=MS or hang-up=N; may be repeated")
       ->allow_extra_args(false);
+  return module;
 }
 
 int Run(int argc, char** argv) {
   CLI::App program("Plays the far end of the serial line on a pseudo-terminal", "vrx2260sim");
   program.require_subcommand(1);
   ModuleOptions options;
-  AddModule(program, options);
+  IndicatorOptions indicator_options;
+  const CLI::App* module = AddModule(program, options);
+  AddIndicator(program, indicator_options);
   try {
     program.parse(argc, argv);
   } catch (const CLI::ParseError& error) {
     return program.exit(error) == 0 ? 0 : kWrongUsage;
   }
-  RunModule(options, std::cout, std::cerr);
+  if (module->parsed()) {
+    RunModule(options, std::cout, std::cerr);
+    return 0;
+  }
+  try {
+    RunIndicator(indicator_options, std::cout, std::cerr);
+  } catch (const ScriptError& error) {
+    std::cerr << indicator_options.script.string() << ": " << error.what() << std::endl;
+    return kWrongUsage;
+  }
   return 0;
 }
 

@@ -1,0 +1,44 @@
+#pragma once
+
+#include <chrono>
+#include <filesystem>
+#include <stdexcept>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace vrx::simulator {
+
+inline constexpr std::chrono::milliseconds kExpectLimit{10'000};
+
+// One step of an indicator's script.
+struct Step {
+  enum class Kind { kSend, kSendFile, kExpect, kExpectFile, kSave, kWait };
+
+  Kind kind = Kind::kWait;
+  int line = 0;                       // of the script, from 1
+  std::string bytes;                  // of kSend and kExpect
+  std::filesystem::path path;         // of kSendFile, kExpectFile and kSave
+  std::chrono::milliseconds time{0};  // of kWait; the limit of kExpect and kExpectFile
+};
+
+// A script that cannot be played; the text tells its line and is for the user.
+class ScriptError : public std::runtime_error {
+ public:
+  ScriptError(int line, const std::string& reason)
+      : std::runtime_error("line " + std::to_string(line) + ": " + reason) {}
+};
+
+// The steps of a script, one a line:
+//   send HEX...                      two hexadecimal digits a byte, blanks between them or not
+//   send-file PATH
+//   expect HEX... [within MS]        else within kExpectLimit
+//   expect-file PATH [within MS]
+//   save PATH
+//   wait MS
+// A # at the beginning of a word begins a comment. A path is the rest of the line and may hold
+// blanks. Throws ScriptError; also for a file that is to be sent or expected and cannot be read,
+// unless an earlier save makes it.
+std::vector<Step> ParseScript(std::string_view text);
+
+}  // namespace vrx::simulator
