@@ -19,6 +19,11 @@ class SerialLine {
   virtual ~SerialLine() = default;
   virtual SerialControl& Control() = 0;
   virtual EventPump& Pump() = 0;
+
+  // The pump's Closing from now on: every wait ends.
+  virtual void Close() = 0;
+  // SIGINT and SIGTERM close from now on, rather than end the program.
+  virtual void CloseOnSignals() = 0;
 };
 
 // Where the tool's world ends: streams and ports of one run. Everything it refers to outlives it.

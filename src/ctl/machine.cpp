@@ -3,12 +3,14 @@
 #include <chrono>
 #include <cstdlib>
 #include <ctime>
+#include <optional>
 #include <string_view>
 #include <system_error>
 
 #include "adapters/port_device.h"
 #include "adapters/qt_event_pump.h"
 #include "adapters/qt_serial_control.h"
+#include "adapters/stop_signals.h"
 
 namespace vrx {
 namespace {
@@ -29,9 +31,14 @@ class QtSerialLine : public SerialLine {
 
   SerialControl& Control() override { return control_; }
   EventPump& Pump() override { return pump_; }
+  void Close() override { pump_.Close(); }
+  void CloseOnSignals() override {
+    signals_.emplace([this] { pump_.Close(); });
+  }
 
  private:
   QtEventPump pump_;
+  std::optional<StopSignals> signals_;
   QtSerialControl control_;
 };
 

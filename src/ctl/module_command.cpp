@@ -1,16 +1,13 @@
-#include <algorithm>
-#include <array>
-#include <optional>
 #include <string>
 
 #include <CLI/CLI.hpp>
 
 #include "ctl/command.h"
 #include "ctl/module_upload.h"
+#include "ctl/port_option.h"
 #include "ctl/session.h"
 #include "frame/number.h"
 #include "frame/private_ini.h"
-#include "frame/text.h"
 #include "link/krmcomm.h"
 
 namespace vrx {
@@ -92,10 +89,8 @@ class ModuleCommand : public Command {
   }
 
   int Run(Session& session) override {
-    const PrivateINI settings = SettingsOfLine(session);
-    const bool by_number = IsNumber(port_);
-    const auto line =
-        session.Context().make_serial_line(by_number ? "" : port_, session.DataFolder());
+    const PrivateINI settings = port_.Settings(session);
+    const auto line = port_.MakeLine(session);
     KRMCOMM krm(line->Control(), line->Pump(), session.Op(), settings);
     const int code = RunAction(session, krm, line->Pump(), settings);
     krm.KRM_ImmediateClose();
@@ -106,34 +101,8 @@ class ModuleCommand : public Command {
  private:
   CLI::App* Action(CLI::App& module, const std::string& name, const std::string& help) {
     CLI::App* action = module.add_subcommand(name, help);
-    action->add_option("--port", port_, "Port number or device path")
-        ->required()
-        ->type_name("DEV")
-        ->check(ValidPort);
+    port_.AddTo(*action);
     return action;
-  }
-
-  static bool IsNumber(const std::string& port) {
-    return !port.empty() && std::all_of(port.begin(), port.end(), IsDigitChar);
-  }
-
-  static std::string ValidPort(const std::string& port) {
-    if (port.empty()) {
-      return "a port is a number or the path of a device";
-    }
-    if (!IsNumber(port) || ParseLong(port).value_or(0) > 0) {
-      return "";
-    }
-    return "there is no port " + port;
-  }
-
-  // The settings with the port of this run; they are not saved.
-  PrivateINI SettingsOfLine(Session& session) const {
-    PrivateINI settings = session.Settings();
-    if (IsNumber(port_)) {
-      settings.SetSerialPort(port_);
-    }
-    return settings;
   }
 
   int RunAction(Session& session, KRMCOMM& krm, EventPump& pump, const PrivateINI& settings) {
@@ -153,7 +122,7 @@ class ModuleCommand : public Command {
   CLI::App* clear_ = nullptr;
   CLI::App* baud_ = nullptr;
   CLI::App* upload_ = nullptr;
-  std::string port_;
+  PortOption port_;
   std::string rate_;
   std::string out_;
 };

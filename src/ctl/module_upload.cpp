@@ -68,6 +68,19 @@ bool SaveAll(Session& session, ReportFile& files, ScriptedFileChoice& chooser,
 
 }  // namespace
 
+bool WriteDataFiles(Session& session, const KRMCOMM& krm, DataTransfer& transfer,
+                    const PrivateINI& settings, const fs::path& folder) {
+  const auto attributes = [&krm](int file) { return krm.GL_KRM_FileAttributes(file); };
+  std::vector<fs::path> names;
+  for (const DataFileRow& row : transfer.data_files) {
+    names.push_back(NameOf(folder, row.file, attributes(row.file).type));
+  }
+  ScriptedFileChoice chooser;
+  ReportFile files(session.Op(), chooser, settings, transfer, attributes);
+  return names.empty() || (NamesAreFree(session, folder, names) &&
+                           SaveAll(session, files, chooser, transfer, names));
+}
+
 int UploadModule(Session& session, KRMCOMM& krm, EventPump& pump, const PrivateINI& settings,
                  const fs::path& folder) {
   DataTransfer transfer;
@@ -77,18 +90,8 @@ int UploadModule(Session& session, KRMCOMM& krm, EventPump& pump, const PrivateI
   if (failed) {
     session.Op().TellCause(krm.KRM_FailureCause());
   }
-  const auto attributes = [&krm](int file) { return krm.GL_KRM_FileAttributes(file); };
-  std::vector<fs::path> names;
-  for (const DataFileRow& row : transfer.data_files) {
-    names.push_back(NameOf(folder, row.file, attributes(row.file).type));
-  }
-  ScriptedFileChoice chooser;
-  ReportFile files(session.Op(), chooser, settings, transfer, attributes);
-  if (names.empty() || !NamesAreFree(session, folder, names) ||
-      !SaveAll(session, files, chooser, transfer, names)) {
-    return kFailed;
-  }
-  return failed ? kFailed : kDone;
+  const bool written = WriteDataFiles(session, krm, transfer, settings, folder);
+  return failed || !written || transfer.data_files.empty() ? kFailed : kDone;
 }
 
 }  // namespace vrx

@@ -9,10 +9,15 @@ namespace vrx {
 class KRMCOMM;
 class PrivateINI;
 class Session;
+struct DataTransfer;
 
-// Dumps the module and writes its files as NN.QXT, NN.RBU, NN.TXT into the folder, which is made if
-// it is not there; their paths go to the output. Nothing is written where one of the names exists.
-// Returns kDone or kFailed.
+// Writes the listed files as NN.QXT, NN.RBU, NN.TXT into the folder, which is made if it is not
+// there; their paths go to the output. Nothing is written where one of the names exists. False when
+// a file was not written, the operator told.
+bool WriteDataFiles(Session& session, const KRMCOMM& krm, DataTransfer& transfer,
+                    const PrivateINI& settings, const std::filesystem::path& folder);
+
+// Dumps the module and writes its files. Returns kDone or kFailed.
 int UploadModule(Session& session, KRMCOMM& krm, EventPump& pump, const PrivateINI& settings,
                  const std::filesystem::path& folder);
 

@@ -83,6 +83,7 @@ class CtlTest : public ::testing::Test {
   ManualPump pump;
   FakeSerialControl serial{pump};
   std::string device;  // what the last line was asked for
+  bool heeds_signals = false;
   std::string typed;
   bool in_is_terminal = false;
   bool err_is_terminal = false;
@@ -95,6 +96,8 @@ class CtlTest : public ::testing::Test {
     explicit FakeLine(CtlTest& test) : test_(test) {}
     SerialControl& Control() override { return test_.serial; }
     EventPump& Pump() override { return test_.pump; }
+    void Close() override { test_.pump.closing = true; }
+    void CloseOnSignals() override { test_.heeds_signals = true; }
 
    private:
     CtlTest& test_;

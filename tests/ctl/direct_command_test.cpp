@@ -1,0 +1,139 @@
+#include <filesystem>
+
+#include <gmock/gmock.h>
+
+#include "ctl_fixture.h"
+
+namespace vrx::testing {
+namespace {
+
+namespace fs = std::filesystem;
+using ::testing::EndsWith;
+using ::testing::HasSubstr;
+using ::testing::IsEmpty;
+using ::testing::StartsWith;
+
+// Times count from the program's start; the connection stands after 500 ms.
+class DirectCommand : public CtlTest {
+ protected:
+  int Direct(const std::vector<std::string>& more) {
+    std::vector<std::string> args = {"direct", "--port", "/dev/indicator"};
+    args.insert(args.end(), more.begin(), more.end());
+    return Run(args);
+  }
+  void ArriveAfter(Milliseconds delay, const std::string& bytes) {
+    pump.After(delay, [this, bytes] { serial.Arrives(bytes); });
+  }
+  std::string Out() const { return (folder / "out").string(); }
+};
+
+TEST_F(DirectCommand, EndsWhenTheTimeIsUp) {
+  EXPECT_EQ(Direct({"--seconds", "3"}), 0);
+  EXPECT_EQ(pump.Now(), Milliseconds{500 + 3000});
+  EXPECT_EQ(device, "/dev/indicator");
+  EXPECT_TRUE(heeds_signals);
+  EXPECT_FALSE(serial.PortOpen());
+  EXPECT_THAT(out, IsEmpty());
+  EXPECT_THAT(err, IsEmpty());
+}
+
+TEST_F(DirectCommand, WritesTheFilesThatStandInMemoryAtTheEnd) {
+  ArriveAfter(Milliseconds{1000}, "{BAT/FED},L\r\n{DATA_IN},L\r\n");
+  EXPECT_EQ(Direct({"--seconds", "3", "--out", Out()}), 0);
+  EXPECT_EQ(out, Out() + "/01.QXT\n" + Out() + "/02.RBU\n");
+  EXPECT_EQ(ReadAll(folder / "out/01.QXT"), "{BAT/FED},L\r\n");
+  EXPECT_EQ(ReadAll(folder / "out/02.RBU"), "{DATA_IN},L\r\n");
+  EXPECT_EQ(err, "Memory read complete!  (26 bytes, 2 files)\n");
+}
+
+TEST_F(DirectCommand, BurstThatTheEndCutsIsWrittenAsFarAsItCame) {
+  ArriveAfter(Milliseconds{3400}, "{REPORT}half");
+  EXPECT_EQ(Direct({"--seconds", "3", "--out", Out()}), 0);
+  EXPECT_EQ(ReadAll(folder / "out/01.TXT"), "{REPORT}half");
+}
+
+TEST_F(DirectCommand, AnswersFromMemory) {
+  ArriveAfter(Milliseconds{1000}, "abc\x15");
+  EXPECT_EQ(Direct({"--seconds", "10"}), 0);
+  EXPECT_EQ(serial.sent,
+            "\x15\x1F"
+            "abc\x1F");
+}
+
+TEST_F(DirectCommand, LoadedBackupIsAnsweredAfterTheUnaskedClear) {
+  const std::string backup = "{DATA_IN},L\r\n\r\n[ING]\r\n";
+  ArriveAfter(Milliseconds{3000}, "\x15");
+  EXPECT_EQ(Direct({"--seconds", "10", "--load", folder.Write("a.rbu", backup).string()}), 0);
+  EXPECT_EQ(serial.sent, "\x14\x1F\x15\x1F" + backup + "\x1F");
+  EXPECT_THAT(err, IsEmpty());
+}
+
+TEST_F(DirectCommand, FileWithoutTheHeaderOfABackupIsRefusedBeforeThePortIsOpened) {
+  EXPECT_EQ(Direct({"--seconds", "3", "--load", folder.Write("a.rbu", "{REPORT}").string()}), 1);
+  EXPECT_EQ(err,
+            "File-Header Error: The Recipe backup-file has an invalid file header and cannot be "
+            "downloaded.\n");
+  EXPECT_THAT(serial.events, IsEmpty());
+}
+
+TEST_F(DirectCommand, MissingBackupIsTold) {
+  EXPECT_EQ(Direct({"--seconds", "3", "--load", (folder / "none.rbu").string()}), 1);
+  EXPECT_THAT(err, HasSubstr("none.rbu"));
+}
+
+TEST_F(DirectCommand, RecipeDatabaseIsWrongUsage) {
+  EXPECT_EQ(Direct({"--load", NewRecipeDatabase()}), 2);
+  EXPECT_THAT(err, HasSubstr("not a recipe database"));
+}
+
+TEST_F(DirectCommand, WrongUsageIsRefused) {
+  EXPECT_EQ(Run({"direct"}), 2);
+  EXPECT_EQ(Direct({"--seconds", "0"}), 2);
+  EXPECT_EQ(Direct({"--seconds", "soon"}), 2);
+  EXPECT_EQ(Run({"direct", "--port", "0", "--seconds", "1"}), 2);
+}
+
+TEST_F(DirectCommand, RefusedPortIsTold) {
+  serial.failing_property = "PortOpen";
+  EXPECT_EQ(Direct({"--seconds", "3"}), 1);
+  EXPECT_EQ(err,
+            "Error: Could not open serial port for direct-connection.\n"
+            "cause: fake: PortOpen refused\n");
+}
+
+TEST_F(DirectCommand, LostLineFailsButWritesWhatCame) {
+  ArriveAfter(Milliseconds{1000}, "{REPORT}x");
+  pump.After(Milliseconds{2000}, [&] { serial.LoseLine(); });
+  EXPECT_EQ(Direct({"--seconds", "30", "--out", Out()}), 1);
+  EXPECT_EQ(pump.Now(), Milliseconds{2000});
+  EXPECT_THAT(err, StartsWith("Error: The direct-connection has ended: Serial line lost.\n"
+                              "cause: fake: the line is gone\n"));
+  EXPECT_EQ(out, Out() + "/01.TXT\n");
+}
+
+TEST_F(DirectCommand, EmptyMemoryIsToldAndNoFailure) {
+  EXPECT_EQ(Direct({"--seconds", "1", "--out", Out()}), 0);
+  EXPECT_THAT(err, StartsWith("KRM Error: There is no file data in the KRM memory.\n"));
+  EXPECT_FALSE(fs::exists(Out()));
+}
+
+TEST_F(DirectCommand, MemoryWithoutAFileFails) {
+  ArriveAfter(Milliseconds{1000}, "scribble");
+  EXPECT_EQ(Direct({"--seconds", "3", "--out", Out()}), 1);
+  EXPECT_THAT(err, HasSubstr("No recognized data file!"));
+  EXPECT_FALSE(fs::exists(Out()));
+}
+
+TEST_F(DirectCommand, ExistingNameIsRefusedAndNothingWritten) {
+  fs::create_directory(Out());
+  folder.Write("out/02.RBU", "mine");
+  ArriveAfter(Milliseconds{1000}, "{BAT/FED},L\r\n{DATA_IN},L\r\n");
+  EXPECT_EQ(Direct({"--seconds", "3", "--out", Out()}), 1);
+  EXPECT_THAT(err, EndsWith("02.RBU exists already. No file was written.\n"));
+  EXPECT_EQ(ReadAll(folder / "out/02.RBU"), "mine");
+  EXPECT_FALSE(fs::exists(folder / "out/01.QXT"));
+  EXPECT_THAT(out, IsEmpty());
+}
+
+}  // namespace
+}  // namespace vrx::testing
