@@ -44,6 +44,12 @@ TEST(AdjustedRationTarget, HasSevenSignificantDigitsWithATieToEven) {
             12345660);
 }
 
+// 831692 x 1.18 is 981396.56; the single next to 1.18 gives 981396.52, which reads 981396.5.
+TEST(AdjustedRationTarget, TakesTheFactorAsASingle) {
+  EXPECT_EQ(GetAdjustedRationTarget({.ration_target = "831692", .adjust_batch_index = "2"}),
+            981396);
+}
+
 TEST(AdjustedRationTarget, FailsOutside32BitsAndOutsideTheList) {
   EXPECT_THROW(GetAdjustedRationTarget({.ration_target = "2147483647", .adjust_batch_index = "0"}),
                OverflowError);
@@ -181,6 +187,20 @@ TEST(RationPercents, RoundAHalfAwayFromZero) {
   RecalcRationPercents(ration);
   EXPECT_THAT(Cells(ration, &RecipeLineRecord::ration_percent),
               ElementsAre("1.563", "98.438"));  // 1.5625, 98.4375
+}
+
+// 192 / 227 is 84.58149...%; a single quotient would show 84.582.
+TEST(RationPercents, KeepTheQuotientInDoublePrecision) {
+  Ration ration = RationOf("W", {WeightLine("192", "88"), WeightLine("35", "90")});
+  RecalcRationPercents(ration);
+  EXPECT_THAT(Cells(ration, &RecipeLineRecord::ration_percent), ElementsAre("84.581", "15.419"));
+}
+
+// Read whole, 1300489945 of 1689836828 is 76.9594999...%.
+TEST(RationPercents, TakeWeightsAsSingles) {
+  Ration ration = RationOf("W", {WeightLine("1300489945", "88"), WeightLine("389346883", "90")});
+  RecalcRationPercents(ration);
+  EXPECT_EQ(ration.lines[0].ration_percent, "76.960");
 }
 
 TEST(RationPercents, TheEntryRowHasItsShare) {

@@ -196,6 +196,22 @@ TEST(BatchTarget, HasSevenSignificantDigitsWithATieToEven) {
   EXPECT_THAT(BatchTargets(ration), ElementsAre("12345680", "12345660"));
 }
 
+// 19511 / 1537 x 1277 is 16210.5055; a single quotient would come to 16210.50 and so to 16210.
+TEST(BatchTarget, KeepsTheQuotientOfTheTargetInDoublePrecision) {
+  Ration ration = RationOf("W", {WeightLine("1277", "100"), WeightLine("260", "100")});
+  ration.recipe.ration_target = "19511";
+  RecalcRecipe(ration);
+  EXPECT_EQ(ration.lines[0].batch_target, "16211");
+}
+
+// 459 / 100 x 26445 is 121382.55, as a single 121382.547: 121382.5 and so 121382.
+TEST(BatchTarget, KeepsTheFactorOfTheHeadCountInDoublePrecision) {
+  Ration ration = RationOf("H", {WeightLine("26445", "100")});
+  ration.recipe.head_count = 459;
+  RecalcRecipe(ration);
+  EXPECT_EQ(ration.lines[0].batch_target, "121382");
+}
+
 TEST(BatchTarget, Outside32BitsIsAnOverflow) {
   Ration ration = RationOf("H", {WeightLine("1", "100"), WeightLine("300000000", "100")});
   ration.recipe.head_count = 1000;
