@@ -62,6 +62,10 @@ class DirectCommand : public Command {
         return kFailed;
       }
     }
+    // What the indicator has sent is not sent again: it must not meet a taken name at the end.
+    if (!out_.empty() && !FolderTakesDataFiles(session, out_)) {
+      return kFailed;
+    }
     const auto line = port_.MakeLine(session);
     line->CloseOnSignals();
     KRMCOMM krm(line->Control(), line->Pump(), session.Op(), settings);

@@ -14,6 +14,7 @@
 #include "frame/files.h"
 #include "frame/number.h"
 #include "link/data_transfer.h"
+#include "link/file_attributes.h"
 #include "link/krmcomm.h"
 #include "link/upload.h"
 
@@ -79,6 +80,19 @@ bool WriteDataFiles(Session& session, const KRMCOMM& krm, DataTransfer& transfer
   ReportFile files(session.Op(), chooser, settings, transfer, attributes);
   return names.empty() || (NamesAreFree(session, folder, names) &&
                            SaveAll(session, files, chooser, transfer, names));
+}
+
+bool FolderTakesDataFiles(Session& session, const fs::path& folder) {
+  for (int file = 1; file <= kMaxDataFiles; ++file) {
+    for (const DataFileType type :
+         {DataFileType::kTransaction, DataFileType::kRecipeBackup, DataFileType::kReport}) {
+      const fs::path name = NameOf(folder, file, type);
+      if (FileExists(name)) {
+        return Refuse(session, name.string() + " exists already. Nothing was received.");
+      }
+    }
+  }
+  return true;
 }
 
 int UploadModule(Session& session, KRMCOMM& krm, EventPump& pump, const PrivateINI& settings,

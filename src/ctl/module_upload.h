@@ -17,6 +17,10 @@ struct DataTransfer;
 bool WriteDataFiles(Session& session, const KRMCOMM& krm, DataTransfer& transfer,
                     const PrivateINI& settings, const std::filesystem::path& folder);
 
+// True if WriteDataFiles would find every one of its names free in the folder, whatever the files
+// turn out to be; else the operator is told. For whoever cannot fetch the files a second time.
+bool FolderTakesDataFiles(Session& session, const std::filesystem::path& folder);
+
 // Dumps the module and writes its files. Returns kDone or kFailed.
 int UploadModule(Session& session, KRMCOMM& krm, EventPump& pump, const PrivateINI& settings,
                  const std::filesystem::path& folder);
