@@ -2,6 +2,7 @@
 
 #include <array>
 #include <limits>
+#include <optional>
 #include <span>
 #include <string_view>
 #include <variant>
@@ -177,22 +178,31 @@ Record ReadRow(SQLite::Database& database, const Mapping<Record>& mapping, int i
 }
 
 template <typename Record>
+void Update(SQLite::Database& database, SQLite::Statement& update, const Mapping<Record>& mapping,
+            const Record& record, std::int64_t row) {
+  update.bind(BindFields(update, mapping, record), row);
+  if (update.exec() == 0) {
+    throw NoRecord(database, mapping.table, row);
+  }
+}
+
+template <typename Record>
 void UpdateRow(SQLite::Database& database, const Mapping<Record>& mapping, const Record& record,
                std::int64_t row) {
   Translated(database, [&] {
     SQLite::Statement update(database, UpdateText(mapping));
-    update.bind(BindFields(update, mapping, record), row);
-    if (update.exec() == 0) {
-      throw NoRecord(database, mapping.table, row);
-    }
+    Update(database, update, mapping, record, row);
   });
 }
 
-std::vector<RecipeLineRecord> ReadLines(SQLite::Database& database, std::string_view tail, int id) {
+std::vector<RecipeLineRecord> ReadLines(SQLite::Database& database, std::string_view tail,
+                                        std::optional<int> id = std::nullopt) {
   return Translated(database, [&] {
     std::vector<RecipeLineRecord> lines;
     SQLite::Statement query(database, SelectText(kLines, tail));
-    query.bind(1, std::to_string(id));
+    if (id) {
+      query.bind(1, std::to_string(*id));
+    }
     while (query.executeStep()) {
       RecipeLineRecord& line = lines.emplace_back();
       line.row = query.getColumn(0).getInt64();
@@ -245,6 +255,10 @@ std::vector<RecipeLineRecord> ReadLinesWithIngredient(SQLite::Database& database
   return ReadLines(database, "WHERE (Ingredient = ?) ORDER BY rowid", ingredient_id);
 }
 
+std::vector<RecipeLineRecord> ReadAllRecipeLines(SQLite::Database& database) {
+  return ReadLines(database, "ORDER BY CAST(RecipeID AS INTEGER), Sequence, rowid");
+}
+
 void WriteRecipeLine(SQLite::Database& database, RecipeLineRecord& line) {
   if (line.row != 0) {
     UpdateRow(database, kLines, line, line.row);
@@ -255,6 +269,16 @@ void WriteRecipeLine(SQLite::Database& database, RecipeLineRecord& line) {
     BindFields(insert, kLines, line);
     insert.exec();
     line.row = database.getLastInsertRowid();
+  });
+}
+
+void WriteStoredLines(SQLite::Database& database, std::span<const RecipeLineRecord> lines) {
+  Translated(database, [&] {
+    SQLite::Statement update(database, UpdateText(kLines));
+    for (const RecipeLineRecord& line : lines) {
+      Update(database, update, kLines, line, line.row);
+      update.reset();
+    }
   });
 }
 

@@ -2,6 +2,7 @@
 
 #include <cstdint>
 #include <optional>
+#include <span>
 #include <string>
 #include <vector>
 
@@ -48,6 +49,7 @@ struct RecipeLineRecord {
   int sequence = 0;
   bool hand_add = false;
   std::string ingredient_percent = "0";
+  bool operator==(const RecipeLineRecord&) const = default;
 };
 
 struct PenRecord {
@@ -77,8 +79,15 @@ std::vector<RecipeLineRecord> ReadRecipeLines(SQLite::Database& database, int re
 std::vector<RecipeLineRecord> ReadLinesWithIngredient(SQLite::Database& database,
                                                       int ingredient_id);
 
+// The lines of every recipe in one query, by recipe number and then by Sequence. A recipe ID that
+// is no whole number comes first.
+std::vector<RecipeLineRecord> ReadAllRecipeLines(SQLite::Database& database);
+
 // Writes the line's fields; a line with row 0 is added and gets its row.
 void WriteRecipeLine(SQLite::Database& database, RecipeLineRecord& line);
+// The same of many with one prepared statement; all of them are stored already. The caller's
+// transaction encloses it.
+void WriteStoredLines(SQLite::Database& database, std::span<const RecipeLineRecord> lines);
 void DeleteRecipeLine(SQLite::Database& database, std::int64_t row);
 
 }  // namespace vrx

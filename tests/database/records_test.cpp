@@ -221,6 +221,33 @@ TEST_F(Records, LinesOfAnIngredientComeFromAllRecipesAsStored) {
   EXPECT_THAT(recipes, ElementsAre("9", "2", "2"));
 }
 
+TEST_F(Records, AllLinesComeByRecipeAndSequence) {
+  for (const auto& [recipe, ingredient, sequence] :
+       std::vector<std::array<int, 3>>{{100, 1, 1}, {9, 2, 2}, {9, 3, 1}, {20, 4, 1}, {9, 5, 2}}) {
+    RecipeLineRecord line = Line(recipe, ingredient, sequence);
+    WriteRecipeLine(database_, line);
+  }
+  std::vector<std::string> order;
+  for (const RecipeLineRecord& line : ReadAllRecipeLines(database_)) {
+    order.push_back(line.recipe_id + ":" + line.ingredient);
+  }
+  EXPECT_THAT(order, ElementsAre("9:3", "9:2", "9:5", "20:4", "100:1"));
+}
+
+TEST_F(Records, ManyStoredLinesAreRewrittenEachInItsPlace) {
+  for (int ingredient = 1; ingredient <= 3; ++ingredient) {
+    RecipeLineRecord line = Line(5, ingredient, ingredient);
+    WriteRecipeLine(database_, line);
+  }
+  std::vector<RecipeLineRecord> lines = ReadRecipeLines(database_, 5);
+  lines[0].target = "1";
+  lines[2].dry_matter = "77";
+  WriteStoredLines(database_, lines);
+  EXPECT_EQ(ReadRecipeLines(database_, 5), lines);
+  lines[1].row = 4711;
+  EXPECT_THROW(WriteStoredLines(database_, lines), DatabaseError);
+}
+
 TEST_F(Records, AStoredLineIsRewrittenInItsPlace) {
   RecipeLineRecord line = Line(5, 1, 1);
   WriteRecipeLine(database_, line);
