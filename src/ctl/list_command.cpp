@@ -6,10 +6,9 @@
 
 #include "ctl/command.h"
 #include "ctl/output.h"
+#include "ctl/recipe_file.h"
 #include "ctl/session.h"
-#include "database/connection.h"
 #include "database/records.h"
-#include "database/schema.h"
 
 namespace vrx {
 namespace {
@@ -63,13 +62,8 @@ class ListCommand : public Command {
   }
 
   int Run(Session& session) override {
-    if (!session.IsUserDatabase(file_, DatabaseKind::kRecipe)) {
-      return kFailed;
-    }
-    return session.OnDatabase(file_, DatabaseKind::kRecipe, [&] {
-      SQLite::Database database = OpenDatabase(file_, Access::kRead);
+    return ReadRecipeFile(session, file_, [&](SQLite::Database& database) {
       WriteTable(session.Out(), output_.Form(), Table(database));
-      return kDone;
     });
   }
 

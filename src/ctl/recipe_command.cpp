@@ -8,10 +8,9 @@
 
 #include "ctl/command.h"
 #include "ctl/output.h"
+#include "ctl/recipe_file.h"
 #include "ctl/session.h"
-#include "database/connection.h"
 #include "database/records.h"
-#include "database/schema.h"
 #include "feed/ration.h"
 #include "feed/ration_totals.h"
 
@@ -88,15 +87,10 @@ class RecipeCommand : public Command {
   }
 
   int Run(Session& session) override {
-    if (!session.IsUserDatabase(file_, DatabaseKind::kRecipe)) {
-      return kFailed;
-    }
-    return session.OnDatabase(file_, DatabaseKind::kRecipe, [&] {
-      SQLite::Database database = OpenDatabase(file_, Access::kRead);
+    return ReadRecipeFile(session, file_, [&](SQLite::Database& database) {
       Ration ration{.recipe = ReadRecipe(database, id_), .lines = ReadRecipeLines(database, id_)};
       const RecipeTotals totals = RecalcRecipe(ration);
       ShowRecipe(session.Out(), output_.Form(), ration, totals);
-      return kDone;
     });
   }
 

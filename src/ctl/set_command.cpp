@@ -6,14 +6,11 @@
 
 #include <CLI/CLI.hpp>
 #include <SQLiteCpp/Database.h>
-#include <SQLiteCpp/Transaction.h>
 
 #include "ctl/command.h"
+#include "ctl/recipe_file.h"
 #include "ctl/session.h"
-#include "database/connection.h"
-#include "database/identity.h"
 #include "database/records.h"
-#include "database/schema.h"
 #include "feed/adjust_list.h"
 #include "feed/record_edits.h"
 #include "feed/record_fields.h"
@@ -27,7 +24,7 @@ std::optional<std::string> Given(const CLI::Option* option) {
   return option->count() > 0 ? std::optional(option->results().back()) : std::nullopt;
 }
 
-// The part that the three kinds have in common: options, and one transaction on the database.
+// The part that the three kinds have in common: options, and one edit of the database.
 class RecordForm {
  public:
   RecordForm(CLI::App& set, const std::string& kind, int count)
@@ -53,28 +50,8 @@ class RecordForm {
   int Run(Session& session,
           const std::function<std::vector<std::string>(SQLite::Database&)>& edit) {
     RequireAnOption();
-    if (!session.IsUserDatabase(file_, DatabaseKind::kRecipe)) {
-      return kFailed;
-    }
-    return session.OnDatabase(file_, DatabaseKind::kRecipe, [&] {
-      try {
-        std::vector<std::string> notes;
-        {
-          SQLite::Database database = OpenDatabase(file_, Access::kWrite);
-          SQLite::Transaction transaction(database, SQLite::TransactionBehavior::IMMEDIATE);
-          notes = edit(database);
-          transaction.commit();
-        }
-        for (const std::string& note : notes) {
-          session.Op().Tell(note);
-        }
-      } catch (const FieldRefusal& refusal) {
-        session.Op().ShowMessage({.icon = Icon::kCritical,
-                                  .title = std::string(kFieldErrorTitle),
-                                  .text = refusal.what()});
-        return kFailed;
-      }
-      return session.Identity().SetDatabaseDate(file_, DateSelector::kModified) ? kDone : kFailed;
+    return EditRecipeFile(session, file_, kFieldErrorTitle, [&](SQLite::Database& database) {
+      return EditOutcome{.notes = edit(database)};
     });
   }
 

@@ -1,0 +1,61 @@
+#include "ctl/recipe_file.h"
+
+#include <SQLiteCpp/Transaction.h>
+
+#include "ctl/command.h"
+#include "ctl/session.h"
+#include "database/connection.h"
+#include "feed/record_fields.h"
+
+namespace vrx {
+namespace {
+
+EditOutcome EditInOneTransaction(const std::string& file,
+                                 const std::function<EditOutcome(SQLite::Database&)>& edit) {
+  SQLite::Database database = OpenDatabase(file, Access::kWrite);
+  SQLite::Transaction transaction(database, SQLite::TransactionBehavior::IMMEDIATE);
+  EditOutcome outcome = edit(database);
+  if (outcome.done) {
+    transaction.commit();
+  }
+  return outcome;
+}
+
+}  // namespace
+
+int EditRecipeFile(Session& session, const std::string& file, std::string_view refusal_title,
+                   const std::function<EditOutcome(SQLite::Database&)>& edit) {
+  if (!session.IsUserDatabase(file, DatabaseKind::kRecipe)) {
+    return kFailed;
+  }
+  return session.OnDatabase(file, DatabaseKind::kRecipe, [&] {
+    try {
+      const EditOutcome outcome = EditInOneTransaction(file, edit);
+      if (!outcome.done) {
+        return kFailed;
+      }
+      for (const std::string& note : outcome.notes) {
+        session.Op().Tell(note);
+      }
+    } catch (const FieldRefusal& refusal) {
+      session.Op().ShowMessage(
+          {.icon = Icon::kCritical, .title = std::string(refusal_title), .text = refusal.what()});
+      return kFailed;
+    }
+    return session.Identity().SetDatabaseDate(file, DateSelector::kModified) ? kDone : kFailed;
+  });
+}
+
+int ReadRecipeFile(Session& session, const std::string& file,
+                   const std::function<void(SQLite::Database&)>& show) {
+  if (!session.IsUserDatabase(file, DatabaseKind::kRecipe)) {
+    return kFailed;
+  }
+  return session.OnDatabase(file, DatabaseKind::kRecipe, [&] {
+    SQLite::Database database = OpenDatabase(file, Access::kRead);
+    show(database);
+    return kDone;
+  });
+}
+
+}  // namespace vrx
