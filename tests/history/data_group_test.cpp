@@ -1,0 +1,67 @@
+#include "history/data_group.h"
+
+#include <string_view>
+#include <vector>
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include "history/history_column.h"
+
+namespace vrx::testing {
+namespace {
+
+using ::testing::ElementsAre;
+
+TEST(DataGroupTable, HoldsThirteenGroupsByTheirIndex) {
+  ASSERT_EQ(DataGroups().size(), std::size_t{kDataGroupCount});
+  for (int index = 0; index < kDataGroupCount; ++index) {
+    ASSERT_NE(FindDataGroup(index), nullptr);
+    EXPECT_EQ(FindDataGroup(index)->index, index);
+  }
+  EXPECT_EQ(FindDataGroup(-1), nullptr);
+  EXPECT_EQ(FindDataGroup(kDataGroupCount), nullptr);
+}
+
+TEST(DataGroupTable, NamesOnlyColumnsThatThereAre) {
+  for (const DataGroup& group : DataGroups()) {
+    for (const auto* keys : {&group.levels, &group.order, &group.hidden}) {
+      for (const std::string_view key : *keys) {
+        EXPECT_NE(HistoryColumnOfKey(key), 0) << group.item << ": " << key;
+      }
+    }
+    EXPECT_TRUE(group.total_column.empty() || HistoryColumnOfKey(group.total_column) != 0);
+  }
+}
+
+TEST(DataGroupTable, AByNameGroupIsGroupedByTheNamedColumnFirst) {
+  std::vector<int> by_name;
+  for (const DataGroup& group : DataGroups()) {
+    if (!group.named_column.empty()) {
+      EXPECT_EQ(group.levels.front(), group.named_column);
+      by_name.push_back(group.index);
+    }
+  }
+  EXPECT_THAT(by_name, ElementsAre(4, 7, 9));
+}
+
+TEST(HistoryColumnTable, CountsFromOneAndNamesTheFieldsInStoredOrder) {
+  EXPECT_EQ(HistoryColumnAt(1).field, "Transaction");
+  EXPECT_EQ(HistoryColumnAt(12).field, "IngPercent");
+  EXPECT_EQ(HistoryColumnAt(13).field, "Ing01Wt");
+  EXPECT_EQ(HistoryColumnAt(112).field, "Ing100Wt");
+  EXPECT_EQ(HistoryColumnAt(112).key, "Calculated_Ing100Wt");
+  EXPECT_EQ(HistoryColumnAt(13).caption, "Ing01_Wt");
+  EXPECT_EQ(HistoryColumnAt(112).caption, "Ing100_Wt");
+  EXPECT_THROW(HistoryColumnAt(0), std::out_of_range);
+  EXPECT_THROW(HistoryColumnAt(113), std::out_of_range);
+}
+
+TEST(HistoryColumnTable, KeysAreNotCaseSensitive) {
+  EXPECT_EQ(HistoryColumnOfKey("Actualbatch"), 8);
+  EXPECT_EQ(HistoryColumnOfKey("calculated_ing%ofbatch"), 12);
+  EXPECT_EQ(HistoryColumnOfKey("Weight"), 0);
+}
+
+}  // namespace
+}  // namespace vrx::testing
