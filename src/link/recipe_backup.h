@@ -1,11 +1,16 @@
 #pragma once
 
+#include <filesystem>
+#include <string>
 #include <string_view>
 
 #include "frame/private_ini.h"
 #include "platform/operator.h"
 
 namespace vrx {
+
+// The bytes of a recipe backup. Throws FileError, also for a file far longer than any backup.
+std::string ReadRecipeBackup(const std::filesystem::path& path);
 
 // False, the operator told, for a text that does not begin as a recipe backup and so cannot be
 // downloaded.

@@ -1,24 +1,13 @@
 #include "link/upload.h"
 
 #include "frame/text.h"
+#include "link/transfer_status.h"
 
 namespace vrx {
 
 namespace {
 
 constexpr Milliseconds kUploadingInterval{500};
-
-// The hourglass, for as long as the object lives.
-class Hourglass {
- public:
-  explicit Hourglass(Operator& op) : op_(op) { op_.SetBusy(true); }
-  ~Hourglass() { op_.SetBusy(false); }
-  Hourglass(const Hourglass&) = delete;
-  Hourglass& operator=(const Hourglass&) = delete;
-
- private:
-  Operator& op_;
-};
 
 }  // namespace
 
@@ -46,8 +35,7 @@ void Upload::UploadDataFromKRM() {
 
 int Upload::UploadFromModule() {
   transfer_.data_window.clear();
-  op_.SetStatusColor(StatusColor::kBlue);
-  op_.SetStatusLine("Standby...");
+  TellStandby(op_);
   const Hourglass hourglass(op_);
   if (!krm_.KRM_OnlineCheck()) {
     ModuleNotDetected();
@@ -58,7 +46,7 @@ int Upload::UploadFromModule() {
                       " bytes");
   });
   if (!krm_.KRM_Dump()) {
-    Fail("Error: " + krm_.GS_KRM_ErrMsg());
+    TellFailed(op_, "Error: " + krm_.GS_KRM_ErrMsg());
     return 0;
   }
   return TakeReply();
@@ -66,7 +54,7 @@ int Upload::UploadFromModule() {
 
 void Upload::ModuleNotDetected() {
   if (pump_.Closing()) {
-    Fail("Error: " + krm_.GS_KRM_ErrMsg());
+    TellFailed(op_, "Error: " + krm_.GS_KRM_ErrMsg());
     return;
   }
   BeepIfEnabled(op_, settings_);
@@ -75,7 +63,7 @@ void Upload::ModuleNotDetected() {
                    .text = "The KRM was not detected. Please verify that the module is connected. "
                            "Check cable and connector and then try again.",
                    .cause = krm_.KRM_FailureCause()});
-  Fail("Error: KRM not detected");
+  TellFailed(op_, "Error: KRM not detected");
 }
 
 int Upload::TakeReply() {
@@ -83,13 +71,13 @@ int Upload::TakeReply() {
     // As a reply of three terminators that came in one piece.
     transfer_.transfer_block.clear();
     krm_.GS_KRM_ErrMsg("Invalid terminators");
-    Fail(krm_.GS_KRM_ErrMsg());
+    TellFailed(op_, krm_.GS_KRM_ErrMsg());
     return 0;
   }
   transfer_.transfer_block = krm_.KRM_ExtractData(krm_.GS_KRM_RxDBuffer());
   if (transfer_.transfer_block.empty()) {
     transfer_.data_window.clear();
-    Fail(krm_.GS_KRM_ErrMsg());
+    TellFailed(op_, krm_.GS_KRM_ErrMsg());
     return 0;
   }
   return CutFiles("Upload complete!", krm_.GS_KRM_RxDBuffer().size());
@@ -117,24 +105,18 @@ int Upload::CutFiles(std::string_view done_words, std::size_t told_bytes) {
     if (count == 0) {
       transfer_.data_window = transfer_.transfer_block;
       krm_.GS_KRM_ErrMsg("No recognized data file!");
-      Fail(krm_.GS_KRM_ErrMsg());
+      TellFailed(op_, krm_.GS_KRM_ErrMsg());
       return 0;
     }
-    op_.SetStatusColor(StatusColor::kGreen);
-    op_.SetStatusLine(std::string(done_words) + "  (" + std::to_string(told_bytes) + " bytes, " +
-                      std::to_string(count) + (count > 1 ? " files)" : " file)"));
+    TellComplete(op_, std::string(done_words) + "  (" + std::to_string(told_bytes) + " bytes, " +
+                          std::to_string(count) + (count > 1 ? " files)" : " file)"));
     return count;
   } catch (const TooManyFilesError& error) {
     transfer_.data_window = transfer_.transfer_block;
     krm_.GS_KRM_ErrMsg(std::string("Error: ") + error.what() + ", the rest is not listed");
-    Fail(krm_.GS_KRM_ErrMsg());
+    TellFailed(op_, krm_.GS_KRM_ErrMsg());
     return kMaxDataFiles;
   }
-}
-
-void Upload::Fail(std::string_view words) {
-  op_.SetStatusColor(StatusColor::kRed);
-  op_.SetStatusLine(words);
 }
 
 void Upload::ListDataFiles(int count) {

@@ -33,7 +33,6 @@ class Upload {
   void ShowDataFile(int file);
 
  private:
-  void Fail(std::string_view words);
   void ModuleNotDetected();
   int TakeReply();
   // Cuts the transfer block, which is not empty.

@@ -1,0 +1,20 @@
+#include "link/transfer_status.h"
+
+namespace vrx {
+
+namespace {
+
+void Tell(Operator& op, StatusColor color, std::string_view words) {
+  op.SetStatusColor(color);
+  op.SetStatusLine(words);
+}
+
+}  // namespace
+
+void TellStandby(Operator& op) { Tell(op, StatusColor::kBlue, "Standby..."); }
+
+void TellComplete(Operator& op, std::string_view words) { Tell(op, StatusColor::kGreen, words); }
+
+void TellFailed(Operator& op, std::string_view words) { Tell(op, StatusColor::kRed, words); }
+
+}  // namespace vrx
