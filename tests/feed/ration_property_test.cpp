@@ -1,10 +1,8 @@
-#include <algorithm>
 #include <array>
 #include <cstdint>
 #include <cstdlib>
 #include <random>
 #include <string>
-#include <utility>
 
 #include <gtest/gtest.h>
 
@@ -13,73 +11,15 @@
 #include "feed/ration_totals.h"
 #include "frame/number.h"
 #include "ration_cells.h"
+#include "soft_number.h"
 
 namespace vrx::testing {
 namespace {
 
-__extension__ using Wide = unsigned __int128;
-
-// A binary floating-point number of 53 digits worked out with whole numbers only: `digits` times
-// two to the power of `exponent`.
-struct Binary {
-  std::uint64_t digits = 0;
-  int exponent = 0;
-};
-
-constexpr int kPrecision = 53;
-
-int Length(Wide value) {
-  int length = 0;
-  for (; value != 0; value >>= 1) {
-    ++length;
-  }
-  return length;
-}
-
-// To 53 digits, a half to the even neighbour. `sticky`: the value is a bit more than told.
-Binary Rounded(Wide value, int exponent, bool sticky) {
-  const int surplus = std::max(Length(value) - kPrecision, 0);
-  const Wide rest = value & ((Wide{1} << surplus) - 1);
-  const Wide half = surplus == 0 ? 0 : Wide{1} << (surplus - 1);
-  Wide digits = value >> surplus;
-  const bool odd = (digits & 1) != 0;
-  if (surplus > 0 && (rest > half || (rest == half && (sticky || odd)))) {
-    ++digits;
-  }
-  return {static_cast<std::uint64_t>(digits), exponent + surplus};
-}
-
-Binary FromWhole(std::uint64_t value) { return Rounded(value, 0, false); }
-
-Binary Quotient(Binary a, Binary b) {
-  const int shift = 126 - Length(a.digits);
-  const Wide dividend = Wide{a.digits} << shift;
-  return Rounded(dividend / b.digits, a.exponent - shift - b.exponent, dividend % b.digits != 0);
-}
-
-Binary Product(Binary a, Binary b) {
-  return Rounded(Wide{a.digits} * b.digits, a.exponent + b.exponent, false);
-}
-
-// To the nearest whole number, a half to the even neighbour.
-std::uint64_t Whole(Binary value) {
-  if (value.exponent >= 0) {
-    return value.digits << value.exponent;
-  }
-  const int shift = -value.exponent;
-  const Wide whole = shift >= 120 ? 0 : Wide{value.digits} >> shift;
-  const Wide twice_rest = shift >= 120 ? 0 : (Wide{value.digits} - (whole << shift)) << 1;
-  const Wide one = Wide{1} << std::min(shift, 120);
-  const bool up = twice_rest > one || (twice_rest == one && (whole & 1) != 0);
-  return static_cast<std::uint64_t>(whole) + (up ? 1 : 0);
-}
-
 std::string SlowAsFedWeight(std::uint64_t target, std::uint64_t dry_matter) {
-  if (target == 0) {
-    return "0";
-  }
-  const Binary share = Quotient(FromWhole(dry_matter), FromWhole(100));
-  return std::to_string(Whole(Product(Quotient(FromWhole(1), share), FromWhole(target))));
+  const Binary share = Quotient(FromWhole(dry_matter), FromWhole(100), kDoubleBits);
+  const Binary factor = Quotient(FromWhole(1), share, kDoubleBits);
+  return std::to_string(Whole(Product(factor, FromWhole(target), kDoubleBits)));
 }
 
 TEST(LineDryMatterProperty, IsTheRoundedChainOfADivisionAndAMultiplication) {
