@@ -1,0 +1,334 @@
+#include "feed/recipe_editor.h"
+
+#include <algorithm>
+#include <cstddef>
+#include <iterator>
+#include <utility>
+
+#include "feed/adjust_list.h"
+#include "feed/recipe_storage.h"
+#include "feed/record_fields.h"
+#include "frame/number.h"
+#include "frame/text.h"
+
+namespace vrx {
+namespace {
+
+constexpr std::string_view kMoveErrorTitle = "Move (Error)";
+
+std::string LeftText(std::string_view field, std::string_view text) {
+  return FieldOf(RecordKind::kRecipe, field).leave(text);
+}
+
+// Stays on its line where that is still there.
+void TakeLines(RecipeOnShow& shown, std::vector<RecipeLineRecord> lines) {
+  shown.ration.lines = std::move(lines);
+  if (shown.OnEntryRow()) {
+    return;
+  }
+  if (shown.ration.lines.empty()) {
+    GoToEntryRow(shown);
+  } else {
+    GoToLine(shown, std::min(shown.row, shown.LineCount()));
+  }
+}
+
+// Why a line does not move; empty where it does.
+std::string_view MoveObstacle(const RecipeOnShow& shown, MoveDirection direction) {
+  if (shown.OnEntryRow()) {
+    return "The ingredient entry row cannot be moved.";
+  }
+  if (direction == MoveDirection::kDown) {
+    return shown.row == shown.LineCount() ? "The selected row cannot be moved down." : "";
+  }
+  return shown.row == 1 ? "The selected row cannot be moved up." : "";
+}
+
+IngredientRecord ReadActiveIngredient(SQLite::Database& database, int id) {
+  if (id < 1 || id > kIngredientCount) {
+    throw FieldRefusal("There is no ingredient " + std::to_string(id) +
+                       ", they are numbered 1 to " + std::to_string(kIngredientCount) + ".");
+  }
+  IngredientRecord ingredient = ReadIngredient(database, id);
+  if (!IsActive(ingredient)) {
+    throw FieldRefusal("Ingredient " + std::to_string(id) + " (" + ingredient.name +
+                       ") is not in use: only an ingredient with a description can be chosen.");
+  }
+  return ingredient;
+}
+
+}  // namespace
+
+std::vector<IngredientRecord> ReadActiveIngredients(SQLite::Database& database) {
+  std::vector<IngredientRecord> active;
+  const std::vector<IngredientRecord> all = ReadIngredients(database);
+  std::copy_if(all.begin(), all.end(), std::back_inserter(active),
+               [](const IngredientRecord& ingredient) { return IsActive(ingredient); });
+  return active;
+}
+
+// What is on show changes only once it is stored.
+template <typename Change>
+void RecipeEditor::Apply(const Change& change) {
+  RecipeOnShow next = shown_;
+  change(next);
+  StoreRecipe(database_, shown_.ration, next.ration);
+  shown_ = std::move(next);
+}
+
+template <typename Change>
+void RecipeEditor::CommitHead(const Change& change) {
+  RecipeOnShow next = shown_;
+  TakeLines(next, ReadRecipeLines(database_, next.ration.recipe.id));
+  const Ration stored{.recipe = shown_.ration.recipe, .lines = next.ration.lines};
+  change(next.ration.recipe);
+  Recompute(next, {.ration_percents = false});
+  StoreRecipe(database_, stored, next.ration);
+  shown_ = std::move(next);
+}
+
+template <typename Change>
+void RecipeEditor::EditLine(const Change& change) {
+  RequireOpenLines();
+  std::string refusal;
+  Apply([&](RecipeOnShow& next) {
+    change(next);
+    if (!next.OnEntryRow()) {
+      refusal = RowUpdated(next);
+    }
+  });
+  if (!refusal.empty()) {
+    TellFieldError(refusal);
+  }
+}
+
+RecipeEditor::RecipeEditor(SQLite::Database& database, Operator& op, const PrivateINI& settings,
+                           int recipe_id)
+    : database_(database), op_(op), settings_(settings) {
+  Select(recipe_id);
+}
+
+void RecipeEditor::Select(int recipe_id) {
+  CommitRow();
+  Ration stored{.recipe = ReadRecipe(database_, recipe_id),
+                .lines = ReadRecipeLines(database_, recipe_id)};
+  RecipeOnShow next = shown_;
+  ShowRecipe(next, stored.recipe, stored.lines);
+  StoreRecipe(database_, stored, next.ration);
+  shown_ = std::move(next);
+}
+
+void RecipeEditor::ChooseBatchType(int list_index) {
+  const std::string_view code = GetBatchTypeCode(list_index);
+  if (list_index == 0 || code.empty()) {
+    return;
+  }
+  Apply([&](RecipeOnShow& next) {
+    next.type_list_enabled = false;
+    next.ration.recipe.batch_type = code;
+    Recompute(next, {.ration_percents = false});
+  });
+}
+
+void RecipeEditor::ChooseAdjustItem(int list_index) {
+  Apply([&](RecipeOnShow& next) {
+    next.ration.recipe.adjust_batch_index = std::to_string(list_index);
+    Recompute(next, {.ration_percents = false});
+  });
+}
+
+bool RecipeEditor::LeaveName(std::string_view text) {
+  std::string name;
+  bool named = true;
+  try {
+    name = LeftText("Name", text);
+  } catch (const FieldRefusal& refusal) {
+    named = false;
+    TellFieldError(refusal.what());
+  }
+  CommitHead([&](RecipeRecord& recipe) { recipe.name = name; });
+  return named;
+}
+
+void RecipeEditor::LeaveDescription(std::string_view text,
+                                    std::optional<std::string> abbreviation) {
+  CommitHead([&](RecipeRecord& recipe) {
+    recipe.description = LeftText("Description", text);
+    recipe.name = std::move(abbreviation).value_or(recipe.name);
+  });
+}
+
+void RecipeEditor::LeaveHeadCount(std::string_view text) {
+  CommitHead(
+      [&](RecipeRecord& recipe) { recipe.head_count = TextToLong(LeftText("HeadCount", text)); });
+}
+
+void RecipeEditor::LeaveRationTarget(std::string_view text) {
+  CommitHead([&](RecipeRecord& recipe) { recipe.ration_target = LeftText("RationTarget", text); });
+}
+
+void RecipeEditor::CommitRecipeRecord() {
+  CommitHead([](const RecipeRecord&) {});
+}
+
+void RecipeEditor::RecomputeAll() {
+  Apply([](RecipeOnShow& next) { Recompute(next, {.all_dry_matter = true}); });
+}
+
+void RecipeEditor::GridGotFocus() { shown_.entry_row_offered = shown_.HasRoom(); }
+
+void RecipeEditor::BeforeCellEdit(LineColumn column) {
+  if (column == LineColumn::kTarget) {
+    EnableInputs(shown_, false);
+  }
+}
+
+void RecipeEditor::AfterCellEdit(LineColumn column) {
+  shown_.last_column = column;
+  if (column == LineColumn::kTarget) {
+    EnableInputs(shown_, true);
+  }
+}
+
+int RecipeEditor::KeyInCell(LineColumn column, std::string_view text, int key) {
+  const int passed = FilterLineKey(column, text, key);
+  if (passed == 0) {
+    BeepIfEnabled(op_, settings_);
+  }
+  return passed;
+}
+
+bool RecipeEditor::GoToRow(int row) {
+  const bool exists =
+      row == kEntryRow ? shown_.entry_row_offered : row >= 1 && row <= shown_.LineCount();
+  if (row == shown_.row || !exists) {
+    return row == shown_.row;
+  }
+  if (!CommitRow()) {
+    return false;
+  }
+  Apply([&](RecipeOnShow& next) {
+    if (row == kEntryRow) {
+      GoToEntryRow(next);
+      return;
+    }
+    const bool was_on_entry_row = next.OnEntryRow();
+    GoToLine(next, row);
+    if (was_on_entry_row) {
+      Recompute(next, {});
+    }
+  });
+  return true;
+}
+
+void RecipeEditor::ChooseIngredient(int ingredient_id) {
+  const IngredientRecord ingredient = ReadActiveIngredient(database_, ingredient_id);
+  EditLine([&](RecipeOnShow& next) { TakeIngredient(next, ingredient); });
+}
+
+void RecipeEditor::EnterCell(LineColumn column, std::string_view typed) {
+  RequireOpenLines();
+  const bool by_weight = shown_.Entry() == LineEntry::kWeight;
+  const LineColumn open = by_weight ? LineColumn::kTarget : LineColumn::kIngredientPercent;
+  if (column != open) {
+    throw FieldRefusal("The '" + std::string(LineColumnName(column)) +
+                       "' field is closed in a recipe of type \"" +
+                       shown_.ration.recipe.batch_type + "\": its lines are entered by '" +
+                       std::string(LineColumnName(open)) + "'.");
+  }
+  std::string text = EnterLineCell(column, typed);
+  EditLine([&](RecipeOnShow& next) { TakeCell(next, column, text); });
+}
+
+bool RecipeEditor::CommitRow() {
+  if (!shown_.entry_pending) {
+    return true;
+  }
+  RecipeOnShow next = shown_;
+  if (!PrepareEntry(next)) {
+    shown_ = std::move(next);
+    return false;
+  }
+  RequireRoom();
+  EditLine([](RecipeOnShow& added) {
+    PrepareEntry(added);
+    AddEntry(added);
+  });
+  return true;
+}
+
+void RecipeEditor::DiscardEntry() {
+  if (!shown_.OnEntryRow()) {
+    return;
+  }
+  Apply([](RecipeOnShow& next) {
+    GoToEntryRow(next);
+    Recompute(next, {});
+    EnableInputs(next, false);
+  });
+}
+
+bool RecipeEditor::DeleteIng() {
+  if (shown_.OnEntryRow()) {
+    return Refuse("Delete (Error)", "There is no ingredient selected to delete.");
+  }
+  RequireOpenLines();
+  const std::vector<IngredientRecord> active = ReadActiveIngredients(database_);
+  const auto chosen = std::find_if(active.begin(), active.end(), [&](const auto& ingredient) {
+    return std::to_string(ingredient.id) == shown_.Current().ingredient;
+  });
+  const std::string name = chosen == active.end() ? "" : chosen->name;
+  const Answer answer = op_.ShowMessage({.icon = Icon::kQuestion,
+                                         .buttons = Buttons::kYesNo,
+                                         .title = "Delete Ingredient",
+                                         .text = "Delete " + name + " from this recipe?"});
+  if (answer != Answer::kYes) {
+    return false;
+  }
+  Apply(RemoveCurrentLine);
+  return true;
+}
+
+bool RecipeEditor::MoveRow(MoveDirection direction) {
+  const std::string_view obstacle = MoveObstacle(shown_, direction);
+  if (!obstacle.empty()) {
+    return Refuse(kMoveErrorTitle, obstacle);
+  }
+  RequireOpenLines();
+  const int neighbour = shown_.row + (direction == MoveDirection::kDown ? 1 : -1);
+  Apply([&](RecipeOnShow& next) { SwapWithNeighbour(next, neighbour); });
+  return true;
+}
+
+void RecipeEditor::RequireOpenLines() const {
+  if (shown_.Entry() == LineEntry::kNone) {
+    throw FieldRefusal(RecipeLabel() + " is of type \"" + shown_.ration.recipe.batch_type +
+                       "\": its lines are closed until a type W, H, % or P is chosen.");
+  }
+}
+
+void RecipeEditor::RequireRoom() const {
+  if (!shown_.HasRoom()) {
+    throw FieldRefusal(RecipeLabel() + " has " + std::to_string(shown_.LineCount()) +
+                       " lines, and a recipe holds at most " + std::to_string(kMaxRecipeLines) +
+                       ".");
+  }
+}
+
+std::string RecipeEditor::RecipeLabel() const {
+  return "Recipe " + std::to_string(shown_.ration.recipe.id);
+}
+
+bool RecipeEditor::Refuse(std::string_view title, std::string_view text) {
+  BeepIfEnabled(op_, settings_);
+  op_.ShowMessage(
+      {.icon = Icon::kInformation, .title = std::string(title), .text = std::string(text)});
+  return false;
+}
+
+void RecipeEditor::TellFieldError(std::string_view text) {
+  op_.ShowMessage(
+      {.icon = Icon::kCritical, .title = std::string(kFieldErrorTitle), .text = std::string(text)});
+}
+
+}  // namespace vrx

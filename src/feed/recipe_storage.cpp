@@ -1,0 +1,83 @@
+#include "feed/recipe_storage.h"
+
+#include <algorithm>
+#include <cstdint>
+#include <tuple>
+#include <vector>
+
+#include <SQLiteCpp/Savepoint.h>
+
+#include "database/records.h"
+#include "database/translated.h"
+
+namespace vrx {
+namespace {
+
+auto Fields(const RecipeRecord& recipe) {
+  return std::tie(recipe.id, recipe.name, recipe.description, recipe.batch_type, recipe.head_count,
+                  recipe.ration_target, recipe.adjust_batch_index);
+}
+
+const RecipeLineRecord* FindRow(const std::vector<RecipeLineRecord>& lines, std::int64_t row) {
+  const auto line = std::find_if(lines.begin(), lines.end(),
+                                 [&](const RecipeLineRecord& entry) { return entry.row == row; });
+  return line == lines.end() ? nullptr : &*line;
+}
+
+struct Difference {
+  bool head = false;
+  std::vector<std::int64_t> removed = {};
+  std::vector<RecipeLineRecord> changed = {};
+  bool added = false;
+
+  bool Any() const { return head || added || !removed.empty() || !changed.empty(); }
+};
+
+Difference Compare(const Ration& before, const Ration& after) {
+  Difference difference{.head = Fields(before.recipe) != Fields(after.recipe)};
+  for (const RecipeLineRecord& line : before.lines) {
+    if (FindRow(after.lines, line.row) == nullptr) {
+      difference.removed.push_back(line.row);
+    }
+  }
+  for (const RecipeLineRecord& line : after.lines) {
+    const RecipeLineRecord* stored = FindRow(before.lines, line.row);
+    if (stored == nullptr) {
+      difference.added = true;
+    } else if (*stored != line) {
+      difference.changed.push_back(line);
+    }
+  }
+  return difference;
+}
+
+void Write(SQLite::Database& database, const Difference& difference, Ration& after) {
+  if (difference.head) {
+    WriteRecipe(database, after.recipe);
+  }
+  for (const std::int64_t row : difference.removed) {
+    DeleteRecipeLine(database, row);
+  }
+  WriteStoredLines(database, difference.changed);
+  for (RecipeLineRecord& line : after.lines) {
+    if (line.row == 0) {
+      WriteRecipeLine(database, line);
+    }
+  }
+}
+
+}  // namespace
+
+void StoreRecipe(SQLite::Database& database, const Ration& before, Ration& after) {
+  const Difference difference = Compare(before, after);
+  if (!difference.Any()) {
+    return;
+  }
+  Translated(database, [&] {
+    SQLite::Savepoint step(database, "recipe_step");
+    Write(database, difference, after);
+    step.release();
+  });
+}
+
+}  // namespace vrx
