@@ -9,6 +9,7 @@
 #include "ctl/recipe_file.h"
 #include "ctl/session.h"
 #include "database/records.h"
+#include "feed/record_kind.h"
 
 namespace vrx {
 namespace {
@@ -16,7 +17,7 @@ namespace {
 OutputTable IngredientTable(SQLite::Database& database, bool all) {
   OutputTable table{.header = {"ID", "Name", "Description", "DryMatter%", "HandAdd"}, .rows = {}};
   for (const IngredientRecord& record : ReadIngredients(database)) {
-    if (all || !record.description.empty()) {
+    if (all || IsActive(record)) {
       table.rows.push_back(
           {record.id, record.name, record.description, record.dry_matter_percent, record.hand_add});
     }
@@ -29,7 +30,7 @@ OutputTable RecipeTable(SQLite::Database& database, bool all) {
                                "RationTarget", "AdjBatTotIndex"},
                     .rows = {}};
   for (const RecipeRecord& record : ReadRecipes(database)) {
-    if (all || !record.description.empty()) {
+    if (all || IsActive(record)) {
       table.rows.push_back({record.id, record.name, record.description, record.batch_type,
                             record.head_count, record.ration_target, record.adjust_batch_index});
     }
@@ -40,7 +41,7 @@ OutputTable RecipeTable(SQLite::Database& database, bool all) {
 OutputTable PenTable(SQLite::Database& database, bool all) {
   OutputTable table{.header = {"ID", "Name", "Description", "FeedAmount"}, .rows = {}};
   for (const PenRecord& record : ReadPens(database)) {
-    if (all || record.feed_amount != "0" || !record.description.empty()) {
+    if (all || IsActive(record)) {
       table.rows.push_back({record.id, record.name, record.description, record.feed_amount});
     }
   }

@@ -39,7 +39,6 @@ std::string LeaveRationTarget(std::string_view text) { return std::string(text);
 std::string LeaveFeed(std::string_view text) { return std::to_string(TextToLong(text)); }
 
 constexpr std::size_t kNameLimit = 6;
-constexpr std::size_t kDescriptionLimit = 16;
 
 constexpr std::array<RecordField, 10> kFields = {{
     {RecordKind::kIngredient, "Name", kNameLimit, FilterNameKey, LeaveName},
@@ -113,11 +112,6 @@ FieldEntry EnterText(const RecordField& field, std::string_view typed) {
                  entry.text + " is stored.";
   }
   return entry;
-}
-
-std::string DefaultName(RecordKind kind, int id) {
-  constexpr std::array<std::string_view, 3> kPrefixes = {"ING", "REC", "PEN"};
-  return std::string(kPrefixes.at(static_cast<std::size_t>(kind))) + Format(id * 1.0, "000");
 }
 
 }  // namespace vrx

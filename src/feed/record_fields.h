@@ -4,11 +4,10 @@
 #include <string>
 #include <string_view>
 
+#include "feed/record_kind.h"
 #include "frame/error.h"
 
 namespace vrx {
-
-enum class RecordKind { kIngredient, kRecipe, kPen };
 
 // A text that a form does not let into a field, or a field that is closed. what() is for the
 // operator.
@@ -18,6 +17,9 @@ class FieldRefusal : public Error {
 };
 
 inline constexpr std::string_view kFieldErrorTitle = "Field Error";
+
+inline constexpr std::size_t kDescriptionLimit = 16;  // characters
+inline constexpr int kBackspaceKey = 8;               // no filter lets it through: ask for it first
 
 // A field that is typed, as the forms know it. One table holds them all.
 struct RecordField {
@@ -41,8 +43,5 @@ struct FieldEntry {
 // has left it. Where the form would drop a key with a beep, this throws FieldRefusal with nothing
 // half taken: it names the character, or the limit that was passed.
 FieldEntry EnterText(const RecordField& field, std::string_view typed);
-
-// "ING005", "REC005", "PEN005"
-std::string DefaultName(RecordKind kind, int id);
 
 }  // namespace vrx

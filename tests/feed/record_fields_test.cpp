@@ -130,12 +130,6 @@ TEST(FieldOf, KnowsNoFieldThatIsNotTyped) {
   EXPECT_THROW(FieldOf(RecordKind::kIngredient, "ID"), std::out_of_range);
 }
 
-TEST(DefaultName, HasThreeDigits) {
-  EXPECT_EQ(DefaultName(RecordKind::kIngredient, 5), "ING005");
-  EXPECT_EQ(DefaultName(RecordKind::kRecipe, 100), "REC100");
-  EXPECT_EQ(DefaultName(RecordKind::kPen, 400), "PEN400");
-}
-
 // Whatever bytes are typed, a field holds only what its filter lets through, within its limit.
 TEST(EnterText, NeverHoldsWhatTheFilterDrops) {
   std::mt19937 random(2260);
