@@ -1,11 +1,13 @@
 #pragma once
 
+#include <chrono>
 #include <filesystem>
 #include <functional>
 #include <iosfwd>
 #include <memory>
 #include <string>
 
+#include "database/connection.h"
 #include "platform/calendar.h"
 #include "platform/event_pump.h"
 #include "platform/serial_control.h"
@@ -35,6 +37,9 @@ struct CommandContext {
   bool err_is_terminal = false;
   const SystemInfo& system;
   const Calendar& calendar;
+
+  // How long a database that another program holds is waited for.
+  std::chrono::milliseconds busy_timeout = kBusyTimeout;
 
   // A closed line. An empty device leaves it to the port number, mapped with the data folder.
   std::function<std::unique_ptr<SerialLine>(const std::string& device,

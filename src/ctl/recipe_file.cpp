@@ -5,17 +5,19 @@
 #include "ctl/command.h"
 #include "ctl/session.h"
 #include "database/connection.h"
+#include "feed/record_commit.h"
 #include "feed/record_fields.h"
 
 namespace vrx {
 namespace {
 
-EditOutcome EditInOneTransaction(const std::string& file,
+EditOutcome EditInOneTransaction(Session& session, const std::string& file,
                                  const std::function<EditOutcome(SQLite::Database&)>& edit) {
-  SQLite::Database database = OpenDatabase(file, Access::kWrite);
+  SQLite::Database database = OpenDatabase(file, Access::kWrite, session.Context().busy_timeout);
   SQLite::Transaction transaction(database, SQLite::TransactionBehavior::IMMEDIATE);
   EditOutcome outcome = edit(database);
   if (outcome.done) {
+    TouchDatabase(database, session.Context().calendar);
     transaction.commit();
   }
   return outcome;
@@ -30,7 +32,7 @@ int EditRecipeFile(Session& session, const std::string& file, std::string_view r
   }
   return session.OnDatabase(file, DatabaseKind::kRecipe, [&] {
     try {
-      const EditOutcome outcome = EditInOneTransaction(file, edit);
+      const EditOutcome outcome = EditInOneTransaction(session, file, edit);
       if (!outcome.done) {
         return kFailed;
       }
@@ -42,7 +44,18 @@ int EditRecipeFile(Session& session, const std::string& file, std::string_view r
           {.icon = Icon::kCritical, .title = std::string(refusal_title), .text = refusal.what()});
       return kFailed;
     }
-    return session.Identity().SetDatabaseDate(file, DateSelector::kModified) ? kDone : kFailed;
+    return kDone;
+  });
+}
+
+int ActOnRecipeFile(Session& session, const std::string& file,
+                    const std::function<bool(SQLite::Database&)>& action) {
+  if (!session.IsUserDatabase(file, DatabaseKind::kRecipe)) {
+    return kFailed;
+  }
+  return session.OnDatabase(file, DatabaseKind::kRecipe, [&] {
+    SQLite::Database database = OpenDatabase(file, Access::kWrite, session.Context().busy_timeout);
+    return action(database) ? kDone : kFailed;
   });
 }
 
@@ -52,7 +65,7 @@ int ReadRecipeFile(Session& session, const std::string& file,
     return kFailed;
   }
   return session.OnDatabase(file, DatabaseKind::kRecipe, [&] {
-    SQLite::Database database = OpenDatabase(file, Access::kRead);
+    SQLite::Database database = OpenDatabase(file, Access::kRead, session.Context().busy_timeout);
     show(database);
     return kDone;
   });

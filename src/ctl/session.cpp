@@ -107,7 +107,7 @@ bool Session::SaveSettings() {
 
 DatabaseIdentity& Session::Identity() {
   if (!identity_) {
-    identity_.emplace(operator_, context_.calendar, Settings());
+    identity_.emplace(operator_, context_.calendar, Settings(), context_.busy_timeout);
   }
   return *identity_;
 }

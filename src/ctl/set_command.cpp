@@ -1,7 +1,8 @@
-#include <array>
+#include <algorithm>
 #include <functional>
 #include <optional>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include <CLI/CLI.hpp>
@@ -12,9 +13,13 @@
 #include "ctl/session.h"
 #include "database/records.h"
 #include "feed/adjust_list.h"
+#include "feed/pen_capacity.h"
+#include "feed/record_commit.h"
 #include "feed/record_edits.h"
 #include "feed/record_fields.h"
+#include "feed/record_kind.h"
 #include "frame/number.h"
+#include "frame/text.h"
 
 namespace vrx {
 namespace {
@@ -24,13 +29,27 @@ std::optional<std::string> Given(const CLI::Option* option) {
   return option->count() > 0 ? std::optional(option->results().back()) : std::nullopt;
 }
 
+// The tool's own check: the library would take 0x10 or 1e1 for a number.
+std::string AdjustProblem(const std::string& typed) {
+  const std::string_view digits =
+      std::string_view(typed).substr(typed.starts_with('-') || typed.starts_with('+') ? 1 : 0);
+  const bool whole = !digits.empty() && std::all_of(digits.begin(), digits.end(), IsDigitChar);
+  const auto percent = whole ? ParseLong(typed) : std::nullopt;
+  if (percent && *percent >= -kNoAdjustIndex && *percent <= kNoAdjustIndex) {
+    return "";
+  }
+  return "'" + typed + "' is no whole number from -20 to 20";
+}
+
 // The part that the three kinds have in common: options, and one edit of the database.
 class RecordForm {
  public:
-  RecordForm(CLI::App& set, const std::string& kind, int count)
-      : app_(set.add_subcommand(kind, "Edit a record as its form does")) {
+  RecordForm(CLI::App& set, const RecordKindTraits& kind)
+      : app_(set.add_subcommand(std::string(kind.noun), "Edit a record as its form does")) {
     app_->add_option("rdb", file_, "A recipe database")->required();
-    app_->add_option("id", id_, "Number of the record")->required()->check(CLI::Range(1, count));
+    app_->add_option("id", id_, "Number of the record")
+        ->required()
+        ->check(CLI::Range(1, kind.count));
     name_ = Text("--name");
     description_ = Text("--description");
   }
@@ -75,7 +94,7 @@ class RecordForm {
 
 class IngredientForm : public RecordForm {
  public:
-  explicit IngredientForm(CLI::App& set) : RecordForm(set, "ingredient", kIngredientCount) {
+  explicit IngredientForm(CLI::App& set) : RecordForm(set, TraitsOf(RecordKind::kIngredient)) {
     dry_matter_ = Text("--dry-matter", "Percent, 0 to 100");
     hand_add_ = Text("--hand-add", "yes or no")->check(CLI::IsMember({"yes", "no"}));
   }
@@ -89,7 +108,7 @@ class IngredientForm : public RecordForm {
         edit.hand_add = *hand_add == "yes";
       }
       auto notes = ApplyEdit(edit, session.Settings().AutoAbbreviateOn(), record);
-      WriteIngredient(database, record);
+      CommitIngredientRecord(database, record);
       return notes;
     });
   }
@@ -101,12 +120,11 @@ class IngredientForm : public RecordForm {
 
 class RecipeForm : public RecordForm {
  public:
-  explicit RecipeForm(CLI::App& set) : RecordForm(set, "recipe", kRecipeCount) {
+  explicit RecipeForm(CLI::App& set) : RecordForm(set, TraitsOf(RecordKind::kRecipe)) {
     type_ = Text("--type", "W, H, % or P")->check(CLI::IsMember({"W", "H", "%", "P"}));
     head_count_ = Text("--head-count", "Head to feed, in a recipe of type H");
     ration_target_ = Text("--ration-target", "Weight wanted, in a recipe of type W, % or P");
-    adjust_ =
-        Text("--adjust", "Percent, -20 to 20")->check(CLI::Range(-kNoAdjustIndex, kNoAdjustIndex));
+    adjust_ = Text("--adjust", "Percent, -20 to 20")->check(AdjustProblem);
   }
 
   int Run(Session& session) {
@@ -122,7 +140,7 @@ class RecipeForm : public RecordForm {
       }
       auto notes = ApplyEdit(edit, ReadRecipeLines(database, Id()),
                              session.Settings().AutoAbbreviateOn(), record);
-      WriteRecipe(database, record);
+      CommitRecipeRecord(database, record);
       return notes;
     });
   }
@@ -136,7 +154,7 @@ class RecipeForm : public RecordForm {
 
 class PenForm : public RecordForm {
  public:
-  explicit PenForm(CLI::App& set) : RecordForm(set, "pen", kPenCount) {
+  explicit PenForm(CLI::App& set) : RecordForm(set, TraitsOf(RecordKind::kPen)) {
     feed_ = Text("--feed", "Feed amount, digits");
   }
 
@@ -145,7 +163,10 @@ class PenForm : public RecordForm {
       PenRecord record = ReadPen(database, Id());
       const PenEdit edit{.name = Name(), .description = Description(), .feed_amount = Given(feed_)};
       auto notes = ApplyEdit(edit, session.Settings().AutoAbbreviateOn(), record);
-      WritePen(database, record);
+      CommitPenRecord(database, record);
+      if (const auto size = CheckPenCapacity(ReadPens(database))) {
+        notes.push_back(PenCapacityWarning(*size));
+      }
       return notes;
     });
   }

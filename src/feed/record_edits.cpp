@@ -2,11 +2,11 @@
 
 #include <utility>
 
+#include "feed/auto_abbreviation.h"
 #include "feed/batch_type.h"
 #include "feed/ration_totals.h"
 #include "feed/record_fields.h"
 #include "frame/number.h"
-#include "frame/text.h"
 
 namespace vrx {
 namespace {
@@ -26,24 +26,19 @@ class Form {
     }
   }
 
-  // An abbreviation without a character leaves the name as it was: a name is mandatory.
   void TypeTexts(const std::optional<std::string>& name,
                  const std::optional<std::string>& description, bool auto_abbreviate,
                  std::string& name_value, std::string& description_value) {
-    Type("Description", description, description_value);
-    if (description && auto_abbreviate) {
-      std::string abbreviation = AbbreviateDescription(description_value);
-      if (abbreviation.find_first_not_of(' ') != std::string::npos) {
-        name_value = std::move(abbreviation);
-      }
+    AutoAbbreviation abbreviation;
+    if (description) {
+      // The box is emptied first, and it never gets a key too many: that was refused.
+      abbreviation.DescriptionKey(kBackspaceKey, description_value.size());
+      Type("Description", description, description_value);
+    }
+    if (auto given = abbreviation.LeaveDescription(description_value, auto_abbreviate)) {
+      name_value = *std::move(given);
     }
     Type("Name", name, name_value);
-  }
-
-  void TakeNameAsDescription(int id, const std::string& name, std::string& description) {
-    if (description.empty() && name != DefaultName(kind_, id)) {
-      description = name;
-    }
   }
 
   std::vector<std::string> TakeNotes() { return std::move(notes_); }
@@ -96,7 +91,6 @@ std::vector<std::string> ApplyEdit(const IngredientEdit& edit, bool auto_abbrevi
   form.Type("DryMatter%", edit.dry_matter_percent, dry_matter);
   edited.dry_matter_percent = TextToLong(dry_matter);
   edited.hand_add = edit.hand_add.value_or(edited.hand_add);
-  form.TakeNameAsDescription(edited.id, edited.name, edited.description);
   record = std::move(edited);
   return form.TakeNotes();
 }
@@ -128,7 +122,6 @@ std::vector<std::string> ApplyEdit(const PenEdit& edit, bool auto_abbreviate, Pe
   PenRecord edited = record;
   form.TypeTexts(edit.name, edit.description, auto_abbreviate, edited.name, edited.description);
   form.Type("FeedAmount", edit.feed_amount, edited.feed_amount);
-  form.TakeNameAsDescription(edited.id, edited.name, edited.description);
   record = std::move(edited);
   return form.TakeNotes();
 }

@@ -32,12 +32,12 @@ struct PenEdit {
   std::optional<std::string> feed_amount = std::nullopt;
 };
 
-// Bring an edit into the record as its form would, up to the commit: the record is changed as a
-// whole, or not at all when this throws FieldRefusal. Return what the operator is told.
+// Bring an edit into the record as its form would, up to the commit (record_commit.h): the record
+// is changed as a whole, or not at all when this throws FieldRefusal. Return what the operator is
+// told.
 //
 // The description comes first and, with `auto_abbreviate`, gives the name; a name that was typed as
-// well is typed after it. A record of an ingredient or pen that bears a name of its own and no
-// description takes the name as description.
+// well is typed after it.
 //
 // A recipe's inputs are open as its batch type, that of the same edit included, and the sums of its
 // stored lines leave them. Sums that fail (ration.h) throw when an input was typed.

@@ -23,17 +23,10 @@ RecipeRecord FreshRecipe(std::string type) {
           .adjust_batch_index = "20"};
 }
 
-TEST(IngredientEdit, AnOwnNameBecomesTheDescription) {
+TEST(IngredientEdit, ANameAloneLeavesTheDescriptionToTheCommit) {
   IngredientRecord record = FreshIngredient();
-  EXPECT_THAT(ApplyEdit({.name = "barley"}, true, record), IsEmpty());
+  EXPECT_THAT(ApplyEdit({.name = "barley", .hand_add = true}, true, record), IsEmpty());
   EXPECT_EQ(record.name, "bARLEY");
-  EXPECT_EQ(record.description, "bARLEY");
-}
-
-TEST(IngredientEdit, TheDefaultNameLeavesItOutOfUse) {
-  IngredientRecord record = FreshIngredient();
-  ApplyEdit({.name = "ing005", .hand_add = true}, true, record);
-  EXPECT_EQ(record.name, "ING005");
   EXPECT_EQ(record.description, "");
   EXPECT_TRUE(record.hand_add);
 }
@@ -63,7 +56,7 @@ TEST(IngredientEdit, AnEmptiedDescriptionNeverEmptiesTheName) {
   IngredientRecord record = {.id = 5, .name = "CORN", .description = "Corn flaked"};
   ApplyEdit({.description = ""}, true, record);
   EXPECT_EQ(record.name, "CORN");
-  EXPECT_EQ(record.description, "CORN");
+  EXPECT_EQ(record.description, "");
 }
 
 TEST(IngredientEdit, TellsWhatWasNormalised) {
@@ -78,12 +71,6 @@ TEST(IngredientEdit, ARefusalChangesNothing) {
   EXPECT_THROW(ApplyEdit({.name = "CORN", .dry_matter_percent = "x"}, true, record), FieldRefusal);
   EXPECT_EQ(record.name, "ING005");
   EXPECT_EQ(record.dry_matter_percent, 100);
-}
-
-TEST(PenEdit, AnOwnNameBecomesTheDescription) {
-  PenRecord record = FreshPen();
-  ApplyEdit({.name = "b12"}, true, record);
-  EXPECT_EQ(record.description, "b12");
 }
 
 TEST(PenEdit, FeedAloneKeepsTheDefaultName) {

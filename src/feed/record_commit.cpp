@@ -1,0 +1,109 @@
+#include "feed/record_commit.h"
+
+#include <functional>
+#include <map>
+#include <string>
+#include <vector>
+
+#include "database/one_row_table.h"
+#include "feed/ration.h"
+#include "feed/record_kind.h"
+#include "frame/error.h"
+#include "frame/number.h"
+
+namespace vrx {
+namespace {
+
+template <typename Record>
+Record WithDefaultDescription(Record record) {
+  const RecordKind kind = KindOf(record);
+  if (TraitsOf(kind).name_becomes_description && record.description.empty() &&
+      record.name != DefaultName(kind, record.id)) {
+    record.description = record.name;
+  }
+  return record;
+}
+
+// Only lines that `change` alters are written.
+void ChangeLines(SQLite::Database& database, int ingredient_id,
+                 const std::function<void(RecipeLineRecord&)>& change) {
+  std::vector<RecipeLineRecord> changed;
+  for (const RecipeLineRecord& stored : ReadLinesWithIngredient(database, ingredient_id)) {
+    RecipeLineRecord line = stored;
+    change(line);
+    if (line != stored) {
+      changed.push_back(std::move(line));
+    }
+  }
+  WriteStoredLines(database, changed);
+}
+
+// By the text that a line holds as its RecipeID.
+std::map<std::string, std::string> BatchTypes(SQLite::Database& database) {
+  std::map<std::string, std::string> types;
+  for (RecipeRecord& recipe : ReadRecipes(database)) {
+    types.emplace(std::to_string(recipe.id), std::move(recipe.batch_type));
+  }
+  return types;
+}
+
+void RecalcNamingTheRecipe(std::string_view batch_type, RecipeLineRecord& line) {
+  try {
+    RecalcLineDryMatter(batch_type, line);
+  } catch (const Error& error) {
+    throw Error("Recipe " + line.recipe_id + ": " + error.what());
+  }
+}
+
+}  // namespace
+
+void CommitIngredientRecord(SQLite::Database& database, IngredientRecord& record,
+                            std::optional<std::string_view> batch_type_on_show) {
+  IngredientRecord committed = WithDefaultDescription(record);
+  // First what may fail by what the lines hold.
+  SetRecipesDryMatterPct(database, committed.id, std::to_string(committed.dry_matter_percent),
+                         batch_type_on_show);
+  SetRecipesHandAdd(database, committed.id, committed.hand_add);
+  WriteIngredient(database, committed);
+  record = std::move(committed);
+}
+
+void CommitRecipeRecord(SQLite::Database& database, RecipeRecord& record) {
+  RecipeRecord committed = WithDefaultDescription(record);
+  WriteRecipe(database, committed);
+  record = std::move(committed);
+}
+
+void CommitPenRecord(SQLite::Database& database, PenRecord& record) {
+  PenRecord committed = WithDefaultDescription(record);
+  WritePen(database, committed);
+  record = std::move(committed);
+}
+
+void SetRecipesHandAdd(SQLite::Database& database, int ingredient_id, bool hand_add) {
+  ChangeLines(database, ingredient_id, [&](RecipeLineRecord& line) { line.hand_add = hand_add; });
+}
+
+void SetRecipesDryMatterPct(SQLite::Database& database, int ingredient_id,
+                            std::string_view dry_matter_percent,
+                            std::optional<std::string_view> batch_type_on_show) {
+  const auto types =
+      batch_type_on_show ? std::map<std::string, std::string>() : BatchTypes(database);
+  const auto type_of = [&](const RecipeLineRecord& line) -> std::string_view {
+    if (batch_type_on_show) {
+      return *batch_type_on_show;
+    }
+    const auto own = types.find(line.recipe_id);
+    return own == types.end() ? std::string_view() : own->second;
+  };
+  ChangeLines(database, ingredient_id, [&](RecipeLineRecord& line) {
+    line.dry_matter_percent = dry_matter_percent;
+    RecalcNamingTheRecipe(type_of(line), line);
+  });
+}
+
+void TouchDatabase(SQLite::Database& database, const Calendar& calendar) {
+  WriteField(database, kModifiedField, StoredText(calendar.Today()));
+}
+
+}  // namespace vrx

@@ -1,0 +1,81 @@
+#pragma once
+
+#include <filesystem>
+#include <random>
+#include <string>
+#include <vector>
+
+#include <SQLiteCpp/Database.h>
+#include <gtest/gtest.h>
+
+#include "database/connection.h"
+#include "database/database_files.h"
+#include "database/identity.h"
+#include "database/records.h"
+#include "feed/feed_action.h"
+#include "frame/private_ini.h"
+#include "support/fixed_calendar.h"
+#include "support/recording_operator.h"
+#include "support/temp_folder.h"
+
+namespace vrx::testing {
+
+inline constexpr std::chrono::milliseconds kShortTimeout{20};
+
+// A fresh recipe database, open for writing, and the ports of an action on it. 5 January 2026.
+class FeedDatabaseTest : public ::testing::Test {
+ protected:
+  FeedDatabaseTest() { settings.SetEnableBeeperOn(true); }
+
+  // A recipe in use.
+  void UseRecipe(int id, const std::string& name, const std::string& batch_type = "W") {
+    RecipeRecord recipe = ReadRecipe(database, id);
+    recipe.name = name;
+    recipe.description = name;
+    recipe.batch_type = batch_type;
+    WriteRecipe(database, recipe);
+  }
+
+  // A line behind the others of its recipe.
+  void AddLine(int recipe, int ingredient, RecipeLineRecord line = {}) {
+    line.recipe_id = std::to_string(recipe);
+    line.ingredient = std::to_string(ingredient);
+    line.sequence = static_cast<int>(ReadRecipeLines(database, recipe).size()) + 1;
+    WriteRecipeLine(database, line);
+  }
+
+  std::vector<std::string> Ask(const std::string& query) { return testing::Ask(path, query); }
+
+  // Recipes 1 to 5 of all types, 6 of an unknown one, and lines of ingredients 1 to 4 in them, in
+  // recipes out of use and in one that is not there.
+  void FillAtRandom(std::mt19937& random) {
+    const auto below = [&](int end) { return std::uniform_int_distribution(0, end - 1)(random); };
+    const std::vector<std::string> types = {"W", "H", "%", "P", "!", "X"};
+    for (int recipe = 1; recipe <= 6; ++recipe) {
+      UseRecipe(recipe, "R" + std::to_string(recipe),
+                types.at(static_cast<std::size_t>(recipe) - 1));
+    }
+    const std::vector<int> recipes = {1, 2, 3, 4, 5, 6, 50, 300};
+    for (int line = 0; line < 40; ++line) {
+      AddLine(recipes.at(static_cast<std::size_t>(below(8))), 1 + below(4),
+              {.target = std::to_string(below(3000)),
+               .ration_percent = "1." + std::to_string(below(10)),
+               .dry_matter_percent = std::to_string(below(101)),
+               .dry_matter = std::to_string(below(3000)),
+               .batch_target = std::to_string(below(3000)),
+               .hand_add = below(2) == 0,
+               .ingredient_percent = std::to_string(below(100)) + ".25"});
+    }
+  }
+
+  TempFolder folder;
+  std::filesystem::path path = CopyOfTemplate(folder, "YARD.RDB");
+  SQLite::Database database = OpenDatabase(path, Access::kWrite, kShortTimeout);
+  RecordingOperator op;
+  FixedCalendar calendar;
+  PrivateINI settings;
+  DatabaseIdentity identity{op, calendar, settings, kShortTimeout};
+  FeedPorts ports{.op = op, .settings = settings, .calendar = calendar, .identity = identity};
+};
+
+}  // namespace vrx::testing
