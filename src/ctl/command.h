@@ -40,6 +40,7 @@ std::unique_ptr<Command> MakeSettingsCommand();
 std::unique_ptr<Command> MakeListCommand();
 std::unique_ptr<Command> MakeSetCommand();
 std::unique_ptr<Command> MakeRecipeCommand();
+std::unique_ptr<Command> MakeWhereUsedCommand();
 std::unique_ptr<Command> MakeModuleCommand();
 std::unique_ptr<Command> MakeDirectCommand();
 std::unique_ptr<Command> MakeImportCommand();

@@ -1,0 +1,49 @@
+#include <memory>
+#include <string>
+
+#include <CLI/CLI.hpp>
+#include <SQLiteCpp/Database.h>
+
+#include "ctl/command.h"
+#include "ctl/output.h"
+#include "ctl/recipe_file.h"
+#include "ctl/session.h"
+#include "database/records.h"
+#include "feed/where_used.h"
+
+namespace vrx {
+namespace {
+
+class WhereUsedCommand : public Command {
+ public:
+  CLI::App* Register(CLI::App& app) override {
+    CLI::App* command = app.add_subcommand("where-used", "List the recipes that use an ingredient");
+    command->add_option("rdb", file_, "A recipe database")->required();
+    command->add_option("ingredient", id_, "Number of the ingredient")
+        ->required()
+        ->check(CLI::Range(1, kIngredientCount));
+    output_.RegisterJson(*command);
+    return command;
+  }
+
+  int Run(Session& session) override {
+    return ReadRecipeFile(session, file_, [&](SQLite::Database& database) {
+      OutputTable table{.header = {"ID", "Name"}, .rows = {}};
+      for (const WhereUsed& use : FindWhereIngUsed(database, id_, false)) {
+        table.rows.push_back({use.recipe_id, use.recipe_name});
+      }
+      WriteTable(session.Out(), output_.Form(), table);
+    });
+  }
+
+ private:
+  std::string file_;
+  int id_ = 0;
+  OutputOptions output_;
+};
+
+}  // namespace
+
+std::unique_ptr<Command> MakeWhereUsedCommand() { return std::make_unique<WhereUsedCommand>(); }
+
+}  // namespace vrx
