@@ -47,6 +47,7 @@ class CtlTest : public ::testing::Test {
                                  .err_is_terminal = err_is_terminal,
                                  .system = system,
                                  .calendar = calendar,
+                                 .busy_timeout = busy_timeout,
                                  .make_serial_line = [this](const std::string& path, const auto&) {
                                    device = path;
                                    return std::make_unique<FakeLine>(*this);
@@ -80,6 +81,7 @@ class CtlTest : public ::testing::Test {
   TempFolder folder;
   FixedSystemInfo system;
   FixedCalendar calendar;
+  std::chrono::milliseconds busy_timeout = kBusyTimeout;
   ManualPump pump;
   FakeSerialControl serial{pump};
   std::string device;  // what the last line was asked for
