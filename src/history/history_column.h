@@ -9,6 +9,9 @@ namespace vrx {
 // The 112 columns of `grdTRANS`, which are the fields of a transaction in stored order. An index
 // counts from 1 and never changes; positions and captions do (history_columns.h).
 inline constexpr int kHistoryColumnCount = 112;
+inline constexpr int kTargetColumn = 7;
+inline constexpr int kActualBatchColumn = 8;
+inline constexpr int kActualFeedColumn = 11;
 inline constexpr int kIngPercentColumn = 12;
 inline constexpr int kFirstIngredientColumn = 13;
 

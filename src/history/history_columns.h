@@ -20,11 +20,12 @@ class HistoryColumns {
  public:
   HistoryColumns();
 
-  // The common course of the 13 set-up routines, but for what needs rows.
+  // The common course of the 13 set-up routines, but for what needs rows. What it leaves of the
+  // ingredient columns is settled by ApplyIngredientColumnVisibility.
   void SetUp(const DataGroup& group, bool show_active_ingredients_only);
 
   // The ingredient columns take the names of the open recipe database, in upper case; with none
-  // open every one of them is hidden.
+  // open every one of them is hidden. An ID outside 1 to 100 has no column.
   void RefreshIngredientColumns(std::span<const IngredientRecord> ingredients);
 
   // What every drawn row settles: which ingredient columns a group shows.
@@ -34,6 +35,7 @@ class HistoryColumns {
   // the group shows ingredient columns.
   void EnterTab(const DataGroup& group);
 
+  // All of these throw std::out_of_range for a column or position outside 1 to 112.
   const std::string& Caption(int column) const;
   bool IsVisible(int column) const;
   int Position(int column) const;
@@ -41,27 +43,26 @@ class HistoryColumns {
   // "Total:" for the column chosen, else "".
   std::string_view TotalText(int column) const;
 
-  // The visible columns by their position.
+  // The visible columns, in the order of their positions.
   std::vector<int> VisibleColumns() const;
 
-  // GetVisibleColumnList: 501 slots; the slot of a column's position holds its field, all others
-  // are empty.
+  // 501 slots; the slot of a visible column's position holds its field, all others are empty.
   std::vector<std::string> GetVisibleColumnList() const;
 
  private:
   struct State {
     std::string caption;
-    int position = 0;
     bool visible = true;
     bool total = false;
   };
   State& At(int column);
   const State& At(int column) const;
-  void ShowIngredientColumns();
+  void ShowNamedIngredientColumns();
   void HideIngredientColumns();
   void SetTotalCaption(std::string_view column_key);
 
-  std::array<State, kHistoryColumnCount> columns_;
+  std::array<State, kHistoryColumnCount> columns_;  // by index less 1
+  std::array<int, kHistoryColumnCount> order_{};    // indexes by position less 1
 };
 
 }  // namespace vrx

@@ -1,0 +1,124 @@
+#include "history/row_format.h"
+
+#include <algorithm>
+#include <array>
+#include <cmath>
+#include <optional>
+#include <string_view>
+
+#include "frame/number.h"
+
+namespace vrx {
+namespace {
+
+constexpr std::string_view kIngredientSumFormat = "0.0";
+
+constexpr std::array<std::string_view, 12> kMonthNames{"Jan", "Feb", "Mar", "Apr", "May", "Jun",
+                                                       "Jul", "Aug", "Sep", "Oct", "Nov", "Dec"};
+
+// "Medium Date": dd-mmm-yy.
+std::string MediumDate(const Date& date) {
+  return Format(static_cast<unsigned>(date.day()), "00") + "-" +
+         std::string(kMonthNames.at(static_cast<unsigned>(date.month()) - 1)) + "-" +
+         Format(static_cast<int>(date.year()) % 100, "00");
+}
+
+// "Medium Time": hh:mm AM/PM.
+std::string MediumTime(const TimeOfDay& time) {
+  const int hour = time.hour % 12 == 0 ? 12 : time.hour % 12;
+  return Format(hour, "00") + ":" + Format(time.minute, "00") + (time.hour < 12 ? " AM" : " PM");
+}
+
+std::string ShownText(ColumnContent content, const std::string& text) {
+  if (content == ColumnContent::kDate) {
+    const std::optional<Date> date = ParseStoredDate(text);
+    return date ? MediumDate(*date) : text;
+  }
+  if (content == ColumnContent::kTime) {
+    const std::optional<TimeOfDay> time = ParseStoredTime(text);
+    return time ? MediumTime(*time) : text;
+  }
+  return text;
+}
+
+// Not every sum of stored numbers is finite.
+std::string ShownNumber(double value, std::string_view format) {
+  if (!std::isfinite(value)) {
+    return std::signbit(value) ? "-Inf" : "Inf";
+  }
+  return format.empty() ? DefaultText(value) : Format(value, format);
+}
+
+double SumValue(const CellValue& sum) {
+  if (const auto* const whole = std::get_if<std::int64_t>(&sum)) {
+    return static_cast<double>(*whole);
+  }
+  const auto* const number = std::get_if<double>(&sum);
+  return number == nullptr ? 0 : *number;
+}
+
+std::string ShownSum(int column, const CellValue& sum) {
+  if (IngredientSlot(column) != 0) {
+    return ShownNumber(SumValue(sum), kIngredientSumFormat);
+  }
+  std::string text = ShownNumber(SumValue(sum), "");
+  const bool blank_zero = column == kActualBatchColumn || column == kActualFeedColumn;
+  return blank_zero && text == "0" ? std::string() : text;
+}
+
+}  // namespace
+
+std::string ShownValue(const HistoryColumn& column, const CellValue& value) {
+  if (const auto* const text = std::get_if<std::string>(&value)) {
+    return ShownText(column.content, *text);
+  }
+  if (const auto* const whole = std::get_if<std::int64_t>(&value)) {
+    return DefaultText(*whole);
+  }
+  const auto* const number = std::get_if<double>(&value);
+  return number == nullptr ? std::string() : ShownNumber(*number, "");
+}
+
+std::string GroupCaption(const DataGroup& group, int depth, const CellValue& value) {
+  const std::string_view key = group.levels.at(static_cast<std::size_t>(depth) - 1);
+  const HistoryColumn& column = HistoryColumnAt(HistoryColumnOfKey(key));
+  return column.group_prefix + ShownValue(column, value);
+}
+
+bool IsBlanked(const DataGroup& group, int depth, int column) {
+  return std::any_of(group.blanked.begin(), group.blanked.end(), [&](const BlankedColumns& entry) {
+    return entry.depth == depth &&
+           (std::find(entry.columns.begin(), entry.columns.end(), column) != entry.columns.end() ||
+            (entry.ingredient_columns && IngredientSlot(column) != 0));
+  });
+}
+
+std::string ShownCell(const HistoryRow& row, const DataGroup& group, const HistoryColumns& columns,
+                      int column) {
+  const HistoryColumn& traits = HistoryColumnAt(column);
+  if (IsBlanked(group, row.depth, column)) {
+    return {};
+  }
+  if (row.kind == HistoryRowKind::kTotal && !traits.summed) {
+    return std::string(columns.TotalText(column));
+  }
+  const CellValue& value = row.cells.at(static_cast<std::size_t>(column) - 1);
+  return row.kind == HistoryRowKind::kTotal ? ShownSum(column, value) : ShownValue(traits, value);
+}
+
+ShownRow FormatRow(const HistoryRow& row, const DataGroup& group, const HistoryColumns& columns) {
+  ShownRow shown{.kind = row.kind, .depth = row.depth, .open = row.open};
+  if (row.kind == HistoryRowKind::kGroup) {
+    shown.caption = GroupCaption(group, row.depth, row.group);
+    return shown;
+  }
+  shown.cells.resize(kHistoryColumnCount);
+  for (int column = 1; column <= kHistoryColumnCount; ++column) {
+    if (columns.IsVisible(column)) {
+      shown.cells[static_cast<std::size_t>(column) - 1] = ShownCell(row, group, columns, column);
+    }
+  }
+  return shown;
+}
+
+}  // namespace vrx

@@ -1,0 +1,287 @@
+#include "history/history_columns.h"
+
+#include <algorithm>
+#include <map>
+#include <numeric>
+#include <random>
+#include <stdexcept>
+#include <string>
+#include <vector>
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+namespace vrx::testing {
+namespace {
+
+using ::testing::ElementsAre;
+using ::testing::ElementsAreArray;
+using ::testing::IsEmpty;
+
+// CORN in slot 1, hay in slot 3; slot 2 and slot 100 bear their default names, slot 12 one that
+// looks like it.
+std::vector<IngredientRecord> Ingredients() {
+  return {{.id = 1, .name = "CORN", .description = "Corn"},
+          {.id = 2, .name = "ING002"},
+          {.id = 3, .name = "hAY", .description = "Hay"},
+          {.id = 12, .name = "ING012"},
+          {.id = 13, .name = "ING13"},
+          {.id = 99, .name = "SALT", .description = "Salt"},
+          {.id = 100, .name = "ING100"}};
+}
+
+const DataGroup& Group(int index) { return *FindDataGroup(index); }
+
+// The captions of what is seen once a row has been drawn.
+std::vector<std::string> VisibleCaptions(const HistoryColumns& columns) {
+  std::vector<std::string> captions;
+  for (const int column : columns.VisibleColumns()) {
+    captions.push_back(columns.Caption(column));
+  }
+  return captions;
+}
+
+std::vector<std::string> CaptionsOf(int group) {
+  HistoryColumns columns;
+  columns.RefreshIngredientColumns(Ingredients());
+  columns.SetUp(Group(group), false);
+  columns.ApplyIngredientColumnVisibility(Group(group));
+  return VisibleCaptions(columns);
+}
+
+TEST(HistoryColumns, StandInTheirDesignOrderAtFirst) {
+  const HistoryColumns columns;
+  for (int column = 1; column <= kHistoryColumnCount; ++column) {
+    EXPECT_EQ(columns.Position(column), column);
+    EXPECT_TRUE(columns.IsVisible(column));
+    EXPECT_EQ(columns.TotalText(column), "");
+    EXPECT_EQ(columns.Caption(column), HistoryColumnAt(column).caption);
+  }
+}
+
+TEST(HistoryColumns, GroupZeroShowsThePercentageAndTheNamedIngredients) {
+  EXPECT_THAT(CaptionsOf(0), ElementsAre("Transaction", "Recipe", "Type", "Batch Wt", "Ingredient",
+                                         "Feed Wt", "Pen", "Target Wt", "User ID", "Time", "Date",
+                                         "Ing% Of Batch", "CORN", "HAY", "ING13", "SALT"));
+}
+
+TEST(HistoryColumns, VisibleColumnsInOrderForEveryOtherGroup) {
+  const std::map<int, std::vector<std::string>> expected{
+      {1,
+       {"Recipe", "Batch Wt", "Ingredient", "Feed Wt", "Pen", "Target Wt", "User ID", "Time",
+        "Date"}},
+      {2, {"Recipe", "Batch Wt", "Ingredient", "Feed Wt", "Pen", "Target Wt", "User ID", "Time"}},
+      {3,
+       {"Transaction", "Batch Wt", "Ingredient", "Feed Wt", "Pen", "Target Wt", "User ID", "Time",
+        "Date"}},
+      {4,
+       {"Transaction", "Batch Wt", "Ingredient", "Feed Wt", "Pen", "Target Wt", "User ID", "Time",
+        "Date"}},
+      {5, {"Ingredient", "Batch Wt"}},
+      {6, {"Transaction", "Recipe", "Batch Wt", "Target Wt", "User ID", "Time", "Date"}},
+      {7, {"Recipe", "Target Wt", "Batch Wt", "User ID", "Time", "Date"}},
+      {8, {"Transaction", "Recipe", "Feed Wt", "Target Wt", "User ID", "Time", "Date"}},
+      {9, {"Recipe", "Target Wt", "Feed Wt", "User ID", "Time", "Date"}},
+      {10, {"Pen", "Recipe", "Target Wt", "Feed Wt", "CORN", "HAY", "ING13", "SALT"}},
+      {11,
+       {"Recipe", "Type", "Batch Wt", "Ingredient", "Feed Wt", "Pen", "Target Wt", "Time", "Date"}},
+      {12,
+       {"Transaction", "Recipe", "Batch Wt", "Ingredient", "Feed Wt", "Pen", "Target Wt", "Time",
+        "Date"}},
+  };
+  for (const auto& [group, captions] : expected) {
+    EXPECT_THAT(CaptionsOf(group), ElementsAreArray(captions)) << Group(group).item;
+  }
+}
+
+TEST(HistoryColumns, GroupTenKeepsTheOrderThatTheGroupBeforeItLeft) {
+  const auto after = [](int before) {
+    HistoryColumns columns;
+    columns.SetUp(Group(before), false);
+    columns.SetUp(Group(10), false);
+    columns.ApplyIngredientColumnVisibility(Group(10));
+    std::vector<std::string> captions = VisibleCaptions(columns);
+    captions.resize(4);
+    return captions;
+  };
+  EXPECT_THAT(after(9), ElementsAre("Pen", "Recipe", "Target Wt", "Feed Wt"));
+  EXPECT_THAT(after(3), ElementsAre("Pen", "Recipe", "Feed Wt", "Target Wt"));
+}
+
+TEST(HistoryColumns, SetUpGivesTheTotalTextToOneColumnOnly) {
+  const std::vector<int> expected{0, 2, 2, 1, 1, 5, 1, 2, 1, 2, 6, 2, 1};
+  HistoryColumns columns;
+  for (int group = 0; group < kDataGroupCount; ++group) {
+    columns.SetUp(Group(group), false);
+    for (int column = 1; column <= kHistoryColumnCount; ++column) {
+      const bool chosen = column == expected[static_cast<std::size_t>(group)];
+      EXPECT_EQ(columns.TotalText(column), chosen ? "Total:" : "") << Group(group).item;
+    }
+  }
+}
+
+TEST(HistoryColumns, SetUpOfEightAndNineLeavesTheIngredientColumnsToTheFirstRow) {
+  for (const int group : {8, 9}) {
+    HistoryColumns columns;
+    columns.SetUp(Group(group), false);
+    EXPECT_FALSE(columns.IsVisible(kIngPercentColumn));
+    EXPECT_TRUE(columns.IsVisible(kFirstIngredientColumn));
+    EXPECT_TRUE(columns.IsVisible(kHistoryColumnCount));
+    columns.ApplyIngredientColumnVisibility(Group(group));
+    EXPECT_FALSE(columns.IsVisible(kFirstIngredientColumn));
+    EXPECT_FALSE(columns.IsVisible(kHistoryColumnCount));
+  }
+}
+
+TEST(HistoryColumns, SetUpOfTenGoesByTheActiveIngredientsBoxUntilARowIsDrawn) {
+  for (const bool box : {false, true}) {
+    HistoryColumns columns;
+    columns.RefreshIngredientColumns(Ingredients());
+    columns.SetUp(Group(10), box);
+    EXPECT_EQ(columns.IsVisible(kIngPercentColumn + 1), box);
+    EXPECT_EQ(columns.IsVisible(kIngPercentColumn + 2), box);  // ING002, not in use
+    EXPECT_FALSE(columns.IsVisible(kIngPercentColumn + 4));    // no caption
+    columns.ApplyIngredientColumnVisibility(Group(10));
+    EXPECT_TRUE(columns.IsVisible(kIngPercentColumn + 1));
+    EXPECT_FALSE(columns.IsVisible(kIngPercentColumn + 2));
+    EXPECT_FALSE(columns.IsVisible(kIngPercentColumn + 4));
+  }
+}
+
+TEST(HistoryColumns, SetUpOfZeroHidesNothing) {
+  HistoryColumns columns;
+  columns.SetUp(Group(12), false);
+  columns.SetUp(Group(0), false);
+  EXPECT_EQ(columns.VisibleColumns().size(), std::size_t{kHistoryColumnCount});
+}
+
+TEST(HistoryColumns, NoNameOfASlotMeansNoColumn) {
+  HistoryColumns columns;
+  columns.RefreshIngredientColumns({});
+  for (int column = kFirstIngredientColumn; column <= kHistoryColumnCount; ++column) {
+    EXPECT_FALSE(columns.IsVisible(column));
+    EXPECT_EQ(columns.Caption(column), "");
+  }
+  EXPECT_TRUE(columns.IsVisible(kIngPercentColumn));
+}
+
+TEST(HistoryColumns, ASlotsNameIsItsColumnsCaptionInUpperCase) {
+  HistoryColumns columns;
+  columns.RefreshIngredientColumns(Ingredients());
+  EXPECT_EQ(columns.Caption(kIngPercentColumn + 3), "HAY");
+  EXPECT_TRUE(columns.IsVisible(kIngPercentColumn + 2));  // until a row is drawn
+}
+
+TEST(HistoryColumns, ARenamedSlotRenamesItsColumnForAllOldTransactions) {
+  HistoryColumns columns;
+  columns.RefreshIngredientColumns(Ingredients());
+  columns.RefreshIngredientColumns(std::vector<IngredientRecord>{{.id = 1, .name = "MILO"}});
+  EXPECT_EQ(columns.Caption(kIngPercentColumn + 1), "MILO");
+  EXPECT_EQ(columns.Caption(kIngPercentColumn + 3), "");
+}
+
+TEST(HistoryColumns, AnIngredientBeyondTheSlotsHasNoColumn) {
+  HistoryColumns columns;
+  columns.RefreshIngredientColumns(
+      std::vector<IngredientRecord>{{.id = 101, .name = "X"}, {.id = 0, .name = "Y"}});
+  EXPECT_EQ(columns.Caption(kIngPercentColumn), "Ing% Of Batch");
+  EXPECT_EQ(columns.Caption(kHistoryColumnCount), "");
+}
+
+TEST(HistoryColumns, ADefaultNameHasThreeDigitsForEverySlot) {
+  std::vector<IngredientRecord> ingredients;
+  for (int id = 1; id <= kIngredientCount; ++id) {
+    const std::string digits = std::to_string(1000 + id).substr(1);
+    ingredients.push_back({.id = id, .name = "ING" + digits});
+  }
+  HistoryColumns columns;
+  columns.RefreshIngredientColumns(ingredients);
+  columns.ApplyIngredientColumnVisibility(Group(0));
+  EXPECT_EQ(columns.VisibleColumns().back(), kIngPercentColumn);
+  ingredients.back().name = "ING0100";
+  columns.RefreshIngredientColumns(ingredients);
+  columns.ApplyIngredientColumnVisibility(Group(0));
+  EXPECT_EQ(columns.VisibleColumns().back(), kHistoryColumnCount);
+}
+
+TEST(HistoryColumns, EnteringTheTabLeavesThePercentageAlone) {
+  for (const int group : {0, 10}) {
+    HistoryColumns columns;
+    columns.RefreshIngredientColumns(Ingredients());
+    columns.EnterTab(Group(group));
+    EXPECT_TRUE(columns.IsVisible(kIngPercentColumn));
+    EXPECT_TRUE(columns.IsVisible(kIngPercentColumn + 1));
+    EXPECT_FALSE(columns.IsVisible(kIngPercentColumn + 2));
+  }
+  HistoryColumns columns;
+  columns.RefreshIngredientColumns(Ingredients());
+  columns.EnterTab(Group(5));
+  EXPECT_TRUE(columns.IsVisible(kIngPercentColumn));
+  EXPECT_FALSE(columns.IsVisible(kIngPercentColumn + 1));
+}
+
+TEST(HistoryColumns, GivingAColumnAPositionMovesTheOthersAlong) {
+  HistoryColumns columns;
+  columns.Move(4, 2);
+  EXPECT_EQ(columns.Position(1), 1);
+  EXPECT_EQ(columns.Position(4), 2);
+  EXPECT_EQ(columns.Position(2), 3);
+  EXPECT_EQ(columns.Position(3), 4);
+  EXPECT_EQ(columns.Position(5), 5);
+  columns.Move(4, 4);
+  for (int column = 1; column <= kHistoryColumnCount; ++column) {
+    EXPECT_EQ(columns.Position(column), column);
+  }
+}
+
+TEST(HistoryColumns, PositionsStayAPermutationWhateverIsMoved) {
+  std::mt19937 random(20260105);
+  std::uniform_int_distribution<int> any(1, kHistoryColumnCount);
+  HistoryColumns columns;
+  for (int round = 0; round < 500; ++round) {
+    const int column = any(random);
+    const int position = any(random);
+    columns.Move(column, position);
+    ASSERT_EQ(columns.Position(column), position);
+    std::vector<int> positions;
+    for (int index = 1; index <= kHistoryColumnCount; ++index) {
+      positions.push_back(columns.Position(index));
+    }
+    std::sort(positions.begin(), positions.end());
+    std::vector<int> all(kHistoryColumnCount);
+    std::iota(all.begin(), all.end(), 1);
+    ASSERT_EQ(positions, all);
+  }
+}
+
+TEST(HistoryColumns, AColumnOrPositionThatIsNoneIsAnError) {
+  HistoryColumns columns;
+  EXPECT_THROW(columns.Move(1, 0), std::out_of_range);
+  EXPECT_THROW(columns.Move(1, 113), std::out_of_range);
+  EXPECT_THROW(columns.Move(113, 1), std::out_of_range);
+  EXPECT_THROW(columns.Position(0), std::out_of_range);
+  EXPECT_THROW(columns.Caption(-1), std::out_of_range);
+}
+
+TEST(GetVisibleColumnList, PutsAFieldIntoTheSlotOfItsPosition) {
+  HistoryColumns columns;
+  columns.SetUp(Group(5), false);
+  std::vector<std::string> slots(501);
+  slots[2] = "Ingredient";
+  slots[4] = "ActualBatch";
+  EXPECT_EQ(columns.GetVisibleColumnList(), slots);
+}
+
+TEST(GetVisibleColumnList, HoldsEveryVisibleColumnOfTheFullGrid) {
+  const HistoryColumns columns;
+  const std::vector<std::string> slots = columns.GetVisibleColumnList();
+  ASSERT_EQ(slots.size(), 501U);
+  EXPECT_EQ(slots[0], "");
+  EXPECT_EQ(slots[1], "Transaction");
+  EXPECT_EQ(slots[112], "Ing100Wt");
+  EXPECT_THAT(std::vector<std::string>(slots.begin() + 113, slots.end()),
+              ::testing::Each(IsEmpty()));
+}
+
+}  // namespace
+}  // namespace vrx::testing
