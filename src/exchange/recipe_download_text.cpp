@@ -9,7 +9,7 @@
 #include "feed/batch_type.h"
 #include "feed/ration.h"
 #include "feed/ration_totals.h"
-#include "feed/record_fields.h"
+#include "feed/record_kind.h"
 #include "frame/encoding.h"
 #include "frame/number.h"
 #include "link/file_attributes.h"
@@ -68,7 +68,7 @@ class TextBuilder {
     int number = 0;
     for (const IngredientRecord& ingredient : tables_.ingredients) {
       ++number;
-      if (!ingredient.description.empty()) {
+      if (IsActive(ingredient)) {
         Add(std::to_string(number), ",", EncodedName(ingredient), ",",
             ingredient.hand_add ? "1" : "0", kLineEnd);
       }
@@ -81,7 +81,7 @@ class TextBuilder {
     int number = 0;
     for (const RecipeRecord& recipe : tables_.recipes) {
       ++number;
-      if (recipe.description.empty()) {
+      if (!IsActive(recipe)) {
         continue;
       }
       result_.highest_in_use = recipe.id;
