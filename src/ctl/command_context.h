@@ -38,7 +38,7 @@ struct CommandContext {
   const SystemInfo& system;
   const Calendar& calendar;
 
-  // How long a database that another program holds is waited for.
+  // How long the commands on records wait for a database that another program holds.
   std::chrono::milliseconds busy_timeout = kBusyTimeout;
 
   // A closed line. An empty device leaves it to the port number, mapped with the data folder.

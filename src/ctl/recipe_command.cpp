@@ -7,6 +7,7 @@
 #include <SQLiteCpp/Database.h>
 
 #include "ctl/command.h"
+#include "ctl/number_option.h"
 #include "ctl/output.h"
 #include "ctl/recipe_file.h"
 #include "ctl/session.h"
@@ -79,9 +80,7 @@ class RecipeCommand : public Command {
   CLI::App* Register(CLI::App& app) override {
     CLI::App* command = app.add_subcommand("recipe", "Show a recipe, recomputed from its lines");
     command->add_option("rdb", file_, "A recipe database")->required();
-    command->add_option("id", id_, "Number of the recipe")
-        ->required()
-        ->check(CLI::Range(1, kRecipeCount));
+    AddRecordNumber(*command, "id", "Number of the recipe", kRecipeCount, id_);
     output_.RegisterJson(*command);
     return command;
   }

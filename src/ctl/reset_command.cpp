@@ -5,6 +5,7 @@
 #include <SQLiteCpp/Database.h>
 
 #include "ctl/command.h"
+#include "ctl/number_option.h"
 #include "ctl/recipe_file.h"
 #include "ctl/session.h"
 #include "database/records.h"
@@ -24,9 +25,7 @@ class ResetCommand : public Command {
       CLI::App* form =
           command->add_subcommand(std::string(kind.noun), "Put a record back to its defaults");
       form->add_option("rdb", file_, "A recipe database")->required();
-      form->add_option("id", id_, "Number of the record")
-          ->required()
-          ->check(CLI::Range(1, kind.count));
+      AddRecordNumber(*form, "id", "Number of the record", kind.count, id_);
       form->callback([this, chosen = kind.kind] { kind_ = chosen; });
     }
     return command;

@@ -1,14 +1,13 @@
-#include <algorithm>
 #include <functional>
 #include <optional>
 #include <string>
-#include <string_view>
 #include <vector>
 
 #include <CLI/CLI.hpp>
 #include <SQLiteCpp/Database.h>
 
 #include "ctl/command.h"
+#include "ctl/number_option.h"
 #include "ctl/recipe_file.h"
 #include "ctl/session.h"
 #include "database/records.h"
@@ -19,7 +18,6 @@
 #include "feed/record_fields.h"
 #include "feed/record_kind.h"
 #include "frame/number.h"
-#include "frame/text.h"
 
 namespace vrx {
 namespace {
@@ -29,27 +27,13 @@ std::optional<std::string> Given(const CLI::Option* option) {
   return option->count() > 0 ? std::optional(option->results().back()) : std::nullopt;
 }
 
-// The tool's own check: the library would take 0x10 or 1e1 for a number.
-std::string AdjustProblem(const std::string& typed) {
-  const std::string_view digits =
-      std::string_view(typed).substr(typed.starts_with('-') || typed.starts_with('+') ? 1 : 0);
-  const bool whole = !digits.empty() && std::all_of(digits.begin(), digits.end(), IsDigitChar);
-  const auto percent = whole ? ParseLong(typed) : std::nullopt;
-  if (percent && *percent >= -kNoAdjustIndex && *percent <= kNoAdjustIndex) {
-    return "";
-  }
-  return "'" + typed + "' is no whole number from -20 to 20";
-}
-
 // The part that the three kinds have in common: options, and one edit of the database.
 class RecordForm {
  public:
   RecordForm(CLI::App& set, const RecordKindTraits& kind)
       : app_(set.add_subcommand(std::string(kind.noun), "Edit a record as its form does")) {
     app_->add_option("rdb", file_, "A recipe database")->required();
-    app_->add_option("id", id_, "Number of the record")
-        ->required()
-        ->check(CLI::Range(1, kind.count));
+    AddRecordNumber(*app_, "id", "Number of the record", kind.count, id_);
     name_ = Text("--name");
     description_ = Text("--description");
   }
@@ -124,7 +108,7 @@ class RecipeForm : public RecordForm {
     type_ = Text("--type", "W, H, % or P")->check(CLI::IsMember({"W", "H", "%", "P"}));
     head_count_ = Text("--head-count", "Head to feed, in a recipe of type H");
     ration_target_ = Text("--ration-target", "Weight wanted, in a recipe of type W, % or P");
-    adjust_ = Text("--adjust", "Percent, -20 to 20")->check(AdjustProblem);
+    adjust_ = RequireWholeNumber(Text("--adjust", "Percent"), -kNoAdjustIndex, kNoAdjustIndex);
   }
 
   int Run(Session& session) {

@@ -5,6 +5,7 @@
 #include <SQLiteCpp/Database.h>
 
 #include "ctl/command.h"
+#include "ctl/number_option.h"
 #include "ctl/output.h"
 #include "ctl/recipe_file.h"
 #include "ctl/session.h"
@@ -19,9 +20,7 @@ class WhereUsedCommand : public Command {
   CLI::App* Register(CLI::App& app) override {
     CLI::App* command = app.add_subcommand("where-used", "List the recipes that use an ingredient");
     command->add_option("rdb", file_, "A recipe database")->required();
-    command->add_option("ingredient", id_, "Number of the ingredient")
-        ->required()
-        ->check(CLI::Range(1, kIngredientCount));
+    AddRecordNumber(*command, "ingredient", "Number of the ingredient", kIngredientCount, id_);
     output_.RegisterJson(*command);
     return command;
   }

@@ -64,6 +64,14 @@ TEST_F(RecordFlows, SetIngredientReachesEachLineByItsOwnRecipesType) {
   EXPECT_EQ(Lines(), expected);
 }
 
+TEST_F(RecordFlows, ARecordsNumberMayBearZeros) {
+  ASSERT_EQ(Run({"set", "pen", database, "010", "--feed", "500"}), 0) << err;
+  ASSERT_EQ(Run({"list", "pens", database}), 0);
+  EXPECT_EQ(out, "ID\tName\tDescription\tFeedAmount\n10\tPEN010\t\t500\n");
+  ASSERT_EQ(Run({"reset", "pen", database, "010", "--yes"}), 0);
+  EXPECT_EQ(err, "Set Pen Defaults: Reset pen #10 (PEN010) to its default values?\n");
+}
+
 TEST_F(RecordFlows, SetRecipeTellsAHeadCountOutOfRange) {
   AddLine(database, {.recipe_id = "3", .target = "100"});
   ASSERT_EQ(Run({"set", "recipe", database, "3", "--type", "H", "--head-count", "1001"}), 0);

@@ -78,12 +78,19 @@ TEST_F(RecordRefusals, ANumberWithALetterBehindIt) {
 }
 
 TEST_F(RecordRefusals, ARecordThatIsNotThere) {
-  ExpectWrongUsage({"set", "ingredient", "101", "--name", "CORN"}, "101 not in range");
-  ExpectWrongUsage({"set", "recipe", "0", "--name", "CORN"}, "0 not in range");
-  ExpectWrongUsage({"set", "pen", "401", "--name", "CORN"}, "401 not in range");
-  ExpectWrongUsage({"reset", "ingredient", "101", "--yes"}, "101 not in range");
-  ExpectWrongUsage({"reset", "recipe", "-1", "--yes"}, "-1");
-  ExpectWrongUsage({"reset", "pen", "401", "--yes"}, "401 not in range");
+  ExpectWrongUsage({"set", "ingredient", "101", "--name", "CORN"},
+                   "'101' is no whole number from 1 to 100");
+  ExpectWrongUsage({"set", "recipe", "0", "--name", "CORN"}, "'0' is no whole number");
+  ExpectWrongUsage({"set", "pen", "401", "--name", "CORN"},
+                   "'401' is no whole number from 1 to 400");
+  ExpectWrongUsage({"reset", "ingredient", "101", "--yes"}, "'101' is no whole number");
+  ExpectWrongUsage({"reset", "recipe", "-1", "--yes"}, "'-1' is no whole number");
+  ExpectWrongUsage({"reset", "pen", "4294967297", "--yes"}, "'4294967297' is no whole number");
+}
+
+TEST_F(RecordRefusals, ANumberOfAnotherBase) {
+  ExpectWrongUsage({"set", "pen", "0x10", "--name", "A16"}, "'0x10' is no whole number");
+  ExpectWrongUsage({"set", "pen", "1e1", "--name", "A10"}, "'1e1' is no whole number");
 }
 
 TEST_F(RecordRefusals, AHeadCountInWords) {
