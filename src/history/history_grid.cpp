@@ -1,0 +1,123 @@
+#include "history/history_grid.h"
+
+namespace vrx {
+namespace {
+
+// A total row needs no sum that is not seen.
+std::vector<int> VisibleSums(const HistoryColumns& columns) {
+  std::vector<int> sums;
+  for (const HistoryColumn& column : HistoryColumnTable()) {
+    if (column.summed && columns.IsVisible(column.index)) {
+      sums.push_back(column.index);
+    }
+  }
+  return sums;
+}
+
+}  // namespace
+
+HistoryGrid::HistoryGrid(SQLite::Database& transactions)
+    : rows_(transactions), group_(&DataGroups().front()) {}
+
+void HistoryGrid::Bind(SQLite::Database& transactions) {
+  GroupedRows rows(transactions);
+  rows.SumColumns(sums_);
+  rows.Show(*group_, name_);
+  if (sort_column_ != 0) {
+    rows.SortBy(sort_column_, sort_ascending_);
+  }
+  rows_ = std::move(rows);
+}
+
+void HistoryGrid::SetUp(const DataGroup& group, std::string_view name,
+                        bool show_active_ingredients_only) {
+  HistoryColumns columns = columns_;
+  columns.SetUp(group, show_active_ingredients_only);
+  columns.ApplyIngredientColumnVisibility(group);
+  SumVisible(columns);
+  rows_.Show(group, name);
+  columns_ = std::move(columns);
+  group_ = &group;
+  name_ = name;
+  sort_column_ = 0;
+  sort_ascending_ = true;
+  column_headers_ = group.levels.empty();
+}
+
+void HistoryGrid::ShowName(std::string_view name) {
+  rows_.Show(*group_, name);
+  name_ = name;
+  if (sort_column_ != 0) {
+    rows_.SortBy(sort_column_, sort_ascending_);
+  }
+}
+
+void HistoryGrid::RefreshIngredientColumns(std::span<const IngredientRecord> ingredients) {
+  HistoryColumns columns = columns_;
+  columns.RefreshIngredientColumns(ingredients);
+  Settle(std::move(columns));
+}
+
+void HistoryGrid::EnterTab() {
+  HistoryColumns columns = columns_;
+  columns.EnterTab(*group_);
+  Settle(std::move(columns));
+}
+
+std::vector<std::pair<std::string, std::string>> HistoryGrid::FieldCaptions() const {
+  std::vector<std::pair<std::string, std::string>> pairs;
+  for (const HistoryColumn& column : HistoryColumnTable()) {
+    pairs.emplace_back(column.field, columns_.Caption(column.index));
+  }
+  return pairs;
+}
+
+ShownRow HistoryGrid::Row(std::int64_t row) { return FormatRow(rows_.Row(row), *group_, columns_); }
+
+void HistoryGrid::OpenGroup(std::int64_t row) {
+  rows_.Open(row);
+  UpdateColumnHeaderStrip();
+}
+
+void HistoryGrid::CloseGroup(std::int64_t row) {
+  rows_.Close(row);
+  UpdateColumnHeaderStrip();
+}
+
+void HistoryGrid::ApplyExpandState(bool expand_all) {
+  if (expand_all) {
+    rows_.OpenAll();
+  } else {
+    rows_.CloseAll();
+  }
+  UpdateColumnHeaderStrip();
+}
+
+void HistoryGrid::SortByColumn(int column) {
+  const bool ascending = column != sort_column_ || !sort_ascending_;
+  rows_.SortBy(column, ascending);
+  sort_column_ = column;
+  sort_ascending_ = ascending;
+}
+
+void HistoryGrid::UpdateColumnHeaderStrip() {
+  if (rows_.RowCount() > 0) {
+    column_headers_ = rows_.ShowsRecords();
+  }
+}
+
+void HistoryGrid::Settle(HistoryColumns columns) {
+  columns.ApplyIngredientColumnVisibility(*group_);
+  SumVisible(columns);
+  columns_ = std::move(columns);
+}
+
+void HistoryGrid::SumVisible(const HistoryColumns& columns) {
+  std::vector<int> sums = VisibleSums(columns);
+  if (sums != sums_) {
+    rows_.SumColumns(sums);
+    sums_ = std::move(sums);
+  }
+}
+
+}  // namespace vrx
