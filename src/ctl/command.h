@@ -46,5 +46,6 @@ std::unique_ptr<Command> MakeModuleCommand();
 std::unique_ptr<Command> MakeDirectCommand();
 std::unique_ptr<Command> MakeImportCommand();
 std::unique_ptr<Command> MakeStoreCommand();
+std::unique_ptr<Command> MakeGroupsCommand();
 
 }  // namespace vrx

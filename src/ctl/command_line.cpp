@@ -43,6 +43,7 @@ std::vector<std::unique_ptr<Command>> MakeCommands() {
   commands.push_back(MakeDirectCommand());
   commands.push_back(MakeImportCommand());
   commands.push_back(MakeStoreCommand());
+  commands.push_back(MakeGroupsCommand());
   return commands;
 }
 

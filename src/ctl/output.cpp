@@ -49,18 +49,13 @@ std::string CsvText(std::string text) {
   return '"' + text + '"';
 }
 
-template <typename Cells, typename ToText>
-void WriteLine(std::ostream& out, const Cells& cells, char separator, std::string_view end,
-               ToText to_text) {
-  bool first = true;
-  for (const auto& cell : cells) {
-    if (!first) {
-      out << separator;
-    }
-    first = false;
-    out << to_text(CellText(cell));
+std::vector<std::string> CellTexts(const std::vector<Json>& cells) {
+  std::vector<std::string> texts;
+  texts.reserve(cells.size());
+  for (const Json& cell : cells) {
+    texts.push_back(CellText(cell));
   }
-  out << end;
+  return texts;
 }
 
 void WriteJson(std::ostream& out, const Json& document) {
@@ -92,14 +87,24 @@ void WriteTable(std::ostream& out, OutputForm form, const OutputTable& table) {
     WriteJson(out, ToJson(table));
     return;
   }
-  const bool csv = form == OutputForm::kCsv;
-  const char separator = csv ? ',' : '\t';
-  const std::string_view end = csv ? "\r\n" : "\n";
-  const auto to_text = csv ? CsvText : PlainText;
-  WriteLine(out, table.header, separator, end, to_text);
+  WriteLine(out, form, table.header);
   for (const auto& row : table.rows) {
-    WriteLine(out, row, separator, end, to_text);
+    WriteLine(out, form, CellTexts(row));
   }
+}
+
+void WriteLine(std::ostream& out, OutputForm form, const std::vector<std::string>& cells) {
+  const bool csv = form == OutputForm::kCsv;
+  const auto to_text = csv ? CsvText : PlainText;
+  bool first = true;
+  for (const std::string& cell : cells) {
+    if (!first) {
+      out << (csv ? ',' : '\t');
+    }
+    first = false;
+    out << to_text(cell);
+  }
+  out << (csv ? "\r\n" : "\n");
 }
 
 Json ToJson(const OutputTable& table) {

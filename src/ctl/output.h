@@ -40,6 +40,9 @@ struct OutputTable {
 // a text that are none come out as the replacement character.
 void WriteTable(std::ostream& out, OutputForm form, const OutputTable& table);
 
+// One line of such a table, plain or CSV: for a table that is too long to be held.
+void WriteLine(std::ostream& out, OutputForm form, const std::vector<std::string>& cells);
+
 // The rows as objects under the header's names.
 Json ToJson(const OutputTable& table);
 

@@ -1,0 +1,63 @@
+#include "ctl/history_source.h"
+
+#include <vector>
+
+#include <CLI/CLI.hpp>
+#include <SQLiteCpp/Database.h>
+
+#include "ctl/command.h"
+#include "ctl/recipe_file.h"
+#include "ctl/session.h"
+#include "database/connection.h"
+#include "database/records.h"
+
+namespace vrx {
+
+void HistorySource::Register(CLI::App& app) {
+  app.add_option("tdb", transactions_, "A transaction database")->required();
+  app.add_option("--group", group_, "Index of the data group; see groups")
+      ->required()
+      ->check(CLI::Range(0, kDataGroupCount - 1));
+  app.add_option("--name", name_, "The recipe, ingredient or pen of groups 4, 7 and 9");
+  app.add_option("--recipes", recipes_, "The recipe database that names the ingredient columns")
+      ->type_name("RDB");
+}
+
+int HistorySource::Run(Session& session, const std::function<int(HistoryGrid&)>& work) const {
+  CheckUsage();
+  if (!session.IsUserDatabase(transactions_, DatabaseKind::kTransaction)) {
+    return kFailed;
+  }
+  std::vector<IngredientRecord> ingredients;
+  if (!recipes_.empty()) {
+    const int read = ReadRecipeFile(session, recipes_, [&](SQLite::Database& recipes) {
+      ingredients = ReadIngredients(recipes);
+    });
+    if (read != kDone) {
+      return read;
+    }
+  }
+  return session.OnDatabase(transactions_, DatabaseKind::kTransaction, [&] {
+    SQLite::Database database =
+        OpenDatabase(transactions_, Access::kRead, session.Context().busy_timeout);
+    HistoryGrid grid(database);
+    grid.RefreshIngredientColumns(ingredients);
+    grid.SetUp(*FindDataGroup(group_), name_, false);
+    return work(grid);
+  });
+}
+
+void HistorySource::CheckUsage() const {
+  const DataGroup& group = *FindDataGroup(group_);
+  const std::string words = std::to_string(group_) + ", " + std::string(group.item) + ",";
+  if (group.named_column.empty()) {
+    if (!name_.empty()) {
+      throw CLI::ValidationError("--name", "group " + words + " takes no name");
+    }
+  } else if (name_.empty() || recipes_.empty()) {
+    throw CLI::ValidationError(name_.empty() ? "--name" : "--recipes",
+                               "group " + words + " needs --name and --recipes");
+  }
+}
+
+}  // namespace vrx
