@@ -7,6 +7,7 @@
 
 #include "database/connection.h"
 #include "database/translated.h"
+#include "export/cell_text.h"
 #include "export/level_queries.h"
 #include "export/row_reader.h"
 #include "frame/error.h"
@@ -141,13 +142,24 @@ class Walker {
       }
       const ExportLevel& level = plan_.levels[depth];
       if (level.nulls == NullValues::kRefused) {
-        throw Error("a row of the transactions has no " + std::string(level.field) +
-                    "; the group cannot be exported");
+        CloseDownTo(depth);
+        Refuse(depth);
       }
       return level.nulls == NullValues::kSkipped ? depth : depth + 1;
     }
     complete_ = true;
     return plan_.levels.size();
+  }
+
+  // Tells the row by the value of its next level.
+  [[noreturn]] void Refuse(std::size_t depth) const {
+    std::string which;
+    if (depth + 1 < plan_.levels.size()) {
+      which = " of " + std::string(plan_.levels[depth + 1].field) + " ";
+      AppendCellText(rows_.Cell(depth + 1), ColumnContent::kNumber, which);
+    }
+    throw Error("a row" + which + " has no " + std::string(plan_.levels[depth].field) +
+                ": it cannot be exported by it");
   }
 
   std::size_t LevelsKept(std::size_t depth) const {
