@@ -6,22 +6,15 @@
 // call to its return, with the opening of both databases, the commit and the date of change behind
 // it. The shell is timed as a whole process, its start included: a few milliseconds.
 
-#include <algorithm>
-#include <array>
-#include <chrono>
 #include <cstdio>
 #include <exception>
 #include <filesystem>
 #include <fstream>
-#include <functional>
 #include <stdexcept>
 #include <string>
 #include <vector>
 
 #include <SQLiteCpp/Database.h>
-#include <spawn.h>
-#include <sys/wait.h>
-#include <unistd.h>
 
 #include "database/connection.h"
 #include "database/identity.h"
@@ -30,6 +23,7 @@
 #include "exchange/open_databases.h"
 #include "exchange/store.h"
 #include "frame/private_ini.h"
+#include "measure.h"
 #include "support/fixed_calendar.h"
 #include "support/recording_operator.h"
 #include "support/temp_folder.h"
@@ -98,32 +92,13 @@ ImportedData MakeRows() {
   return rows;
 }
 
-// Runs the shell on a database and waits for its end; throws when it fails.
+using bench::Median;
+using bench::Milliseconds;
+
 void RunShell(const fs::path& database, const fs::path& script) {
-  const std::string read = ".read '" + script.string() + "'";
-  const std::string file = database.string();
-  std::array<const char*, 6> arguments = {"sqlite3",    "-bail",      "-batch",
-                                          file.c_str(), read.c_str(), nullptr};
-  pid_t process = 0;
-  int status = 0;
-  if (posix_spawnp(&process, "sqlite3", nullptr, nullptr,
-                   const_cast<char* const*>(arguments.data()), environ) != 0 ||
-      waitpid(process, &status, 0) != process || status != 0) {
-    throw std::runtime_error("the sqlite3 shell failed; is it installed?");
-  }
-}
-
-double Milliseconds(const std::function<void()>& work) {
-  const auto start = std::chrono::steady_clock::now();
-  work();
-  return std::chrono::duration<double, std::milli>(std::chrono::steady_clock::now() - start)
-      .count();
-}
-
-double Median(std::vector<double> values) {
-  const auto middle = values.begin() + static_cast<std::ptrdiff_t>(values.size() / 2);
-  std::nth_element(values.begin(), middle, values.end());
-  return *middle;
+  bench::RunProgram(
+      {"sqlite3", "-bail", "-batch", database.string(), ".read '" + script.string() + "'"},
+      "/dev/null");
 }
 
 class StoreBench {

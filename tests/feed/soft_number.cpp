@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <stdexcept>
-#include <tuple>
 #include <utility>
 
 namespace vrx::testing {
@@ -119,12 +118,16 @@ Decimal Significant(Binary value, int digits) {
   const auto scaled = [&, over = dividend, under = divisor](int decimals) {
     return std::pair(Times(over, PowerOfTen(decimals)), Times(under, PowerOfTen(-decimals)));
   };
+  const auto kept = [&](int decimals) {
+    const auto [over, under] = scaled(decimals);
+    return over / under;
+  };
   int decimals = 0;
-  for (auto [over, under] = scaled(0); over / under < limit / 10;) {
-    std::tie(over, under) = scaled(++decimals);
+  while (kept(decimals) < limit / 10) {
+    ++decimals;
   }
-  for (auto [over, under] = scaled(decimals); over / under >= limit;) {
-    std::tie(over, under) = scaled(--decimals);
+  while (kept(decimals) >= limit) {
+    --decimals;
   }
   const auto [over, under] = scaled(decimals);
   return {NearestQuotient(over, under, Tie::kEven), decimals};
