@@ -6,6 +6,8 @@
 #include <vector>
 
 #include <SQLiteCpp/Savepoint.h>
+#include <SQLiteCpp/Transaction.h>
+#include <sqlite3.h>
 
 #include "database/records.h"
 #include "database/translated.h"
@@ -66,6 +68,10 @@ void Write(SQLite::Database& database, const Difference& difference, Ration& aft
   }
 }
 
+bool IsInTransaction(const SQLite::Database& database) {
+  return sqlite3_get_autocommit(database.getHandle()) == 0;
+}
+
 }  // namespace
 
 void StoreRecipe(SQLite::Database& database, const Ration& before, Ration& after) {
@@ -74,9 +80,15 @@ void StoreRecipe(SQLite::Database& database, const Ration& before, Ration& after
     return;
   }
   Translated(database, [&] {
-    SQLite::Savepoint step(database, "recipe_step");
-    Write(database, difference, after);
-    step.release();
+    if (IsInTransaction(database)) {
+      SQLite::Savepoint step(database, "recipe_step");
+      Write(database, difference, after);
+      step.release();
+    } else {
+      SQLite::Transaction step(database, SQLite::TransactionBehavior::IMMEDIATE);
+      Write(database, difference, after);
+      step.commit();
+    }
   });
 }
 
