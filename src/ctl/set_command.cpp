@@ -34,11 +34,11 @@ class RecordForm {
       : app_(set.add_subcommand(std::string(kind.noun), "Edit a record as its form does")) {
     app_->add_option("rdb", file_, "A recipe database")->required();
     AddRecordNumber(*app_, "id", "Number of the record", kind.count, id_);
-    name_ = Text("--name");
-    description_ = Text("--description");
+    name_ = Text("--name", "At most 6 characters: letters, digits, / + - and blank");
+    description_ = Text("--description", "At most 16 characters: letters, digits, + - and blank");
   }
 
-  CLI::Option* Text(const std::string& option, const std::string& help = "") {
+  CLI::Option* Text(const std::string& option, const std::string& help) {
     CLI::Option* added = app_->add_option(option, help)->expected(1)->type_name("TEXT");
     options_.push_back(added);
     return added;
@@ -124,7 +124,9 @@ class RecipeForm : public RecordForm {
       }
       auto notes = ApplyEdit(edit, ReadRecipeLines(database, Id()),
                              session.Settings().AutoAbbreviateOn(), record);
-      CommitRecipeRecord(database, record);
+      if (const std::string failure = CommitRecipeRecord(database, record); !failure.empty()) {
+        notes.push_back("Recipe " + std::to_string(Id()) + " still cannot be computed: " + failure);
+      }
       return notes;
     });
   }

@@ -1,5 +1,6 @@
 #include "feed/record_commit.h"
 
+#include <cstddef>
 #include <functional>
 #include <map>
 #include <string>
@@ -7,6 +8,7 @@
 
 #include "database/one_row_table.h"
 #include "feed/ration.h"
+#include "feed/ration_totals.h"
 #include "feed/record_kind.h"
 #include "frame/error.h"
 #include "frame/number.h"
@@ -24,18 +26,25 @@ Record WithDefaultDescription(Record record) {
   return record;
 }
 
-// Only lines that `change` alters are written.
-void ChangeLines(SQLite::Database& database, int ingredient_id,
-                 const std::function<void(RecipeLineRecord&)>& change) {
+void WriteChangedLines(SQLite::Database& database, const std::vector<RecipeLineRecord>& stored,
+                       const std::vector<RecipeLineRecord>& lines) {
   std::vector<RecipeLineRecord> changed;
-  for (const RecipeLineRecord& stored : ReadLinesWithIngredient(database, ingredient_id)) {
-    RecipeLineRecord line = stored;
-    change(line);
-    if (line != stored) {
-      changed.push_back(std::move(line));
+  for (std::size_t line = 0; line < lines.size(); ++line) {
+    if (lines[line] != stored[line]) {
+      changed.push_back(lines[line]);
     }
   }
   WriteStoredLines(database, changed);
+}
+
+void ChangeLines(SQLite::Database& database, int ingredient_id,
+                 const std::function<void(RecipeLineRecord&)>& change) {
+  const std::vector<RecipeLineRecord> stored = ReadLinesWithIngredient(database, ingredient_id);
+  std::vector<RecipeLineRecord> lines = stored;
+  for (RecipeLineRecord& line : lines) {
+    change(line);
+  }
+  WriteChangedLines(database, stored, lines);
 }
 
 // By the text that a line holds as its RecipeID.
@@ -55,6 +64,16 @@ void RecalcNamingTheRecipe(std::string_view batch_type, RecipeLineRecord& line) 
   }
 }
 
+// Why the lines cannot be computed, which leaves them as they are; empty where they are computed.
+std::string RecalcFailure(Ration& ration) {
+  try {
+    RecalcRecipe(ration);
+  } catch (const Error& error) {
+    return error.what();
+  }
+  return {};
+}
+
 }  // namespace
 
 void CommitIngredientRecord(SQLite::Database& database, IngredientRecord& record,
@@ -68,10 +87,21 @@ void CommitIngredientRecord(SQLite::Database& database, IngredientRecord& record
   record = std::move(committed);
 }
 
-void CommitRecipeRecord(SQLite::Database& database, RecipeRecord& record) {
+std::string CommitRecipeRecord(SQLite::Database& database, RecipeRecord& record) {
   RecipeRecord committed = WithDefaultDescription(record);
+  const std::vector<RecipeLineRecord> stored = ReadRecipeLines(database, record.id);
+  Ration ration{.recipe = committed, .lines = stored};
+  const std::string failure = RecalcFailure(ration);
+  if (!failure.empty()) {
+    Ration before{.recipe = ReadRecipe(database, record.id), .lines = stored};
+    if (RecalcFailure(before).empty()) {
+      throw Error("Recipe " + std::to_string(record.id) + ": " + failure);
+    }
+  }
   WriteRecipe(database, committed);
+  WriteChangedLines(database, stored, ration.lines);
   record = std::move(committed);
+  return failure;
 }
 
 void CommitPenRecord(SQLite::Database& database, PenRecord& record) {

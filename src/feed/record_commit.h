@@ -1,6 +1,7 @@
 #pragma once
 
 #include <optional>
+#include <string>
 #include <string_view>
 
 #include <SQLiteCpp/Database.h>
@@ -18,8 +19,12 @@ namespace vrx {
 // that hold it, as by the two routines below.
 void CommitIngredientRecord(SQLite::Database& database, IngredientRecord& record,
                             std::optional<std::string_view> batch_type_on_show = std::nullopt);
-void CommitRecipeRecord(SQLite::Database& database, RecipeRecord& record);
 void CommitPenRecord(SQLite::Database& database, PenRecord& record);
+
+// The lines of a recipe are recomputed with it, so that their batch targets follow its inputs.
+// Throws Error where they cannot be computed; but a recipe that could not be computed beforehand is
+// not held to it: its lines stay, and the result says why. The result is empty otherwise.
+std::string CommitRecipeRecord(SQLite::Database& database, RecipeRecord& record);
 
 // Write a value into every line that holds the ingredient, in whatever recipe, and nothing else of
 // the line but `DryMatter`, which follows `DryMatter%` as RecalcLineDryMatter works it out: by the

@@ -79,6 +79,25 @@ TEST_F(RecordFlows, SetRecipeTellsAHeadCountOutOfRange) {
   EXPECT_EQ(Recipe(3).head_count, 100);
 }
 
+TEST_F(RecordFlows, SetRecipeStoresTheBatchTargetsOfANewRationTarget) {
+  MakeRecipe("3", "W");
+  AddLine(database, {.recipe_id = "3", .target = "1200", .dry_matter_percent = "88"});
+  AddLine(database, {.recipe_id = "3", .target = "800", .dry_matter_percent = "90"});
+  ASSERT_EQ(Run({"set", "recipe", database, "3", "--ration-target", "5000"}), 0) << err;
+  EXPECT_EQ(Lines()[0].batch_target, "3027");
+  EXPECT_EQ(Lines()[1].batch_target, "1973");
+}
+
+TEST_F(RecordFlows, SetRecipeRenamesARecipeThatCannotBeComputedAndTellsIt) {
+  MakeRecipe("3", "W");
+  AddLine(database, {.recipe_id = "3", .target = "900000000", .dry_matter_percent = "1"});
+  ASSERT_EQ(Run({"set", "recipe", database, "3", "--name", "HEIFRS"}), 0);
+  EXPECT_EQ(err,
+            "Recipe 3 still cannot be computed: Overflow: a line's as-fed weight is outside the "
+            "range of 32-bit whole numbers.\n");
+  EXPECT_EQ(Recipe(3).name, "HEIFRS");
+}
+
 TEST_F(RecordFlows, FeedOnAHighPenBringsUpTheWarningUntilItIsTakenBack) {
   const std::string warning =
       " This recipe requires a 200-pen capacity option in the K2260 indicator.\n";

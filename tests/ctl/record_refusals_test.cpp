@@ -133,6 +133,18 @@ TEST_F(RecordRefusals, ADryMatterThatALineCannotBeWeighedBy) {
                 "whole numbers.");
 }
 
+// The change and its date are one step.
+TEST_F(RecordRefusals, AFileWithoutARowForItsDates) {
+  Alter(database, "DELETE FROM History");
+  for (const Args& args :
+       {Args{"set", "ingredient", "5", "--name", "CORN"}, Args{"set", "pen", "5", "--feed", "500"},
+        Args{"reset", "recipe", "5", "--yes"}}) {
+    const Told told = Refused(args);
+    EXPECT_EQ(told.code, 1);
+    EXPECT_THAT(told.err, EndsWith("cause: YARD.RDB has no row in History\n"));
+  }
+}
+
 // The file is not read while it is locked: closing it would drop the locks of this process.
 TEST_F(RecordRefusals, ALockedFile) {
   busy_timeout = std::chrono::milliseconds{20};

@@ -86,6 +86,44 @@ TEST_F(RecordCommit, ARecipeDoesNotTakeItsNameAsDescription) {
   EXPECT_EQ(ReadRecipe(database, 3).description, "");
 }
 
+TEST_F(RecordCommit, TheBatchTargetsOfARecipeFollowItsInputs) {
+  UseRecipe(3, "STEERS", "W");
+  AddLine(3, 1, {.target = "1200", .dry_matter_percent = "88"});
+  AddLine(3, 7, {.target = "800", .dry_matter_percent = "90"});
+  AddLine(3, 12, {.target = "100", .dry_matter_percent = "0", .hand_add = true});
+  RecipeRecord record = ReadRecipe(database, 3);
+  record.ration_target = "5000";
+  record.adjust_batch_index = "15";
+  EXPECT_EQ(CommitRecipeRecord(database, record), "");
+  EXPECT_EQ(Line(3, 0).batch_target, "3043");
+  EXPECT_EQ(Line(3, 1).batch_target, "1984");
+  EXPECT_EQ(Line(3, 2).batch_target, "223");
+  EXPECT_EQ(Line(3, 0).ration_percent, "60.000");
+}
+
+TEST_F(RecordCommit, ARecipeThatNoLongerCanBeComputedIsRefused) {
+  UseRecipe(3, "STEERS", "W");
+  AddLine(3, 1, {.target = "1200", .dry_matter_percent = "88"});
+  RecipeRecord record = ReadRecipe(database, 3);
+  CommitRecipeRecord(database, record);
+  const std::string before = ReadAll(path);
+  record.adjust_batch_index = "41";
+  EXPECT_THROW(CommitRecipeRecord(database, record), Error);
+  EXPECT_TRUE(ReadAll(path) == before);
+}
+
+TEST_F(RecordCommit, ARecipeThatNeverCouldBeComputedKeepsItsLinesAndTakesTheRest) {
+  UseRecipe(3, "STEERS", "W");
+  AddLine(3, 1, {.target = "900000000", .dry_matter_percent = "1"});
+  AddLine(3, 1, {.target = "1200", .dry_matter_percent = "88"});
+  const auto lines = ReadRecipeLines(database, 3);
+  RecipeRecord record = ReadRecipe(database, 3);
+  record.name = "HEIFRS";
+  EXPECT_THAT(CommitRecipeRecord(database, record), HasSubstr("Overflow: "));
+  EXPECT_EQ(ReadRecipe(database, 3).name, "HEIFRS");
+  EXPECT_EQ(ReadRecipeLines(database, 3), lines);
+}
+
 TEST_F(RecordCommit, ANewDryMatterGoesIntoEveryLineOfThreeRecipes) {
   for (const int recipe : {2, 7, 9}) {
     UseRecipe(recipe, "R");
