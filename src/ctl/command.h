@@ -42,6 +42,7 @@ std::unique_ptr<Command> MakeSetCommand();
 std::unique_ptr<Command> MakeRecipeCommand();
 std::unique_ptr<Command> MakeWhereUsedCommand();
 std::unique_ptr<Command> MakeResetCommand();
+std::unique_ptr<Command> MakeDownloadTextCommand();
 std::unique_ptr<Command> MakeModuleCommand();
 std::unique_ptr<Command> MakeDirectCommand();
 std::unique_ptr<Command> MakeImportCommand();

@@ -39,6 +39,7 @@ std::vector<std::unique_ptr<Command>> MakeCommands() {
   commands.push_back(MakeRecipeCommand());
   commands.push_back(MakeWhereUsedCommand());
   commands.push_back(MakeResetCommand());
+  commands.push_back(MakeDownloadTextCommand());
   commands.push_back(MakeModuleCommand());
   commands.push_back(MakeDirectCommand());
   commands.push_back(MakeImportCommand());

@@ -1,15 +1,17 @@
 #include <filesystem>
 #include <memory>
+#include <optional>
 #include <string>
+#include <utility>
 
 #include <CLI/CLI.hpp>
 
 #include "ctl/command.h"
 #include "ctl/module_upload.h"
 #include "ctl/port_option.h"
+#include "ctl/recipe_source.h"
 #include "ctl/session.h"
-#include "frame/files.h"
-#include "frame/text.h"
+#include "exchange/recipe_download_store.h"
 #include "link/direct_connection.h"
 #include "link/recipe_backup.h"
 #include "link/upload.h"
@@ -20,18 +22,25 @@ namespace {
 namespace fs = std::filesystem;
 
 constexpr int kMostSeconds = 2'000'000;  // 23 days; the pump's timers hold no more than 24
-constexpr std::size_t kMostBackup = std::size_t{16} * 1024 * 1024;  // far beyond what occurs
 
-std::string NoDatabase(const std::string& path) {
-  return EqualsIgnoringCase(fs::path(path).extension().string(), ".RDB")
-             ? "only a recipe backup (.RBU) can be loaded, not a recipe database"
-             : "";
-}
-
-std::string ReadBackup(const std::string& path) {
-  std::string text = ReadFileBytes(path, kMostBackup);
-  if (text.size() > kMostBackup) {
-    throw FileError(path + " is longer than any recipe backup");
+// The text that a recipe database or a backup puts into memory; nothing when the operator was told
+// why there is none. Whoever names the file wants it there, over a memory that is empty: no
+// question.
+std::optional<std::string> RecipeText(Session& session, const PrivateINI& settings,
+                                      const fs::path& file) {
+  if (IsRecipeBackup(file)) {
+    std::string text = ReadRecipeBackup(file);
+    return HasBackupHeader(text, session.Op(), settings) ? std::optional(std::move(text))
+                                                         : std::nullopt;
+  }
+  std::optional<std::string> text;
+  if (session.IsUserDatabase(file, DatabaseKind::kRecipe)) {
+    session.OnDatabase(file, DatabaseKind::kRecipe, [&] {
+      text = TakeRecipeDownload(file, settings.BatchTargetWtIsRecTargetOn(),
+                                session.Context().calendar)
+                 .text;
+      return kDone;
+    });
   }
   return text;
 }
@@ -42,9 +51,10 @@ class DirectCommand : public Command {
     CLI::App* command = app.add_subcommand(
         "direct", "Play the module for an indicator on the cable, until SIGINT or SIGTERM");
     port_.AddTo(*command);
-    command->add_option("--load", load_, "Recipe backup that stands in memory at the start")
-        ->type_name("FILE.RBU")
-        ->check(NoDatabase);
+    command
+        ->add_option("--load", load_,
+                     "Recipe database or recipe backup that stands in memory at the start")
+        ->type_name("RDB|FILE.RBU");
     command->add_option("--out", out_, "Folder for the files that stand in memory at the end")
         ->type_name("DIR");
     command->add_option("--seconds", seconds_, "Time after which it ends by itself")
@@ -55,22 +65,22 @@ class DirectCommand : public Command {
 
   int Run(Session& session) override {
     const PrivateINI settings = port_.Settings(session);
-    std::string backup;
-    if (!load_.empty()) {
-      backup = ReadBackup(load_);
-      if (!HasBackupHeader(backup, session.Op(), settings)) {
-        return kFailed;
-      }
-    }
     // What the indicator has sent is not sent again: it must not meet a taken name at the end.
     if (!out_.empty() && !FolderTakesDataFiles(session, out_)) {
+      return kFailed;
+    }
+    std::optional<std::string> recipes = "";
+    if (!load_.empty()) {
+      recipes = RecipeText(session, settings, load_);
+    }
+    if (!recipes) {
       return kFailed;
     }
     const auto line = port_.MakeLine(session);
     line->CloseOnSignals();
     KRMCOMM krm(line->Control(), line->Pump(), session.Op(), settings);
     DataTransfer transfer;
-    const bool went_well = Connect(session, *line, krm, transfer, settings, backup);
+    const bool went_well = Connect(session, *line, krm, transfer, settings, *recipes);
     krm.KRM_ImmediateClose();
     session.Progress().Clear();
     const bool written = out_.empty() || CutMemory(session, *line, krm, transfer, settings);
@@ -79,7 +89,7 @@ class DirectCommand : public Command {
 
  private:
   bool Connect(Session& session, SerialLine& line, KRMCOMM& krm, DataTransfer& transfer,
-               const PrivateINI& settings, const std::string& backup) const {
+               const PrivateINI& settings, const std::string& recipes) const {
     DirectConnection connection(krm, transfer, line.Pump(), session.Op(), settings);
     if (!connection.Enter()) {
       return false;
@@ -88,8 +98,8 @@ class DirectCommand : public Command {
     if (seconds_ > 0) {
       time_is_up = line.Pump().StartTicker(std::chrono::seconds{seconds_}, [&] { line.Close(); });
     }
-    if (!backup.empty()) {
-      connection.LoadMemory(backup);
+    if (!recipes.empty()) {
+      connection.LoadMemory(recipes);
     }
     return connection.DirectConnectLoop();
   }

@@ -3,6 +3,7 @@
 #include <CLI/CLI.hpp>
 
 #include "ctl/command.h"
+#include "ctl/module_download.h"
 #include "ctl/module_upload.h"
 #include "ctl/port_option.h"
 #include "ctl/session.h"
@@ -83,6 +84,9 @@ class ModuleCommand : public Command {
     baud_->add_option("rate", rate_, "1200, 2400, 9600 or 19200")
         ->required()
         ->check(CLI::IsMember({"1200", "2400", "9600", "19200"}));
+    download_ =
+        Action(*command, "download", "Replace the module's memory by recipes, after a question");
+    download_->add_option("file", file_, "A recipe database or a recipe backup (.RBU)")->required();
     upload_ = Action(*command, "upload", "Write the files of the module's memory");
     upload_->add_option("--out", out_, "Folder for the files")->required()->type_name("DIR");
     return command;
@@ -115,15 +119,20 @@ class ModuleCommand : public Command {
     if (baud_->parsed()) {
       return SetModuleBaud(session, krm, rate_);
     }
+    if (download_->parsed()) {
+      return DownloadModule(session, krm, pump, settings, file_);
+    }
     return UploadModule(session, krm, pump, settings, out_);
   }
 
   CLI::App* test_ = nullptr;
   CLI::App* clear_ = nullptr;
   CLI::App* baud_ = nullptr;
+  CLI::App* download_ = nullptr;
   CLI::App* upload_ = nullptr;
   PortOption port_;
   std::string rate_;
+  std::string file_;
   std::string out_;
 };
 

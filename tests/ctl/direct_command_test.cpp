@@ -81,11 +81,6 @@ TEST_F(DirectCommand, MissingBackupIsTold) {
   EXPECT_THAT(err, HasSubstr("none.rbu"));
 }
 
-TEST_F(DirectCommand, RecipeDatabaseIsWrongUsage) {
-  EXPECT_EQ(Direct({"--load", NewRecipeDatabase()}), 2);
-  EXPECT_THAT(err, HasSubstr("not a recipe database"));
-}
-
 TEST_F(DirectCommand, WrongUsageIsRefused) {
   EXPECT_EQ(Run({"direct"}), 2);
   EXPECT_EQ(Direct({"--seconds", "0"}), 2);

@@ -1,0 +1,28 @@
+#include "ctl/recipe_source.h"
+
+#include <string>
+
+#include "frame/files.h"
+#include "frame/text.h"
+#include "link/file_attributes.h"
+
+namespace vrx {
+namespace {
+
+std::string FirstBytes(const std::filesystem::path& path) {
+  try {
+    return ReadFileBytes(path, kRecipeMark.size());
+  } catch (const FileError&) {
+    // Whoever opens it next says why it cannot be read.
+    return "";
+  }
+}
+
+}  // namespace
+
+bool IsRecipeBackup(const std::filesystem::path& path) {
+  return FirstBytes(path).starts_with(kRecipeMark) ||
+         EqualsIgnoringCase(path.extension().string(), ".RBU");
+}
+
+}  // namespace vrx
