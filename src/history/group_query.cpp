@@ -1,0 +1,116 @@
+#include "history/group_query.h"
+
+#include <limits>
+
+#include "database/schema.h"
+#include "history/history_column.h"
+#include "history/statements.h"
+
+namespace vrx {
+
+namespace {
+
+constexpr int kLastRowParameter = 1;
+constexpr int kFirstLevelParameter = 2;
+
+// A number that is stored as a text.
+std::string NumberOf(const std::string& operand) { return "CAST(" + operand + " AS INTEGER)"; }
+
+bool IsNumberAsText(int column) { return HistoryColumnAt(column).key == "UserID"; }
+
+GroupLevel LevelOf(std::string_view key) {
+  const int column = HistoryColumnOfKey(key);
+  GroupLevel level{.column = column,
+                   .field = Bracketed(HistoryColumnAt(column).field),
+                   .keys = {},
+                   .many_values = key == "Transaction"};
+  if (IsNumberAsText(column)) {
+    level.keys.push_back({NumberOf(level.field), std::numeric_limits<std::int64_t>::min()});
+  }
+  level.keys.push_back({level.field, std::string()});
+  return level;
+}
+
+std::string Parameter(int number) { return "?" + std::to_string(number); }
+
+// Each key of the level by itself, so that an index on them is found.
+std::string LevelCondition(const GroupLevel& level, int parameter) {
+  const std::string value = Parameter(parameter);
+  std::string condition = level.field + " IS " + value;
+  if (level.keys.size() > 1) {
+    condition += " AND " + level.keys.front().expression + " IS " + NumberOf(value);
+  }
+  return condition;
+}
+
+}  // namespace
+
+GroupQuery::GroupQuery(const DataGroup& group, std::string_view name, std::int64_t last_row)
+    : by_name_(!group.named_column.empty()),
+      // An index over one level has `Type` behind it.
+      stored_order_is_indexed_(group.levels.size() != 1 || !group.type.empty()),
+      name_(name),
+      last_row_(last_row) {
+  for (const std::string_view key : group.levels) {
+    levels_.push_back(LevelOf(key));
+  }
+  if (!group.type.empty()) {
+    // Not bound: only a text that says so can use an index limited to that type.
+    filter_ = " AND Type = '" + std::string(group.type) + "'";
+  }
+}
+
+void GroupQuery::Bind(SQLite::Statement& statement, std::span<const CellValue> values) const {
+  statement.bind(kLastRowParameter, last_row_);
+  if (by_name_ && values.empty()) {
+    statement.bind(kFirstLevelParameter, name_);
+  }
+  int parameter = kFirstLevelParameter;
+  for (const CellValue& value : values) {
+    BindValue(statement, parameter++, value);
+  }
+}
+
+std::string GroupQuery::From(std::size_t levels) const {
+  std::string text = " FROM " + std::string(kTransactionsTable) +
+                     " WHERE +rowid <= " + Parameter(kLastRowParameter) + filter_;
+  if (by_name_ && levels == 0) {
+    text += " AND " + levels_.front().field + " = " + Parameter(kFirstLevelParameter);
+  }
+  for (std::size_t level = 0; level < levels; ++level) {
+    text +=
+        " AND " + LevelCondition(levels_[level], kFirstLevelParameter + static_cast<int>(level));
+  }
+  return text;
+}
+
+std::string GroupQuery::WholeOutline() const {
+  std::string fields;
+  std::string keys;
+  for (const GroupLevel& level : levels_) {
+    fields += level.field + ", ";
+    for (const LevelKey& key : level.keys) {
+      keys += (keys.empty() ? "" : ", ") + key.expression;
+    }
+  }
+  return "SELECT " + fields + "count(*)" + From(0) + " GROUP BY " + keys + " ORDER BY " + keys;
+}
+
+std::string RecordOrderText(int column, bool ascending) {
+  if (column == 0) {
+    return " ORDER BY +rowid";
+  }
+  const std::string field = Bracketed(HistoryColumnAt(column).field);
+  return " ORDER BY " + (IsNumberAsText(column) ? NumberOf(field) : field) +
+         (ascending ? "" : " DESC") + ", rowid";
+}
+
+std::string RecordColumns(std::string_view prefix) {
+  std::string columns;
+  for (const HistoryColumn& column : HistoryColumnTable()) {
+    columns += (columns.empty() ? "" : ", ") + std::string(prefix) + Bracketed(column.field);
+  }
+  return columns;
+}
+
+}  // namespace vrx

@@ -1,0 +1,190 @@
+#include "history/grouped_rows.h"
+
+#include <optional>
+#include <type_traits>
+#include <utility>
+
+#include <SQLiteCpp/Statement.h>
+#include <SQLiteCpp/Transaction.h>
+#include <sqlite3.h>
+
+#include "database/schema.h"
+#include "database/translated.h"
+#include "history/exact_sum.h"
+#include "history/group_query.h"
+#include "history/group_totals.h"
+#include "history/history_column.h"
+#include "history/level_values.h"
+#include "history/outline.h"
+#include "history/record_pages.h"
+#include "history/statements.h"
+
+namespace vrx {
+
+namespace {
+
+std::vector<int> SumsAtFirst() {
+  return {HistoryColumnOfKey("Target"), HistoryColumnOfKey("ActualBatch"),
+          HistoryColumnOfKey("ActualFeed")};
+}
+
+// The highest rowid: what is stored later gets a higher one. NULL of an empty table reads as 0.
+std::int64_t LastRow(SQLite::Database& database) {
+  SQLite::Statement query(database, "SELECT max(rowid) FROM " + std::string(kTransactionsTable));
+  query.executeStep();
+  return query.getColumn(0).getInt64();
+}
+
+// What `body` asks sees one state of the table, under one lock.
+template <typename Body>
+auto Read(SQLite::Database& database, Body&& body) {
+  return Translated(database, [&] {
+    std::optional<SQLite::Transaction> reading;
+    if (sqlite3_get_autocommit(database.getHandle()) != 0) {
+      reading.emplace(database);
+    }
+    return std::forward<Body>(body)();
+  });
+}
+
+// What is shown; its parts know each other by reference.
+struct View {
+  View(SQLite::Database& database, const DataGroup& group, std::string_view name,
+       std::int64_t last_row, const std::vector<int>& sum_columns)
+      : statements(database),
+        query(group, name, last_row),
+        outline(static_cast<int>(query.Levels().size())),
+        pages(statements, query),
+        totals(statements, query, sum_columns) {}
+
+  Statements statements;
+  GroupQuery query;
+  Outline outline;
+  RecordPages pages;
+  GroupTotals totals;
+};
+
+}  // namespace
+
+class GroupedRows::Impl {
+ public:
+  explicit Impl(SQLite::Database& database) : database_(database) {
+    RegisterExactSum(database);
+    view_ = std::make_unique<View>(database_, DataGroups().front(), "", 0, sum_columns_);
+    view_->outline.SetRecordCount({}, 0);
+  }
+
+  void Show(const DataGroup& group, std::string_view name) {
+    view_ = Read(database_, [&] {
+      auto view = std::make_unique<View>(database_, group, name, LastRow(database_), sum_columns_);
+      Learn(*view, {});
+      return view;
+    });
+  }
+
+  const Outline& Rows() const { return view_->outline; }
+
+  HistoryRow Row(std::int64_t row) {
+    const OutlinePlace place = Rows().Find(row);
+    HistoryRow answer{.kind = place.kind, .depth = place.depth};
+    switch (place.kind) {
+      case HistoryRowKind::kGroup:
+        answer.open = Rows().IsOpen(place.path);
+        break;
+      case HistoryRowKind::kTotal:
+        answer.cells = Sums(place);
+        break;
+      case HistoryRowKind::kRecord:
+        answer.cells = Record(place);
+        return answer;
+    }
+    answer.group = Rows().Values(place.path).back();
+    return answer;
+  }
+
+  void SetOpen(std::int64_t row, bool open) {
+    if (row < 1 || row > Rows().RowCount()) {
+      return;
+    }
+    const OutlinePlace place = Rows().Find(row);
+    if (place.kind != HistoryRowKind::kGroup || Rows().IsOpen(place.path) == open) {
+      return;
+    }
+    if (!Rows().IsKnown(place.path)) {
+      Read(database_, [&] { Learn(*view_, place.path); });
+    }
+    view_->outline.SetOpen(place.path, open);
+  }
+
+  void OpenAll() {
+    if (Rows().IsWhole()) {
+      view_->outline.SetAllOpen(true);
+      return;
+    }
+    view_->outline =
+        Read(database_, [&] { return ReadWholeOutline(view_->statements, view_->query); });
+    view_->pages.Forget();
+    view_->totals.Forget();
+  }
+
+  void CloseAll() { view_->outline.SetAllOpen(false); }
+
+  void SortBy(int column, bool ascending) {
+    if (column != 0) {
+      HistoryColumnAt(column);
+    }
+    view_->pages.SortBy(column, ascending);
+  }
+
+  void SumColumns(std::vector<int> columns) {
+    view_->totals.SetColumns(columns);
+    sum_columns_ = std::move(columns);
+  }
+
+ private:
+  // Reads what a group holds.
+  static void Learn(View& view, const GroupPath& path) {
+    const std::vector<CellValue> values = view.outline.Values(path);
+    if (view.outline.IsInnermost(path)) {
+      view.outline.SetRecordCount(path, CountRecords(view.statements, view.query, values));
+    } else {
+      view.outline.SetGroups(path, ReadLevelValues(view.statements, view.query, values));
+    }
+  }
+
+  std::vector<CellValue> Record(const OutlinePlace& place) {
+    const RecordPages::Record* held = view_->pages.Find(place);
+    return held != nullptr ? *held : Read(database_, [&]() -> RecordPages::Record {
+      return view_->pages.Load(Rows(), place);
+    });
+  }
+
+  std::vector<CellValue> Sums(const OutlinePlace& place) {
+    std::optional<std::vector<CellValue>> held = view_->totals.Find(place.path);
+    return held ? *std::move(held)
+                : Read(database_, [&] { return view_->totals.Load(Rows(), place.path); });
+  }
+
+  SQLite::Database& database_;
+  std::vector<int> sum_columns_ = SumsAtFirst();
+  std::unique_ptr<View> view_;
+};
+
+GroupedRows::GroupedRows(SQLite::Database& database) : impl_(std::make_unique<Impl>(database)) {}
+GroupedRows::~GroupedRows() = default;
+GroupedRows::GroupedRows(GroupedRows&&) noexcept = default;
+GroupedRows& GroupedRows::operator=(GroupedRows&&) noexcept = default;
+
+void GroupedRows::Show(const DataGroup& group, std::string_view name) { impl_->Show(group, name); }
+std::int64_t GroupedRows::RowCount() const { return impl_->Rows().RowCount(); }
+HistoryRow GroupedRows::Row(std::int64_t row) { return impl_->Row(row); }
+HistoryRowKind GroupedRows::KindOf(std::int64_t row) { return impl_->Rows().Find(row).kind; }
+bool GroupedRows::ShowsRecords() const { return impl_->Rows().ShowsRecords(); }
+void GroupedRows::Open(std::int64_t row) { impl_->SetOpen(row, true); }
+void GroupedRows::Close(std::int64_t row) { impl_->SetOpen(row, false); }
+void GroupedRows::OpenAll() { impl_->OpenAll(); }
+void GroupedRows::CloseAll() { impl_->CloseAll(); }
+void GroupedRows::SortBy(int column, bool ascending) { impl_->SortBy(column, ascending); }
+void GroupedRows::SumColumns(std::vector<int> columns) { impl_->SumColumns(std::move(columns)); }
+
+}  // namespace vrx

@@ -1,0 +1,177 @@
+#include "history/record_pages.h"
+
+#include <algorithm>
+#include <iterator>
+#include <limits>
+#include <string>
+#include <utility>
+
+#include "database/schema.h"
+#include "history/history_column.h"
+
+namespace vrx {
+
+namespace {
+
+constexpr std::int64_t kPageLength = 128;
+// A record takes about 5 kB.
+constexpr std::size_t kRecordsHeld = 1024;
+
+constexpr int kFirst = GroupQuery::kFirstOwnParameter;
+
+std::uint32_t GroupOf(const OutlinePlace& place) {
+  return place.path.empty() ? 0 : place.path.back();
+}
+
+std::string Select() { return "SELECT rowid, " + RecordColumns(""); }
+
+std::string SelectListed() {
+  return "SELECT t.rowid, " + RecordColumns("t.") + " FROM json_each(?) AS listed LEFT JOIN " +
+         std::string(kTransactionsTable) + " AS t ON t.rowid = listed.value ORDER BY listed.key";
+}
+
+std::string JsonOf(std::span<const std::int64_t> numbers) {
+  std::string text = "[";
+  for (const std::int64_t number : numbers) {
+    text += (text.size() == 1 ? "" : ",") + std::to_string(number);
+  }
+  return text + "]";
+}
+
+}  // namespace
+
+void RecordPages::SortBy(int column, bool ascending) {
+  const auto& levels = query_.Levels();
+  // The value of a level is the same all through a group.
+  const bool is_level = std::any_of(levels.begin(), levels.end(), [&](const GroupLevel& level) {
+    return level.column == column;
+  });
+  sort_column_ = is_level ? 0 : column;
+  ascending_ = ascending;
+  Forget();
+}
+
+void RecordPages::Forget() {
+  pages_.clear();
+  held_ = 0;
+  large_.reset();
+}
+
+const RecordPages::Record* RecordPages::Find(const OutlinePlace& place) {
+  const std::uint32_t group = GroupOf(place);
+  const std::int64_t number = place.record / kPageLength;
+  const auto page = std::find_if(pages_.begin(), pages_.end(), [&](const Page& held) {
+    return held.group == group && held.number == number;
+  });
+  if (page == pages_.end()) {
+    return nullptr;
+  }
+  pages_.splice(pages_.begin(), pages_, page);
+  return &page->records[static_cast<std::size_t>(place.record % kPageLength)];
+}
+
+const RecordPages::Record& RecordPages::Load(const Outline& outline, const OutlinePlace& place) {
+  Page page{.group = GroupOf(place), .number = place.record / kPageLength, .records = {}};
+  const std::vector<CellValue> values = outline.Values(place.path);
+  const std::int64_t count = outline.RecordCount(place.path);
+  const auto length =
+      static_cast<std::size_t>(std::min(kPageLength, count - page.number * kPageLength));
+  if (count <= kPageLength) {
+    ReadSmall(page, values, length);
+  } else if (LargeGroup& large = Large(page.group, values, count); IsReordered()) {
+    ReadOrdered(page, large, length);
+  } else {
+    ReadStored(page, large, length);
+  }
+  page.records.resize(length, Record(kHistoryColumnCount));
+  return Hold(std::move(page), place.record);
+}
+
+RecordPages::LargeGroup& RecordPages::Large(std::uint32_t group,
+                                            const std::vector<CellValue>& values,
+                                            std::int64_t count) {
+  if (!large_ || large_->group != group) {
+    large_.emplace(LargeGroup{
+        .group = group, .values = values, .places = {statements_, query_, values, count}});
+  }
+  return *large_;
+}
+
+const RecordPages::Record& RecordPages::Hold(Page page, std::int64_t record) {
+  held_ += page.records.size();
+  pages_.push_front(std::move(page));
+  while (held_ > kRecordsHeld && pages_.size() > 1) {
+    held_ -= pages_.back().records.size();
+    pages_.pop_back();
+  }
+  return pages_.front().records[static_cast<std::size_t>(record % kPageLength)];
+}
+
+namespace {
+
+// The records of a query that selects the rowid ahead of all columns. `last_rowid` is left alone
+// where there is none.
+std::vector<RecordPages::Record> ReadRecords(SQLite::Statement& statement,
+                                             std::int64_t& last_rowid) {
+  std::vector<RecordPages::Record> records;
+  while (statement.executeStep()) {
+    last_rowid = statement.getColumn(0).getInt64();
+    RecordPages::Record& record = records.emplace_back(kHistoryColumnCount);
+    for (int column = 1; column <= kHistoryColumnCount; ++column) {
+      record[static_cast<std::size_t>(column) - 1] = ValueOf(statement.getColumn(column));
+    }
+  }
+  return records;
+}
+
+}  // namespace
+
+void RecordPages::ReadSmall(Page& page, std::span<const CellValue> values, std::size_t length) {
+  const std::string order =
+      IsReordered() ? RecordOrderText(sort_column_, ascending_) : std::string(" ORDER BY rowid");
+  Statements::InUse statement =
+      statements_.Take(Select() + query_.From(values.size()) + order + " LIMIT ?5");
+  query_.Bind(*statement, values);
+  statement->bind(kFirst, static_cast<std::int64_t>(length));
+  page.records = ReadRecords(*statement, page.last_rowid);
+}
+
+void RecordPages::ReadStored(Page& page, LargeGroup& large, std::size_t length) {
+  const std::int64_t first = page.number * kPageLength;
+  const std::optional<std::int64_t> lowest = large.places.LowestRowid(first);
+  if (!lowest) {
+    return;
+  }
+  Statements::InUse statement = statements_.Take(Select() + query_.From(large.values.size()) +
+                                                 " AND rowid >= ?5 ORDER BY rowid LIMIT ?6");
+  query_.Bind(*statement, large.values);
+  statement->bind(kFirst, *lowest);
+  statement->bind(kFirst + 1, static_cast<std::int64_t>(length));
+  page.records = ReadRecords(*statement, page.last_rowid);
+  if (page.records.size() == length && page.last_rowid < std::numeric_limits<std::int64_t>::max()) {
+    large.places.Note(first + kPageLength, page.last_rowid + 1);
+  }
+}
+
+void RecordPages::ReadOrdered(Page& page, LargeGroup& large, std::size_t length) {
+  if (!large.order) {
+    large.order = ReadOrder(large.values);
+  }
+  const std::vector<std::int64_t> rowids = large.order->Slice(page.number * kPageLength, length);
+  Statements::InUse statement = statements_.Take(SelectListed());
+  statement->bind(1, JsonOf(rowids));
+  page.records = ReadRecords(*statement, page.last_rowid);
+}
+
+std::unique_ptr<RecordOrder> RecordPages::ReadOrder(std::span<const CellValue> values) {
+  Statements::InUse statement = statements_.Take("SELECT rowid" + query_.From(values.size()) +
+                                                 RecordOrderText(sort_column_, ascending_));
+  query_.Bind(*statement, values);
+  auto order = std::make_unique<RecordOrder>();
+  while (statement->executeStep()) {
+    order->Append(statement->getColumn(0).getInt64());
+  }
+  return order;
+}
+
+}  // namespace vrx

@@ -1,0 +1,53 @@
+#pragma once
+
+#include <cstdint>
+#include <set>
+#include <string>
+#include <utility>
+#include <vector>
+
+#include "history/data_group.h"
+#include "history/grouped_rows.h"
+#include "history/history_table.h"
+
+namespace vrx::testing {
+
+// What GroupedRows promises, in the plainest way: every row in memory, the whole list of what can
+// be seen made anew after every change.
+class GroupedRowsModel {
+ public:
+  // The table's records in the order they were stored.
+  explicit GroupedRowsModel(std::vector<std::vector<CellValue>> table) : table_(std::move(table)) {}
+
+  void Show(const DataGroup& group, const std::string& name);
+  void SetOpen(std::int64_t row, bool open);
+  void SetAllOpen(bool open);
+  void SortBy(int column, bool ascending);
+  void SumColumns(std::vector<int> columns);
+
+  const std::vector<HistoryRow>& Rows() const { return rows_; }
+  bool ShowsRecords() const;
+
+ private:
+  using Record = std::vector<CellValue>;
+  using Values = std::vector<CellValue>;
+
+  void Refresh();
+  void AddGroups(const Values& path, const std::vector<const Record*>& records);
+  void AddRecords(std::vector<const Record*> records);
+  void AddRow(HistoryRow row, Values path);
+  HistoryRow TotalRow(const std::vector<const Record*>& records) const;
+
+  std::vector<Record> table_;
+  std::vector<int> levels_;
+  std::vector<const Record*> shown_;
+  std::set<Values> open_;
+  bool opens_all_ = false;
+  int sort_column_ = 0;
+  bool ascending_ = true;
+  std::vector<int> sums_{7, 8, 11};
+  std::vector<HistoryRow> rows_;
+  std::vector<Values> paths_;  // of each row
+};
+
+}  // namespace vrx::testing

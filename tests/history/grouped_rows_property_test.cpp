@@ -1,0 +1,227 @@
+#include <algorithm>
+#include <numeric>
+#include <random>
+
+#include <gtest/gtest.h>
+
+#include "history/grouped_rows.h"
+#include "history/grouped_rows_model.h"
+#include "history/history_column.h"
+#include "history/history_table.h"
+
+namespace vrx::testing {
+namespace {
+
+using Random = std::mt19937;
+
+std::int64_t Below(Random& random, std::int64_t limit) {
+  return std::uniform_int_distribution<std::int64_t>(0, limit - 1)(random);
+}
+
+CellValue AnyOf(Random& random, const std::vector<CellValue>& values) {
+  return values[static_cast<std::size_t>(Below(random, static_cast<std::int64_t>(values.size())))];
+}
+
+CellValue Text(const char* text) { return std::string(text); }
+
+CellValue AnyWeight(Random& random) {
+  return Below(random, 4) == 0 ? CellValue()
+                               : CellValue(static_cast<double>(Below(random, 99)) / 10);
+}
+
+Cells AnyRow(Random& random, std::int64_t transactions) {
+  const CellValue null;
+  Cells row{{1, CellValue(1 + Below(random, transactions))},
+            {2, AnyOf(random, {null, Text(""), Text("STEERS"), Text("steers"), Text("O'NEIL")})},
+            {3, AnyOf(random, {Text("BATCH"), Text("FEED")})},
+            {4, AnyOf(random, {null, Text("10"), Text("9"), Text("09"), Text("-1"), Text("x")})},
+            {5, AnyOf(random, {null, Text("CORN"), Text("HAY"), Text("KÄLBER")})},
+            {6, AnyOf(random, {null, Text("P10"), Text("P2")})},
+            {7, AnyWeight(random)},
+            {8, AnyWeight(random)},
+            {9, AnyOf(random, {null, Text("08:05:00"), Text("13:00:00")})},
+            {10, AnyOf(random, {null, Text("2011-03-14"), Text("2009-12-31")})},
+            {11, AnyWeight(random)},
+            {12, AnyWeight(random)}};
+  if (Below(random, 20) == 0) {
+    row[1] = CellValue();
+  }
+  for (int column = kFirstIngredientColumn; column <= kHistoryColumnCount; column += 33) {
+    row[column] = AnyWeight(random);
+  }
+  return row;
+}
+
+std::string NameOf(Random& random, const DataGroup& group) {
+  const std::vector<CellValue> names =
+      group.named_column == "Recipe"
+          ? std::vector{Text("STEERS"), Text("O'NEIL"), Text(""), Text("Select...")}
+      : group.named_column == "Ingredient" ? std::vector{Text("CORN"), Text("KÄLBER"), Text("")}
+                                           : std::vector{Text("P10"), Text("P2"), Text("P1")};
+  return std::get<std::string>(AnyOf(random, names));
+}
+
+void ExpectSameRow(const HistoryRow& row, const HistoryRow& expected) {
+  EXPECT_EQ(row.kind, expected.kind);
+  EXPECT_EQ(row.depth, expected.depth);
+  EXPECT_EQ(row.open, expected.open);
+  EXPECT_EQ(row.group, expected.group);
+  EXPECT_EQ(row.cells, expected.cells);
+}
+
+// Both sides of the comparison, driven by the same random steps.
+class Pair {
+ public:
+  Pair(HistoryTable& table, std::vector<std::vector<CellValue>> records, Random& random)
+      : rows_(table.Database()), model_(std::move(records)), random_(random) {}
+
+  void Show(const DataGroup& group) {
+    const std::string name = NameOf(random_, group);
+    rows_.Show(group, name);
+    model_.Show(group, name);
+  }
+
+  void Step() {
+    const auto count = static_cast<std::int64_t>(model_.Rows().size());
+    const std::int64_t row = count == 0 ? 0 : 1 + Below(random_, count);
+    const bool open = Below(random_, 3) != 0;
+    switch (Below(random_, 12)) {
+      case 0:
+        open ? rows_.OpenAll() : rows_.CloseAll();
+        model_.SetAllOpen(open);
+        break;
+      case 1:
+      case 2:
+        Sort(static_cast<int>(Below(random_, 14)), open);
+        break;
+      case 3:
+        Sum({AnyColumns()});
+        break;
+      default:
+        if (row != 0) {
+          open ? rows_.Open(row) : rows_.Close(row);
+          model_.SetOpen(row, open);
+        }
+    }
+  }
+
+  // `sample` rows at random, in random order.
+  void Compare(std::size_t sample) {
+    const std::vector<HistoryRow>& expected = model_.Rows();
+    ASSERT_EQ(rows_.RowCount(), static_cast<std::int64_t>(expected.size()));
+    EXPECT_EQ(rows_.ShowsRecords(), model_.ShowsRecords());
+    std::vector<std::size_t> order(expected.size());
+    std::iota(order.begin(), order.end(), 0);
+    std::shuffle(order.begin(), order.end(), random_);
+    order.resize(std::min(sample, order.size()));
+    for (const std::size_t index : order) {
+      const auto row = static_cast<std::int64_t>(index) + 1;
+      SCOPED_TRACE("row " + std::to_string(row) + " of " + std::to_string(expected.size()));
+      EXPECT_EQ(rows_.KindOf(row), expected[index].kind);
+      ASSERT_NO_FATAL_FAILURE(ExpectSameRow(rows_.Row(row), expected[index]));
+      if (::testing::Test::HasFailure()) {
+        return;
+      }
+    }
+  }
+
+ private:
+  void Sort(int column, bool ascending) {
+    rows_.SortBy(column, ascending);
+    model_.SortBy(column, ascending);
+  }
+
+  std::vector<int> AnyColumns() {
+    std::vector<int> columns;
+    for (const HistoryColumn& column : HistoryColumnTable()) {
+      if (column.summed && Below(random_, 3) == 0) {
+        columns.push_back(column.index);
+      }
+    }
+    return columns;
+  }
+
+  void Sum(const std::vector<int>& columns) {
+    rows_.SumColumns(columns);
+    model_.SumColumns(columns);
+  }
+
+  GroupedRows rows_;
+  GroupedRowsModel model_;
+  Random& random_;
+};
+
+std::vector<std::vector<CellValue>> RecordsOf(const std::vector<Cells>& rows) {
+  std::vector<std::vector<CellValue>> records;
+  for (const Cells& row : rows) {
+    std::vector<CellValue>& record = records.emplace_back(kHistoryColumnCount);
+    for (const auto& [column, value] : row) {
+      record[static_cast<std::size_t>(column) - 1] = value;
+    }
+  }
+  return records;
+}
+
+std::vector<Cells> AnyRows(Random& random, std::int64_t count, std::int64_t transactions) {
+  std::vector<Cells> rows;
+  for (std::int64_t i = 0; i < count; ++i) {
+    rows.push_back(AnyRow(random, transactions));
+  }
+  return rows;
+}
+
+class GroupedRowsOfAnyTable : public ::testing::TestWithParam<int> {};
+
+TEST_P(GroupedRowsOfAnyTable, AreWhatAListOfAllRowsIs) {
+  Random random(static_cast<unsigned>(GetParam()) + 100);
+  for (const std::int64_t count : {0, 1, 7, 60, 300}) {
+    HistoryTable table;
+    const std::vector<Cells> rows = AnyRows(random, count, 1 + count / 4);
+    table.Store(rows);
+    Pair pair(table, RecordsOf(rows), random);
+    for (int show = 0; show < 2; ++show) {
+      pair.Show(*FindDataGroup(GetParam()));
+      for (int step = 0; step < 25; ++step) {
+        SCOPED_TRACE("rows " + std::to_string(count) + ", step " + std::to_string(step));
+        ASSERT_NO_FATAL_FAILURE(pair.Compare(120));
+        if (HasFailure()) {
+          return;
+        }
+        pair.Step();
+      }
+    }
+  }
+}
+
+TEST_P(GroupedRowsOfAnyTable, HoldGroupsOfManyPagesWithGapsBetween) {
+  Random random(static_cast<unsigned>(GetParam()) + 200);
+  HistoryTable table;
+  std::vector<Cells> rows = AnyRows(random, 6000, 2);
+  table.Store(rows);
+  // Takes away about a tenth, rather more in the middle.
+  std::vector<Cells> left;
+  std::string gone = "0";
+  for (std::size_t i = 0; i < rows.size(); ++i) {
+    if (Below(random, 12) == 0 || (i >= 2500 && i < 2800)) {
+      gone += "," + std::to_string(i + 1);
+    } else {
+      left.push_back(rows[i]);
+    }
+  }
+  table.Exec("DELETE FROM Transactions WHERE rowid IN (" + gone + ")");
+  Pair pair(table, RecordsOf(left), random);
+  pair.Show(*FindDataGroup(GetParam()));
+  for (int step = 0; step < 25; ++step) {
+    SCOPED_TRACE("step " + std::to_string(step));
+    ASSERT_NO_FATAL_FAILURE(pair.Compare(60));
+    if (HasFailure()) {
+      return;
+    }
+    pair.Step();
+  }
+}
+
+INSTANTIATE_TEST_SUITE_P(Group, GroupedRowsOfAnyTable, ::testing::Range(0, kDataGroupCount));
+
+}  // namespace
+}  // namespace vrx::testing
