@@ -1,11 +1,13 @@
 #pragma once
 
+#include <chrono>
 #include <filesystem>
 #include <random>
 #include <string>
 #include <vector>
 
 #include <SQLiteCpp/Database.h>
+#include <SQLiteCpp/Transaction.h>
 #include <gtest/gtest.h>
 
 #include "database/connection.h"
@@ -49,6 +51,7 @@ class FeedDatabaseTest : public ::testing::Test {
   // Recipes 1 to 5 of all types, 6 of an unknown one, and lines of ingredients 1 to 4 in them, in
   // recipes out of use and in one that is not there.
   void FillAtRandom(std::mt19937& random) {
+    SQLite::Transaction filling(database);
     const auto below = [&](int end) { return std::uniform_int_distribution(0, end - 1)(random); };
     const std::vector<std::string> types = {"W", "H", "%", "P", "!", "X"};
     for (int recipe = 1; recipe <= 6; ++recipe) {
@@ -66,6 +69,7 @@ class FeedDatabaseTest : public ::testing::Test {
                .hand_add = below(2) == 0,
                .ingredient_percent = std::to_string(below(100)) + ".25"});
     }
+    filling.commit();
   }
 
   TempFolder folder;

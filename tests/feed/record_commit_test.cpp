@@ -296,7 +296,7 @@ TEST_F(RecordCommit, ChangesThreeFieldsOfItsOwnLinesOnly) {
         RecalcLineDryMatter(type == types.end() ? "" : type->second, line);
       }
     }
-    CommitIngredientRecord(database, record);
+    ASSERT_EQ(CommitInTransaction(record), "");
     ASSERT_EQ(ReadAllRecipeLines(database), expected) << "round " << round;
   }
 }

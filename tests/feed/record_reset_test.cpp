@@ -1,6 +1,7 @@
 #include "feed/record_reset.h"
 
 #include <map>
+#include <random>
 #include <utility>
 
 #include <SQLiteCpp/Transaction.h>
@@ -46,22 +47,25 @@ class ResetRecord : public FeedDatabaseTest {
     return vrx::ResetRecord(database, kind, id, ports);
   }
 
-  // The fields behind the ID, a bar between them.
-  std::vector<std::string> Row(const std::string& table, int id) {
+  // The fields of all records in the order of their IDs, a bar between the fields.
+  std::vector<std::string> Rows(const std::string& table) {
     const std::map<std::string, std::string> columns = {
         {"Ingredient", "Name || '|' || Description || '|' || [DryMatter%] || '|' || HandAdd"},
         {"Recipe",
          "Name || '|' || Description || '|' || BatchType || '|' || HeadCount || '|' || "
          "RationTarget || '|' || AdjBatTotIndex"},
         {"Pen", "Name || '|' || Description || '|' || FeedAmount"}};
-    return Ask("SELECT " + columns.at(table) + " FROM " + table +
-               " WHERE ID = " + std::to_string(id));
+    return Ask("SELECT " + columns.at(table) + " FROM " + table + " ORDER BY ID");
   }
 
-  std::vector<std::string> TemplateRow(const std::string& table, int id) {
+  std::string Row(const std::string& table, int id) {
+    return Rows(table).at(static_cast<std::size_t>(id) - 1);
+  }
+
+  std::string TemplateRow(const std::string& table, int id) {
     const TempFolder other;
     const std::filesystem::path current = std::exchange(path, CopyOfTemplate(other, "NEW.RDB"));
-    std::vector<std::string> row = Row(table, id);
+    std::string row = Row(table, id);
     path = current;
     return row;
   }
@@ -75,7 +79,7 @@ TEST_F(ResetRecord, AnIngredientIsLikeTheTemplatesAgain) {
   EXPECT_EQ(op.boxes[0].text, "Reset ingredient #5 (CORN) to its default values?");
   EXPECT_EQ(op.boxes[0].buttons, Buttons::kYesNo);
   EXPECT_EQ(op.boxes[0].icon, Icon::kQuestion);
-  EXPECT_THAT(Row("Ingredient", 5), ElementsAre("ING005||100|0"));
+  EXPECT_EQ(Row("Ingredient", 5), "ING005||100|0");
   EXPECT_EQ(Row("Ingredient", 5), TemplateRow("Ingredient", 5));
   EXPECT_EQ(op.beeps, 1);
   EXPECT_FALSE(op.busy);
@@ -88,7 +92,7 @@ TEST_F(ResetRecord, APenIsLikeTheTemplatesAgain) {
   EXPECT_EQ(op.boxes[0].title, "Set Pen Defaults");
   EXPECT_EQ(op.boxes[0].text, "Reset pen #120 (A01) to its default values?");
   EXPECT_EQ(op.boxes[0].buttons, Buttons::kYesNo);
-  EXPECT_THAT(Row("Pen", 120), ElementsAre("PEN120||0"));
+  EXPECT_EQ(Row("Pen", 120), "PEN120||0");
   EXPECT_EQ(Row("Pen", 120), TemplateRow("Pen", 120));
   EXPECT_EQ(op.beeps, 0);
 }
@@ -102,7 +106,7 @@ TEST_F(ResetRecord, ARecipeLosesItsLinesAndTypeAndKeepsItsInputs) {
             "Reset recipe #3 (STEERS) to its default values and clear all ingredients in this "
             "recipe?");
   EXPECT_EQ(op.boxes[0].buttons, Buttons::kYesNo);
-  EXPECT_THAT(Row("Recipe", 3), ElementsAre("REC003||!|250|5000|15"));
+  EXPECT_EQ(Row("Recipe", 3), "REC003||!|250|5000|15");
   EXPECT_THAT(ReadRecipeLines(database, 3), IsEmpty());
   EXPECT_EQ(ReadRecipeLines(database, 4).size(), 1U);
   EXPECT_EQ(op.beeps, 0);
@@ -211,6 +215,42 @@ TEST_F(ResetRecord, ARecordThatIsNotThereIsToldWithoutAQuestion) {
   EXPECT_FALSE(vrx::ResetRecord(database, RecordKind::kPen, 401, ports));
   ASSERT_EQ(op.boxes.size(), 1U);
   EXPECT_EQ(op.boxes[0].cause, "YARD.RDB has no row 401 in Pen");
+}
+
+// Whatever the others hold, a reset touches its own row and, of a recipe, its own lines.
+TEST_F(ResetRecord, TouchesNoOtherRecord) {
+  std::mt19937 random(2260);
+  FillAtRandom(random);
+  SQLite::Transaction filling(database);
+  for (int id = 1; id <= kPenCount; ++id) {
+    WritePen(database, {.id = id,
+                        .name = "P" + std::to_string(id),
+                        .description = random() % 2 == 0 ? "North" : "",
+                        .feed_amount = std::to_string(random() % 1000)});
+  }
+  filling.commit();
+  for (int round = 0; round < 30; ++round) {
+    const RecordKind kind = round % 2 == 0 ? RecordKind::kPen : RecordKind::kRecipe;
+    const std::string table = kind == RecordKind::kPen ? "Pen" : "Recipe";
+    const int id = static_cast<int>(random() % (kind == RecordKind::kPen ? 400 : 8)) + 1;
+    std::vector<std::string> rows = Rows(table);
+    std::vector<RecipeLineRecord> lines = ReadAllRecipeLines(database);
+    ASSERT_TRUE(Reset(kind, id));
+    rows.at(static_cast<std::size_t>(id) - 1) = TemplateRow(table, id);
+    if (kind == RecordKind::kRecipe) {
+      std::erase_if(lines, [&](const auto& line) { return line.recipe_id == std::to_string(id); });
+    }
+    ASSERT_EQ(Rows(table), rows) << table << " " << id;
+    ASSERT_EQ(ReadAllRecipeLines(database), lines) << table << " " << id;
+  }
+}
+
+TEST_F(ResetRecord, AFileWithoutARowForItsDatesKeepsTheRecord) {
+  EnterPen();
+  Alter(path, "DELETE FROM History");
+  EXPECT_FALSE(Reset(RecordKind::kPen, 120));
+  EXPECT_EQ(op.boxes.back().cause, "YARD.RDB has no row in History");
+  EXPECT_EQ(ReadPen(database, 120).name, "A01");
 }
 
 }  // namespace
