@@ -37,8 +37,9 @@ class DirectOverALine : public ProgramsTest {
     return indicator;
   }
 
-  std::unique_ptr<Program> StartDirect(const std::vector<std::string>& more) const {
-    std::vector<std::string> args = {"direct", "--port", LinePath(), "--out", OutPath()};
+  std::unique_ptr<Program> StartDirect(const std::vector<std::string>& more,
+                                       std::vector<std::string> args = {}) const {
+    args.insert(args.end(), {"direct", "--port", LinePath(), "--out", OutPath()});
     args.insert(args.end(), more.begin(), more.end());
     return std::make_unique<Program>(Bin("vrx2260ctl"), WithDataDir(args), folder.Path().string());
   }
@@ -119,6 +120,32 @@ TEST_F(DirectOverALine, LoadedBackupReachesTheIndicator) {
   EXPECT_EQ(direct->Wait(), 1);
   EXPECT_THAT(direct->Err(), HasSubstr("The direct-connection has ended: Serial line lost."));
   EXPECT_EQ(ReadAll(folder / "out/01.RBU"), backup);
+}
+
+// The image is the recipe file, by both of the indicator's commands, and stands there at the end.
+TEST_F(DirectOverALine, LoadedDatabaseReachesTheIndicator) {
+  const std::string database = (folder / "SITE.RDB").string();
+  std::filesystem::copy_file(SitePath("SITE.RDB"), database);
+  const Result text = Ctl({"download-text", database});
+  ASSERT_EQ(text.code, 0) << text.err;
+  const std::string file = folder.Write("text", text.out).string();
+  const auto indicator = StartIndicator({"expect 14 1F", "wait 1000", "send 15", "expect 15 1F",
+                                         "expect-file " + file, "expect 1F", "wait 1000", "send 1C",
+                                         "expect 1C 1F", "expect-file " + file, "expect 1F"});
+  const auto direct = StartDirect({"--load", database}, {"--yes"});
+  EXPECT_EQ(indicator->Wait(), 0) << indicator->Err();
+  EXPECT_EQ(direct->Wait(), 1);  // the indicator's end took the line away
+  EXPECT_THAT(direct->Err(), HasSubstr("The direct-connection has ended: Serial line lost."));
+  EXPECT_EQ(ReadAll(folder / "out/01.RBU"), text.out);
+}
+
+TEST_F(DirectOverALine, CommandTakesEffectAtItsPlaceInABurst) {
+  const auto indicator =
+      StartIndicator({"send 61 62 63 15 64 65 66", "expect 15 1F 61 62 63 1F", "wait 1000",
+                      "send 15", "expect 15 1F 61 62 63 64 65 66 1F"});
+  const auto direct = StartDirect({});
+  EXPECT_EQ(indicator->Wait(), 0) << indicator->Err();
+  EXPECT_EQ(direct->Wait(), 1);
 }
 
 TEST_F(DirectOverALine, MismatchIsToldByTheIndicator) {
