@@ -39,6 +39,7 @@ std::unique_ptr<Command> MakeInfoCommand();
 std::unique_ptr<Command> MakeSettingsCommand();
 std::unique_ptr<Command> MakeListCommand();
 std::unique_ptr<Command> MakeSetCommand();
+std::unique_ptr<Command> MakeLineCommand();
 std::unique_ptr<Command> MakeRecipeCommand();
 std::unique_ptr<Command> MakeWhereUsedCommand();
 std::unique_ptr<Command> MakeResetCommand();

@@ -36,6 +36,7 @@ std::vector<std::unique_ptr<Command>> MakeCommands() {
   commands.push_back(MakeSettingsCommand());
   commands.push_back(MakeListCommand());
   commands.push_back(MakeSetCommand());
+  commands.push_back(MakeLineCommand());
   commands.push_back(MakeRecipeCommand());
   commands.push_back(MakeWhereUsedCommand());
   commands.push_back(MakeResetCommand());
