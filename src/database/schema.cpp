@@ -28,9 +28,22 @@ constexpr std::array kIndexes{
     "CREATE INDEX RecipeRationByIngredient ON RecipeRation (Ingredient)",
 };
 
-// The highest number is found at the end of this index without a walk through the rows.
+// Each serves the levels of a view of the history: their values, the number of records and the
+// records of an innermost group in stored order are found without a walk through the table. `Type`
+// stands behind a name that is asked for with a type and without. The highest number stands at the
+// end of the first one. `UserID` is a number in a text, and ordered as one.
 constexpr std::array kTransactionIndexes{
-    "CREATE INDEX TransactionsByNumber ON Transactions ([Transaction])",
+    "CREATE INDEX TransactionsByNumber ON Transactions ([Transaction], Type)",
+    "CREATE INDEX TransactionsByDate ON Transactions (Date, [Transaction], Type)",
+    "CREATE INDEX TransactionsByRecipe ON Transactions (Recipe, Type)",
+    "CREATE INDEX TransactionsByRecipeIngredient ON Transactions (Recipe, Ingredient, Type) "
+    "WHERE Type = 'BATCH'",
+    "CREATE INDEX TransactionsByIngredient ON Transactions (Ingredient, Type)",
+    "CREATE INDEX TransactionsByPen ON Transactions (Pen, Type)",
+    "CREATE INDEX TransactionsByUserTransaction ON Transactions "
+    "(CAST(UserID AS INTEGER), UserID, [Transaction])",
+    "CREATE INDEX TransactionsByUserType ON Transactions "
+    "(CAST(UserID AS INTEGER), UserID, Type)",
 };
 
 std::string NumberText(int number, int width) {

@@ -19,10 +19,13 @@ constexpr const char* kCountRecords =
     "(SELECT count(*) FROM Recipe WHERE Description <> ''), "
     "(SELECT count(*) FROM Pen WHERE (Pen.FeedAmount <> '0' OR Pen.Description <> ''))";
 
+// Asked one by one, so that the dates are found at the two ends of their index and the numbers are
+// read in order.
 constexpr const char* kCountTransactions =
     "SELECT (SELECT count(*) FROM Transactions), "
-    "(SELECT count(DISTINCT [Transaction]) FROM Transactions), min(Date), max(Date) "
-    "FROM Transactions";
+    "(SELECT count(*) FROM (SELECT DISTINCT [Transaction] FROM Transactions "
+    "WHERE [Transaction] IS NOT NULL)), "
+    "(SELECT min(Date) FROM Transactions), (SELECT max(Date) FROM Transactions)";
 
 RecipeCounts CountRecords(SQLite::Database& database) {
   SQLite::Statement query(database, kCountRecords);

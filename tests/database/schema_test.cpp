@@ -11,10 +11,12 @@
 namespace vrx::testing {
 namespace {
 
+using ::testing::AllOf;
 using ::testing::Each;
 using ::testing::ElementsAre;
 using ::testing::HasSubstr;
 using ::testing::SizeIs;
+using ::testing::StartsWith;
 
 const std::string kColumnsOf = "SELECT name || ' ' || type FROM pragma_table_info('";
 
@@ -126,21 +128,105 @@ TEST(Schema, NoRecordOfATemplateIsInUse) {
               SizeIs(0));
 }
 
-// The last column of a plan's only row says how the table is reached.
-std::string Plan(DatabaseKind kind, const std::string& query) {
+// How the tables of a query are reached, one line for each step.
+std::vector<std::string> Plan(DatabaseKind kind, const std::string& query) {
   SQLite::Database database(TemplatePath(kind), SQLite::OPEN_READONLY);
   SQLite::Statement plan(database, "EXPLAIN QUERY PLAN " + query);
-  plan.executeStep();
-  return plan.getColumn("detail").getString();
+  std::vector<std::string> steps;
+  while (plan.executeStep()) {
+    steps.push_back(plan.getColumn("detail").getString());
+  }
+  return steps;
 }
 
-TEST(Schema, LinesAndTheHighestNumberAreFoundByIndex) {
+TEST(Schema, LinesOfARecipeAreFoundByIndex) {
   EXPECT_THAT(Plan(DatabaseKind::kRecipe, "SELECT * FROM RecipeRation WHERE (RecipeID = '1')"),
-              HasSubstr("USING INDEX RecipeRationByRecipe"));
+              ElementsAre(HasSubstr("USING INDEX RecipeRationByRecipe")));
   EXPECT_THAT(Plan(DatabaseKind::kRecipe, "SELECT * FROM RecipeRation WHERE (Ingredient = '1')"),
-              HasSubstr("USING INDEX RecipeRationByIngredient"));
+              ElementsAre(HasSubstr("USING INDEX RecipeRationByIngredient")));
+}
+
+TEST(Schema, TheHighestTransactionIsFoundByIndex) {
   EXPECT_THAT(Plan(DatabaseKind::kTransaction, "SELECT max([Transaction]) FROM Transactions"),
-              HasSubstr("SEARCH Transactions USING COVERING INDEX TransactionsByNumber"));
+              ElementsAre("SEARCH Transactions USING COVERING INDEX TransactionsByNumber"));
+}
+
+// The levels of a view of the history, from the outside in: what an index has to serve.
+struct HistoryLevels {
+  std::string filter;             // on the rows of the view, ahead of " AND "
+  std::vector<std::string> keys;  // what the levels are ordered by
+  std::string index;
+};
+
+const std::string kUserNumber = "CAST(UserID AS INTEGER)";
+
+const std::vector<HistoryLevels>& LevelsOfTheHistory() {
+  static const std::vector<HistoryLevels> levels{
+      {"", {"[Transaction]", "Type"}, "TransactionsByNumber"},
+      {"", {"Date", "[Transaction]", "Type"}, "TransactionsByDate"},
+      {"", {"Recipe", "Type"}, "TransactionsByRecipe"},
+      {"Type = 'BATCH' AND ", {"Recipe", "Ingredient"}, "TransactionsByRecipeIngredient"},
+      {"Type = 'BATCH' AND ", {"Ingredient"}, "TransactionsByIngredient"},
+      {"Type = 'FEED' AND ", {"Pen"}, "TransactionsByPen"},
+      {"", {kUserNumber, "UserID", "[Transaction]"}, "TransactionsByUserTransaction"},
+      {"", {kUserNumber, "UserID", "Type"}, "TransactionsByUserType"},
+  };
+  return levels;
+}
+
+// The rows with certain values on the first `depth` keys, for one more condition to follow.
+std::string From(const HistoryLevels& levels, std::size_t depth) {
+  std::string text = " FROM Transactions WHERE " + levels.filter;
+  for (std::size_t key = 0; key < depth; ++key) {
+    text += levels.keys[key] + " IS ? AND ";
+  }
+  return text;
+}
+
+std::string Joined(const std::vector<std::string>& keys) {
+  std::string text;
+  for (const std::string& key : keys) {
+    text += (text.empty() ? "" : ", ") + key;
+  }
+  return text;
+}
+
+TEST(Schema, TheNextValueOfEveryLevelOfTheHistoryIsOneSearchOfAnIndex) {
+  for (const HistoryLevels& levels : LevelsOfTheHistory()) {
+    for (std::size_t depth = 0; depth < levels.keys.size(); ++depth) {
+      const std::string& key = levels.keys[depth];
+      EXPECT_THAT(Plan(DatabaseKind::kTransaction, "SELECT " + key + From(levels, depth) + key +
+                                                       " > ? ORDER BY " + key + " LIMIT 1"),
+                  ElementsAre(HasSubstr("SEARCH Transactions USING")))
+          << levels.index << ", " << key;
+    }
+    EXPECT_THAT(Plan(DatabaseKind::kTransaction,
+                     "SELECT count(*)" + From(levels, 0) + "true GROUP BY " + Joined(levels.keys)),
+                ElementsAre(HasSubstr("COVERING INDEX " + levels.index)));
+  }
+}
+
+TEST(Schema, TheRecordsOfEveryGroupOfTheHistoryAreIndexedInStoredOrder) {
+  for (const HistoryLevels& levels : LevelsOfTheHistory()) {
+    const std::string from = From(levels, levels.keys.size());
+    EXPECT_THAT(
+        Plan(DatabaseKind::kTransaction, "SELECT *" + from + "rowid >= ? ORDER BY rowid LIMIT 50"),
+        ElementsAre(AllOf(StartsWith("SEARCH Transactions USING INDEX " + levels.index),
+                          HasSubstr("rowid>?"))));
+    EXPECT_THAT(
+        Plan(DatabaseKind::kTransaction, "SELECT count(*)" + from + "true"),
+        ElementsAre(StartsWith("SEARCH Transactions USING COVERING INDEX " + levels.index)));
+  }
+}
+
+TEST(Schema, RecordsPickedByNameAreFoundByIndexWhateverTheirType) {
+  EXPECT_THAT(Plan(DatabaseKind::kTransaction, "SELECT * FROM Transactions WHERE (Recipe = 'A')"),
+              ElementsAre(HasSubstr("USING INDEX TransactionsByRecipe (")));
+  EXPECT_THAT(
+      Plan(DatabaseKind::kTransaction, "SELECT * FROM Transactions WHERE (Ingredient = 'A')"),
+      ElementsAre(HasSubstr("USING INDEX TransactionsByIngredient (")));
+  EXPECT_THAT(Plan(DatabaseKind::kTransaction, "SELECT * FROM Transactions WHERE (Pen = 'A')"),
+              ElementsAre(HasSubstr("USING INDEX TransactionsByPen (")));
 }
 
 TEST(Schema, CreateTemplateReplacesWhatStandsThereAndLeavesNothingBeside) {

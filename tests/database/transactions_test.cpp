@@ -110,7 +110,8 @@ TEST_F(Transactions, WhatIsNotThereIsNull) {
                 ElementsAre("NULL", "NULL"))
         << column;
   }
-  EXPECT_THAT(Ask(path_, "SELECT Recipe FROM Transactions"), ElementsAre("NULL", ""));
+  EXPECT_THAT(Ask(path_, "SELECT Recipe FROM Transactions ORDER BY rowid"),
+              ElementsAre("NULL", ""));
   EXPECT_THAT(Ask(path_, "SELECT Target + ActualBatch + ActualFeed FROM Transactions"),
               ElementsAre("0.0", "0.0"));
 }
@@ -121,8 +122,10 @@ TEST_F(Transactions, AValueOfOneRowDoesNotReachTheNext) {
   full.ingredient_weights.fill(5);
   appender.Append(full);
   appender.Append({.transaction = 1, .type = "FEED"});
-  EXPECT_THAT(Ask(path_, "SELECT UserID FROM Transactions"), ElementsAre("3", "NULL"));
-  EXPECT_THAT(Ask(path_, "SELECT Ing32Wt FROM Transactions"), ElementsAre("5.0", "NULL"));
+  EXPECT_THAT(Ask(path_, "SELECT UserID FROM Transactions ORDER BY rowid"),
+              ElementsAre("3", "NULL"));
+  EXPECT_THAT(Ask(path_, "SELECT Ing32Wt FROM Transactions ORDER BY rowid"),
+              ElementsAre("5.0", "NULL"));
 }
 
 TEST_F(Transactions, RowsStandInTheOrderOfStoring) {
