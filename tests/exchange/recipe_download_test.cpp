@@ -448,6 +448,17 @@ TEST_F(RecipeDownloadTest, LoadingTakesTheTextThoughTheWindowChangesMeanwhile) {
   EXPECT_EQ(krm.GS_KRM_VirtualMemory(), kBackup);
 }
 
+// The click runs inside the wait of the connection, which then goes on and answers from it.
+TEST_F(RecipeDownloadTest, MemoryIsLoadedWhileTheConnectionStands) {
+  OpenSmallYard();
+  op.answers = {Answer::kYes};
+  pump.After(Milliseconds{1000}, [&] { EXPECT_TRUE(session.DownloadRecipeDB()); });
+  pump.After(Milliseconds{4000}, [&] { serial.Arrives("\x15"); });
+  pump.After(Milliseconds{9000}, [&] { direct.ConnectModule(); });
+  EXPECT_TRUE(direct.ConnectIndicator());
+  EXPECT_EQ(serial.sent, "\x14\x1F\x15\x1F" + kSmallYardFile + "\x1F");
+}
+
 TEST_F(RecipeDownloadTest, SavedBackupCanBeOpenedAndDownloaded) {
   tab.data_window = kSmallYardFile;
   chooser.Choose(folder / "copy.rbu");
