@@ -110,6 +110,9 @@ RecipeEditor::RecipeEditor(SQLite::Database& database, Operator& op, const Priva
 
 void RecipeEditor::Select(int recipe_id) {
   CommitRow();
+  if (recipe_id == 0) {
+    recipe_id = shown_.ration.recipe.id;
+  }
   Ration stored{.recipe = ReadRecipe(database_, recipe_id),
                 .lines = ReadRecipeLines(database_, recipe_id)};
   RecipeOnShow next = shown_;

@@ -34,8 +34,8 @@ class RecipeEditor {
 
   const RecipeOnShow& OnShow() const { return shown_; }
 
-  // Shows another recipe, or the same one as it is stored now. A line in the entry row is added
-  // first if it is complete, and given up if not.
+  // Shows another recipe, or the same one as it is stored now; 0, the blank item of the list, is
+  // the one on show. A line in the entry row is added first if it is complete, and given up if not.
   void Select(int recipe_id);
 
   // Index 0 of the list does nothing.

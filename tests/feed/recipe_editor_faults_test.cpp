@@ -45,7 +45,7 @@ class RecipeEditorFaults : public RecipeEditorTest,
     op.answers.push_back(Answer::kYes);
   }
 
-  // The composing of a new line goes on; nothing else may have changed.
+  // While a new line is composed, the totals count what of it was entered.
   void ExpectUntouched(RecipeEditor& tried, const std::function<void()>& edit) {
     const RecipeOnShow before = tried.OnShow();
     const std::string file = ReadAll(folder / "YARD.RDB");
@@ -57,8 +57,8 @@ class RecipeEditorFaults : public RecipeEditorTest,
               before.ration.recipe.adjust_batch_index);
     EXPECT_EQ(tried.OnShow().LineCount(), before.LineCount());
     EXPECT_EQ(tried.OnShow().type_list_enabled, before.type_list_enabled);
+    EXPECT_EQ(tried.OnShow().ration.lines, before.ration.lines);
     if (!tried.OnShow().OnEntryRow()) {
-      EXPECT_EQ(tried.OnShow().ration.lines, before.ration.lines);
       EXPECT_EQ(tried.OnShow().totals, before.totals);
       EXPECT_EQ(tried.OnShow().row, before.row);
     }
@@ -75,7 +75,6 @@ TEST_P(RecipeEditorFaults, AReadOnlyDatabaseLeavesEverythingAsItWas) {
 // The failure comes when a part of the step is written already.
 TEST_P(RecipeEditorFaults, AWriteThatFailsHalfwayLeavesEverythingAsItWas) {
   database.exec(
-      "CREATE TABLE Writes (N); "
       "CREATE TRIGGER FailHead BEFORE UPDATE ON Recipe BEGIN SELECT RAISE(FAIL, 'full'); END; "
       "CREATE TRIGGER FailAdd BEFORE INSERT ON RecipeRation BEGIN SELECT RAISE(FAIL, 'full'); END; "
       "CREATE TRIGGER FailLine AFTER UPDATE ON RecipeRation WHEN NEW.Sequence = 2 "
@@ -83,7 +82,7 @@ TEST_P(RecipeEditorFaults, AWriteThatFailsHalfwayLeavesEverythingAsItWas) {
       "CREATE TRIGGER FailDelete AFTER DELETE ON RecipeRation "
       "BEGIN SELECT RAISE(FAIL, 'full'); END");
   ExpectUntouched(editor, [&] { GetParam().run(editor); });
-  database.exec("DROP TABLE Writes");  // not inside a transaction that was left open
+  // No transaction was left open.
   SQLite::Database other = OpenDatabase(folder / "YARD.RDB", Access::kWrite);
   other.exec("DROP TRIGGER FailHead");
 }
@@ -174,6 +173,28 @@ TEST_F(RecipeEditorFailure, ASequenceThatCannotGrowIsToldAsAnOverflow) {
   editor.EnterCell(LineColumn::kTarget, "5");
   EXPECT_THROW(editor.CommitRow(), Error);
   EXPECT_THAT(ReadRecipeLines(database, kByWeight), SizeIs(1));
+}
+
+TEST_F(RecipeEditorFailure, ALineThatCannotBeAddedStaysInTheEntryRow) {
+  editor.Select(kByWeight);
+  Add(kCorn, "1200");
+  editor.GoToRow(kEntryRow);
+  editor.ChooseIngredient(kHay);
+  editor.EnterCell(LineColumn::kTarget, "800");
+  database.exec(
+      "CREATE TRIGGER Fail AFTER INSERT ON RecipeRation BEGIN SELECT RAISE(FAIL, 'full'); END");
+  const std::string file = ReadAll(folder / "YARD.RDB");
+  EXPECT_THROW(editor.CommitRow(), DatabaseError);
+  EXPECT_THROW(editor.GoToRow(1), DatabaseError);
+  EXPECT_TRUE(ReadAll(folder / "YARD.RDB") == file);
+  EXPECT_TRUE(Shown().OnEntryRow());
+  EXPECT_EQ(Shown().Current().target, "800");
+  EXPECT_EQ(Shown().LineCount(), 1);
+  ExpectStored();
+  database.exec("DROP TRIGGER Fail");
+  EXPECT_TRUE(editor.CommitRow());
+  EXPECT_EQ(Shown().LineCount(), 2);
+  ExpectStored();
 }
 
 TEST_F(RecipeEditorFailure, AFailedWriteBeepsWhateverTheSettingSays) {

@@ -35,6 +35,16 @@ TEST_F(RecipeHead, ARecipeWithLinesStandsOnLine1WithItsInputsOpen) {
   ExpectStored();
 }
 
+TEST_F(RecipeHead, TheBlankItemOfTheListShowsTheSameRecipe) {
+  editor.Select(kByWeight);
+  Add(kCorn, "1200");
+  editor.Select(0);
+  EXPECT_EQ(Shown().ration.recipe.id, kByWeight);
+  EXPECT_EQ(Shown().row, 1);
+  EXPECT_THROW(editor.Select(101), DatabaseError);
+  EXPECT_EQ(Shown().ration.recipe.id, kByWeight);
+}
+
 TEST_F(RecipeHead, SelectingDoesNotRecomputeTheAsFedWeights) {
   editor.Select(kByWeight);
   Add(kCorn, "1200");
