@@ -68,15 +68,26 @@ std::string KeyGroups(const ExportPlan& plan) {
   return groups;
 }
 
+// Rows without a value of an inner level that skips them are left out but for those of an outer
+// value that has no others: the outer group is there without anything below.
+std::string InnerSkip(const ExportPlan& plan) {
+  const std::string outer = Bracketed(plan.levels.front().field);
+  const std::string inner = Bracketed(plan.levels.back().field);
+  return inner + " IS NOT NULL OR " + outer + " IS NULL OR " + outer + " NOT IN (SELECT " + outer +
+         " FROM Transactions WHERE " + inner + " IS NOT NULL AND " + outer + " IS NOT NULL)";
+}
+
 std::string Condition(const ExportPlan& plan) {
   const DataGroup& group = DataGroups()[static_cast<std::size_t>(plan.group)];
   if (!group.named_column.empty()) {
     return " WHERE " + Bracketed(group.named_column) + " = ?1";
   }
-  if (!plan.levels.empty() && plan.levels.front().nulls == NullValues::kSkipped) {
-    return " WHERE " + Bracketed(plan.levels.front().field) + " IS NOT NULL";
+  if (plan.levels.empty() || plan.levels.back().nulls != NullValues::kSkipped) {
+    return "";
   }
-  return "";
+  return " WHERE " + (plan.levels.size() > 1
+                          ? InnerSkip(plan)
+                          : Bracketed(plan.levels.back().field) + " IS NOT NULL");
 }
 
 // ", exact_sum([Target]) AS [Target]" and so on.

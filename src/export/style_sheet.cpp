@@ -1,0 +1,42 @@
+#include "export/style_sheet.h"
+
+#include <cstdint>
+#include <string>
+
+#include "frame/application.h"
+#include "frame/folder.h"
+#include "history/data_group.h"
+
+namespace vrx {
+
+namespace fs = std::filesystem;
+
+namespace {
+
+constexpr std::int32_t kNoSource = 0;  // of Folder::CopyFile
+
+}  // namespace
+
+void StyleSheets::MakeExportFolder() const { Folder::CreateDirectory(data_folder_ / "Export"); }
+
+fs::path StyleSheets::SourceOf(int group) const {
+  const DataGroup* const found = FindDataGroup(group);
+  return found == nullptr ? fs::path()
+                          : fs::path(system_.ProgramDirectory()) / "XSL" / found->stylesheet;
+}
+
+bool StyleSheets::CopyStyleSheet(int group, const fs::path& destination_folder) const {
+  const fs::path source = SourceOf(group);
+  const std::int32_t result =
+      source.empty() ? kNoSource : Folder::CopyFile(source, destination_folder);
+  if (result == kNoSource) {
+    op_.ShowMessage({.icon = Icon::kInformation,
+                     .title = std::string(kApplicationTitle),
+                     .text = "Style sheet file has been tampered, Please contact to Administrator.",
+                     .cause = source.empty() ? "" : source.string() + " is not there"});
+    return false;
+  }
+  return true;
+}
+
+}  // namespace vrx
