@@ -91,7 +91,7 @@ std::string CommitRecipeRecord(SQLite::Database& database, RecipeRecord& record)
   RecipeRecord committed = WithDefaultDescription(record);
   const std::vector<RecipeLineRecord> stored = ReadRecipeLines(database, record.id);
   Ration ration{.recipe = committed, .lines = stored};
-  const std::string failure = RecalcFailure(ration);
+  std::string failure = RecalcFailure(ration);
   if (!failure.empty()) {
     Ration before{.recipe = ReadRecipe(database, record.id), .lines = stored};
     if (RecalcFailure(before).empty()) {
