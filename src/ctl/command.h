@@ -49,5 +49,6 @@ std::unique_ptr<Command> MakeDirectCommand();
 std::unique_ptr<Command> MakeImportCommand();
 std::unique_ptr<Command> MakeStoreCommand();
 std::unique_ptr<Command> MakeGroupsCommand();
+std::unique_ptr<Command> MakeShowCommand();
 
 }  // namespace vrx

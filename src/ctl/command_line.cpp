@@ -46,6 +46,7 @@ std::vector<std::unique_ptr<Command>> MakeCommands() {
   commands.push_back(MakeImportCommand());
   commands.push_back(MakeStoreCommand());
   commands.push_back(MakeGroupsCommand());
+  commands.push_back(MakeShowCommand());
   return commands;
 }
 
