@@ -45,12 +45,11 @@ std::string LevelCondition(const GroupLevel& level, int parameter) {
 
 }  // namespace
 
-GroupQuery::GroupQuery(const DataGroup& group, std::string_view name, std::int64_t last_row)
+GroupQuery::GroupQuery(const DataGroup& group, std::string_view name)
     : by_name_(!group.named_column.empty()),
       // An index over one level has `Type` behind it.
       stored_order_is_indexed_(group.levels.size() != 1 || !group.type.empty()),
-      name_(name),
-      last_row_(last_row) {
+      name_(name) {
   for (const std::string_view key : group.levels) {
     levels_.push_back(LevelOf(key));
   }
@@ -61,7 +60,9 @@ GroupQuery::GroupQuery(const DataGroup& group, std::string_view name, std::int64
 }
 
 void GroupQuery::Bind(SQLite::Statement& statement, std::span<const CellValue> values) const {
-  statement.bind(kLastRowParameter, last_row_);
+  if (last_row_) {
+    statement.bind(kLastRowParameter, *last_row_);
+  }
   if (by_name_ && values.empty()) {
     statement.bind(kFirstLevelParameter, name_);
   }
@@ -72,8 +73,10 @@ void GroupQuery::Bind(SQLite::Statement& statement, std::span<const CellValue> v
 }
 
 std::string GroupQuery::From(std::size_t levels) const {
-  std::string text = " FROM " + std::string(kTransactionsTable) +
-                     " WHERE +rowid <= " + Parameter(kLastRowParameter) + filter_;
+  std::string text = " FROM " + std::string(kTransactionsTable) + " WHERE ";
+  // The `+` keeps the engine from walking the table itself for it.
+  text += last_row_ ? "+rowid <= " + Parameter(kLastRowParameter) : "1";
+  text += filter_;
   if (by_name_ && levels == 0) {
     text += " AND " + levels_.front().field + " = " + Parameter(kFirstLevelParameter);
   }

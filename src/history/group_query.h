@@ -2,6 +2,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <optional>
 #include <span>
 #include <string>
 #include <string_view>
@@ -29,13 +30,15 @@ struct GroupLevel {
   bool many_values;
 };
 
-// The query texts of a view, one for each thing to be asked. They ask for the rows that a group of
-// the view holds and leave out rows that were added after `last_row`. Made so that an index of the
-// table answers them: `+` keeps a condition out of the choice of the index.
+// The query texts of a view, one for each thing to be asked, made so that an index of the table
+// answers them.
 class GroupQuery {
  public:
-  // `name` counts in a group by name only. `last_row` is the highest rowid of the table.
-  GroupQuery(const DataGroup& group, std::string_view name, std::int64_t last_row);
+  // `name` counts in a group by name only.
+  GroupQuery(const DataGroup& group, std::string_view name);
+
+  // From now on rows with a higher rowid, those stored later, are left out.
+  void EndAt(std::int64_t last_row) { last_row_ = last_row; }
 
   // Parameters of a text from here on are the caller's.
   static constexpr int kFirstOwnParameter = 5;
@@ -64,7 +67,7 @@ class GroupQuery {
   bool by_name_;
   bool stored_order_is_indexed_;
   std::string name_;
-  std::int64_t last_row_;
+  std::optional<std::int64_t> last_row_;
 };
 
 // " ORDER BY " the values of a column, those that are equal in the order they were stored; column 0

@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "history/cell_value.h"
+#include "history/data_group.h"
 #include "history/group_query.h"
 #include "history/outline.h"
 #include "history/statements.h"
@@ -16,10 +17,12 @@ namespace vrx {
 // the others, which are quick to come by, the ones asked for lately.
 class GroupTotals {
  public:
-  // Both outlive it. Throws std::out_of_range for a column that is none.
-  GroupTotals(Statements& statements, const GroupQuery& query, const std::vector<int>& columns);
+  // Statements and query outlive it. Throws std::out_of_range for a column that is none.
+  GroupTotals(Statements& statements, const GroupQuery& query, const DataGroup& group,
+              const std::vector<int>& columns);
 
-  // One that is not summed gets no sum. Throws std::out_of_range for one that is none.
+  // One that is not summed, or blanked on a level, gets no sum there: sums over the outer levels,
+  // which take longest, are mostly blanked. Throws std::out_of_range for one that is none.
   void SetColumns(const std::vector<int>& columns);
   // For an outline read anew.
   void Forget() { totals_.clear(); }
@@ -33,14 +36,18 @@ class GroupTotals {
  private:
   struct Total {
     std::int64_t records;
-    std::vector<double> sums;  // by columns_
+    std::vector<double> sums;  // of the level's columns
   };
 
-  std::vector<CellValue> CellsOf(const Total& total) const;
+  const std::vector<int>& ColumnsOf(const GroupPath& path) const {
+    return columns_[path.size() - 1];
+  }
+  std::vector<CellValue> CellsOf(const GroupPath& path, const Total& total) const;
 
   Statements& statements_;
   const GroupQuery& query_;
-  std::vector<int> columns_;
+  DataGroup group_;
+  std::vector<std::vector<int>> columns_;            // by level
   std::unordered_map<std::uint64_t, Total> totals_;  // by level and place
 };
 

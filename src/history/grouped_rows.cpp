@@ -50,12 +50,12 @@ auto Read(SQLite::Database& database, Body&& body) {
 // What is shown; its parts know each other by reference.
 struct View {
   View(SQLite::Database& database, const DataGroup& group, std::string_view name,
-       std::int64_t last_row, const std::vector<int>& sum_columns)
+       const std::vector<int>& sum_columns)
       : statements(database),
-        query(group, name, last_row),
+        query(group, name),
         outline(static_cast<int>(query.Levels().size())),
         pages(statements, query),
-        totals(statements, query, sum_columns) {}
+        totals(statements, query, group, sum_columns) {}
 
   Statements statements;
   GroupQuery query;
@@ -70,14 +70,15 @@ class GroupedRows::Impl {
  public:
   explicit Impl(SQLite::Database& database) : database_(database) {
     RegisterExactSum(database);
-    view_ = std::make_unique<View>(database_, DataGroups().front(), "", 0, sum_columns_);
+    view_ = std::make_unique<View>(database_, DataGroups().front(), "", sum_columns_);
     view_->outline.SetRecordCount({}, 0);
   }
 
   void Show(const DataGroup& group, std::string_view name) {
     view_ = Read(database_, [&] {
-      auto view = std::make_unique<View>(database_, group, name, LastRow(database_), sum_columns_);
+      auto view = std::make_unique<View>(database_, group, name, sum_columns_);
       Learn(*view, {});
+      view->query.EndAt(LastRow(database_));
       return view;
     });
   }

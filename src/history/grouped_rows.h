@@ -21,7 +21,8 @@ struct HistoryRow {
   int depth = 1;         // a group's and its total row's level, from 1; of a record one more
   CellValue group = {};  // the value of a group row's level, and of its total row's
   bool open = false;     // of a group row
-  // Of a record all columns; of a total row the sums of the summed columns; of a group row none.
+  // Of a record all columns; of a total row the sums of the columns that are summed and not blanked
+  // at its depth, else NULL; of a group row none.
   std::vector<CellValue> cells = {};
 };
 

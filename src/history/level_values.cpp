@@ -35,14 +35,15 @@ class ValueFinder {
       text += " AND " + keys_[before].expression + " IS " + Parameter(before);
     }
     text += " AND " + key.expression;
-    const std::string limit = Parameter(found_.size()) + " ORDER BY " + key.expression + " LIMIT 1";
-    if (Find(text + " IS " + limit, CellValue())) {
+    const std::string bound = Parameter(found_.size()) + " ";
+    const std::string next = bound + "ORDER BY " + key.expression + " LIMIT 1";
+    if (Find(text + " IS " + bound + "LIMIT 1", CellValue())) {
       Take(CellValue());
     }
-    std::optional<CellValue> value = Find(text + " >= " + limit, key.lowest);
+    std::optional<CellValue> value = Find(text + " >= " + next, key.lowest);
     while (value) {
       Take(*value);
-      value = Find(text + " > " + limit, *value);
+      value = Find(text + " > " + next, *value);
     }
   }
 

@@ -10,7 +10,7 @@ namespace vrx {
 
 namespace {
 
-constexpr std::size_t kBlockLength = 32768;
+constexpr std::size_t kBlockLength = 8192;
 
 }  // namespace
 
@@ -25,6 +25,7 @@ void RecordOrder::StoreLast() {
   if (!file_) {
     // Without a name the engine makes a file of its own that is gone when it is closed.
     file_.emplace("", SQLite::OPEN_READWRITE | SQLite::OPEN_CREATE);
+    file_->exec("PRAGMA journal_mode=OFF; PRAGMA cache_size=-256");  // kB
     file_->exec("CREATE TABLE Block (Number INTEGER PRIMARY KEY, Rowids BLOB)");
   }
   SQLite::Statement insert(*file_, "INSERT INTO Block VALUES (?, ?)");

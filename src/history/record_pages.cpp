@@ -1,8 +1,8 @@
 #include "history/record_pages.h"
 
 #include <algorithm>
-#include <iterator>
 #include <limits>
+#include <optional>
 #include <string>
 #include <utility>
 
@@ -16,6 +16,7 @@ namespace {
 constexpr std::int64_t kPageLength = 128;
 // A record takes about 5 kB.
 constexpr std::size_t kRecordsHeld = 1024;
+constexpr std::size_t kLargeGroupsHeld = 32;
 
 constexpr int kFirst = GroupQuery::kFirstOwnParameter;
 
@@ -54,7 +55,7 @@ void RecordPages::SortBy(int column, bool ascending) {
 void RecordPages::Forget() {
   pages_.clear();
   held_ = 0;
-  large_.reset();
+  large_groups_.clear();
 }
 
 const RecordPages::Record* RecordPages::Find(const OutlinePlace& place) {
@@ -90,11 +91,18 @@ const RecordPages::Record& RecordPages::Load(const Outline& outline, const Outli
 RecordPages::LargeGroup& RecordPages::Large(std::uint32_t group,
                                             const std::vector<CellValue>& values,
                                             std::int64_t count) {
-  if (!large_ || large_->group != group) {
-    large_.emplace(LargeGroup{
-        .group = group, .values = values, .places = {statements_, query_, values, count}});
+  const auto known = std::find_if(large_groups_.begin(), large_groups_.end(),
+                                  [&](const LargeGroup& large) { return large.group == group; });
+  if (known != large_groups_.end()) {
+    large_groups_.splice(large_groups_.begin(), large_groups_, known);
+    return large_groups_.front();
   }
-  return *large_;
+  large_groups_.push_front(
+      {.group = group, .values = values, .places = {statements_, query_, values, count}});
+  if (large_groups_.size() > kLargeGroupsHeld) {
+    large_groups_.pop_back();
+  }
+  return large_groups_.front();
 }
 
 const RecordPages::Record& RecordPages::Hold(Page page, std::int64_t record) {

@@ -4,7 +4,6 @@
 #include <cstdint>
 #include <list>
 #include <memory>
-#include <optional>
 #include <span>
 #include <vector>
 
@@ -44,8 +43,8 @@ class RecordPages {
     std::int64_t last_rowid = 0;
   };
 
-  // A group of more than one page; its places or its order are kept while it is the last of its
-  // kind that was read.
+  // A group of more than one page; its places or its order are kept while it is among those of its
+  // kind that were read last.
   struct LargeGroup {
     std::uint32_t group;
     std::vector<CellValue> values;
@@ -68,7 +67,7 @@ class RecordPages {
   bool ascending_ = true;
   std::list<Page> pages_;  // the one used last in front
   std::size_t held_ = 0;
-  std::optional<LargeGroup> large_;
+  std::list<LargeGroup> large_groups_;  // the one read last in front
 };
 
 }  // namespace vrx

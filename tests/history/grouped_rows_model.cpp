@@ -32,6 +32,7 @@ using LevelKey = std::pair<CellValue, CellValue>;
 }  // namespace
 
 void GroupedRowsModel::Show(const DataGroup& group, const std::string& name) {
+  group_ = &group;
   levels_.clear();
   for (const std::string_view key : group.levels) {
     levels_.push_back(HistoryColumnOfKey(key));
@@ -121,7 +122,7 @@ void GroupedRowsModel::AddGroups(const Values& path, const std::vector<const Rec
            inner);
     if (open) {
       AddGroups(inner, members);
-      HistoryRow total = TotalRow(members);
+      HistoryRow total = TotalRow(members, depth);
       total.depth = depth;
       total.group = key.second;
       AddRow(std::move(total), inner);
@@ -129,10 +130,28 @@ void GroupedRowsModel::AddGroups(const Values& path, const std::vector<const Rec
   }
 }
 
-HistoryRow GroupedRowsModel::TotalRow(const std::vector<const Record*>& records) const {
+bool GroupedRowsModel::IsBlanked(int column, int depth) const {
+  for (const BlankedColumns& blanked : group_->blanked) {
+    if (blanked.depth != depth) {
+      continue;
+    }
+    for (const int other : blanked.columns) {
+      if (other == column) {
+        return true;
+      }
+    }
+    return column >= kFirstIngredientColumn && blanked.ingredient_columns;
+  }
+  return false;
+}
+
+HistoryRow GroupedRowsModel::TotalRow(const std::vector<const Record*>& records, int depth) const {
   HistoryRow total{.kind = HistoryRowKind::kTotal};
   total.cells.resize(kHistoryColumnCount);
   for (const int column : sums_) {
+    if (IsBlanked(column, depth)) {
+      continue;
+    }
     ExactSum sum;
     for (const Record* record : records) {
       const auto* weight = std::get_if<double>(&Cell(*record, column));

@@ -36,9 +36,11 @@ class GroupedRowsModel {
   void AddGroups(const Values& path, const std::vector<const Record*>& records);
   void AddRecords(std::vector<const Record*> records);
   void AddRow(HistoryRow row, Values path);
-  HistoryRow TotalRow(const std::vector<const Record*>& records) const;
+  bool IsBlanked(int column, int depth) const;
+  HistoryRow TotalRow(const std::vector<const Record*>& records, int depth) const;
 
   std::vector<Record> table_;
+  const DataGroup* group_ = nullptr;
   std::vector<int> levels_;
   std::vector<const Record*> shown_;
   std::set<Values> open_;
