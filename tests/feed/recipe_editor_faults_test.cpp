@@ -1,3 +1,4 @@
+#include <array>
 #include <functional>
 
 #include "feed/edit_event.h"
@@ -23,7 +24,7 @@ void AddLine(RecipeEditor& editor) {
   editor.CommitRow();
 }
 
-constexpr NamedEdit kEdits[] = {
+constexpr std::array<NamedEdit, 9> kEdits = {{
     {"Add", AddLine},
     {"EnterCell", [](RecipeEditor& editor) { editor.EnterCell(LineColumn::kTarget, "777"); }},
     {"ChooseIngredient", [](RecipeEditor& editor) { editor.ChooseIngredient(4); }},
@@ -33,7 +34,7 @@ constexpr NamedEdit kEdits[] = {
     {"ChooseAdjustItem", [](RecipeEditor& editor) { editor.ChooseAdjustItem(0); }},
     {"LeaveName", [](RecipeEditor& editor) { editor.LeaveName("OTHER"); }},
     {"LeaveRationTarget", [](RecipeEditor& editor) { editor.LeaveRationTarget("77"); }},
-};
+}};
 
 class RecipeEditorFaults : public RecipeEditorTest,
                            public ::testing::WithParamInterface<NamedEdit> {
@@ -47,7 +48,7 @@ class RecipeEditorFaults : public RecipeEditorTest,
 
   // While a new line is composed, the totals count what of it was entered.
   void ExpectUntouched(RecipeEditor& tried, const std::function<void()>& edit) {
-    const RecipeOnShow before = tried.OnShow();
+    const auto before = RecipeOnShow(tried.OnShow());
     const std::string file = ReadAll(folder / "YARD.RDB");
     EXPECT_THROW(edit(), DatabaseError);
     EXPECT_EQ(tried.OnShow().ration.recipe.name, before.ration.recipe.name);
