@@ -211,7 +211,7 @@ TEST_P(GroupedRowsOfAnyTable, HoldGroupsOfManyPagesWithGapsBetween) {
   table.Exec("DELETE FROM Transactions WHERE rowid IN (" + gone + ")");
   Pair pair(table, RecordsOf(left), random);
   pair.Show(*FindDataGroup(GetParam()));
-  for (int step = 0; step < 25; ++step) {
+  for (int step = 0; step < 16; ++step) {
     SCOPED_TRACE("step " + std::to_string(step));
     ASSERT_NO_FATAL_FAILURE(pair.Compare(60));
     if (HasFailure()) {
