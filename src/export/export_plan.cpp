@@ -24,6 +24,7 @@ constexpr ExportLevel kPen{"Pen", "Pen", kAscending, kSkipped};
 constexpr ExportLevel kUser{"UserID", "User_Id", kAscending, kNoUser};
 
 constexpr std::string_view kNewestFirst = "[Date] DESC";
+constexpr std::string_view kAsStored;
 
 // A group whose records stand below the levels that they belong to, as most do.
 ExportPlan Plan(int group, int column_group, std::vector<ExportLevel> levels,
@@ -71,12 +72,12 @@ std::vector<ExportPlan> MakePlans() {
           PlanByType(2, 2, {kDate, kTransaction, kType}, "Date,Transaction,Type"), "[Time] DESC")),
       PlanByType(3, 3, {kRecipe, kType}, "Recipe,Type"),
       PlanByType(4, 3, {kRecipe, kType}, "Recipe,Type"),
-      With(Plan(5, 5, {kRecipe, kIngredient}, "Recipe", {kBatchWeight}), "[Ingredient]"),
+      With(Plan(5, 5, {kRecipe, kIngredient}, "Recipe", {kBatchWeight}), kAsStored),
       Plan(6, 6, {kIngredient}, "Ingredient", {kBatchWeight, kTargetWeight}),
       Plan(7, 7, {kIngredient}, "Ingredient", {kBatchWeight, kTargetWeight}),
       Plan(8, 8, {kPen}, "Pen", {kFeedWeight, kTargetWeight}),
       Plan(9, 9, {kPen}, "Pen", {kFeedWeight, kTargetWeight}),
-      With(Plan(10, 10, {kPen}, "", {kFeedWeight, kTargetWeight}), "[Pen], [Recipe]"),
+      With(Plan(10, 10, {kPen}, "", {kFeedWeight, kTargetWeight}), "[Recipe]"),
       With(Plan(11, 11, {kUser, kTransaction}, "UserID,Transaction", {kBatchWeight, kFeedWeight}),
            kWholeIfNoUser),
       With(PlanByType(12, 12, {kUser, kType}, "UserID,Type"), kOfUserOrOfTheType),

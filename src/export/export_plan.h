@@ -52,7 +52,7 @@ struct ExportPlan {
   int column_group;  // the index that IntializeExportColumn gets
   std::vector<ExportLevel> levels;
   std::string_view excluded;  // from the fields of a record, for BuildFieldList
-  std::string_view ordering;  // of the records, an ORDER BY; equal ones come as stored
+  std::string_view ordering;  // of the records below a group, an ORDER BY; equal ones as stored
   std::vector<ExportWeight> weights;
   std::vector<ExportWeight> fed_weights;  // instead, where the innermost level is a type but BATCH
   SummedRows summed;

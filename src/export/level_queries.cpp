@@ -70,14 +70,16 @@ std::string KeyGroups(const ExportPlan& plan) {
 
 // Rows without a value of an inner level that skips them are left out but for those of an outer
 // value that has no others: the outer group is there without anything below.
-std::string InnerSkip(const ExportPlan& plan) {
+std::string OuterWithoutInner(const ExportPlan& plan) {
   const std::string outer = Bracketed(plan.levels.front().field);
   const std::string inner = Bracketed(plan.levels.back().field);
-  return inner + " IS NOT NULL OR " + outer + " IS NULL OR " + outer + " NOT IN (SELECT " + outer +
+  return " OR " + outer + " IS NULL OR " + outer + " NOT IN (SELECT " + outer +
          " FROM Transactions WHERE " + inner + " IS NOT NULL AND " + outer + " IS NOT NULL)";
 }
 
-std::string Condition(const ExportPlan& plan) {
+enum class Wanted { kRecords, kSums };
+
+std::string Condition(const ExportPlan& plan, Wanted wanted) {
   const DataGroup& group = DataGroups()[static_cast<std::size_t>(plan.group)];
   if (!group.named_column.empty()) {
     return " WHERE " + Bracketed(group.named_column) + " = ?1";
@@ -85,9 +87,9 @@ std::string Condition(const ExportPlan& plan) {
   if (plan.levels.empty() || plan.levels.back().nulls != NullValues::kSkipped) {
     return "";
   }
-  return " WHERE " + (plan.levels.size() > 1
-                          ? InnerSkip(plan)
-                          : Bracketed(plan.levels.back().field) + " IS NOT NULL");
+  const bool outer_alone = wanted == Wanted::kRecords && plan.levels.size() > 1;
+  return " WHERE " + Bracketed(plan.levels.back().field) + " IS NOT NULL" +
+         (outer_alone ? OuterWithoutInner(plan) : "");
 }
 
 // ", exact_sum([Target]) AS [Target]" and so on.
@@ -175,9 +177,12 @@ std::string LevelRecordQuery(const ExportPlan& plan, std::span<const std::string
     Append(columns, Bracketed(field));
   }
   std::string order = KeyOrder(plan);
-  Append(order, plan.ordering);
+  if (!plan.ordering.empty()) {
+    Append(order, plan.ordering);
+  }
   Append(order, "Transactions.rowid");
-  return "SELECT " + columns + " FROM " + Source(plan) + Condition(plan) + " ORDER BY " + order;
+  return "SELECT " + columns + " FROM " + Source(plan) + Condition(plan, Wanted::kRecords) +
+         " ORDER BY " + order;
 }
 
 std::string LevelSumQuery(const ExportPlan& plan) {
@@ -189,8 +194,9 @@ std::string LevelSumQuery(const ExportPlan& plan) {
     case SummedRows::kOwn:
       break;
   }
-  return "SELECT " + Keys(plan) + Sums(plan) + " FROM " + Source(plan) + Condition(plan) +
-         " GROUP BY " + KeyGroups(plan) + " ORDER BY " + KeyOrder(plan);
+  return "SELECT " + Keys(plan) + Sums(plan) + " FROM " + Source(plan) +
+         Condition(plan, Wanted::kSums) + " GROUP BY " + KeyGroups(plan) + " ORDER BY " +
+         KeyOrder(plan);
 }
 
 }  // namespace vrx

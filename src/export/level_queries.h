@@ -19,8 +19,8 @@ std::vector<std::string_view> SummedFields(const ExportPlan& plan);
 // the fields of each record, or the sums of each innermost group. Both come in the order of the
 // levels, so that they can be read side by side. Parameter 1 is the name of a group by name.
 //
-// A row may be NULL in an inner level that skips such rows: the group around it is there without
-// anything below.
+// A record's row may be NULL in an inner level that skips such rows: the group around it is there
+// without anything below.
 std::string LevelRecordQuery(const ExportPlan& plan, std::span<const std::string> fields);
 std::string LevelSumQuery(const ExportPlan& plan);
 
