@@ -1,4 +1,5 @@
 #include <functional>
+#include <limits>
 #include <memory>
 #include <optional>
 #include <string>
@@ -9,6 +10,7 @@
 #include <SQLiteCpp/Database.h>
 
 #include "ctl/command.h"
+#include "ctl/number_option.h"
 #include "ctl/recipe_file.h"
 #include "ctl/session.h"
 #include "database/records.h"
@@ -28,9 +30,7 @@ class LineAction {
   LineAction(CLI::App& line, const std::string& name, const std::string& description)
       : app_(line.add_subcommand(name, description)) {
     app_->add_option("rdb", file_, "A recipe database")->required();
-    app_->add_option("recipe", recipe_, "Number of the recipe")
-        ->required()
-        ->check(CLI::Range(1, kRecipeCount));
+    AddRecordNumber(*app_, "recipe", "Number of the recipe", kRecipeCount, recipe_);
   }
 
   bool Chosen() const { return app_->parsed(); }
@@ -103,10 +103,8 @@ class AddAction : public LineAction {
  public:
   explicit AddAction(CLI::App& line)
       : LineAction(line, "add", "Add a line behind the last one of a recipe") {
-    App()
-        .add_option("ingredient", ingredient_, "Number of an ingredient in use")
-        ->required()
-        ->check(CLI::Range(1, kIngredientCount));
+    AddRecordNumber(App(), "ingredient", "Number of an ingredient in use", kIngredientCount,
+                    ingredient_);
     amount_.Register(App());
   }
 
@@ -133,7 +131,11 @@ class PositionAction : public LineAction {
  public:
   PositionAction(CLI::App& line, const std::string& name, const std::string& description)
       : LineAction(line, name, description) {
-    App().add_option("position", position_, "Place of the line in the recipe, from 1")->required();
+    // Which positions there are, the recipe tells.
+    using Any = std::numeric_limits<int>;
+    AddWholeNumber(App(), "position", "Place of the line in the recipe, from 1", Any::min(),
+                   Any::max(), position_)
+        ->required();
   }
 
  protected:
@@ -163,11 +165,8 @@ class PositionAction : public LineAction {
 class SetAction : public PositionAction {
  public:
   explicit SetAction(CLI::App& line) : PositionAction(line, "set", "Change a line of a recipe") {
-    ingredient_option_ =
-        App()
-            .add_option("--ingredient", ingredient_, "Number of an ingredient in use")
-            ->type_name("ID")
-            ->check(CLI::Range(1, kIngredientCount));
+    ingredient_option_ = AddWholeNumber(App(), "--ingredient", "Number of an ingredient in use", 1,
+                                        kIngredientCount, ingredient_);
     amount_.Register(App());
   }
 

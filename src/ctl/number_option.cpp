@@ -30,11 +30,16 @@ CLI::Option* RequireWholeNumber(CLI::Option* option, int first, int last) {
       range);
 }
 
-CLI::Option* AddRecordNumber(CLI::App& app, const std::string& name, const std::string& help,
-                             int last, int& number) {
+CLI::Option* AddWholeNumber(CLI::App& app, const std::string& name, const std::string& help,
+                            int first, int last, int& number) {
   CLI::Option* option = app.add_option_function<std::string>(
       name, [&number](const std::string& typed) { number = TextToLong(typed); }, help);
-  return RequireWholeNumber(option->required()->type_name("NUMBER"), 1, last);
+  return RequireWholeNumber(option->type_name("NUMBER"), first, last);
+}
+
+CLI::Option* AddRecordNumber(CLI::App& app, const std::string& name, const std::string& help,
+                             int last, int& number) {
+  return AddWholeNumber(app, name, help, 1, last, number)->required();
 }
 
 }  // namespace vrx

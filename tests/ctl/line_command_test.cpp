@@ -146,6 +146,13 @@ TEST_F(LineCommand, DeleteAsks) {
   EXPECT_THAT(Fields("Sequence"), ElementsAre("1", "3", "4"));
 }
 
+TEST_F(LineCommand, ReadsNumbersAsDecimalDigits) {
+  AddCornHaySupplement();
+  ASSERT_EQ(Line({"add", "003", "002", "--weight", "010"}), 0) << err;
+  ASSERT_EQ(Line({"set", "003", "004", "--ingredient", "001"}), 0) << err;
+  EXPECT_THAT(Fields("Ingredient"), ElementsAre("1", "2", "3", "1"));
+}
+
 TEST_F(LineCommand, RefusesAnUntypedRecipe) {
   const std::string refusal =
       "Field Error: Recipe 5 is of type \"!\": its lines are closed until a type W, H, % or P is "
