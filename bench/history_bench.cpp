@@ -1,0 +1,235 @@
+// The history on years of records: how long its screens take, against the sqlite3 shell and against
+// a tenth of the records.
+//
+//   history_bench [--rows N]
+
+#include <algorithm>
+#include <cstdint>
+#include <cstdio>
+#include <exception>
+#include <functional>
+#include <stdexcept>
+#include <string>
+#include <vector>
+
+#include <SQLiteCpp/Database.h>
+
+#include "database/connection.h"
+#include "database/records.h"
+#include "figures.h"
+#include "history/data_group.h"
+#include "history/grouped_rows.h"
+#include "history/history_column.h"
+#include "history/history_grid.h"
+#include "years.h"
+
+namespace vrx::bench {
+namespace {
+
+constexpr int kRounds = 5;
+constexpr std::int64_t kScreen = 50;  // rows
+constexpr double kShellLimit = 1.0;
+constexpr double kScreenLimit = 300;  // ms, at a million records
+constexpr double kEqualLimit = 1.2;
+constexpr double kTenfoldLimit = 11;
+constexpr double kMemoryLimit = 200;  // MB
+
+std::string NameOf(const DataGroup& group) {
+  return std::to_string(group.index) + " " + std::string(group.item);
+}
+
+void ReadRows(GroupedRows& rows, std::int64_t first, std::int64_t last) {
+  for (std::int64_t row = first; row <= last; ++row) {
+    rows.Row(row);
+  }
+}
+
+// The row of a group with that value among the rows from `first` on; throws when there is none.
+std::int64_t FindGroup(GroupedRows& rows, const CellValue& value, std::int64_t first = 1) {
+  for (std::int64_t row = first; row <= rows.RowCount(); ++row) {
+    const HistoryRow shown = rows.Row(row);
+    if (shown.kind == HistoryRowKind::kGroup && shown.group == value) {
+      return row;
+    }
+  }
+  throw std::runtime_error("a group is missing");
+}
+
+class HistoryBench {
+ public:
+  explicit HistoryBench(std::int64_t rows) : years_(rows) {}
+
+  int Run() {
+    std::printf("%-60s %9s  %7s\n", "figure", "", "limit");
+    for (const DataGroup& group : DataGroups()) {
+      FirstPage(group);
+    }
+    for (const DataGroup& group : DataGroups()) {
+      FirstScreen(group);
+    }
+    EqualGroups();
+    for (const DataGroup& group : DataGroups()) {
+      OpenAll(group);
+    }
+    for (const int column : {HistoryColumnOfKey("Target"), HistoryColumnOfKey("Ingredient")}) {
+      Sort(column);
+    }
+    for (const DataGroup& group : DataGroups()) {
+      Memory(group);
+    }
+    return figures_.Over();
+  }
+
+ private:
+  // Against the totals that the shell would have to compute for the same outermost groups.
+  void FirstPage(const DataGroup& group) {
+    const std::string keys = LevelKeys(group, std::min<std::size_t>(group.levels.size(), 1));
+    const auto script = years_.folder.Write(
+        "groups.sql", ".once /dev/null\nSELECT " + (keys.empty() ? "" : keys + ", ") +
+                          "count(*), sum(Target), sum(ActualBatch), sum(ActualFeed) FROM "
+                          "Transactions" +
+                          GroupCondition(group) +
+                          (keys.empty() ? "" : " GROUP BY " + keys + " ORDER BY " + keys) + ";\n");
+    const std::vector<double> times = InterleavedMedians(
+        kRounds,
+        {[&] { ShowFirstPage(years_.all, group); }, [&] { RunShell(years_.all, script); }});
+    figures_.Limited(NameOf(group) + ": first page to the shell's GROUP BY", times[0] / times[1],
+                     kShellLimit, Times(times[0], times[1]));
+  }
+
+  static void ShowFirstPage(const std::filesystem::path& path, const DataGroup& group) {
+    SQLite::Database database = OpenDatabase(path, Access::kRead);
+    GroupedRows rows(database);
+    rows.Show(group, PickedName(group));
+    ReadRows(rows, 1, std::min(kScreen, rows.RowCount()));
+  }
+
+  // What the window shows after a choice of the list, its columns included.
+  void FirstScreen(const DataGroup& group) {
+    SQLite::Database recipes = OpenDatabase(years_.recipes, Access::kRead);
+    const std::vector<IngredientRecord> ingredients = ReadIngredients(recipes);
+    for (const bool expand : {false, true}) {
+      const double time = InterleavedMedians(
+          kRounds, {[&] {
+            SQLite::Database database = OpenDatabase(years_.all, Access::kRead);
+            HistoryGrid grid(database);
+            grid.RefreshIngredientColumns(ingredients);
+            grid.SetUp(group, PickedName(group), false);
+            grid.ApplyExpandState(expand);
+            for (std::int64_t row = 1; row <= std::min(kScreen, grid.RowCount()); ++row) {
+              grid.Row(row);
+            }
+          }})[0];
+      const std::string name = NameOf(group) + ": first screen, ms";
+      if (expand) {
+        figures_.Told(name + ", all open", time);
+      } else {
+        figures_.Limited(name, time,
+                         kScreenLimit *
+                             static_cast<double>(std::max<std::int64_t>(years_.rows, 1'000'000)) /
+                             1'000'000);
+      }
+    }
+  }
+
+  // Groups of as many records in a table of ten times the records.
+  void EqualGroups() {
+    const auto compare = [&](const std::string& name,
+                             const std::function<void(SQLite::Database&)>& work) {
+      SQLite::Database all = OpenDatabase(years_.all, Access::kRead);
+      SQLite::Database tenth = OpenDatabase(years_.tenth, Access::kRead);
+      const std::vector<double> times =
+          InterleavedMedians(4 * kRounds, {[&] { work(all); }, [&] { work(tenth); }});
+      figures_.Limited(name, times[0] / times[1], kEqualLimit, Times(times[0], times[1]));
+    };
+    compare("a recipe opened and read, to a tenth", [](SQLite::Database& database) {
+      GroupedRows rows(database);
+      rows.Show(*FindDataGroup(4), kEqualName);
+      rows.Open(1);
+      for (std::int64_t row = rows.RowCount(); row > 1; --row) {
+        rows.Open(row);
+      }
+      ReadRows(rows, 1, rows.RowCount());
+    });
+    compare("a pen opened and read, to a tenth", [](SQLite::Database& database) {
+      GroupedRows rows(database);
+      rows.Show(*FindDataGroup(9), kEqualName);
+      rows.Open(1);
+      ReadRows(rows, 1, rows.RowCount());
+    });
+    compare("a pen found among all, opened and read, to a tenth", [](SQLite::Database& database) {
+      GroupedRows rows(database);
+      rows.Show(*FindDataGroup(8), "");
+      const std::int64_t pen = FindGroup(rows, std::string(kEqualName));
+      const std::int64_t before = rows.RowCount();
+      rows.Open(pen);
+      ReadRows(rows, pen, pen + rows.RowCount() - before);
+    });
+  }
+
+  void OpenAll(const DataGroup& group) {
+    const auto work = [&](const std::filesystem::path& path) {
+      SQLite::Database database = OpenDatabase(path, Access::kRead);
+      GroupedRows rows(database);
+      rows.Show(group, PickedName(group));
+      rows.OpenAll();
+      const std::int64_t last = rows.RowCount();
+      ReadRows(rows, std::max<std::int64_t>(1, last - kScreen), last);
+    };
+    const std::vector<double> times =
+        InterleavedMedians(kRounds, {[&] { work(years_.all); }, [&] { work(years_.tenth); }});
+    figures_.Limited(NameOf(group) + ": all opened, last page, to a tenth", times[0] / times[1],
+                     kTenfoldLimit, Times(times[0], times[1]));
+  }
+
+  void Sort(int column) {
+    const auto work = [&](const std::filesystem::path& path) {
+      SQLite::Database database = OpenDatabase(path, Access::kRead);
+      GroupedRows rows(database);
+      rows.Show(*FindDataGroup(0), "");
+      rows.SortBy(column, false);
+      ReadRows(rows, 1, kScreen);
+    };
+    const auto& field = HistoryColumnAt(column).field;
+    const auto script = years_.folder.Write(
+        "sort.sql",
+        ".once /dev/null\nSELECT rowid FROM Transactions ORDER BY " + field + " DESC, rowid;\n");
+    const std::vector<double> times =
+        InterleavedMedians(kRounds, {[&] { work(years_.all); }, [&] { work(years_.tenth); },
+                                     [&] { RunShell(years_.all, script); }});
+    figures_.Limited("all records sorted by " + field + ", to a tenth", times[0] / times[1],
+                     kTenfoldLimit, Times(times[0], times[1]));
+    figures_.Told("all records sorted by " + field + ", to the shell", times[0] / times[2],
+                  Times(times[0], times[2]));
+  }
+
+  void Memory(const DataGroup& group) {
+    const double peak = PeakMegabytes([&] {
+      SQLite::Database database = OpenDatabase(years_.all, Access::kRead);
+      GroupedRows rows(database);
+      rows.Show(group, PickedName(group));
+      rows.OpenAll();
+      rows.SortBy(HistoryColumnOfKey("Target"), true);
+      const std::int64_t step = std::max<std::int64_t>(1, rows.RowCount() / 500);
+      for (std::int64_t row = 1; row <= rows.RowCount(); row += step) {
+        rows.Row(row);
+      }
+    });
+    figures_.Limited(NameOf(group) + ": memory, all opened and sorted, MB", peak, kMemoryLimit);
+  }
+
+  Years years_;
+  Figures figures_;
+};
+
+}  // namespace
+}  // namespace vrx::bench
+
+int main(int argc, char** argv) {
+  try {
+    return vrx::bench::HistoryBench(vrx::bench::RowsAskedFor(argc, argv)).Run() == 0 ? 0 : 3;
+  } catch (const std::exception& error) {
+    std::fprintf(stderr, "history_bench: %s\n", error.what());
+    return 1;
+  }
+}
