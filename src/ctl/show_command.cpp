@@ -3,7 +3,7 @@
 #include <limits>
 #include <memory>
 #include <string>
-#include <string_view>
+#include <utility>
 #include <vector>
 
 #include <CLI/CLI.hpp>
@@ -41,7 +41,7 @@ std::vector<std::string> RowCells(ShownRow row, const std::vector<int>& columns)
   std::vector<std::string> cells{KindWord(row.kind), std::to_string(row.depth), row.caption};
   row.cells.resize(kHistoryColumnCount);  // a group row has none
   for (const int column : columns) {
-    cells.push_back(row.cells[static_cast<std::size_t>(column) - 1]);
+    cells.push_back(std::move(row.cells[static_cast<std::size_t>(column) - 1]));
   }
   return cells;
 }

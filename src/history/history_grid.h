@@ -21,8 +21,8 @@ namespace vrx {
 // screen, the printed page and the command line all read it.
 //
 // The columns are always those that a drawn row settles, also while there is no row. Rows count
-// from 1, and only those that can be seen. Every call that reads rows throws DatabaseError where
-// the storage fails, and leaves the grid as it was.
+// from 1, and only those that can be seen. Every call that changes or reads rows, and the
+// constructor, throws DatabaseError where the storage fails, and leaves the grid as it was.
 class HistoryGrid {
  public:
   // Shows nothing before the first SetUp. The database outlives the grid, or the next Bind.

@@ -1,6 +1,5 @@
 #include "history/history_view.h"
 
-#include <cctype>
 #include <exception>
 #include <string>
 #include <utility>
@@ -48,11 +47,12 @@ void HistoryView::SelectGroup(int index) {
   if (refused || !done) {
     group_index_ = previous_group_index_;
   }
-  if (!done) {
+  previous_group_index_ = group_index_;
+  if (done) {
+    Trapped([this] { grid_.ApplyExpandState(expand_all_); });
+  } else {
     picker_.SetState(picker_before);
   }
-  previous_group_index_ = group_index_;
-  Trapped([this] { grid_.ApplyExpandState(expand_all_); });
   ports_.screen.HistoryChanged(HistoryPart::kGroupList);
   ShowGridVisible(true);
 }
@@ -127,7 +127,7 @@ bool HistoryView::Trapped(const std::function<void()>& action) {
 
 void HistoryView::Refuse(std::string_view column) {
   std::string names(column);
-  names.front() = static_cast<char>(std::tolower(static_cast<unsigned char>(names.front())));
+  names.front() = static_cast<char>(names.front() - 'A' + 'a');
   ports_.op.ShowMessage({.icon = Icon::kWarning,
                          .title = "No " + std::string(column) + " Names",
                          .text = "You must first open a Recipe database so that all " + names +

@@ -40,8 +40,11 @@ struct HistoryPorts {
 // is the one that stays.
 class HistoryView {
  public:
-  // Nothing is shown before the first SelectGroup. Databases outlive the view, or their successor.
+  // Nothing is shown before the first SelectGroup. A database outlives the view, or the next one
+  // that is set. Throws DatabaseError.
   HistoryView(SQLite::Database& transactions, const HistoryPorts& ports);
+  HistoryView(const HistoryView&) = delete;
+  HistoryView& operator=(const HistoryView&) = delete;
 
   // Another transaction database is open: the grid shows the same group of it.
   void SetTransactionDatabase(SQLite::Database& transactions);
@@ -78,7 +81,7 @@ class HistoryView {
 
   // While false a group is being set up: `grdTRANS` is hidden.
   bool GridVisible() const { return grid_visible_; }
-  // For its rows and columns; what changes them goes through the view.
+  // For reading rows, columns, captions and the header strip; changes go through the view.
   HistoryGrid& Grid() { return grid_; }
 
  private:

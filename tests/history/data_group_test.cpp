@@ -57,6 +57,39 @@ TEST(HistoryColumnTable, CountsFromOneAndNamesTheFieldsInStoredOrder) {
   EXPECT_THROW(HistoryColumnAt(113), std::out_of_range);
 }
 
+TEST(HistoryColumnTable, TellsCaptionGroupPrefixAlignmentAndSumOfEachColumn) {
+  struct Row {
+    std::string_view caption;
+    std::string_view prefix;
+    bool right;
+    bool summed;
+    ColumnContent content;
+  };
+  using enum ColumnContent;
+  const std::vector<Row> rows{{"Transaction", "Trans:", false, false, kNumber},
+                              {"Recipe", "Recipe:", false, false, kText},
+                              {"Type", "", false, false, kText},
+                              {"User ID", "User ID:", false, false, kNumber},
+                              {"Ingredient", "Ingred:  ", false, false, kText},
+                              {"Pen", "Pen:", false, false, kText},
+                              {"Target Wt", "", true, true, kWeight},
+                              {"Batch Wt", "", true, true, kWeight},
+                              {"Time", "", false, false, kTime},
+                              {"Date", "Date:", false, false, kDate},
+                              {"Feed Wt", "", true, true, kWeight},
+                              {"Ing% Of Batch", "", true, false, kWeight}};
+  for (const HistoryColumn& column : HistoryColumnTable()) {
+    const bool ingredient = column.index >= kFirstIngredientColumn;
+    const Row row = ingredient ? Row{column.caption, "", true, true, kWeight}
+                               : rows.at(static_cast<std::size_t>(column.index) - 1);
+    EXPECT_EQ(column.caption, row.caption);
+    EXPECT_EQ(column.group_prefix, row.prefix);
+    EXPECT_EQ(column.right_aligned, row.right) << column.caption;
+    EXPECT_EQ(column.summed, row.summed) << column.caption;
+    EXPECT_EQ(column.content, row.content) << column.caption;
+  }
+}
+
 TEST(HistoryColumnTable, KeysAreNotCaseSensitive) {
   EXPECT_EQ(HistoryColumnOfKey("Actualbatch"), 8);
   EXPECT_EQ(HistoryColumnOfKey("calculated_ing%ofbatch"), 12);
