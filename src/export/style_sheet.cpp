@@ -4,6 +4,7 @@
 #include <string>
 
 #include "frame/application.h"
+#include "frame/files.h"
 #include "frame/folder.h"
 #include "history/data_group.h"
 
@@ -25,18 +26,31 @@ fs::path StyleSheets::SourceOf(int group) const {
                           : fs::path(system_.ProgramDirectory()) / "XSL" / found->stylesheet;
 }
 
+fs::path StyleSheets::PresentSourceOf(int group) const {
+  fs::path source = SourceOf(group);
+  if (source.empty() || !FileExists(source)) {
+    TellMissing(source);
+    return {};
+  }
+  return source;
+}
+
 bool StyleSheets::CopyStyleSheet(int group, const fs::path& destination_folder) const {
   const fs::path source = SourceOf(group);
   const std::int32_t result =
       source.empty() ? kNoSource : Folder::CopyFile(source, destination_folder);
   if (result == kNoSource) {
-    op_.ShowMessage({.icon = Icon::kInformation,
-                     .title = std::string(kApplicationTitle),
-                     .text = "Style sheet file has been tampered, Please contact to Administrator.",
-                     .cause = source.empty() ? "" : source.string() + " is not there"});
+    TellMissing(source);
     return false;
   }
   return true;
+}
+
+void StyleSheets::TellMissing(const fs::path& source) const {
+  op_.ShowMessage({.icon = Icon::kInformation,
+                   .title = std::string(kApplicationTitle),
+                   .text = "Style sheet file has been tampered, Please contact to Administrator.",
+                   .cause = source.empty() ? "" : source.string() + " is not there"});
 }
 
 }  // namespace vrx

@@ -23,11 +23,16 @@ class StyleSheets {
   // Where a group's stylesheet is looked for; empty for an index that is no group.
   std::filesystem::path SourceOf(int group) const;
 
+  // The same for one that is there; empty, the operator told, where it is not.
+  std::filesystem::path PresentSourceOf(int group) const;
+
   // Copies it into the folder, over one of that name. False, the operator told, where there is
   // none; a folder that has gone is not told. Throws FileError when the copying fails.
   bool CopyStyleSheet(int group, const std::filesystem::path& destination_folder) const;
 
  private:
+  void TellMissing(const std::filesystem::path& source) const;
+
   std::filesystem::path data_folder_;
   const SystemInfo& system_;
   Operator& op_;
