@@ -1,6 +1,7 @@
 #pragma once
 
 #include <filesystem>
+#include <string>
 #include <utility>
 
 #include "platform/file_chooser.h"
@@ -14,6 +15,7 @@ class ScriptedFileChoice : public FileChooser {
 
   FileChoice ShowOpen(const FileDialog& /*dialog*/) override { return Choice(); }
   FileChoice ShowSave(const FileDialog& /*dialog*/) override { return Choice(); }
+  std::string ShowFolder(const std::string& /*title*/) override { return path_.string(); }
 
  private:
   FileChoice Choice() const { return {path_.string(), path_.filename().string()}; }

@@ -33,6 +33,8 @@ class FileChooser {
   virtual ~FileChooser() = default;
   virtual FileChoice ShowOpen(const FileDialog& dialog) = 0;
   virtual FileChoice ShowSave(const FileDialog& dialog) = 0;
+  // Asks for a folder of the file system: its full path, empty after a cancel.
+  virtual std::string ShowFolder(const std::string& title) = 0;
 };
 
 }  // namespace vrx

@@ -1,0 +1,97 @@
+#include "export/export_driver.h"
+
+#include <array>
+#include <system_error>
+#include <utility>
+#include <vector>
+
+#include "exchange/ingredient_column_names.h"
+#include "export/csv_export.h"
+#include "export/xml_export.h"
+#include "frame/error.h"
+#include "frame/text.h"
+#include "history/data_group.h"
+#include "history/history_view.h"
+
+namespace vrx {
+
+namespace fs = std::filesystem;
+
+namespace {
+
+struct MissingName {
+  int group;
+  std::string_view text;
+};
+
+constexpr std::array<MissingName, 3> kMissingNames{
+    {{4, "Please select recipe name in Batched/Fed tab."},
+     {7, "Please select ingredient name in Batched/Fed tab."},
+     {9, "Please select pen name in Batched/Fed tab."}}};
+
+// Empty where the group has the name it needs, or needs none. Whether the name is one of the list
+// is nobody's question: the combo's "Select..." is a name too, of no row.
+std::string_view MissingNameText(const DataGroupOnShow& shown) {
+  for (const MissingName& missing : kMissingNames) {
+    if (missing.group == shown.index && TrimBlanks(shown.name).empty()) {
+      return missing.text;
+    }
+  }
+  return {};
+}
+
+IngredientColumnNames ScanDynamicGridColumn(const HistoryGrid& grid) {
+  IngredientColumnNames names;
+  for (const auto& [field, caption] : grid.FieldCaptions()) {
+    names.SetIngredientColumnName(field, caption);
+  }
+  return names;
+}
+
+// An export replaces a file without a question; a database is too much to lose that way.
+void RefuseOpenDatabase(const fs::path& file, const OpenDatabases& databases) {
+  const std::array<std::pair<const fs::path&, std::string_view>, 2> kinds{
+      {{databases.recipe_db_path, "recipe"}, {databases.trans_db_path, "transaction"}}};
+  for (const auto& [database, kind] : kinds) {
+    std::error_code not_both_there;
+    if (fs::equivalent(file, database, not_both_there)) {
+      throw Error("cannot write " + file.string() + ": it is the open " + std::string(kind) +
+                  " database");
+    }
+  }
+}
+
+}  // namespace
+
+std::string_view ExtensionOf(ExportFormat format) {
+  return format == ExportFormat::kXml ? ".xml" : ".csv";
+}
+
+DataGroupOnShow OnShow(HistoryView& view) {
+  return {.grid = view.Grid(),
+          .index = view.GroupIndex(),
+          .text = view.CurrentDataGroupText(),
+          .name = view.Picker().Text()};
+}
+
+ExportOutcome ExportDriver::ExportGroup(const DataGroupOnShow& shown, ExportFormat format,
+                                        const fs::path& file,
+                                        const OpenDatabases& databases) const {
+  const IngredientColumnNames names = ScanDynamicGridColumn(shown.grid);
+  const std::vector<std::string> visible = shown.grid.Columns().GetVisibleColumnList();
+  if (FindDataGroup(shown.index) == nullptr) {
+    return {};
+  }
+  if (const std::string_view missing = MissingNameText(shown); !missing.empty()) {
+    return {.done = false, .error_text = std::string(missing)};
+  }
+  RefuseOpenDatabase(file, databases);
+  if (format == ExportFormat::kCsv) {
+    return {.done = CSVExport(names).ExportData(shown.index, file, databases.trans_db_path, visible,
+                                                shown.name)};
+  }
+  return {.done = XMLExport(names, style_sheets_)
+                      .ExportData(shown.index, file, databases.trans_db_path, visible, shown.name)};
+}
+
+}  // namespace vrx
