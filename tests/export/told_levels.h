@@ -1,0 +1,31 @@
+#pragma once
+
+#include <filesystem>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "export/level_walk.h"
+
+namespace vrx::testing {
+
+// Writes down a walk, a line per call: "open 0 Transaction 17", "open 1 Type BATCH
+// Batch_Weight=500.5 Target_Weight=500", "record STARTER|500.5|NULL", "close 1".
+class WalkLog : public LevelVisitor {
+ public:
+  void OpenGroup(const WalkedGroup& group) override;
+  void Record(std::span<const CellView> cells) override;
+  void CloseGroup(const WalkedGroup& group) override;
+
+  const std::vector<std::string>& Lines() const { return lines_; }
+
+ private:
+  std::vector<std::string> lines_;
+};
+
+// The same lines by the design's queries, one for each value of each level, one for its records and
+// one for each sum.
+std::vector<std::string> ToldWalk(const std::filesystem::path& database, int group,
+                                  const std::vector<std::string>& fields, std::string_view name);
+
+}  // namespace vrx::testing
