@@ -14,12 +14,14 @@ namespace vrx {
 
 namespace {
 
+constexpr int kPointerSize = sizeof(void*);
+
 // The engine keeps one pointer, zero at first, for each sum under way.
 void Step(sqlite3_context* context, int /*count*/, sqlite3_value** values) {
   if (sqlite3_value_type(values[0]) == SQLITE_NULL) {
     return;
   }
-  auto* const sum = static_cast<ExactSum**>(sqlite3_aggregate_context(context, sizeof(ExactSum*)));
+  auto* const sum = static_cast<ExactSum**>(sqlite3_aggregate_context(context, kPointerSize));
   if (sum == nullptr) {
     sqlite3_result_error_nomem(context);
     return;

@@ -31,9 +31,9 @@ bool IsBlanked(const DataGroup& group, int depth, int column) {
 
 }  // namespace
 
-GroupTotals::GroupTotals(Statements& statements, const GroupQuery& query, const DataGroup& group,
+GroupTotals::GroupTotals(Statements& statements, const GroupQuery& query, DataGroup group,
                          const std::vector<int>& columns)
-    : statements_(statements), query_(query), group_(group) {
+    : statements_(statements), query_(query), group_(std::move(group)) {
   SetColumns(columns);
 }
 

@@ -18,7 +18,7 @@ namespace vrx {
 class GroupTotals {
  public:
   // Statements and query outlive it. Throws std::out_of_range for a column that is none.
-  GroupTotals(Statements& statements, const GroupQuery& query, const DataGroup& group,
+  GroupTotals(Statements& statements, const GroupQuery& query, DataGroup group,
               const std::vector<int>& columns);
 
   // One that is not summed, or blanked on a level, gets no sum there: sums over the outer levels,

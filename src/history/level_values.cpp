@@ -40,10 +40,11 @@ class ValueFinder {
     if (Find(text + " IS " + bound + "LIMIT 1", CellValue())) {
       Take(CellValue());
     }
+    const std::string above = text + " > " + next;
     std::optional<CellValue> value = Find(text + " >= " + next, key.lowest);
     while (value) {
       Take(*value);
-      value = Find(text + " > " + next, *value);
+      value = Find(above, *value);
     }
   }
 
