@@ -36,8 +36,8 @@ CellView RowReader::Cell(std::size_t column) const {
     case SQLITE_FLOAT:
       return sqlite3_column_double(statement, index);
     default: {
-      // The bytes of a blob are taken as they are.
-      const auto* const text = static_cast<const char*>(sqlite3_column_blob(statement, index));
+      // The bytes of a blob are taken as a text.
+      const auto* const text = reinterpret_cast<const char*>(sqlite3_column_text(statement, index));
       const auto size = static_cast<std::size_t>(sqlite3_column_bytes(statement, index));
       return text == nullptr ? std::string_view() : std::string_view(text, size);
     }

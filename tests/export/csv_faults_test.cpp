@@ -3,6 +3,7 @@
 #include <csignal>
 #include <exception>
 #include <filesystem>
+#include <fstream>
 #include <stdexcept>
 #include <string>
 #include <vector>
@@ -14,6 +15,7 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
+#include "database/database_error.h"
 #include "database/database_files.h"
 #include "export/csv_export.h"
 #include "export/export_site.h"
@@ -25,6 +27,7 @@ namespace {
 namespace fs = std::filesystem;
 
 using ::testing::ElementsAre;
+using ::testing::HasSubstr;
 using ::testing::StartsWith;
 
 constexpr int kTransactions = 20'000;  // more text than a pipe and the export itself hold back
@@ -82,13 +85,17 @@ class StandingExport {
   int reader_ = -1;
 };
 
-TEST(KilledCsvExport, LeavesTheDatabaseWholeAndFree) {
-  const ExportSite site;
+std::vector<SiteRow> ManyRows() {
   std::vector<SiteRow> rows;
   for (int number = 1; number <= kTransactions; ++number) {
     rows.push_back({.transaction = number, .batch = 500.5});
   }
-  site.Store(rows);
+  return rows;
+}
+
+TEST(KilledCsvExport, LeavesTheDatabaseWholeAndFree) {
+  const ExportSite site;
+  site.Store(ManyRows());
   const std::string before = ReadAll(site.Database());
 
   StandingExport running(site);
@@ -98,6 +105,28 @@ TEST(KilledCsvExport, LeavesTheDatabaseWholeAndFree) {
   EXPECT_EQ(ReadAll(site.Database()), before);
   EXPECT_THAT(FileNames(site.Folder().Path()), ElementsAre("YARD.TDB", "out.csv"));
   EXPECT_NO_THROW(site.Store({{.transaction = kTransactions + 1}}));
+}
+
+// The pages behind the first few are overwritten, as a failing disk leaves them.
+void Damage(const fs::path& path) {
+  std::fstream file(path, std::ios::binary | std::ios::in | std::ios::out);
+  file.seekp(std::streamoff{16} * 4096);
+  file << std::string(std::size_t{64} * 4096, '\xA5');
+}
+
+TEST(CsvOfADamagedDatabase, IsAnErrorThatNamesTheDatabase) {
+  const ExportSite site;
+  site.Store(ManyRows());
+  Damage(site.Database());
+  for (const int group : {0, 1, 5, 12}) {
+    try {
+      CSVExport(site.Names())
+          .ExportData(group, site.Folder() / "out.csv", site.Database(), VisibleColumnsOf(group));
+      FAIL() << "group " << group << " cannot have been read";
+    } catch (const DatabaseError& error) {
+      EXPECT_THAT(error.what(), HasSubstr("YARD.TDB"));
+    }
+  }
 }
 
 TEST(CsvIntoAReadOnlyFolder, IsToldAndTheOldFileStays) {
