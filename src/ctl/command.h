@@ -50,5 +50,6 @@ std::unique_ptr<Command> MakeImportCommand();
 std::unique_ptr<Command> MakeStoreCommand();
 std::unique_ptr<Command> MakeGroupsCommand();
 std::unique_ptr<Command> MakeShowCommand();
+std::unique_ptr<Command> MakeExportCommand();
 
 }  // namespace vrx

@@ -47,6 +47,7 @@ std::vector<std::unique_ptr<Command>> MakeCommands() {
   commands.push_back(MakeStoreCommand());
   commands.push_back(MakeGroupsCommand());
   commands.push_back(MakeShowCommand());
+  commands.push_back(MakeExportCommand());
   return commands;
 }
 

@@ -13,14 +13,15 @@
 
 namespace vrx {
 
-void HistorySource::Register(CLI::App& app) {
+void HistorySource::Register(CLI::App& app, Recipes recipes) {
   app.add_option("tdb", transactions_, "A transaction database")->required();
   app.add_option("--group", group_, "Index of the data group; see groups")
       ->required()
       ->check(CLI::Range(0, kDataGroupCount - 1));
   app.add_option("--name", name_, "The recipe, ingredient or pen of groups 4, 7 and 9");
   app.add_option("--recipes", recipes_, "The recipe database that names the ingredient columns")
-      ->type_name("RDB");
+      ->type_name("RDB")
+      ->required(recipes == Recipes::kRequired);
 }
 
 int HistorySource::Run(Session& session, const std::function<int(HistoryGrid&)>& work) const {
@@ -45,6 +46,10 @@ int HistorySource::Run(Session& session, const std::function<int(HistoryGrid&)>&
     grid.SetUp(*FindDataGroup(group_), name_, false);
     return work(grid);
   });
+}
+
+OpenDatabases HistorySource::Databases() const {
+  return {.recipe_db_path = recipes_, .trans_db_path = transactions_, .trans_db_uom = {}};
 }
 
 void HistorySource::CheckUsage() const {

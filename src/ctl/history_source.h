@@ -3,6 +3,7 @@
 #include <functional>
 #include <string>
 
+#include "exchange/open_databases.h"
 #include "history/history_grid.h"
 
 namespace CLI {  // NOLINT(readability-identifier-naming): the library names it so
@@ -17,7 +18,9 @@ class Session;
 // name, the name.
 class HistorySource {
  public:
-  void Register(CLI::App& app);
+  enum class Recipes { kOptional, kRequired };
+
+  void Register(CLI::App& app, Recipes recipes = Recipes::kOptional);
 
   // Sets up the grid of the group, all groups closed and the columns in their design order, and
   // runs `work` on it; passes its result on. Without a recipe database the ingredient columns are
@@ -25,6 +28,9 @@ class HistorySource {
   // it needs, or another has a name; kFailed, the operator told, for a database that is none or
   // fails.
   int Run(Session& session, const std::function<int(HistoryGrid&)>& work) const;
+
+  const std::string& Name() const { return name_; }
+  OpenDatabases Databases() const;
 
  private:
   void CheckUsage() const;

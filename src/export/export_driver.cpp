@@ -7,6 +7,8 @@
 
 #include "exchange/ingredient_column_names.h"
 #include "export/csv_export.h"
+#include "export/html_page.h"
+#include "export/work_folder.h"
 #include "export/xml_export.h"
 #include "frame/error.h"
 #include "frame/text.h"
@@ -64,7 +66,15 @@ void RefuseOpenDatabase(const fs::path& file, const OpenDatabases& databases) {
 }  // namespace
 
 std::string_view ExtensionOf(ExportFormat format) {
-  return format == ExportFormat::kXml ? ".xml" : ".csv";
+  switch (format) {
+    case ExportFormat::kXml:
+      return ".xml";
+    case ExportFormat::kHtml:
+      return ".html";
+    case ExportFormat::kCsv:
+      break;
+  }
+  return ".csv";
 }
 
 DataGroupOnShow OnShow(HistoryView& view) {
@@ -90,8 +100,23 @@ ExportOutcome ExportDriver::ExportGroup(const DataGroupOnShow& shown, ExportForm
     return {.done = CSVExport(names).ExportData(shown.index, file, databases.trans_db_path, visible,
                                                 shown.name)};
   }
-  return {.done = XMLExport(names, style_sheets_)
-                      .ExportData(shown.index, file, databases.trans_db_path, visible, shown.name)};
+  const auto write_xml = [&](const fs::path& xml) {
+    return XMLExport(names, style_sheets_)
+        .ExportData(shown.index, xml, databases.trans_db_path, visible, shown.name);
+  };
+  return {.done = format == ExportFormat::kHtml ? ExportPage(shown.index, file, write_xml)
+                                                : write_xml(file)};
+}
+
+bool ExportDriver::ExportPage(int group, const fs::path& file,
+                              const std::function<bool(const fs::path&)>& write_xml) const {
+  // A missing stylesheet is told once, before anything is written.
+  if (style_sheets_.PresentSourceOf(group).empty()) {
+    return false;
+  }
+  const WorkFolder work;
+  const fs::path xml = work.Path() / "group.xml";
+  return write_xml(xml) && WriteHtmlPage(style_sheets_, group, xml, file);
 }
 
 }  // namespace vrx

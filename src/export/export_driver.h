@@ -1,6 +1,7 @@
 #pragma once
 
 #include <filesystem>
+#include <functional>
 #include <string>
 #include <string_view>
 
@@ -12,7 +13,7 @@ namespace vrx {
 
 class HistoryView;
 
-enum class ExportFormat { kCsv, kXml };
+enum class ExportFormat { kCsv, kXml, kHtml };
 
 // Of the files of that format, with its dot.
 std::string_view ExtensionOf(ExportFormat format);
@@ -41,7 +42,8 @@ class ExportDriver {
   explicit ExportDriver(const StyleSheets& style_sheets) : style_sheets_(style_sheets) {}
 
   // Writes the file, over one of that name, in a folder that is there. Not done, with nothing
-  // written, for a group by name without a name and for an index that is no group.
+  // written, for a group by name without a name and for an index that is no group; HTML also
+  // without the group's stylesheet, which the operator is told.
   //
   // Throws what the writers throw, and Error where the file is one of the open databases.
   ExportOutcome ExportGroup(const DataGroupOnShow& shown, ExportFormat format,
@@ -49,6 +51,9 @@ class ExportDriver {
                             const OpenDatabases& databases) const;
 
  private:
+  bool ExportPage(int group, const std::filesystem::path& file,
+                  const std::function<bool(const std::filesystem::path&)>& write_xml) const;
+
   const StyleSheets& style_sheets_;
 };
 
