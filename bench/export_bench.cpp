@@ -1,13 +1,14 @@
 // Exports of years of records: how long they take against the sqlite3 shell that writes the same
 // columns as CSV, and against a tenth of the records; and how much memory.
 //
-//   export_bench [--rows N]
+//   export_bench [--rows N] [--rounds N] [--group N]
 
 #include <cstdint>
 #include <cstdio>
 #include <exception>
 #include <filesystem>
 #include <functional>
+#include <span>
 #include <stdexcept>
 #include <string>
 #include <vector>
@@ -33,7 +34,6 @@ namespace {
 
 namespace fs = std::filesystem;
 
-constexpr int kRounds = 3;
 constexpr double kFlatLimit = 1.5;
 constexpr double kGroupedLimit = 3;
 constexpr double kTenfoldLimit = 11;
@@ -41,14 +41,14 @@ constexpr double kMemoryLimit = 100;  // MB
 
 class ExportBench {
  public:
-  explicit ExportBench(std::int64_t rows) : years_(rows) {
+  explicit ExportBench(const BenchOptions& options) : options_(options), years_(options.rows) {
     SQLite::Database recipes = OpenDatabase(years_.recipes, Access::kRead);
     ingredients_ = ReadIngredients(recipes);
   }
 
   int Run() {
     std::printf("%-60s %9s  %7s\n", "figure", "", "limit");
-    for (const DataGroup& group : DataGroups()) {
+    for (const DataGroup& group : MeasuredGroups(options_)) {
       SetUp(group);
       Compare(group, "CSV", [&](const fs::path& from) { WriteCsv(group, from); });
       Compare(group, "XML", [&](const fs::path& from) { WriteXml(group, from); });
@@ -88,8 +88,8 @@ class ExportBench {
                const std::function<void(const fs::path&)>& work) {
     const fs::path script = ShellScript(group);
     const std::vector<double> times = InterleavedMedians(
-        kRounds, {[&] { work(years_.all); }, [&] { RunShell(years_.all, script); },
-                  [&] { work(years_.tenth); }});
+        options_.rounds, {[&] { work(years_.all); }, [&] { RunShell(years_.all, script); },
+                          [&] { work(years_.tenth); }});
     const std::string name =
         std::to_string(group.index) + " " + std::string(group.item) + ", " + format;
     figures_.Limited(name + " to the shell's CSV", times[0] / times[1],
@@ -117,6 +117,7 @@ class ExportBench {
     }
   }
 
+  BenchOptions options_;
   Years years_;
   std::vector<IngredientRecord> ingredients_;
   std::vector<std::string> visible_;
@@ -132,7 +133,8 @@ class ExportBench {
 
 int main(int argc, char** argv) {
   try {
-    return vrx::bench::ExportBench(vrx::bench::RowsAskedFor(argc, argv)).Run() == 0 ? 0 : 3;
+    const std::span<const char* const> arguments(argv + 1, static_cast<std::size_t>(argc) - 1);
+    return vrx::bench::ExportBench(vrx::bench::ReadBenchOptions(arguments)).Run() == 0 ? 0 : 3;
   } catch (const std::exception& error) {
     std::fprintf(stderr, "export_bench: %s\n", error.what());
     return 1;

@@ -1,13 +1,14 @@
 // The history on years of records: how long its screens take, against the sqlite3 shell and against
 // a tenth of the records.
 //
-//   history_bench [--rows N]
+//   history_bench [--rows N] [--rounds N] [--group N]
 
 #include <algorithm>
 #include <cstdint>
 #include <cstdio>
 #include <exception>
 #include <functional>
+#include <span>
 #include <stdexcept>
 #include <string>
 #include <vector>
@@ -26,7 +27,6 @@
 namespace vrx::bench {
 namespace {
 
-constexpr int kRounds = 5;
 constexpr std::int64_t kScreen = 50;  // rows
 constexpr double kShellLimit = 1.0;
 constexpr double kScreenLimit = 300;  // ms, at a million records
@@ -57,24 +57,24 @@ std::int64_t FindGroup(GroupedRows& rows, const CellValue& value, std::int64_t f
 
 class HistoryBench {
  public:
-  explicit HistoryBench(std::int64_t rows) : years_(rows) {}
+  explicit HistoryBench(const BenchOptions& options) : options_(options), years_(options.rows) {}
 
   int Run() {
     std::printf("%-60s %9s  %7s\n", "figure", "", "limit");
-    for (const DataGroup& group : DataGroups()) {
+    for (const DataGroup& group : MeasuredGroups(options_)) {
       FirstPage(group);
     }
-    for (const DataGroup& group : DataGroups()) {
+    for (const DataGroup& group : MeasuredGroups(options_)) {
       FirstScreen(group);
     }
     EqualGroups();
-    for (const DataGroup& group : DataGroups()) {
+    for (const DataGroup& group : MeasuredGroups(options_)) {
       OpenAll(group);
     }
     for (const int column : {HistoryColumnOfKey("Target"), HistoryColumnOfKey("Ingredient")}) {
       Sort(column);
     }
-    for (const DataGroup& group : DataGroups()) {
+    for (const DataGroup& group : MeasuredGroups(options_)) {
       Memory(group);
     }
     return figures_.Over();
@@ -91,7 +91,7 @@ class HistoryBench {
                           GroupCondition(group) +
                           (keys.empty() ? "" : " GROUP BY " + keys + " ORDER BY " + keys) + ";\n");
     const std::vector<double> times = InterleavedMedians(
-        kRounds,
+        options_.rounds,
         {[&] { ShowFirstPage(years_.all, group); }, [&] { RunShell(years_.all, script); }});
     figures_.Limited(NameOf(group) + ": first page to the shell's GROUP BY", times[0] / times[1],
                      kShellLimit, Times(times[0], times[1]));
@@ -110,7 +110,7 @@ class HistoryBench {
     const std::vector<IngredientRecord> ingredients = ReadIngredients(recipes);
     for (const bool expand : {false, true}) {
       const double time = InterleavedMedians(
-          kRounds, {[&] {
+          options_.rounds, {[&] {
             SQLite::Database database = OpenDatabase(years_.all, Access::kRead);
             HistoryGrid grid(database);
             grid.RefreshIngredientColumns(ingredients);
@@ -139,7 +139,7 @@ class HistoryBench {
       SQLite::Database all = OpenDatabase(years_.all, Access::kRead);
       SQLite::Database tenth = OpenDatabase(years_.tenth, Access::kRead);
       const std::vector<double> times =
-          InterleavedMedians(4 * kRounds, {[&] { work(all); }, [&] { work(tenth); }});
+          InterleavedMedians(4 * options_.rounds, {[&] { work(all); }, [&] { work(tenth); }});
       figures_.Limited(name, times[0] / times[1], kEqualLimit, Times(times[0], times[1]));
     };
     compare("a recipe opened and read, to a tenth", [](SQLite::Database& database) {
@@ -176,8 +176,8 @@ class HistoryBench {
       const std::int64_t last = rows.RowCount();
       ReadRows(rows, std::max<std::int64_t>(1, last - kScreen), last);
     };
-    const std::vector<double> times =
-        InterleavedMedians(kRounds, {[&] { work(years_.all); }, [&] { work(years_.tenth); }});
+    const std::vector<double> times = InterleavedMedians(
+        options_.rounds, {[&] { work(years_.all); }, [&] { work(years_.tenth); }});
     figures_.Limited(NameOf(group) + ": all opened, last page, to a tenth", times[0] / times[1],
                      kTenfoldLimit, Times(times[0], times[1]));
   }
@@ -195,8 +195,8 @@ class HistoryBench {
         "sort.sql",
         ".once /dev/null\nSELECT rowid FROM Transactions ORDER BY " + field + " DESC, rowid;\n");
     const std::vector<double> times =
-        InterleavedMedians(kRounds, {[&] { work(years_.all); }, [&] { work(years_.tenth); },
-                                     [&] { RunShell(years_.all, script); }});
+        InterleavedMedians(options_.rounds, {[&] { work(years_.all); }, [&] { work(years_.tenth); },
+                                             [&] { RunShell(years_.all, script); }});
     figures_.Limited("all records sorted by " + field + ", to a tenth", times[0] / times[1],
                      kTenfoldLimit, Times(times[0], times[1]));
     figures_.Told("all records sorted by " + field + ", to the shell", times[0] / times[2],
@@ -218,6 +218,7 @@ class HistoryBench {
     figures_.Limited(NameOf(group) + ": memory, all opened and sorted, MB", peak, kMemoryLimit);
   }
 
+  BenchOptions options_;
   Years years_;
   Figures figures_;
 };
@@ -227,7 +228,8 @@ class HistoryBench {
 
 int main(int argc, char** argv) {
   try {
-    return vrx::bench::HistoryBench(vrx::bench::RowsAskedFor(argc, argv)).Run() == 0 ? 0 : 3;
+    const std::span<const char* const> arguments(argv + 1, static_cast<std::size_t>(argc) - 1);
+    return vrx::bench::HistoryBench(vrx::bench::ReadBenchOptions(arguments)).Run() == 0 ? 0 : 3;
   } catch (const std::exception& error) {
     std::fprintf(stderr, "history_bench: %s\n", error.what());
     return 1;

@@ -16,7 +16,6 @@ namespace vrx::bench {
 
 namespace {
 
-constexpr std::int64_t kMillion = 1'000'000;
 constexpr std::int64_t kEqualRecords = 2'000;
 
 void MarkEqualRecords(const std::filesystem::path& path, std::int64_t rows) {
@@ -76,16 +75,30 @@ std::string LevelKeys(const DataGroup& group, std::size_t count) {
   return keys;
 }
 
-std::int64_t RowsAskedFor(int argc, const char* const* argv) {
-  if (argc == 1) {
-    return kMillion;
+BenchOptions ReadBenchOptions(std::span<const char* const> arguments) {
+  constexpr const char* kUsage = "usage: [--rows N] [--rounds N] [--group N], rows from 20000";
+  BenchOptions options;
+  for (std::size_t i = 0; i < arguments.size(); i += 2) {
+    const std::string_view option = arguments[i];
+    const int number = i + 1 < arguments.size() ? ParseLong(arguments[i + 1]).value_or(-1) : -1;
+    if (option == "--rows" && number >= 10 * kEqualRecords) {
+      options.rows = number;
+    } else if (option == "--rounds" && number > 0) {
+      options.rounds = number;
+    } else if (option == "--group" && FindDataGroup(number) != nullptr) {
+      options.group = number;
+    } else {
+      throw std::invalid_argument(kUsage);
+    }
   }
-  const auto rows =
-      argc == 3 && std::string_view(argv[1]) == "--rows" ? ParseLong(argv[2]) : std::nullopt;
-  if (!rows || *rows < 10 * kEqualRecords) {
-    throw std::invalid_argument("usage: [--rows N], from 20000");
+  return options;
+}
+
+std::vector<DataGroup> MeasuredGroups(const BenchOptions& options) {
+  if (const DataGroup* group = FindDataGroup(options.group)) {
+    return {*group};
   }
-  return *rows;
+  return {DataGroups().begin(), DataGroups().end()};
 }
 
 }  // namespace vrx::bench

@@ -2,7 +2,10 @@
 
 #include <cstdint>
 #include <filesystem>
+#include <span>
+#include <string>
 #include <string_view>
+#include <vector>
 
 #include "history/data_group.h"
 #include "support/temp_folder.h"
@@ -34,7 +37,15 @@ std::string GroupCondition(const DataGroup& group);
 // and GROUP BY; empty without levels.
 std::string LevelKeys(const DataGroup& group, std::size_t count);
 
-// The number behind "--rows", or a million. Throws for anything else on a command line.
-std::int64_t RowsAskedFor(int argc, const char* const* argv);
+// What a command line asks of a benchmark; throws for what it cannot mean.
+struct BenchOptions {
+  std::int64_t rows = 1'000'000;  // --rows N
+  int rounds = 3;                 // --rounds N, timed ones behind the first
+  int group = -1;                 // --group N: of this one only
+};
+BenchOptions ReadBenchOptions(std::span<const char* const> arguments);
+
+// The groups that are measured.
+std::vector<DataGroup> MeasuredGroups(const BenchOptions& options);
 
 }  // namespace vrx::bench
