@@ -15,7 +15,7 @@ class ScriptedFileChooser : public FileChooser {
  public:
   FileChoice ShowOpen(const FileDialog& dialog) override { return Next(dialog); }
   FileChoice ShowSave(const FileDialog& dialog) override { return Next(dialog); }
-  std::string ShowFolder(const std::string& title) override { return Next({.title = title}).path; }
+  std::string ShowFolder(const std::string& title) override { return Next({title, {}, {}}).path; }
 
   void Choose(const std::filesystem::path& path) {
     choices.push_back({path.string(), path.filename().string()});
