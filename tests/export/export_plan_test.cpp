@@ -58,10 +58,9 @@ TEST(ExportPlanTable, AUserLevelIsCalledUserId) {
 }
 
 std::vector<std::string_view> Attributes(const std::vector<ExportWeight>& weights) {
-  std::vector<std::string_view> names;
-  for (const ExportWeight& weight : weights) {
-    names.push_back(weight.attribute);
-  }
+  std::vector<std::string_view> names(weights.size());
+  std::transform(weights.begin(), weights.end(), names.begin(),
+                 [](const ExportWeight& weight) { return weight.attribute; });
   return names;
 }
 
