@@ -20,6 +20,10 @@
 namespace vrx {
 namespace {
 
+// In kilobytes, for the pages of all indexes that an import touches: with less of them each is
+// written and read again several times before the commit. Taken only as far as it is used.
+constexpr const char* kLargeCache = "PRAGMA cache_size=-65536";
+
 constexpr const char* kHasTransactionsQuery = "SELECT EXISTS (SELECT 1 FROM Transactions)";
 
 // What became of a copy whose transaction is committed; `stop_reason` is empty when it reached the
@@ -94,6 +98,7 @@ Copied CopyInOneTransaction(const ImportedData& rows, const OpenDatabases& datab
   const RecordNames names = ReadNames(databases.recipe_db_path);
   try {
     SQLite::Database database = OpenDatabase(databases.trans_db_path, Access::kWrite);
+    database.exec(kLargeCache);
     SQLite::Transaction transaction(database, SQLite::TransactionBehavior::IMMEDIATE);
     const std::int32_t base = ScanForBase(database, progress);
     CheckTransactionRange(rows, base);
