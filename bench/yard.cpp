@@ -54,26 +54,8 @@ constexpr int kFirstCowPen = 393;
 
 constexpr int kDaysOfAStep = 7;
 
-}  // namespace
-
-const std::vector<YardIngredient>& YardIngredients() {
-  static const std::vector<YardIngredient> ingredients{
-      {"CORN", "Corn flaked", kCoarse},        {"HMCORN", "Corn high moist", kCoarse},
-      {"bARLEY", "Barley rolled", kCoarse},    {"bARSIL", "Barley silage", kCoarse},
-      {"CRNSIL", "Corn silage", kCoarse},      {"ALFHAY", "Alfalfa hay", kCoarse},
-      {"GRSHAY", "Grass hay", kCoarse},        {"STRAW", "Wheat straw", kCoarse},
-      {"dGRAIN", "Distillers grain", kCoarse}, {"SOYbML", "Soybean meal", kFine},
-      {"MOLASS", "Cane molasses", kFine},      {"FAT", "Feed fat", kFine},
-      {"MINRAL", "Mineral premix", kFinest},   {"MEdPRM", "Medicated premix", kFinest},
-      {"COTSEd", "Cotton seed", kCoarse},      {"bEETPP", "Beet pulp", kCoarse},
-      {"CANOLA", "Canola meal", kFine},        {"UREA", "Urea", kFinest},
-      {"LIMEST", "Limestone", kFinest},        {"SALT", "Salt", kFinest},
-  };
-  return ingredients;
-}
-
-const std::vector<YardRecipe>& YardRecipes() {
-  static const std::vector<YardRecipe> recipes{
+std::vector<YardRecipe> StartingRecipes() {
+  return {
       {"STARTR",
        "Starter ration",
        15,
@@ -128,6 +110,11 @@ const std::vector<YardRecipe>& YardRecipes() {
         {kMedicated, 0.4},
         {kUrea, 0.6},
         {kLimestone, 1.2}}},
+  };
+}
+
+std::vector<YardRecipe> FinishingRecipes() {
+  return {
       {"FINISH",
        "Finisher",
        26,
@@ -168,6 +155,11 @@ const std::vector<YardRecipe>& YardRecipes() {
         {kMedicated, 0.4},
         {kUrea, 0.8},
         {kLimestone, 2.2}}},
+  };
+}
+
+std::vector<YardRecipe> OtherRecipes() {
+  return {
       {"GROWER",
        "Growing calves",
        17,
@@ -226,6 +218,35 @@ const std::vector<YardRecipe>& YardRecipes() {
         {kLimestone, 1},
         {kSalt, 1}}},
   };
+}
+
+}  // namespace
+
+const std::vector<YardIngredient>& YardIngredients() {
+  static const std::vector<YardIngredient> ingredients{
+      {"CORN", "Corn flaked", kCoarse},        {"HMCORN", "Corn high moist", kCoarse},
+      {"bARLEY", "Barley rolled", kCoarse},    {"bARSIL", "Barley silage", kCoarse},
+      {"CRNSIL", "Corn silage", kCoarse},      {"ALFHAY", "Alfalfa hay", kCoarse},
+      {"GRSHAY", "Grass hay", kCoarse},        {"STRAW", "Wheat straw", kCoarse},
+      {"dGRAIN", "Distillers grain", kCoarse}, {"SOYbML", "Soybean meal", kFine},
+      {"MOLASS", "Cane molasses", kFine},      {"FAT", "Feed fat", kFine},
+      {"MINRAL", "Mineral premix", kFinest},   {"MEdPRM", "Medicated premix", kFinest},
+      {"COTSEd", "Cotton seed", kCoarse},      {"bEETPP", "Beet pulp", kCoarse},
+      {"CANOLA", "Canola meal", kFine},        {"UREA", "Urea", kFinest},
+      {"LIMEST", "Limestone", kFinest},        {"SALT", "Salt", kFinest},
+  };
+  return ingredients;
+}
+
+const std::vector<YardRecipe>& YardRecipes() {
+  static const std::vector<YardRecipe> recipes = [] {
+    std::vector<YardRecipe> all = StartingRecipes();
+    for (auto* const more : {FinishingRecipes, OtherRecipes}) {
+      const std::vector<YardRecipe> recipes_of_kind = more();
+      all.insert(all.end(), recipes_of_kind.begin(), recipes_of_kind.end());
+    }
+    return all;
+  }();
   return recipes;
 }
 

@@ -154,7 +154,7 @@ std::optional<std::string> Yard::UserOf(std::size_t load) {
   if (chance_.Happens(kWithoutUser)) {
     return std::nullopt;
   }
-  const std::size_t crew = static_cast<std::size_t>(day_ / kDaysOfACrew);
+  const auto crew = static_cast<std::size_t>(day_ / kDaysOfACrew);
   return kUsers[(crew + load % 3) % kUsers.size()];
 }
 

@@ -112,11 +112,11 @@ TEST_F(YardGenerator, PercentagesAndSharesAddUp) {
 TEST_F(YardGenerator, EveryNameStandsInTheRecipeDatabase) {
   Make({.days = 3});
   for (const std::string column : {"Recipe", "Ingredient", "Pen"}) {
-    EXPECT_THAT(Ask("SELECT DISTINCT " + column + " FROM Transactions WHERE " + column +
-                    " IS NOT NULL AND " + column + " NOT IN (SELECT Name FROM Names." + column +
-                    " WHERE Description <> '')"),
-                IsEmpty())
-        << column;
+    std::string query = "SELECT DISTINCT ";
+    query.append(column).append(" FROM Transactions WHERE ").append(column);
+    query.append(" NOT IN (SELECT Name FROM Names.").append(column);
+    query.append(" WHERE Description <> '')");
+    EXPECT_THAT(Ask(query), IsEmpty()) << column;
   }
 }
 

@@ -195,8 +195,10 @@ TEST(Schema, TheNextValueOfEveryLevelOfTheHistoryIsOneSearchOfAnIndex) {
   for (const HistoryLevels& levels : LevelsOfTheHistory()) {
     for (std::size_t depth = 0; depth < levels.keys.size(); ++depth) {
       const std::string& key = levels.keys[depth];
-      EXPECT_THAT(Plan(DatabaseKind::kTransaction, "SELECT " + key + From(levels, depth) + key +
-                                                       " > ? ORDER BY " + key + " LIMIT 1"),
+      std::string query = "SELECT ";
+      query.append(key).append(From(levels, depth)).append(key).append(" > ? ORDER BY ");
+      query.append(key).append(" LIMIT 1");
+      EXPECT_THAT(Plan(DatabaseKind::kTransaction, query),
                   ElementsAre(HasSubstr("SEARCH Transactions USING")))
           << levels.index << ", " << key;
     }
