@@ -7,9 +7,9 @@
 
 namespace vrx {
 
-// The longest XML document, in bytes, that a page is made of. The document, the page as a tree and
-// the page as a text stand in memory together; see docs/formats.md for what was measured.
-inline constexpr std::size_t kLargestPageSource = std::size_t{32} * 1024 * 1024;
+// The longest XML document, in bytes, that a page is made of. Making the page would bear more; what
+// does not is a browser, which needs some 5 KB for each cell (docs/formats.md).
+inline constexpr std::size_t kLargestPageSource = std::size_t{8} * 1024 * 1024;
 
 // Turns the XML document of a data group into one self-contained HTML page, by the group's own
 // stylesheet in the program's directory. The page appears whole or not at all. False, the operator
