@@ -17,6 +17,7 @@
 
 #include "database/connection.h"
 #include "exchange/store_site.h"
+#include "support/private_mounts.h"
 
 namespace vrx::testing {
 namespace {
@@ -229,39 +230,16 @@ TEST(StoreCrash, AKillAtAnyMomentLeavesWholeImportsOnly) {
   EXPECT_GT(rows, 0);
 }
 
-// Runs a script in a mount namespace of its own, where it may mount: $1 is the folder of the site,
-// $2 the store_process. Gives its output.
-std::string RunWithMounts(const fs::path& folder, const std::string& script) {
-  TempFolder scripts;
-  const fs::path path = scripts.Write("script.sh", "set -e\n" + script);
-  // As root, as root in a changed root, or as a user.
-  const std::string command =
-      "for own in 'unshare --mount' 'unshare --mount --propagation unchanged' "
-      "'unshare --user --map-root-user --mount'; do $own true 2>/dev/null && break; done; $own sh "
-      "'" +
-      path.string() + "' '" + folder.string() + "' '" STORE_PROCESS "' 2>&1";
-  FILE* const pipe = popen(command.c_str(), "r");
-  if (pipe == nullptr) {
-    throw std::runtime_error("no shell");
-  }
-  std::string output;
-  std::array<char, 4096> buffer{};
-  while (const std::size_t count = fread(buffer.data(), 1, buffer.size(), pipe)) {
-    output.append(buffer.data(), count);
-  }
-  pclose(pipe);
-  return output;
-}
-
 TEST(StoreFullDisk, FailsClearlyAndLeavesWholeImportsOnly) {
   StoreSite site;
-  const std::string output = RunWithMounts(site.folder.Path(), R"(
+  const std::string output = RunWithMounts(R"(
       mkdir "$1/disk" "$1/out"
       mount -t tmpfs -o size=2m tmpfs "$1/disk"
       cp "$1/YARD.RDB" "$1/Y2026.TDB" "$1/disk"
       "$2" "$1/disk/YARD.RDB" "$1/disk/Y2026.TDB" 200 || echo "exit $?"
       cp "$1"/disk/Y2026.TDB* "$1/out"
-      umount "$1/disk")");
+      umount "$1/disk")",
+                                           {site.folder.Path().string(), STORE_PROCESS});
   EXPECT_THAT(output, HasSubstr("Transaction Store Error: Error: 13\n"));
   EXPECT_THAT(output, HasSubstr("disk is full; nothing of this import was stored"));
   EXPECT_THAT(output, HasSubstr("exit 1\n"));
@@ -273,14 +251,15 @@ TEST(StoreFullDisk, FailsClearlyAndLeavesWholeImportsOnly) {
 
 TEST(StoreReadOnlyDisk, FailsClearlyAndChangesNothing) {
   StoreSite site;
-  const std::string output = RunWithMounts(site.folder.Path(), R"(
+  const std::string output = RunWithMounts(R"(
       mkdir "$1/disk"
       mount -t tmpfs -o size=2m tmpfs "$1/disk"
       cp "$1/YARD.RDB" "$1/Y2026.TDB" "$1/disk"
       mount -o remount,bind,ro "$1/disk"
       "$2" "$1/disk/YARD.RDB" "$1/disk/Y2026.TDB" 200 || echo "exit $?"
       cmp "$1/Y2026.TDB" "$1/disk/Y2026.TDB" && echo unchanged
-      umount "$1/disk")");
+      umount "$1/disk")",
+                                           {site.folder.Path().string(), STORE_PROCESS});
   EXPECT_THAT(output, HasSubstr("Transaction Store Error: Error: "));
   EXPECT_THAT(output, HasSubstr("nothing of this import was stored"));
   EXPECT_THAT(output, HasSubstr("exit 1\nunchanged\n"));
