@@ -6,8 +6,9 @@
 #include <system_error>
 #include <utility>
 
+#include "database/kind_words.h"
+#include "database/tell_failure.h"
 #include "frame/files.h"
-#include "frame/folder.h"
 #include "frame/text.h"
 
 namespace vrx {
@@ -18,22 +19,6 @@ namespace {
 
 constexpr std::string_view kLineEnd = "\r\n";
 
-// In what the two kinds differ.
-struct KindWords {
-  std::string_view template_name;
-  std::string_view blank_type;
-  std::string_view user_type;
-  std::string_view noun;  // within the messages
-  std::string_view failure_title;
-  bool dated_before_test;  // the date of creation is set before the marker is looked at, too
-};
-
-constexpr KindWords kRecipeWords{kRecipeTemplateName,     kNulRecipeDb, kUserRecipeDb, "recipe",
-                                 "New Recipe File Error", false};
-constexpr KindWords kTransactionWords{
-    kTransactionTemplateName,     kNulTransDb, kUserTransDb, "transaction",
-    "New Transaction File Error", true};
-
 std::string Joined(std::initializer_list<std::string_view> parts) {
   std::string text;
   for (const std::string_view part : parts) {
@@ -42,18 +27,26 @@ std::string Joined(std::initializer_list<std::string_view> parts) {
   return text;
 }
 
+void Tell(Operator& op, Icon icon, std::string_view title, std::string text,
+          std::string cause = {}) {
+  op.ShowMessage({.icon = icon,
+                  .title = std::string(title),
+                  .text = std::move(text),
+                  .cause = std::move(cause)});
+}
+
 class Creation {
  public:
   Creation(const NewDatabase& wanted, DatabaseIdentity& identity, Operator& op,
            CurrentDatabase& current)
       : wanted_(wanted),
-        words_(wanted.kind == DatabaseKind::kRecipe ? kRecipeWords : kTransactionWords),
+        words_(WordsOf(wanted.kind)),
         identity_(identity),
         operator_(op),
         current_(current) {}
 
   bool Run() {
-    if (!NameIsValid() || !TemplateIsThere() || !TemplateCopied()) {
+    if (!AcceptDatabaseName(wanted_.title, operator_) || !TemplateIsThere() || !TemplateCopied()) {
       return false;
     }
     current_.name = UpperCase(wanted_.title);
@@ -72,28 +65,9 @@ class Creation {
     return false;
   }
 
-  void TellFailure(const std::exception& failure) {
-    Tell(Icon::kCritical, words_.failure_title, "Error: " + std::to_string(FailureNumber(failure)),
-         failure.what());
-  }
-
  private:
   void Tell(Icon icon, std::string_view title, std::string text, std::string cause = {}) {
-    operator_.ShowMessage({.icon = icon,
-                           .title = std::string(title),
-                           .text = std::move(text),
-                           .cause = std::move(cause)});
-  }
-
-  bool NameIsValid() {
-    if (ValidDatabaseName(wanted_.title)) {
-      return true;
-    }
-    Tell(Icon::kWarning, "Filename Error",
-         Joined({wanted_.title, " is an invalid filename.", kLineEnd,
-                 "Please enter a name with a maximum of eight characters (the file extension is "
-                 "not required)."}));
-    return false;
+    vrx::Tell(operator_, icon, title, std::move(text), std::move(cause));
   }
 
   fs::path TemplatePath() const { return wanted_.program_directory / words_.template_name; }
@@ -130,7 +104,8 @@ class Creation {
 
   bool CopyIsBlank() {
     const std::string type = identity_.GetDatabaseType(wanted_.path);
-    if (words_.dated_before_test) {
+    // The transaction side dates its file before it looks at the type, too.
+    if (wanted_.kind == DatabaseKind::kTransaction) {
       identity_.SetDatabaseDate(wanted_.path, DateSelector::kCreated);
     }
     if (type == words_.blank_type) {
@@ -147,6 +122,9 @@ class Creation {
   // A step that fails has told the operator.
   bool MadeUserFile() {
     operator_.SetBusy(true);
+    if (wanted_.accepted) {
+      wanted_.accepted();
+    }
     const bool made = identity_.SetDatabaseType(wanted_.path, words_.user_type) &&
                       identity_.SetDatabaseUoM(wanted_.path, wanted_.unit) &&
                       identity_.SetDatabaseDate(wanted_.path, DateSelector::kCreated);
@@ -165,13 +143,23 @@ class Creation {
 
 }  // namespace
 
+bool AcceptDatabaseName(const std::string& title, Operator& op) {
+  if (ValidDatabaseName(title)) {
+    return true;
+  }
+  Tell(op, Icon::kWarning, "Filename Error",
+       Joined({title, " is an invalid filename.", kLineEnd,
+               "Please enter a name with a maximum of eight characters (the file extension is "
+               "not required)."}));
+  return false;
+}
+
 bool CreateDatabase(const NewDatabase& wanted, DatabaseIdentity& identity, Operator& op,
                     CurrentDatabase& current) {
-  Creation creation(wanted, identity, op, current);
   try {
-    return creation.Run();
+    return Creation(wanted, identity, op, current).Run();
   } catch (const std::exception& failure) {
-    creation.TellFailure(failure);
+    TellFailure(op, WordsOf(wanted.kind).new_failure, failure);
     return false;
   }
 }

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <filesystem>
+#include <functional>
 #include <string>
 
 #include "database/identity.h"
@@ -23,7 +24,12 @@ struct NewDatabase {
   std::filesystem::path path;               // as chosen
   std::string title;                        // the chosen file title
   std::string unit;                         // "LB" or "KG"
+  // Called once the copy has proven to be of the template, with the pointer busy.
+  std::function<void()> accepted = {};
 };
+
+// The eight-character rule of file titles; what breaks it is told.
+bool AcceptDatabaseName(const std::string& title, Operator& op);
 
 // What New does between its dialog and the binding of the window: tests the name and the template,
 // copies the template without overwriting, and makes the copy a user's file with unit and date of

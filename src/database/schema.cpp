@@ -189,4 +189,13 @@ void CreateTemplate(const fs::path& path, DatabaseKind kind) {
   fs::rename(unfinished, path);
 }
 
+SQLite::Database BlankInMemory(DatabaseKind kind) {
+  SQLite::Database database(":memory:", SQLite::OPEN_READWRITE | SQLite::OPEN_CREATE);
+  Translated(database, [&] {
+    WriteTemplate(database, kind);
+    database.exec("PRAGMA query_only=ON");
+  });
+  return database;
+}
+
 }  // namespace vrx

@@ -6,6 +6,8 @@
 #include <string_view>
 #include <vector>
 
+#include <SQLiteCpp/Database.h>
+
 namespace vrx {
 
 enum class DatabaseKind { kRecipe, kTransaction };
@@ -52,5 +54,8 @@ std::string Bracketed(std::string_view name);
 // and renamed: the path holds a whole template or what it held before. Throws DatabaseError or
 // std::filesystem::filesystem_error.
 void CreateTemplate(const std::filesystem::path& path, DatabaseKind kind);
+
+// A blank database of a kind that is no file, for reading only. Throws DatabaseError.
+SQLite::Database BlankInMemory(DatabaseKind kind);
 
 }  // namespace vrx

@@ -14,6 +14,8 @@ class GeneralDelay {
   // unwind.
   bool Wait(Milliseconds interval);
 
+  bool Closing() const { return pump_.Closing(); }
+
  private:
   EventPump& pump_;
   Milliseconds end_{0};

@@ -1,0 +1,54 @@
+#include "database/bound_database.h"
+
+#include <utility>
+
+#include <sqlite3.h>
+
+#include "database/connection.h"
+#include "database/database_error.h"
+#include "database/one_row_table.h"
+
+namespace vrx {
+
+namespace fs = std::filesystem;
+
+namespace {
+
+constexpr int kPrimaryCodeMask = 0xff;
+
+BoundDatabase Bound(SQLite::Database database, fs::path path) {
+  BoundDatabase bound{.connection = std::make_unique<SQLite::Database>(std::move(database)),
+                      .path = std::move(path),
+                      .unit = {},
+                      .read_only_note = {}};
+  bound.unit = ReadField(*bound.connection, kUnitField).value_or("");
+  return bound;
+}
+
+BoundDatabase Blank(BoundDatabase bound) {
+  bound.blank = true;
+  return bound;
+}
+
+}  // namespace
+
+BoundDatabase BindUserDatabase(const fs::path& path, std::chrono::milliseconds busy_timeout) {
+  try {
+    return Bound(OpenDatabase(path, Access::kWrite, busy_timeout), path);
+  } catch (const DatabaseError& error) {
+    if ((error.Number() & kPrimaryCodeMask) != SQLITE_READONLY) {
+      throw;
+    }
+    BoundDatabase bound = Bound(OpenDatabase(path, Access::kRead, busy_timeout), path);
+    bound.read_only_note = error.what();
+    return bound;
+  }
+}
+
+BoundDatabase BindBlankTemplate(const fs::path& path, std::chrono::milliseconds busy_timeout) {
+  return Blank(Bound(OpenDatabase(path, Access::kRead, busy_timeout), path));
+}
+
+BoundDatabase BindBlankInMemory(DatabaseKind kind) { return Blank(Bound(BlankInMemory(kind), {})); }
+
+}  // namespace vrx

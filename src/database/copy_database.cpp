@@ -1,0 +1,77 @@
+#include "database/copy_database.h"
+
+#include <array>
+#include <cerrno>
+#include <fstream>
+#include <optional>
+#include <string>
+#include <system_error>
+
+#include <SQLiteCpp/Database.h>
+#include <SQLiteCpp/Statement.h>
+#include <SQLiteCpp/Transaction.h>
+
+#include "database/connection.h"
+#include "database/database_error.h"
+#include "database/translated.h"
+#include "frame/files.h"
+#include "frame/replacing_file.h"
+
+namespace vrx {
+
+namespace fs = std::filesystem;
+
+namespace {
+
+// A database of this system, settled and held for reading for as long as it lives; nothing is held
+// of any other file.
+class HeldFile {
+ public:
+  HeldFile(const fs::path& path, std::chrono::milliseconds busy_timeout) {
+    try {
+      database_.emplace(OpenDatabase(path, Access::kRead, busy_timeout));
+    } catch (const DatabaseError& error) {
+      if (error.Number() == kTableLockedError) {
+        throw;
+      }
+      return;  // none of ours: there is nothing to settle
+    }
+    Translated(*database_, [this] {
+      reading_.emplace(*database_);
+      SQLite::Statement(*database_, "SELECT count(*) FROM sqlite_schema").executeStep();
+    });
+  }
+
+ private:
+  std::optional<SQLite::Database> database_;
+  std::optional<SQLite::Transaction> reading_;
+};
+
+void CopyBytes(const fs::path& source, ReplacingFile& copy) {
+  errno = 0;
+  std::ifstream in(source, std::ios::binary);
+  std::array<char, 65536> block{};
+  while (in) {
+    in.read(block.data(), static_cast<std::streamsize>(block.size()));
+    copy.Write({block.data(), static_cast<std::size_t>(in.gcount())});
+  }
+  if (!in.eof()) {
+    const std::error_code why(errno != 0 ? errno : EIO, std::generic_category());
+    throw FileError("cannot read " + source.string() + ": " + why.message());
+  }
+}
+
+}  // namespace
+
+void CopyDatabaseFile(const fs::path& source, const fs::path& target,
+                      std::chrono::milliseconds busy_timeout) {
+  { const HeldFile settled(target, busy_timeout); }
+  const HeldFile held(source, busy_timeout);
+  ReplacingFile copy(target);
+  CopyBytes(source, copy);
+  // A journal that another program left beside the old target would be played into the copy.
+  fs::remove(target.string() + "-journal");
+  copy.TakePlace();
+}
+
+}  // namespace vrx
