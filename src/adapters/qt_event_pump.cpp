@@ -15,6 +15,17 @@ namespace {
 // What a QTimer can hold. A longer wait returns early, as any wait may.
 constexpr Milliseconds kLongestWait = std::chrono::hours{24};
 
+class Deeper {
+ public:
+  explicit Deeper(int& depth) : depth_(depth) { ++depth_; }
+  ~Deeper() { --depth_; }
+  Deeper(const Deeper&) = delete;
+  Deeper& operator=(const Deeper&) = delete;
+
+ private:
+  int& depth_;
+};
+
 class QtTicker : public EventPump::Ticker {
  public:
   QtTicker(Milliseconds interval, std::function<void()> tick) {
@@ -34,6 +45,7 @@ Milliseconds QtEventPump::Now() const {
 }
 
 void QtEventPump::Pump(Milliseconds limit) {
+  const Deeper deeper(depth_);
   QEventLoop loop;
   if (loop.processEvents() || limit <= Milliseconds{0}) {
     return;

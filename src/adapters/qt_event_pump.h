@@ -21,7 +21,14 @@ class QtEventPump : public EventPump {
   // not from a signal handler.
   void Close();
 
+  // Waits are waits again, should the program stay up after all.
+  void Reopen() { closing_ = false; }
+
+  // A wait is under way: whoever asks is an event that it handles, and must return to let it end.
+  bool Pumping() const { return depth_ > 0; }
+
  private:
+  int depth_ = 0;
   std::atomic<bool> closing_ = false;
 };
 

@@ -5,6 +5,7 @@
 
 #include <unistd.h>
 
+#include "adapters/local_machine.h"
 #include "ctl/command_line.h"
 #include "ctl/machine.h"
 

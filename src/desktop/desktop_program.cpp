@@ -1,0 +1,102 @@
+#include "desktop/desktop_program.h"
+
+#include <QApplication>
+#include <QSessionManager>
+#include <QThread>
+#include <QTimer>
+#include <chrono>
+#include <cstdlib>
+#include <exception>
+#include <string>
+#include <utility>
+
+#include "adapters/port_device.h"
+#include "adapters/stop_signals.h"
+
+namespace vrx {
+namespace {
+
+constexpr std::chrono::milliseconds kUnwindingPoll{10};
+
+// An event of the main loop itself asks, rather than one handled inside a dialog.
+bool OnMainLoop() { return QThread::currentThread()->loopLevel() <= 1; }
+
+}  // namespace
+
+DesktopProgram::DesktopProgram(MakeMainForm make_main_form)
+    : application_{.app_folder = Folder(system_), .ini = {}, .settings = {}},
+      serial_([this](int number) {
+        return LinuxPortDevice(application_.app_folder.DefaultAppPath(), number);
+      }),
+      make_main_form_(std::move(make_main_form)) {}
+
+DesktopProgram::~DesktopProgram() = default;
+
+int DesktopProgram::Run() {
+  const StopSignals signals([this] { SessionEnd(); });
+  const QObject session;
+  QObject::connect(qApp, &QGuiApplication::commitDataRequest, &session,
+                   [this](QSessionManager& /*manager*/) { SessionEnd(); });
+  const DesktopContext context{.application = application_,
+                               .op = op_,
+                               .files = files_,
+                               .user_settings = user_settings_,
+                               .calendar = calendar_,
+                               .system = system_,
+                               .pump = pump_,
+                               .serial = serial_,
+                               .exit = *this};
+  try {
+    main_form_ = Main(
+        {.instance = instance_, .op = op_, .system = system_, .pump = pump_, .splash = splash_},
+        application_, [this, &context] { return make_main_form_(context); },
+        [this](MainForm& form) { EndEarly(form); });
+  } catch (const std::exception& failure) {
+    op_.ShowMessage(
+        {.icon = Icon::kCritical, .title = {}, .text = "Error: " + std::string(failure.what())});
+    return EXIT_FAILURE;
+  }
+  if (!main_form_) {
+    return pump_.Closing() ? EXIT_SUCCESS : EXIT_FAILURE;
+  }
+  const int code = QApplication::exec();
+  main_form_.reset();
+  return code;
+}
+
+void DesktopProgram::EndEarly(MainForm& form) {
+  pump_.Reopen();
+  ProgramExit(form, application_, user_settings_, op_).SessionEnd();
+  pump_.Close();
+}
+
+void DesktopProgram::Leave(Road road) {
+  if (!leaving_) {
+    leaving_ = true;
+    pump_.Close();
+    Walk(road);
+  }
+}
+
+// A wait or a dialog that is under way ends first: it stands below this event on the stack.
+void DesktopProgram::Walk(Road road) {
+  if (QWidget* const dialog = QApplication::activeModalWidget(); dialog != nullptr) {
+    dialog->close();
+  }
+  if (pump_.Pumping() || !OnMainLoop()) {
+    QTimer::singleShot(kUnwindingPoll, qApp, [this, road] { Walk(road); });
+    return;
+  }
+  if (!main_form_) {
+    return;  // still starting: Main looks at the pump
+  }
+  pump_.Reopen();
+  if ((ProgramExit(*main_form_, application_, user_settings_, op_).*road)()) {
+    pump_.Close();
+    QApplication::exit();
+  } else {
+    leaving_ = false;
+  }
+}
+
+}  // namespace vrx

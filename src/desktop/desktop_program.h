@@ -1,0 +1,55 @@
+#pragma once
+
+#include <memory>
+
+#include "adapters/local_machine.h"
+#include "adapters/qt_event_pump.h"
+#include "adapters/qt_serial_control.h"
+#include "desktop/desktop_context.h"
+#include "desktop/lock_file.h"
+#include "desktop/program_exit.h"
+#include "desktop/qt_file_chooser.h"
+#include "desktop/qt_operator.h"
+#include "desktop/qt_user_settings.h"
+#include "desktop/splash.h"
+
+namespace vrx {
+
+// The program: the ports of this machine, the application's state, start, event loop and exit.
+// Needs a QApplication.
+class DesktopProgram : private ExitRoads {
+ public:
+  explicit DesktopProgram(MakeMainForm make_main_form);
+  ~DesktopProgram() override;
+  DesktopProgram(const DesktopProgram&) = delete;
+  DesktopProgram& operator=(const DesktopProgram&) = delete;
+
+  // The process's exit code: 0 after an exit, 1 when the start was refused.
+  int Run();
+
+ private:
+  using Road = bool (ProgramExit::*)();
+
+  void CloseBox() override { Leave(&ProgramExit::CloseBox); }
+  void FileExit() override { Leave(&ProgramExit::FileExit); }
+  void SessionEnd() override { Leave(&ProgramExit::SessionEnd); }
+  void EndEarly(MainForm& form);
+  void Leave(Road road);
+  void Walk(Road road);
+
+  ApplicationState application_;
+  LockFile instance_;
+  QtOperator op_;
+  QtFileChooser files_;
+  QtUserSettings user_settings_;
+  LocalCalendar calendar_;
+  LinuxSystemInfo system_;
+  QtEventPump pump_;
+  QtSerialControl serial_;
+  Splash splash_;
+  MakeMainForm make_main_form_;
+  std::unique_ptr<MainForm> main_form_;
+  bool leaving_ = false;
+};
+
+}  // namespace vrx

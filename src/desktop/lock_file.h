@@ -1,0 +1,20 @@
+#pragma once
+
+#include <QLockFile>
+#include <optional>
+
+#include "desktop/start_up.h"
+
+namespace vrx {
+
+// One instance for each user of the machine, by a lock in the user's folder of running programs. It
+// goes with the process: what a crash leaves behind holds nobody up.
+class LockFile : public SingleInstance {
+ public:
+  bool Claim() override;
+
+ private:
+  std::optional<QLockFile> lock_;
+};
+
+}  // namespace vrx

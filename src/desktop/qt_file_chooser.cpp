@@ -1,0 +1,96 @@
+#include "desktop/qt_file_chooser.h"
+
+#include <QApplication>
+#include <QFileDialog>
+#include <QFileInfo>
+#include <QStringList>
+
+#include "desktop/qt_text.h"
+
+namespace vrx {
+namespace {
+
+// "*.QXT" takes files whatever their case; "*.*" takes those without an extension too.
+QString AnyCase(const QString& pattern) {
+  if (pattern == QStringLiteral("*.*")) {
+    return QStringLiteral("*");
+  }
+  QString mapped;
+  for (const QChar character : pattern) {
+    if (character.isLetter()) {
+      mapped += QStringLiteral("[%1%2]").arg(character.toLower()).arg(character.toUpper());
+    } else {
+      mapped += character;
+    }
+  }
+  return mapped;
+}
+
+// "Transactions (*.QXT)|*.QXT|..." as Qt's name filters. The patterns behind each name are hidden;
+// the name tells them already.
+QStringList NameFilters(const std::string& filter) {
+  const QStringList parts = ToQString(filter).split(u'|');
+  QStringList filters;
+  for (qsizetype i = 0; i + 1 < parts.size(); i += 2) {
+    QStringList patterns;
+    for (const QString& pattern : parts[i + 1].split(u';', Qt::SkipEmptyParts)) {
+      patterns << AnyCase(pattern.trimmed());
+    }
+    filters << parts[i] + QStringLiteral(" (") + patterns.join(u' ') + u')';
+  }
+  return filters;
+}
+
+void SetUp(QFileDialog& widget, const FileDialog& dialog, const QString& last_folder) {
+  widget.setObjectName(QStringLiteral("FileDialog"));
+  widget.setWindowTitle(ToQString(dialog.title));
+  widget.setOption(QFileDialog::DontUseNativeDialog);
+  widget.setOption(QFileDialog::HideNameFilterDetails);
+  widget.setNameFilters(NameFilters(dialog.filter));
+  widget.setDefaultSuffix(ToQString(dialog.default_extension));
+  widget.setDirectory(dialog.start_folder.empty() ? last_folder : ToQString(dialog.start_folder));
+}
+
+// Empty after a cancel.
+QString Ask(QFileDialog& widget, QString& last_folder) {
+  if (widget.exec() != QDialog::Accepted || widget.selectedFiles().isEmpty()) {
+    return {};
+  }
+  last_folder = widget.directory().absolutePath();
+  return widget.selectedFiles().constFirst();
+}
+
+FileChoice ChoiceOf(const QString& path) {
+  return {path.toStdString(), QFileInfo(path).fileName().toStdString()};
+}
+
+}  // namespace
+
+FileChoice QtFileChooser::ShowOpen(const FileDialog& dialog) {
+  QFileDialog widget(QApplication::activeWindow());
+  widget.setAcceptMode(QFileDialog::AcceptOpen);
+  widget.setFileMode((dialog.flags & kFileMustExist) != 0 ? QFileDialog::ExistingFile
+                                                          : QFileDialog::AnyFile);
+  SetUp(widget, dialog, last_folder_);
+  return ChoiceOf(Ask(widget, last_folder_));
+}
+
+FileChoice QtFileChooser::ShowSave(const FileDialog& dialog) {
+  QFileDialog widget(QApplication::activeWindow());
+  widget.setAcceptMode(QFileDialog::AcceptSave);
+  widget.setFileMode(QFileDialog::AnyFile);
+  widget.setOption(QFileDialog::DontConfirmOverwrite, (dialog.flags & kOverwritePrompt) == 0);
+  SetUp(widget, dialog, last_folder_);
+  return ChoiceOf(Ask(widget, last_folder_));
+}
+
+std::string QtFileChooser::ShowFolder(const std::string& title) {
+  QFileDialog widget(QApplication::activeWindow());
+  widget.setAcceptMode(QFileDialog::AcceptOpen);
+  widget.setFileMode(QFileDialog::Directory);
+  widget.setOption(QFileDialog::ShowDirsOnly);
+  SetUp(widget, {.title = title, .filter = {}, .default_extension = {}}, last_folder_);
+  return Ask(widget, last_folder_).toStdString();
+}
+
+}  // namespace vrx

@@ -1,0 +1,88 @@
+#include "desktop/qt_operator.h"
+
+#include <QApplication>
+#include <QMessageBox>
+
+#include "desktop/qt_text.h"
+#include "frame/application.h"
+
+namespace vrx {
+namespace {
+
+QMessageBox::Icon IconOf(Icon icon) {
+  switch (icon) {
+    case Icon::kCritical:
+      return QMessageBox::Critical;
+    case Icon::kQuestion:
+      return QMessageBox::Question;
+    case Icon::kWarning:
+      return QMessageBox::Warning;
+    case Icon::kInformation:
+      return QMessageBox::Information;
+    case Icon::kNone:
+      break;
+  }
+  return QMessageBox::NoIcon;
+}
+
+QMessageBox::StandardButtons ButtonsOf(Buttons buttons) {
+  switch (buttons) {
+    case Buttons::kOkCancel:
+      return QMessageBox::Ok | QMessageBox::Cancel;
+    case Buttons::kYesNo:
+      return QMessageBox::Yes | QMessageBox::No;
+    case Buttons::kOk:
+      break;
+  }
+  return QMessageBox::Ok;
+}
+
+Answer AnswerOf(int button) {
+  switch (button) {
+    case QMessageBox::Yes:
+      return Answer::kYes;
+    case QMessageBox::No:
+      return Answer::kNo;
+    case QMessageBox::Cancel:
+      return Answer::kCancel;
+    default:
+      return Answer::kOk;
+  }
+}
+
+}  // namespace
+
+Answer QtOperator::ShowMessage(const MessageBox& box) {
+  const bool was_busy = busy_;
+  SetBusy(false);
+  QMessageBox message(IconOf(box.icon),
+                      ToQString(box.title.empty() ? kApplicationTitle : box.title), {},
+                      ButtonsOf(box.buttons), QApplication::activeWindow());
+  message.setObjectName(QStringLiteral("MessageBox"));
+  message.setTextFormat(Qt::PlainText);
+  message.setText(ToScreenLines(box.text));
+  message.setDetailedText(ToScreenLines(box.cause));
+  const Answer answer = AnswerOf(message.exec());
+  SetBusy(was_busy);
+  return answer;
+}
+
+void QtOperator::Beep() { QApplication::beep(); }
+
+void QtOperator::SetBusy(bool busy) {
+  if (busy == busy_) {
+    return;
+  }
+  busy_ = busy;
+  if (busy) {
+    QApplication::setOverrideCursor(Qt::WaitCursor);
+  } else {
+    QApplication::restoreOverrideCursor();
+  }
+}
+
+void QtOperator::SetStatusLine(std::string_view text) { Q_EMIT StatusLineChanged(ToQString(text)); }
+
+void QtOperator::SetStatusColor(StatusColor color) { Q_EMIT StatusColorChanged(color); }
+
+}  // namespace vrx

@@ -1,0 +1,79 @@
+#include "desktop/splash.h"
+
+#include <QApplication>
+#include <QFrame>
+#include <QLabel>
+#include <QScreen>
+#include <QVBoxLayout>
+
+#include "desktop/caption_pass.h"
+#include "desktop/form_parts.h"
+#include "desktop/qt_text.h"
+#include "desktop/svg_image.h"
+#include "frame/folder.h"
+
+namespace vrx {
+namespace {
+
+constexpr QSize kFormSize{480, 300};
+constexpr QSize kLogoSize{112, 112};
+constexpr int kMargin = 24;
+
+void LayOut(QFrame& frame) {
+  auto* const image = new SvgImage(kLogoPath, kLogoSize, &frame);
+  image->setObjectName(QStringLiteral("Image1"));
+  QLabel* const product = AddLabel(frame, "lblProductName");
+  SetFontScale(*product, kTitleScale, QFont::DemiBold);
+
+  auto* const words = new QVBoxLayout;
+  words->addStretch();
+  words->addWidget(product);
+  words->addWidget(AddLabel(frame, "lblVersion"));
+  words->addStretch();
+
+  auto* const head = new QHBoxLayout;
+  head->setSpacing(kMargin);
+  head->addWidget(image);
+  head->addLayout(words, 1);
+
+  auto* const column = new QVBoxLayout(&frame);
+  column->setContentsMargins(kMargin, kMargin, kMargin, kMargin);
+  column->addLayout(head, 1);
+  column->addWidget(AddLabel(frame, "lblCopyright", kCopyrightCaption));
+  column->addWidget(AddLabel(frame, "lblRights", kRightsCaption));
+  column->addSpacing(kSpacing);
+  column->addWidget(AddLabel(frame, "lblVisit", kVisitCaption));
+  column->addWidget(AddLabel(frame, "lblURL", kUrlCaption));
+}
+
+}  // namespace
+
+std::unique_ptr<QWidget> Splash::Load() {
+  auto form = std::make_unique<QWidget>(nullptr, Qt::SplashScreen | Qt::FramelessWindowHint);
+  form->setObjectName(QStringLiteral("SPLASH"));
+  SetTag(*form, kProductCaption);
+  auto* const frame = new QFrame(form.get());
+  frame->setObjectName(QStringLiteral("fraMainFrame"));
+  frame->setFrameShape(QFrame::StyledPanel);
+  LayOut(*frame);
+  auto* const whole = new QVBoxLayout(form.get());
+  whole->setContentsMargins({});
+  whole->addWidget(frame);
+
+  ApplyCaptionTable(*form);
+  form->findChild<QLabel*>(QStringLiteral("lblVersion"))->setText(VersionText());
+  form->findChild<QLabel*>(QStringLiteral("lblProductName"))->setText(ToQString(kProductName));
+  form->resize(kFormSize.expandedTo(form->sizeHint()));
+  return form;
+}
+
+void Splash::Show() {
+  form_ = Load();
+  const QRect screen = QApplication::primaryScreen()->availableGeometry();
+  form_->move(screen.center() - form_->rect().center());
+  form_->show();
+  form_->repaint();
+  QApplication::processEvents(QEventLoop::ExcludeUserInputEvents);  // lets the screen have it
+}
+
+}  // namespace vrx
