@@ -4,16 +4,9 @@
 
 #include "database/bound_database.h"
 #include "database/schema.h"
+#include "frame/status_panels.h"
 
 namespace vrx {
-
-// The panels of `sbRecipe` and `sbTrans` that tell of a database, by their numbers.
-enum StatusPanel : int {
-  kPanelName = 2,
-  kPanelUnit = 4,
-  kPanelCreated = 6,
-  kPanelModified = 8,
-};
 
 // What the databases' lifecycle asks of the main window.
 class DatabaseWindow {
@@ -21,8 +14,8 @@ class DatabaseWindow {
   virtual ~DatabaseWindow() = default;
 
   // Every view of that kind moves to this database and shows what it holds, with no statement left
-  // open. Runs no events. When it throws, the views are moved back to where they stood; the
-  // connection they leave is closed once they have left it.
+  // open. Runs no events: a database bound by one would be refused. When it throws, the views are
+  // moved back to where they stood; the connection they leave is closed once they have left it.
   virtual void Rebind(DatabaseKind kind, const BoundDatabase& database) = 0;
 
   // The program ends: the views let go of both databases.

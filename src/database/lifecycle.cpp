@@ -40,7 +40,8 @@ struct DatabaseLifecycle::Manner {
   Milliseconds browse_delay;
   Milliseconds save_as_delay;
   bool save_as_tests_name;
-  bool stands_by;  // an Open shows that it works, and beeps when it is done; so does a New
+  bool open_stands_by;  // with the hourglass and a text in place of the name
+  bool new_beeps;
   std::span<const int> tabs_of_new;  // turned on in this order; the first one is selected
 };
 
@@ -50,14 +51,16 @@ const DatabaseLifecycle::Manner& DatabaseLifecycle::MannerOf(const Side& side) {
                                         .browse_delay = Milliseconds{500},
                                         .save_as_delay = Milliseconds{500},
                                         .save_as_tests_name = true,
-                                        .stands_by = true,
+                                        .open_stands_by = true,
+                                        .new_beeps = true,
                                         .tabs_of_new = kRecipeTabs};
   static constexpr Manner kTransactionManner{.sets_commands_aside = false,
                                              .new_delay = kNoDelay,
                                              .browse_delay = kNoDelay,
                                              .save_as_delay = kNoDelay,
                                              .save_as_tests_name = false,
-                                             .stands_by = false,
+                                             .open_stands_by = false,
+                                             .new_beeps = false,
                                              .tabs_of_new = kTransactionTabs};
   return side.kind == DatabaseKind::kRecipe ? kRecipeManner : kTransactionManner;
 }
@@ -127,7 +130,7 @@ void DatabaseLifecycle::ShowNew(Side& side) {
   }
   ports_.tabs.SelectTab(manner.tabs_of_new.front());
   ports_.op.SetBusy(false);
-  if (manner.stands_by) {
+  if (manner.new_beeps) {
     BeepIfEnabled(ports_.op, ports_.settings);
   }
 }
@@ -159,7 +162,7 @@ void DatabaseLifecycle::Open(Side& side, fs::path path, std::string name) {
     if (!ports_.delay.Wait(kOpenDelay) || !IsUserDatabase(side, path, name)) {
       return;
     }
-    if (MannerOf(side).stands_by) {
+    if (MannerOf(side).open_stands_by) {
       ports_.op.SetBusy(true);
       StandBy(side, "Standby... Loading");
     }
@@ -352,9 +355,14 @@ void DatabaseLifecycle::Release() {
 // The new connection is open before the old one goes, and the old one goes only when no view is
 // left on it.
 void DatabaseLifecycle::Bind(Side& side, BoundDatabase next) {
+  if (side.moving) {
+    throw Error("the views are on their way to another database");
+  }
+  side.moving = true;
   try {
     ports_.window.Rebind(side.kind, next);
   } catch (...) {
+    side.moving = false;
     side.forsaken = std::move(next);
     if (side.bound.connection) {
       ports_.window.Rebind(side.kind, side.bound);
@@ -362,6 +370,7 @@ void DatabaseLifecycle::Bind(Side& side, BoundDatabase next) {
     }
     throw;
   }
+  side.moving = false;
   side.bound = std::move(next);
   side.forsaken = {};
 }

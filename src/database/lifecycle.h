@@ -110,6 +110,7 @@ class DatabaseLifecycle {
     CurrentDatabase current = {};
     BoundDatabase bound = {};
     BoundDatabase forsaken = {};  // views that failed to move may stand on it still
+    bool moving = false;          // the views are being rebound
   };
   struct Manner;
   static const Manner& MannerOf(const Side& side);

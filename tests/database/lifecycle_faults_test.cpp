@@ -135,6 +135,19 @@ TEST_F(LifecycleFaults, WhenTheViewsCannotMoveBackNeitherConnectionGoesAway) {
   EXPECT_EQ(BoundName(kRecipe), "NEXT.RDB");
 }
 
+TEST_F(LifecycleFaults, AnOpenWhileTheViewsMoveIsRefusedAndTheMoveGoesOn) {
+  const fs::path inner = MakeUserFile("INNER.RDB", kRecipe);
+  window_.on_rebind = [&](DatabaseKind, const BoundDatabase&) {
+    window_.on_rebind = nullptr;
+    databases_.OpenRecipeDatabase(inner, "INNER.RDB");
+  };
+  databases_.OpenRecipeDatabase(MakeUserFile("OUTER.RDB", kRecipe), "OUTER.RDB");
+  ASSERT_THAT(BoxTitles(), ElementsAre("Open Recipe File Error"));
+  EXPECT_EQ(operator_.boxes[0].cause, "the views are on their way to another database");
+  EXPECT_EQ(BoundName(kRecipe), "OUTER.RDB");
+  EXPECT_EQ(window_.views[kRecipe], databases_.Bound(kRecipe).connection.get());
+}
+
 TEST_F(LifecycleFaults, AWriteProtectedFileOpensForReadingWithANote) {
   const TempFolder locked;
   const fs::path path = locked / "PROT.RDB";
