@@ -148,6 +148,9 @@ class LibraryRules {
 };
 
 Owned<xmlDoc> Parse(const NamedText& text, const LibraryRules& rules) {
+  if (text.text.empty()) {
+    throw Error(text.name + " is empty");  // the library says nothing about that
+  }
   Owned<xmlDoc> document(xmlReadMemory(text.text.data(), static_cast<int>(text.text.size()),
                                        text.name.c_str(), nullptr, kParserOptions));
   if (!document) {

@@ -104,7 +104,7 @@ TEST_F(HtmlPage, OfNoGroupIsToldAndNotMade) {
 
 TEST_F(HtmlPage, RefusesAnEmptyStyleSheetByName) {
   UseSheet("");
-  EXPECT_THAT(Refusal(), HasSubstr("PensFedAll.xsl is not XML"));
+  EXPECT_THAT(Refusal(), HasSubstr("PensFedAll.xsl is empty"));
 }
 
 TEST_F(HtmlPage, RefusesABinaryStyleSheetWithTheParsersWords) {

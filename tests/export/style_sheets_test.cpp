@@ -185,9 +185,10 @@ std::string WithIngredients(int count) {
   std::string fields = "<Recipe>R</Recipe>";
   for (int slot = 1; slot <= count; ++slot) {
     const std::string number = (slot < 10 ? "0" : "") + std::to_string(slot);
-    columns += "<Column>FEED" + number + "</Column>";
-    fields +=
-        "<Ing" + number + "Wt>" + (slot % 2 == 0 ? "" : number + ".5") + "</Ing" + number + "Wt>";
+    const std::string weight = slot % 2 == 0 ? "" : number + ".5";
+    columns.append("<Column>FEED").append(number).append("</Column>");
+    fields.append("<Ing").append(number).append("Wt>").append(weight);
+    fields.append("</Ing").append(number).append("Wt>");
   }
   return "<Transactions><Columns>" + columns + "</Columns><Record>" + fields +
          "</Record></Transactions>";
