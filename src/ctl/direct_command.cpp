@@ -8,6 +8,7 @@
 
 #include "ctl/command.h"
 #include "ctl/module_upload.h"
+#include "ctl/number_option.h"
 #include "ctl/port_option.h"
 #include "ctl/recipe_source.h"
 #include "ctl/session.h"
@@ -57,9 +58,8 @@ class DirectCommand : public Command {
         ->type_name("RDB|FILE.RBU");
     command->add_option("--out", out_, "Folder for the files that stand in memory at the end")
         ->type_name("DIR");
-    command->add_option("--seconds", seconds_, "Time after which it ends by itself")
-        ->type_name("N")
-        ->check(CLI::Range(1, kMostSeconds));
+    AddWholeNumber(*command, "--seconds", "Time after which it ends by itself", 1, kMostSeconds,
+                   seconds_);
     return command;
   }
 

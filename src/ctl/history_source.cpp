@@ -6,6 +6,7 @@
 #include <SQLiteCpp/Database.h>
 
 #include "ctl/command.h"
+#include "ctl/number_option.h"
 #include "ctl/recipe_file.h"
 #include "ctl/session.h"
 #include "database/connection.h"
@@ -15,9 +16,9 @@ namespace vrx {
 
 void HistorySource::Register(CLI::App& app, Recipes recipes) {
   app.add_option("tdb", transactions_, "A transaction database")->required();
-  app.add_option("--group", group_, "Index of the data group; see groups")
-      ->required()
-      ->check(CLI::Range(0, kDataGroupCount - 1));
+  AddWholeNumber(app, "--group", "Index of the data group; see groups", 0, kDataGroupCount - 1,
+                 group_)
+      ->required();
   app.add_option("--name", name_, "The recipe, ingredient or pen of groups 4, 7 and 9");
   app.add_option("--recipes", recipes_, "The recipe database that names the ingredient columns")
       ->type_name("RDB")

@@ -142,6 +142,14 @@ TEST_F(ShowCommands, AGroupByNameWithoutNameOrRecipesIsAWrongUsage) {
   }
 }
 
+TEST_F(ShowCommands, TheGroupIsReadAsDecimalDigits) {
+  ASSERT_EQ(Show(10), 0) << err;
+  const std::string group_ten = out;
+  ASSERT_EQ(Run({"show", transactions, "--group", "010"}), 0) << err;
+  EXPECT_EQ(out, group_ten);
+  EXPECT_EQ(Run({"show", transactions, "--group", "0x3"}), 2);
+}
+
 TEST_F(ShowCommands, WrongUsagesAreRefused) {
   EXPECT_EQ(Show(13), 2);
   EXPECT_EQ(Show(-1), 2);
