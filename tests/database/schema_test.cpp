@@ -254,6 +254,21 @@ TEST(Schema, TemplatesAreMadeAlikeEachTime) {
   }
 }
 
+TEST(Schema, ABlankDatabaseInMemoryHoldsWhatTheTemplateHoldsAndIsNotWritten) {
+  for (const DatabaseKind kind : {DatabaseKind::kRecipe, DatabaseKind::kTransaction}) {
+    SQLite::Database blank = BlankInMemory(kind);
+    std::vector<std::string> statements;
+    SQLite::Statement query(blank, "SELECT sql FROM sqlite_schema ORDER BY rowid");
+    while (query.executeStep()) {
+      statements.push_back(query.getColumn(0).getString());
+    }
+    EXPECT_EQ(statements, Ask(TemplatePath(kind), "SELECT sql FROM sqlite_schema ORDER BY rowid"));
+    EXPECT_EQ(blank.execAndGet("SELECT dBType FROM BrantockDatabase").getString(),
+              Ask(TemplatePath(kind), "SELECT dBType FROM BrantockDatabase").at(0));
+    EXPECT_THROW(blank.exec("UPDATE UnitsOfMeasure SET UoM = 'KG'"), SQLite::Exception);
+  }
+}
+
 TEST(Schema, TemplatesOpenAsDatabasesOfThisSystem) {
   for (const DatabaseKind kind : {DatabaseKind::kRecipe, DatabaseKind::kTransaction}) {
     SQLite::Database database = OpenDatabase(TemplatePath(kind), Access::kRead);
