@@ -6,6 +6,8 @@
 #include <filesystem>
 #include <system_error>
 
+#include "adapters/document_viewers.h"
+
 namespace vrx {
 namespace {
 
@@ -46,11 +48,17 @@ std::string LinuxSystemInfo::ProgramDirectory() const {
 
 int LinuxSystemInfo::FindExecutable(const std::string& document, const std::string& directory,
                                     std::string& viewer) const {
-  constexpr int kNoFile = 2;
-  constexpr int kNoAssociation = 31;
+  constexpr int kNoPath = 3;
   viewer.clear();
   std::error_code ignored;
-  return fs::exists(fs::path(directory) / document, ignored) ? kNoAssociation : kNoFile;
+  if (!fs::is_directory(directory, ignored)) {
+    return kNoPath;
+  }
+  ProgramCall call;
+  const fs::path path = fs::path(directory) / document;
+  const int code = FindDocumentCall(QString::fromStdString(path.string()), call);
+  viewer = call.program.toStdString();
+  return code;
 }
 
 }  // namespace vrx

@@ -127,5 +127,28 @@ TEST_F(QtEventPumpTest, LookingEveryFiveMillisecondsTakesNoCore) {
   EXPECT_LT(meter.Share(), kWaitingShare);
 }
 
+TEST_F(QtEventPumpTest, WaitsAgainOnceItIsReopened) {
+  pump.Close();
+  EXPECT_TRUE(pump.Closing());
+  pump.Reopen();
+  EXPECT_FALSE(pump.Closing());
+  bool handled = false;
+  const OneEvent event(Ms{20}, [&] { handled = true; });
+  PumpUntil([&] { return handled; });
+}
+
+TEST_F(QtEventPumpTest, TellsAnEventWhetherAWaitIsUnderWay) {
+  EXPECT_FALSE(pump.Pumping());
+  bool pumping = false;
+  bool handled = false;
+  const OneEvent event(Ms{0}, [&] {
+    pumping = pump.Pumping();
+    handled = true;
+  });
+  PumpUntil([&] { return handled; });
+  EXPECT_TRUE(pumping);
+  EXPECT_FALSE(pump.Pumping());
+}
+
 }  // namespace
 }  // namespace vrx::testing

@@ -1,0 +1,56 @@
+#pragma once
+
+#include <filesystem>
+#include <string>
+
+#include "support/environment.h"
+#include "support/temp_folder.h"
+
+namespace vrx::testing {
+
+// A desktop of its own: folders for data and settings, and programs in a path.
+class ViewerSite {
+ public:
+  ViewerSite() {
+    std::filesystem::create_directories(folder / "data/applications");
+    std::filesystem::create_directories(folder / "config");
+    std::filesystem::create_directories(folder / "bin");
+    // The kinds of files are the machine's.
+    std::filesystem::create_directory_symlink("/usr/share/mime", folder / "data/mime");
+  }
+
+  // A program that keeps what it was started with, word by word, in the folder's file `name`.
+  std::filesystem::path MakeProgram(const std::string& name) const {
+    const std::string kept = (folder / name).string();
+    const auto path =
+        folder.Write("bin/" + name,
+                     "#!/bin/sh\nPATH=/usr/bin:/bin\n{ pwd; for word; do echo \"<$word>\"; done; "
+                     "grep SigBlk /proc/self/status; } >'" +
+                         kept +
+                         ".new'\n"
+                         "mv '" +
+                         kept + ".new' '" + kept + "'\n");
+    std::filesystem::permissions(path, std::filesystem::perms::owner_all);
+    return path;
+  }
+
+  void MakeEntry(const std::string& name, const std::string& lines) const {
+    folder.Write("data/applications/" + name, "[Desktop Entry]\nType=Application\n" + lines);
+  }
+  void Cache(const std::string& lines) const {
+    folder.Write("data/applications/mimeinfo.cache", "[MIME Cache]\n" + lines);
+  }
+  void Prefer(const std::string& groups) const { folder.Write("config/mimeapps.list", groups); }
+
+  TempFolder folder;
+
+ private:
+  Environment data_home_{"XDG_DATA_HOME", (folder / "data").string()};
+  Environment data_dirs_{"XDG_DATA_DIRS", (folder / "none").string()};
+  Environment config_home_{"XDG_CONFIG_HOME", (folder / "config").string()};
+  Environment config_dirs_{"XDG_CONFIG_DIRS", (folder / "none").string()};
+  Environment desktop_{"XDG_CURRENT_DESKTOP", "GNOME"};
+  Environment path_{"PATH", (folder / "bin").string() + ":/usr/bin:/bin"};
+};
+
+}  // namespace vrx::testing
