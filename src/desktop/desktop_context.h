@@ -9,6 +9,7 @@
 #include "desktop/qt_operator.h"
 #include "platform/calendar.h"
 #include "platform/file_chooser.h"
+#include "platform/operating_system.h"
 #include "platform/serial_control.h"
 #include "platform/system_info.h"
 #include "platform/user_settings.h"
@@ -33,6 +34,7 @@ struct DesktopContext {
   UserSettings& user_settings;
   const Calendar& calendar;
   const SystemInfo& system;
+  OperatingSystem& os;
   QtEventPump& pump;
   SerialControl& serial;
   ExitRoads& exit;

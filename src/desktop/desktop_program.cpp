@@ -43,6 +43,7 @@ int DesktopProgram::Run() {
                                .user_settings = user_settings_,
                                .calendar = calendar_,
                                .system = system_,
+                               .os = os_,
                                .pump = pump_,
                                .serial = serial_,
                                .exit = *this};

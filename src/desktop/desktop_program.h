@@ -2,6 +2,7 @@
 
 #include <memory>
 
+#include "adapters/linux_operating_system.h"
 #include "adapters/local_machine.h"
 #include "adapters/qt_event_pump.h"
 #include "adapters/qt_serial_control.h"
@@ -44,6 +45,7 @@ class DesktopProgram : private ExitRoads {
   QtUserSettings user_settings_;
   LocalCalendar calendar_;
   LinuxSystemInfo system_;
+  LinuxOperatingSystem os_;
   QtEventPump pump_;
   QtSerialControl serial_;
   Splash splash_;

@@ -1,8 +1,18 @@
 #include "desktop/form_parts.h"
 
 #include "desktop/caption_pass.h"
+#include "desktop/qt_text.h"
+#include "setup/about_form.h"
 
 namespace vrx {
+namespace {
+
+constexpr int kCopyrightCaption = 1030;
+constexpr int kVisitCaption = 1083;
+constexpr int kRightsCaption = 1105;
+constexpr int kUrlCaption = 1116;
+
+}  // namespace
 
 QLabel* AddLabel(QWidget& parent, const char* name, int caption) {
   auto* const label = new QLabel(&parent);
@@ -21,6 +31,16 @@ void SetFontScale(QWidget& widget, double scale, QFont::Weight weight) {
   widget.setFont(font);
 }
 
-QString VersionText() { return QStringLiteral(VRX_VERSION); }
+QString VersionText() { return ToQString(ProgramVersion()); }
+
+void AddMakersWords(QWidget& form, QBoxLayout& column) {
+  column.addWidget(AddLabel(form, "lblCopyright", kCopyrightCaption));
+  column.addWidget(AddLabel(form, "lblRights", kRightsCaption));
+  column.addSpacing(kSpacing);
+  column.addWidget(AddLabel(form, "lblVisit", kVisitCaption));
+  QLabel* const url = AddLabel(form, "lblURL", kUrlCaption);
+  url->setTextInteractionFlags(Qt::TextSelectableByMouse);
+  column.addWidget(url);
+}
 
 }  // namespace vrx

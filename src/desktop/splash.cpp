@@ -17,7 +17,6 @@ namespace {
 
 constexpr QSize kFormSize{480, 300};
 constexpr QSize kLogoSize{112, 112};
-constexpr int kMargin = 24;
 
 void LayOut(QFrame& frame) {
   auto* const image = new SvgImage(kLogoPath, kLogoSize, &frame);
@@ -32,18 +31,14 @@ void LayOut(QFrame& frame) {
   words->addStretch();
 
   auto* const head = new QHBoxLayout;
-  head->setSpacing(kMargin);
+  head->setSpacing(kFormMargin);
   head->addWidget(image);
   head->addLayout(words, 1);
 
   auto* const column = new QVBoxLayout(&frame);
-  column->setContentsMargins(kMargin, kMargin, kMargin, kMargin);
+  column->setContentsMargins(kFormMargin, kFormMargin, kFormMargin, kFormMargin);
   column->addLayout(head, 1);
-  column->addWidget(AddLabel(frame, "lblCopyright", kCopyrightCaption));
-  column->addWidget(AddLabel(frame, "lblRights", kRightsCaption));
-  column->addSpacing(kSpacing);
-  column->addWidget(AddLabel(frame, "lblVisit", kVisitCaption));
-  column->addWidget(AddLabel(frame, "lblURL", kUrlCaption));
+  AddMakersWords(frame, *column);
 }
 
 }  // namespace
