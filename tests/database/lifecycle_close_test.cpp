@@ -9,7 +9,6 @@ namespace {
 namespace fs = std::filesystem;
 using ::testing::ElementsAre;
 using ::testing::IsEmpty;
-using ::testing::SizeIs;
 
 constexpr auto kRecipe = DatabaseKind::kRecipe;
 constexpr auto kTransaction = DatabaseKind::kTransaction;

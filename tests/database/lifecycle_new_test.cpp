@@ -17,7 +17,7 @@ constexpr auto kTransaction = DatabaseKind::kTransaction;
 class NewRecipeDatabase : public LifecycleSite {
  protected:
   fs::path Choose(const std::string& name) {
-    const fs::path path = app_folder_.DefaultAppPath() / name;
+    fs::path path = app_folder_.DefaultAppPath() / name;
     chooser_.Choose(path);
     return path;
   }
