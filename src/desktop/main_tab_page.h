@@ -1,0 +1,45 @@
+#pragma once
+
+#include <QWidget>
+
+#include "database/bound_database.h"
+#include "database/schema.h"
+
+namespace vrx {
+
+// A page of `tabMainFolder`: its part in what the main window does. What a page has no part in
+// stays as it is here, nothing.
+class MainTabPage : public QWidget {
+  Q_OBJECT
+
+ public:
+  using QWidget::QWidget;
+
+  // Any tab was chosen, this page's or not; called ahead of Prepare.
+  virtual void TabChanged(int /*tab*/, int /*previous*/) {}
+
+  // The page's part of its tab's Click routine, once the panels are as the tab has them. May run
+  // events.
+  virtual void Prepare() {}
+
+  // The tab strip took the focus with this page on show.
+  virtual void StripFocused() {}
+
+  // The window came to the front with this page on show. May run events.
+  virtual void Activated() {}
+
+  // The page's views of that kind move to this database, with no statement left open. Runs no
+  // events. Throws DatabaseError; the page is then given the old one again.
+  virtual void Rebind(DatabaseKind /*kind*/, const BoundDatabase& /*database*/) {}
+
+  // The program ends: the views let go of both databases.
+  virtual void ReleaseViews() {}
+
+  // The other events of the databases, on the record pages. LoadIdLists may run events.
+  virtual void LoadIdLists() {}
+  virtual void CheckPenCapacity() {}
+  virtual void HidePenCapacityWarning() {}
+  virtual void SelectPenItem(int /*list_index*/) {}
+};
+
+}  // namespace vrx

@@ -1,0 +1,110 @@
+#pragma once
+
+#include <QFrame>
+#include <QLabel>
+#include <QProgressBar>
+#include <QPushButton>
+#include <functional>
+#include <span>
+#include <string_view>
+#include <vector>
+
+#include "platform/operator.h"
+
+namespace vrx {
+
+// The indexes of `cmdAction` and `cmdNavigate`.
+enum ActionButton : int { kActionUpdate, kActionCancel, kActionDefault };
+enum NavigateButton : int { kNavigateFirst, kNavigatePrevious, kNavigateNext, kNavigateLast };
+
+// A button of a control array.
+struct PanelButton {
+  std::string_view caption;
+  std::string_view meaning = {};  // in its tooltip and for a screen reader, where it has to be told
+};
+
+// A panel with the buttons of a control array, which bear its name and their index. They are off
+// until a handler is set.
+class ButtonPanel : public QFrame {
+  Q_OBJECT
+
+ public:
+  using Handler = std::function<void(int index)>;
+
+  ButtonPanel(QWidget* parent, std::string_view name, std::string_view array,
+              std::span<const PanelButton> buttons);
+
+  void SetHandler(Handler handler);
+  QPushButton& Button(int index) const { return *buttons_.at(static_cast<std::size_t>(index)); }
+
+ private:
+  std::vector<QPushButton*> buttons_;
+  Handler handler_;
+};
+
+// `picTransferStatus`: the status line of transfers, and how full the memory is. A click on the
+// count of bytes shows the bar in its place, and a click on the bar the count.
+class TransferStatusPanel : public QFrame {
+  Q_OBJECT
+
+ public:
+  static constexpr int kMemoryBytes = 65536;
+
+  explicit TransferStatusPanel(QWidget* parent = nullptr);
+
+  void SetStatusLine(const QString& text);
+  void SetStatusColor(StatusColor color);
+
+  // The memory shows in the direct connection only, as its count to begin with.
+  void ShowMemory(bool shown);
+  void SetMemorySize(int bytes);
+
+ protected:
+  bool eventFilter(QObject* watched, QEvent* event) override;
+  void changeEvent(QEvent* event) override;
+
+ private:
+  void AddMemory();
+  void PaintStatus();
+
+  QLabel* status_window_;
+  QLabel* memory_;
+  QLabel* memory_size_;
+  QProgressBar* memory_bar_;
+  StatusColor color_ = StatusColor::kBlue;
+};
+
+// The row below the tabs: those panels and `picImport`, as high with any of them as with none.
+class PanelRow : public QWidget {
+  Q_OBJECT
+
+ public:
+  explicit PanelRow(QWidget* parent = nullptr);
+
+  // A combination of BottomPanels.
+  void ShowPanels(unsigned panels);
+
+  // `lblRecordNumber`, on `picNavigate`; 0 clears it.
+  void ShowRecordNumber(int position);
+
+  ButtonPanel& PicAction() const { return *action_; }
+  ButtonPanel& PicNavigate() const { return *navigate_; }
+  TransferStatusPanel& PicTransferStatus() const { return *transfer_status_; }
+  QFrame& PicImport() const { return *import_; }  // has a horizontal layout to be filled
+
+ protected:
+  void changeEvent(QEvent* event) override;
+
+ private:
+  void AddRecordNumber();
+  void KeepHeight();
+
+  ButtonPanel* action_;
+  ButtonPanel* navigate_;
+  QLabel* record_ = nullptr;
+  QLabel* record_number_ = nullptr;
+  TransferStatusPanel* transfer_status_;
+  QFrame* import_;
+};
+
+}  // namespace vrx

@@ -1,0 +1,111 @@
+#include "desktop/main_window_tabs.h"
+
+#include <QFocusEvent>
+#include <QMouseEvent>
+#include <QSignalBlocker>
+#include <QTabBar>
+#include <functional>
+#include <utility>
+
+#include "desktop/qt_text.h"
+
+namespace vrx {
+namespace {
+
+constexpr unsigned kRecordPanels = kPicAction | kPicNavigate;
+
+constexpr std::array<TabRow, kTabCount> kTabRows{{
+    {"Ingredients", "pageIngredients", kRecordPanels, true},
+    {"Recipes", "pageRecipes", kRecordPanels, true},
+    {"Pens", "pagePens", kRecordPanels, true},
+    {"Data Transfer", "pageDataTransfer", kPicTransferStatus},
+    {"Batched/Fed", "pageBatchedFed"},
+    {"Import", "pageImport", kPicImport},
+    {"Export", "pageExport"},
+}};
+
+// A strip that tells of the focus once the click that brought it has changed the tab.
+class TabStrip : public QTabBar {
+ public:
+  TabStrip(QWidget* parent, std::function<void()> focused)
+      : QTabBar(parent), focused_(std::move(focused)) {
+    setFocusPolicy(Qt::StrongFocus);
+  }
+
+ protected:
+  void focusInEvent(QFocusEvent* event) override {
+    QTabBar::focusInEvent(event);
+    switch (event->reason()) {
+      case Qt::ActiveWindowFocusReason:
+      case Qt::PopupFocusReason:
+      case Qt::MenuBarFocusReason:
+        break;
+      case Qt::MouseFocusReason:
+        by_mouse_ = true;
+        break;
+      default:
+        focused_();
+    }
+  }
+
+  void mousePressEvent(QMouseEvent* event) override {
+    QTabBar::mousePressEvent(event);
+    if (std::exchange(by_mouse_, false)) {
+      focused_();
+    }
+  }
+
+ private:
+  std::function<void()> focused_;
+  bool by_mouse_ = false;
+};
+
+}  // namespace
+
+const std::array<TabRow, kTabCount>& TabRows() { return kTabRows; }
+
+MainTabFolder::MainTabFolder(QWidget* parent) : QTabWidget(parent) {
+  setObjectName(QStringLiteral("tabMainFolder"));
+  setTabBar(new TabStrip(this, [this] { Q_EMIT StripFocused(); }));
+  for (const TabRow& row : kTabRows) {
+    auto* page = new MainTabPage;
+    page->setObjectName(ToQString(row.page));
+    addTab(page, ToQString(row.caption));
+  }
+  connect(this, &QTabWidget::currentChanged, [this](int tab) {
+    if (!by_program_) {
+      Q_EMIT TabClicked(tab);
+    }
+  });
+}
+
+MainTabPage& MainTabFolder::Page(int tab) const { return *qobject_cast<MainTabPage*>(widget(tab)); }
+
+void MainTabFolder::SetPage(int tab, MainTabPage* page) {
+  const bool was_by_program = std::exchange(by_program_, true);
+  const int on_show = currentIndex();
+  const bool on = isTabEnabled(tab);
+  QWidget* const old = widget(tab);
+  removeTab(tab);
+  insertTab(tab, page, ToQString(kTabRows.at(static_cast<std::size_t>(tab)).caption));
+  delete old;
+  TurnTab(tab, on);
+  setCurrentIndex(on_show);
+  by_program_ = was_by_program;
+}
+
+void MainTabFolder::ShowTab(int tab) {
+  const bool was_by_program = std::exchange(by_program_, true);
+  setCurrentIndex(tab);
+  by_program_ = was_by_program;
+}
+
+// The strip of the toolkit leaves a tab that goes off for the next one that is on.
+void MainTabFolder::TurnTab(int tab, bool on) {
+  const QSignalBlocker silent(tabBar());
+  const int on_show = currentIndex();
+  setTabEnabled(tab, on);
+  tabBar()->setCurrentIndex(on_show);
+}
+
+}  // namespace vrx

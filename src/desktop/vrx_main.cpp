@@ -1,0 +1,205 @@
+#include "desktop/vrx_main.h"
+
+#include <QApplication>
+#include <QPushButton>
+#include <array>
+#include <string>
+#include <utility>
+
+#include "desktop/qt_text.h"
+#include "frame/text.h"
+
+namespace vrx {
+namespace {
+
+using enum MainCommand;
+
+struct DatabaseCommand {
+  MainCommand command;
+  void (DatabaseLifecycle::*flow)();
+};
+
+constexpr std::array<DatabaseCommand, 10> kDatabaseCommands{{
+    {kNewRecipeDatabase, &DatabaseLifecycle::NewRecipeDatabase},
+    {kNewTransactionDatabase, &DatabaseLifecycle::NewTransactionDatabase},
+    {kBrowseRecipeDatabase, &DatabaseLifecycle::BrowseRecipeDatabase},
+    {kBrowseTransactionDatabase, &DatabaseLifecycle::BrowseTransactionDatabase},
+    {kCloseRecipeDatabase, &DatabaseLifecycle::CloseRecipeDatabase},
+    {kCloseTransactionDatabase, &DatabaseLifecycle::CloseTransactionDatabase},
+    {kSaveRecipeDatabase, &DatabaseLifecycle::SaveRecipeDatabase},
+    {kSaveTransactionDatabase, &DatabaseLifecycle::SaveTransactionDatabase},
+    {kSaveAsRecipeDatabase, &DatabaseLifecycle::SaveAsRecipeCommand},
+    {kSaveAsTransactionDatabase, &DatabaseLifecycle::SaveAsTransactionCommand},
+}};
+
+constexpr std::array<std::pair<MainCommand, int>, 4> kTabCommands{{
+    {kEditIngredients, kTabIngredients},
+    {kEditRecipes, kTabRecipes},
+    {kEditPens, kTabPens},
+    {kViewTransactions, kTabBatchedFed},
+}};
+
+constexpr std::array<std::pair<MainCommand, const char*>, 2> kTransferCommands{{
+    {kTransferUpload, "cmdUploadDataFromKRM"},
+    {kTransferDownload, "cmdDownloadRecipeToKRM"},
+}};
+
+constexpr int kTwipsPerPixel = 15;  // 1440 to the inch, 96 logical pixels to the inch
+
+}  // namespace
+
+VrxMain::VrxMain(const Ports& ports)
+    : ports_(ports),
+      window_(ports.settings, ports.calendar),
+      delay_(ports.pump),
+      identity_(ports.op, ports.calendar, ports.settings),
+      databases_({.op = ports.op,
+                  .files = ports.files,
+                  .system = ports.system,
+                  .app_folder = ports.app_folder,
+                  .settings = ports.settings,
+                  .calendar = ports.calendar,
+                  .identity = identity_,
+                  .delay = delay_,
+                  .commands = window_.Commands(),
+                  .tabs = window_.Tabs(),
+                  .window = window_}),
+      recent_(ports.user_settings, ports.settings, databases_) {
+  Connect();
+  SetHandlers();
+  Load();
+}
+
+void VrxMain::Connect() {
+  connect(&window_, &MainWindow::Painted, this, &VrxMain::Paint);
+  // Not from within the event: what is opened lets events run.
+  connect(&window_, &MainWindow::Activated, this, &VrxMain::Activate, Qt::QueuedConnection);
+  connect(&window_, &MainWindow::CloseRequested, this, [this] { ports_.exit.CloseBox(); });
+  connect(&window_, &MainWindow::StripFocused, this, [this] { databases_.TakeSystemUnits(); });
+  window_.SetPrintSources([this] {
+    return PrintSources{.recipe_database = !databases_.Recipe().name.empty(),
+                        .transaction_database = !databases_.Transaction().name.empty()};
+  });
+}
+
+void VrxMain::SetHandlers() {
+  for (const auto& [command, flow] : kDatabaseCommands) {
+    window_.SetHandler(command, [this, flow = flow] { (databases_.*flow)(); });
+  }
+  for (const auto& [command, tab] : kTabCommands) {
+    window_.SetHandler(command, [this, tab = tab] { window_.Tabs().SelectTab(tab); });
+  }
+  for (const auto& [command, button] : kTransferCommands) {
+    window_.SetHandler(command, [this, button = button] { GoToTransfer(button); });
+  }
+  window_.SetHandler(kAutoAbbreviate, [this] { ToggleAutoAbbreviate(); });
+  window_.SetHandler(kCalendar, [this] { window_.ToggleCalendar(); });
+  window_.SetHandler(kExit, [this] { ports_.exit.FileExit(); });
+}
+
+void VrxMain::Load() {
+  window_.ApplyCaptions();
+  window_.SetStatusLine({});
+  if (!ports_.settings.SettingsReadOk()) {
+    ports_.op.ShowMessage(
+        {.icon = Icon::kWarning,
+         .title = "INI File Error",
+         .text = "Unable to read some or all of the application settings from the applications INI "
+                 "file. Please check all settings.",
+         .cause = ports_.settings.FailureCause()});
+  }
+  databases_.CloseRecipeDatabase();
+  databases_.CloseTransactionDatabase();
+  window_.UpdateAutoAbbrevUI(ports_.settings.AutoAbbreviateOn());
+  window_.Tabs().SelectTab(kTabIngredients);
+  window_.Commands().DisableRecipeCommands();
+  window_.Commands().DisableTransactionCommands();
+  window_.Tabs().SelectTab(kTabDataTransfer);
+  recent_.Load();
+}
+
+void VrxMain::Paint() {
+  window_.ShowSystemUnits();
+  window_.ShowTransferOption();
+  if (std::exchange(first_paint_, false)) {
+    BeepIfEnabled(ports_.op, ports_.settings);
+  }
+  window_.ShowToday();
+}
+
+void VrxMain::Activate() {
+  recent_.Activate();
+  window_.PageActivated();
+  window_.ShowTransferOption();
+  window_.ShowSystemUnits();
+}
+
+void VrxMain::GoToTransfer(const char* button) {
+  window_.Tabs().SelectTab(kTabDataTransfer);
+  auto* const target = window_.findChild<QPushButton*>(QLatin1String(button));
+  if (target != nullptr && target->isEnabled() && target->isVisible()) {
+    target->setFocus();
+  }
+}
+
+// The file holds it at once, unlike the other settings.
+void VrxMain::ToggleAutoAbbreviate() {
+  const bool on = !ports_.settings.AutoAbbreviateOn();
+  ports_.settings.SetAutoAbbreviateOn(on);
+  std::string cause;
+  const bool written =
+      ports_.ini.WriteKey("Configuration", "AutoAbbreviate", on ? "YES" : "NO", &cause);
+  window_.UpdateAutoAbbrevUI(on);
+  if (!written) {
+    ports_.op.ShowMessage({.icon = Icon::kWarning,
+                           .title = "INI File Error",
+                           .text = "Unable to save the setting to the applications INI file.",
+                           .cause = cause});
+  }
+}
+
+std::optional<WindowPlace> VrxMain::Place() const {
+  if (window_.isMinimized()) {
+    return std::nullopt;
+  }
+  const QRect frame = window_.frameGeometry();
+  return WindowPlace{.left = frame.left() * kTwipsPerPixel,
+                     .top = frame.top() * kTwipsPerPixel,
+                     .width = frame.width() * kTwipsPerPixel,
+                     .height = frame.height() * kTwipsPerPixel};
+}
+
+RecentFile VrxMain::Recent(DatabaseKind kind) const {
+  const CurrentDatabase& current =
+      kind == DatabaseKind::kRecipe ? databases_.Recipe() : databases_.Transaction();
+  return {.path = current.path.string(), .name = current.name};
+}
+
+void VrxMain::UnloadOpenForms() {
+  for (QWidget* form : QApplication::topLevelWidgets()) {
+    if (form != &window_ && form->isVisible()) {
+      form->close();
+    }
+  }
+}
+
+std::unique_ptr<MainForm> MakeVrxMain(const DesktopContext& context) {
+  auto form = std::make_unique<VrxMain>(VrxMain::Ports{.op = context.op,
+                                                       .files = context.files,
+                                                       .user_settings = context.user_settings,
+                                                       .calendar = context.calendar,
+                                                       .system = context.system,
+                                                       .pump = context.pump,
+                                                       .serial = context.serial,
+                                                       .app_folder = context.application.app_folder,
+                                                       .ini = *context.application.ini,
+                                                       .settings = context.application.settings,
+                                                       .exit = context.exit});
+  QObject::connect(&context.op, &QtOperator::StatusLineChanged, &form->Window(),
+                   &MainWindow::SetStatusLine);
+  QObject::connect(&context.op, &QtOperator::StatusColorChanged, &form->Window(),
+                   &MainWindow::SetStatusColor);
+  return form;
+}
+
+}  // namespace vrx

@@ -1,0 +1,78 @@
+#pragma once
+
+#include <memory>
+#include <optional>
+
+#include "database/identity.h"
+#include "database/lifecycle.h"
+#include "database/recent_databases.h"
+#include "desktop/desktop_context.h"
+#include "desktop/main_form.h"
+#include "desktop/main_window.h"
+#include "frame/folder.h"
+#include "frame/general_delay.h"
+#include "frame/private_ini.h"
+
+namespace vrx {
+
+// The form `VRXMAIN`: its window and the flows behind that. Making it is its Load, after which both
+// databases are closed and the Data Transfer tab is on show.
+class VrxMain : public QObject, public MainForm {
+  Q_OBJECT
+
+ public:
+  // Everything outlives it.
+  struct Ports {
+    Operator& op;
+    FileChooser& files;
+    UserSettings& user_settings;
+    const Calendar& calendar;
+    const SystemInfo& system;
+    EventPump& pump;
+    SerialControl& serial;
+    const Folder& app_folder;
+    const CPrivateINI& ini;
+    PrivateINI& settings;
+    ExitRoads& exit;
+  };
+
+  explicit VrxMain(const Ports& ports);
+
+  MainWindow& Window() { return window_; }
+  DatabaseLifecycle& Databases() { return databases_; }
+
+  // MainForm.
+  void Show() override { window_.show(); }
+  void CloseSerialPort() override { ports_.serial.SetPortOpen(false); }
+  void UnloadSetup() override {}
+  std::optional<WindowPlace> Place() const override;
+  RecentFile Recent(DatabaseKind kind) const override;
+  void CloseRecipeDatabase() override { databases_.CloseRecipeDatabase(); }
+  void CloseTransactionDatabase() override { databases_.CloseTransactionDatabase(); }
+  void ReleaseDataControls() override { databases_.Release(); }
+  void ClearIngredientDropDown() override {}
+  void UnloadOpenForms() override;
+  void Unload() override { window_.hide(); }
+
+ private:
+  void Connect();
+  void SetHandlers();
+  void Load();
+  void Paint();
+  void Activate();
+  void GoToTransfer(const char* button);
+  void ToggleAutoAbbreviate();
+
+  Ports ports_;
+  MainWindow window_;
+  GeneralDelay delay_;
+  DatabaseIdentity identity_;
+  DatabaseLifecycle databases_;
+  RecentDatabases recent_;
+  bool first_paint_ = true;
+};
+
+// Makes `VRXMAIN` for the program.
+std::unique_ptr<MainForm> MakeVrxMain(const DesktopContext& context);
+
+}  // namespace vrx
