@@ -1,5 +1,6 @@
 #include "desktop/calendar_popup.h"
 
+#include <QAbstractItemView>
 #include <QApplication>
 #include <QKeyEvent>
 #include <QPainter>
@@ -31,6 +32,7 @@ CalendarPopup::CalendarPopup(const Calendar& calendar, QWidget* parent)
     setWeekdayTextFormat(day, {});  // no red, which not every background bears
   }
   ShowPlainArrows();
+  findChild<QAbstractItemView*>()->setAccessibleName(accessibleName());  // what takes the focus
   hide();
   ShowToday();
   connect(this, &QCalendarWidget::selectionChanged, this, &CalendarPopup::ShowToday);

@@ -1,5 +1,6 @@
 #include "desktop/main_window_menus.h"
 
+#include <QKeySequence>
 #include <QMenu>
 #include <array>
 #include <map>
@@ -38,9 +39,9 @@ constexpr std::array kMenuRows = std::to_array<MenuRow>({
     {"mnuFileImportTransactionFile", "1073", "mnuFile", kImportTransactionFile},
     {"mnuFileBar1", kSeparator, "mnuFile"},
     {"mnuFilePrintSetup", "1103", "mnuFile", kPrintSetup},
-    {"mnuFilePrint", "1006", "mnuFile", kPrint, QKeySequence::Print},
+    {"mnuFilePrint", "1006", "mnuFile", kPrint, "Ctrl+P"},
     {"mnuFileBar2", kSeparator, "mnuFile"},
-    {"mnuFileExit", "1007", "mnuFile", kExit, QKeySequence::Quit},
+    {"mnuFileExit", "1007", "mnuFile", kExit, "Ctrl+Q"},
     {"mnuEdit", "1008"},
     {"mnuEditIngredient", "1009", "mnuEdit", kEditIngredients},
     {"mnuEditRecipe", "1010", "mnuEdit", kEditRecipes},
@@ -57,7 +58,7 @@ constexpr std::array kMenuRows = std::to_array<MenuRow>({
     {"mnuTools", "1015"},
     {"mnuToolsSetup", "1016", "mnuTools", kSetup},
     {"mnuHelp", "1017"},
-    {"mnuHelpManual", "1127", "mnuHelp", kManual, QKeySequence::HelpContents},
+    {"mnuHelpManual", "1127", "mnuHelp", kManual, "F1"},
     {"mnuHelpBar1", kSeparator, "mnuHelp"},
     {"mnuHelpReadme", "1128", "mnuHelp", kReadme},
     {"mnuHelpBar2", kSeparator, "mnuHelp"},
@@ -82,9 +83,7 @@ QAction* AddRow(QMenu& parent, const MenuRow& row, Menus& menus) {
   }
   QAction* item = parent.addAction(id);
   item->setCheckable(row.command == kAutoAbbreviate);
-  if (row.shortcut != QKeySequence::UnknownKey) {
-    item->setShortcut(row.shortcut);
-  }
+  item->setShortcut(QKeySequence(ToQString(row.shortcut)));
   return item;
 }
 

@@ -1,6 +1,5 @@
 #pragma once
 
-#include <QKeySequence>
 #include <QMenuBar>
 #include <span>
 #include <string_view>
@@ -16,7 +15,7 @@ struct MenuRow {
   std::string_view caption_id;               // in the caption table
   std::string_view parent = {};              // the menu it stands in; empty in the menu bar
   MainCommand command = MainCommand::kNone;  // none for a menu with items of its own
-  QKeySequence::StandardKey shortcut = QKeySequence::UnknownKey;
+  std::string_view shortcut = {};
 };
 
 // In the order in which they stand; a menu ahead of its items.

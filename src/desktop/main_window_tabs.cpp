@@ -66,6 +66,7 @@ const std::array<TabRow, kTabCount>& TabRows() { return kTabRows; }
 
 MainTabFolder::MainTabFolder(QWidget* parent) : QTabWidget(parent) {
   setObjectName(QStringLiteral("tabMainFolder"));
+  setAccessibleName(QStringLiteral("Work"));
   setTabBar(new TabStrip(this, [this] { Q_EMIT StripFocused(); }));
   for (const TabRow& row : kTabRows) {
     auto* page = new MainTabPage;
