@@ -17,6 +17,7 @@ namespace vrx {
 namespace {
 
 constexpr QSize kLogoSize{80, 80};
+constexpr double kTitleScale = 1.8;  // of the application's font
 constexpr int kVersionCaption = 1050;
 constexpr int kTitleCaption = 1051;
 constexpr int kDescriptionCaption = 1052;

@@ -23,8 +23,9 @@ bool OnMainLoop() { return QThread::currentThread()->loopLevel() <= 1; }
 
 }  // namespace
 
-DesktopProgram::DesktopProgram(MakeMainForm make_main_form)
-    : application_{.app_folder = Folder(system_), .ini = {}, .settings = {}},
+DesktopProgram::DesktopProgram(const SystemInfo& system, MakeMainForm make_main_form)
+    : system_(system),
+      application_{.app_folder = Folder(system_), .ini = {}, .settings = {}},
       serial_([this](int number) {
         return LinuxPortDevice(application_.app_folder.DefaultAppPath(), number);
       }),
@@ -85,7 +86,7 @@ void DesktopProgram::Walk(Road road) {
     dialog->close();
   }
   if (pump_.Pumping() || !OnMainLoop()) {
-    QTimer::singleShot(kUnwindingPoll, qApp, [this, road] { Walk(road); });
+    QTimer::singleShot(kUnwindingPoll, &unwinding_, [this, road] { Walk(road); });
     return;
   }
   if (!main_form_) {

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <QObject>
 #include <memory>
 
 #include "adapters/linux_operating_system.h"
@@ -20,7 +21,7 @@ namespace vrx {
 // Needs a QApplication.
 class DesktopProgram : private ExitRoads {
  public:
-  explicit DesktopProgram(MakeMainForm make_main_form);
+  DesktopProgram(const SystemInfo& system, MakeMainForm make_main_form);
   ~DesktopProgram() override;
   DesktopProgram(const DesktopProgram&) = delete;
   DesktopProgram& operator=(const DesktopProgram&) = delete;
@@ -38,19 +39,20 @@ class DesktopProgram : private ExitRoads {
   void Leave(Road road);
   void Walk(Road road);
 
+  const SystemInfo& system_;
   ApplicationState application_;
   LockFile instance_;
   QtOperator op_;
   QtFileChooser files_;
   QtUserSettings user_settings_;
   LocalCalendar calendar_;
-  LinuxSystemInfo system_;
   LinuxOperatingSystem os_;
   QtEventPump pump_;
   QtSerialControl serial_;
   Splash splash_;
   MakeMainForm make_main_form_;
   std::unique_ptr<MainForm> main_form_;
+  QObject unwinding_;  // whose timers go with the program
   bool leaving_ = false;
 };
 

@@ -14,7 +14,6 @@ inline const QString kLogoPath = QStringLiteral(":/icons/logo.svg");
 // Logical pixels: between controls, and around what a form holds.
 inline constexpr int kSpacing = 8;
 inline constexpr int kFormMargin = 24;
-inline constexpr double kTitleScale = 1.8;  // of the application's font
 
 inline constexpr int kProductCaption = 1081;  // the title of both
 

@@ -2,14 +2,22 @@
 
 #include <QStandardPaths>
 #include <chrono>
+#include <utility>
 
 #include "frame/error.h"
 
 namespace vrx {
 
+LockFile::LockFile()
+    : LockFile(QStandardPaths::writableLocation(QStandardPaths::RuntimeLocation)) {}
+
+LockFile::LockFile(QString folder) : folder_(std::move(folder)) {}
+
 bool LockFile::Claim() {
-  const QString folder = QStandardPaths::writableLocation(QStandardPaths::RuntimeLocation);
-  const QString path = folder + QStringLiteral("/vrx2260.lock");
+  if (folder_.isEmpty()) {
+    throw Error("there is no folder for the locks of running programs");
+  }
+  const QString path = folder_ + QStringLiteral("/vrx2260.lock");
   lock_.emplace(path);
   lock_->setStaleLockTime(std::chrono::milliseconds{0});  // however long the program has run
   if (lock_->tryLock(std::chrono::milliseconds{0})) {

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <QLockFile>
+#include <QString>
 #include <optional>
 
 #include "desktop/start_up.h"
@@ -11,9 +12,13 @@ namespace vrx {
 // goes with the process: what a crash leaves behind holds nobody up.
 class LockFile : public SingleInstance {
  public:
+  LockFile();  // in the user's folder
+  explicit LockFile(QString folder);
+
   bool Claim() override;
 
  private:
+  QString folder_;
   std::optional<QLockFile> lock_;
 };
 

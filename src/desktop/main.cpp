@@ -1,6 +1,7 @@
 #include <QApplication>
 #include <QIcon>
 
+#include "adapters/local_machine.h"
 #include "desktop/desktop_program.h"
 #include "desktop/form_parts.h"
 #include "desktop/vrx_main.h"
@@ -11,5 +12,6 @@ int main(int argc, char** argv) {
   QApplication::setDesktopFileName(QStringLiteral("vrx2260"));
   QApplication::setQuitOnLastWindowClosed(false);
   QApplication::setWindowIcon(QIcon(vrx::kLogoPath));
-  return vrx::DesktopProgram(vrx::MakeVrxMain).Run();
+  const vrx::LinuxSystemInfo system;
+  return vrx::DesktopProgram(system, vrx::MakeVrxMain).Run();
 }

@@ -17,18 +17,20 @@ namespace {
 
 constexpr QSize kFormSize{480, 300};
 constexpr QSize kLogoSize{112, 112};
+constexpr double kProductScale = 2.4;  // of the application's font
 
 void LayOut(QFrame& frame) {
   auto* const image = new SvgImage(kLogoPath, kLogoSize, &frame);
   image->setObjectName(QStringLiteral("Image1"));
   QLabel* const product = AddLabel(frame, "lblProductName");
-  SetFontScale(*product, kTitleScale, QFont::DemiBold);
+  SetFontScale(*product, kProductScale, QFont::DemiBold);
 
   auto* const words = new QVBoxLayout;
-  words->addStretch();
+  words->setSpacing(kSpacing);
+  words->addStretch(1);
   words->addWidget(product);
   words->addWidget(AddLabel(frame, "lblVersion"));
-  words->addStretch();
+  words->addStretch(1);
 
   auto* const head = new QHBoxLayout;
   head->setSpacing(kFormMargin);
@@ -36,8 +38,11 @@ void LayOut(QFrame& frame) {
   head->addLayout(words, 1);
 
   auto* const column = new QVBoxLayout(&frame);
-  column->setContentsMargins(kFormMargin, kFormMargin, kFormMargin, kFormMargin);
-  column->addLayout(head, 1);
+  const int margin = kFormMargin - frame.frameWidth();  // even, so that edges are sharp at 1.5 too
+  column->setContentsMargins(margin, margin, margin, margin);
+  column->setSpacing(kSpacing / 2);
+  column->addLayout(head);
+  column->addStretch(1);
   AddMakersWords(frame, *column);
 }
 

@@ -6,6 +6,7 @@
 #include <string>
 #include <utility>
 
+#include "desktop/help_commands.h"
 #include "desktop/qt_text.h"
 #include "frame/text.h"
 
@@ -199,6 +200,7 @@ std::unique_ptr<MainForm> MakeVrxMain(const DesktopContext& context) {
                    &MainWindow::SetStatusLine);
   QObject::connect(&context.op, &QtOperator::StatusColorChanged, &form->Window(),
                    &MainWindow::SetStatusColor);
+  SetHelpHandlers(form->Window(), context.system, context.os, context.op);
   return form;
 }
 

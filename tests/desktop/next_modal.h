@@ -1,0 +1,34 @@
+#pragma once
+
+#include <QApplication>
+#include <QTimer>
+#include <chrono>
+#include <functional>
+#include <utility>
+
+namespace vrx::testing {
+
+// Hands the next dialog that blocks the program to `act`, from the dialog's own event loop. To be
+// made ahead of what shows the dialog.
+class NextModal {
+ public:
+  explicit NextModal(std::function<void(QWidget&)> act) : act_(std::move(act)) {
+    QObject::connect(&poll_, &QTimer::timeout, &poll_, [this] {
+      if (QWidget* const dialog = QApplication::activeModalWidget(); dialog != nullptr) {
+        poll_.stop();
+        seen_ = true;
+        act_(*dialog);
+      }
+    });
+    poll_.start(std::chrono::milliseconds{5});
+  }
+
+  bool Seen() const { return seen_; }
+
+ private:
+  std::function<void(QWidget&)> act_;
+  QTimer poll_;
+  bool seen_ = false;
+};
+
+}  // namespace vrx::testing

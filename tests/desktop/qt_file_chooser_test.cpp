@@ -1,0 +1,176 @@
+#include "desktop/qt_file_chooser.h"
+
+#include <QAbstractButton>
+#include <QDir>
+#include <QFileDialog>
+#include <QLineEdit>
+#include <QMessageBox>
+#include <QTimer>
+#include <filesystem>
+#include <functional>
+#include <memory>
+
+#include <gtest/gtest.h>
+
+#include "next_modal.h"
+#include "support/temp_folder.h"
+
+namespace vrx::testing {
+namespace {
+
+class FileDialogs : public ::testing::Test {
+ protected:
+  FileDialogs() {
+    dialog.start_folder = folder.Path().string();
+    folder.Write("OLD.QXT", "old");
+  }
+
+  // The name is typed and the dialog accepted. `then` looks at what stands there afterwards.
+  static std::function<void(QWidget&)> Type(const QString& name) {
+    return [name](QWidget& widget) {
+      auto& files = dynamic_cast<QFileDialog&>(widget);
+      files.findChild<QLineEdit*>(u"fileNameEdit"_qs)->setText(name);
+      QMetaObject::invokeMethod(&files, "accept", Qt::QueuedConnection);
+    };
+  }
+
+  FileChoice Open(const QString& name) {
+    const NextModal modal(Type(name));
+    return chooser.ShowOpen(dialog);
+  }
+  FileChoice Save(const QString& name) {
+    const NextModal modal(Type(name));
+    return chooser.ShowSave(dialog);
+  }
+
+  // Saves under a name that exists; the question is answered, and the dialog given up if that did
+  // not end it.
+  FileChoice SaveOver(const QString& name, QMessageBox::StandardButton answer) {
+    std::unique_ptr<NextModal> question;
+    const NextModal modal([&](QWidget& widget) {
+      auto& files = dynamic_cast<QFileDialog&>(widget);
+      Type(name)(widget);
+      QTimer::singleShot(0, &files, [&] {
+        question = std::make_unique<NextModal>([&, answer](QWidget& top) {
+          if (auto* const box = qobject_cast<QMessageBox*>(&top)) {
+            asked = true;
+            box->button(answer)->click();
+            QTimer::singleShot(0, &files, &QDialog::reject);
+          }
+        });
+      });
+    });
+    return chooser.ShowSave(dialog);
+  }
+
+  TempFolder folder;
+  QtFileChooser chooser;
+  FileDialog dialog{.title = "Import Transaction File",
+                    .filter = "Transactions (*.QXT)|*.QXT|All Files (*.*)|*.*",
+                    .default_extension = "QXT",
+                    .flags = kOverwritePrompt | kHideReadOnly};
+  bool asked = false;
+};
+
+TEST_F(FileDialogs, GivesPathAndFileName) {
+  const FileChoice choice = Open(u"OLD.QXT"_qs);
+  EXPECT_EQ(choice.path, (folder / "OLD.QXT").string());
+  EXPECT_EQ(choice.title, "OLD.QXT");
+}
+
+TEST_F(FileDialogs, CancelGivesNothing) {
+  const NextModal modal([](QWidget& widget) { dynamic_cast<QDialog&>(widget).reject(); });
+  const FileChoice choice = chooser.ShowOpen(dialog);
+  EXPECT_TRUE(choice.Cancelled());
+  EXPECT_EQ(choice.title, "");
+}
+
+TEST_F(FileDialogs, HasTitleFolderAndFilters) {
+  QString title;
+  QString directory;
+  QStringList filters;
+  const NextModal modal([&](QWidget& widget) {
+    auto& files = dynamic_cast<QFileDialog&>(widget);
+    title = files.windowTitle();
+    directory = files.directory().absolutePath();
+    filters = files.nameFilters();
+    files.reject();
+  });
+  chooser.ShowOpen(dialog);
+  EXPECT_EQ(title, u"Import Transaction File"_qs);
+  EXPECT_EQ(directory.toStdString(), folder.Path().string());
+  EXPECT_EQ(filters,
+            (QStringList{u"Transactions (*.QXT) (*.[qQ][xX][tT])"_qs, u"All Files (*.*) (*)"_qs}));
+}
+
+TEST_F(FileDialogs, FilterOfSeveralPatterns) {
+  dialog.filter = "Databases|*.RDB; *.TDB";
+  QStringList filters;
+  const NextModal modal([&](QWidget& widget) {
+    filters = dynamic_cast<QFileDialog&>(widget).nameFilters();
+    dynamic_cast<QDialog&>(widget).reject();
+  });
+  chooser.ShowOpen(dialog);
+  EXPECT_EQ(filters, QStringList{u"Databases (*.[rR][dD][bB] *.[tT][dD][bB])"_qs});
+}
+
+TEST_F(FileDialogs, NameWithoutAnExtensionGetsTheDefaultOne) {
+  EXPECT_EQ(Save(u"NEW"_qs).title, "NEW.QXT");
+  EXPECT_EQ(Open(u"OLD"_qs).title, "OLD.QXT");
+}
+
+TEST_F(FileDialogs, NameWithAnExtensionKeepsIt) { EXPECT_EQ(Save(u"NEW.TXT"_qs).title, "NEW.TXT"); }
+
+TEST_F(FileDialogs, ExistingFileIsOverwrittenOnlyAfterAQuestion) {
+  EXPECT_TRUE(SaveOver(u"OLD.QXT"_qs, QMessageBox::No).Cancelled());
+  EXPECT_TRUE(asked);
+  EXPECT_EQ(SaveOver(u"OLD.QXT"_qs, QMessageBox::Yes).title, "OLD.QXT");
+}
+
+TEST_F(FileDialogs, TheQuestionMindsTheDefaultExtension) {
+  EXPECT_TRUE(SaveOver(u"OLD"_qs, QMessageBox::No).Cancelled());
+  EXPECT_TRUE(asked);
+}
+
+TEST_F(FileDialogs, WithoutTheFlagNothingIsAsked) {
+  dialog.flags = 0;
+  EXPECT_EQ(Save(u"OLD.QXT"_qs).title, "OLD.QXT");
+}
+
+TEST_F(FileDialogs, FileThatMustExistIsNotChosenWhenItDoesNot) {
+  dialog.flags = kFileMustExist;
+  std::unique_ptr<NextModal> warning;
+  const NextModal modal([&](QWidget& widget) {
+    auto& files = dynamic_cast<QFileDialog&>(widget);
+    Type(u"NONE.QXT"_qs)(widget);
+    QTimer::singleShot(0, &files, [&] {
+      warning = std::make_unique<NextModal>([&](QWidget& top) {
+        asked = qobject_cast<QMessageBox*>(&top) != nullptr;
+        top.close();
+        QTimer::singleShot(0, &files, &QDialog::reject);
+      });
+    });
+  });
+  EXPECT_TRUE(chooser.ShowOpen(dialog).Cancelled());
+  EXPECT_TRUE(asked);
+}
+
+TEST_F(FileDialogs, WithoutAStartFolderBeginsWhereItWasLast) {
+  Open(u"OLD.QXT"_qs);
+  dialog.start_folder.clear();
+  EXPECT_EQ(Open(u"OLD.QXT"_qs).path, (folder / "OLD.QXT").string());
+}
+
+TEST_F(FileDialogs, GivesAFolder) {
+  std::filesystem::create_directory(folder / "export");
+  const NextModal modal([&](QWidget& widget) {
+    auto& files = dynamic_cast<QFileDialog&>(widget);
+    EXPECT_EQ(files.fileMode(), QFileDialog::Directory);
+    EXPECT_EQ(files.windowTitle(), u"Select a folder"_qs);
+    Type(QString::fromStdString((folder / "export").string()))(widget);
+  });
+  EXPECT_EQ(chooser.ShowFolder("Select a folder"), (folder / "export").string());
+}
+
+}  // namespace
+}  // namespace vrx::testing
