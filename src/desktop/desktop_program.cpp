@@ -3,7 +3,6 @@
 #include <QApplication>
 #include <QSessionManager>
 #include <QThread>
-#include <QTimer>
 #include <chrono>
 #include <cstdlib>
 #include <exception>
@@ -29,7 +28,10 @@ DesktopProgram::DesktopProgram(const SystemInfo& system, MakeMainForm make_main_
       serial_([this](int number) {
         return LinuxPortDevice(application_.app_folder.DefaultAppPath(), number);
       }),
-      make_main_form_(std::move(make_main_form)) {}
+      make_main_form_(std::move(make_main_form)) {
+  unwinding_.setSingleShot(true);
+  QObject::connect(&unwinding_, &QTimer::timeout, [this] { Walk(); });
+}
 
 DesktopProgram::~DesktopProgram() = default;
 
@@ -73,31 +75,29 @@ void DesktopProgram::EndEarly(MainForm& form) {
 }
 
 void DesktopProgram::Leave(Road road) {
-  if (!leaving_) {
-    leaving_ = true;
+  if (road_ == nullptr) {
+    road_ = road;
     pump_.Close();
-    Walk(road);
+    Walk();
   }
 }
 
-// A wait or a dialog that is under way ends first: it stands below this event on the stack.
-void DesktopProgram::Walk(Road road) {
+// A wait or a dialog that is under way ends first: it stands below this event on the stack. While
+// the program is still starting Main looks at the pump, and only dialogs are closed here.
+void DesktopProgram::Walk() {
   if (QWidget* const dialog = QApplication::activeModalWidget(); dialog != nullptr) {
     dialog->close();
   }
-  if (pump_.Pumping() || !OnMainLoop()) {
-    QTimer::singleShot(kUnwindingPoll, &unwinding_, [this, road] { Walk(road); });
+  if (pump_.Pumping() || !OnMainLoop() || !main_form_) {
+    unwinding_.start(kUnwindingPoll);
     return;
   }
-  if (!main_form_) {
-    return;  // still starting: Main looks at the pump
-  }
   pump_.Reopen();
-  if ((ProgramExit(*main_form_, application_, user_settings_, op_).*road)()) {
+  if ((ProgramExit(*main_form_, application_, user_settings_, op_).*road_)()) {
     pump_.Close();
     QApplication::exit();
   } else {
-    leaving_ = false;
+    road_ = nullptr;
   }
 }
 

@@ -1,6 +1,6 @@
 #pragma once
 
-#include <QObject>
+#include <QTimer>
 #include <memory>
 
 #include "adapters/linux_operating_system.h"
@@ -37,7 +37,7 @@ class DesktopProgram : private ExitRoads {
   void SessionEnd() override { Leave(&ProgramExit::SessionEnd); }
   void EndEarly(MainForm& form);
   void Leave(Road road);
-  void Walk(Road road);
+  void Walk();
 
   const SystemInfo& system_;
   ApplicationState application_;
@@ -52,8 +52,8 @@ class DesktopProgram : private ExitRoads {
   Splash splash_;
   MakeMainForm make_main_form_;
   std::unique_ptr<MainForm> main_form_;
-  QObject unwinding_;  // whose timers go with the program
-  bool leaving_ = false;
+  Road road_ = nullptr;  // out of the program, once it is being left
+  QTimer unwinding_;
 };
 
 }  // namespace vrx

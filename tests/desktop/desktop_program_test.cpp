@@ -141,6 +141,14 @@ TEST_F(TwoProcesses, StopSignalSavesAndEndsTheProgram) {
   EXPECT_THAT(ReadAll(folder_ / "config/Brantock/VRX(2260).conf"), HasSubstr("MainWidth="));
 }
 
+TEST_F(TwoProcesses, StopSignalEndsAFirstStartThatStillTellsOfItsSettings) {
+  fs::remove(data_ / "Brantock/VRX-2260/VRX-2260.INI");
+  const auto program = StartProgram();
+  program->Signal(SIGTERM);
+  EXPECT_EQ(program->Wait(), 0);
+  EXPECT_FALSE(fs::exists(lock_));
+}
+
 // The whole program in this process, with a main form that is only recorded.
 class RunningProgram : public UserSite {
  protected:
@@ -222,6 +230,18 @@ TEST_F(RunningProgram, EndOfTheSessionDuringTheSplashEndsTheFormUnshown) {
   });
   EXPECT_EQ(program.Run(), 0);
   EXPECT_EQ(steps_.front(), "CloseRecipeDatabase");
+  EXPECT_EQ(steps_.back(), "Unload");
+}
+
+TEST_F(RunningProgram, EndOfTheSessionClosesEachDialogOfTheStart) {
+  DesktopProgram program(system_, [&](const DesktopContext& context) {
+    QTimer::singleShot(0, qApp, [&context] { context.exit.SessionEnd(); });
+    context.op.ShowMessage({.title = "First", .text = "text"});
+    context.op.ShowMessage({.title = "Second", .text = "text"});
+    return std::make_unique<RecordedMainForm>(
+        [&](const std::string& step) { steps_.push_back(step); });
+  });
+  EXPECT_EQ(program.Run(), 0);
   EXPECT_EQ(steps_.back(), "Unload");
 }
 
