@@ -15,7 +15,7 @@ namespace {
 struct PanelRow {
   std::string_view caption;   // of the fixed panel ahead of it
   std::string_view tool_tip;  // behind the database's kind
-  std::string_view widest;    // what there must be room for; the name takes what is left over
+  std::string_view widest;    // what there is room for; the name gives way in a narrow window
 };
 
 struct Bar {
@@ -25,11 +25,13 @@ struct Bar {
 };
 
 constexpr std::array<PanelRow, 4> kPanels{{
-    {"", "Filename", ""},
+    {"", "Filename", "00000000000000000000000000000000"},
     {"Units:", "Weight Units", "MM"},
     {"Created:", "Creation Date", "00/00/0000"},
     {"Modified:", "Last Modified Date", "00/00/0000"},
 }};
+
+constexpr int kNameStretch = 1000;  // the name takes all room there is, up to its widest
 
 constexpr Bar kRecipeBar{"sbRecipe", "Recipe dB:", "Recipe Database "};
 constexpr Bar kTransactionBar{"sbTrans", "Transaction dB:", "Transaction Database "};
@@ -56,8 +58,9 @@ DatabaseStatusBar::DatabaseStatusBar(DatabaseKind kind, QWidget* parent)
     if (panel % 2 == 1 && panel > 1) {
       layout->addSpacing(kGroupSpacing - kSpacing);
     }
-    layout->addWidget(AddPanel(panel), panel == kPanelName ? 1 : 0);
+    layout->addWidget(AddPanel(panel), panel == kPanelName ? kNameStretch : 0);
   }
+  layout->addStretch(1);
   ShowCaptions();
   AlignPanels();
 }
@@ -69,7 +72,7 @@ QLabel* DatabaseStatusBar::AddPanel(int panel) {
     label = new QLabel(this);
   } else {
     label = new ElidedLabel(this);
-    SetFontScale(*label, 1.0, QFont::DemiBold);
+    MakeDemiBold(*label);
     label->setToolTip(ToQString(BarOf(kind_).tool_tip_head) + ToQString(kPanels.at(pair).tool_tip));
     label->setAccessibleDescription(label->toolTip());
   }
@@ -103,10 +106,10 @@ void DatabaseStatusBar::AlignPanels() {
     QLabel& caption = *panels_.at(2 * pair);
     caption.setFixedWidth(std::max(width(caption, CaptionOf(kRecipeBar, pair)),
                                    width(caption, CaptionOf(kTransactionBar, pair))));
-    if (pair > 0) {
-      QLabel& value = *panels_.at(2 * pair + 1);
-      value.setFixedWidth(width(value, kPanels.at(pair).widest));
-    }
+    QLabel& value = *panels_.at(2 * pair + 1);
+    const int widest = width(value, kPanels.at(pair).widest);
+    value.setMaximumWidth(widest);
+    value.setMinimumWidth(pair == 0 ? 0 : widest);
   }
 }
 

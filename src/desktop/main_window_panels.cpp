@@ -70,7 +70,7 @@ TransferStatusPanel::TransferStatusPanel(QWidget* parent) : QFrame(parent) {
   layout->addWidget(AddLabel(*this, "lblStatus", kStatusCaption));
   status_window_ = new ElidedLabel(this);
   status_window_->setObjectName(QStringLiteral("lblStatusWindow"));
-  status_window_->setAccessibleName(QStringLiteral("Status"));
+  status_window_->setAccessibleDescription(QStringLiteral("Status of the transfer"));
   SetTag(*status_window_, kExportingCaption);
   layout->addWidget(status_window_, 1);
   layout->addSpacing(kSpacing);
@@ -164,7 +164,7 @@ PanelRow::PanelRow(QWidget* parent)
 void PanelRow::AddRecordNumber() {
   record_ = AddLabel(*navigate_, "lblRecord");
   record_number_ = AddLabel(*navigate_, "lblRecordNumber");
-  record_number_->setAccessibleName(QStringLiteral("Record number"));
+  record_number_->setAccessibleDescription(QStringLiteral("Record number"));
   auto* layout = static_cast<QHBoxLayout*>(navigate_->layout());
   layout->insertWidget(0, record_);
   layout->insertWidget(1, record_number_);

@@ -4,6 +4,7 @@
 #include <QMouseEvent>
 #include <QSignalBlocker>
 #include <QTabBar>
+#include <QWheelEvent>
 #include <functional>
 #include <utility>
 
@@ -54,6 +55,9 @@ class TabStrip : public QTabBar {
       focused_();
     }
   }
+
+  // A turn of the wheel in passing must not leave the tab.
+  void wheelEvent(QWheelEvent* event) override { event->ignore(); }
 
  private:
   std::function<void()> focused_;

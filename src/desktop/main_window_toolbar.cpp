@@ -113,7 +113,7 @@ void MainToolBar::AddTransferOption() {
   layout->addWidget(AddLabel(*place, "lblXfr", kTransferCaption));
   for (const char* const value : {"lblTransfer", "lblSystemUoM"}) {
     QLabel* label = AddLabel(*place, value);
-    SetFontScale(*label, 1.0, QFont::DemiBold);
+    MakeDemiBold(*label);
     layout->addWidget(label);
   }
   layout->insertSpacing(layout->count() - 1, kSpacing);

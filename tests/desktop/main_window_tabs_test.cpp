@@ -4,6 +4,7 @@
 #include <QPushButton>
 #include <QTabBar>
 #include <QTest>
+#include <QWheelEvent>
 #include <set>
 #include <string>
 #include <vector>
@@ -186,6 +187,17 @@ TEST_F(MainTabsTest, ArrowKeysGoFromTabToTab) {
   QTest::keyClick(Tabs().tabBar(), Qt::Key_Right);
   EXPECT_EQ(Window().Tabs().TabOnShow(), kTabBatchedFed);
   EXPECT_EQ(Panels(), Names{});
+}
+
+TEST_F(MainTabsTest, AWheelInPassingDoesNotLeaveTheTab) {
+  Show();
+  AllOn();
+  QTabBar& strip = *Tabs().tabBar();
+  const QPointF place = strip.tabRect(kTabPens).center();
+  QWheelEvent turn(place, strip.mapToGlobal(place), {}, QPoint(0, -120), Qt::NoButton,
+                   Qt::NoModifier, Qt::NoScrollPhase, false);
+  QApplication::sendEvent(&strip, &turn);
+  EXPECT_EQ(Tabs().currentIndex(), kTabDataTransfer);
 }
 
 TEST_F(MainTabsTest, ThePanelsOfTheRecordTabsBearTheToldButtons) {

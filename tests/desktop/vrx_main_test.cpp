@@ -211,5 +211,21 @@ TEST_F(VrxMainTest, EverythingThatTakesTheFocusHasAName) {
   }
 }
 
+TEST_F(VrxMainTest, AScreenReaderHearsWhatTheLabelsTell) {
+  Main();
+  Window().SetStatusLine(u"Upload complete!"_qs);
+  Window().Panels().ShowRecordNumber(7);
+  Window().SetStatusPanel(DatabaseKind::kRecipe, kPanelName, "YARD.RDB");
+  const std::vector<std::pair<QString, QString>> told{
+      {u"lblStatusWindow"_qs, u"Upload complete!"_qs},
+      {u"lblRecordNumber"_qs, u"7"_qs},
+      {u"sbRecipe.Panels(2)"_qs, u"YARD.RDB"_qs}};
+  for (const auto& [name, text] : told) {
+    QAccessibleInterface* const heard = QAccessible::queryAccessibleInterface(&Find<QLabel>(name));
+    EXPECT_EQ(heard->text(QAccessible::Name), text);
+    EXPECT_FALSE(heard->text(QAccessible::Description).isEmpty());
+  }
+}
+
 }  // namespace
 }  // namespace vrx::testing
