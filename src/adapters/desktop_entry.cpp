@@ -73,13 +73,8 @@ QStringList SplitCommand(const QString& command) {
 
 // The field codes that stand for one document or for many become the document, the others nothing.
 std::optional<QString> Expanded(const QString& word, const QString& document) {
-  static const QStringList kDocumentCodes = {QStringLiteral("%f"), QStringLiteral("%F"),
-                                             QStringLiteral("%u"), QStringLiteral("%U")};
-  if (kDocumentCodes.contains(word)) {
-    return document;
-  }
   if (word.size() == 2 && word[0] == u'%' && word[1] != u'%') {
-    return std::nullopt;
+    return QStringLiteral("fFuU").contains(word[1]) ? std::optional(document) : std::nullopt;
   }
   QString text = word;
   return text.replace(QStringLiteral("%%"), QStringLiteral("%"));
