@@ -79,7 +79,7 @@ QStringList AssociationsOf(const QString& kind) {
 
 // A "-" in the name may stand for a folder below the applications' one.
 QString EntryPath(const QString& entry) {
-  const QString path = QStandardPaths::locate(QStandardPaths::ApplicationsLocation, entry);
+  QString path = QStandardPaths::locate(QStandardPaths::ApplicationsLocation, entry);
   if (!path.isEmpty()) {
     return path;
   }

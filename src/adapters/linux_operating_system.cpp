@@ -25,7 +25,7 @@ constexpr std::array kSystemInformationTools = std::to_array<const char*>(
 
 QString SystemInformationTool() {
   for (const char* const name : kSystemInformationTools) {
-    const QString path = QStandardPaths::findExecutable(QString::fromLatin1(name));
+    QString path = QStandardPaths::findExecutable(QString::fromLatin1(name));
     if (!path.isEmpty()) {
       return path;
     }

@@ -22,7 +22,7 @@ class ViewerSite {
   // A program that keeps what it was started with, word by word, in the folder's file `name`.
   std::filesystem::path MakeProgram(const std::string& name) const {
     const std::string kept = (folder / name).string();
-    const auto path =
+    auto path =
         folder.Write("bin/" + name,
                      "#!/bin/sh\nPATH=/usr/bin:/bin\n{ pwd; for word; do echo \"<$word>\"; done; "
                      "grep SigBlk /proc/self/status; } >'" +

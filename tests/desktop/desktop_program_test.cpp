@@ -3,7 +3,7 @@
 #include <QAbstractButton>
 #include <QApplication>
 #include <QMessageBox>
-#include <QTimer>
+#include <QMetaObject>
 #include <algorithm>
 #include <chrono>
 #include <csignal>
@@ -11,6 +11,7 @@
 #include <functional>
 #include <string>
 #include <thread>
+#include <utility>
 #include <vector>
 
 #include <gmock/gmock.h>
@@ -33,6 +34,11 @@ using ::testing::HasSubstr;
 using Ms = std::chrono::milliseconds;
 
 constexpr const char* kIni = "[Comments]\nTitle=x\n";
+
+// From the event loop that runs next.
+void Later(std::function<void()> call) {
+  QMetaObject::invokeMethod(qApp, std::move(call), Qt::QueuedConnection);
+}
 
 // A user of the program: folders of its own for data, settings and running programs.
 class UserSite : public ::testing::Test {
@@ -164,7 +170,7 @@ class RunningProgram : public UserSite {
       auto form = std::make_unique<RecordedMainForm>([&, once_shown](const std::string& step) {
         steps_.push_back(step);
         if (step == "Show") {
-          QTimer::singleShot(0, qApp, [&, once_shown] { once_shown(context); });
+          Later([&, once_shown] { once_shown(context); });
         }
       });
       form->fails_at = fails_at;
@@ -186,7 +192,7 @@ class RunningProgram : public UserSite {
 
 TEST_F(RunningProgram, ExitEndsAWaitAndGoesOnOnceThatHasUnwound) {
   const int code = Run([&](const DesktopContext& context) {
-    QTimer::singleShot(0, qApp, [&context] { context.exit.FileExit(); });
+    Later([&context] { context.exit.FileExit(); });
     const bool complete = GeneralDelay(context.pump).Wait(std::chrono::hours{1});
     steps_.emplace_back(complete ? "waited" : "unwound");
   });
@@ -197,7 +203,7 @@ TEST_F(RunningProgram, ExitEndsAWaitAndGoesOnOnceThatHasUnwound) {
 
 TEST_F(RunningProgram, SessionEndClosesADialogAndGoesOnOnceThatHasUnwound) {
   const int code = Run([&](const DesktopContext& context) {
-    QTimer::singleShot(0, qApp, [&context] { context.exit.SessionEnd(); });
+    Later([&context] { context.exit.SessionEnd(); });
     const Answer answer = context.op.ShowMessage(
         {.buttons = Buttons::kOkCancel, .title = "Standby", .text = "Go on?"});
     steps_.emplace_back(answer == Answer::kCancel ? "refused" : "gone on");
@@ -210,7 +216,7 @@ TEST_F(RunningProgram, CloseBoxThatFailsLeavesTheProgramUpAndItsWaitsAlive) {
   const int code = Run(
       [&](const DesktopContext& context) {
         context.exit.CloseBox();
-        QTimer::singleShot(0, qApp, [&] {
+        Later([&] {
           EXPECT_EQ(steps_.back(), "ReleaseDataControls");
           EXPECT_TRUE(GeneralDelay(context.pump).Wait(Ms{1}));
           form_->fails_at.clear();
@@ -224,7 +230,7 @@ TEST_F(RunningProgram, CloseBoxThatFailsLeavesTheProgramUpAndItsWaitsAlive) {
 
 TEST_F(RunningProgram, EndOfTheSessionDuringTheSplashEndsTheFormUnshown) {
   DesktopProgram program(system_, [&](const DesktopContext& context) {
-    QTimer::singleShot(0, qApp, [&context] { context.exit.SessionEnd(); });
+    Later([&context] { context.exit.SessionEnd(); });
     return std::make_unique<RecordedMainForm>(
         [&](const std::string& step) { steps_.push_back(step); });
   });
@@ -235,7 +241,7 @@ TEST_F(RunningProgram, EndOfTheSessionDuringTheSplashEndsTheFormUnshown) {
 
 TEST_F(RunningProgram, EndOfTheSessionClosesEachDialogOfTheStart) {
   DesktopProgram program(system_, [&](const DesktopContext& context) {
-    QTimer::singleShot(0, qApp, [&context] { context.exit.SessionEnd(); });
+    Later([&context] { context.exit.SessionEnd(); });
     context.op.ShowMessage({.title = "First", .text = "text"});
     context.op.ShowMessage({.title = "Second", .text = "text"});
     return std::make_unique<RecordedMainForm>(
