@@ -1,7 +1,5 @@
 #include "database/schema.h"
 
-#include <array>
-#include <span>
 #include <system_error>
 
 #include <SQLiteCpp/Database.h>
@@ -23,28 +21,37 @@ constexpr std::string_view kKey = "INTEGER PRIMARY KEY";
 constexpr std::string_view kReal = "REAL";
 constexpr std::string_view kText = "TEXT";
 
-constexpr std::array kIndexes{
-    "CREATE INDEX RecipeRationByRecipe ON RecipeRation (RecipeID)",
-    "CREATE INDEX RecipeRationByIngredient ON RecipeRation (Ingredient)",
-};
+std::vector<std::string> RecipeIndexes() {
+  return {
+      "CREATE INDEX RecipeRationByRecipe ON RecipeRation (RecipeID)",
+      "CREATE INDEX RecipeRationByIngredient ON RecipeRation (Ingredient)",
+  };
+}
 
 // Each serves the levels of a view of the history: their values, the number of records and the
 // records of an innermost group in stored order are found without a walk through the table. `Type`
 // stands behind a name that is asked for with a type and without. The highest number stands at the
 // end of the first one. `UserID` is a number in a text, and ordered as one.
-constexpr std::array kTransactionIndexes{
-    "CREATE INDEX TransactionsByNumber ON Transactions ([Transaction], Type)",
-    "CREATE INDEX TransactionsByDate ON Transactions (Date, [Transaction], Type)",
-    "CREATE INDEX TransactionsByRecipe ON Transactions (Recipe, Type)",
-    "CREATE INDEX TransactionsByRecipeIngredient ON Transactions (Recipe, Ingredient, Type) "
-    "WHERE Type = 'BATCH'",
-    "CREATE INDEX TransactionsByIngredient ON Transactions (Ingredient, Type)",
-    "CREATE INDEX TransactionsByPen ON Transactions (Pen, Type)",
-    "CREATE INDEX TransactionsByUserTransaction ON Transactions "
-    "(CAST(UserID AS INTEGER), UserID, [Transaction])",
-    "CREATE INDEX TransactionsByUserType ON Transactions "
-    "(CAST(UserID AS INTEGER), UserID, Type)",
-};
+//
+// The names are many, and an index led by them alone would make a store write a page for each name
+// all over the file, the more of them the longer the yard is kept. Led by the range of transactions
+// it writes to the newest range only; a reader by name looks into each range. Users are few.
+std::vector<std::string> TransactionIndexes() {
+  const std::string by_name = " ON Transactions (" + std::string(kTransactionRange) + ", ";
+  return {
+      "CREATE INDEX TransactionsByNumber ON Transactions ([Transaction], Type)",
+      "CREATE INDEX TransactionsByDate ON Transactions (Date, [Transaction], Type)",
+      "CREATE INDEX TransactionsByRecipe" + by_name + "Recipe, Type)",
+      "CREATE INDEX TransactionsByRecipeIngredient" + by_name +
+          "Recipe, Ingredient, Type) WHERE Type = 'BATCH'",
+      "CREATE INDEX TransactionsByIngredient" + by_name + "Ingredient, Type)",
+      "CREATE INDEX TransactionsByPen" + by_name + "Pen, Type)",
+      "CREATE INDEX TransactionsByUserTransaction ON Transactions "
+      "(CAST(UserID AS INTEGER), UserID, [Transaction])",
+      "CREATE INDEX TransactionsByUserType ON Transactions "
+      "(CAST(UserID AS INTEGER), UserID, Type)",
+  };
+}
 
 std::string NumberText(int number, int width) {
   std::string digits = std::to_string(number);
@@ -152,9 +159,8 @@ void WriteTemplate(SQLite::Database& database, DatabaseKind kind) {
   for (const Table& table : Schema(kind)) {
     database.exec(CreateText(table));
   }
-  const auto indexes = kind == DatabaseKind::kRecipe ? std::span<const char* const>(kIndexes)
-                                                     : std::span(kTransactionIndexes);
-  for (const char* index : indexes) {
+  for (const std::string& index :
+       kind == DatabaseKind::kRecipe ? RecipeIndexes() : TransactionIndexes()) {
     database.exec(index);
   }
   FillTemplate(database, kind);

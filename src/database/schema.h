@@ -27,6 +27,13 @@ inline constexpr std::string_view kUnitsTable = "UnitsOfMeasure";
 inline constexpr std::string_view kHistoryTable = "History";
 inline constexpr std::string_view kMarkerTable = "BrantockDatabase";
 
+// The range of transaction numbers that a row of `Transactions` belongs to, a whole number for
+// every row: those without a transaction have one of their own, ahead of all others. The indexes by
+// name are led by it, in these very words. A yard has some 30,000 rows in a range and stores about
+// 30 ranges with a million rows.
+inline constexpr std::string_view kTransactionRange =
+    "ifnull([Transaction] >> 11, -9007199254740992)";
+
 // Weights `Ing01Wt` to `Ing100Wt` of a transaction row; the store fills the first ones only.
 inline constexpr int kWeightColumnCount = 100;
 inline constexpr int kStoredWeightCount = 32;

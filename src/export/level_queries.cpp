@@ -4,6 +4,7 @@
 #include <cstddef>
 
 #include "database/schema.h"
+#include "database/transaction_ranges.h"
 #include "history/data_group.h"
 
 namespace vrx {
@@ -79,10 +80,11 @@ std::string OuterWithoutInner(const ExportPlan& plan) {
 
 enum class Wanted { kRecords, kSums };
 
-std::string Condition(const ExportPlan& plan, Wanted wanted) {
+std::string Condition(const ExportPlan& plan, Wanted wanted, NameSearch search) {
   const DataGroup& group = DataGroups()[static_cast<std::size_t>(plan.group)];
   if (!group.named_column.empty()) {
-    return " WHERE " + Bracketed(group.named_column) + " = ?1";
+    return " WHERE " + Bracketed(group.named_column) + " = ?1" +
+           (search == NameSearch::kInRanges ? InTransactionRanges("?2") : "");
   }
   if (plan.levels.empty() || plan.levels.back().nulls != NullValues::kSkipped) {
     return "";
@@ -171,7 +173,8 @@ std::vector<std::string_view> SummedFields(const ExportPlan& plan) {
   return fields;
 }
 
-std::string LevelRecordQuery(const ExportPlan& plan, std::span<const std::string> fields) {
+std::string LevelRecordQuery(const ExportPlan& plan, std::span<const std::string> fields,
+                             NameSearch search) {
   std::string columns = Keys(plan);
   for (const std::string& field : fields) {
     Append(columns, Bracketed(field));
@@ -181,11 +184,11 @@ std::string LevelRecordQuery(const ExportPlan& plan, std::span<const std::string
     Append(order, plan.ordering);
   }
   Append(order, "Transactions.rowid");
-  return "SELECT " + columns + " FROM " + Source(plan) + Condition(plan, Wanted::kRecords) +
+  return "SELECT " + columns + " FROM " + Source(plan) + Condition(plan, Wanted::kRecords, search) +
          " ORDER BY " + order;
 }
 
-std::string LevelSumQuery(const ExportPlan& plan) {
+std::string LevelSumQuery(const ExportPlan& plan, NameSearch search) {
   switch (plan.summed) {
     case SummedRows::kWholeIfNoUser:
       return WholeIfNoUserQuery(plan);
@@ -195,7 +198,7 @@ std::string LevelSumQuery(const ExportPlan& plan) {
       break;
   }
   return "SELECT " + Keys(plan) + Sums(plan) + " FROM " + Source(plan) +
-         Condition(plan, Wanted::kSums) + " GROUP BY " + KeyGroups(plan) + " ORDER BY " +
+         Condition(plan, Wanted::kSums, search) + " GROUP BY " + KeyGroups(plan) + " ORDER BY " +
          KeyOrder(plan);
 }
 

@@ -6,11 +6,13 @@
 #include <SQLiteCpp/Transaction.h>
 
 #include "database/connection.h"
+#include "database/transaction_ranges.h"
 #include "database/translated.h"
 #include "export/cell_text.h"
 #include "export/level_queries.h"
 #include "export/row_reader.h"
 #include "frame/error.h"
+#include "history/data_group.h"
 #include "history/exact_sum.h"
 
 namespace vrx {
@@ -37,15 +39,31 @@ std::vector<std::string> Names(std::span<const WalkedField> fields) {
   return names;
 }
 
+// The rows of a group by name: how they are found, and what the queries are told for it.
+struct PickedRows {
+  NameSearch search = NameSearch::kInTable;
+  std::vector<std::string> values;
+};
+
+PickedRows PickRows(SQLite::Database& database, const ExportPlan& plan, const std::string& name) {
+  const std::string_view column = DataGroups()[static_cast<std::size_t>(plan.group)].named_column;
+  if (column.empty()) {
+    return {};
+  }
+  const auto ranges = ReadTransactionRanges(database, column);
+  return ranges ? PickedRows{NameSearch::kInRanges, {name, JsonArray(*ranges)}}
+                : PickedRows{NameSearch::kInTable, {name}};
+}
+
 bool IsNull(const CellView& cell) { return std::holds_alternative<std::monostate>(cell); }
 
 // The sums of the innermost groups, in the order in which the records open them.
 class SumStream {
  public:
-  SumStream(SQLite::Database& database, const ExportPlan& plan, std::string_view name)
+  SumStream(SQLite::Database& database, const ExportPlan& plan, const PickedRows& picked)
       : plan_(plan),
         fields_(SummedFields(plan)),
-        rows_(database, LevelSumQuery(plan), name),
+        rows_(database, LevelSumQuery(plan, picked.search), picked.values),
         sums_(plan.weights.size()) {}
 
   // Of the group that the row of the records opens.
@@ -105,14 +123,14 @@ struct OpenedGroup {
 class Walker {
  public:
   Walker(SQLite::Database& database, const ExportPlan& plan, std::span<const std::string> fields,
-         std::string_view name, LevelVisitor& visitor)
+         const PickedRows& picked, LevelVisitor& visitor)
       : plan_(plan),
         visitor_(visitor),
-        rows_(database, LevelRecordQuery(plan, fields), name),
+        rows_(database, LevelRecordQuery(plan, fields, picked.search), picked.values),
         groups_(plan.levels.size()),
         cells_(fields.size()) {
     if (!plan.levels.empty()) {
-      sums_.emplace(database, plan, name);
+      sums_.emplace(database, plan, picked);
     }
   }
 
@@ -233,7 +251,7 @@ LevelWalk::LevelWalk(const std::filesystem::path& transaction_database, const Ex
 void LevelWalk::Walk(LevelVisitor& visitor) {
   Translated(database_, [&] {
     const SQLite::Transaction snapshot(database_);
-    Walker(database_, plan_, Names(fields_), name_, visitor).Walk();
+    Walker(database_, plan_, Names(fields_), PickRows(database_, plan_, name_), visitor).Walk();
   });
 }
 

@@ -5,15 +5,18 @@
 
 namespace vrx {
 
-RowReader::RowReader(SQLite::Database& database, const std::string& query, std::string_view name)
+RowReader::RowReader(SQLite::Database& database, const std::string& query,
+                     std::span<const std::string> values)
     : database_(database) {
   sqlite3_stmt* statement = nullptr;
   database.check(sqlite3_prepare_v2(database.getHandle(), query.c_str(),
                                     static_cast<int>(query.size()), &statement, nullptr));
   statement_.reset(statement);
-  if (sqlite3_bind_parameter_count(statement) > 0) {
-    database.check(
-        sqlite3_bind_text64(statement, 1, name.data(), name.size(), SQLITE_TRANSIENT, SQLITE_UTF8));
+  const auto count = static_cast<std::size_t>(sqlite3_bind_parameter_count(statement));
+  int parameter = 0;
+  for (const std::string& value : values.first(count)) {
+    database.check(sqlite3_bind_text64(statement, ++parameter, value.data(), value.size(),
+                                       SQLITE_TRANSIENT, SQLITE_UTF8));
   }
 }
 

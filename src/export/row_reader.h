@@ -2,6 +2,7 @@
 
 #include <cstddef>
 #include <memory>
+#include <span>
 #include <string>
 #include <string_view>
 
@@ -17,8 +18,9 @@ namespace vrx {
 // SQLite::Exception.
 class RowReader {
  public:
-  // `name` is bound to the query's only parameter, if it has one.
-  RowReader(SQLite::Database& database, const std::string& query, std::string_view name);
+  // `values` are bound to the query's parameters, as many as it has.
+  RowReader(SQLite::Database& database, const std::string& query,
+            std::span<const std::string> values);
 
   // False behind the last row.
   bool Next();

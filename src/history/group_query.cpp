@@ -1,8 +1,10 @@
 #include "history/group_query.h"
 
 #include <limits>
+#include <utility>
 
 #include "database/schema.h"
+#include "database/transaction_ranges.h"
 #include "history/history_column.h"
 #include "history/statements.h"
 
@@ -12,9 +14,17 @@ namespace {
 
 constexpr int kLastRowParameter = 1;
 constexpr int kFirstLevelParameter = 2;
+// A ranged query has two levels at most.
+constexpr int kRangeParameter = 4;
 
 // A number that is stored as a text.
 std::string NumberOf(const std::string& operand) { return "CAST(" + operand + " AS INTEGER)"; }
+
+// A name: there are indexes on it that are led by ranges of transactions.
+bool IsRangedColumn(int column) {
+  const std::string_view key = HistoryColumnAt(column).key;
+  return key == "Recipe" || key == "Ingredient" || key == "Pen";
+}
 
 bool IsNumberAsText(int column) { return HistoryColumnAt(column).key == "UserID"; }
 
@@ -59,7 +69,36 @@ GroupQuery::GroupQuery(const DataGroup& group, std::string_view name)
   }
 }
 
+std::string GroupQuery::RangedColumns() const {
+  if (levels_.empty() || !IsRangedColumn(levels_.front().column)) {
+    return {};
+  }
+  std::string columns;
+  for (const GroupLevel& level : levels_) {
+    columns += (columns.empty() ? "" : ", ") + std::string(HistoryColumnAt(level.column).field);
+  }
+  return columns;
+}
+
+void GroupQuery::SearchBy(std::vector<std::int64_t> ranges) {
+  ranges_text_ = JsonArray(ranges);
+  ranges_ = std::move(ranges);
+}
+
 void GroupQuery::Bind(SQLite::Statement& statement, std::span<const CellValue> values) const {
+  BindRows(statement, values);
+  if (ranges_) {
+    statement.bindNoCopy(kRangeParameter, ranges_text_);
+  }
+}
+
+void GroupQuery::BindRange(SQLite::Statement& statement, std::span<const CellValue> values,
+                           std::int64_t range) const {
+  BindRows(statement, values);
+  statement.bind(kRangeParameter, range);
+}
+
+void GroupQuery::BindRows(SQLite::Statement& statement, std::span<const CellValue> values) const {
   if (last_row_) {
     statement.bind(kLastRowParameter, *last_row_);
   }
@@ -73,6 +112,18 @@ void GroupQuery::Bind(SQLite::Statement& statement, std::span<const CellValue> v
 }
 
 std::string GroupQuery::From(std::size_t levels) const {
+  return Rows(levels) + (ranges_ ? InTransactionRanges(Parameter(kRangeParameter)) : "");
+}
+
+std::string GroupQuery::FromRange(std::size_t levels) const {
+  return RowsOfRange(levels, Parameter(kRangeParameter));
+}
+
+std::string GroupQuery::RowsOfRange(std::size_t levels, std::string_view range) const {
+  return Rows(levels) + " AND " + std::string(kTransactionRange) + " = " + std::string(range);
+}
+
+std::string GroupQuery::Rows(std::size_t levels) const {
   std::string text = " FROM " + std::string(kTransactionsTable) + " WHERE ";
   // The `+` keeps the engine from walking the table itself for it.
   text += last_row_ ? "+rowid <= " + Parameter(kLastRowParameter) : "1";
@@ -87,6 +138,17 @@ std::string GroupQuery::From(std::size_t levels) const {
   return text;
 }
 
+std::string GroupQuery::ValuesInRanges(std::size_t levels) const {
+  const std::string& field = levels_[levels].field;
+  const std::string lowest = "(SELECT min(" + field + ")";
+  return "WITH RECURSIVE Found (InRange, Name) AS (SELECT value, " + lowest +
+         RowsOfRange(levels, "listed.value") + ") FROM json_each(" + Parameter(kRangeParameter) +
+         ") AS listed UNION ALL SELECT InRange, " + lowest + RowsOfRange(levels, "InRange") +
+         " AND " + field + " > Name) FROM Found WHERE Name IS NOT NULL) " +
+         "SELECT NULL WHERE EXISTS (SELECT 1" + From(levels) + " AND " + field +
+         " IS NULL) UNION SELECT Name FROM Found WHERE Name IS NOT NULL ORDER BY 1";
+}
+
 std::string GroupQuery::WholeOutline() const {
   std::string fields;
   std::string keys;
@@ -96,7 +158,8 @@ std::string GroupQuery::WholeOutline() const {
       keys += (keys.empty() ? "" : ", ") + key.expression;
     }
   }
-  return "SELECT " + fields + "count(*)" + From(0) + " GROUP BY " + keys + " ORDER BY " + keys;
+  return "SELECT " + fields + "count(*)" + (ranges_ ? FromRange(0) : From(0)) + " GROUP BY " +
+         keys + " ORDER BY " + keys;
 }
 
 std::string RecordOrderText(int column, bool ascending) {

@@ -40,6 +40,15 @@ class GroupQuery {
   // From now on rows with a higher rowid, those stored later, are left out.
   void EndAt(std::int64_t last_row) { last_row_ = last_row; }
 
+  // From now on the rows are looked for in these ranges of transactions, by an index that is led by
+  // them: the ranges that the table holds when this is called.
+  void SearchBy(std::vector<std::int64_t> ranges);
+  // What such an index has behind the range to serve this query: columns joined by ", ". Empty for
+  // a query that no such index serves.
+  std::string RangedColumns() const;
+  bool IsRanged() const { return ranges_.has_value(); }
+  const std::vector<std::int64_t>& Ranges() const { return *ranges_; }
+
   // Parameters of a text from here on are the caller's.
   static constexpr int kFirstOwnParameter = 5;
 
@@ -53,21 +62,39 @@ class GroupQuery {
   // follow.
   std::string From(std::size_t levels) const;
 
-  // Whether an index holds the rows of an innermost group in the order they were stored.
+  // The same of one range, for a ranged query: an index holds the rows of an innermost group in one
+  // range in the order they were stored, if it does at all.
+  std::string FromRange(std::size_t levels) const;
+  void BindRange(SQLite::Statement& statement, std::span<const CellValue> values,
+                 std::int64_t range) const;
+
+  // Whether an index holds the rows of an innermost group, those of each range if it is ranged, in
+  // the order they were stored.
   bool StoredOrderIsIndexed() const { return stored_order_is_indexed_; }
   // Whether the outermost level has the picked name as its only value.
   bool IsByName() const { return by_name_; }
 
-  // The values of all levels and the number of records, for every innermost group in order.
+  // The values of the next level inside a group that many levels down, ascending, NULL first, for a
+  // ranged query: in each range one value is found after the other, each by one search of an index.
+  std::string ValuesInRanges(std::size_t levels) const;
+
+  // The values of all levels and the number of records, for every innermost group in order; for a
+  // ranged query of one range.
   std::string WholeOutline() const;
 
  private:
+  std::string Rows(std::size_t levels) const;
+  std::string RowsOfRange(std::size_t levels, std::string_view range) const;
+  void BindRows(SQLite::Statement& statement, std::span<const CellValue> values) const;
+
   std::vector<GroupLevel> levels_;
   std::string filter_;
   bool by_name_;
   bool stored_order_is_indexed_;
   std::string name_;
   std::optional<std::int64_t> last_row_;
+  std::optional<std::vector<std::int64_t>> ranges_;
+  std::string ranges_text_;
 };
 
 // " ORDER BY " the values of a column, those that are equal in the order they were stored; column 0

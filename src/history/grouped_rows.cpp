@@ -9,6 +9,7 @@
 #include <sqlite3.h>
 
 #include "database/schema.h"
+#include "database/transaction_ranges.h"
 #include "database/translated.h"
 #include "history/exact_sum.h"
 #include "history/group_query.h"
@@ -77,6 +78,7 @@ class GroupedRows::Impl {
   void Show(const DataGroup& group, std::string_view name) {
     view_ = Read(database_, [&] {
       auto view = std::make_unique<View>(database_, group, name, sum_columns_);
+      FindRanges(view->query);
       Learn(*view, {});
       view->query.EndAt(LastRow(database_));
       return view;
@@ -143,6 +145,17 @@ class GroupedRows::Impl {
   }
 
  private:
+  void FindRanges(GroupQuery& query) {
+    const std::string columns = query.RangedColumns();
+    if (columns.empty()) {
+      return;
+    }
+    if (std::optional<std::vector<std::int64_t>> ranges =
+            ReadTransactionRanges(database_, columns)) {
+      query.SearchBy(*std::move(ranges));
+    }
+  }
+
   // Reads what a group holds.
   static void Learn(View& view, const GroupPath& path) {
     const std::vector<CellValue> values = view.outline.Values(path);

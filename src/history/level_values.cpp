@@ -1,6 +1,7 @@
 #include "history/level_values.h"
 
 #include <cstddef>
+#include <map>
 #include <optional>
 #include <string>
 #include <utility>
@@ -93,6 +94,35 @@ std::vector<CellValue> ReadValues(Statements& statements, const GroupQuery& quer
   return values;
 }
 
+// Calls `take` with the values and the number of records of each row of an outline query.
+template <typename Take>
+void ReadCounts(SQLite::Statement& statement, std::size_t levels, const Take& take) {
+  std::vector<CellValue> values(levels);
+  while (statement.executeStep()) {
+    int column = 0;
+    for (CellValue& value : values) {
+      value = ValueOf(statement.getColumn(column++));
+    }
+    take(values, statement.getColumn(column).getInt64());
+  }
+}
+
+// The values of names, NULL or a text, compare as the engine orders them.
+using Counts = std::map<std::vector<CellValue>, std::int64_t>;
+
+Counts CountInRanges(Statements& statements, const GroupQuery& query) {
+  Counts counts;
+  for (const std::int64_t range : query.Ranges()) {
+    Statements::InUse statement = statements.Take(query.WholeOutline());
+    query.BindRange(*statement, {}, range);
+    ReadCounts(*statement, query.Levels().size(),
+               [&](const std::vector<CellValue>& values, std::int64_t records) {
+                 counts[values] += records;
+               });
+  }
+  return counts;
+}
+
 }  // namespace
 
 std::vector<CellValue> ReadLevelValues(Statements& statements, const GroupQuery& query,
@@ -105,6 +135,9 @@ std::vector<CellValue> ReadLevelValues(Statements& statements, const GroupQuery&
   if (level.many_values) {
     return ReadValues(statements, query, outer,
                       "SELECT DISTINCT " + level.field + from + " ORDER BY " + level.field);
+  }
+  if (query.IsRanged()) {
+    return ReadValues(statements, query, outer, query.ValuesInRanges(outer.size()));
   }
   return ValueFinder(statements, query, outer).FindAll();
 }
@@ -125,18 +158,21 @@ std::int64_t CountRecords(Statements& statements, const GroupQuery& query,
 }
 
 Outline ReadWholeOutline(Statements& statements, const GroupQuery& query) {
-  const auto levels = static_cast<int>(query.Levels().size());
-  Outline outline(levels);
-  Statements::InUse statement = statements.Take(query.WholeOutline());
-  query.Bind(*statement, {});
-  std::vector<CellValue> values(query.Levels().size());
+  const std::size_t levels = query.Levels().size();
+  Outline outline(static_cast<int>(levels));
   bool any = false;
-  while (statement->executeStep()) {
-    for (int level = 0; level < levels; ++level) {
-      values[static_cast<std::size_t>(level)] = ValueOf(statement->getColumn(level));
-    }
-    outline.Append(values, statement->getColumn(levels).getInt64());
+  const auto append = [&](std::span<const CellValue> values, std::int64_t records) {
+    outline.Append(values, records);
     any = true;
+  };
+  if (query.IsRanged()) {
+    for (const auto& [values, records] : CountInRanges(statements, query)) {
+      append(values, records);
+    }
+  } else {
+    Statements::InUse statement = statements.Take(query.WholeOutline());
+    query.Bind(*statement, {});
+    ReadCounts(*statement, levels, append);
   }
   if (!any) {
     outline.SetGroups({}, {});

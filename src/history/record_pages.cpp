@@ -7,6 +7,7 @@
 #include <utility>
 
 #include "database/schema.h"
+#include "database/transaction_ranges.h"
 #include "history/history_column.h"
 
 namespace vrx {
@@ -29,14 +30,6 @@ std::string Select() { return "SELECT rowid, " + RecordColumns(""); }
 std::string SelectListed() {
   return "SELECT t.rowid, " + RecordColumns("t.") + " FROM json_each(?) AS listed LEFT JOIN " +
          std::string(kTransactionsTable) + " AS t ON t.rowid = listed.value ORDER BY listed.key";
-}
-
-std::string JsonOf(std::span<const std::int64_t> numbers) {
-  std::string text = "[";
-  for (const std::int64_t number : numbers) {
-    text += (text.size() == 1 ? "" : ",") + std::to_string(number);
-  }
-  return text + "]";
 }
 
 }  // namespace
@@ -81,6 +74,8 @@ const RecordPages::Record& RecordPages::Load(const Outline& outline, const Outli
     ReadSmall(page, values, length);
   } else if (LargeGroup& large = Large(page.group, values, count); IsReordered()) {
     ReadOrdered(page, large, length);
+  } else if (query_.IsRanged()) {
+    ReadRanged(page, large, length);
   } else {
     ReadStored(page, large, length);
   }
@@ -135,8 +130,9 @@ std::vector<RecordPages::Record> ReadRecords(SQLite::Statement& statement,
 }  // namespace
 
 void RecordPages::ReadSmall(Page& page, std::span<const CellValue> values, std::size_t length) {
-  const std::string order =
-      IsReordered() ? RecordOrderText(sort_column_, ascending_) : std::string(" ORDER BY rowid");
+  const std::string order = IsReordered() || query_.IsRanged()
+                                ? RecordOrderText(sort_column_, ascending_)
+                                : std::string(" ORDER BY rowid");
   Statements::InUse statement =
       statements_.Take(Select() + query_.From(values.size()) + order + " LIMIT ?5");
   query_.Bind(*statement, values);
@@ -161,13 +157,27 @@ void RecordPages::ReadStored(Page& page, LargeGroup& large, std::size_t length) 
   }
 }
 
+void RecordPages::ReadRanged(Page& page, LargeGroup& large, std::size_t length) {
+  if (!large.ranges) {
+    large.ranges.emplace(statements_, query_, large.values);
+  }
+  if (large.ranges->AreStoredInTurn()) {
+    ReadListed(page, large.ranges->Rowids(page.number * kPageLength, length));
+  } else {
+    ReadOrdered(page, large, length);
+  }
+}
+
 void RecordPages::ReadOrdered(Page& page, LargeGroup& large, std::size_t length) {
   if (!large.order) {
     large.order = ReadOrder(large.values);
   }
-  const std::vector<std::int64_t> rowids = large.order->Slice(page.number * kPageLength, length);
+  ReadListed(page, large.order->Slice(page.number * kPageLength, length));
+}
+
+void RecordPages::ReadListed(Page& page, std::span<const std::int64_t> rowids) {
   Statements::InUse statement = statements_.Take(SelectListed());
-  statement->bind(1, JsonOf(rowids));
+  statement->bind(1, JsonArray(rowids));
   page.records = ReadRecords(*statement, page.last_rowid);
 }
 

@@ -4,6 +4,7 @@
 #include <cstdint>
 #include <list>
 #include <memory>
+#include <optional>
 #include <span>
 #include <vector>
 
@@ -12,6 +13,7 @@
 #include "history/outline.h"
 #include "history/record_order.h"
 #include "history/record_places.h"
+#include "history/record_ranges.h"
 #include "history/statements.h"
 
 namespace vrx {
@@ -43,12 +45,13 @@ class RecordPages {
     std::int64_t last_rowid = 0;
   };
 
-  // A group of more than one page; its places or its order are kept while it is among those of its
-  // kind that were read last.
+  // A group of more than one page; its places, its ranges or its order are kept while it is among
+  // those of its kind that were read last.
   struct LargeGroup {
     std::uint32_t group;
     std::vector<CellValue> values;
     RecordPlaces places;
+    std::optional<RecordRanges> ranges = {};
     std::unique_ptr<RecordOrder> order = {};
   };
 
@@ -56,7 +59,9 @@ class RecordPages {
   bool IsReordered() const { return sort_column_ != 0 || !query_.StoredOrderIsIndexed(); }
   void ReadSmall(Page& page, std::span<const CellValue> values, std::size_t length);
   void ReadStored(Page& page, LargeGroup& large, std::size_t length);
+  void ReadRanged(Page& page, LargeGroup& large, std::size_t length);
   void ReadOrdered(Page& page, LargeGroup& large, std::size_t length);
+  void ReadListed(Page& page, std::span<const std::int64_t> rowids);
   std::unique_ptr<RecordOrder> ReadOrder(std::span<const CellValue> values);
   LargeGroup& Large(std::uint32_t group, const std::vector<CellValue>& values, std::int64_t count);
   const Record& Hold(Page page, std::int64_t record);

@@ -1,6 +1,9 @@
 #include <algorithm>
+#include <limits>
 #include <numeric>
 #include <random>
+#include <tuple>
+#include <utility>
 
 #include <gtest/gtest.h>
 
@@ -29,9 +32,31 @@ CellValue AnyWeight(Random& random) {
                                : CellValue(static_cast<double>(Below(random, 99)) / 10);
 }
 
-Cells AnyRow(Random& random, std::int64_t transactions) {
+// How the transactions of a table are numbered.
+enum class Numbers {
+  kFew,       // many rows to each, some without
+  kUpward,    // in the order they are stored, all over many ranges
+  kAnyOrder,  // without, below zero, as high as can be
+};
+
+CellValue AnyTransaction(Random& random, Numbers numbers, std::int64_t row, std::int64_t few) {
+  constexpr std::int64_t kRange = 20'000;
+  switch (numbers) {
+    case Numbers::kFew:
+      return Below(random, 20) == 0 ? CellValue() : CellValue(1 + Below(random, few));
+    case Numbers::kUpward:
+      return row * 211;
+    case Numbers::kAnyOrder:
+      break;
+  }
+  return AnyOf(random, {CellValue(), std::numeric_limits<std::int64_t>::min(),
+                        std::numeric_limits<std::int64_t>::max(), std::int64_t{-1},
+                        (Below(random, 9) - 4) * kRange, Below(random, few)});
+}
+
+Cells AnyRow(Random& random, CellValue transaction) {
   const CellValue null;
-  Cells row{{1, CellValue(1 + Below(random, transactions))},
+  Cells row{{1, std::move(transaction)},
             {2, AnyOf(random, {null, Text(""), Text("STEERS"), Text("steers"), Text("O'NEIL")})},
             {3, AnyOf(random, {Text("BATCH"), Text("FEED")})},
             {4, AnyOf(random, {null, Text("10"), Text("9"), Text("09"), Text("-1"), Text("x")})},
@@ -43,9 +68,6 @@ Cells AnyRow(Random& random, std::int64_t transactions) {
             {10, AnyOf(random, {null, Text("2011-03-14"), Text("2009-12-31")})},
             {11, AnyWeight(random)},
             {12, AnyWeight(random)}};
-  if (Below(random, 20) == 0) {
-    row[1] = CellValue();
-  }
   for (int column = kFirstIngredientColumn; column <= kHistoryColumnCount; column += 33) {
     row[column] = AnyWeight(random);
   }
@@ -162,27 +184,29 @@ std::vector<std::vector<CellValue>> RecordsOf(const std::vector<Cells>& rows) {
   return records;
 }
 
-std::vector<Cells> AnyRows(Random& random, std::int64_t count, std::int64_t transactions) {
+std::vector<Cells> AnyRows(Random& random, std::int64_t count, Numbers numbers, std::int64_t few) {
   std::vector<Cells> rows;
   for (std::int64_t i = 0; i < count; ++i) {
-    rows.push_back(AnyRow(random, transactions));
+    rows.push_back(AnyRow(random, AnyTransaction(random, numbers, i, few)));
   }
   return rows;
 }
 
-class GroupedRowsOfAnyTable : public ::testing::TestWithParam<int> {};
+// By the group and how its transactions are numbered.
+class GroupedRowsOfAnyTable : public ::testing::TestWithParam<std::tuple<int, Numbers>> {
+ protected:
+  static const DataGroup& Group() { return *FindDataGroup(std::get<0>(GetParam())); }
+  static std::vector<Cells> Rows(Random& random, std::int64_t count, std::int64_t few) {
+    return AnyRows(random, count, std::get<1>(GetParam()), few);
+  }
 
-TEST_P(GroupedRowsOfAnyTable, AreWhatAListOfAllRowsIs) {
-  Random random(static_cast<unsigned>(GetParam()) + 100);
-  for (const std::int64_t count : {0, 1, 7, 60, 300}) {
-    HistoryTable table;
-    const std::vector<Cells> rows = AnyRows(random, count, 1 + count / 4);
-    table.Store(rows);
-    Pair pair(table, RecordsOf(rows), random);
-    for (int show = 0; show < 2; ++show) {
-      pair.Show(*FindDataGroup(GetParam()));
-      for (int step = 0; step < 25; ++step) {
-        SCOPED_TRACE("rows " + std::to_string(count) + ", step " + std::to_string(step));
+  static void ExpectTheSame(HistoryTable& table, std::vector<std::vector<CellValue>> records,
+                            Random& random, int shows, int steps) {
+    Pair pair(table, std::move(records), random);
+    for (int show = 0; show < shows; ++show) {
+      pair.Show(Group());
+      for (int step = 0; step < steps; ++step) {
+        SCOPED_TRACE("step " + std::to_string(step));
         ASSERT_NO_FATAL_FAILURE(pair.Compare(120));
         if (HasFailure()) {
           return;
@@ -191,12 +215,34 @@ TEST_P(GroupedRowsOfAnyTable, AreWhatAListOfAllRowsIs) {
       }
     }
   }
+};
+
+TEST_P(GroupedRowsOfAnyTable, AreWhatAListOfAllRowsIs) {
+  Random random(static_cast<unsigned>(Group().index) + 100);
+  for (const std::int64_t count : {0, 1, 7, 60, 300}) {
+    SCOPED_TRACE("rows " + std::to_string(count));
+    HistoryTable table;
+    const std::vector<Cells> rows = Rows(random, count, 1 + count / 4);
+    table.Store(rows);
+    ExpectTheSame(table, RecordsOf(rows), random, 2, 25);
+  }
+}
+
+TEST_P(GroupedRowsOfAnyTable, AreTheSameInATableWithoutIndexesByName) {
+  Random random(static_cast<unsigned>(Group().index) + 300);
+  HistoryTable table;
+  table.Exec(
+      "DROP INDEX TransactionsByRecipe; DROP INDEX TransactionsByRecipeIngredient; "
+      "DROP INDEX TransactionsByIngredient; DROP INDEX TransactionsByPen");
+  const std::vector<Cells> rows = Rows(random, 1500, 40);
+  table.Store(rows);
+  ExpectTheSame(table, RecordsOf(rows), random, 1, 16);
 }
 
 TEST_P(GroupedRowsOfAnyTable, HoldGroupsOfManyPagesWithGapsBetween) {
-  Random random(static_cast<unsigned>(GetParam()) + 200);
+  Random random(static_cast<unsigned>(Group().index) + 200);
   HistoryTable table;
-  std::vector<Cells> rows = AnyRows(random, 6000, 2);
+  std::vector<Cells> rows = Rows(random, 6000, 2);
   table.Store(rows);
   // Takes away about a tenth, rather more in the middle.
   std::vector<Cells> left;
@@ -209,19 +255,13 @@ TEST_P(GroupedRowsOfAnyTable, HoldGroupsOfManyPagesWithGapsBetween) {
     }
   }
   table.Exec("DELETE FROM Transactions WHERE rowid IN (" + gone + ")");
-  Pair pair(table, RecordsOf(left), random);
-  pair.Show(*FindDataGroup(GetParam()));
-  for (int step = 0; step < 16; ++step) {
-    SCOPED_TRACE("step " + std::to_string(step));
-    ASSERT_NO_FATAL_FAILURE(pair.Compare(60));
-    if (HasFailure()) {
-      return;
-    }
-    pair.Step();
-  }
+  ExpectTheSame(table, RecordsOf(left), random, 1, 16);
 }
 
-INSTANTIATE_TEST_SUITE_P(Group, GroupedRowsOfAnyTable, ::testing::Range(0, kDataGroupCount));
+INSTANTIATE_TEST_SUITE_P(Group, GroupedRowsOfAnyTable,
+                         ::testing::Combine(::testing::Range(0, kDataGroupCount),
+                                            ::testing::Values(Numbers::kFew, Numbers::kUpward,
+                                                              Numbers::kAnyOrder)));
 
 }  // namespace
 }  // namespace vrx::testing

@@ -1,0 +1,77 @@
+#include "history/record_ranges.h"
+
+#include <cstdint>
+#include <string>
+#include <vector>
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include "database/transaction_ranges.h"
+#include "history/data_group.h"
+#include "history/history_table.h"
+
+namespace vrx::testing {
+namespace {
+
+using ::testing::ElementsAre;
+using ::testing::IsEmpty;
+
+constexpr std::int64_t kFar = 1'000'000;  // transactions that far apart are in two ranges
+
+// The feeds of pen A01, rowids from 1, with these transactions; a feed of another pen behind each.
+class RecordsInRanges : public ::testing::Test {
+ protected:
+  void Store(const std::vector<CellValue>& transactions) {
+    std::vector<Cells> rows;
+    for (const CellValue& transaction : transactions) {
+      for (const char* pen : {"A01", "B"}) {
+        rows.push_back({{1, transaction}, {3, std::string("FEED")}, {6, std::string(pen)}});
+      }
+    }
+    table_.Store(rows);
+  }
+
+  RecordRanges Read() {
+    query_.SearchBy(*ReadTransactionRanges(table_.Database(), query_.RangedColumns()));
+    return {statements_, query_, {std::string("A01")}};
+  }
+
+ private:
+  HistoryTable table_;
+  Statements statements_{table_.Database()};
+  GroupQuery query_{*FindDataGroup(8), ""};
+};
+
+TEST_F(RecordsInRanges, FollowEachOtherAsTheyWereStored) {
+  Store({1, 2, 2, kFar, kFar, 3 * kFar});
+  const RecordRanges ranges = Read();
+  EXPECT_TRUE(ranges.AreStoredInTurn());
+  EXPECT_THAT(ranges.Rowids(0, 6), ElementsAre(1, 3, 5, 7, 9, 11));
+  EXPECT_THAT(ranges.Rowids(1, 3), ElementsAre(3, 5, 7));
+  EXPECT_THAT(ranges.Rowids(3, 2), ElementsAre(7, 9));
+  EXPECT_THAT(ranges.Rowids(4, 9), ElementsAre(9, 11));
+  EXPECT_THAT(ranges.Rowids(6, 1), IsEmpty());
+}
+
+TEST_F(RecordsInRanges, GoByTheirRowsNotByTheirNumbers) {
+  Store({CellValue(3 * kFar), CellValue(-kFar), CellValue(-kFar), CellValue(), CellValue(1)});
+  const RecordRanges ranges = Read();
+  EXPECT_TRUE(ranges.AreStoredInTurn());
+  EXPECT_THAT(ranges.Rowids(0, 5), ElementsAre(1, 3, 5, 7, 9));
+  EXPECT_THAT(ranges.Rowids(2, 2), ElementsAre(5, 7));
+}
+
+TEST_F(RecordsInRanges, AreNotInTurnWhereATransactionStandsAmongThoseOfAnotherRange) {
+  Store({1, kFar, 2});
+  EXPECT_FALSE(Read().AreStoredInTurn());
+}
+
+TEST_F(RecordsInRanges, OfNoneAreNone) {
+  const RecordRanges ranges = Read();
+  EXPECT_TRUE(ranges.AreStoredInTurn());
+  EXPECT_THAT(ranges.Rowids(0, 5), IsEmpty());
+}
+
+}  // namespace
+}  // namespace vrx::testing
