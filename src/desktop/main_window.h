@@ -76,7 +76,7 @@ class MainWindow : public QMainWindow,
   void HidePenCapacityWarning() override;
   void SelectPenItem(int list_index) override;
 
- public Q_SLOTS:
+  // What the operator's signals lead to.
   void SetStatusLine(const QString& text) { panels_->PicTransferStatus().SetStatusLine(text); }
   void SetStatusColor(vrx::StatusColor color) {
     panels_->PicTransferStatus().SetStatusColor(color);
