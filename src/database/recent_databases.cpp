@@ -37,15 +37,4 @@ void RecentDatabases::Activate() {
   }
 }
 
-void RecentDatabases::Save() {
-  Keep(DatabaseKind::kRecipe, settings_.AutoloadRecipeDBOn(), databases_.Recipe());
-  Keep(DatabaseKind::kTransaction, settings_.AutoloadTransDBOn(), databases_.Transaction());
-}
-
-void RecentDatabases::Keep(DatabaseKind kind, bool autoload_on, const CurrentDatabase& current) {
-  const KindWords& words = WordsOf(kind);
-  store_.SaveSetting(words.recent_path_key, autoload_on ? current.path.string() : std::string());
-  store_.SaveSetting(words.recent_name_key, autoload_on ? current.name : std::string());
-}
-
 }  // namespace vrx

@@ -10,7 +10,8 @@ namespace vrx {
 // this.
 class RecentDatabases {
  public:
-  RecentDatabases(UserSettings& store, const PrivateINI& settings, DatabaseLifecycle& databases)
+  RecentDatabases(const UserSettings& store, const PrivateINI& settings,
+                  DatabaseLifecycle& databases)
       : store_(store), settings_(settings), databases_(databases) {}
 
   // The window's Load: recalls paths and names, also of files that are gone, and works out what is
@@ -20,18 +21,13 @@ class RecentDatabases {
   // The window's Activate. The first one after a Load opens what is pending, recipes first.
   void Activate();
 
-  // Exit: throws Error when the settings cannot be written. A side that is not loaded by itself the
-  // next time keeps nothing.
-  void Save();
-
   bool AutoloadRecipePending() const { return autoload_recipe_pending_; }
   bool AutoloadTransPending() const { return autoload_trans_pending_; }
 
  private:
   bool Recall(DatabaseKind kind, bool autoload_on);
-  void Keep(DatabaseKind kind, bool autoload_on, const CurrentDatabase& current);
 
-  UserSettings& store_;
+  const UserSettings& store_;
   const PrivateINI& settings_;
   DatabaseLifecycle& databases_;
   bool first_activate_ = false;

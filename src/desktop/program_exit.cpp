@@ -5,20 +5,9 @@
 #include <string>
 #include <string_view>
 
+#include "database/kind_words.h"
+
 namespace vrx {
-namespace {
-
-struct RecentKeys {
-  std::string_view path;
-  std::string_view name;
-};
-
-constexpr RecentKeys KeysOf(DatabaseKind kind) {
-  return kind == DatabaseKind::kRecipe ? RecentKeys{"MRU_RecipePathName", "MRU_RecipeFileName"}
-                                       : RecentKeys{"MRU_TransPathName", "MRU_TransFileName"};
-}
-
-}  // namespace
 
 bool ProgramExit::CloseBox() {
   main_form_.CloseSerialPort();
@@ -84,9 +73,10 @@ void ProgramExit::SaveRecent(DatabaseKind kind) {
   const PrivateINI& settings = application_.settings;
   const bool keep =
       kind == DatabaseKind::kRecipe ? settings.AutoloadRecipeDBOn() : settings.AutoloadTransDBOn();
+  const KindWords& words = WordsOf(kind);
   const RecentFile recent = keep ? main_form_.Recent(kind) : RecentFile{};
-  user_settings_.SaveSetting(KeysOf(kind).path, recent.path);
-  user_settings_.SaveSetting(KeysOf(kind).name, recent.name);
+  user_settings_.SaveSetting(words.recent_path_key, recent.path);
+  user_settings_.SaveSetting(words.recent_name_key, recent.name);
 }
 
 void ProgramExit::WriteSettings() {

@@ -10,11 +10,8 @@ namespace vrx::testing {
 namespace {
 
 namespace fs = std::filesystem;
-using ::testing::Contains;
 using ::testing::ElementsAre;
 using ::testing::IsEmpty;
-using ::testing::Pair;
-using ::testing::UnorderedElementsAre;
 
 constexpr auto kRecipe = DatabaseKind::kRecipe;
 constexpr auto kTransaction = DatabaseKind::kTransaction;
@@ -83,12 +80,8 @@ TEST_F(RecentDatabasesTest, AFileThatIsGoneIsNotLoadedAndStaysNamedWithoutAMessa
   EXPECT_THAT(operator_.boxes, IsEmpty());
   EXPECT_EQ(databases_.Recipe().path, recipes_);
   EXPECT_EQ(databases_.Recipe().name, "YARD.RDB");
-  recent_.Save();
-  EXPECT_THAT(store_.values, Contains(Pair("MRU_RecipeFileName", "YARD.RDB")));
-  EXPECT_THAT(store_.values, Contains(Pair("MRU_RecipePathName", recipes_.string())));
   databases_.CloseRecipeDatabase();
-  recent_.Save();
-  EXPECT_THAT(store_.values, Contains(Pair("MRU_RecipeFileName", "")));
+  EXPECT_EQ(databases_.Recipe().name, "");
 }
 
 TEST_F(RecentDatabasesTest, NothingIsLoadedWithTheOptionOff) {
@@ -117,24 +110,13 @@ TEST_F(RecentDatabasesTest, ARefusedFileIsToldAndTheOtherOneStillOpens) {
   EXPECT_EQ(BoundName(kTransaction), "Y2026.TDB");
 }
 
-TEST_F(RecentDatabasesTest, SaveKeepsWhatIsOpenOnlyForASideThatIsLoadedByItself) {
-  databases_.Recall(kRecipe, "/data/A.RDB", "A.RDB");
-  databases_.Recall(kTransaction, "/data/B.TDB", "B.TDB");
-  settings_.SetAutoloadRecipeDBOn(false);
-  recent_.Save();
-  EXPECT_THAT(store_.values,
-              UnorderedElementsAre(Pair("MRU_RecipePathName", ""), Pair("MRU_RecipeFileName", ""),
-                                   Pair("MRU_TransPathName", "/data/B.TDB"),
-                                   Pair("MRU_TransFileName", "B.TDB")));
-}
-
 TEST_F(RecentDatabasesTest, ASaveAsLeavesNothingToRemember) {
   chooser_.Choose(recipes_);
   databases_.BrowseRecipeDatabase();
   chooser_.Choose(app_folder_.DefaultAppPath() / "COPY.RDB");
   databases_.SaveAsRecipeCommand();
-  recent_.Save();
-  EXPECT_THAT(store_.values, Contains(Pair("MRU_RecipeFileName", "")));
+  EXPECT_EQ(databases_.Recipe().name, "");
+  EXPECT_TRUE(databases_.Recipe().path.empty());
 }
 
 }  // namespace
