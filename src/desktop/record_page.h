@@ -1,0 +1,46 @@
+#pragma once
+
+#include <SQLiteCpp/Database.h>
+
+#include "desktop/main_tab_page.h"
+#include "desktop/main_window_panels.h"
+#include "feed/feed_action.h"
+#include "frame/general_delay.h"
+
+namespace vrx {
+
+// What the pages of ingredients, recipes and pens work with. Everything outlives them.
+struct RecordPorts {
+  FeedPorts feed;
+  GeneralDelay& delay;
+};
+
+// The page of one kind of record, as the action bar and the navigator know it. A record's position
+// is its `ID`, from 1. No call opens a database: with a closed one the page shows the blank
+// template and none of these is made.
+class RecordPage : public MainTabPage {
+  Q_OBJECT
+
+ public:
+  using MainTabPage::MainTabPage;
+
+  // `cmdAction`. Each tells its failures and leaves the record on show.
+  virtual void UpdateRecord() = 0;
+  virtual void CancelRecord() = 0;
+  virtual void DefaultRecord() = 0;
+
+  // `cmdNavigate`, with what is written ahead of the move; wraps around at both ends.
+  virtual void Navigate(NavigateButton button) = 0;
+
+  // Of the record on show; 0 while the database is closed.
+  virtual int Position() const = 0;
+
+ Q_SIGNALS:
+  // The page came to a record, the one that it was on included.
+  void Moved(int position);
+
+  // `cmdAction` item 1 is off while the lines of a recipe have the focus.
+  void CancelAllowed(bool allowed);
+};
+
+}  // namespace vrx
