@@ -38,18 +38,17 @@ std::vector<std::string> RecipeIndexes() {
 // it writes to the newest range only; a reader by name looks into each range. Users are few.
 std::vector<std::string> TransactionIndexes() {
   const std::string by_name = " ON Transactions (" + std::string(kTransactionRange) + ", ";
+  const std::string batches = "Recipe, Ingredient, Type) WHERE Type = 'BATCH'";
+  const std::string by_user = " ON Transactions (CAST(UserID AS INTEGER), UserID, ";
   return {
       "CREATE INDEX TransactionsByNumber ON Transactions ([Transaction], Type)",
       "CREATE INDEX TransactionsByDate ON Transactions (Date, [Transaction], Type)",
       "CREATE INDEX TransactionsByRecipe" + by_name + "Recipe, Type)",
-      "CREATE INDEX TransactionsByRecipeIngredient" + by_name +
-          "Recipe, Ingredient, Type) WHERE Type = 'BATCH'",
+      "CREATE INDEX TransactionsByRecipeIngredient" + by_name + batches,
       "CREATE INDEX TransactionsByIngredient" + by_name + "Ingredient, Type)",
       "CREATE INDEX TransactionsByPen" + by_name + "Pen, Type)",
-      "CREATE INDEX TransactionsByUserTransaction ON Transactions "
-      "(CAST(UserID AS INTEGER), UserID, [Transaction])",
-      "CREATE INDEX TransactionsByUserType ON Transactions "
-      "(CAST(UserID AS INTEGER), UserID, Type)",
+      "CREATE INDEX TransactionsByUserTransaction" + by_user + "[Transaction])",
+      "CREATE INDEX TransactionsByUserType" + by_user + "Type)",
   };
 }
 
