@@ -1,0 +1,123 @@
+// Run by the build: makes the user's manual from its chapters, with pictures of the program's own
+// windows.
+//
+//   make_manual CHAPTERS_FOLDER PROGRAM_DIRECTORY TARGET
+
+#include <QApplication>
+#include <QLocale>
+#include <QStyleFactory>
+#include <QTemporaryDir>
+#include <algorithm>
+#include <cstdio>
+#include <exception>
+#include <filesystem>
+#include <set>
+#include <string>
+#include <vector>
+
+#include "desktop/form_parts.h"
+#include "desktop/qt_text.h"
+#include "frame/captions.h"
+#include "frame/error.h"
+#include "frame/files.h"
+#include "make_manual/figures.h"
+#include "make_manual/manual_pdf.h"
+#include "make_manual/manual_style.h"
+#include "make_manual/manual_text.h"
+
+namespace {
+
+namespace fs = std::filesystem;
+using namespace vrx::manual;
+
+constexpr std::size_t kLargestChapter = 1U << 20U;
+constexpr int kTitleCaption = 1063;
+constexpr int kCopyrightCaption = 1030;
+
+// In the order of the names, which begin with a number.
+std::vector<Chapter> ReadChapters(const fs::path& folder) {
+  std::vector<fs::path> files;
+  for (const fs::directory_entry& entry : fs::directory_iterator(folder)) {
+    if (entry.path().extension() == ".md") {
+      files.push_back(entry.path());
+    }
+  }
+  std::sort(files.begin(), files.end());
+  std::vector<Chapter> chapters;
+  QString all;
+  for (const fs::path& file : files) {
+    const std::string text = vrx::ReadFileBytes(file, kLargestChapter);
+    all += QString::fromStdString(text);
+    chapters.push_back(ParseChapter(file.filename().string(), text));
+  }
+  if (chapters.empty()) {
+    throw vrx::Error("there is no chapter in " + folder.string());
+  }
+  RequireFonts(all);
+  return chapters;
+}
+
+// Only the figures that the chapters show; setting them finds the ones that do not exist.
+Pictures GrabFigures(const std::vector<Chapter>& chapters, const fs::path& program_directory) {
+  std::set<std::string, std::less<>> wanted;
+  for (const Chapter& chapter : chapters) {
+    for (const Block& block : chapter.blocks) {
+      if (block.kind == BlockKind::kFigure) {
+        wanted.insert(block.text);
+      }
+    }
+  }
+  SampleProgram program(program_directory);
+  Pictures pictures;
+  for (const Figure& figure : Figures()) {
+    if (wanted.contains(figure.name)) {
+      pictures.emplace(figure.name, figure.grab(program));
+    }
+  }
+  return pictures;
+}
+
+void MakeManual(const fs::path& source, const fs::path& program_directory, const fs::path& target) {
+  const std::vector<Chapter> chapters = ReadChapters(source);
+  const auto caption = [](int id) { return vrx::ToQString(vrx::CaptionText(id).value()); };
+  const QByteArray pdf = WriteManual(chapters, GrabFigures(chapters, program_directory),
+                                     {.product = caption(kTitleCaption),
+                                      .version = vrx::VersionText(),
+                                      .copyright = caption(kCopyrightCaption),
+                                      .logo = vrx::kLogoPath});
+  vrx::WriteFileBytes(target, {pdf.constData(), static_cast<std::size_t>(pdf.size())});
+}
+
+// No screen, no settings of whoever builds, pictures of twice the size.
+void SetEnvironment(const QByteArray& home) {
+  qputenv("QT_QPA_PLATFORM", "offscreen");
+  qputenv("QT_SCALE_FACTOR", "2");
+  for (const char* const kept_elsewhere : {"XDG_CONFIG_HOME", "XDG_DATA_HOME", "XDG_RUNTIME_DIR"}) {
+    qputenv(kept_elsewhere, home);
+  }
+  for (const char* const unset : {"QT_STYLE_OVERRIDE", "QT_QPA_PLATFORMTHEME", "QT_FONT_DPI"}) {
+    qunsetenv(unset);
+  }
+  QLocale::setDefault(QLocale::c());
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+  if (argc != 4) {
+    std::fputs("usage: make_manual CHAPTERS_FOLDER PROGRAM_DIRECTORY TARGET\n", stderr);
+    return 2;
+  }
+  const QTemporaryDir home;
+  SetEnvironment(home.path().toLocal8Bit());
+  const QApplication application(argc, argv);
+  QApplication::setStyle(QStyleFactory::create(QStringLiteral("Fusion")));
+  QApplication::setFont(QFont(QStringLiteral("DejaVu Sans"), 9));
+  try {
+    MakeManual(argv[1], argv[2], argv[3]);
+    return 0;
+  } catch (const std::exception& error) {
+    std::fprintf(stderr, "make_manual: %s\n", error.what());
+    return 1;
+  }
+}

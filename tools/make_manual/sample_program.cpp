@@ -1,0 +1,253 @@
+#include "make_manual/sample_program.h"
+
+#include <QAction>
+#include <QApplication>
+#include <QTemporaryDir>
+#include <deque>
+#include <map>
+#include <system_error>
+#include <utility>
+
+#include "adapters/qt_event_pump.h"
+#include "desktop/desktop_context.h"
+#include "frame/error.h"
+#include "frame/files.h"
+#include "frame/folder.h"
+#include "make_manual/sample_records.h"
+#include "platform/serial_control.h"
+
+namespace vrx::manual {
+namespace {
+
+namespace fs = std::filesystem;
+
+constexpr QSize kWindowSize{960, 660};
+const std::string kRecipeFile = "SITE.RDB";
+const std::string kTransactionFile = "YARD.TDB";
+
+// The figures show the screens of one day.
+class SampleCalendar : public Calendar {
+ public:
+  Date Today() const override {
+    return {std::chrono::year{2026}, std::chrono::January, std::chrono::day{12}};
+  }
+};
+
+class SampleSystem : public SystemInfo {
+ public:
+  explicit SampleSystem(fs::path program_directory)
+      : program_directory_(std::move(program_directory)) {}
+
+  std::string WindowsDirectory() const override { return "/usr"; }
+  std::string CommonAppDataFolder() const override { return "."; }
+  std::string ProgramDirectory() const override { return program_directory_.string(); }
+  int FindExecutable(const std::string& document, const std::string& /*directory*/,
+                     std::string& viewer) const override {
+    constexpr int kFound = 33;
+    viewer = document.ends_with(".PDF") ? "/usr/bin/okular" : "/usr/bin/kwrite";
+    return kFound;
+  }
+
+ private:
+  fs::path program_directory_;
+};
+
+class SampleOperatingSystem : public OperatingSystem {
+ public:
+  OsVersion Version() const override { return {.platform = 4}; }
+  std::optional<RegistryKey> OpenKey(RegistryRoot /*root*/, std::string_view /*path*/) override {
+    return std::nullopt;
+  }
+  std::optional<RegistryValue> QueryValue(RegistryKey /*key*/, std::string_view /*name*/) override {
+    return std::nullopt;
+  }
+  bool CloseKey(RegistryKey /*key*/) override { return true; }
+  bool StartProgram(const fs::path& /*program*/) override { return false; }
+  int OpenDocument(const fs::path& /*document*/) override { return 0; }
+};
+
+// No port can be opened; everything else of it is taken as it comes.
+class NoSerialPort : public SerialControl {
+ public:
+  void SetDTREnable(bool /*on*/) override {}
+  void SetInBufferSize(int /*bytes*/) override {}
+  void SetOutBufferSize(int /*bytes*/) override {}
+  void SetHandshaking(Handshaking /*mode*/) override {}
+  void SetCommPort(int /*number*/) override {}
+  void SetSettings(std::string_view /*settings*/) override {}
+  bool PortOpen() const override { return false; }
+  void SetPortOpen(bool open) override {
+    if (open) {
+      throw SerialError("the sample program has no serial port");
+    }
+  }
+  int InBufferCount() override { return 0; }
+  void DiscardInput() override {}
+  int OutBufferCount() override { return 0; }
+  void DiscardOutput() override {}
+  std::string Input() override { return {}; }
+  void Output(std::string_view /*bytes*/) override { throw SerialError("no port is open"); }
+};
+
+class SampleFileChooser : public FileChooser {
+ public:
+  FileChoice ShowOpen(const FileDialog& /*dialog*/) override {
+    const fs::path path = std::exchange(next, {});
+    return {path.string(), path.filename().string()};
+  }
+  FileChoice ShowSave(const FileDialog& dialog) override { return ShowOpen(dialog); }
+  std::string ShowFolder(const std::string& /*title*/) override {
+    return std::exchange(next, {}).string();
+  }
+
+  fs::path next;  // nothing: a cancel
+};
+
+class SampleSettings : public UserSettings {
+ public:
+  std::string GetSetting(std::string_view /*key*/) const override { return {}; }
+  void SaveSetting(std::string_view /*key*/, std::string_view /*value*/) override {}
+};
+
+// Nobody is there to read a box: what it says is kept.
+class SampleOperator : public QtOperator {
+ public:
+  Answer ShowMessage(const MessageBox& box) override {
+    told += (told.empty() ? "" : "; ") + box.title + ": " + box.text;
+    told += box.cause.empty() ? "" : " (" + box.cause + ")";
+    return box.buttons == Buttons::kYesNo ? Answer::kNo : Answer::kOk;
+  }
+  void Beep() override {}
+
+  std::string told;
+};
+
+class StayingProgram : public ExitRoads {
+ public:
+  void CloseBox() override {}
+  void FileExit() override {}
+  void SessionEnd() override {}
+};
+
+// A folder that is the current one while it lives.
+class WorkFolder {
+ public:
+  WorkFolder() {
+    if (!folder_.isValid()) {
+      throw Error("cannot make a temporary folder: " + folder_.errorString().toStdString());
+    }
+    fs::current_path(folder_.path().toStdString());
+  }
+  ~WorkFolder() {
+    std::error_code ignored;  // the folder that was there before may be gone
+    fs::current_path(before_, ignored);
+  }
+  WorkFolder(const WorkFolder&) = delete;
+  WorkFolder& operator=(const WorkFolder&) = delete;
+
+ private:
+  fs::path before_ = fs::current_path();
+  QTemporaryDir folder_;
+};
+
+}  // namespace
+
+class SampleProgram::Parts {
+ public:
+  explicit Parts(const fs::path& program_directory)
+      : system(fs::absolute(program_directory)), application{Folder(system), {}, {}} {
+    application.app_folder.CheckAppDefaultDir();
+    application.ini.emplace(application.app_folder.IniFilePath(), system, op);
+    PrivateINI::EnsureIniFile(*application.ini, op);
+    application.settings.ReadIniSettings(*application.ini);
+    op.told.clear();  // that the settings are new
+    CopySite();
+    form = MakeVrxMain({.application = application,
+                        .op = op,
+                        .files = files,
+                        .user_settings = user_settings,
+                        .calendar = calendar,
+                        .system = system,
+                        .os = os,
+                        .pump = pump,
+                        .serial = serial,
+                        .exit = exit});
+  }
+
+  fs::path SiteFile(const std::string& name) const {
+    return application.app_folder.DefaultAppPath() / name;
+  }
+
+  void RunEvents() {
+    // A queued call may post another one.
+    constexpr int kRounds = 3;
+    for (int round = 0; round < kRounds; ++round) {
+      QApplication::processEvents();
+    }
+    if (!op.told.empty()) {
+      throw Error("the program says: " + std::exchange(op.told, {}));
+    }
+  }
+
+ private:
+  void CopySite() {
+    const fs::path site = fs::path(system.ProgramDirectory()) / "sample_site";
+    constexpr int kDays = 7;
+    std::vector<fs::path> days;
+    fs::copy_file(site / kRecipeFile, SiteFile(kRecipeFile));
+    for (int day = 1; day <= kDays; ++day) {
+      days.push_back(SiteFile("DAY" + std::to_string(day) + ".QXT"));
+      fs::copy_file(site / ("day" + std::to_string(day) + ".qxt"), days.back());
+    }
+    MakeTransactionDatabase(
+        SiteFile(kTransactionFile), SiteFile(kRecipeFile), days,
+        {.op = op, .system = system, .calendar = calendar, .settings = application.settings});
+  }
+
+ public:
+  WorkFolder work_folder;
+  SampleSystem system;
+  SampleOperatingSystem os;
+  SampleOperator op;
+  SampleFileChooser files;
+  SampleSettings user_settings;
+  SampleCalendar calendar;
+  NoSerialPort serial;
+  QtEventPump pump;
+  StayingProgram exit;
+  ApplicationState application;
+  std::unique_ptr<MainForm> form;
+};
+
+SampleProgram::SampleProgram(const fs::path& program_directory)
+    : parts_(std::make_unique<Parts>(fs::absolute(program_directory))) {
+  Window().resize(kWindowSize);
+  Window().show();
+  RunEvents();
+  WillChoose(kRecipeFile);
+  Choose("mnuFileOpenRecipeDB");
+  WillChoose(kTransactionFile);
+  Choose("mnuFileOpenTransactionDB");
+}
+
+SampleProgram::~SampleProgram() = default;
+
+MainWindow& SampleProgram::Window() { return dynamic_cast<VrxMain&>(*parts_->form).Window(); }
+
+void SampleProgram::ShowTab(int tab) {
+  Window().Tabs().SelectTab(tab);
+  RunEvents();
+}
+
+void SampleProgram::WillChoose(const std::string& site_file) {
+  parts_->files.next = parts_->SiteFile(site_file);
+}
+
+void SampleProgram::Choose(const char* action) {
+  Find<QAction>(action).trigger();
+  RunEvents();
+}
+
+void SampleProgram::RunEvents() { parts_->RunEvents(); }
+
+}  // namespace vrx::manual

@@ -1,0 +1,53 @@
+#pragma once
+
+#include <QWidget>
+#include <filesystem>
+#include <memory>
+#include <string>
+
+#include "desktop/vrx_main.h"
+#include "frame/error.h"
+
+namespace vrx::manual {
+
+// The program with its main window, put up without a screen over copies of the sample site's
+// databases: SITE.RDB, and YARD.TDB with the records of the site's week. Paths are relative to a
+// folder of its own, which is the process's current one meanwhile, so that the screens are the
+// same on every machine. One at a time.
+class SampleProgram {
+ public:
+  // `program_directory` holds the blank templates and the folder sample_site. Throws Error; so does
+  // everything below when the program shows a message that nobody expected.
+  explicit SampleProgram(const std::filesystem::path& program_directory);
+  ~SampleProgram();
+  SampleProgram(const SampleProgram&) = delete;
+  SampleProgram& operator=(const SampleProgram&) = delete;
+
+  MainWindow& Window();
+  void ShowTab(int tab);
+
+  // What the next file dialog is answered with: a file of the sample site.
+  void WillChoose(const std::string& site_file);
+
+  // Triggers a command of the menus by its name and lets events run.
+  void Choose(const char* action);
+
+  // A control of the main window; throws Error where there is none.
+  template <typename Control>
+  Control& Find(const char* name) {
+    auto* const control = Window().findChild<Control*>(QLatin1String(name));
+    if (control == nullptr) {
+      throw Error(std::string("the main window has no control ") + name);
+    }
+    return *control;
+  }
+
+  // Lets the program handle what is pending. Throws Error for what the operator was told since.
+  void RunEvents();
+
+ private:
+  class Parts;
+  std::unique_ptr<Parts> parts_;
+};
+
+}  // namespace vrx::manual

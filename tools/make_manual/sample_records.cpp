@@ -1,0 +1,79 @@
+#include "make_manual/sample_records.h"
+
+#include <string>
+#include <utility>
+
+#include "database/identity.h"
+#include "exchange/import_session.h"
+#include "frame/error.h"
+#include "frame/files.h"
+#include "frame/folder.h"
+
+namespace vrx::manual {
+namespace {
+
+namespace fs = std::filesystem;
+
+// Nobody watches.
+class NoProgress : public ProgressDisplay {
+ public:
+  void SetProgressMessage(std::string_view /*text*/) override {}
+  void SetProgressRange(int /*maximum*/) override {}
+  void SetProgressValue(int /*value*/) override {}
+};
+
+class NoFileChooser : public FileChooser {
+ public:
+  FileChoice ShowOpen(const FileDialog& dialog) override { throw Error("asked: " + dialog.title); }
+  FileChoice ShowSave(const FileDialog& dialog) override { throw Error("asked: " + dialog.title); }
+  std::string ShowFolder(const std::string& title) override { throw Error("asked: " + title); }
+};
+
+class NoWindow : public ImportHost {
+ public:
+  explicit NoWindow(OpenDatabases databases) : databases_(std::move(databases)) {}
+
+  OpenDatabases Databases() const override { return databases_; }
+  std::vector<IngredientRecord> GridIngredients() override { return {}; }
+  void SelectTab(int /*tab*/) override {}
+  void FocusControl(std::string_view /*name*/) override {}
+  void SaveTransactionDatabase() override {}
+  void ImportChanged() override {}
+
+ private:
+  OpenDatabases databases_;
+};
+
+}  // namespace
+
+void MakeTransactionDatabase(const fs::path& target, const fs::path& recipes,
+                             const std::vector<fs::path>& files, const SamplePorts& ports) {
+  const fs::path blank = fs::path(ports.system.ProgramDirectory()) / kTransactionTemplateName;
+  if (!CopyFileNoOverwrite(blank, target)) {
+    throw Error("cannot copy " + blank.string() + " to " + target.string());
+  }
+  DatabaseIdentity identity(ports.op, ports.calendar, ports.settings);
+  identity.SetDatabaseType(target, kUserTransDb);
+  identity.SetDatabaseUoM(target, ports.settings.SystemUnits());
+  identity.SetDatabaseDate(target, DateSelector::kCreated);
+  NoFileChooser chooser;
+  NoProgress progress;
+  NoWindow window({.recipe_db_path = recipes,
+                   .trans_db_path = target,
+                   .trans_db_uom = ports.settings.SystemUnits()});
+  for (const fs::path& file : files) {
+    ImportSession import({.op = ports.op,
+                          .files = chooser,
+                          .system = ports.system,
+                          .settings = ports.settings,
+                          .identity = identity,
+                          .progress = progress,
+                          .host = window});
+    if (!import.ImportFile({file.string(), file.filename().string()}) ||
+        !import.ClickImportStore().complete) {
+      throw Error(file.string() + " could not be stored");
+    }
+  }
+}
+
+}  // namespace vrx::manual
