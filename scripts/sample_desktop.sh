@@ -1,0 +1,63 @@
+# To be sourced: a user of vrx2260 who works at the sample site, with folders of its own for data and
+# settings, so that nothing of the real user is touched. Needs `bin`, the program's directory.
+
+data_folder() { echo "$1/data/Brantock/VRX-2260"; }
+
+# port_link HOME N: the link that stands for serial port N.
+port_link() { echo "$(data_folder "$1")/Ports/COM$2"; }
+
+# write_ini HOME YES|NO: whether the databases of the last run are opened at the start. The program
+# completes the file.
+write_ini() {
+  cat >"$(data_folder "$1")/VRX-2260.INI" <<END
+[Comments]
+Title=VRX-2260 Initialization File
+[Communications]
+SerialPort=2
+[Options]
+AutoloadRecipeDB=$2
+AutoloadTransDB=$2
+END
+}
+
+# quiet_ctl HOME WORD...: vrx2260ctl, heard only when it fails.
+quiet_ctl() {
+  local home=$1 said
+  shift
+  said=$("$bin/vrx2260ctl" --data-dir "$(data_folder "$home")" "$@" 2>&1) || {
+    echo "$said" >&2
+    return 1
+  }
+}
+
+# make_sample_desktop HOME: the recipes and the first six days of the week, as the databases of the
+# last run. What stood in HOME is gone.
+make_sample_desktop() {
+  local home=$1 data
+  data=$(data_folder "$home")
+  rm -rf "$home"
+  mkdir -p "$data/Ports" "$home/config/Brantock"
+  write_ini "$home" YES
+  cp "$bin/sample_site/SITE.RDB" "$data/SITE.RDB"
+  quiet_ctl "$home" new transaction "$data/JANUARY.TDB"
+  for day in 1 2 3 4 5 6; do
+    quiet_ctl "$home" store "$bin/sample_site/day$day.qxt" \
+      --into "$data/JANUARY.TDB" --recipes "$data/SITE.RDB"
+  done
+  cat >"$home/config/Brantock/VRX(2260).conf" <<END
+[Settings]
+MRU_RecipePathName="$data/SITE.RDB"
+MRU_RecipeFileName=SITE.RDB
+MRU_TransPathName="$data/JANUARY.TDB"
+MRU_TransFileName=JANUARY.TDB
+END
+}
+
+# on_sample_desktop HOME COMMAND...: the look of the real user's desktop stays.
+on_sample_desktop() {
+  local home=$1
+  shift
+  env XDG_CONFIG_DIRS="${XDG_CONFIG_HOME:-$HOME/.config}:${XDG_CONFIG_DIRS:-/etc/xdg}" \
+    XDG_DATA_DIRS="${XDG_DATA_HOME:-$HOME/.local/share}:${XDG_DATA_DIRS:-/usr/local/share:/usr/share}" \
+    XDG_CONFIG_HOME="$home/config" XDG_DATA_HOME="$home/data" "$@"
+}
