@@ -99,7 +99,14 @@ void TransferStatusPanel::AddMemory() {
   ShowMemory(false);
 }
 
-void TransferStatusPanel::SetStatusLine(const QString& text) { status_window_->setText(text); }
+void TransferStatusPanel::SetStatusLine(const QString& text) {
+  status_window_->setText(text);
+  status_window_->setToolTip({});
+}
+
+void TransferStatusPanel::SetStatusCause(const QString& cause) {
+  status_window_->setToolTip(cause);
+}
 
 void TransferStatusPanel::SetStatusColor(StatusColor color) {
   color_ = color;

@@ -53,6 +53,8 @@ class TransferStatusPanel : public QFrame {
   explicit TransferStatusPanel(QWidget* parent = nullptr);
 
   void SetStatusLine(const QString& text);
+  // What lies behind the words of the line, in its tooltip until they change.
+  void SetStatusCause(const QString& cause);
   void SetStatusColor(StatusColor color);
 
   // The memory shows in the direct connection only, as its count to begin with.

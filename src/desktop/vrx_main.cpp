@@ -65,7 +65,17 @@ VrxMain::VrxMain(const Ports& ports)
                   .commands = window_.Commands(),
                   .tabs = window_.Tabs(),
                   .window = window_}),
-      recent_(ports.user_settings, ports.settings, databases_) {
+      recent_(ports.user_settings, ports.settings, databases_),
+      transfer_({.op = ports.op,
+                 .files = ports.files,
+                 .calendar = ports.calendar,
+                 .system = ports.system,
+                 .pump = ports.pump,
+                 .serial = ports.serial,
+                 .settings = ports.settings,
+                 .identity = identity_,
+                 .databases = databases_,
+                 .window = window_}) {
   Connect();
   SetHandlers();
   Load();

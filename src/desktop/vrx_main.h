@@ -9,6 +9,7 @@
 #include "desktop/desktop_context.h"
 #include "desktop/main_form.h"
 #include "desktop/main_window.h"
+#include "desktop/transfer_tabs.h"
 #include "frame/folder.h"
 #include "frame/general_delay.h"
 #include "frame/private_ini.h"
@@ -43,7 +44,7 @@ class VrxMain : public QObject, public MainForm {
 
   // MainForm.
   void Show() override { window_.show(); }
-  void CloseSerialPort() override { ports_.serial.SetPortOpen(false); }
+  void CloseSerialPort() override { transfer_.CloseSerialPort(); }
   void UnloadSetup() override {}
   std::optional<WindowPlace> Place() const override;
   RecentFile Recent(DatabaseKind kind) const override;
@@ -69,6 +70,7 @@ class VrxMain : public QObject, public MainForm {
   DatabaseIdentity identity_;
   DatabaseLifecycle databases_;
   RecentDatabases recent_;
+  TransferTabs transfer_;
   bool first_paint_ = true;
 };
 

@@ -49,13 +49,7 @@ bool DirectConnection::Enter() {
     }
   }
   krm_.GB_KRM_AbortDirectConnect(false);
-  if (!krm_.KRM_DirectOpen()) {
-    op_.Beep();
-    op_.ShowMessage({.icon = Icon::kCritical,
-                     .title = "Error",
-                     .text = "Could not open serial port for direct-connection.",
-                     .cause = krm_.KRM_FailureCause()});
-    ConnectModule();
+  if (!OpenPort()) {
     return false;
   }
   transfer_.data_window.clear();
@@ -64,6 +58,27 @@ bool DirectConnection::Enter() {
   op_.SetStatusLine(kWaiting);
   ShowTab(Connection::kIndicator);
   return true;
+}
+
+bool DirectConnection::Resume() {
+  if (transfer_.connection == Connection::kModule) {
+    return true;
+  }
+  krm_.KRM_ImmediateClose();
+  return OpenPort();
+}
+
+bool DirectConnection::OpenPort() {
+  if (krm_.KRM_DirectOpen()) {
+    return true;
+  }
+  op_.Beep();
+  op_.ShowMessage({.icon = Icon::kCritical,
+                   .title = "Error",
+                   .text = "Could not open serial port for direct-connection.",
+                   .cause = krm_.KRM_FailureCause()});
+  ConnectModule();
+  return false;
 }
 
 void DirectConnection::ShowTab(Connection connection) {

@@ -28,6 +28,11 @@ class DirectConnection {
   // and the module connection chosen again, when the port cannot be opened.
   bool Enter();
 
+  // Somebody else has closed the port, or used it, while the connection stands: opens it anew, with
+  // the settings of now. Does nothing without a connection. False, the operator told and the module
+  // connection chosen again, when it cannot be opened.
+  bool Resume();
+
   // Receives and answers until GB_KRM_AbortDirectConnect. False, the operator told and the module
   // connection chosen again, when the line is lost. A closing program ends it without a word.
   bool DirectConnectLoop();
@@ -37,6 +42,7 @@ class DirectConnection {
   void LoadMemory(std::string_view text);
 
  private:
+  bool OpenPort();
   void ShowTab(Connection connection);
   void StartUpdates();
   void Update();

@@ -1,0 +1,101 @@
+#pragma once
+
+#include <functional>
+#include <string_view>
+
+#include "database/identity.h"
+#include "desktop/data_transfer_controls.h"
+#include "desktop/main_tab_page.h"
+#include "desktop/main_window_panels.h"
+#include "desktop/showing_operator.h"
+#include "desktop/text_printer.h"
+#include "exchange/data_files.h"
+#include "exchange/recipe_download.h"
+#include "frame/private_ini.h"
+#include "link/direct_connection.h"
+#include "link/download.h"
+#include "link/krmcomm.h"
+#include "link/upload.h"
+#include "platform/calendar.h"
+
+namespace vrx {
+
+// What the Data Transfer tab asks of the main window.
+class TransferDatabases {
+ public:
+  virtual ~TransferDatabases() = default;
+
+  // As in RecipeDownloadHost.
+  virtual CurrentDatabase OpenRecipes() const = 0;
+  virtual void BrowseRecipes() = 0;
+  virtual void RecipesStored(int highest_in_use) = 0;
+};
+
+// The Data Transfer tab. Each click runs its transfer to the end, with events handled meanwhile;
+// the click that chooses the indicator returns when the direct connection has ended. The page must
+// outlive every such call: whoever closes the program ends the waits first.
+class DataTransferPage : public MainTabPage, private RecipeDownloadHost {
+  Q_OBJECT
+
+ public:
+  // Everything outlives it.
+  struct Ports {
+    Operator& op;
+    FileChooser& files;
+    const Calendar& calendar;
+    EventPump& pump;
+    const PrivateINI& settings;
+    DatabaseIdentity& identity;
+    KRMCOMM& krm;
+    TransferDatabases& databases;
+    TransferStatusPanel& status;
+    TextPrinter& printer;
+  };
+
+  explicit DataTransferPage(const Ports& ports);
+
+  // Somebody else has had the serial port: a direct connection that stands takes it up again.
+  void ResumeDirectConnection();
+
+  // MainTabPage.
+  void Prepare() override { EnablePrintText(); }
+  void StripFocused() override { EnablePrintText(); }
+
+ private:
+  // RecipeDownloadHost.
+  CurrentDatabase RecipeDatabase() const override { return ports_.databases.OpenRecipes(); }
+  void OpenRecipeDatabase() override { ports_.databases.BrowseRecipes(); }
+  void RecipesStored(int highest) override { ports_.databases.RecipesStored(highest); }
+  void FocusControl(std::string_view name) override;
+  void TransferChanged() override { Show(); }
+
+  void Connect();
+  void Run(const std::function<void()>& flow);
+  void Choose(Connection connection);
+  void ConnectIndicator();
+  void ShowConnection();
+  void UploadData();
+  void Download(bool (RecipeDownloadSession::*step)());
+  void TellCause();
+  void Reload();
+  void SaveFile();
+  void PrintText();
+  void EnablePrintText();
+  void Show();
+  void ShowMemory();
+
+  Ports ports_;
+  ShowingOperator op_;
+  DataTransfer transfer_;
+  ReportFile files_;
+  Upload upload_;
+  vrx::Download download_;
+  DirectConnection direct_;
+  RecipeDownloadSession session_;
+  DataTransferControls controls_;
+  Connection chosen_ = Connection::kModule;  // what `optConnection` stands on
+  bool memory_shown_ = false;
+  std::string memory_size_shown_;
+};
+
+}  // namespace vrx

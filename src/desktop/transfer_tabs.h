@@ -1,0 +1,50 @@
+#pragma once
+
+#include <memory>
+
+#include "database/lifecycle.h"
+#include "desktop/data_transfer_page.h"
+#include "desktop/main_window.h"
+#include "desktop/qt_text_printer.h"
+#include "link/krmcomm.h"
+#include "platform/serial_control.h"
+
+namespace vrx {
+
+// The tabs Data Transfer and Import and the form `SETUP`: what works with the serial port and with
+// files of the indicator. Owns `KRMCOMM`.
+class TransferTabs : private TransferDatabases {
+ public:
+  // Everything outlives it, but the window, whose pages refer to it, may be destroyed later.
+  struct Ports {
+    Operator& op;
+    FileChooser& files;
+    const Calendar& calendar;
+    const SystemInfo& system;
+    EventPump& pump;
+    SerialControl& serial;
+    PrivateINI& settings;
+    DatabaseIdentity& identity;
+    DatabaseLifecycle& databases;
+    MainWindow& window;
+  };
+
+  // Puts the pages in their places; ahead of the caption pass.
+  explicit TransferTabs(const Ports& ports);
+
+  // For the end of the program.
+  void CloseSerialPort() { krm_.KRM_ImmediateClose(); }
+
+ private:
+  // TransferDatabases.
+  CurrentDatabase OpenRecipes() const override;
+  void BrowseRecipes() override { ports_.databases.BrowseRecipeDatabase(); }
+  void RecipesStored(int highest_in_use) override;
+
+  Ports ports_;
+  KRMCOMM krm_;
+  QtTextPrinter printer_;
+  DataTransferPage* data_transfer_;
+};
+
+}  // namespace vrx
