@@ -219,10 +219,11 @@ class HistoryBench {
     const std::vector<double> times =
         InterleavedMedians(options_.rounds, {[&] { work(years_.all); }, [&] { work(years_.tenth); },
                                              [&] { RunShell(years_.all, script); }});
-    figures_.Limited("all records sorted by " + field + ", to a tenth", times[0] / times[1],
-                     kTenfoldLimit, Times(times[0], times[1]));
-    figures_.Told("all records sorted by " + field + ", to the shell", times[0] / times[2],
-                  Times(times[0], times[2]));
+    // A sort takes n log n, so ten times the records take rather more than ten times the time.
+    figures_.Told("all records sorted by " + field + ", to a tenth", times[0] / times[1],
+                  Times(times[0], times[1]));
+    figures_.Limited("all records sorted by " + field + ", to the shell", times[0] / times[2],
+                     kEqualLimit, Times(times[0], times[2]));
   }
 
   void Memory(const DataGroup& group) {

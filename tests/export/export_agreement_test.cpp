@@ -86,6 +86,12 @@ class Agreement : public ::testing::TestWithParam<int> {
     site_.Store(rows);
   }
 
+  void DropIndexesByName() const {
+    site_.Alter(
+        "DROP INDEX TransactionsByRecipe; DROP INDEX TransactionsByRecipeIngredient; "
+        "DROP INDEX TransactionsByIngredient; DROP INDEX TransactionsByPen");
+  }
+
   // The total rows of the innermost groups. A blank weight is none.
   Totals InGrid(int group) {
     HistoryGrid& grid = SetUpGrid(group);
@@ -164,6 +170,16 @@ class Agreement : public ::testing::TestWithParam<int> {
     return Sorted(totals);
   }
 
+  std::string Exported(int group, ExportFormat format) {
+    const fs::path file = site_.Folder() / "out.txt";
+    const StyleSheets style_sheets(data_, system_, op_);
+    EXPECT_TRUE(ExportDriver(style_sheets)
+                    .ExportGroup({SetUpGrid(group), group, "", NameOf(group)}, format, file,
+                                 {{}, site_.Database(), {}})
+                    .done);
+    return ReadAll(file);
+  }
+
  private:
   static std::vector<std::string> Split(const std::string& text, const std::string& separator) {
     std::vector<std::string> parts;
@@ -222,16 +238,6 @@ class Agreement : public ::testing::TestWithParam<int> {
     return *grid_;
   }
 
-  std::string Exported(int group, ExportFormat format) {
-    const fs::path file = site_.Folder() / "out.txt";
-    const StyleSheets style_sheets(data_, system_, op_);
-    EXPECT_TRUE(ExportDriver(style_sheets)
-                    .ExportGroup({SetUpGrid(group), group, "", NameOf(group)}, format, file,
-                                 {{}, site_.Database(), {}})
-                    .done);
-    return ReadAll(file);
-  }
-
   int Number(int from, int to) { return std::uniform_int_distribution<int>(from, to)(random_); }
   static std::string OneOf(const std::vector<std::string>& texts, int at) {
     return texts[static_cast<std::size_t>(at)];
@@ -286,6 +292,22 @@ TEST_P(AgreementOfAnyRows, TheGridTellsTheTotalsOfItsOwnRows) {
     Store(group, rows);
     EXPECT_EQ(InGrid(group), ExpectedInGrid(group, rows));
   }
+}
+
+// As in a file of another making, which is read without ranges of transactions.
+TEST_P(AgreementOfAnyRows, AreTheSameFilesOfATableWithoutIndexesByName) {
+  const int group = GetParam();
+  Rows rows;
+  for (int table = 0; table < kTables; ++table) {
+    const Rows more = MakeRows(true);
+    rows.insert(rows.end(), more.begin(), more.end());
+  }
+  Store(group, rows);
+  const std::string xml = Exported(group, ExportFormat::kXml);
+  const std::string csv = Exported(group, ExportFormat::kCsv);
+  DropIndexesByName();
+  EXPECT_EQ(Exported(group, ExportFormat::kXml), xml);
+  EXPECT_EQ(Exported(group, ExportFormat::kCsv), csv);
 }
 
 INSTANTIATE_TEST_SUITE_P(AllGroups, AgreementOfAnyRows, ::testing::Range(1, 13));
