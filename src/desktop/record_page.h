@@ -1,9 +1,12 @@
 #pragma once
 
+#include <functional>
+
 #include <SQLiteCpp/Database.h>
 
 #include "desktop/main_tab_page.h"
 #include "desktop/main_window_panels.h"
+#include "feed/auto_abbreviation.h"
 #include "feed/feed_action.h"
 #include "frame/general_delay.h"
 
@@ -13,6 +16,13 @@ namespace vrx {
 struct RecordPorts {
   FeedPorts feed;
   GeneralDelay& delay;
+  AutoAbbreviation& abbreviation;  // the one of the three description boxes
+
+  // LoadIdLists calls it for each record whose item it has put in its list.
+  std::function<void()> record_loaded = [] {};
+
+  // To be called for each change of a record that was stored, behind its transaction.
+  std::function<void()> record_changed = [] {};
 };
 
 // The page of one kind of record, as the action bar and the navigator know it. A record's position
@@ -31,6 +41,10 @@ class RecordPage : public MainTabPage {
 
   // `cmdNavigate`, with what is written ahead of the move; wraps around at both ends.
   virtual void Navigate(NavigateButton button) = 0;
+
+  // Goes to a record as a click in the ID list does, also while the page is not on show. Where it
+  // cannot be read, the position stays.
+  virtual void GoTo(int position) = 0;
 
   // Of the record on show; 0 while the database is closed.
   virtual int Position() const = 0;
