@@ -4,7 +4,6 @@
 #include <array>
 #include <filesystem>
 #include <optional>
-#include <ranges>
 #include <system_error>
 
 #include "frame/files.h"
@@ -83,8 +82,8 @@ std::string AsText(const RegistryValue& value) {
   }
   constexpr std::string_view kDigits = "0123456789ABCDEF";
   std::string text = "&h";
-  for (const char byte : std::ranges::reverse_view(value.bytes)) {
-    const auto code = static_cast<unsigned char>(byte);
+  for (auto byte = value.bytes.rbegin(); byte != value.bytes.rend(); ++byte) {
+    const auto code = static_cast<unsigned char>(*byte);
     text += kDigits[code / kDigits.size()];
     text += kDigits[code % kDigits.size()];
   }

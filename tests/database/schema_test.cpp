@@ -233,9 +233,9 @@ TEST(Schema, RecordsPickedByNameAreFoundByIndexWhateverTheirType) {
   for (const std::string name : {"Recipe", "Ingredient", "Pen"}) {
     std::string query = "SELECT * FROM Transactions WHERE (";
     query.append(name).append(" = 'A')").append(InTransactionRanges("?1"));
-    EXPECT_THAT(Plan(DatabaseKind::kTransaction, query),
-                Contains(StartsWith("SEARCH Transactions USING INDEX TransactionsBy" + name +
-                                    " (<expr>=? AND " + name + "=?")));
+    std::string search = "SEARCH Transactions USING INDEX TransactionsBy";
+    search.append(name).append(" (<expr>=? AND ").append(name).append("=?");
+    EXPECT_THAT(Plan(DatabaseKind::kTransaction, query), Contains(StartsWith(search)));
   }
 }
 

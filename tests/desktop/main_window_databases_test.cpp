@@ -12,8 +12,6 @@ namespace vrx::testing {
 namespace {
 
 using ::testing::ElementsAre;
-using ::testing::IsEmpty;
-using ::testing::StartsWith;
 
 class MainWindowDatabasesTest : public MainWindowSite {
  protected:

@@ -2,6 +2,7 @@
 
 #include <QMenu>
 #include <QMenuBar>
+#include <array>
 #include <map>
 #include <optional>
 #include <set>
@@ -16,8 +17,6 @@ namespace vrx::testing {
 namespace {
 
 using ::testing::ElementsAre;
-using ::testing::IsEmpty;
-using ::testing::UnorderedElementsAre;
 using enum MainCommand;
 
 struct Told {
@@ -28,7 +27,7 @@ struct Told {
 };
 
 // In the order of the screen.
-constexpr Told kTold[] = {
+constexpr auto kTold = std::to_array<Told>({
     {"mnuFile", "&File", "", kNone},
     {"mnuFileNew", "&New...", "mnuFile", kNone},
     {"mnuFileNewRecipeDB", "Recipe Database", "mnuFileNew", kNewRecipeDatabase},
@@ -77,7 +76,7 @@ constexpr Told kTold[] = {
     {"mnuHelpReadme", "Read&me", "mnuHelp", kReadme},
     {"mnuHelpBar2", "-", "mnuHelp", kNone},
     {"mnuHelpAbout", "&About...", "mnuHelp", kAbout},
-};
+});
 
 class MainMenusTest : public MainWindowSite {
  protected:
