@@ -26,6 +26,19 @@ Record WithDefaultDescription(Record record) {
   return record;
 }
 
+bool IsStored(SQLite::Database& database, const IngredientRecord& record) {
+  const IngredientRecord stored = ReadIngredient(database, record.id);
+  return stored.name == record.name && stored.description == record.description &&
+         stored.dry_matter_percent == record.dry_matter_percent &&
+         stored.hand_add == record.hand_add;
+}
+
+bool IsStored(SQLite::Database& database, const PenRecord& record) {
+  const PenRecord stored = ReadPen(database, record.id);
+  return stored.name == record.name && stored.description == record.description &&
+         stored.feed_amount == record.feed_amount;
+}
+
 void WriteChangedLines(SQLite::Database& database, const std::vector<RecipeLineRecord>& stored,
                        const std::vector<RecipeLineRecord>& lines) {
   std::vector<RecipeLineRecord> changed;
@@ -83,7 +96,9 @@ void CommitIngredientRecord(SQLite::Database& database, IngredientRecord& record
   SetRecipesDryMatterPct(database, committed.id, std::to_string(committed.dry_matter_percent),
                          batch_type_on_show);
   SetRecipesHandAdd(database, committed.id, committed.hand_add);
-  WriteIngredient(database, committed);
+  if (!IsStored(database, committed)) {
+    WriteIngredient(database, committed);
+  }
   record = std::move(committed);
 }
 
@@ -106,7 +121,9 @@ std::string CommitRecipeRecord(SQLite::Database& database, RecipeRecord& record)
 
 void CommitPenRecord(SQLite::Database& database, PenRecord& record) {
   PenRecord committed = WithDefaultDescription(record);
-  WritePen(database, committed);
+  if (!IsStored(database, committed)) {
+    WritePen(database, committed);
+  }
   record = std::move(committed);
 }
 

@@ -87,9 +87,11 @@ void TellUsed(const FeedPorts& ports, const RecordKindTraits& traits, const std:
 
 }  // namespace
 
-bool ResetRecord(SQLite::Database& database, RecordKind kind, int id, const FeedPorts& ports) {
+ResetOutcome AskAndReset(SQLite::Database& database, RecordKind kind, int id,
+                         const FeedPorts& ports) {
   const RecordKindTraits& traits = TraitsOf(kind);
-  return RunFeedAction(database, ports, traits.reset_title, [&] {
+  ResetOutcome outcome = ResetOutcome::kNotReset;
+  RunFeedAction(database, ports, traits.reset_title, [&] {
     const std::string record = std::string(traits.noun) + " #" + std::to_string(id) + " (" +
                                StoredName(database, kind, id) + ")";
     if (Ask(ports, traits, record) != Answer::kYes) {
@@ -98,6 +100,7 @@ bool ResetRecord(SQLite::Database& database, RecordKind kind, int id, const Feed
     ports.op.SetBusy(true);
     const bool reset = ResetInOneTransaction(database, kind, id, ports.calendar);
     ports.op.SetBusy(false);
+    outcome = reset ? ResetOutcome::kReset : ResetOutcome::kInUse;
     if (!reset) {
       TellUsed(ports, traits, record);
     } else if (traits.reset_beeps) {
@@ -105,6 +108,7 @@ bool ResetRecord(SQLite::Database& database, RecordKind kind, int id, const Feed
     }
     return reset;
   });
+  return outcome;
 }
 
 }  // namespace vrx

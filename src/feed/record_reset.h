@@ -7,13 +7,23 @@
 
 namespace vrx {
 
+enum class ResetOutcome {
+  kReset,
+  kInUse,     // the operator was told that a recipe holds the ingredient
+  kNotReset,  // the operator said no, or was told what failed
+};
+
 // Puts a record back in its default state, after a question, and sets `Modified`: one transaction,
 // begun when the operator has answered. An ingredient that a recipe in use holds is refused. A
 // recipe loses its lines and its type; HeadCount, RationTarget and AdjBatTotIndex keep their
-// values.
-//
-// True when it was reset. False when the operator said no, or was told why it was not: the file is
-// then as it was.
-bool ResetRecord(SQLite::Database& database, RecordKind kind, int id, const FeedPorts& ports);
+// values. Anything but kReset leaves the file as it was.
+ResetOutcome AskAndReset(SQLite::Database& database, RecordKind kind, int id,
+                         const FeedPorts& ports);
+
+// The same for who asks only whether it was reset.
+inline bool ResetRecord(SQLite::Database& database, RecordKind kind, int id,
+                        const FeedPorts& ports) {
+  return AskAndReset(database, kind, id, ports) == ResetOutcome::kReset;
+}
 
 }  // namespace vrx

@@ -148,6 +148,16 @@ TEST_F(ResetRecord, AUsedIngredientIsRefused) {
   EXPECT_TRUE(ReadAll(path) == before);
 }
 
+TEST_F(ResetRecord, TheOutcomeTellsARefusalFromANo) {
+  EnterCorn();
+  EnterSteers();
+  op.answers = {Answer::kYes, Answer::kOk, Answer::kNo, Answer::kYes};
+  EXPECT_EQ(AskAndReset(database, RecordKind::kIngredient, 5, ports), ResetOutcome::kInUse);
+  EXPECT_EQ(AskAndReset(database, RecordKind::kIngredient, 6, ports), ResetOutcome::kNotReset);
+  EXPECT_EQ(AskAndReset(database, RecordKind::kIngredient, 7, ports), ResetOutcome::kReset);
+  EXPECT_EQ(AskAndReset(database, RecordKind::kIngredient, 101, ports), ResetOutcome::kNotReset);
+}
+
 TEST_F(ResetRecord, AnIngredientUsedTwiceIsRefusedOnce) {
   EnterCorn();
   UseRecipe(3, "STEERS");
