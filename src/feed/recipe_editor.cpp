@@ -72,7 +72,7 @@ template <typename Change>
 void RecipeEditor::Apply(const Change& change) {
   RecipeOnShow next = shown_;
   change(next);
-  StoreRecipe(database_, shown_.ration, next.ration);
+  StoreRecipe(database_, shown_.ration, next.ration, stored_);
   shown_ = std::move(next);
 }
 
@@ -83,7 +83,7 @@ void RecipeEditor::CommitHead(const Change& change) {
   const Ration stored{.recipe = shown_.ration.recipe, .lines = next.ration.lines};
   change(next.ration.recipe);
   Recompute(next, {.ration_percents = false});
-  StoreRecipe(database_, stored, next.ration);
+  StoreRecipe(database_, stored, next.ration, stored_);
   shown_ = std::move(next);
 }
 
@@ -103,8 +103,8 @@ void RecipeEditor::EditLine(const Change& change) {
 }
 
 RecipeEditor::RecipeEditor(SQLite::Database& database, Operator& op, const PrivateINI& settings,
-                           int recipe_id)
-    : database_(database), op_(op), settings_(settings) {
+                           int recipe_id, std::function<void()> stored)
+    : database_(database), op_(op), settings_(settings), stored_(std::move(stored)) {
   Select(recipe_id);
 }
 
@@ -117,7 +117,7 @@ void RecipeEditor::Select(int recipe_id) {
                 .lines = ReadRecipeLines(database_, recipe_id)};
   RecipeOnShow next = shown_;
   ShowRecipe(next, stored.recipe, stored.lines);
-  StoreRecipe(database_, stored, next.ration);
+  StoreRecipe(database_, stored, next.ration, stored_);
   shown_ = std::move(next);
 }
 

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <functional>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -24,13 +25,16 @@ std::vector<IngredientRecord> ReadActiveIngredients(SQLite::Database& database);
 // enabled controls let through.
 //
 // Every event is stored as one step, by itself or inside the caller's transaction; then the
-// database holds what is on show, but for the line in the entry row. The caller keeps `Modified`.
+// database holds what is on show, but for the line in the entry row. The caller keeps `Modified`,
+// around the event or by `stored`.
 // An event throws with the database and what is on show as they were: DatabaseError, FieldRefusal
 // for what the tab does not let in, Error for what cannot be computed. HandleEditEvent tells that.
 class RecipeEditor {
  public:
-  // Shows a recipe at once. What is referred to outlives the editor.
-  RecipeEditor(SQLite::Database& database, Operator& op, const PrivateINI& settings, int recipe_id);
+  // Shows a recipe at once. What is referred to outlives the editor. `stored` runs at the end of
+  // each step that changes the database, inside it.
+  RecipeEditor(SQLite::Database& database, Operator& op, const PrivateINI& settings, int recipe_id,
+               std::function<void()> stored = {});
 
   const RecipeOnShow& OnShow() const { return shown_; }
 
@@ -102,6 +106,7 @@ class RecipeEditor {
   SQLite::Database& database_;
   Operator& op_;
   const PrivateINI& settings_;
+  std::function<void()> stored_;
   RecipeOnShow shown_;
 };
 

@@ -53,7 +53,8 @@ Difference Compare(const Ration& before, const Ration& after) {
   return difference;
 }
 
-void Write(SQLite::Database& database, const Difference& difference, Ration& after) {
+void Write(SQLite::Database& database, const Difference& difference, Ration& after,
+           const std::function<void()>& changed) {
   if (difference.head) {
     WriteRecipe(database, after.recipe);
   }
@@ -66,6 +67,9 @@ void Write(SQLite::Database& database, const Difference& difference, Ration& aft
       WriteRecipeLine(database, line);
     }
   }
+  if (changed) {
+    changed();
+  }
 }
 
 bool IsInTransaction(const SQLite::Database& database) {
@@ -74,7 +78,8 @@ bool IsInTransaction(const SQLite::Database& database) {
 
 }  // namespace
 
-void StoreRecipe(SQLite::Database& database, const Ration& before, Ration& after) {
+void StoreRecipe(SQLite::Database& database, const Ration& before, Ration& after,
+                 const std::function<void()>& changed) {
   const Difference difference = Compare(before, after);
   if (!difference.Any()) {
     return;
@@ -82,11 +87,11 @@ void StoreRecipe(SQLite::Database& database, const Ration& before, Ration& after
   Translated(database, [&] {
     if (IsInTransaction(database)) {
       SQLite::Savepoint step(database, "recipe_step");
-      Write(database, difference, after);
+      Write(database, difference, after, changed);
       step.release();
     } else {
       SQLite::Transaction step(database, SQLite::TransactionBehavior::IMMEDIATE);
-      Write(database, difference, after);
+      Write(database, difference, after, changed);
       step.commit();
     }
   });

@@ -209,5 +209,27 @@ TEST_F(RecipeHead, AnotherSelectionAddsACompleteLineAndGivesUpTheRest) {
   EXPECT_FALSE(Shown().entry_pending);
 }
 
+TEST_F(RecipeHead, WhatFollowsAStepRunsInsideItAndOnlyWhereSomethingIsStored) {
+  int steps = 0;
+  RecipeEditor told(database, op, settings, kByWeight, [&] {
+    ++steps;
+    database.exec("UPDATE Pen SET FeedAmount = '9' WHERE ID = 1");
+  });
+  EXPECT_EQ(steps, 0);
+  told.LeaveRationTarget("5000");
+  EXPECT_EQ(steps, 0);
+  told.LeaveRationTarget("77");
+  EXPECT_EQ(steps, 1);
+  EXPECT_EQ(ReadPen(database, 1).feed_amount, "9");
+}
+
+TEST_F(RecipeHead, WhatFollowsAStepUndoesItWhereItFails) {
+  RecipeEditor told(database, op, settings, kByWeight,
+                    [&] { database.exec("INSERT INTO NoSuchTable VALUES (1)"); });
+  EXPECT_THROW(told.LeaveRationTarget("77"), DatabaseError);
+  EXPECT_EQ(told.OnShow().ration.recipe.ration_target, "5000");
+  EXPECT_EQ(ReadRecipe(database, kByWeight).ration_target, "5000");
+}
+
 }  // namespace
 }  // namespace vrx::testing
