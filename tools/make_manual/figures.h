@@ -14,7 +14,7 @@ struct Figure {
   QImage (*grab)(SampleProgram& program);
 };
 
-// Each brings the program into the state that it shows; they are taken in any order.
+// Each brings the program into the state that it shows; they are taken in the order of the table.
 std::span<const Figure> Figures();
 
 }  // namespace vrx::manual

@@ -37,10 +37,8 @@ Drawing ContentsDrawing(const ContentsLine& line, const TextStyle& style) {
   const TextBox text(Plain(line.text), style, width, {});
   return [=](QPainter& painter, QPointF at) {
     text.DrawLine(painter, at + QPointF(indent, 0), 0);
-    painter.setFont(FontOf(style));
-    painter.setPen(style.ink);
-    painter.drawText(QRectF(at, QSizeF(kTextWidth, Points(style.leading))),
-                     Qt::AlignRight | Qt::AlignVCenter, QString::number(line.page));
+    const TextBox number(Plain(QString::number(line.page)), style, kNumberWidth, {});
+    number.DrawLine(painter, at + QPointF(kTextWidth - number.Width(), 0), 0);
   };
 }
 
@@ -183,16 +181,14 @@ class Manual {
   void DrawFrame(QPainter& painter, int number, const QString& head) const {
     constexpr double kHeadTop = Millimetres(12);
     constexpr double kFootTop = kPageHeight - Millimetres(16);
-    const double height = Points(kRunningText.leading);
-    const auto text = [&](double top, Qt::AlignmentFlag side, const QString& words) {
-      painter.drawText(QRectF(kSideMargin, top, kTextWidth, height), side | Qt::AlignVCenter,
-                       words);
+    const auto text = [&](double top, bool right, const QString& words) {
+      const TextBox box(Plain(words), kRunningText, kTextWidth, {});
+      const double indent = right ? kTextWidth - box.Width() : 0;
+      box.Draw(painter, {kSideMargin + indent, top});
     };
-    painter.setFont(FontOf(kRunningText));
-    painter.setPen(kRunningText.ink);
-    text(kHeadTop, Qt::AlignLeft, head);
-    text(kFootTop, Qt::AlignLeft, cover_.product);
-    text(kFootTop, Qt::AlignRight, QStringLiteral("Page %1 of %2").arg(number).arg(page_count_));
+    text(kHeadTop, false, head);
+    text(kFootTop, false, cover_.product);
+    text(kFootTop, true, QStringLiteral("Page %1 of %2").arg(number).arg(page_count_));
     painter.setPen(QPen(kRule, Points(0.5)));
     const double rule = kFootTop - Millimetres(2);
     painter.drawLine(QPointF(kSideMargin, rule), QPointF(kSideMargin + kTextWidth, rule));

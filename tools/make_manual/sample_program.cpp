@@ -3,8 +3,7 @@
 #include <QAction>
 #include <QApplication>
 #include <QTemporaryDir>
-#include <deque>
-#include <map>
+#include <algorithm>
 #include <system_error>
 #include <utility>
 
@@ -13,6 +12,7 @@
 #include "frame/error.h"
 #include "frame/files.h"
 #include "frame/folder.h"
+#include "link/control_characters.h"
 #include "make_manual/sample_records.h"
 #include "platform/serial_control.h"
 
@@ -66,8 +66,9 @@ class SampleOperatingSystem : public OperatingSystem {
   int OpenDocument(const fs::path& /*document*/) override { return 0; }
 };
 
-// No port can be opened; everything else of it is taken as it comes.
-class NoSerialPort : public SerialControl {
+// A data module in place of the cable's other end, or an indicator that is silent: answers each
+// command at once, the reading of its memory with the memory.
+class SampleModule : public SerialControl {
  public:
   void SetDTREnable(bool /*on*/) override {}
   void SetInBufferSize(int /*bytes*/) override {}
@@ -75,18 +76,42 @@ class NoSerialPort : public SerialControl {
   void SetHandshaking(Handshaking /*mode*/) override {}
   void SetCommPort(int /*number*/) override {}
   void SetSettings(std::string_view /*settings*/) override {}
-  bool PortOpen() const override { return false; }
+  bool PortOpen() const override { return open_; }
   void SetPortOpen(bool open) override {
-    if (open) {
-      throw SerialError("the sample program has no serial port");
-    }
+    open_ = open;
+    reply_.clear();
   }
-  int InBufferCount() override { return 0; }
-  void DiscardInput() override {}
+  int InBufferCount() override { return static_cast<int>(reply_.size()); }
+  void DiscardInput() override { reply_.clear(); }
   int OutBufferCount() override { return 0; }
   void DiscardOutput() override {}
-  std::string Input() override { return {}; }
-  void Output(std::string_view /*bytes*/) override { throw SerialError("no port is open"); }
+  std::string Input() override { return std::exchange(reply_, {}); }
+  void Output(std::string_view bytes) override {
+    reply_ = std::string(bytes) + KRMConst::US;
+    if (bytes == std::string_view(&KRMConst::NAK, 1)) {
+      reply_ += memory + KRMConst::US;
+    }
+  }
+
+  std::string memory;
+
+ private:
+  bool open_ = false;
+  std::string reply_;
+};
+
+// Waits take no time: their end comes as soon as the pending events are handled.
+class HastyPump : public QtEventPump {
+ public:
+  Milliseconds Now() const override { return QtEventPump::Now() + skipped_; }
+  void Pump(Milliseconds limit) override {
+    QtEventPump::Pump(Milliseconds{0});
+    constexpr Milliseconds kLongest{1000};  // some waits have no end of their own
+    skipped_ += std::min(limit, kLongest);
+  }
+
+ private:
+  Milliseconds skipped_{0};
 };
 
 class SampleFileChooser : public FileChooser {
@@ -212,8 +237,8 @@ class SampleProgram::Parts {
   SampleFileChooser files;
   SampleSettings user_settings;
   SampleCalendar calendar;
-  NoSerialPort serial;
-  QtEventPump pump;
+  SampleModule serial;
+  HastyPump pump;
   StayingProgram exit;
   ApplicationState application;
   std::unique_ptr<MainForm> form;
@@ -241,6 +266,14 @@ void SampleProgram::ShowTab(int tab) {
 
 void SampleProgram::WillChoose(const std::string& site_file) {
   parts_->files.next = parts_->SiteFile(site_file);
+}
+
+void SampleProgram::ModuleHolds(const std::vector<std::string>& site_files) {
+  constexpr std::size_t kLargestFile = 1U << 16U;
+  parts_->serial.memory.clear();
+  for (const std::string& file : site_files) {
+    parts_->serial.memory += ReadFileBytes(parts_->SiteFile(file), kLargestFile);
+  }
 }
 
 void SampleProgram::Choose(const char* action) {

@@ -4,6 +4,7 @@
 #include <filesystem>
 #include <memory>
 #include <string>
+#include <vector>
 
 #include "desktop/vrx_main.h"
 #include "frame/error.h"
@@ -28,6 +29,9 @@ class SampleProgram {
 
   // What the next file dialog is answered with: a file of the sample site.
   void WillChoose(const std::string& site_file);
+
+  // What the data module on the serial port has in its memory.
+  void ModuleHolds(const std::vector<std::string>& site_files);
 
   // Triggers a command of the menus by its name and lets events run.
   void Choose(const char* action);

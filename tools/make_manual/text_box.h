@@ -25,6 +25,7 @@ class TextBox {
 
   int LineCount() const { return layout_->lineCount(); }
   double LineHeight() const { return leading_; }
+  double Width() const { return layout_->maximumWidth(); }
   double Height() const { return leading_ * LineCount(); }
 
   // The point is the upper left corner of that line.
