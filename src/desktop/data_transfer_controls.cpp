@@ -1,7 +1,6 @@
 #include "desktop/data_transfer_controls.h"
 
 #include <QHBoxLayout>
-#include <QLabel>
 #include <QSignalBlocker>
 #include <QVBoxLayout>
 #include <algorithm>
@@ -144,9 +143,11 @@ QWidget* DataTransferControls::MakeDataFiles(QWidget& page) {
   lst_data_files = new QListWidget(frm_data_files_);
   lst_data_files->setObjectName(QStringLiteral("lstDataFiles"));
   lst_data_files->setAccessibleName(QStringLiteral("Data Files"));
+  lst_data_files->setFrameShape(QFrame::NoFrame);  // the group has one
   lst_data_files->setFixedSize(kDataFilesWidth,
                                lst_data_files->fontMetrics().height() * (kShownDataFiles + 1));
   auto* const frame = new QVBoxLayout(frm_data_files_);
+  frame->setContentsMargins(1, 1, 1, 1);
   frame->addWidget(lst_data_files);
   cmd_save_file = AddButton(*whole, "cmdSaveFile", QStringLiteral("&Save"),
                             QStringLiteral("Save the checked data file"));
@@ -162,12 +163,12 @@ QWidget* DataTransferControls::MakeDataFiles(QWidget& page) {
   row->setSpacing(kSpacing);
   row->addWidget(frm_data_files_);
   row->addLayout(buttons);
+  row->addStretch();
   return whole;
 }
 
 QLayout* DataTransferControls::LayOutPath(QWidget& page) {
-  auto* const path = new QLabel(QStringLiteral("Path"), &page);
-  path->setObjectName(QStringLiteral("lblFilePath"));
+  lbl_file_path_ = AddLabel(page, "lblFilePath");
   txt_file_path = new QLineEdit(&page);
   txt_file_path->setObjectName(QStringLiteral("txtFilePath"));
   txt_file_path->setAccessibleName(QStringLiteral("Path"));
@@ -176,11 +177,13 @@ QLayout* DataTransferControls::LayOutPath(QWidget& page) {
                              QStringLiteral("Print what the data window shows"));
   auto* const row = new QHBoxLayout;
   row->setSpacing(kSpacing);
-  row->addWidget(path);
+  row->addWidget(lbl_file_path_);
   row->addWidget(txt_file_path, 1);
   row->addWidget(cmd_print_text);
   return row;
 }
+
+void DataTransferControls::ShowCaptions() { lbl_file_path_->setText(QStringLiteral("Path")); }
 
 void DataTransferControls::Show(const DataTransfer& transfer) {
   for (QGroupBox* const frame : {frm_recipe_file_, frm_recipe_backup_}) {

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <QGroupBox>
+#include <QLabel>
 #include <QLineEdit>
 #include <QListWidget>
 #include <QPushButton>
@@ -18,6 +19,9 @@ namespace vrx {
 class DataTransferControls {
  public:
   explicit DataTransferControls(QWidget& page);
+
+  // Behind the caption pass, for what the caption table does not have.
+  void ShowCaptions();
 
   // All but `optConnection`, which stands as the operator left it while a connection begins or
   // ends. Sends no click and no edit.
@@ -46,6 +50,7 @@ class DataTransferControls {
   QLayout* LayOutPath(QWidget& page);
   void ShowDataFiles(const DataTransfer& transfer);
 
+  QLabel* lbl_file_path_;
   QGroupBox* frm_recipe_file_;
   QGroupBox* frm_recipe_backup_;
   QGroupBox* frm_data_files_;

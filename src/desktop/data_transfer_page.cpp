@@ -58,6 +58,11 @@ void DataTransferPage::Connect() {
           [this] { transfer_.data_window = controls_.txt_data_window->Bytes(); });
 }
 
+void DataTransferPage::Prepare() {
+  controls_.ShowCaptions();
+  EnablePrintText();
+}
+
 void DataTransferPage::Run(const std::function<void()>& flow) {
   try {
     flow();

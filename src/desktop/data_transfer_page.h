@@ -58,7 +58,7 @@ class DataTransferPage : public MainTabPage, private RecipeDownloadHost {
   void ResumeDirectConnection();
 
   // MainTabPage.
-  void Prepare() override { EnablePrintText(); }
+  void Prepare() override;
   void StripFocused() override { EnablePrintText(); }
 
  private:

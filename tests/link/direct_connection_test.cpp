@@ -333,5 +333,50 @@ TEST_F(DirectConnectionTest, OnlyABackupHasABackupsHeader) {
   EXPECT_EQ(op.beeps, 1);
 }
 
+// As the setup dialog has it.
+TEST_F(DirectConnectionTest, ResumesWhenSomebodyElseHasClosedThePort) {
+  After(Ms{100}, [this] {
+    krm.KRM_Close();
+    EXPECT_TRUE(direct.Resume());
+    EXPECT_EQ(serial.handshaking, Handshaking::kNone);
+  });
+  ArriveAfter(Ms{2'000}, "after");
+  LeaveAfter(Ms{10'000});
+  EXPECT_TRUE(direct.ConnectIndicator());
+  EXPECT_EQ(krm.GS_KRM_VirtualMemory(), "after");
+}
+
+TEST_F(DirectConnectionTest, ResumesWhenSomebodyElseHasUsedThePort) {
+  serial.WillAnswer("\x19\x1f");
+  After(Ms{100}, [this] {
+    krm.KRM_Close();
+    EXPECT_TRUE(krm.KRM_OnlineCheck());
+    EXPECT_EQ(serial.handshaking, Handshaking::kXOnXOff);
+    EXPECT_TRUE(direct.Resume());
+    EXPECT_EQ(serial.handshaking, Handshaking::kNone);
+  });
+  ArriveAfter(Ms{9'000}, "after");
+  LeaveAfter(Ms{15'000});
+  EXPECT_TRUE(direct.ConnectIndicator());
+  EXPECT_EQ(krm.GS_KRM_VirtualMemory(), "after");
+}
+
+TEST_F(DirectConnectionTest, EndsWhenThePortCannotBeResumed) {
+  After(Ms{100}, [this] {
+    krm.KRM_Close();
+    serial.failing_property = "PortOpen";
+    EXPECT_FALSE(direct.Resume());
+  });
+  direct.ConnectIndicator();
+  EXPECT_EQ(tab.connection, Connection::kModule);
+  ASSERT_EQ(op.boxes.size(), 1U);
+  EXPECT_EQ(op.boxes[0].text, "Could not open serial port for direct-connection.");
+}
+
+TEST_F(DirectConnectionTest, ResumesNothingInTheModuleConnection) {
+  EXPECT_TRUE(direct.Resume());
+  EXPECT_THAT(serial.events, IsEmpty());
+}
+
 }  // namespace
 }  // namespace vrx::testing
