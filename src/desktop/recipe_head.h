@@ -1,0 +1,88 @@
+#pragma once
+
+#include <QComboBox>
+#include <QLabel>
+#include <QWidget>
+#include <string>
+#include <vector>
+
+#include "desktop/filtered_edit.h"
+#include "desktop/record_id_list.h"
+#include "feed/auto_abbreviation.h"
+#include "feed/recipe_on_show.h"
+
+class QGridLayout;
+
+namespace vrx {
+
+// The head of the recipe on show: which one it is, its name and description, how its batch is made
+// up and what it is scaled to. It shows a recipe and tells what the operator does to it.
+class RecipeHead : public QWidget {
+  Q_OBJECT
+
+ public:
+  // The abbreviation outlives it.
+  explicit RecipeHead(AutoAbbreviation& abbreviation, QWidget* parent = nullptr);
+
+  // A box that was typed into keeps what stands in it until that is stored or another recipe is on
+  // show.
+  void Show(const RecipeOnShow& shown);
+
+  // What was typed into the box is stored, or into all of them given up.
+  static void Stored(FilteredEdit& box) { box.setModified(false); }
+  void GiveUpTyping();
+
+  // The three groups of inputs, until the next Show.
+  void HideInputs();
+
+  void ShowUnit(const QString& unit);
+  void ShowMustTotal100(bool shown);  // `lblMustTotal100Pct`
+
+  RecordIdList& CboRecId() { return *id_list_; }
+  FilteredEdit& TxtRecName() { return *name_; }
+  FilteredEdit& TxtRecDesc() { return *description_; }
+  FilteredEdit& TxtRecHeadCount() { return *head_count_; }
+  FilteredEdit& TxtRecRationTarget() { return *ration_target_; }
+  QComboBox& LstRecBatchType() { return *batch_type_; }
+  QComboBox& LstAdjustBatchTotal() { return *adjust_; }
+
+ Q_SIGNALS:
+  // A key was dropped.
+  void Refused();
+
+  // The focus has left one of the two lists.
+  void ListLeft();
+
+ protected:
+  bool eventFilter(QObject* watched, QEvent* event) override;
+
+ private:
+  using Group = std::vector<QWidget*>;
+
+  void MakeLists();
+  void MakeBoxes();
+  void MakeGroups();
+  void LayOut();
+  QLabel* Caption(const char* name, int caption, QWidget* buddy);
+  FilteredEdit* Box(const char* name, const char* field);
+  FilteredEdit* DescriptionBox();
+  void ShowInputs(const RecipeOnShow& shown);
+  static void ShowGroup(const Group& group, bool visible, bool enabled);
+
+  AutoAbbreviation& abbreviation_;
+  RecordIdList* id_list_ = nullptr;
+  FilteredEdit* name_ = nullptr;
+  FilteredEdit* description_ = nullptr;
+  QComboBox* batch_type_ = nullptr;
+  FilteredEdit* head_count_ = nullptr;
+  FilteredEdit* ration_target_ = nullptr;
+  QComboBox* adjust_ = nullptr;
+  QLabel* unit_ = nullptr;
+  QLabel* must_total_ = nullptr;
+  Group head_count_group_;
+  Group ration_target_group_;
+  Group adjust_group_;
+  int recipe_id_ = 0;
+};
+
+}  // namespace vrx
