@@ -53,11 +53,12 @@ MRU_TransFileName=JANUARY.TDB
 END
 }
 
-# on_sample_desktop HOME COMMAND...: the look of the real user's desktop stays.
+# on_sample_desktop HOME COMMAND...: becomes the command, so it is called in a subshell. The look of
+# the real user's desktop stays.
 on_sample_desktop() {
   local home=$1
   shift
-  env XDG_CONFIG_DIRS="${XDG_CONFIG_HOME:-$HOME/.config}:${XDG_CONFIG_DIRS:-/etc/xdg}" \
+  exec env XDG_CONFIG_DIRS="${XDG_CONFIG_HOME:-$HOME/.config}:${XDG_CONFIG_DIRS:-/etc/xdg}" \
     XDG_DATA_DIRS="${XDG_DATA_HOME:-$HOME/.local/share}:${XDG_DATA_DIRS:-/usr/local/share:/usr/share}" \
     XDG_CONFIG_HOME="$home/config" XDG_DATA_HOME="$home/data" "$@"
 }
