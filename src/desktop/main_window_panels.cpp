@@ -162,7 +162,7 @@ PanelRow::PanelRow(QWidget* parent)
   layout->addWidget(action_);
   layout->addWidget(transfer_status_, 1);
   layout->addStretch();
-  layout->addWidget(import_);
+  layout->addWidget(import_, 1);
   layout->addWidget(navigate_);
   AddRecordNumber();
   KeepHeight();

@@ -1,8 +1,10 @@
 #include "desktop/transfer_tabs.h"
 
+#include <QCheckBox>
 #include <optional>
 #include <string>
 
+#include "database/translated.h"
 #include "frame/files.h"
 #include "frame/number.h"
 
@@ -20,8 +22,17 @@ TransferTabs::TransferTabs(const Ports& ports)
                                            .krm = krm_,
                                            .databases = *this,
                                            .status = ports.window.Panels().PicTransferStatus(),
-                                           .printer = printer_})) {
+                                           .printer = printer_})),
+      import_(new ImportPage({.op = ports.op,
+                              .files = ports.files,
+                              .system = ports.system,
+                              .settings = ports.settings,
+                              .identity = ports.identity,
+                              .window = *this,
+                              .pic_import = ports.window.Panels().PicImport()})) {
   ports_.window.SetPage(kTabDataTransfer, data_transfer_);
+  ports_.window.SetPage(kTabImport, import_);
+  ports_.window.SetHandler(MainCommand::kImportTransactionFile, [this] { import_->ImportXFile(); });
 }
 
 // By what the views stand on: the path of a side may name a file that was not opened.
@@ -31,6 +42,36 @@ CurrentDatabase TransferTabs::OpenRecipes() const {
     return {};
   }
   return {.path = bound.path, .name = FileTitle(bound.path), .unit = bound.unit};
+}
+
+OpenDatabases TransferTabs::ImportDatabases() const {
+  const BoundDatabase& recipes = ports_.databases.Bound(DatabaseKind::kRecipe);
+  const BoundDatabase& transactions = ports_.databases.Bound(DatabaseKind::kTransaction);
+  OpenDatabases open;
+  if (!recipes.blank) {
+    open.recipe_db_path = recipes.path;
+  }
+  if (!transactions.blank) {
+    open.trans_db_path = transactions.path;
+    open.trans_db_uom = ports_.databases.Transaction().unit;
+  }
+  return open;
+}
+
+std::vector<IngredientRecord> TransferTabs::GridIngredients() {
+  const BoundDatabase& bound = ports_.databases.Bound(DatabaseKind::kRecipe);
+  if (bound.blank) {
+    return {};
+  }
+  std::vector<IngredientRecord> records =
+      Translated(*bound.connection, [&] { return ReadIngredients(*bound.connection); });
+  const auto* const active_only =
+      ports_.window.findChild<QCheckBox*>(QStringLiteral("chkShowActiveIngsOnly"));
+  if (active_only == nullptr || active_only->isChecked()) {
+    std::erase_if(records,
+                  [](const IngredientRecord& record) { return record.description.empty(); });
+  }
+  return records;
 }
 
 void TransferTabs::RecipesStored(int /*highest_in_use*/) {

@@ -1,9 +1,10 @@
 #pragma once
 
-#include <memory>
+#include <vector>
 
 #include "database/lifecycle.h"
 #include "desktop/data_transfer_page.h"
+#include "desktop/import_page.h"
 #include "desktop/main_window.h"
 #include "desktop/qt_text_printer.h"
 #include "link/krmcomm.h"
@@ -13,7 +14,7 @@ namespace vrx {
 
 // The tabs Data Transfer and Import and the form `SETUP`: what works with the serial port and with
 // files of the indicator. Owns `KRMCOMM`.
-class TransferTabs : private TransferDatabases {
+class TransferTabs : private TransferDatabases, private ImportWindow {
  public:
   // Everything outlives it, but the window, whose pages refer to it, may be destroyed later.
   struct Ports {
@@ -32,6 +33,9 @@ class TransferTabs : private TransferDatabases {
   // Puts the pages in their places; ahead of the caption pass.
   explicit TransferTabs(const Ports& ports);
 
+  // The import on its tab: a transaction file is loaded once its FileName is set.
+  const ImportSession& Import() const { return import_->Session(); }
+
   // For the end of the program.
   void CloseSerialPort() { krm_.KRM_ImmediateClose(); }
 
@@ -41,10 +45,17 @@ class TransferTabs : private TransferDatabases {
   void BrowseRecipes() override { ports_.databases.BrowseRecipeDatabase(); }
   void RecipesStored(int highest_in_use) override;
 
+  // ImportWindow.
+  OpenDatabases ImportDatabases() const override;
+  std::vector<IngredientRecord> GridIngredients() override;
+  void SelectTab(int tab) override { ports_.window.Tabs().SelectTab(tab); }
+  void SaveTransactionDatabase() override { ports_.databases.SaveTransactionDatabase(); }
+
   Ports ports_;
   KRMCOMM krm_;
   QtTextPrinter printer_;
   DataTransferPage* data_transfer_;
+  ImportPage* import_;
 };
 
 }  // namespace vrx

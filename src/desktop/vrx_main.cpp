@@ -89,7 +89,8 @@ void VrxMain::Connect() {
   connect(&window_, &MainWindow::StripFocused, this, [this] { databases_.TakeSystemUnits(); });
   window_.SetPrintSources([this] {
     return PrintSources{.recipe_database = !databases_.Recipe().name.empty(),
-                        .transaction_database = !databases_.Transaction().name.empty()};
+                        .transaction_database = !databases_.Transaction().name.empty(),
+                        .transaction_file = !transfer_.Import().File().FileName().empty()};
   });
 }
 

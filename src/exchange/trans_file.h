@@ -32,6 +32,7 @@ class TransFile {
 
   // Takes a text in memory in place of a file.
   void SetText(std::string text) { text_ = std::move(text); }
+  const std::string& Text() const { return text_; }
 
   // "" on success, else the error's text, which the progress message shows as well. What an earlier
   // parse left is replaced step by step, and keeps what a failed one wrote.

@@ -1,0 +1,179 @@
+#include "desktop/import_page.h"
+
+#include <QHBoxLayout>
+#include <QVBoxLayout>
+#include <algorithm>
+#include <exception>
+
+#include "database/tell_failure.h"
+#include "desktop/elided_label.h"
+#include "desktop/main_window_layout.h"
+#include "desktop/qt_text.h"
+
+namespace vrx {
+namespace {
+
+constexpr int kProgressCaption = 1064;
+constexpr int kTransactionFileCaption = 1094;
+constexpr int kUnitsCaption = 1095;
+constexpr int kTransactionsCaption = 1096;
+constexpr int kRecordsCaption = 1099;
+constexpr int kBarWidth = 200;
+
+void KeepPlace(QWidget& control) {
+  QSizePolicy policy = control.sizePolicy();
+  policy.setRetainSizeWhenHidden(true);
+  control.setSizePolicy(policy);
+}
+
+// What is told has room for so many characters, so that nothing moves when it is.
+QLabel* AddFact(QHBoxLayout& row, QWidget& page, const char* caption_name, int caption,
+                const char* name, int characters) {
+  row.addWidget(AddLabel(page, caption_name, caption));
+  QLabel* const fact = AddLabel(page, name);
+  MakeDemiBold(*fact);
+  fact->setMinimumWidth(fact->fontMetrics().averageCharWidth() * characters);
+  KeepPlace(*fact);
+  row.addWidget(fact);
+  row.addSpacing(kSpacing);
+  return fact;
+}
+
+void Show(QLabel& label, const ImportLabel& held) {
+  label.setText(ToQString(held.caption));
+  label.setVisible(held.visible);
+}
+
+}  // namespace
+
+ImportPage::ImportPage(const Ports& ports)
+    : ports_(ports),
+      session_({.op = ports.op,
+                .files = ports.files,
+                .system = ports.system,
+                .settings = ports.settings,
+                .identity = ports.identity,
+                .progress = *this,
+                .host = *this}),
+      grd_import_(new ImportGrid(session_, this)) {
+  setObjectName(QStringLiteral("pageImport"));
+  LayOut();
+  FillPicImport();
+  ImportChanged();
+}
+
+void ImportPage::LayOut() {
+  auto* const column = new QVBoxLayout(this);
+  column->setContentsMargins(kGroupSpacing, kGroupSpacing, kGroupSpacing, kGroupSpacing);
+  column->setSpacing(kSpacing);
+  column->addLayout(LayOutFacts());
+  column->addWidget(grd_import_, 1);
+}
+
+QLayout* ImportPage::LayOutFacts() {
+  auto* const row = new QHBoxLayout;
+  row->setSpacing(kSpacing);
+  lbl_trans_filename_ =
+      AddFact(*row, *this, "lblTransFile", kTransactionFileCaption, "lblTransFilename", 16);
+  lbl_trans_uom_ = AddFact(*row, *this, "lblTransUnits", kUnitsCaption, "lblTransUoM", 4);
+  lbl_records_ = AddFact(*row, *this, "lblRecordsCaption", kRecordsCaption, "lblRecords", 6);
+  lbl_transactions_ =
+      AddFact(*row, *this, "lblTransactionsCaption", kTransactionsCaption, "lblTransactions", 6);
+  row->addStretch();
+  auto* const fit = new QCheckBox(QStringLiteral("&Fit/Print All Columns on Page"), this);
+  fit->setObjectName(QStringLiteral("chkImpFitPage"));
+  row->addWidget(fit);
+  return row;
+}
+
+void ImportPage::FillPicImport() {
+  QFrame& panel = ports_.pic_import;
+  pic_import_progress_ = new QFrame(&panel);
+  pic_import_progress_->setObjectName(QStringLiteral("picImportProgress"));
+  KeepPlace(*pic_import_progress_);
+  lbl_progress_msg_ = new ElidedLabel(pic_import_progress_);
+  lbl_progress_msg_->setObjectName(QStringLiteral("lblProgressMsg"));
+  lbl_progress_msg_->setAccessibleDescription(QStringLiteral("Progress of the import"));
+  prg_import_ = new QProgressBar(pic_import_progress_);
+  prg_import_->setObjectName(QStringLiteral("prgImport"));
+  prg_import_->setAccessibleName(QStringLiteral("Progress of the import"));
+  prg_import_->setFixedWidth(kBarWidth);
+  auto* const progress = new QHBoxLayout(pic_import_progress_);
+  progress->setContentsMargins(0, 0, 0, 0);
+  progress->setSpacing(kSpacing);
+  progress->addWidget(AddLabel(*pic_import_progress_, "lblProgress", kProgressCaption));
+  progress->addWidget(prg_import_);
+  progress->addWidget(lbl_progress_msg_, 1);
+
+  auto* const row = panel.layout();
+  row->addWidget(pic_import_progress_);
+  const auto add = [&](const char* name, const QString& caption, const QString& meaning) {
+    auto* const button = new QPushButton(caption, &panel);
+    button->setObjectName(QString::fromLatin1(name));
+    button->setToolTip(meaning);
+    row->addWidget(button);
+    return button;
+  };
+  cmd_import_file_ = add("cmdImportFile", QStringLiteral("&Import"),
+                         QStringLiteral("Choose a transaction file and show its records"));
+  cmd_import_store_ = add("cmdImportStore", QStringLiteral("&Store"),
+                          QStringLiteral("Store the records in the open transaction database"));
+  connect(cmd_import_file_, &QPushButton::clicked, this, [this] { ImportXFile(); });
+  connect(cmd_import_store_, &QPushButton::clicked, this,
+          [this] { Run([this] { session_.ClickImportStore(); }); });
+}
+
+void ImportPage::ImportXFile() {
+  Run([this] { session_.ImportXFile(); });
+}
+
+void ImportPage::Prepare() {
+  Run([this] { session_.EnterImportTab(); });
+}
+
+void ImportPage::StripFocused() {
+  Run([this] { session_.ShowOrHideProgress(); });
+}
+
+void ImportPage::Run(const std::function<void()>& flow) {
+  try {
+    flow();
+  } catch (const std::exception& failure) {
+    TellFailure(ports_.op, "Import Error", failure);
+  }
+}
+
+void ImportPage::FocusControl(std::string_view name) {
+  auto* const control = ports_.pic_import.findChild<QWidget*>(ToQString(name));
+  if (control != nullptr && control->isEnabled() && control->isVisible()) {
+    control->setFocus();
+  }
+}
+
+void ImportPage::ImportChanged() {
+  const ImportForm& form = session_.Form();
+  vrx::Show(*lbl_trans_filename_, form.lbl_trans_filename);
+  vrx::Show(*lbl_trans_uom_, form.lbl_trans_uom);
+  vrx::Show(*lbl_records_, form.lbl_records);
+  vrx::Show(*lbl_transactions_, form.lbl_transactions);
+  cmd_import_store_->setEnabled(form.cmd_import_store_enabled);
+  pic_import_progress_->setVisible(form.pic_import_progress_visible);
+  grd_import_->setVisible(form.grd_import_visible);
+  grd_import_->ShowImport();
+}
+
+// Nothing lets events run meanwhile: what is told is drawn at once.
+void ImportPage::SetProgressMessage(std::string_view text) {
+  lbl_progress_msg_->setText(ToQString(text));
+  lbl_progress_msg_->repaint();
+}
+
+// A bar without a range would only tell that something goes on.
+void ImportPage::SetProgressRange(int maximum) {
+  prg_import_->setRange(0, std::max(maximum, 1));
+  prg_import_->setValue(0);
+}
+
+void ImportPage::SetProgressValue(int value) { prg_import_->setValue(value); }
+
+}  // namespace vrx

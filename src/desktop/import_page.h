@@ -1,0 +1,91 @@
+#pragma once
+
+#include <QCheckBox>
+#include <QFrame>
+#include <QLabel>
+#include <QProgressBar>
+#include <QPushButton>
+#include <functional>
+#include <string_view>
+#include <vector>
+
+#include "desktop/import_grid.h"
+#include "desktop/main_tab_page.h"
+#include "exchange/import_session.h"
+#include "platform/progress_display.h"
+
+namespace vrx {
+
+// What the Import tab asks of the main window; as in ImportHost.
+class ImportWindow {
+ public:
+  virtual ~ImportWindow() = default;
+  virtual OpenDatabases ImportDatabases() const = 0;
+  virtual std::vector<IngredientRecord> GridIngredients() = 0;
+  virtual void SelectTab(int tab) = 0;
+  virtual void SaveTransactionDatabase() = 0;
+};
+
+// The Import tab: its page, and its buttons and progress in the row below the tabs.
+class ImportPage : public MainTabPage, private ImportHost, private ProgressDisplay {
+  Q_OBJECT
+
+ public:
+  // Everything outlives it, but the window may go first.
+  struct Ports {
+    Operator& op;
+    FileChooser& files;
+    const SystemInfo& system;
+    const PrivateINI& settings;
+    DatabaseIdentity& identity;
+    ImportWindow& window;
+    QFrame& pic_import;  // is filled
+  };
+
+  explicit ImportPage(const Ports& ports);
+
+  // The whole import, from the question for a file on.
+  void ImportXFile();
+
+  const ImportSession& Session() const { return session_; }
+
+  // MainTabPage.
+  void Prepare() override;
+  void StripFocused() override;
+
+ private:
+  // ImportHost.
+  OpenDatabases Databases() const override { return ports_.window.ImportDatabases(); }
+  std::vector<IngredientRecord> GridIngredients() override {
+    return ports_.window.GridIngredients();
+  }
+  void SelectTab(int tab) override { ports_.window.SelectTab(tab); }
+  void FocusControl(std::string_view name) override;
+  void SaveTransactionDatabase() override { ports_.window.SaveTransactionDatabase(); }
+  void ImportChanged() override;
+
+  // ProgressDisplay.
+  void SetProgressMessage(std::string_view text) override;
+  void SetProgressRange(int maximum) override;
+  void SetProgressValue(int value) override;
+
+  void LayOut();
+  QLayout* LayOutFacts();
+  void FillPicImport();
+  void Run(const std::function<void()>& flow);
+
+  Ports ports_;
+  ImportSession session_;
+  ImportGrid* grd_import_;
+  QLabel* lbl_trans_filename_ = nullptr;
+  QLabel* lbl_trans_uom_ = nullptr;
+  QLabel* lbl_records_ = nullptr;
+  QLabel* lbl_transactions_ = nullptr;
+  QFrame* pic_import_progress_ = nullptr;
+  QLabel* lbl_progress_msg_ = nullptr;
+  QProgressBar* prg_import_ = nullptr;
+  QPushButton* cmd_import_file_ = nullptr;
+  QPushButton* cmd_import_store_ = nullptr;
+};
+
+}  // namespace vrx
