@@ -264,8 +264,8 @@ TEST_F(MainTabsTest, TheStatusLineCanBeReadOnADarkWindow) {
 TEST_F(MainTabsTest, AClickTurnsTheCountOfTheMemoryIntoABarAndBack) {
   Show();
   TransferStatusPanel& panel = Window().Panels().PicTransferStatus();
-  QLabel& count = Find<QLabel>(u"lblMemorySize"_qs);
-  QProgressBar& bar = Find<QProgressBar>(u"prgMemorySize"_qs);
+  auto& count = Find<QLabel>(u"lblMemorySize"_qs);
+  auto& bar = Find<QProgressBar>(u"prgMemorySize"_qs);
   EXPECT_EQ(Text(u"lblMemory"_qs), u"Memory:"_qs);
   EXPECT_FALSE(count.isVisible());
   EXPECT_FALSE(bar.isVisible());

@@ -78,7 +78,7 @@ class MainWindowProgram : public ::testing::Test {
   }
 
   fs::path MakeRecipeFile(const std::string& name) {
-    const fs::path path = data_ / name;
+    fs::path path = data_ / name;
     fs::copy_file(fs::path(VRX_BIN_DIR) / kRecipeTemplateName, path);
     fs::permissions(path, fs::perms::owner_write, fs::perm_options::add);
     RecordingOperator op;

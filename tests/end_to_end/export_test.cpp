@@ -137,9 +137,11 @@ TEST_F(Exports, AFullDiskIsToldAndLeavesTheOlderXmlAndAPartOfTheCsv) {
         head -n 1 "$1/disk/DAY.$4" | cut -c 1-16
         umount "$1/disk")",
         {folder.Path().string(), Bin("vrx2260ctl"), database, format, SitePath("SITE.RDB")});
-    EXPECT_EQ(output, "Export: cannot write " + (folder / "disk").string() + "/DAY." + format +
-                          ": No space left on device\nexit 1\nDAY." + format + "\n" +
-                          (format == "xml" ? "older" : "Transaction,Type") + "\n");
+    std::string told = "Export: cannot write ";
+    told.append(folder / "disk").append("/DAY.").append(format);
+    told.append(": No space left on device\nexit 1\nDAY.").append(format).append("\n");
+    told.append(format == "xml" ? "older\n" : "Transaction,Type\n");
+    EXPECT_EQ(output, told);
   }
 }
 
