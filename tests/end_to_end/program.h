@@ -21,7 +21,11 @@ class Program {
   Program(const Program&) = delete;
   Program& operator=(const Program&) = delete;
 
+  pid_t Id() const { return pid_; }
+
   void Signal(int number) const;
+
+  bool Ended();
 
   // The exit code, or minus the signal that ended it. A program that outlasts the limit is killed,
   // and the test fails.
@@ -35,8 +39,6 @@ class Program {
   std::string Err() const;
 
  private:
-  bool Ended();
-
   std::string out_path_;
   std::string err_path_;
   pid_t pid_ = -1;
