@@ -51,7 +51,7 @@ bool KRMCOMM::KRM_Open() { return OpenPort(Handshaking::kXOnXOff); }
 bool KRMCOMM::OpenPort(Handshaking mode) {
   failure_cause_.clear();
   interrupted_ = false;
-  if (comm_port_open_ && !LineGone()) {
+  if (comm_port_open_ && serial_.PortOpen() && !LineGone()) {
     err_msg_ = "Serial port already open";
     return true;
   }

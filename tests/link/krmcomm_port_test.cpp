@@ -76,6 +76,18 @@ TEST_F(KrmcommPort, CloseShutsFirstAndWaitsHalfASecond) {
   EXPECT_EQ(serial.events.front().what, "close");
 }
 
+// A click inside the wait of the close.
+TEST_F(KrmcommPort, CommandDuringACloseOpensThePortAnew) {
+  krm.KRM_Download("");
+  serial.WillAnswer(kEchoClear);
+  bool cleared = false;
+  pump.After(Ms{100}, [&] { cleared = krm.KRM_Clear(); });
+  krm.KRM_Close();
+  EXPECT_TRUE(cleared);
+  serial.WillAnswer(kEchoClear);
+  EXPECT_TRUE(krm.KRM_Clear());
+}
+
 TEST_F(KrmcommPort, ImmediateCloseDoesNotWait) {
   krm.KRM_Download("");
   EXPECT_EQ(TimeOf([&] { krm.KRM_ImmediateClose(); }), Ms{0});

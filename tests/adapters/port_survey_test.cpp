@@ -1,0 +1,137 @@
+#include "adapters/port_survey.h"
+
+#include <algorithm>
+#include <csignal>
+#include <filesystem>
+#include <fstream>
+#include <string>
+
+#include <gmock/gmock.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include "adapters/port_device.h"
+#include "platform/serial_control.h"
+#include "pseudo_terminal.h"
+#include "support/temp_folder.h"
+
+namespace vrx::testing {
+namespace {
+
+namespace fs = std::filesystem;
+
+// A process that does nothing until the object goes.
+class OtherProcess {
+ public:
+  OtherProcess() : id_(fork()) {
+    if (id_ == 0) {
+      pause();
+      _exit(0);
+    }
+  }
+  ~OtherProcess() {
+    kill(id_, SIGKILL);
+    waitpid(id_, nullptr, 0);
+  }
+  OtherProcess(const OtherProcess&) = delete;
+  OtherProcess& operator=(const OtherProcess&) = delete;
+
+  pid_t Id() const { return id_; }
+
+ private:
+  pid_t id_;
+};
+
+// The lock of a device, as programs leave it.
+class DeviceLock {
+ public:
+  DeviceLock(const std::string& device, pid_t holder) {
+    std::string name = fs::path(device).lexically_relative("/dev").string();
+    std::replace(name.begin(), name.end(), '/', '_');
+    path_ = "/tmp/LCK.." + name;
+    std::ofstream(path_) << holder << "\nother\n\n\n\n";
+  }
+  ~DeviceLock() { fs::remove(path_); }
+  DeviceLock(const DeviceLock&) = delete;
+  DeviceLock& operator=(const DeviceLock&) = delete;
+
+ private:
+  fs::path path_;
+};
+
+TEST(DescribeDevice, TellsWhatStandsThere) {
+  const TempFolder folder;
+  const PseudoTerminal line;
+  EXPECT_EQ(DescribeDevice(line.Device()), "pseudo-terminal");
+  EXPECT_EQ(DescribeDevice((folder / "none").string()), "no such device");
+  EXPECT_EQ(DescribeDevice(folder.Write("file", "").string()), "no serial device");
+}
+
+TEST(DescribeDevice, FollowsALink) {
+  const TempFolder folder;
+  const PseudoTerminal line;
+  fs::create_symlink(line.Device(), folder / "link");
+  EXPECT_EQ(DescribeDevice((folder / "link").string()), "pseudo-terminal");
+}
+
+TEST(DescribeDevice, ADeviceInAnotherProgramsHandsIsInUse) {
+  const PseudoTerminal line;
+  const OtherProcess other;
+  {
+    const DeviceLock lock(line.Device(), other.Id());
+    EXPECT_EQ(DescribeDevice(line.Device()), "in use");
+  }
+  EXPECT_EQ(DescribeDevice(line.Device()), "pseudo-terminal");
+}
+
+TEST(DescribeDevice, TheLockOfAnEndedProgramAndOnesOwnCountForNothing) {
+  const PseudoTerminal line;
+  {
+    const DeviceLock own(line.Device(), getpid());
+    EXPECT_EQ(DescribeDevice(line.Device()), "pseudo-terminal");
+  }
+  pid_t ended = 0;
+  {
+    const OtherProcess other;
+    ended = other.Id();
+  }
+  const DeviceLock left(line.Device(), ended);
+  EXPECT_EQ(DescribeDevice(line.Device()), "pseudo-terminal");
+}
+
+TEST(SerialDevices, AreThereAndInOrder) {
+  const std::vector<std::string> devices = SerialDevices();
+  EXPECT_TRUE(std::is_sorted(devices.begin(), devices.end()));
+  for (const std::string& device : devices) {
+    EXPECT_TRUE(fs::exists(device)) << device;
+  }
+}
+
+TEST(PutDeviceBehindPort, TheNumberStandsForItUntilItIsTakenAway) {
+  const TempFolder folder;
+  PutDeviceBehindPort(folder.Path(), 3, "/dev/ttyUSB0");
+  EXPECT_EQ(LinuxPortDevice(folder.Path(), 3), "/dev/ttyUSB0");
+  PutDeviceBehindPort(folder.Path(), 3, "/dev/ttyACM1");
+  EXPECT_EQ(LinuxPortDevice(folder.Path(), 3), "/dev/ttyACM1");
+  PutDeviceBehindPort(folder.Path(), 3, "");
+  EXPECT_EQ(LinuxPortDevice(folder.Path(), 3), "/dev/ttyS2");
+  PutDeviceBehindPort(folder.Path(), 3, "");
+  EXPECT_EQ(LinuxPortDevice(folder.Path(), 3), "/dev/ttyS2");
+}
+
+TEST(PutDeviceBehindPort, LeavesNothingElseInTheFolder) {
+  const TempFolder folder;
+  PutDeviceBehindPort(folder.Path(), 1, "/dev/ttyUSB0");
+  PutDeviceBehindPort(folder.Path(), 1, "/dev/ttyUSB1");
+  EXPECT_EQ(std::distance(fs::directory_iterator(folder / "Ports"), fs::directory_iterator()), 1);
+}
+
+TEST(PutDeviceBehindPort, WhatStandsInTheWayIsTold) {
+  const TempFolder folder;
+  folder.Write("Ports", "a file");
+  EXPECT_THROW(PutDeviceBehindPort(folder.Path(), 1, "/dev/ttyUSB0"), SerialError);
+  EXPECT_THROW(PutDeviceBehindPort(folder.Path(), 0, "/dev/ttyUSB0"), SerialError);
+}
+
+}  // namespace
+}  // namespace vrx::testing
