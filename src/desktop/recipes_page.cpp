@@ -1,9 +1,9 @@
 #include "desktop/recipes_page.h"
 
+#include <QApplication>
 #include <QVBoxLayout>
 #include <utility>
 
-#include "desktop/elided_label.h"
 #include "desktop/main_window_layout.h"
 #include "desktop/qt_text.h"
 #include "feed/edit_event.h"
@@ -15,6 +15,11 @@
 
 namespace vrx {
 namespace {
+
+constexpr Milliseconds kHiddenDelay{50};
+constexpr Milliseconds kPrintDelay{100};
+constexpr Milliseconds kShownDelay{50};
+constexpr Milliseconds kActivateDelay{50};
 
 int Target(NavigateButton button, int position) {
   switch (button) {
@@ -33,30 +38,31 @@ int Target(NavigateButton button, int position) {
 }  // namespace
 
 RecipesPage::RecipesPage(const RecordPorts& ports, QWidget* parent)
-    : RecordPage(parent), ports_(ports), head_(new RecipeHead(ports.abbreviation, this)) {
+    : RecordPage(parent),
+      ports_(ports),
+      head_(new RecipeHead(ports.abbreviation, this)),
+      lines_(new RecipeLines(*this, this)) {
   setObjectName(QStringLiteral("pageRecipes"));
   LayOut();
-  Connect();
+  ConnectHead();
+  ConnectLines();
 }
 
-RecipesPage::~RecipesPage() = default;
+// The grid outlives what its events reach.
+RecipesPage::~RecipesPage() { qApp->disconnect(&lines_->GrdRec()); }
 
 void RecipesPage::LayOut() {
   auto* const column = new QVBoxLayout(this);
   column->setContentsMargins(kSpacing, kSpacing, kSpacing, kSpacing);
-  column->setSpacing(kSpacing);
+  column->setSpacing(kGroupSpacing);
   column->addWidget(head_);
-  column->addStretch(1);
-  pen_capacity_ = new ElidedLabel(this);
-  pen_capacity_->setObjectName(QStringLiteral("lblRequiresIndicatorPenCapacityX"));
-  column->addWidget(pen_capacity_);
-  HidePenCapacityWarning();
+  column->addWidget(lines_, 1);
 }
 
-void RecipesPage::Connect() {
-  connect(head_, &RecipeHead::Refused, this,
-          [this] { BeepIfEnabled(ports_.feed.op, ports_.feed.settings); });
-  connect(head_, &RecipeHead::ListLeft, this, [this] { UpdateRecord(); });
+void RecipesPage::ConnectHead() {
+  connect(head_, &RecipeHead::Refused, this, &RecipesPage::KeyRefused);
+  connect(head_, &RecipeHead::ListLeft, this,
+          [this] { Run([](RecipeEditor& editor) { editor.CommitRecipeRecord(); }); });
   connect(&head_->CboRecId(), &QComboBox::activated, this, [this](int index) { Select(index); });
   connect(&head_->CboRecId(), &RecordIdList::Typed, &head_->TxtRecDesc(),
           qOverload<>(&QWidget::setFocus));
@@ -74,6 +80,20 @@ void RecipesPage::Connect() {
   });
 }
 
+void RecipesPage::ConnectLines() {
+  connect(lines_, &RecipeLines::MissesTotal, head_, &RecipeHead::ShowMustTotal100);
+  connect(lines_, &RecipeLines::DeleteClicked, this, [this] {
+    if (lines_->GrdRec().FinishEdit()) {
+      Run([](RecipeEditor& editor) { editor.DeleteIng(); });
+    }
+  });
+  connect(lines_, &RecipeLines::MoveClicked, this, [this](MoveDirection direction) {
+    if (lines_->GrdRec().FinishEdit()) {
+      Run([direction](RecipeEditor& editor) { editor.MoveRow(direction); });
+    }
+  });
+}
+
 bool RecipesPage::Run(const std::function<void(RecipeEditor&)>& event) {
   const std::shared_ptr<RecipeEditor> editor = editor_;
   if (!editor) {
@@ -87,10 +107,20 @@ bool RecipesPage::Run(const std::function<void(RecipeEditor&)>& event) {
   return done;
 }
 
+// The lines first: a list that is closed by its choice hands the focus on to the grid.
 void RecipesPage::Show() {
-  if (editor_) {
+  if (editor_ && !preparing_) {
+    lines_->Show(editor_->OnShow());
     head_->Show(editor_->OnShow());
   }
+}
+
+std::shared_ptr<RecipeEditor> RecipesPage::MakeEditor(SQLite::Database& connection, int id) {
+  return std::make_shared<RecipeEditor>(connection, ports_.feed.op, ports_.feed.settings, id,
+                                        [this, &connection] {
+                                          TouchDatabase(connection, ports_.feed.calendar);
+                                          stored_ = true;
+                                        });
 }
 
 std::string RecipesPage::BatchTypeOnShow() const {
@@ -140,12 +170,66 @@ void RecipesPage::RewriteItem(std::string_view name) {
   }
 }
 
+// The events of the grid.
+
+void RecipesPage::GridGotFocus() {
+  Q_EMIT CancelAllowed(false);
+  Run([](RecipeEditor& editor) { editor.GridGotFocus(); });
+}
+
+// A line that is complete does not wait for the focus to come back.
+void RecipesPage::GridLostFocus() {
+  Q_EMIT CancelAllowed(true);
+  Run([](RecipeEditor& editor) { editor.CommitRow(); });
+}
+
+bool RecipesPage::GoToRow(int row) {
+  bool went = false;
+  if (Run([&](RecipeEditor& editor) { went = editor.GoToRow(row); }) && !went) {
+    KeyRefused();
+  }
+  return went;
+}
+
+bool RecipesPage::CommitRow() {
+  bool committed = false;
+  if (Run([&](RecipeEditor& editor) { committed = editor.CommitRow(); }) && !committed) {
+    KeyRefused();
+  }
+  return committed;
+}
+
+void RecipesPage::DiscardEntry() {
+  Run([](RecipeEditor& editor) { editor.DiscardEntry(); });
+}
+
+void RecipesPage::BeforeCellEdit(LineColumn column) {
+  Run([column](RecipeEditor& editor) { editor.BeforeCellEdit(column); });
+}
+
+void RecipesPage::AfterCellEdit(LineColumn column) {
+  Run([column](RecipeEditor& editor) { editor.AfterCellEdit(column); });
+}
+
+bool RecipesPage::EnterCell(LineColumn column, std::string_view text) {
+  return Run([&](RecipeEditor& editor) { editor.EnterCell(column, text); });
+}
+
+bool RecipesPage::ChooseIngredient(int id) {
+  return Run([id](RecipeEditor& editor) { editor.ChooseIngredient(id); });
+}
+
+void RecipesPage::KeyRefused() { BeepIfEnabled(ports_.feed.op, ports_.feed.settings); }
+
 // The action bar and the navigator.
 
 void RecipesPage::UpdateRecord() {
-  Run([](RecipeEditor& editor) { editor.CommitRecipeRecord(); });
+  if (lines_->GrdRec().FinishEdit()) {
+    Run([](RecipeEditor& editor) { editor.CommitRecipeRecord(); });
+  }
 }
 
+// The lines are not given up: a row that is pending is committed.
 void RecipesPage::CancelRecord() {
   head_->GiveUpTyping();
   Run([](RecipeEditor& editor) { editor.CommitRow(); });
@@ -153,11 +237,13 @@ void RecipesPage::CancelRecord() {
 
 void RecipesPage::DefaultRecord() {
   const int id = Position();
-  if (id == 0 || !ResetRecord(*bound_.connection, RecordKind::kRecipe, id, ports_.feed)) {
+  if (id == 0 || !ResetRecord(*connection_, RecordKind::kRecipe, id, ports_.feed)) {
     return;
   }
+  lines_->GrdRec().GiveUpEdit();
   head_->GiveUpTyping();
-  Select(id);
+  HandleEditEvent(ports_.feed.op, [&] { editor_ = MakeEditor(*connection_, id); });
+  Show();
   head_->CboRecId().SetItem(id);
   ports_.record_changed();
 }
@@ -168,13 +254,13 @@ void RecipesPage::Navigate(NavigateButton button) {
   }
 }
 
-void RecipesPage::GoTo(int position) { Select(position); }
+int RecipesPage::Position() const { return closed_ ? 0 : editor_->OnShow().ration.recipe.id; }
 
-int RecipesPage::Position() const {
-  return editor_ && !bound_.blank ? editor_->OnShow().ration.recipe.id : 0;
-}
-
+// Index 0, the blank item of the list, is the recipe on show.
 bool RecipesPage::Select(int id) {
+  if (!lines_->GrdRec().FinishEdit()) {
+    lines_->GrdRec().GiveUpEdit();
+  }
   if (!Run([id](RecipeEditor& editor) { editor.Select(id); })) {
     return false;
   }
@@ -182,13 +268,76 @@ bool RecipesPage::Select(int id) {
   return true;
 }
 
+void RecipesPage::ReadIngredients() {
+  lines_->GrdRec().SetIngredients(ReadActiveIngredients(*connection_));
+}
+
+void RecipesPage::ShowUnit() {
+  const std::string& unit = ports_.feed.settings.SystemUnits();
+  head_->ShowUnit(ToQString(unit));
+  lines_->GrdRec().SetUnit(unit);
+}
+
 // The main window's events.
 
-void RecipesPage::TabChanged(int /*tab*/, int /*previous*/) { head_->ShowMustTotal100(false); }
+void RecipesPage::TabChanged(int /*tab*/, int /*previous*/) {
+  ++visit_;
+  if (std::exchange(preparing_, false)) {
+    ports_.feed.op.SetBusy(false);
+  }
+  head_->ShowMustTotal100(false);
+}
+
+bool RecipesPage::Waited(Milliseconds interval) {
+  const int visit = visit_;
+  return ports_.delay.Wait(interval) && visit == visit_;
+}
 
 void RecipesPage::Prepare() {
-  Select(kRecipeCount);
+  if (!editor_) {
+    return;
+  }
+  preparing_ = true;
+  head_->HideInputs();
+  lines_->HideGrid();
+  if (!Waited(kHiddenDelay)) {
+    return;
+  }
+  ports_.feed.op.SetBusy(true);
+  if (!Waited(kPrintDelay)) {
+    return;
+  }
+  ShowUnit();
+  // By way of the last recipe, which opens the list of batch types where it has none.
+  Run([this](RecipeEditor& editor) {
+    ReadIngredients();
+    editor.Select(kRecipeCount);
+  });
+  preparing_ = false;
   Select(1);
+  Waited(kShownDelay);
+  ports_.feed.op.SetBusy(false);
+}
+
+void RecipesPage::StripFocused() {
+  if (RecipeGrid& grid = lines_->GrdRec(); grid.isVisible()) {
+    grid.setFocus();
+    Run([](RecipeEditor& editor) { editor.RecomputeAll(); });
+  }
+  ShowUnit();
+}
+
+// The grid stands still rather than being hidden: it keeps the focus.
+void RecipesPage::Activated() {
+  RecipeGrid& grid = lines_->GrdRec();
+  if (!grid.isVisible() || !grid.updatesEnabled()) {
+    return;
+  }
+  grid.setUpdatesEnabled(false);
+  if (Waited(kActivateDelay)) {
+    Run([](RecipeEditor& editor) { editor.CommitRecipeRecord(); });
+  }
+  grid.setUpdatesEnabled(true);
 }
 
 void RecipesPage::Rebind(DatabaseKind kind, const BoundDatabase& database) {
@@ -196,47 +345,49 @@ void RecipesPage::Rebind(DatabaseKind kind, const BoundDatabase& database) {
     return;
   }
   SQLite::Database& connection = *database.connection;
-  editor_ = std::make_shared<RecipeEditor>(connection, ports_.feed.op, ports_.feed.settings, 1,
-                                           [this, &connection] {
-                                             TouchDatabase(connection, ports_.feed.calendar);
-                                             stored_ = true;
-                                           });
-  bound_ = {.connection = &connection, .blank = database.blank};
+  std::vector<IngredientRecord> ingredients = ReadActiveIngredients(connection);
+  std::shared_ptr<RecipeEditor> editor = MakeEditor(connection, 1);
+  lines_->GrdRec().GiveUpEdit();
   head_->GiveUpTyping();
-  head_->ShowUnit(ToQString(ports_.feed.settings.SystemUnits()));
+  ++visit_;
+  preparing_ = false;
+  connection_ = &connection;
+  closed_ = database.blank;
+  editor_ = std::move(editor);
+  stored_ = false;
+  lines_->GrdRec().SetIngredients(std::move(ingredients));
+  lines_->ShowFixedTexts();
+  ShowUnit();
   Show();
 }
 
 void RecipesPage::ReleaseViews() {
+  lines_->GrdRec().GiveUpEdit();
+  ++visit_;
   editor_.reset();
-  bound_ = {};
+  connection_ = nullptr;
+  closed_ = true;
 }
 
 void RecipesPage::LoadIdLists() {
-  const SQLite::Database* const connection = bound_.connection;
+  const SQLite::Database* const connection = connection_;
   Run([&](RecipeEditor& /*editor*/) {
-    for (const RecipeRecord& recipe : ReadRecipes(*bound_.connection)) {
+    for (const RecipeRecord& recipe : ReadRecipes(*connection_)) {
       head_->CboRecId().SetItem(recipe.id, IsActive(recipe) ? recipe.name : std::string());
       ports_.record_loaded();
-      if (bound_.connection != connection) {
+      if (connection_ != connection) {
         return;
       }
     }
   });
-  if (bound_.connection == connection) {
+  if (connection_ == connection) {
     Select(1);
   }
 }
 
 void RecipesPage::CheckPenCapacity() {
-  const std::vector<PenRecord> rows = pen_rows_ ? pen_rows_() : std::vector<PenRecord>();
-  const std::optional<int> size = vrx::CheckPenCapacity(rows);
-  if (size) {
-    pen_capacity_->setText(ToQString(PenCapacityWarning(*size)));
-  }
-  pen_capacity_->setVisible(size.has_value());
+  lines_->ShowPenCapacity(
+      vrx::CheckPenCapacity(pen_rows_ ? pen_rows_() : std::vector<PenRecord>()));
 }
-
-void RecipesPage::HidePenCapacityWarning() { pen_capacity_->hide(); }
 
 }  // namespace vrx

@@ -2,12 +2,13 @@
 
 #include <functional>
 #include <memory>
-#include <optional>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "database/records.h"
 #include "desktop/recipe_head.h"
+#include "desktop/recipe_lines.h"
 #include "desktop/record_page.h"
 #include "feed/recipe_editor.h"
 
@@ -15,7 +16,7 @@ namespace vrx {
 
 // The Recipes tab: shows what the editor of the recipes holds, and hands on to it what happens to
 // the head and to the grid of the lines.
-class RecipesPage : public RecordPage {
+class RecipesPage : public RecordPage, private RecipeGridEvents {
   Q_OBJECT
 
  public:
@@ -35,43 +36,65 @@ class RecipesPage : public RecordPage {
   void CancelRecord() override;
   void DefaultRecord() override;
   void Navigate(NavigateButton button) override;
-  void GoTo(int position) override;
+  void GoTo(int position) override { Select(position); }
   int Position() const override;
 
   // MainTabPage.
-  void Prepare() override;
   void TabChanged(int tab, int previous) override;
+  void Prepare() override;
+  void StripFocused() override;
+  void Activated() override;
   void Rebind(DatabaseKind kind, const BoundDatabase& database) override;
   void ReleaseViews() override;
   void LoadIdLists() override;
   void CheckPenCapacity() override;
-  void HidePenCapacityWarning() override;
+  void HidePenCapacityWarning() override { lines_->ShowPenCapacity(std::nullopt); }
 
  private:
-  struct Bound {
-    SQLite::Database* connection = nullptr;
-    bool blank = true;
-  };
+  // RecipeGridEvents.
+  void GridGotFocus() override;
+  void GridLostFocus() override;
+  bool GoToRow(int row) override;
+  bool CommitRow() override;
+  void DiscardEntry() override;
+  void BeforeCellEdit(LineColumn column) override;
+  void AfterCellEdit(LineColumn column) override;
+  bool EnterCell(LineColumn column, std::string_view text) override;
+  bool ChooseIngredient(int id) override;
+  void KeyRefused() override;
 
   void LayOut();
-  void Connect();
+  void ConnectHead();
+  void ConnectLines();
+
   // Runs an event of the editor and shows what came of it. False: it failed, and was told.
   bool Run(const std::function<void(RecipeEditor&)>& event);
   void Show();
+  std::shared_ptr<RecipeEditor> MakeEditor(SQLite::Database& connection, int id);
+
+  bool Select(int id);
+  void ReadIngredients();
+  void ShowUnit();
+  // False: what waited must not go on.
+  bool Waited(Milliseconds interval);
 
   void LeaveName();
   void LeaveDescription();
   void LeaveNumber(FilteredEdit& box, void (RecipeEditor::*leave)(std::string_view));
   void RewriteItem(std::string_view name);
-  bool Select(int id);
+  void Delete();
+  void Move(MoveDirection direction);
 
   RecordPorts ports_;
   PenRows pen_rows_;
-  Bound bound_;
-  std::shared_ptr<RecipeEditor> editor_;
-  bool stored_ = false;  // the event on its way has changed the database
+  SQLite::Database* connection_ = nullptr;  // none before the first database and after the last
+  bool closed_ = true;                      // the blank template is on show
+  std::shared_ptr<RecipeEditor> editor_;    // exactly while there is a connection
+  bool stored_ = false;                     // the event on its way has changed the database
+  bool preparing_ = false;
+  int visit_ = 0;  // of a tab; another one ends what waits
   RecipeHead* head_;
-  QLabel* pen_capacity_;
+  RecipeLines* lines_;
 };
 
 }  // namespace vrx

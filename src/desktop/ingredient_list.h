@@ -1,0 +1,52 @@
+#pragma once
+
+#include <QFrame>
+#include <QLabel>
+#include <QTableView>
+#include <vector>
+
+#include "database/records.h"
+
+namespace vrx {
+
+// The list that drops down from the ingredient of a line: the grid `grdINGSEL`, in a window of its
+// own that never takes the focus.
+class IngredientList : public QFrame {
+  Q_OBJECT
+
+ public:
+  explicit IngredientList(QWidget* parent);
+
+  // In the order of the list; rows are counted from 0.
+  void SetIngredients(std::vector<IngredientRecord> ingredients);
+  const std::vector<IngredientRecord>& Ingredients() const { return ingredients_; }
+
+  // The row of the first ingredient that the text stands for: its number, the beginning of number,
+  // name or description, or a part of the description, in this order and whatever the case. -1 for
+  // none.
+  int Find(const QString& text) const;
+
+  int RowOf(const QString& ingredient_name) const;
+
+  // The row that stands out; -1 for none.
+  int CurrentRow() const;
+  void SetCurrentRow(int row);
+
+  int RowsPerPage() const;
+
+  // Shows it at the lower edge of an editor, or above where there is no room.
+  void DropDown(const QWidget& editor);
+
+ Q_SIGNALS:
+  // By the mouse.
+  void Picked(int row);
+
+ private:
+  void Fit();
+
+  std::vector<IngredientRecord> ingredients_;
+  QTableView* grid_;
+  QLabel* empty_;
+};
+
+}  // namespace vrx

@@ -1,0 +1,105 @@
+#include "desktop/recipe_columns.h"
+
+#include <algorithm>
+#include <array>
+#include <cctype>
+#include <cstddef>
+
+namespace vrx {
+namespace {
+
+using enum CellManner;
+
+constexpr std::array<RecipeColumnRow, kRecipeColumnCount> kColumns{{
+    {.key = "Ingredient",
+     .caption = "Ingredient",
+     .tells_unit = false,
+     .manner = kEntered,
+     .cell = &RecipeLineRecord::ingredient,
+     .entered_as = LineColumn::kIngredient},
+    {.key = "Target",
+     .caption = "Dry Matter",
+     .tells_unit = true,
+     .manner = kEntered,
+     .cell = &RecipeLineRecord::target,
+     .total_label = "lblTargetTotal",
+     .total = &TotalsRow::target,
+     .entered_as = LineColumn::kTarget},
+    {.key = "Ration%",
+     .caption = "Ration (%) DM",
+     .tells_unit = false,
+     .manner = kComputed,
+     .cell = &RecipeLineRecord::ration_percent,
+     .total_label = "lblRationPctTotal",
+     .total = &TotalsRow::ration_percent},
+    {.key = "DryMatter%",
+     .caption = "Dry Matter (%)",
+     .tells_unit = false,
+     .manner = kReadOnly,
+     .cell = &RecipeLineRecord::dry_matter_percent,
+     .total_label = "lblDryMatPercent",
+     .total = &TotalsRow::dry_matter_percent},
+    {.key = "DryMatter",
+     .caption = "Target",
+     .tells_unit = true,
+     .manner = kComputed,
+     .cell = &RecipeLineRecord::dry_matter,
+     .total_label = "lblDryMatTotal",
+     .total = &TotalsRow::dry_matter},
+    {.key = "BatchTarget",
+     .caption = "Batch Target",
+     .tells_unit = false,
+     .manner = kComputed,
+     .cell = &RecipeLineRecord::batch_target,
+     .total_label = "lblBatchTargetTotal",
+     .total = &TotalsRow::batch_target},
+    {.key = "HandAdd",
+     .caption = "Hand-Add",
+     .tells_unit = false,
+     .manner = kReadOnly,
+     .cell = nullptr,
+     .total_label = "lblHandAddTotal",
+     .total = &TotalsRow::hand_add},
+    {.key = "Ingredient%",
+     .caption = "Ingredient (%)",
+     .tells_unit = false,
+     .manner = kEntered,
+     .cell = &RecipeLineRecord::ingredient_percent,
+     .total_label = "lblIngPctTotal",
+     .total = &TotalsRow::ingredient_percent,
+     .entered_as = LineColumn::kIngredientPercent},
+}};
+
+std::string LowerCase(std::string_view text) {
+  std::string lower(text);
+  std::transform(lower.begin(), lower.end(), lower.begin(),
+                 [](unsigned char letter) { return static_cast<char>(std::tolower(letter)); });
+  return lower;
+}
+
+}  // namespace
+
+std::span<const RecipeColumnRow> RecipeColumns() { return kColumns; }
+
+bool IsColumnShown(int column, LineEntry entry) {
+  if (column == kColumnIngredientPercent) {
+    return entry == LineEntry::kPercent;
+  }
+  const bool by_weight_only = column == kColumnTarget || column == kColumnRationPercent;
+  return !by_weight_only || entry != LineEntry::kPercent;
+}
+
+int EnteredColumn(LineEntry entry) {
+  return entry == LineEntry::kPercent ? kColumnIngredientPercent : kColumnTarget;
+}
+
+std::string ColumnCaption(int column, std::string_view unit) {
+  const RecipeColumnRow& row = kColumns.at(static_cast<std::size_t>(column));
+  std::string caption(row.caption);
+  if (row.tells_unit && !unit.empty()) {
+    caption += " (" + LowerCase(unit) + ")";
+  }
+  return caption;
+}
+
+}  // namespace vrx

@@ -1,0 +1,57 @@
+#pragma once
+
+#include <optional>
+#include <span>
+#include <string>
+#include <string_view>
+
+#include "database/records.h"
+#include "feed/batch_type.h"
+#include "feed/line_cells.h"
+#include "feed/ration_totals.h"
+
+namespace vrx {
+
+// The columns of `grdREC` that are ever seen, in the order of a recipe by weight.
+enum RecipeColumn : int {
+  kColumnIngredient,
+  kColumnTarget,
+  kColumnRationPercent,
+  kColumnDryMatterPercent,
+  kColumnDryMatter,
+  kColumnBatchTarget,
+  kColumnHandAdd,
+  kColumnIngredientPercent,
+};
+inline constexpr int kRecipeColumnCount = 8;
+
+enum class CellManner {
+  kEntered,
+  kReadOnly,  // the ingredient's
+  kComputed,
+};
+
+struct RecipeColumnRow {
+  std::string_view key;
+  std::string_view caption;
+  bool tells_unit;  // in its caption, once it is known
+  CellManner manner;
+  std::string RecipeLineRecord::*cell;  // none for a column that is no text
+  const char* total_label = nullptr;
+  std::string TotalsRow::*total = nullptr;
+  std::optional<LineColumn> entered_as = std::nullopt;
+};
+
+// By RecipeColumn.
+std::span<const RecipeColumnRow> RecipeColumns();
+
+// A recipe by percent shows `Ingredient%` in place of `Target` and `Ration%`.
+bool IsColumnShown(int column, LineEntry entry);
+
+// The column, after that of the ingredient, that the lines are entered by.
+int EnteredColumn(LineEntry entry);
+
+// "Dry Matter (lb)"
+std::string ColumnCaption(int column, std::string_view unit);
+
+}  // namespace vrx

@@ -1,0 +1,154 @@
+#include "desktop/recipe_grid_delegate.h"
+
+#include <QApplication>
+#include <QPainter>
+#include <QStyle>
+#include <cstddef>
+#include <utility>
+
+#include "desktop/ingredient_drop_down.h"
+#include "feed/line_cells.h"
+
+namespace vrx {
+namespace {
+
+constexpr int kArrowWidth = 18;
+constexpr int kFrameMargin = 1;
+constexpr qreal kFrameRadius = 3;
+constexpr int kPercentLimit = 12;  // the rule of the cell ends a percentage long before
+constexpr int kWeightLimit = 6;
+
+const RecipeColumnRow& ColumnRow(int column) {
+  return RecipeColumns()[static_cast<std::size_t>(column)];
+}
+
+}  // namespace
+
+RecipeGridDelegate::RecipeGridDelegate(IngredientList& list, const RecipeGridModel& model,
+                                       Commit commit, QObject* parent)
+    : QStyledItemDelegate(parent), list_(list), model_(model), commit_(std::move(commit)) {}
+
+QRect RecipeGridDelegate::ArrowOf(const QRect& cell) {
+  return {cell.right() - kArrowWidth, cell.top(), kArrowWidth, cell.height()};
+}
+
+const RecipeCellLook& RecipeGridDelegate::Look(CellManner manner, bool current_row,
+                                               const QPalette& palette) const {
+  if (looks_of_ != palette.cacheKey()) {
+    looks_of_ = palette.cacheKey();
+    for (const CellManner each :
+         {CellManner::kEntered, CellManner::kReadOnly, CellManner::kComputed}) {
+      for (const bool current : {false, true}) {
+        looks_.at(static_cast<std::size_t>(each)).at(current ? 1 : 0) =
+            LookOfCell(each, current, palette);
+      }
+    }
+  }
+  return looks_.at(static_cast<std::size_t>(manner)).at(current_row ? 1 : 0);
+}
+
+void RecipeGridDelegate::paint(QPainter* painter, const QStyleOptionViewItem& option,
+                               const QModelIndex& index) const {
+  const bool current_row = index.row() == current_row_;
+  const CellManner manner = ColumnRow(index.column()).manner;
+  const RecipeCellLook& look = Look(manner, current_row, option.palette);
+  painter->save();
+  painter->fillRect(option.rect, look.background);
+  if (look.frame.isValid()) {
+    painter->setRenderHint(QPainter::Antialiasing);
+    painter->setPen(look.frame);
+    const qreal half = 0.5;
+    painter->drawRoundedRect(QRectF(option.rect)
+                                 .adjusted(kFrameMargin + half, kFrameMargin + half,
+                                           -kFrameMargin - half, -kFrameMargin - half),
+                             kFrameRadius, kFrameRadius);
+  }
+  QRect text_rect = option.rect.adjusted(kCellMargin, 0, -kCellMargin, 0);
+  const bool drops_down = index.column() == kColumnIngredient && current_row;
+  if (drops_down) {
+    PaintArrow(*painter, option.rect, look.text);
+    text_rect.setRight(ArrowOf(option.rect).left());
+  }
+  painter->setPen(look.text);
+  QFont font = option.font;
+  font.setItalic(index.column() == kColumnIngredient && model_.IsIdle(index.row()));
+  painter->setFont(font);
+  const QFontMetrics metrics(font);
+  const QString text = index.data(Qt::DisplayRole).toString();
+  painter->drawText(text_rect, index.data(Qt::TextAlignmentRole).toInt() | Qt::TextSingleLine,
+                    metrics.elidedText(text, Qt::ElideRight, text_rect.width()));
+  if ((option.state & QStyle::State_HasFocus) != 0) {
+    painter->setRenderHint(QPainter::Antialiasing, false);
+    painter->setPen(QPen(option.palette.color(QPalette::Highlight), 2));
+    painter->setBrush(Qt::NoBrush);
+    painter->drawRect(option.rect.adjusted(1, 1, -1, -1));
+  }
+  painter->restore();
+}
+
+void RecipeGridDelegate::PaintArrow(QPainter& painter, const QRect& cell,
+                                    const QColor& color) const {
+  const QRectF arrow = ArrowOf(cell);
+  const qreal width = 7;
+  const qreal height = 4;
+  const QPointF middle = arrow.center();
+  painter.setPen(Qt::NoPen);
+  painter.setBrush(color);
+  painter.drawPolygon(QPolygonF({{middle.x() - width / 2, middle.y() - height / 2},
+                                 {middle.x() + width / 2, middle.y() - height / 2},
+                                 {middle.x(), middle.y() + height / 2}}));
+  painter.setBrush(Qt::NoBrush);
+}
+
+QWidget* RecipeGridDelegate::createEditor(QWidget* parent, const QStyleOptionViewItem& /*option*/,
+                                          const QModelIndex& index) const {
+  const std::optional<LineColumn> column = ColumnRow(index.column()).entered_as;
+  if (!column) {
+    return nullptr;
+  }
+  if (*column != LineColumn::kIngredient) {
+    return MakeNumberEditor(parent, *column);
+  }
+  auto* const editor = new IngredientDropDown(list_, parent);
+  connect(editor, &FilteredEdit::Refused, this, &RecipeGridDelegate::KeyRefused);
+  connect(editor, &IngredientDropDown::Picked, this, [this, editor] {
+    auto* const self = const_cast<RecipeGridDelegate*>(this);
+    Q_EMIT self->commitData(editor);
+    Q_EMIT self->closeEditor(editor, EditNextItem);
+  });
+  return editor;
+}
+
+QWidget* RecipeGridDelegate::MakeNumberEditor(QWidget* parent, LineColumn column) const {
+  auto* const editor = new FilteredEdit(
+      [column](std::string_view text, int key) { return FilterLineKey(column, text, key); },
+      column == LineColumn::kTarget ? kWeightLimit : kPercentLimit, parent);
+  editor->setObjectName(QStringLiteral("grdREC.Number"));
+  editor->setAlignment(Qt::AlignRight);
+  editor->setAccessibleName(QString::fromStdString(std::string(
+      ColumnRow(column == LineColumn::kTarget ? kColumnTarget : kColumnIngredientPercent)
+          .caption)));
+  connect(editor, &FilteredEdit::Refused, this, &RecipeGridDelegate::KeyRefused);
+  return editor;
+}
+
+void RecipeGridDelegate::setEditorData(QWidget* editor, const QModelIndex& index) const {
+  const QString text = index.data(Qt::EditRole).toString();
+  if (auto* const list = qobject_cast<IngredientDropDown*>(editor)) {
+    list->Begin(text);
+  } else if (auto* const number = qobject_cast<FilteredEdit*>(editor)) {
+    number->setText(text);
+  }
+}
+
+void RecipeGridDelegate::setModelData(QWidget* editor, QAbstractItemModel* /*model*/,
+                                      const QModelIndex& index) const {
+  commit_(*editor, index);
+}
+
+void RecipeGridDelegate::updateEditorGeometry(QWidget* editor, const QStyleOptionViewItem& option,
+                                              const QModelIndex& /*index*/) const {
+  editor->setGeometry(option.rect);
+}
+
+}  // namespace vrx

@@ -1,0 +1,58 @@
+#pragma once
+
+#include <QCheckBox>
+#include <QLabel>
+#include <QPushButton>
+#include <QWidget>
+#include <optional>
+
+#include "desktop/line_navigator.h"
+#include "desktop/recipe_grid.h"
+#include "desktop/recipe_totals_row.h"
+#include "feed/recipe_editor.h"
+
+namespace vrx {
+
+// The lines of the recipe on show: grid, totals, and what stands around them.
+class RecipeLines : public QWidget {
+  Q_OBJECT
+
+ public:
+  // The events outlive it.
+  explicit RecipeLines(RecipeGridEvents& events, QWidget* parent = nullptr);
+
+  // The grid of an untyped recipe is hidden, and what to do is said in its place.
+  void Show(const RecipeOnShow& shown);
+
+  // Grid and totals, until the next Show.
+  void HideGrid();
+
+  // `lblRequiresIndicatorPenCapacityX`; nothing hides it.
+  void ShowPenCapacity(std::optional<int> size);
+
+  // What the caption pass leaves without a text.
+  void ShowFixedTexts();
+
+  RecipeGrid& GrdRec() { return *grid_; }
+
+ Q_SIGNALS:
+  void DeleteClicked();
+  void MoveClicked(vrx::MoveDirection direction);
+  void MissesTotal(bool misses);
+
+ private:
+  QWidget* MakeGridPlace();
+  QWidget* MakeUpDown();
+  QLayout* MakeBottomRow();
+
+  RecipeGrid* grid_;
+  RecipeTotalsRow* totals_;
+  QLabel* hint_;
+  QLabel* move_legend_;
+  QPushButton* delete_;
+  QCheckBox* use_navigator_;
+  LineNavigator* navigator_;
+  QLabel* pen_capacity_;
+};
+
+}  // namespace vrx
