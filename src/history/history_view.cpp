@@ -19,7 +19,15 @@ HistoryView::HistoryView(SQLite::Database& transactions, const HistoryPorts& por
       picker_(ports.pump, [this] { ports_.screen.HistoryChanged(HistoryPart::kNamePicker); }) {}
 
 void HistoryView::SetTransactionDatabase(SQLite::Database& transactions) {
-  Act([&] { grid_.Bind(transactions); });
+  grid_.Bind(transactions);
+  grid_.ApplyExpandState(expand_all_);
+  ports_.screen.HistoryChanged(HistoryPart::kGrid);
+}
+
+void HistoryView::SetRecipeDatabase(SQLite::Database* recipes) {
+  grid_.RefreshIngredientColumns(IngredientGridRows(recipes));
+  recipes_ = recipes;
+  ports_.screen.HistoryChanged(HistoryPart::kGrid);
 }
 
 void HistoryView::SelectGroup(int index) {
@@ -34,7 +42,7 @@ void HistoryView::SelectGroup(int index) {
   const NamePickerState picker_before = picker_.State();
   const bool refused = !group->named_column.empty() && recipes_ == nullptr;
   const bool done = Trapped([&] {
-    grid_.RefreshIngredientColumns(IngredientGridRows());
+    grid_.RefreshIngredientColumns(IngredientGridRows(recipes_));
     if (refused) {
       Refuse(group->named_column);
     } else {
@@ -110,7 +118,7 @@ void HistoryView::TabChanged() {
 void HistoryView::TabEntered() {
   picker_.EnterTab();
   Act([this] {
-    grid_.RefreshIngredientColumns(IngredientGridRows());
+    grid_.RefreshIngredientColumns(IngredientGridRows(recipes_));
     grid_.EnterTab();
   });
 }
@@ -120,9 +128,13 @@ bool HistoryView::Trapped(const std::function<void()>& action) {
     action();
     return true;
   } catch (const std::exception& failure) {
-    ports_.identity.ShowDatabaseError(FailureNumber(failure), kFailureTitle, failure.what());
+    TellFailure(failure);
     return false;
   }
+}
+
+void HistoryView::TellFailure(const std::exception& failure) {
+  ports_.identity.ShowDatabaseError(FailureNumber(failure), kFailureTitle, failure.what());
 }
 
 void HistoryView::Refuse(std::string_view column) {
@@ -144,11 +156,11 @@ void HistoryView::SetUp(const DataGroup& group, const std::function<bool()>& wan
   grid_.SetUp(group, "", show_active_only_);
 }
 
-std::vector<IngredientRecord> HistoryView::IngredientGridRows() {
-  if (recipes_ == nullptr) {
+std::vector<IngredientRecord> HistoryView::IngredientGridRows(SQLite::Database* recipes) const {
+  if (recipes == nullptr) {
     return {};
   }
-  std::vector<IngredientRecord> rows = ReadIngredients(*recipes_);
+  std::vector<IngredientRecord> rows = ReadIngredients(*recipes);
   if (show_active_only_) {
     std::erase_if(rows, [](const IngredientRecord& row) { return row.description.empty(); });
   }

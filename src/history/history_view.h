@@ -1,5 +1,6 @@
 #pragma once
 
+#include <exception>
 #include <functional>
 #include <string_view>
 #include <vector>
@@ -46,10 +47,12 @@ class HistoryView {
   HistoryView(const HistoryView&) = delete;
   HistoryView& operator=(const HistoryView&) = delete;
 
-  // Another transaction database is open: the grid shows the same group of it.
+  // Another transaction database is open: the grid shows the same group of it. Where the storage
+  // fails, throws DatabaseError and shows the old one still; runs no events.
   void SetTransactionDatabase(SQLite::Database& transactions);
-  // nullptr: none is open.
-  void SetRecipeDatabase(SQLite::Database* recipes) { recipes_ = recipes; }
+  // Another recipe database is open, nullptr: none; the ingredient columns take its names. The
+  // names of the picker stay until the tab is entered again. Throws like the above.
+  void SetRecipeDatabase(SQLite::Database* recipes);
   // `chkShowActiveIngsOnly`: the grid of ingredients lists the active ones only.
   void SetShowActiveIngredientsOnly(bool on) { show_active_only_ = on; }
 
@@ -79,6 +82,9 @@ class HistoryView {
   void TabChanged();
   void TabEntered();
 
+  // Tells a failure of reading Grid().
+  void TellFailure(const std::exception& failure);
+
   // While false a group is being set up: `grdTRANS` is hidden.
   bool GridVisible() const { return grid_visible_; }
   // For reading rows, columns, captions and the header strip; changes go through the view.
@@ -88,7 +94,7 @@ class HistoryView {
   bool Trapped(const std::function<void()>& action);
   void Refuse(std::string_view column);
   void SetUp(const DataGroup& group, const std::function<bool()>& wanted);
-  std::vector<IngredientRecord> IngredientGridRows();
+  std::vector<IngredientRecord> IngredientGridRows(SQLite::Database* recipes) const;
   void ShowGridVisible(bool visible);
   void Act(const std::function<void()>& action);
 
