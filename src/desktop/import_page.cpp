@@ -127,6 +127,10 @@ void ImportPage::ImportXFile() {
   Run([this] { session_.ImportXFile(); });
 }
 
+void ImportPage::ConfigureImportColumns() {
+  Run([this] { session_.ConfigureImportColumns(); });
+}
+
 void ImportPage::Prepare() {
   Run([this] { session_.EnterImportTab(); });
 }

@@ -49,6 +49,9 @@ class ImportPage : public MainTabPage, private ImportHost, private ProgressDispl
 
   const ImportSession& Session() const { return session_; }
 
+  // The ingredient columns by the names of the open recipe database.
+  void ConfigureImportColumns();
+
   // MainTabPage.
   void Prepare() override;
   void StripFocused() override;

@@ -36,6 +36,9 @@ class TransferTabs : private TransferDatabases, private ImportWindow {
   // The import on its tab: a transaction file is loaded once its FileName is set.
   const ImportSession& Import() const { return import_->Session(); }
 
+  // As entering the Export tab does.
+  void ConfigureImportColumns() { import_->ConfigureImportColumns(); }
+
   // For the end of the program.
   void CloseSerialPort() { krm_.KRM_ImmediateClose(); }
 

@@ -75,7 +75,17 @@ VrxMain::VrxMain(const Ports& ports)
                  .settings = ports.settings,
                  .identity = identity_,
                  .databases = databases_,
-                 .window = window_}) {
+                 .window = window_}),
+      history_({.op = ports.op,
+                .files = ports.files,
+                .system = ports.system,
+                .pump = ports.pump,
+                .app_folder = ports.app_folder,
+                .settings = ports.settings,
+                .identity = identity_,
+                .databases = databases_,
+                .window = window_,
+                .configure_import_columns = [this] { transfer_.ConfigureImportColumns(); }}) {
   Connect();
   SetHandlers();
   Load();

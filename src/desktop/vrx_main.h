@@ -7,6 +7,7 @@
 #include "database/lifecycle.h"
 #include "database/recent_databases.h"
 #include "desktop/desktop_context.h"
+#include "desktop/history_tabs.h"
 #include "desktop/main_form.h"
 #include "desktop/main_window.h"
 #include "desktop/transfer_tabs.h"
@@ -71,6 +72,7 @@ class VrxMain : public QObject, public MainForm {
   DatabaseLifecycle databases_;
   RecentDatabases recent_;
   TransferTabs transfer_;
+  HistoryTabs history_;
   bool first_paint_ = true;
 };
 

@@ -1,0 +1,98 @@
+#include "desktop/history_row_painter.h"
+
+#include <QFontMetrics>
+#include <QStyle>
+#include <QStyleOption>
+#include <QWidget>
+#include <cstddef>
+
+#include "desktop/form_parts.h"
+#include "desktop/qt_text.h"
+#include "history/history_column.h"
+
+namespace vrx {
+namespace {
+
+constexpr int kIndent = 2 * kSpacing;  // a level of groups
+constexpr int kMarkSize = 2 * kSpacing;
+constexpr int kCellMargin = kSpacing / 2;
+
+QColor Between(const QColor& one, const QColor& other) {
+  return QColor::fromRgbF((one.redF() + 3 * other.redF()) / 4,
+                          (one.greenF() + 3 * other.greenF()) / 4,
+                          (one.blueF() + 3 * other.blueF()) / 4);
+}
+
+void DrawText(QPainter& painter, const QRect& room, Qt::Alignment alignment, const QString& text,
+              const HistoryLook& look) {
+  painter.setFont(look.font);
+  painter.setPen(look.text);
+  const QFontMetrics metrics = painter.fontMetrics();
+  painter.drawText(room, static_cast<int>(alignment) | Qt::TextSingleLine,
+                   metrics.elidedText(text, Qt::ElideRight, room.width()));
+}
+
+}  // namespace
+
+HistoryRowPainter::HistoryRowPainter(const QWidget& view)
+    : view_(view),
+      styles_(view.palette()),
+      line_(Between(view.palette().color(QPalette::Text), view.palette().color(QPalette::Mid))) {
+  line_.setAlphaF(0.35F);
+}
+
+QRect HistoryRowPainter::MarkOf(int depth, const QRect& line) {
+  const int left = line.left() + kCellMargin + (depth - 1) * kIndent;
+  return {left, line.center().y() - kMarkSize / 2, kMarkSize, kMarkSize};
+}
+
+void HistoryRowPainter::Paint(QPainter& painter, const ShownRow& row, std::int64_t number,
+                              const QRect& area, const std::vector<ColumnSpan>& columns,
+                              bool selected) const {
+  const HistoryLook look = styles_.Row(row.kind, number, selected);
+  painter.fillRect(area, look.back);
+  if (row.kind == HistoryRowKind::kGroup) {
+    PaintGroup(painter, row, area, look);
+  } else {
+    for (const ColumnSpan& span : columns) {
+      PaintCell(painter, row, span, {span.left, area.top(), span.width, area.height()}, look,
+                selected);
+    }
+  }
+  painter.setPen(line_);
+  painter.drawLine(area.bottomLeft(), area.bottomRight());
+}
+
+void HistoryRowPainter::PaintGroup(QPainter& painter, const ShownRow& row, const QRect& area,
+                                   const HistoryLook& look) const {
+  QStyleOption mark;
+  mark.initFrom(&view_);
+  mark.rect = MarkOf(row.depth, area);
+  mark.state |= QStyle::State_Children;
+  mark.state.setFlag(QStyle::State_Open, row.open);
+  mark.palette.setColor(QPalette::Text, look.text);
+  mark.palette.setColor(QPalette::WindowText, look.text);
+  view_.style()->drawPrimitive(QStyle::PE_IndicatorBranch, &mark, &painter, &view_);
+  const QRect room = area.adjusted(mark.rect.right() + 1 + kCellMargin - area.left(), 0, 0, 0);
+  DrawText(painter, room, Qt::AlignLeft | Qt::AlignVCenter, ToQString(row.caption), look);
+}
+
+void HistoryRowPainter::PaintCell(QPainter& painter, const ShownRow& row, const ColumnSpan& span,
+                                  const QRect& cell, const HistoryLook& row_look,
+                                  bool selected) const {
+  const HistoryLook look = styles_.Cell(row.kind, span.column, row_look, selected);
+  if (look.back != row_look.back) {
+    painter.fillRect(cell, look.back);
+  }
+  const std::string& text = row.cells.at(static_cast<std::size_t>(span.column) - 1);
+  if (!text.empty()) {
+    const Qt::Alignment side =
+        HistoryColumnAt(span.column).right_aligned ? Qt::AlignRight : Qt::AlignLeft;
+    DrawText(painter, cell.adjusted(kCellMargin, 0, -kCellMargin, 0), side | Qt::AlignVCenter,
+             ToQString(text), look);
+  }
+  painter.setPen(line_);
+  painter.drawLine(cell.topRight(), cell.bottomRight());
+}
+
+}  // namespace vrx
