@@ -33,6 +33,7 @@ TransferTabs::TransferTabs(const Ports& ports)
   ports_.window.SetPage(kTabDataTransfer, data_transfer_);
   ports_.window.SetPage(kTabImport, import_);
   ports_.window.SetHandler(MainCommand::kImportTransactionFile, [this] { import_->ImportXFile(); });
+  ports_.window.SetHandler(MainCommand::kSetup, [this] { Setup(); });
 }
 
 // By what the views stand on: the path of a side may name a file that was not opened.
@@ -81,6 +82,48 @@ void TransferTabs::RecipesStored(int /*highest_in_use*/) {
       ports_.identity.GetDatabaseDate(bound.path, DateSelector::kModified);
   ports_.window.SetStatusPanel(DatabaseKind::kRecipe, kPanelModified,
                                modified ? DefaultText(*modified) : std::string());
+}
+
+// The form closes the port; a direct connection goes on behind it.
+void TransferTabs::Setup() {
+  if (setup_ != nullptr) {
+    return;
+  }
+  SetupForm form({.op = ports_.op,
+                  .system = ports_.system,
+                  .settings = ports_.settings,
+                  .krm = krm_,
+                  .data_folder = ports_.app_folder.DefaultAppPath(),
+                  .ini_file = ports_.app_folder.IniFilePath()},
+                 Facts(), &ports_.window);
+  setup_ = &form;
+  form.exec();
+  setup_ = nullptr;
+  if (!ports_.pump.Closing()) {
+    data_transfer_->ResumeDirectConnection();
+  }
+}
+
+SetupFacts TransferTabs::Facts() const {
+  const DatabaseLifecycle& databases = ports_.databases;
+  const CurrentDatabase& recipe = databases.Recipe();
+  const CurrentDatabase& transaction = databases.Transaction();
+  const TransFile& file = import_->Session().File();
+  return {.recipe_path = recipe.path.string(),
+          .recipe_unit = recipe.unit,
+          .transaction_path = transaction.path.string(),
+          .transaction_unit = transaction.unit,
+          .qxt_path = file.FilePath(),
+          .qxt_text = file.Text(),
+          .connections = BuildConnectionTexts(
+              ConnectionString(databases.Bound(DatabaseKind::kRecipe).path.string()),
+              ConnectionString(databases.Bound(DatabaseKind::kTransaction).path.string()))};
+}
+
+void TransferTabs::UnloadSetup() {
+  if (setup_ != nullptr) {
+    setup_->close();
+  }
 }
 
 }  // namespace vrx

@@ -7,6 +7,8 @@
 #include "desktop/import_page.h"
 #include "desktop/main_window.h"
 #include "desktop/qt_text_printer.h"
+#include "desktop/setup_form.h"
+#include "frame/folder.h"
 #include "link/krmcomm.h"
 #include "platform/serial_control.h"
 
@@ -24,6 +26,7 @@ class TransferTabs : private TransferDatabases, private ImportWindow {
     const SystemInfo& system;
     EventPump& pump;
     SerialControl& serial;
+    const Folder& app_folder;
     PrivateINI& settings;
     DatabaseIdentity& identity;
     DatabaseLifecycle& databases;
@@ -41,6 +44,7 @@ class TransferTabs : private TransferDatabases, private ImportWindow {
 
   // For the end of the program.
   void CloseSerialPort() { krm_.KRM_ImmediateClose(); }
+  void UnloadSetup();
 
  private:
   // TransferDatabases.
@@ -54,11 +58,16 @@ class TransferTabs : private TransferDatabases, private ImportWindow {
   void SelectTab(int tab) override { ports_.window.Tabs().SelectTab(tab); }
   void SaveTransactionDatabase() override { ports_.databases.SaveTransactionDatabase(); }
 
+  // `mnuToolsSetup`.
+  void Setup();
+  SetupFacts Facts() const;
+
   Ports ports_;
   KRMCOMM krm_;
   QtTextPrinter printer_;
   DataTransferPage* data_transfer_;
   ImportPage* import_;
+  SetupForm* setup_ = nullptr;  // while it is on show
 };
 
 }  // namespace vrx

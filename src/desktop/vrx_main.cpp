@@ -72,6 +72,7 @@ VrxMain::VrxMain(const Ports& ports)
                  .system = ports.system,
                  .pump = ports.pump,
                  .serial = ports.serial,
+                 .app_folder = ports.app_folder,
                  .settings = ports.settings,
                  .identity = identity_,
                  .databases = databases_,

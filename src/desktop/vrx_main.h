@@ -46,7 +46,7 @@ class VrxMain : public QObject, public MainForm {
   // MainForm.
   void Show() override { window_.show(); }
   void CloseSerialPort() override { transfer_.CloseSerialPort(); }
-  void UnloadSetup() override {}
+  void UnloadSetup() override { transfer_.UnloadSetup(); }
   std::optional<WindowPlace> Place() const override;
   RecentFile Recent(DatabaseKind kind) const override;
   void CloseRecipeDatabase() override { databases_.CloseRecipeDatabase(); }

@@ -1,0 +1,56 @@
+#pragma once
+
+#include <QComboBox>
+#include <QLabel>
+#include <QPushButton>
+#include <QWidget>
+#include <filesystem>
+
+#include "desktop/setup_port_list.h"
+#include "setup/module_setup.h"
+#include "setup/setup_controls.h"
+
+namespace vrx {
+
+// The tab "KRM Setup" of `SETUP`: the line to the module, and its commands.
+class SetupModuleTab : public QWidget {
+  Q_OBJECT
+
+ public:
+  // Everything outlives it.
+  struct Ports {
+    Operator& op;
+    PrivateINI& settings;
+    KRMCOMM& krm;
+    std::filesystem::path data_folder;
+  };
+
+  explicit SetupModuleTab(const Ports& ports, QWidget* parent = nullptr);
+
+  void Show(const SetupControls& controls);
+  void Take(SetupControls& controls) const;
+  void Survey() { ports_->Survey(); }
+
+  // The port is closed, so that the next command opens it with the settings of then.
+  void ResetLink() { module_.ResetLink(); }
+
+  // The form is closed.
+  void Abandon() { module_.Abandon(); }
+
+ private:
+  QWidget* MakeCommSetup();
+  QWidget* MakeCommands();
+  QPushButton* AddCommand(QWidget& frame, const char* name, const QString& caption,
+                          const QString& meaning, void (SetupModuleTab::*work)());
+  void TestKRM();
+  void ClearKRM();
+  void SetBaud();
+  void ShowStandby(bool shown);
+
+  ModuleSetup module_;
+  SetupPortList* ports_;
+  QComboBox* lst_baud_rate_;
+  QLabel* lbl_standby_;
+};
+
+}  // namespace vrx
