@@ -32,9 +32,12 @@ class BoxMaker {
   std::vector<Box> Run() {
     AddText(Plain(HeadingText(chapter_, number_, 0)), kChapterText, 0);
     EndHeading(Points(8));
+    const Block* before = nullptr;
     for (const Block& block : chapter_.blocks) {
       try {
+        KeepWith(before, block);
         Add(block);
+        before = &block;
       } catch (const Error& error) {
         throw Error(chapter_.file + ":" + std::to_string(block.line) + ": " + error.what());
       }
@@ -43,6 +46,23 @@ class BoxMaker {
   }
 
  private:
+  // What is announced stands on the page of its announcement: a list, a table, lines of code. A
+  // list does not leave its first item behind.
+  void KeepWith(const Block* before, const Block& block) {
+    if (before == nullptr) {
+      return;
+    }
+    const bool listed = block.kind == BlockKind::kBullet || block.kind == BlockKind::kNumbered;
+    const bool announced =
+        before->kind == BlockKind::kParagraph &&
+        (listed || block.kind == BlockKind::kTable || block.kind == BlockKind::kCode);
+    const bool second_item = listed && before->kind == block.kind && first_item_;
+    first_item_ = listed && before->kind != block.kind;
+    if (announced || second_item) {
+      boxes_.back().keeps_next = true;
+    }
+  }
+
   void Add(const Block& block) {
     switch (block.kind) {
       case BlockKind::kSection:
@@ -191,6 +211,7 @@ class BoxMaker {
                         .running_head = i == 1 ? nullptr : head});
     }
     boxes_.back().height += kParagraphGap;
+    boxes_.back().keeps_next = false;
   }
 
   const Chapter& chapter_;
@@ -199,6 +220,7 @@ class BoxMaker {
   const ChapterPages& pages_;
   int& figures_;
   int section_ = 0;
+  bool first_item_ = false;  // the block before began a list
   std::vector<Box> boxes_;
 };
 

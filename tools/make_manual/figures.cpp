@@ -1,7 +1,10 @@
 #include "make_manual/figures.h"
 
 #include <QAbstractButton>
+#include <QElapsedTimer>
+#include <QLabel>
 #include <QListWidget>
+#include <QPushButton>
 #include <QTimer>
 #include <array>
 
@@ -31,6 +34,9 @@ QImage Download(SampleProgram& program) {
   Click(program, "cmdDownloadRecipeToKRM");
   program.WillChoose("SITE.RDB");
   Click(program, "cmdOpenRecipeDB");
+  // Choosing a recipe database turns the other one's tabs off.
+  program.WillChoose("YARD.TDB");
+  program.Choose("mnuFileOpenTransactionDB");
   program.ShowTab(kTabDataTransfer);
   return WholeWindow(program);
 }
@@ -43,17 +49,44 @@ QImage Upload(SampleProgram& program) {
   return WholeWindow(program);
 }
 
-// The connection lives inside the click that begins it, so the picture is taken from within.
+// The connection lives inside the click that begins it, so the picture is taken from within, once
+// the records of a day have come over the cable.
 QImage Direct(SampleProgram& program) {
   program.ShowTab(kTabDataTransfer);
+  const auto& open = program.Find<QPushButton>("cmdOpenRecipeDB");
+  const auto& size = program.Find<QLabel>("lblMemorySize");
+  bool sent = false;
   QImage image;
-  QTimer::singleShot(0, &program.Window(), [&] {
-    Click(program, "cmdDownloadRecipeToKRM");
-    image = WholeWindow(program);
-    Click(program, "optConnection(0)");
+  QElapsedTimer elapsed;
+  elapsed.start();
+  QTimer events;
+  QObject::connect(&events, &QTimer::timeout, &program.Window(), [&] {
+    constexpr int kLongest = 20000;  // milliseconds; a machine under load is slow
+    if (!sent && open.text() == QStringLiteral("Load Memory...")) {
+      program.IndicatorSends("DAY7.QXT");
+      sent = true;
+    } else if (sent && size.text() != QStringLiteral("0")) {
+      Click(program, "cmdUploadDataFromKRM");
+      program.Find<QListWidget>("lstDataFiles").item(0)->setCheckState(Qt::Checked);
+      image = WholeWindow(program);
+    }
+    if (!image.isNull() || elapsed.hasExpired(kLongest)) {
+      events.stop();
+      Click(program, "optConnection(0)");
+    }
   });
+  events.start(0);
   Click(program, "optConnection(1)");
+  if (image.isNull()) {
+    throw Error("the direct connection did not come about");
+  }
   return image;
+}
+
+QImage Import(SampleProgram& program) {
+  program.WillChoose("DAY7.QXT");
+  program.Choose("mnuFileImportTransactionFile");
+  return WholeWindow(program);
 }
 
 // The order is that of the work, since some leave a tab as they filled it.
@@ -68,7 +101,7 @@ constexpr std::array kFigures = std::to_array<Figure>({
     {"pens", &Tab<kTabPens>},
     {"batched-fed", &Tab<kTabBatchedFed>},
     {"batched-fed-pen", &Tab<kTabBatchedFed>},
-    {"import", &Tab<kTabImport>},
+    {"import", &Import},
     {"export", &Tab<kTabExport>},
     {"setup-options", &Tab<kTabExport>},
     {"setup-krm", &Tab<kTabExport>},

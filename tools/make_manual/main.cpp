@@ -4,6 +4,7 @@
 //   make_manual CHAPTERS_FOLDER PROGRAM_DIRECTORY TARGET
 
 #include <QApplication>
+#include <QHashFunctions>
 #include <QLocale>
 #include <QStyleFactory>
 #include <QTemporaryDir>
@@ -110,6 +111,7 @@ int main(int argc, char** argv) {
   }
   const QTemporaryDir home;
   SetEnvironment(home.path().toLocal8Bit());
+  QHashSeed::setDeterministicGlobalSeed();  // the PDF lists its fonts by a hash
   const QApplication application(argc, argv);
   QApplication::setStyle(QStyleFactory::create(QStringLiteral("Fusion")));
   QApplication::setFont(QFont(QStringLiteral("DejaVu Sans"), 9));

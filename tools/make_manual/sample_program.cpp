@@ -22,6 +22,7 @@ namespace {
 namespace fs = std::filesystem;
 
 constexpr QSize kWindowSize{960, 660};
+constexpr std::size_t kLargestFile = 1U << 16U;
 const std::string kRecipeFile = "SITE.RDB";
 const std::string kTransactionFile = "YARD.TDB";
 
@@ -92,6 +93,8 @@ class SampleModule : public SerialControl {
       reply_ += memory + KRMConst::US;
     }
   }
+
+  void Arrives(const std::string& bytes) { reply_ += bytes; }
 
   std::string memory;
 
@@ -269,11 +272,14 @@ void SampleProgram::WillChoose(const std::string& site_file) {
 }
 
 void SampleProgram::ModuleHolds(const std::vector<std::string>& site_files) {
-  constexpr std::size_t kLargestFile = 1U << 16U;
   parts_->serial.memory.clear();
   for (const std::string& file : site_files) {
     parts_->serial.memory += ReadFileBytes(parts_->SiteFile(file), kLargestFile);
   }
+}
+
+void SampleProgram::IndicatorSends(const std::string& site_file) {
+  parts_->serial.Arrives(ReadFileBytes(parts_->SiteFile(site_file), kLargestFile));
 }
 
 void SampleProgram::Choose(const char* action) {

@@ -33,6 +33,9 @@ class SampleProgram {
   // What the data module on the serial port has in its memory.
   void ModuleHolds(const std::vector<std::string>& site_files);
 
+  // A file of the site comes over the cable, unasked.
+  void IndicatorSends(const std::string& site_file);
+
   // Triggers a command of the menus by its name and lets events run.
   void Choose(const char* action);
 
