@@ -35,6 +35,16 @@ QColor ToldColor(StatusColor color) {
   return {0, 0, 192};
 }
 
+// What an eye sees of a colour that lets the background through.
+QColor Laid(const QColor& color, const QColor& background) {
+  const auto mixed = [&](float above, float below) {
+    return below + (above - below) * static_cast<float>(color.alphaF());
+  };
+  return QColor::fromRgbF(mixed(color.redF(), background.redF()),
+                          mixed(color.greenF(), background.greenF()),
+                          mixed(color.blueF(), background.blueF()));
+}
+
 }  // namespace
 
 double ContrastRatio(const QColor& one, const QColor& other) {
@@ -61,6 +71,18 @@ QColor Readable(const QColor& color, const QColor& background, double contrast) 
 QColor StatusTextColor(StatusColor color, const QColor& background) {
   const QColor told = ToldColor(color);
   return IsDark(background) ? Readable(told, background, kTextContrast) : told;
+}
+
+QPalette WithReadableHints(QPalette palette) {
+  constexpr int kHalf = 128;
+  const QColor base = palette.color(QPalette::Base);
+  if (ContrastRatio(Laid(palette.color(QPalette::PlaceholderText), base), base) <
+      kGraphicsContrast) {
+    QColor hint = palette.color(QPalette::Text);
+    hint.setAlpha(kHalf);
+    palette.setColor(QPalette::PlaceholderText, hint);
+  }
+  return palette;
 }
 
 }  // namespace vrx

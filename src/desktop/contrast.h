@@ -1,6 +1,7 @@
 #pragma once
 
 #include <QColor>
+#include <QPalette>
 
 #include "platform/operator.h"
 
@@ -20,5 +21,9 @@ QColor Readable(const QColor& color, const QColor& background, double contrast);
 // The told colours of the status line: as they are on a light background, and as they can be read
 // on a dark one.
 QColor StatusTextColor(StatusColor color, const QColor& background);
+
+// A palette whose hints in empty fields can be read: some desktops tell the colours of a dark look
+// but for these, which then stay those of a light one. Nothing else of it is set.
+QPalette WithReadableHints(QPalette palette);
 
 }  // namespace vrx

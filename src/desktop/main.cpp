@@ -2,6 +2,7 @@
 #include <QIcon>
 
 #include "adapters/local_machine.h"
+#include "desktop/contrast.h"
 #include "desktop/desktop_program.h"
 #include "desktop/form_parts.h"
 #include "desktop/vrx_main.h"
@@ -12,6 +13,7 @@ int main(int argc, char** argv) {
   QApplication::setDesktopFileName(QStringLiteral("vrx2260"));
   QApplication::setQuitOnLastWindowClosed(false);
   QApplication::setWindowIcon(QIcon(vrx::kLogoPath));
+  QApplication::setPalette(vrx::WithReadableHints(QPalette()));
   const vrx::LinuxSystemInfo system;
   return vrx::DesktopProgram(system, vrx::MakeVrxMain).Run();
 }

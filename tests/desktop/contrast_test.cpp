@@ -43,5 +43,21 @@ TEST(StatusTextColor, KeepsItsHueOnADarkWindow) {
   EXPECT_EQ(StatusTextColor(StatusColor::kRed, window).hslHue() % 360, 0);
 }
 
+TEST(WithReadableHints, TakesTheTextsColourOnADarkDeskThatTellsNone) {
+  QPalette palette(Qt::white, Qt::black, Qt::white, Qt::black, Qt::gray, Qt::white, Qt::white,
+                   QColor(27, 30, 32), Qt::black);
+  palette.setColor(QPalette::PlaceholderText, QColor(0, 0, 0, 128));
+  const QColor hint = WithReadableHints(palette).color(QPalette::PlaceholderText);
+  EXPECT_EQ(hint, QColor(255, 255, 255, 128));
+}
+
+TEST(WithReadableHints, LeavesHintsThatCanBeRead) {
+  QPalette palette;
+  palette.setColor(QPalette::Base, Qt::white);
+  palette.setColor(QPalette::PlaceholderText, QColor(0, 0, 0, 128));
+  EXPECT_EQ(WithReadableHints(palette).color(QPalette::PlaceholderText), QColor(0, 0, 0, 128));
+  EXPECT_EQ(WithReadableHints(QPalette()).resolveMask(), QPalette().resolveMask());
+}
+
 }  // namespace
 }  // namespace vrx::testing
