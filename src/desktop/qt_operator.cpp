@@ -1,7 +1,10 @@
 #include "desktop/qt_operator.h"
 
 #include <QApplication>
+#include <QFontMetrics>
+#include <QGridLayout>
 #include <QMessageBox>
+#include <QSpacerItem>
 
 #include "desktop/qt_text.h"
 #include "frame/application.h"
@@ -50,6 +53,16 @@ Answer AnswerOf(int button) {
   }
 }
 
+// A box is as wide as its text; the title bar of a desktop would cut off a longer title.
+void MakeRoomForTitle(QMessageBox& box) {
+  constexpr int kBarButtons = 120;  // and the icon, in logical pixels
+  QFont bold = QApplication::font();
+  bold.setBold(true);
+  const int width = QFontMetrics(bold).horizontalAdvance(box.windowTitle()) + kBarButtons;
+  auto& grid = dynamic_cast<QGridLayout&>(*box.layout());
+  grid.addItem(new QSpacerItem(width, 0), grid.rowCount(), 0, 1, grid.columnCount());
+}
+
 }  // namespace
 
 Answer QtOperator::ShowMessage(const MessageBox& box) {
@@ -62,6 +75,7 @@ Answer QtOperator::ShowMessage(const MessageBox& box) {
   message.setTextFormat(Qt::PlainText);
   message.setText(ToScreenLines(box.text));
   message.setDetailedText(ToScreenLines(box.cause));
+  MakeRoomForTitle(message);
   const Answer answer = AnswerOf(message.exec());
   SetBusy(was_busy);
   return answer;

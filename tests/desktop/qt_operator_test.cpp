@@ -2,6 +2,7 @@
 
 #include <QAbstractButton>
 #include <QApplication>
+#include <QFontMetrics>
 #include <QMessageBox>
 #include <QSignalSpy>
 #include <optional>
@@ -20,6 +21,7 @@ struct ShownBox {
   QString text;
   QString details;
   Qt::TextFormat format = Qt::AutoText;
+  int width = 0;
 };
 
 class OperatorBoxes : public ::testing::Test {
@@ -29,7 +31,8 @@ class OperatorBoxes : public ::testing::Test {
     const NextModal modal([&](QWidget& widget) {
       auto& message = dynamic_cast<QMessageBox&>(widget);
       shown = {message.icon(), message.standardButtons(), message.windowTitle(),
-               message.text(), message.detailedText(),    message.textFormat()};
+               message.text(), message.detailedText(),    message.textFormat(),
+               message.width()};
       cursor = QApplication::overrideCursor() != nullptr;
       message.button(press)->click();
     });
@@ -53,6 +56,13 @@ TEST_F(OperatorBoxes, HasTitleTextIconAndCause) {
   EXPECT_EQ(shown.title, u"Fatal Error"_qs);
   EXPECT_EQ(shown.text, u"It failed."_qs);
   EXPECT_EQ(shown.details, u"the disk is full"_qs);
+}
+
+TEST_F(OperatorBoxes, IsWideEnoughForItsTitle) {
+  const std::string title = "Open Transaction File Error of some length";
+  Show({.title = title, .text = "x", .cause = "y"}, QMessageBox::Ok);
+  EXPECT_GT(shown.width,
+            QFontMetrics(QApplication::font()).horizontalAdvance(QString::fromStdString(title)));
 }
 
 TEST_F(OperatorBoxes, WithoutATitleBearsTheApplications) {
