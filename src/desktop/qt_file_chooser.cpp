@@ -3,7 +3,9 @@
 #include <QApplication>
 #include <QFileDialog>
 #include <QFileInfo>
+#include <QHeaderView>
 #include <QStringList>
+#include <QTreeView>
 
 #include "desktop/qt_text.h"
 
@@ -41,6 +43,16 @@ QStringList NameFilters(const std::string& filter) {
   return filters;
 }
 
+// Sizes and dates as wide as they are, names in what is left.
+void ShowWholeCells(QFileDialog& widget) {
+  constexpr QSize kOpeningSize{800, 520};
+  QHeaderView& columns = *widget.findChild<QTreeView*>(QStringLiteral("treeView"))->header();
+  columns.setSectionResizeMode(QHeaderView::ResizeToContents);
+  columns.setStretchLastSection(false);
+  columns.setSectionResizeMode(0, QHeaderView::Stretch);
+  widget.resize(kOpeningSize);
+}
+
 void SetUp(QFileDialog& widget, const FileDialog& dialog, const QString& last_folder) {
   widget.setObjectName(QStringLiteral("FileDialog"));
   widget.setWindowTitle(ToQString(dialog.title));
@@ -49,6 +61,7 @@ void SetUp(QFileDialog& widget, const FileDialog& dialog, const QString& last_fo
   widget.setNameFilters(NameFilters(dialog.filter));
   widget.setDefaultSuffix(ToQString(dialog.default_extension));
   widget.setDirectory(dialog.start_folder.empty() ? last_folder : ToQString(dialog.start_folder));
+  ShowWholeCells(widget);
 }
 
 // Empty after a cancel.

@@ -5,7 +5,9 @@
 #include <QFileDialog>
 #include <QLineEdit>
 #include <QMessageBox>
+#include <QTest>
 #include <QTimer>
+#include <QTreeView>
 #include <filesystem>
 #include <functional>
 #include <memory>
@@ -101,6 +103,24 @@ TEST_F(FileDialogs, HasTitleFolderAndFilters) {
   EXPECT_EQ(directory.toStdString(), folder.Path().string());
   EXPECT_EQ(filters,
             (QStringList{u"Transactions (*.QXT) (*.[qQ][xX][tT])"_qs, u"All Files (*.*) (*)"_qs}));
+}
+
+TEST_F(FileDialogs, CellsOfTheListAreShownWhole) {
+  bool listed = false;
+  const NextModal modal([&](QWidget& widget) {
+    auto& files = dynamic_cast<QFileDialog&>(widget);
+    auto& list = *files.findChild<QTreeView*>(u"treeView"_qs);
+    listed = QTest::qWaitFor([&] { return list.model()->rowCount(list.rootIndex()) == 1; });
+    for (int column = 0; column < list.model()->columnCount(); ++column) {
+      const QModelIndex cell = list.model()->index(0, column, list.rootIndex());
+      EXPECT_GT(list.visualRect(cell).width(),
+                list.fontMetrics().horizontalAdvance(cell.data().toString()))
+          << column;
+    }
+    files.reject();
+  });
+  chooser.ShowOpen(dialog);
+  EXPECT_TRUE(listed);
 }
 
 TEST_F(FileDialogs, FilterOfSeveralPatterns) {
