@@ -5,6 +5,7 @@
 #include <algorithm>
 #include <utility>
 
+#include "desktop/field_box.h"
 #include "desktop/qt_text.h"
 #include "frame/encoding.h"
 
@@ -85,13 +86,8 @@ void FilteredEdit::keyPressEvent(QKeyEvent* event) {
 
 void FilteredEdit::focusOutEvent(QFocusEvent* event) {
   QLineEdit::focusOutEvent(event);
-  switch (event->reason()) {
-    case Qt::ActiveWindowFocusReason:
-    case Qt::PopupFocusReason:
-    case Qt::MenuBarFocusReason:
-      break;
-    default:
-      Q_EMIT Left();
+  if (LeavesField(*event)) {
+    Q_EMIT Left();
   }
 }
 

@@ -1,5 +1,6 @@
 #include "desktop/record_id_list.h"
 
+#include <QAbstractItemView>
 #include <QKeyEvent>
 #include <QWheelEvent>
 #include <string>
@@ -16,6 +17,7 @@ RecordIdList::RecordIdList(const QString& name, int records, QWidget* parent) : 
   setMinimumContentsLength(kCharacters);
   constexpr int kItemsInView = 20;
   setMaxVisibleItems(kItemsInView);
+  view()->setAccessibleName(QStringLiteral("ID Number"));
   addItem(QString());
   for (int id = 1; id <= records; ++id) {
     addItem(ToQString(FormatIdPrefix(id)));

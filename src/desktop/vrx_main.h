@@ -10,6 +10,7 @@
 #include "desktop/history_tabs.h"
 #include "desktop/main_form.h"
 #include "desktop/main_window.h"
+#include "desktop/record_tabs.h"
 #include "desktop/transfer_tabs.h"
 #include "frame/folder.h"
 #include "frame/general_delay.h"
@@ -71,6 +72,7 @@ class VrxMain : public QObject, public MainForm {
   DatabaseIdentity identity_;
   DatabaseLifecycle databases_;
   RecentDatabases recent_;
+  RecordTabs records_;
   TransferTabs transfer_;
   HistoryTabs history_;
   bool first_paint_ = true;

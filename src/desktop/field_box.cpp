@@ -1,0 +1,54 @@
+#include "desktop/field_box.h"
+
+#include "desktop/main_window_layout.h"
+
+namespace vrx {
+namespace {
+
+FilteredEdit* MakeBox(FilteredEdit::Filter filter, std::size_t limit, const char* name,
+                      QWidget* parent) {
+  auto* const box = new FilteredEdit(std::move(filter), static_cast<int>(limit), parent);
+  box->setObjectName(QString::fromLatin1(name));
+  box->setFixedWidth(WidthFor(*box, limit));
+  return box;
+}
+
+}  // namespace
+
+bool LeavesField(const QFocusEvent& event) {
+  return event.reason() != Qt::ActiveWindowFocusReason && event.reason() != Qt::PopupFocusReason &&
+         event.reason() != Qt::MenuBarFocusReason;
+}
+
+int WidthFor(const QWidget& box, std::size_t characters) {
+  const int character = box.fontMetrics().horizontalAdvance(QLatin1Char('M'));
+  return static_cast<int>(characters) * character + kGroupSpacing;
+}
+
+FilteredEdit* MakeFieldBox(const RecordField& field, const char* name, QWidget* parent) {
+  return MakeBox(
+      [filter = field.filter](std::string_view /*text*/, int key) { return filter(key); },
+      field.limit, name, parent);
+}
+
+FilteredEdit* MakeNameBox(const RecordField& field, const char* name,
+                          AutoAbbreviation& abbreviation, QWidget* parent) {
+  FilteredEdit* const box = MakeFieldBox(field, name, parent);
+  QObject::connect(box, &QLineEdit::textChanged, box,
+                   [&abbreviation] { abbreviation.NameChanged(); });
+  return box;
+}
+
+FilteredEdit* MakeDescriptionBox(const char* name, AutoAbbreviation& abbreviation,
+                                 QWidget* parent) {
+  FilteredEdit* const box =
+      MakeBox([&abbreviation](std::string_view text,
+                              int key) { return abbreviation.DescriptionKey(key, text.size()); },
+              kDescriptionLimit, name, parent);
+  QObject::connect(box, &FilteredEdit::Backspace, box, [&abbreviation, box] {
+    abbreviation.DescriptionKey(kBackspaceKey, static_cast<std::size_t>(box->text().size()));
+  });
+  return box;
+}
+
+}  // namespace vrx

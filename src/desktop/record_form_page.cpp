@@ -1,0 +1,361 @@
+#include "desktop/record_form_page.h"
+
+#include <QHBoxLayout>
+#include <QTimer>
+#include <QVBoxLayout>
+#include <utility>
+
+#include "desktop/caption_pass.h"
+#include "desktop/field_box.h"
+#include "desktop/main_window_layout.h"
+#include "desktop/qt_text.h"
+#include "feed/edit_event.h"
+#include "frame/text.h"
+
+namespace vrx {
+namespace {
+
+constexpr int kIdCaption = 1054;
+constexpr int kDescriptionCaption = 1055;  // not in the table: the label keeps its own text
+constexpr int kNameCaption = 1056;
+
+constexpr std::string_view kName = "Name";
+constexpr std::string_view kDescription = "Description";
+// Their columns in the grid of either kind.
+constexpr std::size_t kNameColumn = 1;
+constexpr std::size_t kDescriptionColumn = 2;
+
+int TargetOf(NavigateButton button, int position, int count) {
+  switch (button) {
+    case kNavigateFirst:
+      return 1;
+    case kNavigatePrevious:
+      return position < 2 ? count : position - 1;
+    case kNavigateNext:
+      return position == count ? 1 : position + 1;
+    case kNavigateLast:
+      break;
+  }
+  return count;
+}
+
+QCheckBox* AddCheckBox(QWidget* page, const char* name, const QString& caption) {
+  auto* const box = new QCheckBox(caption, page);
+  box->setObjectName(QString::fromLatin1(name));
+  return box;
+}
+
+void SetIfOther(FilteredEdit& box, std::string_view text) {
+  const QString shown = ToQString(text);
+  if (box.text() != shown) {
+    box.setText(shown);
+  }
+}
+
+}  // namespace
+
+RecordFormPage::RecordFormPage(const RecordPorts& ports, const Design& design, QWidget* parent)
+    : RecordPage(parent), ports_(ports), design_(design), traits_(TraitsOf(design.kind)) {
+  setObjectName(QString::fromLatin1(design.page));
+  MakeControls();
+  LayOut();
+  Connect();
+}
+
+void RecordFormPage::MakeControls() {
+  id_list_ = new RecordIdList(QString::fromLatin1(design_.id_list), traits_.count, this);
+  name_ = MakeNameBox(FieldOf(design_.kind, kName), design_.name, ports_.abbreviation, this);
+  description_ = MakeDescriptionBox(design_.description, ports_.abbreviation, this);
+  number_ = MakeFieldBox(FieldOf(design_.kind, design_.number_field), design_.number, this);
+  number_->setAlignment(Qt::AlignRight);
+  view_all_ = AddCheckBox(this, design_.view_all, design_.view_all_caption);
+  view_all_->setChecked(true);
+  active_only_ = AddCheckBox(this, design_.active_only, design_.active_only_caption);
+  grid_ = new RecordListGrid(design_.kind, QString::fromLatin1(design_.grid), design_.columns,
+                             design_.empty_grid, this);
+  grid_->setAccessibleName(view_all_->text());
+}
+
+QLabel* RecordFormPage::Caption(const char* name, int caption, QWidget* buddy) {
+  QLabel* const label = AddLabel(*this, name, caption);
+  label->setBuddy(buddy);
+  return label;
+}
+
+void RecordFormPage::LayOut() {
+  form_ = new QGridLayout;
+  form_->setHorizontalSpacing(kSpacing);
+  form_->setVerticalSpacing(kSpacing);
+  constexpr int kGap = kFreeColumn - 1;
+  constexpr int kRest = 99;
+  form_->setColumnMinimumWidth(kGap, 2 * kGroupSpacing);
+  form_->setColumnStretch(kRest, 1);
+  QLabel* const description = Caption("lblDescription", kDescriptionCaption, description_);
+  description->setText(QStringLiteral("Description"));
+  form_->addWidget(Caption("lblID", kIdCaption, id_list_), kIdRow, 0);
+  form_->addWidget(id_list_, kIdRow, 1);
+  form_->addWidget(Caption("lblName", kNameCaption, name_), kNameRow, 0);
+  form_->addWidget(name_, kNameRow, 1, Qt::AlignLeft);
+  form_->addWidget(description, kDescriptionRow, 0);
+  form_->addWidget(description_, kDescriptionRow, 1, Qt::AlignLeft);
+  form_->addWidget(Caption("lblNumber", design_.number_caption, number_), kNumberRow, 0);
+  number_row_ = new QHBoxLayout;
+  number_row_->setSpacing(kSpacing);
+  number_row_->addWidget(number_);
+  form_->addLayout(number_row_, kNumberRow, 1, Qt::AlignLeft);
+
+  auto* const choices = new QHBoxLayout;
+  choices->setSpacing(kGroupSpacing);
+  choices->addWidget(view_all_);
+  choices->addWidget(active_only_);
+  choices->addStretch();
+  auto* const list = new QVBoxLayout;
+  list->setSpacing(kSpacing);
+  list->addLayout(choices);
+  list->addWidget(grid_, 1);
+  auto* const page = new QVBoxLayout(this);
+  page->setContentsMargins(kGroupSpacing, kGroupSpacing, kGroupSpacing, kGroupSpacing);
+  page->setSpacing(kGroupSpacing);
+  page->addLayout(form_);
+  page->addLayout(list, 1);
+}
+
+void RecordFormPage::Connect() {
+  connect(id_list_, &QComboBox::activated, this, &RecordFormPage::ChooseItem);
+  connect(id_list_, &RecordIdList::Typed, description_, [this] { description_->setFocus(); });
+  connect(name_, &FilteredEdit::Left, this, &RecordFormPage::LeaveName);
+  connect(description_, &FilteredEdit::Left, this, &RecordFormPage::LeaveDescription);
+  connect(number_, &FilteredEdit::Left, this, &RecordFormPage::LeaveNumber);
+  const auto beep = [this] { BeepIfEnabled(ports_.feed.op, ports_.feed.settings); };
+  for (FilteredEdit* const box : {name_, description_, number_}) {
+    connect(box, &FilteredEdit::Refused, this, beep);
+  }
+  connect(grid_, &RecordListGrid::Refused, this, beep);
+  connect(grid_, &RecordListGrid::RowChosen, this, &RecordFormPage::ChooseRow);
+  connect(
+      &grid_->Model(), &RecordListModel::Typed, this,
+      [this](int /*id*/, const std::string& field, const QString& text) { RowTyped(field, text); });
+  connect(view_all_, &QCheckBox::toggled, grid_, &QWidget::setVisible);
+  connect(active_only_, &QCheckBox::toggled, this, &RecordFormPage::RefreshGrid);
+}
+
+// What the page stands on.
+
+void RecordFormPage::Rebind(DatabaseKind kind, const BoundDatabase& database) {
+  if (kind != DatabaseKind::kRecipe) {
+    return;
+  }
+  database_ = database.connection.get();
+  blank_ = database.blank;
+  read_only_ = !database.read_only_note.empty();
+  ShowReadOnly(ToQString(database.read_only_note));
+  FillIdList();
+  GoTo(1);
+  RefreshGrid();
+  CameToAnother();
+}
+
+void RecordFormPage::ShowReadOnly(const QString& reason) {
+  for (FilteredEdit* const box : {name_, description_, number_}) {
+    box->setReadOnly(!reason.isEmpty());
+    box->setToolTip(reason);
+  }
+  grid_->Model().SetReadOnly(!reason.isEmpty());
+}
+
+void RecordFormPage::FillIdList() {
+  for (const RecordRow& row : ReadRows(false)) {
+    const bool active = !row.cells.at(kDescriptionColumn).isEmpty();
+    id_list_->SetItem(row.id, active ? row.cells.at(kNameColumn).toStdString() : std::string());
+    ports_.record_loaded();
+  }
+}
+
+void RecordFormPage::LoadIdLists() {
+  grid_->hide();
+  FillIdList();
+  GoTo(1);
+  grid_->setVisible(view_all_->isChecked());
+}
+
+void RecordFormPage::Prepare() {
+  GoTo(1);
+  RefreshGrid();
+}
+
+// The position.
+
+void RecordFormPage::GoTo(int position) {
+  if (database_ != nullptr && position > 0 && Show(position)) {
+    ShowAllRecords();
+    grid_->Select(position_);
+  }
+}
+
+bool RecordFormPage::Show(int position) {
+  const bool read = HandleEditEvent(ports_.feed.op, [&] { ReadRecord(position); });
+  const bool another = read && position != position_;
+  position_ = read ? position : position_;
+  id_list_->setCurrentIndex(position_);
+  grid_->Select(position_);
+  if (another) {
+    CameToAnother();
+  }
+  if (read) {
+    Q_EMIT Moved(Position());
+  }
+  return read;
+}
+
+// The blank item is no choice.
+void RecordFormPage::ChooseItem(int list_index) {
+  if (list_index == 0) {
+    id_list_->setCurrentIndex(position_);
+    return;
+  }
+  GoTo(list_index);
+}
+
+// The list of the active records stays: its rows are found by their ID.
+void RecordFormPage::ChooseRow(int id) { Show(id); }
+
+void RecordFormPage::Navigate(NavigateButton button) {
+  if (Commit()) {
+    GoTo(TargetOf(button, position_, traits_.count));
+    RefreshGrid();
+  }
+}
+
+// What the focus leaves.
+
+std::string RecordFormPage::Left(std::string_view field, std::string_view text) const {
+  return FieldOf(design_.kind, field).leave(text);
+}
+
+// Stores an empty name, too, and then returns what the operator is told.
+std::string RecordFormPage::StoreName() {
+  std::string refusal;
+  std::string left;
+  try {
+    left = Left(kName, NameText());
+  } catch (const FieldRefusal& failure) {
+    refusal = failure.what();
+  }
+  SetIfOther(*name_, left);
+  id_list_->SetItem(position_, left);
+  Commit();
+  return refusal;
+}
+
+void RecordFormPage::TellFieldError(const std::string& text) {
+  ports_.feed.op.ShowMessage(
+      {.icon = Icon::kCritical, .title = std::string(kFieldErrorTitle), .text = text});
+  if (name_->isVisible() && name_->isEnabled()) {
+    name_->setFocus();
+  }
+}
+
+void RecordFormPage::LeaveName() {
+  if (!MayWrite()) {
+    return;
+  }
+  const std::string refusal = StoreName();
+  if (!refusal.empty()) {
+    TellFieldError(refusal);
+  }
+}
+
+// The item keeps the old name until the name box is left.
+void RecordFormPage::LeaveDescription() {
+  if (!MayWrite()) {
+    return;
+  }
+  SetIfOther(*description_, Left(kDescription, DescriptionText()));
+  id_list_->SetItem(position_, NameText());
+  if (const auto name = ports_.abbreviation.LeaveDescription(
+          DescriptionText(), ports_.feed.settings.AutoAbbreviateOn())) {
+    SetIfOther(*name_, *name);
+  }
+  Commit();
+}
+
+void RecordFormPage::LeaveNumber() {
+  if (MayWrite()) {
+    SetIfOther(*number_, Left(design_.number_field, NumberText()));
+    Commit();
+  }
+}
+
+// A row is stored with each of its cells. The box about a missing name waits until the grid is done
+// with the cell.
+void RecordFormPage::RowTyped(const std::string& field, const QString& text) {
+  if (!MayWrite()) {
+    return;
+  }
+  if (field == kName) {
+    name_->setText(text);
+  } else {
+    FilteredEdit& box = field == kDescription ? *description_ : *number_;
+    SetIfOther(box, Left(field, text.toStdString()));
+  }
+  if (description_->text().isEmpty()) {
+    description_->setText(name_->text());
+  }
+  const std::string refusal = StoreName();
+  if (!refusal.empty()) {
+    QTimer::singleShot(0, this, [this, refusal] { TellFieldError(refusal); });
+  }
+}
+
+// What is stored.
+
+bool RecordFormPage::Commit() {
+  if (!MayWrite()) {
+    return true;
+  }
+  bool changed = false;
+  if (!HandleEditEvent(ports_.feed.op, [&] { changed = StoreRecordOnShow(); })) {
+    return false;
+  }
+  if (changed) {
+    ports_.record_changed();
+  }
+  RefreshGrid();
+  Stored();
+  return true;
+}
+
+void RecordFormPage::RefreshGrid() {
+  if (database_ != nullptr) {
+    HandleEditEvent(ports_.feed.op,
+                    [this] { grid_->Show(ReadRows(active_only_->isChecked()), position_); });
+  }
+}
+
+void RecordFormPage::CancelRecord() {
+  GoTo(position_);
+  RefreshGrid();
+  Stored();
+}
+
+void RecordFormPage::DefaultRecord() {
+  const ResetOutcome outcome = AskAndReset(*database_, design_.kind, position_, ports_.feed);
+  if (outcome == ResetOutcome::kReset) {
+    ports_.record_changed();
+  }
+  if (outcome != ResetOutcome::kNotReset) {
+    GoTo(position_);
+    RefreshGrid();
+    id_list_->SetItem(position_);
+  }
+  AnsweredDefault(outcome);
+}
+
+void RecordFormPage::ShowTexts(std::string_view name, std::string_view description,
+                               std::string_view number) {
+  SetIfOther(*name_, name);
+  SetIfOther(*description_, description);
+  SetIfOther(*number_, number);
+}
+
+}  // namespace vrx

@@ -1,0 +1,139 @@
+#pragma once
+
+#include <QCheckBox>
+#include <QGridLayout>
+#include <QLabel>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "desktop/filtered_edit.h"
+#include "desktop/record_id_list.h"
+#include "desktop/record_list_grid.h"
+#include "desktop/record_page.h"
+#include "feed/record_kind.h"
+#include "feed/record_reset.h"
+
+namespace vrx {
+
+// The page of a kind of record that is one form: an ID list, name, description and a number in
+// boxes, and below them the grid of all records of the kind.
+//
+// A box is stored when the focus leaves it, and what it holds by then is in the file. What could
+// not be stored stays in its box.
+class RecordFormPage : public RecordPage {
+  Q_OBJECT
+
+ public:
+  void Prepare() override;
+  void Rebind(DatabaseKind kind, const BoundDatabase& database) override;
+  void ReleaseViews() override { database_ = nullptr; }
+  void LoadIdLists() override;
+
+  void UpdateRecord() override { Commit(); }
+  void CancelRecord() override;
+  void DefaultRecord() override;
+  void Navigate(NavigateButton button) override;
+  void GoTo(int position) override;
+  int Position() const override { return database_ == nullptr || blank_ ? 0 : position_; }
+
+ protected:
+  // The names of a kind's controls, and what is told of them.
+  struct Design {
+    RecordKind kind;
+    const char* page;
+    const char* id_list;
+    const char* name;
+    const char* description;
+    const char* number;
+    std::string_view number_field;
+    int number_caption;  // of the caption table
+    const char* view_all;
+    QString view_all_caption;
+    const char* active_only;
+    QString active_only_caption;
+    const char* grid;
+    std::vector<RecordColumn> columns;
+    QString empty_grid;
+  };
+
+  RecordFormPage(const RecordPorts& ports, const Design& design, QWidget* parent);
+
+  // The part of a kind. The first three throw.
+  //
+  // Shows a record in its boxes.
+  virtual void ReadRecord(int id) = 0;
+  // Stores what the boxes hold, and shows what came of it. Returns whether the file had to change.
+  virtual bool StoreRecordOnShow() = 0;
+  virtual std::vector<RecordRow> ReadRows(bool active_only) = 0;
+  // The record on show was stored, or read anew.
+  virtual void Stored() {}
+  // The record on show is another one, or one of another database.
+  virtual void CameToAnother() {}
+  // The operator has answered the question of `Default`.
+  virtual void AnsweredDefault(ResetOutcome /*outcome*/) {}
+  // The file may not be written, for that reason; or it may again, for none.
+  virtual void ShowReadOnly(const QString& reason);
+
+  const RecordPorts& Ports() const { return ports_; }
+  bool HasDatabase() const { return database_ != nullptr; }
+  SQLite::Database& Database() const { return *database_; }
+  int Id() const { return position_; }
+  QGridLayout& FormLayout() const { return *form_; }
+  QBoxLayout& NumberRow() const { return *number_row_; }
+  RecordListGrid& Grid() const { return *grid_; }
+  bool MayWrite() const { return Position() != 0 && !read_only_; }
+
+  // Rows of FormLayout.
+  enum FormRow { kIdRow, kNameRow, kDescriptionRow, kNumberRow };
+  // Its first column that the kind may use.
+  static constexpr int kFreeColumn = 3;
+
+  std::string NameText() const { return name_->Text(); }
+  std::string DescriptionText() const { return description_->Text(); }
+  std::string NumberText() const { return number_->Text(); }
+  void ShowTexts(std::string_view name, std::string_view description, std::string_view number);
+
+  // False: that failed, and was told.
+  bool Commit();
+  void RefreshGrid();
+  bool ActiveOnly() const { return active_only_->isChecked(); }
+  void ShowAllRecords() { active_only_->setChecked(false); }
+  QLabel* Caption(const char* name, int caption, QWidget* buddy);
+
+ private:
+  void MakeControls();
+  void LayOut();
+  void Connect();
+  std::string StoreName();
+  void TellFieldError(const std::string& text);
+  void LeaveName();
+  void LeaveDescription();
+  void LeaveNumber();
+  void RowTyped(const std::string& field, const QString& text);
+  void ChooseItem(int list_index);
+  void ChooseRow(int id);
+  bool Show(int position);
+  std::string Left(std::string_view field, std::string_view text) const;
+  void FillIdList();
+
+  RecordPorts ports_;
+  const Design design_;
+  const RecordKindTraits& traits_;
+  SQLite::Database* database_ = nullptr;
+  bool blank_ = true;
+  bool read_only_ = false;
+  int position_ = 1;
+
+  RecordIdList* id_list_ = nullptr;
+  FilteredEdit* name_ = nullptr;
+  FilteredEdit* description_ = nullptr;
+  FilteredEdit* number_ = nullptr;
+  QCheckBox* view_all_ = nullptr;
+  QCheckBox* active_only_ = nullptr;
+  RecordListGrid* grid_ = nullptr;
+  QGridLayout* form_ = nullptr;
+  QBoxLayout* number_row_ = nullptr;
+};
+
+}  // namespace vrx

@@ -1,0 +1,98 @@
+#pragma once
+
+#include <QAbstractTableModel>
+#include <QTableView>
+#include <string>
+#include <vector>
+
+#include "feed/record_kind.h"
+
+namespace vrx {
+
+// A column of a grid of records. One that can be typed into is filtered as the form's box of that
+// field.
+struct RecordColumn {
+  std::string field;  // of the database
+  QString caption;
+  bool number = false;
+  bool typed = false;
+};
+
+struct RecordRow {
+  int id = 0;
+  std::vector<QString> cells;  // by column
+};
+
+class RecordListModel : public QAbstractTableModel {
+  Q_OBJECT
+
+ public:
+  explicit RecordListModel(std::vector<RecordColumn> columns, QObject* parent = nullptr);
+
+  // The view keeps its place while the records are the same ones.
+  void Show(std::vector<RecordRow> rows);
+  void SetCaption(const std::string& field, const QString& caption);
+  void SetReadOnly(bool read_only) { read_only_ = read_only; }
+
+  const RecordColumn& Column(int column) const {
+    return columns_.at(static_cast<std::size_t>(column));
+  }
+  int IdOf(int row) const { return rows_.at(static_cast<std::size_t>(row)).id; }
+  int RowOf(int id) const;  // -1 for a record that is not shown
+
+  int rowCount(const QModelIndex& parent = {}) const override;
+  int columnCount(const QModelIndex& parent = {}) const override;
+  QVariant data(const QModelIndex& index, int role) const override;
+  QVariant headerData(int section, Qt::Orientation orientation, int role) const override;
+  Qt::ItemFlags flags(const QModelIndex& index) const override;
+
+  // Changes nothing by itself: Typed tells, and whoever stores it shows the rows anew.
+  bool setData(const QModelIndex& index, const QVariant& value, int role) override;
+
+ Q_SIGNALS:
+  // A cell was left with another text.
+  void Typed(int id, const std::string& field, const QString& text);
+
+ private:
+  std::vector<RecordColumn> columns_;
+  std::vector<RecordRow> rows_;
+  bool read_only_ = false;
+};
+
+// `grdING` or `grdPEN`: the records of a kind, row by row.
+class RecordListGrid : public QTableView {
+  Q_OBJECT
+
+ public:
+  // `empty_text` stands in a grid without rows.
+  RecordListGrid(RecordKind kind, const QString& name, std::vector<RecordColumn> columns,
+                 QString empty_text, QWidget* parent = nullptr);
+
+  RecordListModel& Model() const { return *model_; }
+
+  // Shows these rows and stands on that record, where it is among them.
+  void Show(std::vector<RecordRow> rows, int id);
+  void Select(int id);
+
+ Q_SIGNALS:
+  // The operator has come to the row of another record.
+  void RowChosen(int id);
+
+  // A key was dropped.
+  void Refused();
+
+ protected:
+  void paintEvent(QPaintEvent* event) override;
+  void currentChanged(const QModelIndex& current, const QModelIndex& previous) override;
+
+ private:
+  class CellDelegate;
+
+  void SizeColumns();
+
+  RecordListModel* model_;
+  QString empty_text_;
+  bool by_program_ = false;
+};
+
+}  // namespace vrx

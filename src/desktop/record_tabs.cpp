@@ -1,0 +1,108 @@
+#include "desktop/record_tabs.h"
+
+#include <vector>
+
+#include "desktop/ingredients_page.h"
+#include "desktop/pens_page.h"
+#include "desktop/recipes_page.h"
+#include "frame/status_panels.h"
+
+namespace vrx {
+
+RecordTabs::RecordTabs(const Ports& ports) : ports_(ports) {
+  const QPointer<RecipesPage> recipes = new RecipesPage(PagePorts());
+  const QPointer<PensPage> pens = new PensPage(PagePorts());
+  Add(kTabIngredients,
+      new IngredientsPage(
+          PagePorts(),
+          {.batch_type_on_show = [recipes] { return recipes ? recipes->BatchTypeOnShow() : ""; },
+           .go_to =
+               [recipes](int position) {
+                 if (recipes) {
+                   recipes->GoTo(position);
+                 }
+               }}));
+  Add(kTabRecipes, recipes);
+  Add(kTabPens, pens);
+  recipes->SetPenRows([pens] { return pens ? pens->PensShown() : std::vector<PenRecord>(); });
+  connect(pens, &PensPage::PenCapacityChecked, recipes, &RecipesPage::CheckPenCapacity);
+  ports_.window.Panels().PicAction().SetHandler([this](int button) { Act(button); });
+  ports_.window.Panels().PicNavigate().SetHandler([this](int button) { Navigate(button); });
+}
+
+RecordTabs::~RecordTabs() {
+  for (const QPointer<RecordPage>& page : pages_) {
+    if (page) {
+      page->ReleaseViews();
+    }
+  }
+}
+
+RecordPorts RecordTabs::PagePorts() {
+  return {.feed = ports_.feed,
+          .delay = ports_.delay,
+          .abbreviation = abbreviation_,
+          .record_loaded = [this] { CountLoaded(); },
+          .record_changed = [this] { TellUndated(); }};
+}
+
+void RecordTabs::Add(int tab, RecordPage* page) {
+  pages_.at(static_cast<std::size_t>(tab)) = page;
+  ports_.window.SetPage(tab, page);
+  connect(page, &RecordPage::Moved, this, [this, page](int position) {
+    if (page == PageOnShow()) {
+      ports_.window.Panels().ShowRecordNumber(position);
+    }
+  });
+  connect(page, &RecordPage::CancelAllowed, this, [this](bool allowed) {
+    ports_.window.Panels().PicAction().Button(kActionCancel).setEnabled(allowed);
+  });
+}
+
+RecordPage* RecordTabs::PageOnShow() const {
+  const auto tab = static_cast<std::size_t>(ports_.window.Tabs().TabOnShow());
+  return tab < pages_.size() ? pages_[tab] : nullptr;
+}
+
+void RecordTabs::Act(int button) {
+  RecordPage* const page = PageOnShow();
+  if (page == nullptr || page->Position() == 0) {
+    return;
+  }
+  switch (button) {
+    case kActionUpdate:
+      page->UpdateRecord();
+      break;
+    case kActionCancel:
+      page->CancelRecord();
+      break;
+    default:
+      page->DefaultRecord();
+  }
+}
+
+void RecordTabs::Navigate(int button) {
+  RecordPage* const page = PageOnShow();
+  if (page != nullptr && page->Position() != 0) {
+    page->Navigate(static_cast<NavigateButton>(button));
+  }
+}
+
+// The name's panel shows that the lists are being loaded.
+void RecordTabs::CountLoaded() {
+  constexpr int kRecordsPerText = 20;
+  if (++loaded_ % kRecordsPerText == 0) {
+    const bool loading = loaded_ / kRecordsPerText % 2 == 0;
+    ports_.window.SetStatusPanel(DatabaseKind::kRecipe, kPanelName,
+                                 loading ? "Standby... Loading" : "Standby...");
+  }
+}
+
+// After a Save As the database on show has no path, and no change of it can be dated by that.
+void RecordTabs::TellUndated() {
+  if (ports_.databases.Recipe().path.empty()) {
+    ports_.databases.TouchRecipeDatabase();
+  }
+}
+
+}  // namespace vrx
