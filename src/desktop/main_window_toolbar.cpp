@@ -1,5 +1,8 @@
 #include "desktop/main_window_toolbar.h"
 
+#include <QApplication>
+#include <QCursor>
+#include <QEvent>
 #include <QHBoxLayout>
 #include <QMenu>
 #include <QToolButton>
@@ -62,6 +65,14 @@ constexpr std::array kToolButtons = std::to_array<ToolButton>({
 constexpr int kTransferCaption = 1118;
 constexpr int kIconSize = 24;  // logical pixels
 
+// A button whose list is open does not see the pointer leave, and would stay raised.
+void CatchUpWithPointer(QWidget& button) {
+  if (!button.rect().contains(button.mapFromGlobal(QCursor::pos()))) {
+    QEvent leave(QEvent::Leave);
+    QApplication::sendEvent(&button, &leave);
+  }
+}
+
 }  // namespace
 
 std::span<const ToolButton> ToolButtons() { return kToolButtons; }
@@ -100,7 +111,11 @@ void MainToolBar::AddButton(const ToolButton& button, CommandActions& actions) {
     action->setMenu(items);
   }
   addAction(action);
-  widgetForAction(action)->setObjectName(ToQString(button.key));
+  QWidget* const widget = widgetForAction(action);
+  widget->setObjectName(ToQString(button.key));
+  if (QMenu* const items = action->menu(); items != nullptr) {
+    connect(items, &QMenu::aboutToHide, widget, [widget] { CatchUpWithPointer(*widget); });
+  }
   actions.Add(button.key, button.command, *action);
 }
 

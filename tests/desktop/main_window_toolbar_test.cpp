@@ -1,6 +1,9 @@
 #include "desktop/main_window_toolbar.h"
 
 #include <QAccessible>
+#include <QApplication>
+#include <QCursor>
+#include <QEnterEvent>
 #include <QMenu>
 #include <QTabBar>
 #include <QTest>
@@ -124,6 +127,22 @@ TEST_F(MainToolBarTest, DropDownItemsCarryTheWork) {
       EXPECT_EQ(item->text(), QLatin1String(told.items[index].text));
       EXPECT_THAT(chosen_, ElementsAre(told.items[index].command));
     }
+  }
+}
+
+TEST_F(MainToolBarTest, ButtonLetsGoOfAPointerThatLeftWhileItsListWasOpen) {
+  Main();
+  KeepChosen();
+  QToolButton& button = Button("New dB");
+  QMenu& items = *button.defaultAction()->menu();
+  const QPoint over = button.mapToGlobal(button.rect().center());
+  for (const bool stays : {false, true}) {
+    QEnterEvent enter(button.rect().center(), over, over);
+    QApplication::sendEvent(&button, &enter);
+    items.popup(button.mapToGlobal(button.rect().bottomLeft()));
+    QCursor::setPos(stays ? over : button.mapToGlobal(button.rect().bottomRight() * 3));
+    QTest::keyClick(&items, Qt::Key_Escape);
+    EXPECT_EQ(button.underMouse(), stays);
   }
 }
 
