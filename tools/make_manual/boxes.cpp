@@ -207,6 +207,7 @@ class BoxMaker {
     for (std::size_t i = 1; i < block.rows.size(); ++i) {
       const Row row = RowOf(block.rows[i], block.widths, kCellText);
       boxes_.push_back({.height = row.height,
+                        .keeps_next = i == 1 || i + 2 == block.rows.size(),
                         .draw = [row](QPainter& painter, QPointF at) { row.Draw(painter, at); },
                         .running_head = i == 1 ? nullptr : head});
     }

@@ -1,11 +1,17 @@
 #include "make_manual/figures.h"
 
 #include <QAbstractButton>
+#include <QApplication>
+#include <QCheckBox>
+#include <QComboBox>
 #include <QElapsedTimer>
 #include <QLabel>
+#include <QLineEdit>
 #include <QListWidget>
 #include <QPushButton>
+#include <QTabWidget>
 #include <QTimer>
+#include <QTreeWidget>
 #include <array>
 
 #include "frame/command_states.h"
@@ -89,6 +95,79 @@ QImage Import(SampleProgram& program) {
   return WholeWindow(program);
 }
 
+// As the operator picks an item of a list.
+void Pick(SampleProgram& program, const char* list, int item) {
+  auto& box = program.Find<QComboBox>(list);
+  box.setCurrentIndex(item);
+  Q_EMIT box.activated(item);
+  program.RunEvents();
+}
+
+template <int kId>
+QImage Recipe(SampleProgram& program) {
+  program.ShowTab(kTabRecipes);
+  Pick(program, "cboRecID", kId);
+  return WholeWindow(program);
+}
+
+QImage RecipesOpened(SampleProgram& program) {
+  constexpr int kRecipesAll = 3;
+  program.ShowTab(kTabBatchedFed);
+  Pick(program, "lstGroupBy", kRecipesAll);
+  program.Find<QCheckBox>("chkExpandAll").setChecked(true);
+  return WholeWindow(program);
+}
+
+QImage OnePen(SampleProgram& program) {
+  constexpr int kPenByName = 9;
+  program.ShowTab(kTabBatchedFed);
+  Pick(program, "lstGroupBy", kPenByName);
+  Pick(program, "cboColName", 2);
+  return WholeWindow(program);
+}
+
+QImage Export(SampleProgram& program) {
+  program.ShowTab(kTabExport);
+  program.Find<QLineEdit>("txtFName").setText(QStringLiteral("PEN A02"));
+  program.Find<QLineEdit>("txtFPath").setText(QStringLiteral("./Brantock/VRX-2260"));
+  return WholeWindow(program);
+}
+
+// The ports of an office PC in place of those of the machine that builds.
+void ShowOfficePorts(QWidget& form) {
+  auto& ports = *form.findChild<QTreeWidget*>(QStringLiteral("lstSerialPort"));
+  for (int i = 0; i < ports.topLevelItemCount(); ++i) {
+    ports.topLevelItem(i)->setText(1, QStringLiteral("/dev/ttyS%1, no such device").arg(i));
+  }
+  ports.topLevelItem(0)->setText(1, QStringLiteral("/dev/ttyS0, serial port"));
+  ports.topLevelItem(1)->setText(1, QStringLiteral("/dev/ttyUSB0, USB serial adapter"));
+  form.findChild<QComboBox*>(QStringLiteral("cboDevice"))
+      ->setEditText(QStringLiteral("/dev/ttyUSB0"));
+}
+
+// The form is modal: the picture is taken from within the command that opens it.
+template <int kTab>
+QImage Setup(SampleProgram& program) {
+  QImage image;
+  QTimer::singleShot(0, &program.Window(), [&] {
+    QWidget* const form = QApplication::activeModalWidget();
+    if (form != nullptr) {
+      form->findChild<QTabWidget*>(QStringLiteral("tabSetupFolder"))->setCurrentIndex(kTab);
+      ShowOfficePorts(*form);
+      image = form->grab().toImage();
+      form->close();
+    }
+  });
+  program.Choose("mnuToolsSetup");
+  if (image.isNull()) {
+    throw Error("the setup did not open");
+  }
+  return image;
+}
+
+constexpr int kOptionsTab = 4;
+constexpr int kModuleTab = 6;
+
 // The order is that of the work, since some leave a tab as they filled it.
 constexpr std::array kFigures = std::to_array<Figure>({
     {"data-transfer", &Tab<kTabDataTransfer>},
@@ -96,15 +175,15 @@ constexpr std::array kFigures = std::to_array<Figure>({
     {"upload", &Upload},
     {"direct", &Direct},
     {"ingredients", &Tab<kTabIngredients>},
-    {"recipes", &Tab<kTabRecipes>},
-    {"recipe-percent", &Tab<kTabRecipes>},
+    {"recipes", &Recipe<5>},
+    {"recipe-percent", &Recipe<1>},
     {"pens", &Tab<kTabPens>},
-    {"batched-fed", &Tab<kTabBatchedFed>},
-    {"batched-fed-pen", &Tab<kTabBatchedFed>},
+    {"batched-fed", &RecipesOpened},
+    {"batched-fed-pen", &OnePen},
     {"import", &Import},
-    {"export", &Tab<kTabExport>},
-    {"setup-options", &Tab<kTabExport>},
-    {"setup-krm", &Tab<kTabExport>},
+    {"export", &Export},
+    {"setup-options", &Setup<kOptionsTab>},
+    {"setup-krm", &Setup<kModuleTab>},
 });
 
 }  // namespace

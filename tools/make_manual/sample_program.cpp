@@ -21,7 +21,7 @@ namespace {
 
 namespace fs = std::filesystem;
 
-constexpr QSize kWindowSize{960, 660};
+constexpr QSize kWindowSize{960, 620};
 constexpr std::size_t kLargestFile = 1U << 16U;
 const std::string kRecipeFile = "SITE.RDB";
 const std::string kTransactionFile = "YARD.TDB";
