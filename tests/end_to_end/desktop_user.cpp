@@ -11,12 +11,12 @@ namespace vrx::testing {
 namespace fs = std::filesystem;
 
 const std::vector<std::string>& DesktopUser::IniKeys() {
-  static const std::vector<std::string> kKeys = {
+  static const std::vector<std::string> keys = {
       "SerialPort",         "KRMBaudRate",      "SystemUnits",
       "AutoAbbreviate",     "EnableBeeper",     "PrintCurrentRecipeOnly",
       "EnablePrintText",    "PrintGridLines",   "BatchTargetWtIsRecTarget",
       "ShowImportProgress", "AutoloadRecipeDB", "AutoloadTransDB"};
-  return kKeys;
+  return keys;
 }
 
 DesktopUser::DesktopUser() {
