@@ -209,6 +209,9 @@ void IngredientList::Fit() {
 }
 
 void IngredientList::DropDown(const QWidget& editor) {
+  if (isVisible()) {
+    return;
+  }
   Fit();
   const QPoint below = editor.mapToGlobal(QPoint(0, editor.height()));
   const QRect room = editor.screen()->availableGeometry();
@@ -219,7 +222,6 @@ void IngredientList::DropDown(const QWidget& editor) {
   place.moveLeft(std::max(room.left(), std::min(place.left(), room.right() - width())));
   move(place.topLeft());
   show();
-  raise();
 }
 
 }  // namespace vrx

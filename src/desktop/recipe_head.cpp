@@ -3,13 +3,15 @@
 #include <QFocusEvent>
 #include <QGridLayout>
 #include <QHBoxLayout>
-#include <string_view>
+#include <initializer_list>
 
 #include "desktop/caption_pass.h"
 #include "desktop/choice_list.h"
 #include "desktop/elided_label.h"
+#include "desktop/field_box.h"
 #include "desktop/main_window_layout.h"
 #include "desktop/qt_text.h"
+#include "desktop/tabular_figures.h"
 #include "feed/adjust_list.h"
 #include "feed/record_fields.h"
 #include "frame/number.h"
@@ -26,12 +28,6 @@ constexpr int kRationTargetCaption = 1032;
 constexpr int kAdjustCaption = 1114;
 constexpr int kEnter100Caption = 1115;
 constexpr int kMustTotalCaption = 1131;
-
-// Room for that many of the font's wide characters and what a box puts around them.
-int WidthFor(const QWidget& box, std::size_t characters) {
-  const int character = box.fontMetrics().horizontalAdvance(QLatin1Char('M'));
-  return static_cast<int>(characters) * character + kGroupSpacing;
-}
 
 void SetBox(FilteredEdit& box, const QString& text) {
   if (!box.isModified() && box.text() != text) {
@@ -52,6 +48,12 @@ RecipeHead::RecipeHead(AutoAbbreviation& abbreviation, QWidget* parent)
   MakeBoxes();
   LayOut();
   MakeGroups();
+  QWidget* last = id_list_;
+  for (QWidget* next : std::initializer_list<QWidget*>{name_, description_, batch_type_,
+                                                       head_count_, ration_target_, adjust_}) {
+    setTabOrder(last, next);
+    last = next;
+  }
 }
 
 void RecipeHead::MakeLists() {
@@ -73,39 +75,20 @@ void RecipeHead::MakeLists() {
 }
 
 void RecipeHead::MakeBoxes() {
-  name_ = Box("txtRecName", "Name");
-  connect(name_, &QLineEdit::textChanged, this, [this] { abbreviation_.NameChanged(); });
-  description_ = DescriptionBox();
-  head_count_ = Box("txtRecHeadCount", "HeadCount");
-  ration_target_ = Box("txtRecRationTarget", "RationTarget");
+  const auto field = [](const char* name) -> const RecordField& {
+    return FieldOf(RecordKind::kRecipe, name);
+  };
+  name_ = MakeNameBox(field("Name"), "txtRecName", abbreviation_, this);
+  description_ = MakeDescriptionBox("txtRecDesc", abbreviation_, this);
+  head_count_ = MakeFieldBox(field("HeadCount"), "txtRecHeadCount", this);
+  ration_target_ = MakeFieldBox(field("RationTarget"), "txtRecRationTarget", this);
   for (FilteredEdit* number : {head_count_, ration_target_}) {
     number->setAlignment(Qt::AlignRight);
+    number->setFont(TabularFigures(number->font()));
   }
-}
-
-FilteredEdit* RecipeHead::Box(const char* name, const char* field) {
-  const RecordField& row = FieldOf(RecordKind::kRecipe, field);
-  auto* const box = new FilteredEdit(
-      [filter = row.filter](std::string_view /*text*/, int key) { return filter(key); },
-      static_cast<int>(row.limit), this);
-  box->setObjectName(QLatin1String(name));
-  box->setFixedWidth(WidthFor(*box, row.limit));
-  connect(box, &FilteredEdit::Refused, this, &RecipeHead::Refused);
-  return box;
-}
-
-FilteredEdit* RecipeHead::DescriptionBox() {
-  auto* const box =
-      new FilteredEdit([this](std::string_view text,
-                              int key) { return abbreviation_.DescriptionKey(key, text.size()); },
-                       static_cast<int>(kDescriptionLimit), this);
-  box->setObjectName(QStringLiteral("txtRecDesc"));
-  box->setFixedWidth(WidthFor(*box, kDescriptionLimit));
-  connect(box, &FilteredEdit::Backspace, this, [this, box] {
-    abbreviation_.DescriptionKey(kBackspaceKey, static_cast<std::size_t>(box->text().size()));
-  });
-  connect(box, &FilteredEdit::Refused, this, &RecipeHead::Refused);
-  return box;
+  for (FilteredEdit* box : {name_, description_, head_count_, ration_target_}) {
+    connect(box, &FilteredEdit::Refused, this, &RecipeHead::Refused);
+  }
 }
 
 QLabel* RecipeHead::Caption(const char* name, int caption, QWidget* buddy) {
@@ -222,12 +205,8 @@ void RecipeHead::ShowUnit(const QString& unit) { unit_->setText(unit); }
 void RecipeHead::ShowMustTotal100(bool shown) { must_total_->setVisible(shown); }
 
 bool RecipeHead::eventFilter(QObject* watched, QEvent* event) {
-  if (event->type() == QEvent::FocusOut) {
-    const Qt::FocusReason reason = static_cast<QFocusEvent*>(event)->reason();
-    if (reason != Qt::PopupFocusReason && reason != Qt::ActiveWindowFocusReason &&
-        reason != Qt::MenuBarFocusReason) {
-      Q_EMIT ListLeft();
-    }
+  if (event->type() == QEvent::FocusOut && LeavesField(*static_cast<QFocusEvent*>(event))) {
+    Q_EMIT ListLeft();
   }
   return QWidget::eventFilter(watched, event);
 }

@@ -11,8 +11,6 @@
 #include "feed/auto_abbreviation.h"
 #include "feed/recipe_on_show.h"
 
-class QGridLayout;
-
 namespace vrx {
 
 // The head of the recipe on show: which one it is, its name and description, how its batch is made
@@ -64,8 +62,6 @@ class RecipeHead : public QWidget {
   void MakeGroups();
   void LayOut();
   QLabel* Caption(const char* name, int caption, QWidget* buddy);
-  FilteredEdit* Box(const char* name, const char* field);
-  FilteredEdit* DescriptionBox();
   void ShowInputs(const RecipeOnShow& shown);
   static void ShowGroup(const Group& group, bool visible, bool enabled);
 
