@@ -261,7 +261,7 @@ TEST_F(TheExportTab, TheFileNameTakesTheKeysOfADescription) {
   EXPECT_EQ(ExportTab::KeyPressInFName('b'), 'b');
   EXPECT_EQ(ExportTab::KeyPressInFName('-'), '-');
   EXPECT_EQ(ExportTab::KeyPressInFName(8), 8);
-  for (const int key : {'/', '\\', '.', '\'', ':'}) {
+  for (const char key : {'/', '\\', '.', '\'', ':'}) {
     EXPECT_EQ(ExportTab::KeyPressInFName(key), 0);
   }
 }
