@@ -40,6 +40,11 @@ QMessageBox::StandardButtons ButtonsOf(Buttons buttons) {
   return QMessageBox::Ok;
 }
 
+// The going-on button, ahead of the one for the details whatever order the desktop gives them.
+QMessageBox::StandardButton DefaultOf(Buttons buttons) {
+  return buttons == Buttons::kYesNo ? QMessageBox::Yes : QMessageBox::Ok;
+}
+
 Answer AnswerOf(int button) {
   switch (button) {
     case QMessageBox::Yes:
@@ -75,6 +80,7 @@ Answer QtOperator::ShowMessage(const MessageBox& box) {
   message.setTextFormat(Qt::PlainText);
   message.setText(ToScreenLines(box.text));
   message.setDetailedText(ToScreenLines(box.cause));
+  message.setDefaultButton(DefaultOf(box.buttons));
   MakeRoomForTitle(message);
   const Answer answer = AnswerOf(message.exec());
   SetBusy(was_busy);

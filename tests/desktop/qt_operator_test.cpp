@@ -4,6 +4,7 @@
 #include <QApplication>
 #include <QFontMetrics>
 #include <QMessageBox>
+#include <QPushButton>
 #include <QSignalSpy>
 #include <optional>
 
@@ -22,6 +23,7 @@ struct ShownBox {
   QString details;
   Qt::TextFormat format = Qt::AutoText;
   int width = 0;
+  QMessageBox::StandardButton by_enter = QMessageBox::NoButton;
 };
 
 class OperatorBoxes : public ::testing::Test {
@@ -30,9 +32,10 @@ class OperatorBoxes : public ::testing::Test {
   Answer Show(const MessageBox& box, QMessageBox::StandardButton press) {
     const NextModal modal([&](QWidget& widget) {
       auto& message = dynamic_cast<QMessageBox&>(widget);
-      shown = {message.icon(), message.standardButtons(), message.windowTitle(),
-               message.text(), message.detailedText(),    message.textFormat(),
-               message.width()};
+      shown = {message.icon(),         message.standardButtons(),
+               message.windowTitle(),  message.text(),
+               message.detailedText(), message.textFormat(),
+               message.width(),        message.standardButton(message.defaultButton())};
       cursor = QApplication::overrideCursor() != nullptr;
       message.button(press)->click();
     });
@@ -56,6 +59,15 @@ TEST_F(OperatorBoxes, HasTitleTextIconAndCause) {
   EXPECT_EQ(shown.title, u"Fatal Error"_qs);
   EXPECT_EQ(shown.text, u"It failed."_qs);
   EXPECT_EQ(shown.details, u"the disk is full"_qs);
+}
+
+TEST_F(OperatorBoxes, EnterPressesTheGoingOnButton) {
+  Show({.title = "t", .text = "x", .cause = "y"}, QMessageBox::Ok);
+  EXPECT_EQ(shown.by_enter, QMessageBox::Ok);
+  Show({.buttons = Buttons::kOkCancel, .title = "t", .text = "x"}, QMessageBox::Ok);
+  EXPECT_EQ(shown.by_enter, QMessageBox::Ok);
+  Show({.buttons = Buttons::kYesNo, .title = "t", .text = "x"}, QMessageBox::Yes);
+  EXPECT_EQ(shown.by_enter, QMessageBox::Yes);
 }
 
 TEST_F(OperatorBoxes, IsWideEnoughForItsTitle) {
