@@ -7,6 +7,7 @@
 #include <QVBoxLayout>
 #include <exception>
 #include <string>
+#include <utility>
 
 #include "database/tell_failure.h"
 #include "desktop/main_window_layout.h"
@@ -32,6 +33,15 @@ constexpr std::array<FormatChoice, 3> kFormats{{
     {ExportFormat::kCsv, "optCSV", "&CSV", "A table for a spreadsheet"},
     {ExportFormat::kXml, "optXML", "X&ML", "A document with its stylesheet beside it"},
     {ExportFormat::kHtml, "optHTML", "HTM&L", "One page for a browser that needs nothing else"},
+}};
+
+// What the caption table does not have, by label.
+constexpr std::array<std::pair<const char*, const char*>, 3> kTexts{{
+    {"lblFName", "File &Name"},
+    {"lblFPath", "File Pat&h"},
+    {"Label4",
+     "Note: - Data will be formatted in same format as the Data Group selection in the "
+     "Batched/Fed Tab."},
 }};
 
 }  // namespace
@@ -60,7 +70,9 @@ ExportPage::ExportPage(const Ports& ports)
       prg_export_(new QProgressBar(this)) {
   setObjectName(QStringLiteral("pageExport"));
   txt_f_name_->setObjectName(QStringLiteral("txtFName"));
+  txt_f_name_->setAccessibleName(QStringLiteral("File Name"));
   txt_f_path_->setObjectName(QStringLiteral("txtFPath"));
+  txt_f_path_->setAccessibleName(QStringLiteral("File Path"));
   prg_export_->setObjectName(QStringLiteral("prgExport"));
   prg_export_->setAccessibleName(QStringLiteral("Progress of the export"));
   LayOut();
@@ -80,17 +92,15 @@ void ExportPage::LayOut() {
   auto* const grid = new QGridLayout;
   grid->setHorizontalSpacing(kSpacing);
   grid->setVerticalSpacing(kSpacing);
-  const auto add = [&](int row, const char* name, const QString& caption, QLineEdit* field) {
+  int row = 0;
+  for (const auto& [name, field] : {std::pair<const char*, QLineEdit*>{"lblFName", txt_f_name_},
+                                    std::pair<const char*, QLineEdit*>{"lblFPath", txt_f_path_}}) {
     QLabel* const label = AddLabel(*this, name);
-    label->setText(caption);
     label->setBuddy(field);
-    field->setAccessibleName(QString(caption).remove(u'&'));
     field->setMinimumWidth(kFieldWidth);
     grid->addWidget(label, row, 0);
-    grid->addWidget(field, row, 1);
-  };
-  add(0, "lblFName", QStringLiteral("File &Name"), txt_f_name_);
-  add(1, "lblFPath", QStringLiteral("File Pat&h"), txt_f_path_);
+    grid->addWidget(field, row++, 1);
+  }
   grid->addWidget(cmd_browse_, 1, 2);
   grid->setColumnStretch(3, 1);
   auto* const note = AddLabel(*this, "Label4");

@@ -2,6 +2,7 @@
 
 #include <QEvent>
 #include <QFontMetrics>
+#include <QProxyStyle>
 #include <QScopedValueRollback>
 #include <algorithm>
 
@@ -32,6 +33,18 @@ QString WidestValue(ColumnContent content) {
   return QStringLiteral("MMMMMMMM");
 }
 
+// Captions stand above the texts of their cells.
+class CaptionMargins : public QProxyStyle {
+ public:
+  explicit CaptionMargins(QObject* parent) { setParent(parent); }
+
+  int pixelMetric(PixelMetric metric, const QStyleOption* option,
+                  const QWidget* widget) const override {
+    return metric == PM_HeaderMargin ? kHistoryMargin
+                                     : QProxyStyle::pixelMetric(metric, option, widget);
+  }
+};
+
 }  // namespace
 
 HistoryHeader::HistoryHeader(QWidget* parent) : QHeaderView(Qt::Horizontal, parent) {
@@ -39,6 +52,7 @@ HistoryHeader::HistoryHeader(QWidget* parent) : QHeaderView(Qt::Horizontal, pare
   setSectionsMovable(true);
   setFirstSectionMovable(true);
   setHighlightSections(false);
+  setStyle(new CaptionMargins(this));
   setSectionResizeMode(Interactive);
   setTextElideMode(Qt::ElideRight);
   setResizeContentsPrecision(0);  // no row but those on the screen

@@ -29,6 +29,7 @@ HistoryNavigator::HistoryNavigator(QWidget* parent)
     : QWidget(parent),
       number_(new FilteredEdit([](std::string_view, int key) { return FilterDigitKey(key); },
                                kDigits, this)),
+      caption_(AddLabel(*this, "lblHistoryNavigator")),
       count_(AddLabel(*this, "lblHistoryCount")) {
   setObjectName(QStringLiteral("navHistory"));
   for (std::size_t i = 0; i < kMoves.size(); ++i) {
@@ -42,9 +43,7 @@ HistoryNavigator::HistoryNavigator(QWidget* parent)
     connect(button, &QPushButton::clicked, this, [this, i] { Move(static_cast<int>(i)); });
     buttons_.at(i) = button;
   }
-  QLabel* const caption = AddLabel(*this, "lblHistoryNavigator");
-  caption->setText(kNavigatorString.section(u'|', 0, 0));
-  caption->setBuddy(number_);
+  caption_->setBuddy(number_);
   number_->setObjectName(QStringLiteral("txtHistoryRow"));
   number_->setAccessibleName(QStringLiteral("Row"));
   number_->setAlignment(Qt::AlignRight);
@@ -54,7 +53,7 @@ HistoryNavigator::HistoryNavigator(QWidget* parent)
   auto* const row = new QHBoxLayout(this);
   row->setContentsMargins(0, 0, 0, 0);
   row->setSpacing(kSpacing);
-  row->addWidget(caption);
+  row->addWidget(caption_);
   row->addWidget(buttons_[kNavigateFirst]);
   row->addWidget(buttons_[kNavigatePrevious]);
   row->addWidget(number_);
@@ -76,6 +75,7 @@ void HistoryNavigator::ShowCount(int rows) {
 }
 
 void HistoryNavigator::ShowState() {
+  caption_->setText(kNavigatorString.section(u'|', 0, 0));
   number_->setText(row_ < 0 ? QString() : QString::number(row_ + 1));
   number_->setEnabled(rows_ > 0);
   count_->setText(QStringLiteral("%1 %2").arg(kNavigatorString.section(u'|', 1, 1)).arg(rows_));

@@ -32,6 +32,7 @@ class HistoryNavigator : public QWidget {
 
   std::array<QPushButton*, 4> buttons_{};  // by NavigateButton
   FilteredEdit* number_;
+  QLabel* caption_;
   QLabel* count_;
   int row_ = -1;
   int rows_ = 0;

@@ -78,7 +78,6 @@ HistoryPage::HistoryPage(Ports ports)
   for (const DataGroup& group : DataGroups()) {
     lst_group_by_->addItem(ToQString(group.item));
   }
-  cbo_col_name_->setSizeAdjustPolicy(QComboBox::AdjustToMinimumContentsLengthWithIcon);
   cbo_col_name_->setMinimumContentsLength(kNameCharacters);
   txt_standby_->setObjectName(QStringLiteral("txtStandby"));
   txt_standby_->setAlignment(Qt::AlignCenter);

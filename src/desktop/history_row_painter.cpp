@@ -15,7 +15,6 @@ namespace {
 
 constexpr int kIndent = 2 * kSpacing;  // a level of groups
 constexpr int kMarkSize = 2 * kSpacing;
-constexpr int kCellMargin = kSpacing / 2;
 
 QColor Between(const QColor& one, const QColor& other) {
   return QColor::fromRgbF((one.redF() + 3 * other.redF()) / 4,
@@ -42,7 +41,7 @@ HistoryRowPainter::HistoryRowPainter(const QWidget& view)
 }
 
 QRect HistoryRowPainter::MarkOf(int depth, const QRect& line) {
-  const int left = line.left() + kCellMargin + (depth - 1) * kIndent;
+  const int left = line.left() + kHistoryMargin + (depth - 1) * kIndent;
   return {left, line.center().y() - kMarkSize / 2, kMarkSize, kMarkSize};
 }
 
@@ -73,7 +72,7 @@ void HistoryRowPainter::PaintGroup(QPainter& painter, const ShownRow& row, const
   mark.palette.setColor(QPalette::Text, look.text);
   mark.palette.setColor(QPalette::WindowText, look.text);
   view_.style()->drawPrimitive(QStyle::PE_IndicatorBranch, &mark, &painter, &view_);
-  const QRect room = area.adjusted(mark.rect.right() + 1 + kCellMargin - area.left(), 0, 0, 0);
+  const QRect room = area.adjusted(mark.rect.right() + 1 + kHistoryMargin - area.left(), 0, 0, 0);
   DrawText(painter, room, Qt::AlignLeft | Qt::AlignVCenter, ToQString(row.caption), look);
 }
 
@@ -88,7 +87,7 @@ void HistoryRowPainter::PaintCell(QPainter& painter, const ShownRow& row, const 
   if (!text.empty()) {
     const Qt::Alignment side =
         HistoryColumnAt(span.column).right_aligned ? Qt::AlignRight : Qt::AlignLeft;
-    DrawText(painter, cell.adjusted(kCellMargin, 0, -kCellMargin, 0), side | Qt::AlignVCenter,
+    DrawText(painter, cell.adjusted(kHistoryMargin, 0, -kHistoryMargin, 0), side | Qt::AlignVCenter,
              ToQString(text), look);
   }
   painter.setPen(line_);

@@ -41,9 +41,14 @@ QColor SystemOn(const QColor& text, const QColor& back) {
   return IsDark(back) ? Qt::white : Qt::black;
 }
 
-}  // namespace
+QColor TextOn(FormatStyle style, const StyleColor& told, const QColor& color, const QColor& back) {
+  if (style == FormatStyle::kSelectedRow) {
+    return color;
+  }
+  return told.system ? SystemOn(color, back) : ToldOn(color, back);
+}
 
-HistoryStyles::HistoryStyles(const QPalette& palette) : palette_(palette) {}
+}  // namespace
 
 QFont HistoryStyles::CellFont() {
   const FormatStyleLook& look = LookOf(FormatStyle::kDefault);
@@ -88,8 +93,7 @@ HistoryLook HistoryStyles::Over(FormatStyle style, HistoryLook look) const {
     look.back = ColorOf(*told.back);
   }
   const StyleColor text = told.text.value_or(StyleColor{.system = SystemColor::kWindowText});
-  const QColor color = ColorOf(text);
-  look.text = text.system ? SystemOn(color, look.back) : ToldOn(color, look.back);
+  look.text = TextOn(style, text, ColorOf(text), look.back);
   if (!told.font.empty()) {
     look.font.setFamily(ToQString(told.font));
   }

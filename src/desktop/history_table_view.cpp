@@ -70,7 +70,7 @@ void HistoryTableView::GoToTop() {
 void HistoryTableView::paintEvent(QPaintEvent* event) {
   QPainter painter(viewport());
   if (model_->rowCount() == 0) {
-    painter.setFont(parentWidget()->font());
+    painter.setFont(QFont());
     painter.setPen(palette().color(QPalette::PlaceholderText));
     painter.drawText(viewport()->rect().adjusted(kSpacing, 0, -kSpacing, 0),
                      Qt::AlignCenter | Qt::TextWordWrap, empty_text_);
