@@ -1,5 +1,6 @@
 #include "desktop/import_grid.h"
 
+#include <QApplication>
 #include <QFont>
 #include <QFontMetrics>
 #include <QHeaderView>
@@ -97,7 +98,6 @@ ImportGrid::ImportGrid(const ImportSession& session, QWidget* parent)
   verticalHeader()->hide();
   verticalHeader()->setSectionResizeMode(QHeaderView::Fixed);
   verticalHeader()->setDefaultSectionSize(fontMetrics().height() + kSpacing / 2);
-  horizontalHeader()->setFont(QFont());
   horizontalHeader()->setHighlightSections(false);
 }
 
@@ -137,7 +137,7 @@ void ImportGrid::paintEvent(QPaintEvent* event) {
   QTableView::paintEvent(event);
   if (Empty()) {
     QPainter painter(viewport());
-    painter.setFont(QFont());
+    painter.setFont(QApplication::font());
     painter.setPen(palette().color(QPalette::PlaceholderText));
     painter.drawText(viewport()->rect(), Qt::AlignCenter | Qt::TextWordWrap,
                      QStringLiteral("Import a transaction file (.QXT) to see its records here."));

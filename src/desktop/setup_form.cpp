@@ -1,7 +1,6 @@
 #include "desktop/setup_form.h"
 
 #include <QFormLayout>
-#include <QGroupBox>
 #include <QHBoxLayout>
 #include <QTimer>
 #include <QVBoxLayout>
@@ -11,6 +10,7 @@
 #include "desktop/choice_list.h"
 #include "desktop/main_window_layout.h"
 #include "desktop/qt_text.h"
+#include "desktop/setup_sections.h"
 #include "frame/encoding.h"
 #include "frame/files.h"
 #include "setup/setup_views.h"
@@ -43,29 +43,12 @@ QVBoxLayout* TabLayout(QWidget& page) {
   return column;
 }
 
-// A heading with a line, and no frame around what it heads.
-QGroupBox* AddFrame(QVBoxLayout& column, const char* name, const QString& caption,
-                    int stretch = 0) {
-  auto* const frame = new QGroupBox(caption);
-  frame->setObjectName(QString::fromLatin1(name));
-  frame->setFlat(true);
-  column.addWidget(frame, stretch);
-  return frame;
-}
-
 QLineEdit* MakePath(const char* name, const QString& meaning) {
   auto* const path = new QLineEdit;
   path->setObjectName(QString::fromLatin1(name));
   path->setAccessibleName(meaning);
   path->setReadOnly(true);
   return path;
-}
-
-QVBoxLayout* FrameColumn(QGroupBox& frame) {
-  auto* const column = new QVBoxLayout(&frame);
-  column->setContentsMargins(0, kSpacing, 0, 0);
-  column->setSpacing(kSpacing);
-  return column;
 }
 
 }  // namespace
@@ -108,6 +91,7 @@ SetupForm::SetupForm(const Ports& ports, SetupFacts facts, QWidget* owner)
   resize(kFormSize);
 
   ApplyCaptionTable(*this);
+  ShowHeadings(*this);
   LoadControls();
   FillTab(kDatabaseTab);
   for (TextView* const view : findChildren<TextView*>()) {
@@ -120,24 +104,24 @@ SetupForm::SetupForm(const Ports& ports, SetupFacts facts, QWidget* owner)
 QWidget* SetupForm::MakeDatabaseTab() {
   auto* const page = new QWidget;
   QVBoxLayout* const column = TabLayout(*page);
-  QGroupBox* const paths = AddFrame(*column, "frmPaths", QStringLiteral("Paths"));
+  const SetupSection paths = AddSection(*column, "frmPaths", QStringLiteral("Paths"));
   txt_recipe_path_ = MakePath("txtRecipePath", QStringLiteral("Recipe Database"));
   txt_transaction_path_ = MakePath("txtTransactionPath", QStringLiteral("Transaction Database"));
-  auto* const rows = new QFormLayout(paths);
-  rows->setContentsMargins(0, kSpacing, 0, 0);
+  auto* const rows = new QFormLayout;
   rows->setSpacing(kSpacing);
-  rows->addRow(AddLabel(*paths, "lblRecipePath", kRecipeDatabaseCaption), txt_recipe_path_);
-  rows->addRow(AddLabel(*paths, "lblTransactionPath", kTransactionDatabaseCaption),
+  rows->addRow(AddLabel(*paths.frame, "lblRecipePath", kRecipeDatabaseCaption), txt_recipe_path_);
+  rows->addRow(AddLabel(*paths.frame, "lblTransactionPath", kTransactionDatabaseCaption),
                txt_transaction_path_);
+  paths.content->addLayout(rows);
 
-  QGroupBox* const units = AddFrame(*column, "frmWeightUnits", QStringLiteral("Weight Units"));
+  const SetupSection units = AddSection(*column, "frmWeightUnits", QStringLiteral("Weight Units"));
   lst_system_uom_ = new ChoiceList;
   lst_system_uom_->setObjectName(QStringLiteral("lstSystemUoM"));
   lst_system_uom_->setAccessibleName(QStringLiteral("Weight Units"));
   for (const std::string_view unit : kSystemUnitsList) {
     lst_system_uom_->addItem(ToQString(unit));
   }
-  FrameColumn(*units)->addWidget(lst_system_uom_, 0, Qt::AlignLeft);
+  units.content->addWidget(lst_system_uom_, 0, Qt::AlignLeft);
   column->addStretch();
   return page;
 }
@@ -145,13 +129,12 @@ QWidget* SetupForm::MakeDatabaseTab() {
 QWidget* SetupForm::MakeApplicationTab() {
   auto* const page = new QWidget;
   QVBoxLayout* const column = TabLayout(*page);
-  QGroupBox* const application = AddFrame(*column, "frmApp", QStringLiteral("Application"));
   txt_app_path_ = MakePath("txtAppPath", QStringLiteral("Application"));
-  FrameColumn(*application)->addWidget(txt_app_path_);
-  QGroupBox* const association =
-      AddFrame(*column, "frmAssociation", QStringLiteral("Document Viewers"), 1);
+  AddSection(*column, "frmApp", QStringLiteral("Application")).content->addWidget(txt_app_path_);
   txt_associations_ = new TextView("txtAssociations", QStringLiteral("Document Viewers"), nullptr);
-  FrameColumn(*association)->addWidget(txt_associations_);
+  txt_associations_->setLineWrapMode(QPlainTextEdit::WidgetWidth);
+  AddSection(*column, "frmAssociation", QStringLiteral("Document Viewers"), 1)
+      .content->addWidget(txt_associations_);
   return page;
 }
 
@@ -190,7 +173,7 @@ QWidget* SetupForm::MakeConnectionsTab() {
   QVBoxLayout* const column = TabLayout(*page);
   const auto add = [&](const char* frame, const char* name, const QString& caption) {
     auto* const view = new TextView(name, caption, nullptr);
-    FrameColumn(*AddFrame(*column, frame, caption, 1))->addWidget(view);
+    AddSection(*column, frame, caption, 1).content->addWidget(view);
     return view;
   };
   txt_rec_ctrl_ = add("frm1", "txtRecCtrl", QStringLiteral("Recipe Controls"));

@@ -1,12 +1,12 @@
 #include "desktop/setup_module_tab.h"
 
-#include <QGroupBox>
 #include <QHBoxLayout>
 #include <QVBoxLayout>
 
 #include "desktop/choice_list.h"
 #include "desktop/main_window_layout.h"
 #include "desktop/qt_text.h"
+#include "desktop/setup_sections.h"
 
 namespace vrx {
 namespace {
@@ -30,8 +30,8 @@ SetupModuleTab::SetupModuleTab(const Ports& ports, QWidget* parent)
 
   auto* const frames = new QHBoxLayout;
   frames->setSpacing(kGroupSpacing);
-  frames->addWidget(MakeCommSetup(), 1);
-  frames->addWidget(MakeCommands());
+  AddCommSetup(*frames);
+  AddCommands(*frames);
   auto* const column = new QVBoxLayout(this);
   column->setContentsMargins(kGroupSpacing, kGroupSpacing, kGroupSpacing, kGroupSpacing);
   column->setSpacing(kSpacing);
@@ -39,13 +39,9 @@ SetupModuleTab::SetupModuleTab(const Ports& ports, QWidget* parent)
   column->addWidget(lbl_standby_);
 }
 
-QWidget* SetupModuleTab::MakeCommSetup() {
-  auto* const frame = new QGroupBox(QStringLiteral("Communications"), this);
-  frame->setObjectName(QStringLiteral("frmCommSetup"));
-  frame->setFlat(true);
-  auto* const column = new QVBoxLayout(frame);
-  column->setContentsMargins(0, kSpacing, 0, 0);
-  column->setSpacing(kSpacing);
+void SetupModuleTab::AddCommSetup(QBoxLayout& frames) {
+  const auto [frame, column] =
+      AddSection(frames, "frmCommSetup", QStringLiteral("Communications"), 1);
   column->addWidget(AddLabel(*frame, "lblSerialPort", kSerialPortCaption));
   column->addWidget(ports_, 1);
   lst_baud_rate_->setObjectName(QStringLiteral("lstBaudRate"));
@@ -63,16 +59,10 @@ QWidget* SetupModuleTab::MakeCommSetup() {
   connect(lst_baud_rate_, &QComboBox::activated, this, [this](int index) {
     module_.ChooseBaud(kBaudRateList.at(static_cast<std::size_t>(index)));
   });
-  return frame;
 }
 
-QWidget* SetupModuleTab::MakeCommands() {
-  auto* const frame = new QGroupBox(QStringLiteral("Module"), this);
-  frame->setObjectName(QStringLiteral("frmCommands"));
-  frame->setFlat(true);
-  auto* const column = new QVBoxLayout(frame);
-  column->setContentsMargins(0, kSpacing, 0, 0);
-  column->setSpacing(kSpacing);
+void SetupModuleTab::AddCommands(QBoxLayout& frames) {
+  const auto [frame, column] = AddSection(frames, "frmCommands", QStringLiteral("Module"));
   column->addWidget(AddCommand(*frame, "cmdTestKRM", QStringLiteral("&Test KRM"),
                                QStringLiteral("See whether the module answers"),
                                &SetupModuleTab::TestKRM));
@@ -83,7 +73,6 @@ QWidget* SetupModuleTab::MakeCommands() {
                                QStringLiteral("Tell the module the chosen baud rate"),
                                &SetupModuleTab::SetBaud));
   column->addStretch();
-  return frame;
 }
 
 // One command at a time: a click while another runs is none.

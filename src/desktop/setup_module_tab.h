@@ -1,5 +1,6 @@
 #pragma once
 
+#include <QBoxLayout>
 #include <QComboBox>
 #include <QLabel>
 #include <QPushButton>
@@ -38,8 +39,8 @@ class SetupModuleTab : public QWidget {
   void Abandon() { module_.Abandon(); }
 
  private:
-  QWidget* MakeCommSetup();
-  QWidget* MakeCommands();
+  void AddCommSetup(QBoxLayout& frames);
+  void AddCommands(QBoxLayout& frames);
   QPushButton* AddCommand(QWidget& frame, const char* name, const QString& caption,
                           const QString& meaning, void (SetupModuleTab::*work)());
   void TestKRM();

@@ -20,8 +20,6 @@ namespace {
 
 enum Column : int { kPort, kDevice };
 
-const QString kBuiltIn = QStringLiteral("The built-in port");
-
 int NumberOf(int index) { return index + 1; }
 
 QString Described(const std::string& device) {
@@ -98,7 +96,7 @@ void SetupPortList::Survey() {
 
 void SetupPortList::OfferDevices() {
   cbo_device_->clear();
-  cbo_device_->addItem(kBuiltIn, QString());
+  cbo_device_->addItem({}, QString());  // the built-in port of the chosen number
   for (const std::string& device : SerialDevices()) {
     cbo_device_->addItem(Described(device), ToQString(device));
   }
@@ -112,12 +110,13 @@ void SetupPortList::ShowDeviceOfChosen() {
     cbo_device_->setEditText({});
     return;
   }
-  const QString device = ToQString(LinuxPortDevice(data_folder_, NumberOf(Chosen())));
-  const int offered = cbo_device_->findData(device);
-  if (offered >= 0) {
-    cbo_device_->setCurrentIndex(offered);
-  } else {
-    cbo_device_->setEditText(device);
+  const std::string built_in = BuiltInPortDevice(NumberOf(Chosen()));
+  const std::string device = LinuxPortDevice(data_folder_, NumberOf(Chosen()));
+  const int offered = device == built_in ? 0 : cbo_device_->findData(ToQString(device));
+  cbo_device_->setItemText(0, ToQString(built_in + ", built-in port"));
+  cbo_device_->setCurrentIndex(offered);
+  if (offered < 0) {
+    cbo_device_->setEditText(ToQString(device));
   }
 }
 
