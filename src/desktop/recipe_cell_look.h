@@ -3,7 +3,7 @@
 #include <QColor>
 #include <QPalette>
 
-#include "desktop/recipe_columns.h"
+#include "feed/recipe_columns.h"
 
 namespace vrx {
 

@@ -7,7 +7,7 @@
 #include <string_view>
 #include <vector>
 
-#include "desktop/recipe_columns.h"
+#include "feed/recipe_columns.h"
 #include "feed/recipe_on_show.h"
 
 namespace vrx {

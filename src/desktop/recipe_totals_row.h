@@ -5,7 +5,7 @@
 #include <QWidget>
 #include <array>
 
-#include "desktop/recipe_columns.h"
+#include "feed/recipe_columns.h"
 #include "desktop/recipe_grid.h"
 #include "feed/recipe_on_show.h"
 

@@ -23,4 +23,8 @@ std::string DesignImportCaption(int column) {
   return "Ing" + Format(static_cast<double>(column - kCalculatedIngPercentOfBatch), "00") + " Wt";
 }
 
+bool IsImportText(int column) {
+  return column == kImportedType || column == kImportedTime || column == kImportedDate;
+}
+
 }  // namespace vrx

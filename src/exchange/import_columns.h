@@ -8,4 +8,7 @@ namespace vrx {
 // "Ing01 Wt" ... "Ing100 Wt". At run time the ingredient columns bear the ingredients' names.
 std::string DesignImportCaption(int column);
 
+// Whether a column of `grdIMPORT` holds words; all others hold numbers, aligned right.
+bool IsImportText(int column);
+
 }  // namespace vrx

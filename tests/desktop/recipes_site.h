@@ -15,7 +15,7 @@
 #include "database/identity.h"
 #include "database/records.h"
 #include "database/schema.h"
-#include "desktop/recipe_columns.h"
+#include "feed/recipe_columns.h"
 #include "desktop/recipes_page.h"
 #include "feed/auto_abbreviation.h"
 #include "frame/general_delay.h"

@@ -51,7 +51,8 @@ bool IsColumnShown(int column, LineEntry entry);
 // The column, after that of the ingredient, that the lines are entered by.
 int EnteredColumn(LineEntry entry);
 
-// "Dry Matter (lb)"
+// "Dry Matter (lb)"; without a unit the caption alone.
+std::string WithUnit(std::string_view caption, std::string_view unit);
 std::string ColumnCaption(int column, std::string_view unit);
 
 }  // namespace vrx

@@ -1,4 +1,4 @@
-#include "desktop/recipe_columns.h"
+#include "feed/recipe_columns.h"
 
 #include <algorithm>
 #include <array>
@@ -93,13 +93,13 @@ int EnteredColumn(LineEntry entry) {
   return entry == LineEntry::kPercent ? kColumnIngredientPercent : kColumnTarget;
 }
 
+std::string WithUnit(std::string_view caption, std::string_view unit) {
+  return std::string(caption) + (unit.empty() ? "" : " (" + LowerCase(unit) + ")");
+}
+
 std::string ColumnCaption(int column, std::string_view unit) {
   const RecipeColumnRow& row = kColumns.at(static_cast<std::size_t>(column));
-  std::string caption(row.caption);
-  if (row.tells_unit && !unit.empty()) {
-    caption += " (" + LowerCase(unit) + ")";
-  }
-  return caption;
+  return WithUnit(row.caption, row.tells_unit ? unit : "");
 }
 
 }  // namespace vrx

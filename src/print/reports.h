@@ -1,0 +1,39 @@
+#pragma once
+
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include <SQLiteCpp/Database.h>
+
+#include "database/records.h"
+#include "exchange/import_session.h"
+#include "feed/recipe_on_show.h"
+#include "history/history_grid.h"
+#include "print/page_texts.h"
+#include "print/report.h"
+
+namespace vrx {
+
+// The printed reports: the rows of each grid, under its captions.
+
+// `active_only` chooses the title; which rows there are is the caller's choice.
+Report IngredientReport(const std::vector<IngredientRecord>& rows, bool active_only,
+                        const ReportFacts& facts);
+Report PenReport(const std::vector<PenRecord>& rows, bool active_only, const ReportFacts& facts);
+
+// The lines and totals as they stand; of the ingredients, those that have no row show no name.
+Report RecipeReport(const RecipeOnShow& recipe, const std::vector<IngredientRecord>& ingredients,
+                    const ReportFacts& facts);
+
+// The groups as they are open, the columns as they stand. The grid outlives the report, which reads
+// its rows as the pages are printed.
+Report HistoryReport(HistoryGrid& grid, bool fit_columns, const ReportFacts& facts);
+
+// The session outlives the report.
+Report ImportReport(const ImportSession& import, bool fit_columns, const ReportFacts& facts);
+
+// A recipe with its totals, as it comes on show. Throws DatabaseError.
+RecipeOnShow ReadRecipeToPrint(SQLite::Database& recipes, int id);
+
+}  // namespace vrx
