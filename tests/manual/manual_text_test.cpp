@@ -12,7 +12,6 @@ namespace {
 using manual::Block;
 using manual::BlockKind;
 using manual::Chapter;
-using manual::Span;
 using manual::Spans;
 using manual::SpanStyle;
 using ::testing::ElementsAre;
@@ -42,7 +41,7 @@ TEST(ManualSpans, TellCaptionsFilesAndVariablesApart) {
 }
 
 TEST(ManualSpans, KeepTheVariablePartsOfAQuotationWithinIt) {
-  const Spans spans = Parsed("says \"Delete *name* now?\" and \"Done!\"");
+  const Spans spans = Parsed(R"(says "Delete *name* now?" and "Done!")");
   ASSERT_EQ(spans.size(), 6U);
   EXPECT_EQ(spans[0].quote, 0);
   EXPECT_EQ(spans[1].quote, 1);

@@ -102,6 +102,13 @@ void SetEnvironment(const QByteArray& home) {
   QLocale::setDefault(QLocale::c());
 }
 
+// The platform without a screen notes at each dialog that it has no window manager to tell.
+void WriteMessage(QtMsgType /*type*/, const QMessageLogContext& /*context*/, const QString& text) {
+  if (!text.contains(QStringLiteral("propagateSizeHints"))) {
+    std::fprintf(stderr, "make_manual: %s\n", text.toUtf8().constData());
+  }
+}
+
 }  // namespace
 
 int main(int argc, char** argv) {
@@ -112,6 +119,7 @@ int main(int argc, char** argv) {
   const QTemporaryDir home;
   SetEnvironment(home.path().toLocal8Bit());
   QHashSeed::setDeterministicGlobalSeed();  // the PDF lists its fonts by a hash
+  qInstallMessageHandler(WriteMessage);
   const QApplication application(argc, argv);
   QApplication::setStyle(QStyleFactory::create(QStringLiteral("Fusion")));
   QApplication::setFont(QFont(QStringLiteral("DejaVu Sans"), 9));
