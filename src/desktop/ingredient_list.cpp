@@ -38,6 +38,12 @@ QString CellText(const IngredientRecord& ingredient, int column) {
   }
 }
 
+// A number that is aligned to the right keeps away from the name behind it.
+QString Gap(int column) {
+  constexpr QChar kEnSpace(0x2002);
+  return column == kId ? QString(kEnSpace) : QString();
+}
+
 class Model : public QAbstractTableModel {
  public:
   Model(const std::vector<IngredientRecord>& ingredients, QObject* parent)
@@ -59,7 +65,8 @@ class Model : public QAbstractTableModel {
   QVariant data(const QModelIndex& index, int role) const override {
     switch (role) {
       case Qt::DisplayRole:
-        return CellText(ingredients_.at(static_cast<std::size_t>(index.row())), index.column());
+        return CellText(ingredients_.at(static_cast<std::size_t>(index.row())), index.column()) +
+               Gap(index.column());
       case Qt::TextAlignmentRole:
         return QVariant::fromValue((index.column() == kId ? Qt::AlignRight : Qt::AlignLeft) |
                                    Qt::AlignVCenter);
@@ -73,7 +80,7 @@ class Model : public QAbstractTableModel {
     }
     switch (role) {
       case Qt::DisplayRole:
-        return QLatin1String(kCaptions.at(static_cast<std::size_t>(section)));
+        return QLatin1String(kCaptions.at(static_cast<std::size_t>(section))) + Gap(section);
       case Qt::TextAlignmentRole:
         return QVariant::fromValue((section == kId ? Qt::AlignRight : Qt::AlignLeft) |
                                    Qt::AlignVCenter);

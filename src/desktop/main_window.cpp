@@ -1,8 +1,11 @@
 #include "desktop/main_window.h"
 
+#include <QApplication>
 #include <QCloseEvent>
+#include <QFocusEvent>
 #include <QLabel>
 #include <QMenuBar>
+#include <QPointer>
 #include <QVBoxLayout>
 #include <algorithm>
 
@@ -76,7 +79,33 @@ void MainWindow::Connect() {
 }
 
 void MainWindow::SetHandler(MainCommand command, CommandActions::Handler handler) {
-  actions_.SetHandler(command, std::move(handler));
+  actions_.SetHandler(command, [this, run = std::move(handler)] {
+    CommitFocus();
+    run();
+  });
+}
+
+// A window behind others gives no focus away: its field is told that it lost it.
+void MainWindow::CommitFocus() {
+  const QPointer<QWidget> focus = focusWidget();
+  if (!focus || !tab_folder_->currentWidget()->isAncestorOf(focus)) {
+    return;
+  }
+  if (!isActiveWindow()) {
+    QFocusEvent left(QEvent::FocusOut, Qt::OtherFocusReason);
+    QApplication::sendEvent(focus, &left);
+    return;
+  }
+  centralWidget()->setFocus(Qt::OtherFocusReason);
+  if (focusWidget() != centralWidget()) {
+    return;
+  }
+  for (QWidget* back = focus; back != nullptr && back != this; back = back->parentWidget()) {
+    if (back->isVisible() && back->focusPolicy() != Qt::NoFocus) {
+      back->setFocus(Qt::OtherFocusReason);
+      return;
+    }
+  }
 }
 
 void MainWindow::ApplyCaptions() {
@@ -176,6 +205,7 @@ void MainWindow::paintEvent(QPaintEvent* event) {
 
 void MainWindow::closeEvent(QCloseEvent* event) {
   event->ignore();
+  CommitFocus();
   Q_EMIT CloseRequested();
 }
 

@@ -38,6 +38,11 @@ class MainWindow : public QMainWindow,
   TabFolder& Tabs() { return tabs_; }
   PanelRow& Panels() { return *panels_; }
 
+  // Stores what stands in the field or cell with the focus, as leaving it does. The focus comes
+  // back to it, unless a refusal has taken it elsewhere. Menus and the toolbar take no focus away,
+  // so every command begins with this, and so does the close box.
+  void CommitFocus();
+
   // A command without a handler is off.
   void SetHandler(MainCommand command, CommandActions::Handler handler);
 

@@ -11,6 +11,7 @@
 
 #include "desktop/form_parts.h"
 #include "desktop/ingredient_drop_down.h"
+#include "desktop/recipe_grid_header.h"
 #include "desktop/tabular_figures.h"
 
 namespace vrx {
@@ -60,11 +61,8 @@ RecipeGrid::RecipeGrid(RecipeGridEvents& events, QWidget* parent)
 
 void RecipeGrid::SetUpHeaders() {
   verticalHeader()->hide();
+  setHorizontalHeader(new RecipeGridHeader(this));
   QHeaderView& header = *horizontalHeader();
-  header.setSectionsMovable(true);
-  header.setHighlightSections(false);
-  header.setSectionsClickable(false);
-  header.setMinimumSectionSize(3 * kSpacing);
   connect(&header, &QHeaderView::sectionResized, this, [this] {
     sized_by_operator_ = sized_by_operator_ || !sizing_;
     Q_EMIT LaidOut();
@@ -104,9 +102,11 @@ void RecipeGrid::ShowColumns(LineEntry entry) {
     return;
   }
   entry_ = entry;
+  sizing_ = true;
   for (int column = 0; column < kRecipeColumnCount; ++column) {
     setColumnHidden(column, !IsColumnShown(column, entry));
   }
+  sizing_ = false;
   if (entry == LineEntry::kPercent) {
     QHeaderView& header = *horizontalHeader();
     header.moveSection(header.visualIndex(kColumnIngredientPercent), kPercentPosition);

@@ -37,7 +37,7 @@ RecipeTotalsRow::RecipeTotalsRow(const RecipeGrid& grid, QWidget* parent)
     QLabel* const label = IsLeft(column) ? AddLabel(*strip_, "lblTarTot", kTotalsCaption)
                                          : AddLabel(*strip_, row.total_label);
     label->setAlignment((IsLeft(column) ? Qt::AlignLeft : Qt::AlignRight) | Qt::AlignVCenter);
-    label->setContentsMargins(kCellMargin, 0, kCellMargin, 0);
+    label->setIndent(kCellMargin);
     MakeDemiBold(*label);
     if (!IsLeft(column)) {
       label->setFont(TabularFigures(label->font()));

@@ -340,10 +340,18 @@ void RecipesPage::Activated() {
   grid.setUpdatesEnabled(true);
 }
 
+// A line that is complete is not lost with its database.
+void RecipesPage::CommitPending() {
+  if (editor_ && editor_->OnShow().entry_pending) {
+    Run([](RecipeEditor& editor) { editor.CommitRow(); });
+  }
+}
+
 void RecipesPage::Rebind(DatabaseKind kind, const BoundDatabase& database) {
   if (kind != DatabaseKind::kRecipe) {
     return;
   }
+  CommitPending();
   SQLite::Database& connection = *database.connection;
   std::vector<IngredientRecord> ingredients = ReadActiveIngredients(connection);
   std::shared_ptr<RecipeEditor> editor = MakeEditor(connection, 1);
@@ -362,6 +370,7 @@ void RecipesPage::Rebind(DatabaseKind kind, const BoundDatabase& database) {
 }
 
 void RecipesPage::ReleaseViews() {
+  CommitPending();
   lines_->GrdRec().GiveUpEdit();
   ++visit_;
   editor_.reset();

@@ -73,6 +73,7 @@ class RecipesPage : public RecordPage, private RecipeGridEvents {
   std::shared_ptr<RecipeEditor> MakeEditor(SQLite::Database& connection, int id);
 
   bool Select(int id);
+  void CommitPending();
   void ReadIngredients();
   void ShowUnit();
   // False: what waited must not go on.

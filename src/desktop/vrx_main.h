@@ -50,7 +50,10 @@ class VrxMain : public QObject, public MainForm {
   void UnloadSetup() override { transfer_.UnloadSetup(); }
   std::optional<WindowPlace> Place() const override;
   RecentFile Recent(DatabaseKind kind) const override;
-  void CloseRecipeDatabase() override { databases_.CloseRecipeDatabase(); }
+  void CloseRecipeDatabase() override {
+    window_.CommitFocus();
+    databases_.CloseRecipeDatabase();
+  }
   void CloseTransactionDatabase() override { databases_.CloseTransactionDatabase(); }
   void ReleaseDataControls() override { databases_.Release(); }
   void ClearIngredientDropDown() override {}
