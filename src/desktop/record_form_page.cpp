@@ -149,7 +149,7 @@ void RecordFormPage::Rebind(DatabaseKind kind, const BoundDatabase& database) {
   blank_ = database.blank;
   read_only_ = !database.read_only_note.empty();
   ShowReadOnly(ToQString(database.read_only_note));
-  FillIdList();
+  FillIdList([] {});
   GoTo(1);
   RefreshGrid();
   CameToAnother();
@@ -163,17 +163,17 @@ void RecordFormPage::ShowReadOnly(const QString& reason) {
   grid_->Model().SetReadOnly(!reason.isEmpty());
 }
 
-void RecordFormPage::FillIdList() {
+void RecordFormPage::FillIdList(const std::function<void()>& filled) {
   for (const RecordRow& row : ReadRows(false)) {
     const bool active = !row.cells.at(kDescriptionColumn).isEmpty();
     id_list_->SetItem(row.id, active ? row.cells.at(kNameColumn).toStdString() : std::string());
-    ports_.record_loaded();
+    filled();
   }
 }
 
 void RecordFormPage::LoadIdLists() {
   grid_->hide();
-  FillIdList();
+  FillIdList(ports_.record_loaded);
   GoTo(1);
   grid_->setVisible(view_all_->isChecked());
 }

@@ -3,6 +3,7 @@
 #include <QCheckBox>
 #include <QGridLayout>
 #include <QLabel>
+#include <functional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -115,7 +116,7 @@ class RecordFormPage : public RecordPage {
   void ChooseRow(int id);
   bool Show(int position);
   std::string Left(std::string_view field, std::string_view text) const;
-  void FillIdList();
+  void FillIdList(const std::function<void()>& filled);
 
   RecordPorts ports_;
   const Design design_;
