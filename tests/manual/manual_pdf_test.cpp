@@ -22,9 +22,9 @@ using manual::BlockKind;
 using manual::Chapter;
 using ::testing::EndsWith;
 using ::testing::HasSubstr;
-using ::testing::IsEmpty;
 
 constexpr std::string_view kFoot = "VRX-2260 Transfer Data Software Page ";
+constexpr const char* kChapters = VRX_SOURCE_DIR "/docs/manual";
 constexpr const char* kManual = VRX_BIN_DIR "/VRX2260_U.PDF";
 
 Result Run(const std::string& program, const std::vector<std::string>& args) {
@@ -35,7 +35,7 @@ Result Run(const std::string& program, const std::vector<std::string>& args) {
 }
 
 // A program of the PATH.
-Result RunTool(std::vector<std::string> command) { return Run("/usr/bin/env", command); }
+Result RunTool(const std::vector<std::string>& command) { return Run("/usr/bin/env", command); }
 
 Result MakeManual(const std::string& chapters, const std::string& target) {
   return Run(VRX_MAKE_MANUAL, {chapters, VRX_BIN_DIR, target});
@@ -188,7 +188,7 @@ std::string Undated(const std::string& pdf) {
 TEST(ManualPdf, ComesOutTheSameAgain) {
   const TempFolder folder;
   const std::string again = (folder / "again.pdf").string();
-  const Result result = MakeManual(VRX_SOURCE_DIR "/docs/manual", again);
+  const Result result = MakeManual(kChapters, again);
   ASSERT_EQ(result.code, 0) << result.err;
   EXPECT_TRUE(Undated(again) == Undated(kManual)) << "another PDF";
 }
@@ -231,10 +231,10 @@ TEST_F(ManualSource, IsRefusedForAMarkThatIsNotClosed) {
 
 TEST_F(ManualSource, IsRefusedWithoutAFont) {
   // Of a system that has none.
-  folder_.Write("fonts.conf", "<?xml version=\"1.0\"?><fontconfig></fontconfig>");
+  folder_.Write("fonts.conf", R"(<?xml version="1.0"?><fontconfig></fontconfig>)");
   const Result result =
-      RunTool({"FONTCONFIG_FILE=" + (folder_ / "fonts.conf").string(), VRX_MAKE_MANUAL,
-               VRX_SOURCE_DIR "/docs/manual", VRX_BIN_DIR, (folder_ / "manual.pdf").string()});
+      RunTool({"FONTCONFIG_FILE=" + (folder_ / "fonts.conf").string(), VRX_MAKE_MANUAL, kChapters,
+               VRX_BIN_DIR, (folder_ / "manual.pdf").string()});
   EXPECT_EQ(result.code, 1);
   EXPECT_THAT(result.err, HasSubstr("the font DejaVu Sans is not installed"));
   EXPECT_FALSE(std::filesystem::exists(folder_ / "manual.pdf"));
