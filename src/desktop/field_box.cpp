@@ -21,7 +21,7 @@ bool LeavesField(const QFocusEvent& event) {
 }
 
 int WidthFor(const QWidget& box, std::size_t characters) {
-  const int character = box.fontMetrics().horizontalAdvance(QLatin1Char('M'));
+  const int character = box.fontMetrics().horizontalAdvance(QLatin1Char('W'));
   return static_cast<int>(characters) * character + kGroupSpacing;
 }
 

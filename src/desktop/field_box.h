@@ -12,7 +12,7 @@ namespace vrx {
 // a list that drops down or another window in front leaves it on show with what stands in it.
 bool LeavesField(const QFocusEvent& event);
 
-// Logical pixels for that many of the widget's wide characters and what a box puts around them.
+// Logical pixels for that many of the widest characters and what a box puts around them.
 int WidthFor(const QWidget& box, std::size_t characters);
 
 // A box of a form for a field, as wide as what it holds. The field's filter outlives it.

@@ -87,7 +87,7 @@ void RecordFormPage::LayOut() {
   form_->setHorizontalSpacing(kSpacing);
   form_->setVerticalSpacing(kSpacing);
   constexpr int kGap = kFreeColumn - 1;
-  constexpr int kRest = 99;
+  constexpr int kRest = kFreeColumn + 2;
   form_->setColumnMinimumWidth(kGap, 2 * kGroupSpacing);
   form_->setColumnStretch(kRest, 1);
   QLabel* const description = Caption("lblDescription", kDescriptionCaption, description_);

@@ -87,7 +87,7 @@ class RecordFormPage : public RecordPage {
 
   // Rows of FormLayout.
   enum FormRow { kIdRow, kNameRow, kDescriptionRow, kNumberRow };
-  // Its first column that the kind may use.
+  // The first of its two columns that the kind may use; what is left over is behind them.
   static constexpr int kFreeColumn = 3;
 
   std::string NameText() const { return name_->Text(); }

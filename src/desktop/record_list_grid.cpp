@@ -99,13 +99,12 @@ bool RecordListModel::setData(const QModelIndex& index, const QVariant& value, i
 // Cells are typed into through boxes that drop what the form's boxes drop.
 class RecordListGrid::CellDelegate : public QStyledItemDelegate {
  public:
-  CellDelegate(RecordKind kind, RecordListGrid* grid)
-      : QStyledItemDelegate(grid), kind_(kind), grid_(grid) {}
+  explicit CellDelegate(RecordListGrid* grid) : QStyledItemDelegate(grid), grid_(grid) {}
 
   QWidget* createEditor(QWidget* parent, const QStyleOptionViewItem& /*option*/,
                         const QModelIndex& index) const override {
     const RecordColumn& column = grid_->Model().Column(index.column());
-    const RecordField& field = FieldOf(kind_, column.field);
+    const RecordField& field = FieldOf(grid_->kind_, column.field);
     auto* const box = new FilteredEdit(
         [filter = field.filter](std::string_view /*text*/, int key) { return filter(key); },
         static_cast<int>(field.limit), parent);
@@ -127,7 +126,6 @@ class RecordListGrid::CellDelegate : public QStyledItemDelegate {
   }
 
  private:
-  RecordKind kind_;
   RecordListGrid* grid_;
 };
 
@@ -135,11 +133,12 @@ RecordListGrid::RecordListGrid(RecordKind kind, const QString& name,
                                std::vector<RecordColumn> columns, QString empty_text,
                                QWidget* parent)
     : QTableView(parent),
+      kind_(kind),
       model_(new RecordListModel(std::move(columns), this)),
       empty_text_(std::move(empty_text)) {
   setObjectName(name);
   setModel(model_);
-  setItemDelegate(new CellDelegate(kind, this));
+  setItemDelegate(new CellDelegate(this));
   setSelectionBehavior(SelectRows);
   setSelectionMode(SingleSelection);
   setEditTriggers(DoubleClicked | EditKeyPressed | AnyKeyPressed);
@@ -159,13 +158,11 @@ RecordListGrid::RecordListGrid(RecordKind kind, const QString& name,
 
 // As wide as what a field may hold, whatever the records are.
 void RecordListGrid::SizeColumns() {
-  constexpr int kLongest = static_cast<int>(kDescriptionLimit);
   for (int column = 0; column < model_->columnCount(); ++column) {
     const RecordColumn& row = model_->Column(column);
-    const int caption = horizontalHeader()->sectionSizeHint(column);
-    const int wide = fontMetrics().horizontalAdvance(QLatin1Char('M'));
-    const int text = wide * (row.field == "Description" ? kLongest : kLongest / 3);
-    setColumnWidth(column, std::max(caption, text) + kGroupSpacing);
+    const int caption = horizontalHeader()->sectionSizeHint(column) + kSpacing;
+    const int text = row.typed ? WidthFor(*this, FieldOf(kind_, row.field).limit) : 0;
+    setColumnWidth(column, std::max(caption, text));
   }
 }
 

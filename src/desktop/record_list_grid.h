@@ -90,6 +90,7 @@ class RecordListGrid : public QTableView {
 
   void SizeColumns();
 
+  RecordKind kind_;
   RecordListModel* model_;
   QString empty_text_;
   bool by_program_ = false;

@@ -130,6 +130,17 @@ TEST_F(RecordTabsTest, TheFlagOfATypedDescriptionIsSharedByTheKinds) {
   EXPECT_EQ(ReadIngredient(Database(), 5).name, "bARLEY") << "leaving the tab leaves the field";
 }
 
+TEST_F(RecordTabsTest, ACommandStoresTheFieldOrCellThatHasTheFocus) {
+  Enter(kTabIngredients);
+  ChooseIn("cboIngID", 5);
+  TypeOver("txtIngDryMatter", "150");
+  Choose(u"mnuEditPen"_qs);
+  EXPECT_EQ(ReadIngredient(Database(), 5).dry_matter_percent, 100);
+  EditCell("grdPEN", 9, "FeedAmount", "70");
+  Choose(u"mnuFileSaveRecipeDB"_qs);
+  EXPECT_EQ(ReadPen(Database(), 9).feed_amount, "70");
+}
+
 TEST_F(RecordTabsTest, AfterASaveAsEveryChangeOfARecordTellsThatItCannotBeDated) {
   Enter(kTabIngredients);
   chooser_.Choose(app_folder_->DefaultAppPath() / "COPY.RDB");
