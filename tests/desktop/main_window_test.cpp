@@ -34,6 +34,9 @@ TEST_F(MainWindowTest, IsWellAtItsSmallestSize) {
   RunEvents();
   EXPECT_EQ(Window().size(), QSize(800, 600));
   EXPECT_LE(Window().centralWidget()->minimumSizeHint().width(), 800);
+  for (const MainTabPage* page : Window().findChildren<MainTabPage*>()) {
+    EXPECT_LE(page->minimumSizeHint().width(), 780) << page->objectName().toStdString();
+  }
 }
 
 }  // namespace

@@ -202,7 +202,9 @@ TEST_F(VrxMainTest, EverythingThatTakesTheFocusHasAName) {
   // The toolkit's own, out of reach of the Tab key.
   const QWidget& month_bar = Find<QWidget>(u"qt_calendar_navigationbar"_qs);
   for (QWidget* widget : Window().findChildren<QWidget*>()) {
-    if (widget->focusPolicy() != Qt::NoFocus && !month_bar.isAncestorOf(widget)) {
+    // The list that a box drops down is a window, and bears the name of its box.
+    const bool dropped = widget->window() != &Window();
+    if (widget->focusPolicy() != Qt::NoFocus && !dropped && !month_bar.isAncestorOf(widget)) {
       QAccessibleInterface* const heard = QAccessible::queryAccessibleInterface(widget);
       ASSERT_NE(heard, nullptr);
       EXPECT_FALSE(heard->text(QAccessible::Name).isEmpty())
