@@ -51,5 +51,6 @@ std::unique_ptr<Command> MakeStoreCommand();
 std::unique_ptr<Command> MakeGroupsCommand();
 std::unique_ptr<Command> MakeShowCommand();
 std::unique_ptr<Command> MakeExportCommand();
+std::unique_ptr<Command> MakePrintCommand();
 
 }  // namespace vrx

@@ -45,6 +45,9 @@ struct CommandContext {
   std::function<std::unique_ptr<SerialLine>(const std::string& device,
                                             const std::filesystem::path& data_folder)>
       make_serial_line;
+
+  // Makes drawing possible, from now to the end of the run; no display is needed.
+  std::function<void()> start_drawing = [] {};
 };
 
 }  // namespace vrx

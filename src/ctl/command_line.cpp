@@ -48,6 +48,7 @@ std::vector<std::unique_ptr<Command>> MakeCommands() {
   commands.push_back(MakeGroupsCommand());
   commands.push_back(MakeShowCommand());
   commands.push_back(MakeExportCommand());
+  commands.push_back(MakePrintCommand());
   return commands;
 }
 

@@ -1,5 +1,7 @@
-#include <QCoreApplication>
+#include <QGuiApplication>
+#include <QLoggingCategory>
 #include <iostream>
+#include <memory>
 #include <string>
 #include <vector>
 
@@ -9,17 +11,41 @@
 #include "ctl/command_line.h"
 #include "ctl/machine.h"
 
+namespace {
+
+// The kind of application that a command needs is made once it does.
+template <typename Application>
+void Need(std::unique_ptr<QCoreApplication>& application, int& argc, char** argv) {
+  if (!application) {
+    application = std::make_unique<Application>(argc, argv);
+  }
+}
+
+}  // namespace
+
 int main(int argc, char** argv) {
   const std::vector<std::string> args(argv + (argc > 0 ? 1 : 0), argv + argc);
-  const QCoreApplication application(argc, argv);
+  std::unique_ptr<QCoreApplication> application;
   const vrx::LinuxSystemInfo system;
   const vrx::LocalCalendar calendar;
-  return vrx::RunCommandLine(args, {.in = std::cin,
-                                    .out = std::cout,
-                                    .err = std::cerr,
-                                    .in_is_terminal = isatty(STDIN_FILENO) != 0,
-                                    .err_is_terminal = isatty(STDERR_FILENO) != 0,
-                                    .system = system,
-                                    .calendar = calendar,
-                                    .make_serial_line = vrx::MakeSerialLine});
+  return vrx::RunCommandLine(
+      args, {.in = std::cin,
+             .out = std::cout,
+             .err = std::cerr,
+             .in_is_terminal = isatty(STDIN_FILENO) != 0,
+             .err_is_terminal = isatty(STDERR_FILENO) != 0,
+             .system = system,
+             .calendar = calendar,
+             .make_serial_line =
+                 [&](const auto& device, const auto& data_folder) {
+                   Need<QCoreApplication>(application, argc, argv);
+                   return vrx::MakeSerialLine(device, data_folder);
+                 },
+             .start_drawing =
+                 [&] {
+                   qputenv("QT_QPA_PLATFORM", "offscreen");
+                   // Its remarks about the desktop that there may not be are none of ours.
+                   QLoggingCategory::setFilterRules(QStringLiteral("default.warning=false"));
+                   Need<QGuiApplication>(application, argc, argv);
+                 }});
 }

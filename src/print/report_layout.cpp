@@ -14,9 +14,9 @@ constexpr double kSmallestHeaderPoints = 4;
 constexpr double kRowPoints = 9.75;
 constexpr double kBoldPoints = 10;
 constexpr double kPointsPerInch = 72;
-constexpr double kPaddingPoints = 3;
+constexpr double kPaddingPoints = 4;
 constexpr double kIndentPoints = 12;
-constexpr double kHairlinePoints = 0.4;
+constexpr double kHairlinePoints = 0.3;
 constexpr double kRowLeading = 1.25;
 constexpr double kMostOfPage = 0.5;  // of its height, for the header
 constexpr double kMostForRight = 1.0 / 3;
@@ -71,13 +71,15 @@ void ReportLayout::LayOutHeader(const PageTexts& texts) {
     header_font_.setPointSizeF(points);
     const QFontMetricsF metrics(header_font_, &device_);
     header_line_ = std::ceil(metrics.lineSpacing());
-    header_right_ = Broken(texts.header_right, header_font_, page_width_ * kMostForRight);
+    header_right_ = Broken(texts.header_right, header_font_, page_width_ * kMostForRight,
+                           QTextOption::WrapAtWordBoundaryOrAnywhere);
     double right = 0;
     for (const QString& line : header_right_) {
       right = std::max(right, metrics.horizontalAdvance(line));
     }
     const double side = right > 0 ? right + metrics.averageCharWidth() * 2 : 0;
-    header_center_ = Broken(texts.header_center, header_font_, page_width_ - 2 * side);
+    header_center_ = Broken(texts.header_center, header_font_, page_width_ - 2 * side,
+                            QTextOption::WrapAtWordBoundaryOrAnywhere);
     const auto lines = std::max(header_center_.size(), header_right_.size());
     caption_top_ = (static_cast<double>(lines) + 1) * header_line_;
     if (caption_top_ <= page_height_ * kMostOfPage) {
@@ -158,8 +160,9 @@ void ReportLayout::FitColumns() {
 void ReportLayout::LayOutCaptions() {
   qsizetype lines = 0;
   for (std::size_t column = 0; column < widths_.size(); ++column) {
-    caption_lines_.push_back(
-        Broken(design_.columns[column].caption, caption_font_, widths_[column] - 2 * padding_));
+    caption_lines_.push_back(Broken(design_.columns[column].caption, caption_font_,
+                                    widths_[column] - 2 * padding_ + hairline_,
+                                    QTextOption::WordWrap));
     lines = std::max(lines, caption_lines_.back().size());
   }
   if (design_.captions) {
@@ -210,12 +213,14 @@ double ReportLayout::TextWidth(const QString& text, const QFont& font) const {
   return QFontMetricsF(font, &device_).horizontalAdvance(text);
 }
 
-QStringList ReportLayout::Broken(const std::string& text, const QFont& font, double width) const {
+// A word that is too long for its place stays whole where only words may be parted.
+QStringList ReportLayout::Broken(const std::string& text, const QFont& font, double width,
+                                 QTextOption::WrapMode mode) const {
   QStringList broken;
   for (const QString& whole : LinesOf(text)) {
     QTextLayout layout(whole, font, &device_);
     QTextOption option;
-    option.setWrapMode(QTextOption::WrapAtWordBoundaryOrAnywhere);
+    option.setWrapMode(mode);
     layout.setTextOption(option);
     layout.beginLayout();
     bool any = false;

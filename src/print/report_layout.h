@@ -4,6 +4,7 @@
 #include <QPagedPaintDevice>
 #include <QString>
 #include <QStringList>
+#include <QTextOption>
 #include <cstdint>
 #include <vector>
 
@@ -70,7 +71,8 @@ class ReportLayout {
   void LayOutCaptions();
   void CutStrips();
   double TextWidth(const QString& text, const QFont& font) const;
-  QStringList Broken(const std::string& text, const QFont& font, double width) const;
+  QStringList Broken(const std::string& text, const QFont& font, double width,
+                     QTextOption::WrapMode mode) const;
 
   const ReportDesign& design_;
   const QPagedPaintDevice& device_;
