@@ -98,13 +98,12 @@ QLabel* RecipeHead::Caption(const char* name, int caption, QWidget* buddy) {
 }
 
 void RecipeHead::LayOut() {
+  // An empty column has its spacing on both sides, which makes the gap between groups.
   enum Column { kCaption1, kField1, kGap1, kCaption2, kField2, kGap2, kCaption3, kField3, kRest };
   auto* const grid = new QGridLayout(this);
   grid->setContentsMargins(0, 0, 0, 0);
   grid->setHorizontalSpacing(kSpacing);
   grid->setVerticalSpacing(kSpacing);
-  grid->setColumnMinimumWidth(kGap1, kGroupSpacing - kSpacing);
-  grid->setColumnMinimumWidth(kGap2, kGroupSpacing - kSpacing);
   grid->setColumnStretch(kRest, 1);
 
   QLabel* const description = Caption("lblRecDesc", kDescriptionCaption, description_);

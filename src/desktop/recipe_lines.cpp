@@ -99,6 +99,7 @@ QLayout* RecipeLines::MakeBottomRow() {
   pen_capacity_ = new ElidedLabel(this);
   pen_capacity_->setObjectName(QStringLiteral("lblRequiresIndicatorPenCapacityX"));
   pen_capacity_->setAlignment(Qt::AlignRight | Qt::AlignVCenter);
+  KeepPlace(*pen_capacity_);
   ShowPenCapacity(std::nullopt);
   row->addWidget(pen_capacity_, 1);
   return row;

@@ -166,6 +166,13 @@ void RecipesSite::Click(int row, RecipeColumn column) {
   RunEvents();
 }
 
+void RecipesSite::Choose(const char* list, int index) {
+  auto& box = Find<QComboBox>(list);
+  box.setCurrentIndex(index);
+  Q_EMIT box.activated(index);
+  RunEvents();
+}
+
 void RecipesSite::AddByKeys(std::string_view ingredient, std::string_view amount) {
   Type(ingredient);
   Press(Qt::Key_Return);

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <QComboBox>
 #include <QLabel>
 #include <QWidget>
 #include <memory>
@@ -15,9 +16,9 @@
 #include "database/identity.h"
 #include "database/records.h"
 #include "database/schema.h"
-#include "feed/recipe_columns.h"
 #include "desktop/recipes_page.h"
 #include "feed/auto_abbreviation.h"
+#include "feed/recipe_columns.h"
 #include "frame/general_delay.h"
 #include "frame/private_ini.h"
 #include "support/fixed_calendar.h"
@@ -92,6 +93,13 @@ class RecipesSite : public ::testing::Test {
   void Click(int row, RecipeColumn column);
   int CurrentRow() { return Grid().currentIndex().row(); }
   int CurrentColumn() { return Grid().currentIndex().column(); }
+
+  // Chooses an item of a list, as the operator does by the mouse.
+  void Choose(const char* list, int index);
+  int Index(const char* list) { return Find<QComboBox>(list).currentIndex(); }
+  // Of `cboRecID`.
+  std::string Item(int id) { return Find<QComboBox>("cboRecID").itemText(id).toStdString(); }
+  void LeaveTo(const char* control) { Find<QWidget>(control).setFocus(); }
 
   // Adds a line behind the last one by keys: the name of the ingredient, then the amount.
   void AddByKeys(std::string_view ingredient, std::string_view amount);
