@@ -79,6 +79,7 @@ void IngredientsPage::LayOut() {
                          kFreeColumn);
   FormLayout().addWidget(where_used_, kNameRow, kFreeColumn);
   FormLayout().addWidget(search_, kNameRow, kFreeColumn + 1);
+  TabBehindNumber({hand_add_, where_used_, search_});
 }
 
 bool IngredientsPage::eventFilter(QObject* watched, QEvent* event) {

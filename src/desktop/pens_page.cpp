@@ -66,7 +66,7 @@ PensPage::PensPage(const RecordPorts& ports, QWidget* parent)
 void PensPage::Prepare() {
   RecordFormPage::Prepare();
   const QString unit = ToQString(Ports().feed.settings.SystemUnits());
-  Grid().Model().SetCaption("FeedAmount", QStringLiteral("Feed Amount (%1)").arg(unit.toLower()));
+  Grid().SetCaption("FeedAmount", QStringLiteral("Feed Amount (%1)").arg(unit.toLower()));
   ShowUnit();
 }
 

@@ -120,6 +120,14 @@ void RecordFormPage::LayOut() {
   page->addLayout(list, 1);
 }
 
+void RecordFormPage::TabBehindNumber(std::initializer_list<QWidget*> controls) {
+  QWidget* last = number_;
+  for (QWidget* const control : controls) {
+    setTabOrder(last, control);
+    last = control;
+  }
+}
+
 void RecordFormPage::Connect() {
   connect(id_list_, &QComboBox::activated, this, &RecordFormPage::ChooseItem);
   connect(id_list_, &RecordIdList::Typed, description_, [this] { description_->setFocus(); });
@@ -172,6 +180,9 @@ void RecordFormPage::FillIdList(const std::function<void()>& filled) {
 }
 
 void RecordFormPage::LoadIdLists() {
+  if (!HasDatabase()) {
+    return;
+  }
   grid_->hide();
   FillIdList(ports_.record_loaded);
   GoTo(1);

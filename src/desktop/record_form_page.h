@@ -4,6 +4,7 @@
 #include <QGridLayout>
 #include <QLabel>
 #include <functional>
+#include <initializer_list>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -101,6 +102,9 @@ class RecordFormPage : public RecordPage {
   bool ActiveOnly() const { return active_only_->isChecked(); }
   void ShowAllRecords() { active_only_->setChecked(false); }
   QLabel* Caption(const char* name, int caption, QWidget* buddy);
+
+  // The Tab key goes from the number to these, and from the last of them on to the list.
+  void TabBehindNumber(std::initializer_list<QWidget*> controls);
 
  private:
   void MakeControls();

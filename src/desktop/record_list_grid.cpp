@@ -160,10 +160,15 @@ RecordListGrid::RecordListGrid(RecordKind kind, const QString& name,
 void RecordListGrid::SizeColumns() {
   for (int column = 0; column < model_->columnCount(); ++column) {
     const RecordColumn& row = model_->Column(column);
-    const int caption = horizontalHeader()->sectionSizeHint(column) + kSpacing;
+    const int caption = horizontalHeader()->sectionSizeHint(column) + kGroupSpacing;
     const int text = row.typed ? WidthFor(*this, FieldOf(kind_, row.field).limit) : 0;
     setColumnWidth(column, std::max(caption, text));
   }
+}
+
+void RecordListGrid::SetCaption(const std::string& field, const QString& caption) {
+  model_->SetCaption(field, caption);
+  SizeColumns();
 }
 
 void RecordListGrid::Show(std::vector<RecordRow> rows, int id) {

@@ -70,6 +70,8 @@ class RecordListGrid : public QTableView {
 
   RecordListModel& Model() const { return *model_; }
 
+  void SetCaption(const std::string& field, const QString& caption);
+
   // Shows these rows and stands on that record, where it is among them.
   void Show(std::vector<RecordRow> rows, int id);
   void Select(int id);

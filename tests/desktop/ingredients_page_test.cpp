@@ -93,6 +93,18 @@ TEST_F(IngredientsPageTest, KeysInTheListGoToTheDescriptionAndChangeNothing) {
   ExpectOnRecord(kHay);
 }
 
+TEST_F(IngredientsPageTest, TheTabKeyGoesThroughTheFormAndThenTheList) {
+  List("cboIngID").setFocus();
+  std::vector<std::string> order;
+  for (int step = 0; step < 9; ++step) {
+    PressKey(step % 2 == 0 ? Qt::Key_Tab : Qt::Key_Return);
+    order.push_back(QApplication::focusWidget()->objectName().toStdString());
+  }
+  EXPECT_THAT(order, ElementsAre("txtIngName", "txtIngDesc", "txtIngDryMatter", "chkIngHandAdd",
+                                 "cboWhereUsed", "cmdSearch", "chkViewAllIngs",
+                                 "chkShowActiveIngsOnly", "grdING"));
+}
+
 // Names.
 
 TEST_F(IngredientsPageTest, ANameTakesItsKeysAsTheIndicatorShowsThem) {
