@@ -1,0 +1,203 @@
+// What the Recipes tab costs its user: from the key that ends the entry of a cell to all figures of
+// 32 lines on the glass, and each recipe of a full database from the navigator's button to the
+// glass. Real widgets, drawn without a display; every edit is stored with a full flush, whose share
+// is told as well.
+
+#include <QApplication>
+#include <QEvent>
+#include <QKeyEvent>
+#include <QVBoxLayout>
+#include <algorithm>
+#include <cstdio>
+#include <exception>
+#include <string>
+#include <vector>
+
+#include <SQLiteCpp/Transaction.h>
+
+#include "database/bound_database.h"
+#include "database/identity.h"
+#include "database/records.h"
+#include "desktop/enter_as_tab.h"
+#include "desktop/recipe_grid.h"
+#include "desktop/recipes_page.h"
+#include "feed/auto_abbreviation.h"
+#include "feed/recipe_columns.h"
+#include "figures.h"
+#include "frame/general_delay.h"
+#include "frame/private_ini.h"
+#include "measure.h"
+#include "support/fixed_calendar.h"
+#include "support/manual_pump.h"
+#include "support/recording_operator.h"
+#include "support/temp_folder.h"
+
+namespace vrx::bench {
+namespace {
+
+constexpr double kKeyLimit = 16;   // ms: a frame of the display
+constexpr double kStepLimit = 20;  // ms
+constexpr int kKeys = 200;
+constexpr std::chrono::milliseconds kBusyTimeout{1000};
+
+std::filesystem::path MakeFullDatabase(const std::filesystem::path& path) {
+  CreateTemplate(path, DatabaseKind::kRecipe);
+  const BoundDatabase bound = BindUserDatabase(path, kBusyTimeout);
+  SQLite::Database& database = *bound.connection;
+  SQLite::Transaction filling(database);
+  for (int id = 1; id <= kIngredientCount; ++id) {
+    const std::string name = "I" + std::to_string(id);
+    WriteIngredient(database, {id, name, name, 50 + id % 50, id % 7 == 0});
+  }
+  const std::string types = "WH%P";
+  for (int id = 1; id <= kRecipeCount; ++id) {
+    RecipeRecord recipe = ReadRecipe(database, id);
+    recipe.description = "Recipe";
+    recipe.batch_type = types.substr(static_cast<std::size_t>(id) % types.size(), 1);
+    recipe.head_count = 250;
+    recipe.ration_target = "50000";
+    WriteRecipe(database, recipe);
+    for (int line = 1; line <= kMaxRecipeLines; ++line) {
+      RecipeLineRecord cells{.recipe_id = std::to_string(id),
+                             .ingredient = std::to_string(1 + (id + line) % kIngredientCount),
+                             .target = std::to_string(100 + line),
+                             .dry_matter_percent = "88",
+                             .sequence = line,
+                             .ingredient_percent = "3.12"};
+      WriteRecipeLine(database, cells);
+    }
+  }
+  filling.commit();
+  return path;
+}
+
+// The page on show, on a database where each recipe is full.
+class ShownPage {
+ public:
+  ShownPage() {
+    settings_.SetEnableBeeperOn(false);
+    form_.resize(1008, 560);
+    (new QVBoxLayout(&form_))->addWidget(&page_);
+    new EnterAsTab(&form_);
+    page_.Rebind(DatabaseKind::kRecipe, bound_);
+    form_.show();
+    form_.activateWindow();
+    page_.LoadIdLists();
+    page_.Prepare();
+    Draw();
+  }
+  ~ShownPage() { page_.ReleaseViews(); }
+  ShownPage(const ShownPage&) = delete;
+  ShownPage& operator=(const ShownPage&) = delete;
+  ShownPage(ShownPage&&) = delete;
+  ShownPage& operator=(ShownPage&&) = delete;
+
+  RecipesPage& Page() { return page_; }
+  SQLite::Database& Database() { return *bound_.connection; }
+
+  static void Draw() {
+    QApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+    QApplication::processEvents();
+  }
+
+  static void Press(int key, const QString& text) {
+    QKeyEvent press(QEvent::KeyPress, key, Qt::NoModifier, text);
+    QApplication::sendEvent(QApplication::focusWidget(), &press);
+  }
+
+  // Types a weight into a line, and returns what the key took that ends it, figures drawn.
+  double EnterWeight(int line, const std::string& weight) {
+    auto& grid = *page_.findChild<RecipeGrid*>(QStringLiteral("grdREC"));
+    grid.setFocus();
+    if (!grid.GoTo(line, kColumnTarget)) {
+      throw Error("the grid does not move");
+    }
+    for (const char digit : weight) {
+      Press(Qt::Key_0 + (digit - '0'), QString(QLatin1Char(digit)));
+    }
+    Draw();
+    return Milliseconds([] {
+      Press(Qt::Key_Return, QStringLiteral("\r"));
+      Draw();
+    });
+  }
+
+ private:
+  testing::TempFolder folder_;
+  testing::ManualPump pump_;
+  testing::RecordingOperator op_;
+  testing::FixedCalendar calendar_;
+  PrivateINI settings_;
+  DatabaseIdentity identity_{op_, calendar_, settings_};
+  GeneralDelay delay_{pump_};
+  AutoAbbreviation abbreviation_;
+  BoundDatabase bound_ = BindUserDatabase(MakeFullDatabase(folder_ / "FULL.RDB"), kBusyTimeout);
+  QWidget form_;
+  RecipesPage page_{
+      {.feed = {.op = op_, .settings = settings_, .calendar = calendar_, .identity = identity_},
+       .delay = delay_,
+       .abbreviation = abbreviation_}};
+};
+
+std::vector<double> Keystrokes(ShownPage& shown, int recipe) {
+  shown.Page().GoTo(recipe);
+  std::vector<double> times;
+  for (int key = 0; key < kKeys; ++key) {
+    times.push_back(shown.EnterWeight(key % (kMaxRecipeLines - 1), std::to_string(1000 + key)));
+  }
+  return times;
+}
+
+std::vector<double> Steps(ShownPage& shown) {
+  std::vector<double> times;
+  shown.Page().GoTo(kRecipeCount);
+  for (int step = 0; step < kRecipeCount; ++step) {
+    times.push_back(Milliseconds([&] {
+      shown.Page().Navigate(kNavigateNext);
+      ShownPage::Draw();
+    }));
+  }
+  return times;
+}
+
+std::string Spread(const std::vector<double>& times) {
+  char text[64];
+  std::snprintf(text, sizeof text, "median %.1f ms of %zu", Median(times), times.size());
+  return text;
+}
+
+double Slowest(const std::vector<double>& times) {
+  return *std::max_element(times.begin(), times.end());
+}
+
+int Run() {
+  ShownPage shown;
+  Figures figures;
+  constexpr int kByWeight = 4;
+  const std::vector<double> flushed = Keystrokes(shown, kByWeight);
+  figures.Told("key to figures, with the flush to the disk, slowest ms", Slowest(flushed),
+               Spread(flushed));
+  const std::vector<double> first = Steps(shown);
+  figures.Told("first step to a recipe, computed and stored, slowest ms", Slowest(first),
+               Spread(first));
+  shown.Database().exec("PRAGMA synchronous = OFF");
+  const std::vector<double> keys = Keystrokes(shown, kByWeight);
+  figures.Limited("key to figures, slowest ms", Slowest(keys), kKeyLimit, Spread(keys));
+  const std::vector<double> steps = Steps(shown);
+  figures.Limited("step to a recipe, slowest ms", Slowest(steps), kStepLimit, Spread(steps));
+  return figures.Over() == 0 ? 0 : 1;
+}
+
+}  // namespace
+}  // namespace vrx::bench
+
+int main(int argc, char** argv) {
+  qputenv("QT_QPA_PLATFORM", "offscreen");
+  const QApplication application(argc, argv);
+  try {
+    return vrx::bench::Run();
+  } catch (const std::exception& failure) {
+    std::fprintf(stderr, "%s\n", failure.what());
+    return 2;
+  }
+}
