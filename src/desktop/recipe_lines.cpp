@@ -51,6 +51,9 @@ QWidget* RecipeLines::MakeGridPlace() {
   hint_->setForegroundRole(QPalette::PlaceholderText);
   hint_->hide();
   layout->addWidget(hint_);
+  scan_ = new ScanPanel(place);
+  scan_->hide();
+  layout->addWidget(scan_, 0, Qt::AlignCenter);
   return place;
 }
 
@@ -85,6 +88,7 @@ QLayout* RecipeLines::MakeBottomRow() {
   delete_->setObjectName(QStringLiteral("cmdDeleteIng"));
   delete_->setToolTip(QStringLiteral("Delete the ingredient from this recipe"));
   connect(delete_, &QPushButton::clicked, this, &RecipeLines::DeleteClicked);
+  KeepPlace(*delete_);
   row->addWidget(delete_);
   row->addSpacing(kGroupSpacing - kSpacing);
   use_navigator_ = new QCheckBox(QStringLiteral("Show Navigator"), this);
@@ -121,6 +125,24 @@ void RecipeLines::HideGrid() {
   grid_->hide();
   hint_->hide();
   totals_->HideTotals();
+}
+
+ScanPanel& RecipeLines::BeginScan() {
+  grid_was_hidden_ = grid_->isHidden();
+  hint_was_hidden_ = hint_->isHidden();
+  grid_->hide();
+  hint_->hide();
+  delete_->hide();
+  scan_->show();
+  scan_->parentWidget()->layout()->activate();
+  return *scan_;
+}
+
+void RecipeLines::EndScan() {
+  scan_->hide();
+  delete_->show();
+  grid_->setHidden(grid_was_hidden_);
+  hint_->setHidden(hint_was_hidden_);
 }
 
 void RecipeLines::ShowPenCapacity(std::optional<int> size) {

@@ -9,6 +9,7 @@
 #include "desktop/line_navigator.h"
 #include "desktop/recipe_grid.h"
 #include "desktop/recipe_totals_row.h"
+#include "desktop/scan_panel.h"
 #include "feed/recipe_editor.h"
 
 namespace vrx {
@@ -26,6 +27,11 @@ class RecipeLines : public QWidget {
 
   // Grid and totals, until the next Show.
   void HideGrid();
+
+  // While a walk over all recipes lasts, its progress stands in the place of the grid, and
+  // `cmdDeleteIng` is hidden.
+  ScanPanel& BeginScan();
+  void EndScan();
 
   // `lblRequiresIndicatorPenCapacityX`; nothing hides it.
   void ShowPenCapacity(std::optional<int> size);
@@ -48,6 +54,9 @@ class RecipeLines : public QWidget {
   RecipeGrid* grid_;
   RecipeTotalsRow* totals_;
   QLabel* hint_;
+  ScanPanel* scan_;
+  bool grid_was_hidden_ = false;
+  bool hint_was_hidden_ = false;
   QLabel* move_legend_;
   QPushButton* delete_;
   QCheckBox* use_navigator_;

@@ -31,6 +31,9 @@ class RecipesPage : public RecordPage, private RecipeGridEvents {
   // The code of the recipe on show; empty before the first database.
   std::string BatchTypeOnShow() const;
 
+  // The recipe on show, for the printed page; nullptr before the first database.
+  const RecipeOnShow* OnShow() const { return editor_ ? &editor_->OnShow() : nullptr; }
+
   // RecordPage.
   void UpdateRecord() override;
   void CancelRecord() override;

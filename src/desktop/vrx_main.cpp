@@ -93,7 +93,16 @@ VrxMain::VrxMain(const Ports& ports)
                 .identity = identity_,
                 .databases = databases_,
                 .window = window_,
-                .configure_import_columns = [this] { transfer_.ConfigureImportColumns(); }}) {
+                .configure_import_columns = [this] { transfer_.ConfigureImportColumns(); }}),
+      print_({.op = ports.op,
+              .files = ports.files,
+              .settings = ports.settings,
+              .calendar = ports.calendar,
+              .pump = ports.pump,
+              .databases = databases_,
+              .transfer = transfer_,
+              .history = history_,
+              .window = window_}) {
   Connect();
   SetHandlers();
   Load();

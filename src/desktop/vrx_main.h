@@ -10,6 +10,7 @@
 #include "desktop/history_tabs.h"
 #include "desktop/main_form.h"
 #include "desktop/main_window.h"
+#include "desktop/print_commands.h"
 #include "desktop/record_tabs.h"
 #include "desktop/transfer_tabs.h"
 #include "frame/folder.h"
@@ -78,6 +79,7 @@ class VrxMain : public QObject, public MainForm {
   RecordTabs records_;
   TransferTabs transfer_;
   HistoryTabs history_;
+  PrintCommands print_;
   bool first_paint_ = true;
 };
 

@@ -1,0 +1,73 @@
+#pragma once
+
+#include <functional>
+#include <string>
+#include <string_view>
+
+#include "database/lifecycle.h"
+#include "desktop/history_tabs.h"
+#include "desktop/main_window.h"
+#include "desktop/print_setup.h"
+#include "desktop/recipes_page.h"
+#include "desktop/transfer_tabs.h"
+#include "frame/private_ini.h"
+#include "platform/calendar.h"
+#include "platform/event_pump.h"
+#include "platform/operator.h"
+#include "print/reports.h"
+
+namespace vrx {
+
+// `mnuFilePrint` and `mnuFilePrintSetup`: what stands on the tab on show, printed without a dialog.
+// What fails is told.
+class PrintCommands {
+ public:
+  // Everything outlives it.
+  struct Ports {
+    Operator& op;
+    FileChooser& files;
+    const PrivateINI& settings;
+    const Calendar& calendar;
+    EventPump& pump;
+    const DatabaseLifecycle& databases;
+    const TransferTabs& transfer;
+    HistoryTabs& history;
+    MainWindow& window;
+  };
+
+  // Sets the handlers of the two commands.
+  explicit PrintCommands(const Ports& ports);
+
+  void PrintCurrentTab();
+
+ private:
+  using Job = std::function<bool(ReportJob&)>;
+
+  void PrintIngredients();
+  void PrintRecipes();
+  void PrintPens();
+  void PrintTransactions();
+  void PrintImportedTransactions();
+
+  void PrintRecipeOnShow();
+  void PrintAllRecipes(SQLite::Database& recipes);
+  void PrintSheets(SQLite::Database& recipes, const std::function<void(int)>& at_recipe);
+
+  // The common course: refuses an empty grid, else prints under the hourglass.
+  void PrintGrid(std::string_view noun, const Report& report);
+  // False: nothing was printed; the operator has been told, or has said so.
+  bool PrintReport(const Report& report);
+  bool OnPaper(const Job& job);
+  bool PrintPages(ReportJob& job, const Report& report);
+  void Refuse(Icon icon, const std::string& text);
+
+  ReportFacts Facts() const;
+  SQLite::Database* Recipes() const;  // nullptr while none is open
+  bool Ticked(const char* check_box) const;
+
+  Ports ports_;
+  PrintSetup setup_;
+  bool printing_ = false;
+};
+
+}  // namespace vrx
