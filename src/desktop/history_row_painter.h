@@ -33,8 +33,6 @@ class HistoryRowPainter {
  private:
   void PaintGroup(QPainter& painter, const ShownRow& row, const QRect& area,
                   const HistoryLook& look) const;
-  void PaintCell(QPainter& painter, const ShownRow& row, const ColumnSpan& span, const QRect& cell,
-                 const HistoryLook& row_look, bool selected) const;
 
   const QWidget& view_;
   HistoryStyles styles_;

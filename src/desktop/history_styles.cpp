@@ -1,5 +1,7 @@
 #include "desktop/history_styles.h"
 
+#include <cstddef>
+
 #include "desktop/contrast.h"
 #include "desktop/qt_text.h"
 
@@ -48,7 +50,20 @@ QColor TextOn(FormatStyle style, const StyleColor& told, const QColor& color, co
   return told.system ? SystemOn(color, back) : ToldOn(color, back);
 }
 
+QColor ColorOf(const QPalette& palette, const StyleColor& color) {
+  return color.system ? palette.color(RoleOf(*color.system)) : QColor(QRgb{color.rgb});
+}
+
 }  // namespace
+
+HistoryStyles::HistoryStyles(const QPalette& palette) {
+  const HistoryLook usual =
+      Over(palette, FormatStyle::kDefault, {.text = {}, .back = {}, .font = CellFont()});
+  for (std::size_t i = 0; i < looks_.size(); ++i) {
+    looks_.at(i) = Over(palette, static_cast<FormatStyle>(i), usual);
+    selected_.at(i) = Over(palette, FormatStyle::kSelectedRow, looks_.at(i));
+  }
+}
 
 QFont HistoryStyles::CellFont() {
   const FormatStyleLook& look = LookOf(FormatStyle::kDefault);
@@ -70,30 +85,24 @@ QColor HistoryStyles::HeaderColor(const QPalette& palette) {
   return ToldOn(QColor(kHeaderColor), palette.color(QPalette::Button));
 }
 
-HistoryLook HistoryStyles::Row(HistoryRowKind kind, std::int64_t row, bool selected) const {
-  HistoryLook look{.text = {}, .back = {}, .font = CellFont()};
-  look = Over(FormatStyle::kDefault, look);
-  look = Over(RowStyle(kind, row), look);
-  return selected ? Over(FormatStyle::kSelectedRow, look) : look;
+const HistoryLook& HistoryStyles::Row(HistoryRowKind kind, std::int64_t row, bool selected) const {
+  return (selected ? selected_ : looks_).at(static_cast<std::size_t>(RowStyle(kind, row)));
 }
 
-HistoryLook HistoryStyles::Cell(HistoryRowKind kind, int column, const HistoryLook& row,
-                                bool selected) const {
+const HistoryLook& HistoryStyles::Cell(HistoryRowKind kind, int column, std::int64_t row,
+                                       bool selected) const {
   const auto style = CellStyle(kind, column);
-  if (!style) {
-    return row;
-  }
-  const HistoryLook look = Over(*style, row);
-  return selected ? Over(FormatStyle::kSelectedRow, look) : look;
+  return style ? (selected ? selected_ : looks_).at(static_cast<std::size_t>(*style))
+               : Row(kind, row, selected);
 }
 
-HistoryLook HistoryStyles::Over(FormatStyle style, HistoryLook look) const {
+HistoryLook HistoryStyles::Over(const QPalette& palette, FormatStyle style, HistoryLook look) {
   const FormatStyleLook& told = LookOf(style);
   if (told.back) {
-    look.back = ColorOf(*told.back);
+    look.back = ColorOf(palette, *told.back);
   }
   const StyleColor text = told.text.value_or(StyleColor{.system = SystemColor::kWindowText});
-  look.text = TextOn(style, text, ColorOf(text), look.back);
+  look.text = TextOn(style, text, ColorOf(palette, text), look.back);
   if (!told.font.empty()) {
     look.font.setFamily(ToQString(told.font));
   }
@@ -104,10 +113,6 @@ HistoryLook HistoryStyles::Over(FormatStyle style, HistoryLook look) const {
     look.font.setBold(true);
   }
   return look;
-}
-
-QColor HistoryStyles::ColorOf(const StyleColor& color) const {
-  return color.system ? palette_.color(RoleOf(*color.system)) : QColor(QRgb{color.rgb});
 }
 
 }  // namespace vrx

@@ -3,6 +3,7 @@
 #include <QColor>
 #include <QFont>
 #include <QPalette>
+#include <array>
 #include <cstdint>
 
 #include "history/format_style.h"
@@ -24,7 +25,7 @@ struct HistoryLook {
 // background and for the palette's own selection.
 class HistoryStyles {
  public:
-  explicit HistoryStyles(const QPalette& palette) : palette_(palette) {}
+  explicit HistoryStyles(const QPalette& palette);
 
   // Of rows and header; the other looks build on them.
   static QFont CellFont();
@@ -32,16 +33,18 @@ class HistoryStyles {
   static QColor HeaderColor(const QPalette& palette);
 
   // By its number from 1; `selected` for the row that the operator is on.
-  HistoryLook Row(HistoryRowKind kind, std::int64_t row, bool selected) const;
+  const HistoryLook& Row(HistoryRowKind kind, std::int64_t row, bool selected) const;
 
-  // Of a cell of that column, on a row that looks so. A selected row takes the colours from it.
-  HistoryLook Cell(HistoryRowKind kind, int column, const HistoryLook& row, bool selected) const;
+  // Of a cell of that column, on such a row.
+  const HistoryLook& Cell(HistoryRowKind kind, int column, std::int64_t row, bool selected) const;
 
  private:
-  HistoryLook Over(FormatStyle style, HistoryLook look) const;
-  QColor ColorOf(const StyleColor& color) const;
+  using Looks = std::array<HistoryLook, 9>;  // by FormatStyle
 
-  QPalette palette_;
+  static HistoryLook Over(const QPalette& palette, FormatStyle style, HistoryLook look);
+
+  Looks looks_;
+  Looks selected_;
 };
 
 }  // namespace vrx

@@ -1,0 +1,218 @@
+// What the Batched/Fed tab costs its user at a million records: a data group from its choice to the
+// first screen on the glass, every page that is scrolled through, everything expanded with a jump
+// to the end, and memory. Real widgets, drawn without a display.
+
+#include <QApplication>
+#include <QCheckBox>
+#include <QComboBox>
+#include <QScrollBar>
+#include <algorithm>
+#include <chrono>
+#include <cstdio>
+#include <ctime>
+#include <exception>
+#include <functional>
+#include <random>
+#include <span>
+#include <string>
+#include <vector>
+
+#include "database/bound_database.h"
+#include "database/identity.h"
+#include "desktop/history_page.h"
+#include "desktop/qt_text.h"
+#include "figures.h"
+#include "frame/private_ini.h"
+#include "history/data_group.h"
+#include "measure.h"
+#include "support/fixed_calendar.h"
+#include "support/manual_pump.h"
+#include "support/recording_operator.h"
+#include "years.h"
+
+namespace vrx::bench {
+namespace {
+
+constexpr double kScreenLimit = 300;  // ms
+constexpr double kPageLimit = 16;     // ms: a frame of the display
+constexpr double kMemoryLimit = 200;  // MB
+constexpr int kPages = 400;
+constexpr int kJumps = 60;
+constexpr std::chrono::milliseconds kBusyTimeout{1000};
+
+std::string NameOf(const DataGroup& group) {
+  return std::to_string(group.index) + " " + std::string(group.item);
+}
+
+// What the thread that draws has worked, whoever else keeps the machine busy.
+double ProcessorMilliseconds(const std::function<void()>& work) {
+  const auto now = [] {
+    timespec time{};
+    clock_gettime(CLOCK_THREAD_CPUTIME_ID, &time);
+    return static_cast<double>(time.tv_sec) * 1e3 + static_cast<double>(time.tv_nsec) / 1e6;
+  };
+  const double before = now();
+  work();
+  return now() - before;
+}
+
+// The page of a yard, on show.
+class ShownPage {
+ public:
+  explicit ShownPage(const Years& years)
+      : recipes_(BindUserDatabase(years.recipes, kBusyTimeout)),
+        transactions_(BindUserDatabase(years.all, kBusyTimeout)) {
+    page_.resize(1024, 560);
+    page_.Rebind(DatabaseKind::kRecipe, recipes_);
+    page_.Rebind(DatabaseKind::kTransaction, transactions_);
+    page_.TabChanged(0, 0);
+    page_.Prepare();
+    page_.show();
+    Settle();
+  }
+  ~ShownPage() { page_.ReleaseViews(); }
+  ShownPage(const ShownPage&) = delete;
+  ShownPage& operator=(const ShownPage&) = delete;
+
+  void Choose(const DataGroup& group) {
+    Activate("lstGroupBy", group.index);
+    if (!group.named_column.empty()) {
+      auto* const names = page_.findChild<QComboBox*>(QStringLiteral("cboColName"));
+      Activate("cboColName", names->findText(ToQString(PickedName(group))));
+    }
+    Draw();
+  }
+  void ExpandAll(bool on) {
+    page_.findChild<QCheckBox*>(QStringLiteral("chkExpandAll"))->setChecked(on);
+    Draw();
+  }
+  void Scroll(int to) {
+    Bar().setValue(to);
+    Draw();
+  }
+  // What is still to come of the last action.
+  static void Settle() { QApplication::processEvents(); }
+  QScrollBar& Bar() { return *Grid().verticalScrollBar(); }
+  int Rows() { return Grid().Model().rowCount(); }
+
+ private:
+  HistoryTableView& Grid() {
+    return *page_.findChild<HistoryTableView*>(QStringLiteral("grdTRANS"));
+  }
+  void Activate(const char* list, int item) {
+    auto* const box = page_.findChild<QComboBox*>(QString::fromLatin1(list));
+    box->setCurrentIndex(item);
+    Q_EMIT box->activated(item);
+  }
+  // All of what is to be drawn, at once and not when the display asks for it.
+  void Draw() { Grid().viewport()->repaint(); }
+
+  testing::RecordingOperator op_;
+  testing::ManualPump pump_;
+  testing::FixedCalendar calendar_;
+  PrivateINI settings_;
+  DatabaseIdentity identity_{op_, calendar_, settings_};
+  BoundDatabase recipes_;
+  BoundDatabase transactions_;
+  HistoryPage page_{
+      {.op = op_, .pump = pump_, .identity = identity_, .active_ingredients_only = [] {
+         return false;
+       }}};
+};
+
+class HistoryPageBench {
+ public:
+  explicit HistoryPageBench(const BenchOptions& options)
+      : options_(options), years_(options.rows) {}
+
+  int Run(int& argc, char** argv) {
+    std::printf("%-60s %9s  %7s\n", "figure", "", "limit");
+    for (const DataGroup& group : MeasuredGroups(options_)) {
+      Memory(group, argc, argv);
+    }
+    const QApplication application(argc, argv);
+    for (const DataGroup& group : MeasuredGroups(options_)) {
+      FirstScreen(group);
+      Scrolling(group);
+    }
+    return figures_.Over();
+  }
+
+ private:
+  void FirstScreen(const DataGroup& group) {
+    ShownPage page(years_);
+    std::vector<double> times;
+    for (int round = 0; round <= options_.rounds; ++round) {
+      page.Choose(*FindDataGroup(group.index == 0 ? 1 : 0));
+      ShownPage::Settle();
+      times.push_back(Milliseconds([&] { page.Choose(group); }));
+    }
+    times.erase(times.begin());
+    figures_.Limited(NameOf(group) + ": chosen to first screen, ms", Median(times), kScreenLimit);
+  }
+
+  // Through the pages one by one, and to places all over.
+  void Scrolling(const DataGroup& group) {
+    ShownPage page(years_);
+    page.Choose(group);
+    const double expanded = Milliseconds([&] {
+      page.ExpandAll(true);
+      page.Scroll(page.Bar().maximum());
+    });
+    figures_.Told(NameOf(group) + ": all expanded, to the end, ms", expanded,
+                  std::to_string(page.Rows()) + " rows");
+    std::vector<double> pages;
+    const auto scroll = [&](int to) {
+      ShownPage::Settle();
+      pages.push_back(ProcessorMilliseconds([&] { page.Scroll(to); }));
+    };
+    for (int at = 0, i = 0; i < kPages && at <= page.Bar().maximum(); ++i) {
+      scroll(at);
+      at += page.Bar().pageStep();
+    }
+    std::mt19937 random(1);
+    std::uniform_int_distribution<int> anywhere(0, page.Bar().maximum());
+    for (int i = 0; i < kJumps; ++i) {
+      scroll(anywhere(random));
+    }
+    std::sort(pages.begin(), pages.end());
+    figures_.Limited(NameOf(group) + ": a page scrolled, 99 of 100, ms",
+                     pages[pages.size() * 99 / 100], kPageLimit,
+                     "the slowest " + std::to_string(pages.back()) + " ms, half of them within " +
+                         std::to_string(Median(pages)) + " ms");
+  }
+
+  void Memory(const DataGroup& group, int& argc, char** argv) {
+    const double peak = PeakMegabytes([&] {
+      const QApplication application(argc, argv);
+      ShownPage page(years_);
+      page.Choose(group);
+      page.ExpandAll(true);
+      const int step = std::max(1, page.Bar().maximum() / 200);
+      for (int at = 0; at <= page.Bar().maximum() - step; at += step) {
+        page.Scroll(at);
+      }
+    });
+    figures_.Limited(NameOf(group) + ": memory, all expanded and looked at, MB", peak,
+                     kMemoryLimit);
+  }
+
+  BenchOptions options_;
+  Years years_;
+  Figures figures_;
+};
+
+}  // namespace
+}  // namespace vrx::bench
+
+int main(int argc, char** argv) {
+  qputenv("QT_QPA_PLATFORM", "offscreen");
+  try {
+    const std::span<const char* const> arguments(argv + 1, static_cast<std::size_t>(argc) - 1);
+    vrx::bench::HistoryPageBench bench(vrx::bench::ReadBenchOptions(arguments));
+    return bench.Run(argc, argv) == 0 ? 0 : 3;
+  } catch (const std::exception& error) {
+    std::fprintf(stderr, "history_page_bench: %s\n", error.what());
+    return 1;
+  }
+}
