@@ -54,9 +54,12 @@ void SetIfOther(FilteredEdit& box, std::string_view text) {
 
 }  // namespace
 
-RecordFormPage::RecordFormPage(const RecordPorts& ports, const Design& design, QWidget* parent)
-    : RecordPage(parent), ports_(ports), design_(design), traits_(TraitsOf(design.kind)) {
-  setObjectName(QString::fromLatin1(design.page));
+RecordFormPage::RecordFormPage(RecordPorts ports, Design design, QWidget* parent)
+    : RecordPage(parent),
+      ports_(std::move(ports)),
+      design_(std::move(design)),
+      traits_(TraitsOf(design_.kind)) {
+  setObjectName(QString::fromLatin1(design_.page));
   MakeControls();
   LayOut();
   Connect();

@@ -59,7 +59,7 @@ class RecordFormPage : public RecordPage {
     QString empty_grid;
   };
 
-  RecordFormPage(const RecordPorts& ports, const Design& design, QWidget* parent);
+  RecordFormPage(RecordPorts ports, Design design, QWidget* parent);
 
   // The part of a kind. The first three throw.
   //
