@@ -5,6 +5,7 @@
 #include <string>
 
 #include "database/translated.h"
+#include "desktop/record_page.h"
 #include "frame/files.h"
 #include "frame/number.h"
 
@@ -75,9 +76,13 @@ std::vector<IngredientRecord> TransferTabs::GridIngredients() {
   return records;
 }
 
-void TransferTabs::RecipesStored(int /*highest_in_use*/) {
+void TransferTabs::RecipesStored(int highest_in_use) {
   const BoundDatabase& bound = ports_.databases.Bound(DatabaseKind::kRecipe);
   ports_.window.Rebind(DatabaseKind::kRecipe, bound);
+  auto* const recipes = ports_.window.findChild<RecordPage*>(QStringLiteral("pageRecipes"));
+  if (recipes != nullptr && highest_in_use > 0) {
+    recipes->GoTo(highest_in_use);
+  }
   const std::optional<Date> modified =
       ports_.identity.GetDatabaseDate(bound.path, DateSelector::kModified);
   ports_.window.SetStatusPanel(DatabaseKind::kRecipe, kPanelModified,

@@ -1,7 +1,10 @@
 #include "desktop/data_transfer_page.h"
 
+#include <QComboBox>
+
 #include <gmock/gmock.h>
 
+#include "desktop/record_page.h"
 #include "desktop/transfer_site.h"
 #include "support/full_recipe_database.h"
 
@@ -326,6 +329,8 @@ TEST_F(DataTransferPageTest, WhatADownloadStoredIsReadAnew) {
   Click(u"cmdDownloadRecipeDB"_qs);
   EXPECT_EQ(operator_.status_color, StatusColor::kGreen);
   EXPECT_EQ(Find<DatabaseStatusBar>(u"sbRecipe"_qs).Panel(kPanelModified), u"3/7/2026"_qs);
+  EXPECT_EQ(Find<RecordPage>(u"pageRecipes"_qs).Position(), 100);
+  EXPECT_EQ(Find<QComboBox>(u"cboRecID"_qs).currentIndex(), 100);
 }
 
 TEST_F(DataTransferPageTest, DownloadOfABackupNeedsAnOpenOne) {
