@@ -9,6 +9,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include "database/database_error.h"
 #include "frame/private_ini.h"
 #include "small_history.h"
 #include "support/fixed_calendar.h"
@@ -351,6 +352,43 @@ TEST_F(HistoryViewTest, AnotherTransactionDatabaseShowsTheSelectedGroup) {
   view.SetTransactionDatabase(*other);
   EXPECT_THAT(Lines(), ElementsAre("[1] Pen:Z"));
   EXPECT_EQ(view.GroupIndex(), 8);
+}
+
+TEST_F(HistoryViewTest, AnotherTransactionDatabaseStandsOpenWhileAllAreExpanded) {
+  view.SetExpandAll(true);
+  view.SelectGroup(8);
+  other.emplace(SmallHistory(folder, "OTHER.TDB"));
+  const auto before = Lines();
+  view.SetTransactionDatabase(*other);
+  EXPECT_EQ(Lines(), before);
+  EXPECT_TRUE(view.Grid().ColumnHeaders());
+  view.SetExpandAll(false);
+  view.OpenGroup(1);
+  view.SetTransactionDatabase(transactions);
+  EXPECT_FALSE(view.Grid().ColumnHeaders());
+}
+
+TEST_F(HistoryViewTest, ATransactionDatabaseThatCannotBeReadIsThrownAndTheOldOneStays) {
+  view.SelectGroup(8);
+  const auto before = Lines();
+  other.emplace(SmallHistory(folder, "OTHER.TDB"));
+  other->exec("DROP TABLE Transactions");
+  EXPECT_THROW(view.SetTransactionDatabase(*other), DatabaseError);
+  EXPECT_TRUE(op.boxes.empty());
+  EXPECT_EQ(Lines(), before);
+}
+
+TEST_F(HistoryViewTest, AnotherRecipeDatabaseRelabelsTheIngredientColumnsAtOnce) {
+  SQLite::Database oats = SmallRecipes(folder, "OATS.RDB");
+  WriteIngredient(oats, {.id = 1, .name = "OATS", .description = "Oats"});
+  view.SetRecipeDatabase(&oats);
+  EXPECT_THAT(VisibleCaptions(view.Grid()), Contains("OATS"));
+  SQLite::Database broken = SmallRecipes(folder, "BROKEN.RDB");
+  broken.exec("DROP TABLE Ingredient");
+  EXPECT_THROW(view.SetRecipeDatabase(&broken), DatabaseError);
+  EXPECT_THAT(VisibleCaptions(view.Grid()), Contains("OATS"));
+  view.SetRecipeDatabase(nullptr);
+  EXPECT_THAT(VisibleCaptions(view.Grid()), Not(Contains("OATS")));
 }
 
 TEST_F(HistoryViewTest, GroupTenKeepsTheOrderOfTheGroupBefore) {
