@@ -6,9 +6,7 @@
 #include <string>
 #include <system_error>
 
-#include <fcntl.h>
-#include <unistd.h>
-
+#include "disk/sync.h"
 #include "frame/files.h"
 
 namespace vrx {
@@ -17,8 +15,12 @@ namespace fs = std::filesystem;
 
 namespace {
 
+[[noreturn]] void Fail(const fs::path& path, const std::string& why) {
+  throw FileError("cannot write " + path.string() + ": " + why);
+}
+
 [[noreturn]] void Fail(const fs::path& path, const std::error_code& why) {
-  throw FileError("cannot write " + path.string() + ": " + why.message());
+  Fail(path, why.message());
 }
 
 // What the C library said about the operation that has just failed.
@@ -33,9 +35,21 @@ fs::path ResolveLink(const fs::path& path) {
   return error ? path : target;
 }
 
+fs::file_status Status(const fs::path& path) {
+  std::error_code ignored;
+  return fs::status(path, ignored);
+}
+
 }  // namespace
 
 ReplacingFile::ReplacingFile(const fs::path& path) : target_(ResolveLink(path)), side_(target_) {
+  const fs::file_status old = Status(target_);
+  if (fs::is_directory(old)) {
+    Fail(target_, std::make_error_code(std::errc::is_a_directory));
+  }
+  if (fs::exists(old) && !fs::is_regular_file(old)) {
+    Fail(target_, "it is a device or a pipe, not a file");
+  }
   side_ += "." + std::to_string(std::random_device{}()) + ".tmp";
   errno = 0;
   out_.open(side_, std::ios::binary | std::ios::trunc);
@@ -63,28 +77,17 @@ void ReplacingFile::TakePlace() {
   if (!out_) {
     Fail(target_, LastError());
   }
-  Sync();
+  // A power cut must not leave the new name with the bytes still unwritten.
+  if (const std::error_code unsynced = SyncToDisk(side_)) {
+    Fail(target_, unsynced);
+  }
   std::error_code error;
-  const fs::file_status old = fs::status(target_, error);
+  const fs::file_status old = Status(target_);
   if (fs::is_regular_file(old)) {
     fs::permissions(side_, old.permissions(), error);
   }
   fs::rename(side_, target_, error);
   if (error) {
-    Fail(target_, error);
-  }
-}
-
-// A power cut must not leave the new name with the bytes still unwritten.
-void ReplacingFile::Sync() const {
-  const int file = open(side_.c_str(), O_RDONLY | O_CLOEXEC);
-  const bool synced = file >= 0 && fsync(file) == 0;
-  const std::error_code error = synced ? std::error_code() : LastError();
-  if (file >= 0) {
-    close(file);
-  }
-  // A file system without syncing says EINVAL; it has done what it can.
-  if (!synced && error != std::errc::invalid_argument) {
     Fail(target_, error);
   }
 }

@@ -8,8 +8,8 @@ namespace vrx {
 
 // A file written piece by piece beside its path, which it takes once it is whole. Until then the
 // path holds what it held before, and an object that goes without TakePlace leaves nothing behind.
-// A link stays, and what it points to is replaced. Every call throws FileError, which names the
-// path and says why.
+// A link stays, and what it points to is replaced; a folder, a device or a pipe is refused. Every
+// call throws FileError, which names the path and says why.
 class ReplacingFile {
  public:
   explicit ReplacingFile(const std::filesystem::path& path);
@@ -23,8 +23,6 @@ class ReplacingFile {
   void TakePlace();
 
  private:
-  void Sync() const;
-
   std::filesystem::path target_;
   std::filesystem::path side_;
   std::ofstream out_;

@@ -4,6 +4,7 @@
 #include <iterator>
 
 #include <gtest/gtest.h>
+#include <sys/stat.h>
 
 #include "frame/files.h"
 #include "support/temp_folder.h"
@@ -52,6 +53,32 @@ TEST_F(ReplacingFileTest, NamesTheFileThatCannotBeMade) {
   } catch (const FileError& error) {
     EXPECT_EQ(error.what(), "cannot write " + nowhere.string() + ": No such file or directory");
   }
+}
+
+TEST_F(ReplacingFileTest, RefusesAFolder) {
+  fs::create_directory(path_);
+  try {
+    const ReplacingFile file(path_);
+    FAIL() << "a folder was taken for a file";
+  } catch (const FileError& error) {
+    EXPECT_EQ(error.what(), "cannot write " + path_.string() + ": Is a directory");
+  }
+  EXPECT_TRUE(fs::is_directory(path_));
+}
+
+TEST_F(ReplacingFileTest, RefusesAPipeEvenThroughALink) {
+  const fs::path pipe = folder_.Path() / "pipe";
+  ASSERT_EQ(mkfifo(pipe.c_str(), S_IRUSR | S_IWUSR), 0);
+  fs::create_symlink(pipe, path_);
+  try {
+    const ReplacingFile file(path_);
+    FAIL() << "a pipe was taken for a file";
+  } catch (const FileError& error) {
+    EXPECT_EQ(error.what(),
+              "cannot write " + pipe.string() + ": it is a device or a pipe, not a file");
+  }
+  EXPECT_TRUE(fs::is_fifo(pipe));
+  EXPECT_EQ(FilesInFolder(), 2);
 }
 
 }  // namespace
