@@ -19,6 +19,7 @@ constexpr int kUnitsCaption = 1095;
 constexpr int kTransactionsCaption = 1096;
 constexpr int kRecordsCaption = 1099;
 constexpr int kBarWidth = 200;
+constexpr int kFilenameStretch = 100;  // it takes room before the row has any to spare
 
 void KeepPlace(QWidget& control) {
   QSizePolicy policy = control.sizePolicy();
@@ -27,16 +28,14 @@ void KeepPlace(QWidget& control) {
 }
 
 // What is told has room for so many characters, so that nothing moves when it is.
-QLabel* AddFact(QHBoxLayout& row, QWidget& page, const char* caption_name, int caption,
-                const char* name, int characters) {
+void AddFact(QHBoxLayout& row, QWidget& page, const char* caption_name, int caption, QLabel& fact,
+             int characters) {
   row.addWidget(AddLabel(page, caption_name, caption));
-  QLabel* const fact = AddLabel(page, name);
-  MakeDemiBold(*fact);
-  fact->setMinimumWidth(fact->fontMetrics().averageCharWidth() * characters);
-  KeepPlace(*fact);
-  row.addWidget(fact);
+  MakeDemiBold(fact);
+  fact.setMinimumWidth(fact.fontMetrics().averageCharWidth() * characters);
+  KeepPlace(fact);
+  row.addWidget(&fact);
   row.addSpacing(kSpacing);
-  return fact;
 }
 
 void Show(QLabel& label, const ImportLabel& held) {
@@ -73,13 +72,18 @@ void ImportPage::LayOut() {
 QLayout* ImportPage::LayOutFacts() {
   auto* const row = new QHBoxLayout;
   row->setSpacing(kSpacing);
-  lbl_trans_filename_ =
-      AddFact(*row, *this, "lblTransFile", kTransactionFileCaption, "lblTransFilename", 16);
-  lbl_trans_uom_ = AddFact(*row, *this, "lblTransUnits", kUnitsCaption, "lblTransUoM", 4);
-  lbl_records_ = AddFact(*row, *this, "lblRecordsCaption", kRecordsCaption, "lblRecords", 6);
-  lbl_transactions_ =
-      AddFact(*row, *this, "lblTransactionsCaption", kTransactionsCaption, "lblTransactions", 6);
-  row->addStretch();
+  lbl_trans_filename_ = new ElidedLabel(this);
+  lbl_trans_filename_->setObjectName(QStringLiteral("lblTransFilename"));
+  lbl_trans_uom_ = AddLabel(*this, "lblTransUoM");
+  lbl_records_ = AddLabel(*this, "lblRecords");
+  lbl_transactions_ = AddLabel(*this, "lblTransactions");
+  AddFact(*row, *this, "lblTransFile", kTransactionFileCaption, *lbl_trans_filename_, 8);
+  lbl_trans_filename_->setMaximumWidth(3 * lbl_trans_filename_->minimumWidth());
+  row->setStretchFactor(lbl_trans_filename_, kFilenameStretch);
+  AddFact(*row, *this, "lblTransUnits", kUnitsCaption, *lbl_trans_uom_, 4);
+  AddFact(*row, *this, "lblRecordsCaption", kRecordsCaption, *lbl_records_, 6);
+  AddFact(*row, *this, "lblTransactionsCaption", kTransactionsCaption, *lbl_transactions_, 6);
+  row->addStretch(1);
   auto* const fit = new QCheckBox(QStringLiteral("&Fit/Print All Columns on Page"), this);
   fit->setObjectName(QStringLiteral("chkImpFitPage"));
   row->addWidget(fit);
