@@ -1,0 +1,33 @@
+#pragma once
+
+#include <filesystem>
+#include <string>
+#include <vector>
+
+namespace vrx::testing {
+
+// A word as it stands on a page, in points from its upper left corner.
+struct PrintedWord {
+  std::string text;
+  double left;
+  double right;
+  double top;
+  double bottom;
+};
+
+struct PrintedPage {
+  double width;
+  double height;
+  std::vector<PrintedWord> words;  // in reading order
+};
+
+// The pages of a PDF file as another program reads them.
+std::vector<PrintedPage> WordsOf(const std::filesystem::path& pdf);
+
+// The lines of each page, empty ones left out, the words of a line parted by one blank.
+std::vector<std::vector<std::string>> LinesOf(const std::filesystem::path& pdf);
+
+// Lines across most of the first page, as they are seen in its picture.
+int RuledLinesOf(const std::filesystem::path& pdf);
+
+}  // namespace vrx::testing
