@@ -1,6 +1,5 @@
 #include "desktop/history_page.h"
 
-#include <QHBoxLayout>
 #include <QSignalBlocker>
 #include <QVBoxLayout>
 #include <exception>
@@ -9,6 +8,7 @@
 
 #include "desktop/main_window_layout.h"
 #include "desktop/qt_text.h"
+#include "desktop/two_part_row.h"
 
 namespace vrx {
 namespace {
@@ -98,7 +98,7 @@ void HistoryPage::LayOut() {
   auto* const column = new QVBoxLayout(this);
   column->setContentsMargins(kGroupSpacing, kGroupSpacing, kGroupSpacing, kGroupSpacing);
   column->setSpacing(kSpacing);
-  column->addLayout(LayOutChoices());
+  column->addWidget(LayOutChoices());
   grid_or_standby_ = new QStackedLayout;
   grid_or_standby_->addWidget(grd_trans_);
   grid_or_standby_->addWidget(txt_standby_);
@@ -107,25 +107,23 @@ void HistoryPage::LayOut() {
   navigator_->hide();
 }
 
-QLayout* HistoryPage::LayOutChoices() {
-  auto* const row = new QHBoxLayout;
-  row->setSpacing(kSpacing);
+QWidget* HistoryPage::LayOutChoices() {
+  auto* const row = new TwoPartRow(this);
   QLabel* const group = AddLabel(*this, "lblGroupBy", kDataGroupCaption);
   group->setBuddy(lst_group_by_);
   lbl_name_->setBuddy(cbo_col_name_);
   KeepPlace(*lbl_name_);
   KeepPlace(*cbo_col_name_);
-  row->addWidget(group);
-  row->addWidget(lst_group_by_);
-  row->addSpacing(kGroupSpacing - kSpacing);
-  row->addWidget(lbl_name_);
-  row->addWidget(cbo_col_name_);
-  row->addStretch();
-  row->addWidget(chk_expand_all_);
-  row->addSpacing(kGroupSpacing - kSpacing);
-  row->addWidget(chk_use_history_navigator_);
-  row->addSpacing(kGroupSpacing - kSpacing);
-  row->addWidget(chk_bat_fit_page_);
+  row->First()->addWidget(group);
+  row->First()->addWidget(lst_group_by_);
+  row->First()->addSpacing(kGroupSpacing - kSpacing);
+  row->First()->addWidget(lbl_name_);
+  row->First()->addWidget(cbo_col_name_);
+  row->Second()->addWidget(chk_expand_all_);
+  row->Second()->addSpacing(kGroupSpacing - kSpacing);
+  row->Second()->addWidget(chk_use_history_navigator_);
+  row->Second()->addSpacing(kGroupSpacing - kSpacing);
+  row->Second()->addWidget(chk_bat_fit_page_);
   return row;
 }
 

@@ -53,7 +53,7 @@ class HistoryPage : public MainTabPage, private HistoryScreen {
   void HistoryChanged(HistoryPart part) override;
 
   void LayOut();
-  QLayout* LayOutChoices();
+  QWidget* LayOutChoices();
   QCheckBox* AddCheck(const char* name, const QString& caption, const QString& meaning);
   void Connect();
   void ConnectGrid();

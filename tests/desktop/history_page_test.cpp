@@ -187,6 +187,26 @@ TEST_F(HistoryPageTest, NoKeyAndNoWheelInPassingChoosesAGroup) {
   EXPECT_EQ(list.currentIndex(), 0);
 }
 
+TEST_F(HistoryPageTest, TheBoxesStandBesideTheChoicesWhereThereIsRoomElseBelow) {
+  ShowTab();
+  ChooseGroup(9);
+  const auto bottom = [this](const QString& name) {
+    auto& control = Find<QWidget>(name);
+    return control.mapTo(&Window(), control.rect().bottomRight());
+  };
+  const auto top = [this](const QString& name) {
+    return Find<QWidget>(name).mapTo(&Window(), QPoint()).y();
+  };
+  for (const auto& [width, below] : {std::pair{1024, false}, {800, true}, {1024, false}}) {
+    Window().resize(width, 600);
+    RunEvents();
+    EXPECT_EQ(top(u"chkExpandAll"_qs) > bottom(u"cboColName"_qs).y(), below) << width;
+    EXPECT_GT(top(u"grdTRANS"_qs), bottom(u"chkExpandAll"_qs).y());
+    EXPECT_LT(bottom(u"cboColName"_qs).x(), width);
+    EXPECT_LT(bottom(u"chkBatFitPage"_qs).x(), width);
+  }
+}
+
 // For the printed page.
 
 TEST_F(HistoryPageTest, TellsTheVisibleColumnsWithTheirWidths) {
