@@ -5,11 +5,30 @@
 namespace vrx {
 namespace {
 
+// Gives way in a narrow window to the width of its text in ordinary characters.
+class Box : public FilteredEdit {
+ public:
+  Box(Filter filter, std::size_t limit, QWidget* parent)
+      : FilteredEdit(std::move(filter), static_cast<int>(limit), parent), limit_(limit) {
+    setSizePolicy(QSizePolicy::Maximum, QSizePolicy::Fixed);
+  }
+
+  QSize sizeHint() const override {
+    return {WidthFor(*this, limit_), FilteredEdit::sizeHint().height()};
+  }
+  QSize minimumSizeHint() const override {
+    return {static_cast<int>(limit_) * fontMetrics().averageCharWidth() + kGroupSpacing,
+            FilteredEdit::minimumSizeHint().height()};
+  }
+
+ private:
+  std::size_t limit_;
+};
+
 FilteredEdit* MakeBox(FilteredEdit::Filter filter, std::size_t limit, const char* name,
                       QWidget* parent) {
-  auto* const box = new FilteredEdit(std::move(filter), static_cast<int>(limit), parent);
+  auto* const box = new Box(std::move(filter), limit, parent);
   box->setObjectName(QString::fromLatin1(name));
-  box->setFixedWidth(WidthFor(*box, limit));
   return box;
 }
 

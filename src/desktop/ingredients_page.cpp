@@ -75,6 +75,7 @@ void IngredientsPage::LayOut() {
   NumberRow().addWidget(AddLabel(*this, "lblPercent", kPercentCaption));
   NumberRow().addSpacing(kSpacing);
   NumberRow().addWidget(hand_add_);
+  NumberRow().addStretch();
   FormLayout().addWidget(Caption("lblWhereUsed", kWhereUsedCaption, where_used_), kIdRow,
                          kFreeColumn);
   FormLayout().addWidget(where_used_, kNameRow, kFreeColumn);

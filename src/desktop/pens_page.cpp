@@ -59,7 +59,8 @@ PensPage::PensPage(const RecordPorts& ports, QWidget* parent)
   QSizePolicy keeps_place = warning_->sizePolicy();
   keeps_place.setRetainSizeWhenHidden(true);
   warning_->setSizePolicy(keeps_place);
-  FormLayout().addWidget(warning_, kNumberRow, kFreeColumn, 1, -1);
+  NumberRow().addSpacing(kGroupSpacing);
+  NumberRow().addWidget(warning_, 1);
   warning_->hide();
 }
 

@@ -11,19 +11,25 @@
 
 #include "desktop/form_parts.h"
 #include "desktop/ingredient_drop_down.h"
-#include "desktop/recipe_grid_header.h"
+#include "desktop/padded_header.h"
+#include "desktop/recipe_grid_columns.h"
 #include "desktop/tabular_figures.h"
 
 namespace vrx {
 namespace {
 
 constexpr int kRowMargin = 10;  // above and below a row's text together
-constexpr int kPercentPosition = 1;
 
 bool IsTyped(const QKeyEvent& key) {
   const bool command =
       (key.modifiers() & (Qt::ControlModifier | Qt::AltModifier)) == Qt::ControlModifier;
   return !command && !key.text().isEmpty() && key.text().front().isPrint();
+}
+
+// Ctrl+Tab turns to another tab of the window, from everywhere.
+bool TurnsTabs(const QKeyEvent& key) {
+  return (key.key() == Qt::Key_Tab || key.key() == Qt::Key_Backtab) &&
+         (key.modifiers() & Qt::ControlModifier) != 0;
 }
 
 bool DropsDown(const QKeyEvent& key) {
@@ -61,8 +67,9 @@ RecipeGrid::RecipeGrid(RecipeGridEvents& events, QWidget* parent)
 
 void RecipeGrid::SetUpHeaders() {
   verticalHeader()->hide();
-  setHorizontalHeader(new RecipeGridHeader(this));
+  setHorizontalHeader(new PaddedHeader(this));
   QHeaderView& header = *horizontalHeader();
+  header.setSectionsMovable(true);
   connect(&header, &QHeaderView::sectionResized, this, [this] {
     sized_by_operator_ = sized_by_operator_ || !sizing_;
     Q_EMIT LaidOut();
@@ -103,35 +110,20 @@ void RecipeGrid::ShowColumns(LineEntry entry) {
   }
   entry_ = entry;
   sizing_ = true;
-  for (int column = 0; column < kRecipeColumnCount; ++column) {
-    setColumnHidden(column, !IsColumnShown(column, entry));
-  }
+  ShowRecipeColumns(*horizontalHeader(), entry);
   sizing_ = false;
-  if (entry == LineEntry::kPercent) {
-    QHeaderView& header = *horizontalHeader();
-    header.moveSection(header.visualIndex(kColumnIngredientPercent), kPercentPosition);
-  }
   FitColumns();
   Q_EMIT LaidOut();
 }
 
-// Every caption has room, and the ingredient what is left.
 void RecipeGrid::FitColumns() {
   if (sized_by_operator_ || entry_ == LineEntry::kNone) {
     return;
   }
   sizing_ = true;
-  int left = viewport()->width();
-  for (int column = kColumnIngredient + 1; column < kRecipeColumnCount; ++column) {
-    if (!isColumnHidden(column)) {
-      const int width = horizontalHeader()->sectionSizeHint(column) + kSpacing;
-      setColumnWidth(column, width);
-      left -= width;
-    }
-  }
   const QString idle = QStringLiteral("click to add an ingredient");
-  const int least = fontMetrics().horizontalAdvance(idle) + 2 * kCellMargin + 3 * kSpacing;
-  setColumnWidth(kColumnIngredient, std::max(left, least));
+  FitRecipeColumns(*horizontalHeader(), viewport()->width(),
+                   fontMetrics().horizontalAdvance(idle) + 2 * kCellMargin + 3 * kSpacing);
   sizing_ = false;
 }
 
@@ -160,15 +152,6 @@ bool RecipeGrid::GoTo(int row, int column) {
   return true;
 }
 
-std::vector<int> RecipeGrid::EnteredColumns() const {
-  std::vector<int> columns = {kColumnIngredient, EnteredColumn(entry_)};
-  const QHeaderView& header = *horizontalHeader();
-  std::sort(columns.begin(), columns.end(), [&](int left, int right) {
-    return header.visualIndex(left) < header.visualIndex(right);
-  });
-  return columns;
-}
-
 // False: there is no further cell, and the focus may leave the grid.
 bool RecipeGrid::MoveOn() {
   const QModelIndex cell = currentIndex();
@@ -176,7 +159,7 @@ bool RecipeGrid::MoveOn() {
     return false;
   }
   const QHeaderView& header = *horizontalHeader();
-  const std::vector<int> columns = EnteredColumns();
+  const std::vector<int> columns = EnteredColumns(*horizontalHeader(), entry_);
   for (const int column : columns) {
     if (header.visualIndex(column) > header.visualIndex(cell.column())) {
       GoTo(cell.row(), column);
@@ -199,7 +182,7 @@ bool RecipeGrid::MoveFromEntryRow() {
     return true;
   }
   const int last = model_->rowCount() - 1;
-  const int column = EnteredColumns().front();
+  const int column = EnteredColumns(*horizontalHeader(), entry_).front();
   if (!model_->IsEntryRow(last)) {
     return false;
   }
@@ -213,7 +196,7 @@ bool RecipeGrid::MoveBack() {
     return false;
   }
   const QHeaderView& header = *horizontalHeader();
-  const std::vector<int> columns = EnteredColumns();
+  const std::vector<int> columns = EnteredColumns(*horizontalHeader(), entry_);
   for (auto column = columns.rbegin(); column != columns.rend(); ++column) {
     if (header.visualIndex(*column) < header.visualIndex(cell.column())) {
       GoTo(cell.row(), *column);
@@ -225,27 +208,6 @@ bool RecipeGrid::MoveBack() {
   }
   GoTo(cell.row() - 1, columns.back());
   return true;
-}
-
-// Of the columns to be seen, as they stand; the column itself where it is the last one that way.
-int RecipeGrid::NextColumn(int column, int step) const {
-  const QHeaderView& header = *horizontalHeader();
-  int visual = header.visualIndex(column) + step;
-  while (visual >= 0 && visual < kRecipeColumnCount) {
-    if (const int next = header.logicalIndex(visual); !isColumnHidden(next)) {
-      return next;
-    }
-    visual += step;
-  }
-  return column;
-}
-
-int RecipeGrid::EdgeColumn(int step) const {
-  int edge = currentIndex().column();
-  for (int next = NextColumn(edge, step); next != edge; next = NextColumn(edge, step)) {
-    edge = next;
-  }
-  return edge;
 }
 
 bool RecipeGrid::MoveByKey(const QKeyEvent& key) {
@@ -273,16 +235,16 @@ bool RecipeGrid::MoveByKey(const QKeyEvent& key) {
       row += page;
       break;
     case Qt::Key_Left:
-      column = NextColumn(column, -1);
+      column = NextColumn(*horizontalHeader(), column, -1);
       break;
     case Qt::Key_Right:
-      column = NextColumn(column, 1);
+      column = NextColumn(*horizontalHeader(), column, 1);
       break;
     case Qt::Key_Home:
-      by_row ? row = 0 : column = EdgeColumn(-1);
+      by_row ? row = 0 : column = EdgeColumn(*horizontalHeader(), column, -1);
       break;
     case Qt::Key_End:
-      by_row ? row = last : column = EdgeColumn(1);
+      by_row ? row = last : column = EdgeColumn(*horizontalHeader(), column, 1);
       break;
     default:
       return false;
@@ -307,6 +269,10 @@ void RecipeGrid::currentChanged(const QModelIndex& current, const QModelIndex& p
 // Keys and the mouse.
 
 void RecipeGrid::keyPressEvent(QKeyEvent* event) {
+  if (TurnsTabs(*event)) {
+    event->ignore();
+    return;
+  }
   event->accept();
   switch (event->key()) {
     case Qt::Key_Tab:

@@ -90,9 +90,6 @@ class RecipeGrid : public QTableView {
   bool MoveBack();
   bool MoveFromEntryRow();
   bool MoveByKey(const QKeyEvent& key);
-  int NextColumn(int column, int step) const;
-  int EdgeColumn(int step) const;
-  std::vector<int> EnteredColumns() const;
   int RowNumber(int row) const { return model_->IsEntryRow(row) ? kEntryRow : row + 1; }
 
   bool BeginEdit(const QModelIndex& cell);

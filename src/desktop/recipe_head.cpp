@@ -131,6 +131,7 @@ void RecipeHead::LayOut() {
   must_total_ = new ElidedLabel(this);
   must_total_->setObjectName(QStringLiteral("lblMustTotal100Pct"));
   SetTag(*must_total_, kMustTotalCaption);
+  MakeDemiBold(*must_total_);
   grid->addWidget(enter_100, 2, kCaption2, 1, -1);
   grid->addWidget(must_total_, 2, kCaption2, 1, -1);
 }

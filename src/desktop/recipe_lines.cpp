@@ -102,6 +102,7 @@ QLayout* RecipeLines::MakeBottomRow() {
   row->addSpacing(kGroupSpacing - kSpacing);
   pen_capacity_ = new ElidedLabel(this);
   pen_capacity_->setObjectName(QStringLiteral("lblRequiresIndicatorPenCapacityX"));
+  MakeDemiBold(*pen_capacity_);
   pen_capacity_->setAlignment(Qt::AlignRight | Qt::AlignVCenter);
   KeepPlace(*pen_capacity_);
   ShowPenCapacity(std::nullopt);

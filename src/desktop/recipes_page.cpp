@@ -53,7 +53,7 @@ RecipesPage::~RecipesPage() { qApp->disconnect(&lines_->GrdRec()); }
 
 void RecipesPage::LayOut() {
   auto* const column = new QVBoxLayout(this);
-  column->setContentsMargins(kSpacing, kSpacing, kSpacing, kSpacing);
+  column->setContentsMargins(kGroupSpacing, kGroupSpacing, kGroupSpacing, kGroupSpacing);
   column->setSpacing(kGroupSpacing);
   column->addWidget(head_);
   column->addWidget(lines_, 1);

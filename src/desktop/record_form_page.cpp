@@ -105,7 +105,7 @@ void RecordFormPage::LayOut() {
   number_row_ = new QHBoxLayout;
   number_row_->setSpacing(kSpacing);
   number_row_->addWidget(number_);
-  form_->addLayout(number_row_, kNumberRow, 1, Qt::AlignLeft);
+  form_->addLayout(number_row_, kNumberRow, 1, 1, -1);
 
   auto* const choices = new QHBoxLayout;
   choices->setSpacing(kGroupSpacing);

@@ -8,6 +8,7 @@
 
 #include "desktop/field_box.h"
 #include "desktop/main_window_layout.h"
+#include "desktop/padded_header.h"
 
 namespace vrx {
 
@@ -125,6 +126,12 @@ class RecordListGrid::CellDelegate : public QStyledItemDelegate {
     model->setData(index, static_cast<FilteredEdit*>(editor)->text(), Qt::EditRole);
   }
 
+ protected:
+  void initStyleOption(QStyleOptionViewItem* option, const QModelIndex& index) const override {
+    QStyledItemDelegate::initStyleOption(option, index);
+    option->text = PaddedHeader::Padded(option->text);
+  }
+
  private:
   RecordListGrid* grid_;
 };
@@ -148,8 +155,7 @@ RecordListGrid::RecordListGrid(RecordKind kind, const QString& name,
   setCornerButtonEnabled(false);
   verticalHeader()->hide();
   verticalHeader()->setDefaultSectionSize(fontMetrics().height() + kSpacing);
-  horizontalHeader()->setHighlightSections(false);
-  horizontalHeader()->setSectionsClickable(false);
+  setHorizontalHeader(new PaddedHeader(this));
   QSizePolicy keeps_place = sizePolicy();
   keeps_place.setRetainSizeWhenHidden(true);
   setSizePolicy(keeps_place);

@@ -1,0 +1,63 @@
+#include "desktop/recipe_grid_columns.h"
+
+#include <algorithm>
+
+#include "desktop/form_parts.h"
+
+namespace vrx {
+namespace {
+
+constexpr int kPercentPosition = 1;
+
+}  // namespace
+
+void ShowRecipeColumns(QHeaderView& header, LineEntry entry) {
+  for (int column = 0; column < kRecipeColumnCount; ++column) {
+    header.setSectionHidden(column, !IsColumnShown(column, entry));
+  }
+  if (entry == LineEntry::kPercent) {
+    header.moveSection(header.visualIndex(kColumnIngredientPercent), kPercentPosition);
+  }
+}
+
+void FitRecipeColumns(QHeaderView& header, int width, int least_ingredient) {
+  int left = width;
+  for (int column = kColumnIngredient + 1; column < kRecipeColumnCount; ++column) {
+    if (!header.isSectionHidden(column)) {
+      const int wanted = header.sectionSizeHint(column) + kSpacing;
+      header.resizeSection(column, wanted);
+      left -= wanted;
+    }
+  }
+  header.resizeSection(kColumnIngredient, std::max(left, least_ingredient));
+}
+
+int NextColumn(const QHeaderView& header, int column, int step) {
+  int visual = header.visualIndex(column) + step;
+  while (visual >= 0 && visual < kRecipeColumnCount) {
+    if (const int next = header.logicalIndex(visual); !header.isSectionHidden(next)) {
+      return next;
+    }
+    visual += step;
+  }
+  return column;
+}
+
+int EdgeColumn(const QHeaderView& header, int column, int step) {
+  int edge = column;
+  for (int next = NextColumn(header, edge, step); next != edge;
+       next = NextColumn(header, edge, step)) {
+    edge = next;
+  }
+  return edge;
+}
+
+std::vector<int> EnteredColumns(const QHeaderView& header, LineEntry entry) {
+  std::vector<int> columns = {kColumnIngredient, EnteredColumn(entry)};
+  std::sort(columns.begin(), columns.end(), [&](int left, int right) {
+    return header.visualIndex(left) < header.visualIndex(right);
+  });
+  return columns;
+}
+
+}  // namespace vrx

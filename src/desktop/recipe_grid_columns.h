@@ -1,0 +1,29 @@
+#pragma once
+
+#include <QHeaderView>
+#include <vector>
+
+#include "feed/line_cells.h"
+#include "feed/recipe_columns.h"
+
+// The columns of `grdREC` in the order in which they stand on the screen, which the operator may
+// change.
+namespace vrx {
+
+// Shows the columns of a recipe that is entered that way; of one by percentage the share comes next
+// to the ingredient.
+void ShowRecipeColumns(QHeaderView& header, LineEntry entry);
+
+// Gives every caption its room and the ingredient what is left of a width in logical pixels, but
+// at least that much.
+void FitRecipeColumns(QHeaderView& header, int width, int least_ingredient);
+
+// Of the columns to be seen, to the left (-1) or to the right (1); the column itself where it is
+// the last one that way.
+int NextColumn(const QHeaderView& header, int column, int step);
+int EdgeColumn(const QHeaderView& header, int column, int step);
+
+// Those that lines are entered by, from left to right.
+std::vector<int> EnteredColumns(const QHeaderView& header, LineEntry entry);
+
+}  // namespace vrx
