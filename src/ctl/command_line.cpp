@@ -8,6 +8,7 @@
 #include <CLI/CLI.hpp>
 
 #include "ctl/command.h"
+#include "ctl/examples.h"
 #include "ctl/session.h"
 
 namespace vrx {
@@ -17,6 +18,32 @@ struct Entry {
   std::unique_ptr<Command> command;
   CLI::App* app;
 };
+
+// The tool as it parses one run.
+struct CommandTree {
+  CommandTree();
+
+  CLI::App app{"VRX-2260 Transfer Data Software on the command line", "vrx2260ctl"};
+  GlobalOptions options;
+  std::vector<Entry> entries;
+};
+
+CommandTree::CommandTree() {
+  app.fallthrough();
+  app.require_subcommand(1);
+  app.set_version_flag("--version", std::string("vrx2260ctl ") + VRX_VERSION);
+  app.add_flag("--yes", options.yes, "Answer every question with its going-on button");
+  app.add_option("--data-dir", options.data_dir, "Folder in place of the application data folder")
+      ->type_name("DIR");
+  for (auto& command : MakeCommands()) {
+    CLI::App* subcommand = command->Register(app);
+    entries.push_back({std::move(command), subcommand});
+  }
+  AddExamples(app, {{"module upload --out today --port 2", "Fetches the files of the data module."},
+                    {"store today/01.QXT --into JANUARY.TDB --recipes SITE.RDB",
+                     "Puts one into a transaction database."},
+                    {"show --help", "The options and examples of a command."}});
+}
 
 int RunChosen(const std::vector<Entry>& entries, Session& session) {
   for (const Entry& entry : entries) {
@@ -52,24 +79,15 @@ std::vector<std::unique_ptr<Command>> MakeCommands() {
   return commands;
 }
 
+void LookAtCommands(const std::function<void(const CLI::App&)>& look) { look(CommandTree().app); }
+
 int RunCommandLine(const std::vector<std::string>& args, const CommandContext& context) {
-  CLI::App app("VRX-2260 Transfer Data Software on the command line", "vrx2260ctl");
-  GlobalOptions options;
-  app.fallthrough();
-  app.require_subcommand(1);
-  app.set_version_flag("--version", std::string("vrx2260ctl ") + VRX_VERSION);
-  app.add_flag("--yes", options.yes, "Answer every question with its going-on button");
-  app.add_option("--data-dir", options.data_dir, "Folder in place of the application data folder")
-      ->type_name("DIR");
-  std::vector<Entry> entries;
-  for (auto& command : MakeCommands()) {
-    CLI::App* subcommand = command->Register(app);
-    entries.push_back({std::move(command), subcommand});
-  }
+  CommandTree tree;
+  CLI::App& app = tree.app;
   try {
     app.parse(std::vector<std::string>(args.rbegin(), args.rend()));
-    Session session(context, options);
-    const int code = RunChosen(entries, session);
+    Session session(context, tree.options);
+    const int code = RunChosen(tree.entries, session);
     context.out.flush();
     if (!context.out) {
       context.err << "Error: the standard output could not be written\n";

@@ -7,6 +7,7 @@
 #include <CLI/CLI.hpp>
 
 #include "ctl/command.h"
+#include "ctl/examples.h"
 #include "ctl/module_upload.h"
 #include "ctl/number_option.h"
 #include "ctl/port_option.h"
@@ -60,6 +61,10 @@ class DirectCommand : public Command {
         ->type_name("DIR");
     AddWholeNumber(*command, "--seconds", "Time after which it ends by itself", 1, kMostSeconds,
                    seconds_);
+    AddExamples(*command, {{"direct --port 2 --load SITE.RDB",
+                            "Has the recipes ready for the indicator until Ctrl+C."},
+                           {"direct --port /dev/ttyUSB0 --out today --seconds 600",
+                            "Takes ten minutes of records and writes their files."}});
     return command;
   }
 

@@ -7,6 +7,7 @@
 #include <SQLiteCpp/Transaction.h>
 
 #include "ctl/command.h"
+#include "ctl/examples.h"
 #include "ctl/recipe_file.h"
 #include "ctl/session.h"
 #include "exchange/recipe_download_text.h"
@@ -20,6 +21,8 @@ class DownloadTextCommand : public Command {
     CLI::App* command = app.add_subcommand(
         "download-text", "Print the recipe file that a download would send; nothing is stored");
     command->add_option("rdb", file_, "A recipe database")->required();
+    AddExamples(*command, {{"download-text SITE.RDB > SITE.RBU",
+                            "Writes the recipe file as a backup, byte for byte."}});
     return command;
   }
 

@@ -6,6 +6,7 @@
 #include <CLI/CLI.hpp>
 
 #include "ctl/command.h"
+#include "ctl/examples.h"
 #include "ctl/history_source.h"
 #include "ctl/session.h"
 #include "export/export_driver.h"
@@ -43,6 +44,12 @@ class ExportCommand : public Command {
                      "The file; an older one is replaced, its folder is made if missing")
         ->required()
         ->type_name("FILE");
+    AddExamples(
+        *command,
+        {{"export JANUARY.TDB --group 8 --recipes SITE.RDB --format csv --out pens.csv",
+          "The feed of every pen, for a spreadsheet."},
+         {"export JANUARY.TDB --group 3 --recipes SITE.RDB --format html --out recipes.html",
+          "The recipes as a page for a browser."}});
     return command;
   }
 

@@ -4,6 +4,7 @@
 #include <CLI/CLI.hpp>
 
 #include "ctl/command.h"
+#include "ctl/examples.h"
 #include "ctl/output.h"
 #include "ctl/session.h"
 #include "history/data_group.h"
@@ -17,6 +18,7 @@ class GroupsCommand : public Command {
     CLI::App* command = app.add_subcommand("groups", "List the data groups by their index");
     output_.RegisterCsv(*command);
     output_.RegisterJson(*command);
+    AddExamples(*command, {{"groups", "The numbers that --group takes."}});
     return command;
   }
 

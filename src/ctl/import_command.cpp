@@ -4,6 +4,7 @@
 #include <CLI/CLI.hpp>
 
 #include "ctl/command.h"
+#include "ctl/examples.h"
 #include "ctl/import_road.h"
 #include "ctl/output.h"
 #include "ctl/session.h"
@@ -33,6 +34,8 @@ class ImportCommand : public Command {
     command->add_option("file", file_, "A transaction file (.QXT)")->required();
     output_.RegisterCsv(*command);
     output_.RegisterJson(*command);
+    AddExamples(*command, {{"import 01.QXT", "Tells unit, batches and rows."},
+                           {"import 01.QXT --csv > rows.csv", "Every row with its 112 columns."}});
     return command;
   }
 

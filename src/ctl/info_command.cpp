@@ -5,6 +5,7 @@
 #include <CLI/CLI.hpp>
 
 #include "ctl/command.h"
+#include "ctl/examples.h"
 #include "ctl/output.h"
 #include "ctl/session.h"
 #include "database/identity.h"
@@ -42,6 +43,10 @@ class InfoCommand : public Command {
     CLI::App* command = app.add_subcommand("info", "Tell what a database is and holds");
     command->add_option("file", file_, "A recipe or transaction database")->required();
     output_.RegisterJson(*command);
+    AddExamples(
+        *command,
+        {{"info SITE.RDB", "Tells unit, dates and the numbers of records in use."},
+         {"info JANUARY.TDB --json", "The same of a transaction database, for a program."}});
     return command;
   }
 

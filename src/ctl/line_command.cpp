@@ -10,6 +10,7 @@
 #include <SQLiteCpp/Database.h>
 
 #include "ctl/command.h"
+#include "ctl/examples.h"
 #include "ctl/number_option.h"
 #include "ctl/recipe_file.h"
 #include "ctl/session.h"
@@ -106,6 +107,9 @@ class AddAction : public LineAction {
     AddRecordNumber(App(), "ingredient", "Number of an ingredient in use", kIngredientCount,
                     ingredient_);
     amount_.Register(App());
+    AddExamples(App(),
+                {{"line add SITE.RDB 4 3 --weight 5400", "Adds 5400 of ingredient 3 to recipe 4."},
+                 {"line add SITE.RDB 9 3 --percent 62.5", "Adds a share, in a recipe of type P."}});
   }
 
   int Run(Session& session) const {
@@ -168,6 +172,10 @@ class SetAction : public PositionAction {
     ingredient_option_ = AddWholeNumber(App(), "--ingredient", "Number of an ingredient in use", 1,
                                         kIngredientCount, ingredient_);
     amount_.Register(App());
+    AddExamples(
+        App(),
+        {{"line set SITE.RDB 4 1 --weight 5200", "Changes the weight of line 1 of recipe 4."},
+         {"line set SITE.RDB 4 1 --ingredient 7", "Puts ingredient 7 into its place."}});
   }
 
   int Run(Session& session) const {
@@ -193,7 +201,10 @@ class SetAction : public PositionAction {
 class DeleteAction : public PositionAction {
  public:
   explicit DeleteAction(CLI::App& line)
-      : PositionAction(line, "delete", "Delete a line of a recipe, after its question") {}
+      : PositionAction(line, "delete", "Delete a line of a recipe, after its question") {
+    AddExamples(App(), {{"line delete SITE.RDB 4 2 --yes",
+                         "Deletes line 2 of recipe 4 without a question."}});
+  }
 
   int Run(Session& session) const {
     return RunOnLine(session, [](RecipeEditor& editor) { return editor.DeleteIng(); });
@@ -209,6 +220,7 @@ class MoveAction : public PositionAction {
         .add_option("direction", direction_, "up or down")
         ->required()
         ->check(CLI::IsMember({"up", "down"}));
+    AddExamples(App(), {{"line move SITE.RDB 4 2 up", "Loads the second line of recipe 4 first."}});
   }
 
   int Run(Session& session) const {
@@ -230,6 +242,9 @@ class LineCommand : public Command {
     set_.emplace(*command);
     delete_.emplace(*command);
     move_.emplace(*command);
+    AddExamples(*command,
+                {{"line add SITE.RDB 4 3 --weight 5400", "Adds 5400 of ingredient 3 to recipe 4."},
+                 {"line move SITE.RDB 4 2 up", "Loads its second line first."}});
     return command;
   }
 

@@ -5,6 +5,7 @@
 #include <SQLiteCpp/Database.h>
 
 #include "ctl/command.h"
+#include "ctl/examples.h"
 #include "ctl/output.h"
 #include "ctl/recipe_file.h"
 #include "ctl/session.h"
@@ -59,6 +60,9 @@ class ListCommand : public Command {
     command->add_flag("--all", all_, "Records out of use as well");
     output_.RegisterCsv(*command);
     output_.RegisterJson(*command);
+    AddExamples(*command, {{"list pens SITE.RDB", "The pens in use, as a table."},
+                           {"list recipes SITE.RDB --all --csv > recipes.csv",
+                            "All 100 recipes, for a spreadsheet."}});
     return command;
   }
 

@@ -3,6 +3,7 @@
 #include <CLI/CLI.hpp>
 
 #include "ctl/command.h"
+#include "ctl/examples.h"
 #include "ctl/module_download.h"
 #include "ctl/module_upload.h"
 #include "ctl/port_option.h"
@@ -79,16 +80,27 @@ class ModuleCommand : public Command {
     CLI::App* command = app.add_subcommand("module", "Talk to the data module");
     command->require_subcommand(1);
     test_ = Action(*command, "test", "Ask whether the module is there");
+    AddExamples(*test_, {{"module test --port 2", "Asks the module on serial port 2."}});
     clear_ = Action(*command, "clear", "Clear the module's memory, after a question");
+    AddExamples(*clear_, {{"module clear --port 2 --yes", "Clears without a question."}});
     baud_ = Action(*command, "baud", "Tell the module its speed towards the indicator");
     baud_->add_option("rate", rate_, "1200, 2400, 9600 or 19200")
         ->required()
         ->check(CLI::IsMember({"1200", "2400", "9600", "19200"}));
+    AddExamples(*baud_, {{"module baud 9600 --port 2", "For an indicator that is set to 9600."}});
     download_ =
         Action(*command, "download", "Replace the module's memory by recipes, after a question");
     download_->add_option("file", file_, "A recipe database or a recipe backup (.RBU)")->required();
+    AddExamples(*download_,
+                {{"module download SITE.RDB --port 2", "Sends a recipe database."},
+                 {"module download 02.RBU --port 2 --yes", "Sends a backup, without a question."}});
     upload_ = Action(*command, "upload", "Write the files of the module's memory");
     upload_->add_option("--out", out_, "Folder for the files")->required()->type_name("DIR");
+    AddExamples(*upload_, {{"module upload --out today --port 2",
+                            "Writes 01.QXT and so on into the folder today."}});
+    AddExamples(*command, {{"module test --port 2", "Asks the module on serial port 2."},
+                           {"module upload --out today --port /dev/ttyUSB0",
+                            "Writes what the module holds as files of the folder today."}});
     return command;
   }
 

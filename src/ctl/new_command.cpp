@@ -4,6 +4,7 @@
 #include <CLI/CLI.hpp>
 
 #include "ctl/command.h"
+#include "ctl/examples.h"
 #include "ctl/session.h"
 #include "database/create.h"
 #include "database/schema.h"
@@ -21,6 +22,10 @@ class NewCommand : public Command {
     command->add_option("file", file_, "Path of the new database")->required();
     command->add_option("--units", units_, "Weight unit; by default the system's")
         ->check(CLI::IsMember({"LB", "KG"}));
+    AddExamples(*command,
+                {{"new recipe SITE.RDB", "Makes a recipe database in the unit of the settings."},
+                 {"new transaction JANUARY.TDB --units KG",
+                  "Makes a transaction database for weights in kilograms."}});
     return command;
   }
 

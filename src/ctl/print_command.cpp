@@ -11,6 +11,7 @@
 #include <SQLiteCpp/Database.h>
 
 #include "ctl/command.h"
+#include "ctl/examples.h"
 #include "ctl/history_source.h"
 #include "ctl/recipe_file.h"
 #include "ctl/session.h"
@@ -74,6 +75,10 @@ class PrintCommand : public Command {
     for (const RecordKindTraits& kind : RecordKinds()) {
       RegisterRecords(kind);
     }
+    AddExamples(*command_, {{"print JANUARY.TDB --group 8 --recipes SITE.RDB --pdf pens.pdf",
+                             "The feed of every pen."},
+                            {"print recipes SITE.RDB --pdf recipes.pdf",
+                             "The recipes, each on a sheet of its own."}});
     return command_;
   }
 
@@ -100,6 +105,8 @@ class PrintCommand : public Command {
     records->add_option("rdb", recipes_, "A recipe database")->required();
     records->add_flag("--all", all_, "Records out of use as well");
     records->fallthrough();
+    const std::string call = "print " + plural + " SITE.RDB --pdf " + plural + ".pdf";
+    AddExamples(*records, {{call, "The " + plural + " in use, ready for the printer."}});
     records->callback([this, &kind] { kind_ = &kind; });
   }
 

@@ -7,6 +7,7 @@
 #include <SQLiteCpp/Database.h>
 
 #include "ctl/command.h"
+#include "ctl/examples.h"
 #include "ctl/number_option.h"
 #include "ctl/output.h"
 #include "ctl/recipe_file.h"
@@ -82,6 +83,8 @@ class RecipeCommand : public Command {
     command->add_option("rdb", file_, "A recipe database")->required();
     AddRecordNumber(*command, "id", "Number of the recipe", kRecipeCount, id_);
     output_.RegisterJson(*command);
+    AddExamples(*command, {{"recipe SITE.RDB 4", "Recipe 4 with its lines and totals."},
+                           {"recipe SITE.RDB 4 --json", "The same for a program."}});
     return command;
   }
 

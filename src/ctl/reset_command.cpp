@@ -5,6 +5,7 @@
 #include <SQLiteCpp/Database.h>
 
 #include "ctl/command.h"
+#include "ctl/examples.h"
 #include "ctl/number_option.h"
 #include "ctl/recipe_file.h"
 #include "ctl/session.h"
@@ -26,8 +27,13 @@ class ResetCommand : public Command {
           command->add_subcommand(std::string(kind.noun), "Put a record back to its defaults");
       form->add_option("rdb", file_, "A recipe database")->required();
       AddRecordNumber(*form, "id", "Number of the record", kind.count, id_);
+      const std::string call = "reset " + std::string(kind.noun) + " SITE.RDB 12";
+      const std::string call_without_question = call + " --yes";
+      AddExamples(*form, {{call, "Puts number 12 back to its defaults, after a question."},
+                          {call_without_question, "The same without the question."}});
       form->callback([this, chosen = kind.kind] { kind_ = chosen; });
     }
+    AddExamples(*command, {{"reset pen SITE.RDB 12", "Asks, then takes pen 12 out of use."}});
     return command;
   }
 

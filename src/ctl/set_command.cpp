@@ -7,6 +7,7 @@
 #include <SQLiteCpp/Database.h>
 
 #include "ctl/command.h"
+#include "ctl/examples.h"
 #include "ctl/number_option.h"
 #include "ctl/recipe_file.h"
 #include "ctl/session.h"
@@ -44,6 +45,7 @@ class RecordForm {
     return added;
   }
 
+  CLI::App& App() { return *app_; }
   bool Chosen() const { return app_->parsed(); }
   int Id() const { return id_; }
   std::optional<std::string> Name() const { return Given(name_); }
@@ -81,6 +83,9 @@ class IngredientForm : public RecordForm {
   explicit IngredientForm(CLI::App& set) : RecordForm(set, TraitsOf(RecordKind::kIngredient)) {
     dry_matter_ = Text("--dry-matter", "Percent, 0 to 100");
     hand_add_ = Text("--hand-add", "yes or no")->check(CLI::IsMember({"yes", "no"}));
+    AddExamples(App(),
+                {{"set ingredient SITE.RDB 3 --name CORN --dry-matter 86.5",
+                  "Names ingredient 3 and tells its dry matter; the recipes with it follow."}});
   }
 
   int Run(Session& session) {
@@ -109,6 +114,9 @@ class RecipeForm : public RecordForm {
     head_count_ = Text("--head-count", "Head to feed, in a recipe of type H");
     ration_target_ = Text("--ration-target", "Weight wanted, in a recipe of type W, % or P");
     adjust_ = RequireWholeNumber(Text("--adjust", "Percent"), -kNoAdjustIndex, kNoAdjustIndex);
+    AddExamples(App(),
+                {{"set recipe SITE.RDB 4 --ration-target 12000", "Has 12000 of recipe 4 made."},
+                 {"set recipe SITE.RDB 4 --adjust -5", "Has 5 percent less made."}});
   }
 
   int Run(Session& session) {
@@ -142,6 +150,7 @@ class PenForm : public RecordForm {
  public:
   explicit PenForm(CLI::App& set) : RecordForm(set, TraitsOf(RecordKind::kPen)) {
     feed_ = Text("--feed", "Feed amount, digits");
+    AddExamples(App(), {{"set pen SITE.RDB 12 --feed 750", "Plans 750 for pen 12."}});
   }
 
   int Run(Session& session) {
@@ -169,6 +178,9 @@ class SetCommand : public Command {
     ingredient_.emplace(*command);
     recipe_.emplace(*command);
     pen_.emplace(*command);
+    AddExamples(*command,
+                {{"set recipe SITE.RDB 4 --ration-target 12000", "Has 12000 of recipe 4 made."},
+                 {"set pen SITE.RDB 12 --feed 750", "Plans 750 for pen 12."}});
     return command;
   }
 

@@ -9,6 +9,7 @@
 #include <CLI/CLI.hpp>
 
 #include "ctl/command.h"
+#include "ctl/examples.h"
 #include "ctl/output.h"
 #include "ctl/session.h"
 #include "frame/number.h"
@@ -37,6 +38,9 @@ class SettingsCommand : public Command {
     CLI::App* command = app.add_subcommand("settings", "List, read or write the settings");
     command->add_option("key", key_, "Name of a setting")->check(KnownKey);
     value_option_ = command->add_option("value", value_, "Its new value");
+    AddExamples(*command, {{"settings", "Lists every setting."},
+                           {"settings SerialPort", "Reads one."},
+                           {"settings SystemUnits KG", "Writes one."}});
     return command;
   }
 

@@ -9,6 +9,7 @@
 #include <CLI/CLI.hpp>
 
 #include "ctl/command.h"
+#include "ctl/examples.h"
 #include "ctl/history_source.h"
 #include "ctl/output.h"
 #include "ctl/session.h"
@@ -56,6 +57,10 @@ class ShowCommand : public Command {
     command->add_option("--limit", limit_, "At most so many rows, of every kind")
         ->check(CLI::NonNegativeNumber);
     output_.RegisterCsv(*command);
+    AddExamples(*command, {{"show JANUARY.TDB --group 3 --collapsed",
+                            "A row for each recipe, with its total."},
+                           {"show JANUARY.TDB --group 4 --name STEERS --recipes SITE.RDB --csv",
+                            "One recipe, for a spreadsheet."}});
     return command;
   }
 

@@ -3,6 +3,7 @@
 #include <CLI/CLI.hpp>
 
 #include "ctl/command.h"
+#include "ctl/examples.h"
 #include "ctl/import_road.h"
 #include "ctl/session.h"
 #include "database/identity.h"
@@ -22,6 +23,8 @@ class StoreCommand : public Command {
     command->add_option("--recipes", recipes_, "The recipe database that gives the names")
         ->required()
         ->type_name("RDB");
+    AddExamples(*command, {{"store 01.QXT --into JANUARY.TDB --recipes SITE.RDB",
+                            "Puts the file behind what the database holds."}});
     return command;
   }
 

@@ -5,6 +5,7 @@
 #include <SQLiteCpp/Database.h>
 
 #include "ctl/command.h"
+#include "ctl/examples.h"
 #include "ctl/number_option.h"
 #include "ctl/output.h"
 #include "ctl/recipe_file.h"
@@ -22,6 +23,7 @@ class WhereUsedCommand : public Command {
     command->add_option("rdb", file_, "A recipe database")->required();
     AddRecordNumber(*command, "ingredient", "Number of the ingredient", kIngredientCount, id_);
     output_.RegisterJson(*command);
+    AddExamples(*command, {{"where-used SITE.RDB 3", "The recipes with ingredient 3."}});
     return command;
   }
 
