@@ -1,0 +1,15 @@
+# cmake -DPROGRAM=... -DTEMPLATE=... -DOUT=... -DCOMMANDS="module;indicator" -P man_page_of_help.cmake
+# Puts what `PROGRAM COMMAND --help` says in the place of @HELP_COMMAND@, in the language of man(7).
+file(READ ${TEMPLATE} page)
+foreach(command IN LISTS COMMANDS)
+  execute_process(COMMAND ${PROGRAM} ${command} --help OUTPUT_VARIABLE help RESULT_VARIABLE code)
+  if(NOT code EQUAL 0)
+    message(FATAL_ERROR "${PROGRAM} ${command} --help: ${code}")
+  endif()
+  string(STRIP "${help}" help)
+  string(REPLACE "\\" "\\e" help "${help}")
+  string(REPLACE "-" "\\-" help "${help}")
+  string(TOUPPER ${command} mark)
+  string(REPLACE "@HELP_${mark}@" "${help}" page "${page}")
+endforeach()
+file(WRITE ${OUT} "${page}")
