@@ -1,0 +1,234 @@
+#include "legacy/convert.h"
+
+#include <algorithm>
+#include <limits>
+#include <memory>
+#include <system_error>
+#include <utility>
+#include <vector>
+
+#include <SQLiteCpp/Exception.h>
+
+#include "database/database_error.h"
+#include "database/kind_words.h"
+#include "frame/files.h"
+#include "frame/text.h"
+#include "legacy/field_rule.h"
+#include "legacy/identity_rows.h"
+#include "legacy/jet_file.h"
+#include "legacy/legacy_error.h"
+#include "legacy/new_file.h"
+#include "legacy/read_rows.h"
+#include "legacy/sha256.h"
+#include "legacy/table_conversion.h"
+
+namespace vrx {
+
+namespace fs = std::filesystem;
+
+namespace {
+
+constexpr std::uint64_t kRowsOfAStep = 100;
+
+// What the file says of itself comes first: the kind of the new file hangs on it.
+std::vector<std::string> WantedTables() {
+  std::vector<std::string> tables{std::string(kMarkerTable), std::string(kUnitsTable),
+                                  std::string(kHistoryTable)};
+  for (const TableRule& rule : TableRules()) {
+    tables.emplace_back(rule.name);
+  }
+  return tables;
+}
+
+bool Holds(const std::vector<std::string>& names, std::string_view wanted) {
+  return std::ranges::any_of(
+      names, [wanted](const std::string& name) { return EqualsIgnoringCase(name, wanted); });
+}
+
+class Conversion : public LegacyRowSink {
+ public:
+  Conversion(const LegacyConversion& wanted, const ConversionPorts& ports)
+      : wanted_(wanted), ports_(ports), identity_(notices_) {}
+
+  ConversionReport Run() {
+    CheckOldFile();
+    report_.old_file = wanted_.old_file;
+    report_.new_file = wanted_.new_file;
+    report_.sha256 = Sha256OfFile(wanted_.old_file);
+    if (FileExists(wanted_.new_file)) {
+      throw FileError(wanted_.new_file.string() + " already exists; choose another name");
+    }
+    ReadLegacyRows(ports_.runner,
+                   {.path = wanted_.old_file,
+                    .reader = wanted_.program_directory / kLegacyReaderName,
+                    .limits = LimitsForFile(report_.old_size)},
+                   WantedTables(), *this, ports_.go_on);
+    Finish();
+    return std::move(report_);
+  }
+
+  void Directory(const std::vector<std::string>& tables) override { directory_ = tables; }
+
+  void BeginTable(const LegacyTable& table) override {
+    row_ = 0;
+    table_.reset();
+    identity_at_work_ = identity_.Begin(table);
+    if (identity_at_work_) {
+      return;
+    }
+    Start();
+    const TableRule* const rule = FindTableRule(table.name);
+    if (rule != nullptr && rule->kind == report_.kind) {
+      table_ = std::make_unique<TableConversion>(file_->Connection(), *rule, table, notices_);
+      const std::uint32_t most = std::numeric_limits<int>::max();
+      ports_.progress.SetProgressMessage("Converting the table " + std::string(rule->name) + ".");
+      ports_.progress.SetProgressRange(static_cast<int>(std::min(table.announced_rows, most)));
+    }
+  }
+
+  void Row(const LegacyRow& row) override {
+    ++row_;
+    if (identity_at_work_) {
+      identity_.Row(row);
+    } else if (table_) {
+      table_->Row(row);
+      if (row_ % kRowsOfAStep == 0) {
+        ports_.progress.SetProgressValue(static_cast<int>(row_));
+      }
+    }
+  }
+
+  void DamagedRow(const std::string& place) override {
+    ++row_;
+    if (identity_at_work_) {
+      identity_.DamagedRow(place);
+    } else if (table_) {
+      table_->DamagedRow(place);
+    }
+  }
+
+  void EndTable() override {
+    if (table_) {
+      table_->Finish(report_);
+      table_.reset();
+    }
+  }
+
+  void DamagedTable(const std::string& name) override {
+    if (FindTableRule(name) != nullptr) {
+      throw LegacyError(OldName() + " is damaged: its table " + name +
+                        " cannot be read. Copy it again from where it was made, or take an older "
+                        "backup.");
+    }
+    notices_.Add(name, "the table cannot be read and was left out");
+  }
+
+ private:
+  std::string OldName() const { return wanted_.old_file.filename().string(); }
+
+  void CheckOldFile() {
+    std::error_code error;
+    const fs::file_status status = fs::status(wanted_.old_file, error);
+    if (!fs::exists(status)) {
+      throw LegacyError(wanted_.old_file.string() + " does not exist.");
+    }
+    if (!fs::is_regular_file(status)) {
+      throw LegacyError(wanted_.old_file.string() + " is a folder or a device, not a file.");
+    }
+    const JetFileKind kind = InspectJetFile(wanted_.old_file);
+    if (kind != JetFileKind::kJet4) {
+      throw LegacyError(JetFileRefusal(kind, OldName()));
+    }
+    report_.old_size = fs::file_size(wanted_.old_file);
+  }
+
+  bool HasTablesOf(DatabaseKind kind) const {
+    return std::ranges::any_of(TableRules(), [this, kind](const TableRule& rule) {
+      return rule.kind == kind && Holds(directory_, rule.name);
+    });
+  }
+
+  // The tables decide; where they are those of both kinds, the marker does.
+  DatabaseKind FindKind() const {
+    const bool recipe = HasTablesOf(DatabaseKind::kRecipe);
+    const bool transaction = HasTablesOf(DatabaseKind::kTransaction);
+    if (recipe != transaction) {
+      return recipe ? DatabaseKind::kRecipe : DatabaseKind::kTransaction;
+    }
+    const std::optional<DatabaseKind> marked = identity_.MarkedKind();
+    if (!recipe || !marked) {
+      throw LegacyError(OldName() + " holds no " +
+                        (recipe ? "mark that says which of its tables count."
+                                : "table of an earlier version of this program. Choose the .RDB or "
+                                  ".TDB file of the earlier version."));
+    }
+    return *marked;
+  }
+
+  // Ahead of the first row that is stored.
+  void Start() {
+    if (file_) {
+      return;
+    }
+    report_.kind = FindKind();
+    if (wanted_.kind && *wanted_.kind != report_.kind) {
+      throw LegacyError(OldName() + " is a " + std::string(WordsOf(report_.kind).noun) +
+                        " database; expected a " + std::string(WordsOf(*wanted_.kind).noun) +
+                        " database. Open it by the command for its kind.");
+    }
+    file_ = std::make_unique<NewDatabaseFile>(wanted_.new_file, wanted_.program_directory,
+                                              report_.kind);
+    identity_.Store(file_->Connection(), report_.kind, wanted_.default_unit);
+    report_.unit = identity_.Unit();
+  }
+
+  void Finish() {
+    Start();
+    identity_.Report(report_);
+    for (const std::string& name : WantedTables()) {
+      const TableRule* const rule = FindTableRule(name);
+      if (!Holds(directory_, name) && (rule == nullptr || rule->kind == report_.kind)) {
+        notices_.Add(name, "the table is missing; the new one holds its defaults");
+      }
+    }
+    const std::vector<std::string> wanted = WantedTables();
+    for (const std::string& name : directory_) {
+      const TableRule* const rule = FindTableRule(name);
+      if (!Holds(wanted, name) || (rule != nullptr && rule->kind != report_.kind)) {
+        notices_.Add(name, "the table has no place in the new file and was left out");
+      }
+    }
+    if (Sha256OfFile(wanted_.old_file) != report_.sha256) {
+      throw LegacyError(OldName() +
+                        " changed while it was read. Close the program that has it "
+                        "open, then convert it again.");
+    }
+    notices_.MoveInto(report_);
+    ports_.progress.SetProgressMessage("Writing the new file.");
+    file_->TakePlace();
+  }
+
+  const LegacyConversion& wanted_;
+  const ConversionPorts& ports_;
+  ConversionReport report_;
+  NoticeList notices_;
+  IdentityRows identity_;
+  std::vector<std::string> directory_;
+  bool identity_at_work_ = false;
+  std::uint64_t row_ = 0;
+  std::unique_ptr<NewDatabaseFile> file_;  // outlives the statements of the table
+  std::unique_ptr<TableConversion> table_;
+};
+
+}  // namespace
+
+ConversionReport ConvertLegacyDatabase(const LegacyConversion& wanted,
+                                       const ConversionPorts& ports) {
+  try {
+    return Conversion(wanted, ports).Run();
+  } catch (const SQLite::Exception& failure) {
+    throw TranslateSqliteError(failure, wanted.new_file);
+  }
+}
+
+}  // namespace vrx

@@ -1,0 +1,40 @@
+#pragma once
+
+#include <filesystem>
+#include <functional>
+#include <optional>
+#include <string>
+
+#include "database/schema.h"
+#include "legacy/conversion_report.h"
+#include "platform/program_runner.h"
+#include "platform/progress_display.h"
+
+namespace vrx {
+
+inline constexpr std::string_view kLegacyReaderName = "vrx2260jet";
+
+struct LegacyConversion {
+  std::filesystem::path old_file;
+  std::filesystem::path new_file;           // must not exist
+  std::filesystem::path program_directory;  // holds the templates and the reader
+  std::string default_unit;                 // "LB" or "KG", for a file that says neither
+  // A file of the other kind is refused.
+  std::optional<DatabaseKind> kind = std::nullopt;
+};
+
+struct ConversionPorts {
+  ProgramRunner& runner;
+  ProgressDisplay& progress;
+  std::function<bool()> go_on = [] { return true; };  // asked every 50 ms at least
+};
+
+// Makes a database of an earlier installation's Jet file. The old file is only read. The new one is
+// a copy of the blank template that one transaction fills; it takes its name when it is whole, and
+// until then, and after a failure, the name stands for nothing.
+//
+// Throws LegacyError, ConversionStopped, FileError, DatabaseError.
+ConversionReport ConvertLegacyDatabase(const LegacyConversion& wanted,
+                                       const ConversionPorts& ports);
+
+}  // namespace vrx

@@ -1,0 +1,57 @@
+#pragma once
+
+#include <optional>
+#include <string>
+
+#include <SQLiteCpp/Database.h>
+
+#include "database/schema.h"
+#include "legacy/conversion_report.h"
+#include "legacy/legacy_rows.h"
+
+namespace vrx {
+
+// What the old file says of itself: the marker, the unit and the two dates, one row in each of
+// three tables.
+class IdentityRows {
+ public:
+  explicit IdentityRows(NoticeList& notices) : notices_(notices) {}
+
+  // Whether the table is one of the three; its rows follow then.
+  bool Begin(const LegacyTable& table);
+  void Row(const LegacyRow& row);
+  void DamagedRow(const std::string& place);
+
+  // The kind that the marker speaks for, also that of a blank template.
+  std::optional<DatabaseKind> MarkedKind() const;
+
+  // Writes the rows of the new file. Throws DatabaseError.
+  void Store(SQLite::Database& database, DatabaseKind kind, const std::string& default_unit);
+  const std::string& Unit() const { return unit_; }
+
+  void Report(ConversionReport& report) const;
+
+ private:
+  struct Part {
+    std::string_view table;
+    bool there = false;  // the table is in the file
+    LegacyTable described = {};
+    LegacyRow row = {};  // the first one
+    ConvertedTable counts = {};
+  };
+
+  LegacyValue Value(const Part& part, std::string_view column) const;
+  void StoreMarker(SQLite::Database& database, DatabaseKind kind);
+  void StoreUnit(SQLite::Database& database, const std::string& default_unit);
+  void StoreDates(SQLite::Database& database);
+  void Repaired(Part& part, const std::string& text);
+
+  NoticeList& notices_;
+  Part marker_{.table = kMarkerTable};
+  Part units_{.table = kUnitsTable};
+  Part history_{.table = kHistoryTable};
+  Part* current_ = nullptr;
+  std::string unit_;
+};
+
+}  // namespace vrx
