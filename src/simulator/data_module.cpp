@@ -60,7 +60,10 @@ void DataModule::TellDropped() {
 
 Transmission DataModule::Acknowledge(char command) const { return Spoil({command, kUs}, false); }
 
-Transmission DataModule::Dump(char command) const {
+Transmission DataModule::Dump(char command) {
+  if (carry_) {
+    memory_ = carry_(memory_).value_or(memory_);
+  }
   std::string reply{command, kUs};
   reply += memory_;
   if (faults_.extra_us) {

@@ -5,6 +5,7 @@
 #include <optional>
 #include <string>
 #include <string_view>
+#include <utility>
 
 #include "simulator/device.h"
 #include "simulator/faults.h"
@@ -19,11 +20,16 @@ class DataModule final : public Device {
   static constexpr std::size_t kMemorySize = 65536;  // bytes; what arrives beyond is dropped
 
   using Tell = std::function<void(const std::string& message)>;
+  // What is in memory after the module was carried about; nothing: what was.
+  using Carry = std::function<std::optional<std::string>(const std::string& memory)>;
 
   // `tell` hears when bytes are dropped.
   DataModule(Faults faults, Tell tell);
 
   std::optional<Transmission> Receive(char byte) override;
+
+  // The module is away ahead of each dump that it is asked for.
+  void CarryBy(Carry carry) { carry_ = std::move(carry); }
 
   // Puts bytes behind what is kept, commands among them too.
   void Load(std::string_view bytes);
@@ -36,11 +42,12 @@ class DataModule final : public Device {
  private:
   void Keep(std::string_view bytes);
   Transmission Acknowledge(char command) const;
-  Transmission Dump(char command) const;
+  Transmission Dump(char command);
   Transmission Spoil(std::string reply, bool gives_way) const;
 
   Faults faults_;
   Tell tell_;
+  Carry carry_;
   std::string memory_;
   std::size_t dropped_ = 0;  // since last told
 };

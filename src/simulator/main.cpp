@@ -10,17 +10,22 @@
 #include "simulator/indicator_script.h"
 #include "simulator/module_command.h"
 #include "simulator/transmitter.h"
+#include "simulator/working_indicator.h"
 
 namespace {
 
 using vrx::simulator::AddFault;
 using vrx::simulator::IndicatorOptions;
 using vrx::simulator::ModuleOptions;
+using vrx::simulator::ReadDay;
 using vrx::simulator::ScriptError;
 using vrx::simulator::Transmitter;
+using vrx::simulator::WorkOptions;
 
 constexpr int kFailed = 1;
+constexpr const char* kFeeds = "--feeds";
 constexpr int kWrongUsage = 2;
+constexpr int kMostDays = 366;
 
 constexpr const char* kScriptHelp =
     "One step a line; a # begins a comment:\n"
@@ -46,7 +51,26 @@ void AddIndicator(CLI::App& program, IndicatorOptions& options) {
   indicator->footer(kScriptHelp);
 }
 
-CLI::App* AddModule(CLI::App& program, ModuleOptions& options) {
+void AddWork(CLI::App& module, WorkOptions& work) {
+  CLI::Option* feeds = module.add_option_function<std::string>(
+      kFeeds,
+      [&work](const std::string& day) {
+        try {
+          work.first_day = ReadDay(day);
+        } catch (const std::invalid_argument& error) {
+          throw CLI::ValidationError(kFeeds, error.what());
+        }
+      },
+      "An indicator feeds by each download, from this day on (2026-01-05), and leaves its records");
+  module.add_option("--days", work.days, "Days that it feeds by one download")
+      ->check(CLI::Range(1, kMostDays))
+      ->capture_default_str()
+      ->needs(feeds);
+  module.add_option("--ledger", work.ledger, "Where it writes down all that was weighed")
+      ->needs(feeds);
+}
+
+CLI::App* AddModule(CLI::App& program, ModuleOptions& options, WorkOptions& work) {
   CLI::App* module = program.add_subcommand("module", "Plays the data module");
   module->add_option("--link", options.link, "Where the link to the pseudo-terminal stands")
       ->required();
@@ -70,6 +94,7 @@ CLI::App* AddModule(CLI::App& program, ModuleOptions& options) {
           },
           "silent, garbage, cut-after=N, extra-us, stall=MS or hang-up=N; may be repeated")
       ->allow_extra_args(false);
+  AddWork(*module, work);
   return module;
 }
 
@@ -77,8 +102,9 @@ int Run(int argc, char** argv) {
   CLI::App program("Plays the far end of the serial line on a pseudo-terminal", "vrx2260sim");
   program.require_subcommand(1);
   ModuleOptions options;
+  WorkOptions work;
   IndicatorOptions indicator_options;
-  const CLI::App* module = AddModule(program, options);
+  const CLI::App* module = AddModule(program, options, work);
   AddIndicator(program, indicator_options);
   try {
     program.parse(argc, argv);
@@ -86,6 +112,9 @@ int Run(int argc, char** argv) {
     return program.exit(error) == 0 ? 0 : kWrongUsage;
   }
   if (module->parsed()) {
+    if (module->count(kFeeds) > 0) {
+      options.work = work;
+    }
     RunModule(options, std::cout, std::cerr);
     return 0;
   }

@@ -39,9 +39,15 @@ void Play(const ModuleOptions& options, DataModule& module, Signals& signals, st
 
 void RunModule(const ModuleOptions& options, std::ostream& out, std::ostream& err) {
   Signals signals;
-  DataModule module(options.faults, [&err](const std::string& message) {
+  const auto tell = [&err](const std::string& message) {
     err << "vrx2260sim: " << message << std::endl;
-  });
+  };
+  DataModule module(options.faults, tell);
+  std::optional<WorkingIndicator> indicator;
+  if (options.work) {
+    indicator.emplace(*options.work, tell);
+    module.CarryBy([&](const std::string& memory) { return indicator->Visit(memory); });
+  }
   for (const auto& path : options.load) {
     module.Load(ReadFile(path));
   }

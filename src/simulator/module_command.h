@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "simulator/faults.h"
+#include "simulator/working_indicator.h"
 
 namespace vrx::simulator {
 
@@ -19,6 +20,7 @@ struct ModuleOptions {
   std::optional<std::filesystem::path> save;
   std::uint32_t baud = kLineBaud;  // 0 does not pace
   Faults faults;
+  std::optional<WorkOptions> work;
 };
 
 // Plays the data module until a signal stops it or a fault hangs it up. Says "ready PATH" on `out`

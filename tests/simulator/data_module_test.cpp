@@ -57,6 +57,20 @@ TEST_F(Module, AnswersADumpOfEmptyMemoryWithTwoTerminators) {
   EXPECT_EQ(Say(module, "\x1C"), "\x1C\x1F\x1F");
 }
 
+TEST_F(Module, IsCarriedAboutAheadOfADump) {
+  DataModule module = Make();
+  module.CarryBy([](const std::string& memory) -> std::optional<std::string> {
+    if (memory == "{DATA_IN}") {
+      return "{BAT/FED}";
+    }
+    return std::nullopt;
+  });
+  EXPECT_EQ(Say(module, "{DATA_IN}\x18"), "\x18\x1F");
+  EXPECT_EQ(module.Memory(), "{DATA_IN}");
+  EXPECT_EQ(Say(module, "\x15"), "\x15\x1F{BAT/FED}\x1F");
+  EXPECT_EQ(Say(module, "\x15"), "\x15\x1F{BAT/FED}\x1F");
+}
+
 TEST_F(Module, KeepsADownloadWithoutAReplyAndDumpsItBack) {
   DataModule module = Make();
   EXPECT_EQ(Say(module, "{DATA_IN}\r\n[PEN]\r\n"), "");

@@ -1,0 +1,90 @@
+#include "simulator/feeding_work.h"
+
+#include <map>
+#include <string>
+
+#include <gtest/gtest.h>
+
+namespace vrx::simulator {
+namespace {
+
+constexpr std::size_t kRoom = 65535;
+constexpr Day kMonday = std::chrono::sys_days{std::chrono::year{2026} / 1 / 5};
+
+FeedPlan Plan(int pens, long amount) {
+  FeedPlan plan{.unit = 'L',
+                .recipes = {{1, "STEERS", {{1, "CORN", 800, false}, {5, "MINRAL", 20, true}}},
+                            {2, "COWS", {{2, "HAY", 1, false}}}},
+                .pens = {}};
+  for (int pen = 1; pen <= pens; ++pen) {
+    plan.pens.push_back({pen, "P" + std::to_string(pen), amount});
+  }
+  return plan;
+}
+
+TEST(FeedingWork, FeedsEachPenOnceADay) {
+  FeedingWork work(Plan(20, 700), 1);
+  ASSERT_TRUE(work.FeedDay(kMonday, kRoom));
+  std::map<std::string, int> fed;
+  for (const Weighing& weighing : work.Weighings()) {
+    if (!weighing.batched) {
+      ++fed[weighing.what];
+    }
+  }
+  EXPECT_EQ(fed.size(), 20U);
+  for (const auto& [pen, times] : fed) {
+    EXPECT_EQ(times, 1) << pen;
+  }
+}
+
+TEST(FeedingWork, NoLoadIsMoreThanTheMixerHolds) {
+  FeedingWork work(Plan(60, 900), 1);
+  ASSERT_TRUE(work.FeedDay(kMonday, kRoom));
+  std::map<int, int> batched;
+  std::map<int, int> fed;
+  for (const Weighing& weighing : work.Weighings()) {
+    (weighing.batched ? batched : fed)[weighing.load] += weighing.tenths;
+  }
+  EXPECT_GE(batched.size(), 5U);
+  for (const auto& [load, tenths] : batched) {
+    EXPECT_LE(tenths, 111'000) << load;
+    EXPECT_LE(fed[load], tenths) << load;
+    EXPECT_GT(fed[load], tenths * 9 / 10) << load;
+  }
+}
+
+TEST(FeedingWork, WritesARecordForEachLoadAndFeed) {
+  FeedingWork work(Plan(2, 500), 7);
+  ASSERT_TRUE(work.FeedDay(kMonday, kRoom));
+  const auto& done = work.Weighings();
+  ASSERT_EQ(done.size(), 5U);
+  const std::string records = work.Records();
+  EXPECT_EQ(records.find("{BAT/FED},L\r\n[BAT],B,1,1,01052026,1,1,5,0,0,"), 0U);
+  EXPECT_NE(records.find("\r\nB,2,2,01052026,1,2,0,0,"), std::string::npos);
+  EXPECT_NE(records.find("\r\n\r\n[FED],B,1,1,1,06"), std::string::npos);
+  const auto weight = [](int tenths) {
+    return std::to_string(tenths / 10) + "." + std::to_string(tenths % 10);
+  };
+  EXPECT_NE(records.find(",01052026,500.0," + weight(done[2].tenths) + "\r\nB,2,2,"),
+            std::string::npos);
+  EXPECT_EQ(records.substr(records.size() - 4), "\r\n\r\n");
+}
+
+TEST(FeedingWork, ADayThatDoesNotFitIsNotFed) {
+  FeedingWork work(Plan(20, 700), 1);
+  ASSERT_TRUE(work.FeedDay(kMonday, kRoom));
+  const std::string records = work.Records();
+  const std::size_t weighings = work.Weighings().size();
+  EXPECT_FALSE(work.FeedDay(kMonday + std::chrono::days(1), records.size() + 100));
+  EXPECT_EQ(work.Records(), records);
+  EXPECT_EQ(work.Weighings().size(), weighings);
+}
+
+TEST(FeedingWork, TheLedgerHasALineForEachWeighing) {
+  EXPECT_EQ(LedgerOf({{kMonday, 1, "STEERS", true, "CORN", 10855},
+                      {kMonday, 1, "STEERS", false, "P1", 50}}),
+            "2026-01-05,1,STEERS,BATCH,CORN,1085.5\n2026-01-05,1,STEERS,FEED,P1,5.0\n");
+}
+
+}  // namespace
+}  // namespace vrx::simulator
