@@ -1,5 +1,6 @@
 #include "print/printed_pages.h"
 
+#include <QString>
 #include <regex>
 #include <sstream>
 #include <stdexcept>
@@ -19,6 +20,13 @@ std::string OutputOf(const std::vector<std::string>& command) {
   return program.Out();
 }
 
+// A font may join letters, which then read as one.
+std::string TextOf(const std::vector<std::string>& command) {
+  return QString::fromStdString(OutputOf(command))
+      .normalized(QString::NormalizationForm_KC)
+      .toStdString();
+}
+
 std::string Unescaped(std::string text) {
   for (const auto& [name, character] : {std::pair{"&lt;", "<"}, {"&gt;", ">"}, {"&amp;", "&"}}) {
     text = std::regex_replace(text, std::regex(name), character);
@@ -33,7 +41,7 @@ std::vector<PrintedPage> WordsOf(const std::filesystem::path& pdf) {
   static const std::regex kWord(
       R"re(<word xMin="([-\d.]+)" yMin="([-\d.]+)" xMax="([-\d.]+)" yMax="([-\d.]+)">(.*)</word>)re");
   std::vector<PrintedPage> pages;
-  std::istringstream lines(OutputOf({"pdftotext", "-bbox", pdf.string(), "-"}));
+  std::istringstream lines(TextOf({"pdftotext", "-bbox", pdf.string(), "-"}));
   std::smatch match;
   for (std::string line; std::getline(lines, line);) {
     if (std::regex_search(line, match, kPage)) {
@@ -51,7 +59,7 @@ std::vector<PrintedPage> WordsOf(const std::filesystem::path& pdf) {
 
 std::vector<std::vector<std::string>> LinesOf(const std::filesystem::path& pdf) {
   std::vector<std::vector<std::string>> pages;
-  std::istringstream text(OutputOf({"pdftotext", "-layout", pdf.string(), "-"}));
+  std::istringstream text(TextOf({"pdftotext", "-layout", pdf.string(), "-"}));
   for (std::string page; std::getline(text, page, '\f');) {
     pages.emplace_back();
     std::istringstream lines(page);
