@@ -5,9 +5,8 @@
 #include <string>
 #include <vector>
 
-#include <unistd.h>
-
 #include "adapters/local_machine.h"
+#include "adapters/terminal.h"
 #include "ctl/command_line.h"
 #include "ctl/machine.h"
 
@@ -32,8 +31,8 @@ int main(int argc, char** argv) {
       args, {.in = std::cin,
              .out = std::cout,
              .err = std::cerr,
-             .in_is_terminal = isatty(STDIN_FILENO) != 0,
-             .err_is_terminal = isatty(STDERR_FILENO) != 0,
+             .in_is_terminal = vrx::InputIsTerminal(),
+             .err_is_terminal = vrx::ErrorIsTerminal(),
              .system = system,
              .calendar = calendar,
              .make_serial_line =
