@@ -6,7 +6,7 @@ set(packaging ${CMAKE_SOURCE_DIR}/packaging)
 set(made ${CMAKE_BINARY_DIR}/packaging)
 set(doc_dir ${CMAKE_INSTALL_DATADIR}/doc/vrx2260)
 
-foreach(program IN LISTS programs)
+foreach(program vrx2260 vrx2260ctl vrx2260sim)
   file(MAKE_DIRECTORY ${made}/links)
   file(CREATE_LINK ../${program_dir}/${program} ${made}/links/${program} SYMBOLIC)
   install(FILES ${made}/links/${program} DESTINATION bin)

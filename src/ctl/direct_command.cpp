@@ -63,7 +63,7 @@ class DirectCommand : public Command {
                    seconds_);
     AddExamples(*command, {{"direct --port 2 --load SITE.RDB",
                             "Has the recipes ready for the indicator until Ctrl+C."},
-                           {"direct --port /dev/ttyUSB0 --out today --seconds 600",
+                           {"direct --port /dev/ttyUSB0 --out taken --seconds 600",
                             "Takes ten minutes of records and writes their files."}});
     return command;
   }

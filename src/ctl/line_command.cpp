@@ -109,7 +109,7 @@ class AddAction : public LineAction {
     amount_.Register(App());
     AddExamples(App(),
                 {{"line add SITE.RDB 4 3 --weight 5400", "Adds 5400 of ingredient 3 to recipe 4."},
-                 {"line add SITE.RDB 9 3 --percent 62.5", "Adds a share, in a recipe of type P."}});
+                 {"line add SITE.RDB 1 3 --percent 12.5", "Adds a share, in a recipe of type P."}});
   }
 
   int Run(Session& session) const {

@@ -23,8 +23,8 @@ class NewCommand : public Command {
     command->add_option("--units", units_, "Weight unit; by default the system's")
         ->check(CLI::IsMember({"LB", "KG"}));
     AddExamples(*command,
-                {{"new recipe SITE.RDB", "Makes a recipe database in the unit of the settings."},
-                 {"new transaction JANUARY.TDB --units KG",
+                {{"new recipe YARD.RDB", "Makes a recipe database in the unit of the settings."},
+                 {"new transaction FEBRUARY.TDB --units KG",
                   "Makes a transaction database for weights in kilograms."}});
     return command;
   }

@@ -27,9 +27,9 @@ class ResetCommand : public Command {
           command->add_subcommand(std::string(kind.noun), "Put a record back to its defaults");
       form->add_option("rdb", file_, "A recipe database")->required();
       AddRecordNumber(*form, "id", "Number of the record", kind.count, id_);
-      const std::string call = "reset " + std::string(kind.noun) + " SITE.RDB 12";
+      const std::string call = "reset " + std::string(kind.noun) + " SITE.RDB 90";
       const std::string call_without_question = call + " --yes";
-      AddExamples(*form, {{call, "Puts number 12 back to its defaults, after a question."},
+      AddExamples(*form, {{call, "Puts number 90 back to its defaults, after a question."},
                           {call_without_question, "The same without the question."}});
       form->callback([this, chosen = kind.kind] { kind_ = chosen; });
     }

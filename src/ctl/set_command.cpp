@@ -84,7 +84,7 @@ class IngredientForm : public RecordForm {
     dry_matter_ = Text("--dry-matter", "Percent, 0 to 100");
     hand_add_ = Text("--hand-add", "yes or no")->check(CLI::IsMember({"yes", "no"}));
     AddExamples(App(),
-                {{"set ingredient SITE.RDB 3 --name CORN --dry-matter 86.5",
+                {{"set ingredient SITE.RDB 3 --name CORN --dry-matter 86",
                   "Names ingredient 3 and tells its dry matter; the recipes with it follow."}});
   }
 
