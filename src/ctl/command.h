@@ -52,5 +52,6 @@ std::unique_ptr<Command> MakeGroupsCommand();
 std::unique_ptr<Command> MakeShowCommand();
 std::unique_ptr<Command> MakeExportCommand();
 std::unique_ptr<Command> MakePrintCommand();
+std::unique_ptr<Command> MakeConvertCommand();
 
 }  // namespace vrx

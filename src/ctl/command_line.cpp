@@ -76,6 +76,7 @@ std::vector<std::unique_ptr<Command>> MakeCommands() {
   commands.push_back(MakeShowCommand());
   commands.push_back(MakeExportCommand());
   commands.push_back(MakePrintCommand());
+  commands.push_back(MakeConvertCommand());
   return commands;
 }
 

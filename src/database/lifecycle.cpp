@@ -159,7 +159,8 @@ void DatabaseLifecycle::Browse(Side& side) {
 // Path and name are copies: an event of a delay may change those of the side.
 void DatabaseLifecycle::Open(Side& side, fs::path path, std::string name) {
   Trapped(WordsOf(side.kind).open_failure, [&] {
-    if (!ports_.delay.Wait(kOpenDelay) || !IsUserDatabase(side, path, name)) {
+    if (!ports_.delay.Wait(kOpenDelay) || !PassEarlier(side, path, name) ||
+        !IsUserDatabase(side, path, name)) {
       return;
     }
     if (MannerOf(side).open_stands_by) {
@@ -174,6 +175,20 @@ void DatabaseLifecycle::Open(Side& side, fs::path path, std::string name) {
       FinishTransactionOpen(side, path, name);
     }
   });
+}
+
+bool DatabaseLifecycle::PassEarlier(Side& side, fs::path& path, std::string& name) {
+  if (ports_.earlier == nullptr) {
+    return true;
+  }
+  const EarlierDatabase found = ports_.earlier->Offer(side.kind, path);
+  if (found.outcome == EarlierDatabase::Outcome::kOpenCopy) {
+    path = found.copy;
+    name = FileTitle(path);
+    side.current.path = path;
+    side.current.name = name;
+  }
+  return found.outcome != EarlierDatabase::Outcome::kEnd;
 }
 
 bool DatabaseLifecycle::IsUserDatabase(const Side& side, const fs::path& path,

@@ -10,6 +10,7 @@
 #include "database/connection.h"
 #include "database/create.h"
 #include "database/database_window.h"
+#include "database/earlier_databases.h"
 #include "database/identity.h"
 #include "frame/command_states.h"
 #include "frame/folder.h"
@@ -47,6 +48,7 @@ class DatabaseLifecycle {
     CommandStates& commands;
     TabFolder& tabs;
     DatabaseWindow& window;
+    EarlierDatabases* earlier = nullptr;  // none: such a file is opened like any other
   };
 
   // Nothing is bound until both databases have been closed once, as the window's Load does.
@@ -119,6 +121,8 @@ class DatabaseLifecycle {
   void ShowNew(Side& side);
   void Browse(Side& side);
   void Open(Side& side, std::filesystem::path path, std::string name);
+  // False: nothing is to be opened. Path and name become those of the copy that was made.
+  bool PassEarlier(Side& side, std::filesystem::path& path, std::string& name);
   bool IsUserDatabase(const Side& side, const std::filesystem::path& path, const std::string& name);
   void FinishRecipeOpen(Side& side, const std::filesystem::path& path, const std::string& name);
   void FinishTransactionOpen(Side& side, const std::filesystem::path& path,
