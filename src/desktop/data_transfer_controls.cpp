@@ -2,11 +2,13 @@
 
 #include <QHBoxLayout>
 #include <QSignalBlocker>
+#include <QStyledItemDelegate>
 #include <QVBoxLayout>
 #include <algorithm>
 #include <cstddef>
 #include <string>
 
+#include "desktop/contrast.h"
 #include "desktop/main_window_layout.h"
 #include "desktop/qt_text.h"
 
@@ -33,6 +35,24 @@ QRadioButton* AddConnection(QWidget& page, Connection connection, const QString&
   button->setAccessibleDescription(meaning);
   return button;
 }
+
+// The outline of a box is drawn in a darker window's colour, which a dark list swallows.
+class BoxesToBeSeen : public QStyledItemDelegate {
+ public:
+  using QStyledItemDelegate::QStyledItemDelegate;
+
+ protected:
+  void initStyleOption(QStyleOptionViewItem* option, const QModelIndex& index) const override {
+    QStyledItemDelegate::initStyleOption(option, index);
+    QPalette& palette = option->palette;
+    const QColor outline = Readable(palette.color(QPalette::Window).darker(kOutline),
+                                    palette.color(QPalette::Base), kGraphicsContrast);
+    palette.setColor(QPalette::Window, outline.lighter(kOutline));
+  }
+
+ private:
+  static constexpr int kOutline = 140;  // per cent
+};
 
 bool Stands(const QListWidget& list, const std::vector<DataFileRow>& rows) {
   if (list.count() != static_cast<int>(rows.size())) {
@@ -144,6 +164,7 @@ QWidget* DataTransferControls::MakeDataFiles(QWidget& page) {
   lst_data_files->setObjectName(QStringLiteral("lstDataFiles"));
   lst_data_files->setAccessibleName(QStringLiteral("Data Files"));
   lst_data_files->setFrameShape(QFrame::NoFrame);  // the group has one
+  lst_data_files->setItemDelegate(new BoxesToBeSeen(lst_data_files));
   lst_data_files->setFixedSize(kDataFilesWidth,
                                lst_data_files->fontMetrics().height() * (kShownDataFiles + 1));
   auto* const frame = new QVBoxLayout(frm_data_files_);

@@ -27,7 +27,7 @@ class ImportWindow {
 };
 
 // The Import tab: its page, and its buttons and progress in the row below the tabs.
-class ImportPage : public MainTabPage, private ImportHost, private ProgressDisplay {
+class ImportPage final : public MainTabPage, private ImportHost, private ProgressDisplay {
   Q_OBJECT
 
  public:

@@ -98,7 +98,7 @@ SetupForm::SetupForm(const Ports& ports, SetupFacts facts, QWidget* owner)
     view->PassFocusTo(*cmd_ok_);
   }
   connect(tab_setup_folder_, &QTabWidget::currentChanged, this, [this](int tab) { FillTab(tab); });
-  connect(cmd_ok_, &QPushButton::clicked, this, [this] { Accept(); });
+  connect(cmd_ok_, &QPushButton::clicked, this, [this] { TakeControls(); });
 }
 
 QWidget* SetupForm::MakeDatabaseTab() {
@@ -228,7 +228,7 @@ void SetupForm::FillIniFile() {
   }
 }
 
-void SetupForm::Accept() {
+void SetupForm::TakeControls() {
   SetupControls controls;
   controls.system_units = lst_system_uom_->currentIndex();
   module_tab_->Take(controls);

@@ -62,7 +62,7 @@ class SetupForm : public QDialog {
   void LoadControls();
   void FillTab(int tab);
   void FillIniFile();
-  void Accept();
+  void TakeControls();
 
   Ports ports_;
   SetupFacts facts_;

@@ -4,6 +4,7 @@
 
 #include <gmock/gmock.h>
 
+#include "desktop/contrast.h"
 #include "desktop/record_page.h"
 #include "desktop/transfer_site.h"
 #include "support/full_recipe_database.h"
@@ -164,6 +165,24 @@ TEST_F(DataTransferPageTest, OnlyOneBoxIsCheckedAndItsFileIsShown) {
   ClickBox(1);  // a click on the checked one keeps it
   EXPECT_THAT(Checked(), ElementsAre(1));
   EXPECT_EQ(operator_.beeps, 3);
+}
+
+TEST_F(DataTransferPageTest, TheBoxesAreSeenOnADarkList) {
+  ShowTab();
+  ModuleHolds(kTransactions);
+  Click(u"cmdUploadDataFromKRM"_qs);
+  QPalette dark = List().palette();
+  dark.setColor(QPalette::Window, QColor(42, 46, 50));
+  dark.setColor(QPalette::Base, QColor(27, 30, 32));
+  dark.setColor(QPalette::Text, Qt::white);
+  List().setPalette(dark);
+  const QRect row = List().visualItemRect(List().item(0));
+  const QImage box = List().viewport()->grab({0, row.top(), row.height(), row.height()}).toImage();
+  double most = 1;
+  for (int x = 0; x < box.width(); ++x) {
+    most = std::max(most, ContrastRatio(box.pixelColor(x, box.height() / 2), QColor(27, 30, 32)));
+  }
+  EXPECT_GE(most, kGraphicsContrast);
 }
 
 TEST_F(DataTransferPageTest, TheSpaceBarChecksToo) {

@@ -13,10 +13,9 @@
 namespace vrx::testing {
 namespace {
 
-using ::testing::AllOf;
 using ::testing::ElementsAre;
 using ::testing::Ge;
-using ::testing::HasSubstr;
+using ::testing::IsSupersetOf;
 
 // A batch of two ingredients that feeds pen 12: three rows.
 constexpr const char* kFile =
@@ -68,6 +67,37 @@ class ImportPageTest : public MainWindowSite {
   int StoredRows() {
     SQLite::Database database(Main().Databases().Bound(DatabaseKind::kTransaction).path.string());
     return database.execAndGet("SELECT COUNT(*) FROM Transactions").getInt();
+  }
+  std::vector<int> StoredNumbers() {
+    SQLite::Database database(Main().Databases().Bound(DatabaseKind::kTransaction).path.string());
+    SQLite::Statement numbers(database, "SELECT \"Transaction\" FROM Transactions ORDER BY rowid");
+    std::vector<int> stored;
+    while (numbers.executeStep()) {
+      stored.push_back(numbers.getColumn(0).getInt());
+    }
+    return stored;
+  }
+  // All that can be stored is there.
+  void ShowWithBothDatabases(const std::string& file) {
+    OpenRecipes();
+    Open(DatabaseKind::kTransaction);
+    Show();
+    ImportText(file);
+  }
+  static std::string InKilograms() {
+    std::string file = kFile;
+    return file.replace(file.find(",L"), 2, ",K");
+  }
+  void IsTheQuestionOfUnits() {
+    EXPECT_EQ(LastBox().title, "Weight Units Error");
+    EXPECT_EQ(LastBox().icon, Icon::kCritical);
+    EXPECT_EQ(LastBox().buttons, Buttons::kOkCancel);
+    EXPECT_EQ(LastBox().text,
+              "The units-of-measure of the imported transaction file is not "
+              "the same as the transaction database.\r\n\r\n"
+              "Storing the current transactions will result in "
+              "incorrect weight totals in the transaction database."
+              "Do you wish to continue?");
   }
   const MessageBox& LastBox() {
     if (operator_.boxes.empty()) {
@@ -258,6 +288,8 @@ TEST_F(ImportPageTest, StoreNeedsARecipeDatabase) {
   Show();
   ImportText(kFile);
   Click(u"cmdImportStore"_qs);
+  EXPECT_EQ(LastBox().title, "Transaction Store Error");
+  EXPECT_EQ(LastBox().icon, Icon::kWarning);
   EXPECT_EQ(LastBox().text,
             "Please open a Recipe database associated with this imported transaction data so that "
             "proper ingredient, recipe and pen names can be assigned.");
@@ -278,48 +310,59 @@ TEST_F(ImportPageTest, StoreSavesTheDatabaseAndShowsItsGroups) {
             u"Successfully copied imported records to Transaction database."_qs);
 }
 
-TEST_F(ImportPageTest, StoredTwiceItAsksFirst) {
-  OpenRecipes();
-  Open(DatabaseKind::kTransaction);
-  Show();
-  ImportText(kFile);
+TEST_F(ImportPageTest, StoredTwiceItAsksFirstAndNumbersOnFromTheHighest) {
+  ShowWithBothDatabases(kFile);
   Click(u"cmdImportStore"_qs);
+  EXPECT_THAT(StoredNumbers(), ElementsAre(1, 1, 1));
   Window().Tabs().SelectTab(kTabImport);
   operator_.answers = {Answer::kNo};
   Click(u"cmdImportStore"_qs);
   EXPECT_EQ(LastBox().title, "Duplicate Data");
+  EXPECT_EQ(LastBox().icon, Icon::kQuestion);
+  EXPECT_EQ(LastBox().text,
+            "The current transaction data has already been stored in the active transaction "
+            "database. Are you sure you want to add the same data to the database again?");
   EXPECT_EQ(StoredRows(), 3);
   operator_.answers = {Answer::kYes};
   Click(u"cmdImportStore"_qs);
-  EXPECT_EQ(StoredRows(), 6);
+  EXPECT_THAT(StoredNumbers(), ElementsAre(1, 1, 1, 2, 2, 2));
 }
 
-TEST_F(ImportPageTest, ForeignUnitsAreAskedAbout) {
-  OpenRecipes();
-  Open(DatabaseKind::kTransaction);
-  Show();
-  std::string file = kFile;
-  file.replace(file.find(",L"), 2, ",K");
-  ImportText(file);
+TEST_F(ImportPageTest, UnitsThatAreNotTheDatabasesAreAskedAbout) {
+  ShowWithBothDatabases(InKilograms());
+  operator_.answers = {Answer::kCancel, Answer::kOk};
+  Click(u"cmdImportStore"_qs);
+  IsTheQuestionOfUnits();
+  EXPECT_EQ(StoredRows(), 0);
+  Click(u"cmdImportStore"_qs);
+  EXPECT_EQ(StoredRows(), 3);
+}
+
+TEST_F(ImportPageTest, UnitsThatAreNotTheSystemsAreAskedAboutThoughTheDatabaseAgrees) {
+  ShowWithBothDatabases(kFile);
+  settings_.SetSystemUnits("KG");
   operator_.answers = {Answer::kCancel};
   Click(u"cmdImportStore"_qs);
-  EXPECT_EQ(LastBox().title, "Weight Units Error");
-  EXPECT_THAT(LastBox().text, HasSubstr("in the transaction database.Do you wish to continue?"));
+  IsTheQuestionOfUnits();
   EXPECT_EQ(StoredRows(), 0);
 }
 
 // The bar is drawn as it moves, with no event handled in between.
-TEST_F(ImportPageTest, TheProgressOfAStoreMoves) {
-  OpenRecipes();
-  Open(DatabaseKind::kTransaction);
-  Show();
-  ImportText(kFile);
-  std::vector<int> values;
-  QObject::connect(&Find<QProgressBar>(u"prgImport"_qs), &QProgressBar::valueChanged,
-                   [&](int value) { values.push_back(value); });
+TEST_F(ImportPageTest, TheProgressOfAStoreMovesUnderItsWords) {
+  ShowWithBothDatabases(kFile);
+  std::vector<std::pair<std::string, int>> shown;
+  QObject::connect(
+      &Find<QProgressBar>(u"prgImport"_qs), &QProgressBar::valueChanged,
+      [&](int value) { shown.emplace_back(Text(u"lblProgressMsg"_qs).toStdString(), value); });
+  const std::string scanning = "Scanning Transaction database for next insertion location.";
+  const std::string copying = "Copying imported records to Transaction database.";
   Click(u"cmdImportStore"_qs);
-  EXPECT_THAT(values,
-              AllOf(::testing::Contains(1), ::testing::Contains(2), ::testing::Contains(3)));
+  EXPECT_THAT(shown, IsSupersetOf({std::pair{copying, 1}, {copying, 2}, {copying, 3}}));
+  shown.clear();
+  Window().Tabs().SelectTab(kTabImport);
+  operator_.answers = {Answer::kYes};
+  Click(u"cmdImportStore"_qs);
+  EXPECT_THAT(shown, IsSupersetOf({std::pair{scanning, 1}, {copying, 1}, {copying, 3}}));
 }
 
 TEST_F(ImportPageTest, AnEmptyGridSaysWhatFillsIt) {

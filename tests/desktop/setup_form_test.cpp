@@ -186,6 +186,90 @@ TEST_F(SetupFormTest, AnotherUnitThanAnOpenDatabaseIsWarnedOf) {
   EXPECT_EQ(settings_.SystemUnits(), "KG");
 }
 
+TEST_F(SetupFormTest, TheWarningNamesEachDatabaseThatDiffers) {
+  const auto to_kilograms = [this] {
+    settings_.SetSystemUnits("LB");
+    Setup([&](SetupForm& /*form*/) {
+      Of<QComboBox>(u"lstSystemUoM"_qs).setCurrentIndex(1);
+      ClickOn(u"cmdOK"_qs);
+    });
+  };
+  const auto warning = [](const std::string& word) {
+    return "The new system units-of-measure will no longer be the same as " + word +
+           " database units. This is not advised as it will likely result in invalid total "
+           "calculations.";
+  };
+  to_kilograms();
+  EXPECT_TRUE(operator_.boxes.empty());
+  Open(DatabaseKind::kTransaction);
+  to_kilograms();
+  EXPECT_EQ(LastBox().text, warning("the current 'Transaction'"));
+  EXPECT_EQ(LastBox().title, "Warning");
+  EXPECT_EQ(LastBox().icon, Icon::kWarning);
+  settings_.SetSystemUnits("LB");
+  Open(DatabaseKind::kRecipe);
+  to_kilograms();
+  EXPECT_EQ(LastBox().text, warning("both the current 'Recipe' and 'Transaction'"));
+}
+
+TEST_F(SetupFormTest, SettingsOutsideTheListsAreStoredAsTheyShow) {
+  settings_.SetSystemUnits("");
+  settings_.SetKRMBaudRate("4800");
+  Setup([&](SetupForm& /*form*/) {
+    EXPECT_EQ(Of<QComboBox>(u"lstSystemUoM"_qs).currentIndex(), kNoSelection);
+    EXPECT_EQ(Of<QComboBox>(u"lstBaudRate"_qs).currentText(), u"19200"_qs);
+    ClickOn(u"cmdOK"_qs);
+  });
+  EXPECT_EQ(settings_.SystemUnits(), "");
+  EXPECT_EQ(settings_.KRMBaudRate(), "19200");
+}
+
+TEST_F(SetupFormTest, BoxesAndListsBearTheirWords) {
+  Setup([&](SetupForm& /*form*/) {
+    const std::vector<std::pair<QString, QString>> boxes{
+        {u"chkShowImportProgress"_qs, u"Show progress bar when importing transaction files."_qs},
+        {u"chkEnableBeeper"_qs, u"Enable beeper."_qs},
+        {u"chkPrtOneRcpOnly"_qs, u"Always print current recipe only."_qs},
+        {u"chkEnablePrintText"_qs, u"Enable 'Print' (Data window) on 'Data Transfer' tab."_qs},
+        {u"chkBatchTargetIsRecTarget"_qs,
+         u"Transfer 'Batch Target' weight to Model 2260 instead of 'Dry Matter'"_qs},
+        {u"chkAutoloadRecipeDB"_qs, u"Load most recent recipe database at startup."_qs},
+        {u"chkAutoloadTransDB"_qs, u"Load most recent transaction database at startup."_qs},
+        {u"chkPrintGridLines"_qs, u"Print grid lines on reports."_qs}};
+    for (const auto& [name, caption] : boxes) {
+      EXPECT_EQ(Of<QCheckBox>(name).text(), caption);
+    }
+    const auto items = [&](const QString& list) {
+      std::vector<std::string> texts;
+      for (int i = 0; i < Of<QComboBox>(list).count(); ++i) {
+        texts.push_back(Of<QComboBox>(list).itemText(i).toStdString());
+      }
+      return texts;
+    };
+    EXPECT_THAT(items(u"lstSystemUoM"_qs), ElementsAre("LB", "KG"));
+    EXPECT_THAT(items(u"lstBaudRate"_qs), ElementsAre("1200", "2400", "9600", "19200"));
+    for (int port = 0; port < 9; ++port) {
+      EXPECT_EQ(Ports().topLevelItem(port)->text(0), QString::number(port + 1));
+    }
+    const auto heading = [&](const QString& frame) {
+      return Of<QWidget>(frame).findChild<QLabel*>(u"lblHeading"_qs)->text();
+    };
+    EXPECT_EQ(heading(u"frm1"_qs), u"Recipe Controls"_qs);
+    EXPECT_EQ(heading(u"frm2"_qs), u"Transaction Controls"_qs);
+  });
+}
+
+TEST_F(SetupFormTest, NoBaudRateChosenIsAskedFor) {
+  Setup([&](SetupForm& /*form*/) {
+    ShowSetupTab(6);
+    Of<QComboBox>(u"lstBaudRate"_qs).setCurrentIndex(kNoSelection);
+    ClickOn(u"cmdSetBaud"_qs);
+    EXPECT_EQ(LastBox().title, "KRM Baud Setting");
+    EXPECT_EQ(LastBox().text, "Please select a baudrate setting.");
+    EXPECT_EQ(serial_.sent, "");
+  });
+}
+
 TEST_F(SetupFormTest, APortBeyondTheListHasNoSelection) {
   settings_.SetSerialPort("12");
   Setup([&](SetupForm& /*form*/) {

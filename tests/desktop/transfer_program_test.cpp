@@ -1,4 +1,6 @@
 #include <QApplication>
+#include <QFileDialog>
+#include <QLabel>
 #include <QMessageBox>
 #include <QPushButton>
 #include <QRadioButton>
@@ -96,6 +98,67 @@ TEST_F(TransferProgram, ClosedDuringAnUploadItEnds) {
   }
 }
 
+// In its check, in its clear and ahead of its text.
+TEST_F(TransferProgram, ClosedDuringADownloadItEnds) {
+  const auto module = Module();
+  folder_.Write("data/Brantock/VRX-2260/A.RBU", "{DATA_IN},L\r\n");
+  for (const Ms when : {Ms{200}, Ms{2000}, Ms{3500}}) {
+    const NextModal chooser([&](QWidget& dialog) {
+      auto& files = dynamic_cast<QFileDialog&>(dialog);
+      files.selectFile(QString::fromStdString((data_ / "A.RBU").string()));
+      QMetaObject::invokeMethod(&files, "accept");
+    });
+    EXPECT_EQ(Run([when](MainWindow& window) {
+                Find<QPushButton>(window, u"cmdDownloadRecipeToKRM"_qs).click();
+                Find<QPushButton>(window, u"cmdOpenRecipeBU"_qs).click();
+                EXPECT_EQ(Find<QLabel>(window, u"lblStatusWindow"_qs).text(),
+                          u"Recipe backup-file opened, ready to download."_qs);
+                const NextModal question([&](QWidget& box) {
+                  Later(when, [&window] { window.close(); });
+                  dynamic_cast<QMessageBox&>(box).button(QMessageBox::Yes)->click();
+                });
+                Find<QPushButton>(window, u"cmdDownloadRecipeBU"_qs).click();
+                EXPECT_TRUE(question.Seen());
+              }),
+              0);
+    EXPECT_TRUE(chooser.Seen());
+  }
+}
+
+// While the port is closed ahead of its opening, and while it is closed for the module again.
+TEST_F(TransferProgram, ClosedDuringAChangeOfConnectionItEnds) {
+  const auto module = Module();
+  EXPECT_EQ(Run([](MainWindow& window) {
+              Later(Ms{200}, [&window] { window.close(); });
+              Find<QRadioButton>(window, u"optConnection(1)"_qs).click();
+            }),
+            0);
+  EXPECT_EQ(Run([](MainWindow& window) {
+              Later(Ms{1000}, [&window] {
+                Later(Ms{200}, [&window] { window.close(); });
+                Find<QRadioButton>(window, u"optConnection(0)"_qs).click();
+              });
+              Find<QRadioButton>(window, u"optConnection(1)"_qs).click();
+            }),
+            0);
+}
+
+// An answer takes 1600 ms.
+TEST_F(TransferProgram, ClosedWhileItAnswersTheIndicatorItEnds) {
+  const std::string script = folder_.Write("script", "wait 1500\nsend 15\nwait 60000\n").string();
+  for (const Ms behind : {Ms{300}, Ms{1200}}) {
+    const Program indicator(
+        VRX_BIN_DIR "/vrx2260sim",
+        {"indicator", "--link", (data_ / "Ports/COM2").string(), "--script", script},
+        folder_.Path().string());
+    EXPECT_EQ(Run([behind](MainWindow& window) {
+                Later(Ms{1700} + behind, [&window] { window.close(); });
+                Find<QRadioButton>(window, u"optConnection(1)"_qs).click();
+              }),
+              0);
+  }
+}
+
 TEST_F(TransferProgram, ClosedInADirectConnectionItEnds) {
   const auto module = Module();
   for (const QString& road : {u"close box"_qs, u"mnuFileExit"_qs}) {
@@ -132,23 +195,36 @@ TEST_F(TransferProgram, ClosedWhileABoxTellsOfTheUploadItEnds) {
   EXPECT_TRUE(box.Seen());
 }
 
-TEST_F(TransferProgram, ClosedWhileSetupTestsTheModuleItEnds) {
+// Each command in its wait for the module, and the closing of the line ahead of them.
+TEST_F(TransferProgram, ClosedWhileSetupWorksWithTheModuleItEnds) {
   const auto module = Module({"--fault", "silent"});
-  const NextModal setup([](QWidget& form) {
-    Find<QTabWidget>(form, u"tabSetupFolder"_qs).setCurrentIndex(6);
-    Later(Ms{1300}, [] {
-      for (QWidget* const other : QApplication::topLevelWidgets()) {
-        if (auto* const window = qobject_cast<MainWindow*>(other)) {
-          window->close();
+  struct Case {
+    const char* button;
+    Ms when;
+  };
+  for (const auto& [button, when] : {Case{"cmdTestKRM", Ms{1300}}, Case{"cmdClearKRM", Ms{1300}},
+                                     Case{"cmdSetBaud", Ms{200}}, Case{"cmdSetBaud", Ms{1300}}}) {
+    const NextModal setup([button = button, when = when](QWidget& form) {
+      Find<QTabWidget>(form, u"tabSetupFolder"_qs).setCurrentIndex(6);
+      const NextModal question([](QWidget& box) {
+        if (auto* const clear = qobject_cast<QMessageBox*>(&box)) {
+          clear->button(QMessageBox::Yes)->click();
         }
-      }
+      });
+      Later(when, [] {
+        for (QWidget* const other : QApplication::topLevelWidgets()) {
+          if (auto* const window = qobject_cast<MainWindow*>(other)) {
+            window->close();
+          }
+        }
+      });
+      Find<QPushButton>(form, QString::fromLatin1(button)).click();
     });
-    Find<QPushButton>(form, u"cmdTestKRM"_qs).click();
-  });
-  EXPECT_EQ(
-      Run([](MainWindow& window) { window.findChild<QAction*>(u"mnuToolsSetup"_qs)->trigger(); }),
-      0);
-  EXPECT_TRUE(setup.Seen());
+    EXPECT_EQ(
+        Run([](MainWindow& window) { window.findChild<QAction*>(u"mnuToolsSetup"_qs)->trigger(); }),
+        0);
+    EXPECT_TRUE(setup.Seen());
+  }
 }
 
 }  // namespace
