@@ -49,8 +49,10 @@ class MainWindow : public QMainWindow,
   // Tells what there is to print; nothing until it is set.
   void SetPrintSources(std::function<PrintSources()> sources) { sources_ = std::move(sources); }
 
-  // The page takes the place of an empty one; the window owns it. Ahead of ApplyCaptions.
-  void SetPage(int tab, MainTabPage* page) { tab_folder_->SetPage(tab, page); }
+  // The page takes the place of the one that it gives; the window owns it. Ahead of ApplyCaptions.
+  std::unique_ptr<MainTabPage> SetPage(int tab, MainTabPage* page) {
+    return tab_folder_->SetPage(tab, page);
+  }
 
   // Tells the page on show that the window came to the front.
   void PageActivated();

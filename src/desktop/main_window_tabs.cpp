@@ -86,17 +86,18 @@ MainTabFolder::MainTabFolder(QWidget* parent) : QTabWidget(parent) {
 
 MainTabPage& MainTabFolder::Page(int tab) const { return *qobject_cast<MainTabPage*>(widget(tab)); }
 
-void MainTabFolder::SetPage(int tab, MainTabPage* page) {
+std::unique_ptr<MainTabPage> MainTabFolder::SetPage(int tab, MainTabPage* page) {
   const bool was_by_program = std::exchange(by_program_, true);
   const int on_show = currentIndex();
   const bool on = isTabEnabled(tab);
-  QWidget* const old = widget(tab);
+  std::unique_ptr<MainTabPage> old(&Page(tab));
   removeTab(tab);
   insertTab(tab, page, ToQString(kTabRows.at(static_cast<std::size_t>(tab)).caption));
-  delete old;
+  old->setParent(nullptr);
   TurnTab(tab, on);
   setCurrentIndex(on_show);
   by_program_ = was_by_program;
+  return old;
 }
 
 void MainTabFolder::ShowTab(int tab) {

@@ -2,6 +2,7 @@
 
 #include <QTabWidget>
 #include <array>
+#include <memory>
 #include <string_view>
 
 #include "desktop/main_tab_page.h"
@@ -35,8 +36,8 @@ class MainTabFolder : public QTabWidget {
  public:
   explicit MainTabFolder(QWidget* parent = nullptr);
 
-  // Puts a page in the place of the one that the tab has, which is deleted.
-  void SetPage(int tab, MainTabPage* page);
+  // Puts a page in the place of the one that the tab has had, and gives that one.
+  std::unique_ptr<MainTabPage> SetPage(int tab, MainTabPage* page);
   MainTabPage& Page(int tab) const;
 
   // Brings a tab on show, as the program does; TabClicked is not sent.

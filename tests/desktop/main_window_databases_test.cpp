@@ -194,7 +194,7 @@ TEST_F(MainWindowDatabasesTest, TransferCommandsGiveTheirButtonTheFocus) {
   upload->setObjectName(u"cmdUploadDataFromKRM"_qs);
   auto* const download = new QPushButton(page);
   download->setObjectName(u"cmdDownloadRecipeToKRM"_qs);
-  Window().SetPage(kTabDataTransfer, page);
+  ReplacePage(kTabDataTransfer, page);
   Show();
   Choose(u"mnuTransferUpload"_qs);
   EXPECT_TRUE(upload->hasFocus());

@@ -69,6 +69,11 @@ class MainWindowSite : public ::testing::Test {
   MainTabFolder& Tabs() { return Find<MainTabFolder>(u"tabMainFolder"_qs); }
   std::vector<int> TabsOn();
 
+  // The old page stays: flows of the main form know it.
+  void ReplacePage(int tab, MainTabPage* page) {
+    replaced_.push_back(Window().SetPage(tab, page));
+  }
+
   TempFolder folder_;
   std::filesystem::path program_ = folder_ / "program";
   std::filesystem::path common_ = folder_ / "common";
@@ -84,6 +89,7 @@ class MainWindowSite : public ::testing::Test {
   std::unique_ptr<Folder> app_folder_;
   std::unique_ptr<CPrivateINI> ini_;
   std::unique_ptr<VrxMain> main_;
+  std::vector<std::unique_ptr<MainTabPage>> replaced_;
 };
 
 }  // namespace vrx::testing

@@ -119,7 +119,7 @@ TEST_F(MainTabsTest, AbbreviateIsOnOnTheRecordTabsAlone) {
 }
 
 TEST_F(MainTabsTest, AClickRunsTheClickRoutineOnceAndSelectTabToo) {
-  Window().SetPage(kTabImport, new DiaryPage("import", diary_));
+  ReplacePage(kTabImport, new DiaryPage("import", diary_));
   Show();
   AllOn();
   Tabs().tabBar()->clearFocus();
@@ -135,7 +135,7 @@ TEST_F(MainTabsTest, AClickRunsTheClickRoutineOnceAndSelectTabToo) {
 
 TEST_F(MainTabsTest, APageKeepsTheTabsStateCaptionAndPlace) {
   Main();
-  Window().SetPage(kTabIngredients, new DiaryPage("ingredients", diary_));
+  ReplacePage(kTabIngredients, new DiaryPage("ingredients", diary_));
   EXPECT_EQ(Tabs().tabText(kTabIngredients), u"Ingredients"_qs);
   EXPECT_FALSE(Tabs().isTabEnabled(kTabIngredients));
   EXPECT_EQ(Tabs().currentIndex(), kTabDataTransfer);
@@ -143,7 +143,7 @@ TEST_F(MainTabsTest, APageKeepsTheTabsStateCaptionAndPlace) {
 }
 
 TEST_F(MainTabsTest, TheTabOnShowStaysWhenItGoesOff) {
-  Window().SetPage(kTabRecipes, new DiaryPage("recipes", diary_));
+  ReplacePage(kTabRecipes, new DiaryPage("recipes", diary_));
   Main();
   AllOn();
   Window().Tabs().SelectTab(kTabRecipes);
@@ -169,7 +169,7 @@ TEST_F(MainTabsTest, SelectTabBringsATabOnShowThatWasOffAndTurnsItOn) {
 }
 
 TEST_F(MainTabsTest, TheStripIsToldTheFocusByKeyAndByMouseButNotByTheWindow) {
-  Window().SetPage(kTabDataTransfer, new DiaryPage("transfer", diary_));
+  ReplacePage(kTabDataTransfer, new DiaryPage("transfer", diary_));
   Show();
   diary_.clear();
   Tabs().tabBar()->clearFocus();

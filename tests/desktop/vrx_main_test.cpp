@@ -116,7 +116,7 @@ TEST_F(VrxMainTest, EnterGoesOnToTheNextField) {
   }
   int saved = 0;
   QObject::connect(save, &QPushButton::clicked, [&] { ++saved; });
-  Window().SetPage(kTabDataTransfer, page);
+  ReplacePage(kTabDataTransfer, page);
   Show();
   name->setFocus();
   QTest::keyClick(name, Qt::Key_Return);
