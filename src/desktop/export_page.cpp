@@ -2,9 +2,9 @@
 
 #include <QButtonGroup>
 #include <QGridLayout>
-#include <QGroupBox>
 #include <QHBoxLayout>
 #include <QVBoxLayout>
+#include <array>
 #include <exception>
 #include <string>
 #include <utility>
@@ -36,9 +36,10 @@ constexpr std::array<FormatChoice, 3> kFormats{{
 }};
 
 // What the caption table does not have, by label.
-constexpr std::array<std::pair<const char*, const char*>, 3> kTexts{{
+constexpr std::array<std::pair<const char*, const char*>, 4> kTexts{{
     {"lblFName", "File &Name"},
     {"lblFPath", "File Pat&h"},
+    {"lblFormat", "File Format"},
     {"Label4",
      "Note: - Data will be formatted in same format as the Data Group selection in the "
      "Batched/Fed Tab."},
@@ -102,6 +103,8 @@ void ExportPage::LayOut() {
     grid->addWidget(field, row++, 1);
   }
   grid->addWidget(cmd_browse_, 1, 2);
+  grid->addWidget(AddLabel(*this, "lblFormat"), row, 0);
+  grid->addWidget(MakeFormats(), row, 1);
   grid->setColumnStretch(3, 1);
   auto* const note = AddLabel(*this, "Label4");
   note->setWordWrap(true);
@@ -109,7 +112,6 @@ void ExportPage::LayOut() {
   column->setContentsMargins(kGroupSpacing, kGroupSpacing, kGroupSpacing, kGroupSpacing);
   column->setSpacing(kGroupSpacing);
   column->addLayout(grid);
-  column->addWidget(MakeFormats(), 0, Qt::AlignLeft);
   column->addWidget(note);
   column->addLayout(LayOutButtons());
   column->addWidget(MakeProgress(), 0, Qt::AlignLeft);
@@ -117,9 +119,11 @@ void ExportPage::LayOut() {
 }
 
 QWidget* ExportPage::MakeFormats() {
-  auto* const frame = new QGroupBox(QStringLiteral("File Format"), this);
+  auto* const frame = new QWidget(this);
   frame->setObjectName(QStringLiteral("Frame1"));
+  frame->setAccessibleName(QStringLiteral("File Format"));
   auto* const row = new QHBoxLayout(frame);
+  row->setContentsMargins(0, 0, 0, 0);
   row->setSpacing(kGroupSpacing);
   for (const FormatChoice& choice : kFormats) {
     auto* const button = new QRadioButton(QString::fromLatin1(choice.caption), frame);
@@ -129,6 +133,7 @@ QWidget* ExportPage::MakeFormats() {
     formats_->addButton(button, static_cast<int>(choice.format));
     row->addWidget(button);
   }
+  row->addStretch();
   return frame;
 }
 
@@ -182,9 +187,9 @@ void ExportPage::Run(const std::function<void()>& flow) {
 }
 
 void ExportPage::Prepare() {
-  findChild<QLabel*>(QStringLiteral("Label4"))
-      ->setText(QStringLiteral("Note: - Data will be formatted in same format as the Data Group "
-                               "selection in the Batched/Fed Tab."));
+  for (const auto& [name, text] : kTexts) {
+    findChild<QLabel*>(QLatin1String(name))->setText(QString::fromLatin1(text));
+  }
   Run([this] { tab_.EnterExportTab(); });
 }
 

@@ -6,7 +6,6 @@
 #include <QStackedLayout>
 #include <functional>
 #include <optional>
-#include <vector>
 
 #include "database/identity.h"
 #include "desktop/choice_list.h"
@@ -37,8 +36,6 @@ class HistoryPage : public MainTabPage, private HistoryScreen {
   // What is on show, for the export and the printed page; nullptr before the first database is
   // bound and after the last one was let go.
   HistoryView* View() { return view_ ? &*view_ : nullptr; }
-  // The visible columns in their order, as wide as on the screen.
-  std::vector<ShownColumn> Columns() const { return grd_trans_->Header().Shown(); }
   // `chkBatFitPage`
   bool FitAllColumns() const { return chk_bat_fit_page_->isChecked(); }
 

@@ -11,7 +11,7 @@
 namespace vrx {
 
 // On both sides of the text of a cell or a caption, in logical pixels.
-inline constexpr int kHistoryMargin = 4;
+inline constexpr int kHistoryMargin = 6;
 
 // How a cell is drawn.
 struct HistoryLook {

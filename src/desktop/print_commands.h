@@ -51,7 +51,6 @@ class PrintCommands {
 
   void PrintRecipeOnShow();
   void PrintAllRecipes(SQLite::Database& recipes);
-  void PrintSheets(SQLite::Database& recipes, const std::function<void(int)>& at_recipe);
 
   // The common course: refuses an empty grid, else prints under the hourglass.
   void PrintGrid(std::string_view noun, const Report& report);
