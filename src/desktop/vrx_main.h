@@ -3,6 +3,7 @@
 #include <memory>
 #include <optional>
 
+#include "adapters/posix_program_runner.h"
 #include "database/identity.h"
 #include "database/lifecycle.h"
 #include "database/recent_databases.h"
@@ -11,11 +12,13 @@
 #include "desktop/main_form.h"
 #include "desktop/main_window.h"
 #include "desktop/print_commands.h"
+#include "desktop/qt_conversion_display.h"
 #include "desktop/record_tabs.h"
 #include "desktop/transfer_tabs.h"
 #include "frame/folder.h"
 #include "frame/general_delay.h"
 #include "frame/private_ini.h"
+#include "legacy/conversion_offer.h"
 
 namespace vrx {
 
@@ -74,6 +77,9 @@ class VrxMain : public QObject, public MainForm {
   MainWindow window_;
   GeneralDelay delay_;
   DatabaseIdentity identity_;
+  PosixProgramRunner runner_;
+  QtConversionDisplay conversion_;
+  ConversionOffer earlier_;
   DatabaseLifecycle databases_;
   RecentDatabases recent_;
   RecordTabs records_;
