@@ -5,9 +5,15 @@
 #include <QKeyEvent>
 #include <QWheelEvent>
 
+#include "desktop/field_box.h"
+
 namespace vrx {
 
 void ChoiceList::keyPressEvent(QKeyEvent* event) {
+  if (TurnsTabs(*event)) {
+    event->ignore();
+    return;
+  }
   const bool typed = !event->text().isEmpty() && event->text().front().isPrint() &&
                      (event->modifiers() & (Qt::ControlModifier | Qt::AltModifier)) == 0;
   switch (event->key()) {

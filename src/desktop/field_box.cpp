@@ -39,6 +39,11 @@ bool LeavesField(const QFocusEvent& event) {
          event.reason() != Qt::MenuBarFocusReason;
 }
 
+bool TurnsTabs(const QKeyEvent& key) {
+  return (key.key() == Qt::Key_Tab || key.key() == Qt::Key_Backtab) &&
+         (key.modifiers() & Qt::ControlModifier) != 0;
+}
+
 int WidthFor(const QWidget& box, std::size_t characters) {
   const int character = box.fontMetrics().horizontalAdvance(QLatin1Char('W'));
   return static_cast<int>(characters) * character + kGroupSpacing;

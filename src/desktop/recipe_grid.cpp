@@ -9,6 +9,7 @@
 #include <cstddef>
 #include <utility>
 
+#include "desktop/field_box.h"
 #include "desktop/form_parts.h"
 #include "desktop/ingredient_drop_down.h"
 #include "desktop/padded_header.h"
@@ -24,12 +25,6 @@ bool IsTyped(const QKeyEvent& key) {
   const bool command =
       (key.modifiers() & (Qt::ControlModifier | Qt::AltModifier)) == Qt::ControlModifier;
   return !command && !key.text().isEmpty() && key.text().front().isPrint();
-}
-
-// Ctrl+Tab turns to another tab of the window, from everywhere.
-bool TurnsTabs(const QKeyEvent& key) {
-  return (key.key() == Qt::Key_Tab || key.key() == Qt::Key_Backtab) &&
-         (key.modifiers() & Qt::ControlModifier) != 0;
 }
 
 bool DropsDown(const QKeyEvent& key) {

@@ -6,6 +6,7 @@
 #include <cstddef>
 #include <utility>
 
+#include "desktop/field_box.h"
 #include "desktop/ingredient_drop_down.h"
 #include "feed/line_cells.h"
 
@@ -134,6 +135,13 @@ QWidget* RecipeGridDelegate::MakeNumberEditor(QWidget* parent, LineColumn column
           .caption)));
   connect(editor, &FilteredEdit::Refused, this, &RecipeGridDelegate::KeyRefused);
   return editor;
+}
+
+bool RecipeGridDelegate::eventFilter(QObject* editor, QEvent* event) {
+  if (event->type() == QEvent::KeyPress && TurnsTabs(*static_cast<QKeyEvent*>(event))) {
+    return false;
+  }
+  return QStyledItemDelegate::eventFilter(editor, event);
 }
 
 void RecipeGridDelegate::setEditorData(QWidget* editor, const QModelIndex& index) const {

@@ -38,6 +38,9 @@ class RecipeGridDelegate : public QStyledItemDelegate {
   void updateEditorGeometry(QWidget* editor, const QStyleOptionViewItem& option,
                             const QModelIndex& index) const override;
 
+ protected:
+  bool eventFilter(QObject* editor, QEvent* event) override;
+
  Q_SIGNALS:
   void KeyRefused();
 
@@ -45,7 +48,6 @@ class RecipeGridDelegate : public QStyledItemDelegate {
   const RecipeCellLook& Look(CellManner manner, bool current_row, const QPalette& palette) const;
   void PaintArrow(QPainter& painter, const QRect& cell, const QColor& color) const;
   QWidget* MakeNumberEditor(QWidget* parent, LineColumn column) const;
-  void Refuse() const { Q_EMIT const_cast<RecipeGridDelegate*>(this)->KeyRefused(); }
 
   IngredientList& list_;
   const RecipeGridModel& model_;

@@ -5,6 +5,7 @@
 #include <QWheelEvent>
 #include <string>
 
+#include "desktop/field_box.h"
 #include "desktop/qt_text.h"
 #include "feed/record_kind.h"
 
@@ -29,7 +30,7 @@ void RecordIdList::SetItem(int id, std::string_view name) {
 }
 
 void RecordIdList::keyPressEvent(QKeyEvent* event) {
-  event->accept();
+  event->setAccepted(!TurnsTabs(*event));
   const bool command = (event->modifiers() & (Qt::ControlModifier | Qt::AltModifier)) != 0;
   if (!command && !event->text().isEmpty() && event->text().front().isPrint()) {
     Q_EMIT Typed();

@@ -127,6 +127,13 @@ class RecordListGrid::CellDelegate : public QStyledItemDelegate {
   }
 
  protected:
+  bool eventFilter(QObject* editor, QEvent* event) override {
+    if (event->type() == QEvent::KeyPress && TurnsTabs(*static_cast<QKeyEvent*>(event))) {
+      return false;
+    }
+    return QStyledItemDelegate::eventFilter(editor, event);
+  }
+
   void initStyleOption(QStyleOptionViewItem* option, const QModelIndex& index) const override {
     QStyledItemDelegate::initStyleOption(option, index);
     option->text = PaddedHeader::Padded(option->text);

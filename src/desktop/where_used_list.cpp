@@ -3,6 +3,7 @@
 #include <QAbstractItemView>
 #include <QEvent>
 
+#include "desktop/field_box.h"
 #include "desktop/qt_text.h"
 
 namespace vrx {
@@ -41,6 +42,14 @@ void WhereUsedList::showPopup() {
     view()->window()->installEventFilter(this);
   }
   QComboBox::showPopup();
+}
+
+void WhereUsedList::keyPressEvent(QKeyEvent* event) {
+  if (TurnsTabs(*event)) {
+    event->ignore();
+  } else {
+    QComboBox::keyPressEvent(event);
+  }
 }
 
 // However the list is closed.

@@ -18,6 +18,7 @@ class WhereUsedList : public QComboBox {
   void ShowItems(const std::vector<std::string>& items);
 
  protected:
+  void keyPressEvent(QKeyEvent* event) override;
   void showPopup() override;
   bool eventFilter(QObject* watched, QEvent* event) override;
 
