@@ -89,10 +89,11 @@ class YearOfAYard : public ProgramsTest {
   void MakeRecipe(const std::string& id, const std::string& name, const std::string& type,
                   const std::vector<std::pair<std::string, std::string>>& lines) const {
     Do({"set", "recipe", recipes_, id, "--name", name, "--description", name + " ration", "--type",
-        type, "--ration-target", "4000"});
+        type});
     for (const auto& [ingredient, amount] : lines) {
       Do({"line", "add", recipes_, id, ingredient, type == "P" ? "--percent" : "--weight", amount});
     }
+    Do({"set", "recipe", recipes_, id, "--ration-target", "4000"});
   }
 
   // What a nutritionist changes from time to time.
