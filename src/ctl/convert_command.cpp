@@ -7,6 +7,7 @@
 #include "adapters/posix_program_runner.h"
 #include "adapters/stop_flag.h"
 #include "ctl/command.h"
+#include "ctl/examples.h"
 #include "ctl/output.h"
 #include "ctl/session.h"
 #include "database/database_error.h"
@@ -78,6 +79,10 @@ class ConvertCommand : public Command {
         ->required();
     command->add_option("new", new_, "Path of the new database, which must not exist")->required();
     output_.RegisterJson(*command);
+    AddExamples(*command, {{"convert OLDSITE.RDB YARD.RDB",
+                            "Converts it, and tells what was taken over and what was not."},
+                           {"convert OLDYARD.TDB YARD.TDB --json > report.json",
+                            "The report for a program."}});
     return command;
   }
 
