@@ -1,0 +1,273 @@
+#include <cerrno>
+#include <chrono>
+#include <string>
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+#include <sys/wait.h>
+
+#include "legacy/conversion_site.h"
+#include "legacy/jet_file.h"
+#include "legacy/read_rows.h"
+#include "support/private_mounts.h"
+
+namespace vrx::testing {
+namespace {
+
+namespace fs = std::filesystem;
+using ::testing::AllOf;
+using ::testing::ElementsAre;
+using ::testing::EndsWith;
+using ::testing::HasSubstr;
+using ::testing::IsEmpty;
+
+// A program's directory with a shell script in the place of the reader.
+class OtherReader {
+ public:
+  OtherReader(ConversionSite& site, const std::string& script) {
+    site.program_directory = directory_.Path();
+    for (const char* const blank : {"QXNULRDB.MDB", "QXNULXDB.MDB"}) {
+      fs::copy_file(fs::path(VRX_BIN_DIR) / blank, directory_ / blank);
+    }
+    WriteBytes(directory_ / "vrx2260jet", "#!/bin/sh\n" + script + "\n");
+    fs::permissions(directory_ / "vrx2260jet", fs::perms::owner_all);
+  }
+
+ private:
+  TempFolder directory_;
+};
+
+void ExpectRefusal(const std::string& script, const std::string& refusal) {
+  ConversionSite site;
+  const OtherReader reader(site, script);
+  EXPECT_THAT(site.Refusal(site.Data("LEGACYR.RDB")), HasSubstr(refusal)) << script;
+  EXPECT_THAT(site.Files(), IsEmpty());
+}
+
+TEST(Reader, ThatIsKilledIsTold) {
+  ExpectRefusal("kill -9 $$",
+                "LEGACYR.RDB is damaged: its reader was ended by signal 9. Copy it again");
+  ExpectRefusal("kill -SEGV $$", "its reader was ended by signal 11");
+}
+
+TEST(Reader, ThatIsKilledInTheMiddleLeavesNothing) {
+  const std::string real = fs::path(VRX_BIN_DIR) / "vrx2260jet";
+  ExpectRefusal("file=$1; shift; " + real + " \"$file\" \"$@\" | head -c 9000; kill -9 $$",
+                "its reader was ended by signal 9");
+  ExpectRefusal("file=$1; shift; " + real + " \"$file\" \"$@\" | head -c 9000",
+                "its rows have no end");
+}
+
+TEST(Reader, OfAnotherKindIsTold) {
+  ExpectRefusal("echo hello", "is not the right one: the bytes are no rows of this version");
+  ExpectRefusal("exit 0", "its rows have no end");
+  ExpectRefusal("exit 99", "is not the right one (it ended with code 99)");
+  ExpectRefusal("cat /dev/zero", "the bytes are no rows of this version");
+}
+
+TEST(Reader, ThatFindsAnotherFileThanTheParentTellsItsKind) {
+  ExpectRefusal("exit 22", "LEGACYR.RDB is protected by a database password");
+  ExpectRefusal("exit 3", "is damaged: its list of tables cannot be read");
+}
+
+TEST(Reader, ThatIsNotThereIsTold) {
+  ConversionSite site;
+  const OtherReader reader(site, "exit 0");
+  fs::remove(site.program_directory / "vrx2260jet");
+  EXPECT_THAT(
+      site.Refusal(site.Data("LEGACYR.RDB")),
+      AllOf(HasSubstr("vrx2260jet, which reads such files, cannot be started: No such file"),
+            EndsWith("Install the program again.")));
+  EXPECT_THAT(site.Files(), IsEmpty());
+}
+
+struct Ended {
+  ProgramOutcome outcome;
+  std::string output;
+};
+
+Ended RunScript(const std::string& script, const ProgramLimits& limits) {
+  TempFolder folder;
+  WriteBytes(folder / "program", "#!/bin/sh\n" + script + "\n");
+  fs::permissions(folder / "program", fs::perms::owner_all);
+  Ended ended;
+  ended.outcome = PosixProgramRunner().Run(
+      {.path = folder / "program", .arguments = {"one", "two words"}, .limits = limits},
+      [&ended](std::string_view bytes) {
+        ended.output += bytes;
+        return true;
+      });
+  return ended;
+}
+
+TEST(ProgramRunner, HandsOutputOverAndTellsTheExitCode) {
+  const Ended ended = RunScript("echo \"$2\"; echo aside >&2; cat; exit 7", {});
+  EXPECT_EQ(ended.output, "two words\n");
+  EXPECT_EQ(ended.outcome.end, ProgramEnd::kExited);
+  EXPECT_EQ(ended.outcome.code, 7);
+}
+
+TEST(ProgramRunner, EndsAProgramThatUsesUpItsProcessorTime) {
+  const Ended ended = RunScript("while :; do :; done", {.processor = std::chrono::seconds(1)});
+  EXPECT_EQ(ended.outcome.end, ProgramEnd::kOutOfTime);
+}
+
+TEST(ProgramRunner, EndsAProgramThatKeepsQuiet) {
+  const Ended ended =
+      RunScript("echo start; exec sleep 600", {.quiet = std::chrono::milliseconds(200)});
+  EXPECT_EQ(ended.output, "start\n");
+  EXPECT_EQ(ended.outcome.end, ProgramEnd::kOutOfTime);
+}
+
+TEST(ProgramRunner, EndsAProgramWhenItsOutputIsNotWanted) {
+  const ProgramOutcome outcome =
+      PosixProgramRunner().Run({.path = "/bin/sleep", .arguments = {"600"}, .limits = {}},
+                               [](std::string_view /*bytes*/) { return false; });
+  EXPECT_EQ(outcome.end, ProgramEnd::kStopped);
+}
+
+TEST(ProgramRunner, LeavesNoChildBehindWhenItsOutputCannotBeTaken) {
+  EXPECT_THROW(PosixProgramRunner().Run({.path = "/bin/sleep", .arguments = {"600"}, .limits = {}},
+                                        [](std::string_view) -> bool { throw Error("enough"); }),
+               Error);
+  EXPECT_EQ(waitpid(-1, nullptr, WNOHANG), -1);
+  EXPECT_EQ(errno, ECHILD);
+}
+
+#ifndef __SANITIZE_ADDRESS__
+TEST(ProgramRunner, LimitsMemory) {
+  const Ended ended = RunScript("head -c 300000000 /dev/zero | tail -n 1 >/dev/null; echo $?",
+                                {.memory_bytes = std::size_t{64} << 20U});
+  EXPECT_THAT(ended.output, HasSubstr("1"));
+}
+#endif
+
+TEST(ProgramRunner, LetsAProgramWriteNoFile) {
+  TempFolder folder;
+  const std::string path = (folder / "written").string();
+  const Ended ended = RunScript("echo x > '" + path + "'; echo done", {});
+  EXPECT_EQ(BytesOf(path), "");
+}
+
+TEST(Conversion, StopsWhenAskedTo) {
+  ConversionSite site;
+  int asked = 0;
+  site.go_on = [&asked] { return ++asked < 3; };
+  EXPECT_EQ(site.Refusal(site.Data("LEGACYX.TDB")), "the conversion was stopped");
+  EXPECT_THAT(site.Files(), IsEmpty());
+}
+
+TEST(Conversion, NeverReplacesAFile) {
+  ConversionSite site;
+  WriteBytes(site.copy, "mine");
+  EXPECT_THAT(site.Refusal(site.Data("LEGACYR.RDB")),
+              EndsWith("NEW.RDB already exists; choose another name"));
+  EXPECT_EQ(BytesOf(site.copy), "mine");
+  EXPECT_THAT(site.Files(), ElementsAre("NEW.RDB"));
+}
+
+TEST(Conversion, NeverReplacesAFileThatCameMeanwhile) {
+  ConversionSite site;
+  site.go_on = [&site] {
+    WriteBytes(site.copy, "mine");
+    return true;
+  };
+  EXPECT_THAT(site.Refusal(site.Data("LEGACYR.RDB")), HasSubstr("already exists"));
+  EXPECT_EQ(BytesOf(site.copy), "mine");
+  EXPECT_THAT(site.Files(), ElementsAre("NEW.RDB"));
+}
+
+TEST(Conversion, OfAFileIntoItselfIsRefused) {
+  ConversionSite site;
+  fs::copy_file(site.Data("LEGACYR.RDB"), site.copy);
+  const std::string before = BytesOf(site.copy);
+  EXPECT_THAT(site.Refusal(site.copy), HasSubstr("already exists"));
+  EXPECT_EQ(BytesOf(site.copy), before);
+}
+
+TEST(Conversion, OfAFileThatChangesMeanwhileIsRefused) {
+  ConversionSite site;
+  fs::copy_file(site.Data("LEGACYR.RDB"), site.old_path);
+  site.go_on = [&site] {
+    std::string bytes = BytesOf(site.old_path);
+    bytes.back() = static_cast<char>(bytes.back() + 1);
+    WriteBytes(site.old_path, bytes);
+    return true;
+  };
+  EXPECT_THAT(site.Refusal(site.old_path), HasSubstr("OLD.RDB changed while it was read"));
+  EXPECT_THAT(site.Files(), ElementsAre("OLD.RDB"));
+}
+
+TEST(Conversion, OfWhatIsNoFileIsRefused) {
+  ConversionSite site;
+  EXPECT_THAT(site.Refusal(site.folder / "NONE.RDB"), EndsWith("NONE.RDB does not exist."));
+  EXPECT_THAT(site.Refusal(site.folder.Path()), EndsWith("is a folder or a device, not a file."));
+  EXPECT_THAT(site.Refusal("/dev/null"), EndsWith("is a folder or a device, not a file."));
+}
+
+TEST(Conversion, RefusesEveryOtherKindOfFileInItsOwnWords) {
+  ConversionSite site;
+  WriteBytes(site.old_path, "ID,Name\n");
+  EXPECT_EQ(site.Refusal(site.old_path), JetFileRefusal(JetFileKind::kText, "OLD.RDB"));
+  std::string bytes = BytesOf(site.Data("LEGACYR.RDB"));
+  bytes[0x14] = 0;
+  WriteBytes(site.old_path, bytes);
+  EXPECT_EQ(site.Refusal(site.old_path), JetFileRefusal(JetFileKind::kJet3, "OLD.RDB"));
+  bytes[0x14] = 2;
+  WriteBytes(site.old_path, bytes);
+  EXPECT_EQ(site.Refusal(site.old_path), JetFileRefusal(JetFileKind::kAccess2007, "OLD.RDB"));
+  bytes[0x14] = 1;
+  bytes[0x42] = static_cast<char>(bytes[0x42] ^ 's');
+  WriteBytes(site.old_path, bytes);
+  EXPECT_EQ(site.Refusal(site.old_path), JetFileRefusal(JetFileKind::kPassword, "OLD.RDB"));
+  EXPECT_THAT(site.Files(), ElementsAre("OLD.RDB"));
+}
+
+TEST(Conversion, IntoAFolderThatIsNotThereIsTold) {
+  ConversionSite site;
+  site.copy = site.folder / "none" / "NEW.RDB";
+  EXPECT_THAT(site.Refusal(site.Data("LEGACYR.RDB")),
+              AllOf(HasSubstr("cannot write"), HasSubstr("No such file or directory")));
+}
+
+TEST(Conversion, WithoutATemplateIsTold) {
+  ConversionSite site;
+  const OtherReader reader(site,
+                           "exec " + (fs::path(VRX_BIN_DIR) / "vrx2260jet").string() + " \"$@\"");
+  fs::remove(site.program_directory / "QXNULRDB.MDB");
+  EXPECT_THAT(site.Refusal(site.Data("LEGACYR.RDB")),
+              HasSubstr("QXNULRDB.MDB does not exist; install the program again"));
+}
+
+TEST(ConversionOnAFullDisk, FailsClearlyAndLeavesNothing) {
+  ConversionSite site;
+  const std::string output =
+      RunWithMounts(R"(
+      mkdir "$1/disk"
+      mount -t tmpfs -o size=150k tmpfs "$1/disk"
+      "$2" "$3/LEGACYX.TDB" "$1/disk/NEW.TDB" "$4" || echo "exit $?"
+      ls -A "$1/disk" | sed 's/^/left: /'
+      umount "$1/disk")",
+                    {site.folder.Path().string(), CONVERT_PROCESS, LEGACY_DATA, VRX_BIN_DIR});
+  EXPECT_THAT(output, HasSubstr("refused: "));
+  EXPECT_THAT(output, HasSubstr("full"));
+  EXPECT_THAT(output, HasSubstr("exit 1\n"));
+  EXPECT_THAT(output, ::testing::Not(HasSubstr("left: ")));
+}
+
+TEST(ConversionOnAReadOnlyDisk, FailsClearly) {
+  ConversionSite site;
+  const std::string output =
+      RunWithMounts(R"(
+      mkdir "$1/disk"
+      mount -t tmpfs -o size=2m,ro tmpfs "$1/disk"
+      "$2" "$3/LEGACYX.TDB" "$1/disk/NEW.TDB" "$4" || echo "exit $?"
+      umount "$1/disk")",
+                    {site.folder.Path().string(), CONVERT_PROCESS, LEGACY_DATA, VRX_BIN_DIR});
+  EXPECT_THAT(output, HasSubstr("refused: cannot write"));
+  EXPECT_THAT(output, HasSubstr("Read-only file system"));
+  EXPECT_THAT(output, HasSubstr("exit 1\n"));
+}
+
+}  // namespace
+}  // namespace vrx::testing

@@ -1,0 +1,96 @@
+#include "legacy/jet_file.h"
+
+#include <string>
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+#include <nettle/arcfour.h>
+
+#include "legacy/conversion_site.h"
+
+namespace vrx::testing {
+namespace {
+
+using ::testing::HasSubstr;
+using ::testing::StartsWith;
+using namespace std::string_view_literals;
+
+std::string Fixture() { return BytesOf(std::filesystem::path(LEGACY_DATA) / "LEGACYR.RDB"); }
+
+JetFileKind KindOf(const std::string& bytes) {
+  return ClassifyJetFile(bytes.substr(0, kJetPageSize), bytes.size());
+}
+
+// Changes bytes of the first page in its scrambled part. RC4 is its own inverse, so what is laid
+// over the clear text can be laid over the scrambled one.
+std::string Changed(std::string bytes, std::size_t offset, std::string_view change) {
+  for (std::size_t index = 0; index < change.size(); ++index) {
+    bytes[offset + index] = static_cast<char>(bytes[offset + index] ^ change[index]);
+  }
+  return bytes;
+}
+
+TEST(JetFile, KnowsAJet4File) {
+  EXPECT_EQ(KindOf(Fixture()), JetFileKind::kJet4);
+  EXPECT_EQ(KindOf(JetWriter().Bytes()), JetFileKind::kJet4);
+  EXPECT_EQ(JetFileRefusal(JetFileKind::kJet4, "A.RDB"), "");
+}
+
+TEST(JetFile, KnowsAJet3File) {
+  std::string bytes = Fixture();
+  bytes[0x14] = 0;
+  EXPECT_EQ(KindOf(bytes), JetFileKind::kJet3);
+  EXPECT_THAT(JetFileRefusal(JetFileKind::kJet3, "A.RDB"),
+              HasSubstr("A.RDB is a Jet 3 database (the Access 97 file format). Convert it to the "
+                        "Access 2000 file format"));
+}
+
+TEST(JetFile, KnowsAnAccess2007FileByItsMarkAndByItsVersion) {
+  std::string by_mark = Fixture();
+  by_mark.replace(4, 15, "Standard ACE DB");
+  by_mark[0x14] = 2;
+  EXPECT_EQ(KindOf(by_mark), JetFileKind::kAccess2007);
+  std::string by_version = Fixture();
+  by_version[0x14] = 2;
+  EXPECT_EQ(KindOf(by_version), JetFileKind::kAccess2007);
+  EXPECT_THAT(JetFileRefusal(JetFileKind::kAccess2007, "A.RDB"),
+              StartsWith("A.RDB is a database of the Access 2007 file format or a later one. Save "
+                         "it in the Access 2000 file format"));
+}
+
+TEST(JetFile, KnowsAPassword) {
+  EXPECT_EQ(KindOf(Changed(Fixture(), 0x42, "s\0e\0c\0"sv)), JetFileKind::kPassword);
+  EXPECT_THAT(JetFileRefusal(JetFileKind::kPassword, "A.RDB"), HasSubstr("remove the password"));
+}
+
+TEST(JetFile, KnowsEncryptedPages) {
+  EXPECT_EQ(KindOf(Changed(Fixture(), 0x3E, "\x12\x34\x56\x78")), JetFileKind::kEncrypted);
+  EXPECT_THAT(JetFileRefusal(JetFileKind::kEncrypted, "A.RDB"), HasSubstr("Decrypt a copy"));
+}
+
+TEST(JetFile, KnowsACutOffFile) {
+  const std::string whole = Fixture();
+  EXPECT_EQ(KindOf(whole.substr(0, whole.size() - 1)), JetFileKind::kCutOff);
+  EXPECT_EQ(KindOf(whole.substr(0, 100)), JetFileKind::kCutOff);
+  EXPECT_EQ(KindOf(whole.substr(0, 20)), JetFileKind::kCutOff);
+}
+
+TEST(JetFile, TellsFilesOfOtherKindsApart) {
+  EXPECT_EQ(KindOf(""), JetFileKind::kEmpty);
+  EXPECT_EQ(KindOf("ID,Name\r\n1,CORN\r\n"), JetFileKind::kText);
+  EXPECT_EQ(KindOf(std::string("\x89PNG\r\n\x1A\n\0\0", 10)), JetFileKind::kOther);
+  EXPECT_EQ(KindOf(BytesOf(std::filesystem::path(VRX_BIN_DIR) / "QXNULRDB.MDB")),
+            JetFileKind::kPresentFormat);
+  EXPECT_THAT(JetFileRefusal(JetFileKind::kText, "A.RDB"),
+              StartsWith("A.RDB is a text file, not a database. Choose the .RDB or .TDB file"));
+}
+
+TEST(JetFile, HasWordsForEveryKindThatIsRefused) {
+  for (int kind = 1; kind < kJetFileKinds; ++kind) {
+    EXPECT_THAT(JetFileRefusal(static_cast<JetFileKind>(kind), "A.RDB"), StartsWith("A.RDB is "))
+        << kind;
+  }
+}
+
+}  // namespace
+}  // namespace vrx::testing
