@@ -5,6 +5,7 @@
 #include <map>
 #include <string>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 #include <gtest/gtest.h>
@@ -109,6 +110,18 @@ class DiaryWindow : public DatabaseWindow, public TabFolderWindow, public Comman
   std::map<std::pair<DatabaseKind, StatusPanel>, std::string> panels_;
 };
 
+// Answers for files of an earlier generation, and keeps what it was asked about.
+class ScriptedEarlierDatabases : public EarlierDatabases {
+ public:
+  EarlierDatabase Offer(DatabaseKind kind, const std::filesystem::path& path) override {
+    asked.emplace_back(kind, path);
+    return answer;
+  }
+
+  EarlierDatabase answer;
+  std::vector<std::pair<DatabaseKind, std::filesystem::path>> asked;
+};
+
 // A program's directory with both templates, an application data folder, and the lifecycle in a
 // window that has just been loaded: both databases closed.
 class LifecycleSite : public ::testing::Test {
@@ -144,6 +157,7 @@ class LifecycleSite : public ::testing::Test {
   GeneralDelay delay_{pump_};
   CommandStates commands_;
   TabFolder tabs_{commands_, window_};
+  ScriptedEarlierDatabases earlier_;
   DatabaseLifecycle databases_{{.op = operator_,
                                 .files = chooser_,
                                 .system = system_,
@@ -154,7 +168,8 @@ class LifecycleSite : public ::testing::Test {
                                 .delay = delay_,
                                 .commands = commands_,
                                 .tabs = tabs_,
-                                .window = window_},
+                                .window = window_,
+                                .earlier = &earlier_},
                                std::chrono::milliseconds(0)};
 };
 
