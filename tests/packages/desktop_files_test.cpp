@@ -13,13 +13,15 @@ namespace {
 namespace fs = std::filesystem;
 using ::testing::HasSubstr;
 
-// A desktop that knows the kinds of files of the package and the library's own.
+// A desktop that knows the kinds of files of the package and the common ones.
 class FileKinds : public ::testing::Test {
  protected:
   FileKinds() {
     fs::create_directories(folder_ / "mime/packages");
     fs::copy(fs::path(VRX_SOURCE_DIR) / "packaging/vrx2260-mime.xml",
              folder_ / "mime/packages/vrx2260.xml");
+    // Read from the same place, the one of higher priority counts.
+    fs::copy("/usr/share/mime/packages/freedesktop.org.xml", folder_ / "mime/packages");
     for (const char* const variable : {"XDG_DATA_HOME", "XDG_DATA_DIRS"}) {
       qputenv(variable, folder_.Path().string().c_str());
     }
