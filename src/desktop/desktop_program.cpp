@@ -25,6 +25,7 @@ bool OnMainLoop() { return QThread::currentThread()->loopLevel() <= 1; }
 DesktopProgram::DesktopProgram(const SystemInfo& system, MakeMainForm make_main_form)
     : system_(system),
       application_{.app_folder = Folder(system_), .ini = {}, .settings = {}},
+      files_([this] { return application_.app_folder.DefaultAppPath().string(); }),
       serial_([this](int number) {
         return LinuxPortDevice(application_.app_folder.DefaultAppPath(), number);
       }),

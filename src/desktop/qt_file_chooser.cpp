@@ -6,6 +6,7 @@
 #include <QHeaderView>
 #include <QStringList>
 #include <QTreeView>
+#include <utility>
 
 #include "desktop/qt_text.h"
 
@@ -79,12 +80,18 @@ FileChoice ChoiceOf(const QString& path) {
 
 }  // namespace
 
+QtFileChooser::QtFileChooser(std::function<std::string()> home) : home_(std::move(home)) {}
+
+QString QtFileChooser::LastFolder() const {
+  return last_folder_.isEmpty() ? ToQString(home_()) : last_folder_;
+}
+
 FileChoice QtFileChooser::ShowOpen(const FileDialog& dialog) {
   QFileDialog widget(QApplication::activeWindow());
   widget.setAcceptMode(QFileDialog::AcceptOpen);
   widget.setFileMode((dialog.flags & kFileMustExist) != 0 ? QFileDialog::ExistingFile
                                                           : QFileDialog::AnyFile);
-  SetUp(widget, dialog, last_folder_);
+  SetUp(widget, dialog, LastFolder());
   return ChoiceOf(Ask(widget, last_folder_));
 }
 
@@ -93,7 +100,7 @@ FileChoice QtFileChooser::ShowSave(const FileDialog& dialog) {
   widget.setAcceptMode(QFileDialog::AcceptSave);
   widget.setFileMode(QFileDialog::AnyFile);
   widget.setOption(QFileDialog::DontConfirmOverwrite, (dialog.flags & kOverwritePrompt) == 0);
-  SetUp(widget, dialog, last_folder_);
+  SetUp(widget, dialog, LastFolder());
   return ChoiceOf(Ask(widget, last_folder_));
 }
 
@@ -102,7 +109,7 @@ std::string QtFileChooser::ShowFolder(const std::string& title) {
   widget.setAcceptMode(QFileDialog::AcceptOpen);
   widget.setFileMode(QFileDialog::Directory);
   widget.setOption(QFileDialog::ShowDirsOnly);
-  SetUp(widget, {.title = title, .filter = {}, .default_extension = {}}, last_folder_);
+  SetUp(widget, {.title = title, .filter = {}, .default_extension = {}}, LastFolder());
   return Ask(widget, last_folder_).toStdString();
 }
 

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <QString>
+#include <functional>
 #include <string>
 
 #include "platform/file_chooser.h"
@@ -11,11 +12,16 @@ namespace vrx {
 // gets its default extension ahead of the question whether to overwrite, everywhere.
 class QtFileChooser : public FileChooser {
  public:
+  // `home` tells the folder of the dialogs that name none, until a first choice was made.
+  explicit QtFileChooser(std::function<std::string()> home);
   FileChoice ShowOpen(const FileDialog& dialog) override;
   FileChoice ShowSave(const FileDialog& dialog) override;
   std::string ShowFolder(const std::string& title) override;
 
  private:
+  QString LastFolder() const;
+
+  std::function<std::string()> home_;
   QString last_folder_;  // where the last choice was made
 };
 

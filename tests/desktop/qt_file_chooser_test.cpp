@@ -66,7 +66,7 @@ class FileDialogs : public ::testing::Test {
   }
 
   TempFolder folder;
-  QtFileChooser chooser;
+  QtFileChooser chooser{[this] { return folder.Path().string(); }};
   FileDialog dialog{.title = "Import Transaction File",
                     .filter = "Transactions (*.QXT)|*.QXT|All Files (*.*)|*.*",
                     .default_extension = "QXT",
@@ -103,6 +103,16 @@ TEST_F(FileDialogs, HasTitleFolderAndFilters) {
   EXPECT_EQ(directory.toStdString(), folder.Path().string());
   EXPECT_EQ(filters,
             (QStringList{u"Transactions (*.QXT) (*.[qQ][xX][tT])"_qs, u"All Files (*.*) (*)"_qs}));
+}
+
+TEST_F(FileDialogs, WithoutAFolderOfTheirOwnBeginInTheHomeAndThenWhereTheLastChoiceWas) {
+  dialog.start_folder.clear();
+  EXPECT_EQ(Save(u"NEW"_qs).path, (folder / "NEW.QXT").string());
+  std::filesystem::create_directory(folder / "FAR");
+  dialog.start_folder = (folder / "FAR").string();
+  Save(u"NEW"_qs);
+  dialog.start_folder.clear();
+  EXPECT_EQ(Save(u"NEXT"_qs).path, (folder / "FAR/NEXT.QXT").string());
 }
 
 TEST_F(FileDialogs, CellsOfTheListAreShownWhole) {
