@@ -7,7 +7,7 @@ namespace {
 
 // A handler of a signal can reach nothing but such a variable.
 volatile std::sig_atomic_t raised =
-    0;  // NOLINT(cppcoreguidelines-avoid-non-const-global-variables)
+    0;
 
 extern "C" void RaiseStopFlag(int /*signal*/) { raised = 1; }
 

@@ -4,7 +4,9 @@
 #include <string>
 
 #include "database/create.h"
+#include "database/database_error.h"
 #include "database/kind_words.h"
+#include "database/tell_failure.h"
 #include "frame/files.h"
 #include "legacy/jet_file.h"
 #include "legacy/legacy_error.h"
@@ -107,6 +109,9 @@ bool ConversionOffer::Convert(DatabaseKind kind, const fs::path& old_file, const
            return !ports_.pump.Closing() && !ports_.display.Cancelled();
          }});
   } catch (const ConversionStopped&) {
+    return false;
+  } catch (const DatabaseError& failure) {
+    TellFailure(ports_.op, kConversionErrorTitle, failure);
     return false;
   } catch (const std::exception& failure) {
     Refuse(failure.what());

@@ -154,9 +154,9 @@ TableRule TransactionsRule() {
 }  // namespace
 
 std::span<const TableRule> TableRules() {
-  static const std::array kRules = {IngredientRule(), RecipeRule(), RecipeRationRule(), PenRule(),
-                                    TransactionsRule()};
-  return kRules;
+  static const std::array all_rules = {IngredientRule(), RecipeRule(), RecipeRationRule(),
+                                       PenRule(), TransactionsRule()};
+  return all_rules;
 }
 
 const TableRule* FindTableRule(std::string_view table) {

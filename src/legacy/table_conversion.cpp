@@ -4,6 +4,7 @@
 #include <array>
 #include <string_view>
 #include <type_traits>
+#include <utility>
 
 #include <SQLiteCpp/Column.h>
 
@@ -79,10 +80,10 @@ std::optional<JetMoment> MomentOf(const LegacyValue& value) {
 }  // namespace
 
 TableConversion::TableConversion(SQLite::Database& database, const TableRule& rule,
-                                 const LegacyTable& table, NoticeList& notices)
+                                 LegacyTable table, NoticeList& notices)
     : database_(database),
       rule_(rule),
-      table_(table),
+      table_(std::move(table)),
       notices_(notices),
       values_(rule.fields.size()),
       seen_(static_cast<std::size_t>(rule.records) + 1),
@@ -149,8 +150,8 @@ void TableConversion::TellColumn(const Source& source) {
 }
 
 const LegacyValue& TableConversion::ValueOf(const Source& source, const LegacyRow& row) const {
-  static const LegacyValue kNothing;
-  return source.column ? row[*source.column] : kNothing;
+  static const LegacyValue nothing;
+  return source.column ? row[*source.column] : nothing;
 }
 
 void TableConversion::Row(const LegacyRow& row) {

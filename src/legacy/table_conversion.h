@@ -22,7 +22,7 @@ namespace vrx {
 // caller's transaction encloses it. Throws DatabaseError when the storage fails.
 class TableConversion {
  public:
-  TableConversion(SQLite::Database& database, const TableRule& rule, const LegacyTable& table,
+  TableConversion(SQLite::Database& database, const TableRule& rule, LegacyTable table,
                   NoticeList& notices);
 
   void Row(const LegacyRow& row);

@@ -1,10 +1,14 @@
 #include <cerrno>
 #include <chrono>
+#include <csignal>
+#include <random>
 #include <string>
+#include <thread>
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <sys/wait.h>
+#include <unistd.h>
 
 #include "legacy/conversion_site.h"
 #include "legacy/jet_file.h"
@@ -237,6 +241,34 @@ TEST(Conversion, WithoutATemplateIsTold) {
   fs::remove(site.program_directory / "QXNULRDB.MDB");
   EXPECT_THAT(site.Refusal(site.Data("LEGACYR.RDB")),
               HasSubstr("QXNULRDB.MDB does not exist; install the program again"));
+}
+
+TEST(ConversionThatIsKilled, LeavesAWholeFileOrNone) {
+  constexpr int kRounds = 30;
+  std::mt19937 random(11);
+  std::uniform_int_distribution<int> microseconds(0, 60000);
+  int interrupted = 0;
+  for (int round = 0; round < kRounds; ++round) {
+    SCOPED_TRACE(round);
+    ConversionSite site;
+    const std::string old_file = site.Data("LEGACYX.TDB").string();
+    const pid_t process = fork();
+    if (process == 0) {
+      execl(CONVERT_PROCESS, CONVERT_PROCESS, old_file.c_str(), site.copy.c_str(), VRX_BIN_DIR,
+            nullptr);
+      _exit(127);
+    }
+    std::this_thread::sleep_for(std::chrono::microseconds(microseconds(random)));
+    kill(process, SIGKILL);
+    int status = 0;
+    waitpid(process, &status, 0);
+    interrupted += WIFSIGNALED(status) ? 1 : 0;
+    if (fs::exists(site.copy)) {
+      EXPECT_EQ(site.Rows("PRAGMA integrity_check")[0][0], "ok");
+      EXPECT_EQ(site.Rows("SELECT count(*) FROM Transactions")[0][0], "302");
+    }
+  }
+  EXPECT_GT(interrupted, 0);
 }
 
 TEST(ConversionOnAFullDisk, FailsClearlyAndLeavesNothing) {
