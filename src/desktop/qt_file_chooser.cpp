@@ -70,8 +70,10 @@ QString Ask(QFileDialog& widget, QString& last_folder) {
   if (widget.exec() != QDialog::Accepted || widget.selectedFiles().isEmpty()) {
     return {};
   }
-  last_folder = widget.directory().absolutePath();
-  return widget.selectedFiles().constFirst();
+  const QString path = widget.selectedFiles().constFirst();
+  // A path can be typed that leads out of the folder on show.
+  last_folder = widget.fileMode() == QFileDialog::Directory ? path : QFileInfo(path).absolutePath();
+  return path;
 }
 
 FileChoice ChoiceOf(const QString& path) {
