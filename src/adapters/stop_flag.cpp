@@ -6,8 +6,7 @@ namespace vrx {
 namespace {
 
 // A handler of a signal can reach nothing but such a variable.
-volatile std::sig_atomic_t raised =
-    0;
+volatile std::sig_atomic_t raised = 0;
 
 extern "C" void RaiseStopFlag(int /*signal*/) { raised = 1; }
 

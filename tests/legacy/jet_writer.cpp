@@ -17,7 +17,6 @@ constexpr std::size_t kPage = 4096;
 constexpr std::size_t kDataHead = 14;
 constexpr std::uint32_t kCatalogPage = 2;
 constexpr std::size_t kInlinePages = 512;
-constexpr std::size_t kMapPageBits = (kPage - 4) * 8;
 constexpr std::uint16_t kDeleted = 0xC000;
 constexpr std::uint16_t kMoved = 0x4000;
 constexpr std::uint16_t kTarget = 0x8000;
@@ -254,111 +253,133 @@ std::string JetWriter::Definition(const Table& table, std::uint32_t map) {
   return bytes;
 }
 
-// The pages: header, free map, the catalog's definition, then per table its definition, its map,
-// a map page where it is long, and its data.
-std::string JetWriter::Bytes() const {
-  std::vector<std::string> pages{HeaderPage(), DataPage(1).Bytes(), {}};
-  const auto append_table = [&pages](const Table& table, std::uint32_t first_page) {
-    const auto map_page = static_cast<std::uint32_t>(pages.size());
-    pages.emplace_back();
-    std::string definition = Definition(table, map_page << 8U);
-    std::uint32_t page = first_page;
-    for (std::size_t at = 0; at < definition.size();) {
-      const std::size_t head = at == 0 ? 0 : 8;
-      std::string piece = (at == 0 ? std::string() : std::string("\2\1\0\0\0\0\0\0", 8)) +
-                          definition.substr(at, kPage - head);
-      at += kPage - head;
-      piece.resize(kPage, '\0');
-      if (at < definition.size()) {
-        PutAt(piece, 4, static_cast<std::uint32_t>(pages.size()));
-      }
-      pages[page] = piece;
-      if (at < definition.size()) {
-        page = static_cast<std::uint32_t>(pages.size());
-        pages.emplace_back();
-      }
+// Puts the pages of a file together: header, free map and the catalog's definition, then for each
+// table its definition, its map, a map page where the map is long, and its data.
+class JetWriter::Builder {
+ public:
+  std::string Build(const std::vector<Table>& tables) {
+    Table catalog{.name = "MSysObjects",
+                  .columns = {{"Id", kLong},
+                              {"ParentId", kLong},
+                              {"Name", kText},
+                              {"Type", kInteger},
+                              {"Flags", kLong},
+                              {"LvProp", kOle}},
+                  .rows = {}};
+    for (const Table& table : tables) {
+      const std::uint32_t page = NewPage();
+      Append(table, page);
+      catalog.rows.push_back(
+          {EncodeRow(catalog, {static_cast<std::int32_t>(page), std::int32_t{0x0F000001},
+                               Utf16(table.name), std::int32_t{1}, std::int32_t{0}, LegacyValue{}}),
+           Place::kHere});
     }
-    std::vector<DataPage> data{DataPage(first_page)};
-    struct Move {
-      std::size_t page;
-      std::size_t row;
-      const std::string* bytes;
-    };
-    std::vector<Move> moves;
-    const auto room = [&](std::size_t size) -> DataPage& {
-      if (!data.back().Fits(size)) {
-        data.emplace_back(first_page);
+    Append(catalog, kCatalogPage);
+    std::string bytes;
+    for (const std::string& page : pages_) {
+      bytes += page;
+    }
+    return bytes;
+  }
+
+ private:
+  std::uint32_t NewPage() {
+    pages_.emplace_back();
+    return static_cast<std::uint32_t>(pages_.size() - 1);
+  }
+
+  void Append(const Table& table, std::uint32_t first_page) {
+    const std::uint32_t map_page = NewPage();
+    AppendDefinition(Definition(table, map_page << 8U), first_page);
+    std::vector<DataPage> data = Fill(table, first_page);
+    DataPage maps(0);
+    maps.Add(MapOf(data.size()));
+    maps.Add(InlineMap(0, 0));
+    pages_[map_page] = maps.Bytes();
+    for (const DataPage& page : data) {
+      pages_.push_back(page.Bytes());
+    }
+  }
+
+  // What does not fit on its page goes on on another one, which the page names.
+  void AppendDefinition(const std::string& definition, std::uint32_t page) {
+    for (std::size_t at = 0; at < definition.size();) {
+      std::string piece = at == 0 ? std::string() : std::string("\2\1\0\0\0\0\0\0", 8);
+      const std::size_t taken = std::min(kPage - piece.size(), definition.size() - at);
+      piece += definition.substr(at, taken);
+      at += taken;
+      piece.resize(kPage, '\0');
+      const std::uint32_t this_page = page;
+      if (at < definition.size()) {
+        page = NewPage();
+        PutAt(piece, 4, page);
       }
-      return data.back();
-    };
+      pages_[this_page] = piece;
+    }
+  }
+
+  // Where a row is that moves, and what is to stand where it went.
+  struct Move {
+    std::size_t page;
+    std::size_t row;
+    const std::string* bytes;
+  };
+
+  static DataPage& RoomFor(std::vector<DataPage>& data, std::size_t size, std::uint32_t owner) {
+    if (data.empty() || !data.back().Fits(size)) {
+      data.emplace_back(owner);
+    }
+    return data.back();
+  }
+
+  // Moved rows stand on pages behind all others.
+  std::vector<DataPage> Fill(const Table& table, std::uint32_t owner) const {
+    std::vector<DataPage> data;
+    std::vector<Move> moves;
     for (const Row& row : table.rows) {
       if (row.place == Place::kMoved) {
-        DataPage& there = room(4);
-        moves.push_back({data.size() - 1, there.Add("1234", kMoved), &row.bytes});
+        const std::size_t place = RoomFor(data, 4, owner).Add("here", kMoved);
+        moves.push_back({data.size() - 1, place, &row.bytes});
       } else {
-        room(row.bytes.size()).Add(row.bytes, row.place == Place::kDeleted ? kDeleted : 0);
+        RoomFor(data, row.bytes.size(), owner)
+            .Add(row.bytes, row.place == Place::kDeleted ? kDeleted : 0);
       }
     }
-    const bool long_map = data.size() + pages.size() + 1 > kInlinePages;
-    const auto first = static_cast<std::uint32_t>(pages.size() + (long_map ? 1 : 0));
     if (!moves.empty()) {
-      data.emplace_back(first_page);
+      data.emplace_back(owner);
     }
     for (const Move& move : moves) {
-      const std::size_t row = room(move.bytes->size()).Add(*move.bytes, kTarget);
+      const std::size_t row = RoomFor(data, move.bytes->size(), owner).Add(*move.bytes, kTarget);
       std::string pointer;
-      Put(pointer, static_cast<std::uint32_t>((first + data.size() - 1) << 8U | row));
+      Put(pointer, static_cast<std::uint32_t>((pages_.size() + data.size() - 1) << 8U | row));
       data[move.page].Replace(move.row, pointer);
     }
-    DataPage maps(0);
-    if (long_map) {
-      std::string map("\1");
-      Put(map, static_cast<std::uint32_t>(pages.size()));
-      map.resize(5 + kInlinePages / 8, '\0');
-      maps.Add(map);
-      std::string bits(kPage, '\0');
-      bits[0] = 5;
-      bits[1] = 1;
-      for (std::size_t used = first; used < first + data.size(); ++used) {
-        char& byte = bits.at(4 + used / 8);
-        byte = static_cast<char>(static_cast<unsigned char>(byte) | (1U << (used % 8)));
-      }
-      if (first + data.size() > kMapPageBits) {
-        throw std::logic_error("a table of too many pages");
-      }
-      pages.push_back(bits);
-    } else {
-      maps.Add(InlineMap(first, data.size()));
-    }
-    maps.Add(InlineMap(0, 0));
-    pages[map_page] = maps.Bytes();
-    for (const DataPage& filled : data) {
-      pages.push_back(filled.Bytes());
-    }
-  };
-  Table catalog{.name = "MSysObjects",
-                .columns = {{"Id", kLong},
-                            {"ParentId", kLong},
-                            {"Name", kText},
-                            {"Type", kInteger},
-                            {"Flags", kLong},
-                            {"LvProp", kOle}},
-                .rows = {}};
-  for (const Table& table : tables_) {
-    const auto page = static_cast<std::int32_t>(pages.size());
-    pages.emplace_back();
-    append_table(table, static_cast<std::uint32_t>(page));
-    catalog.rows.push_back({EncodeRow(catalog, {page, std::int32_t{0x0F000001}, Utf16(table.name),
-                                                std::int32_t{1}, std::int32_t{0}, LegacyValue{}}),
-                            Place::kHere});
+    return data;
   }
-  append_table(catalog, kCatalogPage);
-  std::string bytes;
-  for (const std::string& page : pages) {
-    bytes += page;
+
+  // The map of the pages that are about to follow. A long one has a page of its own, ahead of them.
+  std::string MapOf(std::size_t data_pages) {
+    if (pages_.size() + data_pages <= kInlinePages) {
+      return InlineMap(static_cast<std::uint32_t>(pages_.size()), data_pages);
+    }
+    std::string bits(kPage, '\0');
+    bits[0] = 5;
+    bits[1] = 1;
+    std::string map("\1");
+    Put(map, NewPage());
+    map.resize(5 + kInlinePages / 8, '\0');
+    for (std::size_t used = pages_.size(); used < pages_.size() + data_pages; ++used) {
+      char& byte = bits.at(4 + used / 8);
+      byte = static_cast<char>(static_cast<unsigned char>(byte) | (1U << (used % 8)));
+    }
+    pages_.back() = bits;
+    return map;
   }
-  return bytes;
-}
+
+  std::vector<std::string> pages_{HeaderPage(), DataPage(1).Bytes(), {}};
+};
+
+std::string JetWriter::Bytes() const { return Builder().Build(tables_); }
 
 void JetWriter::Write(const std::filesystem::path& path) const {
   std::ofstream(path, std::ios::binary) << Bytes();

@@ -62,7 +62,7 @@ class JetWriter {
     std::vector<Row> rows;
     int announced = -1;
   };
-  struct Built;
+  class Builder;
 
   static std::string Definition(const Table& table, std::uint32_t map);
   static std::string EncodeRow(const Table& table, const std::vector<LegacyValue>& row);
