@@ -1,6 +1,6 @@
 // What the Batched/Fed tab costs its user at a million records: a data group from its choice to the
-// first screen on the glass, every page that is scrolled through, everything expanded with a jump
-// to the end, and memory. Real widgets, drawn without a display.
+// first screen on the glass, every page that is scrolled through and jumps to places all over,
+// everything expanded with a jump to the end, and memory. Real widgets, drawn without a display.
 
 #include <QApplication>
 #include <QCheckBox>
@@ -54,6 +54,10 @@ double ProcessorMilliseconds(const std::function<void()>& work) {
   const double before = now();
   work();
   return now() - before;
+}
+
+double Slowest(const std::vector<double>& times) {
+  return *std::max_element(times.begin(), times.end());
 }
 
 // The page of a yard, on show.
@@ -161,25 +165,28 @@ class HistoryPageBench {
     });
     figures_.Told(NameOf(group) + ": all expanded, to the end, ms", expanded,
                   std::to_string(page.Rows()) + " rows");
-    std::vector<double> pages;
     const auto scroll = [&](int to) {
       ShownPage::Settle();
-      pages.push_back(ProcessorMilliseconds([&] { page.Scroll(to); }));
+      return ProcessorMilliseconds([&] { page.Scroll(to); });
     };
-    for (int at = 0, i = 0; i < kPages && at <= page.Bar().maximum(); ++i) {
-      scroll(at);
+    scroll(0);
+    std::vector<double> pages;
+    for (int at = 0; static_cast<int>(pages.size()) < kPages && at < page.Bar().maximum();) {
       at += page.Bar().pageStep();
+      pages.push_back(scroll(at));
+    }
+    if (!pages.empty()) {
+      figures_.Limited(NameOf(group) + ": a page scrolled, slowest ms", Slowest(pages), kPageLimit,
+                       "half of them within " + std::to_string(Median(pages)) + " ms");
     }
     std::mt19937 random(1);
     std::uniform_int_distribution<int> anywhere(0, page.Bar().maximum());
+    std::vector<double> jumps;
     for (int i = 0; i < kJumps; ++i) {
-      scroll(anywhere(random));
+      jumps.push_back(scroll(anywhere(random)));
     }
-    std::sort(pages.begin(), pages.end());
-    figures_.Limited(NameOf(group) + ": a page scrolled, 99 of 100, ms",
-                     pages[pages.size() * 99 / 100], kPageLimit,
-                     "the slowest " + std::to_string(pages.back()) + " ms, half of them within " +
-                         std::to_string(Median(pages)) + " ms");
+    figures_.Told(NameOf(group) + ": a jump anywhere, slowest ms", Slowest(jumps),
+                  "half of them within " + std::to_string(Median(jumps)) + " ms");
   }
 
   void Memory(const DataGroup& group, int& argc, char** argv) {

@@ -16,7 +16,7 @@ std::string BuiltInPortDevice(int number) {
 }
 
 std::string LinuxPortDevice(const fs::path& data_folder, int number) {
-  const std::string built_in = BuiltInPortDevice(number);
+  std::string built_in = BuiltInPortDevice(number);
   const fs::path folder = data_folder / "Ports";
   std::error_code no_link;
   const fs::path target = fs::read_symlink(folder / ("COM" + std::to_string(number)), no_link);

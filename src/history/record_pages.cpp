@@ -14,10 +14,10 @@ namespace vrx {
 
 namespace {
 
-constexpr std::int64_t kPageLength = 128;
+constexpr std::int64_t kPageLength = 32;
 // A record takes about 5 kB.
 constexpr std::size_t kRecordsHeld = 1024;
-constexpr std::size_t kLargeGroupsHeld = 32;
+constexpr std::size_t kLargeGroupsHeld = 64;
 
 constexpr int kFirst = GroupQuery::kFirstOwnParameter;
 
