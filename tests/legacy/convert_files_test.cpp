@@ -18,7 +18,6 @@ namespace {
 namespace fs = std::filesystem;
 using ::testing::Contains;
 using ::testing::ElementsAre;
-using ::testing::IsEmpty;
 
 using Cell = std::optional<std::string>;  // nothing for NULL
 
@@ -79,9 +78,9 @@ std::string Expected(const std::string& column, const Cell& known, const std::st
   if (known || !record) {
     return known.value_or("NULL");
   }
-  static const std::map<std::string, std::string> kDefaults = {
+  static const std::map<std::string, std::string> defaults = {
       {"Description", ""}, {"BatchType", "!"}, {"RationTarget", ""}, {"AdjBatTotIndex", "20"}};
-  return column == "Name" ? default_name : kDefaults.at(column);
+  return column == "Name" ? default_name : defaults.at(column);
 }
 
 // Compares every cell of a table of the copy with what the old file is known to hold.
@@ -154,18 +153,19 @@ TEST(ConvertedFile, IsADatabaseOfThisProgram) {
 TEST(ConvertedTransactionFile, KeepsADecimalWeightAsItWasWritten) {
   ConversionSite site;
   site.Convert(site.Data("LEGACYX.TDB"));
-  std::vector<std::string> columns;
-  int decimals = 0;
+  std::size_t decimals = 0;
+  const auto rows_where = [&site](const std::string& condition) {
+    std::string query = "SELECT 1 FROM Transactions WHERE ";
+    return site.Rows(query.append(condition)).size();
+  };
   for (int id = 1; id <= kWeightColumnCount; ++id) {
     const std::string column = IngredientWeightColumn(id);
-    EXPECT_THAT(site.Rows("SELECT " + column + " FROM Transactions WHERE " + column + " <> round(" +
-                          column + ", 1)"),
-                IsEmpty());
-    decimals += static_cast<int>(
-        site.Rows("SELECT 1 FROM Transactions WHERE " + column + " <> round(" + column + ")")
-            .size());
+    std::string rounded = column;
+    rounded.append(" <> round(").append(column);
+    EXPECT_EQ(rows_where(rounded + ", 1)"), 0U) << column;
+    decimals += rows_where(rounded + ")");
   }
-  EXPECT_GT(decimals, 0);
+  EXPECT_GT(decimals, 0U);
 }
 
 TEST(ConversionReport, OfTheRecipeFileTellsCountsSumsAndRepairs) {
