@@ -113,6 +113,7 @@ ProgramTexts::ProgramTexts(const fs::path& sources) {
     for (const std::string& literal : StringLiterals(ReadAll(entry.path()))) {
       const std::string line = OneLine(literal);
       all_ += line + '\n';
+      lines_.push_back(line);
       std::string caption;
       for (const char character : line) {
         caption += character == '&' ? std::string() : std::string(1, character);

@@ -23,8 +23,12 @@ class ProgramTexts {
   // Some text holds this part; blanks and line ends count as one blank.
   bool HoldsPart(std::string_view part) const;
 
+  // Each text on one line.
+  const std::vector<std::string>& Lines() const { return lines_; }
+
  private:
   std::set<std::string, std::less<>> captions_;
+  std::vector<std::string> lines_;
   std::string all_;  // one behind the other, each closed by a line feed
 };
 

@@ -14,6 +14,7 @@
 #include <QTreeWidget>
 #include <array>
 
+#include "desktop/calendar_popup.h"
 #include "frame/command_states.h"
 
 namespace vrx::manual {
@@ -118,6 +119,14 @@ QImage RecipesOpened(SampleProgram& program) {
   return WholeWindow(program);
 }
 
+QImage DatesClosed(SampleProgram& program) {
+  constexpr int kTransactionsByDate = 2;
+  program.ShowTab(kTabBatchedFed);
+  Pick(program, "lstGroupBy", kTransactionsByDate);
+  program.Find<QCheckBox>("chkExpandAll").setChecked(false);
+  return WholeWindow(program);
+}
+
 QImage OnePen(SampleProgram& program) {
   constexpr int kPenByName = 9;
   program.ShowTab(kTabBatchedFed);
@@ -145,45 +154,100 @@ void ShowOfficePorts(QWidget& form) {
       ->setEditText(QStringLiteral("/dev/ttyUSB0"));
 }
 
-// The form is modal: the picture is taken from within the command that opens it.
-template <int kTab>
-QImage Setup(SampleProgram& program) {
+// A modal form blocks whatever opens it, so the picture is taken from within, once `prepare` has
+// put in place of what this machine has what an office PC has.
+template <typename Prepare, typename Open>
+QImage ModalForm(SampleProgram& program, Prepare prepare, Open open) {
   QImage image;
   QTimer::singleShot(0, &program.Window(), [&] {
-    QWidget* const form = QApplication::activeModalWidget();
-    if (form != nullptr) {
-      form->findChild<QTabWidget*>(QStringLiteral("tabSetupFolder"))->setCurrentIndex(kTab);
-      ShowOfficePorts(*form);
+    if (QWidget* const form = QApplication::activeModalWidget(); form != nullptr) {
+      prepare(*form);
       image = form->grab().toImage();
       form->close();
     }
   });
-  program.Choose("mnuToolsSetup");
+  open();
   if (image.isNull()) {
-    throw Error("the setup did not open");
+    throw Error("no form came up");
   }
   return image;
 }
 
-constexpr int kOptionsTab = 4;
-constexpr int kModuleTab = 6;
+void ShowOfficeFolder(QWidget& form) {
+  form.findChild<QLineEdit*>(QStringLiteral("txtAppPath"))
+      ->setText(QStringLiteral("/usr/lib/vrx2260"));
+}
+
+template <int kTab>
+QImage Setup(SampleProgram& program) {
+  const auto prepare = [](QWidget& form) {
+    form.findChild<QTabWidget*>(QStringLiteral("tabSetupFolder"))->setCurrentIndex(kTab);
+    ShowOfficePorts(form);
+    ShowOfficeFolder(form);
+  };
+  return ModalForm(program, prepare, [&] { program.Choose("mnuToolsSetup"); });
+}
+
+QImage PrintSetupForm(SampleProgram& program) {
+  const auto prepare = [](QWidget& form) {
+    auto& printers = *form.findChild<QComboBox*>(QStringLiteral("lstPrinter"));
+    printers.setCurrentIndex(printers.count() - 1);  // the PDF file, which every machine has
+  };
+  return ModalForm(program, prepare, [&] { program.Choose("mnuFilePrintSetup"); });
+}
+
+QImage AboutForm(SampleProgram& program) {
+  return ModalForm(
+      program, [](QWidget& /*form*/) {}, [&] { program.Choose("mnuHelpAbout"); });
+}
+
+// The question ahead of a download. Closing it refuses; the boxes stay on show after it.
+QImage Question(SampleProgram& program) {
+  program.ShowTab(kTabDataTransfer);
+  Click(program, "cmdDownloadRecipeToKRM");
+  program.ShowBoxes();
+  return ModalForm(
+      program, [](QWidget& /*form*/) {}, [&] { Click(program, "cmdDownloadRecipeDB"); });
+}
+
+QImage CalendarOfTheMonth(SampleProgram& program) {
+  program.Window().ToggleCalendar();
+  program.RunEvents();
+  QImage image = program.Find<CalendarPopup>("calCalendar").grab().toImage();
+  program.Window().ToggleCalendar();
+  return image;
+}
+
+// The tabs of the setup.
+enum SetupTab { kDatabase, kApplication, kIniFile, kTransactionFile, kOptions, kConnections, kKrm };
 
 // The order is that of the work, since some leave a tab as they filled it.
 constexpr std::array kFigures = std::to_array<Figure>({
     {"data-transfer", &Tab<kTabDataTransfer>},
+    {"calendar", &CalendarOfTheMonth},
     {"download", &Download},
     {"upload", &Upload},
     {"direct", &Direct},
     {"ingredients", &Tab<kTabIngredients>},
     {"recipes", &Recipe<5>},
     {"recipe-percent", &Recipe<1>},
+    {"recipe-untyped", &Recipe<10>},
     {"pens", &Tab<kTabPens>},
+    {"batched-fed-closed", &DatesClosed},
     {"batched-fed", &RecipesOpened},
     {"batched-fed-pen", &OnePen},
     {"import", &Import},
     {"export", &Export},
-    {"setup-options", &Setup<kOptionsTab>},
-    {"setup-krm", &Setup<kModuleTab>},
+    {"setup-database", &Setup<kDatabase>},
+    {"setup-application", &Setup<kApplication>},
+    {"setup-ini", &Setup<kIniFile>},
+    {"setup-transaction", &Setup<kTransactionFile>},
+    {"setup-options", &Setup<kOptions>},
+    {"setup-connections", &Setup<kConnections>},
+    {"setup-krm", &Setup<kKrm>},
+    {"print-setup", &PrintSetupForm},
+    {"about", &AboutForm},
+    {"question", &Question},
 });
 
 }  // namespace

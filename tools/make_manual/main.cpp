@@ -5,9 +5,6 @@
 
 #include <QApplication>
 #include <QHashFunctions>
-#include <QLocale>
-#include <QStyleFactory>
-#include <QTemporaryDir>
 #include <algorithm>
 #include <cstdio>
 #include <exception>
@@ -25,6 +22,7 @@
 #include "make_manual/manual_pdf.h"
 #include "make_manual/manual_style.h"
 #include "make_manual/manual_text.h"
+#include "make_manual/studio.h"
 
 namespace {
 
@@ -89,26 +87,6 @@ void MakeManual(const fs::path& source, const fs::path& program_directory, const
   vrx::WriteFileBytes(target, {pdf.constData(), static_cast<std::size_t>(pdf.size())});
 }
 
-// No screen, no settings of whoever builds, pictures of twice the size.
-void SetEnvironment(const QByteArray& home) {
-  qputenv("QT_QPA_PLATFORM", "offscreen");
-  qputenv("QT_SCALE_FACTOR", "2");
-  for (const char* const kept_elsewhere : {"XDG_CONFIG_HOME", "XDG_DATA_HOME", "XDG_RUNTIME_DIR"}) {
-    qputenv(kept_elsewhere, home);
-  }
-  for (const char* const unset : {"QT_STYLE_OVERRIDE", "QT_QPA_PLATFORMTHEME", "QT_FONT_DPI"}) {
-    qunsetenv(unset);
-  }
-  QLocale::setDefault(QLocale::c());
-}
-
-// The platform without a screen notes at each dialog that it has no window manager to tell.
-void WriteMessage(QtMsgType /*type*/, const QMessageLogContext& /*context*/, const QString& text) {
-  if (!text.contains(QStringLiteral("propagateSizeHints"))) {
-    std::fprintf(stderr, "make_manual: %s\n", text.toUtf8().constData());
-  }
-}
-
 }  // namespace
 
 int main(int argc, char** argv) {
@@ -116,13 +94,10 @@ int main(int argc, char** argv) {
     std::fputs("usage: make_manual CHAPTERS_FOLDER PROGRAM_DIRECTORY TARGET\n", stderr);
     return 2;
   }
-  const QTemporaryDir home;
-  SetEnvironment(home.path().toLocal8Bit());
+  const Studio studio(2);
   QHashSeed::setDeterministicGlobalSeed();  // the PDF lists its fonts by a hash
-  qInstallMessageHandler(WriteMessage);
   const QApplication application(argc, argv);
-  QApplication::setStyle(QStyleFactory::create(QStringLiteral("Fusion")));
-  QApplication::setFont(QFont(QStringLiteral("DejaVu Sans"), 9));
+  Studio::SetLook();
   try {
     MakeManual(argv[1], argv[2], argv[3]);
     return 0;

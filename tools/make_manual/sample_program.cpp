@@ -141,12 +141,16 @@ class SampleSettings : public UserSettings {
 class SampleOperator : public QtOperator {
  public:
   Answer ShowMessage(const MessageBox& box) override {
+    if (shows_boxes) {
+      return QtOperator::ShowMessage(box);
+    }
     told += (told.empty() ? "" : "; ") + box.title + ": " + box.text;
     told += box.cause.empty() ? "" : " (" + box.cause + ")";
     return box.buttons == Buttons::kYesNo ? Answer::kNo : Answer::kOk;
   }
   void Beep() override {}
 
+  bool shows_boxes = false;
   std::string told;
 };
 
@@ -281,6 +285,8 @@ void SampleProgram::ModuleHolds(const std::vector<std::string>& site_files) {
 void SampleProgram::IndicatorSends(const std::string& site_file) {
   parts_->serial.Arrives(ReadFileBytes(parts_->SiteFile(site_file), kLargestFile));
 }
+
+void SampleProgram::ShowBoxes() { parts_->op.shows_boxes = true; }
 
 void SampleProgram::Choose(const char* action) {
   Find<QAction>(action).trigger();

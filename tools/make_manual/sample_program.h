@@ -36,6 +36,9 @@ class SampleProgram {
   // A file of the site comes over the cable, unasked.
   void IndicatorSends(const std::string& site_file);
 
+  // From now on boxes come up in front of the operator, who is the figure.
+  void ShowBoxes();
+
   // Triggers a command of the menus by its name and lets events run.
   void Choose(const char* action);
 

@@ -1,0 +1,74 @@
+// The files and pictures that the README tells of are there.
+
+#include <filesystem>
+#include <regex>
+#include <set>
+#include <string>
+
+#include <gmock/gmock.h>
+
+#include "support/temp_folder.h"
+
+namespace vrx::testing {
+namespace {
+
+namespace fs = std::filesystem;
+
+std::string Readme() { return ReadAll(VRX_SOURCE_DIR "/README.md"); }
+
+// The first group of each place that the pattern finds.
+std::set<std::string> FoundInReadme(const std::string& pattern) {
+  const std::string readme = Readme();
+  const std::regex expression(pattern);
+  std::set<std::string> found;
+  for (std::sregex_iterator at(readme.begin(), readme.end(), expression), end; at != end; ++at) {
+    found.insert((*at)[1]);
+  }
+  return found;
+}
+
+bool IsThere(const std::string& path) {
+  return fs::exists(fs::path(VRX_SOURCE_DIR) / path) || fs::exists(fs::path(VRX_BIN_DIR) / path);
+}
+
+TEST(Readme, LinksOnlyToFilesThatThereAre) {
+  const auto links = FoundInReadme("\\]\\(([^)#:]+)\\)");
+  EXPECT_GT(links.size(), 5U);
+  for (const std::string& link : links) {
+    EXPECT_TRUE(IsThere(link)) << link;
+  }
+}
+
+TEST(Readme, NamesOnlyFilesThatThereAre) {
+  const auto paths = FoundInReadme("`((?:\\./)?[A-Za-z_0-9]+(?:/[A-Za-z_0-9.-]*)+)`");
+  EXPECT_GT(paths.size(), 10U);
+  for (const std::string& path : paths) {
+    const bool of_the_build = path.starts_with("build/") || path == "packages/";
+    EXPECT_TRUE(of_the_build || IsThere(path)) << path;
+  }
+}
+
+TEST(Readme, TellsOfEveryFolderOfTheSources) {
+  const std::string readme = Readme();
+  for (const fs::directory_entry& entry : fs::directory_iterator(VRX_SOURCE_DIR "/src")) {
+    if (entry.is_directory()) {
+      const std::string folder = "`src/" + entry.path().filename().string() + "/`";
+      EXPECT_NE(readme.find(folder), std::string::npos) << folder;
+    }
+  }
+}
+
+// Whoever only looks at the page should not wait for it.
+TEST(Readme, HasPicturesThatAreSmallFiles) {
+  constexpr std::uintmax_t kLargest = 100U << 10U;
+  const auto pictures = FoundInReadme("!\\[[^\\]]*\\]\\(([^)]+)\\)");
+  EXPECT_GE(pictures.size(), 3U);
+  for (const std::string& picture : pictures) {
+    const fs::path file = fs::path(VRX_SOURCE_DIR) / picture;
+    ASSERT_TRUE(fs::exists(file)) << picture;
+    EXPECT_LE(fs::file_size(file), kLargest) << picture;
+  }
+}
+
+}  // namespace
+}  // namespace vrx::testing
