@@ -1,4 +1,5 @@
 #include <array>
+#include <cmath>
 #include <cstdio>
 #include <sstream>
 #include <string>
@@ -45,7 +46,7 @@ JetWriter LargeFile() {
         weight,
         batch ? weight + 0.5 : 0.0,
         JetDate{row % 86400 / 86400.0},
-        JetDate{40000.0 + row / 100},
+        JetDate{std::floor(40000 + row / 100.0)},
         batch ? 0.0 : weight - 0.5,
         12.5};
     for (int id = 1; id <= kWeightColumnCount; ++id) {
