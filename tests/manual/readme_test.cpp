@@ -1,5 +1,6 @@
 // The files and pictures that the README tells of are there.
 
+#include <algorithm>
 #include <filesystem>
 #include <regex>
 #include <set>
@@ -7,6 +8,7 @@
 
 #include <gmock/gmock.h>
 
+#include "end_to_end/program.h"
 #include "support/temp_folder.h"
 
 namespace vrx::testing {
@@ -55,6 +57,33 @@ TEST(Readme, TellsOfEveryFolderOfTheSources) {
       const std::string folder = "`src/" + entry.path().filename().string() + "/`";
       EXPECT_NE(readme.find(folder), std::string::npos) << folder;
     }
+  }
+}
+
+// The lines of the script, from the simulated module on; its port lies where the test may write.
+std::string ScriptOfTheReadme(const std::string& port) {
+  const std::string start = "    ./vrx2260sim module";
+  const std::string readme = Readme();
+  std::string script = readme.substr(std::min(readme.find(start), readme.size()));
+  script.resize(std::min(script.find("\n\n"), script.size()));
+  script = std::regex_replace(script, std::regex("/tmp/krm"), port);
+  // The reader's next line comes late enough by itself.
+  return std::regex_replace(script, std::regex("&\n"),
+                            "&\nwhile [ ! -e " + port + " ]; do sleep 0.1; done\n");
+}
+
+TEST(Readme, HasAScriptThatRunsToItsEnd) {
+  const TempFolder folder;
+  std::filesystem::create_directory(folder / "streams");
+  const std::string port = (folder / "krm").string();
+  folder.Write("script", "cd '" + folder.Path().string() +
+                             "'\nexport XDG_DATA_HOME=$PWD\nln -s " VRX_BIN_DIR "/* .\n" +
+                             "trap 'kill %1' EXIT\n" + ScriptOfTheReadme(port) + "\n");
+  Program shell("/usr/bin/env", {"bash", "-em", (folder / "script").string()},
+                (folder / "streams").string());
+  EXPECT_EQ(shell.Wait(), 0) << shell.Err();
+  for (const char* const made : {"01.QXT", "YARD.TDB", "PENS.csv", "PENS.pdf", "SITE.RBU"}) {
+    EXPECT_TRUE(std::filesystem::exists(folder / made)) << made;
   }
 }
 
