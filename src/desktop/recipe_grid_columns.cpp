@@ -7,7 +7,7 @@
 namespace vrx {
 namespace {
 
-constexpr int kPercentPosition = 1;
+constexpr int kEnteredPosition = 1;
 
 }  // namespace
 
@@ -15,9 +15,7 @@ void ShowRecipeColumns(QHeaderView& header, LineEntry entry) {
   for (int column = 0; column < kRecipeColumnCount; ++column) {
     header.setSectionHidden(column, !IsColumnShown(column, entry));
   }
-  if (entry == LineEntry::kPercent) {
-    header.moveSection(header.visualIndex(kColumnIngredientPercent), kPercentPosition);
-  }
+  header.moveSection(header.visualIndex(EnteredColumn(entry)), kEnteredPosition);
 }
 
 void FitRecipeColumns(QHeaderView& header, int width, int least_ingredient) {

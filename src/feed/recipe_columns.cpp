@@ -93,6 +93,16 @@ int EnteredColumn(LineEntry entry) {
   return entry == LineEntry::kPercent ? kColumnIngredientPercent : kColumnTarget;
 }
 
+std::vector<int> ColumnsInSight(LineEntry entry) {
+  std::vector<int> columns{kColumnIngredient, EnteredColumn(entry)};
+  for (int column = 0; column < kRecipeColumnCount; ++column) {
+    if (IsColumnShown(column, entry) && column != columns[0] && column != columns[1]) {
+      columns.push_back(column);
+    }
+  }
+  return columns;
+}
+
 std::string WithUnit(std::string_view caption, std::string_view unit) {
   return std::string(caption) + (unit.empty() ? "" : " (" + LowerCase(unit) + ")");
 }

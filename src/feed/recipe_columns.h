@@ -4,6 +4,7 @@
 #include <span>
 #include <string>
 #include <string_view>
+#include <vector>
 
 #include "database/records.h"
 #include "feed/batch_type.h"
@@ -48,8 +49,11 @@ std::span<const RecipeColumnRow> RecipeColumns();
 // A recipe by percent shows `Ingredient%` in place of `Target` and `Ration%`.
 bool IsColumnShown(int column, LineEntry entry);
 
-// The column, after that of the ingredient, that the lines are entered by.
+// The column that the lines are entered by; it is seen next to that of the ingredient.
 int EnteredColumn(LineEntry entry);
+
+// Those that are shown, from left to right.
+std::vector<int> ColumnsInSight(LineEntry entry);
 
 // "Dry Matter (lb)"; without a unit the caption alone.
 std::string WithUnit(std::string_view caption, std::string_view unit);

@@ -64,14 +64,11 @@ Report RecipeReport(const RecipeOnShow& recipe, const std::vector<IngredientReco
   for (const IngredientRecord& ingredient : ingredients) {
     names.emplace(std::to_string(ingredient.id), ingredient.name);
   }
-  std::vector<int> shown;
+  const std::vector<int> shown = ColumnsInSight(recipe.Entry());
   std::vector<ReportColumn> columns;
-  for (int column = 0; column < kRecipeColumnCount; ++column) {
-    if (IsColumnShown(column, recipe.Entry())) {
-      shown.push_back(column);
-      columns.push_back({.caption = ColumnCaption(column, facts.caption_unit),
-                         .right_aligned = column != kColumnIngredient && column != kColumnHandAdd});
-    }
+  for (const int column : shown) {
+    columns.push_back({.caption = ColumnCaption(column, facts.caption_unit),
+                       .right_aligned = column != kColumnIngredient && column != kColumnHandAdd});
   }
   std::vector<ReportRow> rows;
   for (const RecipeLineRecord& line : recipe.ration.lines) {

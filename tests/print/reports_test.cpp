@@ -56,8 +56,8 @@ TEST(Reports, ARecipeShowsTheColumnsOfItsType) {
                           "Target (kg)", "Batch Target", "Hand-Add"));
   EXPECT_THAT(weight.rows->Row(1).cells, ElementsAre("CORN", "120", "0", "0", "0", "", "Yes"));
   EXPECT_THAT(Captions(RecipeReport(Recipe("P"), ingredients, Facts())),
-              ElementsAre("Ingredient", "Dry Matter (%)", "Target (kg)", "Batch Target", "Hand-Add",
-                          "Ingredient (%)"));
+              ElementsAre("Ingredient", "Ingredient (%)", "Dry Matter (%)", "Target (kg)",
+                          "Batch Target", "Hand-Add"));
 }
 
 TEST(Reports, ALineOfAnIngredientThatIsNotListedHasNoName) {
