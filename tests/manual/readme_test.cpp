@@ -34,7 +34,7 @@ bool IsThere(const std::string& path) {
 }
 
 TEST(Readme, LinksOnlyToFilesThatThereAre) {
-  const auto links = FoundInReadme("\\]\\(([^)#:]+)\\)");
+  const auto links = FoundInReadme(R"(\]\(([^)#:]+)\))");
   EXPECT_GT(links.size(), 5U);
   for (const std::string& link : links) {
     EXPECT_TRUE(IsThere(link)) << link;
@@ -90,7 +90,7 @@ TEST(Readme, HasAScriptThatRunsToItsEnd) {
 // Whoever only looks at the page should not wait for it.
 TEST(Readme, HasPicturesThatAreSmallFiles) {
   constexpr std::uintmax_t kLargest = 100U << 10U;
-  const auto pictures = FoundInReadme("!\\[[^\\]]*\\]\\(([^)]+)\\)");
+  const auto pictures = FoundInReadme(R"(!\[[^\]]*\]\(([^)]+)\))");
   EXPECT_GE(pictures.size(), 3U);
   for (const std::string& picture : pictures) {
     const fs::path file = fs::path(VRX_SOURCE_DIR) / picture;
