@@ -70,7 +70,7 @@ QString Ask(QFileDialog& widget, QString& last_folder) {
   if (widget.exec() != QDialog::Accepted || widget.selectedFiles().isEmpty()) {
     return {};
   }
-  const QString path = widget.selectedFiles().constFirst();
+  QString path = widget.selectedFiles().constFirst();
   // A path can be typed that leads out of the folder on show.
   last_folder = widget.fileMode() == QFileDialog::Directory ? path : QFileInfo(path).absolutePath();
   return path;
