@@ -195,6 +195,13 @@ TEST_F(IngredientsPageTest, ADescriptionGivesTheNameAndTheItemKeepsTheOldOne) {
   EXPECT_EQ(Item("cboIngID", 5), "  5: dRIEd");
 }
 
+TEST_F(IngredientsPageTest, AShortDescriptionGivesAnEquallyShortName) {
+  Choose(5);
+  Fill("txtIngDesc", "Oat");
+  EXPECT_EQ(Shown("txtIngName"), "OAT");
+  EXPECT_EQ(Stored(5).name, "OAT");
+}
+
 TEST_F(IngredientsPageTest, ATypedNameSurvivesADescriptionThatIsOnlyVisited) {
   Choose(5);
   Fill("txtIngDesc", "Corn");

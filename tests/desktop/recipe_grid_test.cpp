@@ -259,6 +259,20 @@ TEST_F(RecipeGridTest, The32ndLineEndsTheEntryRow) {
   EXPECT_EQ(Cell(31, kColumnIngredient), "click to add an ingredient");
 }
 
+TEST_F(RecipeGridTest, ACommittedRowBringsTheEntryRowBack) {
+  FillUp(kByWeight, 32);
+  EnterOn(kByWeight);
+  op_.answers.push_back(Answer::kYes);
+  ClickButton("cmdDeleteIng");
+  ASSERT_EQ(Rows(), 31);
+  Click(0, kColumnTarget);
+  Type("7");
+  Press(Qt::Key_Return);
+  EXPECT_EQ(Cell(0, kColumnTarget), "7");
+  EXPECT_EQ(Rows(), 32);
+  EXPECT_EQ(Cell(31, kColumnIngredient), "click to add an ingredient");
+}
+
 TEST_F(RecipeGridTest, ALineThatCannotBeStoredBeepsAndStaysInItsEditor) {
   AddCornHaySupplement(kByWeight);
   EnterOn(kByWeight);
