@@ -34,7 +34,7 @@ class TransferDatabases {
 // The Data Transfer tab. Each click runs its transfer to the end, with events handled meanwhile;
 // the click that chooses the indicator returns when the direct connection has ended. The page must
 // outlive every such call: whoever closes the program ends the waits first.
-class DataTransferPage : public MainTabPage, private RecipeDownloadHost {
+class DataTransferPage final : public MainTabPage, private RecipeDownloadHost {
   Q_OBJECT
 
  public:

@@ -28,7 +28,7 @@ class ExportWindow {
 
 // The Export tab. A click on its button returns when the file is written, with events handled at
 // the start and at the end; the page must outlive it.
-class ExportPage : public MainTabPage, private ExportHost {
+class ExportPage final : public MainTabPage, private ExportHost {
   Q_OBJECT
 
  public:

@@ -19,7 +19,7 @@ namespace vrx {
 // The `Batched/Fed` tab. Shows one of the data groups of the open transaction database, with the
 // names of the open recipe database over its ingredient columns. What is stored while it is on show
 // is seen once the databases are bound anew, as every store does.
-class HistoryPage : public MainTabPage, private HistoryScreen {
+class HistoryPage final : public MainTabPage, private HistoryScreen {
   Q_OBJECT
 
  public:

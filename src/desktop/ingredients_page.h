@@ -11,7 +11,7 @@
 namespace vrx {
 
 // The tab `Ingredients`. What is entered here goes into the lines of all recipes at once.
-class IngredientsPage : public RecordFormPage {
+class IngredientsPage final : public RecordFormPage {
   Q_OBJECT
 
  public:

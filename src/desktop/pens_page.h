@@ -10,7 +10,7 @@
 namespace vrx {
 
 // The tab `Pens`, with the warning about the indicator's pen table.
-class PensPage : public RecordFormPage {
+class PensPage final : public RecordFormPage {
   Q_OBJECT
 
  public:

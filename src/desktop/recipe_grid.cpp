@@ -192,11 +192,12 @@ bool RecipeGrid::MoveBack() {
   }
   const QHeaderView& header = *horizontalHeader();
   const std::vector<int> columns = EnteredColumns(*horizontalHeader(), entry_);
-  for (auto column = columns.rbegin(); column != columns.rend(); ++column) {
-    if (header.visualIndex(*column) < header.visualIndex(cell.column())) {
-      GoTo(cell.row(), *column);
-      return true;
-    }
+  const auto before = std::find_if(columns.rbegin(), columns.rend(), [&](int column) {
+    return header.visualIndex(column) < header.visualIndex(cell.column());
+  });
+  if (before != columns.rend()) {
+    GoTo(cell.row(), *before);
+    return true;
   }
   if (cell.row() == 0) {
     return false;

@@ -16,7 +16,7 @@ namespace vrx {
 
 // The Recipes tab: shows what the editor of the recipes holds, and hands on to it what happens to
 // the head and to the grid of the lines.
-class RecipesPage : public RecordPage, private RecipeGridEvents {
+class RecipesPage final : public RecordPage, private RecipeGridEvents {
   Q_OBJECT
 
  public:
