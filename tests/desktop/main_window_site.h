@@ -70,9 +70,7 @@ class MainWindowSite : public ::testing::Test {
   std::vector<int> TabsOn();
 
   // The old page stays: flows of the main form know it.
-  void ReplacePage(int tab, MainTabPage* page) {
-    replaced_.push_back(Window().SetPage(tab, page));
-  }
+  void ReplacePage(int tab, MainTabPage* page) { replaced_.push_back(Window().SetPage(tab, page)); }
 
   TempFolder folder_;
   std::filesystem::path program_ = folder_ / "program";
