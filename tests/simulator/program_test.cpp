@@ -306,15 +306,24 @@ TEST_F(Program, TellsAPathThatIsTaken) {
   EXPECT_EQ(ReadAll(link_), "precious");
 }
 
+// The system may give the number of the killed one's pseudo-terminal to any program at once; then
+// the link is rightly left alone, and the test begins anew.
 TEST_F(Program, StartsAgainWhereItWasKilled) {
-  {
-    SimulatorProgram killed(Arguments({}));
-    ASSERT_EQ(killed.OutputLine(), Ready());
+  constexpr int kTries = 20;
+  for (int tries = 0; tries < kTries; ++tries) {
+    {
+      SimulatorProgram killed(Arguments({}));
+      ASSERT_EQ(killed.OutputLine(), Ready());
+    }
+    EXPECT_TRUE(fs::is_symlink(link_));
+    SimulatorProgram program(Arguments({}));
+    if (program.OutputLine() == Ready()) {
+      EXPECT_EQ(Stop(program), 0);
+      return;
+    }
+    fs::remove(link_);
   }
-  EXPECT_TRUE(fs::is_symlink(link_));
-  SimulatorProgram program(Arguments({}));
-  EXPECT_EQ(program.OutputLine(), Ready());
-  EXPECT_EQ(Stop(program), 0);
+  FAIL() << "it never started again";
 }
 
 }  // namespace
