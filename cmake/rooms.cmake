@@ -23,11 +23,15 @@ function(vrx_room name)
   target_link_libraries(vrx_${name} ${scope} ${ROOM_LIBRARIES})
 endfunction()
 
-# A test program named after the room it tests; each of its cases is a ctest case.
+# A test program named after the room it tests; each of its cases is a ctest case. WAITING names the
+# suites that spend their time waiting for a serial line or a program: more of them run at once than
+# of those that compute.
 #
-#   vrx_test(link SOURCES krmcomm_test.cpp ... ROOMS link adapters [LIBRARIES lib ...])
+#   vrx_test(link SOURCES krmcomm_test.cpp ... ROOMS link adapters [LIBRARIES lib ...]
+#     [DEPENDS target ...] [WAITING suite ...])
+set(VRX_SLOTS_OF_A_PROCESSOR 3)  # CMakePresets.json counts on it: two processors, six jobs
 function(vrx_test name)
-  cmake_parse_arguments(TEST "" "" "SOURCES;ROOMS;LIBRARIES;DEPENDS" ${ARGN})
+  cmake_parse_arguments(TEST "" "" "SOURCES;ROOMS;LIBRARIES;DEPENDS;WAITING" ${ARGN})
   add_executable(${name}_test ${TEST_SOURCES})
   set_target_properties(${name}_test PROPERTIES RUNTIME_OUTPUT_DIRECTORY ${CMAKE_BINARY_DIR}/tests)
   target_link_libraries(${name}_test PRIVATE
@@ -37,9 +41,20 @@ function(vrx_test name)
   endforeach()
   target_compile_definitions(${name}_test PRIVATE
     VRX_BIN_DIR="${VRX_BIN_DIR}" VRX_SOURCE_DIR="${CMAKE_SOURCE_DIR}")
+  # A build from nothing spends most of its time on the tests, and they gain nothing by being fast.
+  target_compile_options(${name}_test PRIVATE -O0)
   if(TEST_DEPENDS)
     add_dependencies(${name}_test ${TEST_DEPENDS})
   endif()
-  gtest_discover_tests(${name}_test TEST_PREFIX "${name}." DISCOVERY_TIMEOUT 60
-    PROPERTIES TIMEOUT 300)
+  set(discovery TEST_PREFIX "${name}." DISCOVERY_TIMEOUT 60)
+  set(computing "*")
+  if(TEST_WAITING)
+    list(TRANSFORM TEST_WAITING APPEND ".*")
+    list(JOIN TEST_WAITING ":" waiting)
+    set(computing "-${waiting}")
+    gtest_discover_tests(${name}_test ${discovery} TEST_FILTER "${waiting}"
+      TEST_LIST ${name}_test_waiting PROPERTIES TIMEOUT 300 COST 100)
+  endif()
+  gtest_discover_tests(${name}_test ${discovery} TEST_FILTER "${computing}"
+    PROPERTIES TIMEOUT 300 PROCESSORS ${VRX_SLOTS_OF_A_PROCESSOR})
 endfunction()
