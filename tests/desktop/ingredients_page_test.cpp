@@ -1,32 +1,19 @@
 #include "desktop/ingredients_page.h"
 
-#include <QAbstractItemView>
-#include <QTest>
+#include <QApplication>
 
 #include <SQLiteCpp/Transaction.h>
 #include <gmock/gmock.h>
 
 #include "database/connection.h"
-#include "desktop/record_pages_site.h"
+#include "desktop/ingredients_site.h"
 
 namespace vrx::testing {
 namespace {
 
 using ::testing::ElementsAre;
 
-class IngredientsPageTest : public RecordPagesSite {
- protected:
-  void SetUp() override { Enter(kTabIngredients); }
-
-  IngredientRecord Stored(int id) { return ReadIngredient(Database(), id); }
-  void Choose(int id) { ChooseIn("cboIngID", id); }
-  void ExpectOnRecord(int id) {
-    EXPECT_EQ(List("cboIngID").currentIndex(), id);
-    EXPECT_EQ(CurrentId("grdING"), id);
-    EXPECT_EQ(Text(u"lblRecordNumber"_qs), QString::number(id));
-    EXPECT_EQ(Shown("txtIngName"), Stored(id).name);
-  }
-};
+class IngredientsPageTest : public IngredientsSite {};
 
 TEST_F(IngredientsPageTest, EnteringShowsTheFirstRecordAndTheListOfAll) {
   ExpectOnRecord(1);
@@ -291,142 +278,6 @@ TEST_F(IngredientsPageTest, HandAddIsWrittenWhenTheFocusLeavesIt) {
     EXPECT_TRUE(Line(recipe).hand_add);
     EXPECT_FALSE(Line(recipe, 1).hand_add);
   }
-}
-
-// The list of the active ones.
-
-TEST_F(IngredientsPageTest, TheActiveOnesAreThoseWithADescription) {
-  Tick("chkShowActiveIngsOnly");
-  EXPECT_EQ(Grid("grdING").Model().rowCount(), 2);
-  EXPECT_EQ(Grid("grdING").Model().IdOf(0), kCorn);
-  ClickCell("grdING", kHay, "Name");
-  ExpectOnRecord(kHay);
-  EXPECT_TRUE(Check("chkShowActiveIngsOnly").isChecked());
-}
-
-TEST_F(IngredientsPageTest, ChoosingInTheListShowsAllAgain) {
-  Tick("chkShowActiveIngsOnly");
-  Choose(kHay);
-  EXPECT_FALSE(Check("chkShowActiveIngsOnly").isChecked());
-  EXPECT_EQ(Grid("grdING").Model().rowCount(), 100);
-  ExpectOnRecord(kHay);
-}
-
-TEST_F(IngredientsPageTest, WithoutViewTheGridKeepsItsPlaceEmpty) {
-  const QRect place = Find<QWidget>(u"chkViewAllIngs"_qs).geometry();
-  Tick("chkViewAllIngs");
-  RunEvents();
-  EXPECT_FALSE(Grid("grdING").isVisible());
-  EXPECT_EQ(Find<QWidget>(u"chkViewAllIngs"_qs).geometry(), place);
-  Tick("chkViewAllIngs");
-  EXPECT_TRUE(Grid("grdING").isVisible());
-}
-
-// Typing into the grid.
-
-TEST_F(IngredientsPageTest, ACellTakesItsKeysAsTheFormsBoxDoes) {
-  EditCell("grdING", 5, "Name", "b%eet12");
-  EXPECT_EQ(operator_.beeps, 1);
-  PressKey(Qt::Key_Tab);
-  EXPECT_EQ(Stored(5).name, "bEET12");
-  EXPECT_EQ(Stored(5).description, "bEET12");
-  EXPECT_EQ(Item("cboIngID", 5), "  5: bEET12");
-  EXPECT_EQ(Shown("txtIngName"), "bEET12");
-}
-
-TEST_F(IngredientsPageTest, ADryMatterInTheGridIsNormalisedAndGoesIntoTheLines) {
-  EditCell("grdING", kCorn, "DryMatter%", "999");
-  PressKey(Qt::Key_Tab);
-  EXPECT_EQ(Stored(kCorn).dry_matter_percent, 100);
-  EXPECT_EQ(Line(1).dry_matter_percent, "100");
-  EXPECT_EQ(CellText("grdING", kCorn, "DryMatter%"), "100");
-}
-
-TEST_F(IngredientsPageTest, ACommittedRowWithoutDescriptionTakesEvenTheDefaultName) {
-  EditCell("grdING", 5, "DryMatter%", "50");
-  PressKey(Qt::Key_Tab);
-  EXPECT_EQ(Stored(5).description, "ING005");
-}
-
-TEST_F(IngredientsPageTest, AnEmptyNameInTheGridGoesToTheNameBox) {
-  EditCell("grdING", kCorn, "Name", "");
-  PressKey(Qt::Key_Tab);
-  RunEvents();
-  ASSERT_EQ(operator_.boxes.size(), 1U);
-  EXPECT_EQ(operator_.boxes[0].text, "The 'Name' field is mandatory.");
-  EXPECT_TRUE(Box("txtIngName").hasFocus());
-  EXPECT_EQ(Stored(kCorn).name, "");
-}
-
-TEST_F(IngredientsPageTest, IdAndHandAddCannotBeTyped) {
-  for (const char* field : {"ID", "HandAdd"}) {
-    EXPECT_FALSE(Cell("grdING", kCorn, field).flags().testFlag(Qt::ItemIsEditable)) << field;
-  }
-}
-
-TEST_F(IngredientsPageTest, LeavingTheGridStoresTheCell) {
-  EditCell("grdING", kCorn, "Description", "Corn flaked");
-  Box("txtIngName").setFocus();
-  EXPECT_EQ(Stored(kCorn).description, "Corn flaked");
-  EXPECT_EQ(Stored(kCorn).name, "CORN");
-}
-
-// Where used.
-
-TEST_F(IngredientsPageTest, ASearchListsEveryLineThatHoldsTheIngredient) {
-  Choose(kCorn);
-  Tick("chkShowActiveIngsOnly");
-  Press("cmdSearch");
-  EXPECT_EQ(List("cboWhereUsed").count(), 4);
-  EXPECT_EQ(Item("cboWhereUsed", 0), "Done!");
-  EXPECT_EQ(Item("cboWhereUsed", 1), "  1: REC1");
-  EXPECT_EQ(Item("cboWhereUsed", 3), "  3: REC3");
-  EXPECT_EQ(List("cboWhereUsed").currentIndex(), 0);
-  EXPECT_TRUE(List("cboWhereUsed").isEnabled());
-  EXPECT_FALSE(Check("chkShowActiveIngsOnly").isChecked());
-  EXPECT_EQ(operator_.beeps, 1);
-  EXPECT_FALSE(operator_.busy);
-  ExpectOnRecord(kCorn);
-}
-
-TEST_F(IngredientsPageTest, ASearchLeavesTheRecipesAtTheLastOne) {
-  Press("cmdSearch");
-  EXPECT_EQ(List("cboRecID").currentIndex(), 100);
-}
-
-TEST_F(IngredientsPageTest, AnIngredientUsedNowhereSaysSo) {
-  Choose(5);
-  Press("cmdSearch");
-  EXPECT_EQ(List("cboWhereUsed").count(), 1);
-  EXPECT_EQ(Item("cboWhereUsed", 0), "Not Used");
-}
-
-TEST_F(IngredientsPageTest, ARecipeWithoutDescriptionIsNotSearched) {
-  Database().exec("UPDATE Recipe SET Description = '' WHERE ID <> 3");
-  Choose(kCorn);
-  Press("cmdSearch");
-  EXPECT_EQ(List("cboWhereUsed").count(), 2);
-  EXPECT_EQ(Item("cboWhereUsed", 1), "  3: REC3");
-}
-
-TEST_F(IngredientsPageTest, AnotherIngredientEmptiesWhatWasFound) {
-  Choose(kCorn);
-  Press("cmdSearch");
-  Choose(kHay);
-  EXPECT_EQ(List("cboWhereUsed").count(), 0);
-}
-
-TEST_F(IngredientsPageTest, TheStatusStaysInViewAndTheOpenListShowsOnlyRecipes) {
-  Choose(kCorn);
-  Press("cmdSearch");
-  QComboBox& list = List("cboWhereUsed");
-  list.showPopup();
-  EXPECT_EQ(Item("cboWhereUsed", 0), "");
-  list.view()->setCurrentIndex(list.model()->index(2, 0));
-  QTest::keyClick(list.view(), Qt::Key_Return);
-  RunEvents();
-  EXPECT_EQ(list.currentIndex(), 0);
-  EXPECT_EQ(Item("cboWhereUsed", 0), "Done!");
 }
 
 // Update, Cancel, Default.
