@@ -51,6 +51,9 @@ class RecipeGrid : public QTableView {
 
   void Show(const RecipeOnShow& shown);
 
+  // The figures alone, the current cell and its editor as they are.
+  void ShowFigures(const RecipeOnShow& shown) { model_->Show(shown); }
+
   // What drops down: `grdINGSEL`. To be followed by Show.
   void SetIngredients(std::vector<IngredientRecord> ingredients);
   void SetUnit(std::string_view unit) { model_->SetUnit(unit); }

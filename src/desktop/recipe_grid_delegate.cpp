@@ -144,11 +144,13 @@ bool RecipeGridDelegate::eventFilter(QObject* editor, QEvent* event) {
   return QStyledItemDelegate::eventFilter(editor, event);
 }
 
+// Runs as well whenever the cell changes beneath its editor: what has been typed stays.
 void RecipeGridDelegate::setEditorData(QWidget* editor, const QModelIndex& index) const {
   const QString text = index.data(Qt::EditRole).toString();
   if (auto* const list = qobject_cast<IngredientDropDown*>(editor)) {
     list->Begin(text);
-  } else if (auto* const number = qobject_cast<FilteredEdit*>(editor)) {
+  } else if (auto* const number = qobject_cast<FilteredEdit*>(editor);
+             number != nullptr && !number->isModified()) {
     number->setText(text);
   }
 }

@@ -122,6 +122,13 @@ void RecipeLines::Show(const RecipeOnShow& shown) {
   navigator_->Show(shown.row, shown.LineCount());
 }
 
+void RecipeLines::DrawFigures(const RecipeOnShow& next) {
+  grid_->ShowFigures(next);
+  totals_->Show(next);
+  grid_->viewport()->repaint();
+  totals_->repaint();
+}
+
 void RecipeLines::HideGrid() {
   grid_->hide();
   hint_->hide();

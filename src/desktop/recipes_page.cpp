@@ -117,9 +117,12 @@ void RecipesPage::Show() {
 
 std::shared_ptr<RecipeEditor> RecipesPage::MakeEditor(SQLite::Database& connection, int id) {
   return std::make_shared<RecipeEditor>(connection, ports_.feed.op, ports_.feed.settings, id,
-                                        [this, &connection] {
+                                        [this, &connection](const RecipeOnShow& next) {
                                           TouchDatabase(connection, ports_.feed.calendar);
                                           stored_ = true;
+                                          if (entering_) {
+                                            lines_->DrawFigures(next);
+                                          }
                                         });
 }
 
@@ -212,7 +215,10 @@ void RecipesPage::AfterCellEdit(LineColumn column) {
 }
 
 bool RecipesPage::EnterCell(LineColumn column, std::string_view text) {
-  return Run([&](RecipeEditor& editor) { editor.EnterCell(column, text); });
+  entering_ = true;
+  const bool entered = Run([&](RecipeEditor& editor) { editor.EnterCell(column, text); });
+  entering_ = false;
+  return entered;
 }
 
 bool RecipesPage::ChooseIngredient(int id) {

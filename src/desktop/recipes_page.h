@@ -86,8 +86,6 @@ class RecipesPage final : public RecordPage, private RecipeGridEvents {
   void LeaveDescription();
   void LeaveNumber(FilteredEdit& box, void (RecipeEditor::*leave)(std::string_view));
   void RewriteItem(std::string_view name);
-  void Delete();
-  void Move(MoveDirection direction);
 
   RecordPorts ports_;
   PenRows pen_rows_;
@@ -95,6 +93,7 @@ class RecipesPage final : public RecordPage, private RecipeGridEvents {
   bool closed_ = true;                      // the blank template is on show
   std::shared_ptr<RecipeEditor> editor_;    // exactly while there is a connection
   bool stored_ = false;                     // the event on its way has changed the database
+  bool entering_ = false;                   // a cell of a line is being stored
   bool preparing_ = false;
   int visit_ = 0;  // of a tab; another one ends what waits
   RecipeHead* head_;

@@ -67,13 +67,20 @@ std::vector<IngredientRecord> ReadActiveIngredients(SQLite::Database& database) 
   return active;
 }
 
-// What is on show changes only once it is stored.
+void RecipeEditor::Store(const Ration& before, RecipeOnShow next) {
+  StoreRecipe(database_, before, next.ration, [&] {
+    if (stored_) {
+      stored_(next);
+    }
+  });
+  shown_ = std::move(next);
+}
+
 template <typename Change>
 void RecipeEditor::Apply(const Change& change) {
   RecipeOnShow next = shown_;
   change(next);
-  StoreRecipe(database_, shown_.ration, next.ration, stored_);
-  shown_ = std::move(next);
+  Store(shown_.ration, std::move(next));
 }
 
 template <typename Change>
@@ -83,8 +90,7 @@ void RecipeEditor::CommitHead(const Change& change) {
   const Ration stored{.recipe = shown_.ration.recipe, .lines = next.ration.lines};
   change(next.ration.recipe);
   Recompute(next, {.ration_percents = false});
-  StoreRecipe(database_, stored, next.ration, stored_);
-  shown_ = std::move(next);
+  Store(stored, std::move(next));
 }
 
 template <typename Change>
@@ -103,7 +109,7 @@ void RecipeEditor::EditLine(const Change& change) {
 }
 
 RecipeEditor::RecipeEditor(SQLite::Database& database, Operator& op, const PrivateINI& settings,
-                           int recipe_id, std::function<void()> stored)
+                           int recipe_id, StoredStep stored)
     : database_(database), op_(op), settings_(settings), stored_(std::move(stored)) {
   Select(recipe_id);
 }
@@ -117,8 +123,7 @@ void RecipeEditor::Select(int recipe_id) {
                 .lines = ReadRecipeLines(database_, recipe_id)};
   RecipeOnShow next = shown_;
   ShowRecipe(next, stored.recipe, stored.lines);
-  StoreRecipe(database_, stored, next.ration, stored_);
-  shown_ = std::move(next);
+  Store(stored, std::move(next));
 }
 
 void RecipeEditor::ChooseBatchType(int list_index) {

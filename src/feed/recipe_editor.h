@@ -26,15 +26,18 @@ std::vector<IngredientRecord> ReadActiveIngredients(SQLite::Database& database);
 //
 // Every event is stored as one step, by itself or inside the caller's transaction; then the
 // database holds what is on show, but for the line in the entry row. The caller keeps `Modified`,
-// around the event or by `stored`.
+// around the event or by StoredStep.
 // An event throws with the database and what is on show as they were: DatabaseError, FieldRefusal
 // for what the tab does not let in, Error for what cannot be computed. HandleEditEvent tells that.
 class RecipeEditor {
  public:
-  // Shows a recipe at once. What is referred to outlives the editor. `stored` runs at the end of
-  // each step that changes the database, inside it.
+  // At the end of each step that changes the database, inside it, with what is on show once the
+  // disk has it. What it throws undoes the step.
+  using StoredStep = std::function<void(const RecipeOnShow& next)>;
+
+  // Shows a recipe at once. What is referred to outlives the editor.
   RecipeEditor(SQLite::Database& database, Operator& op, const PrivateINI& settings, int recipe_id,
-               std::function<void()> stored = {});
+               StoredStep stored = {});
 
   const RecipeOnShow& OnShow() const { return shown_; }
 
@@ -99,6 +102,9 @@ class RecipeEditor {
   template <typename Change>
   void EditLine(const Change& change);
 
+  // What is on show changes only once it is stored.
+  void Store(const Ration& before, RecipeOnShow next);
+
   std::string RecipeLabel() const;
   bool Refuse(std::string_view title, std::string_view text);
   void TellFieldError(std::string_view text);
@@ -106,7 +112,7 @@ class RecipeEditor {
   SQLite::Database& database_;
   Operator& op_;
   const PrivateINI& settings_;
-  std::function<void()> stored_;
+  StoredStep stored_;
   RecipeOnShow shown_;
 };
 
