@@ -198,14 +198,6 @@ void RecipeEditor::AfterCellEdit(LineColumn column) {
   }
 }
 
-int RecipeEditor::KeyInCell(LineColumn column, std::string_view text, int key) {
-  const int passed = FilterLineKey(column, text, key);
-  if (passed == 0) {
-    BeepIfEnabled(op_, settings_);
-  }
-  return passed;
-}
-
 bool RecipeEditor::GoToRow(int row) {
   const bool exists =
       row == kEntryRow ? shown_.entry_row_offered : row >= 1 && row <= shown_.LineCount();

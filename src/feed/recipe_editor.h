@@ -68,9 +68,6 @@ class RecipeEditor {
   void BeforeCellEdit(LineColumn column);
   void AfterCellEdit(LineColumn column);
 
-  // The code to let through, 0 to drop it; a dropped key beeps.
-  int KeyInCell(LineColumn column, std::string_view text, int key);
-
   // To a line or to the entry row. A line in the entry row is added on the way. False: the grid
   // stays, for there is no such row or the entry row's line is not complete.
   bool GoToRow(int row);

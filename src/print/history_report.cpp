@@ -61,6 +61,7 @@ std::optional<std::uint32_t> TotalColor(int column) {
 Report HistoryReport(HistoryGrid& grid, bool fit_columns, const ReportFacts& facts) {
   const std::vector<int> visible = grid.Columns().VisibleColumns();
   std::vector<ReportColumn> columns;
+  columns.reserve(visible.size());
   for (const int column : visible) {
     columns.push_back({.caption = grid.Columns().Caption(column),
                        .right_aligned = HistoryColumnAt(column).right_aligned,

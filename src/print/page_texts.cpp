@@ -1,5 +1,6 @@
 #include "print/page_texts.h"
 
+#include <array>
 #include <initializer_list>
 #include <span>
 #include <vector>
@@ -33,12 +34,11 @@ std::string_view ActiveOrAll(bool active_only) { return active_only ? "(active)"
 
 // The columns whose totals are told, in this order.
 std::span<const RecipeColumn> ToldTotals(LineEntry entry) {
-  static constexpr RecipeColumn kByWeight[] = {kColumnTarget,           kColumnRationPercent,
-                                               kColumnDryMatterPercent, kColumnDryMatter,
-                                               kColumnBatchTarget,      kColumnHandAdd};
-  static constexpr RecipeColumn kByPercent[] = {kColumnIngredientPercent, kColumnDryMatterPercent,
-                                                kColumnDryMatter, kColumnBatchTarget,
-                                                kColumnHandAdd};
+  static constexpr std::array kByWeight = {kColumnTarget,           kColumnRationPercent,
+                                           kColumnDryMatterPercent, kColumnDryMatter,
+                                           kColumnBatchTarget,      kColumnHandAdd};
+  static constexpr std::array kByPercent = {kColumnIngredientPercent, kColumnDryMatterPercent,
+                                            kColumnDryMatter, kColumnBatchTarget, kColumnHandAdd};
   switch (entry) {
     case LineEntry::kWeight:
       return kByWeight;

@@ -17,15 +17,15 @@ namespace {
 constexpr double kMarginMillimetres = 12;
 constexpr int kDotsPerInch = 1200;
 
-// What the writer of the PDF puts out, piece by piece. A failure shows at Close: the writer does
-// not pass it on.
+// What the writer of the PDF puts out, piece by piece. A failure shows at its end: the writer
+// does not pass it on.
 class OutFile : public QIODevice {
  public:
   explicit OutFile(const std::filesystem::path& path) : file_(path) { open(WriteOnly); }
 
   bool isSequential() const override { return true; }
 
-  void Close() {
+  void CloseAndTakePlace() {
     close();
     if (failure_) {
       throw FileError(*failure_);
@@ -69,7 +69,7 @@ class PdfFile : public Paper {
 
   void Finish() override {
     writer_.reset();
-    file_.Close();
+    file_.CloseAndTakePlace();
   }
 
  private:

@@ -30,6 +30,7 @@ std::string IngredientName(const std::map<std::string, std::string>& names, cons
 Report IngredientReport(const std::vector<IngredientRecord>& rows, bool active_only,
                         const ReportFacts& facts) {
   std::vector<ReportRow> listed;
+  listed.reserve(rows.size());
   for (const IngredientRecord& row : rows) {
     listed.push_back({.cells = {std::to_string(row.id), row.name, row.description,
                                 std::to_string(row.dry_matter_percent), YesNo(row.hand_add)}});
@@ -45,6 +46,7 @@ Report IngredientReport(const std::vector<IngredientRecord>& rows, bool active_o
 
 Report PenReport(const std::vector<PenRecord>& rows, bool active_only, const ReportFacts& facts) {
   std::vector<ReportRow> listed;
+  listed.reserve(rows.size());
   for (const PenRecord& row : rows) {
     listed.push_back(
         {.cells = {std::to_string(row.id), row.name, row.description, row.feed_amount}});

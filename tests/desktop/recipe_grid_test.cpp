@@ -191,6 +191,15 @@ TEST_F(RecipeGridTest, AWeightTakesSixDigits) {
   EXPECT_EQ(Cell(0, kColumnTarget), "12345");
 }
 
+TEST_F(RecipeGridTest, ARefusedKeyIsSilentWithoutTheBeeper) {
+  AddCornHaySupplement(kByWeight);
+  EnterOn(kByWeight);
+  settings_.SetEnableBeeperOn(false);
+  Overtype(0, kColumnTarget, "12a.");
+  EXPECT_EQ(Edited(), "12");
+  EXPECT_EQ(op_.beeps, 0);
+}
+
 TEST_F(RecipeGridTest, APercentageLiesBetween0And100WithTwoDecimals) {
   AddCornHaySupplement(kByPercent);
   EnterOn(kByPercent);

@@ -243,16 +243,6 @@ TEST_F(RecipeLineEntry, RefusesAnIngredientThatIsNotInUseOrNotThere) {
   EXPECT_FALSE(Shown().entry_pending);
 }
 
-TEST_F(RecipeLineEntry, ADroppedKeyBeepsAsTheSettingSays) {
-  EXPECT_EQ(editor.KeyInCell(LineColumn::kTarget, "1", '2'), '2');
-  EXPECT_EQ(op.beeps, 0);
-  EXPECT_EQ(editor.KeyInCell(LineColumn::kTarget, "1", '.'), 0);
-  EXPECT_EQ(op.beeps, 1);
-  settings.SetEnableBeeperOn(false);
-  EXPECT_EQ(editor.KeyInCell(LineColumn::kTarget, "1", '.'), 0);
-  EXPECT_EQ(op.beeps, 1);
-}
-
 TEST_F(RecipeLineEntry, TheInputsAreClosedWhileATargetIsEdited) {
   editor.Select(kByWeight);
   Add(kCorn, "1200");
