@@ -82,8 +82,9 @@ std::string AsText(const RegistryValue& value) {
   }
   constexpr std::string_view kDigits = "0123456789ABCDEF";
   std::string text = "&h";
-  for (auto byte = value.bytes.rbegin(); byte != value.bytes.rend(); ++byte) {
-    const auto code = static_cast<unsigned char>(*byte);
+  const std::string backwards(value.bytes.rbegin(), value.bytes.rend());
+  for (const char byte : backwards) {
+    const auto code = static_cast<unsigned char>(byte);
     text += kDigits[code / kDigits.size()];
     text += kDigits[code % kDigits.size()];
   }

@@ -63,10 +63,9 @@ CommandNode ReadCommandTree(const CLI::App& app, const std::string& path) {
   for (const CLI::Option* option : app.get_options({})) {
     (option->get_positional() ? node.positionals : node.options).push_back(ReadArgument(*option));
   }
+  const std::string before = path.empty() ? path : path + " ";
   for (const CLI::App* subcommand : app.get_subcommands({})) {
-    const std::string& name = subcommand->get_name();
-    node.subcommands.push_back(
-        ReadCommandTree(*subcommand, path.empty() ? name : path + " " + name));
+    node.subcommands.push_back(ReadCommandTree(*subcommand, before + subcommand->get_name()));
   }
   return node;
 }
