@@ -9,8 +9,8 @@
 namespace vrx {
 namespace {
 
-constexpr double kHeaderPoints = 9;
-constexpr double kSmallestHeaderPoints = 4;
+constexpr int kHeaderPoints = 9;
+constexpr int kSmallestHeaderPoints = 4;
 constexpr double kRowPoints = 9.75;
 constexpr double kBoldPoints = 10;
 constexpr double kPointsPerInch = 72;
@@ -67,7 +67,7 @@ ReportLayout::ReportLayout(const ReportDesign& design, ReportRows& rows,
 // The center stays in the middle of the page whatever stands at the right.
 void ReportLayout::LayOutHeader(const PageTexts& texts) {
   header_font_ = RowFontOf(false);
-  for (double points = kHeaderPoints; points >= kSmallestHeaderPoints; points -= 1) {
+  for (int points = kHeaderPoints; points >= kSmallestHeaderPoints; --points) {
     header_font_.setPointSizeF(points);
     const QFontMetricsF metrics(header_font_, &device_);
     header_line_ = std::ceil(metrics.lineSpacing());
