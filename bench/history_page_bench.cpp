@@ -182,6 +182,7 @@ class HistoryPageBench {
     std::mt19937 random(1);
     std::uniform_int_distribution<int> anywhere(0, page.Bar().maximum());
     std::vector<double> jumps;
+    jumps.reserve(kJumps);
     for (int i = 0; i < kJumps; ++i) {
       jumps.push_back(scroll(anywhere(random)));
     }

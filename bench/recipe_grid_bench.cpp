@@ -10,6 +10,7 @@
 #include <QLabel>
 #include <QVBoxLayout>
 #include <algorithm>
+#include <array>
 #include <chrono>
 #include <cstdio>
 #include <exception>
@@ -241,6 +242,7 @@ Keys Keystrokes(ShownPage& shown, int recipe) {
 
 std::vector<double> Steps(ShownPage& shown) {
   std::vector<double> times;
+  times.reserve(kRecipeCount);
   shown.Page().GoTo(kRecipeCount);
   for (int step = 0; step < kRecipeCount; ++step) {
     times.push_back(Milliseconds([&] {
@@ -255,6 +257,7 @@ std::vector<double> Steps(ShownPage& shown) {
 std::vector<double> Entrances(ShownPage& shown) {
   constexpr int kTabPens = 2;
   std::vector<double> times;
+  times.reserve(kRecipeCount);
   for (int entrance = 0; entrance < kRecipeCount; ++entrance) {
     times.push_back(Milliseconds([&] {
       shown.Page().TabChanged(1, kTabPens);
@@ -266,9 +269,9 @@ std::vector<double> Entrances(ShownPage& shown) {
 }
 
 std::string Spread(const std::vector<double>& times) {
-  char text[64];
-  std::snprintf(text, sizeof text, "median %.1f ms of %zu", Median(times), times.size());
-  return text;
+  std::array<char, 64> text{};
+  std::snprintf(text.data(), text.size(), "median %.1f ms of %zu", Median(times), times.size());
+  return text.data();
 }
 
 double Slowest(const std::vector<double>& times) {

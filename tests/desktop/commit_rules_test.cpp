@@ -122,92 +122,88 @@ std::string LineText(SQLite::Database& file, int recipe, std::size_t line,
   return line < lines.size() ? lines[line].*cell : "no line";
 }
 
-const std::vector<Entry>& Entries() {
-  static const std::vector<Entry> kEntries = {
-      {"IngredientName", kTabIngredients,
-       [](CommitSite& site) {
-         site.ChooseIn("cboIngID", kCorn);
-         site.TypeOver("txtIngName", "MAIZE ");
-       },
-       [](SQLite::Database& file) { return ReadIngredient(file, kCorn).name; }, "CORN", "MAIZE"},
-      {"IngredientDescription", kTabIngredients,
-       [](CommitSite& site) {
-         site.ChooseIn("cboIngID", kCorn);
-         site.TypeOver("txtIngDesc", "Maize ");
-       },
-       [](SQLite::Database& file) { return ReadIngredient(file, kCorn).description; },
-       "Corn Rolled", "Maize"},
-      {"DryMatter", kTabIngredients,
-       [](CommitSite& site) {
-         site.ChooseIn("cboIngID", kCorn);
-         site.TypeOver("txtIngDryMatter", "150");
-       },
-       [](SQLite::Database& file) {
-         return LineText(file, 1, 0, &RecipeLineRecord::dry_matter_percent);
-       },
-       "88", "100"},
-      {"HandAdd", kTabIngredients,
-       [](CommitSite& site) {
-         site.ChooseIn("cboIngID", kCorn);
-         site.Tick("chkIngHandAdd");
-       },
-       [](SQLite::Database& file) { return std::to_string(ReadIngredient(file, kCorn).hand_add); },
-       "0", "1"},
-      {"IngredientCell", kTabIngredients,
-       [](CommitSite& site) { site.EditCell("grdING", kCorn, "DryMatter%", "70"); },
-       [](SQLite::Database& file) {
-         return std::to_string(ReadIngredient(file, kCorn).dry_matter_percent);
-       },
-       "88", "70"},
-      {"RecipeName", kTabRecipes, [](CommitSite& site) { site.TypeOver("txtRecName", "STEERS"); },
-       [](SQLite::Database& file) { return ReadRecipe(file, 1).name; }, "REC1", "STEERS"},
-      {"RecipeDescription", kTabRecipes,
-       [](CommitSite& site) { site.TypeOver("txtRecDesc", "Steers "); },
-       [](SQLite::Database& file) { return ReadRecipe(file, 1).description; }, "Recipe", "Steers"},
-      {"RationTarget", kTabRecipes,
-       [](CommitSite& site) { site.TypeOver("txtRecRationTarget", "7000"); },
-       [](SQLite::Database& file) { return ReadRecipe(file, 1).ration_target; }, "5000", "7000"},
-      {"HeadCount", kTabRecipes,
-       [](CommitSite& site) {
-         site.ChooseIn("cboRecID", 3);
-         site.TypeOver("txtRecHeadCount", "1001");
-       },
-       [](SQLite::Database& file) { return std::to_string(ReadRecipe(file, 3).head_count); }, "0",
-       "100"},
-      {"WeightOfALine", kTabRecipes,
-       [](CommitSite& site) { site.EditLine(1, kColumnTarget, "900"); },
-       [](SQLite::Database& file) { return LineText(file, 1, 1, &RecipeLineRecord::target); },
-       "800", "900"},
-      {"ShareOfALine", kTabRecipes,
-       [](CommitSite& site) {
-         site.ChooseIn("cboRecID", kByPercent);
-         site.EditLine(1, kColumnIngredientPercent, "39.5");
-       },
-       [](SQLite::Database& file) {
-         return LineText(file, kByPercent, 1, &RecipeLineRecord::ingredient_percent);
-       },
-       "40", "39.5"},
-      {"LineInTheEntryRow", kTabRecipes, [](CommitSite& site) { site.ComposeLine(); },
-       [](SQLite::Database& file) { return LineText(file, 1, 2, &RecipeLineRecord::target); },
-       "no line", "500"},
-      {"PenFeed", kTabPens,
-       [](CommitSite& site) {
-         site.ChooseIn("cboPenID", kFreshPen);
-         site.TypeOver("txtPenFeed", "0070");
-       },
-       [](SQLite::Database& file) { return ReadPen(file, kFreshPen).feed_amount; }, "0", "70"},
-      {"PenName", kTabPens,
-       [](CommitSite& site) {
-         site.ChooseIn("cboPenID", kFreshPen);
-         site.TypeOver("txtPenName", "a09");
-       },
-       [](SQLite::Database& file) { return ReadPen(file, kFreshPen).description; }, "", "A09"},
-      {"PenCell", kTabPens,
-       [](CommitSite& site) { site.EditCell("grdPEN", kFreshPen, "FeedAmount", "70"); },
-       [](SQLite::Database& file) { return ReadPen(file, kFreshPen).feed_amount; }, "0", "70"},
-  };
-  return kEntries;
-}
+const std::vector<Entry> kEntries = {
+    {"IngredientName", kTabIngredients,
+     [](CommitSite& site) {
+       site.ChooseIn("cboIngID", kCorn);
+       site.TypeOver("txtIngName", "MAIZE ");
+     },
+     [](SQLite::Database& file) { return ReadIngredient(file, kCorn).name; }, "CORN", "MAIZE"},
+    {"IngredientDescription", kTabIngredients,
+     [](CommitSite& site) {
+       site.ChooseIn("cboIngID", kCorn);
+       site.TypeOver("txtIngDesc", "Maize ");
+     },
+     [](SQLite::Database& file) { return ReadIngredient(file, kCorn).description; }, "Corn Rolled",
+     "Maize"},
+    {"DryMatter", kTabIngredients,
+     [](CommitSite& site) {
+       site.ChooseIn("cboIngID", kCorn);
+       site.TypeOver("txtIngDryMatter", "150");
+     },
+     [](SQLite::Database& file) {
+       return LineText(file, 1, 0, &RecipeLineRecord::dry_matter_percent);
+     },
+     "88", "100"},
+    {"HandAdd", kTabIngredients,
+     [](CommitSite& site) {
+       site.ChooseIn("cboIngID", kCorn);
+       site.Tick("chkIngHandAdd");
+     },
+     [](SQLite::Database& file) { return std::to_string(ReadIngredient(file, kCorn).hand_add); },
+     "0", "1"},
+    {"IngredientCell", kTabIngredients,
+     [](CommitSite& site) { site.EditCell("grdING", kCorn, "DryMatter%", "70"); },
+     [](SQLite::Database& file) {
+       return std::to_string(ReadIngredient(file, kCorn).dry_matter_percent);
+     },
+     "88", "70"},
+    {"RecipeName", kTabRecipes, [](CommitSite& site) { site.TypeOver("txtRecName", "STEERS"); },
+     [](SQLite::Database& file) { return ReadRecipe(file, 1).name; }, "REC1", "STEERS"},
+    {"RecipeDescription", kTabRecipes,
+     [](CommitSite& site) { site.TypeOver("txtRecDesc", "Steers "); },
+     [](SQLite::Database& file) { return ReadRecipe(file, 1).description; }, "Recipe", "Steers"},
+    {"RationTarget", kTabRecipes,
+     [](CommitSite& site) { site.TypeOver("txtRecRationTarget", "7000"); },
+     [](SQLite::Database& file) { return ReadRecipe(file, 1).ration_target; }, "5000", "7000"},
+    {"HeadCount", kTabRecipes,
+     [](CommitSite& site) {
+       site.ChooseIn("cboRecID", 3);
+       site.TypeOver("txtRecHeadCount", "1001");
+     },
+     [](SQLite::Database& file) { return std::to_string(ReadRecipe(file, 3).head_count); }, "0",
+     "100"},
+    {"WeightOfALine", kTabRecipes, [](CommitSite& site) { site.EditLine(1, kColumnTarget, "900"); },
+     [](SQLite::Database& file) { return LineText(file, 1, 1, &RecipeLineRecord::target); }, "800",
+     "900"},
+    {"ShareOfALine", kTabRecipes,
+     [](CommitSite& site) {
+       site.ChooseIn("cboRecID", kByPercent);
+       site.EditLine(1, kColumnIngredientPercent, "39.5");
+     },
+     [](SQLite::Database& file) {
+       return LineText(file, kByPercent, 1, &RecipeLineRecord::ingredient_percent);
+     },
+     "40", "39.5"},
+    {"LineInTheEntryRow", kTabRecipes, [](CommitSite& site) { site.ComposeLine(); },
+     [](SQLite::Database& file) { return LineText(file, 1, 2, &RecipeLineRecord::target); },
+     "no line", "500"},
+    {"PenFeed", kTabPens,
+     [](CommitSite& site) {
+       site.ChooseIn("cboPenID", kFreshPen);
+       site.TypeOver("txtPenFeed", "0070");
+     },
+     [](SQLite::Database& file) { return ReadPen(file, kFreshPen).feed_amount; }, "0", "70"},
+    {"PenName", kTabPens,
+     [](CommitSite& site) {
+       site.ChooseIn("cboPenID", kFreshPen);
+       site.TypeOver("txtPenName", "a09");
+     },
+     [](SQLite::Database& file) { return ReadPen(file, kFreshPen).description; }, "", "A09"},
+    {"PenCell", kTabPens,
+     [](CommitSite& site) { site.EditCell("grdPEN", kFreshPen, "FeedAmount", "70"); },
+     [](SQLite::Database& file) { return ReadPen(file, kFreshPen).feed_amount; }, "0", "70"},
+};
 
 struct WayOn {
   const char* what;
@@ -216,20 +212,17 @@ struct WayOn {
 
 std::ostream& operator<<(std::ostream& out, const WayOn& way) { return out << way.what; }
 
-const std::vector<WayOn>& WaysOn() {
-  static const std::vector<WayOn> kWays = {
-      {"Menu", [](CommitSite& site) { site.ClickMenu(u"mnuEditAutoAbbrev"_qs); }},
-      {"ToolbarButton", [](CommitSite& site) { site.ClickTool(u"Calendar"_qs); }},
-      {"Tab", [](CommitSite& site) { site.ClickTab(kTabDataTransfer); }},
-      {"Save", [](CommitSite& site) { site.ClickMenu(u"mnuFileSaveRecipeDB"_qs); }},
-      {"Close", [](CommitSite& site) { site.ClickMenu(u"mnuFileCloseRecipeDB"_qs); }},
-      {"Exit", [](CommitSite& site) { site.ClickMenu(u"mnuFileExit"_qs); }},
-      {"CloseBox", [](CommitSite& site) { site.CloseBox(); }},
-      {"Update", [](CommitSite& site) { site.ClickButton("cmdAction(0)"); }},
-      {"Navigator", [](CommitSite& site) { site.ClickButton("cmdNavigate(2)"); }},
-  };
-  return kWays;
-}
+const std::vector<WayOn> kWaysOn = {
+    {"Menu", [](CommitSite& site) { site.ClickMenu(u"mnuEditAutoAbbrev"_qs); }},
+    {"ToolbarButton", [](CommitSite& site) { site.ClickTool(u"Calendar"_qs); }},
+    {"Tab", [](CommitSite& site) { site.ClickTab(kTabDataTransfer); }},
+    {"Save", [](CommitSite& site) { site.ClickMenu(u"mnuFileSaveRecipeDB"_qs); }},
+    {"Close", [](CommitSite& site) { site.ClickMenu(u"mnuFileCloseRecipeDB"_qs); }},
+    {"Exit", [](CommitSite& site) { site.ClickMenu(u"mnuFileExit"_qs); }},
+    {"CloseBox", [](CommitSite& site) { site.CloseBox(); }},
+    {"Update", [](CommitSite& site) { site.ClickButton("cmdAction(0)"); }},
+    {"Navigator", [](CommitSite& site) { site.ClickButton("cmdNavigate(2)"); }},
+};
 
 class CommitRules : public CommitSite,
                     public ::testing::WithParamInterface<std::tuple<Entry, WayOn>> {};
@@ -245,8 +238,8 @@ TEST_P(CommitRules, HoldBeforeAnythingElseActs) {
 }
 
 INSTANTIATE_TEST_SUITE_P(All, CommitRules,
-                         ::testing::Combine(::testing::ValuesIn(Entries()),
-                                            ::testing::ValuesIn(WaysOn())),
+                         ::testing::Combine(::testing::ValuesIn(kEntries),
+                                            ::testing::ValuesIn(kWaysOn)),
                          [](const auto& test) {
                            return std::string(std::get<0>(test.param).what) + "Before" +
                                   std::get<1>(test.param).what;
@@ -269,7 +262,7 @@ TEST_P(FocusStays, WhileAMenuOrAToolButtonActs) {
   EXPECT_TRUE(page->isAncestorOf(QApplication::focusWidget()));
 }
 
-INSTANTIATE_TEST_SUITE_P(All, FocusStays, ::testing::ValuesIn(Entries()),
+INSTANTIATE_TEST_SUITE_P(All, FocusStays, ::testing::ValuesIn(kEntries),
                          [](const auto& test) { return std::string(test.param.what); });
 
 class EntryRow : public CommitSite {};

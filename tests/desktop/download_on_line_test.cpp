@@ -9,11 +9,7 @@ namespace vrx::testing {
 namespace {
 
 namespace fs = std::filesystem;
-using ::testing::ElementsAre;
-using ::testing::HasSubstr;
-using ::testing::IsEmpty;
 using ::testing::SizeIs;
-using ::testing::StartsWith;
 
 const std::string kBackup = "{DATA_IN},L\r\n\r\n[ING]\r\n\r\n1,CORN,0\r\n";
 

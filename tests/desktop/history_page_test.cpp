@@ -17,29 +17,27 @@ using ::testing::Not;
 
 class HistoryPageTest : public HistorySite {
  protected:
-  std::vector<std::string> Names() {
-    std::vector<std::string> names;
-    auto& list = Find<QComboBox>(u"cboColName"_qs);
+  static std::vector<std::string> Items(const QComboBox& list) {
+    std::vector<std::string> items;
+    items.reserve(static_cast<std::size_t>(list.count()));
     for (int i = 0; i < list.count(); ++i) {
-      names.push_back(list.itemText(i).toStdString());
+      items.push_back(list.itemText(i).toStdString());
     }
-    return names;
+    return items;
   }
+  std::vector<std::string> Names() { return Items(Find<QComboBox>(u"cboColName"_qs)); }
 };
 
 TEST_F(HistoryPageTest, TheListHoldsTheThirteenGroupsAndStandsOnTheFirst) {
   ShowTab();
   auto& list = Find<QComboBox>(u"lstGroupBy"_qs);
-  std::vector<std::string> items;
-  for (int i = 0; i < list.count(); ++i) {
-    items.push_back(list.itemText(i).toStdString());
-  }
-  EXPECT_THAT(items, ElementsAre("Transactions (all)", "Transactions (batched/fed)",
-                                 "Transactions (by date)", "Recipes (all)", "Recipe (by name...)",
-                                 "Recipe (Ingredient Accum)", "Ingredients (all)",
-                                 "Ingredient (by name...)", "Pens Fed (all)",
-                                 "Pen Fed (by name...)", "Pen (Ingredient Accum)",
-                                 "User (by transactions)", "User (by batched/fed)"));
+  EXPECT_THAT(
+      Items(list),
+      ElementsAre("Transactions (all)", "Transactions (batched/fed)", "Transactions (by date)",
+                  "Recipes (all)", "Recipe (by name...)", "Recipe (Ingredient Accum)",
+                  "Ingredients (all)", "Ingredient (by name...)", "Pens Fed (all)",
+                  "Pen Fed (by name...)", "Pen (Ingredient Accum)", "User (by transactions)",
+                  "User (by batched/fed)"));
   EXPECT_EQ(list.currentIndex(), 0);
   EXPECT_FALSE(Visible(u"cboColName"_qs));
   EXPECT_FALSE(Visible(u"lblName"_qs));

@@ -32,11 +32,11 @@ QPalette Dark() {
 
 TEST(HistoryStylesTest, RowsHaveTheToldColoursOnALightPalette) {
   const HistoryStyles styles(Light());
-  const HistoryLook odd = styles.Row(kRecord, 1, false);
+  const HistoryLook& odd = styles.Row(kRecord, 1, false);
   EXPECT_EQ(odd.back, QColor(0xFF, 0xFF, 0xBF));
   EXPECT_EQ(odd.text, QColor(Qt::black));
   EXPECT_EQ(styles.Row(kRecord, 2, false).back, QColor(0xB0, 0xD7, 0xC1));
-  const HistoryLook group = styles.Row(kGroup, 1, false);
+  const HistoryLook& group = styles.Row(kGroup, 1, false);
   EXPECT_EQ(group.text, QColor(0, 0, 0xC0));
   EXPECT_EQ(group.back, QColor(Qt::white));
   EXPECT_EQ(styles.Row(kTotal, 1, false).back, QColor(255, 255, 220));
@@ -46,11 +46,11 @@ TEST(HistoryStylesTest, RowsHaveTheToldColoursOnALightPalette) {
 
 TEST(HistoryStylesTest, TheWeightsOfATotalAreToldApart) {
   const HistoryStyles styles(Light());
-  const HistoryLook row = styles.Row(kTotal, 3, false);
+  const HistoryLook& row = styles.Row(kTotal, 3, false);
   for (const auto& [column, color] : {std::pair{kTargetColumn, QColor(0, 0x80, 0)},
                                       {kActualBatchColumn, QColor(0, 0, 0xFF)},
                                       {kActualFeedColumn, QColor(0xFF, 0, 0)}}) {
-    const HistoryLook cell = styles.Cell(kTotal, column, 3, false);
+    const HistoryLook& cell = styles.Cell(kTotal, column, 3, false);
     EXPECT_EQ(cell.text, color);
     EXPECT_EQ(cell.back, QColor(Qt::white));
     EXPECT_TRUE(cell.font.bold());
@@ -62,7 +62,7 @@ TEST(HistoryStylesTest, TheWeightsOfATotalAreToldApart) {
 TEST(HistoryStylesTest, ASelectedRowHasTheColoursOfThePalette) {
   const HistoryStyles styles(Light());
   for (const HistoryRowKind kind : {kGroup, kTotal, kRecord}) {
-    const HistoryLook row = styles.Row(kind, 1, true);
+    const HistoryLook& row = styles.Row(kind, 1, true);
     EXPECT_EQ(row.back, QColor(48, 140, 198));
     EXPECT_EQ(row.text, QColor(Qt::white));
     EXPECT_EQ(styles.Cell(kind, kTargetColumn, 1, true).back, row.back);
@@ -74,7 +74,7 @@ TEST(HistoryStylesTest, EveryTextCanBeReadInADarkPalette) {
   for (const HistoryRowKind kind : {kGroup, kTotal, kRecord}) {
     for (const int number : {1, 2}) {
       for (int column = 1; column <= kIngPercentColumn; ++column) {
-        const HistoryLook cell = styles.Cell(kind, column, number, false);
+        const HistoryLook& cell = styles.Cell(kind, column, number, false);
         EXPECT_GE(ContrastRatio(cell.text, cell.back), kTextContrast) << column;
       }
     }

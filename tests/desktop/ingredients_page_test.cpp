@@ -35,6 +35,7 @@ TEST_F(IngredientsPageTest, TheListNamesTheIngredientsInUse) {
 
 TEST_F(IngredientsPageTest, TheGridShowsTheToldColumns) {
   std::vector<std::string> captions;
+  captions.reserve(5);
   for (int column = 0; column < 5; ++column) {
     captions.push_back(Grid("grdING")
                            .Model()

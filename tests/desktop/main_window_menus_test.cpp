@@ -109,6 +109,7 @@ class MainMenusTest : public MainWindowSite {
 
 TEST_F(MainMenusTest, StandAsTold) {
   std::vector<std::string> told;
+  told.reserve(kTold.size());
   for (const Told& row : kTold) {
     told.push_back(std::string(row.name) + " " + row.caption + " in " + row.menu);
   }

@@ -10,9 +10,7 @@ namespace vrx::testing {
 namespace {
 
 namespace fs = std::filesystem;
-using ::testing::ElementsAre;
 using ::testing::EndsWith;
-using ::testing::IsEmpty;
 using ::testing::SizeIs;
 
 constexpr const char* kCheckLine =

@@ -42,6 +42,7 @@ class TransferSite : public MainWindowSite {
   QListWidget& List() { return Find<QListWidget>(u"lstDataFiles"_qs); }
   std::vector<std::string> Rows() {
     std::vector<std::string> rows;
+    rows.reserve(static_cast<std::size_t>(List().count()));
     for (int i = 0; i < List().count(); ++i) {
       rows.push_back(List().item(i)->text().toStdString());
     }

@@ -13,7 +13,6 @@ namespace vrx::testing {
 namespace {
 
 namespace fs = std::filesystem;
-using ::testing::HasSubstr;
 using ::testing::StartsWith;
 
 class Prints : public ProgramsTest {

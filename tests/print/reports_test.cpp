@@ -13,7 +13,6 @@ namespace vrx::testing {
 namespace {
 
 using ::testing::ElementsAre;
-using ::testing::IsEmpty;
 
 std::vector<std::string> Captions(const Report& report) {
   std::vector<std::string> captions;
