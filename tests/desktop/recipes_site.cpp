@@ -151,6 +151,7 @@ std::string RecipesSite::Cell(int row, RecipeColumn column) {
 
 std::vector<std::string> RecipesSite::Column(RecipeColumn column) {
   std::vector<std::string> cells;
+  cells.reserve(static_cast<std::size_t>(Rows()));
   for (int row = 0; row < Rows(); ++row) {
     cells.push_back(Cell(row, column));
   }
