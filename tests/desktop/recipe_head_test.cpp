@@ -239,7 +239,8 @@ TEST_P(RecipeHeadCount, IsPutInOrderWhenTheBoxIsLeft) {
 
 INSTANTIATE_TEST_SUITE_P(All, RecipeHeadCount,
                          ::testing::Values(Left{"1001", "100"}, Left{"1000", "1000"},
-                                           Left{"0", "0"}, Left{"", "0"}, Left{"0025", "25"}));
+                                           Left{"0", "0"}, Left{"", "0"}, Left{"0025", "25"}),
+                         [](const auto& test) { return std::string("Typed") + test.param.typed; });
 
 TEST_F(RecipeHeadTest, AHeadCountTakesFourDigitsAndScalesTheBatch) {
   AddCornHaySupplement(kByHeadCount);

@@ -105,12 +105,12 @@ TEST_P(RecipesPageTypes, ShowsTheInputsOfTheType) {
   EXPECT_EQ(Index("lstRecBatchType"), GetParam().recipe % 5);
 }
 
-INSTANTIATE_TEST_SUITE_P(All, RecipesPageTypes,
-                         ::testing::Values(TypeLook{1, false, true, true},
-                                           TypeLook{2, true, false, true},
-                                           TypeLook{3, false, true, true},
-                                           TypeLook{4, false, true, true},
-                                           TypeLook{5, false, false, false}));
+INSTANTIATE_TEST_SUITE_P(
+    All, RecipesPageTypes,
+    ::testing::Values(TypeLook{1, false, true, true}, TypeLook{2, true, false, true},
+                      TypeLook{3, false, true, true}, TypeLook{4, false, true, true},
+                      TypeLook{5, false, false, false}),
+    [](const auto& test) { return "Recipe" + std::to_string(test.param.recipe); });
 
 TEST_F(RecipesPageTest, HeadCountAndRationTargetShareOneSpot) {
   Enter();

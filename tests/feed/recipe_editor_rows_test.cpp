@@ -105,6 +105,7 @@ TEST_F(RecipeRows, AMoveLeavesThePercentage) {
 }
 
 struct RefusedMove {
+  const char* what;
   int lines;
   int row;
   MoveDirection direction;
@@ -132,14 +133,15 @@ constexpr std::string_view kNotDown = "The selected row cannot be moved down.";
 constexpr std::string_view kNotUp = "The selected row cannot be moved up.";
 constexpr std::string_view kNotEntry = "The ingredient entry row cannot be moved.";
 
-INSTANTIATE_TEST_SUITE_P(All, RefusedMoves,
-                         ::testing::Values(RefusedMove{1, 1, MoveDirection::kDown, kNotDown},
-                                           RefusedMove{1, 1, MoveDirection::kUp, kNotUp},
-                                           RefusedMove{3, 1, MoveDirection::kUp, kNotUp},
-                                           RefusedMove{3, 3, MoveDirection::kDown, kNotDown},
-                                           RefusedMove{0, kEntryRow, MoveDirection::kUp, kNotEntry},
-                                           RefusedMove{2, kEntryRow, MoveDirection::kDown,
-                                                       kNotEntry}));
+INSTANTIATE_TEST_SUITE_P(
+    All, RefusedMoves,
+    ::testing::Values(RefusedMove{"OnlyLineDown", 1, 1, MoveDirection::kDown, kNotDown},
+                      RefusedMove{"OnlyLineUp", 1, 1, MoveDirection::kUp, kNotUp},
+                      RefusedMove{"FirstLineUp", 3, 1, MoveDirection::kUp, kNotUp},
+                      RefusedMove{"LastLineDown", 3, 3, MoveDirection::kDown, kNotDown},
+                      RefusedMove{"EntryRowAlone", 0, kEntryRow, MoveDirection::kUp, kNotEntry},
+                      RefusedMove{"EntryRow", 2, kEntryRow, MoveDirection::kDown, kNotEntry}),
+    [](const auto& test) { return std::string(test.param.what); });
 
 TEST_F(RecipeRows, AreClosedInAnUntypedRecipeThatHasLines) {
   RecipeLineRecord line{.recipe_id = "5", .ingredient = "1", .target = "7", .sequence = 1};

@@ -61,7 +61,8 @@ TEST_P(KrmcommSetBaud, RefusesTheEchoOfAnother) {
 
 INSTANTIATE_TEST_SUITE_P(Each, KrmcommSetBaud,
                          ::testing::Values(Baud{1200, '\x16'}, Baud{2400, '\x17'},
-                                           Baud{9600, '\x18'}, Baud{19200, '\x19'}));
+                                           Baud{9600, '\x18'}, Baud{19200, '\x19'}),
+                         [](const auto& test) { return std::to_string(test.param.baud); });
 
 TEST_F(KrmcommCommands, UnknownBaudSendsNothingAndLeavesDtr) {
   EXPECT_EQ(TimeOf([&] { EXPECT_FALSE(krm.KRM_SetBaud(4800)); }), Ms{0});
