@@ -5,8 +5,8 @@
 #include <QWidget>
 #include <array>
 
-#include "feed/recipe_columns.h"
 #include "desktop/recipe_grid.h"
+#include "feed/recipe_columns.h"
 #include "feed/recipe_on_show.h"
 
 namespace vrx {
