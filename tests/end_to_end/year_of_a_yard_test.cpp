@@ -39,9 +39,9 @@ std::vector<std::string> Fields(const std::string& line) {
 
 // A month/day/year of the screen as the ledger's.
 std::string LedgerDate(const std::string& shown) {
-  static const std::regex kShown(R"((\d+)/(\d+)/(\d{4}))");
+  static const std::regex pattern(R"((\d+)/(\d+)/(\d{4}))");
   std::smatch match;
-  if (!std::regex_match(shown, match, kShown)) {
+  if (!std::regex_match(shown, match, pattern)) {
     throw std::runtime_error("no date: " + shown);
   }
   const auto two = [](const std::string& digits) {

@@ -56,9 +56,9 @@ TEST(Reader, ThatIsKilledIsTold) {
 
 TEST(Reader, ThatIsKilledInTheMiddleLeavesNothing) {
   const std::string real = fs::path(VRX_BIN_DIR) / "vrx2260jet";
-  ExpectRefusal("file=$1; shift; " + real + " \"$file\" \"$@\" | head -c 9000; kill -9 $$",
+  ExpectRefusal("file=$1; shift; " + real + R"( "$file" "$@" | head -c 9000; kill -9 $$)",
                 "its reader was ended by signal 9");
-  ExpectRefusal("file=$1; shift; " + real + " \"$file\" \"$@\" | head -c 9000",
+  ExpectRefusal("file=$1; shift; " + real + R"( "$file" "$@" | head -c 9000)",
                 "its rows have no end");
 }
 

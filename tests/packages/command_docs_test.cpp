@@ -52,14 +52,11 @@ std::string SubsectionOf(const std::string& page, const std::string& name) {
 std::vector<std::string> Completions(const std::vector<std::string>& words,
                                      const std::string& folder = "/") {
   const TempFolder streams;
-  std::vector<std::string> args = {
-      "-c",
+  static constexpr const char* kScript =
       R"(cd "$2"; . "$1"; shift 2; COMP_WORDS=("$@"); COMP_CWORD=$(($# - 1)); _vrx2260ctl; )"
-      R"(printf '%s\n' "${COMPREPLY[@]}")",
-      "bash",
-      std::string(VRX_PACKAGING_DIR) + "/vrx2260ctl.bash",
-      folder,
-      kTool};
+      R"(printf '%s\n' "${COMPREPLY[@]}")";
+  std::vector<std::string> args = {
+      "-c", kScript, "bash", std::string(VRX_PACKAGING_DIR) + "/vrx2260ctl.bash", folder, kTool};
   args.insert(args.end(), words.begin(), words.end());
   Program bash("/bin/bash", args, streams.Path().string());
   EXPECT_EQ(bash.Wait(), 0);
