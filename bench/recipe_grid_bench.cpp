@@ -119,7 +119,11 @@ class FlushWatch : public QObject {
  protected:
   bool eventFilter(QObject* watched, QEvent* event) override {
     if (event->type() == QEvent::Paint) {
-      watched == & total_ ? drawn_total_ = total_.text() : drawn_figures_ = Figures();
+      if (watched == &total_) {
+        drawn_total_ = total_.text();
+      } else {
+        drawn_figures_ = Figures();
+      }
     }
     return false;
   }

@@ -23,13 +23,14 @@ function(vrx_room name)
   target_link_libraries(vrx_${name} ${scope} ${ROOM_LIBRARIES})
 endfunction()
 
+set(VRX_SLOTS_OF_A_PROCESSOR 3)  # CMakePresets.json counts on it: two processors, six jobs
+
 # A test program named after the room it tests; each of its cases is a ctest case. WAITING names the
 # suites that spend their time waiting for a serial line or a program: more of them run at once than
 # of those that compute.
 #
 #   vrx_test(link SOURCES krmcomm_test.cpp ... ROOMS link adapters [LIBRARIES lib ...]
 #     [DEPENDS target ...] [WAITING suite ...])
-set(VRX_SLOTS_OF_A_PROCESSOR 3)  # CMakePresets.json counts on it: two processors, six jobs
 function(vrx_test name)
   cmake_parse_arguments(TEST "" "" "SOURCES;ROOMS;LIBRARIES;DEPENDS;WAITING" ${ARGN})
   add_executable(${name}_test ${TEST_SOURCES})
@@ -41,7 +42,7 @@ function(vrx_test name)
   endforeach()
   target_compile_definitions(${name}_test PRIVATE
     VRX_BIN_DIR="${VRX_BIN_DIR}" VRX_SOURCE_DIR="${CMAKE_SOURCE_DIR}")
-  # A build from nothing spends most of its time on the tests, and they gain nothing by being fast.
+  # A build from nothing spends most of its time on the tests, and hardly any gains by being fast.
   target_compile_options(${name}_test PRIVATE -O0)
   if(TEST_DEPENDS)
     add_dependencies(${name}_test ${TEST_DEPENDS})
