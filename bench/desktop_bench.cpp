@@ -27,7 +27,7 @@
 #include "measure.h"
 #include "support/environment.h"
 #include "support/temp_folder.h"
-#include "virtual_display.h"
+#include "support/virtual_display.h"
 
 namespace vrx::bench {
 namespace {
@@ -153,7 +153,7 @@ class DesktopBench {
   testing::Environment data_{"XDG_DATA_HOME", (folder_ / "data").string()};
   testing::Environment config_{"XDG_CONFIG_HOME", (folder_ / "config").string()};
   testing::Environment runtime_{"XDG_RUNTIME_DIR", (folder_ / "run").string()};
-  VirtualDisplay display_;
+  testing::VirtualDisplay display_;
   testing::Environment screen_{"DISPLAY", display_.Name()};
   testing::Environment platform_{"QT_QPA_PLATFORM", "xcb"};
   Figures figures_;

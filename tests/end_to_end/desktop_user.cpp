@@ -19,7 +19,7 @@ const std::vector<std::string>& DesktopUser::IniKeys() {
   return keys;
 }
 
-DesktopUser::DesktopUser() {
+DesktopUser::DesktopUser(const std::string& platform) : platform_("QT_QPA_PLATFORM", platform) {
   fs::create_directories(data);
   fs::create_directories(user_settings.parent_path());
   fs::create_directory(lock.parent_path());
@@ -51,11 +51,15 @@ std::unique_ptr<Program> DesktopUser::Start() const {
 }
 
 bool DesktopUser::Eventually(const std::function<bool()>& condition) {
-  constexpr int kPolls = 3000;
-  for (int polls = 0; polls < kPolls && !condition(); ++polls) {
+  constexpr std::chrono::seconds kLimit{30};
+  const auto end = std::chrono::steady_clock::now() + kLimit;
+  while (!condition()) {
+    if (std::chrono::steady_clock::now() > end) {
+      return false;
+    }
     std::this_thread::sleep_for(std::chrono::milliseconds{10});
   }
-  return condition();
+  return true;
 }
 
 bool DesktopUser::HasOpened(const Program& program) const {

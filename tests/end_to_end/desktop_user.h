@@ -11,13 +11,14 @@
 namespace vrx::testing {
 
 // A user of the built vrx2260 with folders of its own for data, settings and running programs, at
-// work on the sample site. The windows are nowhere to be seen.
+// work on the sample site. Its windows are on Qt's platform of that name; "offscreen" shows
+// nothing.
 class DesktopUser : public ProgramsTest {
  protected:
   // The keys of the INI file, its title aside, in the order of its sections.
   static const std::vector<std::string>& IniKeys();
 
-  DesktopUser();
+  explicit DesktopUser(const std::string& platform = "offscreen");
 
   // Databases of the sample site: the recipes, and a transaction database with one day. The program
   // opens both at its start.
@@ -51,7 +52,7 @@ class DesktopUser : public ProgramsTest {
   Environment data_home_{"XDG_DATA_HOME", Path("data")};
   Environment config_home_{"XDG_CONFIG_HOME", Path("config")};
   Environment runtime_{"XDG_RUNTIME_DIR", Path("run")};
-  Environment platform_{"QT_QPA_PLATFORM", "offscreen"};
+  Environment platform_;
 };
 
 }  // namespace vrx::testing

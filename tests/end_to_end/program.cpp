@@ -8,6 +8,7 @@
 #include <fcntl.h>
 #include <grp.h>
 #include <gtest/gtest.h>
+#include <sys/prctl.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -57,6 +58,7 @@ Program::Program(const std::string& path, const std::vector<std::string>& args,
     throw std::runtime_error("cannot fork");
   }
   if (pid_ == 0) {
+    prctl(PR_SET_PDEATHSIG, SIGKILL);
     Redirect(STDIN_FILENO, "/dev/null", O_RDONLY);
     Redirect(STDOUT_FILENO, out_path_.c_str(), O_WRONLY | O_CREAT | O_TRUNC);
     Redirect(STDERR_FILENO, err_path_.c_str(), O_WRONLY | O_CREAT | O_TRUNC);

@@ -1,0 +1,83 @@
+#include <csignal>
+#include <filesystem>
+#include <ostream>
+#include <string>
+#include <vector>
+
+#include <SQLiteCpp/Database.h>
+
+#include "on_display.h"
+
+namespace vrx::testing {
+namespace {
+
+namespace fs = std::filesystem;
+
+struct WayOut {
+  const char* name;
+  std::vector<std::string> keys;
+  int signal = 0;
+};
+
+void PrintTo(const WayOut& way, std::ostream* out) { *out << way.name; }
+
+class ExitOnDisplay : public OnDisplay, public ::testing::WithParamInterface<WayOut> {
+ protected:
+  ExitOnDisplay() { MakeDatabases(); }
+
+  // A new description of ingredient 1 in its field, which is not left.
+  void TypeDescription(const std::string& text) {
+    ChooseMenu("alt+e", "Ingredients");
+    ASSERT_TRUE(WaitFor([](const Screen& screen) { return screen.Find("txtIngDesc") != nullptr; }));
+    Click("txtIngDesc");
+    Keys({"ctrl+a"});
+    Type(text);
+    ASSERT_TRUE(WaitFor([&](const Screen& screen) {
+      const Widget* const field = screen.Find("txtIngDesc");
+      return field != nullptr && field->focus && field->text == text;
+    }));
+  }
+
+  std::string StoredDescription() const {
+    SQLite::Database file(recipes);
+    return file.execAndGet("SELECT Description FROM Ingredient WHERE ID = 1").getString();
+  }
+
+  void Leave(const WayOut& way) {
+    if (way.signal != 0) {
+      program->Signal(way.signal);
+    } else if (!way.keys.empty()) {
+      Keys(way.keys);
+    } else {
+      ClickCloseBox(kMainTitle);
+    }
+  }
+
+  void ExpectOrderlyEnd() {
+    EXPECT_EQ(ExitCode(), 0) << program->Err();
+    EXPECT_FALSE(fs::exists(lock));
+    for (const std::string& key : IniKeys()) {
+      EXPECT_NE(ValueIn(ini, key), "") << key;
+    }
+    EXPECT_NE(ValueIn(user_settings, "MainWidth"), "");
+    EXPECT_EQ(ValueIn(user_settings, "MRU_RecipePathName"), recipes.string());
+  }
+};
+
+TEST_P(ExitOnDisplay, StoresTheTypedTextAndLeavesNothingBehind) {
+  StartProgram();
+  TypeDescription("Hay of May");
+  Leave(GetParam());
+  ExpectOrderlyEnd();
+  EXPECT_EQ(StoredDescription(), "Hay of May");
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    Ways, ExitOnDisplay,
+    ::testing::Values(WayOut{"CloseBox", {}, 0}, WayOut{"FileExit", {"alt+f", "x"}, 0},
+                      WayOut{"AltF4", {"alt+F4"}, 0}, WayOut{"Terminated", {}, SIGTERM},
+                      WayOut{"Interrupted", {}, SIGINT}, WayOut{"HungUp", {}, SIGHUP}),
+    [](const auto& way) { return std::string(way.param.name); });
+
+}  // namespace
+}  // namespace vrx::testing

@@ -1,0 +1,81 @@
+#pragma once
+
+#include <functional>
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "end_to_end/desktop_user.h"
+#include "input.h"
+#include "screen.h"
+#include "support/virtual_display.h"
+#include "windows.h"
+
+namespace vrx::testing {
+
+// The built vrx2260 on a display and a window manager of the test's own, driven by real keys and
+// clicks. Places are pixels of the display. Nothing here waits for a fixed time: after an input,
+// wait for what it does.
+class OnDisplay : public DesktopUser {
+ protected:
+  static constexpr const char* kMainTitle = "VRX-2260 Transfer Data Software";
+
+  explicit OnDisplay(int width = 1280, int height = 1024);
+  ~OnDisplay() override;
+
+  // Starts the program and waits until its main window has the keyboard and the databases of the
+  // last run are open.
+  void StartProgram();
+
+  // Waits until the program has taken all input that was given.
+  void Settle();
+
+  // The exit code, once the program has ended by itself.
+  int ExitCode() { return program->Wait(); }
+
+  Screen Look() const { return Screen::Of(socket_); }
+
+  // Polls the screen until the condition holds. Gives whether it did.
+  bool WaitFor(const std::function<bool(const Screen&)>& condition) const;
+
+  // Wait until a window with that title has the keyboard, or until there is none with that title.
+  bool WaitForWindow(const std::string& title);
+  bool WaitForNoWindow(const std::string& title);
+
+  // Wait until the message box in front has that text, or begins with it.
+  bool WaitForBox(const std::string& text);
+
+  void Keys(const std::vector<std::string>& keys) { input.Keys(keys); }
+  void Type(const std::string& text) { input.Type(text); }
+
+  // Opens a menu by its key and clicks on an entry of it.
+  void ChooseMenu(const std::string& menu_key, const std::string& caption);
+
+  // Each clicks into the middle; the test fails when the thing is not on the screen.
+  void Click(const std::string& widget, int times = 1);
+  void ClickItem(const std::string& caption);  // of a menu, a tab strip, a header
+  void ClickButton(const std::string& caption);
+  void ClickCell(const std::string& widget, int row, int column, int times = 1);
+  void ClickCloseBox(const std::string& title);
+
+  // The text of the widget; the test fails when it is not on the screen.
+  std::string TextOf(const std::string& widget) const;
+
+  VirtualDisplay display;
+  Windows windows{display.Name()};
+  Input input;
+  std::unique_ptr<Program> program;
+
+ private:
+  bool HasOpenedRecent(const Screen& screen) const;
+  void TakePicture() const;
+
+  Environment display_name_{"DISPLAY", display.Name()};
+  std::filesystem::path socket_ = folder / "probe";
+  Environment plugins_{"QT_PLUGIN_PATH", VRX_PROBE_DIR};
+  Environment probe_{"QT_QPA_GENERIC_PLUGINS", "screenprobe"};
+  Environment probe_socket_{"VRX_SCREEN_PROBE", socket_.string()};
+  Program window_manager_;
+};
+
+}  // namespace vrx::testing
