@@ -1,7 +1,5 @@
 #include "adapters/stop_flag.h"
 
-#include <csignal>
-
 namespace vrx {
 namespace {
 
@@ -14,13 +12,22 @@ extern "C" void RaiseStopFlag(int /*signal*/) { raised = 1; }
 
 StopFlag::StopFlag() {
   raised = 0;
-  std::signal(SIGINT, RaiseStopFlag);
-  std::signal(SIGTERM, RaiseStopFlag);
+  struct sigaction raise {};
+  raise.sa_handler = RaiseStopFlag;
+  raise.sa_flags = SA_RESTART;
+  for (std::size_t i = 0; i < kSignals.size(); ++i) {
+    sigaction(kSignals.at(i), nullptr, &before_.at(i));
+    // nohup lets the process ignore SIGHUP, which must stay so.
+    if (kSignals.at(i) != SIGHUP || before_.at(i).sa_handler != SIG_IGN) {
+      sigaction(kSignals.at(i), &raise, nullptr);
+    }
+  }
 }
 
 StopFlag::~StopFlag() {
-  std::signal(SIGINT, SIG_DFL);
-  std::signal(SIGTERM, SIG_DFL);
+  for (std::size_t i = 0; i < kSignals.size(); ++i) {
+    sigaction(kSignals.at(i), &before_.at(i), nullptr);
+  }
 }
 
 bool StopFlag::Raised() const { return raised != 0; }

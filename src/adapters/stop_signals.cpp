@@ -3,7 +3,7 @@
 #include <QSocketNotifier>
 #include <array>
 #include <cerrno>
-#include <csignal>
+#include <ctime>
 #include <system_error>
 #include <utility>
 
@@ -14,8 +14,14 @@ namespace vrx {
 
 namespace {
 
-[[noreturn]] void Refuse() {
-  throw std::system_error(errno, std::generic_category(), "cannot receive signals");
+[[noreturn]] void Refuse(int error) {
+  throw std::system_error(error, std::generic_category(), "cannot receive signals");
+}
+
+// A blocked signal arrives at a descriptor even where it is ignored.
+bool Ignored(int signal) {
+  struct sigaction now {};
+  return sigaction(signal, nullptr, &now) == 0 && now.sa_handler == SIG_IGN;
 }
 
 sigset_t StopSet() {
@@ -23,47 +29,27 @@ sigset_t StopSet() {
   sigemptyset(&set);
   sigaddset(&set, SIGINT);
   sigaddset(&set, SIGTERM);
+  if (!Ignored(SIGHUP)) {
+    sigaddset(&set, SIGHUP);
+  }
   return set;
 }
 
-// The signals stay away from the other threads too: they are made later and inherit the mask.
-class BlockedSignals {
- public:
-  BlockedSignals() {
-    const sigset_t set = StopSet();
-    if (const int error = pthread_sigmask(SIG_BLOCK, &set, &before_); error != 0) {
-      errno = error;
-      Refuse();
-    }
-  }
-  ~BlockedSignals() { pthread_sigmask(SIG_SETMASK, &before_, nullptr); }
-  BlockedSignals(const BlockedSignals&) = delete;
-  BlockedSignals& operator=(const BlockedSignals&) = delete;
-
- private:
-  sigset_t before_{};
-};
-
 class SignalDescriptor {
  public:
-  SignalDescriptor() {
-    const sigset_t set = StopSet();
-    fd_ = signalfd(-1, &set, SFD_NONBLOCK | SFD_CLOEXEC);
+  explicit SignalDescriptor(const sigset_t& set)
+      : fd_(signalfd(-1, &set, SFD_NONBLOCK | SFD_CLOEXEC)) {
     if (fd_ < 0) {
-      Refuse();
+      Refuse(errno);
     }
   }
-  // What was not taken is no longer pending when the signals are let through again.
-  ~SignalDescriptor() {
-    Take();
-    close(fd_);
-  }
+  ~SignalDescriptor() { close(fd_); }
   SignalDescriptor(const SignalDescriptor&) = delete;
   SignalDescriptor& operator=(const SignalDescriptor&) = delete;
 
   int Get() const { return fd_; }
   void Take() const {
-    std::array<signalfd_siginfo, 2> taken{};
+    std::array<signalfd_siginfo, 4> taken{};
     while (read(fd_, taken.data(), sizeof taken) > 0) {
     }
   }
@@ -74,9 +60,22 @@ class SignalDescriptor {
 
 }  // namespace
 
+StopSignalBlock::StopSignalBlock() : signals_(StopSet()) {
+  if (const int error = pthread_sigmask(SIG_BLOCK, &signals_, &before_); error != 0) {
+    Refuse(error);
+  }
+}
+
+StopSignalBlock::~StopSignalBlock() {
+  const timespec at_once{};
+  while (sigtimedwait(&signals_, nullptr, &at_once) > 0) {
+  }
+  pthread_sigmask(SIG_SETMASK, &before_, nullptr);
+}
+
 struct StopSignals::Handling {
-  BlockedSignals blocked;
-  SignalDescriptor descriptor;
+  StopSignalBlock block;
+  SignalDescriptor descriptor{block.Signals()};
   QSocketNotifier notifier{descriptor.Get(), QSocketNotifier::Read};
 };
 

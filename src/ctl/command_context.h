@@ -24,7 +24,7 @@ class SerialLine {
 
   // The pump's Closing from now on: every wait ends.
   virtual void Close() = 0;
-  // SIGINT and SIGTERM close from now on, rather than end the program.
+  // SIGINT, SIGTERM and SIGHUP close from now on, rather than end the program.
   virtual void CloseOnSignals() = 0;
 };
 

@@ -2,12 +2,15 @@
 #include <QIcon>
 
 #include "adapters/local_machine.h"
+#include "adapters/stop_signals.h"
 #include "desktop/contrast.h"
 #include "desktop/desktop_program.h"
 #include "desktop/form_parts.h"
 #include "desktop/vrx_main.h"
 
 int main(int argc, char** argv) {
+  // The platform starts threads with the application object, and they must not take the signals.
+  const vrx::StopSignalBlock signals_are_blocked;
   const QApplication application(argc, argv);
   QApplication::setApplicationVersion(vrx::VersionText());
   QApplication::setDesktopFileName(QStringLiteral("vrx2260"));
