@@ -1,6 +1,7 @@
 #include "adapters/stop_signals.h"
 
 #include <csignal>
+#include <thread>
 
 #include <gtest/gtest.h>
 
@@ -18,7 +19,7 @@ bool LetThrough(int signal) {
 }
 
 TEST(StopSignals, EachOfThemEndsAWait) {
-  for (const int signal : {SIGINT, SIGTERM}) {
+  for (const int signal : {SIGINT, SIGTERM, SIGHUP}) {
     QtEventPump pump;
     const StopSignals stop([&pump] { pump.Close(); });
     const auto ticker = pump.StartTicker(Milliseconds{10}, [signal] { std::raise(signal); });
@@ -36,6 +37,7 @@ TEST(StopSignals, ArriveInsideAWaitOnly) {
   const StopSignals stop([&stops] { ++stops; });
   std::raise(SIGTERM);
   std::raise(SIGINT);
+  std::raise(SIGHUP);
   EXPECT_EQ(stops, 0);
   pump.Pump(kPatience);
   EXPECT_EQ(stops, 1);
@@ -48,6 +50,32 @@ TEST(StopSignals, OneThatNobodyTookDoesNoHarmLater) {
   }
   EXPECT_TRUE(LetThrough(SIGTERM));
   EXPECT_TRUE(LetThrough(SIGINT));
+  EXPECT_TRUE(LetThrough(SIGHUP));
+}
+
+TEST(StopSignals, AHangUpThatTheStarterIgnoresStaysIgnored) {
+  const auto before = std::signal(SIGHUP, SIG_IGN);
+  int stops = 0;
+  {
+    QtEventPump pump;
+    const StopSignals stop([&stops] { ++stops; });
+    std::raise(SIGHUP);
+    std::raise(SIGTERM);
+    pump.Pump(kPatience);
+    EXPECT_EQ(stops, 1);
+    std::raise(SIGHUP);
+    EXPECT_TRUE(LetThrough(SIGHUP));
+  }
+  std::signal(SIGHUP, before);
+}
+
+TEST(StopSignalBlock, KeepsTheSignalsFromThreadsThatAreStartedLater) {
+  const StopSignalBlock block;
+  bool let_through = true;
+  std::thread([&] {
+    let_through = LetThrough(SIGINT) || LetThrough(SIGTERM) || LetThrough(SIGHUP);
+  }).join();
+  EXPECT_FALSE(let_through);
 }
 
 }  // namespace
