@@ -84,8 +84,12 @@ void DesktopProgram::Leave(Road road) {
 }
 
 // A wait or a dialog that is under way ends first: it stands below this event on the stack. While
-// the program is still starting Main looks at the pump, and only dialogs are closed here.
+// the program is still starting Main looks at the pump, and only dialogs are closed here. The list
+// of a tool button runs an event loop of its own like a dialog.
 void DesktopProgram::Walk() {
+  if (QWidget* const list = QApplication::activePopupWidget(); list != nullptr) {
+    list->close();
+  }
   if (QWidget* const dialog = QApplication::activeModalWidget(); dialog != nullptr) {
     dialog->close();
   }

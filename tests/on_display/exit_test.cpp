@@ -21,13 +21,13 @@ struct WayOut {
 
 void PrintTo(const WayOut& way, std::ostream* out) { *out << way.name; }
 
-class ExitOnDisplay : public OnDisplay, public ::testing::WithParamInterface<WayOut> {
+class LeavingOnDisplay : public OnDisplay {
  protected:
-  ExitOnDisplay() { MakeDatabases(); }
+  LeavingOnDisplay() { MakeDatabases(); }
 
   // A new description of ingredient 1 in its field, which is not left.
   void TypeDescription(const std::string& text) {
-    ChooseMenu("alt+e", "Ingredients");
+    ChooseFromMenu({"Edit", "Ingredients"});
     ASSERT_TRUE(WaitFor([](const Screen& screen) { return screen.Find("txtIngDesc") != nullptr; }));
     Click("txtIngDesc");
     Keys({"ctrl+a"});
@@ -64,6 +64,8 @@ class ExitOnDisplay : public OnDisplay, public ::testing::WithParamInterface<Way
   }
 };
 
+class ExitOnDisplay : public LeavingOnDisplay, public ::testing::WithParamInterface<WayOut> {};
+
 TEST_P(ExitOnDisplay, StoresTheTypedTextAndLeavesNothingBehind) {
   StartProgram();
   TypeDescription("Hay of May");
@@ -78,6 +80,52 @@ INSTANTIATE_TEST_SUITE_P(
                       WayOut{"AltF4", {"alt+F4"}, 0}, WayOut{"Terminated", {}, SIGTERM},
                       WayOut{"Interrupted", {}, SIGINT}, WayOut{"HungUp", {}, SIGHUP}),
     [](const auto& way) { return std::string(way.param.name); });
+
+class SignalOnDisplay : public LeavingOnDisplay {
+ protected:
+  void ExpectOrderlyEndBySignal() {
+    program->Signal(SIGTERM);
+    ExpectOrderlyEnd();
+  }
+};
+
+// The list runs an event loop of its own.
+TEST_F(SignalOnDisplay, EndsTheProgramUnderTheOpenListOfAToolButton) {
+  StartProgram();
+  const Screen screen = Look();
+  const Widget* const button = screen.Find("New dB");
+  ASSERT_NE(button, nullptr);
+  constexpr int kToArrow = 6;
+  input.Click(
+      {.x = button->place.x + button->place.width - kToArrow, .y = button->place.Center().y});
+  ASSERT_TRUE(
+      WaitFor([](const Screen& now) { return now.FindItemOfMenu("New Recipe") != nullptr; }));
+  ExpectOrderlyEndBySignal();
+}
+
+TEST_F(SignalOnDisplay, EndsTheProgramUnderAnOpenSubmenu) {
+  StartProgram();
+  ChooseFromMenu({"File", "Open..."});
+  ASSERT_TRUE(WaitFor(
+      [](const Screen& now) { return now.FindItemOfMenu("Recipe Database", 2) != nullptr; }));
+  ExpectOrderlyEndBySignal();
+}
+
+TEST_F(SignalOnDisplay, EndsTheProgramUnderAnOpenDialog) {
+  StartProgram();
+  ChooseFromMenu({"Tools", "Setup/Test..."});
+  ASSERT_TRUE(WaitForWindow("Setup and Test"));
+  ExpectOrderlyEndBySignal();
+}
+
+TEST_F(SignalOnDisplay, EndsTheProgramWhileItStarts) {
+  program = Start();
+  ASSERT_TRUE(WaitFor([](const Screen& now) { return now.Find("SPLASH") != nullptr; }))
+      << program->Err();
+  program->Signal(SIGTERM);
+  EXPECT_EQ(ExitCode(), 0) << program->Err();
+  EXPECT_FALSE(fs::exists(lock));
+}
 
 }  // namespace
 }  // namespace vrx::testing

@@ -81,17 +81,18 @@ bool OnDisplay::WaitForBox(const std::string& text) {
   });
 }
 
-void OnDisplay::ChooseMenu(const std::string& menu_key, const std::string& caption) {
-  Keys({menu_key});
-  Item item;
-  ASSERT_TRUE(WaitFor([&](const Screen& screen) {
-    const Item* const found = screen.FindItemOfMenu(caption);
-    if (found != nullptr) {
-      item = *found;
-    }
-    return found != nullptr && found->enabled;
-  })) << caption;
-  input.Click(item.place.Center());
+void OnDisplay::ChooseFromMenu(const std::vector<std::string>& captions) {
+  for (std::size_t depth = 0; depth < captions.size(); ++depth) {
+    Item item;
+    ASSERT_TRUE(WaitFor([&](const Screen& screen) {
+      const Item* const found = screen.FindItemOfMenu(captions[depth], static_cast<int>(depth));
+      if (found != nullptr) {
+        item = *found;
+      }
+      return found != nullptr && found->enabled;
+    })) << captions[depth];
+    input.Click(item.place.Center());
+  }
 }
 
 void OnDisplay::Click(const std::string& widget, int times) {

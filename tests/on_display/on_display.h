@@ -48,8 +48,9 @@ class OnDisplay : public DesktopUser {
   void Keys(const std::vector<std::string>& keys) { input.Keys(keys); }
   void Type(const std::string& text) { input.Type(text); }
 
-  // Opens a menu by its key and clicks on an entry of it.
-  void ChooseMenu(const std::string& menu_key, const std::string& caption);
+  // Clicks from menu to menu, once each entry is there and on: {"File", "Open...", "Recipe
+  // Database"}.
+  void ChooseFromMenu(const std::vector<std::string>& captions);
 
   // Each clicks into the middle; the test fails when the thing is not on the screen.
   void Click(const std::string& widget, int times = 1);

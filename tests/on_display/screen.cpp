@@ -78,6 +78,7 @@ Widget WidgetOf(const Json& part) {
                 .place = PlaceOf(part),
                 .items = {},
                 .cells = {},
+                .menu_depth = part.value("menuDepth", -1),
                 .rows = part.value("rows", 0),
                 .columns = part.value("columns", 0)};
   for (const Json& item : part.value("items", Json::array())) {
@@ -147,14 +148,14 @@ const Item* Screen::FindItem(const std::string& caption) const {
   return found;
 }
 
-const Item* Screen::FindItemOfMenu(const std::string& caption) const {
-  const Item* found = nullptr;
+const Item* Screen::FindItemOfMenu(const std::string& caption, int depth) const {
   for (const Widget& widget : widgets_) {
-    if (found == nullptr && widget.kind == "QMenu") {
-      found = widget.FindItem(caption);
+    const Item* const found = widget.menu_depth == depth ? widget.FindItem(caption) : nullptr;
+    if (found != nullptr) {
+      return found;
     }
   }
-  return found;
+  return nullptr;
 }
 
 const Widget* Screen::FindButton(const std::string& caption) const {

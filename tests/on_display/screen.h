@@ -39,6 +39,7 @@ struct Widget {
   Rect place;
   std::vector<Item> items;
   std::vector<Cell> cells;  // the visible ones
+  int menu_depth = -1;      // 0: a menu bar, 1: a menu, 2: a menu of a menu; -1: anything else
   int rows = 0;
   int columns = 0;
 
@@ -62,9 +63,11 @@ class Screen {
   const Widget* Find(const std::string& name) const;
   const Widget* Focus() const;
 
-  // The visible item with that caption in any widget, or in an open menu.
+  // The visible item with that caption in any widget.
   const Item* FindItem(const std::string& caption) const;
-  const Item* FindItemOfMenu(const std::string& caption) const;
+
+  // The entry of an open menu: 0 is the menu bar, 1 the menu below it, 2 a menu of that.
+  const Item* FindItemOfMenu(const std::string& caption, int depth = 1) const;
 
   // The visible button with that caption.
   const Widget* FindButton(const std::string& caption) const;

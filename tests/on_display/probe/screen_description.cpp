@@ -118,12 +118,25 @@ QString TextOf(const QWidget& widget) {
   return {};
 }
 
+// An entry of a menu that is open itself opened this one.
+int DepthOf(const QMenu& menu) {
+  for (const QObject* const opener : menu.menuAction()->associatedObjects()) {
+    const auto* const above = qobject_cast<const QMenu*>(opener);
+    if (above != nullptr && above->isVisible()) {
+      return DepthOf(*above) + 1;
+    }
+  }
+  return 1;
+}
+
 void PutParts(QJsonObject& to, const QWidget& widget) {
   QJsonArray items;
   if (const auto* const menu = qobject_cast<const QMenu*>(&widget)) {
     items = ActionsOf(*menu);
+    to[QStringLiteral("menuDepth")] = DepthOf(*menu);
   } else if (const auto* const bar = qobject_cast<const QMenuBar*>(&widget)) {
     items = ActionsOf(*bar);
+    to[QStringLiteral("menuDepth")] = 0;
   } else if (const auto* const strip = qobject_cast<const QTabBar*>(&widget)) {
     items = TabsOf(*strip);
   } else if (const auto* const header = qobject_cast<const QHeaderView*>(&widget)) {
