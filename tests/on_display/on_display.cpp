@@ -95,6 +95,18 @@ void OnDisplay::ChooseFromMenu(const std::vector<std::string>& captions) {
   }
 }
 
+void OnDisplay::AnswerFileDialog(const std::string& title, const fs::path& path) {
+  ASSERT_TRUE(WaitForWindow(title)) << title;
+  Keys({"ctrl+a"});
+  Type(path.string());
+  ASSERT_TRUE(WaitFor([&](const Screen& screen) {
+    const Widget* const name = screen.Find("fileNameEdit");
+    return name != nullptr && name->text == path.string();
+  })) << title;
+  Keys({"Return"});
+  EXPECT_TRUE(WaitForNoWindow(title)) << title;
+}
+
 void OnDisplay::Click(const std::string& widget, int times) {
   const Screen screen = Look();
   const Widget* const found = screen.Find(widget);

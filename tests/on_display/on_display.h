@@ -52,6 +52,9 @@ class OnDisplay : public DesktopUser {
   // Database"}.
   void ChooseFromMenu(const std::vector<std::string>& captions);
 
+  // Waits for the file dialog with that title, types the path and accepts it.
+  void AnswerFileDialog(const std::string& title, const std::filesystem::path& path);
+
   // Each clicks into the middle; the test fails when the thing is not on the screen.
   void Click(const std::string& widget, int times = 1);
   void ClickItem(const std::string& caption);  // of a menu, a tab strip, a header
@@ -73,6 +76,9 @@ class OnDisplay : public DesktopUser {
 
   Environment display_name_{"DISPLAY", display.Name()};
   std::filesystem::path socket_ = folder / "probe";
+  // No file dialog begins in the real user's folder, and no printer of the machine is seen.
+  Environment home_{"HOME", (folder / "home").string()};
+  Environment printers_{"CUPS_SERVER", (folder / "no_printers").string()};
   Environment plugins_{"QT_PLUGIN_PATH", VRX_PROBE_DIR};
   Environment probe_{"QT_QPA_GENERIC_PLUGINS", "screenprobe"};
   Environment probe_socket_{"VRX_SCREEN_PROBE", socket_.string()};
