@@ -40,9 +40,13 @@ QMessageBox::StandardButtons ButtonsOf(Buttons buttons) {
   return QMessageBox::Ok;
 }
 
-// The going-on button, ahead of the one for the details whatever order the desktop gives them.
-QMessageBox::StandardButton DefaultOf(Buttons buttons) {
-  return buttons == Buttons::kYesNo ? QMessageBox::Yes : QMessageBox::Ok;
+// Set explicitly: the desktop's order of buttons might put the one for the details first.
+QMessageBox::StandardButton DefaultOf(const MessageBox& box) {
+  if (box.buttons == Buttons::kYesNo) {
+    return box.refuses_by_default ? QMessageBox::No : QMessageBox::Yes;
+  }
+  return box.buttons == Buttons::kOkCancel && box.refuses_by_default ? QMessageBox::Cancel
+                                                                    : QMessageBox::Ok;
 }
 
 Answer AnswerOf(int button) {
@@ -80,7 +84,7 @@ Answer QtOperator::ShowMessage(const MessageBox& box) {
   message.setTextFormat(Qt::PlainText);
   message.setText(ToScreenLines(box.text));
   message.setDetailedText(ToScreenLines(box.cause));
-  message.setDefaultButton(DefaultOf(box.buttons));
+  message.setDefaultButton(DefaultOf(box));
   MakeRoomForTitle(message);
   const Answer answer = AnswerOf(message.exec());
   SetBusy(was_busy);

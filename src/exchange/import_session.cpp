@@ -156,12 +156,16 @@ bool ImportSession::ConfirmUnits(const OpenDatabases& databases) {
   if (units == ports_.settings.SystemUnits() && units == databases.trans_db_uom) {
     return true;
   }
-  return ports_.op.ShowMessage({Icon::kCritical, Buttons::kOkCancel, "Weight Units Error",
-                                "The units-of-measure of the imported transaction file is not "
-                                "the same as the transaction database.\r\n\r\n"
-                                "Storing the current transactions will result in "
-                                "incorrect weight totals in the transaction database."
-                                "Do you wish to continue?"}) == Answer::kOk;
+  return ports_.op.ShowMessage(
+             {.icon = Icon::kCritical,
+              .buttons = Buttons::kOkCancel,
+              .title = "Weight Units Error",
+              .text = "The units-of-measure of the imported transaction file is not "
+                      "the same as the transaction database.\r\n\r\n"
+                      "Storing the current transactions will result in "
+                      "incorrect weight totals in the transaction database."
+                      "Do you wish to continue?",
+              .refuses_by_default = true}) == Answer::kOk;
 }
 
 }  // namespace vrx

@@ -111,8 +111,8 @@ bool RecipeDownloadSession::ConfirmOverwrite(const std::string& source) {
              {.icon = Icon::kQuestion,
               .buttons = Buttons::kYesNo,
               .title = "Overwrite KRM",
-              .text = "Are you sure you want to overwrite all data in the KRM module with " +
-                      source}) == Answer::kYes;
+              .text = "Are you sure you want to overwrite all data in the KRM module with " + source,
+              .refuses_by_default = true}) == Answer::kYes;
 }
 
 void RecipeDownloadSession::ShowInWindow(std::string text) {

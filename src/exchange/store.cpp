@@ -163,10 +163,13 @@ StoreOutcome TransactionStore::StoreImportedTransactions(const ImportedData& row
 
 bool TransactionStore::ConfirmDuplicate() {
   return operator_.ShowMessage(
-             {Icon::kQuestion, Buttons::kYesNo, "Duplicate Data",
-              "The current transaction data has already been stored in the active transaction "
-              "database. Are you sure you want to add the same data to the database again?"}) ==
-         Answer::kYes;
+             {.icon = Icon::kQuestion,
+              .buttons = Buttons::kYesNo,
+              .title = "Duplicate Data",
+              .text =
+                  "The current transaction data has already been stored in the active transaction "
+                  "database. Are you sure you want to add the same data to the database again?",
+              .refuses_by_default = true}) == Answer::kYes;
 }
 
 void TransactionStore::TellStopped(const std::string& reason, const StoreOutcome& outcome) {

@@ -18,6 +18,9 @@ struct MessageBox {
   // What lies behind the told words, for whoever looks closer ("is cut off: 8192 bytes instead of
   // 40960"). Empty where the text says it all.
   std::string cause = {};
+  // Enter presses the button that refuses. For a question whose other answer overwrites, repeats or
+  // relabels data.
+  bool refuses_by_default = false;
 };
 
 enum class StatusColor { kBlue, kRed, kGreen };  // busy, error, success

@@ -56,6 +56,7 @@ class FileDialogs : public ::testing::Test {
         question = std::make_unique<NextModal>([&, answer](QWidget& top) {
           if (auto* const box = qobject_cast<QMessageBox*>(&top)) {
             asked = true;
+            by_enter = box->standardButton(box->defaultButton());
             box->button(answer)->click();
             QTimer::singleShot(0, &files, &QDialog::reject);
           }
@@ -72,6 +73,7 @@ class FileDialogs : public ::testing::Test {
                     .default_extension = "QXT",
                     .flags = kOverwritePrompt | kHideReadOnly};
   bool asked = false;
+  QMessageBox::StandardButton by_enter = QMessageBox::NoButton;
 };
 
 TEST_F(FileDialogs, GivesPathAndFileName) {
@@ -152,6 +154,7 @@ TEST_F(FileDialogs, NameWithAnExtensionKeepsIt) { EXPECT_EQ(Save(u"NEW.TXT"_qs).
 TEST_F(FileDialogs, ExistingFileIsOverwrittenOnlyAfterAQuestion) {
   EXPECT_TRUE(SaveOver(u"OLD.QXT"_qs, QMessageBox::No).Cancelled());
   EXPECT_TRUE(asked);
+  EXPECT_EQ(by_enter, QMessageBox::No);
   EXPECT_EQ(SaveOver(u"OLD.QXT"_qs, QMessageBox::Yes).title, "OLD.QXT");
 }
 

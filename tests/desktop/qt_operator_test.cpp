@@ -70,6 +70,15 @@ TEST_F(OperatorBoxes, EnterPressesTheGoingOnButton) {
   EXPECT_EQ(shown.by_enter, QMessageBox::Yes);
 }
 
+TEST_F(OperatorBoxes, EnterPressesTheRefusingButtonOfAQuestionThatRefusesByDefault) {
+  Show({.buttons = Buttons::kYesNo, .title = "t", .text = "x", .refuses_by_default = true},
+       QMessageBox::No);
+  EXPECT_EQ(shown.by_enter, QMessageBox::No);
+  Show({.buttons = Buttons::kOkCancel, .title = "t", .text = "x", .refuses_by_default = true},
+       QMessageBox::Cancel);
+  EXPECT_EQ(shown.by_enter, QMessageBox::Cancel);
+}
+
 TEST_F(OperatorBoxes, IsWideEnoughForItsTitle) {
   const std::string title = "Open Transaction File Error of some length";
   Show({.title = title, .text = "x", .cause = "y"}, QMessageBox::Ok);

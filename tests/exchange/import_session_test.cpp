@@ -332,6 +332,7 @@ TEST_F(ImportSessionTest, OtherUnitsThanTheDatabasesAreAskedAboutAndCancelStops)
   EXPECT_FALSE(session_.ClickImportStore().complete);
   ASSERT_THAT(site_.op.boxes, SizeIs(1));
   EXPECT_EQ(site_.op.boxes[0].title, "Weight Units Error");
+  EXPECT_TRUE(site_.op.boxes[0].refuses_by_default);
   EXPECT_EQ(site_.op.boxes[0].icon, Icon::kCritical);
   EXPECT_EQ(site_.op.boxes[0].buttons, Buttons::kOkCancel);
   EXPECT_EQ(site_.op.boxes[0].text, kUnitsQuestion);

@@ -167,6 +167,7 @@ TEST_F(RecipeDownloadTest, DatabaseDownloadAsksByTheDatabasesName) {
             "Are you sure you want to overwrite all data in the KRM module with recipe data from "
             "the YARD.RDB database?");
   EXPECT_EQ(op.boxes[0].buttons, Buttons::kYesNo);
+  EXPECT_TRUE(op.boxes[0].refuses_by_default);
   EXPECT_EQ(op.beeps, 1);
   EXPECT_EQ(tab.file_path, path.string());
   EXPECT_EQ(op.busy_changes, 0);

@@ -234,6 +234,7 @@ TEST(StoreImportedTransactions, TheSecondPressAsksAndYesAddsAboveTheHighestOfTha
   EXPECT_TRUE(site.Store(rows).complete);
   ASSERT_THAT(site.op.boxes, SizeIs(1));
   EXPECT_EQ(site.op.boxes[0].title, "Duplicate Data");
+  EXPECT_TRUE(site.op.boxes[0].refuses_by_default);
   EXPECT_EQ(site.op.boxes[0].icon, Icon::kQuestion);
   EXPECT_EQ(site.op.boxes[0].buttons, Buttons::kYesNo);
   EXPECT_EQ(site.op.boxes[0].text,
