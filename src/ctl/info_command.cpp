@@ -28,6 +28,10 @@ Json Describe(const DatabaseSummary& summary) {
     object["ingredients"] = summary.recipe.ingredients;
     object["recipes"] = summary.recipe.recipes;
     object["pens"] = summary.recipe.pens;
+    // A whole database has no such key.
+    if (summary.missing.Any()) {
+      object["missing"] = ToText(summary.missing);
+    }
   } else {
     object["rows"] = summary.transaction.rows;
     object["transactions"] = summary.transaction.transactions;
@@ -60,7 +64,8 @@ class InfoCommand : public Command {
       return kFailed;
     }
     return session.OnDatabase(path, kind, [&] {
-      WriteObject(session.Out(), output_.Form(), Describe(ReadDatabaseSummary(path)));
+      const DatabaseSummary summary = ReadDatabaseSummary(path, session.Context().busy_timeout);
+      WriteObject(session.Out(), output_.Form(), Describe(summary));
       return kDone;
     });
   }

@@ -58,9 +58,8 @@ void SetKind(DatabaseSummary& summary, const std::string& type, const std::files
 
 }  // namespace
 
-DatabaseSummary ReadDatabaseSummary(const std::filesystem::path& path,
-                                    std::chrono::milliseconds busy_timeout) {
-  SQLite::Database database = OpenDatabase(path, Access::kRead, busy_timeout);
+DatabaseSummary ReadDatabaseSummary(const std::filesystem::path& path, LockWait wait) {
+  SQLite::Database database = OpenDatabase(path, Access::kRead, wait);
   return Translated(database, [&] {
     const SQLite::Transaction moment(database);
     DatabaseSummary summary;
@@ -70,6 +69,7 @@ DatabaseSummary ReadDatabaseSummary(const std::filesystem::path& path,
     summary.modified = ReadDateField(database, kModifiedField);
     if (summary.kind == DatabaseKind::kRecipe) {
       summary.recipe = CountRecords(database);
+      summary.missing = FindMissingRecords(database);
     } else {
       summary.transaction = CountTransactions(database);
     }

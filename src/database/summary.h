@@ -1,12 +1,12 @@
 #pragma once
 
-#include <chrono>
 #include <cstdint>
 #include <filesystem>
 #include <optional>
 #include <string>
 
 #include "database/connection.h"
+#include "database/missing_records.h"
 #include "database/schema.h"
 #include "platform/calendar.h"
 
@@ -34,12 +34,13 @@ struct DatabaseSummary {
   std::optional<Date> created;
   std::optional<Date> modified;
   RecipeCounts recipe;            // of a recipe database
+  MissingRecords missing;         // of a recipe database
   TransactionCounts transaction;  // of a transaction database
 };
 
 // Counted by the database in one pass at most; the whole stems from one moment. Throws
 // DatabaseError, also for a file whose marker is none of the four types.
 DatabaseSummary ReadDatabaseSummary(const std::filesystem::path& path,
-                                    std::chrono::milliseconds busy_timeout = kBusyTimeout);
+                                    LockWait wait = kBusyTimeout);
 
 }  // namespace vrx
