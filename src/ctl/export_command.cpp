@@ -77,7 +77,7 @@ class ExportCommand : public Command {
         ExportDriver(style_sheets)
             .ExportGroup(
                 {.grid = grid, .index = group.index, .text = group.item, .name = source_.Name()},
-                FormatOf(format_), out_, source_.Databases());
+                FormatOf(format_), out_, source_.Databases(session));
     TellExportOutcome(session.Op(), outcome);
     return outcome.done;
   }

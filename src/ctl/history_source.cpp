@@ -49,8 +49,10 @@ int HistorySource::Run(Session& session, const std::function<int(HistoryGrid&)>&
   });
 }
 
-OpenDatabases HistorySource::Databases() const {
-  return {.recipe_db_path = recipes_, .trans_db_path = transactions_, .trans_db_uom = {}};
+OpenDatabases HistorySource::Databases(const Session& session) const {
+  return {.recipe_db_path = recipes_,
+          .trans_db_path = transactions_,
+          .lock_wait = session.Context().busy_timeout};
 }
 
 void HistorySource::CheckUsage() const {

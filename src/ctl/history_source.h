@@ -30,7 +30,7 @@ class HistorySource {
   int Run(Session& session, const std::function<int(HistoryGrid&)>& work) const;
 
   const std::string& Name() const { return name_; }
-  OpenDatabases Databases() const;
+  OpenDatabases Databases(const Session& session) const;
 
  private:
   void CheckUsage() const;

@@ -119,12 +119,12 @@ class PrintCommand : public Command {
   }
 
   int PrintGroup(Session& session, HistoryGrid& grid) const {
-    const OpenDatabases databases = source_.Databases();
+    const OpenDatabases databases = source_.Databases(session);
     const std::string recipes = databases.recipe_db_path.string();
     ReportFacts facts = Facts(session);
     facts.transaction_file = FullPath(databases.trans_db_path.string());
     facts.recipe_file = FullPath(recipes);
-    facts.weight_unit = recipes.empty() ? "" : ReadDatabaseUoM(recipes);
+    facts.weight_unit = recipes.empty() ? "" : ReadDatabaseUoM(recipes, databases.lock_wait);
     grid.ApplyExpandState(!collapsed_);
     if (grid.RowCount() < 1) {
       return Refuse(session, Icon::kWarning, "There is no transaction data to be printed.");

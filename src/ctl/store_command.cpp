@@ -34,9 +34,11 @@ class StoreCommand : public Command {
       return kFailed;
     }
     return session.OnDatabase(transactions_, DatabaseKind::kTransaction, [&] {
-      ImportRoad road(session, {.recipe_db_path = recipes_,
-                                .trans_db_path = transactions_,
-                                .trans_db_uom = ReadDatabaseUoM(transactions_)});
+      ImportRoad road(
+          session, {.recipe_db_path = recipes_,
+                    .trans_db_path = transactions_,
+                    .trans_db_uom = ReadDatabaseUoM(transactions_, session.Context().busy_timeout),
+                    .lock_wait = session.Context().busy_timeout});
       return road.Import(file_) ? Store(session, road) : kFailed;
     });
   }

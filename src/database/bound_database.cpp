@@ -32,21 +32,21 @@ BoundDatabase Blank(BoundDatabase bound) {
 
 }  // namespace
 
-BoundDatabase BindUserDatabase(const fs::path& path, std::chrono::milliseconds busy_timeout) {
+BoundDatabase BindUserDatabase(const fs::path& path, LockWait wait) {
   try {
-    return Bound(OpenDatabase(path, Access::kWrite, busy_timeout), path);
+    return Bound(OpenDatabase(path, Access::kWrite, wait), path);
   } catch (const DatabaseError& error) {
     if ((error.Number() & kPrimaryCodeMask) != SQLITE_READONLY) {
       throw;
     }
-    BoundDatabase bound = Bound(OpenDatabase(path, Access::kRead, busy_timeout), path);
+    BoundDatabase bound = Bound(OpenDatabase(path, Access::kRead, wait), path);
     bound.read_only_note = error.what();
     return bound;
   }
 }
 
-BoundDatabase BindBlankTemplate(const fs::path& path, std::chrono::milliseconds busy_timeout) {
-  return Blank(Bound(OpenDatabase(path, Access::kRead, busy_timeout), path));
+BoundDatabase BindBlankTemplate(const fs::path& path, LockWait wait) {
+  return Blank(Bound(OpenDatabase(path, Access::kRead, wait), path));
 }
 
 BoundDatabase BindBlankInMemory(DatabaseKind kind) { return Blank(Bound(BlankInMemory(kind), {})); }

@@ -1,12 +1,12 @@
 #pragma once
 
-#include <chrono>
 #include <filesystem>
 #include <memory>
 #include <string>
 
 #include <SQLiteCpp/Database.h>
 
+#include "database/lock_wait.h"
 #include "database/schema.h"
 
 namespace vrx {
@@ -22,12 +22,10 @@ struct BoundDatabase {
 };
 
 // A user's file, for writing where that is allowed. Throws DatabaseError; so do the next two.
-BoundDatabase BindUserDatabase(const std::filesystem::path& path,
-                               std::chrono::milliseconds busy_timeout);
+BoundDatabase BindUserDatabase(const std::filesystem::path& path, LockWait wait);
 
 // A template in the program's directory, for reading.
-BoundDatabase BindBlankTemplate(const std::filesystem::path& path,
-                                std::chrono::milliseconds busy_timeout);
+BoundDatabase BindBlankTemplate(const std::filesystem::path& path, LockWait wait);
 
 // Stands in for a template that cannot be read.
 BoundDatabase BindBlankInMemory(DatabaseKind kind);

@@ -172,17 +172,16 @@ void CheckWhole(SQLite::Database& database, const std::string& name) {
 
 }  // namespace
 
-SQLite::Database OpenDatabase(const fs::path& path, Access access,
-                              std::chrono::milliseconds busy_timeout) {
+SQLite::Database OpenDatabase(const fs::path& path, Access access, LockWait wait) {
   const std::string name = path.filename().string();
   RefuseMissing(path, name);
   try {
     // The engine goes back to reading by itself when the file is write-protected. An absolute path
     // keeps it from taking a name like ":memory:" for something else.
-    SQLite::Database database(fs::absolute(path), SQLite::OPEN_READWRITE,
-                              static_cast<int>(busy_timeout.count()));
+    SQLite::Database database(fs::absolute(path), SQLite::OPEN_READWRITE);
+    wait.ApplyTo(database.getHandle());
     RefuseOthers(ReadHead(database), name);
-    if (access == Access::kWrite && sqlite3_db_readonly(database.getHandle(), "main") == 1) {
+    if (access == Access::kWrite && IsWriteProtected(database)) {
       throw DatabaseError(SQLITE_READONLY, name + " may not be written: it is write-protected");
     }
     CheckWhole(database, name);
@@ -194,6 +193,10 @@ SQLite::Database OpenDatabase(const fs::path& path, Access access,
   } catch (const SQLite::Exception& error) {
     throw TranslateSqliteError(error, path);
   }
+}
+
+bool IsWriteProtected(const SQLite::Database& database) {
+  return sqlite3_db_readonly(database.getHandle(), "main") == 1;
 }
 
 }  // namespace vrx

@@ -27,9 +27,9 @@ namespace {
 // of any other file.
 class HeldFile {
  public:
-  HeldFile(const fs::path& path, std::chrono::milliseconds busy_timeout) {
+  HeldFile(const fs::path& path, LockWait wait) {
     try {
-      database_.emplace(OpenDatabase(path, Access::kRead, busy_timeout));
+      database_.emplace(OpenDatabase(path, Access::kRead, wait));
     } catch (const DatabaseError& error) {
       if (error.Number() == kTableLockedError) {
         throw;
@@ -63,10 +63,9 @@ void CopyBytes(const fs::path& source, ReplacingFile& copy) {
 
 }  // namespace
 
-void CopyDatabaseFile(const fs::path& source, const fs::path& target,
-                      std::chrono::milliseconds busy_timeout) {
-  { const HeldFile settled(target, busy_timeout); }
-  const HeldFile held(source, busy_timeout);
+void CopyDatabaseFile(const fs::path& source, const fs::path& target, LockWait wait) {
+  { const HeldFile settled(target, wait); }
+  const HeldFile held(source, wait);
   ReplacingFile copy(target);
   CopyBytes(source, copy);
   // A journal that another program left beside the old target would be played into the copy.

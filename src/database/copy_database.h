@@ -1,7 +1,8 @@
 #pragma once
 
-#include <chrono>
 #include <filesystem>
+
+#include "database/lock_wait.h"
 
 namespace vrx {
 
@@ -10,6 +11,6 @@ namespace vrx {
 // written in either file is settled first; a file that is no database of this system is copied as
 // it stands. Throws DatabaseError for a file that another program holds, and FileError.
 void CopyDatabaseFile(const std::filesystem::path& source, const std::filesystem::path& target,
-                      std::chrono::milliseconds busy_timeout);
+                      LockWait wait);
 
 }  // namespace vrx

@@ -7,6 +7,7 @@
 #include <SQLiteCpp/Column.h>
 #include <SQLiteCpp/Database.h>
 #include <SQLiteCpp/Statement.h>
+#include <SQLiteCpp/Transaction.h>
 #include <sqlite3.h>
 
 #include "database/one_row_table.h"
@@ -39,7 +40,7 @@ constexpr std::array kTypes{kNulRecipeDb, kNulTransDb, kUserRecipeDb, kUserTrans
 std::string DatabaseIdentity::GetDatabaseType(const fs::path& path) {
   std::string type;
   Trapped("Database-Type Error", [&] {
-    SQLite::Database database = OpenDatabase(path, Access::kRead, busy_timeout_);
+    SQLite::Database database = OpenDatabase(path, Access::kRead, lock_wait_);
     type = ReadField(database, kTypeField).value_or("");
   });
   return std::find(kTypes.begin(), kTypes.end(), type) == kTypes.end() ? std::string() : type;
@@ -47,7 +48,7 @@ std::string DatabaseIdentity::GetDatabaseType(const fs::path& path) {
 
 bool DatabaseIdentity::SetDatabaseType(const fs::path& path, std::string_view type) {
   return Trapped("Set Database-Type Error", [&] {
-    SQLite::Database database = OpenDatabase(path, Access::kWrite, busy_timeout_);
+    SQLite::Database database = OpenDatabase(path, Access::kWrite, lock_wait_);
     WriteField(database, kTypeField, type);
   });
 }
@@ -55,7 +56,7 @@ bool DatabaseIdentity::SetDatabaseType(const fs::path& path, std::string_view ty
 std::optional<Date> DatabaseIdentity::GetDatabaseDate(const fs::path& path, DateSelector selector) {
   std::optional<Date> date;
   Trapped("Database Date Read Error", [&] {
-    SQLite::Database database = OpenDatabase(path, Access::kRead, busy_timeout_);
+    SQLite::Database database = OpenDatabase(path, Access::kRead, lock_wait_);
     date = ReadDateField(database, DateField(selector));
   });
   return date;
@@ -64,16 +65,31 @@ std::optional<Date> DatabaseIdentity::GetDatabaseDate(const fs::path& path, Date
 bool DatabaseIdentity::SetDatabaseDate(const fs::path& path, DateSelector selector) {
   return Trapped("Database Date Write Error", [&] {
     const std::string today = StoredText(calendar_.Today());
-    SQLite::Database database = OpenDatabase(path, Access::kWrite, busy_timeout_);
+    SQLite::Database database = OpenDatabase(path, Access::kWrite, lock_wait_);
     WriteField(database, DateField(selector), today);
   });
 }
 
 bool DatabaseIdentity::SetDatabaseUoM(const fs::path& path, std::string_view unit) {
   return Trapped("Database UoM Write Error", [&] {
-    SQLite::Database database = OpenDatabase(path, Access::kWrite, busy_timeout_);
+    SQLite::Database database = OpenDatabase(path, Access::kWrite, lock_wait_);
     WriteField(database, kUnitField, unit);
   });
+}
+
+bool DatabaseIdentity::SetDatabaseUoM(SQLite::Database& database, std::string_view unit) {
+  return Trapped("Database UoM Write Error", [&] {
+    Translated(database, [&] {
+      SQLite::Transaction transaction(database, SQLite::TransactionBehavior::IMMEDIATE);
+      WriteField(database, kUnitField, unit);
+      DateChange(database);
+      transaction.commit();
+    });
+  });
+}
+
+void DatabaseIdentity::DateChange(SQLite::Database& database) const {
+  WriteField(database, DateField(DateSelector::kModified), StoredText(calendar_.Today()));
 }
 
 void DatabaseIdentity::ShowDatabaseError(int number, std::string_view title,
@@ -94,14 +110,15 @@ bool DatabaseIdentity::Trapped(std::string_view title, const std::function<void(
     body();
     return true;
   } catch (const std::exception& failure) {
+    failure_cause_ = failure.what();
     BeepIfEnabled(operator_, settings_);
     ShowDatabaseError(FailureNumber(failure), title, failure.what());
     return false;
   }
 }
 
-std::string ReadDatabaseUoM(const fs::path& path) {
-  SQLite::Database database = OpenDatabase(path, Access::kRead);
+std::string ReadDatabaseUoM(const fs::path& path, LockWait wait) {
+  SQLite::Database database = OpenDatabase(path, Access::kRead, wait);
   return ReadField(database, kUnitField).value_or("");
 }
 

@@ -1,11 +1,12 @@
 #pragma once
 
-#include <chrono>
 #include <filesystem>
 #include <functional>
 #include <optional>
 #include <string>
 #include <string_view>
+
+#include <SQLiteCpp/Database.h>
 
 #include "database/connection.h"
 #include "platform/calendar.h"
@@ -28,8 +29,8 @@ enum class DateSelector { kCreated = 1, kModified = 2 };
 class DatabaseIdentity {
  public:
   DatabaseIdentity(Operator& op, const Calendar& calendar, const PrivateINI& settings,
-                   std::chrono::milliseconds busy_timeout = kBusyTimeout)
-      : operator_(op), calendar_(calendar), settings_(settings), busy_timeout_(busy_timeout) {}
+                   LockWait wait = kBusyTimeout)
+      : operator_(op), calendar_(calendar), settings_(settings), lock_wait_(wait) {}
 
   // One of the four types; "" for another text in the file, without a box, and after a failure.
   std::string GetDatabaseType(const std::filesystem::path& path);
@@ -42,6 +43,18 @@ class DatabaseIdentity {
   bool SetDatabaseDate(const std::filesystem::path& path, DateSelector selector);
 
   bool SetDatabaseUoM(const std::filesystem::path& path, std::string_view unit);
+  // The same by the connection of an open database, dated as a change of it.
+  bool SetDatabaseUoM(SQLite::Database& database, std::string_view unit);
+
+  // Sets `Modified` to today inside the transaction of the change that it dates. Throws
+  // DatabaseError.
+  void DateChange(SQLite::Database& database) const;
+
+  // How its connections wait for locks; for routines that open their own beside them.
+  LockWait Wait() const { return lock_wait_; }
+
+  // What lay behind the failure that was told last; empty before the first one.
+  const std::string& FailureCause() const { return failure_cause_; }
 
   // A critical box with the words of that error number; `cause` goes with it.
   void ShowDatabaseError(int number, std::string_view title, std::string_view cause = {});
@@ -53,10 +66,11 @@ class DatabaseIdentity {
   Operator& operator_;
   const Calendar& calendar_;
   const PrivateINI& settings_;
-  std::chrono::milliseconds busy_timeout_;
+  LockWait lock_wait_;
+  std::string failure_cause_;
 };
 
 // The unit that a database holds, "" when none. Throws DatabaseError (no record without a row).
-std::string ReadDatabaseUoM(const std::filesystem::path& path);
+std::string ReadDatabaseUoM(const std::filesystem::path& path, LockWait wait = kBusyTimeout);
 
 }  // namespace vrx

@@ -26,7 +26,7 @@ HistoryTabs::HistoryTabs(Ports ports)
 OpenDatabases HistoryTabs::ExportDatabases() const {
   const BoundDatabase& recipes = ports_.databases.Bound(DatabaseKind::kRecipe);
   const BoundDatabase& transactions = ports_.databases.Bound(DatabaseKind::kTransaction);
-  OpenDatabases open;
+  OpenDatabases open{.lock_wait = ports_.identity.Wait()};
   if (!recipes.blank) {
     open.recipe_db_path = recipes.path;
   }

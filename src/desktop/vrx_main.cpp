@@ -3,6 +3,7 @@
 #include <QApplication>
 #include <QPushButton>
 #include <array>
+#include <chrono>
 #include <string>
 #include <utility>
 
@@ -45,15 +46,21 @@ constexpr std::array<std::pair<MainCommand, const char*>, 2> kTransferCommands{{
     {kTransferDownload, "cmdDownloadRecipeToKRM"},
 }};
 
+// What one action of the operator may wait for other programs' locks, in all. The window stands
+// still meanwhile; with what else the action does that stays below 2 s.
+constexpr std::chrono::milliseconds kLongestLockWait{1500};
+
 constexpr int kTwipsPerPixel = 15;  // 1440 to the inch, 96 logical pixels to the inch
 
 }  // namespace
 
 VrxMain::VrxMain(const Ports& ports)
     : ports_(ports),
+      lock_waits_(kLongestLockWait),
+      actions_([this] { lock_waits_.Renew(); }),
       window_(ports.settings, ports.calendar),
       delay_(ports.pump),
-      identity_(ports.op, ports.calendar, ports.settings),
+      identity_(ports.op, ports.calendar, ports.settings, lock_waits_),
       conversion_(window_, ports.files, ports.op),
       earlier_({.op = ports.op,
                 .files = ports.files,
@@ -74,7 +81,8 @@ VrxMain::VrxMain(const Ports& ports)
                   .commands = window_.Commands(),
                   .tabs = window_.Tabs(),
                   .window = window_,
-                  .earlier = &earlier_}),
+                  .earlier = &earlier_},
+                 lock_waits_),
       recent_(ports.user_settings, ports.settings, databases_),
       records_({.feed = {.op = ports.op,
                          .settings = ports.settings,
@@ -123,10 +131,10 @@ void VrxMain::Connect() {
   // Not from within the event: what is opened lets events run.
   connect(&window_, &MainWindow::Activated, this, &VrxMain::Activate, Qt::QueuedConnection);
   connect(&window_, &MainWindow::CloseRequested, this, [this] { ports_.exit.CloseBox(); });
-  connect(&window_, &MainWindow::StripFocused, this, [this] { databases_.TakeSystemUnits(); });
+  connect(&window_, &MainWindow::StripFocused, this, [this] { databases_.AskAboutUnits(); });
   window_.SetPrintSources([this] {
-    return PrintSources{.recipe_database = !databases_.Recipe().name.empty(),
-                        .transaction_database = !databases_.Transaction().name.empty(),
+    return PrintSources{.recipe_database = databases_.IsOpen(DatabaseKind::kRecipe),
+                        .transaction_database = databases_.IsOpen(DatabaseKind::kTransaction),
                         .transaction_file = !transfer_.Import().File().FileName().empty()};
   });
 }
@@ -157,6 +165,7 @@ void VrxMain::Load() {
                  "file. Please check all settings.",
          .cause = ports_.settings.FailureCause()});
   }
+  ports_.settings.TellRefusedUnit(ports_.op);
   databases_.CloseRecipeDatabase();
   databases_.CloseTransactionDatabase();
   window_.UpdateAutoAbbrevUI(ports_.settings.AutoAbbreviateOn());

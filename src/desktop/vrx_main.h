@@ -6,11 +6,13 @@
 #include "adapters/posix_program_runner.h"
 #include "database/identity.h"
 #include "database/lifecycle.h"
+#include "database/lock_wait.h"
 #include "database/recent_databases.h"
 #include "desktop/desktop_context.h"
 #include "desktop/history_tabs.h"
 #include "desktop/main_form.h"
 #include "desktop/main_window.h"
+#include "desktop/operator_actions.h"
 #include "desktop/print_commands.h"
 #include "desktop/qt_conversion_display.h"
 #include "desktop/record_tabs.h"
@@ -47,6 +49,8 @@ class VrxMain : public QObject, public MainForm {
 
   MainWindow& Window() { return window_; }
   DatabaseLifecycle& Databases() { return databases_; }
+  // What is left of it for the operator's present action.
+  const WaitBudget& LockWaits() const { return lock_waits_; }
 
   // MainForm.
   void Show() override { window_.show(); }
@@ -74,6 +78,8 @@ class VrxMain : public QObject, public MainForm {
   void ToggleAutoAbbreviate();
 
   Ports ports_;
+  WaitBudget lock_waits_;  // outlives every connection of the window
+  OperatorActions actions_;
   MainWindow window_;
   GeneralDelay delay_;
   DatabaseIdentity identity_;

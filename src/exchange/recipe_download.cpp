@@ -52,6 +52,13 @@ bool RecipeDownloadSession::DownloadRecipeDB() {
            "cmdOpenRecipeDB");
     return false;
   }
+  if (!database.read_only_note.empty()) {
+    Refuse(kDatabaseFileError,
+           "The Recipe database is read-only, and a download stores the recomputed lines in it: " +
+               database.read_only_note + ". Save it under another name first.",
+           "cmdOpenRecipeDB");
+    return false;
+  }
   if (!ConfirmOverwrite("recipe data from the " + database.name + " database?")) {
     return false;
   }
@@ -111,7 +118,8 @@ bool RecipeDownloadSession::ConfirmOverwrite(const std::string& source) {
              {.icon = Icon::kQuestion,
               .buttons = Buttons::kYesNo,
               .title = "Overwrite KRM",
-              .text = "Are you sure you want to overwrite all data in the KRM module with " + source,
+              .text =
+                  "Are you sure you want to overwrite all data in the KRM module with " + source,
               .refuses_by_default = true}) == Answer::kYes;
 }
 
@@ -131,7 +139,7 @@ bool RecipeDownloadSession::BuildFromDatabase(const CurrentDatabase& database) {
   try {
     RecipeDownload download = TakeRecipeDownload(
         database.path, ports_.settings.BatchTargetWtIsRecTargetOn(), ports_.calendar,
-        [this](std::string_view line) { AppendToWindow(line); });
+        [this](std::string_view line) { AppendToWindow(line); }, ports_.identity.Wait());
     ports_.host.RecipesStored(download.highest_in_use);
     ShowInWindow(std::move(download.text));
     return true;

@@ -23,8 +23,8 @@ void Store(SQLite::Database& database, const RecipeDownload& download, const Cal
 
 RecipeDownload TakeRecipeDownload(const std::filesystem::path& recipe_db_path, bool batch_target,
                                   const Calendar& calendar, const TellProgress& tell,
-                                  std::chrono::milliseconds busy_timeout) {
-  SQLite::Database database = OpenDatabase(recipe_db_path, Access::kWrite, busy_timeout);
+                                  LockWait wait) {
+  SQLite::Database database = OpenDatabase(recipe_db_path, Access::kWrite, wait);
   return Translated(database, [&] {
     SQLite::Transaction transaction(database, SQLite::TransactionBehavior::IMMEDIATE);
     RecipeDownload download = BuildRecipeDownload(ReadRecipeTables(database), batch_target, tell);

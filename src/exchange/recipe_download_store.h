@@ -1,6 +1,5 @@
 #pragma once
 
-#include <chrono>
 #include <filesystem>
 
 #include "database/connection.h"
@@ -16,6 +15,6 @@ namespace vrx {
 // Throws RecipeTextError, and DatabaseError, also for a database that may not be written.
 RecipeDownload TakeRecipeDownload(const std::filesystem::path& recipe_db_path, bool batch_target,
                                   const Calendar& calendar, const TellProgress& tell = {},
-                                  std::chrono::milliseconds busy_timeout = kBusyTimeout);
+                                  LockWait wait = kBusyTimeout);
 
 }  // namespace vrx

@@ -83,26 +83,31 @@ void CheckStillInPlace(SQLite::Database& database, const std::filesystem::path& 
   }
 }
 
-RecordNames ReadNames(const std::filesystem::path& recipe_db_path) {
+RecordNames ReadNames(const OpenDatabases& databases) {
   try {
-    SQLite::Database recipes = OpenDatabase(recipe_db_path, Access::kRead);
+    SQLite::Database recipes =
+        OpenDatabase(databases.recipe_db_path, Access::kRead, databases.lock_wait);
     return ReadRecordNames(recipes);
   } catch (const SQLite::Exception& error) {
-    throw TranslateSqliteError(error, recipe_db_path);
+    throw TranslateSqliteError(error, databases.recipe_db_path);
   }
 }
 
 // Throws DatabaseError and StoreRowError with nothing of the import stored.
 Copied CopyInOneTransaction(const ImportedData& rows, const OpenDatabases& databases,
-                            ProgressDisplay& progress) {
-  const RecordNames names = ReadNames(databases.recipe_db_path);
+                            const DatabaseIdentity& identity, ProgressDisplay& progress) {
+  const RecordNames names = ReadNames(databases);
   try {
-    SQLite::Database database = OpenDatabase(databases.trans_db_path, Access::kWrite);
+    SQLite::Database database =
+        OpenDatabase(databases.trans_db_path, Access::kWrite, databases.lock_wait);
     database.exec(kLargeCache);
     SQLite::Transaction transaction(database, SQLite::TransactionBehavior::IMMEDIATE);
     const std::int32_t base = ScanForBase(database, progress);
     CheckTransactionRange(rows, base);
     Copied copied = CopyRows(database, rows, names, base, progress);
+    if (copied.outcome.stored > 0) {
+      identity.DateChange(database);
+    }
     CheckStillInPlace(database, databases.trans_db_path);
     transaction.commit();
     return copied;
@@ -130,7 +135,7 @@ StoreOutcome TransactionStore::StoreImportedTransactions(const ImportedData& row
   }
   Copied copied;
   try {
-    copied = CopyInOneTransaction(rows, databases, progress_);
+    copied = CopyInOneTransaction(rows, databases, identity_, progress_);
   } catch (const DatabaseError& error) {
     progress_.SetProgressMessage({});
     identity_.ShowDatabaseError(error.Number(), kStoreErrorTitle,
@@ -150,7 +155,6 @@ StoreOutcome TransactionStore::StoreImportedTransactions(const ImportedData& row
   if (outcome.complete) {
     progress_.SetProgressMessage("Successfully copied imported records to Transaction database.");
   }
-  identity_.SetDatabaseDate(databases.trans_db_path, DateSelector::kModified);
   if (outcome.complete) {
     BeepIfEnabled(operator_, settings_);
     TellLeftOut(outcome.left_out);

@@ -97,8 +97,8 @@ class CsvWriter : public LevelVisitor {
 
 bool CSVExport::ExportData(int group, const std::filesystem::path& file,
                            const std::filesystem::path& transaction_database,
-                           std::span<const std::string> visible_columns,
-                           std::string_view name) const {
+                           std::span<const std::string> visible_columns, std::string_view name,
+                           LockWait wait) const {
   const ExportPlan* const plan = FindExportPlan(group);
   if (plan == nullptr) {
     return false;
@@ -107,7 +107,7 @@ bool CSVExport::ExportData(int group, const std::filesystem::path& file,
       ExportColumn(ingredients_)
           .IntializeExportColumn(plan->column_group, visible_columns)
           .value_or(ColumnDictionary());
-  LevelWalk walk(transaction_database, *plan, dictionary, name);
+  LevelWalk walk(transaction_database, *plan, dictionary, name, wait);
   LineFile lines(file);
   CsvWriter writer(*plan, dictionary, walk.Fields(), lines);
   writer.WriteHeader();

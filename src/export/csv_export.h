@@ -5,6 +5,7 @@
 #include <string>
 #include <string_view>
 
+#include "database/lock_wait.h"
 #include "exchange/ingredient_column_names.h"
 
 namespace vrx {
@@ -25,7 +26,8 @@ class CSVExport {
   // for a row that has no value in the first column.
   bool ExportData(int group, const std::filesystem::path& file,
                   const std::filesystem::path& transaction_database,
-                  std::span<const std::string> visible_columns, std::string_view name = {}) const;
+                  std::span<const std::string> visible_columns, std::string_view name = {},
+                  LockWait wait = kBusyTimeout) const;
 
  private:
   const IngredientColumnNames& ingredients_;

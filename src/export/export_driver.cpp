@@ -98,11 +98,12 @@ ExportOutcome ExportDriver::ExportGroup(const DataGroupOnShow& shown, ExportForm
   RefuseOpenDatabase(file, databases);
   if (format == ExportFormat::kCsv) {
     return {.done = CSVExport(names).ExportData(shown.index, file, databases.trans_db_path, visible,
-                                                shown.name)};
+                                                shown.name, databases.lock_wait)};
   }
   const auto write_xml = [&](const fs::path& xml) {
     return XMLExport(names, style_sheets_)
-        .ExportData(shown.index, xml, databases.trans_db_path, visible, shown.name);
+        .ExportData(shown.index, xml, databases.trans_db_path, visible, shown.name,
+                    databases.lock_wait);
   };
   return {.done = format == ExportFormat::kHtml ? ExportPage(shown.index, file, write_xml)
                                                 : write_xml(file)};

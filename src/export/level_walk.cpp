@@ -236,11 +236,11 @@ class Walker {
 }  // namespace
 
 LevelWalk::LevelWalk(const std::filesystem::path& transaction_database, const ExportPlan& plan,
-                     const ColumnDictionary& dictionary, std::string_view name)
+                     const ColumnDictionary& dictionary, std::string_view name, LockWait wait)
     : plan_(plan),
       name_(name),
       fields_(MakeFields(plan, dictionary)),
-      database_(OpenDatabase(transaction_database, Access::kRead)) {
+      database_(OpenDatabase(transaction_database, Access::kRead, wait)) {
   if (fields_.empty()) {
     throw Error("the data group shows no columns to export");
   }

@@ -12,6 +12,7 @@
 
 #include <SQLiteCpp/Database.h>
 
+#include "database/lock_wait.h"
 #include "export/export_column.h"
 #include "export/export_plan.h"
 #include "history/history_column.h"
@@ -65,7 +66,8 @@ class LevelWalk {
  public:
   // `name` is that of a group by name, else empty.
   LevelWalk(const std::filesystem::path& transaction_database, const ExportPlan& plan,
-            const ColumnDictionary& dictionary, std::string_view name);
+            const ColumnDictionary& dictionary, std::string_view name,
+            LockWait wait = kBusyTimeout);
 
   // The fields of a record in order: all of the dictionary in group 0, else those that the plan
   // does not exclude.

@@ -109,8 +109,8 @@ class XmlWriter : public LevelVisitor {
 
 bool XMLExport::ExportData(int group, const std::filesystem::path& file,
                            const std::filesystem::path& transaction_database,
-                           std::span<const std::string> visible_columns,
-                           std::string_view name) const {
+                           std::span<const std::string> visible_columns, std::string_view name,
+                           LockWait wait) const {
   style_sheets_.MakeExportFolder();
   const ExportPlan* const plan = FindExportPlan(group);
   if (plan == nullptr) {
@@ -121,7 +121,7 @@ bool XMLExport::ExportData(int group, const std::filesystem::path& file,
           .IntializeExportColumn(plan->column_group, visible_columns)
           .value_or(ColumnDictionary());
   {
-    LevelWalk walk(transaction_database, *plan, dictionary, name);
+    LevelWalk walk(transaction_database, *plan, dictionary, name, wait);
     ReplacingFile replacing(file);
     XmlWriter writer(dictionary, walk.Fields(), FindDataGroup(group)->stylesheet, replacing);
     walk.Walk(writer);

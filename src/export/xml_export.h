@@ -5,6 +5,7 @@
 #include <string>
 #include <string_view>
 
+#include "database/lock_wait.h"
 #include "exchange/ingredient_column_names.h"
 #include "export/style_sheet.h"
 
@@ -26,7 +27,8 @@ class XMLExport {
   // what it held before.
   bool ExportData(int group, const std::filesystem::path& file,
                   const std::filesystem::path& transaction_database,
-                  std::span<const std::string> visible_columns, std::string_view name = {}) const;
+                  std::span<const std::string> visible_columns, std::string_view name = {},
+                  LockWait wait = kBusyTimeout) const;
 
  private:
   const IngredientColumnNames& ingredients_;

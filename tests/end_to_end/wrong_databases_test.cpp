@@ -1,19 +1,23 @@
-#include <functional>
-#include <map>
+#include <chrono>
+#include <optional>
 #include <set>
+#include <thread>
+#include <utility>
 
 #include <SQLiteCpp/Database.h>
-#include <SQLiteCpp/Transaction.h>
 #include <gmock/gmock.h>
 
 #include "programs_fixture.h"
+#include "support/private_mounts.h"
 
 namespace vrx::testing {
 namespace {
 
 namespace fs = std::filesystem;
+using ::testing::EndsWith;
 using ::testing::HasSubstr;
 using ::testing::IsEmpty;
+using ::testing::StartsWith;
 
 class WrongDatabases : public ProgramsTest {
  protected:
@@ -92,21 +96,48 @@ TEST_F(WrongDatabases, OfTheOtherKindNameTheirMark) {
   EXPECT_THAT(result.err, HasSubstr("cause: T.TDB is marked USER_TRANS_DB\n"));
 }
 
-// The file is not read while it is locked: closing it would drop the locks of this process.
-TEST_F(WrongDatabases, ALockedOneIsToldAsLocked) {
+TEST_F(WrongDatabases, ALockedOneIsWaitedFor) {
   const std::string path = CopyOfSite("BUSY.RDB");
-  const std::string before = ReadAll(path);
-  {
-    SQLite::Database other(path, SQLite::OPEN_READWRITE);
-    const SQLite::Transaction lock(other, SQLite::TransactionBehavior::EXCLUSIVE);
-    for (const auto& args : Uses(path)) {
-      const Result result = Ctl(args);
-      EXPECT_EQ(result.code, 1) << args.front();
-      EXPECT_THAT(result.err, HasSubstr("A table in the specified database is locked."));
-      EXPECT_NE(CauseOf(result.err), "") << args.front();
-    }
+  std::optional<SQLite::Database> other(std::in_place, path, SQLite::OPEN_READWRITE);
+  other->exec("BEGIN EXCLUSIVE");
+  Program info(Bin("vrx2260ctl"), WithDataDir({"info", path}), folder.Path().string());
+  std::this_thread::sleep_for(std::chrono::milliseconds{300});
+  EXPECT_FALSE(info.Ended());
+  other.reset();
+  EXPECT_EQ(info.Wait(), 0) << info.Err();
+}
+
+TEST_F(WrongDatabases, OnADiskThatCannotBeWrittenCanBeRead) {
+  const std::string output = RunWithMounts(
+      R"(
+      mkdir -p "$1/disk"
+      mount -t tmpfs -o size=4m tmpfs "$1/disk"
+      cp "$3" "$1/disk/FIXED.RDB"
+      mount -o remount,bind,ro "$1/disk"
+      "$2" --data-dir "$1/data" info "$1/disk/FIXED.RDB" >/dev/null && echo "read"
+      "$2" --data-dir "$1/data" set pen "$1/disk/FIXED.RDB" 1 --name A01 || echo "exit $?"
+      umount "$1/disk")",
+      {folder.Path().string(), Bin("vrx2260ctl"), SitePath("SITE.RDB")});
+  EXPECT_THAT(output, StartsWith("read\n"));
+  EXPECT_THAT(output,
+              EndsWith("cause: FIXED.RDB may not be written: it is write-protected\nexit 1\n"));
+}
+
+TEST_F(WrongDatabases, NewOnesOnAFullOrReadOnlyDiskNameTheCauseAndThePath) {
+  for (const auto& [options, reason] : {std::pair{"size=4m,ro", "Read-only file system"},
+                                        std::pair{"size=16k", "No space left on device"}}) {
+    const std::string output = RunWithMounts(
+        R"(
+        mkdir -p "$1/disk"
+        mount -t tmpfs -o "$3" tmpfs "$1/disk"
+        "$2" --data-dir "$1/data" new recipe "$1/disk/YARD.RDB" || echo "exit $?"
+        ls "$1/disk"
+        umount "$1/disk")",
+        {folder.Path().string(), Bin("vrx2260ctl"), options});
+    EXPECT_THAT(output, HasSubstr("New recipe database file creation failed."));
+    EXPECT_THAT(output, EndsWith((folder / "disk/YARD.RDB").string() +
+                                 " cannot be written: " + reason + "\nexit 1\n"));
   }
-  EXPECT_TRUE(ReadAll(path) == before);
 }
 
 // A superuser may write everywhere: the tool runs with the rights of nobody, from a place that

@@ -138,15 +138,15 @@ TEST(StoreStorageFailure, AnyOtherFailureInTheMiddleLeavesNothingToo) {
   EXPECT_FALSE(site.stored_flag);
 }
 
-TEST(StoreStorageFailure, ADateThatCannotBeWrittenIsToldAndTheRowsStand) {
+TEST(StoreStorageFailure, ADateThatCannotBeWrittenLeavesNothingOfTheImport) {
   StoreSite site;
   Execute(site.databases.trans_db_path,
           "CREATE TRIGGER Stop BEFORE UPDATE ON History "
           "BEGIN SELECT RAISE(ABORT, 'stopped'); END");
-  EXPECT_TRUE(site.Store(FourRows()).complete);
-  EXPECT_EQ(site.LastBox().title, "Database Date Write Error");
-  EXPECT_THAT(site.Stored(), SizeIs(4));
-  EXPECT_TRUE(site.stored_flag);
+  EXPECT_FALSE(site.Store(FourRows()).complete);
+  EXPECT_EQ(site.LastBox().title, "Transaction Store Error");
+  EXPECT_THAT(site.Stored(), IsEmpty());
+  EXPECT_FALSE(site.stored_flag);
 }
 
 // A store_process that is running; killed at the latest when this object goes.
