@@ -86,6 +86,7 @@ PrivateINI& Session::Settings() {
                                      "the applications INI file. Please check all settings.",
                              .cause = settings.FailureCause()});
     }
+    settings.TellRefusedUnit(operator_);
     settings_ = settings;
   }
   return *settings_;

@@ -150,11 +150,15 @@ bool PrivateINI::EnsureIniFile(const CPrivateINI& ini, Operator& op) {
 
 bool PrivateINI::ReadIniSettings(const CPrivateINI& ini) {
   failure_cause_.clear();
+  refused_unit_.clear();
   settings_read_ok_ = true;
   for (std::size_t key = 0; key < kRows.size(); ++key) {
     const KeyRow& row = kRows.at(key);
     std::string text;
     if (ini.ReadKey(row.section, row.key, text)) {
+      if (row.kind == Kind::kUnit && !IsUnit(UpperCase(text))) {
+        refused_unit_ = text;
+      }
       Let(key, text);
     } else {
       Let(key, row.default_text);
@@ -176,6 +180,18 @@ bool PrivateINI::WriteIniSettings(const CPrivateINI& ini) {
     written = WriteValue(ini, key) && written;
   }
   return written;
+}
+
+void PrivateINI::TellRefusedUnit(Operator& op) const {
+  if (refused_unit_.empty()) {
+    return;
+  }
+  op.ShowMessage({.icon = Icon::kWarning,
+                  .title = "INI File Error",
+                  .text = "The setting SystemUnits of the applications INI file is " +
+                          refused_unit_ +
+                          "; expected LB or KG. The system works in LB. Choose the weight units in "
+                          "the setup menu."});
 }
 
 std::array<std::string_view, PrivateINI::kSettingCount> PrivateINI::Keys() {
@@ -214,10 +230,8 @@ void PrivateINI::Let(std::size_t key, std::string_view text) {
     value = text;
     return;
   }
-  value = UpperCase(text);
-  if (!IsUnit(value)) {
-    value.clear();
-  }
+  const std::string upper = UpperCase(text);
+  value = IsUnit(upper) ? upper : std::string(kRows.at(key).default_text);
 }
 
 bool PrivateINI::WriteValue(const CPrivateINI& ini, std::size_t key) {

@@ -64,11 +64,15 @@ class PrivateINI {
   // What lay behind the first failure of the last ReadIniSettings or WriteIniSettings; else empty.
   const std::string& FailureCause() const { return failure_cause_; }
 
+  // Warns when the last ReadIniSettings found a SystemUnits that is neither "LB" nor "KG". The file
+  // keeps that text until the settings are written.
+  void TellRefusedUnit(Operator& op) const;
+
   const std::string& SerialPort() const { return Text(kSerialPort); }
   void SetSerialPort(std::string_view text) { Let(kSerialPort, text); }
   const std::string& KRMBaudRate() const { return Text(kKRMBaudRate); }
   void SetKRMBaudRate(std::string_view text) { Let(kKRMBaudRate, text); }
-  // "LB" or "KG"; letting anything else, whatever its case, leaves "".
+  // "LB" or "KG"; anything else that is let, whatever its case, counts as "LB".
   const std::string& SystemUnits() const { return Text(kSystemUnits); }
   void SetSystemUnits(std::string_view text) { Let(kSystemUnits, text); }
 
@@ -155,6 +159,7 @@ class PrivateINI {
   std::array<Value, kSettingCount> values_;
   bool settings_read_ok_ = false;
   std::string failure_cause_;
+  std::string refused_unit_;  // as it was read; empty for a unit
 };
 
 }  // namespace vrx

@@ -216,11 +216,11 @@ TEST_F(SetupFormTest, SettingsOutsideTheListsAreStoredAsTheyShow) {
   settings_.SetSystemUnits("");
   settings_.SetKRMBaudRate("4800");
   Setup([&](SetupForm& /*form*/) {
-    EXPECT_EQ(Of<QComboBox>(u"lstSystemUoM"_qs).currentIndex(), kNoSelection);
+    EXPECT_EQ(Of<QComboBox>(u"lstSystemUoM"_qs).currentText(), u"LB"_qs);
     EXPECT_EQ(Of<QComboBox>(u"lstBaudRate"_qs).currentText(), u"19200"_qs);
     ClickOn(u"cmdOK"_qs);
   });
-  EXPECT_EQ(settings_.SystemUnits(), "");
+  EXPECT_EQ(settings_.SystemUnits(), "LB");
   EXPECT_EQ(settings_.KRMBaudRate(), "19200");
 }
 

@@ -186,19 +186,27 @@ TEST_F(PrivateIniTest, ReadsUnitsInAnyCase) {
   EXPECT_EQ(ReadFrom(DefaultFileWith("SystemUnits=LB", "systemunits=kg")).SystemUnits(), "KG");
 }
 
-TEST_F(PrivateIniTest, AnUnknownUnitIsEmptyInMemoryAndNotHealed) {
-  const std::string file = DefaultFileWith("SystemUnits=LB", "SystemUnits=TON");
-  EXPECT_EQ(ReadFrom(file).SystemUnits(), "");
+TEST_F(PrivateIniTest, AUnitThatIsNeitherCountsAsPoundsAndIsReported) {
+  const std::string file = DefaultFileWith("SystemUnits=LB", "SystemUnits=Ton");
+  PrivateINI settings = ReadFrom(file);
+  EXPECT_EQ(settings.SystemUnits(), "LB");
   EXPECT_EQ(File(), file);
+  settings.TellRefusedUnit(op);
+  ASSERT_EQ(op.boxes.size(), 1U);
+  EXPECT_EQ(op.boxes[0].icon, Icon::kWarning);
+  EXPECT_EQ(op.boxes[0].title, "INI File Error");
+  EXPECT_EQ(op.boxes[0].text,
+            "The setting SystemUnits of the applications INI file is Ton; expected LB or KG. The "
+            "system works in LB. Choose the weight units in the setup menu.");
+  EXPECT_TRUE(settings.WriteIniSettings(Ini()));
+  EXPECT_EQ(File(), kDefaultFile);
 }
 
-TEST_F(PrivateIniTest, AnUnknownUnitIsStoredEmptyAtExitAndHealsToPoundsAtTheNextStart) {
-  PrivateINI settings = ReadFrom(DefaultFileWith("SystemUnits=LB", "SystemUnits=TON"));
-  EXPECT_TRUE(settings.WriteIniSettings(Ini()));
-  EXPECT_EQ(File(), DefaultFileWith("SystemUnits=LB", "SystemUnits="));
-  EXPECT_TRUE(settings.ReadIniSettings(Ini()));
-  EXPECT_EQ(settings.SystemUnits(), "LB");
-  EXPECT_EQ(File(), kDefaultFile);
+TEST_F(PrivateIniTest, NothingIsReportedOfAUnitThatIsOneOrIsMissing) {
+  for (const char* const line : {"SystemUnits=kg", "SystemUnits="}) {
+    ReadFrom(DefaultFileWith("SystemUnits=LB", line)).TellRefusedUnit(op);
+  }
+  EXPECT_TRUE(op.boxes.empty());
 }
 
 TEST_F(PrivateIniTest, LowerCaseYesReadsAsOffAndIsRewrittenAsNoAtExit) {
@@ -277,12 +285,12 @@ TEST_F(PrivateIniTest, AWriteThatFailsAltogetherIsTold) {
   EXPECT_THAT(settings.FailureCause(), HasSubstr("VRX-2260.INI"));
 }
 
-TEST_F(PrivateIniTest, LetOfUnitsUpperCasesAndEmptiesAllButPoundsAndKilograms) {
+TEST_F(PrivateIniTest, LetOfUnitsUpperCasesAndTakesAllButKilogramsForPounds) {
   PrivateINI settings;
   settings.SetSystemUnits("kg");
   EXPECT_EQ(settings.SystemUnits(), "KG");
   settings.SetSystemUnits("kgs");
-  EXPECT_EQ(settings.SystemUnits(), "");
+  EXPECT_EQ(settings.SystemUnits(), "LB");
   settings.SetSystemUnits("lb");
   EXPECT_EQ(settings.SystemUnits(), "LB");
 }

@@ -56,12 +56,12 @@ TEST_F(SetupControlsTest, PortBeyondTheListHasNoSelectionAndIsStoredEmpty) {
   }
 }
 
-TEST_F(SetupControlsTest, EmptyUnitHasNoSelectionAndStaysEmpty) {
+TEST_F(SetupControlsTest, UnitThatIsNeitherShowsAsPoundsAndIsStoredSo) {
   settings.SetSystemUnits("");
   controls = LoadSetupControls(settings);
-  EXPECT_EQ(controls.system_units, kNoSelection);
+  EXPECT_EQ(controls.SystemUnits(), "LB");
   Take();
-  EXPECT_EQ(settings.SystemUnits(), "");
+  EXPECT_EQ(settings.SystemUnits(), "LB");
 }
 
 TEST_F(SetupControlsTest, BaudRateOutsideTheListShowsAs19200AndIsStoredSo) {
