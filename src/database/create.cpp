@@ -18,6 +18,7 @@ namespace fs = std::filesystem;
 namespace {
 
 constexpr std::string_view kLineEnd = "\r\n";
+constexpr std::string_view kCreationError = "File Creation Error";
 
 std::string Joined(std::initializer_list<std::string_view> parts) {
   std::string text;
@@ -49,12 +50,17 @@ class Creation {
     if (!AcceptDatabaseName(wanted_.title, operator_) || !TemplateIsThere() || !TemplateCopied()) {
       return false;
     }
+    const CurrentDatabase before = current_;
     current_.name = UpperCase(wanted_.title);
     current_.path = wanted_.path;
     try {
-      if (CopyIsBlank() && MadeUserFile()) {
-        current_.unit = wanted_.unit;
-        return true;
+      if (CopyIsBlank()) {
+        if (MadeUserFile()) {
+          current_.unit = wanted_.unit;
+          return true;
+        }
+        current_ = before;
+        TellNotMade();
       }
     } catch (...) {
       std::error_code second_failure;  // the first one is told
@@ -90,16 +96,29 @@ class Creation {
   }
 
   bool TemplateCopied() {
-    const bool existed = FileExists(wanted_.path);
-    if (CopyFileNoOverwrite(TemplatePath(), wanted_.path)) {
+    std::error_code why;
+    if (CopyFileNoOverwrite(TemplatePath(), wanted_.path, &why)) {
       return true;
     }
-    Tell(Icon::kCritical, "File Creation Error",
-         Joined({"New ", words_.noun, " database file creation failed.", kLineEnd, kLineEnd,
-                 "A file by the name ", wanted_.title,
-                 " may already exist or there might be an invalid character in the name."}),
-         wanted_.path.string() + (existed ? " already exists" : " cannot be written"));
+    const std::string told =
+        Joined({"New ", words_.noun, " database file creation failed.", kLineEnd, kLineEnd,
+                "A file by the name ", wanted_.title,
+                " may already exist or there might be an invalid character in the name."});
+    const std::string path = wanted_.path.string();
+    if (why == std::errc::file_exists) {
+      Tell(Icon::kCritical, kCreationError, told, path + " already exists");
+    } else {
+      Tell(Icon::kCritical, kCreationError,
+           Joined({told, kLineEnd, kLineEnd, path, " cannot be written: ", why.message()}));
+    }
     return false;
+  }
+
+  // One of the routines of the identity has told what failed, but not of which file.
+  void TellNotMade() {
+    Tell(Icon::kCritical, kCreationError,
+         Joined({"New ", words_.noun, " database file creation failed.", kLineEnd, kLineEnd,
+                 wanted_.path.string(), " was not made: ", identity_.FailureCause()}));
   }
 
   bool CopyIsBlank() {

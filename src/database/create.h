@@ -16,6 +16,7 @@ struct CurrentDatabase {
   std::filesystem::path path;
   std::string name;  // file title in upper case
   std::string unit;
+  std::string read_only_note = {};  // why it may not be written, else empty
 };
 
 struct NewDatabase {
@@ -36,8 +37,8 @@ bool AcceptDatabaseName(const std::string& title, Operator& op);
 // creation. Whatever is in the way is told to the operator, and false comes back; the chosen path
 // then holds what it held before.
 //
-// Path and name of `current` are set as soon as the copy stands, and stay set when it turns out to
-// be no template; its unit follows with a good one. On success the pointer is the hourglass, which
+// Path and name of `current` are set once the copy exists, and stay set when it turns out to be no
+// template; its unit follows with a good one. On success the pointer is the hourglass, which
 // the caller takes back once its views are bound.
 bool CreateDatabase(const NewDatabase& wanted, DatabaseIdentity& identity, Operator& op,
                     CurrentDatabase& current);

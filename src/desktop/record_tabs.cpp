@@ -42,8 +42,7 @@ RecordPorts RecordTabs::PagePorts() {
   return {.feed = ports_.feed,
           .delay = ports_.delay,
           .abbreviation = abbreviation_,
-          .record_loaded = [this] { CountLoaded(); },
-          .record_changed = [this] { TellUndated(); }};
+          .record_loaded = [this] { CountLoaded(); }};
 }
 
 void RecordTabs::Add(int tab, RecordPage* page) {
@@ -56,6 +55,12 @@ void RecordTabs::Add(int tab, RecordPage* page) {
   });
   connect(page, &RecordPage::CancelAllowed, this, [this](bool allowed) {
     ports_.window.Panels().PicAction().Button(kActionCancel).setEnabled(allowed);
+  });
+  // Of all pages: they show the same database.
+  connect(page, &RecordPage::WritingAllowed, this, [this](bool allowed) {
+    for (const int button : {kActionUpdate, kActionDefault}) {
+      ports_.window.Panels().PicAction().Button(button).setEnabled(allowed);
+    }
   });
 }
 
@@ -95,13 +100,6 @@ void RecordTabs::CountLoaded() {
     const bool loading = loaded_ / kRecordsPerText % 2 == 0;
     ports_.window.SetStatusPanel(DatabaseKind::kRecipe, kPanelName,
                                  loading ? "Standby... Loading" : "Standby...");
-  }
-}
-
-// After a Save As the database on show has no path, and no change of it can be dated by that.
-void RecordTabs::TellUndated() {
-  if (ports_.databases.Recipe().path.empty()) {
-    ports_.databases.TouchRecipeDatabase();
   }
 }
 

@@ -43,7 +43,6 @@ class RecordTabs : public QObject {
   void Act(int button);
   void Navigate(int button);
   void CountLoaded();
-  void TellUndated();
 
   Ports ports_;
   AutoAbbreviation abbreviation_;

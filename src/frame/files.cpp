@@ -25,22 +25,24 @@ bool FileExists(const fs::path& path) {
   return fs::exists(path, ignored);
 }
 
-bool CopyFileNoOverwrite(const fs::path& source, const fs::path& destination) {
-  if (FileExists(destination)) {
-    return false;
-  }
-  std::error_code error;
-  fs::copy_file(source, destination, error);
-  std::error_code ignored;
-  if (error) {
-    if (error != std::errc::file_exists) {
+bool CopyFileNoOverwrite(const fs::path& source, const fs::path& destination,
+                         std::error_code* why) {
+  std::error_code error =
+      FileExists(destination) ? std::make_error_code(std::errc::file_exists) : std::error_code();
+  if (!error) {
+    fs::copy_file(source, destination, error);
+    std::error_code ignored;
+    if (!error) {
+      // The copy is the user's own, even of a template that is installed read-only.
+      fs::permissions(destination, fs::perms::owner_write, fs::perm_options::add, ignored);
+    } else if (error != std::errc::file_exists) {
       fs::remove(destination, ignored);
     }
-    return false;
   }
-  // The copy is the user's own, even of a template that is installed read-only.
-  fs::permissions(destination, fs::perms::owner_write, fs::perm_options::add, ignored);
-  return true;
+  if (why != nullptr) {
+    *why = error;
+  }
+  return !error;
 }
 
 std::string ReadFileBytes(const fs::path& path, std::size_t limit) {

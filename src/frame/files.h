@@ -4,6 +4,7 @@
 #include <filesystem>
 #include <string>
 #include <string_view>
+#include <system_error>
 
 #include "frame/error.h"
 
@@ -18,9 +19,10 @@ class FileError : public Error {
 // True if the path names anything, hidden files included.
 bool FileExists(const std::filesystem::path& path);
 
-// Copies; false, with nothing changed, when the destination exists or the copy fails.
+// Copies; false, with nothing changed, when the destination exists or the copy fails. `why` then
+// gets the system's reason, "File exists" in the first case.
 bool CopyFileNoOverwrite(const std::filesystem::path& source,
-                         const std::filesystem::path& destination);
+                         const std::filesystem::path& destination, std::error_code* why = nullptr);
 
 // The bytes of a file; throws FileError. Reads at most `limit` bytes: a longer file gives its first
 // `limit` + 1, so that the caller can tell.

@@ -13,6 +13,7 @@ namespace {
 
 namespace fs = std::filesystem;
 using ::testing::ElementsAre;
+using ::testing::EndsWith;
 using ::testing::IsEmpty;
 using ::testing::SizeIs;
 
@@ -150,7 +151,8 @@ TEST_P(Create, TellsThatTheFolderCannotBeWritten) {
   EXPECT_FALSE(Run(wanted));
   ASSERT_THAT(operator_.boxes, SizeIs(1));
   EXPECT_EQ(operator_.boxes[0].title, "File Creation Error");
-  EXPECT_EQ(operator_.boxes[0].cause, wanted.path.string() + " cannot be written");
+  EXPECT_THAT(operator_.boxes[0].text, EndsWith("\r\n\r\n" + wanted.path.string() +
+                                                " cannot be written: No such file or directory"));
   ExpectUntouched();
 }
 
@@ -197,8 +199,15 @@ TEST_P(Create, ADamagedTemplateIsToldTwiceAndItsCopyDeleted) {
 TEST_P(Create, ACopyThatCannotBecomeAUsersFileIsDeleted) {
   Alter(Template(), "DROP TABLE UnitsOfMeasure");
   EXPECT_FALSE(Run(Wanted("YARD")));
-  ExpectOneBox(Icon::kCritical, "Database UoM Write Error",
-               "There is an invalid table in the specified database.");
+  ASSERT_THAT(operator_.boxes, SizeIs(2));
+  EXPECT_EQ(operator_.boxes[0].title, "Database UoM Write Error");
+  EXPECT_EQ(operator_.boxes[0].text, "There is an invalid table in the specified database.");
+  EXPECT_EQ(operator_.boxes[1].icon, Icon::kCritical);
+  EXPECT_EQ(operator_.boxes[1].title, "File Creation Error");
+  EXPECT_EQ(operator_.boxes[1].text,
+            "New " + GetParam().noun + " database file creation failed.\r\n\r\n" +
+                (data_ / Title("YARD")).string() + " was not made: " + operator_.boxes[0].cause);
+  EXPECT_TRUE(current_.path.empty());
   EXPECT_THAT(FileNames(data_), IsEmpty());
   EXPECT_FALSE(operator_.busy);
   EXPECT_EQ(current_.unit, "");

@@ -31,8 +31,6 @@ class LifecycleOfOpenFiles : public LifecycleSite {
 class CloseRecipeDatabase : public LifecycleOfOpenFiles {};
 class CloseTransactionDatabase : public LifecycleOfOpenFiles {};
 class SaveDatabase : public LifecycleOfOpenFiles {};
-class TouchDatabases : public LifecycleOfOpenFiles {};
-class TakeSystemUnits : public LifecycleOfOpenFiles {};
 class ReleaseDatabases : public LifecycleOfOpenFiles {};
 
 TEST_F(CloseRecipeDatabase, MovesTheViewsToTheBlankTemplateInOrder) {
@@ -111,46 +109,19 @@ TEST_F(SaveDatabase, WritesNothing) {
 }
 
 TEST_F(SaveDatabase, ShowsTheDatesAnew) {
-  EXPECT_TRUE(databases_.TouchRecipeDatabase());
+  EXPECT_TRUE(identity_.SetDatabaseDate(recipes_, DateSelector::kModified));
   EXPECT_THAT(window_.Panels(kRecipe), ElementsAre("YARD.RDB", "LB", "3/1/2025", ""));
   databases_.SaveRecipeDatabase();
   EXPECT_THAT(window_.Panels(kRecipe), ElementsAre("YARD.RDB", "LB", "3/1/2025", "1/5/2026"));
 }
 
-TEST_F(TouchDatabases, SetModifiedOfTheFileThatIsOpenInTheWindow) {
-  EXPECT_TRUE(databases_.TouchRecipeDatabase());
-  EXPECT_TRUE(databases_.TouchTransactionDatabase());
-  EXPECT_THAT(Ask(recipes_, "SELECT Modified FROM History"), ElementsAre("2026-01-05"));
-  EXPECT_THAT(Ask(transactions_, "SELECT Modified FROM History"), ElementsAre("2026-01-05"));
-  EXPECT_THAT(Ask(recipes_, "SELECT Created FROM History"), ElementsAre("2025-03-01"));
-}
-
-TEST_F(TouchDatabases, TellThatNoFileIsOpen) {
-  databases_.CloseTransactionDatabase();
-  EXPECT_FALSE(databases_.TouchTransactionDatabase());
-  EXPECT_THAT(BoxTitles(), ElementsAre("Database Date Write Error"));
-}
-
-TEST_F(TakeSystemUnits, RelabelsBothFilesWithoutAWord) {
-  settings_.SetSystemUnits("KG");
-  databases_.TakeSystemUnits();
-  EXPECT_THAT(diary_, ElementsAre("panel recipe 4 [KG]", "unit recipe [KG]",
-                                  "panel transaction 4 [KG]", "unit transaction [KG]"));
-  EXPECT_EQ(databases_.Recipe().unit, "KG");
-  EXPECT_EQ(databases_.Transaction().unit, "KG");
-  EXPECT_THAT(Ask(recipes_, "SELECT UoM FROM UnitsOfMeasure"), ElementsAre("KG"));
-  EXPECT_THAT(Ask(transactions_, "SELECT UoM FROM UnitsOfMeasure"), ElementsAre("KG"));
-}
-
-TEST_F(TakeSystemUnits, LeavesFilesOfTheSystemsUnitAndClosedOnesAlone) {
-  databases_.TakeSystemUnits();
-  EXPECT_THAT(diary_, IsEmpty());
-  databases_.CloseRecipeDatabase();
-  databases_.CloseTransactionDatabase();
-  settings_.SetSystemUnits("KG");
-  diary_.clear();
-  databases_.TakeSystemUnits();
-  EXPECT_THAT(diary_, IsEmpty());
+TEST_F(SaveDatabase, ThatCannotBeOpenedAgainStaysOpen) {
+  Alter(transactions_, "UPDATE BrantockDatabase SET dBType = 'OTHER'");
+  databases_.SaveTransactionDatabase();
+  EXPECT_THAT(diary_, ElementsAre("box Invalid Database"));
+  EXPECT_EQ(BoundName(kTransaction), "Y2026.TDB");
+  EXPECT_EQ(databases_.Transaction().path, transactions_);
+  EXPECT_TRUE(commands_.On("mnuFileSaveTransactionDB"));
 }
 
 TEST_F(ReleaseDatabases, LetsViewsGoAheadOfTheirConnections) {

@@ -82,7 +82,7 @@ TEST_F(LifecycleFaults, AFileThatVanishesBetweenDialogAndOpenIsToldTwice) {
   databases_.BrowseRecipeDatabase();
   ASSERT_THAT(BoxTitles(), ElementsAre("Database-Type Error", "Invalid Database"));
   EXPECT_EQ(operator_.boxes[0].text, "Error: " + std::to_string(SQLITE_CANTOPEN));
-  EXPECT_EQ(databases_.Recipe().path, path);
+  EXPECT_NE(databases_.Recipe().path, path);
   EXPECT_EQ(BoundName(kRecipe), "EARLIER.RDB");
   EXPECT_FALSE(fs::exists(path));
 }
@@ -94,13 +94,20 @@ TEST_F(LifecycleFaults, AFileWithoutTheTableOfAViewMovesTheViewsBack) {
   ASSERT_THAT(BoxTitles(), ElementsAre("Open Recipe File Error"));
   EXPECT_EQ(operator_.boxes[0].icon, Icon::kCritical);
   EXPECT_EQ(operator_.boxes[0].text, "Error: -2147217865");
-  EXPECT_EQ(BoundName(kRecipe), "EARLIER.RDB");
-  EXPECT_EQ(window_.views[kRecipe], databases_.Bound(kRecipe).connection.get());
   EXPECT_EQ(databases_.Recipe().unit, "LB");
-  EXPECT_TRUE(commands_.On("mnuFileSaveRecipeDB"));
-  // The pointer and the status bar stay as the failure found them.
-  EXPECT_TRUE(operator_.busy);
-  EXPECT_THAT(window_.Panels(kRecipe), ElementsAre("Standby... Loading", "", "", ""));
+  ExpectEarlierStays();
+}
+
+TEST_F(LifecycleFaults, AFileWhoseRecordsCannotBeListedMovesTheViewsBack) {
+  chooser_.Choose(MakeUserFile("PART.RDB", kRecipe, "KG"));
+  window_.on_load_id_lists = [] { throw DatabaseError(SQLITE_IOERR, "the disk is gone"); };
+  databases_.BrowseRecipeDatabase();
+  ASSERT_THAT(BoxTitles(), ElementsAre("Open Recipe File Error"));
+  EXPECT_EQ(operator_.boxes[0].cause, "the disk is gone");
+  EXPECT_EQ(databases_.Recipe().name, "");
+  EXPECT_EQ(databases_.Recipe().unit, "LB");
+  EXPECT_EQ(window_.units[kRecipe], "LB");
+  ExpectEarlierStays();
 }
 
 TEST_F(LifecycleFaults, AFileWithoutItsUnitMovesNoView) {
@@ -157,10 +164,9 @@ TEST_F(LifecycleFaults, AWriteProtectedFileOpensForReadingWithANote) {
     const WithoutWritePermission protection(locked.Path());
     databases_.OpenRecipeDatabase(path, "PROT.RDB");
     EXPECT_THROW(window_.views[kRecipe]->exec("UPDATE Pen SET Name = 'X'"), SQLite::Exception);
-    databases_.Recall(kRecipe, path, "PROT.RDB");
-    EXPECT_FALSE(databases_.TouchRecipeDatabase());
   }
-  EXPECT_THAT(BoxTitles(), ElementsAre("Database Date Write Error"));
+  EXPECT_THAT(BoxTitles(), IsEmpty());
+  EXPECT_THAT(window_.Panels(kRecipe), ElementsAre("PROT.RDB (read-only)", "LB", "3/1/2025", ""));
   EXPECT_EQ(BoundName(kRecipe), "PROT.RDB");
   EXPECT_FALSE(databases_.Bound(kRecipe).blank);
   EXPECT_THAT(databases_.Bound(kRecipe).read_only_note,
@@ -215,7 +221,6 @@ TEST_F(LifecycleFaults, AFailureOfATabIsToldUnderTheRoutinesTitle) {
 
 TEST_F(LifecycleFaults, ASaveAsOfAFileInUseByAnotherProgramLeavesTheTarget) {
   const fs::path target = folder_.Write("TARGET.RDB", "somebody's work");
-  databases_.Recall(kRecipe, earlier_, "EARLIER.RDB");
   chooser_.Choose(target);
   std::optional<ExclusiveHolder> holder;
   // As soon as the window has let go of it.

@@ -8,6 +8,7 @@ namespace {
 
 namespace fs = std::filesystem;
 using ::testing::ElementsAre;
+using ::testing::HasSubstr;
 using ::testing::IsEmpty;
 using ::testing::SizeIs;
 
@@ -84,27 +85,29 @@ TEST_F(NewTransactionDatabase, AsksForAFileInTheDataFolder) {
   EXPECT_EQ(chooser_.dialogs[0].start_folder, common_ / "Brantock" / "VRX-2260");
 }
 
-TEST_F(NewRecipeDatabase, LeavesTheCommandsOfBothOffAfterACancel) {
+TEST_F(NewRecipeDatabase, ACancelLeavesTheCommandsOfBothAsTheyAre) {
   databases_.OpenRecipeDatabase(MakeUserFile("OLD.RDB", kRecipe), "OLD.RDB");
   databases_.OpenTransactionDatabase(MakeUserFile("OLD.TDB", kTransaction), "OLD.TDB");
   chooser_.Cancel();
   databases_.NewRecipeDatabase();
-  EXPECT_FALSE(commands_.On("mnuFileCloseRecipeDB"));
-  EXPECT_FALSE(commands_.On("mnuFileSaveTransactionDB"));
-  EXPECT_FALSE(commands_.On("mnuFileSave"));
-  EXPECT_FALSE(commands_.TabOn(4));
-  EXPECT_EQ(tabs_.TabOnShow(), 3);
+  for (const char* command : {"mnuFileCloseRecipeDB", "mnuFileSaveTransactionDB", "mnuFileSave"}) {
+    EXPECT_TRUE(commands_.On(command)) << command;
+  }
+  EXPECT_TRUE(commands_.TabOn(kTabIngredients));
+  EXPECT_TRUE(commands_.TabOn(kTabBatchedFed));
+  EXPECT_EQ(tabs_.TabOnShow(), kTabDataTransfer);
   EXPECT_EQ(BoundName(kRecipe), "OLD.RDB");
   EXPECT_EQ(BoundName(kTransaction), "OLD.TDB");
 }
 
-TEST_F(NewRecipeDatabase, DoesNotBringTheOtherDatabasesCommandsBack) {
+TEST_F(NewRecipeDatabase, LeavesTheCommandsOfTheOtherDatabaseAsTheyAre) {
   databases_.OpenTransactionDatabase(MakeUserFile("OLD.TDB", kTransaction), "OLD.TDB");
   Choose("YARD.RDB");
   databases_.NewRecipeDatabase();
   EXPECT_TRUE(commands_.On("mnuFileSaveRecipeDB"));
-  EXPECT_FALSE(commands_.On("mnuFileSaveTransactionDB"));
-  EXPECT_FALSE(commands_.TabOn(4));
+  EXPECT_TRUE(commands_.On("mnuFileSaveTransactionDB"));
+  EXPECT_TRUE(commands_.TabOn(kTabBatchedFed));
+  EXPECT_TRUE(commands_.TabOn(kTabExport));
   EXPECT_EQ(BoundName(kTransaction), "OLD.TDB");
 }
 
@@ -186,10 +189,26 @@ TEST_F(NewRecipeDatabase, TellsAFailureOfTheViewsAndMovesThemBack) {
   EXPECT_EQ(operator_.boxes[0].cause, "the disk is gone");
   EXPECT_EQ(window_.views[kRecipe], databases_.Bound(kRecipe).connection.get());
   EXPECT_EQ(BoundName(kRecipe), "QXNULRDB.MDB");
-  // The pointer and the status bar stay as the failure found them.
-  EXPECT_TRUE(operator_.busy);
-  EXPECT_THAT(window_.Panels(kRecipe), ElementsAre("Standby...", "", "", ""));
+  EXPECT_FALSE(operator_.busy);
+  EXPECT_THAT(window_.Panels(kRecipe), ElementsAre("", "", "", ""));
+  EXPECT_EQ(databases_.Recipe().name, "");
   EXPECT_FALSE(commands_.On("mnuFileCloseRecipeDB"));
+}
+
+TEST_F(NewRecipeDatabase, ThatCannotBecomeAUsersFileLeavesTheOpenOneInTheStatusBar) {
+  const fs::path open = MakeUserFile("OLD.RDB", kRecipe);
+  chooser_.Choose(open);
+  databases_.BrowseRecipeDatabase();
+  fs::permissions(Template(kRecipe), fs::perms::owner_write, fs::perm_options::add);
+  Alter(Template(kRecipe), "DROP TABLE UnitsOfMeasure");
+  const fs::path path = Choose("YARD.RDB");
+  databases_.NewRecipeDatabase();
+  EXPECT_THAT(BoxTitles(), ElementsAre("Database UoM Write Error", "File Creation Error"));
+  EXPECT_THAT(operator_.boxes[1].text, HasSubstr(path.string() + " was not made: "));
+  EXPECT_FALSE(fs::exists(path));
+  EXPECT_THAT(window_.Panels(kRecipe), ElementsAre("OLD.RDB", "LB", "3/1/2025", ""));
+  EXPECT_EQ(databases_.Recipe().path, open);
+  EXPECT_FALSE(operator_.busy);
 }
 
 TEST_F(NewTransactionDatabase, TellsAFailureOfTheViewsUnderItsOwnTitle) {

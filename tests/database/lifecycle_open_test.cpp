@@ -81,21 +81,28 @@ TEST_F(BrowseTransactionDatabase, AsksAtOnceAndOpens) {
   EXPECT_EQ(chooser_.dialogs[0].flags, 0x41004U);
 }
 
-TEST_F(BrowseRecipeDatabase, ACancelLeavesTheCommandsOfBothOffUntilTheNextOpen) {
-  const fs::path recipes = MakeUserFile("YARD.RDB", kRecipe);
-  databases_.OpenRecipeDatabase(recipes, "YARD.RDB");
+TEST_F(BrowseRecipeDatabase, ACancelLeavesTheCommandsOfBothAsTheyAre) {
+  databases_.OpenRecipeDatabase(MakeUserFile("YARD.RDB", kRecipe), "YARD.RDB");
   databases_.OpenTransactionDatabase(MakeUserFile("OLD.TDB", kTransaction), "OLD.TDB");
   chooser_.Cancel();
   databases_.BrowseRecipeDatabase();
   for (const char* command : {"mnuFileClose", "mnuFileSave", "Save", "mnuFileSaveAs",
                               "mnuEditRecipe", "mnuViewTransactionFile"}) {
-    EXPECT_FALSE(commands_.On(command)) << command;
+    EXPECT_TRUE(commands_.On(command)) << command;
   }
   EXPECT_EQ(BoundName(kRecipe), "YARD.RDB");
   EXPECT_EQ(BoundName(kTransaction), "OLD.TDB");
-  databases_.OpenRecipeDatabase(recipes, "YARD.RDB");
-  EXPECT_TRUE(commands_.On("mnuFileSaveRecipeDB"));
-  EXPECT_FALSE(commands_.On("mnuFileSaveTransactionDB"));
+}
+
+TEST_F(BrowseRecipeDatabase, LeavesTheTabsAndCommandsOfTheTransactionDatabaseAsTheyAre) {
+  databases_.OpenTransactionDatabase(MakeUserFile("OLD.TDB", kTransaction), "OLD.TDB");
+  chooser_.Choose(MakeUserFile("YARD.RDB", kRecipe));
+  databases_.BrowseRecipeDatabase();
+  for (const int tab : {kTabIngredients, kTabRecipes, kTabPens, kTabBatchedFed, kTabExport}) {
+    EXPECT_TRUE(commands_.TabOn(tab)) << tab;
+  }
+  EXPECT_TRUE(commands_.On("mnuFileSaveTransactionDB"));
+  EXPECT_TRUE(commands_.On("mnuViewTransactionFile"));
 }
 
 TEST_F(BrowseTransactionDatabase, ACancelChangesNothing) {
@@ -105,12 +112,11 @@ TEST_F(BrowseTransactionDatabase, ACancelChangesNothing) {
   EXPECT_EQ(databases_.Transaction().name, "");
 }
 
-TEST_F(BrowseRecipeDatabase, ARefusedFileIsNamedWhileTheEarlierOneStaysBound) {
-  const fs::path earlier = MakeUserFile("YARD.RDB", kRecipe);
-  chooser_.Choose(earlier);
+TEST_F(BrowseRecipeDatabase, ARefusedFileChangesNothingAndTheNextSaveKeepsTheOpenOne) {
+  const fs::path open = MakeUserFile("YARD.RDB", kRecipe);
+  chooser_.Choose(open);
   databases_.BrowseRecipeDatabase();
-  const fs::path wrong = MakeUserFile("WRONG.RDB", kTransaction);
-  chooser_.Choose(wrong);
+  chooser_.Choose(MakeUserFile("WRONG.RDB", kTransaction));
   databases_.BrowseRecipeDatabase();
   ASSERT_THAT(operator_.boxes, SizeIs(1));
   EXPECT_EQ(operator_.boxes[0].icon, Icon::kWarning);
@@ -118,17 +124,18 @@ TEST_F(BrowseRecipeDatabase, ARefusedFileIsNamedWhileTheEarlierOneStaysBound) {
   EXPECT_EQ(operator_.boxes[0].text,
             "The database file (WRONG.RDB) that you specified, is not a valid VRX-2260 recipe "
             "database.");
-  EXPECT_EQ(databases_.Recipe().path, wrong);
-  EXPECT_EQ(databases_.Recipe().name, "WRONG.RDB");
+  EXPECT_EQ(databases_.Recipe().path, open);
+  EXPECT_EQ(databases_.Recipe().name, "YARD.RDB");
   EXPECT_EQ(databases_.Recipe().unit, "LB");
   EXPECT_EQ(BoundName(kRecipe), "YARD.RDB");
   EXPECT_THAT(window_.Panels(kRecipe), ElementsAre("YARD.RDB", "LB", "3/1/2025", ""));
+  EXPECT_TRUE(commands_.On("mnuFileCloseRecipeDB"));
+  EXPECT_TRUE(commands_.TabOn(kTabRecipes));
 
   databases_.SaveRecipeDatabase();
-  EXPECT_THAT(BoxTitles(), ElementsAre("Invalid Database", "Invalid Database"));
-  EXPECT_EQ(BoundName(kRecipe), "QXNULRDB.MDB");
-  EXPECT_FALSE(commands_.On("mnuFileCloseRecipeDB"));
-  EXPECT_THAT(window_.Panels(kRecipe), ElementsAre("", "", "", ""));
+  EXPECT_THAT(operator_.boxes, SizeIs(1));
+  EXPECT_EQ(BoundName(kRecipe), "YARD.RDB");
+  EXPECT_THAT(window_.Panels(kRecipe), ElementsAre("YARD.RDB", "LB", "3/1/2025", ""));
 }
 
 TEST_F(OpenTransactionDatabase, RefusesAFileOfTheOtherType) {
@@ -206,6 +213,30 @@ TEST_F(OpenRecipeDatabase, AnotherFileBoundWhileListsLoadIsTheOneWhoseUnitShows)
   databases_.OpenRecipeDatabase(MakeUserFile("OUTER.RDB", kRecipe), "OUTER.RDB");
   EXPECT_EQ(BoundName(kRecipe), "INNER.RDB");
   EXPECT_EQ(databases_.Recipe().unit, "KG");
+}
+
+TEST_F(OpenRecipeDatabase, AnotherFileBoundWhileListsLoadIsTheOneInTheStatusBar) {
+  const fs::path inner = MakeUserFile("INNER.RDB", kRecipe);
+  window_.on_load_id_lists = [&] {
+    window_.on_load_id_lists = nullptr;
+    databases_.OpenRecipeDatabase(inner, "INNER.RDB");
+  };
+  databases_.OpenRecipeDatabase(MakeUserFile("OUTER.RDB", kRecipe), "OUTER.RDB");
+  EXPECT_THAT(window_.Panels(kRecipe), ElementsAre("INNER.RDB", "LB", "3/1/2025", ""));
+  EXPECT_FALSE(operator_.busy);
+}
+
+TEST_F(OpenRecipeDatabase, NamesTheFixedRecordsThatAreMissing) {
+  const fs::path path = MakeUserFile("YARD.RDB", kRecipe);
+  Alter(path, "DELETE FROM Ingredient WHERE ID IN (3, 17, 18, 19); DELETE FROM Pen WHERE ID = 400");
+  databases_.OpenRecipeDatabase(path, "YARD.RDB");
+  ASSERT_THAT(operator_.boxes, SizeIs(1));
+  EXPECT_EQ(operator_.boxes[0].icon, Icon::kWarning);
+  EXPECT_EQ(operator_.boxes[0].title, "Incomplete Database");
+  EXPECT_EQ(operator_.boxes[0].text,
+            "The recipe database YARD.RDB lacks these records: ingredients 3, 17-19; pens 400."
+            "\r\n\r\nThey cannot be edited or sent. Restore the file from a backup copy.");
+  EXPECT_EQ(BoundName(kRecipe), "YARD.RDB");
 }
 
 TEST_F(OpenTransactionDatabase, StopsAtEachDelayWhenTheProgramCloses) {

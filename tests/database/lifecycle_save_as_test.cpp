@@ -121,33 +121,26 @@ TEST_F(SaveAsRecipeCommand, LeavesPathAndNameEmptyUntilTheNextBrowse) {
   EXPECT_EQ(databases_.Recipe().name, "COPY.RDB");
 }
 
-TEST_F(SaveAsRecipeCommand, EveryRecordChangedAfterwardsShowsTheDateWriteBox) {
-  chooser_.Choose(InData("COPY.RDB"));
-  databases_.SaveAsRecipeCommand();
-  EXPECT_FALSE(databases_.TouchRecipeDatabase());
-  EXPECT_FALSE(databases_.TouchRecipeDatabase());
-  EXPECT_THAT(BoxTitles(), ElementsAre("Database Date Write Error", "Database Date Write Error"));
-  EXPECT_THAT(Ask(InData("COPY.RDB"), "SELECT Modified FROM History"), ElementsAre("NULL"));
-}
-
-TEST_F(SaveAsRecipeCommand, ASaveAfterwardsEndsInTwoBoxesWithTheWindowClosed) {
+TEST_F(SaveAsRecipeCommand, ASaveAfterwardsOpensTheCopyAgain) {
   chooser_.Choose(InData("COPY.RDB"));
   databases_.SaveAsRecipeCommand();
   databases_.SaveRecipeDatabase();
-  EXPECT_THAT(BoxTitles(), ElementsAre("Database-Type Error", "Invalid Database"));
-  EXPECT_EQ(BoundName(kRecipe), "QXNULRDB.MDB");
-  EXPECT_FALSE(commands_.On("mnuFileCloseRecipeDB"));
+  EXPECT_THAT(BoxTitles(), ElementsAre());
+  EXPECT_EQ(BoundName(kRecipe), "COPY.RDB");
+  EXPECT_THAT(window_.Panels(kRecipe), ElementsAre("COPY.RDB", "LB", "3/1/2025", ""));
+  EXPECT_TRUE(commands_.On("mnuFileCloseRecipeDB"));
 }
 
-TEST_F(SaveAsRecipeCommand, ASecondOneFindsNothingToCopyAndLeavesTheTargetUntouched) {
+TEST_F(SaveAsRecipeCommand, ASecondOneCopiesTheCopy) {
   chooser_.Choose(InData("COPY.RDB"));
   databases_.SaveAsRecipeCommand();
-  folder_.Write("target", "somebody's work");
-  chooser_.Choose(folder_ / "target");
+  window_.views[kRecipe]->exec("UPDATE Recipe SET Name = 'HEIFER' WHERE ID = 4");
+  chooser_.Choose(InData("NEXT.RDB"));
   databases_.SaveAsRecipeCommand();
-  EXPECT_THAT(BoxTitles(), ElementsAre("Save As Recipe Database Error"));
-  EXPECT_EQ(ReadAll(folder_ / "target"), "somebody's work");
-  EXPECT_EQ(BoundName(kRecipe), "QXNULRDB.MDB");
+  EXPECT_THAT(BoxTitles(), ElementsAre());
+  EXPECT_EQ(BoundName(kRecipe), "NEXT.RDB");
+  EXPECT_THAT(Ask(InData("NEXT.RDB"), "SELECT Name FROM Recipe WHERE ID = 4"),
+              ElementsAre("HEIFER"));
 }
 
 TEST_F(SaveAsTransactionCommand, GoesOnWithTheCopyOverAnExistingFile) {

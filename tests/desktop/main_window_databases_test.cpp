@@ -163,13 +163,48 @@ TEST_F(MainWindowDatabasesTest, SaveClosesAndOpensTheSameFileAgain) {
   EXPECT_EQ(Panels(u"sbTrans"_qs)[7], "");
 }
 
-TEST_F(MainWindowDatabasesTest, ACancelledOpenLeavesTheCommandsOfBothOff) {
+TEST_F(MainWindowDatabasesTest, ACancelledOpenLeavesTheCommandsAndTabsOfBothOn) {
   Open(DatabaseKind::kRecipe);
   Open(DatabaseKind::kTransaction);
   chooser_.Cancel();
   Choose(u"Open Recipe"_qs);
-  ExpectOn({"mnuFileSave", "mnuFileCloseRecipeDB", "mnuFileCloseTransactionDB"}, false);
-  EXPECT_THAT(TabsOn(), ElementsAre(kTabDataTransfer, kTabImport));
+  ExpectOn({"mnuFileSave", "mnuFileCloseRecipeDB", "mnuFileCloseTransactionDB"}, true);
+  EXPECT_EQ(TabsOn().size(), static_cast<std::size_t>(kTabCount));
+}
+
+TEST_F(MainWindowDatabasesTest, ARecipeDatabaseOpenedLaterLeavesTheTransactionTabsOn) {
+  Open(DatabaseKind::kTransaction);
+  Open(DatabaseKind::kRecipe);
+  EXPECT_EQ(TabsOn().size(), static_cast<std::size_t>(kTabCount));
+}
+
+TEST_F(MainWindowDatabasesTest, PrintIsOnForTheCopyThatASaveAsHasOpened) {
+  Open(DatabaseKind::kRecipe);
+  AskToPrint();
+  chooser_.Choose(app_folder_->DefaultAppPath() / "COPY.RDB");
+  Choose(u"mnuFileSaveAsRecipeDB"_qs);
+  Window().Tabs().SelectTab(kTabPens);
+  ExpectOn({"mnuFilePrint", "Print"}, true);
+}
+
+TEST_F(MainWindowDatabasesTest, ARecipeDatabaseThatMayNotBeWrittenClosesWhatWrites) {
+  BoundDatabase bound = BindUserDatabase(MakeUserFile("PROT.RDB", DatabaseKind::kRecipe),
+                                         std::chrono::milliseconds{20});
+  bound.read_only_note = "it is write-protected";
+  Show();
+  Window().Rebind(DatabaseKind::kRecipe, bound);
+  for (const char* const box : {"txtIngName", "txtPenFeed", "txtRecName", "txtRecHeadCount"}) {
+    EXPECT_TRUE(Find<QLineEdit>(QLatin1String(box)).isReadOnly()) << box;
+  }
+  for (const char* const control : {"chkIngHandAdd", "lstRecBatchType", "lstAdjustBatchTotal",
+                                    "cmdDeleteIng", "UpDown1", "cmdAction(0)", "cmdAction(2)"}) {
+    EXPECT_FALSE(Find<QWidget>(QLatin1String(control)).isEnabled()) << control;
+  }
+  EXPECT_TRUE(Find<QWidget>(u"cboRecID"_qs).isEnabled());
+  Open(DatabaseKind::kRecipe);
+  EXPECT_FALSE(Find<QLineEdit>(u"txtRecName"_qs).isReadOnly());
+  EXPECT_TRUE(Find<QWidget>(u"cmdAction(2)"_qs).isEnabled());
+  EXPECT_TRUE(Find<QWidget>(u"lstRecBatchType"_qs).isEnabled());
 }
 
 TEST_F(MainWindowDatabasesTest, EditAndViewGoToTheirTabs) {
@@ -238,19 +273,22 @@ TEST_F(MainWindowDatabasesTest, PrintFollowsAClickOnATabAsWell) {
   ExpectOn({"mnuFilePrint", "Print"}, false);
 }
 
-TEST_F(MainWindowDatabasesTest, TheFocusOnTheTabStripGivesAFileTheSystemsUnit) {
+TEST_F(MainWindowDatabasesTest, AClickOnATabAsksAboutTheUnitOfTheFile) {
   chooser_.Choose(MakeUserFile("METRIC.RDB", DatabaseKind::kRecipe, "KG"));
   Show();
   Choose(u"mnuFileOpenRecipeDB"_qs);
   ASSERT_EQ(operator_.boxes.size(), 1U);
   EXPECT_EQ(operator_.boxes[0].title, "Weight Units Error");
-  EXPECT_EQ(Panels(u"sbRecipe"_qs)[3], "KG");
+  operator_.answers = {Answer::kYes};
   QTabBar& strip = *Tabs().tabBar();
   strip.clearFocus();
   QTest::mouseClick(&strip, Qt::LeftButton, {}, strip.tabRect(kTabPens).center());
+  ASSERT_EQ(operator_.boxes.size(), 2U);
+  EXPECT_EQ(operator_.boxes[1].text,
+            "The weights of METRIC.RDB are labelled KG; this system works in LB. Label them LB "
+            "from now on? No figure is converted.");
   EXPECT_EQ(Panels(u"sbRecipe"_qs)[3], "LB");
   EXPECT_EQ(Text(u"lblDatabaseUoM"_qs), u"LB"_qs);
-  EXPECT_EQ(operator_.boxes.size(), 1U);
 }
 
 TEST_F(MainWindowDatabasesTest, ALongFileNameIsShortenedOnTheScreenOnly) {
