@@ -13,6 +13,7 @@
 namespace vrx {
 namespace {
 
+constexpr const char* kStoreMeaning = "Store the records in the open transaction database";
 constexpr int kProgressCaption = 1064;
 constexpr int kTransactionFileCaption = 1094;
 constexpr int kUnitsCaption = 1095;
@@ -120,8 +121,8 @@ void ImportPage::FillPicImport() {
   };
   cmd_import_file_ = add("cmdImportFile", QStringLiteral("&Import"),
                          QStringLiteral("Choose a transaction file and show its records"));
-  cmd_import_store_ = add("cmdImportStore", QStringLiteral("&Store"),
-                          QStringLiteral("Store the records in the open transaction database"));
+  cmd_import_store_ =
+      add("cmdImportStore", QStringLiteral("&Store"), QString::fromUtf8(kStoreMeaning));
   connect(cmd_import_file_, &QPushButton::clicked, this, [this] { ImportXFile(); });
   connect(cmd_import_store_, &QPushButton::clicked, this,
           [this] { Run([this] { session_.ClickImportStore(); }); });
@@ -164,10 +165,23 @@ void ImportPage::ImportChanged() {
   vrx::Show(*lbl_trans_uom_, form.lbl_trans_uom);
   vrx::Show(*lbl_records_, form.lbl_records);
   vrx::Show(*lbl_transactions_, form.lbl_transactions);
-  cmd_import_store_->setEnabled(form.cmd_import_store_enabled);
+  EnableStore();
   pic_import_progress_->setVisible(form.pic_import_progress_visible);
   grd_import_->setVisible(form.grd_import_visible);
   grd_import_->ShowImport();
+}
+
+void ImportPage::Rebind(DatabaseKind kind, const BoundDatabase& database) {
+  if (kind == DatabaseKind::kTransaction) {
+    read_only_note_ = ToQString(database.read_only_note);
+    EnableStore();
+  }
+}
+
+void ImportPage::EnableStore() {
+  const bool read_only = !read_only_note_.isEmpty();
+  cmd_import_store_->setEnabled(session_.Form().cmd_import_store_enabled && !read_only);
+  cmd_import_store_->setToolTip(read_only ? read_only_note_ : QString::fromUtf8(kStoreMeaning));
 }
 
 // Nothing lets events run meanwhile: what is told is drawn at once.

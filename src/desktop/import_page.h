@@ -55,6 +55,7 @@ class ImportPage final : public MainTabPage, private ImportHost, private Progres
   // MainTabPage.
   void Prepare() override;
   void StripFocused() override;
+  void Rebind(DatabaseKind kind, const BoundDatabase& database) override;
 
  private:
   // ImportHost.
@@ -75,6 +76,7 @@ class ImportPage final : public MainTabPage, private ImportHost, private Progres
   void LayOut();
   QLayout* LayOutFacts();
   void FillPicImport();
+  void EnableStore();
   void Run(const std::function<void()>& flow);
 
   Ports ports_;
@@ -89,6 +91,7 @@ class ImportPage final : public MainTabPage, private ImportHost, private Progres
   QProgressBar* prg_import_ = nullptr;
   QPushButton* cmd_import_file_ = nullptr;
   QPushButton* cmd_import_store_ = nullptr;
+  QString read_only_note_;  // of the open transaction database
 };
 
 }  // namespace vrx

@@ -57,6 +57,7 @@ class RecipeGrid : public QTableView {
   // What drops down: `grdINGSEL`. To be followed by Show.
   void SetIngredients(std::vector<IngredientRecord> ingredients);
   void SetUnit(std::string_view unit) { model_->SetUnit(unit); }
+  void SetReadOnly(bool read_only) { model_->SetReadOnly(read_only); }
 
   // To a row of the grid as a click does, from 0. False: it stays where it is.
   bool GoTo(int row, int column);

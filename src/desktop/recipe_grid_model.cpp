@@ -91,6 +91,13 @@ void RecipeGridModel::SetUnit(std::string_view unit) {
   Q_EMIT headerDataChanged(Qt::Horizontal, 0, kRecipeColumnCount - 1);
 }
 
+void RecipeGridModel::SetReadOnly(bool read_only) {
+  if (read_only != read_only_) {
+    read_only_ = read_only;
+    Q_EMIT dataChanged(index(0, 0), index(rowCount() - 1, kRecipeColumnCount - 1));
+  }
+}
+
 int RecipeGridModel::rowCount(const QModelIndex& parent) const {
   return parent.isValid() ? 0 : static_cast<int>(rows_.size());
 }
@@ -109,7 +116,7 @@ QVariant RecipeGridModel::data(const QModelIndex& index, int role) const {
     case Qt::EditRole:
       return text;
     case Qt::DisplayRole:
-      return index.column() == kColumnIngredient && IsIdle(index.row())
+      return index.column() == kColumnIngredient && IsIdle(index.row()) && !read_only_
                  ? QStringLiteral("click to add an ingredient")
                  : text;
     case Qt::TextAlignmentRole:
@@ -140,7 +147,7 @@ Qt::ItemFlags RecipeGridModel::flags(const QModelIndex& index) const {
   if (!index.isValid()) {
     return Qt::NoItemFlags;
   }
-  const bool entered = ColumnRow(index.column()).manner == CellManner::kEntered;
+  const bool entered = ColumnRow(index.column()).manner == CellManner::kEntered && !read_only_;
   return Qt::ItemIsEnabled | Qt::ItemIsSelectable |
          (entered ? Qt::ItemIsEditable : Qt::NoItemFlags);
 }

@@ -27,6 +27,9 @@ class RecipeGridModel : public QAbstractTableModel {
 
   void SetUnit(std::string_view unit);
 
+  // No cell can be entered, and nothing invites to it.
+  void SetReadOnly(bool read_only);
+
   bool IsEntryRow(int row) const { return row == line_count_; }
   // Nothing was entered into the entry row yet.
   bool IsIdle(int row) const { return IsEntryRow(row) && !pending_; }
@@ -47,6 +50,7 @@ class RecipeGridModel : public QAbstractTableModel {
   std::vector<Row> rows_;
   int line_count_ = 0;
   bool pending_ = false;
+  bool read_only_ = false;
   QHash<QString, QString> names_;
   QString unit_;
 };

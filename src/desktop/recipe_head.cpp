@@ -168,7 +168,18 @@ void RecipeHead::Show(const RecipeOnShow& shown) {
   batch_type_->setCurrentIndex(TypeIndex(recipe.batch_type));
   adjust_->setCurrentIndex(TextToLong(recipe.adjust_batch_index));
   ShowInputs(shown);
-  batch_type_->setEnabled(shown.type_list_enabled);
+  batch_type_->setEnabled(shown.type_list_enabled && !read_only_);
+}
+
+void RecipeHead::SetReadOnly(const QString& reason) {
+  read_only_ = !reason.isEmpty();
+  for (FilteredEdit* const box : {name_, description_, head_count_, ration_target_}) {
+    box->setReadOnly(read_only_);
+    box->setToolTip(reason);
+  }
+  for (QComboBox* const list : {batch_type_, adjust_}) {
+    list->setToolTip(reason);
+  }
 }
 
 void RecipeHead::ShowInputs(const RecipeOnShow& shown) {
@@ -179,9 +190,9 @@ void RecipeHead::ShowInputs(const RecipeOnShow& shown) {
   ShowGroup(adjust_group_, visible.adjust_batch, enabled.adjust_batch);
 }
 
-void RecipeHead::ShowGroup(const Group& group, bool visible, bool enabled) {
+void RecipeHead::ShowGroup(const Group& group, bool visible, bool enabled) const {
   for (QWidget* part : group) {
-    part->setEnabled(enabled);
+    part->setEnabled(enabled && !read_only_);
     part->setVisible(visible);
   }
 }

@@ -30,6 +30,10 @@ class RecipeHead : public QWidget {
   static void Stored(FilteredEdit& box) { box.setModified(false); }
   void GiveUpTyping();
 
+  // Closes everything but the ID list, for that reason; opens it again for an empty one. To be
+  // followed by Show.
+  void SetReadOnly(const QString& reason);
+
   // The three groups of inputs, until the next Show.
   void HideInputs();
 
@@ -63,7 +67,7 @@ class RecipeHead : public QWidget {
   void LayOut();
   QLabel* Caption(const char* name, int caption, QWidget* buddy);
   void ShowInputs(const RecipeOnShow& shown);
-  static void ShowGroup(const Group& group, bool visible, bool enabled);
+  void ShowGroup(const Group& group, bool visible, bool enabled) const;
 
   AutoAbbreviation& abbreviation_;
   RecordIdList* id_list_ = nullptr;
@@ -79,6 +83,7 @@ class RecipeHead : public QWidget {
   Group ration_target_group_;
   Group adjust_group_;
   int recipe_id_ = 0;
+  bool read_only_ = false;
 };
 
 }  // namespace vrx

@@ -58,14 +58,14 @@ QWidget* RecipeLines::MakeGridPlace() {
 }
 
 QWidget* RecipeLines::MakeUpDown() {
-  auto* const up_down = new QWidget(this);
-  up_down->setObjectName(QStringLiteral("UpDown1"));
-  auto* const column = new QVBoxLayout(up_down);
+  up_down_ = new QWidget(this);
+  up_down_->setObjectName(QStringLiteral("UpDown1"));
+  auto* const column = new QVBoxLayout(up_down_);
   column->setContentsMargins(0, 0, 0, 0);
   column->setSpacing(kSpacing / 2);
   for (const MoveDirection direction : {MoveDirection::kUp, MoveDirection::kDown}) {
     const bool up = direction == MoveDirection::kUp;
-    auto* const button = new QToolButton(up_down);
+    auto* const button = new QToolButton(up_down_);
     button->setObjectName(up ? QStringLiteral("UpDown1.Up") : QStringLiteral("UpDown1.Down"));
     button->setArrowType(up ? Qt::UpArrow : Qt::DownArrow);
     button->setToolTip(up ? QStringLiteral("Move the ingredient up")
@@ -78,7 +78,7 @@ QWidget* RecipeLines::MakeUpDown() {
   }
   move_legend_ = AddLabel(*up_down, "rtbMove");
   column->addWidget(move_legend_, 0, Qt::AlignHCenter);
-  return up_down;
+  return up_down_;
 }
 
 QLayout* RecipeLines::MakeBottomRow() {
@@ -127,6 +127,13 @@ void RecipeLines::DrawFigures(const RecipeOnShow& next) {
   totals_->Show(next);
   grid_->viewport()->repaint();
   totals_->repaint();
+}
+
+void RecipeLines::SetReadOnly(const QString& reason) {
+  grid_->SetReadOnly(!reason.isEmpty());
+  grid_->setToolTip(reason);
+  delete_->setEnabled(reason.isEmpty());
+  up_down_->setEnabled(reason.isEmpty());
 }
 
 void RecipeLines::HideGrid() {

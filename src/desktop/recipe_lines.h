@@ -29,6 +29,9 @@ class RecipeLines : public QWidget {
   // eyes need not wait for the disk. Sends no events but those of painting.
   void DrawFigures(const RecipeOnShow& next);
 
+  // No line can be entered, moved or deleted, for that reason; again they can for an empty one.
+  void SetReadOnly(const QString& reason);
+
   // Grid and totals, until the next Show.
   void HideGrid();
 
@@ -61,6 +64,7 @@ class RecipeLines : public QWidget {
   ScanPanel* scan_;
   bool grid_was_hidden_ = false;
   bool hint_was_hidden_ = false;
+  QWidget* up_down_;
   QLabel* move_legend_;
   QPushButton* delete_;
   QCheckBox* use_navigator_;

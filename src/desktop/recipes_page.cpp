@@ -133,6 +133,9 @@ std::string RecipesPage::BatchTypeOnShow() const {
 // The events of the head.
 
 void RecipesPage::LeaveName() {
+  if (read_only_) {
+    return;
+  }
   FilteredEdit& box = head_->TxtRecName();
   bool named = true;
   Run([&](RecipeEditor& editor) {
@@ -146,6 +149,9 @@ void RecipesPage::LeaveName() {
 }
 
 void RecipesPage::LeaveDescription() {
+  if (read_only_) {
+    return;
+  }
   FilteredEdit& box = head_->TxtRecDesc();
   FilteredEdit& name = head_->TxtRecName();
   RewriteItem(name.Text());
@@ -161,6 +167,9 @@ void RecipesPage::LeaveDescription() {
 }
 
 void RecipesPage::LeaveNumber(FilteredEdit& box, void (RecipeEditor::*leave)(std::string_view)) {
+  if (read_only_) {
+    return;
+  }
   Run([&](RecipeEditor& editor) {
     (editor.*leave)(box.Text());
     RecipeHead::Stored(box);
@@ -243,7 +252,7 @@ void RecipesPage::CancelRecord() {
 
 void RecipesPage::DefaultRecord() {
   const int id = Position();
-  if (id == 0 || !ResetRecord(*connection_, RecordKind::kRecipe, id, ports_.feed)) {
+  if (id == 0 || read_only_ || !ResetRecord(*connection_, RecordKind::kRecipe, id, ports_.feed)) {
     return;
   }
   lines_->GrdRec().GiveUpEdit();
@@ -367,12 +376,20 @@ void RecipesPage::Rebind(DatabaseKind kind, const BoundDatabase& database) {
   preparing_ = false;
   connection_ = &connection;
   closed_ = database.blank;
+  CloseFields(ToQString(database.read_only_note));
   editor_ = std::move(editor);
   stored_ = false;
   lines_->GrdRec().SetIngredients(std::move(ingredients));
   lines_->ShowFixedTexts();
   ShowUnit();
   Show();
+}
+
+void RecipesPage::CloseFields(const QString& reason) {
+  read_only_ = !reason.isEmpty();
+  head_->SetReadOnly(reason);
+  lines_->SetReadOnly(reason);
+  Q_EMIT WritingAllowed(!read_only_);
 }
 
 void RecipesPage::ReleaseViews() {

@@ -78,6 +78,8 @@ class RecipesPage final : public RecordPage, private RecipeGridEvents {
   bool Select(int id);
   void CommitPending();
   void ReadIngredients();
+  // The file may not be written, for that reason; or it may, for an empty one.
+  void CloseFields(const QString& reason);
   void ShowUnit();
   // False: what waited must not go on.
   bool Waited(Milliseconds interval);
@@ -91,9 +93,10 @@ class RecipesPage final : public RecordPage, private RecipeGridEvents {
   PenRows pen_rows_;
   SQLite::Database* connection_ = nullptr;  // none before the first database and after the last
   bool closed_ = true;                      // the blank template is on show
-  std::shared_ptr<RecipeEditor> editor_;    // exactly while there is a connection
-  bool stored_ = false;                     // the event on its way has changed the database
-  bool entering_ = false;                   // a cell of a line is being stored
+  bool read_only_ = false;
+  std::shared_ptr<RecipeEditor> editor_;  // exactly while there is a connection
+  bool stored_ = false;                   // the event on its way has changed the database
+  bool entering_ = false;                 // a cell of a line is being stored
   bool preparing_ = false;
   int visit_ = 0;  // of a tab; another one ends what waits
   RecipeHead* head_;

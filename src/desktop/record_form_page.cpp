@@ -160,6 +160,7 @@ void RecordFormPage::Rebind(DatabaseKind kind, const BoundDatabase& database) {
   blank_ = database.blank;
   read_only_ = !database.read_only_note.empty();
   ShowReadOnly(ToQString(database.read_only_note));
+  Q_EMIT WritingAllowed(!read_only_);
   FillIdList([] {});
   GoTo(1);
   RefreshGrid();
@@ -353,6 +354,9 @@ void RecordFormPage::CancelRecord() {
 }
 
 void RecordFormPage::DefaultRecord() {
+  if (!MayWrite()) {
+    return;
+  }
   const ResetOutcome outcome = AskAndReset(*database_, design_.kind, position_, ports_.feed);
   if (outcome == ResetOutcome::kReset) {
     ports_.record_changed();

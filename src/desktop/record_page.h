@@ -55,6 +55,9 @@ class RecordPage : public MainTabPage {
 
   // `cmdAction` item 1 is off while the lines of a recipe have the focus.
   void CancelAllowed(bool allowed);
+
+  // Another database is on show: items 0 and 2 are off for one that may not be written.
+  void WritingAllowed(bool allowed);
 };
 
 }  // namespace vrx

@@ -43,19 +43,23 @@ CurrentDatabase TransferTabs::OpenRecipes() const {
   if (bound.blank) {
     return {};
   }
-  return {.path = bound.path, .name = FileTitle(bound.path), .unit = bound.unit};
+  return {.path = bound.path,
+          .name = FileTitle(bound.path),
+          .unit = bound.unit,
+          .read_only_note = bound.read_only_note};
 }
 
 OpenDatabases TransferTabs::ImportDatabases() const {
   const BoundDatabase& recipes = ports_.databases.Bound(DatabaseKind::kRecipe);
   const BoundDatabase& transactions = ports_.databases.Bound(DatabaseKind::kTransaction);
-  OpenDatabases open;
+  OpenDatabases open{.lock_wait = ports_.identity.Wait()};
   if (!recipes.blank) {
     open.recipe_db_path = recipes.path;
   }
   if (!transactions.blank) {
     open.trans_db_path = transactions.path;
-    open.trans_db_uom = ports_.databases.Transaction().unit;
+    open.trans_db_uom = transactions.unit;
+    open.trans_db_read_only_note = transactions.read_only_note;
   }
   return open;
 }

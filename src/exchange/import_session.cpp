@@ -132,6 +132,11 @@ StoreOutcome ImportSession::ClickImportStore() {
         "...then click 'Store'.");
     return {};
   }
+  if (!databases.trans_db_read_only_note.empty()) {
+    Refuse("The Transaction database is read-only, so that nothing can be stored in it: " +
+           databases.trans_db_read_only_note);
+    return {};
+  }
   if (databases.recipe_db_path.empty()) {
     Refuse(
         "Please open a Recipe database associated with this imported transaction data so that "
@@ -156,16 +161,16 @@ bool ImportSession::ConfirmUnits(const OpenDatabases& databases) {
   if (units == ports_.settings.SystemUnits() && units == databases.trans_db_uom) {
     return true;
   }
-  return ports_.op.ShowMessage(
-             {.icon = Icon::kCritical,
-              .buttons = Buttons::kOkCancel,
-              .title = "Weight Units Error",
-              .text = "The units-of-measure of the imported transaction file is not "
-                      "the same as the transaction database.\r\n\r\n"
-                      "Storing the current transactions will result in "
-                      "incorrect weight totals in the transaction database."
-                      "Do you wish to continue?",
-              .refuses_by_default = true}) == Answer::kOk;
+  return ports_.op.ShowMessage({.icon = Icon::kCritical,
+                                .buttons = Buttons::kOkCancel,
+                                .title = "Weight Units Error",
+                                .text =
+                                    "The units-of-measure of the imported transaction file is not "
+                                    "the same as the transaction database.\r\n\r\n"
+                                    "Storing the current transactions will result in "
+                                    "incorrect weight totals in the transaction database."
+                                    "Do you wish to continue?",
+                                .refuses_by_default = true}) == Answer::kOk;
 }
 
 }  // namespace vrx

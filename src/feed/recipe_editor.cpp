@@ -5,6 +5,7 @@
 #include <iterator>
 #include <utility>
 
+#include "database/connection.h"
 #include "feed/adjust_list.h"
 #include "feed/recipe_storage.h"
 #include "feed/record_fields.h"
@@ -68,6 +69,10 @@ std::vector<IngredientRecord> ReadActiveIngredients(SQLite::Database& database) 
 }
 
 void RecipeEditor::Store(const Ration& before, RecipeOnShow next) {
+  if (IsWriteProtected(database_)) {
+    shown_ = std::move(next);
+    return;
+  }
   StoreRecipe(database_, before, next.ration, [&] {
     if (stored_) {
       stored_(next);

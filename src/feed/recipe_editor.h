@@ -27,6 +27,8 @@ std::vector<IngredientRecord> ReadActiveIngredients(SQLite::Database& database);
 // Every event is stored as one step, by itself or inside the caller's transaction; then the
 // database holds what is on show, but for the line in the entry row. The caller keeps `Modified`,
 // around the event or by StoredStep.
+// A write-protected file stays as it is, and what is recomputed is only shown: whoever shows it
+// closes what the operator enters by.
 // An event throws with the database and what is on show as they were: DatabaseError, FieldRefusal
 // for what the tab does not let in, Error for what cannot be computed. HandleEditEvent tells that.
 class RecipeEditor {

@@ -324,6 +324,18 @@ constexpr const char* kUnitsQuestion =
     "database.\r\n\r\nStoring the current transactions will result in incorrect weight totals in "
     "the transaction database.Do you wish to continue?";
 
+TEST_F(ImportSessionTest, NothingIsStoredInADatabaseThatMayNotBeWritten) {
+  OpenBoth();
+  databases_.trans_db_read_only_note = "it is write-protected";
+  ASSERT_TRUE(Import(kWorkedExample));
+  EXPECT_FALSE(session_.ClickImportStore().complete);
+  ASSERT_THAT(site_.op.boxes, SizeIs(1));
+  EXPECT_EQ(site_.op.boxes[0].text,
+            "The Transaction database is read-only, so that nothing can be stored in it: it is "
+            "write-protected");
+  EXPECT_THAT(site_.Stored(), IsEmpty());
+}
+
 TEST_F(ImportSessionTest, OtherUnitsThanTheDatabasesAreAskedAboutAndCancelStops) {
   OpenBoth();
   databases_.trans_db_uom = "KG";

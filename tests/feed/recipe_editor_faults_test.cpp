@@ -1,6 +1,7 @@
 #include <array>
 #include <functional>
 
+#include "database/database_files.h"
 #include "feed/edit_event.h"
 #include "feed/record_fields.h"
 #include "recipe_editor_fixture.h"
@@ -105,6 +106,28 @@ TEST_P(RecipeEditorFaults, AStepInsideATransactionLeavesTheRestOfItStanding) {
 
 INSTANTIATE_TEST_SUITE_P(All, RecipeEditorFaults, ::testing::ValuesIn(kEdits),
                          [](const auto& edit) { return std::string(edit.param.name); });
+
+class WriteProtectedRecipe : public RecipeEditorTest {};
+
+// Its figures are from before a change of the ingredient's dry matter.
+TEST_F(WriteProtectedRecipe, IsShownRecomputedAndStaysAsItIs) {
+  AddLine(editor);
+  const TempFolder locked;
+  const std::filesystem::path path = locked / "OLD.RDB";
+  std::filesystem::copy_file(folder / "YARD.RDB", path);
+  Alter(path, "UPDATE RecipeRation SET [Ration%] = '1', BatchTarget = '1'");
+  const std::string before = ReadAll(path);
+  const WithoutWritePermission protection(locked.Path());
+  SQLite::Database read_only = OpenDatabase(path, Access::kRead);
+  RecipeEditor shown(read_only, op, settings, kByWeight);
+  shown.RecomputeAll();
+  shown.CommitRecipeRecord();
+  EXPECT_EQ(shown.OnShow().ration.lines.at(0).ration_percent,
+            editor.OnShow().ration.lines.at(0).ration_percent);
+  EXPECT_EQ(shown.OnShow().ration.lines.at(0).batch_target,
+            editor.OnShow().ration.lines.at(0).batch_target);
+  EXPECT_TRUE(ReadAll(path) == before);
+}
 
 class RecipeEditorFailure : public RecipeEditorTest {
  protected:
