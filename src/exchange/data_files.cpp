@@ -138,6 +138,11 @@ void ReportFile::SaveDataFile(int file) {
   }
   if (!Save(type)) {
     op_.SetStatusLine(kind->not_saved + std::to_string(file) + ")");
+    if (!save_failure_.empty()) {
+      op_.ShowMessage({.icon = Icon::kCritical,
+                       .title = kind->refusal_title,
+                       .text = "The file was not saved.\r\n\r\n" + save_failure_});
+    }
     return;
   }
   transfer_.file_path = Kept(type).path;

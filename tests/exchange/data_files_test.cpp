@@ -198,11 +198,16 @@ TEST_F(DataFiles, LeavesTheOldFileWhenTheWriteFails) {
   EXPECT_EQ(std::distance(fs::directory_iterator(folder_.Path()), {}), 1);
 }
 
-TEST_F(DataFiles, TellsAFolderThatIsGone) {
-  chooser_.Choose(folder_ / "gone" / "x.rbu");
+TEST_F(DataFiles, TellsCauseAndPathOfAFileThatCannotBeWritten) {
+  const fs::path path = folder_ / "gone" / "x.rbu";
+  chooser_.Choose(path);
   files_.SaveDataFile(2);
   EXPECT_EQ(op_.Status(), "Could not save recipe backup-file (2)");
-  EXPECT_NE(files_.SaveFailure(), "");
+  ASSERT_EQ(op_.boxes.size(), 1U);
+  EXPECT_EQ(op_.boxes[0].icon, Icon::kCritical);
+  EXPECT_EQ(op_.boxes[0].title, "Save Recipe Backup-File Error");
+  EXPECT_EQ(op_.boxes[0].text, "The file was not saved.\r\n\r\ncannot write " + path.string() +
+                                   ": No such file or directory");
 
   chooser_.Choose(folder_ / "x.rbu");
   files_.SaveDataFile(2);
