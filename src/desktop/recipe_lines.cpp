@@ -76,7 +76,7 @@ QWidget* RecipeLines::MakeUpDown() {
     connect(button, &QToolButton::clicked, this,
             [this, direction] { Q_EMIT MoveClicked(direction); });
   }
-  move_legend_ = AddLabel(*up_down, "rtbMove");
+  move_legend_ = AddLabel(*up_down_, "rtbMove");
   column->addWidget(move_legend_, 0, Qt::AlignHCenter);
   return up_down_;
 }
