@@ -2,6 +2,7 @@
 
 #include <array>
 #include <cerrno>
+#include <cstdio>
 #include <fstream>
 #include <system_error>
 
@@ -12,10 +13,45 @@ namespace vrx {
 namespace fs = std::filesystem;
 namespace {
 
-// Says what the C library said about the stream operation that has just failed.
+// What the C library said about the operation that has just failed.
+std::error_code LastError() { return {errno != 0 ? errno : EIO, std::generic_category()}; }
+
 [[noreturn]] void FailToRead(const fs::path& path) {
-  const std::error_code why(errno != 0 ? errno : EIO, std::generic_category());
-  throw FileError("cannot read " + path.string() + ": " + why.message());
+  throw FileError("cannot read " + path.string() + ": " + LastError().message());
+}
+
+std::error_code CopyBytes(std::ifstream& in, std::FILE* out) {
+  std::array<char, 65536> block{};
+  while (in) {
+    in.read(block.data(), static_cast<std::streamsize>(block.size()));
+    const auto count = static_cast<std::size_t>(in.gcount());
+    if (std::fwrite(block.data(), 1, count, out) != count) {
+      return LastError();
+    }
+  }
+  return in.bad() ? LastError() : std::error_code();
+}
+
+// The standard library's own copy reports a full disk as a fault of the device.
+std::error_code CopyToNewFile(const fs::path& source, const fs::path& destination) {
+  errno = 0;
+  std::ifstream in(source, std::ios::binary);
+  if (!in) {
+    return LastError();
+  }
+  std::FILE* const out = std::fopen(destination.string().c_str(), "wbx");
+  if (out == nullptr) {
+    return LastError();
+  }
+  std::error_code error = CopyBytes(in, out);
+  if (std::fclose(out) != 0 && !error) {
+    error = LastError();
+  }
+  if (error) {
+    std::error_code ignored;
+    fs::remove(destination, ignored);
+  }
+  return error;
 }
 
 }  // namespace
@@ -27,18 +63,7 @@ bool FileExists(const fs::path& path) {
 
 bool CopyFileNoOverwrite(const fs::path& source, const fs::path& destination,
                          std::error_code* why) {
-  std::error_code error =
-      FileExists(destination) ? std::make_error_code(std::errc::file_exists) : std::error_code();
-  if (!error) {
-    fs::copy_file(source, destination, error);
-    std::error_code ignored;
-    if (!error) {
-      // The copy is the user's own, even of a template that is installed read-only.
-      fs::permissions(destination, fs::perms::owner_write, fs::perm_options::add, ignored);
-    } else if (error != std::errc::file_exists) {
-      fs::remove(destination, ignored);
-    }
-  }
+  const std::error_code error = CopyToNewFile(source, destination);
   if (why != nullptr) {
     *why = error;
   }
