@@ -10,6 +10,7 @@
 #include "database/tell_failure.h"
 #include "frame/files.h"
 #include "frame/text.h"
+#include "frame/upper_case.h"
 
 namespace vrx {
 
@@ -51,7 +52,7 @@ class Creation {
       return false;
     }
     const CurrentDatabase before = current_;
-    current_.name = UpperCase(wanted_.title);
+    current_.name = UnicodeUpperCase(wanted_.title);
     current_.path = wanted_.path;
     try {
       if (CopyIsBlank()) {

@@ -12,6 +12,7 @@
 #include "frame/files.h"
 #include "frame/number.h"
 #include "frame/text.h"
+#include "frame/upper_case.h"
 
 namespace vrx {
 
@@ -130,7 +131,8 @@ void DatabaseLifecycle::Browse(Side& side) {
     if (choice.Cancelled() || !ports_.delay.Wait(MannerOf(side.kind).browse_delay)) {
       return;
     }
-    Open(side, {.path = choice.path, .name = UpperCase(choice.title), .becomes_current = true});
+    Open(side,
+         {.path = choice.path, .name = UnicodeUpperCase(choice.title), .becomes_current = true});
   });
 }
 

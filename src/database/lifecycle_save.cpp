@@ -11,6 +11,7 @@
 #include "database/tell_failure.h"
 #include "frame/files.h"
 #include "frame/text.h"
+#include "frame/upper_case.h"
 
 namespace vrx {
 
@@ -88,7 +89,7 @@ bool DatabaseLifecycle::AskSaveAs(Side& side) {
       return;
     }
     save_as_path_ = choice.path;
-    save_as_name_ = UpperCase(choice.title);
+    save_as_name_ = UnicodeUpperCase(choice.title);
     chosen = true;
   });
   return chosen;

@@ -6,6 +6,7 @@
 
 #include "frame/files.h"
 #include "frame/text.h"
+#include "frame/upper_case.h"
 
 namespace vrx {
 
@@ -96,7 +97,7 @@ bool ReportFile::Save(DataFileType type) {
     if (choice.Cancelled()) {
       return false;
     }
-    Kept(type) = {choice.path, UpperCase(choice.title)};
+    Kept(type) = {choice.path, UnicodeUpperCase(choice.title)};
     WriteFileBytes(choice.path, transfer_.data_window);
     return true;
   } catch (const Error& error) {
@@ -187,7 +188,7 @@ void ReportFile::OpenRecipeBackupFile() {
                                                .default_extension = "RBU",
                                                .flags = kFileMustExist | kHideReadOnly});
   if (!choice.Cancelled()) {
-    backup = {choice.path, UpperCase(choice.title)};
+    backup = {choice.path, UnicodeUpperCase(choice.title)};
   }
 }
 

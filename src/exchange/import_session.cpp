@@ -8,7 +8,7 @@
 #include "exchange/import_columns.h"
 #include "frame/number.h"
 #include "frame/private_ini.h"
-#include "frame/text.h"
+#include "frame/upper_case.h"
 
 namespace vrx {
 namespace {
@@ -43,7 +43,7 @@ bool ImportSession::ImportXFile() {
 
 bool ImportSession::ImportFile(const FileChoice& choice) {
   file_.SetFilePath(choice.path);
-  file_.SetFileName(UpperCase(choice.title));
+  file_.SetFileName(UnicodeUpperCase(choice.title));
   ports_.host.SelectTab(kImportTab);
   const bool imported = file_.LoadTransactionFile(ports_.op, [this] {
     ports_.host.FocusControl("cmdImportFile");
@@ -94,7 +94,7 @@ void ImportSession::ConfigureImportColumns() {
   try {
     for (const IngredientRecord& record : ports_.host.GridIngredients()) {
       if (record.id >= 1 && record.id <= kIngredientCount) {
-        column_of(record.id).caption = UpperCase(record.name);
+        column_of(record.id).caption = UnicodeUpperCase(record.name);
       }
     }
   } catch (const DatabaseError& error) {

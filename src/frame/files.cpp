@@ -7,7 +7,7 @@
 #include <system_error>
 
 #include "frame/replacing_file.h"
-#include "frame/text.h"
+#include "frame/upper_case.h"
 
 namespace vrx {
 namespace fs = std::filesystem;
@@ -97,6 +97,6 @@ void WriteFileBytes(const fs::path& path, std::string_view bytes) {
   file.TakePlace();
 }
 
-std::string FileTitle(const fs::path& path) { return UpperCase(path.filename().string()); }
+std::string FileTitle(const fs::path& path) { return UnicodeUpperCase(path.filename().string()); }
 
 }  // namespace vrx

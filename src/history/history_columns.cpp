@@ -6,6 +6,7 @@
 
 #include "frame/number.h"
 #include "frame/text.h"
+#include "frame/upper_case.h"
 
 namespace vrx {
 namespace {
@@ -65,7 +66,7 @@ void HistoryColumns::RefreshIngredientColumns(std::span<const IngredientRecord> 
   for (const IngredientRecord& ingredient : ingredients) {
     const int column = ingredient.id + kIngPercentColumn;
     if (IngredientSlot(column) != 0) {
-      At(column).caption = UpperCase(ingredient.name);
+      At(column).caption = UnicodeUpperCase(ingredient.name);
     }
   }
   for (int column = kFirstIngredientColumn; column <= kHistoryColumnCount; ++column) {

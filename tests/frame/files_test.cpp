@@ -148,6 +148,7 @@ TEST(WriteFileBytes, RefusesToReplaceAFolderAndLeavesNothingBeside) {
 TEST(FileTitle, IsTheNameInUpperCase) {
   EXPECT_EQ(FileTitle("/data/feedlot.rdb"), "FEEDLOT.RDB");
   EXPECT_EQ(FileTitle("lot.v2.tdb"), "LOT.V2.TDB");
+  EXPECT_EQ(FileTitle("/data/fütterung.rdb"), "FÜTTERUNG.RDB");
   EXPECT_EQ(FileTitle(""), "");
 }
 

@@ -172,6 +172,12 @@ TEST(HistoryColumns, ASlotsNameIsItsColumnsCaptionInUpperCase) {
   EXPECT_TRUE(columns.IsVisible(kIngPercentColumn + 2));  // until a row is drawn
 }
 
+TEST(HistoryColumns, TheUpperCaseOfACaptionCoversEveryLetter) {
+  HistoryColumns columns;
+  columns.RefreshIngredientColumns(std::vector<IngredientRecord>{{.id = 1, .name = "rüben ß"}});
+  EXPECT_EQ(columns.Caption(kIngPercentColumn + 1), "RÜBEN ß");
+}
+
 TEST(HistoryColumns, ARenamedSlotRenamesItsColumnForAllOldTransactions) {
   HistoryColumns columns;
   columns.RefreshIngredientColumns(Ingredients());
