@@ -4,6 +4,7 @@
 #include <QFontMetrics>
 #include <QProxyStyle>
 #include <QScopedValueRollback>
+#include <QStyleOptionHeader>
 #include <algorithm>
 
 #include "desktop/form_parts.h"
@@ -14,7 +15,6 @@ namespace vrx {
 namespace {
 
 constexpr int kLeastHeight = 19;  // 285 twips
-constexpr int kSortMark = 16;
 
 // As wide as the values of a column come.
 QString WidestValue(ColumnContent content) {
@@ -120,7 +120,29 @@ int HistoryHeader::WidthFor(int column, const std::string& caption) const {
   const QFontMetrics values{HistoryStyles::CellFont()};
   return 2 * kSpacing +
          std::max(values.horizontalAdvance(WidestValue(HistoryColumnAt(column).content)),
-                  fontMetrics().horizontalAdvance(ToQString(caption)) + kSortMark);
+                  fontMetrics().horizontalAdvance(ToQString(caption)) + SortMarkWidth());
+}
+
+int HistoryHeader::CaptionRoom(int width, bool marked) const {
+  QStyleOptionHeader option;
+  initStyleOption(&option);
+  option.rect = {0, 0, width, sizeHint().height()};
+  option.sortIndicator = marked ? QStyleOptionHeader::SortDown : QStyleOptionHeader::None;
+  return style()->subElementRect(QStyle::SE_HeaderLabel, &option, this).width();
+}
+
+int HistoryHeader::SortMarkWidth() const {
+  constexpr int kAnyWidth = 1000;
+  return CaptionRoom(kAnyWidth, false) - CaptionRoom(kAnyWidth, true);
+}
+
+// A caption ends before the sort mark: the base class leaves it to be cut off.
+void HistoryHeader::initStyleOptionForIndex(QStyleOptionHeader* option, int section) const {
+  QHeaderView::initStyleOptionForIndex(option, section);
+  const bool marked = isSortIndicatorShown() && sortIndicatorSection() == section;
+  option->text = option->fontMetrics.elidedText(
+      model()->headerData(section, Qt::Horizontal, Qt::DisplayRole).toString(), textElideMode(),
+      CaptionRoom(sectionSize(section), marked));
 }
 
 std::vector<ShownColumn> HistoryHeader::Shown() const {

@@ -35,11 +35,16 @@ class HistoryHeader : public QHeaderView {
 
  protected:
   void changeEvent(QEvent* event) override;
+  void initStyleOptionForIndex(QStyleOptionHeader* option, int section) const override;
 
  private:
   void ShowOrder(const HistoryColumns& columns);
   void ShowSort(const HistoryGrid& grid);
   int WidthFor(int column, const std::string& caption) const;
+  // What a style leaves of a section of that width for its caption, beside the sort mark or
+  // without.
+  int CaptionRoom(int width, bool marked) const;
+  int SortMarkWidth() const;
   void TakeColors();
 
   std::set<int> sized_;  // by the operator

@@ -163,8 +163,12 @@ void HistoryPage::ConnectGrid() {
       }
     });
   });
-  connect(&grd_trans_->Header(), &HistoryHeader::SortChosen, this,
-          [this](int column) { Run([&](HistoryView& view) { view.SortByColumn(column); }); });
+  connect(&grd_trans_->Header(), &HistoryHeader::SortChosen, this, [this](int column) {
+    Run([&](HistoryView& view) {
+      const std::int64_t row = std::int64_t{grd_trans_->currentIndex().row()} + 1;
+      grd_trans_->GoToRow(static_cast<int>(view.SortByColumn(column, row)) - 1);
+    });
+  });
   connect(&grd_trans_->Header(), &HistoryHeader::ColumnMoved, this, [this](int column, int to) {
     Run([&](HistoryView& view) { view.MoveColumn(column, to); });
   });

@@ -132,11 +132,16 @@ class GroupedRows::Impl {
 
   void CloseAll() { view_->outline.SetAllOpen(false); }
 
-  void SortBy(int column, bool ascending) {
+  std::int64_t SortBy(int column, bool ascending, std::int64_t row) {
     if (column != 0) {
       HistoryColumnAt(column);
     }
-    view_->pages.SortBy(column, ascending);
+    const RecordSort sort{.column = column, .ascending = ascending};
+    if (row < 1 || row > Rows().RowCount()) {
+      view_->pages.SortBy(sort);
+      return row;
+    }
+    return SortAndFollow(sort, row);
   }
 
   void SumColumns(std::vector<int> columns) {
@@ -145,6 +150,29 @@ class GroupedRows::Impl {
   }
 
  private:
+  // The record stays in its group.
+  std::int64_t SortAndFollow(const RecordSort& sort, std::int64_t row) {
+    RecordPages& pages = view_->pages;
+    const OutlinePlace place = Rows().Find(row);
+    if (place.kind != HistoryRowKind::kRecord) {
+      pages.SortBy(sort);
+      return row;
+    }
+    const RecordSort before = pages.Sort();
+    try {
+      return Read(database_, [&] {
+        const std::optional<std::int64_t> rowid = pages.RowidAt(Rows(), place);
+        pages.SortBy(sort);
+        const std::optional<std::int64_t> now =
+            rowid ? pages.PlaceOf(Rows(), place.path, *rowid) : std::nullopt;
+        return row + now.value_or(place.record) - place.record;
+      });
+    } catch (...) {
+      pages.SortBy(before);
+      throw;
+    }
+  }
+
   void FindRanges(GroupQuery& query) {
     const std::string columns = query.RangedColumns();
     if (columns.empty()) {
@@ -198,7 +226,9 @@ void GroupedRows::Open(std::int64_t row) { impl_->SetOpen(row, true); }
 void GroupedRows::Close(std::int64_t row) { impl_->SetOpen(row, false); }
 void GroupedRows::OpenAll() { impl_->OpenAll(); }
 void GroupedRows::CloseAll() { impl_->CloseAll(); }
-void GroupedRows::SortBy(int column, bool ascending) { impl_->SortBy(column, ascending); }
+std::int64_t GroupedRows::SortBy(int column, bool ascending, std::int64_t row) {
+  return impl_->SortBy(column, ascending, row);
+}
 void GroupedRows::SumColumns(std::vector<int> columns) { impl_->SumColumns(std::move(columns)); }
 
 }  // namespace vrx

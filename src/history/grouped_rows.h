@@ -60,8 +60,9 @@ class GroupedRows {
   void CloseAll();
 
   // Sorts the records within their groups by a column, those with equal values in the order they
-  // were stored; column 0 takes that order for all. NULL comes first in ascending order.
-  void SortBy(int column, bool ascending);
+  // were stored; column 0 takes that order for all. NULL comes first in ascending order. Returns
+  // the row that the record of `row` has then; a group, a total or no row (0) keeps its number.
+  std::int64_t SortBy(int column, bool ascending, std::int64_t row = 0);
 
   // The columns whose sums a total row needs, by index; those of Target, ActualBatch and ActualFeed
   // until it is called.

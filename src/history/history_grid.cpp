@@ -1,5 +1,7 @@
 #include "history/history_grid.h"
 
+#include <algorithm>
+
 namespace vrx {
 namespace {
 
@@ -12,6 +14,11 @@ std::vector<int> VisibleSums(const HistoryColumns& columns) {
     }
   }
   return sums;
+}
+
+bool IsLevel(const DataGroup& group, int column) {
+  return std::any_of(group.levels.begin(), group.levels.end(),
+                     [column](std::string_view key) { return HistoryColumnOfKey(key) == column; });
 }
 
 }  // namespace
@@ -93,11 +100,15 @@ void HistoryGrid::ApplyExpandState(bool expand_all) {
   UpdateColumnHeaderStrip();
 }
 
-void HistoryGrid::SortByColumn(int column) {
+std::int64_t HistoryGrid::SortByColumn(int column, std::int64_t row) {
+  if (IsLevel(*group_, column)) {
+    return row;
+  }
   const bool ascending = column != sort_column_ || !sort_ascending_;
-  rows_.SortBy(column, ascending);
+  const std::int64_t followed = rows_.SortBy(column, ascending, row);
   sort_column_ = column;
   sort_ascending_ = ascending;
+  return followed;
 }
 
 void HistoryGrid::UpdateColumnHeaderStrip() {

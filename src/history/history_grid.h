@@ -65,8 +65,10 @@ class HistoryGrid {
   void CollapseAll() { rows_.CloseAll(); }
 
   // A click on a column's header: sorts the records by it, by the same column again the other way
-  // round. A set-up goes back to the order in which they were stored.
-  void SortByColumn(int column);
+  // round. A set-up goes back to the order in which they were stored. The column of a group level
+  // has one value in each group, so a click there changes nothing. Returns the row that the record
+  // of `row` has then, as GroupedRows::SortBy.
+  std::int64_t SortByColumn(int column, std::int64_t row = 0);
   int SortColumn() const { return sort_column_; }  // 0: none
   bool SortAscending() const { return sort_ascending_; }
 

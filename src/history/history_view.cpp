@@ -100,8 +100,10 @@ void HistoryView::CloseGroup(std::int64_t row) {
   Act([&] { grid_.CloseGroup(row); });
 }
 
-void HistoryView::SortByColumn(int column) {
-  Act([&] { grid_.SortByColumn(column); });
+std::int64_t HistoryView::SortByColumn(int column, std::int64_t row) {
+  std::int64_t followed = row;
+  Act([&] { followed = grid_.SortByColumn(column, row); });
+  return followed;
 }
 
 void HistoryView::MoveColumn(int column, int position) {

@@ -75,7 +75,8 @@ class HistoryView {
 
   void OpenGroup(std::int64_t row);
   void CloseGroup(std::int64_t row);
-  void SortByColumn(int column);
+  // Returns the row that the record of `row` has then, as HistoryGrid::SortByColumn.
+  std::int64_t SortByColumn(int column, std::int64_t row = 0);
   void MoveColumn(int column, int position);
 
   // Any change of the main tab, and then entering this one.

@@ -1,5 +1,6 @@
 #include "history/record_order.h"
 
+#include <algorithm>
 #include <cstring>
 #include <utility>
 
@@ -52,6 +53,17 @@ const RecordOrder::Block& RecordOrder::BlockOf(std::int64_t number) {
     loaded_ = std::move(block);
   }
   return loaded_;
+}
+
+std::optional<std::int64_t> RecordOrder::Find(std::int64_t rowid) {
+  for (std::int64_t number = 0; number <= last_.number; ++number) {
+    const std::vector<std::int64_t>& rowids = BlockOf(number).rowids;
+    const auto found = std::find(rowids.begin(), rowids.end(), rowid);
+    if (found != rowids.end()) {
+      return number * static_cast<std::int64_t>(kBlockLength) + (found - rowids.begin());
+    }
+  }
+  return std::nullopt;
 }
 
 std::vector<std::int64_t> RecordOrder::Slice(std::int64_t first, std::size_t length) {

@@ -19,6 +19,9 @@ class RecordOrder {
 
   void Append(std::int64_t rowid);
 
+  // The place of a rowid, from 0; nothing for one that is not in the list. Walks the list.
+  std::optional<std::int64_t> Find(std::int64_t rowid);
+
   // Shorter where the list ends.
   std::vector<std::int64_t> Slice(std::int64_t first, std::size_t length);
 

@@ -25,6 +25,13 @@ std::uint32_t GroupOf(const OutlinePlace& place) {
   return place.path.empty() ? 0 : place.path.back();
 }
 
+// The table counts its rows from 1.
+constexpr std::int64_t kNoRowid = 0;
+
+std::size_t IndexOf(const OutlinePlace& place) {
+  return static_cast<std::size_t>(place.record % kPageLength);
+}
+
 std::string Select() { return "SELECT rowid, " + RecordColumns(""); }
 
 std::string SelectListed() {
@@ -34,14 +41,13 @@ std::string SelectListed() {
 
 }  // namespace
 
-void RecordPages::SortBy(int column, bool ascending) {
+void RecordPages::SortBy(RecordSort sort) {
   const auto& levels = query_.Levels();
   // The value of a level is the same all through a group.
   const bool is_level = std::any_of(levels.begin(), levels.end(), [&](const GroupLevel& level) {
-    return level.column == column;
+    return level.column == sort.column;
   });
-  sort_column_ = is_level ? 0 : column;
-  ascending_ = ascending;
+  sort_ = {.column = is_level ? 0 : sort.column, .ascending = sort.ascending};
   Forget();
 }
 
@@ -52,6 +58,35 @@ void RecordPages::Forget() {
 }
 
 const RecordPages::Record* RecordPages::Find(const OutlinePlace& place) {
+  const Page* const page = FindPage(place);
+  return page == nullptr ? nullptr : &page->records[IndexOf(place)];
+}
+
+const RecordPages::Record& RecordPages::Load(const Outline& outline, const OutlinePlace& place) {
+  return LoadPage(outline, place).records[IndexOf(place)];
+}
+
+std::optional<std::int64_t> RecordPages::RowidAt(const Outline& outline,
+                                                 const OutlinePlace& place) {
+  const Page* const held = FindPage(place);
+  const Page& page = held != nullptr ? *held : LoadPage(outline, place);
+  const std::int64_t rowid = page.rowids[IndexOf(place)];
+  return rowid == kNoRowid ? std::nullopt : std::optional(rowid);
+}
+
+std::optional<std::int64_t> RecordPages::PlaceOf(const Outline& outline, const GroupPath& path,
+                                                 std::int64_t rowid) {
+  const std::int64_t count = outline.RecordCount(path);
+  if (count > kPageLength) {
+    const OutlinePlace first{.path = path};
+    return OrderOf(Large(GroupOf(first), outline.Values(path), count)).Find(rowid);
+  }
+  const std::vector<std::int64_t>& rowids = LoadPage(outline, {.path = path}).rowids;
+  const auto found = std::find(rowids.begin(), rowids.end(), rowid);
+  return found == rowids.end() ? std::nullopt : std::optional(found - rowids.begin());
+}
+
+const RecordPages::Page* RecordPages::FindPage(const OutlinePlace& place) {
   const std::uint32_t group = GroupOf(place);
   const std::int64_t number = place.record / kPageLength;
   const auto page = std::find_if(pages_.begin(), pages_.end(), [&](const Page& held) {
@@ -61,10 +96,10 @@ const RecordPages::Record* RecordPages::Find(const OutlinePlace& place) {
     return nullptr;
   }
   pages_.splice(pages_.begin(), pages_, page);
-  return &page->records[static_cast<std::size_t>(place.record % kPageLength)];
+  return &*page;
 }
 
-const RecordPages::Record& RecordPages::Load(const Outline& outline, const OutlinePlace& place) {
+const RecordPages::Page& RecordPages::LoadPage(const Outline& outline, const OutlinePlace& place) {
   Page page{.group = GroupOf(place), .number = place.record / kPageLength, .records = {}};
   const std::vector<CellValue> values = outline.Values(place.path);
   const std::int64_t count = outline.RecordCount(place.path);
@@ -80,7 +115,8 @@ const RecordPages::Record& RecordPages::Load(const Outline& outline, const Outli
     ReadStored(page, large, length);
   }
   page.records.resize(length, Record(kHistoryColumnCount));
-  return Hold(std::move(page), place.record);
+  page.rowids.resize(length, kNoRowid);
+  return Hold(std::move(page));
 }
 
 RecordPages::LargeGroup& RecordPages::Large(std::uint32_t group,
@@ -100,25 +136,25 @@ RecordPages::LargeGroup& RecordPages::Large(std::uint32_t group,
   return large_groups_.front();
 }
 
-const RecordPages::Record& RecordPages::Hold(Page page, std::int64_t record) {
+const RecordPages::Page& RecordPages::Hold(Page page) {
   held_ += page.records.size();
   pages_.push_front(std::move(page));
   while (held_ > kRecordsHeld && pages_.size() > 1) {
     held_ -= pages_.back().records.size();
     pages_.pop_back();
   }
-  return pages_.front().records[static_cast<std::size_t>(record % kPageLength)];
+  return pages_.front();
 }
 
 namespace {
 
-// The records of a query that selects the rowid ahead of all columns. `last_rowid` is left alone
-// where there is none.
+// The records of a query that selects the rowid before all columns, with their rowids: NULL, of a
+// record that is listed and gone, reads as kNoRowid.
 std::vector<RecordPages::Record> ReadRecords(SQLite::Statement& statement,
-                                             std::int64_t& last_rowid) {
+                                             std::vector<std::int64_t>& rowids) {
   std::vector<RecordPages::Record> records;
   while (statement.executeStep()) {
-    last_rowid = statement.getColumn(0).getInt64();
+    rowids.push_back(statement.getColumn(0).getInt64());
     RecordPages::Record& record = records.emplace_back(kHistoryColumnCount);
     for (int column = 1; column <= kHistoryColumnCount; ++column) {
       record[static_cast<std::size_t>(column) - 1] = ValueOf(statement.getColumn(column));
@@ -131,13 +167,13 @@ std::vector<RecordPages::Record> ReadRecords(SQLite::Statement& statement,
 
 void RecordPages::ReadSmall(Page& page, std::span<const CellValue> values, std::size_t length) {
   const std::string order = IsReordered() || query_.IsRanged()
-                                ? RecordOrderText(sort_column_, ascending_)
+                                ? RecordOrderText(sort_.column, sort_.ascending)
                                 : std::string(" ORDER BY rowid");
   Statements::InUse statement =
       statements_.Take(Select() + query_.From(values.size()) + order + " LIMIT ?5");
   query_.Bind(*statement, values);
   statement->bind(kFirst, static_cast<std::int64_t>(length));
-  page.records = ReadRecords(*statement, page.last_rowid);
+  page.records = ReadRecords(*statement, page.rowids);
 }
 
 void RecordPages::ReadStored(Page& page, LargeGroup& large, std::size_t length) {
@@ -151,9 +187,10 @@ void RecordPages::ReadStored(Page& page, LargeGroup& large, std::size_t length) 
   query_.Bind(*statement, large.values);
   statement->bind(kFirst, *lowest);
   statement->bind(kFirst + 1, static_cast<std::int64_t>(length));
-  page.records = ReadRecords(*statement, page.last_rowid);
-  if (page.records.size() == length && page.last_rowid < std::numeric_limits<std::int64_t>::max()) {
-    large.places.Note(first + kPageLength, page.last_rowid + 1);
+  page.records = ReadRecords(*statement, page.rowids);
+  if (page.records.size() == length &&
+      page.rowids.back() < std::numeric_limits<std::int64_t>::max()) {
+    large.places.Note(first + kPageLength, page.rowids.back() + 1);
   }
 }
 
@@ -169,21 +206,25 @@ void RecordPages::ReadRanged(Page& page, LargeGroup& large, std::size_t length) 
 }
 
 void RecordPages::ReadOrdered(Page& page, LargeGroup& large, std::size_t length) {
+  ReadListed(page, OrderOf(large).Slice(page.number * kPageLength, length));
+}
+
+RecordOrder& RecordPages::OrderOf(LargeGroup& large) {
   if (!large.order) {
     large.order = ReadOrder(large.values);
   }
-  ReadListed(page, large.order->Slice(page.number * kPageLength, length));
+  return *large.order;
 }
 
 void RecordPages::ReadListed(Page& page, std::span<const std::int64_t> rowids) {
   Statements::InUse statement = statements_.Take(SelectListed());
   statement->bind(1, JsonArray(rowids));
-  page.records = ReadRecords(*statement, page.last_rowid);
+  page.records = ReadRecords(*statement, page.rowids);
 }
 
 std::unique_ptr<RecordOrder> RecordPages::ReadOrder(std::span<const CellValue> values) {
   Statements::InUse statement = statements_.Take("SELECT rowid" + query_.From(values.size()) +
-                                                 RecordOrderText(sort_column_, ascending_));
+                                                 RecordOrderText(sort_.column, sort_.ascending));
   query_.Bind(*statement, values);
   auto order = std::make_unique<RecordOrder>();
   while (statement->executeStep()) {

@@ -125,6 +125,94 @@ TEST_F(HistoryPageGrid, AClickOnAHeaderSortsAndTheNextTurnsTheOrder) {
   EXPECT_THAT(Lines().front(), StartsWith("1: 1|STEERS|BATCH|998"));
 }
 
+TEST_F(HistoryPageGrid, ASortKeepsTheRecordSelected) {
+  ShowTab();
+  Click(u"chkUseHistoryNavigator"_qs);
+  ClickRow(0);
+  const std::string record = Cells(0);
+  ClickHeader(kTargetColumn);
+  ClickHeader(kTargetColumn);
+  const int row = Grid().currentIndex().row();
+  EXPECT_EQ(Cells(row), record);
+  ClickHeader(kTargetColumn);
+  EXPECT_NE(Grid().currentIndex().row(), row);
+  EXPECT_EQ(Cells(Grid().currentIndex().row()), record);
+  EXPECT_EQ(Find<QLineEdit>(u"txtHistoryRow"_qs).text(),
+            QString::number(Grid().currentIndex().row() + 1));
+}
+
+TEST_F(HistoryPageGrid, ASortWithoutASelectionSelectsNothing) {
+  ShowTab();
+  ClickHeader(kTargetColumn);
+  EXPECT_FALSE(Grid().currentIndex().isValid());
+}
+
+TEST_F(HistoryPageGrid, AClickOnTheCaptionOfALevelKeepsTheSortMark) {
+  ShowTab();
+  ChooseGroup(10);
+  ExpandAll(true);
+  const int pen = HistoryColumnOfKey("Pen");
+  ClickHeader(pen);
+  EXPECT_FALSE(Header().isSortIndicatorShown());
+  ClickHeader(kTargetColumn);
+  const std::vector<std::string> sorted = Lines();
+  ClickHeader(pen);
+  EXPECT_TRUE(Header().isSortIndicatorShown());
+  EXPECT_EQ(Header().sortIndicatorSection(), kTargetColumn - 1);
+  EXPECT_EQ(Header().sortIndicatorOrder(), Qt::AscendingOrder);
+  EXPECT_EQ(Lines(), sorted);
+}
+
+// Ink of the caption in the picture of a section, left of the sort mark.
+int InkOf(const QImage& section) {
+  const QColor ink = HistoryStyles::HeaderColor(QPalette());
+  int dots = 0;
+  for (int y = 0; y < section.height(); ++y) {
+    for (int x = 0; x < section.width(); ++x) {
+      const QColor dot = section.pixelColor(x, y);
+      dots += dot.blue() - dot.red() > 100 && ink.blue() > ink.red() ? 1 : 0;
+    }
+  }
+  return dots;
+}
+
+TEST_F(HistoryPageGrid, TheSortMarkLeavesTheCaptionWhole) {
+  ShowTab();
+  for (const char* const key : {"Target", "ActualBatch", "Transaction", "UserID", "Date"}) {
+    const int column = HistoryColumnOfKey(key);
+    Grid().scrollTo(Grid().model()->index(0, column - 1));
+    const auto picture = [&] {
+      QTest::mouseMove(Grid().viewport());
+      RunEvents();
+      return Header()
+          .grab({Header().sectionViewportPosition(column - 1), 0, Header().sectionSize(column - 1),
+                 Header().height()})
+          .toImage();
+    };
+    const int whole = InkOf(picture());
+    ASSERT_GT(whole, 50) << key;
+    ClickHeader(column);
+    EXPECT_GE(InkOf(picture()), whole) << key;
+  }
+}
+
+// A column that the operator made narrow shows the beginning of its caption, never its end alone.
+TEST_F(HistoryPageGrid, ANarrowSortedColumnShortensItsCaption) {
+  ShowTab();
+  class Strip : public HistoryHeader {
+   public:
+    using HistoryHeader::initStyleOption;
+    using HistoryHeader::initStyleOptionForIndex;
+  };
+  ClickHeader(kTargetColumn);
+  Header().resizeSection(kTargetColumn - 1, 70);
+  QStyleOptionHeader option;
+  option.initFrom(&Header());
+  (Header().*(&Strip::initStyleOptionForIndex))(&option, kTargetColumn - 1);
+  EXPECT_TRUE(option.text.startsWith(u'T')) << option.text.toStdString();
+  EXPECT_TRUE(option.text.endsWith(u'…')) << option.text.toStdString();
+}
+
 TEST_F(HistoryPageGrid, DatesSortAsDates) {
   Alter(Transactions(), "UPDATE Transactions SET Date = '2011-02-28' WHERE Pen = 'A02'");
   ShowTab();

@@ -114,7 +114,7 @@ class Pair {
         break;
       case 1:
       case 2:
-        Sort(static_cast<int>(Below(random_, 14)), open);
+        Sort(static_cast<int>(Below(random_, 14)), open, row);
         break;
       case 3:
         Sum({AnyColumns()});
@@ -148,9 +148,16 @@ class Pair {
   }
 
  private:
-  void Sort(int column, bool ascending) {
-    rows_.SortBy(column, ascending);
+  // What is on `row`, if any, is on the row that comes back.
+  void Sort(int column, bool ascending, std::int64_t row) {
+    const HistoryRow before = row == 0 ? HistoryRow() : rows_.Row(row);
+    const std::int64_t now = rows_.SortBy(column, ascending, row);
     model_.SortBy(column, ascending);
+    if (row == 0) {
+      EXPECT_EQ(now, 0);
+    } else {
+      ExpectSameRow(rows_.Row(now), before);
+    }
   }
 
   std::vector<int> AnyColumns() {

@@ -287,6 +287,18 @@ TEST_F(GroupedRowsOfASmallHistory, RecordsAreSortedWithinTheirGroupsEqualOnesAsS
   EXPECT_THAT(Lines(rows_), ElementsAre("a", "b", "c", "d", "e", "f"));
 }
 
+TEST_F(GroupedRowsOfASmallHistory, ASortTellsWhereARecordIsThen) {
+  Opened(8);
+  EXPECT_EQ(rows_.SortBy(11, true, 5), 6);   // c
+  EXPECT_EQ(rows_.SortBy(11, false, 6), 5);  // c again
+  EXPECT_EQ(rows_.SortBy(11, true, 4), 4);   // A group.
+  EXPECT_EQ(rows_.SortBy(11, false, 7), 7);  // A total.
+  EXPECT_EQ(rows_.SortBy(11, true, 0), 0);
+  Closed(0);
+  EXPECT_EQ(rows_.SortBy(1, false, 4), 1);  // d
+  EXPECT_THAT(Lines(rows_).front(), "d");
+}
+
 TEST_F(GroupedRowsOfASmallHistory, NullSortsFirstUpwardsAndLastDownwardsUsersAsNumbers) {
   Closed(0);
   rows_.SortBy(4, true);
@@ -349,6 +361,11 @@ TEST(GroupedRows, ManyThousandRecordsAreSortedThroughAFileAndReachedFromBothEnds
   grouped.SortBy(7, false);
   for (const std::int64_t row : {20000, 30000, 1, 8192, 8193, 15000, 24577, 2}) {
     EXPECT_EQ(grouped.Row(row).cells[6], CellValue(static_cast<double>(30000 - row))) << row;
+  }
+  // And a record is found again in the other order.
+  for (const std::int64_t row : {20000, 30000, 1, 8192, 8193}) {
+    EXPECT_EQ(grouped.SortBy(7, true, row), 30001 - row);
+    grouped.SortBy(7, false);
   }
 }
 

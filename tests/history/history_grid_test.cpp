@@ -111,6 +111,21 @@ TEST_F(HistoryGridTest, DatesSortAsDatesAndNumbersAsNumbers) {
                           "2: STEERS|800|780|2|02:20 PM|15-Mar-11", "=1: Total:|1100|780|||"));
 }
 
+TEST_F(HistoryGridTest, AClickOnTheColumnOfALevelKeepsTheOrder) {
+  SetUpGroup(10);
+  grid.ExpandAll();
+  const int target = HistoryColumnOfKey("Target");
+  grid.SortByColumn(target);
+  const std::vector<std::string> sorted = ShownLines(grid);
+  EXPECT_EQ(grid.SortByColumn(HistoryColumnOfKey("Pen"), 2), 2);
+  EXPECT_EQ(grid.SortColumn(), target);
+  EXPECT_TRUE(grid.SortAscending());
+  EXPECT_EQ(ShownLines(grid), sorted);
+  SetUpGroup(5);
+  grid.SortByColumn(HistoryColumnOfKey("Ingredient"));
+  EXPECT_EQ(grid.SortColumn(), 0);
+}
+
 TEST_F(HistoryGridTest, AnotherNameKeepsTheOrderASetUpDoesNot) {
   SetUpGroup(9, "A01");
   grid.SortByColumn(11);
