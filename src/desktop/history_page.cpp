@@ -291,13 +291,21 @@ QString HistoryPage::EmptyText() {
   const std::string_view column = view_->GetNamedGroupColumn();
   if (!column.empty()) {
     const QString named = ToQString(column).toLower();
-    if (!view_->Picker().visible) {
-      return QStringLiteral("Choose the data group again to pick the name of a %1.").arg(named);
+    const QString a_named = (named.startsWith(u'i') ? u"an " : u"a ") + named;
+    const NamePickerState& picker = view_->Picker();
+    if (!picker.visible) {
+      return QStringLiteral("Choose the data group again to pick the name of %1.").arg(a_named);
     }
-    return view_->Picker().index > 0
-               ? QStringLiteral("No records are stored for the %1 %2.")
-                     .arg(named, ToQString(view_->Picker().Text()))
-               : QStringLiteral("Pick the name of a %1 above to see its records.").arg(named);
+    if (picker.index > 0) {
+      return QStringLiteral("No records are stored for the %1 %2.")
+          .arg(named, ToQString(picker.Text()));
+    }
+    return picker.items.size() > 1
+               ? QStringLiteral("Pick the name of %1 above to see its records.").arg(a_named)
+               : QStringLiteral(
+                     "The recipe database has no %1 with a description, so there is no "
+                     "name to pick.")
+                     .arg(named);
   }
   const std::string_view type = view_->Grid().Group().type;
   const QString kind = type == "BATCH"  ? QStringLiteral("batch records")

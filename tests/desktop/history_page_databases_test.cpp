@@ -41,6 +41,16 @@ TEST_F(HistoryPageDatabases, AnEmptyGridSaysWhatWouldFillIt) {
   EXPECT_EQ(EmptyText(), "No records are stored for the pen A01.");
 }
 
+TEST_F(HistoryPageDatabases, AGroupByNameWithoutADescribedRecordSaysSo) {
+  ShowTab();
+  ChooseGroup(7);
+  EXPECT_EQ(EmptyText(), "Pick the name of an ingredient above to see its records.");
+  Alter(Recipes(), "UPDATE Pen SET Description = ''");
+  ChooseGroup(9);
+  EXPECT_EQ(EmptyText(),
+            "The recipe database has no pen with a description, so there is no name to pick.");
+}
+
 // A store ends with a save, which binds the database anew.
 TEST_F(HistoryPageDatabases, WhatIsStoredWhileTheTabIsOnShowIsSeenAfterTheSave) {
   ShowTab();
