@@ -99,6 +99,10 @@ void RecipeGrid::SetIngredients(std::vector<IngredientRecord> ingredients) {
   list_->SetIngredients(std::move(ingredients));
 }
 
+std::vector<int> RecipeGrid::ColumnsInSight(LineEntry entry) const {
+  return vrx::ColumnsInSight(*horizontalHeader(), entry_, entry);
+}
+
 void RecipeGrid::ShowColumns(LineEntry entry) {
   if (entry == entry_ || entry == LineEntry::kNone) {
     return;

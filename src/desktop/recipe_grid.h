@@ -59,6 +59,9 @@ class RecipeGrid : public QTableView {
   void SetUnit(std::string_view unit) { model_->SetUnit(unit); }
   void SetReadOnly(bool read_only) { model_->SetReadOnly(read_only); }
 
+  // The columns that a recipe entered that way shows, from left to right as they were moved.
+  std::vector<int> ColumnsInSight(LineEntry entry) const;
+
   // To a row of the grid as a click does, from 0. False: it stays where it is.
   bool GoTo(int row, int column);
 

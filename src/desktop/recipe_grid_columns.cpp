@@ -18,6 +18,19 @@ void ShowRecipeColumns(QHeaderView& header, LineEntry entry) {
   header.moveSection(header.visualIndex(EnteredColumn(entry)), kEnteredPosition);
 }
 
+std::vector<int> ColumnsInSight(const QHeaderView& header, LineEntry shown, LineEntry entry) {
+  std::vector<int> order;
+  for (int visual = 0; visual < kRecipeColumnCount; ++visual) {
+    order.push_back(header.logicalIndex(visual));
+  }
+  if (entry != shown && entry != LineEntry::kNone) {
+    order.erase(std::find(order.begin(), order.end(), EnteredColumn(entry)));
+    order.insert(order.begin() + kEnteredPosition, EnteredColumn(entry));
+  }
+  std::erase_if(order, [entry](int column) { return !IsColumnShown(column, entry); });
+  return order;
+}
+
 void FitRecipeColumns(QHeaderView& header, int width, int least_ingredient) {
   int left = width;
   for (int column = kColumnIngredient + 1; column < kRecipeColumnCount; ++column) {

@@ -14,6 +14,10 @@ namespace vrx {
 // to the ingredient.
 void ShowRecipeColumns(QHeaderView& header, LineEntry entry);
 
+// The columns that a recipe entered that way shows, from left to right, while the header shows
+// those of one entered as `shown`. Changes nothing.
+std::vector<int> ColumnsInSight(const QHeaderView& header, LineEntry shown, LineEntry entry);
+
 // Gives every caption its room and the ingredient what is left of a width in logical pixels, but
 // at least that much.
 void FitRecipeColumns(QHeaderView& header, int width, int least_ingredient);

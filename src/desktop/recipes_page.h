@@ -34,6 +34,11 @@ class RecipesPage final : public RecordPage, private RecipeGridEvents {
   // The recipe on show, for the printed page; nullptr before the first database.
   const RecipeOnShow* OnShow() const { return editor_ ? &editor_->OnShow() : nullptr; }
 
+  // The columns of its grid, for the printed page of a recipe entered that way.
+  std::vector<int> ColumnsInSight(LineEntry entry) const {
+    return lines_->GrdRec().ColumnsInSight(entry);
+  }
+
   // RecordPage.
   void UpdateRecord() override;
   void CancelRecord() override;

@@ -25,6 +25,15 @@ std::string IngredientName(const std::map<std::string, std::string>& names, cons
   return found == names.end() ? std::string() : found->second;
 }
 
+std::string CellText(const RecipeLineRecord& line, int column,
+                     const std::map<std::string, std::string>& names) {
+  if (column == kColumnIngredient) {
+    return IngredientName(names, line.ingredient);
+  }
+  const auto cell = RecipeColumns()[static_cast<std::size_t>(column)].cell;
+  return cell == nullptr ? YesNo(line.hand_add) : line.*cell;
+}
+
 }  // namespace
 
 Report IngredientReport(const std::vector<IngredientRecord>& rows, bool active_only,
@@ -62,24 +71,26 @@ Report PenReport(const std::vector<PenRecord>& rows, bool active_only, const Rep
 
 Report RecipeReport(const RecipeOnShow& recipe, const std::vector<IngredientRecord>& ingredients,
                     const ReportFacts& facts) {
+  return RecipeReport(recipe, ColumnsInSight(recipe.Entry()), ingredients, facts);
+}
+
+Report RecipeReport(const RecipeOnShow& recipe, const std::vector<int>& shown,
+                    const std::vector<IngredientRecord>& ingredients, const ReportFacts& facts) {
   std::map<std::string, std::string> names;
   for (const IngredientRecord& ingredient : ingredients) {
     names.emplace(std::to_string(ingredient.id), ingredient.name);
   }
-  const std::vector<int> shown = ColumnsInSight(recipe.Entry());
   std::vector<ReportColumn> columns;
   for (const int column : shown) {
     columns.push_back({.caption = ColumnCaption(column, facts.caption_unit),
-                       .right_aligned = column != kColumnIngredient && column != kColumnHandAdd});
+                       .right_aligned = column != kColumnIngredient});
   }
   std::vector<ReportRow> rows;
   for (const RecipeLineRecord& line : recipe.ration.lines) {
     ReportRow& row = rows.emplace_back();
     for (const int column : shown) {
-      const auto cell = RecipeColumns()[static_cast<std::size_t>(column)].cell;
-      row.cells.push_back(cell == nullptr ? YesNo(line.hand_add) : line.*cell);
+      row.cells.push_back(CellText(line, column, names));
     }
-    row.cells.front() = IngredientName(names, line.ingredient);
   }
   return ListedReport(SetPageHeadersRecipe(recipe, facts), std::move(columns), std::move(rows),
                       facts);

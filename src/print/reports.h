@@ -22,7 +22,11 @@ Report IngredientReport(const std::vector<IngredientRecord>& rows, bool active_o
                         const ReportFacts& facts);
 Report PenReport(const std::vector<PenRecord>& rows, bool active_only, const ReportFacts& facts);
 
-// The lines and totals as they stand; of the ingredients, those that have no row show no name.
+// The lines and totals as they are; of the ingredients, those that have no row show no name.
+// `shown`: the columns from left to right, each a RecipeColumn.
+Report RecipeReport(const RecipeOnShow& recipe, const std::vector<int>& shown,
+                    const std::vector<IngredientRecord>& ingredients, const ReportFacts& facts);
+// With the columns in the order in which a grid first shows them.
 Report RecipeReport(const RecipeOnShow& recipe, const std::vector<IngredientRecord>& ingredients,
                     const ReportFacts& facts);
 

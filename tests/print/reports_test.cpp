@@ -4,6 +4,7 @@
 
 #include <gmock/gmock.h>
 
+#include "feed/recipe_columns.h"
 #include "history/small_history.h"
 #include "print/paper.h"
 #include "print/printed_pages.h"
@@ -57,6 +58,21 @@ TEST(Reports, ARecipeShowsTheColumnsOfItsType) {
   EXPECT_THAT(Captions(RecipeReport(Recipe("P"), ingredients, Facts())),
               ElementsAre("Ingredient", "Ingredient (%)", "Dry Matter (%)", "Target (kg)",
                           "Batch Target", "Hand-Add"));
+}
+
+TEST(Reports, ARecipeShowsItsColumnsInTheOrderAsked) {
+  const Report report =
+      RecipeReport(Recipe("W"), {kColumnHandAdd, kColumnIngredient, kColumnTarget},
+                   {{.id = 1, .name = "CORN"}}, Facts());
+  EXPECT_THAT(Captions(report), ElementsAre("Hand-Add", "Ingredient", "Dry Matter (kg)"));
+  EXPECT_THAT(report.rows->Row(1).cells, ElementsAre("Yes", "CORN", "120"));
+}
+
+// The grid aligns all of its columns but that of the names to the right.
+TEST(Reports, ARecipeAlignsItsColumnsAsItsGrid) {
+  for (const ReportColumn& column : RecipeReport(Recipe("W"), {}, Facts()).design.columns) {
+    EXPECT_EQ(column.right_aligned, column.caption != "Ingredient") << column.caption;
+  }
 }
 
 TEST(Reports, ALineOfAnIngredientThatIsNotListedHasNoName) {
