@@ -32,9 +32,12 @@ constexpr std::array<SetupOption, kSetupOptionCount> kOptions{{
      &PrivateINI::SetPrintGridLinesOn},
 }};
 
-// A document of each kind that ships with the program, or such a one by its name.
-constexpr std::array<std::pair<std::string_view, std::string_view>, 3> kProbes{
-    {{"DOC", "VRX2260_U.DOC"}, {"TXT", "Readme.TXT"}, {"PDF", "VRX2260_U.PDF"}}};
+// A document of each kind that ships with the program. The manual ships as a PDF file only, so
+// there is none of the kind DOC to look a viewer up for.
+constexpr std::string_view kNoDocument =
+    "DOC: No document of this kind ships with the program. The manual is VRX2260_U.PDF.\r\n";
+constexpr std::array<std::pair<std::string_view, std::string_view>, 2> kProbes{
+    {{"TXT", "Readme.TXT"}, {"PDF", "VRX2260_U.PDF"}}};
 
 int IndexOf(std::span<const std::string_view> list, std::string_view text) {
   const auto found = std::find(list.begin(), list.end(), text);
@@ -94,7 +97,7 @@ SetupControls LoadSetupControls(const PrivateINI& settings) {
 }
 
 std::string AssociationsText(const SystemInfo& system) {
-  std::string text;
+  std::string text(kNoDocument);
   for (const auto& [kind, document] : kProbes) {
     std::string message;
     const std::string viewer = FindDocumentViewer(system, std::string(document), message);

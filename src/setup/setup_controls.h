@@ -44,7 +44,7 @@ struct SetupControls {
 // The settings as the form shows them. A baud rate that the list does not have shows as 19200.
 SetupControls LoadSetupControls(const PrivateINI& settings);
 
-// `txtAssociations`: the viewers of the three kinds of document.
+// `txtAssociations`: the viewers of the documents that ship, by their kind.
 std::string AssociationsText(const SystemInfo& system);
 
 // `cmdOK`: the settings become what is chosen; the file is written at the exit. Warns ahead of the

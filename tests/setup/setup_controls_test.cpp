@@ -2,6 +2,7 @@
 
 #include <gmock/gmock.h>
 
+#include "setup/documents.h"
 #include "support/fixed_system_info.h"
 #include "support/recording_operator.h"
 
@@ -157,12 +158,29 @@ TEST(AssociationsText, NamesTheViewerOfEachKind) {
   system.find_executable_code = 33;
   system.viewer_path = "/usr/bin/viewer";
   EXPECT_EQ(AssociationsText(system),
-            "DOC: /usr/bin/viewer\r\nTXT: /usr/bin/viewer\r\nPDF: /usr/bin/viewer\r\n");
+            "DOC: No document of this kind ships with the program. The manual is VRX2260_U.PDF.\r\n"
+            "TXT: /usr/bin/viewer\r\nPDF: /usr/bin/viewer\r\n");
+}
+
+// Those of the Help menu.
+TEST(AssociationsText, LooksForDocumentsThatShip) {
+  class AskedSystem : public FixedSystemInfo {
+   public:
+    int FindExecutable(const std::string& document, const std::string& /*directory*/,
+                       std::string& /*viewer*/) const override {
+      asked.push_back(document);
+      return 2;
+    }
+    mutable std::vector<std::string> asked;
+  };
+  const AskedSystem system;
+  AssociationsText(system);
+  EXPECT_THAT(system.asked, ::testing::UnorderedElementsAre(kReadme.file, kUsersManual.file));
 }
 
 TEST(AssociationsText, TellsWhatIsMissing) {
   const std::string text = AssociationsText(FixedSystemInfo());
-  for (const std::string kind : {"DOC: ", "TXT: ", "PDF: "}) {
+  for (const std::string kind : {"TXT: ", "PDF: "}) {
     EXPECT_THAT(text, ::testing::HasSubstr(kind + kNoViewer));
   }
 }
