@@ -3,7 +3,6 @@
 #include <memory>
 #include <string>
 #include <string_view>
-#include <system_error>
 #include <utility>
 #include <vector>
 
@@ -16,9 +15,11 @@
 #include "ctl/recipe_file.h"
 #include "ctl/session.h"
 #include "database/identity.h"
+#include "database/keep_database.h"
 #include "feed/record_kind.h"
 #include "frame/error.h"
 #include "print/paper.h"
+#include "print/print_questions.h"
 #include "print/reports.h"
 
 namespace vrx {
@@ -52,11 +53,6 @@ std::string FullPath(const std::string& path) {
   return path.empty() ? std::string() : fs::absolute(path).lexically_normal().string();
 }
 
-bool IsSameFile(const std::string& one, const std::string& other) {
-  std::error_code ignored;
-  return fs::equivalent(one, other, ignored);
-}
-
 class PrintCommand : public Command {
  public:
   CLI::App* Register(CLI::App& app) override {
@@ -81,6 +77,8 @@ class PrintCommand : public Command {
                              "The recipes, each on a sheet of its own."}});
     return command_;
   }
+
+  bool OnlyReads() const override { return true; }
 
   int Run(Session& session) override {
     if (kind_ != nullptr) {
@@ -131,7 +129,7 @@ class PrintCommand : public Command {
     }
     std::vector<Report> reports;
     reports.push_back(HistoryReport(grid, fit_, facts));
-    return Print(session, reports, {databases.trans_db_path.string(), recipes});
+    return Print(session, reports);
   }
 
   int PrintRecords(Session& session) const {
@@ -140,7 +138,7 @@ class PrintCommand : public Command {
       ReportFacts facts = Facts(session);
       facts.recipe_file = FullPath(recipes_);
       facts.weight_unit = ReadDatabaseUoM(recipes_);
-      const std::vector<Report> reports = RecordReports(database, facts);
+      std::vector<Report> reports = RecordReports(database, facts);
       if (reports.empty() || reports.front().rows->Count() < 1) {
         printed =
             kind_->kind == RecordKind::kRecipe
@@ -149,7 +147,7 @@ class PrintCommand : public Command {
                          "There is no " + std::string(kind_->noun) + " data to be printed.");
         return;
       }
-      printed = Print(session, reports, {recipes_});
+      printed = Print(session, reports);
     });
     return read == kDone ? printed : read;
   }
@@ -184,18 +182,16 @@ class PrintCommand : public Command {
     return kFailed;
   }
 
-  // What is printed is never printed over.
-  int Print(Session& session, const std::vector<Report>& reports,
-            const std::vector<std::string>& sources) const {
-    for (const std::string& source : sources) {
-      if (IsSameFile(pdf_, source)) {
-        throw Error(pdf_ + " is the database itself");
-      }
-    }
+  int Print(Session& session, std::vector<Report>& reports) const {
     session.Context().start_drawing();
     try {
       const std::unique_ptr<Paper> paper = MakePdfFile(pdf_, "VRX-2260 report");
+      if (!MayPrint(reports, paper->Device(), session.Op())) {
+        return kFailed;
+      }
       PrintOn(*paper, [&](ReportJob& job) { return PrintAll(session, job, reports); });
+    } catch (const DatabaseInTheWay& failure) {
+      return Refuse(session, Icon::kWarning, failure.what());
     } catch (const Error& failure) {
       session.Op().ShowMessage({.icon = Icon::kCritical,
                                 .title = std::string(kPrintError),

@@ -7,9 +7,11 @@
 #include <utility>
 #include <vector>
 
+#include "database/keep_database.h"
 #include "desktop/print_progress.h"
 #include "desktop/recipe_lines.h"
 #include "feed/record_kind.h"
+#include "print/print_questions.h"
 
 namespace vrx {
 namespace {
@@ -70,6 +72,8 @@ void PrintCommands::PrintCurrentTab() {
     }
   } catch (const NoPrinter& failure) {
     Refuse(Icon::kWarning, failure.what());
+  } catch (const DatabaseInTheWay& failure) {
+    Refuse(Icon::kWarning, failure.what());
   } catch (const std::exception& failure) {
     ports_.op.ShowMessage({.icon = Icon::kCritical,
                            .title = std::string(kPrintError),
@@ -125,7 +129,7 @@ void PrintCommands::PrintRecipeOnShow() {
   if (page != nullptr && page->OnShow() != nullptr && recipes != nullptr) {
     std::vector<IngredientRecord> ingredients = ReadIngredients(*recipes);
     KeepActive(ingredients, true);
-    PrintGrid("recipe", RecipeReport(*page->OnShow(), ingredients, Facts()));
+    PrintGrid("recipe", ReportOf(*page->OnShow(), ingredients));
   }
 }
 
@@ -149,7 +153,7 @@ void PrintCommands::PrintAllRecipes(SQLite::Database& recipes) {
   // The scan ends on the last recipe, and a single one is printed as the grid stands: that one,
   // whichever was found.
   if (count == 1) {
-    PrintReport(RecipeReport(ReadRecipeToPrint(recipes, kRecipeCount), ingredients, Facts()));
+    PrintReport(ReportOf(ReadRecipeToPrint(recipes, kRecipeCount), ingredients));
     return;
   }
   const Answer answer = ports_.op.ShowMessage(
@@ -163,40 +167,47 @@ void PrintCommands::PrintAllRecipes(SQLite::Database& recipes) {
     return;
   }
   scan.Panel().Tell(QStringLiteral("Printing recipes..."));
-  const bool printed = OnPaper([&](ReportJob& job) {
-    for (int id = 1; id <= kRecipeCount; ++id) {
-      scan.Panel().GoTo(id);
-      const RecipeOnShow recipe = ReadRecipeToPrint(recipes, id);
-      if (recipe.LineCount() > 0 && !PrintPages(job, RecipeReport(recipe, ingredients, Facts()))) {
-        return false;
-      }
-    }
-    return true;
-  });
+  const std::unique_ptr<Paper> paper = setup_.Open(kDocument);
+  const bool printed =
+      paper && OnPaper(*paper, [&](ReportJob& job) {
+        for (int id = 1; id <= kRecipeCount; ++id) {
+          scan.Panel().GoTo(id);
+          const RecipeOnShow recipe = ReadRecipeToPrint(recipes, id);
+          if (recipe.LineCount() > 0 && !PrintPages(job, ReportOf(recipe, ingredients))) {
+            return false;
+          }
+        }
+        return true;
+      });
   if (printed) {
     scan.Panel().Tell(QStringLiteral("Done!"));
   }
 }
 
-void PrintCommands::PrintGrid(std::string_view noun, const Report& report) {
+Report PrintCommands::ReportOf(const RecipeOnShow& recipe,
+                               const std::vector<IngredientRecord>& ingredients) const {
+  const auto& page = *ports_.window.findChild<RecipesPage*>();
+  return RecipeReport(recipe, page.ColumnsInSight(recipe.Entry()), ingredients, Facts());
+}
+
+void PrintCommands::PrintGrid(std::string_view noun, Report report) {
   if (report.rows->Count() < 1) {
     Refuse(Icon::kWarning, "There is no " + std::string(noun) + " data to be printed.");
     return;
   }
-  PrintReport(report);
+  PrintReport(std::move(report));
 }
 
-bool PrintCommands::PrintReport(const Report& report) {
-  return OnPaper([&](ReportJob& job) { return PrintPages(job, report); });
-}
-
-bool PrintCommands::OnPaper(const Job& job) {
+void PrintCommands::PrintReport(Report report) {
   const std::unique_ptr<Paper> paper = setup_.Open(kDocument);
-  if (!paper) {
-    return false;
+  if (paper && MayPrint({&report, 1}, paper->Device(), ports_.op)) {
+    OnPaper(*paper, [&](ReportJob& job) { return PrintPages(job, report); });
   }
+}
+
+bool PrintCommands::OnPaper(Paper& paper, const Job& job) {
   ports_.op.SetBusy(true);
-  const bool printed = PrintOn(*paper, job);
+  const bool printed = PrintOn(paper, job);
   ports_.op.SetBusy(false);
   return printed;
 }

@@ -51,12 +51,16 @@ class PrintCommands {
 
   void PrintRecipeOnShow();
   void PrintAllRecipes(SQLite::Database& recipes);
+  // With the columns in the order of the grid.
+  Report ReportOf(const RecipeOnShow& recipe,
+                  const std::vector<IngredientRecord>& ingredients) const;
 
   // The common course: refuses an empty grid, else prints under the hourglass.
-  void PrintGrid(std::string_view noun, const Report& report);
-  // False: nothing was printed; the operator has been told, or has said so.
-  bool PrintReport(const Report& report);
-  bool OnPaper(const Job& job);
+  void PrintGrid(std::string_view noun, Report report);
+  // Asks for the file where the paper is one, and what MayPrint has to ask.
+  void PrintReport(Report report);
+  // False: the operator ended it.
+  bool OnPaper(Paper& paper, const Job& job);
   bool PrintPages(ReportJob& job, const Report& report);
   void Refuse(Icon icon, const std::string& text);
 

@@ -5,6 +5,7 @@
 #include <utility>
 #include <vector>
 
+#include "database/keep_database.h"
 #include "exchange/ingredient_column_names.h"
 #include "export/csv_export.h"
 #include "export/html_page.h"
@@ -63,6 +64,24 @@ void RefuseOpenDatabase(const fs::path& file, const OpenDatabases& databases) {
   }
 }
 
+// A stylesheet is copied beside an XML file and replaces what has its name. The program's own
+// stylesheets are never written over.
+void RefuseStyleSheet(const fs::path& file, ExportFormat format, const StyleSheets& style_sheets,
+                      int group) {
+  std::error_code ignored;
+  const fs::path target = fs::weakly_canonical(fs::absolute(file, ignored), ignored);
+  if (fs::equivalent(target.parent_path(), style_sheets.SourceFolder(), ignored)) {
+    throw Error("cannot write " + file.string() +
+                ": its folder holds the program's own stylesheets. Choose another folder.");
+  }
+  const std::string name = file.filename().string();
+  if (format == ExportFormat::kXml &&
+      EqualsIgnoringCase(name, style_sheets.SourceOf(group).filename().string())) {
+    throw Error("cannot write " + file.string() +
+                ": the stylesheet beside it takes that name. Choose another name.");
+  }
+}
+
 }  // namespace
 
 std::string_view ExtensionOf(ExportFormat format) {
@@ -96,6 +115,8 @@ ExportOutcome ExportDriver::ExportGroup(const DataGroupOnShow& shown, ExportForm
     return {.done = false, .error_text = std::string(missing)};
   }
   RefuseOpenDatabase(file, databases);
+  KeepDatabase(file);
+  RefuseStyleSheet(file, format, style_sheets_, shown.index);
   if (format == ExportFormat::kCsv) {
     return {.done = CSVExport(names).ExportData(shown.index, file, databases.trans_db_path, visible,
                                                 shown.name, databases.lock_wait)};

@@ -45,7 +45,9 @@ class ExportDriver {
   // written, for a group by name without a name and for an index that is no group; HTML also
   // without the group's stylesheet, which the operator is told.
   //
-  // Throws what the writers throw, and Error where the file is one of the open databases.
+  // Throws what the writers throw, and Error where the file is a database, open or not, where it
+  // lies in the folder of the program's stylesheets, and for an XML file that is named as its
+  // stylesheet.
   ExportOutcome ExportGroup(const DataGroupOnShow& shown, ExportFormat format,
                             const std::filesystem::path& file,
                             const OpenDatabases& databases) const;

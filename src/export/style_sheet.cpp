@@ -2,6 +2,7 @@
 
 #include <cstdint>
 #include <string>
+#include <system_error>
 
 #include "frame/application.h"
 #include "frame/files.h"
@@ -18,12 +19,18 @@ constexpr std::int32_t kNoSource = 0;  // of Folder::CopyFile
 
 }  // namespace
 
-void StyleSheets::MakeExportFolder() const { Folder::CreateDirectory(data_folder_ / "Export"); }
+void StyleSheets::MakeExportFolder() const {
+  if (!data_folder_.empty()) {
+    std::error_code ignored;
+    fs::create_directory(data_folder_ / "Export", ignored);
+  }
+}
+
+fs::path StyleSheets::SourceFolder() const { return fs::path(system_.ProgramDirectory()) / "XSL"; }
 
 fs::path StyleSheets::SourceOf(int group) const {
   const DataGroup* const found = FindDataGroup(group);
-  return found == nullptr ? fs::path()
-                          : fs::path(system_.ProgramDirectory()) / "XSL" / found->stylesheet;
+  return found == nullptr ? fs::path() : SourceFolder() / found->stylesheet;
 }
 
 fs::path StyleSheets::PresentSourceOf(int group) const {

@@ -13,12 +13,16 @@ namespace vrx {
 // the object.
 class StyleSheets {
  public:
-  // `data_folder` is the application's, which is there.
+  // `data_folder` is the application's.
   StyleSheets(std::filesystem::path data_folder, const SystemInfo& system, Operator& op)
       : data_folder_(std::move(data_folder)), system_(system), op_(op) {}
 
-  // The folder Export below the data folder. Throws FileError.
+  // The folder Export below the data folder. Nothing is written there, so an export goes on where
+  // it cannot be made.
   void MakeExportFolder() const;
+
+  // The program's folder of all stylesheets.
+  std::filesystem::path SourceFolder() const;
 
   // Where a group's stylesheet is looked for; empty for an index that is no group.
   std::filesystem::path SourceOf(int group) const;

@@ -8,6 +8,7 @@
 #include <optional>
 #include <string_view>
 
+#include "database/keep_database.h"
 #include "frame/files.h"
 #include "frame/replacing_file.h"
 
@@ -21,7 +22,9 @@ constexpr int kDotsPerInch = 1200;
 // does not pass it on.
 class OutFile : public QIODevice {
  public:
-  explicit OutFile(const std::filesystem::path& path) : file_(path) { open(WriteOnly); }
+  explicit OutFile(const std::filesystem::path& path) : path_(path), file_(path) {
+    open(WriteOnly);
+  }
 
   bool isSequential() const override { return true; }
 
@@ -30,6 +33,7 @@ class OutFile : public QIODevice {
     if (failure_) {
       throw FileError(*failure_);
     }
+    KeepDatabase(path_);  // One may have been made while the report was printed.
     file_.TakePlace();
   }
 
@@ -49,6 +53,7 @@ class OutFile : public QIODevice {
   }
 
  private:
+  std::filesystem::path path_;
   ReplacingFile file_;
   std::optional<std::string> failure_;
 };
@@ -80,6 +85,7 @@ class PdfFile : public Paper {
 }  // namespace
 
 std::unique_ptr<Paper> MakePdfFile(const std::filesystem::path& path, const std::string& title) {
+  KeepDatabase(path);
   return std::make_unique<PdfFile>(path, title);
 }
 

@@ -16,12 +16,12 @@ class Paper {
   virtual ~Paper() = default;
   virtual QPagedPaintDevice& Device() = 0;
 
-  // Called once, behind the end of the job. Throws Error where the document has come to nothing.
+  // Called once, after the end of the job. Throws Error where the document has come to nothing.
   virtual void Finish() = 0;
 };
 
 // A PDF file that takes its name once it is whole; before that the path holds what it held. Needs a
-// QGuiApplication. Throws FileError.
+// QGuiApplication. Throws FileError, and DatabaseInTheWay for a path that names a database.
 std::unique_ptr<Paper> MakePdfFile(const std::filesystem::path& path, const std::string& title);
 
 // What every report has of its paper: upright, with these margins.

@@ -54,6 +54,9 @@ class ReportLayout {
     return kind == ReportRowKind::kRecord ? row_font_ : bold_font_;
   }
 
+  // The size of the letters of a record.
+  double LetterPoints() const { return row_font_.pointSizeF(); }
+
   // A report that is too wide goes on several sheets that lie side by side.
   const std::vector<ColumnStrip>& Strips() const { return strips_; }
 

@@ -162,6 +162,52 @@ TEST_F(ExportCommandTest, BothDatabasesAreOnlyReadAndNeverWrittenOver) {
   EXPECT_EQ(ReadAll(recipes), recipes_before);
 }
 
+TEST_F(ExportCommandTest, ADatabaseThatIsNotOpenIsNeverWrittenOver) {
+  const std::string other = NewTransactionDatabase("OTHER.TDB");
+  fs::copy_file(other, folder / "other.csv");
+  const std::string before = ReadAll(other);
+  for (const std::string format : {"csv", "xml", "html"}) {
+    for (const std::string& file : {other, (folder / "other.csv").string()}) {
+      EXPECT_EQ(Export(1, format, file), 1);
+      EXPECT_EQ(err,
+                "Export: " + file + " is a database and is not replaced. Choose another name.\n");
+      EXPECT_EQ(ReadAll(file), before);
+    }
+  }
+}
+
+TEST_F(ExportCommandTest, TheProgramsOwnStylesheetsAreNeverWrittenOver) {
+  system.program_directory = (folder / "program").string();
+  const fs::path sheets = folder / "program" / "XSL";
+  fs::create_directory(folder / "program");
+  fs::copy(std::string(VRX_BIN_DIR) + "/XSL", sheets);
+  const std::string before = ReadAll(sheets / "RecipesAll.xsl");
+  fs::create_directory_symlink(sheets, folder / "link");
+  fs::create_symlink(sheets / "RecipesAll.xsl", folder / "link.xsl");
+  for (const std::string format : {"csv", "xml", "html"}) {
+    for (const fs::path& file : {sheets / "DAY.xml", sheets / "RecipesAll.xsl",
+                                 folder / "link" / "DAY.xml", folder / "link.xsl"}) {
+      EXPECT_EQ(Export(3, format, file), 1);
+      EXPECT_EQ(err, "Export: cannot write " + file.string() +
+                         ": its folder holds the program's own stylesheets. Choose another "
+                         "folder.\n");
+    }
+  }
+  EXPECT_FALSE(fs::exists(sheets / "DAY.xml"));
+  EXPECT_EQ(ReadAll(sheets / "RecipesAll.xsl"), before);
+}
+
+TEST_F(ExportCommandTest, AnXmlFileIsNeverNamedAsItsStylesheet) {
+  for (const char* const name : {"RecipesAll.xsl", "recipesall.XSL"}) {
+    EXPECT_EQ(Export(3, "xml", folder / name), 1);
+    EXPECT_EQ(err, "Export: cannot write " + (folder / name).string() +
+                       ": the stylesheet beside it takes that name. Choose another name.\n");
+    EXPECT_FALSE(fs::exists(folder / name));
+  }
+  EXPECT_EQ(Export(3, "csv", folder / "RecipesAll.xsl"), 0);
+  EXPECT_EQ(Export(3, "xml", folder / "IngAll.xsl"), 0);
+}
+
 TEST_F(ExportCommandTest, AMissingStylesheetIsToldAndTheXmlIsDone) {
   system.program_directory = folder.Path().string();
   EXPECT_EQ(Export(3, "xml", out_folder / "DAY.xml"), 0);

@@ -5,6 +5,7 @@
 #include <QEvent>
 #include <QImage>
 #include <QPushButton>
+#include <QTableView>
 #include <QTest>
 #include <functional>
 
@@ -14,7 +15,9 @@
 #include "desktop/history_site.h"
 #include "desktop/next_modal.h"
 #include "end_to_end/program.h"
+#include "feed/recipe_columns.h"
 #include "history/data_group.h"
+#include "print/print_questions.h"
 #include "print/printed_pages.h"
 
 namespace vrx::testing {
@@ -187,6 +190,19 @@ TEST_F(PrintCommandsTest, TheRecipeOnShowPrintsWithItsTotals) {
           "hAY 200 66.667 50 400 0 No", "1/5/2026 Page 1 of 1")));
 }
 
+TEST_F(PrintCommandsTest, ARecipePrintsItsColumnsAsTheyWereMoved) {
+  AddRecipe(1, "W", 2);
+  settings_.SetPrintCurrentRecipeOnlyOn(true);
+  ShowTab();
+  GoToTab(kTabRecipes);
+  QHeaderView& header = *Find<QTableView>(u"grdREC"_qs).horizontalHeader();
+  header.moveSection(header.visualIndex(kColumnHandAdd), 1);
+  header.moveSection(header.visualIndex(kColumnBatchTarget), 0);
+  const Pages pages = Print();
+  ASSERT_THAT(pages, SizeIs(1));
+  EXPECT_THAT(pages[0], Contains("0 CORN No 100 33.333 50 200"));
+}
+
 TEST_F(PrintCommandsTest, ARecipeWithoutTypePrintsTotalsAndNothingBelow) {
   AddRecipe(1, "!", 1);
   settings_.SetPrintCurrentRecipeOnlyOn(true);
@@ -249,6 +265,20 @@ TEST_F(PrintAllRecipes, AnAnswerOfNoPrintsNothing) {
   EXPECT_THAT(chooser_.dialogs.back().title, Not("Print to PDF File"));
   EXPECT_FALSE(Visible(u"prgScanPrint"_qs));
   EXPECT_FALSE(operator_.busy);
+}
+
+TEST_F(PrintAllRecipes, ByPercentFollowMovedColumnsWhileOneByWeightIsShown) {
+  AddRecipe(1, "W", 1);
+  AddRecipe(2, "P", 1);
+  ShowTab();
+  GoToTab(kTabRecipes);
+  QHeaderView& header = *Find<QTableView>(u"grdREC"_qs).horizontalHeader();
+  header.moveSection(header.visualIndex(kColumnHandAdd), 1);
+  operator_.answers = {Answer::kYes};
+  const Pages pages = Print();
+  ASSERT_THAT(pages, SizeIs(2));
+  EXPECT_THAT(pages[0], Contains("CORN No 100 33.333 50 200 0"));
+  EXPECT_THAT(pages[1], Contains("CORN 0 No 50 200 0"));
 }
 
 // The scan stands on the last recipe when the only one is printed: that one comes out.
@@ -377,6 +407,43 @@ TEST_F(PrintCommandsTest, WithoutFitAWideGroupGoesOverSeveralPages) {
   EXPECT_THAT(Print(), SizeIs(1));
 }
 
+// A file of that many pages on every sheet of the group.
+TEST_F(PrintCommandsTest, AReportOfManySheetsIsPrintedAfterAQuestionOnly) {
+  Alter(Transactions(),
+        "WITH RECURSIVE Copy (n) AS (SELECT 1 UNION ALL SELECT n + 1 FROM Copy WHERE n < 3000) "
+        "INSERT INTO Transactions ([Transaction], Recipe, Type, Target) "
+        "SELECT n, 'STEERS', 'FEED', 100 FROM Copy");
+  ShowTab();
+  operator_.answers = {Answer::kNo};
+  EXPECT_THAT(Print(), IsEmpty());
+  ASSERT_THAT(operator_.boxes, SizeIs(1));
+  const std::string asked = LastBox().text;
+  EXPECT_FALSE(operator_.busy);
+  operator_.answers = {Answer::kYes};
+  EXPECT_EQ(asked, "The report takes " + std::to_string(Print().size()) +
+                       " sheets.\r\nDo you want to print all of them?");
+}
+
+TEST_F(PrintCommandsTest, AnUnreadableFitIsOfferedOnPagesSideBySide) {
+  {
+    SQLite::Database database = OpenDatabase(Recipes(), Access::kWrite);
+    for (int id = 3; id <= 90; ++id) {
+      WriteIngredient(database,
+                      {.id = id, .name = "FEED" + std::to_string(id), .description = "x"});
+    }
+  }
+  ShowTab();
+  const Pages wide = Print();
+  ASSERT_THAT(operator_.boxes, IsEmpty());
+  Click(u"chkBatFitPage"_qs);
+  operator_.answers = {Answer::kCancel};
+  EXPECT_THAT(Print(), IsEmpty());
+  EXPECT_THAT(LastBox().text, HasSubstr("too small to read"));
+  operator_.answers = {Answer::kOk};
+  EXPECT_EQ(Print(), wide);
+  EXPECT_TRUE(Find<QAbstractButton>(u"chkBatFitPage"_qs).isChecked());
+}
+
 TEST_F(PrintCommandsTest, AMovedColumnIsPrintedWhereItStands) {
   ShowTab();
   ChooseGroup(8);
@@ -466,6 +533,20 @@ TEST_F(PrintCommandsTest, ACancelOfTheFileOrOfPrintSetupPrintsNothing) {
   Choose(u"mnuFilePrint"_qs);
   EXPECT_THAT(operator_.boxes, IsEmpty());
   EXPECT_FALSE(operator_.busy);
+}
+
+TEST_F(PrintCommandsTest, ADatabaseIsNotReplacedOpenOrNot) {
+  ShowTab();
+  const fs::path other = folder_ / "report.pdf";
+  fs::copy_file(Recipes(), other);
+  ChoosePdf();
+  for (const fs::path& database : {Transactions(), Recipes(), other}) {
+    const std::string before = ReadAll(database);
+    chooser_.Choose(database);
+    Choose(u"mnuFilePrint"_qs);
+    ExpectRefused(database.string() + " is a database and is not replaced. Choose another name.");
+    EXPECT_EQ(ReadAll(database), before);
+  }
 }
 
 TEST_F(PrintCommandsTest, AFileThatCannotBeMadeIsToldWithItsCause) {

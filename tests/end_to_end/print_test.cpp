@@ -73,8 +73,35 @@ TEST_F(Prints, NothingToPrintIsTold) {
 TEST_F(Prints, ADatabaseIsNeverPrintedOver) {
   const std::string day = StoredDay();
   const std::string before = Bytes(day);
-  EXPECT_EQ(PrintTo(day, {day, "--group", "0"}).code, 1);
-  EXPECT_EQ(Bytes(day), before);
+  fs::copy_file(day, folder / "other.pdf");
+  fs::create_symlink(day, folder / "link.pdf");
+  for (const std::string& name :
+       {fs::path(day).filename().string(), std::string("other.pdf"), std::string("link.pdf")}) {
+    const Result result = PrintTo(folder / name, {day, "--group", "0"});
+    EXPECT_EQ(result.code, 1);
+    EXPECT_EQ(result.err, "Print Error: " + (folder / name).string() +
+                              " is a database and is not replaced. Choose another name.\n");
+    EXPECT_EQ(Bytes(folder / name), before);
+  }
+}
+
+TEST_F(Prints, MoreThanFiftySheetsNeedAYes) {
+  const std::string day = StoredDay();
+  {
+    SQLite::Database database(day, SQLite::OPEN_READWRITE);
+    database.exec(
+        "WITH RECURSIVE Copy (n) AS (SELECT 1 UNION ALL SELECT n + 1 FROM Copy WHERE n < 4000) "
+        "INSERT INTO Transactions ([Transaction], Recipe, Type) SELECT n, 'A', 'FEED' FROM Copy");
+  }
+  const std::vector<std::string> what{day, "--group", "0"};
+  const Result asked = PrintTo(pdf, what);
+  EXPECT_EQ(asked.code, 1);
+  EXPECT_THAT(asked.err, ::testing::MatchesRegex(
+                             "Print: The report takes [0-9]+ sheets.\nDo you want to print all of "
+                             "them\\?\nanswered with No \\(--yes answers with Yes\\)\n"));
+  EXPECT_FALSE(fs::exists(pdf));
+  EXPECT_EQ(PrintTo(pdf, {day, "--group", "0", "--yes"}).code, 0);
+  EXPECT_THAT(Bytes(pdf), StartsWith("%PDF-"));
 }
 
 TEST_F(Prints, WrongUsageIsRefused) {

@@ -10,6 +10,7 @@
 
 #include <gmock/gmock.h>
 
+#include "database/keep_database.h"
 #include "frame/error.h"
 #include "print/paper.h"
 #include "print/printed_pages.h"
@@ -410,6 +411,18 @@ TEST_F(BrokenOffReport, LeavesTheFileAsItWasWhenItIsEnded) {
     }));
   }
   ExpectUntouched();
+}
+
+TEST_F(BrokenOffReport, LeavesADatabaseThatWasMadeMeanwhile) {
+  const std::string database = "SQLite format 3" + std::string(1, '\0') + " and more";
+  const auto paper = MakePdfFile(pdf_, "test");
+  EXPECT_THROW(PrintOn(*paper,
+                       [&](ReportJob& job) {
+                         std::ofstream(pdf_, std::ios::binary) << database;
+                         return job.Print(Listed(2));
+                       }),
+               DatabaseInTheWay);
+  EXPECT_EQ(ReadAll(pdf_), database);
 }
 
 TEST_F(BrokenOffReport, TellsAFolderThatIsNotThere) {

@@ -1,0 +1,82 @@
+#include "database/keep_database.h"
+
+#include <array>
+#include <string>
+#include <string_view>
+#include <system_error>
+
+#include <SQLiteCpp/Database.h>
+#include <SQLiteCpp/Exception.h>
+#include <sqlite3.h>
+
+#include "frame/text.h"
+
+namespace vrx {
+
+namespace fs = std::filesystem;
+using namespace std::string_view_literals;
+
+namespace {
+
+// What a database of this or an earlier generation, a rollback journal and a write-ahead log begin
+// with.
+constexpr std::array kContents{"SQLite format 3\0"sv, "\0\1\0\0Standard Jet DB"sv,
+                               "\xD9\xD5\x05\xF9\x20\xA1\x63\xD7"sv, "\x37\x7F\x06\x82"sv,
+                               "\x37\x7F\x06\x83"sv};
+constexpr std::array kExtensions{".RDB"sv, ".TDB"sv};
+
+// The first bytes of a file; empty for one that cannot be read. Read through the engine's own file
+// handle: closing a second one would drop the locks that a connection of this process holds.
+std::string ReadHead(const fs::path& path) {
+  constexpr int kLookAt = 32;
+  try {
+    SQLite::Database database(fs::absolute(path), SQLite::OPEN_READONLY);
+    sqlite3_file* file = nullptr;
+    sqlite3_file_control(database.getHandle(), "main", SQLITE_FCNTL_FILE_POINTER, &file);
+    std::string head(kLookAt, '\0');
+    // A shorter file is filled up with zeros.
+    const int result = file->pMethods->xRead(file, head.data(), kLookAt, 0);
+    return result == SQLITE_OK || result == SQLITE_IOERR_SHORT_READ ? head : std::string();
+  } catch (const SQLite::Exception&) {
+    return {};
+  }
+}
+
+bool HasContent(std::string_view head) {
+  for (const std::string_view content : kContents) {
+    if (head.starts_with(content)) {
+      return true;
+    }
+  }
+  return false;
+}
+
+bool HasName(const fs::path& path) {
+  for (const std::string_view extension : kExtensions) {
+    if (EqualsIgnoringCase(path.extension().string(), extension)) {
+      return true;
+    }
+  }
+  return false;
+}
+
+}  // namespace
+
+void KeepDatabase(const fs::path& path) {
+  std::error_code error;
+  if (!fs::is_regular_file(path, error)) {
+    return;  // Nothing to lose, or no file: the writing refuses a folder or a device by itself.
+  }
+  fs::path target = fs::canonical(path, error);
+  if (error) {
+    target = path;
+  }
+  const bool is_database = HasContent(ReadHead(target));
+  if (is_database || HasName(path) || HasName(target)) {
+    throw DatabaseInTheWay(path.string() +
+                           (is_database ? " is a database" : " has the name of a database") +
+                           " and is not replaced. Choose another name.");
+  }
+}
+
+}  // namespace vrx
