@@ -26,6 +26,10 @@ class Command {
   // Adds the subcommand; called once. The App outlives the command.
   virtual CLI::App* Register(CLI::App& app) = 0;
 
+  // Whether the run leaves databases, settings and the module as they are. Such a command also
+  // works where the data folder is missing or cannot be written. Called after the parse.
+  virtual bool OnlyReads() const { return false; }
+
   // Called after a parse that chose the subcommand. Returns kDone or kFailed; may throw
   // CLI::ParseError for a usage that only now shows as wrong, and Error.
   virtual int Run(Session& session) = 0;

@@ -48,6 +48,9 @@ CommandTree::CommandTree() {
 int RunChosen(const std::vector<Entry>& entries, Session& session) {
   for (const Entry& entry : entries) {
     if (entry.app->parsed()) {
+      if (entry.command->OnlyReads()) {
+        session.OnlyRead();
+      }
       return entry.command->Run(session);
     }
   }

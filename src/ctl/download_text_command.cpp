@@ -26,6 +26,8 @@ class DownloadTextCommand : public Command {
     return command;
   }
 
+  bool OnlyReads() const override { return true; }
+
   int Run(Session& session) override {
     const bool batch_target = session.Settings().BatchTargetWtIsRecTargetOn();
     return ReadRecipeFile(session, file_, [&](SQLite::Database& database) {

@@ -53,6 +53,8 @@ class ExportCommand : public Command {
     return command;
   }
 
+  bool OnlyReads() const override { return true; }
+
   int Run(Session& session) override {
     return source_.Run(session, [&](const HistoryGrid& grid) {
       return TrapExportError(session.Op(), session.Settings(),

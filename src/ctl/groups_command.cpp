@@ -22,6 +22,8 @@ class GroupsCommand : public Command {
     return command;
   }
 
+  bool OnlyReads() const override { return true; }
+
   int Run(Session& session) override {
     OutputTable table{.header = {"Index", "Data Group"}, .rows = {}};
     for (const DataGroup& group : DataGroups()) {

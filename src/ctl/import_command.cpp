@@ -39,6 +39,8 @@ class ImportCommand : public Command {
     return command;
   }
 
+  bool OnlyReads() const override { return true; }
+
   int Run(Session& session) override {
     ImportRoad road(session, {});
     if (!road.Import(file_)) {

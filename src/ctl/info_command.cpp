@@ -54,6 +54,8 @@ class InfoCommand : public Command {
     return command;
   }
 
+  bool OnlyReads() const override { return true; }
+
   int Run(Session& session) override {
     const std::filesystem::path path = file_;
     const std::string type = session.Identity().GetDatabaseType(path);

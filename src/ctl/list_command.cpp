@@ -66,6 +66,8 @@ class ListCommand : public Command {
     return command;
   }
 
+  bool OnlyReads() const override { return true; }
+
   int Run(Session& session) override {
     return ReadRecipeFile(session, file_, [&](SQLite::Database& database) {
       WriteTable(session.Out(), output_.Form(), Table(database));

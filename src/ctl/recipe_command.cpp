@@ -88,6 +88,8 @@ class RecipeCommand : public Command {
     return command;
   }
 
+  bool OnlyReads() const override { return true; }
+
   int Run(Session& session) override {
     return ReadRecipeFile(session, file_, [&](SQLite::Database& database) {
       Ration ration{.recipe = ReadRecipe(database, id_), .lines = ReadRecipeLines(database, id_)};

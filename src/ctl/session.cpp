@@ -1,6 +1,7 @@
 #include "ctl/session.h"
 
 #include <system_error>
+#include <utility>
 
 #include <SQLiteCpp/Exception.h>
 
@@ -35,6 +36,37 @@ void MakeFolders(const fs::path& folder) {
   }
 }
 
+void TellUnread(Operator& op, const std::string& cause) {
+  op.ShowMessage({.icon = Icon::kWarning,
+                  .title = "INI File Error",
+                  .text = "Unable to read some or all of the application settings from the "
+                          "applications INI file. Please check all settings.",
+                  .cause = cause});
+}
+
+// Keeps the last message, for later or for nobody.
+class KeptBox : public Operator {
+ public:
+  Answer ShowMessage(const MessageBox& box) override {
+    kept_ = box;
+    return Answer::kOk;
+  }
+  void Beep() override {}
+  void SetBusy(bool /*busy*/) override {}
+  void SetStatusLine(std::string_view /*text*/) override {}
+  void SetStatusColor(StatusColor /*color*/) override {}
+
+  void ShowTo(Operator& op) const {
+    if (kept_) {
+      op.ShowMessage(*kept_);
+    }
+  }
+  std::string Cause() const { return kept_ ? kept_->cause : ""; }
+
+ private:
+  std::optional<MessageBox> kept_;
+};
+
 }  // namespace
 
 Session::Session(const CommandContext& context, const GlobalOptions& options)
@@ -46,23 +78,30 @@ Session::Session(const CommandContext& context, const GlobalOptions& options)
                  .in_is_terminal = context.in_is_terminal,
                  .err_is_terminal = context.err_is_terminal}) {}
 
+fs::path Session::FindDataFolder() const {
+  if (!options_.data_dir.empty()) {
+    return fs::absolute(options_.data_dir);
+  }
+  const std::string common = context_.system.CommonAppDataFolder();
+  return common.empty() ? fs::path() : fs::path(common) / kMakerFolderName / kProductName;
+}
+
 const fs::path& Session::DataFolder() {
   if (!data_folder_.empty()) {
     return data_folder_;
   }
-  if (!options_.data_dir.empty()) {
-    MakeFolders(options_.data_dir);
-    data_folder_ = fs::absolute(options_.data_dir);
-  } else {
-    // A user's first program of all may have to make the common folder.
-    const std::string common = context_.system.CommonAppDataFolder();
-    if (!common.empty()) {
-      MakeFolders(common);
+  fs::path folder = FindDataFolder();
+  try {
+    if (folder.empty()) {
+      throw FileError("the common application data folder cannot be told");
     }
-    Folder folder(context_.system);
-    folder.CheckAppDefaultDir();
-    data_folder_ = folder.DefaultAppPath();
+    MakeFolders(folder);
+  } catch (const FileError&) {
+    if (!only_reads_) {
+      throw;
+    }
   }
+  data_folder_ = std::move(folder);
   return data_folder_;
 }
 
@@ -75,21 +114,38 @@ const CPrivateINI& Session::Ini() {
 
 PrivateINI& Session::Settings() {
   if (!settings_) {
-    if (!PrivateINI::EnsureIniFile(Ini(), operator_)) {
-      throw FileError("there are no settings to go on with");
-    }
-    PrivateINI settings;
-    if (!settings.ReadIniSettings(Ini())) {
-      operator_.ShowMessage({.icon = Icon::kWarning,
-                             .title = "INI File Error",
-                             .text = "Unable to read some or all of the application settings from "
-                                     "the applications INI file. Please check all settings.",
-                             .cause = settings.FailureCause()});
-    }
-    settings.TellRefusedUnit(operator_);
-    settings_ = settings;
+    settings_ = only_reads_ ? ReadSettingsInForce() : ReadSettings();
+    settings_->TellRefusedUnit(operator_);
   }
   return *settings_;
+}
+
+PrivateINI Session::ReadSettings() {
+  if (!PrivateINI::EnsureIniFile(Ini(), operator_)) {
+    throw FileError("there are no settings to go on with");
+  }
+  PrivateINI settings;
+  if (!settings.ReadIniSettings(Ini())) {
+    TellUnread(operator_, settings.FailureCause());
+  }
+  return settings;
+}
+
+// A missing file or key has its default, whether that can be written or not. A file that exists and
+// cannot be read may say otherwise.
+PrivateINI Session::ReadSettingsInForce() {
+  PrivateINI settings;
+  if (DataFolder().empty()) {
+    return settings;
+  }
+  KeptBox box;
+  if (PrivateINI::EnsureIniFile(Ini(), box)) {
+    box.ShowTo(operator_);
+    settings.ReadIniSettings(Ini());
+  } else if (FileExists(DataFolder() / kIniFileName)) {
+    TellUnread(operator_, box.Cause());
+  }
+  return settings;
 }
 
 bool Session::SaveSettings() {

@@ -32,11 +32,17 @@ class Session {
   TerminalOperator& Op() { return operator_; }
   ProgressLine& Progress() { return progress_; }
 
-  // The application data folder, made if it is not there. Throws FileError.
+  // The command only reads: a data folder and settings that cannot be made are done without. Called
+  // before anything else.
+  void OnlyRead() { only_reads_ = true; }
+
+  // The application data folder, made if it is not there. Throws FileError where it cannot be made,
+  // unless the command only reads.
   const std::filesystem::path& DataFolder();
 
   // Read from the INI file of the data folder at the first call; a missing file is made with
-  // defaults. Throws Error, the operator told, when there is none and none can be made.
+  // defaults. Throws Error, the operator told, when there is none and none can be made. A command
+  // that only reads then works with the defaults; the operator is told where the file has others.
   PrivateINI& Settings();
   // Writes the settings; false, with the operator told, when that failed.
   bool SaveSettings();
@@ -55,9 +61,13 @@ class Session {
 
  private:
   const CPrivateINI& Ini();
+  std::filesystem::path FindDataFolder() const;
+  PrivateINI ReadSettings();
+  PrivateINI ReadSettingsInForce();
 
   const CommandContext& context_;
   GlobalOptions options_;
+  bool only_reads_ = false;
   ProgressLine progress_;
   TerminalOperator operator_;
   std::filesystem::path data_folder_;

@@ -44,12 +44,14 @@ class SettingsCommand : public Command {
     return command;
   }
 
+  bool OnlyReads() const override { return value_option_->count() == 0; }
+
   int Run(Session& session) override {
     if (key_.empty()) {
       List(session);
       return kDone;
     }
-    if (value_option_->count() == 0) {
+    if (OnlyReads()) {
       session.Out() << session.Settings().TextByKey(key_).value_or("") << '\n';
       return kDone;
     }

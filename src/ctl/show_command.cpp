@@ -64,6 +64,8 @@ class ShowCommand : public Command {
     return command;
   }
 
+  bool OnlyReads() const override { return true; }
+
   int Run(Session& session) override {
     return source_.Run(session, [&](HistoryGrid& grid) {
       Write(session.Out(), grid);

@@ -27,6 +27,8 @@ class WhereUsedCommand : public Command {
     return command;
   }
 
+  bool OnlyReads() const override { return true; }
+
   int Run(Session& session) override {
     return ReadRecipeFile(session, file_, [&](SQLite::Database& database) {
       OutputTable table{.header = {"ID", "Name"}, .rows = {}};

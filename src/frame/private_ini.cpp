@@ -203,7 +203,11 @@ std::array<std::string_view, PrivateINI::kSettingCount> PrivateINI::Keys() {
 
 std::optional<std::string> PrivateINI::TextByKey(std::string_view key) const {
   const std::optional<std::size_t> row = FindRow(key);
-  return row ? std::optional(values_.at(*row).text) : std::nullopt;
+  if (!row) {
+    return std::nullopt;
+  }
+  const Value& value = values_.at(*row);
+  return kRows.at(*row).kind == Kind::kYesNo ? std::string(value.on ? kYes : kNo) : value.text;
 }
 
 bool PrivateINI::LetByKey(std::string_view key, std::string_view text) {

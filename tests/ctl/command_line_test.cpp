@@ -1,3 +1,6 @@
+#include <filesystem>
+#include <fstream>
+
 #include <gmock/gmock.h>
 
 #include "ctl_fixture.h"
@@ -98,9 +101,9 @@ TEST_F(CtlTest, WithoutADataDirTheCommonDataFolderHoldsTheIniFile) {
   EXPECT_TRUE(std::filesystem::exists(folder / "share/Brantock/VRX-2260/VRX-2260.INI"));
 }
 
-TEST_F(CtlTest, ADataDirThatCannotBeMadeFails) {
+TEST_F(CtlTest, WritingASettingNeedsADataDir) {
   const std::string file = folder.Write("file", "x").string();
-  EXPECT_EQ(RunBare({"--data-dir", file + "/data", "settings"}), 1);
+  EXPECT_EQ(RunBare({"--data-dir", file + "/data", "settings", "SerialPort", "3"}), 1);
   EXPECT_THAT(err, HasSubstr("cannot make the folder " + file + "/data"));
   EXPECT_THAT(out, IsEmpty());
 }
@@ -121,6 +124,18 @@ TEST_F(CtlTest, ASettingIsWrittenAndRead) {
   EXPECT_EQ(out, "KG\n");
   EXPECT_EQ(Run({"settings", "EnableBeeper", "no"}), 0);
   EXPECT_THAT(ReadAll(folder / "data/VRX-2260.INI"), HasSubstr("EnableBeeper=NO"));
+}
+
+// The program takes any text but YES as off.
+TEST_F(CtlTest, SettingsPrintTheValueInForce) {
+  const std::filesystem::path ini = folder / "data/VRX-2260.INI";
+  std::string text = ReadAll(ini);
+  text.replace(text.find("EnableBeeper=YES"), 16, "EnableBeeper=yes");
+  std::ofstream(ini, std::ios::binary) << text;
+  EXPECT_EQ(Run({"settings", "EnableBeeper"}), 0);
+  EXPECT_EQ(out, "NO\n");
+  EXPECT_EQ(Run({"settings"}), 0);
+  EXPECT_THAT(out, HasSubstr("\nEnableBeeper\tNO\n"));
 }
 
 TEST_F(CtlTest, AValueThatASettingDoesNotHaveIsRefused) {
