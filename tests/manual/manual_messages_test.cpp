@@ -71,14 +71,16 @@ bool IsTitleOfAFileDialog(std::string_view text) { return text.ends_with(" As...
 constexpr std::string_view kNeverShown =
     "This recipe will require the 200 pen capacity option in the K2260 indicator.";
 
-// What reads as a message: a sentence of three words or more, or the title of an error.
+// What reads as a message: a sentence of three words or more, the title of an error, or what it says
+// of one.
 bool IsMessage(std::string_view text) {
   if (text.empty() || std::isupper(static_cast<unsigned char>(text.front())) == 0 ||
       IsQueryOfADatabase(text) || IsTitleOfAFileDialog(text) || text == kNeverShown) {
     return false;
   }
   const auto blanks = std::count(text.begin(), text.end(), ' ');
-  return (EndsASentence(text.back()) && blanks >= 2) || text.ends_with(" Error");
+  return (EndsASentence(text.back()) && blanks >= 2) || text.ends_with(" Error") ||
+         (text.starts_with("Error ") && blanks >= 2);
 }
 
 std::vector<std::string> MissingIn(const std::string& words,
