@@ -13,6 +13,7 @@
 #include "ctl/recipe_file.h"
 #include "ctl/session.h"
 #include "database/records.h"
+#include "feed/line_cells.h"
 #include "feed/ration.h"
 #include "feed/ration_totals.h"
 
@@ -36,7 +37,8 @@ OutputTable LineTable(const std::vector<RecipeLineRecord>& lines) {
   for (const RecipeLineRecord& line : lines) {
     table.rows.push_back({line.recipe_id, line.ingredient, line.target, line.ration_percent,
                           line.dry_matter_percent, line.dry_matter, line.batch_target,
-                          std::to_string(line.sequence), line.hand_add, line.ingredient_percent});
+                          std::to_string(line.sequence), line.hand_add,
+                          PercentText(line.ingredient_percent)});
   }
   return table;
 }

@@ -43,9 +43,7 @@ std::vector<RecipeGridModel::Row> RecipeGridModel::RowsOf(const RecipeOnShow& sh
 RecipeGridModel::Row RecipeGridModel::RowOf(const RecipeLineRecord& line) const {
   Row row;
   for (int column = 0; column < kRecipeColumnCount; ++column) {
-    const auto cell = ColumnRow(column).cell;
-    row.at(static_cast<std::size_t>(column)) =
-        cell == nullptr ? YesNo(line.hand_add) : ToQString(line.*cell);
+    row.at(static_cast<std::size_t>(column)) = ToQString(CellText(line, column));
   }
   QString& ingredient = row.at(kColumnIngredient);
   ingredient = names_.value(ingredient);

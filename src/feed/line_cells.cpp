@@ -2,8 +2,10 @@
 
 #include <array>
 #include <cstddef>
+#include <optional>
 
 #include "feed/record_fields.h"
+#include "frame/number.h"
 #include "frame/text.h"
 
 namespace vrx {
@@ -43,6 +45,11 @@ int FilterLineKey(LineColumn column, std::string_view text, int key) {
   return valid ? passed : 0;
 }
 
+std::string PercentText(std::string_view cell) {
+  const std::optional<double> percent = ParseNumber(cell);
+  return percent ? Format(*percent, "0.00") : std::string(cell);
+}
+
 std::string EnterLineCell(LineColumn column, std::string_view typed) {
   std::string cell;
   for (const char character : typed) {
@@ -55,7 +62,7 @@ std::string EnterLineCell(LineColumn column, std::string_view typed) {
     }
     cell.push_back(static_cast<char>(passed));
   }
-  return cell;
+  return column == LineColumn::kIngredientPercent ? PercentText(cell) : cell;
 }
 
 }  // namespace vrx

@@ -18,8 +18,11 @@ std::string_view LineColumnName(LineColumn column);
 // A key in a cell that holds `text`: the code to let through, 0 to drop it.
 int FilterLineKey(LineColumn column, std::string_view text, int key);
 
-// What the cell holds after a text was typed key by key into the empty cell. Where the grid would
-// drop a key, this throws FieldRefusal with nothing half taken.
+// `Ingredient%` as it is shown: with two decimals. A text that is no number comes back as it is.
+std::string PercentText(std::string_view cell);
+
+// What the cell holds after a text was typed key by key into the empty cell; a percentage gets its
+// two decimals. Where the grid would drop a key, this throws FieldRefusal with nothing half taken.
 std::string EnterLineCell(LineColumn column, std::string_view typed);
 
 }  // namespace vrx

@@ -93,6 +93,14 @@ int EnteredColumn(LineEntry entry) {
   return entry == LineEntry::kPercent ? kColumnIngredientPercent : kColumnTarget;
 }
 
+std::string CellText(const RecipeLineRecord& line, int column) {
+  const auto cell = kColumns.at(static_cast<std::size_t>(column)).cell;
+  if (cell == nullptr) {
+    return line.hand_add ? "Yes" : "No";
+  }
+  return column == kColumnIngredientPercent ? PercentText(line.*cell) : line.*cell;
+}
+
 std::vector<int> ColumnsInSight(LineEntry entry) {
   std::vector<int> columns{kColumnIngredient, EnteredColumn(entry)};
   for (int column = 0; column < kRecipeColumnCount; ++column) {

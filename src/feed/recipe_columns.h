@@ -52,6 +52,10 @@ bool IsColumnShown(int column, LineEntry entry);
 // The column that the lines are entered by; it is seen next to that of the ingredient.
 int EnteredColumn(LineEntry entry);
 
+// What a line shows in a column: the ID of its ingredient, "Yes" or "No" for `HandAdd`, and
+// `Ingredient%` with two decimals, however it is stored.
+std::string CellText(const RecipeLineRecord& line, int column);
+
 // Those that are shown, from left to right.
 std::vector<int> ColumnsInSight(LineEntry entry);
 

@@ -25,13 +25,10 @@ std::string IngredientName(const std::map<std::string, std::string>& names, cons
   return found == names.end() ? std::string() : found->second;
 }
 
-std::string CellText(const RecipeLineRecord& line, int column,
-                     const std::map<std::string, std::string>& names) {
-  if (column == kColumnIngredient) {
-    return IngredientName(names, line.ingredient);
-  }
-  const auto cell = RecipeColumns()[static_cast<std::size_t>(column)].cell;
-  return cell == nullptr ? YesNo(line.hand_add) : line.*cell;
+std::string PrintedCell(const RecipeLineRecord& line, int column,
+                        const std::map<std::string, std::string>& names) {
+  return column == kColumnIngredient ? IngredientName(names, line.ingredient)
+                                     : CellText(line, column);
 }
 
 }  // namespace
@@ -89,7 +86,7 @@ Report RecipeReport(const RecipeOnShow& recipe, const std::vector<int>& shown,
   for (const RecipeLineRecord& line : recipe.ration.lines) {
     ReportRow& row = rows.emplace_back();
     for (const int column : shown) {
-      row.cells.push_back(CellText(line, column, names));
+      row.cells.push_back(PrintedCell(line, column, names));
     }
   }
   return ListedReport(SetPageHeadersRecipe(recipe, facts), std::move(columns), std::move(rows),

@@ -98,6 +98,15 @@ TEST_F(LineCommand, AddFillsARecipeByPercent) {
   EXPECT_EQ(Recipe("4")["inputs"]["RationTarget"], true);
 }
 
+TEST_F(LineCommand, StoresAPercentageWithTwoDecimals) {
+  ASSERT_EQ(Line({"add", "4", "1", "--percent", "60"}), 0) << err;
+  ASSERT_EQ(Line({"add", "4", "2", "--percent", "37.5"}), 0) << err;
+  ASSERT_EQ(Line({"set", "4", "2", "--percent", "40"}), 0) << err;
+  EXPECT_THAT(Fields("Ingredient%", "4"), ElementsAre("60.00", "40.00"));
+  SQLite::Database connection = OpenDatabase(database, Access::kRead);
+  EXPECT_EQ(ReadRecipeLines(connection, 4).at(0).ingredient_percent, "60.00");
+}
+
 TEST_F(LineCommand, TakesTheBoundsOfWeightAndPercent) {
   for (const char* const weight : {"0", "999999"}) {
     EXPECT_EQ(Line({"add", "3", "1", "--weight", weight}), 0) << err;

@@ -49,13 +49,13 @@ TEST_F(RecipeCommand, RecomputesTheLinesAndTotals) {
       "lines":[
         {"RecipeID":"3","Ingredient":"1","Target":"1200","Ration%":"60.000","DryMatter%":"88",
          "DryMatter":"1364","BatchTarget":"3043","Sequence":"1","HandAdd":false,
-         "Ingredient%":"0"},
+         "Ingredient%":"0.00"},
         {"RecipeID":"3","Ingredient":"7","Target":"800","Ration%":"40.000","DryMatter%":"90",
          "DryMatter":"889","BatchTarget":"1984","Sequence":"2","HandAdd":false,
-         "Ingredient%":"0"},
+         "Ingredient%":"0.00"},
         {"RecipeID":"3","Ingredient":"12","Target":"100","Ration%":"0.000","DryMatter%":"0",
          "DryMatter":"100","BatchTarget":"223","Sequence":"4","HandAdd":true,
-         "Ingredient%":"0"}],
+         "Ingredient%":"0.00"}],
       "totals":{"lblTargetTotal":"2100","lblRationPctTotal":"100.000","lblDryMatPercent":"89.2",
         "lblDryMatTotal":"2353","lblBatchTargetTotal":"5250","lblHandAddTotal":"1",
         "lblIngPctTotal":"0.00"},
@@ -71,9 +71,9 @@ TEST_F(RecipeCommand, ShowsFourTablesWithoutJson) {
             "\n"
             "RecipeID\tIngredient\tTarget\tRation%\tDryMatter%\tDryMatter\tBatchTarget\tSequence\t"
             "HandAdd\tIngredient%\n"
-            "3\t1\t1200\t60.000\t88\t1364\t3043\t1\tNo\t0\n"
-            "3\t7\t800\t40.000\t90\t889\t1984\t2\tNo\t0\n"
-            "3\t12\t100\t0.000\t0\t100\t223\t4\tYes\t0\n"
+            "3\t1\t1200\t60.000\t88\t1364\t3043\t1\tNo\t0.00\n"
+            "3\t7\t800\t40.000\t90\t889\t1984\t2\tNo\t0.00\n"
+            "3\t12\t100\t0.000\t0\t100\t223\t4\tYes\t0.00\n"
             "\n"
             "lblTargetTotal\tlblRationPctTotal\tlblDryMatPercent\tlblDryMatTotal\t"
             "lblBatchTargetTotal\tlblHandAddTotal\tlblIngPctTotal\n"

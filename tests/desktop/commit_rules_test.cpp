@@ -184,7 +184,7 @@ const std::vector<Entry> kEntries = {
      [](SQLite::Database& file) {
        return LineText(file, kByPercent, 1, &RecipeLineRecord::ingredient_percent);
      },
-     "40", "39.5"},
+     "40", "39.50"},
     {"LineInTheEntryRow", kTabRecipes, [](CommitSite& site) { site.ComposeLine(); },
      [](SQLite::Database& file) { return LineText(file, 1, 2, &RecipeLineRecord::target); },
      "no line", "500"},

@@ -9,6 +9,7 @@
 #include "desktop/caption_pass.h"
 #include "desktop/enter_as_tab.h"
 #include "desktop/qt_text.h"
+#include "feed/line_cells.h"
 #include "feed/ration.h"
 
 namespace vrx::testing {
@@ -198,7 +199,7 @@ void RecipesSite::ExpectStored() {
     EXPECT_EQ(Cell(row, kColumnDryMatterPercent), lines[line].dry_matter_percent);
     EXPECT_EQ(Cell(row, kColumnDryMatter), lines[line].dry_matter);
     EXPECT_EQ(Cell(row, kColumnBatchTarget), lines[line].batch_target);
-    EXPECT_EQ(Cell(row, kColumnIngredientPercent), lines[line].ingredient_percent);
+    EXPECT_EQ(Cell(row, kColumnIngredientPercent), PercentText(lines[line].ingredient_percent));
     EXPECT_EQ(Cell(row, kColumnHandAdd), lines[line].hand_add ? "Yes" : "No");
   }
 }

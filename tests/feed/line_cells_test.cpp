@@ -56,6 +56,16 @@ TEST(LineCell, HoldsWhatWasTyped) {
   EXPECT_EQ(EnterLineCell(LineColumn::kIngredientPercent, ""), "");
 }
 
+TEST(LineCell, GivesAPercentageItsTwoDecimals) {
+  EXPECT_EQ(EnterLineCell(LineColumn::kIngredientPercent, "60"), "60.00");
+  EXPECT_EQ(EnterLineCell(LineColumn::kIngredientPercent, "7."), "7.00");
+  EXPECT_EQ(EnterLineCell(LineColumn::kIngredientPercent, "12.5"), "12.50");
+  EXPECT_EQ(EnterLineCell(LineColumn::kIngredientPercent, "007.5"), "7.50");
+  EXPECT_EQ(PercentText("33.335"), "33.34");
+  EXPECT_EQ(PercentText("half"), "half");
+  EXPECT_EQ(PercentText(""), "");
+}
+
 TEST(LineCell, SaysWhatItTakesWhereAKeyWouldBeDropped) {
   EXPECT_EQ(Refusal(LineColumn::kTarget, "12x"),
             "The 'Target' field takes digits, at most 6: not '12x'.");

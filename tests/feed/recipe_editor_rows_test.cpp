@@ -99,7 +99,7 @@ TEST_F(RecipeRows, AMoveLeavesThePercentage) {
   EXPECT_TRUE(editor.MoveRow(MoveDirection::kUp));
   EXPECT_EQ(Shown().row, 1);
   EXPECT_THAT(Column(&RecipeLineRecord::ingredient), ElementsAre("4", "1"));
-  EXPECT_THAT(Column(&RecipeLineRecord::ingredient_percent), ElementsAre("60", "40"));
+  EXPECT_THAT(Column(&RecipeLineRecord::ingredient_percent), ElementsAre("60.00", "40.00"));
   EXPECT_THAT(Column(&RecipeLineRecord::dry_matter), ElementsAre("4000", "6818"));
   ExpectStored();
 }
