@@ -4,6 +4,7 @@
 #include <QPainter>
 #include <QStyle>
 #include <QToolTip>
+#include <algorithm>
 
 namespace vrx {
 
@@ -33,14 +34,19 @@ void ElidedLabel::paintEvent(QPaintEvent* event) {
   }
   QPainter painter(this);
   drawFrame(&painter);
-  const QRect room = contentsRect();
+  const QRect room = Room();
   style()->drawItemText(&painter, room, static_cast<int>(alignment()), palette(), isEnabled(),
                         fontMetrics().elidedText(text(), Qt::ElideMiddle, room.width()),
                         foregroundRole());
 }
 
-bool ElidedLabel::IsCut() const {
-  return fontMetrics().horizontalAdvance(text()) > contentsRect().width();
+bool ElidedLabel::IsCut() const { return fontMetrics().horizontalAdvance(text()) > Room().width(); }
+
+// The indent is on the side that the text is aligned to.
+QRect ElidedLabel::Room() const {
+  const int indented = std::max(0, indent());
+  return (alignment() & Qt::AlignRight) != 0 ? contentsRect().adjusted(0, 0, -indented, 0)
+                                             : contentsRect().adjusted(indented, 0, 0, 0);
 }
 
 }  // namespace vrx

@@ -20,6 +20,7 @@ class ElidedLabel : public QLabel {
 
  private:
   bool IsCut() const;
+  QRect Room() const;
 };
 
 }  // namespace vrx

@@ -13,7 +13,6 @@
 #include "desktop/form_parts.h"
 #include "desktop/ingredient_drop_down.h"
 #include "desktop/padded_header.h"
-#include "desktop/recipe_grid_columns.h"
 #include "desktop/tabular_figures.h"
 
 namespace vrx {
@@ -121,9 +120,24 @@ void RecipeGrid::FitColumns() {
   }
   sizing_ = true;
   const QString idle = QStringLiteral("click to add an ingredient");
-  FitRecipeColumns(*horizontalHeader(), viewport()->width(),
-                   fontMetrics().horizontalAdvance(idle) + 2 * kCellMargin + 3 * kSpacing);
+  RecipeColumnWidths least = totals_;
+  least.at(kColumnIngredient) =
+      fontMetrics().horizontalAdvance(idle) + 2 * kCellMargin + 3 * kSpacing;
+  FitRecipeColumns(*horizontalHeader(), viewport()->width(), least);
   sizing_ = false;
+}
+
+void RecipeGrid::MakeRoomForTotals(const RecipeColumnWidths& totals) {
+  const RecipeColumnWidths before = std::exchange(totals_, totals);
+  for (int column = kColumnIngredient + 1; column < kRecipeColumnCount; ++column) {
+    const auto at = static_cast<std::size_t>(column);
+    const int width = columnWidth(column);
+    if (!isColumnHidden(column) &&
+        (totals.at(at) > width || (before.at(at) == width && totals.at(at) < width))) {
+      FitColumns();
+      return;
+    }
+  }
 }
 
 // Between its cells and its editors the grid keeps the focus; another window takes none away.

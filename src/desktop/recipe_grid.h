@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "desktop/ingredient_list.h"
+#include "desktop/recipe_grid_columns.h"
 #include "desktop/recipe_grid_delegate.h"
 #include "desktop/recipe_grid_model.h"
 #include "feed/line_cells.h"
@@ -53,6 +54,10 @@ class RecipeGrid : public QTableView {
 
   // The figures alone, the current cell and its editor as they are.
   void ShowFigures(const RecipeOnShow& shown) { model_->Show(shown); }
+
+  // Widens the columns whose totals need more room, in logical pixels, than their captions do; the
+  // next smaller totals give it back. Columns that the operator sized stay.
+  void MakeRoomForTotals(const RecipeColumnWidths& totals);
 
   // What drops down: `grdINGSEL`. To be followed by Show.
   void SetIngredients(std::vector<IngredientRecord> ingredients);
@@ -112,6 +117,7 @@ class RecipeGrid : public QTableView {
   bool has_focus_ = false;
   bool sized_by_operator_ = false;
   bool sizing_ = false;
+  RecipeColumnWidths totals_ = {};
   QModelIndex pressed_;
   bool opens_on_release_ = false;
 };

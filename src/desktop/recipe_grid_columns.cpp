@@ -1,6 +1,7 @@
 #include "desktop/recipe_grid_columns.h"
 
 #include <algorithm>
+#include <cstddef>
 
 #include "desktop/form_parts.h"
 
@@ -31,16 +32,17 @@ std::vector<int> ColumnsInSight(const QHeaderView& header, LineEntry shown, Line
   return order;
 }
 
-void FitRecipeColumns(QHeaderView& header, int width, int least_ingredient) {
+void FitRecipeColumns(QHeaderView& header, int width, const RecipeColumnWidths& least) {
   int left = width;
   for (int column = kColumnIngredient + 1; column < kRecipeColumnCount; ++column) {
     if (!header.isSectionHidden(column)) {
-      const int wanted = header.sectionSizeHint(column) + kSpacing;
+      const int wanted = std::max(header.sectionSizeHint(column) + kSpacing,
+                                  least.at(static_cast<std::size_t>(column)));
       header.resizeSection(column, wanted);
       left -= wanted;
     }
   }
-  header.resizeSection(kColumnIngredient, std::max(left, least_ingredient));
+  header.resizeSection(kColumnIngredient, std::max(left, least.at(kColumnIngredient)));
 }
 
 int NextColumn(const QHeaderView& header, int column, int step) {

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <QHeaderView>
+#include <array>
 #include <vector>
 
 #include "feed/line_cells.h"
@@ -18,9 +19,12 @@ void ShowRecipeColumns(QHeaderView& header, LineEntry entry);
 // those of one entered as `shown`. Changes nothing.
 std::vector<int> ColumnsInSight(const QHeaderView& header, LineEntry shown, LineEntry entry);
 
-// Gives every caption its room and the ingredient what is left of a width in logical pixels, but
-// at least that much.
-void FitRecipeColumns(QHeaderView& header, int width, int least_ingredient);
+// Widths by RecipeColumn, in logical pixels.
+using RecipeColumnWidths = std::array<int, kRecipeColumnCount>;
+
+// Gives every caption its room, and at least the width in `least`; the column of the ingredient
+// gets what is left of `width`.
+void FitRecipeColumns(QHeaderView& header, int width, const RecipeColumnWidths& least);
 
 // Of the columns to be seen, to the left (-1) or to the right (1); the column itself where it is
 // the last one that way.

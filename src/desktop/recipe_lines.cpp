@@ -119,6 +119,7 @@ void RecipeLines::Show(const RecipeOnShow& shown) {
   hint_->setVisible(!typed);
   grid_->setVisible(typed);
   totals_->Show(shown);
+  grid_->MakeRoomForTotals(totals_->Widths());
   navigator_->Show(shown.row, shown.LineCount());
 }
 

@@ -6,6 +6,7 @@
 
 #include "desktop/caption_pass.h"
 #include "desktop/contrast.h"
+#include "desktop/elided_label.h"
 #include "desktop/form_parts.h"
 #include "desktop/main_window_layout.h"
 #include "desktop/qt_text.h"
@@ -21,6 +22,13 @@ constexpr QColor kAlarmColor(0xFF, 0x80, 0x80);
 
 bool IsLeft(int column) { return column == kColumnIngredient; }
 
+// A column may be narrower than its total once the operator has sized it: nothing is cut unseen.
+QLabel* AddTotal(QWidget& strip, const char* name) {
+  auto* const label = new ElidedLabel(&strip);
+  label->setObjectName(QLatin1String(name));
+  return label;
+}
+
 void Paint(QLabel& label, const QColor& background, const QColor& text) {
   QPalette palette = label.palette();
   palette.setColor(QPalette::Window, background);
@@ -35,7 +43,7 @@ RecipeTotalsRow::RecipeTotalsRow(const RecipeGrid& grid, QWidget* parent)
   for (int column = 0; column < kRecipeColumnCount; ++column) {
     const RecipeColumnRow& row = RecipeColumns()[static_cast<std::size_t>(column)];
     QLabel* const label = IsLeft(column) ? AddLabel(*strip_, "lblTarTot", kTotalsCaption)
-                                         : AddLabel(*strip_, row.total_label);
+                                         : AddTotal(*strip_, row.total_label);
     label->setAlignment((IsLeft(column) ? Qt::AlignLeft : Qt::AlignRight) | Qt::AlignVCenter);
     label->setIndent(kCellMargin);
     MakeDemiBold(*label);
@@ -72,6 +80,15 @@ void RecipeTotalsRow::Show(const RecipeOnShow& shown) {
   }
   Follow();
   ApplyPercentRule();
+}
+
+RecipeColumnWidths RecipeTotalsRow::Widths() const {
+  RecipeColumnWidths widths{};
+  for (std::size_t column = kColumnIngredient + 1; column < kRecipeColumnCount; ++column) {
+    const QLabel& label = *labels_.at(column);
+    widths.at(column) = label.fontMetrics().horizontalAdvance(label.text()) + 2 * kCellMargin;
+  }
+  return widths;
 }
 
 void RecipeTotalsRow::HideTotals() {

@@ -22,6 +22,9 @@ class RecipeTotalsRow : public QWidget {
 
   void Show(const RecipeOnShow& shown);
 
+  // What the totals shown need of their columns.
+  RecipeColumnWidths Widths() const;
+
   // `HideRecipeTotals`, until the next Show.
   void HideTotals();
 

@@ -1,10 +1,13 @@
 #include "desktop/history_styles.h"
 
+#include <QPainter>
 #include <QScrollBar>
 
 #include <gmock/gmock.h>
 
 #include "desktop/contrast.h"
+#include "desktop/form_parts.h"
+#include "desktop/history_row_painter.h"
 #include "desktop/history_site.h"
 
 namespace vrx::testing {
@@ -115,6 +118,26 @@ TEST_F(HistoryDrawing, AGroupRowStaysWhereItIsWhileTheColumnsScroll) {
   RunEvents();
   EXPECT_EQ(Grid().horizontalScrollBar()->value(), 300);
   EXPECT_EQ(Picture().copy(line), before);
+}
+
+TEST(HistoryRowPainterTest, ATotalOfTenDigitsLosesNoneInAColumnAsWideAsWeightsUsuallyAre) {
+  const QWidget view;
+  const HistoryRowPainter rows(view);
+  const QRect area{0, 0, 200, 24};
+  const int width =
+      QFontMetrics(HistoryStyles::CellFont()).horizontalAdvance(u"0000000.0"_qs) + 2 * kSpacing;
+  const auto drawn = [&](const std::string& total) {
+    ShownRow row{.kind = kTotal, .cells = std::vector<std::string>(kHistoryColumnCount)};
+    row.cells.at(kTargetColumn - 1) = total;
+    QImage picture(area.size(), QImage::Format_RGB32);
+    QPainter painter(&picture);
+    rows.Paint(painter, row, 1, area, {{.column = kTargetColumn, .left = 0, .width = width}},
+               false);
+    return picture;
+  };
+  EXPECT_EQ(drawn("1234567890"), drawn("1234567890"));
+  EXPECT_NE(drawn("7234567890"), drawn("1234567890"));
+  EXPECT_NE(drawn("1234567897"), drawn("1234567890"));
 }
 
 TEST_F(HistoryDrawing, AnEmptyGridShowsItsWords) {

@@ -56,6 +56,43 @@ TEST_F(RecipeTotals, StandExactlyBelowTheirColumns) {
   ExpectBelowTheColumns();
 }
 
+TEST_F(RecipeTotals, OfTenDigitsFitTheirColumnsAndTheNextRecipeGetsItsRoomBack) {
+  AddCornHaySupplement(kByHeadCount);
+  SetHeadCount(kByHeadCount, 100);
+  AddCornHaySupplement(kByWeight);
+  Enter();
+  Show(kByWeight);
+  const int usual = Grid().columnWidth(kColumnBatchTarget);
+  Database().exec(
+      "UPDATE RecipeRation SET DryMatter = '2147482000', Target = '1073741800' "
+      "WHERE RecipeID = '2' AND Sequence = 1");
+  Show(kByHeadCount);
+  EXPECT_EQ(Label("lblBatchTargetTotal"), "2147482989");
+  EXPECT_EQ(Label("lblDryMatTotal"), "2147482989");
+  for (const char* const total : {"lblTargetTotal", "lblDryMatTotal", "lblBatchTargetTotal"}) {
+    const auto& label = Find<QLabel>(total);
+    ASSERT_EQ(label.text().size(), 10) << total;
+    EXPECT_LE(label.fontMetrics().horizontalAdvance(label.text()) + 2 * kCellMargin, label.width())
+        << total;
+  }
+  ExpectBelowTheColumns();
+  Show(kByWeight);
+  EXPECT_EQ(Grid().columnWidth(kColumnBatchTarget), usual);
+}
+
+// What the label draws differs in the first digit alone.
+TEST_F(RecipeTotals, ShowTheirFirstDigitInAColumnThatTheOperatorNarrowed) {
+  AddCornHaySupplement(kByWeight);
+  Enter();
+  auto& total = Find<QLabel>("lblBatchTargetTotal");
+  Grid().setColumnWidth(kColumnBatchTarget, total.fontMetrics().horizontalAdvance(u"00000"_qs));
+  RunEvents();
+  total.setText(u"1234567890"_qs);
+  const QImage one = total.grab().toImage();
+  total.setText(u"7234567890"_qs);
+  EXPECT_NE(total.grab().toImage(), one);
+}
+
 TEST_F(RecipeTotals, AColumnByPercentStandsBehindTheIngredient) {
   AddPercents("7.50");
   Enter();
