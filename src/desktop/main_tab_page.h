@@ -22,8 +22,12 @@ class MainTabPage : public QWidget {
   // events.
   virtual void Prepare() {}
 
-  // The tab strip took the focus with this page on show.
+  // The tab strip took the focus with this page on show, or the operator clicked its tab.
   virtual void StripFocused() {}
+
+  // The operator chose this page's tab by a key or a menu. The same is due as when the strip takes
+  // the focus, but the focus stays where it is.
+  virtual void TabChosen() { StripFocused(); }
 
   // The window came to the front with this page on show. May run events.
   virtual void Activated() {}

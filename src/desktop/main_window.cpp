@@ -76,6 +76,17 @@ void MainWindow::Connect() {
     tab_folder_->Page(tab_folder_->currentIndex()).StripFocused();
     Q_EMIT StripFocused();
   });
+  connect(tab_folder_, &MainTabFolder::TabChosenByKey, this, &MainWindow::TabChosen);
+}
+
+void MainWindow::ChooseTab(int tab) {
+  tabs_.SelectTab(tab);
+  TabChosen();
+}
+
+void MainWindow::TabChosen() {
+  tab_folder_->Page(tab_folder_->currentIndex()).TabChosen();
+  Q_EMIT StripFocused();
 }
 
 void MainWindow::SetHandler(MainCommand command, CommandActions::Handler handler) {

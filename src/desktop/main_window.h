@@ -43,6 +43,9 @@ class MainWindow : public QMainWindow,
   // so every command begins with this, and so does the close box.
   void CommitFocus();
 
+  // The operator chooses a tab by a command.
+  void ChooseTab(int tab);
+
   // A command without a handler is off.
   void SetHandler(MainCommand command, CommandActions::Handler handler);
 
@@ -93,7 +96,7 @@ class MainWindow : public QMainWindow,
   void Painted();         // some part of the window was drawn anew
   void Activated();       // the window came to the front
   void CloseRequested();  // the close box; the window stays until it is told otherwise
-  void StripFocused();    // the tab strip took the focus
+  void StripFocused();    // the tab strip took the focus, or the operator chose a tab
 
  protected:
   bool event(QEvent* event) override;
@@ -106,6 +109,7 @@ class MainWindow : public QMainWindow,
 
   void LayOut();
   void Connect();
+  void TabChosen();
   template <typename Call>
   void OnEveryPage(const Call& call);
   DatabaseStatusBar& StatusBar(DatabaseKind kind) const;

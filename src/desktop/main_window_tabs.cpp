@@ -25,13 +25,16 @@ constexpr std::array<TabRow, kTabCount> kTabRows{{
     {"Export", "pageExport"},
 }};
 
-// A strip that tells of the focus once the click that brought it has changed the tab.
+// A strip that reports the focus, and every click on a tab, once the click has changed the tab. The
+// strip has the focus from the start, so that the first click need not bring it.
 class TabStrip : public QTabBar {
  public:
   TabStrip(QWidget* parent, std::function<void()> focused)
       : QTabBar(parent), focused_(std::move(focused)) {
     setFocusPolicy(Qt::StrongFocus);
   }
+
+  bool IsPressed() const { return pressed_; }
 
  protected:
   void focusInEvent(QFocusEvent* event) override {
@@ -50,8 +53,12 @@ class TabStrip : public QTabBar {
   }
 
   void mousePressEvent(QMouseEvent* event) override {
+    pressed_ = true;
     QTabBar::mousePressEvent(event);
-    if (std::exchange(by_mouse_, false)) {
+    pressed_ = false;
+    const bool on_tab =
+        event->button() == Qt::LeftButton && tabAt(event->position().toPoint()) == currentIndex();
+    if (std::exchange(by_mouse_, false) || on_tab) {
       focused_();
     }
   }
@@ -62,6 +69,7 @@ class TabStrip : public QTabBar {
  private:
   std::function<void()> focused_;
   bool by_mouse_ = false;
+  bool pressed_ = false;
 };
 
 }  // namespace
@@ -71,15 +79,21 @@ const std::array<TabRow, kTabCount>& TabRows() { return kTabRows; }
 MainTabFolder::MainTabFolder(QWidget* parent) : QTabWidget(parent) {
   setObjectName(QStringLiteral("tabMainFolder"));
   setAccessibleName(QStringLiteral("Work"));
-  setTabBar(new TabStrip(this, [this] { Q_EMIT StripFocused(); }));
+  auto* const strip = new TabStrip(this, [this] { Q_EMIT StripFocused(); });
+  setTabBar(strip);
   for (const TabRow& row : kTabRows) {
     auto* page = new MainTabPage;
     page->setObjectName(ToQString(row.page));
     addTab(page, ToQString(row.caption));
   }
-  connect(this, &QTabWidget::currentChanged, [this](int tab) {
-    if (!by_program_) {
-      Q_EMIT TabClicked(tab);
+  connect(this, &QTabWidget::currentChanged, strip, [this, strip](int tab) {
+    if (by_program_) {
+      return;
+    }
+    const bool by_key = !strip->IsPressed();
+    Q_EMIT TabClicked(tab);
+    if (by_key) {
+      Q_EMIT TabChosenByKey();
     }
   });
 }

@@ -50,8 +50,11 @@ class MainTabFolder : public QTabWidget {
   // The operator has brought the tab on show.
   void TabClicked(int tab);
 
-  // The strip took the focus; the tab of the click that gave it is on show. A window that comes to
-  // the front or a menu that closes gives none.
+  // After TabClicked, where a key did it.
+  void TabChosenByKey();
+
+  // The strip took the focus, or a tab was clicked; that tab is on show then. A window that comes
+  // to the front or a menu that closes gives no focus.
   void StripFocused();
 
  private:

@@ -337,6 +337,12 @@ void RecipesPage::Prepare() {
 void RecipesPage::StripFocused() {
   if (RecipeGrid& grid = lines_->GrdRec(); grid.isVisible()) {
     grid.setFocus();
+  }
+  TabChosen();
+}
+
+void RecipesPage::TabChosen() {
+  if (lines_->GrdRec().isVisible()) {
     Run([](RecipeEditor& editor) { editor.RecomputeAll(); });
   }
   ShowUnit();

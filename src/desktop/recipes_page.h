@@ -51,6 +51,7 @@ class RecipesPage final : public RecordPage, private RecipeGridEvents {
   void TabChanged(int tab, int previous) override;
   void Prepare() override;
   void StripFocused() override;
+  void TabChosen() override;
   void Activated() override;
   void Rebind(DatabaseKind kind, const BoundDatabase& database) override;
   void ReleaseViews() override;

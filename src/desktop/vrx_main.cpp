@@ -144,7 +144,7 @@ void VrxMain::SetHandlers() {
     window_.SetHandler(command, [this, flow = flow] { (databases_.*flow)(); });
   }
   for (const auto& [command, tab] : kTabCommands) {
-    window_.SetHandler(command, [this, tab = tab] { window_.Tabs().SelectTab(tab); });
+    window_.SetHandler(command, [this, tab = tab] { window_.ChooseTab(tab); });
   }
   for (const auto& [command, button] : kTransferCommands) {
     window_.SetHandler(command, [this, button = button] { GoToTransfer(button); });

@@ -133,6 +133,38 @@ TEST_F(MainTabsTest, AClickRunsTheClickRoutineOnceAndSelectTabToo) {
   EXPECT_THAT(diary_, ElementsAre("import: tab 5 after 3", "import: prepare"));
 }
 
+// As after the start: the strip has the focus, and nothing else had it.
+TEST_F(MainTabsTest, EveryChoiceOfATabIsReportedThoughTheStripHasTheFocusAlready) {
+  ReplacePage(kTabPens, new DiaryPage("pens", diary_));
+  ReplacePage(kTabDataTransfer, new DiaryPage("transfer", diary_));
+  Show();
+  AllOn();
+  Tabs().tabBar()->setFocus(Qt::ActiveWindowFocusReason);
+  const auto last = [this] { return diary_.empty() ? std::string() : diary_.back(); };
+  Click(kTabPens);
+  EXPECT_EQ(last(), "pens: strip focused");
+  Click(kTabDataTransfer);
+  EXPECT_EQ(last(), "transfer: strip focused");
+  diary_.clear();
+  Click(kTabDataTransfer);
+  EXPECT_THAT(diary_, ElementsAre("transfer: strip focused")) << "the tab on show";
+  Choose(u"mnuEditPen"_qs);
+  EXPECT_EQ(last(), "pens: strip focused");
+  QTest::keyClick(Tabs().tabBar(), Qt::Key_Right);
+  EXPECT_EQ(last(), "transfer: strip focused");
+  QTest::keyClick(Tabs().tabBar(), Qt::Key_Tab, Qt::ControlModifier | Qt::ShiftModifier);
+  EXPECT_EQ(last(), "pens: strip focused");
+}
+
+TEST_F(MainTabsTest, AClickOnATabThatIsOffReportsNothing) {
+  ReplacePage(kTabDataTransfer, new DiaryPage("transfer", diary_));
+  Show();
+  Tabs().tabBar()->setFocus(Qt::ActiveWindowFocusReason);
+  diary_.clear();
+  Click(kTabPens);
+  EXPECT_THAT(diary_, IsEmpty());
+}
+
 TEST_F(MainTabsTest, APageKeepsTheTabsStateCaptionAndPlace) {
   Main();
   ReplacePage(kTabIngredients, new DiaryPage("ingredients", diary_));

@@ -75,12 +75,43 @@ TEST_F(RecipeTriggers, ASelectedRecipeGetsSharesAndTotalsAndKeepsItsAsFedWeights
   EXPECT_THAT(Figures(Line(kByHead)), ElementsAre("1200", "11.111", "88", "4321", "1234"));
 }
 
-TEST_F(RecipeTriggers, EnteringTheTabByTheMenuComputesTheFirstRecipeAsASelectionDoes) {
+TEST_F(RecipeTriggers, EnteringTheTabByTheMenuRecomputesAllCellsOfTheFirstRecipe) {
   Enter(kTabPens);
   MakeStale();
   Choose(u"mnuEditRecipe"_qs);
-  ExpectFigures(kByWeight, 0, {"1200", "60.000", "88", "4321", "2500"});
+  ExpectFigures(kByWeight, 0, {"1200", "60.000", "88", "1364", "3000"});
   EXPECT_THAT(Figures(Line(kByHead)), ElementsAre("1200", "11.111", "88", "4321", "1234"));
+}
+
+TEST_F(RecipeTriggers, CtrlTabRecomputesAllCellsAndRelabelsTheColumns) {
+  Enter(kTabIngredients);
+  MakeStale();
+  settings_.SetSystemUnits("KG");
+  QTest::keyClick(QApplication::focusWidget(), Qt::Key_Tab, Qt::ControlModifier);
+  RunEvents();
+  ASSERT_EQ(Tabs().currentIndex(), kTabRecipes);
+  ExpectFigures(kByWeight, 0, {"1200", "60.000", "88", "1364", "3000"});
+  EXPECT_EQ(Lines().model()->headerData(kColumnTarget, Qt::Horizontal).toString(),
+            u"Dry Matter (kg)"_qs);
+}
+
+TEST_F(RecipeTriggers, AClickRecomputesThoughTheStripHasTheFocusSinceTheStart) {
+  Enter(kTabPens);
+  MakeStale();
+  Tabs().tabBar()->setFocus(Qt::ActiveWindowFocusReason);
+  ClickTab(kTabRecipes);
+  ExpectFigures(kByWeight, 0, {"1200", "60.000", "88", "1364", "3000"});
+  EXPECT_TRUE(Lines().hasFocus());
+}
+
+TEST_F(RecipeTriggers, AnArrowOnTheStripRecomputesAndStaysOnTheStrip) {
+  Enter(kTabIngredients);
+  MakeStale();
+  Tabs().tabBar()->setFocus(Qt::ActiveWindowFocusReason);
+  PressKey(Qt::Key_Right);
+  ASSERT_EQ(Tabs().currentIndex(), kTabRecipes);
+  ExpectFigures(kByWeight, 0, {"1200", "60.000", "88", "1364", "3000"});
+  EXPECT_TRUE(Tabs().tabBar()->hasFocus());
 }
 
 TEST_F(RecipeTriggers, AClickOnTheTabOnShowGoesToTheGridAndRecomputesAllCells) {
