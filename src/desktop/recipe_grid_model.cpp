@@ -12,14 +12,12 @@ const RecipeColumnRow& ColumnRow(int column) {
   return RecipeColumns()[static_cast<std::size_t>(column)];
 }
 
-QString YesNo(bool yes) { return yes ? QStringLiteral("Yes") : QStringLiteral("No"); }
-
 }  // namespace
 
 void RecipeGridModel::Show(const RecipeOnShow& shown) {
   const bool was_idle = !pending_;
   line_count_ = shown.LineCount();
-  pending_ = shown.entry_pending;
+  pending_ = shown.EntryPending();
   SetRows(RowsOf(shown));
   if (was_idle == pending_ && line_count_ < rowCount()) {
     const QModelIndex entry = index(line_count_, kColumnIngredient);
@@ -32,7 +30,7 @@ std::vector<RecipeGridModel::Row> RecipeGridModel::RowsOf(const RecipeOnShow& sh
   for (const RecipeLineRecord& line : shown.ration.lines) {
     rows.push_back(RowOf(line));
   }
-  if (shown.entry_pending) {
+  if (shown.EntryPending()) {
     rows.push_back(RowOf(shown.Current()));
   } else if (shown.entry_row_offered || shown.OnEntryRow()) {
     rows.emplace_back();

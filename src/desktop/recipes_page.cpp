@@ -99,7 +99,13 @@ bool RecipesPage::Run(const std::function<void(RecipeEditor&)>& event) {
   if (!editor) {
     return false;
   }
+  const RecipeRecord before = editor->OnShow().ration.recipe;
   const bool done = HandleEditEvent(ports_.feed.op, [&] { event(*editor); });
+  const RecipeRecord& after = editor->OnShow().ration.recipe;
+  // The first line of a recipe puts it in use, whichever event commits it.
+  if (before.id == after.id && before.description.empty() && !after.description.empty()) {
+    head_->CboRecId().SetItem(after.id, after.name);
+  }
   Show();
   if (std::exchange(stored_, false)) {
     ports_.record_changed();
@@ -154,7 +160,7 @@ void RecipesPage::LeaveDescription() {
   }
   FilteredEdit& box = head_->TxtRecDesc();
   FilteredEdit& name = head_->TxtRecName();
-  RewriteItem(name.Text());
+  const std::string listed = name.Text();
   const std::optional<std::string> abbreviation =
       ports_.abbreviation.LeaveDescription(box.Text(), ports_.feed.settings.AutoAbbreviateOn());
   Run([&](RecipeEditor& editor) {
@@ -164,6 +170,8 @@ void RecipesPage::LeaveDescription() {
       RecipeHead::Stored(name);
     }
   });
+  // An abbreviation is not listed until the name is left.
+  RewriteItem(listed);
 }
 
 void RecipesPage::LeaveNumber(FilteredEdit& box, void (RecipeEditor::*leave)(std::string_view)) {
@@ -276,6 +284,9 @@ bool RecipesPage::Select(int id) {
   if (!lines_->GrdRec().FinishEdit()) {
     lines_->GrdRec().GiveUpEdit();
   }
+  if (!CommitPending()) {
+    return false;
+  }
   if (!Run([id](RecipeEditor& editor) { editor.Select(id); })) {
     return false;
   }
@@ -323,11 +334,13 @@ void RecipesPage::Prepare() {
     return;
   }
   ShowUnit();
-  // By way of the last recipe, which opens the list of batch types where it has none.
-  Run([this](RecipeEditor& editor) {
-    ReadIngredients();
-    editor.Select(kRecipeCount);
-  });
+  if (CommitPending()) {
+    // By way of the last recipe, which opens the list of batch types where it has none.
+    Run([this](RecipeEditor& editor) {
+      ReadIngredients();
+      editor.Select(kRecipeCount);
+    });
+  }
   preparing_ = false;
   Select(1);
   Waited(kShownDelay);
@@ -361,11 +374,10 @@ void RecipesPage::Activated() {
   grid.setUpdatesEnabled(true);
 }
 
-// A line that is complete is not lost with its database.
-void RecipesPage::CommitPending() {
-  if (editor_ && editor_->OnShow().entry_pending) {
-    Run([](RecipeEditor& editor) { editor.CommitRow(); });
-  }
+// A line that is complete is not lost with its recipe or its database.
+bool RecipesPage::CommitPending() {
+  return !editor_ || !editor_->OnShow().EntryPending() ||
+         Run([](RecipeEditor& editor) { editor.EndEntry(); });
 }
 
 void RecipesPage::Rebind(DatabaseKind kind, const BoundDatabase& database) {

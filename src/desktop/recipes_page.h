@@ -82,7 +82,8 @@ class RecipesPage final : public RecordPage, private RecipeGridEvents {
   std::shared_ptr<RecipeEditor> MakeEditor(SQLite::Database& connection, int id);
 
   bool Select(int id);
-  void CommitPending();
+  // False: it could not be stored, and that was told.
+  bool CommitPending();
   void ReadIngredients();
   // The file may not be written, for that reason; or it may, for an empty one.
   void CloseFields(const QString& reason);

@@ -18,7 +18,7 @@ namespace vrx {
 struct Ration {
   RecipeRecord recipe;
   std::vector<RecipeLineRecord> lines = {};
-  // The line that is not added yet. It counts while the grid stands on it: it is empty otherwise.
+  // The line that is being composed and not added yet: it counts. None while the entry row is idle.
   std::optional<RecipeLineRecord> entry_row = std::nullopt;
 };
 

@@ -112,6 +112,12 @@ RecipeInputs EnableRecipeInputs(std::string_view batch_type, bool flag,
   return {.head_count = false, .ration_target = open, .adjust_batch = open};
 }
 
+RecipeInputs EnabledByTotals(std::string_view batch_type, const TotalsRow& row) {
+  const BatchType* type = FindBatchType(batch_type);
+  return type == nullptr ? RecipeInputs{}
+                         : Enabled(*type, TextToLong(row.target), row.ingredient_percent);
+}
+
 RecipeInputs EnabledByLines(std::string_view batch_type,
                             const std::vector<RecipeLineRecord>& lines) {
   const BatchType* type = FindBatchType(batch_type);

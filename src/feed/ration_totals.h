@@ -42,6 +42,10 @@ bool Totals100Percent(std::string_view ingredient_percent_total);
 RecipeInputs EnableRecipeInputs(std::string_view batch_type, bool flag,
                                 std::string_view ingredient_percent_total);
 
+// Which inputs a totals row leaves enabled, by its sum of `Target` or, for type "P", of
+// `Ingredient%`. A blank row leaves none.
+RecipeInputs EnabledByTotals(std::string_view batch_type, const TotalsRow& row);
+
 // Which inputs the lines of a recipe leave enabled, by the sum of `Target` or, for type "P", of
 // `Ingredient%`. Throws as the routines of ration.h do.
 RecipeInputs EnabledByLines(std::string_view batch_type,

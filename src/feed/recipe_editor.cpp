@@ -89,13 +89,20 @@ void RecipeEditor::Apply(const Change& change) {
 }
 
 template <typename Change>
-void RecipeEditor::CommitHead(const Change& change) {
+void RecipeEditor::ApplyToStoredLines(const Change& change) {
   RecipeOnShow next = shown_;
   TakeLines(next, ReadRecipeLines(database_, next.ration.recipe.id));
   const Ration stored{.recipe = shown_.ration.recipe, .lines = next.ration.lines};
-  change(next.ration.recipe);
-  Recompute(next, {.ration_percents = false});
+  change(next);
   Store(stored, std::move(next));
+}
+
+template <typename Change>
+void RecipeEditor::CommitHead(const Change& change) {
+  ApplyToStoredLines([&](RecipeOnShow& next) {
+    change(next.ration.recipe);
+    Recompute(next, {.ration_percents = false});
+  });
 }
 
 template <typename Change>
@@ -120,7 +127,7 @@ RecipeEditor::RecipeEditor(SQLite::Database& database, Operator& op, const Priva
 }
 
 void RecipeEditor::Select(int recipe_id) {
-  CommitRow();
+  EndEntry();
   if (recipe_id == 0) {
     recipe_id = shown_.ration.recipe.id;
   }
@@ -196,12 +203,7 @@ void RecipeEditor::BeforeCellEdit(LineColumn column) {
   }
 }
 
-void RecipeEditor::AfterCellEdit(LineColumn column) {
-  shown_.last_column = column;
-  if (column == LineColumn::kTarget) {
-    EnableInputs(shown_, true);
-  }
-}
+void RecipeEditor::AfterCellEdit(LineColumn column) { CellLeft(shown_, column); }
 
 bool RecipeEditor::GoToRow(int row) {
   const bool exists =
@@ -212,17 +214,7 @@ bool RecipeEditor::GoToRow(int row) {
   if (!CommitRow()) {
     return false;
   }
-  Apply([&](RecipeOnShow& next) {
-    if (row == kEntryRow) {
-      GoToEntryRow(next);
-      return;
-    }
-    const bool was_on_entry_row = next.OnEntryRow();
-    GoToLine(next, row);
-    if (was_on_entry_row) {
-      Recompute(next, {});
-    }
-  });
+  row == kEntryRow ? GoToEntryRow(shown_) : GoToLine(shown_, row);
   return true;
 }
 
@@ -246,7 +238,7 @@ void RecipeEditor::EnterCell(LineColumn column, std::string_view typed) {
 }
 
 bool RecipeEditor::CommitRow() {
-  if (!shown_.entry_pending) {
+  if (!shown_.EntryPending()) {
     return true;
   }
   RecipeOnShow next = shown_;
@@ -263,14 +255,20 @@ bool RecipeEditor::CommitRow() {
 }
 
 void RecipeEditor::DiscardEntry() {
-  if (!shown_.OnEntryRow()) {
+  if (!shown_.EntryPending()) {
     return;
   }
-  Apply([](RecipeOnShow& next) {
+  // Another tab may have changed the lines meanwhile.
+  ApplyToStoredLines([](RecipeOnShow& next) {
     GoToEntryRow(next);
     Recompute(next, {});
-    EnableInputs(next, false);
   });
+}
+
+void RecipeEditor::EndEntry() {
+  if (!CommitRow()) {
+    DiscardEntry();
+  }
 }
 
 bool RecipeEditor::DeleteIng() {

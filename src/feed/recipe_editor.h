@@ -44,7 +44,7 @@ class RecipeEditor {
   const RecipeOnShow& OnShow() const { return shown_; }
 
   // Shows another recipe, or the same one as it is stored now; 0, the blank item of the list, is
-  // the one on show. A line in the entry row is added first if it is complete, and given up if not.
+  // the one on show. EndEntry comes first.
   void Select(int recipe_id);
 
   // Index 0 of the list does nothing.
@@ -82,8 +82,12 @@ class RecipeEditor {
   // as well where nothing is being composed.
   bool CommitRow();
 
-  // Gives up what stands in the entry row.
+  // Gives up what stands in the entry row: the figures are those of the lines alone again.
   void DiscardEntry();
+
+  // Adds the line of the entry row if it is complete, and gives it up if not: the recipe is about
+  // to be left.
+  void EndEntry();
 
   // Delete and move the current line. False: refused, with the operator told, or answered with No.
   bool DeleteIng();
@@ -96,6 +100,9 @@ class RecipeEditor {
  private:
   template <typename Change>
   void Apply(const Change& change);
+  // The same, with the lines read anew first.
+  template <typename Change>
+  void ApplyToStoredLines(const Change& change);
   template <typename Change>
   void CommitHead(const Change& change);
   template <typename Change>

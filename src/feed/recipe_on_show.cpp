@@ -21,6 +21,14 @@ constexpr std::array kMovableCells = {
 
 std::size_t IndexOf(int row) { return static_cast<std::size_t>(row) - 1; }
 
+// The first thing that is entered into an idle entry row begins a line.
+RecipeLineRecord& LineToEnter(RecipeOnShow& shown) {
+  if (shown.OnEntryRow() && !shown.EntryPending()) {
+    shown.ration.entry_row.emplace();
+  }
+  return shown.Current();
+}
+
 }  // namespace
 
 LineEntry RecipeOnShow::Entry() const {
@@ -74,6 +82,18 @@ void EnableInputs(RecipeOnShow& shown, bool flag) {
                                      shown.totals.ingredient_percent);
 }
 
+void CellLeft(RecipeOnShow& shown, LineColumn column) {
+  shown.last_column = column;
+  if (column != LineColumn::kTarget) {
+    return;
+  }
+  if (shown.EntryPending()) {
+    EnableInputs(shown, true);
+  } else {
+    shown.enabled = EnabledByTotals(shown.ration.recipe.batch_type, shown.totals);
+  }
+}
+
 void ShowRecipe(RecipeOnShow& shown, RecipeRecord recipe, std::vector<RecipeLineRecord> lines) {
   RecipeOnShow next{.type_list_enabled = shown.type_list_enabled};
   next.ration = {.recipe = std::move(recipe), .lines = std::move(lines)};
@@ -93,34 +113,29 @@ void ShowRecipe(RecipeOnShow& shown, RecipeRecord recipe, std::vector<RecipeLine
 }
 
 void GoToEntryRow(RecipeOnShow& shown) {
-  shown.ration.entry_row.emplace();
+  shown.ration.entry_row.reset();
   shown.row = kEntryRow;
-  shown.entry_pending = false;
   shown.last_column.reset();
-  EnableInputs(shown, false);
 }
 
 void GoToLine(RecipeOnShow& shown, int row) {
   shown.ration.entry_row.reset();
   shown.row = row;
-  shown.entry_pending = false;
 }
 
 void TakeIngredient(RecipeOnShow& shown, const IngredientRecord& ingredient) {
-  RecipeLineRecord& line = shown.Current();
+  RecipeLineRecord& line = LineToEnter(shown);
   line.ingredient = std::to_string(ingredient.id);
   line.dry_matter_percent = std::to_string(ingredient.dry_matter_percent);
   line.hand_add = ingredient.hand_add;
-  shown.entry_pending = shown.OnEntryRow();
   shown.last_column = LineColumn::kIngredient;
   Recompute(shown, {.current_dry_matter = true, .all_dry_matter = true});
 }
 
 void TakeCell(RecipeOnShow& shown, LineColumn column, std::string text) {
   const bool weight = column == LineColumn::kTarget;
-  RecipeLineRecord& line = shown.Current();
+  RecipeLineRecord& line = LineToEnter(shown);
   (weight ? line.target : line.ingredient_percent) = std::move(text);
-  shown.entry_pending = shown.OnEntryRow();
   shown.last_column = column;
   Recompute(shown, {.current_dry_matter = true, .ration_percents = weight});
   if (weight) {

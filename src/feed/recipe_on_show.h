@@ -18,7 +18,7 @@ namespace vrx {
 inline constexpr int kEntryRow = -1;
 
 struct RecipeOnShow {
-  Ration ration = {};  // with its entry row exactly while the grid stands there
+  Ration ration = {};  // with an entry row exactly while a line is composed in it
   int row = kEntryRow;
   TotalsRow totals = {};
   RecipeInputs enabled = {};
@@ -29,11 +29,12 @@ struct RecipeOnShow {
   // closed. Empty where it can.
   std::string failure = {};
 
-  // Of the line that is being composed in the entry row.
-  bool entry_pending = false;
   std::optional<LineColumn> last_column = std::nullopt;
 
+  // The grid stands on the entry row, also on an idle one in which nothing was entered yet.
   bool OnEntryRow() const { return row == kEntryRow; }
+  // A line is being composed in the entry row.
+  bool EntryPending() const { return ration.entry_row.has_value(); }
   int LineCount() const { return static_cast<int>(ration.lines.size()); }
   bool HasRoom() const { return LineCount() < kMaxRecipeLines; }
 
@@ -42,7 +43,8 @@ struct RecipeOnShow {
   // Which groups of inputs are visible.
   RecipeInputs Shown() const;
 
-  // The line that the grid stands on, the entry row included.
+  // The line that the grid stands on, the one that is being composed included. There is none on an
+  // idle entry row.
   RecipeLineRecord& Current();
   const RecipeLineRecord& Current() const;
 };
@@ -62,12 +64,16 @@ void Recompute(RecipeOnShow& shown, const Recomputation& what);
 // Sets the three groups of inputs by a flag, as the batch type lets them.
 void EnableInputs(RecipeOnShow& shown, bool flag);
 
+// A cell is left. The inputs that BeforeCellEdit closed open again, those of a recipe without a
+// line in composition only as far as its totals let them.
+void CellLeft(RecipeOnShow& shown, LineColumn column);
+
 // A recipe with its stored lines in place of the one on show: recomputed and on line 1, or on the
 // entry row with blank totals and closed inputs. The list of batch types opens for an untyped
 // recipe, and stays as it is for a typed one.
 void ShowRecipe(RecipeOnShow& shown, RecipeRecord recipe, std::vector<RecipeLineRecord> lines);
 
-// Empties the entry row and goes there; the inputs close.
+// Empties the entry row and goes there. An idle entry row changes no figure and no input.
 void GoToEntryRow(RecipeOnShow& shown);
 void GoToLine(RecipeOnShow& shown, int row);
 

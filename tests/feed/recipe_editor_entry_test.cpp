@@ -73,7 +73,7 @@ TEST_F(RecipeLineEntry, GoesThroughOnceAWeightWasEntered) {
   editor.EnterCell(LineColumn::kTarget, "800");
   EXPECT_TRUE(editor.CommitRow());
   EXPECT_EQ(Shown().row, 1);
-  EXPECT_FALSE(Shown().entry_pending);
+  EXPECT_FALSE(Shown().EntryPending());
   ExpectStored();
 }
 
@@ -118,8 +118,7 @@ TEST_F(RecipeLineEntry, GivenUpLeavesNothingBehind) {
   editor.ChooseIngredient(kHay);
   editor.EnterCell(LineColumn::kTarget, "800");
   editor.DiscardEntry();
-  EXPECT_EQ(Shown().enabled, kClosed);
-  EXPECT_TRUE(editor.GoToRow(1));
+  EXPECT_EQ(Shown().row, kEntryRow);
   EXPECT_EQ(Shown().ration.lines, before);
   EXPECT_EQ(Shown().totals.batch_target, "5000");
   EXPECT_EQ(Shown().enabled, kAllOpen);
@@ -240,7 +239,7 @@ TEST_F(RecipeLineEntry, RefusesAnIngredientThatIsNotInUseOrNotThere) {
             "chosen.");
   EXPECT_EQ(Refusal([&] { editor.ChooseIngredient(101); }),
             "There is no ingredient 101, they are numbered 1 to 100.");
-  EXPECT_FALSE(Shown().entry_pending);
+  EXPECT_FALSE(Shown().EntryPending());
 }
 
 TEST_F(RecipeLineEntry, TheInputsAreClosedWhileATargetIsEdited) {
@@ -254,14 +253,63 @@ TEST_F(RecipeLineEntry, TheInputsAreClosedWhileATargetIsEdited) {
   EXPECT_EQ(Shown().enabled, kAllOpen);
 }
 
-TEST_F(RecipeLineEntry, TheEntryRowClosesTheInputs) {
+TEST_F(RecipeLineEntry, AnIdleEntryRowLeavesFiguresAndInputsAsOnALine) {
+  editor.Select(kByWeight);
+  AddCornHaySupplement();
+  editor.GoToRow(kEntryRow);
+  EXPECT_EQ(Shown().enabled, kAllOpen);
+  editor.LeaveRationTarget("6000");
+  EXPECT_THAT(Column(&RecipeLineRecord::batch_target), ElementsAre("3478", "2267", "255"));
+  EXPECT_EQ(Shown().totals.batch_target, "6000");
+  EXPECT_EQ(Shown().enabled, kAllOpen);
+  editor.ChooseAdjustItem(0);
+  EXPECT_EQ(Shown().totals.batch_target, "7200");
+  editor.DiscardEntry();
+  editor.CommitRecipeRecord();
+  editor.DeleteIng();
+  editor.RecomputeAll();
+  EXPECT_EQ(Shown().row, kEntryRow);
+  EXPECT_EQ(Shown().totals.batch_target, "7200");
+  EXPECT_EQ(Shown().enabled, kAllOpen);
+  ExpectStored();
+}
+
+TEST_F(RecipeLineEntry, ARecipeLeftWithAnIncompleteLineGetsItsFiguresBack) {
+  editor.Select(kByWeight);
+  AddCornHaySupplement();
+  editor.GoToRow(kEntryRow);
+  editor.ChooseIngredient(kOats);
+  editor.LeaveRationTarget("6000");
+  editor.Select(kByHeadCount);
+  const std::vector<RecipeLineRecord> left = ReadRecipeLines(database, kByWeight);
+  ASSERT_THAT(left, SizeIs(3));
+  EXPECT_EQ(left[0].batch_target, "3478");
+  EXPECT_EQ(left[1].batch_target, "2267");
+  EXPECT_EQ(left[2].batch_target, "255");
+  EXPECT_EQ(left[0].ration_percent, "60.000");
+}
+
+TEST_F(RecipeLineEntry, GivenUpKeepsWhatAnotherTabChangedInTheLines) {
   editor.Select(kByWeight);
   Add(kCorn, "1200");
-  EXPECT_EQ(Shown().enabled, kAllOpen);
   editor.GoToRow(kEntryRow);
-  EXPECT_EQ(Shown().enabled, kClosed);
-  editor.GoToRow(1);
-  EXPECT_EQ(Shown().enabled, kAllOpen);
+  editor.ChooseIngredient(kHay);
+  database.exec("UPDATE RecipeRation SET [DryMatter%] = '50', DryMatter = '2400'");
+  editor.EndEntry();
+  EXPECT_THAT(Column(&RecipeLineRecord::dry_matter_percent), ElementsAre("50"));
+  EXPECT_THAT(Column(&RecipeLineRecord::dry_matter), ElementsAre("2400"));
+  EXPECT_THAT(Column(&RecipeLineRecord::batch_target), ElementsAre("5000"));
+  ExpectStored();
+}
+
+TEST_F(RecipeLineEntry, EndingItAddsACompleteLine) {
+  editor.Select(kByWeight);
+  editor.ChooseIngredient(kCorn);
+  editor.EnterCell(LineColumn::kTarget, "5");
+  editor.EndEntry();
+  EXPECT_FALSE(Shown().EntryPending());
+  EXPECT_THAT(Column(&RecipeLineRecord::target), ElementsAre("5"));
+  ExpectStored();
 }
 
 TEST_F(RecipeLineEntry, AnotherIngredientOfAStoredLineBringsItsDryMatter) {
@@ -281,6 +329,28 @@ TEST_F(RecipeLineEntry, AWeightOfZeroIsTakenAndClosesTheInputs) {
   Add(kCorn, "0");
   EXPECT_EQ(Shown().enabled, kClosed);
   EXPECT_THAT(Column(&RecipeLineRecord::batch_target), ElementsAre("0"));
+}
+
+TEST_F(RecipeLineEntry, ACellThatIsLeftOpensNoInputsWhileTheWeightsTotalZero) {
+  editor.Select(kByWeight);
+  Add(kCorn, "1200");
+  const auto edit = [&](std::string_view weight) {
+    editor.BeforeCellEdit(LineColumn::kTarget);
+    editor.EnterCell(LineColumn::kTarget, weight);
+    editor.AfterCellEdit(LineColumn::kTarget);
+  };
+  edit("0");
+  EXPECT_EQ(Shown().enabled, kClosed);
+  editor.BeforeCellEdit(LineColumn::kTarget);
+  editor.AfterCellEdit(LineColumn::kTarget);
+  EXPECT_EQ(Shown().enabled, kClosed);
+  editor.GoToRow(kEntryRow);
+  editor.BeforeCellEdit(LineColumn::kTarget);
+  editor.AfterCellEdit(LineColumn::kTarget);
+  EXPECT_EQ(Shown().enabled, kClosed);
+  editor.GoToRow(1);
+  edit("7");
+  EXPECT_EQ(Shown().enabled, kAllOpen);
 }
 
 }  // namespace

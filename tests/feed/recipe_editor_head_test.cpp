@@ -15,7 +15,7 @@ class RecipeHead : public RecipeEditorTest {};
 TEST_F(RecipeHead, AnEmptyRecipeStandsOnTheEntryRowWithoutTotals) {
   editor.Select(kByWeight);
   EXPECT_EQ(Shown().row, kEntryRow);
-  EXPECT_TRUE(Shown().ration.entry_row.has_value());
+  EXPECT_FALSE(Shown().EntryPending());
   EXPECT_EQ(Shown().totals, TotalsRow{});
   EXPECT_EQ(Shown().enabled, kClosed);
   EXPECT_TRUE(Shown().entry_row_offered);
@@ -194,7 +194,7 @@ TEST_F(RecipeHead, ACommitKeepsTheLineThatIsBeingComposed) {
   editor.ChooseIngredient(kCorn);
   editor.LeaveDescription("Steers", std::nullopt);
   EXPECT_EQ(Shown().Current().ingredient, "1");
-  EXPECT_TRUE(Shown().entry_pending);
+  EXPECT_TRUE(Shown().EntryPending());
 }
 
 TEST_F(RecipeHead, AnotherSelectionAddsACompleteLineAndGivesUpTheRest) {
@@ -206,7 +206,7 @@ TEST_F(RecipeHead, AnotherSelectionAddsACompleteLineAndGivesUpTheRest) {
   editor.ChooseIngredient(kCorn);
   editor.Select(kByWeight);
   EXPECT_EQ(ReadRecipeLines(database, kByHeadCount).size(), 0U);
-  EXPECT_FALSE(Shown().entry_pending);
+  EXPECT_FALSE(Shown().EntryPending());
 }
 
 TEST_F(RecipeHead, WhatFollowsAStepRunsInsideItAndOnlyWhereSomethingIsStored) {
