@@ -77,6 +77,7 @@ struct ChildPlan {
 };
 
 [[noreturn]] void BecomeProgram(const ChildPlan& plan) {
+  setpgid(0, 0);
   sigset_t none{};
   sigemptyset(&none);
   sigprocmask(SIG_SETMASK, &none, nullptr);
@@ -97,10 +98,11 @@ struct ChildPlan {
   _exit(written == sizeof(why) ? EXIT_FAILURE : 127);
 }
 
-// A child that is killed at the latest when this goes, and always waited for.
+// A child in a process group of its own, which is killed at the latest when this object goes.
 class Child {
  public:
-  explicit Child(pid_t process) : process_(process) {}
+  Child(pid_t process, std::chrono::seconds processor_limit)
+      : process_(process), processor_limit_(processor_limit) {}
   ~Child() {
     if (process_ > 0) {
       Kill();
@@ -110,53 +112,113 @@ class Child {
   Child(const Child&) = delete;
   Child& operator=(const Child&) = delete;
 
-  void Kill() const { kill(process_, SIGKILL); }
+  // The child and what it started.
+  void Kill() const { kill(-process_, SIGKILL); }
 
-  // How it ended.
+  bool HasEnded() const { return Await(WNOHANG); }
+
+  // How it ended. What it started and left is killed; until then the group keeps its number.
   ProgramOutcome Wait() {
+    while (!Await(0)) {  // interrupted by a signal
+    }
+    Kill();
     int status = 0;
-    while (waitpid(process_, &status, 0) < 0 && errno == EINTR) {
+    rusage used{};
+    while (wait4(process_, &status, 0, &used) < 0 && errno == EINTR) {
     }
     process_ = 0;
     if (WIFEXITED(status)) {
       return {.end = ProgramEnd::kExited, .code = WEXITSTATUS(status)};
     }
     const int signal = WTERMSIG(status);
-    return {.end = signal == SIGXCPU ? ProgramEnd::kOutOfTime : ProgramEnd::kCrashed,
-            .code = signal};
+    // One that ignores the first signal of the limit is killed by the system a second later.
+    const bool out_of_time =
+        signal == SIGXCPU || (signal == SIGKILL && ProcessorTime(used) >= processor_limit_);
+    return {.end = out_of_time ? ProgramEnd::kOutOfTime : ProgramEnd::kCrashed, .code = signal};
   }
 
  private:
+  // True once it has ended; it is still there for Wait.
+  bool Await(int options) const {
+    siginfo_t info{};
+    const int result =
+        waitid(P_PID, static_cast<id_t>(process_), &info, WEXITED | WNOWAIT | options);
+    return result == 0 ? info.si_pid == process_ : errno != EINTR;
+  }
+
+  static std::chrono::seconds ProcessorTime(const rusage& used) {
+    return std::chrono::seconds(used.ru_utime.tv_sec + used.ru_stime.tv_sec) +
+           std::chrono::duration_cast<std::chrono::seconds>(
+               std::chrono::microseconds(used.ru_utime.tv_usec + used.ru_stime.tv_usec));
+  }
+
   pid_t process_;
+  std::chrono::seconds processor_limit_;
 };
 
-// Hands on what comes. Says why it had to end the child, if it had to.
-std::optional<ProgramEnd> PassOn(const Descriptor& output, std::chrono::milliseconds quiet_limit,
-                                 const std::function<bool(std::string_view)>& take) {
-  std::array<char, kPieceSize> piece{};
-  Clock::time_point last = Clock::now();
-  while (true) {
-    pollfd waiting{.fd = output.Number(), .events = POLLIN, .revents = 0};
-    const int ready = poll(&waiting, 1, static_cast<int>(kLookAround.count()));
-    std::size_t count = 0;
-    if (ready > 0) {
-      const ssize_t got = read(output.Number(), piece.data(), piece.size());
-      if (got == 0 || (got < 0 && errno != EINTR)) {
-        return std::nullopt;
-      }
-      count = static_cast<std::size_t>(std::max<ssize_t>(got, 0));
+// The reading end of a child's output.
+class Output {
+ public:
+  explicit Output(Descriptor pipe) : pipe_(std::move(pipe)) {}
+
+  // What comes within the time; empty if nothing does. Returns early at the end of the output, and
+  // once that is reached waits without it: shortly at first, as a child mostly ends then.
+  std::string_view Read(std::chrono::milliseconds limit) {
+    pollfd waiting{.fd = pipe_.Number(), .events = POLLIN, .revents = 0};  // -1 is passed over
+    if (pipe_.Number() < 0) {
+      limit = std::min(limit, next_wait_);
+      next_wait_ = std::min(2 * next_wait_, kLookAround);
     }
-    if (count == 0 && Clock::now() - last > quiet_limit) {
+    if (poll(&waiting, 1, static_cast<int>(limit.count())) <= 0) {
+      return {};
+    }
+    const ssize_t got = read(pipe_.Number(), piece_.data(), piece_.size());
+    if (got == 0 || (got < 0 && errno != EINTR)) {
+      pipe_.Close();
+    }
+    return {piece_.data(), static_cast<std::size_t>(std::max<ssize_t>(got, 0))};
+  }
+
+ private:
+  Descriptor pipe_;
+  std::chrono::milliseconds next_wait_{1};
+  std::array<char, kPieceSize> piece_{};
+};
+
+// Hands on what comes until the child has ended. Says why it had to end the child, if it had to.
+std::optional<ProgramEnd> PassOn(const Child& child, Output& output,
+                                 std::chrono::milliseconds quiet_limit,
+                                 const std::function<bool(std::string_view)>& take) {
+  Clock::duration quiet{};  // without the time that `take` takes
+  while (true) {
+    // Asked before the reading, so that nothing which it wrote is missed.
+    const bool ended = child.HasEnded();
+    if (ended) {
+      child.Kill();  // what it left may hold the output open, and write on
+    }
+    const Clock::time_point start = Clock::now();
+    const std::string_view piece = output.Read(ended ? std::chrono::milliseconds{0} : kLookAround);
+    quiet = piece.empty() ? quiet + (Clock::now() - start) : Clock::duration::zero();
+    if (piece.empty() && ended) {
+      return std::nullopt;
+    }
+    if (quiet > quiet_limit) {
       return ProgramEnd::kOutOfTime;
     }
-    if (!take({piece.data(), count})) {
+    if (!take(piece)) {
       return ProgramEnd::kStopped;
     }
-    // The time that `take` takes is not the program's.
-    if (count > 0) {
-      last = Clock::now();
-    }
   }
+}
+
+// 0, or the error number of a program that cannot be started.
+int WaitForStart(const Descriptor& failure) {
+  int why = 0;
+  ssize_t got = 0;
+  do {
+    got = read(failure.Number(), &why, sizeof(why));
+  } while (got < 0 && errno == EINTR);
+  return got == sizeof(why) ? why : 0;
 }
 
 ProgramOutcome NotStarted(int why) { return {.end = ProgramEnd::kNotStarted, .code = why}; }
@@ -194,15 +256,15 @@ ProgramOutcome PosixProgramRunner::Run(const LimitedProgram& program,
   if (process < 0) {
     return NotStarted(errno);
   }
-  Child child(process);
+  Child child(process, program.limits.processor);
   output->write.Close();
   failure->write.Close();
-  int why = 0;
-  if (read(failure->read.Number(), &why, sizeof(why)) == sizeof(why)) {
+  if (const int why = WaitForStart(failure->read)) {
     child.Wait();
     return NotStarted(why);
   }
-  const std::optional<ProgramEnd> cut_short = PassOn(output->read, program.limits.quiet, take);
+  Output pieces(std::move(output->read));
+  const std::optional<ProgramEnd> cut_short = PassOn(child, pieces, program.limits.quiet, take);
   if (cut_short) {
     child.Kill();
     child.Wait();

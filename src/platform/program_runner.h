@@ -10,7 +10,8 @@
 
 namespace vrx {
 
-// What a program may use before it is ended. The quiet time is that without a byte of output.
+// What a program may use before it is ended. The quiet time is that without a byte of output,
+// whether the output is open or closed.
 struct ProgramLimits {
   std::chrono::seconds processor{60};
   std::chrono::milliseconds quiet{30000};
@@ -43,9 +44,10 @@ class ProgramRunner {
   virtual ~ProgramRunner() = default;
 
   // `take` gets what the program writes to standard output, piece by piece as it comes, and at
-  // least every 50 ms an empty piece; false ends the program. The program writes no faster than
-  // `take` takes. Returns when the program has ended; when `take` throws, the program is ended
-  // first.
+  // least every 50 ms an empty piece, also once the program has closed its output; false ends the
+  // program. The program writes no faster than `take` takes. Returns when the program has ended:
+  // processes that it leaves are ended too, and what they write is dropped. When `take` throws, the
+  // program is ended first.
   virtual ProgramOutcome Run(const LimitedProgram& program,
                              const std::function<bool(std::string_view)>& take) = 0;
 };

@@ -1,4 +1,3 @@
-#include <cerrno>
 #include <chrono>
 #include <csignal>
 #include <random>
@@ -85,78 +84,19 @@ TEST(Reader, ThatIsNotThereIsTold) {
   EXPECT_THAT(site.Files(), IsEmpty());
 }
 
-struct Ended {
-  ProgramOutcome outcome;
-  std::string output;
-};
-
-Ended RunScript(const std::string& script, const ProgramLimits& limits) {
-  TempFolder folder;
-  WriteBytes(folder / "program", "#!/bin/sh\n" + script + "\n");
-  fs::permissions(folder / "program", fs::perms::owner_all);
-  Ended ended;
-  ended.outcome = PosixProgramRunner().Run(
-      {.path = folder / "program", .arguments = {"one", "two words"}, .limits = limits},
-      [&ended](std::string_view bytes) {
-        ended.output += bytes;
-        return true;
-      });
-  return ended;
-}
-
-TEST(ProgramRunner, HandsOutputOverAndTellsTheExitCode) {
-  const Ended ended = RunScript("echo \"$2\"; echo aside >&2; cat; exit 7", {});
-  EXPECT_EQ(ended.output, "two words\n");
-  EXPECT_EQ(ended.outcome.end, ProgramEnd::kExited);
-  EXPECT_EQ(ended.outcome.code, 7);
-}
-
-TEST(ProgramRunner, EndsAProgramThatUsesUpItsProcessorTime) {
-  const Ended ended = RunScript("while :; do :; done", {.processor = std::chrono::seconds(1)});
-  EXPECT_EQ(ended.outcome.end, ProgramEnd::kOutOfTime);
-}
-
-TEST(ProgramRunner, EndsAProgramThatKeepsQuiet) {
-  const Ended ended =
-      RunScript("echo start; exec sleep 600", {.quiet = std::chrono::milliseconds(200)});
-  EXPECT_EQ(ended.output, "start\n");
-  EXPECT_EQ(ended.outcome.end, ProgramEnd::kOutOfTime);
-}
-
-TEST(ProgramRunner, EndsAProgramWhenItsOutputIsNotWanted) {
-  const ProgramOutcome outcome =
-      PosixProgramRunner().Run({.path = "/bin/sleep", .arguments = {"600"}, .limits = {}},
-                               [](std::string_view /*bytes*/) { return false; });
-  EXPECT_EQ(outcome.end, ProgramEnd::kStopped);
-}
-
-TEST(ProgramRunner, LeavesNoChildBehindWhenItsOutputCannotBeTaken) {
-  EXPECT_THROW(PosixProgramRunner().Run({.path = "/bin/sleep", .arguments = {"600"}, .limits = {}},
-                                        [](std::string_view) -> bool { throw Error("enough"); }),
-               Error);
-  EXPECT_EQ(waitpid(-1, nullptr, WNOHANG), -1);
-  EXPECT_EQ(errno, ECHILD);
-}
-
-#ifndef __SANITIZE_ADDRESS__
-TEST(ProgramRunner, LimitsMemory) {
-  const Ended ended = RunScript("head -c 300000000 /dev/zero | tail -n 1 >/dev/null; echo $?",
-                                {.memory_bytes = std::size_t{64} << 20U});
-  EXPECT_THAT(ended.output, HasSubstr("1"));
-}
-#endif
-
-TEST(ProgramRunner, LetsAProgramWriteNoFile) {
-  TempFolder folder;
-  const std::string path = (folder / "written").string();
-  const Ended ended = RunScript("echo x > '" + path + "'; echo done", {});
-  EXPECT_EQ(BytesOf(path), "");
-}
-
 TEST(Conversion, StopsWhenAskedTo) {
   ConversionSite site;
   int asked = 0;
   site.go_on = [&asked] { return ++asked < 3; };
+  EXPECT_EQ(site.Refusal(site.Data("LEGACYX.TDB")), "the conversion was stopped");
+  EXPECT_THAT(site.Files(), IsEmpty());
+}
+
+TEST(Conversion, StopsWhenAskedToAlsoOnceItsReaderHasClosedTheOutput) {
+  ConversionSite site;
+  const OtherReader reader(site, "exec >&-; exec sleep 600");
+  int asked = 0;
+  site.go_on = [&asked] { return ++asked < 10; };
   EXPECT_EQ(site.Refusal(site.Data("LEGACYX.TDB")), "the conversion was stopped");
   EXPECT_THAT(site.Files(), IsEmpty());
 }
