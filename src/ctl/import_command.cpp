@@ -1,5 +1,7 @@
 #include <cstddef>
+#include <ostream>
 #include <string>
+#include <vector>
 
 #include <CLI/CLI.hpp>
 
@@ -13,18 +15,19 @@
 namespace vrx {
 namespace {
 
-OutputTable RowsOf(const ImportedData& rows) {
-  OutputTable table;
+// Row by row: a damaged file can count many more rows than it fills.
+void WriteRows(std::ostream& out, const ImportedData& rows) {
+  std::vector<std::string> cells;
   for (int column = 1; column <= kImportColumns; ++column) {
-    table.header.push_back(ImportColumnKey(column));
+    cells.push_back(ImportColumnKey(column));
   }
+  WriteLine(out, OutputForm::kCsv, cells);
   for (std::size_t row = 1; row <= rows.RowCount(); ++row) {
-    auto& cells = table.rows.emplace_back();
     for (int column = 1; column <= kImportColumns; ++column) {
-      cells.emplace_back(Windows1252ToUtf8(rows.Cell(row, column)));
+      cells[static_cast<std::size_t>(column) - 1] = Windows1252ToUtf8(rows.Cell(row, column));
     }
+    WriteLine(out, OutputForm::kCsv, cells);
   }
-  return table;
 }
 
 class ImportCommand : public Command {

@@ -33,6 +33,8 @@ auto FindCell(Cells& cells, int column) {
 
 void ImportedData::Resize(std::size_t rows) {
   filled_ = {};
+  texts_ = {};
+  unread_feeds_ = {};
   row_count_ = rows;
 }
 
@@ -42,23 +44,23 @@ std::string_view ImportedData::Cell(std::size_t row, int column) const {
   }
   const auto& cells = filled_[row - 1].cells;
   const auto found = FindCell(cells, column);
-  return found != cells.end() && found->first == column ? std::string_view(found->second)
-                                                        : std::string_view();
+  return found != cells.end() && found->first == column ? found->second : std::string_view();
 }
 
-void ImportedData::SetCell(std::size_t row, int column, std::string text) {
+void ImportedData::SetCell(std::size_t row, int column, std::string_view text) {
   if (row < 1 || row > row_count_ || column < 1 || column > kImportColumns) {
     throw std::out_of_range("cell outside the imported data");
   }
   if (row > filled_.size()) {
     filled_.resize(row);
   }
+  const std::string_view held = *texts_.emplace(text).first;
   auto& cells = filled_[row - 1].cells;
   const auto place = FindCell(cells, column);
   if (place != cells.end() && place->first == column) {
-    place->second = std::move(text);
+    place->second = held;
   } else {
-    cells.emplace(place, column, std::move(text));
+    cells.emplace(place, column, held);
   }
 }
 

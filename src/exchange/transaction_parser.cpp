@@ -16,6 +16,9 @@ constexpr std::string_view kBatchMark = "[BAT],";
 constexpr std::string_view kFeedMark = "[FED],";
 constexpr std::string_view kTerminator = "\r\n\r";
 
+// Counts come from marks alone: a damaged file of some kilobytes can count millions of rows.
+constexpr std::int32_t kMostRows = 100'000;
+
 // What the operator reads when a section cannot be cut.
 struct SectionErrors {
   const char* no_mark;
@@ -151,6 +154,9 @@ TransactionParser::Next TransactionParser::CountFeeds() {
 }
 
 TransactionParser::Next TransactionParser::SizeTable() {
+  if (rows_ > kMostRows) {
+    throw ParseError("Too many records detected.");
+  }
   file_.SetFileRecordCount(rows_);
   table_.Resize(static_cast<std::size_t>(rows_));
   return 9;

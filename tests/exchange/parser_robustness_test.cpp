@@ -233,19 +233,39 @@ std::string Repeated(std::string_view piece, std::size_t total) {
   return text;
 }
 
-// Half of the text is "B," and the other half one list of times: every mark counts that whole list,
-// 16,000 batches of 6,500 rows.
-TEST(ParserRobustness, TakesAHundredMillionCountedRowsInLittleRoom) {
-  const std::string record = "B,1,3,01152009,2,4,0,0;0830,0,0;1,0,0;1,0,0\r\n";
-  std::string batches = record + Repeated("B,", 32'500) + ";" + Repeated("0830,", 32'500) + "0;";
-  std::string text = FileOf(batches + "\r\n", "");
-  ASSERT_LE(text.size(), 65535U);
-  EXPECT_NE(Parse(text).error, "");
+// One row of data. In its padding each "B," counts as a batch, and each of these batches as the
+// whole list of times: (marks + 1) * times rows.
+std::string BatchCountedAs(std::size_t marks, std::size_t times) {
+  return "B,1,3,01152009,2,4,0," + Repeated("B,", 2 * marks) + "0;" + Repeated("0830,", 5 * times) +
+         "0,0;1,0,0;1,0,0\r\n";
+}
 
-  const ParsedText parsed(text);
-  EXPECT_GT(parsed.file.FileRecordCount(), 100'000'000);
-  EXPECT_EQ(parsed.Cell(1, kImportedType), "BATCH");
-  EXPECT_FALSE(parsed.file.Imported().Filled(100'000'000));
+TEST(ParserRobustness, RefusesAHundredMillionCountedRowsInLittleRoom) {
+  const std::string text = FileOf(BatchCountedAs(16'200, 6'400), "");
+  ASSERT_LE(text.size(), 65535U);
+  const Outcome outcome = Parse(text);
+  EXPECT_EQ(outcome.error, "Too many records detected.");
+  EXPECT_LT(outcome.heap, std::size_t{1} << 20);
+}
+
+TEST(ParserRobustness, TakesAHundredThousandCountedRowsButNotOneMore) {
+  const std::string batch = BatchCountedAs(999, 100);
+  const Outcome most = Parse(FileOf(batch, ""));
+  EXPECT_EQ(most.error, "");
+  EXPECT_LT(most.heap, std::size_t{1} << 20);
+  EXPECT_EQ(ParsedText(FileOf(batch, "")).file.FileRecordCount(), 100'000);
+  EXPECT_EQ(Parse(FileOf(batch, FeedOf("1", "5.0"))).error, "Too many records detected.");
+}
+
+// Every feed row repeats the recipe of its batch.
+TEST(ParserRobustness, HoldsATextOnceThatManyRowsShare) {
+  std::string batch = OneIngredient{}.Record();
+  batch.replace(batch.find(",3,"), 3, "," + std::string(32'000, '3') + ",");
+  const std::string text = FileOf(batch, Repeated("B,1,,,,,,\r\n", 33'000));
+  ASSERT_LE(text.size(), 65535U);
+  const Outcome outcome = Parse(text);
+  EXPECT_EQ(outcome.error, "");
+  EXPECT_LT(outcome.heap, std::size_t{4} << 20);
 }
 
 // Every "B" of the feed section is counted; none of them is a record.
@@ -258,20 +278,24 @@ TEST(ParserRobustness, TakesRowsThatNoRecordFillsForAGoodFile) {
 }
 
 // The most cells that a text can fill: 32 ingredients, and as many feeds of them as find room, each
-// share written with 39 digits.
+// share another one of 39 digits.
 TEST(ParserRobustness, KeepsTheLargestTableInLittleRoom) {
   std::array<std::string, 4> lists;
   for (int id = 1; id <= 32; ++id) {
     lists[0] += std::to_string(id) + ",";
     lists[1] += "0830,";
     lists[2] += "1,";
-    lists[3] += "1,";
+    lists[3] += std::to_string(id) + ",";
   }
   std::string batch = "B,1,3,01152009,2,";
   for (std::size_t list = 0; list < lists.size(); ++list) {
     batch += lists[list] + (list < 3 ? "0,0;" : "0,0\r\n");
   }
-  const std::string text = FileOf(batch, Repeated("B,1,,,,,,3e38\r\n", 64'500));
+  std::string feeds;
+  for (int weight = 10'000; feeds.size() < 64'400; ++weight) {
+    feeds += "B,1,,,,,," + std::to_string(weight) + "e34\r\n";
+  }
+  const std::string text = FileOf(batch, feeds);
   ASSERT_LE(text.size(), 65535U);
   const Outcome outcome = Parse(text);
   EXPECT_EQ(outcome.error, "");
