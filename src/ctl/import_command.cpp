@@ -51,12 +51,13 @@ class ImportCommand : public Command {
     }
     session.Progress().Clear();
     if (output_.Form() == OutputForm::kCsv) {
-      WriteTable(session.Out(), OutputForm::kCsv, RowsOf(road.File().Imported()));
+      WriteRows(session.Out(), road.File().Imported());
     } else {
       WriteObject(session.Out(), output_.Form(),
                   {{"units", road.File().FileUnits()},
                    {"batches", road.File().FileTransactionCount()},
-                   {"rows", road.File().FileRecordCount()}});
+                   {"rows", road.File().FileRecordCount()},
+                   {"notRead", road.File().Imported().UnreadFeeds().size()}});
     }
     return kDone;
   }

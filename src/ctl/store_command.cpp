@@ -50,11 +50,13 @@ class StoreCommand : public Command {
       session.Op().Tell(session.Progress().Message());
     }
     if (outcome.complete || outcome.stored > 0) {
-      session.Op().Tell("rows read: " + std::to_string(road.File().FileRecordCount()) +
-                        ", stored: " + std::to_string(outcome.stored) +
-                        ", left out: " + std::to_string(outcome.left_out));
+      session.Op().Tell(
+          "rows read: " + std::to_string(road.File().FileRecordCount()) + ", stored: " +
+          std::to_string(outcome.stored) + ", left out: " + std::to_string(outcome.left_out) +
+          (outcome.not_read == 0 ? std::string()
+                                 : ", not read: " + std::to_string(outcome.not_read)));
     }
-    return outcome.complete ? kDone : kFailed;
+    return outcome.complete && outcome.not_read == 0 ? kDone : kFailed;
   }
 
   std::string file_;

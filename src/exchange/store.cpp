@@ -14,6 +14,7 @@
 #include "database/identity.h"
 #include "database/transactions.h"
 #include "exchange/store_row.h"
+#include "exchange/unread_feeds.h"
 #include "frame/files.h"
 #include "frame/text.h"
 
@@ -54,6 +55,7 @@ Copied CopyRows(SQLite::Database& database, const ImportedData& rows, const Reco
   progress.SetProgressMessage("Copying imported records to Transaction database.");
   progress.SetProgressRange(static_cast<int>(rows.RowCount()));
   Copied copied;
+  copied.outcome.not_read = rows.UnreadFeeds().size();
   TransactionAppender appender(database);
   for (std::size_t row = 1; row <= rows.RowCount(); ++row) {
     if (rows.Filled(row)) {
@@ -157,10 +159,10 @@ StoreOutcome TransactionStore::StoreImportedTransactions(const ImportedData& row
   }
   if (outcome.complete) {
     BeepIfEnabled(operator_, settings_);
-    TellLeftOut(outcome.left_out);
   } else {
     TellStopped(copied.stop_reason, outcome);
   }
+  TellLeftOut(rows, outcome);
   save_transaction_database_();
   return outcome;
 }
@@ -187,14 +189,29 @@ void TransactionStore::TellStopped(const std::string& reason, const StoreOutcome
       {Icon::kCritical, Buttons::kOk, std::string(kStoreErrorTitle), reason + "\r\n\r\n" + count});
 }
 
-void TransactionStore::TellLeftOut(std::size_t rows) {
-  if (rows == 0) {
-    return;
+void TransactionStore::TellLeftOut(const ImportedData& rows, const StoreOutcome& outcome) {
+  const std::vector<UnreadFeed>& feeds = rows.UnreadFeeds();
+  MessageBox box{.icon = Icon::kInformation, .title = "Transaction Store", .text = {}};
+  std::size_t of_unread_feeds = 0;
+  if (!feeds.empty()) {
+    box.icon = Icon::kWarning;
+    box.text = UnreadFeedsText(feeds, "stored");
+    box.cause = UnreadFeedsList(feeds);
+    for (const UnreadFeed& feed : feeds) {
+      of_unread_feeds += feed.rows;
+    }
   }
-  operator_.ShowMessage({Icon::kInformation, Buttons::kOk, "Transaction Store",
-                         CountOfRows(rows) +
-                             " of the import hold no data (they were counted in the file but never "
-                             "filled) and were not stored."});
+  if (outcome.left_out > of_unread_feeds) {
+    const std::size_t empty = outcome.left_out - of_unread_feeds;
+    box.text += (box.text.empty() ? "" : "\r\n\r\n") + CountOfRows(empty) +
+                (empty == 1 ? " of the import holds no data (it was counted in the file but never "
+                              "filled) and was not stored."
+                            : " of the import hold no data (they were counted in the file but "
+                              "never filled) and were not stored.");
+  }
+  if (!box.text.empty()) {
+    operator_.ShowMessage(box);
+  }
 }
 
 }  // namespace vrx

@@ -21,6 +21,7 @@ struct StoreOutcome {
   bool complete = false;     // every row that holds data is in the database
   std::size_t stored = 0;    // rows committed
   std::size_t left_out = 0;  // rows that were counted but never filled
+  std::size_t not_read = 0;  // feed records of the file that no row holds
 };
 
 // Appends an import to the table `Transactions`, renumbered behind the highest number in use, with
@@ -38,14 +39,15 @@ class TransactionStore {
   //
   // A cell that cannot be stored stops the copy: the rows before it are committed, and the operator
   // is told the cell and their count. A number that would pass 32 bits, and a failure of the
-  // storage, leave nothing of the import. Every failure is told before the return.
+  // storage, leave nothing of the import. Every failure is told before the return. So is what is
+  // not stored: feed records that fit no batch, and rows that were never filled.
   StoreOutcome StoreImportedTransactions(const ImportedData& rows, const OpenDatabases& databases,
                                          bool& stored_flag);
 
  private:
   bool ConfirmDuplicate();
   void TellStopped(const std::string& reason, const StoreOutcome& outcome);
-  void TellLeftOut(std::size_t rows);
+  void TellLeftOut(const ImportedData& rows, const StoreOutcome& outcome);
 
   Operator& operator_;
   const PrivateINI& settings_;

@@ -172,7 +172,11 @@ TransactionParser::Next TransactionParser::ExtractRecords() {
     extractor_.emplace(batches, feeds, has_feeds_, table_);
   }
   extractor_->ExtractBatch();
-  return extractor_->AtBatchSectionEnd() ? 10 : 9;
+  if (!extractor_->AtBatchSectionEnd()) {
+    return 9;
+  }
+  extractor_->LeaveOtherFeedsUnread();
+  return 10;
 }
 
 TransactionParser::Next TransactionParser::Calculate() {

@@ -5,6 +5,7 @@
 #include <string>
 
 #include "exchange/parse_error.h"
+#include "exchange/transaction_counts.h"
 #include "frame/number.h"
 
 namespace vrx {
@@ -17,7 +18,7 @@ std::int32_t TransactionNumber(std::string_view text) {
   return *number;
 }
 
-void RecordExtractor::ExtractBatch() {
+BatchRecord BatchReader::Next() {
   BatchRecord record;
   NextInRecord();  // the record mark
   record.transaction = NextInRecord();
@@ -30,23 +31,19 @@ void RecordExtractor::ExtractBatch() {
   ReadList(record, kTimes);
   ReadList(record, kTargets);
   ReadList(record, kActuals);
-
-  WriteBatchRows(record);
-  if (has_feeds_) {
-    ReadFeeds(record);
-  }
+  return record;
 }
 
-std::string_view RecordExtractor::NextInRecord() {
+std::string_view BatchReader::NextInRecord() {
   if (batches_.PastEnd()) {
     throw ParseError("Incomplete batch record detected.");
   }
   return batches_.NextBatchField();
 }
 
-// An entry that more of its list must follow: without that padding the skip behind it would take
-// the next list for the rest of this one.
-std::string_view RecordExtractor::TakeEntry() {
+// An entry that more of its list must follow: without that padding the skip after it would take the
+// next list for the rest of this one.
+std::string_view BatchReader::TakeEntry() {
   const std::string_view entry = NextInRecord();
   if (batches_.AtListEnd()) {
     throw ParseError("Invalid list padding detected.");
@@ -54,15 +51,15 @@ std::string_view RecordExtractor::TakeEntry() {
   return entry;
 }
 
-void RecordExtractor::SkipPadding() {
+void BatchReader::SkipPadding() {
   do {
     NextInRecord();
   } while (!batches_.AtListEnd());
 }
 
-// The ingredients end ahead of the first "0"; an entry is taken before the next one is looked at,
-// so a list has at least one.
-void RecordExtractor::ReadIngredients(BatchRecord& record) {
+// The ingredients end before the first "0"; an entry is taken before the next one is looked at, so
+// a list has at least one.
+void BatchReader::ReadIngredients(BatchRecord& record) {
   do {
     if (record.ingredients == kMaxBatchIngredients) {
       throw ParseError("Too many ingredients in a batch detected.");
@@ -73,7 +70,7 @@ void RecordExtractor::ReadIngredients(BatchRecord& record) {
   SkipPadding();
 }
 
-void RecordExtractor::ReadList(BatchRecord& record, List list) {
+void BatchReader::ReadList(BatchRecord& record, BatchList list) {
   for (std::size_t entry = 0; entry < record.ingredients; ++entry) {
     record.lists[list][entry] = TakeEntry();
   }
@@ -81,36 +78,93 @@ void RecordExtractor::ReadList(BatchRecord& record, List list) {
   SkipPadding();
 }
 
+RecordExtractor::RecordExtractor(BatchSection batches, FeedSection feeds, bool has_feeds,
+                                 ImportedData& table)
+    : batches_(batches), feeds_(feeds), has_feeds_(has_feeds), table_(table) {
+  try {
+    BatchReader ahead = batches_;
+    do {
+      ++later_batches_[ahead.Next().transaction];
+    } while (!ahead.AtEnd());
+  } catch (const ParseError&) {
+    // ExtractBatch ends the parse at the same record.
+  }
+}
+
+void RecordExtractor::ExtractBatch() {
+  const BatchRecord record = batches_.Next();
+  --later_batches_[record.transaction];
+  WriteBatchRows(record);
+  if (has_feeds_) {
+    ReadFeeds(record);
+  }
+}
+
+bool RecordExtractor::IsOfLaterBatch(std::string_view transaction) const {
+  const auto found = later_batches_.find(transaction);
+  return found != later_batches_.end() && found->second > 0;
+}
+
 void RecordExtractor::WriteBatchRows(const BatchRecord& record) {
   for (std::size_t entry = 0; entry < record.ingredients; ++entry) {
     const std::size_t row = TakeRow();
-    Write(row, kImportedTransactionNumber, record.transaction);
-    Write(row, kImportedRecipeID, record.recipe);
-    Write(row, kImportedType, "BATCH");
-    Write(row, kImportedTarget, record.lists[kTargets][entry]);
-    Write(row, kImportedIngredientID, record.lists[kIngredients][entry]);
-    Write(row, kImportedActualBatch, record.lists[kActuals][entry]);
-    Write(row, kImportedTime, record.lists[kTimes][entry]);
-    Write(row, kImportedDate, record.date);
-    Write(row, kImportedUserID, record.user);
+    table_.SetCell(row, kImportedTransactionNumber, record.transaction);
+    table_.SetCell(row, kImportedRecipeID, record.recipe);
+    table_.SetCell(row, kImportedType, "BATCH");
+    table_.SetCell(row, kImportedTarget, record.lists[kTargets][entry]);
+    table_.SetCell(row, kImportedIngredientID, record.lists[kIngredients][entry]);
+    table_.SetCell(row, kImportedActualBatch, record.lists[kActuals][entry]);
+    table_.SetCell(row, kImportedTime, record.lists[kTimes][entry]);
+    table_.SetCell(row, kImportedDate, record.date);
+    table_.SetCell(row, kImportedUserID, record.user);
   }
 }
 
 void RecordExtractor::ReadFeeds(const BatchRecord& record) {
-  constexpr std::array kFieldsBehindTransaction = {
+  while (!feeds_.AtFeedSectionEnd()) {
+    const std::string_view transaction = feeds_.PeekFeedTransaction();
+    if (transaction == record.transaction) {
+      WriteFeedRow(record);
+    } else if (IsOfLaterBatch(transaction)) {
+      return;
+    } else {
+      LeaveFeedUnread();
+    }
+  }
+}
+
+void RecordExtractor::WriteFeedRow(const BatchRecord& record) {
+  constexpr std::array kFieldsAfterTransaction = {
       kImportedPenID, kImportedUserID, kImportedTime,
       kImportedDate,  kImportedTarget, kImportedActualFeed,
   };
-  while (feeds_.PeekFeedTransaction() == record.transaction) {
-    const std::size_t row = TakeRow();
-    Write(row, kImportedTransactionNumber, record.transaction);
-    Write(row, kImportedRecipeID, record.recipe);
-    Write(row, kImportedType, "FEED");
-    feeds_.NextFeedField();  // the record mark
-    feeds_.NextFeedField();  // the transaction, looked at already
-    for (const ImportColumn column : kFieldsBehindTransaction) {
-      Write(row, column, feeds_.NextFeedField());
-    }
+  const std::size_t row = TakeRow();
+  table_.SetCell(row, kImportedTransactionNumber, record.transaction);
+  table_.SetCell(row, kImportedRecipeID, record.recipe);
+  table_.SetCell(row, kImportedType, "FEED");
+  feeds_.NextFeedField();  // the record mark
+  feeds_.NextFeedField();  // the transaction, looked at already
+  for (const ImportColumn column : kFieldsAfterTransaction) {
+    table_.SetCell(row, column, feeds_.NextFeedField());
+  }
+}
+
+// An empty line is no record.
+void RecordExtractor::LeaveFeedUnread() {
+  const std::string_view line = feeds_.NextFeedLine();
+  if (line.empty()) {
+    return;
+  }
+  SectionCursor fields(line);
+  fields.Next();
+  table_.AddUnreadFeed({.transaction = std::string(fields.Peek()),
+                        .text = std::string(line),
+                        .rows = static_cast<std::size_t>(CountFeedRecords(line))});
+}
+
+void RecordExtractor::LeaveOtherFeedsUnread() {
+  while (!feeds_.AtFeedSectionEnd()) {
+    LeaveFeedUnread();
   }
 }
 
@@ -119,10 +173,6 @@ std::size_t RecordExtractor::TakeRow() {
     throw ParseError("Too many records detected.");
   }
   return next_row_++;
-}
-
-void RecordExtractor::Write(std::size_t row, ImportColumn column, std::string_view text) {
-  table_.SetCell(row, column, std::string(text));
 }
 
 }  // namespace vrx

@@ -1,5 +1,7 @@
 #include "exchange/transaction_section.h"
 
+#include <algorithm>
+
 namespace vrx {
 
 std::string_view SectionCursor::Next() {
@@ -29,6 +31,21 @@ std::string_view SectionCursor::Next() {
 std::string_view SectionCursor::Peek() const {
   const std::string_view rest = section_.substr(position_);
   return rest.substr(0, rest.find_first_of(",;\r"));
+}
+
+std::string_view SectionCursor::NextLine() {
+  const std::string_view rest = section_.substr(std::min(position_, section_.size()));
+  const std::string_view line = rest.substr(0, rest.find('\r'));
+  position_ += line.size() + 1;
+  if (!PastEnd() && section_[position_] == '\n') {
+    ++position_;
+  }
+  return line;
+}
+
+std::string_view FeedSection::NextFeedLine() {
+  next_transaction_.reset();
+  return cursor_.NextLine();
 }
 
 std::string_view FeedSection::NextFeedField() {

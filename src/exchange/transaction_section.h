@@ -18,6 +18,8 @@ class SectionCursor {
   // last delimiter.
   std::string_view Next();
   std::string_view Peek() const;
+  // The rest of the line, its line end taken too but not given.
+  std::string_view NextLine();
   bool PastEnd() const { return position_ >= section_.size(); }
   // Past the end, or at the CR of the terminator's empty line.
   bool AtEnd() const { return PastEnd() || section_[position_] == '\r'; }
@@ -59,6 +61,11 @@ class FeedSection {
   // Field 2 of the next record. Asked again and again by batches without feeds, it scans the text
   // once.
   std::string_view PeekFeedTransaction();
+
+  // The rest of the line at the cursor, which moves to the next one.
+  std::string_view NextFeedLine();
+
+  bool AtFeedSectionEnd() const { return cursor_.PastEnd(); }
 
  private:
   SectionCursor cursor_;

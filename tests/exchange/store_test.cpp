@@ -172,8 +172,46 @@ TEST(StoreImportedTransactions, RowsNeverFilledAreLeftOutAndCounted) {
   EXPECT_THAT(site.Stored(), SizeIs(2));
   ASSERT_THAT(site.op.boxes, SizeIs(1));
   EXPECT_EQ(site.op.boxes[0].icon, Icon::kInformation);
-  EXPECT_THAT(site.op.boxes[0].text, HasSubstr("2 rows of the import hold no data"));
+  EXPECT_EQ(
+      site.op.boxes[0].text,
+      "2 rows of the import hold no data (they were counted in the file but never filled) and "
+      "were not stored.");
   EXPECT_EQ(site.progress.values.back(), 4);
+}
+
+TEST(StoreImportedTransactions, OneRowNeverFilledIsToldAsOne) {
+  StoreSite site;
+  EXPECT_TRUE(site.Store(MakeImport({BatchCells(1, 3, 4, "1"), {}})).complete);
+  EXPECT_EQ(site.LastBox().text,
+            "1 row of the import holds no data (it was counted in the file but never filled) and "
+            "was not stored.");
+}
+
+// A row that a feed record was counted for has data in the file.
+TEST(StoreImportedTransactions, RowsOfUnreadFeedsAreNotCalledEmpty) {
+  StoreSite site;
+  ImportedData rows = MakeImport({BatchCells(1, 3, 4, "1"), {}, {}, {}});
+  rows.AddUnreadFeed({.transaction = "9", .text = "B,9,BB", .rows = 2});
+  const StoreOutcome outcome = site.Store(rows);
+  EXPECT_EQ(outcome.left_out, 3U);
+  EXPECT_EQ(outcome.not_read, 1U);
+  ASSERT_THAT(site.op.boxes, SizeIs(1));
+  EXPECT_EQ(site.op.boxes[0].icon, Icon::kWarning);
+  EXPECT_EQ(site.op.boxes[0].text,
+            "1 feed record fits no batch of the file and was not stored:\r\n"
+            "Transaction 9: B,9,BB\r\n\r\n"
+            "1 row of the import holds no data (it was counted in the file but never filled) and "
+            "was not stored.");
+}
+
+TEST(StoreImportedTransactions, UnreadFeedsAreShownAlsoWhenABadRowStopsTheCopy) {
+  StoreSite site;
+  ImportedData rows = MakeImport({BatchCells(1, 3, 4, "1"), BatchCells(1, 3, 101, "1")});
+  rows.AddUnreadFeed({.transaction = "9", .text = "B,9", .rows = 1});
+  EXPECT_EQ(site.Store(rows).stored, 1U);
+  ASSERT_THAT(site.op.boxes, SizeIs(2));
+  EXPECT_THAT(site.op.boxes[0].text, HasSubstr("1 row before it is stored."));
+  EXPECT_THAT(site.op.boxes[1].text, HasSubstr("Transaction 9: B,9"));
 }
 
 TEST(StoreImportedTransactions, TellsScanAndCopyAsItGoes) {

@@ -178,25 +178,6 @@ TEST(ParseTransactionFile, CountsAWeightThatIsNoNumberAsNothing) {
   EXPECT_EQ(parsed.Cell(2, kCalculatedIngPercentOfBatch), "100.0000");
 }
 
-TEST(ParseTransactionFile, LeavesFeedsOfAnotherTransactionUnread) {
-  const ParsedText parsed(
-      FileOf(OneIngredient{}.Record() + OneIngredient{.transaction = "2"}.Record(),
-             FeedOf("1", "5.0") + FeedOf("3", "6.0") + FeedOf("2", "7.0")));
-  ASSERT_EQ(parsed.error, "");
-  EXPECT_EQ(parsed.file.FileRecordCount(), 5);
-  ASSERT_EQ(parsed.file.Imported().RowCount(), 5U);
-  EXPECT_EQ(parsed.Cell(2, kImportedActualFeed), "5.0");
-  EXPECT_EQ(parsed.Cell(3, kImportedType), "BATCH");
-  EXPECT_FALSE(parsed.file.Imported().Filled(4));
-  EXPECT_FALSE(parsed.file.Imported().Filled(5));
-}
-
-TEST(ParseTransactionFile, ComparesFeedTransactionsAsText) {
-  const ParsedText parsed(FileOf(OneIngredient{.transaction = "1"}.Record(), FeedOf("01", "5.0")));
-  ASSERT_EQ(parsed.error, "");
-  EXPECT_FALSE(parsed.file.Imported().Filled(2));
-}
-
 TEST(ParseTransactionFile, SizesRowsForEveryBOfTheFeeds) {
   std::string feed = FeedOf("1", "5.0");
   feed.replace(feed.find(",12,"), 4, ",BB,");
