@@ -6,6 +6,7 @@
 #include "database/database_error.h"
 #include "database/identity.h"
 #include "exchange/import_columns.h"
+#include "exchange/unread_feeds.h"
 #include "frame/number.h"
 #include "frame/private_ini.h"
 #include "frame/upper_case.h"
@@ -44,16 +45,35 @@ bool ImportSession::ImportXFile() {
 bool ImportSession::ImportFile(const FileChoice& choice) {
   file_.SetFilePath(choice.path);
   file_.SetFileName(UnicodeUpperCase(choice.title));
+  EmptyImport();
   ports_.host.SelectTab(kImportTab);
   const bool imported = file_.LoadTransactionFile(ports_.op, [this] {
     ports_.host.FocusControl("cmdImportFile");
   }) && ParseAndShow();
-  stored_ = false;
   ports_.host.ImportChanged();
   if (imported) {
     ports_.host.FocusControl("cmdImportStore");
+    TellUnreadFeeds();
   }
   return imported;
+}
+
+// Rows of an earlier file must not be stored in place of one that is refused.
+void ImportSession::EmptyImport() {
+  file_.ClearImport();
+  form_.grd_import_rows = kEmptyGridRows;
+  form_.cmd_import_store_enabled = false;
+  stored_ = false;
+}
+
+void ImportSession::TellUnreadFeeds() {
+  const std::vector<UnreadFeed>& feeds = file_.Imported().UnreadFeeds();
+  if (!feeds.empty()) {
+    ports_.op.ShowMessage({.icon = Icon::kWarning,
+                           .title = "Import",
+                           .text = UnreadFeedsText(feeds, "read"),
+                           .cause = UnreadFeedsList(feeds)});
+  }
 }
 
 bool ImportSession::ParseAndShow() {
@@ -67,19 +87,23 @@ bool ImportSession::ParseAndShow() {
   const std::string error =
       file_.ParseTransactionFile(ports_.progress, hooks, ports_.op, ports_.settings);
   const bool parsed = error.empty();
-  if (!parsed) {
-    ports_.op.ShowMessage({Icon::kCritical, Buttons::kOk, std::string(kImportErrorTitle), error});
-  } else {
+  if (parsed) {
     form_.lbl_trans_filename.caption = file_.FileName();
     form_.lbl_trans_uom.caption = file_.FileUnits();
     form_.lbl_records = {CountText(file_.FileRecordCount()), true};
     form_.lbl_transactions.caption = CountText(file_.FileTransactionCount());
+  } else {
+    EmptyImport();
   }
   // A failed parse leaves lblRecords as it was.
   form_.lbl_trans_filename.visible = parsed;
   form_.lbl_trans_uom.visible = parsed;
   form_.lbl_transactions.visible = parsed;
   form_.cmd_import_store_enabled = parsed;
+  if (!parsed) {
+    ports_.host.ImportChanged();
+    ports_.op.ShowMessage({Icon::kCritical, Buttons::kOk, std::string(kImportErrorTitle), error});
+  }
   return parsed;
 }
 

@@ -56,6 +56,8 @@ struct ImportGridColumn {
   bool visible = true;
 };
 
+inline constexpr int kEmptyGridRows = 1;  // of a grid without an import
+
 // The controls of the Import tab.
 struct ImportForm {
   ImportLabel lbl_trans_filename;
@@ -65,7 +67,7 @@ struct ImportForm {
   bool cmd_import_store_enabled = false;
   bool pic_import_progress_visible = false;
   bool grd_import_visible = true;
-  int grd_import_rows = 1;  // one empty row ahead of any import
+  int grd_import_rows = kEmptyGridRows;
   std::array<ImportGridColumn, kImportColumns> grd_import_columns;  // column n at n - 1
 };
 
@@ -111,6 +113,8 @@ class ImportSession {
 
  private:
   bool ParseAndShow();
+  void EmptyImport();
+  void TellUnreadFeeds();
   void Refuse(std::string text);
   bool ConfirmUnits(const OpenDatabases& databases);
 

@@ -34,6 +34,12 @@ bool TransFile::LoadTransactionFile(Operator& op,
   return false;
 }
 
+void TransFile::ClearImport() {
+  imported_.Resize(0);
+  record_count_ = 0;
+  transaction_count_ = 0;
+}
+
 std::string TransFile::ParseTransactionFile(ProgressDisplay& progress, const ImportHooks& hooks,
                                             Operator& op, const PrivateINI& settings) {
   TransactionParser parser(text_, *this, imported_, progress, hooks,

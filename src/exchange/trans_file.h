@@ -41,6 +41,9 @@ class TransFile {
 
   const ImportedData& Imported() const { return imported_; }
 
+  // Empties the table and its counts. Text, name, path and unit stay.
+  void ClearImport();
+
   std::int32_t FileRecordCount() const { return record_count_; }
   void SetFileRecordCount(std::int32_t count) { record_count_ = count; }
   std::int32_t FileTransactionCount() const { return transaction_count_; }

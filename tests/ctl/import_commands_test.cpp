@@ -9,6 +9,7 @@
 namespace vrx::testing {
 namespace {
 
+using ::testing::EndsWith;
 using ::testing::HasSubstr;
 using ::testing::IsEmpty;
 using ::testing::StartsWith;
@@ -31,9 +32,9 @@ class ImportCommands : public CtlTest {
 
 TEST_F(ImportCommands, ImportCountsBatchesAndRows) {
   EXPECT_EQ(Run({"import", file, "--json"}), 0) << err;
-  EXPECT_EQ(Json::parse(out), Json::parse(R"({"units":"LB","batches":2,"rows":6})"));
+  EXPECT_EQ(Json::parse(out), Json::parse(R"({"units":"LB","batches":2,"rows":6,"notRead":0})"));
   EXPECT_EQ(Run({"import", file}), 0);
-  EXPECT_EQ(out, "units\tbatches\trows\nLB\t2\t6\n");
+  EXPECT_EQ(out, "units\tbatches\trows\tnotRead\nLB\t2\t6\t0\n");
 }
 
 TEST_F(ImportCommands, ImportAsCsvShowsTheColumnsUnderTheirKeys) {
@@ -58,6 +59,32 @@ TEST_F(ImportCommands, ImportAsCsvShowsTheColumnsUnderTheirKeys) {
   }
   EXPECT_EQ(rows, 6);
   EXPECT_THAT(feed, StartsWith("2,3,FEED,800.0,,,12,801.0,0958,01152009,2,,,,,801.0,,"));
+}
+
+TEST_F(ImportCommands, ImportShowsTheFeedsThatFitNoBatch) {
+  file = folder
+             .Write("ODD.QXT",
+                    FileOf(OneIngredient{}.Record(), FeedOf("9", "6.0") + FeedOf("1", "5.0")))
+             .string();
+  EXPECT_EQ(Run({"import", file, "--json"}), 0) << err;
+  EXPECT_EQ(Json::parse(out), Json::parse(R"({"units":"LB","batches":1,"rows":3,"notRead":1})"));
+  EXPECT_EQ(err,
+            "Import: 1 feed record fits no batch of the file and was not read:\n"
+            "Transaction 9: B,9,12,2,0915,01152009,750.0,6.0\n");
+}
+
+TEST_F(ImportCommands, StoreStoresTheOtherRowsAndExitsWithOneForFeedsThatFitNoBatch) {
+  file = folder
+             .Write("ODD.QXT",
+                    FileOf(OneIngredient{}.Record(), FeedOf("9", "6.0") + FeedOf("1", "5.0")))
+             .string();
+  const std::string into = NewTransactionDatabase();
+  EXPECT_EQ(Store(into), 1);
+  EXPECT_THAT(err, HasSubstr("Transaction Store: 1 feed record fits no batch of the file and was "
+                             "not stored:\nTransaction 9: B,9,12,2,0915,01152009,750.0,6.0\n"));
+  EXPECT_THAT(err, EndsWith("Successfully copied imported records to Transaction database.\n"
+                            "rows read: 3, stored: 2, left out: 1, not read: 1\n"));
+  EXPECT_EQ(Info(into)["rows"], 2);
 }
 
 TEST_F(ImportCommands, ImportTellsAMissingFile) {

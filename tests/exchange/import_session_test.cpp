@@ -139,6 +139,57 @@ TEST_F(ImportSessionTest, AFailedParseHidesAllFactsButTheRecordsAndDisablesStore
   EXPECT_EQ(site_.op.boxes[0].text, "No batch section identifier detected.");
 }
 
+// Of a file that is refused nothing can be stored, nor of the one before it.
+TEST_F(ImportSessionTest, ARefusedFileEmptiesTheGridAndTurnsStoreOff) {
+  const std::vector<std::string> refused = {
+      "no transactions", "{BAT/FED},L\r\n", std::string(65536, 'x'),  // too long
+      FileOf(OneIngredient{}.Record() + OneIngredient{.transaction = "x"}.Record(), "")};
+  for (const std::string& text : refused) {
+    ASSERT_TRUE(Import(kWorkedExample));
+    EXPECT_FALSE(Import(text));
+    EXPECT_EQ(session_.Form().grd_import_rows, 1);
+    EXPECT_EQ(session_.File().Imported().RowCount(), 0U);
+    EXPECT_FALSE(session_.Form().cmd_import_store_enabled);
+  }
+}
+
+TEST_F(ImportSessionTest, AFileThatIsGoneEmptiesTheGridAndTurnsStoreOff) {
+  OpenBoth();
+  ASSERT_TRUE(Import(kWorkedExample));
+  session_.ClickImportStore();
+  files_.Choose(site_.folder / "gone.qxt");
+  EXPECT_FALSE(session_.ImportXFile());
+  EXPECT_EQ(session_.Form().grd_import_rows, 1);
+  EXPECT_EQ(session_.File().Imported().RowCount(), 0U);
+  EXPECT_FALSE(session_.Form().cmd_import_store_enabled);
+}
+
+TEST_F(ImportSessionTest, FeedsThatFitNoBatchAreShownAtTheImportAndAtTheStore) {
+  OpenBoth();
+  ASSERT_TRUE(Import(FileOf(OneIngredient{}.Record(), FeedOf("9", "6.0") + FeedOf("1", "5.0"))));
+  ASSERT_THAT(site_.op.boxes, SizeIs(1));
+  EXPECT_EQ(site_.op.boxes[0].title, "Import");
+  EXPECT_EQ(site_.op.boxes[0].icon, Icon::kWarning);
+  EXPECT_EQ(site_.op.boxes[0].text,
+            "1 feed record fits no batch of the file and was not read:\r\n"
+            "Transaction 9: B,9,12,2,0915,01152009,750.0,6.0");
+  EXPECT_TRUE(session_.Form().cmd_import_store_enabled);
+  EXPECT_THAT(focused_, ElementsAre("cmdImportStore"));
+
+  const StoreOutcome outcome = session_.ClickImportStore();
+  EXPECT_TRUE(outcome.complete);
+  EXPECT_EQ(outcome.stored, 2U);
+  EXPECT_EQ(outcome.left_out, 1U);
+  EXPECT_EQ(outcome.not_read, 1U);
+  ASSERT_THAT(site_.op.boxes, SizeIs(2));
+  EXPECT_EQ(site_.op.boxes[1].title, "Transaction Store");
+  EXPECT_EQ(site_.op.boxes[1].icon, Icon::kWarning);
+  EXPECT_EQ(site_.op.boxes[1].text,
+            "1 feed record fits no batch of the file and was not stored:\r\n"
+            "Transaction 9: B,9,12,2,0915,01152009,750.0,6.0");
+  EXPECT_THAT(site_.Stored(), SizeIs(2));
+}
+
 TEST_F(ImportSessionTest, AnImportAfterAFailedOneShowsTheFactsAgain) {
   EXPECT_FALSE(Import("{BAT/FED},L\r\n"));
   ASSERT_TRUE(Import(kWorkedExample));
