@@ -5,6 +5,7 @@
 #include <QFontMetrics>
 #include <QHeaderView>
 #include <QPainter>
+#include <QStyledItemDelegate>
 #include <algorithm>
 #include <cstddef>
 
@@ -20,6 +21,19 @@ constexpr QColor kOddRow{255, 255, 191};
 constexpr QColor kEvenRow{176, 215, 193};
 
 constexpr int kMostCharacters = 40;  // of a column's opening width
+constexpr std::size_t kSampleRows = 500;
+constexpr qsizetype kMostDrawn = 256;  // characters of a cell
+
+// Laying out a text takes time by its length, and a damaged file has fields of 60,000 characters.
+class ImportCells : public QStyledItemDelegate {
+ public:
+  using QStyledItemDelegate::QStyledItemDelegate;
+
+  QString displayText(const QVariant& value, const QLocale& /*locale*/) const override {
+    const QString text = value.toString();
+    return text.size() > kMostDrawn ? text.left(kMostDrawn) + QChar(0x2026) : text;
+  }
+};
 
 QFont GridFont() {
   QFont font(QStringLiteral("Courier New"));
@@ -77,8 +91,11 @@ QVariant ImportModel::headerData(int section, Qt::Orientation orientation, int r
 
 int ImportModel::LongestText(int column) const {
   const ImportedData& rows = session_.File().Imported();
+  const std::size_t count = rows.FilledCount();
+  const std::size_t samples = std::min(count, kSampleRows);
   std::size_t longest = 0;
-  for (std::size_t row = 1; row <= rows.RowCount(); ++row) {
+  for (std::size_t i = 0; i < samples; ++i) {
+    const std::size_t row = samples == 1 ? 1 : 1 + i * (count - 1) / (samples - 1);
     longest = std::max(longest, rows.Cell(row, column).size());
   }
   return static_cast<int>(longest);
@@ -90,6 +107,7 @@ ImportGrid::ImportGrid(const ImportSession& session, QWidget* parent)
   setAccessibleName(QStringLiteral("Imported transactions"));
   setFont(GridFont());
   setModel(model_);
+  setItemDelegate(new ImportCells(this));
   setSelectionBehavior(SelectRows);
   setEditTriggers(NoEditTriggers);
   setTabKeyNavigation(false);

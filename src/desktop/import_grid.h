@@ -23,7 +23,8 @@ class ImportModel : public QAbstractTableModel {
   QVariant data(const QModelIndex& index, int role) const override;
   QVariant headerData(int section, Qt::Orientation orientation, int role) const override;
 
-  // The characters of the longest text in a column, from 1, its caption aside.
+  // The characters of the longest text in a column, from 1, its caption aside: of a sample of rows,
+  // the first and the last among them.
   int LongestText(int column) const;
 
  private:

@@ -1,6 +1,7 @@
 #include "desktop/import_page.h"
 
 #include <QHeaderView>
+#include <QStyledItemDelegate>
 #include <QTest>
 
 #include <SQLiteCpp/Database.h>
@@ -231,6 +232,51 @@ TEST_F(ImportPageTest, AFailedParseHidesTheFactsButTheRecords) {
   EXPECT_FALSE(Find<QWidget>(u"lblTransactions"_qs).isVisible());
   EXPECT_FALSE(Find<QWidget>(u"cmdImportStore"_qs).isEnabled());
   EXPECT_EQ(Text(u"lblProgressMsg"_qs).toStdString(), LastBox().text);
+}
+
+TEST_F(ImportPageTest, ARefusedFileLeavesNothingThatAltSCouldStore) {
+  ShowWithBothDatabases(kFile);
+  // An access key presses the button for a moment, then clicks it.
+  QTest::keyClick(&Window(), Qt::Key_S, Qt::AltModifier);
+  EXPECT_TRUE(Find<QPushButton>(u"cmdImportStore"_qs).isDown());
+  ASSERT_TRUE(QTest::qWaitFor([this] { return StoredRows() == 3; }));
+  for (const std::string& text : {std::string("{BAT/FED},X\r\n"), std::string(65536, 'x')}) {
+    ImportText(kFile);
+    ImportText(text, "bad.qxt");
+    EXPECT_EQ(Grid().model()->rowCount(), 1);
+    EXPECT_EQ(Cell(1, 1), "");
+    EXPECT_FALSE(Find<QWidget>(u"cmdImportStore"_qs).isEnabled());
+    QTest::keyClick(&Window(), Qt::Key_S, Qt::AltModifier);
+    EXPECT_FALSE(Find<QPushButton>(u"cmdImportStore"_qs).isDown());
+  }
+}
+
+TEST_F(ImportPageTest, ColumnsAreMeasuredOnASampleOfRowsWithTheFirstAndTheLast) {
+  std::string feeds = "[FED],";
+  for (int i = 0; i < 3000; ++i) {
+    feeds += "B,1,,,,,,\r\n";
+  }
+  std::string text = kFile;
+  text.replace(text.find("[FED],"), text.find("748.5") + 7 - text.find("[FED],"),
+               feeds + "B,1,123456789012345,,,,,\r\n");
+  Main();
+  ImportText(text);
+  ASSERT_EQ(Grid().model()->rowCount(), 3003);
+  const int character = Grid().fontMetrics().horizontalAdvance(u'0');
+  EXPECT_THAT(Grid().columnWidth(kImportedPenID - 1), Ge(15 * character));
+}
+
+// Laying out such a text would take longer than the rest of the screen.
+TEST_F(ImportPageTest, ACellDrawsNoMoreOfALongTextThanAColumnCanShow) {
+  std::string text = kFile;
+  text.replace(text.find(",2,4,7"), 3, "," + std::string(30000, 'u') + ",");
+  Main();
+  ImportText(text);
+  EXPECT_EQ(Cell(1, kImportedUserID), std::string(30000, 'u'));
+  const auto* const cells = dynamic_cast<QStyledItemDelegate*>(Grid().itemDelegate());
+  ASSERT_NE(cells, nullptr);
+  EXPECT_EQ(cells->displayText(QString(30000, u'u'), {}).size(), 257);
+  EXPECT_EQ(cells->displayText(QString(256, u'u'), {}), QString(256, u'u'));
 }
 
 TEST_F(ImportPageTest, AFileThatIsTooLongIsRefused) {

@@ -261,5 +261,37 @@ TEST(ParseTransactionFileProperty, ReadsBackWhatAModelWrote) {
   }
 }
 
+// Records that fit no batch, anywhere among the feeds, change nothing of what is read.
+TEST(ParseTransactionFileProperty, ReadsTheSameAmongFeedsThatFitNoBatch) {
+  std::mt19937 random(7);
+  for (unsigned seed = 1; seed <= 100; ++seed) {
+    SCOPED_TRACE("seed " + std::to_string(seed));
+    const Model model = Generator(seed).Make();
+    std::string text = TextOf(model);
+    const std::size_t feeds = text.find("[FED],") + std::string("[FED],").size();
+    std::vector<std::string> strangers;
+    std::size_t place = feeds;
+    while (strangers.size() < 20) {
+      strangers.push_back("B,x" + std::to_string(strangers.size()) + ",12,2,0915,01152009,7,8");
+      text.insert(place, strangers.back() + "\r\n");
+      place += strangers.back().size() + 2;
+      // On by some lines, as far as there are any.
+      for (std::size_t lines = random() % 3; lines > 0 && text.compare(place, 2, "\r\n") != 0;
+           --lines) {
+        place = text.find("\r\n", place) + 2;
+      }
+    }
+    const ParsedText parsed(text);
+    ASSERT_EQ(parsed.error, "");
+    const std::size_t rows = ExpectRows(parsed, model);
+    EXPECT_EQ(parsed.file.Imported().FilledCount(), rows);
+    std::vector<std::string> unread;
+    for (const UnreadFeed& feed : parsed.file.Imported().UnreadFeeds()) {
+      unread.push_back(feed.text);
+    }
+    EXPECT_EQ(unread, strangers);
+  }
+}
+
 }  // namespace
 }  // namespace vrx::testing
