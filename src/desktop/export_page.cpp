@@ -38,7 +38,7 @@ constexpr std::array<FormatChoice, 3> kFormats{{
 // What the caption table does not have, by label.
 constexpr std::array<std::pair<const char*, const char*>, 4> kTexts{{
     {"lblFName", "File &Name"},
-    {"lblFPath", "File Pat&h"},
+    {"lblFPath", "File P&ath"},
     {"lblFormat", "File Format"},
     {"Label4",
      "Note: - Data will be formatted in same format as the Data Group selection in the "

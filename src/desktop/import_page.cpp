@@ -85,9 +85,9 @@ QLayout* ImportPage::LayOutFacts() {
   AddFact(*row, *this, "lblRecordsCaption", kRecordsCaption, *lbl_records_, 6);
   AddFact(*row, *this, "lblTransactionsCaption", kTransactionsCaption, *lbl_transactions_, 6);
   row->addStretch(1);
-  auto* const fit = new QCheckBox(QStringLiteral("&Fit/Print All Columns on Page"), this);
-  fit->setObjectName(QStringLiteral("chkImpFitPage"));
-  row->addWidget(fit);
+  chk_imp_fit_page_ = new QCheckBox(QStringLiteral("Fit/&Print All Columns on Page"), this);
+  chk_imp_fit_page_->setObjectName(QStringLiteral("chkImpFitPage"));
+  row->addWidget(chk_imp_fit_page_);
   return row;
 }
 
@@ -126,6 +126,12 @@ void ImportPage::FillPicImport() {
   connect(cmd_import_file_, &QPushButton::clicked, this, [this] { ImportXFile(); });
   connect(cmd_import_store_, &QPushButton::clicked, this,
           [this] { Run([this] { session_.ClickImportStore(); }); });
+}
+
+void ImportPage::SetTabOrder() {
+  setTabOrder(cmd_import_file_, chk_imp_fit_page_);
+  setTabOrder(chk_imp_fit_page_, grd_import_);
+  setTabOrder(grd_import_, cmd_import_store_);
 }
 
 void ImportPage::ImportXFile() {
@@ -186,7 +192,11 @@ void ImportPage::EnableStore() {
 
 // Nothing lets events run meanwhile: what is told is drawn at once.
 void ImportPage::SetProgressMessage(std::string_view text) {
-  lbl_progress_msg_->setText(ToQString(text));
+  const QString message = ToQString(text);
+  if (message == lbl_progress_msg_->text()) {
+    return;  // repeated for each batch of a file
+  }
+  lbl_progress_msg_->setText(message);
   lbl_progress_msg_->repaint();
 }
 

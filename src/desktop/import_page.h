@@ -49,6 +49,10 @@ class ImportPage final : public MainTabPage, private ImportHost, private Progres
 
   const ImportSession& Session() const { return session_; }
 
+  // The Tab key follows the work: choose a file, look at its rows, store them. Call it once the
+  // page is in its window.
+  void SetTabOrder();
+
   // The ingredient columns by the names of the open recipe database.
   void ConfigureImportColumns();
 
@@ -89,6 +93,7 @@ class ImportPage final : public MainTabPage, private ImportHost, private Progres
   QFrame* pic_import_progress_ = nullptr;
   QLabel* lbl_progress_msg_ = nullptr;
   QProgressBar* prg_import_ = nullptr;
+  QCheckBox* chk_imp_fit_page_ = nullptr;
   QPushButton* cmd_import_file_ = nullptr;
   QPushButton* cmd_import_store_ = nullptr;
   QString read_only_note_;  // of the open transaction database

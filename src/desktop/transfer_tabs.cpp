@@ -33,6 +33,7 @@ TransferTabs::TransferTabs(const Ports& ports)
                               .pic_import = ports.window.Panels().PicImport()})) {
   ports_.window.SetPage(kTabDataTransfer, data_transfer_);
   ports_.window.SetPage(kTabImport, import_);
+  import_->SetTabOrder();
   ports_.window.SetHandler(MainCommand::kImportTransactionFile, [this] { import_->ImportXFile(); });
   ports_.window.SetHandler(MainCommand::kSetup, [this] { Setup(); });
 }

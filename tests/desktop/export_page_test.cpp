@@ -77,7 +77,7 @@ TEST_F(ExportPageTest, BeginsEmptyWithCsvAndNoProgress) {
   EXPECT_EQ(FilePath(), "");
   EXPECT_TRUE(Find<QAbstractButton>(u"optCSV"_qs).isChecked());
   EXPECT_EQ(LabelText(u"lblFName"_qs), "File &Name");
-  EXPECT_EQ(LabelText(u"lblFPath"_qs), "File Pat&h");
+  EXPECT_EQ(LabelText(u"lblFPath"_qs), "File P&ath");
   EXPECT_EQ(LabelText(u"lblFormat"_qs), "File Format");
   EXPECT_EQ(LabelText(u"Label4"_qs),
             "Note: - Data will be formatted in same format as the Data Group selection in the "
