@@ -83,16 +83,28 @@ void DesktopProgram::Leave(Road road) {
   }
 }
 
-// A wait or a dialog that is under way ends first: it stands below this event on the stack. While
-// the program is still starting Main looks at the pump, and only dialogs are closed here. The list
-// of a tool button runs an event loop of its own like a dialog.
-void DesktopProgram::Walk() {
+// A second signal, while the exit shows a message, answers it.
+void DesktopProgram::SessionEnd() {
+  if (road_ != nullptr) {
+    CloseInFront();
+  }
+  Leave(&ProgramExit::SessionEnd);
+}
+
+// The list of a tool button runs an event loop of its own like a dialog.
+void DesktopProgram::CloseInFront() {
   if (QWidget* const list = QApplication::activePopupWidget(); list != nullptr) {
     list->close();
   }
   if (QWidget* const dialog = QApplication::activeModalWidget(); dialog != nullptr) {
     dialog->close();
   }
+}
+
+// A wait or a dialog that is under way ends first: it stands below this event on the stack. While
+// the program is still starting Main looks at the pump, and only dialogs are closed here.
+void DesktopProgram::Walk() {
+  CloseInFront();
   if (pump_.Pumping() || !OnMainLoop() || !main_form_) {
     unwinding_.start(kUnwindingPoll);
     return;

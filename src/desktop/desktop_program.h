@@ -34,8 +34,9 @@ class DesktopProgram : private ExitRoads {
 
   void CloseBox() override { Leave(&ProgramExit::CloseBox); }
   void FileExit() override { Leave(&ProgramExit::FileExit); }
-  void SessionEnd() override { Leave(&ProgramExit::SessionEnd); }
+  void SessionEnd() override;
   void EndEarly(MainForm& form);
+  static void CloseInFront();
   void Leave(Road road);
   void Walk();
 

@@ -48,14 +48,31 @@ void ProgramExit::Unload() {
 }
 
 void ProgramExit::ExitSaveAndClose() {
-  SaveWindowPlace();
-  SaveRecent(DatabaseKind::kRecipe);
-  SaveRecent(DatabaseKind::kTransaction);
+  const std::string not_saved = SaveUserSettings();
   main_form_.CloseRecipeDatabase();
   main_form_.CloseTransactionDatabase();
   main_form_.ReleaseDataControls();
   main_form_.ClearIngredientDropDown();
   WriteSettings();
+  if (!not_saved.empty()) {
+    op_.ShowMessage({.icon = Icon::kWarning,
+                     .title = "User Settings Error",
+                     .text = "Unable to save the place of the window and the names of the open "
+                             "databases. The next start does not open them by itself.",
+                     .cause = not_saved});
+  }
+}
+
+// A store that cannot be written must not keep the databases open or the INI file unwritten.
+std::string ProgramExit::SaveUserSettings() {
+  try {
+    SaveWindowPlace();
+    SaveRecent(DatabaseKind::kRecipe);
+    SaveRecent(DatabaseKind::kTransaction);
+    return {};
+  } catch (const std::exception& failure) {
+    return failure.what();
+  }
 }
 
 void ProgramExit::SaveWindowPlace() {

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <functional>
+#include <string>
 
 #include "desktop/application_state.h"
 #include "desktop/main_form.h"
@@ -13,7 +14,8 @@ namespace vrx {
 // the database files already.
 //
 // A failure on a road beeps, shows its cause in the status line and ends the road on the spot; what
-// was done by then stays done.
+// was done by then stays done. Settings that cannot be written only cause a message, once all the
+// rest is done.
 class ProgramExit {
  public:
   ProgramExit(MainForm& main_form, ApplicationState& application, UserSettings& user_settings,
@@ -29,6 +31,7 @@ class ProgramExit {
   bool Trapped(const std::function<void()>& road);
   void Unload();
   void ExitSaveAndClose();
+  std::string SaveUserSettings();  // gives why it failed; empty for success
   void SaveWindowPlace();
   void SaveRecent(DatabaseKind kind);
   void WriteSettings();

@@ -94,11 +94,23 @@ TEST_F(ExitOfProgram, FailureKeepsTheCloseBoxsProgramUpWithABeep) {
   EXPECT_FALSE(IniWritten());
 }
 
-TEST_F(ExitOfProgram, FailureOfTheUserStoreStopsTheCloseBoxAtOnce) {
-  failing_key_ = "MRU_RecipePathName";
-  EXPECT_FALSE(Exit().CloseBox());
-  EXPECT_EQ(steps_.back(), "save MRU_RecipePathName");
-  EXPECT_EQ(op_.beeps, 1);
+TEST_F(ExitOfProgram, UserSettingsThatCannotBeSavedAreToldAndEachExitGoesOn) {
+  failing_key_ = "MainLeft";
+  using Exit = bool (ProgramExit::*)();
+  for (const Exit exit :
+       {&ProgramExit::CloseBox, &ProgramExit::FileExit, &ProgramExit::SessionEnd}) {
+    steps_.clear();
+    op_.boxes.clear();
+    std::filesystem::remove(folder_ / "VRX-2260.INI");
+    EXPECT_TRUE((this->Exit().*exit)());
+    EXPECT_THAT(steps_, ::testing::Contains("CloseTransactionDatabase"));
+    EXPECT_EQ(steps_.back(), "Unload");
+    EXPECT_TRUE(IniWritten());
+    ASSERT_EQ(op_.boxes.size(), 1U);
+    EXPECT_EQ(op_.boxes[0].title, "User Settings Error");
+    EXPECT_EQ(op_.boxes[0].cause, "fake: the store is full");
+  }
+  EXPECT_EQ(op_.beeps, 0);
 }
 
 TEST_F(ExitOfProgram, FailureDoesNotKeepFileExitsProgramUp) {

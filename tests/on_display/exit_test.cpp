@@ -127,5 +127,33 @@ TEST_F(SignalOnDisplay, EndsTheProgramWhileItStarts) {
   EXPECT_FALSE(fs::exists(lock));
 }
 
+class UnwritableUserSettings : public LeavingOnDisplay,
+                               public ::testing::WithParamInterface<WayOut> {
+ protected:
+  // Even root cannot write into a folder that is a file.
+  UnwritableUserSettings() {
+    fs::remove_all(user_settings.parent_path());
+    folder.Write("home/config/Brantock", "");
+    fs::remove(transactions);
+    fs::remove(recipes);
+  }
+};
+
+TEST_P(UnwritableUserSettings, AreToldAndTheProgramEnds) {
+  StartProgram();
+  WriteShortIni();
+  Leave(GetParam());
+  ASSERT_TRUE(WaitForBox("Unable to save the place of the window"));
+  EXPECT_NE(ValueIn(ini, "PrintGridLines"), "");
+  Keys({"Return"});
+  EXPECT_EQ(ExitCode(), 0) << program->Err();
+  EXPECT_FALSE(fs::exists(lock));
+}
+
+INSTANTIATE_TEST_SUITE_P(Ways, UnwritableUserSettings,
+                         ::testing::Values(WayOut{"CloseBox", {}, 0},
+                                           WayOut{"FileExit", {"alt+f", "x"}, 0}),
+                         [](const auto& way) { return std::string(way.param.name); });
+
 }  // namespace
 }  // namespace vrx::testing
