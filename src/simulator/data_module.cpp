@@ -9,6 +9,7 @@ namespace vrx::simulator {
 namespace {
 
 constexpr char kWrongFirstByte = '?';  // no command and no terminator
+constexpr char kStray = '~';           // the same
 
 }  // namespace
 
@@ -70,6 +71,7 @@ Transmission DataModule::Dump(char command) {
     reply.insert(reply.size() - memory_.size() / 2, 1, kUs);
   }
   reply += kUs;
+  reply.append(faults_.strays.value_or(0), kStray);
   return Spoil(std::move(reply), true);
 }
 

@@ -70,8 +70,16 @@ void AddFault(Faults& faults, std::string_view text) {
     SetNumber(faults.stall, written);
   } else if (written.kind == "hang-up") {
     SetNumber(faults.hang_up, written);
+  } else if (written.kind == "strays") {
+    SetNumber(faults.strays, written);
+  } else if (written.kind == "xoff") {
+    SetNumber(faults.xoff, written);
+  } else if (written.kind == "deaf") {
+    SetNumber(faults.deaf, written);
   } else {
-    Refuse(text, "unknown; there are silent, garbage, cut-after=N, extra-us, stall=MS, hang-up=N");
+    Refuse(text,
+           "unknown; there are silent, garbage, cut-after=N, extra-us, stall=MS, hang-up=N, "
+           "strays=N, xoff=N, deaf=N");
   }
 }
 

@@ -21,11 +21,17 @@ struct Faults {
   std::optional<std::chrono::milliseconds> stall = std::nullopt;
   // So many bytes of all replies together, then no line.
   std::optional<std::uint32_t> hang_up = std::nullopt;
+  // So many bytes after the end of each dump.
+  std::optional<std::uint32_t> strays = std::nullopt;
+  // One XOFF once that many bytes have arrived and are answered, and no XON.
+  std::optional<std::uint32_t> xoff = std::nullopt;
+  // No byte is read any more once that many have arrived.
+  std::optional<std::uint32_t> deaf = std::nullopt;
 };
 
-// Adds the fault of one --fault: "silent", "garbage", "extra-us", "cut-after=N", "stall=MS" or
-// "hang-up=N". Throws std::invalid_argument, its text for the user, for any other text and for a
-// kind that is there already.
+// Adds the fault of one --fault: "silent", "garbage", "extra-us", "cut-after=N", "stall=MS",
+// "hang-up=N", "strays=N", "xoff=N" or "deaf=N". Throws std::invalid_argument, its text for the
+// user, for any other text and for a kind that is there already.
 void AddFault(Faults& faults, std::string_view text);
 
 }  // namespace vrx::simulator

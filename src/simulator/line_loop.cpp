@@ -84,7 +84,7 @@ void LineLoop::ReceiveSentAhead() {
 // False when no bytes were there.
 bool LineLoop::HeedLine() {
   // In this order: the coming of a client is known before what it sent is obeyed.
-  const std::string bytes = line_.Read();
+  const std::string bytes = Deaf() ? std::string() : line_.Read();
   const PtyLine::Clients clients = line_.TakeClients();
   const Time now = Clock::now();
   if (clients.came && (transmitter_.HeldForLine() || line_.Untaken() > kReceiveBuffer)) {
@@ -101,6 +101,7 @@ bool LineLoop::HeedLine() {
 }
 
 void LineLoop::Receive(std::string_view bytes, Time now) {
+  received_ += bytes.size();
   for (const char byte : bytes) {
     if (byte == kXoff || byte == kXon) {
       transmitter_.HoldForFlowControl(byte == kXoff, now);
@@ -134,7 +135,17 @@ bool LineLoop::Send() {
       transmitter_.HoldForLine(true, now);
     }
   }
+  SendXoff();
   return true;
+}
+
+// After the reply: some clients take any byte that follows an XOFF for an XON.
+void LineLoop::SendXoff() {
+  if (xoff_after_ && received_ >= *xoff_after_ && !transmitter_.HeldForLine() &&
+      !transmitter_.NextPortion()) {
+    line_.Write({&kXoff, 1});
+    xoff_after_.reset();
+  }
 }
 
 void LineLoop::Wait() {
@@ -144,6 +155,9 @@ void LineLoop::Wait() {
       {.fd = line_.Handle(), .events = POLLIN, .revents = 0},
       {.fd = line_.ClientsHandle(), .events = POLLIN, .revents = 0},
   }};
+  if (Deaf()) {
+    watched[1].events = 0;
+  }
   if (refused) {
     watched[1].events |= POLLOUT;
   }

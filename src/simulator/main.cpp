@@ -92,7 +92,9 @@ CLI::App* AddModule(CLI::App& program, ModuleOptions& options, WorkOptions& work
               }
             }
           },
-          "silent, garbage, cut-after=N, extra-us, stall=MS or hang-up=N; may be repeated")
+          "silent, garbage, cut-after=N, extra-us, stall=MS, hang-up=N, strays=N, xoff=N or "
+          "deaf=N; "
+          "may be repeated")
       ->allow_extra_args(false);
   AddWork(*module, work);
   return module;

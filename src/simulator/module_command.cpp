@@ -23,6 +23,12 @@ void Play(const ModuleOptions& options, DataModule& module, Signals& signals, st
   if (options.faults.hang_up) {
     loop.HangUpAfter(*options.faults.hang_up);
   }
+  if (options.faults.xoff) {
+    loop.SendXoffAfter(*options.faults.xoff);
+  }
+  if (options.faults.deaf) {
+    loop.StopReadingAfter(*options.faults.deaf);
+  }
   loop.Run([&] {
     if (!options.save) {
       return;

@@ -22,6 +22,7 @@ TEST(Faults, AreNoneUnlessAskedFor) {
   const Faults faults;
   EXPECT_FALSE(faults.silent || faults.garbage || faults.extra_us);
   EXPECT_FALSE(faults.cut_after || faults.stall || faults.hang_up);
+  EXPECT_FALSE(faults.strays || faults.xoff || faults.deaf);
 }
 
 TEST(Faults, EachKindSetsItsOwn) {
@@ -31,6 +32,9 @@ TEST(Faults, EachKindSetsItsOwn) {
   EXPECT_EQ(Read({"cut-after=7"}).cut_after, 7U);
   EXPECT_EQ(Read({"stall=250"}).stall, std::chrono::milliseconds(250));
   EXPECT_EQ(Read({"hang-up=0"}).hang_up, 0U);
+  EXPECT_EQ(Read({"strays=16"}).strays, 16U);
+  EXPECT_EQ(Read({"xoff=1"}).xoff, 1U);
+  EXPECT_EQ(Read({"deaf=2"}).deaf, 2U);
 }
 
 TEST(Faults, Combine) {
