@@ -20,15 +20,19 @@ std::string Environment(const char* name) {
 
 }  // namespace
 
-Date LocalCalendar::Today() const {
+LocalTime LocalNow() {
   const std::time_t now = std::time(nullptr);
   std::tm local{};
   localtime_r(&now, &local);
   constexpr int kFirstYear = 1900;
-  return Date{std::chrono::year{local.tm_year + kFirstYear},
-              std::chrono::month{static_cast<unsigned>(local.tm_mon + 1)},
-              std::chrono::day{static_cast<unsigned>(local.tm_mday)}};
+  return {.date = Date{std::chrono::year{local.tm_year + kFirstYear},
+                       std::chrono::month{static_cast<unsigned>(local.tm_mon + 1)},
+                       std::chrono::day{static_cast<unsigned>(local.tm_mday)}},
+          .time_of_day = std::chrono::hours{local.tm_hour} + std::chrono::minutes{local.tm_min} +
+                         std::chrono::seconds{local.tm_sec}};
 }
+
+Date LocalCalendar::Today() const { return LocalNow().date; }
 
 std::string LinuxSystemInfo::CommonAppDataFolder() const {
   std::string data_home = Environment("XDG_DATA_HOME");

@@ -3,11 +3,14 @@
 #include <string>
 
 #include "platform/calendar.h"
+#include "platform/local_time.h"
 #include "platform/system_info.h"
 
 namespace vrx {
 
 // This machine as the programs' ports. Linux.
+
+LocalTime LocalNow();
 
 class LocalCalendar : public Calendar {
  public:

@@ -95,6 +95,7 @@ class QtSerialControl::Line {
     if (!port_.open(QIODevice::ReadWrite)) {
       throw SerialError(Said(device_, Refusal(device_, port_)));
     }
+    ForgetXoff();
     SetDTR(properties.dtr);
     // Without this a dead line would keep the event loop busy until somebody looks at it.
     QObject::connect(
@@ -164,6 +165,12 @@ class QtSerialControl::Line {
   }
 
  private:
+  // The system keeps an XOFF of an earlier opening as long as anybody has the line open.
+  void ForgetXoff() {
+    tcflow(port_.handle(), TCOOFF);
+    tcflow(port_.handle(), TCOON);
+  }
+
   void NoticeLoss() {
     if (lost_ || !HungUp()) {
       return;

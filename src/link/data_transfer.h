@@ -3,6 +3,8 @@
 #include <string>
 #include <vector>
 
+#include "link/received_data.h"
+
 namespace vrx {
 
 inline constexpr int kMemoryBarMaximum = 65536;  // bytes
@@ -12,6 +14,7 @@ struct DataFileRow {
   int file = 0;  // its number, from 1
   std::string text;
   bool checked = false;
+  bool saved = false;
 };
 
 // The choice of `optConnection`.
@@ -20,8 +23,10 @@ enum class Connection { kModule = 0, kIndicator = 1 };
 // What the Data Transfer tab holds. Texts are bytes as they came over the line.
 struct DataTransfer {
   std::string transfer_block;  // the last upload or memory read
-  std::string data_window;     // txtDataWindow
-  std::string file_path;       // txtFilePath
+  bool block_is_cut = true;    // the data files hold the whole block
+  ReceivedData received;
+  std::string data_window;  // txtDataWindow
+  std::string file_path;    // txtFilePath
   std::vector<DataFileRow> data_files;
   int selected_row = -1;                  // of data_files; -1 for none
   bool recipe_frames_visible = false;     // frmRecipeFile and frmRecipeBackup

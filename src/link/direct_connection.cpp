@@ -5,6 +5,7 @@
 
 #include "frame/text.h"
 #include "link/control_characters.h"
+#include "link/transfer_status.h"
 
 namespace vrx {
 
@@ -33,9 +34,13 @@ void DirectConnection::ConnectModule() {
   ShowTab(Connection::kModule);
 }
 
-bool DirectConnection::ConnectIndicator() { return Enter() && DirectConnectLoop(); }
+bool DirectConnection::ConnectIndicator() {
+  const LineGuard::Claim line = krm_.Guard().TakeForDirectConnection();
+  return line && Enter() && DirectConnectLoop();
+}
 
 bool DirectConnection::Enter() {
+  answer_failed_ = false;
   krm_.KRM_Close();
   if (!krm_.GS_KRM_VirtualMemory().empty()) {
     BeepIfEnabled(op_, settings_);
@@ -46,6 +51,7 @@ bool DirectConnection::Enter() {
                          .text = "Do you want to clear the current data in memory?"});
     if (answer == Answer::kYes) {
       krm_.GS_KRM_VirtualMemory({});
+      transfer_.received.Discarded();
     }
   }
   krm_.GB_KRM_AbortDirectConnect(false);
@@ -54,8 +60,7 @@ bool DirectConnection::Enter() {
   }
   transfer_.data_window.clear();
   transfer_.file_path.clear();
-  op_.SetStatusColor(StatusColor::kBlue);
-  op_.SetStatusLine(kWaiting);
+  TellNeutral(op_, kWaiting);
   ShowTab(Connection::kIndicator);
   return true;
 }
@@ -103,6 +108,9 @@ bool DirectConnection::DirectConnectLoop() {
     // A copy: a handler inside the waits of an answer may receive too.
     const std::string burst = krm_.GS_KRM_RxDBuffer();
     Handle(burst);
+    if (krm_.KRM_LineHeld()) {
+      standing = ReopenHeldLine();
+    }
   }
   if (standing) {
     return true;
@@ -132,30 +140,56 @@ void DirectConnection::Handle(std::string_view burst) {
 }
 
 void DirectConnection::HandleByte(char byte) {
+  const auto answer = [this](bool (KRMCOMM::*transmit)()) {
+    const LineGuard::Claim line = krm_.Guard().TakeForTransmission();
+    return (krm_.*transmit)();
+  };
   switch (byte) {
-    case KRMConst::DC4:
-      krm_.KRM_ClearVirtualMemory();
+    case KRMConst::DC4: {
+      const bool answered = answer(&KRMCOMM::KRM_ClearVirtualMemory);
+      transfer_.received.Discarded();
       transfer_.file_path.clear();
       transfer_.data_window.clear();
-      op_.SetStatusLine("Received <DC4>, cleared memory.");
+      Tell(answered, "Received <DC4>, cleared memory.", "Received <DC4>, the answer failed.");
       break;
+    }
     case KRMConst::NAK:
-      krm_.KRM_DumpVirtualMemory();
-      op_.SetStatusLine("Received <NAK>, transmitted memory.");
+      Tell(answer(&KRMCOMM::KRM_DumpVirtualMemory), "Received <NAK>, transmitted memory.",
+           "Received <NAK>, the answer failed.");
       break;
     case KRMConst::FS:
-      krm_.KRM_DumpAllVirtualMemory();
-      op_.SetStatusLine("Received <FS>, transmitted memory.");
+      Tell(answer(&KRMCOMM::KRM_DumpAllVirtualMemory), "Received <FS>, transmitted memory.",
+           "Received <FS>, the answer failed.");
       break;
     default:
       krm_.KRM_AppendToVirtualMemory({&byte, 1});
+      transfer_.received.Arrived();
   }
 }
 
-void DirectConnection::LoadMemory(std::string_view text) {
-  krm_.KRM_ClearVirtualMemory();
+void DirectConnection::Tell(bool answered, std::string_view done, std::string_view failed) {
+  if (answered) {
+    TellNeutral(op_, done);
+    return;
+  }
+  // What the operator or the end of the program cuts off is no failure.
+  if (!krm_.GB_KRM_AbortDirectConnect() && !pump_.Closing()) {
+    answer_failed_ = true;
+    TellFailed(op_, failed);
+  }
+}
+
+// An indicator that did not take an answer may send its next command all the same.
+bool DirectConnection::ReopenHeldLine() {
+  return krm_.GB_KRM_AbortDirectConnect() || pump_.Closing() || krm_.KRM_DirectOpen();
+}
+
+bool DirectConnection::LoadMemory(std::string_view text) {
+  const bool answered = krm_.KRM_ClearVirtualMemory();
+  transfer_.received.Discarded();
   krm_.KRM_AppendToVirtualMemory(text);
-  op_.SetStatusLine(kWaitingAfterLoad);
+  Tell(answered, kWaitingAfterLoad, "The memory is loaded, the answer failed.");
+  return answered;
 }
 
 void DirectConnection::StartUpdates() {
@@ -167,7 +201,7 @@ void DirectConnection::StartUpdates() {
 void DirectConnection::Update() {
   const std::size_t bytes = krm_.GS_KRM_VirtualMemory().size();
   if (bytes == 0) {
-    op_.SetStatusLine(kWaiting);
+    TellNeutral(op_, kWaiting);
   }
   SetMemorySize(bytes);
   transfer_.memory_bar = static_cast<int>(std::min<std::size_t>(bytes, kMemoryBarMaximum));

@@ -21,7 +21,7 @@ class DirectConnection {
   void ConnectModule();
 
   // The click that chooses the indicator: Enter and DirectConnectLoop. Returns when the connection
-  // has ended; false when it could not begin or its line was lost.
+  // has ended; false when it could not begin or its line was lost, or when the line is in use.
   bool ConnectIndicator();
 
   // Asks whether memory is to be cleared, opens the port, sets the tab up. False, the operator told
@@ -38,8 +38,15 @@ class DirectConnection {
   bool DirectConnectLoop();
 
   // Puts a text into memory in place of what it holds. The indicator is sent a DC4 US unasked,
-  // which takes 1600 ms; what it sends in the first 1000 of them is discarded.
-  void LoadMemory(std::string_view text);
+  // which takes 1600 ms; what it sends in the first 1000 of them is discarded. False, the operator
+  // told, when that failed; the text is in memory all the same.
+  bool LoadMemory(std::string_view text);
+
+  // A transmission to the indicator has failed since Enter.
+  bool AnswerFailed() const { return answer_failed_; }
+
+  // Who uses the line; LoadMemory's caller takes it for a transmission.
+  LineGuard& Guard() { return krm_.Guard(); }
 
  private:
   bool OpenPort();
@@ -49,6 +56,8 @@ class DirectConnection {
   void SetMemorySize(std::size_t bytes);
   void Handle(std::string_view burst);
   void HandleByte(char byte);
+  void Tell(bool answered, std::string_view done, std::string_view failed);
+  bool ReopenHeldLine();
 
   KRMCOMM& krm_;
   DataTransfer& transfer_;
@@ -56,6 +65,7 @@ class DirectConnection {
   Operator& op_;
   const PrivateINI& settings_;
   std::unique_ptr<EventPump::Ticker> tim_direct_rxd_updates_;  // null while it is disabled
+  bool answer_failed_ = false;
 };
 
 }  // namespace vrx

@@ -45,7 +45,8 @@ bool Download::ClearAndSend(std::string_view text) {
 }
 
 bool Download::Fail(std::string_view words) {
-  TellFailed(op_, "Error: " + (pump_.Closing() ? krm_.GS_KRM_ErrMsg() : std::string(words)));
+  const bool own_words = pump_.Closing() || krm_.KRM_LineHeld();
+  TellFailed(op_, "Error: " + (own_words ? krm_.GS_KRM_ErrMsg() : std::string(words)));
   return false;
 }
 

@@ -24,6 +24,9 @@ constexpr Milliseconds kAfterTransmission{100};
 // Nothing tells when the last byte has left the port: its counter is looked at in this rhythm.
 constexpr Milliseconds kDrainRhythm{5};
 
+// An XOFF, or a device that stops reading, holds the line.
+constexpr Milliseconds kHeldLimit{10'000};
+
 }  // namespace
 
 KRMCOMM::KRMCOMM(SerialControl& serial, EventPump& pump, Operator& op, const PrivateINI& settings)
@@ -51,6 +54,7 @@ bool KRMCOMM::KRM_Open() { return OpenPort(Handshaking::kXOnXOff); }
 bool KRMCOMM::OpenPort(Handshaking mode) {
   failure_cause_.clear();
   interrupted_ = false;
+  line_held_ = false;
   if (comm_port_open_ && serial_.PortOpen() && !LineGone()) {
     err_msg_ = "Serial port already open";
     return true;
@@ -169,6 +173,8 @@ bool KRMCOMM::HandOver(std::string_view bytes) {
 }
 
 bool KRMCOMM::Drain() {
+  OneShotTimer held(kHeldLimit);
+  int before = 0;
   for (auto left = BytesToSend(); left.has_value(); left = BytesToSend()) {
     if (!serial_.PortOpen()) {
       failure_cause_ = "the port was closed during the transmission";
@@ -176,6 +182,15 @@ bool KRMCOMM::Drain() {
     }
     if (*left == 0) {
       return true;
+    }
+    const Milliseconds now = pump_.Now();
+    if (*left != before) {
+      before = *left;
+      held.Enable(now);
+    } else if (held.Due(now)) {
+      Interrupt("Serial line held", "Serial line held: it took no byte for 10 seconds");
+      line_held_ = true;
+      return false;
     }
     pump_.Pump(kDrainRhythm);
   }

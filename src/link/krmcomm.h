@@ -9,6 +9,7 @@
 #include <utility>
 
 #include "link/file_attributes.h"
+#include "link/line_guard.h"
 #include "link/one_shot_timer.h"
 #include "platform/event_pump.h"
 #include "platform/operator.h"
@@ -25,11 +26,14 @@ class PrivateINI;
 // No operation throws for what happens on the line: it returns false, GS_KRM_ErrMsg has the told
 // words, KRM_FailureCause what lies behind them. Every wait pumps events, so a handler may run
 // another operation inside it; the outer one then fails rather than take the other's reply. A wait
-// ends at once when the line is gone or the program is closing: the port is closed then, and the
-// next command opens it anew.
+// ends at once when the line is gone or the program is closing, and a transmission when the line
+// has taken no byte for 10 seconds: the port is closed then, and the next command opens it anew.
 class KRMCOMM {
  public:
   KRMCOMM(SerialControl& serial, EventPump& pump, Operator& op, const PrivateINI& settings);
+
+  // Who uses the line. What an operator starts takes it first; KRMCOMM itself does not ask.
+  LineGuard& Guard() { return guard_; }
 
   // Raises DTR and gives the module 1000 ms to wake. False: the wait was cut short.
   bool KRM_AssertDTR();
@@ -44,16 +48,18 @@ class KRMCOMM {
   bool KRM_OnlineCheck();  // tells the module the baud rate of the settings
   bool KRM_Clear();
   bool KRM_SetBaud(std::int32_t baud);  // 1200, 2400, 9600 or 19200; another sends nothing
-  bool KRM_Dump();                      // the reply is left, framing included, in GS_KRM_RxDBuffer
+  // The reply is left in GS_KRM_RxDBuffer, framing included, and with it the bytes that arrived
+  // within 250 ms after its last terminator: KRM_ExtractData judges them.
+  bool KRM_Dump();
   bool KRM_DumpAll();
   bool KRM_Download(std::string_view text);  // true once the last byte has left the port
 
-  // Bytes that came behind the reply read last. They stay until the next command discards them. A
-  // dump they follow was closed by a terminator inside its data: what follows is the rest of it.
-  int KRM_UnreadCount();
+  // Adds to GS_KRM_RxDBuffer what arrived after a dump while DTR was released. Many bytes are the
+  // rest of data that has a terminator inside.
+  void KRM_TakeUnread();
 
   // The data between the two terminators of a reply; empty, with GS_KRM_ErrMsg set, for a reply
-  // without exactly two or with nothing between them.
+  // without exactly two, with nothing between them, or with more than 16 bytes after the second.
   std::string KRM_ExtractData(std::string_view reply);
 
   // Cuts a block into files and returns their number. Throws TooManyFilesError.
@@ -66,11 +72,12 @@ class KRMCOMM {
   std::int32_t GL_KRM_FileAttributes(int file, int attribute) const;
 
   // The PC's image of module memory. All but the appending transmit, beep when the bytes are out,
-  // and tell the operator when they are not, unless the program is closing.
-  void KRM_ClearVirtualMemory();
+  // and tell the operator when they are not, unless the program is closing. False when they are
+  // not.
+  bool KRM_ClearVirtualMemory();
   void KRM_AppendToVirtualMemory(std::string_view text);
-  void KRM_DumpVirtualMemory();
-  void KRM_DumpAllVirtualMemory();
+  bool KRM_DumpVirtualMemory();
+  bool KRM_DumpAllVirtualMemory();
 
   // The direct connection, where the PC answers as the module does. Opens without flow control:
   // every byte is data or a command.
@@ -85,6 +92,9 @@ class KRMCOMM {
   // What lies behind the last failure: the platform's words, or ours where it has none ("no
   // reply"). Empty after a command that went well.
   const std::string& KRM_FailureCause() const { return failure_cause_; }
+
+  // The last command failed because the line took no byte for 10 seconds.
+  bool KRM_LineHeld() const { return line_held_; }
 
   // Get and let.
   bool GB_KRM_DelayComplete() const { return delay_complete_; }
@@ -136,7 +146,9 @@ class KRMCOMM {
 
   bool AskForEcho(char code);
   bool ReplyBeginsWith(char code);
-  void Answer(std::string_view frame, std::string_view command_name);
+  bool TakeDump(char code);
+  void TakeStrays();
+  bool Answer(std::string_view frame, std::string_view command_name);
 
   SerialControl& serial_;
   EventPump& pump_;
@@ -160,7 +172,10 @@ class KRMCOMM {
   std::int32_t rxd_count_ = 0;
   std::array<FileAttributes, kMaxDataFiles> file_attributes_{};
 
-  bool interrupted_ = false;  // since the last opening, by a lost line or the end of the program
+  LineGuard guard_;
+  // Since the last opening, by a lost line, a held line or the end of the program.
+  bool interrupted_ = false;
+  bool line_held_ = false;
   std::string failure_cause_;
 };
 

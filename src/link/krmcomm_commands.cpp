@@ -16,6 +16,8 @@ constexpr std::array kBaudCommands{
     BaudCommand{1200, KRMConst::SYN}, BaudCommand{2400, KRMConst::ETB},
     BaudCommand{9600, KRMConst::CAN}, BaudCommand{19200, KRMConst::EM}};
 
+constexpr Milliseconds kStrayTime{250};
+
 }  // namespace
 
 bool KRMCOMM::KRM_OnlineCheck() { return KRM_SetBaud(TextToLong(settings_.KRMBaudRate())); }
@@ -51,7 +53,7 @@ bool KRMCOMM::KRM_Dump() {
   } else if (!KRM_WaitForTerminators(2)) {
     words = "Command response failed";
   } else {
-    dumped = ReplyBeginsWith(KRMConst::NAK);
+    dumped = TakeDump(KRMConst::NAK);
   }
   // What cut a wait short has words of its own.
   if (!words.empty() && !interrupted_) {
@@ -63,16 +65,44 @@ bool KRMCOMM::KRM_Dump() {
 
 bool KRMCOMM::KRM_DumpAll() {
   const bool dumped = KRM_Open() && KRM_SendByte(KRMConst::FS) && KRM_WaitForTerminators(2) &&
-                      ReplyBeginsWith(KRMConst::FS);
+                      TakeDump(KRMConst::FS);
   KRM_DeAssertDTR();
   return dumped;
 }
 
-int KRMCOMM::KRM_UnreadCount() {
+bool KRMCOMM::TakeDump(char code) {
+  if (!ReplyBeginsWith(code)) {
+    return false;
+  }
+  TakeStrays();
+  return true;
+}
+
+// Waits them out: what is data, and what is noise on the line, shows only after a while.
+void KRMCOMM::TakeStrays() {
+  OneShotTimer window(kStrayTime);
+  window.Enable(pump_.Now());
   try {
-    return serial_.InBufferCount();
+    while (serial_.PortOpen() && GoesOn()) {
+      rxd_buffer_ += serial_.InBufferCount() >= 1 ? serial_.Input() : std::string();
+      const Milliseconds now = pump_.Now();
+      if (window.Due(now)) {
+        return;
+      }
+      pump_.Pump(window.Left(now));
+    }
+  } catch (const SerialError& error) {
+    Interrupt("Serial line lost", error.what());  // the reply is complete all the same
+  }
+}
+
+void KRMCOMM::KRM_TakeUnread() {
+  try {
+    if (serial_.InBufferCount() >= 1) {
+      rxd_buffer_ += serial_.Input();
+    }
   } catch (const SerialError&) {
-    return 0;  // a line that is gone brings no more
+    // A line that is gone brings no more.
   }
 }
 

@@ -19,6 +19,9 @@ constexpr std::array kTypesOfFile{
     TypeOfFile{DataFileType::kReport, kReportMark, "Text Report"},
 };
 
+// Bytes after a reply that are taken for noise on the line.
+constexpr std::size_t kMostStrays = 16;
+
 DataFileType TypeAt(std::string_view text) {
   if (text.front() == KRMConst::FF) {
     return DataFileType::kReport;
@@ -40,7 +43,8 @@ std::string_view DataFileTypeName(DataFileType type) {
 std::string KRMCOMM::KRM_ExtractData(std::string_view reply) {
   const std::size_t first = reply.find(KRMConst::US);
   const std::size_t second = reply.rfind(KRMConst::US);
-  if (std::count(reply.begin(), reply.end(), KRMConst::US) != 2) {
+  if (std::count(reply.begin(), reply.end(), KRMConst::US) != 2 ||
+      reply.size() - second - 1 > kMostStrays) {
     err_msg_ = "Invalid terminators";
     return {};
   }

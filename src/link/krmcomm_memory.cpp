@@ -4,28 +4,28 @@
 
 namespace vrx {
 
-void KRMCOMM::KRM_ClearVirtualMemory() {
+bool KRMCOMM::KRM_ClearVirtualMemory() {
   virtual_memory_.clear();
-  Answer(std::string{KRMConst::DC4, KRMConst::US}, "<DC4>");
+  return Answer(std::string{KRMConst::DC4, KRMConst::US}, "<DC4>");
 }
 
 void KRMCOMM::KRM_AppendToVirtualMemory(std::string_view text) { virtual_memory_ += text; }
 
-void KRMCOMM::KRM_DumpVirtualMemory() {
-  Answer(std::string{KRMConst::NAK, KRMConst::US} + virtual_memory_ + KRMConst::US, "<NAK>");
+bool KRMCOMM::KRM_DumpVirtualMemory() {
+  return Answer(std::string{KRMConst::NAK, KRMConst::US} + virtual_memory_ + KRMConst::US, "<NAK>");
 }
 
-void KRMCOMM::KRM_DumpAllVirtualMemory() {
-  Answer(std::string{KRMConst::FS, KRMConst::US} + virtual_memory_ + KRMConst::US, "<FS>");
+bool KRMCOMM::KRM_DumpAllVirtualMemory() {
+  return Answer(std::string{KRMConst::FS, KRMConst::US} + virtual_memory_ + KRMConst::US, "<FS>");
 }
 
-void KRMCOMM::Answer(std::string_view frame, std::string_view command_name) {
+bool KRMCOMM::Answer(std::string_view frame, std::string_view command_name) {
   if (KRM_SendString(frame)) {
     BeepIfEnabled(op_, settings_);
-    return;
+    return true;
   }
   if (pump_.Closing()) {
-    return;
+    return false;
   }
   op_.Beep();
   op_.ShowMessage(
@@ -33,6 +33,7 @@ void KRMCOMM::Answer(std::string_view frame, std::string_view command_name) {
        .title = "Error",
        .text = "Transmission of response to " + std::string(command_name) + " command failed!",
        .cause = failure_cause_});
+  return false;
 }
 
 }  // namespace vrx

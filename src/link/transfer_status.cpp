@@ -13,6 +13,8 @@ void Tell(Operator& op, StatusColor color, std::string_view words) {
 
 void TellStandby(Operator& op) { Tell(op, StatusColor::kBlue, "Standby..."); }
 
+void TellNeutral(Operator& op, std::string_view words) { Tell(op, StatusColor::kBlue, words); }
+
 void TellComplete(Operator& op, std::string_view words) { Tell(op, StatusColor::kGreen, words); }
 
 void TellFailed(Operator& op, std::string_view words) { Tell(op, StatusColor::kRed, words); }

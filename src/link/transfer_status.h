@@ -18,9 +18,10 @@ class Hourglass {
   Operator& op_;
 };
 
-// The status line of a transfer: blue and "Standby..." at its start, green at a good end, red at a
-// bad one.
+// The status line of a transfer, always with the color of its words: blue and "Standby..." at its
+// start, blue for what is neither success nor failure, green at a good end, red at a bad one.
 void TellStandby(Operator& op);
+void TellNeutral(Operator& op, std::string_view words);
 void TellComplete(Operator& op, std::string_view words);
 void TellFailed(Operator& op, std::string_view words);
 

@@ -1,6 +1,10 @@
 #include "link/upload.h"
 
+#include <utility>
+
 #include "frame/text.h"
+#include "link/control_characters.h"
+#include "link/rescue_file.h"
 #include "link/transfer_status.h"
 
 namespace vrx {
@@ -16,14 +20,16 @@ Upload::Upload(KRMCOMM& krm, DataTransfer& transfer, EventPump& pump, Operator& 
     : krm_(krm), transfer_(transfer), pump_(pump), op_(op), settings_(settings) {}
 
 void Upload::UploadDataFromKRM() {
-  transfer_.data_window.clear();
-  transfer_.file_path.clear();
-  op_.SetStatusLine("");
-  transfer_.recipe_frames_visible = false;
   if (transfer_.connection == Connection::kModule) {
-    ListDataFiles(UploadFromModule());
+    const LineGuard::Claim line = krm_.Guard().TakeForCommand();
+    if (line) {
+      ClearTab();
+      ListDataFiles(UploadFromModule());
+      transfer_.reload_enabled = true;
+    }
     return;
   }
+  ClearTab();
   const int count = ReadDirectMemory();
   ListDataFiles(count);
   if (count < 1) {
@@ -31,6 +37,13 @@ void Upload::UploadDataFromKRM() {
   } else {
     transfer_.reload_enabled = false;
   }
+}
+
+void Upload::ClearTab() {
+  transfer_.data_window.clear();
+  transfer_.file_path.clear();
+  op_.SetStatusLine("");
+  transfer_.recipe_frames_visible = false;
 }
 
 int Upload::UploadFromModule() {
@@ -46,7 +59,8 @@ int Upload::UploadFromModule() {
                       " bytes");
   });
   if (!krm_.KRM_Dump()) {
-    TellFailed(op_, "Error: " + krm_.GS_KRM_ErrMsg());
+    TellFailed(op_, "Error: " + (krm_.GS_KRM_ErrMsg().empty() ? krm_.KRM_FailureCause()
+                                                              : krm_.GS_KRM_ErrMsg()));
     return 0;
   }
   return TakeReply();
@@ -63,29 +77,42 @@ void Upload::ModuleNotDetected() {
                    .text = "The KRM was not detected. Please verify that the module is connected. "
                            "Check cable and connector and then try again.",
                    .cause = krm_.KRM_FailureCause()});
-  TellFailed(op_, "Error: KRM not detected");
+  TellFailed(op_, "Error: " + (krm_.KRM_LineHeld() ? krm_.GS_KRM_ErrMsg() : "KRM not detected"));
 }
 
 int Upload::TakeReply() {
-  if (krm_.KRM_UnreadCount() > 0) {
-    // As a reply of three terminators that came in one piece.
-    transfer_.transfer_block.clear();
-    krm_.GS_KRM_ErrMsg("Invalid terminators");
-    TellFailed(op_, krm_.GS_KRM_ErrMsg());
-    return 0;
-  }
+  krm_.KRM_TakeUnread();
+  transfer_.received.OtherIntoBlock();
   transfer_.transfer_block = krm_.KRM_ExtractData(krm_.GS_KRM_RxDBuffer());
   if (transfer_.transfer_block.empty()) {
     transfer_.data_window.clear();
     TellFailed(op_, krm_.GS_KRM_ErrMsg());
     return 0;
   }
-  return CutFiles("Upload complete!", krm_.GS_KRM_RxDBuffer().size());
+  // With the framing, without what followed it.
+  return CutFiles("Upload complete!", krm_.GS_KRM_RxDBuffer().rfind(KRMConst::US) + 1);
+}
+
+void Upload::UploadFromFile(const std::filesystem::path& file) {
+  std::string bytes = ReadRescueFile(file);
+  ClearTab();
+  transfer_.file_path = file.string();
+  transfer_.received.OtherIntoBlock();
+  transfer_.transfer_block = std::move(bytes);
+  int count = 0;
+  if (transfer_.transfer_block.empty()) {
+    TellFailed(op_, "The file is empty");
+  } else {
+    count = CutFiles("Memory read complete!", transfer_.transfer_block.size());
+  }
+  ListDataFiles(count);
+  transfer_.reload_enabled = true;
 }
 
 int Upload::ReadDirectMemory() {
   transfer_.data_window.clear();
   op_.SetStatusColor(StatusColor::kBlue);
+  transfer_.received.ImageIntoBlock();
   transfer_.transfer_block = krm_.GS_KRM_VirtualMemory();
   if (transfer_.transfer_block.empty()) {
     op_.Beep();
@@ -100,8 +127,10 @@ int Upload::ReadDirectMemory() {
 }
 
 int Upload::CutFiles(std::string_view done_words, std::size_t told_bytes) {
+  transfer_.block_is_cut = false;
   try {
     const int count = krm_.KRM_ExtractFiles(transfer_.transfer_block);
+    transfer_.block_is_cut = count > 0;
     if (count == 0) {
       transfer_.data_window = transfer_.transfer_block;
       krm_.GS_KRM_ErrMsg("No recognized data file!");

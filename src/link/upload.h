@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstddef>
+#include <filesystem>
 #include <string_view>
 
 #include "link/data_transfer.h"
@@ -16,12 +17,16 @@ class Upload {
          const PrivateINI& settings);
 
   // The button: clears the tab, uploads from the module, or in the direct connection reads the
-  // memory image, and lists what came.
+  // memory image, and lists what came. Does nothing while another command uses the line.
   void UploadDataFromKRM();
 
   // Brings the module's memory into the transfer block and returns the count of files cut from it.
-  // A memory with more files than the table holds ends red and gives those that fit.
+  // A memory with more files than the table holds ends red and gives those that fit. The caller has
+  // taken the line.
   int UploadFromModule();
+
+  // Reads a rescue file as if its bytes had just been received, and lists its files.
+  void UploadFromFile(const std::filesystem::path& file);
 
   // Brings the memory image into the transfer block, as UploadFromModule does the module's memory.
   int ReadDirectMemory();
@@ -33,6 +38,7 @@ class Upload {
   void ShowDataFile(int file);
 
  private:
+  void ClearTab();
   void ModuleNotDetected();
   int TakeReply();
   // Cuts the transfer block, which is not empty.

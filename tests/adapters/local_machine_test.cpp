@@ -37,5 +37,12 @@ TEST(LocalCalendar, TodayIsADayThatExists) {
   EXPECT_GE(static_cast<int>(today.year()), 2026);
 }
 
+TEST(LocalNow, IsAMomentOfADay) {
+  const LocalTime now = LocalNow();
+  EXPECT_TRUE(now.date.ok());
+  EXPECT_GE(now.time_of_day, std::chrono::hours{0});
+  EXPECT_LT(now.time_of_day, std::chrono::hours{24});
+}
+
 }  // namespace
 }  // namespace vrx::testing

@@ -185,7 +185,7 @@ TEST_F(KrmcommCommands, SequenceOfAnUpload) {
   EXPECT_TRUE(krm.KRM_Dump());
   EXPECT_THAT(serial.blocks, ElementsAre("\x19", "\x15"));
   EXPECT_THAT(serial.TimesOf("DTR on"), ElementsAre(Ms{0}, Ms{1510}));
-  EXPECT_THAT(serial.TimesOf("DTR off"), ElementsAre(Ms{1010}, Ms{2520}));
+  EXPECT_THAT(serial.TimesOf("DTR off"), ElementsAre(Ms{1010}, Ms{2520 + 250}));
   EXPECT_EQ(krm.KRM_ExtractFiles(krm.KRM_ExtractData(krm.GS_KRM_RxDBuffer())), 1);
 }
 

@@ -92,11 +92,17 @@ TEST_F(KrmcommReceive, BytesBehindTheLastTerminatorStayWhenTheyCameInTheSameChun
             "more");
 }
 
+TEST_F(KrmcommReceive, BytesThatFollowADumpWithin250MillisecondsAreAddedToIt) {
+  serial.WillAnswer(FakeSerialControl::Answer{{Ms{10}, "\x15\x1F\x1F"}, {Ms{259}, "more"}});
+  EXPECT_TRUE(krm.KRM_Dump());
+  EXPECT_EQ(krm.GS_KRM_RxDBuffer(), "\x15\x1F\x1Fmore");
+}
+
 TEST_F(KrmcommReceive, BytesThatComeLaterStayInThePortAndAreDiscarded) {
   serial.WillAnswer(FakeSerialControl::Answer{{Ms{10},
                                                "\x15\x1F"
                                                "data\x1F"},
-                                              {Ms{20}, "more"}});
+                                              {Ms{300}, "more"}});
   serial.WillAnswer(kEchoClear);
   EXPECT_TRUE(krm.KRM_Dump());
   EXPECT_EQ(krm.GS_KRM_RxDBuffer(),

@@ -137,6 +137,80 @@ TEST_F(UploadTest, TerminatorInsideTheDataIsToldWhenTheRestComesLater) {
   EXPECT_EQ(tab.transfer_block, "");
 }
 
+class UploadWithStrays : public UploadTest {
+ protected:
+  // What follows the dump, each chunk after its time from the terminator.
+  void StraysFollow(const FakeSerialControl::Answer& strays) {
+    serial.WillAnswer(kEcho19200);
+    FakeSerialControl::Answer answer{{Ms{10}, "\x15\x1F{BAT/FED},L\r\n\x1F"}};
+    for (const FakeSerialControl::Chunk& chunk : strays) {
+      answer.push_back({Ms{10} + chunk.delay, chunk.bytes});
+    }
+    serial.WillAnswer(answer);
+    upload.UploadDataFromKRM();
+  }
+  void IsWhole() {
+    EXPECT_EQ(op.Status(), "Upload complete!  (16 bytes, 1 file)");
+    EXPECT_EQ(tab.transfer_block, "{BAT/FED},L\r\n");
+  }
+  void IsRefused() {
+    EXPECT_EQ(op.Status(), "Invalid terminators");
+    EXPECT_EQ(op.status_color, StatusColor::kRed);
+    EXPECT_EQ(tab.transfer_block, "");
+    EXPECT_THAT(tab.data_files, IsEmpty());
+  }
+};
+
+TEST_F(UploadWithStrays, UpTo16BytesAreIgnoredWheneverTheyCome) {
+  for (const Ms delay : {Ms{0}, Ms{1}, Ms{249}, Ms{600}}) {
+    StraysFollow({{delay, std::string(16, '~')}});
+    IsWhole();
+  }
+}
+
+TEST_F(UploadWithStrays, MoreThan16BytesAreRefusedWheneverTheyCome) {
+  for (const Ms delay : {Ms{0}, Ms{1}, Ms{249}, Ms{600}}) {
+    StraysFollow({{delay, std::string(17, '~')}});
+    IsRefused();
+  }
+}
+
+TEST_F(UploadWithStrays, BytesOfSeveralArrivalsAreCountedTogether) {
+  StraysFollow({{Ms{50}, "12345678"}, {Ms{100}, "12345678"}});
+  IsWhole();
+  StraysFollow({{Ms{50}, "12345678"}, {Ms{100}, "123456789"}});
+  IsRefused();
+}
+
+TEST_F(UploadWithStrays, OneTerminatorAmongThemIsRefused) {
+  for (const Ms delay : {Ms{0}, Ms{100}}) {
+    StraysFollow({{delay, "\x1F"}});
+    IsRefused();
+  }
+}
+
+TEST_F(UploadWithStrays, TheTransferReadsThemWithDtrRaised) {
+  StraysFollow({});
+  IsWhole();
+  // The reply ends 10 ms after its command went out.
+  EXPECT_EQ(serial.TimesOf("DTR off").back() - serial.TimesOf("out").back(), Ms{10 + 250});
+}
+
+TEST_F(UploadTest, AWrongFirstByteIsToldWithItsCause) {
+  serial.WillAnswer(kEcho19200);
+  serial.WillAnswer("?\x1F{BAT/FED},L\r\n\x1F");
+  upload.UploadDataFromKRM();
+  EXPECT_EQ(op.Status(), "Error: unexpected reply");
+  EXPECT_EQ(op.status_color, StatusColor::kRed);
+}
+
+TEST_F(UploadTest, ReloadIsOnAfterAnUploadFromTheModule) {
+  tab.reload_enabled = false;  // as after reading the memory of the direct connection
+  ModuleHolds("{REPORT}");
+  upload.UploadDataFromKRM();
+  EXPECT_TRUE(tab.reload_enabled);
+}
+
 TEST_F(UploadTest, CountsInTheStatusLineEveryHalfSecond) {
   serial.WillAnswer(kEcho19200);
   serial.WillAnswer(FakeSerialControl::Answer{

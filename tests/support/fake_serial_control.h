@@ -37,6 +37,7 @@ class FakeSerialControl : public SerialControl {
   void WillAnswer(Answer answer) { answers_.push_back(std::move(answer)); }
   void WillAnswer(std::string bytes) { WillAnswer(Answer{{Milliseconds{10}, std::move(bytes)}}); }
   void WillStaySilent() { WillAnswer(Answer{}); }
+  void WillAnswerNothingMore() { answers_.clear(); }
 
   // Bytes that arrive unasked.
   void Arrives(std::string_view bytes) {
@@ -53,6 +54,8 @@ class FakeSerialControl : public SerialControl {
   std::string failing_property;  // "DTREnable", "InBufferSize", ... throws when it is set
   std::size_t lose_after_input = std::numeric_limits<std::size_t>::max();
   std::size_t lose_after_output = std::numeric_limits<std::size_t>::max();
+
+  std::size_t hold_after_output = std::numeric_limits<std::size_t>::max();  // no later byte leaves
 
   Milliseconds per_byte{0};  // how long a byte takes to leave
 
@@ -156,11 +159,13 @@ class FakeSerialControl : public SerialControl {
     CheckStanding();
     Note("out");
     blocks.emplace_back(bytes);
-    sent += bytes;
     leaving_.clear();
-    for (std::size_t i = 0; i < bytes.size() && per_byte > Milliseconds{0}; ++i) {
-      leaving_.emplace_back(pump_.Now() + per_byte * (i + 1));
+    for (std::size_t i = 0; i < bytes.size(); ++i) {
+      const bool leaves = sent.size() + i < hold_after_output;
+      leaving_.push_back(leaves ? Milliseconds{pump_.Now() + per_byte * (i + 1)}
+                                : Milliseconds::max());
     }
+    sent += bytes;
     if (sent.size() >= lose_after_output) {
       LoseLine();
     }

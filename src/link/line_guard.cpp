@@ -1,0 +1,36 @@
+#include "link/line_guard.h"
+
+#include <utility>
+
+namespace vrx {
+
+LineGuard::Claim LineGuard::TakeForCommand() {
+  return Free() ? std::make_unique<Hold>(*this, &LineGuard::command_) : nullptr;
+}
+
+LineGuard::Claim LineGuard::TakeForDirectConnection() {
+  return Free() ? std::make_unique<Hold>(*this, &LineGuard::direct_) : nullptr;
+}
+
+LineGuard::Claim LineGuard::TakeForTransmission() {
+  return AtWork() ? nullptr : std::make_unique<Hold>(*this, &LineGuard::transmission_);
+}
+
+LineGuard::Watch LineGuard::OnChange(std::function<void()> changed) {
+  auto watcher = std::make_shared<Watcher>(std::move(changed));
+  watchers_.push_back(watcher);
+  return watcher;
+}
+
+void LineGuard::Set(bool LineGuard::*flag, bool value) {
+  this->*flag = value;
+  std::erase_if(watchers_, [](const auto& watcher) { return watcher.expired(); });
+  // A copy: a watcher may add another one.
+  for (const auto& watcher : std::vector(watchers_)) {
+    if (const auto call = watcher.lock()) {
+      (*call)();
+    }
+  }
+}
+
+}  // namespace vrx
