@@ -26,6 +26,15 @@ void CommandActions::Turn(std::string_view name, bool on) {
   }
 }
 
+void CommandActions::Turn(MainCommand command, bool on) {
+  for (Entry& entry : entries_) {
+    if (entry.command == command) {
+      entry.on = on;
+      Show(entry);
+    }
+  }
+}
+
 void CommandActions::Tick(MainCommand command, bool on) const {
   for (const Entry& entry : entries_) {
     if (entry.command == command) {

@@ -24,6 +24,8 @@ class CommandActions {
 
   // On to begin with. A name that was not added is of no consequence.
   void Turn(std::string_view name, bool on);
+  // The same for all of a command, wherever it stands.
+  void Turn(MainCommand command, bool on);
 
   // Shows a command that is a setting as set or not, wherever it stands.
   void Tick(MainCommand command, bool on) const;

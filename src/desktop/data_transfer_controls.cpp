@@ -70,7 +70,7 @@ bool Stands(const QListWidget& list, const std::vector<DataFileRow>& rows) {
 
 }  // namespace
 
-DataTransferControls::DataTransferControls(QWidget& page) {
+DataTransferControls::DataTransferControls(QWidget& page) : turned_off_(page) {
   auto* const column = new QVBoxLayout(&page);
   column->setContentsMargins(kGroupSpacing, kGroupSpacing, kGroupSpacing, kGroupSpacing);
   column->setSpacing(kGroupSpacing);
@@ -217,13 +217,30 @@ void DataTransferControls::Show(const DataTransfer& transfer) {
     download->setVisible(transfer.download_buttons_visible);
   }
   data_files_->setVisible(transfer.data_files_frame_visible);
-  cmd_reload->setEnabled(transfer.reload_enabled);
+  reload_enabled_ = transfer.reload_enabled;
+  TurnReload();
   ShowDataFiles(transfer);
   const QString path = ToQString(transfer.file_path);
   if (txt_file_path->text() != path) {
     txt_file_path->setText(path);
   }
   txt_data_window->SetBytes(transfer.data_window);
+}
+
+void DataTransferControls::TurnReload() {
+  turned_off_.Turn({cmd_reload}, reload_enabled_ && !command_runs_);
+}
+
+// In the direct connection the memory can be read, and the connection ended, at any time.
+void DataTransferControls::ShowLine(const LineGuard& line) {
+  command_runs_ = line.AtWork() && !line.Direct();
+  turned_off_.Turn({cmd_download_recipe_to_krm, cmd_upload_data_from_krm,
+                    opt_connection.at(static_cast<std::size_t>(Connection::kIndicator))},
+                   !command_runs_);
+  turned_off_.Turn(
+      {cmd_open_recipe_db, cmd_open_recipe_bu, cmd_download_recipe_db, cmd_download_recipe_bu},
+      !line.AtWork());
+  TurnReload();
 }
 
 void DataTransferControls::ShowDataFiles(const DataTransfer& transfer) {

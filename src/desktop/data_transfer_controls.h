@@ -11,7 +11,9 @@
 #include <vector>
 
 #include "desktop/data_window.h"
+#include "desktop/turned_off.h"
 #include "link/data_transfer.h"
+#include "link/line_guard.h"
 
 namespace vrx {
 
@@ -26,6 +28,9 @@ class DataTransferControls {
   // All but `optConnection`, which stands as the operator left it while a connection begins or
   // ends. Sends no click and no edit.
   void Show(const DataTransfer& transfer);
+
+  // Turns off what would start another command while one uses the line.
+  void ShowLine(const LineGuard& line);
 
   std::array<QRadioButton*, 2> opt_connection;  // by Connection
   QPushButton* cmd_download_recipe_to_krm;
@@ -50,6 +55,11 @@ class DataTransferControls {
   QLayout* LayOutPath(QWidget& page);
   void ShowDataFiles(const DataTransfer& transfer);
 
+  void TurnReload();
+
+  TurnedOff turned_off_;
+  bool command_runs_ = false;
+  bool reload_enabled_ = true;
   QLabel* lbl_file_path_;
   QGroupBox* frm_recipe_file_;
   QGroupBox* frm_recipe_backup_;

@@ -5,6 +5,8 @@
 
 #include "database/tell_failure.h"
 #include "desktop/qt_text.h"
+#include "frame/files.h"
+#include "link/rescue_file.h"
 
 namespace vrx {
 
@@ -28,6 +30,7 @@ DataTransferPage::DataTransferPage(const Ports& ports)
       controls_(*this) {
   setObjectName(QStringLiteral("pageDataTransfer"));
   Connect();
+  line_watch_ = ports_.krm.Guard().OnChange([this] { controls_.ShowLine(ports_.krm.Guard()); });
   Show();
 }
 
@@ -72,24 +75,42 @@ void DataTransferPage::Run(const std::function<void()>& flow) {
   Show();
 }
 
-// A click on the choice that stands is none.
+// A click on the choice that stands is none. A choice that is made while another one is carried out
+// counts for more.
 void DataTransferPage::Choose(Connection connection) {
   if (connection == chosen_) {
     return;
   }
   chosen_ = connection;
-  Run([this] {
-    if (chosen_ == Connection::kModule) {
+  connect_again_ = connection == Connection::kIndicator && ports_.krm.Guard().Direct();
+  if (connect_again_) {
+    return;
+  }
+  Run([this, connection] {
+    if (connection == Connection::kModule) {
       direct_.ConnectModule();
     } else {
       ConnectIndicator();
     }
   });
-  ShowConnection();
+  if (chosen_ == connection) {
+    ShowConnection();
+  }
+}
+
+void DataTransferPage::ConnectIndicator() {
+  const LineGuard::Claim line = ports_.krm.Guard().TakeForDirectConnection();
+  if (!line) {
+    return;
+  }
+  do {
+    connect_again_ = false;
+    ConnectOnce();
+  } while (connect_again_ && !ports_.pump.Closing());
 }
 
 // The operator may choose the module while the port is still being opened.
-void DataTransferPage::ConnectIndicator() {
+void DataTransferPage::ConnectOnce() {
   if (!direct_.Enter()) {
     return;
   }
@@ -116,8 +137,48 @@ void DataTransferPage::UploadData() {
   upload_.UploadDataFromKRM();
   if (from_module) {
     TellCause();
-  } else if (!transfer_.data_files.empty()) {
+    return;
+  }
+  if (!transfer_.block_is_cut && transfer_.received.Unsaved()) {
+    Rescue(transfer_.transfer_block);
+  }
+  if (!transfer_.data_files.empty()) {
     FocusControl("cmdSaveFile");
+  }
+}
+
+bool DataTransferPage::Rescue(std::string_view bytes) {
+  if (!RescueReceived(bytes, {ports_.data_folder()}, ports_.now(), op_)) {
+    return false;
+  }
+  transfer_.received.Rescued();
+  return true;
+}
+
+bool DataTransferPage::MayLeave() {
+  const auto yes = [this](std::string_view text) {
+    return ports_.op.ShowMessage({.icon = Icon::kQuestion,
+                                  .buttons = Buttons::kYesNo,
+                                  .title = "Exit",
+                                  .text = std::string(text)}) == Answer::kYes;
+  };
+  if (!transfer_.received.Unsaved() || ports_.pump.Closing()) {
+    return true;
+  }
+  return yes("What the indicator sent has not been saved.\r\n"
+             "Leave the program, and keep it in a rescue file?") &&
+         (Rescue(ports_.krm.GS_KRM_VirtualMemory()) || yes("Leave the program without it?"));
+}
+
+void DataTransferPage::KeepReceived() {
+  if (!transfer_.received.Unsaved()) {
+    return;
+  }
+  try {
+    WriteRescueFile(ports_.krm.GS_KRM_VirtualMemory(), {ports_.data_folder()}, ports_.now());
+    transfer_.received.Rescued();
+  } catch (const FileError&) {
+    // The program ends, and nobody is there to be told.
   }
 }
 

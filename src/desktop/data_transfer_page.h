@@ -1,8 +1,10 @@
 #pragma once
 
+#include <filesystem>
 #include <functional>
 #include <string_view>
 
+#include "adapters/local_machine.h"
 #include "database/identity.h"
 #include "desktop/data_transfer_controls.h"
 #include "desktop/main_tab_page.h"
@@ -50,12 +52,22 @@ class DataTransferPage final : public MainTabPage, private RecipeDownloadHost {
     TransferDatabases& databases;
     TransferStatusPanel& status;
     TextPrinter& printer;
+    // Where received data is kept that cannot be saved as files.
+    std::function<std::filesystem::path()> data_folder = [] { return std::filesystem::path(); };
+    std::function<LocalTime()> now = LocalNow;
   };
 
   explicit DataTransferPage(const Ports& ports);
 
   // Somebody else has had the serial port: a direct connection that stands takes it up again.
   void ResumeDirectConnection();
+
+  // Asks, where data of the indicator is not saved yet, whether the program may be left. On Yes the
+  // data goes into a rescue file first.
+  bool MayLeave();
+
+  // Puts such data into a rescue file without a word, for an end of the program that asks nothing.
+  void KeepReceived();
 
   // MainTabPage.
   void Prepare() override;
@@ -68,13 +80,16 @@ class DataTransferPage final : public MainTabPage, private RecipeDownloadHost {
   void RecipesStored(int highest) override { ports_.databases.RecipesStored(highest); }
   void FocusControl(std::string_view name) override;
   void TransferChanged() override { Show(); }
+  void OpenRescueFile(const std::filesystem::path& path) override { upload_.UploadFromFile(path); }
 
   void Connect();
   void Run(const std::function<void()>& flow);
   void Choose(Connection connection);
   void ConnectIndicator();
   void ShowConnection();
+  void ConnectOnce();
   void UploadData();
+  bool Rescue(std::string_view bytes);
   void Download(bool (RecipeDownloadSession::*step)());
   void TellCause();
   void Reload();
@@ -94,6 +109,8 @@ class DataTransferPage final : public MainTabPage, private RecipeDownloadHost {
   RecipeDownloadSession session_;
   DataTransferControls controls_;
   Connection chosen_ = Connection::kModule;  // what `optConnection` stands on
+  bool connect_again_ = false;               // the indicator was chosen while its connection ended
+  LineGuard::Watch line_watch_;
   bool memory_shown_ = false;
   std::string memory_size_shown_;
 };

@@ -48,6 +48,7 @@ class MainWindow : public QMainWindow,
 
   // A command without a handler is off.
   void SetHandler(MainCommand command, CommandActions::Handler handler);
+  void Turn(MainCommand command, bool on) { actions_.Turn(command, on); }
 
   // Tells what there is to print; nothing until it is set.
   void SetPrintSources(std::function<PrintSources()> sources) { sources_ = std::move(sources); }

@@ -133,8 +133,17 @@ void TransferStatusPanel::SetMemorySize(int bytes) {
   memory_bar_->setValue(bytes);
 }
 
+// The second click of a double click meets what the first one has shown in the same place: both
+// count as one click.
 bool TransferStatusPanel::eventFilter(QObject* watched, QEvent* event) {
-  if (event->type() == QEvent::MouseButtonRelease || event->type() == QEvent::MouseButtonDblClick) {
+  if (event->type() == QEvent::MouseButtonDblClick) {
+    second_click_ = true;
+    return true;
+  }
+  if (event->type() == QEvent::MouseButtonRelease) {
+    if (std::exchange(second_click_, false)) {
+      return true;
+    }
     const bool on_label = watched == memory_size_;
     memory_size_->setVisible(!on_label);
     memory_bar_->setVisible(on_label);

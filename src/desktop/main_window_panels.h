@@ -73,6 +73,7 @@ class TransferStatusPanel : public QFrame {
   QLabel* memory_;
   QLabel* memory_size_;
   QProgressBar* memory_bar_;
+  bool second_click_ = false;  // of a double click on the two
   StatusColor color_ = StatusColor::kBlue;
 };
 

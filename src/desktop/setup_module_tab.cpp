@@ -22,7 +22,8 @@ SetupModuleTab::SetupModuleTab(const Ports& ports, QWidget* parent)
       module_(ports.krm, ports.settings, ports.op, [this](bool shown) { ShowStandby(shown); }),
       ports_(new SetupPortList(ports.data_folder, ports.op)),
       lst_baud_rate_(new ChoiceList),
-      lbl_standby_(AddLabel(*this, "lblStandby", kStandbyCaption)) {
+      lbl_standby_(AddLabel(*this, "lblStandby", kStandbyCaption)),
+      turned_off_(*this) {
   QSizePolicy keeps_place = lbl_standby_->sizePolicy();
   keeps_place.setRetainSizeWhenHidden(true);
   lbl_standby_->setSizePolicy(keeps_place);
@@ -37,6 +38,13 @@ SetupModuleTab::SetupModuleTab(const Ports& ports, QWidget* parent)
   column->setSpacing(kSpacing);
   column->addLayout(frames, 1);
   column->addWidget(lbl_standby_);
+  line_watch_ = module_.Guard().OnChange([this] { ShowLine(); });
+  ShowLine();
+}
+
+// One command at a time.
+void SetupModuleTab::ShowLine() {
+  turned_off_.Turn({commands_[0], commands_[1], commands_[2]}, module_.Guard().Free());
 }
 
 void SetupModuleTab::AddCommSetup(QBoxLayout& frames) {
@@ -63,30 +71,26 @@ void SetupModuleTab::AddCommSetup(QBoxLayout& frames) {
 
 void SetupModuleTab::AddCommands(QBoxLayout& frames) {
   const auto [frame, column] = AddSection(frames, "frmCommands", QStringLiteral("Module"));
-  column->addWidget(AddCommand(*frame, "cmdTestKRM", QStringLiteral("&Test KRM"),
-                               QStringLiteral("See whether the module answers"),
-                               &SetupModuleTab::TestKRM));
-  column->addWidget(AddCommand(*frame, "cmdClearKRM", QStringLiteral("&Clear KRM"),
-                               QStringLiteral("Empty the memory of the module"),
-                               &SetupModuleTab::ClearKRM));
-  column->addWidget(AddCommand(*frame, "cmdSetBaud", QStringLiteral("&Set Baud"),
-                               QStringLiteral("Tell the module the chosen baud rate"),
-                               &SetupModuleTab::SetBaud));
+  commands_ = {
+      AddCommand(*frame, "cmdTestKRM", QStringLiteral("&Test KRM"),
+                 QStringLiteral("See whether the module answers"), &SetupModuleTab::TestKRM),
+      AddCommand(*frame, "cmdClearKRM", QStringLiteral("&Clear KRM"),
+                 QStringLiteral("Empty the memory of the module"), &SetupModuleTab::ClearKRM),
+      AddCommand(*frame, "cmdSetBaud", QStringLiteral("&Set Baud"),
+                 QStringLiteral("Tell the module the chosen baud rate"), &SetupModuleTab::SetBaud)};
+  for (QPushButton* const command : commands_) {
+    column->addWidget(command);
+  }
   column->addStretch();
 }
 
-// One command at a time: a click while another runs is none.
 QPushButton* SetupModuleTab::AddCommand(QWidget& frame, const char* name, const QString& caption,
                                         const QString& meaning, void (SetupModuleTab::*work)()) {
   auto* const button = new QPushButton(caption, &frame);
   button->setObjectName(QString::fromLatin1(name));
   button->setToolTip(meaning);
   button->setAutoDefault(false);
-  connect(button, &QPushButton::clicked, this, [this, work] {
-    if (!module_.Running()) {
-      (this->*work)();
-    }
-  });
+  connect(button, &QPushButton::clicked, this, work);
   return button;
 }
 

@@ -5,9 +5,11 @@
 #include <QLabel>
 #include <QPushButton>
 #include <QWidget>
+#include <array>
 #include <filesystem>
 
 #include "desktop/setup_port_list.h"
+#include "desktop/turned_off.h"
 #include "setup/module_setup.h"
 #include "setup/setup_controls.h"
 
@@ -41,6 +43,7 @@ class SetupModuleTab : public QWidget {
  private:
   void AddCommSetup(QBoxLayout& frames);
   void AddCommands(QBoxLayout& frames);
+  void ShowLine();
   QPushButton* AddCommand(QWidget& frame, const char* name, const QString& caption,
                           const QString& meaning, void (SetupModuleTab::*work)());
   void TestKRM();
@@ -52,6 +55,9 @@ class SetupModuleTab : public QWidget {
   SetupPortList* ports_;
   QComboBox* lst_baud_rate_;
   QLabel* lbl_standby_;
+  TurnedOff turned_off_;
+  std::array<QPushButton*, 3> commands_{};
+  LineGuard::Watch line_watch_;
 };
 
 }  // namespace vrx

@@ -23,7 +23,10 @@ TransferTabs::TransferTabs(const Ports& ports)
                                            .krm = krm_,
                                            .databases = *this,
                                            .status = ports.window.Panels().PicTransferStatus(),
-                                           .printer = printer_})),
+                                           .printer = printer_,
+                                           .data_folder = [this]() -> std::filesystem::path {
+                                             return ports_.app_folder.DefaultAppPath();
+                                           }})),
       import_(new ImportPage({.op = ports.op,
                               .files = ports.files,
                               .system = ports.system,
@@ -36,6 +39,16 @@ TransferTabs::TransferTabs(const Ports& ports)
   import_->SetTabOrder();
   ports_.window.SetHandler(MainCommand::kImportTransactionFile, [this] { import_->ImportXFile(); });
   ports_.window.SetHandler(MainCommand::kSetup, [this] { Setup(); });
+  line_watch_ = krm_.Guard().OnChange([this] { ShowLine(); });
+}
+
+// The form `SETUP` would close the port under what is sent or received.
+void TransferTabs::ShowLine() {
+  const bool at_work = krm_.Guard().AtWork();
+  const bool command_runs = at_work && !krm_.Guard().Direct();
+  ports_.window.Turn(MainCommand::kSetup, !at_work);
+  ports_.window.Turn(MainCommand::kTransferUpload, !command_runs);
+  ports_.window.Turn(MainCommand::kTransferDownload, !command_runs);
 }
 
 // By what the views stand on: the path of a side may name a file that was not opened.

@@ -45,6 +45,9 @@ class TransferTabs : private TransferDatabases, private ImportWindow {
   // For the end of the program.
   void CloseSerialPort() { krm_.KRM_ImmediateClose(); }
   void UnloadSetup();
+  // As in DataTransferPage.
+  bool MayLeave() { return data_transfer_->MayLeave(); }
+  void KeepReceived() { data_transfer_->KeepReceived(); }
 
  private:
   // TransferDatabases.
@@ -58,6 +61,8 @@ class TransferTabs : private TransferDatabases, private ImportWindow {
   void SelectTab(int tab) override { ports_.window.Tabs().SelectTab(tab); }
   void SaveTransactionDatabase() override { ports_.databases.SaveTransactionDatabase(); }
 
+  void ShowLine();
+
   // `mnuToolsSetup`.
   void Setup();
   SetupFacts Facts() const;
@@ -68,6 +73,7 @@ class TransferTabs : private TransferDatabases, private ImportWindow {
   DataTransferPage* data_transfer_;
   ImportPage* import_;
   SetupForm* setup_ = nullptr;  // while it is on show
+  LineGuard::Watch line_watch_;
 };
 
 }  // namespace vrx

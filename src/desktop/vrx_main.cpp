@@ -130,7 +130,11 @@ void VrxMain::Connect() {
   connect(&window_, &MainWindow::Painted, this, &VrxMain::Paint);
   // Not from within the event: what is opened lets events run.
   connect(&window_, &MainWindow::Activated, this, &VrxMain::Activate, Qt::QueuedConnection);
-  connect(&window_, &MainWindow::CloseRequested, this, [this] { ports_.exit.CloseBox(); });
+  connect(&window_, &MainWindow::CloseRequested, this, [this] {
+    if (transfer_.MayLeave()) {
+      ports_.exit.CloseBox();
+    }
+  });
   connect(&window_, &MainWindow::StripFocused, this, [this] { databases_.AskAboutUnits(); });
   window_.SetPrintSources([this] {
     return PrintSources{.recipe_database = databases_.IsOpen(DatabaseKind::kRecipe),
@@ -151,7 +155,11 @@ void VrxMain::SetHandlers() {
   }
   window_.SetHandler(kAutoAbbreviate, [this] { ToggleAutoAbbreviate(); });
   window_.SetHandler(kCalendar, [this] { window_.ToggleCalendar(); });
-  window_.SetHandler(kExit, [this] { ports_.exit.FileExit(); });
+  window_.SetHandler(kExit, [this] {
+    if (transfer_.MayLeave()) {
+      ports_.exit.FileExit();
+    }
+  });
 }
 
 void VrxMain::Load() {
@@ -231,6 +239,11 @@ RecentFile VrxMain::Recent(DatabaseKind kind) const {
   const CurrentDatabase& current =
       kind == DatabaseKind::kRecipe ? databases_.Recipe() : databases_.Transaction();
   return {.path = current.path.string(), .name = current.name};
+}
+
+void VrxMain::Unload() {
+  transfer_.KeepReceived();
+  window_.hide();
 }
 
 void VrxMain::UnloadOpenForms() {

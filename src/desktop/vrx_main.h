@@ -66,7 +66,7 @@ class VrxMain : public QObject, public MainForm {
   void ReleaseDataControls() override { databases_.Release(); }
   void ClearIngredientDropDown() override {}
   void UnloadOpenForms() override;
-  void Unload() override { window_.hide(); }
+  void Unload() override;
 
  private:
   void Connect();

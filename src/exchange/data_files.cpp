@@ -161,7 +161,12 @@ void ReportFile::MarkSaved(int file, DataFileType type) {
     return;
   }
   *row = {.file = file,
-          .text = std::string(DataFileTypeName(type)) + " - " + std::to_string(file) + " (saved)"};
+          .text = std::string(DataFileTypeName(type)) + " - " + std::to_string(file) + " (saved)",
+          .saved = true};
+  if (transfer_.block_is_cut &&
+      std::all_of(rows.begin(), rows.end(), [](const DataFileRow& entry) { return entry.saved; })) {
+    transfer_.received.BlockSaved();
+  }
   transfer_.selected_row = static_cast<int>(row - rows.begin());
 }
 
@@ -184,7 +189,8 @@ void ReportFile::OpenRecipeBackupFile() {
   KeptFile& backup = Kept(DataFileType::kRecipeBackup);
   backup = {};
   const FileChoice choice = chooser_.ShowOpen({.title = "Open Recipe Backup File",
-                                               .filter = "Recipe Backup (*.RBU)|*.RBU",
+                                               .filter = "Recipe Backup (*.RBU)|*.RBU|"
+                                                         "Rescue File (*.KRM)|*.KRM",
                                                .default_extension = "RBU",
                                                .flags = kFileMustExist | kHideReadOnly});
   if (!choice.Cancelled()) {

@@ -46,8 +46,9 @@ class ReportFile {
   // What `cmdSaveFile` does: saves the file of the first checked row.
   void SaveCheckedFile();
 
-  // Forgets the backup of before; a cancel leaves none.
+  // Forgets the backup of before; a cancel leaves none. A rescue file can be chosen too.
   void OpenRecipeBackupFile();
+  void ForgetRecipeBackupFile() { Kept(DataFileType::kRecipeBackup) = {}; }
 
   const KeptFile& TransactionFile() const { return Kept(DataFileType::kTransaction); }
   const KeptFile& RecipeBackupFile() const { return Kept(DataFileType::kRecipeBackup); }

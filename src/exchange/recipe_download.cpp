@@ -9,6 +9,7 @@
 #include "frame/private_ini.h"
 #include "frame/text.h"
 #include "link/recipe_backup.h"
+#include "link/rescue_file.h"
 #include "link/transfer_status.h"
 
 namespace vrx {
@@ -37,16 +38,21 @@ bool RecipeDownloadSession::OpenRecipeDB() {
   if (ports_.transfer.connection == Connection::kIndicator) {
     return DownloadRecipeDB();
   }
-  ports_.op.SetStatusLine("Recipe database-file opened, ready to download.");
+  TellNeutral(ports_.op, "Recipe database-file opened, ready to download.");
   return true;
 }
 
 bool RecipeDownloadSession::DownloadRecipeDB() {
+  LineGuard::Claim line = TakeLine();
+  if (!line) {
+    return false;
+  }
   const CurrentDatabase database = ports_.host.RecipeDatabase();
   ports_.op.SetStatusLine("");
   ports_.transfer.file_path = database.path.string();
   ports_.host.TransferChanged();
   if (database.path.empty()) {
+    line.reset();  // the button that gets the focus must be on
     Refuse(kDatabaseFileError,
            "You must first 'Open' the Recipe database file that you want to be downloaded.",
            "cmdOpenRecipeDB");
@@ -71,6 +77,11 @@ bool RecipeDownloadSession::DownloadRecipeDB() {
 bool RecipeDownloadSession::OpenRecipeBU() {
   ports_.files.OpenRecipeBackupFile();
   const std::string path = ports_.files.RecipeBackupFile().path;
+  if (IsRescueFile(path)) {
+    ports_.files.ForgetRecipeBackupFile();
+    ports_.host.OpenRescueFile(path);
+    return false;
+  }
   ports_.transfer.file_path = path;
   if (path.empty() || !LoadBackup(path)) {
     ports_.host.TransferChanged();
@@ -79,16 +90,21 @@ bool RecipeDownloadSession::OpenRecipeBU() {
   if (ports_.transfer.connection == Connection::kIndicator) {
     return DownloadRecipeBU();
   }
-  ports_.op.SetStatusLine("Recipe backup-file opened, ready to download.");
+  TellNeutral(ports_.op, "Recipe backup-file opened, ready to download.");
   return true;
 }
 
 bool RecipeDownloadSession::DownloadRecipeBU() {
+  LineGuard::Claim line = TakeLine();
+  if (!line) {
+    return false;
+  }
   const KeptFile backup = ports_.files.RecipeBackupFile();
   ports_.op.SetStatusLine("");
   ports_.transfer.file_path = backup.path;
   ports_.host.TransferChanged();
   if (backup.path.empty()) {
+    line.reset();
     Refuse(kBackupFileError,
            "You must first 'Open' the Recipe backup-file that you want to be downloaded.",
            "cmdOpenRecipeBU");
@@ -171,14 +187,19 @@ bool RecipeDownloadSession::LoadBackup(const std::string& path) {
   }
 }
 
+LineGuard::Claim RecipeDownloadSession::TakeLine() {
+  return ports_.transfer.connection == Connection::kModule
+             ? ports_.download.Guard().TakeForCommand()
+             : ports_.direct.Guard().TakeForTransmission();
+}
+
 bool RecipeDownloadSession::Send() {
   if (ports_.transfer.connection == Connection::kModule) {
     return ports_.download.DownloadToModule(ports_.transfer.data_window);
   }
   // A handler inside the waits may change the window.
   const std::string text = ports_.transfer.data_window;
-  ports_.direct.LoadMemory(text);
-  return true;
+  return ports_.direct.LoadMemory(text);
 }
 
 }  // namespace vrx

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <filesystem>
 #include <string>
 #include <string_view>
 
@@ -35,6 +36,9 @@ class RecipeDownloadHost {
 
   // What the tab holds has changed: time to show it.
   virtual void TransferChanged() = 0;
+
+  // A file of rescued data was chosen to be opened. Without a list of data files it is ignored.
+  virtual void OpenRescueFile(const std::filesystem::path& /*path*/) {}
 };
 
 // The download side of the Data Transfer tab: from a recipe database or a backup to the module, or
@@ -55,7 +59,8 @@ class RecipeDownloadSession {
 
   explicit RecipeDownloadSession(const Ports& ports) : ports_(ports) {}
 
-  // The clicks of the buttons of those names. What goes wrong is told to the operator.
+  // The clicks of the buttons of those names. What goes wrong is told to the operator. While the
+  // line is in use, the buttons that would use it do nothing.
   void DownloadRecipeToKRM();
 
   // True when the text has left the port, or stands in memory.
@@ -73,6 +78,7 @@ class RecipeDownloadSession {
   void AppendToWindow(std::string_view line);
   bool BuildFromDatabase(const CurrentDatabase& database);
   bool LoadBackup(const std::string& path);
+  LineGuard::Claim TakeLine();
   bool Send();
 
   Ports ports_;

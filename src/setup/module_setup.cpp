@@ -47,6 +47,10 @@ void ModuleSetup::Tell(Icon icon, std::string_view title, std::string_view text,
 }
 
 void ModuleSetup::TestKRM(std::string_view port, std::string_view baud) {
+  const LineGuard::Claim line = krm_.Guard().TakeForCommand();
+  if (!line) {
+    return;
+  }
   bool detected = false;
   {
     const Work work(*this);
@@ -65,6 +69,10 @@ void ModuleSetup::TestKRM(std::string_view port, std::string_view baud) {
 }
 
 void ModuleSetup::ClearKRM(std::string_view port, std::string_view baud) {
+  const LineGuard::Claim line = krm_.Guard().TakeForCommand();
+  if (!line) {
+    return;
+  }
   settings_.SetSerialPort(port);
   settings_.SetKRMBaudRate(baud);
   if (op_.ShowMessage({.icon = Icon::kQuestion,
@@ -88,6 +96,10 @@ void ModuleSetup::ClearKRM(std::string_view port, std::string_view baud) {
 }
 
 void ModuleSetup::SetBaud(std::string_view baud) {
+  const LineGuard::Claim line = krm_.Guard().TakeForCommand();
+  if (!line) {
+    return;
+  }
   settings_.SetKRMBaudRate(baud);
   if (baud.empty()) {
     Tell(Icon::kNone, kBaudTitle, "Please select a baudrate setting.");

@@ -11,8 +11,8 @@
 namespace vrx {
 
 // The module's commands of `SETUP`. Each takes the port and the baud rate as they are chosen into
-// the settings, runs with events handled meanwhile, and tells how it went. References must outlive
-// the object.
+// the settings, runs with events handled meanwhile, and tells how it went. While the line is in use
+// it does nothing. References must outlive the object.
 class ModuleSetup {
  public:
   // `standby` shows `lblStandby`, or hides it.
@@ -27,7 +27,8 @@ class ModuleSetup {
   void ChooseBaud(std::string_view baud) { settings_.SetKRMBaudRate(baud); }
   void ResetLink() { krm_.KRM_Close(); }
 
-  bool Running() const { return running_; }
+  // Who uses the line.
+  LineGuard& Guard() { return krm_.Guard(); }
 
   // The form is closed: what runs ends within a second and tells nothing; a clear that has not
   // begun does not.

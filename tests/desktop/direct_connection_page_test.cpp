@@ -80,6 +80,25 @@ TEST_F(DirectConnectionPageTest, AClickOnTheCountShowsTheBarAndBack) {
   ConnectFor(Ms{2000});
 }
 
+// The second press of a double click goes to what the first click has shown.
+TEST_F(DirectConnectionPageTest, ADoubleClickOnTheCountShowsTheBar) {
+  ShowTab();
+  After(Ms{1000}, [this] {
+    auto& label = Find<QLabel>(u"lblMemorySize"_qs);
+    auto& bar = Find<QProgressBar>(u"prgMemorySize"_qs);
+    QTest::mouseClick(&label, Qt::LeftButton);
+    QMouseEvent second(QEvent::MouseButtonDblClick, QPointF(2, 2), bar.mapToGlobal(QPointF(2, 2)),
+                       Qt::LeftButton, Qt::LeftButton, Qt::NoModifier);
+    QApplication::sendEvent(&bar, &second);
+    QTest::mouseRelease(&bar, Qt::LeftButton);
+    EXPECT_TRUE(bar.isVisible());
+    EXPECT_FALSE(label.isVisible());
+    QTest::mouseClick(&bar, Qt::LeftButton);
+    EXPECT_TRUE(label.isVisible());
+  });
+  ConnectFor(Ms{2000});
+}
+
 TEST_F(DirectConnectionPageTest, AnswersTheIndicatorWhileAnotherTabIsUsed) {
   ShowTab();
   ArrivesAfter(Ms{100}, "abc");
@@ -236,20 +255,15 @@ TEST_F(DirectConnectionPageTest, TheIndicatorChosenWhileTheModuleIsComesBack) {
   EXPECT_FALSE(serial_.PortOpen());
 }
 
-TEST_F(DirectConnectionPageTest, ChosenDuringAnUploadItEndsThatOne) {
+TEST_F(DirectConnectionPageTest, CannotBeChosenDuringAnUpload) {
   ShowTab();
-  serial_.WillAnswer("\x19\x1f");
-  pump_.After(Ms{4000}, [this] {
-    ArrivesAfter(Ms{100}, "abc");
-    ConnectFor(Ms{3000});
-  });
+  ModuleHolds("{BAT/FED},L\r\n");
+  ClickAfter(Ms{2000}, u"optConnection(1)"_qs);
   Click(u"cmdUploadDataFromKRM"_qs);
   EXPECT_FALSE(Direct());
-  EXPECT_FALSE(operator_.busy);
-  EXPECT_EQ(operator_.status_color, StatusColor::kRed);
-  ModuleHolds("{BAT/FED},L\r\n");
-  Click(u"cmdUploadDataFromKRM"_qs);
+  EXPECT_FALSE(Visible(u"lblMemory"_qs));
   EXPECT_EQ(operator_.status_color, StatusColor::kGreen);
+  EXPECT_TRUE(Enabled(u"optConnection(1)"_qs));
 }
 
 TEST_F(DirectConnectionPageTest, AnotherClickOnTheChosenConnectionIsNone) {

@@ -125,6 +125,7 @@ TEST_F(DirectOnLine, UnknownTextInMemoryIsShownInRed) {
                           EXPECT_TRUE(WasTold({"No recognized data file!", kToldRed}));
                           EXPECT_EQ(Status().text, "No data files in memory!");
                           EXPECT_EQ(Data(), "xyz");
+                          EXPECT_EQ(Box().title, "Rescue File");
                           EXPECT_FALSE(Visible(u"frmDataFiles"_qs));
                           ConnectModule();
                         });

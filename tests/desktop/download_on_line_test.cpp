@@ -114,7 +114,8 @@ TEST_F(DownloadOnLine, ABackupThatWasUploadedAndSavedGoesBack) {
   chooser_.Choose(folder_ / "A.RBU");
   Click(u"cmdOpenRecipeBU"_qs);
   EXPECT_EQ(chooser_.dialogs.back().title, "Open Recipe Backup File");
-  EXPECT_EQ(chooser_.dialogs.back().filter, "Recipe Backup (*.RBU)|*.RBU");
+  EXPECT_EQ(chooser_.dialogs.back().filter,
+            "Recipe Backup (*.RBU)|*.RBU|Rescue File (*.KRM)|*.KRM");
   EXPECT_EQ(chooser_.dialogs.back().default_extension, "RBU");
   Download(u"cmdDownloadRecipeBU"_qs, QMessageBox::Yes);
   EXPECT_EQ(Status().color, kToldGreen) << Status().text;

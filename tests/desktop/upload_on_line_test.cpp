@@ -244,20 +244,35 @@ TEST_F(UploadOnLine, TheWindowAnswersClicks) {
   EXPECT_EQ(Status().color, kToldGreen);
 }
 
-// The click runs inside the upload's wait: the line is the direct connection's from then on.
-TEST_F(UploadOnLine, AChangeOfConnectionEndsItCleanlyInEachWait) {
+// The clicks run inside the upload's waits.
+TEST_F(UploadOnLine, NeitherAnotherClickNorAChangeOfConnectionDisturbsIt) {
+  const auto module = Module(kTransactions);
   for (const Ms when : {Ms{300}, Ms{1500}, Ms{2200}}) {
-    const auto module = FaultyModule(kTransactions, "silent");
     Later(when, [this] {
-      Later(Ms{1500}, [this] { ConnectModule(); });
+      Upload();
       ConnectDirectly();
     });
-    Upload();
-    EXPECT_FALSE(Direct());
-    EXPECT_FALSE(Busy());
-    EXPECT_FALSE(Visible(u"lblMemory"_qs));
   }
-  TheNextUploadWorks();
+  Upload();
+  EXPECT_EQ(Status(), (ToldStatus{"Upload complete!  (29 bytes, 1 file)", kToldGreen}));
+  EXPECT_THAT(Rows(), ElementsAre("Transaction File - 1"));
+  EXPECT_THAT(boxes_.boxes, IsEmpty());
+  EXPECT_FALSE(Direct());
+  EXPECT_FALSE(Busy());
+}
+
+TEST_F(UploadOnLine, BytesAfterTheDumpAreIgnoredUnlessThereAreMany) {
+  {
+    const auto module = FaultyModule(kTransactions, "strays=16");
+    Upload();
+    EXPECT_EQ(Status(), (ToldStatus{"Upload complete!  (29 bytes, 1 file)", kToldGreen}));
+    Save(0, folder_ / "A.QXT");
+    EXPECT_EQ(ReadAll(folder_ / "A.QXT"), kTransactions);
+  }
+  const auto module = FaultyModule(kTransactions, "strays=17");
+  Upload();
+  EXPECT_EQ(Status(), (ToldStatus{"Invalid terminators", kToldRed}));
+  EXPECT_THAT(Rows(), IsEmpty());
 }
 
 // What an operator does with a module that came from the yard.

@@ -312,7 +312,7 @@ TEST_F(DataFiles, OpensARecipeBackup) {
   EXPECT_EQ(files_.RecipeBackupFile().title, "MAY.RBU");
   ASSERT_EQ(chooser_.dialogs.size(), 1U);
   EXPECT_EQ(chooser_.dialogs[0].title, "Open Recipe Backup File");
-  EXPECT_EQ(chooser_.dialogs[0].filter, "Recipe Backup (*.RBU)|*.RBU");
+  EXPECT_EQ(chooser_.dialogs[0].filter, "Recipe Backup (*.RBU)|*.RBU|Rescue File (*.KRM)|*.KRM");
   EXPECT_EQ(chooser_.dialogs[0].default_extension, "RBU");
   EXPECT_EQ(chooser_.dialogs[0].flags, kFileMustExist | kHideReadOnly);
 }
