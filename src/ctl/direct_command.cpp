@@ -57,7 +57,10 @@ class DirectCommand : public Command {
         ->add_option("--load", load_,
                      "Recipe database or recipe backup that stands in memory at the start")
         ->type_name("RDB|FILE.RBU");
-    command->add_option("--out", out_, "Folder for the files that stand in memory at the end")
+    command
+        ->add_option("--out", out_,
+                     "Folder for the files that stand in memory at the end; what cannot be written "
+                     "there goes into a rescue file (.KRM)")
         ->type_name("DIR");
     AddWholeNumber(*command, "--seconds", "Time after which it ends by itself", 1, kMostSeconds,
                    seconds_);
@@ -88,7 +91,7 @@ class DirectCommand : public Command {
     const bool went_well = Connect(session, *line, krm, transfer, settings, *recipes);
     krm.KRM_ImmediateClose();
     session.Progress().Clear();
-    const bool written = out_.empty() || CutMemory(session, *line, krm, transfer, settings);
+    const bool written = KeepMemory(session, *line, krm, transfer, settings);
     return went_well && written ? kDone : kFailed;
   }
 
@@ -106,17 +109,28 @@ class DirectCommand : public Command {
     if (!recipes.empty()) {
       connection.LoadMemory(recipes);
     }
-    return connection.DirectConnectLoop();
+    return connection.DirectConnectLoop() && !connection.AnswerFailed();
   }
 
-  // An indicator that sent nothing is no failure; bytes that are no files are.
+  // What the indicator sent is not lost even where no folder was given for it.
+  bool KeepMemory(Session& session, SerialLine& line, KRMCOMM& krm, DataTransfer& transfer,
+                  const PrivateINI& settings) const {
+    if (!out_.empty()) {
+      return CutMemory(session, line, krm, transfer, settings);
+    }
+    if (transfer.received.Unsaved()) {
+      KeepReceived(session, krm.GS_KRM_VirtualMemory(), {});
+    }
+    return true;
+  }
+
   bool CutMemory(Session& session, SerialLine& line, KRMCOMM& krm, DataTransfer& transfer,
                  const PrivateINI& settings) const {
     transfer.connection = Connection::kIndicator;
     Upload upload(krm, transfer, line.Pump(), session.Op(), settings);
     upload.UploadDataFromKRM();
-    const bool cut = !session.Op().StatusIsError();
-    return WriteDataFiles(session, krm, transfer, settings, out_) && cut;
+    const bool brought = !transfer.transfer_block.empty();
+    return brought && WriteReceivedFiles(session, krm, transfer, settings, out_);
   }
 
   PortOption port_;

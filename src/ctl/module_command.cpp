@@ -94,10 +94,7 @@ class ModuleCommand : public Command {
     AddExamples(*download_,
                 {{"module download SITE.RDB --port 2", "Sends a recipe database."},
                  {"module download 02.RBU --port 2 --yes", "Sends a backup, without a question."}});
-    upload_ = Action(*command, "upload", "Write the files of the module's memory");
-    upload_->add_option("--out", out_, "Folder for the files")->required()->type_name("DIR");
-    AddExamples(*upload_, {{"module upload --out today --port 2",
-                            "Writes 01.QXT and so on into the folder today."}});
+    AddUpload(*command);
     AddExamples(*command, {{"module test --port 2", "Asks the module on serial port 2."},
                            {"module upload --out today --port /dev/ttyUSB0",
                             "Writes what the module holds as files of the folder today."}});
@@ -121,6 +118,27 @@ class ModuleCommand : public Command {
     return action;
   }
 
+  void AddUpload(CLI::App& module) {
+    upload_ = module.add_subcommand("upload", "Write the files of the module's memory");
+    CLI::Option* const port = port_.AddTo(*upload_);
+    CLI::Option* const from =
+        upload_
+            ->add_option("--from", from_,
+                         "Rescue file to be read in place of a module, as if just received")
+            ->type_name("FILE.KRM");
+    port->required(false)->excludes(from);
+    upload_->add_option("--out", out_, "Folder for the files")->required()->type_name("DIR");
+    upload_->callback([port, from] {
+      if (port->count() + from->count() == 0) {
+        throw CLI::RequiredError("--port or --from");
+      }
+    });
+    AddExamples(*upload_, {{"module upload --out today --port 2",
+                            "Writes 01.QXT and so on into the folder today."},
+                           {"module upload --out today --from RESCUE-20260105-173000.KRM",
+                            "Does the same with what an indicator sent and a rescue file kept."}});
+  }
+
   int RunAction(Session& session, KRMCOMM& krm, EventPump& pump, const PrivateINI& settings) {
     if (test_->parsed()) {
       return TestModule(session, krm);
@@ -134,7 +152,8 @@ class ModuleCommand : public Command {
     if (download_->parsed()) {
       return DownloadModule(session, krm, pump, settings, file_);
     }
-    return UploadModule(session, krm, pump, settings, out_);
+    return from_.empty() ? UploadModule(session, krm, pump, settings, out_)
+                         : UploadRescued(session, krm, pump, settings, from_, out_);
   }
 
   CLI::App* test_ = nullptr;
@@ -146,6 +165,7 @@ class ModuleCommand : public Command {
   std::string rate_;
   std::string file_;
   std::string out_;
+  std::string from_;
 };
 
 }  // namespace

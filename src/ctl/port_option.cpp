@@ -27,8 +27,8 @@ std::string ValidPort(const std::string& port) {
 
 }  // namespace
 
-void PortOption::AddTo(CLI::App& command) {
-  command.add_option("--port", port_, "Port number or device path")
+CLI::Option* PortOption::AddTo(CLI::App& command) {
+  return command.add_option("--port", port_, "Port number or device path")
       ->required()
       ->type_name("DEV")
       ->check(ValidPort);

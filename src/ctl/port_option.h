@@ -8,6 +8,7 @@
 
 namespace CLI {  // NOLINT(readability-identifier-naming): the library names it so
 class App;
+class Option;
 }  // namespace CLI
 
 namespace vrx {
@@ -18,7 +19,7 @@ class Session;
 class PortOption {
  public:
   // May be called for several commands, of which one is chosen. The option keeps a reference.
-  void AddTo(CLI::App& command);
+  CLI::Option* AddTo(CLI::App& command);
 
   std::unique_ptr<SerialLine> MakeLine(Session& session) const;
 

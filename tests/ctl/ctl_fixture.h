@@ -38,8 +38,11 @@ class CtlTest : public ::testing::Test {
   // Without --data-dir.
   int RunBare(const std::vector<std::string>& args) {
     std::istringstream in(typed);
-    std::ostringstream out_stream;
-    std::ostringstream err_stream;
+    screen_text.clear();
+    CopyingBuffer out_buffer(screen_text);
+    CopyingBuffer err_buffer(screen_text);
+    std::ostream out_stream(&out_buffer);
+    std::ostream err_stream(&err_buffer);
     const CommandContext context{.in = in,
                                  .out = out_stream,
                                  .err = err_stream,
@@ -53,9 +56,24 @@ class CtlTest : public ::testing::Test {
                                    return std::make_unique<FakeLine>(*this);
                                  }};
     const int code = RunCommandLine(args, context);
-    out = out_stream.str();
-    err = err_stream.str();
+    out = out_buffer.Text();
+    err = err_buffer.Text();
     return code;
+  }
+
+  // What stands on a terminal that shows both streams, as of the last run.
+  std::string Screen() const {
+    std::string shown;
+    for (std::size_t i = 0; i < screen_text.size(); ++i) {
+      if (screen_text[i] == '\r') {
+        shown.resize(shown.rfind('\n') + 1);
+      } else if (screen_text.compare(i, 3, "\x1B[K") == 0) {
+        i += 2;
+      } else {
+        shown += screen_text[i];
+      }
+    }
+    return shown;
   }
 
   std::string NewRecipeDatabase(std::string_view name = "YARD.RDB") {
@@ -86,6 +104,7 @@ class CtlTest : public ::testing::Test {
   FakeSerialControl serial{pump};
   std::string device;  // what the last line was asked for
   bool heeds_signals = false;
+  std::string screen_text;
   std::string typed;
   bool in_is_terminal = false;
   bool err_is_terminal = false;
@@ -93,6 +112,29 @@ class CtlTest : public ::testing::Test {
   std::string err;
 
  private:
+  // Keeps what is written, and adds it to the screen.
+  class CopyingBuffer : public std::streambuf {
+   public:
+    explicit CopyingBuffer(std::string& screen) : screen_(screen) {}
+    const std::string& Text() const { return text_; }
+
+   protected:
+    std::streamsize xsputn(const char* text, std::streamsize count) override {
+      text_.append(text, static_cast<std::size_t>(count));
+      screen_.append(text, static_cast<std::size_t>(count));
+      return count;
+    }
+    int_type overflow(int_type character) override {
+      const char byte = traits_type::to_char_type(character);
+      xsputn(&byte, 1);
+      return character;
+    }
+
+   private:
+    std::string& screen_;
+    std::string text_;
+  };
+
   class FakeLine : public SerialLine {
    public:
     explicit FakeLine(CtlTest& test) : test_(test) {}

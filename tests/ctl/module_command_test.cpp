@@ -162,6 +162,35 @@ TEST_F(ModuleCommands, UploadWritesNothingWhereAnyNameExists) {
   EXPECT_EQ(ReadAll(folder / "out/02.RBU"), "mine");
 }
 
+TEST_F(ModuleCommands, UploadTellsAReplyThatIsNone) {
+  serial.WillAnswer(kOnline);
+  serial.WillAnswer("?\x1F{REPORT}\x1F");
+  EXPECT_EQ(Upload(), 1);
+  EXPECT_THAT(err, StartsWith("Error: unexpected reply\n"));
+}
+
+// On a terminal both streams share the screen.
+TEST_F(ModuleCommands, UploadPutsEachPathOnALineOfItsOwn) {
+  err_is_terminal = true;
+  Holds(kTransactions + kBackup);
+  ASSERT_EQ(Upload(), 0);
+  const std::string base = (folder / "out").string();
+  EXPECT_THAT(Screen(), HasSubstr("\n" + base + "/01.QXT\n" + base + "/02.RBU\n"));
+}
+
+TEST_F(ModuleCommands, AHeldLineIsTold) {
+  serial.hold_after_output = 0;
+  for (const std::vector<std::string>& command :
+       {std::vector<std::string>{"module", "test", "--port", "3"},
+        {"--yes", "module", "clear", "--port", "3"},
+        {"module", "baud", "2400", "--port", "3"}}) {
+    EXPECT_EQ(Run(command), 1);
+    EXPECT_THAT(err, HasSubstr("\ncause: Serial line held"));
+  }
+  EXPECT_EQ(Upload(), 1);
+  EXPECT_THAT(err, HasSubstr("Error: Serial line held\n"));
+}
+
 TEST_F(ModuleCommands, UploadOfAnEmptyMemoryFails) {
   Holds("");
   EXPECT_EQ(Upload(), 1);

@@ -109,6 +109,28 @@ TEST_F(DirectOverALine, SigtermAndSigintEndItWithTheFilesWritten) {
   }
 }
 
+TEST_F(DirectOverALine, WhatCannotBeWrittenIsRescuedAndCutLater) {
+  folder.Write("out", "no folder");
+  const std::string file = folder.Write("file", kFile).string();
+  const std::string marker = (folder / "met").string();
+  const auto indicator =
+      StartIndicator({"send-file " + file, "wait 400", "send 15", "save " + marker, "wait 60000"});
+  const auto direct = StartDirect({});
+  ASSERT_TRUE(Appears(marker)) << direct->Err() << indicator->Err();
+  direct->Signal(SIGTERM);
+  EXPECT_EQ(direct->Wait(), 1);
+  std::filesystem::path rescued;
+  for (const auto& entry : std::filesystem::directory_iterator(folder / "data")) {
+    rescued = entry.path().extension() == ".KRM" ? entry.path() : rescued;
+  }
+  ASSERT_THAT(rescued.string(), HasSubstr("/RESCUE-"));
+  EXPECT_THAT(direct->Err(), HasSubstr(rescued.string()));
+  const Result cut =
+      Ctl({"module", "upload", "--from", rescued.string(), "--out", (folder / "cut").string()});
+  EXPECT_EQ(cut.code, 0) << cut.err;
+  EXPECT_EQ(ReadAll(folder / "cut/01.QXT"), kFile);
+}
+
 TEST_F(DirectOverALine, LoadedBackupReachesTheIndicator) {
   const std::string backup = "{DATA_IN},L\r\n\r\n[ING]\r\n\r\n1,CORN,0\r\n\r\n";
   const std::string file = folder.Write("b.rbu", backup).string();

@@ -174,6 +174,15 @@ TEST_F(DownloadOverALine, AFileThatIsNoBackupIsRefused) {
   EXPECT_EQ(Memory(*module), kBackup);
 }
 
+// The text is longer than what the system keeps for a device that does not read.
+TEST_F(DownloadOverALine, AModuleThatStopsReading) {
+  backup = folder.Write("LONG.RBU", std::string(kBackup) + std::string(60'000, ' ')).string();
+  const auto module = StartModule({"--fault", "deaf=2"});
+  const Result failed = Download(backup);
+  EXPECT_EQ(failed.code, 1);
+  EXPECT_THAT(failed.err, HasSubstr("Error: Serial line held\ncause: "));
+}
+
 TEST_F(DownloadOverALine, SilentModule) { FailsThenWorks("silent", "Error: KRM not detected\n"); }
 
 TEST_F(DownloadOverALine, WrongEcho) { FailsThenWorks("garbage", "Error: KRM not detected\n"); }

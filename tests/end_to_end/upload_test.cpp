@@ -117,6 +117,26 @@ TEST_F(UploadOverALine, AMissingPortIsToldAsMissing) {
   EXPECT_THAT(upload.err, HasSubstr("cause: " + ModulePath() + ": no such device\n"));
 }
 
+TEST_F(UploadOverALine, OneXoffEndsItAndTheNextOneWorks) {
+  const auto module = StartModule({"--load", file, "--fault", "xoff=1"});
+  const Result held = Upload("bad");
+  EXPECT_EQ(held.code, 1);
+  EXPECT_THAT(held.err, HasSubstr("Error: Serial line held\ncause: "));
+  const Result worked = Upload("good");
+  EXPECT_EQ(worked.code, 0) << worked.err;
+  EXPECT_EQ(ReadAll(folder / "good/01.QXT"), kSmallFile);
+}
+
+TEST_F(UploadOverALine, AFewBytesAfterTheDumpAreIgnored) {
+  const auto module = StartModule({"--load", file, "--fault", "strays=16"});
+  EXPECT_EQ(Upload("out").code, 0);
+  EXPECT_EQ(ReadAll(folder / "out/01.QXT"), kSmallFile);
+}
+
+TEST_F(UploadOverALine, ManyBytesAfterTheDump) {
+  FailsThenWorks({"strays=17"}, "Invalid terminators\n", false);
+}
+
 TEST_F(UploadOverALine, SilentModule) { FailsThenWorks({"silent"}, "Error: KRM not detected\n"); }
 
 TEST_F(UploadOverALine, GarbageFirstByte) {
