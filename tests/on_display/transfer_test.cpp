@@ -1,0 +1,124 @@
+#include <csignal>
+#include <filesystem>
+#include <string>
+#include <vector>
+
+#include "on_display.h"
+
+namespace vrx::testing {
+namespace {
+
+namespace fs = std::filesystem;
+
+// The Data Transfer tab with the simulator behind port 2, the port of the settings.
+class TransferOnDisplay : public OnDisplay {
+ protected:
+  TransferOnDisplay() {
+    fs::create_directories(link_.parent_path());
+    fs::create_directories(recipes.parent_path());
+  }
+
+  std::unique_ptr<Program> Simulate(std::vector<std::string> args) const {
+    args.insert(args.begin() + 1, {"--link", link_.string()});
+    auto simulator = std::make_unique<Program>(Bin("vrx2260sim"), args, folder.Path().string());
+    EXPECT_TRUE(simulator->WaitForOutput("ready ")) << simulator->Err();
+    return simulator;
+  }
+  std::unique_ptr<Program> IndicatorThatSends(const std::string& hex) const {
+    return Simulate({"indicator", "--script",
+                     folder.Write("script", "wait 3000\nsend " + hex + "\nwait 90000\n").string()});
+  }
+  bool WaitForStatus(const std::string& text) {
+    return WaitFor([&](const Screen& screen) {
+      const Widget* const status = screen.Find("lblStatusWindow");
+      return status != nullptr && status->text == text;
+    });
+  }
+  bool WaitForMemory(const std::string& bytes) {
+    return WaitFor([&](const Screen& screen) {
+      const Widget* const size = screen.Find("lblMemorySize");
+      return size != nullptr && size->text == bytes;
+    });
+  }
+  std::vector<fs::path> RescueFiles() const {
+    std::vector<fs::path> files;
+    for (const fs::directory_entry& entry : fs::directory_iterator(data)) {
+      if (entry.path().extension() == ".KRM") {
+        files.push_back(entry.path());
+      }
+    }
+    return files;
+  }
+
+  fs::path link_ = data / "Ports/COM2";
+};
+
+// The memory takes two seconds on the line: the later clicks meet the upload in its middle.
+TEST_F(TransferOnDisplay, MoreClicksOnUploadAreOneUpload) {
+  const std::string memory = "{BAT/FED},L\r\n" + std::string(4000, ' ');
+  const auto module = Simulate({"module", "--load", folder.Write("memory", memory).string()});
+  StartProgram();
+  Click("cmdUploadDataFromKRM", 2);
+  ASSERT_TRUE(WaitFor([](const Screen& screen) {
+    const Widget* const status = screen.Find("lblStatusWindow");
+    return status != nullptr && status->text.starts_with("Uploading from KRM");
+  }));
+  EXPECT_FALSE(Look().Find("cmdUploadDataFromKRM")->enabled);
+  EXPECT_FALSE(Look().Find("optConnection(1)")->enabled);
+  Click("cmdUploadDataFromKRM", 2);
+  Click("optConnection(1)");
+  EXPECT_TRUE(WaitForStatus("Upload complete!  (4016 bytes, 1 file)"));
+  Settle();
+  const Screen screen = Look();
+  EXPECT_EQ(screen.BoxText(), "");
+  EXPECT_NE(screen.Find("lstDataFiles"), nullptr);
+  EXPECT_TRUE(screen.Find("cmdUploadDataFromKRM")->enabled);
+  EXPECT_TRUE(screen.Find("optConnection(0)")->checked);
+}
+
+TEST_F(TransferOnDisplay, ADoubleClickOnTheMemorySizeShowsTheBar) {
+  const auto indicator = IndicatorThatSends("7B 52 45 50 4F 52 54 7D");
+  StartProgram();
+  Click("optConnection(1)");
+  ASSERT_TRUE(WaitForMemory("8"));
+  Click("lblMemorySize", 2);
+  Settle();
+  EXPECT_EQ(Look().Find("lblMemorySize"), nullptr);
+  EXPECT_NE(Look().Find("prgMemorySize"), nullptr);
+  program->Signal(SIGTERM);
+  EXPECT_EQ(ExitCode(), 0) << program->Err();
+}
+
+TEST_F(TransferOnDisplay, LeavingWithReceivedDataAsksAndKeepsIt) {
+  const auto indicator = IndicatorThatSends("7B 52 45 50 4F 52 54 7D");
+  StartProgram();
+  Click("optConnection(1)");
+  ASSERT_TRUE(WaitForMemory("8"));
+  Keys({"alt+F4"});
+  ASSERT_TRUE(WaitForBox("What the indicator sent has not been saved."));
+  Keys({"Escape"});
+  ASSERT_TRUE(WaitForWindow(kMainTitle));
+  EXPECT_TRUE(RescueFiles().empty());
+  Keys({"alt+F4"});
+  ASSERT_TRUE(WaitForBox("What the indicator sent has not been saved."));
+  ClickButton("Yes");
+  ASSERT_TRUE(WaitForBox("What the indicator sent is kept in the file "));
+  Keys({"Return"});
+  EXPECT_EQ(ExitCode(), 0) << program->Err();
+  ASSERT_EQ(RescueFiles().size(), 1U);
+  EXPECT_EQ(ReadAll(RescueFiles().front()), "{REPORT}");
+}
+
+TEST_F(TransferOnDisplay, ASignalKeepsReceivedDataWithoutAQuestion) {
+  const auto indicator = IndicatorThatSends("7B 52 45 50 4F 52 54 7D");
+  StartProgram();
+  Click("optConnection(1)");
+  ASSERT_TRUE(WaitForMemory("8"));
+  program->Signal(SIGTERM);
+  EXPECT_EQ(ExitCode(), 0) << program->Err();
+  ASSERT_EQ(RescueFiles().size(), 1U);
+  EXPECT_EQ(ReadAll(RescueFiles().front()), "{REPORT}");
+}
+
+}  // namespace
+}  // namespace vrx::testing
