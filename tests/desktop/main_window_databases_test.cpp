@@ -191,7 +191,9 @@ TEST_F(MainWindowDatabasesTest, ARecipeDatabaseThatMayNotBeWrittenClosesWhatWrit
   BoundDatabase bound = BindUserDatabase(MakeUserFile("PROT.RDB", DatabaseKind::kRecipe),
                                          std::chrono::milliseconds{20});
   bound.read_only_note = "it is write-protected";
+  Open(DatabaseKind::kRecipe);
   Show();
+  EXPECT_TRUE(Find<QWidget>(u"cmdDeleteIng"_qs).isEnabled());
   Window().Rebind(DatabaseKind::kRecipe, bound);
   for (const char* const box : {"txtIngName", "txtPenFeed", "txtRecName", "txtRecHeadCount"}) {
     EXPECT_TRUE(Find<QLineEdit>(QLatin1String(box)).isReadOnly()) << box;
@@ -201,7 +203,7 @@ TEST_F(MainWindowDatabasesTest, ARecipeDatabaseThatMayNotBeWrittenClosesWhatWrit
     EXPECT_FALSE(Find<QWidget>(QLatin1String(control)).isEnabled()) << control;
   }
   EXPECT_TRUE(Find<QWidget>(u"cboRecID"_qs).isEnabled());
-  Open(DatabaseKind::kRecipe);
+  Window().Rebind(DatabaseKind::kRecipe, Main().Databases().Bound(DatabaseKind::kRecipe));
   EXPECT_FALSE(Find<QLineEdit>(u"txtRecName"_qs).isReadOnly());
   EXPECT_TRUE(Find<QWidget>(u"cmdAction(2)"_qs).isEnabled());
   EXPECT_TRUE(Find<QWidget>(u"lstRecBatchType"_qs).isEnabled());
