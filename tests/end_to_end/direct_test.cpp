@@ -114,7 +114,8 @@ TEST_F(DirectOverALine, WhatCannotBeWrittenIsRescuedAndCutLater) {
   const std::string file = folder.Write("file", kFile).string();
   const std::string marker = (folder / "met").string();
   const auto indicator =
-      StartIndicator({"send-file " + file, "wait 400", "send 15", "save " + marker, "wait 60000"});
+      StartIndicator({"send-file " + file, "wait 400", "send 15", "save " + marker,
+                      "send 0D  # waits for the save", "wait 60000"});
   const auto direct = StartDirect({});
   ASSERT_TRUE(Appears(marker)) << direct->Err() << indicator->Err();
   direct->Signal(SIGTERM);
@@ -128,7 +129,7 @@ TEST_F(DirectOverALine, WhatCannotBeWrittenIsRescuedAndCutLater) {
   const Result cut =
       Ctl({"module", "upload", "--from", rescued.string(), "--out", (folder / "cut").string()});
   EXPECT_EQ(cut.code, 0) << cut.err;
-  EXPECT_EQ(ReadAll(folder / "cut/01.QXT"), kFile);
+  EXPECT_THAT(ReadAll(folder / "cut/01.QXT"), StartsWith(kFile));
 }
 
 TEST_F(DirectOverALine, LoadedBackupReachesTheIndicator) {
