@@ -1,0 +1,71 @@
+#include <filesystem>
+#include <string>
+
+#include <gmock/gmock.h>
+
+#include "on_display.h"
+
+namespace vrx::testing {
+namespace {
+
+namespace fs = std::filesystem;
+
+// The records of the sample site are on the screen, and every report goes to a PDF file.
+class PrintOnDisplay : public OnDisplay {
+ protected:
+  PrintOnDisplay() { MakeDatabases(); }
+
+  void SetUp() override {
+    StartProgram();
+    ChooseFromMenu({"File", "Print Setup..."});
+    ASSERT_TRUE(WaitForWindow("Print Setup"));
+    Keys({"Return"});
+    ASSERT_TRUE(WaitForWindow(kMainTitle));
+  }
+
+  // Types the whole path into the file dialog.
+  void PrintTo(const fs::path& file) {
+    Keys({"ctrl+p"});
+    ASSERT_TRUE(WaitForWindow("Print to PDF File"));
+    Keys({"ctrl+a"});
+    Type(file.string());
+    Keys({"Return"});
+  }
+  void AgreeToReplace(const fs::path& file) {
+    ASSERT_TRUE(WaitForBox(file.filename().string() + " already exists"));
+    Keys({"alt+y"});
+  }
+
+  fs::path pdf = folder / "report.pdf";
+};
+
+TEST_F(PrintOnDisplay, WritesAPdfFileAndReplacesAnOlderOne) {
+  PrintTo(pdf);
+  ASSERT_TRUE(Eventually([&] { return fs::exists(pdf); }));
+  ASSERT_TRUE(WaitForWindow(kMainTitle));
+  const std::string report = ReadAll(pdf);
+  EXPECT_THAT(report, ::testing::StartsWith("%PDF-"));
+  fs::resize_file(pdf, 1);
+  PrintTo(pdf);
+  AgreeToReplace(pdf);
+  EXPECT_TRUE(Eventually([&] { return fs::file_size(pdf) == report.size(); }));
+}
+
+TEST_F(PrintOnDisplay, NeverReplacesADatabaseOpenOrNot) {
+  const fs::path other = folder / "other.pdf";
+  const fs::path link = folder / "link.pdf";
+  fs::copy_file(recipes, other);
+  fs::create_symlink(transactions, link);
+  for (const fs::path& database : {transactions, recipes, other, link}) {
+    const std::string before = ReadAll(database);
+    PrintTo(database);
+    AgreeToReplace(database);
+    ASSERT_TRUE(WaitForBox(database.string() + " is a database and is not replaced."));
+    Keys({"Return"});
+    ASSERT_TRUE(WaitForWindow(kMainTitle));
+    EXPECT_EQ(ReadAll(database), before);
+  }
+}
+
+}  // namespace
+}  // namespace vrx::testing
