@@ -291,7 +291,8 @@ QString HistoryPage::EmptyText() {
   const std::string_view column = view_->GetNamedGroupColumn();
   if (!column.empty()) {
     const QString named = ToQString(column).toLower();
-    const QString a_named = (named.startsWith(u'i') ? u"an " : u"a ") + named;
+    const QString a_named =
+        (named.startsWith(u'i') ? QStringLiteral("an ") : QStringLiteral("a ")) + named;
     const NamePickerState& picker = view_->Picker();
     if (!picker.visible) {
       return QStringLiteral("Choose the data group again to pick the name of %1.").arg(a_named);

@@ -29,6 +29,10 @@ class PrintOnDisplay : public OnDisplay {
     ASSERT_TRUE(WaitForWindow("Print to PDF File"));
     Keys({"ctrl+a"});
     Type(file.string());
+    ASSERT_TRUE(WaitFor([&](const Screen& screen) {
+      const Widget* const name = screen.Find("fileNameEdit");
+      return name != nullptr && name->text == file.string();
+    }));
     Keys({"Return"});
   }
   void AgreeToReplace(const fs::path& file) {
