@@ -394,14 +394,14 @@ TEST_F(PrintCommandsTest, AClosedGroupPrintsAsOneRow) {
 TEST_F(PrintCommandsTest, WithoutFitAWideGroupGoesOverSeveralPages) {
   {
     SQLite::Database database = OpenDatabase(Recipes(), Access::kWrite);
-    for (int id = 3; id <= 40; ++id) {
+    for (int id = 3; id <= 7; ++id) {
       WriteIngredient(database,
                       {.id = id, .name = "FEED" + std::to_string(id), .description = "x"});
     }
   }
   ShowTab();
   const Pages wide = Print();
-  EXPECT_THAT(wide, SizeIs(::testing::Gt(2U)));
+  EXPECT_THAT(wide, SizeIs(::testing::Gt(1U)));
   EXPECT_THAT(wide.back().back(), HasSubstr(" of " + std::to_string(wide.size())));
   Click(u"chkBatFitPage"_qs);
   EXPECT_THAT(Print(), SizeIs(1));
