@@ -1,8 +1,11 @@
 #include "database/missing_records.h"
 
+#include <array>
+#include <cstddef>
 #include <string_view>
 #include <utility>
 
+#include <SQLiteCpp/Column.h>
 #include <SQLiteCpp/Statement.h>
 
 #include "database/records.h"
@@ -57,8 +60,8 @@ MissingRecords FindMissingRecords(SQLite::Database& database) {
 }
 
 std::string ToText(const MissingRecords& missing) {
-  const std::pair<std::string_view, const std::vector<int>&> kinds[] = {
-      {"ingredients", missing.ingredients}, {"recipes", missing.recipes}, {"pens", missing.pens}};
+  const std::array<std::pair<std::string_view, const std::vector<int>&>, 3> kinds{
+      {{"ingredients", missing.ingredients}, {"recipes", missing.recipes}, {"pens", missing.pens}}};
   std::string text;
   for (const auto& [name, ids] : kinds) {
     if (!ids.empty()) {

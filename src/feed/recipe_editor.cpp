@@ -91,7 +91,10 @@ void RecipeEditor::Apply(const Change& change) {
 template <typename Change>
 void RecipeEditor::ApplyToStoredLines(const Change& change) {
   RecipeOnShow next = shown_;
-  TakeLines(next, ReadRecipeLines(database_, next.ration.recipe.id));
+  // A write-protected file does not hold what was recomputed.
+  if (!IsWriteProtected(database_)) {
+    TakeLines(next, ReadRecipeLines(database_, next.ration.recipe.id));
+  }
   const Ration stored{.recipe = shown_.ration.recipe, .lines = next.ration.lines};
   change(next);
   Store(stored, std::move(next));

@@ -111,6 +111,7 @@ class WriteProtectedRecipe : public RecipeEditorTest {};
 
 // Its figures are from before a change of the ingredient's dry matter.
 TEST_F(WriteProtectedRecipe, IsShownRecomputedAndStaysAsItIs) {
+  editor.Select(kByWeight);
   AddLine(editor);
   const TempFolder locked;
   const std::filesystem::path path = locked / "OLD.RDB";
