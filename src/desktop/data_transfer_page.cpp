@@ -159,7 +159,7 @@ bool DataTransferPage::MayLeave() {
   const auto yes = [this](std::string_view text) {
     return ports_.op.ShowMessage({.icon = Icon::kQuestion,
                                   .buttons = Buttons::kYesNo,
-                                  .title = "Exit",
+                                  .title = "Received Data",
                                   .text = std::string(text)}) == Answer::kYes;
   };
   if (!transfer_.received.Unsaved() || ports_.pump.Closing()) {

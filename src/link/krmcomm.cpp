@@ -25,7 +25,7 @@ constexpr Milliseconds kAfterTransmission{100};
 constexpr Milliseconds kDrainRhythm{5};
 
 // An XOFF, or a device that stops reading, holds the line.
-constexpr Milliseconds kHeldLimit{10'000};
+constexpr Milliseconds kHeldLimit = std::chrono::seconds{10};
 
 }  // namespace
 

@@ -77,7 +77,7 @@ void Upload::ModuleNotDetected() {
                    .text = "The KRM was not detected. Please verify that the module is connected. "
                            "Check cable and connector and then try again.",
                    .cause = krm_.KRM_FailureCause()});
-  TellFailed(op_, "Error: " + (krm_.KRM_LineHeld() ? krm_.GS_KRM_ErrMsg() : "KRM not detected"));
+  TellFailed(op_, krm_.KRM_LineHeld() ? "Error: Serial line held" : "Error: KRM not detected");
 }
 
 int Upload::TakeReply() {
