@@ -63,7 +63,11 @@ int ImportModel::columnCount(const QModelIndex& parent) const {
   return parent.isValid() ? 0 : kImportColumns;
 }
 
+// Ctrl+C asks for the current cell also where there is none.
 QVariant ImportModel::data(const QModelIndex& index, int role) const {
+  if (!index.isValid()) {
+    return {};
+  }
   const int column = index.column() + 1;
   switch (role) {
     case Qt::DisplayRole:

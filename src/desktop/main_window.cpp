@@ -6,6 +6,7 @@
 #include <QLabel>
 #include <QMenuBar>
 #include <QPointer>
+#include <QScreen>
 #include <QVBoxLayout>
 #include <algorithm>
 
@@ -21,6 +22,8 @@ namespace {
 constexpr int kMainTitleCaption = 1063;
 constexpr QSize kOpeningSize{1024, 720};
 constexpr QSize kSmallestSize{800, 600};
+// For the frame, whose size the window manager tells only once the window is shown.
+constexpr QSize kFrameSize{16, 48};
 
 constexpr const char* UnitLabelOf(DatabaseKind kind) {
   return kind == DatabaseKind::kRecipe ? "lblDatabaseUoM" : "lblTransactionUoM";
@@ -46,6 +49,12 @@ MainWindow::MainWindow(const PrivateINI& settings, const Calendar& calendar)
   Connect();
   setMinimumSize(kSmallestSize);
   resize(kOpeningSize);
+}
+
+void MainWindow::FitIntoScreen() {
+  const QSize room = screen()->availableSize() - kFrameSize;
+  setMinimumSize(minimumSize().boundedTo(room));
+  resize(size().boundedTo(room));
 }
 
 void MainWindow::LayOut() {

@@ -58,6 +58,10 @@ class MainWindow : public QMainWindow,
     return tab_folder_->SetPage(tab, page);
   }
 
+  // Makes the window smaller where it would be larger than the screen without the screen's bars.
+  // Before it is shown.
+  void FitIntoScreen();
+
   // Tells the page on show that the window came to the front.
   void PageActivated();
 

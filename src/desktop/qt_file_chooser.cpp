@@ -1,6 +1,7 @@
 #include "desktop/qt_file_chooser.h"
 
 #include <QApplication>
+#include <QDir>
 #include <QFileDialog>
 #include <QFileInfo>
 #include <QHeaderView>
@@ -12,6 +13,10 @@
 
 namespace vrx {
 namespace {
+
+// A dialog reads a folder as soon as it is made, before it has our icons: one that only holds
+// folders.
+QString FirstFolder() { return QDir::rootPath(); }
 
 // "*.QXT" takes files whatever their case; "*.*" takes those without an extension too.
 QString AnyCase(const QString& pattern) {
@@ -54,17 +59,6 @@ void ShowWholeCells(QFileDialog& widget) {
   widget.resize(kOpeningSize);
 }
 
-void SetUp(QFileDialog& widget, const FileDialog& dialog, const QString& last_folder) {
-  widget.setObjectName(QStringLiteral("FileDialog"));
-  widget.setWindowTitle(ToQString(dialog.title));
-  widget.setOption(QFileDialog::DontUseNativeDialog);
-  widget.setOption(QFileDialog::HideNameFilterDetails);
-  widget.setNameFilters(NameFilters(dialog.filter));
-  widget.setDefaultSuffix(ToQString(dialog.default_extension));
-  widget.setDirectory(dialog.start_folder.empty() ? last_folder : ToQString(dialog.start_folder));
-  ShowWholeCells(widget);
-}
-
 // Empty after a cancel.
 QString Ask(QFileDialog& widget, QString& last_folder) {
   if (widget.exec() != QDialog::Accepted || widget.selectedFiles().isEmpty()) {
@@ -88,30 +82,42 @@ QString QtFileChooser::LastFolder() const {
   return last_folder_.isEmpty() ? ToQString(home_()) : last_folder_;
 }
 
+void QtFileChooser::SetUp(QFileDialog& widget, const FileDialog& dialog) {
+  widget.setObjectName(QStringLiteral("FileDialog"));
+  widget.setWindowTitle(ToQString(dialog.title));
+  widget.setOption(QFileDialog::DontUseNativeDialog);
+  widget.setOption(QFileDialog::HideNameFilterDetails);
+  widget.setNameFilters(NameFilters(dialog.filter));
+  widget.setDefaultSuffix(ToQString(dialog.default_extension));
+  widget.setIconProvider(&icons_);
+  widget.setDirectory(dialog.start_folder.empty() ? LastFolder() : ToQString(dialog.start_folder));
+  ShowWholeCells(widget);
+}
+
 FileChoice QtFileChooser::ShowOpen(const FileDialog& dialog) {
-  QFileDialog widget(QApplication::activeWindow());
+  QFileDialog widget(QApplication::activeWindow(), {}, FirstFolder());
   widget.setAcceptMode(QFileDialog::AcceptOpen);
   widget.setFileMode((dialog.flags & kFileMustExist) != 0 ? QFileDialog::ExistingFile
                                                           : QFileDialog::AnyFile);
-  SetUp(widget, dialog, LastFolder());
+  SetUp(widget, dialog);
   return ChoiceOf(Ask(widget, last_folder_));
 }
 
 FileChoice QtFileChooser::ShowSave(const FileDialog& dialog) {
-  QFileDialog widget(QApplication::activeWindow());
+  QFileDialog widget(QApplication::activeWindow(), {}, FirstFolder());
   widget.setAcceptMode(QFileDialog::AcceptSave);
   widget.setFileMode(QFileDialog::AnyFile);
   widget.setOption(QFileDialog::DontConfirmOverwrite, (dialog.flags & kOverwritePrompt) == 0);
-  SetUp(widget, dialog, LastFolder());
+  SetUp(widget, dialog);
   return ChoiceOf(Ask(widget, last_folder_));
 }
 
 std::string QtFileChooser::ShowFolder(const std::string& title) {
-  QFileDialog widget(QApplication::activeWindow());
+  QFileDialog widget(QApplication::activeWindow(), {}, FirstFolder());
   widget.setAcceptMode(QFileDialog::AcceptOpen);
   widget.setFileMode(QFileDialog::Directory);
   widget.setOption(QFileDialog::ShowDirsOnly);
-  SetUp(widget, {.title = title, .filter = {}, .default_extension = {}}, LastFolder());
+  SetUp(widget, {.title = title, .filter = {}, .default_extension = {}});
   return Ask(widget, last_folder_).toStdString();
 }
 

@@ -4,7 +4,10 @@
 #include <functional>
 #include <string>
 
+#include "desktop/file_icons.h"
 #include "platform/file_chooser.h"
+
+class QFileDialog;
 
 namespace vrx {
 
@@ -19,8 +22,10 @@ class QtFileChooser : public FileChooser {
   std::string ShowFolder(const std::string& title) override;
 
  private:
+  void SetUp(QFileDialog& widget, const FileDialog& dialog);
   QString LastFolder() const;
 
+  FileIcons icons_;
   std::function<std::string()> home_;
   QString last_folder_;  // where the last choice was made
 };

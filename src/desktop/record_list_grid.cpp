@@ -54,7 +54,11 @@ int RecordListModel::columnCount(const QModelIndex& parent) const {
   return parent.isValid() ? 0 : static_cast<int>(columns_.size());
 }
 
+// Ctrl+C asks for the current cell also where there is none.
 QVariant RecordListModel::data(const QModelIndex& index, int role) const {
+  if (!index.isValid()) {
+    return {};
+  }
   switch (role) {
     case Qt::DisplayRole:
     case Qt::EditRole:

@@ -53,7 +53,10 @@ class VrxMain : public QObject, public MainForm {
   const WaitBudget& LockWaits() const { return lock_waits_; }
 
   // MainForm.
-  void Show() override { window_.show(); }
+  void Show() override {
+    window_.FitIntoScreen();
+    window_.show();
+  }
   void CloseSerialPort() override { transfer_.CloseSerialPort(); }
   void UnloadSetup() override { transfer_.UnloadSetup(); }
   std::optional<WindowPlace> Place() const override;

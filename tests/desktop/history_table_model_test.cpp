@@ -57,6 +57,13 @@ TEST_F(HistoryTableModelTest, ACellIsWhatTheGridShows) {
   EXPECT_EQ(Text(3, "ActualFeed"), "1305.75");
 }
 
+// A copy to the clipboard asks for the current cell, also where there is none.
+TEST_F(HistoryTableModelTest, ThereIsNothingInNoCell) {
+  Show(8, true);
+  EXPECT_FALSE(model_.data({}, Qt::DisplayRole).isValid());
+  EXPECT_FALSE(model_.data({}, Qt::TextAlignmentRole).isValid());
+}
+
 TEST_F(HistoryTableModelTest, NumbersStandOnTheRight) {
   Show(0, true);
   const auto side = [this](const char* key) {

@@ -35,6 +35,11 @@ TEST_F(IngredientGridTest, WithoutViewTheGridKeepsItsPlaceEmpty) {
   EXPECT_TRUE(Grid("grdING").isVisible());
 }
 
+// A copy to the clipboard asks for the current cell, also where there is none.
+TEST_F(IngredientGridTest, ThereIsNothingInNoCell) {
+  EXPECT_FALSE(Grid("grdING").Model().data({}, Qt::DisplayRole).isValid());
+}
+
 // Typing into the grid.
 
 TEST_F(IngredientGridTest, ACellTakesItsKeysAsTheFormsBoxDoes) {

@@ -5,6 +5,7 @@
 #include <QFileDialog>
 #include <QLineEdit>
 #include <QMessageBox>
+#include <QMimeDatabase>
 #include <QPushButton>
 #include <QTest>
 #include <QTimer>
@@ -15,6 +16,7 @@
 
 #include <gtest/gtest.h>
 
+#include "desktop/file_icons.h"
 #include "next_modal.h"
 #include "support/temp_folder.h"
 
@@ -202,6 +204,19 @@ TEST_F(FileDialogs, GivesAFolder) {
     Type(QString::fromStdString((folder / "export").string()))(widget);
   });
   EXPECT_EQ(chooser.ShowFolder("Select a folder"), (folder / "export").string());
+}
+
+// The content would tell it; only that of stored files is read.
+TEST(FileIcons, ReadsTheContentOfStoredFilesOnly) {
+  const FileIcons icons;
+  const TempFolder folder;
+  const QString path = QString::fromStdString(folder.Write("version", "some text\n").string());
+  const QString text = QMimeDatabase().mimeTypeForName(u"text/plain"_qs).comment();
+  const QString unknown = QMimeDatabase().mimeTypeForName(u"application/octet-stream"_qs).comment();
+  EXPECT_EQ(icons.type(QFileInfo(path)), text);
+  EXPECT_EQ(icons.type(QFileInfo(u"/proc/version"_qs)), unknown);
+  EXPECT_EQ(icons.type(QFileInfo(u"/proc/self/status"_qs)), unknown);
+  EXPECT_FALSE(icons.icon(QFileInfo(u"/proc/version"_qs)).isNull());
 }
 
 }  // namespace

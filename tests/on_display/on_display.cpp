@@ -18,7 +18,7 @@ OnDisplay::OnDisplay(int width, int height)
   EXPECT_TRUE(Eventually([&] { return windows.Managed(); })) << window_manager_.Err();
 }
 
-OnDisplay::~OnDisplay() {
+void OnDisplay::TearDown() {
   if (HasFailure()) {
     TakePicture();
   }

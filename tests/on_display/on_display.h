@@ -21,7 +21,7 @@ class OnDisplay : public DesktopUser {
   static constexpr const char* kMainTitle = "VRX-2260 Transfer Data Software";
 
   explicit OnDisplay(int width = 1280, int height = 1024);
-  ~OnDisplay() override;
+  void TearDown() override;
 
   // Starts the program and waits until its main window has the keyboard and the databases of the
   // last run are open.
