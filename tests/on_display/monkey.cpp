@@ -253,7 +253,7 @@ void Monkey::Check() {
     Note("the program was left and starts again");
     CheckDatabases();
     program = Start();
-    ASSERT_TRUE(Eventually([&] { return windows.Active() != XCB_NONE; })) << Log();
+    ASSERT_TRUE(WaitFor([](const Screen& screen) { return !screen.Empty(); })) << Log();
     return;
   }
   ASSERT_TRUE(responds) << "no answer for " << kHang.count() << " ms; " << Log();
