@@ -201,7 +201,6 @@ TEST_F(HistoryPageGrid, ANarrowSortedColumnShortensItsCaption) {
   ShowTab();
   class Strip : public HistoryHeader {
    public:
-    using HistoryHeader::initStyleOption;
     using HistoryHeader::initStyleOptionForIndex;
   };
   ClickHeader(kTargetColumn);
