@@ -277,7 +277,7 @@ TEST_F(PrintAllRecipes, ByPercentFollowMovedColumnsWhileOneByWeightIsShown) {
   operator_.answers = {Answer::kYes};
   const Pages pages = Print();
   ASSERT_THAT(pages, SizeIs(2));
-  EXPECT_THAT(pages[0], Contains("CORN No 100 33.333 50 200 0"));
+  EXPECT_THAT(pages[0], Contains("CORN No 100 100.000 50 200 0"));
   EXPECT_THAT(pages[1], Contains("CORN 0 No 50 200 0"));
 }
 
@@ -468,11 +468,12 @@ TEST_F(PrintCommandsTest, TheImportTellsItsFileAndUnit) {
   Choose(u"mnuFileImportTransactionFile"_qs);
   operator_.boxes.clear();
   Find<QAbstractButton>(u"chkImpFitPage"_qs).setChecked(true);
+  operator_.answers = {Answer::kOk};  // A column for each ingredient is too much for one page.
   const Pages pages = Print();
-  ASSERT_THAT(pages, SizeIs(1));
+  ASSERT_THAT(pages, SizeIs(::testing::Gt(1U)));
   EXPECT_EQ(pages[0].at(0), "Report: Imported Transactions Weight Units: LB");
   EXPECT_EQ(pages[0].at(1), "File: " + file.string());
-  EXPECT_THAT(pages[0].back(), HasSubstr("Page 1 of 1"));
+  EXPECT_THAT(pages[0].back(), HasSubstr("Page 1 of "));
   EXPECT_THAT(pages[0], Contains(AllOf(HasSubstr("748.5"), HasSubstr("750"))));
 }
 
