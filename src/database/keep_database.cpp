@@ -73,9 +73,10 @@ void KeepDatabase(const fs::path& path) {
   }
   const bool is_database = HasContent(ReadHead(target));
   if (is_database || HasName(path) || HasName(target)) {
-    throw DatabaseInTheWay(path.string() +
-                           (is_database ? " is a database" : " has the name of a database") +
-                           " and is not replaced. Choose another name.");
+    throw DatabaseInTheWay(
+        path.string() +
+        (is_database ? " is a database and is not replaced. Choose another name."
+                     : " has the name of a database and is not replaced. Choose another name."));
   }
 }
 
