@@ -63,7 +63,9 @@ class Binder {
 
 std::int32_t HighestTransaction(SQLite::Database& database) {
   return Translated(database, [&] {
-    SQLite::Statement query(database, "SELECT max([Transaction]) FROM Transactions");
+    // Numbers sort before texts, and the maximum of the column would be a text.
+    SQLite::Statement query(database,
+                            "SELECT max([Transaction]) FROM Transactions WHERE [Transaction] < ''");
     query.executeStep();
     const std::int64_t highest = query.getColumn(0).getInt64();  // 0 for NULL
     if (highest > std::numeric_limits<std::int32_t>::max()) {

@@ -52,6 +52,17 @@ TEST_F(Transactions, TheHighestIsFoundByNumberWhereverItStands) {
   EXPECT_EQ(HighestTransaction(database_), 2147483647);
 }
 
+TEST_F(Transactions, ATextThatIsNoNumberCountsAsZeroAndHidesNoHigherNumber) {
+  AddNumber("'LOST'");
+  EXPECT_EQ(HighestTransaction(database_), 0);
+  for (const char* number : {"17", "'12'", "''", "x'FF'"}) {
+    AddNumber(number);
+  }
+  EXPECT_EQ(HighestTransaction(database_), 17);
+  AddNumber("'40'");
+  EXPECT_EQ(HighestTransaction(database_), 40);
+}
+
 TEST_F(Transactions, ANumberOutside32BitsIsAnError) {
   AddNumber("2147483648");
   EXPECT_THROW(HighestTransaction(database_), DatabaseError);
