@@ -96,13 +96,13 @@ TEST_F(ExitOfProgram, FailureKeepsTheCloseBoxsProgramUpWithABeep) {
 
 TEST_F(ExitOfProgram, UserSettingsThatCannotBeSavedAreToldAndEachExitGoesOn) {
   failing_key_ = "MainLeft";
-  using Exit = bool (ProgramExit::*)();
+  using Leave = bool (ProgramExit::*)();
   for (const Exit exit :
        {&ProgramExit::CloseBox, &ProgramExit::FileExit, &ProgramExit::SessionEnd}) {
     steps_.clear();
     op_.boxes.clear();
     std::filesystem::remove(folder_ / "VRX-2260.INI");
-    EXPECT_TRUE((this->Exit().*exit)());
+    EXPECT_TRUE((Exit().*leave)());
     EXPECT_THAT(steps_, ::testing::Contains("CloseTransactionDatabase"));
     EXPECT_EQ(steps_.back(), "Unload");
     EXPECT_TRUE(IniWritten());
