@@ -162,7 +162,8 @@ void PrintCommands::PrintAllRecipes(SQLite::Database& recipes) {
        .title = "Print All Recipes",
        .text = "There are " + std::to_string(count) +
                " recipes to be printed. \r\nEach recipe will be printed on a separate sheet of "
-               "paper. Do you want to continue and print out all recipes?"});
+               "paper. Do you want to continue and print out all recipes?",
+       .refuses_by_default = count > kMostSheetsUnasked});
   if (answer != Answer::kYes) {
     return;
   }

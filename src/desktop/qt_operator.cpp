@@ -46,7 +46,7 @@ QMessageBox::StandardButton DefaultOf(const MessageBox& box) {
     return box.refuses_by_default ? QMessageBox::No : QMessageBox::Yes;
   }
   return box.buttons == Buttons::kOkCancel && box.refuses_by_default ? QMessageBox::Cancel
-                                                                    : QMessageBox::Ok;
+                                                                     : QMessageBox::Ok;
 }
 
 Answer AnswerOf(int button) {

@@ -29,7 +29,8 @@ bool ConfirmSheets(std::int64_t sheets, Operator& op) {
                          .buttons = Buttons::kYesNo,
                          .title = "Print",
                          .text = "The report takes " + std::to_string(sheets) +
-                                 " sheets.\r\nDo you want to print all of them?"}) == Answer::kYes;
+                                 " sheets.\r\nDo you want to print all of them?",
+                         .refuses_by_default = true}) == Answer::kYes;
 }
 
 }  // namespace

@@ -267,6 +267,18 @@ TEST_F(PrintAllRecipes, AnAnswerOfNoPrintsNothing) {
   EXPECT_FALSE(operator_.busy);
 }
 
+TEST_F(PrintAllRecipes, MoreThanFiftySheetsAreRefusedByDefault) {
+  for (int id = 1; id <= kMostSheetsUnasked + 1; ++id) {
+    AddRecipe(id, "W", 1);
+  }
+  ShowTab();
+  GoToTab(kTabRecipes);
+  operator_.answers = {Answer::kNo};
+  Choose(u"mnuFilePrint"_qs);
+  EXPECT_THAT(LastBox().text, StartsWith("There are 51 recipes to be printed."));
+  EXPECT_TRUE(LastBox().refuses_by_default);
+}
+
 TEST_F(PrintAllRecipes, ByPercentFollowMovedColumnsWhileOneByWeightIsShown) {
   AddRecipe(1, "W", 1);
   AddRecipe(2, "P", 1);

@@ -62,6 +62,7 @@ TEST_F(PrintQuestions, FiftySheetsAreNotAskedAboutAndOneMoreIsWithTheNumber) {
             "The report takes 51 sheets.\r\nDo you want to print all of them?");
   EXPECT_EQ(operator_.boxes[0].icon, Icon::kQuestion);
   EXPECT_EQ(operator_.boxes[0].buttons, Buttons::kYesNo);
+  EXPECT_TRUE(operator_.boxes[0].refuses_by_default);
   operator_.answers = {Answer::kYes};
   EXPECT_TRUE(Ask(more));
 }
