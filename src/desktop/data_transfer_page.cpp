@@ -160,7 +160,8 @@ bool DataTransferPage::MayLeave() {
     return ports_.op.ShowMessage({.icon = Icon::kQuestion,
                                   .buttons = Buttons::kYesNo,
                                   .title = "Received Data",
-                                  .text = std::string(text)}) == Answer::kYes;
+                                  .text = std::string(text),
+                                  .refuses_by_default = true}) == Answer::kYes;
   };
   if (!transfer_.received.Unsaved() || ports_.pump.Closing()) {
     return true;

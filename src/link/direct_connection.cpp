@@ -48,7 +48,8 @@ bool DirectConnection::Enter() {
         op_.ShowMessage({.icon = Icon::kQuestion,
                          .buttons = Buttons::kYesNo,
                          .title = "Clear Memory",
-                         .text = "Do you want to clear the current data in memory?"});
+                         .text = "Do you want to clear the current data in memory?",
+                         .refuses_by_default = true});
     if (answer == Answer::kYes) {
       krm_.GS_KRM_VirtualMemory({});
       transfer_.received.Discarded();
