@@ -31,6 +31,21 @@ int NumberOf(int code, std::string_view words) {
   return code;
 }
 
+// The engine's own words say little of what happened to a file that was open; empty for the rest.
+std::string WordsFor(int code) {
+  if (code == SQLITE_READONLY_DBMOVED) {
+    return " was moved or deleted while it was open";
+  }
+  switch (code & kPrimaryCodeMask) {
+    case SQLITE_FULL:
+      return " could not be written: the disk is full";
+    case SQLITE_READONLY:
+      return " may not be written: it is write-protected";
+    default:
+      return {};
+  }
+}
+
 }  // namespace
 
 DatabaseError TranslateSqliteError(const SQLite::Exception& error,
@@ -41,7 +56,8 @@ DatabaseError TranslateSqliteError(const SQLite::Exception& error,
   if (number == kTableLockedError) {
     return {number, name + " is locked by another program"};
   }
-  return {number, name + ": " + error.what()};
+  const std::string words = WordsFor(number);
+  return {number, words.empty() ? name + ": " + error.what() : name + words};
 }
 
 int FailureNumber(const std::exception& failure) {

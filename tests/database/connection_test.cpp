@@ -342,6 +342,14 @@ TEST(TranslateSqliteError, GivesTheExtendedCodeOfAnythingElse) {
   EXPECT_EQ(FailureOf("SELECT").Number(), SQLITE_ERROR);
 }
 
+TEST(TranslateSqliteError, SaysWhatHappenedToTheFile) {
+  EXPECT_STREQ(
+      FailureOf("PRAGMA max_page_count = 1; CREATE TABLE Full AS SELECT * FROM Pen").what(),
+      "YARD.RDB could not be written: the disk is full");
+  EXPECT_STREQ(FailureOf("PRAGMA query_only = ON; UPDATE Pen SET FeedAmount = '1'").what(),
+               "YARD.RDB may not be written: it is write-protected");
+}
+
 TEST(TranslateSqliteError, MapsALockedFile) {
   const TempFolder folder;
   const fs::path path = CopyOfTemplate(folder, "YARD.RDB");
