@@ -13,6 +13,10 @@ class DatabaseWindow {
  public:
   virtual ~DatabaseWindow() = default;
 
+  // The views of that kind are about to move: what is being edited is stored, or given up with a
+  // message. May run events.
+  virtual void LeaveEdits(DatabaseKind /*kind*/) {}
+
   // Every view of that kind moves to this database and shows what it holds, with no statement left
   // open. Runs no events: a database bound by one would be refused. When it throws, the views are
   // moved back to where they stood; the connection they leave is closed once they have left it.

@@ -270,6 +270,7 @@ BoundDatabase DatabaseLifecycle::Bind(Side& side, BoundDatabase next) {
   if (side.moving) {
     throw Error("the views are on their way to another database");
   }
+  ports_.window.LeaveEdits(side.kind);
   side.moving = true;
   try {
     ports_.window.Rebind(side.kind, next);

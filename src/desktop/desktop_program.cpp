@@ -40,7 +40,7 @@ int DesktopProgram::Run() {
   const StopSignals signals([this] { SessionEnd(); });
   const QObject session;
   QObject::connect(qApp, &QGuiApplication::commitDataRequest, &session,
-                   [this](QSessionManager& /*manager*/) { SessionEnd(); });
+                   [this](QSessionManager& manager) { CommitSession(manager); });
   const DesktopContext context{.application = application_,
                                .op = op_,
                                .files = files_,
@@ -73,6 +73,19 @@ void DesktopProgram::EndEarly(MainForm& form) {
   pump_.Reopen();
   ProgramExit(form, application_, user_settings_, op_).SessionEnd();
   pump_.Close();
+}
+
+// A session may let the operator be asked, and may be held by that.
+void DesktopProgram::CommitSession(QSessionManager& manager) {
+  if (main_form_ && manager.allowsInteraction()) {
+    const bool left = main_form_->LeaveEdits();
+    manager.release();
+    if (!left) {
+      manager.cancel();
+      return;
+    }
+  }
+  SessionEnd();
 }
 
 void DesktopProgram::Leave(Road road) {

@@ -15,6 +15,8 @@
 #include "desktop/qt_user_settings.h"
 #include "desktop/splash.h"
 
+class QSessionManager;
+
 namespace vrx {
 
 // The program: the ports of this machine, the application's state, start, event loop and exit.
@@ -35,6 +37,7 @@ class DesktopProgram : private ExitRoads {
   void CloseBox() override { Leave(&ProgramExit::CloseBox); }
   void FileExit() override { Leave(&ProgramExit::FileExit); }
   void SessionEnd() override;
+  void CommitSession(QSessionManager& manager);
   void EndEarly(MainForm& form);
   static void CloseInFront();
   void Leave(Road road);

@@ -86,7 +86,7 @@ void IngredientsPage::LayOut() {
 bool IngredientsPage::eventFilter(QObject* watched, QEvent* event) {
   if (watched == hand_add_ && event->type() == QEvent::FocusOut &&
       LeavesField(*static_cast<QFocusEvent*>(event))) {
-    Commit();
+    LeaveHandAdd();
   }
   return RecordFormPage::eventFilter(watched, event);
 }
@@ -102,8 +102,26 @@ void IngredientsPage::LoadIdLists() {
 
 void IngredientsPage::ReadRecord(int id) {
   const IngredientRecord record = ReadIngredient(Database(), id);
+  stored_hand_add_ = record.hand_add;
   ShowTexts(record.name, record.description, std::to_string(record.dry_matter_percent));
-  hand_add_->setChecked(record.hand_add);
+}
+
+void IngredientsPage::ShowStored() {
+  RecordFormPage::ShowStored();
+  hand_add_->setChecked(stored_hand_add_);
+}
+
+void IngredientsPage::LeaveHandAdd() {
+  LeaveOwnField(
+      *hand_add_, "HandAdd", hand_add_->isChecked() ? "Yes" : "No",
+      [this] { hand_add_->setChecked(stored_hand_add_); },
+      hand_add_->isChecked() != stored_hand_add_);
+}
+
+void IngredientsPage::LeaveOwnFields() {
+  if (hand_add_->isChecked() != stored_hand_add_ && !Keeps(*hand_add_)) {
+    LeaveHandAdd();
+  }
 }
 
 bool IngredientsPage::StoreRecordOnShow() {
@@ -114,6 +132,7 @@ bool IngredientsPage::StoreRecordOnShow() {
                           .hand_add = hand_add_->isChecked()};
   const std::string batch_type = recipes_.batch_type_on_show();
   const bool changed = StoreRecord(Database(), record, batch_type, Ports().feed.calendar);
+  stored_hand_add_ = record.hand_add;
   ShowTexts(record.name, record.description, std::to_string(record.dry_matter_percent));
   return changed;
 }
@@ -129,7 +148,7 @@ std::vector<RecordRow> IngredientsPage::ReadRows(bool active_only) {
 }
 
 void IngredientsPage::Search() {
-  if (Position() == 0) {
+  if (Position() == 0 || !LeaveEdits(MayStay::kYes)) {
     return;
   }
   where_used_->setEnabled(false);

@@ -33,6 +33,8 @@ class IngredientsPage final : public RecordFormPage {
 
   void ReadRecord(int id) override;
   bool StoreRecordOnShow() override;
+  void ShowStored() override;
+  void LeaveOwnFields() override;
   std::vector<RecordRow> ReadRows(bool active_only) override;
   void CameToAnother() override { where_used_->ShowItems({}); }
   void AnsweredDefault(ResetOutcome outcome) override;
@@ -41,10 +43,12 @@ class IngredientsPage final : public RecordFormPage {
  private:
   static Design Controls();
   void LayOut();
+  void LeaveHandAdd();
   void Search();
 
   Recipes recipes_;
   QCheckBox* hand_add_;
+  bool stored_hand_add_ = false;
   WhereUsedList* where_used_;
   QPushButton* search_;
 };

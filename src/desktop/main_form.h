@@ -29,6 +29,9 @@ class MainForm {
 
   virtual void Show() = 0;
 
+  // What is being edited is stored, or the operator is asked. False: the operator stays.
+  virtual bool LeaveEdits() { return true; }
+
   // The end of the program, in the order of the calls.
   virtual void CloseSerialPort() = 0;                    // without a wait
   virtual void UnloadSetup() = 0;                        // nothing where it is not loaded

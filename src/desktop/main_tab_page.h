@@ -1,9 +1,11 @@
 #pragma once
 
 #include <QWidget>
+#include <vector>
 
 #include "database/bound_database.h"
 #include "database/schema.h"
+#include "desktop/edit_gate.h"
 
 namespace vrx {
 
@@ -14,6 +16,15 @@ class MainTabPage : public QWidget {
 
  public:
   using QWidget::QWidget;
+
+  // The operator is about to leave what is being edited on the page, for another record, another
+  // tab, another database or the end of the program. Stores it, or asks what becomes of it. False:
+  // the operator stays, and nothing else may happen. May run events.
+  virtual bool LeaveEdits(MayStay /*may_stay*/) { return true; }
+
+  // The program ends without waiting for an answer: stores what is being edited, and returns what
+  // could not be stored. Runs no events.
+  virtual std::vector<LostEdit> EndEdits() { return {}; }
 
   // Any tab was chosen, this page's or not; called ahead of Prepare.
   virtual void TabChanged(int /*tab*/, int /*previous*/) {}

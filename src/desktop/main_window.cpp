@@ -77,6 +77,7 @@ void MainWindow::LayOut() {
 
 void MainWindow::Connect() {
   commands_.AddObserver(*this);
+  tab_folder_->SetLeaving([this] { return LeaveEdits(); });
   connect(tab_folder_, &MainTabFolder::TabClicked, this, [this](int tab) {
     tabs_.Clicked(tab);
     tabs_.UpdatePrintCommands(tab);
@@ -100,9 +101,15 @@ void MainWindow::TabChosen() {
 
 void MainWindow::SetHandler(MainCommand command, CommandActions::Handler handler) {
   actions_.SetHandler(command, [this, run = std::move(handler)] {
-    CommitFocus();
-    run();
+    if (LeaveEdits()) {
+      run();
+    }
   });
+}
+
+bool MainWindow::LeaveEdits() {
+  CommitFocus();
+  return tab_folder_->Page(tab_folder_->currentIndex()).LeaveEdits(MayStay::kYes);
 }
 
 // A window behind others gives no focus away: its field is told that it lost it.
@@ -170,6 +177,24 @@ void MainWindow::PrepareTab(int tab, int previous) {
   tab_folder_->Page(tab).Prepare();
 }
 
+std::vector<LostEdit> MainWindow::EndEdits() {
+  CommitFocus();
+  std::vector<LostEdit> lost;
+  OnEveryPage([&](MainTabPage& page) {
+    for (LostEdit& edit : page.EndEdits()) {
+      lost.push_back(std::move(edit));
+    }
+  });
+  return lost;
+}
+
+// Only the records of the recipe database are edited.
+void MainWindow::LeaveEdits(DatabaseKind kind) {
+  if (kind == DatabaseKind::kRecipe) {
+    OnEveryPage([](MainTabPage& page) { page.LeaveEdits(MayStay::kNo); });
+  }
+}
+
 void MainWindow::Rebind(DatabaseKind kind, const BoundDatabase& database) {
   OnEveryPage([&](MainTabPage& page) { page.Rebind(kind, database); });
 }
@@ -225,8 +250,9 @@ void MainWindow::paintEvent(QPaintEvent* event) {
 
 void MainWindow::closeEvent(QCloseEvent* event) {
   event->ignore();
-  CommitFocus();
-  Q_EMIT CloseRequested();
+  if (LeaveEdits()) {
+    Q_EMIT CloseRequested();
+  }
 }
 
 }  // namespace vrx

@@ -38,10 +38,14 @@ class MainWindow : public QMainWindow,
   TabFolder& Tabs() { return tabs_; }
   PanelRow& Panels() { return *panels_; }
 
-  // Stores what stands in the field or cell with the focus, as leaving it does. The focus comes
-  // back to it, unless a refusal has taken it elsewhere. Menus and the toolbar take no focus away,
-  // so every command begins with this, and so does the close box.
-  void CommitFocus();
+  // Stores what is entered in the field or cell with the focus, as leaving it does; the focus then
+  // comes back to it. False: it was not stored and the operator stays with it, so nothing else may
+  // happen. Menus and the toolbar take no focus away, so every command begins with this, and so
+  // does the close box.
+  bool LeaveEdits();
+
+  // The program ends and waits for no answer: stores what it can, and returns the rest.
+  std::vector<LostEdit> EndEdits();
 
   // The operator chooses a tab by a command.
   void ChooseTab(int tab);
@@ -81,6 +85,7 @@ class MainWindow : public QMainWindow,
   PrintSources Printable() const override { return sources_ ? sources_() : PrintSources{}; }
 
   // DatabaseWindow.
+  void LeaveEdits(DatabaseKind kind) override;
   void Rebind(DatabaseKind kind, const BoundDatabase& database) override;
   void ReleaseViews() override;
   void ShowUnit(DatabaseKind kind, std::string_view unit) override;
@@ -115,6 +120,7 @@ class MainWindow : public QMainWindow,
   void LayOut();
   void Connect();
   void TabChosen();
+  void CommitFocus();
   template <typename Call>
   void OnEveryPage(const Call& call);
   DatabaseStatusBar& StatusBar(DatabaseKind kind) const;

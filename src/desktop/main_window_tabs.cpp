@@ -8,6 +8,7 @@
 #include <functional>
 #include <utility>
 
+#include "desktop/field_box.h"
 #include "desktop/qt_text.h"
 
 namespace vrx {
@@ -26,11 +27,12 @@ constexpr std::array<TabRow, kTabCount> kTabRows{{
 }};
 
 // A strip that reports the focus, and every click on a tab, once the click has changed the tab. The
-// strip has the focus from the start, so that the first click need not bring it.
+// strip has the focus from the start, so that the first click need not bring it. The tab changes
+// only when `leave` allows it.
 class TabStrip : public QTabBar {
  public:
-  TabStrip(QWidget* parent, std::function<void()> focused)
-      : QTabBar(parent), focused_(std::move(focused)) {
+  TabStrip(QWidget* parent, std::function<bool()> leave, std::function<void()> focused)
+      : QTabBar(parent), leave_(std::move(leave)), focused_(std::move(focused)) {
     setFocusPolicy(Qt::StrongFocus);
   }
 
@@ -53,20 +55,42 @@ class TabStrip : public QTabBar {
   }
 
   void mousePressEvent(QMouseEvent* event) override {
+    const bool by_left_button = event->button() == Qt::LeftButton;
+    const int tab = tabAt(event->position().toPoint());
+    const bool turns = by_left_button && tab >= 0 && tab != currentIndex() && isTabEnabled(tab);
+    if (turns && !leave_()) {
+      by_mouse_ = false;
+      event->accept();
+      return;
+    }
     pressed_ = true;
-    QTabBar::mousePressEvent(event);
+    if (turns) {
+      // Not by the click itself: a box may have taken its release.
+      setCurrentIndex(tab);
+    } else {
+      QTabBar::mousePressEvent(event);
+    }
     pressed_ = false;
-    const bool on_tab =
-        event->button() == Qt::LeftButton && tabAt(event->position().toPoint()) == currentIndex();
+    const bool on_tab = by_left_button && tab == currentIndex();
     if (std::exchange(by_mouse_, false) || on_tab) {
       focused_();
     }
+  }
+
+  void keyPressEvent(QKeyEvent* event) override {
+    const bool turns = event->key() == Qt::Key_Left || event->key() == Qt::Key_Right;
+    if (turns && !leave_()) {
+      event->accept();
+      return;
+    }
+    QTabBar::keyPressEvent(event);
   }
 
   // A turn of the wheel in passing must not leave the tab.
   void wheelEvent(QWheelEvent* event) override { event->ignore(); }
 
  private:
+  std::function<bool()> leave_;
   std::function<void()> focused_;
   bool by_mouse_ = false;
   bool pressed_ = false;
@@ -79,7 +103,8 @@ const std::array<TabRow, kTabCount>& TabRows() { return kTabRows; }
 MainTabFolder::MainTabFolder(QWidget* parent) : QTabWidget(parent) {
   setObjectName(QStringLiteral("tabMainFolder"));
   setAccessibleName(QStringLiteral("Work"));
-  auto* const strip = new TabStrip(this, [this] { Q_EMIT StripFocused(); });
+  auto* const strip = new TabStrip(
+      this, [this] { return MayLeave(); }, [this] { Q_EMIT StripFocused(); });
   setTabBar(strip);
   for (const TabRow& row : kTabRows) {
     auto* page = new MainTabPage;
@@ -112,6 +137,15 @@ std::unique_ptr<MainTabPage> MainTabFolder::SetPage(int tab, MainTabPage* page) 
   setCurrentIndex(on_show);
   by_program_ = was_by_program;
   return old;
+}
+
+// Ctrl+Tab turns to another tab from within a field.
+void MainTabFolder::keyPressEvent(QKeyEvent* event) {
+  if (TurnsTabs(*event) && !MayLeave()) {
+    event->accept();
+    return;
+  }
+  QTabWidget::keyPressEvent(event);
 }
 
 void MainTabFolder::ShowTab(int tab) {

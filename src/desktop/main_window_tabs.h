@@ -2,8 +2,10 @@
 
 #include <QTabWidget>
 #include <array>
+#include <functional>
 #include <memory>
 #include <string_view>
+#include <utility>
 
 #include "desktop/main_tab_page.h"
 #include "frame/command_states.h"
@@ -36,6 +38,9 @@ class MainTabFolder : public QTabWidget {
  public:
   explicit MainTabFolder(QWidget* parent = nullptr);
 
+  // Asked before the operator turns to another tab; false holds the tab.
+  void SetLeaving(std::function<bool()> leave) { leave_ = std::move(leave); }
+
   // Puts a page in the place of the one that the tab has had, and gives that one.
   std::unique_ptr<MainTabPage> SetPage(int tab, MainTabPage* page);
   MainTabPage& Page(int tab) const;
@@ -57,7 +62,13 @@ class MainTabFolder : public QTabWidget {
   // to the front or a menu that closes gives no focus.
   void StripFocused();
 
+ protected:
+  void keyPressEvent(QKeyEvent* event) override;
+
  private:
+  bool MayLeave() const { return !leave_ || leave_(); }
+
+  std::function<bool()> leave_;
   bool by_program_ = false;
 };
 

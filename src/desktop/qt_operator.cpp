@@ -1,5 +1,6 @@
 #include "desktop/qt_operator.h"
 
+#include <QAbstractButton>
 #include <QApplication>
 #include <QFontMetrics>
 #include <QGridLayout>
@@ -34,6 +35,8 @@ QMessageBox::StandardButtons ButtonsOf(Buttons buttons) {
       return QMessageBox::Ok | QMessageBox::Cancel;
     case Buttons::kYesNo:
       return QMessageBox::Yes | QMessageBox::No;
+    case Buttons::kTryDiscardStay:
+      return QMessageBox::Retry | QMessageBox::Discard | QMessageBox::Cancel;
     case Buttons::kOk:
       break;
   }
@@ -42,23 +45,51 @@ QMessageBox::StandardButtons ButtonsOf(Buttons buttons) {
 
 // Set explicitly: the desktop's order of buttons might put the one for the details first.
 QMessageBox::StandardButton DefaultOf(const MessageBox& box) {
-  if (box.buttons == Buttons::kYesNo) {
-    return box.refuses_by_default ? QMessageBox::No : QMessageBox::Yes;
+  switch (box.buttons) {
+    case Buttons::kYesNo:
+      return box.refuses_by_default ? QMessageBox::No : QMessageBox::Yes;
+    case Buttons::kOkCancel:
+      return box.refuses_by_default ? QMessageBox::Cancel : QMessageBox::Ok;
+    case Buttons::kTryDiscardStay:
+      return QMessageBox::Retry;
+    default:
+      return QMessageBox::Ok;
   }
-  return box.buttons == Buttons::kOkCancel && box.refuses_by_default ? QMessageBox::Cancel
-                                                                     : QMessageBox::Ok;
 }
 
-Answer AnswerOf(int button) {
+Answer AnswerOf(int button, Buttons buttons) {
   switch (button) {
     case QMessageBox::Yes:
       return Answer::kYes;
     case QMessageBox::No:
       return Answer::kNo;
+    case QMessageBox::Retry:
+      return Answer::kTryAgain;
+    case QMessageBox::Discard:
+      return Answer::kDiscard;
     case QMessageBox::Cancel:
-      return Answer::kCancel;
+      return buttons == Buttons::kTryDiscardStay ? Answer::kStay : Answer::kCancel;
     default:
       return Answer::kOk;
+  }
+}
+
+void NameButtons(QMessageBox& box, Buttons buttons) {
+  if (buttons == Buttons::kTryDiscardStay) {
+    box.button(QMessageBox::Retry)->setText(QStringLiteral("Try Again"));
+    box.button(QMessageBox::Discard)->setText(QStringLiteral("Discard"));
+    box.button(QMessageBox::Cancel)->setText(QStringLiteral("Stay"));
+  }
+}
+
+// The box takes the mouse button's release, so a button that is held down would stay drawn so.
+void ReleasePressedButtons() {
+  const QWidget* const window = QApplication::activeWindow();
+  if (window == nullptr) {
+    return;
+  }
+  for (auto* const button : window->findChildren<QAbstractButton*>()) {
+    button->setDown(false);
   }
 }
 
@@ -77,6 +108,7 @@ void MakeRoomForTitle(QMessageBox& box) {
 Answer QtOperator::ShowMessage(const MessageBox& box) {
   const bool was_busy = busy_;
   SetBusy(false);
+  ReleasePressedButtons();
   QMessageBox message(IconOf(box.icon),
                       ToQString(box.title.empty() ? kApplicationTitle : box.title), {},
                       ButtonsOf(box.buttons), QApplication::activeWindow());
@@ -84,9 +116,10 @@ Answer QtOperator::ShowMessage(const MessageBox& box) {
   message.setTextFormat(Qt::PlainText);
   message.setText(ToScreenLines(box.text));
   message.setDetailedText(ToScreenLines(box.cause));
+  NameButtons(message, box.buttons);
   message.setDefaultButton(DefaultOf(box));
   MakeRoomForTitle(message);
-  const Answer answer = AnswerOf(message.exec());
+  const Answer answer = AnswerOf(message.exec(), box.buttons);
   SetBusy(was_busy);
   return answer;
 }

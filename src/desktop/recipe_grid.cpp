@@ -392,6 +392,9 @@ bool RecipeGrid::FinishEdit() {
   QWidget* const editor = indexWidget(currentIndex());
   commitData(editor);
   closeEditor(editor, QAbstractItemDelegate::NoHint);
+  if (IsEditing() && hasFocus()) {
+    editor->setFocus();
+  }
   return !IsEditing();
 }
 
@@ -399,6 +402,16 @@ void RecipeGrid::GiveUpEdit() {
   if (IsEditing()) {
     closeEditor(indexWidget(currentIndex()), QAbstractItemDelegate::RevertModelCache);
   }
+}
+
+void RecipeGrid::ReturnToEdit() {
+  QWidget* const editor = IsEditing() ? indexWidget(currentIndex()) : nullptr;
+  (editor == nullptr ? this : editor)->setFocus();
+}
+
+bool RecipeGrid::HoldsFocus() const {
+  const QWidget* const focus = QApplication::focusWidget();
+  return focus != nullptr && (focus == this || isAncestorOf(focus));
 }
 
 // What the totals follow.

@@ -74,6 +74,9 @@ class RecipeGrid : public QTableView {
   // Of the cell that is edited. False: what was entered stays in its editor.
   bool FinishEdit();
   void GiveUpEdit();
+  // The editor takes the focus again, or the grid where no cell is edited.
+  void ReturnToEdit();
+  bool HoldsFocus() const;
 
  Q_SIGNALS:
   // Columns were moved, sized, shown or hidden, or the view was scrolled.

@@ -137,9 +137,18 @@ QWidget* RecipeGridDelegate::MakeNumberEditor(QWidget* parent, LineColumn column
   return editor;
 }
 
+// The cell is left when the focus goes to another field. Another window takes it only for a while,
+// and the grid itself ends the edit when the focus comes to it.
 bool RecipeGridDelegate::eventFilter(QObject* editor, QEvent* event) {
   if (event->type() == QEvent::KeyPress && TurnsTabs(*static_cast<QKeyEvent*>(event))) {
     return false;
+  }
+  if (event->type() == QEvent::FocusOut) {
+    const QWidget* const viewport = static_cast<QWidget*>(editor)->parentWidget();
+    if (!LeavesField(*static_cast<QFocusEvent*>(event)) ||
+        viewport->parentWidget() == QApplication::focusWidget()) {
+      return false;
+    }
   }
   return QStyledItemDelegate::eventFilter(editor, event);
 }

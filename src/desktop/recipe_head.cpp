@@ -165,8 +165,12 @@ void RecipeHead::Show(const RecipeOnShow& shown) {
   SetBox(*description_, ToQString(recipe.description));
   SetBox(*head_count_, QString::number(recipe.head_count));
   SetBox(*ration_target_, ToQString(recipe.ration_target));
-  batch_type_->setCurrentIndex(TypeIndex(recipe.batch_type));
-  adjust_->setCurrentIndex(TextToLong(recipe.adjust_batch_index));
+  if (!KeepsChoice(*batch_type_)) {
+    batch_type_->setCurrentIndex(TypeIndex(recipe.batch_type));
+  }
+  if (!KeepsChoice(*adjust_)) {
+    adjust_->setCurrentIndex(TextToLong(recipe.adjust_batch_index));
+  }
   ShowInputs(shown);
   batch_type_->setEnabled(shown.type_list_enabled && !read_only_);
 }
@@ -206,9 +210,10 @@ void RecipeHead::HideInputs() {
 }
 
 void RecipeHead::GiveUpTyping() {
-  for (FilteredEdit* box : {name_, description_, head_count_, ration_target_}) {
+  for (FilteredEdit* const box : Boxes()) {
     box->setModified(false);
   }
+  kept_choices_.clear();
 }
 
 void RecipeHead::ShowUnit(const QString& unit) { unit_->setText(unit); }

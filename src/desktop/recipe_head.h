@@ -3,6 +3,8 @@
 #include <QComboBox>
 #include <QLabel>
 #include <QWidget>
+#include <array>
+#include <set>
 #include <string>
 #include <vector>
 
@@ -23,7 +25,7 @@ class RecipeHead : public QWidget {
   explicit RecipeHead(AutoAbbreviation& abbreviation, QWidget* parent = nullptr);
 
   // A box that was typed into keeps what stands in it until that is stored or another recipe is on
-  // show.
+  // show. So does a list whose choice is not stored yet.
   void Show(const RecipeOnShow& shown);
 
   // What was typed into the box is stored, or into all of them given up.
@@ -33,12 +35,24 @@ class RecipeHead : public QWidget {
   // Closes everything but the ID list, for that reason; opens it again for an empty one. To be
   // followed by Show.
   void SetReadOnly(const QString& reason);
+  // The choice in the list is stored, or given up, from here on.
+  void KeepChoice(QComboBox& list) { kept_choices_.insert(&list); }
+  void DropChoice(QComboBox& list) { kept_choices_.erase(&list); }
+  bool KeepsChoice(QComboBox& list) const { return kept_choices_.contains(&list); }
 
   // The three groups of inputs, until the next Show.
   void HideInputs();
 
   void ShowUnit(const QString& unit);
   void ShowMustTotal100(bool shown);  // `lblMustTotal100Pct`
+
+  std::array<FilteredEdit*, 4> Boxes() const {
+    return {name_, description_, head_count_, ration_target_};
+  }
+
+  std::array<QWidget*, 6> Fields() const {
+    return {name_, description_, head_count_, ration_target_, batch_type_, adjust_};
+  }
 
   RecordIdList& CboRecId() { return *id_list_; }
   FilteredEdit& TxtRecName() { return *name_; }
@@ -84,6 +98,7 @@ class RecipeHead : public QWidget {
   Group adjust_group_;
   int recipe_id_ = 0;
   bool read_only_ = false;
+  std::set<const QComboBox*> kept_choices_;  // chosen and not stored yet
 };
 
 }  // namespace vrx

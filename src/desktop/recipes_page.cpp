@@ -40,6 +40,7 @@ int Target(NavigateButton button, int position) {
 RecipesPage::RecipesPage(const RecordPorts& ports, QWidget* parent)
     : RecordPage(parent),
       ports_(ports),
+      gate_(ports.feed.op),
       head_(new RecipeHead(ports.abbreviation, this)),
       lines_(new RecipeLines(*this, this)) {
   setObjectName(QStringLiteral("pageRecipes"));
@@ -61,56 +62,74 @@ void RecipesPage::LayOut() {
 
 void RecipesPage::ConnectHead() {
   connect(head_, &RecipeHead::Refused, this, &RecipesPage::KeyRefused);
-  connect(head_, &RecipeHead::ListLeft, this,
-          [this] { Run([](RecipeEditor& editor) { editor.CommitRecipeRecord(); }); });
-  connect(&head_->CboRecId(), &QComboBox::activated, this, [this](int index) { Select(index); });
+  connect(head_, &RecipeHead::ListLeft, this, [this] {
+    LeaveChoices();
+    Run([](RecipeEditor& editor) { editor.CommitRecipeRecord(); });
+  });
+  connect(&head_->CboRecId(), &QComboBox::activated, this,
+          [this](int index) { Select(index, MayStay::kYes); });
   connect(&head_->CboRecId(), &RecordIdList::Typed, &head_->TxtRecDesc(),
           qOverload<>(&QWidget::setFocus));
-  connect(&head_->TxtRecName(), &FilteredEdit::Left, this, &RecipesPage::LeaveName);
-  connect(&head_->TxtRecDesc(), &FilteredEdit::Left, this, &RecipesPage::LeaveDescription);
-  connect(&head_->TxtRecHeadCount(), &FilteredEdit::Left, this,
-          [this] { LeaveNumber(head_->TxtRecHeadCount(), &RecipeEditor::LeaveHeadCount); });
-  connect(&head_->TxtRecRationTarget(), &FilteredEdit::Left, this,
-          [this] { LeaveNumber(head_->TxtRecRationTarget(), &RecipeEditor::LeaveRationTarget); });
-  connect(&head_->LstRecBatchType(), &QComboBox::activated, this, [this](int index) {
-    Run([index](RecipeEditor& editor) { editor.ChooseBatchType(index); });
-  });
-  connect(&head_->LstAdjustBatchTotal(), &QComboBox::activated, this, [this](int index) {
-    Run([index](RecipeEditor& editor) { editor.ChooseAdjustItem(index); });
-  });
+  for (FilteredEdit* const box : head_->Boxes()) {
+    connect(box, &FilteredEdit::Left, this, [this, box] { Leave(*box); });
+  }
+  for (QComboBox* const list : {&head_->LstRecBatchType(), &head_->LstAdjustBatchTotal()}) {
+    connect(list, &QComboBox::activated, this, [this, list](int index) { Choose(*list, index); });
+  }
 }
 
 void RecipesPage::ConnectLines() {
   connect(lines_, &RecipeLines::MissesTotal, head_, &RecipeHead::ShowMustTotal100);
   connect(lines_, &RecipeLines::DeleteClicked, this, [this] {
-    if (lines_->GrdRec().FinishEdit()) {
-      Run([](RecipeEditor& editor) { editor.DeleteIng(); });
+    if (FinishCell()) {
+      RunCommand([](RecipeEditor& editor) { editor.DeleteIng(); });
     }
   });
   connect(lines_, &RecipeLines::MoveClicked, this, [this](MoveDirection direction) {
-    if (lines_->GrdRec().FinishEdit()) {
-      Run([direction](RecipeEditor& editor) { editor.MoveRow(direction); });
+    if (FinishCell()) {
+      RunCommand([direction](RecipeEditor& editor) { editor.MoveRow(direction); });
     }
   });
 }
 
-bool RecipesPage::Run(const std::function<void(RecipeEditor&)>& event) {
+void RecipesPage::Do(const Event& event) {
   const std::shared_ptr<RecipeEditor> editor = editor_;
   if (!editor) {
-    return false;
+    return;
   }
   const RecipeRecord before = editor->OnShow().ration.recipe;
-  const bool done = HandleEditEvent(ports_.feed.op, [&] { event(*editor); });
-  const RecipeRecord& after = editor->OnShow().ration.recipe;
-  // The first line of a recipe puts it in use, whichever event commits it.
-  if (before.id == after.id && before.description.empty() && !after.description.empty()) {
-    head_->CboRecId().SetItem(after.id, after.name);
+  const auto shown = [&] {
+    const RecipeRecord& after = editor->OnShow().ration.recipe;
+    // The first line of a recipe puts it in use, whichever event commits it.
+    if (before.id == after.id && before.description.empty() && !after.description.empty()) {
+      head_->CboRecId().SetItem(after.id, after.name);
+    }
+    Show();
+    if (std::exchange(stored_, false)) {
+      ports_.record_changed();
+    }
+  };
+  try {
+    event(*editor);
+  } catch (...) {
+    shown();
+    throw;
   }
-  Show();
-  if (std::exchange(stored_, false)) {
-    ports_.record_changed();
+  shown();
+}
+
+bool RecipesPage::Run(const Event& event) {
+  return editor_ && HandleEditEvent(ports_.feed.op, [&] { Do(event); });
+}
+
+bool RecipesPage::RunCommand(const Event& event) {
+  try {
+    Do(event);
+    return true;
+  } catch (const Error& failure) {
+    TellEditFailure(ports_.feed.op, failure);
   }
-  return done;
+  return false;
 }
 
 // The lines first: a list that is closed by its choice hands the focus on to the grid.
@@ -136,60 +155,6 @@ std::string RecipesPage::BatchTypeOnShow() const {
   return editor_ ? editor_->OnShow().ration.recipe.batch_type : std::string();
 }
 
-// The events of the head.
-
-void RecipesPage::LeaveName() {
-  if (read_only_) {
-    return;
-  }
-  FilteredEdit& box = head_->TxtRecName();
-  bool named = true;
-  Run([&](RecipeEditor& editor) {
-    named = editor.LeaveName(box.Text());
-    RecipeHead::Stored(box);
-  });
-  RewriteItem(box.Text());
-  if (!named && box.isVisible() && box.isEnabled()) {
-    box.setFocus();
-  }
-}
-
-void RecipesPage::LeaveDescription() {
-  if (read_only_) {
-    return;
-  }
-  FilteredEdit& box = head_->TxtRecDesc();
-  FilteredEdit& name = head_->TxtRecName();
-  const std::string listed = name.Text();
-  const std::optional<std::string> abbreviation =
-      ports_.abbreviation.LeaveDescription(box.Text(), ports_.feed.settings.AutoAbbreviateOn());
-  Run([&](RecipeEditor& editor) {
-    editor.LeaveDescription(box.Text(), abbreviation);
-    RecipeHead::Stored(box);
-    if (abbreviation) {
-      RecipeHead::Stored(name);
-    }
-  });
-  // An abbreviation is not listed until the name is left.
-  RewriteItem(listed);
-}
-
-void RecipesPage::LeaveNumber(FilteredEdit& box, void (RecipeEditor::*leave)(std::string_view)) {
-  if (read_only_) {
-    return;
-  }
-  Run([&](RecipeEditor& editor) {
-    (editor.*leave)(box.Text());
-    RecipeHead::Stored(box);
-  });
-}
-
-void RecipesPage::RewriteItem(std::string_view name) {
-  if (editor_) {
-    head_->CboRecId().SetItem(editor_->OnShow().ration.recipe.id, name);
-  }
-}
-
 // The events of the grid.
 
 void RecipesPage::GridGotFocus() {
@@ -197,15 +162,18 @@ void RecipesPage::GridGotFocus() {
   Run([](RecipeEditor& editor) { editor.GridGotFocus(); });
 }
 
-// A line that is complete does not wait for the focus to come back.
+// A line that is complete does not wait for the focus to come back, unless a cell of it is still
+// being edited.
 void RecipesPage::GridLostFocus() {
   Q_EMIT CancelAllowed(true);
-  Run([](RecipeEditor& editor) { editor.CommitRow(); });
+  if (!lines_->GrdRec().IsEditing()) {
+    LeaveEntryRow();
+  }
 }
 
 bool RecipesPage::GoToRow(int row) {
   bool went = false;
-  if (Run([&](RecipeEditor& editor) { went = editor.GoToRow(row); }) && !went) {
+  if (RunWithNewLine([&](RecipeEditor& editor) { went = editor.GoToRow(row); }) && !went) {
     KeyRefused();
   }
   return went;
@@ -213,7 +181,7 @@ bool RecipesPage::GoToRow(int row) {
 
 bool RecipesPage::CommitRow() {
   bool committed = false;
-  if (Run([&](RecipeEditor& editor) { committed = editor.CommitRow(); }) && !committed) {
+  if (RunWithNewLine([&](RecipeEditor& editor) { committed = editor.CommitRow(); }) && !committed) {
     KeyRefused();
   }
   return committed;
@@ -228,18 +196,9 @@ void RecipesPage::BeforeCellEdit(LineColumn column) {
 }
 
 void RecipesPage::AfterCellEdit(LineColumn column) {
-  Run([column](RecipeEditor& editor) { editor.AfterCellEdit(column); });
-}
-
-bool RecipesPage::EnterCell(LineColumn column, std::string_view text) {
-  entering_ = true;
-  const bool entered = Run([&](RecipeEditor& editor) { editor.EnterCell(column, text); });
-  entering_ = false;
-  return entered;
-}
-
-bool RecipesPage::ChooseIngredient(int id) {
-  return Run([id](RecipeEditor& editor) { editor.ChooseIngredient(id); });
+  gate_.Forget(&lines_->GrdRec());
+  const bool entered = !discarding_;
+  Run([column, entered](RecipeEditor& editor) { editor.AfterCellEdit(column, entered); });
 }
 
 void RecipesPage::KeyRefused() { BeepIfEnabled(ports_.feed.op, ports_.feed.settings); }
@@ -247,15 +206,19 @@ void RecipesPage::KeyRefused() { BeepIfEnabled(ports_.feed.op, ports_.feed.setti
 // The action bar and the navigator.
 
 void RecipesPage::UpdateRecord() {
-  if (lines_->GrdRec().FinishEdit()) {
+  if (FinishCell()) {
     Run([](RecipeEditor& editor) { editor.CommitRecipeRecord(); });
   }
 }
 
 // The lines are not given up: a row that is pending is committed.
 void RecipesPage::CancelRecord() {
+  for (const QWidget* const field : head_->Fields()) {
+    gate_.Forget(field);
+  }
   head_->GiveUpTyping();
-  Run([](RecipeEditor& editor) { editor.CommitRow(); });
+  Show();
+  LeaveEntryRow();
 }
 
 void RecipesPage::DefaultRecord() {
@@ -263,6 +226,7 @@ void RecipesPage::DefaultRecord() {
   if (id == 0 || read_only_ || !ResetRecord(*connection_, RecordKind::kRecipe, id, ports_.feed)) {
     return;
   }
+  gate_.Forget();
   lines_->GrdRec().GiveUpEdit();
   head_->GiveUpTyping();
   HandleEditEvent(ports_.feed.op, [&] { editor_ = MakeEditor(*connection_, id); });
@@ -273,21 +237,24 @@ void RecipesPage::DefaultRecord() {
 
 void RecipesPage::Navigate(NavigateButton button) {
   if (const int position = Position(); position != 0) {
-    Select(Target(button, position));
+    Select(Target(button, position), MayStay::kYes);
   }
 }
 
 int RecipesPage::Position() const { return closed_ ? 0 : editor_->OnShow().ration.recipe.id; }
 
-// Index 0, the blank item of the list, is the recipe on show.
-bool RecipesPage::Select(int id) {
-  if (!lines_->GrdRec().FinishEdit()) {
-    lines_->GrdRec().GiveUpEdit();
-  }
-  if (!CommitPending()) {
+// The only way to another recipe: whatever is being edited belongs to the one that is left. Index
+// 0, the blank item of the list, is the recipe on show.
+bool RecipesPage::ComeTo(int id, MayStay may_stay) {
+  if (!LeaveEdits(may_stay)) {
+    Show();
     return false;
   }
-  if (!Run([id](RecipeEditor& editor) { editor.Select(id); })) {
+  return Run([id](RecipeEditor& editor) { editor.Select(id); });
+}
+
+bool RecipesPage::Select(int id, MayStay may_stay) {
+  if (!ComeTo(id, may_stay)) {
     return false;
   }
   Q_EMIT Moved(Position());
@@ -323,6 +290,7 @@ void RecipesPage::Prepare() {
   if (!editor_) {
     return;
   }
+  LeaveEdits(MayStay::kNo);
   preparing_ = true;
   head_->HideInputs();
   lines_->HideGrid();
@@ -334,15 +302,11 @@ void RecipesPage::Prepare() {
     return;
   }
   ShowUnit();
-  if (CommitPending()) {
-    // By way of the last recipe, which opens the list of batch types where it has none.
-    Run([this](RecipeEditor& editor) {
-      ReadIngredients();
-      editor.Select(kRecipeCount);
-    });
-  }
+  Run([this](RecipeEditor& /*editor*/) { ReadIngredients(); });
+  // By way of the last recipe, which opens the list of batch types where it has none.
+  ComeTo(kRecipeCount, MayStay::kNo);
   preparing_ = false;
-  Select(1);
+  Select(1, MayStay::kNo);
   Waited(kShownDelay);
   ports_.feed.op.SetBusy(false);
 }
@@ -374,10 +338,11 @@ void RecipesPage::Activated() {
   grid.setUpdatesEnabled(true);
 }
 
-// A line that is complete is not lost with its recipe or its database.
-bool RecipesPage::CommitPending() {
-  return !editor_ || !editor_->OnShow().EntryPending() ||
-         Run([](RecipeEditor& editor) { editor.EndEntry(); });
+// A line that is complete is not lost with its database.
+void RecipesPage::CommitPending() {
+  if (editor_ && editor_->OnShow().EntryPending() && !ended_) {
+    Run([](RecipeEditor& editor) { editor.EndEntry(); });
+  }
 }
 
 void RecipesPage::Rebind(DatabaseKind kind, const BoundDatabase& database) {
@@ -388,6 +353,7 @@ void RecipesPage::Rebind(DatabaseKind kind, const BoundDatabase& database) {
   SQLite::Database& connection = *database.connection;
   std::vector<IngredientRecord> ingredients = ReadActiveIngredients(connection);
   std::shared_ptr<RecipeEditor> editor = MakeEditor(connection, 1);
+  gate_.Forget();
   lines_->GrdRec().GiveUpEdit();
   head_->GiveUpTyping();
   ++visit_;
@@ -397,6 +363,7 @@ void RecipesPage::Rebind(DatabaseKind kind, const BoundDatabase& database) {
   CloseFields(ToQString(database.read_only_note));
   editor_ = std::move(editor);
   stored_ = false;
+  ended_ = false;
   lines_->GrdRec().SetIngredients(std::move(ingredients));
   lines_->ShowFixedTexts();
   ShowUnit();
@@ -412,6 +379,7 @@ void RecipesPage::CloseFields(const QString& reason) {
 
 void RecipesPage::ReleaseViews() {
   CommitPending();
+  gate_.Forget();
   lines_->GrdRec().GiveUpEdit();
   ++visit_;
   editor_.reset();
@@ -431,7 +399,7 @@ void RecipesPage::LoadIdLists() {
     }
   });
   if (connection_ == connection) {
-    Select(1);
+    Select(1, MayStay::kNo);
   }
 }
 

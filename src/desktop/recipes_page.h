@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "database/records.h"
+#include "desktop/edit_gate.h"
 #include "desktop/recipe_head.h"
 #include "desktop/recipe_lines.h"
 #include "desktop/record_page.h"
@@ -44,10 +45,12 @@ class RecipesPage final : public RecordPage, private RecipeGridEvents {
   void CancelRecord() override;
   void DefaultRecord() override;
   void Navigate(NavigateButton button) override;
-  void GoTo(int position) override { Select(position); }
+  void GoTo(int position) override { Select(position, MayStay::kNo); }
   int Position() const override;
 
   // MainTabPage.
+  bool LeaveEdits(MayStay may_stay) override;
+  std::vector<LostEdit> EndEdits() override;
   void TabChanged(int tab, int previous) override;
   void Prepare() override;
   void StripFocused() override;
@@ -76,14 +79,22 @@ class RecipesPage final : public RecordPage, private RecipeGridEvents {
   void ConnectHead();
   void ConnectLines();
 
-  // Runs an event of the editor and shows what came of it. False: it failed, and was told.
-  bool Run(const std::function<void(RecipeEditor&)>& event);
+  // Runs an event of the editor and shows what came of it. Throws what the event throws.
+  using Event = std::function<void(RecipeEditor&)>;
+  void Do(const Event& event);
+  // False: it failed, and was told.
+  bool Run(const Event& event);
+  // The same for a command of the operator, with a failure of the storage told in words.
+  bool RunCommand(const Event& event);
+  // The same for an event that adds the line of the entry row: that line is kept and asked about.
+  bool RunWithNewLine(const Event& event);
   void Show();
   std::shared_ptr<RecipeEditor> MakeEditor(SQLite::Database& connection, int id);
 
-  bool Select(int id);
-  // False: it could not be stored, and that was told.
-  bool CommitPending();
+  // False: the operator stays with an edit, or the recipe cannot be shown.
+  bool ComeTo(int id, MayStay may_stay);
+  bool Select(int id, MayStay may_stay);
+  void CommitPending();
   void ReadIngredients();
   // The file may not be written, for that reason; or it may, for an empty one.
   void CloseFields(const QString& reason);
@@ -91,9 +102,23 @@ class RecipesPage final : public RecordPage, private RecipeGridEvents {
   // False: what waited must not go on.
   bool Waited(Milliseconds interval);
 
+  // The fields that are left (recipes_page_edits.cpp).
+  using StoreBox = std::function<std::string()>;
+  void LeaveBox(FilteredEdit& box, std::string_view field, StoreBox store);
   void LeaveName();
   void LeaveDescription();
-  void LeaveNumber(FilteredEdit& box, void (RecipeEditor::*leave)(std::string_view));
+  void LeaveNumber(FilteredEdit& box, std::string_view field,
+                   void (RecipeEditor::*leave)(std::string_view));
+  void Leave(FilteredEdit& box);
+  void Choose(QComboBox& list, int index);
+  void StoreChoice(QComboBox& list, int index);
+  void LeaveChoices();
+  bool StoreCell(std::string what, std::string text, const Event& event);
+  bool FinishCell();
+  void DiscardCell();
+  FieldEdit NewLine();
+  void LeaveEntryRow();
+  void KeepOpenEdits();
   void RewriteItem(std::string_view name);
 
   RecordPorts ports_;
@@ -104,8 +129,12 @@ class RecipesPage final : public RecordPage, private RecipeGridEvents {
   std::shared_ptr<RecipeEditor> editor_;  // exactly while there is a connection
   bool stored_ = false;                   // the event on its way has changed the database
   bool entering_ = false;                 // a cell of a line is being stored
+  bool leaving_ = false;                  // the grid as a whole is being left
+  bool discarding_ = false;               // the edit of a cell is given up by the operator
+  bool ended_ = false;                    // no edit of this database is stored any more
   bool preparing_ = false;
   int visit_ = 0;  // of a tab; another one ends what waits
+  EditGate gate_;
   RecipeHead* head_;
   RecipeLines* lines_;
 };

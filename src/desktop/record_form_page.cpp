@@ -1,7 +1,7 @@
 #include "desktop/record_form_page.h"
 
 #include <QHBoxLayout>
-#include <QTimer>
+#include <QSignalBlocker>
 #include <QVBoxLayout>
 #include <utility>
 
@@ -45,20 +45,14 @@ QCheckBox* AddCheckBox(QWidget* page, const char* name, const QString& caption) 
   return box;
 }
 
-void SetIfOther(FilteredEdit& box, std::string_view text) {
-  const QString shown = ToQString(text);
-  if (box.text() != shown) {
-    box.setText(shown);
-  }
-}
-
 }  // namespace
 
 RecordFormPage::RecordFormPage(RecordPorts ports, Design design, QWidget* parent)
     : RecordPage(parent),
       ports_(std::move(ports)),
       design_(std::move(design)),
-      traits_(TraitsOf(design_.kind)) {
+      traits_(TraitsOf(design_.kind)),
+      gate_(ports_.feed.op) {
   setObjectName(QString::fromLatin1(design_.page));
   MakeControls();
   LayOut();
@@ -134,11 +128,9 @@ void RecordFormPage::TabBehindNumber(std::initializer_list<QWidget*> controls) {
 void RecordFormPage::Connect() {
   connect(id_list_, &QComboBox::activated, this, &RecordFormPage::ChooseItem);
   connect(id_list_, &RecordIdList::Typed, description_, [this] { description_->setFocus(); });
-  connect(name_, &FilteredEdit::Left, this, &RecordFormPage::LeaveName);
-  connect(description_, &FilteredEdit::Left, this, &RecordFormPage::LeaveDescription);
-  connect(number_, &FilteredEdit::Left, this, &RecordFormPage::LeaveNumber);
   const auto beep = [this] { BeepIfEnabled(ports_.feed.op, ports_.feed.settings); };
-  for (FilteredEdit* const box : {name_, description_, number_}) {
+  for (FilteredEdit* const box : Boxes()) {
+    connect(box, &FilteredEdit::Left, this, [this, box] { Leave(*box); });
     connect(box, &FilteredEdit::Refused, this, beep);
   }
   connect(grid_, &RecordListGrid::Refused, this, beep);
@@ -146,8 +138,12 @@ void RecordFormPage::Connect() {
   connect(
       &grid_->Model(), &RecordListModel::Typed, this,
       [this](int /*id*/, const std::string& field, const QString& text) { RowTyped(field, text); });
-  connect(view_all_, &QCheckBox::toggled, grid_, &QWidget::setVisible);
-  connect(active_only_, &QCheckBox::toggled, this, &RecordFormPage::RefreshGrid);
+  grid_->SetLeaving([this] { return LeaveEdits(MayStay::kYes); });
+  connect(view_all_, &QCheckBox::toggled, this, [this] {
+    ChooseView(*view_all_, [this] { grid_->setVisible(view_all_->isChecked()); });
+  });
+  connect(active_only_, &QCheckBox::toggled, this,
+          [this] { ChooseView(*active_only_, [this] { RefreshGrid(); }); });
 }
 
 // What the page stands on.
@@ -156,6 +152,8 @@ void RecordFormPage::Rebind(DatabaseKind kind, const BoundDatabase& database) {
   if (kind != DatabaseKind::kRecipe) {
     return;
   }
+  ForgetEdits();
+  ShowStored();
   database_ = database.connection.get();
   blank_ = database.blank;
   read_only_ = !database.read_only_note.empty();
@@ -167,8 +165,13 @@ void RecordFormPage::Rebind(DatabaseKind kind, const BoundDatabase& database) {
   CameToAnother();
 }
 
+void RecordFormPage::ReleaseViews() {
+  ForgetEdits();
+  database_ = nullptr;
+}
+
 void RecordFormPage::ShowReadOnly(const QString& reason) {
-  for (FilteredEdit* const box : {name_, description_, number_}) {
+  for (FilteredEdit* const box : Boxes()) {
     box->setReadOnly(!reason.isEmpty());
     box->setToolTip(reason);
   }
@@ -200,8 +203,13 @@ void RecordFormPage::Prepare() {
 
 // The position.
 
+// The way to another record for the program: an edit that is still open does not hold it.
 void RecordFormPage::GoTo(int position) {
-  if (database_ != nullptr && position > 0 && Show(position)) {
+  if (database_ == nullptr || position <= 0) {
+    return;
+  }
+  LeaveEdits(MayStay::kNo);
+  if (Show(position)) {
     ShowAllRecords();
     grid_->Select(position_);
   }
@@ -209,6 +217,9 @@ void RecordFormPage::GoTo(int position) {
 
 bool RecordFormPage::Show(int position) {
   const bool read = HandleEditEvent(ports_.feed.op, [&] { ReadRecord(position); });
+  if (read) {
+    ForgetEdits();
+  }
   const bool another = read && position != position_;
   position_ = read ? position : position_;
   id_list_->setCurrentIndex(position_);
@@ -224,7 +235,7 @@ bool RecordFormPage::Show(int position) {
 
 // The blank item is no choice.
 void RecordFormPage::ChooseItem(int list_index) {
-  if (list_index == 0) {
+  if (list_index == 0 || !LeaveEdits(MayStay::kYes)) {
     id_list_->setCurrentIndex(position_);
     return;
   }
@@ -232,7 +243,23 @@ void RecordFormPage::ChooseItem(int list_index) {
 }
 
 // The list of the active records stays: its rows are found by their ID.
-void RecordFormPage::ChooseRow(int id) { Show(id); }
+void RecordFormPage::ChooseRow(int id) {
+  if (LeaveEdits(MayStay::kYes)) {
+    Show(id);
+  } else {
+    grid_->Select(position_);
+  }
+}
+
+// What the grid shows changes with the box, and a cell that is being edited would go with it.
+void RecordFormPage::ChooseView(QCheckBox& box, const std::function<void()>& show) {
+  if (LeaveEdits(MayStay::kYes)) {
+    show();
+  } else {
+    const QSignalBlocker silent(box);
+    box.setChecked(!box.isChecked());
+  }
+}
 
 void RecordFormPage::Navigate(NavigateButton button) {
   if (Commit()) {
@@ -241,103 +268,22 @@ void RecordFormPage::Navigate(NavigateButton button) {
   }
 }
 
-// What the focus leaves.
-
-std::string RecordFormPage::Left(std::string_view field, std::string_view text) const {
-  return FieldOf(design_.kind, field).leave(text);
-}
-
-// Stores an empty name, too, and then returns what the operator is told.
-std::string RecordFormPage::StoreName() {
-  std::string refusal;
-  std::string left;
-  try {
-    left = Left(kName, NameText());
-  } catch (const FieldRefusal& failure) {
-    refusal = failure.what();
-  }
-  SetIfOther(*name_, left);
-  id_list_->SetItem(position_, left);
-  Commit();
-  return refusal;
-}
-
-void RecordFormPage::TellFieldError(const std::string& text) {
-  ports_.feed.op.ShowMessage(
-      {.icon = Icon::kCritical, .title = std::string(kFieldErrorTitle), .text = text});
-  if (name_->isVisible() && name_->isEnabled()) {
-    name_->setFocus();
-  }
-}
-
-void RecordFormPage::LeaveName() {
-  if (!MayWrite()) {
-    return;
-  }
-  const std::string refusal = StoreName();
-  if (!refusal.empty()) {
-    TellFieldError(refusal);
-  }
-}
-
-// The item keeps the old name until the name box is left.
-void RecordFormPage::LeaveDescription() {
-  if (!MayWrite()) {
-    return;
-  }
-  SetIfOther(*description_, Left(kDescription, DescriptionText()));
-  id_list_->SetItem(position_, NameText());
-  if (const auto name = ports_.abbreviation.LeaveDescription(
-          DescriptionText(), ports_.feed.settings.AutoAbbreviateOn())) {
-    SetIfOther(*name_, *name);
-  }
-  Commit();
-}
-
-void RecordFormPage::LeaveNumber() {
-  if (MayWrite()) {
-    SetIfOther(*number_, Left(design_.number_field, NumberText()));
-    Commit();
-  }
-}
-
-// A row is stored with each of its cells. The box about a missing name waits until the grid is done
-// with the cell.
-void RecordFormPage::RowTyped(const std::string& field, const QString& text) {
-  if (!MayWrite()) {
-    return;
-  }
-  if (field == kName) {
-    name_->setText(text);
-  } else {
-    FilteredEdit& box = field == kDescription ? *description_ : *number_;
-    SetIfOther(box, Left(field, text.toStdString()));
-  }
-  if (description_->text().isEmpty()) {
-    description_->setText(name_->text());
-  }
-  const std::string refusal = StoreName();
-  if (!refusal.empty()) {
-    QTimer::singleShot(0, this, [this, refusal] { TellFieldError(refusal); });
-  }
-}
-
 // What is stored.
 
-bool RecordFormPage::Commit() {
+void RecordFormPage::Store() {
   if (!MayWrite()) {
-    return true;
+    return;
   }
-  bool changed = false;
-  if (!HandleEditEvent(ports_.feed.op, [&] { changed = StoreRecordOnShow(); })) {
-    return false;
-  }
+  const bool changed = StoreRecordOnShow();
   if (changed) {
     ports_.record_changed();
   }
   RefreshGrid();
   Stored();
-  return true;
+}
+
+bool RecordFormPage::Commit() {
+  return HandleEditEvent(ports_.feed.op, [this] { Store(); });
 }
 
 void RecordFormPage::RefreshGrid() {
@@ -348,6 +294,8 @@ void RecordFormPage::RefreshGrid() {
 }
 
 void RecordFormPage::CancelRecord() {
+  ForgetEdits();
+  ShowStored();
   GoTo(position_);
   RefreshGrid();
   Stored();
@@ -362,6 +310,8 @@ void RecordFormPage::DefaultRecord() {
     ports_.record_changed();
   }
   if (outcome != ResetOutcome::kNotReset) {
+    ForgetEdits();
+    ShowStored();
     GoTo(position_);
     RefreshGrid();
     id_list_->SetItem(position_);
@@ -371,9 +321,16 @@ void RecordFormPage::DefaultRecord() {
 
 void RecordFormPage::ShowTexts(std::string_view name, std::string_view description,
                                std::string_view number) {
-  SetIfOther(*name_, name);
-  SetIfOther(*description_, description);
-  SetIfOther(*number_, number);
+  stored_ = {.name = std::string(name),
+             .description = std::string(description),
+             .number = std::string(number)};
+  ShowStored();
+}
+
+void RecordFormPage::ShowStored() {
+  SetIfOther(*name_, stored_.name);
+  SetIfOther(*description_, stored_.description);
+  SetIfOther(*number_, stored_.number);
 }
 
 }  // namespace vrx

@@ -3,12 +3,14 @@
 #include <QCheckBox>
 #include <QGridLayout>
 #include <QLabel>
+#include <array>
 #include <functional>
 #include <initializer_list>
 #include <string>
 #include <string_view>
 #include <vector>
 
+#include "desktop/edit_gate.h"
 #include "desktop/filtered_edit.h"
 #include "desktop/record_id_list.h"
 #include "desktop/record_list_grid.h"
@@ -17,6 +19,9 @@
 #include "feed/record_reset.h"
 
 namespace vrx {
+
+// Keeps the cursor where nothing changes.
+void SetIfOther(FilteredEdit& box, std::string_view text);
 
 // The page of a kind of record that is one form: an ID list, name, description and a number in
 // boxes, and below them the grid of all records of the kind.
@@ -27,9 +32,11 @@ class RecordFormPage : public RecordPage {
   Q_OBJECT
 
  public:
+  bool LeaveEdits(MayStay may_stay) override;
+  std::vector<LostEdit> EndEdits() override;
   void Prepare() override;
   void Rebind(DatabaseKind kind, const BoundDatabase& database) override;
-  void ReleaseViews() override { database_ = nullptr; }
+  void ReleaseViews() override;
   void LoadIdLists() override;
 
   void UpdateRecord() override { Commit(); }
@@ -65,8 +72,12 @@ class RecordFormPage : public RecordPage {
   //
   // Shows a record in its boxes.
   virtual void ReadRecord(int id) = 0;
+  // Shows the record as it was read or stored last, without the database.
+  virtual void ShowStored();
   // Stores what the boxes hold, and shows what came of it. Returns whether the file had to change.
   virtual bool StoreRecordOnShow() = 0;
+  // The fields of the kind alone are left.
+  virtual void LeaveOwnFields() {}
   virtual std::vector<RecordRow> ReadRows(bool active_only) = 0;
   // The record on show was stored, or read anew.
   virtual void Stored() {}
@@ -91,13 +102,17 @@ class RecordFormPage : public RecordPage {
   // The first of its two columns that the kind may use; what is left over is behind them.
   static constexpr int kFreeColumn = 3;
 
+  std::array<FilteredEdit*, 3> Boxes() const { return {name_, description_, number_}; }
   std::string NameText() const { return name_->Text(); }
   std::string DescriptionText() const { return description_->Text(); }
   std::string NumberText() const { return number_->Text(); }
   void ShowTexts(std::string_view name, std::string_view description, std::string_view number);
 
-  // False: that failed, and was told.
-  bool Commit();
+  // A field of the kind alone is left.
+  void LeaveOwnField(QWidget& field, std::string_view name, std::string text,
+                     std::function<void()> discard, bool entered);
+  // The edit of that field could not be stored, and is to be asked about.
+  bool Keeps(const QWidget& field) const { return gate_.Holds(&field); }
   void RefreshGrid();
   bool ActiveOnly() const { return active_only_->isChecked(); }
   void ShowAllRecords() { active_only_->setChecked(false); }
@@ -110,16 +125,29 @@ class RecordFormPage : public RecordPage {
   void MakeControls();
   void LayOut();
   void Connect();
+
+  // Stores the record, or does nothing where there is none to write. Throws.
+  void Store();
+  // False: that failed, and was told.
+  bool Commit();
+
+  using StoreField = std::function<std::string()>;
   std::string StoreName();
-  void TellFieldError(const std::string& text);
+  void LeaveBox(FilteredEdit& box, std::string_view field, StoreField store);
+  void Leave(FilteredEdit& box);
   void LeaveName();
   void LeaveDescription();
   void LeaveNumber();
   void RowTyped(const std::string& field, const QString& text);
+  void KeepOpenEdits();
+  void ForgetEdits();
+
   void ChooseItem(int list_index);
   void ChooseRow(int id);
+  void ChooseView(QCheckBox& box, const std::function<void()>& show);
   bool Show(int position);
   std::string Left(std::string_view field, std::string_view text) const;
+  const std::string& StoredText(const FilteredEdit& box) const;
   void FillIdList(const std::function<void()>& filled);
 
   RecordPorts ports_;
@@ -129,6 +157,14 @@ class RecordFormPage : public RecordPage {
   bool blank_ = true;
   bool read_only_ = false;
   int position_ = 1;
+  struct Texts {
+    std::string name;
+    std::string description;
+    std::string number;
+  };
+  Texts stored_;
+  EditGate gate_;
+  bool cell_closes_ = false;  // the grid is about to close the editor of a cell
 
   RecordIdList* id_list_ = nullptr;
   FilteredEdit* name_ = nullptr;

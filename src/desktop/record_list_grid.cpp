@@ -121,8 +121,12 @@ class RecordListGrid::CellDelegate : public QStyledItemDelegate {
     return box;
   }
 
+  // Runs as well whenever the cell changes beneath its editor: what has been typed stays.
   void setEditorData(QWidget* editor, const QModelIndex& index) const override {
-    static_cast<FilteredEdit*>(editor)->setText(index.data(Qt::EditRole).toString());
+    auto& box = *static_cast<FilteredEdit*>(editor);
+    if (!box.isModified()) {
+      box.setText(index.data(Qt::EditRole).toString());
+    }
   }
 
   void setModelData(QWidget* editor, QAbstractItemModel* model,
@@ -133,6 +137,10 @@ class RecordListGrid::CellDelegate : public QStyledItemDelegate {
  protected:
   bool eventFilter(QObject* editor, QEvent* event) override {
     if (event->type() == QEvent::KeyPress && TurnsTabs(*static_cast<QKeyEvent*>(event))) {
+      return false;
+    }
+    // The cell is left for another field; another window takes the focus only for a while.
+    if (event->type() == QEvent::FocusOut && !LeavesField(*static_cast<QFocusEvent*>(event))) {
       return false;
     }
     return QStyledItemDelegate::eventFilter(editor, event);
@@ -213,6 +221,62 @@ void RecordListGrid::currentChanged(const QModelIndex& current, const QModelInde
   if (!by_program_ && current.isValid() && current.row() != previous.row()) {
     Q_EMIT RowChosen(model_->IdOf(current.row()));
   }
+}
+
+void RecordListGrid::closeEditor(QWidget* editor, QAbstractItemDelegate::EndEditHint hint) {
+  if (std::exchange(keeps_editor_, false) && hint != QAbstractItemDelegate::RevertModelCache) {
+    return;
+  }
+  QTableView::closeEditor(editor, hint);
+}
+
+void RecordListGrid::FinishEdit() {
+  if (IsEditing()) {
+    QWidget* const editor = indexWidget(currentIndex());
+    commitData(editor);
+    closeEditor(editor, QAbstractItemDelegate::NoHint);
+  }
+}
+
+void RecordListGrid::GiveUpEdit() {
+  if (IsEditing()) {
+    closeEditor(indexWidget(currentIndex()), QAbstractItemDelegate::RevertModelCache);
+  }
+}
+
+void RecordListGrid::ReturnToEdit() {
+  QWidget* const editor = IsEditing() ? indexWidget(currentIndex()) : nullptr;
+  (editor == nullptr ? this : editor)->setFocus();
+}
+
+// Keys that an editor does not take would move the grid away from it.
+void RecordListGrid::keyPressEvent(QKeyEvent* event) {
+  switch (event->key()) {
+    case Qt::Key_Up:
+    case Qt::Key_Down:
+    case Qt::Key_PageUp:
+    case Qt::Key_PageDown:
+      FinishEdit();
+      break;
+    default:
+      QTableView::keyPressEvent(event);
+      return;
+  }
+  if (IsEditing()) {
+    event->accept();
+  } else {
+    QTableView::keyPressEvent(event);
+  }
+}
+
+void RecordListGrid::mousePressEvent(QMouseEvent* event) {
+  const QModelIndex cell = indexAt(event->position().toPoint());
+  const bool elsewhere = cell != currentIndex();
+  if (elsewhere && (IsEditing() || cell.row() != currentIndex().row()) && leave_ && !leave_()) {
+    event->accept();
+    return;
+  }
+  QTableView::mousePressEvent(event);
 }
 
 void RecordListGrid::paintEvent(QPaintEvent* event) {

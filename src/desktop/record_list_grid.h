@@ -2,7 +2,9 @@
 
 #include <QAbstractTableModel>
 #include <QTableView>
+#include <functional>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "feed/record_kind.h"
@@ -76,6 +78,18 @@ class RecordListGrid : public QTableView {
   void Show(std::vector<RecordRow> rows, int id);
   void Select(int id);
 
+  // Asked before a click goes to the row of another record; false holds the row.
+  void SetLeaving(std::function<bool()> leave) { leave_ = std::move(leave); }
+
+  bool IsEditing() const { return state() == EditingState; }
+  // Of the cell that is edited. What could not be stored stays in its editor: then KeepEditor was
+  // called while RecordListModel::Typed was sent.
+  void FinishEdit();
+  void KeepEditor() { keeps_editor_ = true; }
+  void GiveUpEdit();
+  // The editor takes the focus again, or the grid where no cell is edited.
+  void ReturnToEdit();
+
  Q_SIGNALS:
   // The operator has come to the row of another record.
   void RowChosen(int id);
@@ -86,6 +100,9 @@ class RecordListGrid : public QTableView {
  protected:
   void paintEvent(QPaintEvent* event) override;
   void currentChanged(const QModelIndex& current, const QModelIndex& previous) override;
+  void closeEditor(QWidget* editor, QAbstractItemDelegate::EndEditHint hint) override;
+  void keyPressEvent(QKeyEvent* event) override;
+  void mousePressEvent(QMouseEvent* event) override;
 
  private:
   class CellDelegate;
@@ -95,7 +112,9 @@ class RecordListGrid : public QTableView {
   RecordKind kind_;
   RecordListModel* model_;
   QString empty_text_;
+  std::function<bool()> leave_;
   bool by_program_ = false;
+  bool keeps_editor_ = false;
 };
 
 }  // namespace vrx

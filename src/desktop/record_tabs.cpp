@@ -76,7 +76,9 @@ void RecordTabs::Act(int button) {
   }
   switch (button) {
     case kActionUpdate:
-      page->UpdateRecord();
+      if (page->LeaveEdits(MayStay::kYes)) {
+        page->UpdateRecord();
+      }
       break;
     case kActionCancel:
       page->CancelRecord();
@@ -88,7 +90,7 @@ void RecordTabs::Act(int button) {
 
 void RecordTabs::Navigate(int button) {
   RecordPage* const page = PageOnShow();
-  if (page != nullptr && page->Position() != 0) {
+  if (page != nullptr && page->Position() != 0 && page->LeaveEdits(MayStay::kYes)) {
     page->Navigate(static_cast<NavigateButton>(button));
   }
 }

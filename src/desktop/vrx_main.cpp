@@ -8,6 +8,7 @@
 #include <utility>
 
 #include "desktop/help_commands.h"
+#include "desktop/lost_edits.h"
 #include "desktop/qt_text.h"
 #include "frame/text.h"
 
@@ -182,6 +183,7 @@ void VrxMain::Load() {
   window_.Commands().DisableTransactionCommands();
   window_.Tabs().SelectTab(kTabDataTransfer);
   recent_.Load();
+  TellLostEdits();
 }
 
 void VrxMain::Paint() {
@@ -244,6 +246,25 @@ RecentFile VrxMain::Recent(DatabaseKind kind) const {
 void VrxMain::Unload() {
   transfer_.KeepReceived();
   window_.hide();
+}
+
+// By now the operator was asked, or nobody can be.
+void VrxMain::CloseRecipeDatabase() {
+  KeepLostEdits(window_.EndEdits(), ports_.app_folder.DefaultAppPath());
+  databases_.CloseRecipeDatabase();
+}
+
+void VrxMain::TellLostEdits() {
+  const std::filesystem::path folder = ports_.app_folder.DefaultAppPath();
+  const std::string lost = ReadLostEdits(folder);
+  if (lost.empty()) {
+    return;
+  }
+  ports_.op.ShowMessage({.icon = Icon::kWarning,
+                         .title = "Edit (Error)",
+                         .text = "The program was ended before this could be stored:\r\n" + lost +
+                                 "Please enter it again."});
+  RemoveLostEdits(folder);
 }
 
 void VrxMain::UnloadOpenForms() {

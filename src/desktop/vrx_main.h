@@ -57,14 +57,12 @@ class VrxMain : public QObject, public MainForm {
     window_.FitIntoScreen();
     window_.show();
   }
+  bool LeaveEdits() override { return window_.LeaveEdits(); }
   void CloseSerialPort() override { transfer_.CloseSerialPort(); }
   void UnloadSetup() override { transfer_.UnloadSetup(); }
   std::optional<WindowPlace> Place() const override;
   RecentFile Recent(DatabaseKind kind) const override;
-  void CloseRecipeDatabase() override {
-    window_.CommitFocus();
-    databases_.CloseRecipeDatabase();
-  }
+  void CloseRecipeDatabase() override;
   void CloseTransactionDatabase() override { databases_.CloseTransactionDatabase(); }
   void ReleaseDataControls() override { databases_.Release(); }
   void ClearIngredientDropDown() override {}
@@ -75,6 +73,7 @@ class VrxMain : public QObject, public MainForm {
   void Connect();
   void SetHandlers();
   void Load();
+  void TellLostEdits();
   void Paint();
   void Activate();
   void GoToTransfer(const char* button);

@@ -1,6 +1,9 @@
 #pragma once
 
+#include <exception>
 #include <functional>
+#include <string>
+#include <string_view>
 
 #include "platform/operator.h"
 
@@ -10,5 +13,21 @@ namespace vrx {
 // the operator, and false comes back: a failure of the storage is a data error and beeps, whatever
 // the beeper setting says; all else beeps as well and says in a box what it is.
 bool HandleEditEvent(Operator& op, const std::function<void()>& event);
+
+// Beeps and says in a box why an edit failed, a failure of the storage included.
+void TellEditFailure(Operator& op, const std::exception& failure);
+
+// The same for a field that may not be left as it is.
+void TellFieldRefusal(Operator& op, std::string_view refusal);
+
+enum class EditEnd { kStored, kDiscarded, kStays };
+
+// Asks what becomes of an edit that could not be stored for that cause, and again when another try
+// fails. `store` throws Error. `what` names the edit within a sentence: "'Name' field".
+EditEnd AskAboutEdit(Operator& op, std::string_view what, std::string cause,
+                     const std::function<void()>& store);
+
+// Says that an edit which could not be stored is given up.
+void TellEditGivenUp(Operator& op, std::string_view what, std::string_view cause);
 
 }  // namespace vrx

@@ -160,17 +160,16 @@ void RecipeEditor::ChooseAdjustItem(int list_index) {
   });
 }
 
-bool RecipeEditor::LeaveName(std::string_view text) {
+std::string RecipeEditor::LeaveName(std::string_view text) {
   std::string name;
-  bool named = true;
+  std::string refusal;
   try {
     name = LeftText("Name", text);
-  } catch (const FieldRefusal& refusal) {
-    named = false;
-    TellFieldError(refusal.what());
+  } catch (const FieldRefusal& failure) {
+    refusal = failure.what();
   }
   CommitHead([&](RecipeRecord& recipe) { recipe.name = name; });
-  return named;
+  return refusal;
 }
 
 void RecipeEditor::LeaveDescription(std::string_view text,
@@ -206,7 +205,9 @@ void RecipeEditor::BeforeCellEdit(LineColumn column) {
   }
 }
 
-void RecipeEditor::AfterCellEdit(LineColumn column) { CellLeft(shown_, column); }
+void RecipeEditor::AfterCellEdit(LineColumn column, bool entered) {
+  CellLeft(shown_, column, entered);
+}
 
 bool RecipeEditor::GoToRow(int row) {
   const bool exists =

@@ -51,10 +51,10 @@ class RecipeEditor {
   void ChooseBatchType(int list_index);
   void ChooseAdjustItem(int list_index);
 
-  // A box of the head loses the focus with that text. A false of LeaveName: the name is mandatory,
-  // the operator was told and the focus stays; what stands in the box is stored all the same.
+  // A box of the head loses the focus with that text. LeaveName returns why the focus has to stay,
+  // as the operator is told it, or nothing; what stands in the box is stored all the same.
   // `abbreviation` is the name that the description gives, where it gives one.
-  bool LeaveName(std::string_view text);
+  std::string LeaveName(std::string_view text);
   void LeaveDescription(std::string_view text, std::optional<std::string> abbreviation);
   void LeaveHeadCount(std::string_view text);
   void LeaveRationTarget(std::string_view text);
@@ -68,7 +68,8 @@ class RecipeEditor {
   // Events of the grid. After a deletion the entry row is offered again from here on.
   void GridGotFocus();
   void BeforeCellEdit(LineColumn column);
-  void AfterCellEdit(LineColumn column);
+  // `entered` is false for an edit that was given up: a new line does not count it.
+  void AfterCellEdit(LineColumn column, bool entered = true);
 
   // To a line or to the entry row. A line in the entry row is added on the way. False: the grid
   // stays, for there is no such row or the entry row's line is not complete.

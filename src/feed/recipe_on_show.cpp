@@ -82,8 +82,10 @@ void EnableInputs(RecipeOnShow& shown, bool flag) {
                                      shown.totals.ingredient_percent);
 }
 
-void CellLeft(RecipeOnShow& shown, LineColumn column) {
-  shown.last_column = column;
+void CellLeft(RecipeOnShow& shown, LineColumn column, bool entered) {
+  if (entered) {
+    shown.last_column = column;
+  }
   if (column != LineColumn::kTarget) {
     return;
   }

@@ -65,8 +65,9 @@ void Recompute(RecipeOnShow& shown, const Recomputation& what);
 void EnableInputs(RecipeOnShow& shown, bool flag);
 
 // A cell is left. The inputs that BeforeCellEdit closed open again, those of a recipe without a
-// line in composition only as far as its totals let them.
-void CellLeft(RecipeOnShow& shown, LineColumn column);
+// line in composition only as far as its totals let them. `entered` is false for an edit that was
+// given up.
+void CellLeft(RecipeOnShow& shown, LineColumn column, bool entered);
 
 // A recipe with its stored lines in place of the one on show: recomputed and on line 1, or on the
 // entry row with blank totals and closed inputs. The list of batch types opens for an untyped

@@ -6,8 +6,8 @@
 namespace vrx {
 
 enum class Icon { kNone, kCritical, kQuestion, kWarning, kInformation };
-enum class Buttons { kOk, kOkCancel, kYesNo };
-enum class Answer { kOk, kCancel, kYes, kNo };
+enum class Buttons { kOk, kOkCancel, kYesNo, kTryDiscardStay };
+enum class Answer { kOk, kCancel, kYes, kNo, kTryAgain, kDiscard, kStay };
 
 // A message to the operator. Texts are UTF-8; CR LF separates lines.
 struct MessageBox {

@@ -123,6 +123,7 @@ TEST_F(IngredientsPageTest, ALeftNameIsStoredWithoutTrailingBlanksAndRewritesIts
 TEST_F(IngredientsPageTest, AnEmptyNameIsToldKeepsTheFocusAndIsStored) {
   Choose(kCorn);
   Fill("txtIngName", "");
+  RunEvents();
   ASSERT_EQ(operator_.boxes.size(), 1U);
   EXPECT_EQ(operator_.boxes[0].title, "Field Error");
   EXPECT_EQ(operator_.boxes[0].text, "The 'Name' field is mandatory.");
@@ -358,7 +359,7 @@ TEST_F(IngredientsPageTest, DefaultOfAUsedIngredientIsRefusedAndItsItemLosesTheN
 
 // Faults.
 
-TEST_F(IngredientsPageTest, AFieldThatCannotBeStoredBeepsStaysAndIsStoredLater) {
+TEST_F(IngredientsPageTest, AFieldThatCannotBeStoredIsAskedAboutStaysAndIsStoredLater) {
   settings_.SetEnableBeeperOn(false);
   Choose(kCorn);
   Database().setBusyTimeout(1);
@@ -366,20 +367,26 @@ TEST_F(IngredientsPageTest, AFieldThatCannotBeStoredBeepsStaysAndIsStoredLater) 
     SQLite::Database other = OpenDatabase(path_, Access::kWrite, std::chrono::milliseconds{1});
     const SQLite::Transaction lock(other, SQLite::TransactionBehavior::IMMEDIATE);
     Fill("txtIngName", "MILO");
-    EXPECT_EQ(operator_.beeps, 1);
+    operator_.answers = {Answer::kStay, Answer::kStay};
+    RunEvents();
     EXPECT_EQ(Shown("txtIngName"), "MILO");
+    EXPECT_TRUE(Box("txtIngName").hasFocus());
     Press("cmdNavigate(2)");
     EXPECT_EQ(List("cboIngID").currentIndex(), kCorn);
+    EXPECT_EQ(operator_.boxes.size(), 2U);
   }
   Press("cmdAction(0)");
   EXPECT_EQ(Stored(kCorn).name, "MILO");
 }
 
-TEST_F(IngredientsPageTest, AWeightOutsideItsRangeIsToldAndStoresNothing) {
+TEST_F(IngredientsPageTest, AWeightOutsideItsRangeIsAskedAboutAndStoresNothing) {
   Database().exec("UPDATE RecipeRation SET Target = '2000000000' WHERE Ingredient = '4'");
   Choose(kCorn);
   Fill("txtIngDryMatter", "1");
+  operator_.answers = {Answer::kDiscard};
+  RunEvents();
   ASSERT_EQ(operator_.boxes.size(), 1U);
+  EXPECT_EQ(Shown("txtIngDryMatter"), "88");
   EXPECT_EQ(Stored(kCorn).dry_matter_percent, 88);
   EXPECT_EQ(Line(1).dry_matter_percent, "88");
 }

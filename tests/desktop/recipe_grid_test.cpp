@@ -282,7 +282,7 @@ TEST_F(RecipeGridTest, ACommittedRowBringsTheEntryRowBack) {
   EXPECT_EQ(Cell(31, kColumnIngredient), "click to add an ingredient");
 }
 
-TEST_F(RecipeGridTest, ALineThatCannotBeStoredBeepsAndStaysInItsEditor) {
+TEST_F(RecipeGridTest, ALineThatCannotBeStoredIsAskedAboutAndStaysInItsEditor) {
   AddCornHaySupplement(kByWeight);
   EnterOn(kByWeight);
   settings_.SetEnableBeeperOn(false);
@@ -290,8 +290,10 @@ TEST_F(RecipeGridTest, ALineThatCannotBeStoredBeepsAndStaysInItsEditor) {
       "CREATE TRIGGER Fail BEFORE UPDATE ON RecipeRation BEGIN SELECT RAISE(FAIL, 'full'); END");
   Overtype(0, kColumnTarget, "77");
   Press(Qt::Key_Return);
-  EXPECT_EQ(op_.beeps, 1);
-  EXPECT_THAT(op_.boxes, IsEmpty());
+  op_.answers.push_back(Answer::kStay);
+  RunEvents();
+  ASSERT_EQ(op_.boxes.size(), 1U);
+  EXPECT_EQ(op_.boxes[0].buttons, Buttons::kTryDiscardStay);
   EXPECT_TRUE(Grid().IsEditing());
   EXPECT_EQ(Edited(), "77");
   Database().exec("DROP TRIGGER Fail");

@@ -169,6 +169,7 @@ TEST_F(RecipeHeadTest, AnEmptyNameIsToldAndKeepsTheFocusAndIsFlushedAllTheSame) 
   Press(Qt::Key_A, Qt::ControlModifier);
   Press(Qt::Key_Delete);
   Press(Qt::Key_Tab);
+  RunEvents();
   ExpectBox("Field Error", "The 'Name' field is mandatory.", Icon::kCritical);
   EXPECT_THAT(op_.boxes, SizeIs(1));
   EXPECT_EQ(Focused(), "txtRecName");

@@ -150,19 +150,21 @@ TEST_F(RecipesPageTest, AChangeSetsModifiedAndIsTold) {
   EXPECT_EQ(Modified(), "2026-01-05");
 }
 
-TEST_F(RecipesPageTest, AFailedWriteBeepsAndTheEditStaysInTheBox) {
+TEST_F(RecipesPageTest, AFailedWriteIsAskedAboutAndTheEditStaysInTheBox) {
   settings_.SetEnableBeeperOn(false);
   Enter();
   Database().exec(
       "CREATE TRIGGER Fail BEFORE UPDATE ON Recipe BEGIN SELECT RAISE(FAIL, 'full'); END");
   TypeInto("txtRecName", "STEERS");
+  op_.answers.push_back(Answer::kStay);
   LeaveTo("txtRecDesc");
-  EXPECT_EQ(op_.beeps, 1);
-  EXPECT_THAT(op_.boxes, IsEmpty());
+  RunEvents();
+  ASSERT_EQ(op_.boxes.size(), 1U);
+  EXPECT_EQ(op_.boxes[0].buttons, Buttons::kTryDiscardStay);
+  EXPECT_EQ(Focused(), "txtRecName");
   EXPECT_EQ(Box("txtRecName"), "STEERS");
   EXPECT_EQ(Stored(1).name, "REC001");
   Database().exec("DROP TRIGGER Fail");
-  LeaveTo("txtRecName");
   LeaveTo("txtRecDesc");
   EXPECT_EQ(Stored(1).name, "STEERS");
 }

@@ -154,12 +154,11 @@ TEST_F(RecipeHead, ARationTargetOfZeroGivesNoBatch) {
   ExpectStored();
 }
 
-TEST_F(RecipeHead, AnEmptyNameIsToldAndStoredAllTheSame) {
+TEST_F(RecipeHead, AnEmptyNameHoldsTheFieldAndIsStoredAllTheSame) {
   editor.Select(kByWeight);
-  EXPECT_TRUE(editor.LeaveName("STEER  "));
+  EXPECT_EQ(editor.LeaveName("STEER  "), "");
   EXPECT_EQ(ReadRecipe(database, kByWeight).name, "STEER");
-  EXPECT_FALSE(editor.LeaveName("  "));
-  ExpectBox("Field Error", "The 'Name' field is mandatory.", Icon::kCritical);
+  EXPECT_EQ(editor.LeaveName("  "), "The 'Name' field is mandatory.");
   EXPECT_EQ(ReadRecipe(database, kByWeight).name, "");
 }
 

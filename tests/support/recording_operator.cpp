@@ -6,6 +6,9 @@ namespace vrx::testing {
 
 Answer RecordingOperator::ShowMessage(const MessageBox& box) {
   boxes.push_back(box);
+  if (on_message) {
+    on_message(box);
+  }
   if (box.buttons == Buttons::kOk) {
     return Answer::kOk;
   }

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <deque>
+#include <functional>
 #include <string>
 #include <vector>
 
@@ -19,6 +20,7 @@ class RecordingOperator : public Operator {
   void SetStatusColor(StatusColor color) override { status_color = color; }
 
   std::deque<Answer> answers;  // for questions; a box with OK alone takes none
+  std::function<void(const MessageBox&)> on_message;  // while the box is up; may be empty
 
   std::vector<MessageBox> boxes;
   int beeps = 0;
