@@ -97,7 +97,7 @@ TEST_F(ExitOfProgram, FailureKeepsTheCloseBoxsProgramUpWithABeep) {
 TEST_F(ExitOfProgram, UserSettingsThatCannotBeSavedAreToldAndEachExitGoesOn) {
   failing_key_ = "MainLeft";
   using Leave = bool (ProgramExit::*)();
-  for (const Exit exit :
+  for (const Leave leave :
        {&ProgramExit::CloseBox, &ProgramExit::FileExit, &ProgramExit::SessionEnd}) {
     steps_.clear();
     op_.boxes.clear();
