@@ -290,7 +290,7 @@ TEST_F(PrintAllRecipes, ByPercentFollowMovedColumnsWhileOneByWeightIsShown) {
   const Pages pages = Print();
   ASSERT_THAT(pages, SizeIs(2));
   EXPECT_THAT(pages[0], Contains("CORN No 100 100.000 50 200 0"));
-  EXPECT_THAT(pages[1], Contains("CORN 0 No 50 200 0"));
+  EXPECT_THAT(pages[1], Contains("CORN 0.00 No 50 200 0"));
 }
 
 // The scan stands on the last recipe when the only one is printed: that one comes out.

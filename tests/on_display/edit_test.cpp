@@ -17,8 +17,8 @@ namespace {
 constexpr const char* kNotStored =
     "The 'Description' field could not be stored: SITE.RDB is locked by another program";
 
-constexpr const char* kWeightNotStored =
-    "The 'Target' field could not be stored: SITE.RDB is locked by another program";
+constexpr const char* kShareNotStored =
+    "The 'Ingredient%' field could not be stored: SITE.RDB is locked by another program";
 
 // Another program writes into the file.
 class Lock {
@@ -34,6 +34,8 @@ class Lock {
 
 class EditOnDisplay : public OnDisplay {
  protected:
+  static constexpr int kShareColumn = 7;  // of the recipe grid, in the order of its design
+
   EditOnDisplay() { MakeDatabases(); }
 
   // A new description of ingredient 1 in its field, which is not left.
@@ -57,12 +59,13 @@ class EditOnDisplay : public OnDisplay {
     return file.execAndGet("SELECT Description FROM Ingredient WHERE ID = 1").getString();
   }
 
-  // The weights of the lines of all recipes, in one text.
-  std::string StoredWeights() const {
+  // The shares of the lines of all recipes, in one text.
+  std::string StoredShares() const {
     SQLite::Database file(recipes.string());
     return file
         .execAndGet(
-            "SELECT group_concat(RecipeID || ':' || Sequence || '=' || ifnull(Target, '')) FROM "
+            "SELECT group_concat(RecipeID || ':' || Sequence || '=' || ifnull([Ingredient%], '')) "
+            "FROM "
             "(SELECT * FROM RecipeRation ORDER BY CAST(RecipeID AS INTEGER), Sequence)")
         .getString();
   }
@@ -98,8 +101,8 @@ TEST_F(EditOnDisplay, AnotherTryGoesOnWithWhatWasClicked) {
   EXPECT_EQ(StoredDescription(), "Hay of May");
 }
 
-// The weight stays in its recipe, or is given up: the tab shows the last recipe on its way back.
-TEST_F(EditOnDisplay, ARefusedWeightReachesNoOtherRecipe) {
+// The share stays in its recipe, or is given up: the tab shows the last recipe on its way back.
+TEST_F(EditOnDisplay, ARefusedShareReachesNoOtherRecipe) {
   StartProgram();
   ClickItem("Recipes");
   ASSERT_TRUE(WaitFor([](const Screen& screen) {
@@ -107,21 +110,21 @@ TEST_F(EditOnDisplay, ARefusedWeightReachesNoOtherRecipe) {
     return grid != nullptr && grid->rows > 1;
   }));
   Settle();
-  const std::string before = StoredWeights();
-  ClickCell("grdREC", 0, 1);
-  Type("999999");
+  const std::string before = StoredShares();
+  ClickCell("grdREC", 0, kShareColumn);
+  Type("33");
   Settle();
   {
     const Lock other_program(recipes);
     ClickItem("Ingredients");
-    ASSERT_TRUE(WaitForBox(kWeightNotStored));
+    ASSERT_TRUE(WaitForBox(kShareNotStored));
     ClickButton("Discard");
     ASSERT_TRUE(WaitFor([](const Screen& screen) { return screen.Find("txtIngDesc") != nullptr; }));
   }
   ClickItem("Recipes");
   ASSERT_TRUE(WaitFor([](const Screen& screen) { return screen.Find("grdREC") != nullptr; }));
   Settle();
-  EXPECT_EQ(StoredWeights(), before);
+  EXPECT_EQ(StoredShares(), before);
 }
 
 TEST_F(EditOnDisplay, ASignalKeepsWhatCannotBeStoredForTheNextStart) {
