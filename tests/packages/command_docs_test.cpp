@@ -98,6 +98,7 @@ class ExampleFolder {
     fs::create_directory(folder_ / "streams");
     fs::create_directory(folder_ / "today");
     fs::copy(site / "day1.qxt", folder_ / "today/01.QXT");
+    folder_.Write("RESCUE-20260105-173000.KRM", "\fBatches of the day\r\n");
     fs::current_path(folder_.Path());
     EXPECT_EQ(Run("new transaction JANUARY.TDB"), 0);
     EXPECT_EQ(Run("store 01.QXT --into JANUARY.TDB --recipes SITE.RDB"), 0) << err;
