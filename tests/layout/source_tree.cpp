@@ -27,9 +27,7 @@ SourceFile ReadSource(const fs::path& file, const fs::path& root) {
 
 }  // namespace
 
-Unit UnitOf(const std::string& file) {
-  return fs::path(file).replace_extension().generic_string();
-}
+Unit UnitOf(const std::string& file) { return fs::path(file).replace_extension().generic_string(); }
 
 SourceTree::SourceTree(const fs::path& root) {
   for (const auto& entry : fs::recursive_directory_iterator(root)) {

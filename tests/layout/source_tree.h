@@ -14,8 +14,8 @@ using Unit = std::string;
 struct SourceFile {
   std::string name;  // as it is included: "feed/ration.h"
   int lines = 0;
-  std::vector<std::string> includes;  // of files of the tree, as they are written
-  std::vector<std::string> structs;
+  std::vector<std::string> includes = {};  // of files of the tree, as they are written
+  std::vector<std::string> structs = {};
 };
 
 // The files of src/, read as text: their includes between quotation marks and their sizes.

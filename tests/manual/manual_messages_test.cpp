@@ -71,8 +71,8 @@ bool IsTitleOfAFileDialog(std::string_view text) { return text.ends_with(" As...
 constexpr std::string_view kNeverShown =
     "This recipe will require the 200 pen capacity option in the K2260 indicator.";
 
-// What reads as a message: a sentence of three words or more, the title of an error, or what it says
-// of one.
+// What reads as a message: a sentence of three words or more, the title of an error, or what it
+// says of one.
 bool IsMessage(std::string_view text) {
   if (text.empty() || std::isupper(static_cast<unsigned char>(text.front())) == 0 ||
       IsQueryOfADatabase(text) || IsTitleOfAFileDialog(text) || text == kNeverShown) {
