@@ -2,6 +2,7 @@
 
 #include <csignal>
 #include <filesystem>
+#include <memory>
 #include <optional>
 #include <string>
 #include <vector>
@@ -99,6 +100,31 @@ TEST_F(EditOnDisplay, AnotherTryGoesOnWithWhatWasClicked) {
     return record != nullptr && record->text == "2";
   }));
   EXPECT_EQ(StoredDescription(), "Hay of May");
+}
+
+// The second start of the program shows a box of its own.
+TEST_F(EditOnDisplay, AHalfTypedCellIsNotStoredByAnotherWindow) {
+  StartProgram();
+  ClickItem("Recipes");
+  ASSERT_TRUE(WaitFor([](const Screen& screen) {
+    const Widget* const grid = screen.Find("grdREC");
+    return grid != nullptr && grid->rows > 1;
+  }));
+  Settle();
+  const std::string before = StoredShares();
+  ClickCell("grdREC", 0, kShareColumn);
+  Type("3");
+  Settle();
+  const std::unique_ptr<Program> second = Start();
+  ASSERT_TRUE(Eventually([this] { return windows.ActiveTitle() != kMainTitle; }));
+  EXPECT_EQ(StoredShares(), before);
+  Keys({"Return"});
+  second->Wait();
+  ASSERT_TRUE(WaitForWindow(kMainTitle));
+  Type("3");
+  Keys({"Return"});
+  EXPECT_TRUE(Eventually([&] { return StoredShares() != before; }));
+  EXPECT_NE(StoredShares().find("1:1=33.00"), std::string::npos) << StoredShares();
 }
 
 // The share stays in its recipe, or is given up: the tab shows the last recipe on its way back.
