@@ -14,7 +14,7 @@ struct DataTransfer;
 
 // Both write the listed files as NN.QXT, NN.RBU, NN.TXT into the folder, which is made if it is not
 // there, and their paths to the output. A file that cannot be written does not keep the others from
-// being written. False when anything is missing, the operator told.
+// being written. False after a message when anything is missing.
 
 // For a module, which still has its data: nothing is written where one of the names exists.
 bool WriteDataFiles(Session& session, const KRMCOMM& krm, DataTransfer& transfer,
@@ -26,7 +26,7 @@ bool WriteDataFiles(Session& session, const KRMCOMM& krm, DataTransfer& transfer
 bool WriteReceivedFiles(Session& session, const KRMCOMM& krm, DataTransfer& transfer,
                         const PrivateINI& settings, const std::filesystem::path& folder);
 
-// Puts bytes of an indicator into a rescue file, of which the operator is told. An empty folder is
+// Puts bytes of an indicator into a rescue file, and shows its path. An empty folder is
 // skipped.
 void KeepReceived(Session& session, std::string_view bytes, const std::filesystem::path& folder);
 

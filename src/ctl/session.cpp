@@ -93,7 +93,7 @@ const fs::path& Session::DataFolder() {
   fs::path folder = FindDataFolder();
   try {
     if (folder.empty()) {
-      throw FileError("the common application data folder cannot be told");
+      throw FileError("the common application data folder is unknown");
     }
     MakeFolders(folder);
   } catch (const FileError&) {

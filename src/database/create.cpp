@@ -115,7 +115,7 @@ class Creation {
     return false;
   }
 
-  // One of the routines of the identity has told what failed, but not of which file.
+  // One of the routines of the identity has reported what failed, but not of which file.
   void TellNotMade() {
     Tell(Icon::kCritical, kCreationError,
          Joined({"New ", words_.noun, " database file creation failed.", kLineEnd, kLineEnd,

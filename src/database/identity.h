@@ -53,7 +53,7 @@ class DatabaseIdentity {
   // How its connections wait for locks; for routines that open their own beside them.
   LockWait Wait() const { return lock_wait_; }
 
-  // What lay behind the failure that was told last; empty before the first one.
+  // The cause of the failure that was reported last; empty before the first one.
   const std::string& FailureCause() const { return failure_cause_; }
 
   // A critical box with the words of that error number; `cause` goes with it.

@@ -179,7 +179,7 @@ void DataTransferPage::KeepReceived() {
     WriteRescueFile(ports_.krm.GS_KRM_VirtualMemory(), {ports_.data_folder()}, ports_.now());
     transfer_.received.Rescued();
   } catch (const FileError&) {
-    // The program ends, and nobody is there to be told.
+    // The program ends, and nobody is there to read a message.
   }
 }
 

@@ -82,9 +82,9 @@ class RecipesPage final : public RecordPage, private RecipeGridEvents {
   // Runs an event of the editor and shows what came of it. Throws what the event throws.
   using Event = std::function<void(RecipeEditor&)>;
   void Do(const Event& event);
-  // False: it failed, and was told.
+  // False: it failed, and was reported.
   bool Run(const Event& event);
-  // The same for a command of the operator, with a failure of the storage told in words.
+  // The same for a command of the operator, with a failure of the storage reported in words.
   bool RunCommand(const Event& event);
   // The same for an event that adds the line of the entry row: that line is kept and asked about.
   bool RunWithNewLine(const Event& event);

@@ -143,7 +143,7 @@ void RecipesPage::LeaveChoices() {
   }
 }
 
-// The cells of the lines. A value that the recipe cannot take is told while the grid keeps the
+// The cells of the lines. A value that the recipe cannot take is reported while the grid keeps the
 // focus, and its editor stays open. An edit that the storage refuses is asked about, and so is any
 // edit that the operator leaves the grid with.
 

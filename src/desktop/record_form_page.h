@@ -128,7 +128,7 @@ class RecordFormPage : public RecordPage {
 
   // Stores the record, or does nothing where there is none to write. Throws.
   void Store();
-  // False: that failed, and was told.
+  // False: that failed, and was reported.
   bool Commit();
 
   using StoreField = std::function<std::string()>;

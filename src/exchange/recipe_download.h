@@ -59,8 +59,8 @@ class RecipeDownloadSession {
 
   explicit RecipeDownloadSession(const Ports& ports) : ports_(ports) {}
 
-  // The clicks of the buttons of those names. What goes wrong is told to the operator. While the
-  // line is in use, the buttons that would use it do nothing.
+  // The clicks of the buttons of those names. What goes wrong is reported to the operator. While
+  // the line is in use, the buttons that would use it do nothing.
   void DownloadRecipeToKRM();
 
   // True when the text has left the port, or stands in memory.

@@ -39,8 +39,8 @@ class TransactionStore {
   //
   // A cell that cannot be stored stops the copy: the rows before it are committed, and the operator
   // is told the cell and their count. A number that would pass 32 bits, and a failure of the
-  // storage, leave nothing of the import. Every failure is told before the return. So is what is
-  // not stored: feed records that fit no batch, and rows that were never filled.
+  // storage, leave nothing of the import. Every failure is reported before the return. So is what
+  // is not stored: feed records that fit no batch, and rows that were never filled.
   StoreOutcome StoreImportedTransactions(const ImportedData& rows, const OpenDatabases& databases,
                                          bool& stored_flag);
 

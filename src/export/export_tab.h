@@ -70,7 +70,7 @@ class ExportTab {
   void SetFPath(std::string_view text) { form_.txt_f_path = text; }
   void SetFormat(ExportFormat format) { form_.format = format; }
 
-  // The clicks of the buttons of those names. What goes wrong is told to the operator.
+  // The clicks of the buttons of those names. What goes wrong is reported to the operator.
   void ClickExport();
   void ClickBrowse();
   void ClickReset();

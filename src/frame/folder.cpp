@@ -24,7 +24,7 @@ std::string Folder::GetCommonAPPPath() const {
 bool Folder::CheckAppDefaultDir() {
   const std::string common = GetCommonAPPPath();
   if (common.empty() || common.front() == '\0') {
-    throw FileError("the common application data folder cannot be told");
+    throw FileError("the common application data folder is unknown");
   }
   product_folder_name_ = kProductName;
   default_app_path_ = fs::path(common) / kMakerFolderName;

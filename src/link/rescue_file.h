@@ -27,7 +27,7 @@ std::filesystem::path WriteRescueFile(std::string_view bytes,
                                       const std::vector<std::filesystem::path>& folders,
                                       const LocalTime& now);
 
-// Writes the file and tells the operator its path, or why there is none. False when there is none.
+// Writes the file and shows its path, or why it could not be written. False in that case.
 bool RescueReceived(std::string_view bytes, const std::vector<std::filesystem::path>& folders,
                     const LocalTime& now, Operator& op);
 

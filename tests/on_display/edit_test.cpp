@@ -55,6 +55,15 @@ class EditOnDisplay : public OnDisplay {
     });
   }
 
+  void ShowRecipe1() {
+    ClickItem("Recipes");
+    ASSERT_TRUE(WaitFor([](const Screen& screen) {
+      const Widget* const grid = screen.Find("grdREC");
+      return grid != nullptr && grid->rows > 1;
+    }));
+    Settle();
+  }
+
   std::string StoredDescription() const {
     SQLite::Database file(recipes.string());
     return file.execAndGet("SELECT Description FROM Ingredient WHERE ID = 1").getString();
@@ -105,12 +114,7 @@ TEST_F(EditOnDisplay, AnotherTryGoesOnWithWhatWasClicked) {
 // The second start of the program shows a box of its own.
 TEST_F(EditOnDisplay, AHalfTypedCellIsNotStoredByAnotherWindow) {
   StartProgram();
-  ClickItem("Recipes");
-  ASSERT_TRUE(WaitFor([](const Screen& screen) {
-    const Widget* const grid = screen.Find("grdREC");
-    return grid != nullptr && grid->rows > 1;
-  }));
-  Settle();
+  ShowRecipe1();
   const std::string before = StoredShares();
   ClickCell("grdREC", 0, kShareColumn);
   Type("3");
@@ -130,12 +134,7 @@ TEST_F(EditOnDisplay, AHalfTypedCellIsNotStoredByAnotherWindow) {
 // The share stays in its recipe, or is given up: the tab shows the last recipe on its way back.
 TEST_F(EditOnDisplay, ARefusedShareReachesNoOtherRecipe) {
   StartProgram();
-  ClickItem("Recipes");
-  ASSERT_TRUE(WaitFor([](const Screen& screen) {
-    const Widget* const grid = screen.Find("grdREC");
-    return grid != nullptr && grid->rows > 1;
-  }));
-  Settle();
+  ShowRecipe1();
   const std::string before = StoredShares();
   ClickCell("grdREC", 0, kShareColumn);
   Type("33");
