@@ -18,16 +18,16 @@
 #include <vector>
 
 #include "database/bound_database.h"
-#include "database/identity.h"
-#include "desktop/history_page.h"
-#include "desktop/qt_text.h"
+#include "desktop/history/history_page.h"
 #include "figures.h"
-#include "frame/private_ini.h"
 #include "history/data_group.h"
 #include "measure.h"
+#include "presenter/database_identity.h"
+#include "settings/settings.h"
 #include "support/fixed_calendar.h"
 #include "support/manual_pump.h"
 #include "support/recording_operator.h"
+#include "widgets/qt_text.h"
 #include "years.h"
 
 namespace vrx::bench {

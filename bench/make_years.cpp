@@ -9,8 +9,8 @@
 #include <stdexcept>
 #include <string>
 
-#include "frame/number.h"
-#include "yard_generator.h"
+#include "base/number.h"
+#include "support/yard_generator.h"
 
 namespace {
 

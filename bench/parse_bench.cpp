@@ -6,9 +6,9 @@
 
 #include <benchmark/benchmark.h>
 
-#include "exchange/silent_ports.h"
 #include "exchange/trans_file.h"
-#include "frame/private_ini.h"
+#include "presenter/silent_ports.h"
+#include "settings/settings.h"
 
 namespace {
 

@@ -22,21 +22,21 @@
 #include <sqlite3.h>
 
 #include "database/bound_database.h"
-#include "database/identity.h"
 #include "database/records.h"
-#include "desktop/enter_as_tab.h"
-#include "desktop/recipe_grid.h"
-#include "desktop/recipes_page.h"
-#include "feed/auto_abbreviation.h"
+#include "desktop/recipes/recipe_grid.h"
+#include "desktop/recipes/recipes_page.h"
+#include "feed/key_filters.h"
 #include "feed/recipe_columns.h"
 #include "figures.h"
-#include "frame/general_delay.h"
-#include "frame/private_ini.h"
 #include "measure.h"
+#include "presenter/database_identity.h"
+#include "presenter/general_delay.h"
+#include "settings/settings.h"
 #include "support/fixed_calendar.h"
 #include "support/manual_pump.h"
 #include "support/recording_operator.h"
 #include "support/temp_folder.h"
+#include "widgets/enter_as_tab.h"
 
 namespace vrx::bench {
 namespace {

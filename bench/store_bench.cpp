@@ -17,13 +17,13 @@
 #include <SQLiteCpp/Database.h>
 
 #include "database/connection.h"
-#include "database/identity.h"
+#include "database/open_databases.h"
 #include "database/schema.h"
 #include "exchange/imported_data.h"
-#include "exchange/open_databases.h"
 #include "exchange/store.h"
-#include "frame/private_ini.h"
 #include "measure.h"
+#include "presenter/database_identity.h"
+#include "settings/settings.h"
 #include "support/fixed_calendar.h"
 #include "support/recording_operator.h"
 #include "support/temp_folder.h"

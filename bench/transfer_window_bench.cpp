@@ -18,10 +18,10 @@
 
 #include "adapters/qt_event_pump.h"
 #include "adapters/qt_serial_control.h"
-#include "database/identity.h"
-#include "desktop/import_grid.h"
-#include "frame/private_ini.h"
+#include "desktop/transfer/import_grid.h"
 #include "link/krmcomm.h"
+#include "presenter/database_identity.h"
+#include "settings/settings.h"
 #include "support/fixed_calendar.h"
 #include "support/fixed_system_info.h"
 #include "support/recording_operator.h"

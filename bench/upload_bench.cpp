@@ -11,8 +11,8 @@
 
 #include "adapters/qt_event_pump.h"
 #include "adapters/qt_serial_control.h"
-#include "frame/private_ini.h"
 #include "link/krmcomm.h"
+#include "settings/settings.h"
 #include "support/recording_operator.h"
 #include "support/temp_folder.h"
 

@@ -6,11 +6,11 @@
 
 #include <SQLiteCpp/Database.h>
 
+#include "base/number.h"
 #include "database/connection.h"
 #include "figures.h"
-#include "frame/number.h"
 #include "history/history_column.h"
-#include "yard_generator.h"
+#include "support/yard_generator.h"
 
 namespace vrx::bench {
 

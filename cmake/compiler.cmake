@@ -2,7 +2,8 @@
 add_library(vrx_compiler INTERFACE)
 target_compile_options(vrx_compiler INTERFACE
   -Wall -Wextra -Wpedantic -Wshadow -Wconversion -Wold-style-cast -Wnon-virtual-dtor
-  -Woverloaded-virtual -Werror
+  -Woverloaded-virtual
+  $<$<BOOL:${VRX_WERROR}>:-Werror>
   $<$<CXX_COMPILER_ID:GNU>:-Wno-restrict>  # GCC 12 reports false ones in std::string
   # The arithmetic rounds each step as written: no fused multiply-add on any processor.
   -ffp-contract=off)

@@ -6,9 +6,9 @@
 #include <string>
 
 #include "exchange/imported_data.h"
-#include "exchange/silent_ports.h"
 #include "exchange/trans_file.h"
-#include "frame/private_ini.h"
+#include "presenter/silent_ports.h"
+#include "settings/settings.h"
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
   static const vrx::PrivateINI settings;

@@ -17,15 +17,16 @@
 #include <SQLiteCpp/Database.h>
 #include <SQLiteCpp/Transaction.h>
 
+#include "base/error.h"
+#include "base/files.h"
+#include "base/number.h"
 #include "database/connection.h"
 #include "database/identity.h"
 #include "database/records.h"
-#include "frame/error.h"
-#include "frame/files.h"
-#include "frame/number.h"
-#include "frame/private_ini.h"
 #include "platform/calendar.h"
 #include "platform/operator.h"
+#include "presenter/database_identity.h"
+#include "settings/settings.h"
 
 namespace {
 

@@ -8,8 +8,8 @@
 #include <string>
 #include <string_view>
 
+#include "base/files.h"
 #include "export/xml_text.h"
-#include "frame/files.h"
 #include "history/data_group.h"
 
 namespace {

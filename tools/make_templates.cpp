@@ -4,8 +4,8 @@
 #include <exception>
 #include <filesystem>
 
+#include "base/application.h"
 #include "database/schema.h"
-#include "frame/folder.h"
 
 int main(int argc, char** argv) {
   if (argc != 2) {

@@ -8,15 +8,15 @@
 
 #include "ctl/command.h"
 #include "ctl/examples.h"
-#include "ctl/module_upload.h"
+#include "ctl/module_commands.h"
 #include "ctl/number_option.h"
-#include "ctl/port_option.h"
+#include "ctl/options.h"
 #include "ctl/recipe_source.h"
 #include "ctl/session.h"
+#include "exchange/recipe_backup.h"
 #include "exchange/recipe_download_store.h"
-#include "link/direct_connection.h"
-#include "link/recipe_backup.h"
-#include "link/upload.h"
+#include "presenter/direct_connection.h"
+#include "presenter/upload.h"
 
 namespace vrx {
 namespace {

@@ -10,7 +10,7 @@
 #include "ctl/examples.h"
 #include "ctl/recipe_file.h"
 #include "ctl/session.h"
-#include "exchange/recipe_download_text.h"
+#include "exchange/recipe_text.h"
 
 namespace vrx {
 namespace {

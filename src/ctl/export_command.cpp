@@ -7,13 +7,13 @@
 
 #include "ctl/command.h"
 #include "ctl/examples.h"
-#include "ctl/history_source.h"
+#include "ctl/history_commands.h"
 #include "ctl/session.h"
 #include "export/export_driver.h"
-#include "export/export_messages.h"
 #include "export/style_sheet.h"
-#include "frame/folder.h"
 #include "history/data_group.h"
+#include "presenter/export_messages.h"
+#include "settings/data_folder.h"
 
 namespace vrx {
 namespace {

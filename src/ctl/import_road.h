@@ -5,7 +5,7 @@
 
 #include "ctl/scripted_file_choice.h"
 #include "ctl/session.h"
-#include "exchange/import_session.h"
+#include "presenter/import.h"
 
 namespace vrx {
 

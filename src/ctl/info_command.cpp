@@ -4,14 +4,13 @@
 
 #include <CLI/CLI.hpp>
 
+#include "base/date.h"
 #include "ctl/command.h"
 #include "ctl/examples.h"
 #include "ctl/output.h"
 #include "ctl/session.h"
 #include "database/identity.h"
 #include "database/schema.h"
-#include "database/summary.h"
-#include "frame/number.h"
 
 namespace vrx {
 namespace {

@@ -2,15 +2,15 @@
 
 #include <CLI/CLI.hpp>
 
+#include "base/number.h"
 #include "ctl/command.h"
 #include "ctl/examples.h"
+#include "ctl/module_commands.h"
 #include "ctl/module_download.h"
-#include "ctl/module_upload.h"
-#include "ctl/port_option.h"
+#include "ctl/options.h"
 #include "ctl/session.h"
-#include "frame/number.h"
-#include "frame/private_ini.h"
 #include "link/krmcomm.h"
+#include "settings/settings.h"
 
 namespace vrx {
 namespace {

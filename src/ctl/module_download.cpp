@@ -3,17 +3,17 @@
 #include <string_view>
 #include <utility>
 
+#include "base/files.h"
 #include "ctl/command.h"
 #include "ctl/recipe_source.h"
 #include "ctl/scripted_file_choice.h"
 #include "ctl/session.h"
-#include "exchange/data_files.h"
-#include "exchange/recipe_download.h"
-#include "frame/files.h"
-#include "link/data_transfer.h"
-#include "link/direct_connection.h"
-#include "link/download.h"
 #include "link/krmcomm.h"
+#include "presenter/data_files.h"
+#include "presenter/direct_connection.h"
+#include "presenter/download.h"
+#include "presenter/recipe_download.h"
+#include "presenter/transfer_state.h"
 
 namespace vrx {
 namespace {

@@ -6,8 +6,8 @@
 #include "ctl/command.h"
 #include "ctl/examples.h"
 #include "ctl/session.h"
-#include "database/create.h"
 #include "database/schema.h"
+#include "presenter/create_database.h"
 
 namespace vrx {
 namespace {

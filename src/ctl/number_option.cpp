@@ -5,8 +5,8 @@
 
 #include <CLI/CLI.hpp>
 
-#include "frame/number.h"
-#include "frame/text.h"
+#include "base/number.h"
+#include "base/text.h"
 
 namespace vrx {
 namespace {

@@ -5,7 +5,7 @@
 
 #include <CLI/CLI.hpp>
 
-#include "frame/number.h"
+#include "base/number.h"
 
 namespace vrx {
 namespace {

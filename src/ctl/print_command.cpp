@@ -9,18 +9,18 @@
 #include <CLI/CLI.hpp>
 #include <SQLiteCpp/Database.h>
 
+#include "base/error.h"
 #include "ctl/command.h"
 #include "ctl/examples.h"
-#include "ctl/history_source.h"
+#include "ctl/history_commands.h"
 #include "ctl/recipe_file.h"
 #include "ctl/session.h"
 #include "database/identity.h"
 #include "database/keep_database.h"
 #include "feed/record_kind.h"
-#include "frame/error.h"
-#include "print/paper.h"
-#include "print/print_questions.h"
-#include "print/reports.h"
+#include "report/print_questions.h"
+#include "report/print_target.h"
+#include "report/reports.h"
 
 namespace vrx {
 namespace {

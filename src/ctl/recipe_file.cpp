@@ -5,6 +5,7 @@
 #include "ctl/command.h"
 #include "ctl/session.h"
 #include "database/connection.h"
+#include "database/identity.h"
 #include "feed/record_commit.h"
 #include "feed/record_fields.h"
 

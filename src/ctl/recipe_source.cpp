@@ -2,8 +2,8 @@
 
 #include <string>
 
-#include "frame/files.h"
-#include "frame/text.h"
+#include "base/files.h"
+#include "base/text.h"
 #include "link/file_attributes.h"
 
 namespace vrx {

@@ -5,11 +5,12 @@
 
 #include <SQLiteCpp/Exception.h>
 
+#include "base/files.h"
+#include "base/text.h"
 #include "ctl/command.h"
 #include "database/database_error.h"
-#include "frame/files.h"
-#include "frame/folder.h"
-#include "frame/text.h"
+#include "database/identity.h"
+#include "settings/data_folder.h"
 
 namespace vrx {
 namespace {

@@ -10,9 +10,9 @@
 #include "ctl/command_context.h"
 #include "ctl/progress_line.h"
 #include "ctl/terminal_operator.h"
-#include "database/identity.h"
 #include "database/schema.h"
-#include "frame/private_ini.h"
+#include "presenter/database_identity.h"
+#include "settings/settings.h"
 
 namespace vrx {
 

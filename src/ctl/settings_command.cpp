@@ -8,13 +8,13 @@
 
 #include <CLI/CLI.hpp>
 
+#include "base/number.h"
+#include "base/text.h"
 #include "ctl/command.h"
 #include "ctl/examples.h"
 #include "ctl/output.h"
 #include "ctl/session.h"
-#include "frame/number.h"
-#include "frame/private_ini.h"
-#include "frame/text.h"
+#include "settings/settings.h"
 
 namespace vrx {
 namespace {

@@ -10,7 +10,7 @@
 
 #include "ctl/command.h"
 #include "ctl/examples.h"
-#include "ctl/history_source.h"
+#include "ctl/history_commands.h"
 #include "ctl/output.h"
 #include "ctl/session.h"
 #include "history/history_grid.h"

@@ -3,7 +3,7 @@
 #include <istream>
 #include <ostream>
 
-#include "frame/text.h"
+#include "base/text.h"
 
 namespace vrx {
 namespace {

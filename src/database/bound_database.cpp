@@ -6,7 +6,7 @@
 
 #include "database/connection.h"
 #include "database/database_error.h"
-#include "database/one_row_table.h"
+#include "database/identity.h"
 
 namespace vrx {
 

@@ -11,11 +11,11 @@
 #include <SQLiteCpp/Statement.h>
 #include <SQLiteCpp/Transaction.h>
 
+#include "base/files.h"
+#include "base/replacing_file.h"
 #include "database/connection.h"
 #include "database/database_error.h"
 #include "database/translated.h"
-#include "frame/files.h"
-#include "frame/replacing_file.h"
 
 namespace vrx {
 

@@ -9,6 +9,18 @@ namespace vrx {
 
 namespace {
 
+struct ErrorText {
+  int number;
+  std::string_view text;
+};
+
+constexpr std::array<ErrorText, 4> kErrorText{{
+    {kInvalidTableError, "There is an invalid table in the specified database."},
+    {kNoRecordError, "There is no record available in the specified database."},
+    {kTableLockedError, "A table in the specified database is locked."},
+    {kInvalidFieldError, "There is an invalid field in the specified database."},
+}};
+
 constexpr int kPrimaryCodeMask = 0xff;
 
 bool Contains(std::string_view text, std::string_view part) {
@@ -68,6 +80,13 @@ int FailureNumber(const std::exception& failure) {
     return error->code().value();
   }
   return SQLITE_ERROR;
+}
+
+std::string DatabaseErrorText(int number) {
+  const auto* const found =
+      std::find_if(kErrorTexts.begin(), kErrorTexts.end(),
+                   [number](const ErrorText& row) { return row.number == number; });
+  return found == kErrorTexts.end() ? "Error: " + std::to_string(number) : std::string(found->text);
 }
 
 }  // namespace vrx

@@ -6,7 +6,7 @@
 
 #include <SQLiteCpp/Exception.h>
 
-#include "frame/error.h"
+#include "base/error.h"
 
 namespace vrx {
 
@@ -37,5 +37,9 @@ DatabaseError TranslateSqliteError(const SQLite::Exception& error,
 // The number that a box tells of a failure: that of a DatabaseError, the system's own of a file
 // error, else the engine's general error.
 int FailureNumber(const std::exception& failure);
+
+// The text by which the operator is shown an error number: a sentence for the four of this system,
+// "Error: 14" for all others.
+std::string DatabaseErrorText(int number);
 
 }  // namespace vrx

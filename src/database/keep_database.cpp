@@ -9,7 +9,7 @@
 #include <SQLiteCpp/Exception.h>
 #include <sqlite3.h>
 
-#include "frame/text.h"
+#include "base/text.h"
 
 namespace vrx {
 

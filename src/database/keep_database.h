@@ -2,7 +2,7 @@
 
 #include <filesystem>
 
-#include "frame/error.h"
+#include "base/error.h"
 
 namespace vrx {
 

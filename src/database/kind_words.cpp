@@ -1,7 +1,7 @@
 #include "database/kind_words.h"
 
+#include "base/application.h"
 #include "database/identity.h"
-#include "frame/folder.h"
 
 namespace vrx {
 namespace {

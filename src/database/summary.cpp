@@ -1,14 +1,12 @@
-#include "database/summary.h"
 
 #include <SQLiteCpp/Column.h>
 #include <SQLiteCpp/Statement.h>
 #include <SQLiteCpp/Transaction.h>
 #include <sqlite3.h>
 
+#include "base/date.h"
 #include "database/identity.h"
-#include "database/one_row_table.h"
 #include "database/translated.h"
-#include "frame/number.h"
 
 namespace vrx {
 

@@ -6,6 +6,7 @@
 #include <SQLiteCpp/Column.h>
 #include <sqlite3.h>
 
+#include "base/date.h"
 #include "database/schema.h"
 #include "database/translated.h"
 

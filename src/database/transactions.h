@@ -10,7 +10,7 @@
 #include <SQLiteCpp/Database.h>
 #include <SQLiteCpp/Statement.h>
 
-#include "frame/number.h"
+#include "base/date.h"
 
 namespace vrx {
 

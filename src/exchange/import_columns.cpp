@@ -4,8 +4,8 @@
 #include <cstddef>
 #include <string_view>
 
+#include "base/number.h"
 #include "exchange/imported_data.h"
-#include "frame/number.h"
 
 namespace vrx {
 namespace {

@@ -11,4 +11,10 @@ std::string DesignImportCaption(int column);
 // Whether a column of `grdIMPORT` holds words; all others hold numbers, aligned right.
 bool IsImportText(int column);
 
+// A column of the grid as it is shown now.
+struct ImportGridColumn {
+  std::string caption;
+  bool visible = true;
+};
+
 }  // namespace vrx

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "frame/error.h"
+#include "base/error.h"
 
 namespace vrx {
 

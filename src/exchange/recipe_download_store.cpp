@@ -2,9 +2,9 @@
 
 #include <SQLiteCpp/Transaction.h>
 
-#include "database/one_row_table.h"
+#include "base/date.h"
+#include "database/identity.h"
 #include "database/translated.h"
-#include "frame/number.h"
 
 namespace vrx {
 namespace {

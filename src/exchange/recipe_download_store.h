@@ -3,7 +3,7 @@
 #include <filesystem>
 
 #include "database/connection.h"
-#include "exchange/recipe_download_text.h"
+#include "exchange/recipe_text.h"
 #include "platform/calendar.h"
 
 namespace vrx {

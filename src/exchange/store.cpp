@@ -10,13 +10,15 @@
 #include <SQLiteCpp/Transaction.h>
 #include <sqlite3.h>
 
+#include "base/files.h"
+#include "base/text.h"
 #include "database/connection.h"
+#include "database/database_error.h"
 #include "database/identity.h"
 #include "database/transactions.h"
 #include "exchange/store_row.h"
 #include "exchange/unread_feeds.h"
-#include "frame/files.h"
-#include "frame/text.h"
+#include "settings/settings.h"
 
 namespace vrx {
 namespace {
@@ -97,7 +99,7 @@ RecordNames ReadNames(const OpenDatabases& databases) {
 
 // Throws DatabaseError and StoreRowError with nothing of the import stored.
 Copied CopyInOneTransaction(const ImportedData& rows, const OpenDatabases& databases,
-                            const DatabaseIdentity& identity, ProgressDisplay& progress) {
+                            const Calendar& calendar, ProgressDisplay& progress) {
   const RecordNames names = ReadNames(databases);
   try {
     SQLite::Database database =
@@ -108,7 +110,7 @@ Copied CopyInOneTransaction(const ImportedData& rows, const OpenDatabases& datab
     CheckTransactionRange(rows, base);
     Copied copied = CopyRows(database, rows, names, base, progress);
     if (copied.outcome.stored > 0) {
-      identity.DateChange(database);
+      TouchDatabase(database, calendar);
     }
     CheckStillInPlace(database, databases.trans_db_path);
     transaction.commit();
@@ -121,11 +123,11 @@ Copied CopyInOneTransaction(const ImportedData& rows, const OpenDatabases& datab
 }  // namespace
 
 TransactionStore::TransactionStore(Operator& op, const PrivateINI& settings,
-                                   DatabaseIdentity& identity, ProgressDisplay& progress,
+                                   const Calendar& calendar, ProgressDisplay& progress,
                                    std::function<void()> save_transaction_database)
     : operator_(op),
       settings_(settings),
-      identity_(identity),
+      calendar_(calendar),
       progress_(progress),
       save_transaction_database_(std::move(save_transaction_database)) {}
 
@@ -137,11 +139,14 @@ StoreOutcome TransactionStore::StoreImportedTransactions(const ImportedData& row
   }
   Copied copied;
   try {
-    copied = CopyInOneTransaction(rows, databases, identity_, progress_);
+    copied = CopyInOneTransaction(rows, databases, calendar_, progress_);
   } catch (const DatabaseError& error) {
     progress_.SetProgressMessage({});
-    identity_.ShowDatabaseError(error.Number(), kStoreErrorTitle,
-                                std::string(error.what()) + "; nothing of this import was stored");
+    operator_.ShowMessage(
+        {.icon = Icon::kCritical,
+         .title = std::string(kStoreErrorTitle),
+         .text = DatabaseErrorText(error.Number()),
+         .cause = std::string(error.what()) + "; nothing of this import was stored"});
     return {};
   } catch (const std::exception& error) {
     TellStopped(error.what(), {});

@@ -5,14 +5,14 @@
 #include <string>
 #include <string_view>
 
+#include "database/open_databases.h"
 #include "exchange/imported_data.h"
-#include "exchange/open_databases.h"
+#include "platform/calendar.h"
 #include "platform/operator.h"
 #include "platform/progress_display.h"
 
 namespace vrx {
 
-class DatabaseIdentity;
 class PrivateINI;
 
 inline constexpr std::string_view kStoreErrorTitle = "Transaction Store Error";
@@ -30,7 +30,7 @@ class TransactionStore {
  public:
   // `save_transaction_database` is the menu command that closes and reopens the database, so that
   // the window shows what was stored.
-  TransactionStore(Operator& op, const PrivateINI& settings, DatabaseIdentity& identity,
+  TransactionStore(Operator& op, const PrivateINI& settings, const Calendar& calendar,
                    ProgressDisplay& progress, std::function<void()> save_transaction_database);
 
   // One SQLite transaction for the whole import, on connections of its own; no statement stays
@@ -51,7 +51,7 @@ class TransactionStore {
 
   Operator& operator_;
   const PrivateINI& settings_;
-  DatabaseIdentity& identity_;
+  const Calendar& calendar_;
   ProgressDisplay& progress_;
   std::function<void()> save_transaction_database_;
 };

@@ -8,12 +8,13 @@
 #include <string_view>
 #include <utility>
 
+#include "base/date.h"
+#include "base/encoding.h"
+#include "base/number.h"
+#include "base/text.h"
 #include "database/records.h"
 #include "exchange/import_columns.h"
 #include "exchange/transaction_formats.h"
-#include "frame/encoding.h"
-#include "frame/number.h"
-#include "frame/text.h"
 
 namespace vrx {
 namespace {

@@ -5,9 +5,9 @@
 #include <string>
 #include <vector>
 
+#include "base/error.h"
 #include "database/transactions.h"
 #include "exchange/imported_data.h"
-#include "frame/error.h"
 
 namespace SQLite {
 class Database;

@@ -1,8 +1,9 @@
 #include "exchange/trans_file.h"
 
+#include "base/files.h"
+#include "base/text.h"
 #include "exchange/transaction_parser.h"
-#include "frame/files.h"
-#include "frame/text.h"
+#include "settings/settings.h"
 
 namespace vrx {
 

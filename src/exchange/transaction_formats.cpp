@@ -2,8 +2,8 @@
 
 #include <algorithm>
 
-#include "frame/number.h"
-#include "frame/text.h"
+#include "base/number.h"
+#include "base/text.h"
 
 namespace vrx {
 

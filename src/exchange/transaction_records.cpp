@@ -4,9 +4,9 @@
 #include <optional>
 #include <string>
 
+#include "base/number.h"
 #include "exchange/parse_error.h"
 #include "exchange/transaction_counts.h"
-#include "frame/number.h"
 
 namespace vrx {
 

@@ -9,9 +9,9 @@
 #include <utility>
 #include <vector>
 
+#include "base/number.h"
 #include "exchange/parse_error.h"
 #include "exchange/transaction_records.h"
-#include "frame/number.h"
 
 namespace vrx {
 

@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <cstddef>
 
-#include "frame/encoding.h"
+#include "base/encoding.h"
 
 namespace vrx {
 namespace {

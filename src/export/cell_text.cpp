@@ -7,7 +7,8 @@
 #include <cstdint>
 #include <string_view>
 
-#include "frame/number.h"
+#include "base/date.h"
+#include "base/number.h"
 
 namespace vrx {
 namespace {

@@ -7,7 +7,7 @@
 
 #include "export/cell_text.h"
 #include "export/csv_lines.h"
-#include "export/export_column.h"
+#include "export/export_columns.h"
 #include "export/export_plan.h"
 #include "export/level_walk.h"
 #include "export/line_file.h"

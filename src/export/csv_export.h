@@ -6,7 +6,7 @@
 #include <string_view>
 
 #include "database/lock_wait.h"
-#include "exchange/ingredient_column_names.h"
+#include "history/ingredient_column_names.h"
 
 namespace vrx {
 

@@ -3,9 +3,9 @@
 #include <algorithm>
 #include <variant>
 
+#include "base/encoding.h"
+#include "base/error.h"
 #include "export/cell_text.h"
-#include "frame/encoding.h"
-#include "frame/error.h"
 
 namespace vrx {
 namespace {

@@ -7,7 +7,7 @@
 #include <string_view>
 #include <vector>
 
-#include "export/export_column.h"
+#include "export/export_columns.h"
 #include "export/level_walk.h"
 
 namespace vrx {

@@ -5,16 +5,15 @@
 #include <utility>
 #include <vector>
 
+#include "base/error.h"
+#include "base/text.h"
 #include "database/keep_database.h"
-#include "exchange/ingredient_column_names.h"
 #include "export/csv_export.h"
 #include "export/html_page.h"
 #include "export/work_folder.h"
 #include "export/xml_export.h"
-#include "frame/error.h"
-#include "frame/text.h"
 #include "history/data_group.h"
-#include "history/history_view.h"
+#include "history/ingredient_column_names.h"
 
 namespace vrx {
 
@@ -94,13 +93,6 @@ std::string_view ExtensionOf(ExportFormat format) {
       break;
   }
   return ".csv";
-}
-
-DataGroupOnShow OnShow(HistoryView& view) {
-  return {.grid = view.Grid(),
-          .index = view.GroupIndex(),
-          .text = view.CurrentDataGroupText(),
-          .name = view.Picker().Text()};
 }
 
 ExportOutcome ExportDriver::ExportGroup(const DataGroupOnShow& shown, ExportFormat format,

@@ -5,13 +5,11 @@
 #include <string>
 #include <string_view>
 
-#include "exchange/open_databases.h"
+#include "database/open_databases.h"
 #include "export/style_sheet.h"
 #include "history/history_grid.h"
 
 namespace vrx {
-
-class HistoryView;
 
 enum class ExportFormat { kCsv, kXml, kHtml };
 
@@ -26,8 +24,6 @@ struct DataGroupOnShow {
   std::string_view text;  // of its selected item
   std::string name;       // the text of `cboColName`
 };
-
-DataGroupOnShow OnShow(HistoryView& view);
 
 struct ExportOutcome {
   bool done = false;

@@ -2,10 +2,10 @@
 
 #include <string>
 
-#include "export/transformation.h"
-#include "frame/error.h"
-#include "frame/files.h"
-#include "frame/replacing_file.h"
+#include "base/error.h"
+#include "base/files.h"
+#include "base/replacing_file.h"
+#include "export/html_export.h"
 
 namespace vrx {
 

@@ -5,15 +5,15 @@
 
 #include <SQLiteCpp/Transaction.h>
 
+#include "base/error.h"
 #include "database/connection.h"
+#include "database/exact_sum.h"
 #include "database/transaction_ranges.h"
 #include "database/translated.h"
 #include "export/cell_text.h"
 #include "export/level_queries.h"
 #include "export/row_reader.h"
-#include "frame/error.h"
 #include "history/data_group.h"
-#include "history/exact_sum.h"
 
 namespace vrx {
 namespace {

@@ -13,7 +13,7 @@
 #include <SQLiteCpp/Database.h>
 
 #include "database/lock_wait.h"
-#include "export/export_column.h"
+#include "export/export_columns.h"
 #include "export/export_plan.h"
 #include "history/history_column.h"
 

@@ -5,7 +5,7 @@
 #include <ios>
 #include <system_error>
 
-#include "frame/files.h"
+#include "base/files.h"
 
 namespace vrx {
 

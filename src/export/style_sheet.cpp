@@ -4,10 +4,10 @@
 #include <string>
 #include <system_error>
 
-#include "frame/application.h"
-#include "frame/files.h"
-#include "frame/folder.h"
+#include "base/application.h"
+#include "base/files.h"
 #include "history/data_group.h"
+#include "settings/data_folder.h"
 
 namespace vrx {
 

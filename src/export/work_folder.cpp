@@ -4,7 +4,7 @@
 #include <string>
 #include <system_error>
 
-#include "frame/files.h"
+#include "base/files.h"
 
 namespace vrx {
 

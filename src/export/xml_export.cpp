@@ -3,12 +3,12 @@
 #include <cstddef>
 #include <vector>
 
+#include "base/replacing_file.h"
 #include "export/cell_text.h"
-#include "export/export_column.h"
+#include "export/export_columns.h"
 #include "export/export_plan.h"
 #include "export/level_walk.h"
 #include "export/xml_text.h"
-#include "frame/replacing_file.h"
 #include "history/data_group.h"
 
 namespace vrx {

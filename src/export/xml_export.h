@@ -6,8 +6,8 @@
 #include <string_view>
 
 #include "database/lock_wait.h"
-#include "exchange/ingredient_column_names.h"
 #include "export/style_sheet.h"
+#include "history/ingredient_column_names.h"
 
 namespace vrx {
 

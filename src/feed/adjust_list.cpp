@@ -2,7 +2,7 @@
 
 #include <cstdlib>
 
-#include "frame/error.h"
+#include "base/error.h"
 
 namespace vrx {
 namespace {

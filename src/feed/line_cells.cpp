@@ -4,9 +4,10 @@
 #include <cstddef>
 #include <optional>
 
+#include "base/number.h"
+#include "base/text.h"
+#include "feed/key_filters.h"
 #include "feed/record_fields.h"
-#include "frame/number.h"
-#include "frame/text.h"
 
 namespace vrx {
 namespace {

@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <cstddef>
 
-#include "frame/number.h"
+#include "base/number.h"
 
 namespace vrx {
 namespace {

@@ -4,10 +4,10 @@
 #include <string>
 #include <utility>
 
+#include "base/number.h"
 #include "feed/adjust_list.h"
 #include "feed/batch_type.h"
 #include "feed/whole_number.h"
-#include "frame/number.h"
 
 namespace vrx {
 namespace {

@@ -4,9 +4,9 @@
 #include <cstdint>
 #include <optional>
 
+#include "base/number.h"
 #include "feed/adjust_list.h"
 #include "feed/whole_number.h"
-#include "frame/number.h"
 
 namespace vrx {
 namespace {

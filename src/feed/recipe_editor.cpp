@@ -5,12 +5,12 @@
 #include <iterator>
 #include <utility>
 
+#include "base/number.h"
+#include "base/text.h"
 #include "database/connection.h"
 #include "feed/adjust_list.h"
 #include "feed/recipe_storage.h"
 #include "feed/record_fields.h"
-#include "frame/number.h"
-#include "frame/text.h"
 
 namespace vrx {
 namespace {

@@ -9,9 +9,9 @@
 #include <SQLiteCpp/Database.h>
 
 #include "database/records.h"
-#include "feed/recipe_on_show.h"
-#include "frame/private_ini.h"
+#include "feed/current_recipe.h"
 #include "platform/operator.h"
+#include "settings/settings.h"
 
 namespace vrx {
 

@@ -6,12 +6,10 @@
 #include <string>
 #include <vector>
 
-#include "database/one_row_table.h"
+#include "base/error.h"
 #include "feed/ration.h"
 #include "feed/ration_totals.h"
 #include "feed/record_kind.h"
-#include "frame/error.h"
-#include "frame/number.h"
 
 namespace vrx {
 namespace {
@@ -147,10 +145,6 @@ void SetRecipesDryMatterPct(SQLite::Database& database, int ingredient_id,
     line.dry_matter_percent = dry_matter_percent;
     RecalcNamingTheRecipe(type_of(line), line);
   });
-}
-
-void TouchDatabase(SQLite::Database& database, const Calendar& calendar) {
-  WriteField(database, kModifiedField, StoredText(calendar.Today()));
 }
 
 }  // namespace vrx

@@ -38,7 +38,4 @@ void SetRecipesDryMatterPct(SQLite::Database& database, int ingredient_id,
                             std::string_view dry_matter_percent,
                             std::optional<std::string_view> batch_type_on_show = std::nullopt);
 
-// Sets `Modified` to today, inside the transaction of the change that it dates.
-void TouchDatabase(SQLite::Database& database, const Calendar& calendar);
-
 }  // namespace vrx

@@ -2,11 +2,11 @@
 
 #include <utility>
 
-#include "feed/auto_abbreviation.h"
+#include "base/number.h"
 #include "feed/batch_type.h"
+#include "feed/key_filters.h"
 #include "feed/ration_totals.h"
 #include "feed/record_fields.h"
-#include "frame/number.h"
 
 namespace vrx {
 namespace {

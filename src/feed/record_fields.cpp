@@ -5,8 +5,9 @@
 #include <cstdint>
 #include <stdexcept>
 
-#include "frame/number.h"
-#include "frame/text.h"
+#include "base/number.h"
+#include "base/text.h"
+#include "feed/key_filters.h"
 
 namespace vrx {
 namespace {

@@ -4,8 +4,8 @@
 #include <string>
 #include <string_view>
 
+#include "base/error.h"
 #include "feed/record_kind.h"
-#include "frame/error.h"
 
 namespace vrx {
 

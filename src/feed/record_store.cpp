@@ -4,6 +4,7 @@
 
 #include <SQLiteCpp/Transaction.h>
 
+#include "database/identity.h"
 #include "database/translated.h"
 #include "feed/record_commit.h"
 

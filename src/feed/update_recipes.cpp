@@ -7,19 +7,18 @@
 
 #include <SQLiteCpp/Transaction.h>
 
+#include "base/error.h"
+#include "base/text.h"
+#include "database/identity.h"
 #include "database/records.h"
 #include "feed/ration.h"
 #include "feed/ration_totals.h"
 #include "feed/record_commit.h"
 #include "feed/record_kind.h"
-#include "frame/error.h"
-#include "frame/text.h"
 
 namespace vrx {
 namespace {
 
-constexpr std::string_view kTitle = "Update Recipes";
-constexpr std::string_view kScanning = "Scanning database...";
 constexpr std::string_view kLineEnd = "\r\n";
 
 class RecipesUpdate {
@@ -73,34 +72,13 @@ class RecipesUpdate {
   std::string failures_;
 };
 
-void TellFailures(Operator& op, const std::string& failures) {
-  if (!failures.empty()) {
-    op.ShowMessage(
-        {.icon = Icon::kWarning,
-         .title = std::string(kTitle),
-         .text = "These recipes could not be computed and stay as they were:" + failures});
-  }
-}
-
 }  // namespace
 
-bool UpdateRecipes(SQLite::Database& database, ProgressDisplay& progress, const FeedPorts& ports) {
+std::string RecomputeAllRecipes(SQLite::Database& database, ProgressDisplay& progress,
+                                const Calendar& calendar) {
   RecipesUpdate update(database, progress);
-  progress.SetProgressMessage(kScanning);
-  progress.SetProgressRange(kRecipeCount);
-  const bool stored = RunFeedAction(database, ports, kTitle, [&] {
-    ports.op.SetBusy(true);
-    update.Run(ports.calendar);
-    ports.op.SetBusy(false);
-    return true;
-  });
-  progress.SetProgressMessage({});
-  if (!stored) {
-    return false;
-  }
-  TellFailures(ports.op, update.Failures());
-  BeepIfEnabled(ports.op, ports.settings);
-  return update.Failures().empty();
+  update.Run(calendar);
+  return update.Failures();
 }
 
 }  // namespace vrx

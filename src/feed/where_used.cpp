@@ -3,10 +3,10 @@
 #include <SQLiteCpp/Column.h>
 #include <SQLiteCpp/Statement.h>
 
+#include "base/number.h"
+#include "base/text.h"
 #include "database/translated.h"
 #include "feed/record_kind.h"
-#include "frame/number.h"
-#include "frame/text.h"
 
 namespace vrx {
 namespace {
@@ -16,8 +16,6 @@ constexpr const char* kLinesOfRecipesInUse =
     "FROM Recipe JOIN RecipeRation ON RecipeRation.RecipeID = CAST(Recipe.ID AS TEXT) "
     "WHERE Recipe.Description <> '' "
     "ORDER BY Recipe.ID, RecipeRation.Sequence, RecipeRation.rowid";
-
-constexpr std::string_view kSearchTitle = "Where Used (in Recipes)";
 
 }  // namespace
 
@@ -35,23 +33,6 @@ std::vector<WhereUsed> FindWhereIngUsed(SQLite::Database& database, int ingredie
     }
     return found;
   });
-}
-
-std::vector<std::string> SearchWhereUsed(SQLite::Database& database, int ingredient_id,
-                                         const FeedPorts& ports) {
-  std::vector<std::string> items;
-  RunFeedAction(database, ports, kSearchTitle, [&] {
-    ports.op.SetBusy(true);
-    const std::vector<WhereUsed> found = FindWhereIngUsed(database, ingredient_id, false);
-    ports.op.SetBusy(false);
-    items.emplace_back(found.empty() ? "Not Used" : "Done!");
-    for (const WhereUsed& use : found) {
-      items.push_back(FormatIdPrefix(use.recipe_id) + use.recipe_name);
-    }
-    BeepIfEnabled(ports.op, ports.settings);
-    return true;
-  });
-  return items;
 }
 
 }  // namespace vrx

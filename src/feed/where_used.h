@@ -5,8 +5,6 @@
 
 #include <SQLiteCpp/Database.h>
 
-#include "feed/feed_action.h"
-
 namespace vrx {
 
 // A line that holds the ingredient looked for, by its recipe.
@@ -21,11 +19,5 @@ struct WhereUsed {
 // One query. Throws DatabaseError.
 std::vector<WhereUsed> FindWhereIngUsed(SQLite::Database& database, int ingredient_id,
                                         bool stop_at_first);
-
-// The search as the operator starts it: what the list shows afterwards. Item 0 is the status,
-// "Not Used" or "Done!"; behind it stand the recipes, "  3: STEERS". No item after a failure, which
-// was told.
-std::vector<std::string> SearchWhereUsed(SQLite::Database& database, int ingredient_id,
-                                         const FeedPorts& ports);
 
 }  // namespace vrx

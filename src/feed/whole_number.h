@@ -7,8 +7,8 @@
 #include <string>
 #include <string_view>
 
-#include "frame/error.h"
-#include "frame/number.h"
+#include "base/error.h"
+#include "base/number.h"
 
 namespace vrx {
 

@@ -8,10 +8,10 @@
 #include <SQLiteCpp/Transaction.h>
 #include <sqlite3.h>
 
+#include "database/exact_sum.h"
 #include "database/schema.h"
 #include "database/transaction_ranges.h"
 #include "database/translated.h"
-#include "history/exact_sum.h"
 #include "history/group_query.h"
 #include "history/group_totals.h"
 #include "history/history_column.h"

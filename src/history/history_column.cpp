@@ -5,8 +5,8 @@
 #include <stdexcept>
 #include <vector>
 
+#include "base/text.h"
 #include "database/schema.h"
-#include "frame/text.h"
 
 namespace vrx {
 namespace {

@@ -10,9 +10,9 @@
 #include <SQLiteCpp/Database.h>
 
 #include "database/records.h"
+#include "history/columns.h"
 #include "history/data_group.h"
 #include "history/grouped_rows.h"
-#include "history/history_columns.h"
 #include "history/row_format.h"
 
 namespace vrx {

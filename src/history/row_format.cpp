@@ -6,7 +6,8 @@
 #include <optional>
 #include <string_view>
 
-#include "frame/number.h"
+#include "base/date.h"
+#include "base/number.h"
 
 namespace vrx {
 namespace {

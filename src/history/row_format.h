@@ -4,10 +4,10 @@
 #include <vector>
 
 #include "history/cell_value.h"
+#include "history/columns.h"
 #include "history/data_group.h"
 #include "history/grouped_rows.h"
 #include "history/history_column.h"
-#include "history/history_columns.h"
 
 namespace vrx {
 

@@ -3,8 +3,8 @@
 #include <algorithm>
 #include <string_view>
 
-#include "frame/files.h"
-#include "frame/number.h"
+#include "base/files.h"
+#include "base/number.h"
 
 namespace vrx {
 namespace {

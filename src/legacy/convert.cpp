@@ -9,17 +9,17 @@
 
 #include <SQLiteCpp/Exception.h>
 
+#include "base/files.h"
+#include "base/sha256.h"
+#include "base/text.h"
 #include "database/database_error.h"
 #include "database/kind_words.h"
-#include "frame/files.h"
-#include "frame/text.h"
 #include "legacy/field_rule.h"
 #include "legacy/identity_rows.h"
 #include "legacy/jet_file.h"
 #include "legacy/legacy_error.h"
 #include "legacy/new_file.h"
 #include "legacy/read_rows.h"
-#include "legacy/sha256.h"
 #include "legacy/table_conversion.h"
 
 namespace vrx {

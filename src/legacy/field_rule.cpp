@@ -3,10 +3,10 @@
 #include <algorithm>
 #include <limits>
 
+#include "base/text.h"
 #include "database/records.h"
 #include "feed/record_fields.h"
 #include "feed/record_kind.h"
-#include "frame/text.h"
 
 namespace vrx {
 namespace {

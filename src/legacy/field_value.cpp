@@ -6,8 +6,9 @@
 #include <cmath>
 #include <type_traits>
 
-#include "frame/number.h"
-#include "frame/text.h"
+#include "base/date.h"
+#include "base/number.h"
+#include "base/text.h"
 #include "legacy/jet_date.h"
 
 namespace vrx {

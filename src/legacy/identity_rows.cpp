@@ -4,11 +4,10 @@
 #include <initializer_list>
 #include <string_view>
 
+#include "base/date.h"
+#include "base/text.h"
 #include "database/identity.h"
 #include "database/kind_words.h"
-#include "database/one_row_table.h"
-#include "frame/number.h"
-#include "frame/text.h"
 #include "legacy/field_value.h"
 #include "legacy/jet_date.h"
 

@@ -2,7 +2,7 @@
 
 #include <optional>
 
-#include "frame/number.h"
+#include "base/date.h"
 #include "legacy/legacy_rows.h"
 
 namespace vrx {

@@ -8,7 +8,7 @@
 
 #include <nettle/arcfour.h>
 
-#include "frame/files.h"
+#include "base/files.h"
 
 namespace vrx {
 

@@ -5,7 +5,7 @@
 #include <string_view>
 #include <vector>
 
-#include "frame/files.h"
+#include "base/files.h"
 #include "legacy/jet_file.h"
 #include "legacy/jet_reader.h"
 #include "legacy/reader_exit.h"

@@ -12,7 +12,7 @@
 
 #include <mdbtools.h>
 
-#include "frame/text.h"
+#include "base/text.h"
 #include "legacy/jet_text.h"
 
 namespace vrx {

@@ -4,7 +4,7 @@
 #include <string>
 #include <vector>
 
-#include "frame/error.h"
+#include "base/error.h"
 #include "legacy/legacy_rows.h"
 
 namespace vrx {

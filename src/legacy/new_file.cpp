@@ -4,11 +4,11 @@
 #include <string>
 #include <system_error>
 
+#include "base/files.h"
+#include "base/sync.h"
 #include "database/connection.h"
 #include "database/kind_words.h"
 #include "database/translated.h"
-#include "disk/sync.h"
-#include "frame/files.h"
 
 namespace vrx {
 

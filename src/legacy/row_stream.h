@@ -7,7 +7,7 @@
 #include <string_view>
 #include <vector>
 
-#include "frame/error.h"
+#include "base/error.h"
 #include "legacy/legacy_rows.h"
 
 // How rows travel from the program that reads a Jet file to the one that asked for them.

@@ -8,10 +8,11 @@
 
 #include <SQLiteCpp/Column.h>
 
+#include "base/date.h"
+#include "base/number.h"
+#include "base/text.h"
 #include "database/records.h"
 #include "database/translated.h"
-#include "frame/number.h"
-#include "frame/text.h"
 #include "legacy/jet_date.h"
 
 namespace vrx {

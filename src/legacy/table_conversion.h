@@ -9,7 +9,7 @@
 #include <SQLiteCpp/Database.h>
 #include <SQLiteCpp/Statement.h>
 
-#include "history/exact_sum.h"
+#include "database/exact_sum.h"
 #include "legacy/conversion_report.h"
 #include "legacy/field_rule.h"
 #include "legacy/field_value.h"

@@ -2,7 +2,7 @@
 
 #include <string_view>
 
-#include "frame/error.h"
+#include "base/error.h"
 
 namespace vrx {
 

@@ -2,10 +2,10 @@
 
 #include <algorithm>
 
-#include "frame/error.h"
-#include "frame/number.h"
-#include "frame/private_ini.h"
+#include "base/error.h"
+#include "base/number.h"
 #include "link/control_characters.h"
+#include "settings/settings.h"
 
 namespace vrx {
 

@@ -1,7 +1,7 @@
-#include "frame/number.h"
-#include "frame/private_ini.h"
+#include "base/number.h"
 #include "link/control_characters.h"
 #include "link/krmcomm.h"
+#include "settings/settings.h"
 
 namespace vrx {
 

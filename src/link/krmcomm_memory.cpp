@@ -1,6 +1,7 @@
-#include "frame/text.h"
+#include "base/text.h"
 #include "link/control_characters.h"
 #include "link/krmcomm.h"
+#include "settings/settings.h"
 
 namespace vrx {
 

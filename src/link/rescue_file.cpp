@@ -5,8 +5,8 @@
 #include <cstdio>
 #include <system_error>
 
-#include "frame/files.h"
-#include "frame/text.h"
+#include "base/files.h"
+#include "base/text.h"
 
 namespace vrx {
 namespace {

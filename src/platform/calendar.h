@@ -1,10 +1,8 @@
 #pragma once
 
-#include <chrono>
+#include "base/date.h"
 
 namespace vrx {
-
-using Date = std::chrono::year_month_day;
 
 class Calendar {
  public:

@@ -9,8 +9,8 @@
 
 #include <poll.h>
 
+#include "simulator/commands.h"
 #include "simulator/memory_file.h"
-#include "simulator/module_command.h"
 #include "simulator/transmitter.h"
 
 namespace vrx::simulator {

@@ -6,9 +6,9 @@
 
 #include <CLI/CLI.hpp>
 
+#include "simulator/commands.h"
 #include "simulator/indicator_command.h"
 #include "simulator/indicator_script.h"
-#include "simulator/module_command.h"
 #include "simulator/transmitter.h"
 #include "simulator/working_indicator.h"
 

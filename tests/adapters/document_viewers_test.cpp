@@ -3,7 +3,7 @@
 #include <gtest/gtest.h>
 
 #include "adapters/local_machine.h"
-#include "viewer_site.h"
+#include "adapters/viewer_site.h"
 
 namespace vrx::testing {
 namespace {

@@ -6,7 +6,7 @@
 
 #include <gtest/gtest.h>
 
-#include "viewer_site.h"
+#include "adapters/viewer_site.h"
 
 namespace vrx::testing {
 namespace {

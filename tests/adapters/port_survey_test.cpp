@@ -11,8 +11,8 @@
 #include <unistd.h>
 
 #include "adapters/port_device.h"
+#include "adapters/pseudo_terminal.h"
 #include "platform/serial_control.h"
-#include "pseudo_terminal.h"
 #include "support/temp_folder.h"
 
 namespace vrx::testing {

@@ -14,7 +14,7 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
-#include "frame/error.h"
+#include "base/error.h"
 #include "support/temp_folder.h"
 
 namespace vrx::testing {

@@ -8,7 +8,7 @@
 #include <gmock/gmock.h>
 
 #include "ctl/ctl_fixture.h"
-#include "database/database_files.h"
+#include "support/database_files.h"
 
 namespace vrx::testing {
 namespace {

@@ -1,4 +1,4 @@
-#include "database/database_files.h"
+#include "support/database_files.h"
 
 #include <filesystem>
 #include <string>
@@ -8,7 +8,7 @@
 #include <gmock/gmock.h>
 #include <nlohmann/json.hpp>
 
-#include "ctl_fixture.h"
+#include "ctl/ctl_fixture.h"
 
 namespace vrx::testing {
 namespace {

@@ -5,8 +5,8 @@
 #include <SQLiteCpp/Transaction.h>
 #include <gmock/gmock.h>
 
-#include "ctl_fixture.h"
-#include "database/database_files.h"
+#include "ctl/ctl_fixture.h"
+#include "support/database_files.h"
 
 namespace vrx::testing {
 namespace {

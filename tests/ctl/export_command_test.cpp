@@ -5,10 +5,10 @@
 
 #include <gmock/gmock.h>
 
-#include "ctl_fixture.h"
-#include "export/export_tab.h"
-#include "frame/private_ini.h"
-#include "history/history_view.h"
+#include "ctl/ctl_fixture.h"
+#include "presenter/export.h"
+#include "presenter/history.h"
+#include "settings/settings.h"
 #include "support/recording_operator.h"
 #include "support/scripted_file_chooser.h"
 

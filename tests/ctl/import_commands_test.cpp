@@ -3,7 +3,7 @@
 #include <gmock/gmock.h>
 #include <nlohmann/json.hpp>
 
-#include "ctl_fixture.h"
+#include "ctl/ctl_fixture.h"
 #include "exchange/transaction_texts.h"
 
 namespace vrx::testing {

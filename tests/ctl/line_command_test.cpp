@@ -4,8 +4,8 @@
 #include <gmock/gmock.h>
 #include <nlohmann/json.hpp>
 
-#include "ctl_fixture.h"
-#include "database/database_files.h"
+#include "ctl/ctl_fixture.h"
+#include "support/database_files.h"
 
 namespace vrx::testing {
 namespace {

@@ -2,7 +2,7 @@
 
 #include <gmock/gmock.h>
 
-#include "ctl_fixture.h"
+#include "ctl/ctl_fixture.h"
 
 namespace vrx::testing {
 namespace {

@@ -1,7 +1,7 @@
 #include <gmock/gmock.h>
 #include <nlohmann/json.hpp>
 
-#include "ctl_fixture.h"
+#include "ctl/ctl_fixture.h"
 
 namespace vrx::testing {
 namespace {

@@ -5,9 +5,9 @@
 #include <gmock/gmock.h>
 #include <nlohmann/json.hpp>
 
-#include "ctl_fixture.h"
+#include "ctl/ctl_fixture.h"
 #include "history/data_group.h"
-#include "history/small_history.h"
+#include "support/small_history.h"
 
 namespace vrx::testing {
 namespace {

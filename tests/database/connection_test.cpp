@@ -9,8 +9,8 @@
 #include <gtest/gtest.h>
 #include <sqlite3.h>
 
-#include "database/database_files.h"
 #include "database/records.h"
+#include "support/database_files.h"
 
 namespace vrx::testing {
 namespace {

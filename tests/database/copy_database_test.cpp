@@ -3,9 +3,9 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include "base/files.h"
 #include "database/database_error.h"
-#include "database/database_files.h"
-#include "frame/files.h"
+#include "support/database_files.h"
 
 namespace vrx::testing {
 namespace {

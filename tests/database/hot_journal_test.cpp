@@ -6,7 +6,7 @@
 #include <unistd.h>
 
 #include "database/connection.h"
-#include "database/database_files.h"
+#include "support/database_files.h"
 
 namespace vrx::testing {
 namespace {

@@ -7,9 +7,10 @@
 #include <gtest/gtest.h>
 
 #include "database/connection.h"
-#include "database/database_files.h"
 #include "database/identity.h"
-#include "frame/private_ini.h"
+#include "presenter/database_identity.h"
+#include "settings/settings.h"
+#include "support/database_files.h"
 #include "support/fixed_calendar.h"
 #include "support/recording_operator.h"
 

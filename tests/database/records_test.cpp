@@ -8,7 +8,7 @@
 #include <gtest/gtest.h>
 
 #include "database/connection.h"
-#include "database/database_files.h"
+#include "support/database_files.h"
 
 namespace vrx::testing {
 namespace {

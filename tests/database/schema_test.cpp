@@ -6,8 +6,8 @@
 #include <gtest/gtest.h>
 
 #include "database/connection.h"
-#include "database/database_files.h"
 #include "database/transaction_ranges.h"
+#include "support/database_files.h"
 
 namespace vrx::testing {
 namespace {

@@ -1,9 +1,8 @@
-#include "database/summary.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include "database/database_files.h"
+#include "support/database_files.h"
 
 namespace vrx::testing {
 namespace {

@@ -4,8 +4,9 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include "base/date.h"
 #include "database/connection.h"
-#include "database/database_files.h"
+#include "support/database_files.h"
 
 namespace vrx::testing {
 namespace {

@@ -4,7 +4,7 @@
 #include <SQLiteCpp/Statement.h>
 #include <gtest/gtest.h>
 
-#include "programs_fixture.h"
+#include "end_to_end/programs_fixture.h"
 
 namespace vrx::testing {
 namespace {

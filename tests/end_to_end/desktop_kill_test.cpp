@@ -8,7 +8,7 @@
 
 #include <SQLiteCpp/Database.h>
 
-#include "desktop_user.h"
+#include "support/desktop_user.h"
 
 namespace vrx::testing {
 namespace {

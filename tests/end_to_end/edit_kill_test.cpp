@@ -7,7 +7,7 @@
 #include <SQLiteCpp/Database.h>
 #include <gtest/gtest.h>
 
-#include "programs_fixture.h"
+#include "end_to_end/programs_fixture.h"
 
 namespace vrx::testing {
 namespace {

@@ -6,7 +6,7 @@
 #include <SQLiteCpp/Database.h>
 #include <gmock/gmock.h>
 
-#include "programs_fixture.h"
+#include "end_to_end/programs_fixture.h"
 #include "support/private_mounts.h"
 
 namespace vrx::testing {

@@ -8,7 +8,7 @@
 #include <gtest/gtest.h>
 #include <nlohmann/json.hpp>
 
-#include "program.h"
+#include "support/program.h"
 #include "support/temp_folder.h"
 
 namespace vrx::testing {

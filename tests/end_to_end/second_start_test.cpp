@@ -5,7 +5,7 @@
 #include <thread>
 #include <vector>
 
-#include "desktop_user.h"
+#include "support/desktop_user.h"
 
 namespace vrx::testing {
 namespace {

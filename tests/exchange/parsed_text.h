@@ -7,7 +7,7 @@
 
 #include "exchange/recording_progress.h"
 #include "exchange/trans_file.h"
-#include "frame/private_ini.h"
+#include "settings/settings.h"
 #include "support/recording_operator.h"
 
 namespace vrx::testing {

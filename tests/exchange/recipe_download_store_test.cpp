@@ -4,9 +4,9 @@
 
 #include "database/connection.h"
 #include "database/database_error.h"
-#include "exchange/recipe_tables.h"
 #include "exchange/store_site.h"
 #include "support/fixed_calendar.h"
+#include "support/recipe_tables.h"
 #include "support/temp_folder.h"
 
 namespace vrx::testing {

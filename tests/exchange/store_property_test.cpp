@@ -5,8 +5,8 @@
 
 #include <gtest/gtest.h>
 
+#include "base/number.h"
 #include "exchange/store_site.h"
-#include "frame/number.h"
 
 namespace vrx::testing {
 namespace {

@@ -5,6 +5,7 @@
 #include <SQLiteCpp/Statement.h>
 
 #include "database/connection.h"
+#include "database/identity.h"
 #include "database/schema.h"
 
 namespace vrx::testing {

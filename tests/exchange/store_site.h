@@ -8,12 +8,12 @@
 #include <string_view>
 #include <vector>
 
-#include "database/identity.h"
+#include "database/open_databases.h"
 #include "exchange/imported_data.h"
-#include "exchange/open_databases.h"
 #include "exchange/recording_progress.h"
 #include "exchange/store.h"
-#include "frame/private_ini.h"
+#include "presenter/database_identity.h"
+#include "settings/settings.h"
 #include "support/fixed_calendar.h"
 #include "support/recording_operator.h"
 #include "support/temp_folder.h"

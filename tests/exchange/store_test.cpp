@@ -7,8 +7,8 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include "base/encoding.h"
 #include "exchange/store_site.h"
-#include "frame/encoding.h"
 
 namespace vrx::testing {
 namespace {

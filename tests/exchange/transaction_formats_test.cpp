@@ -5,7 +5,7 @@
 
 #include <gtest/gtest.h>
 
-#include "exchange/ingredient_column_names.h"
+#include "history/ingredient_column_names.h"
 
 namespace vrx {
 namespace {

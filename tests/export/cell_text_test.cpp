@@ -8,8 +8,9 @@
 
 #include <gtest/gtest.h>
 
-#include "frame/error.h"
-#include "frame/number.h"
+#include "base/date.h"
+#include "base/error.h"
+#include "base/number.h"
 
 namespace vrx::testing {
 namespace {

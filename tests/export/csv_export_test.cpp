@@ -8,10 +8,10 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include "base/error.h"
+#include "base/files.h"
 #include "database/database_error.h"
 #include "export/export_site.h"
-#include "frame/error.h"
-#include "frame/files.h"
 #include "support/temp_folder.h"
 
 namespace vrx::testing {

@@ -15,11 +15,11 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
+#include "base/files.h"
 #include "database/database_error.h"
-#include "database/database_files.h"
 #include "export/csv_export.h"
 #include "export/export_site.h"
-#include "frame/files.h"
+#include "support/database_files.h"
 
 namespace vrx::testing {
 namespace {

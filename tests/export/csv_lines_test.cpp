@@ -7,7 +7,7 @@
 
 #include <gtest/gtest.h>
 
-#include "frame/error.h"
+#include "base/error.h"
 
 namespace vrx::testing {
 namespace {

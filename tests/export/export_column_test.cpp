@@ -1,12 +1,11 @@
-#include "export/export_column.h"
-
 #include <string>
 #include <vector>
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include "exchange/ingredient_column_names.h"
+#include "export/export_columns.h"
+#include "history/ingredient_column_names.h"
 
 namespace vrx::testing {
 namespace {

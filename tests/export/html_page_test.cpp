@@ -8,8 +8,8 @@
 #include <gtest/gtest.h>
 #include <unistd.h>
 
-#include "frame/error.h"
-#include "frame/files.h"
+#include "base/error.h"
+#include "base/files.h"
 #include "support/fixed_system_info.h"
 #include "support/recording_operator.h"
 #include "support/temp_folder.h"

@@ -9,9 +9,9 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include "base/error.h"
 #include "export/export_site.h"
 #include "export/told_levels.h"
-#include "frame/error.h"
 
 namespace vrx::testing {
 namespace {

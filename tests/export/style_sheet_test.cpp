@@ -5,7 +5,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include "frame/files.h"
+#include "base/files.h"
 #include "support/fixed_system_info.h"
 #include "support/recording_operator.h"
 #include "support/temp_folder.h"

@@ -9,11 +9,11 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include "base/files.h"
 #include "export/export_site.h"
+#include "export/html_export.h"
 #include "export/page_texts.h"
-#include "export/transformation.h"
 #include "export/xml_export.h"
-#include "frame/files.h"
 #include "history/data_group.h"
 #include "support/fixed_system_info.h"
 #include "support/recording_operator.h"

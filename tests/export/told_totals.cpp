@@ -6,7 +6,7 @@
 #include <cstddef>
 #include <functional>
 
-#include "frame/number.h"
+#include "base/number.h"
 #include "history/data_group.h"
 
 namespace vrx::testing {

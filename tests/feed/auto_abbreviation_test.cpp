@@ -1,13 +1,12 @@
-#include "feed/auto_abbreviation.h"
-
 #include <optional>
 #include <random>
 #include <string>
 
 #include <gtest/gtest.h>
 
+#include "base/text.h"
+#include "feed/key_filters.h"
 #include "feed/record_fields.h"
-#include "frame/text.h"
 
 namespace vrx {
 namespace {

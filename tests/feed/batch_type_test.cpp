@@ -8,8 +8,8 @@
 
 #include <gtest/gtest.h>
 
+#include "base/error.h"
 #include "feed/adjust_list.h"
-#include "frame/error.h"
 
 namespace vrx {
 namespace {

@@ -11,11 +11,11 @@
 #include <gtest/gtest.h>
 
 #include "database/connection.h"
-#include "database/database_files.h"
-#include "database/identity.h"
 #include "database/records.h"
-#include "feed/feed_action.h"
-#include "frame/private_ini.h"
+#include "presenter/database_identity.h"
+#include "presenter/feed_action.h"
+#include "settings/settings.h"
+#include "support/database_files.h"
 #include "support/fixed_calendar.h"
 #include "support/recording_operator.h"
 #include "support/temp_folder.h"

@@ -1,4 +1,4 @@
-#include "ration_model.h"
+#include "feed/ration_model.h"
 
 #include <algorithm>
 #include <cstdint>
@@ -6,7 +6,7 @@
 #include <numeric>
 #include <stdexcept>
 
-#include "soft_number.h"
+#include "feed/soft_number.h"
 
 namespace vrx::testing {
 namespace {

@@ -1,6 +1,6 @@
 // Every computed cell of random recipes against the arithmetic worked out a second time with whole
 // numbers, and against the exact quotients.
-#include "ration_model.h"
+#include "feed/ration_model.h"
 
 #include <algorithm>
 #include <array>
@@ -10,10 +10,9 @@
 #include <gtest/gtest.h>
 
 #include "feed/adjust_list.h"
+#include "feed/ration_cells.h"
+#include "feed/soft_number.h"
 #include "feed/whole_number.h"
-#include "frame/number.h"
-#include "ration_cells.h"
-#include "soft_number.h"
 
 namespace vrx::testing {
 namespace {

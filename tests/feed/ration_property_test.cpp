@@ -6,12 +6,12 @@
 
 #include <gtest/gtest.h>
 
+#include "base/number.h"
 #include "database/connection.h"
 #include "feed/ration.h"
+#include "feed/ration_cells.h"
 #include "feed/ration_totals.h"
-#include "frame/number.h"
-#include "ration_cells.h"
-#include "soft_number.h"
+#include "feed/soft_number.h"
 
 namespace vrx::testing {
 namespace {

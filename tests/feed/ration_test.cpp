@@ -3,9 +3,9 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include "base/error.h"
+#include "feed/ration_cells.h"
 #include "feed/whole_number.h"
-#include "frame/error.h"
-#include "ration_cells.h"
 
 namespace vrx::testing {
 namespace {

@@ -1,7 +1,7 @@
 #include <string>
 
+#include "feed/recipe_editor_fixture.h"
 #include "feed/record_fields.h"
-#include "recipe_editor_fixture.h"
 
 namespace vrx::testing {
 namespace {

@@ -1,4 +1,4 @@
-#include "recipe_editor_fixture.h"
+#include "feed/recipe_editor_fixture.h"
 
 namespace vrx::testing {
 namespace {

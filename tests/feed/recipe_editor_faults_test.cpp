@@ -1,10 +1,10 @@
 #include <array>
 #include <functional>
 
-#include "database/database_files.h"
-#include "feed/edit_event.h"
+#include "feed/recipe_editor_fixture.h"
 #include "feed/record_fields.h"
-#include "recipe_editor_fixture.h"
+#include "presenter/report_failure.h"
+#include "support/database_files.h"
 
 namespace vrx::testing {
 namespace {

@@ -10,9 +10,9 @@
 #include "database/connection.h"
 #include "database/records.h"
 #include "database/schema.h"
+#include "feed/ration_cells.h"
 #include "feed/recipe_editor.h"
-#include "frame/private_ini.h"
-#include "ration_cells.h"
+#include "settings/settings.h"
 #include "support/recording_operator.h"
 #include "support/temp_folder.h"
 

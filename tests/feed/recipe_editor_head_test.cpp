@@ -1,5 +1,5 @@
+#include "feed/recipe_editor_fixture.h"
 #include "feed/record_fields.h"
-#include "recipe_editor_fixture.h"
 
 namespace vrx::testing {
 namespace {

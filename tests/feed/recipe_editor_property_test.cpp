@@ -2,9 +2,9 @@
 #include <random>
 #include <set>
 
+#include "feed/ration_model.h"
+#include "feed/recipe_editor_fixture.h"
 #include "feed/record_fields.h"
-#include "ration_model.h"
-#include "recipe_editor_fixture.h"
 
 namespace vrx::testing {
 namespace {

@@ -1,8 +1,8 @@
 #include <string>
 #include <tuple>
 
+#include "feed/recipe_editor_fixture.h"
 #include "feed/record_fields.h"
-#include "recipe_editor_fixture.h"
 
 namespace vrx::testing {
 namespace {

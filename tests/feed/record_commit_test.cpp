@@ -5,10 +5,11 @@
 #include <SQLiteCpp/Transaction.h>
 #include <gmock/gmock.h>
 
+#include "base/error.h"
 #include "database/database_error.h"
+#include "database/identity.h"
+#include "feed/feed_database.h"
 #include "feed/ration.h"
-#include "feed_database.h"
-#include "frame/error.h"
 
 namespace vrx::testing {
 namespace {

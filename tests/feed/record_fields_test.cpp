@@ -6,8 +6,8 @@
 
 #include <gtest/gtest.h>
 
-#include "frame/number.h"
-#include "frame/text.h"
+#include "base/text.h"
+#include "feed/key_filters.h"
 
 namespace vrx {
 namespace {

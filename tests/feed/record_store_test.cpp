@@ -3,9 +3,9 @@
 #include <SQLiteCpp/Transaction.h>
 #include <gmock/gmock.h>
 
+#include "base/error.h"
 #include "database/database_error.h"
-#include "feed_database.h"
-#include "frame/error.h"
+#include "feed/feed_database.h"
 
 namespace vrx::testing {
 namespace {

@@ -1,4 +1,4 @@
-#include "soft_number.h"
+#include "feed/soft_number.h"
 
 #include <algorithm>
 #include <stdexcept>

@@ -5,7 +5,7 @@
 #include <cstdlib>
 #include <map>
 
-#include "history/exact_sum.h"
+#include "database/exact_sum.h"
 #include "history/history_column.h"
 
 namespace vrx::testing {

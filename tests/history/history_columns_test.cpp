@@ -1,5 +1,3 @@
-#include "history/history_columns.h"
-
 #include <algorithm>
 #include <map>
 #include <numeric>
@@ -10,6 +8,8 @@
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
+
+#include "history/columns.h"
 
 namespace vrx::testing {
 namespace {

@@ -11,9 +11,9 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include "base/number.h"
 #include "database/database_error.h"
-#include "frame/number.h"
-#include "small_history.h"
+#include "support/small_history.h"
 
 namespace vrx::testing {
 namespace {

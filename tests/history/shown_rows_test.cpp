@@ -8,7 +8,7 @@
 
 #include "database/records.h"
 #include "history/history_grid.h"
-#include "small_history.h"
+#include "support/small_history.h"
 
 namespace vrx::testing {
 namespace {

@@ -8,8 +8,8 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include "database/summary.h"
-#include "frame/number.h"
+#include "base/date.h"
+#include "base/number.h"
 #include "legacy/conversion_site.h"
 
 namespace vrx::testing {

@@ -5,6 +5,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include "base/date.h"
 #include "legacy/jet_date.h"
 
 namespace vrx::testing {

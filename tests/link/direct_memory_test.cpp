@@ -1,7 +1,7 @@
 #include <gmock/gmock.h>
 
-#include "link/upload.h"
-#include "link_fixture.h"
+#include "link/link_fixture.h"
+#include "presenter/upload.h"
 
 namespace vrx::testing {
 namespace {

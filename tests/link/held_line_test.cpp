@@ -2,10 +2,10 @@
 
 #include <gmock/gmock.h>
 
-#include "link/direct_connection.h"
-#include "link/download.h"
-#include "link/upload.h"
-#include "link_fixture.h"
+#include "link/link_fixture.h"
+#include "presenter/direct_connection.h"
+#include "presenter/download.h"
+#include "presenter/upload.h"
 
 namespace vrx::testing {
 namespace {

@@ -3,7 +3,7 @@
 #include <gmock/gmock.h>
 
 #include "link/control_characters.h"
-#include "link_fixture.h"
+#include "link/link_fixture.h"
 
 namespace vrx::testing {
 namespace {

@@ -2,7 +2,7 @@
 
 #include <gmock/gmock.h>
 
-#include "link_fixture.h"
+#include "link/link_fixture.h"
 
 namespace vrx::testing {
 namespace {

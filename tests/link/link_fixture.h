@@ -4,8 +4,8 @@
 
 #include <gtest/gtest.h>
 
-#include "frame/private_ini.h"
 #include "link/krmcomm.h"
+#include "settings/settings.h"
 #include "support/fake_serial_control.h"
 #include "support/manual_pump.h"
 #include "support/recording_operator.h"

@@ -2,10 +2,10 @@
 
 #include <gmock/gmock.h>
 
-#include "frame/files.h"
-#include "link/direct_connection.h"
-#include "link/upload.h"
-#include "link_fixture.h"
+#include "base/files.h"
+#include "link/link_fixture.h"
+#include "presenter/direct_connection.h"
+#include "presenter/upload.h"
 #include "support/environment.h"
 #include "support/temp_folder.h"
 

@@ -11,7 +11,7 @@
 #include <gmock/gmock.h>
 
 #include "manual/manual_chapters.h"
-#include "packages/command_help.h"
+#include "support/command_help.h"
 #include "support/temp_folder.h"
 
 namespace vrx::testing {

@@ -15,7 +15,7 @@
 #include "make_manual/sample_program.h"
 #include "manual/manual_chapters.h"
 #include "manual/program_texts.h"
-#include "packages/command_help.h"
+#include "support/command_help.h"
 
 namespace vrx::testing {
 namespace {

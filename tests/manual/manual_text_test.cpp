@@ -2,7 +2,7 @@
 
 #include <gmock/gmock.h>
 
-#include "frame/error.h"
+#include "base/error.h"
 #include "make_manual/span_parser.h"
 #include "manual/program_texts.h"
 

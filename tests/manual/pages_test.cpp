@@ -6,7 +6,7 @@
 
 #include <gmock/gmock.h>
 
-#include "frame/error.h"
+#include "base/error.h"
 
 namespace vrx::testing {
 namespace {

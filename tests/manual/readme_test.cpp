@@ -8,7 +8,7 @@
 
 #include <gmock/gmock.h>
 
-#include "end_to_end/program.h"
+#include "support/program.h"
 #include "support/temp_folder.h"
 
 namespace vrx::testing {

@@ -10,7 +10,7 @@
 #include <SQLiteCpp/Database.h>
 #include <SQLiteCpp/Transaction.h>
 
-#include "on_display.h"
+#include "on_display/on_display.h"
 
 namespace vrx::testing {
 namespace {

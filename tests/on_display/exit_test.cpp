@@ -6,7 +6,7 @@
 
 #include <SQLiteCpp/Database.h>
 
-#include "on_display.h"
+#include "on_display/on_display.h"
 
 namespace vrx::testing {
 namespace {

@@ -4,7 +4,7 @@
 
 #include <SQLiteCpp/Database.h>
 
-#include "on_display.h"
+#include "on_display/on_display.h"
 #include "support/temp_folder.h"
 
 namespace vrx::testing {

@@ -1,4 +1,4 @@
-#include "input.h"
+#include "on_display/input.h"
 
 #include <stdexcept>
 

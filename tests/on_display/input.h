@@ -3,7 +3,7 @@
 #include <string>
 #include <vector>
 
-#include "windows.h"
+#include "on_display/windows.h"
 
 namespace vrx::testing {
 

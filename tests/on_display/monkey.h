@@ -9,8 +9,8 @@
 
 #include <SQLiteCpp/Database.h>
 
-#include "on_display.h"
-#include "small_disk.h"
+#include "on_display/on_display.h"
+#include "on_display/small_disk.h"
 
 namespace vrx::testing {
 

@@ -1,4 +1,4 @@
-#include "monkey.h"
+#include "on_display/monkey.h"
 
 #include <cstdlib>
 #include <string>

@@ -1,7 +1,7 @@
 #include <fstream>
 #include <string>
 
-#include "monkey.h"
+#include "on_display/monkey.h"
 
 namespace vrx::testing {
 namespace {

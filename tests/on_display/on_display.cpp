@@ -1,4 +1,4 @@
-#include "on_display.h"
+#include "on_display/on_display.h"
 
 #include <algorithm>
 #include <cstdlib>

@@ -5,11 +5,11 @@
 #include <string>
 #include <vector>
 
-#include "end_to_end/desktop_user.h"
-#include "input.h"
-#include "screen.h"
+#include "on_display/input.h"
+#include "on_display/screen.h"
+#include "on_display/windows.h"
+#include "support/desktop_user.h"
 #include "support/virtual_display.h"
-#include "windows.h"
 
 namespace vrx::testing {
 

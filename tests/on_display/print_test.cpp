@@ -3,7 +3,7 @@
 
 #include <gmock/gmock.h>
 
-#include "on_display.h"
+#include "on_display/on_display.h"
 
 namespace vrx::testing {
 namespace {

@@ -1,4 +1,4 @@
-#include "screen.h"
+#include "on_display/screen.h"
 
 #include <algorithm>
 #include <array>

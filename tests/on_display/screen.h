@@ -7,7 +7,7 @@
 
 #include <nlohmann/json.hpp>
 
-#include "windows.h"
+#include "on_display/windows.h"
 
 namespace vrx::testing {
 

@@ -1,4 +1,4 @@
-#include "small_disk.h"
+#include "on_display/small_disk.h"
 
 #include <cerrno>
 #include <fstream>

@@ -3,7 +3,7 @@
 #include <string>
 #include <vector>
 
-#include "on_display.h"
+#include "on_display/on_display.h"
 
 namespace vrx::testing {
 namespace {

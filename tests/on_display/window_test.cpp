@@ -1,7 +1,7 @@
 #include <filesystem>
 #include <string>
 
-#include "on_display.h"
+#include "on_display/on_display.h"
 
 namespace vrx::testing {
 namespace {

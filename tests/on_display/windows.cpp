@@ -1,4 +1,4 @@
-#include "windows.h"
+#include "on_display/windows.h"
 
 #include <algorithm>
 #include <array>

@@ -6,8 +6,8 @@
 
 #include <gmock/gmock.h>
 
-#include "end_to_end/program.h"
-#include "packages/command_help.h"
+#include "support/command_help.h"
+#include "support/program.h"
 #include "support/temp_folder.h"
 
 namespace vrx::testing {

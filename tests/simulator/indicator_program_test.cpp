@@ -4,7 +4,7 @@
 
 #include <gmock/gmock.h>
 
-#include "simulator_program.h"
+#include "simulator/simulator_program.h"
 #include "support/temp_folder.h"
 
 namespace vrx::testing {

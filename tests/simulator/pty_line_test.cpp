@@ -7,7 +7,7 @@
 
 #include <gtest/gtest.h>
 
-#include "simulator_program.h"
+#include "simulator/simulator_program.h"
 #include "support/temp_folder.h"
 
 namespace vrx::simulator {

@@ -1,4 +1,4 @@
-#include "simulator_program.h"
+#include "simulator/simulator_program.h"
 
 #include <algorithm>
 #include <array>

@@ -10,6 +10,7 @@
 #include <SQLiteCpp/Database.h>
 #include <SQLiteCpp/Transaction.h>
 
+#include "base/number.h"
 #include "database/connection.h"
 #include "database/identity.h"
 #include "database/records.h"
@@ -17,8 +18,8 @@
 #include "feed/adjust_list.h"
 #include "feed/ration.h"
 #include "feed/ration_totals.h"
-#include "frame/number.h"
-#include "frame/private_ini.h"
+#include "presenter/database_identity.h"
+#include "settings/settings.h"
 #include "support/fixed_calendar.h"
 #include "support/recording_operator.h"
 

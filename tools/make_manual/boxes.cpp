@@ -4,7 +4,7 @@
 #include <algorithm>
 #include <numeric>
 
-#include "frame/error.h"
+#include "base/error.h"
 
 namespace vrx::manual {
 namespace {

@@ -14,8 +14,8 @@
 #include <QTreeWidget>
 #include <array>
 
-#include "desktop/calendar_popup.h"
-#include "frame/command_states.h"
+#include "presenter/command_states.h"
+#include "widgets/calendar_popup.h"
 
 namespace vrx::manual {
 namespace {

@@ -12,7 +12,7 @@
 #include <utility>
 #include <vector>
 
-#include "frame/error.h"
+#include "base/error.h"
 #include "make_manual/figures.h"
 #include "make_manual/studio.h"
 

@@ -13,16 +13,16 @@
 #include <string>
 #include <vector>
 
-#include "desktop/form_parts.h"
-#include "desktop/qt_text.h"
-#include "frame/captions.h"
-#include "frame/error.h"
-#include "frame/files.h"
+#include "base/error.h"
+#include "base/files.h"
+#include "desktop/app/captions.h"
+#include "desktop/dialogs/form_parts.h"
 #include "make_manual/figures.h"
 #include "make_manual/manual_pdf.h"
 #include "make_manual/manual_style.h"
 #include "make_manual/manual_text.h"
 #include "make_manual/studio.h"
+#include "widgets/qt_text.h"
 
 namespace {
 

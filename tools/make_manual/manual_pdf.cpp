@@ -6,7 +6,7 @@
 #include <QSvgRenderer>
 #include <utility>
 
-#include "frame/error.h"
+#include "base/error.h"
 #include "make_manual/manual_style.h"
 #include "make_manual/pages.h"
 

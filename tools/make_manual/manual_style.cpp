@@ -4,7 +4,7 @@
 #include <QFontMetricsF>
 #include <string>
 
-#include "frame/error.h"
+#include "base/error.h"
 
 namespace vrx::manual {
 namespace {

@@ -4,7 +4,7 @@
 #include <optional>
 #include <sstream>
 
-#include "frame/error.h"
+#include "base/error.h"
 #include "make_manual/span_parser.h"
 
 namespace vrx::manual {

@@ -2,7 +2,7 @@
 
 #include <string>
 
-#include "frame/error.h"
+#include "base/error.h"
 
 namespace vrx::manual {
 namespace {

@@ -8,13 +8,13 @@
 #include <utility>
 
 #include "adapters/qt_event_pump.h"
-#include "desktop/desktop_context.h"
-#include "frame/error.h"
-#include "frame/files.h"
-#include "frame/folder.h"
+#include "base/error.h"
+#include "base/files.h"
+#include "desktop/app/desktop_context.h"
 #include "link/control_characters.h"
 #include "make_manual/sample_records.h"
 #include "platform/serial_control.h"
+#include "settings/data_folder.h"
 
 namespace vrx::manual {
 namespace {

@@ -6,8 +6,8 @@
 #include <string>
 #include <vector>
 
-#include "desktop/vrx_main.h"
-#include "frame/error.h"
+#include "base/error.h"
+#include "desktop/app/main_form.h"
 
 namespace vrx::manual {
 

@@ -3,11 +3,12 @@
 #include <string>
 #include <utility>
 
+#include "base/application.h"
+#include "base/error.h"
+#include "base/files.h"
 #include "database/identity.h"
-#include "exchange/import_session.h"
-#include "frame/error.h"
-#include "frame/files.h"
-#include "frame/folder.h"
+#include "presenter/database_identity.h"
+#include "presenter/import.h"
 
 namespace vrx::manual {
 namespace {

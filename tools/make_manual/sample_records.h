@@ -3,10 +3,10 @@
 #include <filesystem>
 #include <vector>
 
-#include "frame/private_ini.h"
 #include "platform/calendar.h"
 #include "platform/operator.h"
 #include "platform/system_info.h"
+#include "settings/settings.h"
 
 namespace vrx::manual {
 

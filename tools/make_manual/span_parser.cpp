@@ -3,7 +3,7 @@
 #include <string>
 #include <utility>
 
-#include "frame/error.h"
+#include "base/error.h"
 
 namespace vrx::manual {
 namespace {

@@ -3,7 +3,7 @@
 #include <QTextCharFormat>
 #include <QTextOption>
 
-#include "frame/error.h"
+#include "base/error.h"
 
 namespace vrx::manual {
 namespace {

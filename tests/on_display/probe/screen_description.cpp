@@ -1,4 +1,4 @@
-#include "screen_description.h"
+#include "on_display/probe/screen_description.h"
 
 #include <QAbstractButton>
 #include <QAbstractItemView>

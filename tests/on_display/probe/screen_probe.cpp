@@ -11,7 +11,7 @@
 #include <sys/un.h>
 #include <unistd.h>
 
-#include "screen_description.h"
+#include "on_display/probe/screen_description.h"
 
 namespace vrx::testing {
 

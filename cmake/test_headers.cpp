@@ -1,0 +1,1 @@
+// An empty source: the target vrx_test_headers exists for its precompiled header.

@@ -1,0 +1,102 @@
+#include "base/files.h"
+
+#include <array>
+#include <cerrno>
+#include <cstdio>
+#include <fstream>
+#include <system_error>
+
+#include "base/replacing_file.h"
+#include "base/upper_case.h"
+
+namespace vrx {
+namespace fs = std::filesystem;
+namespace {
+
+// What the C library said about the operation that has just failed.
+std::error_code LastError() { return {errno != 0 ? errno : EIO, std::generic_category()}; }
+
+[[noreturn]] void FailToRead(const fs::path& path) {
+  throw FileError("cannot read " + path.string() + ": " + LastError().message());
+}
+
+std::error_code CopyBytes(std::ifstream& in, std::FILE* out) {
+  std::array<char, 65536> block{};
+  while (in) {
+    in.read(block.data(), static_cast<std::streamsize>(block.size()));
+    const auto count = static_cast<std::size_t>(in.gcount());
+    if (std::fwrite(block.data(), 1, count, out) != count) {
+      return LastError();
+    }
+  }
+  return in.bad() ? LastError() : std::error_code();
+}
+
+// The standard library's own copy reports a full disk as a fault of the device.
+std::error_code CopyToNewFile(const fs::path& source, const fs::path& destination) {
+  errno = 0;
+  std::ifstream in(source, std::ios::binary);
+  if (!in) {
+    return LastError();
+  }
+  std::FILE* const out = std::fopen(destination.string().c_str(), "wbx");
+  if (out == nullptr) {
+    return LastError();
+  }
+  std::error_code error = CopyBytes(in, out);
+  if (std::fclose(out) != 0 && !error) {
+    error = LastError();
+  }
+  if (error) {
+    std::error_code ignored;
+    fs::remove(destination, ignored);
+  }
+  return error;
+}
+
+}  // namespace
+
+bool FileExists(const fs::path& path) {
+  std::error_code ignored;
+  return fs::exists(path, ignored);
+}
+
+bool CopyFileNoOverwrite(const fs::path& source, const fs::path& destination,
+                         std::error_code* why) {
+  const std::error_code error = CopyToNewFile(source, destination);
+  if (why != nullptr) {
+    *why = error;
+  }
+  return !error;
+}
+
+std::string ReadFileBytes(const fs::path& path, std::size_t limit) {
+  errno = 0;
+  std::ifstream in(path, std::ios::binary);
+  if (!in) {
+    FailToRead(path);
+  }
+  std::string bytes;
+  std::array<char, 65536> block{};
+  while (in && bytes.size() <= limit) {
+    in.read(block.data(), static_cast<std::streamsize>(block.size()));
+    bytes.append(block.data(), static_cast<std::size_t>(in.gcount()));
+  }
+  if (in.bad()) {
+    FailToRead(path);
+  }
+  if (bytes.size() > limit) {
+    bytes.resize(limit + 1);
+  }
+  return bytes;
+}
+
+void WriteFileBytes(const fs::path& path, std::string_view bytes) {
+  ReplacingFile file(path);
+  file.Write(bytes);
+  file.TakePlace();
+}
+
+std::string FileTitle(const fs::path& path) { return UnicodeUpperCase(path.filename().string()); }
+
+}  // namespace vrx

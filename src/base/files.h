@@ -1,0 +1,38 @@
+#pragma once
+
+#include <cstddef>
+#include <filesystem>
+#include <string>
+#include <string_view>
+#include <system_error>
+
+#include "base/error.h"
+
+namespace vrx {
+
+// A file or folder that could not be read or written. what() names it and says why.
+class FileError : public Error {
+ public:
+  using Error::Error;
+};
+
+// True if the path names anything, hidden files included.
+bool FileExists(const std::filesystem::path& path);
+
+// Copies; false, with nothing changed, when the destination exists or the copy fails. `why` then
+// gets the system's reason, "File exists" in the first case.
+bool CopyFileNoOverwrite(const std::filesystem::path& source,
+                         const std::filesystem::path& destination, std::error_code* why = nullptr);
+
+// The bytes of a file; throws FileError. Reads at most `limit` bytes: a longer file gives its first
+// `limit` + 1, so that the caller can tell.
+std::string ReadFileBytes(const std::filesystem::path& path, std::size_t limit);
+
+// Writes beside the path and renames, so that the file is the old one or the new one, whole. Throws
+// FileError with the old file untouched.
+void WriteFileBytes(const std::filesystem::path& path, std::string_view bytes);
+
+// The file name of a path in upper case, as the screen shows it.
+std::string FileTitle(const std::filesystem::path& path);
+
+}  // namespace vrx

@@ -1,0 +1,57 @@
+#include "base/text.h"
+
+#include <algorithm>
+
+namespace vrx {
+namespace {
+
+constexpr std::string_view kFallbackCaptionId = "1053";
+constexpr std::size_t kDatabaseNameLength = 8;
+
+// UTF-8: every character has one byte that is none of these.
+bool IsContinuationByte(char byte) { return (static_cast<unsigned char>(byte) & 0xC0U) == 0x80U; }
+
+}  // namespace
+
+bool IsDigitChar(char character) { return character >= '0' && character <= '9'; }
+
+std::string TrimBlanks(std::string_view text) {
+  const std::size_t first = text.find_first_not_of(' ');
+  if (first == std::string_view::npos) {
+    return {};
+  }
+  return std::string(text.substr(first, text.find_last_not_of(' ') - first + 1));
+}
+
+std::string TrimNulls(std::string_view text) { return TrimBlanks(text.substr(0, text.find('\0'))); }
+
+std::string UpperCase(std::string_view text) {
+  std::string upper(text);
+  for (char& character : upper) {
+    if (character >= 'a' && character <= 'z') {
+      character = static_cast<char>(character - 'a' + 'A');
+    }
+  }
+  return upper;
+}
+
+bool EqualsIgnoringCase(std::string_view left, std::string_view right) {
+  return left.size() == right.size() && UpperCase(left) == UpperCase(right);
+}
+
+std::int32_t CountChar(std::string_view text, char character) {
+  return static_cast<std::int32_t>(std::count(text.begin(), text.end(), character));
+}
+
+bool ValidDatabaseName(std::string_view file_title) {
+  const std::string_view name = file_title.substr(0, file_title.find('.'));
+  const auto length = static_cast<std::size_t>(
+      std::count_if(name.begin(), name.end(), [](char byte) { return !IsContinuationByte(byte); }));
+  return length >= 1 && length <= kDatabaseNameLength;
+}
+
+std::string ResolveCaptionId(std::string_view text) {
+  return std::string(!text.empty() && IsDigitChar(text.front()) ? text : kFallbackCaptionId);
+}
+
+}  // namespace vrx

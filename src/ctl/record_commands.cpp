@@ -1,0 +1,204 @@
+#include <functional>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include <CLI/CLI.hpp>
+#include <SQLiteCpp/Database.h>
+
+#include "base/number.h"
+#include "ctl/command.h"
+#include "ctl/examples.h"
+#include "ctl/number_option.h"
+#include "ctl/recipe_file.h"
+#include "ctl/session.h"
+#include "database/records.h"
+#include "feed/adjust_list.h"
+#include "feed/pen_capacity.h"
+#include "feed/record_commit.h"
+#include "feed/record_edits.h"
+#include "feed/record_fields.h"
+#include "feed/record_kind.h"
+
+namespace vrx {
+namespace {
+
+// What was given for an option, an empty text included.
+std::optional<std::string> Given(const CLI::Option* option) {
+  return option->count() > 0 ? std::optional(option->results().back()) : std::nullopt;
+}
+
+// The part that the three kinds have in common: options, and one edit of the database.
+class RecordForm {
+ public:
+  RecordForm(CLI::App& set, const RecordKindTraits& kind)
+      : app_(set.add_subcommand(std::string(kind.noun), "Edit a record as its form does")) {
+    app_->add_option("rdb", file_, "A recipe database")->required();
+    AddRecordNumber(*app_, "id", "Number of the record", kind.count, id_);
+    name_ = Text("--name", "At most 6 characters: letters, digits, / + - and blank");
+    description_ = Text("--description", "At most 16 characters: letters, digits, + - and blank");
+  }
+
+  CLI::Option* Text(const std::string& option, const std::string& help) {
+    CLI::Option* added = app_->add_option(option, help)->expected(1)->type_name("TEXT");
+    options_.push_back(added);
+    return added;
+  }
+
+  CLI::App& App() { return *app_; }
+  bool Chosen() const { return app_->parsed(); }
+  int Id() const { return id_; }
+  std::optional<std::string> Name() const { return Given(name_); }
+  std::optional<std::string> Description() const { return Given(description_); }
+
+  // `edit` reads, changes and writes the record, and returns what to tell.
+  int Run(Session& session,
+          const std::function<std::vector<std::string>(SQLite::Database&)>& edit) {
+    RequireAnOption();
+    return EditRecipeFile(session, file_, kFieldErrorTitle, [&](SQLite::Database& database) {
+      return EditOutcome{.notes = edit(database)};
+    });
+  }
+
+ private:
+  void RequireAnOption() const {
+    for (const CLI::Option* option : options_) {
+      if (option->count() > 0) {
+        return;
+      }
+    }
+    throw CLI::RequiredError("set " + app_->get_name() + ": at least one field to set");
+  }
+
+  CLI::App* app_;
+  std::string file_;
+  int id_ = 0;
+  CLI::Option* name_ = nullptr;
+  CLI::Option* description_ = nullptr;
+  std::vector<CLI::Option*> options_;
+};
+
+class IngredientForm : public RecordForm {
+ public:
+  explicit IngredientForm(CLI::App& set) : RecordForm(set, TraitsOf(RecordKind::kIngredient)) {
+    dry_matter_ = Text("--dry-matter", "Percent, 0 to 100");
+    hand_add_ = Text("--hand-add", "yes or no")->check(CLI::IsMember({"yes", "no"}));
+    AddExamples(App(),
+                {{"set ingredient SITE.RDB 3 --name CORN --dry-matter 86",
+                  "Names ingredient 3 and tells its dry matter; the recipes with it follow."}});
+  }
+
+  int Run(Session& session) {
+    return RecordForm::Run(session, [&](SQLite::Database& database) {
+      IngredientRecord record = ReadIngredient(database, Id());
+      IngredientEdit edit{
+          .name = Name(), .description = Description(), .dry_matter_percent = Given(dry_matter_)};
+      if (const auto hand_add = Given(hand_add_)) {
+        edit.hand_add = *hand_add == "yes";
+      }
+      auto notes = ApplyEdit(edit, session.Settings().AutoAbbreviateOn(), record);
+      CommitIngredientRecord(database, record);
+      return notes;
+    });
+  }
+
+ private:
+  CLI::Option* dry_matter_;
+  CLI::Option* hand_add_;
+};
+
+class RecipeForm : public RecordForm {
+ public:
+  explicit RecipeForm(CLI::App& set) : RecordForm(set, TraitsOf(RecordKind::kRecipe)) {
+    type_ = Text("--type", "W, H, % or P")->check(CLI::IsMember({"W", "H", "%", "P"}));
+    head_count_ = Text("--head-count", "Head to feed, in a recipe of type H");
+    ration_target_ = Text("--ration-target", "Weight wanted, in a recipe of type W, % or P");
+    adjust_ = RequireWholeNumber(Text("--adjust", "Percent"), -kNoAdjustIndex, kNoAdjustIndex);
+    AddExamples(App(),
+                {{"set recipe SITE.RDB 4 --ration-target 12000", "Has 12000 of recipe 4 made."},
+                 {"set recipe SITE.RDB 4 --adjust -5", "Has 5 percent less made."}});
+  }
+
+  int Run(Session& session) {
+    return RecordForm::Run(session, [&](SQLite::Database& database) {
+      RecipeRecord record = ReadRecipe(database, Id());
+      RecipeEdit edit{.name = Name(),
+                      .description = Description(),
+                      .batch_type = Given(type_),
+                      .head_count = Given(head_count_),
+                      .ration_target = Given(ration_target_)};
+      if (const auto adjust = Given(adjust_)) {
+        edit.adjust_batch_index = kNoAdjustIndex - TextToLong(*adjust);
+      }
+      auto notes = ApplyEdit(edit, ReadRecipeLines(database, Id()),
+                             session.Settings().AutoAbbreviateOn(), record);
+      if (const std::string failure = CommitRecipeRecord(database, record); !failure.empty()) {
+        notes.push_back("Recipe " + std::to_string(Id()) + " still cannot be computed: " + failure);
+      }
+      return notes;
+    });
+  }
+
+ private:
+  CLI::Option* type_;
+  CLI::Option* head_count_;
+  CLI::Option* ration_target_;
+  CLI::Option* adjust_;
+};
+
+class PenForm : public RecordForm {
+ public:
+  explicit PenForm(CLI::App& set) : RecordForm(set, TraitsOf(RecordKind::kPen)) {
+    feed_ = Text("--feed", "Feed amount, digits");
+    AddExamples(App(), {{"set pen SITE.RDB 12 --feed 750", "Plans 750 for pen 12."}});
+  }
+
+  int Run(Session& session) {
+    return RecordForm::Run(session, [&](SQLite::Database& database) {
+      PenRecord record = ReadPen(database, Id());
+      const PenEdit edit{.name = Name(), .description = Description(), .feed_amount = Given(feed_)};
+      auto notes = ApplyEdit(edit, session.Settings().AutoAbbreviateOn(), record);
+      CommitPenRecord(database, record);
+      if (const auto size = CheckPenCapacity(ReadPens(database))) {
+        notes.push_back(PenCapacityWarning(*size));
+      }
+      return notes;
+    });
+  }
+
+ private:
+  CLI::Option* feed_;
+};
+
+class SetCommand : public Command {
+ public:
+  CLI::App* Register(CLI::App& app) override {
+    CLI::App* command = app.add_subcommand("set", "Edit a record as its form does");
+    command->require_subcommand(1);
+    ingredient_.emplace(*command);
+    recipe_.emplace(*command);
+    pen_.emplace(*command);
+    AddExamples(*command,
+                {{"set recipe SITE.RDB 4 --ration-target 12000", "Has 12000 of recipe 4 made."},
+                 {"set pen SITE.RDB 12 --feed 750", "Plans 750 for pen 12."}});
+    return command;
+  }
+
+  int Run(Session& session) override {
+    if (ingredient_->Chosen()) {
+      return ingredient_->Run(session);
+    }
+    return recipe_->Chosen() ? recipe_->Run(session) : pen_->Run(session);
+  }
+
+ private:
+  std::optional<IngredientForm> ingredient_;
+  std::optional<RecipeForm> recipe_;
+  std::optional<PenForm> pen_;
+};
+
+}  // namespace
+
+std::unique_ptr<Command> MakeSetCommand() { return std::make_unique<SetCommand>(); }
+
+}  // namespace vrx

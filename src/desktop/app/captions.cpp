@@ -1,0 +1,120 @@
+#include "desktop/app/captions.h"
+
+#include <algorithm>
+#include <array>
+
+namespace vrx {
+namespace {
+
+struct Caption {
+  int id;
+  std::string_view text;
+};
+
+// By id, ascending.
+constexpr std::array kCaptions = std::to_array<Caption>({
+    {1000, "&File"},
+    {1001, "&New..."},
+    {1002, "&Open..."},
+    {1003, "-"},
+    {1004, "&Save..."},
+    {1006, "&Print"},
+    {1007, "E&xit"},
+    {1008, "&Edit"},
+    {1009, "&Ingredients"},
+    {1010, "&Recipes"},
+    {1011, "&Pens"},
+    {1012, "&Transfer"},
+    {1013, "&Upload Data..."},
+    {1014, "&Download Data..."},
+    {1015, "&Tools"},
+    {1016, "&Setup/Test..."},
+    {1017, "&Help"},
+    {1018, "&About..."},
+    {1019, "New Database"},
+    {1020, "Open Database"},
+    {1021, "Save"},
+    {1022, "Print"},
+    {1030, "Copyright (C) 2026 Brantock"},
+    {1032, "Ration Target"},
+    {1033, "available"},
+    {1038, "Setup and Test"},
+    {1045, "OK"},
+    {1047, "&System Info..."},
+    {1048, "OK"},
+    {1049, "Standby... Attempting to connect to KRM"},
+    {1050, "Version:"},
+    {1051, "Application Title"},
+    {1052, "Transfer Data Software"},
+    {1053, "TBD"},
+    {1054, "ID Number"},
+    {1056, "Name"},
+    {1057, "Dry Matter"},
+    {1058, "%"},
+    {1060, "Batch By"},
+    {1061, "Head Count"},
+    {1062, "Feed Amount"},
+    {1063, "VRX-2260 Transfer Data Software"},
+    {1064, "Progress:"},
+    {1070, "Recipe Database"},
+    {1071, "Transaction Database"},
+    {1072, "&View"},
+    {1073, "&Import Transaction File..."},
+    {1074, "Feeds weighed, loads known"},
+    {1077, "Paths"},
+    {1078, "Auto-Abbreviate Names"},
+    {1080, "Data Group"},
+    {1081, "VRX-2260"},
+    {1082, "Weight Units"},
+    {1083, "Please visit our website at:"},
+    {1084, "https://brantock.example"},
+    {1085, "Serial Port"},
+    {1086, "KRM Baud"},
+    {1090, "&Close..."},
+    {1091, " Exporting"},
+    {1094, "Transaction File:"},
+    {1095, "Units:"},
+    {1096, "Transactions:"},
+    {1097, "Filename"},
+    {1098, "File Contents"},
+    {1099, "Records:"},
+    {1100, "Calendar"},
+    {1101, "Import Transaction File"},
+    {1102, "Setup"},
+    {1103, "Print Set&up..."},
+    {1104, "Part No:"},
+    {1105, "All rights reserved"},
+    {1106, "&Import Transaction File..."},
+    {1107, "Status:"},
+    {1110, "Totals:"},
+    {1112, "Connection:"},
+    {1113, "Memory:"},
+    {1114, "Adjust Batch Total"},
+    {1115, "Enter recipe based on feeding 100 head"},
+    {1116, "https://brantock.example"},
+    {1117, "May not reflect changes that have not been saved yet (by exiting the application)."},
+    {1118, "Transfer"},
+    {1121, "Where Used (in Recipes)"},
+    {1122, "Save &As..."},
+    {1123, "Scanning Database..."},
+    {1126, "https://brantock.example"},
+    {1127, "&Users Manual"},
+    {1128, "Read&me"},
+    {1131, "Ingredients must total 100% to set Ration Target"},
+    {1132, "This recipe will require the 200 pen capacity option in the K2260 indicator."},
+    {1134, "*"},
+});
+
+}  // namespace
+
+std::optional<std::string_view> CaptionText(int id) {
+  const auto* const found =
+      std::lower_bound(kCaptions.begin(), kCaptions.end(), id,
+                       [](const Caption& row, int wanted) { return row.id < wanted; });
+  if (found == kCaptions.end() || found->id != id) {
+    return std::nullopt;
+  }
+  return found->text;
+}
+
+}  // namespace vrx

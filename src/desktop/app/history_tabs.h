@@ -1,0 +1,54 @@
+#pragma once
+
+#include <functional>
+
+#include "desktop/history/export_page.h"
+#include "desktop/history/history_page.h"
+#include "desktop/main_window/main_window.h"
+#include "export/style_sheet.h"
+#include "presenter/database_commands.h"
+
+namespace vrx {
+
+// The tabs Batched/Fed and Export: what is shown on the one is what the other writes.
+class HistoryTabs : private ExportWindow {
+ public:
+  // Everything outlives it, but the window, whose pages refer to it, may be destroyed later.
+  struct Ports {
+    Operator& op;
+    FileChooser& files;
+    const SystemInfo& system;
+    EventPump& pump;
+    const Folder& app_folder;
+    const PrivateINI& settings;
+    DatabaseIdentity& identity;
+    DatabaseLifecycle& databases;
+    MainWindow& window;
+    std::function<void()> configure_import_columns;  // the import's routine of that name
+  };
+
+  // Puts the pages in their places; ahead of the caption pass.
+  explicit HistoryTabs(Ports ports);
+  // Lets go of the databases, which may be closed ahead of the window.
+  ~HistoryTabs() override { history_->ReleaseViews(); }
+  HistoryTabs(const HistoryTabs&) = delete;
+  HistoryTabs& operator=(const HistoryTabs&) = delete;
+
+  // For whoever prints what is on show.
+  HistoryPage& History() { return *history_; }
+
+ private:
+  // ExportWindow.
+  OpenDatabases ExportDatabases() const override;
+  DataGroupOnShow DataGroup() override { return OnShow(*history_->View()); }
+  void ConfigureImportColumns() override { ports_.configure_import_columns(); }
+
+  bool ActiveIngredientsOnly() const;
+
+  Ports ports_;
+  StyleSheets style_sheets_;
+  HistoryPage* history_;
+  ExportPage* export_;
+};
+
+}  // namespace vrx

@@ -1,0 +1,22 @@
+#include <QApplication>
+#include <QIcon>
+
+#include "adapters/local_machine.h"
+#include "adapters/stop_signals.h"
+#include "desktop/app/main_form.h"
+#include "desktop/app/program.h"
+#include "desktop/dialogs/form_parts.h"
+#include "widgets/drawing.h"
+
+int main(int argc, char** argv) {
+  // The platform starts threads with the application object, and they must not take the signals.
+  const vrx::StopSignalBlock signals_are_blocked;
+  const QApplication application(argc, argv);
+  QApplication::setApplicationVersion(vrx::VersionText());
+  QApplication::setDesktopFileName(QStringLiteral("vrx2260"));
+  QApplication::setQuitOnLastWindowClosed(false);
+  QApplication::setWindowIcon(QIcon(vrx::kLogoPath));
+  QApplication::setPalette(vrx::WithReadableHints(QPalette()));
+  const vrx::LinuxSystemInfo system;
+  return vrx::DesktopProgram(system, vrx::MakeVrxMain).Run();
+}

@@ -1,0 +1,103 @@
+#pragma once
+
+#include <memory>
+#include <optional>
+
+#include "adapters/posix_program_runner.h"
+#include "database/lock_wait.h"
+#include "desktop/app/desktop_context.h"
+#include "desktop/app/history_tabs.h"
+#include "desktop/app/main_form_interface.h"
+#include "desktop/app/operator_actions.h"
+#include "desktop/app/record_tabs.h"
+#include "desktop/app/transfer_tabs.h"
+#include "desktop/dialogs/conversion.h"
+#include "desktop/main_window/main_window.h"
+#include "desktop/print/print_commands.h"
+#include "presenter/database_commands.h"
+#include "presenter/database_identity.h"
+#include "presenter/general_delay.h"
+#include "presenter/legacy_conversion.h"
+#include "presenter/recent_databases.h"
+#include "settings/data_folder.h"
+#include "settings/settings.h"
+
+namespace vrx {
+
+// The form `VRXMAIN`: its window and the flows behind that. Making it is its Load, after which both
+// databases are closed and the Data Transfer tab is on show.
+class VrxMain : public QObject, public MainForm {
+  Q_OBJECT
+
+ public:
+  // Everything outlives it.
+  struct Ports {
+    Operator& op;
+    FileChooser& files;
+    UserSettings& user_settings;
+    const Calendar& calendar;
+    const SystemInfo& system;
+    EventPump& pump;
+    SerialControl& serial;
+    const Folder& app_folder;
+    const CPrivateINI& ini;
+    PrivateINI& settings;
+    ExitRoads& exit;
+  };
+
+  explicit VrxMain(const Ports& ports);
+
+  MainWindow& Window() { return window_; }
+  DatabaseLifecycle& Databases() { return databases_; }
+  // What is left of it for the operator's present action.
+  const WaitBudget& LockWaits() const { return lock_waits_; }
+
+  // MainForm.
+  void Show() override {
+    window_.FitIntoScreen();
+    window_.show();
+  }
+  bool LeaveEdits() override { return window_.LeaveEdits(); }
+  void CloseSerialPort() override { transfer_.CloseSerialPort(); }
+  void UnloadSetup() override { transfer_.UnloadSetup(); }
+  std::optional<WindowPlace> Place() const override;
+  RecentFile Recent(DatabaseKind kind) const override;
+  void CloseRecipeDatabase() override;
+  void CloseTransactionDatabase() override { databases_.CloseTransactionDatabase(); }
+  void ReleaseDataControls() override { databases_.Release(); }
+  void ClearIngredientDropDown() override {}
+  void UnloadOpenForms() override;
+  void Unload() override;
+
+ private:
+  void Connect();
+  void SetHandlers();
+  void Load();
+  void TellLostEdits();
+  void Paint();
+  void Activate();
+  void GoToTransfer(const char* button);
+  void ToggleAutoAbbreviate();
+
+  Ports ports_;
+  WaitBudget lock_waits_;  // outlives every connection of the window
+  OperatorActions actions_;
+  MainWindow window_;
+  GeneralDelay delay_;
+  DatabaseIdentity identity_;
+  PosixProgramRunner runner_;
+  QtConversionDisplay conversion_;
+  ConversionOffer earlier_;
+  DatabaseLifecycle databases_;
+  RecentDatabases recent_;
+  RecordTabs records_;
+  TransferTabs transfer_;
+  HistoryTabs history_;
+  PrintCommands print_;
+  bool first_paint_ = true;
+};
+
+// Makes `VRXMAIN` for the program.
+std::unique_ptr<MainForm> MakeVrxMain(const DesktopContext& context);
+
+}  // namespace vrx

@@ -1,0 +1,33 @@
+#pragma once
+
+#include <QString>
+#include <functional>
+#include <string>
+
+#include "desktop/app/file_icons.h"
+#include "platform/file_chooser.h"
+
+class QFileDialog;
+
+namespace vrx {
+
+// File dialogs over the active window. They are Qt's own rather than the platform's, so that a name
+// gets its default extension ahead of the question whether to overwrite, everywhere.
+class QtFileChooser : public FileChooser {
+ public:
+  // `home` tells the folder of the dialogs that name none, until a first choice was made.
+  explicit QtFileChooser(std::function<std::string()> home);
+  FileChoice ShowOpen(const FileDialog& dialog) override;
+  FileChoice ShowSave(const FileDialog& dialog) override;
+  std::string ShowFolder(const std::string& title) override;
+
+ private:
+  void SetUp(QFileDialog& widget, const FileDialog& dialog);
+  QString LastFolder() const;
+
+  FileIcons icons_;
+  std::function<std::string()> home_;
+  QString last_folder_;  // where the last choice was made
+};
+
+}  // namespace vrx

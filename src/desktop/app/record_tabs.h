@@ -1,0 +1,53 @@
+#pragma once
+
+#include <QObject>
+#include <QPointer>
+#include <array>
+
+#include "desktop/main_window/main_window.h"
+#include "desktop/records/record_page.h"
+#include "feed/key_filters.h"
+#include "presenter/database_commands.h"
+#include "presenter/feed_action.h"
+#include "presenter/general_delay.h"
+
+namespace vrx {
+
+// The tabs of ingredients, recipes and pens in the main window: their pages, and the action bar and
+// the navigator, which work on the page on show.
+class RecordTabs : public QObject {
+ public:
+  // Everything outlives it.
+  struct Ports {
+    FeedPorts feed;
+    GeneralDelay& delay;
+    DatabaseLifecycle& databases;
+    MainWindow& window;
+  };
+
+  // Puts the pages into the window, ahead of its caption pass.
+  explicit RecordTabs(const Ports& ports);
+
+  // The pages belong to the window and live as long: they let go of the database.
+  ~RecordTabs() override;
+
+  RecordTabs(const RecordTabs&) = delete;
+  RecordTabs& operator=(const RecordTabs&) = delete;
+  RecordTabs(RecordTabs&&) = delete;
+  RecordTabs& operator=(RecordTabs&&) = delete;
+
+ private:
+  RecordPorts PagePorts();
+  void Add(int tab, RecordPage* page);
+  RecordPage* PageOnShow() const;
+  void Act(int button);
+  void Navigate(int button);
+  void CountLoaded();
+
+  Ports ports_;
+  AutoAbbreviation abbreviation_;
+  std::array<QPointer<RecordPage>, 3> pages_;  // by tab; the window may put others in their place
+  int loaded_ = 0;
+};
+
+}  // namespace vrx

@@ -1,0 +1,80 @@
+#pragma once
+
+#include <QButtonGroup>
+#include <QLabel>
+#include <QLineEdit>
+#include <QProgressBar>
+#include <QPushButton>
+#include <QRadioButton>
+#include <array>
+#include <functional>
+#include <string_view>
+
+#include "desktop/app/showing_operator.h"
+#include "desktop/main_window/main_tab_page.h"
+#include "presenter/export.h"
+#include "widgets/fields.h"
+
+namespace vrx {
+
+// What the Export tab asks of the main window; as in ExportHost.
+class ExportWindow {
+ public:
+  virtual ~ExportWindow() = default;
+  virtual OpenDatabases ExportDatabases() const = 0;
+  virtual DataGroupOnShow DataGroup() = 0;
+  virtual void ConfigureImportColumns() = 0;
+};
+
+// The Export tab. A click on its button returns when the file is written, with events handled at
+// the start and at the end; the page must outlive it.
+class ExportPage final : public MainTabPage, private ExportHost {
+  Q_OBJECT
+
+ public:
+  // Everything outlives it, but the window may go first.
+  struct Ports {
+    Operator& op;
+    FileChooser& files;
+    EventPump& pump;
+    const PrivateINI& settings;
+    const StyleSheets& style_sheets;
+    ExportWindow& window;
+  };
+
+  explicit ExportPage(const Ports& ports);
+
+  // MainTabPage.
+  void Prepare() override;
+
+ private:
+  // ExportHost.
+  OpenDatabases Databases() const override { return ports_.window.ExportDatabases(); }
+  DataGroupOnShow DataGroup() override { return ports_.window.DataGroup(); }
+  void ConfigureImportColumns() override { ports_.window.ConfigureImportColumns(); }
+  void FocusControl(std::string_view name) override;
+  void ExportChanged() override;
+
+  void LayOut();
+  QWidget* MakeFormats();
+  QLayout* LayOutButtons();
+  QWidget* MakeProgress();
+  QPushButton* AddButton(const char* name, const QString& caption, const QString& meaning);
+  void Connect();
+  void Run(const std::function<void()>& flow);
+
+  Ports ports_;
+  ExportTab tab_;
+  FilteredEdit* txt_f_name_;
+  QLineEdit* txt_f_path_;
+  QPushButton* cmd_browse_;
+  QButtonGroup* formats_;  // by ExportFormat
+  QPushButton* cmd_export_;
+  QPushButton* cmd_reset_;
+  QWidget* progress_;
+  QLabel* lbl_export_;
+  QLabel* lbl_data_group_;
+  QProgressBar* prg_export_;
+};
+
+}  // namespace vrx

@@ -1,0 +1,318 @@
+#include "desktop/history/history_page.h"
+
+#include <QSignalBlocker>
+#include <QVBoxLayout>
+#include <exception>
+#include <string>
+#include <utility>
+
+#include "widgets/layout.h"
+#include "widgets/main_window_layout.h"
+#include "widgets/qt_text.h"
+
+namespace vrx {
+namespace {
+
+constexpr int kDataGroupCaption = 1080;
+constexpr int kNameCaption = 1056;
+constexpr int kNameCharacters = 14;
+constexpr int kItemsInView = 20;
+
+ChoiceList* MakeList(const char* name, const QString& meaning, QWidget* parent) {
+  auto* const list = new ChoiceList(parent);
+  list->setObjectName(QString::fromLatin1(name));
+  list->setAccessibleName(meaning);
+  list->setSizeAdjustPolicy(QComboBox::AdjustToContents);
+  list->setMaxVisibleItems(kItemsInView);
+  return list;
+}
+
+void KeepPlace(QWidget& widget) {
+  QSizePolicy policy = widget.sizePolicy();
+  policy.setRetainSizeWhenHidden(true);
+  widget.setSizePolicy(policy);
+}
+
+bool Holds(const QComboBox& list, const std::vector<std::string>& items) {
+  if (list.count() != static_cast<int>(items.size())) {
+    return false;
+  }
+  for (int i = 0; i < list.count(); ++i) {
+    if (list.itemText(i) != ToQString(items[static_cast<std::size_t>(i)])) {
+      return false;
+    }
+  }
+  return true;
+}
+
+// The hourglass while it lives.
+class Busy {
+ public:
+  explicit Busy(Operator& op) : op_(op) { op_.SetBusy(true); }
+  ~Busy() { op_.SetBusy(false); }
+  Busy(const Busy&) = delete;
+  Busy& operator=(const Busy&) = delete;
+
+ private:
+  Operator& op_;
+};
+
+}  // namespace
+
+HistoryPage::HistoryPage(Ports ports)
+    : ports_(std::move(ports)),
+      lst_group_by_(MakeList("lstGroupBy", QStringLiteral("Data Group"), this)),
+      lbl_name_(AddLabel(*this, "lblName", kNameCaption)),
+      cbo_col_name_(MakeList("cboColName", QStringLiteral("Name"), this)),
+      chk_expand_all_(AddCheck("chkExpandAll", QStringLiteral(" E&xpand All"),
+                               QStringLiteral("Show every group open"))),
+      chk_use_history_navigator_(AddCheck("chkUseHistoryNavigator", QStringLiteral("&Navigator"),
+                                          QStringLiteral("Show where the list stands"))),
+      chk_bat_fit_page_(
+          AddCheck("chkBatFitPage", QStringLiteral("F&it/Print All Columns on Page"),
+                   QStringLiteral("Print every column on one page, in smaller letters"))),
+      txt_standby_(new QLabel(this)),
+      grd_trans_(new HistoryTableView(this)),
+      navigator_(new HistoryNavigator(this)) {
+  setObjectName(QStringLiteral("pageBatchedFed"));
+  for (const DataGroup& group : DataGroups()) {
+    lst_group_by_->addItem(ToQString(group.item));
+  }
+  cbo_col_name_->setMinimumContentsLength(kNameCharacters);
+  txt_standby_->setObjectName(QStringLiteral("txtStandby"));
+  txt_standby_->setAlignment(Qt::AlignCenter);
+  LayOut();
+  Connect();
+  ConnectGrid();
+  ShowPicker();
+}
+
+QCheckBox* HistoryPage::AddCheck(const char* name, const QString& caption, const QString& meaning) {
+  auto* const box = new QCheckBox(caption, this);
+  box->setObjectName(QString::fromLatin1(name));
+  box->setToolTip(meaning);
+  return box;
+}
+
+void HistoryPage::LayOut() {
+  auto* const column = new QVBoxLayout(this);
+  column->setContentsMargins(kGroupSpacing, kGroupSpacing, kGroupSpacing, kGroupSpacing);
+  column->setSpacing(kSpacing);
+  column->addWidget(LayOutChoices());
+  grid_or_standby_ = new QStackedLayout;
+  grid_or_standby_->addWidget(grd_trans_);
+  grid_or_standby_->addWidget(txt_standby_);
+  column->addLayout(grid_or_standby_, 1);
+  column->addWidget(navigator_);
+  navigator_->hide();
+}
+
+QWidget* HistoryPage::LayOutChoices() {
+  auto* const row = new TwoPartRow(this);
+  QLabel* const group = AddLabel(*this, "lblGroupBy", kDataGroupCaption);
+  group->setBuddy(lst_group_by_);
+  lbl_name_->setBuddy(cbo_col_name_);
+  KeepPlace(*lbl_name_);
+  KeepPlace(*cbo_col_name_);
+  row->First()->addWidget(group);
+  row->First()->addWidget(lst_group_by_);
+  row->First()->addSpacing(kGroupSpacing - kSpacing);
+  row->First()->addWidget(lbl_name_);
+  row->First()->addWidget(cbo_col_name_);
+  row->Second()->addWidget(chk_expand_all_);
+  row->Second()->addSpacing(kGroupSpacing - kSpacing);
+  row->Second()->addWidget(chk_use_history_navigator_);
+  row->Second()->addSpacing(kGroupSpacing - kSpacing);
+  row->Second()->addWidget(chk_bat_fit_page_);
+  return row;
+}
+
+void HistoryPage::Connect() {
+  connect(lst_group_by_, &QComboBox::activated, this, [this](int index) {
+    Run([&](HistoryView& view) {
+      view.SetShowActiveIngredientsOnly(ports_.active_ingredients_only());
+      view.SelectGroup(index);
+      grd_trans_->GoToTop();
+    });
+  });
+  connect(cbo_col_name_, &QComboBox::activated, this, [this](int index) {
+    Run([&](HistoryView& view) {
+      view.PickName(index);
+      grd_trans_->GoToTop();
+    });
+  });
+  connect(chk_expand_all_, &QCheckBox::toggled, this, [this](bool on) {
+    Run([&](HistoryView& view) {
+      view.SetExpandAll(on);
+      grd_trans_->GoToTop();
+    });
+  });
+  connect(chk_use_history_navigator_, &QCheckBox::toggled, navigator_, &QWidget::setVisible);
+  connect(navigator_, &HistoryNavigator::RowChosen, grd_trans_, &HistoryTableView::GoToRow);
+  connect(grd_trans_, &HistoryTableView::RowChanged, navigator_, &HistoryNavigator::ShowRow);
+}
+
+void HistoryPage::ConnectGrid() {
+  connect(grd_trans_, &HistoryTableView::GroupChosen, this, [this](int row, bool open) {
+    Run([&](HistoryView& view) {
+      const std::int64_t number = std::int64_t{row} + 1;
+      if (open) {
+        view.OpenGroup(number);
+      } else {
+        view.CloseGroup(number);
+      }
+    });
+  });
+  connect(&grd_trans_->Header(), &HistoryHeader::SortChosen, this, [this](int column) {
+    Run([&](HistoryView& view) {
+      const std::int64_t row = std::int64_t{grd_trans_->currentIndex().row()} + 1;
+      grd_trans_->GoToRow(static_cast<int>(view.SortByColumn(column, row)) - 1);
+    });
+  });
+  connect(&grd_trans_->Header(), &HistoryHeader::ColumnMoved, this, [this](int column, int to) {
+    Run([&](HistoryView& view) { view.MoveColumn(column, to); });
+  });
+  connect(
+      &grd_trans_->Model(), &HistoryTableModel::Failed, this,
+      [this](const std::exception_ptr& failure) {
+        if (!view_) {
+          return;
+        }
+        try {
+          std::rethrow_exception(failure);
+        } catch (const std::exception& what) {
+          view_->TellFailure(what);
+        }
+      },
+      Qt::QueuedConnection);
+}
+
+void HistoryPage::Run(const std::function<void(HistoryView&)>& action) {
+  if (view_) {
+    const Busy busy(ports_.op);
+    action(*view_);
+  }
+}
+
+// MainTabPage.
+
+void HistoryPage::TabChanged(int /*tab*/, int /*previous*/) {
+  if (view_) {
+    view_->TabChanged();
+    grd_trans_->GoToTop();
+  }
+}
+
+void HistoryPage::Prepare() {
+  Run([this](HistoryView& view) {
+    view.SetShowActiveIngredientsOnly(ports_.active_ingredients_only());
+    view.TabEntered();
+  });
+}
+
+void HistoryPage::Rebind(DatabaseKind kind, const BoundDatabase& database) {
+  if (kind == DatabaseKind::kTransaction) {
+    RebindTransactions(database);
+    return;
+  }
+  SQLite::Database* const recipes = database.blank ? nullptr : database.connection.get();
+  if (view_) {
+    view_->SetRecipeDatabase(recipes);
+  }
+  recipes_ = recipes;
+}
+
+void HistoryPage::RebindTransactions(const BoundDatabase& database) {
+  closed_ = database.blank;
+  if (view_) {
+    view_->SetTransactionDatabase(*database.connection);
+    grd_trans_->GoToTop();
+    return;
+  }
+  view_.emplace(*database.connection, HistoryPorts{ports_.op, ports_.pump, ports_.identity, *this});
+  grd_trans_->Model().SetGrid(&view_->Grid());
+  view_->SetRecipeDatabase(recipes_);
+  view_->SetExpandAll(chk_expand_all_->isChecked());
+  view_->SelectGroup(0);  // that of no name, which runs no events
+}
+
+void HistoryPage::ReleaseViews() {
+  grd_trans_->Model().SetGrid(nullptr);
+  view_.reset();
+  recipes_ = nullptr;
+}
+
+// What is on show.
+
+void HistoryPage::HistoryChanged(HistoryPart part) {
+  switch (part) {
+    case HistoryPart::kGroupList:
+      lst_group_by_->setCurrentIndex(view_->GroupIndex());
+      break;
+    case HistoryPart::kNamePicker:
+      ShowPicker();
+      break;
+    case HistoryPart::kGrid:
+      ShowGrid();
+      break;
+  }
+}
+
+void HistoryPage::ShowPicker() {
+  const NamePickerState picker = view_ ? view_->Picker() : NamePickerState{};
+  if (!Holds(*cbo_col_name_, picker.items)) {
+    cbo_col_name_->clear();
+    for (const std::string& item : picker.items) {
+      cbo_col_name_->addItem(ToQString(item));
+    }
+  }
+  cbo_col_name_->setCurrentIndex(picker.index);
+  cbo_col_name_->setEnabled(picker.enabled);
+  cbo_col_name_->setVisible(picker.visible);
+  lbl_name_->setVisible(picker.visible);
+  txt_standby_->setText(ToQString(picker.standby));
+}
+
+void HistoryPage::ShowGrid() {
+  QWidget* const shown = view_->GridVisible() ? static_cast<QWidget*>(grd_trans_)
+                                              : static_cast<QWidget*>(txt_standby_);
+  if (view_->GridVisible()) {
+    grd_trans_->ShowGrid();
+    grd_trans_->SetEmptyText(EmptyText());
+    navigator_->ShowCount(grd_trans_->Model().rowCount());
+  }
+  grid_or_standby_->setCurrentWidget(shown);
+}
+
+QString HistoryPage::EmptyText() {
+  if (closed_) {
+    return QStringLiteral("Open a transaction database to see its records here.");
+  }
+  const std::string_view column = view_->GetNamedGroupColumn();
+  if (!column.empty()) {
+    const QString named = ToQString(column).toLower();
+    const QString a_named =
+        (named.startsWith(u'i') ? QStringLiteral("an ") : QStringLiteral("a ")) + named;
+    const NamePickerState& picker = view_->Picker();
+    if (!picker.visible) {
+      return QStringLiteral("Choose the data group again to pick the name of %1.").arg(a_named);
+    }
+    if (picker.index > 0) {
+      return QStringLiteral("No records are stored for the %1 %2.")
+          .arg(named, ToQString(picker.Text()));
+    }
+    return picker.items.size() > 1
+               ? QStringLiteral("Pick the name of %1 above to see its records.").arg(a_named)
+               : QStringLiteral(
+                     "The recipe database has no %1 with a description, so there is no "
+                     "name to pick.")
+                     .arg(named);
+  }
+  const std::string_view type = view_->Grid().Group().type;
+  const QString kind = type == "BATCH"  ? QStringLiteral("batch records")
+                       : type == "FEED" ? QStringLiteral("feed records")
+                                        : QStringLiteral("transactions");
+  return QStringLiteral("No %1 are stored yet. Import a transaction file and store it.").arg(kind);
+}
+
+}  // namespace vrx

@@ -1,0 +1,79 @@
+#pragma once
+
+#include <QCheckBox>
+#include <QComboBox>
+#include <QLabel>
+#include <QStackedLayout>
+#include <functional>
+#include <optional>
+
+#include "desktop/history/history_navigator.h"
+#include "desktop/history/history_table.h"
+#include "desktop/main_window/main_tab_page.h"
+#include "presenter/database_identity.h"
+#include "presenter/history.h"
+#include "widgets/choice_list.h"
+
+namespace vrx {
+
+// The `Batched/Fed` tab. Shows one of the data groups of the open transaction database, with the
+// names of the open recipe database over its ingredient columns. What is stored while it is on show
+// is seen once the databases are bound anew, as every store does.
+class HistoryPage final : public MainTabPage, private HistoryScreen {
+  Q_OBJECT
+
+ public:
+  // Everything outlives it, but the window may go first.
+  struct Ports {
+    Operator& op;
+    EventPump& pump;
+    DatabaseIdentity& identity;
+    std::function<bool()> active_ingredients_only;  // `chkShowActiveIngsOnly`
+  };
+
+  explicit HistoryPage(Ports ports);
+
+  // What is on show, for the export and the printed page; nullptr before the first database is
+  // bound and after the last one was let go.
+  HistoryView* View() { return view_ ? &*view_ : nullptr; }
+  // `chkBatFitPage`
+  bool FitAllColumns() const { return chk_bat_fit_page_->isChecked(); }
+
+  // MainTabPage.
+  void TabChanged(int tab, int previous) override;
+  void Prepare() override;
+  void Rebind(DatabaseKind kind, const BoundDatabase& database) override;
+  void ReleaseViews() override;
+
+ private:
+  // HistoryScreen.
+  void HistoryChanged(HistoryPart part) override;
+
+  void LayOut();
+  QWidget* LayOutChoices();
+  QCheckBox* AddCheck(const char* name, const QString& caption, const QString& meaning);
+  void Connect();
+  void ConnectGrid();
+  void Run(const std::function<void(HistoryView&)>& action);
+  void RebindTransactions(const BoundDatabase& database);
+  void ShowPicker();
+  void ShowGrid();
+  QString EmptyText();
+
+  Ports ports_;
+  ChoiceList* lst_group_by_;
+  QLabel* lbl_name_;
+  ChoiceList* cbo_col_name_;
+  QCheckBox* chk_expand_all_;
+  QCheckBox* chk_use_history_navigator_;
+  QCheckBox* chk_bat_fit_page_;
+  QLabel* txt_standby_;
+  HistoryTableView* grd_trans_;
+  HistoryNavigator* navigator_;
+  QStackedLayout* grid_or_standby_;
+  std::optional<HistoryView> view_;
+  SQLite::Database* recipes_ = nullptr;
+  bool closed_ = true;  // the transaction database
+};
+
+}  // namespace vrx

@@ -1,0 +1,238 @@
+#include "desktop/history/history_table.h"
+
+#include <QEvent>
+#include <QKeyEvent>
+#include <QMouseEvent>
+#include <QPaintEvent>
+#include <QPainter>
+#include <QScrollBar>
+#include <algorithm>
+
+#include "desktop/dialogs/form_parts.h"
+
+namespace vrx {
+
+HistoryTableView::HistoryTableView(QWidget* parent)
+    : QTableView(parent), model_(new HistoryTableModel(this)), header_(new HistoryHeader(this)) {
+  setObjectName(QStringLiteral("grdTRANS"));
+  setAccessibleName(QStringLiteral("Transactions"));
+  setFont(HistoryStyles::CellFont());
+  setHorizontalHeader(header_);
+  setModel(model_);
+  setSelectionBehavior(SelectRows);
+  setSelectionMode(SingleSelection);
+  setEditTriggers(NoEditTriggers);
+  setTabKeyNavigation(false);
+  setWordWrap(false);
+  setCornerButtonEnabled(false);
+  setVerticalScrollMode(ScrollPerPixel);
+  setHorizontalScrollMode(ScrollPerPixel);
+  verticalHeader()->hide();
+  verticalHeader()->setSectionResizeMode(QHeaderView::Fixed);
+  TakeRowHeight();
+  header_->hide();
+}
+
+void HistoryTableView::ShowGrid() {
+  model_->Refresh();
+  if (const HistoryGrid* const grid = model_->Grid(); grid != nullptr) {
+    header_->ShowColumns(*grid);
+  }
+  viewport()->update();
+}
+
+void HistoryTableView::SetEmptyText(const QString& text) {
+  if (empty_text_ != text) {
+    empty_text_ = text;
+    setAccessibleDescription(text);
+    viewport()->update();
+  }
+}
+
+void HistoryTableView::GoToRow(int row) {
+  if (row < 0 || row >= model_->rowCount()) {
+    return;
+  }
+  const std::vector<ShownColumn> shown = header_->Shown();
+  const int column = currentIndex().isValid() ? currentIndex().column()
+                     : shown.empty()          ? 0
+                                              : shown.front().column - 1;
+  setCurrentIndex(model_->index(row, column));
+}
+
+void HistoryTableView::GoToTop() {
+  setCurrentIndex({});
+  verticalScrollBar()->setValue(0);
+}
+
+// Drawing.
+
+void HistoryTableView::paintEvent(QPaintEvent* event) {
+  QPainter painter(viewport());
+  if (model_->rowCount() == 0) {
+    painter.setFont(QFont());
+    painter.setPen(palette().color(QPalette::PlaceholderText));
+    painter.drawText(viewport()->rect().adjusted(kSpacing, 0, -kSpacing, 0),
+                     Qt::AlignCenter | Qt::TextWordWrap, empty_text_);
+    return;
+  }
+  const QRect area = event->rect();
+  const std::vector<ColumnSpan> spans = SpansIn(area);
+  const HistoryRowPainter rows(*viewport());
+  const int first = rowAt(area.top());
+  for (int row = first; row >= 0 && row < model_->rowCount(); ++row) {
+    const QRect line = LineOf(row);
+    if (line.top() > area.bottom()) {
+      break;
+    }
+    rows.Paint(painter, model_->RowAt(row), std::int64_t{row} + 1, line, spans,
+               row == currentIndex().row());
+  }
+}
+
+std::vector<ColumnSpan> HistoryTableView::SpansIn(const QRect& area) const {
+  std::vector<ColumnSpan> spans;
+  int left = -header_->offset();
+  for (const ShownColumn& shown : header_->Shown()) {
+    if (left <= area.right() && left + shown.width > area.left()) {
+      spans.push_back({.column = shown.column, .left = left, .width = shown.width});
+    }
+    left += shown.width;
+  }
+  return spans;
+}
+
+QRect HistoryTableView::LineOf(int row) const {
+  return {0, rowViewportPosition(row), viewport()->width(), rowHeight(row)};
+}
+
+// Group rows do not move sideways.
+void HistoryTableView::scrollContentsBy(int dx, int dy) {
+  QTableView::scrollContentsBy(dx, dy);
+  if (dx != 0) {
+    viewport()->update();
+  }
+}
+
+void HistoryTableView::TakeRowHeight() {
+  verticalHeader()->setMinimumSectionSize(1);
+  verticalHeader()->setDefaultSectionSize(fontMetrics().height() + kSpacing / 2 + 1);
+}
+
+void HistoryTableView::changeEvent(QEvent* event) {
+  QTableView::changeEvent(event);
+  if (event->type() == QEvent::FontChange) {
+    TakeRowHeight();
+  }
+}
+
+// A column fits what of it is on the screen.
+int HistoryTableView::sizeHintForColumn(int column) const {
+  int width = 0;
+  const QFontMetrics metrics{HistoryStyles::CellFont()};
+  for (int row = rowAt(0); row >= 0 && row < model_->rowCount(); ++row) {
+    if (rowViewportPosition(row) >= viewport()->height()) {
+      break;
+    }
+    if (model_->RowAt(row).kind != HistoryRowKind::kGroup) {
+      width =
+          std::max(width, metrics.horizontalAdvance(model_->index(row, column).data().toString()));
+    }
+  }
+  return width + 2 * kSpacing;
+}
+
+// Moving.
+
+void HistoryTableView::currentChanged(const QModelIndex& current, const QModelIndex& previous) {
+  QTableView::currentChanged(current, previous);
+  for (const QModelIndex& index : {current, previous}) {
+    if (index.isValid()) {
+      viewport()->update(LineOf(index.row()));
+    }
+  }
+  if (current.row() != previous.row()) {
+    Q_EMIT RowChanged(current.row());
+  }
+}
+
+// To the first and last row in the same column.
+QModelIndex HistoryTableView::moveCursor(CursorAction action, Qt::KeyboardModifiers modifiers) {
+  const QModelIndex wanted = QTableView::moveCursor(action, modifiers);
+  const bool to_an_end = (action == MoveHome || action == MoveEnd) &&
+                         modifiers.testFlag(Qt::ControlModifier) && currentIndex().isValid();
+  return to_an_end && wanted.isValid() ? wanted.siblingAtColumn(currentIndex().column()) : wanted;
+}
+
+// Groups.
+
+void HistoryTableView::keyPressEvent(QKeyEvent* event) {
+  if (TurnByKey(*event)) {
+    event->accept();
+  } else {
+    QTableView::keyPressEvent(event);
+  }
+}
+
+bool HistoryTableView::TurnByKey(const QKeyEvent& key) {
+  const int row = currentIndex().row();
+  const bool plain = (key.modifiers() & ~(Qt::KeypadModifier | Qt::ShiftModifier)) == 0;
+  if (row < 0 || !plain || model_->RowAt(row).kind != HistoryRowKind::kGroup) {
+    return false;
+  }
+  const bool open = model_->RowAt(row).open;
+  switch (key.key()) {
+    case Qt::Key_Right:
+    case Qt::Key_Plus:
+      if (!open) {
+        Turn(row);
+      }
+      return true;
+    case Qt::Key_Left:
+    case Qt::Key_Minus:
+      if (open) {
+        Turn(row);
+      }
+      return true;
+    case Qt::Key_Space:
+      Turn(row);
+      return true;
+    default:
+      return false;
+  }
+}
+
+void HistoryTableView::Turn(int row) { Q_EMIT GroupChosen(row, !model_->RowAt(row).open); }
+
+int HistoryTableView::GroupAt(const QPoint& point) const {
+  const int row = rowAt(point.y());
+  return row >= 0 && model_->RowAt(row).kind == HistoryRowKind::kGroup ? row : -1;
+}
+
+bool HistoryTableView::OnMark(const QPoint& point, int row) const {
+  return HistoryRowPainter::MarkOf(model_->RowAt(row).depth, LineOf(row)).contains(point);
+}
+
+void HistoryTableView::mousePressEvent(QMouseEvent* event) {
+  const QPoint point = event->position().toPoint();
+  const int row = GroupAt(point);
+  if (row < 0 || event->button() != Qt::LeftButton) {
+    QTableView::mousePressEvent(event);
+    return;
+  }
+  GoToRow(row);
+  if (OnMark(point, row)) {
+    Turn(row);
+  }
+}
+
+void HistoryTableView::mouseDoubleClickEvent(QMouseEvent* event) {
+  const int row = GroupAt(event->position().toPoint());
+  if (row < 0 || event->button() != Qt::LeftButton) {
+    QTableView::mouseDoubleClickEvent(event);
+    return;
+  }
+  Turn(row);
+}
+
+}  // namespace vrx

@@ -1,0 +1,258 @@
+#include "desktop/main_window/main_window.h"
+
+#include <QApplication>
+#include <QCloseEvent>
+#include <QFocusEvent>
+#include <QLabel>
+#include <QMenuBar>
+#include <QPointer>
+#include <QScreen>
+#include <QVBoxLayout>
+#include <algorithm>
+
+#include "desktop/app/caption_pass.h"
+#include "desktop/main_window/main_window_menus.h"
+#include "widgets/enter_as_tab.h"
+#include "widgets/main_window_layout.h"
+#include "widgets/qt_text.h"
+
+namespace vrx {
+namespace {
+
+constexpr int kMainTitleCaption = 1063;
+constexpr QSize kOpeningSize{1024, 720};
+constexpr QSize kSmallestSize{800, 600};
+// For the frame, whose size the window manager tells only once the window is shown.
+constexpr QSize kFrameSize{16, 48};
+
+constexpr const char* UnitLabelOf(DatabaseKind kind) {
+  return kind == DatabaseKind::kRecipe ? "lblDatabaseUoM" : "lblTransactionUoM";
+}
+
+}  // namespace
+
+MainWindow::MainWindow(const PrivateINI& settings, const Calendar& calendar)
+    : settings_(settings),
+      toolbar_(new MainToolBar(actions_)),
+      tab_folder_(new MainTabFolder),
+      panels_(new PanelRow),
+      recipe_bar_(new DatabaseStatusBar(DatabaseKind::kRecipe)),
+      transaction_bar_(new DatabaseStatusBar(DatabaseKind::kTransaction)) {
+  setObjectName(QStringLiteral("VRXMAIN"));
+  SetTag(*this, kMainTitleCaption);
+  BuildMenus(*menuBar(), actions_);
+  addToolBar(toolbar_);
+  setContextMenuPolicy(Qt::NoContextMenu);
+  LayOut();
+  calendar_ = new CalendarPopup(calendar, this);
+  new EnterAsTab(this);
+  Connect();
+  setMinimumSize(kSmallestSize);
+  resize(kOpeningSize);
+}
+
+void MainWindow::FitIntoScreen() {
+  const QSize room = screen()->availableSize() - kFrameSize;
+  setMinimumSize(minimumSize().boundedTo(room));
+  resize(size().boundedTo(room));
+}
+
+void MainWindow::LayOut() {
+  auto* whole = new QWidget(this);
+  auto* column = new QVBoxLayout(whole);
+  column->setContentsMargins(kSpacing, kSpacing, kSpacing, kSpacing);
+  column->setSpacing(kSpacing);
+  column->addWidget(tab_folder_, 1);
+  column->addWidget(panels_);
+  auto* bars = new QVBoxLayout;
+  bars->setSpacing(kSpacing / 2);
+  bars->addWidget(recipe_bar_);
+  bars->addWidget(transaction_bar_);
+  column->addLayout(bars);
+  setCentralWidget(whole);
+  for (const DatabaseKind kind : {DatabaseKind::kRecipe, DatabaseKind::kTransaction}) {
+    AddLabel(*whole, UnitLabelOf(kind))->hide();
+  }
+}
+
+void MainWindow::Connect() {
+  commands_.AddObserver(*this);
+  tab_folder_->SetLeaving([this] { return LeaveEdits(); });
+  connect(tab_folder_, &MainTabFolder::TabClicked, this, [this](int tab) {
+    tabs_.Clicked(tab);
+    tabs_.UpdatePrintCommands(tab);
+  });
+  connect(tab_folder_, &MainTabFolder::StripFocused, this, [this] {
+    tab_folder_->Page(tab_folder_->currentIndex()).StripFocused();
+    Q_EMIT StripFocused();
+  });
+  connect(tab_folder_, &MainTabFolder::TabChosenByKey, this, &MainWindow::TabChosen);
+}
+
+void MainWindow::ChooseTab(int tab) {
+  tabs_.SelectTab(tab);
+  TabChosen();
+}
+
+void MainWindow::TabChosen() {
+  tab_folder_->Page(tab_folder_->currentIndex()).TabChosen();
+  Q_EMIT StripFocused();
+}
+
+void MainWindow::SetHandler(MainCommand command, CommandActions::Handler handler) {
+  actions_.SetHandler(command, [this, run = std::move(handler)] {
+    if (LeaveEdits()) {
+      run();
+    }
+  });
+}
+
+bool MainWindow::LeaveEdits() {
+  CommitFocus();
+  return tab_folder_->Page(tab_folder_->currentIndex()).LeaveEdits(MayStay::kYes);
+}
+
+// A window behind others gives no focus away: its field is told that it lost it.
+void MainWindow::CommitFocus() {
+  const QPointer<QWidget> focus = focusWidget();
+  if (!focus || !tab_folder_->currentWidget()->isAncestorOf(focus)) {
+    return;
+  }
+  if (!isActiveWindow()) {
+    QFocusEvent left(QEvent::FocusOut, Qt::OtherFocusReason);
+    QApplication::sendEvent(focus, &left);
+    return;
+  }
+  centralWidget()->setFocus(Qt::OtherFocusReason);
+  if (focusWidget() != centralWidget()) {
+    return;
+  }
+  for (QWidget* back = focus; back != nullptr && back != this; back = back->parentWidget()) {
+    if (back->isVisible() && back->focusPolicy() != Qt::NoFocus) {
+      back->setFocus(Qt::OtherFocusReason);
+      return;
+    }
+  }
+}
+
+void MainWindow::ApplyCaptions() {
+  ApplyCaptionTable(*this);
+  toolbar_->NameButtons();
+  recipe_bar_->ShowCaptions();
+  transaction_bar_->ShowCaptions();
+  panels_->ShowRecordNumber(0);
+  panels_->PicTransferStatus().SetMemorySize(0);
+}
+
+void MainWindow::UpdateAutoAbbrevUI(bool on) { actions_.Tick(MainCommand::kAutoAbbreviate, on); }
+
+void MainWindow::ShowSystemUnits() {
+  Label("lblSystemUoM").setText(ToQString(settings_.SystemUnits()));
+}
+
+void MainWindow::ShowTransferOption() {
+  Label("lblTransfer")
+      .setText(settings_.BatchTargetWtIsRecTargetOn() ? QStringLiteral("Batch Target")
+                                                      : QStringLiteral("Dry Matter"));
+  Label("lblXfr").show();
+  Label("lblTransfer").show();
+}
+
+void MainWindow::ToggleCalendar() { calendar_->Toggle(toolbar_->Button("Calendar")); }
+
+void MainWindow::PageActivated() { tab_folder_->Page(tab_folder_->currentIndex()).Activated(); }
+
+template <typename Call>
+void MainWindow::OnEveryPage(const Call& call) {
+  for (int tab = 0; tab < kTabCount; ++tab) {
+    call(tab_folder_->Page(tab));
+  }
+}
+
+void MainWindow::PrepareTab(int tab, int previous) {
+  OnEveryPage([=](MainTabPage& page) { page.TabChanged(tab, previous); });
+  const TabRow& row = TabRows().at(static_cast<std::size_t>(tab));
+  panels_->ShowPanels(row.panels);
+  commands_.Turn("Abbreviate", row.abbreviates);
+  tab_folder_->Page(tab).Prepare();
+}
+
+std::vector<LostEdit> MainWindow::EndEdits() {
+  CommitFocus();
+  std::vector<LostEdit> lost;
+  OnEveryPage([&](MainTabPage& page) {
+    for (LostEdit& edit : page.EndEdits()) {
+      lost.push_back(std::move(edit));
+    }
+  });
+  return lost;
+}
+
+// Only the records of the recipe database are edited.
+void MainWindow::LeaveEdits(DatabaseKind kind) {
+  if (kind == DatabaseKind::kRecipe) {
+    OnEveryPage([](MainTabPage& page) { page.LeaveEdits(MayStay::kNo); });
+  }
+}
+
+void MainWindow::Rebind(DatabaseKind kind, const BoundDatabase& database) {
+  OnEveryPage([&](MainTabPage& page) { page.Rebind(kind, database); });
+}
+
+void MainWindow::ReleaseViews() {
+  OnEveryPage([](MainTabPage& page) { page.ReleaseViews(); });
+}
+
+void MainWindow::LoadIdLists() {
+  OnEveryPage([](MainTabPage& page) { page.LoadIdLists(); });
+}
+
+void MainWindow::CheckPenCapacity() {
+  OnEveryPage([](MainTabPage& page) { page.CheckPenCapacity(); });
+}
+
+void MainWindow::HidePenCapacityWarning() {
+  OnEveryPage([](MainTabPage& page) { page.HidePenCapacityWarning(); });
+}
+
+void MainWindow::SelectPenItem(int list_index) {
+  OnEveryPage([=](MainTabPage& page) { page.SelectPenItem(list_index); });
+}
+
+void MainWindow::ShowUnit(DatabaseKind kind, std::string_view unit) {
+  Label(UnitLabelOf(kind)).setText(ToQString(unit));
+}
+
+void MainWindow::SetStatusPanel(DatabaseKind kind, StatusPanel panel, std::string_view text) {
+  StatusBar(kind).SetPanel(panel, ToQString(text));
+}
+
+DatabaseStatusBar& MainWindow::StatusBar(DatabaseKind kind) const {
+  return kind == DatabaseKind::kRecipe ? *recipe_bar_ : *transaction_bar_;
+}
+
+QLabel& MainWindow::Label(const char* name) const {
+  return *findChild<QLabel*>(QLatin1String(name));
+}
+
+bool MainWindow::event(QEvent* event) {
+  const bool done = QMainWindow::event(event);
+  if (event->type() == QEvent::WindowActivate) {
+    Q_EMIT Activated();
+  }
+  return done;
+}
+
+void MainWindow::paintEvent(QPaintEvent* event) {
+  QMainWindow::paintEvent(event);
+  Q_EMIT Painted();
+}
+
+void MainWindow::closeEvent(QCloseEvent* event) {
+  event->ignore();
+  if (LeaveEdits()) {
+    Q_EMIT CloseRequested();
+  }
+}
+
+}  // namespace vrx

@@ -1,0 +1,259 @@
+#include "desktop/print/print_commands.h"
+
+#include <QCheckBox>
+#include <array>
+#include <exception>
+#include <optional>
+#include <utility>
+#include <vector>
+
+#include "database/keep_database.h"
+#include "desktop/print/print_progress.h"
+#include "desktop/recipes/recipe_lines.h"
+#include "feed/record_kind.h"
+#include "report/print_questions.h"
+
+namespace vrx {
+namespace {
+
+constexpr std::string_view kPrintError = "Print Error";
+constexpr const char* kDocument = "VRX-2260 report";
+
+// Beyond so many pages the operator sees how far it has come, and may end it.
+constexpr std::int64_t kPagesAtOnce = 20;
+
+template <typename Record>
+void KeepActive(std::vector<Record>& records, bool active_only) {
+  if (active_only) {
+    std::erase_if(records, [](const Record& record) { return !IsActive(record); });
+  }
+}
+
+// The grid comes back whatever the walk comes to.
+class ScanShown {
+ public:
+  explicit ScanShown(RecipeLines& lines) : lines_(lines), panel_(lines.BeginScan()) {}
+  ~ScanShown() { lines_.EndScan(); }
+  ScanShown(const ScanShown&) = delete;
+  ScanShown& operator=(const ScanShown&) = delete;
+
+  ScanPanel& Panel() const { return panel_; }
+
+ private:
+  RecipeLines& lines_;
+  ScanPanel& panel_;
+};
+
+}  // namespace
+
+PrintCommands::PrintCommands(const Ports& ports) : ports_(ports), setup_(ports.files) {
+  ports_.window.SetHandler(MainCommand::kPrint, [this] { PrintCurrentTab(); });
+  ports_.window.SetHandler(MainCommand::kPrintSetup, [this] { setup_.Ask(&ports_.window); });
+}
+
+// Pages let events run: a second command has to wait for the first.
+void PrintCommands::PrintCurrentTab() {
+  using Routine = void (PrintCommands::*)();
+  static constexpr std::array<std::pair<int, Routine>, 5> kRoutines{{
+      {kTabIngredients, &PrintCommands::PrintIngredients},
+      {kTabRecipes, &PrintCommands::PrintRecipes},
+      {kTabPens, &PrintCommands::PrintPens},
+      {kTabBatchedFed, &PrintCommands::PrintTransactions},
+      {kTabImport, &PrintCommands::PrintImportedTransactions},
+  }};
+  if (std::exchange(printing_, true)) {
+    return;
+  }
+  try {
+    for (const auto& [tab, routine] : kRoutines) {
+      if (tab == ports_.window.Tabs().TabOnShow()) {
+        (this->*routine)();
+      }
+    }
+  } catch (const NoPrinter& failure) {
+    Refuse(Icon::kWarning, failure.what());
+  } catch (const DatabaseInTheWay& failure) {
+    Refuse(Icon::kWarning, failure.what());
+  } catch (const std::exception& failure) {
+    ports_.op.ShowMessage({.icon = Icon::kCritical,
+                           .title = std::string(kPrintError),
+                           .text = "The report could not be printed.",
+                           .cause = failure.what()});
+  }
+  ports_.op.SetBusy(false);
+  printing_ = false;
+}
+
+void PrintCommands::PrintIngredients() {
+  const bool active_only = Ticked("chkShowActiveIngsOnly");
+  std::vector<IngredientRecord> rows;
+  if (SQLite::Database* const recipes = Recipes()) {
+    rows = ReadIngredients(*recipes);
+  }
+  KeepActive(rows, active_only);
+  PrintGrid("ingredient", IngredientReport(rows, active_only, Facts()));
+}
+
+void PrintCommands::PrintPens() {
+  const bool active_only = Ticked("chkShowActivePensOnly");
+  std::vector<PenRecord> rows;
+  if (SQLite::Database* const recipes = Recipes()) {
+    rows = ReadPens(*recipes);
+  }
+  KeepActive(rows, active_only);
+  PrintGrid("pen", PenReport(rows, active_only, Facts()));
+}
+
+void PrintCommands::PrintTransactions() {
+  if (HistoryView* const view = ports_.history.History().View()) {
+    PrintGrid("transaction",
+              HistoryReport(view->Grid(), ports_.history.History().FitAllColumns(), Facts()));
+  }
+}
+
+void PrintCommands::PrintImportedTransactions() {
+  const ImportSession& import = ports_.transfer.Import();
+  PrintGrid("import",
+            ImportReport(import.File(), import.Form().grd_import_rows,
+                         import.Form().grd_import_columns, Ticked("chkImpFitPage"), Facts()));
+}
+
+void PrintCommands::PrintRecipes() {
+  if (ports_.settings.PrintCurrentRecipeOnlyOn()) {
+    PrintRecipeOnShow();
+  } else if (SQLite::Database* const recipes = Recipes()) {
+    PrintAllRecipes(*recipes);
+  }
+}
+
+void PrintCommands::PrintRecipeOnShow() {
+  const auto* const page = ports_.window.findChild<RecipesPage*>();
+  SQLite::Database* const recipes = Recipes();
+  if (page != nullptr && page->OnShow() != nullptr && recipes != nullptr) {
+    std::vector<IngredientRecord> ingredients = ReadIngredients(*recipes);
+    KeepActive(ingredients, true);
+    PrintGrid("recipe", ReportOf(*page->OnShow(), ingredients));
+  }
+}
+
+void PrintCommands::PrintAllRecipes(SQLite::Database& recipes) {
+  ports_.op.SetBusy(true);
+  const ScanShown scan(*ports_.window.findChild<RecipeLines*>());
+  scan.Panel().Tell(QStringLiteral("Scanning database..."));
+  int count = 0;
+  for (int id = 1; id <= kRecipeCount; ++id) {
+    scan.Panel().GoTo(id);
+    count += ReadRecipeLines(recipes, id).empty() ? 0 : 1;
+  }
+  scan.Panel().Tell(QStringLiteral("Scan done!"));
+  ports_.op.SetBusy(false);
+  if (count < 1) {
+    Refuse(Icon::kInformation, "There are no recipe entries to be printed.");
+    return;
+  }
+  std::vector<IngredientRecord> ingredients = ReadIngredients(recipes);
+  KeepActive(ingredients, true);
+  // The scan ends on the last recipe, and a single one is printed as the grid stands: that one,
+  // whichever was found.
+  if (count == 1) {
+    PrintReport(ReportOf(ReadRecipeToPrint(recipes, kRecipeCount), ingredients));
+    return;
+  }
+  const Answer answer = ports_.op.ShowMessage(
+      {.icon = Icon::kQuestion,
+       .buttons = Buttons::kYesNo,
+       .title = "Print All Recipes",
+       .text = "There are " + std::to_string(count) +
+               " recipes to be printed. \r\nEach recipe will be printed on a separate sheet of "
+               "paper. Do you want to continue and print out all recipes?",
+       .refuses_by_default = count > kMostSheetsUnasked});
+  if (answer != Answer::kYes) {
+    return;
+  }
+  scan.Panel().Tell(QStringLiteral("Printing recipes..."));
+  const std::unique_ptr<Paper> paper = setup_.Open(kDocument);
+  const bool printed =
+      paper && OnPaper(*paper, [&](ReportJob& job) {
+        for (int id = 1; id <= kRecipeCount; ++id) {
+          scan.Panel().GoTo(id);
+          const RecipeOnShow recipe = ReadRecipeToPrint(recipes, id);
+          if (recipe.LineCount() > 0 && !PrintPages(job, ReportOf(recipe, ingredients))) {
+            return false;
+          }
+        }
+        return true;
+      });
+  if (printed) {
+    scan.Panel().Tell(QStringLiteral("Done!"));
+  }
+}
+
+Report PrintCommands::ReportOf(const RecipeOnShow& recipe,
+                               const std::vector<IngredientRecord>& ingredients) const {
+  const auto& page = *ports_.window.findChild<RecipesPage*>();
+  return RecipeReport(recipe, page.ColumnsInSight(recipe.Entry()), ingredients, Facts());
+}
+
+void PrintCommands::PrintGrid(std::string_view noun, Report report) {
+  if (report.rows->Count() < 1) {
+    Refuse(Icon::kWarning, "There is no " + std::string(noun) + " data to be printed.");
+    return;
+  }
+  PrintReport(std::move(report));
+}
+
+void PrintCommands::PrintReport(Report report) {
+  const std::unique_ptr<Paper> paper = setup_.Open(kDocument);
+  if (paper && MayPrint({&report, 1}, paper->Device(), ports_.op)) {
+    OnPaper(*paper, [&](ReportJob& job) { return PrintPages(job, report); });
+  }
+}
+
+bool PrintCommands::OnPaper(Paper& paper, const Job& job) {
+  ports_.op.SetBusy(true);
+  const bool printed = PrintOn(paper, job);
+  ports_.op.SetBusy(false);
+  return printed;
+}
+
+bool PrintCommands::PrintPages(ReportJob& job, const Report& report) {
+  std::optional<PrintProgress> progress;
+  return job.Print(report, [&](std::int64_t page, std::int64_t pages) {
+    if (pages <= kPagesAtOnce) {
+      return true;
+    }
+    if (!progress) {
+      progress.emplace(&ports_.window);
+    }
+    progress->ShowPage(page, pages);
+    ports_.pump.Pump(Milliseconds{0});
+    return !progress->Cancelled() && !ports_.pump.Closing();
+  });
+}
+
+void PrintCommands::Refuse(Icon icon, const std::string& text) {
+  ports_.op.ShowMessage({.icon = icon, .title = std::string(kPrintError), .text = text});
+}
+
+ReportFacts PrintCommands::Facts() const {
+  const BoundDatabase& recipes = ports_.databases.Bound(DatabaseKind::kRecipe);
+  const BoundDatabase& transactions = ports_.databases.Bound(DatabaseKind::kTransaction);
+  return {.recipe_file = recipes.blank ? "" : recipes.path.string(),
+          .transaction_file = transactions.blank ? "" : transactions.path.string(),
+          .weight_unit = recipes.blank ? "" : ports_.databases.Recipe().unit,
+          .caption_unit = ports_.settings.SystemUnits(),
+          .today = ports_.calendar.Today(),
+          .grid_lines = ports_.settings.PrintGridLinesOn()};
+}
+
+SQLite::Database* PrintCommands::Recipes() const {
+  const BoundDatabase& bound = ports_.databases.Bound(DatabaseKind::kRecipe);
+  return bound.blank ? nullptr : bound.connection.get();
+}
+
+bool PrintCommands::Ticked(const char* check_box) const {
+  const auto* const box = ports_.window.findChild<QCheckBox*>(QLatin1String(check_box));
+  return box != nullptr && box->isChecked();
+}
+
+}  // namespace vrx

@@ -1,0 +1,109 @@
+#include "desktop/print/print_dialogs.h"
+
+#include <QComboBox>
+#include <QDialog>
+#include <QDialogButtonBox>
+#include <QFormLayout>
+#include <QLabel>
+#include <QPrinter>
+#include <QPrinterInfo>
+#include <QVBoxLayout>
+
+#include "widgets/main_window_layout.h"
+#include "widgets/qt_text.h"
+
+namespace vrx {
+namespace {
+
+// A document that is not finished is taken back from the printer.
+class PrinterPaper : public Paper {
+ public:
+  PrinterPaper(const QPrinterInfo& printer, const std::string& title)
+      : printer_(printer, QPrinter::HighResolution) {
+    printer_.setDocName(ToQString(title));
+    SetUpPaper(printer_);
+  }
+  ~PrinterPaper() override {
+    if (!finished_ && printer_.printerState() == QPrinter::Active) {
+      printer_.abort();
+    }
+  }
+
+  QPagedPaintDevice& Device() override { return printer_; }
+
+  void Finish() override {
+    finished_ = true;
+    if (printer_.printerState() == QPrinter::Error) {
+      throw Error("the printer " + printer_.printerName().toStdString() + " refuses the report");
+    }
+  }
+
+ private:
+  QPrinter printer_;
+  bool finished_ = false;
+};
+
+}  // namespace
+
+bool PrintSetup::Ask(QWidget* owner) {
+  QDialog form(owner);
+  form.setObjectName(QStringLiteral("dlgPrintDialog"));
+  form.setWindowTitle(QStringLiteral("Print Setup"));
+  auto* const printers = new QComboBox(&form);
+  printers->setObjectName(QStringLiteral("lstPrinter"));
+  const QString default_name = QPrinterInfo::defaultPrinterName();
+  for (const QString& name : QPrinterInfo::availablePrinterNames()) {
+    printers->addItem(name == default_name ? name + QStringLiteral(" (default)") : name, name);
+  }
+  printers->addItem(QStringLiteral("PDF file"));
+  const int pdf = printers->count() - 1;
+  const int chosen = printers->findData(printer_.isEmpty() ? default_name : printer_);
+  printers->setCurrentIndex(pdf_ || chosen < 0 ? pdf : chosen);
+
+  auto* const fields = new QFormLayout;
+  fields->addRow(QStringLiteral("&Printer"), printers);
+  auto* const note = new QLabel(
+      QStringLiteral("A PDF file is asked for its name each time something is printed."), &form);
+  note->setForegroundRole(QPalette::PlaceholderText);
+  auto* const buttons =
+      new QDialogButtonBox(QDialogButtonBox::Ok | QDialogButtonBox::Cancel, &form);
+  QObject::connect(buttons, &QDialogButtonBox::accepted, &form, &QDialog::accept);
+  QObject::connect(buttons, &QDialogButtonBox::rejected, &form, &QDialog::reject);
+  auto* const column = new QVBoxLayout(&form);
+  column->setContentsMargins(kGroupSpacing, kGroupSpacing, kGroupSpacing, kGroupSpacing);
+  column->setSpacing(kGroupSpacing);
+  column->addLayout(fields);
+  column->addWidget(note);
+  column->addWidget(buttons);
+  column->setSizeConstraint(QLayout::SetFixedSize);
+  if (form.exec() != QDialog::Accepted) {
+    return false;
+  }
+  pdf_ = printers->currentIndex() == pdf;
+  printer_ = printers->currentData().toString();
+  return true;
+}
+
+std::unique_ptr<Paper> PrintSetup::Open(const std::string& title) const {
+  if (pdf_) {
+    return OpenPdf(title);
+  }
+  const QPrinterInfo printer =
+      printer_.isEmpty() ? QPrinterInfo::defaultPrinter() : QPrinterInfo::printerInfo(printer_);
+  if (printer.isNull()) {
+    throw NoPrinter((printer_.isEmpty() ? "There is no printer."
+                                        : "The printer " + printer_.toStdString() + " is gone.") +
+                    std::string(" Choose a printer or a PDF file under File, Print Setup."));
+  }
+  return std::make_unique<PrinterPaper>(printer, title);
+}
+
+std::unique_ptr<Paper> PrintSetup::OpenPdf(const std::string& title) const {
+  const FileChoice file = files_.ShowSave({.title = "Print to PDF File",
+                                           .filter = "PDF Files (*.pdf)|*.pdf",
+                                           .default_extension = "pdf",
+                                           .flags = kOverwritePrompt | kHideReadOnly});
+  return file.Cancelled() ? nullptr : MakePdfFile(file.path, title);
+}
+
+}  // namespace vrx

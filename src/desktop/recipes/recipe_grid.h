@@ -1,0 +1,128 @@
+#pragma once
+
+#include <QTableView>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "desktop/recipes/ingredient_list.h"
+#include "desktop/recipes/recipe_grid_cells.h"
+#include "desktop/recipes/recipe_grid_columns.h"
+#include "desktop/recipes/recipe_grid_model.h"
+#include "feed/current_recipe.h"
+#include "feed/line_cells.h"
+
+namespace vrx {
+
+// What happens in `grdREC`, for whoever holds the recipe.
+class RecipeGridEvents {
+ public:
+  virtual ~RecipeGridEvents() = default;
+
+  virtual void GridGotFocus() = 0;
+  virtual void GridLostFocus() = 0;
+
+  // To a line, from 1, or to kEntryRow. False: the grid stays.
+  virtual bool GoToRow(int row) = 0;
+  // False: the line in the entry row is held back.
+  virtual bool CommitRow() = 0;
+  virtual void DiscardEntry() = 0;
+
+  virtual void BeforeCellEdit(LineColumn column) = 0;
+  virtual void AfterCellEdit(LineColumn column) = 0;
+  // Into the line that the grid stands on. False: what was entered stays in its editor.
+  virtual bool EnterCell(LineColumn column, std::string_view text) = 0;
+  virtual bool ChooseIngredient(int id) = 0;
+
+  // A key was dropped.
+  virtual void KeyRefused() = 0;
+};
+
+// The grid `grdREC`: the lines of the recipe on show and the entry row. The cells that lines are
+// entered by look and work as fields; Tab goes through them, and from the last one of the entry row
+// to an empty entry row. It changes nothing by itself: what happens goes to the events, and what
+// comes of that is shown by Show.
+class RecipeGrid : public QTableView {
+  Q_OBJECT
+
+ public:
+  // The events outlive it.
+  explicit RecipeGrid(RecipeGridEvents& events, QWidget* parent = nullptr);
+
+  void Show(const RecipeOnShow& shown);
+
+  // The figures alone, the current cell and its editor as they are.
+  void ShowFigures(const RecipeOnShow& shown) { model_->Show(shown); }
+
+  // Widens the columns whose totals need more room, in logical pixels, than their captions do; the
+  // next smaller totals give it back. Columns that the operator sized stay.
+  void MakeRoomForTotals(const RecipeColumnWidths& totals);
+
+  // What drops down: `grdINGSEL`. To be followed by Show.
+  void SetIngredients(std::vector<IngredientRecord> ingredients);
+  void SetUnit(std::string_view unit) { model_->SetUnit(unit); }
+  void SetReadOnly(bool read_only) { model_->SetReadOnly(read_only); }
+
+  // The columns that a recipe entered that way shows, from left to right as they were moved.
+  std::vector<int> ColumnsInSight(LineEntry entry) const;
+
+  // To a row of the grid as a click does, from 0. False: it stays where it is.
+  bool GoTo(int row, int column);
+
+  bool IsEditing() const { return state() == EditingState; }
+  // Of the cell that is edited. False: what was entered stays in its editor.
+  bool FinishEdit();
+  void GiveUpEdit();
+  // The editor takes the focus again, or the grid where no cell is edited.
+  void ReturnToEdit();
+  bool HoldsFocus() const;
+
+ Q_SIGNALS:
+  // Columns were moved, sized, shown or hidden, or the view was scrolled.
+  void LaidOut();
+
+ protected:
+  void closeEditor(QWidget* editor, QAbstractItemDelegate::EndEditHint hint) override;
+  void currentChanged(const QModelIndex& current, const QModelIndex& previous) override;
+  void keyPressEvent(QKeyEvent* event) override;
+  void mousePressEvent(QMouseEvent* event) override;
+  void mouseMoveEvent(QMouseEvent* event) override;
+  void mouseReleaseEvent(QMouseEvent* event) override;
+  void mouseDoubleClickEvent(QMouseEvent* event) override;
+  void resizeEvent(QResizeEvent* event) override;
+  void updateGeometries() override;
+  void changeEvent(QEvent* event) override;
+
+ private:
+  void SetUpHeaders();
+  void FollowFocus(const QWidget* now);
+  void ShowColumns(LineEntry entry);
+  void FitColumns();
+  void SetFigures();
+
+  bool MoveOn();
+  bool MoveBack();
+  bool MoveFromEntryRow();
+  bool MoveByKey(const QKeyEvent& key);
+  int RowNumber(int row) const { return model_->IsEntryRow(row) ? kEntryRow : row + 1; }
+
+  bool BeginEdit(const QModelIndex& cell);
+  void Commit(QWidget& editor, const QModelIndex& cell);
+
+  RecipeGridEvents& events_;
+  RecipeGridModel* model_;
+  IngredientList* list_;
+  RecipeGridDelegate* delegate_;
+  LineEntry entry_ = LineEntry::kNone;
+  std::optional<LineColumn> editing_;
+  bool commit_failed_ = false;
+  bool has_focus_ = false;
+  bool sized_by_operator_ = false;
+  bool sizing_ = false;
+  RecipeColumnWidths totals_ = {};
+  QModelIndex pressed_;
+  bool opens_on_release_ = false;
+};
+
+}  // namespace vrx

@@ -1,0 +1,177 @@
+#include "desktop/recipes/recipe_grid_cells.h"
+
+#include <QApplication>
+#include <QPainter>
+#include <QStyle>
+#include <cstddef>
+#include <utility>
+
+#include "desktop/recipes/ingredient_drop_down.h"
+#include "feed/line_cells.h"
+#include "widgets/field_box.h"
+
+namespace vrx {
+namespace {
+
+constexpr int kArrowWidth = 18;
+constexpr int kFrameMargin = 1;
+constexpr int kPercentLimit = 12;  // the rule of the cell ends a percentage long before
+constexpr int kWeightLimit = 6;
+
+const RecipeColumnRow& ColumnRow(int column) {
+  return RecipeColumns()[static_cast<std::size_t>(column)];
+}
+
+// Straight lines without the corners look round and cost a tenth of a rounded rectangle.
+void PaintFrame(QPainter& painter, const QRect& cell, const QColor& color) {
+  const QRect frame =
+      cell.adjusted(kFrameMargin, kFrameMargin, -kFrameMargin - 1, -kFrameMargin - 1);
+  painter.fillRect(frame.left() + 1, frame.top(), frame.width() - 1, 1, color);
+  painter.fillRect(frame.left() + 1, frame.bottom() + 1, frame.width() - 1, 1, color);
+  painter.fillRect(frame.left(), frame.top() + 1, 1, frame.height() - 1, color);
+  painter.fillRect(frame.right() + 1, frame.top() + 1, 1, frame.height() - 1, color);
+}
+
+}  // namespace
+
+RecipeGridDelegate::RecipeGridDelegate(IngredientList& list, const RecipeGridModel& model,
+                                       Commit commit, QObject* parent)
+    : QStyledItemDelegate(parent), list_(list), model_(model), commit_(std::move(commit)) {}
+
+QRect RecipeGridDelegate::ArrowOf(const QRect& cell) {
+  return {cell.right() - kArrowWidth, cell.top(), kArrowWidth, cell.height()};
+}
+
+const RecipeCellLook& RecipeGridDelegate::Look(CellManner manner, bool current_row,
+                                               const QPalette& palette) const {
+  if (looks_of_ != palette.cacheKey()) {
+    looks_of_ = palette.cacheKey();
+    for (const CellManner each :
+         {CellManner::kEntered, CellManner::kReadOnly, CellManner::kComputed}) {
+      for (const bool current : {false, true}) {
+        looks_.at(static_cast<std::size_t>(each)).at(current ? 1 : 0) =
+            LookOfCell(each, current, palette);
+      }
+    }
+  }
+  return looks_.at(static_cast<std::size_t>(manner)).at(current_row ? 1 : 0);
+}
+
+void RecipeGridDelegate::paint(QPainter* painter, const QStyleOptionViewItem& option,
+                               const QModelIndex& index) const {
+  const bool current_row = index.row() == current_row_;
+  const CellManner manner = ColumnRow(index.column()).manner;
+  const RecipeCellLook& look = Look(manner, current_row, option.palette);
+  painter->save();
+  painter->fillRect(option.rect, look.background);
+  if (look.frame.isValid()) {
+    PaintFrame(*painter, option.rect, look.frame);
+  }
+  QRect text_rect = option.rect.adjusted(kCellMargin, 0, -kCellMargin, 0);
+  const bool drops_down = index.column() == kColumnIngredient && current_row;
+  if (drops_down) {
+    PaintArrow(*painter, option.rect, look.text);
+    text_rect.setRight(ArrowOf(option.rect).left());
+  }
+  painter->setPen(look.text);
+  QFont font = option.font;
+  font.setItalic(index.column() == kColumnIngredient && model_.IsIdle(index.row()));
+  painter->setFont(font);
+  const QFontMetrics metrics(font);
+  const QString text = index.data(Qt::DisplayRole).toString();
+  painter->drawText(text_rect, index.data(Qt::TextAlignmentRole).toInt() | Qt::TextSingleLine,
+                    metrics.elidedText(text, Qt::ElideRight, text_rect.width()));
+  if ((option.state & QStyle::State_HasFocus) != 0) {
+    painter->setPen(QPen(option.palette.color(QPalette::Highlight), 2));
+    painter->setBrush(Qt::NoBrush);
+    painter->drawRect(option.rect.adjusted(1, 1, -1, -1));
+  }
+  painter->restore();
+}
+
+void RecipeGridDelegate::PaintArrow(QPainter& painter, const QRect& cell,
+                                    const QColor& color) const {
+  const QRectF arrow = ArrowOf(cell);
+  const qreal width = 7;
+  const qreal height = 4;
+  const QPointF middle = arrow.center();
+  painter.setRenderHint(QPainter::Antialiasing);
+  painter.setPen(Qt::NoPen);
+  painter.setBrush(color);
+  painter.drawPolygon(QPolygonF({{middle.x() - width / 2, middle.y() - height / 2},
+                                 {middle.x() + width / 2, middle.y() - height / 2},
+                                 {middle.x(), middle.y() + height / 2}}));
+  painter.setBrush(Qt::NoBrush);
+  painter.setRenderHint(QPainter::Antialiasing, false);
+}
+
+QWidget* RecipeGridDelegate::createEditor(QWidget* parent, const QStyleOptionViewItem& /*option*/,
+                                          const QModelIndex& index) const {
+  const std::optional<LineColumn> column = ColumnRow(index.column()).entered_as;
+  if (!column) {
+    return nullptr;
+  }
+  if (*column != LineColumn::kIngredient) {
+    return MakeNumberEditor(parent, *column);
+  }
+  auto* const editor = new IngredientDropDown(list_, parent);
+  connect(editor, &FilteredEdit::Refused, this, &RecipeGridDelegate::KeyRefused);
+  connect(editor, &IngredientDropDown::Picked, this, [this, editor] {
+    auto* const self = const_cast<RecipeGridDelegate*>(this);
+    Q_EMIT self->commitData(editor);
+    Q_EMIT self->closeEditor(editor, EditNextItem);
+  });
+  return editor;
+}
+
+QWidget* RecipeGridDelegate::MakeNumberEditor(QWidget* parent, LineColumn column) const {
+  auto* const editor = new FilteredEdit(
+      [column](std::string_view text, int key) { return FilterLineKey(column, text, key); },
+      column == LineColumn::kTarget ? kWeightLimit : kPercentLimit, parent);
+  editor->setObjectName(QStringLiteral("grdREC.Number"));
+  editor->setAlignment(Qt::AlignRight);
+  editor->setAccessibleName(QString::fromStdString(std::string(
+      ColumnRow(column == LineColumn::kTarget ? kColumnTarget : kColumnIngredientPercent)
+          .caption)));
+  connect(editor, &FilteredEdit::Refused, this, &RecipeGridDelegate::KeyRefused);
+  return editor;
+}
+
+// The cell is left when the focus goes to another field. Another window takes it only for a while,
+// and the grid itself ends the edit when the focus comes to it.
+bool RecipeGridDelegate::eventFilter(QObject* editor, QEvent* event) {
+  if (event->type() == QEvent::KeyPress && TurnsTabs(*static_cast<QKeyEvent*>(event))) {
+    return false;
+  }
+  if (event->type() == QEvent::FocusOut) {
+    const QWidget* const viewport = static_cast<QWidget*>(editor)->parentWidget();
+    if (!LeavesField(*static_cast<QFocusEvent*>(event)) ||
+        viewport->parentWidget() == QApplication::focusWidget()) {
+      return false;
+    }
+  }
+  return QStyledItemDelegate::eventFilter(editor, event);
+}
+
+// Runs as well whenever the cell changes beneath its editor: what has been typed stays.
+void RecipeGridDelegate::setEditorData(QWidget* editor, const QModelIndex& index) const {
+  const QString text = index.data(Qt::EditRole).toString();
+  if (auto* const list = qobject_cast<IngredientDropDown*>(editor)) {
+    list->Begin(text);
+  } else if (auto* const number = qobject_cast<FilteredEdit*>(editor);
+             number != nullptr && !number->isModified()) {
+    number->setText(text);
+  }
+}
+
+void RecipeGridDelegate::setModelData(QWidget* editor, QAbstractItemModel* /*model*/,
+                                      const QModelIndex& index) const {
+  commit_(*editor, index);
+}
+
+void RecipeGridDelegate::updateEditorGeometry(QWidget* editor, const QStyleOptionViewItem& option,
+                                              const QModelIndex& /*index*/) const {
+  editor->setGeometry(option.rect);
+}
+
+}  // namespace vrx

@@ -1,0 +1,57 @@
+#pragma once
+
+#include <QLabel>
+#include <QTimer>
+#include <QWidget>
+#include <array>
+
+#include "desktop/recipes/recipe_grid.h"
+#include "feed/current_recipe.h"
+#include "feed/recipe_columns.h"
+
+namespace vrx {
+
+// The totals of a recipe: labels that stand exactly below the columns of its grid, wherever those
+// are. The share of a recipe by percent warns by flashing for as long as it is not 100.00.
+class RecipeTotalsRow : public QWidget {
+  Q_OBJECT
+
+ public:
+  // The grid outlives it.
+  explicit RecipeTotalsRow(const RecipeGrid& grid, QWidget* parent = nullptr);
+
+  void Show(const RecipeOnShow& shown);
+
+  // What the totals shown need of their columns.
+  RecipeColumnWidths Widths() const;
+
+  // `HideRecipeTotals`, until the next Show.
+  void HideTotals();
+
+  QSize sizeHint() const override;
+  QSize minimumSizeHint() const override { return sizeHint(); }
+
+ Q_SIGNALS:
+  // Whether the shares of a recipe by percent, if it is one, have to be told to miss 100.00.
+  void MissesTotal(bool misses);
+
+ protected:
+  void changeEvent(QEvent* event) override;
+  bool eventFilter(QObject* watched, QEvent* event) override;
+
+ private:
+  void Follow();
+  void PaintLabels();
+  void ApplyPercentRule();
+  void Flash();
+  QLabel& IngPctTotal() const { return *labels_.at(kColumnIngredientPercent); }
+
+  const RecipeGrid& grid_;
+  QWidget* strip_;                                    // as wide as the columns can be seen
+  std::array<QLabel*, kRecipeColumnCount> labels_{};  // the first one is `lblTarTot`
+  QTimer* timer_;
+  bool alarm_ = false;  // the warning colour is on
+  LineEntry entry_ = LineEntry::kNone;
+};
+
+}  // namespace vrx

@@ -1,0 +1,413 @@
+#include "desktop/recipes/recipes_page.h"
+
+#include <QApplication>
+#include <QVBoxLayout>
+#include <utility>
+
+#include "base/text.h"
+#include "database/identity.h"
+#include "feed/pen_capacity.h"
+#include "feed/record_commit.h"
+#include "feed/record_kind.h"
+#include "feed/record_reset.h"
+#include "presenter/report_failure.h"
+#include "settings/settings.h"
+#include "widgets/main_window_layout.h"
+#include "widgets/qt_text.h"
+
+namespace vrx {
+namespace {
+
+constexpr Milliseconds kHiddenDelay{50};
+constexpr Milliseconds kPrintDelay{100};
+constexpr Milliseconds kShownDelay{50};
+constexpr Milliseconds kActivateDelay{50};
+
+int Target(NavigateButton button, int position) {
+  switch (button) {
+    case kNavigateFirst:
+      return 1;
+    case kNavigatePrevious:
+      return position < 2 ? kRecipeCount : position - 1;
+    case kNavigateNext:
+      return position == kRecipeCount ? 1 : position + 1;
+    case kNavigateLast:
+      break;
+  }
+  return kRecipeCount;
+}
+
+}  // namespace
+
+RecipesPage::RecipesPage(const RecordPorts& ports, QWidget* parent)
+    : RecordPage(parent),
+      ports_(ports),
+      gate_(ports.feed.op),
+      head_(new RecipeHead(ports.abbreviation, this)),
+      lines_(new RecipeLines(*this, this)) {
+  setObjectName(QStringLiteral("pageRecipes"));
+  LayOut();
+  ConnectHead();
+  ConnectLines();
+}
+
+// The grid outlives what its events reach.
+RecipesPage::~RecipesPage() { qApp->disconnect(&lines_->GrdRec()); }
+
+void RecipesPage::LayOut() {
+  auto* const column = new QVBoxLayout(this);
+  column->setContentsMargins(kGroupSpacing, kGroupSpacing, kGroupSpacing, kGroupSpacing);
+  column->setSpacing(kGroupSpacing);
+  column->addWidget(head_);
+  column->addWidget(lines_, 1);
+}
+
+void RecipesPage::ConnectHead() {
+  connect(head_, &RecipeHead::Refused, this, &RecipesPage::KeyRefused);
+  connect(head_, &RecipeHead::ListLeft, this, [this] {
+    LeaveChoices();
+    Run([](RecipeEditor& editor) { editor.CommitRecipeRecord(); });
+  });
+  connect(&head_->CboRecId(), &QComboBox::activated, this,
+          [this](int index) { Select(index, MayStay::kYes); });
+  connect(&head_->CboRecId(), &RecordIdList::Typed, &head_->TxtRecDesc(),
+          qOverload<>(&QWidget::setFocus));
+  for (FilteredEdit* const box : head_->Boxes()) {
+    connect(box, &FilteredEdit::Left, this, [this, box] { Leave(*box); });
+  }
+  for (QComboBox* const list : {&head_->LstRecBatchType(), &head_->LstAdjustBatchTotal()}) {
+    connect(list, &QComboBox::activated, this, [this, list](int index) { Choose(*list, index); });
+  }
+}
+
+void RecipesPage::ConnectLines() {
+  connect(lines_, &RecipeLines::MissesTotal, head_, &RecipeHead::ShowMustTotal100);
+  connect(lines_, &RecipeLines::DeleteClicked, this, [this] {
+    if (FinishCell()) {
+      RunCommand([](RecipeEditor& editor) { editor.DeleteIng(); });
+    }
+  });
+  connect(lines_, &RecipeLines::MoveClicked, this, [this](MoveDirection direction) {
+    if (FinishCell()) {
+      RunCommand([direction](RecipeEditor& editor) { editor.MoveRow(direction); });
+    }
+  });
+}
+
+void RecipesPage::Do(const Event& event) {
+  const std::shared_ptr<RecipeEditor> editor = editor_;
+  if (!editor) {
+    return;
+  }
+  const RecipeRecord before = editor->OnShow().ration.recipe;
+  const auto shown = [&] {
+    const RecipeRecord& after = editor->OnShow().ration.recipe;
+    // The first line of a recipe puts it in use, whichever event commits it.
+    if (before.id == after.id && before.description.empty() && !after.description.empty()) {
+      head_->CboRecId().SetItem(after.id, after.name);
+    }
+    Show();
+    if (std::exchange(stored_, false)) {
+      ports_.record_changed();
+    }
+  };
+  try {
+    event(*editor);
+  } catch (...) {
+    shown();
+    throw;
+  }
+  shown();
+}
+
+bool RecipesPage::Run(const Event& event) {
+  return editor_ && HandleEditEvent(ports_.feed.op, [&] { Do(event); });
+}
+
+bool RecipesPage::RunCommand(const Event& event) {
+  try {
+    Do(event);
+    return true;
+  } catch (const Error& failure) {
+    TellEditFailure(ports_.feed.op, failure);
+  }
+  return false;
+}
+
+// The lines first: a list that is closed by its choice hands the focus on to the grid.
+void RecipesPage::Show() {
+  if (editor_ && !preparing_) {
+    lines_->Show(editor_->OnShow());
+    head_->Show(editor_->OnShow());
+  }
+}
+
+std::shared_ptr<RecipeEditor> RecipesPage::MakeEditor(SQLite::Database& connection, int id) {
+  return std::make_shared<RecipeEditor>(connection, ports_.feed.op, ports_.feed.settings, id,
+                                        [this, &connection](const RecipeOnShow& next) {
+                                          TouchDatabase(connection, ports_.feed.calendar);
+                                          stored_ = true;
+                                          if (entering_) {
+                                            lines_->DrawFigures(next);
+                                          }
+                                        });
+}
+
+std::string RecipesPage::BatchTypeOnShow() const {
+  return editor_ ? editor_->OnShow().ration.recipe.batch_type : std::string();
+}
+
+// The events of the grid.
+
+void RecipesPage::GridGotFocus() {
+  Q_EMIT CancelAllowed(false);
+  Run([](RecipeEditor& editor) { editor.GridGotFocus(); });
+}
+
+// A line that is complete does not wait for the focus to come back, unless a cell of it is still
+// being edited.
+void RecipesPage::GridLostFocus() {
+  Q_EMIT CancelAllowed(true);
+  if (!lines_->GrdRec().IsEditing()) {
+    LeaveEntryRow();
+  }
+}
+
+bool RecipesPage::GoToRow(int row) {
+  bool went = false;
+  if (RunWithNewLine([&](RecipeEditor& editor) { went = editor.GoToRow(row); }) && !went) {
+    KeyRefused();
+  }
+  return went;
+}
+
+bool RecipesPage::CommitRow() {
+  bool committed = false;
+  if (RunWithNewLine([&](RecipeEditor& editor) { committed = editor.CommitRow(); }) && !committed) {
+    KeyRefused();
+  }
+  return committed;
+}
+
+void RecipesPage::DiscardEntry() {
+  Run([](RecipeEditor& editor) { editor.DiscardEntry(); });
+}
+
+void RecipesPage::BeforeCellEdit(LineColumn column) {
+  Run([column](RecipeEditor& editor) { editor.BeforeCellEdit(column); });
+}
+
+void RecipesPage::AfterCellEdit(LineColumn column) {
+  gate_.Forget(&lines_->GrdRec());
+  const bool entered = !discarding_;
+  Run([column, entered](RecipeEditor& editor) { editor.AfterCellEdit(column, entered); });
+}
+
+void RecipesPage::KeyRefused() { BeepIfEnabled(ports_.feed.op, ports_.feed.settings); }
+
+// The action bar and the navigator.
+
+void RecipesPage::UpdateRecord() {
+  if (FinishCell()) {
+    Run([](RecipeEditor& editor) { editor.CommitRecipeRecord(); });
+  }
+}
+
+// The lines are not given up: a row that is pending is committed.
+void RecipesPage::CancelRecord() {
+  for (const QWidget* const field : head_->Fields()) {
+    gate_.Forget(field);
+  }
+  head_->GiveUpTyping();
+  Show();
+  LeaveEntryRow();
+}
+
+void RecipesPage::DefaultRecord() {
+  const int id = Position();
+  if (id == 0 || read_only_ || !ResetRecord(*connection_, RecordKind::kRecipe, id, ports_.feed)) {
+    return;
+  }
+  gate_.Forget();
+  lines_->GrdRec().GiveUpEdit();
+  head_->GiveUpTyping();
+  HandleEditEvent(ports_.feed.op, [&] { editor_ = MakeEditor(*connection_, id); });
+  Show();
+  head_->CboRecId().SetItem(id);
+  ports_.record_changed();
+}
+
+void RecipesPage::Navigate(NavigateButton button) {
+  if (const int position = Position(); position != 0) {
+    Select(Target(button, position), MayStay::kYes);
+  }
+}
+
+int RecipesPage::Position() const { return closed_ ? 0 : editor_->OnShow().ration.recipe.id; }
+
+// The only way to another recipe: whatever is being edited belongs to the one that is left. Index
+// 0, the blank item of the list, is the recipe on show.
+bool RecipesPage::ComeTo(int id, MayStay may_stay) {
+  if (!LeaveEdits(may_stay)) {
+    Show();
+    return false;
+  }
+  return Run([id](RecipeEditor& editor) { editor.Select(id); });
+}
+
+bool RecipesPage::Select(int id, MayStay may_stay) {
+  if (!ComeTo(id, may_stay)) {
+    return false;
+  }
+  Q_EMIT Moved(Position());
+  return true;
+}
+
+void RecipesPage::ReadIngredients() {
+  lines_->GrdRec().SetIngredients(ReadActiveIngredients(*connection_));
+}
+
+void RecipesPage::ShowUnit() {
+  const std::string& unit = ports_.feed.settings.SystemUnits();
+  head_->ShowUnit(ToQString(unit));
+  lines_->GrdRec().SetUnit(unit);
+}
+
+// The main window's events.
+
+void RecipesPage::TabChanged(int /*tab*/, int /*previous*/) {
+  ++visit_;
+  if (std::exchange(preparing_, false)) {
+    ports_.feed.op.SetBusy(false);
+  }
+  head_->ShowMustTotal100(false);
+}
+
+bool RecipesPage::Waited(Milliseconds interval) {
+  const int visit = visit_;
+  return ports_.delay.Wait(interval) && visit == visit_;
+}
+
+void RecipesPage::Prepare() {
+  if (!editor_) {
+    return;
+  }
+  LeaveEdits(MayStay::kNo);
+  preparing_ = true;
+  head_->HideInputs();
+  lines_->HideGrid();
+  if (!Waited(kHiddenDelay)) {
+    return;
+  }
+  ports_.feed.op.SetBusy(true);
+  if (!Waited(kPrintDelay)) {
+    return;
+  }
+  ShowUnit();
+  Run([this](RecipeEditor& /*editor*/) { ReadIngredients(); });
+  // By way of the last recipe, which opens the list of batch types where it has none.
+  ComeTo(kRecipeCount, MayStay::kNo);
+  preparing_ = false;
+  Select(1, MayStay::kNo);
+  Waited(kShownDelay);
+  ports_.feed.op.SetBusy(false);
+}
+
+void RecipesPage::StripFocused() {
+  if (RecipeGrid& grid = lines_->GrdRec(); grid.isVisible()) {
+    grid.setFocus();
+  }
+  TabChosen();
+}
+
+void RecipesPage::TabChosen() {
+  if (lines_->GrdRec().isVisible()) {
+    Run([](RecipeEditor& editor) { editor.RecomputeAll(); });
+  }
+  ShowUnit();
+}
+
+// The grid stands still rather than being hidden: it keeps the focus.
+void RecipesPage::Activated() {
+  RecipeGrid& grid = lines_->GrdRec();
+  if (!grid.isVisible() || !grid.updatesEnabled()) {
+    return;
+  }
+  grid.setUpdatesEnabled(false);
+  if (Waited(kActivateDelay)) {
+    Run([](RecipeEditor& editor) { editor.CommitRecipeRecord(); });
+  }
+  grid.setUpdatesEnabled(true);
+}
+
+// A line that is complete is not lost with its database.
+void RecipesPage::CommitPending() {
+  if (editor_ && editor_->OnShow().EntryPending() && !ended_) {
+    Run([](RecipeEditor& editor) { editor.EndEntry(); });
+  }
+}
+
+void RecipesPage::Rebind(DatabaseKind kind, const BoundDatabase& database) {
+  if (kind != DatabaseKind::kRecipe) {
+    return;
+  }
+  CommitPending();
+  SQLite::Database& connection = *database.connection;
+  std::vector<IngredientRecord> ingredients = ReadActiveIngredients(connection);
+  std::shared_ptr<RecipeEditor> editor = MakeEditor(connection, 1);
+  gate_.Forget();
+  lines_->GrdRec().GiveUpEdit();
+  head_->GiveUpTyping();
+  ++visit_;
+  preparing_ = false;
+  connection_ = &connection;
+  closed_ = database.blank;
+  CloseFields(ToQString(database.read_only_note));
+  editor_ = std::move(editor);
+  stored_ = false;
+  ended_ = false;
+  lines_->GrdRec().SetIngredients(std::move(ingredients));
+  lines_->ShowFixedTexts();
+  ShowUnit();
+  Show();
+}
+
+void RecipesPage::CloseFields(const QString& reason) {
+  read_only_ = !reason.isEmpty();
+  head_->SetReadOnly(reason);
+  lines_->SetReadOnly(reason);
+  Q_EMIT WritingAllowed(!read_only_);
+}
+
+void RecipesPage::ReleaseViews() {
+  CommitPending();
+  gate_.Forget();
+  lines_->GrdRec().GiveUpEdit();
+  ++visit_;
+  editor_.reset();
+  connection_ = nullptr;
+  closed_ = true;
+}
+
+void RecipesPage::LoadIdLists() {
+  const SQLite::Database* const connection = connection_;
+  Run([&](RecipeEditor& /*editor*/) {
+    for (const RecipeRecord& recipe : ReadRecipes(*connection_)) {
+      head_->CboRecId().SetItem(recipe.id, IsActive(recipe) ? recipe.name : std::string());
+      ports_.record_loaded();
+      if (connection_ != connection) {
+        return;
+      }
+    }
+  });
+  if (connection_ == connection) {
+    Select(1, MayStay::kNo);
+  }
+}
+
+void RecipesPage::CheckPenCapacity() {
+  lines_->ShowPenCapacity(
+      vrx::CheckPenCapacity(pen_rows_ ? pen_rows_() : std::vector<PenRecord>()));
+}
+
+}  // namespace vrx

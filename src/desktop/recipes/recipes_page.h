@@ -1,0 +1,142 @@
+#pragma once
+
+#include <functional>
+#include <memory>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "database/records.h"
+#include "desktop/recipes/recipe_head.h"
+#include "desktop/recipes/recipe_lines.h"
+#include "desktop/records/edit_gate.h"
+#include "desktop/records/record_page.h"
+#include "feed/recipe_editor.h"
+
+namespace vrx {
+
+// The Recipes tab: shows what the editor of the recipes holds, and hands on to it what happens to
+// the head and to the grid of the lines.
+class RecipesPage final : public RecordPage, private RecipeGridEvents {
+  Q_OBJECT
+
+ public:
+  // What the ports refer to outlives it.
+  explicit RecipesPage(const RecordPorts& ports, QWidget* parent = nullptr);
+  ~RecipesPage() override;
+
+  // The rows of the pen grid as it is filtered, for the pen capacity warning. None until it is set.
+  using PenRows = std::function<std::vector<PenRecord>()>;
+  void SetPenRows(PenRows rows) { pen_rows_ = std::move(rows); }
+
+  // The code of the recipe on show; empty before the first database.
+  std::string BatchTypeOnShow() const;
+
+  // The recipe on show, for the printed page; nullptr before the first database.
+  const RecipeOnShow* OnShow() const { return editor_ ? &editor_->OnShow() : nullptr; }
+
+  // The columns of its grid, for the printed page of a recipe entered that way.
+  std::vector<int> ColumnsInSight(LineEntry entry) const {
+    return lines_->GrdRec().ColumnsInSight(entry);
+  }
+
+  // RecordPage.
+  void UpdateRecord() override;
+  void CancelRecord() override;
+  void DefaultRecord() override;
+  void Navigate(NavigateButton button) override;
+  void GoTo(int position) override { Select(position, MayStay::kNo); }
+  int Position() const override;
+
+  // MainTabPage.
+  bool LeaveEdits(MayStay may_stay) override;
+  std::vector<LostEdit> EndEdits() override;
+  void TabChanged(int tab, int previous) override;
+  void Prepare() override;
+  void StripFocused() override;
+  void TabChosen() override;
+  void Activated() override;
+  void Rebind(DatabaseKind kind, const BoundDatabase& database) override;
+  void ReleaseViews() override;
+  void LoadIdLists() override;
+  void CheckPenCapacity() override;
+  void HidePenCapacityWarning() override { lines_->ShowPenCapacity(std::nullopt); }
+
+ private:
+  // RecipeGridEvents.
+  void GridGotFocus() override;
+  void GridLostFocus() override;
+  bool GoToRow(int row) override;
+  bool CommitRow() override;
+  void DiscardEntry() override;
+  void BeforeCellEdit(LineColumn column) override;
+  void AfterCellEdit(LineColumn column) override;
+  bool EnterCell(LineColumn column, std::string_view text) override;
+  bool ChooseIngredient(int id) override;
+  void KeyRefused() override;
+
+  void LayOut();
+  void ConnectHead();
+  void ConnectLines();
+
+  // Runs an event of the editor and shows what came of it. Throws what the event throws.
+  using Event = std::function<void(RecipeEditor&)>;
+  void Do(const Event& event);
+  // False: it failed, and was reported.
+  bool Run(const Event& event);
+  // The same for a command of the operator, with a failure of the storage reported in words.
+  bool RunCommand(const Event& event);
+  // The same for an event that adds the line of the entry row: that line is kept and asked about.
+  bool RunWithNewLine(const Event& event);
+  void Show();
+  std::shared_ptr<RecipeEditor> MakeEditor(SQLite::Database& connection, int id);
+
+  // False: the operator stays with an edit, or the recipe cannot be shown.
+  bool ComeTo(int id, MayStay may_stay);
+  bool Select(int id, MayStay may_stay);
+  void CommitPending();
+  void ReadIngredients();
+  // The file may not be written, for that reason; or it may, for an empty one.
+  void CloseFields(const QString& reason);
+  void ShowUnit();
+  // False: what waited must not go on.
+  bool Waited(Milliseconds interval);
+
+  // The fields that are left (recipes_page_edits.cpp).
+  using StoreBox = std::function<std::string()>;
+  void LeaveBox(FilteredEdit& box, std::string_view field, StoreBox store);
+  void LeaveName();
+  void LeaveDescription();
+  void LeaveNumber(FilteredEdit& box, std::string_view field,
+                   void (RecipeEditor::*leave)(std::string_view));
+  void Leave(FilteredEdit& box);
+  void Choose(QComboBox& list, int index);
+  void StoreChoice(QComboBox& list, int index);
+  void LeaveChoices();
+  bool StoreCell(std::string what, std::string text, const Event& event);
+  bool FinishCell();
+  void DiscardCell();
+  FieldEdit NewLine();
+  void LeaveEntryRow();
+  void KeepOpenEdits();
+  void RewriteItem(std::string_view name);
+
+  RecordPorts ports_;
+  PenRows pen_rows_;
+  SQLite::Database* connection_ = nullptr;  // none before the first database and after the last
+  bool closed_ = true;                      // the blank template is on show
+  bool read_only_ = false;
+  std::shared_ptr<RecipeEditor> editor_;  // exactly while there is a connection
+  bool stored_ = false;                   // the event on its way has changed the database
+  bool entering_ = false;                 // a cell of a line is being stored
+  bool leaving_ = false;                  // the grid as a whole is being left
+  bool discarding_ = false;               // the edit of a cell is given up by the operator
+  bool ended_ = false;                    // no edit of this database is stored any more
+  bool preparing_ = false;
+  int visit_ = 0;  // of a tab; another one ends what waits
+  EditGate gate_;
+  RecipeHead* head_;
+  RecipeLines* lines_;
+};
+
+}  // namespace vrx

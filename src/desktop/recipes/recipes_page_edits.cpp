@@ -1,0 +1,310 @@
+// How the fields of the Recipes tab are left.
+
+#include <algorithm>
+#include <utility>
+
+#include "database/database_error.h"
+#include "desktop/recipes/recipes_page.h"
+#include "presenter/report_failure.h"
+
+namespace vrx {
+namespace {
+
+std::string FieldName(std::string_view field) { return "'" + std::string(field) + "' field"; }
+
+void TakeFocus(QWidget& field) {
+  if (field.isVisible() && field.isEnabled()) {
+    field.setFocus();
+  }
+}
+
+}  // namespace
+
+// The boxes of the head.
+
+void RecipesPage::LeaveBox(FilteredEdit& box, std::string_view field, StoreBox store) {
+  gate_.Leave({.field = &box,
+               .what = FieldName(field),
+               .text = box.Text(),
+               .store = std::move(store),
+               .discard =
+                   [this, &box] {
+                     RecipeHead::Stored(box);
+                     Show();
+                   },
+               .stay = [&box] { TakeFocus(box); },
+               .entered = box.isModified()});
+}
+
+void RecipesPage::LeaveName() {
+  FilteredEdit& box = head_->TxtRecName();
+  LeaveBox(box, "Name", [this, &box] {
+    std::string refusal;
+    Do([&](RecipeEditor& editor) {
+      refusal = editor.LeaveName(box.Text());
+      RecipeHead::Stored(box);
+    });
+    RewriteItem(box.Text());
+    return refusal;
+  });
+}
+
+void RecipesPage::LeaveDescription() {
+  FilteredEdit& box = head_->TxtRecDesc();
+  const std::optional<std::string> abbreviation =
+      ports_.abbreviation.LeaveDescription(box.Text(), ports_.feed.settings.AutoAbbreviateOn());
+  LeaveBox(box, "Description", [this, &box, abbreviation] {
+    FilteredEdit& name = head_->TxtRecName();
+    const std::string listed = name.Text();
+    Do([&](RecipeEditor& editor) {
+      editor.LeaveDescription(box.Text(), abbreviation);
+      RecipeHead::Stored(box);
+      if (abbreviation) {
+        RecipeHead::Stored(name);
+      }
+    });
+    // An abbreviation is not listed until the name is left.
+    RewriteItem(listed);
+    return std::string();
+  });
+}
+
+void RecipesPage::LeaveNumber(FilteredEdit& box, std::string_view field,
+                              void (RecipeEditor::*leave)(std::string_view)) {
+  LeaveBox(box, field, [this, &box, leave] {
+    Do([&](RecipeEditor& editor) {
+      (editor.*leave)(box.Text());
+      RecipeHead::Stored(box);
+    });
+    return std::string();
+  });
+}
+
+void RecipesPage::Leave(FilteredEdit& box) {
+  if (!editor_ || read_only_) {
+    return;
+  }
+  if (&box == &head_->TxtRecName()) {
+    LeaveName();
+  } else if (&box == &head_->TxtRecDesc()) {
+    LeaveDescription();
+  } else if (&box == &head_->TxtRecHeadCount()) {
+    LeaveNumber(box, "HeadCount", &RecipeEditor::LeaveHeadCount);
+  } else {
+    LeaveNumber(box, "RationTarget", &RecipeEditor::LeaveRationTarget);
+  }
+}
+
+void RecipesPage::RewriteItem(std::string_view name) {
+  if (editor_) {
+    head_->CboRecId().SetItem(editor_->OnShow().ration.recipe.id, name);
+  }
+}
+
+// The lists of the head.
+
+void RecipesPage::Choose(QComboBox& list, int index) {
+  head_->KeepChoice(list);
+  if (FinishCell()) {
+    StoreChoice(list, index);
+  } else {
+    head_->DropChoice(list);
+    Show();
+  }
+}
+
+void RecipesPage::StoreChoice(QComboBox& list, int index) {
+  const bool type = &list == &head_->LstRecBatchType();
+  const auto choose = type ? &RecipeEditor::ChooseBatchType : &RecipeEditor::ChooseAdjustItem;
+  gate_.Leave({.field = &list,
+               .what = FieldName(type ? "BatchType" : "AdjBatTotIndex"),
+               .text = list.itemText(index).toStdString(),
+               .store =
+                   [this, &list, index, choose] {
+                     Do([&](RecipeEditor& editor) {
+                       (editor.*choose)(index);
+                       head_->DropChoice(list);
+                     });
+                     return std::string();
+                   },
+               .discard =
+                   [this, &list] {
+                     head_->DropChoice(list);
+                     Show();
+                   },
+               .stay = [&list] { TakeFocus(list); }});
+}
+
+void RecipesPage::LeaveChoices() {
+  for (QComboBox* const list : {&head_->LstRecBatchType(), &head_->LstAdjustBatchTotal()}) {
+    if (head_->KeepsChoice(*list) && !gate_.Holds(list)) {
+      StoreChoice(*list, list->currentIndex());
+    }
+  }
+}
+
+// The cells of the lines. A value that the recipe cannot take is reported while the grid keeps the
+// focus, and its editor stays open. An edit that the storage refuses is asked about, and so is any
+// edit that the operator leaves the grid with.
+
+bool RecipesPage::StoreCell(std::string what, std::string text, const Event& event) {
+  RecipeGrid& grid = lines_->GrdRec();
+  const auto store = [this, event] {
+    entering_ = true;
+    try {
+      Do(event);
+    } catch (...) {
+      entering_ = false;
+      throw;
+    }
+    entering_ = false;
+  };
+  const auto keep = [&](const Error& failure) {
+    gate_.Keep({.field = &grid,
+                .what = std::move(what),
+                .text = std::move(text),
+                .store =
+                    [&grid, store] {
+                      store();
+                      grid.GiveUpEdit();
+                      return std::string();
+                    },
+                .discard = [this] { DiscardCell(); },
+                .stay = [&grid] { grid.ReturnToEdit(); }},
+               failure.what());
+  };
+  try {
+    store();
+    gate_.Forget(&grid);
+    return true;
+  } catch (const DatabaseError& failure) {
+    keep(failure);
+  } catch (const Error& failure) {
+    if (leaving_ || !grid.HoldsFocus()) {
+      keep(failure);
+    } else {
+      TellEditFailure(ports_.feed.op, failure);
+    }
+  }
+  return false;
+}
+
+bool RecipesPage::EnterCell(LineColumn column, std::string_view text) {
+  std::string typed(text);
+  return StoreCell(FieldName(LineColumnName(column)), typed,
+                   [column, typed](RecipeEditor& editor) { editor.EnterCell(column, typed); });
+}
+
+bool RecipesPage::ChooseIngredient(int id) {
+  return StoreCell(FieldName(LineColumnName(LineColumn::kIngredient)), std::to_string(id),
+                   [id](RecipeEditor& editor) { editor.ChooseIngredient(id); });
+}
+
+void RecipesPage::DiscardCell() {
+  discarding_ = true;
+  lines_->GrdRec().GiveUpEdit();
+  discarding_ = false;
+}
+
+// False: the cell is still being edited, or the operator stays in another field.
+bool RecipesPage::FinishCell() {
+  leaving_ = true;
+  const bool finished = gate_.Holds(&lines_->GrdRec()) || lines_->GrdRec().FinishEdit();
+  leaving_ = false;
+  return gate_.Settle(MayStay::kYes) && (finished || !lines_->GrdRec().IsEditing());
+}
+
+// The entry row.
+
+FieldEdit RecipesPage::NewLine() {
+  const RecipeLineRecord& line = editor_->OnShow().Current();
+  const std::string& amount = line.target.empty() ? line.ingredient_percent : line.target;
+  return {.field = lines_,
+          .what = "new line",
+          .text = "ingredient " + line.ingredient + ", " + amount,
+          .store =
+              [this] {
+                Do([](RecipeEditor& editor) { editor.CommitRow(); });
+                return std::string();
+              },
+          .discard =
+              [this] {
+                DiscardCell();
+                Run([](RecipeEditor& editor) { editor.DiscardEntry(); });
+              },
+          .stay = [this] { lines_->GrdRec().ReturnToEdit(); }};
+}
+
+void RecipesPage::LeaveEntryRow() {
+  if (editor_ && editor_->OnShow().EntryPending()) {
+    gate_.Leave(NewLine());
+  }
+}
+
+bool RecipesPage::RunWithNewLine(const Event& event) {
+  try {
+    Do(event);
+    return true;
+  } catch (const DatabaseError& failure) {
+    if (editor_->OnShow().EntryPending()) {
+      gate_.Keep(NewLine(), failure.what());
+    } else {
+      ports_.feed.op.Beep();
+    }
+  } catch (const Error& failure) {
+    TellEditFailure(ports_.feed.op, failure);
+  }
+  return false;
+}
+
+// All of them.
+
+void RecipesPage::KeepOpenEdits() {
+  RecipeGrid& grid = lines_->GrdRec();
+  leaving_ = true;
+  if (!gate_.Holds(&grid)) {
+    grid.FinishEdit();
+  }
+  for (FilteredEdit* const box : head_->Boxes()) {
+    if (box->isModified() && !gate_.Holds(box)) {
+      Leave(*box);
+    }
+  }
+  leaving_ = false;
+}
+
+bool RecipesPage::LeaveEdits(MayStay may_stay) {
+  if (!editor_ || ended_) {
+    return true;
+  }
+  KeepOpenEdits();
+  if (!gate_.Settle(may_stay)) {
+    return false;
+  }
+  LeaveChoices();
+  if (!gate_.Holds(lines_)) {
+    LeaveEntryRow();
+  }
+  return gate_.Settle(may_stay);
+}
+
+std::vector<LostEdit> RecipesPage::EndEdits() {
+  if (!editor_) {
+    return {};
+  }
+  KeepOpenEdits();
+  if (!lines_->GrdRec().IsEditing() && !gate_.Holds(lines_)) {
+    LeaveEntryRow();
+  }
+  std::vector<LostEdit> lost = gate_.Drop();
+  const RecipeRecord& recipe = editor_->OnShow().ration.recipe;
+  for (LostEdit& edit : lost) {
+    edit.what = "recipe " + std::to_string(recipe.id) + " (" + recipe.name + "), " + edit.what;
+  }
+  DiscardCell();
+  head_->GiveUpTyping();
+  ended_ = true;
+  return lost;
+}
+
+}  // namespace vrx

@@ -1,0 +1,184 @@
+#include "desktop/records/ingredients_page.h"
+
+#include <utility>
+
+#include "base/number.h"
+#include "feed/record_store.h"
+#include "feed/where_used.h"
+#include "presenter/record_actions.h"
+#include "presenter/report_failure.h"
+#include "widgets/field_box.h"
+#include "widgets/main_window_layout.h"
+#include "widgets/qt_text.h"
+
+namespace vrx {
+namespace {
+
+constexpr int kDryMatterCaption = 1057;
+constexpr int kPercentCaption = 1058;
+constexpr int kWhereUsedCaption = 1121;
+constexpr Milliseconds kLoadDelay{10};
+
+QString YesNo(bool yes) { return yes ? QStringLiteral("Yes") : QStringLiteral("No"); }
+
+RecordRow RowOf(const IngredientRecord& record) {
+  return {
+      .id = record.id,
+      .cells = {QString::number(record.id), ToQString(record.name), ToQString(record.description),
+                QString::number(record.dry_matter_percent), YesNo(record.hand_add)}};
+}
+
+}  // namespace
+
+RecordFormPage::Design IngredientsPage::Controls() {
+  return {
+      .kind = RecordKind::kIngredient,
+      .page = "pageIngredients",
+      .id_list = "cboIngID",
+      .name = "txtIngName",
+      .description = "txtIngDesc",
+      .number = "txtIngDryMatter",
+      .number_field = "DryMatter%",
+      .number_caption = kDryMatterCaption,
+      .view_all = "chkViewAllIngs",
+      .view_all_caption = QStringLiteral("View Ingredient List"),
+      .active_only = "chkShowActiveIngsOnly",
+      .active_only_caption = QStringLiteral("Show/Print Active Ingredients Only"),
+      .grid = "grdING",
+      .columns = {{.field = "ID", .caption = QStringLiteral("ID"), .number = true},
+                  {.field = "Name", .caption = QStringLiteral("Name"), .typed = true},
+                  {.field = "Description", .caption = QStringLiteral("Description"), .typed = true},
+                  {.field = "DryMatter%",
+                   .caption = QStringLiteral("Dry Matter (%)"),
+                   .number = true,
+                   .typed = true},
+                  {.field = "HandAdd", .caption = QStringLiteral("Hand-Add")}},
+      .empty_grid = QStringLiteral("No ingredient is active yet. Giving one a name or a "
+                                   "description makes it active.")};
+}
+
+IngredientsPage::IngredientsPage(const RecordPorts& ports, Recipes recipes, QWidget* parent)
+    : RecordFormPage(ports, Controls(), parent),
+      recipes_(std::move(recipes)),
+      hand_add_(new QCheckBox(QStringLiteral("Hand-Add"), this)),
+      where_used_(new WhereUsedList(this)),
+      search_(new QPushButton(QStringLiteral("Search"), this)) {
+  hand_add_->setObjectName(QStringLiteral("chkIngHandAdd"));
+  hand_add_->setToolTip(QStringLiteral("Added by hand, not by the loader"));
+  hand_add_->installEventFilter(this);
+  search_->setObjectName(QStringLiteral("cmdSearch"));
+  search_->setToolTip(QStringLiteral("Look for the ingredient in the recipes"));
+  connect(search_, &QPushButton::clicked, this, &IngredientsPage::Search);
+  LayOut();
+}
+
+void IngredientsPage::LayOut() {
+  NumberRow().addWidget(AddLabel(*this, "lblPercent", kPercentCaption));
+  NumberRow().addSpacing(kSpacing);
+  NumberRow().addWidget(hand_add_);
+  NumberRow().addStretch();
+  FormLayout().addWidget(Caption("lblWhereUsed", kWhereUsedCaption, where_used_), kIdRow,
+                         kFreeColumn);
+  FormLayout().addWidget(where_used_, kNameRow, kFreeColumn);
+  FormLayout().addWidget(search_, kNameRow, kFreeColumn + 1);
+  TabBehindNumber({hand_add_, where_used_, search_});
+}
+
+bool IngredientsPage::eventFilter(QObject* watched, QEvent* event) {
+  if (watched == hand_add_ && event->type() == QEvent::FocusOut &&
+      LeavesField(*static_cast<QFocusEvent*>(event))) {
+    LeaveHandAdd();
+  }
+  return RecordFormPage::eventFilter(watched, event);
+}
+
+// What is in the window comes to rest before the lists are read.
+void IngredientsPage::LoadIdLists() {
+  Ports().feed.op.SetBusy(true);
+  Grid().hide();
+  if (Ports().delay.Wait(kLoadDelay)) {
+    RecordFormPage::LoadIdLists();
+  }
+}
+
+void IngredientsPage::ReadRecord(int id) {
+  const IngredientRecord record = ReadIngredient(Database(), id);
+  stored_hand_add_ = record.hand_add;
+  ShowTexts(record.name, record.description, std::to_string(record.dry_matter_percent));
+}
+
+void IngredientsPage::ShowStored() {
+  RecordFormPage::ShowStored();
+  hand_add_->setChecked(stored_hand_add_);
+}
+
+void IngredientsPage::LeaveHandAdd() {
+  LeaveOwnField(
+      *hand_add_, "HandAdd", hand_add_->isChecked() ? "Yes" : "No",
+      [this] { hand_add_->setChecked(stored_hand_add_); },
+      hand_add_->isChecked() != stored_hand_add_);
+}
+
+void IngredientsPage::LeaveOwnFields() {
+  if (hand_add_->isChecked() != stored_hand_add_ && !Keeps(*hand_add_)) {
+    LeaveHandAdd();
+  }
+}
+
+bool IngredientsPage::StoreRecordOnShow() {
+  IngredientRecord record{.id = Id(),
+                          .name = NameText(),
+                          .description = DescriptionText(),
+                          .dry_matter_percent = TextToLong(NumberText()),
+                          .hand_add = hand_add_->isChecked()};
+  const std::string batch_type = recipes_.batch_type_on_show();
+  const bool changed = StoreRecord(Database(), record, batch_type, Ports().feed.calendar);
+  stored_hand_add_ = record.hand_add;
+  ShowTexts(record.name, record.description, std::to_string(record.dry_matter_percent));
+  return changed;
+}
+
+std::vector<RecordRow> IngredientsPage::ReadRows(bool active_only) {
+  std::vector<RecordRow> rows;
+  for (const IngredientRecord& record : ReadIngredients(Database())) {
+    if (!active_only || IsActive(record)) {
+      rows.push_back(RowOf(record));
+    }
+  }
+  return rows;
+}
+
+void IngredientsPage::Search() {
+  if (Position() == 0 || !LeaveEdits(MayStay::kYes)) {
+    return;
+  }
+  where_used_->setEnabled(false);
+  where_used_->ShowItems({"Searching..."});
+  where_used_->repaint();
+  where_used_->ShowItems(SearchWhereUsed(Database(), Id(), Ports().feed));
+  recipes_.go_to(kRecipeCount);
+  ShowAllRecords();
+  where_used_->setEnabled(true);
+}
+
+// The search of a reset ends with the first recipe that holds the ingredient.
+void IngredientsPage::AnsweredDefault(ResetOutcome outcome) {
+  if (outcome == ResetOutcome::kNotReset) {
+    return;
+  }
+  int position = kRecipeCount;
+  if (outcome == ResetOutcome::kInUse) {
+    HandleEditEvent(Ports().feed.op, [&] {
+      const std::vector<WhereUsed> found = FindWhereIngUsed(Database(), Id(), true);
+      position = found.empty() ? position : found.front().recipe_id;
+    });
+  }
+  recipes_.go_to(position);
+}
+
+void IngredientsPage::ShowReadOnly(const QString& reason) {
+  RecordFormPage::ShowReadOnly(reason);
+  hand_add_->setEnabled(reason.isEmpty());
+}
+
+}  // namespace vrx

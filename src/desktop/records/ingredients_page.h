@@ -1,0 +1,56 @@
+#pragma once
+
+#include <QCheckBox>
+#include <QPushButton>
+#include <functional>
+#include <string>
+
+#include "desktop/records/record_form_page.h"
+#include "desktop/records/where_used_list.h"
+
+namespace vrx {
+
+// The tab `Ingredients`. What is entered here goes into the lines of all recipes at once.
+class IngredientsPage final : public RecordFormPage {
+  Q_OBJECT
+
+ public:
+  // What it has to do with the tab of the recipes. All of it outlives the page.
+  struct Recipes {
+    // The code chosen in `lstRecBatchType`: by it the lines are worked out, whatever recipe they
+    // belong to.
+    std::function<std::string()> batch_type_on_show;
+    // A search leaves the recipes where it has ended.
+    std::function<void(int position)> go_to;
+  };
+
+  IngredientsPage(const RecordPorts& ports, Recipes recipes, QWidget* parent = nullptr);
+
+  void LoadIdLists() override;
+
+ protected:
+  bool eventFilter(QObject* watched, QEvent* event) override;
+
+  void ReadRecord(int id) override;
+  bool StoreRecordOnShow() override;
+  void ShowStored() override;
+  void LeaveOwnFields() override;
+  std::vector<RecordRow> ReadRows(bool active_only) override;
+  void CameToAnother() override { where_used_->ShowItems({}); }
+  void AnsweredDefault(ResetOutcome outcome) override;
+  void ShowReadOnly(const QString& reason) override;
+
+ private:
+  static Design Controls();
+  void LayOut();
+  void LeaveHandAdd();
+  void Search();
+
+  Recipes recipes_;
+  QCheckBox* hand_add_;
+  bool stored_hand_add_ = false;
+  WhereUsedList* where_used_;
+  QPushButton* search_;
+};
+
+}  // namespace vrx

@@ -1,0 +1,49 @@
+#pragma once
+
+#include <QLabel>
+#include <optional>
+#include <vector>
+
+#include "database/records.h"
+#include "desktop/records/record_form_page.h"
+
+namespace vrx {
+
+// The tab `Pens`, with the warning about the indicator's pen table.
+class PensPage final : public RecordFormPage {
+  Q_OBJECT
+
+ public:
+  explicit PensPage(const RecordPorts& ports, QWidget* parent = nullptr);
+
+  // As the grid is filtered; none where they cannot be read, which is told.
+  std::vector<PenRecord> PensShown();
+
+  void Prepare() override;
+  void StripFocused() override { ShowUnit(); }
+  void CheckPenCapacity() override;
+  void HidePenCapacityWarning() override { ShowWarning(std::nullopt); }
+  void SelectPenItem(int list_index) override { GoTo(list_index); }
+
+ Q_SIGNALS:
+  // The pens in the grid were looked through for the warning, as they are now.
+  void PenCapacityChecked();
+
+ protected:
+  void ReadRecord(int id) override;
+  bool StoreRecordOnShow() override;
+  std::vector<RecordRow> ReadRows(bool active_only) override;
+  void Stored() override { CheckPenCapacity(); }
+  void AnsweredDefault(ResetOutcome /*outcome*/) override { CheckPenCapacity(); }
+
+ private:
+  static Design Controls();
+  std::vector<PenRecord> ReadShown(bool active_only);
+  void ShowUnit();
+  void ShowWarning(std::optional<int> size);
+
+  QLabel* unit_;
+  QLabel* warning_;
+};
+
+}  // namespace vrx

@@ -1,0 +1,223 @@
+// How the fields and cells of a record's form are left.
+
+#include <memory>
+#include <utility>
+
+#include "base/date.h"
+#include "desktop/records/record_form_page.h"
+#include "feed/record_fields.h"
+#include "widgets/qt_text.h"
+
+namespace vrx {
+namespace {
+
+constexpr std::string_view kName = "Name";
+constexpr std::string_view kDescription = "Description";
+
+std::string FieldName(std::string_view field) { return "'" + std::string(field) + "' field"; }
+
+void TakeFocus(QWidget& field) {
+  if (field.isVisible() && field.isEnabled()) {
+    field.setFocus();
+  }
+}
+
+}  // namespace
+
+void SetIfOther(FilteredEdit& box, std::string_view text) {
+  const QString shown = ToQString(text);
+  if (box.text() != shown) {
+    box.setText(shown);
+  }
+}
+
+std::string RecordFormPage::Left(std::string_view field, std::string_view text) const {
+  return FieldOf(design_.kind, field).leave(text);
+}
+
+const std::string& RecordFormPage::StoredText(const FilteredEdit& box) const {
+  if (&box == name_) {
+    return stored_.name;
+  }
+  return &box == description_ ? stored_.description : stored_.number;
+}
+
+// The boxes.
+
+void RecordFormPage::Leave(FilteredEdit& box) {
+  if (!MayWrite()) {
+    return;
+  }
+  if (&box == name_) {
+    LeaveName();
+  } else if (&box == description_) {
+    LeaveDescription();
+  } else {
+    LeaveNumber();
+  }
+}
+
+void RecordFormPage::LeaveBox(FilteredEdit& box, std::string_view field, StoreField store) {
+  gate_.Leave({.field = &box,
+               .what = FieldName(field),
+               .text = box.Text(),
+               .store = std::move(store),
+               .discard = [this, &box] { SetIfOther(box, StoredText(box)); },
+               .stay = [&box] { TakeFocus(box); },
+               .entered = box.Text() != StoredText(box)});
+}
+
+// Stores an empty name, too, and then returns what the operator is told.
+std::string RecordFormPage::StoreName() {
+  std::string refusal;
+  std::string left;
+  try {
+    left = Left(kName, NameText());
+  } catch (const FieldRefusal& failure) {
+    refusal = failure.what();
+  }
+  SetIfOther(*name_, left);
+  Store();
+  id_list_->SetItem(position_, left);
+  return refusal;
+}
+
+void RecordFormPage::LeaveName() {
+  LeaveBox(*name_, kName, [this] { return StoreName(); });
+}
+
+// The item keeps the old name until the name box is left.
+void RecordFormPage::LeaveDescription() {
+  const std::optional<std::string> abbreviation = ports_.abbreviation.LeaveDescription(
+      DescriptionText(), ports_.feed.settings.AutoAbbreviateOn());
+  LeaveBox(*description_, kDescription, [this, abbreviation] {
+    const std::string old_name = NameText();
+    SetIfOther(*description_, Left(kDescription, DescriptionText()));
+    SetIfOther(*name_, abbreviation.value_or(old_name));
+    try {
+      Store();
+    } catch (...) {
+      SetIfOther(*name_, old_name);
+      throw;
+    }
+    id_list_->SetItem(position_, old_name);
+    return std::string();
+  });
+}
+
+void RecordFormPage::LeaveNumber() {
+  LeaveBox(*number_, design_.number_field, [this] {
+    SetIfOther(*number_, Left(design_.number_field, NumberText()));
+    Store();
+    return std::string();
+  });
+}
+
+void RecordFormPage::LeaveOwnField(QWidget& field, std::string_view name, std::string text,
+                                   std::function<void()> discard, bool entered) {
+  gate_.Leave({.field = &field,
+               .what = FieldName(name),
+               .text = std::move(text),
+               .store =
+                   [this] {
+                     Store();
+                     return std::string();
+                   },
+               .discard = std::move(discard),
+               .stay = [&field] { TakeFocus(field); },
+               .entered = entered});
+}
+
+// The cells of the grid. A row is stored with each of its cells, by way of the boxes. The editor of
+// a cell that could not be stored stays open.
+
+void RecordFormPage::RowTyped(const std::string& field, const QString& text) {
+  if (!MayWrite()) {
+    return;
+  }
+  const auto store = [this, field, text] {
+    if (field == kName) {
+      name_->setText(text);
+    } else {
+      FilteredEdit& box = field == kDescription ? *description_ : *number_;
+      SetIfOther(box, Left(field, text.toStdString()));
+    }
+    if (description_->text().isEmpty()) {
+      description_->setText(name_->text());
+    }
+    try {
+      return StoreName();
+    } catch (...) {
+      ShowStored();
+      throw;
+    }
+  };
+  const auto nameless = std::make_shared<bool>(false);
+  const FieldEdit edit{
+      .field = grid_,
+      .what = FieldName(field),
+      .text = text.toStdString(),
+      .store =
+          [this, store, nameless] {
+            std::string refusal = store();
+            *nameless = !refusal.empty();
+            if (!cell_closes_) {
+              grid_->GiveUpEdit();
+            }
+            return refusal;
+          },
+      .discard = [this] { grid_->GiveUpEdit(); },
+      // A cell without a name is stored and closed; the name is typed in its box.
+      .stay = [this, nameless] { *nameless ? TakeFocus(*name_) : grid_->ReturnToEdit(); }};
+  cell_closes_ = true;
+  if (!gate_.Leave(edit) && !gate_.IsStored(grid_)) {
+    grid_->KeepEditor();
+  }
+  cell_closes_ = false;
+}
+
+// All of them.
+
+void RecordFormPage::KeepOpenEdits() {
+  if (!gate_.Holds(grid_)) {
+    grid_->FinishEdit();
+  }
+  for (FilteredEdit* const box : Boxes()) {
+    if (!gate_.Holds(box) && box->Text() != StoredText(*box)) {
+      Leave(*box);
+    }
+  }
+  if (MayWrite()) {
+    LeaveOwnFields();
+  }
+}
+
+bool RecordFormPage::LeaveEdits(MayStay may_stay) {
+  if (database_ == nullptr) {
+    return true;
+  }
+  KeepOpenEdits();
+  return gate_.Settle(may_stay);
+}
+
+std::vector<LostEdit> RecordFormPage::EndEdits() {
+  if (database_ == nullptr) {
+    return {};
+  }
+  KeepOpenEdits();
+  std::vector<LostEdit> lost = gate_.Drop();
+  for (LostEdit& edit : lost) {
+    edit.what = std::string(traits_.noun) + " " + std::to_string(position_) + " (" + stored_.name +
+                "), " + edit.what;
+  }
+  ForgetEdits();
+  ShowStored();
+  return lost;
+}
+
+void RecordFormPage::ForgetEdits() {
+  gate_.Forget();
+  grid_->GiveUpEdit();
+}
+
+}  // namespace vrx

@@ -1,0 +1,339 @@
+#include "desktop/records/record_form_page.h"
+
+#include <QHBoxLayout>
+#include <QSignalBlocker>
+#include <QVBoxLayout>
+#include <utility>
+
+#include "base/text.h"
+#include "desktop/app/caption_pass.h"
+#include "desktop/records/field_boxes.h"
+#include "presenter/record_actions.h"
+#include "presenter/report_failure.h"
+#include "settings/settings.h"
+#include "widgets/field_box.h"
+#include "widgets/main_window_layout.h"
+#include "widgets/qt_text.h"
+
+namespace vrx {
+namespace {
+
+constexpr int kIdCaption = 1054;
+constexpr int kDescriptionCaption = 1055;  // not in the table: the label keeps its own text
+constexpr int kNameCaption = 1056;
+
+constexpr std::string_view kName = "Name";
+constexpr std::string_view kDescription = "Description";
+// Their columns in the grid of either kind.
+constexpr std::size_t kNameColumn = 1;
+constexpr std::size_t kDescriptionColumn = 2;
+
+int TargetOf(NavigateButton button, int position, int count) {
+  switch (button) {
+    case kNavigateFirst:
+      return 1;
+    case kNavigatePrevious:
+      return position < 2 ? count : position - 1;
+    case kNavigateNext:
+      return position == count ? 1 : position + 1;
+    case kNavigateLast:
+      break;
+  }
+  return count;
+}
+
+QCheckBox* AddCheckBox(QWidget* page, const char* name, const QString& caption) {
+  auto* const box = new QCheckBox(caption, page);
+  box->setObjectName(QString::fromLatin1(name));
+  return box;
+}
+
+}  // namespace
+
+RecordFormPage::RecordFormPage(RecordPorts ports, Design design, QWidget* parent)
+    : RecordPage(parent),
+      ports_(std::move(ports)),
+      design_(std::move(design)),
+      traits_(TraitsOf(design_.kind)),
+      gate_(ports_.feed.op) {
+  setObjectName(QString::fromLatin1(design_.page));
+  MakeControls();
+  LayOut();
+  Connect();
+}
+
+void RecordFormPage::MakeControls() {
+  id_list_ = new RecordIdList(QString::fromLatin1(design_.id_list), traits_.count, this);
+  name_ = MakeNameBox(FieldOf(design_.kind, kName), design_.name, ports_.abbreviation, this);
+  description_ = MakeDescriptionBox(design_.description, ports_.abbreviation, this);
+  number_ = MakeFieldBox(FieldOf(design_.kind, design_.number_field), design_.number, this);
+  number_->setAlignment(Qt::AlignRight);
+  view_all_ = AddCheckBox(this, design_.view_all, design_.view_all_caption);
+  view_all_->setChecked(true);
+  active_only_ = AddCheckBox(this, design_.active_only, design_.active_only_caption);
+  grid_ = new RecordListGrid(design_.kind, QString::fromLatin1(design_.grid), design_.columns,
+                             design_.empty_grid, this);
+  grid_->setAccessibleName(view_all_->text());
+}
+
+QLabel* RecordFormPage::Caption(const char* name, int caption, QWidget* buddy) {
+  QLabel* const label = AddLabel(*this, name, caption);
+  label->setBuddy(buddy);
+  return label;
+}
+
+void RecordFormPage::LayOut() {
+  form_ = new QGridLayout;
+  form_->setHorizontalSpacing(kSpacing);
+  form_->setVerticalSpacing(kSpacing);
+  constexpr int kGap = kFreeColumn - 1;
+  constexpr int kRest = kFreeColumn + 2;
+  form_->setColumnMinimumWidth(kGap, 2 * kGroupSpacing);
+  form_->setColumnStretch(kRest, 1);
+  QLabel* const description = Caption("lblDescription", kDescriptionCaption, description_);
+  description->setText(QStringLiteral("Description"));
+  form_->addWidget(Caption("lblID", kIdCaption, id_list_), kIdRow, 0);
+  form_->addWidget(id_list_, kIdRow, 1);
+  form_->addWidget(Caption("lblName", kNameCaption, name_), kNameRow, 0);
+  form_->addWidget(name_, kNameRow, 1, Qt::AlignLeft);
+  form_->addWidget(description, kDescriptionRow, 0);
+  form_->addWidget(description_, kDescriptionRow, 1, Qt::AlignLeft);
+  form_->addWidget(Caption("lblNumber", design_.number_caption, number_), kNumberRow, 0);
+  number_row_ = new QHBoxLayout;
+  number_row_->setSpacing(kSpacing);
+  number_row_->addWidget(number_);
+  form_->addLayout(number_row_, kNumberRow, 1, 1, -1);
+
+  auto* const choices = new QHBoxLayout;
+  choices->setSpacing(kGroupSpacing);
+  choices->addWidget(view_all_);
+  choices->addWidget(active_only_);
+  choices->addStretch();
+  auto* const list = new QVBoxLayout;
+  list->setSpacing(kSpacing);
+  list->addLayout(choices);
+  list->addWidget(grid_, 1);
+  auto* const page = new QVBoxLayout(this);
+  page->setContentsMargins(kGroupSpacing, kGroupSpacing, kGroupSpacing, kGroupSpacing);
+  page->setSpacing(kGroupSpacing);
+  page->addLayout(form_);
+  page->addLayout(list, 1);
+}
+
+void RecordFormPage::TabBehindNumber(std::initializer_list<QWidget*> controls) {
+  QWidget* last = number_;
+  for (QWidget* const control : controls) {
+    setTabOrder(last, control);
+    last = control;
+  }
+}
+
+void RecordFormPage::Connect() {
+  connect(id_list_, &QComboBox::activated, this, &RecordFormPage::ChooseItem);
+  connect(id_list_, &RecordIdList::Typed, description_, [this] { description_->setFocus(); });
+  const auto beep = [this] { BeepIfEnabled(ports_.feed.op, ports_.feed.settings); };
+  for (FilteredEdit* const box : Boxes()) {
+    connect(box, &FilteredEdit::Left, this, [this, box] { Leave(*box); });
+    connect(box, &FilteredEdit::Refused, this, beep);
+  }
+  connect(grid_, &RecordListGrid::Refused, this, beep);
+  connect(grid_, &RecordListGrid::RowChosen, this, &RecordFormPage::ChooseRow);
+  connect(
+      &grid_->Model(), &RecordListModel::Typed, this,
+      [this](int /*id*/, const std::string& field, const QString& text) { RowTyped(field, text); });
+  grid_->SetLeaving([this] { return LeaveEdits(MayStay::kYes); });
+  connect(view_all_, &QCheckBox::toggled, this, [this] {
+    ChooseView(*view_all_, [this] { grid_->setVisible(view_all_->isChecked()); });
+  });
+  connect(active_only_, &QCheckBox::toggled, this,
+          [this] { ChooseView(*active_only_, [this] { RefreshGrid(); }); });
+}
+
+// What the page stands on.
+
+void RecordFormPage::Rebind(DatabaseKind kind, const BoundDatabase& database) {
+  if (kind != DatabaseKind::kRecipe) {
+    return;
+  }
+  ForgetEdits();
+  ShowStored();
+  database_ = database.connection.get();
+  blank_ = database.blank;
+  read_only_ = !database.read_only_note.empty();
+  ShowReadOnly(ToQString(database.read_only_note));
+  Q_EMIT WritingAllowed(!read_only_);
+  FillIdList([] {});
+  GoTo(1);
+  RefreshGrid();
+  CameToAnother();
+}
+
+void RecordFormPage::ReleaseViews() {
+  ForgetEdits();
+  database_ = nullptr;
+}
+
+void RecordFormPage::ShowReadOnly(const QString& reason) {
+  for (FilteredEdit* const box : Boxes()) {
+    box->setReadOnly(!reason.isEmpty());
+    box->setToolTip(reason);
+  }
+  grid_->Model().SetReadOnly(!reason.isEmpty());
+}
+
+void RecordFormPage::FillIdList(const std::function<void()>& filled) {
+  for (const RecordRow& row : ReadRows(false)) {
+    const bool active = !row.cells.at(kDescriptionColumn).isEmpty();
+    id_list_->SetItem(row.id, active ? row.cells.at(kNameColumn).toStdString() : std::string());
+    filled();
+  }
+}
+
+void RecordFormPage::LoadIdLists() {
+  if (!HasDatabase()) {
+    return;
+  }
+  grid_->hide();
+  FillIdList(ports_.record_loaded);
+  GoTo(1);
+  grid_->setVisible(view_all_->isChecked());
+}
+
+void RecordFormPage::Prepare() {
+  GoTo(1);
+  RefreshGrid();
+}
+
+// The position.
+
+// The way to another record for the program: an edit that is still open does not hold it.
+void RecordFormPage::GoTo(int position) {
+  if (database_ == nullptr || position <= 0) {
+    return;
+  }
+  LeaveEdits(MayStay::kNo);
+  if (Show(position)) {
+    ShowAllRecords();
+    grid_->Select(position_);
+  }
+}
+
+bool RecordFormPage::Show(int position) {
+  const bool read = HandleEditEvent(ports_.feed.op, [&] { ReadRecord(position); });
+  if (read) {
+    ForgetEdits();
+  }
+  const bool another = read && position != position_;
+  position_ = read ? position : position_;
+  id_list_->setCurrentIndex(position_);
+  grid_->Select(position_);
+  if (another) {
+    CameToAnother();
+  }
+  if (read) {
+    Q_EMIT Moved(Position());
+  }
+  return read;
+}
+
+// The blank item is no choice.
+void RecordFormPage::ChooseItem(int list_index) {
+  if (list_index == 0 || !LeaveEdits(MayStay::kYes)) {
+    id_list_->setCurrentIndex(position_);
+    return;
+  }
+  GoTo(list_index);
+}
+
+// The list of the active records stays: its rows are found by their ID.
+void RecordFormPage::ChooseRow(int id) {
+  if (LeaveEdits(MayStay::kYes)) {
+    Show(id);
+  } else {
+    grid_->Select(position_);
+  }
+}
+
+// What the grid shows changes with the box, and a cell that is being edited would go with it.
+void RecordFormPage::ChooseView(QCheckBox& box, const std::function<void()>& show) {
+  if (LeaveEdits(MayStay::kYes)) {
+    show();
+  } else {
+    const QSignalBlocker silent(box);
+    box.setChecked(!box.isChecked());
+  }
+}
+
+void RecordFormPage::Navigate(NavigateButton button) {
+  if (Commit()) {
+    GoTo(TargetOf(button, position_, traits_.count));
+    RefreshGrid();
+  }
+}
+
+// What is stored.
+
+void RecordFormPage::Store() {
+  if (!MayWrite()) {
+    return;
+  }
+  const bool changed = StoreRecordOnShow();
+  if (changed) {
+    ports_.record_changed();
+  }
+  RefreshGrid();
+  Stored();
+}
+
+bool RecordFormPage::Commit() {
+  return HandleEditEvent(ports_.feed.op, [this] { Store(); });
+}
+
+void RecordFormPage::RefreshGrid() {
+  if (database_ != nullptr) {
+    HandleEditEvent(ports_.feed.op,
+                    [this] { grid_->Show(ReadRows(active_only_->isChecked()), position_); });
+  }
+}
+
+void RecordFormPage::CancelRecord() {
+  ForgetEdits();
+  ShowStored();
+  GoTo(position_);
+  RefreshGrid();
+  Stored();
+}
+
+void RecordFormPage::DefaultRecord() {
+  if (!MayWrite()) {
+    return;
+  }
+  const ResetOutcome outcome = AskAndReset(*database_, design_.kind, position_, ports_.feed);
+  if (outcome == ResetOutcome::kReset) {
+    ports_.record_changed();
+  }
+  if (outcome != ResetOutcome::kNotReset) {
+    ForgetEdits();
+    ShowStored();
+    GoTo(position_);
+    RefreshGrid();
+    id_list_->SetItem(position_);
+  }
+  AnsweredDefault(outcome);
+}
+
+void RecordFormPage::ShowTexts(std::string_view name, std::string_view description,
+                               std::string_view number) {
+  stored_ = {.name = std::string(name),
+             .description = std::string(description),
+             .number = std::string(number)};
+  ShowStored();
+}
+
+void RecordFormPage::ShowStored() {
+  SetIfOther(*name_, stored_.name);
+  SetIfOther(*description_, stored_.description);
+  SetIfOther(*number_, stored_.number);
+}
+
+}  // namespace vrx

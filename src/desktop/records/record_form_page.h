@@ -1,0 +1,181 @@
+#pragma once
+
+#include <QCheckBox>
+#include <QGridLayout>
+#include <QLabel>
+#include <array>
+#include <functional>
+#include <initializer_list>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "base/date.h"
+#include "desktop/records/edit_gate.h"
+#include "desktop/records/record_id_list.h"
+#include "desktop/records/record_list.h"
+#include "desktop/records/record_page.h"
+#include "feed/record_kind.h"
+#include "feed/record_reset.h"
+#include "widgets/fields.h"
+
+namespace vrx {
+
+// Keeps the cursor where nothing changes.
+void SetIfOther(FilteredEdit& box, std::string_view text);
+
+// The page of a kind of record that is one form: an ID list, name, description and a number in
+// boxes, and below them the grid of all records of the kind.
+//
+// A box is stored when the focus leaves it, and what it holds by then is in the file. What could
+// not be stored stays in its box.
+class RecordFormPage : public RecordPage {
+  Q_OBJECT
+
+ public:
+  bool LeaveEdits(MayStay may_stay) override;
+  std::vector<LostEdit> EndEdits() override;
+  void Prepare() override;
+  void Rebind(DatabaseKind kind, const BoundDatabase& database) override;
+  void ReleaseViews() override;
+  void LoadIdLists() override;
+
+  void UpdateRecord() override { Commit(); }
+  void CancelRecord() override;
+  void DefaultRecord() override;
+  void Navigate(NavigateButton button) override;
+  void GoTo(int position) override;
+  int Position() const override { return database_ == nullptr || blank_ ? 0 : position_; }
+
+ protected:
+  // The names of a kind's controls, and what is told of them.
+  struct Design {
+    RecordKind kind;
+    const char* page;
+    const char* id_list;
+    const char* name;
+    const char* description;
+    const char* number;
+    std::string_view number_field;
+    int number_caption;  // of the caption table
+    const char* view_all;
+    QString view_all_caption;
+    const char* active_only;
+    QString active_only_caption;
+    const char* grid;
+    std::vector<RecordColumn> columns;
+    QString empty_grid;
+  };
+
+  RecordFormPage(RecordPorts ports, Design design, QWidget* parent);
+
+  // The part of a kind. The first three throw.
+  //
+  // Shows a record in its boxes.
+  virtual void ReadRecord(int id) = 0;
+  // Shows the record as it was read or stored last, without the database.
+  virtual void ShowStored();
+  // Stores what the boxes hold, and shows what came of it. Returns whether the file had to change.
+  virtual bool StoreRecordOnShow() = 0;
+  // The fields of the kind alone are left.
+  virtual void LeaveOwnFields() {}
+  virtual std::vector<RecordRow> ReadRows(bool active_only) = 0;
+  // The record on show was stored, or read anew.
+  virtual void Stored() {}
+  // The record on show is another one, or one of another database.
+  virtual void CameToAnother() {}
+  // The operator has answered the question of `Default`.
+  virtual void AnsweredDefault(ResetOutcome /*outcome*/) {}
+  // The file may not be written, for that reason; or it may again, for none.
+  virtual void ShowReadOnly(const QString& reason);
+
+  const RecordPorts& Ports() const { return ports_; }
+  bool HasDatabase() const { return database_ != nullptr; }
+  SQLite::Database& Database() const { return *database_; }
+  int Id() const { return position_; }
+  QGridLayout& FormLayout() const { return *form_; }
+  QBoxLayout& NumberRow() const { return *number_row_; }
+  RecordListGrid& Grid() const { return *grid_; }
+  bool MayWrite() const { return Position() != 0 && !read_only_; }
+
+  // Rows of FormLayout.
+  enum FormRow { kIdRow, kNameRow, kDescriptionRow, kNumberRow };
+  // The first of its two columns that the kind may use; what is left over is behind them.
+  static constexpr int kFreeColumn = 3;
+
+  std::array<FilteredEdit*, 3> Boxes() const { return {name_, description_, number_}; }
+  std::string NameText() const { return name_->Text(); }
+  std::string DescriptionText() const { return description_->Text(); }
+  std::string NumberText() const { return number_->Text(); }
+  void ShowTexts(std::string_view name, std::string_view description, std::string_view number);
+
+  // A field of the kind alone is left.
+  void LeaveOwnField(QWidget& field, std::string_view name, std::string text,
+                     std::function<void()> discard, bool entered);
+  // The edit of that field could not be stored, and is to be asked about.
+  bool Keeps(const QWidget& field) const { return gate_.Holds(&field); }
+  void RefreshGrid();
+  bool ActiveOnly() const { return active_only_->isChecked(); }
+  void ShowAllRecords() { active_only_->setChecked(false); }
+  QLabel* Caption(const char* name, int caption, QWidget* buddy);
+
+  // The Tab key goes from the number to these, and from the last of them on to the list.
+  void TabBehindNumber(std::initializer_list<QWidget*> controls);
+
+ private:
+  void MakeControls();
+  void LayOut();
+  void Connect();
+
+  // Stores the record, or does nothing where there is none to write. Throws.
+  void Store();
+  // False: that failed, and was reported.
+  bool Commit();
+
+  using StoreField = std::function<std::string()>;
+  std::string StoreName();
+  void LeaveBox(FilteredEdit& box, std::string_view field, StoreField store);
+  void Leave(FilteredEdit& box);
+  void LeaveName();
+  void LeaveDescription();
+  void LeaveNumber();
+  void RowTyped(const std::string& field, const QString& text);
+  void KeepOpenEdits();
+  void ForgetEdits();
+
+  void ChooseItem(int list_index);
+  void ChooseRow(int id);
+  void ChooseView(QCheckBox& box, const std::function<void()>& show);
+  bool Show(int position);
+  std::string Left(std::string_view field, std::string_view text) const;
+  const std::string& StoredText(const FilteredEdit& box) const;
+  void FillIdList(const std::function<void()>& filled);
+
+  RecordPorts ports_;
+  const Design design_;
+  const RecordKindTraits& traits_;
+  SQLite::Database* database_ = nullptr;
+  bool blank_ = true;
+  bool read_only_ = false;
+  int position_ = 1;
+  struct Texts {
+    std::string name;
+    std::string description;
+    std::string number;
+  };
+  Texts stored_;
+  EditGate gate_;
+  bool cell_closes_ = false;  // the grid is about to close the editor of a cell
+
+  RecordIdList* id_list_ = nullptr;
+  FilteredEdit* name_ = nullptr;
+  FilteredEdit* description_ = nullptr;
+  FilteredEdit* number_ = nullptr;
+  QCheckBox* view_all_ = nullptr;
+  QCheckBox* active_only_ = nullptr;
+  RecordListGrid* grid_ = nullptr;
+  QGridLayout* form_ = nullptr;
+  QBoxLayout* number_row_ = nullptr;
+};
+
+}  // namespace vrx

@@ -1,0 +1,292 @@
+#include "desktop/records/record_list.h"
+
+#include <QHeaderView>
+#include <QPainter>
+#include <QStyledItemDelegate>
+#include <algorithm>
+#include <utility>
+
+#include "widgets/field_box.h"
+#include "widgets/main_window_layout.h"
+#include "widgets/padded_header.h"
+
+namespace vrx {
+
+RecordListModel::RecordListModel(std::vector<RecordColumn> columns, QObject* parent)
+    : QAbstractTableModel(parent), columns_(std::move(columns)) {}
+
+void RecordListModel::Show(std::vector<RecordRow> rows) {
+  const bool same_records =
+      std::equal(rows.begin(), rows.end(), rows_.begin(), rows_.end(),
+                 [](const RecordRow& one, const RecordRow& other) { return one.id == other.id; });
+  if (!same_records) {
+    beginResetModel();
+    rows_ = std::move(rows);
+    endResetModel();
+    return;
+  }
+  rows_ = std::move(rows);
+  if (!rows_.empty()) {
+    Q_EMIT dataChanged(index(0, 0), index(rowCount() - 1, columnCount() - 1));
+  }
+}
+
+void RecordListModel::SetCaption(const std::string& field, const QString& caption) {
+  const auto column = std::find_if(columns_.begin(), columns_.end(),
+                                   [&](const RecordColumn& row) { return row.field == field; });
+  column->caption = caption;
+  const int section = static_cast<int>(column - columns_.begin());
+  Q_EMIT headerDataChanged(Qt::Horizontal, section, section);
+}
+
+int RecordListModel::RowOf(int id) const {
+  const auto row =
+      std::lower_bound(rows_.begin(), rows_.end(), id,
+                       [](const RecordRow& record, int wanted) { return record.id < wanted; });
+  return row == rows_.end() || row->id != id ? -1 : static_cast<int>(row - rows_.begin());
+}
+
+int RecordListModel::rowCount(const QModelIndex& parent) const {
+  return parent.isValid() ? 0 : static_cast<int>(rows_.size());
+}
+
+int RecordListModel::columnCount(const QModelIndex& parent) const {
+  return parent.isValid() ? 0 : static_cast<int>(columns_.size());
+}
+
+// Ctrl+C asks for the current cell also where there is none.
+QVariant RecordListModel::data(const QModelIndex& index, int role) const {
+  if (!index.isValid()) {
+    return {};
+  }
+  switch (role) {
+    case Qt::DisplayRole:
+    case Qt::EditRole:
+      return rows_.at(static_cast<std::size_t>(index.row()))
+          .cells.at(static_cast<std::size_t>(index.column()));
+    case Qt::TextAlignmentRole:
+      return static_cast<int>((Column(index.column()).number ? Qt::AlignRight : Qt::AlignLeft) |
+                              Qt::AlignVCenter);
+    default:
+      return {};
+  }
+}
+
+QVariant RecordListModel::headerData(int section, Qt::Orientation orientation, int role) const {
+  if (orientation != Qt::Horizontal) {
+    return {};
+  }
+  switch (role) {
+    case Qt::DisplayRole:
+      return Column(section).caption;
+    case Qt::TextAlignmentRole:
+      return static_cast<int>((Column(section).number ? Qt::AlignRight : Qt::AlignLeft) |
+                              Qt::AlignVCenter);
+    default:
+      return {};
+  }
+}
+
+Qt::ItemFlags RecordListModel::flags(const QModelIndex& index) const {
+  const Qt::ItemFlags flags = QAbstractTableModel::flags(index);
+  const bool typed = index.isValid() && !read_only_ && Column(index.column()).typed;
+  return typed ? flags | Qt::ItemIsEditable : flags;
+}
+
+bool RecordListModel::setData(const QModelIndex& index, const QVariant& value, int role) {
+  if (role != Qt::EditRole || value == data(index, role)) {
+    return false;
+  }
+  Q_EMIT Typed(IdOf(index.row()), Column(index.column()).field, value.toString());
+  return true;
+}
+
+// Cells are typed into through boxes that drop what the form's boxes drop.
+class RecordListGrid::CellDelegate : public QStyledItemDelegate {
+ public:
+  explicit CellDelegate(RecordListGrid* grid) : QStyledItemDelegate(grid), grid_(grid) {}
+
+  QWidget* createEditor(QWidget* parent, const QStyleOptionViewItem& /*option*/,
+                        const QModelIndex& index) const override {
+    const RecordColumn& column = grid_->Model().Column(index.column());
+    const RecordField& field = FieldOf(grid_->kind_, column.field);
+    auto* const box = new FilteredEdit(
+        [filter = field.filter](std::string_view /*text*/, int key) { return filter(key); },
+        static_cast<int>(field.limit), parent);
+    box->setFrame(false);
+    box->setAutoFillBackground(true);
+    box->setAlignment(column.number ? Qt::AlignRight : Qt::AlignLeft);
+    box->setAccessibleName(column.caption);
+    connect(box, &FilteredEdit::Refused, grid_, &RecordListGrid::Refused);
+    return box;
+  }
+
+  // Runs as well whenever the cell changes beneath its editor: what has been typed stays.
+  void setEditorData(QWidget* editor, const QModelIndex& index) const override {
+    auto& box = *static_cast<FilteredEdit*>(editor);
+    if (!box.isModified()) {
+      box.setText(index.data(Qt::EditRole).toString());
+    }
+  }
+
+  void setModelData(QWidget* editor, QAbstractItemModel* model,
+                    const QModelIndex& index) const override {
+    model->setData(index, static_cast<FilteredEdit*>(editor)->text(), Qt::EditRole);
+  }
+
+ protected:
+  bool eventFilter(QObject* editor, QEvent* event) override {
+    if (event->type() == QEvent::KeyPress && TurnsTabs(*static_cast<QKeyEvent*>(event))) {
+      return false;
+    }
+    // The cell is left for another field; another window takes the focus only for a while.
+    if (event->type() == QEvent::FocusOut && !LeavesField(*static_cast<QFocusEvent*>(event))) {
+      return false;
+    }
+    return QStyledItemDelegate::eventFilter(editor, event);
+  }
+
+  void initStyleOption(QStyleOptionViewItem* option, const QModelIndex& index) const override {
+    QStyledItemDelegate::initStyleOption(option, index);
+    option->text = PaddedHeader::Padded(option->text);
+  }
+
+ private:
+  RecordListGrid* grid_;
+};
+
+RecordListGrid::RecordListGrid(RecordKind kind, const QString& name,
+                               std::vector<RecordColumn> columns, QString empty_text,
+                               QWidget* parent)
+    : QTableView(parent),
+      kind_(kind),
+      model_(new RecordListModel(std::move(columns), this)),
+      empty_text_(std::move(empty_text)) {
+  setObjectName(name);
+  setModel(model_);
+  setItemDelegate(new CellDelegate(this));
+  setSelectionBehavior(SelectRows);
+  setSelectionMode(SingleSelection);
+  setEditTriggers(DoubleClicked | EditKeyPressed | AnyKeyPressed);
+  setTabKeyNavigation(false);
+  setAlternatingRowColors(true);
+  setWordWrap(false);
+  setCornerButtonEnabled(false);
+  verticalHeader()->hide();
+  verticalHeader()->setDefaultSectionSize(fontMetrics().height() + kSpacing);
+  setHorizontalHeader(new PaddedHeader(this));
+  QSizePolicy keeps_place = sizePolicy();
+  keeps_place.setRetainSizeWhenHidden(true);
+  setSizePolicy(keeps_place);
+  SizeColumns();
+}
+
+// As wide as what a field may hold, whatever the records are.
+void RecordListGrid::SizeColumns() {
+  for (int column = 0; column < model_->columnCount(); ++column) {
+    const RecordColumn& row = model_->Column(column);
+    const int caption = horizontalHeader()->sectionSizeHint(column) + kGroupSpacing;
+    const int text = row.typed ? WidthFor(*this, FieldOf(kind_, row.field).limit) : 0;
+    setColumnWidth(column, std::max(caption, text));
+  }
+}
+
+void RecordListGrid::SetCaption(const std::string& field, const QString& caption) {
+  model_->SetCaption(field, caption);
+  SizeColumns();
+}
+
+void RecordListGrid::Show(std::vector<RecordRow> rows, int id) {
+  const bool was_by_program = std::exchange(by_program_, true);
+  model_->Show(std::move(rows));
+  by_program_ = was_by_program;
+  viewport()->update();
+  Select(id);
+}
+
+void RecordListGrid::Select(int id) {
+  const bool was_by_program = std::exchange(by_program_, true);
+  const int row = model_->RowOf(id);
+  if (row < 0) {
+    setCurrentIndex({});
+    clearSelection();
+  } else if (row != currentIndex().row()) {
+    setCurrentIndex(model_->index(row, std::max(0, currentIndex().column())));
+  }
+  by_program_ = was_by_program;
+}
+
+void RecordListGrid::currentChanged(const QModelIndex& current, const QModelIndex& previous) {
+  QTableView::currentChanged(current, previous);
+  if (!by_program_ && current.isValid() && current.row() != previous.row()) {
+    Q_EMIT RowChosen(model_->IdOf(current.row()));
+  }
+}
+
+void RecordListGrid::closeEditor(QWidget* editor, QAbstractItemDelegate::EndEditHint hint) {
+  if (std::exchange(keeps_editor_, false) && hint != QAbstractItemDelegate::RevertModelCache) {
+    return;
+  }
+  QTableView::closeEditor(editor, hint);
+}
+
+void RecordListGrid::FinishEdit() {
+  if (IsEditing()) {
+    QWidget* const editor = indexWidget(currentIndex());
+    commitData(editor);
+    closeEditor(editor, QAbstractItemDelegate::NoHint);
+  }
+}
+
+void RecordListGrid::GiveUpEdit() {
+  if (IsEditing()) {
+    closeEditor(indexWidget(currentIndex()), QAbstractItemDelegate::RevertModelCache);
+  }
+}
+
+void RecordListGrid::ReturnToEdit() {
+  QWidget* const editor = IsEditing() ? indexWidget(currentIndex()) : nullptr;
+  (editor == nullptr ? this : editor)->setFocus();
+}
+
+// Keys that an editor does not take would move the grid away from it.
+void RecordListGrid::keyPressEvent(QKeyEvent* event) {
+  switch (event->key()) {
+    case Qt::Key_Up:
+    case Qt::Key_Down:
+    case Qt::Key_PageUp:
+    case Qt::Key_PageDown:
+      FinishEdit();
+      break;
+    default:
+      QTableView::keyPressEvent(event);
+      return;
+  }
+  if (IsEditing()) {
+    event->accept();
+  } else {
+    QTableView::keyPressEvent(event);
+  }
+}
+
+void RecordListGrid::mousePressEvent(QMouseEvent* event) {
+  const QModelIndex cell = indexAt(event->position().toPoint());
+  const bool elsewhere = cell != currentIndex();
+  if (elsewhere && (IsEditing() || cell.row() != currentIndex().row()) && leave_ && !leave_()) {
+    event->accept();
+    return;
+  }
+  QTableView::mousePressEvent(event);
+}
+
+void RecordListGrid::paintEvent(QPaintEvent* event) {
+  QTableView::paintEvent(event);
+  if (model_->rowCount() == 0) {
+    QPainter painter(viewport());
+    painter.setPen(palette().color(QPalette::PlaceholderText));
+    painter.drawText(viewport()->rect().adjusted(kGroupSpacing, kGroupSpacing, -kGroupSpacing, 0),
+                     Qt::AlignHCenter | Qt::AlignTop | Qt::TextWordWrap, empty_text_);
+  }
+}
+
+}  // namespace vrx

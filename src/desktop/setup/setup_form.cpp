@@ -1,0 +1,256 @@
+#include "desktop/setup/setup_form.h"
+
+#include <QFormLayout>
+#include <QHBoxLayout>
+#include <QTimer>
+#include <QVBoxLayout>
+#include <utility>
+
+#include "base/encoding.h"
+#include "base/files.h"
+#include "desktop/app/caption_pass.h"
+#include "desktop/setup/setup_sections.h"
+#include "presenter/setup_views.h"
+#include "widgets/choice_list.h"
+#include "widgets/main_window_layout.h"
+#include "widgets/qt_text.h"
+
+namespace vrx {
+namespace {
+
+enum SetupTab : int {
+  kDatabaseTab,
+  kApplicationTab,
+  kIniFileTab,
+  kTransactionFileTab,
+  kOptionsTab,
+  kConnectionsTab,
+  kModuleTab,
+};
+
+constexpr QSize kFormSize{720, 480};
+constexpr int kTitleCaption = 1038;
+constexpr int kRecipeDatabaseCaption = 1070;
+constexpr int kTransactionDatabaseCaption = 1071;
+constexpr int kFilenameCaption = 1097;
+constexpr int kContentsCaption = 1098;
+constexpr int kIniInfoCaption = 1117;
+
+QVBoxLayout* TabLayout(QWidget& page) {
+  auto* const column = new QVBoxLayout(&page);
+  column->setContentsMargins(kGroupSpacing, kGroupSpacing, kGroupSpacing, kGroupSpacing);
+  column->setSpacing(kGroupSpacing);
+  return column;
+}
+
+QLineEdit* MakePath(const char* name, const QString& meaning) {
+  auto* const path = new QLineEdit;
+  path->setObjectName(QString::fromLatin1(name));
+  path->setAccessibleName(meaning);
+  path->setReadOnly(true);
+  return path;
+}
+
+}  // namespace
+
+SetupForm::SetupForm(const Ports& ports, SetupFacts facts, QWidget* owner)
+    : QDialog(owner),
+      ports_(ports),
+      facts_(std::move(facts)),
+      tab_setup_folder_(new QTabWidget(this)),
+      module_tab_(new SetupModuleTab({.op = ports.op,
+                                      .settings = ports.settings,
+                                      .krm = ports.krm,
+                                      .data_folder = ports.data_folder})),
+      cmd_ok_(new QPushButton(QStringLiteral("OK"), this)) {
+  setObjectName(QStringLiteral("SETUP"));
+  SetTag(*this, kTitleCaption);
+  tab_setup_folder_->setObjectName(QStringLiteral("tabSetupFolder"));
+  tab_setup_folder_->setAccessibleName(QStringLiteral("Setup"));
+  cmd_ok_->setObjectName(QStringLiteral("cmdOK"));
+  cmd_ok_->setDefault(true);
+
+  tab_setup_folder_->addTab(MakeDatabaseTab(), QStringLiteral("Database"));
+  tab_setup_folder_->addTab(MakeApplicationTab(), QStringLiteral("Application"));
+  tab_setup_folder_->addTab(MakeFileTab("frmOptIniPath", txt_ini_path_, "txtIniPath",
+                                        txt_ini_file_data_, "txtIniFileData"),
+                            QStringLiteral("INI File"));
+  QWidget& ini_page = *tab_setup_folder_->widget(kIniFileTab);
+  ini_page.layout()->addWidget(AddLabel(ini_page, "lblIniInfo", kIniInfoCaption));
+  tab_setup_folder_->addTab(MakeFileTab("frmTransFile", txt_qxt_path_, "txtQxtPath",
+                                        txt_qxt_file_data_, "txtQxtFileData"),
+                            QStringLiteral("Transaction File"));
+  tab_setup_folder_->addTab(MakeOptionsTab(), QStringLiteral("Options"));
+  tab_setup_folder_->addTab(MakeConnectionsTab(), QStringLiteral("Data Connections"));
+  tab_setup_folder_->addTab(module_tab_, QStringLiteral("KRM Setup"));
+
+  auto* const column = new QVBoxLayout(this);
+  column->setSpacing(kSpacing);
+  column->addWidget(tab_setup_folder_, 1);
+  column->addWidget(cmd_ok_, 0, Qt::AlignRight);
+  resize(kFormSize);
+
+  ApplyCaptionTable(*this);
+  ShowHeadings(*this);
+  LoadControls();
+  FillTab(kDatabaseTab);
+  for (TextView* const view : findChildren<TextView*>()) {
+    view->PassFocusTo(*cmd_ok_);
+  }
+  connect(tab_setup_folder_, &QTabWidget::currentChanged, this, [this](int tab) { FillTab(tab); });
+  connect(cmd_ok_, &QPushButton::clicked, this, [this] { TakeControls(); });
+}
+
+QWidget* SetupForm::MakeDatabaseTab() {
+  auto* const page = new QWidget;
+  QVBoxLayout* const column = TabLayout(*page);
+  const SetupSection paths = AddSection(*column, "frmPaths", QStringLiteral("Paths"));
+  txt_recipe_path_ = MakePath("txtRecipePath", QStringLiteral("Recipe Database"));
+  txt_transaction_path_ = MakePath("txtTransactionPath", QStringLiteral("Transaction Database"));
+  auto* const rows = new QFormLayout;
+  rows->setSpacing(kSpacing);
+  rows->addRow(AddLabel(*paths.frame, "lblRecipePath", kRecipeDatabaseCaption), txt_recipe_path_);
+  rows->addRow(AddLabel(*paths.frame, "lblTransactionPath", kTransactionDatabaseCaption),
+               txt_transaction_path_);
+  paths.content->addLayout(rows);
+
+  const SetupSection units = AddSection(*column, "frmWeightUnits", QStringLiteral("Weight Units"));
+  lst_system_uom_ = new ChoiceList;
+  lst_system_uom_->setObjectName(QStringLiteral("lstSystemUoM"));
+  lst_system_uom_->setAccessibleName(QStringLiteral("Weight Units"));
+  for (const std::string_view unit : kSystemUnitsList) {
+    lst_system_uom_->addItem(ToQString(unit));
+  }
+  units.content->addWidget(lst_system_uom_, 0, Qt::AlignLeft);
+  column->addStretch();
+  return page;
+}
+
+QWidget* SetupForm::MakeApplicationTab() {
+  auto* const page = new QWidget;
+  QVBoxLayout* const column = TabLayout(*page);
+  txt_app_path_ = MakePath("txtAppPath", QStringLiteral("Application"));
+  AddSection(*column, "frmApp", QStringLiteral("Application")).content->addWidget(txt_app_path_);
+  txt_associations_ = new TextView("txtAssociations", QStringLiteral("Document Viewers"), nullptr);
+  txt_associations_->setLineWrapMode(QPlainTextEdit::WidgetWidth);
+  AddSection(*column, "frmAssociation", QStringLiteral("Document Viewers"), 1)
+      .content->addWidget(txt_associations_);
+  return page;
+}
+
+QWidget* SetupForm::MakeFileTab(const char* frame_name, QLineEdit*& path, const char* path_name,
+                                TextView*& contents, const char* data_name) {
+  auto* const page = new QWidget;
+  page->setObjectName(QString::fromLatin1(frame_name));
+  QVBoxLayout* const column = TabLayout(*page);
+  column->setSpacing(kSpacing);
+  column->addWidget(AddLabel(*page, "lblFilename", kFilenameCaption));
+  path = MakePath(path_name, QStringLiteral("Filename"));
+  column->addWidget(path);
+  column->addWidget(AddLabel(*page, "lblContents", kContentsCaption));
+  contents = new TextView(data_name, QStringLiteral("File Contents"), page);
+  column->addWidget(contents, 1);
+  return page;
+}
+
+QWidget* SetupForm::MakeOptionsTab() {
+  auto* const page = new QWidget;
+  page->setObjectName(QStringLiteral("frmDisplaySettings"));
+  QVBoxLayout* const column = TabLayout(*page);
+  column->setSpacing(kSpacing);
+  for (std::size_t i = 0; i < kSetupOptionCount; ++i) {
+    const SetupOption& option = SetupOptions().at(i);
+    options_.at(i) = new QCheckBox(ToQString(option.caption), page);
+    options_.at(i)->setObjectName(ToQString(option.control));
+    column->addWidget(options_.at(i));
+  }
+  column->addStretch();
+  return page;
+}
+
+QWidget* SetupForm::MakeConnectionsTab() {
+  auto* const page = new QWidget;
+  QVBoxLayout* const column = TabLayout(*page);
+  const auto add = [&](const char* frame, const char* name, const QString& caption) {
+    auto* const view = new TextView(name, caption, nullptr);
+    AddSection(*column, frame, caption, 1).content->addWidget(view);
+    return view;
+  };
+  txt_rec_ctrl_ = add("frm1", "txtRecCtrl", QStringLiteral("Recipe Controls"));
+  txt_trans_ctrl_ = add("frm2", "txtTransCtrl", QStringLiteral("Transaction Controls"));
+  return page;
+}
+
+void SetupForm::LoadControls() {
+  const SetupControls controls = LoadSetupControls(ports_.settings);
+  lst_system_uom_->setCurrentIndex(controls.system_units);
+  module_tab_->Show(controls);
+  txt_associations_->ShowText(AssociationsText(ports_.system));
+  for (std::size_t i = 0; i < kSetupOptionCount; ++i) {
+    options_.at(i)->setChecked(controls.options.at(i));
+  }
+}
+
+void SetupForm::FillTab(int tab) {
+  switch (tab) {
+    case kDatabaseTab:
+      txt_recipe_path_->setText(ToQString(facts_.recipe_path));
+      txt_transaction_path_->setText(ToQString(facts_.transaction_path));
+      break;
+    case kApplicationTab:
+      txt_app_path_->setText(ToQString(ApplicationPath(ports_.system)));
+      break;
+    case kIniFileTab:
+      FillIniFile();
+      break;
+    case kTransactionFileTab:
+      txt_qxt_path_->setText(ToQString(facts_.qxt_path));
+      txt_qxt_file_data_->ShowText(TransactionFileText(Windows1252ToUtf8(facts_.qxt_text)));
+      break;
+    case kConnectionsTab:
+      txt_rec_ctrl_->ShowText(facts_.connections.recipe_controls);
+      txt_trans_ctrl_->ShowText(facts_.connections.transaction_controls);
+      break;
+    case kModuleTab:
+      module_tab_->Survey();
+      break;
+    default:
+      break;
+  }
+}
+
+void SetupForm::FillIniFile() {
+  txt_ini_path_->setText(ToQString(ports_.ini_file.string()));
+  try {
+    txt_ini_file_data_->ShowText(IniFileText(ports_.ini_file));
+  } catch (const FileError& failure) {
+    txt_ini_file_data_->ShowText(failure.what());
+  }
+}
+
+void SetupForm::TakeControls() {
+  SetupControls controls;
+  controls.system_units = lst_system_uom_->currentIndex();
+  module_tab_->Take(controls);
+  for (std::size_t i = 0; i < kSetupOptionCount; ++i) {
+    controls.options.at(i) = options_.at(i)->isChecked();
+  }
+  TakeSetupControls(controls, facts_.recipe_unit, facts_.transaction_unit, ports_.settings,
+                    ports_.op);
+  accept();
+}
+
+void SetupForm::done(int result) {
+  module_tab_->Abandon();
+  QDialog::done(result);
+}
+
+// Once on the screen, where the form keeps the operator from opening another one meanwhile.
+void SetupForm::showEvent(QShowEvent* event) {
+  QDialog::showEvent(event);
+  if (!std::exchange(link_reset_, true)) {
+    QTimer::singleShot(0, this, [this] { module_tab_->ResetLink(); });
+  }
+}
+
+}  // namespace vrx

@@ -1,0 +1,87 @@
+#pragma once
+
+#include <QCheckBox>
+#include <QComboBox>
+#include <QDialog>
+#include <QLineEdit>
+#include <QPushButton>
+#include <QTabWidget>
+#include <array>
+#include <filesystem>
+#include <string>
+
+#include "desktop/setup/setup_module_tab.h"
+#include "platform/system_info.h"
+#include "presenter/connection_texts.h"
+#include "widgets/text_view.h"
+
+namespace vrx {
+
+// What `SETUP` shows of the program as it stands when it opens. A path or unit is empty for a
+// database that is not open, and for a transaction file before any import.
+struct SetupFacts {
+  std::string recipe_path;
+  std::string recipe_unit;
+  std::string transaction_path;
+  std::string transaction_unit;
+  std::string qxt_path;
+  std::string qxt_text;  // bytes as they stand in the file
+  ConnectionTexts connections;
+};
+
+// The form `SETUP`, to be run modally. The settings change by `cmdOK`, some already by the commands
+// to the module. A command that runs when the form is closed ends ahead of it.
+class SetupForm : public QDialog {
+  Q_OBJECT
+
+ public:
+  // Everything outlives it.
+  struct Ports {
+    Operator& op;
+    const SystemInfo& system;
+    PrivateINI& settings;
+    KRMCOMM& krm;
+    std::filesystem::path data_folder;
+    std::filesystem::path ini_file;
+  };
+
+  SetupForm(const Ports& ports, SetupFacts facts, QWidget* owner);
+
+  void done(int result) override;
+
+ protected:
+  void showEvent(QShowEvent* event) override;
+
+ private:
+  QWidget* MakeDatabaseTab();
+  QWidget* MakeApplicationTab();
+  QWidget* MakeFileTab(const char* frame_name, QLineEdit*& path, const char* path_name,
+                       TextView*& contents, const char* data_name);
+  QWidget* MakeOptionsTab();
+  QWidget* MakeConnectionsTab();
+  void LoadControls();
+  void FillTab(int tab);
+  void FillIniFile();
+  void TakeControls();
+
+  Ports ports_;
+  SetupFacts facts_;
+  QTabWidget* tab_setup_folder_;
+  QLineEdit* txt_recipe_path_ = nullptr;
+  QLineEdit* txt_transaction_path_ = nullptr;
+  QComboBox* lst_system_uom_ = nullptr;
+  QLineEdit* txt_app_path_ = nullptr;
+  TextView* txt_associations_ = nullptr;
+  QLineEdit* txt_ini_path_ = nullptr;
+  TextView* txt_ini_file_data_ = nullptr;
+  QLineEdit* txt_qxt_path_ = nullptr;
+  TextView* txt_qxt_file_data_ = nullptr;
+  std::array<QCheckBox*, kSetupOptionCount> options_{};
+  TextView* txt_rec_ctrl_ = nullptr;
+  TextView* txt_trans_ctrl_ = nullptr;
+  SetupModuleTab* module_tab_;
+  QPushButton* cmd_ok_;
+  bool link_reset_ = false;
+};
+
+}  // namespace vrx

@@ -1,0 +1,254 @@
+#include "desktop/transfer/data_transfer_page.h"
+
+#include <exception>
+#include <string>
+
+#include "base/files.h"
+#include "link/rescue_file.h"
+#include "presenter/tell_failure.h"
+#include "widgets/qt_text.h"
+
+namespace vrx {
+
+DataTransferPage::DataTransferPage(const Ports& ports)
+    : ports_(ports),
+      op_(ports.op, [this] { Show(); }),
+      files_(op_, ports.files, ports.settings, transfer_,
+             [this](int file) { return ports_.krm.GL_KRM_FileAttributes(file); }),
+      upload_(ports.krm, transfer_, ports.pump, op_, ports.settings),
+      download_(ports.krm, ports.pump, op_, ports.settings),
+      direct_(ports.krm, transfer_, ports.pump, op_, ports.settings),
+      session_({.op = op_,
+                .settings = ports.settings,
+                .calendar = ports.calendar,
+                .identity = ports.identity,
+                .transfer = transfer_,
+                .files = files_,
+                .download = download_,
+                .direct = direct_,
+                .host = *this}),
+      controls_(*this) {
+  setObjectName(QStringLiteral("pageDataTransfer"));
+  Connect();
+  line_watch_ = ports_.krm.Guard().OnChange([this] { controls_.ShowLine(ports_.krm.Guard()); });
+  Show();
+}
+
+void DataTransferPage::Connect() {
+  const auto on = [this](QPushButton* button, auto flow) {
+    connect(button, &QPushButton::clicked, this, [this, flow] { Run(flow); });
+  };
+  on(controls_.cmd_download_recipe_to_krm, [this] { session_.DownloadRecipeToKRM(); });
+  on(controls_.cmd_open_recipe_db, [this] { Download(&RecipeDownloadSession::OpenRecipeDB); });
+  on(controls_.cmd_download_recipe_db,
+     [this] { Download(&RecipeDownloadSession::DownloadRecipeDB); });
+  on(controls_.cmd_open_recipe_bu, [this] { Download(&RecipeDownloadSession::OpenRecipeBU); });
+  on(controls_.cmd_download_recipe_bu,
+     [this] { Download(&RecipeDownloadSession::DownloadRecipeBU); });
+  on(controls_.cmd_upload_data_from_krm, [this] { UploadData(); });
+  on(controls_.cmd_save_file, [this] { SaveFile(); });
+  on(controls_.cmd_reload, [this] { Reload(); });
+  on(controls_.cmd_print_text, [this] { PrintText(); });
+  for (const Connection connection : {Connection::kModule, Connection::kIndicator}) {
+    connect(controls_.opt_connection.at(static_cast<std::size_t>(connection)),
+            &QRadioButton::clicked, this, [this, connection] { Choose(connection); });
+  }
+  connect(controls_.lst_data_files, &QListWidget::itemChanged, this, [this](QListWidgetItem* item) {
+    const int row = controls_.lst_data_files->row(item);
+    Run([this, row] { upload_.DataFilesClick(row); });
+  });
+  connect(controls_.txt_data_window, &DataWindow::Edited, this,
+          [this] { transfer_.data_window = controls_.txt_data_window->Bytes(); });
+}
+
+void DataTransferPage::Prepare() {
+  controls_.ShowCaptions();
+  EnablePrintText();
+}
+
+void DataTransferPage::Run(const std::function<void()>& flow) {
+  try {
+    flow();
+  } catch (const std::exception& failure) {
+    TellFailure(ports_.op, "Data Transfer Error", failure);
+  }
+  Show();
+}
+
+// A click on the choice that stands is none. A choice that is made while another one is carried out
+// counts for more.
+void DataTransferPage::Choose(Connection connection) {
+  if (connection == chosen_) {
+    return;
+  }
+  chosen_ = connection;
+  connect_again_ = connection == Connection::kIndicator && ports_.krm.Guard().Direct();
+  if (connect_again_) {
+    return;
+  }
+  Run([this, connection] {
+    if (connection == Connection::kModule) {
+      direct_.ConnectModule();
+    } else {
+      ConnectIndicator();
+    }
+  });
+  if (chosen_ == connection) {
+    ShowConnection();
+  }
+}
+
+void DataTransferPage::ConnectIndicator() {
+  const LineGuard::Claim line = ports_.krm.Guard().TakeForDirectConnection();
+  if (!line) {
+    return;
+  }
+  do {
+    connect_again_ = false;
+    ConnectOnce();
+  } while (connect_again_ && !ports_.pump.Closing());
+}
+
+// The operator may choose the module while the port is still being opened.
+void DataTransferPage::ConnectOnce() {
+  if (!direct_.Enter()) {
+    return;
+  }
+  if (chosen_ == Connection::kModule) {
+    direct_.ConnectModule();
+    return;
+  }
+  Show();
+  direct_.DirectConnectLoop();
+}
+
+void DataTransferPage::ShowConnection() {
+  chosen_ = transfer_.connection;
+  controls_.opt_connection.at(static_cast<std::size_t>(chosen_))->setChecked(true);
+}
+
+void DataTransferPage::ResumeDirectConnection() {
+  Run([this] { direct_.Resume(); });
+  ShowConnection();
+}
+
+void DataTransferPage::UploadData() {
+  const bool from_module = transfer_.connection == Connection::kModule;
+  upload_.UploadDataFromKRM();
+  if (from_module) {
+    TellCause();
+    return;
+  }
+  if (!transfer_.block_is_cut && transfer_.received.Unsaved()) {
+    Rescue(transfer_.transfer_block);
+  }
+  if (!transfer_.data_files.empty()) {
+    FocusControl("cmdSaveFile");
+  }
+}
+
+bool DataTransferPage::Rescue(std::string_view bytes) {
+  if (!RescueReceived(bytes, {ports_.data_folder()}, ports_.now(), op_)) {
+    return false;
+  }
+  transfer_.received.Rescued();
+  return true;
+}
+
+bool DataTransferPage::MayLeave() {
+  const auto yes = [this](std::string_view text) {
+    return ports_.op.ShowMessage({.icon = Icon::kQuestion,
+                                  .buttons = Buttons::kYesNo,
+                                  .title = "Received Data",
+                                  .text = std::string(text),
+                                  .refuses_by_default = true}) == Answer::kYes;
+  };
+  if (!transfer_.received.Unsaved() || ports_.pump.Closing()) {
+    return true;
+  }
+  return yes("What the indicator sent has not been saved.\r\n"
+             "Leave the program, and keep it in a rescue file?") &&
+         (Rescue(ports_.krm.GS_KRM_VirtualMemory()) || yes("Leave the program without it?"));
+}
+
+void DataTransferPage::KeepReceived() {
+  if (!transfer_.received.Unsaved()) {
+    return;
+  }
+  try {
+    WriteRescueFile(ports_.krm.GS_KRM_VirtualMemory(), {ports_.data_folder()}, ports_.now());
+    transfer_.received.Rescued();
+  } catch (const FileError&) {
+    // The program ends, and nobody is there to read a message.
+  }
+}
+
+void DataTransferPage::Download(bool (RecipeDownloadSession::*step)()) {
+  (session_.*step)();
+  TellCause();
+}
+
+void DataTransferPage::TellCause() {
+  if (op_.StatusIsError()) {
+    ports_.status.SetStatusCause(ToQString(ports_.krm.KRM_FailureCause()));
+  }
+}
+
+void DataTransferPage::Reload() {
+  controls_.cmd_upload_data_from_krm->click();
+  FocusControl("cmdSaveFile");
+}
+
+void DataTransferPage::SaveFile() {
+  files_.SaveCheckedFile();
+  ports_.status.SetStatusCause(ToQString(files_.SaveFailure()));
+}
+
+void DataTransferPage::PrintText() {
+  if (transfer_.data_window.empty()) {
+    ports_.op.ShowMessage(
+        {.icon = Icon::kWarning, .title = "Print Error", .text = "There is nothing to print."});
+    return;
+  }
+  try {
+    ports_.printer.Print(transfer_.data_window);
+  } catch (const Error& failure) {
+    ports_.op.ShowMessage({.icon = Icon::kWarning,
+                           .title = "Print Error",
+                           .text = "The data window could not be printed.",
+                           .cause = failure.what()});
+  }
+}
+
+void DataTransferPage::EnablePrintText() {
+  controls_.cmd_print_text->setEnabled(ports_.settings.EnablePrintTextOn());
+}
+
+void DataTransferPage::FocusControl(std::string_view name) {
+  Show();
+  auto* const control = findChild<QWidget*>(ToQString(name));
+  if (control != nullptr && control->isEnabled() && control->isVisible()) {
+    control->setFocus();
+  }
+}
+
+void DataTransferPage::Show() {
+  controls_.Show(transfer_);
+  ShowMemory();
+}
+
+void DataTransferPage::ShowMemory() {
+  if (memory_shown_ != transfer_.memory_size_visible) {
+    memory_shown_ = transfer_.memory_size_visible;
+    ports_.status.ShowMemory(memory_shown_);
+  }
+  if (memory_size_shown_ != transfer_.memory_size) {
+    memory_size_shown_ = transfer_.memory_size;
+    ports_.status.SetMemorySize(std::stoi(memory_size_shown_));
+    if (transfer_.data_files_frame_visible && transfer_.reload_enabled) {
+      FocusControl("cmdReload");
+    }
+  }
+}
+
+}  // namespace vrx

@@ -1,0 +1,118 @@
+#pragma once
+
+#include <filesystem>
+#include <functional>
+#include <string_view>
+
+#include "adapters/local_machine.h"
+#include "desktop/app/showing_operator.h"
+#include "desktop/main_window/main_tab_page.h"
+#include "desktop/main_window/panels.h"
+#include "desktop/print/text_printer.h"
+#include "desktop/transfer/data_transfer_controls.h"
+#include "link/krmcomm.h"
+#include "platform/calendar.h"
+#include "presenter/data_files.h"
+#include "presenter/database_identity.h"
+#include "presenter/direct_connection.h"
+#include "presenter/download.h"
+#include "presenter/recipe_download.h"
+#include "presenter/upload.h"
+#include "settings/settings.h"
+
+namespace vrx {
+
+// What the Data Transfer tab asks of the main window.
+class TransferDatabases {
+ public:
+  virtual ~TransferDatabases() = default;
+
+  // As in RecipeDownloadHost.
+  virtual CurrentDatabase OpenRecipes() const = 0;
+  virtual void BrowseRecipes() = 0;
+  virtual void RecipesStored(int highest_in_use) = 0;
+};
+
+// The Data Transfer tab. Each click runs its transfer to the end, with events handled meanwhile;
+// the click that chooses the indicator returns when the direct connection has ended. The page must
+// outlive every such call: whoever closes the program ends the waits first.
+class DataTransferPage final : public MainTabPage, private RecipeDownloadHost {
+  Q_OBJECT
+
+ public:
+  // Everything outlives it.
+  struct Ports {
+    Operator& op;
+    FileChooser& files;
+    const Calendar& calendar;
+    EventPump& pump;
+    const PrivateINI& settings;
+    DatabaseIdentity& identity;
+    KRMCOMM& krm;
+    TransferDatabases& databases;
+    TransferStatusPanel& status;
+    TextPrinter& printer;
+    // Where received data is kept that cannot be saved as files.
+    std::function<std::filesystem::path()> data_folder = [] { return std::filesystem::path(); };
+    std::function<LocalTime()> now = LocalNow;
+  };
+
+  explicit DataTransferPage(const Ports& ports);
+
+  // Somebody else has had the serial port: a direct connection that stands takes it up again.
+  void ResumeDirectConnection();
+
+  // Asks, where data of the indicator is not saved yet, whether the program may be left. On Yes the
+  // data goes into a rescue file first.
+  bool MayLeave();
+
+  // Puts such data into a rescue file without a word, for an end of the program that asks nothing.
+  void KeepReceived();
+
+  // MainTabPage.
+  void Prepare() override;
+  void StripFocused() override { EnablePrintText(); }
+
+ private:
+  // RecipeDownloadHost.
+  CurrentDatabase RecipeDatabase() const override { return ports_.databases.OpenRecipes(); }
+  void OpenRecipeDatabase() override { ports_.databases.BrowseRecipes(); }
+  void RecipesStored(int highest) override { ports_.databases.RecipesStored(highest); }
+  void FocusControl(std::string_view name) override;
+  void TransferChanged() override { Show(); }
+  void OpenRescueFile(const std::filesystem::path& path) override { upload_.UploadFromFile(path); }
+
+  void Connect();
+  void Run(const std::function<void()>& flow);
+  void Choose(Connection connection);
+  void ConnectIndicator();
+  void ShowConnection();
+  void ConnectOnce();
+  void UploadData();
+  bool Rescue(std::string_view bytes);
+  void Download(bool (RecipeDownloadSession::*step)());
+  void TellCause();
+  void Reload();
+  void SaveFile();
+  void PrintText();
+  void EnablePrintText();
+  void Show();
+  void ShowMemory();
+
+  Ports ports_;
+  ShowingOperator op_;
+  DataTransfer transfer_;
+  ReportFile files_;
+  Upload upload_;
+  vrx::Download download_;
+  DirectConnection direct_;
+  RecipeDownloadSession session_;
+  DataTransferControls controls_;
+  Connection chosen_ = Connection::kModule;  // what `optConnection` stands on
+  bool connect_again_ = false;               // the indicator was chosen while its connection ended
+  LineGuard::Watch line_watch_;
+  bool memory_shown_ = false;
+  std::string memory_size_shown_;
+};
+
+}  // namespace vrx

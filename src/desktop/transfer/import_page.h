@@ -1,0 +1,102 @@
+#pragma once
+
+#include <QCheckBox>
+#include <QFrame>
+#include <QLabel>
+#include <QProgressBar>
+#include <QPushButton>
+#include <functional>
+#include <string_view>
+#include <vector>
+
+#include "desktop/main_window/main_tab_page.h"
+#include "desktop/transfer/import_grid.h"
+#include "platform/progress_display.h"
+#include "presenter/import.h"
+
+namespace vrx {
+
+// What the Import tab asks of the main window; as in ImportHost.
+class ImportWindow {
+ public:
+  virtual ~ImportWindow() = default;
+  virtual OpenDatabases ImportDatabases() const = 0;
+  virtual std::vector<IngredientRecord> GridIngredients() = 0;
+  virtual void SelectTab(int tab) = 0;
+  virtual void SaveTransactionDatabase() = 0;
+};
+
+// The Import tab: its page, and its buttons and progress in the row below the tabs.
+class ImportPage final : public MainTabPage, private ImportHost, private ProgressDisplay {
+  Q_OBJECT
+
+ public:
+  // Everything outlives it, but the window may go first.
+  struct Ports {
+    Operator& op;
+    FileChooser& files;
+    const SystemInfo& system;
+    const PrivateINI& settings;
+    DatabaseIdentity& identity;
+    ImportWindow& window;
+    QFrame& pic_import;  // is filled
+  };
+
+  explicit ImportPage(const Ports& ports);
+
+  // The whole import, from the question for a file on.
+  void ImportXFile();
+
+  const ImportSession& Session() const { return session_; }
+
+  // The Tab key follows the work: choose a file, look at its rows, store them. Call it once the
+  // page is in its window.
+  void SetTabOrder();
+
+  // The ingredient columns by the names of the open recipe database.
+  void ConfigureImportColumns();
+
+  // MainTabPage.
+  void Prepare() override;
+  void StripFocused() override;
+  void Rebind(DatabaseKind kind, const BoundDatabase& database) override;
+
+ private:
+  // ImportHost.
+  OpenDatabases Databases() const override { return ports_.window.ImportDatabases(); }
+  std::vector<IngredientRecord> GridIngredients() override {
+    return ports_.window.GridIngredients();
+  }
+  void SelectTab(int tab) override { ports_.window.SelectTab(tab); }
+  void FocusControl(std::string_view name) override;
+  void SaveTransactionDatabase() override { ports_.window.SaveTransactionDatabase(); }
+  void ImportChanged() override;
+
+  // ProgressDisplay.
+  void SetProgressMessage(std::string_view text) override;
+  void SetProgressRange(int maximum) override;
+  void SetProgressValue(int value) override;
+
+  void LayOut();
+  QLayout* LayOutFacts();
+  void FillPicImport();
+  void EnableStore();
+  void Run(const std::function<void()>& flow);
+
+  Ports ports_;
+  ImportSession session_;
+  ImportGrid* grd_import_;
+  QLabel* lbl_trans_filename_ = nullptr;
+  QLabel* lbl_trans_uom_ = nullptr;
+  QLabel* lbl_records_ = nullptr;
+  QLabel* lbl_transactions_ = nullptr;
+  QFrame* pic_import_progress_ = nullptr;
+  QLabel* lbl_progress_msg_ = nullptr;
+  QProgressBar* prg_import_ = nullptr;
+  QCheckBox* chk_imp_fit_page_ = nullptr;
+  QPushButton* cmd_import_file_ = nullptr;
+  QPushButton* cmd_import_store_ = nullptr;
+  QString read_only_note_;  // of the open transaction database
+};
+
+}  // namespace vrx

@@ -1,0 +1,215 @@
+#include "exchange/recipe_text.h"
+
+#include <cstddef>
+#include <map>
+#include <span>
+#include <utility>
+
+#include "base/encoding.h"
+#include "base/number.h"
+#include "database/identity.h"
+#include "feed/batch_type.h"
+#include "feed/ration.h"
+#include "feed/ration_totals.h"
+#include "feed/record_kind.h"
+#include "link/file_attributes.h"
+
+namespace vrx {
+namespace {
+
+constexpr std::string_view kLineEnd = "\r\n";
+
+// For the operator: "Recipe 7 (STEERS)".
+std::string Named(std::string_view kind, int id, const std::string& name) {
+  return std::string(kind) + " " + std::to_string(id) + " (" + name + ")";
+}
+
+std::string Encoded(const std::string& text, const std::string& record) {
+  std::string bytes = Utf8ToWindows1252(text);
+  if (Windows1252ToUtf8(bytes) != text) {
+    throw RecipeTextError(record + " has a character that cannot be sent: \"" + text +
+                          "\" is not of the character set Windows-1252.");
+  }
+  return bytes;
+}
+
+// Which of its weights a recipe sends.
+struct SentWeights {
+  std::string TotalsRow::*target;
+  std::string RecipeLineRecord::*amount;
+};
+
+SentWeights WeightsOf(const BatchType& type, bool batch_target) {
+  if (type.scale == BatchScale::kHeadCount) {
+    return {&TotalsRow::dry_matter, &RecipeLineRecord::dry_matter};
+  }
+  return batch_target ? SentWeights{&TotalsRow::batch_target, &RecipeLineRecord::batch_target}
+                      : SentWeights{&TotalsRow::target, &RecipeLineRecord::target};
+}
+
+class TextBuilder {
+ public:
+  TextBuilder(const RecipeTables& tables, bool batch_target)
+      : tables_(tables), batch_target_(batch_target) {
+    for (const IngredientRecord& ingredient : tables.ingredients) {
+      ingredients_.emplace(std::to_string(ingredient.id), &ingredient);
+    }
+    for (const RecipeLineRecord& line : tables.lines) {
+      lines_[line.recipe_id].push_back(line);
+    }
+  }
+
+  void AddIdentifier() {
+    Add(kRecipeMark, ",", tables_.unit == "LB" ? "L" : "K", kLineEnd, kLineEnd);
+  }
+
+  void AddIngredients() {
+    BeginSection("[ING]");
+    int number = 0;
+    for (const IngredientRecord& ingredient : tables_.ingredients) {
+      ++number;
+      if (IsActive(ingredient)) {
+        Add(std::to_string(number), ",", EncodedName(ingredient), ",",
+            ingredient.hand_add ? "1" : "0", kLineEnd);
+      }
+    }
+    EndSection();
+  }
+
+  void AddRecipes() {
+    BeginSection("[REC]");
+    int number = 0;
+    for (const RecipeRecord& recipe : tables_.recipes) {
+      ++number;
+      if (!IsActive(recipe)) {
+        continue;
+      }
+      result_.highest_in_use = recipe.id;
+      const BatchType* type = FindBatchType(recipe.batch_type);
+      if (type != nullptr && type->entry != LineEntry::kNone) {
+        AddRecipe(number, recipe, *type);
+      }
+    }
+    EndSection();
+  }
+
+  void AddPens() {
+    BeginSection("[PEN]");
+    int number = 0;
+    for (const PenRecord& pen : tables_.pens) {
+      ++number;
+      if (TextToLong(pen.feed_amount) > 0 || pen.name != DefaultName(RecordKind::kPen, number)) {
+        const std::string record = Named("Pen", pen.id, pen.name);
+        const std::string amount = Encoded(pen.feed_amount, record);
+        Add(std::to_string(number), ",", Encoded(pen.name, record), ",",
+            amount.empty() ? "0" : amount, kLineEnd);
+      }
+    }
+    EndSection();
+  }
+
+  RecipeDownload TakeResult() { return std::move(result_); }
+
+ private:
+  template <typename... Texts>
+  void Add(const Texts&... texts) {
+    (result_.text.append(texts), ...);
+  }
+
+  void BeginSection(std::string_view header) { Add(header, kLineEnd, kLineEnd); }
+  void EndSection() { Add(kLineEnd); }
+
+  static std::string EncodedName(const IngredientRecord& ingredient) {
+    return Encoded(ingredient.name, Named("Ingredient", ingredient.id, ingredient.name));
+  }
+
+  // The rule of what a recipe line calls its ingredient: by name, an unknown one by none.
+  std::string IngredientName(const RecipeLineRecord& line) const {
+    const auto known = ingredients_.find(line.ingredient);
+    return known == ingredients_.end() ? std::string() : EncodedName(*known->second);
+  }
+
+  void AddRecipe(int number, const RecipeRecord& recipe, const BatchType& type) {
+    const std::string record = Named("Recipe", recipe.id, recipe.name);
+    Ration ration{.recipe = recipe, .lines = lines_[std::to_string(recipe.id)]};
+    const TotalsRow totals = Recompute(ration, record);
+    const SentWeights weights = WeightsOf(type, batch_target_);
+    const int type_code = static_cast<int>(&type - BatchTypes().data()) - 1;
+    const int head_count = type.scale == BatchScale::kHeadCount ? recipe.head_count : 0;
+    if (head_count != recipe.head_count) {
+      RecipeRecord& emptied = result_.emptied_head_counts.emplace_back(recipe);
+      emptied.head_count = head_count;
+    }
+    Add(std::to_string(number), ",", Encoded(recipe.name, record), ",", std::to_string(type_code),
+        ",", totals.*weights.target, ",", std::to_string(head_count), ",");
+    AddLines(ration.lines, weights.amount, record);
+  }
+
+  TotalsRow Recompute(Ration& ration, const std::string& record) {
+    const std::vector<RecipeLineRecord> stored = ration.lines;
+    try {
+      TotalsRow totals = RecalcRecipe(ration).row;
+      for (std::size_t line = 0; line < stored.size(); ++line) {
+        if (ration.lines[line] != stored[line]) {
+          result_.recomputed_lines.push_back(ration.lines[line]);
+        }
+      }
+      return totals;
+    } catch (const Error& error) {
+      throw RecipeTextError(record + " cannot be computed. " + error.what());
+    }
+  }
+
+  // Two lists. None of their closing marks without a line: the next recipe runs on.
+  void AddLines(std::span<const RecipeLineRecord> lines, std::string RecipeLineRecord::*amount,
+                const std::string& record) {
+    std::size_t left = lines.size();
+    for (const RecipeLineRecord& line : lines) {
+      Add(IngredientName(line), --left > 0 ? "," : ";");
+    }
+    left = lines.size();
+    for (const RecipeLineRecord& line : lines) {
+      Add(Encoded(line.*amount, record), --left > 0 ? "," : kLineEnd);
+    }
+  }
+
+  const RecipeTables& tables_;
+  bool batch_target_;
+  std::map<std::string, const IngredientRecord*> ingredients_;  // by ID, as lines name it
+  std::map<std::string, std::vector<RecipeLineRecord>> lines_;  // by recipe ID
+  RecipeDownload result_;
+};
+
+}  // namespace
+
+RecipeTables ReadRecipeTables(SQLite::Database& database) {
+  return {.unit = ReadField(database, kUnitField).value_or(""),
+          .ingredients = ReadIngredients(database),
+          .recipes = ReadRecipes(database),
+          .lines = ReadAllRecipeLines(database),
+          .pens = ReadPens(database)};
+}
+
+RecipeDownload BuildRecipeDownload(const RecipeTables& tables, bool batch_target,
+                                   const TellProgress& tell) {
+  const auto say = [&tell](std::string_view line) {
+    if (tell) {
+      tell(line);
+    }
+  };
+  TextBuilder builder(tables, batch_target);
+  builder.AddIdentifier();
+  say("Formatting ingredient data...");
+  builder.AddIngredients();
+  say("done!");
+  say("Formatting recipe data...");
+  builder.AddRecipes();
+  say("done!");
+  say("Formatting pen data...");
+  builder.AddPens();
+  say("pen formatting done!");
+  say("Recipe file complete!");
+  return builder.TakeResult();
+}
+
+}  // namespace vrx

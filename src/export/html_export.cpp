@@ -1,0 +1,200 @@
+#include "export/html_export.h"
+
+#include <algorithm>
+#include <array>
+#include <cstdarg>
+#include <cstddef>
+#include <cstdio>
+#include <memory>
+#include <new>
+
+#include <libxml/parser.h>
+#include <libxml/tree.h>
+#include <libxml/xmlerror.h>
+#include <libxslt/security.h>
+#include <libxslt/transform.h>
+#include <libxslt/xslt.h>
+#include <libxslt/xsltInternals.h>
+#include <libxslt/xsltutils.h>
+
+#include "base/error.h"
+
+namespace vrx {
+namespace {
+
+// Far above what a stylesheet of a data group needs: it nests by the levels, ten templates at most,
+// and takes at most one XPath step for six bytes of the document.
+constexpr int kDeepestTemplate = 200;
+constexpr unsigned long kFreeSteps = 10'000'000;
+constexpr unsigned long kStepsPerByte = 10;
+
+constexpr int kParserOptions = XML_PARSE_NONET | XML_PARSE_NOCDATA;
+
+// The library's messages in one line; what is too long is cut. It is filled inside of C code, which
+// no exception may cross.
+class Messages {
+ public:
+  // Of a piece of a message, as the library hands them over.
+  void AppendFormatted(const char* format, std::va_list arguments) noexcept {
+    Take(std::vsnprintf(Free(), Room(), format, arguments));
+  }
+
+  void AppendAtLine(int line, const char* message) noexcept {
+    Take(line > 0 ? std::snprintf(Free(), Room(), "line %d: %s ", line, message)
+                  : std::snprintf(Free(), Room(), "%s ", message));
+  }
+
+  std::string Text() const {
+    std::string text;
+    for (const char character : std::string_view(text_.data(), used_)) {
+      const bool blank = static_cast<unsigned char>(character) <= ' ';
+      if (!blank) {
+        text += character;
+      } else if (!text.empty() && text.back() != ' ') {
+        text += ' ';
+      }
+    }
+    text.resize(text.find_last_not_of(' ') + 1);
+    return text.empty() ? "no reason given" : text;
+  }
+
+ private:
+  char* Free() noexcept { return text_.data() + used_; }
+  std::size_t Room() const noexcept { return text_.size() - used_; }
+  void Take(int written) noexcept {
+    used_ += std::min(static_cast<std::size_t>(std::max(written, 0)), Room() - 1);
+  }
+
+  std::array<char, 1000> text_{};
+  std::size_t used_ = 0;
+};
+
+extern "C" {
+
+void CollectFormatted(void* messages, const char* format, ...) {
+  std::va_list arguments;
+  va_start(arguments, format);
+  static_cast<Messages*>(messages)->AppendFormatted(format, arguments);
+  va_end(arguments);
+}
+
+void CollectError(void* messages, xmlErrorPtr error) {
+  static_cast<Messages*>(messages)->AppendAtLine(error->line,
+                                                 error->message != nullptr ? error->message : "");
+}
+
+}  // extern "C"
+
+struct Freed {
+  void operator()(xmlDocPtr document) const { xmlFreeDoc(document); }
+  void operator()(xsltStylesheetPtr style_sheet) const { xsltFreeStylesheet(style_sheet); }
+  void operator()(xsltTransformContextPtr context) const { xsltFreeTransformContext(context); }
+  void operator()(xsltSecurityPrefsPtr preferences) const { xsltFreeSecurityPrefs(preferences); }
+  void operator()(xmlChar* text) const { xmlFree(text); }
+};
+
+template <typename T>
+using Owned = std::unique_ptr<T, Freed>;
+
+template <typename T>
+Owned<T> OrOutOfMemory(T* made) {
+  if (made == nullptr) {
+    throw std::bad_alloc();
+  }
+  return Owned<T>(made);
+}
+
+// The library keeps its message routines and the rights of a stylesheet that is still being read in
+// variables of its own. While an object lives they are ours: messages are collected, and everything
+// outside of the two texts is forbidden. One at a time.
+class LibraryRules {
+ public:
+  LibraryRules() {
+    for (const xsltSecurityOption option :
+         {XSLT_SECPREF_READ_FILE, XSLT_SECPREF_WRITE_FILE, XSLT_SECPREF_CREATE_DIRECTORY,
+          XSLT_SECPREF_READ_NETWORK, XSLT_SECPREF_WRITE_NETWORK}) {
+      xsltSetSecurityPrefs(rights_.get(), option, xsltSecurityForbid);
+    }
+    xsltSetDefaultSecurityPrefs(rights_.get());
+    xsltSetGenericErrorFunc(&messages_, CollectFormatted);
+    xmlSetGenericErrorFunc(&messages_, CollectFormatted);
+    xmlSetStructuredErrorFunc(&messages_, CollectError);
+  }
+  ~LibraryRules() {
+    xmlSetStructuredErrorFunc(structured_context_, structured_);
+    xmlSetGenericErrorFunc(generic_context_, generic_);
+    xsltSetGenericErrorFunc(xslt_context_, xslt_);
+    xsltSetDefaultSecurityPrefs(default_rights_);
+  }
+  LibraryRules(const LibraryRules&) = delete;
+  LibraryRules& operator=(const LibraryRules&) = delete;
+
+  xsltSecurityPrefsPtr Rights() const { return rights_.get(); }
+
+  [[noreturn]] void Fail(const std::string& what) const {
+    throw Error(what + ": " + messages_.Text());
+  }
+
+ private:
+  Messages messages_;
+  Owned<xsltSecurityPrefs> rights_ = OrOutOfMemory(xsltNewSecurityPrefs());
+  xsltSecurityPrefsPtr default_rights_ = xsltGetDefaultSecurityPrefs();
+  xmlGenericErrorFunc xslt_ = xsltGenericError;
+  void* xslt_context_ = xsltGenericErrorContext;
+  xmlGenericErrorFunc generic_ = xmlGenericError;
+  void* generic_context_ = xmlGenericErrorContext;
+  xmlStructuredErrorFunc structured_ = xmlStructuredError;
+  void* structured_context_ = xmlStructuredErrorContext;
+};
+
+Owned<xmlDoc> Parse(const NamedText& text, const LibraryRules& rules) {
+  if (text.text.empty()) {
+    throw Error(text.name + " is empty");  // the library says nothing about that
+  }
+  Owned<xmlDoc> document(xmlReadMemory(text.text.data(), static_cast<int>(text.text.size()),
+                                       text.name.c_str(), nullptr, kParserOptions));
+  if (!document) {
+    rules.Fail(text.name + " is not XML");
+  }
+  if (document->intSubset != nullptr) {
+    throw Error(text.name + " has a document type, which is refused");
+  }
+  return document;
+}
+
+Owned<xsltStylesheet> Compile(const NamedText& text, const LibraryRules& rules) {
+  Owned<xmlDoc> document = Parse(text, rules);
+  Owned<xsltStylesheet> style_sheet(xsltParseStylesheetDoc(document.get()));
+  if (!style_sheet) {
+    rules.Fail(text.name + " is no stylesheet that can be used");
+  }
+  static_cast<void>(document.release());  // the stylesheet's now
+  return style_sheet;
+}
+
+}  // namespace
+
+std::string Transform(const NamedText& style_sheet, const NamedText& document) {
+  const LibraryRules rules;
+  const Owned<xsltStylesheet> sheet = Compile(style_sheet, rules);
+  const Owned<xmlDoc> source = Parse(document, rules);
+  const auto context = OrOutOfMemory(xsltNewTransformContext(sheet.get(), source.get()));
+  xsltSetCtxtSecurityPrefs(rules.Rights(), context.get());
+  context->maxTemplateDepth = kDeepestTemplate;
+  context->opLimit = kFreeSteps + kStepsPerByte * document.text.size();
+  const Owned<xmlDoc> page(
+      xsltApplyStylesheetUser(sheet.get(), source.get(), nullptr, nullptr, nullptr, context.get()));
+  if (!page || context->state != XSLT_STATE_OK) {
+    rules.Fail(style_sheet.name + " made no page of " + document.name);
+  }
+  xmlChar* bytes = nullptr;
+  int length = 0;
+  const int saved = xsltSaveResultToString(&bytes, &length, page.get(), sheet.get());
+  const Owned<xmlChar> owned(bytes);
+  if (saved != 0 || owned == nullptr || length <= 0) {
+    rules.Fail(style_sheet.name + " made an empty page of " + document.name);
+  }
+  return {reinterpret_cast<const char*>(owned.get()), static_cast<std::size_t>(length)};
+}
+
+}  // namespace vrx

@@ -1,0 +1,188 @@
+#include "presenter/create_database.h"
+
+#include <exception>
+#include <initializer_list>
+#include <string_view>
+#include <system_error>
+#include <utility>
+
+#include "base/files.h"
+#include "base/text.h"
+#include "base/upper_case.h"
+#include "database/identity.h"
+#include "database/kind_words.h"
+#include "presenter/tell_failure.h"
+
+namespace vrx {
+
+namespace fs = std::filesystem;
+
+namespace {
+
+constexpr std::string_view kLineEnd = "\r\n";
+constexpr std::string_view kCreationError = "File Creation Error";
+
+std::string Joined(std::initializer_list<std::string_view> parts) {
+  std::string text;
+  for (const std::string_view part : parts) {
+    text += part;
+  }
+  return text;
+}
+
+void Tell(Operator& op, Icon icon, std::string_view title, std::string text,
+          std::string cause = {}) {
+  op.ShowMessage({.icon = icon,
+                  .title = std::string(title),
+                  .text = std::move(text),
+                  .cause = std::move(cause)});
+}
+
+class Creation {
+ public:
+  Creation(const NewDatabase& wanted, DatabaseIdentity& identity, Operator& op,
+           CurrentDatabase& current)
+      : wanted_(wanted),
+        words_(WordsOf(wanted.kind)),
+        identity_(identity),
+        operator_(op),
+        current_(current) {}
+
+  bool Run() {
+    if (!AcceptDatabaseName(wanted_.title, operator_) || !TemplateIsThere() || !TemplateCopied()) {
+      return false;
+    }
+    const CurrentDatabase before = current_;
+    current_.name = UnicodeUpperCase(wanted_.title);
+    current_.path = wanted_.path;
+    try {
+      if (CopyIsBlank()) {
+        if (MadeUserFile()) {
+          current_.unit = wanted_.unit;
+          return true;
+        }
+        current_ = before;
+        TellNotMade();
+      }
+    } catch (...) {
+      std::error_code second_failure;  // the first one is told
+      fs::remove(wanted_.path, second_failure);
+      throw;
+    }
+    fs::remove(wanted_.path);
+    return false;
+  }
+
+ private:
+  void Tell(Icon icon, std::string_view title, std::string text, std::string cause = {}) {
+    vrx::Tell(operator_, icon, title, std::move(text), std::move(cause));
+  }
+
+  fs::path TemplatePath() const { return wanted_.program_directory / words_.template_name; }
+
+  bool TemplateIsThere() {
+    if (wanted_.program_directory.empty()) {
+      Tell(Icon::kCritical, "Error",
+           Joined({"Sorry, cannot create a new ", words_.noun, " database file.", kLineEnd,
+                   "Could not determine applications path."}));
+      return false;
+    }
+    if (!FileExists(TemplatePath())) {
+      Tell(Icon::kCritical, "File Missing Error",
+           Joined({"Couldn't find blank ", words_.noun, " database file.", kLineEnd,
+                   "Please run installation and reload support files."}),
+           TemplatePath().string() + " does not exist");
+      return false;
+    }
+    return true;
+  }
+
+  bool TemplateCopied() {
+    std::error_code why;
+    if (CopyFileNoOverwrite(TemplatePath(), wanted_.path, &why)) {
+      return true;
+    }
+    const std::string told =
+        Joined({"New ", words_.noun, " database file creation failed.", kLineEnd, kLineEnd,
+                "A file by the name ", wanted_.title,
+                " may already exist or there might be an invalid character in the name."});
+    const std::string path = wanted_.path.string();
+    if (why == std::errc::file_exists) {
+      Tell(Icon::kCritical, kCreationError, told, path + " already exists");
+    } else {
+      Tell(Icon::kCritical, kCreationError,
+           Joined({told, kLineEnd, kLineEnd, path, " cannot be written: ", why.message()}));
+    }
+    return false;
+  }
+
+  // One of the routines of the identity has reported what failed, but not of which file.
+  void TellNotMade() {
+    Tell(Icon::kCritical, kCreationError,
+         Joined({"New ", words_.noun, " database file creation failed.", kLineEnd, kLineEnd,
+                 wanted_.path.string(), " was not made: ", identity_.FailureCause()}));
+  }
+
+  bool CopyIsBlank() {
+    const std::string type = identity_.GetDatabaseType(wanted_.path);
+    // The transaction side dates its file before it looks at the type, too.
+    if (wanted_.kind == DatabaseKind::kTransaction) {
+      identity_.SetDatabaseDate(wanted_.path, DateSelector::kCreated);
+    }
+    if (type == words_.blank_type) {
+      return true;
+    }
+    Tell(Icon::kWarning, "Invalid Database",
+         Joined({"The database file (", current_.name, ") that you specified, is not a valid nul ",
+                 words_.noun, " database for use with this VRX-2260 application."}),
+         Joined({TemplatePath().string(), " is of type \"", type, "\"; expected \"",
+                 words_.blank_type, "\""}));
+    return false;
+  }
+
+  // A step that fails has told the operator.
+  bool MadeUserFile() {
+    operator_.SetBusy(true);
+    if (wanted_.accepted) {
+      wanted_.accepted();
+    }
+    const bool made = identity_.SetDatabaseType(wanted_.path, words_.user_type) &&
+                      identity_.SetDatabaseUoM(wanted_.path, wanted_.unit) &&
+                      identity_.SetDatabaseDate(wanted_.path, DateSelector::kCreated);
+    if (!made) {
+      operator_.SetBusy(false);
+    }
+    return made;
+  }
+
+  const NewDatabase& wanted_;
+  const KindWords& words_;
+  DatabaseIdentity& identity_;
+  Operator& operator_;
+  CurrentDatabase& current_;
+};
+
+}  // namespace
+
+bool AcceptDatabaseName(const std::string& title, Operator& op) {
+  if (ValidDatabaseName(title)) {
+    return true;
+  }
+  Tell(op, Icon::kWarning, "Filename Error",
+       Joined({title, " is an invalid filename.", kLineEnd,
+               "Please enter a name with a maximum of eight characters (the file extension is "
+               "not required)."}));
+  return false;
+}
+
+bool CreateDatabase(const NewDatabase& wanted, DatabaseIdentity& identity, Operator& op,
+                    CurrentDatabase& current) {
+  try {
+    return Creation(wanted, identity, op, current).Run();
+  } catch (const std::exception& failure) {
+    TellFailure(op, WordsOf(wanted.kind).new_failure, failure);
+    return false;
+  }
+}
+
+}  // namespace vrx

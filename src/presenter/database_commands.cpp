@@ -1,0 +1,334 @@
+#include "presenter/database_commands.h"
+
+#include <array>
+#include <exception>
+#include <optional>
+#include <utility>
+
+#include "base/files.h"
+#include "base/number.h"
+#include "base/text.h"
+#include "base/upper_case.h"
+#include "database/identity.h"
+#include "database/kind_words.h"
+#include "database/missing_records.h"
+#include "presenter/lifecycle_manner.h"
+#include "presenter/tell_failure.h"
+
+namespace vrx {
+
+namespace fs = std::filesystem;
+
+namespace {
+
+constexpr Milliseconds kOpenDelay{50};
+
+// Item of `cboPenID` that an opened database stands on.
+constexpr int kFirstPenItem = 1;
+
+}  // namespace
+
+DatabaseLifecycle::DatabaseLifecycle(const Ports& ports, LockWait wait)
+    : ports_(ports), lock_wait_(wait) {}
+
+bool DatabaseLifecycle::IsOpen(DatabaseKind kind) const {
+  const BoundDatabase& bound = Bound(kind);
+  return bound.connection != nullptr && !bound.blank;
+}
+
+void DatabaseLifecycle::Trapped(std::string_view title, const std::function<void()>& body) {
+  try {
+    body();
+  } catch (const std::exception& failure) {
+    TellFailure(ports_.op, title, failure);
+  }
+}
+
+void DatabaseLifecycle::OrGoBack(Side& side, const std::function<void()>& body) {
+  const SQLite::Database* const connection = side.bound.connection.get();
+  const CurrentDatabase current = side.current;
+  const PanelTexts panels = side.panels;
+  try {
+    body();
+  } catch (...) {
+    // Unless another database is open by now, which shows itself.
+    if (side.bound.connection.get() == connection) {
+      side.current = current;
+      ShowPanels(side, panels);
+      ports_.window.ShowUnit(side.kind, side.bound.unit);
+    }
+    ports_.op.SetBusy(false);
+    throw;
+  }
+}
+
+// New.
+
+void DatabaseLifecycle::New(Side& side) {
+  const KindWords& words = WordsOf(side.kind);
+  Trapped(words.new_failure, [&] {
+    GoToTransferTab(side);
+    const FileChoice choice =
+        ports_.files.ShowSave({.title = std::string(words.new_dialog_title),
+                               .filter = std::string(words.filter),
+                               .default_extension = std::string(words.extension),
+                               .start_folder = ports_.app_folder.DefaultAppPath().string(),
+                               .flags = kShortNames});
+    if (choice.Cancelled() || !ports_.delay.Wait(MannerOf(side.kind).new_delay)) {
+      return;
+    }
+    const NewDatabase wanted{.kind = side.kind,
+                             .program_directory = ports_.system.ProgramDirectory(),
+                             .path = choice.path,
+                             .title = choice.title,
+                             .unit = ports_.settings.SystemUnits(),
+                             .accepted = [&] { StandBy(side, "Standby..."); }};
+    OrGoBack(side, [&] {
+      const PanelTexts panels = side.panels;
+      if (CreateDatabase(wanted, ports_.identity, ports_.op, side.current)) {
+        ShowNew(side);
+      } else {
+        ShowPanels(side, panels);
+      }
+    });
+  });
+}
+
+void DatabaseLifecycle::ShowNew(Side& side) {
+  if (!BindOpened(side, BindUserDatabase(side.current.path, lock_wait_),
+                  {.path = side.current.path,
+                   .name = side.current.name,
+                   .becomes_current = true,
+                   .is_new = true})) {
+    return;
+  }
+  ShowPanel(side, kPanelName, side.current.name);
+  ShowPanel(side, kPanelCreated, DefaultText(ports_.calendar.Today()));
+  ShowPanel(side, kPanelUnit, side.bound.unit);
+  EnableCommands(side);
+  const LifecycleManner& manner = MannerOf(side.kind);
+  for (const int tab : manner.tabs_of_new) {
+    ports_.commands.TurnTab(tab, true);
+  }
+  ports_.tabs.SelectTab(manner.tabs_of_new.front());
+  ports_.op.SetBusy(false);
+  if (manner.new_beeps) {
+    BeepIfEnabled(ports_.op, ports_.settings);
+  }
+}
+
+// Open.
+
+void DatabaseLifecycle::Browse(Side& side) {
+  const KindWords& words = WordsOf(side.kind);
+  Trapped(words.open_failure, [&] {
+    GoToTransferTab(side);
+    const FileChoice choice =
+        ports_.files.ShowOpen({.title = std::string(words.open_dialog_title),
+                               .filter = std::string(words.filter),
+                               .default_extension = std::string(words.extension),
+                               .start_folder = ports_.app_folder.DefaultAppPath().string(),
+                               .flags = kShortNames | kFileMustExist | kHideReadOnly});
+    if (choice.Cancelled() || !ports_.delay.Wait(MannerOf(side.kind).browse_delay)) {
+      return;
+    }
+    Open(side,
+         {.path = choice.path, .name = UnicodeUpperCase(choice.title), .becomes_current = true});
+  });
+}
+
+void DatabaseLifecycle::Open(Side& side, FileToOpen file) {
+  Trapped(WordsOf(side.kind).open_failure, [&] {
+    if (!ports_.delay.Wait(kOpenDelay) || !PassEarlier(side, file) || !IsUserDatabase(side, file)) {
+      return;
+    }
+    BoundDatabase next = BindUserDatabase(file.path, lock_wait_);
+    if (side.kind == DatabaseKind::kRecipe) {
+      WarnOfMissingRecords(next, file.name);
+    }
+    OrGoBack(side, [&] {
+      if (MannerOf(side.kind).open_stands_by) {
+        ports_.op.SetBusy(true);
+        StandBy(side, "Standby... Loading");
+      }
+      if (!BindOpened(side, std::move(next), file)) {
+        return;
+      }
+      if (side.kind == DatabaseKind::kRecipe) {
+        FinishRecipeOpen(side, file);
+      } else {
+        FinishTransactionOpen(side, file);
+      }
+    });
+  });
+}
+
+bool DatabaseLifecycle::PassEarlier(const Side& side, FileToOpen& file) {
+  if (ports_.earlier == nullptr) {
+    return true;
+  }
+  const EarlierDatabase found = ports_.earlier->Offer(side.kind, file.path);
+  if (found.outcome == EarlierDatabase::Outcome::kOpenCopy) {
+    file = {.path = found.copy, .name = FileTitle(found.copy), .becomes_current = true};
+  }
+  return found.outcome != EarlierDatabase::Outcome::kEnd;
+}
+
+bool DatabaseLifecycle::IsUserDatabase(const Side& side, const FileToOpen& file) {
+  const KindWords& words = WordsOf(side.kind);
+  const std::string type = ports_.identity.GetDatabaseType(file.path);
+  if (type == words.user_type) {
+    return true;
+  }
+  ports_.op.ShowMessage({.icon = Icon::kWarning,
+                         .title = "Invalid Database",
+                         .text = "The database file (" + file.name +
+                                 ") that you specified, is not a valid VRX-2260 " +
+                                 std::string(words.noun) + " database.",
+                         .cause = file.path.string() + " is of type \"" + type + "\"; expected \"" +
+                                  std::string(words.user_type) + "\""});
+  return false;
+}
+
+void DatabaseLifecycle::WarnOfMissingRecords(const BoundDatabase& database,
+                                             const std::string& name) {
+  const std::string missing = ToText(FindMissingRecords(*database.connection));
+  if (missing.empty()) {
+    return;
+  }
+  ports_.op.ShowMessage({.icon = Icon::kWarning,
+                         .title = "Incomplete Database",
+                         .text = "The recipe database " + name +
+                                 " lacks these records: " + missing +
+                                 ".\r\n\r\nThey cannot be edited or sent. Restore the file from "
+                                 "a backup copy."});
+}
+
+// False: another database is bound by now, or the program closes.
+bool DatabaseLifecycle::BindOpened(Side& side, BoundDatabase next, const FileToOpen& file) {
+  BoundDatabase previous = Bind(side, std::move(next));
+  const SQLite::Database* const connection = side.bound.connection.get();
+  if (file.becomes_current) {
+    side.current = {.path = file.path, .name = file.name, .unit = side.bound.unit};
+  }
+  side.unit_asked = file.unit_asked;
+  if (side.kind == DatabaseKind::kTransaction) {
+    ports_.window.ShowUnit(side.kind, side.bound.unit);
+    return true;
+  }
+  if (file.is_new) {
+    ports_.window.HidePenCapacityWarning();
+  }
+  ports_.window.ShowUnit(side.kind, side.bound.unit);
+  try {
+    ports_.window.LoadIdLists();
+  } catch (...) {
+    if (side.bound.connection.get() == connection) {
+      Bind(side, std::move(previous));
+    }
+    throw;
+  }
+  return side.bound.connection.get() == connection && !ports_.delay.Closing();
+}
+
+void DatabaseLifecycle::FinishRecipeOpen(Side& side, const FileToOpen& file) {
+  ShowOpened(side, file);
+  ports_.window.ShowTransferOption();
+  EnableCommands(side);
+  ports_.window.CheckPenCapacity();
+  ports_.window.SelectPenItem(kFirstPenItem);
+  ports_.op.SetBusy(false);
+  BeepIfEnabled(ports_.op, ports_.settings);
+}
+
+void DatabaseLifecycle::FinishTransactionOpen(Side& side, const FileToOpen& file) {
+  ShowOpened(side, file);
+  EnableCommands(side);
+  if (ports_.delay.Wait(kOpenDelay)) {
+    ports_.tabs.SelectTab(kTabBatchedFed);
+  }
+}
+
+void DatabaseLifecycle::ShowOpened(Side& side, const FileToOpen& file) {
+  side.current.unit = side.bound.unit;
+  ShowPanel(side, kPanelName,
+            side.bound.read_only_note.empty() ? file.name : file.name + " (read-only)");
+  ShowPanel(side, kPanelUnit, side.current.unit);
+  WarnIfUnitsDiffer(side.current.unit);
+  constexpr std::array<std::pair<StatusPanel, DateSelector>, 2> kDates{
+      {{kPanelCreated, DateSelector::kCreated}, {kPanelModified, DateSelector::kModified}}};
+  for (const auto& [panel, selector] : kDates) {
+    const std::optional<Date> date = ports_.identity.GetDatabaseDate(file.path, selector);
+    ShowPanel(side, panel, date ? DefaultText(*date) : std::string());
+  }
+}
+
+// The window and its views.
+
+// The new connection is open before the old one goes, and the old one goes only when no view is
+// left on it.
+BoundDatabase DatabaseLifecycle::Bind(Side& side, BoundDatabase next) {
+  if (side.moving) {
+    throw Error("the views are on their way to another database");
+  }
+  ports_.window.LeaveEdits(side.kind);
+  side.moving = true;
+  try {
+    ports_.window.Rebind(side.kind, next);
+  } catch (...) {
+    side.moving = false;
+    side.forsaken = std::move(next);
+    if (side.bound.connection) {
+      ports_.window.Rebind(side.kind, side.bound);
+      side.forsaken = {};
+    }
+    throw;
+  }
+  side.moving = false;
+  side.forsaken = {};
+  ++side.binding;
+  return std::exchange(side.bound, std::move(next));
+}
+
+void DatabaseLifecycle::GoToTransferTab(const Side& side) {
+  if (MannerOf(side.kind).goes_to_transfer_tab) {
+    ports_.tabs.SelectTab(kTabDataTransfer);
+  }
+}
+
+void DatabaseLifecycle::StandBy(Side& side, std::string_view text) {
+  ShowPanel(side, kPanelName, text);
+  ClearPanels(side, {kPanelUnit, kPanelCreated, kPanelModified});
+}
+
+void DatabaseLifecycle::ClearPanels(Side& side, std::initializer_list<StatusPanel> panels) {
+  for (const StatusPanel panel : panels) {
+    ShowPanel(side, panel, {});
+  }
+}
+
+void DatabaseLifecycle::ShowPanel(Side& side, StatusPanel panel, std::string_view text) {
+  side.panels[panel] = text;
+  ports_.window.SetStatusPanel(side.kind, panel, text);
+}
+
+void DatabaseLifecycle::ShowPanels(Side& side, const PanelTexts& texts) {
+  if (texts == side.panels) {
+    return;
+  }
+  for (const auto& [panel, text] : texts) {
+    ShowPanel(side, panel, text);
+  }
+}
+
+void DatabaseLifecycle::EnableCommands(const Side& side) {
+  side.kind == DatabaseKind::kRecipe ? ports_.commands.EnableRecipeCommands()
+                                     : ports_.commands.EnableTransactionCommands();
+}
+
+void DatabaseLifecycle::DisableCommands(const Side& side) {
+  side.kind == DatabaseKind::kRecipe ? ports_.commands.DisableRecipeCommands()
+                                     : ports_.commands.DisableTransactionCommands();
+}
+
+}  // namespace vrx

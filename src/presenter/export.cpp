@@ -1,0 +1,156 @@
+#include "presenter/export.h"
+
+#include <filesystem>
+
+#include "base/text.h"
+#include "feed/key_filters.h"
+#include "feed/record_fields.h"
+#include "presenter/export_messages.h"
+#include "presenter/history.h"
+#include "settings/data_folder.h"
+
+namespace vrx {
+
+namespace fs = std::filesystem;
+
+namespace {
+
+// True while it lives.
+class Running {
+ public:
+  explicit Running(bool& flag) : flag_(flag) { flag_ = true; }
+  ~Running() { flag_ = false; }
+  Running(const Running&) = delete;
+  Running& operator=(const Running&) = delete;
+
+ private:
+  bool& flag_;
+};
+
+// The hourglass while it lives.
+class Busy {
+ public:
+  explicit Busy(Operator& op) : op_(op) { op_.SetBusy(true); }
+  ~Busy() { op_.SetBusy(false); }
+  Busy(const Busy&) = delete;
+  Busy& operator=(const Busy&) = delete;
+
+ private:
+  Operator& op_;
+};
+
+// The two fields stand as they were typed: a name with an extension of its own gets a second one.
+fs::path ComposePath(const ExportForm& form) {
+  fs::path path = form.txt_f_path;
+  path += fs::path::preferred_separator;
+  path += form.txt_f_name;
+  path += ExtensionOf(form.format);
+  return path;
+}
+
+}  // namespace
+
+void ExportTab::EnterExportTab() {
+  form_.progress_visible = false;
+  form_.lbl_data_group = ports_.host.DataGroup().text;
+  ports_.host.ConfigureImportColumns();
+  ports_.host.ExportChanged();
+}
+
+int ExportTab::KeyPressInFName(int key) {
+  return key == kBackspaceKey ? key : FilterDescriptionKey(key);
+}
+
+void ExportTab::ClickExport() {
+  if (running_) {
+    return;
+  }
+  const Running running(running_);
+  TrapExportError(ports_.op, ports_.settings, [&] { return ValidateExportInput() && RunExport(); });
+}
+
+bool ExportTab::ValidateExportInput() {
+  if (TrimBlanks(form_.txt_f_name).empty()) {
+    ShowExportMessage(ports_.op, Icon::kCritical, "Please enter File Name.");
+    ports_.host.FocusControl("txtFName");
+    return false;
+  }
+  if (TrimBlanks(form_.txt_f_path).empty()) {
+    ShowExportMessage(ports_.op, Icon::kCritical, "Please select File Path.");
+    Browse();
+    return false;
+  }
+  return HasDataToExport(ports_.op, ports_.host.DataGroup().grid);
+}
+
+bool ExportTab::RunExport() {
+  Folder::CheckPathAndCreate(form_.txt_f_path);
+  ShowExportProgress(true);
+  if (ports_.pump.Closing()) {
+    return false;
+  }
+  ExportOutcome outcome;
+  {
+    const Busy busy(ports_.op);
+    outcome = ExportDriver(ports_.style_sheets)
+                  .ExportGroup(ports_.host.DataGroup(), form_.format, ComposePath(form_),
+                               ports_.host.Databases());
+  }
+  if (outcome.done) {
+    form_.prg_export = form_.prg_export_max;
+    ports_.host.ExportChanged();
+  }
+  TellExportOutcome(ports_.op, outcome);
+  ShowExportProgress(false);
+  return outcome.done;
+}
+
+void ExportTab::ClickBrowse() {
+  if (!running_) {
+    Browse();
+  }
+}
+
+// A disc that cannot be written is not refused here: no folder of this platform is known by the
+// drive it lies on, and the export tells whatever it cannot write.
+void ExportTab::Browse() {
+  const std::string folder = ports_.files.ShowFolder("Choose the File Path for Exporting the Data");
+  if (!folder.empty()) {
+    form_.txt_f_path = folder;
+    ports_.host.ExportChanged();
+  }
+}
+
+void ExportTab::ClickReset() {
+  if (running_) {
+    return;
+  }
+  form_.txt_f_name.clear();
+  form_.txt_f_path.clear();
+  form_.format = ExportFormat::kCsv;
+  ports_.host.ExportChanged();
+}
+
+void ExportTab::ShowExportProgress(bool on) {
+  form_.progress_visible = on;
+  form_.prg_export_max = 100;
+  form_.lbl_data_group = ports_.host.DataGroup().text;
+  form_.prg_export = 0;
+  ports_.host.ExportChanged();
+  ports_.pump.Pump(Milliseconds{0});
+}
+
+void ExportTab::UpdateExportProgress(int step) {
+  const int sum = form_.prg_export + step;
+  form_.prg_export = sum > form_.prg_export_max ? 0 : sum;
+  ports_.host.ExportChanged();
+}
+
+DataGroupOnShow OnShow(HistoryView& view) {
+  return {.grid = view.Grid(),
+          .index = view.GroupIndex(),
+          .text = view.CurrentDataGroupText(),
+          .name = view.Picker().Text()};
+}
+
+}  // namespace vrx

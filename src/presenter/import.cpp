@@ -1,0 +1,200 @@
+#include "presenter/import.h"
+
+#include <cstddef>
+#include <utility>
+
+#include "base/number.h"
+#include "base/upper_case.h"
+#include "database/database_error.h"
+#include "exchange/import_columns.h"
+#include "exchange/unread_feeds.h"
+#include "presenter/database_identity.h"
+#include "settings/settings.h"
+
+namespace vrx {
+namespace {
+
+constexpr std::string_view kImportErrorTitle = "Import Error";
+
+std::string CountText(std::int32_t count) { return Format(static_cast<double>(count), "0"); }
+
+}  // namespace
+
+ImportSession::ImportSession(const Ports& ports)
+    : ports_(ports), store_(ports.op, ports.settings, ports.calendar, ports.progress, [this] {
+        ports_.host.SaveTransactionDatabase();
+      }) {
+  int number = 1;
+  for (ImportGridColumn& column : form_.grd_import_columns) {
+    column.caption = DesignImportCaption(number++);
+  }
+}
+
+bool ImportSession::ImportXFile() {
+  form_.grd_import_visible = true;
+  ports_.host.ImportChanged();
+  const FileChoice choice =
+      ports_.files.ShowOpen({.title = "Import Transaction File",
+                             .filter = "Transactions (*.QXT)|*.QXT",
+                             .default_extension = "QXT",
+                             .start_folder = ports_.system.CommonAppDataFolder(),
+                             .flags = kFileMustExist | kHideReadOnly});
+  return !choice.Cancelled() && ImportFile(choice);
+}
+
+bool ImportSession::ImportFile(const FileChoice& choice) {
+  file_.SetFilePath(choice.path);
+  file_.SetFileName(UnicodeUpperCase(choice.title));
+  EmptyImport();
+  ports_.host.SelectTab(kImportTab);
+  const bool imported = file_.LoadTransactionFile(ports_.op, [this] {
+    ports_.host.FocusControl("cmdImportFile");
+  }) && ParseAndShow();
+  ports_.host.ImportChanged();
+  if (imported) {
+    ports_.host.FocusControl("cmdImportStore");
+    TellUnreadFeeds();
+  }
+  return imported;
+}
+
+// Rows of an earlier file must not be stored in place of one that is refused.
+void ImportSession::EmptyImport() {
+  file_.ClearImport();
+  form_.grd_import_rows = kEmptyGridRows;
+  form_.cmd_import_store_enabled = false;
+  stored_ = false;
+}
+
+void ImportSession::TellUnreadFeeds() {
+  const std::vector<UnreadFeed>& feeds = file_.Imported().UnreadFeeds();
+  if (!feeds.empty()) {
+    ports_.op.ShowMessage({.icon = Icon::kWarning,
+                           .title = "Import",
+                           .text = UnreadFeedsText(feeds, "read"),
+                           .cause = UnreadFeedsList(feeds)});
+  }
+}
+
+bool ImportSession::ParseAndShow() {
+  const ImportHooks hooks{.configure_columns = [this] { ConfigureImportColumns(); },
+                          .show_grid =
+                              [this](std::int32_t rows) {
+                                form_.grd_import_visible = true;
+                                form_.grd_import_rows = rows;
+                                ports_.host.ImportChanged();
+                              }};
+  const std::string error =
+      file_.ParseTransactionFile(ports_.progress, hooks, ports_.op, ports_.settings);
+  const bool parsed = error.empty();
+  if (parsed) {
+    form_.lbl_trans_filename.caption = file_.FileName();
+    form_.lbl_trans_uom.caption = file_.FileUnits();
+    form_.lbl_records = {CountText(file_.FileRecordCount()), true};
+    form_.lbl_transactions.caption = CountText(file_.FileTransactionCount());
+  } else {
+    EmptyImport();
+  }
+  // A failed parse leaves lblRecords as it was.
+  form_.lbl_trans_filename.visible = parsed;
+  form_.lbl_trans_uom.visible = parsed;
+  form_.lbl_transactions.visible = parsed;
+  form_.cmd_import_store_enabled = parsed;
+  if (!parsed) {
+    ports_.host.ImportChanged();
+    ports_.op.ShowMessage({Icon::kCritical, Buttons::kOk, std::string(kImportErrorTitle), error});
+  }
+  return parsed;
+}
+
+void ImportSession::ConfigureImportColumns() {
+  const auto column_of = [this](int ingredient) -> ImportGridColumn& {
+    return form_.grd_import_columns.at(
+        static_cast<std::size_t>(kFirstIngredientWeight - 1 + ingredient - 1));
+  };
+  for (int ingredient = 1; ingredient <= kIngredientCount; ++ingredient) {
+    column_of(ingredient) = {};
+  }
+  try {
+    for (const IngredientRecord& record : ports_.host.GridIngredients()) {
+      if (record.id >= 1 && record.id <= kIngredientCount) {
+        column_of(record.id).caption = UnicodeUpperCase(record.name);
+      }
+    }
+  } catch (const DatabaseError& error) {
+    ports_.identity.ShowDatabaseError(error.Number(), kImportErrorTitle, error.what());
+  }
+  for (int ingredient = 1; ingredient <= kIngredientCount; ++ingredient) {
+    column_of(ingredient).visible = !column_of(ingredient).caption.empty();
+  }
+  ports_.host.ImportChanged();
+}
+
+void ImportSession::EnterImportTab() {
+  ports_.progress.SetProgressMessage({});
+  for (ImportLabel* label : {&form_.lbl_trans_filename, &form_.lbl_trans_uom, &form_.lbl_records,
+                             &form_.lbl_transactions}) {
+    label->caption.clear();
+  }
+  form_.pic_import_progress_visible = ports_.settings.ShowImportProgressOn();
+  if (form_.pic_import_progress_visible) {
+    ports_.progress.SetProgressValue(0);
+  }
+  ConfigureImportColumns();
+}
+
+void ImportSession::ShowOrHideProgress() {
+  form_.pic_import_progress_visible = ports_.settings.ShowImportProgressOn();
+  ports_.host.ImportChanged();
+}
+
+StoreOutcome ImportSession::ClickImportStore() {
+  const OpenDatabases databases = ports_.host.Databases();
+  if (databases.trans_db_path.empty()) {
+    Refuse(
+        "Please open the Transaction database where you want the imported data to be stored, "
+        "...then click 'Store'.");
+    return {};
+  }
+  if (!databases.trans_db_read_only_note.empty()) {
+    Refuse("The Transaction database is read-only, so that nothing can be stored in it: " +
+           databases.trans_db_read_only_note);
+    return {};
+  }
+  if (databases.recipe_db_path.empty()) {
+    Refuse(
+        "Please open a Recipe database associated with this imported transaction data so that "
+        "proper ingredient, recipe and pen names can be assigned.");
+    return {};
+  }
+  if (!ConfirmUnits(databases)) {
+    return {};
+  }
+  form_.cmd_import_store_enabled = true;
+  ports_.host.ImportChanged();
+  return store_.StoreImportedTransactions(file_.Imported(), databases, stored_);
+}
+
+void ImportSession::Refuse(std::string text) {
+  ports_.op.ShowMessage(
+      {Icon::kWarning, Buttons::kOk, std::string(kStoreErrorTitle), std::move(text)});
+}
+
+bool ImportSession::ConfirmUnits(const OpenDatabases& databases) {
+  const std::string& units = file_.FileUnits();
+  if (units == ports_.settings.SystemUnits() && units == databases.trans_db_uom) {
+    return true;
+  }
+  return ports_.op.ShowMessage({.icon = Icon::kCritical,
+                                .buttons = Buttons::kOkCancel,
+                                .title = "Weight Units Error",
+                                .text =
+                                    "The units-of-measure of the imported transaction file is not "
+                                    "the same as the transaction database.\r\n\r\n"
+                                    "Storing the current transactions will result in "
+                                    "incorrect weight totals in the transaction database."
+                                    "Do you wish to continue?",
+                                .refuses_by_default = true}) == Answer::kOk;
+}
+
+}  // namespace vrx

@@ -1,0 +1,126 @@
+#pragma once
+
+#include <array>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "database/open_databases.h"
+#include "database/records.h"
+#include "exchange/import_columns.h"
+#include "exchange/imported_data.h"
+#include "exchange/store.h"
+#include "exchange/trans_file.h"
+#include "platform/calendar.h"
+#include "platform/file_chooser.h"
+#include "platform/operator.h"
+#include "platform/progress_display.h"
+#include "platform/system_info.h"
+
+namespace vrx {
+
+class DatabaseIdentity;
+class PrivateINI;
+
+inline constexpr int kImportTab = 5;
+
+// What the import asks of the main window.
+class ImportHost {
+ public:
+  virtual ~ImportHost() = default;
+
+  virtual OpenDatabases Databases() const = 0;
+
+  // The rows that `grdING` lists now; none when no recipe database is open. May throw
+  // DatabaseError.
+  virtual std::vector<IngredientRecord> GridIngredients() = 0;
+
+  // Selecting the Import tab leads to ImportSession::EnterImportTab.
+  virtual void SelectTab(int tab) = 0;
+
+  // Gives the control of that name the focus if it is visible and enabled.
+  virtual void FocusControl(std::string_view name) = 0;
+
+  // The menu command: closes and reopens the transaction database.
+  virtual void SaveTransactionDatabase() = 0;
+
+  // What the session holds has changed: time to show it.
+  virtual void ImportChanged() = 0;
+};
+
+struct ImportLabel {
+  std::string caption;
+  bool visible = true;
+};
+
+inline constexpr int kEmptyGridRows = 1;  // of a grid without an import
+
+// The controls of the Import tab.
+struct ImportForm {
+  ImportLabel lbl_trans_filename;
+  ImportLabel lbl_trans_uom;
+  ImportLabel lbl_records;       // rows
+  ImportLabel lbl_transactions;  // batches
+  bool cmd_import_store_enabled = false;
+  bool pic_import_progress_visible = false;
+  bool grd_import_visible = true;
+  int grd_import_rows = kEmptyGridRows;
+  std::array<ImportGridColumn, kImportColumns> grd_import_columns;  // column n at n - 1
+};
+
+// From a transaction file to stored rows, as the Import tab leads it: holds the form's state, and
+// the import itself.
+class ImportSession {
+ public:
+  struct Ports {
+    Operator& op;
+    FileChooser& files;
+    const SystemInfo& system;
+    const PrivateINI& settings;
+    const Calendar& calendar;
+    DatabaseIdentity& identity;
+    ProgressDisplay& progress;
+    ImportHost& host;
+  };
+
+  explicit ImportSession(const Ports& ports);
+  ImportSession(const ImportSession&) = delete;
+  ImportSession& operator=(const ImportSession&) = delete;
+
+  // Asks for a file and imports it. False after a cancel, with nothing changed but the grid shown,
+  // and after a failure that the operator was told.
+  bool ImportXFile();
+
+  // The same for a file already chosen.
+  bool ImportFile(const FileChoice& choice);
+
+  // Captions and visibility of the 100 ingredient columns by the names of the open recipe database.
+  void ConfigureImportColumns();
+
+  void EnterImportTab();
+
+  // The tab strip takes the focus while the Import tab is on show.
+  void ShowOrHideProgress();
+
+  // The click of `cmdImportStore`: checks databases and units, then stores.
+  StoreOutcome ClickImportStore();
+
+  const ImportForm& Form() const { return form_; }
+  const TransFile& File() const { return file_; }
+  bool StoredFlag() const { return stored_; }
+
+ private:
+  bool ParseAndShow();
+  void EmptyImport();
+  void TellUnreadFeeds();
+  void Refuse(std::string text);
+  bool ConfirmUnits(const OpenDatabases& databases);
+
+  Ports ports_;
+  TransactionStore store_;
+  TransFile file_;
+  ImportForm form_;
+  bool stored_ = false;
+};
+
+}  // namespace vrx

@@ -1,0 +1,130 @@
+#include "presenter/legacy_conversion.h"
+
+#include <exception>
+#include <string>
+
+#include "base/files.h"
+#include "database/database_error.h"
+#include "database/kind_words.h"
+#include "legacy/jet_file.h"
+#include "legacy/legacy_error.h"
+#include "presenter/create_database.h"
+#include "presenter/tell_failure.h"
+
+namespace vrx {
+
+namespace fs = std::filesystem;
+
+namespace {
+
+using Outcome = EarlierDatabase::Outcome;
+
+// A file that cannot be read is for the road of any file to tell.
+JetFileKind KindOfFile(const fs::path& path) {
+  try {
+    std::error_code ignored;
+    return fs::is_regular_file(path, ignored) ? InspectJetFile(path) : JetFileKind::kOther;
+  } catch (const FileError&) {
+    return JetFileKind::kOther;
+  }
+}
+
+// The progress stands from its making to its end.
+class Progress {
+ public:
+  explicit Progress(ConversionDisplay& display) : display_(display) { display_.BeginProgress(); }
+  ~Progress() { display_.EndProgress(); }
+  Progress(const Progress&) = delete;
+  Progress& operator=(const Progress&) = delete;
+
+ private:
+  ConversionDisplay& display_;
+};
+
+}  // namespace
+
+EarlierDatabase ConversionOffer::Offer(DatabaseKind kind, const fs::path& path) {
+  const JetFileKind file = KindOfFile(path);
+  if (!IsJetFile(file)) {
+    return {.outcome = Outcome::kGoOn};
+  }
+  if (file != JetFileKind::kJet4) {
+    Refuse(JetFileRefusal(file, path.filename().string()));
+    return {.outcome = Outcome::kEnd};
+  }
+  if (!Asked()) {
+    return {.outcome = Outcome::kGoOn};
+  }
+  const std::optional<fs::path> copy = AskCopy(kind);
+  if (!copy || !Convert(kind, path, *copy)) {
+    return {.outcome = Outcome::kEnd};
+  }
+  return {.outcome = Outcome::kOpenCopy, .copy = *copy};
+}
+
+bool ConversionOffer::Asked() {
+  return ports_.op.ShowMessage(
+             {.icon = Icon::kQuestion,
+              .buttons = Buttons::kYesNo,
+              .title = std::string(kConversionTitle),
+              .text = "This database was made by an earlier version of the program. Convert a copy "
+                      "of it and open the copy?"}) == Answer::kYes;
+}
+
+std::optional<fs::path> ConversionOffer::AskCopy(DatabaseKind kind) {
+  const KindWords& words = WordsOf(kind);
+  while (true) {
+    const FileChoice choice =
+        ports_.files.ShowSave({.title = "Save Converted Copy As...",
+                               .filter = std::string(words.filter),
+                               .default_extension = std::string(words.extension),
+                               .start_folder = ports_.app_folder.DefaultAppPath().string(),
+                               .flags = kShortNames | kHideReadOnly});
+    if (choice.Cancelled()) {
+      return std::nullopt;
+    }
+    if (!AcceptDatabaseName(choice.title, ports_.op)) {
+      continue;
+    }
+    if (!FileExists(choice.path)) {
+      return choice.path;
+    }
+    Refuse("A file by the name " + choice.title +
+           " already exists. Choose another name: the copy does not replace a file.");
+  }
+}
+
+bool ConversionOffer::Convert(DatabaseKind kind, const fs::path& old_file, const fs::path& copy) {
+  ConversionReport report;
+  try {
+    const Progress progress(ports_.display);
+    report = ConvertLegacyDatabase(
+        {.old_file = old_file,
+         .new_file = copy,
+         .program_directory = ports_.system.ProgramDirectory(),
+         .default_unit = ports_.settings.SystemUnits(),
+         .kind = kind},
+        {.runner = ports_.runner, .progress = ports_.display, .go_on = [this] {
+           ports_.pump.Pump(Milliseconds{0});
+           return !ports_.pump.Closing() && !ports_.display.Cancelled();
+         }});
+  } catch (const ConversionStopped&) {
+    return false;
+  } catch (const DatabaseError& failure) {
+    TellFailure(ports_.op, kConversionErrorTitle, failure);
+    return false;
+  } catch (const std::exception& failure) {
+    Refuse(failure.what());
+    return false;
+  }
+  ports_.display.ShowReport(ReportText(report), copy.stem().string() + ".TXT");
+  return !ports_.pump.Closing();
+}
+
+void ConversionOffer::Refuse(std::string_view text) {
+  ports_.op.ShowMessage({.icon = Icon::kCritical,
+                         .title = std::string(kConversionErrorTitle),
+                         .text = std::string(text)});
+}
+
+}  // namespace vrx

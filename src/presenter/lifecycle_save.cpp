@@ -1,0 +1,185 @@
+// Close, Save and Save As, and the question about an open database's unit.
+
+#include <exception>
+#include <system_error>
+#include <utility>
+
+#include "base/files.h"
+#include "base/text.h"
+#include "base/upper_case.h"
+#include "database/copy_database.h"
+#include "database/kind_words.h"
+#include "presenter/database_commands.h"
+#include "presenter/lifecycle_manner.h"
+#include "presenter/tell_failure.h"
+
+namespace vrx {
+
+namespace fs = std::filesystem;
+
+namespace {
+
+constexpr std::string_view kAllFiles = "|All Files (*.*)|*.*";
+
+std::string UnitQuestion(const BoundDatabase& database, const std::string& system_unit) {
+  const std::string labelled = database.unit.empty()
+                                   ? " have no unit; this system works in "
+                                   : " are labelled " + database.unit + "; this system works in ";
+  return "The weights of " + FileTitle(database.path) + labelled + system_unit + ". Label them " +
+         system_unit + " from now on? No figure is converted.";
+}
+
+}  // namespace
+
+// Close and Save.
+
+// Goes to its end whatever happens on the way: the side must not stay half open.
+void DatabaseLifecycle::Close(Side& side) {
+  const std::string_view title = WordsOf(side.kind).close_failure;
+  side.current = {};
+  Trapped(title, [&] { BindBlank(side); });
+  ClearPanels(side, {kPanelName, kPanelUnit, kPanelCreated, kPanelModified});
+  ports_.window.ShowUnit(side.kind, side.bound.unit);
+  DisableCommands(side);
+  Trapped(title, [&] { ports_.tabs.SelectTab(kTabDataTransfer); });
+}
+
+void DatabaseLifecycle::BindBlank(Side& side) {
+  try {
+    const fs::path directory = ports_.system.ProgramDirectory();
+    Bind(side, BindBlankTemplate(directory / WordsOf(side.kind).template_name, lock_wait_));
+  } catch (const std::exception& failure) {
+    TellFailure(ports_.op, WordsOf(side.kind).close_failure, failure);
+    Bind(side, BindBlankInMemory(side.kind));
+  }
+}
+
+// Opens again what is open, whatever path and name say. The file is looked at before the close, so
+// that one which cannot be opened again stays open.
+void DatabaseLifecycle::Save(Side& side) {
+  if (!IsOpen(side.kind)) {
+    return;
+  }
+  const CurrentDatabase kept = side.current;
+  const FileToOpen file{
+      .path = side.bound.path, .name = FileTitle(side.bound.path), .unit_asked = side.unit_asked};
+  if (!IsUserDatabase(side, file)) {
+    return;
+  }
+  Close(side);
+  side.current.path = kept.path;
+  side.current.name = kept.name;
+  Open(side, file);
+}
+
+// Save As.
+
+bool DatabaseLifecycle::AskSaveAs(Side& side) {
+  const KindWords& words = WordsOf(side.kind);
+  bool chosen = false;
+  Trapped(words.save_as_failure, [&] {
+    const FileChoice choice =
+        ports_.files.ShowSave({.title = std::string(words.save_as_dialog_title),
+                               .filter = std::string(words.filter).append(kAllFiles),
+                               .default_extension = std::string(words.extension),
+                               .flags = kShortNames | kHideReadOnly | kOverwritePrompt});
+    const LifecycleManner& manner = MannerOf(side.kind);
+    if (choice.Cancelled() || !ports_.delay.Wait(manner.save_as_delay) ||
+        (manner.save_as_tests_name && !AcceptDatabaseName(choice.title, ports_.op))) {
+      return;
+    }
+    save_as_path_ = choice.path;
+    save_as_name_ = UnicodeUpperCase(choice.title);
+    chosen = true;
+  });
+  return chosen;
+}
+
+void DatabaseLifecycle::SaveAs(Side& side) {
+  if (!IsOpen(side.kind) || !AskSaveAs(side)) {
+    return;
+  }
+  Trapped(WordsOf(side.kind).save_as_failure, [&] {
+    const fs::path source = side.bound.path;
+    const fs::path target = save_as_path_;
+    const std::string name = save_as_name_;
+    Close(side);
+    RequireUnbound(target);
+    CopyDatabaseFile(source, target, lock_wait_);
+    Open(side, {.path = target, .name = name});
+  });
+}
+
+// The views of the other database must not be left on a file that is no longer there.
+void DatabaseLifecycle::RequireUnbound(const fs::path& target) const {
+  for (const Side* side : {&recipe_, &transaction_}) {
+    std::error_code not_there;
+    if (!side->bound.path.empty() && fs::equivalent(target, side->bound.path, not_there)) {
+      throw FileError(target.string() + " is in use by this program");
+    }
+  }
+}
+
+// Units.
+
+void DatabaseLifecycle::WarnIfUnitsDiffer(std::string_view unit) {
+  if (unit != ports_.settings.SystemUnits()) {
+    ports_.op.ShowMessage(
+        {.icon = Icon::kWarning,
+         .title = "Weight Units Error",
+         .text = "The weight units-of-measure of the database file you have selected is not the "
+                 "same as the current system setting. If you continue, this will likely result in "
+                 "invalid weight totals being calculated."});
+  }
+}
+
+void DatabaseLifecycle::AskAboutUnits() {
+  AskAboutUnit(recipe_);
+  AskAboutUnit(transaction_);
+}
+
+bool DatabaseLifecycle::MayRelabel(const Side& side) const {
+  return IsOpen(side.kind) && !side.moving && side.bound.read_only_note.empty() &&
+         side.bound.unit != ports_.settings.SystemUnits();
+}
+
+// While the question is up, an event may open another database.
+void DatabaseLifecycle::AskAboutUnit(Side& side) {
+  if (side.unit_asked || !MayRelabel(side)) {
+    return;
+  }
+  side.unit_asked = true;
+  const std::string unit = ports_.settings.SystemUnits();
+  const int binding = side.binding;
+  const Answer answer = ports_.op.ShowMessage({.icon = Icon::kQuestion,
+                                               .buttons = Buttons::kYesNo,
+                                               .title = "Weight Units",
+                                               .text = UnitQuestion(side.bound, unit),
+                                               .refuses_by_default = true});
+  if (answer != Answer::kYes || binding != side.binding ||
+      !ports_.identity.SetDatabaseUoM(*side.bound.connection, unit)) {
+    return;
+  }
+  side.bound.unit = unit;
+  side.current.unit = unit;
+  ShowPanel(side, kPanelUnit, unit);
+  ports_.window.ShowUnit(side.kind, unit);
+}
+
+// Start and end of the program.
+
+void DatabaseLifecycle::Recall(DatabaseKind kind, const fs::path& path, const std::string& name) {
+  Side& side = SideOf(kind);
+  side.current.path = path;
+  side.current.name = name;
+}
+
+void DatabaseLifecycle::Release() {
+  ports_.window.ReleaseViews();
+  for (Side* side : {&recipe_, &transaction_}) {
+    side->bound = {};
+    side->forsaken = {};
+  }
+}
+
+}  // namespace vrx

@@ -1,0 +1,115 @@
+#include "presenter/record_actions.h"
+
+#include "base/text.h"
+#include "database/records.h"
+#include "feed/record_reset.h"
+#include "feed/update_recipes.h"
+#include "feed/where_used.h"
+#include "settings/settings.h"
+
+namespace vrx {
+namespace {
+
+constexpr std::string_view kUpdateTitle = "Update Recipes";
+constexpr std::string_view kScanning = "Scanning database...";
+constexpr std::string_view kSearchTitle = "Where Used (in Recipes)";
+
+std::string StoredName(SQLite::Database& database, RecordKind kind, int id) {
+  switch (kind) {
+    case RecordKind::kIngredient:
+      return ReadIngredient(database, id).name;
+    case RecordKind::kRecipe:
+      return ReadRecipe(database, id).name;
+    case RecordKind::kPen:
+      break;
+  }
+  return ReadPen(database, id).name;
+}
+
+Answer Ask(const FeedPorts& ports, const RecordKindTraits& traits, const std::string& record) {
+  return ports.op.ShowMessage({.icon = Icon::kQuestion,
+                               .buttons = Buttons::kYesNo,
+                               .title = std::string(traits.reset_title),
+                               .text = "Reset " + record + std::string(traits.reset_question_end)});
+}
+
+void TellUsed(const FeedPorts& ports, const RecordKindTraits& traits, const std::string& record) {
+  ports.op.ShowMessage(
+      {.icon = Icon::kWarning,
+       .buttons = Buttons::kOkCancel,
+       .title = std::string(traits.reset_title),
+       .text = "Sorry, cannot reset " + record + std::string(traits.reset_refusal_end)});
+}
+
+void TellFailures(Operator& op, const std::string& failures) {
+  if (!failures.empty()) {
+    op.ShowMessage(
+        {.icon = Icon::kWarning,
+         .title = std::string(kUpdateTitle),
+         .text = "These recipes could not be computed and stay as they were:" + failures});
+  }
+}
+
+}  // namespace
+
+ResetOutcome AskAndReset(SQLite::Database& database, RecordKind kind, int id,
+                         const FeedPorts& ports) {
+  const RecordKindTraits& traits = TraitsOf(kind);
+  ResetOutcome outcome = ResetOutcome::kNotReset;
+  RunFeedAction(database, ports, traits.reset_title, [&] {
+    const std::string record = std::string(traits.noun) + " #" + std::to_string(id) + " (" +
+                               StoredName(database, kind, id) + ")";
+    if (Ask(ports, traits, record) != Answer::kYes) {
+      return false;
+    }
+    ports.op.SetBusy(true);
+    const bool reset = ResetRecord(database, kind, id, ports.calendar);
+    ports.op.SetBusy(false);
+    outcome = reset ? ResetOutcome::kReset : ResetOutcome::kInUse;
+    if (!reset) {
+      TellUsed(ports, traits, record);
+    } else if (traits.reset_beeps) {
+      BeepIfEnabled(ports.op, ports.settings);
+    }
+    return reset;
+  });
+  return outcome;
+}
+
+bool UpdateRecipes(SQLite::Database& database, ProgressDisplay& progress, const FeedPorts& ports) {
+  progress.SetProgressMessage(kScanning);
+  progress.SetProgressRange(kRecipeCount);
+  std::string failures;
+  const bool stored = RunFeedAction(database, ports, kUpdateTitle, [&] {
+    ports.op.SetBusy(true);
+    failures = RecomputeAllRecipes(database, progress, ports.calendar);
+    ports.op.SetBusy(false);
+    return true;
+  });
+  progress.SetProgressMessage({});
+  if (!stored) {
+    return false;
+  }
+  TellFailures(ports.op, failures);
+  BeepIfEnabled(ports.op, ports.settings);
+  return failures.empty();
+}
+
+std::vector<std::string> SearchWhereUsed(SQLite::Database& database, int ingredient_id,
+                                         const FeedPorts& ports) {
+  std::vector<std::string> items;
+  RunFeedAction(database, ports, kSearchTitle, [&] {
+    ports.op.SetBusy(true);
+    const std::vector<WhereUsed> found = FindWhereIngUsed(database, ingredient_id, false);
+    ports.op.SetBusy(false);
+    items.emplace_back(found.empty() ? "Not Used" : "Done!");
+    for (const WhereUsed& use : found) {
+      items.push_back(FormatIdPrefix(use.recipe_id) + use.recipe_name);
+    }
+    BeepIfEnabled(ports.op, ports.settings);
+    return true;
+  });
+  return items;
+}
+
+}  // namespace vrx

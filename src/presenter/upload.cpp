@@ -1,0 +1,185 @@
+#include "presenter/upload.h"
+
+#include <utility>
+
+#include "base/text.h"
+#include "link/control_characters.h"
+#include "link/rescue_file.h"
+#include "presenter/transfer_status.h"
+#include "settings/settings.h"
+
+namespace vrx {
+
+namespace {
+
+constexpr Milliseconds kUploadingInterval{500};
+
+}  // namespace
+
+Upload::Upload(KRMCOMM& krm, DataTransfer& transfer, EventPump& pump, Operator& op,
+               const PrivateINI& settings)
+    : krm_(krm), transfer_(transfer), pump_(pump), op_(op), settings_(settings) {}
+
+void Upload::UploadDataFromKRM() {
+  if (transfer_.connection == Connection::kModule) {
+    const LineGuard::Claim line = krm_.Guard().TakeForCommand();
+    if (line) {
+      ClearTab();
+      ListDataFiles(UploadFromModule());
+      transfer_.reload_enabled = true;
+    }
+    return;
+  }
+  ClearTab();
+  const int count = ReadDirectMemory();
+  ListDataFiles(count);
+  if (count < 1) {
+    op_.SetStatusLine("No data files in memory!");
+  } else {
+    transfer_.reload_enabled = false;
+  }
+}
+
+void Upload::ClearTab() {
+  transfer_.data_window.clear();
+  transfer_.file_path.clear();
+  op_.SetStatusLine("");
+  transfer_.recipe_frames_visible = false;
+}
+
+int Upload::UploadFromModule() {
+  transfer_.data_window.clear();
+  TellStandby(op_);
+  const Hourglass hourglass(op_);
+  if (!krm_.KRM_OnlineCheck()) {
+    ModuleNotDetected();
+    return 0;
+  }
+  const auto tim_uploading = pump_.StartTicker(kUploadingInterval, [this] {
+    op_.SetStatusLine("Uploading from KRM....  " + std::to_string(krm_.GL_KRM_RxDCount()) +
+                      " bytes");
+  });
+  if (!krm_.KRM_Dump()) {
+    TellFailed(op_, "Error: " + (krm_.GS_KRM_ErrMsg().empty() ? krm_.KRM_FailureCause()
+                                                              : krm_.GS_KRM_ErrMsg()));
+    return 0;
+  }
+  return TakeReply();
+}
+
+void Upload::ModuleNotDetected() {
+  if (pump_.Closing()) {
+    TellFailed(op_, "Error: " + krm_.GS_KRM_ErrMsg());
+    return;
+  }
+  BeepIfEnabled(op_, settings_);
+  op_.ShowMessage({.icon = Icon::kWarning,
+                   .title = "KRM Error",
+                   .text = "The KRM was not detected. Please verify that the module is connected. "
+                           "Check cable and connector and then try again.",
+                   .cause = krm_.KRM_FailureCause()});
+  TellFailed(op_, krm_.KRM_LineHeld() ? "Error: Serial line held" : "Error: KRM not detected");
+}
+
+int Upload::TakeReply() {
+  krm_.KRM_TakeUnread();
+  transfer_.received.OtherIntoBlock();
+  transfer_.transfer_block = krm_.KRM_ExtractData(krm_.GS_KRM_RxDBuffer());
+  if (transfer_.transfer_block.empty()) {
+    transfer_.data_window.clear();
+    TellFailed(op_, krm_.GS_KRM_ErrMsg());
+    return 0;
+  }
+  // With the framing, without what followed it.
+  return CutFiles("Upload complete!", krm_.GS_KRM_RxDBuffer().rfind(KRMConst::US) + 1);
+}
+
+void Upload::UploadFromFile(const std::filesystem::path& file) {
+  std::string bytes = ReadRescueFile(file);
+  ClearTab();
+  transfer_.file_path = file.string();
+  transfer_.received.OtherIntoBlock();
+  transfer_.transfer_block = std::move(bytes);
+  int count = 0;
+  if (transfer_.transfer_block.empty()) {
+    TellFailed(op_, "The file is empty");
+  } else {
+    count = CutFiles("Memory read complete!", transfer_.transfer_block.size());
+  }
+  ListDataFiles(count);
+  transfer_.reload_enabled = true;
+}
+
+int Upload::ReadDirectMemory() {
+  transfer_.data_window.clear();
+  op_.SetStatusColor(StatusColor::kBlue);
+  transfer_.received.ImageIntoBlock();
+  transfer_.transfer_block = krm_.GS_KRM_VirtualMemory();
+  if (transfer_.transfer_block.empty()) {
+    op_.Beep();
+    op_.ShowMessage({.icon = Icon::kWarning,
+                     .title = "KRM Error",
+                     .text = "There is no file data in the KRM memory. "});
+    return 0;
+  }
+  op_.SetStatusLine("Standby...");
+  const Hourglass hourglass(op_);
+  return CutFiles("Memory read complete!", transfer_.transfer_block.size());
+}
+
+int Upload::CutFiles(std::string_view done_words, std::size_t told_bytes) {
+  transfer_.block_is_cut = false;
+  try {
+    const int count = krm_.KRM_ExtractFiles(transfer_.transfer_block);
+    transfer_.block_is_cut = count > 0;
+    if (count == 0) {
+      transfer_.data_window = transfer_.transfer_block;
+      krm_.GS_KRM_ErrMsg("No recognized data file!");
+      TellFailed(op_, krm_.GS_KRM_ErrMsg());
+      return 0;
+    }
+    TellComplete(op_, std::string(done_words) + "  (" + std::to_string(told_bytes) + " bytes, " +
+                          std::to_string(count) + (count > 1 ? " files)" : " file)"));
+    return count;
+  } catch (const TooManyFilesError& error) {
+    transfer_.data_window = transfer_.transfer_block;
+    krm_.GS_KRM_ErrMsg(std::string("Error: ") + error.what() + ", the rest is not listed");
+    TellFailed(op_, krm_.GS_KRM_ErrMsg());
+    return kMaxDataFiles;
+  }
+}
+
+void Upload::ListDataFiles(int count) {
+  transfer_.data_files.clear();
+  transfer_.selected_row = -1;
+  for (int file = 1; file <= count; ++file) {
+    const DataFileType type = krm_.GL_KRM_FileAttributes(file).type;
+    transfer_.data_files.push_back(
+        {.file = file, .text = std::string(DataFileTypeName(type)) + " - " + std::to_string(file)});
+  }
+  if (count > 0) {
+    transfer_.data_files_frame_visible = true;
+  }
+}
+
+void Upload::DataFilesClick(int row) {
+  ShowDataFile(row + 1);
+  for (int other = 0; other < static_cast<int>(transfer_.data_files.size()); ++other) {
+    transfer_.data_files[static_cast<std::size_t>(other)].checked = other == row;
+  }
+  transfer_.selected_row = row;
+  BeepIfEnabled(op_, settings_);
+}
+
+void Upload::ShowDataFile(int file) {
+  const FileAttributes& attributes = krm_.GL_KRM_FileAttributes(file);
+  const int end = attributes.position - 1 + attributes.length;
+  if (attributes.position < 1 || end > static_cast<int>(transfer_.transfer_block.size())) {
+    throw Error("there is no data file " + std::to_string(file));
+  }
+  transfer_.data_window =
+      transfer_.transfer_block.substr(static_cast<std::size_t>(attributes.position) - 1,
+                                      static_cast<std::size_t>(attributes.length));
+}
+
+}  // namespace vrx

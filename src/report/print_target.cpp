@@ -1,0 +1,111 @@
+#include "report/print_target.h"
+
+#include <QIODevice>
+#include <QLocale>
+#include <QPageLayout>
+#include <QPageSize>
+#include <QPdfWriter>
+#include <optional>
+#include <string_view>
+
+#include "base/files.h"
+#include "base/replacing_file.h"
+#include "database/keep_database.h"
+
+namespace vrx {
+namespace {
+
+constexpr double kMarginMillimetres = 12;
+constexpr int kDotsPerInch = 1200;
+
+// What the writer of the PDF puts out, piece by piece. A failure shows at its end: the writer
+// does not pass it on.
+class OutFile : public QIODevice {
+ public:
+  explicit OutFile(const std::filesystem::path& path) : path_(path), file_(path) {
+    open(WriteOnly);
+  }
+
+  bool isSequential() const override { return true; }
+
+  void CloseAndTakePlace() {
+    close();
+    if (failure_) {
+      throw FileError(*failure_);
+    }
+    KeepDatabase(path_);  // One may have been made while the report was printed.
+    file_.TakePlace();
+  }
+
+ protected:
+  qint64 readData(char* /*data*/, qint64 /*most*/) override { return -1; }
+
+  qint64 writeData(const char* data, qint64 size) override {
+    if (failure_) {
+      return size;
+    }
+    try {
+      file_.Write(std::string_view(data, static_cast<std::size_t>(size)));
+    } catch (const FileError& failure) {
+      failure_ = failure.what();
+    }
+    return size;
+  }
+
+ private:
+  std::filesystem::path path_;
+  ReplacingFile file_;
+  std::optional<std::string> failure_;
+};
+
+class PdfFile : public Paper {
+ public:
+  PdfFile(const std::filesystem::path& path, const std::string& title) : file_(path) {
+    writer_.emplace(&file_);
+    writer_->setResolution(kDotsPerInch);
+    writer_->setTitle(QString::fromStdString(title));
+    writer_->setCreator(QStringLiteral("VRX-2260 Transfer Data Software"));
+    const bool letter = QLocale::system().measurementSystem() == QLocale::ImperialUSSystem;
+    writer_->setPageSize(QPageSize(letter ? QPageSize::Letter : QPageSize::A4));
+    SetUpPaper(*writer_);
+  }
+
+  QPagedPaintDevice& Device() override { return *writer_; }
+
+  void Finish() override {
+    writer_.reset();
+    file_.CloseAndTakePlace();
+  }
+
+ private:
+  OutFile file_;
+  std::optional<QPdfWriter> writer_;
+};
+
+}  // namespace
+
+std::unique_ptr<Paper> MakePdfFile(const std::filesystem::path& path, const std::string& title) {
+  KeepDatabase(path);
+  return std::make_unique<PdfFile>(path, title);
+}
+
+void SetUpPaper(QPagedPaintDevice& device) {
+  device.setPageOrientation(QPageLayout::Portrait);
+  device.setPageMargins(
+      {kMarginMillimetres, kMarginMillimetres, kMarginMillimetres, kMarginMillimetres},
+      QPageLayout::Millimeter);
+}
+
+bool PrintOn(Paper& paper, const std::function<bool(ReportJob&)>& print) {
+  {
+    ReportJob job(paper.Device());
+    if (!print(job)) {
+      return false;
+    }
+    job.End();
+  }
+  paper.Finish();
+  return true;
+}
+
+}  // namespace vrx

@@ -1,0 +1,105 @@
+#pragma once
+
+#include <QFont>
+#include <QPagedPaintDevice>
+#include <QString>
+#include <QStringList>
+#include <QTextOption>
+#include <cstdint>
+#include <vector>
+
+#include "report/report.h"
+
+namespace vrx {
+
+// Columns that stand side by side on a page, `end` not among them.
+struct ColumnStrip {
+  std::size_t begin;
+  std::size_t end;
+};
+
+// How a report lies on the pages of a device: measured once, the same on every page. Lengths are
+// pixels of the device. The texts of a report of many rows are measured by a sample of them; a text
+// that turns out wider than its column is to be drawn narrower.
+class ReportLayout {
+ public:
+  // The design and the device outlive it.
+  ReportLayout(const ReportDesign& design, ReportRows& rows, const QPagedPaintDevice& device);
+
+  double PageWidth() const { return page_width_; }
+  double PageHeight() const { return page_height_; }
+
+  // The lines of the header, broken where they are too long for their place.
+  const QStringList& HeaderCenter() const { return header_center_; }
+  const QStringList& HeaderRight() const { return header_right_; }
+  double HeaderLine() const { return header_line_; }
+  double FooterTop() const { return page_height_ - header_line_; }
+
+  double CaptionTop() const { return caption_top_; }
+  double CaptionLine() const { return caption_line_; }
+  double CaptionHeight() const { return caption_height_; }
+  // Of a column, top line first.
+  const QStringList& CaptionLines(std::size_t column) const { return caption_lines_[column]; }
+
+  double RowsTop() const { return caption_top_ + caption_height_; }
+  double RowHeight() const { return row_height_; }
+  double ColumnWidth(std::size_t column) const { return widths_[column]; }
+  double Padding() const { return padding_; }
+  double Indent() const { return indent_; }
+  double Hairline() const { return hairline_; }
+
+  const QFont& HeaderFont() const { return header_font_; }
+  const QFont& CaptionFont() const { return caption_font_; }
+  const QFont& RowFont(ReportRowKind kind) const {
+    return kind == ReportRowKind::kRecord ? row_font_ : bold_font_;
+  }
+
+  // The size of the letters of a record.
+  double LetterPoints() const { return row_font_.pointSizeF(); }
+
+  // A report that is too wide goes on several sheets that lie side by side.
+  const std::vector<ColumnStrip>& Strips() const { return strips_; }
+
+  // The first row of the page behind the one that begins with that row; Count() + 1 at the end.
+  std::int64_t NextStart(std::int64_t start, ReportRows& rows) const;
+  // Looks at the rows at page ends only.
+  std::int64_t PageCount(ReportRows& rows) const;
+
+ private:
+  void LayOutHeader(const PageTexts& texts);
+  void SetFonts(double scale);
+  void MeasureColumns(ReportRows& rows);
+  void MeasureRow(const ReportRow& row);
+  void FitColumns();
+  void LayOutCaptions();
+  void CutStrips();
+  double TextWidth(const QString& text, const QFont& font) const;
+  QStringList Broken(const std::string& text, const QFont& font, double width,
+                     QTextOption::WrapMode mode) const;
+
+  const ReportDesign& design_;
+  const QPagedPaintDevice& device_;
+  double page_width_;
+  double page_height_;
+  double padding_ = 0;
+  double indent_ = 0;
+  double hairline_ = 0;
+  double header_line_ = 0;
+  double caption_top_ = 0;
+  double caption_line_ = 0;
+  double caption_height_ = 0;
+  double row_height_ = 0;
+  std::int64_t rows_per_page_ = 1;
+  QFont header_font_;
+  QFont caption_font_;
+  QFont row_font_;
+  QFont bold_font_;
+  QStringList header_center_;
+  QStringList header_right_;
+  std::vector<double> text_widths_;
+  std::vector<double> widths_;
+  std::vector<QStringList> caption_lines_;
+  std::vector<ColumnStrip> strips_;
+};
+
+}  // namespace vrx

@@ -1,0 +1,157 @@
+#include "report/report_page.h"
+
+#include <QColor>
+#include <QFontMetricsF>
+#include <QPen>
+
+namespace vrx {
+namespace {
+
+constexpr std::uint32_t kBlack = 0;
+
+QString ToText(const std::string& text) { return QString::fromStdString(text); }
+
+}  // namespace
+
+void ReportPage::Draw(const std::vector<ReportRow>& rows, const ColumnStrip& strip,
+                      std::int64_t page, std::int64_t pages) {
+  DrawHeader();
+  if (design_.captions) {
+    DrawCaptions(strip);
+  }
+  double top = layout_.RowsTop();
+  for (const ReportRow& row : rows) {
+    DrawRow(row, strip, top);
+    top += layout_.RowHeight();
+  }
+  if (design_.grid_lines) {
+    DrawGrid(rows, strip);
+  }
+  DrawFooter(page, pages);
+}
+
+void ReportPage::DrawHeader() {
+  const double width = layout_.PageWidth();
+  const double line = layout_.HeaderLine();
+  double top = 0;
+  for (const QString& text : layout_.HeaderCenter()) {
+    DrawText({0, top, width, line}, Qt::AlignHCenter, text, layout_.HeaderFont(), kBlack);
+    top += line;
+  }
+  top = 0;
+  for (const QString& text : layout_.HeaderRight()) {
+    DrawText({0, top, width, line}, Qt::AlignRight, text, layout_.HeaderFont(), kBlack);
+    top += line;
+  }
+}
+
+void ReportPage::DrawFooter(std::int64_t page, std::int64_t pages) {
+  const QRectF room(0, layout_.FooterTop(), layout_.PageWidth(), layout_.HeaderLine());
+  DrawText(room, Qt::AlignHCenter, ToText(design_.texts.footer_center), layout_.HeaderFont(),
+           kBlack);
+  DrawText(room, Qt::AlignRight, QStringLiteral("Page %1 of %2").arg(page).arg(pages),
+           layout_.HeaderFont(), kBlack);
+}
+
+void ReportPage::DrawCaptions(const ColumnStrip& strip) {
+  double left = 0;
+  const double line = layout_.CaptionLine();
+  const double bottom = layout_.RowsTop() - layout_.Padding();
+  for (std::size_t column = strip.begin; column < strip.end; ++column) {
+    const QStringList& lines = layout_.CaptionLines(column);
+    const Qt::Alignment side =
+        design_.columns[column].right_aligned ? Qt::AlignRight : Qt::AlignLeft;
+    double top = bottom - static_cast<double>(lines.size()) * line;
+    for (const QString& text : lines) {
+      DrawText({left + layout_.Padding(), top, layout_.ColumnWidth(column) - 2 * layout_.Padding(),
+                line},
+               side, text, layout_.CaptionFont(), design_.caption_color);
+      top += line;
+    }
+    left += layout_.ColumnWidth(column);
+  }
+  painter_.setPen(QPen(Qt::black, 2 * layout_.Hairline()));
+  painter_.drawLine(QPointF(0, layout_.RowsTop()), QPointF(left, layout_.RowsTop()));
+}
+
+void ReportPage::DrawRow(const ReportRow& row, const ColumnStrip& strip, double top) {
+  const double padding = layout_.Padding();
+  if (row.kind == ReportRowKind::kGroup) {
+    const double left = padding + (row.level - 1) * layout_.Indent();
+    DrawText({left, top, StripWidth(strip) - left - padding, layout_.RowHeight()}, Qt::AlignLeft,
+             ToText(row.caption), layout_.RowFont(row.kind), design_.group_color);
+    return;
+  }
+  double left = 0;
+  for (std::size_t column = strip.begin; column < strip.end; ++column) {
+    const ReportColumn& told = design_.columns[column];
+    const bool stands_out = row.kind == ReportRowKind::kTotal && told.total_color;
+    DrawText({left + padding, top, layout_.ColumnWidth(column) - 2 * padding, layout_.RowHeight()},
+             told.right_aligned ? Qt::AlignRight : Qt::AlignLeft, ToText(row.cells.at(column)),
+             layout_.RowFont(row.kind), stands_out ? *told.total_color : kBlack);
+    left += layout_.ColumnWidth(column);
+  }
+}
+
+// Every row has a line below it; the lines between columns leave out the captions of groups.
+void ReportPage::DrawGrid(const std::vector<ReportRow>& rows, const ColumnStrip& strip) {
+  painter_.setPen(QPen(Qt::black, layout_.Hairline()));
+  const double width = StripWidth(strip);
+  double top = layout_.RowsTop();
+  const auto down = [&](double x, double from, double to) {
+    painter_.drawLine(QPointF(x, from), QPointF(x, to));
+  };
+  const auto cells = [&](double from, double to) {
+    double x = 0;
+    for (std::size_t column = strip.begin; column + 1 < strip.end; ++column) {
+      x += layout_.ColumnWidth(column);
+      down(x, from, to);
+    }
+  };
+  const double table_top = design_.captions ? layout_.CaptionTop() : top;
+  painter_.drawLine(QPointF(0, table_top), QPointF(width, table_top));
+  cells(table_top, top);
+  for (const ReportRow& row : rows) {
+    const double bottom = top + layout_.RowHeight();
+    if (row.kind != ReportRowKind::kGroup) {
+      cells(top, bottom);
+    }
+    painter_.drawLine(QPointF(0, bottom), QPointF(width, bottom));
+    top = bottom;
+  }
+  down(0, table_top, top);
+  down(width, table_top, top);
+}
+
+// A text that is wider than its room is drawn narrower: nothing is ever cut off.
+void ReportPage::DrawText(const QRectF& room, Qt::Alignment side, const QString& text,
+                          const QFont& font, std::uint32_t color) {
+  if (text.isEmpty()) {
+    return;
+  }
+  const double width = QFontMetricsF(font, painter_.device()).horizontalAdvance(text);
+  const int flags =
+      static_cast<int>(side | Qt::AlignVCenter) | Qt::TextSingleLine | Qt::TextDontClip;
+  painter_.setFont(font);
+  painter_.setPen(QColor(QRgb{color}));
+  if (width <= room.width()) {
+    painter_.drawText(room, flags, text);
+    return;
+  }
+  const double scale = room.width() / width;
+  painter_.save();
+  painter_.translate(room.left(), 0);
+  painter_.scale(scale, 1);
+  painter_.drawText(QRectF(0, room.top(), width, room.height()), flags, text);
+  painter_.restore();
+}
+
+double ReportPage::StripWidth(const ColumnStrip& strip) const {
+  double width = 0;
+  for (std::size_t column = strip.begin; column < strip.end; ++column) {
+    width += layout_.ColumnWidth(column);
+  }
+  return width;
+}
+
+}  // namespace vrx

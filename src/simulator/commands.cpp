@@ -1,0 +1,67 @@
+#include "simulator/commands.h"
+
+#include <string>
+#include <system_error>
+
+#include "simulator/data_module.h"
+#include "simulator/line_loop.h"
+#include "simulator/memory_file.h"
+#include "simulator/pty_line.h"
+#include "simulator/signals.h"
+#include "simulator/transmitter.h"
+
+namespace vrx::simulator {
+namespace {
+
+void Play(const ModuleOptions& options, DataModule& module, Signals& signals, std::ostream& out,
+          std::ostream& err) {
+  PtyLine line(options.link);
+  out << "ready " << options.link.string() << std::endl;
+
+  Transmitter transmitter(options.baud);
+  LineLoop loop(line, transmitter, module, signals);
+  if (options.faults.hang_up) {
+    loop.HangUpAfter(*options.faults.hang_up);
+  }
+  if (options.faults.xoff) {
+    loop.SendXoffAfter(*options.faults.xoff);
+  }
+  if (options.faults.deaf) {
+    loop.StopReadingAfter(*options.faults.deaf);
+  }
+  loop.Run([&] {
+    if (!options.save) {
+      return;
+    }
+    try {
+      WriteFile(*options.save, module.Memory());
+    } catch (const std::system_error& error) {
+      err << "vrx2260sim: " << error.what() << std::endl;
+    }
+  });
+}
+
+}  // namespace
+
+void RunModule(const ModuleOptions& options, std::ostream& out, std::ostream& err) {
+  Signals signals;
+  const auto tell = [&err](const std::string& message) {
+    err << "vrx2260sim: " << message << std::endl;
+  };
+  DataModule module(options.faults, tell);
+  std::optional<WorkingIndicator> indicator;
+  if (options.work) {
+    indicator.emplace(*options.work, tell);
+    module.CarryBy([&](const std::string& memory) { return indicator->Visit(memory); });
+  }
+  for (const auto& path : options.load) {
+    module.Load(ReadFile(path));
+  }
+  Play(options, module, signals, out, err);
+  module.TellDropped();
+  if (options.save) {
+    WriteFile(*options.save, module.Memory());
+  }
+}
+
+}  // namespace vrx::simulator

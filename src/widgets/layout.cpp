@@ -1,0 +1,52 @@
+#include "widgets/layout.h"
+
+#include <QEvent>
+#include <algorithm>
+
+#include "widgets/main_window_layout.h"
+
+namespace vrx {
+
+TwoPartRow::TwoPartRow(QWidget* parent)
+    : QWidget(parent),
+      both_(new QBoxLayout(QBoxLayout::LeftToRight, this)),
+      first_(new QBoxLayout(QBoxLayout::LeftToRight)),
+      second_(new QBoxLayout(QBoxLayout::LeftToRight)) {
+  setSizePolicy(QSizePolicy::Preferred, QSizePolicy::Fixed);
+  both_->setContentsMargins(0, 0, 0, 0);
+  both_->setSpacing(kSpacing);
+  for (QBoxLayout* const part : {first_, second_}) {
+    part->setSpacing(kSpacing);
+    both_->addLayout(part);
+    both_->setAlignment(part, Qt::AlignLeft);
+  }
+  both_->insertStretch(1);
+}
+
+QSize TwoPartRow::minimumSizeHint() const {
+  return {std::max(first_->minimumSize().width(), second_->minimumSize().width()),
+          both_->minimumSize().height()};
+}
+
+void TwoPartRow::resizeEvent(QResizeEvent* event) {
+  QWidget::resizeEvent(event);
+  Arrange();
+}
+
+// A control has come, gone or taken another size.
+bool TwoPartRow::event(QEvent* event) {
+  if (event->type() == QEvent::LayoutRequest) {
+    Arrange();
+  }
+  return QWidget::event(event);
+}
+
+void TwoPartRow::Arrange() {
+  const int needed = first_->minimumSize().width() + kGroupSpacing + second_->minimumSize().width();
+  const auto direction = needed <= width() ? QBoxLayout::LeftToRight : QBoxLayout::TopToBottom;
+  if (both_->direction() != direction) {
+    both_->setDirection(direction);
+  }
+}
+
+}  // namespace vrx

@@ -1,0 +1,217 @@
+#include "desktop/app/start_up.h"
+
+#include <filesystem>
+#include <string>
+#include <vector>
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include "base/error.h"
+#include "desktop/app/recorded_main_form.h"
+#include "support/fixed_system_info.h"
+#include "support/manual_pump.h"
+#include "support/recording_operator.h"
+#include "support/temp_folder.h"
+
+namespace vrx::testing {
+namespace {
+
+namespace fs = std::filesystem;
+using ::testing::ElementsAre;
+using ::testing::HasSubstr;
+using ::testing::IsEmpty;
+
+class ScriptedInstance : public SingleInstance {
+ public:
+  bool Claim() override {
+    if (!failure.empty()) {
+      throw Error(failure);
+    }
+    return only_one;
+  }
+  bool only_one = true;
+  std::string failure;
+};
+
+// The whole start with a program's directory and a common folder of its own.
+class StartUp : public ::testing::Test, private SplashForm {
+ protected:
+  StartUp() {
+    fs::create_directory(program_);
+    folder_.Write("program/QXNULRDB.MDB", "template");
+    folder_.Write("program/QXNULXDB.MDB", "template");
+    system_.program_directory = program_.string();
+    system_.common_app_data_folder = common_.string();
+    application_.app_folder = Folder(system_);
+  }
+
+  void WriteIni() {
+    fs::create_directories(common_ / "Brantock/VRX-2260");
+    folder_.Write("common/Brantock/VRX-2260/VRX-2260.INI",
+                  "[Comments]\nTitle=x\n[Configuration]\nSystemUnits=KG\n");
+  }
+
+  std::unique_ptr<MainForm> Start() {
+    return Main(
+        {.instance = instance_, .op = op_, .system = system_, .pump = pump_, .splash = *this},
+        application_, [this] { return LoadForm(); },
+        [this](MainForm& /*form*/) { Note("ended early"); });
+  }
+
+  const MessageBox& OnlyBox() const {
+    EXPECT_EQ(op_.boxes.size(), 1U);
+    return op_.boxes.at(0);
+  }
+
+  TempFolder folder_;
+  fs::path program_ = folder_ / "program";
+  fs::path common_ = folder_ / "common";
+  fs::path ini_ = common_ / "Brantock/VRX-2260/VRX-2260.INI";
+  ScriptedInstance instance_;
+  RecordingOperator op_;
+  FixedSystemInfo system_;
+  ManualPump pump_;
+  ApplicationState application_{.app_folder = Folder(system_), .ini = {}, .settings = {}};
+  std::vector<std::string> steps_;
+  std::string units_at_load_;
+
+ private:
+  void Show() override { Note("splash"); }
+  void Unload() override { Note("no splash"); }
+
+  void Note(const std::string& step) {
+    steps_.push_back(step + " at " + std::to_string(pump_.Now().count()));
+  }
+
+  std::unique_ptr<MainForm> LoadForm() {
+    constexpr Milliseconds kLoadTime{300};
+    units_at_load_ = application_.settings.SystemUnits();
+    pump_.Pump(kLoadTime);
+    Note("loaded");
+    return std::make_unique<RecordedMainForm>([this](const std::string& step) { Note(step); });
+  }
+};
+
+TEST_F(StartUp, ShowsTheSplashLoadsTheMainFormAndShowsItAfter2000Milliseconds) {
+  WriteIni();
+  EXPECT_NE(Start(), nullptr);
+  EXPECT_THAT(steps_,
+              ElementsAre("splash at 0", "loaded at 300", "no splash at 2300", "Show at 2300"));
+  EXPECT_THAT(op_.boxes, IsEmpty());
+  EXPECT_EQ(op_.beeps, 0);
+}
+
+TEST_F(StartUp, SettingsAreReadAheadOfTheSplash) {
+  WriteIni();
+  EXPECT_NE(Start(), nullptr);
+  EXPECT_EQ(units_at_load_, "KG");
+  EXPECT_TRUE(application_.settings.SettingsReadOk());
+}
+
+TEST_F(StartUp, FirstStartMakesBothFoldersAndTheIniFile) {
+  EXPECT_NE(Start(), nullptr);
+  EXPECT_TRUE(fs::exists(ini_));
+  EXPECT_EQ(application_.app_folder.DefaultAppPath(), common_ / "Brantock/VRX-2260");
+  EXPECT_EQ(OnlyBox().title, "No Configuration File");
+  EXPECT_EQ(OnlyBox().icon, Icon::kInformation);
+}
+
+TEST_F(StartUp, SecondStartSaysSoAndTouchesNothing) {
+  instance_.only_one = false;
+  EXPECT_EQ(Start(), nullptr);
+  EXPECT_EQ(op_.beeps, 1);
+  EXPECT_EQ(OnlyBox().icon, Icon::kInformation);
+  EXPECT_EQ(OnlyBox().title, "");
+  EXPECT_EQ(OnlyBox().text,
+            "The VRX(2260) application is already running.It might be minimized or hidden by "
+            "another window.");
+  EXPECT_FALSE(fs::exists(common_));
+  EXPECT_THAT(steps_, IsEmpty());
+}
+
+TEST_F(StartUp, SecondStartIsToldAheadOfMissingTemplates) {
+  instance_.only_one = false;
+  fs::remove(program_ / "QXNULRDB.MDB");
+  EXPECT_EQ(Start(), nullptr);
+  EXPECT_THAT(OnlyBox().text, HasSubstr("already running"));
+}
+
+TEST_F(StartUp, LockThatCannotBeTakenIsTold) {
+  instance_.failure = "cannot lock";
+  EXPECT_EQ(Start(), nullptr);
+  EXPECT_EQ(OnlyBox().icon, Icon::kCritical);
+  EXPECT_EQ(OnlyBox().text, "Error: cannot lock");
+  EXPECT_FALSE(fs::exists(common_));
+}
+
+TEST_F(StartUp, MissingTemplateEndsTheStartAheadOfTheIniFile) {
+  fs::remove(program_ / "QXNULXDB.MDB");
+  EXPECT_EQ(Start(), nullptr);
+  EXPECT_EQ(op_.beeps, 1);
+  EXPECT_EQ(OnlyBox().title, "Missing Files");
+  EXPECT_EQ(OnlyBox().icon, Icon::kCritical);
+  EXPECT_THAT(OnlyBox().text, HasSubstr("directory:\r\n\r\nQXNULXDB.MDB\r\n\r\nPlease run"));
+  EXPECT_FALSE(fs::exists(ini_));
+  EXPECT_THAT(steps_, IsEmpty());
+}
+
+TEST_F(StartUp, BothTemplatesMissingAreNamedOnALineEach) {
+  fs::remove(program_ / "QXNULRDB.MDB");
+  fs::remove(program_ / "QXNULXDB.MDB");
+  EXPECT_EQ(Start(), nullptr);
+  EXPECT_THAT(OnlyBox().text, HasSubstr("\r\n\r\nQXNULRDB.MDB\r\nQXNULXDB.MDB\r\n\r\n"));
+}
+
+TEST_F(StartUp, IniFileThatCannotBeWrittenEndsTheStart) {
+  fs::create_directories(ini_);  // a folder in its place
+  EXPECT_EQ(Start(), nullptr);
+  EXPECT_EQ(OnlyBox().title, "Configuration File Error");
+  EXPECT_EQ(OnlyBox().icon, Icon::kCritical);
+  EXPECT_THAT(steps_, IsEmpty());
+}
+
+TEST_F(StartUp, UnknownSystemDirectoryEndsTheStart) {
+  system_.windows_directory.clear();
+  EXPECT_EQ(Start(), nullptr);
+  EXPECT_EQ(OnlyBox().title, "Fatal Error");
+  EXPECT_THAT(steps_, IsEmpty());
+}
+
+TEST_F(StartUp, FolderThatCannotBeMadeIsToldAndEndsTheStart) {
+  folder_.Write("common", "a file in the folder's place");
+  EXPECT_EQ(Start(), nullptr);
+  EXPECT_EQ(OnlyBox().icon, Icon::kCritical);
+  EXPECT_THAT(OnlyBox().text, HasSubstr("Error: cannot make the folder"));
+  EXPECT_THAT(steps_, IsEmpty());
+}
+
+TEST_F(StartUp, UnknownCommonFolderIsToldAndEndsTheStart) {
+  system_.common_app_data_folder.clear();
+  EXPECT_EQ(Start(), nullptr);
+  EXPECT_THAT(OnlyBox().text, HasSubstr("Error: "));
+}
+
+TEST_F(StartUp, SettingThatCannotBeHealedIsRememberedAndTheStartGoesOn) {
+  WriteIni();
+  // Can be read, but leaves no room for the name of the file that is written beside it.
+  const fs::path unwritable = folder_ / std::string(250, 'i');
+  fs::rename(ini_, unwritable);
+  fs::create_symlink(unwritable, ini_);
+  EXPECT_NE(Start(), nullptr);
+  EXPECT_FALSE(application_.settings.SettingsReadOk());
+  EXPECT_EQ(application_.settings.SerialPort(), "2");
+  EXPECT_THAT(op_.boxes, IsEmpty());  // the main form's Load tells it
+  EXPECT_EQ(steps_.size(), 4U);
+}
+
+TEST_F(StartUp, ClosingDuringTheSplashEndsTheLoadedFormUnshown) {
+  WriteIni();
+  pump_.After(Milliseconds{1000}, [this] { pump_.closing = true; });
+  EXPECT_EQ(Start(), nullptr);
+  EXPECT_THAT(steps_, ElementsAre("splash at 0", "loaded at 300", "no splash at 1000",
+                                  "ended early at 1000"));
+}
+
+}  // namespace
+}  // namespace vrx::testing

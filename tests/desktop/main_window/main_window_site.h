@@ -1,0 +1,93 @@
+#pragma once
+
+#include <QAction>
+#include <QLabel>
+#include <QToolButton>
+#include <filesystem>
+#include <memory>
+#include <string>
+#include <vector>
+
+#include <gtest/gtest.h>
+
+#include "desktop/app/main_form.h"
+#include "support/fake_serial_control.h"
+#include "support/fixed_calendar.h"
+#include "support/fixed_system_info.h"
+#include "support/manual_pump.h"
+#include "support/recording_operator.h"
+#include "support/scripted_file_chooser.h"
+#include "support/stored_user_settings.h"
+#include "support/temp_folder.h"
+
+namespace vrx::testing {
+
+// Keeps the roads that were taken, and stays.
+class KeptExitRoads : public ExitRoads {
+ public:
+  void CloseBox() override { taken.emplace_back("close box"); }
+  void FileExit() override { taken.emplace_back("file exit"); }
+  void SessionEnd() override { taken.emplace_back("session end"); }
+
+  std::vector<std::string> taken;
+};
+
+// `VRXMAIN` with real widgets, a program's directory with both templates and an application data
+// folder. Everything but the widgets is scripted.
+class MainWindowSite : public ::testing::Test {
+ protected:
+  MainWindowSite();
+  ~MainWindowSite() override;
+
+  // Makes VRXMAIN, as it stands after its Load. Does nothing the second time.
+  VrxMain& Main();
+  MainWindow& Window() { return Main().Window(); }
+
+  // Shows the window, brings it to the front and lets events run.
+  void Show();
+  static void RunEvents();
+
+  // A user's database in the data folder.
+  std::filesystem::path MakeUserFile(const std::string& name, DatabaseKind kind,
+                                     const std::string& unit = "LB");
+  // Opens a new one of that kind.
+  void Open(DatabaseKind kind);
+
+  // By their names; each fails the test where there is none.
+  template <typename Control>
+  Control& Find(const QString& name) {
+    auto* const control = Window().findChild<Control*>(name);
+    if (control == nullptr) {
+      throw std::logic_error("no control " + name.toStdString());
+    }
+    return *control;
+  }
+  QString Text(const QString& label) { return Find<QLabel>(label).text(); }
+  QAction& Item(const QString& name) { return Find<QAction>(name); }
+  bool On(const QString& name) { return Item(name).isEnabled(); }
+  void Choose(const QString& name) { Item(name).trigger(); }
+  MainTabFolder& Tabs() { return Find<MainTabFolder>(u"tabMainFolder"_qs); }
+  std::vector<int> TabsOn();
+
+  // The old page stays: flows of the main form know it.
+  void ReplacePage(int tab, MainTabPage* page) { replaced_.push_back(Window().SetPage(tab, page)); }
+
+  TempFolder folder_;
+  std::filesystem::path program_ = folder_ / "program";
+  std::filesystem::path common_ = folder_ / "common";
+  ManualPump pump_;
+  RecordingOperator operator_;
+  ScriptedFileChooser chooser_;
+  StoredUserSettings user_settings_;
+  FixedCalendar calendar_;
+  FixedSystemInfo system_;
+  FakeSerialControl serial_{pump_};
+  KeptExitRoads exit_;
+  PrivateINI settings_;
+  std::unique_ptr<Folder> app_folder_;
+  std::unique_ptr<CPrivateINI> ini_;
+  std::unique_ptr<VrxMain> main_;
+  std::vector<std::unique_ptr<MainTabPage>> replaced_;
+};
+
+}  // namespace vrx::testing

@@ -1,0 +1,127 @@
+#pragma once
+
+#include <QComboBox>
+#include <QLabel>
+#include <QWidget>
+#include <memory>
+#include <stdexcept>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include "database/bound_database.h"
+#include "database/records.h"
+#include "database/schema.h"
+#include "desktop/recipes/recipes_page.h"
+#include "feed/key_filters.h"
+#include "feed/recipe_columns.h"
+#include "presenter/database_identity.h"
+#include "presenter/general_delay.h"
+#include "settings/settings.h"
+#include "support/fixed_calendar.h"
+#include "support/manual_pump.h"
+#include "support/recording_operator.h"
+#include "support/temp_folder.h"
+
+namespace vrx::testing {
+
+// The Recipes tab in a window of its own, on a recipe database with four ingredients in use: CORN
+// of 88 % dry matter, HAY of 90, SUPP without a figure and added by hand, OATS of 100. The recipes
+// 1 to 4 have the types W, H, % and P and an adjust item of +0 %, all others none. Nothing has
+// lines.
+class RecipesSite : public ::testing::Test {
+ protected:
+  static constexpr int kCorn = 1;
+  static constexpr int kHay = 2;
+  static constexpr int kSupp = 3;
+  static constexpr int kOats = 4;
+  static constexpr int kByWeight = 1;
+  static constexpr int kByHeadCount = 2;
+  static constexpr int kSelfAdjusting = 3;
+  static constexpr int kByPercent = 4;
+  static constexpr int kUntyped = 5;
+  static constexpr int kTab = 1;
+
+  RecipesSite();
+  ~RecipesSite() override;
+
+  // Shows the tab as a click on it does, on recipe 1.
+  void Enter();
+  // Shows a recipe as the navigator does.
+  void Show(int recipe) { page_->GoTo(recipe); }
+  static void RunEvents();
+  // A list that dropped down has gone: without a window manager nobody else gives the window back.
+  void ComeBack();
+
+  SQLite::Database& Database() { return *bound_.connection; }
+  RecipeRecord Stored(int recipe) { return ReadRecipe(Database(), recipe); }
+  // Straight into the database.
+  void SetRecipe(int recipe, std::string RecipeRecord::*field, const std::string& text);
+  void SetHeadCount(int recipe, int head_count);
+  void AddStoredLine(int recipe, int ingredient, const std::string& target,
+                     const std::string& percent = "0");
+  void AddCornHaySupplement(int recipe);
+
+  // By their names; each fails the test where there is none.
+  template <typename Control>
+  Control& Find(const char* name) {
+    auto* const control = form_->findChild<Control*>(QLatin1String(name));
+    if (control == nullptr) {
+      throw std::logic_error(std::string("no control ") + name);
+    }
+    return *control;
+  }
+  std::string Label(const char* name) { return Find<QLabel>(name).text().toStdString(); }
+  std::string Box(const char* name) { return Find<FilteredEdit>(name).Text(); }
+  bool Visible(const char* name) { return Find<QWidget>(name).isVisible(); }
+  bool Enabled(const char* name) { return Find<QWidget>(name).isEnabled(); }
+  RecipeGrid& Grid() { return Find<RecipeGrid>("grdREC"); }
+
+  // Into whatever has the focus.
+  static void Press(Qt::Key key, Qt::KeyboardModifiers held = Qt::NoModifier);
+  static void Type(std::string_view text);
+  void TypeInto(const char* box, std::string_view text);
+  static std::string Focused();
+
+  // Rows and columns as the grid shows them, rows from 0; a cell's text.
+  int Rows() { return Grid().model()->rowCount(); }
+  std::string Cell(int row, RecipeColumn column);
+  std::vector<std::string> Column(RecipeColumn column);
+  void Click(int row, RecipeColumn column);
+  int CurrentRow() { return Grid().currentIndex().row(); }
+  int CurrentColumn() { return Grid().currentIndex().column(); }
+
+  // Chooses an item of a list, as the operator does by the mouse.
+  void Choose(const char* list, int index);
+  int Index(const char* list) { return Find<QComboBox>(list).currentIndex(); }
+  // Of `cboRecID`.
+  std::string Item(int id) { return Find<QComboBox>("cboRecID").itemText(id).toStdString(); }
+  void LeaveTo(const char* control) { Find<QWidget>(control).setFocus(); }
+
+  // Adds a line behind the last one by keys: the name of the ingredient, then the amount.
+  void AddByKeys(std::string_view ingredient, std::string_view amount);
+
+  void ExpectBox(std::string_view title, std::string_view text, Icon icon);
+  // What is stored is what the grid shows.
+  void ExpectStored();
+
+  TempFolder folder_;
+  ManualPump pump_;
+  RecordingOperator op_;
+  FixedCalendar calendar_;
+  PrivateINI settings_;
+  DatabaseIdentity identity_{op_, calendar_, settings_};
+  GeneralDelay delay_{pump_};
+  AutoAbbreviation abbreviation_;
+  BoundDatabase bound_;
+  std::unique_ptr<QWidget> form_;
+  RecipesPage* page_;
+  std::vector<int> moved_;            // what Moved told
+  std::vector<bool> cancel_allowed_;  // what CancelAllowed told
+  int changes_ = 0;                   // of records, as the ports were told
+};
+
+}  // namespace vrx::testing

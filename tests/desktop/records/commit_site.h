@@ -1,0 +1,207 @@
+#pragma once
+
+#include <QMenu>
+#include <QMenuBar>
+#include <QTabBar>
+#include <QTest>
+#include <QToolButton>
+#include <functional>
+#include <ostream>
+#include <string>
+#include <vector>
+
+#include "database/connection.h"
+#include "desktop/recipes/recipe_grid.h"
+#include "desktop/records/record_pages_site.h"
+#include "feed/recipe_columns.h"
+
+namespace vrx::testing {
+
+inline constexpr int kFreshPen = 9;
+inline constexpr int kByPercent = 2;
+
+// The record tabs, with the means of an operator to go on.
+class CommitSite : public RecordPagesSite {
+ public:
+  using RecordPagesSite::Check;
+  using RecordPagesSite::ChooseIn;
+  using RecordPagesSite::ClickCell;
+  using RecordPagesSite::EditCell;
+  using RecordPagesSite::Enter;
+  using RecordPagesSite::PressKey;
+  using RecordPagesSite::Tick;
+  using RecordPagesSite::Type;
+  using RecordPagesSite::TypeOver;
+
+  int TabOnShow() { return Window().Tabs().TabOnShow(); }
+  RecipeGrid& Lines() { return Find<RecipeGrid>(u"grdREC"_qs); }
+
+  void EditLine(int row, RecipeColumn column, std::string_view text) {
+    ClickLine(row, column);
+    Type(text);
+  }
+  // A line that is complete but for its last key, in the entry row.
+  void ComposeLine() {
+    ClickLine(2, kColumnIngredient);
+    Type("CORN");
+    PressKey(Qt::Key_Return);
+    Type("500");
+  }
+
+  // Opens each menu on the way by the mouse, and clicks the item.
+  void ClickMenu(const QString& name) {
+    QMenu* menu = nullptr;
+    for (QObject* const shown : Find<QAction>(name).associatedObjects()) {
+      menu = qobject_cast<QMenu*>(shown) == nullptr ? menu : qobject_cast<QMenu*>(shown);
+    }
+    ASSERT_NE(menu, nullptr) << name.toStdString();
+    OpenMenu(*menu);
+    QTest::mouseClick(menu, Qt::LeftButton, {},
+                      menu->actionGeometry(&Find<QAction>(name)).center());
+    RunEvents();
+  }
+  void ClickTool(const QString& name) {
+    QTest::mouseClick(&Find<QToolButton>(name), Qt::LeftButton);
+    RunEvents();
+  }
+  void ClickTab(int tab) {
+    QTabBar& strip = *Tabs().tabBar();
+    QTest::mouseClick(&strip, Qt::LeftButton, {}, strip.tabRect(tab).center());
+    RunEvents();
+  }
+  void ClickButton(const char* name) { Press(name); }
+  void CloseBox() { Window().close(); }
+
+  // From the file, as another program sees it.
+  template <typename Read>
+  auto InFile(const Read& read) {
+    SQLite::Database file = OpenDatabase(path_, Access::kRead);
+    return read(file);
+  }
+
+ private:
+  void ClickLine(int row, RecipeColumn column) {
+    const QRect cell = Lines().visualRect(Lines().model()->index(row, column));
+    QTest::mouseClick(Lines().viewport(), Qt::LeftButton, {},
+                      QPoint(cell.left() + 4, cell.center().y()));
+    if (!Lines().IsEditing()) {
+      PressKey(Qt::Key_F2);
+    }
+  }
+  void OpenMenu(QMenu& menu) {
+    auto* const above = qobject_cast<QMenu*>(menu.menuAction()->associatedObjects().value(0));
+    if (above == nullptr) {
+      QMenuBar& bar = *Window().menuBar();
+      QTest::mouseClick(&bar, Qt::LeftButton, {}, bar.actionGeometry(menu.menuAction()).center());
+    } else {
+      OpenMenu(*above);
+      QTest::mouseClick(above, Qt::LeftButton, {},
+                        above->actionGeometry(menu.menuAction()).center());
+    }
+    RunEvents();
+  }
+};
+
+struct Entry {
+  const char* what;
+  int tab;
+  // Leaves the focus in the field or cell with what was typed.
+  std::function<void(CommitSite&)> begin;
+  // What the file has for it.
+  std::function<std::string(SQLite::Database&)> stored;
+  std::string before;
+  std::string after;
+};
+
+inline std::ostream& operator<<(std::ostream& out, const Entry& entry) { return out << entry.what; }
+
+inline std::string LineText(SQLite::Database& file, int recipe, std::size_t line,
+                            std::string RecipeLineRecord::*cell) {
+  const std::vector<RecipeLineRecord> lines = ReadRecipeLines(file, recipe);
+  return line < lines.size() ? lines[line].*cell : "no line";
+}
+
+inline const std::vector<Entry> kEntries = {
+    {"IngredientName", kTabIngredients,
+     [](CommitSite& site) {
+       site.ChooseIn("cboIngID", kCorn);
+       site.TypeOver("txtIngName", "MAIZE ");
+     },
+     [](SQLite::Database& file) { return ReadIngredient(file, kCorn).name; }, "CORN", "MAIZE"},
+    {"IngredientDescription", kTabIngredients,
+     [](CommitSite& site) {
+       site.ChooseIn("cboIngID", kCorn);
+       site.TypeOver("txtIngDesc", "Maize ");
+     },
+     [](SQLite::Database& file) { return ReadIngredient(file, kCorn).description; }, "Corn Rolled",
+     "Maize"},
+    {"DryMatter", kTabIngredients,
+     [](CommitSite& site) {
+       site.ChooseIn("cboIngID", kCorn);
+       site.TypeOver("txtIngDryMatter", "150");
+     },
+     [](SQLite::Database& file) {
+       return LineText(file, 1, 0, &RecipeLineRecord::dry_matter_percent);
+     },
+     "88", "100"},
+    {"HandAdd", kTabIngredients,
+     [](CommitSite& site) {
+       site.ChooseIn("cboIngID", kCorn);
+       site.Tick("chkIngHandAdd");
+     },
+     [](SQLite::Database& file) { return std::to_string(ReadIngredient(file, kCorn).hand_add); },
+     "0", "1"},
+    {"IngredientCell", kTabIngredients,
+     [](CommitSite& site) { site.EditCell("grdING", kCorn, "DryMatter%", "70"); },
+     [](SQLite::Database& file) {
+       return std::to_string(ReadIngredient(file, kCorn).dry_matter_percent);
+     },
+     "88", "70"},
+    {"RecipeName", kTabRecipes, [](CommitSite& site) { site.TypeOver("txtRecName", "STEERS"); },
+     [](SQLite::Database& file) { return ReadRecipe(file, 1).name; }, "REC1", "STEERS"},
+    {"RecipeDescription", kTabRecipes,
+     [](CommitSite& site) { site.TypeOver("txtRecDesc", "Steers "); },
+     [](SQLite::Database& file) { return ReadRecipe(file, 1).description; }, "Recipe", "Steers"},
+    {"RationTarget", kTabRecipes,
+     [](CommitSite& site) { site.TypeOver("txtRecRationTarget", "7000"); },
+     [](SQLite::Database& file) { return ReadRecipe(file, 1).ration_target; }, "5000", "7000"},
+    {"HeadCount", kTabRecipes,
+     [](CommitSite& site) {
+       site.ChooseIn("cboRecID", 3);
+       site.TypeOver("txtRecHeadCount", "1001");
+     },
+     [](SQLite::Database& file) { return std::to_string(ReadRecipe(file, 3).head_count); }, "0",
+     "100"},
+    {"WeightOfALine", kTabRecipes, [](CommitSite& site) { site.EditLine(1, kColumnTarget, "900"); },
+     [](SQLite::Database& file) { return LineText(file, 1, 1, &RecipeLineRecord::target); }, "800",
+     "900"},
+    {"ShareOfALine", kTabRecipes,
+     [](CommitSite& site) {
+       site.ChooseIn("cboRecID", kByPercent);
+       site.EditLine(1, kColumnIngredientPercent, "39.5");
+     },
+     [](SQLite::Database& file) {
+       return LineText(file, kByPercent, 1, &RecipeLineRecord::ingredient_percent);
+     },
+     "40", "39.50"},
+    {"LineInTheEntryRow", kTabRecipes, [](CommitSite& site) { site.ComposeLine(); },
+     [](SQLite::Database& file) { return LineText(file, 1, 2, &RecipeLineRecord::target); },
+     "no line", "500"},
+    {"PenFeed", kTabPens,
+     [](CommitSite& site) {
+       site.ChooseIn("cboPenID", kFreshPen);
+       site.TypeOver("txtPenFeed", "0070");
+     },
+     [](SQLite::Database& file) { return ReadPen(file, kFreshPen).feed_amount; }, "0", "70"},
+    {"PenName", kTabPens,
+     [](CommitSite& site) {
+       site.ChooseIn("cboPenID", kFreshPen);
+       site.TypeOver("txtPenName", "a09");
+     },
+     [](SQLite::Database& file) { return ReadPen(file, kFreshPen).description; }, "", "A09"},
+    {"PenCell", kTabPens,
+     [](CommitSite& site) { site.EditCell("grdPEN", kFreshPen, "FeedAmount", "70"); },
+     [](SQLite::Database& file) { return ReadPen(file, kFreshPen).feed_amount; }, "0", "70"},
+};
+
+}  // namespace vrx::testing

@@ -1,0 +1,68 @@
+#pragma once
+
+#include <QCheckBox>
+#include <QComboBox>
+#include <QPushButton>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "database/records.h"
+#include "desktop/main_window/main_window_site.h"
+#include "desktop/records/record_list.h"
+#include "widgets/fields.h"
+
+namespace vrx::testing {
+
+inline constexpr int kCorn = 4;
+inline constexpr int kHay = 7;
+
+// The whole window with a recipe database open: CORN and HAY, and the recipes 1 by weight, 2 by
+// percentage and 3 per head, each with a line of both.
+class RecordPagesSite : public MainWindowSite {
+ protected:
+  RecordPagesSite();
+
+  // Opens the database and turns to a tab as the operator does.
+  void Enter(int tab);
+
+  // The recipe that comes on show is recomputed: figures as they were before, and no `Modified`.
+  void MakeStale();
+
+  SQLite::Database& Database() {
+    return *Main().Databases().Bound(DatabaseKind::kRecipe).connection;
+  }
+  std::string Modified();
+  RecipeLineRecord Line(int recipe, std::size_t line = 0) {
+    return ReadRecipeLines(Database(), recipe).at(line);
+  }
+
+  FilteredEdit& Box(const char* name) { return Find<FilteredEdit>(QLatin1String(name)); }
+  QComboBox& List(const char* name) { return Find<QComboBox>(QLatin1String(name)); }
+  QCheckBox& Check(const char* name) { return Find<QCheckBox>(QLatin1String(name)); }
+  RecordListGrid& Grid(const char* name) { return Find<RecordListGrid>(QLatin1String(name)); }
+  std::string Shown(const char* box) { return Box(box).Text(); }
+  std::string Item(const char* list, int index) { return List(list).itemText(index).toStdString(); }
+
+  // Puts the focus into a box, types over what it holds, and goes on with the Tab key.
+  void Fill(const char* box, std::string_view text);
+  void TypeOver(const char* box, std::string_view text);
+  static void Type(std::string_view text);
+  static void PressKey(Qt::Key key);
+  void Press(const char* button);
+  void Tick(const char* check);
+
+  // Drops the list down and chooses an item with the keys of the open list.
+  void ChooseIn(const char* list, int index);
+
+  // A cell of a grid, by the record's ID and the column's field.
+  QModelIndex Cell(const char* grid, int id, const std::string& field);
+  std::string CellText(const char* grid, int id, const std::string& field);
+  void ClickCell(const char* grid, int id, const std::string& field);
+  void EditCell(const char* grid, int id, const std::string& field, std::string_view text);
+  int CurrentId(const char* grid);
+
+  std::filesystem::path path_;
+};
+
+}  // namespace vrx::testing

@@ -1,0 +1,51 @@
+#pragma once
+
+#include <memory>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include <SQLiteCpp/Transaction.h>
+#include <gmock/gmock.h>
+
+#include "desktop/records/commit_site.h"
+
+namespace vrx::testing {
+
+// The record tabs, on a file that another program may hold.
+class UnstoredSite : public CommitSite {
+ public:
+  // Another program holds the file from here on.
+  void Lock() {
+    Database().setBusyTimeout(1);
+    other_ = std::make_unique<SQLite::Database>(OpenDatabase(path_, Access::kWrite));
+    lock_.emplace(*other_, SQLite::TransactionBehavior::IMMEDIATE);
+  }
+  void Unlock() { lock_.reset(); }
+
+  // The file is free again by the time of the answer.
+  void UnlockWhenAsked() {
+    operator_.on_message = [this](const MessageBox&) { Unlock(); };
+  }
+  void Answer(vrx::Answer answer) { operator_.answers.push_back(answer); }
+
+  int RecordOnShow() { return Text(u"lblRecordNumber"_qs).toInt(); }
+  bool DatabaseIsOpen() { return !Main().Databases().Bound(DatabaseKind::kRecipe).blank; }
+  std::vector<std::string>& Exits() { return exit_.taken; }
+  std::vector<MessageBox>& Boxes() { return operator_.boxes; }
+
+ protected:
+  void ExpectOneQuestion() {
+    ASSERT_EQ(Boxes().size(), 1U);
+    EXPECT_EQ(Boxes()[0].title, "Edit (Error)");
+    EXPECT_EQ(Boxes()[0].buttons, Buttons::kTryDiscardStay);
+    EXPECT_THAT(Boxes()[0].text,
+                ::testing::HasSubstr("could not be stored: YARD.RDB is locked by another"));
+  }
+
+ private:
+  std::unique_ptr<SQLite::Database> other_;
+  std::optional<SQLite::Transaction> lock_;
+};
+
+}  // namespace vrx::testing

@@ -1,0 +1,97 @@
+#include <QPlainTextEdit>
+#include <QPushButton>
+#include <QTest>
+#include <string>
+#include <vector>
+
+#include <gmock/gmock.h>
+
+#include "base/error.h"
+#include "desktop/transfer/data_transfer_page.h"
+#include "support/fake_serial_control.h"
+#include "support/fixed_calendar.h"
+#include "support/manual_pump.h"
+#include "support/recording_operator.h"
+#include "support/scripted_file_chooser.h"
+
+namespace vrx::testing {
+namespace {
+
+using ::testing::ElementsAre;
+
+class KeptPrints : public TextPrinter {
+ public:
+  void Print(const std::string& text) override {
+    if (refuses) {
+      throw Error("out of paper");
+    }
+    prints.push_back(text);
+  }
+
+  bool refuses = false;
+  std::vector<std::string> prints;
+};
+
+class NoDatabases : public TransferDatabases {
+ public:
+  CurrentDatabase OpenRecipes() const override { return {}; }
+  void BrowseRecipes() override {}
+  void RecipesStored(int /*highest_in_use*/) override {}
+};
+
+class PrintOfTheDataWindow : public ::testing::Test {
+ protected:
+  PrintOfTheDataWindow() { settings.SetEnablePrintTextOn(true); }
+
+  void Print(const std::string& typed) {
+    DataTransferPage page({.op = op,
+                           .files = files,
+                           .calendar = calendar,
+                           .pump = pump,
+                           .settings = settings,
+                           .identity = identity,
+                           .krm = krm,
+                           .databases = databases,
+                           .status = status,
+                           .printer = printer});
+    page.Prepare();
+    QTest::keyClicks(page.findChild<QPlainTextEdit*>(u"txtDataWindow"_qs),
+                     QString::fromStdString(typed));
+    QTest::mouseClick(page.findChild<QPushButton*>(u"cmdPrintText"_qs), Qt::LeftButton);
+  }
+
+  RecordingOperator op;
+  ScriptedFileChooser files;
+  FixedCalendar calendar;
+  ManualPump pump;
+  FakeSerialControl serial{pump};
+  PrivateINI settings;
+  DatabaseIdentity identity{op, calendar, settings};
+  KRMCOMM krm{serial, pump, op, settings};
+  NoDatabases databases;
+  TransferStatusPanel status;
+  KeptPrints printer;
+};
+
+TEST_F(PrintOfTheDataWindow, PrintsWhatItShows) {
+  Print("abc");
+  EXPECT_THAT(printer.prints, ElementsAre("abc"));
+  EXPECT_TRUE(op.boxes.empty());
+}
+
+TEST_F(PrintOfTheDataWindow, APrinterThatRefusesIsTold) {
+  printer.refuses = true;
+  Print("abc");
+  ASSERT_EQ(op.boxes.size(), 1U);
+  EXPECT_EQ(op.boxes[0].title, "Print Error");
+  EXPECT_EQ(op.boxes[0].cause, "out of paper");
+}
+
+TEST_F(PrintOfTheDataWindow, PrintsNothingWhileItsOptionIsOff) {
+  settings.SetEnablePrintTextOn(false);
+  Print("abc");
+  EXPECT_TRUE(printer.prints.empty());
+}
+
+}  // namespace
+}  // namespace vrx::testing

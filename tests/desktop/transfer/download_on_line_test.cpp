@@ -1,0 +1,206 @@
+#include <QCheckBox>
+
+#include <gmock/gmock.h>
+
+#include "desktop/transfer/line_site.h"
+#include "support/full_recipe_database.h"
+
+namespace vrx::testing {
+namespace {
+
+namespace fs = std::filesystem;
+using ::testing::SizeIs;
+
+const std::string kBackup = "{DATA_IN},L\r\n\r\n[ING]\r\n\r\n1,CORN,0\r\n";
+
+class DownloadOnLine : public LineSite {
+ protected:
+  void OpenBackup(const std::string& text) {
+    Click(u"cmdDownloadRecipeToKRM"_qs);
+    chooser_.Choose(folder_.Write("A.RBU", text));
+    Click(u"cmdOpenRecipeBU"_qs);
+    EXPECT_EQ(Status().text, "Recipe backup-file opened, ready to download.");
+  }
+  void OpenDatabase() {
+    Click(u"cmdDownloadRecipeToKRM"_qs);
+    chooser_.Choose(MakeUserFile("YARD.RDB", DatabaseKind::kRecipe));
+    Click(u"cmdOpenRecipeDB"_qs);
+    EXPECT_EQ(Status(), (ToldStatus{"Recipe database-file opened, ready to download.", kToldBlue}));
+    EXPECT_EQ(Path(), (app_folder_->DefaultAppPath() / "YARD.RDB").string());
+  }
+  void Download(const QString& button, QMessageBox::StandardButton answer) {
+    boxes_.answers = {answer};
+    Click(button);
+    EXPECT_FALSE(Busy());
+  }
+  void IsTheOverwriteQuestion(const std::string& text) {
+    EXPECT_EQ(Box().title, "Overwrite KRM");
+    EXPECT_EQ(Box().icon, Icon::kQuestion);
+    EXPECT_EQ(Box().buttons, Buttons::kYesNo);
+    EXPECT_EQ(Box().text, text);
+  }
+  // Of a sound module.
+  void TheNextDownloadWorks() {
+    const auto module = KeptModule("old");
+    Download(u"cmdDownloadRecipeBU"_qs, QMessageBox::Yes);
+    EXPECT_EQ(Status().color, kToldGreen) << Status().text;
+    EXPECT_EQ(MemoryOf(*module), Find<DataWindow>(u"txtDataWindow"_qs).Bytes());
+  }
+};
+
+TEST_F(DownloadOnLine, ADatabaseStandsInTheModuleAsItIsShown) {
+  const auto module = KeptModule("old");
+  OpenDatabase();
+  auto& active_only = Find<QCheckBox>(u"chkShowActiveIngsOnly"_qs);
+  const bool was_active_only = active_only.isChecked();
+  std::vector<std::string> shown;
+  QObject::connect(&Find<DataWindow>(u"txtDataWindow"_qs), &QPlainTextEdit::textChanged,
+                   [&] { shown.push_back(Data()); });
+  Download(u"cmdDownloadRecipeDB"_qs, QMessageBox::Yes);
+  IsTheOverwriteQuestion(
+      "Are you sure you want to overwrite all data in the KRM module with recipe data from the "
+      "YARD.RDB database?");
+  EXPECT_THAT(shown, ::testing::Contains(
+                         "Building recipe file to download:\nFormatting ingredient data...\n"
+                         "done!\nFormatting recipe data...\ndone!\nFormatting pen data...\n"
+                         "pen formatting done!\nRecipe file complete!\n"));
+  const std::string sent = Find<DataWindow>(u"txtDataWindow"_qs).Bytes();
+  EXPECT_EQ(sent, "{DATA_IN},L\r\n\r\n[ING]\r\n\r\n\r\n[REC]\r\n\r\n\r\n[PEN]\r\n\r\n\r\n");
+  EXPECT_EQ(Status(), (ToldStatus{"Download complete!  (" + std::to_string(sent.size()) +
+                                      " bytes, Recipe Data)",
+                                  kToldGreen}));
+  EXPECT_TRUE(WasTold({"Standby...", kToldBlue}));
+  EXPECT_EQ(active_only.isChecked(), was_active_only);
+  EXPECT_EQ(MemoryOf(*module), sent);
+}
+
+TEST_F(DownloadOnLine, AnEditedBackupStandsInTheModuleAsItWasEdited) {
+  const auto module = KeptModule("old");
+  OpenBackup(kBackup);
+  auto& window = Find<DataWindow>(u"txtDataWindow"_qs);
+  window.moveCursor(QTextCursor::End);
+  QTest::keyClicks(&window, "2,HAY,0");
+  Download(u"cmdDownloadRecipeBU"_qs, QMessageBox::Yes);
+  IsTheOverwriteQuestion(
+      "Are you sure you want to overwrite all data in the KRM module with recipe backup data from "
+      "the A.RBU file?");
+  EXPECT_EQ(Status(), (ToldStatus{"Download complete!  (" + std::to_string(kBackup.size() + 7) +
+                                      " bytes, Recipe Data)",
+                                  kToldGreen}));
+  EXPECT_EQ(MemoryOf(*module), kBackup + "2,HAY,0");
+}
+
+TEST_F(DownloadOnLine, OverwriteRefusedLeavesTheModule) {
+  const auto module = KeptModule("old");
+  OpenDatabase();
+  Download(u"cmdDownloadRecipeDB"_qs, QMessageBox::No);
+  OpenBackup(kBackup);
+  Download(u"cmdDownloadRecipeBU"_qs, QMessageBox::No);
+  EXPECT_EQ(Status().text, "");
+  EXPECT_FALSE(line_.PortOpen());
+  EXPECT_EQ(MemoryOf(*module), "old");
+}
+
+TEST_F(DownloadOnLine, ABackupThatWasUploadedAndSavedGoesBack) {
+  const auto module = KeptModule(kBackup);
+  Upload();
+  ClickBox(0);
+  chooser_.Choose(folder_ / "A.RBU");
+  Click(u"cmdSaveFile"_qs);
+  Click(u"cmdDownloadRecipeToKRM"_qs);
+  EXPECT_EQ(Data(), "");
+  EXPECT_EQ(Path(), "");
+  EXPECT_EQ(Status().text, "");
+  chooser_.Choose(folder_ / "A.RBU");
+  Click(u"cmdOpenRecipeBU"_qs);
+  EXPECT_EQ(chooser_.dialogs.back().title, "Open Recipe Backup File");
+  EXPECT_EQ(chooser_.dialogs.back().filter,
+            "Recipe Backup (*.RBU)|*.RBU|Rescue File (*.KRM)|*.KRM");
+  EXPECT_EQ(chooser_.dialogs.back().default_extension, "RBU");
+  Download(u"cmdDownloadRecipeBU"_qs, QMessageBox::Yes);
+  EXPECT_EQ(Status().color, kToldGreen) << Status().text;
+  EXPECT_EQ(MemoryOf(*module), kBackup);
+}
+
+TEST_F(DownloadOnLine, NothingOpenedIsRefusedInBothFrames) {
+  Click(u"cmdDownloadRecipeToKRM"_qs);
+  Click(u"cmdDownloadRecipeDB"_qs);
+  EXPECT_EQ(Box().title, "Recipe Database-File Error");
+  EXPECT_EQ(Box().text,
+            "You must first 'Open' the Recipe database file that you want to be downloaded.");
+  EXPECT_TRUE(HasFocus(u"cmdOpenRecipeDB"_qs));
+  Click(u"cmdDownloadRecipeBU"_qs);
+  EXPECT_EQ(Box().title, "Recipe Backup-File Error");
+  EXPECT_EQ(Box().icon, Icon::kWarning);
+  EXPECT_EQ(Box().text,
+            "You must first 'Open' the Recipe backup-file that you want to be downloaded.");
+  EXPECT_TRUE(HasFocus(u"cmdOpenRecipeBU"_qs));
+}
+
+TEST_F(DownloadOnLine, ATextWithoutItsMarkIsRefused) {
+  OpenBackup("{DATA_OUT},L\r\n");
+  Download(u"cmdDownloadRecipeBU"_qs, QMessageBox::Yes);
+  EXPECT_EQ(Box().title, "File-Header Error");
+  EXPECT_EQ(Box().icon, Icon::kWarning);
+  EXPECT_EQ(Box().text,
+            "The Recipe backup-file has an invalid file header and cannot be downloaded.");
+  EXPECT_FALSE(line_.PortOpen());
+}
+
+TEST_F(DownloadOnLine, ASilentModuleIsToldInTheStatusAloneAndTheNextTryWorks) {
+  OpenBackup(kBackup);
+  {
+    const auto module = FaultyModule("old", "silent");
+    Download(u"cmdDownloadRecipeBU"_qs, QMessageBox::Yes);
+    EXPECT_EQ(Status(), (ToldStatus{"Error: KRM not detected", kToldRed}));
+    EXPECT_THAT(boxes_.boxes, SizeIs(1));  // the question
+  }
+  TheNextDownloadWorks();
+}
+
+TEST_F(DownloadOnLine, ALineLostInTheClearIsToldAndTheNextTryWorks) {
+  OpenBackup(kBackup);
+  {
+    const auto module = FaultyModule("old", "hang-up=3");
+    Download(u"cmdDownloadRecipeBU"_qs, QMessageBox::Yes);
+    EXPECT_EQ(Status(), (ToldStatus{"Error: Could not clear KRM", kToldRed}));
+  }
+  TheNextDownloadWorks();
+}
+
+// The module stops reading, then it is gone.
+TEST_F(DownloadOnLine, ALinePulledInTheTextIsToldAndTheNextTryWorks) {
+  OpenBackup(kBackup + std::string(500'000, 'x'));
+  {
+    auto module = Module("old", {});
+    Later(Ms{3500}, [&] { module->Signal(SIGSTOP); });
+    Later(Ms{5200}, [&] { module.reset(); });
+    Download(u"cmdDownloadRecipeBU"_qs, QMessageBox::Yes);
+    EXPECT_EQ(Status(), (ToldStatus{"Error: Download failed", kToldRed}));
+    const ToldStatus& last_count = told_.at(told_.size() - 2);
+    EXPECT_THAT(last_count.text,
+                ::testing::MatchesRegex("Downloading to KRM\\.\\.\\.\\.  [1-9][0-9]+ bytes"));
+    EXPECT_EQ(last_count.color, kToldBlue);
+  }
+  OpenBackup(kBackup);
+  TheNextDownloadWorks();
+}
+
+// A text that is longer than the module's memory is sent all the same.
+TEST_F(DownloadOnLine, AFullDatabaseGoesOutAndIsCounted) {
+  const auto module = KeptModule("old");
+  const fs::path file = app_folder_->DefaultAppPath() / "FULL.RDB";
+  MakeFullRecipeDatabase(file);
+  Click(u"cmdDownloadRecipeToKRM"_qs);
+  chooser_.Choose(file);
+  Click(u"cmdOpenRecipeDB"_qs);
+  Download(u"cmdDownloadRecipeDB"_qs, QMessageBox::Yes);
+  const std::string sent = Find<DataWindow>(u"txtDataWindow"_qs).Bytes();
+  EXPECT_EQ(Status(), (ToldStatus{"Download complete!  (" + std::to_string(sent.size()) +
+                                      " bytes, Recipe Data)",
+                                  kToldGreen}));
+  EXPECT_EQ(MemoryOf(*module), sent);
+}
+
+}  // namespace
+}  // namespace vrx::testing

@@ -1,0 +1,168 @@
+#pragma once
+
+#include <QTimer>
+#include <algorithm>
+#include <chrono>
+#include <csignal>
+#include <filesystem>
+#include <functional>
+#include <memory>
+#include <ostream>
+#include <stdexcept>
+#include <string>
+#include <utility>
+#include <vector>
+
+#include "adapters/port_device.h"
+#include "adapters/qt_event_pump.h"
+#include "adapters/qt_serial_control.h"
+#include "desktop/answered_boxes.h"
+#include "desktop/app/qt_services.h"
+#include "desktop/transfer/transfer_site.h"
+#include "support/program.h"
+
+namespace vrx::testing {
+
+inline constexpr QColor kToldBlue{0, 0, 192};
+inline constexpr QColor kToldRed{255, 0, 0};
+inline constexpr QColor kToldGreen{0, 128, 0};
+
+// What the status line said and in what colour, as the label stood.
+struct ToldStatus {
+  std::string text;
+  QColor color;
+  bool operator==(const ToldStatus&) const = default;
+};
+
+inline void PrintTo(const ToldStatus& told, std::ostream* out) {
+  *out << '"' << told.text << "\" in " << told.color.name().toStdString();
+}
+
+// The main window with the Data Transfer tab on show, in real time: real boxes, the real status
+// label, and serial port 2, the port of the settings, at the link that a simulator makes.
+class LineSite : public TransferSite {
+ protected:
+  using Ms = std::chrono::milliseconds;
+
+  LineSite() {
+    std::filesystem::create_directories(ports_);
+    main_ = std::make_unique<VrxMain>(VrxMain::Ports{.op = screen_,
+                                                     .files = chooser_,
+                                                     .user_settings = user_settings_,
+                                                     .calendar = calendar_,
+                                                     .system = system_,
+                                                     .pump = events_,
+                                                     .serial = line_,
+                                                     .app_folder = *app_folder_,
+                                                     .ini = *ini_,
+                                                     .settings = settings_,
+                                                     .exit = exit_});
+    MainWindow& window = main_->Window();
+    QObject::connect(&screen_, &QtOperator::StatusLineChanged, &window,
+                     [this](const QString& text) {
+                       Window().SetStatusLine(text);
+                       told_.push_back(Status());
+                     });
+    QObject::connect(&screen_, &QtOperator::StatusColorChanged, &window,
+                     &MainWindow::SetStatusColor);
+    ShowTab();
+  }
+  // The window goes ahead of what it refers to.
+  ~LineSite() override { main_.reset(); }
+
+  // Not paced like the real line, unless the arguments say so.
+  std::unique_ptr<Program> Simulate(std::vector<std::string> args) const {
+    std::filesystem::remove(link_);
+    args.insert(args.begin() + 1, {"--link", link_.string()});
+    auto simulator =
+        std::make_unique<Program>(VRX_BIN_DIR "/vrx2260sim", args, folder_.Path().string());
+    EXPECT_TRUE(simulator->WaitForOutput("ready ")) << simulator->Err();
+    return simulator;
+  }
+  std::unique_ptr<Program> Module(const std::string& memory,
+                                  const std::vector<std::string>& more = {"--baud", "0"}) const {
+    std::vector<std::string> args = {"module", "--load", folder_.Write("memory", memory).string()};
+    args.insert(args.end(), more.begin(), more.end());
+    return Simulate(args);
+  }
+  std::unique_ptr<Program> FaultyModule(const std::string& memory, const std::string& fault) const {
+    return Module(memory, {"--baud", "0", "--fault", fault});
+  }
+  // A module of which MemoryOf tells what it holds in the end.
+  std::unique_ptr<Program> KeptModule(const std::string& memory) const {
+    return Module(memory, {"--baud", "0", "--save", kept_.string()});
+  }
+  std::string MemoryOf(Program& module) const {
+    module.Signal(SIGTERM);
+    module.Wait();
+    return ReadAll(kept_);
+  }
+  std::unique_ptr<Program> Indicator(const std::string& script) const {
+    return Simulate({"indicator", "--script", folder_.Write("script", script).string()});
+  }
+
+  static void Later(Ms delay, std::function<void()> act) {
+    QTimer::singleShot(delay, qApp, std::move(act));
+  }
+  // As soon as the condition holds; the object gives up when it goes.
+  static std::unique_ptr<QTimer> Once(std::function<bool()> holds, std::function<void()> act) {
+    auto poll = std::make_unique<QTimer>();
+    QObject::connect(poll.get(), &QTimer::timeout, poll.get(),
+                     [timer = poll.get(), holds = std::move(holds), act = std::move(act)] {
+                       if (holds()) {
+                         timer->stop();
+                         act();
+                       }
+                     });
+    poll->start(Ms{20});
+    return poll;
+  }
+
+  ToldStatus Status() {
+    const auto& label = Find<QLabel>(u"lblStatusWindow"_qs);
+    return {label.text().toStdString(), label.palette().color(QPalette::WindowText)};
+  }
+  bool WasTold(const ToldStatus& status) const {
+    return std::find(told_.begin(), told_.end(), status) != told_.end();
+  }
+  const MessageBox& Box() {
+    if (boxes_.boxes.empty()) {
+      throw std::logic_error("no box was shown");
+    }
+    return boxes_.boxes.back();
+  }
+  static bool Busy() {
+    return QApplication::overrideCursor() != nullptr &&
+           QApplication::overrideCursor()->shape() == Qt::WaitCursor;
+  }
+  void Upload() { Click(u"cmdUploadDataFromKRM"_qs); }
+  // The indicator's turn; returns when the connection has ended.
+  void ConnectDirectly() { Click(u"optConnection(1)"_qs); }
+  void ConnectModule() { Click(u"optConnection(0)"_qs); }
+  // Also while the window is not the active one, as behind a box.
+  bool HasFocus(const QString& control) {
+    return Window().focusWidget() == &Find<QWidget>(control);
+  }
+  bool Direct() { return Find<QRadioButton>(u"optConnection(1)"_qs).isChecked(); }
+
+  // The next upload, from a sound module, is whole.
+  void TheNextUploadWorks() {
+    const auto module = Module("{BAT/FED},L\r\n");
+    Upload();
+    EXPECT_EQ(Status(), (ToldStatus{"Upload complete!  (16 bytes, 1 file)", kToldGreen}));
+    EXPECT_EQ(Rows(), std::vector<std::string>{"Transaction File - 1"});
+    EXPECT_FALSE(Busy());
+  }
+
+  std::filesystem::path ports_ = app_folder_->DefaultAppPath() / "Ports";
+  std::filesystem::path link_ = ports_ / "COM2";
+  std::filesystem::path kept_ = folder_ / "kept";
+  QtOperator screen_;
+  AnsweredBoxes boxes_;
+  std::vector<ToldStatus> told_;
+  QtEventPump events_;
+  QtSerialControl line_{
+      [this](int number) { return LinuxPortDevice(app_folder_->DefaultAppPath(), number); }};
+};
+
+}  // namespace vrx::testing

@@ -1,0 +1,90 @@
+#pragma once
+
+#include <QListWidget>
+#include <QPlainTextEdit>
+#include <QPushButton>
+#include <QRadioButton>
+#include <QTest>
+#include <functional>
+#include <string>
+
+#include "desktop/main_window/main_window_site.h"
+
+namespace vrx::testing {
+
+// The Data Transfer tab on show, its line scripted in the time of the pump.
+class TransferSite : public MainWindowSite {
+ protected:
+  TransferSite() { settings_.SetEnableBeeperOn(false); }
+
+  // With every widget on the screen.
+  void ShowTab() {
+    Show();
+    operator_.status_lines.clear();
+  }
+
+  void Click(const QString& button) {
+    QTest::mouseClick(&Find<QAbstractButton>(button), Qt::LeftButton);
+  }
+  // In the middle of a wait, after that time.
+  void ClickAfter(Milliseconds delay, const QString& button) {
+    pump_.After(delay, [this, button] { Click(button); });
+  }
+  bool Visible(const QString& control) { return Find<QWidget>(control).isVisible(); }
+  bool Enabled(const QString& control) { return Find<QWidget>(control).isEnabled(); }
+  bool HasFocus(const QString& control) { return Find<QWidget>(control).hasFocus(); }
+
+  std::string Data() {
+    return Find<QPlainTextEdit>(u"txtDataWindow"_qs).toPlainText().toStdString();
+  }
+  std::string Path() { return Find<QLineEdit>(u"txtFilePath"_qs).text().toStdString(); }
+
+  QListWidget& List() { return Find<QListWidget>(u"lstDataFiles"_qs); }
+  std::vector<std::string> Rows() {
+    std::vector<std::string> rows;
+    rows.reserve(static_cast<std::size_t>(List().count()));
+    for (int i = 0; i < List().count(); ++i) {
+      rows.push_back(List().item(i)->text().toStdString());
+    }
+    return rows;
+  }
+  std::vector<int> Checked() {
+    std::vector<int> rows;
+    for (int i = 0; i < List().count(); ++i) {
+      if (List().item(i)->checkState() == Qt::Checked) {
+        rows.push_back(i);
+      }
+    }
+    return rows;
+  }
+  // The check box of a row, with the mouse.
+  void ClickBox(int row) {
+    QStyleOptionViewItem option;
+    option.initFrom(&List());
+    option.rect = List().visualItemRect(List().item(row));
+    option.features = QStyleOptionViewItem::HasCheckIndicator;
+    const QRect box =
+        List().style()->subElementRect(QStyle::SE_ItemViewItemCheckIndicator, &option, &List());
+    QTest::mouseClick(List().viewport(), Qt::LeftButton, {}, box.center());
+  }
+
+  // A module that is there, and what its memory holds.
+  void ModuleHolds(const std::string& memory) {
+    serial_.WillAnswer("\x19\x1f");
+    serial_.WillAnswer("\x15\x1f" + memory + "\x1f");
+  }
+  // A module that takes a download.
+  void ModuleTakesDownload() {
+    serial_.WillAnswer("\x19\x1f");
+    serial_.WillAnswer("\x14\x1f");
+  }
+
+  const MessageBox& LastBox() {
+    if (operator_.boxes.empty()) {
+      throw std::logic_error("no box was shown");
+    }
+    return operator_.boxes.back();
+  }
+};
+
+}  // namespace vrx::testing

@@ -1,0 +1,297 @@
+#include <gmock/gmock.h>
+
+#include "desktop/transfer/line_site.h"
+
+namespace vrx::testing {
+namespace {
+
+namespace fs = std::filesystem;
+using ::testing::Each;
+using ::testing::ElementsAre;
+using ::testing::IsEmpty;
+using ::testing::MatchesRegex;
+using ::testing::SizeIs;
+
+const std::string kTransactions = "{BAT/FED},L\r\n[BAT],B,1\r\n\r\n";
+const std::string kReport = "{REPORT}\r\npage \xE9\r\n";
+const std::string kPage = "\f page two\r\n";
+const std::string kBackup = "{DATA_IN},L\r\n\r\n[ING]\r\n\r\n1,CORN,0\r\n";
+
+constexpr const char* kNotDetected =
+    "The KRM was not detected. Please verify that the module is connected. Check cable and "
+    "connector and then try again.";
+
+class UploadOnLine : public LineSite {
+ protected:
+  void IsNotDetected(const std::string& cause) {
+    ASSERT_THAT(boxes_.boxes, SizeIs(1));
+    EXPECT_EQ(Box().title, "KRM Error");
+    EXPECT_EQ(Box().icon, Icon::kWarning);
+    EXPECT_EQ(Box().text, kNotDetected);
+    EXPECT_EQ(Box().cause, cause);
+    FailedWith("Error: KRM not detected");
+  }
+  void FailedWith(const std::string& status) {
+    EXPECT_EQ(Status(), (ToldStatus{status, kToldRed}));
+    EXPECT_THAT(Rows(), IsEmpty());
+    EXPECT_FALSE(Visible(u"frmDataFiles"_qs));
+    EXPECT_FALSE(Busy());
+  }
+  void Save(int row, const fs::path& file) {
+    ClickBox(row);
+    chooser_.Choose(file);
+    Click(u"cmdSaveFile"_qs);
+  }
+};
+
+TEST_F(UploadOnLine, OneFileIsToldInTheSingularInGreen) {
+  const auto module = Module(kTransactions);
+  bool stood_by = false;
+  Later(Ms{300}, [&] { stood_by = Busy() && Status() == ToldStatus{"Standby...", kToldBlue}; });
+  Upload();
+  EXPECT_TRUE(stood_by);
+  EXPECT_EQ(Status(), (ToldStatus{"Upload complete!  (29 bytes, 1 file)", kToldGreen}));
+  EXPECT_THAT(Rows(), ElementsAre("Transaction File - 1"));
+  EXPECT_TRUE(Visible(u"frmDataFiles"_qs));
+  EXPECT_FALSE(Busy());
+}
+
+TEST_F(UploadOnLine, FilesOfEveryKindAreSavedByteForByte) {
+  const auto module = Module(kTransactions + kBackup + kReport + kPage);
+  Upload();
+  EXPECT_EQ(Status(), (ToldStatus{"Upload complete!  (93 bytes, 4 files)", kToldGreen}));
+  struct Kind {
+    std::string file, bytes, status, row;
+    FileDialog dialog;
+  };
+  const std::vector<Kind> kinds{
+      {"A.QXT",
+       kTransactions,
+       "Transaction file (1) saved!",
+       "Transaction File - 1 (saved)",
+       {"Save Transaction File", "Transactions (*.QXT)|*.QXT|All Files (*.*)|*.*", "QXT"}},
+      {"A.RBU",
+       kBackup,
+       "Recipe backup file (2) saved!",
+       "Recipe Backup File - 2 (saved)",
+       {"Save Recipe Backup File", "Recipe Backup (*.RBU)|*.RBU|All Files (*.*)|*.*", "RBU"}},
+      {"A.TXT",
+       kReport,
+       "Report file (3) saved!",
+       "Text Report - 3 (saved)",
+       {"Save Report File", "Report (*.TXT)|*.TXT|All Files (*.*)|*.*", "TXT"}},
+      {"B.TXT",
+       kPage,
+       "Report file (4) saved!",
+       "Text Report - 4 (saved)",
+       {"Save Report File", "Report (*.TXT)|*.TXT|All Files (*.*)|*.*", "TXT"}}};
+  for (int row = 0; row < 4; ++row) {
+    const Kind& kind = kinds.at(static_cast<std::size_t>(row));
+    Save(row, folder_ / kind.file);
+    EXPECT_EQ(ReadAll(folder_ / kind.file), kind.bytes);
+    EXPECT_EQ(Path(), (folder_ / kind.file).string());
+    EXPECT_EQ(Status(), (ToldStatus{kind.status, kToldBlue}));
+    EXPECT_EQ(Rows().at(static_cast<std::size_t>(row)), kind.row);
+    EXPECT_THAT(Checked(), IsEmpty());
+    const FileDialog& asked = chooser_.dialogs.back();
+    EXPECT_EQ(asked.title, kind.dialog.title);
+    EXPECT_EQ(asked.filter, kind.dialog.filter);
+    EXPECT_EQ(asked.default_extension, kind.dialog.default_extension);
+    EXPECT_EQ(asked.flags, kOverwritePrompt | kHideReadOnly);
+  }
+  Save(0, folder_ / "A.QXT");  // once more
+  EXPECT_EQ(Rows().front(), "Transaction File - 1 (saved)");
+}
+
+TEST_F(UploadOnLine, ASaveThatIsCancelledIsToldByItsKindAndChangesNothing) {
+  const auto module = Module(kTransactions + kBackup + kReport);
+  Upload();
+  const std::vector<std::string> rows = Rows();
+  Click(u"cmdSaveFile"_qs);
+  EXPECT_EQ(Box().text,
+            "You must first select a data file to save. Click on one of the check boxes next to "
+            "the file you want to save.");
+  EXPECT_EQ(Box().title, "Error");
+  EXPECT_EQ(Box().icon, Icon::kWarning);
+  EXPECT_EQ(Status(), (ToldStatus{"Upload complete!  (81 bytes, 3 files)", kToldGreen}));
+  const std::vector<std::string> told{"Could not save transaction file (1)",
+                                      "Could not save recipe backup-file (2)",
+                                      "Could not save report file (3)"};
+  for (int row = 0; row < 3; ++row) {
+    ClickBox(row);
+    chooser_.Cancel();
+    Click(u"cmdSaveFile"_qs);
+    EXPECT_EQ(Status(), (ToldStatus{told.at(static_cast<std::size_t>(row)), kToldBlue}));
+    EXPECT_EQ(Rows(), rows);
+    EXPECT_THAT(Checked(), ElementsAre(row));
+  }
+}
+
+TEST_F(UploadOnLine, BytesAreCountedAsTheyCome) {
+  const auto module = Module(kTransactions + std::string(3000, 'x'), {});
+  Upload();
+  EXPECT_EQ(Status(), (ToldStatus{"Upload complete!  (3029 bytes, 1 file)", kToldGreen}));
+  std::vector<std::string> counts;
+  for (const auto& [text, color] : told_) {
+    if (text.starts_with("Uploading")) {
+      counts.push_back(text);
+      EXPECT_EQ(color, kToldBlue);
+    }
+  }
+  EXPECT_THAT(counts, SizeIs(::testing::Ge(4U)));
+  EXPECT_THAT(counts, Each(MatchesRegex("Uploading from KRM\\.\\.\\.\\.  [0-9]+ bytes")));
+  EXPECT_NE(counts.front(), counts.back());
+}
+
+TEST_F(UploadOnLine, AnEmptyMemoryEndsRedAndTheNextTryWorks) {
+  {
+    const auto module = Module("");
+    Upload();
+    FailedWith("The KRM buffer is empty");
+    EXPECT_EQ(Data(), "");
+  }
+  TheNextUploadWorks();
+}
+
+TEST_F(UploadOnLine, UnknownTextIsShownInRedAndTheNextTryWorks) {
+  {
+    const auto module = Module("not {ours}\r\n");
+    Upload();
+    FailedWith("No recognized data file!");
+    EXPECT_EQ(Data(), "not {ours}\n");
+  }
+  TheNextUploadWorks();
+}
+
+TEST_F(UploadOnLine, ASilentModuleIsNotDetectedAndTheNextTryWorks) {
+  {
+    const auto module = FaultyModule(kTransactions, "silent");
+    Upload();
+    IsNotDetected("no reply");
+  }
+  TheNextUploadWorks();
+}
+
+TEST_F(UploadOnLine, APortWithoutADeviceIsNotDetectedAndTheNextTryWorks) {
+  fs::create_symlink(folder_ / "unplugged", link_);
+  Upload();
+  IsNotDetected((folder_ / "unplugged").string() + ": no such device");
+  TheNextUploadWorks();
+}
+
+TEST_F(UploadOnLine, AModuleThatAnswersNonsenseIsNotDetectedAndTheNextTryWorks) {
+  {
+    const auto module = FaultyModule(kTransactions, "garbage");
+    Upload();
+    EXPECT_EQ(Box().text, kNotDetected);
+    FailedWith("Error: KRM not detected");
+  }
+  TheNextUploadWorks();
+}
+
+TEST_F(UploadOnLine, ATerminatorInTheDataIsToldAndTheNextTryWorks) {
+  {
+    const auto module = FaultyModule(kTransactions, "extra-us");
+    Upload();
+    FailedWith("Invalid terminators");
+  }
+  TheNextUploadWorks();
+}
+
+TEST_F(UploadOnLine, AModuleThatBreaksOffIsToldAndTheNextTryWorks) {
+  {
+    const auto module = FaultyModule(kTransactions, "cut-after=20");
+    Upload();
+    FailedWith("Error: Command response failed");
+  }
+  TheNextUploadWorks();
+}
+
+TEST_F(UploadOnLine, ALineThatHangsUpIsToldAndTheNextTryWorks) {
+  {
+    const auto module = FaultyModule(kTransactions, "hang-up=20");
+    Upload();
+    FailedWith("Error: Serial line lost");
+  }
+  TheNextUploadWorks();
+}
+
+TEST_F(UploadOnLine, ALinePulledAtAnyMomentIsToldAndTheNextTryWorks) {
+  for (const Ms when : {Ms{200}, Ms{1100}, Ms{2300}}) {
+    auto module = Module(kTransactions);
+    Later(when, [&] { module.reset(); });
+    Upload();
+    EXPECT_EQ(Status().color, kToldRed) << when.count();
+    EXPECT_THAT(Status().text, ::testing::StartsWith("Error: ")) << when.count();
+    EXPECT_FALSE(Busy());
+  }
+  TheNextUploadWorks();
+}
+
+TEST_F(UploadOnLine, TheWindowAnswersClicks) {
+  const auto module = Module(kTransactions);
+  int changes = 0;
+  for (const Ms when : {Ms{300}, Ms{1200}, Ms{2100}, Ms{2900}}) {
+    Later(when, [this, &changes] {
+      const int other = Tabs().currentIndex() == kTabImport ? kTabDataTransfer : kTabImport;
+      QTest::mouseClick(Tabs().tabBar(), Qt::LeftButton, {},
+                        Tabs().tabBar()->tabRect(other).center());
+      changes += Tabs().currentIndex() == other && Busy() ? 1 : 0;
+    });
+  }
+  Upload();
+  EXPECT_EQ(changes, 4);
+  EXPECT_EQ(Status().color, kToldGreen);
+}
+
+// The clicks run inside the upload's waits.
+TEST_F(UploadOnLine, NeitherAnotherClickNorAChangeOfConnectionDisturbsIt) {
+  const auto module = Module(kTransactions);
+  for (const Ms when : {Ms{300}, Ms{1500}, Ms{2200}}) {
+    Later(when, [this] {
+      Upload();
+      ConnectDirectly();
+    });
+  }
+  Upload();
+  EXPECT_EQ(Status(), (ToldStatus{"Upload complete!  (29 bytes, 1 file)", kToldGreen}));
+  EXPECT_THAT(Rows(), ElementsAre("Transaction File - 1"));
+  EXPECT_THAT(boxes_.boxes, IsEmpty());
+  EXPECT_FALSE(Direct());
+  EXPECT_FALSE(Busy());
+}
+
+TEST_F(UploadOnLine, BytesAfterTheDumpAreIgnoredUnlessThereAreMany) {
+  {
+    const auto module = FaultyModule(kTransactions, "strays=16");
+    Upload();
+    EXPECT_EQ(Status(), (ToldStatus{"Upload complete!  (29 bytes, 1 file)", kToldGreen}));
+    Save(0, folder_ / "A.QXT");
+    EXPECT_EQ(ReadAll(folder_ / "A.QXT"), kTransactions);
+  }
+  const auto module = FaultyModule(kTransactions, "strays=17");
+  Upload();
+  EXPECT_EQ(Status(), (ToldStatus{"Invalid terminators", kToldRed}));
+  EXPECT_THAT(Rows(), IsEmpty());
+}
+
+// What an operator does with a module that came from the yard.
+TEST_F(UploadOnLine, AnUploadedFileGoesIntoTheGridOfTheImport) {
+  const std::string file =
+      "{BAT/FED},L\r\n"
+      "[BAT],B,1,3,01152009,2,4,7,0,0,0;0830,0835,0,0,0;1000.0,500.0,0,0,0;998.0,503.5,0,0,0\r\n"
+      "\r\n"
+      "[FED],B,1,12,2,0915,01152009,750.0,748.5\r\n"
+      "\r\n";
+  const auto module = Module(file);
+  Upload();
+  Save(0, folder_ / "day.qxt");
+  chooser_.Choose(folder_ / "day.qxt");
+  Choose(u"mnuTransferImport"_qs);
+  EXPECT_EQ(Tabs().currentIndex(), kTabImport);
+  EXPECT_EQ(Text(u"lblTransFilename"_qs), u"DAY.QXT"_qs);
+  EXPECT_EQ(Text(u"lblRecords"_qs), u"3"_qs);
+}
+
+}  // namespace
+}  // namespace vrx::testing

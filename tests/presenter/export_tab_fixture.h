@@ -1,0 +1,129 @@
+#pragma once
+
+#include <deque>
+#include <filesystem>
+#include <functional>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include <SQLiteCpp/Database.h>
+#include <gtest/gtest.h>
+
+#include "database/connection.h"
+#include "database/records.h"
+#include "database/schema.h"
+#include "export/export_site.h"
+#include "presenter/export.h"
+#include "presenter/history.h"
+#include "settings/settings.h"
+#include "support/fixed_calendar.h"
+#include "support/fixed_system_info.h"
+#include "support/manual_pump.h"
+#include "support/recording_operator.h"
+#include "support/scripted_file_chooser.h"
+
+namespace vrx::testing {
+
+// The Export tab above the `Batched/Fed` tab, on the site's transactions and a recipe database with
+// the same ingredients, a recipe, and pens. The beeper is on.
+class ExportTabTest : public ::testing::Test, public ExportHost, public HistoryScreen {
+ protected:
+  ExportTabTest() {
+    settings.SetEnableBeeperOn(true);
+    system.program_directory = site.Folder().Path().string();
+    std::filesystem::create_directories(site.Folder() / "XSL");
+    std::filesystem::create_directories(data);
+    CreateTemplate(recipes_path, DatabaseKind::kRecipe);
+    recipes.emplace(OpenDatabase(recipes_path, Access::kWrite));
+    int id = 0;
+    for (const char* name : {"CORN", "HAY", "SALT"}) {
+      NameIngredient(++id, name);
+    }
+    RecipeRecord recipe = ReadRecipe(*recipes, 1);
+    recipe.name = recipe.description = "STARTER";
+    WriteRecipe(*recipes, recipe);
+    PenRecord pen = ReadPen(*recipes, 1);
+    pen.name = pen.description = "PEN 1";
+    WritePen(*recipes, pen);
+  }
+
+  void NameIngredient(int id, const std::string& name) {
+    IngredientRecord record = ReadIngredient(*recipes, id);
+    record.name = record.description = name;
+    WriteIngredient(*recipes, record);
+  }
+
+  // Opens the site's databases as they stand and shows a data group.
+  void Show(int group) {
+    view.reset();
+    transactions.emplace(OpenDatabase(site.Database(), Access::kRead));
+    view.emplace(*transactions, HistoryPorts{op, pump, identity, *this});
+    view->SetRecipeDatabase(&*recipes);
+    view->TabEntered();
+    view->SelectGroup(group);
+  }
+
+  // Names the file as the operator would, and presses the button.
+  void Export(ExportFormat format, const std::string& name = "DAY") {
+    tab.SetFName(name);
+    tab.SetFPath(out.string());
+    tab.SetFormat(format);
+    tab.ClickExport();
+  }
+
+  // The one box that was shown, as "ICON TITLE: TEXT".
+  std::string OnlyBox() const {
+    if (op.boxes.size() != 1) {
+      return std::to_string(op.boxes.size()) + " boxes";
+    }
+    const MessageBox& box = op.boxes.front();
+    const std::string icon = box.icon == Icon::kCritical      ? "critical"
+                             : box.icon == Icon::kInformation ? "information"
+                                                              : "another icon";
+    return icon + " " + box.title + ": " + box.text;
+  }
+
+  OpenDatabases Databases() const override { return {recipes_path, site.Database(), "LB"}; }
+  DataGroupOnShow DataGroup() override {
+    DataGroupOnShow shown = OnShow(*view);
+    shown.index = told_index.value_or(shown.index);
+    shown.name = told_name.value_or(shown.name);
+    return shown;
+  }
+  void ConfigureImportColumns() override { ++import_columns_configured; }
+  void FocusControl(std::string_view name) override { focused.emplace_back(name); }
+  void ExportChanged() override {
+    forms.push_back(tab.Form());
+    if (on_change) {
+      on_change();
+    }
+  }
+  void HistoryChanged(HistoryPart /*part*/) override {}
+
+  ExportSite site;
+  std::filesystem::path recipes_path = site.Folder() / "SITE.RDB";
+  std::filesystem::path out = site.Folder() / "out";
+  std::filesystem::path data = site.Folder() / "data";
+  RecordingOperator op;
+  ScriptedFileChooser files;
+  ManualPump pump;
+  PrivateINI settings;
+  FixedCalendar calendar;
+  FixedSystemInfo system;
+  DatabaseIdentity identity{op, calendar, settings};
+  StyleSheets style_sheets{data, system, op};
+  std::optional<SQLite::Database> recipes;
+  std::optional<SQLite::Database> transactions;
+  std::optional<HistoryView> view;
+  std::optional<int> told_index;         // in place of the view's
+  std::optional<std::string> told_name;  // in place of the combo's text
+  int import_columns_configured = 0;
+  std::vector<std::string> focused;
+  std::vector<ExportForm> forms;  // at each change
+  std::function<void()> on_change;
+  ExportTab tab{{op, files, pump, settings, style_sheets, *this}};
+};
+
+}  // namespace vrx::testing

@@ -1,0 +1,39 @@
+#include "presenter/setup_views.h"
+
+#include <gtest/gtest.h>
+
+#include "base/files.h"
+#include "support/fixed_system_info.h"
+#include "support/temp_folder.h"
+
+namespace vrx::testing {
+namespace {
+
+TEST(ApplicationPath, IsTheProgramInItsDirectory) {
+  FixedSystemInfo system;
+  system.program_directory = "/opt/vrx";
+  EXPECT_EQ(ApplicationPath(system), "/opt/vrx/vrx2260");
+}
+
+TEST(IniFileText, EndsEveryLineInCrLf) {
+  const TempFolder folder;
+  EXPECT_EQ(IniFileText(folder.Write("a.ini", "[A]\nb=1\r\n\nlast")), "[A]\r\nb=1\r\n\r\nlast\r\n");
+  EXPECT_EQ(IniFileText(folder.Write("b.ini", "")), "");
+}
+
+TEST(IniFileText, AMissingFileIsTold) {
+  const TempFolder folder;
+  EXPECT_THROW(IniFileText(folder / "no.ini"), FileError);
+}
+
+TEST(TransactionFileText, BreaksBehindEachCommaUpToTheLast) {
+  EXPECT_EQ(TransactionFileText("{BAT/FED},L\r\n[BAT],B,1"), "{BAT/FED},\r\nL\r\n[BAT],\r\nB,\r\n");
+}
+
+TEST(TransactionFileText, WithoutACommaItIsEmpty) {
+  EXPECT_EQ(TransactionFileText(""), "");
+  EXPECT_EQ(TransactionFileText("abc"), "");
+}
+
+}  // namespace
+}  // namespace vrx::testing

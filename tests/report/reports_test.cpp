@@ -1,0 +1,140 @@
+// The reports of the program's own data.
+
+#include "report/reports.h"
+
+#include <gmock/gmock.h>
+
+#include "feed/recipe_columns.h"
+#include "report/print_target.h"
+#include "support/printed_pages.h"
+#include "support/small_history.h"
+#include "support/temp_folder.h"
+
+namespace vrx::testing {
+namespace {
+
+using ::testing::ElementsAre;
+
+std::vector<std::string> Captions(const Report& report) {
+  std::vector<std::string> captions;
+  for (const ReportColumn& column : report.design.columns) {
+    captions.push_back(column.caption);
+  }
+  return captions;
+}
+
+ReportFacts Facts() { return {.weight_unit = "LB", .caption_unit = "KG"}; }
+
+RecipeOnShow Recipe(const std::string& type) {
+  RecipeOnShow recipe;
+  recipe.ration.recipe.batch_type = type;
+  recipe.ration.lines = {{.ingredient = "1", .target = "120", .hand_add = true},
+                         {.ingredient = "9", .target = "80"}};
+  return recipe;
+}
+
+TEST(Reports, IngredientsHaveTheColumnsOfTheirGrid) {
+  const Report report = IngredientReport(
+      {{.id = 3, .name = "bARLEY", .description = "Barley", .hand_add = true}}, true, Facts());
+  EXPECT_THAT(Captions(report),
+              ElementsAre("ID", "Name", "Description", "Dry Matter (%)", "Hand-Add"));
+  EXPECT_THAT(report.rows->Row(1).cells, ElementsAre("3", "bARLEY", "Barley", "100", "Yes"));
+  EXPECT_TRUE(report.design.fit_columns);
+}
+
+TEST(Reports, PensHaveTheUnitInTheCaption) {
+  const Report report = PenReport({{.id = 7, .name = "A07", .feed_amount = "830"}}, false, Facts());
+  EXPECT_THAT(Captions(report), ElementsAre("ID", "Name", "Description", "Feed Amount (kg)"));
+  EXPECT_THAT(report.rows->Row(1).cells, ElementsAre("7", "A07", "", "830"));
+}
+
+TEST(Reports, ARecipeShowsTheColumnsOfItsType) {
+  const std::vector<IngredientRecord> ingredients{{.id = 1, .name = "CORN"}};
+  const Report weight = RecipeReport(Recipe("W"), ingredients, Facts());
+  EXPECT_THAT(Captions(weight),
+              ElementsAre("Ingredient", "Dry Matter (kg)", "Ration (%) DM", "Dry Matter (%)",
+                          "Target (kg)", "Batch Target", "Hand-Add"));
+  EXPECT_THAT(weight.rows->Row(1).cells, ElementsAre("CORN", "120", "0", "0", "0", "", "Yes"));
+  EXPECT_THAT(Captions(RecipeReport(Recipe("P"), ingredients, Facts())),
+              ElementsAre("Ingredient", "Ingredient (%)", "Dry Matter (%)", "Target (kg)",
+                          "Batch Target", "Hand-Add"));
+}
+
+TEST(Reports, ARecipeShowsItsColumnsInTheOrderAsked) {
+  const Report report =
+      RecipeReport(Recipe("W"), {kColumnHandAdd, kColumnIngredient, kColumnTarget},
+                   {{.id = 1, .name = "CORN"}}, Facts());
+  EXPECT_THAT(Captions(report), ElementsAre("Hand-Add", "Ingredient", "Dry Matter (kg)"));
+  EXPECT_THAT(report.rows->Row(1).cells, ElementsAre("Yes", "CORN", "120"));
+}
+
+// The grid aligns all of its columns but that of the names to the right.
+TEST(Reports, ARecipeAlignsItsColumnsAsItsGrid) {
+  for (const ReportColumn& column : RecipeReport(Recipe("W"), {}, Facts()).design.columns) {
+    EXPECT_EQ(column.right_aligned, column.caption != "Ingredient") << column.caption;
+  }
+}
+
+TEST(Reports, ALineOfAnIngredientThatIsNotListedHasNoName) {
+  const Report report = RecipeReport(Recipe("W"), {}, Facts());
+  EXPECT_EQ(report.rows->Row(2).cells.at(0), "");
+  EXPECT_EQ(report.rows->Row(2).cells.at(1), "80");
+}
+
+class HistoryReports : public ::testing::Test {
+ protected:
+  void SetUp(int group, bool open) {
+    grid_.SetUp(*FindDataGroup(group), "", false);
+    grid_.ApplyExpandState(open);
+  }
+  std::vector<std::string> Lines() {
+    const auto pdf = folder_ / "history.pdf";
+    const Report report = HistoryReport(grid_, true, Facts());
+    const auto paper = MakePdfFile(pdf, "test");
+    PrintOn(*paper, [&](ReportJob& job) { return job.Print(report); });
+    auto pages = LinesOf(pdf);
+    std::vector<std::string> lines = pages.at(0);
+    lines.erase(lines.begin(), lines.begin() + 3);  // the header
+    lines.pop_back();
+    return lines;
+  }
+
+  TempFolder folder_;
+  SQLite::Database database_ = SmallHistory(folder_);
+  HistoryGrid grid_{database_};
+};
+
+TEST_F(HistoryReports, PrintGroupsAsTheyAreOpenWithTheirTotals) {
+  SetUp(8, true);
+  EXPECT_THAT(Lines(), ElementsAre("Transaction Recipe Feed Wt Target Wt User ID Time Date",
+                                   "Pen:A01", "1 STEERS 810.5 800 2 02:05 PM 15-Mar-11",
+                                   "2 HEIFER 495.25 500 09:30 AM 15-Mar-11", "Total: 1305.75 1300",
+                                   "Pen:A02", "1 STEERS 780 800 2 02:20 PM 15-Mar-11",
+                                   "3 STEERS 0 300 10 10:00 AM 15-Mar-11", "Total: 780 1100"));
+}
+
+TEST_F(HistoryReports, PrintAClosedGroupAsOneRowAndNoCaptionsWithoutARecord) {
+  SetUp(8, false);
+  EXPECT_THAT(Lines(), ElementsAre("Pen:A01", "Pen:A02"));
+  grid_.OpenGroup(2);
+  EXPECT_THAT(Lines(), ElementsAre("Transaction Recipe Feed Wt Target Wt User ID Time Date",
+                                   "Pen:A01", "Pen:A02", "1 STEERS 780 800 2 02:20 PM 15-Mar-11",
+                                   "3 STEERS 0 300 10 10:00 AM 15-Mar-11", "Total: 780 1100"));
+}
+
+TEST_F(HistoryReports, TellTotalsApartByTheirColours) {
+  SetUp(1, true);
+  const Report report = HistoryReport(grid_, false, Facts());
+  std::map<std::string, std::uint32_t> colors;
+  for (const ReportColumn& column : report.design.columns) {
+    if (column.total_color) {
+      colors[column.caption] = *column.total_color;
+    }
+  }
+  EXPECT_THAT(colors, ElementsAre(std::pair("Batch Wt", 0x0000FF), std::pair("Feed Wt", 0xFF0000),
+                                  std::pair("Target Wt", 0x008000)));
+  EXPECT_FALSE(report.design.fit_columns);
+}
+
+}  // namespace
+}  // namespace vrx::testing
