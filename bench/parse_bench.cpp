@@ -6,7 +6,7 @@
 
 #include <benchmark/benchmark.h>
 
-#include "exchange/trans_file.h"
+#include "exchange/transaction_parser.h"
 #include "presenter/silent_ports.h"
 #include "settings/settings.h"
 

@@ -29,14 +29,14 @@
 #include "feed/recipe_columns.h"
 #include "figures.h"
 #include "measure.h"
+#include "presenter/command_states.h"
 #include "presenter/database_identity.h"
-#include "presenter/general_delay.h"
 #include "settings/settings.h"
 #include "support/fixed_calendar.h"
 #include "support/manual_pump.h"
 #include "support/recording_operator.h"
 #include "support/temp_folder.h"
-#include "widgets/enter_as_tab.h"
+#include "widgets/fields.h"
 
 namespace vrx::bench {
 namespace {

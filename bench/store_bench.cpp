@@ -22,7 +22,6 @@
 #include "exchange/imported_data.h"
 #include "exchange/store.h"
 #include "measure.h"
-#include "presenter/database_identity.h"
 #include "settings/settings.h"
 #include "support/fixed_calendar.h"
 #include "support/recording_operator.h"
@@ -180,9 +179,8 @@ class StoreBench {
   RecordingOperator operator_;
   FixedCalendar calendar_;
   PrivateINI settings_;
-  DatabaseIdentity identity_{operator_, calendar_, settings_};
   SilentProgress progress_;
-  TransactionStore store_{operator_, settings_, identity_, progress_, [] {}};
+  TransactionStore store_{operator_, settings_, calendar_, progress_, [] {}};
 };
 
 }  // namespace

@@ -18,7 +18,7 @@
 
 #include "adapters/qt_event_pump.h"
 #include "adapters/qt_serial_control.h"
-#include "desktop/transfer/import_grid.h"
+#include "desktop/transfer/import_page.h"
 #include "link/krmcomm.h"
 #include "presenter/database_identity.h"
 #include "settings/settings.h"

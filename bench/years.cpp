@@ -9,7 +9,7 @@
 #include "base/number.h"
 #include "database/connection.h"
 #include "figures.h"
-#include "history/history_column.h"
+#include "history/columns.h"
 #include "support/yard_generator.h"
 
 namespace vrx::bench {

@@ -4,6 +4,8 @@ target_compile_options(vrx_compiler INTERFACE
   -Wall -Wextra -Wpedantic -Wshadow -Wconversion -Wold-style-cast -Wnon-virtual-dtor
   -Woverloaded-virtual
   $<$<BOOL:${VRX_WERROR}>:-Werror>
+  # Several sources in one look like headers to GCC.
+  $<$<BOOL:${VRX_UNITY}>:-Wno-subobject-linkage>
   $<$<CXX_COMPILER_ID:GNU>:-Wno-restrict>  # GCC 12 reports false ones in std::string
   # The arithmetic rounds each step as written: no fused multiply-add on any processor.
   -ffp-contract=off)

@@ -1,5 +1,7 @@
 # cmake -DPROGRAM=... -DNAME=... -DWAITING=... -DSLOTS=... -DFOLDER=... -DOUT=... -P discover_suites.cmake
 # Writes one ctest case for each suite of a GoogleTest program.
+cmake_minimum_required(VERSION 3.22)
+
 execute_process(COMMAND ${PROGRAM} --gtest_list_tests
   OUTPUT_VARIABLE list RESULT_VARIABLE code TIMEOUT 60)
 if(NOT code EQUAL 0)

@@ -9,7 +9,7 @@
 #include <string_view>
 
 #include "base/files.h"
-#include "export/xml_text.h"
+#include "export/xml_export.h"
 #include "history/data_group.h"
 
 namespace {

@@ -15,7 +15,7 @@ namespace vrx {
 namespace {
 
 constexpr int kUnix = 4;
-constexpr int kBadProgram = 11;
+constexpr int kProgramNotStarted = 11;
 constexpr int kLargestFailure = 32;
 
 // What desktops show a machine's facts with; those that tell more come first.
@@ -73,7 +73,7 @@ bool LinuxOperatingSystem::StartProgram(const std::filesystem::path& program) {
 int LinuxOperatingSystem::OpenDocument(const std::filesystem::path& document) {
   ProgramCall call;
   const int code = FindDocumentCall(QString::fromStdString(document.string()), call);
-  return code > kLargestFailure && !Start(call) ? kBadProgram : code;
+  return code > kLargestFailure && !Start(call) ? kProgramNotStarted : code;
 }
 
 }  // namespace vrx

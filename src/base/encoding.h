@@ -1,5 +1,7 @@
 #pragma once
 
+#include <cstddef>
+#include <optional>
 #include <string>
 #include <string_view>
 
@@ -13,5 +15,16 @@ std::string Windows1252ToUtf8(std::string_view bytes);
 
 // Characters outside Windows-1252, and malformed UTF-8, become "?".
 std::string Utf8ToWindows1252(std::string_view text);
+
+// The first character of a text.
+struct DecodedCharacter {
+  std::optional<char32_t> character;  // nothing for a malformed sequence
+  std::size_t length = 1;             // bytes taken
+};
+
+// The text is not empty.
+DecodedCharacter DecodeUtf8(std::string_view text);
+
+void AppendUtf8(std::string& text, char32_t character);
 
 }  // namespace vrx

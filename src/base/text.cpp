@@ -2,7 +2,12 @@
 
 #include <algorithm>
 
+#include <unicode/uchar.h>
+
+#include "base/encoding.h"
+
 namespace vrx {
+
 namespace {
 
 constexpr std::string_view kFallbackCaptionId = "1053";
@@ -52,6 +57,21 @@ bool ValidDatabaseName(std::string_view file_title) {
 
 std::string ResolveCaptionId(std::string_view text) {
   return std::string(!text.empty() && IsDigitChar(text.front()) ? text : kFallbackCaptionId);
+}
+
+std::string UnicodeUpperCase(std::string_view text) {
+  std::string upper;
+  upper.reserve(text.size());
+  while (!text.empty()) {
+    const DecodedCharacter first = DecodeUtf8(text);
+    if (first.character) {
+      AppendUtf8(upper, static_cast<char32_t>(u_toupper(static_cast<UChar32>(*first.character))));
+    } else {
+      upper.append(text.substr(0, first.length));
+    }
+    text.remove_prefix(first.length);
+  }
+  return upper;
 }
 
 }  // namespace vrx

@@ -25,4 +25,9 @@ bool ValidDatabaseName(std::string_view file_title);
 // 1053; a text that begins with a digit comes back whole.
 std::string ResolveCaptionId(std::string_view text);
 
+// A UTF-8 text by the simple mapping of Unicode: every character becomes one character, whatever
+// the locale. So a sharp s stays as it is. Bytes that are no UTF-8 stay too: a file may have such a
+// name.
+std::string UnicodeUpperCase(std::string_view text);
+
 }  // namespace vrx

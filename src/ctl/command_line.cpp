@@ -8,7 +8,7 @@
 #include <CLI/CLI.hpp>
 
 #include "ctl/command.h"
-#include "ctl/examples.h"
+#include "ctl/options.h"
 #include "ctl/session.h"
 
 namespace vrx {

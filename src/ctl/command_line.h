@@ -4,7 +4,7 @@
 #include <string>
 #include <vector>
 
-#include "ctl/command_context.h"
+#include "ctl/command.h"
 
 namespace CLI {  // NOLINT(readability-identifier-naming): the library names it so
 class App;

@@ -1,21 +1,36 @@
+#include <algorithm>
+#include <array>
+#include <cstdint>
 #include <exception>
 #include <filesystem>
+#include <optional>
+#include <ostream>
 #include <string>
+#include <string_view>
 
 #include <CLI/CLI.hpp>
 
 #include "adapters/posix_program_runner.h"
 #include "adapters/stop_flag.h"
+#include "base/date.h"
+#include "base/number.h"
+#include "base/text.h"
 #include "ctl/command.h"
-#include "ctl/examples.h"
+#include "ctl/options.h"
 #include "ctl/output.h"
 #include "ctl/session.h"
-#include "database/database_error.h"
+#include "database/connection.h"
+#include "database/identity.h"
+#include "database/schema.h"
+#include "database/summary.h"
 #include "legacy/conversion_report.h"
 #include "legacy/convert.h"
+#include "presenter/create_database.h"
 #include "presenter/legacy_conversion.h"
+#include "settings/settings.h"
 
 namespace vrx {
+
 namespace {
 
 Json ToJson(const ConvertedTable& table) {
@@ -121,8 +136,177 @@ class ConvertCommand : public Command {
   OutputOptions output_;
 };
 
+class NewCommand : public Command {
+ public:
+  CLI::App* Register(CLI::App& app) override {
+    CLI::App* command = app.add_subcommand("new", "Make a database from the blank template");
+    command->add_option("kind", kind_, "recipe or transaction")
+        ->required()
+        ->check(CLI::IsMember({"recipe", "transaction"}));
+    command->add_option("file", file_, "Path of the new database")->required();
+    command->add_option("--units", units_, "Weight unit; by default the system's")
+        ->check(CLI::IsMember({"LB", "KG"}));
+    AddExamples(*command,
+                {{"new recipe YARD.RDB", "Makes a recipe database in the unit of the settings."},
+                 {"new transaction FEBRUARY.TDB --units KG",
+                  "Makes a transaction database for weights in kilograms."}});
+    return command;
+  }
+
+  int Run(Session& session) override {
+    const std::filesystem::path path = file_;
+    CurrentDatabase current;
+    const NewDatabase wanted{
+        .kind = kind_ == "recipe" ? DatabaseKind::kRecipe : DatabaseKind::kTransaction,
+        .program_directory = session.Context().system.ProgramDirectory(),
+        .path = path,
+        .title = path.filename().string(),
+        .unit = units_.empty() ? session.Settings().SystemUnits() : units_};
+    return CreateDatabase(wanted, session.Identity(), session.Op(), current) ? kDone : kFailed;
+  }
+
+ private:
+  std::string kind_;
+  std::string file_;
+  std::string units_;
+};
+
+Json DateOrNull(const std::optional<Date>& date) { return date ? Json(StoredText(*date)) : Json(); }
+
+Json Describe(const DatabaseSummary& summary) {
+  const bool recipe = summary.kind == DatabaseKind::kRecipe;
+  Json object = {{"type", recipe ? "recipe" : "transaction"},
+                 {"units", summary.unit},
+                 {"created", DateOrNull(summary.created)},
+                 {"modified", DateOrNull(summary.modified)}};
+  if (recipe) {
+    object["ingredients"] = summary.recipe.ingredients;
+    object["recipes"] = summary.recipe.recipes;
+    object["pens"] = summary.recipe.pens;
+    // A whole database has no such key.
+    if (summary.missing.Any()) {
+      object["missing"] = ToText(summary.missing);
+    }
+  } else {
+    object["rows"] = summary.transaction.rows;
+    object["transactions"] = summary.transaction.transactions;
+    object["firstDate"] = DateOrNull(summary.transaction.first_date);
+    object["lastDate"] = DateOrNull(summary.transaction.last_date);
+  }
+  return object;
+}
+
+class InfoCommand : public Command {
+ public:
+  CLI::App* Register(CLI::App& app) override {
+    CLI::App* command = app.add_subcommand("info", "Tell what a database is and holds");
+    command->add_option("file", file_, "A recipe or transaction database")->required();
+    output_.RegisterJson(*command);
+    AddExamples(
+        *command,
+        {{"info SITE.RDB", "Tells unit, dates and the numbers of records in use."},
+         {"info JANUARY.TDB --json", "The same of a transaction database, for a program."}});
+    return command;
+  }
+
+  bool OnlyReads() const override { return true; }
+
+  int Run(Session& session) override {
+    const std::filesystem::path path = file_;
+    const std::string type = session.Identity().GetDatabaseType(path);
+    const DatabaseKind kind =
+        type == kUserTransDb ? DatabaseKind::kTransaction : KindOfExtension(path);
+    const bool accepted = type == kUserRecipeDb || session.AcceptsType(path, kind, type);
+    if (!accepted) {
+      return kFailed;
+    }
+    return session.OnDatabase(path, kind, [&] {
+      const DatabaseSummary summary = ReadDatabaseSummary(path, session.Context().busy_timeout);
+      WriteObject(session.Out(), output_.Form(), Describe(summary));
+      return kDone;
+    });
+  }
+
+ private:
+  std::string file_;
+  OutputOptions output_;
+};
+
+// Keys whose text has a range that the settings themselves do not know.
+bool FitsKey(std::string_view key, std::string_view value) {
+  constexpr std::array<std::string_view, 4> kBaudRates = {"1200", "2400", "9600", "19200"};
+  if (EqualsIgnoringCase(key, "KRMBaudRate")) {
+    return std::find(kBaudRates.begin(), kBaudRates.end(), value) != kBaudRates.end();
+  }
+  if (EqualsIgnoringCase(key, "SerialPort")) {
+    return !value.empty() && std::all_of(value.begin(), value.end(), IsDigitChar) &&
+           ParseLong(value).value_or(0) > 0;
+  }
+  return true;
+}
+
+class SettingsCommand : public Command {
+ public:
+  CLI::App* Register(CLI::App& app) override {
+    CLI::App* command = app.add_subcommand("settings", "List, read or write the settings");
+    command->add_option("key", key_, "Name of a setting")->check(KnownKey);
+    value_option_ = command->add_option("value", value_, "Its new value");
+    AddExamples(*command, {{"settings", "Lists every setting."},
+                           {"settings SerialPort", "Reads one."},
+                           {"settings SystemUnits KG", "Writes one."}});
+    return command;
+  }
+
+  bool OnlyReads() const override { return value_option_->count() == 0; }
+
+  int Run(Session& session) override {
+    if (key_.empty()) {
+      List(session);
+      return kDone;
+    }
+    if (OnlyReads()) {
+      session.Out() << session.Settings().TextByKey(key_).value_or("") << '\n';
+      return kDone;
+    }
+    if (!FitsKey(key_, value_) || !session.Settings().LetByKey(key_, value_)) {
+      session.Op().ShowMessage({.icon = Icon::kWarning,
+                                .title = "Settings Error",
+                                .text = key_ + " cannot be '" + value_ + "'."});
+      return kFailed;
+    }
+    return session.SaveSettings() ? kDone : kFailed;
+  }
+
+ private:
+  static std::string KnownKey(const std::string& key) {
+    const auto keys = PrivateINI::Keys();
+    const bool known = std::any_of(keys.begin(), keys.end(), [&](std::string_view entry) {
+      return EqualsIgnoringCase(entry, key);
+    });
+    return known ? "" : "there is no setting " + key;
+  }
+
+  static void List(Session& session) {
+    OutputTable table{.header = {"Key", "Value"}, .rows = {}};
+    for (const std::string_view key : PrivateINI::Keys()) {
+      table.rows.push_back({key, session.Settings().TextByKey(key).value_or("")});
+    }
+    WriteTable(session.Out(), OutputForm::kPlain, table);
+  }
+
+  std::string key_;
+  std::string value_;
+  CLI::Option* value_option_ = nullptr;
+};
+
 }  // namespace
 
 std::unique_ptr<Command> MakeConvertCommand() { return std::make_unique<ConvertCommand>(); }
+
+std::unique_ptr<Command> MakeNewCommand() { return std::make_unique<NewCommand>(); }
+
+std::unique_ptr<Command> MakeInfoCommand() { return std::make_unique<InfoCommand>(); }
+
+std::unique_ptr<Command> MakeSettingsCommand() { return std::make_unique<SettingsCommand>(); }
 
 }  // namespace vrx

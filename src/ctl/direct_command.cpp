@@ -7,14 +7,10 @@
 #include <CLI/CLI.hpp>
 
 #include "ctl/command.h"
-#include "ctl/examples.h"
 #include "ctl/module_commands.h"
-#include "ctl/number_option.h"
 #include "ctl/options.h"
-#include "ctl/recipe_source.h"
 #include "ctl/session.h"
-#include "exchange/recipe_backup.h"
-#include "exchange/recipe_download_store.h"
+#include "exchange/recipe_text.h"
 #include "presenter/direct_connection.h"
 #include "presenter/upload.h"
 

@@ -1,18 +1,208 @@
 #include "ctl/history_commands.h"
 
+#include <algorithm>
+#include <cstdint>
+#include <filesystem>
+#include <limits>
+#include <memory>
+#include <string>
+#include <string_view>
+#include <utility>
 #include <vector>
 
 #include <CLI/CLI.hpp>
 #include <SQLiteCpp/Database.h>
 
 #include "ctl/command.h"
-#include "ctl/number_option.h"
+#include "ctl/options.h"
+#include "ctl/output.h"
 #include "ctl/recipe_file.h"
 #include "ctl/session.h"
 #include "database/connection.h"
 #include "database/records.h"
+#include "export/export_driver.h"
+#include "export/html_export.h"
+#include "history/data_group.h"
+#include "history/history_grid.h"
+#include "presenter/export.h"
+#include "settings/data_folder.h"
 
 namespace vrx {
+
+namespace fs = std::filesystem;
+
+namespace {
+
+class GroupsCommand : public Command {
+ public:
+  CLI::App* Register(CLI::App& app) override {
+    CLI::App* command = app.add_subcommand("groups", "List the data groups by their index");
+    output_.RegisterCsv(*command);
+    output_.RegisterJson(*command);
+    AddExamples(*command, {{"groups", "The numbers that --group takes."}});
+    return command;
+  }
+
+  bool OnlyReads() const override { return true; }
+
+  int Run(Session& session) override {
+    OutputTable table{.header = {"Index", "Data Group"}, .rows = {}};
+    for (const DataGroup& group : DataGroups()) {
+      table.rows.push_back({group.index, std::string(group.item)});
+    }
+    WriteTable(session.Out(), output_.Form(), table);
+    return kDone;
+  }
+
+ private:
+  OutputOptions output_;
+};
+
+std::string KindWord(HistoryRowKind kind) {
+  switch (kind) {
+    case HistoryRowKind::kGroup:
+      return "group";
+    case HistoryRowKind::kTotal:
+      return "total";
+    case HistoryRowKind::kRecord:
+      break;
+  }
+  return "record";
+}
+
+std::vector<std::string> HeaderCells(const HistoryGrid& grid, const std::vector<int>& columns) {
+  std::vector<std::string> cells{"kind", "depth", "caption"};
+  for (const int column : columns) {
+    cells.push_back(grid.Columns().Caption(column));
+  }
+  return cells;
+}
+
+std::vector<std::string> RowCells(ShownRow row, const std::vector<int>& columns) {
+  std::vector<std::string> cells{KindWord(row.kind), std::to_string(row.depth), row.caption};
+  row.cells.resize(kHistoryColumnCount);  // a group row has none
+  for (const int column : columns) {
+    cells.push_back(std::move(row.cells[static_cast<std::size_t>(column) - 1]));
+  }
+  return cells;
+}
+
+class ShowCommand : public Command {
+ public:
+  CLI::App* Register(CLI::App& app) override {
+    CLI::App* command =
+        app.add_subcommand("show", "Show a data group's rows as the grid shows them");
+    source_.Register(*command);
+    command->add_flag("--collapsed", collapsed_, "All groups closed");
+    command->add_option("--limit", limit_, "At most so many rows, of every kind")
+        ->check(CLI::NonNegativeNumber);
+    output_.RegisterCsv(*command);
+    AddExamples(*command, {{"show JANUARY.TDB --group 3 --collapsed",
+                            "A row for each recipe, with its total."},
+                           {"show JANUARY.TDB --group 4 --name STEERS --recipes SITE.RDB --csv",
+                            "One recipe, for a spreadsheet."}});
+    return command;
+  }
+
+  bool OnlyReads() const override { return true; }
+
+  int Run(Session& session) override {
+    return source_.Run(session, [&](HistoryGrid& grid) {
+      Write(session.Out(), grid);
+      return kDone;
+    });
+  }
+
+ private:
+  // A row at a time: the grid holds a page of the table, never all of it.
+  void Write(std::ostream& out, HistoryGrid& grid) const {
+    if (!collapsed_) {
+      grid.ExpandAll();
+    }
+    const std::vector<int> columns = grid.Columns().VisibleColumns();
+    WriteLine(out, output_.Form(), HeaderCells(grid, columns));
+    const std::int64_t rows = std::min(limit_, grid.RowCount());
+    for (std::int64_t row = 1; row <= rows && out; ++row) {
+      WriteLine(out, output_.Form(), RowCells(grid.Row(row), columns));
+    }
+  }
+
+  HistorySource source_;
+  bool collapsed_ = false;
+  std::int64_t limit_ = std::numeric_limits<std::int64_t>::max();
+  OutputOptions output_;
+};
+
+// A format is named as its files are.
+ExportFormat FormatOf(std::string_view name) {
+  for (const ExportFormat format : {ExportFormat::kXml, ExportFormat::kHtml}) {
+    if (ExtensionOf(format).substr(1) == name) {
+      return format;
+    }
+  }
+  return ExportFormat::kCsv;
+}
+
+class ExportCommand : public Command {
+ public:
+  CLI::App* Register(CLI::App& app) override {
+    CLI::App* command =
+        app.add_subcommand("export", "Write a data group to a file, as the Export tab does");
+    source_.Register(*command, HistorySource::Recipes::kRequired);
+    command->add_option("--format", format_, "Form of the file; html is one page for a browser")
+        ->required()
+        ->check(CLI::IsMember({"csv", "xml", "html"}));
+    command
+        ->add_option("--out", out_,
+                     "The file; an older one is replaced, its folder is made if missing")
+        ->required()
+        ->type_name("FILE");
+    AddExamples(
+        *command,
+        {{"export JANUARY.TDB --group 8 --recipes SITE.RDB --format csv --out pens.csv",
+          "The feed of every pen, for a spreadsheet."},
+         {"export JANUARY.TDB --group 3 --recipes SITE.RDB --format html --out recipes.html",
+          "The recipes as a page for a browser."}});
+    return command;
+  }
+
+  bool OnlyReads() const override { return true; }
+
+  int Run(Session& session) override {
+    return source_.Run(session, [&](const HistoryGrid& grid) {
+      return TrapExportError(session.Op(), session.Settings(),
+                             [&] { return Export(session, grid); })
+                 ? kDone
+                 : kFailed;
+    });
+  }
+
+ private:
+  bool Export(Session& session, const HistoryGrid& grid) const {
+    if (!HasDataToExport(session.Op(), grid)) {
+      return false;
+    }
+    if (const fs::path folder = fs::path(out_).parent_path(); !folder.empty()) {
+      Folder::CheckPathAndCreate(folder);
+    }
+    const DataGroup& group = grid.Group();
+    session.Progress().SetProgressMessage("Exporting " + std::string(group.item));
+    const StyleSheets style_sheets(session.DataFolder(), session.Context().system, session.Op());
+    const ExportOutcome outcome =
+        ExportDriver(style_sheets)
+            .ExportGroup(
+                {.grid = grid, .index = group.index, .text = group.item, .name = source_.Name()},
+                FormatOf(format_), out_, source_.Databases(session));
+    TellExportOutcome(session.Op(), outcome);
+    return outcome.done;
+  }
+
+  HistorySource source_;
+  std::string format_;
+  std::string out_;
+};
+
+}  // namespace
 
 void HistorySource::Register(CLI::App& app, Recipes recipes) {
   app.add_option("tdb", transactions_, "A transaction database")->required();
@@ -67,5 +257,11 @@ void HistorySource::CheckUsage() const {
                                "group " + words + " needs --name and --recipes");
   }
 }
+
+std::unique_ptr<Command> MakeGroupsCommand() { return std::make_unique<GroupsCommand>(); }
+
+std::unique_ptr<Command> MakeShowCommand() { return std::make_unique<ShowCommand>(); }
+
+std::unique_ptr<Command> MakeExportCommand() { return std::make_unique<ExportCommand>(); }
 
 }  // namespace vrx

@@ -4,7 +4,7 @@
 #include <memory>
 #include <string>
 
-#include "ctl/command_context.h"
+#include "ctl/command.h"
 
 namespace vrx {
 

@@ -1,14 +1,19 @@
 #include "ctl/options.h"
 
 #include <algorithm>
+#include <string>
+#include <string_view>
 
 #include <CLI/CLI.hpp>
 
+#include "base/files.h"
 #include "base/number.h"
 #include "base/text.h"
 #include "ctl/session.h"
+#include "link/krmcomm.h"
 
 namespace vrx {
+
 namespace {
 
 bool IsNumber(const std::string& port) {
@@ -23,6 +28,20 @@ std::string ValidPort(const std::string& port) {
     return "";
   }
   return "there is no port " + port;
+}
+
+bool IsWholeNumber(std::string_view text) {
+  text.remove_prefix(text.starts_with('-') || text.starts_with('+') ? 1 : 0);
+  return !text.empty() && std::all_of(text.begin(), text.end(), IsDigitChar);
+}
+
+std::string FirstBytes(const std::filesystem::path& path) {
+  try {
+    return ReadFileBytes(path, kRecipeMark.size());
+  } catch (const FileError&) {
+    // Whoever opens it next says why it cannot be read.
+    return "";
+  }
 }
 
 }  // namespace
@@ -44,6 +63,44 @@ PrivateINI PortOption::Settings(Session& session) const {
     settings.SetSerialPort(port_);
   }
   return settings;
+}
+
+CLI::Option* RequireWholeNumber(CLI::Option* option, int first, int last) {
+  const std::string range = std::to_string(first) + " to " + std::to_string(last);
+  return option->check(
+      [=](const std::string& typed) {
+        const auto number = IsWholeNumber(typed) ? ParseLong(typed) : std::nullopt;
+        return number && *number >= first && *number <= last
+                   ? std::string()
+                   : "'" + typed + "' is no whole number from " + range;
+      },
+      range);
+}
+
+CLI::Option* AddWholeNumber(CLI::App& app, const std::string& name, const std::string& help,
+                            int first, int last, int& number) {
+  CLI::Option* option = app.add_option_function<std::string>(
+      name, [&number](const std::string& typed) { number = TextToLong(typed); }, help);
+  return RequireWholeNumber(option->type_name("NUMBER"), first, last);
+}
+
+CLI::Option* AddRecordNumber(CLI::App& app, const std::string& name, const std::string& help,
+                             int last, int& number) {
+  return AddWholeNumber(app, name, help, 1, last, number)->required();
+}
+
+void AddExamples(CLI::App& command, std::initializer_list<Example> examples) {
+  std::string text = "Examples:";
+  for (const Example& example : examples) {
+    text.append("\n  vrx2260ctl ").append(example.call);
+    text.append("\n      ").append(example.does);
+  }
+  command.footer(text);
+}
+
+bool IsRecipeBackup(const std::filesystem::path& path) {
+  return FirstBytes(path).starts_with(kRecipeMark) ||
+         EqualsIgnoringCase(path.extension().string(), ".RBU");
 }
 
 }  // namespace vrx

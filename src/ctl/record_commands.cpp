@@ -1,4 +1,6 @@
+#include <filesystem>
 #include <functional>
+#include <memory>
 #include <optional>
 #include <string>
 #include <vector>
@@ -8,19 +10,19 @@
 
 #include "base/number.h"
 #include "ctl/command.h"
-#include "ctl/examples.h"
-#include "ctl/number_option.h"
+#include "ctl/options.h"
+#include "ctl/output.h"
 #include "ctl/recipe_file.h"
 #include "ctl/session.h"
 #include "database/records.h"
-#include "feed/adjust_list.h"
-#include "feed/pen_capacity.h"
+#include "feed/batch_type.h"
 #include "feed/record_commit.h"
-#include "feed/record_edits.h"
 #include "feed/record_fields.h"
-#include "feed/record_kind.h"
+#include "presenter/record_actions.h"
+#include "presenter/report_failure.h"
 
 namespace vrx {
+
 namespace {
 
 // What was given for an option, an empty text included.
@@ -197,8 +199,131 @@ class SetCommand : public Command {
   std::optional<PenForm> pen_;
 };
 
+OutputTable IngredientTable(SQLite::Database& database, bool all) {
+  OutputTable table{.header = {"ID", "Name", "Description", "DryMatter%", "HandAdd"}, .rows = {}};
+  for (const IngredientRecord& record : ReadIngredients(database)) {
+    if (all || IsActive(record)) {
+      table.rows.push_back(
+          {record.id, record.name, record.description, record.dry_matter_percent, record.hand_add});
+    }
+  }
+  return table;
+}
+
+OutputTable RecipeTable(SQLite::Database& database, bool all) {
+  OutputTable table{.header = {"ID", "Name", "Description", "BatchType", "HeadCount",
+                               "RationTarget", "AdjBatTotIndex"},
+                    .rows = {}};
+  for (const RecipeRecord& record : ReadRecipes(database)) {
+    if (all || IsActive(record)) {
+      table.rows.push_back({record.id, record.name, record.description, record.batch_type,
+                            record.head_count, record.ration_target, record.adjust_batch_index});
+    }
+  }
+  return table;
+}
+
+OutputTable PenTable(SQLite::Database& database, bool all) {
+  OutputTable table{.header = {"ID", "Name", "Description", "FeedAmount"}, .rows = {}};
+  for (const PenRecord& record : ReadPens(database)) {
+    if (all || IsActive(record)) {
+      table.rows.push_back({record.id, record.name, record.description, record.feed_amount});
+    }
+  }
+  return table;
+}
+
+class ListCommand : public Command {
+ public:
+  CLI::App* Register(CLI::App& app) override {
+    CLI::App* command = app.add_subcommand("list", "List the records of a recipe database");
+    command->add_option("kind", kind_, "ingredients, recipes or pens")
+        ->required()
+        ->check(CLI::IsMember({"ingredients", "recipes", "pens"}));
+    command->add_option("rdb", file_, "A recipe database")->required();
+    command->add_flag("--all", all_, "Records out of use as well");
+    output_.RegisterCsv(*command);
+    output_.RegisterJson(*command);
+    AddExamples(*command, {{"list pens SITE.RDB", "The pens in use, as a table."},
+                           {"list recipes SITE.RDB --all --csv > recipes.csv",
+                            "All 100 recipes, for a spreadsheet."}});
+    return command;
+  }
+
+  bool OnlyReads() const override { return true; }
+
+  int Run(Session& session) override {
+    return ReadRecipeFile(session, file_, [&](SQLite::Database& database) {
+      WriteTable(session.Out(), output_.Form(), Table(database));
+    });
+  }
+
+ private:
+  OutputTable Table(SQLite::Database& database) const {
+    if (kind_ == "ingredients") {
+      return IngredientTable(database, all_);
+    }
+    return kind_ == "recipes" ? RecipeTable(database, all_) : PenTable(database, all_);
+  }
+
+  std::string kind_;
+  std::string file_;
+  bool all_ = false;
+  OutputOptions output_;
+};
+
+class ResetCommand : public Command {
+ public:
+  CLI::App* Register(CLI::App& app) override {
+    CLI::App* command = app.add_subcommand("reset", "Put a record back to its defaults");
+    command->require_subcommand(1);
+    for (const RecordKindTraits& kind : RecordKinds()) {
+      CLI::App* form =
+          command->add_subcommand(std::string(kind.noun), "Put a record back to its defaults");
+      form->add_option("rdb", file_, "A recipe database")->required();
+      AddRecordNumber(*form, "id", "Number of the record", kind.count, id_);
+      const std::string call = "reset " + std::string(kind.noun) + " SITE.RDB 90";
+      const std::string call_without_question = call + " --yes";
+      AddExamples(*form, {{call, "Puts number 90 back to its defaults, after a question."},
+                          {call_without_question, "The same without the question."}});
+      form->callback([this, chosen = kind.kind] { kind_ = chosen; });
+    }
+    AddExamples(*command, {{"reset pen SITE.RDB 12", "Asks, then takes pen 12 out of use."}});
+    return command;
+  }
+
+  int Run(Session& session) override {
+    return ActOnRecipeFile(session, file_, [&](SQLite::Database& database) {
+      const FeedPorts ports{.op = session.Op(),
+                            .settings = session.Settings(),
+                            .calendar = session.Context().calendar,
+                            .identity = session.Identity()};
+      const bool reset = AskAndReset(database, kind_, id_, ports) == ResetOutcome::kReset;
+      if (kind_ == RecordKind::kPen) {
+        TellPenCapacity(session, database);
+      }
+      return reset;
+    });
+  }
+
+ private:
+  static void TellPenCapacity(Session& session, SQLite::Database& database) {
+    if (const auto size = CheckPenCapacity(ReadPens(database))) {
+      session.Op().Tell(PenCapacityWarning(*size));
+    }
+  }
+
+  RecordKind kind_ = RecordKind::kIngredient;
+  std::string file_;
+  int id_ = 0;
+};
+
 }  // namespace
 
 std::unique_ptr<Command> MakeSetCommand() { return std::make_unique<SetCommand>(); }
+
+std::unique_ptr<Command> MakeListCommand() { return std::make_unique<ListCommand>(); }
+
+std::unique_ptr<Command> MakeResetCommand() { return std::make_unique<ResetCommand>(); }
 
 }  // namespace vrx

@@ -1,5 +1,8 @@
 #include "ctl/session.h"
 
+#include <cstdint>
+#include <istream>
+#include <ostream>
 #include <system_error>
 #include <utility>
 
@@ -8,25 +11,30 @@
 #include "base/files.h"
 #include "base/text.h"
 #include "ctl/command.h"
-#include "database/database_error.h"
+#include "database/connection.h"
 #include "database/identity.h"
 #include "settings/data_folder.h"
 
 namespace vrx {
-namespace {
 
 namespace fs = std::filesystem;
 
-struct KindWords {
-  std::string_view user_type;
-  std::string_view noun;
-  std::string_view open_error_title;
-};
+namespace {
 
-KindWords WordsOf(DatabaseKind kind) {
-  return kind == DatabaseKind::kRecipe
-             ? KindWords{kUserRecipeDb, "recipe", "Open Recipe File Error"}
-             : KindWords{kUserTransDb, "transaction", "Open Transaction File Error"};
+constexpr std::string_view kToLineStartAndErase = "\r\x1B[K";
+
+// CR LF becomes a line break; a break at the end of the text goes.
+std::string Lines(std::string_view text) {
+  std::string lines;
+  for (const char character : text) {
+    if (character != '\r') {
+      lines.push_back(character);
+    }
+  }
+  while (!lines.empty() && (lines.back() == '\n' || lines.back() == ' ')) {
+    lines.pop_back();
+  }
+  return lines;
 }
 
 void MakeFolders(const fs::path& folder) {
@@ -69,6 +77,118 @@ class KeptBox : public Operator {
 };
 
 }  // namespace
+
+void ProgressLine::SetProgressMessage(std::string_view text) {
+  message_ = text;
+  maximum_ = 0;
+  Draw();
+}
+
+void ProgressLine::SetProgressRange(int maximum) {
+  maximum_ = maximum;
+  value_ = 0;
+  Draw();
+}
+
+void ProgressLine::SetProgressValue(int value) {
+  const int before = Percent();
+  value_ = value;
+  if (Percent() != before) {
+    Draw();
+  }
+}
+
+int ProgressLine::Percent() const {
+  constexpr std::int64_t kWhole = 100;
+  return maximum_ > 0 ? static_cast<int>(kWhole * value_ / maximum_) : 0;
+}
+
+void ProgressLine::Draw() {
+  if (!on_terminal_) {
+    return;
+  }
+  Clear();
+  if (message_.empty()) {
+    return;
+  }
+  err_ << message_;
+  if (maximum_ > 0) {
+    err_ << "  " << Percent() << '%';
+  }
+  err_.flush();
+  drawn_ = true;
+}
+
+void ProgressLine::Clear() {
+  if (drawn_) {
+    err_ << kToLineStartAndErase;
+    err_.flush();
+    drawn_ = false;
+  }
+}
+
+TerminalOperator::TerminalOperator(std::istream& in, std::ostream& err, ProgressLine& line,
+                                   Settings settings)
+    : in_(in), err_(err), line_(line), settings_(settings) {}
+
+Answer TerminalOperator::ShowMessage(const MessageBox& box) {
+  line_.Clear();
+  err_ << Lines(box.title) << ": " << Lines(box.text) << '\n';
+  last_cause_.clear();
+  TellCause(box.cause);
+  return box.buttons == Buttons::kOk ? Answer::kOk : Ask(box);
+}
+
+void TerminalOperator::TellCause(std::string_view cause) {
+  if (!cause.empty() && cause != last_cause_) {
+    line_.Clear();
+    err_ << "cause: " << Lines(cause) << '\n';
+    last_cause_ = cause;
+  }
+}
+
+Answer TerminalOperator::Ask(const MessageBox& box) {
+  const bool yes_no = box.buttons == Buttons::kYesNo;
+  const Answer going_on = yes_no ? Answer::kYes : Answer::kOk;
+  const Answer refusing = yes_no ? Answer::kNo : Answer::kCancel;
+  if (settings_.yes) {
+    return going_on;
+  }
+  const std::string_view going_on_word = yes_no ? "Yes" : "OK";
+  const std::string_view refusing_word = yes_no ? "No" : "Cancel";
+  if (!settings_.in_is_terminal) {
+    err_ << "answered with " << refusing_word << " (--yes answers with " << going_on_word << ")\n";
+    return refusing;
+  }
+  err_ << going_on_word << " or " << refusing_word << "? ";
+  err_.flush();
+  std::string typed;
+  std::getline(in_, typed);
+  typed = TrimBlanks(typed);
+  const bool goes_on =
+      EqualsIgnoringCase(typed, going_on_word) || (yes_no && EqualsIgnoringCase(typed, "y"));
+  return goes_on ? going_on : refusing;
+}
+
+void TerminalOperator::Beep() {
+  if (settings_.err_is_terminal) {
+    err_ << '\a';
+    err_.flush();
+  }
+}
+
+void TerminalOperator::SetStatusLine(std::string_view text) {
+  if (color_ == StatusColor::kBlue || text.empty()) {
+    line_.SetProgressMessage(text);
+  } else {
+    Tell(text);
+  }
+}
+
+void TerminalOperator::Tell(std::string_view text) {
+  line_.Clear();
+  err_ << Lines(text) << '\n';
+}
 
 Session::Session(const CommandContext& context, const GlobalOptions& options)
     : context_(context),
@@ -175,7 +295,7 @@ bool Session::IsUserDatabase(const fs::path& path, DatabaseKind kind) {
 }
 
 bool Session::AcceptsType(const fs::path& path, DatabaseKind kind, const std::string& type) {
-  const KindWords words = WordsOf(kind);
+  const KindWords& words = WordsOf(kind);
   if (type == words.user_type) {
     return true;
   }
@@ -190,7 +310,7 @@ bool Session::AcceptsType(const fs::path& path, DatabaseKind kind, const std::st
 
 int Session::OnDatabase(const fs::path& path, DatabaseKind kind, const std::function<int()>& work) {
   const auto tell = [&](const DatabaseError& error) {
-    Identity().ShowDatabaseError(error.Number(), WordsOf(kind).open_error_title, error.what());
+    Identity().ShowDatabaseError(error.Number(), WordsOf(kind).open_failure, error.what());
     return kFailed;
   };
   try {

@@ -2,19 +2,90 @@
 
 #include <filesystem>
 #include <functional>
+#include <iosfwd>
 #include <memory>
 #include <optional>
 #include <string>
 #include <string_view>
 
-#include "ctl/command_context.h"
-#include "ctl/progress_line.h"
-#include "ctl/terminal_operator.h"
+#include "ctl/command.h"
 #include "database/schema.h"
+#include "platform/operator.h"
+#include "platform/progress_display.h"
 #include "presenter/database_identity.h"
 #include "settings/settings.h"
 
 namespace vrx {
+
+// One line of progress, drawn over itself. Draws on a terminal only.
+class ProgressLine : public ProgressDisplay {
+ public:
+  ProgressLine(std::ostream& err, bool on_terminal) : err_(err), on_terminal_(on_terminal) {}
+  ~ProgressLine() override { Clear(); }
+  ProgressLine(const ProgressLine&) = delete;
+  ProgressLine& operator=(const ProgressLine&) = delete;
+
+  void SetProgressMessage(std::string_view text) override;
+  void SetProgressRange(int maximum) override;
+  void SetProgressValue(int value) override;
+
+  // Takes the line away, so that something else can be written.
+  void Clear();
+
+  const std::string& Message() const { return message_; }
+
+ private:
+  void Draw();
+  int Percent() const;
+
+  std::ostream& err_;
+  bool on_terminal_;
+  bool drawn_ = false;
+  std::string message_;
+  int maximum_ = 0;
+  int value_ = 0;
+};
+
+// The person who runs the tool. Messages go to the error stream as "TITLE: text", what lies behind
+// them as a line "cause: ...". A question is answered with its going-on button by `yes`, else from
+// the terminal if there is one, else with its refusing button.
+class TerminalOperator : public Operator {
+ public:
+  struct Settings {
+    bool yes = false;
+    bool in_is_terminal = false;
+    bool err_is_terminal = false;
+  };
+
+  TerminalOperator(std::istream& in, std::ostream& err, ProgressLine& line, Settings settings);
+
+  Answer ShowMessage(const MessageBox& box) override;
+  void Beep() override;  // on a terminal only
+  void SetBusy(bool /*busy*/) override {}
+
+  // Busy texts are progress; texts in the colours of an error or a success are messages.
+  void SetStatusLine(std::string_view text) override;
+  void SetStatusColor(StatusColor color) override { color_ = color; }
+
+  bool StatusIsError() const { return color_ == StatusColor::kRed; }
+
+  // A line "cause: ..." for the message before; nothing for a cause that is empty or was told with
+  // that message.
+  void TellCause(std::string_view cause);
+
+  // A message of the tool itself, without a title.
+  void Tell(std::string_view text);
+
+ private:
+  Answer Ask(const MessageBox& box);
+
+  std::istream& in_;
+  std::ostream& err_;
+  ProgressLine& line_;
+  Settings settings_;
+  StatusColor color_ = StatusColor::kBlue;
+  std::string last_cause_;
+};
 
 // Options that every command takes.
 struct GlobalOptions {

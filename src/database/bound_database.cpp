@@ -5,7 +5,6 @@
 #include <sqlite3.h>
 
 #include "database/connection.h"
-#include "database/database_error.h"
 #include "database/identity.h"
 
 namespace vrx {
@@ -14,7 +13,7 @@ namespace fs = std::filesystem;
 
 namespace {
 
-constexpr int kPrimaryCodeMask = 0xff;
+constexpr int kPrimaryCode = 0xff;
 
 BoundDatabase Bound(SQLite::Database database, fs::path path) {
   BoundDatabase bound{.connection = std::make_unique<SQLite::Database>(std::move(database)),
@@ -36,7 +35,7 @@ BoundDatabase BindUserDatabase(const fs::path& path, LockWait wait) {
   try {
     return Bound(OpenDatabase(path, Access::kWrite, wait), path);
   } catch (const DatabaseError& error) {
-    if ((error.Number() & kPrimaryCodeMask) != SQLITE_READONLY) {
+    if ((error.Number() & kPrimaryCode) != SQLITE_READONLY) {
       throw;
     }
     BoundDatabase bound = Bound(OpenDatabase(path, Access::kRead, wait), path);

@@ -12,10 +12,7 @@
 #include <SQLiteCpp/Transaction.h>
 
 #include "base/files.h"
-#include "base/replacing_file.h"
 #include "database/connection.h"
-#include "database/database_error.h"
-#include "database/translated.h"
 
 namespace vrx {
 

@@ -8,7 +8,7 @@
 
 #include <sqlite3.h>
 
-#include "database/translated.h"
+#include "database/connection.h"
 
 namespace vrx {
 

@@ -1,3 +1,4 @@
+#include "database/identity.h"
 
 #include <filesystem>
 
@@ -5,11 +6,14 @@
 #include <SQLiteCpp/Statement.h>
 #include <sqlite3.h>
 
+#include "base/application.h"
 #include "base/date.h"
+#include "database/connection.h"
 #include "database/schema.h"
-#include "database/translated.h"
 
 namespace vrx {
+
+namespace fs = std::filesystem;
 
 namespace {
 
@@ -20,6 +24,42 @@ std::string FileName(const SQLite::Database& database) {
 DatabaseError NoRow(const SQLite::Database& database, const OneRowField& field) {
   return {kNoRecordError, FileName(database) + " has no row in " + std::string(field.table)};
 }
+
+constexpr KindWords kRecipeWords{
+    .noun = "recipe",
+    .template_name = kRecipeTemplateName,
+    .blank_type = kNulRecipeDb,
+    .user_type = kUserRecipeDb,
+    .extension = "RDB",
+    .filter = "Recipe Database (*.RDB)|*.RDB",
+    .new_dialog_title = "Create New Recipe Database File",
+    .open_dialog_title = "Open Recipe Database File",
+    .save_as_dialog_title = "Save Recipe Database As...",
+    .new_failure = "New Recipe File Error",
+    .open_failure = "Open Recipe File Error",
+    .close_failure = "Close Recipe File Error",
+    .save_as_failure = "Save As Recipe Database Error",
+    .recent_path_key = "MRU_RecipePathName",
+    .recent_name_key = "MRU_RecipeFileName",
+};
+
+constexpr KindWords kTransactionWords{
+    .noun = "transaction",
+    .template_name = kTransactionTemplateName,
+    .blank_type = kNulTransDb,
+    .user_type = kUserTransDb,
+    .extension = "TDB",
+    .filter = "Transaction Database (*.TDB)|*.TDB",
+    .new_dialog_title = "Create New Transaction Database File",
+    .open_dialog_title = "Open Transaction Database File",
+    .save_as_dialog_title = "Save Transaction Database As...",
+    .new_failure = "New Transaction File Error",
+    .open_failure = "Open Transaction File Error",
+    .close_failure = "Close Transaction File Error",
+    .save_as_failure = "Save As Transaction Database Error",
+    .recent_path_key = "MRU_TransPathName",
+    .recent_name_key = "MRU_TransFileName",
+};
 
 }  // namespace
 
@@ -69,6 +109,10 @@ void TouchDatabase(SQLite::Database& database, const Calendar& calendar) {
 std::string ReadDatabaseUoM(const fs::path& path, LockWait wait) {
   SQLite::Database database = OpenDatabase(path, Access::kRead, wait);
   return ReadField(database, kUnitField).value_or("");
+}
+
+const KindWords& WordsOf(DatabaseKind kind) {
+  return kind == DatabaseKind::kRecipe ? kRecipeWords : kTransactionWords;
 }
 
 }  // namespace vrx

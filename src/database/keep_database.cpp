@@ -13,8 +13,9 @@
 
 namespace vrx {
 
-namespace fs = std::filesystem;
 using namespace std::string_view_literals;
+
+namespace fs = std::filesystem;
 
 namespace {
 
@@ -28,14 +29,14 @@ constexpr std::array kExtensions{".RDB"sv, ".TDB"sv};
 // The first bytes of a file; empty for one that cannot be read. Read through the engine's own file
 // handle: closing a second one would drop the locks that a connection of this process holds.
 std::string ReadHead(const fs::path& path) {
-  constexpr int kLookAt = 32;
+  constexpr int kHeaderBytes = 32;
   try {
     SQLite::Database database(fs::absolute(path), SQLite::OPEN_READONLY);
     sqlite3_file* file = nullptr;
     sqlite3_file_control(database.getHandle(), "main", SQLITE_FCNTL_FILE_POINTER, &file);
-    std::string head(kLookAt, '\0');
+    std::string head(kHeaderBytes, '\0');
     // A shorter file is filled up with zeros.
-    const int result = file->pMethods->xRead(file, head.data(), kLookAt, 0);
+    const int result = file->pMethods->xRead(file, head.data(), kHeaderBytes, 0);
     return result == SQLITE_OK || result == SQLITE_IOERR_SHORT_READ ? head : std::string();
   } catch (const SQLite::Exception&) {
     return {};

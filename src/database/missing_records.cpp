@@ -8,9 +8,9 @@
 #include <SQLiteCpp/Column.h>
 #include <SQLiteCpp/Statement.h>
 
+#include "database/connection.h"
 #include "database/records.h"
 #include "database/schema.h"
-#include "database/translated.h"
 
 namespace vrx {
 

@@ -10,8 +10,8 @@
 #include <SQLiteCpp/Column.h>
 #include <SQLiteCpp/Statement.h>
 
+#include "database/connection.h"
 #include "database/schema.h"
-#include "database/translated.h"
 
 namespace vrx {
 

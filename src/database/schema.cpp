@@ -6,9 +6,9 @@
 #include <SQLiteCpp/Statement.h>
 #include <SQLiteCpp/Transaction.h>
 
+#include "database/connection.h"
 #include "database/identity.h"
 #include "database/records.h"
-#include "database/translated.h"
 
 namespace vrx {
 

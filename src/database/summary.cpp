@@ -1,3 +1,4 @@
+#include "database/summary.h"
 
 #include <SQLiteCpp/Column.h>
 #include <SQLiteCpp/Statement.h>
@@ -5,8 +6,8 @@
 #include <sqlite3.h>
 
 #include "base/date.h"
+#include "database/connection.h"
 #include "database/identity.h"
-#include "database/translated.h"
 
 namespace vrx {
 

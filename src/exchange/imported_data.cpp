@@ -2,7 +2,11 @@
 
 #include <algorithm>
 #include <array>
+#include <cstddef>
 #include <stdexcept>
+#include <string_view>
+
+#include "base/number.h"
 
 namespace vrx {
 
@@ -28,6 +32,10 @@ auto FindCell(Cells& cells, int column) {
   return std::lower_bound(cells.begin(), cells.end(), column,
                           [](const auto& cell, int wanted) { return cell.first < wanted; });
 }
+
+constexpr std::array<std::string_view, kCalculatedIngPercentOfBatch> kCaptions = {
+    "Transaction", "Recipe ID", "Type", "Target Wt", "Ingredient ID", "Batch Wt",
+    "Pen ID",      "Feed Wt",   "Time", "Date",      "User ID",       "Ing% Of Batch"};
 
 }  // namespace
 
@@ -78,6 +86,17 @@ std::string ImportColumnKey(int column) {
   const int ingredient = column - kFirstIngredientWeight + 1;
   return std::string("Calculated_Ing") + (ingredient < 10 ? "0" : "") + std::to_string(ingredient) +
          "Wt";
+}
+
+std::string DesignImportCaption(int column) {
+  if (column < kFirstIngredientWeight) {
+    return std::string(kCaptions.at(static_cast<std::size_t>(column - 1)));
+  }
+  return "Ing" + Format(static_cast<double>(column - kCalculatedIngPercentOfBatch), "00") + " Wt";
+}
+
+bool IsImportText(int column) {
+  return column == kImportedType || column == kImportedTime || column == kImportedDate;
 }
 
 }  // namespace vrx

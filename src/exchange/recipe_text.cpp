@@ -5,16 +5,22 @@
 #include <span>
 #include <utility>
 
+#include <SQLiteCpp/Transaction.h>
+
+#include "base/date.h"
 #include "base/encoding.h"
+#include "base/files.h"
 #include "base/number.h"
+#include "base/text.h"
+#include "database/connection.h"
 #include "database/identity.h"
 #include "feed/batch_type.h"
 #include "feed/ration.h"
-#include "feed/ration_totals.h"
-#include "feed/record_kind.h"
-#include "link/file_attributes.h"
+#include "feed/record_fields.h"
+#include "link/krmcomm.h"
 
 namespace vrx {
+
 namespace {
 
 constexpr std::string_view kLineEnd = "\r\n";
@@ -180,6 +186,18 @@ class TextBuilder {
   RecipeDownload result_;
 };
 
+void Store(SQLite::Database& database, const RecipeDownload& download, const Calendar& calendar) {
+  WriteStoredLines(database, download.recomputed_lines);
+  for (const RecipeRecord& recipe : download.emptied_head_counts) {
+    WriteRecipe(database, recipe);
+  }
+  if (!download.emptied_head_counts.empty()) {
+    WriteField(database, DateField(DateSelector::kModified), StoredText(calendar.Today()));
+  }
+}
+
+constexpr std::size_t kMostBackup = std::size_t{16} * 1024 * 1024;  // far beyond what occurs
+
 }  // namespace
 
 RecipeTables ReadRecipeTables(SQLite::Database& database) {
@@ -210,6 +228,39 @@ RecipeDownload BuildRecipeDownload(const RecipeTables& tables, bool batch_target
   say("pen formatting done!");
   say("Recipe file complete!");
   return builder.TakeResult();
+}
+
+RecipeDownload TakeRecipeDownload(const std::filesystem::path& recipe_db_path, bool batch_target,
+                                  const Calendar& calendar, const TellProgress& tell,
+                                  LockWait wait) {
+  SQLite::Database database = OpenDatabase(recipe_db_path, Access::kWrite, wait);
+  return Translated(database, [&] {
+    SQLite::Transaction transaction(database, SQLite::TransactionBehavior::IMMEDIATE);
+    RecipeDownload download = BuildRecipeDownload(ReadRecipeTables(database), batch_target, tell);
+    Store(database, download, calendar);
+    transaction.commit();
+    return download;
+  });
+}
+
+std::string ReadRecipeBackup(const std::filesystem::path& path) {
+  std::string text = ReadFileBytes(path, kMostBackup);
+  if (text.size() > kMostBackup) {
+    throw FileError(path.string() + " is longer than any recipe backup");
+  }
+  return text;
+}
+
+bool HasBackupHeader(std::string_view text, Operator& op, const PrivateINI& settings) {
+  if (text.starts_with(kRecipeMark)) {
+    return true;
+  }
+  BeepIfEnabled(op, settings);
+  op.ShowMessage({.icon = Icon::kWarning,
+                  .title = "File-Header Error",
+                  .text = "The Recipe backup-file has an invalid file header and cannot be "
+                          "downloaded."});
+  return false;
 }
 
 }  // namespace vrx

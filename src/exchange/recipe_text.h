@@ -1,5 +1,6 @@
 #pragma once
 
+#include <filesystem>
 #include <functional>
 #include <string>
 #include <string_view>
@@ -8,7 +9,11 @@
 #include <SQLiteCpp/Database.h>
 
 #include "base/error.h"
+#include "database/connection.h"
 #include "database/records.h"
+#include "platform/calendar.h"
+#include "platform/operator.h"
+#include "settings/settings.h"
 
 namespace vrx {
 
@@ -53,5 +58,21 @@ using TellProgress = std::function<void(std::string_view line)>;
 // by their names.
 RecipeDownload BuildRecipeDownload(const RecipeTables& tables, bool batch_target,
                                    const TellProgress& tell = {});
+
+// Builds the download of a recipe database and stores what sending it changes, in one SQLite
+// transaction on a connection of its own: the database is as before, or the text and the database
+// go together. `Modified` becomes today's date when a head count was emptied.
+//
+// Throws RecipeTextError, and DatabaseError, also for a database that may not be written.
+RecipeDownload TakeRecipeDownload(const std::filesystem::path& recipe_db_path, bool batch_target,
+                                  const Calendar& calendar, const TellProgress& tell = {},
+                                  LockWait wait = kBusyTimeout);
+
+// The bytes of a recipe backup. Throws FileError, also for a file far longer than any backup.
+std::string ReadRecipeBackup(const std::filesystem::path& path);
+
+// False, the operator told, for a text that does not begin as a recipe backup and so cannot be
+// downloaded.
+bool HasBackupHeader(std::string_view text, Operator& op, const PrivateINI& settings);
 
 }  // namespace vrx

@@ -13,7 +13,6 @@
 #include "base/files.h"
 #include "base/text.h"
 #include "database/connection.h"
-#include "database/database_error.h"
 #include "database/identity.h"
 #include "database/transactions.h"
 #include "exchange/store_row.h"

@@ -1,15 +1,152 @@
 #include "exchange/transaction_parser.h"
 
+#include <algorithm>
 #include <array>
+#include <cmath>
+#include <cstdint>
+#include <limits>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <unordered_map>
 #include <utility>
+#include <vector>
 
-#include "exchange/parse_error.h"
-#include "exchange/transaction_counts.h"
-#include "exchange/transaction_shares.h"
+#include "base/files.h"
+#include "base/number.h"
+#include "base/text.h"
+#include "exchange/imported_data.h"
+#include "exchange/transaction_section.h"
+#include "settings/settings.h"
 
 namespace vrx {
 
 namespace {
+
+// The entries of a list of times up to the first that is none. What stands behind the last comma is
+// not looked at.
+std::int64_t CountTimes(std::string_view list) {
+  std::int64_t count = 0;
+  for (;;) {
+    const std::size_t comma = list.find(',');
+    if (comma == std::string_view::npos || (comma != 4 && comma != 6)) {
+      return count;
+    }
+    ++count;
+    list.remove_prefix(comma + 1);
+  }
+}
+
+constexpr int kIngredientColumns = kImportColumns - kFirstIngredientWeight + 1;
+
+struct Place {
+  std::string ingredient;
+  float percentage = 0.0F;
+};
+
+struct Batch {
+  std::int32_t total = 0;
+  std::vector<Place> places;
+};
+
+using BatchTotals = std::unordered_map<std::int32_t, Batch>;
+
+// Rows are filled from the top without a gap.
+template <typename Work>
+void ForEachRow(const ImportedData& table, std::string_view type, const Work& work) {
+  for (std::size_t row = 1; table.Filled(row); ++row) {
+    if (table.Cell(row, kImportedType) == type) {
+      work(row, TransactionNumber(table.Cell(row, kImportedTransactionNumber)));
+    }
+  }
+}
+
+// Whole units: the decimals are lost on purpose.
+std::int32_t WholeWeight(const ImportedData& table, std::size_t row) {
+  return TextToLong(table.Cell(row, kImportedActualBatch));
+}
+
+void AddToTotal(std::int32_t& total, std::int32_t weight) {
+  const std::int64_t sum = std::int64_t{total} + weight;
+  if (!std::in_range<std::int32_t>(sum)) {
+    throw ParseError("Batch total exceeded limit.");
+  }
+  total = static_cast<std::int32_t>(sum);
+}
+
+// Quotient and product are single, each rounded by itself.
+std::string PercentageText(std::int32_t weight, std::int32_t total) {
+  float percentage = 0.0F;
+  if (total > 0) {
+    const auto quotient = static_cast<float>(static_cast<double>(weight) / total);
+    percentage = quotient * 100.0F;
+  }
+  return Format(percentage, "0.0000");
+}
+
+// The column of an ingredient's weight; nothing for an ID that has none.
+std::optional<int> WeightColumn(std::string_view ingredient) {
+  const std::optional<double> id = ParseNumber(ingredient);
+  const double whole = id ? std::nearbyint(*id) : 0.0;
+  if (whole < 1) {
+    throw ParseError("Invalid ingredient ID detected.");
+  }
+  if (whole > kIngredientColumns) {
+    return std::nullopt;
+  }
+  return kFirstIngredientWeight - 1 + static_cast<int>(whole);
+}
+
+// Weight and percentage are read from their texts, and every step is single. A share beyond single
+// has no text either.
+std::string ShareText(std::string_view weight, float percentage) {
+  try {
+    return Format(TextToSingle(weight) * (percentage / 100.0F), "0.0");
+  } catch (const ConversionError&) {
+    throw ParseError("Invalid feed weight detected.");
+  }
+}
+
+void WriteShares(ImportedData& table, std::size_t row, const Batch& batch) {
+  const std::string weight(table.Cell(row, kImportedActualFeed));
+  if (weight.empty()) {
+    return;
+  }
+  for (const Place& place : batch.places) {
+    if (place.ingredient == "0") {
+      return;
+    }
+    if (place.percentage <= 0) {
+      continue;
+    }
+    if (const std::optional<int> column = WeightColumn(place.ingredient)) {
+      table.SetCell(row, *column, ShareText(weight, place.percentage));
+    }
+  }
+}
+
+// Fills `Calculated_Ing%OfBatch` of the batch rows, and of the feed rows each ingredient's share of
+// what went to the pen. Cost goes with the rows filled, whatever the transaction numbers. Throws
+// ParseError where a total, a weight or an ingredient ID cannot be used; cells written before stay.
+void ComputeShares(ImportedData& table) {
+  BatchTotals batches;
+  ForEachRow(table, "BATCH", [&](std::size_t row, std::int32_t number) {
+    AddToTotal(batches[number].total, WholeWeight(table, row));
+  });
+  ForEachRow(table, "BATCH", [&](std::size_t row, std::int32_t number) {
+    Batch& batch = batches[number];
+    const std::string percentage = PercentageText(WholeWeight(table, row), batch.total);
+    table.SetCell(row, kCalculatedIngPercentOfBatch, percentage);
+    if (batch.places.size() == kMaxBatchIngredients) {
+      throw ParseError("Too many ingredients in a batch detected.");
+    }
+    batch.places.push_back(
+        {std::string(table.Cell(row, kImportedIngredientID)), TextToSingle(percentage)});
+  });
+  ForEachRow(table, "FEED", [&](std::size_t row, std::int32_t number) {
+    WriteShares(table, row, batches[number]);
+  });
+}
 
 constexpr std::string_view kIdentifier = "{BAT/FED},";
 constexpr std::string_view kBatchMark = "[BAT],";
@@ -51,6 +188,75 @@ std::string_view CutSection(std::string_view text, std::string_view mark, std::s
 }
 
 }  // namespace
+
+bool TransFile::LoadTransactionFile(Operator& op,
+                                    const std::function<void()>& focus_import_button) {
+  MessageBox box{.icon = Icon::kWarning, .title = "Import Error", .text = {}};
+  if (path_.empty()) {
+    box.text = "Please select a transaction (.QXT) file to import.";
+    if (focus_import_button) {
+      focus_import_button();
+    }
+  } else if (!FileExists(path_)) {
+    box.text = "Could not find transaction file.";
+  } else {
+    try {
+      std::string text = ReadFileBytes(path_, kMaxTransactionFile);
+      if (text.size() <= kMaxTransactionFile) {
+        text_ = std::move(text);
+        return true;
+      }
+      box.text = "Transaction file data exceeds maximum limit of " +
+                 std::to_string(kMaxTransactionFile) + " characters.";
+    } catch (const FileError& error) {
+      box.text = "Could not read transaction file.";
+      box.cause = error.what();
+    }
+  }
+  op.ShowMessage(box);
+  return false;
+}
+
+void TransFile::ClearImport() {
+  imported_.Resize(0);
+  record_count_ = 0;
+  transaction_count_ = 0;
+}
+
+std::string TransFile::ParseTransactionFile(ProgressDisplay& progress, const ImportHooks& hooks,
+                                            Operator& op, const PrivateINI& settings) {
+  TransactionParser parser(text_, *this, imported_, progress, hooks,
+                           [&] { BeepIfEnabled(op, settings); });
+  return parser.Run();
+}
+
+BatchCounts CountBatchRows(std::string_view section) {
+  constexpr std::size_t kNone = std::string_view::npos;
+  BatchCounts counts;
+  std::size_t list_start = 0;  // the ";" ahead of the list that was counted last; 0: none yet
+  std::int64_t times = 0;
+  for (std::size_t mark = section.find("B,"); mark != kNone; mark = section.find("B,", mark + 1)) {
+    if (list_start <= mark) {
+      list_start = section.find(';', mark);
+      const std::size_t list_end = list_start == kNone ? kNone : section.find(';', list_start + 1);
+      if (list_end == kNone) {
+        return {};
+      }
+      times = CountTimes(section.substr(list_start + 1, list_end - list_start - 1));
+    }
+    ++counts.batches;
+    counts.rows += times;
+  }
+  return counts;
+}
+
+std::int64_t CountFeedRecords(std::string_view section) {
+  return std::count(section.begin(), section.end(), 'B');
+}
+
+std::int32_t KeptCount(std::int64_t count) {
+  return count > std::numeric_limits<std::int32_t>::max() ? -1 : static_cast<std::int32_t>(count);
+}
 
 TransactionParser::TransactionParser(std::string_view text, TransFile& file, ImportedData& table,
                                      ProgressDisplay& progress, const ImportHooks& hooks,

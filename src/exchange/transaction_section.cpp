@@ -1,6 +1,12 @@
 #include "exchange/transaction_section.h"
 
 #include <algorithm>
+#include <limits>
+#include <optional>
+#include <string>
+
+#include "base/number.h"
+#include "exchange/transaction_parser.h"
 
 namespace vrx {
 
@@ -60,6 +66,171 @@ std::string_view FeedSection::PeekFeedTransaction() {
     next_transaction_ = ahead.Next();
   }
   return *next_transaction_;
+}
+
+std::int32_t TransactionNumber(std::string_view text) {
+  const std::optional<std::int32_t> number = ParseLong(text);
+  if (!number || *number < 1 || *number == std::numeric_limits<std::int32_t>::max()) {
+    throw ParseError("Invalid transaction number detected.");
+  }
+  return *number;
+}
+
+BatchRecord BatchReader::Next() {
+  BatchRecord record;
+  NextInRecord();  // the record mark
+  record.transaction = NextInRecord();
+  record.recipe = NextInRecord();
+  record.date = NextInRecord();
+  record.user = NextInRecord();
+  TransactionNumber(record.transaction);
+
+  ReadIngredients(record);
+  ReadList(record, kTimes);
+  ReadList(record, kTargets);
+  ReadList(record, kActuals);
+  return record;
+}
+
+std::string_view BatchReader::NextInRecord() {
+  if (batches_.PastEnd()) {
+    throw ParseError("Incomplete batch record detected.");
+  }
+  return batches_.NextBatchField();
+}
+
+// An entry that more of its list must follow: without that padding the skip after it would take the
+// next list for the rest of this one.
+std::string_view BatchReader::TakeEntry() {
+  const std::string_view entry = NextInRecord();
+  if (batches_.AtListEnd()) {
+    throw ParseError("Invalid list padding detected.");
+  }
+  return entry;
+}
+
+void BatchReader::SkipPadding() {
+  do {
+    NextInRecord();
+  } while (!batches_.AtListEnd());
+}
+
+// The ingredients end before the first "0"; an entry is taken before the next one is looked at, so
+// a list has at least one.
+void BatchReader::ReadIngredients(BatchRecord& record) {
+  do {
+    if (record.ingredients == kMaxBatchIngredients) {
+      throw ParseError("Too many ingredients in a batch detected.");
+    }
+    record.lists[kIngredients][record.ingredients] = TakeEntry();
+    ++record.ingredients;
+  } while (batches_.PeekBatchField() != "0");
+  SkipPadding();
+}
+
+void BatchReader::ReadList(BatchRecord& record, BatchList list) {
+  for (std::size_t entry = 0; entry < record.ingredients; ++entry) {
+    record.lists[list][entry] = TakeEntry();
+  }
+  TakeEntry();  // the first padding, whatever it holds
+  SkipPadding();
+}
+
+RecordExtractor::RecordExtractor(BatchSection batches, FeedSection feeds, bool has_feeds,
+                                 ImportedData& table)
+    : batches_(batches), feeds_(feeds), has_feeds_(has_feeds), table_(table) {
+  try {
+    BatchReader ahead = batches_;
+    do {
+      ++later_batches_[ahead.Next().transaction];
+    } while (!ahead.AtEnd());
+  } catch (const ParseError&) {
+    // ExtractBatch ends the parse at the same record.
+  }
+}
+
+void RecordExtractor::ExtractBatch() {
+  const BatchRecord record = batches_.Next();
+  --later_batches_[record.transaction];
+  WriteBatchRows(record);
+  if (has_feeds_) {
+    ReadFeeds(record);
+  }
+}
+
+bool RecordExtractor::IsOfLaterBatch(std::string_view transaction) const {
+  const auto found = later_batches_.find(transaction);
+  return found != later_batches_.end() && found->second > 0;
+}
+
+void RecordExtractor::WriteBatchRows(const BatchRecord& record) {
+  for (std::size_t entry = 0; entry < record.ingredients; ++entry) {
+    const std::size_t row = TakeRow();
+    table_.SetCell(row, kImportedTransactionNumber, record.transaction);
+    table_.SetCell(row, kImportedRecipeID, record.recipe);
+    table_.SetCell(row, kImportedType, "BATCH");
+    table_.SetCell(row, kImportedTarget, record.lists[kTargets][entry]);
+    table_.SetCell(row, kImportedIngredientID, record.lists[kIngredients][entry]);
+    table_.SetCell(row, kImportedActualBatch, record.lists[kActuals][entry]);
+    table_.SetCell(row, kImportedTime, record.lists[kTimes][entry]);
+    table_.SetCell(row, kImportedDate, record.date);
+    table_.SetCell(row, kImportedUserID, record.user);
+  }
+}
+
+void RecordExtractor::ReadFeeds(const BatchRecord& record) {
+  while (!feeds_.AtFeedSectionEnd()) {
+    const std::string_view transaction = feeds_.PeekFeedTransaction();
+    if (transaction == record.transaction) {
+      WriteFeedRow(record);
+    } else if (IsOfLaterBatch(transaction)) {
+      return;
+    } else {
+      LeaveFeedUnread();
+    }
+  }
+}
+
+void RecordExtractor::WriteFeedRow(const BatchRecord& record) {
+  constexpr std::array kFieldsAfterTransaction = {
+      kImportedPenID, kImportedUserID, kImportedTime,
+      kImportedDate,  kImportedTarget, kImportedActualFeed,
+  };
+  const std::size_t row = TakeRow();
+  table_.SetCell(row, kImportedTransactionNumber, record.transaction);
+  table_.SetCell(row, kImportedRecipeID, record.recipe);
+  table_.SetCell(row, kImportedType, "FEED");
+  feeds_.NextFeedField();  // the record mark
+  feeds_.NextFeedField();  // the transaction, looked at already
+  for (const ImportColumn column : kFieldsAfterTransaction) {
+    table_.SetCell(row, column, feeds_.NextFeedField());
+  }
+}
+
+// An empty line is no record.
+void RecordExtractor::LeaveFeedUnread() {
+  const std::string_view line = feeds_.NextFeedLine();
+  if (line.empty()) {
+    return;
+  }
+  SectionCursor fields(line);
+  fields.Next();
+  table_.AddUnreadFeed({.transaction = std::string(fields.Peek()),
+                        .text = std::string(line),
+                        .rows = static_cast<std::size_t>(CountFeedRecords(line))});
+}
+
+void RecordExtractor::LeaveOtherFeedsUnread() {
+  while (!feeds_.AtFeedSectionEnd()) {
+    LeaveFeedUnread();
+  }
+}
+
+std::size_t RecordExtractor::TakeRow() {
+  if (next_row_ > table_.RowCount()) {
+    throw ParseError("Too many records detected.");
+  }
+  return next_row_++;
 }
 
 }  // namespace vrx

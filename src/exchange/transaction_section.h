@@ -1,7 +1,14 @@
 #pragma once
 
+#include <array>
+#include <cstddef>
+#include <cstdint>
 #include <optional>
 #include <string_view>
+#include <unordered_map>
+
+#include "base/error.h"
+#include "exchange/imported_data.h"
 
 namespace vrx {
 
@@ -70,6 +77,80 @@ class FeedSection {
  private:
   SectionCursor cursor_;
   std::optional<std::string_view> next_transaction_;
+};
+
+inline constexpr int kMaxBatchIngredients = 32;
+
+// The whole number of a transaction field. Throws ParseError for no number, one below 1 and the
+// highest of 32 bits, which the indicator's own count cannot pass.
+std::int32_t TransactionNumber(std::string_view text);
+
+enum BatchList : std::size_t { kIngredients, kTimes, kTargets, kActuals, kBatchLists };
+
+struct BatchRecord {
+  std::string_view transaction;
+  std::string_view recipe;
+  std::string_view date;
+  std::string_view user;
+  std::array<std::array<std::string_view, kMaxBatchIngredients>, kBatchLists> lists;
+  std::size_t ingredients = 0;
+};
+
+// Reads the batch section record by record. What it gives refers to the section's text.
+class BatchReader {
+ public:
+  explicit BatchReader(BatchSection batches) : batches_(batches) {}
+
+  // Throws ParseError for a record that is incomplete or damaged.
+  BatchRecord Next();
+  bool AtEnd() const { return batches_.AtBatchSectionEnd(); }
+
+ private:
+  std::string_view NextInRecord();
+  std::string_view TakeEntry();
+  void SkipPadding();
+  void ReadIngredients(BatchRecord& record);
+  void ReadList(BatchRecord& record, BatchList list);
+
+  BatchSection batches_;
+};
+
+// Takes the records of the two sections into rows of the table, batch by batch, each followed by
+// its feeds. The table must have been sized by the counts beforehand. A feed record whose number is
+// neither that of the batch at hand nor that of a later one becomes an unread feed of the table, so
+// that it does not hide those after it.
+class RecordExtractor {
+ public:
+  RecordExtractor(BatchSection batches, FeedSection feeds, bool has_feeds, ImportedData& table);
+
+  // One batch record with its feeds. Throws ParseError; what was written before stays.
+  void ExtractBatch();
+  bool AtBatchSectionEnd() const { return batches_.AtEnd(); }
+
+  // Makes unread feeds of what is left of the feed section.
+  void LeaveOtherFeedsUnread();
+
+ private:
+  bool IsOfLaterBatch(std::string_view transaction) const;
+  void WriteBatchRows(const BatchRecord& record);
+  void ReadFeeds(const BatchRecord& record);
+  void WriteFeedRow(const BatchRecord& record);
+  void LeaveFeedUnread();
+  std::size_t TakeRow();
+
+  BatchReader batches_;
+  FeedSection feeds_;
+  bool has_feeds_;
+  ImportedData& table_;
+  std::size_t next_row_ = 1;
+  // How many batches still to be extracted have a transaction number, compared as text.
+  std::unordered_map<std::string_view, std::size_t> later_batches_;
+};
+
+// Ends a parse; what() is the text that the operator is shown.
+class ParseError : public Error {
+ public:
+  using Error::Error;
 };
 
 }  // namespace vrx

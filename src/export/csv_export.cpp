@@ -1,21 +1,123 @@
 #include "export/csv_export.h"
 
+#include <algorithm>
 #include <array>
+#include <cerrno>
 #include <cstddef>
+#include <filesystem>
+#include <fstream>
+#include <ios>
 #include <optional>
+#include <string>
+#include <system_error>
+#include <variant>
 #include <vector>
 
-#include "export/cell_text.h"
-#include "export/csv_lines.h"
+#include "base/encoding.h"
+#include "base/error.h"
+#include "base/files.h"
 #include "export/export_columns.h"
 #include "export/export_plan.h"
 #include "export/level_walk.h"
-#include "export/line_file.h"
+#include "history/columns.h"
 #include "history/data_group.h"
-#include "history/history_column.h"
 
 namespace vrx {
+
+namespace fs = std::filesystem;
+
 namespace {
+
+// A text file written line by line in its place: a failure leaves what was written until then.
+// Throws FileError, which names the file and says why.
+class LineFile {
+ public:
+  // Deletes an existing file and makes it anew.
+  explicit LineFile(const std::filesystem::path& path);
+
+  // Writes what is still held back; a failure of that goes untold.
+  ~LineFile();
+
+  LineFile(const LineFile&) = delete;
+  LineFile& operator=(const LineFile&) = delete;
+
+  // The text of the line that comes next, for the caller to append to.
+  std::string& Line() { return held_; }
+
+  // Ends the line with CR LF.
+  void EndLine();
+
+  void Close();
+
+ private:
+  void Flush();
+
+  std::filesystem::path path_;
+  std::ofstream out_;
+  std::string held_;
+};
+
+constexpr std::size_t kHeldBack = std::size_t{256} * 1024;
+
+[[noreturn]] void Fail(const fs::path& path, const std::error_code& why) {
+  throw FileError("cannot write " + path.string() + ": " + why.message());
+}
+
+// What the C library said about the stream operation that has just failed.
+std::error_code LastError() { return {errno != 0 ? errno : EIO, std::generic_category()}; }
+
+// A device or a folder of that name is left alone; a link goes, what it points to stays.
+void DeleteFile(const fs::path& path) {
+  std::error_code error;
+  const fs::file_type type = fs::symlink_status(path, error).type();
+  if (type == fs::file_type::regular || type == fs::file_type::symlink) {
+    fs::remove(path, error);
+    if (error) {
+      Fail(path, error);
+    }
+  }
+}
+
+LineFile::LineFile(const fs::path& path) : path_(path) {
+  DeleteFile(path);
+  errno = 0;
+  out_.open(path, std::ios::binary | std::ios::trunc);
+  if (!out_) {
+    Fail(path, LastError());
+  }
+}
+
+LineFile::~LineFile() {
+  if (out_.is_open()) {
+    out_.write(held_.data(), static_cast<std::streamsize>(held_.size()));
+  }
+}
+
+void LineFile::EndLine() {
+  held_ += "\r\n";
+  if (held_.size() >= kHeldBack) {
+    Flush();
+  }
+}
+
+void LineFile::Close() {
+  Flush();
+  errno = 0;
+  out_.close();
+  if (!out_) {
+    Fail(path_, LastError());
+  }
+}
+
+void LineFile::Flush() {
+  errno = 0;
+  out_.write(held_.data(), static_cast<std::streamsize>(held_.size()));
+  out_.flush();
+  held_.clear();
+  if (!out_) {
+    Fail(path_, LastError());
+  }
+}
 
 // The one group whose records follow each other without a line for the value they share, which
 // each of them bears itself.
@@ -93,6 +195,23 @@ class CsvWriter : public LevelVisitor {
   std::vector<CsvTotal> totals_;
 };
 
+constexpr char kSeparator = ',';
+constexpr char kBlank = ' ';
+
+bool IsAscii(std::string_view text) {
+  return std::all_of(text.begin(), text.end(),
+                     [](char c) { return static_cast<unsigned char>(c) < 0x80; });
+}
+
+void AppendCell(const CellView& cell, ColumnContent content, std::string& line) {
+  const auto* const text = std::get_if<std::string_view>(&cell);
+  if (text != nullptr && !IsAscii(*text)) {
+    line += Utf8ToWindows1252(*text);
+    return;
+  }
+  AppendCellText(cell, content, line);
+}
+
 }  // namespace
 
 bool CSVExport::ExportData(int group, const std::filesystem::path& file,
@@ -114,6 +233,82 @@ bool CSVExport::ExportData(int group, const std::filesystem::path& file,
   walk.Walk(writer);
   lines.Close();
   return true;
+}
+
+std::string BuildCsvHeader(const ColumnDictionary& dictionary, std::string_view exclude) {
+  std::string header;
+  for (const ExportedColumn& column : dictionary) {
+    if (exclude.find(column.caption) == std::string_view::npos) {
+      header += header.empty() ? "" : std::string(1, kSeparator);
+      header += column.caption;
+    }
+  }
+  return Utf8ToWindows1252(header);
+}
+
+CsvColumns::CsvColumns(const ColumnDictionary& dictionary, std::span<const WalkedField> list)
+    : first_caption_(dictionary.empty() ? "" : dictionary.front().caption) {
+  for (const ExportedColumn& column : dictionary) {
+    const auto found = std::find_if(list.begin(), list.end(), [&](const WalkedField& field) {
+      return field.name == column.field;
+    });
+    if (found == list.end()) {
+      places_.push_back({std::nullopt, ColumnContent::kText});
+    } else {
+      places_.push_back({static_cast<std::size_t>(found - list.begin()), found->content});
+    }
+  }
+}
+
+void BuildCsvDataRow(const CsvColumns& columns, std::span<const CellView> cells,
+                     std::string& line) {
+  bool first = true;
+  for (const CsvColumns::Place& place : columns.Places()) {
+    if (place.cell) {
+      const CellView& cell = cells[*place.cell];
+      if (first && IsNull(cell)) {
+        throw Error("a row has no " + columns.FirstCaption() +
+                    ", which is the first column: it cannot be written as CSV");
+      }
+      AppendCell(cell, place.content, line);
+    }
+    line += kSeparator;
+    first = false;
+  }
+}
+
+void BuildCsvPlainRow(const CsvColumns& columns, std::span<const CellView> cells,
+                      std::string& line) {
+  bool first = true;
+  for (const CsvColumns::Place& place : columns.Places()) {
+    const CellView cell = place.cell ? cells[*place.cell] : CellView();
+    if (!first) {
+      line += kSeparator;
+    } else if (IsNull(cell)) {
+      line += kBlank;
+    }
+    AppendCell(cell, place.content, line);
+    first = false;
+  }
+}
+
+void BuildCsvValueLine(const CellView& value, ColumnContent content, std::string& line) {
+  AppendCell(value, content, line);
+}
+
+void BuildCsvTotalRow(const ColumnDictionary& dictionary, std::span<const CsvTotal> totals,
+                      std::string& line) {
+  for (const ExportedColumn& column : dictionary) {
+    const auto found = std::find_if(totals.begin(), totals.end(), [&](const CsvTotal& total) {
+      return total.key == column.field;
+    });
+    if (found == totals.end()) {
+      line += kBlank;
+    } else {
+      line += found->value;
+    }
+    line += kSeparator;
+  }
 }
 
 }  // namespace vrx

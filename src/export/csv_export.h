@@ -1,12 +1,17 @@
 #pragma once
 
+#include <cstddef>
 #include <filesystem>
+#include <optional>
 #include <span>
 #include <string>
 #include <string_view>
+#include <vector>
 
 #include "database/lock_wait.h"
-#include "history/ingredient_column_names.h"
+#include "export/export_columns.h"
+#include "export/level_walk.h"
+#include "history/columns.h"
 
 namespace vrx {
 
@@ -32,5 +37,51 @@ class CSVExport {
  private:
   const IngredientColumnNames& ingredients_;
 };
+
+// The lines of a CSV export, without their line ends: one byte per character (Windows-1252; a
+// character that it lacks is a "?"), nothing quoted or escaped. Values come in their default text
+// form.
+
+// The captions joined by ",", but for those found anywhere in the exclude text.
+std::string BuildCsvHeader(const ColumnDictionary& dictionary, std::string_view exclude);
+
+// Where the cells of a list of fields stand among the columns of a dictionary.
+class CsvColumns {
+ public:
+  CsvColumns(const ColumnDictionary& dictionary, std::span<const WalkedField> list);
+
+  struct Place {
+    std::optional<std::size_t> cell;  // nothing for a column that is not in the list
+    ColumnContent content;
+  };
+  std::span<const Place> Places() const { return places_; }
+  const std::string& FirstCaption() const { return first_caption_; }
+
+ private:
+  std::vector<Place> places_;
+  std::string first_caption_;
+};
+
+// Each appends its line. `cells` are those of the list that the columns were made for.
+//
+// A data row has a "," behind every cell; the cells of other columns and of NULL are empty. The
+// first column has no way to be NULL: throws Error.
+void BuildCsvDataRow(const CsvColumns& columns, std::span<const CellView> cells, std::string& line);
+
+// A row without groups has no "," behind its last cell, and a blank for a NULL in the first.
+void BuildCsvPlainRow(const CsvColumns& columns, std::span<const CellView> cells,
+                      std::string& line);
+
+// A value on a line of its own, without any commas.
+void BuildCsvValueLine(const CellView& value, ColumnContent content, std::string& line);
+
+struct CsvTotal {
+  std::string_view key;  // a field
+  std::string value;
+};
+
+// The values in the columns of their keys, a blank in every other one; a "," behind every cell.
+void BuildCsvTotalRow(const ColumnDictionary& dictionary, std::span<const CsvTotal> totals,
+                      std::string& line);
 
 }  // namespace vrx

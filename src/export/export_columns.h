@@ -6,7 +6,7 @@
 #include <string_view>
 #include <vector>
 
-#include "history/ingredient_column_names.h"
+#include "history/columns.h"
 
 namespace vrx {
 

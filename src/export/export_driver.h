@@ -6,7 +6,7 @@
 #include <string_view>
 
 #include "database/open_databases.h"
-#include "export/style_sheet.h"
+#include "export/html_export.h"
 #include "history/history_grid.h"
 
 namespace vrx {

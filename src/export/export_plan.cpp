@@ -1,10 +1,15 @@
 #include "export/export_plan.h"
 
+#include <algorithm>
+#include <cstddef>
 #include <utility>
 
+#include "database/schema.h"
+#include "database/transactions.h"
 #include "history/data_group.h"
 
 namespace vrx {
+
 namespace {
 
 using enum ValueOrder;
@@ -84,6 +89,155 @@ std::vector<ExportPlan> MakePlans() {
   };
 }
 
+// Each transaction once for each of its dates; the columns of the table are NULL for rows that have
+// no transaction number.
+constexpr std::string_view kWholeTransactions =
+    "(SELECT DISTINCT [Date] AS listed_date, [Transaction] AS listed_transaction FROM Transactions)"
+    " LEFT JOIN Transactions ON [Transaction] = listed_transaction";
+
+void Append(std::string& list, std::string_view item) {
+  list += list.empty() ? "" : ", ";
+  list += item;
+}
+
+std::string Source(const ExportPlan& plan) {
+  return std::string(plan.whole_transactions ? kWholeTransactions : kTransactionsTable);
+}
+
+std::string Key(const ExportPlan& plan, const ExportLevel& level) {
+  if (level.nulls == NullValues::kNoUser) {
+    return "coalesce([UserID], '" + std::string(kNoUserKey) + "')";
+  }
+  if (plan.whole_transactions && level.field == "Date") {
+    return "listed_date";
+  }
+  if (plan.whole_transactions && level.field == "Transaction") {
+    return "listed_transaction";
+  }
+  return Bracketed(level.field);
+}
+
+std::string Keys(const ExportPlan& plan) {
+  std::string keys;
+  for (const ExportLevel& level : plan.levels) {
+    Append(keys, Key(plan, level));
+  }
+  return keys;
+}
+
+// Users are numbers kept as text.
+std::string ByNumber(const std::string& key) { return "CAST(" + key + " AS REAL), " + key; }
+
+std::string KeyOrder(const ExportPlan& plan) {
+  std::string order;
+  for (const ExportLevel& level : plan.levels) {
+    const std::string key = Key(plan, level);
+    Append(order, level.nulls == NullValues::kNoUser ? ByNumber(key) : key);
+    order += level.order == ValueOrder::kDescending ? " DESC" : "";
+  }
+  return order;
+}
+
+// The engine sorts once for both when the terms agree.
+std::string KeyGroups(const ExportPlan& plan) {
+  std::string groups;
+  for (const ExportLevel& level : plan.levels) {
+    const std::string key = Key(plan, level);
+    Append(groups, level.nulls == NullValues::kNoUser ? ByNumber(key) : key);
+  }
+  return groups;
+}
+
+// Rows without a value of an inner level that skips them are left out but for those of an outer
+// value that has no others: the outer group is there without anything below.
+std::string OuterWithoutInner(const ExportPlan& plan) {
+  const std::string outer = Bracketed(plan.levels.front().field);
+  const std::string inner = Bracketed(plan.levels.back().field);
+  return " OR " + outer + " IS NULL OR " + outer + " NOT IN (SELECT " + outer +
+         " FROM Transactions WHERE " + inner + " IS NOT NULL AND " + outer + " IS NOT NULL)";
+}
+
+enum class Wanted { kRecords, kSums };
+
+std::string Condition(const ExportPlan& plan, Wanted wanted, NameSearch search) {
+  const DataGroup& group = DataGroups()[static_cast<std::size_t>(plan.group)];
+  if (!group.named_column.empty()) {
+    return " WHERE " + Bracketed(group.named_column) + " = ?1" +
+           (search == NameSearch::kInRanges ? InTransactionRanges("?2") : "");
+  }
+  if (plan.levels.empty() || plan.levels.back().nulls != NullValues::kSkipped) {
+    return "";
+  }
+  const bool outer_alone = wanted == Wanted::kRecords && plan.levels.size() > 1;
+  return " WHERE " + Bracketed(plan.levels.back().field) + " IS NOT NULL" +
+         (outer_alone ? OuterWithoutInner(plan) : "");
+}
+
+// ", exact_sum([Target]) AS [Target]" and so on.
+std::string Sums(const ExportPlan& plan) {
+  std::string sums;
+  for (const std::string_view field : SummedFields(plan)) {
+    sums += ", exact_sum(" + Bracketed(field) + ") AS " + Bracketed(field);
+  }
+  return sums;
+}
+
+// A user's sums are those of the user's rows of the transaction; those for no user are of the
+// whole transaction.
+std::string WholeIfNoUserQuery(const ExportPlan& plan) {
+  const std::string sums = Sums(plan);
+  std::string fields;
+  for (const std::string_view field : SummedFields(plan)) {
+    fields += ", " + Bracketed(field);
+  }
+  return "SELECT user, number" + fields +
+         " FROM ("
+         "SELECT [UserID] AS user, [Transaction] AS number" +
+         sums +
+         " FROM Transactions WHERE [UserID] IS NOT NULL AND [UserID] <> '-1'"
+         " GROUP BY number, user "
+         "UNION ALL "
+         "SELECT '-1', [Transaction]" +
+         sums +
+         " FROM Transactions GROUP BY [Transaction]"
+         " HAVING max([UserID] IS NULL OR [UserID] = '-1')"
+         ") ORDER BY " +
+         ByNumber("user") + ", number";
+}
+
+// A group's sums take in the rows of its type, of any user, and the rows of its user of other
+// types.
+std::string OfUserOrOfTheTypeQuery(const ExportPlan& plan) {
+  const std::string sums = Sums(plan);
+  std::string of_type;
+  std::string of_user;
+  for (const std::string_view field : SummedFields(plan)) {
+    of_type += ", of_type." + Bracketed(field);
+    of_user += ", other." + Bracketed(field);
+  }
+  return "WITH own AS MATERIALIZED ("
+         "SELECT coalesce([UserID], '-1') AS user, [Type] AS type" +
+         sums +
+         " FROM Transactions GROUP BY user, type), "
+         "of_type AS MATERIALIZED ("
+         "SELECT type" +
+         sums +
+         " FROM own GROUP BY type) "
+         "SELECT user, type" +
+         sums +
+         " FROM ("
+         "SELECT own.user, own.type" +
+         of_type +
+         " FROM own LEFT JOIN of_type ON of_type.type = own.type "
+         "UNION ALL "
+         "SELECT own.user, own.type" +
+         of_user +
+         " FROM own JOIN own AS other ON other.user = own.user"
+         " AND (own.type IS NULL OR other.type IS NOT own.type) WHERE own.user <> '-1'"
+         ") GROUP BY user, type ORDER BY " +
+         ByNumber("user") + ", type";
+}
+
 }  // namespace
 
 std::span<const ExportPlan> ExportPlans() {
@@ -96,6 +250,47 @@ const ExportPlan* FindExportPlan(int group) {
     return nullptr;
   }
   return &ExportPlans()[static_cast<std::size_t>(group)];
+}
+
+std::vector<std::string_view> SummedFields(const ExportPlan& plan) {
+  std::vector<std::string_view> fields;
+  for (const auto* const weights : {&plan.weights, &plan.fed_weights}) {
+    for (const ExportWeight& weight : *weights) {
+      if (std::find(fields.begin(), fields.end(), weight.field) == fields.end()) {
+        fields.push_back(weight.field);
+      }
+    }
+  }
+  return fields;
+}
+
+std::string LevelRecordQuery(const ExportPlan& plan, std::span<const std::string> fields,
+                             NameSearch search) {
+  std::string columns = Keys(plan);
+  for (const std::string& field : fields) {
+    Append(columns, Bracketed(field));
+  }
+  std::string order = KeyOrder(plan);
+  if (!plan.ordering.empty()) {
+    Append(order, plan.ordering);
+  }
+  Append(order, "Transactions.rowid");
+  return "SELECT " + columns + " FROM " + Source(plan) + Condition(plan, Wanted::kRecords, search) +
+         " ORDER BY " + order;
+}
+
+std::string LevelSumQuery(const ExportPlan& plan, NameSearch search) {
+  switch (plan.summed) {
+    case SummedRows::kWholeIfNoUser:
+      return WholeIfNoUserQuery(plan);
+    case SummedRows::kOfUserOrOfTheType:
+      return OfUserOrOfTheTypeQuery(plan);
+    case SummedRows::kOwn:
+      break;
+  }
+  return "SELECT " + Keys(plan) + Sums(plan) + " FROM " + Source(plan) +
+         Condition(plan, Wanted::kSums, search) + " GROUP BY " + KeyGroups(plan) + " ORDER BY " +
+         KeyOrder(plan);
 }
 
 }  // namespace vrx

@@ -4,9 +4,12 @@
 #include <array>
 #include <cstdarg>
 #include <cstddef>
+#include <cstdint>
 #include <cstdio>
 #include <memory>
 #include <new>
+#include <string>
+#include <system_error>
 
 #include <libxml/parser.h>
 #include <libxml/tree.h>
@@ -17,9 +20,16 @@
 #include <libxslt/xsltInternals.h>
 #include <libxslt/xsltutils.h>
 
+#include "base/application.h"
 #include "base/error.h"
+#include "base/files.h"
+#include "history/data_group.h"
+#include "settings/data_folder.h"
 
 namespace vrx {
+
+namespace fs = std::filesystem;
+
 namespace {
 
 // Far above what a stylesheet of a data group needs: it nests by the levels, ten templates at most,
@@ -172,6 +182,35 @@ Owned<xsltStylesheet> Compile(const NamedText& text, const LibraryRules& rules) 
   return style_sheet;
 }
 
+constexpr std::int32_t kNoSource = 0;  // of Folder::CopyFile
+
+constexpr std::size_t kMegabyte = std::size_t{1024} * 1024;
+constexpr std::size_t kLargestStyleSheet = 4 * kMegabyte;
+
+std::string Megabytes(std::size_t bytes) {
+  return std::to_string((bytes + kMegabyte - 1) / kMegabyte) + " MB";
+}
+
+std::string ReadDocument(const fs::path& xml) {
+  std::error_code unknown;
+  const auto size = fs::file_size(xml, unknown);
+  if (!unknown && size > kLargestPageSource) {
+    throw Error("The page would be too large for a browser: " + Megabytes(size) +
+                " of data, at most " + Megabytes(kLargestPageSource) +
+                ". Choose XML or CSV, or a group by name.");
+  }
+  return ReadFileBytes(xml, kLargestPageSource);
+}
+
+std::string ReadStyleSheet(const fs::path& file) {
+  std::string text = ReadFileBytes(file, kLargestStyleSheet);
+  if (text.size() > kLargestStyleSheet) {
+    throw Error(file.string() + ": longer than a stylesheet may be, " +
+                Megabytes(kLargestStyleSheet));
+  }
+  return text;
+}
+
 }  // namespace
 
 std::string Transform(const NamedText& style_sheet, const NamedText& document) {
@@ -195,6 +234,62 @@ std::string Transform(const NamedText& style_sheet, const NamedText& document) {
     rules.Fail(style_sheet.name + " made an empty page of " + document.name);
   }
   return {reinterpret_cast<const char*>(owned.get()), static_cast<std::size_t>(length)};
+}
+
+void StyleSheets::MakeExportFolder() const {
+  if (!data_folder_.empty()) {
+    std::error_code ignored;
+    fs::create_directory(data_folder_ / "Export", ignored);
+  }
+}
+
+fs::path StyleSheets::SourceFolder() const { return fs::path(system_.ProgramDirectory()) / "XSL"; }
+
+fs::path StyleSheets::SourceOf(int group) const {
+  const DataGroup* const found = FindDataGroup(group);
+  return found == nullptr ? fs::path() : SourceFolder() / found->stylesheet;
+}
+
+fs::path StyleSheets::PresentSourceOf(int group) const {
+  fs::path source = SourceOf(group);
+  if (source.empty() || !FileExists(source)) {
+    TellMissing(source);
+    return {};
+  }
+  return source;
+}
+
+bool StyleSheets::CopyStyleSheet(int group, const fs::path& destination_folder) const {
+  const fs::path source = SourceOf(group);
+  const std::int32_t result =
+      source.empty() ? kNoSource : Folder::CopyFile(source, destination_folder);
+  if (result == kNoSource) {
+    TellMissing(source);
+    return false;
+  }
+  return true;
+}
+
+void StyleSheets::TellMissing(const fs::path& source) const {
+  op_.ShowMessage({.icon = Icon::kInformation,
+                   .title = std::string(kApplicationTitle),
+                   .text = "Style sheet file has been tampered, Please contact to Administrator.",
+                   .cause = source.empty() ? "" : source.string() + " is not there"});
+}
+
+bool WriteHtmlPage(const StyleSheets& style_sheets, int group, const fs::path& xml,
+                   const fs::path& html) {
+  const fs::path source = style_sheets.PresentSourceOf(group);
+  if (source.empty()) {
+    return false;
+  }
+  const std::string document = ReadDocument(xml);
+  const std::string style_sheet = ReadStyleSheet(source);
+  const std::string page = Transform({source.string(), style_sheet}, {xml.string(), document});
+  ReplacingFile file(html);
+  file.Write(page);
+  file.TakePlace();
+  return true;
 }
 
 }  // namespace vrx

@@ -1,22 +1,104 @@
 #include "export/level_walk.h"
 
 #include <algorithm>
+#include <array>
+#include <charconv>
+#include <cmath>
+#include <concepts>
+#include <cstddef>
+#include <cstdint>
+#include <memory>
+#include <span>
+#include <string>
+#include <string_view>
 #include <utility>
 
+#include <SQLiteCpp/Database.h>
+#include <SQLiteCpp/Exception.h>
 #include <SQLiteCpp/Transaction.h>
+#include <sqlite3.h>
 
+#include "base/date.h"
 #include "base/error.h"
+#include "base/number.h"
 #include "database/connection.h"
 #include "database/exact_sum.h"
-#include "database/transaction_ranges.h"
-#include "database/translated.h"
-#include "export/cell_text.h"
-#include "export/level_queries.h"
-#include "export/row_reader.h"
+#include "database/transactions.h"
+#include "export/export_plan.h"
 #include "history/data_group.h"
 
+struct sqlite3_stmt;
+
 namespace vrx {
+
 namespace {
+
+// The rows of a query one after the other, a cell at a time and without a copy of it. Throws
+// SQLite::Exception.
+class RowReader {
+ public:
+  // `values` are bound to the query's parameters, as many as it has.
+  RowReader(SQLite::Database& database, const std::string& query,
+            std::span<const std::string> values);
+
+  // False behind the last row.
+  bool Next();
+
+  // Valid until the next row.
+  CellView Cell(std::size_t column) const;
+
+ private:
+  struct Finalize {
+    void operator()(sqlite3_stmt* statement) const;
+  };
+
+  SQLite::Database& database_;
+  std::unique_ptr<sqlite3_stmt, Finalize> statement_;
+};
+
+RowReader::RowReader(SQLite::Database& database, const std::string& query,
+                     std::span<const std::string> values)
+    : database_(database) {
+  sqlite3_stmt* statement = nullptr;
+  database.check(sqlite3_prepare_v2(database.getHandle(), query.c_str(),
+                                    static_cast<int>(query.size()), &statement, nullptr));
+  statement_.reset(statement);
+  const auto count = static_cast<std::size_t>(sqlite3_bind_parameter_count(statement));
+  int parameter = 0;
+  for (const std::string& value : values.first(count)) {
+    database.check(sqlite3_bind_text64(statement, ++parameter, value.data(), value.size(),
+                                       SQLITE_TRANSIENT, SQLITE_UTF8));
+  }
+}
+
+bool RowReader::Next() {
+  const int result = sqlite3_step(statement_.get());
+  if (result != SQLITE_ROW && result != SQLITE_DONE) {
+    throw SQLite::Exception(database_.getHandle(), result);
+  }
+  return result == SQLITE_ROW;
+}
+
+CellView RowReader::Cell(std::size_t column) const {
+  sqlite3_stmt* const statement = statement_.get();
+  const int index = static_cast<int>(column);
+  switch (sqlite3_column_type(statement, index)) {
+    case SQLITE_NULL:
+      return {};
+    case SQLITE_INTEGER:
+      return std::int64_t{sqlite3_column_int64(statement, index)};
+    case SQLITE_FLOAT:
+      return sqlite3_column_double(statement, index);
+    default: {
+      // The bytes of a blob are taken as a text.
+      const auto* const text = reinterpret_cast<const char*>(sqlite3_column_text(statement, index));
+      const auto size = static_cast<std::size_t>(sqlite3_column_bytes(statement, index));
+      return text == nullptr ? std::string_view() : std::string_view(text, size);
+    }
+  }
+}
+
+void RowReader::Finalize::operator()(sqlite3_stmt* statement) const { sqlite3_finalize(statement); }
 
 // What one connection may hold in memory, in KiB: its pages, and as much again for each of the two
 // sorts that are under way; the rest of a sort goes to temporary files.
@@ -54,8 +136,6 @@ PickedRows PickRows(SQLite::Database& database, const ExportPlan& plan, const st
   return ranges ? PickedRows{NameSearch::kInRanges, {name, JsonArray(*ranges)}}
                 : PickedRows{NameSearch::kInTable, {name}};
 }
-
-bool IsNull(const CellView& cell) { return std::holds_alternative<std::monostate>(cell); }
 
 // The sums of the innermost groups, in the order in which the records open them.
 class SumStream {
@@ -233,6 +313,85 @@ class Walker {
   bool complete_ = false;  // the row is a record below the innermost level
 };
 
+// The texts below are those of DefaultText, without a string of their own for each of the hundreds
+// of millions of cells that an export may have.
+
+// Numbers with at most 3 decimals, as weights are, within the 15 digits that DefaultText writes.
+constexpr std::int64_t kScale = 1000;
+constexpr double kLargestScaled = 1e14;
+constexpr std::int64_t kLargestWhole = 999'999'999'999'999;
+
+void AppendWhole(std::integral auto value, std::string& text) {
+  std::array<char, 20> digits{};
+  const auto written = std::to_chars(digits.data(), digits.data() + digits.size(), value);
+  text.append(digits.data(), written.ptr);
+}
+
+void AppendTwoDigits(int value, std::string& text) {
+  text += static_cast<char>('0' + value / 10);
+  text += static_cast<char>('0' + value % 10);
+}
+
+void AppendNumber(std::int64_t value, std::string& text) {
+  if (value < -kLargestWhole || value > kLargestWhole) {
+    text += DefaultText(value);
+    return;
+  }
+  AppendWhole(value, text);
+}
+
+void AppendNumber(double value, std::string& text) {
+  const double scaled = std::abs(value) * static_cast<double>(kScale);
+  if (!(scaled < kLargestScaled)) {
+    text += DefaultText(value);
+    return;
+  }
+  const auto thousandths = static_cast<std::int64_t>(std::nearbyint(scaled));
+  // The division is rounded correctly, so equality says that these digits are the value's own.
+  if (static_cast<double>(thousandths) / static_cast<double>(kScale) != std::abs(value)) {
+    text += DefaultText(value);
+    return;
+  }
+  if (value < 0) {
+    text += '-';
+  }
+  AppendWhole(thousandths / kScale, text);
+  std::int64_t rest = thousandths % kScale;
+  if (rest == 0) {
+    return;
+  }
+  text += '.';
+  for (std::int64_t place = kScale / 10; rest != 0; place /= 10) {
+    text += static_cast<char>('0' + rest / place);
+    rest %= place;
+  }
+}
+
+void AppendText(std::string_view value, ColumnContent content, std::string& text) {
+  if (content == ColumnContent::kDate) {
+    if (const auto date = ParseStoredDate(value)) {
+      AppendWhole(static_cast<unsigned>(date->month()), text);
+      text += '/';
+      AppendWhole(static_cast<unsigned>(date->day()), text);
+      text += '/';
+      text += value.substr(0, 4);
+      return;
+    }
+  }
+  if (content == ColumnContent::kTime) {
+    if (const auto time = ParseStoredTime(value)) {
+      AppendWhole(time->hour % 12 == 0 ? 12 : time->hour % 12, text);
+      text += ':';
+      AppendTwoDigits(time->minute, text);
+      text += ':';
+      AppendTwoDigits(time->second, text);
+      text += time->hour < 12 ? " AM" : " PM";
+      return;
+    }
+  }
+  text += value;
+}
+
 }  // namespace
 
 LevelWalk::LevelWalk(const std::filesystem::path& transaction_database, const ExportPlan& plan,
@@ -253,6 +412,16 @@ void LevelWalk::Walk(LevelVisitor& visitor) {
     const SQLite::Transaction snapshot(database_);
     Walker(database_, plan_, Names(fields_), PickRows(database_, plan_, name_), visitor).Walk();
   });
+}
+
+void AppendCellText(const CellView& value, ColumnContent content, std::string& text) {
+  if (const auto* const stored = std::get_if<std::string_view>(&value)) {
+    AppendText(*stored, content, text);
+  } else if (const auto* const number = std::get_if<double>(&value)) {
+    AppendNumber(*number, text);
+  } else if (const auto* const whole = std::get_if<std::int64_t>(&value)) {
+    AppendNumber(*whole, text);
+  }
 }
 
 }  // namespace vrx

@@ -15,7 +15,7 @@
 #include "database/lock_wait.h"
 #include "export/export_columns.h"
 #include "export/export_plan.h"
-#include "history/history_column.h"
+#include "history/columns.h"
 
 namespace vrx {
 
@@ -81,5 +81,12 @@ class LevelWalk {
   std::vector<WalkedField> fields_;
   SQLite::Database database_;
 };
+
+// Appends the default text form of a stored value, UTF-8: 500.5, 3/14/2011, 6:10:00 AM. NULL
+// appends nothing; a date or time that is not in its stored form is appended as it stands. Throws
+// ConversionError for an infinite number.
+void AppendCellText(const CellView& value, ColumnContent content, std::string& text);
+
+inline bool IsNull(const CellView& cell) { return std::holds_alternative<std::monostate>(cell); }
 
 }  // namespace vrx

@@ -6,8 +6,8 @@
 #include <limits>
 #include <utility>
 
+#include "feed/ration.h"
 #include "feed/record_fields.h"
-#include "feed/whole_number.h"
 
 namespace vrx {
 namespace {

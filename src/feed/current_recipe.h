@@ -6,9 +6,8 @@
 
 #include "database/records.h"
 #include "feed/batch_type.h"
-#include "feed/line_cells.h"
 #include "feed/ration.h"
-#include "feed/ration_totals.h"
+#include "feed/recipe_columns.h"
 
 // The recipe that the Recipes tab shows, and what the events of its grid do to it. Nothing here
 // knows of the database; RecipeEditor stores what these rules change.

@@ -8,7 +8,7 @@
 #include "base/number.h"
 #include "base/text.h"
 #include "database/connection.h"
-#include "feed/adjust_list.h"
+#include "feed/batch_type.h"
 #include "feed/recipe_storage.h"
 #include "feed/record_fields.h"
 

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <array>
+#include <cstddef>
 #include <cstdint>
 #include <stdexcept>
 
@@ -10,7 +11,43 @@
 #include "feed/key_filters.h"
 
 namespace vrx {
+
 namespace {
+
+constexpr std::array<RecordKindTraits, 3> kKinds = {{
+    {.kind = RecordKind::kIngredient,
+     .noun = "ingredient",
+     .plural = "ingredients",
+     .count = kIngredientCount,
+     .default_name_prefix = "ING",
+     .name_becomes_description = true,
+     .reset_title = "Set Ingredient Defaults",
+     .reset_question_end = " to its default values?",
+     .reset_refusal_end = " to its default values because it is currently being used in recipe(s).",
+     .reset_beeps = true},
+    {.kind = RecordKind::kRecipe,
+     .noun = "recipe",
+     .plural = "recipes",
+     .count = kRecipeCount,
+     .default_name_prefix = "REC",
+     .name_becomes_description = false,
+     .reset_title = "Set Recipe Defaults",
+     .reset_question_end = " to its default values and clear all ingredients in this recipe?",
+     .reset_refusal_end = "",
+     .reset_beeps = false},
+    {.kind = RecordKind::kPen,
+     .noun = "pen",
+     .plural = "pens",
+     .count = kPenCount,
+     .default_name_prefix = "PEN",
+     .name_becomes_description = true,
+     .reset_title = "Set Pen Defaults",
+     .reset_question_end = " to its default values?",
+     .reset_refusal_end = "",
+     .reset_beeps = false},
+}};
+
+constexpr std::size_t kRange = 100;  // pens by which the indicator's table grows
 
 std::string LeaveText(std::string_view text) {
   const std::size_t last = text.find_last_not_of(' ');
@@ -77,6 +114,40 @@ std::string Quoted(const RecordField& field) {
 }
 
 }  // namespace
+
+std::span<const RecordKindTraits> RecordKinds() { return kKinds; }
+
+const RecordKindTraits& TraitsOf(RecordKind kind) {
+  return kKinds.at(static_cast<std::size_t>(kind));
+}
+
+std::string DefaultName(RecordKind kind, int id) {
+  return std::string(TraitsOf(kind).default_name_prefix) + Format(id, "000");
+}
+
+std::string FormatIdPrefix(int id) {
+  constexpr std::size_t kWidth = 3;
+  std::string digits = std::to_string(id);
+  if (digits.size() < kWidth) {
+    digits.insert(0, kWidth - digits.size(), ' ');
+  }
+  return digits + ": ";
+}
+
+std::optional<int> CheckPenCapacity(std::span<const PenRecord> rows) {
+  const std::size_t end = std::min(rows.size(), static_cast<std::size_t>(kPenCount));
+  for (std::size_t row = end; row > kRange; --row) {
+    if (TextToLong(rows[row - 1].feed_amount) > 0) {
+      return static_cast<int>((row + kRange - 1) / kRange * kRange);
+    }
+  }
+  return std::nullopt;
+}
+
+std::string PenCapacityWarning(int size) {
+  return " This recipe requires a " + std::to_string(size) +
+         "-pen capacity option in the K2260 indicator.";
+}
 
 const RecordField& FieldOf(RecordKind kind, std::string_view name) {
   const auto* const field = std::find_if(

@@ -2,7 +2,7 @@
 
 #include <SQLiteCpp/Database.h>
 
-#include "feed/record_kind.h"
+#include "feed/record_fields.h"
 #include "platform/calendar.h"
 
 namespace vrx {

@@ -5,8 +5,8 @@
 
 #include "base/number.h"
 #include "base/text.h"
-#include "database/translated.h"
-#include "feed/record_kind.h"
+#include "database/connection.h"
+#include "feed/record_fields.h"
 
 namespace vrx {
 namespace {

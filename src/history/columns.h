@@ -2,6 +2,7 @@
 
 #include <array>
 #include <cstddef>
+#include <optional>
 #include <span>
 #include <string>
 #include <string_view>
@@ -9,9 +10,60 @@
 
 #include "database/records.h"
 #include "history/data_group.h"
-#include "history/history_column.h"
 
 namespace vrx {
+
+// The 112 columns of `grdTRANS`, which are the fields of a transaction in stored order. An index
+// counts from 1 and never changes; positions and captions do (history_columns.h).
+inline constexpr int kHistoryColumnCount = 112;
+inline constexpr int kTargetColumn = 7;
+inline constexpr int kActualBatchColumn = 8;
+inline constexpr int kActualFeedColumn = 11;
+inline constexpr int kIngPercentColumn = 12;
+inline constexpr int kFirstIngredientColumn = 13;
+
+// What a column's values are; it decides how they sort and how they read.
+enum class ColumnContent { kText, kNumber, kWeight, kTime, kDate };
+
+struct HistoryColumn {
+  int index;
+  std::string key;
+  std::string field;    // of the table Transactions
+  std::string caption;  // at design
+  std::string group_prefix;
+  bool right_aligned;
+  bool summed;
+  ColumnContent content;
+};
+
+// All of them, by index.
+std::span<const HistoryColumn> HistoryColumnTable();
+
+// Throws std::out_of_range for an index that is none.
+const HistoryColumn& HistoryColumnAt(int index);
+
+// 0 for a key, or a field, that no column has. Case does not count.
+int HistoryColumnOfKey(std::string_view key);
+int HistoryColumnOfField(std::string_view field);
+
+// The slot of an ingredient column, 1 to 100; 0 for another column.
+int IngredientSlot(int column);
+
+// The names of the ingredient columns, kept for the headings of an export. The table knows the keys
+// `Ing01Wt` to `Ing50Wt` without `Ing33Wt`, which never had a place in it.
+class IngredientColumnNames {
+ public:
+  void SetIngredientColumnName(std::string_view column_key, std::string_view name);
+
+  // "" for a key that the table does not know.
+  std::string GetIngredientColumnName(std::string_view column_key) const;
+
+ private:
+  static constexpr int kPlaces = 50;
+  static std::optional<std::size_t> Place(std::string_view column_key);
+
+  std::array<std::string, kPlaces> names_;
+};
 
 // What the grid's columns look like at the moment: captions, positions, which are seen, and where a
 // total row says "Total:". Positions count from 1 and are always a permutation: giving a column a

@@ -40,4 +40,7 @@ std::span<const DataGroup> DataGroups();
 // nullptr for an index that is none.
 const DataGroup* FindDataGroup(int index);
 
+// Whether a column means nothing on the rows of that depth.
+bool IsBlanked(const DataGroup& group, int depth, int column);
+
 }  // namespace vrx

@@ -1,12 +1,15 @@
 #include "history/group_query.h"
 
 #include <limits>
+#include <type_traits>
 #include <utility>
+#include <variant>
+
+#include <sqlite3.h>
 
 #include "database/schema.h"
-#include "database/transaction_ranges.h"
-#include "history/history_column.h"
-#include "history/statements.h"
+#include "database/transactions.h"
+#include "history/columns.h"
 
 namespace vrx {
 
@@ -54,6 +57,40 @@ std::string LevelCondition(const GroupLevel& level, int parameter) {
 }
 
 }  // namespace
+
+Statements::InUse::~InUse() {
+  // Its result is that of the step before, which was thrown then.
+  statement_.tryReset();
+}
+
+Statements::InUse Statements::Take(const std::string& text) {
+  return InUse(prepared_.try_emplace(text, database_, text).first->second);
+}
+
+CellValue ValueOf(const SQLite::Column& column) {
+  switch (column.getType()) {
+    case SQLITE_NULL:
+      return std::monostate();
+    case SQLITE_INTEGER:
+      return column.getInt64();
+    case SQLITE_FLOAT:
+      return column.getDouble();
+    default:
+      return column.getString();
+  }
+}
+
+void BindValue(SQLite::Statement& statement, int parameter, const CellValue& value) {
+  std::visit(
+      [&](const auto& stored) {
+        if constexpr (std::is_same_v<std::decay_t<decltype(stored)>, std::monostate>) {
+          statement.bind(parameter);
+        } else {
+          statement.bind(parameter, stored);
+        }
+      },
+      value);
+}
 
 GroupQuery::GroupQuery(const DataGroup& group, std::string_view name)
     : by_name_(!group.named_column.empty()),

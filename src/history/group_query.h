@@ -6,14 +6,53 @@
 #include <span>
 #include <string>
 #include <string_view>
+#include <unordered_map>
+#include <variant>
 #include <vector>
 
+#include <SQLiteCpp/Column.h>
+#include <SQLiteCpp/Database.h>
 #include <SQLiteCpp/Statement.h>
 
-#include "history/cell_value.h"
 #include "history/data_group.h"
 
 namespace vrx {
+
+// A value as a transaction database stores it: NULL, a whole number, a number, a text (UTF-8).
+using CellValue = std::variant<std::monostate, std::int64_t, double, std::string>;
+
+inline bool IsNull(const CellValue& value) { return std::holds_alternative<std::monostate>(value); }
+
+// The prepared statements of one view, by their text. One that is not in use is reset and
+// holds no lock; what was bound to it stays until it is bound again.
+class Statements {
+ public:
+  explicit Statements(SQLite::Database& database) : database_(database) {}
+
+  class InUse {
+   public:
+    explicit InUse(SQLite::Statement& statement) : statement_(statement) {}
+    ~InUse();
+    InUse(const InUse&) = delete;
+    InUse& operator=(const InUse&) = delete;
+
+    SQLite::Statement& operator*() { return statement_; }
+    SQLite::Statement* operator->() { return &statement_; }
+
+   private:
+    SQLite::Statement& statement_;
+  };
+
+  // Not again for the same text while it is in use. Throws SQLite::Exception.
+  InUse Take(const std::string& text);
+
+ private:
+  SQLite::Database& database_;
+  std::unordered_map<std::string, SQLite::Statement> prepared_;
+};
+
+CellValue ValueOf(const SQLite::Column& column);
+void BindValue(SQLite::Statement& statement, int parameter, const CellValue& value);
 
 // What the values of a level are ordered by: an expression and the lowest value it can have but
 // NULL.

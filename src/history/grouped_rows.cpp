@@ -1,28 +1,137 @@
 #include "history/grouped_rows.h"
 
+#include <algorithm>
+#include <cstddef>
+#include <cstdint>
+#include <iterator>
 #include <optional>
+#include <string>
 #include <type_traits>
+#include <unordered_map>
 #include <utility>
+#include <vector>
 
 #include <SQLiteCpp/Statement.h>
 #include <SQLiteCpp/Transaction.h>
 #include <sqlite3.h>
 
+#include "database/connection.h"
 #include "database/exact_sum.h"
 #include "database/schema.h"
-#include "database/transaction_ranges.h"
-#include "database/translated.h"
+#include "database/transactions.h"
+#include "history/columns.h"
+#include "history/data_group.h"
 #include "history/group_query.h"
-#include "history/group_totals.h"
-#include "history/history_column.h"
-#include "history/level_values.h"
 #include "history/outline.h"
 #include "history/record_pages.h"
-#include "history/statements.h"
 
 namespace vrx {
 
 namespace {
+
+// The sums of groups, computed when asked for the first time. Those of large groups are kept; of
+// the others, which are quick to come by, the ones asked for lately.
+class GroupTotals {
+ public:
+  // Statements and query outlive it. Throws std::out_of_range for a column that is none.
+  GroupTotals(Statements& statements, const GroupQuery& query, DataGroup group,
+              const std::vector<int>& columns);
+
+  // One that is not summed, or blanked on a level, gets no sum there: sums over the outer levels,
+  // which take longest, are mostly blanked. Throws std::out_of_range for one that is none.
+  void SetColumns(const std::vector<int>& columns);
+  // For an outline read anew.
+  void Forget() { totals_.clear(); }
+
+  // By column index less 1: the sums, 0 over no value, and NULL for every other column. Nothing
+  // where they have to be computed.
+  std::optional<std::vector<CellValue>> Find(const GroupPath& path) const;
+  // Throws SQLite::Exception.
+  std::vector<CellValue> Load(const Outline& outline, const GroupPath& path);
+
+ private:
+  struct Total {
+    std::int64_t records;
+    std::vector<double> sums;  // of the level's columns
+  };
+
+  const std::vector<int>& ColumnsOf(const GroupPath& path) const {
+    return columns_[path.size() - 1];
+  }
+  std::vector<CellValue> CellsOf(const GroupPath& path, const Total& total) const;
+
+  Statements& statements_;
+  const GroupQuery& query_;
+  DataGroup group_;
+  std::vector<std::vector<int>> columns_;            // by level
+  std::unordered_map<std::uint64_t, Total> totals_;  // by level and place
+};
+
+constexpr std::size_t kTotalsHeld = 4096;
+constexpr std::int64_t kLargeGroup = 1000;
+
+std::uint64_t KeyOf(const GroupPath& path) {
+  return static_cast<std::uint64_t>(path.size()) << 32U | path.back();
+}
+
+GroupTotals::GroupTotals(Statements& statements, const GroupQuery& query, DataGroup group,
+                         const std::vector<int>& columns)
+    : statements_(statements), query_(query), group_(std::move(group)) {
+  SetColumns(columns);
+}
+
+void GroupTotals::SetColumns(const std::vector<int>& columns) {
+  std::vector<std::vector<int>> by_level(group_.levels.size());
+  for (const int column : columns) {
+    const bool summed = HistoryColumnAt(column).summed;
+    int depth = 1;
+    for (std::vector<int>& level : by_level) {
+      if (summed && !IsBlanked(group_, depth, column)) {
+        level.push_back(column);
+      }
+      ++depth;
+    }
+  }
+  if (by_level != columns_) {
+    columns_ = std::move(by_level);
+    Forget();
+  }
+}
+
+std::optional<std::vector<CellValue>> GroupTotals::Find(const GroupPath& path) const {
+  if (ColumnsOf(path).empty()) {
+    return CellsOf(path, {});
+  }
+  const auto total = totals_.find(KeyOf(path));
+  return total == totals_.end() ? std::nullopt : std::optional(CellsOf(path, total->second));
+}
+
+std::vector<CellValue> GroupTotals::Load(const Outline& outline, const GroupPath& path) {
+  std::string text = "SELECT count(*)";
+  for (const int column : ColumnsOf(path)) {
+    text += ", exact_sum(" + Bracketed(HistoryColumnAt(column).field) + ")";
+  }
+  Statements::InUse statement = statements_.Take(text + query_.From(path.size()));
+  query_.Bind(*statement, outline.Values(path));
+  statement->executeStep();
+  Total total{.records = statement->getColumn(0).getInt64(), .sums = {}};
+  for (std::size_t i = 0; i < ColumnsOf(path).size(); ++i) {
+    total.sums.push_back(statement->getColumn(static_cast<int>(i) + 1).getDouble());  // 0 for NULL
+  }
+  if (totals_.size() >= kTotalsHeld) {
+    std::erase_if(totals_, [](const auto& held) { return held.second.records < kLargeGroup; });
+  }
+  return CellsOf(path, totals_.insert_or_assign(KeyOf(path), std::move(total)).first->second);
+}
+
+std::vector<CellValue> GroupTotals::CellsOf(const GroupPath& path, const Total& total) const {
+  const std::vector<int>& columns = ColumnsOf(path);
+  std::vector<CellValue> cells(kHistoryColumnCount);
+  for (std::size_t i = 0; i < columns.size(); ++i) {
+    cells[static_cast<std::size_t>(columns[i]) - 1] = total.sums[i];
+  }
+  return cells;
+}
 
 std::vector<int> SumsAtFirst() {
   return {HistoryColumnOfKey("Target"), HistoryColumnOfKey("ActualBatch"),

@@ -8,8 +8,8 @@
 
 #include <SQLiteCpp/Database.h>
 
-#include "history/cell_value.h"
 #include "history/data_group.h"
+#include "history/group_query.h"
 
 namespace vrx {
 

@@ -8,11 +8,26 @@
 #include <variant>
 #include <vector>
 
-#include "history/cell_value.h"
+#include "history/group_query.h"
 #include "history/grouped_rows.h"
-#include "history/row_sums.h"
 
 namespace vrx {
+
+// How many rows of the view something takes, and how many of them are records.
+struct RowSum {
+  std::int64_t rows = 0;
+  std::int64_t records = 0;
+};
+
+// Sums over a list that change and answer in O(log n): a binary indexed tree. The list holds what
+// each entry takes before BuildSums and the tree from then on.
+void BuildSums(std::span<RowSum> list);
+void AddToSums(std::span<RowSum> tree, std::size_t entry, RowSum change);
+RowSum TotalOf(std::span<const RowSum> tree);
+
+// The entry that a row lies in. `row` counts from 0, below the total, and becomes the place inside
+// the entry.
+std::size_t FindRow(std::span<const RowSum> tree, std::int64_t& row);
 
 // A group by its place on each level, from the outermost in; empty: the whole table.
 using GroupPath = std::vector<std::uint32_t>;
@@ -99,5 +114,19 @@ class Outline {
   std::int64_t unknown_ = 1;
   std::unordered_set<std::string> texts_;
 };
+
+// What an outline is filled from. None of it reads a record: an index answers all. They throw
+// SQLite::Exception.
+
+// The values of the next level inside the group with the values `outer`, ascending, NULL first.
+std::vector<CellValue> ReadLevelValues(Statements& statements, const GroupQuery& query,
+                                       std::span<const CellValue> outer);
+
+// Of an innermost group; without values of the whole table, as it is at the moment.
+std::int64_t CountRecords(Statements& statements, const GroupQuery& query,
+                          std::span<const CellValue> group);
+
+// Every group with its number of records, all open.
+Outline ReadWholeOutline(Statements& statements, const GroupQuery& query);
 
 }  // namespace vrx

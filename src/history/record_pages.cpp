@@ -1,18 +1,37 @@
 #include "history/record_pages.h"
 
 #include <algorithm>
+#include <cstdlib>
+#include <cstring>
+#include <iterator>
 #include <limits>
 #include <optional>
 #include <string>
 #include <utility>
 
+#include <SQLiteCpp/Column.h>
+#include <SQLiteCpp/Statement.h>
+
 #include "database/schema.h"
-#include "database/transaction_ranges.h"
-#include "history/history_column.h"
+#include "database/transactions.h"
+#include "history/columns.h"
 
 namespace vrx {
 
 namespace {
+
+constexpr std::size_t kBlockLength = 8192;
+
+// How many records lie between two marks of a walk.
+constexpr std::int64_t kStride = 4096;
+
+constexpr std::int64_t kLowest = std::numeric_limits<std::int64_t>::min();
+constexpr std::int64_t kHighest = std::numeric_limits<std::int64_t>::max();
+
+// Without a sign: two rowids can lie further apart than the largest of them.
+std::uint64_t Distance(std::int64_t from, std::int64_t to) {
+  return static_cast<std::uint64_t>(to) - static_cast<std::uint64_t>(from);
+}
 
 constexpr std::int64_t kPageLength = 32;
 // A record takes about 5 kB.
@@ -39,7 +58,216 @@ std::string SelectListed() {
          std::string(kTransactionsTable) + " AS t ON t.rowid = listed.value ORDER BY listed.key";
 }
 
+// The records of a query that selects the rowid before all columns, with their rowids: NULL, of a
+// record that is listed and gone, reads as kNoRowid.
+std::vector<RecordPages::Record> ReadRecords(SQLite::Statement& statement,
+                                             std::vector<std::int64_t>& rowids) {
+  std::vector<RecordPages::Record> records;
+  while (statement.executeStep()) {
+    rowids.push_back(statement.getColumn(0).getInt64());
+    RecordPages::Record& record = records.emplace_back(kHistoryColumnCount);
+    for (int column = 1; column <= kHistoryColumnCount; ++column) {
+      record[static_cast<std::size_t>(column) - 1] = ValueOf(statement.getColumn(column));
+    }
+  }
+  return records;
+}
+
 }  // namespace
+
+void RecordOrder::Append(std::int64_t rowid) {
+  if (last_.rowids.size() == kBlockLength) {
+    StoreLast();
+  }
+  last_.rowids.push_back(rowid);
+}
+
+void RecordOrder::StoreLast() {
+  if (!file_) {
+    // Without a name the engine makes a file of its own that is gone when it is closed.
+    file_.emplace("", SQLite::OPEN_READWRITE | SQLite::OPEN_CREATE);
+    file_->exec("PRAGMA journal_mode=OFF; PRAGMA cache_size=-256");  // kB
+    file_->exec("CREATE TABLE Block (Number INTEGER PRIMARY KEY, Rowids BLOB)");
+  }
+  SQLite::Statement insert(*file_, "INSERT INTO Block VALUES (?, ?)");
+  insert.bind(1, last_.number);
+  insert.bindNoCopy(2, last_.rowids.data(),
+                    static_cast<int>(last_.rowids.size() * sizeof(std::int64_t)));
+  insert.exec();
+  ++last_.number;
+  last_.rowids.clear();
+}
+
+const RecordOrder::Block& RecordOrder::BlockOf(std::int64_t number) {
+  if (number >= last_.number) {
+    return last_;
+  }
+  if (number != loaded_.number) {
+    SQLite::Statement query(*file_, "SELECT Rowids FROM Block WHERE Number = ?");
+    query.bind(1, number);
+    query.executeStep();
+    const SQLite::Column rowids = query.getColumn(0);
+    Block block{.number = number, .rowids = {}};
+    block.rowids.resize(static_cast<std::size_t>(rowids.getBytes()) / sizeof(std::int64_t));
+    std::memcpy(block.rowids.data(), rowids.getBlob(), block.rowids.size() * sizeof(std::int64_t));
+    loaded_ = std::move(block);
+  }
+  return loaded_;
+}
+
+std::optional<std::int64_t> RecordOrder::Find(std::int64_t rowid) {
+  for (std::int64_t number = 0; number <= last_.number; ++number) {
+    const std::vector<std::int64_t>& rowids = BlockOf(number).rowids;
+    const auto found = std::find(rowids.begin(), rowids.end(), rowid);
+    if (found != rowids.end()) {
+      return number * static_cast<std::int64_t>(kBlockLength) + (found - rowids.begin());
+    }
+  }
+  return std::nullopt;
+}
+
+std::vector<std::int64_t> RecordOrder::Slice(std::int64_t first, std::size_t length) {
+  std::vector<std::int64_t> slice;
+  while (slice.size() < length) {
+    const auto place = static_cast<std::size_t>(first) + slice.size();
+    const Block& block = BlockOf(static_cast<std::int64_t>(place / kBlockLength));
+    const std::size_t offset = place - static_cast<std::size_t>(block.number) * kBlockLength;
+    if (offset >= block.rowids.size()) {
+      break;
+    }
+    slice.push_back(block.rowids[offset]);
+  }
+  return slice;
+}
+
+RecordPlaces::RecordPlaces(Statements& statements, const GroupQuery& query,
+                           std::vector<CellValue> group, std::int64_t count)
+    : statements_(statements), query_(query), group_(std::move(group)), count_(count) {}
+
+std::optional<std::int64_t> RecordPlaces::LowestRowid(std::int64_t place) {
+  if (place == 0) {
+    return kLowest;
+  }
+  if (place == noted_.first) {
+    return noted_.second;
+  }
+  if (marks_.empty()) {
+    MarkEnds();
+  }
+  const auto above = marks_.lower_bound(place);
+  if (above == marks_.begin() || above == marks_.end()) {
+    return std::nullopt;
+  }
+  const Mark below = Below(place);
+  if (Distance(below.second, above->second) == Distance(below.first, above->first)) {
+    return below.second + (place - below.first);  // no gap between
+  }
+  return place - below.first <= above->first - place ? Walk(below, place, Direction::kUp)
+                                                     : Walk(*above, place, Direction::kDown);
+}
+
+void RecordPlaces::MarkEnds() {
+  const std::optional<std::int64_t> first = Skip(kLowest, 0, Direction::kUp);
+  const std::optional<std::int64_t> last = Skip(kHighest, 0, Direction::kDown);
+  if (first && last) {
+    marks_.emplace(0, *first);
+    marks_.emplace(count_ - 1, *last);
+  }
+}
+
+RecordPlaces::Mark RecordPlaces::Below(std::int64_t place) const {
+  const Mark below = *std::prev(marks_.lower_bound(place));
+  return noted_.first > below.first && noted_.first < place ? Mark(noted_) : below;
+}
+
+std::optional<std::int64_t> RecordPlaces::Walk(Mark from, std::int64_t place, Direction direction) {
+  std::int64_t at = from.first;
+  std::optional<std::int64_t> rowid = from.second;
+  while (rowid && at != place) {
+    const std::int64_t records = std::min(kStride, std::abs(place - at));
+    rowid = Skip(*rowid, records, direction);
+    at += direction == Direction::kUp ? records : -records;
+    if (rowid && records == kStride) {
+      marks_.emplace(at, *rowid);
+    }
+  }
+  return rowid;
+}
+
+// The rowid that many records past the first one that is not ahead of `rowid`.
+std::optional<std::int64_t> RecordPlaces::Skip(std::int64_t rowid, std::int64_t records,
+                                               Direction direction) {
+  const std::string order = direction == Direction::kUp ? " AND rowid >= ?5 ORDER BY rowid"
+                                                        : " AND rowid <= ?5 ORDER BY rowid DESC";
+  Statements::InUse statement =
+      statements_.Take("SELECT rowid" + query_.From(group_.size()) + order + " LIMIT 1 OFFSET ?6");
+  query_.Bind(*statement, group_);
+  statement->bind(GroupQuery::kFirstOwnParameter, rowid);
+  statement->bind(GroupQuery::kFirstOwnParameter + 1, records);
+  return statement->executeStep() ? std::optional(statement->getColumn(0).getInt64())
+                                  : std::nullopt;
+}
+
+RecordRanges::RecordRanges(Statements& statements, const GroupQuery& query,
+                           std::vector<CellValue> group)
+    : statements_(statements), query_(query), group_(std::move(group)) {
+  const std::string text =
+      "SELECT count(*), min(rowid), max(rowid)" + query_.FromRange(group_.size());
+  for (const std::int64_t number : query_.Ranges()) {
+    Statements::InUse statement = statements_.Take(text);
+    query_.BindRange(*statement, group_, number);
+    statement->executeStep();
+    if (const std::int64_t records = statement->getColumn(0).getInt64(); records > 0) {
+      ranges_.push_back({.number = number,
+                         .first_rowid = statement->getColumn(1).getInt64(),
+                         .last_rowid = statement->getColumn(2).getInt64(),
+                         .records = records,
+                         .place = 0});
+    }
+  }
+  std::sort(ranges_.begin(), ranges_.end(), [](const Range& one, const Range& other) {
+    return one.first_rowid < other.first_rowid;
+  });
+  const auto overlap = std::adjacent_find(
+      ranges_.begin(), ranges_.end(),
+      [](const Range& one, const Range& next) { return next.first_rowid < one.last_rowid; });
+  stored_in_turn_ = overlap == ranges_.end();
+  std::int64_t place = 0;
+  for (Range& range : ranges_) {
+    range.place = std::exchange(place, place + range.records);
+  }
+}
+
+std::vector<std::int64_t> RecordRanges::Rowids(std::int64_t first, std::size_t length) const {
+  std::vector<std::int64_t> rowids;
+  auto range =
+      std::upper_bound(ranges_.begin(), ranges_.end(), first,
+                       [](std::int64_t place, const Range& other) { return place < other.place; });
+  if (range != ranges_.begin()) {
+    --range;
+  }
+  const std::int64_t end = first + static_cast<std::int64_t>(length);
+  for (; range != ranges_.end() && range->place < end; ++range) {
+    const std::int64_t offset = std::max<std::int64_t>(first - range->place, 0);
+    const std::int64_t count = std::min(range->records, end - range->place) - offset;
+    if (count > 0) {
+      AppendRowids(*range, offset, count, rowids);
+    }
+  }
+  return rowids;
+}
+
+void RecordRanges::AppendRowids(const Range& range, std::int64_t offset, std::int64_t count,
+                                std::vector<std::int64_t>& rowids) const {
+  Statements::InUse statement = statements_.Take("SELECT rowid" + query_.FromRange(group_.size()) +
+                                                 " ORDER BY rowid LIMIT ?5 OFFSET ?6");
+  query_.BindRange(*statement, group_, range.number);
+  statement->bind(GroupQuery::kFirstOwnParameter, count);
+  statement->bind(GroupQuery::kFirstOwnParameter + 1, offset);
+  while (statement->executeStep()) {
+    rowids.push_back(statement->getColumn(0).getInt64());
+  }
+}
 
 void RecordPages::SortBy(RecordSort sort) {
   const auto& levels = query_.Levels();
@@ -145,25 +373,6 @@ const RecordPages::Page& RecordPages::Hold(Page page) {
   }
   return pages_.front();
 }
-
-namespace {
-
-// The records of a query that selects the rowid before all columns, with their rowids: NULL, of a
-// record that is listed and gone, reads as kNoRowid.
-std::vector<RecordPages::Record> ReadRecords(SQLite::Statement& statement,
-                                             std::vector<std::int64_t>& rowids) {
-  std::vector<RecordPages::Record> records;
-  while (statement.executeStep()) {
-    rowids.push_back(statement.getColumn(0).getInt64());
-    RecordPages::Record& record = records.emplace_back(kHistoryColumnCount);
-    for (int column = 1; column <= kHistoryColumnCount; ++column) {
-      record[static_cast<std::size_t>(column) - 1] = ValueOf(statement.getColumn(column));
-    }
-  }
-  return records;
-}
-
-}  // namespace
 
 void RecordPages::ReadSmall(Page& page, std::span<const CellValue> values, std::size_t length) {
   const std::string order = IsReordered() || query_.IsRanged()

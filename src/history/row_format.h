@@ -1,13 +1,15 @@
 #pragma once
 
+#include <cstdint>
+#include <optional>
 #include <string>
+#include <string_view>
 #include <vector>
 
-#include "history/cell_value.h"
 #include "history/columns.h"
 #include "history/data_group.h"
+#include "history/group_query.h"
 #include "history/grouped_rows.h"
-#include "history/history_column.h"
 
 namespace vrx {
 
@@ -29,9 +31,6 @@ std::string ShownValue(const HistoryColumn& column, const CellValue& value);
 // The group prefix of the level's column, directly followed by the value.
 std::string GroupCaption(const DataGroup& group, int depth, const CellValue& value);
 
-// Whether a column means nothing on the rows of that depth.
-bool IsBlanked(const DataGroup& group, int depth, int column);
-
 // A cell of a record or total row, whether its column is visible or not. A total row shows its
 // sums, a sum over nothing as 0, and "Total:"; where the depth says so, and for a batch or feed
 // weight of 0, nothing.
@@ -39,5 +38,45 @@ std::string ShownCell(const HistoryRow& row, const DataGroup& group, const Histo
                       int column);
 
 ShownRow FormatRow(const HistoryRow& row, const DataGroup& group, const HistoryColumns& columns);
+
+// The format styles of the history grid.
+enum class FormatStyle {
+  kDefault,
+  kSelectedRow,
+  kOddRow,
+  kEvenRow,
+  kRowGroup,
+  kPreviewRow,
+  kFeedStyle,
+  kBatchStyle,
+  kTargetStyle
+};
+
+// A colour told by its role on the desktop, for which the palette has its own.
+enum class SystemColor { kHighlight, kHighlightText, kWindow, kWindowText, kInfoBack };
+
+struct StyleColor {
+  std::optional<SystemColor> system = {};
+  std::uint32_t rgb = 0;  // 0xRRGGBB, where it is no system colour
+};
+
+// What a style sets; nothing leaves it as `Default` has it.
+struct FormatStyleLook {
+  FormatStyle style;
+  std::string_view name;
+  std::optional<StyleColor> text;
+  std::optional<StyleColor> back;
+  std::string_view font;  // the family
+  double points;          // 0: not set
+  bool bold;
+};
+
+const FormatStyleLook& LookOf(FormatStyle style);
+
+// Of a row by its number in the grid: records are striped.
+FormatStyle RowStyle(HistoryRowKind kind, std::int64_t row);
+
+// Of a cell, over its row's: the weights of a total row are told apart by colour.
+std::optional<FormatStyle> CellStyle(HistoryRowKind kind, int column);
 
 }  // namespace vrx

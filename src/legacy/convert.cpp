@@ -1,25 +1,31 @@
 #include "legacy/convert.h"
 
 #include <algorithm>
+#include <cerrno>
+#include <filesystem>
 #include <limits>
 #include <memory>
+#include <random>
+#include <string>
 #include <system_error>
 #include <utility>
 #include <vector>
 
+#include <SQLiteCpp/Database.h>
 #include <SQLiteCpp/Exception.h>
+#include <SQLiteCpp/Transaction.h>
 
 #include "base/files.h"
 #include "base/sha256.h"
+#include "base/sync.h"
 #include "base/text.h"
-#include "database/database_error.h"
-#include "database/kind_words.h"
+#include "database/connection.h"
+#include "database/identity.h"
+#include "database/schema.h"
 #include "legacy/field_rule.h"
 #include "legacy/identity_rows.h"
 #include "legacy/jet_file.h"
-#include "legacy/legacy_error.h"
-#include "legacy/new_file.h"
-#include "legacy/read_rows.h"
+#include "legacy/row_stream.h"
 #include "legacy/table_conversion.h"
 
 namespace vrx {
@@ -27,6 +33,109 @@ namespace vrx {
 namespace fs = std::filesystem;
 
 namespace {
+
+// A database in the making: a copy of the blank template beside the path that it is to have, and
+// one transaction on it. One that goes without TakePlace leaves nothing behind, and whatever else
+// stands at the path is never replaced. Throws FileError and DatabaseError, with the path
+// untouched.
+class NewDatabaseFile {
+ public:
+  // The path itself must not exist.
+  NewDatabaseFile(const std::filesystem::path& path, const std::filesystem::path& program_directory,
+                  DatabaseKind kind);
+  ~NewDatabaseFile();
+  NewDatabaseFile(const NewDatabaseFile&) = delete;
+  NewDatabaseFile& operator=(const NewDatabaseFile&) = delete;
+
+  SQLite::Database& Connection() { return *connection_; }
+
+  // Commits, and gives the file its name once its bytes are on the disk. Called once, with no
+  // statement left.
+  void TakePlace();
+
+ private:
+  void RemoveSide();
+
+  std::filesystem::path path_;
+  std::filesystem::path side_;
+  std::unique_ptr<SQLite::Database> connection_;
+  std::unique_ptr<SQLite::Transaction> transaction_;
+};
+
+// In kilobytes: the indexes of a table of transactions take no order that a small cache would hold.
+constexpr const char* kLargeCache = "PRAGMA cache_size=-65536";
+
+[[noreturn]] void RefuseExisting(const fs::path& path) {
+  throw FileError(path.string() + " already exists; choose another name");
+}
+
+[[noreturn]] void Fail(const fs::path& path, const std::error_code& why) {
+  throw FileError("cannot write " + path.string() + ": " + why.message());
+}
+
+void CopyTemplate(const fs::path& blank, const fs::path& side, const fs::path& path) {
+  if (!FileExists(blank)) {
+    throw FileError(blank.string() + " does not exist; install the program again");
+  }
+  std::error_code error;
+  if (!fs::copy_file(blank, side, error)) {
+    Fail(path, error);
+  }
+  // A template may be write-protected, and its copy with it.
+  fs::permissions(side, fs::perms::owner_read | fs::perms::owner_write, fs::perm_options::add,
+                  error);
+}
+
+NewDatabaseFile::NewDatabaseFile(const fs::path& path, const fs::path& program_directory,
+                                 DatabaseKind kind)
+    : path_(path), side_(path.string() + "." + std::to_string(std::random_device{}()) + ".tmp") {
+  if (FileExists(path_)) {
+    RefuseExisting(path_);
+  }
+  try {
+    CopyTemplate(program_directory / WordsOf(kind).template_name, side_, path_);
+    connection_ = std::make_unique<SQLite::Database>(OpenDatabase(side_, Access::kWrite));
+    Translated(*connection_, [this] {
+      connection_->exec(kLargeCache);
+      transaction_ = std::make_unique<SQLite::Transaction>(*connection_);
+    });
+  } catch (...) {
+    RemoveSide();
+    throw;
+  }
+}
+
+NewDatabaseFile::~NewDatabaseFile() { RemoveSide(); }
+
+void NewDatabaseFile::TakePlace() {
+  Translated(*connection_, [this] { transaction_->commit(); });
+  transaction_.reset();
+  connection_.reset();
+  if (const std::error_code unsynced = SyncToDisk(side_)) {
+    Fail(path_, unsynced);
+  }
+  // A second name fails where the first one exists already. Not every disk has second names.
+  std::error_code error;
+  fs::create_hard_link(side_, path_, error);
+  if (!error) {
+    return;
+  }
+  if (FileExists(path_)) {
+    RefuseExisting(path_);
+  }
+  fs::rename(side_, path_, error);
+  if (error) {
+    Fail(path_, error);
+  }
+}
+
+void NewDatabaseFile::RemoveSide() {
+  transaction_.reset();
+  connection_.reset();
+  std::error_code ignored;
+  fs::remove(side_, ignored);
+  fs::remove(side_.string() + "-journal", ignored);
+}
 
 constexpr std::uint64_t kRowsOfAStep = 100;
 
@@ -220,6 +329,38 @@ class Conversion : public LegacyRowSink {
   std::unique_ptr<TableConversion> table_;
 };
 
+constexpr std::uintmax_t kBytesOfASecond = std::uintmax_t{1} << 20U;
+constexpr std::chrono::seconds kShortest{10};
+constexpr std::chrono::seconds kLongest{3600};
+
+constexpr std::string_view kRemedy =
+    " Copy it again from where it was made, or take an older backup.";
+
+[[noreturn]] void Damaged(const LegacyFile& file, const std::string& how) {
+  throw LegacyError(file.path.filename().string() + " is damaged: " + how + "." +
+                    std::string(kRemedy));
+}
+
+[[noreturn]] void NotRun(const LegacyFile& file, const std::string& how) {
+  throw LegacyError("The program " + file.reader.string() + ", which reads such files, " + how +
+                    ". Install the program again.");
+}
+
+[[noreturn]] void TellExit(const LegacyFile& file, int code) {
+  const std::string name = file.path.filename().string();
+  if (const std::optional<JetFileKind> kind = RefusedKindOf(code)) {
+    throw LegacyError(JetFileRefusal(*kind, name));
+  }
+  switch (code) {
+    case kReaderFoundNoTables:
+      Damaged(file, "its list of tables cannot be read");
+    case kReaderFailed:
+      throw LegacyError(name + " cannot be read.");
+    default:
+      NotRun(file, "is not the right one (it ended with code " + std::to_string(code) + ")");
+  }
+}
+
 }  // namespace
 
 ConversionReport ConvertLegacyDatabase(const LegacyConversion& wanted,
@@ -228,6 +369,49 @@ ConversionReport ConvertLegacyDatabase(const LegacyConversion& wanted,
     return Conversion(wanted, ports).Run();
   } catch (const SQLite::Exception& failure) {
     throw TranslateSqliteError(failure, wanted.new_file);
+  }
+}
+
+ProgramLimits LimitsForFile(std::uintmax_t size) {
+  const auto seconds = kShortest + std::chrono::seconds(size / kBytesOfASecond);
+  return {.processor = std::min<std::chrono::seconds>(seconds, kLongest)};
+}
+
+void ReadLegacyRows(ProgramRunner& runner, const LegacyFile& file,
+                    const std::vector<std::string>& tables, LegacyRowSink& sink,
+                    const std::function<bool()>& go_on) {
+  RowStreamReader rows(sink);
+  std::vector<std::string> arguments{std::filesystem::absolute(file.path).string()};
+  arguments.insert(arguments.end(), tables.begin(), tables.end());
+  ProgramOutcome outcome;
+  try {
+    outcome =
+        runner.Run({.path = file.reader, .arguments = std::move(arguments), .limits = file.limits},
+                   [&](std::string_view bytes) {
+                     rows.Take(bytes);
+                     return go_on();
+                   });
+  } catch (const RowStreamError& failure) {
+    NotRun(file, std::string("is not the right one: ") + failure.what());
+  }
+  switch (outcome.end) {
+    case ProgramEnd::kStopped:
+      throw ConversionStopped("the conversion was stopped");
+    case ProgramEnd::kNotStarted:
+      NotRun(file, "cannot be started: " +
+                       std::error_code(outcome.code, std::generic_category()).message());
+    case ProgramEnd::kOutOfTime:
+      Damaged(file, "reading it does not come to an end");
+    case ProgramEnd::kCrashed:
+      Damaged(file, "its reader was ended by signal " + std::to_string(outcome.code));
+    case ProgramEnd::kExited:
+      break;
+  }
+  if (outcome.code != 0) {
+    TellExit(file, outcome.code);
+  }
+  if (!rows.Ended()) {
+    NotRun(file, "is not the right one: its rows have no end");
   }
 }
 

@@ -6,7 +6,6 @@
 #include "base/text.h"
 #include "database/records.h"
 #include "feed/record_fields.h"
-#include "feed/record_kind.h"
 
 namespace vrx {
 namespace {

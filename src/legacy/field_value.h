@@ -6,8 +6,9 @@
 #include <variant>
 #include <vector>
 
+#include "base/date.h"
 #include "legacy/field_rule.h"
-#include "legacy/legacy_rows.h"
+#include "legacy/row_stream.h"
 
 namespace vrx {
 
@@ -31,5 +32,16 @@ std::string Shown(const LegacyValue& value);
 
 // The number that a value stands for, texts read as numbers; nothing for no finite number.
 std::optional<double> NumberOf(const LegacyValue& value);
+
+struct JetMoment {
+  Date date;
+  TimeOfDay time;
+};
+
+// To the nearest second. Nothing for what is no date of the years 100 to 9999.
+std::optional<JetMoment> ToMoment(JetDate stored);
+
+// The day of a time that stands alone: 1899-12-30.
+bool IsDayZero(const Date& date);
 
 }  // namespace vrx

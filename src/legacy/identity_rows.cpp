@@ -7,14 +7,12 @@
 #include "base/date.h"
 #include "base/text.h"
 #include "database/identity.h"
-#include "database/kind_words.h"
 #include "legacy/field_value.h"
-#include "legacy/jet_date.h"
 
 namespace vrx {
 namespace {
 
-std::string TextOf(const LegacyValue& value) {
+std::string TextOrEmpty(const LegacyValue& value) {
   const auto* const text = std::get_if<std::string>(&value);
   return text == nullptr ? std::string() : *text;
 }
@@ -63,7 +61,7 @@ LegacyValue IdentityRows::Value(const Part& part, std::string_view column) const
 }
 
 std::optional<DatabaseKind> IdentityRows::MarkedKind() const {
-  const std::string type = TextOf(Value(marker_, kTypeField.column));
+  const std::string type = TextOrEmpty(Value(marker_, kTypeField.column));
   for (const DatabaseKind kind : {DatabaseKind::kRecipe, DatabaseKind::kTransaction}) {
     if (type == WordsOf(kind).user_type || type == WordsOf(kind).blank_type) {
       return kind;
@@ -93,7 +91,7 @@ void IdentityRows::Store(SQLite::Database& database, DatabaseKind kind,
 void IdentityRows::StoreMarker(SQLite::Database& database, DatabaseKind kind) {
   const std::string wanted(WordsOf(kind).user_type);
   const LegacyValue found = Value(marker_, kTypeField.column);
-  if (TextOf(found) != wanted) {
+  if (TextOrEmpty(found) != wanted) {
     Repaired(marker_, std::string(kTypeField.column) + " was " + Shown(found) +
                           ", which is not the mark of such a file; " + wanted + " was stored");
   }
@@ -102,11 +100,11 @@ void IdentityRows::StoreMarker(SQLite::Database& database, DatabaseKind kind) {
 
 void IdentityRows::StoreUnit(SQLite::Database& database, const std::string& default_unit) {
   const LegacyValue found = Value(units_, kUnitField.column);
-  unit_ = UpperCase(TrimBlanks(TextOf(found)));
+  unit_ = UpperCase(TrimBlanks(TextOrEmpty(found)));
   if (unit_ != "LB" && unit_ != "KG") {
     unit_ = default_unit;
   }
-  if (TextOf(found) != unit_) {
+  if (TextOrEmpty(found) != unit_) {
     Repaired(units_, std::string(kUnitField.column) + " was " + Shown(found) + "; " + unit_ +
                          " was stored");
   }

@@ -7,7 +7,7 @@
 
 #include "database/schema.h"
 #include "legacy/conversion_report.h"
-#include "legacy/legacy_rows.h"
+#include "legacy/row_stream.h"
 
 namespace vrx {
 

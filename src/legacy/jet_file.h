@@ -2,8 +2,11 @@
 
 #include <cstdint>
 #include <filesystem>
+#include <optional>
 #include <string>
 #include <string_view>
+
+// The exit codes of vrx2260jet; 0 with a whole row stream on standard output.
 
 namespace vrx {
 
@@ -35,5 +38,18 @@ bool IsJetFile(JetFileKind kind);
 
 // Why a file of that kind is not converted and what can be done, as sentences; empty for kJet4.
 std::string JetFileRefusal(JetFileKind kind, std::string_view name);
+
+inline constexpr int kReaderFailed = 1;  // the file or the pipe
+inline constexpr int kReaderWrongUsage = 2;
+inline constexpr int kReaderFoundNoTables = 3;  // damaged
+inline constexpr int kReaderRefused = 16;       // and the number of the file's kind on top
+
+constexpr int ReaderExitOf(JetFileKind kind) { return kReaderRefused + static_cast<int>(kind); }
+
+constexpr std::optional<JetFileKind> RefusedKindOf(int code) {
+  const int kind = code - kReaderRefused;
+  return kind > 0 && kind < kJetFileKinds ? std::optional(static_cast<JetFileKind>(kind))
+                                          : std::nullopt;
+}
 
 }  // namespace vrx

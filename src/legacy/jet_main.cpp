@@ -8,7 +8,6 @@
 #include "base/files.h"
 #include "legacy/jet_file.h"
 #include "legacy/jet_reader.h"
-#include "legacy/reader_exit.h"
 #include "legacy/row_stream.h"
 
 namespace {

@@ -5,7 +5,7 @@
 #include <vector>
 
 #include "base/error.h"
-#include "legacy/legacy_rows.h"
+#include "legacy/row_stream.h"
 
 namespace vrx {
 

@@ -7,7 +7,7 @@ namespace vrx {
 namespace {
 
 constexpr std::string_view kCompressedMark = "\xFF\xFE";
-constexpr char32_t kUnreadable = 0xFFFD;
+constexpr char32_t kReplacement = 0xFFFD;
 
 bool IsHighSurrogate(char32_t unit) { return unit >= 0xD800 && unit < 0xDC00; }
 bool IsLowSurrogate(char32_t unit) { return unit >= 0xDC00 && unit < 0xE000; }
@@ -40,7 +40,7 @@ std::u32string Utf16Units(std::string_view bytes) {
   std::u32string units;
   for (std::size_t at = 0; at < bytes.size(); at += 2) {
     const bool whole = at + 1 < bytes.size();
-    units.push_back(whole ? ByteAt(bytes, at) | ByteAt(bytes, at + 1) << 8U : kUnreadable);
+    units.push_back(whole ? ByteAt(bytes, at) | ByteAt(bytes, at + 1) << 8U : kReplacement);
   }
   return units;
 }
@@ -56,7 +56,7 @@ std::u32string CompressedUnits(std::string_view bytes) {
       units.push_back(ByteAt(bytes, at) | ByteAt(bytes, at + 1) << 8U);
       ++at;
     } else {
-      units.push_back(single ? ByteAt(bytes, at) : kUnreadable);
+      units.push_back(single ? ByteAt(bytes, at) : kReplacement);
     }
     ++at;
   }
@@ -76,7 +76,7 @@ std::string DecodeJetText(std::string_view stored) {
       ++at;
       AppendUtf8(text, 0x10000 + ((unit - 0xD800) << 10U) + (units[at] - 0xDC00));
     } else {
-      AppendUtf8(text, IsHighSurrogate(unit) || IsLowSurrogate(unit) ? kUnreadable : unit);
+      AppendUtf8(text, IsHighSurrogate(unit) || IsLowSurrogate(unit) ? kReplacement : unit);
     }
   }
   return text;

@@ -11,9 +11,9 @@
 #include "base/date.h"
 #include "base/number.h"
 #include "base/text.h"
+#include "database/connection.h"
 #include "database/records.h"
-#include "database/translated.h"
-#include "legacy/jet_date.h"
+#include "legacy/field_value.h"
 
 namespace vrx {
 namespace {
@@ -73,7 +73,7 @@ std::string OutOfRange(const FieldRule& rule, const LegacyValue& value) {
          std::to_string(rule.smallest) + " to " + std::to_string(rule.largest);
 }
 
-std::optional<JetMoment> MomentOf(const LegacyValue& value) {
+std::optional<JetMoment> DateMoment(const LegacyValue& value) {
   const auto* const stored = std::get_if<JetDate>(&value);
   return stored == nullptr ? std::nullopt : ToMoment(*stored);
 }
@@ -258,8 +258,8 @@ void TableConversion::SettleIds() {
 // Either of the two may have been kept as a full moment: the other part stands in where it is
 // missing.
 void TableConversion::SettleMoment(const LegacyRow& row) {
-  const std::optional<JetMoment> date = MomentOf(ValueOf(sources_[*date_], row));
-  const std::optional<JetMoment> time = MomentOf(ValueOf(sources_[*time_], row));
+  const std::optional<JetMoment> date = DateMoment(ValueOf(sources_[*date_], row));
+  const std::optional<JetMoment> time = DateMoment(ValueOf(sources_[*time_], row));
   if (time && !IsDayZero(time->date)) {
     const std::string day = StoredText(time->date);
     if (std::holds_alternative<std::monostate>(values_[*date_])) {

@@ -13,7 +13,7 @@
 #include "legacy/conversion_report.h"
 #include "legacy/field_rule.h"
 #include "legacy/field_value.h"
-#include "legacy/legacy_rows.h"
+#include "legacy/row_stream.h"
 
 namespace vrx {
 

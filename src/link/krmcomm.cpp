@@ -4,7 +4,6 @@
 
 #include "base/error.h"
 #include "base/number.h"
-#include "link/control_characters.h"
 #include "settings/settings.h"
 
 namespace vrx {

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <algorithm>
 #include <array>
 #include <cstddef>
 #include <cstdint>
@@ -8,14 +9,87 @@
 #include <string_view>
 #include <utility>
 
-#include "link/file_attributes.h"
+#include "base/error.h"
 #include "link/line_guard.h"
-#include "link/one_shot_timer.h"
 #include "platform/event_pump.h"
 #include "platform/operator.h"
 #include "platform/serial_control.h"
 
+// Control characters of the module protocol, by their ASCII names.
+namespace vrx::KRMConst {
+
+inline constexpr char FF = 0x0C;   // alternative start mark of a report file
+inline constexpr char DC4 = 0x14;  // command: clear memory
+inline constexpr char NAK = 0x15;  // command: send memory contents
+inline constexpr char SYN = 0x16;  // command: set 1200 baud
+inline constexpr char ETB = 0x17;  // command: set 2400 baud
+inline constexpr char CAN = 0x18;  // command: set 9600 baud
+inline constexpr char EM = 0x19;   // command: set 19200 baud
+inline constexpr char FS = 0x1C;   // command: send all of memory
+inline constexpr char US = 0x1F;   // closes every reply
+
+}  // namespace vrx::KRMConst
+
 namespace vrx {
+
+// A timer that runs out once. Whoever waits asks it between two pumps and acts when it is due.
+class OneShotTimer {
+ public:
+  explicit OneShotTimer(Milliseconds interval) : interval_(interval) {}
+
+  // Takes effect at the next Enable.
+  void SetInterval(Milliseconds interval) { interval_ = interval; }
+
+  // Starts the full interval, also while it is running.
+  void Enable(Milliseconds now) {
+    end_ = now + interval_;
+    enabled_ = true;
+  }
+  void Disable() { enabled_ = false; }
+
+  bool Enabled() const { return enabled_; }
+  bool Due(Milliseconds now) const { return enabled_ && now >= end_; }
+  Milliseconds Left(Milliseconds now) const { return std::max(Milliseconds{0}, end_ - now); }
+
+ private:
+  Milliseconds interval_;
+  Milliseconds end_{0};
+  bool enabled_ = false;
+};
+
+inline constexpr int kMaxDataFiles = 99;
+
+enum class DataFileType { kUnknown = 0, kTransaction = 1, kRecipeBackup = 2, kReport = 3 };
+
+inline constexpr std::string_view kTransactionMark = "{BAT/FED}";
+inline constexpr std::string_view kRecipeMark = "{DATA_IN}";
+inline constexpr std::string_view kReportMark = "{REPORT}";
+
+// Where a file lies in the transfer block.
+struct FileAttributes {
+  DataFileType type = DataFileType::kUnknown;
+  int position = 0;  // of its first character, from 1
+  int length = 0;
+};
+
+// A block with more files than the table holds. The first kMaxDataFiles are cut and may be used.
+class TooManyFilesError : public Error {
+ public:
+  using Error::Error;
+};
+
+// "Transaction File", "Recipe Backup File", "Text Report"; empty for another type.
+std::string_view DataFileTypeName(DataFileType type);
+
+inline constexpr char FF = 0x0C;   // alternative start mark of a report file
+inline constexpr char DC4 = 0x14;  // command: clear memory
+inline constexpr char NAK = 0x15;  // command: send memory contents
+inline constexpr char SYN = 0x16;  // command: set 1200 baud
+inline constexpr char ETB = 0x17;  // command: set 2400 baud
+inline constexpr char CAN = 0x18;  // command: set 9600 baud
+inline constexpr char EM = 0x19;   // command: set 19200 baud
+inline constexpr char FS = 0x1C;   // command: send all of memory
+inline constexpr char US = 0x1F;   // closes every reply
 
 class PrivateINI;
 

@@ -1,5 +1,4 @@
 #include "base/number.h"
-#include "link/control_characters.h"
 #include "link/krmcomm.h"
 #include "settings/settings.h"
 

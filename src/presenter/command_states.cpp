@@ -8,41 +8,6 @@
 
 namespace vrx {
 
-// A command of one database, or one of both that stands over an item of each.
-struct CommandStates::Command {
-  std::string_view name;
-  Side side = Side::kNone;
-  std::string_view recipe_item = {};
-  std::string_view transaction_item = {};
-
-  bool OverBoth() const { return !recipe_item.empty(); }
-};
-
-const std::array<CommandStates::Command, CommandStates::kCount>& CommandStates::Commands() {
-  static constexpr std::array<Command, kCount> kCommands{{
-      {"mnuFileCloseRecipeDB", Side::kRecipe},
-      {"mnuFileSaveRecipeDB", Side::kRecipe},
-      {"mnuFileSaveAsRecipeDB", Side::kRecipe},
-      {"mnuFileCloseTransactionDB", Side::kTransaction},
-      {"mnuFileSaveTransactionDB", Side::kTransaction},
-      {"mnuFileSaveAsTransactionDB", Side::kTransaction},
-      {"mnuFileClose", Side::kNone, "mnuFileCloseRecipeDB", "mnuFileCloseTransactionDB"},
-      {"mnuFileSave", Side::kNone, "mnuFileSaveRecipeDB", "mnuFileSaveTransactionDB"},
-      {"Save", Side::kNone, "mnuFileSaveRecipeDB", "mnuFileSaveTransactionDB"},
-      {"mnuFileSaveAs", Side::kNone, "mnuFileSaveAsRecipeDB", "mnuFileSaveAsTransactionDB"},
-      {"Save Recipe", Side::kRecipe},
-      {"Save Transaction", Side::kTransaction},
-      {"mnuEditIngredient", Side::kRecipe},
-      {"mnuEditRecipe", Side::kRecipe},
-      {"mnuEditPen", Side::kRecipe},
-      {"mnuViewTransactionFile", Side::kTransaction},
-      {"mnuFilePrint"},
-      {"Print"},
-      {"Abbreviate"},
-  }};
-  return kCommands;
-}
-
 namespace {
 
 struct TabSides {
@@ -79,6 +44,41 @@ std::size_t IndexOf(std::string_view name) {
 }
 
 }  // namespace
+
+// A command of one database, or one of both that stands over an item of each.
+struct CommandStates::Command {
+  std::string_view name;
+  Side side = Side::kNone;
+  std::string_view recipe_item = {};
+  std::string_view transaction_item = {};
+
+  bool OverBoth() const { return !recipe_item.empty(); }
+};
+
+const std::array<CommandStates::Command, CommandStates::kCount>& CommandStates::Commands() {
+  static constexpr std::array<Command, kCount> kCommands{{
+      {"mnuFileCloseRecipeDB", Side::kRecipe},
+      {"mnuFileSaveRecipeDB", Side::kRecipe},
+      {"mnuFileSaveAsRecipeDB", Side::kRecipe},
+      {"mnuFileCloseTransactionDB", Side::kTransaction},
+      {"mnuFileSaveTransactionDB", Side::kTransaction},
+      {"mnuFileSaveAsTransactionDB", Side::kTransaction},
+      {"mnuFileClose", Side::kNone, "mnuFileCloseRecipeDB", "mnuFileCloseTransactionDB"},
+      {"mnuFileSave", Side::kNone, "mnuFileSaveRecipeDB", "mnuFileSaveTransactionDB"},
+      {"Save", Side::kNone, "mnuFileSaveRecipeDB", "mnuFileSaveTransactionDB"},
+      {"mnuFileSaveAs", Side::kNone, "mnuFileSaveAsRecipeDB", "mnuFileSaveAsTransactionDB"},
+      {"Save Recipe", Side::kRecipe},
+      {"Save Transaction", Side::kTransaction},
+      {"mnuEditIngredient", Side::kRecipe},
+      {"mnuEditRecipe", Side::kRecipe},
+      {"mnuEditPen", Side::kRecipe},
+      {"mnuViewTransactionFile", Side::kTransaction},
+      {"mnuFilePrint"},
+      {"Print"},
+      {"Abbreviate"},
+  }};
+  return kCommands;
+}
 
 CommandStates::CommandStates() {
   on_.fill(true);
@@ -174,6 +174,33 @@ void CommandStates::TurnPrintCommands(bool on) {
   for (const std::string_view name : kPrintCommands) {
     Turn(name, on);
   }
+}
+
+void TabFolder::SelectTab(int tab) {
+  commands_.TabOn(tab);  // refuses what is no tab before anything is shown
+  window_.ShowTab(tab);
+  commands_.TurnTab(tab, true);
+  Clicked(tab);
+  UpdatePrintCommands(tab);
+}
+
+void TabFolder::Clicked(int tab) {
+  const int previous = std::exchange(tab_on_show_, tab);
+  window_.PrepareTab(tab, previous);
+}
+
+bool GeneralDelay::Wait(Milliseconds interval) {
+  complete_ = false;
+  end_ = pump_.Now() + interval;
+  while (!complete_ && !pump_.Closing()) {
+    const Milliseconds left = end_ - pump_.Now();
+    if (left > Milliseconds{0}) {
+      pump_.Pump(left);
+    } else {
+      complete_ = true;
+    }
+  }
+  return !pump_.Closing();
 }
 
 }  // namespace vrx

@@ -5,6 +5,8 @@
 #include <string_view>
 #include <vector>
 
+#include "platform/event_pump.h"
+
 namespace vrx {
 
 // The tabs of `tabMainFolder` by their numbers.
@@ -78,6 +80,90 @@ class CommandStates {
   std::array<bool, kCount> on_{};
   std::array<bool, kTabCount> tab_on_{};
   std::vector<CommandObserver*> observers_;
+};
+
+// What the tab folder `tabMainFolder` asks of the window.
+class TabFolderWindow {
+ public:
+  virtual ~TabFolderWindow() = default;
+
+  // Brings a tab on show, also one that is off; its Click routine does not run from here.
+  virtual void ShowTab(int tab) = 0;
+
+  // The Click routine of the tab now on show; `previous` was on show before. May run events.
+  virtual void PrepareTab(int tab, int previous) = 0;
+
+  virtual PrintSources Printable() const = 0;
+};
+
+// The seven tabs as the program turns them. The window tells the operator's own clicks by Clicked.
+class TabFolder {
+ public:
+  TabFolder(CommandStates& commands, TabFolderWindow& window)
+      : commands_(commands), window_(window) {}
+
+  // Turns the tab on, too. Throws Error for a tab that is not there.
+  void SelectTab(int tab);
+
+  // The operator has turned to the tab: its Click routine runs.
+  void Clicked(int tab);
+
+  // The tab chosen last; the window opens with tab 0.
+  int TabOnShow() const { return tab_on_show_; }
+
+  void UpdatePrintCommands(int tab) { commands_.UpdatePrintCommands(tab, window_.Printable()); }
+
+ private:
+  CommandStates& commands_;
+  TabFolderWindow& window_;
+  int tab_on_show_ = 0;
+};
+
+// The panels of `sbRecipe` and `sbTrans` that tell of a database, by their numbers. Each stands
+// behind its caption, which is the panel of the number before.
+enum StatusPanel : int {
+  kPanelName = 2,
+  kPanelUnit = 4,
+  kPanelCreated = 6,
+  kPanelModified = 8,
+};
+
+struct StatusPanelWords {
+  StatusPanel panel;
+  std::string_view caption;
+  std::string_view tooltip;
+};
+
+inline constexpr std::array<StatusPanelWords, 4> kRecipePanels{{
+    {kPanelName, "Recipe dB:", "Recipe Database Filename"},
+    {kPanelUnit, "Units:", "Recipe Database Weight Units"},
+    {kPanelCreated, "Created:", "Recipe Database Creation Date"},
+    {kPanelModified, "Modified:", "Recipe Database Last Modified Date"},
+}};
+
+inline constexpr std::array<StatusPanelWords, 4> kTransactionPanels{{
+    {kPanelName, "Transaction dB:", "Transaction Database Filename"},
+    {kPanelUnit, "Units:", "Transaction Database Weight Units"},
+    {kPanelCreated, "Created:", "Transaction Database Creation Date"},
+    {kPanelModified, "Modified:", "Transaction Database Last Modified Date"},
+}};
+
+// `timGeneralDelay`: the one timer behind every general delay of the main window.
+class GeneralDelay {
+ public:
+  explicit GeneralDelay(EventPump& pump) : pump_(pump) {}
+
+  // Lets events run for that long. A delay that such an event begins takes the timer over: both end
+  // when the later one does. False as soon as the program is closing; what was waiting must then
+  // unwind.
+  bool Wait(Milliseconds interval);
+
+  bool Closing() const { return pump_.Closing(); }
+
+ private:
+  EventPump& pump_;
+  Milliseconds end_{0};
+  bool complete_ = true;
 };
 
 }  // namespace vrx

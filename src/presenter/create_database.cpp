@@ -8,10 +8,8 @@
 
 #include "base/files.h"
 #include "base/text.h"
-#include "base/upper_case.h"
 #include "database/identity.h"
-#include "database/kind_words.h"
-#include "presenter/tell_failure.h"
+#include "presenter/report_failure.h"
 
 namespace vrx {
 

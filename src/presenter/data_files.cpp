@@ -6,7 +6,6 @@
 
 #include "base/files.h"
 #include "base/text.h"
-#include "base/upper_case.h"
 #include "settings/settings.h"
 
 namespace vrx {

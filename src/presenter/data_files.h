@@ -4,7 +4,7 @@
 #include <functional>
 #include <string>
 
-#include "link/file_attributes.h"
+#include "link/krmcomm.h"
 #include "platform/file_chooser.h"
 #include "platform/operator.h"
 #include "presenter/transfer_state.h"

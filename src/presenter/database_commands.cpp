@@ -8,12 +8,10 @@
 #include "base/files.h"
 #include "base/number.h"
 #include "base/text.h"
-#include "base/upper_case.h"
 #include "database/identity.h"
-#include "database/kind_words.h"
 #include "database/missing_records.h"
-#include "presenter/lifecycle_manner.h"
-#include "presenter/tell_failure.h"
+#include "presenter/command_states.h"
+#include "presenter/report_failure.h"
 
 namespace vrx {
 
@@ -21,12 +19,39 @@ namespace fs = std::filesystem;
 
 namespace {
 
+constexpr Milliseconds kNoDelay{0};
+
+constexpr std::array kRecipeTabs{+kTabIngredients, +kTabPens, +kTabRecipes};
+constexpr std::array kTransactionTabs{+kTabBatchedFed};
+
+constexpr LifecycleManner kRecipeManner{.goes_to_transfer_tab = true,
+                                        .new_delay = Milliseconds{1000},
+                                        .browse_delay = Milliseconds{500},
+                                        .save_as_delay = Milliseconds{500},
+                                        .save_as_tests_name = true,
+                                        .open_stands_by = true,
+                                        .new_beeps = true,
+                                        .tabs_of_new = kRecipeTabs};
+
+constexpr LifecycleManner kTransactionManner{.goes_to_transfer_tab = false,
+                                             .new_delay = kNoDelay,
+                                             .browse_delay = kNoDelay,
+                                             .save_as_delay = kNoDelay,
+                                             .save_as_tests_name = false,
+                                             .open_stands_by = false,
+                                             .new_beeps = false,
+                                             .tabs_of_new = kTransactionTabs};
+
 constexpr Milliseconds kOpenDelay{50};
 
 // Item of `cboPenID` that an opened database stands on.
 constexpr int kFirstPenItem = 1;
 
 }  // namespace
+
+const LifecycleManner& MannerOf(DatabaseKind kind) {
+  return kind == DatabaseKind::kRecipe ? kRecipeManner : kTransactionManner;
+}
 
 DatabaseLifecycle::DatabaseLifecycle(const Ports& ports, LockWait wait)
     : ports_(ports), lock_wait_(wait) {}

@@ -4,11 +4,13 @@
 #include <functional>
 #include <initializer_list>
 #include <map>
+#include <span>
 #include <string>
 #include <string_view>
 
 #include "database/bound_database.h"
 #include "database/connection.h"
+#include "database/schema.h"
 #include "platform/calendar.h"
 #include "platform/file_chooser.h"
 #include "platform/operator.h"
@@ -16,14 +18,73 @@
 #include "presenter/command_states.h"
 #include "presenter/create_database.h"
 #include "presenter/database_identity.h"
-#include "presenter/database_window.h"
-#include "presenter/earlier_databases.h"
-#include "presenter/general_delay.h"
-#include "presenter/tab_folder.h"
 #include "settings/data_folder.h"
 #include "settings/settings.h"
 
 namespace vrx {
+
+// How the routines of the two databases differ, all of it on purpose.
+struct LifecycleManner {
+  bool goes_to_transfer_tab;  // before the dialog of New and Open
+  Milliseconds new_delay;     // each lets the dialog's place be repainted
+  Milliseconds browse_delay;
+  Milliseconds save_as_delay;
+  bool save_as_tests_name;
+  bool open_stands_by;  // with the hourglass and a text in place of the name
+  bool new_beeps;
+  std::span<const int> tabs_of_new;  // turned on in this order; the first one is selected
+};
+
+const LifecycleManner& MannerOf(DatabaseKind kind);
+
+// What the databases' lifecycle asks of the main window.
+class DatabaseWindow {
+ public:
+  virtual ~DatabaseWindow() = default;
+
+  // The views of that kind are about to move: what is being edited is stored, or given up with a
+  // message. May run events.
+  virtual void LeaveEdits(DatabaseKind /*kind*/) {}
+
+  // Every view of that kind moves to this database and shows what it holds, with no statement left
+  // open. Runs no events: a database bound by one would be refused. When it throws, the views are
+  // moved back to where they stood; the connection they leave is closed once they have left it.
+  virtual void Rebind(DatabaseKind kind, const BoundDatabase& database) = 0;
+
+  // The program ends: the views let go of both databases.
+  virtual void ReleaseViews() = 0;
+
+  // The caption of `lblDatabaseUoM` or `lblTransactionUoM`: the unit of what the views stand on.
+  virtual void ShowUnit(DatabaseKind kind, std::string_view unit) = 0;
+
+  virtual void SetStatusPanel(DatabaseKind kind, StatusPanel panel, std::string_view text) = 0;
+
+  // Fills the three ID lists. May run events, and another database may be bound by one.
+  virtual void LoadIdLists() = 0;
+
+  virtual void ShowTransferOption() = 0;
+  virtual void CheckPenCapacity() = 0;
+  virtual void HidePenCapacityWarning() = 0;       // `lblRequiresIndicatorPenCapacityX`
+  virtual void SelectPenItem(int list_index) = 0;  // of `cboPenID`
+};
+
+// What came of a file that is to be opened and may be of an earlier generation of the program.
+struct EarlierDatabase {
+  enum class Outcome {
+    kGoOn,      // it is none, or is not to be converted: opened like any file
+    kOpenCopy,  // `copy` was made of it, and is opened in its place
+    kEnd,       // the operator was told why nothing is opened, or has turned back
+  };
+  Outcome outcome = Outcome::kGoOn;
+  std::filesystem::path copy = {};
+};
+
+// Asks the operator about files of an earlier generation. Throws nothing of its own; runs events.
+class EarlierDatabases {
+ public:
+  virtual ~EarlierDatabases() = default;
+  virtual EarlierDatabase Offer(DatabaseKind kind, const std::filesystem::path& path) = 0;
+};
 
 // New, Open, Close, Save and Save As of both databases: who asks for a file, in what order the main
 // window follows, and which connection its views stand on. There is no working copy: views write

@@ -12,10 +12,8 @@
 
 #include "base/date.h"
 #include "base/text.h"
-#include "database/database_error.h"
+#include "database/connection.h"
 #include "database/identity.h"
-#include "database/translated.h"
-#include "presenter/database_identity.h"
 #include "settings/settings.h"
 
 namespace vrx {

@@ -4,8 +4,8 @@
 #include <string>
 
 #include "base/text.h"
-#include "link/control_characters.h"
-#include "presenter/transfer_status.h"
+#include "link/krmcomm.h"
+#include "presenter/upload.h"
 #include "settings/settings.h"
 
 namespace vrx {

@@ -4,15 +4,17 @@
 #include <array>
 #include <filesystem>
 #include <optional>
+#include <string>
 #include <system_error>
 
 #include "base/files.h"
 #include "base/text.h"
 
 namespace vrx {
-namespace {
 
 namespace fs = std::filesystem;
+
+namespace {
 
 constexpr std::size_t kDirectoryBufferLength = 250;
 constexpr std::string_view kToolName = "MSINFO32.exe";
@@ -105,6 +107,38 @@ std::optional<fs::path> ToolPath(const SystemInfo& system, std::string_view os_n
   return folder / kToolName;
 }
 
+constexpr int kLargestFailure = 32;
+
+std::string FailureText(int code, const std::string& document) {
+  switch (code) {
+    case 0:
+      return "Error, system out of memory or resources.";
+    case 2:
+      return "Error, '" + document + "' file not \r\n     found in the application directory.";
+    case 3:
+      return "Error, path does not exist.";
+    case 11:
+      return "Error, associated executable is incorrect for this file-type.";
+    case 31:
+      return "Error, no association exists.";
+    default:
+      return "Error, " + std::to_string(code);
+  }
+}
+
+std::string_view SecondMessage(int code) {
+  switch (code) {
+    case 2:
+      return "\r\n     You should run the install program again to \r\n     load the document.";
+    case 31:
+      return "\r\n     You should establish an 'association' for the files with extensions that "
+             "will define the application that you want to use open this type of file. This is "
+             "done through Windows. ";
+    default:
+      return {};
+  }
+}
+
 }  // namespace
 
 std::string GetTheWindowsDirectory(const SystemInfo& system) {
@@ -144,6 +178,72 @@ void StartSysInfo(const SystemInfo& system, OperatingSystem& os, Operator& op) {
   if (!tool || !os.StartProgram(*tool)) {
     op.ShowMessage({.title = {}, .text = "System Information Is Unavailable At This Time"});
   }
+}
+
+constexpr HelpDocument kUsersManual = {
+    .file = "VRX2260_U.PDF",
+    .kind = "the User's Manual",
+    .no_viewer =
+        "There is no Adobe Acrobat reader on the system for reading .PDF files.\r\n\r\n"
+        "You can download a reader (free of charge) from the manufacturers web site at: "
+        "https://okular.kde.org"};
+
+constexpr HelpDocument kReadme = {
+    .file = "Readme.TXT",
+    .kind = "the Readme file",
+    .no_viewer = "There is no associated application on the system for reading .TXT files."};
+
+void ShowDocument(const HelpDocument& document, const SystemInfo& system, OperatingSystem& os,
+                  Operator& op) {
+  const std::string file(document.file);
+  const std::filesystem::path path = std::filesystem::path(system.ProgramDirectory()) / file;
+  if (!FileExists(path)) {
+    ReportMissingDocument(file, op);
+    return;
+  }
+  if (!HasDocumentViewer(system, file)) {
+    op.ShowMessage({.icon = Icon::kWarning,
+                    .title = "Error: No file viewer",
+                    .text = "Cannot display " + std::string(document.kind) + ": " + file + "\r\n" +
+                            std::string(document.no_viewer)});
+    return;
+  }
+  if (os.OpenDocument(path) <= kLargestFailure) {
+    op.ShowMessage({.icon = Icon::kWarning,
+                    .title = "Error: File viewer",
+                    .text = "Document viewer associated with this file failed.\r\n"
+                            "Check the Windows association setting and that the viewer application "
+                            "file actually exists."});
+  }
+}
+
+void ReportMissingDocument(std::string_view file, Operator& op) {
+  op.ShowMessage({.icon = Icon::kWarning,
+                  .title = "Error: File not found",
+                  .text = std::string(file) +
+                          " could not be found.\r\n"
+                          "It must be located in the VRX-2260 application directory for automatic "
+                          "viewing. You should run the install program again to load the "
+                          "document."});
+}
+
+std::string_view ProgramVersion() { return VRX_VERSION; }
+
+std::string FindDocumentViewer(const SystemInfo& system, const std::string& document,
+                               std::string& message) {
+  std::string viewer;
+  const int code = system.FindExecutable(document, system.ProgramDirectory(), viewer);
+  if (code > kLargestFailure) {
+    message.clear();
+    return TrimNulls(viewer);
+  }
+  message = SecondMessage(code);
+  return FailureText(code, document);
+}
+
+bool HasDocumentViewer(const SystemInfo& system, const std::string& document) {
+  std::string viewer;
+  return system.FindExecutable(document, system.ProgramDirectory(), viewer) > kLargestFailure;
 }
 
 }  // namespace vrx

@@ -4,9 +4,9 @@
 #include <utility>
 
 #include "base/number.h"
-#include "base/upper_case.h"
-#include "database/database_error.h"
-#include "exchange/import_columns.h"
+#include "base/text.h"
+#include "database/connection.h"
+#include "exchange/imported_data.h"
 #include "exchange/unread_feeds.h"
 #include "presenter/database_identity.h"
 #include "settings/settings.h"

@@ -7,10 +7,9 @@
 
 #include "database/open_databases.h"
 #include "database/records.h"
-#include "exchange/import_columns.h"
 #include "exchange/imported_data.h"
 #include "exchange/store.h"
-#include "exchange/trans_file.h"
+#include "exchange/transaction_parser.h"
 #include "platform/calendar.h"
 #include "platform/file_chooser.h"
 #include "platform/operator.h"

@@ -4,12 +4,12 @@
 #include <string>
 
 #include "base/files.h"
-#include "database/database_error.h"
-#include "database/kind_words.h"
+#include "database/connection.h"
+#include "database/identity.h"
+#include "legacy/convert.h"
 #include "legacy/jet_file.h"
-#include "legacy/legacy_error.h"
 #include "presenter/create_database.h"
-#include "presenter/tell_failure.h"
+#include "presenter/report_failure.h"
 
 namespace vrx {
 

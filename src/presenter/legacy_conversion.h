@@ -11,7 +11,7 @@
 #include "platform/operator.h"
 #include "platform/program_runner.h"
 #include "platform/system_info.h"
-#include "presenter/earlier_databases.h"
+#include "presenter/database_commands.h"
 #include "settings/data_folder.h"
 #include "settings/settings.h"
 

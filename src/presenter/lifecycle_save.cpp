@@ -6,12 +6,10 @@
 
 #include "base/files.h"
 #include "base/text.h"
-#include "base/upper_case.h"
 #include "database/copy_database.h"
-#include "database/kind_words.h"
+#include "database/identity.h"
 #include "presenter/database_commands.h"
-#include "presenter/lifecycle_manner.h"
-#include "presenter/tell_failure.h"
+#include "presenter/report_failure.h"
 
 namespace vrx {
 

@@ -4,7 +4,7 @@
 #include <utility>
 
 #include "base/files.h"
-#include "database/kind_words.h"
+#include "database/identity.h"
 
 namespace vrx {
 

@@ -2,8 +2,8 @@
 
 #include "base/text.h"
 #include "database/records.h"
+#include "feed/recipe_storage.h"
 #include "feed/record_reset.h"
-#include "feed/update_recipes.h"
 #include "feed/where_used.h"
 #include "settings/settings.h"
 

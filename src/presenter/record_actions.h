@@ -5,9 +5,9 @@
 
 #include <SQLiteCpp/Database.h>
 
-#include "feed/record_kind.h"
+#include "feed/record_fields.h"
 #include "platform/progress_display.h"
-#include "presenter/feed_action.h"
+#include "presenter/report_failure.h"
 
 namespace vrx {
 

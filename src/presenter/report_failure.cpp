@@ -1,9 +1,13 @@
 #include "presenter/report_failure.h"
 
-#include "database/database_error.h"
+#include <exception>
+#include <string>
+
+#include "database/connection.h"
 #include "feed/record_fields.h"
 
 namespace vrx {
+
 namespace {
 
 constexpr std::string_view kEditErrorTitle = "Edit (Error)";
@@ -68,6 +72,24 @@ EditEnd AskAboutEdit(Operator& op, std::string_view what, std::string cause,
 
 void TellEditGivenUp(Operator& op, std::string_view what, std::string_view cause) {
   Tell(op, kEditErrorTitle, NotStored(what, cause) + "It is given up.");
+}
+
+bool RunFeedAction(const SQLite::Database& database, const FeedPorts& ports, std::string_view title,
+                   const std::function<bool()>& action) {
+  try {
+    return Translated(database, action);
+  } catch (const std::exception& failure) {
+    ports.op.SetBusy(false);
+    ports.identity.ShowDatabaseError(FailureNumber(failure), title, failure.what());
+    return false;
+  }
+}
+
+void TellFailure(Operator& op, std::string_view title, const std::exception& failure) {
+  op.ShowMessage({.icon = Icon::kCritical,
+                  .title = std::string(title),
+                  .text = "Error: " + std::to_string(FailureNumber(failure)),
+                  .cause = failure.what()});
 }
 
 }  // namespace vrx

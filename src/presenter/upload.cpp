@@ -3,9 +3,8 @@
 #include <utility>
 
 #include "base/text.h"
-#include "link/control_characters.h"
+#include "link/krmcomm.h"
 #include "link/rescue_file.h"
-#include "presenter/transfer_status.h"
 #include "settings/settings.h"
 
 namespace vrx {
@@ -13,6 +12,11 @@ namespace vrx {
 namespace {
 
 constexpr Milliseconds kUploadingInterval{500};
+
+void Tell(Operator& op, StatusColor color, std::string_view words) {
+  op.SetStatusColor(color);
+  op.SetStatusLine(words);
+}
 
 }  // namespace
 
@@ -181,5 +185,13 @@ void Upload::ShowDataFile(int file) {
       transfer_.transfer_block.substr(static_cast<std::size_t>(attributes.position) - 1,
                                       static_cast<std::size_t>(attributes.length));
 }
+
+void TellStandby(Operator& op) { Tell(op, StatusColor::kBlue, "Standby..."); }
+
+void TellNeutral(Operator& op, std::string_view words) { Tell(op, StatusColor::kBlue, words); }
+
+void TellComplete(Operator& op, std::string_view words) { Tell(op, StatusColor::kGreen, words); }
+
+void TellFailed(Operator& op, std::string_view words) { Tell(op, StatusColor::kRed, words); }
 
 }  // namespace vrx

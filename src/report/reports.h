@@ -8,12 +8,12 @@
 #include <SQLiteCpp/Database.h>
 
 #include "database/records.h"
-#include "exchange/import_columns.h"
-#include "exchange/trans_file.h"
+#include "exchange/imported_data.h"
+#include "exchange/transaction_parser.h"
 #include "feed/current_recipe.h"
 #include "history/history_grid.h"
-#include "report/page_texts.h"
 #include "report/report.h"
+#include "report/report_page.h"
 
 namespace vrx {
 

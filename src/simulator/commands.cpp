@@ -4,13 +4,14 @@
 #include <system_error>
 
 #include "simulator/data_module.h"
+#include "simulator/indicator.h"
+#include "simulator/indicator_script.h"
 #include "simulator/line_loop.h"
-#include "simulator/memory_file.h"
 #include "simulator/pty_line.h"
-#include "simulator/signals.h"
 #include "simulator/transmitter.h"
 
 namespace vrx::simulator {
+
 namespace {
 
 void Play(const ModuleOptions& options, DataModule& module, Signals& signals, std::ostream& out,
@@ -61,6 +62,16 @@ void RunModule(const ModuleOptions& options, std::ostream& out, std::ostream& er
   module.TellDropped();
   if (options.save) {
     WriteFile(*options.save, module.Memory());
+  }
+}
+
+void RunIndicator(const IndicatorOptions& options, std::ostream& out, std::ostream& err) {
+  const std::vector<Step> steps = ParseScript(ReadFile(options.script));
+  Signals signals;
+  PtyLine line(options.link);
+  out << "ready " << options.link.string() << std::endl;
+  if (!Indicator(line, signals).Play(steps)) {
+    err << "vrx2260sim: stopped before the end of the script" << std::endl;
   }
 }
 

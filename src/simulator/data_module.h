@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstddef>
+#include <filesystem>
 #include <functional>
 #include <optional>
 #include <string>
@@ -8,8 +9,7 @@
 #include <utility>
 
 #include "simulator/device.h"
-#include "simulator/faults.h"
-#include "simulator/transmission.h"
+#include "simulator/transmitter.h"
 
 namespace vrx::simulator {
 
@@ -51,5 +51,13 @@ class DataModule final : public Device {
   std::string memory_;
   std::size_t dropped_ = 0;  // since last told
 };
+
+// Both throw std::system_error, its text for the user.
+
+// The whole file.
+std::string ReadFile(const std::filesystem::path& path);
+
+// Writes beside the file and renames: whoever reads it sees the old or the new one, whole.
+void WriteFile(const std::filesystem::path& path, std::string_view bytes);
 
 }  // namespace vrx::simulator

@@ -1,7 +1,12 @@
 #pragma once
 
+#include <chrono>
+#include <cstddef>
+#include <cstdint>
+#include <random>
 #include <string>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 namespace vrx::simulator {
@@ -39,5 +44,59 @@ bool IsDownload(std::string_view memory);
 
 // Throws std::invalid_argument with the line that is not of the form.
 FeedPlan ReadFeedPlan(std::string_view download);
+
+using Day = std::chrono::sys_days;
+
+// One thing that the scale weighed.
+struct Weighing {
+  Day day;
+  int load;            // counted from 1 within the records
+  std::string recipe;  // name
+  bool batched;        // into the mixer, otherwise fed out to a pen
+  std::string what;    // the ingredient's or the pen's name
+  int tenths;          // of the plan's unit
+};
+
+// An indicator at work: batches the recipes of a plan, feeds each pen once a day, and keeps the
+// records as a transaction file. The pens go to the recipes in equal runs, in the order of both.
+// What people and scales do at random comes from the seed.
+class FeedingWork {
+ public:
+  FeedingWork(FeedPlan plan, std::uint32_t seed) : plan_(std::move(plan)), random_(seed) {}
+
+  // Nothing is fed, and false, when the records of the day would make the file larger than that
+  // many bytes.
+  bool FeedDay(Day day, std::size_t limit);
+
+  std::string Records() const;
+  const std::vector<Weighing>& Weighings() const { return done_.weighings; }
+
+ private:
+  struct Load {
+    const FeedPlan::Recipe* recipe;
+    std::vector<const FeedPlan::Pen*> pens;
+  };
+  struct Log {
+    std::string batches;
+    std::string feeds;
+    std::vector<Weighing> weighings;
+    int loads = 0;
+  };
+
+  std::vector<Load> LoadsOfDay() const;
+  int Batch(const Load& load, Day day, Log& log);
+  void FeedOut(const Load& load, Day day, int batched, Log& log);
+  std::string RecordsOf(const Log& log) const;
+  std::string Clock();
+  int Dice(int from, int to);
+
+  FeedPlan plan_;
+  std::mt19937 random_;
+  int minute_ = 0;  // of the day
+  Log done_;
+};
+
+// A line for each weighing, as "2026-01-05,1,STARTR,BATCH,CORN,1085.0" and with FEED and a pen.
+std::string LedgerOf(const std::vector<Weighing>& weighings);
 
 }  // namespace vrx::simulator

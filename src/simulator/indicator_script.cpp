@@ -7,7 +7,7 @@
 #include <optional>
 #include <system_error>
 
-#include "simulator/memory_file.h"
+#include "simulator/data_module.h"
 
 namespace vrx::simulator {
 namespace {

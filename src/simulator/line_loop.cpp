@@ -11,7 +11,7 @@
 
 #include <poll.h>
 
-#include "simulator/control_characters.h"
+#include "simulator/device.h"
 
 namespace vrx::simulator {
 namespace {

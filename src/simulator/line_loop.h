@@ -7,7 +7,6 @@
 
 #include "simulator/device.h"
 #include "simulator/pty_line.h"
-#include "simulator/signals.h"
 #include "simulator/transmitter.h"
 
 namespace vrx::simulator {

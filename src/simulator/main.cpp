@@ -7,10 +7,9 @@
 #include <CLI/CLI.hpp>
 
 #include "simulator/commands.h"
-#include "simulator/indicator_command.h"
+#include "simulator/indicator.h"
 #include "simulator/indicator_script.h"
 #include "simulator/transmitter.h"
-#include "simulator/working_indicator.h"
 
 namespace {
 

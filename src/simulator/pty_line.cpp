@@ -4,6 +4,7 @@
 #include <array>
 #include <cctype>
 #include <cerrno>
+#include <csignal>
 #include <cstdlib>
 #include <system_error>
 #include <utility>
@@ -11,12 +12,14 @@
 #include <fcntl.h>
 #include <sys/inotify.h>
 #include <sys/ioctl.h>
+#include <sys/signalfd.h>
 #include <termios.h>
 
 namespace vrx::simulator {
-namespace {
 
 namespace fs = std::filesystem;
+
+namespace {
 
 constexpr std::string_view kPtyFolder = "/dev/pts/";
 constexpr std::size_t kReadSize = 4096;
@@ -107,6 +110,29 @@ void MakeLink(const fs::path& link, const std::string& name) {
 }
 
 }  // namespace
+
+Signals::Signals() {
+  sigset_t signals{};
+  sigemptyset(&signals);
+  for (const int signal : {SIGTERM, SIGINT, SIGHUP, SIGUSR1}) {
+    sigaddset(&signals, signal);
+  }
+  if (const int error = ::pthread_sigmask(SIG_BLOCK, &signals, nullptr); error != 0) {
+    throw std::system_error(error, std::generic_category(), "cannot block signals");
+  }
+  descriptor_ = Descriptor(::signalfd(-1, &signals, SFD_NONBLOCK | SFD_CLOEXEC));
+  if (!descriptor_.Open()) {
+    throw std::system_error(errno, std::generic_category(), "cannot receive signals");
+  }
+}
+
+Signals::Told Signals::Take() {
+  signalfd_siginfo info{};
+  if (::read(descriptor_.Get(), &info, sizeof info) != sizeof info) {
+    return Told::kNothing;
+  }
+  return info.ssi_signo == SIGUSR1 ? Told::kSave : Told::kStop;
+}
 
 PtyLine::PtyLine(fs::path link) : link_(std::move(link)), master_(OpenMaster()) {
   name_ = NameOf(master_);

@@ -4,10 +4,58 @@
 #include <filesystem>
 #include <string>
 #include <string_view>
+#include <utility>
 
-#include "simulator/descriptor.h"
+#include <unistd.h>
 
 namespace vrx::simulator {
+
+// Owns a file descriptor.
+class Descriptor {
+ public:
+  Descriptor() = default;
+  explicit Descriptor(int fd) : fd_(fd) {}
+  ~Descriptor() { Close(); }
+  Descriptor(Descriptor&& other) noexcept : fd_(std::exchange(other.fd_, -1)) {}
+  Descriptor& operator=(Descriptor&& other) noexcept {
+    if (this != &other) {
+      Close();
+      fd_ = std::exchange(other.fd_, -1);
+    }
+    return *this;
+  }
+  Descriptor(const Descriptor&) = delete;
+  Descriptor& operator=(const Descriptor&) = delete;
+
+  int Get() const { return fd_; }
+  bool Open() const { return fd_ >= 0; }
+  void Close() {
+    if (fd_ >= 0) {
+      ::close(std::exchange(fd_, -1));
+    }
+  }
+
+ private:
+  int fd_ = -1;
+};
+
+// The signals by which a simulator is told something. From its making on they arrive here only, in
+// the thread that made it and in threads started later.
+class Signals {
+ public:
+  enum class Told { kNothing, kStop, kSave };
+
+  Signals();
+
+  // For poll: readable when a signal waits.
+  int Handle() const { return descriptor_.Get(); }
+
+  // Takes the next one: SIGTERM, SIGINT and SIGHUP stop, SIGUSR1 saves. Does not wait.
+  Told Take();
+
+ private:
+  Descriptor descriptor_;
+};
 
 // A pseudo-terminal in raw mode whose other end clients open at a link. Clients come and go; the
 // line stays. Throws std::system_error where the system refuses, its text for the user.

@@ -1,15 +1,19 @@
 #include "widgets/fields.h"
 
+#include <QAbstractItemView>
+#include <QApplication>
 #include <QFocusEvent>
 #include <QKeyEvent>
+#include <QWheelEvent>
 #include <algorithm>
 #include <utility>
 
 #include "base/encoding.h"
-#include "widgets/field_box.h"
+#include "widgets/layout.h"
 #include "widgets/qt_text.h"
 
 namespace vrx {
+
 namespace {
 
 // Windows-1252, 0 for a character that it does not have.
@@ -37,6 +41,31 @@ qsizetype CommonPrefix(const QString& one, const QString& other) {
 qsizetype CommonSuffix(const QString& one, const QString& other) {
   const auto ends = std::mismatch(one.rbegin(), one.rend(), other.rbegin(), other.rend());
   return std::distance(one.rbegin(), ends.first);
+}
+
+// Gives way in a narrow window to the width of its text in ordinary characters.
+class Box : public FilteredEdit {
+ public:
+  Box(Filter filter, std::size_t limit, QWidget* parent)
+      : FilteredEdit(std::move(filter), static_cast<int>(limit), parent), limit_(limit) {
+    setSizePolicy(QSizePolicy::Maximum, QSizePolicy::Fixed);
+  }
+
+  QSize sizeHint() const override {
+    return {WidthFor(*this, limit_), FilteredEdit::sizeHint().height()};
+  }
+  QSize minimumSizeHint() const override {
+    return {static_cast<int>(limit_) * fontMetrics().averageCharWidth() + kGroupSpacing,
+            FilteredEdit::minimumSizeHint().height()};
+  }
+
+ private:
+  std::size_t limit_;
+};
+
+bool IsEnter(const QKeyEvent& key) {
+  const Qt::KeyboardModifiers others = key.modifiers() & ~(Qt::KeypadModifier | Qt::ShiftModifier);
+  return (key.key() == Qt::Key_Return || key.key() == Qt::Key_Enter) && others == Qt::NoModifier;
 }
 
 }  // namespace
@@ -131,6 +160,78 @@ QString FilteredEdit::Filtered(QString before, const QString& typed) {
 QString FilteredEdit::OneFiltered(const QString& before, QChar character) const {
   const int code = filter_(Utf8ToWindows1252(before.toStdString()), KeyCode(character));
   return code == 0 || before.size() >= limit_ ? QString() : Character(code);
+}
+
+bool LeavesField(const QFocusEvent& event) {
+  return event.reason() != Qt::ActiveWindowFocusReason && event.reason() != Qt::PopupFocusReason &&
+         event.reason() != Qt::MenuBarFocusReason;
+}
+
+bool TurnsTabs(const QKeyEvent& key) {
+  return (key.key() == Qt::Key_Tab || key.key() == Qt::Key_Backtab) &&
+         (key.modifiers() & Qt::ControlModifier) != 0;
+}
+
+int WidthFor(const QWidget& box, std::size_t characters) {
+  const int character = box.fontMetrics().horizontalAdvance(QLatin1Char('W'));
+  return static_cast<int>(characters) * character + kGroupSpacing;
+}
+
+FilteredEdit* MakeBox(FilteredEdit::Filter filter, std::size_t limit, const char* name,
+                      QWidget* parent) {
+  auto* const box = new Box(std::move(filter), limit, parent);
+  box->setObjectName(QString::fromLatin1(name));
+  return box;
+}
+
+void ChoiceList::keyPressEvent(QKeyEvent* event) {
+  if (TurnsTabs(*event)) {
+    event->ignore();
+    return;
+  }
+  const bool typed = !event->text().isEmpty() && event->text().front().isPrint() &&
+                     (event->modifiers() & (Qt::ControlModifier | Qt::AltModifier)) == 0;
+  switch (event->key()) {
+    case Qt::Key_Up:
+    case Qt::Key_Down:
+    case Qt::Key_PageUp:
+    case Qt::Key_PageDown:
+    case Qt::Key_Home:
+    case Qt::Key_End:
+      showPopup();
+      event->accept();
+      return;
+    default:
+      break;
+  }
+  if (!typed) {
+    QComboBox::keyPressEvent(event);
+    return;
+  }
+  showPopup();
+  event->accept();
+  if (event->key() != Qt::Key_Space) {
+    QApplication::sendEvent(view(), event);
+  }
+}
+
+void ChoiceList::wheelEvent(QWheelEvent* event) { event->ignore(); }
+
+EnterAsTab::EnterAsTab(QWidget* form) : QObject(form), form_(form) {
+  qApp->installEventFilter(this);
+}
+
+bool EnterAsTab::eventFilter(QObject* watched, QEvent* event) {
+  if (event->type() != QEvent::KeyPress) {
+    return false;
+  }
+  const auto* const widget = qobject_cast<QWidget*>(watched);
+  if (widget == nullptr || widget->window() != form_ || !IsEnter(*static_cast<QKeyEvent*>(event))) {
+    return false;
+  }
+  QKeyEvent tab(QEvent::KeyPress, Qt::Key_Tab, Qt::NoModifier, QStringLiteral("\t"));
+  QApplication::sendEvent(watched, &tab);
+  return true;
 }
 
 }  // namespace vrx

@@ -1,7 +1,12 @@
 #pragma once
 
+#include <QComboBox>
+#include <QFocusEvent>
+#include <QKeyEvent>
 #include <QLineEdit>
+#include <QObject>
 #include <QValidator>
+#include <QWidget>
 #include <functional>
 #include <string>
 #include <string_view>
@@ -55,6 +60,48 @@ class FilteredEdit : public QLineEdit {
   int limit_;
   QString accepted_;  // what stands in the box, ahead of a change that is not admitted yet
   bool by_program_ = false;
+};
+
+// Whether a control that loses the focus is left for another one, as a form understands it. A menu,
+// a list that drops down or another window in front leaves it on show with what stands in it.
+bool LeavesField(const QFocusEvent& event);
+
+// Ctrl+Tab, and back: from every control it goes up to the tab folder, which turns to another tab.
+bool TurnsTabs(const QKeyEvent& key);
+
+// Logical pixels for that many of the widest characters and what a box puts around them.
+int WidthFor(const QWidget& box, std::size_t characters);
+
+// A box that is as wide as `limit` of the widest characters and gives way in a narrow window.
+FilteredEdit* MakeBox(FilteredEdit::Filter filter, std::size_t limit, const char* name,
+                      QWidget* parent);
+
+// A list that is chosen from only while it is dropped down, which the keys do that move in others:
+// neither a key nor a turn of the wheel in passing makes a choice.
+class ChoiceList : public QComboBox {
+  Q_OBJECT
+
+ public:
+  using QComboBox::QComboBox;
+
+ protected:
+  void keyPressEvent(QKeyEvent* event) override;
+  void wheelEvent(QWheelEvent* event) override;
+};
+
+// Turns the Enter key into the Tab key on everything in a form, so that Enter goes on to the next
+// field. Menus, lists that drop down and other windows keep theirs.
+class EnterAsTab : public QObject {
+  Q_OBJECT
+
+ public:
+  // Belongs to the form.
+  explicit EnterAsTab(QWidget* form);
+
+  bool eventFilter(QObject* watched, QEvent* event) override;
+
+ private:
+  QWidget* form_;
 };
 
 }  // namespace vrx

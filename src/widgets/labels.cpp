@@ -1,10 +1,17 @@
 #include "widgets/labels.h"
 
+#include <QFontDatabase>
+#include <QFontMetricsF>
 #include <QHelpEvent>
 #include <QPainter>
+#include <QString>
 #include <QStyle>
+#include <QStyleOptionHeader>
 #include <QToolTip>
 #include <algorithm>
+
+#include "widgets/layout.h"
+#include "widgets/qt_text.h"
 
 namespace vrx {
 
@@ -47,6 +54,57 @@ QRect ElidedLabel::Room() const {
   const int indented = std::max(0, indent());
   return (alignment() & Qt::AlignRight) != 0 ? contentsRect().adjusted(0, 0, -indented, 0)
                                              : contentsRect().adjusted(indented, 0, 0, 0);
+}
+
+TextView::TextView(const char* name, const QString& meaning, QWidget* parent)
+    : QPlainTextEdit(parent) {
+  setObjectName(QString::fromLatin1(name));
+  setAccessibleName(meaning);
+  setReadOnly(true);
+  setLineWrapMode(NoWrap);
+  setTabChangesFocus(true);
+  setFont(QFontDatabase::systemFont(QFontDatabase::FixedFont));
+}
+
+void TextView::ShowText(std::string_view text) { setPlainText(ToScreenLines(text)); }
+
+void TextView::focusInEvent(QFocusEvent* event) {
+  QPlainTextEdit::focusInEvent(event);
+  if (heir_ != nullptr && heir_->isVisible() && heir_->isEnabled()) {
+    heir_->setFocus();
+  }
+}
+
+QFont TabularFigures(const QFont& font) {
+  const QFontMetricsF metrics(font);
+  const QString digits = QStringLiteral("0123456789");
+  const qreal width = metrics.horizontalAdvance(digits.front());
+  const bool equal = std::all_of(digits.begin(), digits.end(), [&](QChar digit) {
+    return qFuzzyCompare(metrics.horizontalAdvance(digit), width);
+  });
+  if (equal) {
+    return font;
+  }
+  QFont fixed = QFontDatabase::systemFont(QFontDatabase::FixedFont);
+  fixed.setPointSizeF(font.pointSizeF());
+  fixed.setWeight(font.weight());
+  return fixed;
+}
+
+PaddedHeader::PaddedHeader(QWidget* parent) : QHeaderView(Qt::Horizontal, parent) {
+  setHighlightSections(false);
+  setSectionsClickable(false);
+  setMinimumSectionSize(3 * kSpacing);
+}
+
+QString PaddedHeader::Padded(const QString& text) {
+  constexpr QChar kThirdOfEm(0x2004);
+  return kThirdOfEm + text + kThirdOfEm;
+}
+
+void PaddedHeader::initStyleOptionForIndex(QStyleOptionHeader* option, int logical_index) const {
+  QHeaderView::initStyleOptionForIndex(option, logical_index);
+  option->text = Padded(option->text);
 }
 
 }  // namespace vrx

@@ -3,8 +3,6 @@
 #include <QEvent>
 #include <algorithm>
 
-#include "widgets/main_window_layout.h"
-
 namespace vrx {
 
 TwoPartRow::TwoPartRow(QWidget* parent)

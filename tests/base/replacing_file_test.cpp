@@ -1,5 +1,3 @@
-#include "base/replacing_file.h"
-
 #include <filesystem>
 #include <iterator>
 

@@ -1,5 +1,3 @@
-#include "base/upper_case.h"
-
 #include <clocale>
 #include <cwctype>
 #include <string>
@@ -7,7 +5,8 @@
 
 #include <gtest/gtest.h>
 
-#include "base/utf8.h"
+#include "base/encoding.h"
+#include "base/text.h"
 
 namespace vrx::testing {
 namespace {

@@ -1,8 +1,8 @@
-#include "ctl/terminal_operator.h"
-
 #include <sstream>
 
 #include <gtest/gtest.h>
+
+#include "ctl/session.h"
 
 namespace vrx {
 namespace {

@@ -4,7 +4,7 @@
 #include <gtest/gtest.h>
 
 #include "base/files.h"
-#include "database/database_error.h"
+#include "database/connection.h"
 #include "support/database_files.h"
 
 namespace vrx::testing {

@@ -6,7 +6,7 @@
 #include <gtest/gtest.h>
 
 #include "database/connection.h"
-#include "database/transaction_ranges.h"
+#include "database/transactions.h"
 #include "support/database_files.h"
 
 namespace vrx::testing {

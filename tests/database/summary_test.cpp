@@ -1,4 +1,6 @@
 
+#include "database/summary.h"
+
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 

@@ -1,5 +1,3 @@
-#include "database/transaction_ranges.h"
-
 #include <cstdint>
 #include <optional>
 #include <string>
@@ -13,6 +11,7 @@
 
 #include "database/connection.h"
 #include "database/schema.h"
+#include "database/transactions.h"
 #include "support/temp_folder.h"
 
 namespace vrx::testing {

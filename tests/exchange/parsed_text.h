@@ -6,7 +6,7 @@
 #include <vector>
 
 #include "exchange/recording_progress.h"
-#include "exchange/trans_file.h"
+#include "exchange/transaction_parser.h"
 #include "settings/settings.h"
 #include "support/recording_operator.h"
 

@@ -1,9 +1,7 @@
-#include "exchange/recipe_download_store.h"
-
 #include <gmock/gmock.h>
 
 #include "database/connection.h"
-#include "database/database_error.h"
+#include "exchange/recipe_text.h"
 #include "exchange/store_site.h"
 #include "support/fixed_calendar.h"
 #include "support/recipe_tables.h"

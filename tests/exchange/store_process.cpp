@@ -18,9 +18,8 @@ int StoreUntilFailure(const OpenDatabases& databases, int rows) {
   RecordingOperator op;
   const FixedCalendar calendar;
   const PrivateINI settings;
-  DatabaseIdentity identity(op, calendar, settings);
   RecordingProgress progress;
-  TransactionStore store(op, settings, identity, progress, [] {});
+  TransactionStore store(op, settings, calendar, progress, [] {});
   const ImportedData import = MakeManyRows(rows);
   std::puts("ready");
   std::fflush(stdout);

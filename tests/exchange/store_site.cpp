@@ -102,9 +102,11 @@ StoreSite::StoreSite() {
   databases = {folder / "YARD.RDB", folder / "Y2026.TDB", "LB"};
   CreateTemplate(databases.recipe_db_path, DatabaseKind::kRecipe);
   CreateTemplate(databases.trans_db_path, DatabaseKind::kTransaction);
-  identity.SetDatabaseType(databases.recipe_db_path, kUserRecipeDb);
-  identity.SetDatabaseType(databases.trans_db_path, kUserTransDb);
-  identity.SetDatabaseUoM(databases.trans_db_path, "LB");
+  SQLite::Database recipes = OpenDatabase(databases.recipe_db_path, Access::kWrite);
+  WriteField(recipes, kTypeField, kUserRecipeDb);
+  SQLite::Database transactions = OpenDatabase(databases.trans_db_path, Access::kWrite);
+  WriteField(transactions, kTypeField, kUserTransDb);
+  WriteField(transactions, kUnitField, "LB");
   settings.SetSystemUnits("LB");
   settings.SetEnableBeeperOn(true);
 }

@@ -12,7 +12,6 @@
 #include "exchange/imported_data.h"
 #include "exchange/recording_progress.h"
 #include "exchange/store.h"
-#include "presenter/database_identity.h"
 #include "settings/settings.h"
 #include "support/fixed_calendar.h"
 #include "support/recording_operator.h"
@@ -63,11 +62,10 @@ class StoreSite {
   RecordingOperator op;
   FixedCalendar calendar;
   PrivateINI settings;
-  DatabaseIdentity identity{op, calendar, settings};
   InterruptingProgress progress;
   int saves = 0;
   bool stored_flag = false;
-  TransactionStore store{op, settings, identity, progress, [this] { ++saves; }};
+  TransactionStore store{op, settings, calendar, progress, [this] { ++saves; }};
 };
 
 }  // namespace vrx::testing

@@ -256,7 +256,7 @@ TEST(StoreImportedTransactions, IsSilentWithTheBeeperOff) {
 TEST(StoreImportedTransactions, TheFlagIsSetBeforeTheDatabaseIsSaved) {
   StoreSite site;
   bool flag_at_save = false;
-  TransactionStore store(site.op, site.settings, site.identity, site.progress,
+  TransactionStore store(site.op, site.settings, site.calendar, site.progress,
                          [&] { flag_at_save = site.stored_flag; });
   store.StoreImportedTransactions(MakeImport({BatchCells(1, 3, 4, "1")}), site.databases,
                                   site.stored_flag);

@@ -4,7 +4,6 @@
 #include <gtest/gtest.h>
 
 #include "exchange/parsed_text.h"
-#include "exchange/trans_file.h"
 #include "exchange/transaction_parser.h"
 #include "exchange/transaction_texts.h"
 

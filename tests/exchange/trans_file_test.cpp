@@ -1,5 +1,3 @@
-#include "exchange/trans_file.h"
-
 #include <cstdint>
 #include <filesystem>
 #include <map>
@@ -9,6 +7,7 @@
 #include <gtest/gtest.h>
 
 #include "exchange/parsed_text.h"
+#include "exchange/transaction_parser.h"
 #include "exchange/transaction_texts.h"
 #include "support/temp_folder.h"
 

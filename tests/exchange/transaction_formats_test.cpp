@@ -1,11 +1,10 @@
-#include "exchange/transaction_formats.h"
-
 #include <array>
 #include <string>
 
 #include <gtest/gtest.h>
 
-#include "history/ingredient_column_names.h"
+#include "exchange/store_row.h"
+#include "history/columns.h"
 
 namespace vrx {
 namespace {

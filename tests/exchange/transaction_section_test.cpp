@@ -4,7 +4,7 @@
 
 #include <gtest/gtest.h>
 
-#include "exchange/transaction_counts.h"
+#include "exchange/transaction_parser.h"
 
 namespace vrx {
 namespace {

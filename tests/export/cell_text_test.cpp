@@ -1,5 +1,3 @@
-#include "export/cell_text.h"
-
 #include <cmath>
 #include <cstdint>
 #include <limits>
@@ -11,6 +9,7 @@
 #include "base/date.h"
 #include "base/error.h"
 #include "base/number.h"
+#include "export/level_walk.h"
 
 namespace vrx::testing {
 namespace {

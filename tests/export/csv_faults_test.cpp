@@ -16,7 +16,7 @@
 #include <unistd.h>
 
 #include "base/files.h"
-#include "database/database_error.h"
+#include "database/connection.h"
 #include "export/csv_export.h"
 #include "export/export_site.h"
 #include "support/database_files.h"

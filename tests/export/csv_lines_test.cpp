@@ -1,5 +1,3 @@
-#include "export/csv_lines.h"
-
 #include <array>
 #include <cstdint>
 #include <string>
@@ -8,6 +6,7 @@
 #include <gtest/gtest.h>
 
 #include "base/error.h"
+#include "export/csv_export.h"
 
 namespace vrx::testing {
 namespace {

@@ -5,7 +5,7 @@
 #include <gtest/gtest.h>
 
 #include "export/export_columns.h"
-#include "history/ingredient_column_names.h"
+#include "history/columns.h"
 
 namespace vrx::testing {
 namespace {

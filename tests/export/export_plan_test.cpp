@@ -7,8 +7,8 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include "history/columns.h"
 #include "history/data_group.h"
-#include "history/history_column.h"
 
 namespace vrx::testing {
 namespace {

@@ -8,8 +8,8 @@
 #include <SQLiteCpp/Transaction.h>
 
 #include "database/schema.h"
+#include "history/columns.h"
 #include "history/data_group.h"
-#include "history/history_column.h"
 
 namespace vrx::testing {
 namespace {

@@ -1,5 +1,3 @@
-#include "export/html_page.h"
-
 #include <filesystem>
 #include <string>
 #include <string_view>
@@ -10,6 +8,7 @@
 
 #include "base/error.h"
 #include "base/files.h"
+#include "export/html_export.h"
 #include "support/fixed_system_info.h"
 #include "support/recording_operator.h"
 #include "support/temp_folder.h"

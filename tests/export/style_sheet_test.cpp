@@ -1,11 +1,10 @@
-#include "export/style_sheet.h"
-
 #include <filesystem>
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 #include "base/files.h"
+#include "export/html_export.h"
 #include "support/fixed_system_info.h"
 #include "support/recording_operator.h"
 #include "support/temp_folder.h"

@@ -9,7 +9,7 @@
 #include <SQLiteCpp/Database.h>
 #include <SQLiteCpp/Statement.h>
 
-#include "export/cell_text.h"
+#include "export/level_walk.h"
 
 namespace vrx::testing {
 namespace {
@@ -23,13 +23,13 @@ std::string Shown(const CellView& cell) {
   return text;
 }
 
-struct ToldLevel {
+struct LeveledLevel {
   std::string element;
   std::string query;  // ?1, ?2, ?3 are the values of the levels from the outside in
 };
 
-struct ToldGroup {
-  std::vector<ToldLevel> levels;
+struct LeveledGroup {
+  std::vector<LeveledLevel> levels;
   std::string records;  // what follows WHERE
   std::string summed;   // the same, of the sums
   std::vector<std::string_view> sums;
@@ -40,17 +40,17 @@ constexpr const char* kUser =
     "SELECT DISTINCT coalesce(UserID, '-1') FROM Transactions "
     "ORDER BY CAST(coalesce(UserID, '-1') AS REAL), 1";
 
-ToldGroup ByType(std::vector<ToldLevel> levels, const std::string& records,
+LeveledGroup ByType(std::vector<LeveledLevel> levels, const std::string& records,
                  const std::string& order, const std::string& summed) {
   return {std::move(levels), records + " ORDER BY " + order + ", rowid", summed, {}, true};
 }
 
-ToldGroup ByName(const char* element, const std::string& query, const std::string& records,
+LeveledGroup ByName(const char* element, const std::string& query, const std::string& records,
                  std::string_view weight) {
   return {{{element, query}}, records, std::string(element) + " = ?1", {weight, "Target"}};
 }
 
-ToldGroup ByUser(int group, bool no_user) {
+LeveledGroup ByUser(int group, bool no_user) {
   const std::string user = no_user ? "(UserID IS NULL OR UserID = '-1')" : "UserID = ?1";
   const std::string start = "SELECT DISTINCT ";
   const std::string where = " FROM Transactions WHERE " + user + " ORDER BY 1";
@@ -65,7 +65,7 @@ ToldGroup ByUser(int group, bool no_user) {
                 no_user ? "UserID = ' NULL' OR Type = ?2" : "UserID = ?1 OR Type = ?2");
 }
 
-ToldGroup Told(int group, bool no_user) {
+LeveledGroup Leveled(int group, bool no_user) {
   const std::string distinct = "SELECT DISTINCT ";
   const std::string newest = " ORDER BY Date DESC, rowid";
   switch (group) {
@@ -116,9 +116,9 @@ ToldGroup Told(int group, bool no_user) {
   }
 }
 
-class ToldReader {
+class LeveledReader {
  public:
-  ToldReader(const std::filesystem::path& database, int group,
+  LeveledReader(const std::filesystem::path& database, int group,
              const std::vector<std::string>& fields, std::string_view name)
       : database_(database), group_(group), name_(name) {
     for (const std::string& field : fields) {
@@ -167,14 +167,14 @@ class ToldReader {
   }
 
   void Level(std::size_t depth) {
-    const ToldLevel level = Told(group_, NoUser()).levels.at(depth);
+    const LeveledLevel level = Leveled(group_, NoUser()).levels.at(depth);
     SQLite::Statement query(database_, level.query);
     Bind(query);
     while (query.executeStep()) {
       const SQLite::Column column = query.getColumn(0);
       values_.push_back(View(column));
       // Only below the value is it known whether it is a user.
-      const ToldGroup told = Told(group_, NoUser());
+      const LeveledGroup told = Leveled(group_, NoUser());
       const bool innermost = depth + 1 == told.levels.size();
       const bool none = depth == 0 && NoUser();
       lines_.push_back("open " + std::to_string(depth) + " " + level.element + " " +
@@ -194,7 +194,7 @@ class ToldReader {
     return group_ >= 11 && !values_.empty() && values_.front() == CellView("-1");
   }
 
-  std::string SumsText(const ToldGroup& told) const {
+  std::string SumsText(const LeveledGroup& told) const {
     std::vector<std::string_view> sums = told.sums;
     if (told.batch_or_feed) {
       sums = {values_.back() == CellView("BATCH") ? "ActualBatch" : "ActualFeed", "Target"};
@@ -260,7 +260,7 @@ void WalkLog::CloseGroup(const WalkedGroup& group) {
 
 std::vector<std::string> ToldWalk(const std::filesystem::path& database, int group,
                                   const std::vector<std::string>& fields, std::string_view name) {
-  return ToldReader(database, group, fields, name).Read();
+  return LeveledReader(database, group, fields, name).Read();
 }
 
 }  // namespace vrx::testing

@@ -10,7 +10,7 @@
 
 #include "base/error.h"
 #include "base/files.h"
-#include "database/database_error.h"
+#include "database/connection.h"
 #include "export/export_site.h"
 #include "support/fixed_system_info.h"
 #include "support/recording_operator.h"

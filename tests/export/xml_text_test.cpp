@@ -1,9 +1,9 @@
-#include "export/xml_text.h"
-
 #include <string>
 #include <string_view>
 
 #include <gtest/gtest.h>
+
+#include "export/xml_export.h"
 
 namespace vrx::testing {
 namespace {

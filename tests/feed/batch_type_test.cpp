@@ -9,7 +9,6 @@
 #include <gtest/gtest.h>
 
 #include "base/error.h"
-#include "feed/adjust_list.h"
 
 namespace vrx {
 namespace {

@@ -13,7 +13,7 @@
 #include "database/connection.h"
 #include "database/records.h"
 #include "presenter/database_identity.h"
-#include "presenter/feed_action.h"
+#include "presenter/report_failure.h"
 #include "settings/settings.h"
 #include "support/database_files.h"
 #include "support/fixed_calendar.h"

@@ -1,7 +1,6 @@
-#include "feed/line_cells.h"
-
 #include <gtest/gtest.h>
 
+#include "feed/recipe_columns.h"
 #include "feed/record_fields.h"
 
 namespace vrx::testing {

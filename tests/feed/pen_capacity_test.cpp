@@ -1,10 +1,10 @@
-#include "feed/pen_capacity.h"
-
 #include <initializer_list>
 #include <utility>
 #include <vector>
 
 #include <gtest/gtest.h>
+
+#include "feed/record_fields.h"
 
 namespace vrx {
 namespace {

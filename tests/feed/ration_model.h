@@ -5,7 +5,6 @@
 #include <vector>
 
 #include "feed/ration.h"
-#include "feed/ration_totals.h"
 
 namespace vrx::testing {
 

@@ -9,10 +9,10 @@
 
 #include <gtest/gtest.h>
 
-#include "feed/adjust_list.h"
+#include "feed/batch_type.h"
+#include "feed/ration.h"
 #include "feed/ration_cells.h"
 #include "feed/soft_number.h"
-#include "feed/whole_number.h"
 
 namespace vrx::testing {
 namespace {

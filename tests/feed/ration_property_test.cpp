@@ -10,7 +10,6 @@
 #include "database/connection.h"
 #include "feed/ration.h"
 #include "feed/ration_cells.h"
-#include "feed/ration_totals.h"
 #include "feed/soft_number.h"
 
 namespace vrx::testing {

@@ -5,7 +5,6 @@
 
 #include "base/error.h"
 #include "feed/ration_cells.h"
-#include "feed/whole_number.h"
 
 namespace vrx::testing {
 namespace {

@@ -1,11 +1,9 @@
-#include "feed/ration_totals.h"
-
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 #include "base/error.h"
+#include "feed/ration.h"
 #include "feed/ration_cells.h"
-#include "feed/whole_number.h"
 
 namespace vrx::testing {
 namespace {

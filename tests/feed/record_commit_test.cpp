@@ -6,7 +6,7 @@
 #include <gmock/gmock.h>
 
 #include "base/error.h"
-#include "database/database_error.h"
+#include "database/connection.h"
 #include "database/identity.h"
 #include "feed/feed_database.h"
 #include "feed/ration.h"

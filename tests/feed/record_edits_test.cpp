@@ -1,10 +1,9 @@
-#include "feed/record_edits.h"
-
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include "feed/ration.h"
+#include "feed/record_commit.h"
 #include "feed/record_fields.h"
-#include "feed/whole_number.h"
 
 namespace vrx {
 namespace {

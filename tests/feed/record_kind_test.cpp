@@ -1,6 +1,6 @@
-#include "feed/record_kind.h"
-
 #include <gtest/gtest.h>
+
+#include "feed/record_fields.h"
 
 namespace vrx {
 namespace {

@@ -1,11 +1,10 @@
-#include "feed/record_store.h"
-
 #include <SQLiteCpp/Transaction.h>
 #include <gmock/gmock.h>
 
 #include "base/error.h"
-#include "database/database_error.h"
+#include "database/connection.h"
 #include "feed/feed_database.h"
+#include "feed/record_commit.h"
 
 namespace vrx::testing {
 namespace {

@@ -6,7 +6,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include "history/history_column.h"
+#include "history/columns.h"
 
 namespace vrx::testing {
 namespace {

@@ -10,9 +10,8 @@
 #include <gtest/gtest.h>
 
 #include "database/connection.h"
-#include "database/database_error.h"
+#include "history/columns.h"
 #include "history/grouped_rows.h"
-#include "history/history_column.h"
 #include "history/history_table.h"
 
 namespace vrx::testing {

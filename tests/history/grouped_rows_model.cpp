@@ -6,7 +6,7 @@
 #include <map>
 
 #include "database/exact_sum.h"
-#include "history/history_column.h"
+#include "history/columns.h"
 
 namespace vrx::testing {
 

@@ -7,9 +7,9 @@
 
 #include <gtest/gtest.h>
 
+#include "history/columns.h"
 #include "history/grouped_rows.h"
 #include "history/grouped_rows_model.h"
-#include "history/history_column.h"
 #include "history/history_table.h"
 
 namespace vrx::testing {

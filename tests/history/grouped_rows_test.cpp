@@ -8,7 +8,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include "history/history_column.h"
+#include "history/columns.h"
 #include "history/history_table.h"
 
 namespace vrx::testing {

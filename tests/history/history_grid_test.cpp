@@ -12,7 +12,7 @@
 #include <gtest/gtest.h>
 
 #include "base/number.h"
-#include "database/database_error.h"
+#include "database/connection.h"
 #include "support/small_history.h"
 
 namespace vrx::testing {

@@ -7,8 +7,8 @@
 
 #include "database/connection.h"
 #include "database/schema.h"
-#include "history/history_column.h"
-#include "history/statements.h"
+#include "history/columns.h"
+#include "history/group_query.h"
 
 namespace vrx::testing {
 

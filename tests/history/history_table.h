@@ -8,7 +8,7 @@
 
 #include <SQLiteCpp/Database.h>
 
-#include "history/cell_value.h"
+#include "history/group_query.h"
 #include "history/grouped_rows.h"
 #include "support/temp_folder.h"
 

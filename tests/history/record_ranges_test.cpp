@@ -1,5 +1,3 @@
-#include "history/record_ranges.h"
-
 #include <cstdint>
 #include <string>
 #include <vector>
@@ -7,9 +5,10 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include "database/transaction_ranges.h"
+#include "database/transactions.h"
 #include "history/data_group.h"
 #include "history/history_table.h"
+#include "history/record_pages.h"
 
 namespace vrx::testing {
 namespace {

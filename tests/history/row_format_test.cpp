@@ -7,8 +7,6 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include "history/format_style.h"
-
 namespace vrx::testing {
 namespace {
 

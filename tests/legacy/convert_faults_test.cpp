@@ -10,8 +10,8 @@
 #include <unistd.h>
 
 #include "legacy/conversion_site.h"
+#include "legacy/convert.h"
 #include "legacy/jet_file.h"
-#include "legacy/read_rows.h"
 #include "support/private_mounts.h"
 
 namespace vrx::testing {

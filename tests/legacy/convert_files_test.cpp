@@ -10,6 +10,7 @@
 
 #include "base/date.h"
 #include "base/number.h"
+#include "database/summary.h"
 #include "legacy/conversion_site.h"
 
 namespace vrx::testing {

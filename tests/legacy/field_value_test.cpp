@@ -6,7 +6,6 @@
 #include <gtest/gtest.h>
 
 #include "base/date.h"
-#include "legacy/jet_date.h"
 
 namespace vrx::testing {
 namespace {

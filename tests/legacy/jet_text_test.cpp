@@ -1,6 +1,6 @@
-#include "legacy/jet_text.h"
-
 #include <gtest/gtest.h>
+
+#include "legacy/jet_text.h"
 
 namespace vrx::testing {
 namespace {

@@ -7,7 +7,7 @@
 #include <utility>
 #include <vector>
 
-#include "legacy/legacy_rows.h"
+#include "legacy/row_stream.h"
 
 namespace vrx::testing {
 

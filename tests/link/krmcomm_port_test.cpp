@@ -2,7 +2,7 @@
 
 #include <gmock/gmock.h>
 
-#include "link/control_characters.h"
+#include "link/krmcomm.h"
 #include "link/link_fixture.h"
 
 namespace vrx::testing {

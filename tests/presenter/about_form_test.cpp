@@ -1,8 +1,8 @@
-#include "presenter/about_form.h"
-
 #include <algorithm>
 
 #include <gtest/gtest.h>
+
+#include "presenter/help.h"
 
 namespace vrx::testing {
 namespace {

@@ -1,6 +1,6 @@
-#include "presenter/connection_texts.h"
-
 #include <gtest/gtest.h>
+
+#include "presenter/setup.h"
 
 namespace vrx::testing {
 namespace {

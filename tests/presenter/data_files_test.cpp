@@ -17,8 +17,8 @@ namespace {
 
 namespace fs = std::filesystem;
 
-constexpr const char* kTransaction = "{BAT/FED},L\r\n[BAT],\x80\xFF\r\n";
-constexpr const char* kRecipe = "{DATA_IN},L\r\n\r\n[ING]\r\n";
+constexpr const char* kTransactionBytes = "{BAT/FED},L\r\n[BAT],\x80\xFF\r\n";
+constexpr const char* kRecipeBytes = "{DATA_IN},L\r\n\r\n[ING]\r\n";
 constexpr const char* kReport = "{REPORT}\r\npage\r\n";
 constexpr const char* kPage = "\fpage two\r\n";
 
@@ -26,8 +26,8 @@ class DataFiles : public ::testing::Test {
  protected:
   // A block of one file of each mark, as an upload leaves it.
   DataFiles() {
-    Add(DataFileType::kTransaction, kTransaction);
-    Add(DataFileType::kRecipeBackup, kRecipe);
+    Add(DataFileType::kTransaction, kTransactionBytes);
+    Add(DataFileType::kRecipeBackup, kRecipeBytes);
     Add(DataFileType::kReport, kReport);
     Add(DataFileType::kReport, kPage);
   }
@@ -74,11 +74,11 @@ class DataFiles : public ::testing::Test {
 
 TEST_F(DataFiles, ShowsTheFilesCharactersInTheDataWindow) {
   files_.ShowDataFile(2);
-  EXPECT_EQ(transfer_.data_window, kRecipe);
+  EXPECT_EQ(transfer_.data_window, kRecipeBytes);
   files_.ShowDataFile(4);
   EXPECT_EQ(transfer_.data_window, kPage);
   files_.ShowDataFile(1);
-  EXPECT_EQ(transfer_.data_window, kTransaction);
+  EXPECT_EQ(transfer_.data_window, kTransactionBytes);
 }
 
 TEST_F(DataFiles, ShowsNothingForANumberWithoutAFile) {
@@ -105,7 +105,7 @@ TEST_F(DataFiles, SavesATransactionFileByteForByte) {
   chooser_.Choose(folder_ / "may.qxt");
   files_.SaveDataFile(1);
 
-  EXPECT_EQ(ReadAll(folder_ / "may.qxt"), kTransaction);
+  EXPECT_EQ(ReadAll(folder_ / "may.qxt"), kTransactionBytes);
   ExpectSaveDialog(0, "Save Transaction File", "Transactions (*.QXT)|*.QXT|All Files (*.*)|*.*",
                    "QXT");
   EXPECT_EQ(transfer_.file_path, (folder_ / "may.qxt").string());
@@ -121,7 +121,7 @@ TEST_F(DataFiles, SavesARecipeBackup) {
   chooser_.Choose(folder_ / "May.rbu");
   files_.SaveDataFile(2);
 
-  EXPECT_EQ(ReadAll(folder_ / "May.rbu"), kRecipe);
+  EXPECT_EQ(ReadAll(folder_ / "May.rbu"), kRecipeBytes);
   ExpectSaveDialog(0, "Save Recipe Backup File", "Recipe Backup (*.RBU)|*.RBU|All Files (*.*)|*.*",
                    "RBU");
   EXPECT_EQ(op_.Status(), "Recipe backup file (2) saved!");

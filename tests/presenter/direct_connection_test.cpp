@@ -2,7 +2,7 @@
 
 #include <gmock/gmock.h>
 
-#include "exchange/recipe_backup.h"
+#include "exchange/recipe_text.h"
 #include "link/link_fixture.h"
 #include "presenter/upload.h"
 

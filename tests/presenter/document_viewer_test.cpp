@@ -1,10 +1,9 @@
-#include "presenter/document_viewer.h"
-
 #include <array>
 #include <utility>
 
 #include <gtest/gtest.h>
 
+#include "presenter/help.h"
 #include "support/fixed_system_info.h"
 
 namespace vrx {

@@ -1,7 +1,6 @@
-#include "presenter/documents.h"
-
 #include <gtest/gtest.h>
 
+#include "presenter/help.h"
 #include "support/fake_operating_system.h"
 #include "support/fixed_system_info.h"
 #include "support/recording_operator.h"

@@ -1,7 +1,6 @@
-#include "presenter/general_delay.h"
-
 #include <gtest/gtest.h>
 
+#include "presenter/command_states.h"
 #include "support/manual_pump.h"
 
 namespace vrx::testing {

@@ -7,7 +7,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include "database/database_error.h"
+#include "database/connection.h"
 #include "presenter/history.h"
 #include "settings/settings.h"
 #include "support/fixed_calendar.h"

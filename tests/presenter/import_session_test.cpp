@@ -6,10 +6,10 @@
 #include <gtest/gtest.h>
 
 #include "database/connection.h"
-#include "database/database_error.h"
-#include "exchange/import_columns.h"
+#include "exchange/imported_data.h"
 #include "exchange/store_site.h"
 #include "exchange/transaction_texts.h"
+#include "presenter/database_identity.h"
 #include "presenter/import.h"
 #include "support/fixed_system_info.h"
 #include "support/scripted_file_chooser.h"
@@ -71,11 +71,13 @@ class ImportSessionTest : public ::testing::Test, public ImportHost {
   std::vector<int> tabs_;
   std::vector<std::string> focused_;
   int changes_ = 0;
+  DatabaseIdentity identity_{site_.op, site_.calendar, site_.settings};
   ImportSession session_{{.op = site_.op,
                           .files = files_,
                           .system = system_,
                           .settings = site_.settings,
-                          .identity = site_.identity,
+                          .calendar = site_.calendar,
+                          .identity = identity_,
                           .progress = site_.progress,
                           .host = *this}};
 };

@@ -11,8 +11,6 @@ namespace fs = std::filesystem;
 using ::testing::ElementsAre;
 using ::testing::IsEmpty;
 
-constexpr auto kRecipe = DatabaseKind::kRecipe;
-constexpr auto kTransaction = DatabaseKind::kTransaction;
 
 class LifecycleOfOpenFiles : public LifecycleSite {
  protected:

@@ -15,8 +15,6 @@ using ::testing::ElementsAre;
 using ::testing::HasSubstr;
 using ::testing::IsEmpty;
 
-constexpr auto kRecipe = DatabaseKind::kRecipe;
-constexpr auto kTransaction = DatabaseKind::kTransaction;
 
 class LifecycleFaults : public LifecycleSite {
  protected:

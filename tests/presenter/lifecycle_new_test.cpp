@@ -12,8 +12,6 @@ using ::testing::HasSubstr;
 using ::testing::IsEmpty;
 using ::testing::SizeIs;
 
-constexpr auto kRecipe = DatabaseKind::kRecipe;
-constexpr auto kTransaction = DatabaseKind::kTransaction;
 
 class NewRecipeDatabase : public LifecycleSite {
  protected:

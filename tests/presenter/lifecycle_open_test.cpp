@@ -12,8 +12,6 @@ using ::testing::ElementsAre;
 using ::testing::IsEmpty;
 using ::testing::SizeIs;
 
-constexpr auto kRecipe = DatabaseKind::kRecipe;
-constexpr auto kTransaction = DatabaseKind::kTransaction;
 
 class BrowseRecipeDatabase : public LifecycleSite {};
 class BrowseTransactionDatabase : public LifecycleSite {};

@@ -10,8 +10,6 @@ namespace fs = std::filesystem;
 using ::testing::ElementsAre;
 using ::testing::SizeIs;
 
-constexpr auto kRecipe = DatabaseKind::kRecipe;
-constexpr auto kTransaction = DatabaseKind::kTransaction;
 
 class SaveAsSite : public LifecycleSite {
  protected:

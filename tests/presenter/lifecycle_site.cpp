@@ -4,7 +4,7 @@
 
 #include <SQLiteCpp/Statement.h>
 
-#include "database/translated.h"
+#include "database/connection.h"
 
 namespace vrx::testing {
 

@@ -20,6 +20,9 @@
 
 namespace vrx::testing {
 
+inline constexpr auto kRecipe = DatabaseKind::kRecipe;
+inline constexpr auto kTransaction = DatabaseKind::kTransaction;
+
 // What was done, in order.
 using Diary = std::vector<std::string>;
 

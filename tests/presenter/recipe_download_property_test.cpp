@@ -9,8 +9,8 @@
 
 #include <gtest/gtest.h>
 
-#include "exchange/recipe_download_store.h"
-#include "feed/ration_totals.h"
+#include "exchange/recipe_text.h"
+#include "feed/ration.h"
 #include "support/fixed_calendar.h"
 #include "support/recipe_file_reader.h"
 #include "support/recipe_tables.h"

@@ -3,7 +3,7 @@
 #include <gtest/gtest.h>
 
 #include "database/connection.h"
-#include "exchange/recipe_download_store.h"
+#include "exchange/recipe_text.h"
 #include "support/fixed_calendar.h"
 #include "support/full_recipe_database.h"
 #include "support/recipe_tables.h"

@@ -1,5 +1,3 @@
-#include "presenter/recipe_download.h"
-
 #include <functional>
 #include <memory>
 #include <string>
@@ -10,6 +8,7 @@
 #include "exchange/store_site.h"
 #include "link/krmcomm.h"
 #include "presenter/database_identity.h"
+#include "presenter/download.h"
 #include "settings/settings.h"
 #include "support/fake_serial_control.h"
 #include "support/fixed_calendar.h"

@@ -45,7 +45,7 @@ class ResetRecord : public FeedDatabaseTest {
 
   bool Reset(RecordKind kind, int id, Answer answer = Answer::kYes) {
     op.answers.push_back(answer);
-    return vrx::ResetRecord(database, kind, id, ports);
+    return AskAndReset(database, kind, id, ports) == ResetOutcome::kReset;
   }
 
   // The fields of all records in the order of their IDs, a bar between the fields.
@@ -137,7 +137,7 @@ TEST_F(ResetRecord, AUsedIngredientIsRefused) {
   EnterSteers();
   const std::string before = ReadAll(path);
   op.answers = {Answer::kYes, Answer::kOk};
-  EXPECT_FALSE(vrx::ResetRecord(database, RecordKind::kIngredient, 5, ports));
+  EXPECT_NE(AskAndReset(database, RecordKind::kIngredient, 5, ports), ResetOutcome::kReset);
   ASSERT_EQ(op.boxes.size(), 2U);
   EXPECT_EQ(op.boxes[1].title, "Set Ingredient Defaults");
   EXPECT_EQ(op.boxes[1].text,
@@ -165,7 +165,7 @@ TEST_F(ResetRecord, AnIngredientUsedTwiceIsRefusedOnce) {
   AddLine(3, 5);
   AddLine(3, 5);
   op.answers = {Answer::kYes, Answer::kCancel};
-  EXPECT_FALSE(vrx::ResetRecord(database, RecordKind::kIngredient, 5, ports));
+  EXPECT_NE(AskAndReset(database, RecordKind::kIngredient, 5, ports), ResetOutcome::kReset);
   EXPECT_EQ(op.boxes.size(), 2U);
 }
 
@@ -202,7 +202,7 @@ TEST_F(ResetRecord, AConnectionForReadingResetsNothing) {
   const std::string before = ReadAll(path);
   SQLite::Database reading = OpenDatabase(path, Access::kRead, kShortTimeout);
   op.answers = {Answer::kYes};
-  EXPECT_FALSE(vrx::ResetRecord(reading, RecordKind::kRecipe, 3, ports));
+  EXPECT_NE(AskAndReset(reading, RecordKind::kRecipe, 3, ports), ResetOutcome::kReset);
   ASSERT_EQ(op.boxes.size(), 2U);
   EXPECT_EQ(op.boxes[1].icon, Icon::kCritical);
   EXPECT_TRUE(ReadAll(path) == before);
@@ -223,7 +223,7 @@ TEST_F(ResetRecord, AFailureHalfwayLeavesTheWholeRecipe) {
 }
 
 TEST_F(ResetRecord, ARecordThatIsNotThereIsToldWithoutAQuestion) {
-  EXPECT_FALSE(vrx::ResetRecord(database, RecordKind::kPen, 401, ports));
+  EXPECT_NE(AskAndReset(database, RecordKind::kPen, 401, ports), ResetOutcome::kReset);
   ASSERT_EQ(op.boxes.size(), 1U);
   EXPECT_EQ(op.boxes[0].cause, "YARD.RDB has no row 401 in Pen");
 }

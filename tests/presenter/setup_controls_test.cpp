@@ -1,8 +1,7 @@
-#include "presenter/setup_controls.h"
-
 #include <gmock/gmock.h>
 
-#include "presenter/documents.h"
+#include "presenter/help.h"
+#include "presenter/setup.h"
 #include "support/fixed_system_info.h"
 #include "support/recording_operator.h"
 

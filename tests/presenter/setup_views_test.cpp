@@ -1,8 +1,7 @@
-#include "presenter/setup_views.h"
-
 #include <gtest/gtest.h>
 
 #include "base/files.h"
+#include "presenter/setup.h"
 #include "support/fixed_system_info.h"
 #include "support/temp_folder.h"
 

@@ -1,5 +1,3 @@
-#include "presenter/tab_folder.h"
-
 #include <functional>
 #include <string>
 #include <vector>
@@ -8,6 +6,7 @@
 #include <gtest/gtest.h>
 
 #include "base/error.h"
+#include "presenter/command_states.h"
 
 namespace vrx::testing {
 namespace {

@@ -1,5 +1,3 @@
-#include "feed/update_recipes.h"
-
 #include <numeric>
 #include <random>
 
@@ -7,7 +5,8 @@
 #include <gmock/gmock.h>
 
 #include "feed/feed_database.h"
-#include "feed/ration_totals.h"
+#include "feed/ration.h"
+#include "feed/recipe_storage.h"
 #include "presenter/record_actions.h"
 
 namespace vrx::testing {

@@ -6,7 +6,7 @@
 #include <gmock/gmock.h>
 
 #include "base/number.h"
-#include "database/database_error.h"
+#include "database/connection.h"
 #include "feed/feed_database.h"
 #include "presenter/record_actions.h"
 

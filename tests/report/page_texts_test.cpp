@@ -1,6 +1,6 @@
-#include "report/page_texts.h"
-
 #include <gtest/gtest.h>
+
+#include "report/report_page.h"
 
 namespace vrx::testing {
 namespace {

@@ -11,6 +11,7 @@
 #include <gmock/gmock.h>
 
 #include "base/error.h"
+#include "database/identity.h"
 #include "database/keep_database.h"
 #include "report/print_target.h"
 #include "report/report_layout.h"

@@ -379,5 +379,15 @@ TEST_F(PrivateIniTest, ABinaryFileReadsAsDefaultsAndKeepsItsBytes) {
   EXPECT_EQ(File().substr(0, garbage.size()), garbage);
 }
 
+TEST(BeepIfEnabled, AsksTheBooleanOfTheSetting) {
+  testing::RecordingOperator op;
+  PrivateINI settings;
+  BeepIfEnabled(op, settings);
+  EXPECT_EQ(op.beeps, 1);
+  settings.SetEnableBeeperOn(false);
+  BeepIfEnabled(op, settings);
+  EXPECT_EQ(op.beeps, 1);
+}
+
 }  // namespace
 }  // namespace vrx

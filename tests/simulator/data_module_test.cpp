@@ -9,7 +9,7 @@
 
 #include <gtest/gtest.h>
 
-#include "simulator/control_characters.h"
+#include "simulator/device.h"
 
 namespace vrx::simulator {
 namespace {

@@ -1,11 +1,11 @@
-#include "simulator/faults.h"
-
 #include <initializer_list>
 #include <stdexcept>
 #include <string>
 #include <string_view>
 
 #include <gtest/gtest.h>
+
+#include "simulator/transmitter.h"
 
 namespace vrx::simulator {
 namespace {

@@ -1,9 +1,9 @@
-#include "simulator/feeding_work.h"
-
 #include <map>
 #include <string>
 
 #include <gtest/gtest.h>
+
+#include "simulator/feed_plan.h"
 
 namespace vrx::simulator {
 namespace {

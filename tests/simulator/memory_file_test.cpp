@@ -1,11 +1,10 @@
-#include "simulator/memory_file.h"
-
 #include <filesystem>
 #include <string>
 #include <system_error>
 
 #include <gtest/gtest.h>
 
+#include "simulator/data_module.h"
 #include "support/temp_folder.h"
 
 namespace vrx::simulator {

@@ -1,8 +1,8 @@
-#include "simulator/reply_tap.h"
-
 #include <string>
 
 #include <gtest/gtest.h>
+
+#include "simulator/indicator.h"
 
 namespace vrx::simulator {
 namespace {

@@ -7,7 +7,7 @@
 
 #include <sys/types.h>
 
-#include "simulator/descriptor.h"
+#include "simulator/pty_line.h"
 
 namespace vrx::testing {
 

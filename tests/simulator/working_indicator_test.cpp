@@ -1,5 +1,3 @@
-#include "simulator/working_indicator.h"
-
 #include <fstream>
 #include <iterator>
 #include <stdexcept>
@@ -8,6 +6,7 @@
 
 #include <gtest/gtest.h>
 
+#include "simulator/indicator.h"
 #include "support/temp_folder.h"
 
 namespace vrx::simulator {

@@ -5,6 +5,7 @@
 #include <sstream>
 #include <stdexcept>
 
+#include "database/identity.h"
 #include "support/program.h"
 #include "support/temp_folder.h"
 

@@ -4,6 +4,8 @@
 #include <string>
 #include <vector>
 
+#include "database/identity.h"
+
 namespace vrx::testing {
 
 // A word as it stands on a page, in points from its upper left corner.

@@ -10,6 +10,7 @@
 
 #include "base/date.h"
 #include "base/error.h"
+#include "database/summary.h"
 #include "support/temp_folder.h"
 
 namespace vrx::testing {

@@ -4,7 +4,6 @@
 #include <gmock/gmock.h>
 
 #include "widgets/byte_text_edit.h"
-#include "widgets/data_window_text.h"
 
 namespace vrx::testing {
 namespace {

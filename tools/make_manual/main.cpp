@@ -16,7 +16,7 @@
 #include "base/error.h"
 #include "base/files.h"
 #include "desktop/app/captions.h"
-#include "desktop/dialogs/form_parts.h"
+#include "desktop/dialogs/about_and_splash.h"
 #include "make_manual/figures.h"
 #include "make_manual/manual_pdf.h"
 #include "make_manual/manual_style.h"

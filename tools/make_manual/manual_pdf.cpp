@@ -16,7 +16,7 @@ namespace {
 const QString kManualTitle = QStringLiteral("User\u2019s Manual");
 const QString kContents = QStringLiteral("Contents");
 
-Spans Plain(const QString& text) { return {{SpanStyle::kPlain, text.toStdString(), 0, {}}}; }
+Spans PlainSpans(const QString& text) { return {{SpanStyle::kPlain, text.toStdString(), 0, {}}}; }
 
 struct SetChapter {
   std::vector<Page> pages;
@@ -34,17 +34,17 @@ Drawing ContentsDrawing(const ContentsLine& line, const TextStyle& style) {
   constexpr double kNumberWidth = Points(30);
   const double indent = line.chapter ? 0 : kSectionIndent;
   const double width = kTextWidth - indent - kNumberWidth;
-  const TextBox text(Plain(line.text), style, width, {});
+  const TextBox text(PlainSpans(line.text), style, width, {});
   return [=](QPainter& painter, QPointF at) {
     text.DrawLine(painter, at + QPointF(indent, 0), 0);
-    const TextBox number(Plain(QString::number(line.page)), style, kNumberWidth, {});
+    const TextBox number(PlainSpans(QString::number(line.page)), style, kNumberWidth, {});
     number.DrawLine(painter, at + QPointF(kTextWidth - number.Width(), 0), 0);
   };
 }
 
 std::vector<Box> ContentsBoxes(const std::vector<ContentsLine>& lines) {
   std::vector<Box> boxes;
-  const TextBox head(Plain(kContents), kChapterText, kTextWidth, {});
+  const TextBox head(PlainSpans(kContents), kChapterText, kTextWidth, {});
   boxes.push_back({.height = head.Height() + Points(8),
                    .keeps_next = true,
                    .draw = [head](QPainter& painter, QPointF at) { head.Draw(painter, at); }});
@@ -165,7 +165,7 @@ class Manual {
     logo.render(&painter, QRectF(kSideMargin, kTop, kLogoSize, kLogoSize));
     double top = kTop + kLogoSize + Millimetres(14);
     const auto line = [&](const QString& text, const TextStyle& style) {
-      const TextBox box(Plain(text), style, kTextWidth, {});
+      const TextBox box(PlainSpans(text), style, kTextWidth, {});
       box.Draw(painter, {kSideMargin, top});
       top += box.Height();
     };
@@ -182,7 +182,7 @@ class Manual {
     constexpr double kHeadTop = Millimetres(12);
     constexpr double kFootTop = kPageHeight - Millimetres(16);
     const auto text = [&](double top, bool right, const QString& words) {
-      const TextBox box(Plain(words), kRunningText, kTextWidth, {});
+      const TextBox box(PlainSpans(words), kRunningText, kTextWidth, {});
       const double indent = right ? kTextWidth - box.Width() : 0;
       box.Draw(painter, {kSideMargin + indent, top});
     };

@@ -11,7 +11,7 @@
 #include "base/error.h"
 #include "base/files.h"
 #include "desktop/app/desktop_context.h"
-#include "link/control_characters.h"
+#include "link/krmcomm.h"
 #include "make_manual/sample_records.h"
 #include "platform/serial_control.h"
 #include "settings/data_folder.h"

@@ -67,6 +67,7 @@ void MakeTransactionDatabase(const fs::path& target, const fs::path& recipes,
                           .files = chooser,
                           .system = ports.system,
                           .settings = ports.settings,
+                          .calendar = ports.calendar,
                           .identity = identity,
                           .progress = progress,
                           .host = window});

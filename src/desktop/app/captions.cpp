@@ -1,9 +1,24 @@
 #include "desktop/app/captions.h"
 
+#include <QAction>
+#include <QLabel>
+#include <QMainWindow>
+#include <QMenu>
+#include <QMenuBar>
+#include <QToolBar>
 #include <algorithm>
 #include <array>
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <string_view>
+
+#include "base/number.h"
+#include "base/text.h"
+#include "widgets/qt_text.h"
 
 namespace vrx {
+
 namespace {
 
 struct Caption {
@@ -105,6 +120,40 @@ constexpr std::array kCaptions = std::to_array<Caption>({
     {1134, "*"},
 });
 
+// Nothing where the designed text stands for no row of the table.
+std::optional<QString> CaptionOf(const QString& designed) {
+  const std::optional<std::int32_t> id = ParseLong(ResolveCaptionId(designed.toStdString()));
+  const std::optional<std::string_view> text = id ? CaptionText(*id) : std::nullopt;
+  return text ? std::optional(ToQString(*text)) : std::nullopt;
+}
+
+QString TagOf(const QObject& control) { return control.property(kTagProperty).toString(); }
+
+void CaptionMenus(const QWidget& menu) {
+  for (QAction* const action : menu.actions()) {
+    if (action->isSeparator()) {
+      continue;
+    }
+    if (const std::optional<QString> text = CaptionOf(action->text())) {
+      action->setText(*text);
+    }
+    if (action->menu() != nullptr) {
+      CaptionMenus(*action->menu());
+    }
+  }
+}
+
+void CaptionToolBar(const QToolBar& bar) {
+  for (QAction* const action : bar.actions()) {
+    if (action->isSeparator()) {
+      continue;
+    }
+    if (const std::optional<QString> text = CaptionOf(action->toolTip())) {
+      action->setToolTip(*text);
+    }
+  }
+}
+
 }  // namespace
 
 std::optional<std::string_view> CaptionText(int id) {
@@ -115,6 +164,35 @@ std::optional<std::string_view> CaptionText(int id) {
     return std::nullopt;
   }
   return found->text;
+}
+
+void SetTag(QObject& control, int id) { control.setProperty(kTagProperty, QString::number(id)); }
+
+QLabel* AddLabel(QWidget& parent, const char* name, int caption) {
+  auto* const label = new QLabel(&parent);
+  label->setObjectName(QString::fromLatin1(name));
+  label->setTextFormat(Qt::PlainText);
+  if (caption != 0) {
+    SetTag(*label, caption);
+  }
+  return label;
+}
+
+void ApplyCaptionTable(QWidget& form) {
+  if (const std::optional<QString> title = CaptionOf(TagOf(form))) {
+    form.setWindowTitle(*title);
+  }
+  for (QLabel* const label : form.findChildren<QLabel*>()) {
+    if (const std::optional<QString> text = CaptionOf(TagOf(*label))) {
+      label->setText(*text);
+    }
+  }
+  for (const QMenuBar* const bar : form.findChildren<QMenuBar*>()) {
+    CaptionMenus(*bar);
+  }
+  for (const QToolBar* const bar : form.findChildren<QToolBar*>()) {
+    CaptionToolBar(*bar);
+  }
 }
 
 }  // namespace vrx

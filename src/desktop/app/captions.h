@@ -1,5 +1,7 @@
 #pragma once
 
+#include <QLabel>
+#include <QWidget>
 #include <optional>
 #include <string_view>
 
@@ -7,5 +9,23 @@ namespace vrx {
 
 // The text of a row of the caption table, ids 1000 to 1134; nothing for an id without a row.
 std::optional<std::string_view> CaptionText(int id);
+
+// The dynamic property that holds the id of a control's caption as a decimal text: the designed
+// `Tag`.
+inline constexpr const char* kTagProperty = "Tag";
+
+// Sets a tag; to be used where a form is laid out.
+void SetTag(QObject& control, int id);
+
+// A label of that objectName; an id of 0 leaves it without a tag.
+QLabel* AddLabel(QWidget& parent, const char* name, int caption = 0);
+
+// The caption pass of a form, first thing in its Load. The title comes from the form's tag, the
+// texts of labels from theirs; the items of the menu bar hold the id in their own text, the buttons
+// of toolbars in their tooltip. Anything else stays as it was laid out.
+//
+// A label without a numeric tag reads "TBD" until code sets it. An id that is not in the table
+// leaves a text as it is.
+void ApplyCaptionTable(QWidget& form);
 
 }  // namespace vrx

@@ -5,7 +5,7 @@
 #include "desktop/history/export_page.h"
 #include "desktop/history/history_page.h"
 #include "desktop/main_window/main_window.h"
-#include "export/style_sheet.h"
+#include "export/html_export.h"
 #include "presenter/database_commands.h"
 
 namespace vrx {

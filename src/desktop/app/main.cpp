@@ -5,7 +5,7 @@
 #include "adapters/stop_signals.h"
 #include "desktop/app/main_form.h"
 #include "desktop/app/program.h"
-#include "desktop/dialogs/form_parts.h"
+#include "desktop/dialogs/about_and_splash.h"
 #include "widgets/drawing.h"
 
 int main(int argc, char** argv) {

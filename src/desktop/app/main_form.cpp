@@ -9,7 +9,7 @@
 
 #include "base/text.h"
 #include "desktop/app/lost_edits.h"
-#include "desktop/dialogs/help_commands.h"
+#include "desktop/dialogs/about_and_splash.h"
 #include "widgets/qt_text.h"
 
 namespace vrx {

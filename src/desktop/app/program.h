@@ -12,8 +12,7 @@
 #include "desktop/app/program_exit.h"
 #include "desktop/app/qt_file_chooser.h"
 #include "desktop/app/qt_services.h"
-#include "desktop/app/qt_user_settings.h"
-#include "desktop/dialogs/splash.h"
+#include "desktop/dialogs/about_and_splash.h"
 
 class QSessionManager;
 

@@ -5,7 +5,7 @@
 #include <string>
 #include <string_view>
 
-#include "database/kind_words.h"
+#include "database/identity.h"
 
 namespace vrx {
 

@@ -5,14 +5,30 @@
 #include <QFileDialog>
 #include <QFileInfo>
 #include <QHeaderView>
+#include <QMimeDatabase>
 #include <QStringList>
 #include <QTreeView>
+#include <algorithm>
+#include <array>
 #include <utility>
 
 #include "widgets/qt_text.h"
 
 namespace vrx {
+
 namespace {
+
+// Files that the kernel makes up have no size, or lie in one of these folders.
+bool IsStored(const QFileInfo& file) {
+  static const std::array<QString, 3> kernel_folders = {
+      QStringLiteral("/proc/"), QStringLiteral("/sys/"), QStringLiteral("/dev/")};
+  if (!file.isFile() || file.size() == 0) {
+    return false;
+  }
+  const QString path = file.canonicalFilePath();
+  return std::none_of(kernel_folders.begin(), kernel_folders.end(),
+                      [&](const QString& folder) { return path.startsWith(folder); });
+}
 
 // A dialog reads a folder as soon as it is made, before it has our icons: one that only holds
 // folders.
@@ -75,6 +91,19 @@ FileChoice ChoiceOf(const QString& path) {
 }
 
 }  // namespace
+
+QIcon FileIcons::icon(const QFileInfo& file) const {
+  return file.isDir() || IsStored(file) ? QFileIconProvider::icon(file)
+                                        : QFileIconProvider::icon(IconType::File);
+}
+
+QString FileIcons::type(const QFileInfo& file) const {
+  return file.isDir() || IsStored(file)
+             ? QFileIconProvider::type(file)
+             : QMimeDatabase()
+                   .mimeTypeForFile(file.fileName(), QMimeDatabase::MatchExtension)
+                   .comment();
+}
 
 QtFileChooser::QtFileChooser(std::function<std::string()> home) : home_(std::move(home)) {}
 

@@ -1,15 +1,27 @@
 #pragma once
 
+#include <QFileIconProvider>
 #include <QString>
 #include <functional>
 #include <string>
 
-#include "desktop/app/file_icons.h"
 #include "platform/file_chooser.h"
 
 class QFileDialog;
 
 namespace vrx {
+
+// Icons and kinds of the files in a file dialog. The usual provider reads the beginning of a file
+// whose name does not tell its kind; this one does so for stored files only. A read of a special
+// file, or of one that the kernel makes up (/proc/kmsg), can wait for ever.
+//
+// Is called from a thread of the dialog.
+class FileIcons : public QFileIconProvider {
+ public:
+  using QFileIconProvider::icon;
+  QIcon icon(const QFileInfo& file) const override;
+  QString type(const QFileInfo& file) const override;
+};
 
 // File dialogs over the active window. They are Qt's own rather than the platform's, so that a name
 // gets its default extension ahead of the question whether to overwrite, everywhere.

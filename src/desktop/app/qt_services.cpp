@@ -5,12 +5,17 @@
 #include <QFontMetrics>
 #include <QGridLayout>
 #include <QMessageBox>
+#include <QSettings>
 #include <QSpacerItem>
+#include <memory>
 
 #include "base/application.h"
+#include "base/error.h"
+#include "settings/data_folder.h"
 #include "widgets/qt_text.h"
 
 namespace vrx {
+
 namespace {
 
 QMessageBox::Icon IconOf(Icon icon) {
@@ -103,6 +108,15 @@ void MakeRoomForTitle(QMessageBox& box) {
   grid.addItem(new QSpacerItem(width, 0), grid.rowCount(), 0, 1, grid.columnCount());
 }
 
+std::unique_ptr<QSettings> OpenStore() {
+  auto store =
+      std::make_unique<QSettings>(QSettings::NativeFormat, QSettings::UserScope,
+                                  ToQString(kMakerFolderName), ToQString(kApplicationTitle));
+  store->setFallbacksEnabled(false);
+  store->beginGroup(QStringLiteral("Settings"));
+  return store;
+}
+
 }  // namespace
 
 Answer QtOperator::ShowMessage(const MessageBox& box) {
@@ -141,5 +155,18 @@ void QtOperator::SetBusy(bool busy) {
 void QtOperator::SetStatusLine(std::string_view text) { Q_EMIT StatusLineChanged(ToQString(text)); }
 
 void QtOperator::SetStatusColor(StatusColor color) { Q_EMIT StatusColorChanged(color); }
+
+std::string QtUserSettings::GetSetting(std::string_view key) const {
+  return OpenStore()->value(ToQString(key)).toString().toStdString();
+}
+
+void QtUserSettings::SaveSetting(std::string_view key, std::string_view value) {
+  const std::unique_ptr<QSettings> store = OpenStore();
+  store->setValue(ToQString(key), ToQString(value));
+  store->sync();
+  if (store->status() != QSettings::NoError) {
+    throw Error("cannot write the user's settings in " + store->fileName().toStdString());
+  }
+}
 
 }  // namespace vrx

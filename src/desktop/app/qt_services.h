@@ -2,9 +2,13 @@
 
 #include <QObject>
 #include <QString>
+#include <functional>
+#include <string>
 #include <string_view>
+#include <utility>
 
 #include "platform/operator.h"
+#include "platform/user_settings.h"
 
 namespace vrx {
 
@@ -29,6 +33,46 @@ class QtOperator : public QObject, public Operator {
 
  private:
   bool busy_ = false;
+};
+
+// The operator as a flow of a page knows them: ahead of whatever they are told or asked, the page
+// shows what the flow holds by then.
+class ShowingOperator : public Operator {
+ public:
+  ShowingOperator(Operator& op, std::function<void()> show) : op_(op), show_(std::move(show)) {}
+
+  Answer ShowMessage(const MessageBox& box) override {
+    show_();
+    return op_.ShowMessage(box);
+  }
+  void Beep() override { op_.Beep(); }
+  void SetBusy(bool busy) override { op_.SetBusy(busy); }
+  void SetStatusLine(std::string_view text) override {
+    show_();
+    told_ = !text.empty();
+    op_.SetStatusLine(text);
+  }
+  void SetStatusColor(StatusColor color) override {
+    color_ = color;
+    op_.SetStatusColor(color);
+  }
+
+  // The status line tells a failure.
+  bool StatusIsError() const { return told_ && color_ == StatusColor::kRed; }
+
+ private:
+  Operator& op_;
+  std::function<void()> show_;
+  StatusColor color_ = StatusColor::kBlue;
+  bool told_ = false;
+};
+
+// The platform's own store: on Linux an INI file below $XDG_CONFIG_HOME, on Windows the registry of
+// the user.
+class QtUserSettings : public UserSettings {
+ public:
+  std::string GetSetting(std::string_view key) const override;
+  void SaveSetting(std::string_view key, std::string_view value) override;
 };
 
 }  // namespace vrx

@@ -5,7 +5,7 @@
 #include "desktop/recipes/recipes_page.h"
 #include "desktop/records/ingredients_page.h"
 #include "desktop/records/pens_page.h"
-#include "presenter/status_panels.h"
+#include "presenter/command_states.h"
 
 namespace vrx {
 

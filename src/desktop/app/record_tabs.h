@@ -7,9 +7,9 @@
 #include "desktop/main_window/main_window.h"
 #include "desktop/records/record_page.h"
 #include "feed/key_filters.h"
+#include "presenter/command_states.h"
 #include "presenter/database_commands.h"
-#include "presenter/feed_action.h"
-#include "presenter/general_delay.h"
+#include "presenter/report_failure.h"
 
 namespace vrx {
 

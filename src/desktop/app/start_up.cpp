@@ -7,7 +7,7 @@
 #include "base/application.h"
 #include "base/error.h"
 #include "base/files.h"
-#include "presenter/general_delay.h"
+#include "presenter/command_states.h"
 
 namespace vrx {
 namespace {

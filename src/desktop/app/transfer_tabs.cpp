@@ -6,8 +6,8 @@
 
 #include "base/files.h"
 #include "base/number.h"
+#include "database/connection.h"
 #include "database/identity.h"
-#include "database/translated.h"
 #include "desktop/records/record_page.h"
 
 namespace vrx {
@@ -32,6 +32,7 @@ TransferTabs::TransferTabs(const Ports& ports)
                               .files = ports.files,
                               .system = ports.system,
                               .settings = ports.settings,
+                              .calendar = ports.calendar,
                               .identity = ports.identity,
                               .window = *this,
                               .pic_import = ports.window.Panels().PicImport()})) {

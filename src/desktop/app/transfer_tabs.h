@@ -3,7 +3,7 @@
 #include <vector>
 
 #include "desktop/main_window/main_window.h"
-#include "desktop/print/qt_text_printer.h"
+#include "desktop/print/text_printer.h"
 #include "desktop/setup/setup_form.h"
 #include "desktop/transfer/data_transfer_page.h"
 #include "desktop/transfer/import_page.h"

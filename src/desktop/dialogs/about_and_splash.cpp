@@ -1,20 +1,52 @@
 #include "desktop/dialogs/about_and_splash.h"
 
+#include <QApplication>
+#include <QFrame>
 #include <QGridLayout>
 #include <QHBoxLayout>
+#include <QLabel>
 #include <QPushButton>
+#include <QScreen>
 #include <QVBoxLayout>
 
-#include "desktop/app/caption_pass.h"
-#include "desktop/dialogs/form_parts.h"
-#include "presenter/about_form.h"
+#include "desktop/app/captions.h"
 #include "presenter/help.h"
 #include "settings/data_folder.h"
+#include "widgets/drawing.h"
+#include "widgets/layout.h"
 #include "widgets/qt_text.h"
-#include "widgets/svg_image.h"
 
 namespace vrx {
+
 namespace {
+
+// Logical pixels around what a form holds.
+constexpr int kFormMargin = 24;
+
+constexpr int kProductCaption = 1081;  // the title of both forms
+
+void SetFontScale(QWidget& widget, double scale, QFont::Weight weight = QFont::Normal) {
+  QFont font = widget.font();
+  font.setPointSizeF(font.pointSizeF() * scale);
+  font.setWeight(weight);
+  widget.setFont(font);
+}
+
+constexpr int kCopyrightCaption = 1030;
+constexpr int kVisitCaption = 1083;
+constexpr int kRightsCaption = 1105;
+constexpr int kUrlCaption = 1116;
+
+// `lblCopyright`, `lblRights`, `lblVisit` and `lblURL`.
+void AddMakersWords(QWidget& form, QBoxLayout& column) {
+  column.addWidget(AddLabel(form, "lblCopyright", kCopyrightCaption));
+  column.addWidget(AddLabel(form, "lblRights", kRightsCaption));
+  column.addSpacing(kSpacing);
+  column.addWidget(AddLabel(form, "lblVisit", kVisitCaption));
+  QLabel* const url = AddLabel(form, "lblURL", kUrlCaption);
+  url->setTextInteractionFlags(Qt::TextSelectableByMouse);
+  column.addWidget(url);
+}
 
 constexpr QSize kLogoSize{80, 80};
 constexpr double kTitleScale = 1.8;  // of the application's font
@@ -78,6 +110,37 @@ void LayOut(QDialog& form) {
   column->setSizeConstraint(QLayout::SetFixedSize);
 }
 
+constexpr QSize kFormSize{480, 300};
+constexpr QSize kSplashLogoSize{112, 112};
+constexpr double kProductScale = 2.4;  // of the application's font
+
+void LayOut(QFrame& frame) {
+  auto* const image = new SvgImage(kLogoPath, kSplashLogoSize, &frame);
+  image->setObjectName(QStringLiteral("Image1"));
+  QLabel* const product = AddLabel(frame, "lblProductName");
+  SetFontScale(*product, kProductScale, QFont::DemiBold);
+
+  auto* const words = new QVBoxLayout;
+  words->setSpacing(kSpacing);
+  words->addStretch(1);
+  words->addWidget(product);
+  words->addWidget(AddLabel(frame, "lblVersion"));
+  words->addStretch(1);
+
+  auto* const head = new QHBoxLayout;
+  head->setSpacing(kFormMargin);
+  head->addWidget(image);
+  head->addLayout(words, 1);
+
+  auto* const column = new QVBoxLayout(&frame);
+  const int margin = kFormMargin - frame.frameWidth();  // even, so that edges are sharp at 1.5 too
+  column->setContentsMargins(margin, margin, margin, margin);
+  column->setSpacing(kSpacing / 2);
+  column->addLayout(head);
+  column->addStretch(1);
+  AddMakersWords(frame, *column);
+}
+
 }  // namespace
 
 About::About(const SystemInfo& system, OperatingSystem& os, Operator& op, QWidget* owner)
@@ -93,6 +156,43 @@ About::About(const SystemInfo& system, OperatingSystem& os, Operator& op, QWidge
           &QDialog::accept);
   connect(findChild<QPushButton*>(QStringLiteral("cmdSysInfo")), &QPushButton::clicked, this,
           [&system, &os, &op] { StartSysInfo(system, os, op); });
+}
+
+std::unique_ptr<QWidget> Splash::Load() {
+  auto form = std::make_unique<QWidget>(nullptr, Qt::SplashScreen | Qt::FramelessWindowHint);
+  form->setObjectName(QStringLiteral("SPLASH"));
+  SetTag(*form, kProductCaption);
+  auto* const frame = new QFrame(form.get());
+  frame->setObjectName(QStringLiteral("fraMainFrame"));
+  frame->setFrameShape(QFrame::StyledPanel);
+  LayOut(*frame);
+  auto* const whole = new QVBoxLayout(form.get());
+  whole->setContentsMargins({});
+  whole->addWidget(frame);
+
+  ApplyCaptionTable(*form);
+  form->findChild<QLabel*>(QStringLiteral("lblVersion"))->setText(VersionText());
+  form->findChild<QLabel*>(QStringLiteral("lblProductName"))->setText(ToQString(kProductName));
+  form->resize(kFormSize.expandedTo(form->sizeHint()));
+  return form;
+}
+
+void Splash::Show() {
+  form_ = Load();
+  const QRect screen = QApplication::primaryScreen()->availableGeometry();
+  form_->move(screen.center() - form_->rect().center());
+  form_->show();
+  form_->repaint();
+  QApplication::processEvents(QEventLoop::ExcludeUserInputEvents);  // lets the screen have it
+}
+
+QString VersionText() { return ToQString(ProgramVersion()); }
+
+void SetHelpHandlers(MainWindow& window, const SystemInfo& system, OperatingSystem& os,
+                     Operator& op) {
+  window.SetHandler(MainCommand::kManual, [&] { ShowDocument(kUsersManual, system, os, op); });
+  window.SetHandler(MainCommand::kReadme, [&] { ShowDocument(kReadme, system, os, op); });
+  window.SetHandler(MainCommand::kAbout, [&] { About(system, os, op, &window).exec(); });
 }
 
 }  // namespace vrx

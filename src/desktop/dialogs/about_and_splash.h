@@ -1,7 +1,12 @@
 #pragma once
 
 #include <QDialog>
+#include <QString>
+#include <QWidget>
+#include <memory>
 
+#include "desktop/app/start_up.h"
+#include "desktop/main_window/main_window.h"
 #include "platform/operating_system.h"
 #include "platform/operator.h"
 #include "platform/system_info.h"
@@ -15,5 +20,28 @@ class About : public QDialog {
  public:
   About(const SystemInfo& system, OperatingSystem& os, Operator& op, QWidget* owner);
 };
+
+// The form `SPLASH`: who the program is, while it loads.
+class Splash : public SplashForm {
+ public:
+  void Show() override;
+  void Unload() override { form_.reset(); }
+
+  // Lays the form out and gives it its texts.
+  static std::unique_ptr<QWidget> Load();
+
+ private:
+  std::unique_ptr<QWidget> form_;
+};
+
+// The drawing on `SPLASH` and `ABOUT`.
+inline const QString kLogoPath = QStringLiteral(":/icons/logo.svg");
+
+// The program's version: major, minor and revision with points between them.
+QString VersionText();
+
+// The work of the Help menu: both documents and the About box. Everything outlives the window.
+void SetHelpHandlers(MainWindow& window, const SystemInfo& system, OperatingSystem& os,
+                     Operator& op);
 
 }  // namespace vrx

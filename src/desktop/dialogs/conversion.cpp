@@ -1,15 +1,116 @@
 #include "desktop/dialogs/conversion.h"
 
+#include <QClipboard>
+#include <QDialog>
+#include <QGuiApplication>
+#include <QHBoxLayout>
+#include <QPushButton>
 #include <QVBoxLayout>
+#include <string>
+#include <string_view>
+#include <utility>
 
-#include "desktop/dialogs/conversion_report_dialog.h"
-#include "widgets/main_window_layout.h"
+#include "base/files.h"
+#include "platform/file_chooser.h"
+#include "platform/operator.h"
+#include "widgets/labels.h"
+#include "widgets/layout.h"
 #include "widgets/qt_text.h"
 
 namespace vrx {
+
 namespace {
 
 constexpr int kBarWidth = 320;
+
+// The report of a conversion, to be read, copied and saved as a text file.
+class ConversionReportDialog : public QDialog {
+  Q_OBJECT
+
+ public:
+  // UTF-8, lines by LF. Whatever is referred to outlives this.
+  ConversionReportDialog(std::string_view text, std::string file_name, FileChooser& files,
+                         Operator& op, QWidget* owner);
+
+ private:
+  void Save();
+  void CopyText() const;
+
+  std::string text_;
+  std::string file_name_;
+  FileChooser& files_;
+  Operator& operator_;
+  TextView* view_;
+};
+
+// What the report's longest lines of figures need.
+constexpr int kColumns = 96;
+constexpr int kLines = 28;
+
+ConversionReportDialog::ConversionReportDialog(std::string_view text, std::string file_name,
+                                               FileChooser& files, Operator& op, QWidget* owner)
+    : QDialog(owner),
+      text_(text),
+      file_name_(std::move(file_name)),
+      files_(files),
+      operator_(op),
+      view_(new TextView("txtConversionReport", QStringLiteral("Report of the conversion"), this)) {
+  setObjectName(QStringLiteral("dlgConversionReport"));
+  setWindowTitle(QStringLiteral("Database Conversion"));
+  setModal(true);
+  view_->ShowText(text_);
+  view_->setLineWrapMode(QPlainTextEdit::WidgetWidth);
+  // Its text is taken with the keyboard, too.
+  view_->setTextInteractionFlags(Qt::TextSelectableByMouse | Qt::TextSelectableByKeyboard);
+  const QFontMetrics metrics(view_->font());
+  view_->setMinimumHeight(metrics.lineSpacing() * kLines / 2);
+  auto* const buttons = new QHBoxLayout;
+  buttons->setSpacing(kSpacing);
+  const auto add_button = [&](const QString& name, const QString& caption) {
+    auto* const button = new QPushButton(caption, this);
+    button->setObjectName(name);
+    button->setAutoDefault(false);
+    buttons->addWidget(button);
+    return button;
+  };
+  QPushButton* const save = add_button(QStringLiteral("cmdSave"), QStringLiteral("&Save..."));
+  QPushButton* const copy = add_button(QStringLiteral("cmdCopy"), QStringLiteral("&Copy"));
+  buttons->addStretch();
+  QPushButton* const close = add_button(QStringLiteral("cmdClose"), QStringLiteral("C&lose"));
+  close->setDefault(true);
+  connect(save, &QPushButton::clicked, this, &ConversionReportDialog::Save);
+  connect(copy, &QPushButton::clicked, this, &ConversionReportDialog::CopyText);
+  connect(close, &QPushButton::clicked, this, &QDialog::accept);
+  auto* const column = new QVBoxLayout(this);
+  column->setContentsMargins(kGroupSpacing, kGroupSpacing, kGroupSpacing, kGroupSpacing);
+  column->setSpacing(kGroupSpacing);
+  column->addWidget(view_);
+  column->addLayout(buttons);
+  resize(metrics.averageCharWidth() * kColumns, metrics.lineSpacing() * kLines);
+  close->setFocus();
+}
+
+void ConversionReportDialog::Save() {
+  const FileChoice choice =
+      files_.ShowSave({.title = "Save Report As...",
+                       .filter = "Text Files (*.TXT)|*.TXT|All Files (*.*)|*.*",
+                       .default_extension = "TXT",
+                       .start_folder = {},
+                       .flags = kHideReadOnly | kOverwritePrompt});
+  if (choice.Cancelled()) {
+    return;
+  }
+  try {
+    WriteFileBytes(choice.path, text_);
+  } catch (const FileError& failure) {
+    operator_.ShowMessage(
+        {.icon = Icon::kCritical, .title = "Database Conversion Error", .text = failure.what()});
+  }
+}
+
+void ConversionReportDialog::CopyText() const {
+  QGuiApplication::clipboard()->setText(ToQString(text_));
+}
 
 }  // namespace
 
@@ -71,3 +172,5 @@ void QtConversionDisplay::ShowReport(std::string_view text, const std::string& f
 }
 
 }  // namespace vrx
+
+#include "conversion.moc"

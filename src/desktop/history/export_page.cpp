@@ -10,9 +10,10 @@
 #include <utility>
 
 #include "base/text.h"
-#include "presenter/tell_failure.h"
+#include "desktop/app/captions.h"
+#include "presenter/report_failure.h"
 #include "settings/settings.h"
-#include "widgets/main_window_layout.h"
+#include "widgets/layout.h"
 #include "widgets/qt_text.h"
 
 namespace vrx {

@@ -10,8 +10,8 @@
 #include <functional>
 #include <string_view>
 
-#include "desktop/app/showing_operator.h"
-#include "desktop/main_window/main_tab_page.h"
+#include "desktop/app/qt_services.h"
+#include "desktop/main_window/tabs.h"
 #include "presenter/export.h"
 #include "widgets/fields.h"
 

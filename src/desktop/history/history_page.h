@@ -3,18 +3,49 @@
 #include <QCheckBox>
 #include <QComboBox>
 #include <QLabel>
+#include <QPushButton>
 #include <QStackedLayout>
+#include <QWidget>
+#include <array>
 #include <functional>
 #include <optional>
 
-#include "desktop/history/history_navigator.h"
 #include "desktop/history/history_table.h"
-#include "desktop/main_window/main_tab_page.h"
+#include "desktop/main_window/tabs.h"
 #include "presenter/database_identity.h"
 #include "presenter/history.h"
-#include "widgets/choice_list.h"
+#include "widgets/fields.h"
 
 namespace vrx {
+
+// The record navigator of the history grid: "Transaction:", the number of the row that the grid
+// stands on, which can be typed over, "of" the number of rows.
+class HistoryNavigator : public QWidget {
+  Q_OBJECT
+
+ public:
+  explicit HistoryNavigator(QWidget* parent = nullptr);
+
+  // From 0; -1 for none.
+  void ShowRow(int row);
+  void ShowCount(int rows);
+
+ Q_SIGNALS:
+  // The operator asks for that row, from 0, which is there.
+  void RowChosen(int row);
+
+ private:
+  void Move(int button);
+  void GoToTyped();
+  void ShowState();
+
+  std::array<QPushButton*, 4> buttons_{};  // by NavigateButton
+  FilteredEdit* number_;
+  QLabel* caption_;
+  QLabel* count_;
+  int row_ = -1;
+  int rows_ = 0;
+};
 
 // The `Batched/Fed` tab. Shows one of the data groups of the open transaction database, with the
 // names of the open recipe database over its ingredient columns. What is stored while it is on show

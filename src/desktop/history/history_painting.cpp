@@ -1,11 +1,19 @@
 #include "desktop/history/history_painting.h"
 
+#include <QFontMetrics>
+#include <QStyle>
+#include <QStyleOption>
+#include <QWidget>
 #include <cstddef>
 
+#include "desktop/dialogs/about_and_splash.h"
+#include "history/columns.h"
 #include "widgets/drawing.h"
+#include "widgets/layout.h"
 #include "widgets/qt_text.h"
 
 namespace vrx {
+
 namespace {
 
 constexpr double kHeaderPoints = 9.75;
@@ -52,6 +60,64 @@ QColor TextOn(FormatStyle style, const StyleColor& told, const QColor& color, co
 
 QColor ColorOf(const QPalette& palette, const StyleColor& color) {
   return color.system ? palette.color(RoleOf(*color.system)) : QColor(QRgb{color.rgb});
+}
+
+constexpr int kIndent = 2 * kSpacing;  // a level of groups
+constexpr int kMarkSize = 2 * kSpacing;
+
+QColor Between(const QColor& one, const QColor& other) {
+  return QColor::fromRgbF((one.redF() + 3 * other.redF()) / 4,
+                          (one.greenF() + 3 * other.greenF()) / 4,
+                          (one.blueF() + 3 * other.blueF()) / 4);
+}
+
+// A number that is a little wider than its column is drawn narrower: a total loses no digit. A
+// number in a column that the operator made much narrower is cut, with a mark.
+bool DrawNarrower(QPainter& painter, const QRect& room, int width, int baseline,
+                  const QString& text) {
+  constexpr double kLeastScale = 0.65;
+  const double scale = static_cast<double>(room.width()) / width;
+  if (scale < kLeastScale) {
+    return false;
+  }
+  painter.save();
+  painter.translate(room.left(), baseline);
+  painter.scale(scale, 1);
+  painter.drawText(0, 0, text);
+  painter.restore();
+  return true;
+}
+
+// In the middle of the height of its room. Laying out in a rectangle would take twice the time.
+void DrawText(QPainter& painter, const QRect& room, bool right, QString text,
+              const HistoryLook& look) {
+  painter.setFont(look.font);
+  painter.setPen(look.text);
+  const QFontMetrics metrics = painter.fontMetrics();
+  const int baseline = room.top() + (room.height() + metrics.ascent() - metrics.descent() + 1) / 2;
+  int left = room.left();
+  const bool surely_fits = text.size() * metrics.maxWidth() <= room.width();
+  if (right || !surely_fits) {
+    const int width = metrics.horizontalAdvance(text);
+    if (width > room.width()) {
+      if (right && DrawNarrower(painter, room, width, baseline, text)) {
+        return;
+      }
+      text = metrics.elidedText(text, Qt::ElideRight, room.width());
+    } else if (right) {
+      left += room.width() - width;
+    }
+  }
+  painter.drawText(left, baseline, text);
+}
+
+void DrawCell(QPainter& painter, const ShownRow& row, const ColumnSpan& span, const QRect& cell,
+              const HistoryLook& look) {
+  const std::string& text = row.cells.at(static_cast<std::size_t>(span.column) - 1);
+  if (!text.empty()) {
+    DrawText(painter, cell.adjusted(kHistoryMargin, 0, -kHistoryMargin, 0),
+             HistoryColumnAt(span.column).right_aligned, ToQString(text), look);
+  }
 }
 
 }  // namespace
@@ -113,6 +179,55 @@ HistoryLook HistoryStyles::Over(const QPalette& palette, FormatStyle style, Hist
     look.font.setBold(true);
   }
   return look;
+}
+
+HistoryRowPainter::HistoryRowPainter(const QWidget& view)
+    : view_(view),
+      styles_(view.palette()),
+      line_(Between(view.palette().color(QPalette::Text), view.palette().color(QPalette::Mid))) {
+  line_.setAlphaF(0.35F);
+}
+
+QRect HistoryRowPainter::MarkOf(int depth, const QRect& line) {
+  const int left = line.left() + kHistoryMargin + (depth - 1) * kIndent;
+  return {left, line.center().y() - kMarkSize / 2, kMarkSize, kMarkSize};
+}
+
+void HistoryRowPainter::Paint(QPainter& painter, const ShownRow& row, std::int64_t number,
+                              const QRect& area, const std::vector<ColumnSpan>& columns,
+                              bool selected) const {
+  const HistoryLook& look = styles_.Row(row.kind, number, selected);
+  painter.fillRect(area, look.back);
+  if (row.kind == HistoryRowKind::kGroup) {
+    PaintGroup(painter, row, area, look);
+  } else {
+    for (const ColumnSpan& span : columns) {
+      const QRect cell{span.left, area.top(), span.width, area.height()};
+      const HistoryLook& own = styles_.Cell(row.kind, span.column, number, selected);
+      if (own.back != look.back) {
+        painter.fillRect(cell, own.back);
+      }
+      DrawCell(painter, row, span, cell, own);
+      painter.setPen(line_);
+      painter.drawLine(cell.topRight(), cell.bottomRight());
+    }
+  }
+  painter.setPen(line_);
+  painter.drawLine(area.bottomLeft(), area.bottomRight());
+}
+
+void HistoryRowPainter::PaintGroup(QPainter& painter, const ShownRow& row, const QRect& area,
+                                   const HistoryLook& look) const {
+  QStyleOption mark;
+  mark.initFrom(&view_);
+  mark.rect = MarkOf(row.depth, area);
+  mark.state |= QStyle::State_Children;
+  mark.state.setFlag(QStyle::State_Open, row.open);
+  mark.palette.setColor(QPalette::Text, look.text);
+  mark.palette.setColor(QPalette::WindowText, look.text);
+  view_.style()->drawPrimitive(QStyle::PE_IndicatorBranch, &mark, &painter, &view_);
+  const QRect room = area.adjusted(mark.rect.right() + 1 + kHistoryMargin - area.left(), 0, 0, 0);
+  DrawText(painter, room, false, ToQString(row.caption), look);
 }
 
 }  // namespace vrx

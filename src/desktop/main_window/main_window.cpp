@@ -10,10 +10,10 @@
 #include <QVBoxLayout>
 #include <algorithm>
 
-#include "desktop/app/caption_pass.h"
-#include "desktop/main_window/main_window_menus.h"
-#include "widgets/enter_as_tab.h"
-#include "widgets/main_window_layout.h"
+#include "desktop/app/captions.h"
+#include "desktop/main_window/menus_and_toolbar.h"
+#include "widgets/fields.h"
+#include "widgets/layout.h"
 #include "widgets/qt_text.h"
 
 namespace vrx {

@@ -4,9 +4,6 @@
 #include <functional>
 #include <string_view>
 
-#include "desktop/main_window/command_actions.h"
-#include "desktop/main_window/main_command.h"
-#include "desktop/main_window/main_tab_page.h"
 #include "desktop/main_window/menus_and_toolbar.h"
 #include "desktop/main_window/panels.h"
 #include "desktop/main_window/status_bar.h"
@@ -14,8 +11,7 @@
 #include "platform/calendar.h"
 #include "platform/operator.h"
 #include "presenter/command_states.h"
-#include "presenter/database_window.h"
-#include "presenter/tab_folder.h"
+#include "presenter/database_commands.h"
 #include "settings/settings.h"
 #include "widgets/calendar_popup.h"
 

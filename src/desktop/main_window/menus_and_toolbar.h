@@ -1,14 +1,99 @@
 #pragma once
 
+#include <QAction>
+#include <QMenuBar>
 #include <QToolBar>
 #include <array>
+#include <functional>
+#include <map>
 #include <span>
+#include <string>
 #include <string_view>
-
-#include "desktop/main_window/command_actions.h"
-#include "desktop/main_window/main_command.h"
+#include <vector>
 
 namespace vrx {
+
+// What menus and toolbar of the main window call. A menu item and a button that do the same share
+// one.
+enum class MainCommand {
+  kNone,  // a menu with items of its own, or a button that is only its list
+  kNewRecipeDatabase,
+  kNewTransactionDatabase,
+  kBrowseRecipeDatabase,
+  kBrowseTransactionDatabase,
+  kCloseRecipeDatabase,
+  kCloseTransactionDatabase,
+  kSaveRecipeDatabase,
+  kSaveTransactionDatabase,
+  kSaveAsRecipeDatabase,
+  kSaveAsTransactionDatabase,
+  kImportTransactionFile,
+  kPrintSetup,
+  kPrint,
+  kExit,
+  kEditIngredients,
+  kEditRecipes,
+  kEditPens,
+  kAutoAbbreviate,
+  kTransferUpload,
+  kTransferDownload,
+  kViewTransactions,
+  kSetup,
+  kManual,
+  kReadme,
+  kAbout,
+  kCalendar,
+};
+
+// What stands in menus and toolbar for the commands of the main window, each under its name there.
+// A command that nothing was set for yet cannot be chosen, whatever its state.
+class CommandActions {
+ public:
+  using Handler = std::function<void()>;
+
+  // The action outlives this.
+  void Add(std::string_view name, MainCommand command, QAction& action);
+
+  void SetHandler(MainCommand command, Handler handler);
+
+  // On to begin with. A name that was not added is of no consequence.
+  void Turn(std::string_view name, bool on);
+  // The same for all of a command, wherever it stands.
+  void Turn(MainCommand command, bool on);
+
+  // Shows a command that is a setting as set or not, wherever it stands.
+  void Tick(MainCommand command, bool on) const;
+
+ private:
+  struct Entry {
+    std::string name;
+    MainCommand command;
+    QAction* action;
+    bool on;
+  };
+
+  void Show(const Entry& entry) const;
+  void Run(MainCommand command) const;
+
+  std::vector<Entry> entries_;
+  std::map<MainCommand, Handler> handlers_;
+};
+
+// A row of the menus: a menu, an item, or a separator, which is what the caption "-" makes it.
+struct MenuRow {
+  std::string_view name;                     // of the control
+  std::string_view caption_id;               // in the caption table
+  std::string_view parent = {};              // the menu it stands in; empty in the menu bar
+  MainCommand command = MainCommand::kNone;  // none for a menu with items of its own
+  std::string_view shortcut = {};
+};
+
+// In the order in which they stand; a menu ahead of its items.
+std::span<const MenuRow> MenuRows();
+
+// Fills the menu bar and adds every item, and every menu that stands in another, to the actions.
+// The texts are the ids until the caption pass of the form.
+void BuildMenus(QMenuBar& menu_bar, CommandActions& actions);
 
 // An item of a button's list.
 struct ToolItem {

@@ -6,11 +6,11 @@
 #include <array>
 #include <utility>
 
-#include "desktop/app/caption_pass.h"
+#include "desktop/app/captions.h"
 #include "desktop/main_window/tabs.h"
 #include "widgets/drawing.h"
 #include "widgets/labels.h"
-#include "widgets/main_window_layout.h"
+#include "widgets/layout.h"
 #include "widgets/qt_text.h"
 
 namespace vrx {

@@ -6,7 +6,7 @@
 #include <algorithm>
 
 #include "widgets/labels.h"
-#include "widgets/main_window_layout.h"
+#include "widgets/layout.h"
 #include "widgets/qt_text.h"
 
 namespace vrx {

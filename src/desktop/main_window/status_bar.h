@@ -6,7 +6,7 @@
 #include <string_view>
 
 #include "database/schema.h"
-#include "presenter/database_window.h"
+#include "presenter/database_commands.h"
 
 class QLabel;
 

@@ -8,10 +8,11 @@
 #include <functional>
 #include <utility>
 
-#include "widgets/field_box.h"
+#include "widgets/fields.h"
 #include "widgets/qt_text.h"
 
 namespace vrx {
+
 namespace {
 
 constexpr unsigned kRecordPanels = kPicAction | kPicNavigate;

@@ -8,9 +8,9 @@
 #include <vector>
 
 #include "database/keep_database.h"
-#include "desktop/print/print_progress.h"
+#include "desktop/print/print_dialogs.h"
 #include "desktop/recipes/recipe_lines.h"
-#include "feed/record_kind.h"
+#include "feed/record_fields.h"
 #include "report/print_questions.h"
 
 namespace vrx {

@@ -1,7 +1,12 @@
 #pragma once
 
+#include <QDialog>
+#include <QLabel>
+#include <QProgressBar>
+#include <QPushButton>
 #include <QString>
 #include <QWidget>
+#include <cstdint>
 #include <memory>
 #include <string>
 
@@ -37,6 +42,25 @@ class PrintSetup {
   FileChooser& files_;
   QString printer_;  // its name; empty: the system's default
   bool pdf_ = false;
+};
+
+// How far a long report has come, with a button that ends it. Nothing else can be done meanwhile.
+class PrintProgress : public QDialog {
+  Q_OBJECT
+
+ public:
+  explicit PrintProgress(QWidget* owner);
+
+  void ShowPage(std::int64_t page, std::int64_t pages);
+  bool Cancelled() const { return cancelled_; }
+
+  void reject() override;
+
+ private:
+  QLabel* page_;
+  QProgressBar* bar_;
+  QPushButton* cancel_;
+  bool cancelled_ = false;
 };
 
 }  // namespace vrx

@@ -9,11 +9,11 @@
 #include <cstddef>
 #include <utility>
 
-#include "desktop/dialogs/form_parts.h"
-#include "desktop/recipes/ingredient_drop_down.h"
-#include "widgets/field_box.h"
-#include "widgets/padded_header.h"
-#include "widgets/tabular_figures.h"
+#include "desktop/dialogs/about_and_splash.h"
+#include "desktop/recipes/ingredient_list.h"
+#include "widgets/fields.h"
+#include "widgets/labels.h"
+#include "widgets/layout.h"
 
 namespace vrx {
 namespace {

@@ -9,9 +9,8 @@
 #include "desktop/recipes/ingredient_list.h"
 #include "desktop/recipes/recipe_grid_cells.h"
 #include "desktop/recipes/recipe_grid_columns.h"
-#include "desktop/recipes/recipe_grid_model.h"
 #include "feed/current_recipe.h"
-#include "feed/line_cells.h"
+#include "feed/recipe_columns.h"
 
 namespace vrx {
 

@@ -1,14 +1,77 @@
 #pragma once
 
+#include <QAbstractTableModel>
+#include <QColor>
+#include <QHash>
+#include <QPalette>
+#include <QString>
 #include <QStyledItemDelegate>
 #include <array>
 #include <functional>
+#include <string_view>
+#include <vector>
 
 #include "desktop/recipes/ingredient_list.h"
-#include "desktop/recipes/recipe_cell_look.h"
-#include "desktop/recipes/recipe_grid_model.h"
+#include "feed/current_recipe.h"
+#include "feed/recipe_columns.h"
 
 namespace vrx {
+
+// What `grdREC` shows: the lines of a recipe and, while it is offered, the entry row behind them.
+class RecipeGridModel : public QAbstractTableModel {
+  Q_OBJECT
+
+ public:
+  using QAbstractTableModel::QAbstractTableModel;
+
+  // Tells the views of nothing but the cells that have changed.
+  void Show(const RecipeOnShow& shown);
+
+  // Of the ingredients that can be chosen. A line with another one shows no name.
+  void SetNames(const std::vector<IngredientRecord>& ingredients);
+
+  void SetUnit(std::string_view unit);
+
+  // No cell can be entered, and nothing invites to it.
+  void SetReadOnly(bool read_only);
+
+  bool IsEntryRow(int row) const { return row == line_count_; }
+  // Nothing was entered into the entry row yet.
+  bool IsIdle(int row) const { return IsEntryRow(row) && !pending_; }
+
+  int rowCount(const QModelIndex& parent = {}) const override;
+  int columnCount(const QModelIndex& parent = {}) const override;
+  QVariant data(const QModelIndex& index, int role) const override;
+  QVariant headerData(int section, Qt::Orientation orientation, int role) const override;
+  Qt::ItemFlags flags(const QModelIndex& index) const override;
+
+ private:
+  using Row = std::array<QString, kRecipeColumnCount>;
+
+  std::vector<Row> RowsOf(const RecipeOnShow& shown) const;
+  Row RowOf(const RecipeLineRecord& line) const;
+  void SetRows(std::vector<Row> rows);
+
+  std::vector<Row> rows_;
+  int line_count_ = 0;
+  bool pending_ = false;
+  bool read_only_ = false;
+  QHash<QString, QString> names_;
+  QString unit_;
+};
+
+// Within a cell and within a total below it, in logical pixels, between the edge and the text.
+inline constexpr int kCellMargin = 6;
+
+struct RecipeCellLook {
+  QColor background;
+  QColor text;
+  QColor frame = {};  // of what looks like a field; invalid for none
+};
+
+// By the palette alone, but for the blue of what is computed. The row that the grid stands on is
+// tinted by the colour of a selection.
+RecipeCellLook LookOfCell(CellManner manner, bool current_row, const QPalette& palette);
 
 // How the cells of `grdREC` look, and what they are edited with.
 class RecipeGridDelegate : public QStyledItemDelegate {

@@ -3,7 +3,8 @@
 #include <algorithm>
 #include <cstddef>
 
-#include "desktop/dialogs/form_parts.h"
+#include "desktop/dialogs/about_and_splash.h"
+#include "widgets/layout.h"
 
 namespace vrx {
 namespace {

@@ -4,7 +4,6 @@
 #include <array>
 #include <vector>
 
-#include "feed/line_cells.h"
 #include "feed/recipe_columns.h"
 
 // The columns of `grdREC` in the order in which they stand on the screen, which the operator may

@@ -6,16 +6,14 @@
 #include <initializer_list>
 
 #include "base/number.h"
-#include "desktop/app/caption_pass.h"
+#include "desktop/app/captions.h"
 #include "desktop/records/field_boxes.h"
-#include "feed/adjust_list.h"
+#include "feed/batch_type.h"
 #include "feed/record_fields.h"
-#include "widgets/choice_list.h"
-#include "widgets/field_box.h"
+#include "widgets/fields.h"
 #include "widgets/labels.h"
-#include "widgets/main_window_layout.h"
+#include "widgets/layout.h"
 #include "widgets/qt_text.h"
-#include "widgets/tabular_figures.h"
 
 namespace vrx {
 namespace {
@@ -100,7 +98,17 @@ QLabel* RecipeHead::Caption(const char* name, int caption, QWidget* buddy) {
 
 void RecipeHead::LayOut() {
   // An empty column has its spacing on both sides, which makes the gap between groups.
-  enum Column { kCaption1, kField1, kGap1, kCaption2, kField2, kGap2, kCaption3, kField3, kRest };
+  enum GridColumn {
+    kCaption1,
+    kField1,
+    kGap1,
+    kCaption2,
+    kField2,
+    kGap2,
+    kCaption3,
+    kField3,
+    kRest
+  };
   auto* const grid = new QGridLayout(this);
   grid->setContentsMargins(0, 0, 0, 0);
   grid->setHorizontalSpacing(kSpacing);

@@ -8,7 +8,7 @@
 #include <string>
 #include <vector>
 
-#include "desktop/records/record_id_list.h"
+#include "desktop/records/record_list.h"
 #include "feed/current_recipe.h"
 #include "feed/key_filters.h"
 #include "widgets/fields.h"

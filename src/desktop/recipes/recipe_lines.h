@@ -2,17 +2,57 @@
 
 #include <QCheckBox>
 #include <QLabel>
+#include <QProgressBar>
 #include <QPushButton>
 #include <QWidget>
 #include <optional>
 
-#include "desktop/recipes/line_navigator.h"
 #include "desktop/recipes/recipe_grid.h"
 #include "desktop/recipes/recipe_totals_row.h"
-#include "desktop/recipes/scan_panel.h"
 #include "feed/recipe_editor.h"
 
 namespace vrx {
+
+// The record navigator of `grdREC`: "Ingredient: 2 of 5" between the buttons that move.
+class LineNavigator : public QWidget {
+  Q_OBJECT
+
+ public:
+  explicit LineNavigator(QWidget* parent = nullptr);
+
+  // A row below 1 is the entry row.
+  void Show(int row, int lines);
+
+ Q_SIGNALS:
+  // To a line, from 1.
+  void Moved(int line);
+
+ private:
+  enum Button { kFirst, kPrevious, kNext, kLast };
+
+  void AddButton(Button button);
+  int Target(Button button) const;
+
+  QLabel* text_;
+  int row_ = 0;
+  int lines_ = 0;
+};
+
+// `lblScanPrint` and `prgScanPrint`: how far a walk over all recipes has come. It is seen at once,
+// with no event in between.
+class ScanPanel : public QWidget {
+  Q_OBJECT
+
+ public:
+  explicit ScanPanel(QWidget* parent = nullptr);
+
+  void Tell(const QString& text);
+  void GoTo(int position);
+
+ private:
+  QLabel* text_;
+  QProgressBar* bar_;
+};
 
 // The lines of the recipe on show: grid, totals, and what stands around them.
 class RecipeLines : public QWidget {

@@ -4,14 +4,13 @@
 #include <QHeaderView>
 #include <chrono>
 
-#include "desktop/app/caption_pass.h"
-#include "desktop/dialogs/form_parts.h"
-#include "desktop/recipes/recipe_cell_look.h"
+#include "desktop/app/captions.h"
+#include "desktop/dialogs/about_and_splash.h"
+#include "desktop/recipes/recipe_grid_cells.h"
 #include "widgets/drawing.h"
 #include "widgets/labels.h"
-#include "widgets/main_window_layout.h"
+#include "widgets/layout.h"
 #include "widgets/qt_text.h"
-#include "widgets/tabular_figures.h"
 
 namespace vrx {
 namespace {

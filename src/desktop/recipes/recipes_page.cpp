@@ -6,13 +6,13 @@
 
 #include "base/text.h"
 #include "database/identity.h"
-#include "feed/pen_capacity.h"
 #include "feed/record_commit.h"
-#include "feed/record_kind.h"
+#include "feed/record_fields.h"
 #include "feed/record_reset.h"
+#include "presenter/record_actions.h"
 #include "presenter/report_failure.h"
 #include "settings/settings.h"
-#include "widgets/main_window_layout.h"
+#include "widgets/layout.h"
 #include "widgets/qt_text.h"
 
 namespace vrx {
@@ -225,7 +225,8 @@ void RecipesPage::CancelRecord() {
 
 void RecipesPage::DefaultRecord() {
   const int id = Position();
-  if (id == 0 || read_only_ || !ResetRecord(*connection_, RecordKind::kRecipe, id, ports_.feed)) {
+  if (id == 0 || read_only_ ||
+      AskAndReset(*connection_, RecordKind::kRecipe, id, ports_.feed) != ResetOutcome::kReset) {
     return;
   }
   gate_.Forget();

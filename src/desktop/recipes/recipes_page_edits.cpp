@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <utility>
 
-#include "database/database_error.h"
+#include "database/connection.h"
 #include "desktop/recipes/recipes_page.h"
 #include "presenter/report_failure.h"
 

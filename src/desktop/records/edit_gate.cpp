@@ -6,7 +6,7 @@
 #include <utility>
 
 #include "base/error.h"
-#include "database/database_error.h"
+#include "database/connection.h"
 #include "presenter/report_failure.h"
 
 namespace vrx {

@@ -1,6 +1,6 @@
 #include "desktop/records/field_boxes.h"
 
-#include "widgets/field_box.h"
+#include "widgets/fields.h"
 
 namespace vrx {
 

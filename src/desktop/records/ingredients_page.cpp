@@ -1,17 +1,21 @@
 #include "desktop/records/ingredients_page.h"
 
+#include <QAbstractItemView>
+#include <QEvent>
 #include <utility>
 
 #include "base/number.h"
-#include "feed/record_store.h"
+#include "desktop/app/captions.h"
+#include "feed/record_commit.h"
 #include "feed/where_used.h"
 #include "presenter/record_actions.h"
 #include "presenter/report_failure.h"
-#include "widgets/field_box.h"
-#include "widgets/main_window_layout.h"
+#include "widgets/fields.h"
+#include "widgets/layout.h"
 #include "widgets/qt_text.h"
 
 namespace vrx {
+
 namespace {
 
 constexpr int kDryMatterCaption = 1057;
@@ -29,6 +33,58 @@ RecordRow RowOf(const IngredientRecord& record) {
 }
 
 }  // namespace
+
+WhereUsedList::WhereUsedList(QWidget* parent) : QComboBox(parent) {
+  setObjectName(QStringLiteral("cboWhereUsed"));
+  setSizeAdjustPolicy(QComboBox::AdjustToMinimumContentsLengthWithIcon);
+  constexpr int kCharacters = 14;
+  setMinimumContentsLength(kCharacters);
+  constexpr int kItemsInView = 20;
+  setMaxVisibleItems(kItemsInView);
+  view()->setAccessibleName(QStringLiteral("Where Used (in Recipes)"));
+  connect(this, &QComboBox::currentIndexChanged, this, [this](int index) {
+    if (index > 0) {
+      setCurrentIndex(0);
+    }
+  });
+}
+
+void WhereUsedList::ShowItems(const std::vector<std::string>& items) {
+  clear();
+  status_.clear();
+  for (const std::string& item : items) {
+    addItem(ToQString(item));
+  }
+  if (!items.empty()) {
+    status_ = itemText(0);
+    setCurrentIndex(0);
+  }
+}
+
+void WhereUsedList::showPopup() {
+  if (count() > 0) {
+    setItemText(0, QString());
+    view()->window()->removeEventFilter(this);
+    view()->window()->installEventFilter(this);
+  }
+  QComboBox::showPopup();
+}
+
+void WhereUsedList::keyPressEvent(QKeyEvent* event) {
+  if (TurnsTabs(*event)) {
+    event->ignore();
+  } else {
+    QComboBox::keyPressEvent(event);
+  }
+}
+
+// However the list is closed.
+bool WhereUsedList::eventFilter(QObject* watched, QEvent* event) {
+  if (event->type() == QEvent::Hide && count() > 0) {
+    setItemText(0, status_);
+  }
+  return QComboBox::eventFilter(watched, event);
+}
 
 RecordFormPage::Design IngredientsPage::Controls() {
   return {

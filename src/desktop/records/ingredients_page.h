@@ -1,14 +1,36 @@
 #pragma once
 
 #include <QCheckBox>
+#include <QComboBox>
 #include <QPushButton>
 #include <functional>
 #include <string>
+#include <vector>
 
 #include "desktop/records/record_form_page.h"
-#include "desktop/records/where_used_list.h"
+#include "presenter/record_actions.h"
 
 namespace vrx {
+
+// `cboWhereUsed`: a list to be looked at. Item 0 is the status of the search and is in view while
+// the list is closed; behind it stand the recipes, which are all that the open list shows.
+class WhereUsedList : public QComboBox {
+  Q_OBJECT
+
+ public:
+  explicit WhereUsedList(QWidget* parent = nullptr);
+
+  // UTF-8, the status first.
+  void ShowItems(const std::vector<std::string>& items);
+
+ protected:
+  void keyPressEvent(QKeyEvent* event) override;
+  void showPopup() override;
+  bool eventFilter(QObject* watched, QEvent* event) override;
+
+ private:
+  QString status_;
+};
 
 // The tab `Ingredients`. What is entered here goes into the lines of all recipes at once.
 class IngredientsPage final : public RecordFormPage {

@@ -1,11 +1,11 @@
 #include "desktop/records/pens_page.h"
 
-#include "desktop/app/caption_pass.h"
-#include "feed/pen_capacity.h"
-#include "feed/record_store.h"
+#include "desktop/app/captions.h"
+#include "feed/record_commit.h"
+#include "feed/record_fields.h"
 #include "presenter/report_failure.h"
 #include "widgets/labels.h"
-#include "widgets/main_window_layout.h"
+#include "widgets/layout.h"
 #include "widgets/qt_text.h"
 
 namespace vrx {

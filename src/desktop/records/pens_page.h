@@ -6,6 +6,7 @@
 
 #include "database/records.h"
 #include "desktop/records/record_form_page.h"
+#include "presenter/record_actions.h"
 
 namespace vrx {
 

@@ -11,8 +11,8 @@
 namespace vrx {
 namespace {
 
-constexpr std::string_view kName = "Name";
-constexpr std::string_view kDescription = "Description";
+constexpr std::string_view kNameField = "Name";
+constexpr std::string_view kDescriptionField = "Description";
 
 std::string FieldName(std::string_view field) { return "'" + std::string(field) + "' field"; }
 
@@ -72,7 +72,7 @@ std::string RecordFormPage::StoreName() {
   std::string refusal;
   std::string left;
   try {
-    left = Left(kName, NameText());
+    left = Left(kNameField, NameText());
   } catch (const FieldRefusal& failure) {
     refusal = failure.what();
   }
@@ -83,16 +83,16 @@ std::string RecordFormPage::StoreName() {
 }
 
 void RecordFormPage::LeaveName() {
-  LeaveBox(*name_, kName, [this] { return StoreName(); });
+  LeaveBox(*name_, kNameField, [this] { return StoreName(); });
 }
 
 // The item keeps the old name until the name box is left.
 void RecordFormPage::LeaveDescription() {
   const std::optional<std::string> abbreviation = ports_.abbreviation.LeaveDescription(
       DescriptionText(), ports_.feed.settings.AutoAbbreviateOn());
-  LeaveBox(*description_, kDescription, [this, abbreviation] {
+  LeaveBox(*description_, kDescriptionField, [this, abbreviation] {
     const std::string old_name = NameText();
-    SetIfOther(*description_, Left(kDescription, DescriptionText()));
+    SetIfOther(*description_, Left(kDescriptionField, DescriptionText()));
     SetIfOther(*name_, abbreviation.value_or(old_name));
     try {
       Store();
@@ -136,10 +136,10 @@ void RecordFormPage::RowTyped(const std::string& field, const QString& text) {
     return;
   }
   const auto store = [this, field, text] {
-    if (field == kName) {
+    if (field == kNameField) {
       name_->setText(text);
     } else {
-      FilteredEdit& box = field == kDescription ? *description_ : *number_;
+      FilteredEdit& box = field == kDescriptionField ? *description_ : *number_;
       SetIfOther(box, Left(field, text.toStdString()));
     }
     if (description_->text().isEmpty()) {

@@ -6,13 +6,13 @@
 #include <utility>
 
 #include "base/text.h"
-#include "desktop/app/caption_pass.h"
+#include "desktop/app/captions.h"
 #include "desktop/records/field_boxes.h"
 #include "presenter/record_actions.h"
 #include "presenter/report_failure.h"
 #include "settings/settings.h"
-#include "widgets/field_box.h"
-#include "widgets/main_window_layout.h"
+#include "widgets/fields.h"
+#include "widgets/layout.h"
 #include "widgets/qt_text.h"
 
 namespace vrx {

@@ -12,11 +12,11 @@
 
 #include "base/date.h"
 #include "desktop/records/edit_gate.h"
-#include "desktop/records/record_id_list.h"
 #include "desktop/records/record_list.h"
 #include "desktop/records/record_page.h"
-#include "feed/record_kind.h"
+#include "feed/record_fields.h"
 #include "feed/record_reset.h"
+#include "presenter/record_actions.h"
 #include "widgets/fields.h"
 
 namespace vrx {

@@ -1,13 +1,15 @@
 #pragma once
 
 #include <QAbstractTableModel>
+#include <QComboBox>
 #include <QTableView>
 #include <functional>
 #include <string>
+#include <string_view>
 #include <utility>
 #include <vector>
 
-#include "feed/record_kind.h"
+#include "feed/record_fields.h"
 
 namespace vrx {
 
@@ -115,6 +117,27 @@ class RecordListGrid : public QTableView {
   std::function<bool()> leave_;
   bool by_program_ = false;
   bool keeps_editor_ = false;
+};
+
+// `cboIngID`, `cboRecID` or `cboPenID`: item 0 blank, then an item for each record, so that a list
+// index is a record's `ID`. Only the mouse chooses a record: keys are discarded, and so are turns
+// of the wheel. QComboBox::activated tells a choice.
+class RecordIdList : public QComboBox {
+  Q_OBJECT
+
+ public:
+  RecordIdList(const QString& name, int records, QWidget* parent = nullptr);
+
+  // `FormatIdPrefix` and the name; without a name the bare prefix. UTF-8.
+  void SetItem(int id, std::string_view name = {});
+
+ Q_SIGNALS:
+  // A character was typed; the focus goes to the description.
+  void Typed();
+
+ protected:
+  void keyPressEvent(QKeyEvent* event) override;
+  void wheelEvent(QWheelEvent* event) override;
 };
 
 }  // namespace vrx

@@ -4,11 +4,11 @@
 
 #include <SQLiteCpp/Database.h>
 
-#include "desktop/main_window/main_tab_page.h"
 #include "desktop/main_window/panels.h"
+#include "desktop/main_window/tabs.h"
 #include "feed/key_filters.h"
-#include "presenter/feed_action.h"
-#include "presenter/general_delay.h"
+#include "presenter/command_states.h"
+#include "presenter/report_failure.h"
 
 namespace vrx {
 

@@ -2,20 +2,23 @@
 
 #include <QFormLayout>
 #include <QHBoxLayout>
+#include <QLabel>
 #include <QTimer>
 #include <QVBoxLayout>
+#include <QVariant>
 #include <utility>
 
 #include "base/encoding.h"
 #include "base/files.h"
-#include "desktop/app/caption_pass.h"
-#include "desktop/setup/setup_sections.h"
-#include "presenter/setup_views.h"
-#include "widgets/choice_list.h"
-#include "widgets/main_window_layout.h"
+#include "desktop/app/captions.h"
+#include "desktop/dialogs/about_and_splash.h"
+#include "presenter/setup.h"
+#include "widgets/fields.h"
+#include "widgets/layout.h"
 #include "widgets/qt_text.h"
 
 namespace vrx {
+
 namespace {
 
 enum SetupTab : int {
@@ -50,6 +53,8 @@ QLineEdit* MakePath(const char* name, const QString& meaning) {
   path->setReadOnly(true);
   return path;
 }
+
+constexpr const char* kHeadingProperty = "Heading";
 
 }  // namespace
 
@@ -250,6 +255,28 @@ void SetupForm::showEvent(QShowEvent* event) {
   QDialog::showEvent(event);
   if (!std::exchange(link_reset_, true)) {
     QTimer::singleShot(0, this, [this] { module_tab_->ResetLink(); });
+  }
+}
+
+SetupSection AddSection(QBoxLayout& tab, const char* name, const QString& heading, int stretch) {
+  auto* const frame = new QWidget;
+  frame->setObjectName(QString::fromLatin1(name));
+  tab.addWidget(frame, stretch);
+  auto* const content = new QVBoxLayout(frame);
+  content->setContentsMargins(0, 0, 0, 0);
+  content->setSpacing(kSpacing);
+  QLabel* const label = AddLabel(*frame, "lblHeading");
+  label->setProperty(kHeadingProperty, heading);
+  MakeDemiBold(*label);
+  content->addWidget(label);
+  return {frame, content};
+}
+
+void ShowHeadings(const QWidget& form) {
+  for (QLabel* const label : form.findChildren<QLabel*>()) {
+    if (const QVariant heading = label->property(kHeadingProperty); heading.isValid()) {
+      label->setText(heading.toString());
+    }
   }
 }
 

@@ -1,19 +1,23 @@
 #pragma once
 
+#include <QBoxLayout>
 #include <QCheckBox>
 #include <QComboBox>
 #include <QDialog>
 #include <QLineEdit>
 #include <QPushButton>
+#include <QString>
 #include <QTabWidget>
+#include <QVBoxLayout>
+#include <QWidget>
 #include <array>
 #include <filesystem>
 #include <string>
 
 #include "desktop/setup/setup_module_tab.h"
 #include "platform/system_info.h"
-#include "presenter/connection_texts.h"
-#include "widgets/text_view.h"
+#include "presenter/setup.h"
+#include "widgets/labels.h"
 
 namespace vrx {
 
@@ -83,5 +87,16 @@ class SetupForm : public QDialog {
   QPushButton* cmd_ok_;
   bool link_reset_ = false;
 };
+
+// A part of a tab of `SETUP`: what belongs together, under a heading. No frame is drawn: the tab
+// has one.
+struct SetupSection {
+  QWidget* frame;        // bears the name
+  QVBoxLayout* content;  // to be filled, below the heading
+};
+SetupSection AddSection(QBoxLayout& tab, const char* name, const QString& heading, int stretch = 0);
+
+// Behind the caption pass, which knows no headings.
+void ShowHeadings(const QWidget& form);
 
 }  // namespace vrx

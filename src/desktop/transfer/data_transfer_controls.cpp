@@ -8,8 +8,9 @@
 #include <cstddef>
 #include <string>
 
+#include "desktop/app/captions.h"
 #include "widgets/drawing.h"
-#include "widgets/main_window_layout.h"
+#include "widgets/layout.h"
 #include "widgets/qt_text.h"
 
 namespace vrx {

@@ -5,7 +5,7 @@
 
 #include "base/files.h"
 #include "link/rescue_file.h"
-#include "presenter/tell_failure.h"
+#include "presenter/report_failure.h"
 #include "widgets/qt_text.h"
 
 namespace vrx {

@@ -5,9 +5,9 @@
 #include <string_view>
 
 #include "adapters/local_machine.h"
-#include "desktop/app/showing_operator.h"
-#include "desktop/main_window/main_tab_page.h"
+#include "desktop/app/qt_services.h"
 #include "desktop/main_window/panels.h"
+#include "desktop/main_window/tabs.h"
 #include "desktop/print/text_printer.h"
 #include "desktop/transfer/data_transfer_controls.h"
 #include "link/krmcomm.h"
@@ -16,7 +16,6 @@
 #include "presenter/database_identity.h"
 #include "presenter/direct_connection.h"
 #include "presenter/download.h"
-#include "presenter/recipe_download.h"
 #include "presenter/upload.h"
 #include "settings/settings.h"
 

@@ -1,20 +1,69 @@
 #pragma once
 
+#include <QAbstractTableModel>
 #include <QCheckBox>
 #include <QFrame>
 #include <QLabel>
 #include <QProgressBar>
 #include <QPushButton>
+#include <QTableView>
 #include <functional>
 #include <string_view>
 #include <vector>
 
-#include "desktop/main_window/main_tab_page.h"
-#include "desktop/transfer/import_grid.h"
+#include "desktop/main_window/tabs.h"
 #include "platform/progress_display.h"
 #include "presenter/import.h"
 
 namespace vrx {
+
+// The rows of an import as the grid asks for them: texts, 112 columns.
+class ImportModel : public QAbstractTableModel {
+  Q_OBJECT
+
+ public:
+  // The session outlives it.
+  explicit ImportModel(const ImportSession& session, QObject* parent = nullptr);
+
+  // What the session holds has changed: the grid asks anew.
+  void Reset();
+
+  int rowCount(const QModelIndex& parent = {}) const override;
+  int columnCount(const QModelIndex& parent = {}) const override;
+  QVariant data(const QModelIndex& index, int role) const override;
+  QVariant headerData(int section, Qt::Orientation orientation, int role) const override;
+
+  // The characters of the longest text in a column, from 1, its caption aside: of a sample of rows,
+  // the first and the last among them.
+  int LongestText(int column) const;
+
+ private:
+  const ImportSession& session_;
+};
+
+// `grdIMPORT`. Rows are striped in the told colours; a grid without an import says where one comes
+// from.
+class ImportGrid : public QTableView {
+  Q_OBJECT
+
+ public:
+  // The session outlives it.
+  explicit ImportGrid(const ImportSession& session, QWidget* parent = nullptr);
+
+  // Shows what the session holds now.
+  void ShowImport();
+
+ protected:
+  void paintEvent(QPaintEvent* event) override;
+
+ private:
+  void ShowColumns();
+  void FitColumns();
+  bool Empty() const;
+
+  const ImportSession& session_;
+  ImportModel* model_;
+};
 
 // What the Import tab asks of the main window; as in ImportHost.
 class ImportWindow {
@@ -37,6 +86,7 @@ class ImportPage final : public MainTabPage, private ImportHost, private Progres
     FileChooser& files;
     const SystemInfo& system;
     const PrivateINI& settings;
+    const Calendar& calendar;
     DatabaseIdentity& identity;
     ImportWindow& window;
     QFrame& pic_import;  // is filled

@@ -1,5 +1,3 @@
-#include "desktop/app/caption_pass.h"
-
 #include <QAction>
 #include <QLabel>
 #include <QMainWindow>
@@ -9,6 +7,8 @@
 #include <QToolBar>
 
 #include <gtest/gtest.h>
+
+#include "desktop/app/captions.h"
 
 namespace vrx::testing {
 namespace {

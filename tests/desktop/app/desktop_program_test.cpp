@@ -18,7 +18,7 @@
 #include "desktop/app/program.h"
 #include "desktop/app/recorded_main_form.h"
 #include "desktop/next_modal.h"
-#include "presenter/general_delay.h"
+#include "presenter/command_states.h"
 #include "support/environment.h"
 #include "support/fixed_system_info.h"
 #include "support/program.h"

@@ -16,7 +16,6 @@
 
 #include <gtest/gtest.h>
 
-#include "desktop/app/file_icons.h"
 #include "desktop/next_modal.h"
 #include "support/temp_folder.h"
 

@@ -1,11 +1,10 @@
-#include "desktop/app/qt_user_settings.h"
-
 #include <QSettings>
 #include <filesystem>
 
 #include <gtest/gtest.h>
 
 #include "base/error.h"
+#include "desktop/app/qt_services.h"
 #include "support/temp_folder.h"
 
 namespace vrx::testing {

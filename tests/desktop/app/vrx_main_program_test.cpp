@@ -15,7 +15,7 @@
 #include "database/identity.h"
 #include "desktop/app/main_form.h"
 #include "desktop/app/program.h"
-#include "desktop/app/qt_user_settings.h"
+#include "desktop/app/qt_services.h"
 #include "desktop/main_window/main_window.h"
 #include "desktop/next_modal.h"
 #include "presenter/database_identity.h"

@@ -5,7 +5,7 @@
 #include <gtest/gtest.h>
 
 #include "desktop/dialogs/about_and_splash.h"
-#include "presenter/about_form.h"
+#include "presenter/help.h"
 #include "support/fake_operating_system.h"
 #include "support/fixed_system_info.h"
 #include "support/recording_operator.h"

@@ -14,6 +14,7 @@
 
 #include "base/files.h"
 #include "database/connection.h"
+#include "database/summary.h"
 #include "desktop/main_window/main_window_site.h"
 #include "desktop/next_modal.h"
 

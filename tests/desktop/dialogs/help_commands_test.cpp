@@ -1,5 +1,3 @@
-#include "desktop/dialogs/help_commands.h"
-
 #include <QAction>
 #include <QApplication>
 

@@ -1,12 +1,11 @@
-#include "desktop/dialogs/splash.h"
-
 #include <QApplication>
 #include <QFrame>
 #include <QLabel>
 
 #include <gtest/gtest.h>
 
-#include "presenter/about_form.h"
+#include "desktop/dialogs/about_and_splash.h"
+#include "presenter/help.h"
 
 namespace vrx::testing {
 namespace {

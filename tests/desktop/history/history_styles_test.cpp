@@ -3,11 +3,11 @@
 
 #include <gmock/gmock.h>
 
-#include "desktop/dialogs/form_parts.h"
+#include "desktop/dialogs/about_and_splash.h"
 #include "desktop/history/history_painting.h"
-#include "desktop/history/history_row_painter.h"
 #include "desktop/history/history_site.h"
 #include "widgets/drawing.h"
+#include "widgets/layout.h"
 
 namespace vrx::testing {
 namespace {

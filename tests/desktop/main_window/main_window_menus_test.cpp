@@ -1,5 +1,3 @@
-#include "desktop/main_window/main_window_menus.h"
-
 #include <QMenu>
 #include <QMenuBar>
 #include <array>
@@ -12,6 +10,7 @@
 #include <gmock/gmock.h>
 
 #include "desktop/main_window/main_window_site.h"
+#include "desktop/main_window/menus_and_toolbar.h"
 
 namespace vrx::testing {
 namespace {

@@ -1,10 +1,9 @@
-#include "desktop/print/qt_text_printer.h"
-
 #include <QPrinter>
 #include <string>
 
 #include <gtest/gtest.h>
 
+#include "desktop/print/text_printer.h"
 #include "support/temp_folder.h"
 
 namespace vrx::testing {

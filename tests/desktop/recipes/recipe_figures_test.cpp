@@ -6,8 +6,8 @@
 #include <random>
 
 #include "desktop/recipes/recipes_site.h"
-#include "feed/line_cells.h"
 #include "feed/ration_model.h"
+#include "feed/recipe_columns.h"
 #include "report/reports.h"
 
 namespace vrx::testing {

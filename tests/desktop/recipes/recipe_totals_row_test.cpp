@@ -4,7 +4,7 @@
 #include <QScrollBar>
 #include <QTest>
 
-#include "desktop/recipes/recipe_cell_look.h"
+#include "desktop/recipes/recipe_grid_cells.h"
 #include "desktop/recipes/recipes_site.h"
 #include "feed/recipe_columns.h"
 #include "widgets/drawing.h"

@@ -6,10 +6,10 @@
 #include <QVBoxLayout>
 #include <chrono>
 
-#include "desktop/app/caption_pass.h"
-#include "feed/line_cells.h"
+#include "desktop/app/captions.h"
 #include "feed/ration.h"
-#include "widgets/enter_as_tab.h"
+#include "feed/recipe_columns.h"
+#include "widgets/fields.h"
 #include "widgets/qt_text.h"
 
 namespace vrx::testing {

@@ -20,7 +20,7 @@
 #include "database/schema.h"
 #include "desktop/app/main_form.h"
 #include "desktop/app/program.h"
-#include "desktop/app/qt_user_settings.h"
+#include "desktop/app/qt_services.h"
 #include "desktop/main_window/main_window.h"
 #include "desktop/main_window/status_bar.h"
 #include "desktop/recipes/recipe_grid.h"

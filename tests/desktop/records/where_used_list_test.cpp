@@ -1,10 +1,9 @@
-#include "desktop/records/where_used_list.h"
-
 #include <QAbstractItemView>
 #include <QTest>
 
 #include <gtest/gtest.h>
 
+#include "desktop/records/ingredients_page.h"
 #include "desktop/records/ingredients_site.h"
 
 namespace vrx::testing {

@@ -9,7 +9,7 @@
 
 #include "database/records.h"
 #include "desktop/main_window/main_window_site.h"
-#include "exchange/import_columns.h"
+#include "exchange/imported_data.h"
 
 namespace vrx::testing {
 namespace {

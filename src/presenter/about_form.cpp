@@ -1,7 +1,0 @@
-#include "presenter/about_form.h"
-
-namespace vrx {
-
-std::string_view ProgramVersion() { return VRX_VERSION; }
-
-}  // namespace vrx
