@@ -257,13 +257,15 @@ bool Indicator::FinishSave() {
   return true;
 }
 
-// The end of the script takes the line away, and with it what the PC has not read yet.
+// The end of the script takes the line away, and with it what the PC has not read yet. Waits before
+// it looks: the system hands written bytes over a moment later.
 bool Indicator::AwaitTaken() {
-  for (const Time end = Clock::now() + kTakeGrace; line_.Untaken() > 0 && Clock::now() < end;) {
+  const Time end = Clock::now() + kTakeGrace;
+  do {
     if (!Receive(std::min(end, Clock::now() + kLook))) {
       return false;
     }
-  }
+  } while (line_.Untaken() > 0 && Clock::now() < end);
   return true;
 }
 

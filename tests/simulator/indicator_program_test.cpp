@@ -108,6 +108,18 @@ TEST_F(IndicatorProgram, MismatchFarInsideAFileIsToldByItsPlace) {
   EXPECT_THAT(told, HasSubstr("(from byte 701 of 1000 on)"));
 }
 
+TEST_F(IndicatorProgram, MismatchWithin32BytesIsToldFromTheFirstByte) {
+  const std::string path = folder_.Write("file", std::string(40, 'f')).string();
+  for (const auto& [alike, words] :
+       {std::pair{31, "got 66 66 "}, {32, "got 78 (from byte 33 of "}}) {
+    SimulatorProgram program(Arguments("expect-file " + path));
+    ASSERT_EQ(program.OutputLine(), Ready());
+    Client(link_).Write(std::string(static_cast<std::size_t>(alike), 'f') + "x");
+    EXPECT_EQ(program.ExitCode(), 1);
+    EXPECT_THAT(program.Errors(), HasSubstr(words));
+  }
+}
+
 TEST_F(IndicatorProgram, SaveKeepsTheDataOfTheReplyAskedForBefore) {
   SimulatorProgram program(
       Arguments("send 15\nsave " + saved_.string() + "\nsend 14\nexpect 14 1F\n"));
@@ -159,13 +171,59 @@ TEST_F(IndicatorProgram, WrongScriptExits2BeforeAnythingStarts) {
   EXPECT_EQ(program.ExitCode(), 2);
 }
 
-TEST_F(IndicatorProgram, StopsOnSigterm) {
-  SimulatorProgram program(Arguments("wait 600000\n"));
+TEST_F(IndicatorProgram, StopsOnASignalWhateverItWaitsFor) {
+  const std::string file = folder_.Write("file", std::string(40'000, 'f')).string();
+  for (const std::string& script :
+       {std::string("wait 600000"), std::string("expect 15 within 600000"), "send-file " + file,
+        "send 15\nsave " + saved_.string()}) {
+    for (const int signal : {SIGTERM, SIGINT, SIGHUP}) {
+      SimulatorProgram program(Arguments(script));
+      ASSERT_EQ(program.OutputLine(), Ready());
+      program.Signal(signal);
+      EXPECT_EQ(program.ExitCode(), 0) << script;
+      EXPECT_THAT(program.Errors(), HasSubstr("stopped before the end of the script")) << script;
+      EXPECT_FALSE(fs::is_symlink(link_));
+    }
+  }
+}
+
+TEST_F(IndicatorProgram, ASaveSignalDoesNotStopIt) {
+  SimulatorProgram program(Arguments("expect 61\n"));
   ASSERT_EQ(program.OutputLine(), Ready());
-  program.Signal(SIGTERM);
+  const Client pc(link_);
+  program.Signal(SIGUSR1);
+  pc.Write("a");
   EXPECT_EQ(program.ExitCode(), 0);
-  EXPECT_THAT(program.Errors(), HasSubstr("stopped before the end of the script"));
-  EXPECT_FALSE(fs::is_symlink(link_));
+  EXPECT_EQ(program.Errors(), "");
+}
+
+// The end of the script takes the line away, and what the line still holds with it.
+TEST_F(IndicatorProgram, WaitsAtItsEndForAPcThatReadsLate) {
+  SimulatorProgram program(Arguments("send 61 62 63\n"));
+  ASSERT_EQ(program.OutputLine(), Ready());
+  const Client pc(link_);
+  ASSERT_TRUE(Eventually([&] { return pc.Untaken() == 3; }));
+  EXPECT_FALSE(pc.IsHungUpWithin(50));
+  EXPECT_EQ(pc.Read(3), "abc");
+  EXPECT_EQ(program.ExitCode(), 0);
+}
+
+TEST_F(IndicatorProgram, EndsAlsoWhenThePcNeverReads) {
+  SimulatorProgram program(Arguments("send 61 62 63\n"));
+  ASSERT_EQ(program.OutputLine(), Ready());
+  const Client pc(link_);
+  EXPECT_EQ(program.ExitCode(), 0);
+}
+
+TEST_F(IndicatorProgram, AMismatchShowsAtMost32BytesOfEachSide) {
+  std::string thirty_two = "61";
+  for (int byte = 1; byte < 32; ++byte) {
+    thirty_two += " 61";
+  }
+  for (const auto& [script, shown] : {std::pair{thirty_two, thirty_two + ", got"},
+                                      {thirty_two + " 61", thirty_two + " ..., got"}}) {
+    Fails("expect " + script + " within 1", 1, "line 1: expected " + shown + " nothing");
+  }
 }
 
 }  // namespace

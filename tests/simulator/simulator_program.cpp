@@ -156,6 +156,25 @@ std::string Client::ReadUntilSilent(int milliseconds) const {
   return bytes;
 }
 
+bool Client::IsHungUpWithin(int milliseconds) const {
+  pollfd watched{.fd = terminal_.Get(), .events = 0, .revents = 0};
+  return ::poll(&watched, 1, milliseconds) > 0;
+}
+
+void Client::TakeForItself() const {
+  if (::ioctl(terminal_.Get(), TIOCEXCL) != 0) {
+    Fail("take the line");
+  }
+}
+
+bool Client::TakenForOne() const {
+  int taken = 0;
+  if (::ioctl(terminal_.Get(), TIOCGEXCL, &taken) != 0) {
+    Fail("ask about the line");
+  }
+  return taken != 0;
+}
+
 std::size_t Client::Untaken() const {
   int count = 0;
   if (::ioctl(terminal_.Get(), FIONREAD, &count) != 0) {

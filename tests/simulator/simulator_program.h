@@ -45,6 +45,11 @@ class Client {
   std::string Read(std::size_t count) const;
   // What comes until the line is silent for `milliseconds` or gone.
   std::string ReadUntilSilent(int milliseconds) const;
+  // Whether the other end goes away within so many milliseconds; takes nothing off the line.
+  bool IsHungUpWithin(int milliseconds) const;
+  // Whether no other program may open the line.
+  void TakeForItself() const;
+  bool TakenForOne() const;
   // Bytes that wait to be read, as far as the terminal shows them (at most 4095).
   std::size_t Untaken() const;
 
