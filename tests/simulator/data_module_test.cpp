@@ -232,6 +232,15 @@ TEST_F(Module, StallPausesHalfwayThroughEachReplyAndGivesWay) {
   }
 }
 
+TEST_F(Module, StraysFollowADumpOnly) {
+  DataModule module = Make({.strays = 3});
+  module.Load("ab");
+  EXPECT_EQ(Say(module, "\x15"),
+            "\x15\x1F"
+            "ab\x1F~~~");
+  EXPECT_EQ(Say(module, "\x16"), "\x16\x1F");
+}
+
 TEST_F(Module, FaultsCombine) {
   DataModule module = Make({.garbage = true, .extra_us = true, .cut_after = 5});
   module.Load("abcd");

@@ -1,5 +1,9 @@
+#include "simulator/feed_plan.h"
+
+#include <algorithm>
 #include <map>
 #include <string>
+#include <tuple>
 
 #include <gtest/gtest.h>
 
@@ -53,6 +57,18 @@ TEST(FeedingWork, NoLoadIsMoreThanTheMixerHolds) {
   }
 }
 
+TEST(FeedingWork, ALoadMayFillTheMixer) {
+  for (const auto& [unit, pens, loads] :
+       {std::tuple{'L', 11, 1}, {'L', 12, 2}, {'K', 5, 1}, {'K', 6, 2}}) {
+    FeedPlan plan = Plan(pens, 1000);
+    plan.unit = unit;
+    plan.recipes.pop_back();
+    FeedingWork work(plan, 1);
+    ASSERT_TRUE(work.FeedDay(kMonday, kRoom));
+    EXPECT_EQ(work.Weighings().back().load, loads) << unit << pens;
+  }
+}
+
 TEST(FeedingWork, WritesARecordForEachLoadAndFeed) {
   FeedingWork work(Plan(2, 500), 7);
   ASSERT_TRUE(work.FeedDay(kMonday, kRoom));
@@ -68,6 +84,55 @@ TEST(FeedingWork, WritesARecordForEachLoadAndFeed) {
   EXPECT_NE(records.find(",01052026,500.0," + weight(done[2].tenths) + "\r\nB,2,2,"),
             std::string::npos);
   EXPECT_EQ(records.substr(records.size() - 4), "\r\n\r\n");
+}
+
+// A list of a batch record.
+std::string List(std::string entries) {
+  for (auto count = std::count(entries.begin(), entries.end(), ',') + 1; count < 34; ++count) {
+    entries += ",0";
+  }
+  return entries;
+}
+
+// 501 of the unit are 488.8 of CORN and 12.2 of MINRAL. A scale shows steps of 5 and, by hand, 0.5
+// pounds, of 2 and 0.2 kilograms. How far off the work is comes from the seed.
+TEST(FeedingWork, TheRecordsOfADayAreTheseInEachUnit) {
+  FeedPlan plan = Plan(2, 501);
+  FeedingWork pounds(plan, 7);
+  ASSERT_TRUE(pounds.FeedDay(kMonday, kRoom));
+  EXPECT_EQ(pounds.Records(), "{BAT/FED},L\r\n[BAT],B,1,1,01052026,1," + List("1,5") + ";" +
+                                  List("0611,0612") + ";" + List("490.0,12.0") + ";" +
+                                  List("505.0,12.0") + "\r\nB,2,2,01052026,1," + List("2") + ";" +
+                                  List("0615") + ";" + List("500.0") + ";" + List("495.0") +
+                                  "\r\n\r\n[FED],B,1,1,1,0614,01052026,501.0,517.0\r\n"
+                                  "B,2,2,1,0617,01052026,501.0,490.0\r\n\r\n");
+  plan.unit = 'K';
+  FeedingWork kilograms(plan, 7);
+  ASSERT_TRUE(kilograms.FeedDay(kMonday, kRoom));
+  EXPECT_EQ(kilograms.Records(),
+            "{BAT/FED},K\r\n[BAT],B,1,1,01052026,1," + List("1,5") + ";" + List("0611,0612") + ";" +
+                List("488.0,12.2") + ";" + List("494.0,12.2") + "\r\nB,2,2,01052026,1," +
+                List("2") + ";" + List("0615") + ";" + List("502.0") + ";" + List("500.0") +
+                "\r\n\r\n[FED],B,1,1,1,0614,01052026,501.0,506.2\r\n"
+                "B,2,2,1,0617,01052026,501.0,498.0\r\n\r\n");
+}
+
+TEST(FeedingWork, ADayThatJustFitsIsFed) {
+  FeedingWork measured(Plan(20, 700), 1);
+  ASSERT_TRUE(measured.FeedDay(kMonday, kRoom));
+  const std::size_t size = measured.Records().size();
+  EXPECT_TRUE(FeedingWork(Plan(20, 700), 1).FeedDay(kMonday, size));
+  EXPECT_FALSE(FeedingWork(Plan(20, 700), 1).FeedDay(kMonday, size - 1));
+}
+
+TEST(FeedingWork, TheClockStopsAtTheLastMinuteAndBeginsAnewEachDay) {
+  FeedingWork work(Plan(1000, 10), 1);
+  ASSERT_TRUE(work.FeedDay(kMonday, 1'000'000));
+  const std::string first = work.Records();
+  EXPECT_NE(first.find(",2359,01052026,"), std::string::npos);
+  EXPECT_EQ(first.find(",2400,"), std::string::npos);
+  ASSERT_TRUE(work.FeedDay(kMonday + std::chrono::days(1), 1'000'000));
+  EXPECT_NE(work.Records().find(",06"), std::string::npos);
 }
 
 TEST(FeedingWork, ADayThatDoesNotFitIsNotFed) {

@@ -3,6 +3,7 @@
 #include <system_error>
 
 #include <gtest/gtest.h>
+#include <unistd.h>
 
 #include "simulator/data_module.h"
 #include "support/temp_folder.h"
@@ -30,6 +31,15 @@ TEST(MemoryFile, ReadsBackWhatWasWritten) {
 TEST(MemoryFile, ReplacesAnOlderOneAndLeavesNothingBeside) {
   const TempFolder folder;
   folder.Write("memory", "a much longer older memory");
+  WriteFile(folder / "memory", "new");
+  EXPECT_EQ(ReadFile(folder / "memory"), "new");
+  EXPECT_EQ(FilesIn(folder.Path()), 1U);
+}
+
+// A killed process may have had the same number.
+TEST(MemoryFile, WritesAnewWhatAKilledOneLeftBeside) {
+  const TempFolder folder;
+  folder.Write("memory." + std::to_string(getpid()) + ".tmp", "a much longer older memory");
   WriteFile(folder / "memory", "new");
   EXPECT_EQ(ReadFile(folder / "memory"), "new");
   EXPECT_EQ(FilesIn(folder.Path()), 1U);

@@ -51,7 +51,7 @@ std::string AllData() {
 }
 
 TEST_F(Program, SaysReadyWhenItsLinkStandsAndTakesItAwayAtTheEnd) {
-  for (const int signal : {SIGTERM, SIGINT}) {
+  for (const int signal : {SIGTERM, SIGINT, SIGHUP}) {
     SimulatorProgram program(Arguments({}));
     EXPECT_EQ(program.OutputLine(), Ready());
     EXPECT_TRUE(fs::is_character_file(link_));
@@ -118,6 +118,17 @@ TEST_F(Program, SavesOnSignalAndAtTheEndWhatWasSentAhead) {
   EXPECT_EQ(ReadAll(saved_), first + "more");
 }
 
+TEST_F(Program, ASaveSignalIsHarmlessWithoutASaveFile) {
+  SimulatorProgram program(Arguments({}));
+  ASSERT_EQ(program.OutputLine(), Ready());
+  const Client client(link_);
+  program.Signal(SIGUSR1);
+  client.Write("\x16");
+  EXPECT_EQ(client.Read(2), "\x16\x1F");
+  EXPECT_EQ(Stop(program), 0);
+  EXPECT_EQ(program.Errors(), "");
+}
+
 TEST_F(Program, TellsASaveThatFails) {
   SimulatorProgram program(Arguments({"--save", (folder_ / "missing/saved").string()}));
   ASSERT_EQ(program.OutputLine(), Ready());
@@ -134,6 +145,18 @@ TEST_F(Program, TellsWhatItsMemoryCannotHold) {
   EXPECT_EQ(Stop(program), 0);
   EXPECT_EQ(fs::file_size(saved_), 65536U);
   EXPECT_NE(program.Errors().find("bytes dropped: 3"), std::string::npos);
+}
+
+TEST_F(Program, TellsAtItsEndWhatADownloadLost) {
+  const auto file = folder_.Write("full", std::string(65536, 'x'));
+  SimulatorProgram program(Arguments({"--load", file.string()}));
+  ASSERT_EQ(program.OutputLine(), Ready());
+  const Client client(link_);
+  client.Write("ab");
+  EXPECT_EQ(Stop(program), 0);
+  EXPECT_EQ(program.Errors(),
+            "vrx2260sim: memory is full at 65536 bytes, what comes beyond is dropped\n"
+            "vrx2260sim: bytes dropped: 2\n");
 }
 
 TEST_F(Program, WorksOnForTheNextClient) {
@@ -246,6 +269,70 @@ TEST_F(Program, HangsUpAtTheFirstReplyAfterNoByte) {
   EXPECT_EQ(program.ExitCode(), 0);
 }
 
+// What the line holds is lost with it.
+TEST_F(Program, HangsUpOnceALateClientHasTakenTheLastByte) {
+  SimulatorProgram program(Arguments({"--fault", "hang-up=2"}));
+  ASSERT_EQ(program.OutputLine(), Ready());
+  const Client client(link_);
+  client.Write("\x16");
+  ASSERT_TRUE(Eventually([&] { return client.Untaken() == 2; }));
+  EXPECT_FALSE(client.IsHungUpWithin(50));
+  EXPECT_EQ(client.Read(2), "\x16\x1F");
+  EXPECT_EQ(program.ExitCode(), 0);
+}
+
+TEST_F(Program, HangsUpAlsoOnAClientThatNeverReads) {
+  SimulatorProgram program(Arguments({"--fault", "hang-up=1"}));
+  ASSERT_EQ(program.OutputLine(), Ready());
+  const Client client(link_);
+  client.Write("\x16");
+  EXPECT_EQ(program.ExitCode(), 0);
+}
+
+TEST_F(Program, SendsOneXoffOnceSoManyBytesAreAnswered) {
+  SimulatorProgram program(Arguments({"--fault", "xoff=2"}));
+  ASSERT_EQ(program.OutputLine(), Ready());
+  const Client client(link_);
+  client.Write("\x16");
+  EXPECT_EQ(client.Read(2), "\x16\x1F");
+  client.Write("\x17");
+  EXPECT_EQ(client.Read(3), "\x17\x1F\x13");
+  client.Write("\x18");
+  EXPECT_EQ(client.Read(2), "\x18\x1F");
+  EXPECT_EQ(client.ReadUntilSilent(50), "");
+}
+
+TEST_F(Program, DeafReadsNothingMoreAndStillEnds) {
+  SimulatorProgram program(Arguments({"--fault", "deaf=2", "--save", saved_.string()}));
+  ASSERT_EQ(program.OutputLine(), Ready());
+  const Client client(link_);
+  client.Write("a");
+  client.Write("\x16");
+  EXPECT_EQ(client.Read(2), "\x16\x1F");
+  client.Write("\x17");
+  EXPECT_EQ(client.ReadUntilSilent(50), "");
+  EXPECT_EQ(Stop(program), 0);
+  EXPECT_EQ(ReadAll(saved_), "a");
+}
+
+TEST_F(Program, AnIndicatorFeedsByADownloadForSoManyDays) {
+  const fs::path ledger = folder_ / "ledger";
+  SimulatorProgram program(
+      Arguments({"--feeds", "2026-02-28", "--days", "2", "--ledger", ledger.string()}));
+  ASSERT_EQ(program.OutputLine(), Ready());
+  const Client client(link_);
+  client.Write(
+      "{DATA_IN},L\r\n[ING]\r\n1,CORN,0\r\n[REC]\r\n1,STEERS,0,900,0,CORN;900\r\n"
+      "[PEN]\r\n1,A1,300\r\n\x15");
+  EXPECT_EQ(client.Read(13), "\x15\x1F{BAT/FED},L");
+  EXPECT_EQ(Stop(program), 0);
+  EXPECT_EQ(program.Errors(),
+            "vrx2260sim: the indicator fed by the download: days 2, weighings 4\n");
+  const std::string weighed = ReadAll(ledger);
+  EXPECT_EQ(weighed.find("2026-02-28,1,STEERS,BATCH,CORN,"), 0U);
+  EXPECT_NE(weighed.find("\n2026-03-01,2,STEERS,FEED,A1,"), std::string::npos);
+}
+
 TEST_F(Program, PlaysItsFaults) {
   SimulatorProgram program(Arguments({"--load", folder_.Write("a", "data").string(), "--fault",
                                       "garbage", "--fault", "cut-after=4", "--fault", "stall=60"}));
@@ -286,8 +373,23 @@ INSTANTIATE_TEST_SUITE_P(
                       Line{"module", "--link", "x", "--baud", "-1"},
                       Line{"module", "--link", "x", "--baud", "fast"},
                       Line{"module", "--link", "x", "--baud", "4000001"},
+                      Line{"module", "--link", "x", "--feeds", "2026-02-30"},
+                      Line{"module", "--link", "x", "--days", "1"},
+                      Line{"module", "--link", "x", "--ledger", "a"},
+                      Line{"module", "--link", "x", "--feeds", "2026-01-05", "--days", "0"},
+                      Line{"module", "--link", "x", "--feeds", "2026-01-05", "--days", "367"},
+                      Line{"indicator", "--link", "x"},
                       Line{"module", "--link", "x", "--load", "a", "b"},
                       Line{"module", "--link", "x", "--unknown"}));
+
+TEST(ProgramHelp, IsNoWrongUsage) {
+  for (const Line& line : {Line{"--help"}, Line{"module", "--help"}, Line{"indicator", "--help"}}) {
+    SimulatorProgram program(line);
+    EXPECT_NE(program.OutputLine(), "");
+    EXPECT_EQ(program.ExitCode(), 0);
+    EXPECT_EQ(program.Errors(), "");
+  }
+}
 
 TEST_F(Program, TellsALoadThatCannotBeRead) {
   SimulatorProgram program(Arguments({"--load", (folder_ / "missing").string()}));

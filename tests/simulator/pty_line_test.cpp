@@ -96,6 +96,16 @@ TEST_F(PtyLineTest, TellsWhenClientsComeAndGo) {
   EXPECT_TRUE(clients.went);
 }
 
+TEST_F(PtyLineTest, OpensAgainWhatAClientTookForItself) {
+  PtyLine line(link_);
+  {
+    const Client client(link_);
+    client.TakeForItself();
+  }
+  line.TakeClients();
+  EXPECT_FALSE(Client(link_).TakenForOne());
+}
+
 TEST_F(PtyLineTest, ReplacesALinkToATerminalThatIsGone) {
   fs::create_symlink("/dev/pts/999999", link_);
   const PtyLine line(link_);

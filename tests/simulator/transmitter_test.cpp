@@ -38,7 +38,7 @@ struct Course {
   std::size_t largest = 0;
 };
 
-// Wakes at every portion, late by what `late` says, until nothing waits.
+// Wakes at every portion, late by what `late` says, until nothing waits or a wake brings nothing.
 template <typename Late>
 Course Play(Transmitter& transmitter, Late late) {
   Course course;
@@ -46,6 +46,9 @@ Course Play(Transmitter& transmitter, Late late) {
   while (const auto next = transmitter.NextPortion()) {
     now = std::max(now, *next) + late();
     const std::string bytes = Take(transmitter, now);
+    if (bytes.empty()) {
+      break;
+    }
     course.bytes += bytes;
     course.largest = std::max(course.largest, bytes.size());
     ++course.wakes;

@@ -1,5 +1,6 @@
 #include <fstream>
 #include <iterator>
+#include <sstream>
 #include <stdexcept>
 #include <system_error>
 #include <vector>
@@ -73,6 +74,48 @@ TEST_F(WorkingIndicatorTest, DaysThatFindNoRoomAreToldAndFedNextTime) {
   ASSERT_TRUE(first);
   EXPECT_LE(first->size(), 65535U);
   EXPECT_EQ(said_.back().substr(0, 30), "memory is full, days not fed: ");
+  const int left = std::stoi(said_.back().substr(30));
+  EXPECT_EQ(said_.front().find("the indicator fed by the download: days " +
+                               std::to_string(366 - left) + ", "),
+            0U);
+  ASSERT_TRUE(indicator.Visit(kDownload));
+  std::istringstream lines(Ledger());
+  Day day = ReadDay("2026-02-26");
+  std::size_t days = 0;
+  for (std::string line; std::getline(lines, line);) {
+    const Day next = ReadDay(line.substr(0, 10));
+    if (next != day) {
+      EXPECT_EQ(next, day + std::chrono::days(1)) << line;
+      day = next;
+      ++days;
+    }
+  }
+  EXPECT_EQ(days, 2 * static_cast<std::size_t>(366 - left));
+}
+
+// A day whose records have that many bytes: a pen's ID of two digits makes them one longer.
+std::string DownloadWithRecordsOf(std::size_t bytes) {
+  const auto download = [](std::size_t long_ids) {
+    std::string text =
+        "{DATA_IN},L\r\n[ING]\r\n1,CORN,0\r\n[REC]\r\n1,STEERS,0,9,0,CORN;9\r\n[PEN]\r\n";
+    for (std::size_t pen = 0; pen < 1470; ++pen) {
+      text += pen < long_ids ? "10,A,300\r\n" : "1,A,300\r\n";
+    }
+    return text;
+  };
+  const Day day = ReadDay("2026-02-27");
+  FeedingWork work(ReadFeedPlan(download(0)),
+                   static_cast<std::uint32_t>(day.time_since_epoch().count()));
+  EXPECT_TRUE(work.FeedDay(day, std::string::npos));
+  return download(bytes - work.Records().size());
+}
+
+TEST_F(WorkingIndicatorTest, ItsFileHasAtMost65535Bytes) {
+  const auto full = Make().Visit(DownloadWithRecordsOf(65535));
+  ASSERT_TRUE(full);
+  EXPECT_EQ(full->size(), 65535U);
+  EXPECT_FALSE(Make().Visit(DownloadWithRecordsOf(65536)));
+  EXPECT_EQ(said_.back(), "the indicator cannot feed by the download: no recipe or no pen to feed");
 }
 
 TEST_F(WorkingIndicatorTest, ALedgerThatCannotBeWrittenIsThrown) {
