@@ -73,6 +73,18 @@ TEST(Reader, ThatFindsAnotherFileThanTheParentTellsItsKind) {
   ExpectRefusal("exit 3", "is damaged: its list of tables cannot be read");
 }
 
+TEST(Reader, HasTenSecondsAndOneForEachMegabyteUpToAnHour) {
+  constexpr std::uintmax_t kMegabyte = 1'048'576;
+  for (const auto& [size, seconds] : {std::pair<std::uintmax_t, int>{0, 10},
+                                      {kMegabyte - 1, 10},
+                                      {kMegabyte, 11},
+                                      {3589 * kMegabyte, 3599},
+                                      {3590 * kMegabyte, 3600},
+                                      {3591 * kMegabyte, 3600}}) {
+    EXPECT_EQ(LimitsForFile(size).processor, std::chrono::seconds(seconds)) << size;
+  }
+}
+
 TEST(Reader, ThatIsNotThereIsTold) {
   ConversionSite site;
   const OtherReader reader(site, "exit 0");
@@ -172,6 +184,16 @@ TEST(Conversion, IntoAFolderThatIsNotThereIsTold) {
   site.copy = site.folder / "none" / "NEW.RDB";
   EXPECT_THAT(site.Refusal(site.Data("LEGACYR.RDB")),
               AllOf(HasSubstr("cannot write"), HasSubstr("No such file or directory")));
+}
+
+// The right to write is looked at: a superuser could write without it.
+TEST(Conversion, FromAWriteProtectedTemplateMakesAFileThatCanBeWritten) {
+  ConversionSite site;
+  const OtherReader reader(site,
+                           "exec " + (fs::path(VRX_BIN_DIR) / "vrx2260jet").string() + " \"$@\"");
+  fs::permissions(site.program_directory / "QXNULRDB.MDB", fs::perms::owner_read);
+  site.Convert(site.Data("LEGACYR.RDB"));
+  EXPECT_EQ(fs::status(site.copy).permissions(), fs::perms::owner_read | fs::perms::owner_write);
 }
 
 TEST(Conversion, WithoutATemplateIsTold) {

@@ -6,6 +6,7 @@
 #include <gtest/gtest.h>
 
 #include "legacy/conversion_site.h"
+#include "legacy/pen_file.h"
 
 namespace vrx::testing {
 namespace {
@@ -15,35 +16,6 @@ using ::testing::ElementsAre;
 using ::testing::HasSubstr;
 using ::testing::Not;
 using Row = std::vector<std::string>;
-
-const LegacyValue kNull{};
-
-LegacyValue Text(std::string_view text) { return JetWriter::Utf16(text); }
-LegacyValue Whole(int number) { return std::int32_t{number}; }
-
-// The three tables that say what a file is.
-void AddIdentity(JetWriter& file, std::string_view marker, std::string_view unit = "LB") {
-  file.AddTable("UnitsOfMeasure", {{"UoM", JetWriter::kText}});
-  file.AddRow({Text(unit)});
-  file.AddTable("History", {{"Created", JetWriter::kDate}, {"Modified", JetWriter::kDate}});
-  file.AddRow({JetDate{40000}, kNull});
-  file.AddTable("BrantockDatabase", {{"dBType", JetWriter::kText}});
-  file.AddRow({Text(marker)});
-}
-
-void AddPens(JetWriter& file) {
-  file.AddTable("Pen", {{"ID", JetWriter::kLong},
-                        {"Name", JetWriter::kText},
-                        {"Description", JetWriter::kText},
-                        {"FeedAmount", JetWriter::kText}});
-}
-
-JetWriter PenFile() {
-  JetWriter file;
-  AddIdentity(file, "USER_RECIPE_DB");
-  AddPens(file);
-  return file;
-}
 
 JetWriter TransactionFile(const std::vector<JetWriter::Column>& columns) {
   JetWriter file;
@@ -150,6 +122,38 @@ TEST(ConversionOfNumbers, TakesATextInANumbersPlaceOnlyIfItIsANumber) {
   EXPECT_EQ(report.sums[0].new_file, 12.5);
 }
 
+// A currency is stored in ten thousandths.
+TEST(ConversionOfNumbers, ReadsEveryKindThatAColumnMayHave) {
+  ConversionSite site;
+  JetWriter file = TransactionFile({{"Transaction", JetWriter::kByte},
+                                    {"Target", JetWriter::kCurrency},
+                                    {"ActualBatch", JetWriter::kInteger},
+                                    {"ActualFeed", JetWriter::kLong},
+                                    {"IngPercent", JetWriter::kSingle},
+                                    {"Ing01Wt", JetWriter::kBoolean},
+                                    {"Ing02Wt", JetWriter::kDouble}});
+  file.AddRow({Whole(200), Whole(125000), Whole(-7), Whole(-100000), 37.9F, true, 1e-3});
+  site.Convert(file);
+  EXPECT_THAT(site.Rows("SELECT [Transaction], Target, ActualBatch, ActualFeed, IngPercent, "
+                        "Ing01Wt, Ing02Wt FROM Transactions"),
+              ElementsAre(Row{"200", "12.5", "-7.0", "-100000.0", "37.9", "1.0", "0.001"}));
+}
+
+TEST(ConversionOfTables, MindsNoCaseOfTheirNames) {
+  ConversionSite site;
+  JetWriter file;
+  file.AddTable("UNITSOFMEASURE", {{"uom", JetWriter::kText}});
+  file.AddRow({Text("LB")});
+  file.AddTable("PEN", {{"id", JetWriter::kLong}});
+  file.AddRow({Whole(7)});
+  const ConversionReport report = site.Convert(file);
+  EXPECT_EQ(report.unit, "LB");
+  EXPECT_EQ(CountsOf(report, "Pen").stored, 1U);
+  EXPECT_THAT(NoticeLines(report), Not(Contains(HasSubstr("UnitsOfMeasure: "))));
+  EXPECT_THAT(NoticeLines(report), Not(Contains(HasSubstr("Pen: the table"))));
+  EXPECT_THAT(NoticeLines(report), Not(Contains(HasSubstr("has no place in the new file"))));
+}
+
 TEST(ConversionOfColumns, TellsThoseThatAreMissingAndThoseWithoutAPlace) {
   ConversionSite site;
   JetWriter file;
@@ -237,6 +241,50 @@ TEST(ConversionOfTheUnit, TakesTheSystemsWhereTheFileHasNone) {
               Contains("UnitsOfMeasure, row 1: UoM was \"TONS\"; KG was stored"));
 }
 
+TEST(ConversionOfTheUnit, TakesTheFilesHoweverItIsWritten) {
+  ConversionSite site;
+  JetWriter file;
+  AddIdentity(file, "USER_RECIPE_DB", " lb ");
+  AddPens(file);
+  const ConversionReport report = site.Convert(file);
+  EXPECT_EQ(report.unit, "LB");
+  EXPECT_THAT(NoticeLines(report),
+              Contains("UnitsOfMeasure, row 1: UoM was \" lb \"; LB was stored"));
+}
+
+TEST(ConversionOfTheIdentity, TellsTablesThatAreMissing) {
+  ConversionSite site;
+  JetWriter file;
+  AddPens(file);
+  const ConversionReport report = site.Convert(file);
+  EXPECT_EQ(report.unit, "KG");
+  EXPECT_EQ(report.tables.size(), 1U);
+  EXPECT_THAT(NoticeLines(report),
+              ::testing::IsSupersetOf(
+                  {"BrantockDatabase: the table is missing; the new one holds its defaults",
+                   "UnitsOfMeasure: the table is missing; the new one holds its defaults",
+                   "History: the table is missing; the new one holds its defaults",
+                   "UnitsOfMeasure: UoM was NULL; KG was stored"}));
+  EXPECT_THAT(NoticeLines(report), Not(Contains(HasSubstr("Transactions"))));
+}
+
+TEST(ConversionOfTheIdentity, TakesTheFirstRowOfATable) {
+  ConversionSite site;
+  JetWriter file;
+  file.AddTable("UnitsOfMeasure", {{"UoM", JetWriter::kText}});
+  file.AddRow({Text("LB")});
+  file.AddRow({Text("KG")});
+  AddPens(file);
+  const ConversionReport report = site.Convert(file);
+  EXPECT_EQ(report.unit, "LB");
+  const ConvertedTable& units = CountsOf(report, "UnitsOfMeasure");
+  EXPECT_EQ(units.read, 2U);
+  EXPECT_EQ(units.stored, 1U);
+  EXPECT_EQ(units.refused, 1U);
+  EXPECT_THAT(NoticeLines(report),
+              Contains("UnitsOfMeasure, row 2: refused: the table holds one row only"));
+}
+
 TEST(ConversionOfLines, RefusesThoseOfNoRecipeAndTheThirtyThird) {
   ConversionSite site;
   JetWriter file;
@@ -304,6 +352,7 @@ TEST(ConversionOfRows, LeavesDeletedOnesOutAndFindsMovedOnes) {
   EXPECT_THAT(site.Rows("SELECT Name FROM Pen WHERE ID < 5"),
               ElementsAre(Row{"FIRST"}, Row{"PEN002"}, Row{"MOVED"}, Row{"LAST"}));
   EXPECT_THAT(NoticeLines(report), Not(Contains(HasSubstr("should have"))));
+  EXPECT_THAT(NoticeLines(report), Not(Contains(HasSubstr("History"))));
 }
 
 TEST(ConversionOfRows, TellsWhenThereAreMoreOrFewerThanTheFileSays) {

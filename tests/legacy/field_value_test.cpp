@@ -1,6 +1,9 @@
 #include "legacy/field_value.h"
 
 #include <limits>
+#include <stdexcept>
+#include <string>
+#include <tuple>
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -14,6 +17,115 @@ double StoredSingle(float single) {
   const FieldRule rule{.column = "Ing01Wt", .kind = FieldKind::kReal};
   Repairs repairs;
   return std::get<double>(ConvertField(rule, single, {}, repairs));
+}
+
+const FieldRule& RuleOf(std::string_view table, std::string_view column) {
+  for (const FieldRule& rule : FindTableRule(table)->fields) {
+    if (rule.column == column) {
+      return rule;
+    }
+  }
+  throw std::out_of_range("no column " + std::string(column));
+}
+
+// NULL as "NULL".
+std::string StoredAs(const FieldRule& rule, const LegacyValue& value) {
+  Repairs repairs;
+  const FieldValue stored = ConvertField(rule, value, "REC007", repairs);
+  if (const auto* const text = std::get_if<std::string>(&stored)) {
+    return *text;
+  }
+  if (const auto* const whole = std::get_if<std::int64_t>(&stored)) {
+    return std::to_string(*whole);
+  }
+  const auto* const real = std::get_if<double>(&stored);
+  return real == nullptr ? "NULL" : std::to_string(*real);
+}
+
+LegacyValue Whole(std::int32_t number) { return number; }
+LegacyValue Text(const char* text) { return std::string(text); }
+
+TEST(FieldRule, HoldsEachFieldToItsLimits) {
+  struct Case {
+    const char* table;
+    const char* column;
+    LegacyValue value;
+    const char* stored;
+  };
+  for (const Case& each :
+       {Case{"Ingredient", "Name", Text("ABCDEF"), "ABCDEF"},
+        {"Ingredient", "Name", Text("ABCDEFG"), "ABCDEF"},
+        {"Ingredient", "Name", Text("A\x1F\x7F-B"), "A-B"},
+        {"Recipe", "Name", Text("ABCDEFG"), "ABCDEF"},
+        {"Recipe", "Name", {}, "REC007"},
+        {"Pen", "Name", Text("ABCDEFG"), "ABCDEF"},
+        {"Ingredient", "Description", Text("0123456789abcdef"), "0123456789abcdef"},
+        {"Ingredient", "Description", Text("0123456789abcdefg"), "0123456789abcdef"},
+        {"Ingredient", "Description", {}, ""},
+        {"Ingredient", "DryMatter%", Whole(-1), "0"},
+        {"Ingredient", "DryMatter%", Whole(0), "0"},
+        {"Ingredient", "DryMatter%", Whole(100), "100"},
+        {"Ingredient", "DryMatter%", Whole(101), "100"},
+        {"Ingredient", "DryMatter%", {}, "100"},
+        {"Ingredient", "HandAdd", Whole(-1), "1"},
+        {"Ingredient", "HandAdd", {}, "0"},
+        {"Recipe", "BatchType", Text("!"), "!"},
+        {"Recipe", "BatchType", Text("W"), "W"},
+        {"Recipe", "BatchType", Text("H"), "H"},
+        {"Recipe", "BatchType", Text("%"), "%"},
+        {"Recipe", "BatchType", Text("P"), "P"},
+        {"Recipe", "BatchType", Text("w"), "!"},
+        {"Recipe", "BatchType", {}, "!"},
+        {"Recipe", "HeadCount", Whole(-1), "0"},
+        {"Recipe", "HeadCount", Whole(1000), "1000"},
+        {"Recipe", "HeadCount", Whole(1001), "1000"},
+        {"Recipe", "HeadCount", {}, "0"},
+        {"Recipe", "RationTarget", Text("x"), ""},
+        {"Recipe", "RationTarget", {}, ""},
+        {"Recipe", "AdjBatTotIndex", {}, "20"},
+        {"RecipeRation", "Target", Text("12.50"), "12.50"},
+        {"RecipeRation", "Target", Text("x"), "0"},
+        {"RecipeRation", "Target", {}, "NULL"},
+        {"RecipeRation", "Sequence", Whole(-1), "0"},
+        {"RecipeRation", "Sequence", Whole(2147483647), "2147483647"},
+        {"Pen", "FeedAmount", {}, "0"},
+        {"Transactions", "Transaction", Whole(-2147483647 - 1), "-2147483648"},
+        {"Transactions", "Transaction", Whole(2147483647), "2147483647"},
+        {"Transactions", "Transaction", {}, "NULL"},
+        {"Transactions", "Recipe", Text(""), ""},
+        {"Transactions", "UserID", Text(""), "NULL"},
+        {"Transactions", "Ingredient", Text(""), "NULL"},
+        {"Transactions", "Pen", Text(""), "NULL"},
+        {"Transactions", "Target", {}, "0.000000"},
+        {"Transactions", "ActualBatch", {}, "0.000000"},
+        {"Transactions", "ActualFeed", {}, "0.000000"},
+        {"Transactions", "IngPercent", {}, "NULL"},
+        {"Transactions", "Ing100Wt", {}, "NULL"}}) {
+    EXPECT_EQ(StoredAs(RuleOf(each.table, each.column), each.value), each.stored)
+        << each.table << " " << each.column << " " << Shown(each.value);
+  }
+}
+
+TEST(FieldRule, TakesIdsFromOneToTheLastOfTheirTable) {
+  for (const auto& [table, column, last] : {std::tuple{"Ingredient", "ID", 100},
+                                            {"Recipe", "ID", 100},
+                                            {"Pen", "ID", 400},
+                                            {"RecipeRation", "RecipeID", 100},
+                                            {"RecipeRation", "Ingredient", 100}}) {
+    const FieldRule& rule = RuleOf(table, column);
+    EXPECT_EQ(ReadId(rule, Whole(1)), 1) << table;
+    EXPECT_EQ(ReadId(rule, Whole(last)), last) << table;
+    EXPECT_EQ(ReadId(rule, Text("2")), 2) << table;
+    for (const LegacyValue& wrong : {Whole(0), Whole(last + 1), LegacyValue{1.5}, LegacyValue{}}) {
+      EXPECT_EQ(ReadId(rule, wrong), std::nullopt) << table << " " << Shown(wrong);
+    }
+  }
+}
+
+TEST(FieldValue, IsShownInAtMost60Characters) {
+  const std::string longest = std::string(59, 'x') + "\xC3\xB1";
+  EXPECT_EQ(Shown(longest), '"' + longest + '"');
+  EXPECT_EQ(Shown(longest + "y"), '"' + longest + "...\"");
 }
 
 TEST(FieldValue, StoresASingleAsItsDecimalOfSevenDigits) {
@@ -72,6 +184,8 @@ TEST(JetDate, RefusesWhatIsNoDate) {
   EXPECT_FALSE(ToMoment({std::numeric_limits<double>::infinity()}));
   EXPECT_FALSE(ToMoment({1e300}));
   EXPECT_FALSE(ToMoment({-800000}));
+  EXPECT_FALSE(ToMoment({-657435}));  // the last day of the year 99
+  EXPECT_TRUE(ToMoment({-657434}));
   EXPECT_FALSE(ToMoment({2958466}));  // 10000-01-01
   EXPECT_TRUE(ToMoment({2958465}));
 }

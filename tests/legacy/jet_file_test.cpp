@@ -60,6 +60,8 @@ TEST(JetFile, KnowsAnAccess2007FileByItsMarkAndByItsVersion) {
 
 TEST(JetFile, KnowsAPassword) {
   EXPECT_EQ(KindOf(Changed(Fixture(), 0x42, "s\0e\0c\0"sv)), JetFileKind::kPassword);
+  EXPECT_EQ(KindOf(Changed(Fixture(), 0x42 + 38, "t\0"sv)), JetFileKind::kPassword);
+  EXPECT_EQ(KindOf(Changed(Fixture(), 0x42 + 40, "x\0"sv)), JetFileKind::kJet4);
   EXPECT_THAT(JetFileRefusal(JetFileKind::kPassword, "A.RDB"), HasSubstr("remove the password"));
 }
 
@@ -83,6 +85,15 @@ TEST(JetFile, TellsFilesOfOtherKindsApart) {
             JetFileKind::kPresentFormat);
   EXPECT_THAT(JetFileRefusal(JetFileKind::kText, "A.RDB"),
               StartsWith("A.RDB is a text file, not a database. Choose the .RDB or .TDB file"));
+}
+
+TEST(JetFile, LooksForBinaryBytesInTheFirst512) {
+  std::string bytes(600, 'a');
+  bytes[511] = '\x7F';
+  EXPECT_EQ(KindOf(bytes), JetFileKind::kOther);
+  bytes[511] = '\t';
+  bytes[512] = '\x7F';
+  EXPECT_EQ(KindOf(bytes), JetFileKind::kText);
 }
 
 TEST(JetFile, HasWordsForEveryKindThatIsRefused) {

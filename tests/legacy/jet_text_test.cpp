@@ -33,12 +33,26 @@ TEST(JetText, ReadsCharactersOfTwoUnits) {
   EXPECT_EQ(DecodeJetText("\x3D\xD8\x00\xDE"sv), "\xF0\x9F\x98\x80");
 }
 
+TEST(JetText, ReadsPairsFromTheFirstToTheLastUnit) {
+  EXPECT_EQ(DecodeJetText("\x00\xD8\x00\xDC"sv), "\xF0\x90\x80\x80");
+  EXPECT_EQ(DecodeJetText("\xFF\xDB\xFF\xDF"sv), "\xF4\x8F\xBF\xBF");
+  EXPECT_EQ(DecodeJetText("\xFF\xD7\x00\xE0"sv), "\xED\x9F\xBF\xEE\x80\x80") << "no pair";
+  EXPECT_EQ(DecodeJetText("\x00\xD8\xFF\xDB"sv), "\xEF\xBF\xBD\xEF\xBF\xBD") << "two first units";
+  EXPECT_EQ(DecodeJetText("\x00\xDC\x00\xDC"sv), "\xEF\xBF\xBD\xEF\xBF\xBD") << "two second units";
+}
+
+TEST(JetText, WritesAsManyBytesAsACharacterTakes) {
+  EXPECT_EQ(DecodeJetText("\x7F\x00\x80\x00\xFF\x07\x00\x08"sv),
+            "\x7F\xC2\x80\xDF\xBF\xE0\xA0\x80");
+}
+
 TEST(JetText, MarksWhatIsNoCharacter) {
   EXPECT_EQ(DecodeJetText("A\0B"sv), "A\xEF\xBF\xBD");  // half a unit
   EXPECT_EQ(DecodeJetText("\x3D\xD8"
                           "A\0"sv),
             "\xEF\xBF\xBD"
-            "A");  // half a pair
+            "A");                                             // half a pair
+  EXPECT_EQ(DecodeJetText("\xFF\xFE\0A"sv), "\xEF\xBF\xBD");  // half a unit, compressed
   EXPECT_EQ(DecodeJetText("\x00\xDE"sv), "\xEF\xBF\xBD");
 }
 

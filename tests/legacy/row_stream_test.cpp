@@ -133,6 +133,31 @@ TEST(RowStream, OfAnotherProgramIsRefused) {
   EXPECT_EQ(FailureOf(Stream() + "x"), "something follows the end of the rows");
 }
 
+// A record that is too long is refused before its bytes are waited for.
+TEST(RowStream, LimitsARecordToOneMegabyte) {
+  const auto directory_of = [](std::uint32_t length) {
+    std::string bytes(kRowStreamMark);
+    bytes += 'D';
+    for (unsigned shift = 0; shift < 32; shift += 8) {
+      bytes += static_cast<char>(length >> shift);
+    }
+    return bytes;
+  };
+  EXPECT_EQ(FailureOf(directory_of(1'048'576)), "no end");
+  EXPECT_EQ(FailureOf(directory_of(1'048'577)), "a record of the rows is too long");
+}
+
+TEST(RowStream, WritesWhatItHasFrom64KilobytesOn) {
+  std::vector<std::size_t> pieces;
+  RowStreamWriter writer([&pieces](std::string_view piece) { pieces.push_back(piece.size()); });
+  writer.Directory({std::string(65536 - kRowStreamMark.size() - 13 - 1, 'x')});
+  EXPECT_THAT(pieces, ElementsAre());
+  writer.DamagedTable("");
+  EXPECT_THAT(pieces, ElementsAre(65536 - 1 + 9));
+  writer.End();
+  EXPECT_THAT(pieces, ElementsAre(65536 - 1 + 9, 9));
+}
+
 TEST(RowStream, NoticesARowThatIsMissing) {
   std::string bytes;
   std::size_t before = 0;

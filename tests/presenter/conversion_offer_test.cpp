@@ -1,3 +1,6 @@
+#include "presenter/legacy_conversion.h"
+
+#include <functional>
 #include <memory>
 #include <string>
 #include <vector>
@@ -34,6 +37,7 @@ class KeptDisplay : public ConversionDisplay {
     EXPECT_FALSE(on_show);
     report = text;
     file_name = name;
+    while_report_is_open();
   }
 
   bool on_show = false;
@@ -41,6 +45,7 @@ class KeptDisplay : public ConversionDisplay {
   std::vector<std::string> messages;
   std::string report;
   std::string file_name;
+  std::function<void()> while_report_is_open = [] {};
 };
 
 class ConversionOfferTest : public ::testing::Test {
@@ -143,6 +148,15 @@ TEST_F(ConversionOfferTest, TellsAFileOfTheOtherKind) {
   EXPECT_THAT(op.boxes.back().text, HasSubstr("is a recipe database; expected a transaction"));
   EXPECT_FALSE(display.on_show);
   EXPECT_THAT(site.Files(), IsEmpty());
+}
+
+TEST_F(ConversionOfferTest, OpensNoCopyWhenTheProgramEndsDuringTheReport) {
+  op.answers = {Answer::kYes};
+  chooser.Choose(site.copy);
+  display.while_report_is_open = [this] { pump.closing = true; };
+  EXPECT_EQ(Offer(site.Data("LEGACYR.RDB")).outcome, Outcome::kEnd);
+  EXPECT_THAT(display.report, HasSubstr("Conversion of LEGACYR.RDB"));
+  EXPECT_TRUE(fs::exists(site.copy));
 }
 
 TEST_F(ConversionOfferTest, EndsWhenTheOperatorOrTheProgramEndsIt) {
