@@ -48,6 +48,16 @@ TEST_F(KrmcommInterruption, ClosingProgramEndsADumpAtOnce) {
   }
 }
 
+TEST_F(KrmcommInterruption, ADelayEndsWithAnInnerOneThatIsCutShort) {
+  pump.After(Ms{10}, [&] {
+    pump.After(Ms{10}, [&] { pump.closing = true; });
+    krm.KRM_Close();
+    pump.closing = false;
+    EXPECT_TRUE(krm.KRM_DirectOpen());
+  });
+  EXPECT_EQ(TimeOf([&] { krm.KRM_Close(); }), Ms{20});
+}
+
 TEST_F(KrmcommInterruption, LostLineEndsATransmissionAtOnce) {
   serial.per_byte = Ms{1};
   for (const Ms moment : {Ms{500}, Ms{1200}, Ms{2300}, Ms{2560}}) {

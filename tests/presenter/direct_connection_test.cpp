@@ -1,10 +1,16 @@
 #include "presenter/direct_connection.h"
 
+#include <cstdint>
+#include <filesystem>
+
 #include <gmock/gmock.h>
 
 #include "exchange/recipe_text.h"
 #include "link/link_fixture.h"
 #include "presenter/upload.h"
+#include "base/files.h"
+#include "link_fixture.h"
+#include "support/temp_folder.h"
 
 namespace vrx::testing {
 namespace {
@@ -45,6 +51,31 @@ TEST_F(DirectConnectionTest, CommandInABurstTakesEffectAtItsPlace) {
   EXPECT_THAT(op.status_lines, Contains("Received <NAK>, transmitted memory."));
   // 250 ms of silence, then 1000 ms of DTR.
   EXPECT_THAT(serial.TimesOf("out"), ElementsAre(Ms{500 + 100 + 250 + 1000}));
+}
+
+// Another command that a handler runs while an answer is on its way receives too.
+TEST_F(DirectConnectionTest, ABurstOutlivesWhatIsReceivedDuringAnAnswer) {
+  ArriveAfter(Ms{100},
+              "abc\x15"
+              "def");
+  After(Ms{1000}, [this] { krm.GS_KRM_RxDBuffer("1234567"); });
+  LeaveAfter(Ms{10'000});
+  EXPECT_TRUE(direct.ConnectIndicator());
+  EXPECT_EQ(krm.GS_KRM_VirtualMemory(), "abcdef");
+}
+
+TEST_F(DirectConnectionTest, NoRowOfAnEmptiedListIsSelected) {
+  ArriveAfter(Ms{100}, "{REPORT}x");
+  After(Ms{1000}, [this] {
+    tab.data_files = {{.file = 1, .text = "Text Report - 1"}};
+    tab.data_files_frame_visible = true;
+    tab.selected_row = 0;
+  });
+  ArriveAfter(Ms{2000}, "\x14");
+  LeaveAfter(Ms{10'000});
+  EXPECT_TRUE(direct.ConnectIndicator());
+  EXPECT_THAT(tab.data_files, IsEmpty());
+  EXPECT_EQ(tab.selected_row, -1);
 }
 
 TEST_F(DirectConnectionTest, DumpAllAnswersWithItsOwnCommand) {
@@ -376,6 +407,16 @@ TEST_F(DirectConnectionTest, EndsWhenThePortCannotBeResumed) {
 TEST_F(DirectConnectionTest, ResumesNothingInTheModuleConnection) {
   EXPECT_TRUE(direct.Resume());
   EXPECT_THAT(serial.events, IsEmpty());
+}
+
+TEST(RecipeBackup, HasAtMost16Megabytes) {
+  const TempFolder folder;
+  const std::filesystem::path file = folder.Write("a.RBU", "{DATA_IN}");
+  constexpr std::uintmax_t kMost = 16'777'216;
+  std::filesystem::resize_file(file, kMost);
+  EXPECT_EQ(ReadRecipeBackup(file).size(), kMost);
+  std::filesystem::resize_file(file, kMost + 1);
+  EXPECT_THROW(ReadRecipeBackup(file), FileError);
 }
 
 }  // namespace
