@@ -1,6 +1,8 @@
 #include <array>
+#include <csignal>
 
 #include <gmock/gmock.h>
+#include <sys/resource.h>
 
 #include "base/error.h"
 #include "base/text.h"
@@ -144,6 +146,37 @@ TEST_F(PrivateIniTest, ADefaultFileThatCannotBeWrittenEndsTheProgram) {
             "The applications configuration file could not be found and a default file could not "
             "be created.\r\nThis application will now terminate.");
   EXPECT_THAT(op.boxes[0].cause, HasSubstr("VRX-2260.INI"));
+}
+
+// Until this object goes, no file of this process grows beyond so many bytes.
+class LargestFile {
+ public:
+  explicit LargestFile(rlim_t bytes) : former_handler_(std::signal(SIGXFSZ, SIG_IGN)) {
+    getrlimit(RLIMIT_FSIZE, &former_);
+    const rlimit limit{.rlim_cur = bytes, .rlim_max = former_.rlim_max};
+    setrlimit(RLIMIT_FSIZE, &limit);
+  }
+  ~LargestFile() {
+    setrlimit(RLIMIT_FSIZE, &former_);
+    std::signal(SIGXFSZ, former_handler_);
+  }
+  LargestFile(const LargestFile&) = delete;
+  LargestFile& operator=(const LargestFile&) = delete;
+
+ private:
+  rlimit former_{};
+  void (*former_handler_)(int);
+};
+
+TEST_F(PrivateIniTest, ADefaultFileThatGetsSomeOfItsKeysOnlyEndsTheProgram) {
+  {
+    const LargestFile limit(100);
+    EXPECT_FALSE(PrivateINI::EnsureIniFile(Ini(), op));
+  }
+  ASSERT_EQ(op.boxes.size(), 1U);
+  EXPECT_EQ(op.boxes[0].title, "Configuration File Error");
+  EXPECT_THAT(op.boxes[0].cause, HasSubstr("File too large"));
+  EXPECT_THAT(File(), HasSubstr("SerialPort=2\r\n"));
 }
 
 TEST_F(PrivateIniTest, AFileWithoutCommentsSectionCountsAsNoFileAndTakesEveryDefault) {

@@ -72,6 +72,17 @@ TEST_F(PrivateProfile, CutsAValueTo1023Bytes) {
   EXPECT_EQ(Read("[S]\r\nkey=" + long_value + "yz\r\n", "S", "key"), long_value);
 }
 
+TEST_F(PrivateProfile, TakesFilesOfAtMostOneMegabyte) {
+  std::string file = "[S]\r\nkey=1\r\n";
+  file.resize(1'048'576, ' ');
+  EXPECT_EQ(Read(file, "S", "key"), "1");
+  EXPECT_EQ(Written(file).substr(0, 14), "[S]\r\nkey=new\r\n");
+  file += ' ';
+  EXPECT_EQ(Read(file, "S", "key"), "");
+  EXPECT_THROW(Written(file), FileError);
+  EXPECT_EQ(ReadAll(folder / "a.ini"), file);
+}
+
 TEST_F(PrivateProfile, ReadsNothingFromAMissingFileOrAFolder) {
   EXPECT_EQ(ReadProfileText(folder / "none.ini", "S", "key"), "");
   EXPECT_EQ(ReadProfileText(folder.Path(), "S", "key"), "");
