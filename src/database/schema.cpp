@@ -180,9 +180,8 @@ std::vector<Table> Schema(DatabaseKind kind) {
 
 void CreateTemplate(const fs::path& path, DatabaseKind kind) {
   const fs::path unfinished = path.string() + ".new";
-  // A killed run may have left both.
+  // A killed run may have left it. The engine removes its journal: an empty file has none.
   fs::remove(unfinished);
-  fs::remove(unfinished.string() + "-journal");
   try {
     SQLite::Database database(unfinished, SQLite::OPEN_READWRITE | SQLite::OPEN_CREATE);
     WriteTemplate(database, kind);

@@ -127,6 +127,16 @@ TEST_F(LifecycleFaults, AnUnreadableDateIsToldAndTheFileOpensWithoutIt) {
   EXPECT_EQ(BoundName(kRecipe), "DATE.RDB");
 }
 
+TEST_F(LifecycleFaults, AMoveThatFailsTakesTheViewsBack) {
+  window_.on_rebind = [this](DatabaseKind, const BoundDatabase&) {
+    window_.on_rebind = nullptr;
+    throw DatabaseError(SQLITE_IOERR, "the disk is gone");
+  };
+  databases_.OpenRecipeDatabase(MakeUserFile("NEXT.RDB", kRecipe), "NEXT.RDB");
+  EXPECT_THAT(BoxTitles(), ElementsAre("Open Recipe File Error"));
+  ExpectEarlierStays();
+}
+
 TEST_F(LifecycleFaults, WhenTheViewsCannotMoveBackNeitherConnectionGoesAway) {
   const fs::path path = MakeUserFile("NEXT.RDB", kRecipe);
   window_.on_rebind = [](DatabaseKind, const BoundDatabase&) {
