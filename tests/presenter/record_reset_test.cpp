@@ -6,6 +6,7 @@
 
 #include <SQLiteCpp/Transaction.h>
 #include <gmock/gmock.h>
+#include <sqlite3.h>
 
 #include "feed/feed_database.h"
 #include "presenter/record_actions.h"
@@ -71,6 +72,22 @@ class ResetRecord : public FeedDatabaseTest {
     return row;
   }
 };
+
+// A reset that only reads at first could not go on when the other one stores: neither would wait.
+TEST_F(ResetRecord, WaitsForAnotherProgramThatIsStoring) {
+  EnterCorn();
+  SQLite::Database other = OpenDatabase(path, Access::kWrite);
+  other.exec("BEGIN IMMEDIATE");
+  WritePen(other, {.id = 120, .name = "A01"});
+  const auto commit = [](void* connection, int /*asked before*/) {
+    static_cast<SQLite::Database*>(connection)->exec("COMMIT");
+    return 1;
+  };
+  sqlite3_busy_handler(database.getHandle(), commit, &other);
+  EXPECT_TRUE(Reset(RecordKind::kIngredient, 5));
+  EXPECT_EQ(ReadIngredient(database, 5).name, "ING005");
+  EXPECT_EQ(ReadPen(database, 120).name, "A01");
+}
 
 TEST_F(ResetRecord, AnIngredientIsLikeTheTemplatesAgain) {
   EnterCorn();
