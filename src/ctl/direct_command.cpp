@@ -85,7 +85,6 @@ class DirectCommand : public Command {
     KRMCOMM krm(line->Control(), line->Pump(), session.Op(), settings);
     DataTransfer transfer;
     const bool went_well = Connect(session, *line, krm, transfer, settings, *recipes);
-    krm.KRM_ImmediateClose();
     session.Progress().Clear();
     const bool written = KeepMemory(session, *line, krm, transfer, settings);
     return went_well && written ? kDone : kFailed;

@@ -186,7 +186,7 @@ int WriteUpload(Session& session, KRMCOMM& krm, DataTransfer& transfer, const Pr
     session.Op().TellCause(krm.KRM_FailureCause());
   }
   const bool written = WriteDataFiles(session, krm, transfer, settings, folder);
-  return failed || !written || transfer.data_files.empty() ? kFailed : kDone;
+  return failed || !written ? kFailed : kDone;
 }
 
 constexpr std::string_view kPleaseCheck =

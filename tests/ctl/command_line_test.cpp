@@ -79,6 +79,12 @@ TEST_F(CtlTest, AnUnknownCommandIsNamed) {
   EXPECT_THAT(err, StartsWith("fly is no command\n"));
 }
 
+TEST_F(CtlTest, AnOutputThatCannotBeWrittenFails) {
+  out_file = "/dev/full";
+  EXPECT_EQ(Run({"settings"}), 1);
+  EXPECT_EQ(err, "Error: the standard output could not be written\n");
+}
+
 TEST_F(CtlTest, GlobalOptionsStandBehindACommandAsWell) {
   EXPECT_EQ(RunBare({"settings", "SystemUnits", "--data-dir", (folder / "data").string(), "--yes"}),
             0);
@@ -106,6 +112,13 @@ TEST_F(CtlTest, WritingASettingNeedsADataDir) {
   EXPECT_EQ(RunBare({"--data-dir", file + "/data", "settings", "SerialPort", "3"}), 1);
   EXPECT_THAT(err, HasSubstr("cannot make the folder " + file + "/data"));
   EXPECT_THAT(out, IsEmpty());
+}
+
+TEST_F(CtlTest, ARelativeDataDirIsNamedAsAWhole) {
+  const std::string file = std::filesystem::relative(folder.Write("file", "x")).string();
+  EXPECT_EQ(RunBare({"--data-dir", file + "/data", "settings", "SerialPort", "3"}), 1);
+  EXPECT_THAT(err, HasSubstr("cannot make the folder " +
+                             (std::filesystem::current_path() / file).string() + "/data"));
 }
 
 TEST_F(CtlTest, SettingsAreListedWithTheirKeys) {

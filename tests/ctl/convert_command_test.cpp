@@ -54,6 +54,26 @@ TEST_F(ConvertCommandTest, ReportsAsJson) {
   EXPECT_EQ(Run({"show", Target("NEW.TDB"), "--group", "10", "--limit", "5"}), 0) << err;
 }
 
+TEST_F(ConvertCommandTest, AnInterruptStopsItAndLeavesNothing) {
+  system.program_directory = (folder / "bin").string();
+  fs::create_directory(folder / "bin");
+  fs::copy_file(fs::path(VRX_BIN_DIR) / "QXNULRDB.MDB", folder / "bin/QXNULRDB.MDB");
+  folder.Write("bin/vrx2260jet",
+               "#!/bin/sh\nkill -INT $PPID\nexec " VRX_BIN_DIR "/vrx2260jet \"$@\"\n");
+  fs::permissions(folder / "bin/vrx2260jet", fs::perms::owner_all);
+  EXPECT_EQ(Run({"convert", Legacy("LEGACYR.RDB"), Target("NEW.RDB")}), 1);
+  EXPECT_EQ(err, "Database Conversion Error: the conversion was stopped\n");
+  EXPECT_EQ(out, "");
+  EXPECT_FALSE(fs::exists(Target("NEW.RDB")));
+}
+
+TEST_F(ConvertCommandTest, ShowsItsProgressOnATerminalUntilTheReportComes) {
+  err_is_terminal = true;
+  EXPECT_EQ(Run({"convert", Legacy("LEGACYR.RDB"), Target("NEW.RDB")}), 0);
+  EXPECT_THAT(err, HasSubstr("Converting the table Ingredient.  100%"));
+  EXPECT_EQ(Screen(), out);
+}
+
 TEST_F(ConvertCommandTest, RefusesWhatIsNoSuchFileInWords) {
   const std::string recipes = NewRecipeDatabase();
   EXPECT_EQ(Run({"convert", recipes, Target("NEW.RDB")}), 1);

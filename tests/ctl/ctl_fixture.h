@@ -1,6 +1,8 @@
 #pragma once
 
 #include <filesystem>
+#include <fstream>
+#include <functional>
 #include <memory>
 #include <sstream>
 #include <string>
@@ -42,19 +44,22 @@ class CtlTest : public ::testing::Test {
     CopyingBuffer out_buffer(screen_text);
     CopyingBuffer err_buffer(screen_text);
     std::ostream out_stream(&out_buffer);
+    std::ofstream out_file_stream(out_file);
     std::ostream err_stream(&err_buffer);
     const CommandContext context{.in = in,
-                                 .out = out_stream,
+                                 .out = out_file.empty() ? out_stream : out_file_stream,
                                  .err = err_stream,
                                  .in_is_terminal = in_is_terminal,
                                  .err_is_terminal = err_is_terminal,
                                  .system = system,
                                  .calendar = calendar,
                                  .busy_timeout = busy_timeout,
-                                 .make_serial_line = [this](const std::string& path, const auto&) {
-                                   device = path;
-                                   return std::make_unique<FakeLine>(*this);
-                                 }};
+                                 .make_serial_line =
+                                     [this](const std::string& path, const auto&) {
+                                       device = path;
+                                       return std::make_unique<FakeLine>(*this);
+                                     },
+                                 .start_drawing = start_drawing};
     const int code = RunCommandLine(args, context);
     out = out_buffer.Text();
     err = err_buffer.Text();
@@ -110,6 +115,8 @@ class CtlTest : public ::testing::Test {
   bool err_is_terminal = false;
   std::string out;
   std::string err;
+  std::string out_file;  // gets the output in place of `out`
+  std::function<void()> start_drawing = [] {};
 
  private:
   // Keeps what is written, and adds it to the screen.

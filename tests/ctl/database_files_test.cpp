@@ -55,6 +55,13 @@ TEST_F(DatabaseFiles, ALockedOneIsToldAsLocked) {
   EXPECT_TRUE(ReadAll(path) == before);
 }
 
+TEST_F(DatabaseFiles, InfoGoesByTheContentAndNotByTheName) {
+  ASSERT_EQ(Run({"info", NewTransactionDatabase("ODD.RDB"), "--json"}), 0) << err;
+  EXPECT_EQ(Json::parse(out)["type"], "transaction");
+  ASSERT_EQ(Run({"info", NewRecipeDatabase("ODD.TDB"), "--json"}), 0) << err;
+  EXPECT_EQ(Json::parse(out)["type"], "recipe");
+}
+
 TEST_F(DatabaseFiles, InfoReportsTheFixedRecordsThatAreMissing) {
   const std::string path = NewRecipeDatabase();
   ASSERT_EQ(Run({"info", path, "--json"}), 0) << err;

@@ -221,14 +221,17 @@ TEST_F(DirectCommand, AHeldAnswerIsToldWithItsCause) {
 
 TEST_F(DirectCommand, TakenNameIsRefusedBeforeAnythingIsReceived) {
   fs::create_directory(Out());
-  folder.Write("out/02.RBU", "mine");
   ArriveAfter(Milliseconds{1000}, "{BAT/FED},L\r\n{DATA_IN},L\r\n");
-  EXPECT_EQ(Direct({"--seconds", "3", "--out", Out()}), 1);
-  EXPECT_THAT(err, EndsWith("02.RBU exists already. Nothing was received.\n"));
-  EXPECT_EQ(pump.Now(), Milliseconds{0});
-  EXPECT_EQ(ReadAll(folder / "out/02.RBU"), "mine");
-  EXPECT_FALSE(fs::exists(folder / "out/01.QXT"));
-  EXPECT_THAT(out, IsEmpty());
+  for (const std::string name : {"01.QXT", "02.RBU", "99.TXT"}) {
+    folder.Write("out/" + name, "mine");
+    EXPECT_EQ(Direct({"--seconds", "3", "--out", Out()}), 1);
+    EXPECT_THAT(err, EndsWith(name + " exists already. Nothing was received.\n"));
+    EXPECT_EQ(pump.Now(), Milliseconds{0});
+    EXPECT_EQ(ReadAll(folder / "out" / name), "mine");
+    EXPECT_THAT(out, IsEmpty());
+    fs::remove(folder / "out" / name);
+  }
+  EXPECT_TRUE(fs::is_empty(Out()));
 }
 
 }  // namespace

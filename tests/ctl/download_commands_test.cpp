@@ -1,4 +1,5 @@
 #include <filesystem>
+#include <regex>
 #include <string>
 #include <vector>
 
@@ -7,6 +8,8 @@
 
 #include "ctl/ctl_fixture.h"
 #include "support/database_files.h"
+#include "ctl_fixture.h"
+#include "support/statement_counter.h"
 
 namespace vrx::testing {
 namespace {
@@ -89,6 +92,33 @@ TEST_F(DownloadCommands, DownloadTextOnlyReads) {
   EXPECT_EQ(Run({"download-text", yard}), 0);
   EXPECT_TRUE(ReadAll(yard) == before);
   EXPECT_FALSE(fs::exists(yard + "-journal"));
+}
+
+// Another program stores whenever it can between two of its statements.
+TEST_F(DownloadCommands, DownloadTextIsOfOneMoment) {
+  SQLite::Database other = OpenDatabase(yard, Access::kWrite, std::chrono::milliseconds{0});
+  int stored = 0;
+  int refused = 0;
+  const StatementCounter counter([&] {
+    const std::string name = "'N" + std::to_string(stored + 1) + "'";
+    try {
+      SQLite::Transaction transaction(other);
+      other.exec("UPDATE Ingredient SET Name = " + name +
+                 " WHERE ID = 1; UPDATE Pen SET Name = " + name + " WHERE ID = 7");
+      transaction.commit();
+      ++stored;
+    } catch (const SQLite::Exception&) {
+      ++refused;
+    }
+  });
+  EXPECT_EQ(Run({"download-text", yard}), 0) << err;
+  EXPECT_GT(stored, 0);
+  EXPECT_GT(refused, 0);
+  std::smatch names;
+  ASSERT_TRUE(std::regex_search(
+      out, names, std::regex("\\[ING\\]\r\n\r\n1,(N\\d+),[^]*\\[PEN\\]\r\n\r\n7,(N\\d+),")))
+      << out;
+  EXPECT_EQ(names[1], names[2]);
 }
 
 TEST_F(DownloadCommands, DownloadTextNamesTheRecipeThatDoesNotCompute) {

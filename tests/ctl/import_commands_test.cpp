@@ -61,6 +61,13 @@ TEST_F(ImportCommands, ImportAsCsvShowsTheColumnsUnderTheirKeys) {
   EXPECT_THAT(feed, StartsWith("2,3,FEED,800.0,,,12,801.0,0958,01152009,2,,,,,801.0,,"));
 }
 
+TEST_F(ImportCommands, ImportShowsItsProgressOnATerminalUntilTheResultComes) {
+  err_is_terminal = true;
+  EXPECT_EQ(Run({"import", file, "--json"}), 0);
+  EXPECT_THAT(err, HasSubstr("Extracting batch and feed data..."));
+  EXPECT_EQ(Screen(), out);
+}
+
 TEST_F(ImportCommands, ImportShowsTheFeedsThatFitNoBatch) {
   file = folder
              .Write("ODD.QXT",

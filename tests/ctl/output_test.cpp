@@ -22,6 +22,24 @@ TEST(PlainOutput, SeparatesCellsByTabsBehindAHeaderLine) {
             "ID\tName\tHandAdd\tTarget\n1\tCORN\tYes\t500.5\n2\ta,\"b\"  c\tNo\t\n");
 }
 
+TEST(PlainOutput, ShowsABlankForEachControlCharacter) {
+  EXPECT_EQ(Written(OutputForm::kPlain, {.header = {"A"},
+                                         .rows = {{"a\x7F"
+                                                   "b\tc\x1F"
+                                                   "d\xC3\xB1 ~"}}}),
+            "A\na b c d\xC3\xB1 ~\n");
+}
+
+TEST(CsvOutput, QuotesEachCharacterThatParts) {
+  for (const char* const part : {",", "\r", "\n"}) {
+    const std::string text = std::string("a") + part + "b";
+    EXPECT_EQ(Written(OutputForm::kCsv, {.header = {"A"}, .rows = {{text}}}),
+              "A\r\n\"" + text + "\"\r\n");
+  }
+  EXPECT_EQ(Written(OutputForm::kCsv, {.header = {"A"}, .rows = {{"\"\""}, {"a\tb;c"}}}),
+            "A\r\n\"\"\"\"\"\"\r\na\tb;c\r\n");
+}
+
 TEST(CsvOutput, QuotesWhereNeededAndEndsLinesInCrLf) {
   EXPECT_EQ(Written(OutputForm::kCsv, kTable),
             "ID,Name,HandAdd,Target\r\n1,CORN,Yes,500.5\r\n2,\"a,\"\"b\"\"\r\nc\",No,\r\n");

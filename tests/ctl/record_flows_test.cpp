@@ -72,6 +72,21 @@ TEST_F(RecordFlows, ARecordsNumberMayBearZeros) {
   EXPECT_EQ(err, "Set Pen Defaults: Reset pen #10 (PEN010) to its default values?\n");
 }
 
+TEST_F(RecordFlows, ANumberMayBearASign) {
+  ASSERT_EQ(Run({"set", "pen", database, "+5", "--feed", "500"}), 0) << err;
+  ASSERT_EQ(Run({"list", "pens", database}), 0);
+  EXPECT_EQ(out, "ID\tName\tDescription\tFeedAmount\n5\tPEN005\t\t500\n");
+  ASSERT_EQ(Run({"set", "recipe", database, "3", "--type", "W"}), 0) << err;
+  for (const auto& [percent, index] : {std::pair{"+5", "15"}, {"-5", "25"}, {"20", "0"}}) {
+    AddLine(database, {.recipe_id = "3", .target = "100"});
+    ASSERT_EQ(Run({"set", "recipe", database, "3", "--adjust", percent}), 0) << err;
+    EXPECT_EQ(Recipe(3).adjust_batch_index, index);
+  }
+  for (const char* const wrong : {"+", "++5", "+-5"}) {
+    EXPECT_EQ(Run({"set", "pen", database, wrong, "--feed", "1"}), 2) << wrong;
+  }
+}
+
 TEST_F(RecordFlows, SetRecipeTellsAHeadCountOutOfRange) {
   AddLine(database, {.recipe_id = "3", .target = "100"});
   ASSERT_EQ(Run({"set", "recipe", database, "3", "--type", "H", "--head-count", "1001"}), 0);
