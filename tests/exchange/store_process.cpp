@@ -3,7 +3,7 @@
 //
 //   store_process RECIPES.RDB TRANSACTIONS.TDB ROWS
 //
-// Prints "ready" once the first store begins.
+// Prints "ready" once the first store begins and "stored" once it is done.
 
 #include <cstdio>
 #include <cstdlib>
@@ -23,9 +23,14 @@ int StoreUntilFailure(const OpenDatabases& databases, int rows) {
   const ImportedData import = MakeManyRows(rows);
   std::puts("ready");
   std::fflush(stdout);
-  bool stored = false;
-  while (store.StoreImportedTransactions(import, databases, stored).complete) {
-    stored = false;
+  bool told = false;
+  for (bool stored = false; store.StoreImportedTransactions(import, databases, stored).complete;
+       stored = false) {
+    if (!told) {
+      std::puts("stored");
+      std::fflush(stdout);
+      told = true;
+    }
   }
   for (const MessageBox& box : op.boxes) {
     std::printf("%s: %s\ncause: %s\n", box.title.c_str(), box.text.c_str(), box.cause.c_str());
