@@ -26,7 +26,7 @@ class LifecycleFaults : public LifecycleSite {
   // Nothing has moved and everything still works.
   void ExpectEarlierStays() {
     EXPECT_EQ(BoundName(kRecipe), "EARLIER.RDB");
-    EXPECT_EQ(window_.views[kRecipe], databases_.Bound(kRecipe).connection.get());
+    ASSERT_EQ(window_.views[kRecipe], databases_.Bound(kRecipe).connection.get());
     EXPECT_THAT(window_.Panels(kRecipe), ElementsAre("EARLIER.RDB", "LB", "3/1/2025", ""));
     EXPECT_TRUE(commands_.On("mnuFileSaveRecipeDB"));
     EXPECT_FALSE(operator_.busy);
