@@ -59,8 +59,7 @@ class ExportBench {
   void SetUp(const DataGroup& group) {
     HistoryColumns columns;
     columns.RefreshIngredientColumns(ingredients_);
-    columns.SetUp(group, false);
-    columns.ApplyIngredientColumnVisibility(group);
+    columns.SetUp(group);
     visible_ = columns.GetVisibleColumnList();
     names_ = {};
     for (const HistoryColumn& column : HistoryColumnTable()) {

@@ -117,7 +117,7 @@ class HistoryBench {
             SQLite::Database database = OpenDatabase(years_.all, Access::kRead);
             HistoryGrid grid(database);
             grid.RefreshIngredientColumns(ingredients);
-            grid.SetUp(group, PickedName(group), false);
+            grid.SetUp(group, PickedName(group));
             grid.ApplyExpandState(expand);
             for (std::int64_t row = 1; row <= std::min(kScreen, grid.RowCount()); ++row) {
               grid.Row(row);

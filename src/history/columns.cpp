@@ -62,11 +62,6 @@ std::size_t Place(int column) {
 // "ING007": a slot of that name is not in use.
 std::string FormatIngredientNumber(int slot) { return "ING" + Format(slot, "000"); }
 
-// The set-up of these two forgets the ingredient columns; the first drawn row hides them.
-bool LeavesIngredientColumns(const DataGroup& group) {
-  return group.index == 8 || group.index == 9;
-}
-
 }  // namespace
 
 std::span<const HistoryColumn> HistoryColumnTable() {
@@ -122,7 +117,7 @@ HistoryColumns::HistoryColumns() {
   }
 }
 
-void HistoryColumns::SetUp(const DataGroup& group, bool show_active_ingredients_only) {
+void HistoryColumns::SetUp(const DataGroup& group) {
   int position = 0;
   for (const std::string_view key : group.order) {
     Move(HistoryColumnOfKey(key), ++position);
@@ -133,17 +128,7 @@ void HistoryColumns::SetUp(const DataGroup& group, bool show_active_ingredients_
   for (const std::string_view key : group.hidden) {
     At(HistoryColumnOfKey(key)).visible = false;
   }
-  if (group.ingredient_columns != IngredientColumns::kShown) {
-    At(kIngPercentColumn).visible = false;
-  }
-  if (group.ingredient_columns == IngredientColumns::kHidden && !LeavesIngredientColumns(group)) {
-    HideIngredientColumns();
-  }
-  if (group.ingredient_columns == IngredientColumns::kShownWithoutPercent) {
-    for (int column = kFirstIngredientColumn; column <= kHistoryColumnCount; ++column) {
-      At(column).visible = !Caption(column).empty() && show_active_ingredients_only;
-    }
-  }
+  ApplyIngredientColumnVisibility(group);
   SetTotalCaption(group.total_column);
 }
 

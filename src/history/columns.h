@@ -72,15 +72,14 @@ class HistoryColumns {
  public:
   HistoryColumns();
 
-  // The common course of the 13 set-up routines, but for what needs rows. What it leaves of the
-  // ingredient columns is settled by ApplyIngredientColumnVisibility.
-  void SetUp(const DataGroup& group, bool show_active_ingredients_only);
+  // The common part of the 13 set-up routines, except for what needs rows.
+  void SetUp(const DataGroup& group);
 
   // The ingredient columns take the names of the open recipe database, in upper case; with none
   // open every one of them is hidden. An ID outside 1 to 100 has no column.
   void RefreshIngredientColumns(std::span<const IngredientRecord> ingredients);
 
-  // What every drawn row settles: which ingredient columns a group shows.
+  // Shows the ingredient columns that the group shows, and hides the others.
   void ApplyIngredientColumnVisibility(const DataGroup& group);
 
   // What entering the tab does to them: like the above, but for `Ing% Of Batch`, left alone where

@@ -36,18 +36,15 @@ void HistoryGrid::Bind(SQLite::Database& transactions) {
   rows_ = std::move(rows);
 }
 
-void HistoryGrid::SetUp(const DataGroup& group, std::string_view name,
-                        bool show_active_ingredients_only) {
+void HistoryGrid::SetUp(const DataGroup& group, std::string_view name) {
   HistoryColumns columns = columns_;
-  columns.SetUp(group, show_active_ingredients_only);
-  columns.ApplyIngredientColumnVisibility(group);
+  columns.SetUp(group);
   SumVisible(columns);
   rows_.Show(group, name);
   columns_ = std::move(columns);
   group_ = &group;
   name_ = name;
   sort_column_ = 0;
-  sort_ascending_ = true;
   column_headers_ = group.levels.empty();
 }
 

@@ -33,7 +33,7 @@ class HistoryGrid {
 
   // The set-up routine of a group, all groups closed. A group by name shows the rows of `name`,
   // whole field against whole field.
-  void SetUp(const DataGroup& group, std::string_view name, bool show_active_ingredients_only);
+  void SetUp(const DataGroup& group, std::string_view name);
 
   // Shows another name of the present group; the order of its records stays the chosen one.
   void ShowName(std::string_view name);
@@ -69,8 +69,8 @@ class HistoryGrid {
   // has one value in each group, so a click there changes nothing. Returns the row that the record
   // of `row` has then, as GroupedRows::SortBy.
   std::int64_t SortByColumn(int column, std::int64_t row = 0);
-  int SortColumn() const { return sort_column_; }  // 0: none
-  bool SortAscending() const { return sort_ascending_; }
+  int SortColumn() const { return sort_column_; }         // 0: none
+  bool SortAscending() const { return sort_ascending_; }  // of SortColumn()
 
   // Whether the strip of column headers shows: while a record is in view. With no row at all it
   // stays as it was.

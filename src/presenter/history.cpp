@@ -293,7 +293,7 @@ void HistoryView::SetUp(const DataGroup& group, const std::function<bool()>& wan
     return;
   }
   // A group by name starts with a name that no transaction bears.
-  grid_.SetUp(group, "", show_active_only_);
+  grid_.SetUp(group, "");
 }
 
 std::vector<IngredientRecord> HistoryView::IngredientGridRows(SQLite::Database* recipes) const {

@@ -234,7 +234,7 @@ class Agreement : public ::testing::TestWithParam<int> {
     grid_.reset();
     database_.emplace(OpenDatabase(site_.Database(), Access::kRead));
     grid_.emplace(*database_);
-    grid_->SetUp(*FindDataGroup(group), NameOf(group), false);
+    grid_->SetUp(*FindDataGroup(group), NameOf(group));
     return *grid_;
   }
 

@@ -32,7 +32,6 @@ std::vector<IngredientRecord> Ingredients() {
 
 const DataGroup& Group(int index) { return *FindDataGroup(index); }
 
-// The captions of what is seen once a row has been drawn.
 std::vector<std::string> VisibleCaptions(const HistoryColumns& columns) {
   std::vector<std::string> captions;
   for (const int column : columns.VisibleColumns()) {
@@ -44,8 +43,7 @@ std::vector<std::string> VisibleCaptions(const HistoryColumns& columns) {
 std::vector<std::string> CaptionsOf(int group) {
   HistoryColumns columns;
   columns.RefreshIngredientColumns(Ingredients());
-  columns.SetUp(Group(group), false);
-  columns.ApplyIngredientColumnVisibility(Group(group));
+  columns.SetUp(Group(group));
   return VisibleCaptions(columns);
 }
 
@@ -97,9 +95,8 @@ TEST(HistoryColumns, VisibleColumnsInOrderForEveryOtherGroup) {
 TEST(HistoryColumns, GroupTenKeepsTheOrderThatTheGroupBeforeItLeft) {
   const auto after = [](int before) {
     HistoryColumns columns;
-    columns.SetUp(Group(before), false);
-    columns.SetUp(Group(10), false);
-    columns.ApplyIngredientColumnVisibility(Group(10));
+    columns.SetUp(Group(before));
+    columns.SetUp(Group(10));
     std::vector<std::string> captions = VisibleCaptions(columns);
     captions.resize(4);
     return captions;
@@ -112,7 +109,7 @@ TEST(HistoryColumns, SetUpGivesTheTotalTextToOneColumnOnly) {
   const std::vector<int> expected{0, 2, 2, 1, 1, 5, 1, 2, 1, 2, 6, 2, 1};
   HistoryColumns columns;
   for (int group = 0; group < kDataGroupCount; ++group) {
-    columns.SetUp(Group(group), false);
+    columns.SetUp(Group(group));
     for (int column = 1; column <= kHistoryColumnCount; ++column) {
       const bool chosen = column == expected[static_cast<std::size_t>(group)];
       EXPECT_EQ(columns.TotalText(column), chosen ? "Total:" : "") << Group(group).item;
@@ -120,38 +117,10 @@ TEST(HistoryColumns, SetUpGivesTheTotalTextToOneColumnOnly) {
   }
 }
 
-TEST(HistoryColumns, SetUpOfEightAndNineLeavesTheIngredientColumnsToTheFirstRow) {
-  for (const int group : {8, 9}) {
-    HistoryColumns columns;
-    columns.SetUp(Group(group), false);
-    EXPECT_FALSE(columns.IsVisible(kIngPercentColumn));
-    EXPECT_TRUE(columns.IsVisible(kFirstIngredientColumn));
-    EXPECT_TRUE(columns.IsVisible(kHistoryColumnCount));
-    columns.ApplyIngredientColumnVisibility(Group(group));
-    EXPECT_FALSE(columns.IsVisible(kFirstIngredientColumn));
-    EXPECT_FALSE(columns.IsVisible(kHistoryColumnCount));
-  }
-}
-
-TEST(HistoryColumns, SetUpOfTenGoesByTheActiveIngredientsBoxUntilARowIsDrawn) {
-  for (const bool box : {false, true}) {
-    HistoryColumns columns;
-    columns.RefreshIngredientColumns(Ingredients());
-    columns.SetUp(Group(10), box);
-    EXPECT_EQ(columns.IsVisible(kIngPercentColumn + 1), box);
-    EXPECT_EQ(columns.IsVisible(kIngPercentColumn + 2), box);  // ING002, not in use
-    EXPECT_FALSE(columns.IsVisible(kIngPercentColumn + 4));    // no caption
-    columns.ApplyIngredientColumnVisibility(Group(10));
-    EXPECT_TRUE(columns.IsVisible(kIngPercentColumn + 1));
-    EXPECT_FALSE(columns.IsVisible(kIngPercentColumn + 2));
-    EXPECT_FALSE(columns.IsVisible(kIngPercentColumn + 4));
-  }
-}
-
 TEST(HistoryColumns, SetUpOfZeroHidesNothing) {
   HistoryColumns columns;
-  columns.SetUp(Group(12), false);
-  columns.SetUp(Group(0), false);
+  columns.SetUp(Group(12));
+  columns.SetUp(Group(0));
   EXPECT_EQ(columns.VisibleColumns().size(), std::size_t{kHistoryColumnCount});
 }
 
@@ -271,7 +240,7 @@ TEST(HistoryColumns, AColumnOrPositionThatIsNoneIsAnError) {
 
 TEST(GetVisibleColumnList, PutsAFieldIntoTheSlotOfItsPosition) {
   HistoryColumns columns;
-  columns.SetUp(Group(5), false);
+  columns.SetUp(Group(5));
   std::vector<std::string> slots(501);
   slots[2] = "Ingredient";
   slots[4] = "ActualBatch";

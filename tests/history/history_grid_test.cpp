@@ -25,7 +25,7 @@ class HistoryGridTest : public ::testing::Test {
  protected:
   void SetUpGroup(int group, const std::string& name = "") {
     grid.RefreshIngredientColumns(ReadIngredients(recipes));
-    grid.SetUp(*FindDataGroup(group), name, false);
+    grid.SetUp(*FindDataGroup(group), name);
   }
 
   TempFolder folder;
@@ -134,7 +134,7 @@ TEST_F(HistoryGridTest, AnotherNameKeepsTheOrderASetUpDoesNot) {
   grid.ShowName("A02");
   grid.ExpandAll();
   EXPECT_EQ(grid.Row(2).cells[10], "0");
-  grid.SetUp(*FindDataGroup(9), "A02", false);
+  grid.SetUp(*FindDataGroup(9), "A02");
   grid.ExpandAll();
   EXPECT_EQ(grid.SortColumn(), 0);
   EXPECT_EQ(grid.Row(2).cells[10], "780");
@@ -149,6 +149,21 @@ TEST_F(HistoryGridTest, AnotherDatabaseIsShownInTheSameGroup) {
   EXPECT_THAT(ShownLines(grid),
               ElementsAre("[1] Pen:A01", "2: HEIFER|500|495.25||09:30 AM|15-Mar-11",
                           "=1: Total:|500|495.25|||"));
+}
+
+TEST_F(HistoryGridTest, AnotherDatabaseIsShownInTheSameOrder) {
+  SetUpGroup(9, "A01");
+  const int target = HistoryColumnOfKey("Target");
+  grid.SortByColumn(target);
+  grid.SortByColumn(target);
+  other.emplace(SmallHistory(folder, "OTHER.TDB"));
+  other->exec("UPDATE Transactions SET Target = 900 WHERE Recipe = 'HEIFER'");
+  grid.Bind(*other);
+  grid.ExpandAll();
+  EXPECT_EQ(grid.SortColumn(), target);
+  EXPECT_FALSE(grid.SortAscending());
+  EXPECT_EQ(grid.Row(2).cells[6], "900");
+  EXPECT_EQ(grid.Row(3).cells[6], "800");
 }
 
 TEST_F(HistoryGridTest, ARenamedIngredientRenamesItsColumnAtOnce) {
@@ -186,7 +201,7 @@ TEST_F(HistoryGridTest, AFailureOfTheStorageLeavesTheGridAsItWas) {
   grid.MoveColumn(11, 1);
   const auto captions = VisibleCaptions(grid);
   transactions.exec("ALTER TABLE Transactions RENAME TO Elsewhere");
-  EXPECT_THROW(grid.SetUp(*FindDataGroup(3), "", false), DatabaseError);
+  EXPECT_THROW(grid.SetUp(*FindDataGroup(3), ""), DatabaseError);
   transactions.exec("ALTER TABLE Elsewhere RENAME TO Transactions");
   EXPECT_EQ(grid.Group().index, 8);
   EXPECT_EQ(VisibleCaptions(grid), captions);

@@ -29,7 +29,7 @@ HistoryRow TotalRow(int depth, double sum = 1) {
 
 HistoryColumns ColumnsOf(int group) {
   HistoryColumns columns;
-  columns.SetUp(Group(group), false);
+  columns.SetUp(Group(group));
   return columns;
 }
 

@@ -21,7 +21,7 @@ class ShownRows : public ::testing::Test {
   std::vector<std::string> Shown(int group, const std::string& name = "") {
     HistoryGrid grid(transactions);
     grid.RefreshIngredientColumns(ReadIngredients(recipes));
-    grid.SetUp(*FindDataGroup(group), name, false);
+    grid.SetUp(*FindDataGroup(group), name);
     grid.ExpandAll();
     return ShownLines(grid);
   }
@@ -328,7 +328,7 @@ TEST_F(ShownRows, ATransactionUnderANameChangedSinceIsOnlyInTheAllGroups) {
 TEST_F(ShownRows, WithoutARecipeDatabaseHaveNoIngredientColumns) {
   HistoryGrid grid(transactions);
   grid.RefreshIngredientColumns({});
-  grid.SetUp(*FindDataGroup(10), "", false);
+  grid.SetUp(*FindDataGroup(10), "");
   EXPECT_THAT(VisibleCaptions(grid), ElementsAre("Pen", "Recipe", "Target Wt", "Feed Wt"));
 }
 

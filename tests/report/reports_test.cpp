@@ -84,7 +84,7 @@ TEST(Reports, ALineOfAnIngredientThatIsNotListedHasNoName) {
 class HistoryReports : public ::testing::Test {
  protected:
   void SetUp(int group, bool open) {
-    grid_.SetUp(*FindDataGroup(group), "", false);
+    grid_.SetUp(*FindDataGroup(group), "");
     grid_.ApplyExpandState(open);
   }
   std::vector<std::string> Lines() {

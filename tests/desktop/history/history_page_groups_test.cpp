@@ -25,8 +25,8 @@ class HistoryPageGroups : public HistorySite, public ::testing::WithParamInterfa
     HistoryGrid grid(transactions);
     SQLite::Database recipes = OpenDatabase(Recipes(), Access::kRead);
     grid.RefreshIngredientColumns(ReadIngredients(recipes));
-    grid.SetUp(DataGroups().front(), "", false);
-    grid.SetUp(group, NameFor(group).toStdString(), false);
+    grid.SetUp(DataGroups().front(), "");
+    grid.SetUp(group, NameFor(group).toStdString());
     return grid;
   }
 };

@@ -14,7 +14,7 @@ namespace {
 class HistoryTableModelTest : public ::testing::Test {
  protected:
   void Show(int group, bool open) {
-    grid_.SetUp(*FindDataGroup(group), "", false);
+    grid_.SetUp(*FindDataGroup(group), "");
     grid_.ApplyExpandState(open);
     model_.SetGrid(&grid_);
   }
