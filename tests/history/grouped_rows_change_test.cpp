@@ -13,6 +13,7 @@
 #include "history/columns.h"
 #include "history/grouped_rows.h"
 #include "history/history_table.h"
+#include "support/rival_writer.h"
 
 namespace vrx::testing {
 namespace {
@@ -173,6 +174,55 @@ TEST_F(GroupedRowsWhileTheTableChanges, NothingStaysOpenAgainstAWriter) {
     EXPECT_NO_THROW(OpenDatabase(table_.Path(), Access::kWrite, std::chrono::milliseconds(0))
                         .exec("BEGIN EXCLUSIVE; ROLLBACK"));
   }
+}
+
+// What one call reads is one state of the table, however many queries it takes.
+TEST(GroupedRows, KeepOtherProgramsFromStoringBetweenTwoQueries) {
+  for (const int group : {1, 3, 8}) {
+    RivalWriter rival;
+    HistoryTable table;
+    table.Store({{{1, CellValue(std::int64_t{1})},
+                  {2, CellValue("STEERS")},
+                  {3, CellValue("FEED")},
+                  {6, CellValue("PEN1")},
+                  {7, CellValue(1.0)}}});
+    GroupedRows rows(table.Database());
+    rival.Start(table.Path(), "INSERT INTO Transactions (Recipe) VALUES ('NEW')");
+    rows.Show(*FindDataGroup(group), "");
+    rival.Stop();
+    EXPECT_GT(rival.Tries(), 0) << group;
+    EXPECT_EQ(rival.Stored(), 0) << group;
+    EXPECT_NO_THROW(table.Exec("INSERT INTO Transactions (Recipe) VALUES ('LATER')"));
+  }
+}
+
+// Records that were read lately show as they were read; the others as they are.
+TEST_F(GroupedRowsWhileTheTableChanges, TheThousandRecordsReadLastAreHeld) {
+  Show(0);
+  TimeOf(1);
+  table_.Exec("UPDATE Transactions SET Time = 'new'");
+  for (std::int64_t row = 33; row <= 1024; row += 32) {
+    EXPECT_EQ(TimeOf(row), "new");
+  }
+  EXPECT_EQ(TimeOf(1), "0");
+  TimeOf(1025);  // takes the place of those from 33 on, which were read first
+  table_.Exec("UPDATE Transactions SET Time = 'newer'");
+  EXPECT_EQ(TimeOf(1), "0");
+  EXPECT_EQ(TimeOf(65), "new");
+  EXPECT_EQ(TimeOf(33), "newer");
+}
+
+// Another program moved a record into a group: the group shows as many as were counted.
+TEST_F(GroupedRowsWhileTheTableChanges, ASortFollowsARecordWithinTheRowsOfItsGroup) {
+  table_.Exec(
+      "UPDATE Transactions SET Pen = 'A' WHERE rowid <= 3; DELETE FROM Transactions WHERE "
+      "rowid > 4");
+  rows_.Show(*FindDataGroup(8), "");
+  rows_.Open(1);
+  ASSERT_EQ(rows_.RowCount(), 6);
+  table_.Exec("UPDATE Transactions SET Pen = 'A'");
+  const std::int64_t row = rows_.SortBy(9, false, 2);
+  EXPECT_EQ(rows_.KindOf(row), HistoryRowKind::kRecord);
 }
 
 TEST_F(GroupedRowsWhileTheTableChanges, MayBeReadInsideATransactionOfTheCaller) {

@@ -347,6 +347,29 @@ TEST_F(GroupedRowsOfASmallHistory, SumsLoseNoDigit) {
   EXPECT_EQ(rows_.Row(4 + 1000 + 1).cells[10], CellValue(100.0));
 }
 
+// Records are read 32 at a time.
+TEST(GroupedRows, GroupsThatEndAtAPageOrBesideItAreWhole) {
+  for (const int column : {0, 9}) {
+    for (const std::int64_t count : {31, 32, 33, 64, 65}) {
+      HistoryTable table;
+      std::vector<Cells> records;
+      for (std::int64_t i = 0; i < count; ++i) {
+        records.push_back(
+            {{3, CellValue("FEED")}, {6, CellValue("A")}, {9, CellValue(std::to_string(100 + i))}});
+      }
+      table.Store(records);
+      GroupedRows rows(table.Database());
+      rows.Show(*FindDataGroup(8), "");
+      rows.OpenAll();
+      rows.SortBy(column, true);
+      ASSERT_EQ(rows.RowCount(), count + 2);
+      for (std::int64_t i = count - 1; i >= 0; --i) {
+        EXPECT_EQ(TextOf(rows.Row(2 + i).cells.at(8)), std::to_string(100 + i)) << count;
+      }
+    }
+  }
+}
+
 TEST(GroupedRows, ManyThousandRecordsAreSortedThroughAFileAndReachedFromBothEnds) {
   HistoryTable table;
   std::vector<Cells> rows;
