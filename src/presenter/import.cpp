@@ -170,8 +170,6 @@ StoreOutcome ImportSession::ClickImportStore() {
   if (!ConfirmUnits(databases)) {
     return {};
   }
-  form_.cmd_import_store_enabled = true;
-  ports_.host.ImportChanged();
   return store_.StoreImportedTransactions(file_.Imported(), databases, stored_);
 }
 

@@ -97,6 +97,22 @@ TEST_F(RecipeDownloadStore, DatabaseThatAnotherProgramWritesIsLocked) {
   }
 }
 
+// What is read and what is stored are one state of the database: a writer that comes in between has
+// to wait for the end.
+TEST_F(RecipeDownloadStore, AnotherWriterWaitsFromTheFirstReadingOn) {
+  CreateRecipeDatabase(path, tables);
+  SQLite::Database other = OpenDatabase(path, Access::kWrite, std::chrono::milliseconds{0});
+  int tries = 0;
+  const RecipeDownload download =
+      TakeRecipeDownload(path, false, calendar, [&](std::string_view /*line*/) {
+        ++tries;
+        EXPECT_THROW(other.exec("BEGIN IMMEDIATE"), SQLite::Exception);
+      });
+  EXPECT_GT(tries, 0);
+  EXPECT_EQ(ReadTables(path).lines, download.recomputed_lines);
+  EXPECT_NO_THROW(other.exec("BEGIN IMMEDIATE; ROLLBACK"));
+}
+
 TEST_F(RecipeDownloadStore, BuildingTheTextAloneChangesNotOneByte) {
   Recipe(tables, 1).head_count = 80;
   CreateRecipeDatabase(path, tables);

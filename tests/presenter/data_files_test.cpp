@@ -101,6 +101,22 @@ TEST_F(DataFiles, ShowsWhatThereIsOfAFileBeyondTheBlock) {
   EXPECT_EQ(transfer_.data_window, "");
 }
 
+TEST_F(DataFiles, ShowsAFileAtEitherEndOfTheBlockAndNoneOutside) {
+  const int size = static_cast<int>(transfer_.transfer_block.size());
+  struct Case {
+    int position, length;
+    std::string shown;
+  };
+  const std::vector<Case> cases{{1, 1, "{"}, {size, 1, "\n"}, {size, 9, "\n"}, {size + 1, 1, ""},
+                                {0, 1, ""},  {1, 0, ""},      {1, -1, ""}};
+  for (const Case& part : cases) {
+    table_[0] = {
+        .type = DataFileType::kTransaction, .position = part.position, .length = part.length};
+    files_.ShowDataFile(1);
+    EXPECT_EQ(transfer_.data_window, part.shown) << part.position << ", " << part.length;
+  }
+}
+
 TEST_F(DataFiles, SavesATransactionFileByteForByte) {
   chooser_.Choose(folder_ / "may.qxt");
   files_.SaveDataFile(1);
@@ -208,6 +224,9 @@ TEST_F(DataFiles, TellsCauseAndPathOfAFileThatCannotBeWritten) {
   EXPECT_EQ(op_.boxes[0].title, "Save Recipe Backup-File Error");
   EXPECT_EQ(op_.boxes[0].text, "The file was not saved.\r\n\r\ncannot write " + path.string() +
                                    ": No such file or directory");
+  // The name that was chosen is kept all the same.
+  EXPECT_EQ(files_.RecipeBackupFile().path, path.string());
+  EXPECT_EQ(files_.RecipeBackupFile().title, "X.RBU");
 
   chooser_.Choose(folder_ / "x.rbu");
   files_.SaveDataFile(2);
