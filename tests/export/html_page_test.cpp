@@ -1,9 +1,13 @@
 #include <filesystem>
+#include <memory>
 #include <string>
 #include <string_view>
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
+#include <libxml/xmlerror.h>
+#include <libxslt/security.h>
+#include <libxslt/xsltutils.h>
 #include <unistd.h>
 
 #include "base/error.h"
@@ -125,9 +129,14 @@ TEST_F(HtmlPage, RefusesAStyleSheetWithAnExpressionThatDoesNotParse) {
   EXPECT_THAT(Refusal(), HasSubstr("PensFedAll.xsl"));
 }
 
-TEST_F(HtmlPage, RefusesAStyleSheetThatIsTooLong) {
-  UseSheet(SheetOf("<!--" + std::string(std::size_t{5} * 1024 * 1024, ' ') + "-->"));
-  EXPECT_THAT(Refusal(), HasSubstr("PensFedAll.xsl: longer than a stylesheet may be"));
+TEST_F(HtmlPage, TakesAStyleSheetOfFourMegabytesAndRefusesALongerOne) {
+  std::string sheet = SheetOf("<xsl:template match='/'><p>long</p></xsl:template>");
+  sheet.resize(std::size_t{4} * 1024 * 1024, ' ');
+  UseSheet(sheet + " ");
+  EXPECT_THAT(Refusal(), HasSubstr("PensFedAll.xsl: longer than a stylesheet may be, 4 MB"));
+  UseSheet(sheet);
+  EXPECT_TRUE(Write());
+  EXPECT_THAT(ReadAll(page_), HasSubstr("<p>long</p>"));
 }
 
 TEST_F(HtmlPage, RefusesAnEmptyResult) {
@@ -160,6 +169,15 @@ TEST_F(HtmlPage, RefusesDataAboveTheLimitBeforeReadingIt) {
   EXPECT_EQ(Refusal(), "The page would be too large for a browser: " + std::to_string(limit + 1) +
                            " MB of data, at most " + std::to_string(limit) +
                            " MB. Choose XML or CSV, or a group by name.");
+}
+
+TEST_F(HtmlPage, TakesDataUpToTheLimit) {
+  UseSheet(SheetOf("<xsl:template match='/'><p>large</p></xsl:template>"));
+  std::string document(kPens);
+  document.resize(kLargestPageSource, ' ');
+  WriteFileBytes(xml_, document);
+  EXPECT_TRUE(Write());
+  EXPECT_THAT(ReadAll(page_), HasSubstr("<p>large</p>"));
 }
 
 TEST_F(HtmlPage, InAFolderThatIsNotThereIsRefused) {
@@ -241,6 +259,27 @@ TEST_F(HtmlPage, AStyleSheetThatGivesUpIsToldInItsWords) {
       SheetOf("<xsl:template match='/'><xsl:message terminate='yes'>not with me</xsl:message>"
               "</xsl:template>"));
   EXPECT_THAT(Refusal(), HasSubstr("not with me"));
+}
+
+// Its routines and rights are variables of the library, which others in the program may have set.
+TEST_F(HtmlPage, LeavesTheLibraryAsItWas) {
+  const std::unique_ptr<xsltSecurityPrefs, decltype(&xsltFreeSecurityPrefs)> rights(
+      xsltNewSecurityPrefs(), xsltFreeSecurityPrefs);
+  xsltSetDefaultSecurityPrefs(rights.get());
+  const auto generic = xmlGenericError;
+  const auto structured = xmlStructuredError;
+  const auto xslt = xsltGenericError;
+  void* const xslt_context = xsltGenericErrorContext;
+  UseSheet(SheetOf("<xsl:template match='/'><p/></xsl:template>"));
+  EXPECT_TRUE(Write());
+  UseSheet("");
+  EXPECT_THROW(Write(), Error);
+  EXPECT_EQ(xsltGetDefaultSecurityPrefs(), rights.get());
+  EXPECT_EQ(xmlGenericError, generic);
+  EXPECT_EQ(xmlStructuredError, structured);
+  EXPECT_EQ(xsltGenericError, xslt);
+  EXPECT_EQ(xsltGenericErrorContext, xslt_context);
+  xsltSetDefaultSecurityPrefs(nullptr);
 }
 
 TEST_F(HtmlPage, AfterARefusalTheNextPageIsMade) {

@@ -12,6 +12,8 @@
 #include "base/error.h"
 #include "export/export_site.h"
 #include "export/told_levels.h"
+#include "base/error.h"
+#include "support/rival_writer.h"
 
 namespace vrx::testing {
 namespace {
@@ -197,6 +199,20 @@ TEST_F(LevelWalks, NothingIsStoredBetweenTwoRecordsAndAnythingAfterTheLast) {
   EXPECT_FALSE(visitor.Stored());
   EXPECT_EQ(visitor.Refused(), 2);
   EXPECT_NO_THROW(site_.Store({{.transaction = 99}}));
+}
+
+TEST_F(LevelWalks, NothingIsStoredBetweenTwoQueries) {
+  site_.StoreYard();
+  for (const int group : {1, 4, 7, 12}) {
+    RivalWriter rival;
+    LevelWalk walk = WalkOf(group, YardNameOf(group));
+    WalkLog log;
+    rival.Start(site_.Database(), "INSERT INTO Transactions ([Transaction]) VALUES (99)");
+    walk.Walk(log);
+    rival.Stop();
+    EXPECT_GT(rival.Tries(), 0) << group;
+    EXPECT_EQ(rival.Stored(), 0) << group;
+  }
 }
 
 class ThrowingVisitor : public WalkLog {

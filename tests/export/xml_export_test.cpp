@@ -195,6 +195,16 @@ TEST_F(XmlExports, TheStylesheetIsCopiedBesideTheFile) {
   EXPECT_TRUE(fs::is_directory(data_ / "Export"));
 }
 
+TEST_F(XmlExports, TheStylesheetIsCopiedBesideAFileOfARelativePath) {
+  site_.Store({{.transaction = 1}});
+  const fs::path before = fs::current_path();
+  fs::current_path(site_.Folder().Path());
+  EXPECT_TRUE(Export(1, "out.xml"));
+  fs::current_path(before);
+  EXPECT_TRUE(FileExists(site_.Folder() / "out.xml"));
+  EXPECT_EQ(ReadAll(site_.Folder() / "TranByBatchFed.xsl"), "<sheet/>");
+}
+
 TEST_F(XmlExports, AMissingStylesheetIsToldAndTheExportStillASuccess) {
   site_.Store({{.transaction = 1}});
   EXPECT_TRUE(Export(11, file_));
