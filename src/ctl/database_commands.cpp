@@ -10,7 +10,7 @@
 
 #include <CLI/CLI.hpp>
 
-#include "adapters/posix_program_runner.h"
+#include "adapters/program_runner.h"
 #include "adapters/stop_flag.h"
 #include "base/date.h"
 #include "base/number.h"
@@ -104,7 +104,7 @@ class ConvertCommand : public Command {
   int Run(Session& session) override {
     try {
       const StopFlag stop;
-      PosixProgramRunner runner;
+      ChildProcessRunner runner;
       const ConversionReport report = ConvertLegacyDatabase(
           {.old_file = old_,
            .new_file = new_,

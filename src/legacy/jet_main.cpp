@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "base/files.h"
+#include "base/encoding.h"
 #include "legacy/jet_file.h"
 #include "legacy/jet_reader.h"
 #include "legacy/row_stream.h"
@@ -32,13 +33,14 @@ void Write(std::string_view bytes) {
 }  // namespace
 
 // vrx2260jet FILE TABLE... writes the rows of tables of a Jet file to standard output as a row
-// stream. It is started by the programs that convert such a file.
+// stream. It is started by the programs that convert such a file. FILE has a character for each
+// byte of the path: see ReadLegacyRows.
 int main(int argc, char** argv) {
   const std::vector<std::string> args(argv + (argc > 0 ? 1 : 0), argv + argc);
   if (args.size() < 2) {
     Refuse("usage: vrx2260jet FILE TABLE...", vrx::kReaderWrongUsage);
   }
-  const std::filesystem::path path = args.front();
+  const std::filesystem::path path = vrx::Utf8ToWindows1252(args.front());
   try {
     const vrx::JetFileKind kind = vrx::InspectJetFile(path);
     if (kind != vrx::JetFileKind::kJet4) {

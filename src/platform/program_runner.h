@@ -10,7 +10,7 @@
 
 namespace vrx {
 
-// What a program may use before it is ended. The quiet time is that without a byte of output,
+// What a program may use before it is killed. The quiet time is the time without a byte of output,
 // whether the output is open or closed.
 struct ProgramLimits {
   std::chrono::seconds processor{60};
@@ -37,19 +37,19 @@ struct ProgramOutcome {
   int code = 0;
 };
 
-// Runs another program as a child: nothing on its standard input, an environment of its own, what
-// it says on standard error dropped, and no files of this program but its standard output.
+// Runs another program as a child with an empty standard input, an environment of its own, its
+// standard error discarded, and no open file of this program but its standard output.
 class ProgramRunner {
  public:
   virtual ~ProgramRunner() = default;
 
-  // `take` gets what the program writes to standard output, piece by piece as it comes, and at
-  // least every 50 ms an empty piece, also once the program has closed its output; false ends the
-  // program. The program writes no faster than `take` takes. Returns when the program has ended:
-  // processes that it leaves are ended too, and what they write is dropped. When `take` throws, the
-  // program is ended first.
-  virtual ProgramOutcome Run(const LimitedProgram& program,
-                             const std::function<bool(std::string_view)>& take) = 0;
+  // Passes the standard output to `take` in chunks as they arrive, and at least every 50 ms an
+  // empty chunk, also after the program has closed its output; false ends the program. The program
+  // writes no faster than `take` reads. Returns when the program has ended: processes that it
+  // leaves are killed, and their output is dropped. If `take` throws, the program is killed first.
+  // Path and arguments are UTF-8.
+  [[nodiscard]] virtual ProgramOutcome Run(const LimitedProgram& program,
+                                           const std::function<bool(std::string_view)>& take) = 0;
 };
 
 }  // namespace vrx

@@ -13,7 +13,7 @@
 #include <SQLiteCpp/Database.h>
 #include <SQLiteCpp/Statement.h>
 
-#include "adapters/posix_program_runner.h"
+#include "adapters/program_runner.h"
 #include "database/connection.h"
 #include "legacy/convert.h"
 #include "legacy/jet_writer.h"
@@ -92,7 +92,7 @@ struct ConversionSite {
   std::filesystem::path copy = folder / "NEW.RDB";
   std::filesystem::path program_directory = VRX_BIN_DIR;
   std::optional<DatabaseKind> kind;
-  PosixProgramRunner runner;
+  ChildProcessRunner runner;
   KeptProgress progress;
   std::function<bool()> go_on = [] { return true; };
 };

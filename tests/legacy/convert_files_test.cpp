@@ -227,6 +227,13 @@ TEST(Conversion, OnlyReadsTheOldFile) {
   EXPECT_THAT(site.Files(), ElementsAre("NEW.RDB", "OLD.RDB"));
 }
 
+TEST(Conversion, ReadsAFileWhoseNameIsNoUtf8) {
+  ConversionSite site;
+  const fs::path old_file = site.folder / "OLD\xCD\x81.RDB";
+  fs::copy_file(site.Data("LEGACYR.RDB"), old_file);
+  EXPECT_GT(site.Convert(old_file).Stored(), 0U);
+}
+
 TEST(Conversion, ShowsHowFarItHasCome) {
   ConversionSite site;
   site.Convert(site.Data("LEGACYX.TDB"));

@@ -4,7 +4,7 @@
 
 #include <sys/resource.h>
 
-#include "adapters/posix_program_runner.h"
+#include "adapters/program_runner.h"
 #include "legacy/convert.h"
 
 namespace {
@@ -31,7 +31,7 @@ int main(int argc, char** argv) {
     return EXIT_FAILURE;
   }
   try {
-    vrx::PosixProgramRunner runner;
+    vrx::ChildProcessRunner runner;
     NoProgress progress;
     const vrx::ConversionReport report =
         vrx::ConvertLegacyDatabase({.old_file = argv[1],

@@ -4,6 +4,9 @@
 #include <optional>
 
 #include "adapters/posix_program_runner.h"
+#include "adapters/program_runner.h"
+#include "database/identity.h"
+#include "presenter/database_commands.h"
 #include "database/lock_wait.h"
 #include "desktop/app/desktop_context.h"
 #include "desktop/app/history_tabs.h"
@@ -85,7 +88,7 @@ class VrxMain : public QObject, public MainForm {
   MainWindow window_;
   GeneralDelay delay_;
   DatabaseIdentity identity_;
-  PosixProgramRunner runner_;
+  ChildProcessRunner runner_;
   QtConversionDisplay conversion_;
   ConversionOffer earlier_;
   DatabaseLifecycle databases_;

@@ -1,13 +1,19 @@
-#include "adapters/posix_program_runner.h"
+#include "adapters/program_runner.h"
 
+#include <QCoreApplication>
+#include <QElapsedTimer>
 #include <cerrno>
 #include <chrono>
 #include <csignal>
 #include <filesystem>
 #include <functional>
+#include <set>
+#include <sstream>
 #include <string>
 #include <string_view>
 #include <thread>
+#include <tuple>
+#include <utility>
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -15,6 +21,7 @@
 #include <unistd.h>
 
 #include "base/error.h"
+#include "support/environment.h"
 #include "support/temp_folder.h"
 
 namespace vrx::testing {
@@ -23,6 +30,7 @@ namespace {
 namespace fs = std::filesystem;
 using namespace std::chrono_literals;
 using ::testing::HasSubstr;
+using ::testing::Not;
 
 struct Ended {
   ProgramOutcome outcome;
@@ -36,7 +44,7 @@ Ended RunScript(const std::string& script, const ProgramLimits& limits,
   const fs::path program = folder.Write("program", "#!/bin/sh\n" + script + "\n");
   fs::permissions(program, fs::perms::owner_all);
   Ended ended;
-  ended.outcome = PosixProgramRunner().Run(
+  ended.outcome = ChildProcessRunner().Run(
       {.path = program, .arguments = {"one", "two words"}, .limits = limits},
       [&](std::string_view bytes) {
         ended.output += bytes;
@@ -45,8 +53,9 @@ Ended RunScript(const std::string& script, const ProgramLimits& limits,
   return ended;
 }
 
+// Also one that sends no SIGCHLD at its end, as those of QProcess.
 void ExpectNoChildLeft() {
-  EXPECT_EQ(waitpid(-1, nullptr, WNOHANG), -1);
+  EXPECT_EQ(waitpid(-1, nullptr, WNOHANG | __WALL), -1);
   EXPECT_EQ(errno, ECHILD);
 }
 
@@ -72,7 +81,7 @@ TEST(ProgramRunner, ReportsTheSignalThatEndedAProgram) {
 
 TEST(ProgramRunner, ReportsWhyAProgramCannotBeStarted) {
   const auto run = [](const fs::path& path) {
-    return PosixProgramRunner().Run({.path = path, .arguments = {}, .limits = {}},
+    return ChildProcessRunner().Run({.path = path, .arguments = {}, .limits = {}},
                                     [](std::string_view) { return true; });
   };
   TempFolder folder;
@@ -199,19 +208,122 @@ TEST(ProgramRunner, EndsWithTheProgramAndEndsWhatItLeaves) {
 
 TEST(ProgramRunner, EndsAProgramWhenItsOutputIsNotWanted) {
   const ProgramOutcome outcome =
-      PosixProgramRunner().Run({.path = "/bin/sleep", .arguments = {"600"}, .limits = {}},
+      ChildProcessRunner().Run({.path = "/bin/sleep", .arguments = {"600"}, .limits = {}},
                                [](std::string_view /*bytes*/) { return false; });
   EXPECT_EQ(outcome.end, ProgramEnd::kStopped);
 }
 
 TEST(ProgramRunner, LeavesNoChildBehindWhenItsOutputCannotBeTaken) {
-  EXPECT_THROW(PosixProgramRunner().Run({.path = "/bin/sleep", .arguments = {"600"}, .limits = {}},
-                                        [](std::string_view) -> bool { throw Error("enough"); }),
+  EXPECT_THROW(std::ignore = ChildProcessRunner().Run(
+                   {.path = "/bin/sleep", .arguments = {"600"}, .limits = {}},
+                   [](std::string_view) -> bool { throw Error("enough"); }),
                Error);
   ExpectNoChildLeft();
 }
 
+// Handles the events of this thread, as a callback that shows progress does.
+void HandleEvents(std::chrono::milliseconds time) {
+  QElapsedTimer timer;
+  timer.start();
+  while (timer.elapsed() < time.count()) {
+    QCoreApplication::processEvents(QEventLoop::AllEvents, 10);
+    std::this_thread::sleep_for(1ms);
+  }
+}
+
+TEST(ProgramRunner, NoticesAnEndDuringTheEventsOfItsOwner) {
+  bool handled = false;
+  const Ended ended = RunScript("sleep 600 & echo $!; exit 7", {}, [&](const std::string& output) {
+    if (!output.empty() && !std::exchange(handled, true)) {
+      HandleEvents(300ms);
+      EXPECT_FALSE(Runs(std::stoi(output)));
+    }
+    return true;
+  });
+  EXPECT_TRUE(handled);
+  EXPECT_EQ(ended.outcome.end, ProgramEnd::kExited);
+  EXPECT_EQ(ended.outcome.code, 7);
+  ExpectNoChildLeft();
+}
+
+TEST(ProgramRunner, HoldsAProgramThatWritesFasterThanItsOutputIsTaken) {
+  TempFolder folder;
+  const fs::path written = folder / "written";
+  bool handled = false;
+  // An empty file is one that a program may make.
+  const Ended ended = RunScript("head -c 1000000 /dev/zero; : > '" + written.string() + "'", {},
+                                [&](const std::string& output) {
+                                  if (!output.empty() && !std::exchange(handled, true)) {
+                                    HandleEvents(300ms);
+                                    EXPECT_FALSE(fs::exists(written));
+                                  }
+                                  return true;
+                                });
+  EXPECT_TRUE(handled);
+  EXPECT_TRUE(fs::exists(written));
+  EXPECT_EQ(ended.output.size(), 1000000U);
+}
+
+TEST(ProgramRunner, GivesAProgramNothingOfItsOwn) {
+  const Environment variable("VRX_TEST", "kept");
+  sigset_t stop{};
+  sigset_t before{};
+  sigemptyset(&stop);
+  sigaddset(&stop, SIGTERM);
+  pthread_sigmask(SIG_BLOCK, &stop, &before);
+  const Ended ended = RunScript("/usr/bin/env; grep Sig[BI] /proc/self/status", {});
+  pthread_sigmask(SIG_SETMASK, &before, nullptr);
+  EXPECT_THAT(ended.output, HasSubstr("LC_ALL=C\n"));
+  EXPECT_THAT(ended.output, Not(HasSubstr("VRX_TEST")));
+  EXPECT_THAT(ended.output, HasSubstr("SigBlk:\t0000000000000000\nSigIgn:\t0000000000000000\n"));
+}
+
+std::set<std::string> OpenFiles() {
+  std::set<std::string> numbers;
+  for (const auto& file : fs::directory_iterator("/proc/self/fd")) {
+    numbers.insert(file.path().filename().string());
+  }
+  return numbers;
+}
+
+TEST(ProgramRunner, OpensNoFilesForAProgramButTheStandardOnes) {
+  const std::set<std::string> before = OpenFiles();
+  std::string output;
+  const ProgramOutcome outcome =
+      ChildProcessRunner().Run({.path = "/bin/ls", .arguments = {"/proc/self/fd"}, .limits = {}},
+                               [&](std::string_view bytes) {
+                                 output += bytes;
+                                 return true;
+                               });
+  EXPECT_EQ(outcome.end, ProgramEnd::kExited);
+  int opened = 0;
+  std::istringstream numbers(output);
+  for (std::string number; numbers >> number;) {
+    opened += before.contains(number) ? 0 : 1;
+  }
+  EXPECT_LE(opened, 1) << output;  // the folder
+  EXPECT_EQ(OpenFiles(), before);
+}
+
+TEST(ProgramRunner, LeavesTheSignalsOfItsOwnerAsTheyWere) {
+  struct sigaction before {};
+  struct sigaction after {};
+  sigaction(SIGPIPE, nullptr, &before);
+  RunScript("echo x", {});
+  sigaction(SIGPIPE, nullptr, &after);
+  EXPECT_EQ(before.sa_handler, after.sa_handler);
+}
+
+TEST(ProgramRunner, SetsTheLimits) {
+  const Ended ended = RunScript("ulimit -St; ulimit -Ht; ulimit -c; ulimit -f", {.processor = 17s});
+  EXPECT_EQ(ended.output, "17\n18\n0\n0\n");
+}
+
 #ifndef __SANITIZE_ADDRESS__
+TEST(ProgramRunner, SetsTheLimitOfMemory) {
+  EXPECT_EQ(RunScript("ulimit -v", {.memory_bytes = std::size_t{64} << 20U}).output, "65536\n");
+}
+
 TEST(ProgramRunner, LimitsMemory) {
   const Ended ended = RunScript("head -c 300000000 /dev/zero | tail -n 1 >/dev/null; echo $?",
                                 {.memory_bytes = std::size_t{64} << 20U});
