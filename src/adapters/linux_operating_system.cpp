@@ -9,13 +9,13 @@
 
 #include <sys/utsname.h>
 
-#include "adapters/document_viewers.h"
+#include "adapters/document_opener.h"
 
 namespace vrx {
 namespace {
 
 constexpr int kUnix = 4;
-constexpr int kProgramNotStarted = 11;
+constexpr int kBadProgram = 11;
 constexpr int kLargestFailure = 32;
 
 // What desktops show a machine's facts with; those that tell more come first.
@@ -71,9 +71,8 @@ bool LinuxOperatingSystem::StartProgram(const std::filesystem::path& program) {
 }
 
 int LinuxOperatingSystem::OpenDocument(const std::filesystem::path& document) {
-  ProgramCall call;
-  const int code = FindDocumentCall(QString::fromStdString(document.string()), call);
-  return code > kLargestFailure && !Start(call) ? kProgramNotStarted : code;
+  const auto [code, call] = FindDocumentOpener(QString::fromStdString(document.string()));
+  return code > kLargestFailure && !Start(call) ? kBadProgram : code;
 }
 
 }  // namespace vrx

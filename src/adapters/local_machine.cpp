@@ -6,7 +6,7 @@
 #include <filesystem>
 #include <system_error>
 
-#include "adapters/document_viewers.h"
+#include "adapters/document_opener.h"
 
 namespace vrx {
 namespace {
@@ -58,11 +58,10 @@ int LinuxSystemInfo::FindExecutable(const std::string& document, const std::stri
   if (!fs::is_directory(directory, ignored)) {
     return kNoPath;
   }
-  ProgramCall call;
   const fs::path path = fs::path(directory) / document;
-  const int code = FindDocumentCall(QString::fromStdString(path.string()), call);
-  viewer = call.program.toStdString();
-  return code;
+  const DocumentOpener opener = FindDocumentOpener(QString::fromStdString(path.string()));
+  viewer = opener.call.program.toStdString();
+  return opener.code;
 }
 
 }  // namespace vrx

@@ -7,6 +7,7 @@
 #include <gtest/gtest.h>
 
 #include "adapters/viewer_site.h"
+#include "desktop_folders.h"
 
 namespace vrx::testing {
 namespace {
@@ -26,7 +27,7 @@ constexpr const char* kNoSignalBlocked = "SigBlk:\t0000000000000000\n";
 
 class LinuxSystem : public ::testing::Test {
  protected:
-  ViewerSite site;
+  DesktopFolders desktop;
   LinuxOperatingSystem os;
 };
 
@@ -40,25 +41,27 @@ TEST_F(LinuxSystem, HasNoRegistry) {
 }
 
 TEST_F(LinuxSystem, OpensADocumentInItsProgramFromTheRootFolder) {
-  const fs::path document = site.folder.Write("Read me.TXT", "text");
-  site.MakeProgram("reader");
-  site.MakeEntry("reader.desktop", "Exec=reader --new-window %f\n");
-  site.Cache("text/plain=reader.desktop;\n");
-  EXPECT_GT(os.OpenDocument(document), 32);
-  EXPECT_EQ(KeptBy(site.folder / "reader"),
+  const fs::path document = desktop.folder.Write("Read me.TXT", "text");
+  desktop.MakeProgram("reader");
+  desktop.MakeEntry("reader.desktop", "Exec=reader --new-window %f\n");
+  desktop.Cache("text/plain=reader.desktop;\n");
+  EXPECT_EQ(desktop.Ask("open", "Read me.TXT"), QStringList{"33"});
+  EXPECT_EQ(KeptBy(desktop.folder / "reader"),
             "/\n<--new-window>\n<" + document.string() + ">\n" + kNoSignalBlocked);
 }
 
 TEST_F(LinuxSystem, DocumentWithoutAProgram) {
-  EXPECT_EQ(os.OpenDocument(site.folder.Write("Readme.TXT", "text")), 31);
+  desktop.folder.Write("Readme.TXT", "text");
+  EXPECT_EQ(desktop.Ask("open"), QStringList{"31"});
 }
 
 TEST_F(LinuxSystem, ProgramThatCannotBeStarted) {
-  const fs::path program = site.folder.Write("bin/reader", "#!/no/such/interpreter\n");
+  const fs::path program = desktop.folder.Write("bin/reader", "#!/no/such/interpreter\n");
   fs::permissions(program, fs::perms::owner_all);
-  site.MakeEntry("reader.desktop", "Exec=reader %f\n");
-  site.Cache("text/plain=reader.desktop;\n");
-  EXPECT_EQ(os.OpenDocument(site.folder.Write("Readme.TXT", "text")), 11);
+  desktop.MakeEntry("reader.desktop", "Exec=reader %f\n");
+  desktop.Cache("text/plain=reader.desktop;\n");
+  desktop.folder.Write("Readme.TXT", "text");
+  EXPECT_EQ(desktop.Ask("open"), QStringList{"11"});
 }
 
 TEST_F(LinuxSystem, HoldsNoSignalBackFromWhatItStarts) {
@@ -67,22 +70,22 @@ TEST_F(LinuxSystem, HoldsNoSignalBackFromWhatItStarts) {
   sigemptyset(&stop);
   sigaddset(&stop, SIGTERM);
   pthread_sigmask(SIG_BLOCK, &stop, &before);
-  const bool started = os.StartProgram(site.MakeProgram("tool"));
+  const bool started = os.StartProgram(desktop.MakeProgram("tool"));
   pthread_sigmask(SIG_SETMASK, &before, nullptr);
   ASSERT_TRUE(started);
-  EXPECT_EQ(KeptBy(site.folder / "tool"), std::string("/\n") + kNoSignalBlocked);
+  EXPECT_EQ(KeptBy(desktop.folder / "tool"), std::string("/\n") + kNoSignalBlocked);
 }
 
 TEST_F(LinuxSystem, StartsTheDistributionsToolForTheClassicOne) {
-  const Environment path("PATH", (site.folder / "bin").string());
+  const Environment path("PATH", (desktop.folder / "bin").string());
   EXPECT_FALSE(os.StartProgram("/program/MSINFO32.exe"));
-  site.MakeProgram("gnome-system-monitor");
+  desktop.MakeProgram("gnome-system-monitor");
   EXPECT_TRUE(os.StartProgram("/program/MSINFO32.exe"));
-  EXPECT_NE(KeptBy(site.folder / "gnome-system-monitor"), "");
+  EXPECT_NE(KeptBy(desktop.folder / "gnome-system-monitor"), "");
 }
 
 TEST_F(LinuxSystem, ProgramThatIsNotThereDoesNotStart) {
-  EXPECT_FALSE(os.StartProgram(site.folder / "bin/none"));
+  EXPECT_FALSE(os.StartProgram(desktop.folder / "bin/none"));
 }
 
 }  // namespace

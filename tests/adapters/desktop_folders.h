@@ -1,7 +1,11 @@
 #pragma once
 
+#include <QProcess>
+#include <QStringList>
 #include <filesystem>
 #include <string>
+
+#include <gtest/gtest.h>
 
 #include "support/environment.h"
 #include "support/temp_folder.h"
@@ -9,9 +13,9 @@
 namespace vrx::testing {
 
 // A desktop of its own: folders for data and settings, and programs in a path.
-class ViewerSite {
+class DesktopFolders {
  public:
-  ViewerSite() {
+  DesktopFolders() {
     std::filesystem::create_directories(folder / "data/applications");
     std::filesystem::create_directories(folder / "config");
     std::filesystem::create_directories(folder / "bin");
@@ -41,6 +45,22 @@ class ViewerSite {
     folder.Write("data/applications/mimeinfo.cache", "[MIME Cache]\n" + lines);
   }
   void Prefer(const std::string& groups) const { folder.Write("config/mimeapps.list", groups); }
+
+  // What document_opener_process prints, line by line: its first line is the code. A process for
+  // each call, because GIO reads the folders once.
+  QStringList Ask(const QString& what, const std::string& document = "Readme.TXT",
+                  const std::string& below = "") const {
+    QProcess process;
+    process.start(DOCUMENT_OPENER_PROCESS,
+                  {what, QString::fromStdString(folder.Path().string() + below),
+                   QString::fromStdString(document)});
+    EXPECT_TRUE(process.waitForFinished());
+    EXPECT_EQ(process.exitCode(), 0);
+    EXPECT_EQ(process.readAllStandardError().toStdString(), "");
+    QStringList lines = QString::fromUtf8(process.readAllStandardOutput()).split(u'\n');
+    lines.removeLast();  // below the last line end
+    return lines;
+  }
 
   TempFolder folder;
 
