@@ -2,10 +2,12 @@
 
 #include <algorithm>
 #include <array>
-#include <optional>
+#include <bit>
+#include <iterator>
+
+#include <utf8.h>
 
 namespace vrx {
-
 namespace {
 
 constexpr unsigned kFirstSpecial = 0x80;
@@ -15,6 +17,19 @@ constexpr std::array<char32_t, 32> kSpecials = {
     0x20AC, 0x0081, 0x201A, 0x0192, 0x201E, 0x2026, 0x2020, 0x2021, 0x02C6, 0x2030, 0x0160,
     0x2039, 0x0152, 0x008D, 0x017D, 0x008F, 0x0090, 0x2018, 0x2019, 0x201C, 0x201D, 0x2022,
     0x2013, 0x2014, 0x02DC, 0x2122, 0x0161, 0x203A, 0x0153, 0x009D, 0x017E, 0x0178};
+
+bool IsContinuationByte(char byte) { return (static_cast<unsigned char>(byte) & 0xC0U) == 0x80U; }
+
+// The first byte, and those that continue it, at most as many as it announces.
+std::string_view FirstSequence(std::string_view text) {
+  const int announced = std::countl_one(static_cast<unsigned char>(text.front()));
+  const std::size_t limit = announced >= 2 && announced <= 4 ? announced : 1;
+  std::size_t length = 1;
+  while (length < std::min(limit, text.size()) && IsContinuationByte(text[length])) {
+    ++length;
+  }
+  return text.substr(0, length);
+}
 
 std::optional<char> Windows1252Byte(char32_t character) {
   const bool own_number = character < kFirstSpecial || (character >= 0xA0 && character <= 0xFF);
@@ -28,29 +43,33 @@ std::optional<char> Windows1252Byte(char32_t character) {
   return static_cast<char>(kFirstSpecial + static_cast<unsigned>(found - kSpecials.begin()));
 }
 
-struct LeadByte {
-  std::size_t length = 0;  // of the whole sequence; 0 for a byte that begins none
-  char32_t bits = 0;
-  char32_t smallest = 0;  // a sequence for less than this is longer than it needs to be
-};
+}  // namespace
 
-LeadByte ReadLeadByte(unsigned byte) {
-  if (byte < 0x80) {
-    return {1, byte, 0};
+DecodedCharacter DecodeUtf8(std::string_view text) {
+  const std::string_view sequence = FirstSequence(text);
+  if (!utf8::is_valid(sequence)) {
+    return {std::nullopt, sequence.size()};
   }
-  if ((byte & 0xE0U) == 0xC0) {
-    return {2, byte & 0x1FU, 0x80};
-  }
-  if ((byte & 0xF0U) == 0xE0) {
-    return {3, byte & 0x0FU, 0x800};
-  }
-  if ((byte & 0xF8U) == 0xF0) {
-    return {4, byte & 0x07U, 0x10000};
-  }
-  return {};
+  const auto* byte = sequence.data();
+  return {utf8::unchecked::next(byte), sequence.size()};
 }
 
-}  // namespace
+void AppendUtf8(std::string& text, char32_t character) {
+  utf8::unchecked::append(character, std::back_inserter(text));
+}
+
+std::size_t CountCharacters(std::string_view text) {
+  return text.size() - static_cast<std::size_t>(std::ranges::count_if(text, IsContinuationByte));
+}
+
+std::string_view FirstCharacters(std::string_view text, std::size_t limit) {
+  std::size_t count = 0;
+  std::size_t length = 0;
+  while (length < text.size() && (IsContinuationByte(text[length]) || ++count <= limit)) {
+    ++length;
+  }
+  return text.substr(0, length);
+}
 
 std::string Windows1252ToUtf8(std::string_view bytes) {
   std::string text;
@@ -73,46 +92,6 @@ std::string Utf8ToWindows1252(std::string_view text) {
     text.remove_prefix(decoded.length);
   }
   return bytes;
-}
-
-DecodedCharacter DecodeUtf8(std::string_view text) {
-  const LeadByte lead = ReadLeadByte(static_cast<unsigned char>(text.front()));
-  if (lead.length == 0) {
-    return {};
-  }
-  char32_t character = lead.bits;
-  for (std::size_t at = 1; at < lead.length; ++at) {
-    const unsigned byte = at < text.size() ? static_cast<unsigned char>(text[at]) : 0U;
-    if ((byte & 0xC0U) != 0x80) {
-      return {std::nullopt, at};
-    }
-    character = (character << 6U) | (byte & 0x3FU);
-  }
-  const bool surrogate = character >= 0xD800 && character <= 0xDFFF;
-  if (character < lead.smallest || surrogate || character > 0x10FFFF) {
-    return {std::nullopt, lead.length};
-  }
-  return {character, lead.length};
-}
-
-void AppendUtf8(std::string& text, char32_t character) {
-  const auto append = [&text](char32_t byte) { text += static_cast<char>(byte); };
-  const auto append_rest = [&](unsigned shift) { append(0x80U | ((character >> shift) & 0x3FU)); };
-  if (character < 0x80) {
-    append(character);
-    return;
-  }
-  if (character < 0x800) {
-    append(0xC0U | (character >> 6U));
-  } else if (character < 0x10000) {
-    append(0xE0U | (character >> 12U));
-    append_rest(6);
-  } else {
-    append(0xF0U | (character >> 18U));
-    append_rest(12);
-    append_rest(6);
-  }
-  append_rest(0);
 }
 
 }  // namespace vrx

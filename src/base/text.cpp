@@ -13,9 +13,6 @@ namespace {
 constexpr std::string_view kFallbackCaptionId = "1053";
 constexpr std::size_t kDatabaseNameLength = 8;
 
-// UTF-8: every character has one byte that is none of these.
-bool IsContinuationByte(char byte) { return (static_cast<unsigned char>(byte) & 0xC0U) == 0x80U; }
-
 }  // namespace
 
 bool IsDigitChar(char character) { return character >= '0' && character <= '9'; }
@@ -49,9 +46,7 @@ std::int32_t CountChar(std::string_view text, char character) {
 }
 
 bool ValidDatabaseName(std::string_view file_title) {
-  const std::string_view name = file_title.substr(0, file_title.find('.'));
-  const auto length = static_cast<std::size_t>(
-      std::count_if(name.begin(), name.end(), [](char byte) { return !IsContinuationByte(byte); }));
+  const std::size_t length = CountCharacters(file_title.substr(0, file_title.find('.')));
   return length >= 1 && length <= kDatabaseNameLength;
 }
 

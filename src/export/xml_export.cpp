@@ -4,6 +4,7 @@
 #include <cstdint>
 #include <vector>
 
+#include "base/encoding.h"
 #include "base/files.h"
 #include "export/export_columns.h"
 #include "export/export_plan.h"
@@ -107,54 +108,15 @@ class XmlWriter : public LevelVisitor {
 
 constexpr std::string_view kReplacement = "\xEF\xBF\xBD";  // U+FFFD
 
-struct Character {
-  std::size_t length = 1;  // bytes
-  bool known = false;      // to XML
-};
+bool IsXmlCharacter(char32_t character) { return character != 0xFFFE && character != 0xFFFF; }
 
-// The bytes that follow the first of a sequence, and the lowest code that needs that many.
-struct Sequence {
-  std::size_t length;
-  std::uint32_t bits;  // of the first byte
-  std::uint32_t lowest;
-};
-
-Sequence SequenceOf(unsigned char first) {
-  if ((first & 0xE0U) == 0xC0U) {
-    return {2, first & 0x1FU, 0x80};
-  }
-  if ((first & 0xF0U) == 0xE0U) {
-    return {3, first & 0x0FU, 0x800};
-  }
-  if ((first & 0xF8U) == 0xF0U) {
-    return {4, first & 0x07U, 0x10000};
-  }
-  return {0, 0, 0};
-}
-
-bool IsXmlCode(std::uint32_t code) {
-  return (code <= 0xD7FF) || (code >= 0xE000 && code <= 0xFFFD) ||
-         (code >= 0x10000 && code <= 0x10FFFF);
-}
-
-// Of a text that begins with a byte of 0x80 or above.
-Character FirstCharacter(std::string_view text) {
-  const auto byte = [&](std::size_t i) { return static_cast<unsigned char>(text[i]); };
-  const Sequence sequence = SequenceOf(byte(0));
-  if (sequence.length == 0 || sequence.length > text.size()) {
-    return {};
-  }
-  std::uint32_t code = sequence.bits;
-  for (std::size_t i = 1; i < sequence.length; ++i) {
-    if ((byte(i) & 0xC0U) != 0x80U) {
-      return {};
-    }
-    code = (code << 6U) | (byte(i) & 0x3FU);
-  }
-  if (code < sequence.lowest) {
-    return {};
-  }
-  return {sequence.length, IsXmlCode(code)};
+// The bytes that one replacement takes the place of. A surrogate, or a number above U+10FFFF, is
+// one; of other malformed sequences every byte is.
+std::size_t ReplacedLength(std::string_view text, const DecodedCharacter& decoded) {
+  const auto lead = static_cast<unsigned char>(text.front());
+  const bool well_formed = decoded.character || (lead == 0xED && decoded.length == 3) ||
+                           (lead >= 0xF4 && decoded.length == 4);
+  return well_formed ? decoded.length : 1;
 }
 
 std::string_view Markup(char character, bool in_attribute) {
@@ -196,11 +158,12 @@ void Append(std::string_view utf8, bool in_attribute, std::string& xml) {
       }
       continue;
     }
-    const Character character = FirstCharacter(utf8.substr(next));
-    if (character.known) {
-      next += character.length;
+    const std::string_view rest = utf8.substr(next);
+    const DecodedCharacter decoded = DecodeUtf8(rest);
+    if (decoded.character && IsXmlCharacter(*decoded.character)) {
+      next += decoded.length;
     } else {
-      replace(character.length, kReplacement);
+      replace(ReplacedLength(rest, decoded), kReplacement);
     }
   }
   xml.append(utf8, plain, next - plain);

@@ -1,5 +1,6 @@
 #include "feed/key_filters.h"
 
+#include "base/encoding.h"
 #include "base/error.h"
 #include "base/number.h"
 #include "feed/record_fields.h"
@@ -14,9 +15,6 @@ bool IsDigitKey(int key) { return key >= '0' && key <= '9'; }
 bool IsUpperKey(int key) { return key >= 'A' && key <= 'Z'; }
 
 int UpperKey(int key) { return key >= 'a' && key <= 'z' ? key - 'a' + 'A' : key; }
-
-// UTF-8: every character has one byte that is none of these.
-bool IsContinuationByte(char byte) { return (static_cast<unsigned char>(byte) & 0xC0U) == 0x80U; }
 
 }  // namespace
 
@@ -52,14 +50,7 @@ std::string NormalizeNameChar(std::string_view character) {
 
 std::string AbbreviateDescription(std::string_view description) {
   std::string name;
-  std::size_t characters = 0;
-  for (const char& byte : description) {
-    if (IsContinuationByte(byte)) {
-      continue;
-    }
-    if (++characters > kNameLength) {
-      break;
-    }
+  for (const char& byte : FirstCharacters(description, kNameLength)) {
     name += NormalizeNameChar({&byte, 1});
   }
   return name;

@@ -9,6 +9,7 @@
 #include "base/number.h"
 #include "base/text.h"
 #include "feed/key_filters.h"
+#include "base/encoding.h"
 
 namespace vrx {
 
@@ -91,15 +92,6 @@ constexpr std::array<RecordField, 10> kFields = {{
     {RecordKind::kPen, "FeedAmount", 6, FilterDigitKey, LeaveFeed},
 }};
 
-// The first character of a UTF-8 text, whole; of malformed text its first byte.
-std::string_view FirstCharacter(std::string_view text) {
-  std::size_t length = 1;
-  while (length < text.size() && (static_cast<unsigned char>(text[length]) & 0xC0U) == 0x80U) {
-    ++length;
-  }
-  return text.substr(0, length);
-}
-
 // The key's own character, or its number where it cannot be shown.
 std::string Shown(std::string_view character) {
   const auto code = static_cast<unsigned char>(character.front());
@@ -162,7 +154,7 @@ const RecordField& FieldOf(RecordKind kind, std::string_view name) {
 FieldEntry EnterText(const RecordField& field, std::string_view typed) {
   std::string box;
   for (std::string_view rest = typed; !rest.empty();) {
-    const std::string_view character = FirstCharacter(rest);
+    const std::string_view character = rest.substr(0, DecodeUtf8(rest).length);
     rest.remove_prefix(character.size());
     const int key = character.size() == 1 ? static_cast<unsigned char>(character.front()) : 0;
     const int passed = key > 0 && key < 0x80 ? field.filter(key) : 0;

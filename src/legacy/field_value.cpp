@@ -10,6 +10,8 @@
 #include "base/date.h"
 #include "base/number.h"
 #include "base/text.h"
+#include "base/encoding.h"
+#include "legacy/field_value.h"
 
 namespace vrx {
 
@@ -27,19 +29,6 @@ double DecimalOf(float single) {
   double value = 0;
   std::from_chars(digits.data(), written.ptr, value);
   return value;
-}
-
-bool StartsCharacter(char byte) { return (static_cast<unsigned char>(byte) & 0xC0U) != 0x80U; }
-
-// At most `limit` characters of a UTF-8 text.
-std::string_view FirstCharacters(std::string_view text, std::size_t limit) {
-  std::size_t count = 0;
-  for (std::size_t at = 0; at < text.size(); ++at) {
-    if (StartsCharacter(text[at]) && ++count > limit) {
-      return text.substr(0, at);
-    }
-  }
-  return text;
 }
 
 // Without control characters, and with "?" for what could not be read.

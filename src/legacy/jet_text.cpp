@@ -3,6 +3,8 @@
 #include <cstddef>
 #include <string>
 
+#include "frame/encoding.h"
+
 namespace vrx {
 namespace {
 
@@ -11,26 +13,6 @@ constexpr char32_t kReplacement = 0xFFFD;
 
 bool IsHighSurrogate(char32_t unit) { return unit >= 0xD800 && unit < 0xDC00; }
 bool IsLowSurrogate(char32_t unit) { return unit >= 0xDC00 && unit < 0xE000; }
-
-void AppendUtf8(std::string& text, char32_t character) {
-  const auto append = [&text](char32_t byte) { text.push_back(static_cast<char>(byte)); };
-  const auto append_tail = [&](unsigned shift) { append(0x80U | ((character >> shift) & 0x3FU)); };
-  if (character < 0x80) {
-    append(character);
-  } else if (character < 0x800) {
-    append(0xC0U | (character >> 6U));
-    append_tail(0);
-  } else if (character < 0x10000) {
-    append(0xE0U | (character >> 12U));
-    append_tail(6);
-    append_tail(0);
-  } else {
-    append(0xF0U | (character >> 18U));
-    append_tail(12);
-    append_tail(6);
-    append_tail(0);
-  }
-}
 
 char32_t ByteAt(std::string_view bytes, std::size_t index) {
   return static_cast<unsigned char>(bytes[index]);

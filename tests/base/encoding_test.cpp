@@ -1,10 +1,16 @@
 #include "base/encoding.h"
 
+#include <cstddef>
 #include <random>
+#include <string>
+#include <string_view>
+#include <vector>
 
 #include <gtest/gtest.h>
 
-namespace vrx {
+#include "support/malformed_utf8.h"
+
+namespace vrx::testing {
 namespace {
 
 TEST(Windows1252ToUtf8, LeavesAsciiAsItIs) {
@@ -37,14 +43,66 @@ TEST(Utf8ToWindows1252, TurnsCharactersOutsideIntoAQuestionMark) {
 }
 
 TEST(Utf8ToWindows1252, TurnsMalformedTextIntoQuestionMarks) {
-  EXPECT_EQ(Utf8ToWindows1252("\xFF"), "?");
-  EXPECT_EQ(Utf8ToWindows1252("a\x80z"), "a?z");          // continuation without a lead
-  EXPECT_EQ(Utf8ToWindows1252("\xC3"), "?");              // cut off
-  EXPECT_EQ(Utf8ToWindows1252("\xE2\x82"), "?");          // cut off later
-  EXPECT_EQ(Utf8ToWindows1252("\xC3z"), "?z");            // the next character stands
-  EXPECT_EQ(Utf8ToWindows1252("\xC1\x81"), "?");          // "A" in too many bytes
-  EXPECT_EQ(Utf8ToWindows1252("\xED\xA0\x80"), "?");      // surrogate
-  EXPECT_EQ(Utf8ToWindows1252("\xF5\x80\x80\x80"), "?");  // beyond the last character
+  for (const MalformedText& text : MalformedTexts()) {
+    EXPECT_EQ(Utf8ToWindows1252(text.bytes), text.windows_1252)
+        << ::testing::PrintToString(text.bytes);
+  }
+}
+
+TEST(DecodeUtf8, FindsTheMalformedSequences) {
+  for (const MalformedText& text : MalformedTexts()) {
+    std::vector<std::size_t> lengths;
+    std::size_t malformed = 0;
+    for (std::string_view rest = text.bytes; !rest.empty();) {
+      const DecodedCharacter decoded = DecodeUtf8(rest);
+      lengths.push_back(decoded.length);
+      malformed += decoded.character ? 0 : 1;
+      rest.remove_prefix(decoded.length);
+    }
+    EXPECT_EQ(lengths, text.sequences) << ::testing::PrintToString(text.bytes);
+    EXPECT_GT(malformed, 0U) << ::testing::PrintToString(text.bytes);
+  }
+}
+
+TEST(DecodeUtf8, ReadsWhatAppendUtf8Writes) {
+  for (char32_t character = 0; character <= 0x10FFFF; ++character) {
+    if (character >= 0xD800 && character <= 0xDFFF) {
+      continue;
+    }
+    std::string text;
+    AppendUtf8(text, character);
+    const std::size_t length = character < 0x80      ? 1
+                               : character < 0x800   ? 2
+                               : character < 0x10000 ? 3
+                                                     : 4;
+    ASSERT_EQ(text.size(), length);
+    text += 'z';
+    const DecodedCharacter decoded = DecodeUtf8(text);
+    ASSERT_EQ(decoded.character, character);
+    ASSERT_EQ(decoded.length, length);
+  }
+}
+
+TEST(DecodeUtf8, KnowsTheFormOfTheStandard) {
+  EXPECT_EQ(DecodeUtf8("\u20AC").character, 0x20AC);
+  EXPECT_EQ(DecodeUtf8("\U0001F404").character, 0x1F404);
+  EXPECT_EQ(DecodeUtf8(std::string_view("\0", 1)).character, 0);
+}
+
+TEST(CountCharacters, CountsWhatCanBeginOne) {
+  EXPECT_EQ(CountCharacters(""), 0U);
+  EXPECT_EQ(CountCharacters("F\u00FCtter \U0001F404"), 8U);
+  for (const MalformedText& text : MalformedTexts()) {
+    EXPECT_EQ(CountCharacters(text.bytes), text.counted) << ::testing::PrintToString(text.bytes);
+  }
+}
+
+TEST(FirstCharacters, CutsBetweenCharacters) {
+  EXPECT_EQ(FirstCharacters("F\u00FCtter", 0), "");
+  EXPECT_EQ(FirstCharacters("F\u00FCtter", 2), "F\u00FC");
+  EXPECT_EQ(FirstCharacters("F\u00FCtter", 6), "F\u00FCtter");
+  EXPECT_EQ(FirstCharacters("F\u00FCtter", 7), "F\u00FCtter");
+  EXPECT_EQ(FirstCharacters("", 1), "");
 }
 
 TEST(Encoding, BringsEveryByteBack) {
@@ -79,4 +137,4 @@ TEST(Encoding, TakesAnyBytesForUtf8) {
 }
 
 }  // namespace
-}  // namespace vrx
+}  // namespace vrx::testing

@@ -4,6 +4,7 @@
 #include <gtest/gtest.h>
 
 #include "export/xml_export.h"
+#include "support/malformed_utf8.h"
 
 namespace vrx::testing {
 namespace {
@@ -45,12 +46,18 @@ TEST(XmlText, ReplacesWhatXmlDoesNotKnow) {
   EXPECT_EQ(Text("\xED\xA0\x80"), "\uFFFD");  // a surrogate
 }
 
-TEST(XmlText, ReplacesEachByteThatIsNoUtf8) {
-  EXPECT_EQ(Text("a\xFFz"), "a\uFFFDz");
-  EXPECT_EQ(Text("a\xC3"), "a\uFFFD");
-  EXPECT_EQ(Text("\xC3("), "\uFFFD(");
-  EXPECT_EQ(Text("\xC0\xAF"), "\uFFFD\uFFFD");
-  EXPECT_EQ(Text("\x80"), "\uFFFD");
+TEST(XmlText, ReplacesMalformedText) {
+  for (const MalformedText& text : MalformedTexts()) {
+    EXPECT_EQ(Text(text.bytes), text.xml) << ::testing::PrintToString(text.bytes);
+  }
+}
+
+TEST(XmlText, KeepsTheCharactersAtTheLimits) {
+  for (const char* const text :
+       {"\u0080", "\u07FF", "\u0800", "\uD7FF", "\uE000", "\uFFFD", "\U00010000", "\U0010FFFF"}) {
+    EXPECT_EQ(Text(text), text);
+  }
+  EXPECT_EQ(Text("\uFFFE\uFFFF"), "\uFFFD\uFFFD");
 }
 
 TEST(XmlElementName, HasNoBlankAndNoPercent) {
