@@ -5,8 +5,7 @@
 #include <string>
 #include <vector>
 
-#include "adapters/local_machine.h"
-#include "adapters/terminal.h"
+#include "adapters/linux_machine.h"
 #include "ctl/command_line.h"
 #include "ctl/machine.h"
 

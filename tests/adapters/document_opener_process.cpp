@@ -4,8 +4,7 @@
 #include <string>
 
 #include "adapters/document_opener.h"
-#include "adapters/linux_operating_system.h"
-#include "adapters/local_machine.h"
+#include "adapters/linux_machine.h"
 
 // document_opener_process WHAT DIRECTORY DOCUMENT prints the code of a document, and below it
 //   call   the program and the arguments that open it

@@ -1,7 +1,7 @@
 #include <QApplication>
 #include <QIcon>
 
-#include "adapters/local_machine.h"
+#include "adapters/linux_machine.h"
 #include "adapters/stop_signals.h"
 #include "desktop/app/main_form.h"
 #include "desktop/app/program.h"

@@ -3,8 +3,7 @@
 #include <QTimer>
 #include <memory>
 
-#include "adapters/linux_operating_system.h"
-#include "adapters/local_machine.h"
+#include "adapters/linux_machine.h"
 #include "adapters/qt_event_pump.h"
 #include "adapters/qt_serial_control.h"
 #include "desktop/app/desktop_context.h"
