@@ -2,7 +2,7 @@
 
 #include <optional>
 
-#include "adapters/port_device.h"
+#include "adapters/serial_ports.h"
 #include "adapters/qt_event_pump.h"
 #include "adapters/qt_serial_control.h"
 #include "adapters/stop_signals.h"

@@ -9,7 +9,7 @@
 #include <string>
 #include <utility>
 
-#include "adapters/port_device.h"
+#include "adapters/serial_ports.h"
 #include "adapters/stop_signals.h"
 
 namespace vrx {

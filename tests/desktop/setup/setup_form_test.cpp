@@ -9,6 +9,8 @@
 #include "base/files.h"
 #include "desktop/next_modal.h"
 #include "desktop/transfer/transfer_site.h"
+#include "adapters/serial_ports.h"
+#include "next_modal.h"
 
 namespace vrx::testing {
 namespace {

@@ -13,7 +13,7 @@
 #include <utility>
 #include <vector>
 
-#include "adapters/port_device.h"
+#include "adapters/serial_ports.h"
 #include "adapters/qt_event_pump.h"
 #include "adapters/qt_serial_control.h"
 #include "desktop/answered_boxes.h"

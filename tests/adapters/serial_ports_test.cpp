@@ -1,10 +1,11 @@
-#include "adapters/port_survey.h"
+#include "adapters/serial_ports.h"
 
 #include <algorithm>
 #include <csignal>
 #include <filesystem>
 #include <fstream>
 #include <string>
+#include <tuple>
 
 #include <gmock/gmock.h>
 #include <sys/wait.h>
@@ -20,7 +21,7 @@ namespace {
 
 namespace fs = std::filesystem;
 
-// A process that does nothing until the object goes.
+// A process that does nothing until the object is destroyed.
 class OtherProcess {
  public:
   OtherProcess() : id_(fork()) {
@@ -59,7 +60,38 @@ class DeviceLock {
   fs::path path_;
 };
 
-TEST(DescribeDevice, TellsWhatStandsThere) {
+class LinuxPortDeviceTest : public ::testing::Test {
+ protected:
+  void Link(const fs::path& target, const std::string& name) const {
+    fs::create_directories(folder / "Ports");
+    fs::create_symlink(target, folder / "Ports" / name);
+  }
+
+  TempFolder folder;
+};
+
+TEST_F(LinuxPortDeviceTest, IsTheBuiltInPortWithoutALink) {
+  EXPECT_EQ(LinuxPortDevice(folder.Path(), 1), "/dev/ttyS0");
+  EXPECT_EQ(LinuxPortDevice(folder.Path(), 9), "/dev/ttyS8");
+}
+
+TEST_F(LinuxPortDeviceTest, FollowsTheLinkOfItsNumber) {
+  Link("/dev/ttyUSB0", "COM3");
+  EXPECT_EQ(LinuxPortDevice(folder.Path(), 3), "/dev/ttyUSB0");
+  EXPECT_EQ(LinuxPortDevice(folder.Path(), 2), "/dev/ttyS1");
+}
+
+TEST_F(LinuxPortDeviceTest, RelativeLinkStartsFromItsFolder) {
+  Link("../scale", "COM1");
+  EXPECT_EQ(LinuxPortDevice(folder.Path(), 1), (folder / "scale").string());
+}
+
+TEST_F(LinuxPortDeviceTest, RefusesNumbersBelowOne) {
+  EXPECT_THROW(std::ignore = LinuxPortDevice(folder.Path(), 0), SerialError);
+  EXPECT_THROW(std::ignore = LinuxPortDevice(folder.Path(), -1), SerialError);
+}
+
+TEST(DescribeDevice, NamesTheKindOrWhyItCannotBeUsed) {
   const TempFolder folder;
   const PseudoTerminal line;
   EXPECT_EQ(DescribeDevice(line.Device()), "pseudo-terminal");
@@ -74,7 +106,7 @@ TEST(DescribeDevice, FollowsALink) {
   EXPECT_EQ(DescribeDevice((folder / "link").string()), "pseudo-terminal");
 }
 
-TEST(DescribeDevice, ADeviceInAnotherProgramsHandsIsInUse) {
+TEST(DescribeDevice, ADeviceOfAnotherProgramIsInUse) {
   const PseudoTerminal line;
   const OtherProcess other;
   {
@@ -84,7 +116,7 @@ TEST(DescribeDevice, ADeviceInAnotherProgramsHandsIsInUse) {
   EXPECT_EQ(DescribeDevice(line.Device()), "pseudo-terminal");
 }
 
-TEST(DescribeDevice, TheLockOfAnEndedProgramAndOnesOwnCountForNothing) {
+TEST(DescribeDevice, IgnoresItsOwnLockAndThatOfAnEndedProgram) {
   const PseudoTerminal line;
   {
     const DeviceLock own(line.Device(), getpid());
@@ -107,7 +139,7 @@ TEST(SerialDevices, AreThereAndInOrder) {
   }
 }
 
-TEST(PutDeviceBehindPort, TheNumberStandsForItUntilItIsTakenAway) {
+TEST(PutDeviceBehindPort, LinksTheNumberUntilTheLinkIsRemoved) {
   const TempFolder folder;
   PutDeviceBehindPort(folder.Path(), 3, "/dev/ttyUSB0");
   EXPECT_EQ(LinuxPortDevice(folder.Path(), 3), "/dev/ttyUSB0");
@@ -126,7 +158,7 @@ TEST(PutDeviceBehindPort, LeavesNothingElseInTheFolder) {
   EXPECT_EQ(std::distance(fs::directory_iterator(folder / "Ports"), fs::directory_iterator()), 1);
 }
 
-TEST(PutDeviceBehindPort, WhatStandsInTheWayIsTold) {
+TEST(PutDeviceBehindPort, ReportsWhatKeepsItFromLinking) {
   const TempFolder folder;
   folder.Write("Ports", "a file");
   EXPECT_THROW(PutDeviceBehindPort(folder.Path(), 1, "/dev/ttyUSB0"), SerialError);

@@ -1,4 +1,4 @@
-#include "adapters/port_survey.h"
+#include "adapters/serial_ports.h"
 
 #include <QLockFile>
 #include <QSerialPortInfo>
@@ -18,12 +18,11 @@
 #include "platform/serial_control.h"
 
 namespace vrx {
+namespace {
 
 namespace fs = std::filesystem;
 
-namespace {
-
-// Where programs lock a serial device by a file of its name.
+// The folders in which programs lock a serial device by a file with its name.
 constexpr std::array<const char*, 4> kLockFolders{"/var/lock", "/run/lock", "/var/spool/locks",
                                                   "/tmp"};
 
@@ -54,9 +53,9 @@ bool IsLocked(const fs::path& device) {
 }
 
 bool HoldsOpen(const fs::path& process, const fs::path& device) {
-  std::error_code out_of_sight;  // another user's process
-  for (fs::directory_iterator file(process / "fd", out_of_sight), end; file != end;
-       file.increment(out_of_sight)) {
+  std::error_code denied;  // another user's process
+  for (fs::directory_iterator file(process / "fd", denied), end; file != end;
+       file.increment(denied)) {
     std::error_code closed;
     if (fs::read_symlink(file->path(), closed) == device) {
       return true;
@@ -79,7 +78,7 @@ bool IsHeldOpen(const fs::path& device) {
   return false;
 }
 
-std::string WhatItIs(const std::string& device, const struct stat& status) {
+std::string KindOf(const std::string& device, const struct stat& status) {
   if (IsPseudoTerminal(status)) {
     return "pseudo-terminal";
   }
@@ -88,11 +87,34 @@ std::string WhatItIs(const std::string& device, const struct stat& status) {
              : "serial port";
 }
 
+void CheckPortNumber(int number) {
+  if (number < 1) {
+    throw SerialError("there is no serial port " + std::to_string(number));
+  }
+}
+
+fs::path PortLink(const fs::path& data_folder, int number) {
+  return data_folder / "Ports" / ("COM" + std::to_string(number));
+}
+
 [[noreturn]] void Refuse(const fs::path& path, const std::error_code& error) {
   throw SerialError(path.string() + ": " + error.message());
 }
 
 }  // namespace
+
+std::string BuiltInPortDevice(int number) {
+  CheckPortNumber(number);
+  return "/dev/ttyS" + std::to_string(number - 1);
+}
+
+std::string LinuxPortDevice(const fs::path& data_folder, int number) {
+  std::string built_in = BuiltInPortDevice(number);
+  const fs::path link = PortLink(data_folder, number);
+  std::error_code no_link;
+  const fs::path target = fs::read_symlink(link, no_link);
+  return no_link ? built_in : (link.parent_path() / target).lexically_normal().string();
+}
 
 std::vector<std::string> SerialDevices() {
   std::vector<std::string> devices;
@@ -116,20 +138,17 @@ std::string DescribeDevice(const std::string& device) {
   }
   std::error_code unresolved;
   const fs::path real = fs::canonical(device, unresolved);
-  // Whoever makes a pseudo-terminal may hold both its ends.
+  // The program that makes a pseudo-terminal may hold both ends.
   if (IsLocked(real) || (!IsPseudoTerminal(status) && IsHeldOpen(real))) {
     return "in use";
   }
-  return WhatItIs(real.string(), status);
+  return KindOf(real.string(), status);
 }
 
-// A new link takes the place of the old one by its renaming: at no time is there none.
+// The new link is renamed over the old one, so that there is always one.
 void PutDeviceBehindPort(const fs::path& data_folder, int number, const std::string& device) {
-  if (number < 1) {
-    throw SerialError("there is no serial port " + std::to_string(number));
-  }
-  const fs::path folder = data_folder / "Ports";
-  const fs::path link = folder / ("COM" + std::to_string(number));
+  CheckPortNumber(number);
+  const fs::path link = PortLink(data_folder, number);
   std::error_code error;
   if (device.empty()) {
     fs::remove(link, error);
@@ -138,9 +157,9 @@ void PutDeviceBehindPort(const fs::path& data_folder, int number, const std::str
     }
     return;
   }
-  fs::create_directories(folder, error);
+  fs::create_directories(link.parent_path(), error);
   if (error) {
-    Refuse(folder, error);
+    Refuse(link.parent_path(), error);
   }
   const fs::path made = link.string() + ".new";
   fs::remove(made, error);
