@@ -1,10 +1,13 @@
 #include "adapters/qt_serial_control.h"
 
 #include <QSerialPort>
+#include <algorithm>
 #include <array>
 #include <cerrno>
+#include <charconv>
 #include <cstring>
 #include <filesystem>
+#include <system_error>
 #include <utility>
 
 #include <fcntl.h>
@@ -14,37 +17,50 @@
 #include <termios.h>
 #include <unistd.h>
 
-#include "adapters/line_settings.h"
-
 namespace vrx {
-
 namespace {
+
+constexpr std::string_view kParityLetters = "neoms";  // in the order of Parity
+
+// Removes the text up to the next comma, and the comma.
+std::string_view NextField(std::string_view& text) {
+  const std::string_view field = text.substr(0, text.find(','));
+  text.remove_prefix(std::min(text.size(), field.size() + 1));
+  return field;
+}
+
+// -1 unless the whole field is a number.
+int Number(std::string_view field) {
+  int value = 0;
+  const auto [end, error] = std::from_chars(field.data(), field.data() + field.size(), value);
+  return error == std::errc{} && end == field.data() + field.size() ? value : -1;
+}
 
 constexpr std::array kParities{QSerialPort::NoParity, QSerialPort::EvenParity,
                                QSerialPort::OddParity, QSerialPort::MarkParity,
                                QSerialPort::SpaceParity};
 
-std::string Said(const std::string& device, std::string_view what) {
-  return device + ": " + std::string(what);
+std::string Message(const std::string& device, std::string_view problem) {
+  return device + ": " + std::string(problem);
 }
 
-// What can be told without opening the device, which on some would raise DTR.
+// Checks what needs no opening, which raises DTR on some devices.
 void CheckDevice(const std::string& device) {
   struct stat status {};
   if (stat(device.c_str(), &status) != 0) {
-    throw SerialError(Said(device, errno == ENOENT ? "no such device" : std::strerror(errno)));
+    throw SerialError(Message(device, errno == ENOENT ? "no such device" : std::strerror(errno)));
   }
   if (!S_ISCHR(status.st_mode)) {
-    throw SerialError(Said(device, "is not a serial device"));
+    throw SerialError(Message(device, "is not a serial device"));
   }
   if (faccessat(AT_FDCWD, device.c_str(), R_OK | W_OK, AT_EACCESS) != 0) {
-    throw SerialError(Said(device, "access denied: " + std::string(std::strerror(errno))));
+    throw SerialError(Message(device, "access denied: " + std::string(std::strerror(errno))));
   }
 }
 
 // Why a device that passed CheckDevice could not be opened.
 std::string Refusal(const std::string& device, const QSerialPort& port) {
-  const std::string said = port.errorString().toStdString();
+  const std::string text = port.errorString().toStdString();
   const int descriptor = open(device.c_str(), O_RDWR | O_NOCTTY | O_NONBLOCK | O_CLOEXEC);
   const int open_error = descriptor < 0 ? errno : 0;
   const bool no_terminal = descriptor >= 0 && isatty(descriptor) == 0 && errno == ENOTTY;
@@ -55,12 +71,12 @@ std::string Refusal(const std::string& device, const QSerialPort& port) {
     return "is not a serial device";
   }
   if (port.error() == QSerialPort::PermissionError || open_error == EBUSY) {
-    return "is in use (" + said + ")";
+    return "is in use (" + text + ")";
   }
-  return "cannot be opened: " + said;
+  return "cannot be opened: " + text;
 }
 
-// One name for a device, whatever links lead to it: its lock goes by the name.
+// One name for a device, whatever links lead to it: its lock file has that name.
 QString PortName(const std::string& device) {
   std::error_code unresolved;
   const std::filesystem::path real = std::filesystem::canonical(device, unresolved);
@@ -69,9 +85,26 @@ QString PortName(const std::string& device) {
 
 }  // namespace
 
+LineSettings ParseLineSettings(std::string_view text) {
+  std::string_view rest = text;
+  LineSettings settings;
+  settings.baud = Number(NextField(rest));
+  const std::string_view letter = NextField(rest);
+  const std::size_t parity =
+      letter.size() == 1 ? kParityLetters.find(letter) : std::string_view::npos;
+  settings.data_bits = Number(NextField(rest));
+  settings.stop_bits = Number(rest);
+  if (settings.baud < 1 || parity == std::string_view::npos || settings.data_bits < 5 ||
+      settings.data_bits > 8 || settings.stop_bits < 1 || settings.stop_bits > 2) {
+    throw SerialError("\"" + std::string(text) + "\" are no settings of a serial line");
+  }
+  settings.parity = static_cast<Parity>(parity);
+  return settings;
+}
+
 struct QtSerialControl::Properties {
   bool dtr = false;
-  int in_buffer_size = 0;  // 0: without a limit
+  int in_buffer_size = 0;  // 0: no limit
   Handshaking handshaking = Handshaking::kNone;
   std::string device;
   LineSettings settings;
@@ -93,11 +126,11 @@ class QtSerialControl::Line {
                              : QSerialPort::NoFlowControl);
     port_.setReadBufferSize(properties.in_buffer_size);
     if (!port_.open(QIODevice::ReadWrite)) {
-      throw SerialError(Said(device_, Refusal(device_, port_)));
+      throw SerialError(Message(device_, Refusal(device_, port_)));
     }
-    ForgetXoff();
+    ClearXoff();
     SetDTR(properties.dtr);
-    // Without this a dead line would keep the event loop busy until somebody looks at it.
+    // Otherwise a dead line keeps the event loop busy until the next call.
     QObject::connect(
         &port_, &QSerialPort::errorOccurred, &port_, [this] { NoticeLoss(); },
         Qt::QueuedConnection);
@@ -105,7 +138,7 @@ class QtSerialControl::Line {
 
   ~Line() {
     if (port_.isOpen()) {
-      // The system would wait for a partner that holds the line to let the rest go.
+      // Otherwise the system waits for a partner that holds the line.
       port_.clear(QSerialPort::Output);
       port_.close();
     }
@@ -114,17 +147,17 @@ class QtSerialControl::Line {
   Line(const Line&) = delete;
   Line& operator=(const Line&) = delete;
 
-  // A line that has no DTR refuses.
+  // A line without DTR ignores it.
   void SetDTR(bool on) {
     if (!lost_) {
       port_.setDataTerminalReady(on);
     }
   }
 
-  void CheckStanding() {
+  void CheckConnected() {
     NoticeLoss();
     if (lost_) {
-      throw SerialError(Said(device_, "the line is gone"));
+      throw SerialError(Message(device_, "the line is gone"));
     }
   }
 
@@ -136,27 +169,27 @@ class QtSerialControl::Line {
   QByteArray Take() { return lost_ ? std::exchange(rescued_, {}) : port_.readAll(); }
 
   void DiscardInput() {
-    CheckStanding();
-    // Reading first: a full buffer has stopped the reception, and clearing would not resume it.
+    CheckConnected();
+    // Reading comes first: a full buffer stops the reception, and clearing does not resume it.
     port_.readAll();
     port_.clear(QSerialPort::Input);
   }
 
   void DiscardOutput() {
-    CheckStanding();
+    CheckConnected();
     port_.clear(QSerialPort::Output);
   }
 
   void Write(std::string_view bytes) {
-    CheckStanding();
+    CheckConnected();
     const auto size = static_cast<qint64>(bytes.size());
     if (port_.write(bytes.data(), size) != size) {
-      throw SerialError(Said(device_, port_.errorString().toStdString()));
+      throw SerialError(Message(device_, port_.errorString().toStdString()));
     }
   }
 
   qint64 Unsent() {
-    CheckStanding();
+    CheckConnected();
     int in_kernel = 0;
     if (ioctl(port_.handle(), TIOCOUTQ, &in_kernel) != 0) {
       in_kernel = 0;
@@ -165,8 +198,8 @@ class QtSerialControl::Line {
   }
 
  private:
-  // The system keeps an XOFF of an earlier opening as long as anybody has the line open.
-  void ForgetXoff() {
+  // The system keeps an XOFF of an earlier opening as long as any program has the line open.
+  void ClearXoff() {
     tcflow(port_.handle(), TCOOFF);
     tcflow(port_.handle(), TCOON);
   }
@@ -188,7 +221,7 @@ class QtSerialControl::Line {
   std::string device_;
   QSerialPort port_;
   bool lost_ = false;
-  QByteArray rescued_;  // what had been received when the line was lost
+  QByteArray rescued_;  // received before the line was lost
 };
 
 QtSerialControl::QtSerialControl(DeviceOfPort device_of_port)
@@ -205,7 +238,7 @@ void QtSerialControl::SetDTREnable(bool on) {
 
 void QtSerialControl::SetInBufferSize(int bytes) { properties_->in_buffer_size = bytes; }
 
-// The buffer ahead of the port grows with what it is given.
+// The output buffer grows as needed.
 void QtSerialControl::SetOutBufferSize(int /*bytes*/) {}
 
 void QtSerialControl::SetHandshaking(Handshaking mode) { properties_->handshaking = mode; }
@@ -232,7 +265,7 @@ int QtSerialControl::InBufferCount() {
   }
   const qsizetype waiting = line_->Waiting();
   if (waiting == 0) {
-    line_->CheckStanding();
+    line_->CheckConnected();
   }
   return static_cast<int>(waiting);
 }

@@ -3,21 +3,37 @@
 #include <functional>
 #include <memory>
 #include <string>
+#include <string_view>
 
 #include "platform/serial_control.h"
 
 namespace vrx {
 
+enum class Parity { kNone, kEven, kOdd, kMark, kSpace };
+
+// The parts of "19200,n,8,1".
+struct LineSettings {
+  int baud = 9600;
+  Parity parity = Parity::kNone;
+  int data_bits = 8;
+  int stop_bits = 1;
+
+  bool operator==(const LineSettings&) const = default;
+};
+
+// Throws SerialError for a text of another form.
+[[nodiscard]] LineSettings ParseLineSettings(std::string_view text);
+
 // A serial port of this machine: UART, USB adapter or pseudo-terminal. It lives in the event loop
-// of the thread it is made in, where a QtEventPump waits for it.
+// of the thread that creates it, where a QtEventPump waits for it.
 //
 // All properties but DTREnable take effect at the next opening. Buffers are at least as large as
-// asked for: nothing that arrives is lost for want of room here. A device is in one program's hands
-// only; SerialError tells a missing device, one in use, a forbidden one and one that is no serial
-// device apart. Closing throws away what has not been sent.
+// requested: no arriving byte is lost for lack of space here. One program at a time can have a
+// device open. SerialError distinguishes a missing device, one in use, a forbidden one and one that
+// is not a serial device. Closing discards what has not been sent.
 class QtSerialControl : public SerialControl {
  public:
-  // Gives the device's path of a port number; may throw SerialError.
+  // Returns the path of a port number's device; may throw SerialError.
   using DeviceOfPort = std::function<std::string(int)>;
 
   explicit QtSerialControl(DeviceOfPort device_of_port);
@@ -30,15 +46,15 @@ class QtSerialControl : public SerialControl {
   void SetCommPort(int number) override;
   void SetSettings(std::string_view settings) override;
 
-  bool PortOpen() const override;
+  [[nodiscard]] bool PortOpen() const override;
   void SetPortOpen(bool open) override;
 
-  // What arrived ahead of the loss of a line can still be read; the count after that throws.
-  int InBufferCount() override;
+  // What arrived before the loss of a line can still be read; then the count throws.
+  [[nodiscard]] int InBufferCount() override;
   void DiscardInput() override;
-  int OutBufferCount() override;
+  [[nodiscard]] int OutBufferCount() override;
   void DiscardOutput() override;
-  std::string Input() override;
+  [[nodiscard]] std::string Input() override;
   void Output(std::string_view bytes) override;
 
  private:

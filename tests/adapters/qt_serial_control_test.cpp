@@ -1,6 +1,7 @@
 #include "adapters/qt_serial_control.h"
 
 #include <filesystem>
+#include <tuple>
 
 #include <gmock/gmock.h>
 #include <poll.h>
@@ -41,7 +42,7 @@ std::unique_ptr<QtSerialControl> ControlOf(const std::string& device) {
   return control;
 }
 
-// What the opening says; empty when it works.
+// The error of opening; empty if it works.
 std::string OpeningError(SerialControl& control) {
   try {
     control.SetPortOpen(true);
@@ -101,6 +102,21 @@ class QtSerialControlTest : public ::testing::Test {
   std::unique_ptr<QtSerialControl> control = ControlOf(terminal.Device());
 };
 
+TEST(LineSettings, ReadsTheFourParts) {
+  EXPECT_EQ(ParseLineSettings("19200,n,8,1"), (LineSettings{19200, Parity::kNone, 8, 1}));
+  EXPECT_EQ(ParseLineSettings("1200,e,7,2"), (LineSettings{1200, Parity::kEven, 7, 2}));
+  EXPECT_EQ(ParseLineSettings("300,s,5,1"), (LineSettings{300, Parity::kSpace, 5, 1}));
+}
+
+TEST(LineSettings, RefusesEveryOtherForm) {
+  for (const char* text :
+       {"", "19200", "19200,n,8", "19200,n,8,1,", "19200,n,8,1,2", "0,n,8,1", "fast,n,8,1",
+        "19200,x,8,1", "19200,,8,1", "19200,no,8,1", "19200,n,9,1", "19200,n,4,1", "19200,n,8,0",
+        "19200,n,8,3", "-1,n,8,1", " 19200,n,8,1", "99999999999,n,8,1"}) {
+    EXPECT_THROW(std::ignore = ParseLineSettings(text), SerialError) << text;
+  }
+}
+
 TEST_F(QtSerialControlTest, ReceivesEveryByteValue) {
   Open();
   terminal.Write(AllByteValues());
@@ -114,7 +130,7 @@ TEST_F(QtSerialControlTest, SendsEveryByteValue) {
   EXPECT_EQ(control->OutBufferCount(), 0);
 }
 
-TEST_F(QtSerialControlTest, SetsTheLineAsTold) {
+TEST_F(QtSerialControlTest, SetsTheLineAsSpecified) {
   Open();
   termios line{};
   ASSERT_EQ(tcgetattr(terminal.NearEnd(), &line), 0);
@@ -125,7 +141,7 @@ TEST_F(QtSerialControlTest, SetsTheLineAsTold) {
   EXPECT_EQ(line.c_iflag & static_cast<tcflag_t>(IXON | IXOFF | ICRNL | INLCR | ISTRIP), 0U);
 }
 
-TEST_F(QtSerialControlTest, XonXoffIsTheLinesOwnWork) {
+TEST_F(QtSerialControlTest, LeavesXonXoffToTheLine) {
   Open(Handshaking::kXOnXOff);
   termios line{};
   ASSERT_EQ(tcgetattr(terminal.NearEnd(), &line), 0);
@@ -145,7 +161,7 @@ TEST_F(QtSerialControlTest, LineWithoutDtrIsUsedWithoutIt) {
   EXPECT_EQ(Send("so am I"), "so am I");
 }
 
-TEST_F(QtSerialControlTest, ClosedPortHasNothingAndTakesNothing) {
+TEST_F(QtSerialControlTest, ClosedPortHoldsNothingAndRefusesOutput) {
   EXPECT_FALSE(control->PortOpen());
   EXPECT_EQ(control->InBufferCount(), 0);
   EXPECT_EQ(control->OutBufferCount(), 0);
@@ -236,22 +252,22 @@ TEST_F(QtSerialControlTest, LineThatIsHeldFromTheFirstByteOnGoesOnWhenItIsReleas
   EXPECT_EQ(terminal.Read(1000), "held");
 }
 
-TEST_F(QtSerialControlTest, WaitingForArrivalsTakesNoCore) {
+TEST_F(QtSerialControlTest, WaitingForArrivalsUsesNoProcessorTime) {
   Open();
   const CpuMeter meter;
   const Ms end = pump.Now() + Ms{1000};
   while (pump.Now() < end) {
     pump.Pump(end - pump.Now());
-    control->InBufferCount();
+    EXPECT_EQ(control->InBufferCount(), 0);
   }
   EXPECT_LT(meter.Share(), kWaitingShare);
 }
 
-TEST_F(QtSerialControlTest, HangUpEndsTheWaitAndIsToldByTheCounts) {
+TEST_F(QtSerialControlTest, HangUpEndsTheWaitAndMakesTheCountsThrow) {
   Open();
   const OneEvent unplug(Ms{50}, [&] { terminal.HangUp(); });
   EXPECT_THAT(WaitForLoss(), AllOf(StartsWith(terminal.Device()), HasSubstr("gone")));
-  EXPECT_THROW(control->OutBufferCount(), SerialError);
+  EXPECT_THROW(std::ignore = control->OutBufferCount(), SerialError);
   EXPECT_THROW(control->Output("x"), SerialError);
   EXPECT_THROW(control->DiscardInput(), SerialError);
   EXPECT_TRUE(control->PortOpen());
@@ -273,20 +289,20 @@ TEST_F(QtSerialControlTest, HangUpEndsATransmission) {
       SerialError);
 }
 
-TEST_F(QtSerialControlTest, WhatArrivedAheadOfTheHangUpCanBeRead) {
+TEST_F(QtSerialControlTest, WhatArrivedBeforeTheHangUpCanBeRead) {
   Open();
   terminal.Write("last words");
   while (control->InBufferCount() < 10) {
     pump.Pump(kForever);
   }
   terminal.HangUp();
-  EXPECT_THROW(control->OutBufferCount(), SerialError);
+  EXPECT_THROW(std::ignore = control->OutBufferCount(), SerialError);
   EXPECT_EQ(control->InBufferCount(), 10);
   EXPECT_EQ(control->Input(), "last words");
-  EXPECT_THROW(control->InBufferCount(), SerialError);
+  EXPECT_THROW(std::ignore = control->InBufferCount(), SerialError);
 }
 
-TEST_F(QtSerialControlTest, DeadLineThatNobodyLooksAtTakesNoCore) {
+TEST_F(QtSerialControlTest, UnusedDeadLineUsesNoProcessorTime) {
   Open();
   terminal.HangUp();
   const CpuMeter meter;
@@ -295,7 +311,7 @@ TEST_F(QtSerialControlTest, DeadLineThatNobodyLooksAtTakesNoCore) {
     pump.Pump(end - pump.Now());
   }
   EXPECT_LT(meter.Share(), kWaitingShare);
-  EXPECT_THROW(control->InBufferCount(), SerialError);
+  EXPECT_THROW(std::ignore = control->InBufferCount(), SerialError);
 }
 
 TEST_F(QtSerialControlTest, SecondOpeningSaysInUse) {
@@ -315,13 +331,13 @@ TEST_F(QtSerialControlTest, SecondOpeningThroughALinkSaysInUse) {
   EXPECT_THAT(OpeningError(*second), HasSubstr("in use"));
 }
 
-TEST_F(QtSerialControlTest, MissingDeviceIsTold) {
+TEST_F(QtSerialControlTest, MissingDeviceIsReported) {
   const TempFolder folder;
   const std::string device = (folder / "ttyUSB0").string();
   EXPECT_EQ(OpeningError(*ControlOf(device)), device + ": no such device");
 }
 
-TEST_F(QtSerialControlTest, FileThatIsNoSerialDeviceIsTold) {
+TEST_F(QtSerialControlTest, FileThatIsNoSerialDeviceIsReported) {
   const TempFolder folder;
   const std::string file = folder.Write("file", "x").string();
   EXPECT_EQ(OpeningError(*ControlOf(file)), file + ": is not a serial device");
@@ -329,7 +345,7 @@ TEST_F(QtSerialControlTest, FileThatIsNoSerialDeviceIsTold) {
 }
 
 // The rights of a user who may not use the device, also where the tests run as root.
-TEST_F(QtSerialControlTest, ForbiddenDeviceIsTold) {
+TEST_F(QtSerialControlTest, ForbiddenDeviceIsReported) {
   ASSERT_EQ(chmod(terminal.Device().c_str(), 0), 0);
   constexpr uid_t kNobody = 65534;
   const bool is_root = geteuid() == 0;
