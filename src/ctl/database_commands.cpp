@@ -15,6 +15,7 @@
 #include "base/date.h"
 #include "base/number.h"
 #include "base/text.h"
+#include "adapters/signals.h"
 #include "ctl/command.h"
 #include "ctl/options.h"
 #include "ctl/output.h"
@@ -103,7 +104,7 @@ class ConvertCommand : public Command {
 
   int Run(Session& session) override {
     try {
-      const StopFlag stop;
+      const InterruptFlag stop;
       ChildProcessRunner runner;
       const ConversionReport report = ConvertLegacyDatabase(
           {.old_file = old_,

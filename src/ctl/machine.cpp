@@ -2,10 +2,10 @@
 
 #include <optional>
 
-#include "adapters/serial_ports.h"
 #include "adapters/qt_event_pump.h"
 #include "adapters/qt_serial_control.h"
-#include "adapters/stop_signals.h"
+#include "adapters/serial_ports.h"
+#include "adapters/signals.h"
 
 namespace vrx {
 namespace {
@@ -28,7 +28,7 @@ class QtSerialLine : public SerialLine {
 
  private:
   QtEventPump pump_;
-  std::optional<StopSignals> signals_;
+  std::optional<SignalHandler> signals_;
   QtSerialControl control_;
 };
 

@@ -7,10 +7,11 @@
 #include "desktop/app/program.h"
 #include "desktop/dialogs/about_and_splash.h"
 #include "widgets/drawing.h"
+#include "adapters/signals.h"
 
 int main(int argc, char** argv) {
   // The platform starts threads with the application object, and they must not take the signals.
-  const vrx::StopSignalBlock signals_are_blocked;
+  const vrx::SignalBlock signals_are_blocked;
   const QApplication application(argc, argv);
   QApplication::setApplicationVersion(vrx::VersionText());
   QApplication::setDesktopFileName(QStringLiteral("vrx2260"));

@@ -10,7 +10,7 @@
 #include <utility>
 
 #include "adapters/serial_ports.h"
-#include "adapters/stop_signals.h"
+#include "adapters/signals.h"
 
 namespace vrx {
 namespace {
@@ -37,7 +37,7 @@ DesktopProgram::DesktopProgram(const SystemInfo& system, MakeMainForm make_main_
 DesktopProgram::~DesktopProgram() = default;
 
 int DesktopProgram::Run() {
-  const StopSignals signals([this] { SessionEnd(); });
+  const SignalHandler signals([this] { SessionEnd(); });
   const QObject session;
   QObject::connect(qApp, &QGuiApplication::commitDataRequest, &session,
                    [this](QSessionManager& manager) { CommitSession(manager); });

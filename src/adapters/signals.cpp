@@ -1,4 +1,4 @@
-#include "adapters/stop_signals.h"
+#include "adapters/signals.h"
 
 #include <QSocketNotifier>
 #include <array>
@@ -11,14 +11,18 @@
 #include <unistd.h>
 
 namespace vrx {
-
 namespace {
+
+// A signal handler can access nothing else.
+volatile std::sig_atomic_t raised = 0;
+
+extern "C" void RaiseFlag(int /*signal*/) { raised = 1; }
 
 [[noreturn]] void Refuse(int error) {
   throw std::system_error(error, std::generic_category(), "cannot receive signals");
 }
 
-// A blocked signal arrives at a descriptor even where it is ignored.
+// A blocked signal reaches a descriptor even if it is ignored.
 bool Ignored(int signal) {
   struct sigaction now {};
   return sigaction(signal, nullptr, &now) == 0 && now.sa_handler == SIG_IGN;
@@ -60,26 +64,47 @@ class SignalDescriptor {
 
 }  // namespace
 
-StopSignalBlock::StopSignalBlock() : signals_(StopSet()) {
+InterruptFlag::InterruptFlag() {
+  raised = 0;
+  struct sigaction raise {};
+  raise.sa_handler = RaiseFlag;
+  raise.sa_flags = SA_RESTART;
+  for (std::size_t i = 0; i < kSignals.size(); ++i) {
+    sigaction(kSignals.at(i), nullptr, &before_.at(i));
+    if (kSignals.at(i) != SIGHUP || before_.at(i).sa_handler != SIG_IGN) {
+      sigaction(kSignals.at(i), &raise, nullptr);
+    }
+  }
+}
+
+InterruptFlag::~InterruptFlag() {
+  for (std::size_t i = 0; i < kSignals.size(); ++i) {
+    sigaction(kSignals.at(i), &before_.at(i), nullptr);
+  }
+}
+
+bool InterruptFlag::Raised() const { return raised != 0; }
+
+SignalBlock::SignalBlock() : signals_(StopSet()) {
   if (const int error = pthread_sigmask(SIG_BLOCK, &signals_, &before_); error != 0) {
     Refuse(error);
   }
 }
 
-StopSignalBlock::~StopSignalBlock() {
+SignalBlock::~SignalBlock() {
   const timespec at_once{};
   while (sigtimedwait(&signals_, nullptr, &at_once) > 0) {
   }
   pthread_sigmask(SIG_SETMASK, &before_, nullptr);
 }
 
-struct StopSignals::Handling {
-  StopSignalBlock block;
+struct SignalHandler::Handling {
+  SignalBlock block;
   SignalDescriptor descriptor{block.Signals()};
   QSocketNotifier notifier{descriptor.Get(), QSocketNotifier::Read};
 };
 
-StopSignals::StopSignals(std::function<void()> stop) : handling_(std::make_unique<Handling>()) {
+SignalHandler::SignalHandler(std::function<void()> stop) : handling_(std::make_unique<Handling>()) {
   QObject::connect(&handling_->notifier, &QSocketNotifier::activated,
                    [this, stop = std::move(stop)] {
                      handling_->descriptor.Take();
@@ -87,6 +112,6 @@ StopSignals::StopSignals(std::function<void()> stop) : handling_(std::make_uniqu
                    });
 }
 
-StopSignals::~StopSignals() = default;
+SignalHandler::~SignalHandler() = default;
 
 }  // namespace vrx

@@ -1,4 +1,4 @@
-#include "adapters/stop_signals.h"
+#include "adapters/signals.h"
 
 #include <csignal>
 #include <thread>
@@ -18,10 +18,34 @@ bool LetThrough(int signal) {
   return sigismember(&mask, signal) == 0;
 }
 
-TEST(StopSignals, EachOfThemEndsAWait) {
+TEST(InterruptFlag, IsRaisedByASignalInsteadOfTheEnd) {
+  for (const int signal : {SIGINT, SIGTERM, SIGHUP}) {
+    const InterruptFlag flag;
+    EXPECT_FALSE(flag.Raised());
+    std::raise(signal);
+    EXPECT_TRUE(flag.Raised());
+  }
+}
+
+TEST(InterruptFlag, LeavesTheSignalsAsTheyWereBefore) {
+  { const InterruptFlag flag; }
+  EXPECT_EXIT(std::raise(SIGTERM), ::testing::KilledBySignal(SIGTERM), "");
+}
+
+TEST(InterruptFlag, AHangUpThatTheStarterIgnoresStaysIgnored) {
+  const auto before = std::signal(SIGHUP, SIG_IGN);
+  {
+    const InterruptFlag flag;
+    std::raise(SIGHUP);
+    EXPECT_FALSE(flag.Raised());
+  }
+  EXPECT_EQ(std::signal(SIGHUP, before), SIG_IGN);
+}
+
+TEST(SignalHandler, EachOfThemEndsAWait) {
   for (const int signal : {SIGINT, SIGTERM, SIGHUP}) {
     QtEventPump pump;
-    const StopSignals stop([&pump] { pump.Close(); });
+    const SignalHandler stop([&pump] { pump.Close(); });
     const auto ticker = pump.StartTicker(Milliseconds{10}, [signal] { std::raise(signal); });
     const Milliseconds end = pump.Now() + kPatience;
     while (!pump.Closing() && pump.Now() < end) {
@@ -31,10 +55,10 @@ TEST(StopSignals, EachOfThemEndsAWait) {
   }
 }
 
-TEST(StopSignals, ArriveInsideAWaitOnly) {
+TEST(SignalHandler, ArriveInsideAWaitOnly) {
   int stops = 0;
   QtEventPump pump;
-  const StopSignals stop([&stops] { ++stops; });
+  const SignalHandler stop([&stops] { ++stops; });
   std::raise(SIGTERM);
   std::raise(SIGINT);
   std::raise(SIGHUP);
@@ -43,9 +67,9 @@ TEST(StopSignals, ArriveInsideAWaitOnly) {
   EXPECT_EQ(stops, 1);
 }
 
-TEST(StopSignals, OneThatNobodyTookDoesNoHarmLater) {
+TEST(SignalHandler, AnUnhandledOneIsDropped) {
   {
-    const StopSignals stop([] {});
+    const SignalHandler stop([] {});
     std::raise(SIGTERM);
   }
   EXPECT_TRUE(LetThrough(SIGTERM));
@@ -53,12 +77,12 @@ TEST(StopSignals, OneThatNobodyTookDoesNoHarmLater) {
   EXPECT_TRUE(LetThrough(SIGHUP));
 }
 
-TEST(StopSignals, AHangUpThatTheStarterIgnoresStaysIgnored) {
+TEST(SignalHandler, AHangUpThatTheStarterIgnoresStaysIgnored) {
   const auto before = std::signal(SIGHUP, SIG_IGN);
   int stops = 0;
   {
     QtEventPump pump;
-    const StopSignals stop([&stops] { ++stops; });
+    const SignalHandler stop([&stops] { ++stops; });
     std::raise(SIGHUP);
     std::raise(SIGTERM);
     pump.Pump(kPatience);
@@ -69,8 +93,8 @@ TEST(StopSignals, AHangUpThatTheStarterIgnoresStaysIgnored) {
   std::signal(SIGHUP, before);
 }
 
-TEST(StopSignalBlock, KeepsTheSignalsFromThreadsThatAreStartedLater) {
-  const StopSignalBlock block;
+TEST(SignalBlock, KeepsTheSignalsFromThreadsThatAreStartedLater) {
+  const SignalBlock block;
   bool let_through = true;
   std::thread([&] {
     let_through = LetThrough(SIGINT) || LetThrough(SIGTERM) || LetThrough(SIGHUP);
