@@ -9,18 +9,17 @@
 #include <utility>
 
 namespace vrx {
-
 namespace {
 
-// What a QTimer can hold. A longer wait returns early, as any wait may.
+// Within the range of a QTimer. A longer wait returns early, as any wait may.
 constexpr Milliseconds kLongestWait = std::chrono::hours{24};
 
-class Deeper {
+class DepthScope {
  public:
-  explicit Deeper(int& depth) : depth_(depth) { ++depth_; }
-  ~Deeper() { --depth_; }
-  Deeper(const Deeper&) = delete;
-  Deeper& operator=(const Deeper&) = delete;
+  explicit DepthScope(int& depth) : depth_(depth) { ++depth_; }
+  ~DepthScope() { --depth_; }
+  DepthScope(const DepthScope&) = delete;
+  DepthScope& operator=(const DepthScope&) = delete;
 
  private:
   int& depth_;
@@ -45,7 +44,7 @@ Milliseconds QtEventPump::Now() const {
 }
 
 void QtEventPump::Pump(Milliseconds limit) {
-  const Deeper deeper(depth_);
+  const DepthScope depth_scope(depth_);
   QEventLoop loop;
   if (loop.processEvents() || limit <= Milliseconds{0}) {
     return;
