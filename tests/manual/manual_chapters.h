@@ -1,28 +1,35 @@
 #pragma once
 
-#include <algorithm>
-#include <filesystem>
 #include <string>
 #include <vector>
 
 #include "make_manual/manual_text.h"
-#include "support/temp_folder.h"
 
 namespace vrx::testing {
 
 // The chapters of the manual in their order, as the manual is made of them.
-inline std::vector<manual::Chapter> ManualChapters() {
-  std::vector<std::filesystem::path> files;
-  for (const auto& entry : std::filesystem::directory_iterator(VRX_SOURCE_DIR "/docs/manual")) {
-    files.push_back(entry.path());
-  }
-  std::sort(files.begin(), files.end());
-  std::vector<manual::Chapter> chapters;
-  chapters.reserve(files.size());
-  for (const std::filesystem::path& file : files) {
-    chapters.push_back(manual::ParseChapter(file.filename().string(), ReadAll(file)));
-  }
-  return chapters;
-}
+std::vector<manual::Chapter> ManualChapters();
+
+// A part of a text in one style, outside of quotations or in one of them; empty for a line break.
+struct Span {
+  manual::SpanStyle style = manual::SpanStyle::kPlain;
+  std::string text;
+  int quote = 0;       // the number of the quotation it belongs to, from 1; 0 outside of any
+  std::string target;  // of a link: the chapter's file
+};
+using Spans = std::vector<Span>;
+
+// By the character formats; of a figure its caption.
+Spans SpansOf(const QTextBlock& block);
+
+// Of all blocks and cells but lines of code.
+std::vector<Spans> TextsOf(const manual::Chapter& chapter);
+
+// The blocks of one kind; cells of tables are paragraphs.
+std::vector<QTextBlock> BlocksOf(const manual::Chapter& chapter, manual::BlockKind kind);
+
+// The cells of a table, row by row, with the heading.
+using Rows = std::vector<std::vector<Spans>>;
+std::vector<Rows> TablesOf(const manual::Chapter& chapter);
 
 }  // namespace vrx::testing

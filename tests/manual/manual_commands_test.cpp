@@ -17,11 +17,8 @@
 namespace vrx::testing {
 namespace {
 
-using manual::Block;
 using manual::BlockKind;
 using manual::Chapter;
-using manual::Span;
-using manual::Spans;
 using manual::SpanStyle;
 using ::testing::IsEmpty;
 
@@ -128,11 +125,11 @@ std::string CodeOfTheReadme() {
 std::string CodeOfTheManual() {
   std::string code;
   for (const Chapter& chapter : ManualChapters()) {
-    for (const Block& block : chapter.blocks) {
-      code += block.kind == BlockKind::kCode ? block.text + "\n" : "";
+    for (const QTextBlock& line : BlocksOf(chapter, BlockKind::kCode)) {
+      code += line.text().toStdString() + "\n";
     }
-    for (const Spans* const spans : manual::TextsOf(chapter)) {
-      for (const Span& span : *spans) {
+    for (const Spans& spans : TextsOf(chapter)) {
+      for (const Span& span : spans) {
         code += span.style == SpanStyle::kCode ? span.text + "\n" : "";
       }
     }

@@ -16,8 +16,6 @@ namespace vrx::testing {
 namespace {
 
 using manual::Chapter;
-using manual::Span;
-using manual::Spans;
 using manual::SpanStyle;
 using ::testing::Contains;
 using ::testing::ElementsAre;
@@ -27,8 +25,8 @@ using ::testing::IsEmpty;
 std::string WordsOfTheManual() {
   std::string words;
   for (const Chapter& chapter : ManualChapters()) {
-    for (const Spans* const spans : manual::TextsOf(chapter)) {
-      for (const Span& span : *spans) {
+    for (const Spans& spans : TextsOf(chapter)) {
+      for (const Span& span : spans) {
         const bool told = span.style == SpanStyle::kCaption ||
                           (span.quote > 0 && span.style == SpanStyle::kPlain);
         words += told ? OneLine(span.text) : "\n";

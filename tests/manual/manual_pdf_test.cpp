@@ -17,7 +17,6 @@
 namespace vrx::testing {
 namespace {
 
-using manual::Block;
 using manual::BlockKind;
 using manual::Chapter;
 using ::testing::EndsWith;
@@ -76,13 +75,12 @@ std::vector<Heading> Headings() {
   int number = 0;
   for (const Chapter& chapter : ManualChapters()) {
     const std::string chapter_number = std::to_string(++number);
-    headings.push_back({chapter_number + " " + chapter.title, true});
+    const QString title = chapter.document->begin().text();
+    headings.push_back({chapter_number + " " + title.toStdString(), true});
     int section = 0;
-    for (const Block& block : chapter.blocks) {
-      if (block.kind == BlockKind::kSection) {
-        headings.push_back(
-            {chapter_number + "." + std::to_string(++section) + " " + block.spans.at(0).text});
-      }
+    for (const QTextBlock& block : BlocksOf(chapter, BlockKind::kSection)) {
+      headings.push_back(
+          {chapter_number + "." + std::to_string(++section) + " " + block.text().toStdString()});
     }
   }
   return headings;
@@ -146,11 +144,9 @@ TEST(ManualPdf, HasEveryFigureWithItsCaption) {
   }
   int figures = 0;
   for (const Chapter& chapter : ManualChapters()) {
-    for (const Block& block : chapter.blocks) {
-      if (block.kind == BlockKind::kFigure) {
-        EXPECT_THAT(all, HasSubstr("\nFigure " + std::to_string(++figures) + ". " +
-                                   block.spans.at(0).text + "\n"));
-      }
+    for (const QTextBlock& block : BlocksOf(chapter, BlockKind::kFigure)) {
+      EXPECT_THAT(all, HasSubstr("\nFigure " + std::to_string(++figures) + ". " +
+                                 SpansOf(block).at(0).text + "\n"));
     }
   }
   const Result images = RunTool({"pdfimages", "-list", kManual});
@@ -226,7 +222,7 @@ TEST_F(ManualSource, IsRefusedForCharactersThatWouldBeBoxes) {
 
 TEST_F(ManualSource, IsRefusedForAMarkThatIsNotClosed) {
   EXPECT_THAT(FailureOf("# One\n\nPress **Update\n"),
-              HasSubstr("make_manual: 01-one.md:3: \"**\" is missing"));
+              HasSubstr("make_manual: 01-one.md:3: a mark is not closed: **Update"));
 }
 
 TEST_F(ManualSource, IsRefusedWithoutAFont) {

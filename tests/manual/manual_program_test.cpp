@@ -20,11 +20,7 @@
 namespace vrx::testing {
 namespace {
 
-using manual::Block;
-using manual::BlockKind;
 using manual::Chapter;
-using manual::Span;
-using manual::Spans;
 using manual::SpanStyle;
 
 const ProgramTexts& Texts() {
@@ -35,8 +31,8 @@ const ProgramTexts& Texts() {
 // Each text of each chapter, with the chapter's file for the message.
 void ForEachText(const std::function<void(const std::string& file, const Spans& spans)>& take) {
   for (const Chapter& chapter : ManualChapters()) {
-    for (const Spans* const spans : manual::TextsOf(chapter)) {
-      take(chapter.file, *spans);
+    for (const Spans& spans : TextsOf(chapter)) {
+      take(chapter.file, spans);
     }
   }
 }
@@ -173,23 +169,20 @@ TEST(Manual, QuotesOnlyWordsOfTheProgram) {
 }
 
 TEST(Manual, BeginsEveryRowOfItsMessagesWithWordsOfTheProgram) {
-  const Chapter messages = ManualChapters().back();
-  int rows = 0;
-  for (const Block& block : messages.blocks) {
-    if (block.kind != BlockKind::kTable) {
-      continue;
-    }
-    // Notes need nothing done, so they tell of nothing to do.
-    const bool notes = block.rows.at(0).at(0).at(0).text == "Note";
-    EXPECT_EQ(block.rows.at(0).size(), notes ? 2U : 3U) << "line " << block.line;
-    for (std::size_t i = 1; i < block.rows.size(); ++i, ++rows) {
-      for (const Span& span : block.rows[i].at(0)) {
-        EXPECT_TRUE(span.quote > 0 || span.style == SpanStyle::kLineBreak || span.text == ",")
+  const std::vector<Chapter> chapters = ManualChapters();
+  int count = 0;
+  for (const Rows& rows : TablesOf(chapters.back())) {
+    // Notes need nothing done, so they have no column for it.
+    const bool notes = rows.at(0).at(0).at(0).text == "Note";
+    EXPECT_EQ(rows.at(0).size(), notes ? 2U : 3U) << rows.at(1).at(0).at(0).text;
+    for (std::size_t i = 1; i < rows.size(); ++i, ++count) {
+      for (const Span& span : rows[i].at(0)) {
+        EXPECT_TRUE(span.quote > 0 || span.text.empty() || span.text == ",")
             << span.text << " is no quotation";
       }
     }
   }
-  EXPECT_GT(rows, 0);
+  EXPECT_GT(count, 0);
 }
 
 // Of the machine, not of the program.

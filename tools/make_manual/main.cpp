@@ -58,19 +58,18 @@ std::vector<Chapter> ReadChapters(const fs::path& folder) {
 
 // Only the figures that the chapters show; setting them finds the ones that do not exist.
 Pictures GrabFigures(const std::vector<Chapter>& chapters, const fs::path& program_directory) {
-  std::set<std::string, std::less<>> wanted;
+  std::set<QString> wanted;
   for (const Chapter& chapter : chapters) {
-    for (const Block& block : chapter.blocks) {
-      if (block.kind == BlockKind::kFigure) {
-        wanted.insert(block.text);
-      }
+    for (QTextBlock block = chapter.document->begin(); block.isValid(); block = block.next()) {
+      wanted.insert(FigureIn(block).name());
     }
   }
   SampleProgram program(program_directory);
   Pictures pictures;
   for (const Figure& figure : Figures()) {
-    if (wanted.contains(figure.name)) {
-      pictures.emplace(figure.name, figure.grab(program));
+    const QString name = "screen:" + vrx::ToQString(figure.name);
+    if (wanted.contains(name)) {
+      pictures.emplace(name, figure.grab(program));
     }
   }
   return pictures;

@@ -1,12 +1,14 @@
 #include "make_manual/manual_pdf.h"
 
+#include <QAbstractTextDocumentLayout>
 #include <QBuffer>
 #include <QPainter>
 #include <QPdfWriter>
 #include <QSvgRenderer>
+#include <algorithm>
 #include <utility>
 
-#include "base/error.h"
+#include "frame/error.h"
 #include "make_manual/manual_style.h"
 #include "make_manual/pages.h"
 
@@ -14,145 +16,100 @@ namespace vrx::manual {
 namespace {
 
 const QString kManualTitle = QStringLiteral("User\u2019s Manual");
-const QString kContents = QStringLiteral("Contents");
-
-Spans PlainSpans(const QString& text) { return {{SpanStyle::kPlain, text.toStdString(), 0, {}}}; }
-
-struct SetChapter {
-  std::vector<Page> pages;
-  int first_page = 0;
-};
-
-struct ContentsLine {
-  QString text;
-  int page = 0;
-  bool chapter = false;
-};
-
-Drawing ContentsDrawing(const ContentsLine& line, const TextStyle& style) {
-  constexpr double kSectionIndent = Points(16);
-  constexpr double kNumberWidth = Points(30);
-  const double indent = line.chapter ? 0 : kSectionIndent;
-  const double width = kTextWidth - indent - kNumberWidth;
-  const TextBox text(PlainSpans(line.text), style, width, {});
-  return [=](QPainter& painter, QPointF at) {
-    text.DrawLine(painter, at + QPointF(indent, 0), 0);
-    const TextBox number(PlainSpans(QString::number(line.page)), style, kNumberWidth, {});
-    number.DrawLine(painter, at + QPointF(kTextWidth - number.Width(), 0), 0);
-  };
-}
-
-std::vector<Box> ContentsBoxes(const std::vector<ContentsLine>& lines) {
-  std::vector<Box> boxes;
-  const TextBox head(PlainSpans(kContents), kChapterText, kTextWidth, {});
-  boxes.push_back({.height = head.Height() + Points(8),
-                   .keeps_next = true,
-                   .draw = [head](QPainter& painter, QPointF at) { head.Draw(painter, at); }});
-  for (const ContentsLine& line : lines) {
-    const TextStyle style{.bold = line.chapter};
-    boxes.push_back({.before = line.chapter ? Points(5) : 0,
-                     .height = Points(style.leading),
-                     .keeps_next = line.chapter,
-                     .draw = ContentsDrawing(line, style)});
-  }
-  boxes.back().keeps_next = false;
-  return boxes;
-}
+constexpr int kFirstPage = 2;  // below the cover
 
 class Manual {
  public:
-  Manual(const std::vector<Chapter>& chapters, const Pictures& pictures, const Cover& cover)
-      : chapters_(chapters), pictures_(pictures), cover_(cover) {}
-
-  // The numbers in the links are not known until the chapters are set; they seldom change a line.
-  void Set() {
-    constexpr int kPasses = 4;
-    for (int pass = 0; pass < kPasses; ++pass) {
-      const ChapterPages before = chapter_pages_;
-      SetOnce();
-      if (chapter_pages_ == before) {
-        return;
-      }
-    }
-    throw Error("the page numbers of the links do not settle");
-  }
-
-  QByteArray Write() const {
-    QByteArray bytes;
-    QBuffer buffer(&bytes);
-    buffer.open(QIODevice::WriteOnly);
-    QPdfWriter writer(&buffer);
+  Manual(const Cover& cover, QPdfWriter& writer) : cover_(cover), writer_(writer) {
     writer.setResolution(kDotsPerInch);
     writer.setPageSize(QPageSize(QPageSize::A4));
     writer.setPageMargins({0, 0, 0, 0});
-    writer.setTitle(cover_.product + QStringLiteral(" - ") + kManualTitle);
-    writer.setCreator(cover_.product + u' ' + cover_.version);
+    writer.setTitle(cover.product + QStringLiteral(" - ") + kManualTitle);
+    writer.setCreator(cover.product + u' ' + cover.version);
+  }
+
+  // The page numbers are not known until the text is set, and they change its length.
+  void Set(const std::vector<Chapter>& chapters, const Pictures& pictures) {
+    constexpr int kPasses = 5;
+    for (int pass = 0; pass < kPasses; ++pass) {
+      document_ = Typeset(chapters, pictures, contents_, writer_);
+      boxes_ = BoxesOf(*document_);
+      pages_ = BreakPages(boxes_, kTextHeight);
+      if (std::exchange(contents_, ContentsLines()) == contents_) {
+        return;
+      }
+    }
+    throw Error("the page numbers do not settle");
+  }
+
+  void Draw() {
     QPainter painter;
-    if (!painter.begin(&writer)) {
+    if (!painter.begin(&writer_)) {
       throw Error("cannot write a PDF");
     }
     painter.setRenderHint(QPainter::LosslessImageRendering);
-    Draw(painter, writer);
+    DrawCover(painter);
+    QString chapter;
+    int number = kFirstPage;
+    for (const Page& page : pages_) {
+      writer_.newPage();
+      const Box& first = boxes_[page.first];
+      DrawFrame(painter, number++, first.starts_page ? QString() : chapter);
+      DrawPage(painter, page);
+      chapter = first.starts_page ? first.heading.section(u' ', 2) : chapter;
+    }
     if (!painter.end()) {
       throw Error("cannot end the PDF");
     }
-    return bytes;
   }
 
  private:
-  void SetOnce() {
-    set_.clear();
-    int figures = 0;
-    for (std::size_t i = 0; i < chapters_.size(); ++i) {
-      const auto boxes =
-          BoxesOf(chapters_[i], static_cast<int>(i) + 1, pictures_, chapter_pages_, figures);
-      set_.push_back({BreakPages(boxes, kTextHeight), 0});
-    }
-    // How many pages the contents take does not depend on the numbers in them.
-    contents_ = BreakPages(ContentsBoxes(ContentsLines()), kTextHeight);
-    int page = 2 + static_cast<int>(contents_.size());
-    for (std::size_t i = 0; i < set_.size(); ++i) {
-      set_[i].first_page = page;
-      chapter_pages_[chapters_[i].file] = page;
-      page += static_cast<int>(set_[i].pages.size());
-    }
-    page_count_ = page - 1;
-    contents_ = BreakPages(ContentsBoxes(ContentsLines()), kTextHeight);
-  }
-
   std::vector<ContentsLine> ContentsLines() const {
     std::vector<ContentsLine> lines;
-    for (std::size_t i = 0; i < set_.size(); ++i) {
-      for (std::size_t page = 0; page < set_[i].pages.size(); ++page) {
-        for (const int heading : set_[i].pages[page].headings) {
-          lines.push_back({HeadingText(chapters_[i], static_cast<int>(i) + 1, heading),
-                           set_[i].first_page + static_cast<int>(page), heading == 0});
+    int number = kFirstPage;
+    for (const Page& page : pages_) {
+      for (std::size_t i = page.first; i < page.end; ++i) {
+        if (!boxes_[i].heading.isEmpty()) {
+          lines.push_back({boxes_[i].heading, number, boxes_[i].starts_page});
         }
       }
+      ++number;
     }
     return lines;
   }
 
-  void Draw(QPainter& painter, QPdfWriter& writer) const {
-    DrawCover(painter);
-    int number = 1;
-    const auto draw_page = [&](const Page& page, const QString& head) {
-      writer.newPage();
-      ++number;
-      DrawFrame(painter, number, head);
-      for (const PlacedDrawing& placed : page.drawings) {
-        placed.draw(painter, {kSideMargin, kTopMargin + placed.top});
-      }
-    };
-    for (const Page& page : contents_) {
-      draw_page(page, {});
+  void DrawPage(QPainter& painter, const Page& page) const {
+    if (const auto head = boxes_[page.first].head) {
+      DrawBox(painter, boxes_[*head], kTopMargin);
     }
-    for (std::size_t i = 0; i < set_.size(); ++i) {
-      for (const Page& page : set_[i].pages) {
-        const bool first = &page == &set_[i].pages.front();
-        draw_page(page, first ? QString() : QString::fromStdString(chapters_[i].title));
-      }
+    for (std::size_t i = page.first; i < page.end; ++i) {
+      DrawBox(painter, boxes_[i], kTopMargin + PlaceOnPage(boxes_, page.first, i));
     }
+  }
+
+  void DrawBox(QPainter& painter, const Box& box, double top) const {
+    const QRectF place(kSideMargin, top, box.width, box.bottom - box.top);
+    if (box.decoration == Decoration::kShaded) {
+      painter.fillRect(place, kShade);
+    } else if (box.decoration == Decoration::kRuled) {
+      DrawRule(painter, place.bottom());
+    }
+    QAbstractTextDocumentLayout::PaintContext context;
+    context.clip = place.translated(-kSideMargin, box.top - top);
+    painter.save();
+    painter.translate(kSideMargin, top - box.top);
+    painter.setClipRect(context.clip);
+    document_->documentLayout()->draw(&painter, context);
+    painter.restore();
+    if (box.decoration == Decoration::kFramed) {
+      painter.setPen(QPen(kRule, Points(0.5)));
+      painter.drawRect(place);
+    }
+  }
+
+  static void DrawRule(QPainter& painter, double top) {
+    painter.setPen(QPen(kRule, Points(0.5)));
+    painter.drawLine(QPointF(kSideMargin, top), QPointF(kSideMargin + kTextWidth, top));
   }
 
   void DrawCover(QPainter& painter) const {
@@ -165,9 +122,7 @@ class Manual {
     logo.render(&painter, QRectF(kSideMargin, kTop, kLogoSize, kLogoSize));
     double top = kTop + kLogoSize + Millimetres(14);
     const auto line = [&](const QString& text, const TextStyle& style) {
-      const TextBox box(PlainSpans(text), style, kTextWidth, {});
-      box.Draw(painter, {kSideMargin, top});
-      top += box.Height();
+      top += DrawText(painter, top, text, style);
     };
     line(cover_.product, kTitleText);
     line(kManualTitle, kChapterText);
@@ -177,39 +132,50 @@ class Manual {
     line(cover_.copyright, kBodyText);
   }
 
+  // Returns its height.
+  static double DrawText(QPainter& painter, double top, const QString& text, const TextStyle& style,
+                         Qt::Alignment side = Qt::AlignLeft) {
+    painter.setFont(FontOf(style));
+    painter.setPen(style.ink);
+    QRectF place;
+    painter.drawText(QRectF(kSideMargin, top, kTextWidth, kTextHeight),
+                     static_cast<int>(side | Qt::TextWordWrap), text, &place);
+    return std::max(place.height(), Points(style.leading));
+  }
+
   // The head and the foot that all pages but the cover have.
   void DrawFrame(QPainter& painter, int number, const QString& head) const {
     constexpr double kHeadTop = Millimetres(12);
     constexpr double kFootTop = kPageHeight - Millimetres(16);
-    const auto text = [&](double top, bool right, const QString& words) {
-      const TextBox box(PlainSpans(words), kRunningText, kTextWidth, {});
-      const double indent = right ? kTextWidth - box.Width() : 0;
-      box.Draw(painter, {kSideMargin + indent, top});
-    };
-    text(kHeadTop, false, head);
-    text(kFootTop, false, cover_.product);
-    text(kFootTop, true, QStringLiteral("Page %1 of %2").arg(number).arg(page_count_));
-    painter.setPen(QPen(kRule, Points(0.5)));
+    DrawText(painter, kHeadTop, head, kRunningText);
+    DrawText(painter, kFootTop, cover_.product, kRunningText);
+    DrawText(painter, kFootTop,
+             QStringLiteral("Page %1 of %2").arg(number).arg(kFirstPage - 1 + pages_.size()),
+             kRunningText, Qt::AlignRight);
     const double rule = kFootTop - Millimetres(2);
-    painter.drawLine(QPointF(kSideMargin, rule), QPointF(kSideMargin + kTextWidth, rule));
+    DrawRule(painter, rule);
   }
 
-  const std::vector<Chapter>& chapters_;
-  const Pictures& pictures_;
   const Cover& cover_;
-  std::vector<SetChapter> set_;
-  std::vector<Page> contents_;
-  ChapterPages chapter_pages_;
-  int page_count_ = 0;
+  QPdfWriter& writer_;
+  std::unique_ptr<QTextDocument> document_;
+  std::vector<Box> boxes_;
+  std::vector<Page> pages_;
+  std::vector<ContentsLine> contents_;
 };
 
 }  // namespace
 
 QByteArray WriteManual(const std::vector<Chapter>& chapters, const Pictures& pictures,
                        const Cover& cover) {
-  Manual manual(chapters, pictures, cover);
-  manual.Set();
-  return manual.Write();
+  QByteArray bytes;
+  QBuffer buffer(&bytes);
+  buffer.open(QIODevice::WriteOnly);
+  QPdfWriter writer(&buffer);
+  Manual manual(cover, writer);
+  manual.Set(chapters, pictures);
+  manual.Draw();
+  return bytes;
 }
 
 }  // namespace vrx::manual

@@ -4,8 +4,7 @@
 #include <QString>
 #include <vector>
 
-#include "make_manual/boxes.h"
-#include "make_manual/manual_text.h"
+#include "make_manual/typeset.h"
 
 namespace vrx::manual {
 
@@ -17,7 +16,7 @@ struct Cover {
 };
 
 // The manual as a PDF of A4 pages: cover, table of contents, chapters, each on a new page. The same
-// bytes each time, but for the date and the identifiers that the writer puts in. Throws Error.
+// bytes each time, except the date and the identifiers that the writer puts in. Throws Error.
 QByteArray WriteManual(const std::vector<Chapter>& chapters, const Pictures& pictures,
                        const Cover& cover);
 

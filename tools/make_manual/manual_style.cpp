@@ -32,11 +32,11 @@ void RequireFont(const TextStyle& style, const QString& text) {
 
 QFont FontOf(const TextStyle& style) {
   QFont font(style.fixed ? kFixed : kProportional);
-  font.setPixelSize(static_cast<int>(Points(style.size)));
+  font.setPointSizeF(style.size);
   font.setBold(style.bold);
   font.setHintingPreference(QFont::PreferNoHinting);
   // Too little to be seen, but spaced letters are not joined: a search for "file" finds it.
-  font.setLetterSpacing(QFont::AbsoluteSpacing, 1);
+  font.setLetterSpacing(QFont::AbsoluteSpacing, FormatDots(1));
   return font;
 }
 

@@ -6,200 +6,202 @@
 
 #include "base/error.h"
 #include "make_manual/span_parser.h"
+#include <QRegularExpression>
+#include <QTextCursor>
+#include <QTextFrame>
+#include <QTextLayout>
+#include <QTextList>
+#include <QTextTable>
 
 namespace vrx::manual {
 namespace {
 
-constexpr std::string_view kBlanks = " \t\r";
+bool IsCodeLine(const QString& line) { return line.startsWith(QStringLiteral("    ")); }
 
-std::string_view Trim(std::string_view text) {
-  const auto first = text.find_first_not_of(kBlanks);
-  if (first == std::string_view::npos) {
-    return {};
-  }
-  return text.substr(first, text.find_last_not_of(kBlanks) - first + 1);
-}
-
-// The cells of "| a | b |"; an escaped bar and one in code belong to the cell.
-std::vector<std::string> CellsOf(std::string_view line) {
-  std::vector<std::string> cells;
-  std::string cell;
-  bool code = false;
-  line.remove_prefix(1);
-  for (std::size_t i = 0; i < line.size(); ++i) {
-    if (line[i] == '`') {
-      code = !code;
+// Refuses what Markdown accepts but the manual does not have; Markdown also drops or adds cells
+// where a row has too many or too few.
+void CheckLines(Chapter& chapter) {
+  static const QRegularExpression figure(QStringLiteral(R"(^!\[[^\]]+\]\(screen:[^)]+\)$)"));
+  static const QRegularExpression only_marks(QStringLiteral(R"(^([*_=-]\s*){3,}$)"));
+  static const QRegularExpression bar(QStringLiteral(R"((?<!\\)\|)"));
+  static const QRegularExpression bar_in_code(QStringLiteral(R"(`[^`]*\\\|[^`]*`)"));
+  bool titled = false;
+  int rows = 0;  // of the table so far
+  qsizetype columns = 0;
+  int number = 0;
+  const auto refuse_if = [&](bool wrong, const std::string& what) {
+    if (wrong) {
+      throw Error(chapter.file + ":" + std::to_string(number) + ": " + what);
     }
-    if (line[i] == '|' && !code && (i == 0 || line[i - 1] != '\\')) {
-      cells.emplace_back(Trim(cell));
-      cell.clear();
-    } else {
-      cell += line[i];
+  };
+  for (const QString& untrimmed : chapter.source.split(u'\n')) {
+    ++number;
+    const QString line = untrimmed.trimmed();
+    rows = line.startsWith(u'|') ? rows + 1 : 0;
+    if (IsCodeLine(untrimmed) || line.isEmpty()) {
+      continue;
     }
-  }
-  if (!Trim(cell).empty()) {
-    throw Error("the row does not end in a bar");
-  }
-  return cells;
-}
-
-// "3. text" is 3 and "text".
-std::optional<std::pair<int, std::string_view>> NumberedItem(std::string_view line) {
-  const auto digits = line.find_first_not_of("0123456789");
-  constexpr std::size_t kMaxDigits = 3;
-  if (digits == 0 || digits > kMaxDigits || line.substr(digits, 2) != ". ") {
-    return std::nullopt;
-  }
-  return std::pair{std::stoi(std::string(line.substr(0, digits))), line.substr(digits + 2)};
-}
-
-class ChapterParser {
- public:
-  ChapterParser(std::string_view file, std::string_view text) : text_(std::string(text)) {
-    chapter_.file = file;
-  }
-
-  Chapter Run() {
-    try {
-      for (std::string line; std::getline(text_, line);) {
-        ++line_;
-        Take(line);
-      }
-      EndText();
-      if (chapter_.title.empty()) {
-        throw Error("the chapter has no title");
-      }
-    } catch (const Error& error) {
-      throw Error(chapter_.file + ":" + std::to_string(line_) + ": " + error.what());
-    }
-    return std::move(chapter_);
-  }
-
- private:
-  void Take(std::string_view line) {
-    const std::string_view trimmed = Trim(line);
-    if (trimmed.empty()) {
-      EndText();
-    } else if (line.starts_with("    ") && open_text_.empty()) {
-      TakeCode(line.substr(4));
-    } else if (trimmed.starts_with("# ")) {
-      TakeTitle(trimmed.substr(2));
-    } else if (trimmed.starts_with("## ")) {
-      Begin(BlockKind::kSection, trimmed.substr(3));
-      EndText();
-    } else if (trimmed.starts_with("|")) {
-      TakeRow(trimmed);
-    } else if (trimmed.starts_with("![")) {
-      TakeFigure(trimmed);
-    } else if (trimmed.starts_with("- ")) {
-      Begin(BlockKind::kBullet, trimmed.substr(2));
-    } else if (const auto item = NumberedItem(trimmed)) {
-      Begin(BlockKind::kNumbered, item->second).number = item->first;
-    } else if (open_text_.empty()) {
-      Begin(BlockKind::kParagraph, trimmed);
-    } else {
-      open_text_.append(" ").append(trimmed);
-    }
-  }
-
-  Block& Begin(BlockKind kind, std::string_view text) {
-    EndText();
-    if (chapter_.title.empty()) {
-      throw Error("a chapter begins with its title");
-    }
-    open_text_ = text;
-    Block& block = chapter_.blocks.emplace_back();
-    block.kind = kind;
-    block.line = line_;
-    return block;
-  }
-
-  void EndText() {
-    if (!open_text_.empty()) {
-      chapter_.blocks.back().spans = ParseSpans(open_text_);
-      open_text_.clear();
-    }
-    rows_open_ = false;
-  }
-
-  void TakeTitle(std::string_view title) {
-    if (!chapter_.title.empty()) {
-      throw Error("a chapter has one title");
-    }
-    chapter_.title = title;
-  }
-
-  void TakeCode(std::string_view line) {
-    if (chapter_.blocks.empty() || chapter_.blocks.back().kind != BlockKind::kCode) {
-      Begin(BlockKind::kCode, {});
-    } else {
-      chapter_.blocks.back().text += '\n';
-    }
-    chapter_.blocks.back().text += line;
-  }
-
-  void TakeFigure(std::string_view line) {
-    constexpr std::string_view kMiddle = "](screen:";
-    const auto middle = line.find(kMiddle);
-    if (middle == std::string_view::npos || !line.ends_with(")")) {
-      throw Error("a figure reads ![CAPTION](screen:NAME)");
-    }
-    Block& block = Begin(BlockKind::kFigure, line.substr(2, middle - 2));
-    block.text = line.substr(middle + kMiddle.size());
-    block.text.pop_back();
-    EndText();
-  }
-
-  void TakeRow(std::string_view line) {
-    if (!rows_open_) {
-      Begin(BlockKind::kTable, {});
-      rows_open_ = true;
-    }
-    Block& table = chapter_.blocks.back();
-    const std::vector<std::string> cells = CellsOf(line);
-    if (table.rows.size() == 1 && table.widths.empty()) {
-      for (const std::string& dashes : cells) {
-        if (dashes.find_first_not_of('-') != std::string::npos) {
-          throw Error("the heading of a table stands above a row of dashes");
+    const bool title = line.startsWith(QStringLiteral("# "));
+    refuse_if(title && titled, "a chapter has one title");
+    refuse_if(!title && !titled, "a chapter begins with its title");
+    titled = true;
+    refuse_if(line.startsWith(QStringLiteral("![")) && !figure.match(line).hasMatch(),
+              "a figure reads ![CAPTION](screen:NAME)");
+    refuse_if(only_marks.match(line).hasMatch(), "marks without a text");
+    if (rows > 0) {
+      refuse_if(
+          rows == 1 && QString(line).remove(QStringLiteral("***")).contains(QStringLiteral("**")),
+          "a caption in the heading of a table has three stars");
+      refuse_if(line.contains(bar_in_code), "a bar in code");
+      QStringList cells = line.mid(1).split(bar);
+      refuse_if(!cells.takeLast().isEmpty(), "the row does not end in a bar");
+      columns = rows == 1 ? cells.size() : columns;
+      refuse_if(cells.size() != columns,
+                std::to_string(cells.size()) + " cells instead of " + std::to_string(columns));
+      if (rows == 2) {
+        std::vector<int>& widths = chapter.column_widths.emplace_back();
+        for (const QString& dashes : cells) {
+          widths.push_back(static_cast<int>(dashes.count(u'-')));
         }
-        table.widths.push_back(static_cast<int>(dashes.size()));
       }
-    } else {
-      std::vector<Spans>& row = table.rows.emplace_back();
-      for (const std::string& cell : cells) {
-        row.push_back(ParseSpans(cell));
-      }
-    }
-    if (cells.size() != table.rows.front().size()) {
-      throw Error(std::to_string(cells.size()) + " cells instead of " +
-                  std::to_string(table.rows.front().size()));
     }
   }
+  if (!titled) {
+    throw Error(chapter.file + ": the chapter has no title");
+  }
+}
 
-  std::istringstream text_;
-  Chapter chapter_;
-  int line_ = 0;
-  std::string open_text_;  // of the last block, still growing
-  bool rows_open_ = false;
-};
+// The reader puts an empty block before the first cell of a table that follows lines of code.
+void RemoveEmptyBlocksOfCells(const QTextDocument& document) {
+  for (QTextBlock block = document.begin(); block.isValid(); block = block.next()) {
+    const QTextTable* const table = QTextCursor(block).currentTable();
+    if (table != nullptr && block.length() == 1 && block.next().isValid() &&
+        table->cellAt(block.position()) == table->cellAt(block.next().position())) {
+      QTextCursor(block).deleteChar();
+    }
+  }
+}
+
+// A mark that is still in the text was not closed.
+void CheckMarks(const Chapter& chapter, const QTextBlock& block) {
+  static const QRegularExpression quotation(QStringLiteral("\u201c[^\u201c\u201d]*\u201d"));
+  static const QRegularExpression mark(QStringLiteral("[*`\\[\\]\\\\\u201c\u201d]\\S*"));
+  QString text;
+  for (const QTextLayout::FormatRange& part : block.textFormats()) {
+    if (!part.format.fontFixedPitch()) {
+      text += block.text().mid(part.start, part.length);
+    }
+  }
+  if (const auto found = mark.match(text.remove(quotation)); found.hasMatch()) {
+    const QString words = found.captured().replace(u'\u201c', u'"');
+    throw ErrorAt(chapter, words, "a mark is not closed: " + words.toStdString());
+  }
+}
 
 }  // namespace
 
-Chapter ParseChapter(std::string_view file, std::string_view text) {
-  return ChapterParser(file, text).Run();
+Error ErrorAt(const Chapter& chapter, const QString& words, const std::string& what) {
+  const auto before = chapter.source.left(chapter.source.indexOf(words));
+  return Error(chapter.file + ":" + std::to_string(before.count(u'\n') + 1) + ": " + what);
 }
 
-std::vector<const Spans*> TextsOf(const Chapter& chapter) {
-  std::vector<const Spans*> texts;
-  for (const Block& block : chapter.blocks) {
-    texts.push_back(&block.spans);
-    for (const std::vector<Spans>& row : block.rows) {
-      for (const Spans& cell : row) {
-        texts.push_back(&cell);
-      }
+// A table of Markdown ends at <br>, so it becomes a character. The blank before it, which goes
+// again, lets a mark close there.
+std::unique_ptr<QTextDocument> ReadMarkdown(const QString& source) {
+  static const QRegularExpression not_in_code(QStringLiteral(R"((?<code>^    .*$|`[^`]*`|\\.)|")"),
+                                              QRegularExpression::MultilineOption);
+  QString text;
+  bool quoting = false;
+  qsizetype done = 0;
+  for (auto found = not_in_code.globalMatch(source); found.hasNext();) {
+    const auto match = found.next();
+    text += source.mid(done, match.capturedStart() - done);
+    done = match.capturedEnd();
+    if (match.hasCaptured(QStringLiteral("code"))) {
+      text += match.captured();
+    } else {
+      quoting = !quoting;
+      text += quoting ? u'\u201c' : u'\u201d';
     }
   }
-  return texts;
+  text += source.mid(done);
+  const QString line_break = QStringLiteral(" ") + QChar::LineSeparator;
+  text.replace(QStringLiteral("<br>"), line_break);
+  auto document = std::make_unique<QTextDocument>();
+  document->setMarkdown(text,
+                        QTextDocument::MarkdownFeatures(QTextDocument::MarkdownDialectGitHub) |
+                            QTextDocument::MarkdownNoHTML);
+  for (QTextCursor found = document->find(line_break); !found.isNull();
+       found = document->find(line_break, found)) {
+    found.setPosition(found.selectionStart());
+    found.deleteChar();
+  }
+  RemoveEmptyBlocksOfCells(*document);
+  return document;
+}
+
+Chapter ParseChapter(std::string_view file, std::string_view text) {
+  Chapter chapter{.file = std::string(file),
+                  .source = QString::fromUtf8(text.data(), static_cast<qsizetype>(text.size())),
+                  .document = {},
+                  .column_widths = {}};
+  CheckLines(chapter);
+  chapter.document = ReadMarkdown(chapter.source);
+  for (QTextBlock block = chapter.document->begin(); block.isValid(); block = block.next()) {
+    if (KindOf(block) != BlockKind::kCode) {
+      CheckMarks(chapter, block);
+    }
+  }
+  const auto tables = chapter.document->rootFrame()->childFrames().size();
+  if (static_cast<std::size_t>(tables) != chapter.column_widths.size()) {
+    throw Error(chapter.file + ": a table has a heading and a row of dashes");
+  }
+  return chapter;
+}
+
+bool IsTableHeading(const QTextBlock& block) {
+  const QTextTable* const table = QTextCursor(block).currentTable();
+  return table != nullptr && table->cellAt(block.position()).row() == 0;
+}
+
+BlockKind KindOf(const QTextBlock& block) {
+  const QTextBlockFormat format = block.blockFormat();
+  if (format.headingLevel() > 0) {
+    return format.headingLevel() == 1 ? BlockKind::kTitle : BlockKind::kSection;
+  }
+  if (format.hasProperty(QTextFormat::BlockCodeLanguage)) {
+    return BlockKind::kCode;
+  }
+  if (block.textList() != nullptr) {
+    const bool numbered = block.textList()->format().style() == QTextListFormat::ListDecimal;
+    return numbered ? BlockKind::kNumbered : BlockKind::kBullet;
+  }
+  if (block.length() == 1) {
+    return BlockKind::kEmpty;
+  }
+  return FigureIn(block).isValid() ? BlockKind::kFigure : BlockKind::kParagraph;
+}
+
+QTextImageFormat FigureIn(const QTextBlock& block) {
+  const auto formats = block.textFormats();
+  return formats.isEmpty() ? QTextImageFormat() : formats.first().format.toImageFormat();
+}
+
+SpanStyle StyleOf(const QTextBlock& block, const QTextCharFormat& format) {
+  if (block.blockFormat().headingLevel() > 0) {
+    return SpanStyle::kPlain;
+  }
+  if (format.isAnchor()) {
+    return SpanStyle::kLink;
+  }
+  if (format.fontFixedPitch()) {
+    return SpanStyle::kCode;
+  }
+  const bool bold_itself = IsTableHeading(block) && !format.fontItalic();
+  if (format.fontWeight() >= QFont::Bold && !bold_itself) {
+    return SpanStyle::kCaption;
+  }
+  return format.fontItalic() ? SpanStyle::kVariable : SpanStyle::kPlain;
 }
 
 }  // namespace vrx::manual
