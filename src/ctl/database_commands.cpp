@@ -11,11 +11,10 @@
 #include <CLI/CLI.hpp>
 
 #include "adapters/program_runner.h"
-#include "adapters/stop_flag.h"
+#include "adapters/signals.h"
 #include "base/date.h"
 #include "base/number.h"
 #include "base/text.h"
-#include "adapters/signals.h"
 #include "ctl/command.h"
 #include "ctl/options.h"
 #include "ctl/output.h"

@@ -1,12 +1,11 @@
-#include "ctl/history_source.h"
-
 #include <vector>
 
 #include <CLI/CLI.hpp>
 #include <SQLiteCpp/Database.h>
 
 #include "ctl/command.h"
-#include "ctl/number_option.h"
+#include "ctl/history_commands.h"
+#include "ctl/options.h"
 #include "ctl/recipe_file.h"
 #include "ctl/session.h"
 #include "database/connection.h"

@@ -12,10 +12,9 @@
 
 #include <CLI/CLI.hpp>
 
-#include "adapters/local_machine.h"
+#include "adapters/linux_machine.h"
 #include "base/files.h"
 #include "base/number.h"
-#include "adapters/linux_machine.h"
 #include "ctl/command.h"
 #include "ctl/import_commands.h"
 #include "ctl/options.h"

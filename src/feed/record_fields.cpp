@@ -6,10 +6,10 @@
 #include <cstdint>
 #include <stdexcept>
 
+#include "base/encoding.h"
 #include "base/number.h"
 #include "base/text.h"
 #include "feed/key_filters.h"
-#include "base/encoding.h"
 
 namespace vrx {
 

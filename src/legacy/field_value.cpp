@@ -8,9 +8,9 @@
 #include <type_traits>
 
 #include "base/date.h"
+#include "base/encoding.h"
 #include "base/number.h"
 #include "base/text.h"
-#include "base/encoding.h"
 #include "legacy/field_value.h"
 
 namespace vrx {

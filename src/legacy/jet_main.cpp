@@ -5,8 +5,8 @@
 #include <string_view>
 #include <vector>
 
-#include "base/files.h"
 #include "base/encoding.h"
+#include "base/files.h"
 #include "legacy/jet_file.h"
 #include "legacy/jet_reader.h"
 #include "legacy/row_stream.h"

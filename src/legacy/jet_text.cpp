@@ -3,7 +3,7 @@
 #include <cstddef>
 #include <string>
 
-#include "frame/encoding.h"
+#include "base/encoding.h"
 
 namespace vrx {
 namespace {

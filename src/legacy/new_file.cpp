@@ -1,14 +1,12 @@
-#include "legacy/new_file.h"
-
 #include <random>
 #include <string>
 #include <system_error>
 
+#include "base/files.h"
+#include "base/sync.h"
 #include "database/connection.h"
-#include "database/kind_words.h"
-#include "database/translated.h"
-#include "disk/sync.h"
-#include "frame/files.h"
+#include "database/identity.h"
+#include "legacy/convert.h"
 
 namespace vrx {
 

@@ -1,13 +1,10 @@
-#include "legacy/read_rows.h"
-
 #include <algorithm>
 #include <cerrno>
 #include <system_error>
 
-#include "frame/encoding.h"
+#include "base/encoding.h"
+#include "legacy/convert.h"
 #include "legacy/jet_file.h"
-#include "legacy/legacy_error.h"
-#include "legacy/reader_exit.h"
 #include "legacy/row_stream.h"
 
 namespace vrx {

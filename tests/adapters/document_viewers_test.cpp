@@ -1,8 +1,7 @@
-#include "adapters/document_viewers.h"
-
 #include <gtest/gtest.h>
 
-#include "adapters/local_machine.h"
+#include "adapters/document_opener.h"
+#include "adapters/linux_machine.h"
 #include "adapters/viewer_site.h"
 
 namespace vrx::testing {

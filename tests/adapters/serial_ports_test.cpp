@@ -11,8 +11,8 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
-#include "adapters/port_device.h"
 #include "adapters/pseudo_terminal.h"
+#include "adapters/serial_ports.h"
 #include "platform/serial_control.h"
 #include "support/temp_folder.h"
 

@@ -7,8 +7,8 @@
 #include <gmock/gmock.h>
 
 #include "ctl/ctl_fixture.h"
-#include "support/database_files.h"
 #include "ctl_fixture.h"
+#include "support/database_files.h"
 #include "support/statement_counter.h"
 
 namespace vrx::testing {

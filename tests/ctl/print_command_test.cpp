@@ -9,7 +9,7 @@
 #include <gmock/gmock.h>
 
 #include "ctl_fixture.h"
-#include "print/printed_pages.h"
+#include "support/printed_pages.h"
 
 namespace vrx::testing {
 namespace {

@@ -38,6 +38,7 @@ void ExpectNothingStored(StoreSite& site, const StoreOutcome& outcome, const std
   EXPECT_EQ(outcome.stored, 0U);
   EXPECT_FALSE(site.stored_flag);
   EXPECT_EQ(site.saves, 0);
+  EXPECT_EQ(site.progress.Message(), "");
   ASSERT_THAT(site.op.boxes, SizeIs(1));
   EXPECT_EQ(site.op.boxes[0].title, "Transaction Store Error");
   EXPECT_EQ(site.op.boxes[0].icon, Icon::kCritical);
@@ -134,6 +135,7 @@ TEST(StoreStorageFailure, AnyOtherFailureInTheMiddleLeavesNothingToo) {
   };
   EXPECT_FALSE(site.Store(FourRows()).complete);
   EXPECT_EQ(site.LastBox().text, "the display is gone\r\n\r\nNothing of this import was stored.");
+  EXPECT_EQ(site.progress.Message(), "");
   EXPECT_THAT(site.Stored(), IsEmpty());
   EXPECT_FALSE(site.stored_flag);
 }

@@ -12,7 +12,6 @@
 #include "base/error.h"
 #include "export/export_site.h"
 #include "export/told_levels.h"
-#include "base/error.h"
 #include "support/rival_writer.h"
 
 namespace vrx::testing {

@@ -41,12 +41,12 @@ constexpr const char* kUser =
     "ORDER BY CAST(coalesce(UserID, '-1') AS REAL), 1";
 
 LeveledGroup ByType(std::vector<LeveledLevel> levels, const std::string& records,
-                 const std::string& order, const std::string& summed) {
+                    const std::string& order, const std::string& summed) {
   return {std::move(levels), records + " ORDER BY " + order + ", rowid", summed, {}, true};
 }
 
 LeveledGroup ByName(const char* element, const std::string& query, const std::string& records,
-                 std::string_view weight) {
+                    std::string_view weight) {
   return {{{element, query}}, records, std::string(element) + " = ?1", {weight, "Target"}};
 }
 
@@ -119,7 +119,7 @@ LeveledGroup Leveled(int group, bool no_user) {
 class LeveledReader {
  public:
   LeveledReader(const std::filesystem::path& database, int group,
-             const std::vector<std::string>& fields, std::string_view name)
+                const std::vector<std::string>& fields, std::string_view name)
       : database_(database), group_(group), name_(name) {
     for (const std::string& field : fields) {
       list_ += (list_.empty() ? "[" : ", [") + field + "]";

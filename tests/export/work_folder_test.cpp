@@ -1,12 +1,11 @@
-#include "export/work_folder.h"
-
 #include <filesystem>
 #include <optional>
 #include <string>
 
 #include <gtest/gtest.h>
 
-#include "frame/files.h"
+#include "base/files.h"
+#include "export/export_driver.h"
 #include "support/environment.h"
 #include "support/temp_folder.h"
 

@@ -1,6 +1,6 @@
-#include <gtest/gtest.h>
-
 #include "legacy/jet_text.h"
+
+#include <gtest/gtest.h>
 
 namespace vrx::testing {
 namespace {

@@ -1,5 +1,3 @@
-#include "presenter/legacy_conversion.h"
-
 #include <functional>
 #include <memory>
 #include <string>

@@ -5,11 +5,11 @@
 
 #include <gmock/gmock.h>
 
+#include "base/files.h"
 #include "exchange/recipe_text.h"
 #include "link/link_fixture.h"
-#include "presenter/upload.h"
-#include "base/files.h"
 #include "link_fixture.h"
+#include "presenter/upload.h"
 #include "support/temp_folder.h"
 
 namespace vrx::testing {

@@ -11,7 +11,6 @@ namespace fs = std::filesystem;
 using ::testing::ElementsAre;
 using ::testing::IsEmpty;
 
-
 class LifecycleOfOpenFiles : public LifecycleSite {
  protected:
   // Both databases open, chosen by the operator.

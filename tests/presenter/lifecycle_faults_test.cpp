@@ -15,7 +15,6 @@ using ::testing::ElementsAre;
 using ::testing::HasSubstr;
 using ::testing::IsEmpty;
 
-
 class LifecycleFaults : public LifecycleSite {
  protected:
   LifecycleFaults() {

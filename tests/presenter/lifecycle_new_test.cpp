@@ -12,7 +12,6 @@ using ::testing::HasSubstr;
 using ::testing::IsEmpty;
 using ::testing::SizeIs;
 
-
 class NewRecipeDatabase : public LifecycleSite {
  protected:
   fs::path Choose(const std::string& name) {

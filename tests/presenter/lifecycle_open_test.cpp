@@ -12,7 +12,6 @@ using ::testing::ElementsAre;
 using ::testing::IsEmpty;
 using ::testing::SizeIs;
 
-
 class BrowseRecipeDatabase : public LifecycleSite {};
 class BrowseTransactionDatabase : public LifecycleSite {};
 class OpenRecipeDatabase : public LifecycleSite {};

@@ -10,7 +10,6 @@ namespace fs = std::filesystem;
 using ::testing::ElementsAre;
 using ::testing::SizeIs;
 
-
 class SaveAsSite : public LifecycleSite {
  protected:
   SaveAsSite() {

@@ -12,7 +12,6 @@ using ::testing::ElementsAre;
 using ::testing::IsEmpty;
 using ::testing::SizeIs;
 
-
 class UnitQuestion : public LifecycleSite {
  protected:
   static std::string UnitOf(const fs::path& path) {

@@ -13,7 +13,6 @@ namespace fs = std::filesystem;
 using ::testing::ElementsAre;
 using ::testing::IsEmpty;
 
-
 class RecentDatabasesTest : public LifecycleSite {
  protected:
   RecentDatabasesTest() {

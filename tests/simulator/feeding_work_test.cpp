@@ -1,5 +1,3 @@
-#include "simulator/feed_plan.h"
-
 #include <algorithm>
 #include <map>
 #include <string>

@@ -8,7 +8,7 @@
 #include <algorithm>
 #include <utility>
 
-#include "frame/error.h"
+#include "base/error.h"
 #include "make_manual/manual_style.h"
 #include "make_manual/pages.h"
 

@@ -1,17 +1,17 @@
 #include "make_manual/manual_text.h"
 
-#include <algorithm>
-#include <optional>
-#include <sstream>
-
-#include "base/error.h"
-#include "make_manual/span_parser.h"
 #include <QRegularExpression>
 #include <QTextCursor>
 #include <QTextFrame>
 #include <QTextLayout>
 #include <QTextList>
 #include <QTextTable>
+#include <algorithm>
+#include <optional>
+#include <sstream>
+
+#include "base/error.h"
+#include "make_manual/span_parser.h"
 
 namespace vrx::manual {
 namespace {

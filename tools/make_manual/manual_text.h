@@ -8,7 +8,7 @@
 #include <string_view>
 #include <vector>
 
-#include "frame/error.h"
+#include "base/error.h"
 
 namespace vrx::manual {
 

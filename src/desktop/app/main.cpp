@@ -2,12 +2,11 @@
 #include <QIcon>
 
 #include "adapters/linux_machine.h"
-#include "adapters/stop_signals.h"
+#include "adapters/signals.h"
 #include "desktop/app/main_form.h"
 #include "desktop/app/program.h"
 #include "desktop/dialogs/about_and_splash.h"
 #include "widgets/drawing.h"
-#include "adapters/signals.h"
 
 int main(int argc, char** argv) {
   // The platform starts threads with the application object, and they must not take the signals.

@@ -3,10 +3,8 @@
 #include <memory>
 #include <optional>
 
-#include "adapters/posix_program_runner.h"
 #include "adapters/program_runner.h"
 #include "database/identity.h"
-#include "presenter/database_commands.h"
 #include "database/lock_wait.h"
 #include "desktop/app/desktop_context.h"
 #include "desktop/app/history_tabs.h"

@@ -8,13 +8,10 @@
 #include <string>
 #include <utility>
 
-#include "adapters/port_device.h"
-#include "adapters/port_survey.h"
+#include "adapters/serial_ports.h"
 #include "desktop/app/captions.h"
 #include "desktop/dialogs/about_and_splash.h"
 #include "desktop/setup/setup_form.h"
-#include "adapters/serial_ports.h"
-#include "widgets/qt_text.h"
 #include "platform/serial_control.h"
 #include "presenter/setup.h"
 #include "widgets/fields.h"

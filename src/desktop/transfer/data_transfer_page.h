@@ -4,18 +4,13 @@
 #include <functional>
 #include <string_view>
 
-#include "adapters/local_machine.h"
+#include "adapters/linux_machine.h"
+#include "database/identity.h"
 #include "desktop/app/qt_services.h"
 #include "desktop/main_window/panels.h"
 #include "desktop/main_window/tabs.h"
 #include "desktop/print/text_printer.h"
 #include "desktop/transfer/data_transfer_controls.h"
-#include "adapters/linux_machine.h"
-#include "database/identity.h"
-#include "presenter/data_files.h"
-#include "presenter/download.h"
-#include "settings/settings.h"
-#include "presenter/direct_connection.h"
 #include "link/krmcomm.h"
 #include "platform/calendar.h"
 #include "presenter/data_files.h"

@@ -5,11 +5,10 @@
 
 #include <gmock/gmock.h>
 
-#include "adapters/port_device.h"
+#include "adapters/serial_ports.h"
 #include "base/files.h"
 #include "desktop/next_modal.h"
 #include "desktop/transfer/transfer_site.h"
-#include "adapters/serial_ports.h"
 #include "next_modal.h"
 
 namespace vrx::testing {

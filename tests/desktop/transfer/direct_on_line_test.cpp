@@ -12,7 +12,8 @@ using ::testing::ElementsAre;
 using ::testing::IsEmpty;
 
 const std::string kTransactions = "{BAT/FED},L\r\n[BAT],B,1\r\n\r\n";
-const ToldStatus kWaiting{"Waiting to receive commands/data from K-2260 indicator.", kToldBlue};
+const ToldStatus kWaitingStatus{"Waiting to receive commands/data from K-2260 indicator.",
+                                kToldBlue};
 const ToldStatus kLoaded{"Waiting to receive commands/data from K2260 indicator.", kToldBlue};
 const ToldStatus kCleared{"Received <DC4>, cleared memory.", kToldBlue};
 const ToldStatus kSent{"Received <NAK>, transmitted memory.", kToldBlue};
@@ -42,7 +43,7 @@ class DirectOnLine : public LineSite {
   // Connects, and `act` ends it.
   void ConnectAnd(std::function<void()> act) {
     const auto begin =
-        Once([this] { return Status() == kWaiting && line_.PortOpen(); }, std::move(act));
+        Once([this] { return Status() == kWaitingStatus && line_.PortOpen(); }, std::move(act));
     ConnectDirectly();
   }
   std::string MemorySize() { return Text(u"lblMemorySize"_qs).toStdString(); }
@@ -54,8 +55,8 @@ TEST_F(DirectOnLine, TheIndicatorSendsAndFetchesWhileAnotherTabIsUsed) {
                 Expects("\x15\x1f" + kTransactions + "\x1f") + "wait 600\n" + Sends("\x14") +
                 Expects("\x14\x1f") + "wait 1500\n");
   int tab_changes = 0;
-  const auto leave =
-      Once([this] { return Status() == kWaiting; }, [&] { Window().Tabs().SelectTab(kTabImport); });
+  const auto leave = Once([this] { return Status() == kWaitingStatus; },
+                          [&] { Window().Tabs().SelectTab(kTabImport); });
   const auto back = Once([this] { return WasTold(kCleared); },
                          [&] {
                            tab_changes += Tabs().currentIndex() == kTabImport ? 1 : 0;

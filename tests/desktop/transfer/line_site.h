@@ -13,9 +13,9 @@
 #include <utility>
 #include <vector>
 
-#include "adapters/serial_ports.h"
 #include "adapters/qt_event_pump.h"
 #include "adapters/qt_serial_control.h"
+#include "adapters/serial_ports.h"
 #include "desktop/answered_boxes.h"
 #include "desktop/app/qt_services.h"
 #include "desktop/transfer/transfer_site.h"
