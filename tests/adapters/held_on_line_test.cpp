@@ -6,13 +6,13 @@
 #include <termios.h>
 #include <unistd.h>
 
-#include "adapters/one_event.h"
-#include "adapters/pseudo_terminal.h"
 #include "adapters/qt_event_pump.h"
 #include "adapters/qt_serial_control.h"
-#include "link/krmcomm.h"
-#include "presenter/direct_connection.h"
 #include "settings/settings.h"
+#include "presenter/direct_connection.h"
+#include "link/krmcomm.h"
+#include "one_event.h"
+#include "pseudo_terminal.h"
 #include "support/recording_operator.h"
 
 namespace vrx::testing {

@@ -5,13 +5,13 @@
 
 #include <gmock/gmock.h>
 
-#include "adapters/one_event.h"
-#include "adapters/pseudo_terminal.h"
 #include "adapters/qt_event_pump.h"
 #include "adapters/qt_serial_control.h"
+#include "settings/settings.h"
 #include "link/krmcomm.h"
 #include "presenter/upload.h"
-#include "settings/settings.h"
+#include "one_event.h"
+#include "pseudo_terminal.h"
 #include "support/recording_operator.h"
 
 namespace vrx::testing {

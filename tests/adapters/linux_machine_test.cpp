@@ -10,7 +10,6 @@
 #include <gtest/gtest.h>
 #include <unistd.h>
 
-#include "adapters/viewer_site.h"
 #include "desktop_folders.h"
 #include "pseudo_terminal.h"
 #include "support/environment.h"

@@ -1,4 +1,4 @@
-#include "adapters/pseudo_terminal.h"
+#include "pseudo_terminal.h"
 
 #include <array>
 #include <cerrno>

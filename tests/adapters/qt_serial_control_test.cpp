@@ -9,10 +9,10 @@
 #include <termios.h>
 #include <unistd.h>
 
-#include "adapters/cpu_meter.h"
-#include "adapters/one_event.h"
-#include "adapters/pseudo_terminal.h"
 #include "adapters/qt_event_pump.h"
+#include "cpu_meter.h"
+#include "one_event.h"
+#include "pseudo_terminal.h"
 #include "support/temp_folder.h"
 
 namespace vrx::testing {
@@ -139,6 +139,50 @@ TEST_F(QtSerialControlTest, SetsTheLineAsSpecified) {
   EXPECT_EQ(line.c_cflag & static_cast<tcflag_t>(CSIZE), static_cast<tcflag_t>(CS8));
   EXPECT_EQ(line.c_cflag & static_cast<tcflag_t>(PARENB | CSTOPB | CRTSCTS), 0U);
   EXPECT_EQ(line.c_iflag & static_cast<tcflag_t>(IXON | IXOFF | ICRNL | INLCR | ISTRIP), 0U);
+}
+
+// A pseudo-terminal takes no other parity or number of data bits.
+TEST_F(QtSerialControlTest, SetsTwoStopBits) {
+  control->SetSettings("1200,n,8,2");
+  Open();
+  termios line{};
+  ASSERT_EQ(tcgetattr(terminal.NearEnd(), &line), 0);
+  EXPECT_EQ(cfgetospeed(&line), static_cast<speed_t>(B1200));
+  EXPECT_NE(line.c_cflag & static_cast<tcflag_t>(CSTOPB), 0U);
+}
+
+// The test's own descriptor keeps the line open between the two openings.
+TEST_F(QtSerialControlTest, AHoldOfAnEarlierOpeningIsForgotten) {
+  Open(Handshaking::kXOnXOff);
+  terminal.Write("\x13");
+  pollfd near{.fd = terminal.NearEnd(), .events = POLLOUT, .revents = 0};
+  while (poll(&near, 1, 0) > 0) {
+    pump.Pump(Ms{5});
+  }
+  control->SetPortOpen(false);
+  Open();
+  EXPECT_EQ(Send("free"), "free");
+}
+
+TEST_F(QtSerialControlTest, StopsReceivingWhenItsBufferIsFull) {
+  Open();
+  terminal.Write(std::string(3000, 'x'));
+  while (control->InBufferCount() < 2048) {
+    pump.Pump(kForever);
+  }
+  pump.Pump(Ms{50});
+  EXPECT_EQ(control->InBufferCount(), 2048);
+}
+
+TEST_F(QtSerialControlTest, DiscardedOutputIsNotSent) {
+  Open();
+  control->Output(std::string(300'000, 'x'));
+  for (int i = 0; i < 10; ++i) {
+    pump.Pump(Ms{5});
+  }
+  EXPECT_GT(control->OutBufferCount(), 0);
+  control->DiscardOutput();
+  EXPECT_EQ(control->OutBufferCount(), 0);
 }
 
 TEST_F(QtSerialControlTest, LeavesXonXoffToTheLine) {

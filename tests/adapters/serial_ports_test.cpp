@@ -7,13 +7,14 @@
 #include <string>
 #include <tuple>
 
+#include <fcntl.h>
 #include <gmock/gmock.h>
+#include <sys/stat.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
-#include "adapters/pseudo_terminal.h"
-#include "adapters/serial_ports.h"
 #include "platform/serial_control.h"
+#include "pseudo_terminal.h"
 #include "support/temp_folder.h"
 
 namespace vrx::testing {
@@ -131,6 +132,52 @@ TEST(DescribeDevice, IgnoresItsOwnLockAndThatOfAnEndedProgram) {
   EXPECT_EQ(DescribeDevice(line.Device()), "pseudo-terminal");
 }
 
+// The rights of an ordinary user, also if the tests run as root.
+class OrdinaryUser {
+ public:
+  OrdinaryUser() {
+    if (is_root_) {
+      EXPECT_EQ(seteuid(kNobody), 0);
+    }
+  }
+  ~OrdinaryUser() {
+    if (is_root_) {
+      EXPECT_EQ(seteuid(0), 0);
+    }
+  }
+  OrdinaryUser(const OrdinaryUser&) = delete;
+  OrdinaryUser& operator=(const OrdinaryUser&) = delete;
+
+ private:
+  static constexpr uid_t kNobody = 65534;
+
+  bool is_root_ = geteuid() == 0;
+};
+
+TEST(DescribeDevice, TheLockOfAnotherUsersProgramCounts) {
+  const PseudoTerminal line;
+  ASSERT_EQ(chmod(line.Device().c_str(), 0666), 0);
+  const DeviceLock lock(line.Device(), 1);
+  const OrdinaryUser user;
+  EXPECT_EQ(DescribeDevice(line.Device()), "in use");
+}
+
+TEST(DescribeDevice, FindsADeviceThatTheUserMayNotUse) {
+  const PseudoTerminal line;
+  for (const mode_t mode : {0U, 0444U, 0222U}) {
+    ASSERT_EQ(chmod(line.Device().c_str(), mode), 0);
+    const OrdinaryUser user;
+    EXPECT_EQ(DescribeDevice(line.Device()), "no access") << mode;
+  }
+}
+
+TEST(DescribeDevice, ADeviceThatAnotherProcessHasOpenIsInUse) {
+  const int device = open("/dev/full", O_RDWR | O_CLOEXEC);
+  const OtherProcess other;
+  close(device);
+  EXPECT_EQ(DescribeDevice("/dev/full"), "in use");
+}
+
 TEST(SerialDevices, AreThereAndInOrder) {
   const std::vector<std::string> devices = SerialDevices();
   EXPECT_TRUE(std::is_sorted(devices.begin(), devices.end()));
@@ -156,6 +203,14 @@ TEST(PutDeviceBehindPort, LeavesNothingElseInTheFolder) {
   PutDeviceBehindPort(folder.Path(), 1, "/dev/ttyUSB0");
   PutDeviceBehindPort(folder.Path(), 1, "/dev/ttyUSB1");
   EXPECT_EQ(std::distance(fs::directory_iterator(folder / "Ports"), fs::directory_iterator()), 1);
+}
+
+TEST(PutDeviceBehindPort, ReplacesWhatAnInterruptedRunLeft) {
+  const TempFolder folder;
+  fs::create_directory(folder / "Ports");
+  fs::create_symlink("/dev/ttyUSB0", folder / "Ports/COM1.new");
+  PutDeviceBehindPort(folder.Path(), 1, "/dev/ttyUSB1");
+  EXPECT_EQ(LinuxPortDevice(folder.Path(), 1), "/dev/ttyUSB1");
 }
 
 TEST(PutDeviceBehindPort, ReportsWhatKeepsItFromLinking) {

@@ -3,7 +3,6 @@
 #include <gmock/gmock.h>
 
 #include "base/error.h"
-#include "make_manual/span_parser.h"
 #include "manual/manual_chapters.h"
 #include "manual/program_texts.h"
 

@@ -13,16 +13,16 @@
 #include <string>
 #include <vector>
 
+#include "desktop/dialogs/about_and_splash.h"
+#include "widgets/qt_text.h"
+#include "desktop/app/captions.h"
 #include "base/error.h"
 #include "base/files.h"
-#include "desktop/app/captions.h"
-#include "desktop/dialogs/about_and_splash.h"
 #include "make_manual/figures.h"
 #include "make_manual/manual_pdf.h"
 #include "make_manual/manual_style.h"
 #include "make_manual/manual_text.h"
 #include "make_manual/studio.h"
-#include "widgets/qt_text.h"
 
 namespace {
 

@@ -6,12 +6,6 @@
 #include <QTextLayout>
 #include <QTextList>
 #include <QTextTable>
-#include <algorithm>
-#include <optional>
-#include <sstream>
-
-#include "base/error.h"
-#include "make_manual/span_parser.h"
 
 namespace vrx::manual {
 namespace {
