@@ -132,7 +132,7 @@ class DesktopBench {
       }
     }
     const std::string runs = "median of " + std::to_string(kRounds - 1);
-    figures_.Told("start to splash on the display, ms", Median(splash), runs);
+    figures_.Specified("start to splash on the display, ms", Median(splash), runs);
     figures_.Limited("start to main window on the display, less the splash, ms", Median(loaded),
                      kStartLimit, runs);
   }
@@ -146,7 +146,7 @@ class DesktopBench {
     figures_.Limited("processor while nobody touches it, ms in 10 s",
                      program.ProcessorMilliseconds() - before, kIdleLimit);
     figures_.Limited("resident memory, MB", program.Megabytes("status", "VmRSS"), kMemoryLimit);
-    figures_.Told("its share of that (PSS), MB", program.Megabytes("smaps_rollup", "Pss"));
+    figures_.Specified("its share of that (PSS), MB", program.Megabytes("smaps_rollup", "Pss"));
   }
 
   testing::TempFolder folder_;

@@ -67,7 +67,7 @@ void Figures::Limited(const std::string& name, double figure, double limit,
   std::fflush(stdout);
 }
 
-void Figures::Told(const std::string& name, double figure, const std::string& parts) {
+void Figures::Specified(const std::string& name, double figure, const std::string& parts) {
   std::printf("%-60s %9.2f  %7s  %-4s  %s\n", name.c_str(), figure, "-", "", parts.c_str());
   std::fflush(stdout);
 }

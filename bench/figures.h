@@ -22,7 +22,7 @@ class Figures {
  public:
   // What is printed with the figure: name, figure, limit, "ok" or "OVER", and what it is made of.
   void Limited(const std::string& name, double figure, double limit, const std::string& parts = "");
-  void Told(const std::string& name, double figure, const std::string& parts = "");
+  void Specified(const std::string& name, double figure, const std::string& parts = "");
 
   int Over() const { return over_; }
 

@@ -125,7 +125,7 @@ class HistoryBench {
           }})[0];
       const std::string name = NameOf(group) + ": first screen, ms";
       if (expand) {
-        figures_.Told(name + ", all open", time);
+        figures_.Specified(name + ", all open", time);
       } else {
         figures_.Limited(name, time,
                          kScreenLimit *
@@ -220,8 +220,8 @@ class HistoryBench {
         InterleavedMedians(options_.rounds, {[&] { work(years_.all); }, [&] { work(years_.tenth); },
                                              [&] { RunShell(years_.all, script); }});
     // A sort takes n log n, so ten times the records take rather more than ten times the time.
-    figures_.Told("all records sorted by " + field + ", to a tenth", times[0] / times[1],
-                  Times(times[0], times[1]));
+    figures_.Specified("all records sorted by " + field + ", to a tenth", times[0] / times[1],
+                       Times(times[0], times[1]));
     figures_.Limited("all records sorted by " + field + ", to the shell", times[0] / times[2],
                      kEqualLimit, Times(times[0], times[2]));
   }

@@ -163,8 +163,8 @@ class HistoryPageBench {
       page.ExpandAll(true);
       page.Scroll(page.Bar().maximum());
     });
-    figures_.Told(NameOf(group) + ": all expanded, to the end, ms", expanded,
-                  std::to_string(page.Rows()) + " rows");
+    figures_.Specified(NameOf(group) + ": all expanded, to the end, ms", expanded,
+                       std::to_string(page.Rows()) + " rows");
     const auto scroll = [&](int to) {
       ShownPage::Settle();
       return ProcessorMilliseconds([&] { page.Scroll(to); });
@@ -186,8 +186,8 @@ class HistoryPageBench {
     for (int i = 0; i < kJumps; ++i) {
       jumps.push_back(scroll(anywhere(random)));
     }
-    figures_.Told(NameOf(group) + ": a jump anywhere, slowest ms", Slowest(jumps),
-                  "half of them within " + std::to_string(Median(jumps)) + " ms");
+    figures_.Specified(NameOf(group) + ": a jump anywhere, slowest ms", Slowest(jumps),
+                       "half of them within " + std::to_string(Median(jumps)) + " ms");
   }
 
   void Memory(const DataGroup& group, int& argc, char** argv) {

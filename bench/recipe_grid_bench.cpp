@@ -289,10 +289,10 @@ int Run() {
   const Keys keys = Keystrokes(shown, kByWeight);
   figures.Limited("key to figures, slowest ms", Slowest(keys.figures), kKeyLimit,
                   Spread(keys.figures));
-  figures.Told("key until it is stored, slowest ms", Slowest(keys.whole), Spread(keys.whole));
+  figures.Specified("key until it is stored, slowest ms", Slowest(keys.whole), Spread(keys.whole));
   const std::vector<double> first = Steps(shown);
-  figures.Told("first step to a recipe, computed and stored, slowest ms", Slowest(first),
-               Spread(first));
+  figures.Specified("first step to a recipe, computed and stored, slowest ms", Slowest(first),
+                    Spread(first));
   shown.Database().exec("PRAGMA synchronous = OFF");
   const std::vector<double> steps = Steps(shown);
   figures.Limited("step to a recipe, slowest ms", Slowest(steps), kStepLimit, Spread(steps));

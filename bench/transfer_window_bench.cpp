@@ -131,13 +131,13 @@ class ImportScreen : public vrx::ImportHost, public vrx::ProgressDisplay {
   vrx::testing::FixedCalendar calendar_;
   vrx::PrivateINI settings_;
   vrx::DatabaseIdentity identity_{op_, calendar_, settings_};
-  vrx::ImportSession session_{{.op = op_,
-                               .files = files_,
-                               .system = system_,
-                               .settings = settings_,
-                               .identity = identity_,
-                               .progress = *this,
-                               .host = *this}};
+  vrx::ImportPresenter session_{{.op = op_,
+                                 .files = files_,
+                                 .system = system_,
+                                 .settings = settings_,
+                                 .identity = identity_,
+                                 .progress = *this,
+                                 .host = *this}};
   vrx::ImportGrid grid_{session_};
 };
 

@@ -119,14 +119,14 @@ std::string ReadFileBytes(const fs::path& path, std::size_t limit) {
 }
 
 void WriteFileBytes(const fs::path& path, std::string_view bytes) {
-  ReplacingFile file(path);
+  AtomicFile file(path);
   file.Write(bytes);
-  file.TakePlace();
+  file.Commit();
 }
 
 std::string FileTitle(const fs::path& path) { return UnicodeUpperCase(path.filename().string()); }
 
-ReplacingFile::ReplacingFile(const fs::path& path) : target_(ResolveLink(path)), side_(target_) {
+AtomicFile::AtomicFile(const fs::path& path) : target_(ResolveLink(path)), side_(target_) {
   const fs::file_status old = Status(target_);
   if (fs::is_directory(old)) {
     Fail(target_, std::make_error_code(std::errc::is_a_directory));
@@ -142,12 +142,12 @@ ReplacingFile::ReplacingFile(const fs::path& path) : target_(ResolveLink(path)),
   }
 }
 
-ReplacingFile::~ReplacingFile() {
+AtomicFile::~AtomicFile() {
   std::error_code ignored;
   fs::remove(side_, ignored);
 }
 
-void ReplacingFile::Write(std::string_view bytes) {
+void AtomicFile::Write(std::string_view bytes) {
   errno = 0;
   out_.write(bytes.data(), static_cast<std::streamsize>(bytes.size()));
   if (!out_) {
@@ -155,7 +155,7 @@ void ReplacingFile::Write(std::string_view bytes) {
   }
 }
 
-void ReplacingFile::TakePlace() {
+void AtomicFile::Commit() {
   errno = 0;
   out_.close();
   if (!out_) {

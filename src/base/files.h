@@ -37,20 +37,20 @@ void WriteFileBytes(const std::filesystem::path& path, std::string_view bytes);
 std::string FileTitle(const std::filesystem::path& path);
 
 // A file written piece by piece beside its path, which it takes once it is whole. Until then the
-// path holds what it held before, and an object that goes without TakePlace leaves nothing behind.
+// path holds what it held before, and an object that goes without Commit leaves nothing behind.
 // A link stays, and what it points to is replaced; a folder, a device or a pipe is refused. Every
 // call throws FileError, which names the path and says why.
-class ReplacingFile {
+class AtomicFile {
  public:
-  explicit ReplacingFile(const std::filesystem::path& path);
-  ~ReplacingFile();
-  ReplacingFile(const ReplacingFile&) = delete;
-  ReplacingFile& operator=(const ReplacingFile&) = delete;
+  explicit AtomicFile(const std::filesystem::path& path);
+  ~AtomicFile();
+  AtomicFile(const AtomicFile&) = delete;
+  AtomicFile& operator=(const AtomicFile&) = delete;
 
   void Write(std::string_view bytes);
 
   // Called once, after the last piece. The bytes are on the disk before the name is.
-  void TakePlace();
+  void Commit();
 
  private:
   std::filesystem::path target_;

@@ -83,7 +83,7 @@ class DirectCommand : public Command {
     const auto line = port_.MakeLine(session);
     line->CloseOnSignals();
     KRMCOMM krm(line->Control(), line->Pump(), session.Op(), settings);
-    DataTransfer transfer;
+    TransferState transfer;
     const bool went_well = Connect(session, *line, krm, transfer, settings, *recipes);
     session.Progress().Clear();
     const bool written = KeepMemory(session, *line, krm, transfer, settings);
@@ -91,7 +91,7 @@ class DirectCommand : public Command {
   }
 
  private:
-  bool Connect(Session& session, SerialLine& line, KRMCOMM& krm, DataTransfer& transfer,
+  bool Connect(Session& session, SerialLine& line, KRMCOMM& krm, TransferState& transfer,
                const PrivateINI& settings, const std::string& recipes) const {
     DirectConnection connection(krm, transfer, line.Pump(), session.Op(), settings);
     if (!connection.Enter()) {
@@ -108,7 +108,7 @@ class DirectCommand : public Command {
   }
 
   // What the indicator sent is not lost even where no folder was given for it.
-  bool KeepMemory(Session& session, SerialLine& line, KRMCOMM& krm, DataTransfer& transfer,
+  bool KeepMemory(Session& session, SerialLine& line, KRMCOMM& krm, TransferState& transfer,
                   const PrivateINI& settings) const {
     if (!out_.empty()) {
       return CutMemory(session, line, krm, transfer, settings);
@@ -119,7 +119,7 @@ class DirectCommand : public Command {
     return true;
   }
 
-  bool CutMemory(Session& session, SerialLine& line, KRMCOMM& krm, DataTransfer& transfer,
+  bool CutMemory(Session& session, SerialLine& line, KRMCOMM& krm, TransferState& transfer,
                  const PrivateINI& settings) const {
     transfer.connection = Connection::kIndicator;
     Upload upload(krm, transfer, line.Pump(), session.Op(), settings);

@@ -193,7 +193,7 @@ class ExportCommand : public Command {
             .ExportGroup(
                 {.grid = grid, .index = group.index, .text = group.item, .name = source_.Name()},
                 FormatOf(format_), out_, source_.Databases(session));
-    TellExportOutcome(session.Op(), outcome);
+    ReportExportOutcome(session.Op(), outcome);
     return outcome.done;
   }
 

@@ -23,9 +23,9 @@ namespace vrx {
 namespace {
 
 // The Import tab without its window: a session of the import on the databases that a command names.
-class ImportRoad : public ImportHost {
+class HeadlessImport : public ImportHost {
  public:
-  ImportRoad(Session& session, OpenDatabases databases);
+  HeadlessImport(Session& session, OpenDatabases databases);
 
   // False after a failure that the operator was told.
   bool Import(const std::filesystem::path& file);
@@ -44,10 +44,10 @@ class ImportRoad : public ImportHost {
  private:
   OpenDatabases databases_;
   ScriptedFileChoice chooser_;
-  ImportSession import_;
+  ImportPresenter import_;
 };
 
-ImportRoad::ImportRoad(Session& session, OpenDatabases databases)
+HeadlessImport::HeadlessImport(Session& session, OpenDatabases databases)
     : databases_(std::move(databases)),
       import_({.op = session.Op(),
                .files = chooser_,
@@ -58,7 +58,7 @@ ImportRoad::ImportRoad(Session& session, OpenDatabases databases)
                .progress = session.Progress(),
                .host = *this}) {}
 
-bool ImportRoad::Import(const std::filesystem::path& file) {
+bool HeadlessImport::Import(const std::filesystem::path& file) {
   return import_.ImportFile({file.string(), file.filename().string()});
 }
 
@@ -92,7 +92,7 @@ class ImportCommand : public Command {
   bool OnlyReads() const override { return true; }
 
   int Run(Session& session) override {
-    ImportRoad road(session, {});
+    HeadlessImport road(session, {});
     if (!road.Import(file_)) {
       return kFailed;
     }
@@ -136,7 +136,7 @@ class StoreCommand : public Command {
       return kFailed;
     }
     return session.OnDatabase(transactions_, DatabaseKind::kTransaction, [&] {
-      ImportRoad road(
+      HeadlessImport road(
           session, {.recipe_db_path = recipes_,
                     .trans_db_path = transactions_,
                     .trans_db_uom = ReadDatabaseUoM(transactions_, session.Context().busy_timeout),
@@ -146,7 +146,7 @@ class StoreCommand : public Command {
   }
 
  private:
-  static int Store(Session& session, ImportRoad& road) {
+  static int Store(Session& session, HeadlessImport& road) {
     const StoreOutcome outcome = road.Store();
     if (outcome.complete) {
       session.Op().Tell(session.Progress().Message());

@@ -36,9 +36,9 @@ namespace fs = std::filesystem;
 namespace {
 
 // The Data Transfer tab without its window, in the module connection.
-class DownloadRoad : public RecipeDownloadHost {
+class HeadlessDownload : public RecipeDownloadHost {
  public:
-  DownloadRoad(Session& session, KRMCOMM& krm, EventPump& pump, const PrivateINI& settings)
+  HeadlessDownload(Session& session, KRMCOMM& krm, EventPump& pump, const PrivateINI& settings)
       : files_(session.Op(), chooser_, settings, transfer_,
                [&krm](int file) { return krm.GL_KRM_FileAttributes(file); }),
         download_(krm, pump, session.Op(), settings),
@@ -72,11 +72,11 @@ class DownloadRoad : public RecipeDownloadHost {
  private:
   CurrentDatabase database_;
   ScriptedFileChoice chooser_;
-  DataTransfer transfer_;
+  TransferState transfer_;
   ReportFile files_;
   Download download_;
   DirectConnection direct_;
-  RecipeDownloadSession tab_;
+  DownloadPresenter tab_;
 };
 
 constexpr std::string_view kSaveErrorTitle = "Save File Error";
@@ -98,8 +98,8 @@ bool Refuse(Session& session, const std::string& text, const std::string& cause 
 // The cut files of a transfer on their way to disk.
 class CutFiles {
  public:
-  CutFiles(Session& session, const KRMCOMM& krm, DataTransfer& transfer, const PrivateINI& settings,
-           const fs::path& folder)
+  CutFiles(Session& session, const KRMCOMM& krm, TransferState& transfer,
+           const PrivateINI& settings, const fs::path& folder)
       : session_(session),
         krm_(krm),
         transfer_(transfer),
@@ -169,7 +169,7 @@ class CutFiles {
 
   Session& session_;
   const KRMCOMM& krm_;
-  DataTransfer& transfer_;
+  TransferState& transfer_;
   fs::path folder_;
   ScriptedFileChoice chooser_;
   ReportFile files_;
@@ -179,11 +179,11 @@ class CutFiles {
 };
 
 // Writes what an upload has brought, and says how it went.
-int WriteUpload(Session& session, KRMCOMM& krm, DataTransfer& transfer, const PrivateINI& settings,
+int WriteUpload(Session& session, KRMCOMM& krm, TransferState& transfer, const PrivateINI& settings,
                 const fs::path& folder) {
   const bool failed = session.Op().StatusIsError();
   if (failed) {
-    session.Op().TellCause(krm.KRM_FailureCause());
+    session.Op().ReportCause(krm.KRM_FailureCause());
   }
   const bool written = WriteDataFiles(session, krm, transfer, settings, folder);
   return failed || !written ? kFailed : kDone;
@@ -192,8 +192,8 @@ int WriteUpload(Session& session, KRMCOMM& krm, DataTransfer& transfer, const Pr
 constexpr std::string_view kPleaseCheck =
     "Please check KRM module connection, cable and serial port selection.";
 
-int TellResult(Session& session, KRMCOMM& krm, bool done, std::string_view title,
-               std::string_view success, const std::string& failure) {
+int ReportResult(Session& session, KRMCOMM& krm, bool done, std::string_view title,
+                 std::string_view success, const std::string& failure) {
   if (done) {
     session.Op().ShowMessage(
         {.icon = Icon::kInformation, .title = std::string(title), .text = std::string(success)});
@@ -209,8 +209,8 @@ int TellResult(Session& session, KRMCOMM& krm, bool done, std::string_view title
 int TestModule(Session& session, KRMCOMM& krm) {
   session.Op().SetStatusLine("Standby... Attempting to connect to KRM");
   const bool found = krm.KRM_OnlineCheck();
-  return TellResult(session, krm, found, "KRM Test", "KRM Successfully Detected.",
-                    "KRM Not Detected.  (Communication Error)\r\n" + std::string(kPleaseCheck));
+  return ReportResult(session, krm, found, "KRM Test", "KRM Successfully Detected.",
+                      "KRM Not Detected.  (Communication Error)\r\n" + std::string(kPleaseCheck));
 }
 
 int ClearModule(Session& session, KRMCOMM& krm) {
@@ -224,19 +224,19 @@ int ClearModule(Session& session, KRMCOMM& krm) {
   }
   session.Op().SetStatusLine("Standby... Attempting to connect to KRM");
   if (!krm.KRM_OnlineCheck()) {
-    return TellResult(session, krm, false, kTitle, "",
-                      "The 'Clear' operation failed. (Could not connect to the KRM)");
+    return ReportResult(session, krm, false, kTitle, "",
+                        "The 'Clear' operation failed. (Could not connect to the KRM)");
   }
   const bool cleared = krm.KRM_Clear();
-  return TellResult(session, krm, cleared, kTitle, "The 'Clear' operation was successful.",
-                    "The 'Clear' operation failed.");
+  return ReportResult(session, krm, cleared, kTitle, "The 'Clear' operation was successful.",
+                      "The 'Clear' operation failed.");
 }
 
 // The rate is kept in the settings: every later check tells it to the module anew.
 int SetModuleBaud(Session& session, KRMCOMM& krm, const std::string& baud) {
   session.Op().SetStatusLine("Standby... Attempting to connect to KRM");
   const bool set = krm.KRM_SetBaud(TextToLong(baud));
-  const int code = TellResult(
+  const int code = ReportResult(
       session, krm, set, "KRM Baud Setting",
       "Successfully set the KRM baudrate.\r\n\r\nThis new baudrate setting will only be in effect "
       "when the KRM module is connected to an K-2260 or some other indicator.",
@@ -256,10 +256,10 @@ int DownloadModule(Session& session, KRMCOMM& krm, EventPump& pump, const Privat
   if (!backup && !session.IsUserDatabase(file, DatabaseKind::kRecipe)) {
     return kFailed;
   }
-  DownloadRoad road(session, krm, pump, settings);
+  HeadlessDownload road(session, krm, pump, settings);
   const bool sent = backup ? road.SendBackup(file) : road.SendDatabase(file);
   if (session.Op().StatusIsError()) {
-    session.Op().TellCause(krm.KRM_FailureCause());
+    session.Op().ReportCause(krm.KRM_FailureCause());
   }
   return sent ? kDone : kFailed;
 }
@@ -360,7 +360,7 @@ class ModuleCommand : public Command {
 
 }  // namespace
 
-bool WriteDataFiles(Session& session, const KRMCOMM& krm, DataTransfer& transfer,
+bool WriteDataFiles(Session& session, const KRMCOMM& krm, TransferState& transfer,
                     const PrivateINI& settings, const fs::path& folder) {
   CutFiles files(session, krm, transfer, settings, folder);
   if (files.Empty()) {
@@ -373,7 +373,7 @@ bool WriteDataFiles(Session& session, const KRMCOMM& krm, DataTransfer& transfer
   return files.AllSaved();
 }
 
-bool WriteReceivedFiles(Session& session, const KRMCOMM& krm, DataTransfer& transfer,
+bool WriteReceivedFiles(Session& session, const KRMCOMM& krm, TransferState& transfer,
                         const PrivateINI& settings, const fs::path& folder) {
   CutFiles files(session, krm, transfer, settings, folder);
   if (!files.Empty() && files.MakeFolder()) {
@@ -411,14 +411,14 @@ bool FolderTakesDataFiles(Session& session, const fs::path& folder) {
 
 int UploadModule(Session& session, KRMCOMM& krm, EventPump& pump, const PrivateINI& settings,
                  const fs::path& folder) {
-  DataTransfer transfer;
+  TransferState transfer;
   Upload(krm, transfer, pump, session.Op(), settings).UploadDataFromKRM();
   return WriteUpload(session, krm, transfer, settings, folder);
 }
 
 int UploadRescued(Session& session, KRMCOMM& krm, EventPump& pump, const PrivateINI& settings,
                   const fs::path& file, const fs::path& folder) {
-  DataTransfer transfer;
+  TransferState transfer;
   Upload(krm, transfer, pump, session.Op(), settings).UploadFromFile(file);
   return WriteUpload(session, krm, transfer, settings, folder);
 }

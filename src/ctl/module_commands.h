@@ -10,20 +10,20 @@ namespace vrx {
 class KRMCOMM;
 class PrivateINI;
 class Session;
-struct DataTransfer;
+struct TransferState;
 
 // Both write the listed files as NN.QXT, NN.RBU, NN.TXT into the folder, which is made if it is not
 // there, and their paths to the output. A file that cannot be written does not keep the others from
 // being written. False after a message when anything is missing.
 
 // For a module, which still has its data: nothing is written where one of the names exists.
-bool WriteDataFiles(Session& session, const KRMCOMM& krm, DataTransfer& transfer,
+bool WriteDataFiles(Session& session, const KRMCOMM& krm, TransferState& transfer,
                     const PrivateINI& settings, const std::filesystem::path& folder);
 
 // For an indicator, which does not send its data twice: what cannot be written, and a memory that
 // is not cut whole, goes into a rescue file in the folder, in the data folder or in the temporary
 // one.
-bool WriteReceivedFiles(Session& session, const KRMCOMM& krm, DataTransfer& transfer,
+bool WriteReceivedFiles(Session& session, const KRMCOMM& krm, TransferState& transfer,
                         const PrivateINI& settings, const std::filesystem::path& folder);
 
 // Puts bytes of an indicator into a rescue file, and shows its path. An empty folder is

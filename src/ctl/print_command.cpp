@@ -38,10 +38,10 @@ std::vector<Record> Chosen(std::vector<Record> records, bool all) {
 }
 
 // Those with lines, each with its totals.
-std::vector<RecipeOnShow> RecipesToPrint(SQLite::Database& database, bool all) {
-  std::vector<RecipeOnShow> recipes;
+std::vector<CurrentRecipe> RecipesToPrint(SQLite::Database& database, bool all) {
+  std::vector<CurrentRecipe> recipes;
   for (const RecipeRecord& record : Chosen(ReadRecipes(database), all)) {
-    RecipeOnShow recipe = ReadRecipeToPrint(database, record.id);
+    CurrentRecipe recipe = ReadRecipeToPrint(database, record.id);
     if (recipe.LineCount() > 0) {
       recipes.push_back(std::move(recipe));
     }
@@ -163,7 +163,7 @@ class PrintCommand : public Command {
         break;
       case RecordKind::kRecipe: {
         const auto ingredients = Chosen(ReadIngredients(database), false);
-        for (const RecipeOnShow& recipe : RecipesToPrint(database, all_)) {
+        for (const CurrentRecipe& recipe : RecipesToPrint(database, all_)) {
           reports.push_back(RecipeReport(recipe, ingredients, facts));
         }
       }
@@ -185,7 +185,7 @@ class PrintCommand : public Command {
   int Print(Session& session, std::vector<Report>& reports) const {
     session.Context().start_drawing();
     try {
-      const std::unique_ptr<Paper> paper = MakePdfFile(pdf_, "VRX-2260 report");
+      const std::unique_ptr<PrintTarget> paper = MakePdfFile(pdf_, "VRX-2260 report");
       if (!MayPrint(reports, paper->Device(), session.Op())) {
         return kFailed;
       }

@@ -48,7 +48,7 @@ class LineAction {
       RecipeEditor editor(database, session.Op(), settings, recipe_);
       editor.RequireOpenLines();
       EditOutcome outcome{.done = edit(editor)};
-      if (const std::string& failure = editor.OnShow().failure; !failure.empty()) {
+      if (const std::string& failure = editor.Current().failure; !failure.empty()) {
         outcome.notes.push_back(Label() + " still cannot be computed: " + failure);
       }
       return outcome;
@@ -158,7 +158,7 @@ class PositionAction : public LineAction {
 
  private:
   void GoToPosition(RecipeEditor& editor) const {
-    const int count = editor.OnShow().LineCount();
+    const int count = editor.Current().LineCount();
     if (position_ < 1 || position_ > count) {
       const std::string lines =
           count == 1 ? "its only line is 1" : "its lines are 1 to " + std::to_string(count);

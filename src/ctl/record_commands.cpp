@@ -300,14 +300,14 @@ class ResetCommand : public Command {
                             .identity = session.Identity()};
       const bool reset = AskAndReset(database, kind_, id_, ports) == ResetOutcome::kReset;
       if (kind_ == RecordKind::kPen) {
-        TellPenCapacity(session, database);
+        ReportPenCapacity(session, database);
       }
       return reset;
     });
   }
 
  private:
-  static void TellPenCapacity(Session& session, SQLite::Database& database) {
+  static void ReportPenCapacity(Session& session, SQLite::Database& database) {
     if (const auto size = CheckPenCapacity(ReadPens(database))) {
       session.Op().Tell(PenCapacityWarning(*size));
     }

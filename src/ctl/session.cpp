@@ -45,7 +45,7 @@ void MakeFolders(const fs::path& folder) {
   }
 }
 
-void TellUnread(Operator& op, const std::string& cause) {
+void ReportUnread(Operator& op, const std::string& cause) {
   op.ShowMessage({.icon = Icon::kWarning,
                   .title = "INI File Error",
                   .text = "Unable to read some or all of the application settings from the "
@@ -135,11 +135,11 @@ Answer TerminalOperator::ShowMessage(const MessageBox& box) {
   line_.Clear();
   err_ << Lines(box.title) << ": " << Lines(box.text) << '\n';
   last_cause_.clear();
-  TellCause(box.cause);
+  ReportCause(box.cause);
   return box.buttons == Buttons::kOk ? Answer::kOk : Ask(box);
 }
 
-void TerminalOperator::TellCause(std::string_view cause) {
+void TerminalOperator::ReportCause(std::string_view cause) {
   if (!cause.empty() && cause != last_cause_) {
     line_.Clear();
     err_ << "cause: " << Lines(cause) << '\n';
@@ -236,7 +236,7 @@ const CPrivateINI& Session::Ini() {
 PrivateINI& Session::Settings() {
   if (!settings_) {
     settings_ = only_reads_ ? ReadSettingsInForce() : ReadSettings();
-    settings_->TellRefusedUnit(operator_);
+    settings_->ReportRefusedUnit(operator_);
   }
   return *settings_;
 }
@@ -247,7 +247,7 @@ PrivateINI Session::ReadSettings() {
   }
   PrivateINI settings;
   if (!settings.ReadIniSettings(Ini())) {
-    TellUnread(operator_, settings.FailureCause());
+    ReportUnread(operator_, settings.FailureCause());
   }
   return settings;
 }
@@ -264,7 +264,7 @@ PrivateINI Session::ReadSettingsInForce() {
     box.ShowTo(operator_);
     settings.ReadIniSettings(Ini());
   } else if (FileExists(DataFolder() / kIniFileName)) {
-    TellUnread(operator_, box.Cause());
+    ReportUnread(operator_, box.Cause());
   }
   return settings;
 }
@@ -295,7 +295,7 @@ bool Session::IsUserDatabase(const fs::path& path, DatabaseKind kind) {
 }
 
 bool Session::AcceptsType(const fs::path& path, DatabaseKind kind, const std::string& type) {
-  const KindWords& words = WordsOf(kind);
+  const KindTexts& words = TextsOf(kind);
   if (type == words.user_type) {
     return true;
   }
@@ -310,7 +310,7 @@ bool Session::AcceptsType(const fs::path& path, DatabaseKind kind, const std::st
 
 int Session::OnDatabase(const fs::path& path, DatabaseKind kind, const std::function<int()>& work) {
   const auto tell = [&](const DatabaseError& error) {
-    Identity().ShowDatabaseError(error.Number(), WordsOf(kind).open_failure, error.what());
+    Identity().ShowDatabaseError(error.Number(), TextsOf(kind).open_failure, error.what());
     return kFailed;
   };
   try {

@@ -71,7 +71,7 @@ class TerminalOperator : public Operator {
 
   // A line "cause: ..." for the message before; nothing for a cause that is empty or was told with
   // that message.
-  void TellCause(std::string_view cause);
+  void ReportCause(std::string_view cause);
 
   // A message of the tool itself, without a title.
   void Tell(std::string_view text);

@@ -48,7 +48,7 @@ std::string DatabaseErrorText(int number);
 // Runs `body`, with a failure of the storage engine turned into a DatabaseError that names the
 // file.
 template <typename Body>
-decltype(auto) Translated(const SQLite::Database& database, Body&& body) {
+decltype(auto) WithDatabaseErrors(const SQLite::Database& database, Body&& body) {
   try {
     return std::forward<Body>(body)();
   } catch (const SQLite::Exception& error) {

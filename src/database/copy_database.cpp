@@ -22,9 +22,9 @@ namespace {
 
 // A database of this system, settled and held for reading for as long as it lives; nothing is held
 // of any other file.
-class HeldFile {
+class LockedFile {
  public:
-  HeldFile(const fs::path& path, LockWait wait) {
+  LockedFile(const fs::path& path, LockWait wait) {
     try {
       database_.emplace(OpenDatabase(path, Access::kRead, wait));
     } catch (const DatabaseError& error) {
@@ -33,7 +33,7 @@ class HeldFile {
       }
       return;  // none of ours: there is nothing to settle
     }
-    Translated(*database_, [this] {
+    WithDatabaseErrors(*database_, [this] {
       reading_.emplace(*database_);
       SQLite::Statement(*database_, "SELECT count(*) FROM sqlite_schema").executeStep();
     });
@@ -44,7 +44,7 @@ class HeldFile {
   std::optional<SQLite::Transaction> reading_;
 };
 
-void CopyBytes(const fs::path& source, ReplacingFile& copy) {
+void CopyBytes(const fs::path& source, AtomicFile& copy) {
   errno = 0;
   std::ifstream in(source, std::ios::binary);
   std::array<char, 65536> block{};
@@ -61,13 +61,13 @@ void CopyBytes(const fs::path& source, ReplacingFile& copy) {
 }  // namespace
 
 void CopyDatabaseFile(const fs::path& source, const fs::path& target, LockWait wait) {
-  { const HeldFile settled(target, wait); }
-  const HeldFile held(source, wait);
-  ReplacingFile copy(target);
+  { const LockedFile settled(target, wait); }
+  const LockedFile held(source, wait);
+  AtomicFile copy(target);
   CopyBytes(source, copy);
   // A journal that another program left beside the old target would be played into the copy.
   fs::remove(target.string() + "-journal");
-  copy.TakePlace();
+  copy.Commit();
 }
 
 }  // namespace vrx

@@ -106,7 +106,7 @@ double ExactSum::Value() const {
 }
 
 void RegisterExactSum(SQLite::Database& database) {
-  Translated(database, [&] {
+  WithDatabaseErrors(database, [&] {
     database.check(sqlite3_create_function_v2(database.getHandle(), "exact_sum", 1,
                                               SQLITE_UTF8 | SQLITE_DETERMINISTIC | SQLITE_INNOCUOUS,
                                               nullptr, nullptr, Step, Finish, nullptr));

@@ -25,7 +25,7 @@ DatabaseError NoRow(const SQLite::Database& database, const OneRowField& field) 
   return {kNoRecordError, FileName(database) + " has no row in " + std::string(field.table)};
 }
 
-constexpr KindWords kRecipeWords{
+constexpr KindTexts kRecipeWords{
     .noun = "recipe",
     .template_name = kRecipeTemplateName,
     .blank_type = kNulRecipeDb,
@@ -43,7 +43,7 @@ constexpr KindWords kRecipeWords{
     .recent_name_key = "MRU_RecipeFileName",
 };
 
-constexpr KindWords kTransactionWords{
+constexpr KindTexts kTransactionWords{
     .noun = "transaction",
     .template_name = kTransactionTemplateName,
     .blank_type = kNulTransDb,
@@ -64,7 +64,7 @@ constexpr KindWords kTransactionWords{
 }  // namespace
 
 std::optional<std::string> ReadField(SQLite::Database& database, const OneRowField& field) {
-  return Translated(database, [&]() -> std::optional<std::string> {
+  return WithDatabaseErrors(database, [&]() -> std::optional<std::string> {
     SQLite::Statement query(
         database, "SELECT " + Bracketed(field.column) + " FROM " + Bracketed(field.table));
     if (!query.executeStep()) {
@@ -76,7 +76,7 @@ std::optional<std::string> ReadField(SQLite::Database& database, const OneRowFie
 }
 
 void WriteField(SQLite::Database& database, const OneRowField& field, std::string_view value) {
-  Translated(database, [&] {
+  WithDatabaseErrors(database, [&] {
     const std::string table = Bracketed(field.table);
     SQLite::Statement update(database, "UPDATE " + table + " SET " + Bracketed(field.column) +
                                            " = ? WHERE rowid = (SELECT min(rowid) FROM " + table +
@@ -111,7 +111,7 @@ std::string ReadDatabaseUoM(const fs::path& path, LockWait wait) {
   return ReadField(database, kUnitField).value_or("");
 }
 
-const KindWords& WordsOf(DatabaseKind kind) {
+const KindTexts& TextsOf(DatabaseKind kind) {
   return kind == DatabaseKind::kRecipe ? kRecipeWords : kTransactionWords;
 }
 

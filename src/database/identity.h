@@ -51,7 +51,7 @@ std::string ReadDatabaseUoM(const std::filesystem::path& path, LockWait wait = k
 std::optional<Date> ReadDateField(SQLite::Database& database, const OneRowField& field);
 
 // The words in which the two kinds of database differ.
-struct KindWords {
+struct KindTexts {
   std::string_view noun;  // within the messages
   std::string_view template_name;
   std::string_view blank_type;
@@ -71,6 +71,6 @@ struct KindWords {
   std::string_view recent_name_key;
 };
 
-const KindWords& WordsOf(DatabaseKind kind);
+const KindTexts& TextsOf(DatabaseKind kind);
 
 }  // namespace vrx

@@ -52,7 +52,7 @@ std::string Ranges(const std::vector<int>& ids) {
 }  // namespace
 
 MissingRecords FindMissingRecords(SQLite::Database& database) {
-  return Translated(database, [&] {
+  return WithDatabaseErrors(database, [&] {
     return MissingRecords{.ingredients = MissingOf(database, kIngredientTable, kIngredientCount),
                           .recipes = MissingOf(database, kRecipeTable, kRecipeCount),
                           .pens = MissingOf(database, kPenTable, kPenCount)};

@@ -153,7 +153,7 @@ DatabaseError NoRecord(const SQLite::Database& database, std::string_view table,
 
 template <typename Record>
 std::vector<Record> ReadTable(SQLite::Database& database, const Mapping<Record>& mapping) {
-  return Translated(database, [&] {
+  return WithDatabaseErrors(database, [&] {
     std::vector<Record> records;
     SQLite::Statement query(database, SelectText(mapping, "ORDER BY ID"));
     while (query.executeStep()) {
@@ -165,7 +165,7 @@ std::vector<Record> ReadTable(SQLite::Database& database, const Mapping<Record>&
 
 template <typename Record>
 Record ReadRow(SQLite::Database& database, const Mapping<Record>& mapping, int id) {
-  return Translated(database, [&] {
+  return WithDatabaseErrors(database, [&] {
     SQLite::Statement query(database, SelectText(mapping, "WHERE ID = ?"));
     query.bind(1, id);
     if (!query.executeStep()) {
@@ -189,7 +189,7 @@ void Update(SQLite::Database& database, SQLite::Statement& update, const Mapping
 template <typename Record>
 void UpdateRow(SQLite::Database& database, const Mapping<Record>& mapping, const Record& record,
                std::int64_t row) {
-  Translated(database, [&] {
+  WithDatabaseErrors(database, [&] {
     SQLite::Statement update(database, UpdateText(mapping));
     Update(database, update, mapping, record, row);
   });
@@ -197,7 +197,7 @@ void UpdateRow(SQLite::Database& database, const Mapping<Record>& mapping, const
 
 std::vector<RecipeLineRecord> ReadLines(SQLite::Database& database, std::string_view tail,
                                         std::optional<int> id = std::nullopt) {
-  return Translated(database, [&] {
+  return WithDatabaseErrors(database, [&] {
     std::vector<RecipeLineRecord> lines;
     SQLite::Statement query(database, SelectText(kLines, tail));
     if (id) {
@@ -264,7 +264,7 @@ void WriteRecipeLine(SQLite::Database& database, RecipeLineRecord& line) {
     UpdateRow(database, kLines, line, line.row);
     return;
   }
-  Translated(database, [&] {
+  WithDatabaseErrors(database, [&] {
     SQLite::Statement insert(database, InsertText(kLines));
     BindFields(insert, kLines, line);
     insert.exec();
@@ -273,7 +273,7 @@ void WriteRecipeLine(SQLite::Database& database, RecipeLineRecord& line) {
 }
 
 void WriteStoredLines(SQLite::Database& database, std::span<const RecipeLineRecord> lines) {
-  Translated(database, [&] {
+  WithDatabaseErrors(database, [&] {
     SQLite::Statement update(database, UpdateText(kLines));
     for (const RecipeLineRecord& line : lines) {
       Update(database, update, kLines, line, line.row);
@@ -283,7 +283,7 @@ void WriteStoredLines(SQLite::Database& database, std::span<const RecipeLineReco
 }
 
 void DeleteRecipeLine(SQLite::Database& database, std::int64_t row) {
-  Translated(database, [&] {
+  WithDatabaseErrors(database, [&] {
     SQLite::Statement remove(database, "DELETE FROM RecipeRation WHERE rowid = ?");
     remove.bind(1, row);
     if (remove.exec() == 0) {

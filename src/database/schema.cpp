@@ -195,7 +195,7 @@ void CreateTemplate(const fs::path& path, DatabaseKind kind) {
 
 SQLite::Database BlankInMemory(DatabaseKind kind) {
   SQLite::Database database(":memory:", SQLite::OPEN_READWRITE | SQLite::OPEN_CREATE);
-  Translated(database, [&] {
+  WithDatabaseErrors(database, [&] {
     WriteTemplate(database, kind);
     database.exec("PRAGMA query_only=ON");
   });

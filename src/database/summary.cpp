@@ -59,7 +59,7 @@ void SetKind(DatabaseSummary& summary, const std::string& type, const std::files
 
 DatabaseSummary ReadDatabaseSummary(const std::filesystem::path& path, LockWait wait) {
   SQLite::Database database = OpenDatabase(path, Access::kRead, wait);
-  return Translated(database, [&] {
+  return WithDatabaseErrors(database, [&] {
     const SQLite::Transaction moment(database);
     DatabaseSummary summary;
     SetKind(summary, ReadField(database, kTypeField).value_or(""), path);

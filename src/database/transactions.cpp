@@ -74,7 +74,7 @@ bool HasIndexByRangeAnd(SQLite::Database& database, std::string_view columns) {
 }  // namespace
 
 std::int32_t HighestTransaction(SQLite::Database& database) {
-  return Translated(database, [&] {
+  return WithDatabaseErrors(database, [&] {
     // Numbers sort before texts, and the maximum of the column would be a text.
     SQLite::Statement query(database,
                             "SELECT max([Transaction]) FROM Transactions WHERE [Transaction] < ''");
@@ -89,14 +89,14 @@ std::int32_t HighestTransaction(SQLite::Database& database) {
 }
 
 TransactionAppender::TransactionAppender(SQLite::Database& database)
-    : database_(database), statement_(Translated(database, [&] {
+    : database_(database), statement_(WithDatabaseErrors(database, [&] {
         return std::make_unique<SQLite::Statement>(database, InsertText());
       })) {}
 
 TransactionAppender::~TransactionAppender() = default;
 
 void TransactionAppender::Append(const TransactionRecord& record) {
-  Translated(database_, [&] {
+  WithDatabaseErrors(database_, [&] {
     // Its result is the failure of the row before, which was thrown then.
     statement_->tryReset();
     Binder binder(*statement_);

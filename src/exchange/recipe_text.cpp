@@ -209,7 +209,7 @@ RecipeTables ReadRecipeTables(SQLite::Database& database) {
 }
 
 RecipeDownload BuildRecipeDownload(const RecipeTables& tables, bool batch_target,
-                                   const TellProgress& tell) {
+                                   const ReportProgress& tell) {
   const auto say = [&tell](std::string_view line) {
     if (tell) {
       tell(line);
@@ -231,10 +231,10 @@ RecipeDownload BuildRecipeDownload(const RecipeTables& tables, bool batch_target
 }
 
 RecipeDownload TakeRecipeDownload(const std::filesystem::path& recipe_db_path, bool batch_target,
-                                  const Calendar& calendar, const TellProgress& tell,
+                                  const Calendar& calendar, const ReportProgress& tell,
                                   LockWait wait) {
   SQLite::Database database = OpenDatabase(recipe_db_path, Access::kWrite, wait);
-  return Translated(database, [&] {
+  return WithDatabaseErrors(database, [&] {
     SQLite::Transaction transaction(database, SQLite::TransactionBehavior::IMMEDIATE);
     RecipeDownload download = BuildRecipeDownload(ReadRecipeTables(database), batch_target, tell);
     Store(database, download, calendar);

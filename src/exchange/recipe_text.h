@@ -46,7 +46,7 @@ struct RecipeDownload {
   int highest_in_use = 0;  // ID of the last recipe with a description; 0 where there is none
 };
 
-using TellProgress = std::function<void(std::string_view line)>;
+using ReportProgress = std::function<void(std::string_view line)>;
 
 // Recomputes the recipes that are written and writes the text: ingredients with a description,
 // recipes with a description and a batch type, pens with a feed amount or a name of their own.
@@ -57,7 +57,7 @@ using TellProgress = std::function<void(std::string_view line)>;
 // Windows-1252 lacks: a name must reach the indicator as it is, for a recipe finds its ingredients
 // by their names.
 RecipeDownload BuildRecipeDownload(const RecipeTables& tables, bool batch_target,
-                                   const TellProgress& tell = {});
+                                   const ReportProgress& tell = {});
 
 // Builds the download of a recipe database and stores what sending it changes, in one SQLite
 // transaction on a connection of its own: the database is as before, or the text and the database
@@ -65,7 +65,7 @@ RecipeDownload BuildRecipeDownload(const RecipeTables& tables, bool batch_target
 //
 // Throws RecipeTextError, and DatabaseError, also for a database that may not be written.
 RecipeDownload TakeRecipeDownload(const std::filesystem::path& recipe_db_path, bool batch_target,
-                                  const Calendar& calendar, const TellProgress& tell = {},
+                                  const Calendar& calendar, const ReportProgress& tell = {},
                                   LockWait wait = kBusyTimeout);
 
 // The bytes of a recipe backup. Throws FileError, also for a file far longer than any backup.

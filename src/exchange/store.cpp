@@ -148,13 +148,13 @@ StoreOutcome TransactionStore::StoreImportedTransactions(const ImportedData& row
          .cause = std::string(error.what()) + "; nothing of this import was stored"});
     return {};
   } catch (const std::exception& error) {
-    TellStopped(error.what(), {});
+    ReportStopped(error.what(), {});
     return {};
   }
 
   const StoreOutcome& outcome = copied.outcome;
   if (!outcome.complete && outcome.stored == 0) {
-    TellStopped(copied.stop_reason, outcome);
+    ReportStopped(copied.stop_reason, outcome);
     return outcome;
   }
   stored_flag = true;
@@ -164,9 +164,9 @@ StoreOutcome TransactionStore::StoreImportedTransactions(const ImportedData& row
   if (outcome.complete) {
     BeepIfEnabled(operator_, settings_);
   } else {
-    TellStopped(copied.stop_reason, outcome);
+    ReportStopped(copied.stop_reason, outcome);
   }
-  TellLeftOut(rows, outcome);
+  ReportLeftOut(rows, outcome);
   save_transaction_database_();
   return outcome;
 }
@@ -182,7 +182,7 @@ bool TransactionStore::ConfirmDuplicate() {
               .refuses_by_default = true}) == Answer::kYes;
 }
 
-void TransactionStore::TellStopped(const std::string& reason, const StoreOutcome& outcome) {
+void TransactionStore::ReportStopped(const std::string& reason, const StoreOutcome& outcome) {
   progress_.SetProgressMessage({});
   std::string count = "Nothing of this import was stored.";
   if (outcome.stored > 0) {
@@ -193,7 +193,7 @@ void TransactionStore::TellStopped(const std::string& reason, const StoreOutcome
       {Icon::kCritical, Buttons::kOk, std::string(kStoreErrorTitle), reason + "\r\n\r\n" + count});
 }
 
-void TransactionStore::TellLeftOut(const ImportedData& rows, const StoreOutcome& outcome) {
+void TransactionStore::ReportLeftOut(const ImportedData& rows, const StoreOutcome& outcome) {
   const std::vector<UnreadFeed>& feeds = rows.UnreadFeeds();
   MessageBox box{.icon = Icon::kInformation, .title = "Transaction Store", .text = {}};
   std::size_t of_unread_feeds = 0;

@@ -46,8 +46,8 @@ class TransactionStore {
 
  private:
   bool ConfirmDuplicate();
-  void TellStopped(const std::string& reason, const StoreOutcome& outcome);
-  void TellLeftOut(const ImportedData& rows, const StoreOutcome& outcome);
+  void ReportStopped(const std::string& reason, const StoreOutcome& outcome);
+  void ReportLeftOut(const ImportedData& rows, const StoreOutcome& outcome);
 
   Operator& operator_;
   const PrivateINI& settings_;

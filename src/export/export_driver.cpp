@@ -36,7 +36,7 @@ constexpr std::array<MissingName, 3> kMissingNames{
 
 // Empty where the group has the name it needs, or needs none. Whether the name is one of the list
 // is nobody's question: the combo's "Select..." is a name too, of no row.
-std::string_view MissingNameText(const DataGroupOnShow& shown) {
+std::string_view MissingNameText(const ExportSource& shown) {
   for (const MissingName& missing : kMissingNames) {
     if (missing.group == shown.index && TrimBlanks(shown.name).empty()) {
       return missing.text;
@@ -135,7 +135,7 @@ std::string_view ExtensionOf(ExportFormat format) {
   return ".csv";
 }
 
-ExportOutcome ExportDriver::ExportGroup(const DataGroupOnShow& shown, ExportFormat format,
+ExportOutcome ExportDriver::ExportGroup(const ExportSource& shown, ExportFormat format,
                                         const fs::path& file,
                                         const OpenDatabases& databases) const {
   const IngredientColumnNames names = ScanDynamicGridColumn(shown.grid);

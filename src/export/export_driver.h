@@ -18,7 +18,7 @@ std::string_view ExtensionOf(ExportFormat format);
 
 // What an export takes from the `Batched/Fed` tab: the data group chosen there and the columns as
 // they stand. Valid until another event runs.
-struct DataGroupOnShow {
+struct ExportSource {
   const HistoryGrid& grid;
   int index;              // of `lstGroupBy`
   std::string_view text;  // of its selected item
@@ -44,7 +44,7 @@ class ExportDriver {
   // Throws what the writers throw, and Error where the file is a database, open or not, where it
   // lies in the folder of the program's stylesheets, and for an XML file that is named as its
   // stylesheet.
-  ExportOutcome ExportGroup(const DataGroupOnShow& shown, ExportFormat format,
+  ExportOutcome ExportGroup(const ExportSource& shown, ExportFormat format,
                             const std::filesystem::path& file,
                             const OpenDatabases& databases) const;
 

@@ -253,7 +253,7 @@ fs::path StyleSheets::SourceOf(int group) const {
 fs::path StyleSheets::PresentSourceOf(int group) const {
   fs::path source = SourceOf(group);
   if (source.empty() || !FileExists(source)) {
-    TellMissing(source);
+    ReportMissing(source);
     return {};
   }
   return source;
@@ -264,13 +264,13 @@ bool StyleSheets::CopyStyleSheet(int group, const fs::path& destination_folder) 
   const std::int32_t result =
       source.empty() ? kNoSource : Folder::CopyFile(source, destination_folder);
   if (result == kNoSource) {
-    TellMissing(source);
+    ReportMissing(source);
     return false;
   }
   return true;
 }
 
-void StyleSheets::TellMissing(const fs::path& source) const {
+void StyleSheets::ReportMissing(const fs::path& source) const {
   op_.ShowMessage({.icon = Icon::kInformation,
                    .title = std::string(kApplicationTitle),
                    .text = "Style sheet file has been tampered, Please contact to Administrator.",
@@ -286,9 +286,9 @@ bool WriteHtmlPage(const StyleSheets& style_sheets, int group, const fs::path& x
   const std::string document = ReadDocument(xml);
   const std::string style_sheet = ReadStyleSheet(source);
   const std::string page = Transform({source.string(), style_sheet}, {xml.string(), document});
-  ReplacingFile file(html);
+  AtomicFile file(html);
   file.Write(page);
-  file.TakePlace();
+  file.Commit();
   return true;
 }
 

@@ -50,7 +50,7 @@ class StyleSheets {
   bool CopyStyleSheet(int group, const std::filesystem::path& destination_folder) const;
 
  private:
-  void TellMissing(const std::filesystem::path& source) const;
+  void ReportMissing(const std::filesystem::path& source) const;
 
   std::filesystem::path data_folder_;
   const SystemInfo& system_;

@@ -403,12 +403,12 @@ LevelWalk::LevelWalk(const std::filesystem::path& transaction_database, const Ex
   if (fields_.empty()) {
     throw Error("the data group shows no columns to export");
   }
-  Translated(database_, [&] { database_.exec(kBoundedMemory); });
+  WithDatabaseErrors(database_, [&] { database_.exec(kBoundedMemory); });
   RegisterExactSum(database_);
 }
 
 void LevelWalk::Walk(LevelVisitor& visitor) {
-  Translated(database_, [&] {
+  WithDatabaseErrors(database_, [&] {
     const SQLite::Transaction snapshot(database_);
     Walker(database_, plan_, Names(fields_), PickRows(database_, plan_, name_), visitor).Walk();
   });

@@ -20,7 +20,7 @@ constexpr std::size_t kWriteAt = std::size_t{256} * 1024;
 class XmlWriter : public LevelVisitor {
  public:
   XmlWriter(const ColumnDictionary& dictionary, std::span<const WalkedField> fields,
-            std::string_view style_sheet, ReplacingFile& file)
+            std::string_view style_sheet, AtomicFile& file)
       : file_(file), fields_(fields) {
     for (const WalkedField& field : fields) {
       elements_.push_back(XmlElementName(field.name));
@@ -68,7 +68,7 @@ class XmlWriter : public LevelVisitor {
   void Finish() {
     xml_ += "</Transactions>";
     Flush();
-    file_.TakePlace();
+    file_.Commit();
   }
 
  private:
@@ -99,7 +99,7 @@ class XmlWriter : public LevelVisitor {
     xml_.clear();
   }
 
-  ReplacingFile& file_;
+  AtomicFile& file_;
   std::span<const WalkedField> fields_;
   std::vector<std::string> elements_;  // of the fields
   std::string xml_;                    // not written yet
@@ -186,7 +186,7 @@ bool XMLExport::ExportData(int group, const std::filesystem::path& file,
           .value_or(ColumnDictionary());
   {
     LevelWalk walk(transaction_database, *plan, dictionary, name, wait);
-    ReplacingFile replacing(file);
+    AtomicFile replacing(file);
     XmlWriter writer(dictionary, walk.Fields(), FindDataGroup(group)->stylesheet, replacing);
     walk.Walk(writer);
     writer.Finish();

@@ -22,7 +22,7 @@ constexpr std::array kMovableCells = {
 std::size_t IndexOf(int row) { return static_cast<std::size_t>(row) - 1; }
 
 // The first thing that is entered into an idle entry row begins a line.
-RecipeLineRecord& LineToEnter(RecipeOnShow& shown) {
+RecipeLineRecord& LineToEnter(CurrentRecipe& shown) {
   if (shown.OnEntryRow() && !shown.EntryPending()) {
     shown.ration.entry_row.emplace();
   }
@@ -31,26 +31,26 @@ RecipeLineRecord& LineToEnter(RecipeOnShow& shown) {
 
 }  // namespace
 
-LineEntry RecipeOnShow::Entry() const {
+LineEntry CurrentRecipe::Entry() const {
   const BatchType* type = FindBatchType(ration.recipe.batch_type);
   return type == nullptr ? LineEntry::kNone : type->entry;
 }
 
-RecipeInputs RecipeOnShow::Shown() const {
+RecipeInputs CurrentRecipe::Shown() const {
   const BatchType* type = FindBatchType(ration.recipe.batch_type);
   return type == nullptr ? RecipeInputs{} : type->shown;
 }
 
-RecipeLineRecord& RecipeOnShow::Current() {
+RecipeLineRecord& CurrentRecipe::Current() {
   return OnEntryRow() ? ration.entry_row.value() : ration.lines.at(IndexOf(row));
 }
 
-const RecipeLineRecord& RecipeOnShow::Current() const {
+const RecipeLineRecord& CurrentRecipe::Current() const {
   return OnEntryRow() ? ration.entry_row.value() : ration.lines.at(IndexOf(row));
 }
 
-void Recompute(RecipeOnShow& shown, const Recomputation& what) {
-  RecipeOnShow computed = shown;
+void Recompute(CurrentRecipe& shown, const Recomputation& what) {
+  CurrentRecipe computed = shown;
   try {
     if (what.current_dry_matter) {
       RecalcLineDryMatter(computed.ration.recipe.batch_type, computed.Current());
@@ -77,12 +77,12 @@ void Recompute(RecipeOnShow& shown, const Recomputation& what) {
   shown = std::move(computed);
 }
 
-void EnableInputs(RecipeOnShow& shown, bool flag) {
+void EnableInputs(CurrentRecipe& shown, bool flag) {
   shown.enabled = EnableRecipeInputs(shown.ration.recipe.batch_type, flag && shown.failure.empty(),
                                      shown.totals.ingredient_percent);
 }
 
-void CellLeft(RecipeOnShow& shown, LineColumn column, bool entered) {
+void CellLeft(CurrentRecipe& shown, LineColumn column, bool entered) {
   if (entered) {
     shown.last_column = column;
   }
@@ -96,8 +96,8 @@ void CellLeft(RecipeOnShow& shown, LineColumn column, bool entered) {
   }
 }
 
-void ShowRecipe(RecipeOnShow& shown, RecipeRecord recipe, std::vector<RecipeLineRecord> lines) {
-  RecipeOnShow next{.type_list_enabled = shown.type_list_enabled};
+void ShowRecipe(CurrentRecipe& shown, RecipeRecord recipe, std::vector<RecipeLineRecord> lines) {
+  CurrentRecipe next{.type_list_enabled = shown.type_list_enabled};
   next.ration = {.recipe = std::move(recipe), .lines = std::move(lines)};
   next.entry_row_offered = next.HasRoom();
   if (next.ration.lines.empty()) {
@@ -114,18 +114,18 @@ void ShowRecipe(RecipeOnShow& shown, RecipeRecord recipe, std::vector<RecipeLine
   shown = std::move(next);
 }
 
-void GoToEntryRow(RecipeOnShow& shown) {
+void GoToEntryRow(CurrentRecipe& shown) {
   shown.ration.entry_row.reset();
   shown.row = kEntryRow;
   shown.last_column.reset();
 }
 
-void GoToLine(RecipeOnShow& shown, int row) {
+void GoToLine(CurrentRecipe& shown, int row) {
   shown.ration.entry_row.reset();
   shown.row = row;
 }
 
-void TakeIngredient(RecipeOnShow& shown, const IngredientRecord& ingredient) {
+void TakeIngredient(CurrentRecipe& shown, const IngredientRecord& ingredient) {
   RecipeLineRecord& line = LineToEnter(shown);
   line.ingredient = std::to_string(ingredient.id);
   line.dry_matter_percent = std::to_string(ingredient.dry_matter_percent);
@@ -134,7 +134,7 @@ void TakeIngredient(RecipeOnShow& shown, const IngredientRecord& ingredient) {
   Recompute(shown, {.current_dry_matter = true, .all_dry_matter = true});
 }
 
-void TakeCell(RecipeOnShow& shown, LineColumn column, std::string text) {
+void TakeCell(CurrentRecipe& shown, LineColumn column, std::string text) {
   const bool weight = column == LineColumn::kTarget;
   RecipeLineRecord& line = LineToEnter(shown);
   (weight ? line.target : line.ingredient_percent) = std::move(text);
@@ -145,19 +145,19 @@ void TakeCell(RecipeOnShow& shown, LineColumn column, std::string text) {
   }
 }
 
-bool PrepareEntry(RecipeOnShow& shown) {
+bool PrepareEntry(CurrentRecipe& shown) {
   RecipeLineRecord& line = shown.ration.entry_row.value();
   line.recipe_id = std::to_string(shown.ration.recipe.id);
   line.sequence = NextLineSequence(shown.ration.lines);
   return !line.ingredient.empty() && shown.last_column != LineColumn::kIngredient;
 }
 
-void AddEntry(RecipeOnShow& shown) {
+void AddEntry(CurrentRecipe& shown) {
   shown.ration.lines.push_back(shown.ration.entry_row.value());
   GoToLine(shown, shown.LineCount());
 }
 
-std::string RowUpdated(RecipeOnShow& shown) {
+std::string RowUpdated(CurrentRecipe& shown) {
   Recompute(shown, {});
   shown.entry_row_offered = shown.HasRoom();
   RecipeRecord& recipe = shown.ration.recipe;
@@ -173,7 +173,7 @@ std::string RowUpdated(RecipeOnShow& shown) {
   return {};
 }
 
-void RemoveCurrentLine(RecipeOnShow& shown) {
+void RemoveCurrentLine(CurrentRecipe& shown) {
   auto& lines = shown.ration.lines;
   lines.erase(lines.begin() + (shown.row - 1));
   if (lines.empty()) {
@@ -188,7 +188,7 @@ void RemoveCurrentLine(RecipeOnShow& shown) {
   }
 }
 
-void SwapWithNeighbour(RecipeOnShow& shown, int neighbour) {
+void SwapWithNeighbour(CurrentRecipe& shown, int neighbour) {
   RecipeLineRecord& line = shown.Current();
   RecipeLineRecord& other = shown.ration.lines.at(IndexOf(neighbour));
   for (const auto cell : kMovableCells) {

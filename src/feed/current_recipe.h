@@ -16,7 +16,7 @@ namespace vrx {
 // The grid's row for a line that is not added yet; lines have row numbers from 1.
 inline constexpr int kEntryRow = -1;
 
-struct RecipeOnShow {
+struct CurrentRecipe {
   Ration ration = {};  // with an entry row exactly while a line is composed in it
   int row = kEntryRow;
   TotalsRow totals = {};
@@ -58,47 +58,47 @@ struct Recomputation {
 // Throws as the routines of ration.h do, with the recipe as it was. A recipe that could not be
 // computed beforehand is not held to it: its cells stay and `failure` says why, so that the
 // operator can mend it.
-void Recompute(RecipeOnShow& shown, const Recomputation& what);
+void Recompute(CurrentRecipe& shown, const Recomputation& what);
 
 // Sets the three groups of inputs by a flag, as the batch type lets them.
-void EnableInputs(RecipeOnShow& shown, bool flag);
+void EnableInputs(CurrentRecipe& shown, bool flag);
 
 // A cell is left. The inputs that BeforeCellEdit closed open again, those of a recipe without a
 // line in composition only as far as its totals let them. `entered` is false for an edit that was
 // given up.
-void CellLeft(RecipeOnShow& shown, LineColumn column, bool entered);
+void CellLeft(CurrentRecipe& shown, LineColumn column, bool entered);
 
 // A recipe with its stored lines in place of the one on show: recomputed and on line 1, or on the
 // entry row with blank totals and closed inputs. The list of batch types opens for an untyped
 // recipe, and stays as it is for a typed one.
-void ShowRecipe(RecipeOnShow& shown, RecipeRecord recipe, std::vector<RecipeLineRecord> lines);
+void ShowRecipe(CurrentRecipe& shown, RecipeRecord recipe, std::vector<RecipeLineRecord> lines);
 
 // Empties the entry row and goes there. An idle entry row changes no figure and no input.
-void GoToEntryRow(RecipeOnShow& shown);
-void GoToLine(RecipeOnShow& shown, int row);
+void GoToEntryRow(CurrentRecipe& shown);
+void GoToLine(CurrentRecipe& shown, int row);
 
 // An ingredient of the list becomes that of the current line, with its dry matter and mark.
-void TakeIngredient(RecipeOnShow& shown, const IngredientRecord& ingredient);
+void TakeIngredient(CurrentRecipe& shown, const IngredientRecord& ingredient);
 
 // A weight or a percentage was entered into the current line.
-void TakeCell(RecipeOnShow& shown, LineColumn column, std::string text);
+void TakeCell(CurrentRecipe& shown, LineColumn column, std::string text);
 
 // Puts recipe and sequence into the line that is composed. False: it rests in the entry row until
 // an ingredient was chosen and, after it, a weight or percentage entered.
-bool PrepareEntry(RecipeOnShow& shown);
+bool PrepareEntry(CurrentRecipe& shown);
 
 // Makes the entry row the last line and goes there.
-void AddEntry(RecipeOnShow& shown);
+void AddEntry(CurrentRecipe& shown);
 
 // After the grid has committed a row. The first one puts the recipe in use: its name becomes its
 // description. Returns what the operator is told, where that has no name.
-std::string RowUpdated(RecipeOnShow& shown);
+std::string RowUpdated(CurrentRecipe& shown);
 
-void RemoveCurrentLine(RecipeOnShow& shown);
+void RemoveCurrentLine(CurrentRecipe& shown);
 
 // Swaps the six movable cells between the current line and its neighbour, and goes there.
 // `Sequence`, `HandAdd` and `Ingredient%` stay with the place.
-void SwapWithNeighbour(RecipeOnShow& shown, int neighbour);
+void SwapWithNeighbour(CurrentRecipe& shown, int neighbour);
 
 // 1 above the highest of the lines; gaps are not filled. Throws OverflowError.
 int NextLineSequence(const std::vector<RecipeLineRecord>& lines);

@@ -32,7 +32,7 @@ const LineCell& CellOf(LineColumn column) {
   return kLineCells.at(static_cast<std::size_t>(column));
 }
 
-using enum CellManner;
+using enum CellRole;
 
 constexpr std::array<RecipeColumnRow, kRecipeColumnCount> kColumns{{
     {.key = "Ingredient",

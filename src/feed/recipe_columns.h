@@ -45,7 +45,7 @@ enum RecipeColumn : int {
 };
 inline constexpr int kRecipeColumnCount = 8;
 
-enum class CellManner {
+enum class CellRole {
   kEntered,
   kReadOnly,  // the ingredient's
   kComputed,
@@ -55,7 +55,7 @@ struct RecipeColumnRow {
   std::string_view key;
   std::string_view caption;
   bool tells_unit;  // in its caption, once it is known
-  CellManner manner;
+  CellRole manner;
   std::string RecipeLineRecord::*cell;  // none for a column that is no text
   const char* total_label = nullptr;
   std::string TotalsRow::*total = nullptr;

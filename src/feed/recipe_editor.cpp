@@ -22,7 +22,7 @@ std::string LeftText(std::string_view field, std::string_view text) {
 }
 
 // Stays on its line where that is still there.
-void TakeLines(RecipeOnShow& shown, std::vector<RecipeLineRecord> lines) {
+void TakeLines(CurrentRecipe& shown, std::vector<RecipeLineRecord> lines) {
   shown.ration.lines = std::move(lines);
   if (shown.OnEntryRow()) {
     return;
@@ -35,7 +35,7 @@ void TakeLines(RecipeOnShow& shown, std::vector<RecipeLineRecord> lines) {
 }
 
 // Why a line does not move; empty where it does.
-std::string_view MoveObstacle(const RecipeOnShow& shown, MoveDirection direction) {
+std::string_view MoveObstacle(const CurrentRecipe& shown, MoveDirection direction) {
   if (shown.OnEntryRow()) {
     return "The ingredient entry row cannot be moved.";
   }
@@ -68,7 +68,7 @@ std::vector<IngredientRecord> ReadActiveIngredients(SQLite::Database& database) 
   return active;
 }
 
-void RecipeEditor::Store(const Ration& before, RecipeOnShow next) {
+void RecipeEditor::Store(const Ration& before, CurrentRecipe next) {
   if (IsWriteProtected(database_)) {
     shown_ = std::move(next);
     return;
@@ -83,14 +83,14 @@ void RecipeEditor::Store(const Ration& before, RecipeOnShow next) {
 
 template <typename Change>
 void RecipeEditor::Apply(const Change& change) {
-  RecipeOnShow next = shown_;
+  CurrentRecipe next = shown_;
   change(next);
   Store(shown_.ration, std::move(next));
 }
 
 template <typename Change>
 void RecipeEditor::ApplyToStoredLines(const Change& change) {
-  RecipeOnShow next = shown_;
+  CurrentRecipe next = shown_;
   // A write-protected file does not hold what was recomputed.
   if (!IsWriteProtected(database_)) {
     TakeLines(next, ReadRecipeLines(database_, next.ration.recipe.id));
@@ -102,7 +102,7 @@ void RecipeEditor::ApplyToStoredLines(const Change& change) {
 
 template <typename Change>
 void RecipeEditor::CommitHead(const Change& change) {
-  ApplyToStoredLines([&](RecipeOnShow& next) {
+  ApplyToStoredLines([&](CurrentRecipe& next) {
     change(next.ration.recipe);
     Recompute(next, {.ration_percents = false});
   });
@@ -112,14 +112,14 @@ template <typename Change>
 void RecipeEditor::EditLine(const Change& change) {
   RequireOpenLines();
   std::string refusal;
-  Apply([&](RecipeOnShow& next) {
+  Apply([&](CurrentRecipe& next) {
     change(next);
     if (!next.OnEntryRow()) {
       refusal = RowUpdated(next);
     }
   });
   if (!refusal.empty()) {
-    TellFieldError(refusal);
+    ReportFieldError(refusal);
   }
 }
 
@@ -136,7 +136,7 @@ void RecipeEditor::Select(int recipe_id) {
   }
   Ration stored{.recipe = ReadRecipe(database_, recipe_id),
                 .lines = ReadRecipeLines(database_, recipe_id)};
-  RecipeOnShow next = shown_;
+  CurrentRecipe next = shown_;
   ShowRecipe(next, stored.recipe, stored.lines);
   Store(stored, std::move(next));
 }
@@ -146,7 +146,7 @@ void RecipeEditor::ChooseBatchType(int list_index) {
   if (list_index == 0 || code.empty()) {
     return;
   }
-  Apply([&](RecipeOnShow& next) {
+  Apply([&](CurrentRecipe& next) {
     next.type_list_enabled = false;
     next.ration.recipe.batch_type = code;
     Recompute(next, {.ration_percents = false});
@@ -154,7 +154,7 @@ void RecipeEditor::ChooseBatchType(int list_index) {
 }
 
 void RecipeEditor::ChooseAdjustItem(int list_index) {
-  Apply([&](RecipeOnShow& next) {
+  Apply([&](CurrentRecipe& next) {
     next.ration.recipe.adjust_batch_index = std::to_string(list_index);
     Recompute(next, {.ration_percents = false});
   });
@@ -194,7 +194,7 @@ void RecipeEditor::CommitRecipeRecord() {
 }
 
 void RecipeEditor::RecomputeAll() {
-  Apply([](RecipeOnShow& next) { Recompute(next, {.all_dry_matter = true}); });
+  Apply([](CurrentRecipe& next) { Recompute(next, {.all_dry_matter = true}); });
 }
 
 void RecipeEditor::GridGotFocus() { shown_.entry_row_offered = shown_.HasRoom(); }
@@ -224,7 +224,7 @@ bool RecipeEditor::GoToRow(int row) {
 
 void RecipeEditor::ChooseIngredient(int ingredient_id) {
   const IngredientRecord ingredient = ReadActiveIngredient(database_, ingredient_id);
-  EditLine([&](RecipeOnShow& next) { TakeIngredient(next, ingredient); });
+  EditLine([&](CurrentRecipe& next) { TakeIngredient(next, ingredient); });
 }
 
 void RecipeEditor::EnterCell(LineColumn column, std::string_view typed) {
@@ -238,20 +238,20 @@ void RecipeEditor::EnterCell(LineColumn column, std::string_view typed) {
                        std::string(LineColumnName(open)) + "'.");
   }
   std::string text = EnterLineCell(column, typed);
-  EditLine([&](RecipeOnShow& next) { TakeCell(next, column, text); });
+  EditLine([&](CurrentRecipe& next) { TakeCell(next, column, text); });
 }
 
 bool RecipeEditor::CommitRow() {
   if (!shown_.EntryPending()) {
     return true;
   }
-  RecipeOnShow next = shown_;
+  CurrentRecipe next = shown_;
   if (!PrepareEntry(next)) {
     shown_ = std::move(next);
     return false;
   }
   RequireRoom();
-  EditLine([](RecipeOnShow& added) {
+  EditLine([](CurrentRecipe& added) {
     PrepareEntry(added);
     AddEntry(added);
   });
@@ -263,7 +263,7 @@ void RecipeEditor::DiscardEntry() {
     return;
   }
   // Another tab may have changed the lines meanwhile.
-  ApplyToStoredLines([](RecipeOnShow& next) {
+  ApplyToStoredLines([](CurrentRecipe& next) {
     GoToEntryRow(next);
     Recompute(next, {});
   });
@@ -303,7 +303,7 @@ bool RecipeEditor::MoveRow(MoveDirection direction) {
   }
   RequireOpenLines();
   const int neighbour = shown_.row + (direction == MoveDirection::kDown ? 1 : -1);
-  Apply([&](RecipeOnShow& next) { SwapWithNeighbour(next, neighbour); });
+  Apply([&](CurrentRecipe& next) { SwapWithNeighbour(next, neighbour); });
   return true;
 }
 
@@ -333,7 +333,7 @@ bool RecipeEditor::Refuse(std::string_view title, std::string_view text) {
   return false;
 }
 
-void RecipeEditor::TellFieldError(std::string_view text) {
+void RecipeEditor::ReportFieldError(std::string_view text) {
   op_.ShowMessage(
       {.icon = Icon::kCritical, .title = std::string(kFieldErrorTitle), .text = std::string(text)});
 }

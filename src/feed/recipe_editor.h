@@ -35,13 +35,13 @@ class RecipeEditor {
  public:
   // At the end of each step that changes the database, inside it, with what is on show once the
   // disk has it. What it throws undoes the step.
-  using StoredStep = std::function<void(const RecipeOnShow& next)>;
+  using StoredStep = std::function<void(const CurrentRecipe& next)>;
 
   // Shows a recipe at once. What is referred to outlives the editor.
   RecipeEditor(SQLite::Database& database, Operator& op, const PrivateINI& settings, int recipe_id,
                StoredStep stored = {});
 
-  const RecipeOnShow& OnShow() const { return shown_; }
+  const CurrentRecipe& Current() const { return shown_; }
 
   // Shows another recipe, or the same one as it is stored now; 0, the blank item of the list, is
   // the one on show. EndEntry comes first.
@@ -110,17 +110,17 @@ class RecipeEditor {
   void EditLine(const Change& change);
 
   // What is on show changes only once it is stored.
-  void Store(const Ration& before, RecipeOnShow next);
+  void Store(const Ration& before, CurrentRecipe next);
 
   std::string RecipeLabel() const;
   bool Refuse(std::string_view title, std::string_view text);
-  void TellFieldError(std::string_view text);
+  void ReportFieldError(std::string_view text);
 
   SQLite::Database& database_;
   Operator& op_;
   const PrivateINI& settings_;
   StoredStep stored_;
-  RecipeOnShow shown_;
+  CurrentRecipe shown_;
 };
 
 }  // namespace vrx

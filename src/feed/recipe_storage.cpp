@@ -147,7 +147,7 @@ void StoreRecipe(SQLite::Database& database, const Ration& before, Ration& after
   if (!difference.Any()) {
     return;
   }
-  Translated(database, [&] {
+  WithDatabaseErrors(database, [&] {
     if (IsInTransaction(database)) {
       SQLite::Savepoint step(database, "recipe_step");
       Write(database, difference, after, changed);

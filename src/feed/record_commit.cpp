@@ -96,7 +96,7 @@ std::string RecalcFailure(Ration& ration) {
 template <typename Record, typename Commit>
 bool Store(SQLite::Database& database, Record& record, const Calendar& calendar,
            const Commit& commit) {
-  return Translated(database, [&] {
+  return WithDatabaseErrors(database, [&] {
     Record committed = record;
     SQLite::Transaction transaction(database, SQLite::TransactionBehavior::IMMEDIATE);
     const auto changes = database.getTotalChanges();
@@ -183,11 +183,11 @@ class InputGate {
 }  // namespace
 
 void CommitIngredientRecord(SQLite::Database& database, IngredientRecord& record,
-                            std::optional<std::string_view> batch_type_on_show) {
+                            std::optional<std::string_view> current_batch_type) {
   IngredientRecord committed = WithDefaultDescription(record);
   // First what may fail by what the lines hold.
   SetRecipesDryMatterPct(database, committed.id, std::to_string(committed.dry_matter_percent),
-                         batch_type_on_show);
+                         current_batch_type);
   SetRecipesHandAdd(database, committed.id, committed.hand_add);
   if (!IsStored(database, committed)) {
     WriteIngredient(database, committed);
@@ -226,12 +226,12 @@ void SetRecipesHandAdd(SQLite::Database& database, int ingredient_id, bool hand_
 
 void SetRecipesDryMatterPct(SQLite::Database& database, int ingredient_id,
                             std::string_view dry_matter_percent,
-                            std::optional<std::string_view> batch_type_on_show) {
+                            std::optional<std::string_view> current_batch_type) {
   const auto types =
-      batch_type_on_show ? std::map<std::string, std::string>() : BatchTypes(database);
+      current_batch_type ? std::map<std::string, std::string>() : BatchTypes(database);
   const auto type_of = [&](const RecipeLineRecord& line) -> std::string_view {
-    if (batch_type_on_show) {
-      return *batch_type_on_show;
+    if (current_batch_type) {
+      return *current_batch_type;
     }
     const auto own = types.find(line.recipe_id);
     return own == types.end() ? std::string_view() : own->second;
@@ -243,9 +243,9 @@ void SetRecipesDryMatterPct(SQLite::Database& database, int ingredient_id,
 }
 
 bool StoreRecord(SQLite::Database& database, IngredientRecord& record,
-                 std::optional<std::string_view> batch_type_on_show, const Calendar& calendar) {
+                 std::optional<std::string_view> current_batch_type, const Calendar& calendar) {
   return Store(database, record, calendar, [&](IngredientRecord& committed) {
-    CommitIngredientRecord(database, committed, batch_type_on_show);
+    CommitIngredientRecord(database, committed, current_batch_type);
   });
 }
 

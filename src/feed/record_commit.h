@@ -20,7 +20,7 @@ namespace vrx {
 // description, which puts it in use. An ingredient's hand-add mark and dry matter go into the lines
 // that hold it, as by the two routines below.
 void CommitIngredientRecord(SQLite::Database& database, IngredientRecord& record,
-                            std::optional<std::string_view> batch_type_on_show = std::nullopt);
+                            std::optional<std::string_view> current_batch_type = std::nullopt);
 void CommitPenRecord(SQLite::Database& database, PenRecord& record);
 
 // The lines of a recipe are recomputed with it, so that their batch targets follow its inputs.
@@ -38,7 +38,7 @@ std::string CommitRecipeRecord(SQLite::Database& database, RecipeRecord& record)
 void SetRecipesHandAdd(SQLite::Database& database, int ingredient_id, bool hand_add);
 void SetRecipesDryMatterPct(SQLite::Database& database, int ingredient_id,
                             std::string_view dry_matter_percent,
-                            std::optional<std::string_view> batch_type_on_show = std::nullopt);
+                            std::optional<std::string_view> current_batch_type = std::nullopt);
 
 // Store what stands in a record's form: the commits of record_commit.h, each as one transaction
 // that sets `Modified`. Return whether the file had to change; where it had not, nothing is
@@ -46,7 +46,7 @@ void SetRecipesDryMatterPct(SQLite::Database& database, int ingredient_id,
 //
 // Throw DatabaseError and what the commits throw, with the record and the file as they were.
 bool StoreRecord(SQLite::Database& database, IngredientRecord& record,
-                 std::optional<std::string_view> batch_type_on_show, const Calendar& calendar);
+                 std::optional<std::string_view> current_batch_type, const Calendar& calendar);
 bool StoreRecord(SQLite::Database& database, PenRecord& record, const Calendar& calendar);
 
 // What was typed into a record's form; nothing for a control that was left alone. Texts UTF-8.

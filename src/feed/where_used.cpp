@@ -21,7 +21,7 @@ constexpr const char* kLinesOfRecipesInUse =
 
 std::vector<WhereUsed> FindWhereIngUsed(SQLite::Database& database, int ingredient_id,
                                         bool stop_at_first) {
-  return Translated(database, [&] {
+  return WithDatabaseErrors(database, [&] {
     std::vector<WhereUsed> found;
     SQLite::Statement query(database, kLinesOfRecipesInUse);
     while (!(stop_at_first && !found.empty()) && query.executeStep()) {

@@ -148,7 +148,7 @@ std::int64_t LastRow(SQLite::Database& database) {
 // What `body` asks sees one state of the table, under one lock.
 template <typename Body>
 auto Read(SQLite::Database& database, Body&& body) {
-  return Translated(database, [&] {
+  return WithDatabaseErrors(database, [&] {
     std::optional<SQLite::Transaction> reading;
     if (sqlite3_get_autocommit(database.getHandle()) != 0) {
       reading.emplace(database);

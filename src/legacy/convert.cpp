@@ -35,7 +35,7 @@ namespace fs = std::filesystem;
 namespace {
 
 // A database in the making: a copy of the blank template beside the path that it is to have, and
-// one transaction on it. One that goes without TakePlace leaves nothing behind, and whatever else
+// one transaction on it. One that goes without Commit leaves nothing behind, and whatever else
 // stands at the path is never replaced. Throws FileError and DatabaseError, with the path
 // untouched.
 class NewDatabaseFile {
@@ -51,7 +51,7 @@ class NewDatabaseFile {
 
   // Commits, and gives the file its name once its bytes are on the disk. Called once, with no
   // statement left.
-  void TakePlace();
+  void Commit();
 
  private:
   void RemoveSide();
@@ -93,9 +93,9 @@ NewDatabaseFile::NewDatabaseFile(const fs::path& path, const fs::path& program_d
     RefuseExisting(path_);
   }
   try {
-    CopyTemplate(program_directory / WordsOf(kind).template_name, side_, path_);
+    CopyTemplate(program_directory / TextsOf(kind).template_name, side_, path_);
     connection_ = std::make_unique<SQLite::Database>(OpenDatabase(side_, Access::kWrite));
-    Translated(*connection_, [this] {
+    WithDatabaseErrors(*connection_, [this] {
       connection_->exec(kLargeCache);
       transaction_ = std::make_unique<SQLite::Transaction>(*connection_);
     });
@@ -107,8 +107,8 @@ NewDatabaseFile::NewDatabaseFile(const fs::path& path, const fs::path& program_d
 
 NewDatabaseFile::~NewDatabaseFile() { RemoveSide(); }
 
-void NewDatabaseFile::TakePlace() {
-  Translated(*connection_, [this] { transaction_->commit(); });
+void NewDatabaseFile::Commit() {
+  WithDatabaseErrors(*connection_, [this] { transaction_->commit(); });
   transaction_.reset();
   connection_.reset();
   if (const std::error_code unsynced = SyncToDisk(side_)) {
@@ -281,8 +281,8 @@ class Conversion : public LegacyRowSink {
     }
     report_.kind = FindKind();
     if (wanted_.kind && *wanted_.kind != report_.kind) {
-      throw LegacyError(OldName() + " is a " + std::string(WordsOf(report_.kind).noun) +
-                        " database; expected a " + std::string(WordsOf(*wanted_.kind).noun) +
+      throw LegacyError(OldName() + " is a " + std::string(TextsOf(report_.kind).noun) +
+                        " database; expected a " + std::string(TextsOf(*wanted_.kind).noun) +
                         " database. Open it by the command for its kind.");
     }
     file_ = std::make_unique<NewDatabaseFile>(wanted_.new_file, wanted_.program_directory,
@@ -314,7 +314,7 @@ class Conversion : public LegacyRowSink {
     }
     notices_.MoveInto(report_);
     ports_.progress.SetProgressMessage("Writing the new file.");
-    file_->TakePlace();
+    file_->Commit();
   }
 
   const LegacyConversion& wanted_;
@@ -346,7 +346,7 @@ constexpr std::string_view kRemedy =
                     ". Install the program again.");
 }
 
-[[noreturn]] void TellExit(const LegacyFile& file, int code) {
+[[noreturn]] void ReportExit(const LegacyFile& file, int code) {
   const std::string name = file.path.filename().string();
   if (const std::optional<JetFileKind> kind = RefusedKindOf(code)) {
     throw LegacyError(JetFileRefusal(*kind, name));
@@ -408,7 +408,7 @@ void ReadLegacyRows(ProgramRunner& runner, const LegacyFile& file,
       break;
   }
   if (outcome.code != 0) {
-    TellExit(file, outcome.code);
+    ReportExit(file, outcome.code);
   }
   if (!rows.Ended()) {
     NotRun(file, "is not the right one: its rows have no end");

@@ -63,7 +63,7 @@ LegacyValue IdentityRows::Value(const Part& part, std::string_view column) const
 std::optional<DatabaseKind> IdentityRows::MarkedKind() const {
   const std::string type = TextOrEmpty(Value(marker_, kTypeField.column));
   for (const DatabaseKind kind : {DatabaseKind::kRecipe, DatabaseKind::kTransaction}) {
-    if (type == WordsOf(kind).user_type || type == WordsOf(kind).blank_type) {
+    if (type == TextsOf(kind).user_type || type == TextsOf(kind).blank_type) {
       return kind;
     }
   }
@@ -89,7 +89,7 @@ void IdentityRows::Store(SQLite::Database& database, DatabaseKind kind,
 }
 
 void IdentityRows::StoreMarker(SQLite::Database& database, DatabaseKind kind) {
-  const std::string wanted(WordsOf(kind).user_type);
+  const std::string wanted(TextsOf(kind).user_type);
   const LegacyValue found = Value(marker_, kTypeField.column);
   if (TextOrEmpty(found) != wanted) {
     Repaired(marker_, std::string(kTypeField.column) + " was " + Shown(found) +

@@ -47,9 +47,9 @@ NewDatabaseFile::NewDatabaseFile(const fs::path& path, const fs::path& program_d
     RefuseExisting(path_);
   }
   try {
-    CopyTemplate(program_directory / WordsOf(kind).template_name, side_, path_);
+    CopyTemplate(program_directory / TextsOf(kind).template_name, side_, path_);
     connection_ = std::make_unique<SQLite::Database>(OpenDatabase(side_, Access::kWrite));
-    Translated(*connection_, [this] {
+    WithDatabaseErrors(*connection_, [this] {
       connection_->exec(kLargeCache);
       transaction_ = std::make_unique<SQLite::Transaction>(*connection_);
     });
@@ -61,8 +61,8 @@ NewDatabaseFile::NewDatabaseFile(const fs::path& path, const fs::path& program_d
 
 NewDatabaseFile::~NewDatabaseFile() { RemoveSide(); }
 
-void NewDatabaseFile::TakePlace() {
-  Translated(*connection_, [this] { transaction_->commit(); });
+void NewDatabaseFile::Commit() {
+  WithDatabaseErrors(*connection_, [this] { transaction_->commit(); });
   transaction_.reset();
   connection_.reset();
   if (const std::error_code unsynced = SyncToDisk(side_)) {

@@ -27,7 +27,7 @@ constexpr std::string_view kRemedy =
                     ". Install the program again.");
 }
 
-[[noreturn]] void TellExit(const LegacyFile& file, int code) {
+[[noreturn]] void ReportExit(const LegacyFile& file, int code) {
   const std::string name = file.path.filename().string();
   if (const std::optional<JetFileKind> kind = RefusedKindOf(code)) {
     throw LegacyError(JetFileRefusal(*kind, name));
@@ -82,7 +82,7 @@ void ReadLegacyRows(ProgramRunner& runner, const LegacyFile& file,
       break;
   }
   if (outcome.code != 0) {
-    TellExit(file, outcome.code);
+    ReportExit(file, outcome.code);
   }
   if (!rows.Ended()) {
     NotRun(file, "is not the right one: its rows have no end");

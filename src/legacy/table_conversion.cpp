@@ -89,7 +89,7 @@ TableConversion::TableConversion(SQLite::Database& database, const TableRule& ru
       values_(rule.fields.size()),
       seen_(static_cast<std::size_t>(rule.records) + 1),
       line_counts_(kRecipeCount + 1),
-      statement_(Translated(database, [&] {
+      statement_(WithDatabaseErrors(database, [&] {
         return std::make_unique<SQLite::Statement>(database, StatementText(rule));
       })) {
   counts_.name = rule.name;
@@ -107,7 +107,7 @@ void TableConversion::FindColumns() {
       source.column = static_cast<std::size_t>(found - table_.columns.begin());
       used[*source.column] = true;
     }
-    TellColumn(source);
+    ReportColumn(source);
     const std::size_t place = sources_.size();
     if (field.kind == FieldKind::kDate) {
       date_ = place;
@@ -130,7 +130,7 @@ void TableConversion::FindColumns() {
   }
 }
 
-void TableConversion::TellColumn(const Source& source) {
+void TableConversion::ReportColumn(const Source& source) {
   const FieldRule& field = *source.rule;
   if (!source.column) {
     notices_.Add(counts_.name, "the column " + field.column +
@@ -281,7 +281,7 @@ void TableConversion::SettleMoment(const LegacyRow& row) {
 }
 
 void TableConversion::Store(int id) {
-  Translated(database_, [&] {
+  WithDatabaseErrors(database_, [&] {
     int index = 0;
     for (const FieldValue& value : values_) {
       Bind(*statement_, ++index, value);
@@ -300,7 +300,7 @@ void TableConversion::Finish(ConversionReport& report) {
     notices_.Add(counts_.name, "the table should have " + std::to_string(table_.announced_rows) +
                                    " rows; " + std::to_string(counts_.read) + " were found");
   }
-  TellMissingRecords();
+  ReportMissingRecords();
   CheckStored();
   report.tables.push_back(counts_);
   for (const Sum& sum : sums_) {
@@ -312,7 +312,7 @@ void TableConversion::Finish(ConversionReport& report) {
   }
 }
 
-void TableConversion::TellMissingRecords() {
+void TableConversion::ReportMissingRecords() {
   for (int id = 1; id <= rule_.records; ++id) {
     if (!seen_[static_cast<std::size_t>(id)]) {
       notices_.AddId(counts_.name, "no such row was read; the record has its defaults",
@@ -324,7 +324,7 @@ void TableConversion::TellMissingRecords() {
 void TableConversion::CheckStored() {
   const std::int64_t expected =
       rule_.records > 0 ? rule_.records : static_cast<std::int64_t>(counts_.stored);
-  const std::int64_t rows = Translated(database_, [this] {
+  const std::int64_t rows = WithDatabaseErrors(database_, [this] {
     return database_.execAndGet("SELECT count(*) FROM " + Bracketed(rule_.name)).getInt64();
   });
   if (rows != expected) {
@@ -334,7 +334,7 @@ void TableConversion::CheckStored() {
 }
 
 double TableConversion::StoredSum(const std::string& column) {
-  return Translated(database_, [&] {
+  return WithDatabaseErrors(database_, [&] {
     SQLite::Statement query(database_,
                             "SELECT " + Bracketed(column) + " FROM " + Bracketed(rule_.name));
     ExactSum sum;

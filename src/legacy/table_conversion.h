@@ -42,14 +42,14 @@ class TableConversion {
   };
 
   void FindColumns();
-  void TellColumn(const Source& source);
+  void ReportColumn(const Source& source);
   const LegacyValue& ValueOf(const Source& source, const LegacyRow& row) const;
   std::optional<std::string> RefusalOf(const LegacyRow& row);
   void Convert(const LegacyRow& row);
   void SettleIds();
   void SettleMoment(const LegacyRow& row);
   void Store(int id);
-  void TellMissingRecords();
+  void ReportMissingRecords();
   void CheckStored();
   double StoredSum(const std::string& column);
 

@@ -185,7 +185,7 @@ void TabFolder::SelectTab(int tab) {
 }
 
 void TabFolder::Clicked(int tab) {
-  const int previous = std::exchange(tab_on_show_, tab);
+  const int previous = std::exchange(current_tab_, tab);
   window_.PrepareTab(tab, previous);
 }
 

@@ -109,14 +109,14 @@ class TabFolder {
   void Clicked(int tab);
 
   // The tab chosen last; the window opens with tab 0.
-  int TabOnShow() const { return tab_on_show_; }
+  int CurrentTab() const { return current_tab_; }
 
   void UpdatePrintCommands(int tab) { commands_.UpdatePrintCommands(tab, window_.Printable()); }
 
  private:
   CommandStates& commands_;
   TabFolderWindow& window_;
-  int tab_on_show_ = 0;
+  int current_tab_ = 0;
 };
 
 // The panels of `sbRecipe` and `sbTrans` that tell of a database, by their numbers. Each stands

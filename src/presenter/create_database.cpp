@@ -41,7 +41,7 @@ class Creation {
   Creation(const NewDatabase& wanted, DatabaseIdentity& identity, Operator& op,
            CurrentDatabase& current)
       : wanted_(wanted),
-        words_(WordsOf(wanted.kind)),
+        words_(TextsOf(wanted.kind)),
         identity_(identity),
         operator_(op),
         current_(current) {}
@@ -60,7 +60,7 @@ class Creation {
           return true;
         }
         current_ = before;
-        TellNotMade();
+        ReportNotMade();
       }
     } catch (...) {
       std::error_code second_failure;  // the first one is told
@@ -115,7 +115,7 @@ class Creation {
   }
 
   // One of the routines of the identity has reported what failed, but not of which file.
-  void TellNotMade() {
+  void ReportNotMade() {
     Tell(Icon::kCritical, kCreationError,
          Joined({"New ", words_.noun, " database file creation failed.", kLineEnd, kLineEnd,
                  wanted_.path.string(), " was not made: ", identity_.FailureCause()}));
@@ -154,7 +154,7 @@ class Creation {
   }
 
   const NewDatabase& wanted_;
-  const KindWords& words_;
+  const KindTexts& words_;
   DatabaseIdentity& identity_;
   Operator& operator_;
   CurrentDatabase& current_;
@@ -178,7 +178,7 @@ bool CreateDatabase(const NewDatabase& wanted, DatabaseIdentity& identity, Opera
   try {
     return Creation(wanted, identity, op, current).Run();
   } catch (const std::exception& failure) {
-    TellFailure(op, WordsOf(wanted.kind).new_failure, failure);
+    ReportFailure(op, TextsOf(wanted.kind).new_failure, failure);
     return false;
   }
 }

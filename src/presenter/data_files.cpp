@@ -79,7 +79,7 @@ std::string_view Part(std::string_view block, const FileAttributes& part) {
 }  // namespace
 
 ReportFile::ReportFile(Operator& op, FileChooser& chooser, const PrivateINI& settings,
-                       DataTransfer& transfer, FileAttributesTable attributes)
+                       TransferState& transfer, FileAttributesTable attributes)
     : op_(op),
       chooser_(chooser),
       settings_(settings),
@@ -186,7 +186,7 @@ void ReportFile::SaveCheckedFile() {
 }
 
 void ReportFile::OpenRecipeBackupFile() {
-  KeptFile& backup = Kept(DataFileType::kRecipeBackup);
+  LastFile& backup = Kept(DataFileType::kRecipeBackup);
   backup = {};
   const FileChoice choice = chooser_.ShowOpen({.title = "Open Recipe Backup File",
                                                .filter = "Recipe Backup (*.RBU)|*.RBU|"

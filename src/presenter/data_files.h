@@ -14,7 +14,7 @@ namespace vrx {
 class PrivateINI;
 
 // A file last saved or opened: its path, and its name in upper case.
-struct KeptFile {
+struct LastFile {
   std::string path;
   std::string title;
 };
@@ -28,8 +28,8 @@ using FileAttributesTable = std::function<FileAttributes(int file)>;
 class ReportFile {
  public:
   // What is named by reference must outlive the object.
-  ReportFile(Operator& op, FileChooser& chooser, const PrivateINI& settings, DataTransfer& transfer,
-             FileAttributesTable attributes);
+  ReportFile(Operator& op, FileChooser& chooser, const PrivateINI& settings,
+             TransferState& transfer, FileAttributesTable attributes);
 
   // Each asks for a name and writes the data window there. False after a cancel, and after a failed
   // write, which leaves the old file as it was and its reason in SaveFailure.
@@ -50,9 +50,9 @@ class ReportFile {
   void OpenRecipeBackupFile();
   void ForgetRecipeBackupFile() { Kept(DataFileType::kRecipeBackup) = {}; }
 
-  const KeptFile& TransactionFile() const { return Kept(DataFileType::kTransaction); }
-  const KeptFile& RecipeBackupFile() const { return Kept(DataFileType::kRecipeBackup); }
-  const KeptFile& TextReport() const { return Kept(DataFileType::kReport); }
+  const LastFile& TransactionFile() const { return Kept(DataFileType::kTransaction); }
+  const LastFile& RecipeBackupFile() const { return Kept(DataFileType::kRecipeBackup); }
+  const LastFile& TextReport() const { return Kept(DataFileType::kReport); }
 
   // Why the last save failed; empty after a save that did not, and after a cancel.
   const std::string& SaveFailure() const { return save_failure_; }
@@ -61,17 +61,17 @@ class ReportFile {
   bool Save(DataFileType type);
   FileAttributes Attributes(int file) const;
   void MarkSaved(int file, DataFileType type);
-  KeptFile& Kept(DataFileType type) { return kept_.at(static_cast<std::size_t>(type) - 1); }
-  const KeptFile& Kept(DataFileType type) const {
+  LastFile& Kept(DataFileType type) { return kept_.at(static_cast<std::size_t>(type) - 1); }
+  const LastFile& Kept(DataFileType type) const {
     return kept_.at(static_cast<std::size_t>(type) - 1);
   }
 
   Operator& op_;
   FileChooser& chooser_;
   const PrivateINI& settings_;
-  DataTransfer& transfer_;
+  TransferState& transfer_;
   FileAttributesTable attributes_;
-  std::array<KeptFile, 3> kept_;
+  std::array<LastFile, 3> kept_;
   std::string save_failure_;
 };
 

@@ -24,23 +24,23 @@ constexpr Milliseconds kNoDelay{0};
 constexpr std::array kRecipeTabs{+kTabIngredients, +kTabPens, +kTabRecipes};
 constexpr std::array kTransactionTabs{+kTabBatchedFed};
 
-constexpr LifecycleManner kRecipeManner{.goes_to_transfer_tab = true,
-                                        .new_delay = Milliseconds{1000},
-                                        .browse_delay = Milliseconds{500},
-                                        .save_as_delay = Milliseconds{500},
-                                        .save_as_tests_name = true,
-                                        .open_stands_by = true,
-                                        .new_beeps = true,
-                                        .tabs_of_new = kRecipeTabs};
+constexpr KindRules kRecipeManner{.goes_to_transfer_tab = true,
+                                  .new_delay = Milliseconds{1000},
+                                  .browse_delay = Milliseconds{500},
+                                  .save_as_delay = Milliseconds{500},
+                                  .save_as_tests_name = true,
+                                  .open_stands_by = true,
+                                  .new_beeps = true,
+                                  .tabs_of_new = kRecipeTabs};
 
-constexpr LifecycleManner kTransactionManner{.goes_to_transfer_tab = false,
-                                             .new_delay = kNoDelay,
-                                             .browse_delay = kNoDelay,
-                                             .save_as_delay = kNoDelay,
-                                             .save_as_tests_name = false,
-                                             .open_stands_by = false,
-                                             .new_beeps = false,
-                                             .tabs_of_new = kTransactionTabs};
+constexpr KindRules kTransactionManner{.goes_to_transfer_tab = false,
+                                       .new_delay = kNoDelay,
+                                       .browse_delay = kNoDelay,
+                                       .save_as_delay = kNoDelay,
+                                       .save_as_tests_name = false,
+                                       .open_stands_by = false,
+                                       .new_beeps = false,
+                                       .tabs_of_new = kTransactionTabs};
 
 constexpr Milliseconds kOpenDelay{50};
 
@@ -49,27 +49,27 @@ constexpr int kFirstPenItem = 1;
 
 }  // namespace
 
-const LifecycleManner& MannerOf(DatabaseKind kind) {
+const KindRules& RulesOf(DatabaseKind kind) {
   return kind == DatabaseKind::kRecipe ? kRecipeManner : kTransactionManner;
 }
 
-DatabaseLifecycle::DatabaseLifecycle(const Ports& ports, LockWait wait)
+DatabaseCommands::DatabaseCommands(const Ports& ports, LockWait wait)
     : ports_(ports), lock_wait_(wait) {}
 
-bool DatabaseLifecycle::IsOpen(DatabaseKind kind) const {
+bool DatabaseCommands::IsOpen(DatabaseKind kind) const {
   const BoundDatabase& bound = Bound(kind);
   return bound.connection != nullptr && !bound.blank;
 }
 
-void DatabaseLifecycle::Trapped(std::string_view title, const std::function<void()>& body) {
+void DatabaseCommands::Trapped(std::string_view title, const std::function<void()>& body) {
   try {
     body();
   } catch (const std::exception& failure) {
-    TellFailure(ports_.op, title, failure);
+    ReportFailure(ports_.op, title, failure);
   }
 }
 
-void DatabaseLifecycle::OrGoBack(Side& side, const std::function<void()>& body) {
+void DatabaseCommands::OrGoBack(Side& side, const std::function<void()>& body) {
   const SQLite::Database* const connection = side.bound.connection.get();
   const CurrentDatabase current = side.current;
   const PanelTexts panels = side.panels;
@@ -89,8 +89,8 @@ void DatabaseLifecycle::OrGoBack(Side& side, const std::function<void()>& body) 
 
 // New.
 
-void DatabaseLifecycle::New(Side& side) {
-  const KindWords& words = WordsOf(side.kind);
+void DatabaseCommands::New(Side& side) {
+  const KindTexts& words = TextsOf(side.kind);
   Trapped(words.new_failure, [&] {
     GoToTransferTab(side);
     const FileChoice choice =
@@ -99,7 +99,7 @@ void DatabaseLifecycle::New(Side& side) {
                                .default_extension = std::string(words.extension),
                                .start_folder = ports_.app_folder.DefaultAppPath().string(),
                                .flags = kShortNames});
-    if (choice.Cancelled() || !ports_.delay.Wait(MannerOf(side.kind).new_delay)) {
+    if (choice.Cancelled() || !ports_.delay.Wait(RulesOf(side.kind).new_delay)) {
       return;
     }
     const NewDatabase wanted{.kind = side.kind,
@@ -107,7 +107,7 @@ void DatabaseLifecycle::New(Side& side) {
                              .path = choice.path,
                              .title = choice.title,
                              .unit = ports_.settings.SystemUnits(),
-                             .accepted = [&] { StandBy(side, "Standby..."); }};
+                             .accepted = [&] { ShowBusyText(side, "Standby..."); }};
     OrGoBack(side, [&] {
       const PanelTexts panels = side.panels;
       if (CreateDatabase(wanted, ports_.identity, ports_.op, side.current)) {
@@ -119,7 +119,7 @@ void DatabaseLifecycle::New(Side& side) {
   });
 }
 
-void DatabaseLifecycle::ShowNew(Side& side) {
+void DatabaseCommands::ShowNew(Side& side) {
   if (!BindOpened(side, BindUserDatabase(side.current.path, lock_wait_),
                   {.path = side.current.path,
                    .name = side.current.name,
@@ -131,7 +131,7 @@ void DatabaseLifecycle::ShowNew(Side& side) {
   ShowPanel(side, kPanelCreated, DefaultText(ports_.calendar.Today()));
   ShowPanel(side, kPanelUnit, side.bound.unit);
   EnableCommands(side);
-  const LifecycleManner& manner = MannerOf(side.kind);
+  const KindRules& manner = RulesOf(side.kind);
   for (const int tab : manner.tabs_of_new) {
     ports_.commands.TurnTab(tab, true);
   }
@@ -144,8 +144,8 @@ void DatabaseLifecycle::ShowNew(Side& side) {
 
 // Open.
 
-void DatabaseLifecycle::Browse(Side& side) {
-  const KindWords& words = WordsOf(side.kind);
+void DatabaseCommands::Browse(Side& side) {
+  const KindTexts& words = TextsOf(side.kind);
   Trapped(words.open_failure, [&] {
     GoToTransferTab(side);
     const FileChoice choice =
@@ -154,7 +154,7 @@ void DatabaseLifecycle::Browse(Side& side) {
                                .default_extension = std::string(words.extension),
                                .start_folder = ports_.app_folder.DefaultAppPath().string(),
                                .flags = kShortNames | kFileMustExist | kHideReadOnly});
-    if (choice.Cancelled() || !ports_.delay.Wait(MannerOf(side.kind).browse_delay)) {
+    if (choice.Cancelled() || !ports_.delay.Wait(RulesOf(side.kind).browse_delay)) {
       return;
     }
     Open(side,
@@ -162,9 +162,10 @@ void DatabaseLifecycle::Browse(Side& side) {
   });
 }
 
-void DatabaseLifecycle::Open(Side& side, FileToOpen file) {
-  Trapped(WordsOf(side.kind).open_failure, [&] {
-    if (!ports_.delay.Wait(kOpenDelay) || !PassEarlier(side, file) || !IsUserDatabase(side, file)) {
+void DatabaseCommands::Open(Side& side, FileToOpen file) {
+  Trapped(TextsOf(side.kind).open_failure, [&] {
+    if (!ports_.delay.Wait(kOpenDelay) || !ConvertIfLegacy(side, file) ||
+        !IsUserDatabase(side, file)) {
       return;
     }
     BoundDatabase next = BindUserDatabase(file.path, lock_wait_);
@@ -172,9 +173,9 @@ void DatabaseLifecycle::Open(Side& side, FileToOpen file) {
       WarnOfMissingRecords(next, file.name);
     }
     OrGoBack(side, [&] {
-      if (MannerOf(side.kind).open_stands_by) {
+      if (RulesOf(side.kind).open_stands_by) {
         ports_.op.SetBusy(true);
-        StandBy(side, "Standby... Loading");
+        ShowBusyText(side, "Standby... Loading");
       }
       if (!BindOpened(side, std::move(next), file)) {
         return;
@@ -188,19 +189,19 @@ void DatabaseLifecycle::Open(Side& side, FileToOpen file) {
   });
 }
 
-bool DatabaseLifecycle::PassEarlier(const Side& side, FileToOpen& file) {
+bool DatabaseCommands::ConvertIfLegacy(const Side& side, FileToOpen& file) {
   if (ports_.earlier == nullptr) {
     return true;
   }
-  const EarlierDatabase found = ports_.earlier->Offer(side.kind, file.path);
-  if (found.outcome == EarlierDatabase::Outcome::kOpenCopy) {
+  const LegacyOpening found = ports_.earlier->Offer(side.kind, file.path);
+  if (found.outcome == LegacyOpening::Outcome::kOpenCopy) {
     file = {.path = found.copy, .name = FileTitle(found.copy), .becomes_current = true};
   }
-  return found.outcome != EarlierDatabase::Outcome::kEnd;
+  return found.outcome != LegacyOpening::Outcome::kEnd;
 }
 
-bool DatabaseLifecycle::IsUserDatabase(const Side& side, const FileToOpen& file) {
-  const KindWords& words = WordsOf(side.kind);
+bool DatabaseCommands::IsUserDatabase(const Side& side, const FileToOpen& file) {
+  const KindTexts& words = TextsOf(side.kind);
   const std::string type = ports_.identity.GetDatabaseType(file.path);
   if (type == words.user_type) {
     return true;
@@ -215,8 +216,8 @@ bool DatabaseLifecycle::IsUserDatabase(const Side& side, const FileToOpen& file)
   return false;
 }
 
-void DatabaseLifecycle::WarnOfMissingRecords(const BoundDatabase& database,
-                                             const std::string& name) {
+void DatabaseCommands::WarnOfMissingRecords(const BoundDatabase& database,
+                                            const std::string& name) {
   const std::string missing = ToText(FindMissingRecords(*database.connection));
   if (missing.empty()) {
     return;
@@ -230,7 +231,7 @@ void DatabaseLifecycle::WarnOfMissingRecords(const BoundDatabase& database,
 }
 
 // False: another database is bound by now, or the program closes.
-bool DatabaseLifecycle::BindOpened(Side& side, BoundDatabase next, const FileToOpen& file) {
+bool DatabaseCommands::BindOpened(Side& side, BoundDatabase next, const FileToOpen& file) {
   BoundDatabase previous = Bind(side, std::move(next));
   const SQLite::Database* const connection = side.bound.connection.get();
   if (file.becomes_current) {
@@ -256,7 +257,7 @@ bool DatabaseLifecycle::BindOpened(Side& side, BoundDatabase next, const FileToO
   return side.bound.connection.get() == connection && !ports_.delay.Closing();
 }
 
-void DatabaseLifecycle::FinishRecipeOpen(Side& side, const FileToOpen& file) {
+void DatabaseCommands::FinishRecipeOpen(Side& side, const FileToOpen& file) {
   ShowOpened(side, file);
   ports_.window.ShowTransferOption();
   EnableCommands(side);
@@ -266,7 +267,7 @@ void DatabaseLifecycle::FinishRecipeOpen(Side& side, const FileToOpen& file) {
   BeepIfEnabled(ports_.op, ports_.settings);
 }
 
-void DatabaseLifecycle::FinishTransactionOpen(Side& side, const FileToOpen& file) {
+void DatabaseCommands::FinishTransactionOpen(Side& side, const FileToOpen& file) {
   ShowOpened(side, file);
   EnableCommands(side);
   if (ports_.delay.Wait(kOpenDelay)) {
@@ -274,7 +275,7 @@ void DatabaseLifecycle::FinishTransactionOpen(Side& side, const FileToOpen& file
   }
 }
 
-void DatabaseLifecycle::ShowOpened(Side& side, const FileToOpen& file) {
+void DatabaseCommands::ShowOpened(Side& side, const FileToOpen& file) {
   side.current.unit = side.bound.unit;
   ShowPanel(side, kPanelName,
             side.bound.read_only_note.empty() ? file.name : file.name + " (read-only)");
@@ -292,7 +293,7 @@ void DatabaseLifecycle::ShowOpened(Side& side, const FileToOpen& file) {
 
 // The new connection is open before the old one goes, and the old one goes only when no view is
 // left on it.
-BoundDatabase DatabaseLifecycle::Bind(Side& side, BoundDatabase next) {
+BoundDatabase DatabaseCommands::Bind(Side& side, BoundDatabase next) {
   if (side.moving) {
     throw Error("the views are on their way to another database");
   }
@@ -302,42 +303,42 @@ BoundDatabase DatabaseLifecycle::Bind(Side& side, BoundDatabase next) {
     ports_.window.Rebind(side.kind, next);
   } catch (...) {
     side.moving = false;
-    side.forsaken = std::move(next);
+    side.previous = std::move(next);
     if (side.bound.connection) {
       ports_.window.Rebind(side.kind, side.bound);
-      side.forsaken = {};
+      side.previous = {};
     }
     throw;
   }
   side.moving = false;
-  side.forsaken = {};
+  side.previous = {};
   ++side.binding;
   return std::exchange(side.bound, std::move(next));
 }
 
-void DatabaseLifecycle::GoToTransferTab(const Side& side) {
-  if (MannerOf(side.kind).goes_to_transfer_tab) {
+void DatabaseCommands::GoToTransferTab(const Side& side) {
+  if (RulesOf(side.kind).goes_to_transfer_tab) {
     ports_.tabs.SelectTab(kTabDataTransfer);
   }
 }
 
-void DatabaseLifecycle::StandBy(Side& side, std::string_view text) {
+void DatabaseCommands::ShowBusyText(Side& side, std::string_view text) {
   ShowPanel(side, kPanelName, text);
   ClearPanels(side, {kPanelUnit, kPanelCreated, kPanelModified});
 }
 
-void DatabaseLifecycle::ClearPanels(Side& side, std::initializer_list<StatusPanel> panels) {
+void DatabaseCommands::ClearPanels(Side& side, std::initializer_list<StatusPanel> panels) {
   for (const StatusPanel panel : panels) {
     ShowPanel(side, panel, {});
   }
 }
 
-void DatabaseLifecycle::ShowPanel(Side& side, StatusPanel panel, std::string_view text) {
+void DatabaseCommands::ShowPanel(Side& side, StatusPanel panel, std::string_view text) {
   side.panels[panel] = text;
   ports_.window.SetStatusPanel(side.kind, panel, text);
 }
 
-void DatabaseLifecycle::ShowPanels(Side& side, const PanelTexts& texts) {
+void DatabaseCommands::ShowPanels(Side& side, const PanelTexts& texts) {
   if (texts == side.panels) {
     return;
   }
@@ -346,12 +347,12 @@ void DatabaseLifecycle::ShowPanels(Side& side, const PanelTexts& texts) {
   }
 }
 
-void DatabaseLifecycle::EnableCommands(const Side& side) {
+void DatabaseCommands::EnableCommands(const Side& side) {
   side.kind == DatabaseKind::kRecipe ? ports_.commands.EnableRecipeCommands()
                                      : ports_.commands.EnableTransactionCommands();
 }
 
-void DatabaseLifecycle::DisableCommands(const Side& side) {
+void DatabaseCommands::DisableCommands(const Side& side) {
   side.kind == DatabaseKind::kRecipe ? ports_.commands.DisableRecipeCommands()
                                      : ports_.commands.DisableTransactionCommands();
 }

@@ -24,7 +24,7 @@
 namespace vrx {
 
 // How the routines of the two databases differ, all of it on purpose.
-struct LifecycleManner {
+struct KindRules {
   bool goes_to_transfer_tab;  // before the dialog of New and Open
   Milliseconds new_delay;     // each lets the dialog's place be repainted
   Milliseconds browse_delay;
@@ -35,7 +35,7 @@ struct LifecycleManner {
   std::span<const int> tabs_of_new;  // turned on in this order; the first one is selected
 };
 
-const LifecycleManner& MannerOf(DatabaseKind kind);
+const KindRules& RulesOf(DatabaseKind kind);
 
 // What the databases' lifecycle asks of the main window.
 class DatabaseWindow {
@@ -69,7 +69,7 @@ class DatabaseWindow {
 };
 
 // What came of a file that is to be opened and may be of an earlier generation of the program.
-struct EarlierDatabase {
+struct LegacyOpening {
   enum class Outcome {
     kGoOn,      // it is none, or is not to be converted: opened like any file
     kOpenCopy,  // `copy` was made of it, and is opened in its place
@@ -80,10 +80,10 @@ struct EarlierDatabase {
 };
 
 // Asks the operator about files of an earlier generation. Throws nothing of its own; runs events.
-class EarlierDatabases {
+class LegacyOpener {
  public:
-  virtual ~EarlierDatabases() = default;
-  virtual EarlierDatabase Offer(DatabaseKind kind, const std::filesystem::path& path) = 0;
+  virtual ~LegacyOpener() = default;
+  virtual LegacyOpening Offer(DatabaseKind kind, const std::filesystem::path& path) = 0;
 };
 
 // New, Open, Close, Save and Save As of both databases: who asks for a file, in what order the main
@@ -100,7 +100,7 @@ class EarlierDatabases {
 //
 // While a routine waits, events run, and so may another routine. Whatever is referred to outlives
 // this.
-class DatabaseLifecycle {
+class DatabaseCommands {
  public:
   struct Ports {
     Operator& op;
@@ -114,11 +114,11 @@ class DatabaseLifecycle {
     CommandStates& commands;
     TabFolder& tabs;
     DatabaseWindow& window;
-    EarlierDatabases* earlier = nullptr;  // none: such a file is opened like any other
+    LegacyOpener* earlier = nullptr;  // none: such a file is opened like any other
   };
 
   // Nothing is bound until both databases have been closed once, as the window's Load does.
-  explicit DatabaseLifecycle(const Ports& ports, LockWait wait = kBusyTimeout);
+  explicit DatabaseCommands(const Ports& ports, LockWait wait = kBusyTimeout);
 
   // RecipeDbPath, RecipeDbName, RecipeDbUoM and those of the transaction side. Path and name are
   // empty after a Save As, and may name a recalled file that was never opened: Bound tells what is
@@ -178,7 +178,7 @@ class DatabaseLifecycle {
     DatabaseKind kind;
     CurrentDatabase current = {};
     BoundDatabase bound = {};
-    BoundDatabase forsaken = {};  // views that failed to move may stand on it still
+    BoundDatabase previous = {};  // views that failed to move may stand on it still
     bool moving = false;          // the views are being rebound
     int binding = 0;              // counts what was bound: tells whether an event bound another one
     bool unit_asked = false;      // in this opening
@@ -202,7 +202,7 @@ class DatabaseLifecycle {
   void Browse(Side& side);
   void Open(Side& side, FileToOpen file);
   // False: nothing is to be opened. The file becomes the copy that was made of it.
-  bool PassEarlier(const Side& side, FileToOpen& file);
+  bool ConvertIfLegacy(const Side& side, FileToOpen& file);
   bool IsUserDatabase(const Side& side, const FileToOpen& file);
   void WarnOfMissingRecords(const BoundDatabase& database, const std::string& name);
   bool BindOpened(Side& side, BoundDatabase next, const FileToOpen& file);
@@ -225,7 +225,7 @@ class DatabaseLifecycle {
   // Returns what the views stood on before.
   BoundDatabase Bind(Side& side, BoundDatabase next);
   void GoToTransferTab(const Side& side);
-  void StandBy(Side& side, std::string_view text);
+  void ShowBusyText(Side& side, std::string_view text);
   void ClearPanels(Side& side, std::initializer_list<StatusPanel> panels);
   void ShowPanel(Side& side, StatusPanel panel, std::string_view text);
   void ShowPanels(Side& side, const PanelTexts& texts);

@@ -68,7 +68,7 @@ bool DatabaseIdentity::SetDatabaseUoM(const fs::path& path, std::string_view uni
 
 bool DatabaseIdentity::SetDatabaseUoM(SQLite::Database& database, std::string_view unit) {
   return Trapped("Database UoM Write Error", [&] {
-    Translated(database, [&] {
+    WithDatabaseErrors(database, [&] {
       SQLite::Transaction transaction(database, SQLite::TransactionBehavior::IMMEDIATE);
       WriteField(database, kUnitField, unit);
       DateChange(database);

@@ -21,7 +21,7 @@ constexpr std::string_view kWaitingAfterLoad =
 
 }  // namespace
 
-DirectConnection::DirectConnection(KRMCOMM& krm, DataTransfer& transfer, EventPump& pump,
+DirectConnection::DirectConnection(KRMCOMM& krm, TransferState& transfer, EventPump& pump,
                                    Operator& op, const PrivateINI& settings)
     : krm_(krm), transfer_(transfer), pump_(pump), op_(op), settings_(settings) {}
 
@@ -62,7 +62,7 @@ bool DirectConnection::Enter() {
   }
   transfer_.data_window.clear();
   transfer_.file_path.clear();
-  TellNeutral(op_, kWaiting);
+  ReportNeutral(op_, kWaiting);
   ShowTab(Connection::kIndicator);
   return true;
 }
@@ -171,13 +171,13 @@ void DirectConnection::HandleByte(char byte) {
 
 void DirectConnection::Tell(bool answered, std::string_view done, std::string_view failed) {
   if (answered) {
-    TellNeutral(op_, done);
+    ReportNeutral(op_, done);
     return;
   }
   // What the operator or the end of the program cuts off is no failure.
   if (!krm_.GB_KRM_AbortDirectConnect() && !pump_.Closing()) {
     answer_failed_ = true;
-    TellFailed(op_, failed);
+    ReportFailed(op_, failed);
   }
 }
 
@@ -203,7 +203,7 @@ void DirectConnection::StartUpdates() {
 void DirectConnection::Update() {
   const std::size_t bytes = krm_.GS_KRM_VirtualMemory().size();
   if (bytes == 0) {
-    TellNeutral(op_, kWaiting);
+    ReportNeutral(op_, kWaiting);
   }
   SetMemorySize(bytes);
   transfer_.memory_bar = static_cast<int>(std::min<std::size_t>(bytes, kMemoryBarMaximum));

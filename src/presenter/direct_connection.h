@@ -13,7 +13,7 @@ namespace vrx {
 // must outlive every call that runs.
 class DirectConnection {
  public:
-  DirectConnection(KRMCOMM& krm, DataTransfer& transfer, EventPump& pump, Operator& op,
+  DirectConnection(KRMCOMM& krm, TransferState& transfer, EventPump& pump, Operator& op,
                    const PrivateINI& settings);
 
   // The click that chooses the module. Ends a running connection; its loop, below on the stack,
@@ -60,7 +60,7 @@ class DirectConnection {
   bool ReopenHeldLine();
 
   KRMCOMM& krm_;
-  DataTransfer& transfer_;
+  TransferState& transfer_;
   EventPump& pump_;
   Operator& op_;
   const PrivateINI& settings_;

@@ -29,7 +29,7 @@ Download::Download(KRMCOMM& krm, EventPump& pump, Operator& op, const PrivateINI
 bool Download::DownloadToModule(std::string_view text) {
   // A handler inside the waits may change what the caller's view points to.
   const std::string bytes(text);
-  TellStandby(op_);
+  ReportStandby(op_);
   krm_.GL_KRM_TxDCount(0);
   if (!krm_.KRM_OnlineCheck()) {
     return Fail("KRM not detected");
@@ -48,19 +48,19 @@ bool Download::ClearAndSend(std::string_view text) {
   if (!krm_.KRM_Download(text)) {
     return Fail("Download failed");
   }
-  TellComplete(op_, "Download complete!  (" + std::to_string(krm_.GL_KRM_TxDCount()) +
-                        " bytes, Recipe Data)");
+  ReportComplete(op_, "Download complete!  (" + std::to_string(krm_.GL_KRM_TxDCount()) +
+                          " bytes, Recipe Data)");
   BeepIfEnabled(op_, settings_);
   return true;
 }
 
 bool Download::Fail(std::string_view words) {
   const bool own_words = pump_.Closing() || krm_.KRM_LineHeld();
-  TellFailed(op_, "Error: " + (own_words ? krm_.GS_KRM_ErrMsg() : std::string(words)));
+  ReportFailed(op_, "Error: " + (own_words ? krm_.GS_KRM_ErrMsg() : std::string(words)));
   return false;
 }
 
-void RecipeDownloadSession::DownloadRecipeToKRM() {
+void DownloadPresenter::DownloadRecipeToKRM() {
   ports_.transfer.file_path.clear();
   ports_.op.SetStatusLine("");
   ports_.transfer.recipe_frames_visible = true;
@@ -68,7 +68,7 @@ void RecipeDownloadSession::DownloadRecipeToKRM() {
   ShowInWindow("");
 }
 
-bool RecipeDownloadSession::OpenRecipeDB() {
+bool DownloadPresenter::OpenRecipeDB() {
   ports_.host.OpenRecipeDatabase();
   ports_.transfer.file_path = ports_.host.RecipeDatabase().path.string();
   ports_.host.TransferChanged();
@@ -78,11 +78,11 @@ bool RecipeDownloadSession::OpenRecipeDB() {
   if (ports_.transfer.connection == Connection::kIndicator) {
     return DownloadRecipeDB();
   }
-  TellNeutral(ports_.op, "Recipe database-file opened, ready to download.");
+  ReportNeutral(ports_.op, "Recipe database-file opened, ready to download.");
   return true;
 }
 
-bool RecipeDownloadSession::DownloadRecipeDB() {
+bool DownloadPresenter::DownloadRecipeDB() {
   LineGuard::Claim line = TakeLine();
   if (!line) {
     return false;
@@ -114,7 +114,7 @@ bool RecipeDownloadSession::DownloadRecipeDB() {
   return BuildFromDatabase(database) && Send();
 }
 
-bool RecipeDownloadSession::OpenRecipeBU() {
+bool DownloadPresenter::OpenRecipeBU() {
   ports_.files.OpenRecipeBackupFile();
   const std::string path = ports_.files.RecipeBackupFile().path;
   if (IsRescueFile(path)) {
@@ -130,16 +130,16 @@ bool RecipeDownloadSession::OpenRecipeBU() {
   if (ports_.transfer.connection == Connection::kIndicator) {
     return DownloadRecipeBU();
   }
-  TellNeutral(ports_.op, "Recipe backup-file opened, ready to download.");
+  ReportNeutral(ports_.op, "Recipe backup-file opened, ready to download.");
   return true;
 }
 
-bool RecipeDownloadSession::DownloadRecipeBU() {
+bool DownloadPresenter::DownloadRecipeBU() {
   LineGuard::Claim line = TakeLine();
   if (!line) {
     return false;
   }
-  const KeptFile backup = ports_.files.RecipeBackupFile();
+  const LastFile backup = ports_.files.RecipeBackupFile();
   ports_.op.SetStatusLine("");
   ports_.transfer.file_path = backup.path;
   ports_.host.TransferChanged();
@@ -160,15 +160,15 @@ bool RecipeDownloadSession::DownloadRecipeBU() {
   return Send();
 }
 
-void RecipeDownloadSession::Refuse(std::string_view title, std::string_view text,
-                                   std::string_view focus) {
+void DownloadPresenter::Refuse(std::string_view title, std::string_view text,
+                               std::string_view focus) {
   BeepIfEnabled(ports_.op, ports_.settings);
   ports_.op.ShowMessage(
       {.icon = Icon::kWarning, .title = std::string(title), .text = std::string(text)});
   ports_.host.FocusControl(focus);
 }
 
-bool RecipeDownloadSession::ConfirmOverwrite(const std::string& source) {
+bool DownloadPresenter::ConfirmOverwrite(const std::string& source) {
   BeepIfEnabled(ports_.op, ports_.settings);
   return ports_.op.ShowMessage(
              {.icon = Icon::kQuestion,
@@ -179,17 +179,17 @@ bool RecipeDownloadSession::ConfirmOverwrite(const std::string& source) {
               .refuses_by_default = true}) == Answer::kYes;
 }
 
-void RecipeDownloadSession::ShowInWindow(std::string text) {
+void DownloadPresenter::ShowInWindow(std::string text) {
   ports_.transfer.data_window = std::move(text);
   ports_.host.TransferChanged();
 }
 
-void RecipeDownloadSession::AppendToWindow(std::string_view line) {
+void DownloadPresenter::AppendToWindow(std::string_view line) {
   ports_.transfer.data_window.append(line).append("\r\n");
   ports_.host.TransferChanged();
 }
 
-bool RecipeDownloadSession::BuildFromDatabase(const CurrentDatabase& database) {
+bool DownloadPresenter::BuildFromDatabase(const CurrentDatabase& database) {
   ports_.transfer.data_window.clear();
   AppendToWindow("Building recipe file to download:");
   try {
@@ -211,7 +211,7 @@ bool RecipeDownloadSession::BuildFromDatabase(const CurrentDatabase& database) {
   return false;
 }
 
-bool RecipeDownloadSession::LoadBackup(const std::string& path) {
+bool DownloadPresenter::LoadBackup(const std::string& path) {
   try {
     ShowInWindow(ReadRecipeBackup(path));
     return true;
@@ -227,13 +227,13 @@ bool RecipeDownloadSession::LoadBackup(const std::string& path) {
   }
 }
 
-LineGuard::Claim RecipeDownloadSession::TakeLine() {
+LineGuard::Claim DownloadPresenter::TakeLine() {
   return ports_.transfer.connection == Connection::kModule
              ? ports_.download.Guard().TakeForCommand()
              : ports_.direct.Guard().TakeForTransmission();
 }
 
-bool RecipeDownloadSession::Send() {
+bool DownloadPresenter::Send() {
   if (ports_.transfer.connection == Connection::kModule) {
     return ports_.download.DownloadToModule(ports_.transfer.data_window);
   }

@@ -66,21 +66,21 @@ class RecipeDownloadHost {
 
 // The download side of the Data Transfer tab: from a recipe database or a backup to the module, or
 // into the memory that an indicator on the cable fetches it from.
-class RecipeDownloadSession {
+class DownloadPresenter {
  public:
   struct Ports {
     Operator& op;
     const PrivateINI& settings;
     const Calendar& calendar;
     DatabaseIdentity& identity;
-    DataTransfer& transfer;
+    TransferState& transfer;
     ReportFile& files;
     Download& download;
     DirectConnection& direct;
     RecipeDownloadHost& host;
   };
 
-  explicit RecipeDownloadSession(const Ports& ports) : ports_(ports) {}
+  explicit DownloadPresenter(const Ports& ports) : ports_(ports) {}
 
   // The clicks of the buttons of those names. What goes wrong is reported to the operator. While
   // the line is in use, the buttons that would use it do nothing.

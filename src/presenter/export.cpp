@@ -51,18 +51,18 @@ fs::path ComposePath(const ExportForm& form) {
 
 }  // namespace
 
-void ExportTab::EnterExportTab() {
+void ExportPresenter::EnterExportTab() {
   form_.progress_visible = false;
   form_.lbl_data_group = ports_.host.DataGroup().text;
   ports_.host.ConfigureImportColumns();
   ports_.host.ExportChanged();
 }
 
-int ExportTab::KeyPressInFName(int key) {
+int ExportPresenter::KeyPressInFName(int key) {
   return key == kBackspaceKey ? key : FilterDescriptionKey(key);
 }
 
-void ExportTab::ClickExport() {
+void ExportPresenter::ClickExport() {
   if (running_) {
     return;
   }
@@ -70,7 +70,7 @@ void ExportTab::ClickExport() {
   TrapExportError(ports_.op, ports_.settings, [&] { return ValidateExportInput() && RunExport(); });
 }
 
-bool ExportTab::ValidateExportInput() {
+bool ExportPresenter::ValidateExportInput() {
   if (TrimBlanks(form_.txt_f_name).empty()) {
     ShowExportMessage(ports_.op, Icon::kCritical, "Please enter File Name.");
     ports_.host.FocusControl("txtFName");
@@ -84,7 +84,7 @@ bool ExportTab::ValidateExportInput() {
   return HasDataToExport(ports_.op, ports_.host.DataGroup().grid);
 }
 
-bool ExportTab::RunExport() {
+bool ExportPresenter::RunExport() {
   Folder::CheckPathAndCreate(form_.txt_f_path);
   ShowExportProgress(true);
   if (ports_.pump.Closing()) {
@@ -101,12 +101,12 @@ bool ExportTab::RunExport() {
     form_.prg_export = form_.prg_export_max;
     ports_.host.ExportChanged();
   }
-  TellExportOutcome(ports_.op, outcome);
+  ReportExportOutcome(ports_.op, outcome);
   ShowExportProgress(false);
   return outcome.done;
 }
 
-void ExportTab::ClickBrowse() {
+void ExportPresenter::ClickBrowse() {
   if (!running_) {
     Browse();
   }
@@ -114,7 +114,7 @@ void ExportTab::ClickBrowse() {
 
 // A disc that cannot be written is not refused here: no folder of this platform is known by the
 // drive it lies on, and the export tells whatever it cannot write.
-void ExportTab::Browse() {
+void ExportPresenter::Browse() {
   const std::string folder = ports_.files.ShowFolder("Choose the File Path for Exporting the Data");
   if (!folder.empty()) {
     form_.txt_f_path = folder;
@@ -122,7 +122,7 @@ void ExportTab::Browse() {
   }
 }
 
-void ExportTab::ClickReset() {
+void ExportPresenter::ClickReset() {
   if (running_) {
     return;
   }
@@ -132,7 +132,7 @@ void ExportTab::ClickReset() {
   ports_.host.ExportChanged();
 }
 
-void ExportTab::ShowExportProgress(bool on) {
+void ExportPresenter::ShowExportProgress(bool on) {
   form_.progress_visible = on;
   form_.prg_export_max = 100;
   form_.lbl_data_group = ports_.host.DataGroup().text;
@@ -141,13 +141,13 @@ void ExportTab::ShowExportProgress(bool on) {
   ports_.pump.Pump(Milliseconds{0});
 }
 
-void ExportTab::UpdateExportProgress(int step) {
+void ExportPresenter::UpdateExportProgress(int step) {
   const int sum = form_.prg_export + step;
   form_.prg_export = sum > form_.prg_export_max ? 0 : sum;
   ports_.host.ExportChanged();
 }
 
-DataGroupOnShow OnShow(HistoryView& view) {
+ExportSource Current(HistoryPresenter& view) {
   return {.grid = view.Grid(),
           .index = view.GroupIndex(),
           .text = view.CurrentDataGroupText(),
@@ -166,7 +166,7 @@ bool HasDataToExport(Operator& op, const HistoryGrid& grid) {
   return false;
 }
 
-void TellExportOutcome(Operator& op, const ExportOutcome& outcome) {
+void ReportExportOutcome(Operator& op, const ExportOutcome& outcome) {
   if (outcome.done) {
     ShowExportMessage(op, Icon::kInformation, "Data exported successfully.");
   } else if (!TrimBlanks(outcome.error_text).empty()) {

@@ -12,7 +12,7 @@
 
 namespace vrx {
 
-class HistoryView;
+class HistoryPresenter;
 class PrivateINI;
 
 // What the export asks of the main window.
@@ -23,7 +23,7 @@ class ExportHost {
   virtual OpenDatabases Databases() const = 0;
 
   // The `Batched/Fed` tab as it stands.
-  virtual DataGroupOnShow DataGroup() = 0;
+  virtual ExportSource DataGroup() = 0;
 
   // The import's routine of that name.
   virtual void ConfigureImportColumns() = 0;
@@ -48,7 +48,7 @@ struct ExportForm {
 
 // The Export tab without its window. An export holds the thread until it is written; other events
 // run once at its start and once at its end, and what is clicked then does nothing.
-class ExportTab {
+class ExportPresenter {
  public:
   // Everything referred to outlives the tab.
   struct Ports {
@@ -60,9 +60,9 @@ class ExportTab {
     ExportHost& host;
   };
 
-  explicit ExportTab(const Ports& ports) : ports_(ports) {}
-  ExportTab(const ExportTab&) = delete;
-  ExportTab& operator=(const ExportTab&) = delete;
+  explicit ExportPresenter(const Ports& ports) : ports_(ports) {}
+  ExportPresenter(const ExportPresenter&) = delete;
+  ExportPresenter& operator=(const ExportPresenter&) = delete;
 
   void EnterExportTab();
 
@@ -94,7 +94,7 @@ class ExportTab {
 };
 
 // The data group of the `Batched/Fed` tab. Valid until another event runs.
-DataGroupOnShow OnShow(HistoryView& view);
+ExportSource Current(HistoryPresenter& view);
 
 class PrivateINI;
 
@@ -105,7 +105,7 @@ void ShowExportMessage(Operator& op, Icon icon, std::string_view text);
 // True if the grid has a row; else the operator was told that there is nothing to export.
 bool HasDataToExport(Operator& op, const HistoryGrid& grid);
 
-void TellExportOutcome(Operator& op, const ExportOutcome& outcome);
+void ReportExportOutcome(Operator& op, const ExportOutcome& outcome);
 
 // The error trap of an export: passes the result of `action` on, or tells what it throws, with a
 // beep, and returns false.

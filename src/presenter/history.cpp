@@ -151,24 +151,24 @@ void NamePicker::GeneralDelay(Milliseconds delay) {
   }
 }
 
-HistoryView::HistoryView(SQLite::Database& transactions, const HistoryPorts& ports)
+HistoryPresenter::HistoryPresenter(SQLite::Database& transactions, const HistoryPorts& ports)
     : ports_(ports),
       grid_(transactions),
       picker_(ports.pump, [this] { ports_.screen.HistoryChanged(HistoryPart::kNamePicker); }) {}
 
-void HistoryView::SetTransactionDatabase(SQLite::Database& transactions) {
+void HistoryPresenter::SetTransactionDatabase(SQLite::Database& transactions) {
   grid_.Bind(transactions);
   grid_.ApplyExpandState(expand_all_);
   ports_.screen.HistoryChanged(HistoryPart::kGrid);
 }
 
-void HistoryView::SetRecipeDatabase(SQLite::Database* recipes) {
+void HistoryPresenter::SetRecipeDatabase(SQLite::Database* recipes) {
   grid_.RefreshIngredientColumns(IngredientGridRows(recipes));
   recipes_ = recipes;
   ports_.screen.HistoryChanged(HistoryPart::kGrid);
 }
 
-void HistoryView::SelectGroup(int index) {
+void HistoryPresenter::SelectGroup(int index) {
   const DataGroup* const group = FindDataGroup(index);
   if (group == nullptr) {
     return;
@@ -203,11 +203,11 @@ void HistoryView::SelectGroup(int index) {
   ShowGridVisible(true);
 }
 
-std::string_view HistoryView::CurrentDataGroupText() const {
+std::string_view HistoryPresenter::CurrentDataGroupText() const {
   return FindDataGroup(group_index_)->item;
 }
 
-void HistoryView::PickName(int item) {
+void HistoryPresenter::PickName(int item) {
   if (GetNamedGroupColumn().empty()) {
     return;
   }
@@ -221,41 +221,41 @@ void HistoryView::PickName(int item) {
   });
 }
 
-std::string_view HistoryView::GetNamedGroupColumn() const {
+std::string_view HistoryPresenter::GetNamedGroupColumn() const {
   return FindDataGroup(group_index_)->named_column;
 }
 
-void HistoryView::SetExpandAll(bool on) {
+void HistoryPresenter::SetExpandAll(bool on) {
   expand_all_ = on;
   Act([this] { grid_.ApplyExpandState(expand_all_); });
 }
 
-void HistoryView::OpenGroup(std::int64_t row) {
+void HistoryPresenter::OpenGroup(std::int64_t row) {
   Act([&] { grid_.OpenGroup(row); });
 }
 
-void HistoryView::CloseGroup(std::int64_t row) {
+void HistoryPresenter::CloseGroup(std::int64_t row) {
   Act([&] { grid_.CloseGroup(row); });
 }
 
-std::int64_t HistoryView::SortByColumn(int column, std::int64_t row) {
+std::int64_t HistoryPresenter::SortByColumn(int column, std::int64_t row) {
   std::int64_t followed = row;
   Act([&] { followed = grid_.SortByColumn(column, row); });
   return followed;
 }
 
-void HistoryView::MoveColumn(int column, int position) {
+void HistoryPresenter::MoveColumn(int column, int position) {
   Act([&] { grid_.MoveColumn(column, position); });
 }
 
-void HistoryView::TabChanged() {
+void HistoryPresenter::TabChanged() {
   Act([this] {
     grid_.CollapseAll();
     grid_.ApplyExpandState(expand_all_);
   });
 }
 
-void HistoryView::TabEntered() {
+void HistoryPresenter::TabEntered() {
   picker_.EnterTab();
   Act([this] {
     grid_.RefreshIngredientColumns(IngredientGridRows(recipes_));
@@ -263,21 +263,21 @@ void HistoryView::TabEntered() {
   });
 }
 
-bool HistoryView::Trapped(const std::function<void()>& action) {
+bool HistoryPresenter::Trapped(const std::function<void()>& action) {
   try {
     action();
     return true;
   } catch (const std::exception& failure) {
-    TellFailure(failure);
+    ReportFailure(failure);
     return false;
   }
 }
 
-void HistoryView::TellFailure(const std::exception& failure) {
+void HistoryPresenter::ReportFailure(const std::exception& failure) {
   ports_.identity.ShowDatabaseError(FailureNumber(failure), kFailureTitle, failure.what());
 }
 
-void HistoryView::Refuse(std::string_view column) {
+void HistoryPresenter::Refuse(std::string_view column) {
   std::string names(column);
   names.front() = static_cast<char>(names.front() - 'A' + 'a');
   ports_.op.ShowMessage({.icon = Icon::kWarning,
@@ -286,7 +286,7 @@ void HistoryView::Refuse(std::string_view column) {
                                  " names can be listed."});
 }
 
-void HistoryView::SetUp(const DataGroup& group, const std::function<bool()>& wanted) {
+void HistoryPresenter::SetUp(const DataGroup& group, const std::function<bool()>& wanted) {
   if (group.named_column.empty()) {
     picker_.Hide();
   } else if (!picker_.Offer(group.named_column, *recipes_, wanted)) {
@@ -296,7 +296,8 @@ void HistoryView::SetUp(const DataGroup& group, const std::function<bool()>& wan
   grid_.SetUp(group, "");
 }
 
-std::vector<IngredientRecord> HistoryView::IngredientGridRows(SQLite::Database* recipes) const {
+std::vector<IngredientRecord> HistoryPresenter::IngredientGridRows(
+    SQLite::Database* recipes) const {
   if (recipes == nullptr) {
     return {};
   }
@@ -307,12 +308,12 @@ std::vector<IngredientRecord> HistoryView::IngredientGridRows(SQLite::Database* 
   return rows;
 }
 
-void HistoryView::ShowGridVisible(bool visible) {
+void HistoryPresenter::ShowGridVisible(bool visible) {
   grid_visible_ = visible;
   ports_.screen.HistoryChanged(HistoryPart::kGrid);
 }
 
-void HistoryView::Act(const std::function<void()>& action) {
+void HistoryPresenter::Act(const std::function<void()>& action) {
   Trapped(action);
   ports_.screen.HistoryChanged(HistoryPart::kGrid);
 }

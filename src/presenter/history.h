@@ -81,9 +81,9 @@ class NamePicker {
 enum class HistoryPart { kGroupList, kNamePicker, kGrid };
 
 // The controls of the `Batched/Fed` tab.
-class HistoryScreen {
+class HistoryView {
  public:
-  virtual ~HistoryScreen() = default;
+  virtual ~HistoryView() = default;
   // A part is no longer as it was shown; it is to be read anew from the view.
   virtual void HistoryChanged(HistoryPart part) = 0;
 };
@@ -93,7 +93,7 @@ struct HistoryPorts {
   Operator& op;
   EventPump& pump;
   DatabaseIdentity& identity;  // tells failures
-  HistoryScreen& screen;
+  HistoryView& screen;
 };
 
 // The `Batched/Fed` tab: the flow behind its controls, without a window. A failure of the storage
@@ -101,13 +101,13 @@ struct HistoryPorts {
 //
 // While names are loaded other events run. A group that such an event selects is set up at once and
 // is the one that stays.
-class HistoryView {
+class HistoryPresenter {
  public:
   // Nothing is shown before the first SelectGroup. A database outlives the view, or the next one
   // that is set. Throws DatabaseError.
-  HistoryView(SQLite::Database& transactions, const HistoryPorts& ports);
-  HistoryView(const HistoryView&) = delete;
-  HistoryView& operator=(const HistoryView&) = delete;
+  HistoryPresenter(SQLite::Database& transactions, const HistoryPorts& ports);
+  HistoryPresenter(const HistoryPresenter&) = delete;
+  HistoryPresenter& operator=(const HistoryPresenter&) = delete;
 
   // Another transaction database is open: the grid shows the same group of it. Where the storage
   // fails, throws DatabaseError and shows the old one still; runs no events.
@@ -146,7 +146,7 @@ class HistoryView {
   void TabEntered();
 
   // Tells a failure of reading Grid().
-  void TellFailure(const std::exception& failure);
+  void ReportFailure(const std::exception& failure);
 
   // While false a group is being set up: `grdTRANS` is hidden.
   bool GridVisible() const { return grid_visible_; }

@@ -20,7 +20,7 @@ std::string CountText(std::int32_t count) { return Format(static_cast<double>(co
 
 }  // namespace
 
-ImportSession::ImportSession(const Ports& ports)
+ImportPresenter::ImportPresenter(const Ports& ports)
     : ports_(ports), store_(ports.op, ports.settings, ports.calendar, ports.progress, [this] {
         ports_.host.SaveTransactionDatabase();
       }) {
@@ -30,7 +30,7 @@ ImportSession::ImportSession(const Ports& ports)
   }
 }
 
-bool ImportSession::ImportXFile() {
+bool ImportPresenter::ImportXFile() {
   form_.grd_import_visible = true;
   ports_.host.ImportChanged();
   const FileChoice choice =
@@ -42,7 +42,7 @@ bool ImportSession::ImportXFile() {
   return !choice.Cancelled() && ImportFile(choice);
 }
 
-bool ImportSession::ImportFile(const FileChoice& choice) {
+bool ImportPresenter::ImportFile(const FileChoice& choice) {
   file_.SetFilePath(choice.path);
   file_.SetFileName(UnicodeUpperCase(choice.title));
   EmptyImport();
@@ -53,20 +53,20 @@ bool ImportSession::ImportFile(const FileChoice& choice) {
   ports_.host.ImportChanged();
   if (imported) {
     ports_.host.FocusControl("cmdImportStore");
-    TellUnreadFeeds();
+    ReportUnreadFeeds();
   }
   return imported;
 }
 
 // Rows of an earlier file must not be stored in place of one that is refused.
-void ImportSession::EmptyImport() {
+void ImportPresenter::EmptyImport() {
   file_.ClearImport();
   form_.grd_import_rows = kEmptyGridRows;
   form_.cmd_import_store_enabled = false;
   stored_ = false;
 }
 
-void ImportSession::TellUnreadFeeds() {
+void ImportPresenter::ReportUnreadFeeds() {
   const std::vector<UnreadFeed>& feeds = file_.Imported().UnreadFeeds();
   if (!feeds.empty()) {
     ports_.op.ShowMessage({.icon = Icon::kWarning,
@@ -76,7 +76,7 @@ void ImportSession::TellUnreadFeeds() {
   }
 }
 
-bool ImportSession::ParseAndShow() {
+bool ImportPresenter::ParseAndShow() {
   const ImportHooks hooks{.configure_columns = [this] { ConfigureImportColumns(); },
                           .show_grid =
                               [this](std::int32_t rows) {
@@ -107,7 +107,7 @@ bool ImportSession::ParseAndShow() {
   return parsed;
 }
 
-void ImportSession::ConfigureImportColumns() {
+void ImportPresenter::ConfigureImportColumns() {
   const auto column_of = [this](int ingredient) -> ImportGridColumn& {
     return form_.grd_import_columns.at(
         static_cast<std::size_t>(kFirstIngredientWeight - 1 + ingredient - 1));
@@ -130,7 +130,7 @@ void ImportSession::ConfigureImportColumns() {
   ports_.host.ImportChanged();
 }
 
-void ImportSession::EnterImportTab() {
+void ImportPresenter::EnterImportTab() {
   ports_.progress.SetProgressMessage({});
   for (ImportLabel* label : {&form_.lbl_trans_filename, &form_.lbl_trans_uom, &form_.lbl_records,
                              &form_.lbl_transactions}) {
@@ -143,12 +143,12 @@ void ImportSession::EnterImportTab() {
   ConfigureImportColumns();
 }
 
-void ImportSession::ShowOrHideProgress() {
+void ImportPresenter::ShowOrHideProgress() {
   form_.pic_import_progress_visible = ports_.settings.ShowImportProgressOn();
   ports_.host.ImportChanged();
 }
 
-StoreOutcome ImportSession::ClickImportStore() {
+StoreOutcome ImportPresenter::ClickImportStore() {
   const OpenDatabases databases = ports_.host.Databases();
   if (databases.trans_db_path.empty()) {
     Refuse(
@@ -173,12 +173,12 @@ StoreOutcome ImportSession::ClickImportStore() {
   return store_.StoreImportedTransactions(file_.Imported(), databases, stored_);
 }
 
-void ImportSession::Refuse(std::string text) {
+void ImportPresenter::Refuse(std::string text) {
   ports_.op.ShowMessage(
       {Icon::kWarning, Buttons::kOk, std::string(kStoreErrorTitle), std::move(text)});
 }
 
-bool ImportSession::ConfirmUnits(const OpenDatabases& databases) {
+bool ImportPresenter::ConfirmUnits(const OpenDatabases& databases) {
   const std::string& units = file_.FileUnits();
   if (units == ports_.settings.SystemUnits() && units == databases.trans_db_uom) {
     return true;

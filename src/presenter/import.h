@@ -34,7 +34,7 @@ class ImportHost {
   // DatabaseError.
   virtual std::vector<IngredientRecord> GridIngredients() = 0;
 
-  // Selecting the Import tab leads to ImportSession::EnterImportTab.
+  // Selecting the Import tab leads to ImportPresenter::EnterImportTab.
   virtual void SelectTab(int tab) = 0;
 
   // Gives the control of that name the focus if it is visible and enabled.
@@ -69,7 +69,7 @@ struct ImportForm {
 
 // From a transaction file to stored rows, as the Import tab leads it: holds the form's state, and
 // the import itself.
-class ImportSession {
+class ImportPresenter {
  public:
   struct Ports {
     Operator& op;
@@ -82,9 +82,9 @@ class ImportSession {
     ImportHost& host;
   };
 
-  explicit ImportSession(const Ports& ports);
-  ImportSession(const ImportSession&) = delete;
-  ImportSession& operator=(const ImportSession&) = delete;
+  explicit ImportPresenter(const Ports& ports);
+  ImportPresenter(const ImportPresenter&) = delete;
+  ImportPresenter& operator=(const ImportPresenter&) = delete;
 
   // Asks for a file and imports it. False after a cancel, with nothing changed but the grid shown,
   // and after a failure that the operator was told.
@@ -111,7 +111,7 @@ class ImportSession {
  private:
   bool ParseAndShow();
   void EmptyImport();
-  void TellUnreadFeeds();
+  void ReportUnreadFeeds();
   void Refuse(std::string text);
   bool ConfirmUnits(const OpenDatabases& databases);
 

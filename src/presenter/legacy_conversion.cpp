@@ -17,7 +17,7 @@ namespace fs = std::filesystem;
 
 namespace {
 
-using Outcome = EarlierDatabase::Outcome;
+using Outcome = LegacyOpening::Outcome;
 
 // A file that cannot be read is for the road of any file to tell.
 JetFileKind KindOfFile(const fs::path& path) {
@@ -43,7 +43,7 @@ class Progress {
 
 }  // namespace
 
-EarlierDatabase ConversionOffer::Offer(DatabaseKind kind, const fs::path& path) {
+LegacyOpening ConversionOffer::Offer(DatabaseKind kind, const fs::path& path) {
   const JetFileKind file = KindOfFile(path);
   if (!IsJetFile(file)) {
     return {.outcome = Outcome::kGoOn};
@@ -72,7 +72,7 @@ bool ConversionOffer::Asked() {
 }
 
 std::optional<fs::path> ConversionOffer::AskCopy(DatabaseKind kind) {
-  const KindWords& words = WordsOf(kind);
+  const KindTexts& words = TextsOf(kind);
   while (true) {
     const FileChoice choice =
         ports_.files.ShowSave({.title = "Save Converted Copy As...",
@@ -111,7 +111,7 @@ bool ConversionOffer::Convert(DatabaseKind kind, const fs::path& old_file, const
   } catch (const ConversionStopped&) {
     return false;
   } catch (const DatabaseError& failure) {
-    TellFailure(ports_.op, kConversionErrorTitle, failure);
+    ReportFailure(ports_.op, kConversionErrorTitle, failure);
     return false;
   } catch (const std::exception& failure) {
     Refuse(failure.what());

@@ -22,7 +22,7 @@ inline constexpr std::string_view kConversionErrorTitle = "Database Conversion E
 
 // Asks about a Jet file that is to be opened, and converts a copy of it. Whatever goes wrong is
 // told. Whatever is referred to outlives this.
-class ConversionOffer : public EarlierDatabases {
+class ConversionOffer : public LegacyOpener {
  public:
   struct Ports {
     Operator& op;
@@ -37,7 +37,7 @@ class ConversionOffer : public EarlierDatabases {
 
   explicit ConversionOffer(const Ports& ports) : ports_(ports) {}
 
-  EarlierDatabase Offer(DatabaseKind kind, const std::filesystem::path& path) override;
+  LegacyOpening Offer(DatabaseKind kind, const std::filesystem::path& path) override;
 
  private:
   bool Asked();

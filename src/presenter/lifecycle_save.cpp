@@ -32,8 +32,8 @@ std::string UnitQuestion(const BoundDatabase& database, const std::string& syste
 // Close and Save.
 
 // Goes to its end whatever happens on the way: the side must not stay half open.
-void DatabaseLifecycle::Close(Side& side) {
-  const std::string_view title = WordsOf(side.kind).close_failure;
+void DatabaseCommands::Close(Side& side) {
+  const std::string_view title = TextsOf(side.kind).close_failure;
   side.current = {};
   Trapped(title, [&] { BindBlank(side); });
   ClearPanels(side, {kPanelName, kPanelUnit, kPanelCreated, kPanelModified});
@@ -42,19 +42,19 @@ void DatabaseLifecycle::Close(Side& side) {
   Trapped(title, [&] { ports_.tabs.SelectTab(kTabDataTransfer); });
 }
 
-void DatabaseLifecycle::BindBlank(Side& side) {
+void DatabaseCommands::BindBlank(Side& side) {
   try {
     const fs::path directory = ports_.system.ProgramDirectory();
-    Bind(side, BindBlankTemplate(directory / WordsOf(side.kind).template_name, lock_wait_));
+    Bind(side, BindBlankTemplate(directory / TextsOf(side.kind).template_name, lock_wait_));
   } catch (const std::exception& failure) {
-    TellFailure(ports_.op, WordsOf(side.kind).close_failure, failure);
+    ReportFailure(ports_.op, TextsOf(side.kind).close_failure, failure);
     Bind(side, BindBlankInMemory(side.kind));
   }
 }
 
 // Opens again what is open, whatever path and name say. The file is looked at before the close, so
 // that one which cannot be opened again stays open.
-void DatabaseLifecycle::Save(Side& side) {
+void DatabaseCommands::Save(Side& side) {
   if (!IsOpen(side.kind)) {
     return;
   }
@@ -72,8 +72,8 @@ void DatabaseLifecycle::Save(Side& side) {
 
 // Save As.
 
-bool DatabaseLifecycle::AskSaveAs(Side& side) {
-  const KindWords& words = WordsOf(side.kind);
+bool DatabaseCommands::AskSaveAs(Side& side) {
+  const KindTexts& words = TextsOf(side.kind);
   bool chosen = false;
   Trapped(words.save_as_failure, [&] {
     const FileChoice choice =
@@ -81,7 +81,7 @@ bool DatabaseLifecycle::AskSaveAs(Side& side) {
                                .filter = std::string(words.filter).append(kAllFiles),
                                .default_extension = std::string(words.extension),
                                .flags = kShortNames | kHideReadOnly | kOverwritePrompt});
-    const LifecycleManner& manner = MannerOf(side.kind);
+    const KindRules& manner = RulesOf(side.kind);
     if (choice.Cancelled() || !ports_.delay.Wait(manner.save_as_delay) ||
         (manner.save_as_tests_name && !AcceptDatabaseName(choice.title, ports_.op))) {
       return;
@@ -93,11 +93,11 @@ bool DatabaseLifecycle::AskSaveAs(Side& side) {
   return chosen;
 }
 
-void DatabaseLifecycle::SaveAs(Side& side) {
+void DatabaseCommands::SaveAs(Side& side) {
   if (!IsOpen(side.kind) || !AskSaveAs(side)) {
     return;
   }
-  Trapped(WordsOf(side.kind).save_as_failure, [&] {
+  Trapped(TextsOf(side.kind).save_as_failure, [&] {
     const fs::path source = side.bound.path;
     const fs::path target = save_as_path_;
     const std::string name = save_as_name_;
@@ -109,7 +109,7 @@ void DatabaseLifecycle::SaveAs(Side& side) {
 }
 
 // The views of the other database must not be left on a file that is no longer there.
-void DatabaseLifecycle::RequireUnbound(const fs::path& target) const {
+void DatabaseCommands::RequireUnbound(const fs::path& target) const {
   for (const Side* side : {&recipe_, &transaction_}) {
     std::error_code not_there;
     if (!side->bound.path.empty() && fs::equivalent(target, side->bound.path, not_there)) {
@@ -120,7 +120,7 @@ void DatabaseLifecycle::RequireUnbound(const fs::path& target) const {
 
 // Units.
 
-void DatabaseLifecycle::WarnIfUnitsDiffer(std::string_view unit) {
+void DatabaseCommands::WarnIfUnitsDiffer(std::string_view unit) {
   if (unit != ports_.settings.SystemUnits()) {
     ports_.op.ShowMessage(
         {.icon = Icon::kWarning,
@@ -131,18 +131,18 @@ void DatabaseLifecycle::WarnIfUnitsDiffer(std::string_view unit) {
   }
 }
 
-void DatabaseLifecycle::AskAboutUnits() {
+void DatabaseCommands::AskAboutUnits() {
   AskAboutUnit(recipe_);
   AskAboutUnit(transaction_);
 }
 
-bool DatabaseLifecycle::MayRelabel(const Side& side) const {
+bool DatabaseCommands::MayRelabel(const Side& side) const {
   return IsOpen(side.kind) && !side.moving && side.bound.read_only_note.empty() &&
          side.bound.unit != ports_.settings.SystemUnits();
 }
 
 // While the question is up, an event may open another database.
-void DatabaseLifecycle::AskAboutUnit(Side& side) {
+void DatabaseCommands::AskAboutUnit(Side& side) {
   if (side.unit_asked || !MayRelabel(side)) {
     return;
   }
@@ -166,17 +166,17 @@ void DatabaseLifecycle::AskAboutUnit(Side& side) {
 
 // Start and end of the program.
 
-void DatabaseLifecycle::Recall(DatabaseKind kind, const fs::path& path, const std::string& name) {
+void DatabaseCommands::Recall(DatabaseKind kind, const fs::path& path, const std::string& name) {
   Side& side = SideOf(kind);
   side.current.path = path;
   side.current.name = name;
 }
 
-void DatabaseLifecycle::Release() {
+void DatabaseCommands::Release() {
   ports_.window.ReleaseViews();
   for (Side* side : {&recipe_, &transaction_}) {
     side->bound = {};
-    side->forsaken = {};
+    side->previous = {};
   }
 }
 

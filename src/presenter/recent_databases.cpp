@@ -15,7 +15,7 @@ void RecentDatabases::Load() {
 }
 
 bool RecentDatabases::Recall(DatabaseKind kind, bool autoload_on) {
-  const KindWords& words = WordsOf(kind);
+  const KindTexts& words = TextsOf(kind);
   const std::string path = store_.GetSetting(words.recent_path_key);
   const std::string name = store_.GetSetting(words.recent_name_key);
   databases_.Recall(kind, path, name);

@@ -11,7 +11,7 @@ namespace vrx {
 class RecentDatabases {
  public:
   RecentDatabases(const UserSettings& store, const PrivateINI& settings,
-                  DatabaseLifecycle& databases)
+                  DatabaseCommands& databases)
       : store_(store), settings_(settings), databases_(databases) {}
 
   // The window's Load: recalls paths and names, also of files that are gone, and works out what is
@@ -29,7 +29,7 @@ class RecentDatabases {
 
   const UserSettings& store_;
   const PrivateINI& settings_;
-  DatabaseLifecycle& databases_;
+  DatabaseCommands& databases_;
   bool first_activate_ = false;
   bool autoload_recipe_pending_ = false;
   bool autoload_trans_pending_ = false;

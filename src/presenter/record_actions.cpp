@@ -33,7 +33,7 @@ Answer Ask(const FeedPorts& ports, const RecordKindTraits& traits, const std::st
                                .text = "Reset " + record + std::string(traits.reset_question_end)});
 }
 
-void TellUsed(const FeedPorts& ports, const RecordKindTraits& traits, const std::string& record) {
+void ReportUsed(const FeedPorts& ports, const RecordKindTraits& traits, const std::string& record) {
   ports.op.ShowMessage(
       {.icon = Icon::kWarning,
        .buttons = Buttons::kOkCancel,
@@ -41,7 +41,7 @@ void TellUsed(const FeedPorts& ports, const RecordKindTraits& traits, const std:
        .text = "Sorry, cannot reset " + record + std::string(traits.reset_refusal_end)});
 }
 
-void TellFailures(Operator& op, const std::string& failures) {
+void ReportFailures(Operator& op, const std::string& failures) {
   if (!failures.empty()) {
     op.ShowMessage(
         {.icon = Icon::kWarning,
@@ -67,7 +67,7 @@ ResetOutcome AskAndReset(SQLite::Database& database, RecordKind kind, int id,
     ports.op.SetBusy(false);
     outcome = reset ? ResetOutcome::kReset : ResetOutcome::kInUse;
     if (!reset) {
-      TellUsed(ports, traits, record);
+      ReportUsed(ports, traits, record);
     } else if (traits.reset_beeps) {
       BeepIfEnabled(ports.op, ports.settings);
     }
@@ -90,7 +90,7 @@ bool UpdateRecipes(SQLite::Database& database, ProgressDisplay& progress, const 
   if (!stored) {
     return false;
   }
-  TellFailures(ports.op, failures);
+  ReportFailures(ports.op, failures);
   BeepIfEnabled(ports.op, ports.settings);
   return failures.empty();
 }

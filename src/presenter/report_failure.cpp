@@ -37,12 +37,12 @@ bool HandleEditEvent(Operator& op, const std::function<void()>& event) {
   return false;
 }
 
-void TellEditFailure(Operator& op, const std::exception& failure) {
+void ReportEditFailure(Operator& op, const std::exception& failure) {
   const bool refused = dynamic_cast<const FieldRefusal*>(&failure) != nullptr;
   Tell(op, refused ? kFieldErrorTitle : kEditErrorTitle, failure.what());
 }
 
-void TellFieldRefusal(Operator& op, std::string_view refusal) {
+void ReportFieldRefusal(Operator& op, std::string_view refusal) {
   op.ShowMessage({.icon = Icon::kCritical,
                   .title = std::string(kFieldErrorTitle),
                   .text = std::string(refusal)});
@@ -70,14 +70,14 @@ EditEnd AskAboutEdit(Operator& op, std::string_view what, std::string cause,
   }
 }
 
-void TellEditGivenUp(Operator& op, std::string_view what, std::string_view cause) {
+void ReportEditGivenUp(Operator& op, std::string_view what, std::string_view cause) {
   Tell(op, kEditErrorTitle, NotStored(what, cause) + "It is given up.");
 }
 
 bool RunFeedAction(const SQLite::Database& database, const FeedPorts& ports, std::string_view title,
                    const std::function<bool()>& action) {
   try {
-    return Translated(database, action);
+    return WithDatabaseErrors(database, action);
   } catch (const std::exception& failure) {
     ports.op.SetBusy(false);
     ports.identity.ShowDatabaseError(FailureNumber(failure), title, failure.what());
@@ -85,7 +85,7 @@ bool RunFeedAction(const SQLite::Database& database, const FeedPorts& ports, std
   }
 }
 
-void TellFailure(Operator& op, std::string_view title, const std::exception& failure) {
+void ReportFailure(Operator& op, std::string_view title, const std::exception& failure) {
   op.ShowMessage({.icon = Icon::kCritical,
                   .title = std::string(title),
                   .text = "Error: " + std::to_string(FailureNumber(failure)),

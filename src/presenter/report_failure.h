@@ -20,10 +20,10 @@ namespace vrx {
 bool HandleEditEvent(Operator& op, const std::function<void()>& event);
 
 // Beeps and says in a box why an edit failed, a failure of the storage included.
-void TellEditFailure(Operator& op, const std::exception& failure);
+void ReportEditFailure(Operator& op, const std::exception& failure);
 
 // The same for a field that may not be left as it is.
-void TellFieldRefusal(Operator& op, std::string_view refusal);
+void ReportFieldRefusal(Operator& op, std::string_view refusal);
 
 enum class EditEnd { kStored, kDiscarded, kStays };
 
@@ -33,7 +33,7 @@ EditEnd AskAboutEdit(Operator& op, std::string_view what, std::string cause,
                      const std::function<void()>& store);
 
 // Says that an edit which could not be stored is given up.
-void TellEditGivenUp(Operator& op, std::string_view what, std::string_view cause);
+void ReportEditGivenUp(Operator& op, std::string_view what, std::string_view cause);
 
 // What an action on the records asks of its surroundings. Everything referred to outlives it.
 struct FeedPorts {
@@ -50,6 +50,6 @@ bool RunFeedAction(const SQLite::Database& database, const FeedPorts& ports, std
 
 // The box of a routine that has trapped a failure: "Error: " and its number under the routine's
 // title, with what() as the cause.
-void TellFailure(Operator& op, std::string_view title, const std::exception& failure);
+void ReportFailure(Operator& op, std::string_view title, const std::exception& failure);
 
 }  // namespace vrx

@@ -260,8 +260,8 @@ std::string AssociationsText(const SystemInfo& system) {
   return text;
 }
 
-void TakeSetupControls(const SetupControls& controls, std::string_view recipe_unit,
-                       std::string_view transaction_unit, PrivateINI& settings, Operator& op) {
+void ApplySetupControls(const SetupControls& controls, std::string_view recipe_unit,
+                        std::string_view transaction_unit, PrivateINI& settings, Operator& op) {
   settings.SetSystemUnits(controls.SystemUnits());
   WarnIfUnitsChange(settings.SystemUnits(), recipe_unit, transaction_unit, op);
   settings.SetSerialPort(controls.SerialPort());

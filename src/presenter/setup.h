@@ -89,8 +89,8 @@ std::string AssociationsText(const SystemInfo& system);
 
 // `cmdOK`: the settings become what is chosen; the file is written at the exit. Warns ahead of the
 // port when an open database has another unit then; "" for the unit of one that is not open.
-void TakeSetupControls(const SetupControls& controls, std::string_view recipe_unit,
-                       std::string_view transaction_unit, PrivateINI& settings, Operator& op);
+void ApplySetupControls(const SetupControls& controls, std::string_view recipe_unit,
+                        std::string_view transaction_unit, PrivateINI& settings, Operator& op);
 
 // What `SETUP` only shows. Lines end in CR LF.
 

@@ -21,7 +21,7 @@ struct DataFileRow {
 enum class Connection { kModule = 0, kIndicator = 1 };
 
 // What the Data Transfer tab holds. Texts are bytes as they came over the line.
-struct DataTransfer {
+struct TransferState {
   std::string transfer_block;  // the last upload or memory read
   bool block_is_cut = true;    // the data files hold the whole block
   ReceivedData received;

@@ -20,7 +20,7 @@ void Tell(Operator& op, StatusColor color, std::string_view words) {
 
 }  // namespace
 
-Upload::Upload(KRMCOMM& krm, DataTransfer& transfer, EventPump& pump, Operator& op,
+Upload::Upload(KRMCOMM& krm, TransferState& transfer, EventPump& pump, Operator& op,
                const PrivateINI& settings)
     : krm_(krm), transfer_(transfer), pump_(pump), op_(op), settings_(settings) {}
 
@@ -53,7 +53,7 @@ void Upload::ClearTab() {
 
 int Upload::UploadFromModule() {
   transfer_.data_window.clear();
-  TellStandby(op_);
+  ReportStandby(op_);
   const Hourglass hourglass(op_);
   if (!krm_.KRM_OnlineCheck()) {
     ModuleNotDetected();
@@ -64,8 +64,8 @@ int Upload::UploadFromModule() {
                       " bytes");
   });
   if (!krm_.KRM_Dump()) {
-    TellFailed(op_, "Error: " + (krm_.GS_KRM_ErrMsg().empty() ? krm_.KRM_FailureCause()
-                                                              : krm_.GS_KRM_ErrMsg()));
+    ReportFailed(op_, "Error: " + (krm_.GS_KRM_ErrMsg().empty() ? krm_.KRM_FailureCause()
+                                                                : krm_.GS_KRM_ErrMsg()));
     return 0;
   }
   return TakeReply();
@@ -73,7 +73,7 @@ int Upload::UploadFromModule() {
 
 void Upload::ModuleNotDetected() {
   if (pump_.Closing()) {
-    TellFailed(op_, "Error: " + krm_.GS_KRM_ErrMsg());
+    ReportFailed(op_, "Error: " + krm_.GS_KRM_ErrMsg());
     return;
   }
   BeepIfEnabled(op_, settings_);
@@ -82,7 +82,7 @@ void Upload::ModuleNotDetected() {
                    .text = "The KRM was not detected. Please verify that the module is connected. "
                            "Check cable and connector and then try again.",
                    .cause = krm_.KRM_FailureCause()});
-  TellFailed(op_, krm_.KRM_LineHeld() ? "Error: Serial line held" : "Error: KRM not detected");
+  ReportFailed(op_, krm_.KRM_LineHeld() ? "Error: Serial line held" : "Error: KRM not detected");
 }
 
 int Upload::TakeReply() {
@@ -91,7 +91,7 @@ int Upload::TakeReply() {
   transfer_.transfer_block = krm_.KRM_ExtractData(krm_.GS_KRM_RxDBuffer());
   if (transfer_.transfer_block.empty()) {
     transfer_.data_window.clear();
-    TellFailed(op_, krm_.GS_KRM_ErrMsg());
+    ReportFailed(op_, krm_.GS_KRM_ErrMsg());
     return 0;
   }
   // With the framing, without what followed it.
@@ -106,7 +106,7 @@ void Upload::UploadFromFile(const std::filesystem::path& file) {
   transfer_.transfer_block = std::move(bytes);
   int count = 0;
   if (transfer_.transfer_block.empty()) {
-    TellFailed(op_, "The file is empty");
+    ReportFailed(op_, "The file is empty");
   } else {
     count = CutFiles("Memory read complete!", transfer_.transfer_block.size());
   }
@@ -139,16 +139,16 @@ int Upload::CutFiles(std::string_view done_words, std::size_t told_bytes) {
     if (count == 0) {
       transfer_.data_window = transfer_.transfer_block;
       krm_.GS_KRM_ErrMsg("No recognized data file!");
-      TellFailed(op_, krm_.GS_KRM_ErrMsg());
+      ReportFailed(op_, krm_.GS_KRM_ErrMsg());
       return 0;
     }
-    TellComplete(op_, std::string(done_words) + "  (" + std::to_string(told_bytes) + " bytes, " +
-                          std::to_string(count) + (count > 1 ? " files)" : " file)"));
+    ReportComplete(op_, std::string(done_words) + "  (" + std::to_string(told_bytes) + " bytes, " +
+                            std::to_string(count) + (count > 1 ? " files)" : " file)"));
     return count;
   } catch (const TooManyFilesError& error) {
     transfer_.data_window = transfer_.transfer_block;
     krm_.GS_KRM_ErrMsg(std::string("Error: ") + error.what() + ", the rest is not listed");
-    TellFailed(op_, krm_.GS_KRM_ErrMsg());
+    ReportFailed(op_, krm_.GS_KRM_ErrMsg());
     return kMaxDataFiles;
   }
 }
@@ -186,12 +186,12 @@ void Upload::ShowDataFile(int file) {
                                       static_cast<std::size_t>(attributes.length));
 }
 
-void TellStandby(Operator& op) { Tell(op, StatusColor::kBlue, "Standby..."); }
+void ReportStandby(Operator& op) { Tell(op, StatusColor::kBlue, "Standby..."); }
 
-void TellNeutral(Operator& op, std::string_view words) { Tell(op, StatusColor::kBlue, words); }
+void ReportNeutral(Operator& op, std::string_view words) { Tell(op, StatusColor::kBlue, words); }
 
-void TellComplete(Operator& op, std::string_view words) { Tell(op, StatusColor::kGreen, words); }
+void ReportComplete(Operator& op, std::string_view words) { Tell(op, StatusColor::kGreen, words); }
 
-void TellFailed(Operator& op, std::string_view words) { Tell(op, StatusColor::kRed, words); }
+void ReportFailed(Operator& op, std::string_view words) { Tell(op, StatusColor::kRed, words); }
 
 }  // namespace vrx

@@ -14,7 +14,7 @@ namespace vrx {
 // it is busy, red after a failure, green at the end. References must outlive the object.
 class Upload {
  public:
-  Upload(KRMCOMM& krm, DataTransfer& transfer, EventPump& pump, Operator& op,
+  Upload(KRMCOMM& krm, TransferState& transfer, EventPump& pump, Operator& op,
          const PrivateINI& settings);
 
   // The button: clears the tab, uploads from the module, or in the direct connection reads the
@@ -47,7 +47,7 @@ class Upload {
   void ListDataFiles(int count);
 
   KRMCOMM& krm_;
-  DataTransfer& transfer_;
+  TransferState& transfer_;
   EventPump& pump_;
   Operator& op_;
   const PrivateINI& settings_;
@@ -67,9 +67,9 @@ class Hourglass {
 
 // The status line of a transfer, always with the color of its words: blue and "Standby..." at its
 // start, blue for what is neither success nor failure, green at a good end, red at a bad one.
-void TellStandby(Operator& op);
-void TellNeutral(Operator& op, std::string_view words);
-void TellComplete(Operator& op, std::string_view words);
-void TellFailed(Operator& op, std::string_view words);
+void ReportStandby(Operator& op);
+void ReportNeutral(Operator& op, std::string_view words);
+void ReportComplete(Operator& op, std::string_view words);
+void ReportFailed(Operator& op, std::string_view words);
 
 }  // namespace vrx

@@ -39,7 +39,7 @@ class OutFile : public QIODevice {
       throw FileError(*failure_);
     }
     KeepDatabase(path_);  // One may have been made while the report was printed.
-    file_.TakePlace();
+    file_.Commit();
   }
 
  protected:
@@ -59,13 +59,13 @@ class OutFile : public QIODevice {
 
  private:
   std::filesystem::path path_;
-  ReplacingFile file_;
+  AtomicFile file_;
   std::optional<std::string> failure_;
 };
 
-class PdfFile : public Paper {
+class PdfTarget : public PrintTarget {
  public:
-  PdfFile(const std::filesystem::path& path, const std::string& title) : file_(path) {
+  PdfTarget(const std::filesystem::path& path, const std::string& title) : file_(path) {
     writer_.emplace(&file_);
     writer_->setResolution(kDotsPerInch);
     writer_->setTitle(QString::fromStdString(title));
@@ -128,9 +128,10 @@ void ReportJob::End() {
   }
 }
 
-std::unique_ptr<Paper> MakePdfFile(const std::filesystem::path& path, const std::string& title) {
+std::unique_ptr<PrintTarget> MakePdfFile(const std::filesystem::path& path,
+                                         const std::string& title) {
   KeepDatabase(path);
-  return std::make_unique<PdfFile>(path, title);
+  return std::make_unique<PdfTarget>(path, title);
 }
 
 void SetUpPaper(QPagedPaintDevice& device) {
@@ -140,7 +141,7 @@ void SetUpPaper(QPagedPaintDevice& device) {
       QPageLayout::Millimeter);
 }
 
-bool PrintOn(Paper& paper, const std::function<bool(ReportJob&)>& print) {
+bool PrintOn(PrintTarget& paper, const std::function<bool(ReportJob&)>& print) {
   {
     ReportJob job(paper.Device());
     if (!print(job)) {

@@ -41,7 +41,7 @@ PageTexts Texts(const std::vector<std::string>& center, std::string right,
 std::string_view ActiveOrAll(bool active_only) { return active_only ? "(active)" : "(all)"; }
 
 // The columns whose totals are told, in this order.
-std::span<const RecipeColumn> ToldTotals(LineEntry entry) {
+std::span<const RecipeColumn> SpecifiedTotals(LineEntry entry) {
   static constexpr std::array kByWeight = {kColumnTarget,           kColumnRationPercent,
                                            kColumnDryMatterPercent, kColumnDryMatter,
                                            kColumnBatchTarget,      kColumnHandAdd};
@@ -211,12 +211,12 @@ PageTexts SetPageHeadersIngredients(bool active_only, const ReportFacts& facts) 
                {}, facts);
 }
 
-PageTexts SetPageHeadersRecipe(const RecipeOnShow& recipe, const ReportFacts& facts) {
+PageTexts SetPageHeadersRecipe(const CurrentRecipe& recipe, const ReportFacts& facts) {
   const RecipeRecord& record = recipe.ration.recipe;
   std::vector<std::string> center{"Report: Recipe (" + WithoutTrailingBlanks(record.name) + ")",
                                   "Description: " + record.description, RecipeFile(facts), "",
                                   "Totals:"};
-  for (const RecipeColumn column : ToldTotals(recipe.Entry())) {
+  for (const RecipeColumn column : SpecifiedTotals(recipe.Entry())) {
     center.push_back(ColumnCaption(column, facts.caption_unit) + " = " +
                      recipe.totals.*RecipeColumns()[column].total);
   }

@@ -51,7 +51,7 @@ struct ReportFacts {
 
 // The `SetPageHeaders` routines.
 PageTexts SetPageHeadersIngredients(bool active_only, const ReportFacts& facts);
-PageTexts SetPageHeadersRecipe(const RecipeOnShow& recipe, const ReportFacts& facts);
+PageTexts SetPageHeadersRecipe(const CurrentRecipe& recipe, const ReportFacts& facts);
 PageTexts SetPageHeadersPens(bool active_only, const ReportFacts& facts);
 PageTexts SetPageHeadersTransactions(std::string_view data_group, const ReportFacts& facts);
 // The unit is that of the imported file.

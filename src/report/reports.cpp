@@ -143,12 +143,12 @@ Report PenReport(const std::vector<PenRecord>& rows, bool active_only, const Rep
       std::move(listed), facts);
 }
 
-Report RecipeReport(const RecipeOnShow& recipe, const std::vector<IngredientRecord>& ingredients,
+Report RecipeReport(const CurrentRecipe& recipe, const std::vector<IngredientRecord>& ingredients,
                     const ReportFacts& facts) {
   return RecipeReport(recipe, ColumnsInSight(recipe.Entry()), ingredients, facts);
 }
 
-Report RecipeReport(const RecipeOnShow& recipe, const std::vector<int>& shown,
+Report RecipeReport(const CurrentRecipe& recipe, const std::vector<int>& shown,
                     const std::vector<IngredientRecord>& ingredients, const ReportFacts& facts) {
   std::map<std::string, std::string> names;
   for (const IngredientRecord& ingredient : ingredients) {
@@ -170,8 +170,8 @@ Report RecipeReport(const RecipeOnShow& recipe, const std::vector<int>& shown,
                       facts);
 }
 
-RecipeOnShow ReadRecipeToPrint(SQLite::Database& recipes, int id) {
-  RecipeOnShow shown;
+CurrentRecipe ReadRecipeToPrint(SQLite::Database& recipes, int id) {
+  CurrentRecipe shown;
   ShowRecipe(shown, ReadRecipe(recipes, id), ReadRecipeLines(recipes, id));
   return shown;
 }

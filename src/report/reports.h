@@ -26,10 +26,10 @@ Report PenReport(const std::vector<PenRecord>& rows, bool active_only, const Rep
 
 // The lines and totals as they are; of the ingredients, those that have no row show no name.
 // `shown`: the columns from left to right, each a RecipeColumn.
-Report RecipeReport(const RecipeOnShow& recipe, const std::vector<int>& shown,
+Report RecipeReport(const CurrentRecipe& recipe, const std::vector<int>& shown,
                     const std::vector<IngredientRecord>& ingredients, const ReportFacts& facts);
 // With the columns in the order in which a grid first shows them.
-Report RecipeReport(const RecipeOnShow& recipe, const std::vector<IngredientRecord>& ingredients,
+Report RecipeReport(const CurrentRecipe& recipe, const std::vector<IngredientRecord>& ingredients,
                     const ReportFacts& facts);
 
 // The groups as they are open, the columns as they stand. The grid outlives the report, which reads
@@ -41,6 +41,6 @@ Report ImportReport(const TransFile& file, int rows, std::span<const ImportGridC
                     bool fit_columns, const ReportFacts& facts);
 
 // A recipe with its totals, as it comes on show. Throws DatabaseError.
-RecipeOnShow ReadRecipeToPrint(SQLite::Database& recipes, int id);
+CurrentRecipe ReadRecipeToPrint(SQLite::Database& recipes, int id);
 
 }  // namespace vrx

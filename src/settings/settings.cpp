@@ -182,7 +182,7 @@ bool PrivateINI::WriteIniSettings(const CPrivateINI& ini) {
   return written;
 }
 
-void PrivateINI::TellRefusedUnit(Operator& op) const {
+void PrivateINI::ReportRefusedUnit(Operator& op) const {
   if (refused_unit_.empty()) {
     return;
   }

@@ -66,7 +66,7 @@ class PrivateINI {
 
   // Warns when the last ReadIniSettings found a SystemUnits that is neither "LB" nor "KG". The file
   // keeps that text until the settings are written.
-  void TellRefusedUnit(Operator& op) const;
+  void ReportRefusedUnit(Operator& op) const;
 
   const std::string& SerialPort() const { return Text(kSerialPort); }
   void SetSerialPort(std::string_view text) { Let(kSerialPort, text); }

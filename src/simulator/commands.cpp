@@ -59,7 +59,7 @@ void RunModule(const ModuleOptions& options, std::ostream& out, std::ostream& er
     module.Load(ReadFile(path));
   }
   Play(options, module, signals, out, err);
-  module.TellDropped();
+  module.ReportDropped();
   if (options.save) {
     WriteFile(*options.save, module.Memory());
   }

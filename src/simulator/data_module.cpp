@@ -46,18 +46,18 @@ DataModule::DataModule(Faults faults, Tell tell) : faults_(faults), tell_(std::m
 std::optional<Transmission> DataModule::Receive(char byte) {
   switch (byte) {
     case kDc4:
-      TellDropped();
+      ReportDropped();
       memory_.clear();
       return Acknowledge(byte);
     case kSyn:
     case kEtb:
     case kCan:
     case kEm:
-      TellDropped();
+      ReportDropped();
       return Acknowledge(byte);
     case kNak:
     case kFs:
-      TellDropped();
+      ReportDropped();
       return Dump(byte);
     default:
       Keep({&byte, 1});
@@ -67,7 +67,7 @@ std::optional<Transmission> DataModule::Receive(char byte) {
 
 void DataModule::Load(std::string_view bytes) {
   Keep(bytes);
-  TellDropped();
+  ReportDropped();
 }
 
 void DataModule::Keep(std::string_view bytes) {
@@ -80,7 +80,7 @@ void DataModule::Keep(std::string_view bytes) {
   dropped_ += bytes.size() - kept;
 }
 
-void DataModule::TellDropped() {
+void DataModule::ReportDropped() {
   if (dropped_ > 0) {
     tell_("bytes dropped: " + std::to_string(dropped_));
   }

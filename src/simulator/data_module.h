@@ -35,7 +35,7 @@ class DataModule final : public Device {
   void Load(std::string_view bytes);
 
   // Tells how many bytes were dropped since it was last told, if any; each command does so too.
-  void TellDropped();
+  void ReportDropped();
 
   const std::string& Memory() const { return memory_; }
 

@@ -280,7 +280,7 @@ bool Indicator::Receive(Time until) {
   }
   received_ += line_.Read();
   line_.TakeClients();
-  return signals_.Take() != Signals::Told::kStop;
+  return signals_.Take() != Signals::Specified::kStop;
 }
 
 void Indicator::Take(std::size_t count) {

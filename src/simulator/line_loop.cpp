@@ -60,15 +60,15 @@ void LineLoop::Run(const std::function<void()>& save) {
 
 // False when one says stop.
 bool LineLoop::HeedSignals(const std::function<void()>& save) {
-  const Signals::Told told = signals_.Take();
-  if (told == Signals::Told::kNothing) {
+  const Signals::Specified told = signals_.Take();
+  if (told == Signals::Specified::kNothing) {
     return true;
   }
   ReceiveSentAhead();
-  if (told == Signals::Told::kSave) {
+  if (told == Signals::Specified::kSave) {
     save();
   }
-  return told != Signals::Told::kStop;
+  return told != Signals::Specified::kStop;
 }
 
 void LineLoop::ReceiveSentAhead() {

@@ -126,12 +126,12 @@ Signals::Signals() {
   }
 }
 
-Signals::Told Signals::Take() {
+Signals::Specified Signals::Take() {
   signalfd_siginfo info{};
   if (::read(descriptor_.Get(), &info, sizeof info) != sizeof info) {
-    return Told::kNothing;
+    return Specified::kNothing;
   }
-  return info.ssi_signo == SIGUSR1 ? Told::kSave : Told::kStop;
+  return info.ssi_signo == SIGUSR1 ? Specified::kSave : Specified::kStop;
 }
 
 PtyLine::PtyLine(fs::path link) : link_(std::move(link)), master_(OpenMaster()) {

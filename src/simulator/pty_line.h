@@ -43,7 +43,7 @@ class Descriptor {
 // the thread that made it and in threads started later.
 class Signals {
  public:
-  enum class Told { kNothing, kStop, kSave };
+  enum class Specified { kNothing, kStop, kSave };
 
   Signals();
 
@@ -51,7 +51,7 @@ class Signals {
   int Handle() const { return descriptor_.Get(); }
 
   // Takes the next one: SIGTERM, SIGINT and SIGHUP stop, SIGUSR1 saves. Does not wait.
-  Told Take();
+  Specified Take();
 
  private:
   Descriptor descriptor_;

@@ -34,7 +34,7 @@ QColor WithLightness(const QColor& color, int lightness) {
   return QColor::fromHsl(color.hslHue(), color.hslSaturation(), lightness);
 }
 
-QColor ToldColor(StatusColor color) {
+QColor SpecifiedColor(StatusColor color) {
   switch (color) {
     case StatusColor::kRed:
       return {255, 0, 0};
@@ -122,7 +122,7 @@ QColor Readable(const QColor& color, const QColor& background, double contrast) 
 }
 
 QColor StatusTextColor(StatusColor color, const QColor& background) {
-  const QColor told = ToldColor(color);
+  const QColor told = SpecifiedColor(color);
   return IsDark(background) ? Readable(told, background, kTextContrast) : told;
 }
 

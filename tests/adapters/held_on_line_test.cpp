@@ -8,11 +8,11 @@
 
 #include "adapters/qt_event_pump.h"
 #include "adapters/qt_serial_control.h"
-#include "settings/settings.h"
-#include "presenter/direct_connection.h"
 #include "link/krmcomm.h"
 #include "one_event.h"
+#include "presenter/direct_connection.h"
 #include "pseudo_terminal.h"
+#include "settings/settings.h"
 #include "support/recording_operator.h"
 
 namespace vrx::testing {
@@ -112,7 +112,7 @@ TEST_F(HeldOnLine, AnXonLetsTheTransmissionGoOn) {
 }
 
 TEST_F(HeldOnLine, AnIndicatorThatStopsReadingIsAnsweredAgainLater) {
-  DataTransfer tab;
+  TransferState tab;
   DirectConnection direct(krm, tab, pump, op, settings);
   ASSERT_TRUE(direct.Enter());
   krm.GS_KRM_VirtualMemory(Much());

@@ -7,11 +7,11 @@
 
 #include "adapters/qt_event_pump.h"
 #include "adapters/qt_serial_control.h"
-#include "settings/settings.h"
 #include "link/krmcomm.h"
-#include "presenter/upload.h"
 #include "one_event.h"
+#include "presenter/upload.h"
 #include "pseudo_terminal.h"
+#include "settings/settings.h"
 #include "support/recording_operator.h"
 
 namespace vrx::testing {
@@ -66,7 +66,7 @@ class KrmcommOnLine : public ::testing::Test {
 
 TEST_F(KrmcommOnLine, UploadsFilesOfAModule) {
   SmallModule module(terminal, "{BAT/FED},L\r\n\x0Cpage\xFF");
-  DataTransfer tab;
+  TransferState tab;
   Upload upload(krm, tab, pump, op, settings);
   upload.UploadDataFromKRM();
   EXPECT_EQ(op.Status(), "Upload complete!  (22 bytes, 2 files)");

@@ -137,7 +137,7 @@ TEST_F(QtEventPumpTest, WaitsAgainOnceItIsReopened) {
   PumpUntil([&] { return handled; });
 }
 
-TEST_F(QtEventPumpTest, TellsAnEventWhetherAWaitIsUnderWay) {
+TEST_F(QtEventPumpTest, ReportsAnEventWhetherAWaitIsUnderWay) {
   EXPECT_FALSE(pump.Pumping());
   bool pumping = false;
   bool handled = false;

@@ -24,11 +24,11 @@ class ReplacingFileTest : public ::testing::Test {
 
 TEST_F(ReplacingFileTest, TakesItsPlaceOnlyOnceItIsWhole) {
   WriteFileBytes(path_, "old");
-  ReplacingFile file(path_);
+  AtomicFile file(path_);
   file.Write("one ");
   file.Write("two");
   EXPECT_EQ(ReadFileBytes(path_, kLimit), "old");
-  file.TakePlace();
+  file.Commit();
   EXPECT_EQ(ReadFileBytes(path_, kLimit), "one two");
   EXPECT_EQ(FilesInFolder(), 1);
 }
@@ -36,7 +36,7 @@ TEST_F(ReplacingFileTest, TakesItsPlaceOnlyOnceItIsWhole) {
 TEST_F(ReplacingFileTest, LeavesTheOldFileAndNothingElseWhenItIsGivenUp) {
   WriteFileBytes(path_, "old");
   {
-    ReplacingFile file(path_);
+    AtomicFile file(path_);
     file.Write("half");
   }
   EXPECT_EQ(ReadFileBytes(path_, kLimit), "old");
@@ -46,7 +46,7 @@ TEST_F(ReplacingFileTest, LeavesTheOldFileAndNothingElseWhenItIsGivenUp) {
 TEST_F(ReplacingFileTest, NamesTheFileThatCannotBeMade) {
   const fs::path nowhere = folder_.Path() / "missing" / "out.xml";
   try {
-    const ReplacingFile file(nowhere);
+    const AtomicFile file(nowhere);
     FAIL() << "it was made";
   } catch (const FileError& error) {
     EXPECT_EQ(error.what(), "cannot write " + nowhere.string() + ": No such file or directory");
@@ -56,7 +56,7 @@ TEST_F(ReplacingFileTest, NamesTheFileThatCannotBeMade) {
 TEST_F(ReplacingFileTest, RefusesAFolder) {
   fs::create_directory(path_);
   try {
-    const ReplacingFile file(path_);
+    const AtomicFile file(path_);
     FAIL() << "a folder was taken for a file";
   } catch (const FileError& error) {
     EXPECT_EQ(error.what(), "cannot write " + path_.string() + ": Is a directory");
@@ -69,7 +69,7 @@ TEST_F(ReplacingFileTest, RefusesAPipeEvenThroughALink) {
   ASSERT_EQ(mkfifo(pipe.c_str(), S_IRUSR | S_IWUSR), 0);
   fs::create_symlink(pipe, path_);
   try {
-    const ReplacingFile file(path_);
+    const AtomicFile file(path_);
     FAIL() << "a pipe was taken for a file";
   } catch (const FileError& error) {
     EXPECT_EQ(error.what(),

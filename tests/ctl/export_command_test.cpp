@@ -41,7 +41,7 @@ class ExportCommandTest : public CtlTest {
 };
 
 // The Export tab above the `Batched/Fed` tab, as the window has them.
-class TabOfSite : public ExportHost, public HistoryScreen {
+class TabOfSite : public ExportHost, public HistoryView {
  public:
   TabOfSite(const std::string& transactions_path, const std::string& recipes_path,
             const SystemInfo& system, const fs::path& data_folder)
@@ -72,7 +72,7 @@ class TabOfSite : public ExportHost, public HistoryScreen {
   }
 
   OpenDatabases Databases() const override { return paths_; }
-  DataGroupOnShow DataGroup() override { return OnShow(view_); }
+  ExportSource DataGroup() override { return Current(view_); }
   void ConfigureImportColumns() override {}
   void FocusControl(std::string_view /*name*/) override {}
   void ExportChanged() override {}
@@ -88,9 +88,9 @@ class TabOfSite : public ExportHost, public HistoryScreen {
   FixedCalendar calendar_;
   PrivateINI settings_;
   DatabaseIdentity identity_{op_, calendar_, settings_};
-  HistoryView view_{transactions_, {op_, pump_, identity_, *this}};
+  HistoryPresenter view_{transactions_, {op_, pump_, identity_, *this}};
   StyleSheets style_sheets_;
-  ExportTab tab_{{op_, files_, pump_, settings_, style_sheets_, *this}};
+  ExportPresenter tab_{{op_, files_, pump_, settings_, style_sheets_, *this}};
 };
 
 TEST_F(ExportCommandTest, GivesTheBytesOfTheTabInEveryGroupAndFormat) {

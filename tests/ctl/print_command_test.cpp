@@ -117,7 +117,7 @@ TEST_F(PrintCommandTest, PrintsEachRecipeWithLinesOnASheet) {
   EXPECT_THAT(LinesOf(pdf), SizeIs(10));
 }
 
-TEST_F(PrintCommandTest, TellsThatThereIsNothingToPrint) {
+TEST_F(PrintCommandTest, ReportsThatThereIsNothingToPrint) {
   const std::string empty = NewRecipeDatabase("EMPTY.RDB");
   const std::string no_rows = NewTransactionDatabase("EMPTY.TDB");
   for (const auto& [what, text] : std::vector<std::pair<std::vector<std::string>, std::string>>{
@@ -146,7 +146,7 @@ TEST_F(PrintCommandTest, NeverPrintsOverADatabase) {
   }
 }
 
-TEST_F(PrintCommandTest, TellsAFolderThatIsNotThere) {
+TEST_F(PrintCommandTest, ReportsAFolderThatIsNotThere) {
   pdf = folder / "none/report.pdf";
   EXPECT_EQ(Print({"pens", recipes}), 1);
   EXPECT_EQ(err, "Print Error: The report could not be printed.\ncause: cannot write " +

@@ -110,7 +110,7 @@ TEST_F(RecipeCommand, ShowsARecipeByPercentOfTheSampleSite) {
             Json::parse(R"({"HeadCount":false,"RationTarget":true,"AdjustBatch":true})"));
 }
 
-TEST_F(RecipeCommand, TellsAnOverflow) {
+TEST_F(RecipeCommand, ReportsAnOverflow) {
   EnterSteers();
   AddLine(database, {.recipe_id = "3", .target = "99999999", .dry_matter_percent = "1"});
   EXPECT_EQ(Run({"recipe", database, "3", "--json"}), 1);

@@ -18,12 +18,12 @@ using Args = std::vector<std::string>;
 // Every case leaves the file as it is, byte for byte.
 class RecordRefusals : public CtlTest {
  protected:
-  struct Told {
+  struct Specified {
     int code;
     std::string err;
   };
 
-  Told Refused(Args args) {
+  Specified Refused(Args args) {
     args.insert(args.begin() + 2, database);
     const std::string before = ReadAll(database);
     const int code = Run(args);
@@ -33,13 +33,13 @@ class RecordRefusals : public CtlTest {
   }
 
   void ExpectRefusal(const Args& args, const std::string& message) {
-    const Told told = Refused(args);
+    const Specified told = Refused(args);
     EXPECT_EQ(told.code, 1) << message;
     EXPECT_EQ(told.err, message + "\n");
   }
 
   void ExpectWrongUsage(const Args& args, const std::string& part) {
-    const Told told = Refused(args);
+    const Specified told = Refused(args);
     EXPECT_EQ(told.code, 2) << part;
     EXPECT_THAT(told.err, HasSubstr(part));
   }
@@ -139,7 +139,7 @@ TEST_F(RecordRefusals, AFileWithoutARowForItsDates) {
   for (const Args& args :
        {Args{"set", "ingredient", "5", "--name", "CORN"}, Args{"set", "pen", "5", "--feed", "500"},
         Args{"reset", "recipe", "5", "--yes"}}) {
-    const Told told = Refused(args);
+    const Specified told = Refused(args);
     EXPECT_EQ(told.code, 1);
     EXPECT_THAT(told.err, EndsWith("cause: YARD.RDB has no row in History\n"));
   }

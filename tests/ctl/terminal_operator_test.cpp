@@ -79,15 +79,15 @@ TEST_F(TerminalOperatorTest, BusyTextsAreDrawnOnATerminal) {
   EXPECT_EQ(err.str(), "Standby...\r\x1B[KUpload complete!\n");
 }
 
-TEST_F(TerminalOperatorTest, TellsACauseOnce) {
+TEST_F(TerminalOperatorTest, ReportsACauseOnce) {
   std::istringstream in;
   ProgressLine line(err, false);
   TerminalOperator op(in, err, line, {});
   op.ShowMessage({.title = "KRM Error", .text = "Not detected.", .cause = "no reply"});
-  op.TellCause("no reply");
-  op.TellCause("");
+  op.ReportCause("no reply");
+  op.ReportCause("");
   EXPECT_EQ(err.str(), "KRM Error: Not detected.\ncause: no reply\n");
-  op.TellCause("the line is gone");
+  op.ReportCause("the line is gone");
   EXPECT_EQ(err.str(), "KRM Error: Not detected.\ncause: no reply\ncause: the line is gone\n");
 }
 

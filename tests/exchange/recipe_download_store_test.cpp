@@ -2,7 +2,7 @@
 
 #include "database/connection.h"
 #include "exchange/recipe_text.h"
-#include "exchange/store_site.h"
+#include "exchange/store_fixture.h"
 #include "support/fixed_calendar.h"
 #include "support/recipe_tables.h"
 #include "support/temp_folder.h"

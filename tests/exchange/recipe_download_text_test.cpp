@@ -328,7 +328,7 @@ TEST_F(RecipeDownloadText, RecipeThatDoesNotComputeIsNoMatterUnlessItIsWritten) 
   EXPECT_THAT(Recipes(), IsEmpty());
 }
 
-TEST_F(RecipeDownloadText, TellsItsProgressInOrder) {
+TEST_F(RecipeDownloadText, ReportsItsProgressInOrder) {
   std::vector<std::string> lines;
   BuildRecipeDownload(tables, false, [&](std::string_view line) { lines.emplace_back(line); });
   EXPECT_THAT(lines, ElementsAre("Formatting ingredient data...", "done!",

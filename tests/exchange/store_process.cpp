@@ -9,7 +9,7 @@
 #include <cstdlib>
 #include <exception>
 
-#include "exchange/store_site.h"
+#include "exchange/store_fixture.h"
 
 namespace vrx::testing {
 namespace {

@@ -6,7 +6,7 @@
 #include <gtest/gtest.h>
 
 #include "base/number.h"
-#include "exchange/store_site.h"
+#include "exchange/store_fixture.h"
 
 namespace vrx::testing {
 namespace {
@@ -72,7 +72,7 @@ TEST(StoreProperty, RandomImportsKeepSumsAndCountsAndShiftNumbersByTheBase) {
   };
   for (int round = 0; round < 12; ++round) {
     SCOPED_TRACE(round);
-    StoreSite site;
+    StoreFixture site;
     int highest = 0;
     for (int i = pick(0, 5); i > 0; --i) {
       const int number = pick(1, 1000000);

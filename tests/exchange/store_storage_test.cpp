@@ -16,7 +16,7 @@
 #include <unistd.h>
 
 #include "database/connection.h"
-#include "exchange/store_site.h"
+#include "exchange/store_fixture.h"
 #include "support/private_mounts.h"
 
 namespace vrx::testing {
@@ -33,7 +33,7 @@ ImportedData FourRows() {
 }
 
 // Nothing of the import is there, and a second press would not take it for stored.
-void ExpectNothingStored(StoreSite& site, const StoreOutcome& outcome, const std::string& text) {
+void ExpectNothingStored(StoreFixture& site, const StoreOutcome& outcome, const std::string& text) {
   EXPECT_FALSE(outcome.complete);
   EXPECT_EQ(outcome.stored, 0U);
   EXPECT_FALSE(site.stored_flag);
@@ -47,7 +47,7 @@ void ExpectNothingStored(StoreSite& site, const StoreOutcome& outcome, const std
 }
 
 TEST(StoreStorageFailure, InTheMiddleLeavesNothingOfTheImport) {
-  StoreSite site;
+  StoreFixture site;
   Execute(site.databases.trans_db_path,
           "CREATE TRIGGER Stop BEFORE INSERT ON Transactions WHEN NEW.ActualBatch = 3 "
           "BEGIN SELECT RAISE(ABORT, 'stopped'); END");
@@ -57,7 +57,7 @@ TEST(StoreStorageFailure, InTheMiddleLeavesNothingOfTheImport) {
 }
 
 TEST(StoreStorageFailure, AfterAnEarlierStoreKeepsThatOneAndItsFlag) {
-  StoreSite site;
+  StoreFixture site;
   ASSERT_TRUE(site.Store(FourRows()).complete);
   fs::rename(site.databases.recipe_db_path, site.folder / "AWAY.RDB");
   site.op.answers = {Answer::kYes};
@@ -67,7 +67,7 @@ TEST(StoreStorageFailure, AfterAnEarlierStoreKeepsThatOneAndItsFlag) {
 }
 
 TEST(StoreStorageFailure, AnotherWriterIsTold) {
-  StoreSite site;
+  StoreFixture site;
   SQLite::Database other = OpenDatabase(site.databases.trans_db_path, Access::kWrite);
   other.exec("BEGIN IMMEDIATE");
   ExpectNothingStored(site, site.Store(FourRows()), "A table in the specified database is locked.");
@@ -76,7 +76,7 @@ TEST(StoreStorageFailure, AnotherWriterIsTold) {
 }
 
 TEST(StoreStorageFailure, ACommitHeldUpByAReaderLeavesNothing) {
-  StoreSite site;
+  StoreFixture site;
   Execute(site.databases.trans_db_path, "INSERT INTO Transactions ([Transaction]) VALUES (1), (2)");
   SQLite::Database other = OpenDatabase(site.databases.trans_db_path, Access::kRead);
   SQLite::Statement reader(other, "SELECT * FROM Transactions");
@@ -87,7 +87,7 @@ TEST(StoreStorageFailure, ACommitHeldUpByAReaderLeavesNothing) {
 }
 
 TEST(StoreStorageFailure, AFileThatIsGoneIsTold) {
-  StoreSite site;
+  StoreFixture site;
   fs::remove(site.databases.trans_db_path);
   const StoreOutcome outcome = site.Store(FourRows());
   EXPECT_FALSE(outcome.complete);
@@ -99,7 +99,7 @@ TEST(StoreStorageFailure, AFileThatIsGoneIsTold) {
 }
 
 TEST(StoreStorageFailure, AFileThatVanishesInTheMiddleIsNotTakenForStored) {
-  StoreSite site;
+  StoreFixture site;
   site.progress.on_value = [&](int value) {
     if (value == 3) {
       fs::remove(site.databases.trans_db_path);
@@ -110,7 +110,7 @@ TEST(StoreStorageFailure, AFileThatVanishesInTheMiddleIsNotTakenForStored) {
 }
 
 TEST(StoreStorageFailure, AMissingRecipeDatabaseLeavesTheTransactionDatabaseUntouched) {
-  StoreSite site;
+  StoreFixture site;
   const std::string before = ReadAll(site.databases.trans_db_path);
   fs::remove(site.databases.recipe_db_path);
   EXPECT_FALSE(site.Store(FourRows()).complete);
@@ -120,14 +120,14 @@ TEST(StoreStorageFailure, AMissingRecipeDatabaseLeavesTheTransactionDatabaseUnto
 }
 
 TEST(StoreStorageFailure, AMissingTableIsTold) {
-  StoreSite site;
+  StoreFixture site;
   Execute(site.databases.trans_db_path, "DROP TABLE Transactions");
   ExpectNothingStored(site, site.Store(FourRows()),
                       "There is an invalid table in the specified database.");
 }
 
 TEST(StoreStorageFailure, AnyOtherFailureInTheMiddleLeavesNothingToo) {
-  StoreSite site;
+  StoreFixture site;
   site.progress.on_value = [](int value) {
     if (value == 3) {
       throw std::runtime_error("the display is gone");
@@ -141,7 +141,7 @@ TEST(StoreStorageFailure, AnyOtherFailureInTheMiddleLeavesNothingToo) {
 }
 
 TEST(StoreStorageFailure, ADateThatCannotBeWrittenLeavesNothingOfTheImport) {
-  StoreSite site;
+  StoreFixture site;
   Execute(site.databases.trans_db_path,
           "CREATE TRIGGER Stop BEFORE UPDATE ON History "
           "BEGIN SELECT RAISE(ABORT, 'stopped'); END");
@@ -219,7 +219,7 @@ int RowsOfWholeDatabase(const fs::path& path) {
 TEST(StoreCrash, AKillAtAnyMomentLeavesWholeImportsOnly) {
   constexpr int kRounds = 20;
   constexpr int kRows = 400;
-  StoreSite site;
+  StoreFixture site;
   const fs::path journal = site.databases.trans_db_path.string() + "-journal";
   std::mt19937 random(7);
   std::uniform_real_distribution<double> stores(0, 2);
@@ -249,7 +249,7 @@ TEST(StoreCrash, AKillAtAnyMomentLeavesWholeImportsOnly) {
 }
 
 TEST(StoreFullDisk, FailsClearlyAndLeavesWholeImportsOnly) {
-  StoreSite site;
+  StoreFixture site;
   const std::string output = RunWithMounts(R"(
       mkdir "$1/disk" "$1/out"
       mount -t tmpfs -o size=2m tmpfs "$1/disk"
@@ -268,7 +268,7 @@ TEST(StoreFullDisk, FailsClearlyAndLeavesWholeImportsOnly) {
 }
 
 TEST(StoreReadOnlyDisk, FailsClearlyAndChangesNothing) {
-  StoreSite site;
+  StoreFixture site;
   const std::string output = RunWithMounts(R"(
       mkdir "$1/disk"
       mount -t tmpfs -o size=2m tmpfs "$1/disk"

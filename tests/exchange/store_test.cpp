@@ -8,7 +8,7 @@
 #include <gtest/gtest.h>
 
 #include "base/encoding.h"
-#include "exchange/store_site.h"
+#include "exchange/store_fixture.h"
 
 namespace vrx::testing {
 namespace {
@@ -39,7 +39,7 @@ RowCells With(RowCells cells, int column, std::string text) {
   return cells;
 }
 
-std::vector<std::string> ColumnOf(const StoreSite& site, std::size_t column) {
+std::vector<std::string> ColumnOf(const StoreFixture& site, std::size_t column) {
   std::vector<std::string> values;
   for (const StoredRow& row : site.Stored()) {
     values.push_back(row[column]);
@@ -53,7 +53,7 @@ std::vector<RowCells> ThreeTransactions() {
 }
 
 TEST(StoreImportedTransactions, NumbersFollowTheHighestInTheDatabase) {
-  StoreSite site;
+  StoreFixture site;
   Execute(site.databases.trans_db_path,
           "INSERT INTO Transactions ([Transaction]) VALUES (12), (40), (7)");
   EXPECT_TRUE(site.Store(MakeImport(ThreeTransactions())).complete);
@@ -62,13 +62,13 @@ TEST(StoreImportedTransactions, NumbersFollowTheHighestInTheDatabase) {
 }
 
 TEST(StoreImportedTransactions, AnEmptyDatabaseGetsTheFilesOwnNumbers) {
-  StoreSite site;
+  StoreFixture site;
   EXPECT_TRUE(site.Store(MakeImport(ThreeTransactions())).complete);
   EXPECT_THAT(ColumnOf(site, kTransaction), ElementsAre("1", "1", "2", "3", "3"));
 }
 
 TEST(StoreImportedTransactions, ANullNumberInTheDatabaseCountsAsZero) {
-  StoreSite site;
+  StoreFixture site;
   Execute(site.databases.trans_db_path,
           "INSERT INTO Transactions ([Transaction]) VALUES (NULL), (NULL)");
   EXPECT_TRUE(site.Store(MakeImport({BatchCells(1, 3, 4, "1")})).complete);
@@ -76,14 +76,14 @@ TEST(StoreImportedTransactions, ANullNumberInTheDatabaseCountsAsZero) {
 }
 
 TEST(StoreImportedTransactions, ANegativeNumberInTheDatabaseDoesNotLowerTheBase) {
-  StoreSite site;
+  StoreFixture site;
   Execute(site.databases.trans_db_path, "INSERT INTO Transactions ([Transaction]) VALUES (-5)");
   EXPECT_TRUE(site.Store(MakeImport({BatchCells(1, 3, 4, "1")})).complete);
   EXPECT_THAT(ColumnOf(site, kTransaction), ElementsAre("-5", "1"));
 }
 
 TEST(StoreImportedTransactions, ABatchRowIsStoredColumnByColumn) {
-  StoreSite site;
+  StoreFixture site;
   ASSERT_TRUE(site.Store(MakeImport({BatchCells(1, 3, 4, "998.5")})).complete);
   StoredRow expected = {"1",      "REC003", "BATCH",    "2",          "ING004", "NULL",
                         "1000.0", "998.5",  "08:30:00", "2009-01-15", "0.0",    "66.5"};
@@ -92,7 +92,7 @@ TEST(StoreImportedTransactions, ABatchRowIsStoredColumnByColumn) {
 }
 
 TEST(StoreImportedTransactions, AFeedRowIsStoredColumnByColumn) {
-  StoreSite site;
+  StoreFixture site;
   RowCells cells = With(FeedCells(1, 3, 400, "748.5"), kImportedTime, "0915pm");
   for (int ingredient = 1; ingredient <= 32; ++ingredient) {
     cells[kFirstIngredientWeight - 1 + ingredient] = IdText(ingredient) + ".5";
@@ -108,7 +108,7 @@ TEST(StoreImportedTransactions, AFeedRowIsStoredColumnByColumn) {
 }
 
 TEST(StoreImportedTransactions, WeightsOfIngredientsAbove32AreNotStored) {
-  StoreSite site;
+  StoreFixture site;
   RowCells cells = FeedCells(1, 3, 12, "748.5");
   cells[kFirstIngredientWeight + 31] = "32.5";
   cells[kFirstIngredientWeight + 32] = "33.5";
@@ -121,7 +121,7 @@ TEST(StoreImportedTransactions, WeightsOfIngredientsAbove32AreNotStored) {
 }
 
 TEST(StoreImportedTransactions, EmptyWeightsAreZeroAndOtherEmptyCellsNull) {
-  StoreSite site;
+  StoreFixture site;
   ASSERT_TRUE(site.Store(MakeImport({{{kImportedTransactionNumber, "1"},
                                       {kImportedRecipeID, "3"},
                                       {kImportedType, "BATCH"}}}))
@@ -133,7 +133,7 @@ TEST(StoreImportedTransactions, EmptyWeightsAreZeroAndOtherEmptyCellsNull) {
 }
 
 TEST(StoreImportedTransactions, NamesWithApostrophesAreJustNames) {
-  StoreSite site;
+  StoreFixture site;
   Execute(site.databases.recipe_db_path, "UPDATE Recipe SET Name = 'O''NEIL' WHERE ID = 3");
   Execute(site.databases.recipe_db_path, "UPDATE Ingredient SET Name = '''' WHERE ID = 4");
   Execute(site.databases.recipe_db_path, "UPDATE Pen SET Name = 'P''12' WHERE ID = 12");
@@ -147,7 +147,7 @@ TEST(StoreImportedTransactions, NamesWithApostrophesAreJustNames) {
 }
 
 TEST(StoreImportedTransactions, TheNameOfARecordNotInUseServesToo) {
-  StoreSite site;
+  StoreFixture site;
   Execute(site.databases.recipe_db_path, "UPDATE Ingredient SET Description = 'Corn' WHERE ID = 1");
   ASSERT_TRUE(site.Store(MakeImport({BatchCells(1, 100, 100, "1")})).complete);
   EXPECT_EQ(site.Stored().at(0)[kRecipe], "REC100");
@@ -155,7 +155,7 @@ TEST(StoreImportedTransactions, TheNameOfARecordNotInUseServesToo) {
 }
 
 TEST(StoreImportedTransactions, AUserIdCrossesFromOneBytePerCharacterToUtf8) {
-  StoreSite site;
+  StoreFixture site;
   ASSERT_TRUE(
       site.Store(MakeImport({With(BatchCells(1, 3, 4, "1"), kImportedUserID, "J\xFCrg \x80")}))
           .complete);
@@ -163,7 +163,7 @@ TEST(StoreImportedTransactions, AUserIdCrossesFromOneBytePerCharacterToUtf8) {
 }
 
 TEST(StoreImportedTransactions, RowsNeverFilledAreLeftOutAndCounted) {
-  StoreSite site;
+  StoreFixture site;
   const StoreOutcome outcome =
       site.Store(MakeImport({BatchCells(1, 3, 4, "1"), FeedCells(1, 3, 12, "1"), {}, {}}));
   EXPECT_TRUE(outcome.complete);
@@ -180,7 +180,7 @@ TEST(StoreImportedTransactions, RowsNeverFilledAreLeftOutAndCounted) {
 }
 
 TEST(StoreImportedTransactions, OneRowNeverFilledIsToldAsOne) {
-  StoreSite site;
+  StoreFixture site;
   EXPECT_TRUE(site.Store(MakeImport({BatchCells(1, 3, 4, "1"), {}})).complete);
   EXPECT_EQ(site.LastBox().text,
             "1 row of the import holds no data (it was counted in the file but never filled) and "
@@ -189,7 +189,7 @@ TEST(StoreImportedTransactions, OneRowNeverFilledIsToldAsOne) {
 
 // A row that a feed record was counted for has data in the file.
 TEST(StoreImportedTransactions, RowsOfUnreadFeedsAreNotCalledEmpty) {
-  StoreSite site;
+  StoreFixture site;
   ImportedData rows = MakeImport({BatchCells(1, 3, 4, "1"), {}, {}, {}});
   rows.AddUnreadFeed({.transaction = "9", .text = "B,9,BB", .rows = 2});
   const StoreOutcome outcome = site.Store(rows);
@@ -205,7 +205,7 @@ TEST(StoreImportedTransactions, RowsOfUnreadFeedsAreNotCalledEmpty) {
 }
 
 TEST(StoreImportedTransactions, UnreadFeedsAreShownAlsoWhenABadRowStopsTheCopy) {
-  StoreSite site;
+  StoreFixture site;
   ImportedData rows = MakeImport({BatchCells(1, 3, 4, "1"), BatchCells(1, 3, 101, "1")});
   rows.AddUnreadFeed({.transaction = "9", .text = "B,9", .rows = 1});
   EXPECT_EQ(site.Store(rows).stored, 1U);
@@ -214,8 +214,8 @@ TEST(StoreImportedTransactions, UnreadFeedsAreShownAlsoWhenABadRowStopsTheCopy) 
   EXPECT_THAT(site.op.boxes[1].text, HasSubstr("Transaction 9: B,9"));
 }
 
-TEST(StoreImportedTransactions, TellsScanAndCopyAsItGoes) {
-  StoreSite site;
+TEST(StoreImportedTransactions, ReportsScanAndCopyAsItGoes) {
+  StoreFixture site;
   Execute(site.databases.trans_db_path, "INSERT INTO Transactions ([Transaction]) VALUES (40)");
   site.Store(MakeImport({BatchCells(1, 3, 4, "1"), BatchCells(1, 3, 5, "1")}));
   EXPECT_THAT(site.progress.messages,
@@ -227,7 +227,7 @@ TEST(StoreImportedTransactions, TellsScanAndCopyAsItGoes) {
 }
 
 TEST(StoreImportedTransactions, AnEmptyTableIsNotScanned) {
-  StoreSite site;
+  StoreFixture site;
   site.Store(MakeImport({BatchCells(1, 3, 4, "1")}));
   EXPECT_THAT(site.progress.messages,
               ElementsAre("Copying imported records to Transaction database.",
@@ -236,7 +236,7 @@ TEST(StoreImportedTransactions, AnEmptyTableIsNotScanned) {
 }
 
 TEST(StoreImportedTransactions, EndsWithDateBeepFlagAndSave) {
-  StoreSite site;
+  StoreFixture site;
   EXPECT_EQ(QueryText(site.databases.trans_db_path, "SELECT Modified FROM History"), "NULL");
   site.Store(MakeImport({BatchCells(1, 3, 4, "1")}));
   EXPECT_EQ(QueryText(site.databases.trans_db_path, "SELECT Modified FROM History"), "2026-01-05");
@@ -247,14 +247,14 @@ TEST(StoreImportedTransactions, EndsWithDateBeepFlagAndSave) {
 }
 
 TEST(StoreImportedTransactions, IsSilentWithTheBeeperOff) {
-  StoreSite site;
+  StoreFixture site;
   site.settings.SetEnableBeeperOn(false);
   site.Store(MakeImport({BatchCells(1, 3, 4, "1")}));
   EXPECT_EQ(site.op.beeps, 0);
 }
 
 TEST(StoreImportedTransactions, TheFlagIsSetBeforeTheDatabaseIsSaved) {
-  StoreSite site;
+  StoreFixture site;
   bool flag_at_save = false;
   TransactionStore store(site.op, site.settings, site.calendar, site.progress,
                          [&] { flag_at_save = site.stored_flag; });
@@ -264,7 +264,7 @@ TEST(StoreImportedTransactions, TheFlagIsSetBeforeTheDatabaseIsSaved) {
 }
 
 TEST(StoreImportedTransactions, TheSecondPressAsksAndYesAddsAboveTheHighestOfThatTime) {
-  StoreSite site;
+  StoreFixture site;
   const ImportedData rows = MakeImport(ThreeTransactions());
   site.Store(rows);
   Execute(site.databases.trans_db_path, "INSERT INTO Transactions ([Transaction]) VALUES (90)");
@@ -283,7 +283,7 @@ TEST(StoreImportedTransactions, TheSecondPressAsksAndYesAddsAboveTheHighestOfTha
 }
 
 TEST(StoreImportedTransactions, NoToTheSecondPressChangesNothing) {
-  StoreSite site;
+  StoreFixture site;
   const ImportedData rows = MakeImport(ThreeTransactions());
   site.Store(rows);
   const std::string before = ReadAll(site.databases.trans_db_path);
@@ -297,7 +297,7 @@ TEST(StoreImportedTransactions, NoToTheSecondPressChangesNothing) {
 }
 
 TEST(StoreImportedTransactions, ANumberAtTheLimitIsStoredAndOneBeyondRefusesTheWholeImport) {
-  StoreSite site;
+  StoreFixture site;
   Execute(site.databases.trans_db_path,
           "INSERT INTO Transactions ([Transaction]) VALUES (2147483645)");
   EXPECT_FALSE(
@@ -325,7 +325,7 @@ struct BadCell {
 class StoreStopsAt : public ::testing::TestWithParam<BadCell> {};
 
 TEST_P(StoreStopsAt, TheCellAndKeepsTheRowsBefore) {
-  StoreSite site;
+  StoreFixture site;
   const BadCell& bad = GetParam();
   const StoreOutcome outcome = site.Store(
       MakeImport({BatchCells(1, 3, 4, "1"), FeedCells(1, 3, 12, "1"),
@@ -384,7 +384,7 @@ INSTANTIATE_TEST_SUITE_P(
 class StoreReadsNoTime : public ::testing::TestWithParam<const char*> {};
 
 TEST_P(StoreReadsNoTime, AndStopsThere) {
-  StoreSite site;
+  StoreFixture site;
   const StoreOutcome outcome = site.Store(MakeImport(
       {BatchCells(1, 3, 4, "1"), With(BatchCells(1, 3, 5, "1"), kImportedTime, GetParam())}));
   EXPECT_FALSE(outcome.complete);
@@ -402,7 +402,7 @@ INSTANTIATE_TEST_SUITE_P(Times, StoreReadsNoTime,
 class StoreReadsNoDate : public ::testing::TestWithParam<const char*> {};
 
 TEST_P(StoreReadsNoDate, AndStopsThere) {
-  StoreSite site;
+  StoreFixture site;
   const StoreOutcome outcome = site.Store(MakeImport(
       {BatchCells(1, 3, 4, "1"), With(BatchCells(1, 3, 5, "1"), kImportedDate, GetParam())}));
   EXPECT_FALSE(outcome.complete);
@@ -418,7 +418,7 @@ INSTANTIATE_TEST_SUITE_P(Dates, StoreReadsNoDate,
                                            "01150000", "0115", "011509", "1", "011520091"));
 
 TEST(StoreImportedTransactions, ReadsTheTimesOfADay) {
-  StoreSite site;
+  StoreFixture site;
   std::vector<RowCells> rows;
   for (const char* time : {"0000", "0010", "1159", "1200", "1405", "2359", "1205am", "0130PM"}) {
     rows.push_back(With(BatchCells(1, 3, 4, "1"), kImportedTime, time));
@@ -429,21 +429,21 @@ TEST(StoreImportedTransactions, ReadsTheTimesOfADay) {
 }
 
 TEST(StoreImportedTransactions, HoursThatAreNoNumberReadAsMidnight) {
-  StoreSite site;
+  StoreFixture site;
   ASSERT_TRUE(
       site.Store(MakeImport({With(BatchCells(1, 3, 4, "1"), kImportedTime, "xx30")})).complete);
   EXPECT_THAT(ColumnOf(site, kTime), ElementsAre("00:30:00"));
 }
 
 TEST(StoreImportedTransactions, ReadsALeapDay) {
-  StoreSite site;
+  StoreFixture site;
   ASSERT_TRUE(
       site.Store(MakeImport({With(BatchCells(1, 3, 4, "1"), kImportedDate, "02292024")})).complete);
   EXPECT_THAT(ColumnOf(site, kDate), ElementsAre("2024-02-29"));
 }
 
 TEST(StoreImportedTransactions, RowsBeforeABadOneStandSoASecondPressAsks) {
-  StoreSite site;
+  StoreFixture site;
   const ImportedData rows = MakeImport({BatchCells(1, 3, 4, "1"), BatchCells(1, 3, 101, "1")});
   site.Store(rows);
   EXPECT_TRUE(site.stored_flag);
@@ -456,7 +456,7 @@ TEST(StoreImportedTransactions, RowsBeforeABadOneStandSoASecondPressAsks) {
 }
 
 TEST(StoreImportedTransactions, ABadFirstRowStoresNothingAndASecondPressDoesNotAsk) {
-  StoreSite site;
+  StoreFixture site;
   const ImportedData rows = MakeImport({BatchCells(1, 3, 101, "1"), BatchCells(1, 3, 4, "1")});
   EXPECT_EQ(site.Store(rows).stored, 0U);
   EXPECT_FALSE(site.stored_flag);
@@ -470,7 +470,7 @@ TEST(StoreImportedTransactions, ABadFirstRowStoresNothingAndASecondPressDoesNotA
 }
 
 TEST(StoreImportedTransactions, LeavesNoStatementOpenBehind) {
-  StoreSite site;
+  StoreFixture site;
   site.Store(MakeImport(ThreeTransactions()));
   Execute(site.databases.trans_db_path, "BEGIN EXCLUSIVE; DELETE FROM Transactions; COMMIT");
   EXPECT_THAT(site.Stored(), IsEmpty());

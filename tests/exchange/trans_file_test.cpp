@@ -282,14 +282,14 @@ TEST_F(LoadTransactionFile, AsksForAFileWhereNoneIsSet) {
   EXPECT_EQ(focused_, 1);
 }
 
-TEST_F(LoadTransactionFile, TellsAMissingFile) {
+TEST_F(LoadTransactionFile, ReportsAMissingFile) {
   file_.SetFilePath((folder_ / "GONE.QXT").string());
   EXPECT_FALSE(Load());
   ExpectBox("Could not find transaction file.");
   EXPECT_EQ(focused_, 0);
 }
 
-TEST_F(LoadTransactionFile, TellsAFileThatCannotBeRead) {
+TEST_F(LoadTransactionFile, ReportsAFileThatCannotBeRead) {
   std::filesystem::create_directory(folder_ / "FOLDER.QXT");
   file_.SetFilePath((folder_ / "FOLDER.QXT").string());
   EXPECT_FALSE(Load());

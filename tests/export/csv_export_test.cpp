@@ -11,7 +11,7 @@
 #include "base/error.h"
 #include "base/files.h"
 #include "database/connection.h"
-#include "export/export_site.h"
+#include "export/export_fixture.h"
 #include "support/temp_folder.h"
 
 namespace vrx::testing {
@@ -48,7 +48,7 @@ class CsvExports : public ::testing::Test {
     return ReadAll(file);
   }
 
-  ExportSite site_;
+  ExportFixture site_;
 };
 
 class CsvOfEveryGroup : public CsvExports, public ::testing::WithParamInterface<int> {};

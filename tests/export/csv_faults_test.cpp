@@ -18,7 +18,7 @@
 #include "base/files.h"
 #include "database/connection.h"
 #include "export/csv_export.h"
-#include "export/export_site.h"
+#include "export/export_fixture.h"
 #include "support/database_files.h"
 
 namespace vrx::testing {
@@ -36,7 +36,7 @@ constexpr int kTransactions = 20'000;  // more text than a pipe and the export i
 // its records until it is killed.
 class StandingExport {
  public:
-  explicit StandingExport(const ExportSite& site) : pipe_(site.Folder() / "out.csv") {
+  explicit StandingExport(const ExportFixture& site) : pipe_(site.Folder() / "out.csv") {
     if (mkfifo(pipe_.c_str(), 0600) != 0) {
       throw std::runtime_error("cannot make " + pipe_.string());
     }
@@ -94,7 +94,7 @@ std::vector<SiteRow> ManyRows() {
 }
 
 TEST(KilledCsvExport, LeavesTheDatabaseWholeAndFree) {
-  const ExportSite site;
+  const ExportFixture site;
   site.Store(ManyRows());
   const std::string before = ReadAll(site.Database());
 
@@ -115,7 +115,7 @@ void Damage(const fs::path& path) {
 }
 
 TEST(CsvOfADamagedDatabase, IsAnErrorThatNamesTheDatabase) {
-  const ExportSite site;
+  const ExportFixture site;
   site.Store(ManyRows());
   Damage(site.Database());
   for (const int group : {0, 1, 5, 12}) {
@@ -130,7 +130,7 @@ TEST(CsvOfADamagedDatabase, IsAnErrorThatNamesTheDatabase) {
 }
 
 TEST(CsvIntoAReadOnlyFolder, IsToldAndTheOldFileStays) {
-  const ExportSite site;
+  const ExportFixture site;
   site.StoreYard();
   const fs::path file = site.Folder().Write("out.csv", "old");
   {

@@ -15,8 +15,8 @@
 
 #include "database/connection.h"
 #include "export/export_driver.h"
-#include "export/export_site.h"
-#include "export/told_totals.h"
+#include "export/export_fixture.h"
+#include "export/specified_totals.h"
 #include "history/columns.h"
 #include "history/data_group.h"
 #include "history/history_grid.h"
@@ -103,7 +103,7 @@ class Agreement : public ::testing::TestWithParam<int> {
       const ShownRow row = grid.Row(number);
       const auto depth = static_cast<std::size_t>(row.depth);
       if (row.kind == HistoryRowKind::kGroup) {
-        const std::string field = Told(group).levels[depth - 1];
+        const std::string field = Specified(group).levels[depth - 1];
         const std::string& prefix = HistoryColumnAt(HistoryColumnOfField(field)).group_prefix;
         key.resize(depth - 1);
         key.push_back(row.caption.substr(prefix.size()));
@@ -129,7 +129,7 @@ class Agreement : public ::testing::TestWithParam<int> {
     const std::map<std::string, std::string> fields{{"Batch_Weight", "ActualBatch"},
                                                     {"Feed_Weight", "ActualFeed"},
                                                     {"Target_Weight", "Target"}};
-    const Key& levels = Told(group).levels;
+    const Key& levels = Specified(group).levels;
     Key key;
     Totals totals;
     for (std::sregex_iterator match(xml.begin(), xml.end(), element), end; match != end; ++match) {
@@ -224,7 +224,7 @@ class Agreement : public ::testing::TestWithParam<int> {
     const auto value = std::find_if(cells.begin(), cells.end(), filled);
     const std::string& caption = header[static_cast<std::size_t>(value - cells.begin())];
     const std::string field = caption == "User ID" ? "UserID" : caption;
-    const Key& levels = Told(group).levels;
+    const Key& levels = Specified(group).levels;
     key.resize(
         static_cast<std::size_t>(std::find(levels.begin(), levels.end(), field) - levels.begin()));
     key.push_back(*value);
@@ -243,7 +243,7 @@ class Agreement : public ::testing::TestWithParam<int> {
     return texts[static_cast<std::size_t>(at)];
   }
 
-  ExportSite site_;
+  ExportFixture site_;
   fs::path data_ = site_.Folder() / "data";
   FixedSystemInfo system_;
   RecordingOperator op_;

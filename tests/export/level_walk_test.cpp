@@ -10,8 +10,8 @@
 #include <gtest/gtest.h>
 
 #include "base/error.h"
-#include "export/export_site.h"
-#include "export/told_levels.h"
+#include "export/export_fixture.h"
+#include "export/specified_levels.h"
 #include "support/rival_writer.h"
 
 namespace vrx::testing {
@@ -47,11 +47,11 @@ class LevelWalks : public ::testing::Test {
 
   void ExpectAsTold(int group, std::string_view name) const {
     EXPECT_EQ(Walked(group, name),
-              ToldWalk(site_.Database(), group, Names(WalkOf(group).Fields()), name))
+              SpecifiedWalk(site_.Database(), group, Names(WalkOf(group).Fields()), name))
         << "group " << group;
   }
 
-  ExportSite site_;
+  ExportFixture site_;
 };
 
 TEST_F(LevelWalks, OpensLevelsFromTheOutsideInWithTheSumsOnTheInnermost) {
@@ -169,7 +169,7 @@ TEST_F(LevelWalks, EveryGroupOfTheYardGoesByTheToldQueries) {
 // Another program's store during the walk.
 class StoringVisitor : public WalkLog {
  public:
-  explicit StoringVisitor(const ExportSite& site) : site_(site) {}
+  explicit StoringVisitor(const ExportFixture& site) : site_(site) {}
 
   void Record(std::span<const CellView> cells) override {
     WalkLog::Record(cells);
@@ -185,7 +185,7 @@ class StoringVisitor : public WalkLog {
   int Refused() const { return refused_; }
 
  private:
-  const ExportSite& site_;
+  const ExportFixture& site_;
   bool stored_ = false;
   int refused_ = 0;
 };

@@ -10,7 +10,7 @@
 #include <gtest/gtest.h>
 
 #include "base/files.h"
-#include "export/export_site.h"
+#include "export/export_fixture.h"
 #include "export/html_export.h"
 #include "export/page_texts.h"
 #include "export/xml_export.h"
@@ -116,7 +116,7 @@ TEST_P(EveryStyleSheet, ShowsRandomTablesWhole) {
                     .percent = below(2) == 0 ? std::optional(below(1000) / 10.0) : std::nullopt,
                     .weights = std::vector<double>(static_cast<std::size_t>(below(4)), 12.5)});
   }
-  const ExportSite site;
+  const ExportFixture site;
   site.Store(rows);
   FixedSystemInfo system;
   system.program_directory = VRX_BIN_DIR;

@@ -11,7 +11,7 @@
 #include "base/error.h"
 #include "base/files.h"
 #include "database/connection.h"
-#include "export/export_site.h"
+#include "export/export_fixture.h"
 #include "support/fixed_system_info.h"
 #include "support/recording_operator.h"
 #include "support/temp_folder.h"
@@ -49,7 +49,7 @@ class XmlExports : public ::testing::Test {
     return ReadAll(file_);
   }
 
-  ExportSite site_;
+  ExportFixture site_;
   fs::path file_ = site_.Folder() / "out.xml";
   fs::path data_ = site_.Folder() / "data";
   FixedSystemInfo system_;

@@ -49,20 +49,20 @@ class RecipeEditorFaults : public RecipeEditorTest,
 
   // While a new line is composed, the totals count what of it was entered.
   void ExpectUntouched(RecipeEditor& tried, const std::function<void()>& edit) {
-    const auto before = RecipeOnShow(tried.OnShow());
+    const auto before = CurrentRecipe(tried.Current());
     const std::string file = ReadAll(folder / "YARD.RDB");
     EXPECT_THROW(edit(), DatabaseError);
-    EXPECT_EQ(tried.OnShow().ration.recipe.name, before.ration.recipe.name);
-    EXPECT_EQ(tried.OnShow().ration.recipe.batch_type, before.ration.recipe.batch_type);
-    EXPECT_EQ(tried.OnShow().ration.recipe.ration_target, before.ration.recipe.ration_target);
-    EXPECT_EQ(tried.OnShow().ration.recipe.adjust_batch_index,
+    EXPECT_EQ(tried.Current().ration.recipe.name, before.ration.recipe.name);
+    EXPECT_EQ(tried.Current().ration.recipe.batch_type, before.ration.recipe.batch_type);
+    EXPECT_EQ(tried.Current().ration.recipe.ration_target, before.ration.recipe.ration_target);
+    EXPECT_EQ(tried.Current().ration.recipe.adjust_batch_index,
               before.ration.recipe.adjust_batch_index);
-    EXPECT_EQ(tried.OnShow().LineCount(), before.LineCount());
-    EXPECT_EQ(tried.OnShow().type_list_enabled, before.type_list_enabled);
-    EXPECT_EQ(tried.OnShow().ration.lines, before.ration.lines);
-    if (!tried.OnShow().OnEntryRow()) {
-      EXPECT_EQ(tried.OnShow().totals, before.totals);
-      EXPECT_EQ(tried.OnShow().row, before.row);
+    EXPECT_EQ(tried.Current().LineCount(), before.LineCount());
+    EXPECT_EQ(tried.Current().type_list_enabled, before.type_list_enabled);
+    EXPECT_EQ(tried.Current().ration.lines, before.ration.lines);
+    if (!tried.Current().OnEntryRow()) {
+      EXPECT_EQ(tried.Current().totals, before.totals);
+      EXPECT_EQ(tried.Current().row, before.row);
     }
     EXPECT_TRUE(ReadAll(folder / "YARD.RDB") == file);
   }
@@ -123,10 +123,10 @@ TEST_F(WriteProtectedRecipe, IsShownRecomputedAndStaysAsItIs) {
   RecipeEditor shown(read_only, op, settings, kByWeight);
   shown.RecomputeAll();
   shown.CommitRecipeRecord();
-  EXPECT_EQ(shown.OnShow().ration.lines.at(0).ration_percent,
-            editor.OnShow().ration.lines.at(0).ration_percent);
-  EXPECT_EQ(shown.OnShow().ration.lines.at(0).batch_target,
-            editor.OnShow().ration.lines.at(0).batch_target);
+  EXPECT_EQ(shown.Current().ration.lines.at(0).ration_percent,
+            editor.Current().ration.lines.at(0).ration_percent);
+  EXPECT_EQ(shown.Current().ration.lines.at(0).batch_target,
+            editor.Current().ration.lines.at(0).batch_target);
   EXPECT_TRUE(ReadAll(path) == before);
 }
 

@@ -56,7 +56,7 @@ class RecipeEditorTest : public ::testing::Test {
     op.beeps = 0;
   }
 
-  const RecipeOnShow& Shown() const { return editor.OnShow(); }
+  const CurrentRecipe& Shown() const { return editor.Current(); }
   std::vector<std::string> Column(std::string RecipeLineRecord::*field) const {
     return Cells(Shown().ration, field);
   }

@@ -210,10 +210,10 @@ TEST_F(RecipeHead, AnotherSelectionAddsACompleteLineAndGivesUpTheRest) {
 
 TEST_F(RecipeHead, WhatFollowsAStepRunsInsideItAndOnlyWhereSomethingIsStored) {
   int steps = 0;
-  RecipeEditor told(database, op, settings, kByWeight, [&](const RecipeOnShow& next) {
+  RecipeEditor told(database, op, settings, kByWeight, [&](const CurrentRecipe& next) {
     ++steps;
     EXPECT_EQ(next.ration.recipe.ration_target, "77");
-    EXPECT_EQ(told.OnShow().ration.recipe.ration_target, "5000");
+    EXPECT_EQ(told.Current().ration.recipe.ration_target, "5000");
     database.exec("UPDATE Pen SET FeedAmount = '9' WHERE ID = 1");
   });
   EXPECT_EQ(steps, 0);
@@ -225,11 +225,11 @@ TEST_F(RecipeHead, WhatFollowsAStepRunsInsideItAndOnlyWhereSomethingIsStored) {
 }
 
 TEST_F(RecipeHead, WhatFollowsAStepUndoesItWhereItFails) {
-  RecipeEditor told(database, op, settings, kByWeight, [&](const RecipeOnShow& /*next*/) {
+  RecipeEditor told(database, op, settings, kByWeight, [&](const CurrentRecipe& /*next*/) {
     database.exec("INSERT INTO NoSuchTable VALUES (1)");
   });
   EXPECT_THROW(told.LeaveRationTarget("77"), DatabaseError);
-  EXPECT_EQ(told.OnShow().ration.recipe.ration_target, "5000");
+  EXPECT_EQ(told.Current().ration.recipe.ration_target, "5000");
   EXPECT_EQ(ReadRecipe(database, kByWeight).ration_target, "5000");
 }
 

@@ -167,7 +167,7 @@ TEST_P(RandomRecipeEdits, ShowAndStoreTheFiguresOfAnIndependentRecomputation) {
 
 TEST_P(RandomRecipeEdits, RecomputingChangesNothingMore) {
   Grow(Number(2, 12));
-  const RecipeOnShow before = Shown();
+  const CurrentRecipe before = Shown();
   editor.RecomputeAll();
   editor.Select(Shown().ration.recipe.id);
   editor.CommitRecipeRecord();
@@ -180,7 +180,7 @@ TEST_P(RandomRecipeEdits, AMoveUpAndDownRestoresEverything) {
   Grow(Number(2, 12));
   const int row = Number(2, Shown().LineCount());
   ASSERT_TRUE(editor.GoToRow(row));
-  const RecipeOnShow before = Shown();
+  const CurrentRecipe before = Shown();
   EXPECT_TRUE(editor.MoveRow(MoveDirection::kUp));
   EXPECT_EQ(Shown().row, row - 1);
   EXPECT_TRUE(editor.MoveRow(MoveDirection::kDown));
@@ -193,7 +193,7 @@ TEST_P(RandomRecipeEdits, AMoveUpAndDownRestoresEverything) {
 TEST_P(RandomRecipeEdits, AGivenUpLineLeavesEverythingAsItWas) {
   Grow(Number(1, 12));
   editor.GoToRow(1);
-  const RecipeOnShow before = Shown();
+  const CurrentRecipe before = Shown();
   editor.GoToRow(kEntryRow);
   editor.ChooseIngredient(Number(kCorn, kOats));
   editor.EnterCell(OpenColumn(), Amount());

@@ -173,7 +173,7 @@ TEST_F(RecordCommit, EachLineFollowsItsOwnRecipesType) {
   EXPECT_EQ(Line(2).dry_matter, "7812");
 }
 
-TEST_F(RecordCommit, TheTypeOnShowOutranksALinesOwn) {
+TEST_F(RecordCommit, TheTypeShownOutranksALinesOwn) {
   UseRecipe(1, "STEERS", "W");
   UseRecipe(2, "HEIFRS", "P");
   for (const int recipe : {1, 2}) {

@@ -57,7 +57,7 @@ TEST(HistoryColumnTable, CountsFromOneAndNamesTheFieldsInStoredOrder) {
   EXPECT_THROW(HistoryColumnAt(113), std::out_of_range);
 }
 
-TEST(HistoryColumnTable, TellsCaptionGroupPrefixAlignmentAndSumOfEachColumn) {
+TEST(HistoryColumnTable, ReportsCaptionGroupPrefixAlignmentAndSumOfEachColumn) {
   struct Row {
     std::string_view caption;
     std::string_view prefix;

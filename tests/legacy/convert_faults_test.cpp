@@ -9,7 +9,7 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
-#include "legacy/conversion_site.h"
+#include "legacy/conversion_fixture.h"
 #include "legacy/convert.h"
 #include "legacy/jet_file.h"
 #include "support/private_mounts.h"
@@ -27,7 +27,7 @@ using ::testing::IsEmpty;
 // A program's directory with a shell script in the place of the reader.
 class OtherReader {
  public:
-  OtherReader(ConversionSite& site, const std::string& script) {
+  OtherReader(ConversionFixture& site, const std::string& script) {
     site.program_directory = directory_.Path();
     for (const char* const blank : {"QXNULRDB.MDB", "QXNULXDB.MDB"}) {
       fs::copy_file(fs::path(VRX_BIN_DIR) / blank, directory_ / blank);
@@ -41,7 +41,7 @@ class OtherReader {
 };
 
 void ExpectRefusal(const std::string& script, const std::string& refusal) {
-  ConversionSite site;
+  ConversionFixture site;
   const OtherReader reader(site, script);
   EXPECT_THAT(site.Refusal(site.Data("LEGACYR.RDB")), HasSubstr(refusal)) << script;
   EXPECT_THAT(site.Files(), IsEmpty());
@@ -86,7 +86,7 @@ TEST(Reader, HasTenSecondsAndOneForEachMegabyteUpToAnHour) {
 }
 
 TEST(Reader, ThatIsNotThereIsTold) {
-  ConversionSite site;
+  ConversionFixture site;
   const OtherReader reader(site, "exit 0");
   fs::remove(site.program_directory / "vrx2260jet");
   EXPECT_THAT(
@@ -97,7 +97,7 @@ TEST(Reader, ThatIsNotThereIsTold) {
 }
 
 TEST(Conversion, StopsWhenAskedTo) {
-  ConversionSite site;
+  ConversionFixture site;
   int asked = 0;
   site.go_on = [&asked] { return ++asked < 3; };
   EXPECT_EQ(site.Refusal(site.Data("LEGACYX.TDB")), "the conversion was stopped");
@@ -105,7 +105,7 @@ TEST(Conversion, StopsWhenAskedTo) {
 }
 
 TEST(Conversion, StopsWhenAskedToAlsoOnceItsReaderHasClosedTheOutput) {
-  ConversionSite site;
+  ConversionFixture site;
   const OtherReader reader(site, "exec >&-; exec sleep 600");
   int asked = 0;
   site.go_on = [&asked] { return ++asked < 10; };
@@ -114,7 +114,7 @@ TEST(Conversion, StopsWhenAskedToAlsoOnceItsReaderHasClosedTheOutput) {
 }
 
 TEST(Conversion, NeverReplacesAFile) {
-  ConversionSite site;
+  ConversionFixture site;
   WriteBytes(site.copy, "mine");
   EXPECT_THAT(site.Refusal(site.Data("LEGACYR.RDB")),
               EndsWith("NEW.RDB already exists; choose another name"));
@@ -123,7 +123,7 @@ TEST(Conversion, NeverReplacesAFile) {
 }
 
 TEST(Conversion, NeverReplacesAFileThatCameMeanwhile) {
-  ConversionSite site;
+  ConversionFixture site;
   site.go_on = [&site] {
     WriteBytes(site.copy, "mine");
     return true;
@@ -134,7 +134,7 @@ TEST(Conversion, NeverReplacesAFileThatCameMeanwhile) {
 }
 
 TEST(Conversion, OfAFileIntoItselfIsRefused) {
-  ConversionSite site;
+  ConversionFixture site;
   fs::copy_file(site.Data("LEGACYR.RDB"), site.copy);
   const std::string before = BytesOf(site.copy);
   EXPECT_THAT(site.Refusal(site.copy), HasSubstr("already exists"));
@@ -142,7 +142,7 @@ TEST(Conversion, OfAFileIntoItselfIsRefused) {
 }
 
 TEST(Conversion, OfAFileThatChangesMeanwhileIsRefused) {
-  ConversionSite site;
+  ConversionFixture site;
   fs::copy_file(site.Data("LEGACYR.RDB"), site.old_path);
   site.go_on = [&site] {
     std::string bytes = BytesOf(site.old_path);
@@ -155,14 +155,14 @@ TEST(Conversion, OfAFileThatChangesMeanwhileIsRefused) {
 }
 
 TEST(Conversion, OfWhatIsNoFileIsRefused) {
-  ConversionSite site;
+  ConversionFixture site;
   EXPECT_THAT(site.Refusal(site.folder / "NONE.RDB"), EndsWith("NONE.RDB does not exist."));
   EXPECT_THAT(site.Refusal(site.folder.Path()), EndsWith("is a folder or a device, not a file."));
   EXPECT_THAT(site.Refusal("/dev/null"), EndsWith("is a folder or a device, not a file."));
 }
 
 TEST(Conversion, RefusesEveryOtherKindOfFileInItsOwnWords) {
-  ConversionSite site;
+  ConversionFixture site;
   WriteBytes(site.old_path, "ID,Name\n");
   EXPECT_EQ(site.Refusal(site.old_path), JetFileRefusal(JetFileKind::kText, "OLD.RDB"));
   std::string bytes = BytesOf(site.Data("LEGACYR.RDB"));
@@ -180,7 +180,7 @@ TEST(Conversion, RefusesEveryOtherKindOfFileInItsOwnWords) {
 }
 
 TEST(Conversion, IntoAFolderThatIsNotThereIsTold) {
-  ConversionSite site;
+  ConversionFixture site;
   site.copy = site.folder / "none" / "NEW.RDB";
   EXPECT_THAT(site.Refusal(site.Data("LEGACYR.RDB")),
               AllOf(HasSubstr("cannot write"), HasSubstr("No such file or directory")));
@@ -188,7 +188,7 @@ TEST(Conversion, IntoAFolderThatIsNotThereIsTold) {
 
 // The right to write is looked at: a superuser could write without it.
 TEST(Conversion, FromAWriteProtectedTemplateMakesAFileThatCanBeWritten) {
-  ConversionSite site;
+  ConversionFixture site;
   const OtherReader reader(site,
                            "exec " + (fs::path(VRX_BIN_DIR) / "vrx2260jet").string() + " \"$@\"");
   fs::permissions(site.program_directory / "QXNULRDB.MDB", fs::perms::owner_read);
@@ -197,7 +197,7 @@ TEST(Conversion, FromAWriteProtectedTemplateMakesAFileThatCanBeWritten) {
 }
 
 TEST(Conversion, WithoutATemplateIsTold) {
-  ConversionSite site;
+  ConversionFixture site;
   const OtherReader reader(site,
                            "exec " + (fs::path(VRX_BIN_DIR) / "vrx2260jet").string() + " \"$@\"");
   fs::remove(site.program_directory / "QXNULRDB.MDB");
@@ -212,7 +212,7 @@ TEST(ConversionThatIsKilled, LeavesAWholeFileOrNone) {
   int interrupted = 0;
   for (int round = 0; round < kRounds; ++round) {
     SCOPED_TRACE(round);
-    ConversionSite site;
+    ConversionFixture site;
     const std::string old_file = site.Data("LEGACYX.TDB").string();
     const pid_t process = fork();
     if (process == 0) {
@@ -234,7 +234,7 @@ TEST(ConversionThatIsKilled, LeavesAWholeFileOrNone) {
 }
 
 TEST(ConversionOnAFullDisk, FailsClearlyAndLeavesNothing) {
-  ConversionSite site;
+  ConversionFixture site;
   const std::string output =
       RunWithMounts(R"(
       mkdir "$1/disk"
@@ -250,7 +250,7 @@ TEST(ConversionOnAFullDisk, FailsClearlyAndLeavesNothing) {
 }
 
 TEST(ConversionOnAReadOnlyDisk, FailsClearly) {
-  ConversionSite site;
+  ConversionFixture site;
   const std::string output =
       RunWithMounts(R"(
       mkdir "$1/disk"

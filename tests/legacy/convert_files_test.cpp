@@ -11,7 +11,7 @@
 #include "base/date.h"
 #include "base/number.h"
 #include "database/summary.h"
-#include "legacy/conversion_site.h"
+#include "legacy/conversion_fixture.h"
 
 namespace vrx::testing {
 namespace {
@@ -85,7 +85,7 @@ std::string Expected(const std::string& column, const Cell& known, const std::st
 }
 
 // Compares every cell of a table of the copy with what the old file is known to hold.
-void ExpectTable(const ConversionSite& site, const std::string& file, const std::string& table,
+void ExpectTable(const ConversionFixture& site, const std::string& file, const std::string& table,
                  const std::string& name_prefix = {}) {
   SCOPED_TRACE(table);
   const KnownTable known = ReadKnown(file + "." + table + ".csv");
@@ -109,7 +109,7 @@ void ExpectTable(const ConversionSite& site, const std::string& file, const std:
 }
 
 TEST(ConvertedRecipeFile, HoldsEveryValue) {
-  ConversionSite site;
+  ConversionFixture site;
   site.Convert(site.Data("LEGACYR.RDB"));
   ExpectTable(site, "LEGACYR", "Ingredient", "ING");
   ExpectTable(site, "LEGACYR", "Recipe", "REC");
@@ -121,7 +121,7 @@ TEST(ConvertedRecipeFile, HoldsEveryValue) {
 }
 
 TEST(ConvertedTransactionFile, HoldsEveryValue) {
-  ConversionSite site;
+  ConversionFixture site;
   site.Convert(site.Data("LEGACYX.TDB"));
   ExpectTable(site, "LEGACYX", "Transactions");
   ExpectTable(site, "LEGACYX", "UnitsOfMeasure");
@@ -130,7 +130,7 @@ TEST(ConvertedTransactionFile, HoldsEveryValue) {
 }
 
 TEST(ConvertedFile, IsADatabaseOfThisProgram) {
-  ConversionSite site;
+  ConversionFixture site;
   site.Convert(site.Data("LEGACYR.RDB"));
   const DatabaseSummary recipe = ReadDatabaseSummary(site.copy);
   EXPECT_EQ(recipe.kind, DatabaseKind::kRecipe);
@@ -152,7 +152,7 @@ TEST(ConvertedFile, IsADatabaseOfThisProgram) {
 
 // 37.9 is 37.9000015 as a single.
 TEST(ConvertedTransactionFile, KeepsADecimalWeightAsItWasWritten) {
-  ConversionSite site;
+  ConversionFixture site;
   site.Convert(site.Data("LEGACYX.TDB"));
   std::size_t decimals = 0;
   const auto rows_where = [&site](const std::string& condition) {
@@ -170,7 +170,7 @@ TEST(ConvertedTransactionFile, KeepsADecimalWeightAsItWasWritten) {
 }
 
 TEST(ConversionReport, OfTheRecipeFileTellsCountsSumsAndRepairs) {
-  ConversionSite site;
+  ConversionFixture site;
   const ConversionReport report = site.Convert(site.Data("LEGACYR.RDB"));
   EXPECT_EQ(report.kind, DatabaseKind::kRecipe);
   EXPECT_EQ(report.unit, "LB");
@@ -193,7 +193,7 @@ TEST(ConversionReport, OfTheRecipeFileTellsCountsSumsAndRepairs) {
 }
 
 TEST(ConversionReport, OfTheTransactionFileTellsTheSameSumsOnBothSides) {
-  ConversionSite site;
+  ConversionFixture site;
   const ConversionReport report = site.Convert(site.Data("LEGACYX.TDB"));
   EXPECT_EQ(CountsOf(report, "Transactions").read, 302U);
   EXPECT_EQ(CountsOf(report, "Transactions").stored, 302U);
@@ -214,7 +214,7 @@ TEST(ConversionReport, OfTheTransactionFileTellsTheSameSumsOnBothSides) {
 }
 
 TEST(Conversion, OnlyReadsTheOldFile) {
-  ConversionSite site;
+  ConversionFixture site;
   fs::copy_file(site.Data("LEGACYX.TDB"), site.old_path);
   const std::string before = BytesOf(site.old_path);
   const auto time = fs::last_write_time(site.old_path);
@@ -228,14 +228,14 @@ TEST(Conversion, OnlyReadsTheOldFile) {
 }
 
 TEST(Conversion, ReadsAFileWhoseNameIsNoUtf8) {
-  ConversionSite site;
+  ConversionFixture site;
   const fs::path old_file = site.folder / "OLD\xCD\x81.RDB";
   fs::copy_file(site.Data("LEGACYR.RDB"), old_file);
   EXPECT_GT(site.Convert(old_file).Stored(), 0U);
 }
 
 TEST(Conversion, ShowsHowFarItHasCome) {
-  ConversionSite site;
+  ConversionFixture site;
   site.Convert(site.Data("LEGACYX.TDB"));
   EXPECT_THAT(site.progress.messages,
               ElementsAre("Converting the table Transactions.", "Writing the new file."));

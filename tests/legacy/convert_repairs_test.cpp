@@ -5,7 +5,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include "legacy/conversion_site.h"
+#include "legacy/conversion_fixture.h"
 #include "legacy/pen_file.h"
 
 namespace vrx::testing {
@@ -32,7 +32,7 @@ void ExpectCountsAddUp(const ConversionReport& report) {
 }
 
 TEST(ConversionOfIds, RefusesThoseOutsideTheListAndDuplicates) {
-  ConversionSite site;
+  ConversionFixture site;
   JetWriter file = PenFile();
   file.AddRow({Whole(1), Text("N01"), Text("North"), Text("10")});
   file.AddRow({Whole(0), Text("ZERO"), Text(""), Text("0")});
@@ -57,8 +57,8 @@ TEST(ConversionOfIds, RefusesThoseOutsideTheListAndDuplicates) {
   EXPECT_EQ(site.Rows("SELECT * FROM Pen").size(), 400U);
 }
 
-TEST(ConversionOfTexts, TellsNullFromEmpty) {
-  ConversionSite site;
+TEST(ConversionOfTexts, ReportsNullFromEmpty) {
+  ConversionFixture site;
   JetWriter file = PenFile();
   file.AddRow({Whole(1), kNull, kNull, kNull});
   file.AddRow({Whole(2), Text(""), Text(""), Text("")});
@@ -69,7 +69,7 @@ TEST(ConversionOfTexts, TellsNullFromEmpty) {
 }
 
 TEST(ConversionOfTexts, CutsWhatIsTooLongAndDropsControlCharacters) {
-  ConversionSite site;
+  ConversionFixture site;
   JetWriter file = PenFile();
   file.AddRow({Whole(1), Text("ABCDEFGH"),
                Text("A\x1F"
@@ -92,7 +92,7 @@ TEST(ConversionOfTexts, CutsWhatIsTooLongAndDropsControlCharacters) {
 }
 
 TEST(ConversionOfNumbers, TakesATextInANumbersPlaceOnlyIfItIsANumber) {
-  ConversionSite site;
+  ConversionFixture site;
   JetWriter file = TransactionFile({{"Transaction", JetWriter::kText},
                                     {"Target", JetWriter::kText},
                                     {"ActualBatch", JetWriter::kDouble},
@@ -124,7 +124,7 @@ TEST(ConversionOfNumbers, TakesATextInANumbersPlaceOnlyIfItIsANumber) {
 
 // A currency is stored in ten thousandths.
 TEST(ConversionOfNumbers, ReadsEveryKindThatAColumnMayHave) {
-  ConversionSite site;
+  ConversionFixture site;
   JetWriter file = TransactionFile({{"Transaction", JetWriter::kByte},
                                     {"Target", JetWriter::kCurrency},
                                     {"ActualBatch", JetWriter::kInteger},
@@ -140,7 +140,7 @@ TEST(ConversionOfNumbers, ReadsEveryKindThatAColumnMayHave) {
 }
 
 TEST(ConversionOfTables, MindsNoCaseOfTheirNames) {
-  ConversionSite site;
+  ConversionFixture site;
   JetWriter file;
   file.AddTable("UNITSOFMEASURE", {{"uom", JetWriter::kText}});
   file.AddRow({Text("LB")});
@@ -154,8 +154,8 @@ TEST(ConversionOfTables, MindsNoCaseOfTheirNames) {
   EXPECT_THAT(NoticeLines(report), Not(Contains(HasSubstr("has no place in the new file"))));
 }
 
-TEST(ConversionOfColumns, TellsThoseThatAreMissingAndThoseWithoutAPlace) {
-  ConversionSite site;
+TEST(ConversionOfColumns, ReportsThoseThatAreMissingAndThoseWithoutAPlace) {
+  ConversionFixture site;
   JetWriter file;
   AddIdentity(file, "USER_RECIPE_DB");
   file.AddTable("Pen", {{"id", JetWriter::kLong},
@@ -178,9 +178,9 @@ TEST(ConversionOfColumns, TellsThoseThatAreMissingAndThoseWithoutAPlace) {
            "Customers: the table has no place in the new file and was left out"}));
 }
 
-TEST(ConversionOfTheMarker, TellsAnotherOneAndGoesByTheTables) {
+TEST(ConversionOfTheMarker, ReportsAnotherOneAndGoesByTheTables) {
   for (const char* const marker : {"USER_TRANS_DB", "NUL_RECIPE_DB", "SOMETHING"}) {
-    ConversionSite site;
+    ConversionFixture site;
     JetWriter file;
     AddIdentity(file, marker);
     AddPens(file);
@@ -195,7 +195,7 @@ TEST(ConversionOfTheMarker, TellsAnotherOneAndGoesByTheTables) {
 }
 
 TEST(ConversionOfTheMarker, DecidesWhereThereAreTablesOfBothKinds) {
-  ConversionSite site;
+  ConversionFixture site;
   JetWriter file;
   AddIdentity(file, "USER_TRANS_DB");
   AddPens(file);
@@ -213,7 +213,7 @@ TEST(ConversionOfTheMarker, DecidesWhereThereAreTablesOfBothKinds) {
 }
 
 TEST(ConversionOfAFile, WithNoneOfTheTablesIsRefused) {
-  ConversionSite site;
+  ConversionFixture site;
   JetWriter file;
   file.AddTable("Customers", {{"Name", JetWriter::kText}});
   file.Write(site.old_path);
@@ -223,7 +223,7 @@ TEST(ConversionOfAFile, WithNoneOfTheTablesIsRefused) {
 }
 
 TEST(ConversionOfAFile, OfTheOtherKindThanAskedForIsRefused) {
-  ConversionSite site;
+  ConversionFixture site;
   site.kind = DatabaseKind::kTransaction;
   EXPECT_THAT(site.Refusal(site.Data("LEGACYR.RDB")),
               HasSubstr("LEGACYR.RDB is a recipe database; expected a transaction database"));
@@ -231,7 +231,7 @@ TEST(ConversionOfAFile, OfTheOtherKindThanAskedForIsRefused) {
 }
 
 TEST(ConversionOfTheUnit, TakesTheSystemsWhereTheFileHasNone) {
-  ConversionSite site;
+  ConversionFixture site;
   JetWriter file;
   AddIdentity(file, "USER_RECIPE_DB", "TONS");
   AddPens(file);
@@ -242,7 +242,7 @@ TEST(ConversionOfTheUnit, TakesTheSystemsWhereTheFileHasNone) {
 }
 
 TEST(ConversionOfTheUnit, TakesTheFilesHoweverItIsWritten) {
-  ConversionSite site;
+  ConversionFixture site;
   JetWriter file;
   AddIdentity(file, "USER_RECIPE_DB", " lb ");
   AddPens(file);
@@ -252,8 +252,8 @@ TEST(ConversionOfTheUnit, TakesTheFilesHoweverItIsWritten) {
               Contains("UnitsOfMeasure, row 1: UoM was \" lb \"; LB was stored"));
 }
 
-TEST(ConversionOfTheIdentity, TellsTablesThatAreMissing) {
-  ConversionSite site;
+TEST(ConversionOfTheIdentity, ReportsTablesThatAreMissing) {
+  ConversionFixture site;
   JetWriter file;
   AddPens(file);
   const ConversionReport report = site.Convert(file);
@@ -269,7 +269,7 @@ TEST(ConversionOfTheIdentity, TellsTablesThatAreMissing) {
 }
 
 TEST(ConversionOfTheIdentity, TakesTheFirstRowOfATable) {
-  ConversionSite site;
+  ConversionFixture site;
   JetWriter file;
   file.AddTable("UnitsOfMeasure", {{"UoM", JetWriter::kText}});
   file.AddRow({Text("LB")});
@@ -286,7 +286,7 @@ TEST(ConversionOfTheIdentity, TakesTheFirstRowOfATable) {
 }
 
 TEST(ConversionOfLines, RefusesThoseOfNoRecipeAndTheThirtyThird) {
-  ConversionSite site;
+  ConversionFixture site;
   JetWriter file;
   AddIdentity(file, "USER_RECIPE_DB");
   file.AddTable("RecipeRation", {{"RecipeID", JetWriter::kText},
@@ -315,7 +315,7 @@ TEST(ConversionOfLines, RefusesThoseOfNoRecipeAndTheThirtyThird) {
 }
 
 TEST(ConversionOfMoments, KeepsDayAndSecondHoweverTheyWereKept) {
-  ConversionSite site;
+  ConversionFixture site;
   JetWriter file = TransactionFile({{"Time", JetWriter::kDate}, {"Date", JetWriter::kDate}});
   constexpr double kDay = 40000;  // 2009-07-06
   file.AddRow({JetDate{(5 * 3600 + 59 * 60 + 59) / 86400.0}, JetDate{kDay}});
@@ -341,7 +341,7 @@ TEST(ConversionOfMoments, KeepsDayAndSecondHoweverTheyWereKept) {
 }
 
 TEST(ConversionOfRows, LeavesDeletedOnesOutAndFindsMovedOnes) {
-  ConversionSite site;
+  ConversionFixture site;
   JetWriter file = PenFile();
   file.AddRow({Whole(1), Text("FIRST"), Text(""), Text("0")});
   file.AddRow({Whole(2), Text("GONE"), Text(""), Text("0")}, JetWriter::Place::kDeleted);
@@ -355,8 +355,8 @@ TEST(ConversionOfRows, LeavesDeletedOnesOutAndFindsMovedOnes) {
   EXPECT_THAT(NoticeLines(report), Not(Contains(HasSubstr("History"))));
 }
 
-TEST(ConversionOfRows, TellsWhenThereAreMoreOrFewerThanTheFileSays) {
-  ConversionSite site;
+TEST(ConversionOfRows, ReportsWhenThereAreMoreOrFewerThanTheFileSays) {
+  ConversionFixture site;
   JetWriter file = PenFile();
   file.AddRow({Whole(1), Text("FIRST"), Text(""), Text("0")});
   file.Announce(5);
@@ -365,7 +365,7 @@ TEST(ConversionOfRows, TellsWhenThereAreMoreOrFewerThanTheFileSays) {
 }
 
 TEST(ConversionReport, JoinsTheRowsOfEqualNotices) {
-  ConversionSite site;
+  ConversionFixture site;
   JetWriter file = PenFile();
   for (int id = 1; id <= 400; ++id) {
     file.AddRow({Whole(id), kNull, Text(id % 2 == 0 ? "x" : "y"), Text("0")});

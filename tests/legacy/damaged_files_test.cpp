@@ -8,7 +8,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include "legacy/conversion_site.h"
+#include "legacy/conversion_fixture.h"
 #include "legacy/jet_file.h"
 
 namespace vrx::testing {
@@ -86,7 +86,7 @@ TEST(DamagedFile, EndsInAReportOrAClearRefusal) {
   const int copies = DamagedCopies();
   for (int copy = 0; copy < copies; ++copy) {
     SCOPED_TRACE(copy);
-    ConversionSite site;
+    ConversionFixture site;
     Damage damage(static_cast<unsigned>(copy));
     const std::string damaged = damage.Of(copy % 2 == 0 ? recipe : transaction);
     WriteBytes(site.old_path, damaged);

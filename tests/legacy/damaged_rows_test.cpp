@@ -4,7 +4,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include "legacy/conversion_site.h"
+#include "legacy/conversion_fixture.h"
 #include "legacy/jet_file.h"
 #include "legacy/pen_file.h"
 
@@ -36,7 +36,7 @@ class Pages {
     bytes_[at + 1] = static_cast<char>(number / 256);
   }
 
-  ConversionReport ConvertIn(ConversionSite& site) const {
+  ConversionReport ConvertIn(ConversionFixture& site) const {
     WriteBytes(site.old_path, bytes_);
     return site.Convert(site.old_path);
   }
@@ -51,7 +51,7 @@ std::string DamagedPen(int row, std::size_t page, int place) {
 }
 
 TEST(ConversionOfDamagedRows, RefusesAMovedRowOfAnotherTable) {
-  ConversionSite site;
+  ConversionFixture site;
   JetWriter file = PenFile();
   file.AddRow({Whole(1), Text("FIRST"), Text(""), Text("0")});
   file.AddRow({Whole(2), Text("MOVED"), Text(""), Text("9")}, JetWriter::Place::kMoved);
@@ -63,7 +63,7 @@ TEST(ConversionOfDamagedRows, RefusesAMovedRowOfAnotherTable) {
 }
 
 TEST(ConversionOfDamagedRows, RefusesAMovedRowWithoutAWholePointer) {
-  ConversionSite site;
+  ConversionFixture site;
   JetWriter file = PenFile();
   file.AddRow({Whole(1), Text("FIRST"), Text(""), Text("0")});
   file.AddRow({Whole(2), Text("MOVED"), Text(""), Text("9")}, JetWriter::Place::kMoved);
@@ -77,7 +77,7 @@ TEST(ConversionOfDamagedRows, RefusesAMovedRowWithoutAWholePointer) {
 
 // The second row ends where the first one begins.
 TEST(ConversionOfDamagedRows, RefusesRowsThatReachBeyondTheirPage) {
-  ConversionSite site;
+  ConversionFixture site;
   JetWriter file = PenFile();
   for (int id = 1; id <= 3; ++id) {
     file.AddRow({Whole(id), Text("FIRST"), Text(""), Text("0")});
@@ -92,7 +92,7 @@ TEST(ConversionOfDamagedRows, RefusesRowsThatReachBeyondTheirPage) {
 }
 
 TEST(ConversionOfDamagedRows, RefusesARowWithoutBytes) {
-  ConversionSite site;
+  ConversionFixture site;
   JetWriter file = PenFile();
   file.AddRow({Whole(1), Text("FIRST"), Text(""), Text("0")});
   file.AddRow({Whole(2), Text("SECOND"), Text(""), Text("0")});
@@ -105,7 +105,7 @@ TEST(ConversionOfDamagedRows, RefusesARowWithoutBytes) {
 }
 
 TEST(ConversionOfDamagedRows, RefusesAllOfAPageThatSaysItHasMoreThanFit) {
-  ConversionSite site;
+  ConversionFixture site;
   JetWriter file = PenFile();
   file.AddRow({Whole(1), Text("FIRST"), Text(""), Text("0")});
   Pages pages(file);
@@ -120,7 +120,7 @@ TEST(ConversionOfDamagedRows, RefusesAllOfAPageThatSaysItHasMoreThanFit) {
 }
 
 TEST(ConversionOfDamagedRows, CountsThoseOfTheIdentity) {
-  ConversionSite site;
+  ConversionFixture site;
   JetWriter file = PenFile();
   Pages pages(file);
   const std::size_t page = pages.With("LB");

@@ -6,7 +6,7 @@
 #include <gtest/gtest.h>
 #include <nettle/arcfour.h>
 
-#include "legacy/conversion_site.h"
+#include "legacy/conversion_fixture.h"
 
 namespace vrx::testing {
 namespace {
@@ -77,7 +77,7 @@ TEST(JetFile, KnowsACutOffFile) {
   EXPECT_EQ(KindOf(whole.substr(0, 20)), JetFileKind::kCutOff);
 }
 
-TEST(JetFile, TellsFilesOfOtherKindsApart) {
+TEST(JetFile, DistinguishesFilesOfOtherKinds) {
   EXPECT_EQ(KindOf(""), JetFileKind::kEmpty);
   EXPECT_EQ(KindOf("ID,Name\r\n1,CORN\r\n"), JetFileKind::kText);
   EXPECT_EQ(KindOf(std::string("\x89PNG\r\n\x1A\n\0\0", 10)), JetFileKind::kOther);

@@ -7,7 +7,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include "legacy/conversion_site.h"
+#include "legacy/conversion_fixture.h"
 
 namespace vrx::testing {
 namespace {
@@ -58,7 +58,7 @@ JetWriter LargeFile() {
 }
 
 TEST(LargeFile, ConvertsWithinBoundedMemory) {
-  ConversionSite site;
+  ConversionFixture site;
   LargeFile().Write(site.old_path);
   const std::string command = std::string(CONVERT_PROCESS) + " '" + site.old_path.string() + "' '" +
                               site.copy.string() + "' '" + VRX_BIN_DIR + "'";

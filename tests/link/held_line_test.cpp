@@ -32,7 +32,7 @@ class HeldLineTest : public LinkFixture {
     EXPECT_FALSE(serial.dtr);
   }
 
-  DataTransfer tab;
+  TransferState tab;
 };
 
 TEST_F(HeldLineTest, EachCommandFailsAfterTenSecondsAndClosesThePort) {

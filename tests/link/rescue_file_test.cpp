@@ -92,7 +92,7 @@ class ReceivedDataTest : public LinkFixture {
   }
 
   TempFolder folder;
-  DataTransfer tab;
+  TransferState tab;
   DirectConnection direct{krm, tab, pump, op, settings};
   Upload upload{krm, tab, pump, op, settings};
 };

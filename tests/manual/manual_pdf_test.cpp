@@ -9,9 +9,9 @@
 
 #include <gmock/gmock.h>
 
-#include "support/program.h"
 #include "manual/manual_chapters.h"
 #include "manual/program_texts.h"
+#include "support/program.h"
 #include "support/temp_folder.h"
 
 namespace vrx::testing {

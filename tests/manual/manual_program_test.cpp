@@ -99,7 +99,7 @@ TEST(Manual, NamesOnlyCommandsThatTheMenusHave) {
   EXPECT_GT(found, 0);
 }
 
-TEST(Manual, TellsEveryCommandOfTheMenus) {
+TEST(Manual, ReportsEveryCommandOfTheMenus) {
   std::set<std::string> told;
   ForEachSpan(SpanStyle::kCaption, [&](const std::string& /*file*/, const std::string& text) {
     told.insert(BareCommand(text));

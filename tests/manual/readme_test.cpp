@@ -50,7 +50,7 @@ TEST(Readme, NamesOnlyFilesThatThereAre) {
   }
 }
 
-TEST(Readme, TellsOfEveryFolderOfTheSources) {
+TEST(Readme, ReportsOfEveryFolderOfTheSources) {
   const std::string readme = Readme();
   for (const fs::directory_entry& entry : fs::directory_iterator(VRX_SOURCE_DIR "/src")) {
     if (entry.is_directory()) {

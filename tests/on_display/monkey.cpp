@@ -18,8 +18,8 @@ constexpr milliseconds kHang{10'000};
 #else
 constexpr milliseconds kHang{2000};
 #endif
-constexpr std::size_t kTold = 40;   // actions
-constexpr int kBusyTimeout = 5000;  // ms
+constexpr std::size_t kSpecified = 40;  // actions
+constexpr int kBusyTimeout = 5000;      // ms
 
 // They start programs of the machine.
 constexpr std::array kLeftAlone = {"Users Manual", "Readme", "System Info..."};
@@ -83,7 +83,7 @@ int Monkey::Pick(int least, int most) {
 
 void Monkey::Note(const std::string& words) {
   log_.push_back(words);
-  if (log_.size() > kTold) {
+  if (log_.size() > kSpecified) {
     log_.pop_front();
   }
 }

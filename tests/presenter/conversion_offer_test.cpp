@@ -6,7 +6,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include "legacy/conversion_site.h"
+#include "legacy/conversion_fixture.h"
 #include "legacy/jet_file.h"
 #include "presenter/legacy_conversion.h"
 #include "support/fixed_system_info.h"
@@ -21,7 +21,7 @@ namespace fs = std::filesystem;
 using ::testing::HasSubstr;
 using ::testing::IsEmpty;
 using ::testing::SizeIs;
-using Outcome = EarlierDatabase::Outcome;
+using Outcome = LegacyOpening::Outcome;
 
 class KeptDisplay : public ConversionDisplay {
  public:
@@ -53,7 +53,7 @@ class ConversionOfferTest : public ::testing::Test {
     system.common_app_data_folder = (site.folder / "share").string();
   }
 
-  EarlierDatabase Offer(const fs::path& path, DatabaseKind kind = DatabaseKind::kRecipe) {
+  LegacyOpening Offer(const fs::path& path, DatabaseKind kind = DatabaseKind::kRecipe) {
     const Folder app_folder(system);
     ConversionOffer offer({.op = op,
                            .files = chooser,
@@ -66,7 +66,7 @@ class ConversionOfferTest : public ::testing::Test {
     return offer.Offer(kind, path);
   }
 
-  ConversionSite site;
+  ConversionFixture site;
   FixedSystemInfo system;
   PrivateINI settings;
   RecordingOperator op;
@@ -78,7 +78,7 @@ class ConversionOfferTest : public ::testing::Test {
 TEST_F(ConversionOfferTest, AsksInTheToldWordsAndConvertsACopy) {
   op.answers = {Answer::kYes};
   chooser.Choose(site.copy);
-  const EarlierDatabase made = Offer(site.Data("LEGACYR.RDB"));
+  const LegacyOpening made = Offer(site.Data("LEGACYR.RDB"));
   EXPECT_EQ(made.outcome, Outcome::kOpenCopy);
   EXPECT_EQ(made.copy, site.copy);
   ASSERT_THAT(op.boxes, SizeIs(1));
@@ -109,7 +109,7 @@ TEST_F(ConversionOfferTest, AsksNothingAboutOtherFiles) {
   EXPECT_THAT(op.boxes, IsEmpty());
 }
 
-TEST_F(ConversionOfferTest, TellsWhatAFileIsThatCannotBeConverted) {
+TEST_F(ConversionOfferTest, ReportsWhatAFileIsThatCannotBeConverted) {
   std::string bytes = BytesOf(site.Data("LEGACYR.RDB"));
   bytes[0x14] = 0;
   WriteBytes(site.old_path, bytes);
@@ -139,7 +139,7 @@ TEST_F(ConversionOfferTest, AsksAgainForANameThatCannotBe) {
   EXPECT_EQ(BytesOf(site.folder / "THERE.RDB"), "mine");
 }
 
-TEST_F(ConversionOfferTest, TellsAFileOfTheOtherKind) {
+TEST_F(ConversionOfferTest, ReportsAFileOfTheOtherKind) {
   op.answers = {Answer::kYes};
   chooser.Choose(site.folder / "NEW.TDB");
   EXPECT_EQ(Offer(site.Data("LEGACYR.RDB"), DatabaseKind::kTransaction).outcome, Outcome::kEnd);

@@ -111,7 +111,7 @@ TEST_P(Create, RefusesANameThatIsOnlyAnExtension) {
   ExpectUntouched();
 }
 
-TEST_P(Create, TellsThatTheProgramsDirectoryIsUnknown) {
+TEST_P(Create, ReportsThatTheProgramsDirectoryIsUnknown) {
   NewDatabase wanted = Wanted("YARD");
   wanted.program_directory.clear();
   EXPECT_FALSE(Run(wanted));
@@ -121,7 +121,7 @@ TEST_P(Create, TellsThatTheProgramsDirectoryIsUnknown) {
   ExpectUntouched();
 }
 
-TEST_P(Create, TellsThatTheTemplateIsMissing) {
+TEST_P(Create, ReportsThatTheTemplateIsMissing) {
   fs::remove(Template());
   EXPECT_FALSE(Run(Wanted("YARD")));
   ExpectOneBox(Icon::kCritical, "File Missing Error",
@@ -145,7 +145,7 @@ TEST_P(Create, LeavesAnExistingFileUntouched) {
   EXPECT_TRUE(current_.path.empty());
 }
 
-TEST_P(Create, TellsThatTheFolderCannotBeWritten) {
+TEST_P(Create, ReportsThatTheFolderCannotBeWritten) {
   NewDatabase wanted = Wanted("YARD");
   wanted.path = data_ / "none" / wanted.title;
   EXPECT_FALSE(Run(wanted));

@@ -64,7 +64,7 @@ class DataFiles : public ::testing::Test {
   RecordingOperator op_;
   ScriptedFileChooser chooser_;
   PrivateINI settings_;
-  DataTransfer transfer_;
+  TransferState transfer_;
   std::vector<FileAttributes> table_;
   ReportFile files_{op_, chooser_, settings_, transfer_, [this](int file) {
                       const auto index = static_cast<std::size_t>(file - 1);
@@ -214,7 +214,7 @@ TEST_F(DataFiles, LeavesTheOldFileWhenTheWriteFails) {
   EXPECT_EQ(std::distance(fs::directory_iterator(folder_.Path()), {}), 1);
 }
 
-TEST_F(DataFiles, TellsCauseAndPathOfAFileThatCannotBeWritten) {
+TEST_F(DataFiles, ReportsCauseAndPathOfAFileThatCannotBeWritten) {
   const fs::path path = folder_ / "gone" / "x.rbu";
   chooser_.Choose(path);
   files_.SaveDataFile(2);

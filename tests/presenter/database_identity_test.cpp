@@ -74,7 +74,7 @@ class Identity : public ::testing::Test {
   DatabaseIdentity identity_{operator_, calendar_, settings_, std::chrono::milliseconds(0)};
 };
 
-TEST_F(Identity, TellsTheTypesOfBothTemplates) {
+TEST_F(Identity, ReportsTheTypesOfBothTemplates) {
   EXPECT_EQ(identity_.GetDatabaseType(TemplatePath(DatabaseKind::kRecipe)), "NUL_RECIPE_DB");
   EXPECT_EQ(identity_.GetDatabaseType(TemplatePath(DatabaseKind::kTransaction)), "NUL_TRANS_DB");
 }

@@ -34,7 +34,7 @@ class DirectConnectionTest : public LinkFixture {
     After(delay, [this] { direct.ConnectModule(); });
   }
 
-  DataTransfer tab;
+  TransferState tab;
   DirectConnection direct{krm, tab, pump, op, settings};
 };
 

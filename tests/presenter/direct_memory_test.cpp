@@ -14,7 +14,7 @@ class DirectMemory : public LinkFixture {
  protected:
   void SetUp() override { tab.connection = Connection::kIndicator; }
 
-  DataTransfer tab;
+  TransferState tab;
   Upload upload{krm, tab, pump, op, settings};
 };
 

@@ -30,7 +30,7 @@ TEST(FindDocumentViewer, GivesTheViewersPathWithoutNullsAndAnEmptyMessage) {
   EXPECT_EQ(found.message, "");
 }
 
-TEST(FindDocumentViewer, TellsAMissingFileWithTheAdviceToInstallAgain) {
+TEST(FindDocumentViewer, ReportsAMissingFileWithTheAdviceToInstallAgain) {
   const Found found = Find(2);
   EXPECT_EQ(found.result,
             "Error, 'VRX2260_U.PDF' file not \r\n     found in the application directory.");
@@ -38,7 +38,7 @@ TEST(FindDocumentViewer, TellsAMissingFileWithTheAdviceToInstallAgain) {
             "\r\n     You should run the install program again to \r\n     load the document.");
 }
 
-TEST(FindDocumentViewer, TellsAMissingAssociationWithAdvice) {
+TEST(FindDocumentViewer, ReportsAMissingAssociationWithAdvice) {
   const Found found = Find(31);
   EXPECT_EQ(found.result, "Error, no association exists.");
   EXPECT_EQ(
@@ -48,7 +48,7 @@ TEST(FindDocumentViewer, TellsAMissingAssociationWithAdvice) {
       "through Windows. ");
 }
 
-TEST(FindDocumentViewer, TellsTheOtherKnownCodesWithoutASecondMessage) {
+TEST(FindDocumentViewer, ReportsTheOtherKnownCodesWithoutASecondMessage) {
   const std::array<std::pair<int, std::string>, 3> codes = {
       {{0, "Error, system out of memory or resources."},
        {3, "Error, path does not exist."},
@@ -60,7 +60,7 @@ TEST(FindDocumentViewer, TellsTheOtherKnownCodesWithoutASecondMessage) {
   }
 }
 
-TEST(FindDocumentViewer, TellsAnyOtherCodeInDecimal) {
+TEST(FindDocumentViewer, ReportsAnyOtherCodeInDecimal) {
   EXPECT_EQ(Find(5).result, "Error, 5");
   EXPECT_EQ(Find(32).result, "Error, 32");
   EXPECT_EQ(Find(32).message, "");

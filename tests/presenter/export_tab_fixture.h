@@ -14,7 +14,7 @@
 #include "database/connection.h"
 #include "database/records.h"
 #include "database/schema.h"
-#include "export/export_site.h"
+#include "export/export_fixture.h"
 #include "presenter/export.h"
 #include "presenter/history.h"
 #include "settings/settings.h"
@@ -28,7 +28,7 @@ namespace vrx::testing {
 
 // The Export tab above the `Batched/Fed` tab, on the site's transactions and a recipe database with
 // the same ingredients, a recipe, and pens. The beeper is on.
-class ExportTabTest : public ::testing::Test, public ExportHost, public HistoryScreen {
+class ExportTabTest : public ::testing::Test, public ExportHost, public HistoryView {
  protected:
   ExportTabTest() {
     settings.SetEnableBeeperOn(true);
@@ -86,8 +86,8 @@ class ExportTabTest : public ::testing::Test, public ExportHost, public HistoryS
   }
 
   OpenDatabases Databases() const override { return {recipes_path, site.Database(), "LB"}; }
-  DataGroupOnShow DataGroup() override {
-    DataGroupOnShow shown = OnShow(*view);
+  ExportSource DataGroup() override {
+    ExportSource shown = Current(*view);
     shown.index = told_index.value_or(shown.index);
     shown.name = told_name.value_or(shown.name);
     return shown;
@@ -102,7 +102,7 @@ class ExportTabTest : public ::testing::Test, public ExportHost, public HistoryS
   }
   void HistoryChanged(HistoryPart /*part*/) override {}
 
-  ExportSite site;
+  ExportFixture site;
   std::filesystem::path recipes_path = site.Folder() / "SITE.RDB";
   std::filesystem::path out = site.Folder() / "out";
   std::filesystem::path data = site.Folder() / "data";
@@ -116,14 +116,14 @@ class ExportTabTest : public ::testing::Test, public ExportHost, public HistoryS
   StyleSheets style_sheets{data, system, op};
   std::optional<SQLite::Database> recipes;
   std::optional<SQLite::Database> transactions;
-  std::optional<HistoryView> view;
+  std::optional<HistoryPresenter> view;
   std::optional<int> told_index;         // in place of the view's
   std::optional<std::string> told_name;  // in place of the combo's text
   int import_columns_configured = 0;
   std::vector<std::string> focused;
   std::vector<ExportForm> forms;  // at each change
   std::function<void()> on_change;
-  ExportTab tab{{op, files, pump, settings, style_sheets, *this}};
+  ExportPresenter tab{{op, files, pump, settings, style_sheets, *this}};
 };
 
 }  // namespace vrx::testing

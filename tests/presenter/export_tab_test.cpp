@@ -257,11 +257,11 @@ TEST_F(TheExportTab, ResetEmptiesTheFieldsAndChoosesCsv) {
 }
 
 TEST_F(TheExportTab, TheFileNameTakesTheKeysOfADescription) {
-  EXPECT_EQ(ExportTab::KeyPressInFName('b'), 'b');
-  EXPECT_EQ(ExportTab::KeyPressInFName('-'), '-');
-  EXPECT_EQ(ExportTab::KeyPressInFName(8), 8);
+  EXPECT_EQ(ExportPresenter::KeyPressInFName('b'), 'b');
+  EXPECT_EQ(ExportPresenter::KeyPressInFName('-'), '-');
+  EXPECT_EQ(ExportPresenter::KeyPressInFName(8), 8);
   for (const char key : {'/', '\\', '.', '\'', ':'}) {
-    EXPECT_EQ(ExportTab::KeyPressInFName(key), 0);
+    EXPECT_EQ(ExportPresenter::KeyPressInFName(key), 0);
   }
 }
 

@@ -25,7 +25,7 @@ using ::testing::IsEmpty;
 using ::testing::Not;
 
 // Looks at the view whenever it says that something has changed.
-class WatchingScreen : public HistoryScreen {
+class WatchingScreen : public HistoryView {
  public:
   void HistoryChanged(HistoryPart part) override {
     if (on_change) {
@@ -61,7 +61,7 @@ class HistoryViewTest : public ::testing::Test {
   PrivateINI settings;
   DatabaseIdentity identity{op, calendar, settings};
   WatchingScreen screen;
-  HistoryView view{transactions, {op, pump, identity, screen}};
+  HistoryPresenter view{transactions, {op, pump, identity, screen}};
 };
 
 TEST_F(HistoryViewTest, TheTextOfTheSelectedItemIsTheCurrentDataGroup) {

@@ -7,7 +7,7 @@
 
 #include "database/connection.h"
 #include "exchange/imported_data.h"
-#include "exchange/store_site.h"
+#include "exchange/store_fixture.h"
 #include "exchange/transaction_texts.h"
 #include "presenter/database_identity.h"
 #include "presenter/import.h"
@@ -62,7 +62,7 @@ class ImportSessionTest : public ::testing::Test, public ImportHost {
     return session_.Form().grd_import_columns.at(static_cast<std::size_t>(column - 1));
   }
 
-  StoreSite site_;
+  StoreFixture site_;
   FixedSystemInfo system_;
   ScriptedFileChooser files_;
   OpenDatabases databases_;
@@ -72,14 +72,14 @@ class ImportSessionTest : public ::testing::Test, public ImportHost {
   std::vector<std::string> focused_;
   int changes_ = 0;
   DatabaseIdentity identity_{site_.op, site_.calendar, site_.settings};
-  ImportSession session_{{.op = site_.op,
-                          .files = files_,
-                          .system = system_,
-                          .settings = site_.settings,
-                          .calendar = site_.calendar,
-                          .identity = identity_,
-                          .progress = site_.progress,
-                          .host = *this}};
+  ImportPresenter session_{{.op = site_.op,
+                            .files = files_,
+                            .system = system_,
+                            .settings = site_.settings,
+                            .calendar = site_.calendar,
+                            .identity = identity_,
+                            .progress = site_.progress,
+                            .host = *this}};
 };
 
 TEST_F(ImportSessionTest, AsksForATransactionFile) {

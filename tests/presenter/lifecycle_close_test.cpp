@@ -2,7 +2,7 @@
 #include <gtest/gtest.h>
 
 #include "database/identity.h"
-#include "presenter/lifecycle_site.h"
+#include "presenter/lifecycle_fixture.h"
 
 namespace vrx::testing {
 namespace {
@@ -11,7 +11,7 @@ namespace fs = std::filesystem;
 using ::testing::ElementsAre;
 using ::testing::IsEmpty;
 
-class LifecycleOfOpenFiles : public LifecycleSite {
+class LifecycleOfOpenFiles : public LifecycleFixture {
  protected:
   // Both databases open, chosen by the operator.
   LifecycleOfOpenFiles() {

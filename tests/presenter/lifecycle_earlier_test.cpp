@@ -3,7 +3,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include "presenter/lifecycle_site.h"
+#include "presenter/lifecycle_fixture.h"
 
 namespace vrx::testing {
 namespace {
@@ -13,9 +13,9 @@ using ::testing::Contains;
 using ::testing::ElementsAre;
 using ::testing::IsEmpty;
 using ::testing::Pair;
-using Outcome = EarlierDatabase::Outcome;
+using Outcome = LegacyOpening::Outcome;
 
-class LifecycleEarlierTest : public LifecycleSite {
+class LifecycleEarlierTest : public LifecycleFixture {
  protected:
   fs::path old_ = folder_ / "OLD.RDB";
   fs::path copy_ = MakeUserFile("COPY.RDB", DatabaseKind::kRecipe);

@@ -5,7 +5,7 @@
 #include <gtest/gtest.h>
 #include <sqlite3.h>
 
-#include "presenter/lifecycle_site.h"
+#include "presenter/lifecycle_fixture.h"
 
 namespace vrx::testing {
 namespace {
@@ -15,7 +15,7 @@ using ::testing::ElementsAre;
 using ::testing::HasSubstr;
 using ::testing::IsEmpty;
 
-class LifecycleFaults : public LifecycleSite {
+class LifecycleFaults : public LifecycleFixture {
  protected:
   LifecycleFaults() {
     databases_.OpenRecipeDatabase(earlier_, "EARLIER.RDB");
@@ -194,7 +194,7 @@ TEST_F(LifecycleFaults, ACloseWithoutATemplateStandsOnABlankDatabaseInMemory) {
   EXPECT_THROW(window_.views[kRecipe]->exec("UPDATE Pen SET Name = 'X'"), SQLite::Exception);
   EXPECT_THAT(window_.Panels(kRecipe), ElementsAre("", "", "", ""));
   EXPECT_FALSE(commands_.On("mnuFileSaveRecipeDB"));
-  EXPECT_EQ(tabs_.TabOnShow(), 3);
+  EXPECT_EQ(tabs_.CurrentTab(), 3);
 }
 
 TEST_F(LifecycleFaults, ACloseOntoTheOtherKindsTemplateStandsOnABlankDatabaseInMemory) {
@@ -216,7 +216,7 @@ TEST_F(LifecycleFaults, ACloseGoesToItsEndWhateverTheViewsDo) {
   EXPECT_TRUE(databases_.Recipe().path.empty());
   EXPECT_THAT(window_.Panels(kRecipe), ElementsAre("", "", "", ""));
   EXPECT_FALSE(commands_.On("mnuFileSaveRecipeDB"));
-  EXPECT_EQ(tabs_.TabOnShow(), 3);
+  EXPECT_EQ(tabs_.CurrentTab(), 3);
 }
 
 TEST_F(LifecycleFaults, AFailureOfATabIsToldUnderTheRoutinesTitle) {

@@ -1,7 +1,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include "presenter/lifecycle_site.h"
+#include "presenter/lifecycle_fixture.h"
 
 namespace vrx::testing {
 namespace {
@@ -12,7 +12,7 @@ using ::testing::HasSubstr;
 using ::testing::IsEmpty;
 using ::testing::SizeIs;
 
-class NewRecipeDatabase : public LifecycleSite {
+class NewRecipeDatabase : public LifecycleFixture {
  protected:
   fs::path Choose(const std::string& name) {
     fs::path path = app_folder_.DefaultAppPath() / name;
@@ -92,7 +92,7 @@ TEST_F(NewRecipeDatabase, ACancelLeavesTheCommandsOfBothAsTheyAre) {
   }
   EXPECT_TRUE(commands_.TabOn(kTabIngredients));
   EXPECT_TRUE(commands_.TabOn(kTabBatchedFed));
-  EXPECT_EQ(tabs_.TabOnShow(), kTabDataTransfer);
+  EXPECT_EQ(tabs_.CurrentTab(), kTabDataTransfer);
   EXPECT_EQ(BoundName(kRecipe), "OLD.RDB");
   EXPECT_EQ(BoundName(kTransaction), "OLD.TDB");
 }
@@ -150,7 +150,7 @@ TEST_F(NewRecipeDatabase, LeavesAnExistingFileAndTheOpenOneUntouched) {
   EXPECT_EQ(BoundName(kRecipe), "OLD.RDB");
 }
 
-TEST_F(NewRecipeDatabase, TellsThatTheTemplateIsMissing) {
+TEST_F(NewRecipeDatabase, ReportsThatTheTemplateIsMissing) {
   fs::remove(Template(kRecipe));
   Choose("YARD.RDB");
   databases_.NewRecipeDatabase();
@@ -172,7 +172,7 @@ TEST_F(NewRecipeDatabase, DeletesTheCopyOfAnAlteredTemplateAndKeepsThePath) {
   EXPECT_EQ(BoundName(kRecipe), "QXNULRDB.MDB");
 }
 
-TEST_F(NewRecipeDatabase, TellsAFailureOfTheViewsAndMovesThemBack) {
+TEST_F(NewRecipeDatabase, ReportsAFailureOfTheViewsAndMovesThemBack) {
   window_.on_rebind = [](DatabaseKind, const BoundDatabase& database) {
     if (!database.blank) {
       throw DatabaseError(10, "the disk is gone");
@@ -208,7 +208,7 @@ TEST_F(NewRecipeDatabase, ThatCannotBecomeAUsersFileLeavesTheOpenOneInTheStatusB
   EXPECT_FALSE(operator_.busy);
 }
 
-TEST_F(NewTransactionDatabase, TellsAFailureOfTheViewsUnderItsOwnTitle) {
+TEST_F(NewTransactionDatabase, ReportsAFailureOfTheViewsUnderItsOwnTitle) {
   window_.on_rebind = [](DatabaseKind, const BoundDatabase& database) {
     if (!database.blank) {
       throw DatabaseError(10, "the disk is gone");

@@ -1,7 +1,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include "presenter/lifecycle_site.h"
+#include "presenter/lifecycle_fixture.h"
 
 namespace vrx::testing {
 namespace {
@@ -12,10 +12,10 @@ using ::testing::ElementsAre;
 using ::testing::IsEmpty;
 using ::testing::SizeIs;
 
-class BrowseRecipeDatabase : public LifecycleSite {};
-class BrowseTransactionDatabase : public LifecycleSite {};
-class OpenRecipeDatabase : public LifecycleSite {};
-class OpenTransactionDatabase : public LifecycleSite {};
+class BrowseRecipeDatabase : public LifecycleFixture {};
+class BrowseTransactionDatabase : public LifecycleFixture {};
+class OpenRecipeDatabase : public LifecycleFixture {};
+class OpenTransactionDatabase : public LifecycleFixture {};
 
 TEST_F(OpenRecipeDatabase, RunsItsStepsInOrder) {
   const fs::path path = MakeUserFile("yard.rdb", kRecipe, "LB", "'2025-11-20'");
@@ -29,7 +29,7 @@ TEST_F(OpenRecipeDatabase, RunsItsStepsInOrder) {
                   "transfer option", "tab 0 on", "tab 1 on", "tab 2 on", "recipe commands on",
                   "check pen capacity", "pen item 1", "ready", "beep"));
   EXPECT_EQ(databases_.Recipe().unit, "LB");
-  EXPECT_EQ(tabs_.TabOnShow(), 3);
+  EXPECT_EQ(tabs_.CurrentTab(), 3);
 }
 
 TEST_F(OpenTransactionDatabase, RunsItsStepsInOrderWithoutHourglassAndBeep) {

@@ -1,7 +1,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include "presenter/lifecycle_site.h"
+#include "presenter/lifecycle_fixture.h"
 
 namespace vrx::testing {
 namespace {
@@ -10,9 +10,9 @@ namespace fs = std::filesystem;
 using ::testing::ElementsAre;
 using ::testing::SizeIs;
 
-class SaveAsSite : public LifecycleSite {
+class SaveAsFixture : public LifecycleFixture {
  protected:
-  SaveAsSite() {
+  SaveAsFixture() {
     chooser_.Choose(recipes_);
     databases_.BrowseRecipeDatabase();
     chooser_.Choose(transactions_);
@@ -27,10 +27,10 @@ class SaveAsSite : public LifecycleSite {
   fs::path transactions_ = MakeUserFile("Y2026.TDB", kTransaction);
 };
 
-class SaveAsRecipeDB : public SaveAsSite {};
-class SaveAsTransactionDB : public SaveAsSite {};
-class SaveAsRecipeCommand : public SaveAsSite {};
-class SaveAsTransactionCommand : public SaveAsSite {};
+class SaveAsRecipeDB : public SaveAsFixture {};
+class SaveAsTransactionDB : public SaveAsFixture {};
+class SaveAsRecipeCommand : public SaveAsFixture {};
+class SaveAsTransactionCommand : public SaveAsFixture {};
 
 TEST_F(SaveAsRecipeDB, AsksWaitsAndKeepsPathAndName) {
   chooser_.Choose(InData("copy.rdb"));

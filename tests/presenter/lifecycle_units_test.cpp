@@ -1,7 +1,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include "presenter/lifecycle_site.h"
+#include "presenter/lifecycle_fixture.h"
 
 namespace vrx::testing {
 namespace {
@@ -12,7 +12,7 @@ using ::testing::ElementsAre;
 using ::testing::IsEmpty;
 using ::testing::SizeIs;
 
-class UnitQuestion : public LifecycleSite {
+class UnitQuestion : public LifecycleFixture {
  protected:
   static std::string UnitOf(const fs::path& path) {
     return Ask(path, "SELECT UoM FROM UnitsOfMeasure").front();

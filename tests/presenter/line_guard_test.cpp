@@ -42,7 +42,7 @@ TEST(LineGuard, ADirectConnectionHasItForItsOwnTransmissionsOnly) {
   EXPECT_TRUE(guard.TakeForTransmission());
 }
 
-TEST(LineGuard, TellsOfEachChangeWhileTheWatchLives) {
+TEST(LineGuard, ReportsOfEachChangeWhileTheWatchLives) {
   LineGuard guard;
   std::vector<bool> free;
   {
@@ -60,7 +60,7 @@ class CommandsOfOneLine : public LinkFixture {
     serial.WillAnswer("\x15\x1F" + memory + "\x1F");
   }
 
-  DataTransfer tab;
+  TransferState tab;
   Upload upload{krm, tab, pump, op, settings};
 };
 

@@ -3,7 +3,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include "presenter/lifecycle_site.h"
+#include "presenter/lifecycle_fixture.h"
 #include "support/stored_user_settings.h"
 
 namespace vrx::testing {
@@ -13,7 +13,7 @@ namespace fs = std::filesystem;
 using ::testing::ElementsAre;
 using ::testing::IsEmpty;
 
-class RecentDatabasesTest : public LifecycleSite {
+class RecentDatabasesTest : public LifecycleFixture {
  protected:
   RecentDatabasesTest() {
     settings_.SetAutoloadRecipeDBOn(true);

@@ -5,7 +5,7 @@
 
 #include <gmock/gmock.h>
 
-#include "exchange/store_site.h"
+#include "exchange/store_fixture.h"
 #include "link/krmcomm.h"
 #include "presenter/database_identity.h"
 #include "presenter/download.h"
@@ -93,20 +93,20 @@ class RecipeDownloadTest : public ::testing::Test, public RecipeDownloadHost {
   PrivateINI settings;
   FixedCalendar calendar;
   DatabaseIdentity identity{op, calendar, settings};
-  DataTransfer tab;
+  TransferState tab;
   KRMCOMM krm{serial, pump, op, settings};
   ReportFile files{op, chooser, settings, tab, [](int) { return FileAttributes{}; }};
   Download download{krm, pump, op, settings};
   DirectConnection direct{krm, tab, pump, op, settings};
-  RecipeDownloadSession session{{.op = op,
-                                 .settings = settings,
-                                 .calendar = calendar,
-                                 .identity = identity,
-                                 .transfer = tab,
-                                 .files = files,
-                                 .download = download,
-                                 .direct = direct,
-                                 .host = *this}};
+  DownloadPresenter session{{.op = op,
+                             .settings = settings,
+                             .calendar = calendar,
+                             .identity = identity,
+                             .transfer = tab,
+                             .files = files,
+                             .download = download,
+                             .direct = direct,
+                             .host = *this}};
 };
 
 TEST_F(RecipeDownloadTest, MainButtonClearsTheTabAndShowsTheRecipeFrames) {

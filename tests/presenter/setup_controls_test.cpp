@@ -17,7 +17,7 @@ class SetupControlsTest : public ::testing::Test {
  protected:
   // `cmdOK` on the form as it stands.
   void Take(std::string_view recipe_unit = {}, std::string_view transaction_unit = {}) {
-    TakeSetupControls(controls, recipe_unit, transaction_unit, settings, op);
+    ApplySetupControls(controls, recipe_unit, transaction_unit, settings, op);
   }
   std::string Warning() {
     if (op.boxes.size() != 1) {
@@ -177,7 +177,7 @@ TEST(AssociationsText, LooksForDocumentsThatShip) {
   EXPECT_THAT(system.asked, ::testing::UnorderedElementsAre(kReadme.file, kUsersManual.file));
 }
 
-TEST(AssociationsText, TellsWhatIsMissing) {
+TEST(AssociationsText, ReportsWhatIsMissing) {
   const std::string text = AssociationsText(FixedSystemInfo());
   for (const std::string kind : {"TXT: ", "PDF: "}) {
     EXPECT_THAT(text, ::testing::HasSubstr(kind + kNoViewer));

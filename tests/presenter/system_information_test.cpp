@@ -174,20 +174,20 @@ TEST_F(StartSysInfoTest, StartsTheToolOfTheSystemOnVista) {
   EXPECT_EQ(os.started, std::vector<fs::path>{folder / "System32/MSINFO32.exe"});
 }
 
-TEST_F(StartSysInfoTest, TellsOfAMissingFolder) {
+TEST_F(StartSysInfoTest, ReportsOfAMissingFolder) {
   RunOnWindows7();
   EXPECT_TRUE(os.started.empty());
   ExpectUnavailable();
 }
 
-TEST_F(StartSysInfoTest, TellsOfAMissingTool) {
+TEST_F(StartSysInfoTest, ReportsOfAMissingTool) {
   fs::create_directory(folder / "System32");
   RunOnWindows7();
   EXPECT_TRUE(os.started.empty());
   ExpectUnavailable();
 }
 
-TEST_F(StartSysInfoTest, TellsOfAToolThatDoesNotStart) {
+TEST_F(StartSysInfoTest, ReportsOfAToolThatDoesNotStart) {
   os.starts = false;
   StartSysInfo(system, os, op);
   EXPECT_EQ(os.started.size(), 1U);

@@ -47,7 +47,7 @@ TEST_F(TabFolderTest, SelectTabShowsTurnsOnClicksAndThenSetsThePrintCommands) {
   tabs_.SelectTab(4);
   EXPECT_THAT(steps_, ElementsAre("show 4", "tab 4 on", "click 4 after 0", "mnuFilePrint off",
                                   "Print off"));
-  EXPECT_EQ(tabs_.TabOnShow(), 4);
+  EXPECT_EQ(tabs_.CurrentTab(), 4);
 }
 
 TEST_F(TabFolderTest, WhatTheClickOpensIsPrintable) {

@@ -28,7 +28,7 @@ class UploadTest : public LinkFixture {
     return texts;
   }
 
-  DataTransfer tab;
+  TransferState tab;
   Upload upload{krm, tab, pump, op, settings};
 };
 

@@ -125,7 +125,7 @@ TEST_F(SearchWhereUsed, EndsWithoutABeepWhileTheBeeperIsOff) {
   EXPECT_EQ(op.beeps, 0);
 }
 
-TEST_F(SearchWhereUsed, TellsALockedFileAndShowsNothing) {
+TEST_F(SearchWhereUsed, ReportsALockedFileAndShowsNothing) {
   const ExclusiveHolder holder(path);
   EXPECT_THAT(vrx::SearchWhereUsed(database, 5, ports), IsEmpty());
   ASSERT_EQ(op.boxes.size(), 1U);

@@ -15,8 +15,8 @@ ReportFacts Facts() {
           .grid_lines = true};
 }
 
-RecipeOnShow Recipe(const std::string& batch_type) {
-  RecipeOnShow recipe;
+CurrentRecipe Recipe(const std::string& batch_type) {
+  CurrentRecipe recipe;
   recipe.ration.recipe = {
       .id = 3, .name = "STEERS  ", .description = "Steers Finisher", .batch_type = batch_type};
   recipe.totals = {.target = "2000",

@@ -141,7 +141,7 @@ TEST_F(ReportPages, RepeatHeaderAndCaptionsAndCountThemselves) {
 
 TEST_F(ReportPages, FillThePageDownToTheFooter) {
   Print(Listed(150));
-  const auto pages = WordsOf(pdf_);
+  const auto pages = TextsOf(pdf_);
   const auto& words = pages.front().words;
   const double footer = Word(pages.front(), "1/5/2026").top;
   const double row = Word(pages.front(), "name2").top - Word(pages.front(), "name1").top;
@@ -155,7 +155,7 @@ TEST_F(ReportPages, FillThePageDownToTheFooter) {
 
 TEST_F(ReportPages, FooterHasTheDateInTheMiddleAndThePageAtTheRight) {
   Print(Listed(1));
-  const PrintedPage page = WordsOf(pdf_).at(0);
+  const PrintedPage page = TextsOf(pdf_).at(0);
   const PrintedWord& date = Word(page, "1/5/2026");
   EXPECT_NEAR((date.left + date.right) / 2, page.width / 2, 2);
   EXPECT_NEAR(page.words.back().right, page.width - kMargin, 2);
@@ -163,7 +163,7 @@ TEST_F(ReportPages, FooterHasTheDateInTheMiddleAndThePageAtTheRight) {
 
 TEST_F(ReportPages, NumbersEndAndTextsBeginAtOneEdge) {
   Print(Listed(120));
-  for (const PrintedPage& page : WordsOf(pdf_)) {
+  for (const PrintedPage& page : TextsOf(pdf_)) {
     const double name = Word(page, "Name").left;
     const double amount = Word(page, "(lb)").right;
     for (const PrintedWord& word : page.words) {
@@ -204,7 +204,7 @@ TEST_F(ReportPages, NothingIsCutOffAndNothingIsLost) {
       }
     }
     Print({.design = design, .rows = std::make_unique<ListedRows>(rows)});
-    const auto pages = WordsOf(pdf_);
+    const auto pages = TextsOf(pdf_);
     ExpectInsideMargins(pages);
     for (const PrintedPage& page : pages) {
       for (const PrintedWord& word : page.words) {
@@ -219,7 +219,7 @@ TEST_F(ReportPages, NothingIsCutOffAndNothingIsLost) {
 
 TEST_F(ReportPages, WithoutFitAWideTableGoesOverSeveralPages) {
   Print(Wide(60, false));
-  const auto pages = WordsOf(pdf_);
+  const auto pages = TextsOf(pdf_);
   ASSERT_GT(pages.size(), 2U);
   ExpectInsideMargins(pages);
   const double height = Word(pages.front(), "v100").bottom - Word(pages.front(), "v100").top;
@@ -241,7 +241,7 @@ TEST_F(ReportPages, WithoutFitAWideTableGoesOverSeveralPages) {
 
 TEST_F(ReportPages, WithFitAllColumnsStandOnOnePageInSmallerLetters) {
   Print(Wide(60, true));
-  const auto pages = WordsOf(pdf_);
+  const auto pages = TextsOf(pdf_);
   ASSERT_EQ(pages.size(), 1U);
   ExpectInsideMargins(pages);
   for (int column = 100; column < 160; ++column) {
@@ -256,7 +256,7 @@ TEST_F(ReportPages, AGroupOverSeveralSheetsShowsItsHeadOnEach) {
   report.rows = std::make_unique<ListedRows>(
       std::vector<ReportRow>{{.kind = ReportRowKind::kGroup, .caption = "Pen:A01"}, cells});
   Print(report);
-  for (const PrintedPage& page : WordsOf(pdf_)) {
+  for (const PrintedPage& page : TextsOf(pdf_)) {
     EXPECT_NO_THROW(Word(page, "Pen:A01"));
   }
 }
@@ -319,7 +319,7 @@ TEST_F(ReportPages, ATextThatNoSampleShowedIsDrawnNarrower) {
     job.Print(report, [](std::int64_t page, std::int64_t) { return page < 1; });
     return true;
   });
-  const PrintedPage page = WordsOf(pdf_).at(0);
+  const PrintedPage page = TextsOf(pdf_).at(0);
   const PrintedWord& word = Word(page, long_text);
   EXPECT_GE(word.left, Word(page, "Name").left - 1);
   EXPECT_LE(word.right, Word(page, "Feed").left);
@@ -330,7 +330,7 @@ TEST_F(ReportPages, ALongPathIsBrokenAndNeverRunsIntoTheRight) {
   const std::string path = "/" + std::string(300, 'p') + "/YARD.RDB";
   design.texts.header_center = "Report: Test\r\nRecipe File: " + path;
   Print(Listed(1, design));
-  const auto pages = WordsOf(pdf_);
+  const auto pages = TextsOf(pdf_);
   ExpectInsideMargins(pages);
   const double right = Word(pages.at(0), "Weight").left;
   std::string joined;
@@ -426,7 +426,7 @@ TEST_F(BrokenOffReport, LeavesADatabaseThatWasMadeMeanwhile) {
   EXPECT_EQ(ReadAll(pdf_), database);
 }
 
-TEST_F(BrokenOffReport, TellsAFolderThatIsNotThere) {
+TEST_F(BrokenOffReport, ReportsAFolderThatIsNotThere) {
   EXPECT_THROW(MakePdfFile(folder_ / "none" / "report.pdf", "test"), Error);
 }
 

@@ -25,8 +25,8 @@ std::vector<std::string> Captions(const Report& report) {
 
 ReportFacts Facts() { return {.weight_unit = "LB", .caption_unit = "KG"}; }
 
-RecipeOnShow Recipe(const std::string& type) {
-  RecipeOnShow recipe;
+CurrentRecipe Recipe(const std::string& type) {
+  CurrentRecipe recipe;
   recipe.ration.recipe.batch_type = type;
   recipe.ration.lines = {{.ingredient = "1", .target = "120", .hand_add = true},
                          {.ingredient = "9", .target = "80"}};
@@ -122,7 +122,7 @@ TEST_F(HistoryReports, PrintAClosedGroupAsOneRowAndNoCaptionsWithoutARecord) {
                                    "3 STEERS 0 300 10 10:00 AM 15-Mar-11", "Total: 780 1100"));
 }
 
-TEST_F(HistoryReports, TellTotalsApartByTheirColours) {
+TEST_F(HistoryReports, DistinguishTotalsByTheirColors) {
   SetUp(1, true);
   const Report report = HistoryReport(grid_, false, Facts());
   std::map<std::string, std::uint32_t> colors;

@@ -223,7 +223,7 @@ TEST_F(PrivateIniTest, AUnitThatIsNeitherCountsAsPoundsAndIsReported) {
   PrivateINI settings = ReadFrom(file);
   EXPECT_EQ(settings.SystemUnits(), "LB");
   EXPECT_EQ(File(), file);
-  settings.TellRefusedUnit(op);
+  settings.ReportRefusedUnit(op);
   ASSERT_EQ(op.boxes.size(), 1U);
   EXPECT_EQ(op.boxes[0].icon, Icon::kWarning);
   EXPECT_EQ(op.boxes[0].title, "INI File Error");
@@ -236,7 +236,7 @@ TEST_F(PrivateIniTest, AUnitThatIsNeitherCountsAsPoundsAndIsReported) {
 
 TEST_F(PrivateIniTest, NothingIsReportedOfAUnitThatIsOneOrIsMissing) {
   for (const char* const line : {"SystemUnits=kg", "SystemUnits="}) {
-    ReadFrom(DefaultFileWith("SystemUnits=LB", line)).TellRefusedUnit(op);
+    ReadFrom(DefaultFileWith("SystemUnits=LB", line)).ReportRefusedUnit(op);
   }
   EXPECT_TRUE(op.boxes.empty());
 }

@@ -152,7 +152,7 @@ TEST_F(Module, DropsAndTellsWhatIsBeyondItsMemory) {
   EXPECT_EQ(module.Memory(), "new");
 }
 
-TEST_F(Module, TellsNothingWhenItsMemoryIsJustFull) {
+TEST_F(Module, ReportsNothingWhenItsMemoryIsJustFull) {
   DataModule module = Make();
   module.Load(std::string(DataModule::kMemorySize, 'x'));
   Say(module, "\x15");

@@ -129,7 +129,7 @@ TEST_F(Program, ASaveSignalIsHarmlessWithoutASaveFile) {
   EXPECT_EQ(program.Errors(), "");
 }
 
-TEST_F(Program, TellsASaveThatFails) {
+TEST_F(Program, ReportsASaveThatFails) {
   SimulatorProgram program(Arguments({"--save", (folder_ / "missing/saved").string()}));
   ASSERT_EQ(program.OutputLine(), Ready());
   program.Signal(SIGUSR1);
@@ -138,7 +138,7 @@ TEST_F(Program, TellsASaveThatFails) {
   EXPECT_FALSE(fs::is_symlink(link_));
 }
 
-TEST_F(Program, TellsWhatItsMemoryCannotHold) {
+TEST_F(Program, ReportsWhatItsMemoryCannotHold) {
   const auto file = folder_.Write("long", std::string(65539, 'x'));
   SimulatorProgram program(Arguments({"--load", file.string(), "--save", saved_.string()}));
   ASSERT_EQ(program.OutputLine(), Ready());
@@ -147,7 +147,7 @@ TEST_F(Program, TellsWhatItsMemoryCannotHold) {
   EXPECT_NE(program.Errors().find("bytes dropped: 3"), std::string::npos);
 }
 
-TEST_F(Program, TellsAtItsEndWhatADownloadLost) {
+TEST_F(Program, ReportsAtItsEndWhatADownloadLost) {
   const auto file = folder_.Write("full", std::string(65536, 'x'));
   SimulatorProgram program(Arguments({"--load", file.string()}));
   ASSERT_EQ(program.OutputLine(), Ready());
@@ -391,7 +391,7 @@ TEST(ProgramHelp, IsNoWrongUsage) {
   }
 }
 
-TEST_F(Program, TellsALoadThatCannotBeRead) {
+TEST_F(Program, ReportsALoadThatCannotBeRead) {
   SimulatorProgram program(Arguments({"--load", (folder_ / "missing").string()}));
   EXPECT_EQ(program.OutputLine(), "");
   EXPECT_EQ(program.ExitCode(), 1);
@@ -399,7 +399,7 @@ TEST_F(Program, TellsALoadThatCannotBeRead) {
   EXPECT_FALSE(fs::is_symlink(link_));
 }
 
-TEST_F(Program, TellsAPathThatIsTaken) {
+TEST_F(Program, ReportsAPathThatIsTaken) {
   folder_.Write("line", "precious");
   SimulatorProgram program(Arguments({}));
   EXPECT_EQ(program.OutputLine(), "");

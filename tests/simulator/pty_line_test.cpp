@@ -82,7 +82,7 @@ TEST_F(PtyLineTest, OutlivesItsClients) {
   EXPECT_EQ(client.Read(5), "again");
 }
 
-TEST_F(PtyLineTest, TellsWhenClientsComeAndGo) {
+TEST_F(PtyLineTest, ReportsWhenClientsComeAndGo) {
   PtyLine line(link_);
   EXPECT_FALSE(line.TakeClients().came);
   {
@@ -171,7 +171,7 @@ TEST_F(PtyLineTest, DoesNotTakeAwayALinkThatIsNoLongerItsOwn) {
   EXPECT_EQ(testing::ReadAll(link_), "somebody's");
 }
 
-TEST_F(PtyLineTest, TellsAFolderThatIsMissing) {
+TEST_F(PtyLineTest, ReportsAFolderThatIsMissing) {
   EXPECT_THROW(PtyLine(folder_ / "missing/line"), std::system_error);
 }
 

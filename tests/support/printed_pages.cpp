@@ -37,7 +37,7 @@ std::string Unescaped(std::string text) {
 
 }  // namespace
 
-std::vector<PrintedPage> WordsOf(const std::filesystem::path& pdf) {
+std::vector<PrintedPage> TextsOf(const std::filesystem::path& pdf) {
   static const std::regex kPage(R"re(<page width="([\d.]+)" height="([\d.]+)">)re");
   static const std::regex kWord(
       R"re(<word xMin="([-\d.]+)" yMin="([-\d.]+)" xMax="([-\d.]+)" yMax="([-\d.]+)">(.*)</word>)re");

@@ -24,7 +24,7 @@ struct PrintedPage {
 };
 
 // The pages of a PDF file as another program reads them.
-std::vector<PrintedPage> WordsOf(const std::filesystem::path& pdf);
+std::vector<PrintedPage> TextsOf(const std::filesystem::path& pdf);
 
 // The lines of each page, empty ones left out, the words of a line parted by one blank.
 std::vector<std::vector<std::string>> LinesOf(const std::filesystem::path& pdf);

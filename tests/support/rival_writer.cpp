@@ -8,7 +8,7 @@ namespace {
 
 RivalWriter* rival = nullptr;
 
-int TellOfQuery(unsigned /*event*/, void* /*context*/, void* statement, void* /*text*/) {
+int ReportOfQuery(unsigned /*event*/, void* /*context*/, void* statement, void* /*text*/) {
   if (rival != nullptr) {
     const char* const text = sqlite3_sql(static_cast<sqlite3_stmt*>(statement));
     rival->QueryBegins(text == nullptr ? "" : text);
@@ -18,7 +18,7 @@ int TellOfQuery(unsigned /*event*/, void* /*context*/, void* statement, void* /*
 
 int TraceConnection(sqlite3* connection, const char** /*message*/,
                     const sqlite3_api_routines* /*api*/) {
-  return sqlite3_trace_v2(connection, SQLITE_TRACE_STMT, TellOfQuery, nullptr);
+  return sqlite3_trace_v2(connection, SQLITE_TRACE_STMT, ReportOfQuery, nullptr);
 }
 
 // SQLite declares the routine without its parameters.

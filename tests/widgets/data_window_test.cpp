@@ -81,7 +81,7 @@ TEST(DataWindow, AnEditChangesThatPlaceOnly) {
   EXPECT_EQ(window.Bytes(), bytes + "+");
 }
 
-TEST(DataWindow, TellsOfTheOperatorsEditsOnly) {
+TEST(DataWindow, ReportsOfTheOperatorsEditsOnly) {
   DataWindow window;
   int edits = 0;
   QObject::connect(&window, &DataWindow::Edited, [&] { ++edits; });

@@ -14,7 +14,7 @@
 
 #include "base/error.h"
 #include "make_manual/figures.h"
-#include "make_manual/studio.h"
+#include "make_manual/offscreen_session.h"
 
 namespace {
 
@@ -77,9 +77,9 @@ int main(int argc, char** argv) {
     std::fputs("usage: grab_figures PROGRAM_DIRECTORY FOLDER FIGURE...\n", stderr);
     return 2;
   }
-  const Studio studio(1);
+  const OffscreenSession studio(1);
   const QApplication application(argc, argv);
-  Studio::SetLook();
+  OffscreenSession::SetLook();
   try {
     GrabFigures(argv[1], argv[2], {argv + kFirstFigure, argv + argc});
     return 0;

@@ -13,16 +13,16 @@
 #include <string>
 #include <vector>
 
-#include "desktop/dialogs/about_and_splash.h"
-#include "widgets/qt_text.h"
-#include "desktop/app/captions.h"
 #include "base/error.h"
 #include "base/files.h"
+#include "desktop/app/captions.h"
+#include "desktop/dialogs/about_and_splash.h"
 #include "make_manual/figures.h"
 #include "make_manual/manual_pdf.h"
 #include "make_manual/manual_style.h"
 #include "make_manual/manual_text.h"
-#include "make_manual/studio.h"
+#include "make_manual/offscreen_session.h"
+#include "widgets/qt_text.h"
 
 namespace {
 
@@ -93,10 +93,10 @@ int main(int argc, char** argv) {
     std::fputs("usage: make_manual CHAPTERS_FOLDER PROGRAM_DIRECTORY TARGET\n", stderr);
     return 2;
   }
-  const Studio studio(2);
+  const OffscreenSession studio(2);
   QHashSeed::setDeterministicGlobalSeed();  // the PDF lists its fonts by a hash
   const QApplication application(argc, argv);
-  Studio::SetLook();
+  OffscreenSession::SetLook();
   try {
     MakeManual(argv[1], argv[2], argv[3]);
     return 0;

@@ -63,14 +63,14 @@ void MakeTransactionDatabase(const fs::path& target, const fs::path& recipes,
                    .trans_db_path = target,
                    .trans_db_uom = ports.settings.SystemUnits()});
   for (const fs::path& file : files) {
-    ImportSession import({.op = ports.op,
-                          .files = chooser,
-                          .system = ports.system,
-                          .settings = ports.settings,
-                          .calendar = ports.calendar,
-                          .identity = identity,
-                          .progress = progress,
-                          .host = window});
+    ImportPresenter import({.op = ports.op,
+                            .files = chooser,
+                            .system = ports.system,
+                            .settings = ports.settings,
+                            .calendar = ports.calendar,
+                            .identity = identity,
+                            .progress = progress,
+                            .host = window});
     if (!import.ImportFile({file.string(), file.filename().string()}) ||
         !import.ClickImportStore().complete) {
       throw Error(file.string() + " could not be stored");

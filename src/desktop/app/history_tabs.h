@@ -22,7 +22,7 @@ class HistoryTabs : private ExportWindow {
     const Folder& app_folder;
     const PrivateINI& settings;
     DatabaseIdentity& identity;
-    DatabaseLifecycle& databases;
+    DatabaseCommands& databases;
     MainWindow& window;
     std::function<void()> configure_import_columns;  // the import's routine of that name
   };
@@ -40,7 +40,7 @@ class HistoryTabs : private ExportWindow {
  private:
   // ExportWindow.
   OpenDatabases ExportDatabases() const override;
-  DataGroupOnShow DataGroup() override { return OnShow(*history_->View()); }
+  ExportSource DataGroup() override { return Current(*history_->View()); }
   void ConfigureImportColumns() override { ports_.configure_import_columns(); }
 
   bool ActiveIngredientsOnly() const;

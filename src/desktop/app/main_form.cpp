@@ -19,20 +19,20 @@ using enum MainCommand;
 
 struct DatabaseCommand {
   MainCommand command;
-  void (DatabaseLifecycle::*flow)();
+  void (DatabaseCommands::*flow)();
 };
 
 constexpr std::array<DatabaseCommand, 10> kDatabaseCommands{{
-    {kNewRecipeDatabase, &DatabaseLifecycle::NewRecipeDatabase},
-    {kNewTransactionDatabase, &DatabaseLifecycle::NewTransactionDatabase},
-    {kBrowseRecipeDatabase, &DatabaseLifecycle::BrowseRecipeDatabase},
-    {kBrowseTransactionDatabase, &DatabaseLifecycle::BrowseTransactionDatabase},
-    {kCloseRecipeDatabase, &DatabaseLifecycle::CloseRecipeDatabase},
-    {kCloseTransactionDatabase, &DatabaseLifecycle::CloseTransactionDatabase},
-    {kSaveRecipeDatabase, &DatabaseLifecycle::SaveRecipeDatabase},
-    {kSaveTransactionDatabase, &DatabaseLifecycle::SaveTransactionDatabase},
-    {kSaveAsRecipeDatabase, &DatabaseLifecycle::SaveAsRecipeCommand},
-    {kSaveAsTransactionDatabase, &DatabaseLifecycle::SaveAsTransactionCommand},
+    {kNewRecipeDatabase, &DatabaseCommands::NewRecipeDatabase},
+    {kNewTransactionDatabase, &DatabaseCommands::NewTransactionDatabase},
+    {kBrowseRecipeDatabase, &DatabaseCommands::BrowseRecipeDatabase},
+    {kBrowseTransactionDatabase, &DatabaseCommands::BrowseTransactionDatabase},
+    {kCloseRecipeDatabase, &DatabaseCommands::CloseRecipeDatabase},
+    {kCloseTransactionDatabase, &DatabaseCommands::CloseTransactionDatabase},
+    {kSaveRecipeDatabase, &DatabaseCommands::SaveRecipeDatabase},
+    {kSaveTransactionDatabase, &DatabaseCommands::SaveTransactionDatabase},
+    {kSaveAsRecipeDatabase, &DatabaseCommands::SaveAsRecipeCommand},
+    {kSaveAsTransactionDatabase, &DatabaseCommands::SaveAsTransactionCommand},
 }};
 
 constexpr std::array<std::pair<MainCommand, int>, 4> kTabCommands{{
@@ -174,7 +174,7 @@ void VrxMain::Load() {
                  "file. Please check all settings.",
          .cause = ports_.settings.FailureCause()});
   }
-  ports_.settings.TellRefusedUnit(ports_.op);
+  ports_.settings.ReportRefusedUnit(ports_.op);
   databases_.CloseRecipeDatabase();
   databases_.CloseTransactionDatabase();
   window_.UpdateAutoAbbrevUI(ports_.settings.AutoAbbreviateOn());
@@ -183,7 +183,7 @@ void VrxMain::Load() {
   window_.Commands().DisableTransactionCommands();
   window_.Tabs().SelectTab(kTabDataTransfer);
   recent_.Load();
-  TellLostEdits();
+  ReportLostEdits();
 }
 
 void VrxMain::Paint() {
@@ -254,7 +254,7 @@ void VrxMain::CloseRecipeDatabase() {
   databases_.CloseRecipeDatabase();
 }
 
-void VrxMain::TellLostEdits() {
+void VrxMain::ReportLostEdits() {
   const std::filesystem::path folder = ports_.app_folder.DefaultAppPath();
   const std::string lost = ReadLostEdits(folder);
   if (lost.empty()) {

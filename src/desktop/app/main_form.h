@@ -49,7 +49,7 @@ class VrxMain : public QObject, public MainForm {
   explicit VrxMain(const Ports& ports);
 
   MainWindow& Window() { return window_; }
-  DatabaseLifecycle& Databases() { return databases_; }
+  DatabaseCommands& Databases() { return databases_; }
   // What is left of it for the operator's present action.
   const WaitBudget& LockWaits() const { return lock_waits_; }
 
@@ -74,7 +74,7 @@ class VrxMain : public QObject, public MainForm {
   void Connect();
   void SetHandlers();
   void Load();
-  void TellLostEdits();
+  void ReportLostEdits();
   void Paint();
   void Activate();
   void GoToTransfer(const char* button);
@@ -89,7 +89,7 @@ class VrxMain : public QObject, public MainForm {
   ChildProcessRunner runner_;
   QtConversionDisplay conversion_;
   ConversionOffer earlier_;
-  DatabaseLifecycle databases_;
+  DatabaseCommands databases_;
   RecentDatabases recent_;
   RecordTabs records_;
   TransferTabs transfer_;

@@ -90,7 +90,7 @@ void ProgramExit::SaveRecent(DatabaseKind kind) {
   const PrivateINI& settings = application_.settings;
   const bool keep =
       kind == DatabaseKind::kRecipe ? settings.AutoloadRecipeDBOn() : settings.AutoloadTransDBOn();
-  const KindWords& words = WordsOf(kind);
+  const KindTexts& words = TextsOf(kind);
   const RecentFile recent = keep ? main_form_.Recent(kind) : RecentFile{};
   user_settings_.SaveSetting(words.recent_path_key, recent.path);
   user_settings_.SaveSetting(words.recent_name_key, recent.name);

@@ -37,9 +37,9 @@ class QtOperator : public QObject, public Operator {
 
 // The operator as a flow of a page knows them: ahead of whatever they are told or asked, the page
 // shows what the flow holds by then.
-class ShowingOperator : public Operator {
+class RefreshingOperator : public Operator {
  public:
-  ShowingOperator(Operator& op, std::function<void()> show) : op_(op), show_(std::move(show)) {}
+  RefreshingOperator(Operator& op, std::function<void()> show) : op_(op), show_(std::move(show)) {}
 
   Answer ShowMessage(const MessageBox& box) override {
     show_();

@@ -15,7 +15,7 @@ RecordTabs::RecordTabs(const Ports& ports) : ports_(ports) {
   Add(kTabIngredients,
       new IngredientsPage(
           PagePorts(),
-          {.batch_type_on_show = [recipes] { return recipes ? recipes->BatchTypeOnShow() : ""; },
+          {.current_batch_type = [recipes] { return recipes ? recipes->CurrentBatchType() : ""; },
            .go_to =
                [recipes](int position) {
                  if (recipes) {
@@ -49,7 +49,7 @@ void RecordTabs::Add(int tab, RecordPage* page) {
   pages_.at(static_cast<std::size_t>(tab)) = page;
   ports_.window.SetPage(tab, page);
   connect(page, &RecordPage::Moved, this, [this, page](int position) {
-    if (page == PageOnShow()) {
+    if (page == CurrentPage()) {
       ports_.window.Panels().ShowRecordNumber(position);
     }
   });
@@ -64,13 +64,13 @@ void RecordTabs::Add(int tab, RecordPage* page) {
   });
 }
 
-RecordPage* RecordTabs::PageOnShow() const {
-  const auto tab = static_cast<std::size_t>(ports_.window.Tabs().TabOnShow());
+RecordPage* RecordTabs::CurrentPage() const {
+  const auto tab = static_cast<std::size_t>(ports_.window.Tabs().CurrentTab());
   return tab < pages_.size() ? pages_[tab] : nullptr;
 }
 
 void RecordTabs::Act(int button) {
-  RecordPage* const page = PageOnShow();
+  RecordPage* const page = CurrentPage();
   if (page == nullptr || page->Position() == 0) {
     return;
   }
@@ -89,7 +89,7 @@ void RecordTabs::Act(int button) {
 }
 
 void RecordTabs::Navigate(int button) {
-  RecordPage* const page = PageOnShow();
+  RecordPage* const page = CurrentPage();
   if (page != nullptr && page->Position() != 0 && page->LeaveEdits(MayStay::kYes)) {
     page->Navigate(static_cast<NavigateButton>(button));
   }

@@ -21,7 +21,7 @@ class RecordTabs : public QObject {
   struct Ports {
     FeedPorts feed;
     GeneralDelay& delay;
-    DatabaseLifecycle& databases;
+    DatabaseCommands& databases;
     MainWindow& window;
   };
 
@@ -39,7 +39,7 @@ class RecordTabs : public QObject {
  private:
   RecordPorts PagePorts();
   void Add(int tab, RecordPage* page);
-  RecordPage* PageOnShow() const;
+  RecordPage* CurrentPage() const;
   void Act(int button);
   void Navigate(int button);
   void CountLoaded();

@@ -12,7 +12,7 @@
 namespace vrx {
 namespace {
 
-void TellAlreadyRunning(Operator& op) {
+void ReportAlreadyRunning(Operator& op) {
   op.Beep();
   op.ShowMessage({.icon = Icon::kInformation,
                   .title = {},
@@ -22,7 +22,7 @@ void TellAlreadyRunning(Operator& op) {
 }
 
 // The words that the design has for any failure without words of its own.
-void TellFailure(Operator& op, const std::string& cause) {
+void ReportFailure(Operator& op, const std::string& cause) {
   op.ShowMessage({.icon = Icon::kCritical, .title = {}, .text = "Error: " + cause});
 }
 
@@ -43,9 +43,9 @@ bool IsOnlyInstance(const StartUpPorts& ports) {
     if (ports.instance.Claim()) {
       return true;
     }
-    TellAlreadyRunning(ports.op);
+    ReportAlreadyRunning(ports.op);
   } catch (const Error& failure) {
-    TellFailure(ports.op, failure.what());
+    ReportFailure(ports.op, failure.what());
   }
   return false;
 }
@@ -55,7 +55,7 @@ bool MakeFolders(const StartUpPorts& ports, Folder& app_folder) {
   try {
     return app_folder.CheckAppDefaultDir();
   } catch (const FileError& failure) {
-    TellFailure(ports.op, failure.what());
+    ReportFailure(ports.op, failure.what());
     return false;
   }
 }

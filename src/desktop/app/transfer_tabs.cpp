@@ -86,7 +86,7 @@ std::vector<IngredientRecord> TransferTabs::GridIngredients() {
     return {};
   }
   std::vector<IngredientRecord> records =
-      Translated(*bound.connection, [&] { return ReadIngredients(*bound.connection); });
+      WithDatabaseErrors(*bound.connection, [&] { return ReadIngredients(*bound.connection); });
   const auto* const active_only =
       ports_.window.findChild<QCheckBox*>(QStringLiteral("chkShowActiveIngsOnly"));
   if (active_only == nullptr || active_only->isChecked()) {
@@ -130,7 +130,7 @@ void TransferTabs::Setup() {
 }
 
 SetupFacts TransferTabs::Facts() const {
-  const DatabaseLifecycle& databases = ports_.databases;
+  const DatabaseCommands& databases = ports_.databases;
   const CurrentDatabase& recipe = databases.Recipe();
   const CurrentDatabase& transaction = databases.Transaction();
   const TransFile& file = import_->Session().File();

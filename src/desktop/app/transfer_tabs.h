@@ -29,7 +29,7 @@ class TransferTabs : private TransferDatabases, private ImportWindow {
     const Folder& app_folder;
     PrivateINI& settings;
     DatabaseIdentity& identity;
-    DatabaseLifecycle& databases;
+    DatabaseCommands& databases;
     MainWindow& window;
   };
 
@@ -37,7 +37,7 @@ class TransferTabs : private TransferDatabases, private ImportWindow {
   explicit TransferTabs(const Ports& ports);
 
   // The import on its tab: a transaction file is loaded once its FileName is set.
-  const ImportSession& Import() const { return import_->Session(); }
+  const ImportPresenter& Import() const { return import_->Session(); }
 
   // As entering the Export tab does.
   void ConfigureImportColumns() { import_->ConfigureImportColumns(); }

@@ -57,8 +57,8 @@ ExportPage::ExportPage(const Ports& ports)
             .style_sheets = ports_.style_sheets,
             .host = *this}),
       txt_f_name_(new FilteredEdit(
-          [](std::string_view, int key) { return ExportTab::KeyPressInFName(key); }, kLongestName,
-          this)),
+          [](std::string_view, int key) { return ExportPresenter::KeyPressInFName(key); },
+          kLongestName, this)),
       txt_f_path_(new QLineEdit(this)),
       cmd_browse_(AddButton("cmdBrowse", QStringLiteral("&Browse"),
                             QStringLiteral("Choose the folder of the file"))),
@@ -183,7 +183,7 @@ void ExportPage::Run(const std::function<void()>& flow) {
   try {
     flow();
   } catch (const std::exception& failure) {
-    TellFailure(ports_.op, "Export", failure);
+    ReportFailure(ports_.op, "Export", failure);
   }
 }
 

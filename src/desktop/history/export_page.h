@@ -22,7 +22,7 @@ class ExportWindow {
  public:
   virtual ~ExportWindow() = default;
   virtual OpenDatabases ExportDatabases() const = 0;
-  virtual DataGroupOnShow DataGroup() = 0;
+  virtual ExportSource DataGroup() = 0;
   virtual void ConfigureImportColumns() = 0;
 };
 
@@ -50,7 +50,7 @@ class ExportPage final : public MainTabPage, private ExportHost {
  private:
   // ExportHost.
   OpenDatabases Databases() const override { return ports_.window.ExportDatabases(); }
-  DataGroupOnShow DataGroup() override { return ports_.window.DataGroup(); }
+  ExportSource DataGroup() override { return ports_.window.DataGroup(); }
   void ConfigureImportColumns() override { ports_.window.ConfigureImportColumns(); }
   void FocusControl(std::string_view name) override;
   void ExportChanged() override;
@@ -64,7 +64,7 @@ class ExportPage final : public MainTabPage, private ExportHost {
   void Run(const std::function<void()>& flow);
 
   Ports ports_;
-  ExportTab tab_;
+  ExportPresenter tab_;
   FilteredEdit* txt_f_name_;
   QLineEdit* txt_f_path_;
   QPushButton* cmd_browse_;

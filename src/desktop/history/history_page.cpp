@@ -230,20 +230,20 @@ QWidget* HistoryPage::LayOutChoices() {
 
 void HistoryPage::Connect() {
   connect(lst_group_by_, &QComboBox::activated, this, [this](int index) {
-    Run([&](HistoryView& view) {
+    Run([&](HistoryPresenter& view) {
       view.SetShowActiveIngredientsOnly(ports_.active_ingredients_only());
       view.SelectGroup(index);
       grd_trans_->GoToTop();
     });
   });
   connect(cbo_col_name_, &QComboBox::activated, this, [this](int index) {
-    Run([&](HistoryView& view) {
+    Run([&](HistoryPresenter& view) {
       view.PickName(index);
       grd_trans_->GoToTop();
     });
   });
   connect(chk_expand_all_, &QCheckBox::toggled, this, [this](bool on) {
-    Run([&](HistoryView& view) {
+    Run([&](HistoryPresenter& view) {
       view.SetExpandAll(on);
       grd_trans_->GoToTop();
     });
@@ -255,7 +255,7 @@ void HistoryPage::Connect() {
 
 void HistoryPage::ConnectGrid() {
   connect(grd_trans_, &HistoryTableView::GroupChosen, this, [this](int row, bool open) {
-    Run([&](HistoryView& view) {
+    Run([&](HistoryPresenter& view) {
       const std::int64_t number = std::int64_t{row} + 1;
       if (open) {
         view.OpenGroup(number);
@@ -265,13 +265,13 @@ void HistoryPage::ConnectGrid() {
     });
   });
   connect(&grd_trans_->Header(), &HistoryHeader::SortChosen, this, [this](int column) {
-    Run([&](HistoryView& view) {
+    Run([&](HistoryPresenter& view) {
       const std::int64_t row = std::int64_t{grd_trans_->currentIndex().row()} + 1;
       grd_trans_->GoToRow(static_cast<int>(view.SortByColumn(column, row)) - 1);
     });
   });
   connect(&grd_trans_->Header(), &HistoryHeader::ColumnMoved, this, [this](int column, int to) {
-    Run([&](HistoryView& view) { view.MoveColumn(column, to); });
+    Run([&](HistoryPresenter& view) { view.MoveColumn(column, to); });
   });
   connect(
       &grd_trans_->Model(), &HistoryTableModel::Failed, this,
@@ -282,13 +282,13 @@ void HistoryPage::ConnectGrid() {
         try {
           std::rethrow_exception(failure);
         } catch (const std::exception& what) {
-          view_->TellFailure(what);
+          view_->ReportFailure(what);
         }
       },
       Qt::QueuedConnection);
 }
 
-void HistoryPage::Run(const std::function<void(HistoryView&)>& action) {
+void HistoryPage::Run(const std::function<void(HistoryPresenter&)>& action) {
   if (view_) {
     const Busy busy(ports_.op);
     action(*view_);
@@ -305,7 +305,7 @@ void HistoryPage::TabChanged(int /*tab*/, int /*previous*/) {
 }
 
 void HistoryPage::Prepare() {
-  Run([this](HistoryView& view) {
+  Run([this](HistoryPresenter& view) {
     view.SetShowActiveIngredientsOnly(ports_.active_ingredients_only());
     view.TabEntered();
   });

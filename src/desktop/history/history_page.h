@@ -50,7 +50,7 @@ class HistoryNavigator : public QWidget {
 // The `Batched/Fed` tab. Shows one of the data groups of the open transaction database, with the
 // names of the open recipe database over its ingredient columns. What is stored while it is on show
 // is seen once the databases are bound anew, as every store does.
-class HistoryPage final : public MainTabPage, private HistoryScreen {
+class HistoryPage final : public MainTabPage, private HistoryView {
   Q_OBJECT
 
  public:
@@ -66,7 +66,7 @@ class HistoryPage final : public MainTabPage, private HistoryScreen {
 
   // What is on show, for the export and the printed page; nullptr before the first database is
   // bound and after the last one was let go.
-  HistoryView* View() { return view_ ? &*view_ : nullptr; }
+  HistoryPresenter* View() { return view_ ? &*view_ : nullptr; }
   // `chkBatFitPage`
   bool FitAllColumns() const { return chk_bat_fit_page_->isChecked(); }
 
@@ -77,7 +77,7 @@ class HistoryPage final : public MainTabPage, private HistoryScreen {
   void ReleaseViews() override;
 
  private:
-  // HistoryScreen.
+  // HistoryView.
   void HistoryChanged(HistoryPart part) override;
 
   void LayOut();
@@ -85,7 +85,7 @@ class HistoryPage final : public MainTabPage, private HistoryScreen {
   QCheckBox* AddCheck(const char* name, const QString& caption, const QString& meaning);
   void Connect();
   void ConnectGrid();
-  void Run(const std::function<void(HistoryView&)>& action);
+  void Run(const std::function<void(HistoryPresenter&)>& action);
   void RebindTransactions(const BoundDatabase& database);
   void ShowPicker();
   void ShowGrid();
@@ -102,7 +102,7 @@ class HistoryPage final : public MainTabPage, private HistoryScreen {
   HistoryTableView* grd_trans_;
   HistoryNavigator* navigator_;
   QStackedLayout* grid_or_standby_;
-  std::optional<HistoryView> view_;
+  std::optional<HistoryPresenter> view_;
   SQLite::Database* recipes_ = nullptr;
   bool closed_ = true;  // the transaction database
 };

@@ -40,7 +40,7 @@ bool IsDark(const QColor& back) {
 }
 
 // A told colour stays on a light background, however faint it is there.
-QColor ToldOn(const QColor& told, const QColor& back) {
+QColor SpecifiedOn(const QColor& told, const QColor& back) {
   return IsDark(back) ? Readable(told, back, kTextContrast) : told;
 }
 
@@ -55,7 +55,7 @@ QColor TextOn(FormatStyle style, const StyleColor& told, const QColor& color, co
   if (style == FormatStyle::kSelectedRow) {
     return color;
   }
-  return told.system ? SystemOn(color, back) : ToldOn(color, back);
+  return told.system ? SystemOn(color, back) : SpecifiedOn(color, back);
 }
 
 QColor ColorOf(const QPalette& palette, const StyleColor& color) {
@@ -148,7 +148,7 @@ QFont HistoryStyles::HeaderFont() {
 }
 
 QColor HistoryStyles::HeaderColor(const QPalette& palette) {
-  return ToldOn(QColor(kHeaderColor), palette.color(QPalette::Button));
+  return SpecifiedOn(QColor(kHeaderColor), palette.color(QPalette::Button));
 }
 
 const HistoryLook& HistoryStyles::Row(HistoryRowKind kind, std::int64_t row, bool selected) const {

@@ -66,7 +66,7 @@ HistoryHeader::HistoryHeader(QWidget* parent) : QHeaderView(Qt::Horizontal, pare
   setFont(HistoryStyles::HeaderFont());
   setMinimumHeight(kLeastHeight);
   setMinimumSectionSize(3 * kSpacing);
-  TakeColors();
+  ApplyColors();
   connect(this, &QHeaderView::sectionClicked, this,
           [this](int section) { Q_EMIT SortChosen(section + 1); });
   connect(this, &QHeaderView::sectionMoved, this, [this](int section, int /*from*/, int to) {
@@ -163,7 +163,7 @@ std::vector<ShownColumn> HistoryHeader::Shown() const {
   return shown;
 }
 
-void HistoryHeader::TakeColors() {
+void HistoryHeader::ApplyColors() {
   const QColor told = HistoryStyles::HeaderColor(palette());
   if (palette().color(QPalette::ButtonText) != told) {
     QPalette colors;  // all else stays the form's
@@ -175,7 +175,7 @@ void HistoryHeader::TakeColors() {
 void HistoryHeader::changeEvent(QEvent* event) {
   QHeaderView::changeEvent(event);
   if (event->type() == QEvent::PaletteChange || event->type() == QEvent::StyleChange) {
-    TakeColors();
+    ApplyColors();
   }
 }
 
@@ -196,7 +196,7 @@ HistoryTableView::HistoryTableView(QWidget* parent)
   setHorizontalScrollMode(ScrollPerPixel);
   verticalHeader()->hide();
   verticalHeader()->setSectionResizeMode(QHeaderView::Fixed);
-  TakeRowHeight();
+  ApplyRowHeight();
   header_->hide();
 }
 
@@ -281,7 +281,7 @@ void HistoryTableView::scrollContentsBy(int dx, int dy) {
   }
 }
 
-void HistoryTableView::TakeRowHeight() {
+void HistoryTableView::ApplyRowHeight() {
   verticalHeader()->setMinimumSectionSize(1);
   verticalHeader()->setDefaultSectionSize(fontMetrics().height() + kSpacing / 2 + 1);
 }
@@ -289,7 +289,7 @@ void HistoryTableView::TakeRowHeight() {
 void HistoryTableView::changeEvent(QEvent* event) {
   QTableView::changeEvent(event);
   if (event->type() == QEvent::FontChange) {
-    TakeRowHeight();
+    ApplyRowHeight();
   }
 }
 

@@ -48,7 +48,7 @@ class HistoryHeader : public QHeaderView {
   // without.
   int CaptionRoom(int width, bool marked) const;
   int SortMarkWidth() const;
-  void TakeColors();
+  void ApplyColors();
 
   std::set<int> sized_;  // by the operator
   bool by_program_ = false;
@@ -105,7 +105,7 @@ class HistoryTableView : public QTableView {
   QRect LineOf(int row) const;
   void Turn(int row);
   bool TurnByKey(const QKeyEvent& key);
-  void TakeRowHeight();
+  void ApplyRowHeight();
 
   HistoryTableModel* model_;
   HistoryHeader* header_;

@@ -66,7 +66,7 @@ void PrintCommands::PrintCurrentTab() {
   }
   try {
     for (const auto& [tab, routine] : kRoutines) {
-      if (tab == ports_.window.Tabs().TabOnShow()) {
+      if (tab == ports_.window.Tabs().CurrentTab()) {
         (this->*routine)();
       }
     }
@@ -105,14 +105,14 @@ void PrintCommands::PrintPens() {
 }
 
 void PrintCommands::PrintTransactions() {
-  if (HistoryView* const view = ports_.history.History().View()) {
+  if (HistoryPresenter* const view = ports_.history.History().View()) {
     PrintGrid("transaction",
               HistoryReport(view->Grid(), ports_.history.History().FitAllColumns(), Facts()));
   }
 }
 
 void PrintCommands::PrintImportedTransactions() {
-  const ImportSession& import = ports_.transfer.Import();
+  const ImportPresenter& import = ports_.transfer.Import();
   PrintGrid("import",
             ImportReport(import.File(), import.Form().grd_import_rows,
                          import.Form().grd_import_columns, Ticked("chkImpFitPage"), Facts()));
@@ -120,19 +120,19 @@ void PrintCommands::PrintImportedTransactions() {
 
 void PrintCommands::PrintRecipes() {
   if (ports_.settings.PrintCurrentRecipeOnlyOn()) {
-    PrintRecipeOnShow();
+    PrintCurrentRecipe();
   } else if (SQLite::Database* const recipes = Recipes()) {
     PrintAllRecipes(*recipes);
   }
 }
 
-void PrintCommands::PrintRecipeOnShow() {
+void PrintCommands::PrintCurrentRecipe() {
   const auto* const page = ports_.window.findChild<RecipesPage*>();
   SQLite::Database* const recipes = Recipes();
-  if (page != nullptr && page->OnShow() != nullptr && recipes != nullptr) {
+  if (page != nullptr && page->Current() != nullptr && recipes != nullptr) {
     std::vector<IngredientRecord> ingredients = ReadIngredients(*recipes);
     KeepActive(ingredients, true);
-    PrintGrid("recipe", ReportOf(*page->OnShow(), ingredients));
+    PrintGrid("recipe", ReportOf(*page->Current(), ingredients));
   }
 }
 
@@ -171,12 +171,12 @@ void PrintCommands::PrintAllRecipes(SQLite::Database& recipes) {
     return;
   }
   scan.Panel().Tell(QStringLiteral("Printing recipes..."));
-  const std::unique_ptr<Paper> paper = setup_.Open(kDocument);
+  const std::unique_ptr<PrintTarget> paper = setup_.Open(kDocument);
   const bool printed =
       paper && OnPaper(*paper, [&](ReportJob& job) {
         for (int id = 1; id <= kRecipeCount; ++id) {
           scan.Panel().GoTo(id);
-          const RecipeOnShow recipe = ReadRecipeToPrint(recipes, id);
+          const CurrentRecipe recipe = ReadRecipeToPrint(recipes, id);
           if (recipe.LineCount() > 0 && !PrintPages(job, ReportOf(recipe, ingredients))) {
             return false;
           }
@@ -188,7 +188,7 @@ void PrintCommands::PrintAllRecipes(SQLite::Database& recipes) {
   }
 }
 
-Report PrintCommands::ReportOf(const RecipeOnShow& recipe,
+Report PrintCommands::ReportOf(const CurrentRecipe& recipe,
                                const std::vector<IngredientRecord>& ingredients) const {
   const auto& page = *ports_.window.findChild<RecipesPage*>();
   return RecipeReport(recipe, page.ColumnsInSight(recipe.Entry()), ingredients, Facts());
@@ -203,13 +203,13 @@ void PrintCommands::PrintGrid(std::string_view noun, Report report) {
 }
 
 void PrintCommands::PrintReport(Report report) {
-  const std::unique_ptr<Paper> paper = setup_.Open(kDocument);
+  const std::unique_ptr<PrintTarget> paper = setup_.Open(kDocument);
   if (paper && MayPrint({&report, 1}, paper->Device(), ports_.op)) {
     OnPaper(*paper, [&](ReportJob& job) { return PrintPages(job, report); });
   }
 }
 
-bool PrintCommands::OnPaper(Paper& paper, const Job& job) {
+bool PrintCommands::OnPaper(PrintTarget& paper, const Job& job) {
   ports_.op.SetBusy(true);
   const bool printed = PrintOn(paper, job);
   ports_.op.SetBusy(false);

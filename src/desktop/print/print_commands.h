@@ -29,7 +29,7 @@ class PrintCommands {
     const PrivateINI& settings;
     const Calendar& calendar;
     EventPump& pump;
-    const DatabaseLifecycle& databases;
+    const DatabaseCommands& databases;
     const TransferTabs& transfer;
     HistoryTabs& history;
     MainWindow& window;
@@ -49,10 +49,10 @@ class PrintCommands {
   void PrintTransactions();
   void PrintImportedTransactions();
 
-  void PrintRecipeOnShow();
+  void PrintCurrentRecipe();
   void PrintAllRecipes(SQLite::Database& recipes);
   // With the columns in the order of the grid.
-  Report ReportOf(const RecipeOnShow& recipe,
+  Report ReportOf(const CurrentRecipe& recipe,
                   const std::vector<IngredientRecord>& ingredients) const;
 
   // The common course: refuses an empty grid, else prints under the hourglass.
@@ -60,7 +60,7 @@ class PrintCommands {
   // Asks for the file where the paper is one, and what MayPrint has to ask.
   void PrintReport(Report report);
   // False: the operator ended it.
-  bool OnPaper(Paper& paper, const Job& job);
+  bool OnPaper(PrintTarget& paper, const Job& job);
   bool PrintPages(ReportJob& job, const Report& report);
   void Refuse(Icon icon, const std::string& text);
 

@@ -17,14 +17,14 @@ namespace vrx {
 namespace {
 
 // A document that is not finished is taken back from the printer.
-class PrinterPaper : public Paper {
+class PrinterTarget : public PrintTarget {
  public:
-  PrinterPaper(const QPrinterInfo& printer, const std::string& title)
+  PrinterTarget(const QPrinterInfo& printer, const std::string& title)
       : printer_(printer, QPrinter::HighResolution) {
     printer_.setDocName(ToQString(title));
     SetUpPaper(printer_);
   }
-  ~PrinterPaper() override {
+  ~PrinterTarget() override {
     if (!finished_ && printer_.printerState() == QPrinter::Active) {
       printer_.abort();
     }
@@ -87,7 +87,7 @@ bool PrintSetup::Ask(QWidget* owner) {
   return true;
 }
 
-std::unique_ptr<Paper> PrintSetup::Open(const std::string& title) const {
+std::unique_ptr<PrintTarget> PrintSetup::Open(const std::string& title) const {
   if (pdf_) {
     return OpenPdf(title);
   }
@@ -98,10 +98,10 @@ std::unique_ptr<Paper> PrintSetup::Open(const std::string& title) const {
                                         : "The printer " + printer_.toStdString() + " is gone.") +
                     std::string(" Choose a printer or a PDF file under File, Print Setup."));
   }
-  return std::make_unique<PrinterPaper>(printer, title);
+  return std::make_unique<PrinterTarget>(printer, title);
 }
 
-std::unique_ptr<Paper> PrintSetup::OpenPdf(const std::string& title) const {
+std::unique_ptr<PrintTarget> PrintSetup::OpenPdf(const std::string& title) const {
   const FileChoice file = files_.ShowSave({.title = "Print to PDF File",
                                            .filter = "PDF Files (*.pdf)|*.pdf",
                                            .default_extension = "pdf",

@@ -34,10 +34,10 @@ class PrintSetup {
 
   // A fresh paper for a document of that title; nullptr after a cancel of the question for the
   // file. Throws NoPrinter, and FileError.
-  std::unique_ptr<Paper> Open(const std::string& title) const;
+  std::unique_ptr<PrintTarget> Open(const std::string& title) const;
 
  private:
-  std::unique_ptr<Paper> OpenPdf(const std::string& title) const;
+  std::unique_ptr<PrintTarget> OpenPdf(const std::string& title) const;
 
   FileChooser& files_;
   QString printer_;  // its name; empty: the system's default

@@ -80,7 +80,7 @@ void RecipeGrid::SetFigures() {
   verticalHeader()->setDefaultSectionSize(fontMetrics().height() + kRowMargin);
 }
 
-void RecipeGrid::Show(const RecipeOnShow& shown) {
+void RecipeGrid::Show(const CurrentRecipe& shown) {
   ShowColumns(shown.Entry());
   model_->Show(shown);
   const int row = shown.OnEntryRow() ? shown.LineCount() : shown.row - 1;

@@ -49,10 +49,10 @@ class RecipeGrid : public QTableView {
   // The events outlive it.
   explicit RecipeGrid(RecipeGridEvents& events, QWidget* parent = nullptr);
 
-  void Show(const RecipeOnShow& shown);
+  void Show(const CurrentRecipe& shown);
 
   // The figures alone, the current cell and its editor as they are.
-  void ShowFigures(const RecipeOnShow& shown) { model_->Show(shown); }
+  void ShowFigures(const CurrentRecipe& shown) { model_->Show(shown); }
 
   // Widens the columns whose totals need more room, in logical pixels, than their captions do; the
   // next smaller totals give it back. Columns that the operator sized stay.

@@ -32,13 +32,13 @@ QColor Blend(const QColor& one, const QColor& other, double share) {
                           static_cast<float>(Mixed(one.blueF(), other.blueF(), share)));
 }
 
-QPalette::ColorRole BackgroundRole(CellManner manner) {
+QPalette::ColorRole BackgroundRole(CellRole manner) {
   switch (manner) {
-    case CellManner::kEntered:
+    case CellRole::kEntered:
       return QPalette::Base;
-    case CellManner::kReadOnly:
+    case CellRole::kReadOnly:
       return QPalette::Window;
-    case CellManner::kComputed:
+    case CellRole::kComputed:
       break;
   }
   return QPalette::ToolTipBase;
@@ -61,7 +61,7 @@ void PaintFrame(QPainter& painter, const QRect& cell, const QColor& color) {
 
 }  // namespace
 
-void RecipeGridModel::Show(const RecipeOnShow& shown) {
+void RecipeGridModel::Show(const CurrentRecipe& shown) {
   const bool was_idle = !pending_;
   line_count_ = shown.LineCount();
   pending_ = shown.EntryPending();
@@ -72,7 +72,7 @@ void RecipeGridModel::Show(const RecipeOnShow& shown) {
   }
 }
 
-std::vector<RecipeGridModel::Row> RecipeGridModel::RowsOf(const RecipeOnShow& shown) const {
+std::vector<RecipeGridModel::Row> RecipeGridModel::RowsOf(const CurrentRecipe& shown) const {
   std::vector<Row> rows;
   for (const RecipeLineRecord& line : shown.ration.lines) {
     rows.push_back(RowOf(line));
@@ -190,20 +190,20 @@ Qt::ItemFlags RecipeGridModel::flags(const QModelIndex& index) const {
   if (!index.isValid()) {
     return Qt::NoItemFlags;
   }
-  const bool entered = ColumnRow(index.column()).manner == CellManner::kEntered && !read_only_;
+  const bool entered = ColumnRow(index.column()).manner == CellRole::kEntered && !read_only_;
   return Qt::ItemIsEnabled | Qt::ItemIsSelectable |
          (entered ? Qt::ItemIsEditable : Qt::NoItemFlags);
 }
 
-RecipeCellLook LookOfCell(CellManner manner, bool current_row, const QPalette& palette) {
+RecipeCellLook LookOfCell(CellRole manner, bool current_row, const QPalette& palette) {
   RecipeCellLook look{
       .background = palette.color(BackgroundRole(manner)),
-      .text = manner == CellManner::kComputed ? QColor(Qt::blue) : palette.color(QPalette::Text)};
+      .text = manner == CellRole::kComputed ? QColor(Qt::blue) : palette.color(QPalette::Text)};
   if (current_row) {
     look.background = Blend(look.background, palette.color(QPalette::Highlight), kTint);
   }
   look.text = Readable(look.text, look.background, kTextContrast);
-  if (manner == CellManner::kEntered) {
+  if (manner == CellRole::kEntered) {
     look.frame = Blend(look.background, look.text, kFrameStrength);
   }
   return look;
@@ -217,12 +217,11 @@ QRect RecipeGridDelegate::ArrowOf(const QRect& cell) {
   return {cell.right() - kArrowWidth, cell.top(), kArrowWidth, cell.height()};
 }
 
-const RecipeCellLook& RecipeGridDelegate::Look(CellManner manner, bool current_row,
+const RecipeCellLook& RecipeGridDelegate::Look(CellRole manner, bool current_row,
                                                const QPalette& palette) const {
   if (looks_of_ != palette.cacheKey()) {
     looks_of_ = palette.cacheKey();
-    for (const CellManner each :
-         {CellManner::kEntered, CellManner::kReadOnly, CellManner::kComputed}) {
+    for (const CellRole each : {CellRole::kEntered, CellRole::kReadOnly, CellRole::kComputed}) {
       for (const bool current : {false, true}) {
         looks_.at(static_cast<std::size_t>(each)).at(current ? 1 : 0) =
             LookOfCell(each, current, palette);
@@ -235,7 +234,7 @@ const RecipeCellLook& RecipeGridDelegate::Look(CellManner manner, bool current_r
 void RecipeGridDelegate::paint(QPainter* painter, const QStyleOptionViewItem& option,
                                const QModelIndex& index) const {
   const bool current_row = index.row() == current_row_;
-  const CellManner manner = ColumnRow(index.column()).manner;
+  const CellRole manner = ColumnRow(index.column()).manner;
   const RecipeCellLook& look = Look(manner, current_row, option.palette);
   painter->save();
   painter->fillRect(option.rect, look.background);

@@ -25,7 +25,7 @@ class RecipeGridModel : public QAbstractTableModel {
   using QAbstractTableModel::QAbstractTableModel;
 
   // Tells the views of nothing but the cells that have changed.
-  void Show(const RecipeOnShow& shown);
+  void Show(const CurrentRecipe& shown);
 
   // Of the ingredients that can be chosen. A line with another one shows no name.
   void SetNames(const std::vector<IngredientRecord>& ingredients);
@@ -48,7 +48,7 @@ class RecipeGridModel : public QAbstractTableModel {
  private:
   using Row = std::array<QString, kRecipeColumnCount>;
 
-  std::vector<Row> RowsOf(const RecipeOnShow& shown) const;
+  std::vector<Row> RowsOf(const CurrentRecipe& shown) const;
   Row RowOf(const RecipeLineRecord& line) const;
   void SetRows(std::vector<Row> rows);
 
@@ -71,7 +71,7 @@ struct RecipeCellLook {
 
 // By the palette alone, but for the blue of what is computed. The row that the grid stands on is
 // tinted by the colour of a selection.
-RecipeCellLook LookOfCell(CellManner manner, bool current_row, const QPalette& palette);
+RecipeCellLook LookOfCell(CellRole manner, bool current_row, const QPalette& palette);
 
 // How the cells of `grdREC` look, and what they are edited with.
 class RecipeGridDelegate : public QStyledItemDelegate {
@@ -108,7 +108,7 @@ class RecipeGridDelegate : public QStyledItemDelegate {
   void KeyRefused();
 
  private:
-  const RecipeCellLook& Look(CellManner manner, bool current_row, const QPalette& palette) const;
+  const RecipeCellLook& Look(CellRole manner, bool current_row, const QPalette& palette) const;
   void PaintArrow(QPainter& painter, const QRect& cell, const QColor& color) const;
   QWidget* MakeNumberEditor(QWidget* parent, LineColumn column) const;
 

@@ -163,7 +163,7 @@ void RecipeHead::MakeGroups() {
   ShowMustTotal100(false);
 }
 
-void RecipeHead::Show(const RecipeOnShow& shown) {
+void RecipeHead::Show(const CurrentRecipe& shown) {
   const RecipeRecord& recipe = shown.ration.recipe;
   if (recipe.id != recipe_id_) {
     recipe_id_ = recipe.id;
@@ -195,7 +195,7 @@ void RecipeHead::SetReadOnly(const QString& reason) {
   }
 }
 
-void RecipeHead::ShowInputs(const RecipeOnShow& shown) {
+void RecipeHead::ShowInputs(const CurrentRecipe& shown) {
   const RecipeInputs visible = shown.Shown();
   const RecipeInputs& enabled = shown.enabled;
   ShowGroup(head_count_group_, visible.head_count, enabled.head_count);

@@ -26,7 +26,7 @@ class RecipeHead : public QWidget {
 
   // A box that was typed into keeps what stands in it until that is stored or another recipe is on
   // show. So does a list whose choice is not stored yet.
-  void Show(const RecipeOnShow& shown);
+  void Show(const CurrentRecipe& shown);
 
   // What was typed into the box is stored, or into all of them given up.
   static void Stored(FilteredEdit& box) { box.setModified(false); }
@@ -55,12 +55,12 @@ class RecipeHead : public QWidget {
   }
 
   RecordIdList& CboRecId() { return *id_list_; }
-  FilteredEdit& TxtRecName() { return *name_; }
-  FilteredEdit& TxtRecDesc() { return *description_; }
-  FilteredEdit& TxtRecHeadCount() { return *head_count_; }
-  FilteredEdit& TxtRecRationTarget() { return *ration_target_; }
-  QComboBox& LstRecBatchType() { return *batch_type_; }
-  QComboBox& LstAdjustBatchTotal() { return *adjust_; }
+  FilteredEdit& OnRecName() { return *name_; }
+  FilteredEdit& OnRecDesc() { return *description_; }
+  FilteredEdit& OnRecHeadCount() { return *head_count_; }
+  FilteredEdit& OnRecRationTarget() { return *ration_target_; }
+  QComboBox& OnRecBatchType() { return *batch_type_; }
+  QComboBox& OnAdjustBatchTotal() { return *adjust_; }
 
  Q_SIGNALS:
   // A key was dropped.
@@ -80,7 +80,7 @@ class RecipeHead : public QWidget {
   void MakeGroups();
   void LayOut();
   QLabel* Caption(const char* name, int caption, QWidget* buddy);
-  void ShowInputs(const RecipeOnShow& shown);
+  void ShowInputs(const CurrentRecipe& shown);
   void ShowGroup(const Group& group, bool visible, bool enabled) const;
 
   AutoAbbreviation& abbreviation_;

@@ -206,7 +206,7 @@ QLayout* RecipeLines::MakeBottomRow() {
   return row;
 }
 
-void RecipeLines::Show(const RecipeOnShow& shown) {
+void RecipeLines::Show(const CurrentRecipe& shown) {
   const bool typed = shown.Entry() != LineEntry::kNone;
   if (!typed) {
     grid_->GiveUpEdit();
@@ -219,7 +219,7 @@ void RecipeLines::Show(const RecipeOnShow& shown) {
   navigator_->Show(shown.row, shown.LineCount());
 }
 
-void RecipeLines::DrawFigures(const RecipeOnShow& next) {
+void RecipeLines::DrawFigures(const CurrentRecipe& next) {
   grid_->ShowFigures(next);
   totals_->Show(next);
   grid_->viewport()->repaint();

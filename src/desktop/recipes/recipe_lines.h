@@ -63,11 +63,11 @@ class RecipeLines : public QWidget {
   explicit RecipeLines(RecipeGridEvents& events, QWidget* parent = nullptr);
 
   // The grid of an untyped recipe is hidden, and what to do is said in its place.
-  void Show(const RecipeOnShow& shown);
+  void Show(const CurrentRecipe& shown);
 
   // What the next Show is about to bring for the same lines, on the glass at once: the operator's
   // eyes need not wait for the disk. Sends no events but those of painting.
-  void DrawFigures(const RecipeOnShow& next);
+  void DrawFigures(const CurrentRecipe& next);
 
   // No line can be entered, moved or deleted, for that reason; again they can for an empty one.
   void SetReadOnly(const QString& reason);

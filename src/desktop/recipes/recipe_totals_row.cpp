@@ -67,7 +67,7 @@ QSize RecipeTotalsRow::sizeHint() const {
   return {0, labels_.front()->sizeHint().height() + kSpacing};
 }
 
-void RecipeTotalsRow::Show(const RecipeOnShow& shown) {
+void RecipeTotalsRow::Show(const CurrentRecipe& shown) {
   entry_ = shown.Entry();
   for (int column = 0; column < kRecipeColumnCount; ++column) {
     const auto total = RecipeColumns()[static_cast<std::size_t>(column)].total;
@@ -111,7 +111,7 @@ void RecipeTotalsRow::Follow() {
 }
 
 void RecipeTotalsRow::PaintLabels() {
-  const RecipeCellLook look = LookOfCell(CellManner::kComputed, false, palette());
+  const RecipeCellLook look = LookOfCell(CellRole::kComputed, false, palette());
   for (int column = 0; column < kRecipeColumnCount; ++column) {
     QLabel& label = *labels_.at(static_cast<std::size_t>(column));
     if (IsLeft(column)) {

@@ -20,7 +20,7 @@ class RecipeTotalsRow : public QWidget {
   // The grid outlives it.
   explicit RecipeTotalsRow(const RecipeGrid& grid, QWidget* parent = nullptr);
 
-  void Show(const RecipeOnShow& shown);
+  void Show(const CurrentRecipe& shown);
 
   // What the totals shown need of their columns.
   RecipeColumnWidths Widths() const;

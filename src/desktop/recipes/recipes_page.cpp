@@ -70,12 +70,12 @@ void RecipesPage::ConnectHead() {
   });
   connect(&head_->CboRecId(), &QComboBox::activated, this,
           [this](int index) { Select(index, MayStay::kYes); });
-  connect(&head_->CboRecId(), &RecordIdList::Typed, &head_->TxtRecDesc(),
+  connect(&head_->CboRecId(), &RecordIdList::Typed, &head_->OnRecDesc(),
           qOverload<>(&QWidget::setFocus));
   for (FilteredEdit* const box : head_->Boxes()) {
     connect(box, &FilteredEdit::Left, this, [this, box] { Leave(*box); });
   }
-  for (QComboBox* const list : {&head_->LstRecBatchType(), &head_->LstAdjustBatchTotal()}) {
+  for (QComboBox* const list : {&head_->OnRecBatchType(), &head_->OnAdjustBatchTotal()}) {
     connect(list, &QComboBox::activated, this, [this, list](int index) { Choose(*list, index); });
   }
 }
@@ -99,9 +99,9 @@ void RecipesPage::Do(const Event& event) {
   if (!editor) {
     return;
   }
-  const RecipeRecord before = editor->OnShow().ration.recipe;
+  const RecipeRecord before = editor->Current().ration.recipe;
   const auto shown = [&] {
-    const RecipeRecord& after = editor->OnShow().ration.recipe;
+    const RecipeRecord& after = editor->Current().ration.recipe;
     // The first line of a recipe puts it in use, whichever event commits it.
     if (before.id == after.id && before.description.empty() && !after.description.empty()) {
       head_->CboRecId().SetItem(after.id, after.name);
@@ -129,7 +129,7 @@ bool RecipesPage::RunCommand(const Event& event) {
     Do(event);
     return true;
   } catch (const Error& failure) {
-    TellEditFailure(ports_.feed.op, failure);
+    ReportEditFailure(ports_.feed.op, failure);
   }
   return false;
 }
@@ -137,14 +137,14 @@ bool RecipesPage::RunCommand(const Event& event) {
 // The lines first: a list that is closed by its choice hands the focus on to the grid.
 void RecipesPage::Show() {
   if (editor_ && !preparing_) {
-    lines_->Show(editor_->OnShow());
-    head_->Show(editor_->OnShow());
+    lines_->Show(editor_->Current());
+    head_->Show(editor_->Current());
   }
 }
 
 std::shared_ptr<RecipeEditor> RecipesPage::MakeEditor(SQLite::Database& connection, int id) {
   return std::make_shared<RecipeEditor>(connection, ports_.feed.op, ports_.feed.settings, id,
-                                        [this, &connection](const RecipeOnShow& next) {
+                                        [this, &connection](const CurrentRecipe& next) {
                                           TouchDatabase(connection, ports_.feed.calendar);
                                           stored_ = true;
                                           if (entering_) {
@@ -153,8 +153,8 @@ std::shared_ptr<RecipeEditor> RecipesPage::MakeEditor(SQLite::Database& connecti
                                         });
 }
 
-std::string RecipesPage::BatchTypeOnShow() const {
-  return editor_ ? editor_->OnShow().ration.recipe.batch_type : std::string();
+std::string RecipesPage::CurrentBatchType() const {
+  return editor_ ? editor_->Current().ration.recipe.batch_type : std::string();
 }
 
 // The events of the grid.
@@ -244,7 +244,7 @@ void RecipesPage::Navigate(NavigateButton button) {
   }
 }
 
-int RecipesPage::Position() const { return closed_ ? 0 : editor_->OnShow().ration.recipe.id; }
+int RecipesPage::Position() const { return closed_ ? 0 : editor_->Current().ration.recipe.id; }
 
 // The only way to another recipe: whatever is being edited belongs to the one that is left. Index
 // 0, the blank item of the list, is the recipe on show.
@@ -343,7 +343,7 @@ void RecipesPage::Activated() {
 
 // A line that is complete is not lost with its database.
 void RecipesPage::CommitPending() {
-  if (editor_ && editor_->OnShow().EntryPending() && !ended_) {
+  if (editor_ && editor_->Current().EntryPending() && !ended_) {
     Run([](RecipeEditor& editor) { editor.EndEntry(); });
   }
 }

@@ -30,10 +30,10 @@ class RecipesPage final : public RecordPage, private RecipeGridEvents {
   void SetPenRows(PenRows rows) { pen_rows_ = std::move(rows); }
 
   // The code of the recipe on show; empty before the first database.
-  std::string BatchTypeOnShow() const;
+  std::string CurrentBatchType() const;
 
   // The recipe on show, for the printed page; nullptr before the first database.
-  const RecipeOnShow* OnShow() const { return editor_ ? &editor_->OnShow() : nullptr; }
+  const CurrentRecipe* Current() const { return editor_ ? &editor_->Current() : nullptr; }
 
   // The columns of its grid, for the printed page of a recipe entered that way.
   std::vector<int> ColumnsInSight(LineEntry entry) const {

@@ -37,7 +37,7 @@ void RecipesPage::LeaveBox(FilteredEdit& box, std::string_view field, StoreBox s
 }
 
 void RecipesPage::LeaveName() {
-  FilteredEdit& box = head_->TxtRecName();
+  FilteredEdit& box = head_->OnRecName();
   LeaveBox(box, "Name", [this, &box] {
     std::string refusal;
     Do([&](RecipeEditor& editor) {
@@ -50,11 +50,11 @@ void RecipesPage::LeaveName() {
 }
 
 void RecipesPage::LeaveDescription() {
-  FilteredEdit& box = head_->TxtRecDesc();
+  FilteredEdit& box = head_->OnRecDesc();
   const std::optional<std::string> abbreviation =
       ports_.abbreviation.LeaveDescription(box.Text(), ports_.feed.settings.AutoAbbreviateOn());
   LeaveBox(box, "Description", [this, &box, abbreviation] {
-    FilteredEdit& name = head_->TxtRecName();
+    FilteredEdit& name = head_->OnRecName();
     const std::string listed = name.Text();
     Do([&](RecipeEditor& editor) {
       editor.LeaveDescription(box.Text(), abbreviation);
@@ -84,11 +84,11 @@ void RecipesPage::Leave(FilteredEdit& box) {
   if (!editor_ || read_only_) {
     return;
   }
-  if (&box == &head_->TxtRecName()) {
+  if (&box == &head_->OnRecName()) {
     LeaveName();
-  } else if (&box == &head_->TxtRecDesc()) {
+  } else if (&box == &head_->OnRecDesc()) {
     LeaveDescription();
-  } else if (&box == &head_->TxtRecHeadCount()) {
+  } else if (&box == &head_->OnRecHeadCount()) {
     LeaveNumber(box, "HeadCount", &RecipeEditor::LeaveHeadCount);
   } else {
     LeaveNumber(box, "RationTarget", &RecipeEditor::LeaveRationTarget);
@@ -97,7 +97,7 @@ void RecipesPage::Leave(FilteredEdit& box) {
 
 void RecipesPage::RewriteItem(std::string_view name) {
   if (editor_) {
-    head_->CboRecId().SetItem(editor_->OnShow().ration.recipe.id, name);
+    head_->CboRecId().SetItem(editor_->Current().ration.recipe.id, name);
   }
 }
 
@@ -114,7 +114,7 @@ void RecipesPage::Choose(QComboBox& list, int index) {
 }
 
 void RecipesPage::StoreChoice(QComboBox& list, int index) {
-  const bool type = &list == &head_->LstRecBatchType();
+  const bool type = &list == &head_->OnRecBatchType();
   const auto choose = type ? &RecipeEditor::ChooseBatchType : &RecipeEditor::ChooseAdjustItem;
   gate_.Leave({.field = &list,
                .what = FieldName(type ? "BatchType" : "AdjBatTotIndex"),
@@ -136,7 +136,7 @@ void RecipesPage::StoreChoice(QComboBox& list, int index) {
 }
 
 void RecipesPage::LeaveChoices() {
-  for (QComboBox* const list : {&head_->LstRecBatchType(), &head_->LstAdjustBatchTotal()}) {
+  for (QComboBox* const list : {&head_->OnRecBatchType(), &head_->OnAdjustBatchTotal()}) {
     if (head_->KeepsChoice(*list) && !gate_.Holds(list)) {
       StoreChoice(*list, list->currentIndex());
     }
@@ -183,7 +183,7 @@ bool RecipesPage::StoreCell(std::string what, std::string text, const Event& eve
     if (leaving_ || !grid.HoldsFocus()) {
       keep(failure);
     } else {
-      TellEditFailure(ports_.feed.op, failure);
+      ReportEditFailure(ports_.feed.op, failure);
     }
   }
   return false;
@@ -217,7 +217,7 @@ bool RecipesPage::FinishCell() {
 // The entry row.
 
 FieldEdit RecipesPage::NewLine() {
-  const RecipeLineRecord& line = editor_->OnShow().Current();
+  const RecipeLineRecord& line = editor_->Current().Current();
   const std::string& amount = line.target.empty() ? line.ingredient_percent : line.target;
   return {.field = lines_,
           .what = "new line",
@@ -236,7 +236,7 @@ FieldEdit RecipesPage::NewLine() {
 }
 
 void RecipesPage::LeaveEntryRow() {
-  if (editor_ && editor_->OnShow().EntryPending()) {
+  if (editor_ && editor_->Current().EntryPending()) {
     gate_.Leave(NewLine());
   }
 }
@@ -246,13 +246,13 @@ bool RecipesPage::RunWithNewLine(const Event& event) {
     Do(event);
     return true;
   } catch (const DatabaseError& failure) {
-    if (editor_->OnShow().EntryPending()) {
+    if (editor_->Current().EntryPending()) {
       gate_.Keep(NewLine(), failure.what());
     } else {
       ports_.feed.op.Beep();
     }
   } catch (const Error& failure) {
-    TellEditFailure(ports_.feed.op, failure);
+    ReportEditFailure(ports_.feed.op, failure);
   }
   return false;
 }
@@ -297,7 +297,7 @@ std::vector<LostEdit> RecipesPage::EndEdits() {
     LeaveEntryRow();
   }
   std::vector<LostEdit> lost = gate_.Drop();
-  const RecipeRecord& recipe = editor_->OnShow().ration.recipe;
+  const RecipeRecord& recipe = editor_->Current().ration.recipe;
   for (LostEdit& edit : lost) {
     edit.what = "recipe " + std::to_string(recipe.id) + " (" + recipe.name + "), " + edit.what;
   }

@@ -111,7 +111,7 @@ bool EditGate::Ask(const Kept& kept) {
 }
 
 bool EditGate::HoldBack(const FieldEdit& edit, const std::string& refusal) {
-  TellFieldRefusal(op_, refusal);
+  ReportFieldRefusal(op_, refusal);
   edit.stay();
   return false;
 }
@@ -124,7 +124,7 @@ void EditGate::GiveUp(const Kept& kept) {
     kept.edit.store();
   } catch (const Error& failure) {
     kept.edit.discard();
-    TellEditGivenUp(op_, kept.edit.what, failure.what());
+    ReportEditGivenUp(op_, kept.edit.what, failure.what());
   }
 }
 

@@ -181,13 +181,13 @@ void IngredientsPage::LeaveOwnFields() {
   }
 }
 
-bool IngredientsPage::StoreRecordOnShow() {
+bool IngredientsPage::StoreCurrentRecord() {
   IngredientRecord record{.id = Id(),
                           .name = NameText(),
                           .description = DescriptionText(),
                           .dry_matter_percent = TextToLong(NumberText()),
                           .hand_add = hand_add_->isChecked()};
-  const std::string batch_type = recipes_.batch_type_on_show();
+  const std::string batch_type = recipes_.current_batch_type();
   const bool changed = StoreRecord(Database(), record, batch_type, Ports().feed.calendar);
   stored_hand_add_ = record.hand_add;
   ShowTexts(record.name, record.description, std::to_string(record.dry_matter_percent));

@@ -41,7 +41,7 @@ class IngredientsPage final : public RecordFormPage {
   struct Recipes {
     // The code chosen in `lstRecBatchType`: by it the lines are worked out, whatever recipe they
     // belong to.
-    std::function<std::string()> batch_type_on_show;
+    std::function<std::string()> current_batch_type;
     // A search leaves the recipes where it has ended.
     std::function<void(int position)> go_to;
   };
@@ -54,7 +54,7 @@ class IngredientsPage final : public RecordFormPage {
   bool eventFilter(QObject* watched, QEvent* event) override;
 
   void ReadRecord(int id) override;
-  bool StoreRecordOnShow() override;
+  bool StoreCurrentRecord() override;
   void ShowStored() override;
   void LeaveOwnFields() override;
   std::vector<RecordRow> ReadRows(bool active_only) override;

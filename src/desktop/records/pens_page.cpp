@@ -78,7 +78,7 @@ void PensPage::ReadRecord(int id) {
   ShowTexts(record.name, record.description, record.feed_amount);
 }
 
-bool PensPage::StoreRecordOnShow() {
+bool PensPage::StoreCurrentRecord() {
   PenRecord record{.id = Id(),
                    .name = NameText(),
                    .description = DescriptionText(),

@@ -32,7 +32,7 @@ class PensPage final : public RecordFormPage {
 
  protected:
   void ReadRecord(int id) override;
-  bool StoreRecordOnShow() override;
+  bool StoreCurrentRecord() override;
   std::vector<RecordRow> ReadRows(bool active_only) override;
   void Stored() override { CheckPenCapacity(); }
   void AnsweredDefault(ResetOutcome /*outcome*/) override { CheckPenCapacity(); }

@@ -277,7 +277,7 @@ void RecordFormPage::Store() {
   if (!MayWrite()) {
     return;
   }
-  const bool changed = StoreRecordOnShow();
+  const bool changed = StoreCurrentRecord();
   if (changed) {
     ports_.record_changed();
   }

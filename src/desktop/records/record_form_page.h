@@ -76,7 +76,7 @@ class RecordFormPage : public RecordPage {
   // Shows the record as it was read or stored last, without the database.
   virtual void ShowStored();
   // Stores what the boxes hold, and shows what came of it. Returns whether the file had to change.
-  virtual bool StoreRecordOnShow() = 0;
+  virtual bool StoreCurrentRecord() = 0;
   // The fields of the kind alone are left.
   virtual void LeaveOwnFields() {}
   virtual std::vector<RecordRow> ReadRows(bool active_only) = 0;

@@ -103,7 +103,7 @@ SetupForm::SetupForm(const Ports& ports, SetupFacts facts, QWidget* owner)
     view->PassFocusTo(*cmd_ok_);
   }
   connect(tab_setup_folder_, &QTabWidget::currentChanged, this, [this](int tab) { FillTab(tab); });
-  connect(cmd_ok_, &QPushButton::clicked, this, [this] { TakeControls(); });
+  connect(cmd_ok_, &QPushButton::clicked, this, [this] { ApplyControls(); });
 }
 
 QWidget* SetupForm::MakeDatabaseTab() {
@@ -233,15 +233,15 @@ void SetupForm::FillIniFile() {
   }
 }
 
-void SetupForm::TakeControls() {
+void SetupForm::ApplyControls() {
   SetupControls controls;
   controls.system_units = lst_system_uom_->currentIndex();
   module_tab_->Take(controls);
   for (std::size_t i = 0; i < kSetupOptionCount; ++i) {
     controls.options.at(i) = options_.at(i)->isChecked();
   }
-  TakeSetupControls(controls, facts_.recipe_unit, facts_.transaction_unit, ports_.settings,
-                    ports_.op);
+  ApplySetupControls(controls, facts_.recipe_unit, facts_.transaction_unit, ports_.settings,
+                     ports_.op);
   accept();
 }
 

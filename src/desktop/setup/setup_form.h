@@ -66,7 +66,7 @@ class SetupForm : public QDialog {
   void LoadControls();
   void FillTab(int tab);
   void FillIniFile();
-  void TakeControls();
+  void ApplyControls();
 
   Ports ports_;
   SetupFacts facts_;

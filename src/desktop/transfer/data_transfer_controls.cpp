@@ -207,7 +207,7 @@ QLayout* DataTransferControls::LayOutPath(QWidget& page) {
 
 void DataTransferControls::ShowCaptions() { lbl_file_path_->setText(QStringLiteral("Path")); }
 
-void DataTransferControls::Show(const DataTransfer& transfer) {
+void DataTransferControls::Show(const TransferState& transfer) {
   for (QGroupBox* const frame : {frm_recipe_file_, frm_recipe_backup_}) {
     frame->setVisible(transfer.recipe_frames_visible);
   }
@@ -244,7 +244,7 @@ void DataTransferControls::ShowLine(const LineGuard& line) {
   TurnReload();
 }
 
-void DataTransferControls::ShowDataFiles(const DataTransfer& transfer) {
+void DataTransferControls::ShowDataFiles(const TransferState& transfer) {
   const QSignalBlocker silent(lst_data_files);
   if (!Stands(*lst_data_files, transfer.data_files)) {
     lst_data_files->clear();

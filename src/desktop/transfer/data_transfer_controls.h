@@ -27,7 +27,7 @@ class DataTransferControls {
 
   // All but `optConnection`, which stands as the operator left it while a connection begins or
   // ends. Sends no click and no edit.
-  void Show(const DataTransfer& transfer);
+  void Show(const TransferState& transfer);
 
   // Turns off what would start another command while one uses the line.
   void ShowLine(const LineGuard& line);
@@ -53,7 +53,7 @@ class DataTransferControls {
                              const char* suffix, QPushButton*& open, QPushButton*& download);
   QWidget* MakeDataFiles(QWidget& page);
   QLayout* LayOutPath(QWidget& page);
-  void ShowDataFiles(const DataTransfer& transfer);
+  void ShowDataFiles(const TransferState& transfer);
 
   void TurnReload();
 

@@ -39,12 +39,10 @@ void DataTransferPage::Connect() {
     connect(button, &QPushButton::clicked, this, [this, flow] { Run(flow); });
   };
   on(controls_.cmd_download_recipe_to_krm, [this] { session_.DownloadRecipeToKRM(); });
-  on(controls_.cmd_open_recipe_db, [this] { Download(&RecipeDownloadSession::OpenRecipeDB); });
-  on(controls_.cmd_download_recipe_db,
-     [this] { Download(&RecipeDownloadSession::DownloadRecipeDB); });
-  on(controls_.cmd_open_recipe_bu, [this] { Download(&RecipeDownloadSession::OpenRecipeBU); });
-  on(controls_.cmd_download_recipe_bu,
-     [this] { Download(&RecipeDownloadSession::DownloadRecipeBU); });
+  on(controls_.cmd_open_recipe_db, [this] { Download(&DownloadPresenter::OpenRecipeDB); });
+  on(controls_.cmd_download_recipe_db, [this] { Download(&DownloadPresenter::DownloadRecipeDB); });
+  on(controls_.cmd_open_recipe_bu, [this] { Download(&DownloadPresenter::OpenRecipeBU); });
+  on(controls_.cmd_download_recipe_bu, [this] { Download(&DownloadPresenter::DownloadRecipeBU); });
   on(controls_.cmd_upload_data_from_krm, [this] { UploadData(); });
   on(controls_.cmd_save_file, [this] { SaveFile(); });
   on(controls_.cmd_reload, [this] { Reload(); });
@@ -70,7 +68,7 @@ void DataTransferPage::Run(const std::function<void()>& flow) {
   try {
     flow();
   } catch (const std::exception& failure) {
-    TellFailure(ports_.op, "Data Transfer Error", failure);
+    ReportFailure(ports_.op, "Data Transfer Error", failure);
   }
   Show();
 }
@@ -136,7 +134,7 @@ void DataTransferPage::UploadData() {
   const bool from_module = transfer_.connection == Connection::kModule;
   upload_.UploadDataFromKRM();
   if (from_module) {
-    TellCause();
+    ReportCause();
     return;
   }
   if (!transfer_.block_is_cut && transfer_.received.Unsaved()) {
@@ -183,12 +181,12 @@ void DataTransferPage::KeepReceived() {
   }
 }
 
-void DataTransferPage::Download(bool (RecipeDownloadSession::*step)()) {
+void DataTransferPage::Download(bool (DownloadPresenter::*step)()) {
   (session_.*step)();
-  TellCause();
+  ReportCause();
 }
 
-void DataTransferPage::TellCause() {
+void DataTransferPage::ReportCause() {
   if (op_.StatusIsError()) {
     ports_.status.SetStatusCause(ToQString(ports_.krm.KRM_FailureCause()));
   }

@@ -90,8 +90,8 @@ class DataTransferPage final : public MainTabPage, private RecipeDownloadHost {
   void ConnectOnce();
   void UploadData();
   bool Rescue(std::string_view bytes);
-  void Download(bool (RecipeDownloadSession::*step)());
-  void TellCause();
+  void Download(bool (DownloadPresenter::*step)());
+  void ReportCause();
   void Reload();
   void SaveFile();
   void PrintText();
@@ -100,13 +100,13 @@ class DataTransferPage final : public MainTabPage, private RecipeDownloadHost {
   void ShowMemory();
 
   Ports ports_;
-  ShowingOperator op_;
-  DataTransfer transfer_;
+  RefreshingOperator op_;
+  TransferState transfer_;
   ReportFile files_;
   Upload upload_;
   vrx::Download download_;
   DirectConnection direct_;
-  RecipeDownloadSession session_;
+  DownloadPresenter session_;
   DataTransferControls controls_;
   Connection chosen_ = Connection::kModule;  // what `optConnection` stands on
   bool connect_again_ = false;               // the indicator was chosen while its connection ended

@@ -86,7 +86,7 @@ void Show(QLabel& label, const ImportLabel& held) {
 
 }  // namespace
 
-ImportModel::ImportModel(const ImportSession& session, QObject* parent)
+ImportModel::ImportModel(const ImportPresenter& session, QObject* parent)
     : QAbstractTableModel(parent), session_(session) {}
 
 void ImportModel::Reset() {
@@ -144,7 +144,7 @@ int ImportModel::LongestText(int column) const {
   return static_cast<int>(longest);
 }
 
-ImportGrid::ImportGrid(const ImportSession& session, QWidget* parent)
+ImportGrid::ImportGrid(const ImportPresenter& session, QWidget* parent)
     : QTableView(parent), session_(session), model_(new ImportModel(session, this)) {
   setObjectName(QStringLiteral("grdIMPORT"));
   setAccessibleName(QStringLiteral("Imported transactions"));
@@ -314,7 +314,7 @@ void ImportPage::Run(const std::function<void()>& flow) {
   try {
     flow();
   } catch (const std::exception& failure) {
-    TellFailure(ports_.op, "Import Error", failure);
+    ReportFailure(ports_.op, "Import Error", failure);
   }
 }
 

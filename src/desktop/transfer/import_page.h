@@ -23,7 +23,7 @@ class ImportModel : public QAbstractTableModel {
 
  public:
   // The session outlives it.
-  explicit ImportModel(const ImportSession& session, QObject* parent = nullptr);
+  explicit ImportModel(const ImportPresenter& session, QObject* parent = nullptr);
 
   // What the session holds has changed: the grid asks anew.
   void Reset();
@@ -38,7 +38,7 @@ class ImportModel : public QAbstractTableModel {
   int LongestText(int column) const;
 
  private:
-  const ImportSession& session_;
+  const ImportPresenter& session_;
 };
 
 // `grdIMPORT`. Rows are striped in the told colours; a grid without an import says where one comes
@@ -48,7 +48,7 @@ class ImportGrid : public QTableView {
 
  public:
   // The session outlives it.
-  explicit ImportGrid(const ImportSession& session, QWidget* parent = nullptr);
+  explicit ImportGrid(const ImportPresenter& session, QWidget* parent = nullptr);
 
   // Shows what the session holds now.
   void ShowImport();
@@ -61,7 +61,7 @@ class ImportGrid : public QTableView {
   void FitColumns();
   bool Empty() const;
 
-  const ImportSession& session_;
+  const ImportPresenter& session_;
   ImportModel* model_;
 };
 
@@ -97,7 +97,7 @@ class ImportPage final : public MainTabPage, private ImportHost, private Progres
   // The whole import, from the question for a file on.
   void ImportXFile();
 
-  const ImportSession& Session() const { return session_; }
+  const ImportPresenter& Session() const { return session_; }
 
   // The Tab key follows the work: choose a file, look at its rows, store them. Call it once the
   // page is in its window.
@@ -134,7 +134,7 @@ class ImportPage final : public MainTabPage, private ImportHost, private Progres
   void Run(const std::function<void()>& flow);
 
   Ports ports_;
-  ImportSession session_;
+  ImportPresenter session_;
   ImportGrid* grd_import_;
   QLabel* lbl_trans_filename_ = nullptr;
   QLabel* lbl_trans_uom_ = nullptr;

@@ -39,7 +39,7 @@ TEST(CaptionText, HasRowsFrom1000To1134Alone) {
   EXPECT_EQ(rows, 90);
 }
 
-TEST(CaptionText, TellsOneWebAddressEverywhere) {
+TEST(CaptionText, ReportsOneWebAddressEverywhere) {
   ASSERT_TRUE(CaptionText(1116));
   EXPECT_EQ(CaptionText(1084), CaptionText(1116));
   EXPECT_EQ(CaptionText(1126), CaptionText(1116));

@@ -6,14 +6,14 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
-#include "desktop/records/record_pages_site.h"
+#include "desktop/records/record_pages_fixture.h"
 
 namespace vrx::testing {
 namespace {
 
 using ::testing::SizeIs;
 
-class RecordTabsTest : public RecordPagesSite {
+class RecordTabsTest : public RecordPagesFixture {
  protected:
   int RecordNumber() { return Text(u"lblRecordNumber"_qs).toInt(); }
   void MoveFirst() { Press("cmdNavigate(0)"); }
@@ -76,7 +76,7 @@ TEST_F(RecordTabsTest, NavigatingGivesANamedRecordItsDescription) {
   EXPECT_EQ(ReadPen(Database(), 9).description, "A09");
 }
 
-TEST_F(RecordTabsTest, ButtonsWorkOnTheTabOnShow) {
+TEST_F(RecordTabsTest, ButtonsWorkOnTheTabShown) {
   Enter(kTabIngredients);
   ChooseIn("cboIngID", kHay);
   Window().Tabs().SelectTab(kTabPens);
@@ -196,17 +196,17 @@ TEST_F(RecordTabsTest, LoadingTheListsShowsInTheStatusPanel) {
   NotingWindow window(settings_, calendar_);
   GeneralDelay delay(pump_);
   DatabaseIdentity identity(operator_, calendar_, settings_);
-  DatabaseLifecycle databases({.op = operator_,
-                               .files = chooser_,
-                               .system = system_,
-                               .app_folder = *app_folder_,
-                               .settings = settings_,
-                               .calendar = calendar_,
-                               .identity = identity,
-                               .delay = delay,
-                               .commands = window.Commands(),
-                               .tabs = window.Tabs(),
-                               .window = window});
+  DatabaseCommands databases({.op = operator_,
+                              .files = chooser_,
+                              .system = system_,
+                              .app_folder = *app_folder_,
+                              .settings = settings_,
+                              .calendar = calendar_,
+                              .identity = identity,
+                              .delay = delay,
+                              .commands = window.Commands(),
+                              .tabs = window.Tabs(),
+                              .window = window});
   const RecordTabs records({.feed = {.op = operator_,
                                      .settings = settings_,
                                      .calendar = calendar_,

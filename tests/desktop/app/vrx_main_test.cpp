@@ -9,7 +9,7 @@
 #include <gmock/gmock.h>
 
 #include "desktop/app/main_form.h"
-#include "desktop/main_window/main_window_site.h"
+#include "desktop/main_window/main_window_fixture.h"
 
 namespace vrx::testing {
 namespace {
@@ -17,7 +17,7 @@ namespace {
 using ::testing::ElementsAre;
 using ::testing::IsEmpty;
 
-class VrxMainTest : public MainWindowSite {
+class VrxMainTest : public MainWindowFixture {
  protected:
   // Both options on, and the files of the last run.
   void KeepRecent() {

@@ -15,7 +15,7 @@
 #include "base/files.h"
 #include "database/connection.h"
 #include "database/summary.h"
-#include "desktop/main_window/main_window_site.h"
+#include "desktop/main_window/main_window_fixture.h"
 #include "desktop/next_modal.h"
 
 namespace vrx::testing {
@@ -26,7 +26,7 @@ using ::testing::HasSubstr;
 using ::testing::SizeIs;
 using ::testing::StartsWith;
 
-class ConversionTest : public MainWindowSite {
+class ConversionTest : public MainWindowFixture {
  protected:
   ConversionTest() {
     fs::create_symlink(fs::path(VRX_BIN_DIR) / "vrx2260jet", program_ / "vrx2260jet");

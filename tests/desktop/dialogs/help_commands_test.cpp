@@ -4,14 +4,14 @@
 #include <gtest/gtest.h>
 
 #include "desktop/dialogs/about_and_splash.h"
-#include "desktop/main_window/main_window_site.h"
+#include "desktop/main_window/main_window_fixture.h"
 #include "desktop/next_modal.h"
 #include "support/fake_operating_system.h"
 
 namespace vrx::testing {
 namespace {
 
-class HelpMenu : public MainWindowSite {
+class HelpMenu : public MainWindowFixture {
  protected:
   void SetUp() override {
     SetHelpHandlers(Window(), system_, os_, operator_);

@@ -6,7 +6,7 @@
 
 #include <gmock/gmock.h>
 
-#include "desktop/history/history_site.h"
+#include "desktop/history/history_fixture.h"
 #include "history/data_group.h"
 #include "support/program.h"
 
@@ -25,7 +25,7 @@ std::string ReadAll(const fs::path& path) {
   return {std::istreambuf_iterator<char>(file), {}};
 }
 
-class ExportPageTest : public HistorySite {
+class ExportPageTest : public HistoryFixture {
  protected:
   ExportPageTest() {
     fs::copy(fs::path(VRX_BIN_DIR) / "XSL", program_ / "XSL", fs::copy_options::recursive);
@@ -170,7 +170,7 @@ TEST_F(ExportPageTest, ResetEmptiesTheFieldsAndSetsCsv) {
   EXPECT_TRUE(Find<QAbstractButton>(u"optCSV"_qs).isChecked());
 }
 
-TEST_F(ExportPageTest, TheTabKeepsItsFieldsWhileAnotherIsOnShow) {
+TEST_F(ExportPageTest, TheTabKeepsItsFieldsWhileAnotherIsShown) {
   ShowExport(0);
   Type(u"txtFName"_qs, u"DAY"_qs);
   Click(u"optHTML"_qs);
@@ -282,7 +282,8 @@ TEST_F(ExportPageTest, AColumnThatWasMovedByHandChangesTheOrderOfTheFile) {
 
 class ExportPageBytes : public ExportPageTest, public ::testing::WithParamInterface<int> {
  protected:
-  std::string Told(const DataGroup& group, const std::string& name, const std::string& format) {
+  std::string Specified(const DataGroup& group, const std::string& name,
+                        const std::string& format) {
     const fs::path file = folder_ / ("told." + format);
     std::vector<std::string> words{"--data-dir", (folder_ / "ctl").string(),
                                    "export",     Transactions().string(),
@@ -321,7 +322,7 @@ TEST_P(ExportPageBytes, AreThoseOfTheCommandLineTool) {
     EXPECT_EQ(OnlyBox(), kDone);
     const std::string bytes = ReadAll(out_ / (std::string("DAY.") + format));
     EXPECT_THAT(bytes, Not(IsEmpty()));
-    EXPECT_EQ(bytes, Told(group, name, format)) << format;
+    EXPECT_EQ(bytes, Specified(group, name, format)) << format;
   }
 }
 

@@ -2,7 +2,7 @@
 #include <gmock/gmock.h>
 
 #include "database/identity.h"
-#include "desktop/history/history_site.h"
+#include "desktop/history/history_fixture.h"
 #include "history/data_group.h"
 
 namespace vrx::testing {
@@ -11,7 +11,7 @@ namespace {
 using ::testing::ElementsAre;
 using ::testing::StartsWith;
 
-class HistoryPageDatabases : public HistorySite {
+class HistoryPageDatabases : public HistoryFixture {
  protected:
   std::string EmptyText() { return Grid().accessibleDescription().toStdString(); }
 };
@@ -53,7 +53,7 @@ TEST_F(HistoryPageDatabases, AGroupByNameWithoutADescribedRecordSaysSo) {
 }
 
 // A store ends with a save, which binds the database anew.
-TEST_F(HistoryPageDatabases, WhatIsStoredWhileTheTabIsOnShowIsSeenAfterTheSave) {
+TEST_F(HistoryPageDatabases, WhatIsStoredWhileTheTabIsShownIsSeenAfterTheSave) {
   ShowTab();
   Alter(Transactions(),
         "INSERT INTO Transactions ([Transaction], Recipe, Type, Target, ActualBatch, ActualFeed) "

@@ -1,6 +1,6 @@
 #include <gmock/gmock.h>
 
-#include "desktop/history/history_site.h"
+#include "desktop/history/history_fixture.h"
 
 namespace vrx::testing {
 namespace {
@@ -11,7 +11,7 @@ using ::testing::HasSubstr;
 using ::testing::Not;
 using ::testing::StartsWith;
 
-class HistoryPageGrid : public HistorySite {};
+class HistoryPageGrid : public HistoryFixture {};
 
 // Groups that open and close, and the strip of headers.
 

@@ -1,7 +1,7 @@
 #include <gmock/gmock.h>
 
 #include "database/records.h"
-#include "desktop/history/history_site.h"
+#include "desktop/history/history_fixture.h"
 #include "history/data_group.h"
 
 namespace vrx::testing {
@@ -18,10 +18,10 @@ QString NameFor(const DataGroup& group) {
   return group.named_column == "Ingredient" ? u"CORN"_qs : u"A02"_qs;
 }
 
-class HistoryPageGroups : public HistorySite, public ::testing::WithParamInterface<int> {
+class HistoryPageGroups : public HistoryFixture, public ::testing::WithParamInterface<int> {
  protected:
   // What the logic shows of the same files, with the columns in the order that group 0 leaves.
-  HistoryGrid Told(SQLite::Database& transactions, const DataGroup& group) {
+  HistoryGrid Specified(SQLite::Database& transactions, const DataGroup& group) {
     HistoryGrid grid(transactions);
     SQLite::Database recipes = OpenDatabase(Recipes(), Access::kRead);
     grid.RefreshIngredientColumns(ReadIngredients(recipes));
@@ -34,7 +34,7 @@ class HistoryPageGroups : public HistorySite, public ::testing::WithParamInterfa
 TEST_P(HistoryPageGroups, ShowRowsBlanksTotalsAndColumnsAsTheLogicAnswers) {
   const DataGroup& group = *FindDataGroup(GetParam());
   SQLite::Database transactions = OpenDatabase(Transactions(), Access::kRead);
-  HistoryGrid told = Told(transactions, group);
+  HistoryGrid told = Specified(transactions, group);
   ShowTab();
   ChooseGroup(GetParam());
   if (!group.named_column.empty()) {
@@ -56,7 +56,7 @@ INSTANTIATE_TEST_SUITE_P(AllThirteen, HistoryPageGroups, ::testing::Range(0, kDa
 
 // By hand.
 
-class HistoryPageRows : public HistorySite {};
+class HistoryPageRows : public HistoryFixture {};
 
 TEST_F(HistoryPageRows, TransactionsAllShowEveryRecordWithItsIngredients) {
   ShowTab();

@@ -5,7 +5,7 @@
 
 #include <gmock/gmock.h>
 
-#include "desktop/history/history_site.h"
+#include "desktop/history/history_fixture.h"
 
 namespace vrx::testing {
 namespace {
@@ -15,7 +15,7 @@ using ::testing::ElementsAre;
 using ::testing::IsEmpty;
 using ::testing::Not;
 
-class HistoryPageTest : public HistorySite {
+class HistoryPageTest : public HistoryFixture {
  protected:
   static std::vector<std::string> Items(const QComboBox& list) {
     std::vector<std::string> items;
@@ -207,7 +207,7 @@ TEST_F(HistoryPageTest, TheBoxesStandBesideTheChoicesWhereThereIsRoomElseBelow) 
 
 // For the printed page.
 
-TEST_F(HistoryPageTest, TellsWhatIsOnShowAndWhetherItFitsThePage) {
+TEST_F(HistoryPageTest, ReportsWhatIsOnShowAndWhetherItFitsThePage) {
   ShowTab();
   auto& page = Find<HistoryPage>(u"pageBatchedFed"_qs);
   EXPECT_FALSE(page.FitAllColumns());

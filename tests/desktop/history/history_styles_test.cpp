@@ -4,8 +4,8 @@
 #include <gmock/gmock.h>
 
 #include "desktop/dialogs/about_and_splash.h"
+#include "desktop/history/history_fixture.h"
 #include "desktop/history/history_painting.h"
-#include "desktop/history/history_site.h"
 #include "widgets/drawing.h"
 #include "widgets/layout.h"
 
@@ -87,7 +87,7 @@ TEST(HistoryStylesTest, EveryTextCanBeReadInADarkPalette) {
 
 // What is really drawn.
 
-class HistoryDrawing : public HistorySite {
+class HistoryDrawing : public HistoryFixture {
  protected:
   QColor At(const QImage& picture, const QPoint& point) {
     return picture.pixelColor(point * picture.devicePixelRatio());

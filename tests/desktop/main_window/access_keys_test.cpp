@@ -11,7 +11,7 @@
 
 #include <gmock/gmock.h>
 
-#include "desktop/main_window/main_window_site.h"
+#include "desktop/main_window/main_window_fixture.h"
 
 namespace vrx::testing {
 namespace {
@@ -56,7 +56,7 @@ KeyOwners Clashes(KeyOwners keys) {
   return keys;
 }
 
-class AccessKeys : public MainWindowSite {
+class AccessKeys : public MainWindowFixture {
  protected:
   AccessKeys() { settings_.SetEnableBeeperOn(false); }
 
@@ -117,7 +117,7 @@ TEST_F(AccessKeys, AreFoundOnTheImportTab) {
   EXPECT_EQ(keys.at("Alt+P"), Owners{"chkImpFitPage"});
 }
 
-class ImportTabOrder : public MainWindowSite {
+class ImportTabOrder : public MainWindowFixture {
  protected:
   ImportTabOrder() { settings_.SetEnableBeeperOn(false); }
 

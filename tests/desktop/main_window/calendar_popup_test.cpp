@@ -3,12 +3,12 @@
 #include <QTabBar>
 #include <QTest>
 
-#include "desktop/main_window/main_window_site.h"
+#include "desktop/main_window/main_window_fixture.h"
 
 namespace vrx::testing {
 namespace {
 
-class CalendarPopupTest : public MainWindowSite {
+class CalendarPopupTest : public MainWindowFixture {
  protected:
   void SetUp() override {
     Show();

@@ -5,7 +5,7 @@
 
 #include <gmock/gmock.h>
 
-#include "desktop/main_window/main_window_site.h"
+#include "desktop/main_window/main_window_fixture.h"
 #include "desktop/main_window/status_bar.h"
 
 namespace vrx::testing {
@@ -13,7 +13,7 @@ namespace {
 
 using ::testing::ElementsAre;
 
-class MainWindowDatabasesTest : public MainWindowSite {
+class MainWindowDatabasesTest : public MainWindowFixture {
  protected:
   std::vector<std::string> Panels(const QString& bar) {
     std::vector<std::string> panels;

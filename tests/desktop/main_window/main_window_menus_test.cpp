@@ -9,7 +9,7 @@
 
 #include <gmock/gmock.h>
 
-#include "desktop/main_window/main_window_site.h"
+#include "desktop/main_window/main_window_fixture.h"
 #include "desktop/main_window/menus_and_toolbar.h"
 
 namespace vrx::testing {
@@ -18,7 +18,7 @@ namespace {
 using ::testing::ElementsAre;
 using enum MainCommand;
 
-struct Told {
+struct Specified {
   const char* name;
   const char* caption;  // "-" for a separator
   const char* menu;     // the menu it stands in
@@ -26,7 +26,7 @@ struct Told {
 };
 
 // In the order of the screen.
-constexpr auto kTold = std::to_array<Told>({
+constexpr auto kSpecified = std::to_array<Specified>({
     {"mnuFile", "&File", "", kNone},
     {"mnuFileNew", "&New...", "mnuFile", kNone},
     {"mnuFileNewRecipeDB", "Recipe Database", "mnuFileNew", kNewRecipeDatabase},
@@ -77,11 +77,11 @@ constexpr auto kTold = std::to_array<Told>({
     {"mnuHelpAbout", "&About...", "mnuHelp", kAbout},
 });
 
-class MainMenusTest : public MainWindowSite {
+class MainMenusTest : public MainWindowFixture {
  protected:
   // Lets every command be chosen, and keeps which one was.
   void KeepChosen() {
-    for (const Told& told : kTold) {
+    for (const Specified& told : kSpecified) {
       if (told.command != kNone) {
         Window().SetHandler(told.command,
                             [this, command = told.command] { chosen_.push_back(command); });
@@ -108,8 +108,8 @@ class MainMenusTest : public MainWindowSite {
 
 TEST_F(MainMenusTest, StandAsTold) {
   std::vector<std::string> told;
-  told.reserve(kTold.size());
-  for (const Told& row : kTold) {
+  told.reserve(kSpecified.size());
+  for (const Specified& row : kSpecified) {
     told.push_back(std::string(row.name) + " " + row.caption + " in " + row.menu);
   }
   std::vector<std::string> rows;
@@ -120,7 +120,7 @@ TEST_F(MainMenusTest, StandAsTold) {
 TEST_F(MainMenusTest, EveryItemCallsItsCommandOnce) {
   Main();
   KeepChosen();
-  for (const Told& told : kTold) {
+  for (const Specified& told : kSpecified) {
     if (told.command != kNone) {
       SCOPED_TRACE(told.name);
       chosen_.clear();
@@ -134,7 +134,7 @@ TEST_F(MainMenusTest, ACommandThatLeadsNowhereCannotBeChosen) {
   CommandActions actions;
   QMenuBar bar;
   BuildMenus(bar, actions);
-  for (const Told& told : kTold) {
+  for (const Specified& told : kSpecified) {
     if (told.command != kNone) {
       EXPECT_FALSE(bar.findChild<QAction*>(QLatin1String(told.name))->isEnabled()) << told.name;
     }

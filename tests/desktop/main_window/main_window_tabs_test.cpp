@@ -9,7 +9,7 @@
 
 #include <gmock/gmock.h>
 
-#include "desktop/main_window/main_window_site.h"
+#include "desktop/main_window/main_window_fixture.h"
 #include "desktop/main_window/tabs.h"
 #include "widgets/drawing.h"
 
@@ -41,7 +41,7 @@ class DiaryPage : public MainTabPage {
   std::vector<std::string>& diary_;
 };
 
-class MainTabsTest : public MainWindowSite {
+class MainTabsTest : public MainWindowFixture {
  protected:
   void AllOn() {
     Window().Commands().EnableRecipeCommands();
@@ -173,7 +173,7 @@ TEST_F(MainTabsTest, APageKeepsTheTabsStateCaptionAndPlace) {
   EXPECT_THAT(diary_, IsEmpty());
 }
 
-TEST_F(MainTabsTest, TheTabOnShowStaysWhenItGoesOff) {
+TEST_F(MainTabsTest, TheTabShownStaysWhenItGoesOff) {
   ReplacePage(kTabRecipes, new DiaryPage("recipes", diary_));
   Main();
   AllOn();
@@ -192,7 +192,7 @@ TEST_F(MainTabsTest, ATabThatIsOffCannotBeClicked) {
   EXPECT_EQ(Tabs().currentIndex(), kTabDataTransfer);
 }
 
-TEST_F(MainTabsTest, SelectTabBringsATabOnShowThatWasOffAndTurnsItOn) {
+TEST_F(MainTabsTest, SelectTabBringsATabShownThatWasOffAndTurnsItOn) {
   Main();
   Window().Tabs().SelectTab(kTabPens);
   EXPECT_EQ(Tabs().currentIndex(), kTabPens);
@@ -216,7 +216,7 @@ TEST_F(MainTabsTest, ArrowKeysGoFromTabToTab) {
   AllOn();
   Tabs().tabBar()->setFocus();
   QTest::keyClick(Tabs().tabBar(), Qt::Key_Right);
-  EXPECT_EQ(Window().Tabs().TabOnShow(), kTabBatchedFed);
+  EXPECT_EQ(Window().Tabs().CurrentTab(), kTabBatchedFed);
   EXPECT_EQ(Panels(), Names{});
 }
 

@@ -4,7 +4,7 @@
 
 #include <gmock/gmock.h>
 
-#include "desktop/main_window/main_window_site.h"
+#include "desktop/main_window/main_window_fixture.h"
 
 namespace vrx::testing {
 namespace {
@@ -12,7 +12,7 @@ namespace {
 using ::testing::ElementsAre;
 using ::testing::IsEmpty;
 
-class MainWindowTest : public MainWindowSite {};
+class MainWindowTest : public MainWindowFixture {};
 
 TEST_F(MainWindowTest, OpensWithTheDataTransferTabAndBothDatabasesClosed) {
   EXPECT_EQ(Window().windowTitle(), u"VRX-2260 Transfer Data Software"_qs);

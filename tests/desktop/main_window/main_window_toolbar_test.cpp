@@ -10,7 +10,7 @@
 
 #include <gmock/gmock.h>
 
-#include "desktop/main_window/main_window_site.h"
+#include "desktop/main_window/main_window_fixture.h"
 #include "desktop/main_window/menus_and_toolbar.h"
 
 namespace vrx::testing {
@@ -20,21 +20,21 @@ using ::testing::ElementsAre;
 using ::testing::IsEmpty;
 using enum MainCommand;
 
-struct ToldItem {
+struct SpecifiedItem {
   const char* text;
   MainCommand command;
 };
 
-struct Told {
+struct Specified {
   const char* key;
   const char* tool_tip;
   MainCommand command;
-  std::vector<ToldItem> items = {};
+  std::vector<SpecifiedItem> items = {};
 };
 
 // In the order of the screen.
-const std::vector<Told>& ToldButtons() {
-  static const std::vector<Told> told{
+const std::vector<Specified>& SpecifiedButtons() {
+  static const std::vector<Specified> told{
       {"New dB",
        "New Database",
        kNone,
@@ -56,7 +56,7 @@ const std::vector<Told>& ToldButtons() {
   return told;
 }
 
-class MainToolBarTest : public MainWindowSite {
+class MainToolBarTest : public MainWindowFixture {
  protected:
   QToolButton& Button(const char* key) { return Find<QToolButton>(QLatin1String(key)); }
 
@@ -86,7 +86,7 @@ TEST_F(MainToolBarTest, HasTheToldButtonsInOrderWithTheirTooltips) {
     }
   }
   std::vector<std::string> told_keys;
-  for (const Told& told : ToldButtons()) {
+  for (const Specified& told : SpecifiedButtons()) {
     told_keys.emplace_back(told.key);
     EXPECT_EQ(Button(told.key).toolTip(), QLatin1String(told.tool_tip));
     EXPECT_FALSE(Button(told.key).icon().isNull()) << told.key;
@@ -97,7 +97,7 @@ TEST_F(MainToolBarTest, HasTheToldButtonsInOrderWithTheirTooltips) {
 TEST_F(MainToolBarTest, EveryButtonCallsItsCommandAndADropDownNothing) {
   Main();
   KeepChosen();
-  for (const Told& told : ToldButtons()) {
+  for (const Specified& told : SpecifiedButtons()) {
     SCOPED_TRACE(told.key);
     chosen_.clear();
     QToolButton& button = Button(told.key);
@@ -115,7 +115,7 @@ TEST_F(MainToolBarTest, EveryButtonCallsItsCommandAndADropDownNothing) {
 TEST_F(MainToolBarTest, DropDownItemsCarryTheWork) {
   Main();
   KeepChosen();
-  for (const Told& told : ToldButtons()) {
+  for (const Specified& told : SpecifiedButtons()) {
     const QMenu* const menu = Button(told.key).defaultAction()->menu();
     const QList<QAction*> items = menu == nullptr ? QList<QAction*>() : menu->actions();
     ASSERT_EQ(static_cast<std::size_t>(items.size()), told.items.size()) << told.key;
@@ -149,7 +149,7 @@ TEST_F(MainToolBarTest, TakesNoFocusByAClick) {
   Main();
   KeepChosen();
   Tabs().tabBar()->setFocus();
-  for (const Told& told : ToldButtons()) {
+  for (const Specified& told : SpecifiedButtons()) {
     EXPECT_EQ(Button(told.key).focusPolicy(), Qt::NoFocus);
     QTest::mouseClick(&Button(told.key), Qt::LeftButton, {}, QPoint(8, 8));
     EXPECT_TRUE(Tabs().tabBar()->hasFocus()) << told.key;
@@ -158,7 +158,7 @@ TEST_F(MainToolBarTest, TakesNoFocusByAClick) {
 
 TEST_F(MainToolBarTest, AScreenReaderTellsWhatEachButtonDoes) {
   Main();
-  for (const Told& told : ToldButtons()) {
+  for (const Specified& told : SpecifiedButtons()) {
     QAccessibleInterface* const heard = QAccessible::queryAccessibleInterface(&Button(told.key));
     ASSERT_NE(heard, nullptr);
     EXPECT_EQ(heard->text(QAccessible::Name), QLatin1String(told.tool_tip));
@@ -202,7 +202,7 @@ TEST_F(MainToolBarTest, ASettingThatCannotBeWrittenIsTold) {
   EXPECT_EQ(settings_.AutoAbbreviateOn(), Button("Abbreviate").isChecked());
 }
 
-TEST_F(MainToolBarTest, TellsOfTheTransferAtItsRightEnd) {
+TEST_F(MainToolBarTest, ReportsOfTheTransferAtItsRightEnd) {
   settings_.SetBatchTargetWtIsRecTargetOn(true);
   Show();
   EXPECT_EQ(Text(u"lblXfr"_qs), u"Transfer"_qs);

@@ -12,7 +12,7 @@
 #include <gmock/gmock.h>
 
 #include "database/records.h"
-#include "desktop/history/history_site.h"
+#include "desktop/history/history_fixture.h"
 #include "desktop/next_modal.h"
 #include "feed/recipe_columns.h"
 #include "history/data_group.h"
@@ -44,7 +44,7 @@ constexpr const char* kFile =
     "[FED],B,1,12,2,0915,01152009,750.0,748.5\r\n"
     "\r\n";
 
-class PrintCommandsTest : public HistorySite {
+class PrintCommandsTest : public HistoryFixture {
  protected:
   // No printer of this machine is seen.
   PrintCommandsTest() { qputenv("CUPS_SERVER", "/nowhere"); }
@@ -99,7 +99,7 @@ class PrintCommandsTest : public HistorySite {
   }
 
   // What the command line tool prints of the same, but for today's date.
-  Pages Told(const std::vector<std::string>& words) {
+  Pages Specified(const std::vector<std::string>& words) {
     const fs::path pdf = folder_ / "told.pdf";
     std::vector<std::string> args{"--data-dir", (folder_ / "ctl").string(), "print"};
     args.insert(args.end(), words.begin(), words.end());
@@ -163,18 +163,18 @@ TEST_F(PrintCommandsTest, TheCommandLineToolPrintsTheSamePages) {
   ShowTab();
   GoToTab(kTabIngredients);
   Find<QAbstractButton>(u"chkShowActiveIngsOnly"_qs).setChecked(true);
-  EXPECT_EQ(WithoutDate(Print()), Told({"ingredients", Recipes().string()}));
+  EXPECT_EQ(WithoutDate(Print()), Specified({"ingredients", Recipes().string()}));
   GoToTab(kTabPens);
   Find<QAbstractButton>(u"chkShowActivePensOnly"_qs).setChecked(false);
-  EXPECT_EQ(WithoutDate(Print()), Told({"pens", Recipes().string(), "--all"}));
+  EXPECT_EQ(WithoutDate(Print()), Specified({"pens", Recipes().string(), "--all"}));
   settings_.SetPrintCurrentRecipeOnlyOn(false);
   operator_.answers = {Answer::kYes};
-  EXPECT_EQ(WithoutDate(PrintTab(kTabRecipes)), Told({"recipes", Recipes().string()}));
+  EXPECT_EQ(WithoutDate(PrintTab(kTabRecipes)), Specified({"recipes", Recipes().string()}));
 }
 
 // Recipes.
 
-TEST_F(PrintCommandsTest, TheRecipeOnShowPrintsWithItsTotals) {
+TEST_F(PrintCommandsTest, TheRecipeShownPrintsWithItsTotals) {
   AddRecipe(1, "W", 2);
   settings_.SetPrintCurrentRecipeOnlyOn(true);
   ShowTab();
@@ -213,7 +213,7 @@ TEST_F(PrintCommandsTest, ARecipeWithoutTypePrintsTotalsAndNothingBelow) {
   EXPECT_THAT(pages[0], Not(Contains(HasSubstr(" = "))));
 }
 
-TEST_F(PrintCommandsTest, ARecipeOnShowWithoutLinesIsRefused) {
+TEST_F(PrintCommandsTest, ARecipeShownWithoutLinesIsRefused) {
   settings_.SetPrintCurrentRecipeOnlyOn(true);
   ShowTab();
   GoToTab(kTabRecipes);
@@ -319,7 +319,7 @@ class WalkWatch : public QObject {
   std::function<void()> look_;
 };
 
-TEST_F(PrintAllRecipes, TheGridGivesWayToTheWalkAndComesBackWithTheRecipeOnShow) {
+TEST_F(PrintAllRecipes, TheGridGivesWayToTheWalkAndComesBackWithTheRecipeShown) {
   AddRecipe(1, "W", 2);
   AddRecipe(2, "H", 1);
   ShowTab();
@@ -366,18 +366,18 @@ TEST_P(PrintOfGroup, IsThatOfTheCommandLineTool) {
     return WithoutDate(Print());
   }();
   EXPECT_EQ(open_pages.at(0).at(0), "Report: " + std::string(group.item) + " Weight Units: LB");
-  EXPECT_EQ(open_pages, Told(words));
+  EXPECT_EQ(open_pages, Specified(words));
   ExpandAll(false);
   Click(u"chkBatFitPage"_qs);
   words.insert(words.end(), {"--collapsed", "--fit"});
-  EXPECT_EQ(WithoutDate(Print()), Told(words));
+  EXPECT_EQ(WithoutDate(Print()), Specified(words));
 }
 
 // The order of the columns of group 10 is the one that the group before has left.
 INSTANTIATE_TEST_SUITE_P(OfEveryGroup, PrintOfGroup,
                          ::testing::Values(0, 1, 2, 3, 4, 5, 6, 7, 8, 9, 11, 12));
 
-TEST_F(PrintCommandsTest, GroupTenPrintsItsColumnsInTheOrderOnShow) {
+TEST_F(PrintCommandsTest, GroupTenPrintsItsColumnsInTheOrderShown) {
   ShowTab();
   ChooseGroup(9);
   ChooseGroup(10);

@@ -5,7 +5,7 @@
 #include <QToolButton>
 #include <random>
 
-#include "desktop/recipes/recipes_site.h"
+#include "desktop/recipes/recipes_fixture.h"
 #include "feed/ration_model.h"
 #include "feed/recipe_columns.h"
 #include "report/reports.h"
@@ -17,7 +17,7 @@ using ::testing::Each;
 using ::testing::ElementsAre;
 using ::testing::HasSubstr;
 
-class RecipeFigures : public RecipesSite {
+class RecipeFigures : public RecipesFixture {
  protected:
   // A recipe by weight, two lines entered by keys: the grid rests on its idle entry row.
   void EnterTwoLines() {
@@ -55,10 +55,10 @@ class RecipeFigures : public RecipesSite {
   void ExpectPrinted(int recipe) {
     ExpectPage(ReadRecipeToPrint(Database(), recipe), recipe);
     if (page_->Position() == recipe) {
-      ExpectPage(*page_->OnShow(), recipe);
+      ExpectPage(*page_->Current(), recipe);
     }
   }
-  void ExpectPage(const RecipeOnShow& printed, int recipe) {
+  void ExpectPage(const CurrentRecipe& printed, int recipe) {
     const auto expected = Expected(recipe);
     ASSERT_TRUE(expected.has_value());
     const Report page = RecipeReport(printed, {}, {});
@@ -241,7 +241,7 @@ TEST_F(RecipeFigures, AShareShowsTwoDecimalsHoweverItIsStored) {
   AddByKeys("OATS", "32.5");
   EXPECT_EQ(Cell(2, kColumnIngredientPercent), "32.50");
   EXPECT_EQ(ReadRecipeLines(Database(), kByPercent).at(2).ingredient_percent, "32.50");
-  EXPECT_EQ(RecipeReport(*page_->OnShow(), {}, {}).rows->Row(1).cells.at(1), "60.00");
+  EXPECT_EQ(RecipeReport(*page_->Current(), {}, {}).rows->Row(1).cells.at(1), "60.00");
 }
 
 // Any order.
@@ -251,12 +251,12 @@ class AnyOrderOfEvents : public RecipeFigures, public ::testing::WithParamInterf
   int Number(int low, int high) { return std::uniform_int_distribution<int>(low, high)(random_); }
 
   std::string Amount() {
-    return page_->BatchTypeOnShow() == "P"
+    return page_->CurrentBatchType() == "P"
                ? std::to_string(Number(0, 99)) + "." + std::to_string(Number(0, 99))
                : std::to_string(Number(0, 99999));
   }
   RecipeColumn Entered() {
-    return page_->BatchTypeOnShow() == "P" ? kColumnIngredientPercent : kColumnTarget;
+    return page_->CurrentBatchType() == "P" ? kColumnIngredientPercent : kColumnTarget;
   }
 
   void InTheGrid() {
@@ -310,8 +310,8 @@ class AnyOrderOfEvents : public RecipeFigures, public ::testing::WithParamInterf
         return ClickButton("cmdDeleteIng");
       case 1:
         // A moved share stays at its place, and the as-fed weights no longer follow from it.
-        return page_->BatchTypeOnShow() == "P" ? ClickButton("cmdDeleteIng")
-                                               : ClickButton("UpDown1.Up");
+        return page_->CurrentBatchType() == "P" ? ClickButton("cmdDeleteIng")
+                                                : ClickButton("UpDown1.Up");
       case 2:
         return page_->UpdateRecord();
       case 3:
@@ -372,7 +372,7 @@ TEST_P(AnyOrderOfEvents, LeavesTheFiguresOnTheScreenInTheFileAndOnPaperAlike) {
   for (int step = 0; step < 120; ++step) {
     Step();
     for (int recipe = kByWeight; recipe <= kByPercent; ++recipe) {
-      const bool composed = page_->Position() == recipe && page_->OnShow()->EntryPending();
+      const bool composed = page_->Position() == recipe && page_->Current()->EntryPending();
       if (!composed) {
         ExpectFigures(recipe);
         ++compared;

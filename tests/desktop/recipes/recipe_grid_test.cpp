@@ -5,7 +5,7 @@
 #include <QTableView>
 #include <QTest>
 
-#include "desktop/recipes/recipes_site.h"
+#include "desktop/recipes/recipes_fixture.h"
 #include "feed/recipe_columns.h"
 
 namespace vrx::testing {
@@ -16,7 +16,7 @@ using ::testing::ElementsAre;
 using ::testing::IsEmpty;
 using ::testing::SizeIs;
 
-class RecipeGridTest : public RecipesSite {
+class RecipeGridTest : public RecipesFixture {
  protected:
   void EnterOn(int recipe) {
     Enter();

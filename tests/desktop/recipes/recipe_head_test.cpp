@@ -3,7 +3,7 @@
 #include <QApplication>
 #include <QClipboard>
 
-#include "desktop/recipes/recipes_site.h"
+#include "desktop/recipes/recipes_fixture.h"
 #include "feed/recipe_columns.h"
 
 namespace vrx::testing {
@@ -13,7 +13,7 @@ using ::testing::Contains;
 using ::testing::ElementsAre;
 using ::testing::SizeIs;
 
-class RecipeHeadTest : public RecipesSite {};
+class RecipeHeadTest : public RecipesFixture {};
 
 // The lists.
 
@@ -42,7 +42,7 @@ TEST_F(RecipeHeadTest, AClickInTheListShowsTheRecipe) {
   EXPECT_TRUE(Enabled("txtRecHeadCount"));
 }
 
-TEST_F(RecipeHeadTest, TheBlankItemGoesBackToTheRecipeOnShow) {
+TEST_F(RecipeHeadTest, TheBlankItemGoesBackToTheRecipeShown) {
   Enter();
   Show(7);
   Choose("cboRecID", 0);

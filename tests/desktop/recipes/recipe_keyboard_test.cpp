@@ -1,4 +1,4 @@
-#include "desktop/recipes/recipes_site.h"
+#include "desktop/recipes/recipes_fixture.h"
 
 namespace vrx::testing {
 namespace {
@@ -7,7 +7,7 @@ using ::testing::ElementsAre;
 using ::testing::IsEmpty;
 using ::testing::SizeIs;
 
-class RecipeByKeys : public RecipesSite {
+class RecipeByKeys : public RecipesFixture {
  protected:
   RecipeByKeys() { Enter(); }
 

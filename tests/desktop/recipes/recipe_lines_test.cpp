@@ -6,7 +6,7 @@
 
 #include <sqlite3.h>
 
-#include "desktop/recipes/recipes_site.h"
+#include "desktop/recipes/recipes_fixture.h"
 #include "feed/recipe_columns.h"
 
 namespace vrx::testing {
@@ -36,7 +36,7 @@ class CommitHook {
 };
 
 // The lines of a recipe by weight, and what they looked like at each painting.
-class RecipeLinesTest : public RecipesSite {
+class RecipeLinesTest : public RecipesFixture {
  protected:
   void SetUp() override {
     AddCornHaySupplement(kByWeight);

@@ -6,7 +6,7 @@
 
 #include "database/connection.h"
 #include "database/records.h"
-#include "desktop/main_window/main_window_site.h"
+#include "desktop/main_window/main_window_fixture.h"
 #include "desktop/recipes/recipe_grid.h"
 #include "widgets/fields.h"
 #include "widgets/qt_text.h"
@@ -17,7 +17,7 @@ namespace {
 using ::testing::IsEmpty;
 
 // The Recipes tab in the main window, on a new database.
-class RecipeTab : public MainWindowSite {
+class RecipeTab : public MainWindowFixture {
  protected:
   RecipeTab() {
     Open(DatabaseKind::kRecipe);

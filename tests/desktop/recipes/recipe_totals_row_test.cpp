@@ -5,14 +5,14 @@
 #include <QTest>
 
 #include "desktop/recipes/recipe_grid_cells.h"
-#include "desktop/recipes/recipes_site.h"
+#include "desktop/recipes/recipes_fixture.h"
 #include "feed/recipe_columns.h"
 #include "widgets/drawing.h"
 
 namespace vrx::testing {
 namespace {
 
-class RecipeTotals : public RecipesSite {
+class RecipeTotals : public RecipesFixture {
  protected:
   // Each total has the edges of its column, in the coordinates of the form.
   void ExpectBelowTheColumns() {
@@ -169,8 +169,7 @@ TEST(RecipeCellLook, EveryCellCanBeReadInALightAndADarkPalette) {
   QPalette dark(Qt::black);
   dark.setColor(QPalette::ToolTipBase, QColor(60, 60, 60));
   for (const QPalette& palette : {QPalette(QColor(240, 240, 240)), dark}) {
-    for (const CellManner manner :
-         {CellManner::kEntered, CellManner::kReadOnly, CellManner::kComputed}) {
+    for (const CellRole manner : {CellRole::kEntered, CellRole::kReadOnly, CellRole::kComputed}) {
       for (const bool current : {false, true}) {
         const auto look = LookOfCell(manner, current, palette);
         EXPECT_GE(ContrastRatio(look.text, look.background), kTextContrast);
@@ -181,7 +180,7 @@ TEST(RecipeCellLook, EveryCellCanBeReadInALightAndADarkPalette) {
 
 TEST(RecipeCellLook, WhatIsComputedIsBlueOnTheTooltipBackground) {
   const QPalette palette(QColor(240, 240, 240));
-  const auto look = LookOfCell(CellManner::kComputed, false, palette);
+  const auto look = LookOfCell(CellRole::kComputed, false, palette);
   EXPECT_EQ(look.text, QColor(Qt::blue));
   EXPECT_EQ(look.background, palette.color(QPalette::ToolTipBase));
 }

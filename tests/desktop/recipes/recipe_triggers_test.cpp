@@ -9,7 +9,7 @@
 
 #include "database/connection.h"
 #include "desktop/recipes/recipe_grid.h"
-#include "desktop/records/record_pages_site.h"
+#include "desktop/records/record_pages_fixture.h"
 #include "feed/recipe_columns.h"
 
 namespace vrx::testing {
@@ -29,7 +29,7 @@ std::vector<std::string> Figures(const RecipeLineRecord& line) {
 }
 
 // Corn 1200 and hay 800 of 88 %, with figures that nobody computed: 11.111, 4321 and 1234.
-class RecipeTriggers : public RecordPagesSite {
+class RecipeTriggers : public RecordPagesFixture {
  protected:
   RecipeGrid& Lines() { return Find<RecipeGrid>(u"grdREC"_qs); }
   void ClickTab(int tab) {
@@ -116,7 +116,7 @@ TEST_F(RecipeTriggers, AnArrowOnTheStripRecomputesAndStaysOnTheStrip) {
   EXPECT_TRUE(Tabs().tabBar()->hasFocus());
 }
 
-TEST_F(RecipeTriggers, AClickOnTheTabOnShowGoesToTheGridAndRecomputesAllCells) {
+TEST_F(RecipeTriggers, AClickOnTheTabShownGoesToTheGridAndRecomputesAllCells) {
   OnTabWithStaleFigures();
   ClickTab(kTabRecipes);
   EXPECT_TRUE(Lines().hasFocus());
@@ -222,7 +222,7 @@ TEST_F(RecipeTriggers, AnExactHalfGoesToTheEvenNeighbour) {
 
 // The dry matter of an ingredient.
 
-TEST_F(RecipeTriggers, ANewDryMatterIsWorkedOutByTheTypeOnShowUntilEachRecipeIsRecomputed) {
+TEST_F(RecipeTriggers, ANewDryMatterIsWorkedOutByTheTypeShownUntilEachRecipeIsRecomputed) {
   Enter(kTabRecipes);
   ChooseIn("cboRecID", kByPercent);
   MakeStale();
@@ -244,7 +244,7 @@ TEST_F(RecipeTriggers, ANewDryMatterIsWorkedOutByTheTypeOnShowUntilEachRecipeIsR
   EXPECT_THAT(Figures(Line(kByPercent, 0)), ElementsAre("1200", "11.111", "75", "8000", "1234"));
 }
 
-TEST_F(RecipeTriggers, ALeftHandAddMarkCountsInTheTotalsOfTheNextRecipeOnShow) {
+TEST_F(RecipeTriggers, ALeftHandAddMarkCountsInTheTotalsOfTheNextRecipeShown) {
   Enter(kTabIngredients);
   ChooseIn("cboIngID", kHay);
   Tick("chkIngHandAdd");

@@ -1,6 +1,6 @@
 #include "desktop/recipes/recipes_page.h"
 
-#include "desktop/recipes/recipes_site.h"
+#include "desktop/recipes/recipes_fixture.h"
 
 namespace vrx::testing {
 namespace {
@@ -9,7 +9,7 @@ using ::testing::ElementsAre;
 using ::testing::IsEmpty;
 using ::testing::SizeIs;
 
-class RecipesPageTest : public RecipesSite {
+class RecipesPageTest : public RecipesFixture {
  protected:
   std::string Modified() {
     return Database().execAndGet("SELECT coalesce(Modified, '') FROM History").getString();

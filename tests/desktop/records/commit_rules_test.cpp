@@ -7,31 +7,31 @@
 
 #include <gmock/gmock.h>
 
-#include "desktop/records/commit_site.h"
+#include "desktop/records/commit_fixture.h"
 
 namespace vrx::testing {
 namespace {
 
 struct WayOn {
   const char* what;
-  std::function<void(CommitSite&)> go;
+  std::function<void(CommitFixture&)> go;
 };
 
 std::ostream& operator<<(std::ostream& out, const WayOn& way) { return out << way.what; }
 
 const std::vector<WayOn> kWaysOn = {
-    {"Menu", [](CommitSite& site) { site.ClickMenu(u"mnuEditAutoAbbrev"_qs); }},
-    {"ToolbarButton", [](CommitSite& site) { site.ClickTool(u"Calendar"_qs); }},
-    {"Tab", [](CommitSite& site) { site.ClickTab(kTabDataTransfer); }},
-    {"Save", [](CommitSite& site) { site.ClickMenu(u"mnuFileSaveRecipeDB"_qs); }},
-    {"Close", [](CommitSite& site) { site.ClickMenu(u"mnuFileCloseRecipeDB"_qs); }},
-    {"Exit", [](CommitSite& site) { site.ClickMenu(u"mnuFileExit"_qs); }},
-    {"CloseBox", [](CommitSite& site) { site.CloseBox(); }},
-    {"Update", [](CommitSite& site) { site.ClickButton("cmdAction(0)"); }},
-    {"Navigator", [](CommitSite& site) { site.ClickButton("cmdNavigate(2)"); }},
+    {"Menu", [](CommitFixture& site) { site.ClickMenu(u"mnuEditAutoAbbrev"_qs); }},
+    {"ToolbarButton", [](CommitFixture& site) { site.ClickTool(u"Calendar"_qs); }},
+    {"Tab", [](CommitFixture& site) { site.ClickTab(kTabDataTransfer); }},
+    {"Save", [](CommitFixture& site) { site.ClickMenu(u"mnuFileSaveRecipeDB"_qs); }},
+    {"Close", [](CommitFixture& site) { site.ClickMenu(u"mnuFileCloseRecipeDB"_qs); }},
+    {"Exit", [](CommitFixture& site) { site.ClickMenu(u"mnuFileExit"_qs); }},
+    {"CloseBox", [](CommitFixture& site) { site.CloseBox(); }},
+    {"Update", [](CommitFixture& site) { site.ClickButton("cmdAction(0)"); }},
+    {"Navigator", [](CommitFixture& site) { site.ClickButton("cmdNavigate(2)"); }},
 };
 
-class CommitRules : public CommitSite,
+class CommitRules : public CommitFixture,
                     public ::testing::WithParamInterface<std::tuple<Entry, WayOn>> {};
 
 TEST_P(CommitRules, HoldBeforeAnythingElseActs) {
@@ -53,7 +53,7 @@ INSTANTIATE_TEST_SUITE_P(All, CommitRules,
                          });
 
 // Neither menus nor tool buttons take the focus by themselves.
-class FocusStays : public CommitSite, public ::testing::WithParamInterface<Entry> {};
+class FocusStays : public CommitFixture, public ::testing::WithParamInterface<Entry> {};
 
 TEST_P(FocusStays, WhileAMenuOrAToolButtonActs) {
   Enter(GetParam().tab);
@@ -72,7 +72,7 @@ TEST_P(FocusStays, WhileAMenuOrAToolButtonActs) {
 INSTANTIATE_TEST_SUITE_P(All, FocusStays, ::testing::ValuesIn(kEntries),
                          [](const auto& test) { return std::string(test.param.what); });
 
-class EntryRow : public CommitSite {};
+class EntryRow : public CommitFixture {};
 
 TEST_F(EntryRow, AnIngredientAloneIsNeverStored) {
   Enter(kTabRecipes);

@@ -6,7 +6,7 @@
 #include <gmock/gmock.h>
 
 #include "desktop/recipes/recipes_page.h"
-#include "desktop/records/unstored_site.h"
+#include "desktop/records/unstored_fixture.h"
 
 namespace vrx::testing {
 namespace {
@@ -20,7 +20,7 @@ using ::testing::SizeIs;
 constexpr int kLastRecipe = 100;
 constexpr const char* kMandatory = "The 'Name' field is mandatory.";
 
-class EditSafety : public UnstoredSite {
+class EditSafety : public UnstoredFixture {
  protected:
   std::vector<std::string> Weights(int recipe) {
     return InFile([recipe](SQLite::Database& file) {
@@ -72,7 +72,7 @@ TEST_F(EditSafety, ARefusedWeightHoldsItsTab) {
   EnterTooMuch();
   Answer(Answer::kStay);
   ClickTab(kTabIngredients);
-  EXPECT_EQ(TabOnShow(), kTabRecipes);
+  EXPECT_EQ(CurrentTab(), kTabRecipes);
   EXPECT_TRUE(Lines().IsEditing());
   ASSERT_THAT(Boxes(), SizeIs(1));
   EXPECT_THAT(Boxes()[0].text, HasSubstr("The 'Target' field could not be stored: "));
@@ -95,7 +95,7 @@ TEST_F(EditSafety, TheProgramStoresAnOpenCellBeforeItShowsAnotherRecipe) {
   Enter(kTabRecipes);
   EditLine(0, kColumnTarget, "999");
   Find<RecipesPage>(u"pageRecipes"_qs).GoTo(kLastRecipe);
-  EXPECT_EQ(RecordOnShow(), kLastRecipe);
+  EXPECT_EQ(CurrentRecord(), kLastRecipe);
   EXPECT_THAT(Weights(1), ElementsAre("999", "800"));
   EXPECT_THAT(Weights(kLastRecipe), ElementsAre("10", "10"));
   EXPECT_THAT(Boxes(), IsEmpty());
@@ -131,7 +131,7 @@ TEST_F(EditSafety, NoBoxComesUpWhileTheMouseButtonIsDown) {
   ASSERT_THAT(Boxes(), SizeIs(1));
   EXPECT_EQ(Boxes()[0].text, kMandatory);
   EXPECT_FALSE(next.isDown());
-  EXPECT_EQ(RecordOnShow(), 1);
+  EXPECT_EQ(CurrentRecord(), 1);
   EXPECT_TRUE(Box("txtRecName").hasFocus());
 }
 
@@ -160,15 +160,15 @@ TEST_P(EmptyNames, HoldTheFieldAgainstEveryWayOut) {
     RunEvents();
     ASSERT_THAT(Boxes(), SizeIs(1)) << way;
     EXPECT_EQ(Boxes()[0].text, kMandatory) << way;
-    EXPECT_EQ(TabOnShow(), GetParam().tab) << way;
-    EXPECT_EQ(RecordOnShow(), 1) << way;
+    EXPECT_EQ(CurrentTab(), GetParam().tab) << way;
+    EXPECT_EQ(CurrentRecord(), 1) << way;
     EXPECT_TRUE(DatabaseIsOpen()) << way;
     EXPECT_THAT(Exits(), IsEmpty()) << way;
     EXPECT_TRUE(Box(GetParam().box).hasFocus()) << way;
   }
   Type("A");
   ClickTab(kTabDataTransfer);
-  EXPECT_EQ(TabOnShow(), kTabDataTransfer);
+  EXPECT_EQ(CurrentTab(), kTabDataTransfer);
 }
 
 INSTANTIATE_TEST_SUITE_P(All, EmptyNames,
@@ -239,7 +239,7 @@ INSTANTIATE_TEST_SUITE_P(All, EndWithoutOperator, ::testing::ValuesIn(kEntries),
 
 struct Fault {
   const char* what;
-  std::function<void(UnstoredSite&, SQLite::Database&, const std::filesystem::path&)> strike;
+  std::function<void(UnstoredFixture&, SQLite::Database&, const std::filesystem::path&)> strike;
   const char* cause;
 };
 
@@ -263,17 +263,17 @@ INSTANTIATE_TEST_SUITE_P(
     All, FaultsOfTheFile,
     ::testing::Values(
         Fault{"Locked",
-              [](UnstoredSite& site, SQLite::Database&, const std::filesystem::path&) {
+              [](UnstoredFixture& site, SQLite::Database&, const std::filesystem::path&) {
                 site.Lock();
               },
               "YARD.RDB is locked by another program"},
         Fault{"WriteProtected",
-              [](UnstoredSite&, SQLite::Database& database, const std::filesystem::path&) {
+              [](UnstoredFixture&, SQLite::Database& database, const std::filesystem::path&) {
                 database.exec("PRAGMA query_only = ON");
               },
               "YARD.RDB may not be written: it is write-protected"},
         Fault{"Vanished",
-              [](UnstoredSite&, SQLite::Database&, const std::filesystem::path& path) {
+              [](UnstoredFixture&, SQLite::Database&, const std::filesystem::path& path) {
                 std::filesystem::remove(path);
               },
               "YARD.RDB was moved or deleted while it was open"}),

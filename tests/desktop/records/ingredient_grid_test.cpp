@@ -1,12 +1,12 @@
 // The grid of the Ingredients tab: which ingredients it lists, and typing into it.
 #include <gtest/gtest.h>
 
-#include "desktop/records/ingredients_site.h"
+#include "desktop/records/ingredients_fixture.h"
 
 namespace vrx::testing {
 namespace {
 
-class IngredientGridTest : public IngredientsSite {};
+class IngredientGridTest : public IngredientsFixture {};
 
 TEST_F(IngredientGridTest, TheActiveOnesAreThoseWithADescription) {
   Tick("chkShowActiveIngsOnly");

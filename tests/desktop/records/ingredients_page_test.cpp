@@ -6,14 +6,14 @@
 #include <gmock/gmock.h>
 
 #include "database/connection.h"
-#include "desktop/records/ingredients_site.h"
+#include "desktop/records/ingredients_fixture.h"
 
 namespace vrx::testing {
 namespace {
 
 using ::testing::ElementsAre;
 
-class IngredientsPageTest : public IngredientsSite {};
+class IngredientsPageTest : public IngredientsFixture {};
 
 TEST_F(IngredientsPageTest, EnteringShowsTheFirstRecordAndTheListOfAll) {
   ExpectOnRecord(1);
@@ -245,7 +245,7 @@ TEST_F(IngredientsPageTest, DryMatterTakesThreeDigits) {
 }
 
 // The recipes show recipe 2, which is by percentage: the lines of all are worked out by that.
-TEST_F(IngredientsPageTest, DryMatterGoesIntoTheLinesOfAllRecipesByTheTypeOnShow) {
+TEST_F(IngredientsPageTest, DryMatterGoesIntoTheLinesOfAllRecipesByTheTypeShown) {
   ChooseIn("cboRecID", 2);
   MakeStale();
   Choose(kCorn);
@@ -302,7 +302,7 @@ TEST_F(IngredientsPageTest, CancelReadsTheRecordAnew) {
   EXPECT_EQ(CellText("grdING", kCorn, "HandAdd"), "Yes");
 }
 
-TEST_F(IngredientsPageTest, UpdateStoresTheFieldOnShow) {
+TEST_F(IngredientsPageTest, UpdateStoresTheFieldShown) {
   Choose(kCorn);
   TypeOver("txtIngName", "MILO");
   Press("cmdAction(0)");

@@ -8,7 +8,7 @@
 #include <gtest/gtest.h>
 
 #include "desktop/app/operator_actions.h"
-#include "desktop/main_window/main_window_site.h"
+#include "desktop/main_window/main_window_fixture.h"
 
 namespace vrx::testing {
 namespace {
@@ -43,7 +43,7 @@ TEST_F(OperatorActionsTest, AKeyBeginsOneAndAKeyHeldDownNoMore) {
   EXPECT_EQ(begun_, first);
 }
 
-class LockedDatabase : public MainWindowSite {};
+class LockedDatabase : public MainWindowFixture {};
 
 // The first statement of the action waits out the whole budget, and the others fail at once.
 TEST_F(LockedDatabase, IsWaitedForOncePerAction) {

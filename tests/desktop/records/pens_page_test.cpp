@@ -4,7 +4,7 @@
 
 #include <gmock/gmock.h>
 
-#include "desktop/records/record_pages_site.h"
+#include "desktop/records/record_pages_fixture.h"
 
 namespace vrx::testing {
 namespace {
@@ -13,7 +13,7 @@ using ::testing::IsEmpty;
 
 constexpr const char* kWarning = "lblRequiresIndicatorPenCapacityX";
 
-class PensPageTest : public RecordPagesSite {
+class PensPageTest : public RecordPagesFixture {
  protected:
   void SetUp() override { Enter(kTabPens); }
 
@@ -128,11 +128,11 @@ TEST_F(PensPageTest, TheWarningGoesByTheRowsOfTheGrid) {
 
 TEST_F(PensPageTest, AnOpenedDatabaseWarnsAndStandsOnPen1AndANewOneDoesNotWarn) {
   Feed(300, "7");
-  MainWindowSite::Choose(u"mnuFileSaveRecipeDB"_qs);
+  MainWindowFixture::Choose(u"mnuFileSaveRecipeDB"_qs);
   EXPECT_FALSE(Warning().isHidden());
   EXPECT_EQ(List("cboPenID").currentIndex(), 1);
   chooser_.Choose(app_folder_->DefaultAppPath() / "NEW.RDB");
-  MainWindowSite::Choose(u"mnuFileNewRecipeDB"_qs);
+  MainWindowFixture::Choose(u"mnuFileNewRecipeDB"_qs);
   EXPECT_TRUE(Warning().isHidden());
 }
 

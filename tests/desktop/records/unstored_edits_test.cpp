@@ -5,7 +5,7 @@
 
 #include <gmock/gmock.h>
 
-#include "desktop/records/unstored_site.h"
+#include "desktop/records/unstored_fixture.h"
 
 namespace vrx::testing {
 namespace {
@@ -15,41 +15,41 @@ using ::testing::SizeIs;
 
 struct WayOut {
   const char* what;
-  std::function<void(UnstoredSite&)> go;
+  std::function<void(UnstoredFixture&)> go;
   // It has come to what it leads to.
-  std::function<bool(UnstoredSite&, int tab, int record)> arrived;
+  std::function<bool(UnstoredFixture&, int tab, int record)> arrived;
 };
 
 std::ostream& operator<<(std::ostream& out, const WayOut& way) { return out << way.what; }
 
 const std::vector<WayOut> kWaysOut = {
-    {"NextField", [](UnstoredSite& site) { site.PressKey(Qt::Key_Tab); },
-     [](UnstoredSite&, int, int) { return true; }},
-    {"Tab", [](UnstoredSite& site) { site.ClickTab(kTabDataTransfer); },
-     [](UnstoredSite& site, int, int) { return site.TabOnShow() == kTabDataTransfer; }},
+    {"NextField", [](UnstoredFixture& site) { site.PressKey(Qt::Key_Tab); },
+     [](UnstoredFixture&, int, int) { return true; }},
+    {"Tab", [](UnstoredFixture& site) { site.ClickTab(kTabDataTransfer); },
+     [](UnstoredFixture& site, int, int) { return site.CurrentTab() == kTabDataTransfer; }},
     {"CtrlTab",
-     [](UnstoredSite& /*site*/) {
+     [](UnstoredFixture& /*site*/) {
        QTest::keyClick(QApplication::focusWidget(), Qt::Key_Tab, Qt::ControlModifier);
      },
-     [](UnstoredSite& site, int tab, int) { return site.TabOnShow() != tab; }},
-    {"Navigator", [](UnstoredSite& site) { site.ClickButton("cmdNavigate(2)"); },
-     [](UnstoredSite& site, int, int record) { return site.RecordOnShow() == record + 1; }},
-    {"Close", [](UnstoredSite& site) { site.ClickMenu(u"mnuFileCloseRecipeDB"_qs); },
-     [](UnstoredSite& site, int, int) { return !site.DatabaseIsOpen(); }},
-    {"FileExit", [](UnstoredSite& site) { site.ClickMenu(u"mnuFileExit"_qs); },
-     [](UnstoredSite& site, int, int) { return site.Exits().size() == 1; }},
-    {"CloseBox", [](UnstoredSite& site) { site.CloseBox(); },
-     [](UnstoredSite& site, int, int) { return site.Exits().size() == 1; }},
+     [](UnstoredFixture& site, int tab, int) { return site.CurrentTab() != tab; }},
+    {"Navigator", [](UnstoredFixture& site) { site.ClickButton("cmdNavigate(2)"); },
+     [](UnstoredFixture& site, int, int record) { return site.CurrentRecord() == record + 1; }},
+    {"Close", [](UnstoredFixture& site) { site.ClickMenu(u"mnuFileCloseRecipeDB"_qs); },
+     [](UnstoredFixture& site, int, int) { return !site.DatabaseIsOpen(); }},
+    {"FileExit", [](UnstoredFixture& site) { site.ClickMenu(u"mnuFileExit"_qs); },
+     [](UnstoredFixture& site, int, int) { return site.Exits().size() == 1; }},
+    {"CloseBox", [](UnstoredFixture& site) { site.CloseBox(); },
+     [](UnstoredFixture& site, int, int) { return site.Exits().size() == 1; }},
 };
 
-class UnstoredEdits : public UnstoredSite,
+class UnstoredEdits : public UnstoredFixture,
                       public ::testing::WithParamInterface<std::tuple<Entry, WayOut>> {
  protected:
   void LeaveLocked() {
     const auto& [entry, way] = GetParam();
     Enter(entry.tab);
     entry.begin(*this);
-    record_ = RecordOnShow();
+    record_ = CurrentRecord();
     Lock();
     way.go(*this);
     RunEvents();
@@ -68,8 +68,8 @@ TEST_P(UnstoredEdits, StayInTheirFieldUntilAnotherTryStoresThem) {
   Answer(Answer::kStay);
   LeaveLocked();
   ExpectOneQuestion();
-  EXPECT_EQ(TabOnShow(), entry.tab);
-  EXPECT_EQ(RecordOnShow(), record_);
+  EXPECT_EQ(CurrentTab(), entry.tab);
+  EXPECT_EQ(CurrentRecord(), record_);
   EXPECT_TRUE(DatabaseIsOpen());
   EXPECT_THAT(Exits(), IsEmpty());
   EXPECT_EQ(Stored(), entry.before);

@@ -3,13 +3,13 @@
 
 #include <gtest/gtest.h>
 
+#include "desktop/records/ingredients_fixture.h"
 #include "desktop/records/ingredients_page.h"
-#include "desktop/records/ingredients_site.h"
 
 namespace vrx::testing {
 namespace {
 
-class WhereUsedListTest : public IngredientsSite {};
+class WhereUsedListTest : public IngredientsFixture {};
 
 TEST_F(WhereUsedListTest, ASearchListsEveryLineThatHoldsTheIngredient) {
   Choose(kCorn);

@@ -8,7 +8,7 @@
 #include "adapters/serial_ports.h"
 #include "base/files.h"
 #include "desktop/next_modal.h"
-#include "desktop/transfer/transfer_site.h"
+#include "desktop/transfer/transfer_fixture.h"
 #include "next_modal.h"
 
 namespace vrx::testing {
@@ -20,7 +20,7 @@ using ::testing::HasSubstr;
 using ::testing::StartsWith;
 
 // `SETUP` over the main window, driven from its own event loop.
-class SetupFormTest : public TransferSite {
+class SetupFormTest : public TransferFixture {
  protected:
   // Opens it by its menu, lets `act` use it and closes it then, unless that was done.
   void Setup(const std::function<void(SetupForm&)>& act) {
@@ -364,7 +364,7 @@ TEST_F(SetupFormTest, ClearsTheModule) {
   });
 }
 
-TEST_F(SetupFormTest, TellsTheModuleTheChosenBaudRate) {
+TEST_F(SetupFormTest, ReportsTheModuleTheChosenBaudRate) {
   Setup([&](SetupForm& /*form*/) {
     ShowSetupTab(6);
     auto& bauds = Of<QComboBox>(u"lstBaudRate"_qs);

@@ -4,7 +4,7 @@
 #include <gmock/gmock.h>
 
 #include "desktop/setup/setup_form.h"
-#include "desktop/transfer/line_site.h"
+#include "desktop/transfer/line_fixture.h"
 
 namespace vrx::testing {
 namespace {
@@ -17,7 +17,7 @@ constexpr const char* kCheckLine =
     "Please check KRM module connection, cable and serial port selection.";
 
 // The tab "KRM Setup" of `SETUP` with the simulator behind a port.
-class SetupOnLine : public LineSite {
+class SetupOnLine : public LineFixture {
  protected:
   // Opens it, lets `act` use it once its line is reset, and closes it.
   void Setup(const std::function<void()>& act) {

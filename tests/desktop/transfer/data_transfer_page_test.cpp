@@ -5,7 +5,7 @@
 #include <gmock/gmock.h>
 
 #include "desktop/records/record_page.h"
-#include "desktop/transfer/transfer_site.h"
+#include "desktop/transfer/transfer_fixture.h"
 #include "support/full_recipe_database.h"
 #include "widgets/drawing.h"
 
@@ -22,7 +22,7 @@ constexpr const char* kTransactions = "{BAT/FED},L\r\n\r\n";
 constexpr const char* kReport = "{REPORT}\r\npage one\r\n";
 constexpr const char* kBackup = "{DATA_IN},L\r\n\r\n[ING]\r\n";
 
-class DataTransferPageTest : public TransferSite {};
+class DataTransferPageTest : public TransferFixture {};
 
 TEST_F(DataTransferPageTest, BeginsWithTheModuleAndNoFrames) {
   ShowTab();

@@ -1,6 +1,6 @@
 #include <gmock/gmock.h>
 
-#include "desktop/transfer/transfer_site.h"
+#include "desktop/transfer/transfer_fixture.h"
 
 namespace vrx::testing {
 namespace {
@@ -13,7 +13,7 @@ using ::testing::IsEmpty;
 constexpr const char* kWaiting = "Waiting to receive commands/data from K-2260 indicator.";
 constexpr Ms kOpen{500};  // entering closes the port in order
 
-class DirectConnectionPageTest : public TransferSite {
+class DirectConnectionPageTest : public TransferFixture {
  protected:
   // Times count from the opening of the port. An answer takes 1600 ms.
   void After(Ms delay, std::function<void()> event) {

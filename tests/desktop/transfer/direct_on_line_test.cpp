@@ -2,7 +2,7 @@
 
 #include <gmock/gmock.h>
 
-#include "desktop/transfer/line_site.h"
+#include "desktop/transfer/line_fixture.h"
 
 namespace vrx::testing {
 namespace {
@@ -12,12 +12,12 @@ using ::testing::ElementsAre;
 using ::testing::IsEmpty;
 
 const std::string kTransactions = "{BAT/FED},L\r\n[BAT],B,1\r\n\r\n";
-const ToldStatus kWaitingStatus{"Waiting to receive commands/data from K-2260 indicator.",
-                                kToldBlue};
-const ToldStatus kLoaded{"Waiting to receive commands/data from K2260 indicator.", kToldBlue};
-const ToldStatus kCleared{"Received <DC4>, cleared memory.", kToldBlue};
-const ToldStatus kSent{"Received <NAK>, transmitted memory.", kToldBlue};
-const ToldStatus kSentAll{"Received <FS>, transmitted memory.", kToldBlue};
+const StatusLook kWaitingStatus{"Waiting to receive commands/data from K-2260 indicator.",
+                                kStatusBlue};
+const StatusLook kLoaded{"Waiting to receive commands/data from K2260 indicator.", kStatusBlue};
+const StatusLook kCleared{"Received <DC4>, cleared memory.", kStatusBlue};
+const StatusLook kSent{"Received <NAK>, transmitted memory.", kStatusBlue};
+const StatusLook kSentAll{"Received <FS>, transmitted memory.", kStatusBlue};
 
 std::string Hex(const std::string& bytes) {
   constexpr const char* kDigits = "0123456789ABCDEF";
@@ -31,7 +31,7 @@ std::string Hex(const std::string& bytes) {
 std::string Sends(const std::string& bytes) { return "send" + Hex(bytes) + "\n"; }
 std::string Expects(const std::string& bytes) { return "expect" + Hex(bytes) + "\n"; }
 
-class DirectOnLine : public LineSite {
+class DirectOnLine : public LineFixture {
  protected:
   // Connects until the indicator has played its script to the end.
   void ConnectUntilTheEndOf(Program& indicator) {
@@ -92,7 +92,7 @@ TEST_F(DirectOnLine, ACommandInsideABurstTakesEffectAtItsPlace) {
                         });
   ConnectDirectly();
   EXPECT_TRUE(WasTold(kSentAll));
-  EXPECT_EQ(Status(), (ToldStatus{"", kToldBlue}));
+  EXPECT_EQ(Status(), (StatusLook{"", kStatusBlue}));
 }
 
 TEST_F(DirectOnLine, WhatWasReceivedIsReadAndSaved) {
@@ -102,9 +102,9 @@ TEST_F(DirectOnLine, WhatWasReceivedIsReadAndSaved) {
       Once([this] { return MemorySize() == std::to_string(kTransactions.size() + 6); },
            [&] {
              Upload();
-             EXPECT_EQ(Status(), (ToldStatus{"Memory read complete!  (32 bytes, 2 "
+             EXPECT_EQ(Status(), (StatusLook{"Memory read complete!  (32 bytes, 2 "
                                              "files)",
-                                             kToldGreen}));
+                                             kStatusGreen}));
              EXPECT_THAT(Rows(), ElementsAre("Transaction File - 1", "Text Report - 2"));
              EXPECT_FALSE(Enabled(u"cmdReload"_qs));
              EXPECT_TRUE(HasFocus(u"cmdSaveFile"_qs));
@@ -123,7 +123,7 @@ TEST_F(DirectOnLine, UnknownTextInMemoryIsShownInRed) {
   const auto end = Once([this] { return MemorySize() == "3"; },
                         [&] {
                           Upload();
-                          EXPECT_TRUE(WasTold({"No recognized data file!", kToldRed}));
+                          EXPECT_TRUE(WasTold({"No recognized data file!", kStatusRed}));
                           EXPECT_EQ(Status().text, "No data files in memory!");
                           EXPECT_EQ(Data(), "xyz");
                           EXPECT_EQ(Box().title, "Rescue File");
@@ -141,7 +141,7 @@ TEST_F(DirectOnLine, AnEmptyMemoryIsToldInABoxAndInTheStatus) {
     EXPECT_EQ(Box().title, "KRM Error");
     EXPECT_EQ(Box().icon, Icon::kWarning);
     EXPECT_EQ(Box().text, "There is no file data in the KRM memory. ");
-    EXPECT_TRUE(WasTold({"No data files in memory!", kToldBlue}));
+    EXPECT_TRUE(WasTold({"No data files in memory!", kStatusBlue}));
     EXPECT_THAT(Rows(), IsEmpty());
     ConnectModule();
   });
@@ -262,7 +262,7 @@ TEST_F(DirectOnLine, TheModuleWorksBehindIt) {
   EXPECT_FALSE(Visible(u"lblMemory"_qs));
   EXPECT_FALSE(Visible(u"lblMemorySize"_qs));
   EXPECT_FALSE(Visible(u"prgMemorySize"_qs));
-  EXPECT_EQ(Status(), (ToldStatus{"", kToldBlue}));
+  EXPECT_EQ(Status(), (StatusLook{"", kStatusBlue}));
   TheNextUploadWorks();
 }
 

@@ -2,7 +2,7 @@
 
 #include <gmock/gmock.h>
 
-#include "desktop/transfer/line_site.h"
+#include "desktop/transfer/line_fixture.h"
 #include "support/full_recipe_database.h"
 
 namespace vrx::testing {
@@ -13,7 +13,7 @@ using ::testing::SizeIs;
 
 const std::string kBackup = "{DATA_IN},L\r\n\r\n[ING]\r\n\r\n1,CORN,0\r\n";
 
-class DownloadOnLine : public LineSite {
+class DownloadOnLine : public LineFixture {
  protected:
   void OpenBackup(const std::string& text) {
     Click(u"cmdDownloadRecipeToKRM"_qs);
@@ -25,7 +25,8 @@ class DownloadOnLine : public LineSite {
     Click(u"cmdDownloadRecipeToKRM"_qs);
     chooser_.Choose(MakeUserFile("YARD.RDB", DatabaseKind::kRecipe));
     Click(u"cmdOpenRecipeDB"_qs);
-    EXPECT_EQ(Status(), (ToldStatus{"Recipe database-file opened, ready to download.", kToldBlue}));
+    EXPECT_EQ(Status(),
+              (StatusLook{"Recipe database-file opened, ready to download.", kStatusBlue}));
     EXPECT_EQ(Path(), (app_folder_->DefaultAppPath() / "YARD.RDB").string());
   }
   void Download(const QString& button, QMessageBox::StandardButton answer) {
@@ -43,7 +44,7 @@ class DownloadOnLine : public LineSite {
   void TheNextDownloadWorks() {
     const auto module = KeptModule("old");
     Download(u"cmdDownloadRecipeBU"_qs, QMessageBox::Yes);
-    EXPECT_EQ(Status().color, kToldGreen) << Status().text;
+    EXPECT_EQ(Status().color, kStatusGreen) << Status().text;
     EXPECT_EQ(MemoryOf(*module), Find<DataWindow>(u"txtDataWindow"_qs).Bytes());
   }
 };
@@ -66,10 +67,10 @@ TEST_F(DownloadOnLine, ADatabaseStandsInTheModuleAsItIsShown) {
                          "pen formatting done!\nRecipe file complete!\n"));
   const std::string sent = Find<DataWindow>(u"txtDataWindow"_qs).Bytes();
   EXPECT_EQ(sent, "{DATA_IN},L\r\n\r\n[ING]\r\n\r\n\r\n[REC]\r\n\r\n\r\n[PEN]\r\n\r\n\r\n");
-  EXPECT_EQ(Status(), (ToldStatus{"Download complete!  (" + std::to_string(sent.size()) +
+  EXPECT_EQ(Status(), (StatusLook{"Download complete!  (" + std::to_string(sent.size()) +
                                       " bytes, Recipe Data)",
-                                  kToldGreen}));
-  EXPECT_TRUE(WasTold({"Standby...", kToldBlue}));
+                                  kStatusGreen}));
+  EXPECT_TRUE(WasTold({"Standby...", kStatusBlue}));
   EXPECT_EQ(active_only.isChecked(), was_active_only);
   EXPECT_EQ(MemoryOf(*module), sent);
 }
@@ -84,9 +85,9 @@ TEST_F(DownloadOnLine, AnEditedBackupStandsInTheModuleAsItWasEdited) {
   IsTheOverwriteQuestion(
       "Are you sure you want to overwrite all data in the KRM module with recipe backup data from "
       "the A.RBU file?");
-  EXPECT_EQ(Status(), (ToldStatus{"Download complete!  (" + std::to_string(kBackup.size() + 7) +
+  EXPECT_EQ(Status(), (StatusLook{"Download complete!  (" + std::to_string(kBackup.size() + 7) +
                                       " bytes, Recipe Data)",
-                                  kToldGreen}));
+                                  kStatusGreen}));
   EXPECT_EQ(MemoryOf(*module), kBackup + "2,HAY,0");
 }
 
@@ -118,7 +119,7 @@ TEST_F(DownloadOnLine, ABackupThatWasUploadedAndSavedGoesBack) {
             "Recipe Backup (*.RBU)|*.RBU|Rescue File (*.KRM)|*.KRM");
   EXPECT_EQ(chooser_.dialogs.back().default_extension, "RBU");
   Download(u"cmdDownloadRecipeBU"_qs, QMessageBox::Yes);
-  EXPECT_EQ(Status().color, kToldGreen) << Status().text;
+  EXPECT_EQ(Status().color, kStatusGreen) << Status().text;
   EXPECT_EQ(MemoryOf(*module), kBackup);
 }
 
@@ -152,7 +153,7 @@ TEST_F(DownloadOnLine, ASilentModuleIsToldInTheStatusAloneAndTheNextTryWorks) {
   {
     const auto module = FaultyModule("old", "silent");
     Download(u"cmdDownloadRecipeBU"_qs, QMessageBox::Yes);
-    EXPECT_EQ(Status(), (ToldStatus{"Error: KRM not detected", kToldRed}));
+    EXPECT_EQ(Status(), (StatusLook{"Error: KRM not detected", kStatusRed}));
     EXPECT_THAT(boxes_.boxes, SizeIs(1));  // the question
   }
   TheNextDownloadWorks();
@@ -163,7 +164,7 @@ TEST_F(DownloadOnLine, ALineLostInTheClearIsToldAndTheNextTryWorks) {
   {
     const auto module = FaultyModule("old", "hang-up=3");
     Download(u"cmdDownloadRecipeBU"_qs, QMessageBox::Yes);
-    EXPECT_EQ(Status(), (ToldStatus{"Error: Could not clear KRM", kToldRed}));
+    EXPECT_EQ(Status(), (StatusLook{"Error: Could not clear KRM", kStatusRed}));
   }
   TheNextDownloadWorks();
 }
@@ -176,11 +177,11 @@ TEST_F(DownloadOnLine, ALinePulledInTheTextIsToldAndTheNextTryWorks) {
     Later(Ms{3500}, [&] { module->Signal(SIGSTOP); });
     Later(Ms{5200}, [&] { module.reset(); });
     Download(u"cmdDownloadRecipeBU"_qs, QMessageBox::Yes);
-    EXPECT_EQ(Status(), (ToldStatus{"Error: Download failed", kToldRed}));
-    const ToldStatus& last_count = told_.at(told_.size() - 2);
+    EXPECT_EQ(Status(), (StatusLook{"Error: Download failed", kStatusRed}));
+    const StatusLook& last_count = told_.at(told_.size() - 2);
     EXPECT_THAT(last_count.text,
                 ::testing::MatchesRegex("Downloading to KRM\\.\\.\\.\\.  [1-9][0-9]+ bytes"));
-    EXPECT_EQ(last_count.color, kToldBlue);
+    EXPECT_EQ(last_count.color, kStatusBlue);
   }
   OpenBackup(kBackup);
   TheNextDownloadWorks();
@@ -196,9 +197,9 @@ TEST_F(DownloadOnLine, AFullDatabaseGoesOutAndIsCounted) {
   Click(u"cmdOpenRecipeDB"_qs);
   Download(u"cmdDownloadRecipeDB"_qs, QMessageBox::Yes);
   const std::string sent = Find<DataWindow>(u"txtDataWindow"_qs).Bytes();
-  EXPECT_EQ(Status(), (ToldStatus{"Download complete!  (" + std::to_string(sent.size()) +
+  EXPECT_EQ(Status(), (StatusLook{"Download complete!  (" + std::to_string(sent.size()) +
                                       " bytes, Recipe Data)",
-                                  kToldGreen}));
+                                  kStatusGreen}));
   EXPECT_EQ(MemoryOf(*module), sent);
 }
 

@@ -8,7 +8,7 @@
 #include <gmock/gmock.h>
 
 #include "database/records.h"
-#include "desktop/main_window/main_window_site.h"
+#include "desktop/main_window/main_window_fixture.h"
 #include "exchange/imported_data.h"
 
 namespace vrx::testing {
@@ -26,7 +26,7 @@ constexpr const char* kFile =
     "[FED],B,1,12,2,0915,01152009,750.0,748.5\r\n"
     "\r\n";
 
-class ImportPageTest : public MainWindowSite {
+class ImportPageTest : public MainWindowFixture {
  protected:
   ImportPageTest() { settings_.SetEnableBeeperOn(false); }
 

@@ -3,7 +3,7 @@
 #include <gmock/gmock.h>
 
 #include "desktop/setup/setup_form.h"
-#include "desktop/transfer/transfer_site.h"
+#include "desktop/transfer/transfer_fixture.h"
 
 namespace vrx::testing {
 namespace {
@@ -15,11 +15,11 @@ using ::testing::HasSubstr;
 using ::testing::IsEmpty;
 using ::testing::SizeIs;
 
-class LineUseTest : public TransferSite {
+class LineUseTest : public TransferFixture {
  protected:
   bool Enabled(const QString& name) {
     auto* const action = Window().findChild<QAction*>(name);
-    return action != nullptr ? action->isEnabled() : TransferSite::Enabled(name);
+    return action != nullptr ? action->isEnabled() : TransferFixture::Enabled(name);
   }
   std::vector<std::string> Off(const std::vector<QString>& names) {
     std::vector<std::string> off;

@@ -1,6 +1,6 @@
 #include <gmock/gmock.h>
 
-#include "desktop/transfer/line_site.h"
+#include "desktop/transfer/line_fixture.h"
 
 namespace vrx::testing {
 namespace {
@@ -21,7 +21,7 @@ constexpr const char* kNotDetected =
     "The KRM was not detected. Please verify that the module is connected. Check cable and "
     "connector and then try again.";
 
-class UploadOnLine : public LineSite {
+class UploadOnLine : public LineFixture {
  protected:
   void IsNotDetected(const std::string& cause) {
     ASSERT_THAT(boxes_.boxes, SizeIs(1));
@@ -32,7 +32,7 @@ class UploadOnLine : public LineSite {
     FailedWith("Error: KRM not detected");
   }
   void FailedWith(const std::string& status) {
-    EXPECT_EQ(Status(), (ToldStatus{status, kToldRed}));
+    EXPECT_EQ(Status(), (StatusLook{status, kStatusRed}));
     EXPECT_THAT(Rows(), IsEmpty());
     EXPECT_FALSE(Visible(u"frmDataFiles"_qs));
     EXPECT_FALSE(Busy());
@@ -47,10 +47,10 @@ class UploadOnLine : public LineSite {
 TEST_F(UploadOnLine, OneFileIsToldInTheSingularInGreen) {
   const auto module = Module(kTransactions);
   bool stood_by = false;
-  Later(Ms{300}, [&] { stood_by = Busy() && Status() == ToldStatus{"Standby...", kToldBlue}; });
+  Later(Ms{300}, [&] { stood_by = Busy() && Status() == StatusLook{"Standby...", kStatusBlue}; });
   Upload();
   EXPECT_TRUE(stood_by);
-  EXPECT_EQ(Status(), (ToldStatus{"Upload complete!  (29 bytes, 1 file)", kToldGreen}));
+  EXPECT_EQ(Status(), (StatusLook{"Upload complete!  (29 bytes, 1 file)", kStatusGreen}));
   EXPECT_THAT(Rows(), ElementsAre("Transaction File - 1"));
   EXPECT_TRUE(Visible(u"frmDataFiles"_qs));
   EXPECT_FALSE(Busy());
@@ -59,7 +59,7 @@ TEST_F(UploadOnLine, OneFileIsToldInTheSingularInGreen) {
 TEST_F(UploadOnLine, FilesOfEveryKindAreSavedByteForByte) {
   const auto module = Module(kTransactions + kBackup + kReport + kPage);
   Upload();
-  EXPECT_EQ(Status(), (ToldStatus{"Upload complete!  (93 bytes, 4 files)", kToldGreen}));
+  EXPECT_EQ(Status(), (StatusLook{"Upload complete!  (93 bytes, 4 files)", kStatusGreen}));
   struct Kind {
     std::string file, bytes, status, row;
     FileDialog dialog;
@@ -90,7 +90,7 @@ TEST_F(UploadOnLine, FilesOfEveryKindAreSavedByteForByte) {
     Save(row, folder_ / kind.file);
     EXPECT_EQ(ReadAll(folder_ / kind.file), kind.bytes);
     EXPECT_EQ(Path(), (folder_ / kind.file).string());
-    EXPECT_EQ(Status(), (ToldStatus{kind.status, kToldBlue}));
+    EXPECT_EQ(Status(), (StatusLook{kind.status, kStatusBlue}));
     EXPECT_EQ(Rows().at(static_cast<std::size_t>(row)), kind.row);
     EXPECT_THAT(Checked(), IsEmpty());
     const FileDialog& asked = chooser_.dialogs.back();
@@ -113,7 +113,7 @@ TEST_F(UploadOnLine, ASaveThatIsCancelledIsToldByItsKindAndChangesNothing) {
             "the file you want to save.");
   EXPECT_EQ(Box().title, "Error");
   EXPECT_EQ(Box().icon, Icon::kWarning);
-  EXPECT_EQ(Status(), (ToldStatus{"Upload complete!  (81 bytes, 3 files)", kToldGreen}));
+  EXPECT_EQ(Status(), (StatusLook{"Upload complete!  (81 bytes, 3 files)", kStatusGreen}));
   const std::vector<std::string> told{"Could not save transaction file (1)",
                                       "Could not save recipe backup-file (2)",
                                       "Could not save report file (3)"};
@@ -121,7 +121,7 @@ TEST_F(UploadOnLine, ASaveThatIsCancelledIsToldByItsKindAndChangesNothing) {
     ClickBox(row);
     chooser_.Cancel();
     Click(u"cmdSaveFile"_qs);
-    EXPECT_EQ(Status(), (ToldStatus{told.at(static_cast<std::size_t>(row)), kToldBlue}));
+    EXPECT_EQ(Status(), (StatusLook{told.at(static_cast<std::size_t>(row)), kStatusBlue}));
     EXPECT_EQ(Rows(), rows);
     EXPECT_THAT(Checked(), ElementsAre(row));
   }
@@ -130,12 +130,12 @@ TEST_F(UploadOnLine, ASaveThatIsCancelledIsToldByItsKindAndChangesNothing) {
 TEST_F(UploadOnLine, BytesAreCountedAsTheyCome) {
   const auto module = Module(kTransactions + std::string(3000, 'x'), {});
   Upload();
-  EXPECT_EQ(Status(), (ToldStatus{"Upload complete!  (3029 bytes, 1 file)", kToldGreen}));
+  EXPECT_EQ(Status(), (StatusLook{"Upload complete!  (3029 bytes, 1 file)", kStatusGreen}));
   std::vector<std::string> counts;
   for (const auto& [text, color] : told_) {
     if (text.starts_with("Uploading")) {
       counts.push_back(text);
-      EXPECT_EQ(color, kToldBlue);
+      EXPECT_EQ(color, kStatusBlue);
     }
   }
   EXPECT_THAT(counts, SizeIs(::testing::Ge(4U)));
@@ -221,7 +221,7 @@ TEST_F(UploadOnLine, ALinePulledAtAnyMomentIsToldAndTheNextTryWorks) {
     auto module = Module(kTransactions);
     Later(when, [&] { module.reset(); });
     Upload();
-    EXPECT_EQ(Status().color, kToldRed) << when.count();
+    EXPECT_EQ(Status().color, kStatusRed) << when.count();
     EXPECT_THAT(Status().text, ::testing::StartsWith("Error: ")) << when.count();
     EXPECT_FALSE(Busy());
   }
@@ -241,7 +241,7 @@ TEST_F(UploadOnLine, TheWindowAnswersClicks) {
   }
   Upload();
   EXPECT_EQ(changes, 4);
-  EXPECT_EQ(Status().color, kToldGreen);
+  EXPECT_EQ(Status().color, kStatusGreen);
 }
 
 // The clicks run inside the upload's waits.
@@ -254,7 +254,7 @@ TEST_F(UploadOnLine, NeitherAnotherClickNorAChangeOfConnectionDisturbsIt) {
     });
   }
   Upload();
-  EXPECT_EQ(Status(), (ToldStatus{"Upload complete!  (29 bytes, 1 file)", kToldGreen}));
+  EXPECT_EQ(Status(), (StatusLook{"Upload complete!  (29 bytes, 1 file)", kStatusGreen}));
   EXPECT_THAT(Rows(), ElementsAre("Transaction File - 1"));
   EXPECT_THAT(boxes_.boxes, IsEmpty());
   EXPECT_FALSE(Direct());
@@ -265,13 +265,13 @@ TEST_F(UploadOnLine, BytesAfterTheDumpAreIgnoredUnlessThereAreMany) {
   {
     const auto module = FaultyModule(kTransactions, "strays=16");
     Upload();
-    EXPECT_EQ(Status(), (ToldStatus{"Upload complete!  (29 bytes, 1 file)", kToldGreen}));
+    EXPECT_EQ(Status(), (StatusLook{"Upload complete!  (29 bytes, 1 file)", kStatusGreen}));
     Save(0, folder_ / "A.QXT");
     EXPECT_EQ(ReadAll(folder_ / "A.QXT"), kTransactions);
   }
   const auto module = FaultyModule(kTransactions, "strays=17");
   Upload();
-  EXPECT_EQ(Status(), (ToldStatus{"Invalid terminators", kToldRed}));
+  EXPECT_EQ(Status(), (StatusLook{"Invalid terminators", kStatusRed}));
   EXPECT_THAT(Rows(), IsEmpty());
 }
 

@@ -32,7 +32,7 @@ namespace vrx::testing {
 // of 88 % dry matter, HAY of 90, SUPP without a figure and added by hand, OATS of 100. The recipes
 // 1 to 4 have the types W, H, % and P and an adjust item of +0 %, all others none. Nothing has
 // lines.
-class RecipesSite : public ::testing::Test {
+class RecipesFixture : public ::testing::Test {
  protected:
   static constexpr int kCorn = 1;
   static constexpr int kHay = 2;
@@ -45,8 +45,8 @@ class RecipesSite : public ::testing::Test {
   static constexpr int kUntyped = 5;
   static constexpr int kTab = 1;
 
-  RecipesSite();
-  ~RecipesSite() override;
+  RecipesFixture();
+  ~RecipesFixture() override;
 
   // Shows the tab as a click on it does, on recipe 1.
   void Enter();

@@ -5,7 +5,7 @@
 #include <utility>
 #include <vector>
 
-#include "export/export_site.h"
+#include "export/export_fixture.h"
 
 namespace vrx::testing {
 
@@ -16,13 +16,13 @@ using Rows = std::vector<SiteRow>;
 
 // A data group as the design tells it: its levels, and the weights that the last one bears in an
 // export. "Type" as the last level chooses between batch and feed.
-struct ToldGroup {
+struct SpecifiedGroup {
   Key levels;
   std::vector<std::string> weights;
 };
 
 // The groups 1 to 12.
-const ToldGroup& Told(int group);
+const SpecifiedGroup& Specified(int group);
 
 // The fields that are summed for a value of the last level.
 std::vector<std::string> WeightsOf(int group, const Key& key);

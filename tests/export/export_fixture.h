@@ -30,9 +30,9 @@ struct SiteRow {
 
 // A folder with a transaction database, and the ingredient names of a recipe database: CORN, HAY
 // and SALT.
-class ExportSite {
+class ExportFixture {
  public:
-  ExportSite();
+  ExportFixture();
 
   void Store(const std::vector<SiteRow>& rows) const;
 

@@ -34,7 +34,7 @@ class KeptProgress : public ProgressDisplay {
 };
 
 // Conversions in a folder of their own, by the built reader.
-struct ConversionSite {
+struct ConversionFixture {
   std::filesystem::path Data(const std::string& name) const {
     return std::filesystem::path(LEGACY_DATA) / name;
   }

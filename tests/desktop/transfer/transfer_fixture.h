@@ -8,14 +8,14 @@
 #include <functional>
 #include <string>
 
-#include "desktop/main_window/main_window_site.h"
+#include "desktop/main_window/main_window_fixture.h"
 
 namespace vrx::testing {
 
 // The Data Transfer tab on show, its line scripted in the time of the pump.
-class TransferSite : public MainWindowSite {
+class TransferFixture : public MainWindowFixture {
  protected:
-  TransferSite() { settings_.SetEnableBeeperOn(false); }
+  TransferFixture() { settings_.SetEnableBeeperOn(false); }
 
   // With every widget on the screen.
   void ShowTab() {

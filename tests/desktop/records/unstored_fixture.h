@@ -8,12 +8,12 @@
 #include <SQLiteCpp/Transaction.h>
 #include <gmock/gmock.h>
 
-#include "desktop/records/commit_site.h"
+#include "desktop/records/commit_fixture.h"
 
 namespace vrx::testing {
 
 // The record tabs, on a file that another program may hold.
-class UnstoredSite : public CommitSite {
+class UnstoredFixture : public CommitFixture {
  public:
   // Another program holds the file from here on.
   void Lock() {
@@ -29,7 +29,7 @@ class UnstoredSite : public CommitSite {
   }
   void Answer(vrx::Answer answer) { operator_.answers.push_back(answer); }
 
-  int RecordOnShow() { return Text(u"lblRecordNumber"_qs).toInt(); }
+  int CurrentRecord() { return Text(u"lblRecordNumber"_qs).toInt(); }
   bool DatabaseIsOpen() { return !Main().Databases().Bound(DatabaseKind::kRecipe).blank; }
   std::vector<std::string>& Exits() { return exit_.taken; }
   std::vector<MessageBox>& Boxes() { return operator_.boxes; }

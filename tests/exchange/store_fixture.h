@@ -49,9 +49,9 @@ std::string QueryText(const std::filesystem::path& path, const std::string& quer
 void Execute(const std::filesystem::path& path, const std::string& query);
 
 // A recipe and a transaction database made from blank templates, and all that a store needs.
-class StoreSite {
+class StoreFixture {
  public:
-  StoreSite();
+  StoreFixture();
 
   StoreOutcome Store(const ImportedData& rows);
   std::vector<StoredRow> Stored() const { return ReadStored(databases.trans_db_path); }

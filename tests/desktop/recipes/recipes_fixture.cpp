@@ -1,4 +1,4 @@
-#include "desktop/recipes/recipes_site.h"
+#include "desktop/recipes/recipes_fixture.h"
 
 #include <QApplication>
 #include <QLineEdit>
@@ -29,7 +29,7 @@ QWidget* KeyReceiver() {
 
 }  // namespace
 
-RecipesSite::RecipesSite() {
+RecipesFixture::RecipesFixture() {
   const std::filesystem::path path = folder_ / "YARD.RDB";
   CreateTemplate(path, DatabaseKind::kRecipe);
   constexpr std::chrono::milliseconds kNoPatience{20};
@@ -64,9 +64,9 @@ RecipesSite::RecipesSite() {
   ApplyCaptionTable(*form_);
 }
 
-RecipesSite::~RecipesSite() { page_->ReleaseViews(); }
+RecipesFixture::~RecipesFixture() { page_->ReleaseViews(); }
 
-void RecipesSite::Enter() {
+void RecipesFixture::Enter() {
   page_->Rebind(DatabaseKind::kRecipe, bound_);
   form_->show();
   form_->activateWindow();
@@ -78,32 +78,33 @@ void RecipesSite::Enter() {
   op_.beeps = 0;
 }
 
-void RecipesSite::RunEvents() {
+void RecipesFixture::RunEvents() {
   constexpr int kRounds = 3;
   for (int round = 0; round < kRounds; ++round) {
     QApplication::processEvents();
   }
 }
 
-void RecipesSite::ComeBack() {
+void RecipesFixture::ComeBack() {
   form_->activateWindow();
   RunEvents();
 }
 
-void RecipesSite::SetRecipe(int recipe, std::string RecipeRecord::*field, const std::string& text) {
+void RecipesFixture::SetRecipe(int recipe, std::string RecipeRecord::*field,
+                               const std::string& text) {
   RecipeRecord record = Stored(recipe);
   record.*field = text;
   WriteRecipe(Database(), record);
 }
 
-void RecipesSite::SetHeadCount(int recipe, int head_count) {
+void RecipesFixture::SetHeadCount(int recipe, int head_count) {
   RecipeRecord record = Stored(recipe);
   record.head_count = head_count;
   WriteRecipe(Database(), record);
 }
 
-void RecipesSite::AddStoredLine(int recipe, int ingredient, const std::string& target,
-                                const std::string& percent) {
+void RecipesFixture::AddStoredLine(int recipe, int ingredient, const std::string& target,
+                                   const std::string& percent) {
   const IngredientRecord of = ReadIngredient(Database(), ingredient);
   const auto sequence = static_cast<int>(ReadRecipeLines(Database(), recipe).size()) + 1;
   RecipeLineRecord line{.recipe_id = std::to_string(recipe),
@@ -117,40 +118,40 @@ void RecipesSite::AddStoredLine(int recipe, int ingredient, const std::string& t
   WriteRecipeLine(Database(), line);
 }
 
-void RecipesSite::AddCornHaySupplement(int recipe) {
+void RecipesFixture::AddCornHaySupplement(int recipe) {
   AddStoredLine(recipe, kCorn, "1200", "62.50");
   AddStoredLine(recipe, kHay, "800", "30.00");
   AddStoredLine(recipe, kSupp, "100", "7.50");
 }
 
-void RecipesSite::Press(Qt::Key key, Qt::KeyboardModifiers held) {
+void RecipesFixture::Press(Qt::Key key, Qt::KeyboardModifiers held) {
   QTest::keyClick(KeyReceiver(), key, held);
 }
 
-void RecipesSite::Type(std::string_view text) {
+void RecipesFixture::Type(std::string_view text) {
   for (const QChar character : ToQString(text)) {
     QTest::sendKeyEvent(QTest::Click, KeyReceiver(), Qt::Key_unknown, QString(character),
                         Qt::NoModifier);
   }
 }
 
-void RecipesSite::TypeInto(const char* box, std::string_view text) {
+void RecipesFixture::TypeInto(const char* box, std::string_view text) {
   auto& edit = Find<FilteredEdit>(box);
   edit.setFocus();
   edit.selectAll();
   Type(text);
 }
 
-std::string RecipesSite::Focused() {
+std::string RecipesFixture::Focused() {
   const QWidget* const focus = QApplication::focusWidget();
   return focus == nullptr ? std::string() : focus->objectName().toStdString();
 }
 
-std::string RecipesSite::Cell(int row, RecipeColumn column) {
+std::string RecipesFixture::Cell(int row, RecipeColumn column) {
   return Grid().model()->index(row, column).data().toString().toStdString();
 }
 
-std::vector<std::string> RecipesSite::Column(RecipeColumn column) {
+std::vector<std::string> RecipesFixture::Column(RecipeColumn column) {
   std::vector<std::string> cells;
   cells.reserve(static_cast<std::size_t>(Rows()));
   for (int row = 0; row < Rows(); ++row) {
@@ -159,7 +160,7 @@ std::vector<std::string> RecipesSite::Column(RecipeColumn column) {
   return cells;
 }
 
-void RecipesSite::Click(int row, RecipeColumn column) {
+void RecipesFixture::Click(int row, RecipeColumn column) {
   const QModelIndex cell = Grid().model()->index(row, column);
   Grid().scrollTo(cell);
   const QRect place = Grid().visualRect(cell);
@@ -168,28 +169,28 @@ void RecipesSite::Click(int row, RecipeColumn column) {
   RunEvents();
 }
 
-void RecipesSite::Choose(const char* list, int index) {
+void RecipesFixture::Choose(const char* list, int index) {
   auto& box = Find<QComboBox>(list);
   box.setCurrentIndex(index);
   Q_EMIT box.activated(index);
   RunEvents();
 }
 
-void RecipesSite::AddByKeys(std::string_view ingredient, std::string_view amount) {
+void RecipesFixture::AddByKeys(std::string_view ingredient, std::string_view amount) {
   Type(ingredient);
   Press(Qt::Key_Return);
   Type(amount);
   Press(Qt::Key_Return);
 }
 
-void RecipesSite::ExpectBox(std::string_view title, std::string_view text, Icon icon) {
+void RecipesFixture::ExpectBox(std::string_view title, std::string_view text, Icon icon) {
   ASSERT_FALSE(op_.boxes.empty());
   EXPECT_EQ(op_.boxes.back().title, title);
   EXPECT_EQ(op_.boxes.back().text, text);
   EXPECT_EQ(op_.boxes.back().icon, icon);
 }
 
-void RecipesSite::ExpectStored() {
+void RecipesFixture::ExpectStored() {
   const std::vector<RecipeLineRecord> lines = ReadRecipeLines(Database(), page_->Position());
   ASSERT_LE(static_cast<int>(lines.size()), Rows());
   for (std::size_t line = 0; line < lines.size(); ++line) {

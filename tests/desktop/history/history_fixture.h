@@ -15,16 +15,16 @@
 #include "database/connection.h"
 #include "database/identity.h"
 #include "desktop/history/history_table.h"
-#include "desktop/main_window/main_window_site.h"
+#include "desktop/main_window/main_window_fixture.h"
 #include "presenter/database_identity.h"
 #include "support/small_history.h"
 
 namespace vrx::testing {
 
 // The window on the small history and its recipes, both open, the Batched/Fed tab on show.
-class HistorySite : public MainWindowSite {
+class HistoryFixture : public MainWindowFixture {
  protected:
-  HistorySite() {
+  HistoryFixture() {
     settings_.SetEnableBeeperOn(false);
     SmallHistory(folder_, "SMALL.TDB");
     SmallRecipes(folder_, "SMALL.RDB");

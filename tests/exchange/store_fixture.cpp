@@ -1,4 +1,4 @@
-#include "exchange/store_site.h"
+#include "exchange/store_fixture.h"
 
 #include <SQLiteCpp/Column.h>
 #include <SQLiteCpp/Database.h>
@@ -98,7 +98,7 @@ void Execute(const std::filesystem::path& path, const std::string& query) {
   database.exec(query);
 }
 
-StoreSite::StoreSite() {
+StoreFixture::StoreFixture() {
   databases = {folder / "YARD.RDB", folder / "Y2026.TDB", "LB"};
   CreateTemplate(databases.recipe_db_path, DatabaseKind::kRecipe);
   CreateTemplate(databases.trans_db_path, DatabaseKind::kTransaction);
@@ -111,7 +111,7 @@ StoreSite::StoreSite() {
   settings.SetEnableBeeperOn(true);
 }
 
-StoreOutcome StoreSite::Store(const ImportedData& rows) {
+StoreOutcome StoreFixture::Store(const ImportedData& rows) {
   return store.StoreImportedTransactions(rows, databases, stored_flag);
 }
 

@@ -18,33 +18,33 @@
 #include "adapters/serial_ports.h"
 #include "desktop/answered_boxes.h"
 #include "desktop/app/qt_services.h"
-#include "desktop/transfer/transfer_site.h"
+#include "desktop/transfer/transfer_fixture.h"
 #include "support/program.h"
 
 namespace vrx::testing {
 
-inline constexpr QColor kToldBlue{0, 0, 192};
-inline constexpr QColor kToldRed{255, 0, 0};
-inline constexpr QColor kToldGreen{0, 128, 0};
+inline constexpr QColor kStatusBlue{0, 0, 192};
+inline constexpr QColor kStatusRed{255, 0, 0};
+inline constexpr QColor kStatusGreen{0, 128, 0};
 
 // What the status line said and in what colour, as the label stood.
-struct ToldStatus {
+struct StatusLook {
   std::string text;
   QColor color;
-  bool operator==(const ToldStatus&) const = default;
+  bool operator==(const StatusLook&) const = default;
 };
 
-inline void PrintTo(const ToldStatus& told, std::ostream* out) {
+inline void PrintTo(const StatusLook& told, std::ostream* out) {
   *out << '"' << told.text << "\" in " << told.color.name().toStdString();
 }
 
 // The main window with the Data Transfer tab on show, in real time: real boxes, the real status
 // label, and serial port 2, the port of the settings, at the link that a simulator makes.
-class LineSite : public TransferSite {
+class LineFixture : public TransferFixture {
  protected:
   using Ms = std::chrono::milliseconds;
 
-  LineSite() {
+  LineFixture() {
     std::filesystem::create_directories(ports_);
     main_ = std::make_unique<VrxMain>(VrxMain::Ports{.op = screen_,
                                                      .files = chooser_,
@@ -68,7 +68,7 @@ class LineSite : public TransferSite {
     ShowTab();
   }
   // The window goes ahead of what it refers to.
-  ~LineSite() override { main_.reset(); }
+  ~LineFixture() override { main_.reset(); }
 
   // Not paced like the real line, unless the arguments say so.
   std::unique_ptr<Program> Simulate(std::vector<std::string> args) const {
@@ -118,11 +118,11 @@ class LineSite : public TransferSite {
     return poll;
   }
 
-  ToldStatus Status() {
+  StatusLook Status() {
     const auto& label = Find<QLabel>(u"lblStatusWindow"_qs);
     return {label.text().toStdString(), label.palette().color(QPalette::WindowText)};
   }
-  bool WasTold(const ToldStatus& status) const {
+  bool WasTold(const StatusLook& status) const {
     return std::find(told_.begin(), told_.end(), status) != told_.end();
   }
   const MessageBox& Box() {
@@ -149,7 +149,7 @@ class LineSite : public TransferSite {
   void TheNextUploadWorks() {
     const auto module = Module("{BAT/FED},L\r\n");
     Upload();
-    EXPECT_EQ(Status(), (ToldStatus{"Upload complete!  (16 bytes, 1 file)", kToldGreen}));
+    EXPECT_EQ(Status(), (StatusLook{"Upload complete!  (16 bytes, 1 file)", kStatusGreen}));
     EXPECT_EQ(Rows(), std::vector<std::string>{"Transaction File - 1"});
     EXPECT_FALSE(Busy());
   }
@@ -159,7 +159,7 @@ class LineSite : public TransferSite {
   std::filesystem::path kept_ = folder_ / "kept";
   QtOperator screen_;
   AnsweredBoxes boxes_;
-  std::vector<ToldStatus> told_;
+  std::vector<StatusLook> told_;
   QtEventPump events_;
   QtSerialControl line_{
       [this](int number) { return LinuxPortDevice(app_folder_->DefaultAppPath(), number); }};

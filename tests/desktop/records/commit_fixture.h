@@ -12,7 +12,7 @@
 
 #include "database/connection.h"
 #include "desktop/recipes/recipe_grid.h"
-#include "desktop/records/record_pages_site.h"
+#include "desktop/records/record_pages_fixture.h"
 #include "feed/recipe_columns.h"
 
 namespace vrx::testing {
@@ -21,19 +21,19 @@ inline constexpr int kFreshPen = 9;
 inline constexpr int kByPercent = 2;
 
 // The record tabs, with the means of an operator to go on.
-class CommitSite : public RecordPagesSite {
+class CommitFixture : public RecordPagesFixture {
  public:
-  using RecordPagesSite::Check;
-  using RecordPagesSite::ChooseIn;
-  using RecordPagesSite::ClickCell;
-  using RecordPagesSite::EditCell;
-  using RecordPagesSite::Enter;
-  using RecordPagesSite::PressKey;
-  using RecordPagesSite::Tick;
-  using RecordPagesSite::Type;
-  using RecordPagesSite::TypeOver;
+  using RecordPagesFixture::Check;
+  using RecordPagesFixture::ChooseIn;
+  using RecordPagesFixture::ClickCell;
+  using RecordPagesFixture::EditCell;
+  using RecordPagesFixture::Enter;
+  using RecordPagesFixture::PressKey;
+  using RecordPagesFixture::Tick;
+  using RecordPagesFixture::Type;
+  using RecordPagesFixture::TypeOver;
 
-  int TabOnShow() { return Window().Tabs().TabOnShow(); }
+  int CurrentTab() { return Window().Tabs().CurrentTab(); }
   RecipeGrid& Lines() { return Find<RecipeGrid>(u"grdREC"_qs); }
 
   void EditLine(int row, RecipeColumn column, std::string_view text) {
@@ -106,7 +106,7 @@ struct Entry {
   const char* what;
   int tab;
   // Leaves the focus in the field or cell with what was typed.
-  std::function<void(CommitSite&)> begin;
+  std::function<void(CommitFixture&)> begin;
   // What the file has for it.
   std::function<std::string(SQLite::Database&)> stored;
   std::string before;
@@ -123,20 +123,20 @@ inline std::string LineText(SQLite::Database& file, int recipe, std::size_t line
 
 inline const std::vector<Entry> kEntries = {
     {"IngredientName", kTabIngredients,
-     [](CommitSite& site) {
+     [](CommitFixture& site) {
        site.ChooseIn("cboIngID", kCorn);
        site.TypeOver("txtIngName", "MAIZE ");
      },
      [](SQLite::Database& file) { return ReadIngredient(file, kCorn).name; }, "CORN", "MAIZE"},
     {"IngredientDescription", kTabIngredients,
-     [](CommitSite& site) {
+     [](CommitFixture& site) {
        site.ChooseIn("cboIngID", kCorn);
        site.TypeOver("txtIngDesc", "Maize ");
      },
      [](SQLite::Database& file) { return ReadIngredient(file, kCorn).description; }, "Corn Rolled",
      "Maize"},
     {"DryMatter", kTabIngredients,
-     [](CommitSite& site) {
+     [](CommitFixture& site) {
        site.ChooseIn("cboIngID", kCorn);
        site.TypeOver("txtIngDryMatter", "150");
      },
@@ -145,38 +145,39 @@ inline const std::vector<Entry> kEntries = {
      },
      "88", "100"},
     {"HandAdd", kTabIngredients,
-     [](CommitSite& site) {
+     [](CommitFixture& site) {
        site.ChooseIn("cboIngID", kCorn);
        site.Tick("chkIngHandAdd");
      },
      [](SQLite::Database& file) { return std::to_string(ReadIngredient(file, kCorn).hand_add); },
      "0", "1"},
     {"IngredientCell", kTabIngredients,
-     [](CommitSite& site) { site.EditCell("grdING", kCorn, "DryMatter%", "70"); },
+     [](CommitFixture& site) { site.EditCell("grdING", kCorn, "DryMatter%", "70"); },
      [](SQLite::Database& file) {
        return std::to_string(ReadIngredient(file, kCorn).dry_matter_percent);
      },
      "88", "70"},
-    {"RecipeName", kTabRecipes, [](CommitSite& site) { site.TypeOver("txtRecName", "STEERS"); },
+    {"RecipeName", kTabRecipes, [](CommitFixture& site) { site.TypeOver("txtRecName", "STEERS"); },
      [](SQLite::Database& file) { return ReadRecipe(file, 1).name; }, "REC1", "STEERS"},
     {"RecipeDescription", kTabRecipes,
-     [](CommitSite& site) { site.TypeOver("txtRecDesc", "Steers "); },
+     [](CommitFixture& site) { site.TypeOver("txtRecDesc", "Steers "); },
      [](SQLite::Database& file) { return ReadRecipe(file, 1).description; }, "Recipe", "Steers"},
     {"RationTarget", kTabRecipes,
-     [](CommitSite& site) { site.TypeOver("txtRecRationTarget", "7000"); },
+     [](CommitFixture& site) { site.TypeOver("txtRecRationTarget", "7000"); },
      [](SQLite::Database& file) { return ReadRecipe(file, 1).ration_target; }, "5000", "7000"},
     {"HeadCount", kTabRecipes,
-     [](CommitSite& site) {
+     [](CommitFixture& site) {
        site.ChooseIn("cboRecID", 3);
        site.TypeOver("txtRecHeadCount", "1001");
      },
      [](SQLite::Database& file) { return std::to_string(ReadRecipe(file, 3).head_count); }, "0",
      "100"},
-    {"WeightOfALine", kTabRecipes, [](CommitSite& site) { site.EditLine(1, kColumnTarget, "900"); },
+    {"WeightOfALine", kTabRecipes,
+     [](CommitFixture& site) { site.EditLine(1, kColumnTarget, "900"); },
      [](SQLite::Database& file) { return LineText(file, 1, 1, &RecipeLineRecord::target); }, "800",
      "900"},
     {"ShareOfALine", kTabRecipes,
-     [](CommitSite& site) {
+     [](CommitFixture& site) {
        site.ChooseIn("cboRecID", kByPercent);
        site.EditLine(1, kColumnIngredientPercent, "39.5");
      },
@@ -184,23 +185,23 @@ inline const std::vector<Entry> kEntries = {
        return LineText(file, kByPercent, 1, &RecipeLineRecord::ingredient_percent);
      },
      "40", "39.50"},
-    {"LineInTheEntryRow", kTabRecipes, [](CommitSite& site) { site.ComposeLine(); },
+    {"LineInTheEntryRow", kTabRecipes, [](CommitFixture& site) { site.ComposeLine(); },
      [](SQLite::Database& file) { return LineText(file, 1, 2, &RecipeLineRecord::target); },
      "no line", "500"},
     {"PenFeed", kTabPens,
-     [](CommitSite& site) {
+     [](CommitFixture& site) {
        site.ChooseIn("cboPenID", kFreshPen);
        site.TypeOver("txtPenFeed", "0070");
      },
      [](SQLite::Database& file) { return ReadPen(file, kFreshPen).feed_amount; }, "0", "70"},
     {"PenName", kTabPens,
-     [](CommitSite& site) {
+     [](CommitFixture& site) {
        site.ChooseIn("cboPenID", kFreshPen);
        site.TypeOver("txtPenName", "a09");
      },
      [](SQLite::Database& file) { return ReadPen(file, kFreshPen).description; }, "", "A09"},
     {"PenCell", kTabPens,
-     [](CommitSite& site) { site.EditCell("grdPEN", kFreshPen, "FeedAmount", "70"); },
+     [](CommitFixture& site) { site.EditCell("grdPEN", kFreshPen, "FeedAmount", "70"); },
      [](SQLite::Database& file) { return ReadPen(file, kFreshPen).feed_amount; }, "0", "70"},
 };
 

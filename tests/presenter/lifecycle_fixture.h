@@ -114,22 +114,22 @@ class DiaryWindow : public DatabaseWindow, public TabFolderWindow, public Comman
 };
 
 // Answers for files of an earlier generation, and keeps what it was asked about.
-class ScriptedEarlierDatabases : public EarlierDatabases {
+class ScriptedEarlierDatabases : public LegacyOpener {
  public:
-  EarlierDatabase Offer(DatabaseKind kind, const std::filesystem::path& path) override {
+  LegacyOpening Offer(DatabaseKind kind, const std::filesystem::path& path) override {
     asked.emplace_back(kind, path);
     return answer;
   }
 
-  EarlierDatabase answer;
+  LegacyOpening answer;
   std::vector<std::pair<DatabaseKind, std::filesystem::path>> asked;
 };
 
 // A program's directory with both templates, an application data folder, and the lifecycle in a
 // window that has just been loaded: both databases closed.
-class LifecycleSite : public ::testing::Test {
+class LifecycleFixture : public ::testing::Test {
  protected:
-  LifecycleSite();
+  LifecycleFixture();
 
   // A user's database in the data folder, created on 2025-03-01.
   std::filesystem::path MakeUserFile(const std::string& name, DatabaseKind kind,
@@ -161,19 +161,19 @@ class LifecycleSite : public ::testing::Test {
   CommandStates commands_;
   TabFolder tabs_{commands_, window_};
   ScriptedEarlierDatabases earlier_;
-  DatabaseLifecycle databases_{{.op = operator_,
-                                .files = chooser_,
-                                .system = system_,
-                                .app_folder = app_folder_,
-                                .settings = settings_,
-                                .calendar = calendar_,
-                                .identity = identity_,
-                                .delay = delay_,
-                                .commands = commands_,
-                                .tabs = tabs_,
-                                .window = window_,
-                                .earlier = &earlier_},
-                               std::chrono::milliseconds(0)};
+  DatabaseCommands databases_{{.op = operator_,
+                               .files = chooser_,
+                               .system = system_,
+                               .app_folder = app_folder_,
+                               .settings = settings_,
+                               .calendar = calendar_,
+                               .identity = identity_,
+                               .delay = delay_,
+                               .commands = commands_,
+                               .tabs = tabs_,
+                               .window = window_,
+                               .earlier = &earlier_},
+                              std::chrono::milliseconds(0)};
 };
 
 }  // namespace vrx::testing

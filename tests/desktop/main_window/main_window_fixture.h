@@ -34,10 +34,10 @@ class KeptExitRoads : public ExitRoads {
 
 // `VRXMAIN` with real widgets, a program's directory with both templates and an application data
 // folder. Everything but the widgets is scripted.
-class MainWindowSite : public ::testing::Test {
+class MainWindowFixture : public ::testing::Test {
  protected:
-  MainWindowSite();
-  ~MainWindowSite() override;
+  MainWindowFixture();
+  ~MainWindowFixture() override;
 
   // Makes VRXMAIN, as it stands after its Load. Does nothing the second time.
   VrxMain& Main();

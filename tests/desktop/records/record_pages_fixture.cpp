@@ -1,4 +1,4 @@
-#include "desktop/records/record_pages_site.h"
+#include "desktop/records/record_pages_fixture.h"
 
 #include <QAbstractItemView>
 #include <QTabBar>
@@ -23,7 +23,7 @@ void AddLine(SQLite::Database& database, int recipe, int ingredient, const std::
 
 }  // namespace
 
-RecordPagesSite::RecordPagesSite() : path_(MakeUserFile("YARD.RDB", DatabaseKind::kRecipe)) {
+RecordPagesFixture::RecordPagesFixture() : path_(MakeUserFile("YARD.RDB", DatabaseKind::kRecipe)) {
   settings_.SetEnableBeeperOn(true);
   settings_.SetAutoAbbreviateOn(true);
   SQLite::Database database = OpenDatabase(path_, Access::kWrite, std::chrono::milliseconds{20});
@@ -44,7 +44,7 @@ RecordPagesSite::RecordPagesSite() : path_(MakeUserFile("YARD.RDB", DatabaseKind
   database.exec("COMMIT");
 }
 
-void RecordPagesSite::Enter(int tab) {
+void RecordPagesFixture::Enter(int tab) {
   Show();
   chooser_.Choose(path_);
   Choose(QStringLiteral("mnuFileOpenRecipeDB"));
@@ -56,26 +56,28 @@ void RecordPagesSite::Enter(int tab) {
   operator_.boxes.clear();
 }
 
-void RecordPagesSite::MakeStale() {
+void RecordPagesFixture::MakeStale() {
   Database().exec("UPDATE History SET Modified = NULL");
   Database().exec(
       "UPDATE RecipeRation SET [Ration%] = '11.111', DryMatter = '4321', BatchTarget = '1234'");
 }
 
-std::string RecordPagesSite::Modified() {
+std::string RecordPagesFixture::Modified() {
   return Database().execAndGet("SELECT ifnull(Modified, '') FROM History").getString();
 }
 
-void RecordPagesSite::Type(std::string_view text) {
+void RecordPagesFixture::Type(std::string_view text) {
   for (const QChar character : ToQString(text)) {
     QTest::sendKeyEvent(QTest::Click, QApplication::focusWidget(), Qt::Key_unknown,
                         QString(character), Qt::NoModifier);
   }
 }
 
-void RecordPagesSite::PressKey(Qt::Key key) { QTest::keyClick(QApplication::focusWidget(), key); }
+void RecordPagesFixture::PressKey(Qt::Key key) {
+  QTest::keyClick(QApplication::focusWidget(), key);
+}
 
-void RecordPagesSite::TypeOver(const char* box, std::string_view text) {
+void RecordPagesFixture::TypeOver(const char* box, std::string_view text) {
   Box(box).setFocus();
   Box(box).selectAll();
   if (text.empty()) {
@@ -84,21 +86,21 @@ void RecordPagesSite::TypeOver(const char* box, std::string_view text) {
   Type(text);
 }
 
-void RecordPagesSite::Fill(const char* box, std::string_view text) {
+void RecordPagesFixture::Fill(const char* box, std::string_view text) {
   TypeOver(box, text);
   PressKey(Qt::Key_Tab);
 }
 
-void RecordPagesSite::Press(const char* button) {
+void RecordPagesFixture::Press(const char* button) {
   QTest::mouseClick(&Find<QPushButton>(QLatin1String(button)), Qt::LeftButton);
 }
 
-void RecordPagesSite::Tick(const char* check) {
+void RecordPagesFixture::Tick(const char* check) {
   Check(check).setFocus(Qt::MouseFocusReason);
   PressKey(Qt::Key_Space);
 }
 
-void RecordPagesSite::ChooseIn(const char* list, int index) {
+void RecordPagesFixture::ChooseIn(const char* list, int index) {
   QComboBox& box = List(list);
   box.setFocus();
   box.showPopup();
@@ -109,7 +111,7 @@ void RecordPagesSite::ChooseIn(const char* list, int index) {
   RunEvents();
 }
 
-QModelIndex RecordPagesSite::Cell(const char* grid, int id, const std::string& field) {
+QModelIndex RecordPagesFixture::Cell(const char* grid, int id, const std::string& field) {
   const RecordListModel& model = Grid(grid).Model();
   for (int column = 0; column < model.columnCount(); ++column) {
     if (model.Column(column).field == field) {
@@ -119,19 +121,19 @@ QModelIndex RecordPagesSite::Cell(const char* grid, int id, const std::string& f
   throw std::logic_error("no column " + field);
 }
 
-std::string RecordPagesSite::CellText(const char* grid, int id, const std::string& field) {
+std::string RecordPagesFixture::CellText(const char* grid, int id, const std::string& field) {
   return Cell(grid, id, field).data().toString().toStdString();
 }
 
-void RecordPagesSite::ClickCell(const char* grid, int id, const std::string& field) {
+void RecordPagesFixture::ClickCell(const char* grid, int id, const std::string& field) {
   RecordListGrid& list = Grid(grid);
   const QModelIndex cell = Cell(grid, id, field);
   list.scrollTo(cell);
   QTest::mouseClick(list.viewport(), Qt::LeftButton, {}, list.visualRect(cell).center());
 }
 
-void RecordPagesSite::EditCell(const char* grid, int id, const std::string& field,
-                               std::string_view text) {
+void RecordPagesFixture::EditCell(const char* grid, int id, const std::string& field,
+                                  std::string_view text) {
   ClickCell(grid, id, field);
   PressKey(Qt::Key_F2);
   if (text.empty()) {
@@ -140,7 +142,7 @@ void RecordPagesSite::EditCell(const char* grid, int id, const std::string& fiel
   Type(text);
 }
 
-int RecordPagesSite::CurrentId(const char* grid) {
+int RecordPagesFixture::CurrentId(const char* grid) {
   const QModelIndex current = Grid(grid).currentIndex();
   return current.isValid() ? Grid(grid).Model().IdOf(current.row()) : 0;
 }

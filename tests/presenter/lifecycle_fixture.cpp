@@ -1,4 +1,4 @@
-#include "presenter/lifecycle_site.h"
+#include "presenter/lifecycle_fixture.h"
 
 #include <array>
 
@@ -24,7 +24,7 @@ void DiaryWindow::Rebind(DatabaseKind kind, const BoundDatabase& database) {
   if (on_rebind) {
     on_rebind(kind, database);
   }
-  Translated(*database.connection, [&] {
+  WithDatabaseErrors(*database.connection, [&] {
     SQLite::Statement(*database.connection, kind == DatabaseKind::kRecipe
                                                 ? "SELECT count(*) FROM Ingredient"
                                                 : "SELECT count(*) FROM Transactions")
@@ -83,7 +83,7 @@ std::vector<std::string> DiaryWindow::Panels(DatabaseKind kind) const {
   return texts;
 }
 
-LifecycleSite::LifecycleSite() {
+LifecycleFixture::LifecycleFixture() {
   fs::create_directory(program_);
   fs::create_directory(common_);
   for (const DatabaseKind kind : {DatabaseKind::kRecipe, DatabaseKind::kTransaction}) {
@@ -98,12 +98,13 @@ LifecycleSite::LifecycleSite() {
   diary_.clear();
 }
 
-fs::path LifecycleSite::Template(DatabaseKind kind) const {
+fs::path LifecycleFixture::Template(DatabaseKind kind) const {
   return program_ / TemplatePath(kind).filename();
 }
 
-fs::path LifecycleSite::MakeUserFile(const std::string& name, DatabaseKind kind,
-                                     const std::string& unit, const std::string& modified) const {
+fs::path LifecycleFixture::MakeUserFile(const std::string& name, DatabaseKind kind,
+                                        const std::string& unit,
+                                        const std::string& modified) const {
   fs::path path = app_folder_.DefaultAppPath() / name;
   fs::copy_file(TemplatePath(kind), path);
   fs::permissions(path, fs::perms::owner_write, fs::perm_options::add);
@@ -114,7 +115,7 @@ fs::path LifecycleSite::MakeUserFile(const std::string& name, DatabaseKind kind,
   return path;
 }
 
-std::vector<std::string> LifecycleSite::BoxTitles() const {
+std::vector<std::string> LifecycleFixture::BoxTitles() const {
   std::vector<std::string> titles;
   for (const MessageBox& box : operator_.boxes) {
     titles.push_back(box.title);

@@ -2,12 +2,12 @@
 
 #include <gtest/gtest.h>
 
-#include "desktop/records/record_pages_site.h"
+#include "desktop/records/record_pages_fixture.h"
 
 namespace vrx::testing {
 
 // The Ingredients tab on show.
-class IngredientsSite : public RecordPagesSite {
+class IngredientsFixture : public RecordPagesFixture {
  protected:
   void SetUp() override { Enter(kTabIngredients); }
 

@@ -25,7 +25,8 @@ class WalkLog : public LevelVisitor {
 
 // The same lines by the design's queries, one for each value of each level, one for its records and
 // one for each sum.
-std::vector<std::string> ToldWalk(const std::filesystem::path& database, int group,
-                                  const std::vector<std::string>& fields, std::string_view name);
+std::vector<std::string> SpecifiedWalk(const std::filesystem::path& database, int group,
+                                       const std::vector<std::string>& fields,
+                                       std::string_view name);
 
 }  // namespace vrx::testing

@@ -1,4 +1,4 @@
-#include "desktop/main_window/main_window_site.h"
+#include "desktop/main_window/main_window_fixture.h"
 
 #include <QApplication>
 
@@ -11,7 +11,7 @@ namespace vrx::testing {
 
 namespace fs = std::filesystem;
 
-MainWindowSite::MainWindowSite() {
+MainWindowFixture::MainWindowFixture() {
   fs::create_directory(program_);
   fs::create_directory(common_);
   CreateTemplate(program_ / kRecipeTemplateName, DatabaseKind::kRecipe);
@@ -26,9 +26,9 @@ MainWindowSite::MainWindowSite() {
   operator_.boxes.clear();  // a new INI file is told
 }
 
-MainWindowSite::~MainWindowSite() = default;
+MainWindowFixture::~MainWindowFixture() = default;
 
-VrxMain& MainWindowSite::Main() {
+VrxMain& MainWindowFixture::Main() {
   if (!main_) {
     main_ = std::make_unique<VrxMain>(VrxMain::Ports{.op = operator_,
                                                      .files = chooser_,
@@ -45,22 +45,22 @@ VrxMain& MainWindowSite::Main() {
   return *main_;
 }
 
-void MainWindowSite::Show() {
+void MainWindowFixture::Show() {
   Window().show();
   Window().activateWindow();
   RunEvents();
 }
 
 // A queued call may post another one.
-void MainWindowSite::RunEvents() {
+void MainWindowFixture::RunEvents() {
   constexpr int kRounds = 3;
   for (int round = 0; round < kRounds; ++round) {
     QApplication::processEvents();
   }
 }
 
-fs::path MainWindowSite::MakeUserFile(const std::string& name, DatabaseKind kind,
-                                      const std::string& unit) {
+fs::path MainWindowFixture::MakeUserFile(const std::string& name, DatabaseKind kind,
+                                         const std::string& unit) {
   const bool recipe = kind == DatabaseKind::kRecipe;
   fs::path path = app_folder_->DefaultAppPath() / name;
   fs::copy_file(program_ / (recipe ? kRecipeTemplateName : kTransactionTemplateName), path);
@@ -71,7 +71,7 @@ fs::path MainWindowSite::MakeUserFile(const std::string& name, DatabaseKind kind
   return path;
 }
 
-void MainWindowSite::Open(DatabaseKind kind) {
+void MainWindowFixture::Open(DatabaseKind kind) {
   const bool recipe = kind == DatabaseKind::kRecipe;
   const std::string name = recipe ? "YARD.RDB" : "Y2026.TDB";
   const fs::path path = MakeUserFile(name, kind);
@@ -80,7 +80,7 @@ void MainWindowSite::Open(DatabaseKind kind) {
   Choose(recipe ? u"mnuFileOpenRecipeDB"_qs : u"mnuFileOpenTransactionDB"_qs);
 }
 
-std::vector<int> MainWindowSite::TabsOn() {
+std::vector<int> MainWindowFixture::TabsOn() {
   std::vector<int> tabs;
   for (int tab = 0; tab < Tabs().count(); ++tab) {
     if (Tabs().isTabEnabled(tab)) {

@@ -1,4 +1,4 @@
-#include "export/told_levels.h"
+#include "export/specified_levels.h"
 
 #include <array>
 #include <cstddef>
@@ -258,8 +258,9 @@ void WalkLog::CloseGroup(const WalkedGroup& group) {
   lines_.push_back("close " + std::to_string(group.depth));
 }
 
-std::vector<std::string> ToldWalk(const std::filesystem::path& database, int group,
-                                  const std::vector<std::string>& fields, std::string_view name) {
+std::vector<std::string> SpecifiedWalk(const std::filesystem::path& database, int group,
+                                       const std::vector<std::string>& fields,
+                                       std::string_view name) {
   return LeveledReader(database, group, fields, name).Read();
 }
 

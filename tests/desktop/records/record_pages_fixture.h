@@ -8,7 +8,7 @@
 #include <vector>
 
 #include "database/records.h"
-#include "desktop/main_window/main_window_site.h"
+#include "desktop/main_window/main_window_fixture.h"
 #include "desktop/records/record_list.h"
 #include "widgets/fields.h"
 
@@ -19,9 +19,9 @@ inline constexpr int kHay = 7;
 
 // The whole window with a recipe database open: CORN and HAY, and the recipes 1 by weight, 2 by
 // percentage and 3 per head, each with a line of both.
-class RecordPagesSite : public MainWindowSite {
+class RecordPagesFixture : public MainWindowFixture {
  protected:
-  RecordPagesSite();
+  RecordPagesFixture();
 
   // Opens the database and turns to a tab as the operator does.
   void Enter(int tab);

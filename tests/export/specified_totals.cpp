@@ -1,4 +1,4 @@
-#include "export/told_totals.h"
+#include "export/specified_totals.h"
 
 #include <algorithm>
 #include <array>
@@ -12,8 +12,8 @@
 namespace vrx::testing {
 namespace {
 
-const std::array<ToldGroup, 13>& ToldGroups() {
-  static const std::array<ToldGroup, 13> groups{
+const std::array<SpecifiedGroup, 13>& SpecifiedGroups() {
+  static const std::array<SpecifiedGroup, 13> groups{
       {{{}, {}},
        {{"Transaction", "Type"}, {"Target"}},
        {{"Date", "Transaction", "Type"}, {"Target"}},
@@ -48,7 +48,7 @@ double WeightOf(const SiteRow& row, const std::string& field) {
 
 Key KeyOf(int group, const SiteRow& row) {
   Key key;
-  for (const std::string& level : Told(group).levels) {
+  for (const std::string& level : Specified(group).levels) {
     key.push_back(ValueOf(row, level));
   }
   return key;
@@ -84,11 +84,13 @@ bool IsNamed(int group, const SiteRow& row) {
 
 }  // namespace
 
-const ToldGroup& Told(int group) { return ToldGroups().at(static_cast<std::size_t>(group)); }
+const SpecifiedGroup& Specified(int group) {
+  return SpecifiedGroups().at(static_cast<std::size_t>(group));
+}
 
 std::vector<std::string> WeightsOf(int group, const Key& key) {
-  std::vector<std::string> weights = Told(group).weights;
-  if (Told(group).levels.back() == "Type") {
+  std::vector<std::string> weights = Specified(group).weights;
+  if (Specified(group).levels.back() == "Type") {
     weights.emplace_back(key.back() == "BATCH" ? "ActualBatch" : "ActualFeed");
   }
   return weights;

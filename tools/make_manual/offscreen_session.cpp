@@ -1,4 +1,4 @@
-#include "make_manual/studio.h"
+#include "make_manual/offscreen_session.h"
 
 #include <QApplication>
 #include <QFont>
@@ -18,7 +18,7 @@ void WriteMessage(QtMsgType /*type*/, const QMessageLogContext& /*context*/, con
 
 }  // namespace
 
-Studio::Studio(int scale) {
+OffscreenSession::OffscreenSession(int scale) {
   qputenv("QT_QPA_PLATFORM", "offscreen");
   qputenv("QT_SCALE_FACTOR", QByteArray::number(scale));
   for (const char* const kept_elsewhere : {"XDG_CONFIG_HOME", "XDG_DATA_HOME", "XDG_RUNTIME_DIR"}) {
@@ -31,7 +31,7 @@ Studio::Studio(int scale) {
   qInstallMessageHandler(WriteMessage);
 }
 
-void Studio::SetLook() {
+void OffscreenSession::SetLook() {
   QApplication::setStyle(QStyleFactory::create(QStringLiteral("Fusion")));
   QApplication::setFont(QFont(QStringLiteral("DejaVu Sans"), 9));
 }

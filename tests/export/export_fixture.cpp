@@ -1,4 +1,4 @@
-#include "export/export_site.h"
+#include "export/export_fixture.h"
 
 #include <algorithm>
 #include <cstddef>
@@ -136,14 +136,14 @@ std::vector<SiteRow> OtherRows() {
 
 }  // namespace
 
-ExportSite::ExportSite() : database_(folder_ / "YARD.TDB") {
+ExportFixture::ExportFixture() : database_(folder_ / "YARD.TDB") {
   CreateTemplate(database_, DatabaseKind::kTransaction);
   names_.SetIngredientColumnName("Ing01Wt", "CORN");
   names_.SetIngredientColumnName("Ing02Wt", "HAY");
   names_.SetIngredientColumnName("Ing03Wt", "SALT");
 }
 
-void ExportSite::Store(const std::vector<SiteRow>& rows) const {
+void ExportFixture::Store(const std::vector<SiteRow>& rows) const {
   SQLite::Database database(database_, SQLite::OPEN_READWRITE);
   SQLite::Transaction transaction(database);
   SQLite::Statement insert(
@@ -171,12 +171,12 @@ void ExportSite::Store(const std::vector<SiteRow>& rows) const {
   transaction.commit();
 }
 
-void ExportSite::Alter(const std::string& statements) const {
+void ExportFixture::Alter(const std::string& statements) const {
   SQLite::Database database(database_, SQLite::OPEN_READWRITE);
   database.exec(statements);
 }
 
-void ExportSite::StoreYard() const {
+void ExportFixture::StoreYard() const {
   Store(StarterRows());
   Store(OtherRows());
 }
