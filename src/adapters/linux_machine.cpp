@@ -24,7 +24,7 @@ namespace fs = std::filesystem;
 
 constexpr int kUnix = 4;
 constexpr int kNoPath = 3;
-constexpr int kBadProgram = 11;
+constexpr int kProgramNotStarted = 11;
 constexpr int kLargestFailure = 32;
 
 // Programs that show a machine's properties, the most detailed first.
@@ -129,7 +129,7 @@ bool LinuxOperatingSystem::StartProgram(const fs::path& program) {
 
 int LinuxOperatingSystem::OpenDocument(const fs::path& document) {
   const auto [code, call] = FindDocumentOpener(QString::fromStdString(document.string()));
-  return code > kLargestFailure && !Start(call) ? kBadProgram : code;
+  return code > kLargestFailure && !Start(call) ? kProgramNotStarted : code;
 }
 
 bool InputIsTerminal() { return isatty(STDIN_FILENO) != 0; }

@@ -234,7 +234,7 @@ int HistorySource::Run(Session& session, const std::function<int(HistoryGrid&)>&
         OpenDatabase(transactions_, Access::kRead, session.Context().busy_timeout);
     HistoryGrid grid(database);
     grid.RefreshIngredientColumns(ingredients);
-    grid.SetUp(*FindDataGroup(group_), name_, false);
+    grid.SetUp(*FindDataGroup(group_), name_);
     return work(grid);
   });
 }

@@ -15,6 +15,7 @@
 #include <SQLiteCpp/Exception.h>
 #include <SQLiteCpp/Transaction.h>
 
+#include "base/encoding.h"
 #include "base/files.h"
 #include "base/sha256.h"
 #include "base/sync.h"
@@ -134,7 +135,6 @@ void NewDatabaseFile::RemoveSide() {
   connection_.reset();
   std::error_code ignored;
   fs::remove(side_, ignored);
-  fs::remove(side_.string() + "-journal", ignored);
 }
 
 constexpr std::uint64_t kRowsOfAStep = 100;
@@ -381,7 +381,9 @@ void ReadLegacyRows(ProgramRunner& runner, const LegacyFile& file,
                     const std::vector<std::string>& tables, LegacyRowSink& sink,
                     const std::function<bool()>& go_on) {
   RowStreamReader rows(sink);
-  std::vector<std::string> arguments{std::filesystem::absolute(file.path).string()};
+  // Arguments are UTF-8, the name of an old file may be anything: its bytes become characters.
+  std::vector<std::string> arguments{
+      Windows1252ToUtf8(std::filesystem::absolute(file.path).string())};
   arguments.insert(arguments.end(), tables.begin(), tables.end());
   ProgramOutcome outcome;
   try {
