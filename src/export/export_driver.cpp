@@ -2,7 +2,6 @@
 
 #include <array>
 #include <filesystem>
-#include <random>
 #include <string>
 #include <system_error>
 #include <utility>
@@ -14,6 +13,7 @@
 #include "database/keep_database.h"
 #include "export/csv_export.h"
 #include "export/html_export.h"
+#include "export/work_folder.h"
 #include "export/xml_export.h"
 #include "history/columns.h"
 #include "history/data_group.h"
@@ -82,43 +82,6 @@ void RefuseStyleSheet(const fs::path& file, ExportFormat format, const StyleShee
     throw Error("cannot write " + file.string() +
                 ": the stylesheet beside it takes that name. Choose another name.");
   }
-}
-
-// A folder of its own below the system's temporary one, for a file that is only passed on; gone
-// with the object. Others have no access. Throws FileError.
-class WorkFolder {
- public:
-  WorkFolder();
-  ~WorkFolder();
-  WorkFolder(const WorkFolder&) = delete;
-  WorkFolder& operator=(const WorkFolder&) = delete;
-
-  const std::filesystem::path& Path() const { return path_; }
-
- private:
-  std::filesystem::path path_;
-};
-
-WorkFolder::WorkFolder() {
-  std::error_code error;
-  const fs::path common = fs::temp_directory_path(error);
-  if (error) {
-    throw FileError("cannot find the folder for temporary files: " + error.message());
-  }
-  do {
-    path_ = common / ("vrx-2260." + std::to_string(std::random_device{}()));
-  } while (!fs::create_directory(path_, error) && !error);
-  if (!error) {
-    fs::permissions(path_, fs::perms::owner_all, error);
-  }
-  if (error) {
-    throw FileError("cannot make the folder " + path_.string() + ": " + error.message());
-  }
-}
-
-WorkFolder::~WorkFolder() {
-  std::error_code ignored;
-  fs::remove_all(path_, ignored);
 }
 
 }  // namespace

@@ -42,7 +42,7 @@ std::string Taken(xmlChar* text) {
 
 std::string TextOf(xmlNodePtr node) { return Taken(xmlNodeGetContent(node)); }
 
-std::string_view NameOf(xmlNodePtr node) { return reinterpret_cast<const char*>(node->name); }
+std::string_view ElementOf(xmlNodePtr node) { return reinterpret_cast<const char*>(node->name); }
 
 std::string Attribute(xmlNodePtr node, std::string_view name) {
   return Taken(xmlGetProp(node, reinterpret_cast<const xmlChar*>(std::string(name).c_str())));
@@ -78,7 +78,7 @@ std::string WithoutSpareBlanks(std::string_view text) {
 
 void CollectCells(xmlNodePtr node, std::vector<std::string>& texts) {
   for (xmlNodePtr child : ElementsOf(node)) {
-    if (NameOf(child) != "tr") {
+    if (ElementOf(child) != "tr") {
       CollectCells(child, texts);
       continue;
     }
@@ -94,7 +94,7 @@ void CollectCells(xmlNodePtr node, std::vector<std::string>& texts) {
 
 xmlNodePtr FirstRecord(xmlNodePtr node) {
   for (xmlNodePtr child : ElementsOf(node)) {
-    if (NameOf(child) == "Record") {
+    if (ElementOf(child) == "Record") {
       return child;
     }
     if (xmlNodePtr record = FirstRecord(child); record != nullptr) {
@@ -109,7 +109,7 @@ class ExpectedTexts {
   std::vector<std::string> Of(xmlNodePtr root) {
     if (xmlNodePtr record = FirstRecord(root); record != nullptr) {
       for (xmlNodePtr field : ElementsOf(record)) {
-        fields_.emplace_back(NameOf(field));
+        fields_.emplace_back(ElementOf(field));
       }
     }
     const std::vector<xmlNodePtr> columns = ElementsOf(ElementsOf(root).front());
@@ -125,7 +125,7 @@ class ExpectedTexts {
   void AddBelow(xmlNodePtr node) {
     bool innermost = true;
     for (xmlNodePtr child : ElementsOf(node)) {
-      if (NameOf(child) == "Record") {
+      if (ElementOf(child) == "Record") {
         for (xmlNodePtr field : ElementsOf(child)) {
           texts_.push_back(TextOf(field));
         }
@@ -141,7 +141,7 @@ class ExpectedTexts {
   }
 
   void AddHeading(xmlNodePtr level) {
-    const std::string_view element = NameOf(level);
+    const std::string_view element = ElementOf(level);
     const std::string label(element == "Type" ? "" : element == "User_Id" ? "User" : element);
     const std::string value = Attribute(level, "Value");
     texts_.push_back(WithoutSpareBlanks(label + " " + (value.empty() ? "(no name)" : value)));

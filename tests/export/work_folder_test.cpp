@@ -5,7 +5,7 @@
 #include <gtest/gtest.h>
 
 #include "base/files.h"
-#include "export/export_driver.h"
+#include "export/work_folder.h"
 #include "support/environment.h"
 #include "support/temp_folder.h"
 

@@ -24,9 +24,9 @@ namespace fs = std::filesystem;
 using ::testing::HasSubstr;
 using ::testing::Not;
 
-constexpr std::size_t kLimit = std::size_t{16} * 1024 * 1024;
+constexpr std::size_t kLongestFile = std::size_t{16} * 1024 * 1024;
 
-std::string ReadAll(const fs::path& path) { return ReadFileBytes(path, kLimit); }
+std::string ReadAll(const fs::path& path) { return ReadFileBytes(path, kLongestFile); }
 
 class XmlExports : public ::testing::Test {
  protected:
