@@ -4,7 +4,7 @@
 
 #include <gtest/gtest.h>
 
-#include "desktop_folders.h"
+#include "adapters/desktop_folders.h"
 
 namespace vrx::testing {
 namespace {

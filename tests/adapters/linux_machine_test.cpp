@@ -10,8 +10,8 @@
 #include <gtest/gtest.h>
 #include <unistd.h>
 
-#include "desktop_folders.h"
-#include "pseudo_terminal.h"
+#include "adapters/desktop_folders.h"
+#include "adapters/pseudo_terminal.h"
 #include "support/environment.h"
 
 namespace vrx::testing {

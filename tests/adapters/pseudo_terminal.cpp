@@ -1,4 +1,4 @@
-#include "pseudo_terminal.h"
+#include "adapters/pseudo_terminal.h"
 
 #include <array>
 #include <cerrno>

@@ -4,8 +4,8 @@
 
 #include <gtest/gtest.h>
 
-#include "cpu_meter.h"
-#include "one_event.h"
+#include "adapters/cpu_meter.h"
+#include "adapters/one_event.h"
 
 namespace vrx::testing {
 namespace {

@@ -14,7 +14,7 @@
 #include <unistd.h>
 
 #include "platform/serial_control.h"
-#include "pseudo_terminal.h"
+#include "adapters/pseudo_terminal.h"
 #include "support/temp_folder.h"
 
 namespace vrx::testing {

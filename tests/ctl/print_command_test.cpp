@@ -8,7 +8,7 @@
 
 #include <gmock/gmock.h>
 
-#include "ctl_fixture.h"
+#include "ctl/ctl_fixture.h"
 #include "support/printed_pages.h"
 
 namespace vrx::testing {
