@@ -2,9 +2,11 @@
 # are the same, so all of the tests' own code is position independent and not optimized: a build
 # from nothing spends most of its time on the tests, and hardly any of them gains by being fast.
 # SQLiteCpp is not among them: it defines macros.
+# ccache needs the preprocessed text.
+set(VRX_TEST_OPTIONS $<$<AND:$<BOOL:${VRX_UNITY}>,$<CXX_COMPILER_ID:GNU>>:-fpch-preprocess>)
 add_library(vrx_test_headers OBJECT ${CMAKE_SOURCE_DIR}/cmake/test_headers.cpp)
 target_link_libraries(vrx_test_headers PRIVATE vrx_compiler GTest::gmock)
-target_compile_options(vrx_test_headers PRIVATE -O0 -fPIC)
+target_compile_options(vrx_test_headers PRIVATE -O0 -fPIC ${VRX_TEST_OPTIONS})
 target_precompile_headers(vrx_test_headers PRIVATE
   <gmock/gmock.h> <gtest/gtest.h>
   <algorithm> <array> <chrono> <cstdint> <filesystem> <fstream> <functional> <map> <memory>
@@ -12,7 +14,7 @@ target_precompile_headers(vrx_test_headers PRIVATE
 
 # vrx_tests_code(TARGET): compiles a target of the tests as described above.
 function(vrx_tests_code target)
-  target_compile_options(${target} PRIVATE -O0 -fPIC)
+  target_compile_options(${target} PRIVATE -O0 -fPIC ${VRX_TEST_OPTIONS})
   target_link_libraries(${target} PRIVATE GTest::gmock)
   target_precompile_headers(${target} REUSE_FROM vrx_test_headers)
   set_target_properties(${target} PROPERTIES UNITY_BUILD_BATCH_SIZE 4)
