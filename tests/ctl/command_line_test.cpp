@@ -139,6 +139,14 @@ TEST_F(CtlTest, ASettingIsWrittenAndRead) {
   EXPECT_THAT(ReadAll(folder / "data/VRX-2260.INI"), HasSubstr("EnableBeeper=NO"));
 }
 
+TEST_F(CtlTest, EachBaudRateOfTheModuleIsASetting) {
+  for (const char* const rate : {"1200", "2400", "9600", "19200"}) {
+    EXPECT_EQ(Run({"settings", "KRMBaudRate", rate}), 0);
+    EXPECT_EQ(Run({"settings", "KRMBaudRate"}), 0);
+    EXPECT_EQ(out, rate + std::string("\n"));
+  }
+}
+
 // The program takes any text but YES as off.
 TEST_F(CtlTest, SettingsPrintTheValueInForce) {
   const std::filesystem::path ini = folder / "data/VRX-2260.INI";

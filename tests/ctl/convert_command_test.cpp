@@ -7,6 +7,7 @@
 #include <nlohmann/json.hpp>
 
 #include "ctl/ctl_fixture.h"
+#include "legacy/pen_file.h"
 
 namespace vrx::testing {
 namespace {
@@ -52,6 +53,28 @@ TEST_F(ConvertCommandTest, ReportsAsJson) {
   }
   EXPECT_EQ(report["notices"][0]["rows"], nlohmann::json::parse("[[1, 1]]"));
   EXPECT_EQ(Run({"show", Target("NEW.TDB"), "--group", "10", "--limit", "5"}), 0) << err;
+}
+
+TEST_F(ConvertCommandTest, ReportsIdsSumsAndTheUnitOfTheSystem) {
+  ASSERT_EQ(Run({"settings", "SystemUnits", "KG"}), 0);
+  JetWriter file;
+  AddPens(file);
+  file.AddRow({Whole(2), Text("N02"), Text("North"), Text("10")});
+  file.AddTable("RecipeRation", {{"RecipeID", JetWriter::kLong},
+                                 {"Ingredient", JetWriter::kLong},
+                                 {"Target", JetWriter::kDouble}});
+  file.AddRow({Whole(1), Whole(1), 12.5});
+  file.AddRow({Whole(101), Whole(1), 30.0});
+  file.Write(folder / "OLD.RDB");
+  EXPECT_EQ(Run({"convert", Target("OLD.RDB"), Target("NEW.RDB"), "--json"}), 0) << err;
+  const auto report = nlohmann::json::parse(out);
+  EXPECT_EQ(report["new"]["units"], "KG");
+  EXPECT_EQ(report["sums"], nlohmann::json::parse(R"([{"table": "RecipeRation",
+      "column": "Target", "old": 42.5, "new": 12.5}])"));
+  EXPECT_THAT(report["notices"], ::testing::Contains(nlohmann::json::parse(R"({"table": "Pen",
+      "ids": [[1, 1], [3, 400]],
+      "text": "no such row was read; the record has its defaults"})")));
+  EXPECT_EQ(report["refused"], 1);
 }
 
 TEST_F(ConvertCommandTest, AnInterruptStopsItAndLeavesNothing) {

@@ -94,6 +94,7 @@ TEST_F(DirectCommand, MissingBackupIsTold) {
 TEST_F(DirectCommand, WrongUsageIsRefused) {
   EXPECT_EQ(Run({"direct"}), 2);
   EXPECT_EQ(Direct({"--seconds", "0"}), 2);
+  EXPECT_EQ(Direct({"--seconds", "2000001"}), 2);
   EXPECT_EQ(Direct({"--seconds", "soon"}), 2);
   EXPECT_EQ(Run({"direct", "--port", "0", "--seconds", "1"}), 2);
 }

@@ -118,6 +118,15 @@ TEST_F(ImportCommands, StoreCopiesAndCounts) {
       "firstDate":"2009-01-15","lastDate":"2009-01-15"})"));
 }
 
+TEST_F(ImportCommands, InfoTellsTheFirstAndTheLastDate) {
+  const std::string into = NewTransactionDatabase();
+  ASSERT_EQ(Store(into), 0);
+  OpenDatabase(into, Access::kWrite)
+      .exec("UPDATE Transactions SET Date = '2009-02-03' WHERE rowid = 2");
+  EXPECT_EQ(Info(into)["firstDate"], "2009-01-15");
+  EXPECT_EQ(Info(into)["lastDate"], "2009-02-03");
+}
+
 TEST_F(ImportCommands, StoringAgainGoesOnBehindTheHighestNumber) {
   const std::string into = NewTransactionDatabase();
   ASSERT_EQ(Store(into), 0);

@@ -142,6 +142,14 @@ TEST_F(RecordFlows, ResetPenTellsTheCapacityThatIsStillNeeded) {
   EXPECT_EQ(err, "Set Pen Defaults: Reset pen #120 (PEN120) to its default values?\n");
 }
 
+TEST_F(RecordFlows, ResetOfAnotherRecordTellsNoCapacity) {
+  ASSERT_EQ(Run({"set", "pen", database, "350", "--feed", "20"}), 0);
+  for (const std::string kind : {"ingredient", "recipe"}) {
+    ASSERT_EQ(Run({"reset", kind, database, "5", "--yes"}), 0);
+    EXPECT_THAT(err, ::testing::Not(::testing::HasSubstr("capacity"))) << kind;
+  }
+}
+
 TEST_F(RecordFlows, WhereUsedListsOneEntryForEachLine) {
   MakeRecipe("12", "W");
   MakeRecipe("3", "W");

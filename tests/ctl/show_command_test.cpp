@@ -6,6 +6,8 @@
 #include <nlohmann/json.hpp>
 
 #include "ctl/ctl_fixture.h"
+#include "ctl_fixture.h"
+#include "support/database_files.h"
 #include "history/data_group.h"
 #include "support/small_history.h"
 
@@ -77,6 +79,17 @@ TEST_F(ShowCommands, ShowsTheRowsOfTheGridWithAllGroupsOpen) {
           "record\t2\t\t1\tSTEERS\t780\t800\t2\t02:20 PM\t15-Mar-11",
           "record\t2\t\t3\tSTEERS\t0\t300\t10\t10:00 AM\t15-Mar-11",
           "total\t1\t\tTotal:\t\t780\t1100\t\t\t"));
+}
+
+// Run with the rights of nobody: a superuser may write everywhere.
+TEST_F(ShowCommands, AWriteProtectedDatabaseIsShown) {
+  const TempFolder archive;
+  std::filesystem::copy_file(transactions, archive / "YARD.TDB");
+  transactions = (archive / "YARD.TDB").string();
+  std::filesystem::permissions(folder.Path(), std::filesystem::perms::all);
+  const WithoutWritePermission protection(archive.Path());
+  EXPECT_EQ(Show(8, {"--limit", "2"}), 0) << err;
+  EXPECT_EQ(Lines().size(), 3U);
 }
 
 TEST_F(ShowCommands, CollapsedShowsTheOutermostGroupsAlone) {

@@ -28,6 +28,11 @@ TEST_F(TerminalOperatorTest, PrintsTitleTextAndCause) {
   EXPECT_EQ(err.str(), "Error: One.\nTwo.\ncause: disk full\n");
 }
 
+TEST_F(TerminalOperatorTest, EndsATextAtItsLastLetter) {
+  Show({.title = "Error", .text = "One. \r\n \r\n"}, {});
+  EXPECT_EQ(err.str(), "Error: One.\n");
+}
+
 TEST_F(TerminalOperatorTest, PrintsNoCauseWhereThereIsNone) {
   Show({.title = "KRM Test", .text = "KRM Successfully Detected."}, {});
   EXPECT_EQ(err.str(), "KRM Test: KRM Successfully Detected.\n");
@@ -91,6 +96,18 @@ TEST_F(TerminalOperatorTest, ReportsACauseOnce) {
   EXPECT_EQ(err.str(), "KRM Error: Not detected.\ncause: no reply\ncause: the line is gone\n");
 }
 
+TEST_F(TerminalOperatorTest, TellsACauseAnewWithAnotherMessage) {
+  std::istringstream in;
+  ProgressLine line(err, false);
+  TerminalOperator op(in, err, line, {});
+  for (int time = 0; time < 2; ++time) {
+    op.ShowMessage({.title = "KRM Error", .text = "Not detected.", .cause = "no reply"});
+  }
+  EXPECT_EQ(
+      err.str(),
+      "KRM Error: Not detected.\ncause: no reply\nKRM Error: Not detected.\ncause: no reply\n");
+}
+
 TEST_F(TerminalOperatorTest, BeepsOnATerminalOnly) {
   std::istringstream in;
   ProgressLine line(err, false);
@@ -110,6 +127,20 @@ TEST(ProgressLine, ShowsThePercentageOfTheRange) {
     line.SetProgressValue(500);
   }
   EXPECT_EQ(err.str(), "Copying\r\x1B[KCopying  0%\r\x1B[KCopying  50%\r\x1B[K");
+}
+
+TEST(ProgressLine, BeginsAnewWithEachRangeAndMessage) {
+  std::ostringstream err;
+  ProgressLine line(err, true);
+  line.SetProgressMessage("Copying");
+  line.SetProgressRange(10);
+  line.SetProgressValue(5);
+  err.str("");
+  line.SetProgressRange(20);
+  EXPECT_EQ(err.str(), "\r\x1B[KCopying  0%");
+  err.str("");
+  line.SetProgressMessage("Checking");
+  EXPECT_EQ(err.str(), "\r\x1B[KChecking");
 }
 
 TEST(ProgressLine, DrawsNothingElsewhere) {
