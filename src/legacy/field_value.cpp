@@ -169,13 +169,10 @@ FieldValue ConvertNumberText(const FieldRule& rule, const LegacyValue& value, Re
   return *text;
 }
 
-// A number stands for its date.
+// Of a value that is no text. A number stands for its date.
 std::optional<JetMoment> MomentOf(const LegacyValue& value) {
   if (const auto* const stored = std::get_if<JetDate>(&value)) {
     return ToMoment(*stored);
-  }
-  if (std::holds_alternative<std::string>(value)) {
-    return std::nullopt;
   }
   const std::optional<double> number = NumberOf(value);
   return number ? ToMoment({*number}) : std::nullopt;

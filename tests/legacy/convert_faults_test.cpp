@@ -12,6 +12,8 @@
 #include "legacy/conversion_fixture.h"
 #include "legacy/convert.h"
 #include "legacy/jet_file.h"
+#include "legacy/convert.h"
+#include "legacy/row_stream.h"
 #include "support/private_mounts.h"
 
 namespace vrx::testing {
@@ -71,6 +73,28 @@ TEST(Reader, OfAnotherKindIsTold) {
 TEST(Reader, ThatFindsAnotherFileThanTheParentTellsItsKind) {
   ExpectRefusal("exit 22", "LEGACYR.RDB is protected by a database password");
   ExpectRefusal("exit 3", "is damaged: its list of tables cannot be read");
+}
+
+// The rows of a file one of whose tables cannot be read.
+std::string RowsWithDamagedTable(const std::string& name) {
+  std::string bytes;
+  RowStreamWriter rows([&bytes](std::string_view piece) { bytes += piece; });
+  rows.Directory({"Pen", name});
+  rows.DamagedTable(name);
+  rows.End();
+  return bytes;
+}
+
+TEST(Reader, ThatCannotReadATableOfRecordsIsTold) {
+  ConversionSite site;
+  const OtherReader reader(site, "exec cat '" + site.folder.Path().string() + "/rows'");
+  WriteBytes(site.folder / "rows", RowsWithDamagedTable("Recipe"));
+  EXPECT_THAT(site.Refusal(site.Data("LEGACYR.RDB")),
+              HasSubstr("LEGACYR.RDB is damaged: its table Recipe cannot be read. Copy it again"));
+  EXPECT_FALSE(fs::exists(site.copy));
+  WriteBytes(site.folder / "rows", RowsWithDamagedTable("History"));
+  EXPECT_THAT(NoticeLines(site.Convert(site.Data("LEGACYR.RDB"))),
+              ::testing::Contains("History: the table cannot be read and was left out"));
 }
 
 TEST(Reader, HasTenSecondsAndOneForEachMegabyteUpToAnHour) {

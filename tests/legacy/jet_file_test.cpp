@@ -65,6 +65,18 @@ TEST(JetFile, KnowsAPassword) {
   EXPECT_THAT(JetFileRefusal(JetFileKind::kPassword, "A.RDB"), HasSubstr("remove the password"));
 }
 
+// The writer's files are of the day 39937, the mask of a password.
+TEST(JetFile, KnowsTheTwoFormsOfNoPassword) {
+  const std::string masked = JetWriter().Bytes();
+  EXPECT_EQ(KindOf(masked), JetFileKind::kJet4);
+  std::string mask;
+  for (int part = 0; part < 10; ++part) {
+    mask += "\x01\x9C\0\0"sv;
+  }
+  EXPECT_EQ(KindOf(Changed(masked, 0x42, mask)), JetFileKind::kJet4);
+  EXPECT_EQ(KindOf(Changed(masked, 0x42, mask.substr(0, 36))), JetFileKind::kPassword);
+}
+
 TEST(JetFile, KnowsEncryptedPages) {
   EXPECT_EQ(KindOf(Changed(Fixture(), 0x3E, "\x12\x34\x56\x78")), JetFileKind::kEncrypted);
   EXPECT_THAT(JetFileRefusal(JetFileKind::kEncrypted, "A.RDB"), HasSubstr("Decrypt a copy"));
@@ -75,6 +87,8 @@ TEST(JetFile, KnowsACutOffFile) {
   EXPECT_EQ(KindOf(whole.substr(0, whole.size() - 1)), JetFileKind::kCutOff);
   EXPECT_EQ(KindOf(whole.substr(0, 100)), JetFileKind::kCutOff);
   EXPECT_EQ(KindOf(whole.substr(0, 20)), JetFileKind::kCutOff);
+  EXPECT_EQ(ClassifyJetFile(whole.substr(0, kJetPageSize - 1), 2 * kJetPageSize),
+            JetFileKind::kCutOff);
 }
 
 TEST(JetFile, DistinguishesFilesOfOtherKinds) {

@@ -29,6 +29,10 @@ TEST(JetText, TakesTurnsAtANul) {
             "B");
 }
 
+TEST(JetText, MayEndWithACharacterOfTwoBytes) {
+  EXPECT_EQ(DecodeJetText("\xFF\xFE\0\xAC\x20"sv), "\xE2\x82\xAC");
+}
+
 TEST(JetText, ReadsCharactersOfTwoUnits) {
   EXPECT_EQ(DecodeJetText("\x3D\xD8\x00\xDE"sv), "\xF0\x9F\x98\x80");
 }

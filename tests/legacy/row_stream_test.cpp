@@ -147,6 +147,26 @@ TEST(RowStream, LimitsARecordToOneMegabyte) {
   EXPECT_EQ(FailureOf(directory_of(1'048'577)), "a record of the rows is too long");
 }
 
+TEST(RowStream, RefusesWhatFollowsTheEndAndAnotherNumberOfTables) {
+  const std::string bytes = Stream();
+  constexpr std::size_t kEndRecord = 1 + 4 + 4;
+  EXPECT_EQ(FailureOf(bytes + bytes.substr(bytes.size() - kEndRecord)),
+            "a record of the rows is out of place");
+  std::string one_more = bytes;
+  ++one_more[bytes.size() - 4];
+  EXPECT_EQ(FailureOf(one_more), "tables were lost on the way");
+}
+
+TEST(RowStream, RefusesARecordThatIsLongerThanItsContent) {
+  std::string bytes;
+  RowStreamWriter writer([&bytes](std::string_view piece) { bytes += piece; });
+  writer.Directory({"Pen"});
+  writer.End();
+  ++bytes[kRowStreamMark.size() + 1];
+  bytes.insert(kRowStreamMark.size() + 5 + 11, 1, 'x');
+  EXPECT_EQ(FailureOf(bytes), "a record of the rows is too long");
+}
+
 TEST(RowStream, WritesWhatItHasFrom64KilobytesOn) {
   std::vector<std::size_t> pieces;
   RowStreamWriter writer([&pieces](std::string_view piece) { pieces.push_back(piece.size()); });

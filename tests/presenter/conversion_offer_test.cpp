@@ -94,6 +94,17 @@ TEST_F(ConversionOfferTest, AsksInTheToldWordsAndConvertsACopy) {
   EXPECT_EQ(site.Rows("SELECT count(*) FROM Pen")[0][0], "400");
 }
 
+TEST_F(ConversionOfferTest, TheUnitOfTheSystemIsThatOfAFileWithoutOne) {
+  settings.LetByKey("SystemUnits", "KG");
+  JetWriter file;
+  file.AddTable("Pen", {{"ID", JetWriter::kLong}});
+  file.Write(site.old_path);
+  op.answers = {Answer::kYes};
+  chooser.Choose(site.copy);
+  EXPECT_EQ(Offer(site.old_path).outcome, Outcome::kOpenCopy);
+  EXPECT_EQ(site.Rows("SELECT UoM FROM UnitsOfMeasure")[0][0], "KG");
+}
+
 TEST_F(ConversionOfferTest, ANoGoesOnAsForAnyFile) {
   op.answers = {Answer::kNo};
   EXPECT_EQ(Offer(site.Data("LEGACYR.RDB")).outcome, Outcome::kGoOn);
