@@ -9,6 +9,7 @@
 
 #include <gmock/gmock.h>
 
+#include "frame/error.h"
 #include "make_manual/manual_style.h"
 #include "make_manual/manual_text.h"
 #include "make_manual/pages.h"
@@ -90,6 +91,11 @@ TEST_F(ManualBoxes, KeepAllLinesOfCodeWithTheirAnnouncement) {
     EXPECT_EQ(boxes[i].decoration, code ? Decoration::kShaded : Decoration::kNone) << i;
   }
   EXPECT_NEAR(boxes[1].bottom, boxes[2].top, 1);  // the shade has no gap
+}
+
+TEST_F(ManualBoxes, RefuseALineOfCodeThatIsWiderThanThePage) {
+  EXPECT_NO_THROW(BoxesOf("Text:\n\n    " + std::string(90, 'x')));
+  EXPECT_THROW(BoxesOf("Text:\n\n    " + std::string(150, 'x')), Error);
 }
 
 TEST_F(ManualBoxes, KeepTwoRowsAtEitherEndOfATableAndRepeatItsHead) {

@@ -96,7 +96,7 @@ void CheckMarks(const Chapter& chapter, const QTextBlock& block) {
 
 Error ErrorAt(const Chapter& chapter, const QString& words, const std::string& what) {
   const auto before = chapter.source.left(chapter.source.indexOf(words));
-  return Error(chapter.file + ":" + std::to_string(before.count(u'\n') + 1) + ": " + what);
+  return Error{chapter.file + ":" + std::to_string(before.count(u'\n') + 1) + ": " + what};
 }
 
 // A table of Markdown ends at <br>, so it becomes a character. The blank before it, which goes

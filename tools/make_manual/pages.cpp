@@ -27,6 +27,9 @@ Box BoxOf(const QTextBlock& block) {
     box.heading = block.text();
   } else if (kind == BlockKind::kCode) {
     box.decoration = Decoration::kShaded;
+    if (block.layout()->lineCount() > 1) {
+      throw Error("a line of code is wider than the page: " + block.text().toStdString());
+    }
   } else if (kind == BlockKind::kFigure) {
     box.decoration = Decoration::kFramed;
     box.width = Dots(FigureIn(block).width());

@@ -27,7 +27,7 @@ struct Box {
 };
 
 // The document must be laid out. Two rows of a table stay together on either side of the end of a
-// page.
+// page. Throws Error for a line of code that is wider than the page.
 std::vector<Box> BoxesOf(const QTextDocument& document);
 
 // The boxes from `first` up to but without `end`.
