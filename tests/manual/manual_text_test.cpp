@@ -64,7 +64,7 @@ TEST(ManualSpans, TakeTheCharacterAfterABackslashAsItIs) {
 }
 
 TEST(ManualSpans, KeepWhatLooksLikeATagOrAQuotationInCode) {
-  const Spans spans = Parsed("see \"<NAK>\" and `a \"b\"`");
+  const Spans spans = Parsed(R"(see "<NAK>" and `a "b"`)");
   ASSERT_EQ(spans.size(), 4U);
   EXPECT_EQ(spans[1].text, "<NAK>");
   EXPECT_EQ(spans[1].quote, 1);
