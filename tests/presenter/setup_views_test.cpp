@@ -20,6 +20,14 @@ TEST(IniFileText, EndsEveryLineInCrLf) {
   EXPECT_EQ(IniFileText(folder.Write("b.ini", "")), "");
 }
 
+TEST(IniFileText, ShowsAMegabyteAndNoFileWithoutEnd) {
+  constexpr std::size_t kMegabyte = std::size_t{1024} * 1024;
+  const TempFolder folder;
+  EXPECT_EQ(IniFileText(folder.Write("a.ini", std::string(kMegabyte, 'x'))).size(), kMegabyte + 2);
+  const std::string cut = IniFileText(folder.Write("b.ini", std::string(3 * kMegabyte, 'x')));
+  EXPECT_LT(cut.size(), kMegabyte + 10);
+}
+
 TEST(IniFileText, AMissingFileIsTold) {
   const TempFolder folder;
   EXPECT_THROW(IniFileText(folder / "no.ini"), FileError);
