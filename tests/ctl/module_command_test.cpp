@@ -162,13 +162,6 @@ TEST_F(ModuleCommands, UploadWritesNothingWhereAnyNameExists) {
   EXPECT_EQ(ReadAll(folder / "out/02.RBU"), "mine");
 }
 
-TEST_F(ModuleCommands, UploadTellsAReplyThatIsNone) {
-  serial.WillAnswer(kOnline);
-  serial.WillAnswer("?\x1F{REPORT}\x1F");
-  EXPECT_EQ(Upload(), 1);
-  EXPECT_THAT(err, StartsWith("Error: unexpected reply\n"));
-}
-
 // On a terminal both streams share the screen.
 TEST_F(ModuleCommands, UploadPutsEachPathOnALineOfItsOwn) {
   err_is_terminal = true;
@@ -196,12 +189,6 @@ TEST_F(ModuleCommands, UploadOfAnEmptyMemoryFails) {
   EXPECT_EQ(Upload(), 1);
   EXPECT_THAT(err, StartsWith("The KRM buffer is empty\n"));
   EXPECT_FALSE(fs::exists(folder / "out"));
-}
-
-TEST_F(ModuleCommands, UploadOfUnknownDataFails) {
-  Holds("hello {WORLD}");
-  EXPECT_EQ(Upload(), 1);
-  EXPECT_THAT(err, StartsWith("No recognized data file!\n"));
 }
 
 TEST_F(ModuleCommands, UploadFromNoModuleFailsWithTheCause) {

@@ -149,10 +149,6 @@ TEST_F(UploadOverALine, ReplyCutInTheData) {
 
 TEST_F(UploadOverALine, LineGoneInTheData) { FailsThenWorks({"hang-up=40"}, "Error: "); }
 
-TEST_F(UploadOverALine, AnExtraTerminatorInTheData) {
-  FailsThenWorks({"extra-us", "--baud", "0"}, "Invalid terminators\n", false);
-}
-
 TEST_F(UploadOverALine, AnExtraTerminatorAtTheLinesOwnPace) {
   FailsThenWorks({"extra-us"}, "Invalid terminators\n", false);
 }

@@ -17,26 +17,8 @@ const std::string kReport = "{REPORT}\r\npage \xE9\r\n";
 const std::string kPage = "\f page two\r\n";
 const std::string kBackup = "{DATA_IN},L\r\n\r\n[ING]\r\n\r\n1,CORN,0\r\n";
 
-constexpr const char* kNotDetected =
-    "The KRM was not detected. Please verify that the module is connected. Check cable and "
-    "connector and then try again.";
-
-class UploadOnLine : public LineFixture {
+class UploadOnLine : public LineSite {
  protected:
-  void IsNotDetected(const std::string& cause) {
-    ASSERT_THAT(boxes_.boxes, SizeIs(1));
-    EXPECT_EQ(Box().title, "KRM Error");
-    EXPECT_EQ(Box().icon, Icon::kWarning);
-    EXPECT_EQ(Box().text, kNotDetected);
-    EXPECT_EQ(Box().cause, cause);
-    FailedWith("Error: KRM not detected");
-  }
-  void FailedWith(const std::string& status) {
-    EXPECT_EQ(Status(), (StatusLook{status, kStatusRed}));
-    EXPECT_THAT(Rows(), IsEmpty());
-    EXPECT_FALSE(Visible(u"frmDataFiles"_qs));
-    EXPECT_FALSE(Busy());
-  }
   void Save(int row, const fs::path& file) {
     ClickBox(row);
     chooser_.Choose(file);
@@ -143,79 +125,6 @@ TEST_F(UploadOnLine, BytesAreCountedAsTheyCome) {
   EXPECT_NE(counts.front(), counts.back());
 }
 
-TEST_F(UploadOnLine, AnEmptyMemoryEndsRedAndTheNextTryWorks) {
-  {
-    const auto module = Module("");
-    Upload();
-    FailedWith("The KRM buffer is empty");
-    EXPECT_EQ(Data(), "");
-  }
-  TheNextUploadWorks();
-}
-
-TEST_F(UploadOnLine, UnknownTextIsShownInRedAndTheNextTryWorks) {
-  {
-    const auto module = Module("not {ours}\r\n");
-    Upload();
-    FailedWith("No recognized data file!");
-    EXPECT_EQ(Data(), "not {ours}\n");
-  }
-  TheNextUploadWorks();
-}
-
-TEST_F(UploadOnLine, ASilentModuleIsNotDetectedAndTheNextTryWorks) {
-  {
-    const auto module = FaultyModule(kTransactions, "silent");
-    Upload();
-    IsNotDetected("no reply");
-  }
-  TheNextUploadWorks();
-}
-
-TEST_F(UploadOnLine, APortWithoutADeviceIsNotDetectedAndTheNextTryWorks) {
-  fs::create_symlink(folder_ / "unplugged", link_);
-  Upload();
-  IsNotDetected((folder_ / "unplugged").string() + ": no such device");
-  TheNextUploadWorks();
-}
-
-TEST_F(UploadOnLine, AModuleThatAnswersNonsenseIsNotDetectedAndTheNextTryWorks) {
-  {
-    const auto module = FaultyModule(kTransactions, "garbage");
-    Upload();
-    EXPECT_EQ(Box().text, kNotDetected);
-    FailedWith("Error: KRM not detected");
-  }
-  TheNextUploadWorks();
-}
-
-TEST_F(UploadOnLine, ATerminatorInTheDataIsToldAndTheNextTryWorks) {
-  {
-    const auto module = FaultyModule(kTransactions, "extra-us");
-    Upload();
-    FailedWith("Invalid terminators");
-  }
-  TheNextUploadWorks();
-}
-
-TEST_F(UploadOnLine, AModuleThatBreaksOffIsToldAndTheNextTryWorks) {
-  {
-    const auto module = FaultyModule(kTransactions, "cut-after=20");
-    Upload();
-    FailedWith("Error: Command response failed");
-  }
-  TheNextUploadWorks();
-}
-
-TEST_F(UploadOnLine, ALineThatHangsUpIsToldAndTheNextTryWorks) {
-  {
-    const auto module = FaultyModule(kTransactions, "hang-up=20");
-    Upload();
-    FailedWith("Error: Serial line lost");
-  }
-  TheNextUploadWorks();
-}
-
 TEST_F(UploadOnLine, ALinePulledAtAnyMomentIsToldAndTheNextTryWorks) {
   for (const Ms when : {Ms{200}, Ms{1100}, Ms{2300}}) {
     auto module = Module(kTransactions);
@@ -259,20 +168,6 @@ TEST_F(UploadOnLine, NeitherAnotherClickNorAChangeOfConnectionDisturbsIt) {
   EXPECT_THAT(boxes_.boxes, IsEmpty());
   EXPECT_FALSE(Direct());
   EXPECT_FALSE(Busy());
-}
-
-TEST_F(UploadOnLine, BytesAfterTheDumpAreIgnoredUnlessThereAreMany) {
-  {
-    const auto module = FaultyModule(kTransactions, "strays=16");
-    Upload();
-    EXPECT_EQ(Status(), (StatusLook{"Upload complete!  (29 bytes, 1 file)", kStatusGreen}));
-    Save(0, folder_ / "A.QXT");
-    EXPECT_EQ(ReadAll(folder_ / "A.QXT"), kTransactions);
-  }
-  const auto module = FaultyModule(kTransactions, "strays=17");
-  Upload();
-  EXPECT_EQ(Status(), (StatusLook{"Invalid terminators", kStatusRed}));
-  EXPECT_THAT(Rows(), IsEmpty());
 }
 
 // What an operator does with a module that came from the yard.
