@@ -5,12 +5,12 @@
 
 #include <gmock/gmock.h>
 
+#include "adapters/one_event.h"
+#include "adapters/pseudo_terminal.h"
 #include "adapters/qt_event_pump.h"
 #include "adapters/qt_serial_control.h"
 #include "link/krmcomm.h"
-#include "adapters/one_event.h"
 #include "presenter/upload.h"
-#include "adapters/pseudo_terminal.h"
 #include "settings/settings.h"
 #include "support/recording_operator.h"
 

@@ -9,10 +9,10 @@
 #include <termios.h>
 #include <unistd.h>
 
-#include "adapters/qt_event_pump.h"
 #include "adapters/cpu_meter.h"
 #include "adapters/one_event.h"
 #include "adapters/pseudo_terminal.h"
+#include "adapters/qt_event_pump.h"
 #include "support/temp_folder.h"
 
 namespace vrx::testing {

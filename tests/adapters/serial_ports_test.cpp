@@ -13,8 +13,8 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
-#include "platform/serial_control.h"
 #include "adapters/pseudo_terminal.h"
+#include "platform/serial_control.h"
 #include "support/temp_folder.h"
 
 namespace vrx::testing {

@@ -7,7 +7,6 @@
 #include <gmock/gmock.h>
 
 #include "ctl/ctl_fixture.h"
-#include "ctl/ctl_fixture.h"
 #include "support/database_files.h"
 #include "support/statement_counter.h"
 

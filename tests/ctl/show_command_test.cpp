@@ -7,8 +7,8 @@
 
 #include "ctl/ctl_fixture.h"
 #include "ctl_fixture.h"
-#include "support/database_files.h"
 #include "history/data_group.h"
+#include "support/database_files.h"
 #include "support/small_history.h"
 
 namespace vrx::testing {

@@ -96,7 +96,7 @@ TEST_F(TerminalOperatorTest, ReportsACauseOnce) {
   EXPECT_EQ(err.str(), "KRM Error: Not detected.\ncause: no reply\ncause: the line is gone\n");
 }
 
-TEST_F(TerminalOperatorTest, TellsACauseAnewWithAnotherMessage) {
+TEST_F(TerminalOperatorTest, ReportsACauseAnewWithAnotherMessage) {
   std::istringstream in;
   ProgressLine line(err, false);
   TerminalOperator op(in, err, line, {});

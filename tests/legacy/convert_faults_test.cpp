@@ -12,7 +12,6 @@
 #include "legacy/conversion_fixture.h"
 #include "legacy/convert.h"
 #include "legacy/jet_file.h"
-#include "legacy/convert.h"
 #include "legacy/row_stream.h"
 #include "support/private_mounts.h"
 
@@ -86,7 +85,7 @@ std::string RowsWithDamagedTable(const std::string& name) {
 }
 
 TEST(Reader, ThatCannotReadATableOfRecordsIsTold) {
-  ConversionSite site;
+  ConversionFixture site;
   const OtherReader reader(site, "exec cat '" + site.folder.Path().string() + "/rows'");
   WriteBytes(site.folder / "rows", RowsWithDamagedTable("Recipe"));
   EXPECT_THAT(site.Refusal(site.Data("LEGACYR.RDB")),

@@ -178,8 +178,8 @@ TEST(ConversionOfColumns, ReportsThoseThatAreMissingAndThoseWithoutAPlace) {
            "Customers: the table has no place in the new file and was left out"}));
 }
 
-TEST(ConversionOfColumns, TellsThoseOfAKindThatIsNotRead) {
-  ConversionSite site;
+TEST(ConversionOfColumns, ReportsThoseOfAKindThatIsNotRead) {
+  ConversionFixture site;
   JetWriter file = TransactionFile({{"Transaction", JetWriter::kLong},
                                     {"Recipe", JetWriter::kOle},
                                     {"Target", JetWriter::kOle}});
@@ -194,7 +194,7 @@ TEST(ConversionOfColumns, TellsThoseOfAKindThatIsNotRead) {
                                        "Transactions: the column Target" + words}));
 }
 
-TEST(ConversionOfTheMarker, TellsAnotherOneAndGoesByTheTables) {
+TEST(ConversionOfTheMarker, ReportsAnotherOneAndGoesByTheTables) {
   for (const char* const marker : {"USER_TRANS_DB", "NUL_RECIPE_DB", "SOMETHING"}) {
     ConversionFixture site;
     JetWriter file;
@@ -212,7 +212,7 @@ TEST(ConversionOfTheMarker, TellsAnotherOneAndGoesByTheTables) {
 
 TEST(ConversionOfTheMarker, DecidesWhereThereAreTablesOfBothKinds) {
   for (const char* const marker : {"USER_TRANS_DB", "NUL_TRANS_DB"}) {
-    ConversionSite site;
+    ConversionFixture site;
     JetWriter file;
     AddIdentity(file, marker);
     AddPens(file);
@@ -223,7 +223,7 @@ TEST(ConversionOfTheMarker, DecidesWhereThereAreTablesOfBothKinds) {
     EXPECT_THAT(NoticeLines(report),
                 Contains("Pen: the table has no place in the new file and was left out"));
   }
-  ConversionSite site;
+  ConversionFixture site;
   JetWriter undecided;
   AddIdentity(undecided, "SOMETHING");
   AddPens(undecided);
@@ -362,7 +362,7 @@ TEST(ConversionOfMoments, KeepsDayAndSecondHoweverTheyWereKept) {
 }
 
 TEST(ConversionOfMoments, ReadsTextsOfTheStoredForm) {
-  ConversionSite site;
+  ConversionFixture site;
   JetWriter file = TransactionFile({{"Time", JetWriter::kText}, {"Date", JetWriter::kText}});
   file.AddRow({Text("05:59:59"), Text("2009-07-06")});
   file.AddRow({Text("2009-07-06"), Text("40000")});

@@ -1,10 +1,10 @@
-#include "legacy/read_rows.h"
-
 #include <chrono>
 #include <cstdint>
 #include <limits>
 
 #include <gtest/gtest.h>
+
+#include "legacy/convert.h"
 
 namespace vrx::testing {
 namespace {

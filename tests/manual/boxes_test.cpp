@@ -9,7 +9,7 @@
 
 #include <gmock/gmock.h>
 
-#include "frame/error.h"
+#include "base/error.h"
 #include "make_manual/manual_style.h"
 #include "make_manual/manual_text.h"
 #include "make_manual/pages.h"

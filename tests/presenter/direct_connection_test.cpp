@@ -8,7 +8,6 @@
 #include "base/files.h"
 #include "exchange/recipe_text.h"
 #include "link/link_fixture.h"
-#include "link/link_fixture.h"
 #include "presenter/upload.h"
 #include "support/temp_folder.h"
 

@@ -207,7 +207,7 @@ TEST_F(HistoryPageTest, TheBoxesStandBesideTheChoicesWhereThereIsRoomElseBelow) 
 
 // For the printed page.
 
-TEST_F(HistoryPageTest, ReportsWhatIsOnShowAndWhetherItFitsThePage) {
+TEST_F(HistoryPageTest, ReportsWhatIsShownAndWhetherItFitsThePage) {
   ShowTab();
   auto& page = Find<HistoryPage>(u"pageBatchedFed"_qs);
   EXPECT_FALSE(page.FitAllColumns());

@@ -9,7 +9,6 @@
 #include "base/files.h"
 #include "desktop/next_modal.h"
 #include "desktop/transfer/transfer_fixture.h"
-#include "desktop/next_modal.h"
 
 namespace vrx::testing {
 namespace {

@@ -17,7 +17,7 @@ const std::string kReport = "{REPORT}\r\npage \xE9\r\n";
 const std::string kPage = "\f page two\r\n";
 const std::string kBackup = "{DATA_IN},L\r\n\r\n[ING]\r\n\r\n1,CORN,0\r\n";
 
-class UploadOnLine : public LineSite {
+class UploadOnLine : public LineFixture {
  protected:
   void Save(int row, const fs::path& file) {
     ClickBox(row);
