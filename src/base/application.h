@@ -4,11 +4,10 @@
 
 namespace vrx {
 
-// What the program calls itself: the title of a message box that has none of its own, and the name
-// of the per-user settings.
+// Title of message boxes without a title, and name of the per-user settings.
 inline constexpr std::string_view kApplicationTitle = "VRX(2260)";
 
-// The blank databases in the program's directory. They stay there and are only copied.
+// Blank databases in the program's directory. They are only copied, never opened for writing.
 inline constexpr std::string_view kRecipeTemplateName = "QXNULRDB.MDB";
 inline constexpr std::string_view kTransactionTemplateName = "QXNULXDB.MDB";
 

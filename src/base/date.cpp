@@ -8,7 +8,7 @@
 namespace vrx {
 namespace {
 
-// "12-34" by the mask "00-00": each 0 stands for a digit, everything else for itself.
+// Matches "12-34" with the mask "00-00": 0 is any digit, every other character is itself.
 bool HasForm(std::string_view text, std::string_view mask) {
   if (text.size() != mask.size()) {
     return false;
@@ -21,7 +21,7 @@ bool HasForm(std::string_view text, std::string_view mask) {
   return true;
 }
 
-// For digits that HasForm has seen.
+// Only for places that HasForm has checked to be digits.
 int ReadDigits(std::string_view text, std::size_t at, std::size_t count) {
   int value = 0;
   std::from_chars(text.data() + at, text.data() + at + count, value);

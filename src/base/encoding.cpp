@@ -12,7 +12,7 @@ namespace {
 
 constexpr unsigned kFirstSpecial = 0x80;
 
-// The characters of bytes 0x80 to 0x9F; all others stand for the character of their own number.
+// Characters of the bytes 0x80 to 0x9F. Every other byte is the character of the same number.
 constexpr std::array<char32_t, 32> kSpecials = {
     0x20AC, 0x0081, 0x201A, 0x0192, 0x201E, 0x2026, 0x2020, 0x2021, 0x02C6, 0x2030, 0x0160,
     0x2039, 0x0152, 0x008D, 0x017D, 0x008F, 0x0090, 0x2018, 0x2019, 0x201C, 0x201D, 0x2022,
@@ -20,7 +20,7 @@ constexpr std::array<char32_t, 32> kSpecials = {
 
 bool IsContinuationByte(char byte) { return (static_cast<unsigned char>(byte) & 0xC0U) == 0x80U; }
 
-// The first byte, and those that continue it, at most as many as it announces.
+// The first byte and its continuation bytes, at most as many as the first byte announces.
 std::string_view FirstSequence(std::string_view text) {
   const int announced = std::countl_one(static_cast<unsigned char>(text.front()));
   const std::size_t limit = announced >= 2 && announced <= 4 ? announced : 1;

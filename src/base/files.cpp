@@ -18,11 +18,19 @@ namespace fs = std::filesystem;
 
 namespace {
 
-// What the C library said about the operation that has just failed.
+// The error of the C library call that has just failed.
 std::error_code LastError() { return {errno != 0 ? errno : EIO, std::generic_category()}; }
 
 [[noreturn]] void FailToRead(const fs::path& path) {
   throw FileError("cannot read " + path.string() + ": " + LastError().message());
+}
+
+[[noreturn]] void FailToWrite(const fs::path& path, const std::string& why) {
+  throw FileError("cannot write " + path.string() + ": " + why);
+}
+
+[[noreturn]] void FailToWrite(const fs::path& path, const std::error_code& why) {
+  FailToWrite(path, why.message());
 }
 
 std::error_code CopyBytes(std::ifstream& in, std::FILE* out) {
@@ -37,7 +45,7 @@ std::error_code CopyBytes(std::ifstream& in, std::FILE* out) {
   return in.bad() ? LastError() : std::error_code();
 }
 
-// The standard library's own copy reports a full disk as a fault of the device.
+// Not std::filesystem::copy_file: it reports a full disk as an I/O error.
 std::error_code CopyToNewFile(const fs::path& source, const fs::path& destination) {
   errno = 0;
   std::ifstream in(source, std::ios::binary);
@@ -57,14 +65,6 @@ std::error_code CopyToNewFile(const fs::path& source, const fs::path& destinatio
     fs::remove(destination, ignored);
   }
   return error;
-}
-
-[[noreturn]] void Fail(const fs::path& path, const std::string& why) {
-  throw FileError("cannot write " + path.string() + ": " + why);
-}
-
-[[noreturn]] void Fail(const fs::path& path, const std::error_code& why) {
-  Fail(path, why.message());
 }
 
 fs::path ResolveLink(const fs::path& path) {
@@ -126,32 +126,32 @@ void WriteFileBytes(const fs::path& path, std::string_view bytes) {
 
 std::string FileTitle(const fs::path& path) { return UnicodeUpperCase(path.filename().string()); }
 
-AtomicFile::AtomicFile(const fs::path& path) : target_(ResolveLink(path)), side_(target_) {
+AtomicFile::AtomicFile(const fs::path& path) : target_(ResolveLink(path)), temporary_(target_) {
   const fs::file_status old = Status(target_);
   if (fs::is_directory(old)) {
-    Fail(target_, std::make_error_code(std::errc::is_a_directory));
+    FailToWrite(target_, std::make_error_code(std::errc::is_a_directory));
   }
   if (fs::exists(old) && !fs::is_regular_file(old)) {
-    Fail(target_, "it is a device or a pipe, not a file");
+    FailToWrite(target_, "it is a device or a pipe, not a file");
   }
-  side_ += "." + std::to_string(std::random_device{}()) + ".tmp";
+  temporary_ += "." + std::to_string(std::random_device{}()) + ".tmp";
   errno = 0;
-  out_.open(side_, std::ios::binary | std::ios::trunc);
+  out_.open(temporary_, std::ios::binary | std::ios::trunc);
   if (!out_) {
-    Fail(target_, LastError());
+    FailToWrite(target_, LastError());
   }
 }
 
 AtomicFile::~AtomicFile() {
   std::error_code ignored;
-  fs::remove(side_, ignored);
+  fs::remove(temporary_, ignored);
 }
 
 void AtomicFile::Write(std::string_view bytes) {
   errno = 0;
   out_.write(bytes.data(), static_cast<std::streamsize>(bytes.size()));
   if (!out_) {
-    Fail(target_, LastError());
+    FailToWrite(target_, LastError());
   }
 }
 
@@ -159,20 +159,20 @@ void AtomicFile::Commit() {
   errno = 0;
   out_.close();
   if (!out_) {
-    Fail(target_, LastError());
+    FailToWrite(target_, LastError());
   }
-  // A power cut must not leave the new name with the bytes still unwritten.
-  if (const std::error_code unsynced = SyncToDisk(side_)) {
-    Fail(target_, unsynced);
+  // Otherwise a power cut could leave the new name with missing bytes.
+  if (const std::error_code unsynced = SyncToDisk(temporary_)) {
+    FailToWrite(target_, unsynced);
   }
   std::error_code error;
   const fs::file_status old = Status(target_);
   if (fs::is_regular_file(old)) {
-    fs::permissions(side_, old.permissions(), error);
+    fs::permissions(temporary_, old.permissions(), error);
   }
-  fs::rename(side_, target_, error);
+  fs::rename(temporary_, target_, error);
   if (error) {
-    Fail(target_, error);
+    FailToWrite(target_, error);
   }
 }
 

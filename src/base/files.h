@@ -17,29 +17,29 @@ class FileError : public Error {
   using Error::Error;
 };
 
-// True if the path names anything, hidden files included.
-bool FileExists(const std::filesystem::path& path);
+// True if the path names anything: a file, hidden or not, a folder, a device.
+[[nodiscard]] bool FileExists(const std::filesystem::path& path);
 
-// Copies; false, with nothing changed, when the destination exists or the copy fails. `why` then
-// gets the system's reason, "File exists" in the first case.
-bool CopyFileNoOverwrite(const std::filesystem::path& source,
-                         const std::filesystem::path& destination, std::error_code* why = nullptr);
+// Returns false, and changes nothing, if the destination exists or the copy fails. `why` then gets
+// the system's error, "File exists" in the first case.
+[[nodiscard]] bool CopyFileNoOverwrite(const std::filesystem::path& source,
+                                       const std::filesystem::path& destination,
+                                       std::error_code* why = nullptr);
 
-// The bytes of a file; throws FileError. Reads at most `limit` bytes: a longer file gives its first
-// `limit` + 1, so that the caller can tell.
-std::string ReadFileBytes(const std::filesystem::path& path, std::size_t limit);
+// Reads a whole file; throws FileError. A file longer than `limit` returns its first `limit` + 1
+// bytes, so that the caller notices.
+[[nodiscard]] std::string ReadFileBytes(const std::filesystem::path& path, std::size_t limit);
 
-// Writes beside the path and renames, so that the file is the old one or the new one, whole. Throws
-// FileError with the old file untouched.
+// Replaces the file as AtomicFile does. Throws FileError and leaves the old file unchanged.
 void WriteFileBytes(const std::filesystem::path& path, std::string_view bytes);
 
-// The file name of a path in upper case, as the screen shows it.
-std::string FileTitle(const std::filesystem::path& path);
+// File name of the path in upper case, as the screen shows it.
+[[nodiscard]] std::string FileTitle(const std::filesystem::path& path);
 
-// A file written piece by piece beside its path, which it takes once it is whole. Until then the
-// path holds what it held before, and an object that goes without Commit leaves nothing behind.
-// A link stays, and what it points to is replaced; a folder, a device or a pipe is refused. Every
-// call throws FileError, which names the path and says why.
+// Writes to a temporary file in the same folder and renames it on Commit(). The old file remains
+// until then; destruction without Commit removes the temporary file. If the path is a link, its
+// target is replaced; a folder, device or pipe is refused. Every call throws FileError, which names
+// the path and the reason.
 class AtomicFile {
  public:
   explicit AtomicFile(const std::filesystem::path& path);
@@ -49,12 +49,12 @@ class AtomicFile {
 
   void Write(std::string_view bytes);
 
-  // Called once, after the last piece. The bytes are on the disk before the name is.
+  // Call once, after the last Write. Flushes the bytes to disk before renaming.
   void Commit();
 
  private:
   std::filesystem::path target_;
-  std::filesystem::path side_;
+  std::filesystem::path temporary_;
   std::ofstream out_;
 };
 

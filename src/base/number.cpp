@@ -12,7 +12,6 @@
 #include "base/text.h"
 
 namespace vrx {
-
 namespace {
 
 std::size_t SkipDigits(std::string_view text, std::size_t at) {
@@ -26,7 +25,7 @@ std::size_t SkipSign(std::string_view text, std::size_t at) {
   return at < text.size() && (text[at] == '+' || text[at] == '-') ? at + 1 : at;
 }
 
-// The grammar; std::from_chars alone would let "inf", "nan" and trailing text pass.
+// Needed because std::from_chars accepts "inf", "nan" and trailing text.
 bool HasNumberForm(std::string_view text) {
   const std::size_t first = SkipSign(text, 0);
   std::size_t at = SkipDigits(text, first);
@@ -49,7 +48,7 @@ bool HasNumberForm(std::string_view text) {
   return at == text.size();
 }
 
-// Tells the two ways out of a double's range apart, for a text of number form without sign.
+// Distinguishes underflow from overflow of a double. `text` has the form of a number, no sign.
 bool IsTooSmall(std::string_view text) {
   const std::size_t mark = text.find_first_of("eE");
   const std::string_view mantissa = text.substr(0, mark);
@@ -65,15 +64,16 @@ bool IsTooSmall(std::string_view text) {
   std::string_view exponent = text.substr(mark + 1);
   const bool negative = exponent.front() == '-';
   exponent.remove_prefix(SkipSign(exponent, 0));
-  long long value = std::numeric_limits<int>::max();  // stays for an exponent beyond its own range
+  long long value = std::numeric_limits<int>::max();  // kept if the exponent itself overflows
   std::from_chars(exponent.data(), exponent.data() + exponent.size(), value);
   return magnitude + static_cast<double>(negative ? -value : value) < 0;
 }
 
+// Significant decimal digits.
 constexpr int kDoubleDigits = 15;
 constexpr int kSingleDigits = 7;
 
-// A number as its significant decimal digits: 0.DIGITS times ten to the power of `point`. Zero has
+// A number by its significant decimal digits: 0.DIGITS times ten to the power of `point`. Zero has
 // no digits.
 struct Decimal {
   bool negative = false;
@@ -106,7 +106,7 @@ Decimal Decompose(Real value, int significant) {
   return decimal;
 }
 
-// Keeps `decimals` digits behind the point, halves away from zero.
+// Rounds to `decimals` digits after the point, halves away from zero.
 void Round(Decimal& decimal, int decimals) {
   const int keep = decimal.point + decimals;
   if (keep >= static_cast<int>(decimal.digits.size())) {
@@ -135,8 +135,7 @@ void Round(Decimal& decimal, int decimals) {
   }
 }
 
-// The digits from place `from` up to but without `to`, counted from the first significant one;
-// places without a digit read 0.
+// Digits [from, to), counted from the first significant one; 0 where there is no digit.
 std::string DigitRun(const Decimal& decimal, int from, int to) {
   std::string run;
   for (int place = from; place < to; ++place) {
@@ -147,8 +146,8 @@ std::string DigitRun(const Decimal& decimal, int from, int to) {
 }
 
 struct Pattern {
-  int whole = 0;     // at least so many digits ahead of the point
-  int decimals = 0;  // exactly so many behind it
+  int whole = 0;     // minimum number of digits before the point
+  int decimals = 0;  // exact number of digits after the point
 };
 
 Pattern ReadPattern(std::string_view pattern) {
@@ -176,7 +175,7 @@ std::string FormatDecimal(Decimal decimal, std::string_view pattern_text) {
   return text;
 }
 
-// Sizes that are written out; outside of them an exponent is shorter than the zeros.
+// Limits of Decimal::point for a text without exponent.
 constexpr int kLargestPoint = 15;
 constexpr int kSmallestPoint = -4;
 
@@ -223,7 +222,8 @@ std::optional<std::int32_t> RoundToLong(double value) {
   if (!std::isfinite(value)) {
     return std::nullopt;
   }
-  // Truncation and what it leaves are exact, so the mode of the floating-point unit has no say.
+  // Truncation and remainder are exact, so the result does not depend on the rounding mode of the
+  // floating-point unit.
   double whole = 0;
   const double rest = std::abs(std::modf(value, &whole));
   const bool odd = std::fmod(whole, 2.0) != 0.0;

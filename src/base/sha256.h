@@ -5,7 +5,7 @@
 
 namespace vrx {
 
-// Of the file's bytes, in lower-case hexadecimal. Only reads. Throws FileError.
-std::string Sha256OfFile(const std::filesystem::path& path);
+// Hash of a file's bytes in lower-case hexadecimal. Throws FileError.
+[[nodiscard]] std::string Sha256OfFile(const std::filesystem::path& path);
 
 }  // namespace vrx

@@ -5,8 +5,8 @@
 
 namespace vrx {
 
-// Waits until the file's bytes are on the disk, so that a power cut no longer loses them. A file
-// system that cannot say so has done what it can: no error.
-std::error_code SyncToDisk(const std::filesystem::path& path);
+// Flushes the file's bytes to disk, so that they survive a power cut. Not an error on a file system
+// that cannot flush.
+[[nodiscard]] std::error_code SyncToDisk(const std::filesystem::path& path);
 
 }  // namespace vrx

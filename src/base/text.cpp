@@ -7,7 +7,6 @@
 #include "base/encoding.h"
 
 namespace vrx {
-
 namespace {
 
 constexpr std::string_view kFallbackCaptionId = "1053";

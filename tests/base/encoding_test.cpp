@@ -18,7 +18,7 @@ TEST(Windows1252ToUtf8, LeavesAsciiAsItIs) {
   EXPECT_EQ(Windows1252ToUtf8(std::string(1, '\0')), std::string(1, '\0'));
 }
 
-TEST(Windows1252ToUtf8, KnowsTheCharactersBetween80And9F) {
+TEST(Windows1252ToUtf8, MapsTheBytes80To9F) {
   EXPECT_EQ(Windows1252ToUtf8("\x80"), "€");
   EXPECT_EQ(Windows1252ToUtf8("\x85"), "…");
   EXPECT_EQ(Windows1252ToUtf8("\x8A\x9A"), "Šš");
@@ -27,7 +27,7 @@ TEST(Windows1252ToUtf8, KnowsTheCharactersBetween80And9F) {
   EXPECT_EQ(Windows1252ToUtf8("\x9F"), "Ÿ");
 }
 
-TEST(Windows1252ToUtf8, KnowsTheUpperHalfOfLatin1) {
+TEST(Windows1252ToUtf8, MapsTheUpperHalfOfLatin1) {
   EXPECT_EQ(Windows1252ToUtf8("\xA0\xB0\xC4\xDF\xFF"), "\u00A0°Äßÿ");
 }
 
@@ -83,13 +83,13 @@ TEST(DecodeUtf8, ReadsWhatAppendUtf8Writes) {
   }
 }
 
-TEST(DecodeUtf8, KnowsTheFormOfTheStandard) {
+TEST(DecodeUtf8, DecodesSequencesOfEveryLength) {
   EXPECT_EQ(DecodeUtf8("\u20AC").character, 0x20AC);
   EXPECT_EQ(DecodeUtf8("\U0001F404").character, 0x1F404);
   EXPECT_EQ(DecodeUtf8(std::string_view("\0", 1)).character, 0);
 }
 
-TEST(CountCharacters, CountsWhatCanBeginOne) {
+TEST(CountCharacters, CountsEveryByteThatIsNotAContinuation) {
   EXPECT_EQ(CountCharacters(""), 0U);
   EXPECT_EQ(CountCharacters("F\u00FCtter \U0001F404"), 8U);
   for (const MalformedText& text : MalformedTexts()) {
@@ -105,14 +105,14 @@ TEST(FirstCharacters, CutsBetweenCharacters) {
   EXPECT_EQ(FirstCharacters("", 1), "");
 }
 
-TEST(Encoding, BringsEveryByteBack) {
+TEST(Encoding, RoundTripsEveryByte) {
   for (int byte = 0; byte < 256; ++byte) {
     const std::string bytes(1, static_cast<char>(byte));
     EXPECT_EQ(Utf8ToWindows1252(Windows1252ToUtf8(bytes)), bytes) << byte;
   }
 }
 
-TEST(Encoding, BringsRandomByteStringsBack) {
+TEST(Encoding, RoundTripsRandomByteStrings) {
   std::mt19937 random(20260105);
   std::uniform_int_distribution<int> byte(0, 255);
   for (int round = 0; round < 500; ++round) {
@@ -124,7 +124,7 @@ TEST(Encoding, BringsRandomByteStringsBack) {
   }
 }
 
-TEST(Encoding, TakesAnyBytesForUtf8) {
+TEST(Encoding, AcceptsAnyBytesAsUtf8) {
   std::mt19937 random(42);
   std::uniform_int_distribution<int> byte(0, 255);
   for (int round = 0; round < 2000; ++round) {

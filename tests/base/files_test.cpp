@@ -30,14 +30,14 @@ std::string FailureOf(Action action) {
   return "no failure";
 }
 
-TEST(FileExists, FindsFilesHiddenOnesAndFolders) {
+TEST(FileExists, FindsFilesHiddenFilesAndFolders) {
   const TempFolder folder;
   EXPECT_TRUE(FileExists(folder.Write("A.RDB", "")));
   EXPECT_TRUE(FileExists(folder.Write(".hidden", "")));
   EXPECT_TRUE(FileExists(folder.Path()));
 }
 
-TEST(FileExists, IsFalseForNothingThere) {
+TEST(FileExists, IsFalseForAMissingPath) {
   const TempFolder folder;
   EXPECT_FALSE(FileExists(folder / "A.RDB"));
   EXPECT_FALSE(FileExists(folder.Write("file", "") / "below"));
@@ -59,7 +59,7 @@ TEST(CopyFileNoOverwrite, RefusesAnExistingDestinationAndLeavesIt) {
   EXPECT_EQ(ReadAll(folder / "b"), "old");
 }
 
-TEST(CopyFileNoOverwrite, RefusesAMissingSourceOrFolderAndMakesNothing) {
+TEST(CopyFileNoOverwrite, RefusesAMissingSourceOrFolderAndCreatesNothing) {
   const TempFolder folder;
   EXPECT_FALSE(CopyFileNoOverwrite(folder / "none", folder / "b"));
   EXPECT_FALSE(FileExists(folder / "b"));
@@ -68,7 +68,7 @@ TEST(CopyFileNoOverwrite, RefusesAMissingSourceOrFolderAndMakesNothing) {
   EXPECT_EQ(EntriesOf(folder.Path()), 1);
 }
 
-TEST(CopyFileNoOverwrite, MakesACopyOfAReadOnlyTemplateThatCanBeWritten) {
+TEST(CopyFileNoOverwrite, CopyOfAReadOnlyTemplateIsWritable) {
   const TempFolder folder;
   fs::permissions(folder.Write("a", "x"), fs::perms::owner_read);
   ASSERT_TRUE(CopyFileNoOverwrite(folder / "a", folder / "b"));
@@ -83,7 +83,7 @@ TEST(ReadFileBytes, ReadsWholeFiles) {
   EXPECT_EQ(ReadFileBytes(folder.Write("empty", ""), 10), "");
 }
 
-TEST(ReadFileBytes, GivesOneByteMoreThanTheLimitOfALongerFile) {
+TEST(ReadFileBytes, ReturnsOneByteMoreThanTheLimitOfALongerFile) {
   const TempFolder folder;
   const fs::path path = folder.Write("a", "123456");
   EXPECT_EQ(ReadFileBytes(path, 7), "123456");
@@ -95,17 +95,19 @@ TEST(ReadFileBytes, GivesOneByteMoreThanTheLimitOfALongerFile) {
 
 TEST(ReadFileBytes, NamesTheFileAndTheReason) {
   const TempFolder folder;
-  const std::string failure = FailureOf([&] { ReadFileBytes(folder / "none", 10); });
+  const std::string failure =
+      FailureOf([&] { static_cast<void>(ReadFileBytes(folder / "none", 10)); });
   EXPECT_THAT(failure, HasSubstr((folder / "none").string()));
   EXPECT_THAT(failure, HasSubstr("No such file"));
 }
 
 TEST(ReadFileBytes, RefusesAFolder) {
   const TempFolder folder;
-  EXPECT_THAT(FailureOf([&] { ReadFileBytes(folder.Path(), 10); }), HasSubstr("directory"));
+  EXPECT_THAT(FailureOf([&] { static_cast<void>(ReadFileBytes(folder.Path(), 10)); }),
+              HasSubstr("directory"));
 }
 
-TEST(WriteFileBytes, MakesAndReplacesAFileAndLeavesNothingBesideIt) {
+TEST(WriteFileBytes, CreatesAndReplacesAFileAndLeavesNoOtherFile) {
   const TempFolder folder;
   WriteFileBytes(folder / "a", "first");
   EXPECT_EQ(ReadAll(folder / "a"), "first");
@@ -131,14 +133,14 @@ TEST(WriteFileBytes, ReplacesWhatALinkPointsTo) {
   EXPECT_EQ(ReadAll(folder / "a"), "y");
 }
 
-TEST(WriteFileBytes, NamesAFolderThatIsNotThere) {
+TEST(WriteFileBytes, NamesAMissingFolder) {
   const TempFolder folder;
   const std::string failure = FailureOf([&] { WriteFileBytes(folder / "none/a", "x"); });
   EXPECT_THAT(failure, HasSubstr((folder / "none/a").string()));
   EXPECT_THAT(failure, HasSubstr("No such file"));
 }
 
-TEST(WriteFileBytes, RefusesToReplaceAFolderAndLeavesNothingBeside) {
+TEST(WriteFileBytes, RefusesToReplaceAFolderAndLeavesNoOtherFile) {
   const TempFolder folder;
   fs::create_directory(folder / "a");
   EXPECT_THAT(FailureOf([&] { WriteFileBytes(folder / "a", "x"); }), HasSubstr("directory"));

@@ -1,5 +1,5 @@
-// Number texts against a slow reference that works on the exact decimal expansion of a value, and
-// against the way back.
+// Checks number texts with a slow reference that uses the exact decimal expansion of a value, and
+// by parsing them again.
 #include <array>
 #include <bit>
 #include <cmath>
@@ -19,7 +19,7 @@ constexpr std::array<const char*, 5> kPatterns = {"0", "0.0", "0.00", "0.000", "
 // A plain decimal text without sign, as whole digits and decimals.
 struct Expansion {
   std::string digits;
-  std::size_t whole = 0;  // so many of the digits stand ahead of the point
+  std::size_t whole = 0;  // number of digits before the point
 };
 
 // Every digit of a value: a double has at most 1074 decimals.
@@ -46,7 +46,7 @@ void AddOneAt(Expansion& number, std::size_t place) {
 
 enum class Tie { kEven, kAway };
 
-// Makes everything from `place` on 0.
+// Sets all digits from `place` on to 0.
 void RoundAt(Expansion& number, std::size_t place, Tie tie) {
   if (place >= number.digits.size()) {
     return;
@@ -179,7 +179,7 @@ TEST_F(NumberTexts, WholeNumbersOf32BitsComeBack) {
   }
 }
 
-TEST_F(NumberTexts, AnyBytesAreEitherANumberOrNone) {
+TEST_F(NumberTexts, AnyBytesParseWithoutFailure) {
   constexpr std::string_view kAlphabet = "0123456789.+-eE x";
   std::uniform_int_distribution<std::size_t> pick(0, kAlphabet.size() - 1);
   int numbers = 0;

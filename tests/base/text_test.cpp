@@ -21,9 +21,9 @@ TEST(TrimNulls, CutsAtTheFirstNullThenTrims) {
   EXPECT_EQ(TrimNulls("   "), "");
 }
 
-TEST(TrimBlanks, TakesBlanksAlone) { EXPECT_EQ(TrimBlanks("  \ta  "), "\ta"); }
+TEST(TrimBlanks, RemovesBlanksOnly) { EXPECT_EQ(TrimBlanks("  \ta  "), "\ta"); }
 
-TEST(UpperCase, TouchesAsciiLettersAlone) {
+TEST(UpperCase, ChangesAsciiLettersOnly) {
   EXPECT_EQ(UpperCase("Barley-2b \xC3\xA4"), "BARLEY-2B \xC3\xA4");
 }
 
@@ -34,13 +34,13 @@ TEST(EqualsIgnoringCase, ComparesWholeTexts) {
   EXPECT_FALSE(EqualsIgnoringCase("a", "b"));
 }
 
-TEST(CountChar, CountsThePlacesThatEqualTheCharacter) {
+TEST(CountChar, CountsOccurrences) {
   EXPECT_EQ(CountChar("a,b,c", ','), 2);
   EXPECT_EQ(CountChar("abc", ','), 0);
   EXPECT_EQ(CountChar("", ','), 0);
 }
 
-TEST(ValidDatabaseName, WantsOneToEightCharactersAheadOfTheFirstPoint) {
+TEST(ValidDatabaseName, NeedsOneToEightCharactersBeforeTheFirstDot) {
   EXPECT_TRUE(ValidDatabaseName("A"));
   EXPECT_TRUE(ValidDatabaseName("FEEDLOT1.RDB"));
   EXPECT_TRUE(ValidDatabaseName("LOT.2026.TDB"));

@@ -28,7 +28,7 @@ TEST(UnicodeUpperCase, MapsEachCharacterToOne) {
   }
 }
 
-TEST(UnicodeUpperCase, LeavesBytesThatAreNoUtf8) {
+TEST(UnicodeUpperCase, LeavesMalformedUtf8Unchanged) {
   const std::string latin = "f\xFCtter";
   EXPECT_EQ(UnicodeUpperCase(latin), "F\xFCTTER");
   EXPECT_EQ(UnicodeUpperCase("a\xE2\x82"), "A\xE2\x82");  // Cut off.

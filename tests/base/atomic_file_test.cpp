@@ -14,7 +14,7 @@ namespace fs = std::filesystem;
 
 constexpr std::size_t kLimit = 1000;
 
-class ReplacingFileTest : public ::testing::Test {
+class AtomicFileTest : public ::testing::Test {
  protected:
   long FilesInFolder() const { return std::distance(fs::directory_iterator(folder_.Path()), {}); }
 
@@ -22,7 +22,7 @@ class ReplacingFileTest : public ::testing::Test {
   fs::path path_ = folder_.Path() / "out.xml";
 };
 
-TEST_F(ReplacingFileTest, TakesItsPlaceOnlyOnceItIsWhole) {
+TEST_F(AtomicFileTest, ReplacesTheFileOnCommitOnly) {
   WriteFileBytes(path_, "old");
   AtomicFile file(path_);
   file.Write("one ");
@@ -33,7 +33,7 @@ TEST_F(ReplacingFileTest, TakesItsPlaceOnlyOnceItIsWhole) {
   EXPECT_EQ(FilesInFolder(), 1);
 }
 
-TEST_F(ReplacingFileTest, LeavesTheOldFileAndNothingElseWhenItIsGivenUp) {
+TEST_F(AtomicFileTest, WithoutCommitLeavesOnlyTheOldFile) {
   WriteFileBytes(path_, "old");
   {
     AtomicFile file(path_);
@@ -43,7 +43,7 @@ TEST_F(ReplacingFileTest, LeavesTheOldFileAndNothingElseWhenItIsGivenUp) {
   EXPECT_EQ(FilesInFolder(), 1);
 }
 
-TEST_F(ReplacingFileTest, NamesTheFileThatCannotBeMade) {
+TEST_F(AtomicFileTest, NamesTheFileThatCannotBeCreated) {
   const fs::path nowhere = folder_.Path() / "missing" / "out.xml";
   try {
     const AtomicFile file(nowhere);
@@ -53,7 +53,7 @@ TEST_F(ReplacingFileTest, NamesTheFileThatCannotBeMade) {
   }
 }
 
-TEST_F(ReplacingFileTest, RefusesAFolder) {
+TEST_F(AtomicFileTest, RefusesAFolder) {
   fs::create_directory(path_);
   try {
     const AtomicFile file(path_);
@@ -64,7 +64,7 @@ TEST_F(ReplacingFileTest, RefusesAFolder) {
   EXPECT_TRUE(fs::is_directory(path_));
 }
 
-TEST_F(ReplacingFileTest, RefusesAPipeEvenThroughALink) {
+TEST_F(AtomicFileTest, RefusesAPipeEvenThroughALink) {
   const fs::path pipe = folder_.Path() / "pipe";
   ASSERT_EQ(mkfifo(pipe.c_str(), S_IRUSR | S_IWUSR), 0);
   fs::create_symlink(pipe, path_);
