@@ -7,7 +7,7 @@ namespace vrx {
 class Calendar {
  public:
   virtual ~Calendar() = default;
-  virtual Date Today() const = 0;  // local date
+  [[nodiscard]] virtual Date Today() const = 0;  // local date
 };
 
 }  // namespace vrx

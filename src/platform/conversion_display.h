@@ -7,17 +7,17 @@
 
 namespace vrx {
 
-// Shows how far the conversion of a database has come, and its report.
+// Shows the progress of a database conversion, and its report.
 class ConversionDisplay : public ProgressDisplay {
  public:
-  // The progress is on show from the one to the other, and nothing else can be done meanwhile.
+  // Show and hide the progress, which blocks all other input.
   virtual void BeginProgress() = 0;
   virtual void EndProgress() = 0;
-  // The operator wants no more of it.
-  virtual bool Cancelled() const = 0;
+  // True once the operator has canceled the conversion.
+  [[nodiscard]] virtual bool Cancelled() const = 0;
 
-  // Returns when the operator has closed the report. UTF-8, lines by LF; `file_name` is what it is
-  // saved as unless the operator says otherwise.
+  // Returns when the operator has closed the report. `text` is UTF-8 with LF line ends; `file_name`
+  // is the default name for saving it.
   virtual void ShowReport(std::string_view text, const std::string& file_name) = 0;
 };
 

@@ -4,7 +4,7 @@
 
 namespace vrx {
 
-// Flags of a file dialog, to be combined.
+// Bit flags of a file dialog.
 enum FileDialogFlags : unsigned {
   kOverwritePrompt = 0x2,
   kHideReadOnly = 0x4,
@@ -16,25 +16,25 @@ struct FileDialog {
   std::string title;
   std::string filter;             // "Transactions (*.QXT)|*.QXT|All Files (*.*)|*.*"
   std::string default_extension;  // without the dot; added to a name typed without one
-  std::string start_folder = {};  // empty: wherever the platform last was
+  std::string start_folder = {};  // empty: the platform's last folder
   unsigned flags = 0;
 };
 
-// The answer to a file dialog: full path and file name. Both empty after a cancel.
+// Result of a file dialog. Both texts are empty after a cancel.
 struct FileChoice {
-  std::string path;
-  std::string title;
+  std::string path;   // full path
+  std::string title;  // file name
 
-  bool Cancelled() const { return path.empty(); }
+  [[nodiscard]] bool Cancelled() const { return path.empty(); }
 };
 
 class FileChooser {
  public:
   virtual ~FileChooser() = default;
-  virtual FileChoice ShowOpen(const FileDialog& dialog) = 0;
-  virtual FileChoice ShowSave(const FileDialog& dialog) = 0;
-  // Asks for a folder of the file system: its full path, empty after a cancel.
-  virtual std::string ShowFolder(const std::string& title) = 0;
+  [[nodiscard]] virtual FileChoice ShowOpen(const FileDialog& dialog) = 0;
+  [[nodiscard]] virtual FileChoice ShowSave(const FileDialog& dialog) = 0;
+  // Returns the full path of the chosen folder; empty after a cancel.
+  [[nodiscard]] virtual std::string ShowFolder(const std::string& title) = 0;
 };
 
 }  // namespace vrx

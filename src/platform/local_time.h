@@ -2,14 +2,13 @@
 
 #include <chrono>
 
-#include "platform/calendar.h"
+#include "base/date.h"
 
 namespace vrx {
 
-// A moment of the local calendar.
 struct LocalTime {
   Date date;
-  std::chrono::seconds time_of_day{0};
+  std::chrono::seconds time_of_day{0};  // since midnight
 };
 
 }  // namespace vrx

@@ -15,31 +15,31 @@ struct MessageBox {
   Buttons buttons = Buttons::kOk;
   std::string title;
   std::string text;
-  // What lies behind the told words, for whoever looks closer ("is cut off: 8192 bytes instead of
-  // 40960"). Empty where the text says it all.
+  // Technical cause in addition to the specified text, such as "is cut off: 8192 bytes instead of
+  // 40960". Empty if the text is sufficient.
   std::string cause = {};
-  // Enter presses the button that refuses. For a question whose other answer overwrites, repeats or
-  // relabels data.
+  // Makes the refusing button the default. For questions where the other answer overwrites, repeats
+  // or relabels data.
   bool refuses_by_default = false;
 };
 
 enum class StatusColor { kBlue, kRed, kGreen };  // busy, error, success
 
-// The person at the machine: is told things, answers questions.
+// The person at the machine: sees messages and answers questions.
 class Operator {
  public:
   virtual ~Operator() = default;
 
-  // Returns the button pressed; kOk for a box that has only OK.
+  // Returns the pressed button; kOk for a box with OK only.
   virtual Answer ShowMessage(const MessageBox& box) = 0;
 
-  // Sounds at once, whatever the beeper setting says; see BeepIfEnabled for the gated beep.
+  // Ignores the beeper setting; see BeepIfEnabled.
   virtual void Beep() = 0;
 
-  // Hourglass on or off. Not counted: off ends every on.
+  // Turns the busy cursor on or off. Calls do not nest: one off ends every on.
   virtual void SetBusy(bool busy) = 0;
 
-  // The one-line status of transfers. An empty text clears it.
+  // The status line of transfers. An empty text clears it.
   virtual void SetStatusLine(std::string_view text) = 0;
   virtual void SetStatusColor(StatusColor color) = 0;
 };

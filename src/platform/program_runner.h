@@ -10,11 +10,10 @@
 
 namespace vrx {
 
-// What a program may use before it is killed. The quiet time is the time without a byte of output,
-// whether the output is open or closed.
+// Limits beyond which a program is killed.
 struct ProgramLimits {
   std::chrono::seconds processor{60};
-  std::chrono::milliseconds quiet{30000};
+  std::chrono::milliseconds quiet{30000};  // without a byte of output, whether open or closed
   std::size_t memory_bytes = std::size_t{512} << 20U;
 };
 
@@ -27,8 +26,8 @@ struct LimitedProgram {
 enum class ProgramEnd {
   kExited,      // `code` is the exit code
   kCrashed,     // `code` is the number of the signal
-  kOutOfTime,   // of the processor or of the quiet time
-  kStopped,     // because `take` said so
+  kOutOfTime,   // limit of processor or quiet time
+  kStopped,     // `take` returned false
   kNotStarted,  // `code` is the system's error number
 };
 
@@ -37,17 +36,17 @@ struct ProgramOutcome {
   int code = 0;
 };
 
-// Runs another program as a child with an empty standard input, an environment of its own, its
-// standard error discarded, and no open file of this program but its standard output.
+// Runs another program as a child process: standard input is empty, standard error discarded, the
+// environment not inherited, and no open file of this program is inherited.
 class ProgramRunner {
  public:
   virtual ~ProgramRunner() = default;
 
-  // Passes the standard output to `take` in chunks as they arrive, and at least every 50 ms an
-  // empty chunk, also after the program has closed its output; false ends the program. The program
-  // writes no faster than `take` reads. Returns when the program has ended: processes that it
-  // leaves are killed, and their output is dropped. If `take` throws, the program is killed first.
-  // Path and arguments are UTF-8.
+  // Passes standard output to `take` in chunks as they arrive, and an empty chunk at least every
+  // 50 ms, also after the program has closed its output. If `take` returns false, the program is
+  // killed; if it throws, the program is killed before the exception leaves. The program is blocked
+  // while `take` runs and its pipe is full. Returns when the program has ended; remaining child
+  // processes of it are killed and their output is dropped. Path and arguments are UTF-8.
   [[nodiscard]] virtual ProgramOutcome Run(const LimitedProgram& program,
                                            const std::function<bool(std::string_view)>& take) = 0;
 };

@@ -4,7 +4,7 @@
 
 namespace vrx {
 
-// The message `lblProgressMsg` and the bar `prgImport` of the import.
+// Message and progress bar of a long operation; of the import `lblProgressMsg` and `prgImport`.
 class ProgressDisplay {
  public:
   virtual ~ProgressDisplay() = default;
