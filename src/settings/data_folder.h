@@ -18,27 +18,27 @@ class Folder {
  public:
   explicit Folder(const SystemInfo& system);
 
-  // What the platform says; when it cannot tell, 260 NULs.
-  std::string GetCommonAPPPath() const;
+  // The platform's folder; 260 NULs if the platform has none.
+  [[nodiscard]] std::string GetCommonAPPPath() const;
 
-  // Makes the two levels below the common application data folder, each only if it is not there,
-  // and sets the two paths. Always true; throws FileError when a folder cannot be made, which is so
-  // when the common folder itself is missing.
+  // Creates the maker's and the product's folder below the common application data folder if they
+  // are missing, and sets the two paths. Always true; throws FileError if a folder cannot be
+  // created, also because the common folder is missing.
   bool CheckAppDefaultDir();
 
-  // Both throw FileError when the folder cannot be made. The results are as they stand: always
-  // true, and whether the folder was there before.
+  // Both create the folder if it is missing and throw FileError on failure. CheckPathAndCreate is
+  // always true; CreateDirectory returns whether the folder existed before.
   static bool CheckPathAndCreate(const std::filesystem::path& path);
   static bool CreateDirectory(const std::filesystem::path& directory);
 
-  // 0: no source file. 1: no such destination folder. 3: copied, over a file of that name. Throws
-  // FileError when the copy fails.
-  static std::int32_t CopyFile(const std::filesystem::path& source_file,
-                               const std::filesystem::path& destination_folder);
+  // Returns 0 if the source file is missing, 1 if the destination folder is missing, 3 after
+  // copying; an existing file is replaced. Throws FileError if the copy fails.
+  [[nodiscard]] static std::int32_t CopyFile(const std::filesystem::path& source_file,
+                                             const std::filesystem::path& destination_folder);
 
   // Both empty until CheckAppDefaultDir.
-  const std::filesystem::path& DefaultAppPath() const { return default_app_path_; }
-  const std::filesystem::path& IniFilePath() const { return ini_file_path_; }
+  [[nodiscard]] const std::filesystem::path& DefaultAppPath() const { return default_app_path_; }
+  [[nodiscard]] const std::filesystem::path& IniFilePath() const { return ini_file_path_; }
 
  private:
   const SystemInfo* system_;
@@ -47,8 +47,8 @@ class Folder {
   std::filesystem::path ini_file_path_;
 };
 
-// False: a blank template is missing from the program's directory; the operator was told and the
-// process must end.
-bool CheckSupportFiles(const SystemInfo& system, Operator& op);
+// Returns false if a blank template is missing from the program's directory. A message was shown
+// then, and the program must end.
+[[nodiscard]] bool CheckSupportFiles(const SystemInfo& system, Operator& op);
 
 }  // namespace vrx

@@ -1,5 +1,6 @@
 #include "settings/ini_file.h"
 
+#include <algorithm>
 #include <optional>
 
 #include "base/files.h"
@@ -8,8 +9,8 @@
 namespace vrx {
 namespace {
 
-constexpr std::size_t kLargestFile = std::size_t{1} << 20U;
-constexpr std::size_t kLongestValue = 1023;  // a buffer of 1024 with its closing NUL
+constexpr std::size_t kLargestFile = std::size_t{1} << 20U;  // bytes
+constexpr std::size_t kLongestValue = 1023;                  // bytes: a buffer of 1024 less its NUL
 constexpr std::string_view kLineEnd = "\r\n";
 constexpr std::string_view kUtf8Mark = "\xEF\xBB\xBF";
 constexpr std::string_view kBlanks = " \t\r";
@@ -22,11 +23,10 @@ std::string_view Trim(std::string_view text) {
   return text.substr(first, text.find_last_not_of(kBlanks) - first + 1);
 }
 
-// One line of the file: where it begins, where the next one does, and what stands on it.
 struct Line {
-  std::size_t begin = 0;
-  std::size_t end = 0;
-  std::string_view text;
+  std::size_t begin = 0;  // offset in the file
+  std::size_t end = 0;    // offset of the next line
+  std::string_view text;  // trimmed
 };
 
 Line LineAt(std::string_view file, std::size_t begin) {
@@ -43,8 +43,8 @@ std::string_view SectionName(std::string_view line) {
 }
 
 struct Place {
-  std::optional<Line> key;               // the line of the key
-  std::optional<std::size_t> insert_at;  // behind the section's last line that is not blank
+  std::optional<Line> key;
+  std::optional<std::size_t> insert_at;  // after the section's last line that is not blank
 };
 
 Place FindKey(std::string_view file, std::string_view section, std::string_view key) {
@@ -93,7 +93,7 @@ std::string ReadProfileText(const std::filesystem::path& path, std::string_view 
   try {
     file = ReadFile(path);
   } catch (const FileError&) {
-    return {};  // told so: a file that cannot be read has no keys
+    return {};  // specified: an unreadable file has no keys
   }
   const Place place = FindKey(file, section, key);
   if (!place.key) {

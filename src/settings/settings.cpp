@@ -23,10 +23,10 @@ struct KeyRow {
   Kind kind;
 };
 
-// Marks the file as ours; its text is never read.
+// Identifies the file; only its presence is checked, never its text.
 constexpr KeyRow kTitle = {"Comments", "Title", "VRX-2260 Initialization File", Kind::kText};
 
-// In the order of the file and of the settings' keys.
+// In the order of the file and of PrivateINI::Key.
 constexpr std::array<KeyRow, PrivateINI::kSettingCount> kRows = {{
     {"Communications", "SerialPort", "2", Kind::kText},
     {"Communications", "KRMBaudRate", "19200", Kind::kText},

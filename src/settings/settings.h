@@ -13,28 +13,27 @@ namespace vrx {
 
 inline constexpr std::string_view kIniFileName = "VRX-2260.INI";
 
-// Reads and writes single keys of the INI file: the classic private-profile format, section and key
-// names without regard to case, values of at most 1023 characters, empty values counting as
-// missing.
+// Reads and writes single keys of the INI file (ini_file.h). An empty value is treated as missing.
 class CPrivateINI {
  public:
-  // Throws Error when the system's own directory cannot be told (after the operator was told).
+  // Shows a message and throws Error if the system's own directory is unknown.
   CPrivateINI(std::filesystem::path ini_file_path, const SystemInfo& system, Operator& op);
 
-  static std::string QX_RemoveNulls(std::string_view text);
-  std::string IniPath() const;  // the system's directory, as WinPath: not the INI file's path
-  std::string WinPath() const;
+  [[nodiscard]] static std::string QX_RemoveNulls(std::string_view text);
+  [[nodiscard]] std::string IniPath() const;  // the same as WinPath, not the path of the INI file
+  [[nodiscard]] std::string WinPath() const;  // the system's own directory
 
-  // True if key "Title" of section "comments" has a value; the argument is not looked at.
-  bool IniFileExists(std::string_view file_name) const;
+  // True if key "Title" of section "comments" has a value. The argument is ignored.
+  [[nodiscard]] bool IniFileExists(std::string_view file_name) const;
 
-  // False for a missing or empty key; `value` is then untouched.
-  bool ReadKey(std::string_view section, std::string_view key, std::string& value) const;
+  // Returns false and leaves `value` unchanged if the key is missing or empty.
+  [[nodiscard]] bool ReadKey(std::string_view section, std::string_view key,
+                             std::string& value) const;
 
-  // Makes file, section and key as needed; all else in the file stays as it was. On failure false,
-  // the file as it was, and `cause` (when given) says what lies behind.
-  bool WriteKey(std::string_view section, std::string_view key, std::string_view value,
-                std::string* cause = nullptr) const;
+  // Creates file, section and key if missing and keeps all other lines. On failure returns false,
+  // leaves the file unchanged and sets `cause` if given.
+  [[nodiscard]] bool WriteKey(std::string_view section, std::string_view key,
+                              std::string_view value, std::string* cause = nullptr) const;
 
  private:
   std::filesystem::path ini_file_path_;
@@ -42,93 +41,98 @@ class CPrivateINI {
 };
 
 // The settings in memory: read at start, changed by the program, written at exit. A YES/NO key has
-// a text and a boolean. Reading sets the boolean, true exactly when the text is "YES"; from then on
-// the program changes and asks the boolean alone, and writing makes the text follow it.
+// a text and a boolean. Reading sets the boolean to whether the text is exactly "YES"; the program
+// then uses the boolean only, and writing derives the text from it.
 class PrivateINI {
  public:
   PrivateINI();  // every setting at its default
 
-  // Makes sure that the file exists. False: it does not and cannot be made; the operator was told
-  // and the process must end.
-  static bool EnsureIniFile(const CPrivateINI& ini, Operator& op);
+  // Creates the file with its defaults if it is missing, and shows a message about either result.
+  // Returns false if it cannot be created; the program must end then.
+  [[nodiscard]] static bool EnsureIniFile(const CPrivateINI& ini, Operator& op);
 
-  // A missing key takes its default and is written back; false where such a write failed.
+  // A missing key gets its default, which is written back. Returns false if such a write failed.
   bool ReadIniSettings(const CPrivateINI& ini);
 
-  // Writes all but the title; false if any key failed, the others are written still.
-  bool WriteIniSettings(const CPrivateINI& ini);
+  // Writes all keys but the title. Returns false if any key failed; the others are still written.
+  [[nodiscard]] bool WriteIniSettings(const CPrivateINI& ini);
 
   // The result of the last ReadIniSettings.
-  bool SettingsReadOk() const { return settings_read_ok_; }
+  [[nodiscard]] bool SettingsReadOk() const { return settings_read_ok_; }
 
-  // What lay behind the first failure of the last ReadIniSettings or WriteIniSettings; else empty.
-  const std::string& FailureCause() const { return failure_cause_; }
+  // Cause of the first failure of the last ReadIniSettings or WriteIniSettings; empty if none.
+  [[nodiscard]] const std::string& FailureCause() const { return failure_cause_; }
 
-  // Warns when the last ReadIniSettings found a SystemUnits that is neither "LB" nor "KG". The file
-  // keeps that text until the settings are written.
+  // Shows a warning if the last ReadIniSettings found a SystemUnits that is neither "LB" nor "KG".
+  // The file keeps that text until the settings are written.
   void ReportRefusedUnit(Operator& op) const;
 
-  const std::string& SerialPort() const { return Text(kSerialPort); }
+  [[nodiscard]] const std::string& SerialPort() const { return Text(kSerialPort); }
   void SetSerialPort(std::string_view text) { Let(kSerialPort, text); }
-  const std::string& KRMBaudRate() const { return Text(kKRMBaudRate); }
+  [[nodiscard]] const std::string& KRMBaudRate() const { return Text(kKRMBaudRate); }
   void SetKRMBaudRate(std::string_view text) { Let(kKRMBaudRate, text); }
-  // "LB" or "KG"; anything else that is let, whatever its case, counts as "LB".
-  const std::string& SystemUnits() const { return Text(kSystemUnits); }
+  // "LB" or "KG". Setting ignores case and treats any other text as "LB".
+  [[nodiscard]] const std::string& SystemUnits() const { return Text(kSystemUnits); }
   void SetSystemUnits(std::string_view text) { Let(kSystemUnits, text); }
 
-  const std::string& AutoAbbreviate() const { return Text(kAutoAbbreviate); }
+  [[nodiscard]] const std::string& AutoAbbreviate() const { return Text(kAutoAbbreviate); }
   void SetAutoAbbreviate(std::string_view text) { Let(kAutoAbbreviate, text); }
-  bool AutoAbbreviateOn() const { return On(kAutoAbbreviate); }
+  [[nodiscard]] bool AutoAbbreviateOn() const { return On(kAutoAbbreviate); }
   void SetAutoAbbreviateOn(bool on) { LetOn(kAutoAbbreviate, on); }
 
-  const std::string& ShowImportProgress() const { return Text(kShowImportProgress); }
+  [[nodiscard]] const std::string& ShowImportProgress() const { return Text(kShowImportProgress); }
   void SetShowImportProgress(std::string_view text) { Let(kShowImportProgress, text); }
-  bool ShowImportProgressOn() const { return On(kShowImportProgress); }
+  [[nodiscard]] bool ShowImportProgressOn() const { return On(kShowImportProgress); }
   void SetShowImportProgressOn(bool on) { LetOn(kShowImportProgress, on); }
 
-  const std::string& EnableBeeper() const { return Text(kEnableBeeper); }
+  [[nodiscard]] const std::string& EnableBeeper() const { return Text(kEnableBeeper); }
   void SetEnableBeeper(std::string_view text) { Let(kEnableBeeper, text); }
-  bool EnableBeeperOn() const { return On(kEnableBeeper); }
+  [[nodiscard]] bool EnableBeeperOn() const { return On(kEnableBeeper); }
   void SetEnableBeeperOn(bool on) { LetOn(kEnableBeeper, on); }
 
-  const std::string& PrintCurrentRecipeOnly() const { return Text(kPrintCurrentRecipeOnly); }
+  [[nodiscard]] const std::string& PrintCurrentRecipeOnly() const {
+    return Text(kPrintCurrentRecipeOnly);
+  }
   void SetPrintCurrentRecipeOnly(std::string_view text) { Let(kPrintCurrentRecipeOnly, text); }
-  bool PrintCurrentRecipeOnlyOn() const { return On(kPrintCurrentRecipeOnly); }
+  [[nodiscard]] bool PrintCurrentRecipeOnlyOn() const { return On(kPrintCurrentRecipeOnly); }
   void SetPrintCurrentRecipeOnlyOn(bool on) { LetOn(kPrintCurrentRecipeOnly, on); }
 
-  const std::string& EnablePrintText() const { return Text(kEnablePrintText); }
+  [[nodiscard]] const std::string& EnablePrintText() const { return Text(kEnablePrintText); }
   void SetEnablePrintText(std::string_view text) { Let(kEnablePrintText, text); }
-  bool EnablePrintTextOn() const { return On(kEnablePrintText); }
+  [[nodiscard]] bool EnablePrintTextOn() const { return On(kEnablePrintText); }
   void SetEnablePrintTextOn(bool on) { LetOn(kEnablePrintText, on); }
 
-  const std::string& BatchTargetWtIsRecTarget() const { return Text(kBatchTargetWtIsRecTarget); }
+  [[nodiscard]] const std::string& BatchTargetWtIsRecTarget() const {
+    return Text(kBatchTargetWtIsRecTarget);
+  }
   void SetBatchTargetWtIsRecTarget(std::string_view text) { Let(kBatchTargetWtIsRecTarget, text); }
-  bool BatchTargetWtIsRecTargetOn() const { return On(kBatchTargetWtIsRecTarget); }
+  [[nodiscard]] bool BatchTargetWtIsRecTargetOn() const { return On(kBatchTargetWtIsRecTarget); }
   void SetBatchTargetWtIsRecTargetOn(bool on) { LetOn(kBatchTargetWtIsRecTarget, on); }
 
-  const std::string& AutoloadRecipeDB() const { return Text(kAutoloadRecipeDB); }
+  [[nodiscard]] const std::string& AutoloadRecipeDB() const { return Text(kAutoloadRecipeDB); }
   void SetAutoloadRecipeDB(std::string_view text) { Let(kAutoloadRecipeDB, text); }
-  bool AutoloadRecipeDBOn() const { return On(kAutoloadRecipeDB); }
+  [[nodiscard]] bool AutoloadRecipeDBOn() const { return On(kAutoloadRecipeDB); }
   void SetAutoloadRecipeDBOn(bool on) { LetOn(kAutoloadRecipeDB, on); }
 
-  const std::string& AutoloadTransDB() const { return Text(kAutoloadTransDB); }
+  [[nodiscard]] const std::string& AutoloadTransDB() const { return Text(kAutoloadTransDB); }
   void SetAutoloadTransDB(std::string_view text) { Let(kAutoloadTransDB, text); }
-  bool AutoloadTransDBOn() const { return On(kAutoloadTransDB); }
+  [[nodiscard]] bool AutoloadTransDBOn() const { return On(kAutoloadTransDB); }
   void SetAutoloadTransDBOn(bool on) { LetOn(kAutoloadTransDB, on); }
 
-  const std::string& PrintGridLines() const { return Text(kPrintGridLines); }
+  [[nodiscard]] const std::string& PrintGridLines() const { return Text(kPrintGridLines); }
   void SetPrintGridLines(std::string_view text) { Let(kPrintGridLines, text); }
-  bool PrintGridLinesOn() const { return On(kPrintGridLines); }
+  [[nodiscard]] bool PrintGridLinesOn() const { return On(kPrintGridLines); }
   void SetPrintGridLinesOn(bool on) { LetOn(kPrintGridLines, on); }
 
-  // The settings by name, for whoever lists or scripts them. Names mind no case.
+  // Access by key name, which is not case-sensitive. Keys are in the order of the file; TextByKey
+  // returns nothing for an unknown key.
   static constexpr std::size_t kSettingCount = 12;
-  static std::array<std::string_view, kSettingCount> Keys();         // in the order of the file
-  std::optional<std::string> TextByKey(std::string_view key) const;  // nothing for an unknown key
+  [[nodiscard]] static std::array<std::string_view, kSettingCount> Keys();
+  [[nodiscard]] std::optional<std::string> TextByKey(std::string_view key) const;
 
-  // Lets a setting, the boolean of a YES/NO key with its text. False, with nothing changed, for an
-  // unknown key, and for a value that a unit or YES/NO key does not have (their case is mended).
-  bool LetByKey(std::string_view key, std::string_view text);
+  // Sets the text and, for a YES/NO key, the boolean. Returns false and changes nothing for an
+  // unknown key and for an invalid value of a unit or YES/NO key; these values are upper-cased.
+  [[nodiscard]] bool LetByKey(std::string_view key, std::string_view text);
 
  private:
   enum Key : std::size_t {
@@ -159,10 +163,10 @@ class PrivateINI {
   std::array<Value, kSettingCount> values_;
   bool settings_read_ok_ = false;
   std::string failure_cause_;
-  std::string refused_unit_;  // as it was read; empty for a unit
+  std::string refused_unit_;  // the invalid text that was read; empty for a valid unit
 };
 
-// The beep that the operator can turn off in the Setup form.
+// Beeps unless the operator turned the beeper off in the Setup dialog.
 void BeepIfEnabled(Operator& op, const PrivateINI& settings);
 
 }  // namespace vrx

@@ -27,7 +27,7 @@ class FolderTest : public ::testing::Test {
   FixedSystemInfo system;
 };
 
-TEST_F(FolderTest, FirstStartMakesBothLevelsAndSetsThePaths) {
+TEST_F(FolderTest, FirstStartCreatesBothFoldersAndSetsThePaths) {
   Folder folder(system);
   EXPECT_TRUE(folder.CheckAppDefaultDir());
   EXPECT_EQ(folder.DefaultAppPath(), temp / "Brantock/VRX-2260");
@@ -36,7 +36,7 @@ TEST_F(FolderTest, FirstStartMakesBothLevelsAndSetsThePaths) {
   EXPECT_TRUE(fs::is_empty(folder.DefaultAppPath()));
 }
 
-TEST_F(FolderTest, SecondStartTouchesNoFolder) {
+TEST_F(FolderTest, SecondStartChangesNoFolder) {
   ASSERT_TRUE(Folder(system).CheckAppDefaultDir());
   const fs::path file = temp.Write("Brantock/VRX-2260/LOT.RDB", "records");
   const auto maker_time = fs::last_write_time(temp / "Brantock");
@@ -47,20 +47,20 @@ TEST_F(FolderTest, SecondStartTouchesNoFolder) {
   EXPECT_EQ(ReadAll(file), "records");
 }
 
-TEST_F(FolderTest, MakesTheProductsFolderInAMakersFolderThatIsThere) {
+TEST_F(FolderTest, CreatesTheProductFolderInAnExistingMakerFolder) {
   fs::create_directory(temp / "Brantock");
   EXPECT_TRUE(Folder(system).CheckAppDefaultDir());
   EXPECT_TRUE(fs::is_directory(temp / "Brantock/VRX-2260"));
 }
 
-TEST_F(FolderTest, AMissingCommonFolderIsAFailure) {
+TEST_F(FolderTest, AMissingCommonFolderThrows) {
   system.common_app_data_folder = temp / "none";
   Folder folder(system);
   EXPECT_THROW(folder.CheckAppDefaultDir(), FileError);
   EXPECT_FALSE(FileExists(temp / "none"));
 }
 
-TEST_F(FolderTest, AFileInTheFoldersPlaceIsAFailureThatNamesIt) {
+TEST_F(FolderTest, AFileInPlaceOfTheFolderThrowsAndIsNamed) {
   temp.Write("Brantock", "");
   Folder folder(system);
   try {
@@ -71,25 +71,25 @@ TEST_F(FolderTest, AFileInTheFoldersPlaceIsAFailureThatNamesIt) {
   }
 }
 
-TEST_F(FolderTest, CommonPathIsThePlatformsCutAtTheFirstNull) {
+TEST_F(FolderTest, CommonPathIsCutAtTheFirstNull) {
   system.common_app_data_folder = std::string("/data\0rest", 10);
   EXPECT_EQ(Folder(system).GetCommonAPPPath(), "/data");
 }
 
-TEST_F(FolderTest, CommonPathIsTheUnchangedBufferWhenThePlatformCannotTell) {
+TEST_F(FolderTest, CommonPathIs260NullsIfThePlatformHasNone) {
   system.common_app_data_folder.clear();
   EXPECT_EQ(Folder(system).GetCommonAPPPath(), std::string(260, '\0'));
   Folder folder(system);
   EXPECT_THROW(folder.CheckAppDefaultDir(), FileError);
 }
 
-TEST_F(FolderTest, CheckPathAndCreateIsTrueWhetherTheFolderWasThereOrNot) {
+TEST_F(FolderTest, CheckPathAndCreateIsAlwaysTrue) {
   EXPECT_TRUE(Folder::CheckPathAndCreate(temp / "a"));
   EXPECT_TRUE(fs::is_directory(temp / "a"));
   EXPECT_TRUE(Folder::CheckPathAndCreate(temp / "a"));
 }
 
-TEST_F(FolderTest, CreateDirectoryAnswersWhetherTheFolderWasThere) {
+TEST_F(FolderTest, CreateDirectoryReturnsWhetherTheFolderExisted) {
   EXPECT_FALSE(Folder::CreateDirectory(temp / "a"));
   EXPECT_TRUE(fs::is_directory(temp / "a"));
   EXPECT_TRUE(Folder::CreateDirectory(temp / "a"));
@@ -112,16 +112,16 @@ TEST_F(FolderTest, CopyFileGives3AndOverwrites) {
   EXPECT_EQ(ReadAll(temp / "to/a"), "new");
 }
 
-TEST_F(FolderTest, CopyFileThatCannotBeDoneIsAFailure) {
+TEST_F(FolderTest, AFailedCopyThrows) {
   fs::create_directories(temp / "to/a");
-  EXPECT_THROW(Folder::CopyFile(temp.Write("a", "new"), temp / "to"), FileError);
+  EXPECT_THROW(static_cast<void>(Folder::CopyFile(temp.Write("a", "new"), temp / "to")), FileError);
 }
 
 class SupportFiles : public FolderTest {
  protected:
   bool Check() { return CheckSupportFiles(system, op); }
 
-  // The box's text with these names, each on its own line.
+  // Text of the message with these names, each on its own line.
   static std::string MissingText(const std::string& names) {
     return "The following VRX-2260 support files are missing from the applications installation "
            "directory:\r\n\r\n" +
@@ -133,7 +133,7 @@ class SupportFiles : public FolderTest {
   RecordingOperator op;
 };
 
-TEST_F(SupportFiles, BothThereSaysNothing) {
+TEST_F(SupportFiles, BothPresentShowsNoMessage) {
   temp.Write("QXNULRDB.MDB", "");
   temp.Write("QXNULXDB.MDB", "");
   EXPECT_TRUE(Check());

@@ -17,7 +17,7 @@ class PrivateProfile : public ::testing::Test {
     return ReadProfileText(folder.Write("a.ini", file), section, key);
   }
 
-  // The file after "key" of section "S" was let be "new".
+  // Sets "key" of section "S" to "new" and returns the file.
   std::string Written(std::string_view file) const {
     const std::filesystem::path path = folder.Write("a.ini", file);
     WriteProfileText(path, "S", "key", "new");
@@ -35,7 +35,7 @@ TEST_F(PrivateProfile, ReadsAKeyOfItsSection) {
   EXPECT_EQ(Read(file, "C", "key"), "");
 }
 
-TEST_F(PrivateProfile, MindsNoCaseOfSectionAndKey) {
+TEST_F(PrivateProfile, IgnoresTheCaseOfSectionAndKey) {
   EXPECT_EQ(Read("[Comments]\r\nTITLE=Yes\r\n", "comments", "Title"), "Yes");
 }
 
@@ -52,16 +52,16 @@ TEST_F(PrivateProfile, TakesTheFirstOfTwoSectionsAndKeys) {
   EXPECT_EQ(Read("[S]\r\nkey=1\r\n[s]\r\nlate=4\r\n", "S", "late"), "");
 }
 
-TEST_F(PrivateProfile, PassesOverCommentsAndLinesThatAreNoKey) {
+TEST_F(PrivateProfile, SkipsCommentsAndLinesWithoutKey) {
   EXPECT_EQ(Read("key=0\r\n[S]\r\n;key=1\r\nkey\r\n=x\r\nkey=2\r\n", "S", "key"), "2");
 }
 
-TEST_F(PrivateProfile, ReadsFilesWithLfAndWithoutAnEnd) {
+TEST_F(PrivateProfile, ReadsLfLineEndsAndAnUnterminatedLastLine) {
   EXPECT_EQ(Read("[S]\nkey=1\nlast=2", "S", "key"), "1");
   EXPECT_EQ(Read("[S]\nkey=1\nlast=2", "S", "last"), "2");
 }
 
-TEST_F(PrivateProfile, PassesOverAByteOrderMark) {
+TEST_F(PrivateProfile, SkipsAByteOrderMark) {
   EXPECT_EQ(Read("\xEF\xBB\xBF[S]\r\nkey=1\r\n", "S", "key"), "1");
   EXPECT_EQ(Written("\xEF\xBB\xBF[S]\r\nkey=1\r\n"), "\xEF\xBB\xBF[S]\r\nkey=new\r\n");
 }
@@ -88,7 +88,7 @@ TEST_F(PrivateProfile, ReadsNothingFromAMissingFileOrAFolder) {
   EXPECT_EQ(ReadProfileText(folder.Path(), "S", "key"), "");
 }
 
-TEST_F(PrivateProfile, MakesAFile) {
+TEST_F(PrivateProfile, CreatesAFile) {
   WriteProfileText(folder / "new.ini", "S", "key", "1");
   EXPECT_EQ(ReadAll(folder / "new.ini"), "[S]\r\nkey=1\r\n");
 }
@@ -98,7 +98,7 @@ TEST_F(PrivateProfile, ReplacesAValueAndKeepsEveryOtherByte) {
             "; mine\n\n[Other]\nkey=1\r\n[s]\r\nfirst = 1\r\nKEY=new\r\nlast\r\n\r\n");
 }
 
-TEST_F(PrivateProfile, AddsAKeyBehindItsSectionsLastLine) {
+TEST_F(PrivateProfile, AddsAKeyAfterItsSectionsLastLine) {
   EXPECT_EQ(Written("[S]\r\na=1\r\n; about a\r\n\r\n[T]\r\nb=2\r\n"),
             "[S]\r\na=1\r\n; about a\r\nkey=new\r\n\r\n[T]\r\nb=2\r\n");
   EXPECT_EQ(Written("[S]\r\n[T]\r\n"), "[S]\r\nkey=new\r\n[T]\r\n");
@@ -109,7 +109,7 @@ TEST_F(PrivateProfile, AddsASectionAtTheEnd) {
   EXPECT_EQ(Written(""), "[S]\r\nkey=new\r\n");
 }
 
-TEST_F(PrivateProfile, EndsALastLineThatHasNoEnd) {
+TEST_F(PrivateProfile, EndsAnUnterminatedLastLine) {
   EXPECT_EQ(Written("[T]\r\na=1"), "[T]\r\na=1\r\n[S]\r\nkey=new\r\n");
   EXPECT_EQ(Written("[S]\r\na=1"), "[S]\r\na=1\r\nkey=new\r\n");
   EXPECT_EQ(Written("[S]\r\nkey=1"), "[S]\r\nkey=new\r\n");
@@ -131,7 +131,7 @@ TEST_F(PrivateProfile, RefusesAValueThatDoesNotFitOnALine) {
   EXPECT_EQ(ReadAll(path), "[S]\r\nkey=1\r\n");
 }
 
-TEST_F(PrivateProfile, FailsWhereNoFileCanBeAndLeavesNothing) {
+TEST_F(PrivateProfile, FailsInAMissingFolderAndLeavesNothing) {
   folder.Write("file", "");
   std::filesystem::create_directory(folder / "folder.ini");
   EXPECT_THROW(WriteProfileText(folder / "file/a.ini", "S", "key", "1"), FileError);
@@ -140,14 +140,14 @@ TEST_F(PrivateProfile, FailsWhereNoFileCanBeAndLeavesNothing) {
   EXPECT_TRUE(std::filesystem::is_empty(folder / "folder.ini"));
 }
 
-TEST_F(PrivateProfile, HasNothingToDoWithAFileTooLarge) {
+TEST_F(PrivateProfile, RefusesAFileThatIsTooLarge) {
   const std::string file = "[S]\r\nkey=1\r\n" + std::string(2 << 20, 'x');
   EXPECT_EQ(Read(file, "S", "key"), "");
   EXPECT_THROW(Written(file), FileError);
   EXPECT_EQ(ReadAll(folder / "a.ini"), file);
 }
 
-TEST_F(PrivateProfile, TakesAnyBytesAndReadsBackWhatItWroteAmongThem) {
+TEST_F(PrivateProfile, ReadsBackWhatItWroteIntoAnyFile) {
   constexpr std::string_view kAlphabet("[]=;\r\n\0 S\xFFkey\xEF\xBB\xBF", 16);
   std::mt19937 random(20260105);
   std::uniform_int_distribution<std::size_t> pick(0, kAlphabet.size() - 1);

@@ -40,7 +40,7 @@ constexpr std::string_view kDefaultFile =
     "AutoloadTransDB=NO\r\n"
     "PrintGridLines=YES\r\n";
 
-// The default file with one line in place of another.
+// The default file with one line replaced.
 std::string DefaultFileWith(std::string_view line, std::string_view other) {
   std::string file(kDefaultFile);
   const std::size_t at = file.find(line);
@@ -52,7 +52,7 @@ class PrivateIniTest : public ::testing::Test {
  protected:
   std::filesystem::path Path() const { return folder / "VRX-2260.INI"; }
   CPrivateINI Ini() { return {Path(), system, op}; }
-  // No file can be made below a file, whoever runs the test.
+  // A file cannot contain a file, even for root.
   CPrivateINI BlockedIni() { return {folder.Write("file", "") / "VRX-2260.INI", system, op}; }
 
   PrivateINI ReadFrom(std::string_view file) {
@@ -130,7 +130,7 @@ TEST_F(PrivateIniTest, AFirstStartWritesTheDefaultFileInTheTablesOrder) {
             "setup menu for proper operation.");
 }
 
-TEST_F(PrivateIniTest, ASecondStartTouchesNothing) {
+TEST_F(PrivateIniTest, ASecondStartChangesNothing) {
   folder.Write("VRX-2260.INI", "[comments]\r\nTitle=mine\r\n");
   EXPECT_TRUE(PrivateINI::EnsureIniFile(Ini(), op));
   EXPECT_EQ(File(), "[comments]\r\nTitle=mine\r\n");
@@ -148,7 +148,7 @@ TEST_F(PrivateIniTest, ADefaultFileThatCannotBeWrittenEndsTheProgram) {
   EXPECT_THAT(op.boxes[0].cause, HasSubstr("VRX-2260.INI"));
 }
 
-// Until this object goes, no file of this process grows beyond so many bytes.
+// Limits the size of files that this process writes, during the lifetime of the object.
 class LargestFile {
  public:
   explicit LargestFile(rlim_t bytes) : former_handler_(std::signal(SIGXFSZ, SIG_IGN)) {
@@ -168,7 +168,7 @@ class LargestFile {
   void (*former_handler_)(int);
 };
 
-TEST_F(PrivateIniTest, ADefaultFileThatGetsSomeOfItsKeysOnlyEndsTheProgram) {
+TEST_F(PrivateIniTest, APartlyWrittenDefaultFileEndsTheProgram) {
   {
     const LargestFile limit(100);
     EXPECT_FALSE(PrivateINI::EnsureIniFile(Ini(), op));
@@ -179,7 +179,7 @@ TEST_F(PrivateIniTest, ADefaultFileThatGetsSomeOfItsKeysOnlyEndsTheProgram) {
   EXPECT_THAT(File(), HasSubstr("SerialPort=2\r\n"));
 }
 
-TEST_F(PrivateIniTest, AFileWithoutCommentsSectionCountsAsNoFileAndTakesEveryDefault) {
+TEST_F(PrivateIniTest, AFileWithoutCommentsSectionIsTreatedAsMissing) {
   folder.Write("VRX-2260.INI", "[Communications]\r\nSerialPort=7\r\nMine=1\r\n");
   EXPECT_TRUE(PrivateINI::EnsureIniFile(Ini(), op));
   ASSERT_EQ(op.boxes.size(), 1U);
@@ -218,7 +218,7 @@ TEST_F(PrivateIniTest, ReadsUnitsInAnyCase) {
   EXPECT_EQ(ReadFrom(DefaultFileWith("SystemUnits=LB", "systemunits=kg")).SystemUnits(), "KG");
 }
 
-TEST_F(PrivateIniTest, AUnitThatIsNeitherCountsAsPoundsAndIsReported) {
+TEST_F(PrivateIniTest, AnUnknownUnitIsReadAsPoundsAndReported) {
   const std::string file = DefaultFileWith("SystemUnits=LB", "SystemUnits=Ton");
   PrivateINI settings = ReadFrom(file);
   EXPECT_EQ(settings.SystemUnits(), "LB");
@@ -234,7 +234,7 @@ TEST_F(PrivateIniTest, AUnitThatIsNeitherCountsAsPoundsAndIsReported) {
   EXPECT_EQ(File(), kDefaultFile);
 }
 
-TEST_F(PrivateIniTest, NothingIsReportedOfAUnitThatIsOneOrIsMissing) {
+TEST_F(PrivateIniTest, AKnownOrMissingUnitIsNotReported) {
   for (const char* const line : {"SystemUnits=kg", "SystemUnits="}) {
     ReadFrom(DefaultFileWith("SystemUnits=LB", line)).ReportRefusedUnit(op);
   }
@@ -260,13 +260,13 @@ TEST_F(PrivateIniTest, AnEmptyOrMissingKeyTakesItsDefaultOnDiskAsWell) {
   EXPECT_EQ(File(), kDefaultFile);
 }
 
-TEST_F(PrivateIniTest, AMissingTitleIsNotHealed) {
+TEST_F(PrivateIniTest, AMissingTitleIsNotWrittenBack) {
   const std::string file = DefaultFileWith("Title=VRX-2260 Initialization File\r\n", "");
   ReadFrom(file);
   EXPECT_EQ(File(), file);
 }
 
-TEST_F(PrivateIniTest, AKeyThatCannotBeHealedLeavesTheDefaultInMemoryAndIsTold) {
+TEST_F(PrivateIniTest, AKeyThatCannotBeWrittenBackKeepsItsDefaultAndIsReported) {
   PrivateINI settings;
   settings.SetSerialPort("9");
   EXPECT_FALSE(settings.ReadIniSettings(BlockedIni()));
@@ -279,10 +279,10 @@ TEST_F(PrivateIniTest, AKeyThatCannotBeHealedLeavesTheDefaultInMemoryAndIsTold) 
   EXPECT_EQ(settings.FailureCause(), "");
 }
 
-TEST_F(PrivateIniTest, TheBooleanCountsAtExit) {
+TEST_F(PrivateIniTest, WritingUsesTheBoolean) {
   PrivateINI settings = ReadFrom(kDefaultFile);
   settings.SetPrintGridLinesOn(false);
-  settings.SetAutoloadTransDB("YES");  // the text alone
+  settings.SetAutoloadTransDB("YES");  // sets the text only
   EXPECT_EQ(settings.PrintGridLines(), "YES");
   EXPECT_FALSE(settings.AutoloadTransDBOn());
   EXPECT_TRUE(settings.WriteIniSettings(Ini()));
@@ -291,7 +291,7 @@ TEST_F(PrivateIniTest, TheBooleanCountsAtExit) {
   EXPECT_EQ(settings.AutoloadTransDB(), "NO");
 }
 
-TEST_F(PrivateIniTest, ExitDoesNotRewriteTheTitleAndKeepsWhatIsNotOurs) {
+TEST_F(PrivateIniTest, WritingKeepsTheTitleAndUnknownLines) {
   const std::string file = DefaultFileWith("Title=VRX-2260 Initialization File",
                                            "; by hand\r\nTitle=The north yard\r\nColor=blue");
   PrivateINI settings = ReadFrom(file);
@@ -311,13 +311,13 @@ TEST_F(PrivateIniTest, AFailedKeyAtExitDoesNotKeepTheOthersFromBeingWritten) {
   EXPECT_EQ(File(), DefaultFileWith("KRMBaudRate=19200", "KRMBaudRate=9600"));
 }
 
-TEST_F(PrivateIniTest, AWriteThatFailsAltogetherIsTold) {
+TEST_F(PrivateIniTest, AWriteThatFailsCompletelyIsReported) {
   PrivateINI settings;
   EXPECT_FALSE(settings.WriteIniSettings(BlockedIni()));
   EXPECT_THAT(settings.FailureCause(), HasSubstr("VRX-2260.INI"));
 }
 
-TEST_F(PrivateIniTest, LetOfUnitsUpperCasesAndTakesAllButKilogramsForPounds) {
+TEST_F(PrivateIniTest, SettingUnitsUpperCasesAndReadsAnythingButKilogramsAsPounds) {
   PrivateINI settings;
   settings.SetSystemUnits("kg");
   EXPECT_EQ(settings.SystemUnits(), "KG");
@@ -378,7 +378,7 @@ TEST_F(PrivateIniTest, SettingsAreReadByKeyInAnyCase) {
   EXPECT_EQ(settings.TextByKey("none"), std::nullopt);
 }
 
-TEST_F(PrivateIniTest, LettingAYesNoKeyByKeySetsTextAndBoolean) {
+TEST_F(PrivateIniTest, SettingAYesNoKeyByNameSetsTextAndBoolean) {
   PrivateINI settings;
   EXPECT_TRUE(settings.LetByKey("enablebeeper", "NO"));
   EXPECT_FALSE(settings.EnableBeeperOn());
@@ -388,7 +388,7 @@ TEST_F(PrivateIniTest, LettingAYesNoKeyByKeySetsTextAndBoolean) {
   EXPECT_EQ(settings.EnableBeeper(), "YES");
 }
 
-TEST_F(PrivateIniTest, LettingByKeyRefusesUnknownKeysAndValuesTheyCannotHave) {
+TEST_F(PrivateIniTest, SettingByNameRefusesUnknownKeysAndInvalidValues) {
   PrivateINI settings;
   EXPECT_FALSE(settings.LetByKey("none", "1"));
   EXPECT_FALSE(settings.LetByKey("Title", "1"));
@@ -412,7 +412,7 @@ TEST_F(PrivateIniTest, ABinaryFileReadsAsDefaultsAndKeepsItsBytes) {
   EXPECT_EQ(File().substr(0, garbage.size()), garbage);
 }
 
-TEST(BeepIfEnabled, AsksTheBooleanOfTheSetting) {
+TEST(BeepIfEnabled, ObeysTheSetting) {
   testing::RecordingOperator op;
   PrivateINI settings;
   BeepIfEnabled(op, settings);

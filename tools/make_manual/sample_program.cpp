@@ -190,7 +190,7 @@ class SampleProgram::Parts {
       : system(fs::absolute(program_directory)), application{Folder(system), {}, {}} {
     application.app_folder.CheckAppDefaultDir();
     application.ini.emplace(application.app_folder.IniFilePath(), system, op);
-    PrivateINI::EnsureIniFile(*application.ini, op);
+    static_cast<void>(PrivateINI::EnsureIniFile(*application.ini, op));
     application.settings.ReadIniSettings(*application.ini);
     op.told.clear();  // that the settings are new
     CopySite();

@@ -21,7 +21,7 @@ MainWindowFixture::MainWindowFixture() {
   app_folder_ = std::make_unique<Folder>(system_);
   app_folder_->CheckAppDefaultDir();
   ini_ = std::make_unique<CPrivateINI>(app_folder_->IniFilePath(), system_, operator_);
-  PrivateINI::EnsureIniFile(*ini_, operator_);
+  static_cast<void>(PrivateINI::EnsureIniFile(*ini_, operator_));
   settings_.ReadIniSettings(*ini_);
   operator_.boxes.clear();  // a new INI file is told
 }

@@ -108,7 +108,7 @@ TEST_F(SetupFormTest, TheIniFileIsReadAnewAtEachChangeOfTheTab) {
               u"May not reflect changes that have not been saved yet (by exiting the "
               u"application)."_qs);
     ShowSetupTab(0);
-    ini_->WriteKey("Configuration", "SystemUnits", "KG");
+    static_cast<void>(ini_->WriteKey("Configuration", "SystemUnits", "KG"));
     ShowSetupTab(2);
     EXPECT_THAT(View(u"txtIniFileData"_qs), HasSubstr("SystemUnits=KG\n"));
     std::filesystem::remove(app_folder_->IniFilePath());
