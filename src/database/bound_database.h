@@ -11,23 +11,25 @@
 
 namespace vrx {
 
-// What the views of one database stand on: the one connection that they share. Moving it moves no
-// connection, so a reference to that stays good.
+// An open database with the one connection that all its views share. Moving the struct does not
+// move the connection, so references to it stay valid.
 struct BoundDatabase {
-  std::unique_ptr<SQLite::Database> connection;  // none only before the first binding, after exit
-  std::filesystem::path path;                    // empty for a blank one that is no file
-  std::string unit;                              // as the database holds it
-  bool blank = false;                            // stands for a closed database; is not written
-  std::string read_only_note;                    // why a user's file may not be written, else empty
+  std::unique_ptr<SQLite::Database> connection;  // null only before the first bind and after exit
+  std::filesystem::path path;                    // empty for a blank database in memory
+  std::string unit;                              // as stored in the database
+  bool blank = false;                            // shown while no file is open; never written
+  std::string read_only_note;                    // why the file cannot be written, else empty
 };
 
-// A user's file, for writing where that is allowed. Throws DatabaseError; so do the next two.
-BoundDatabase BindUserDatabase(const std::filesystem::path& path, LockWait wait);
+// All three throw DatabaseError.
 
-// A template in the program's directory, for reading.
-BoundDatabase BindBlankTemplate(const std::filesystem::path& path, LockWait wait);
+// Opens a user's file for writing, or for reading if it is write-protected.
+[[nodiscard]] BoundDatabase BindUserDatabase(const std::filesystem::path& path, LockWait wait);
 
-// Stands in for a template that cannot be read.
-BoundDatabase BindBlankInMemory(DatabaseKind kind);
+// Opens a template in the program's directory for reading.
+[[nodiscard]] BoundDatabase BindBlankTemplate(const std::filesystem::path& path, LockWait wait);
+
+// Replacement for a template that cannot be read.
+[[nodiscard]] BoundDatabase BindBlankInMemory(DatabaseKind kind);
 
 }  // namespace vrx

@@ -16,12 +16,10 @@
 #include "database/schema.h"
 
 namespace vrx {
+namespace {
 
 using namespace std::string_view_literals;
-
 namespace fs = std::filesystem;
-
-namespace {
 
 struct ErrorText {
   int number;
@@ -41,7 +39,7 @@ bool Contains(std::string_view text, std::string_view part) {
   return text.find(part) != std::string_view::npos;
 }
 
-// The engine reports unknown names by a general code; only its words tell them apart.
+// SQLite reports unknown names with a general code; only its message distinguishes them.
 int NumberOf(int code, std::string_view words) {
   const int primary = code & kPrimaryCodeMask;
   if (primary == SQLITE_BUSY || primary == SQLITE_LOCKED) {
@@ -57,7 +55,7 @@ int NumberOf(int code, std::string_view words) {
   return code;
 }
 
-// The engine's own words say little of what happened to a file that was open; empty for the rest.
+// Replaces SQLite's message where it does not describe what happened to the file; else empty.
 std::string WordsFor(int code) {
   if (code == SQLITE_READONLY_DBMOVED) {
     return " was moved or deleted while it was open";
@@ -72,7 +70,7 @@ std::string WordsFor(int code) {
   }
 }
 
-// The engine's file header, numbers big-endian.
+// SQLite's file header; numbers are big-endian.
 constexpr std::string_view kMagic = "SQLite format 3\0"sv;
 constexpr std::size_t kHeaderSize = 100;
 constexpr std::size_t kPageSizeOffset = 16;  // 2 bytes; 1 stands for 65536
@@ -83,17 +81,17 @@ constexpr std::size_t kApplicationIdOffset = 68;
 constexpr std::size_t kPageCountValidForOffset = 92;
 
 constexpr std::string_view kJetMagic = "\0\1\0\0Standard Jet DB"sv;
-constexpr std::size_t kLookAt = 512;
+constexpr std::size_t kHeadSize = 512;  // bytes that are read to identify a file
 
 constexpr const char* kExpected = "; expected a recipe or transaction database of this system";
 
 struct FileHead {
-  std::string bytes;  // at most kLookAt
-  std::int64_t size = 0;
+  std::string bytes;      // at most kHeadSize
+  std::int64_t size = 0;  // of the whole file
 };
 
-// Reads through the engine's own file handle: closing a second handle of the same file would drop
-// the locks that another connection of this process holds.
+// Reads through SQLite's own file handle: on POSIX, closing a second handle of the same file drops
+// the locks that other connections of this process hold.
 FileHead ReadHead(SQLite::Database& database) {
   sqlite3_file* file = nullptr;
   sqlite3_file_control(database.getHandle(), "main", SQLITE_FCNTL_FILE_POINTER, &file);
@@ -101,7 +99,7 @@ FileHead ReadHead(SQLite::Database& database) {
   sqlite3_int64 size = 0;
   int result = file->pMethods->xFileSize(file, &size);
   head.size = size;
-  head.bytes.resize(static_cast<std::size_t>(std::min<sqlite3_int64>(size, kLookAt)));
+  head.bytes.resize(static_cast<std::size_t>(std::min<sqlite3_int64>(size, kHeadSize)));
   if (result == SQLITE_OK && !head.bytes.empty()) {
     result = file->pMethods->xRead(file, head.bytes.data(), static_cast<int>(head.bytes.size()), 0);
   }
@@ -146,7 +144,7 @@ void RefuseMissing(const fs::path& path, const std::string& name) {
   }
 }
 
-// What a file says of itself when it is no database of this engine.
+// Describes a file that is not an SQLite database.
 std::string OtherContent(const FileHead& head) {
   if (head.bytes.empty()) {
     return " is empty";
@@ -202,12 +200,12 @@ void RefuseCutOff(SQLite::Database& database, const std::string& name) {
   }
 }
 
-// The first read takes the lock, rolls back what a killed program left, and holds other programs'
-// writes off while the size is looked at. The engine's own check counts whole pages only, and calls
-// what it finds malformed.
+// The first read takes a lock, which rolls back a hot journal and blocks other writers during the
+// check of the size. SQLite's own check counts whole pages only and reports a cut-off file as
+// malformed.
 void CheckWhole(SQLite::Database& database, const std::string& name) {
   try {
-    // Somebody's tool may have switched to a write-ahead log, which a copied file would lack.
+    // Another tool may have switched to a write-ahead log, which a copy of the file would lack.
     database.exec("PRAGMA journal_mode=DELETE");
     const SQLite::Transaction lock(database);
     SQLite::Statement query(database, "SELECT count(*) FROM sqlite_schema");
@@ -223,8 +221,7 @@ void CheckWhole(SQLite::Database& database, const std::string& name) {
 
 }  // namespace
 
-DatabaseError TranslateSqliteError(const SQLite::Exception& error,
-                                   const std::filesystem::path& path) {
+DatabaseError TranslateSqliteError(const SQLite::Exception& error, const fs::path& path) {
   const int extended = error.getExtendedErrorCode();
   const int number = NumberOf(extended > 0 ? extended : error.getErrorCode(), error.what());
   const std::string name = path.filename().string();
@@ -256,8 +253,8 @@ SQLite::Database OpenDatabase(const fs::path& path, Access access, LockWait wait
   const std::string name = path.filename().string();
   RefuseMissing(path, name);
   try {
-    // The engine goes back to reading by itself when the file is write-protected. An absolute path
-    // keeps it from taking a name like ":memory:" for something else.
+    // SQLite itself falls back to reading a write-protected file. An absolute path prevents special
+    // meanings of names like ":memory:".
     SQLite::Database database(fs::absolute(path), SQLite::OPEN_READWRITE);
     wait.ApplyTo(database.getHandle());
     RefuseOthers(ReadHead(database), name);

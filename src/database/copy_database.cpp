@@ -15,13 +15,12 @@
 #include "database/connection.h"
 
 namespace vrx {
+namespace {
 
 namespace fs = std::filesystem;
 
-namespace {
-
-// A database of this system, settled and held for reading for as long as it lives; nothing is held
-// of any other file.
+// Rolls back a hot journal of a database of this system and holds a read lock during its lifetime.
+// Does nothing for any other file.
 class LockedFile {
  public:
   LockedFile(const fs::path& path, LockWait wait) {
@@ -31,7 +30,7 @@ class LockedFile {
       if (error.Number() == kTableLockedError) {
         throw;
       }
-      return;  // none of ours: there is nothing to settle
+      return;  // not a database of this system
     }
     WithDatabaseErrors(*database_, [this] {
       reading_.emplace(*database_);
@@ -65,7 +64,7 @@ void CopyDatabaseFile(const fs::path& source, const fs::path& target, LockWait w
   const LockedFile held(source, wait);
   AtomicFile copy(target);
   CopyBytes(source, copy);
-  // A journal that another program left beside the old target would be played into the copy.
+  // Otherwise SQLite would apply a journal of the old target to the copy.
   fs::remove(target.string() + "-journal");
   copy.Commit();
 }

@@ -6,10 +6,10 @@
 
 namespace vrx {
 
-// Copies a file, over one of that name, byte for byte. The target holds the whole copy or what it
-// held before. Other programs' writes are held off meanwhile, and what a killed program left half
-// written in either file is settled first; a file that is no database of this system is copied as
-// it stands. Throws DatabaseError for a file that another program holds, and FileError.
+// Replaces `target` by a byte-for-byte copy of `source`; on failure the target is unchanged. Hot
+// journals of both files are rolled back first, and other writers are blocked during the copy. A
+// file that is not a database of this system is copied without these steps. Throws DatabaseError
+// for a file that another program has locked, and FileError.
 void CopyDatabaseFile(const std::filesystem::path& source, const std::filesystem::path& target,
                       LockWait wait);
 

@@ -11,12 +11,11 @@
 #include "database/connection.h"
 
 namespace vrx {
-
 namespace {
 
 constexpr int kPointerSize = sizeof(void*);
 
-// The engine keeps one pointer, zero at first, for each sum under way.
+// SQLite keeps one pointer, initially null, for each running aggregate.
 void Step(sqlite3_context* context, int /*count*/, sqlite3_value** values) {
   if (sqlite3_value_type(values[0]) == SQLITE_NULL) {
     return;
@@ -36,7 +35,7 @@ void Step(sqlite3_context* context, int /*count*/, sqlite3_value** values) {
   }
 }
 
-// Called for a query that is given up as well.
+// SQLite calls this for an abandoned query too.
 void Finish(sqlite3_context* context) {
   auto* const place = static_cast<ExactSum**>(sqlite3_aggregate_context(context, 0));
   if (place == nullptr || *place == nullptr) {
@@ -57,7 +56,7 @@ void ExactSum::Add(double value) {
   }
 }
 
-// Each part is added to what came so far, and what that sum's rounding took stays as a part.
+// Adds `value` to each part in turn; the rounding error of each addition remains as a part.
 void ExactSum::AddFinite(double value) {
   std::size_t kept = 0;
   for (double part : parts_) {
@@ -81,7 +80,7 @@ void ExactSum::AddFinite(double value) {
 }
 
 double ExactSum::Value() const {
-  if (beyond_ != 0) {  // also true of what is no number
+  if (beyond_ != 0) {  // true for NaN too
     return beyond_;
   }
   double sum = 0;
@@ -93,8 +92,8 @@ double ExactSum::Value() const {
     sum = larger + part;
     rest = part - (sum - larger);
   }
-  // A tie was rounded to even; where the parts below lie on the side of the rest, the true sum is
-  // past the tie.
+  // A tie was rounded to even. If the remaining parts have the sign of the rest, the true sum is
+  // beyond the tie.
   if (left > 0 && std::signbit(rest) == std::signbit(parts_[left - 1])) {
     const double twice = rest * 2;
     const double away = sum + twice;

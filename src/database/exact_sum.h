@@ -6,28 +6,27 @@
 
 namespace vrx {
 
-// Adds up weights without losing a digit on the way: the sum is the true sum of the values, rounded
-// once. It therefore does not depend on the order, and every total of the same rows is the same,
-// whoever adds them up and along whichever index. Not for values so large that their sum passes the
-// range of a double on the way: it is then infinite or no number.
+// Exact sum of doubles: the true sum, rounded once. It does not depend on the order of the values,
+// so every total of the same rows is equal, whichever index the query uses. If an intermediate sum
+// exceeds the range of a double, the result is infinite or NaN.
 class ExactSum {
  public:
   void Add(double value);
 
   // 0 before the first value.
-  double Value() const;
+  [[nodiscard]] double Value() const;
 
  private:
   void AddFinite(double value);
 
-  // What has been added up, without rounding: from the smallest to the largest, no two share a bit.
+  // Their sum is exact: ascending by magnitude, no two parts overlap in a bit.
   std::vector<double> parts_;
-  double beyond_ = 0;  // infinite or no number, once such a value came
+  double beyond_ = 0;  // infinite or NaN after such a value
 };
 
-// Gives a connection the aggregate exact_sum(x), which sums like sum(x) but exactly: NULLs do not
-// count, and over no other value it is NULL; any other sum is a REAL. Harmless when done again.
-// Throws DatabaseError.
+// Defines the SQL aggregate exact_sum(x) on a connection: like sum(x) but exact and always REAL.
+// NULLs are ignored; without other values the result is NULL. May be called again. Throws
+// DatabaseError.
 void RegisterExactSum(SQLite::Database& database);
 
 }  // namespace vrx

@@ -12,20 +12,19 @@
 #include "database/schema.h"
 
 namespace vrx {
+namespace {
 
 namespace fs = std::filesystem;
 
-namespace {
-
 std::string FileName(const SQLite::Database& database) {
-  return std::filesystem::path(database.getFilename()).filename().string();
+  return fs::path(database.getFilename()).filename().string();
 }
 
 DatabaseError NoRow(const SQLite::Database& database, const OneRowField& field) {
   return {kNoRecordError, FileName(database) + " has no row in " + std::string(field.table)};
 }
 
-constexpr KindTexts kRecipeWords{
+constexpr KindTexts kRecipeTexts{
     .noun = "recipe",
     .template_name = kRecipeTemplateName,
     .blank_type = kNulRecipeDb,
@@ -43,7 +42,7 @@ constexpr KindTexts kRecipeWords{
     .recent_name_key = "MRU_RecipeFileName",
 };
 
-constexpr KindTexts kTransactionWords{
+constexpr KindTexts kTransactionTexts{
     .noun = "transaction",
     .template_name = kTransactionTemplateName,
     .blank_type = kNulTransDb,
@@ -112,7 +111,7 @@ std::string ReadDatabaseUoM(const fs::path& path, LockWait wait) {
 }
 
 const KindTexts& TextsOf(DatabaseKind kind) {
-  return kind == DatabaseKind::kRecipe ? kRecipeWords : kTransactionWords;
+  return kind == DatabaseKind::kRecipe ? kRecipeTexts : kTransactionTexts;
 }
 
 }  // namespace vrx

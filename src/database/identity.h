@@ -13,15 +13,13 @@
 
 namespace vrx {
 
-// The four texts of the marker table.
+// Values of kTypeField.
 inline constexpr std::string_view kNulRecipeDb = "NUL_RECIPE_DB";
 inline constexpr std::string_view kNulTransDb = "NUL_TRANS_DB";
 inline constexpr std::string_view kUserRecipeDb = "USER_RECIPE_DB";
 inline constexpr std::string_view kUserTransDb = "USER_TRANS_DB";
 
-enum class DateSelector { kCreated = 1, kModified = 2 };
-
-// A field of a table of one row: what a file says of itself.
+// A field of a table with one row, which describes the file.
 struct OneRowField {
   std::string_view table;
   std::string_view column;
@@ -32,27 +30,31 @@ inline constexpr OneRowField kCreatedField{kHistoryTable, "Created"};
 inline constexpr OneRowField kModifiedField{kHistoryTable, "Modified"};
 inline constexpr OneRowField kUnitField{kUnitsTable, "UoM"};
 
+enum class DateSelector { kCreated = 1, kModified = 2 };
+
 constexpr OneRowField DateField(DateSelector selector) {
   return selector == DateSelector::kCreated ? kCreatedField : kModifiedField;
 }
 
-// The field of the first row, nothing for NULL; DatabaseError (no record) without a row.
-std::optional<std::string> ReadField(SQLite::Database& database, const OneRowField& field);
+// Field of the first row; nothing for NULL. All functions below throw DatabaseError, with
+// kNoRecordError if the table has no row.
+[[nodiscard]] std::optional<std::string> ReadField(SQLite::Database& database,
+                                                   const OneRowField& field);
 void WriteField(SQLite::Database& database, const OneRowField& field, std::string_view value);
 
-// Sets `Modified` to today inside the transaction of the change that it dates. Throws
-// DatabaseError.
+// Throws DatabaseError also for a text that is not a date.
+[[nodiscard]] std::optional<Date> ReadDateField(SQLite::Database& database,
+                                                const OneRowField& field);
+
+// Sets `Modified` to today. To be called inside the transaction of the change.
 void TouchDatabase(SQLite::Database& database, const Calendar& calendar);
 
-// The unit that a database holds, "" when none. Throws DatabaseError (no record without a row).
+// Unit of the database at `path`; "" if it has none.
 std::string ReadDatabaseUoM(const std::filesystem::path& path, LockWait wait = kBusyTimeout);
 
-// Throws DatabaseError for a text that is no date.
-std::optional<Date> ReadDateField(SQLite::Database& database, const OneRowField& field);
-
-// The words in which the two kinds of database differ.
+// Texts that differ between the two kinds of database.
 struct KindTexts {
-  std::string_view noun;  // within the messages
+  std::string_view noun;  // used inside messages
   std::string_view template_name;
   std::string_view blank_type;
   std::string_view user_type;
@@ -61,7 +63,7 @@ struct KindTexts {
   std::string_view new_dialog_title;
   std::string_view open_dialog_title;
   std::string_view save_as_dialog_title;
-  // Titles of the boxes that tell a trapped failure.
+  // Titles of the message boxes that report a failure.
   std::string_view new_failure;
   std::string_view open_failure;
   std::string_view close_failure;
@@ -71,6 +73,6 @@ struct KindTexts {
   std::string_view recent_name_key;
 };
 
-const KindTexts& TextsOf(DatabaseKind kind);
+[[nodiscard]] const KindTexts& TextsOf(DatabaseKind kind);
 
 }  // namespace vrx

@@ -12,22 +12,20 @@
 #include "base/text.h"
 
 namespace vrx {
-
-using namespace std::string_view_literals;
-
-namespace fs = std::filesystem;
-
 namespace {
 
-// What a database of this or an earlier generation, a rollback journal and a write-ahead log begin
-// with.
+using namespace std::string_view_literals;
+namespace fs = std::filesystem;
+
+// First bytes of a database, a database of an earlier generation, a rollback journal and the two
+// forms of a write-ahead log.
 constexpr std::array kContents{"SQLite format 3\0"sv, "\0\1\0\0Standard Jet DB"sv,
                                "\xD9\xD5\x05\xF9\x20\xA1\x63\xD7"sv, "\x37\x7F\x06\x82"sv,
                                "\x37\x7F\x06\x83"sv};
 constexpr std::array kExtensions{".RDB"sv, ".TDB"sv};
 
-// The first bytes of a file; empty for one that cannot be read. Read through the engine's own file
-// handle: closing a second one would drop the locks that a connection of this process holds.
+// First bytes of a file; empty if it cannot be read. Reads through SQLite's own file handle: on
+// POSIX, closing a second handle drops the locks that connections of this process hold.
 std::string ReadHead(const fs::path& path) {
   constexpr int kHeaderBytes = 32;
   try {
@@ -35,7 +33,7 @@ std::string ReadHead(const fs::path& path) {
     sqlite3_file* file = nullptr;
     sqlite3_file_control(database.getHandle(), "main", SQLITE_FCNTL_FILE_POINTER, &file);
     std::string head(kHeaderBytes, '\0');
-    // A shorter file is filled up with zeros.
+    // SQLite fills the rest of a shorter file with zeros.
     const int result = file->pMethods->xRead(file, head.data(), kHeaderBytes, 0);
     return result == SQLITE_OK || result == SQLITE_IOERR_SHORT_READ ? head : std::string();
   } catch (const SQLite::Exception&) {
@@ -66,7 +64,7 @@ bool HasName(const fs::path& path) {
 void KeepDatabase(const fs::path& path) {
   std::error_code error;
   if (!fs::is_regular_file(path, error)) {
-    return;  // Nothing to lose, or no file: the writing refuses a folder or a device by itself.
+    return;  // Missing, or a folder or device, which cannot be overwritten anyway.
   }
   fs::path target = fs::canonical(path, error);
   if (error) {

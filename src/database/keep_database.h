@@ -6,16 +6,15 @@
 
 namespace vrx {
 
-// A report or an export was to be written over a database. what() tells the operator what to do.
+// A report or export would overwrite a database. what() asks for another file name.
 class DatabaseInTheWay : public Error {
  public:
   using Error::Error;
 };
 
-// Throws DatabaseInTheWay where the path names a database, its journal, or a file with the name of
-// one. The content decides, through links too, so a database under another name is kept as well.
-// The name counts for files that cannot be read and for damaged or empty ones. Changes nothing, and
-// the locks that this process holds on the file stay.
+// Throws DatabaseInTheWay if the path, or the target of a link, is a database or its journal by its
+// content, or has the file name extension of a database; the latter protects unreadable, damaged
+// and empty databases. Changes nothing and keeps the locks of this process on the file.
 void KeepDatabase(const std::filesystem::path& path);
 
 }  // namespace vrx

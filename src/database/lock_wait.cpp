@@ -5,13 +5,11 @@
 #include <sqlite3.h>
 
 namespace vrx {
-
 namespace {
 
 constexpr std::chrono::milliseconds kNap{10};
 
-// The engine calls it each time that it finds the lock taken. A result of 0 makes the statement
-// fail as locked.
+// Busy handler of SQLite. Returns 0 to fail the statement as locked.
 int SpendBudget(void* budget, int /*calls*/) {
   const std::chrono::milliseconds nap = static_cast<WaitBudget*>(budget)->Take(kNap);
   if (nap.count() == 0) {

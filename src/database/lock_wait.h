@@ -6,29 +6,28 @@ struct sqlite3;
 
 namespace vrx {
 
-// How long a connection of the command line waits for a lock of another program, per statement.
+// Default wait of a statement for a lock of another program; used by the command line.
 inline constexpr std::chrono::milliseconds kBusyTimeout{5000};
 
-// Waiting time that several connections share. What one statement waits is gone for the next one,
-// of whatever connection, until Renew. So a database that another program holds delays an
-// operator's action once, not once for each statement of it.
+// Waiting time shared by several connections: each wait reduces it until Renew. So a locked
+// database delays an action of the operator once, not once for each of its statements.
 class WaitBudget {
  public:
   explicit WaitBudget(std::chrono::milliseconds limit) : limit_(limit), left_(limit) {}
 
   void Renew() { left_ = limit_; }
-  std::chrono::milliseconds Left() const { return left_; }
+  [[nodiscard]] std::chrono::milliseconds Left() const { return left_; }
 
-  // Takes at most `wanted`, and returns what it took: 0 once nothing is left.
-  std::chrono::milliseconds Take(std::chrono::milliseconds wanted);
+  // Takes at most `wanted` and returns the time taken: 0 if nothing is left.
+  [[nodiscard]] std::chrono::milliseconds Take(std::chrono::milliseconds wanted);
 
  private:
   std::chrono::milliseconds limit_;
   std::chrono::milliseconds left_;
 };
 
-// How a connection waits for a lock of another program: up to a time of its own for each statement,
-// or out of a budget, which then has to outlive the connection.
+// How a connection waits for locks of other programs: a fixed time for each statement, or a shared
+// budget, which must outlive the connection.
 class LockWait {
  public:
   LockWait(std::chrono::milliseconds per_statement) : per_statement_(per_statement) {}

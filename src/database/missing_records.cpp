@@ -13,7 +13,6 @@
 #include "database/schema.h"
 
 namespace vrx {
-
 namespace {
 
 std::vector<int> MissingOf(SQLite::Database& database, std::string_view table, int count) {

@@ -7,19 +7,21 @@
 
 namespace vrx {
 
-// The IDs of the fixed rows that a recipe database lacks, ascending. A whole database lacks none.
+// IDs of the fixed rows that are missing in a recipe database, ascending.
 struct MissingRecords {
   std::vector<int> ingredients;
   std::vector<int> recipes;
   std::vector<int> pens;
 
-  bool Any() const { return !ingredients.empty() || !recipes.empty() || !pens.empty(); }
+  [[nodiscard]] bool Any() const {
+    return !ingredients.empty() || !recipes.empty() || !pens.empty();
+  }
 };
 
 // Throws DatabaseError.
-MissingRecords FindMissingRecords(SQLite::Database& database);
+[[nodiscard]] MissingRecords FindMissingRecords(SQLite::Database& database);
 
-// "ingredients 3, 17-20; pens 400"; empty for a whole database.
-std::string ToText(const MissingRecords& missing);
+// "ingredients 3, 17-20; pens 400"; empty if no row is missing.
+[[nodiscard]] std::string ToText(const MissingRecords& missing);
 
 }  // namespace vrx

@@ -7,13 +7,13 @@
 
 namespace vrx {
 
-// The databases open in the main window. A path is empty when none of its kind is open.
+// The databases that are open in the main window. The path of a kind without open file is empty.
 struct OpenDatabases {
   std::filesystem::path recipe_db_path = {};
   std::filesystem::path trans_db_path = {};
-  std::string trans_db_uom = {};             // "LB", "KG", or what else the file holds
-  std::string trans_db_read_only_note = {};  // why it may not be written, else empty
-  LockWait lock_wait = kBusyTimeout;         // of the connections that are opened to them
+  std::string trans_db_uom = {};             // "LB", "KG", or any other text of the file
+  std::string trans_db_read_only_note = {};  // why it cannot be written, else empty
+  LockWait lock_wait = kBusyTimeout;         // for further connections to them
 };
 
 }  // namespace vrx

@@ -14,10 +14,9 @@
 #include "database/schema.h"
 
 namespace vrx {
-
 namespace {
 
-// Which member of a record a column fills.
+// Maps a column to a member of a record.
 template <typename Record>
 struct Field {
   std::string_view column;
@@ -92,7 +91,7 @@ void Bind(SQLite::Statement& statement, int index, std::int64_t value) {
   statement.bind(index, value);
 }
 
-// The row's storage identity, then the fields in their order.
+// Selects the rowid, then the fields in their order.
 template <typename Record>
 std::string SelectText(const Mapping<Record>& mapping, std::string_view tail) {
   std::string text = "SELECT rowid";
@@ -127,14 +126,14 @@ std::string InsertText(const Mapping<Record>& mapping) {
 
 template <typename Record>
 void LoadFields(const SQLite::Statement& row, const Mapping<Record>& mapping, Record& record) {
-  int index = 1;  // behind the rowid
+  int index = 1;  // after the rowid
   for (const auto& field : mapping.fields) {
     std::visit([&](auto member) { Load(row.getColumn(index), record.*member); }, field.member);
     ++index;
   }
 }
 
-// Returns the index of the first parameter behind the fields.
+// Returns the index of the next parameter.
 template <typename Record>
 int BindFields(SQLite::Statement& statement, const Mapping<Record>& mapping, const Record& record) {
   int index = 1;

@@ -11,10 +11,9 @@
 #include "database/records.h"
 
 namespace vrx {
+namespace {
 
 namespace fs = std::filesystem;
-
-namespace {
 
 constexpr std::string_view kInteger = "INTEGER";
 constexpr std::string_view kKey = "INTEGER PRIMARY KEY";
@@ -28,14 +27,14 @@ std::vector<std::string> RecipeIndexes() {
   };
 }
 
-// Each serves the levels of a view of the history: their values, the number of records and the
-// records of an innermost group in stored order are found without a walk through the table. `Type`
-// stands behind a name that is asked for with a type and without. The highest number stands at the
-// end of the first one. `UserID` is a number in a text, and ordered as one.
+// Each index serves a view of the history: values of the levels, number of records, and records of
+// an innermost group in stored order are found without a scan of the table. `Type` follows a name
+// that is searched with and without a type. The first index also gives the highest number. `UserID`
+// is a number stored as text and is ordered as a number.
 //
-// The names are many, and an index led by them alone would make a store write a page for each name
-// all over the file, the more of them the longer the yard is kept. Led by the range of transactions
-// it writes to the newest range only; a reader by name looks into each range. Users are few.
+// An index that starts with a name would make each import write one page per name all over the
+// file, more and more as the file grows. An index that starts with the range of transactions is
+// written at the newest range only; a search by name visits each range. Users are few.
 std::vector<std::string> TransactionIndexes() {
   const std::string by_name = " ON Transactions (" + std::string(kTransactionRange) + ", ";
   const std::string batches = "Recipe, Ingredient, Type) WHERE Type = 'BATCH'";
@@ -123,7 +122,7 @@ std::string CreateText(const Table& table) {
   return text;
 }
 
-// Rows 1 to `count`: the ID, the default name, and what the query says of the columns behind.
+// Inserts rows 1 to `count`. `query` has parameters for ID and default name, and the other values.
 void InsertFixedRows(SQLite::Database& database, const char* query, std::string_view name_head,
                      int count) {
   SQLite::Statement insert(database, query);
@@ -180,7 +179,7 @@ std::vector<Table> Schema(DatabaseKind kind) {
 
 void CreateTemplate(const fs::path& path, DatabaseKind kind) {
   const fs::path unfinished = path.string() + ".new";
-  // A killed run may have left it. The engine removes its journal: an empty file has none.
+  // A killed run may have left this file. SQLite deletes a journal that belongs to an empty file.
   fs::remove(unfinished);
   try {
     SQLite::Database database(unfinished, SQLite::OPEN_READWRITE | SQLite::OPEN_CREATE);

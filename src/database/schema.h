@@ -12,9 +12,8 @@ namespace vrx {
 
 enum class DatabaseKind { kRecipe, kTransaction };
 
-// Header fields of every database of this system, templates included. Both kinds bear the same
-// application id: what kind a file is stands in its marker table alone, where a copy of a template
-// is turned into a user's file.
+// Header fields of every database of this system, templates included. Both kinds have the same
+// application ID; only the marker table holds the kind.
 inline constexpr std::int32_t kApplicationId = 0x56525832;  // "VRX2"
 inline constexpr std::int32_t kSchemaVersion = 1;           // user_version
 
@@ -27,20 +26,19 @@ inline constexpr std::string_view kUnitsTable = "UnitsOfMeasure";
 inline constexpr std::string_view kHistoryTable = "History";
 inline constexpr std::string_view kMarkerTable = "BrantockDatabase";
 
-// The range of transaction numbers that a row of `Transactions` belongs to, a whole number for
-// every row: those without a transaction have one of their own, ahead of all others. The indexes by
-// name are led by it, in these very words. A yard has some 30,000 rows in a range and stores about
-// 30 ranges with a million rows.
+// SQL expression for the range of transaction numbers that a row of `Transactions` belongs to: a
+// whole number, the lowest for rows without a transaction. The indexes by name start with this
+// exact expression. A yard has about 30,000 rows in a range, and 30 ranges in a million rows.
 inline constexpr std::string_view kTransactionRange =
     "ifnull([Transaction] >> 11, -9007199254740992)";
 
-// Weights `Ing01Wt` to `Ing100Wt` of a transaction row; the store fills the first ones only.
+// Weight columns `Ing01Wt` to `Ing100Wt` of a transaction row.
 inline constexpr int kWeightColumnCount = 100;
-inline constexpr int kStoredWeightCount = 32;
+inline constexpr int kStoredWeightCount = 32;  // filled by an import; the others stay NULL
 
 struct Column {
   std::string name;
-  std::string_view type;  // INTEGER, REAL or TEXT; behind it what else the column is
+  std::string_view type;  // INTEGER, REAL or TEXT, with constraints
 };
 
 struct Table {
@@ -48,21 +46,20 @@ struct Table {
   std::vector<Column> columns;
 };
 
-// The tables of a kind, columns in stored order.
-std::vector<Table> Schema(DatabaseKind kind);
+// Tables of a kind, columns in stored order.
+[[nodiscard]] std::vector<Table> Schema(DatabaseKind kind);
 
 // "Ing01Wt" for ingredient 1, "Ing100Wt" for ingredient 100.
-std::string IngredientWeightColumn(int id);
+[[nodiscard]] std::string IngredientWeightColumn(int id);
 
-// A name in square brackets: the only quoting that SQLite never takes for a text.
-std::string Bracketed(std::string_view name);
+// The name in square brackets, the only quoting that SQLite never interprets as a string.
+[[nodiscard]] std::string Bracketed(std::string_view name);
 
-// Makes the blank template of a kind, with its fixed rows and the NUL marker. Written beside `path`
-// and renamed: the path holds a whole template or what it held before. Throws DatabaseError or
-// std::filesystem::filesystem_error.
+// Creates the blank template of a kind with its fixed rows and the NUL marker. Replaces the file at
+// `path` by renaming a complete one. Throws DatabaseError or std::filesystem::filesystem_error.
 void CreateTemplate(const std::filesystem::path& path, DatabaseKind kind);
 
-// A blank database of a kind that is no file, for reading only. Throws DatabaseError.
-SQLite::Database BlankInMemory(DatabaseKind kind);
+// A read-only template in memory. Throws DatabaseError.
+[[nodiscard]] SQLite::Database BlankInMemory(DatabaseKind kind);
 
 }  // namespace vrx

@@ -10,7 +10,6 @@
 #include "database/identity.h"
 
 namespace vrx {
-
 namespace {
 
 constexpr const char* kCountRecords =
@@ -18,8 +17,8 @@ constexpr const char* kCountRecords =
     "(SELECT count(*) FROM Recipe WHERE Description <> ''), "
     "(SELECT count(*) FROM Pen WHERE (Pen.FeedAmount <> '0' OR Pen.Description <> ''))";
 
-// Asked one by one, so that the dates are found at the two ends of their index and the numbers are
-// read in order.
+// Separate subqueries, so that the dates come from the ends of their index and the numbers are read
+// in index order.
 constexpr const char* kCountTransactions =
     "SELECT (SELECT count(*) FROM Transactions), "
     "(SELECT count(*) FROM (SELECT DISTINCT [Transaction] FROM Transactions "

@@ -21,16 +21,16 @@ struct RecipeCounts {
 
 struct TransactionCounts {
   std::int64_t rows = 0;
-  std::int64_t transactions = 0;  // different numbers
+  std::int64_t transactions = 0;  // distinct numbers
   std::optional<Date> first_date;
   std::optional<Date> last_date;
 };
 
-// What a file holds, at a glance.
+// Overview of a database file.
 struct DatabaseSummary {
   DatabaseKind kind = DatabaseKind::kRecipe;
   bool blank = false;  // a template or a fresh copy of one
-  std::string unit;    // "" when none
+  std::string unit;    // "" if it has none
   std::optional<Date> created;
   std::optional<Date> modified;
   RecipeCounts recipe;            // of a recipe database
@@ -38,8 +38,8 @@ struct DatabaseSummary {
   TransactionCounts transaction;  // of a transaction database
 };
 
-// Counted by the database in one pass at most; the whole stems from one moment. Throws
-// DatabaseError, also for a file whose marker is none of the four types.
+// Reads everything in one read transaction and scans the table at most once. Throws DatabaseError,
+// also for a file with an unknown type in its marker table.
 DatabaseSummary ReadDatabaseSummary(const std::filesystem::path& path,
                                     LockWait wait = kBusyTimeout);
 

@@ -12,10 +12,9 @@
 #include "database/schema.h"
 
 namespace vrx {
-
 namespace {
 
-// The columns of a TransactionRecord, the stored weights behind them; the other weights stay NULL.
+// Columns of a TransactionRecord, then the stored weights. The other weights stay NULL.
 std::string InsertText() {
   std::string columns =
       "[Transaction], Recipe, Type, UserID, Ingredient, Pen, Target, ActualBatch, Time, Date, "
@@ -28,7 +27,7 @@ std::string InsertText() {
   return "INSERT INTO Transactions (" + columns + ") VALUES (" + marks + ")";
 }
 
-// Binds one parameter after the other; NULL for a value that is not there.
+// Binds consecutive parameters; NULL for an absent value.
 class Binder {
  public:
   explicit Binder(SQLite::Statement& statement) : statement_(statement) {}
@@ -75,7 +74,7 @@ bool HasIndexByRangeAnd(SQLite::Database& database, std::string_view columns) {
 
 std::int32_t HighestTransaction(SQLite::Database& database) {
   return WithDatabaseErrors(database, [&] {
-    // Numbers sort before texts, and the maximum of the column would be a text.
+    // Without the condition the maximum could be a text, because texts sort after numbers.
     SQLite::Statement query(database,
                             "SELECT max([Transaction]) FROM Transactions WHERE [Transaction] < ''");
     query.executeStep();
@@ -97,7 +96,7 @@ TransactionAppender::~TransactionAppender() = default;
 
 void TransactionAppender::Append(const TransactionRecord& record) {
   WithDatabaseErrors(database_, [&] {
-    // Its result is the failure of the row before, which was thrown then.
+    // The result repeats the error of the previous row, which was already thrown.
     statement_->tryReset();
     Binder binder(*statement_);
     binder.Bind(record.transaction);

@@ -16,7 +16,7 @@
 
 namespace vrx {
 
-// One row of `Transactions`. Texts UTF-8; nothing stands for NULL, and so does an empty user,
+// One row of `Transactions`. Texts are UTF-8. An empty optional is NULL, and so is an empty user,
 // ingredient or pen.
 struct TransactionRecord {
   std::int32_t transaction = 0;
@@ -34,14 +34,12 @@ struct TransactionRecord {
   std::array<std::optional<double>, 32> ingredient_weights = {};  // Ing01Wt to Ing32Wt
 };
 
-// The highest transaction number of the table, never below 0: no row, a NULL and a negative number
-// count as 0. Does not grow with the table. Throws DatabaseError, also for a number outside 32
-// bits.
+// Highest transaction number in the table, at least 0. One search of an index. Throws
+// DatabaseError, also for a number outside 32 bits.
 std::int32_t HighestTransaction(SQLite::Database& database);
 
-// Appends rows with one prepared statement. The caller's SQLite transaction encloses it, and the
-// database outlives it. Throws DatabaseError; the row is then not there, and further ones may
-// follow.
+// Inserts rows with one prepared statement, inside the caller's SQLite transaction. The database
+// must outlive it. If Append throws DatabaseError, that row is not stored; more rows may follow.
 class TransactionAppender {
  public:
   explicit TransactionAppender(SQLite::Database& database);
@@ -53,17 +51,17 @@ class TransactionAppender {
   std::unique_ptr<SQLite::Statement> statement_;
 };
 
-// The ranges of transactions that have rows, ascending, each found by one search of an index.
-// Nothing where no index of the table is led by a range and then `columns`, such as "Recipe, Type":
-// a database of another making is read without ranges. Throws SQLite::Exception.
-std::optional<std::vector<std::int64_t>> ReadTransactionRanges(SQLite::Database& database,
-                                                               std::string_view columns);
+// Ranges of transactions that have rows, ascending, each found by one search of an index. Nothing
+// if the table has no index on a range followed by `columns`, such as "Recipe, Type": databases
+// from other sources are read without ranges. Throws SQLite::Exception.
+[[nodiscard]] std::optional<std::vector<std::int64_t>> ReadTransactionRanges(
+    SQLite::Database& database, std::string_view columns);
 
-// " AND ..." for a query of the rows in certain ranges, so that an index led by ranges is searched
-// for each of them. `parameter`, such as "?2", is bound to a JsonArray of the ranges.
-std::string InTransactionRanges(std::string_view parameter);
+// SQL condition " AND ..." for the rows of some ranges, in a form that makes SQLite search an index
+// once for each range. The caller binds `parameter`, such as "?2", to a JsonArray of the ranges.
+[[nodiscard]] std::string InTransactionRanges(std::string_view parameter);
 
-// "[1,2,3]", for the engine's json_each.
-std::string JsonArray(std::span<const std::int64_t> numbers);
+// "[1,2,3]", for SQLite's json_each.
+[[nodiscard]] std::string JsonArray(std::span<const std::int64_t> numbers);
 
 }  // namespace vrx

@@ -23,7 +23,7 @@ using ::testing::StartsWith;
 constexpr milliseconds kAtOnce{0};
 constexpr const char* kExpected = "; expected a recipe or transaction database of this system";
 
-// The failure of an opening, which must leave the folder as it was, byte for byte.
+// Returns the error of an opening and checks that the folder did not change.
 DatabaseError Refusal(const fs::path& path, Access access) {
   const std::vector<std::string> names = FileNames(path.parent_path());
   const bool is_file = fs::is_regular_file(path);
@@ -105,7 +105,7 @@ TEST(OpenDatabase, TakesNamesWithBlanksQuotesAndForeignLetters) {
   }
 }
 
-TEST(OpenDatabase, RefusesAMissingFileAndMakesNone) {
+TEST(OpenDatabase, RefusesAMissingFileAndCreatesNone) {
   const TempFolder folder;
   ExpectRefused(folder / "YARD.RDB", SQLITE_CANTOPEN,
                 std::string("YARD.RDB does not exist") + kExpected);
@@ -163,7 +163,7 @@ TEST(OpenDatabase, RefusesAFileOfAnotherKind) {
   }
 }
 
-TEST(OpenDatabase, RecognisesAJetFile) {
+TEST(OpenDatabase, RecognizesAJetFile) {
   const TempFolder folder;
   using std::string_literals::operator""s;
   const std::string head = "\0\1\0\0Standard Jet DB\0"s;
@@ -241,7 +241,7 @@ TEST(OpenDatabase, DamageAnywhereIsReportedOrHarmless) {
   int reported = 0;
   for (int round = 0; round < 300; ++round) {
     std::string bytes = whole;
-    // Every other round aims at the header and the schema.
+    // Every other round damages the header or the schema.
     const std::size_t range = round % 2 == 0 ? 1000 : bytes.size();
     for (int hit = 0; hit < 4; ++hit) {
       bytes[random() % range] = static_cast<char>(random() & 0xffU);
@@ -297,13 +297,13 @@ TEST(OpenDatabase, ARefusedOpeningKeepsTheLocksOfThisProcess) {
   const TempFolder folder;
   const fs::path path = CopyOfTemplate(folder, "YARD.RDB");
   const ExclusiveHolder holder(path);
-  // Each try opens and closes the file; were a lock lost on the way, a later one would succeed.
+  // Each try opens and closes the file. If it dropped the lock, a later try would succeed.
   for (int i = 0; i < 3; ++i) {
     EXPECT_THROW(OpenDatabase(path, Access::kWrite, kAtOnce), DatabaseError);
   }
 }
 
-TEST(OpenDatabase, BringsAWriteAheadLogBackToARollbackJournal) {
+TEST(OpenDatabase, SwitchesAWriteAheadLogToARollbackJournal) {
   const TempFolder folder;
   const fs::path path = CopyOfTemplate(folder, "YARD.RDB");
   Alter(path, "PRAGMA journal_mode=WAL; UPDATE Pen SET FeedAmount = '9'");
@@ -313,7 +313,7 @@ TEST(OpenDatabase, BringsAWriteAheadLogBackToARollbackJournal) {
   EXPECT_THAT(Ask(path, "SELECT DISTINCT FeedAmount FROM Pen"), ElementsAre("9"));
 }
 
-// The failure of a statement on a template's copy.
+// Returns the error of a statement on a copy of a template.
 DatabaseError FailureOf(const std::string& statement) {
   const TempFolder folder;
   SQLite::Database database = OpenDatabase(CopyOfTemplate(folder, "YARD.RDB"), Access::kWrite);
@@ -342,7 +342,7 @@ TEST(TranslateSqliteError, GivesTheExtendedCodeOfAnythingElse) {
   EXPECT_EQ(FailureOf("SELECT").Number(), SQLITE_ERROR);
 }
 
-TEST(TranslateSqliteError, SaysWhatHappenedToTheFile) {
+TEST(TranslateSqliteError, DescribesWhatHappenedToTheFile) {
   EXPECT_STREQ(
       FailureOf("PRAGMA max_page_count = 1; CREATE TABLE Full AS SELECT * FROM Pen").what(),
       "YARD.RDB could not be written: the disk is full");

@@ -33,12 +33,12 @@ TEST_F(CopyDatabaseFileTest, CopiesByteForByteAndLeavesNothingElse) {
 }
 
 TEST_F(CopyDatabaseFileTest, OverwritesAFileOfThatName) {
-  folder_.Write("B.RDB", "somebody's work");
+  folder_.Write("B.RDB", "another file");
   CopyDatabaseFile(source_, target_, kNoWait);
   EXPECT_EQ(ReadAll(target_), ReadAll(source_));
 }
 
-TEST_F(CopyDatabaseFileTest, CopiesWhatIsNoDatabaseAsItStands) {
+TEST_F(CopyDatabaseFileTest, CopiesAFileThatIsNotADatabaseByteForByte) {
   const std::string bytes(200000, 'x');
   CopyDatabaseFile(folder_.Write("T.TXT", bytes), target_, kNoWait);
   EXPECT_EQ(ReadAll(target_), bytes);
@@ -50,11 +50,11 @@ TEST_F(CopyDatabaseFileTest, CopiesAnEmptyFile) {
 }
 
 TEST_F(CopyDatabaseFileTest, AMissingSourceLeavesTheTarget) {
-  folder_.Write("B.RDB", "somebody's work");
+  folder_.Write("B.RDB", "another file");
   EXPECT_THROW(CopyDatabaseFile(folder_ / "NONE.RDB", target_, kNoWait), FileError);
   EXPECT_THROW(CopyDatabaseFile({}, target_, kNoWait), FileError);
   EXPECT_THROW(CopyDatabaseFile(folder_.Path(), target_, kNoWait), FileError);
-  EXPECT_EQ(ReadAll(target_), "somebody's work");
+  EXPECT_EQ(ReadAll(target_), "another file");
   EXPECT_THAT(FileNames(folder_.Path()), ElementsAre("A.RDB", "B.RDB"));
 }
 
@@ -70,7 +70,7 @@ TEST_F(CopyDatabaseFileTest, RefusesATargetThatAnotherProgramWrites) {
   EXPECT_THROW(CopyDatabaseFile(source_, target_, kNoWait), DatabaseError);
 }
 
-TEST_F(CopyDatabaseFileTest, AJournalLeftBesideAForeignTargetIsNotPlayedIntoTheCopy) {
+TEST_F(CopyDatabaseFileTest, AJournalOfTheOldTargetIsNotAppliedToTheCopy) {
   folder_.Write("B.RDB", "a database of another program");
   folder_.Write("B.RDB-journal", "its journal");
   CopyDatabaseFile(source_, target_, kNoWait);

@@ -41,7 +41,7 @@ TEST(ExactSum, SmallValuesBesideLargeOnesAreKept) {
   EXPECT_EQ(SumOf({-1e16, -1, -1e-16}), -std::nextafter(1e16, kInfinity));
 }
 
-TEST(ExactSum, WhatCancelsIsZero) { EXPECT_EQ(SumOf({0.1, 0.2, -0.1, -0.2}), 0); }
+TEST(ExactSum, CancelingValuesAddUpToZero) { EXPECT_EQ(SumOf({0.1, 0.2, -0.1, -0.2}), 0); }
 
 TEST(ExactSum, ValuesBeyondTheRangeStayBeyond) {
   EXPECT_EQ(SumOf({1, kInfinity, 2}), kInfinity);
@@ -95,7 +95,7 @@ TEST_F(ExactSumAggregate, OverNothingIsNull) {
   EXPECT_TRUE(Ask("SELECT exact_sum(Weight) FROM Weights").isNull());
 }
 
-TEST_F(ExactSumAggregate, NullsDoNotCountAndASumIsAlwaysReal) {
+TEST_F(ExactSumAggregate, NullsAreIgnoredAndASumIsAlwaysReal) {
   database_.exec("INSERT INTO Weights VALUES ('A', 1), ('A', NULL), ('A', 2)");
   const SQLite::Column sum = Ask("SELECT exact_sum(Weight) FROM Weights");
   EXPECT_TRUE(sum.isFloat());
@@ -112,12 +112,12 @@ TEST_F(ExactSumAggregate, AddsUpEachGroupByItself) {
             "50.0 350.0");
 }
 
-TEST_F(ExactSumAggregate, TextsCountAsTheNumbersThatTheyAre) {
+TEST_F(ExactSumAggregate, TextsAreAddedAsNumbers) {
   EXPECT_EQ(Ask("SELECT exact_sum(v) FROM (SELECT '0.5' AS v UNION ALL SELECT '2')").getDouble(),
             2.5);
 }
 
-TEST_F(ExactSumAggregate, AQueryGivenUpHalfwayLeavesNothingBehind) {
+TEST_F(ExactSumAggregate, AnAbandonedQueryLeaksNothing) {
   database_.exec("INSERT INTO Weights VALUES ('A', 1), ('A', 2)");
   EXPECT_THROW(
       Ask("SELECT exact_sum(iif(Weight = 2, abs(-9223372036854775808), Weight)) FROM Weights"),

@@ -1,4 +1,4 @@
-// A program that was killed while it wrote.
+// Opening a database after a program was killed while writing it.
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>

@@ -12,7 +12,7 @@ namespace {
 namespace fs = std::filesystem;
 using ::testing::HasSubstr;
 
-// The refusal's words; empty where the file may be replaced.
+// Text of the refusal; empty if the file may be replaced.
 std::string RefusalOf(const fs::path& path) {
   try {
     KeepDatabase(path);
@@ -27,7 +27,7 @@ class KeepDatabaseTest : public ::testing::Test {
   TempFolder folder_;
 };
 
-TEST_F(KeepDatabaseTest, ADatabaseIsKeptWhateverItsName) {
+TEST_F(KeepDatabaseTest, ADatabaseIsProtectedUnderAnyName) {
   for (const auto& [name, kind] : {std::pair{"YARD.RDB", DatabaseKind::kRecipe},
                                    {"YARD.TDB", DatabaseKind::kTransaction},
                                    {"report.pdf", DatabaseKind::kTransaction}}) {
@@ -37,7 +37,7 @@ TEST_F(KeepDatabaseTest, ADatabaseIsKeptWhateverItsName) {
   }
 }
 
-TEST_F(KeepDatabaseTest, ADatabaseIsKeptThroughEveryKindOfLink) {
+TEST_F(KeepDatabaseTest, ADatabaseIsProtectedThroughEveryKindOfLink) {
   const fs::path database = CopyOfTemplate(folder_, "YARD.RDB");
   fs::create_symlink(database, folder_ / "soft.pdf");
   fs::create_symlink("soft.pdf", folder_ / "softer.pdf");
@@ -48,14 +48,14 @@ TEST_F(KeepDatabaseTest, ADatabaseIsKeptThroughEveryKindOfLink) {
   }
 }
 
-TEST_F(KeepDatabaseTest, AnEarlierDatabaseAndAJournalAreKept) {
+TEST_F(KeepDatabaseTest, ALegacyDatabaseAndAJournalAreProtected) {
   using namespace std::string_literals;
   EXPECT_NE(RefusalOf(folder_.Write("OLD", "\0\1\0\0Standard Jet DB\0and more"s)), "");
   EXPECT_NE(RefusalOf(folder_.Write("a-journal", "\xD9\xD5\x05\xF9\x20\xA1\x63\xD7 pages"s)), "");
   EXPECT_NE(RefusalOf(folder_.Write("a-wal", "\x37\x7F\x06\x82 frames"s)), "");
 }
 
-TEST_F(KeepDatabaseTest, AnEmptyOrDamagedFileIsKeptByItsName) {
+TEST_F(KeepDatabaseTest, AnEmptyOrDamagedFileIsProtectedByItsName) {
   for (const char* const name : {"EMPTY.RDB", "empty.tdb"}) {
     EXPECT_THAT(RefusalOf(folder_.Write(name, "")), HasSubstr("has the name of a database"));
   }
@@ -73,7 +73,7 @@ TEST_F(KeepDatabaseTest, AnythingElseMayBeReplaced) {
   EXPECT_EQ(RefusalOf("/dev/null"), "");
 }
 
-// A second handle of the file, closed, would drop the lock of the first.
+// Closing a second handle of the file would drop the lock of the first.
 TEST_F(KeepDatabaseTest, ALockOfThisProcessStays) {
   const fs::path database = CopyOfTemplate(folder_, "YARD.RDB");
   fs::permissions(database, fs::perms::owner_write, fs::perm_options::add);

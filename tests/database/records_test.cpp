@@ -34,12 +34,12 @@ auto Fields(const RecipeLineRecord& r) {
 class Records : public ::testing::Test {
  protected:
   std::string Text() {
-    static const std::vector<std::string> pieces{"'",  "\"",           ";", "--", "%", "Ä",
-                                                 "é",  "\xe2\x82\xac", " ", "A",  "b", "7",
-                                                 "\\", "\r\n",         "[", "]",  "?"};
+    static const std::vector<std::string> parts{"'",  "\"",           ";", "--", "%", "Ä",
+                                                "é",  "\xe2\x82\xac", " ", "A",  "b", "7",
+                                                "\\", "\r\n",         "[", "]",  "?"};
     std::string text;
     for (int length = Number(0, 20); length > 0; --length) {
-      text += pieces[static_cast<std::size_t>(Number(0, static_cast<int>(pieces.size()) - 1))];
+      text += parts[static_cast<std::size_t>(Number(0, static_cast<int>(parts.size()) - 1))];
     }
     return text;
   }
@@ -156,7 +156,7 @@ TEST_F(Records, AnIdWithoutARowIsNoRecord) {
   EXPECT_EQ(NumberOf([&] { WritePen(database_, {.id = 401}); }), kNoRecordError);
 }
 
-TEST_F(Records, AMissingTableOrFieldIsToldByItsNumber) {
+TEST_F(Records, AMissingTableOrFieldHasItsErrorNumber) {
   database_.exec("ALTER TABLE Pen RENAME COLUMN FeedAmount TO Feed");
   database_.exec("DROP TABLE Ingredient");
   EXPECT_EQ(NumberOf([&] { ReadIngredients(database_); }), kInvalidTableError);

@@ -86,7 +86,7 @@ TEST(Schema, TransactionsHasItsHundredAndTwelveColumnsInOrder) {
   EXPECT_THAT(AskTransaction("SELECT count(*) FROM Transactions"), ElementsAre("0"));
 }
 
-TEST(Schema, TemplatesBearTheNulMarker) {
+TEST(Schema, TemplatesHaveTheNulMarker) {
   EXPECT_THAT(AskRecipe("SELECT dBType FROM BrantockDatabase"), ElementsAre("NUL_RECIPE_DB"));
   EXPECT_THAT(AskTransaction("SELECT dBType FROM BrantockDatabase"), ElementsAre("NUL_TRANS_DB"));
 }
@@ -130,7 +130,7 @@ TEST(Schema, NoRecordOfATemplateIsInUse) {
               SizeIs(0));
 }
 
-// How the tables of a query are reached, one line for each step.
+// The query plan, one line for each step.
 std::vector<std::string> Plan(DatabaseKind kind, const std::string& query) {
   SQLite::Database database(TemplatePath(kind), SQLite::OPEN_READONLY);
   SQLite::Statement plan(database, "EXPLAIN QUERY PLAN " + query);
@@ -155,11 +155,11 @@ TEST(Schema, TheHighestTransactionIsFoundByIndex) {
                           "(Transaction<?)"));
 }
 
-// The levels of a view of the history, from the outside in: what an index has to serve, for all
+// Levels of a view of the history, outermost first, that an index has to serve, for all
 // rows or for those in one range of transactions.
 struct HistoryLevels {
-  std::string filter;             // on the rows of the view, ahead of " AND "
-  std::vector<std::string> keys;  // what the levels are ordered by
+  std::string filter;             // condition on the rows, before " AND "
+  std::vector<std::string> keys;  // expressions that order the levels
   std::string index;              // as the plan names it
 };
 
@@ -184,7 +184,7 @@ const std::vector<HistoryLevels>& LevelsOfTheHistory() {
   return levels;
 }
 
-// The rows with certain values on the first `depth` keys, for one more condition to follow.
+// Selects the rows with given values of the first `depth` keys; a condition can be appended.
 std::string From(const HistoryLevels& levels, std::size_t depth) {
   std::string text = " FROM Transactions WHERE " + levels.filter;
   for (std::size_t key = 0; key < depth; ++key) {
@@ -241,7 +241,7 @@ TEST(Schema, RecordsPickedByNameAreFoundByIndexWhateverTheirType) {
   }
 }
 
-TEST(Schema, CreateTemplateReplacesWhatStandsThereAndLeavesNothingBeside) {
+TEST(Schema, CreateTemplateReplacesAFileAndLeavesNoOtherFile) {
   const TempFolder folder;
   folder.Write("QXNULRDB.MDB", "something else");
   folder.Write("QXNULRDB.MDB.new", "left by a killed run");
@@ -256,7 +256,7 @@ TEST(Schema, CreateTemplateIntoAMissingFolderFails) {
   EXPECT_THROW(CreateTemplate(folder / "none/QXNULRDB.MDB", DatabaseKind::kRecipe), DatabaseError);
 }
 
-TEST(Schema, TemplatesAreMadeAlikeEachTime) {
+TEST(Schema, TemplatesAreReproducible) {
   const TempFolder folder;
   for (const DatabaseKind kind : {DatabaseKind::kRecipe, DatabaseKind::kTransaction}) {
     CreateTemplate(folder / "T.MDB", kind);
@@ -264,7 +264,7 @@ TEST(Schema, TemplatesAreMadeAlikeEachTime) {
   }
 }
 
-TEST(Schema, ABlankDatabaseInMemoryHoldsWhatTheTemplateHoldsAndIsNotWritten) {
+TEST(Schema, ABlankDatabaseInMemoryEqualsTheTemplateAndIsReadOnly) {
   for (const DatabaseKind kind : {DatabaseKind::kRecipe, DatabaseKind::kTransaction}) {
     SQLite::Database blank = BlankInMemory(kind);
     std::vector<std::string> statements;

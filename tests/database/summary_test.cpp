@@ -93,7 +93,7 @@ int NumberOfFailure(const fs::path& path) {
   return 0;
 }
 
-TEST(Summary, OfAFileThatIsNoneOfOursFails) {
+TEST(Summary, OfAForeignFileFails) {
   const TempFolder folder;
   EXPECT_THROW(ReadDatabaseSummary(folder / "NONE.RDB"), DatabaseError);
   const fs::path path = CopyOfTemplate(folder, "YARD.RDB");

@@ -30,7 +30,7 @@ class TransactionRanges : public ::testing::Test {
     return ReadTransactionRanges(database_, columns);
   }
 
-  // Of the row with that transaction.
+  // Range of the row with that transaction.
   std::int64_t RangeOf(const std::string& transaction) {
     return database_
         .execAndGet("SELECT " + std::string(kTransactionRange) + " FROM (SELECT " + transaction +
@@ -48,7 +48,7 @@ class TransactionRanges : public ::testing::Test {
   SQLite::Database database_ = NewDatabase();
 };
 
-TEST_F(TransactionRanges, OfAnEmptyTableAreNone) { EXPECT_THAT(Of("Pen"), Optional(IsEmpty())); }
+TEST_F(TransactionRanges, OfAnEmptyTableAreEmpty) { EXPECT_THAT(Of("Pen"), Optional(IsEmpty())); }
 
 TEST_F(TransactionRanges, AreThoseWithRowsAscendingAndTheOneWithoutANumberFirst) {
   Exec(
@@ -62,7 +62,7 @@ TEST_F(TransactionRanges, AreThoseWithRowsAscendingAndTheOneWithoutANumberFirst)
   }
 }
 
-TEST_F(TransactionRanges, HoldEveryRowWhateverStandsForItsNumber) {
+TEST_F(TransactionRanges, IncludeRowsWithoutAValidNumber) {
   Exec("INSERT INTO Transactions ([Transaction]) VALUES ('x'), (1e300), (NULL), (-7), (X'00')");
   SQLite::Database& database = Database();
   SQLite::Statement query(
@@ -72,7 +72,7 @@ TEST_F(TransactionRanges, HoldEveryRowWhateverStandsForItsNumber) {
   EXPECT_EQ(query.getColumn(0).getInt(), 5);
 }
 
-TEST_F(TransactionRanges, AreNothingWithoutAnIndexThatIsLedByThem) {
+TEST_F(TransactionRanges, AreNothingWithoutAnIndexThatStartsWithThem) {
   EXPECT_EQ(Of("Date"), std::nullopt);
   EXPECT_EQ(Of("[Transaction]"), std::nullopt);
   Exec("DROP INDEX TransactionsByPen");

@@ -32,19 +32,19 @@ TEST_F(Transactions, TheHighestOfAnEmptyTableIsZero) {
   EXPECT_EQ(HighestTransaction(database_), 0);
 }
 
-TEST_F(Transactions, ANullCountsAsZero) {
+TEST_F(Transactions, ANullNumberIsZero) {
   AddNumber("NULL");
   EXPECT_EQ(HighestTransaction(database_), 0);
 }
 
-TEST_F(Transactions, ANegativeNumberCountsAsZero) {
+TEST_F(Transactions, ANegativeNumberIsZero) {
   AddNumber("-5");
   EXPECT_EQ(HighestTransaction(database_), 0);
   AddNumber("NULL");
   EXPECT_EQ(HighestTransaction(database_), 0);
 }
 
-TEST_F(Transactions, TheHighestIsFoundByNumberWhereverItStands) {
+TEST_F(Transactions, TheHighestIsFoundInAnyRow) {
   for (const char* number : {"9", "40", "100", "NULL", "7", "-3"}) {
     AddNumber(number);
   }
@@ -53,7 +53,7 @@ TEST_F(Transactions, TheHighestIsFoundByNumberWhereverItStands) {
   EXPECT_EQ(HighestTransaction(database_), 2147483647);
 }
 
-TEST_F(Transactions, ATextThatIsNoNumberCountsAsZeroAndHidesNoHigherNumber) {
+TEST_F(Transactions, ATextIsZeroAndHidesNoHigherNumber) {
   AddNumber("'LOST'");
   EXPECT_EQ(HighestTransaction(database_), 0);
   for (const char* number : {"17", "'12'", "''", "x'FF'"}) {
@@ -69,7 +69,7 @@ TEST_F(Transactions, ANumberOutside32BitsIsAnError) {
   EXPECT_THROW(HighestTransaction(database_), DatabaseError);
 }
 
-TEST_F(Transactions, AMissingTableIsToldByItsNumber) {
+TEST_F(Transactions, AMissingTableHasItsErrorNumber) {
   database_.exec("DROP TABLE Transactions");
   try {
     HighestTransaction(database_);
@@ -111,7 +111,7 @@ TEST_F(Transactions, AppendedRowsHoldEveryField) {
   }
 }
 
-TEST_F(Transactions, WhatIsNotThereIsNull) {
+TEST_F(Transactions, AbsentValuesAreNull) {
   TransactionAppender appender(database_);
   appender.Append({.transaction = 1, .type = "FEED"});
   appender.Append(
@@ -140,7 +140,7 @@ TEST_F(Transactions, AValueOfOneRowDoesNotReachTheNext) {
               ElementsAre("5.0", "NULL"));
 }
 
-TEST_F(Transactions, RowsStandInTheOrderOfStoring) {
+TEST_F(Transactions, RowsKeepTheOrderOfStoring) {
   {
     SQLite::Transaction store(database_);
     TransactionAppender appender(database_);
