@@ -28,21 +28,21 @@ namespace fs = std::filesystem;
 
 namespace {
 
-// A text file written line by line in its place: a failure leaves what was written until then.
-// Throws FileError, which names the file and says why.
+// A text file written line by line in place: a failure leaves the lines written so far. Throws
+// FileError with the file and the reason.
 class LineFile {
  public:
-  // Deletes an existing file and makes it anew.
-  explicit LineFile(const std::filesystem::path& path);
+  // Replaces an existing file.
+  explicit LineFile(const fs::path& path);
 
-  // Writes what is still held back; a failure of that goes untold.
+  // Writes the buffered rest; a failure is ignored.
   ~LineFile();
 
   LineFile(const LineFile&) = delete;
   LineFile& operator=(const LineFile&) = delete;
 
-  // The text of the line that comes next, for the caller to append to.
-  std::string& Line() { return held_; }
+  // The caller appends the next line here.
+  std::string& Line() { return buffer_; }
 
   // Ends the line with CR LF.
   void EndLine();
@@ -52,21 +52,21 @@ class LineFile {
  private:
   void Flush();
 
-  std::filesystem::path path_;
+  fs::path path_;
   std::ofstream out_;
-  std::string held_;
+  std::string buffer_;  // not written yet
 };
 
-constexpr std::size_t kHeldBack = std::size_t{256} * 1024;
+constexpr std::size_t kBufferSize = std::size_t{256} * 1024;
 
 [[noreturn]] void Fail(const fs::path& path, const std::error_code& why) {
   throw FileError("cannot write " + path.string() + ": " + why.message());
 }
 
-// What the C library said about the stream operation that has just failed.
+// The cause of the stream operation that has just failed.
 std::error_code LastError() { return {errno != 0 ? errno : EIO, std::generic_category()}; }
 
-// A device or a folder of that name is left alone; a link goes, what it points to stays.
+// Leaves a device or a folder. Removes a link, not its target.
 void DeleteFile(const fs::path& path) {
   std::error_code error;
   const fs::file_type type = fs::symlink_status(path, error).type();
@@ -89,13 +89,13 @@ LineFile::LineFile(const fs::path& path) : path_(path) {
 
 LineFile::~LineFile() {
   if (out_.is_open()) {
-    out_.write(held_.data(), static_cast<std::streamsize>(held_.size()));
+    out_.write(buffer_.data(), static_cast<std::streamsize>(buffer_.size()));
   }
 }
 
 void LineFile::EndLine() {
-  held_ += "\r\n";
-  if (held_.size() >= kHeldBack) {
+  buffer_ += "\r\n";
+  if (buffer_.size() >= kBufferSize) {
     Flush();
   }
 }
@@ -111,16 +111,15 @@ void LineFile::Close() {
 
 void LineFile::Flush() {
   errno = 0;
-  out_.write(held_.data(), static_cast<std::streamsize>(held_.size()));
+  out_.write(buffer_.data(), static_cast<std::streamsize>(buffer_.size()));
   out_.flush();
-  held_.clear();
+  buffer_.clear();
   if (!out_) {
     Fail(path_, LastError());
   }
 }
 
-// The one group whose records follow each other without a line for the value they share, which
-// each of them bears itself.
+// The only group without a line for each value: its records contain the value themselves.
 constexpr int kWithoutGroupLines = 10;
 
 constexpr std::string_view kTotalText = "Total:";

@@ -29,10 +29,10 @@ constexpr std::array<Caption, 12> kCaptions{{{"Transaction", "Transaction"},
 
 struct FixedColumns {
   int group;
-  std::array<std::string_view, 3> fields;  // empty behind the last
+  std::array<std::string_view, 3> fields;  // padded with empty names
 };
 
-// The columns that the grouping of a group hides and its export needs.
+// Columns that the grid hides because it groups by them, but that the export needs.
 constexpr std::array<FixedColumns, 12> kFixedColumns{{{0, {}},
                                                       {1, {"Transaction", "Type"}},
                                                       {2, {"Date", "Transaction", "Type"}},
@@ -46,7 +46,7 @@ constexpr std::array<FixedColumns, 12> kFixedColumns{{{0, {}},
                                                       {11, {"UserID", "Transaction"}},
                                                       {12, {"UserID", "Type"}}}};
 
-// A field or caption of blanks only is left out.
+// Skips a field or caption that is blank.
 void Add(ColumnDictionary& dictionary, ExportedColumn column) {
   if (TrimBlanks(column.field).empty() || TrimBlanks(column.caption).empty()) {
     return;

@@ -34,8 +34,8 @@ constexpr std::array<MissingName, 3> kMissingNames{
      {7, "Please select ingredient name in Batched/Fed tab."},
      {9, "Please select pen name in Batched/Fed tab."}}};
 
-// Empty where the group has the name it needs, or needs none. Whether the name is one of the list
-// is nobody's question: the combo's "Select..." is a name too, of no row.
+// Empty if the group has the name it needs, or needs none. The name need not be in the list: even
+// the combo's "Select..." is accepted and selects no rows.
 std::string_view MissingNameText(const ExportSource& shown) {
   for (const MissingName& missing : kMissingNames) {
     if (missing.group == shown.index && TrimBlanks(shown.name).empty()) {
@@ -53,7 +53,7 @@ IngredientColumnNames ScanDynamicGridColumn(const HistoryGrid& grid) {
   return names;
 }
 
-// An export replaces a file without a question; a database is too much to lose that way.
+// An export replaces a file without asking; a database must not be lost that way.
 void RefuseOpenDatabase(const fs::path& file, const OpenDatabases& databases) {
   const std::array<std::pair<const fs::path&, std::string_view>, 2> kinds{
       {{databases.recipe_db_path, "recipe"}, {databases.trans_db_path, "transaction"}}};
@@ -66,8 +66,8 @@ void RefuseOpenDatabase(const fs::path& file, const OpenDatabases& databases) {
   }
 }
 
-// A stylesheet is copied beside an XML file and replaces what has its name. The program's own
-// stylesheets are never written over.
+// The stylesheet is copied into the folder of an XML file and replaces a file of its name. The
+// program's own stylesheets must never be overwritten.
 void RefuseStyleSheet(const fs::path& file, ExportFormat format, const StyleSheets& style_sheets,
                       int group) {
   std::error_code ignored;
@@ -127,7 +127,7 @@ ExportOutcome ExportDriver::ExportGroup(const ExportSource& shown, ExportFormat 
 
 bool ExportDriver::ExportPage(int group, const fs::path& file,
                               const std::function<bool(const fs::path&)>& write_xml) const {
-  // A missing stylesheet is told once, before anything is written.
+  // Report a missing stylesheet before anything is written; afterwards the export reports it twice.
   if (style_sheets_.PresentSourceOf(group).empty()) {
     return false;
   }

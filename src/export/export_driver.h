@@ -13,11 +13,8 @@ namespace vrx {
 
 enum class ExportFormat { kCsv, kXml, kHtml };
 
-// Of the files of that format, with its dot.
-std::string_view ExtensionOf(ExportFormat format);
-
-// What an export takes from the `Batched/Fed` tab: the data group chosen there and the columns as
-// they stand. Valid until another event runs.
+// What an export takes from the `Batched/Fed` tab: the selected data group and its current columns.
+// Valid until another event runs.
 struct ExportSource {
   const HistoryGrid& grid;
   int index;              // of `lstGroupBy`
@@ -27,26 +24,28 @@ struct ExportSource {
 
 struct ExportOutcome {
   bool done = false;
-  std::string error_text = {};  // why not; empty where there is no more to say
+  std::string error_text = {};  // the reason if not done; empty if it was already reported
 };
 
-// Leads an export: what is on show goes to a writer, which reads the records from the open
-// transaction database itself.
+// The file name extension of a format, with its dot.
+[[nodiscard]] std::string_view ExtensionOf(ExportFormat format);
+
+// Runs an export: passes the shown data group to the writer of the format, which reads the records
+// from the open transaction database.
 class ExportDriver {
  public:
   // The stylesheets outlive the object.
   explicit ExportDriver(const StyleSheets& style_sheets) : style_sheets_(style_sheets) {}
 
-  // Writes the file, over one of that name, in a folder that is there. Not done, with nothing
-  // written, for a group by name without a name and for an index that is no group; HTML also
-  // without the group's stylesheet, which the operator is told.
+  // Writes the file in an existing folder and replaces one of that name. Not done, with nothing
+  // written, for a group by name without a name, for an index that is not a group and, with HTML,
+  // without the group's stylesheet, which is reported.
   //
-  // Throws what the writers throw, and Error where the file is a database, open or not, where it
-  // lies in the folder of the program's stylesheets, and for an XML file that is named as its
-  // stylesheet.
-  ExportOutcome ExportGroup(const ExportSource& shown, ExportFormat format,
-                            const std::filesystem::path& file,
-                            const OpenDatabases& databases) const;
+  // Throws the writers' exceptions, and Error if the file is a database (open or not), is in the
+  // folder of the program's stylesheets, or is an XML file with the name of its stylesheet.
+  [[nodiscard]] ExportOutcome ExportGroup(const ExportSource& shown, ExportFormat format,
+                                          const std::filesystem::path& file,
+                                          const OpenDatabases& databases) const;
 
  private:
   bool ExportPage(int group, const std::filesystem::path& file,

@@ -31,7 +31,7 @@ constexpr ExportLevel kUser{"UserID", "User_Id", kAscending, kNoUser};
 constexpr std::string_view kNewestFirst = "[Date] DESC";
 constexpr std::string_view kAsStored;
 
-// A group whose records stand below the levels that they belong to, as most do.
+// The plan of most groups.
 ExportPlan Plan(int group, int column_group, std::vector<ExportLevel> levels,
                 std::string_view excluded, std::vector<ExportWeight> weights) {
   return {.group = group,
@@ -89,8 +89,8 @@ std::vector<ExportPlan> MakePlans() {
   };
 }
 
-// Each transaction once for each of its dates; the columns of the table are NULL for rows that have
-// no transaction number.
+// Each transaction once for each of its dates, joined with all its rows. Rows without a transaction
+// number match nothing, so their columns are NULL.
 constexpr std::string_view kWholeTransactions =
     "(SELECT DISTINCT [Date] AS listed_date, [Transaction] AS listed_transaction FROM Transactions)"
     " LEFT JOIN Transactions ON [Transaction] = listed_transaction";
@@ -125,7 +125,7 @@ std::string Keys(const ExportPlan& plan) {
   return keys;
 }
 
-// Users are numbers kept as text.
+// Users are numbers stored as text.
 std::string ByNumber(const std::string& key) { return "CAST(" + key + " AS REAL), " + key; }
 
 std::string KeyOrder(const ExportPlan& plan) {
@@ -138,7 +138,7 @@ std::string KeyOrder(const ExportPlan& plan) {
   return order;
 }
 
-// The engine sorts once for both when the terms agree.
+// GROUP BY has the same terms as KeyOrder, so SQLite sorts only once.
 std::string KeyGroups(const ExportPlan& plan) {
   std::string groups;
   for (const ExportLevel& level : plan.levels) {
@@ -148,8 +148,8 @@ std::string KeyGroups(const ExportPlan& plan) {
   return groups;
 }
 
-// Rows without a value of an inner level that skips them are left out but for those of an outer
-// value that has no others: the outer group is there without anything below.
+// Keeps rows without an inner value only if their outer value has no other rows: then the outer
+// group is shown empty.
 std::string OuterWithoutInner(const ExportPlan& plan) {
   const std::string outer = Bracketed(plan.levels.front().field);
   const std::string inner = Bracketed(plan.levels.back().field);
@@ -182,8 +182,8 @@ std::string Sums(const ExportPlan& plan) {
   return sums;
 }
 
-// A user's sums are those of the user's rows of the transaction; those for no user are of the
-// whole transaction.
+// A user's sums cover the user's rows of the transaction; the sums without a user cover the whole
+// transaction.
 std::string WholeIfNoUserQuery(const ExportPlan& plan) {
   const std::string sums = Sums(plan);
   std::string fields;
@@ -205,8 +205,7 @@ std::string WholeIfNoUserQuery(const ExportPlan& plan) {
          ByNumber("user") + ", number";
 }
 
-// A group's sums take in the rows of its type, of any user, and the rows of its user of other
-// types.
+// A group's sums cover the rows of its type of any user, and its user's rows of other types.
 std::string OfUserOrOfTheTypeQuery(const ExportPlan& plan) {
   const std::string sums = Sums(plan);
   std::string of_type;

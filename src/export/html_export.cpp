@@ -32,26 +32,26 @@ namespace fs = std::filesystem;
 
 namespace {
 
-// Far above what a stylesheet of a data group needs: it nests by the levels, ten templates at most,
-// and takes at most one XPath step for six bytes of the document.
+// Far above the needs of the stylesheets of data groups, which nest at most ten templates and take
+// at most one XPath step for six bytes of the document.
 constexpr int kDeepestTemplate = 200;
 constexpr unsigned long kFreeSteps = 10'000'000;
 constexpr unsigned long kStepsPerByte = 10;
 
 constexpr int kParserOptions = XML_PARSE_NONET | XML_PARSE_NOCDATA;
 
-// The library's messages in one line; what is too long is cut. It is filled inside of C code, which
-// no exception may cross.
+// Collects the library's messages as one line and truncates it. Called from C code, which no
+// exception may cross.
 class Messages {
  public:
-  // Of a piece of a message, as the library hands them over.
+  // The library passes a message in chunks.
   void AppendFormatted(const char* format, std::va_list arguments) noexcept {
-    Take(std::vsnprintf(Free(), Room(), format, arguments));
+    Take(std::vsnprintf(End(), FreeSize(), format, arguments));
   }
 
   void AppendAtLine(int line, const char* message) noexcept {
-    Take(line > 0 ? std::snprintf(Free(), Room(), "line %d: %s ", line, message)
-                  : std::snprintf(Free(), Room(), "%s ", message));
+    Take(line > 0 ? std::snprintf(End(), FreeSize(), "line %d: %s ", line, message)
+                  : std::snprintf(End(), FreeSize(), "%s ", message));
   }
 
   std::string Text() const {
@@ -69,10 +69,10 @@ class Messages {
   }
 
  private:
-  char* Free() noexcept { return text_.data() + used_; }
-  std::size_t Room() const noexcept { return text_.size() - used_; }
+  char* End() noexcept { return text_.data() + used_; }
+  std::size_t FreeSize() const noexcept { return text_.size() - used_; }
   void Take(int written) noexcept {
-    used_ += std::min(static_cast<std::size_t>(std::max(written, 0)), Room() - 1);
+    used_ += std::min(static_cast<std::size_t>(std::max(written, 0)), FreeSize() - 1);
   }
 
   std::array<char, 1000> text_{};
@@ -114,9 +114,9 @@ Owned<T> OrOutOfMemory(T* made) {
   return Owned<T>(made);
 }
 
-// The library keeps its message routines and the rights of a stylesheet that is still being read in
-// variables of its own. While an object lives they are ours: messages are collected, and everything
-// outside of the two texts is forbidden. One at a time.
+// The library keeps its message handlers and the rights of a stylesheet that is being parsed in
+// global variables. An object replaces them during its lifetime: it collects messages and forbids
+// access to everything but the two texts. Only one object may exist at a time.
 class LibraryRules {
  public:
   LibraryRules() {
@@ -159,7 +159,7 @@ class LibraryRules {
 
 Owned<xmlDoc> Parse(const NamedText& text, const LibraryRules& rules) {
   if (text.text.empty()) {
-    throw Error(text.name + " is empty");  // the library says nothing about that
+    throw Error(text.name + " is empty");  // the library gives no message for this
   }
   Owned<xmlDoc> document(xmlReadMemory(text.text.data(), static_cast<int>(text.text.size()),
                                        text.name.c_str(), nullptr, kParserOptions));
@@ -178,11 +178,11 @@ Owned<xsltStylesheet> Compile(const NamedText& text, const LibraryRules& rules) 
   if (!style_sheet) {
     rules.Fail(text.name + " is no stylesheet that can be used");
   }
-  static_cast<void>(document.release());  // the stylesheet's now
+  static_cast<void>(document.release());  // owned by the stylesheet now
   return style_sheet;
 }
 
-constexpr std::int32_t kNoSource = 0;  // of Folder::CopyFile
+constexpr std::int32_t kNoSource = 0;  // a result of Folder::CopyFile
 
 constexpr std::size_t kMegabyte = std::size_t{1024} * 1024;
 constexpr std::size_t kLargestStyleSheet = 4 * kMegabyte;

@@ -27,21 +27,19 @@
 #include "export/export_plan.h"
 #include "history/data_group.h"
 
-struct sqlite3_stmt;
-
 namespace vrx {
 
 namespace {
 
-// The rows of a query one after the other, a cell at a time and without a copy of it. Throws
-// SQLite::Exception.
+// Steps through the rows of a query and gives cells without copying them: an export may have
+// hundreds of millions. Throws SQLite::Exception.
 class RowReader {
  public:
-  // `values` are bound to the query's parameters, as many as it has.
+  // Binds the first of `values` to the query's parameters, as many as it has.
   RowReader(SQLite::Database& database, const std::string& query,
             std::span<const std::string> values);
 
-  // False behind the last row.
+  // False after the last row.
   bool Next();
 
   // Valid until the next row.
@@ -90,7 +88,7 @@ CellView RowReader::Cell(std::size_t column) const {
     case SQLITE_FLOAT:
       return sqlite3_column_double(statement, index);
     default: {
-      // The bytes of a blob are taken as a text.
+      // The bytes of a blob are treated as text.
       const auto* const text = reinterpret_cast<const char*>(sqlite3_column_text(statement, index));
       const auto size = static_cast<std::size_t>(sqlite3_column_bytes(statement, index));
       return text == nullptr ? std::string_view() : std::string_view(text, size);
@@ -100,8 +98,8 @@ CellView RowReader::Cell(std::size_t column) const {
 
 void RowReader::Finalize::operator()(sqlite3_stmt* statement) const { sqlite3_finalize(statement); }
 
-// What one connection may hold in memory, in KiB: its pages, and as much again for each of the two
-// sorts that are under way; the rest of a sort goes to temporary files.
+// Limits the memory of the connection, in KiB: its page cache, and the same again for each of the
+// two running sorts. The rest of a sort goes to temporary files.
 constexpr const char* kBoundedMemory = "PRAGMA cache_size=-16384; PRAGMA temp_store=FILE";
 
 std::vector<WalkedField> MakeFields(const ExportPlan& plan, const ColumnDictionary& dictionary) {
@@ -121,7 +119,7 @@ std::vector<std::string> Names(std::span<const WalkedField> fields) {
   return names;
 }
 
-// The rows of a group by name: how they are found, and what the queries are told for it.
+// How the rows of a group by name are found, and the query parameters for it.
 struct PickedRows {
   NameSearch search = NameSearch::kInTable;
   std::vector<std::string> values;
@@ -137,7 +135,7 @@ PickedRows PickRows(SQLite::Database& database, const ExportPlan& plan, const st
                 : PickedRows{NameSearch::kInTable, {name}};
 }
 
-// The sums of the innermost groups, in the order in which the records open them.
+// Reads the sums of the innermost groups, in the order in which the records open them.
 class SumStream {
  public:
   SumStream(SQLite::Database& database, const ExportPlan& plan, const PickedRows& picked)
@@ -146,13 +144,13 @@ class SumStream {
         rows_(database, LevelSumQuery(plan, picked.search), picked.values),
         sums_(plan.weights.size()) {}
 
-  // Of the group that the row of the records opens.
+  // The sums of the group that this row of the records opens.
   std::span<const GroupSum> For(const RowReader& record) {
     do {
       if (!rows_.Next()) {
         throw Error("the rows of the table changed while they were summed");
       }
-    } while (!StandsAt(record));
+    } while (!HasKeysOf(record));
     const std::vector<ExportWeight>& weights = Weights(record);
     for (std::size_t at = 0; at < weights.size(); ++at) {
       sums_[at] = {&weights[at], Sum(weights[at].field)};
@@ -161,7 +159,7 @@ class SumStream {
   }
 
  private:
-  bool StandsAt(const RowReader& record) const {
+  bool HasKeysOf(const RowReader& record) const {
     for (std::size_t depth = 0; depth < plan_.levels.size(); ++depth) {
       if (rows_.Cell(depth) != record.Cell(depth)) {
         return false;
@@ -176,7 +174,7 @@ class SumStream {
   }
 
   std::optional<double> Sum(std::string_view field) const {
-    // Nothing equals a NULL, so no row is summed for it; an "or" still finds those of the user.
+    // No row equals a NULL key, so it has no sum; kOfUserOrOfTheType still finds the user's rows.
     const std::size_t innermost = plan_.levels.size() - 1;
     if (plan_.summed != SummedRows::kOfUserOrOfTheType && IsNull(rows_.Cell(innermost))) {
       return std::nullopt;
@@ -193,7 +191,7 @@ class SumStream {
   std::vector<GroupSum> sums_;
 };
 
-// A group that is open, with the text of its value: the row it came from is gone.
+// An open group. It keeps a copy of its text, because its row is no longer valid.
 struct OpenedGroup {
   CellView key;
   std::string text;
@@ -230,8 +228,7 @@ class Walker {
   }
 
  private:
-  // How many groups stand around the row. It is no record below them when one of its values is
-  // NULL.
+  // The number of groups that enclose the row. A row with a NULL key is not a record.
   std::size_t DepthOfRow() {
     complete_ = false;
     for (std::size_t depth = 0; depth < plan_.levels.size(); ++depth) {
@@ -249,7 +246,7 @@ class Walker {
     return plan_.levels.size();
   }
 
-  // Tells the row by the value of its next level.
+  // Names the row by the value of its next level.
   [[noreturn]] void Refuse(std::size_t depth) const {
     std::string which;
     if (depth + 1 < plan_.levels.size()) {
@@ -313,10 +310,9 @@ class Walker {
   bool complete_ = false;  // the row is a record below the innermost level
 };
 
-// The texts below are those of DefaultText, without a string of their own for each of the hundreds
-// of millions of cells that an export may have.
+// The functions below write the same texts as DefaultText, without allocating a string per cell.
 
-// Numbers with at most 3 decimals, as weights are, within the 15 digits that DefaultText writes.
+// Weights have at most 3 decimals. The limits keep within the 15 digits that DefaultText writes.
 constexpr std::int64_t kScale = 1000;
 constexpr double kLargestScaled = 1e14;
 constexpr std::int64_t kLargestWhole = 999'999'999'999'999;
@@ -347,7 +343,7 @@ void AppendNumber(double value, std::string& text) {
     return;
   }
   const auto thousandths = static_cast<std::int64_t>(std::nearbyint(scaled));
-  // The division is rounded correctly, so equality says that these digits are the value's own.
+  // The division is correctly rounded, so equality proves that these digits are exact.
   if (static_cast<double>(thousandths) / static_cast<double>(kScale) != std::abs(value)) {
     text += DefaultText(value);
     return;

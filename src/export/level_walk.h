@@ -19,11 +19,10 @@
 
 namespace vrx {
 
-// A value as stored: NULL, a whole number, a number, a text (UTF-8). cell_text.h gives its default
-// text form.
+// A value as stored: NULL, an integer, a number or a text (UTF-8). AppendCellText formats it.
 using CellView = std::variant<std::monostate, std::int64_t, double, std::string_view>;
 
-// A field of a record or of a level, and what its values are.
+// A field of a record or of a level, and the kind of its values.
 struct WalkedField {
   std::string name;
   ColumnContent content = ColumnContent::kText;
@@ -31,21 +30,21 @@ struct WalkedField {
 
 struct GroupSum {
   const ExportWeight* weight = nullptr;
-  std::optional<double> value = {};  // nothing: a sum over no values
+  std::optional<double> value = {};  // empty for a sum over no values
 };
 
-// One value of a level. `value` is NULL only where the plan shows such values, and kNoUserText for
+// One value of a level. `value` is NULL only if the plan shows such values; it is kNoUserText for
 // rows without a user.
 struct WalkedGroup {
   std::size_t depth = 0;  // 0 for the outermost level
   const ExportLevel* level = nullptr;
   ColumnContent content = ColumnContent::kText;
   CellView value = {};
-  std::span<const GroupSum> sums = {};  // of the innermost level, in the plan's order; else empty
+  std::span<const GroupSum> sums = {};  // in the plan's order; empty except at the innermost level
 };
 
-// Receives an export in the order it is written. What it gets is valid during the call; what it
-// throws ends the walk and comes out of it.
+// Receives an export in the order of its output. Arguments are valid only during the call. An
+// exception ends the walk and leaves LevelWalk::Walk.
 class LevelVisitor {
  public:
   virtual ~LevelVisitor() = default;
@@ -53,24 +52,24 @@ class LevelVisitor {
   virtual void OpenGroup(const WalkedGroup& group) = 0;
   // One cell per field of LevelWalk::Fields().
   virtual void Record(std::span<const CellView> cells) = 0;
-  // The group with the depth of `group`; it tells the same as when it was opened.
+  // Closes the group at the depth of `group`, with the same contents as in OpenGroup.
   virtual void CloseGroup(const WalkedGroup& group) = 0;
 };
 
-// Walks a transaction database by a plan, on a connection of its own. One read transaction encloses
-// all of it, so that what another program stores meanwhile stays out. The table is read as sorted
-// streams: time grows with its rows, memory does not.
+// Walks a transaction database as a plan specifies, on its own connection. One read transaction
+// encloses the walk, so rows that another program stores in the meantime are not seen. The table is
+// read as sorted streams: memory does not grow with the number of rows.
 //
-// Throws DatabaseError where the storage fails, and Error for what the plan refuses.
+// Throws DatabaseError if the database fails, and Error for rows that the plan refuses.
 class LevelWalk {
  public:
-  // `name` is that of a group by name, else empty.
+  // `name` selects the rows of a group by name; otherwise it is empty. The plan outlives the
+  // object.
   LevelWalk(const std::filesystem::path& transaction_database, const ExportPlan& plan,
             const ColumnDictionary& dictionary, std::string_view name,
             LockWait wait = kBusyTimeout);
 
-  // The fields of a record in order: all of the dictionary in group 0, else those that the plan
-  // does not exclude.
+  // The fields of a record in order: those of the dictionary that the plan does not exclude.
   std::span<const WalkedField> Fields() const { return fields_; }
 
   void Walk(LevelVisitor& visitor);
@@ -83,10 +82,12 @@ class LevelWalk {
 };
 
 // Appends the default text form of a stored value, UTF-8: 500.5, 3/14/2011, 6:10:00 AM. NULL
-// appends nothing; a date or time that is not in its stored form is appended as it stands. Throws
+// appends nothing. A date or time that is not in its stored form is appended unchanged. Throws
 // ConversionError for an infinite number.
 void AppendCellText(const CellView& value, ColumnContent content, std::string& text);
 
-inline bool IsNull(const CellView& cell) { return std::holds_alternative<std::monostate>(cell); }
+[[nodiscard]] inline bool IsNull(const CellView& cell) {
+  return std::holds_alternative<std::monostate>(cell);
+}
 
 }  // namespace vrx

@@ -15,7 +15,7 @@ namespace vrx {
 
 namespace {
 
-constexpr std::size_t kWriteAt = std::size_t{256} * 1024;
+constexpr std::size_t kFlushSize = std::size_t{256} * 1024;
 
 class XmlWriter : public LevelVisitor {
  public:
@@ -89,7 +89,7 @@ class XmlWriter : public LevelVisitor {
   }
 
   void FlushIfLong() {
-    if (xml_.size() >= kWriteAt) {
+    if (xml_.size() >= kFlushSize) {
       Flush();
     }
   }
@@ -110,8 +110,8 @@ constexpr std::string_view kReplacement = "\xEF\xBF\xBD";  // U+FFFD
 
 bool IsXmlCharacter(char32_t character) { return character != 0xFFFE && character != 0xFFFF; }
 
-// The bytes that one replacement takes the place of. A surrogate, or a number above U+10FFFF, is
-// one; of other malformed sequences every byte is.
+// The number of bytes that one U+FFFD replaces: the whole sequence for a surrogate or a number
+// above U+10FFFF, one byte for other malformed sequences.
 std::size_t ReplacedLength(std::string_view text, const DecodedCharacter& decoded) {
   const auto lead = static_cast<unsigned char>(text.front());
   const bool well_formed = decoded.character || (lead == 0xED && decoded.length == 3) ||
@@ -141,7 +141,7 @@ std::string_view Markup(char character, bool in_attribute) {
 }
 
 void Append(std::string_view utf8, bool in_attribute, std::string& xml) {
-  std::size_t plain = 0;  // where the bytes begin that are not appended yet
+  std::size_t plain = 0;  // first byte that is not appended yet
   std::size_t next = 0;
   const auto replace = [&](std::size_t length, std::string_view by) {
     xml.append(utf8, plain, next - plain).append(by);
