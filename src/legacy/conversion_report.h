@@ -12,22 +12,21 @@
 
 namespace vrx {
 
-// Rows of the old file by their place in the table, from 1; or IDs.
+// Rows of the old file, numbered from 1 within their table; or IDs.
 struct RowRange {
   std::uint64_t first = 0;
   std::uint64_t last = 0;
 };
 
-// What was found in the old file, and what was done about it. Without ranges it is about the table
-// as a whole.
+// A finding in the old file and how it was handled. Without ranges it concerns the whole table.
 struct ConversionNotice {
-  std::string table;  // empty: about the file
+  std::string table;  // empty if it concerns the file
   std::string text;
   std::vector<RowRange> rows = {};
   bool are_ids = false;
 };
 
-// Every row read is stored or refused; a repaired one is stored.
+// Counts of rows. Every row read is stored or refused; a repaired row is also stored.
 struct ConvertedTable {
   std::string name;
   std::uint64_t read = 0;
@@ -36,7 +35,7 @@ struct ConvertedTable {
   std::uint64_t refused = 0;
 };
 
-// Of a column, over the rows read and over the rows that stand in the new file.
+// The sum of a column, over the rows read and over the rows of the new file.
 struct ConvertedSum {
   std::string table;
   std::string column;
@@ -54,25 +53,25 @@ struct ConversionReport {
   std::vector<ConvertedTable> tables;
   std::vector<ConvertedSum> sums;
   std::vector<ConversionNotice> notices;  // in the order of their first rows
-  std::uint64_t further_notices = 0;      // left out of the list, which holds thousands
+  std::uint64_t further_notices = 0;      // omitted, because the list is limited to thousands
 
-  std::uint64_t Read() const { return Total(&ConvertedTable::read); }
-  std::uint64_t Stored() const { return Total(&ConvertedTable::stored); }
-  std::uint64_t Repaired() const { return Total(&ConvertedTable::repaired); }
-  std::uint64_t Refused() const { return Total(&ConvertedTable::refused); }
+  [[nodiscard]] std::uint64_t Read() const { return Total(&ConvertedTable::read); }
+  [[nodiscard]] std::uint64_t Stored() const { return Total(&ConvertedTable::stored); }
+  [[nodiscard]] std::uint64_t Repaired() const { return Total(&ConvertedTable::repaired); }
+  [[nodiscard]] std::uint64_t Refused() const { return Total(&ConvertedTable::refused); }
 
  private:
   std::uint64_t Total(std::uint64_t ConvertedTable::*count) const;
 };
 
-// Collects notices; equal ones of several rows become one.
+// Collects notices and combines equal ones of several rows.
 class NoticeList {
  public:
   void Add(const std::string& table, const std::string& text);
   void AddRow(const std::string& table, const std::string& text, std::uint64_t row);
   void AddId(const std::string& table, const std::string& text, std::uint64_t id);
 
-  // Takes the list away.
+  // Moves the list into the report and leaves it empty.
   void MoveInto(ConversionReport& report);
 
  private:
@@ -86,10 +85,9 @@ class NoticeList {
 };
 
 // "rows 9, 11-14", "row 3", "IDs 5-7"; empty without ranges.
-std::string RowsText(const ConversionNotice& notice);
+[[nodiscard]] std::string RowsText(const ConversionNotice& notice);
 
-// For the operator to read and keep: UTF-8, lines by LF, at most 100 characters where the texts
-// allow it.
-std::string ReportText(const ConversionReport& report);
+// The report as a text for the operator: UTF-8, LF, lines of at most 100 characters if possible.
+[[nodiscard]] std::string ReportText(const ConversionReport& report);
 
 }  // namespace vrx

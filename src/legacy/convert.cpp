@@ -35,35 +35,32 @@ namespace fs = std::filesystem;
 
 namespace {
 
-// A database in the making: a copy of the blank template beside the path that it is to have, and
-// one transaction on it. One that goes without Commit leaves nothing behind, and whatever else
-// stands at the path is never replaced. Throws FileError and DatabaseError, with the path
-// untouched.
+// A database under construction: a copy of the blank template in the folder of the new file, with
+// one open transaction. Without Commit it is removed. Never replaces a file at the path. Throws
+// FileError and DatabaseError.
 class NewDatabaseFile {
  public:
   // The path itself must not exist.
-  NewDatabaseFile(const std::filesystem::path& path, const std::filesystem::path& program_directory,
-                  DatabaseKind kind);
+  NewDatabaseFile(const fs::path& path, const fs::path& program_directory, DatabaseKind kind);
   ~NewDatabaseFile();
   NewDatabaseFile(const NewDatabaseFile&) = delete;
   NewDatabaseFile& operator=(const NewDatabaseFile&) = delete;
 
   SQLite::Database& Connection() { return *connection_; }
 
-  // Commits, and gives the file its name once its bytes are on the disk. Called once, with no
-  // statement left.
+  // Commits, syncs and renames the file. Call it once, after destroying all statements.
   void Commit();
 
  private:
-  void RemoveSide();
+  void RemoveTemporary();
 
-  std::filesystem::path path_;
-  std::filesystem::path side_;
+  fs::path path_;
+  fs::path temporary_;
   std::unique_ptr<SQLite::Database> connection_;
   std::unique_ptr<SQLite::Transaction> transaction_;
 };
 
-// In kilobytes: the indexes of a table of transactions take no order that a small cache would hold.
+// In kilobytes. The indexes of transactions are filled in random order, too much for a small cache.
 constexpr const char* kLargeCache = "PRAGMA cache_size=-65536";
 
 [[noreturn]] void RefuseExisting(const fs::path& path) {
@@ -74,72 +71,73 @@ constexpr const char* kLargeCache = "PRAGMA cache_size=-65536";
   throw FileError("cannot write " + path.string() + ": " + why.message());
 }
 
-void CopyTemplate(const fs::path& blank, const fs::path& side, const fs::path& path) {
+void CopyTemplate(const fs::path& blank, const fs::path& temporary, const fs::path& path) {
   if (!FileExists(blank)) {
     throw FileError(blank.string() + " does not exist; install the program again");
   }
   std::error_code error;
-  if (!fs::copy_file(blank, side, error)) {
+  if (!fs::copy_file(blank, temporary, error)) {
     Fail(path, error);
   }
-  // A template may be write-protected, and its copy with it.
-  fs::permissions(side, fs::perms::owner_read | fs::perms::owner_write, fs::perm_options::add,
+  // The template may be write-protected, and then its copy is too.
+  fs::permissions(temporary, fs::perms::owner_read | fs::perms::owner_write, fs::perm_options::add,
                   error);
 }
 
 NewDatabaseFile::NewDatabaseFile(const fs::path& path, const fs::path& program_directory,
                                  DatabaseKind kind)
-    : path_(path), side_(path.string() + "." + std::to_string(std::random_device{}()) + ".tmp") {
+    : path_(path),
+      temporary_(path.string() + "." + std::to_string(std::random_device{}()) + ".tmp") {
   if (FileExists(path_)) {
     RefuseExisting(path_);
   }
   try {
-    CopyTemplate(program_directory / TextsOf(kind).template_name, side_, path_);
-    connection_ = std::make_unique<SQLite::Database>(OpenDatabase(side_, Access::kWrite));
+    CopyTemplate(program_directory / TextsOf(kind).template_name, temporary_, path_);
+    connection_ = std::make_unique<SQLite::Database>(OpenDatabase(temporary_, Access::kWrite));
     WithDatabaseErrors(*connection_, [this] {
       connection_->exec(kLargeCache);
       transaction_ = std::make_unique<SQLite::Transaction>(*connection_);
     });
   } catch (...) {
-    RemoveSide();
+    RemoveTemporary();
     throw;
   }
 }
 
-NewDatabaseFile::~NewDatabaseFile() { RemoveSide(); }
+NewDatabaseFile::~NewDatabaseFile() { RemoveTemporary(); }
 
 void NewDatabaseFile::Commit() {
   WithDatabaseErrors(*connection_, [this] { transaction_->commit(); });
   transaction_.reset();
   connection_.reset();
-  if (const std::error_code unsynced = SyncToDisk(side_)) {
+  if (const std::error_code unsynced = SyncToDisk(temporary_)) {
     Fail(path_, unsynced);
   }
-  // A second name fails where the first one exists already. Not every disk has second names.
+  // Unlike a rename, a hard link never replaces a file. Not every file system has hard links.
   std::error_code error;
-  fs::create_hard_link(side_, path_, error);
+  fs::create_hard_link(temporary_, path_, error);
   if (!error) {
     return;
   }
   if (FileExists(path_)) {
     RefuseExisting(path_);
   }
-  fs::rename(side_, path_, error);
+  fs::rename(temporary_, path_, error);
   if (error) {
     Fail(path_, error);
   }
 }
 
-void NewDatabaseFile::RemoveSide() {
+void NewDatabaseFile::RemoveTemporary() {
   transaction_.reset();
   connection_.reset();
   std::error_code ignored;
-  fs::remove(side_, ignored);
+  fs::remove(temporary_, ignored);
 }
 
-constexpr std::uint64_t kRowsOfAStep = 100;
+constexpr std::uint64_t kRowsPerProgressStep = 100;
 
-// What the file says of itself comes first: the kind of the new file hangs on it.
+// The identity tables come first, because they may decide the kind of the new file.
 std::vector<std::string> WantedTables() {
   std::vector<std::string> tables{std::string(kMarkerTable), std::string(kUnitsTable),
                                   std::string(kHistoryTable)};
@@ -201,7 +199,7 @@ class Conversion : public LegacyRowSink {
       identity_.Row(row);
     } else if (table_) {
       table_->Row(row);
-      if (row_ % kRowsOfAStep == 0) {
+      if (row_ % kRowsPerProgressStep == 0) {
         ports_.progress.SetProgressValue(static_cast<int>(row_));
       }
     }
@@ -257,7 +255,7 @@ class Conversion : public LegacyRowSink {
     });
   }
 
-  // The tables decide; where they are those of both kinds, the marker does.
+  // Decided by the tables, or by the marker if the file has tables of both kinds.
   DatabaseKind FindKind() const {
     const bool recipe = HasTablesOf(DatabaseKind::kRecipe);
     const bool transaction = HasTablesOf(DatabaseKind::kTransaction);
@@ -274,7 +272,7 @@ class Conversion : public LegacyRowSink {
     return *marked;
   }
 
-  // Ahead of the first row that is stored.
+  // Creates the new file, before the first row is stored.
   void Start() {
     if (file_) {
       return;
@@ -329,9 +327,10 @@ class Conversion : public LegacyRowSink {
   std::unique_ptr<TableConversion> table_;
 };
 
-constexpr std::uintmax_t kBytesOfASecond = std::uintmax_t{1} << 20U;
-constexpr std::chrono::seconds kShortest{10};
-constexpr std::chrono::seconds kLongest{3600};
+// Processor time of the reader.
+constexpr std::uintmax_t kBytesPerSecond = std::uintmax_t{1} << 20U;
+constexpr std::chrono::seconds kShortestLimit{10};
+constexpr std::chrono::seconds kLongestLimit{3600};
 
 constexpr std::string_view kRemedy =
     " Copy it again from where it was made, or take an older backup.";
@@ -373,15 +372,15 @@ ConversionReport ConvertLegacyDatabase(const LegacyConversion& wanted,
 }
 
 ProgramLimits LimitsForFile(std::uintmax_t size) {
-  const auto seconds = kShortest + std::chrono::seconds(size / kBytesOfASecond);
-  return {.processor = std::min<std::chrono::seconds>(seconds, kLongest)};
+  const auto seconds = kShortestLimit + std::chrono::seconds(size / kBytesPerSecond);
+  return {.processor = std::min<std::chrono::seconds>(seconds, kLongestLimit)};
 }
 
 void ReadLegacyRows(ProgramRunner& runner, const LegacyFile& file,
                     const std::vector<std::string>& tables, LegacyRowSink& sink,
                     const std::function<bool()>& go_on) {
   RowStreamReader rows(sink);
-  // Arguments are UTF-8, the name of an old file may be anything: its bytes become characters.
+  // Arguments are UTF-8, but the path may have any bytes: each byte is passed as one character.
   std::vector<std::string> arguments{
       Windows1252ToUtf8(std::filesystem::absolute(file.path).string())};
   arguments.insert(arguments.end(), tables.begin(), tables.end());

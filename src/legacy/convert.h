@@ -21,52 +21,52 @@ struct LegacyConversion {
   std::filesystem::path old_file;
   std::filesystem::path new_file;           // must not exist
   std::filesystem::path program_directory;  // holds the templates and the reader
-  std::string default_unit;                 // "LB" or "KG", for a file that says neither
-  // A file of the other kind is refused.
+  std::string default_unit;                 // "LB" or "KG", for a file that specifies neither
+  // If set, a file of the other kind is refused.
   std::optional<DatabaseKind> kind = std::nullopt;
 };
 
 struct ConversionPorts {
   ProgramRunner& runner;
   ProgressDisplay& progress;
-  std::function<bool()> go_on = [] { return true; };  // asked every 50 ms at least
+  std::function<bool()> go_on = [] { return true; };  // called at least every 50 ms; false stops
 };
 
-// Makes a database of an earlier installation's Jet file. The old file is only read. The new one is
-// a copy of the blank template that one transaction fills; it takes its name when it is whole, and
-// until then, and after a failure, the name stands for nothing.
-//
-// Throws LegacyError, ConversionStopped, FileError, DatabaseError.
-ConversionReport ConvertLegacyDatabase(const LegacyConversion& wanted,
-                                       const ConversionPorts& ports);
-
-// A Jet file and who reads it.
+// A Jet file and the program that reads it.
 struct LegacyFile {
   std::filesystem::path path;
   std::filesystem::path reader;  // vrx2260jet
   ProgramLimits limits;
 };
 
-// What reading a file of that size may take.
-ProgramLimits LimitsForFile(std::uintmax_t size);
-
-// Hands the rows of the tables to `sink`, in the order of `tables`. `go_on` is asked every 50 ms at
-// least. Throws LegacyError when the file is damaged or not of the kind, ConversionStopped, and
-// what `sink` throws. Memory does not grow with the file.
-void ReadLegacyRows(ProgramRunner& runner, const LegacyFile& file,
-                    const std::vector<std::string>& tables, LegacyRowSink& sink,
-                    const std::function<bool()>& go_on);
-
-// A file that is not converted; what() says why, and what can be done, as sentences.
+// A file cannot be converted. what() gives the reason and a remedy in whole sentences.
 class LegacyError : public Error {
  public:
   using Error::Error;
 };
 
-// The operator ended the conversion.
+// `go_on` returned false.
 class ConversionStopped : public Error {
  public:
   using Error::Error;
 };
+
+// Converts the Jet file of an earlier installation to a new database, a copy of the blank template
+// filled in one transaction. The old file is only read. The new file gets its name when it is
+// complete; after a failure it does not exist.
+//
+// Throws LegacyError, ConversionStopped, FileError, DatabaseError.
+[[nodiscard]] ConversionReport ConvertLegacyDatabase(const LegacyConversion& wanted,
+                                                     const ConversionPorts& ports);
+
+// The limits for reading a file of `size` bytes.
+[[nodiscard]] ProgramLimits LimitsForFile(std::uintmax_t size);
+
+// Passes the rows of the tables to `sink`, in the order of `tables`. Memory does not grow with the
+// file. Calls `go_on` at least every 50 ms. Throws LegacyError if the file is damaged or not a Jet
+// 4 file, ConversionStopped, and what `sink` throws.
+void ReadLegacyRows(ProgramRunner& runner, const LegacyFile& file,
+                    const std::vector<std::string>& tables, LegacyRowSink& sink,
+                    const std::function<bool()>& go_on);
 
 }  // namespace vrx

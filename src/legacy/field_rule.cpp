@@ -57,7 +57,7 @@ FieldRule YesNo(std::string_view column) {
           .fallback = "0"};
 }
 
-// What stands for NULL stands for no number, too.
+// The fallback replaces a NULL as well as a text that is not a number.
 FieldRule NumberText(std::string_view column, std::string_view fallback) {
   return {.column = std::string(column),
           .kind = FieldKind::kNumberText,

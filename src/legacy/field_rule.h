@@ -12,32 +12,32 @@
 namespace vrx {
 
 enum class FieldKind {
-  kId,      // from 1 to `largest`; a row without it is refused
-  kIdText,  // the same, stored as a text
-  kWhole,   // `smallest` to `largest`
+  kId,      // from 1 to `largest`; a row without an ID is refused
+  kIdText,  // the same, stored as text
+  kWhole,   // from `smallest` to `largest`
   kYesNo,
   kReal,
-  kText,        // of at most `limit` characters
+  kText,        // at most `limit` characters
   kChoice,      // one of `choices`
-  kNumberText,  // a number as it was written, or nothing
+  kNumberText,  // a number in its original notation, or empty
   kDate,
   kTime,
 };
 
-// What a NULL of the old file becomes.
+// What replaces a NULL of the old file.
 enum class NullRule {
   kKept,
   kDefault,      // `fallback`
-  kDefaultName,  // of the record: "ING005"
+  kDefaultName,  // that of the record: "ING005"
 };
 
-// How a column of this system's databases is filled.
+// How a column of the new database is filled.
 struct FieldRule {
   std::string column;
   FieldKind kind = FieldKind::kText;
   NullRule null = NullRule::kKept;
-  // Stands for NULL by the rule above, and for a value that the column cannot hold; without it such
-  // a value becomes NULL.
+  // Replaces a NULL with NullRule::kDefault, and a value that the column cannot hold. Without it
+  // such a value becomes NULL.
   std::optional<std::string_view> fallback = std::nullopt;
   int smallest = 0;
   int largest = 0;
@@ -51,14 +51,14 @@ struct TableRule {
   std::string_view name;
   DatabaseKind kind = DatabaseKind::kRecipe;
   std::vector<FieldRule> fields;
-  std::string_view default_name;  // "ING", of tables of fixed records
-  int records = 0;                // how many of them; 0 for a table whose rows are added
+  std::string_view default_name;  // of a table with fixed records, such as "ING"
+  int records = 0;                // number of fixed records; 0 for a table whose rows are added
 };
 
-// The tables that hold data, in the order of conversion.
-std::span<const TableRule> TableRules();
+// The tables with data, in the order of conversion.
+[[nodiscard]] std::span<const TableRule> TableRules();
 
-// Nothing for a name that is none of them; case does not matter.
-const TableRule* FindTableRule(std::string_view table);
+// Ignores case. nullptr for a table that is not converted.
+[[nodiscard]] const TableRule* FindTableRule(std::string_view table);
 
 }  // namespace vrx

@@ -11,7 +11,6 @@
 #include "base/encoding.h"
 #include "base/number.h"
 #include "base/text.h"
-#include "legacy/field_value.h"
 
 namespace vrx {
 
@@ -21,7 +20,7 @@ constexpr std::string_view kUnreadable = "\xEF\xBF\xBD";  // U+FFFD
 constexpr int kSingleDigits = 7;
 constexpr std::size_t kShownBytes = 60;
 
-// The double of the decimal number that a single was written as: 37.9 for 37.9000015.
+// The double nearest to the shortest decimal form of a single: 37.9 for 37.9000015.
 double DecimalOf(float single) {
   std::array<char, 32> digits{};
   const auto written = std::to_chars(digits.data(), digits.data() + digits.size(), single,
@@ -31,7 +30,7 @@ double DecimalOf(float single) {
   return value;
 }
 
-// Without control characters, and with "?" for what could not be read.
+// Removes control characters and replaces unreadable characters by "?".
 std::string Cleaned(std::string_view text) {
   std::string clean;
   for (std::size_t at = 0; at < text.size();) {
@@ -75,7 +74,7 @@ std::string ShownField(const FieldValue& value) {
   return real == nullptr ? "NULL" : DefaultText(*real);
 }
 
-// The value's place is taken by the rule's fallback.
+// Replaces the value by the rule's fallback.
 FieldValue Replace(const FieldRule& rule, const std::string& what, Repairs& repairs) {
   FieldValue stored = FallbackOf(rule);
   repairs.push_back(rule.column + " " + what + "; " + ShownField(stored) + " was stored");
@@ -125,7 +124,7 @@ FieldValue ConvertReal(const FieldRule& rule, const LegacyValue& value, Repairs&
   return *number;
 }
 
-// A number of the old file as a text.
+// A text, or a number in its default text form.
 std::optional<std::string> TextOf(const LegacyValue& value) {
   if (const auto* const text = std::get_if<std::string>(&value)) {
     return *text;

@@ -70,7 +70,7 @@ std::optional<DatabaseKind> IdentityRows::MarkedKind() const {
   return std::nullopt;
 }
 
-// Counted once for a row, which is there or not.
+// Counts a row as repaired only once.
 void IdentityRows::Repaired(Part& part, const std::string& text) {
   const std::string table(part.table);
   if (part.counts.stored == 0) {

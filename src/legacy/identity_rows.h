@@ -11,21 +11,20 @@
 
 namespace vrx {
 
-// What the old file says of itself: the marker, the unit and the two dates, one row in each of
-// three tables.
+// The identity of the old file: marker, unit and two dates, one row in each of three tables.
 class IdentityRows {
  public:
   explicit IdentityRows(NoticeList& notices) : notices_(notices) {}
 
-  // Whether the table is one of the three; its rows follow then.
-  bool Begin(const LegacyTable& table);
+  // Returns whether the table is one of the three; if so, the next rows belong to it.
+  [[nodiscard]] bool Begin(const LegacyTable& table);
   void Row(const LegacyRow& row);
   void DamagedRow(const std::string& place);
 
-  // The kind that the marker speaks for, also that of a blank template.
-  std::optional<DatabaseKind> MarkedKind() const;
+  // The kind that the marker specifies; the marker may be that of a blank template.
+  [[nodiscard]] std::optional<DatabaseKind> MarkedKind() const;
 
-  // Writes the rows of the new file. Throws DatabaseError.
+  // Writes the identity of the new file. Throws DatabaseError.
   void Store(SQLite::Database& database, DatabaseKind kind, const std::string& default_unit);
   const std::string& Unit() const { return unit_; }
 
@@ -34,9 +33,9 @@ class IdentityRows {
  private:
   struct Part {
     std::string_view table;
-    bool there = false;  // the table is in the file
+    bool there = false;  // the file has the table
     LegacyTable described = {};
-    LegacyRow row = {};  // the first one
+    LegacyRow row = {};  // the first row
     ConvertedTable counts = {};
   };
 

@@ -23,7 +23,7 @@ constexpr std::size_t kVersionAt = 0x14;
 constexpr char kVersionJet3 = 0;
 constexpr char kVersionJet4 = 1;
 
-// A part of the first page is scrambled with RC4, always with the same key.
+// Part of the first page is scrambled with RC4 and a constant key.
 constexpr std::size_t kScrambledAt = 0x18;
 constexpr std::size_t kScrambledSize = 128;
 constexpr std::array<std::uint8_t, 4> kScrambleKey = {0xC7, 0xDA, 0x39, 0x6B};
@@ -43,7 +43,7 @@ std::uint64_t LittleEndian(std::string_view bytes) {
   return number;
 }
 
-// The scrambled part in clear; offsets within the page hold.
+// The first page up to the end of its scrambled part, unscrambled, with unchanged offsets.
 std::string Unscrambled(std::string_view page) {
   std::array<std::uint8_t, kScrambledSize> part{};
   const std::string_view scrambled = page.substr(kScrambledAt, kScrambledSize);
@@ -56,7 +56,7 @@ std::string Unscrambled(std::string_view page) {
   return clear;
 }
 
-// An empty password is stored as its mask, or as nothing at all.
+// An empty password is stored as its mask or as zeros.
 bool HasPassword(std::string_view clear) {
   const auto created = std::bit_cast<double>(LittleEndian(clear.substr(kCreatedAt, 8)));
   const bool dated = std::isfinite(created) && std::abs(created) < 1e9;

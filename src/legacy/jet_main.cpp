@@ -13,7 +13,7 @@
 
 namespace {
 
-// Nothing is tidied up: the library below leaves that to the end of the process.
+// Exits without cleanup, which libmdb leaves to the end of the process.
 [[noreturn]] void End(int code) {
   std::fflush(nullptr);
   std::_Exit(code);
@@ -32,9 +32,9 @@ void Write(std::string_view bytes) {
 
 }  // namespace
 
-// vrx2260jet FILE TABLE... writes the rows of tables of a Jet file to standard output as a row
-// stream. It is started by the programs that convert such a file. FILE has a character for each
-// byte of the path: see ReadLegacyRows.
+// vrx2260jet FILE TABLE... writes the rows of a Jet file's tables to standard output as a row
+// stream. The programs that convert such a file start it. FILE has one character for each byte of
+// the path; see ReadLegacyRows.
 int main(int argc, char** argv) {
   const std::vector<std::string> args(argv + (argc > 0 ? 1 : 0), argv + argc);
   if (args.size() < 2) {

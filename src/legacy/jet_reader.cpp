@@ -32,7 +32,7 @@ struct Closer {
 using File = std::unique_ptr<MdbHandle, Closer>;
 using Table = std::unique_ptr<MdbTableDef, Closer>;
 
-// The library's arrays of pointers.
+// Copies a pointer array of the library.
 template <typename Item>
 std::vector<Item*> Items(const GPtrArray* array) {
   std::vector<Item*> items;
@@ -82,7 +82,7 @@ std::optional<LegacyValue> Whole(std::string_view bytes) {
   return number ? std::optional<LegacyValue>(static_cast<std::int32_t>(*number)) : std::nullopt;
 }
 
-// The value that stored bytes stand for; nothing when they are too few or too many.
+// Decodes a stored value. Empty if it has the wrong number of bytes.
 std::optional<LegacyValue> ValueOf(int type, std::string_view bytes) {
   switch (type) {
     case MDB_BYTE:
@@ -111,7 +111,7 @@ std::optional<LegacyValue> ValueOf(int type, std::string_view bytes) {
   }
 }
 
-// One table's rows, in the order of its pages.
+// Reads the rows of one table in the order of its pages.
 class TableReader {
  public:
   TableReader(MdbHandle& file, MdbTableDef& table, LegacyRowSink& sink)
@@ -168,7 +168,7 @@ class TableReader {
     }
   }
 
-  // In the place of a row that has outgrown its page stand 4 bytes that say where it went.
+  // A row that was moved to another page is replaced by a 4-byte reference to it.
   bool ReadMoved(unsigned start, std::size_t length) {
     if (length < 4) {
       return false;
@@ -189,7 +189,7 @@ class TableReader {
     return read;
   }
 
-  // The library takes the row apart; the values are taken from its bytes.
+  // The library splits the row into fields; their bytes are decoded here.
   bool ReadFields(unsigned start, std::size_t length) {
     if (length == 0 || start + length > static_cast<std::size_t>(file_.fmt->pg_size)) {
       return false;

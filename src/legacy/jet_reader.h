@@ -9,17 +9,16 @@
 
 namespace vrx {
 
-// A Jet file that cannot be read as a whole.
+// A Jet file as a whole cannot be read.
 class JetReadError : public Error {
  public:
   using Error::Error;
 };
 
-// Reads tables of a Jet 4 file in the order they are asked for; names without regard to case, and
-// those that are not there are left out. Deleted rows are left out, and a moved one is read where
-// it went. Only reads. Throws JetReadError.
+// Reads tables of a Jet 4 file in the given order. Ignores the case of names, missing tables and
+// deleted rows; follows moved rows. Throws JetReadError.
 //
-// The library below is known to crash or to hang on a damaged file: for a process of its own only.
+// libmdb may crash or hang on a damaged file, so call this only in a separate process.
 void ReadJetTables(const std::filesystem::path& path, const std::vector<std::string>& tables,
                    LegacyRowSink& sink);
 

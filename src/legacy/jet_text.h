@@ -5,9 +5,9 @@
 
 namespace vrx {
 
-// The stored form of a text in a Jet 4 file as UTF-8: UTF-16, or behind the bytes FF FE a form in
-// which a character of one byte takes one, with a NUL wherever that form and UTF-16 take turns.
-// What is no character becomes U+FFFD.
-std::string DecodeJetText(std::string_view stored);
+// Decodes a text of a Jet 4 file to UTF-8. It is stored as UTF-16 or, after the bytes FF FE, as
+// one byte per character, with a NUL at each switch between one byte and UTF-16. Invalid characters
+// become U+FFFD.
+[[nodiscard]] std::string DecodeJetText(std::string_view stored);
 
 }  // namespace vrx

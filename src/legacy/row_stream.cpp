@@ -43,7 +43,7 @@ constexpr char kDamagedTableTag = 'X';
 constexpr char kEndTag = 'E';
 
 constexpr std::size_t kRecordHead = 5;  // tag and length
-constexpr std::size_t kPiece = 65536;   // what is written at once
+constexpr std::size_t kChunk = 65536;   // bytes written at once
 
 template <typename Number>
 void Put(std::string& bytes, Number number) {
@@ -57,7 +57,7 @@ void PutText(std::string& bytes, std::string_view text) {
   bytes += text;
 }
 
-// A presence byte, and the value behind it.
+// A presence byte, followed by the value.
 void PutValue(std::string& bytes, const LegacyValue& value) {
   bytes.push_back(static_cast<char>(IsNull(value) ? 0 : 1));
   std::visit(
@@ -80,7 +80,7 @@ void PutValue(std::string& bytes, const LegacyValue& value) {
       value);
 }
 
-// Takes the payload of a record apart.
+// Parses the payload of a record.
 class Cursor {
  public:
   explicit Cursor(std::string_view bytes) : bytes_(bytes) {}
@@ -222,7 +222,7 @@ void RowStreamWriter::Record(char tag) {
   pending_.push_back(tag);
   PutText(pending_, payload_);
   payload_.clear();
-  if (pending_.size() >= kPiece) {
+  if (pending_.size() >= kChunk) {
     Flush();
   }
 }

@@ -10,16 +10,16 @@
 
 #include "base/error.h"
 
-// How rows travel from the program that reads a Jet file to the one that asked for them.
+// The format in which vrx2260jet passes the rows of a Jet file to the converting program.
 //
-// The stream is a mark with a version, then records: a tag byte, the length of what follows in 4
-// bytes, and that many bytes. Numbers are little-endian. A table ends with its count of rows and
-// the sum of each column, and the stream with a mark and its count of tables: one that was cut off,
-// or that another program wrote, is not taken for whole.
+// The stream is a mark with a version, followed by records: a tag byte, the length of the payload
+// in 4 bytes, and the payload. Numbers are little-endian. A table ends with its number of rows and
+// the sum of each column; the stream ends with a mark and its number of tables. So the reader
+// detects a truncated stream and the output of another program.
 
 namespace vrx {
 
-// What a field of a Jet file holds, as the file keeps it.
+// The stored type of a field of a Jet file.
 enum class LegacyType : std::uint8_t {
   kBoolean = 1,
   kWhole = 2,   // of 8, 16 or 32 bits
@@ -27,21 +27,21 @@ enum class LegacyType : std::uint8_t {
   kDouble = 4,  // 64-bit, and currency
   kDate = 5,
   kText = 6,
-  kUnread = 7,  // memo, picture, binary, ...: its values come as NULL
+  kUnread = 7,  // memo, picture, binary, ...: passed as NULL
 };
 
-// Days since 1899-12-30 and the part of the day that has passed, which counts forward from midnight
-// ahead of that day too: -1.25 is 06:00 on 1899-12-29.
+// Days since 1899-12-30 plus the fraction of the day. The fraction counts forward from midnight
+// even for negative days: -1.25 is 06:00 on 1899-12-29.
 struct JetDate {
   double days = 0;
 };
 
-// std::monostate is NULL. Texts are UTF-8; what could not be read of one is U+FFFD.
+// std::monostate is NULL. Texts are UTF-8, with U+FFFD for unreadable characters.
 using LegacyValue =
     std::variant<std::monostate, bool, std::int32_t, float, double, JetDate, std::string>;
 using LegacyRow = std::vector<LegacyValue>;
 
-inline bool IsNull(const LegacyValue& value) {
+[[nodiscard]] inline bool IsNull(const LegacyValue& value) {
   return std::holds_alternative<std::monostate>(value);
 }
 
@@ -52,12 +52,12 @@ struct LegacyColumn {
 
 struct LegacyTable {
   std::string name;
-  std::uint32_t announced_rows = 0;  // what its definition says
+  std::uint32_t announced_rows = 0;  // according to its definition
   std::vector<LegacyColumn> columns;
 };
 
-// What a column's values come to, NULLs apart: the sum of their bits, modulo 2^64. It knows nothing
-// of rounding, so both ends of a stream agree or something was lost.
+// Checksum of a column without its NULLs: the sum of the values' bits modulo 2^64. It involves no
+// rounding, so both ends of a stream compute the same sum unless data were lost.
 struct ColumnSum {
   std::uint64_t values = 0;
   std::uint64_t bits = 0;
@@ -66,31 +66,31 @@ struct ColumnSum {
 
 void AddToSum(ColumnSum& sum, const LegacyValue& value);
 
-// Receives the tables of a Jet file one after the other. Whatever it throws ends the reading.
+// Receives the tables of a Jet file in order. An exception ends the reading.
 class LegacyRowSink {
  public:
   virtual ~LegacyRowSink() = default;
 
-  // First of all: every user table's name, in the order of the catalog.
+  // Called first, with the names of all user tables in the order of the catalog.
   virtual void Directory(const std::vector<std::string>& tables) = 0;
   virtual void BeginTable(const LegacyTable& table) = 0;
   // One value for each column of the table.
   virtual void Row(const LegacyRow& row) = 0;
-  // A row that is there and cannot be read; `place` says where.
+  // A row that cannot be read; `place` describes its position.
   virtual void DamagedRow(const std::string& place) = 0;
   virtual void EndTable() = 0;
-  // A table that is in the directory and cannot be read at all.
+  // A table of the directory that cannot be read.
   virtual void DamagedTable(const std::string& name) = 0;
 };
 
 inline constexpr std::string_view kRowStreamMark = "VRXROWS\x01";
 
-// Beyond any row of a Jet file, whose pages have 4096 bytes.
+// In bytes; larger than any row of a Jet file, whose pages have 4096 bytes.
 inline constexpr std::uint32_t kMaxRowStreamRecord = 1U << 20U;
 
 class RowStreamWriter : public LegacyRowSink {
  public:
-  // Bytes go to `write` in pieces.
+  // Passes the bytes to `write` in chunks.
   explicit RowStreamWriter(std::function<void(std::string_view)> write);
 
   void Directory(const std::vector<std::string>& tables) override;
@@ -115,7 +115,7 @@ class RowStreamWriter : public LegacyRowSink {
   std::uint32_t tables_ = 0;
 };
 
-// Bytes that are no row stream, or one whose counts or sums are not those of its rows.
+// The bytes are not a row stream, or its counts or sums do not match its rows.
 class RowStreamError : public Error {
  public:
   using Error::Error;
@@ -125,11 +125,12 @@ class RowStreamReader {
  public:
   explicit RowStreamReader(LegacyRowSink& sink) : sink_(sink) {}
 
-  // The next bytes, cut anywhere. Hands on what they complete. Throws RowStreamError.
+  // Accepts the next chunk, split anywhere, and passes completed records to the sink. Throws
+  // RowStreamError.
   void Take(std::string_view bytes);
 
-  // Whether the end mark has come.
-  bool Ended() const { return ended_; }
+  // Whether the end mark has arrived.
+  [[nodiscard]] bool Ended() const { return ended_; }
 
  private:
   void TakeRecord(char tag, std::string_view payload);

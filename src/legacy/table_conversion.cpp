@@ -182,7 +182,7 @@ void TableConversion::DamagedRow(const std::string& place) {
   notices_.AddRow(counts_.name, "refused: it is damaged (" + place + ")", counts_.read);
 }
 
-// Reads the IDs of the row, too.
+// The reason why a row is refused. Also reads its IDs.
 std::optional<std::string> TableConversion::RefusalOf(const LegacyRow& row) {
   ids_.clear();
   for (const Source& source : sources_) {
@@ -220,7 +220,7 @@ void TableConversion::Convert(const LegacyRow& row) {
   const std::string default_name =
       rule_.records > 0 ? std::string(rule_.default_name) + Format(ids_.front(), "000")
                         : std::string();
-  Repairs of_missing_columns;  // told once, for the table
+  Repairs of_missing_columns;  // discarded: reported once for the whole table
   for (std::size_t index = 0; index < sources_.size(); ++index) {
     const Source& source = sources_[index];
     const bool missing =
@@ -234,7 +234,7 @@ void TableConversion::Convert(const LegacyRow& row) {
   }
 }
 
-// An ID in a text is written as its number.
+// Normalizes IDs: an ID stored as text becomes its plain number.
 void TableConversion::SettleIds() {
   std::size_t next = 0;
   for (std::size_t index = 0; index < sources_.size(); ++index) {
@@ -255,8 +255,7 @@ void TableConversion::SettleIds() {
   }
 }
 
-// Either of the two may have been kept as a full moment: the other part stands in where it is
-// missing.
+// Date or Time may hold a full moment. Its other part replaces a missing value.
 void TableConversion::SettleMoment(const LegacyRow& row) {
   const std::optional<JetMoment> date = DateMoment(ValueOf(sources_[*date_], row));
   const std::optional<JetMoment> time = DateMoment(ValueOf(sources_[*time_], row));

@@ -17,9 +17,9 @@
 
 namespace vrx {
 
-// Stores the rows of one table of the old file in the table of the same name, whose fixed records
-// stand there with their defaults. What is repaired, refused or left out goes to the notices. The
-// caller's transaction encloses it. Throws DatabaseError when the storage fails.
+// Stores the rows of one table of the old file in the table of the same name, which already holds
+// its fixed records with their defaults. Adds a notice for everything repaired, refused or left
+// out. Runs within the caller's transaction. Throws DatabaseError.
 class TableConversion {
  public:
   TableConversion(SQLite::Database& database, const TableRule& rule, LegacyTable table,
@@ -28,7 +28,7 @@ class TableConversion {
   void Row(const LegacyRow& row);
   void DamagedRow(const std::string& place);
 
-  // After the last row: what is missing, the counts and the sums.
+  // Call it after the last row: reports missing records, counts and sums.
   void Finish(ConversionReport& report);
 
  private:
@@ -58,8 +58,8 @@ class TableConversion {
   LegacyTable table_;
   NoticeList& notices_;
   std::vector<Source> sources_;
-  std::vector<FieldValue> values_;  // of the row at hand
-  std::vector<int> ids_;            // of the row at hand, as many as the rule has
+  std::vector<FieldValue> values_;  // of the current row
+  std::vector<int> ids_;            // of the current row, as many as the rule has
   Repairs repairs_;
   std::vector<bool> seen_;        // records by ID
   std::vector<int> line_counts_;  // lines by recipe
