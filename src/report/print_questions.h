@@ -9,16 +9,16 @@
 
 namespace vrx {
 
-// A document of more sheets is printed only after a question.
+// A longer document is printed only after a question.
 inline constexpr std::int64_t kMostSheetsUnasked = 50;
 
-// Columns that fit on one page only in smaller letters than these are unreadable.
+// Smaller letters are unreadable.
 inline constexpr double kSmallestLetterPoints = 5;
 
-// Asks what the operator has to decide before the reports go to the device as one document: a
-// report whose letters would be unreadable is offered on pages side by side, and a long document is
-// named with its number of sheets. A report that is to be printed side by side is changed
-// accordingly. False: nothing is to be printed. Throws what the rows throw.
-bool MayPrint(std::span<Report> reports, const QPagedPaintDevice& device, Operator& op);
+// Asks the operator's decisions before the reports go to the device as one document. Offers pages
+// side by side for a report whose letters would be unreadable, and changes the report if accepted.
+// Asks for confirmation of a long document. Returns whether to print. Throws what the rows throw.
+[[nodiscard]] bool MayPrint(std::span<Report> reports, const QPagedPaintDevice& device,
+                            Operator& op);
 
 }  // namespace vrx

@@ -23,8 +23,8 @@ namespace {
 constexpr double kMarginMillimetres = 12;
 constexpr int kDotsPerInch = 1200;
 
-// What the writer of the PDF puts out, piece by piece. A failure shows at its end: the writer
-// does not pass it on.
+// Receives the output of QPdfWriter. QPdfWriter ignores write errors, so Finish throws the first
+// one.
 class OutFile : public QIODevice {
  public:
   explicit OutFile(const std::filesystem::path& path) : path_(path), file_(path) {
@@ -33,12 +33,12 @@ class OutFile : public QIODevice {
 
   bool isSequential() const override { return true; }
 
-  void CloseAndTakePlace() {
+  void CloseAndCommit() {
     close();
     if (failure_) {
       throw FileError(*failure_);
     }
-    KeepDatabase(path_);  // One may have been made while the report was printed.
+    KeepDatabase(path_);  // a database may have been created there during printing
     file_.Commit();
   }
 
@@ -79,7 +79,7 @@ class PdfTarget : public PrintTarget {
 
   void Finish() override {
     writer_.reset();
-    file_.CloseAndTakePlace();
+    file_.CloseAndCommit();
   }
 
  private:

@@ -9,38 +9,38 @@
 
 namespace vrx {
 
-// The texts around the table on every page; CR LF separates lines. The right of the footer is the
-// page number's.
+// The texts around the table on every page; CR LF separates lines. The right of the footer holds
+// the page number.
 struct PageTexts {
   std::string header_center = {};
   std::string header_right = {};
   std::string footer_center = {};
 };
 
-// Colours are 0xRRGGBB, on white paper.
+// Colors are 0xRRGGBB, on white paper.
 struct ReportColumn {
   std::string caption = {};
   bool right_aligned = false;
-  std::optional<std::uint32_t> total_color = {};  // of a weight that stands out on total rows
+  std::optional<std::uint32_t> total_color = {};  // of a weight highlighted on total rows
 };
 
 enum class ReportRowKind { kRecord, kGroup, kTotal };
 
 struct ReportRow {
   ReportRowKind kind = ReportRowKind::kRecord;
-  int level = 1;                        // of a group row, from 1: how far it is indented
+  int level = 1;                        // indentation of a group row, from 1
   std::string caption = {};             // of a group row
-  std::vector<std::string> cells = {};  // by column; of a group row none
+  std::vector<std::string> cells = {};  // by column; empty for a group row
 };
 
-// The rows of a report, read as its pages are printed: in order, but for a sample of them that is
-// measured beforehand. Rows count from 1. What the source throws ends the printing.
+// The rows of a report, numbered from 1. They are read in order while its pages are printed, except
+// for a sample that is measured first. An exception ends the printing.
 class ReportRows {
  public:
   virtual ~ReportRows() = default;
   virtual std::int64_t Count() const = 0;
   virtual ReportRow Row(std::int64_t row) = 0;
-  // Whether the rows of an open group follow: such a row is not left alone at a page's end.
+  // Whether the rows of an open group follow. Such a row is not the last one of a page.
   virtual bool IsHead(std::int64_t /*row*/) { return false; }
 };
 
@@ -48,7 +48,7 @@ struct ReportDesign {
   PageTexts texts = {};
   std::vector<ReportColumn> columns = {};
   bool captions = true;     // above the columns, on every page
-  bool fit_columns = true;  // all columns on one page; else those that find no room go on another
+  bool fit_columns = true;  // all columns on one page; otherwise the rest goes on further pages
   bool grid_lines = true;
   bool fixed_pitch = false;
   std::uint32_t caption_color = 0;
@@ -60,7 +60,7 @@ struct Report {
   std::unique_ptr<ReportRows> rows;
 };
 
-// Rows that are held.
+// Rows held in memory.
 class ListedRows : public ReportRows {
  public:
   explicit ListedRows(std::vector<ReportRow> rows) : rows_(std::move(rows)) {}

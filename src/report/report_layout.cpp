@@ -18,10 +18,10 @@ constexpr double kPaddingPoints = 4;
 constexpr double kIndentPoints = 12;
 constexpr double kHairlinePoints = 0.3;
 constexpr double kRowLeading = 1.25;
-constexpr double kMostOfPage = 0.5;  // of its height, for the header
+constexpr double kMostOfPage = 0.5;  // of the page height, for the header
 constexpr double kMostForRight = 1.0 / 3;
 
-// All rows of a small report are measured, and blocks of a large one, spread over it.
+// A small report is measured completely, a large one by blocks distributed over its rows.
 constexpr std::int64_t kRowsMeasured = 2000;
 constexpr std::int64_t kBlocks = 40;
 constexpr std::int64_t kBlockRows = 25;
@@ -60,11 +60,11 @@ ReportLayout::ReportLayout(const ReportDesign& design, ReportRows& rows,
   FitColumns();
   LayOutCaptions();
   CutStrips();
-  const double room = FooterTop() - header_line_ / 2 - RowsTop();
-  rows_per_page_ = std::max<std::int64_t>(1, static_cast<std::int64_t>(room / row_height_));
+  const double height = FooterTop() - header_line_ / 2 - RowsTop();
+  rows_per_page_ = std::max<std::int64_t>(1, static_cast<std::int64_t>(height / row_height_));
 }
 
-// The center stays in the middle of the page whatever stands at the right.
+// The center text stays in the middle of the page, whatever the right text is.
 void ReportLayout::LayOutHeader(const PageTexts& texts) {
   header_font_ = RowFontOf(false);
   for (int points = kHeaderPoints; points >= kSmallestHeaderPoints; --points) {
@@ -129,7 +129,7 @@ void ReportLayout::MeasureRow(const ReportRow& row) {
   }
 }
 
-// A caption gives way first: it may take several lines, one for each word.
+// Captions shrink first: they may wrap, one line for each word.
 void ReportLayout::FitColumns() {
   std::vector<double> words = text_widths_;
   widths_ = text_widths_;
@@ -173,10 +173,10 @@ void ReportLayout::LayOutCaptions() {
 void ReportLayout::CutStrips() {
   ColumnStrip strip{.begin = 0, .end = 0};
   double width = 0;
-  // What was fitted may miss the page by the rounding of its sum.
-  const double room = page_width_ + hairline_;
+  // Fitted widths may exceed the page by the rounding error of their sum.
+  const double available = page_width_ + hairline_;
   for (std::size_t column = 0; column < widths_.size(); ++column) {
-    if (strip.end > strip.begin && width + widths_[column] > room) {
+    if (strip.end > strip.begin && width + widths_[column] > available) {
       strips_.push_back(strip);
       strip = {.begin = column, .end = column};
       width = 0;
@@ -213,7 +213,7 @@ double ReportLayout::TextWidth(const QString& text, const QFont& font) const {
   return QFontMetricsF(font, &device_).horizontalAdvance(text);
 }
 
-// A word that is too long for its place stays whole where only words may be parted.
+// With WordWrap a word that is too long is not broken.
 QStringList ReportLayout::Broken(const std::string& text, const QFont& font, double width,
                                  QTextOption::WrapMode mode) const {
   QStringList broken;

@@ -12,24 +12,24 @@
 
 namespace vrx {
 
-// Columns that stand side by side on a page, `end` not among them.
+// The columns of one page: from `begin` to before `end`.
 struct ColumnStrip {
   std::size_t begin;
   std::size_t end;
 };
 
-// How a report lies on the pages of a device: measured once, the same on every page. Lengths are
-// pixels of the device. The texts of a report of many rows are measured by a sample of them; a text
-// that turns out wider than its column is to be drawn narrower.
+// The layout of a report on the pages of a device, the same for every page. Lengths are pixels of
+// the device. Of a report with many rows only a sample is measured, so a text may turn out wider
+// than its column and must then be drawn narrower.
 class ReportLayout {
  public:
-  // The design and the device outlive it.
+  // The design and the device outlive the object.
   ReportLayout(const ReportDesign& design, ReportRows& rows, const QPagedPaintDevice& device);
 
   double PageWidth() const { return page_width_; }
   double PageHeight() const { return page_height_; }
 
-  // The lines of the header, broken where they are too long for their place.
+  // The lines of the header, wrapped to their width.
   const QStringList& HeaderCenter() const { return header_center_; }
   const QStringList& HeaderRight() const { return header_right_; }
   double HeaderLine() const { return header_line_; }
@@ -38,7 +38,7 @@ class ReportLayout {
   double CaptionTop() const { return caption_top_; }
   double CaptionLine() const { return caption_line_; }
   double CaptionHeight() const { return caption_height_; }
-  // Of a column, top line first.
+  // The caption of a column, top line first.
   const QStringList& CaptionLines(std::size_t column) const { return caption_lines_[column]; }
 
   double RowsTop() const { return caption_top_ + caption_height_; }
@@ -54,16 +54,16 @@ class ReportLayout {
     return kind == ReportRowKind::kRecord ? row_font_ : bold_font_;
   }
 
-  // The size of the letters of a record.
+  // The font size of a record.
   double LetterPoints() const { return row_font_.pointSizeF(); }
 
-  // A report that is too wide goes on several sheets that lie side by side.
+  // More than one if the report is too wide for one page: sheets to lay side by side.
   const std::vector<ColumnStrip>& Strips() const { return strips_; }
 
-  // The first row of the page behind the one that begins with that row; Count() + 1 at the end.
-  std::int64_t NextStart(std::int64_t start, ReportRows& rows) const;
-  // Looks at the rows at page ends only.
-  std::int64_t PageCount(ReportRows& rows) const;
+  // The first row of the page after the one that begins with `start`; Count() + 1 at the end.
+  [[nodiscard]] std::int64_t NextStart(std::int64_t start, ReportRows& rows) const;
+  // Reads only the rows at page ends.
+  [[nodiscard]] std::int64_t PageCount(ReportRows& rows) const;
 
  private:
   void LayOutHeader(const PageTexts& texts);

@@ -40,7 +40,7 @@ PageTexts Texts(const std::vector<std::string>& center, std::string right,
 
 std::string_view ActiveOrAll(bool active_only) { return active_only ? "(active)" : "(all)"; }
 
-// The columns whose totals are told, in this order.
+// The columns whose totals are named, in this order.
 std::span<const RecipeColumn> SpecifiedTotals(LineEntry entry) {
   static constexpr std::array kByWeight = {kColumnTarget,           kColumnRationPercent,
                                            kColumnDryMatterPercent, kColumnDryMatter,
@@ -98,10 +98,10 @@ void ReportPage::DrawHeader() {
 }
 
 void ReportPage::DrawFooter(std::int64_t page, std::int64_t pages) {
-  const QRectF room(0, layout_.FooterTop(), layout_.PageWidth(), layout_.HeaderLine());
-  DrawText(room, Qt::AlignHCenter, ToText(design_.texts.footer_center), layout_.HeaderFont(),
+  const QRectF box(0, layout_.FooterTop(), layout_.PageWidth(), layout_.HeaderLine());
+  DrawText(box, Qt::AlignHCenter, ToText(design_.texts.footer_center), layout_.HeaderFont(),
            kBlack);
-  DrawText(room, Qt::AlignRight, QStringLiteral("Page %1 of %2").arg(page).arg(pages),
+  DrawText(box, Qt::AlignRight, QStringLiteral("Page %1 of %2").arg(page).arg(pages),
            layout_.HeaderFont(), kBlack);
 }
 
@@ -136,16 +136,16 @@ void ReportPage::DrawRow(const ReportRow& row, const ColumnStrip& strip, double 
   }
   double left = 0;
   for (std::size_t column = strip.begin; column < strip.end; ++column) {
-    const ReportColumn& told = design_.columns[column];
-    const bool stands_out = row.kind == ReportRowKind::kTotal && told.total_color;
+    const ReportColumn& design = design_.columns[column];
+    const bool highlighted = row.kind == ReportRowKind::kTotal && design.total_color;
     DrawText({left + padding, top, layout_.ColumnWidth(column) - 2 * padding, layout_.RowHeight()},
-             told.right_aligned ? Qt::AlignRight : Qt::AlignLeft, ToText(row.cells.at(column)),
-             layout_.RowFont(row.kind), stands_out ? *told.total_color : kBlack);
+             design.right_aligned ? Qt::AlignRight : Qt::AlignLeft, ToText(row.cells.at(column)),
+             layout_.RowFont(row.kind), highlighted ? *design.total_color : kBlack);
     left += layout_.ColumnWidth(column);
   }
 }
 
-// Every row has a line below it; the lines between columns leave out the captions of groups.
+// Every row has a line below it. The lines between columns skip group rows.
 void ReportPage::DrawGrid(const std::vector<ReportRow>& rows, const ColumnStrip& strip) {
   painter_.setPen(QPen(Qt::black, layout_.Hairline()));
   const double width = StripWidth(strip);
@@ -175,8 +175,8 @@ void ReportPage::DrawGrid(const std::vector<ReportRow>& rows, const ColumnStrip&
   down(width, table_top, top);
 }
 
-// A text that is wider than its room is drawn narrower: nothing is ever cut off.
-void ReportPage::DrawText(const QRectF& room, Qt::Alignment side, const QString& text,
+// Draws a text that is too wide narrower, so that nothing is cut off.
+void ReportPage::DrawText(const QRectF& box, Qt::Alignment side, const QString& text,
                           const QFont& font, std::uint32_t color) {
   if (text.isEmpty()) {
     return;
@@ -186,15 +186,15 @@ void ReportPage::DrawText(const QRectF& room, Qt::Alignment side, const QString&
       static_cast<int>(side | Qt::AlignVCenter) | Qt::TextSingleLine | Qt::TextDontClip;
   painter_.setFont(font);
   painter_.setPen(QColor(QRgb{color}));
-  if (width <= room.width()) {
-    painter_.drawText(room, flags, text);
+  if (width <= box.width()) {
+    painter_.drawText(box, flags, text);
     return;
   }
-  const double scale = room.width() / width;
+  const double scale = box.width() / width;
   painter_.save();
-  painter_.translate(room.left(), 0);
+  painter_.translate(box.left(), 0);
   painter_.scale(scale, 1);
-  painter_.drawText(QRectF(0, room.top(), width, room.height()), flags, text);
+  painter_.drawText(QRectF(0, box.top(), width, box.height()), flags, text);
   painter_.restore();
 }
 

@@ -13,14 +13,14 @@
 
 namespace vrx {
 
-// Draws the pages of a report as its layout has them.
+// Draws the pages of a report according to its layout.
 class ReportPage {
  public:
-  // All of it outlives the page.
+  // All arguments outlive the object.
   ReportPage(const ReportDesign& design, const ReportLayout& layout, QPainter& painter)
       : design_(design), layout_(layout), painter_(painter) {}
 
-  // The strip's columns of those rows, with what stands around them.
+  // Draws the strip's columns of the rows, with header, captions and footer.
   void Draw(const std::vector<ReportRow>& rows, const ColumnStrip& strip, std::int64_t page,
             std::int64_t pages);
 
@@ -30,7 +30,7 @@ class ReportPage {
   void DrawCaptions(const ColumnStrip& strip);
   void DrawRow(const ReportRow& row, const ColumnStrip& strip, double top);
   void DrawGrid(const std::vector<ReportRow>& rows, const ColumnStrip& strip);
-  void DrawText(const QRectF& room, Qt::Alignment side, const QString& text, const QFont& font,
+  void DrawText(const QRectF& box, Qt::Alignment side, const QString& text, const QFont& font,
                 std::uint32_t color);
   double StripWidth(const ColumnStrip& strip) const;
 
@@ -39,7 +39,7 @@ class ReportPage {
   QPainter& painter_;
 };
 
-// What a report says of where its data come from and how it is printed.
+// The origin of a report's data and the settings of its print-out.
 struct ReportFacts {
   std::string recipe_file = {};  // paths, empty for a database that is not open
   std::string transaction_file = {};
@@ -49,13 +49,14 @@ struct ReportFacts {
   bool grid_lines = true;
 };
 
-// The `SetPageHeaders` routines.
-PageTexts SetPageHeadersIngredients(bool active_only, const ReportFacts& facts);
-PageTexts SetPageHeadersRecipe(const CurrentRecipe& recipe, const ReportFacts& facts);
-PageTexts SetPageHeadersPens(bool active_only, const ReportFacts& facts);
-PageTexts SetPageHeadersTransactions(std::string_view data_group, const ReportFacts& facts);
-// The unit is that of the imported file.
-PageTexts SetPageHeadersImport(std::string_view file, std::string_view unit,
-                               const ReportFacts& facts);
+// The `SetPageHeaders` routines: the texts around the table of each report.
+[[nodiscard]] PageTexts SetPageHeadersIngredients(bool active_only, const ReportFacts& facts);
+[[nodiscard]] PageTexts SetPageHeadersRecipe(const CurrentRecipe& recipe, const ReportFacts& facts);
+[[nodiscard]] PageTexts SetPageHeadersPens(bool active_only, const ReportFacts& facts);
+[[nodiscard]] PageTexts SetPageHeadersTransactions(std::string_view data_group,
+                                                   const ReportFacts& facts);
+// `unit` is that of the imported file.
+[[nodiscard]] PageTexts SetPageHeadersImport(std::string_view file, std::string_view unit,
+                                             const ReportFacts& facts);
 
 }  // namespace vrx

@@ -17,30 +17,34 @@
 
 namespace vrx {
 
-// The printed reports: the rows of each grid, under its captions.
+// The printed reports: the rows of each grid, with its captions.
 
-// `active_only` chooses the title; which rows there are is the caller's choice.
-Report IngredientReport(const std::vector<IngredientRecord>& rows, bool active_only,
-                        const ReportFacts& facts);
-Report PenReport(const std::vector<PenRecord>& rows, bool active_only, const ReportFacts& facts);
+// `active_only` selects only the title; the caller selects the rows.
+[[nodiscard]] Report IngredientReport(const std::vector<IngredientRecord>& rows, bool active_only,
+                                      const ReportFacts& facts);
+[[nodiscard]] Report PenReport(const std::vector<PenRecord>& rows, bool active_only,
+                               const ReportFacts& facts);
 
-// The lines and totals as they are; of the ingredients, those that have no row show no name.
-// `shown`: the columns from left to right, each a RecipeColumn.
-Report RecipeReport(const CurrentRecipe& recipe, const std::vector<int>& shown,
-                    const std::vector<IngredientRecord>& ingredients, const ReportFacts& facts);
-// With the columns in the order in which a grid first shows them.
-Report RecipeReport(const CurrentRecipe& recipe, const std::vector<IngredientRecord>& ingredients,
-                    const ReportFacts& facts);
+// The current lines and totals. An ingredient without a record has no name. `shown`: the columns
+// from left to right, each a RecipeColumn.
+[[nodiscard]] Report RecipeReport(const CurrentRecipe& recipe, const std::vector<int>& shown,
+                                  const std::vector<IngredientRecord>& ingredients,
+                                  const ReportFacts& facts);
+// With the columns in their initial order.
+[[nodiscard]] Report RecipeReport(const CurrentRecipe& recipe,
+                                  const std::vector<IngredientRecord>& ingredients,
+                                  const ReportFacts& facts);
 
-// The groups as they are open, the columns as they stand. The grid outlives the report, which reads
-// its rows as the pages are printed.
-Report HistoryReport(HistoryGrid& grid, bool fit_columns, const ReportFacts& facts);
+// The grid with its current columns and open groups. It outlives the report, which reads its rows
+// while the pages are printed.
+[[nodiscard]] Report HistoryReport(HistoryGrid& grid, bool fit_columns, const ReportFacts& facts);
 
-// The first `rows` rows of an import, under its visible columns. The file outlives the report.
-Report ImportReport(const TransFile& file, int rows, std::span<const ImportGridColumn> grid_columns,
-                    bool fit_columns, const ReportFacts& facts);
+// The first `rows` rows of an import in its visible columns. The file outlives the report.
+[[nodiscard]] Report ImportReport(const TransFile& file, int rows,
+                                  std::span<const ImportGridColumn> grid_columns, bool fit_columns,
+                                  const ReportFacts& facts);
 
-// A recipe with its totals, as it comes on show. Throws DatabaseError.
-CurrentRecipe ReadRecipeToPrint(SQLite::Database& recipes, int id);
+// A stored recipe with its computed totals. Throws DatabaseError.
+[[nodiscard]] CurrentRecipe ReadRecipeToPrint(SQLite::Database& recipes, int id);
 
 }  // namespace vrx
