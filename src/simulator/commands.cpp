@@ -46,13 +46,13 @@ void Play(const ModuleOptions& options, DataModule& module, Signals& signals, st
 
 void RunModule(const ModuleOptions& options, std::ostream& out, std::ostream& err) {
   Signals signals;
-  const auto tell = [&err](const std::string& message) {
+  const auto log = [&err](const std::string& message) {
     err << "vrx2260sim: " << message << std::endl;
   };
-  DataModule module(options.faults, tell);
+  DataModule module(options.faults, log);
   std::optional<WorkingIndicator> indicator;
   if (options.work) {
-    indicator.emplace(*options.work, tell);
+    indicator.emplace(*options.work, log);
     module.CarryBy([&](const std::string& memory) { return indicator->Visit(memory); });
   }
   for (const auto& path : options.load) {

@@ -16,10 +16,11 @@ namespace vrx::simulator {
 
 namespace {
 
-constexpr char kWrongFirstByte = '?';  // no command and no terminator
-constexpr char kStray = '~';           // the same
+// Neither a command nor a terminator.
+constexpr char kWrongFirstByte = '?';
+constexpr char kStray = '~';
 
-constexpr mode_t kNewFileMode = 0666;  // less what the umask takes
+constexpr mode_t kNewFileMode = 0666;  // restricted by the umask
 constexpr std::size_t kBlock = 65536;
 
 [[noreturn]] void Fail(const char* what, const std::filesystem::path& path) {
@@ -41,7 +42,7 @@ void WriteAll(int fd, std::string_view bytes, const std::filesystem::path& path)
 
 }  // namespace
 
-DataModule::DataModule(Faults faults, Tell tell) : faults_(faults), tell_(std::move(tell)) {}
+DataModule::DataModule(Faults faults, LogMessage log) : faults_(faults), log_(std::move(log)) {}
 
 std::optional<Transmission> DataModule::Receive(char byte) {
   switch (byte) {
@@ -74,15 +75,15 @@ void DataModule::Keep(std::string_view bytes) {
   const std::size_t kept = std::min(bytes.size(), kMemorySize - memory_.size());
   memory_ += bytes.substr(0, kept);
   if (kept < bytes.size() && dropped_ == 0) {
-    tell_("memory is full at " + std::to_string(kMemorySize) +
-          " bytes, what comes beyond is dropped");
+    log_("memory is full at " + std::to_string(kMemorySize) +
+         " bytes, what comes beyond is dropped");
   }
   dropped_ += bytes.size() - kept;
 }
 
 void DataModule::ReportDropped() {
   if (dropped_ > 0) {
-    tell_("bytes dropped: " + std::to_string(dropped_));
+    log_("bytes dropped: " + std::to_string(dropped_));
   }
   dropped_ = 0;
 }
@@ -116,7 +117,7 @@ Transmission DataModule::Spoil(std::string reply, bool gives_way) const {
   if (!faults_.stall) {
     return {{{std::move(reply)}}, gives_way};
   }
-  // A stalled reply gives way even when it is short: whoever asks anew has given it up.
+  // Even a short stalled reply gives way: a client that asks again no longer waits for it.
   const std::size_t half = reply.size() / 2;
   return {{{reply.substr(0, half)}, {reply.substr(half), *faults_.stall}}, true};
 }

@@ -13,28 +13,28 @@
 
 namespace vrx::simulator {
 
-// The data module: a memory that a byte of command clears or sends. Every byte that is no command
-// is kept; a download has no framing.
+// The data module: a memory with commands of one byte to clear or send it. It stores every byte
+// that is not a command, because a download has no framing.
 class DataModule final : public Device {
  public:
-  static constexpr std::size_t kMemorySize = 65536;  // bytes; what arrives beyond is dropped
+  static constexpr std::size_t kMemorySize = 65536;  // bytes; any more are dropped
 
-  using Tell = std::function<void(const std::string& message)>;
-  // What is in memory after the module was carried about; nothing: what was.
+  using LogMessage = std::function<void(const std::string& message)>;
+  // Takes the module to the indicator. Returns the new memory, or nothing if it is unchanged.
   using Carry = std::function<std::optional<std::string>(const std::string& memory)>;
 
-  // `tell` hears when bytes are dropped.
-  DataModule(Faults faults, Tell tell);
+  // `log` is called when bytes are dropped.
+  DataModule(Faults faults, LogMessage log);
 
   std::optional<Transmission> Receive(char byte) override;
 
-  // The module is away ahead of each dump that it is asked for.
+  // Calls `carry` before each dump.
   void CarryBy(Carry carry) { carry_ = std::move(carry); }
 
-  // Puts bytes behind what is kept, commands among them too.
+  // Appends bytes to the memory, including command bytes.
   void Load(std::string_view bytes);
 
-  // Tells how many bytes were dropped since it was last told, if any; each command does so too.
+  // Logs the number of bytes dropped since the last report, if any. Each command does so too.
   void ReportDropped();
 
   const std::string& Memory() const { return memory_; }
@@ -46,18 +46,16 @@ class DataModule final : public Device {
   Transmission Spoil(std::string reply, bool gives_way) const;
 
   Faults faults_;
-  Tell tell_;
+  LogMessage log_;
   Carry carry_;
   std::string memory_;
-  std::size_t dropped_ = 0;  // since last told
+  std::size_t dropped_ = 0;  // since the last report
 };
 
-// Both throw std::system_error, its text for the user.
-
-// The whole file.
+// Both throw std::system_error with a text for the user.
 std::string ReadFile(const std::filesystem::path& path);
 
-// Writes beside the file and renames: whoever reads it sees the old or the new one, whole.
+// Replaces the file atomically: writes a temporary file in its folder and renames it.
 void WriteFile(const std::filesystem::path& path, std::string_view bytes);
 
 }  // namespace vrx::simulator

@@ -46,7 +46,7 @@ FeedPlan::Ingredient ReadIngredient(std::string_view line) {
   return {ToNumber<int>(fields[0]), std::string(fields[1]), fields[2] == "1"};
 }
 
-// Number, name, type, target, head count and the names; the amounts stand behind the semicolon.
+// Number, name, type, target, head count and the names; the amounts follow the semicolon.
 FeedPlan::Recipe ReadRecipe(std::string_view line, const Ingredients& ingredients) {
   constexpr std::size_t kFirstName = 5;
   const auto halves = Split(line, ';');
@@ -85,7 +85,7 @@ constexpr std::string_view kUser = "1";
 constexpr int kStart = 6 * 60 + 10;  // minute of the day
 constexpr int kLastMinute = 24 * 60 - 1;
 
-// What the mixer holds and the scale's divisions, in tenths of the unit.
+// The capacity of the mixer and the divisions of the scale, in tenths of the unit.
 struct Scale {
   long mixer;
   int division;
@@ -206,7 +206,7 @@ std::vector<FeedingWork::Load> FeedingWork::LoadsOfDay() const {
   return loads;
 }
 
-// Gives what the mixer holds then.
+// Returns the weight in the mixer afterwards.
 int FeedingWork::Batch(const Load& load, Day day, Log& log) {
   double wanted = 0;
   for (const FeedPlan::Pen* pen : load.pens) {
@@ -243,7 +243,7 @@ int FeedingWork::Batch(const Load& load, Day day, Log& log) {
   return batched;
 }
 
-// The last pen gets what is left, but for a little that sticks in the mixer.
+// The last pen gets the rest, except a little that sticks to the mixer.
 void FeedingWork::FeedOut(const Load& load, Day day, int batched, Log& log) {
   const int division = ScaleOf(plan_.unit).division;
   for (const FeedPlan::Pen* pen : load.pens) {

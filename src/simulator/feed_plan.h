@@ -11,7 +11,7 @@
 
 namespace vrx::simulator {
 
-// What an indicator knows of a yard from the text of a download.
+// A yard as an indicator knows it from the text of a download.
 struct FeedPlan {
   struct Ingredient {
     int id;
@@ -40,14 +40,9 @@ struct FeedPlan {
   std::vector<Pen> pens;        // those with a feed amount
 };
 
-bool IsDownload(std::string_view memory);
-
-// Throws std::invalid_argument with the line that is not of the form.
-FeedPlan ReadFeedPlan(std::string_view download);
-
 using Day = std::chrono::sys_days;
 
-// One thing that the scale weighed.
+// One weighing of the scale.
 struct Weighing {
   Day day;
   int load;            // counted from 1 within the records
@@ -57,16 +52,16 @@ struct Weighing {
   int tenths;          // of the plan's unit
 };
 
-// An indicator at work: batches the recipes of a plan, feeds each pen once a day, and keeps the
-// records as a transaction file. The pens go to the recipes in equal runs, in the order of both.
-// What people and scales do at random comes from the seed.
+// Simulates the work of an indicator: batches the recipes of a plan, feeds each pen once a day, and
+// keeps the records as a transaction file. Assigns the pens to the recipes in equal runs, in the
+// order of both. The random behavior of people and scales depends only on the seed.
 class FeedingWork {
  public:
   FeedingWork(FeedPlan plan, std::uint32_t seed) : plan_(std::move(plan)), random_(seed) {}
 
-  // Nothing is fed, and false, when the records of the day would make the file larger than that
-  // many bytes.
-  bool FeedDay(Day day, std::size_t limit);
+  // Feeds nothing and returns false if the records of the day would make the file larger than
+  // `limit` bytes.
+  [[nodiscard]] bool FeedDay(Day day, std::size_t limit);
 
   std::string Records() const;
   const std::vector<Weighing>& Weighings() const { return done_.weighings; }
@@ -96,7 +91,12 @@ class FeedingWork {
   Log done_;
 };
 
-// A line for each weighing, as "2026-01-05,1,STARTR,BATCH,CORN,1085.0" and with FEED and a pen.
-std::string LedgerOf(const std::vector<Weighing>& weighings);
+[[nodiscard]] bool IsDownload(std::string_view memory);
+
+// Throws std::invalid_argument with the malformed line.
+FeedPlan ReadFeedPlan(std::string_view download);
+
+// A line for each weighing, as "2026-01-05,1,STARTR,BATCH,CORN,1085.0" or with FEED and a pen.
+[[nodiscard]] std::string LedgerOf(const std::vector<Weighing>& weighings);
 
 }  // namespace vrx::simulator

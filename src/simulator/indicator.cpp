@@ -22,7 +22,7 @@ namespace vrx::simulator {
 
 namespace {
 
-constexpr std::size_t kLargestFile = 65535;  // bytes that a reader of transaction files takes
+constexpr std::size_t kLargestFile = 65535;  // bytes; the limit of readers of transaction files
 
 using std::chrono::milliseconds;
 
@@ -46,9 +46,9 @@ std::string InHex(std::string_view bytes) {
   return bytes.size() > kMostShown ? text + " ..." : text;
 }
 
-// Where two texts are alike for long, what is alike is left out.
-[[noreturn]] void Tell(int line, std::string_view expected, std::string_view got, std::size_t alike,
-                       const std::string& why) {
+// Omits a long common beginning of the two texts.
+[[noreturn]] void ThrowMismatch(int line, std::string_view expected, std::string_view got,
+                                std::size_t alike, const std::string& why) {
   const std::size_t from = alike < kMostShown ? 0 : alike;
   std::string where;
   if (from > 0) {
@@ -77,15 +77,15 @@ std::optional<std::string> WorkingIndicator::Visit(const std::string& memory) {
     if (work.Weighings().empty()) {
       throw std::invalid_argument("no recipe or no pen to feed");
     }
-    tell_("the indicator fed by the download: days " + std::to_string(fed) + ", weighings " +
-          std::to_string(work.Weighings().size()));
+    log_("the indicator fed by the download: days " + std::to_string(fed) + ", weighings " +
+         std::to_string(work.Weighings().size()));
     if (fed < options_.days) {
-      tell_("memory is full, days not fed: " + std::to_string(options_.days - fed));
+      log_("memory is full, days not fed: " + std::to_string(options_.days - fed));
     }
     Enter(work);
     return work.Records();
   } catch (const std::invalid_argument& error) {
-    tell_(std::string("the indicator cannot feed by the download: ") + error.what());
+    log_(std::string("the indicator cannot feed by the download: ") + error.what());
     return std::nullopt;
   }
 }
@@ -221,14 +221,14 @@ bool Indicator::Expect(const Step& step, std::string_view bytes) {
     const auto alike = static_cast<std::size_t>(
         std::mismatch(got.begin(), got.end(), bytes.begin()).first - got.begin());
     if (alike < both) {
-      Tell(step.line, bytes, received_, alike, "");
+      ThrowMismatch(step.line, bytes, received_, alike, "");
     }
     if (alike == bytes.size()) {
       Take(alike);
       return true;
     }
     if (Clock::now() >= end) {
-      Tell(step.line, bytes, received_, alike, After(step.time));
+      ThrowMismatch(step.line, bytes, received_, alike, After(step.time));
     }
     if (!Receive(end)) {
       return false;
@@ -257,8 +257,8 @@ bool Indicator::FinishSave() {
   return true;
 }
 
-// The end of the script takes the line away, and with it what the PC has not read yet. Waits before
-// it looks: the system hands written bytes over a moment later.
+// The end of the script closes the line, and bytes that the PC has not read would be lost. Waits
+// before the first check, because the system delivers written bytes a moment later.
 bool Indicator::AwaitTaken() {
   const Time end = Clock::now() + kTakeGrace;
   do {

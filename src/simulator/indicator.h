@@ -18,38 +18,35 @@ namespace vrx::simulator {
 struct WorkOptions {
   Day first_day;
   int days = 1;                                 // fed by each download
-  std::optional<std::filesystem::path> ledger;  // what was weighed is written behind its end
+  std::optional<std::filesystem::path> ledger;  // the weighings are appended to it
 };
 
-// The indicator to which the module is carried: it takes the recipes of a download, feeds the next
-// days by them and leaves their records in the module.
+// The indicator to which the module is taken: reads the recipes of a download, feeds the next days
+// with them and writes the records to the module.
 class WorkingIndicator {
  public:
-  using Tell = std::function<void(const std::string& message)>;
+  using LogMessage = std::function<void(const std::string& message)>;
 
-  WorkingIndicator(WorkOptions options, Tell tell)
-      : options_(std::move(options)), tell_(std::move(tell)), day_(options_.first_day) {}
+  WorkingIndicator(WorkOptions options, LogMessage log)
+      : options_(std::move(options)), log_(std::move(log)), day_(options_.first_day) {}
 
-  // The module's memory as it comes back; nothing where it holds no download, or one that cannot be
-  // fed by, which is told. Throws std::system_error when the ledger cannot be written.
+  // Returns the module's new memory, or nothing if it does not hold a usable download, which is
+  // logged. Throws std::system_error if the ledger cannot be written.
   std::optional<std::string> Visit(const std::string& memory);
 
  private:
   void Enter(const FeedingWork& work) const;
 
   WorkOptions options_;
-  Tell tell_;
+  LogMessage log_;
   Day day_;
 };
 
-// Of the form 2026-01-05. Throws std::invalid_argument.
-Day ReadDay(const std::string& text);
-
-// Listens to what arrives and picks the data of the next dump: NAK or FS, US, data, US. Anything
-// ahead of it, as the reply to a clear, is passed over.
+// Extracts the data of the next dump from the received bytes: NAK or FS, US, data, US. Skips
+// anything before it, such as the reply to a clear.
 class ReplyTap {
  public:
-  // Returns how many of the bytes belong to the reply or are ahead of it.
+  // Returns how many of the bytes belong to the reply or come before it.
   std::size_t Listen(std::string_view bytes);
 
   bool Complete() const { return state_ == State::kComplete; }
@@ -64,31 +61,31 @@ class ReplyTap {
   std::string data_;
 };
 
-// The PC did not do what the script expects; the text tells the line, what was expected and what
-// came.
+// The PC did not do what the script expects. The text names the line, the expected and the received
+// bytes.
 class Mismatch : public std::runtime_error {
  public:
   using std::runtime_error::runtime_error;
 };
 
-// Plays a script on a line, at the pace of 19200 baud. Every byte is data: there is no flow control
-// in the direct connection.
+// Plays a script on a line at 19200 baud. The direct connection has no flow control: every byte is
+// data.
 //
-// A save listens to the bytes that the steps behind it take, and is done when a whole reply has
-// come. A reply that was asked for ahead of the save is waited for before anything else is sent,
-// and any reply before the script ends.
+// A save reads the bytes that the following steps receive, until a whole reply has arrived. If the
+// reply was requested before the save, the script waits for it before sending anything else;
+// otherwise it waits at its end.
 class Indicator {
  public:
   Indicator(PtyLine& line, Signals& signals) : line_(line), signals_(signals) {}
 
-  // True at the end of the script, false when a signal said stop before. Throws Mismatch, and
+  // Returns false if a signal stopped the script before its end. Throws Mismatch, and
   // std::system_error with a text for the user.
-  bool Play(const std::vector<Step>& steps);
+  [[nodiscard]] bool Play(const std::vector<Step>& steps);
 
  private:
   struct Save {
     Step step;
-    bool asked;  // for its reply
+    bool asked;  // its reply was requested
     ReplyTap tap = {};
   };
 
@@ -98,15 +95,18 @@ class Indicator {
   bool FinishSave();
   bool AwaitTaken();
 
-  // Sleeps until bytes have come or the time is reached; false when a signal says stop.
+  // Sleeps until bytes arrive or until the given time; returns false if a signal stops the script.
   bool Receive(Time until);
   void Take(std::size_t count);
 
   PtyLine& line_;
   Signals& signals_;
-  std::string received_;  // and not taken by a step yet
+  std::string received_;  // not consumed by a step yet
   std::optional<Save> save_;
-  bool asked_ = false;  // something was sent, and no reply to it was looked at
+  bool asked_ = false;  // something was sent, and its reply was not examined
 };
+
+// Parses the form 2026-01-05. Throws std::invalid_argument.
+Day ReadDay(const std::string& text);
 
 }  // namespace vrx::simulator

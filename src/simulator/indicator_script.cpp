@@ -43,7 +43,7 @@ std::string_view WithoutComment(std::string_view line) {
   return line;
 }
 
-// Takes the last word off.
+// Removes and returns the last word.
 std::string_view TakeLastWord(std::string_view& text) {
   const auto blank = text.find_last_of(kBlanks);
   const auto start = blank == std::string_view::npos ? 0 : blank + 1;
@@ -84,7 +84,7 @@ std::string ReadHex(std::string_view text, int line) {
   return bytes;
 }
 
-// Takes "within MS" off the end of a step.
+// Removes "within MS" from the end of a step.
 std::chrono::milliseconds TakeLimit(std::string_view& rest, int line) {
   std::string_view ahead = rest;
   const std::string_view number = TakeLastWord(ahead);

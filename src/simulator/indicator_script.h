@@ -22,23 +22,23 @@ struct Step {
   std::chrono::milliseconds time{0};  // of kWait; the limit of kExpect and kExpectFile
 };
 
-// A script that cannot be played; the text tells its line and is for the user.
+// The script is invalid. The text names the line and is for the user.
 class ScriptError : public std::runtime_error {
  public:
   ScriptError(int line, const std::string& reason)
       : std::runtime_error("line " + std::to_string(line) + ": " + reason) {}
 };
 
-// The steps of a script, one a line:
-//   send HEX...                      two hexadecimal digits a byte, blanks between them or not
+// Parses a script with one step per line:
+//   send HEX...                      two hexadecimal digits per byte; blanks are optional
 //   send-file PATH
-//   expect HEX... [within MS]        else within kExpectLimit
+//   expect HEX... [within MS]        default: kExpectLimit
 //   expect-file PATH [within MS]
 //   save PATH
 //   wait MS
-// A # at the beginning of a word begins a comment. A path is the rest of the line and may hold
-// blanks. Throws ScriptError; also for a file that is to be sent or expected and cannot be read,
-// unless an earlier save makes it.
+// A # at the start of a word starts a comment. A path is the rest of the line and may contain
+// blanks. Throws ScriptError, also for an unreadable file to send or expect, unless an earlier save
+// creates it.
 std::vector<Step> ParseScript(std::string_view text);
 
 }  // namespace vrx::simulator

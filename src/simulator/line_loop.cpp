@@ -18,16 +18,16 @@ namespace {
 
 using std::chrono::milliseconds;
 
-// No PC keeps more than its receive buffer: bytes of earlier replies beyond that are lost to it.
+// Like a PC's receive buffer: bytes of earlier replies beyond it are lost.
 constexpr std::size_t kReceiveBuffer = 2048;
 constexpr milliseconds kHangUpGrace{500};
 constexpr milliseconds kHangUpStep{5};
-// The system hands a client's bytes over a moment after its write has returned. A client that never
-// stops sending is not waited for.
+// The system delivers a client's bytes a moment after its write has returned. The loop does not
+// wait longer for a client that never stops sending.
 constexpr milliseconds kHandOver{20};
 constexpr int kMostReadsAhead = 32;
 
-// Sleeps until one of them is ready or the time is over; without a time, until one is ready.
+// Sleeps until one of the handles is ready, or until the given time, if any.
 template <std::size_t kCount>
 void Poll(std::array<pollfd, kCount>& watched, std::optional<Duration> limit) {
   timespec time{};
@@ -58,17 +58,17 @@ void LineLoop::Run(const std::function<void()>& save) {
   }
 }
 
-// False when one says stop.
+// Returns false if a signal stops the loop.
 bool LineLoop::HeedSignals(const std::function<void()>& save) {
-  const Signals::Specified told = signals_.Take();
-  if (told == Signals::Specified::kNothing) {
+  const Signals::Request request = signals_.Take();
+  if (request == Signals::Request::kNone) {
     return true;
   }
   ReceiveSentAhead();
-  if (told == Signals::Specified::kSave) {
+  if (request == Signals::Request::kSave) {
     save();
   }
-  return told != Signals::Specified::kStop;
+  return request != Signals::Request::kStop;
 }
 
 void LineLoop::ReceiveSentAhead() {
@@ -81,20 +81,20 @@ void LineLoop::ReceiveSentAhead() {
   }
 }
 
-// False when no bytes were there.
+// Returns false if there were no bytes.
 bool LineLoop::HeedLine() {
-  // In this order: the coming of a client is known before what it sent is obeyed.
+  // Read first, so that a new client is known before its bytes are handled.
   const std::string bytes = Deaf() ? std::string() : line_.Read();
   const PtyLine::Clients clients = line_.TakeClients();
   const Time now = Clock::now();
   if (clients.came && (transmitter_.HeldForLine() || line_.Untaken() > kReceiveBuffer)) {
-    // It does not find what an earlier one never read.
+    // A new client does not get bytes that an earlier one never read.
     transmitter_.GiveWay(now);
     line_.DiscardUntaken();
   }
   Receive(bytes, now);
   if (clients.went) {
-    // Nobody is left who could send the XON.
+    // No client is left that could send the XON.
     transmitter_.HoldForFlowControl(false, now);
   }
   return !bytes.empty();
@@ -118,7 +118,7 @@ void LineLoop::Begin(Transmission transmission, Time now) {
   }
 }
 
-// False when the line is to be hung up.
+// Returns false if the line must be hung up.
 bool LineLoop::Send() {
   const Time now = Clock::now();
   for (auto due = transmitter_.Due(now); !due.empty(); due = transmitter_.Due(now)) {
@@ -139,7 +139,7 @@ bool LineLoop::Send() {
   return true;
 }
 
-// After the reply: some clients take any byte that follows an XOFF for an XON.
+// Called after the reply: some clients treat any byte after an XOFF as an XON.
 void LineLoop::SendXoff() {
   if (xoff_after_ && received_ >= *xoff_after_ && !transmitter_.HeldForLine() &&
       !transmitter_.NextPortion()) {
@@ -171,7 +171,7 @@ void LineLoop::Wait() {
   }
 }
 
-// A hang-up takes away what the client has not read yet; the line gave it that much.
+// A hang-up discards what the client has not read yet, so waits until it has.
 void LineLoop::AwaitTaken() {
   for (auto left = kHangUpGrace; left > milliseconds{0}; left -= kHangUpStep) {
     std::array<pollfd, 1> watched{{{.fd = signals_.Handle(), .events = POLLIN, .revents = 0}}};

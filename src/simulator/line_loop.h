@@ -11,22 +11,21 @@
 
 namespace vrx::simulator {
 
-// Plays a device on a line: hands it what arrives, lets its transmissions leave at their pace,
-// heeds XON and XOFF. Sleeps while there is nothing to do.
+// Connects a device to a line: passes on received bytes, sends its transmissions at their pace, and
+// obeys XON and XOFF. Sleeps while there is nothing to do.
 class LineLoop {
  public:
   LineLoop(PtyLine& line, Transmitter& transmitter, Device& device, Signals& signals);
 
-  // The line is given up after that many bytes of all transmissions together.
+  // Hangs up after sending that many bytes in total.
   void HangUpAfter(std::uint32_t bytes) { hang_up_after_ = bytes; }
-  // Once so many bytes have arrived and are answered, an XOFF tells the client to stop; or nothing
-  // more is read.
+  // After that many bytes have arrived and are answered, sends an XOFF or stops reading.
   void SendXoffAfter(std::uint32_t bytes) { xoff_after_ = bytes; }
   void StopReadingAfter(std::uint32_t bytes) { deaf_after_ = bytes; }
 
-  // Until a signal says stop or the line is to be hung up; the last bytes are then taken by the
-  // client, if one reads. `save` runs whenever a signal says so. What a client sent ahead of a
-  // signal has arrived when the signal takes effect.
+  // Runs until a signal stops it or the line is hung up; then waits until a reading client has
+  // taken the last bytes. Calls `save` when a signal requests it. Bytes that a client sent before a
+  // signal are received before the signal takes effect.
   void Run(const std::function<void()>& save);
 
  private:

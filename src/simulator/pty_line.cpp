@@ -63,7 +63,7 @@ void MakeRaw(const Descriptor& terminal) {
   }
 }
 
-// Begins after the line has opened its own end, which must not count as a client.
+// Called after the line has opened its own end, which must not be treated as a client.
 Descriptor Watch(const std::string& name) {
   Descriptor watch =
       Checked(::inotify_init1(IN_NONBLOCK | IN_CLOEXEC), "cannot watch the pseudo-terminal");
@@ -73,9 +73,9 @@ Descriptor Watch(const std::string& name) {
   return watch;
 }
 
-// Whether a link to `target` was left by a killed simulator: its pseudo-terminal is gone, or its
-// number was given anew to this one. A number given anew to somebody else cannot be told from a
-// running simulator, and is not taken for stale.
+// Whether a link to `target` was left by a killed simulator: its pseudo-terminal no longer exists,
+// or its number was reused for this one. A number reused by another program looks like a running
+// simulator and is not treated as stale.
 bool IsStale(const std::string& target, const std::string& own_name) {
   if (target == own_name) {
     return true;
@@ -126,12 +126,12 @@ Signals::Signals() {
   }
 }
 
-Signals::Specified Signals::Take() {
+Signals::Request Signals::Take() {
   signalfd_siginfo info{};
   if (::read(descriptor_.Get(), &info, sizeof info) != sizeof info) {
-    return Specified::kNothing;
+    return Request::kNone;
   }
-  return info.ssi_signo == SIGUSR1 ? Specified::kSave : Specified::kStop;
+  return info.ssi_signo == SIGUSR1 ? Request::kSave : Request::kStop;
 }
 
 PtyLine::PtyLine(fs::path link) : link_(std::move(link)), master_(OpenMaster()) {
@@ -169,7 +169,7 @@ std::size_t PtyLine::Write(std::string_view bytes) {
 
 PtyLine::Clients PtyLine::TakeClients() {
   Clients clients;
-  inotify_event event{};  // of a watched file, so without a name behind it
+  inotify_event event{};  // a watch on a file, so the event has no name after it
   while (::read(watch_.Get(), &event, sizeof event) == sizeof event) {
     clients.came = clients.came || (event.mask & IN_OPEN) != 0;
     clients.went = clients.went || (event.mask & IN_CLOSE) != 0;
@@ -189,7 +189,7 @@ std::size_t PtyLine::Untaken() const {
 }
 
 void PtyLine::DiscardUntaken() {
-  // What has left the master, and what lies at the client's end.
+  // Bytes that have left the master, and bytes at the client's end.
   if (::tcflush(master_.Get(), TCOFLUSH) != 0 || ::tcflush(kept_.Get(), TCIFLUSH) != 0) {
     Fail(errno, "cannot discard the bytes on the line");
   }

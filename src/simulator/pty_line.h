@@ -39,67 +39,66 @@ class Descriptor {
   int fd_ = -1;
 };
 
-// The signals by which a simulator is told something. From its making on they arrive here only, in
-// the thread that made it and in threads started later.
+// The signals that control a simulator: SIGTERM, SIGINT and SIGHUP stop it, SIGUSR1 makes it save.
+// The constructor blocks their usual effect in its thread and in threads started later.
 class Signals {
  public:
-  enum class Specified { kNothing, kStop, kSave };
+  enum class Request { kNone, kStop, kSave };
 
   Signals();
 
-  // For poll: readable when a signal waits.
+  // For poll: readable when a signal is pending.
   int Handle() const { return descriptor_.Get(); }
 
-  // Takes the next one: SIGTERM, SIGINT and SIGHUP stop, SIGUSR1 saves. Does not wait.
-  Specified Take();
+  // Takes the next pending signal; does not wait.
+  [[nodiscard]] Request Take();
 
  private:
   Descriptor descriptor_;
 };
 
-// A pseudo-terminal in raw mode whose other end clients open at a link. Clients come and go; the
-// line stays. Throws std::system_error where the system refuses, its text for the user.
+// A pseudo-terminal in raw mode; clients open its other end through a link. It outlives its
+// clients. Throws std::system_error with a text for the user.
 class PtyLine {
  public:
-  // What clients did since it was last asked.
+  // Clients that opened or closed the line since the last call.
   struct Clients {
     bool came = false;
     bool went = false;
   };
 
-  // Makes the line and its link. What stands at `link` is replaced only if it is a link to a
-  // pseudo-terminal that is gone, as a killed simulator leaves it.
+  // Creates the line and its link. Replaces an existing file only if it is a link to a
+  // pseudo-terminal that no longer exists, left by a killed simulator.
   explicit PtyLine(std::filesystem::path link);
-  // Closes the line, which hangs it up for a client, and removes the link if it is still this
-  // line's.
+  // Hangs up and removes the link if it still belongs to this line.
   ~PtyLine();
   PtyLine(const PtyLine&) = delete;
   PtyLine& operator=(const PtyLine&) = delete;
 
-  // For poll: readable when a client has sent bytes, writable when the line takes some.
+  // For poll: readable when a client has sent bytes, writable when the line accepts some.
   int Handle() const { return master_.Get(); }
 
-  // Neither of them waits. Read is empty when nothing is there; Write tells how many bytes the line
-  // took.
-  std::string Read();
+  // Neither waits. Read returns nothing if no bytes are pending; Write returns the number of bytes
+  // that the line accepted.
+  [[nodiscard]] std::string Read();
   std::size_t Write(std::string_view bytes);
 
-  // For poll: readable when clients came or went.
+  // For poll: readable when clients opened or closed the line.
   int ClientsHandle() const { return watch_.Get(); }
-  // Does not wait. A client that went, even a killed one, no longer has the line for itself alone.
+  // Does not wait. Ends the exclusive use of a client that closed the line or was killed.
   Clients TakeClients();
 
-  // Bytes that wait for a client to read them, as far as the client's end shows them (at most
+  // The number of bytes that no client has read, as far as the client's end shows them (at most
   // 4095).
-  std::size_t Untaken() const;
-  // Throws away all bytes that no client has read.
+  [[nodiscard]] std::size_t Untaken() const;
+  // Discards all bytes that no client has read.
   void DiscardUntaken();
 
  private:
   std::filesystem::path link_;
   std::string name_;  // of the client's end
   Descriptor master_;
-  Descriptor kept_;  // the client's end held open, so that the line outlives each client
+  Descriptor kept_;  // keeps the client's end open, so that the line outlives each client
   Descriptor watch_;
 };
 

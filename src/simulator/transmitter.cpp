@@ -20,7 +20,7 @@ constexpr std::int64_t kPortionsPerSecond = 125;
   throw std::invalid_argument("fault \"" + std::string(text) + "\": " + std::string(reason));
 }
 
-// A fault as it was written, taken apart: "stall=500" is the kind "stall" with the value "500".
+// A parsed fault: "stall=500" has the kind "stall" and the value "500".
 struct Written {
   std::string_view text;
   std::string_view kind;
@@ -96,7 +96,7 @@ std::string_view Transmitter::Due(Time now) const {
   const std::string_view bytes = waiting_.front().segment.bytes;
   std::size_t due = bytes.size();
   if (const Duration passed = now - origin_; passed < TimeOf(due)) {
-    // Below 2^63: the elapsed time is less than what this segment takes at this pace.
+    // Below 2^63, because the elapsed time is less than the duration of this segment.
     due = static_cast<std::size_t>(passed.count() * baud_ / (kBitsPerByte * kNanosecondsPerSecond));
   }
   return due > sent_ ? bytes.substr(sent_, due - sent_) : std::string_view{};
@@ -129,8 +129,8 @@ std::optional<Time> Transmitter::NextPortion() const {
   return origin_ + TimeOf(std::min(sent_ + portion, waiting_.front().segment.bytes.size()));
 }
 
-// Takes the segments off that are out whole. The next one follows on the schedule; without pace
-// there is none, and it follows from now.
+// Removes segments that are completely sent. The next one follows on schedule, or now if pacing is
+// off.
 void Transmitter::DropDone(Time now) {
   while (!waiting_.empty() && sent_ >= waiting_.front().segment.bytes.size()) {
     const Time end = baud_ == 0 ? std::max(origin_, now) : origin_ + TimeOf(sent_);
@@ -142,7 +142,7 @@ void Transmitter::DropDone(Time now) {
   }
 }
 
-// Rounded up, so that at that time the bytes really are due.
+// Rounded up, so that the bytes are due at that time.
 Duration Transmitter::TimeOf(std::size_t bytes) const {
   if (baud_ == 0) {
     return Duration{0};
