@@ -23,6 +23,7 @@
 
 #include "database/bound_database.h"
 #include "database/records.h"
+#include "database/templates.h"
 #include "desktop/recipes/recipe_grid.h"
 #include "desktop/recipes/recipes_page.h"
 #include "feed/key_filters.h"

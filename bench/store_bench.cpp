@@ -19,6 +19,7 @@
 #include "database/connection.h"
 #include "database/open_databases.h"
 #include "database/schema.h"
+#include "database/templates.h"
 #include "exchange/imported_data.h"
 #include "exchange/store.h"
 #include "measure.h"

@@ -6,6 +6,7 @@
 
 #include "base/application.h"
 #include "database/schema.h"
+#include "database/templates.h"
 
 int main(int argc, char** argv) {
   if (argc != 2) {

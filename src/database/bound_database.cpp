@@ -6,6 +6,7 @@
 
 #include "database/connection.h"
 #include "database/identity.h"
+#include "database/templates.h"
 
 namespace vrx {
 

@@ -1,19 +1,7 @@
 #include "database/schema.h"
 
-#include <system_error>
-
-#include <SQLiteCpp/Database.h>
-#include <SQLiteCpp/Statement.h>
-#include <SQLiteCpp/Transaction.h>
-
-#include "database/connection.h"
-#include "database/identity.h"
-#include "database/records.h"
-
 namespace vrx {
 namespace {
-
-namespace fs = std::filesystem;
 
 constexpr std::string_view kInteger = "INTEGER";
 constexpr std::string_view kKey = "INTEGER PRIMARY KEY";
@@ -113,58 +101,6 @@ std::vector<Table> TransactionTables() {
   return {transactions};
 }
 
-std::string CreateText(const Table& table) {
-  std::string text = "CREATE TABLE " + Bracketed(table.name) + " (";
-  for (const Column& column : table.columns) {
-    text += Bracketed(column.name) + " " + std::string(column.type) + ", ";
-  }
-  text.replace(text.size() - 2, 2, ")");
-  return text;
-}
-
-// Inserts rows 1 to `count`. `query` has parameters for ID and default name, and the other values.
-void InsertFixedRows(SQLite::Database& database, const char* query, std::string_view name_head,
-                     int count) {
-  SQLite::Statement insert(database, query);
-  for (int id = 1; id <= count; ++id) {
-    insert.bind(1, id);
-    insert.bind(2, std::string(name_head) + NumberText(id, 3));
-    insert.exec();
-    insert.reset();
-  }
-}
-
-void FillTemplate(SQLite::Database& database, DatabaseKind kind) {
-  if (kind == DatabaseKind::kRecipe) {
-    InsertFixedRows(database, "INSERT INTO Ingredient VALUES (?, ?, '', 100, 0)", "ING",
-                    kIngredientCount);
-    InsertFixedRows(database, "INSERT INTO Recipe VALUES (?, ?, '', '!', 0, '', '20')", "REC",
-                    kRecipeCount);
-    InsertFixedRows(database, "INSERT INTO Pen VALUES (?, ?, '', '0')", "PEN", kPenCount);
-  }
-  database.exec("INSERT INTO UnitsOfMeasure VALUES ('')");
-  database.exec("INSERT INTO History VALUES (NULL, NULL)");
-  SQLite::Statement marker(database, "INSERT INTO BrantockDatabase VALUES (?)");
-  marker.bind(1, std::string(kind == DatabaseKind::kRecipe ? kNulRecipeDb : kNulTransDb));
-  marker.exec();
-}
-
-void WriteTemplate(SQLite::Database& database, DatabaseKind kind) {
-  database.exec("PRAGMA synchronous=FULL");
-  SQLite::Transaction transaction(database);
-  database.exec("PRAGMA application_id=" + std::to_string(kApplicationId));
-  database.exec("PRAGMA user_version=" + std::to_string(kSchemaVersion));
-  for (const Table& table : Schema(kind)) {
-    database.exec(CreateText(table));
-  }
-  for (const std::string& index :
-       kind == DatabaseKind::kRecipe ? RecipeIndexes() : TransactionIndexes()) {
-    database.exec(index);
-  }
-  FillTemplate(database, kind);
-  transaction.commit();
-}
-
 }  // namespace
 
 std::string IngredientWeightColumn(int id) { return "Ing" + NumberText(id, 2) + "Wt"; }
@@ -177,28 +113,8 @@ std::vector<Table> Schema(DatabaseKind kind) {
   return tables;
 }
 
-void CreateTemplate(const fs::path& path, DatabaseKind kind) {
-  const fs::path unfinished = path.string() + ".new";
-  // A killed run may have left this file. SQLite deletes a journal that belongs to an empty file.
-  fs::remove(unfinished);
-  try {
-    SQLite::Database database(unfinished, SQLite::OPEN_READWRITE | SQLite::OPEN_CREATE);
-    WriteTemplate(database, kind);
-  } catch (const SQLite::Exception& error) {
-    std::error_code ignored;
-    fs::remove(unfinished, ignored);
-    throw TranslateSqliteError(error, path);
-  }
-  fs::rename(unfinished, path);
-}
-
-SQLite::Database BlankInMemory(DatabaseKind kind) {
-  SQLite::Database database(":memory:", SQLite::OPEN_READWRITE | SQLite::OPEN_CREATE);
-  WithDatabaseErrors(database, [&] {
-    WriteTemplate(database, kind);
-    database.exec("PRAGMA query_only=ON");
-  });
-  return database;
+std::vector<std::string> SchemaIndexes(DatabaseKind kind) {
+  return kind == DatabaseKind::kRecipe ? RecipeIndexes() : TransactionIndexes();
 }
 
 }  // namespace vrx

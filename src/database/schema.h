@@ -1,12 +1,9 @@
 #pragma once
 
 #include <cstdint>
-#include <filesystem>
 #include <string>
 #include <string_view>
 #include <vector>
-
-#include <SQLiteCpp/Database.h>
 
 namespace vrx {
 
@@ -55,11 +52,7 @@ struct Table {
 // The name in square brackets, the only quoting that SQLite never interprets as a string.
 [[nodiscard]] std::string Bracketed(std::string_view name);
 
-// Creates the blank template of a kind with its fixed rows and the NUL marker. Replaces the file at
-// `path` by renaming a complete one. Throws DatabaseError or std::filesystem::filesystem_error.
-void CreateTemplate(const std::filesystem::path& path, DatabaseKind kind);
-
-// A read-only template in memory. Throws DatabaseError.
-[[nodiscard]] SQLite::Database BlankInMemory(DatabaseKind kind);
+// The statements that make the indexes of a kind.
+std::vector<std::string> SchemaIndexes(DatabaseKind kind);
 
 }  // namespace vrx

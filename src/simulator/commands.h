@@ -11,8 +11,6 @@
 
 namespace vrx::simulator {
 
-inline constexpr std::uint32_t kLineBaud = 19200;
-
 // vrx2260sim module
 struct ModuleOptions {
   std::filesystem::path link;

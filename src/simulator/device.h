@@ -1,6 +1,7 @@
 #pragma once
 
 #include <chrono>
+#include <cstdint>
 #include <optional>
 #include <string>
 #include <vector>
@@ -10,6 +11,9 @@ namespace vrx::simulator {
 using Clock = std::chrono::steady_clock;
 using Time = Clock::time_point;
 using Duration = std::chrono::nanoseconds;
+
+// The rate of the line when nothing else is set.
+inline constexpr std::uint32_t kLineBaud = 19200;
 
 // Bytes sent without a gap, after a pause.
 struct Segment {

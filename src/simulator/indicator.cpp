@@ -12,7 +12,6 @@
 
 #include <poll.h>
 
-#include "simulator/commands.h"
 #include "simulator/data_module.h"
 #include "simulator/device.h"
 #include "simulator/feed_plan.h"

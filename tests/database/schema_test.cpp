@@ -6,6 +6,7 @@
 #include <gtest/gtest.h>
 
 #include "database/connection.h"
+#include "database/templates.h"
 #include "database/transactions.h"
 #include "support/database_files.h"
 

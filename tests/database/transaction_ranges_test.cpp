@@ -11,6 +11,7 @@
 
 #include "database/connection.h"
 #include "database/schema.h"
+#include "database/templates.h"
 #include "database/transactions.h"
 #include "support/temp_folder.h"
 

@@ -8,6 +8,7 @@
 #include <SQLiteCpp/Transaction.h>
 
 #include "database/schema.h"
+#include "database/templates.h"
 #include "history/columns.h"
 #include "history/data_group.h"
 

@@ -10,6 +10,7 @@
 #include "database/connection.h"
 #include "database/records.h"
 #include "database/schema.h"
+#include "database/templates.h"
 #include "feed/ration_cells.h"
 #include "feed/recipe_editor.h"
 #include "settings/settings.h"

@@ -7,6 +7,7 @@
 
 #include "database/connection.h"
 #include "database/schema.h"
+#include "database/templates.h"
 #include "history/columns.h"
 #include "history/group_query.h"
 

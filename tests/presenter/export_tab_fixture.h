@@ -14,6 +14,7 @@
 #include "database/connection.h"
 #include "database/records.h"
 #include "database/schema.h"
+#include "database/templates.h"
 #include "export/export_fixture.h"
 #include "presenter/export.h"
 #include "presenter/history.h"

@@ -15,6 +15,7 @@
 #include "database/identity.h"
 #include "database/records.h"
 #include "database/schema.h"
+#include "database/templates.h"
 #include "feed/batch_type.h"
 #include "feed/ration.h"
 #include "presenter/database_identity.h"

@@ -7,6 +7,7 @@
 #include "database/connection.h"
 #include "database/identity.h"
 #include "database/schema.h"
+#include "database/templates.h"
 
 namespace vrx::testing {
 namespace {

@@ -5,6 +5,7 @@
 #include "base/application.h"
 #include "database/identity.h"
 #include "database/schema.h"
+#include "database/templates.h"
 #include "presenter/database_identity.h"
 
 namespace vrx::testing {

@@ -6,6 +6,7 @@
 #include <QVBoxLayout>
 #include <chrono>
 
+#include "database/templates.h"
 #include "desktop/app/captions.h"
 #include "feed/ration.h"
 #include "feed/recipe_columns.h"
