@@ -7,7 +7,6 @@
 #include "settings/settings.h"
 
 namespace vrx {
-
 namespace {
 
 constexpr int kInBufferSize = 2048;
@@ -20,10 +19,10 @@ constexpr Milliseconds kWakeTime{1000};
 constexpr Milliseconds kReleaseTime{500};
 constexpr Milliseconds kAfterTransmission{100};
 
-// Nothing tells when the last byte has left the port: its counter is looked at in this rhythm.
-constexpr Milliseconds kDrainRhythm{5};
+// Interval for polling the output counter; no event reports that the last byte has left the port.
+constexpr Milliseconds kDrainInterval{5};
 
-// An XOFF, or a device that stops reading, holds the line.
+// Limit for a line that is held by an XOFF or a device that stopped reading.
 constexpr Milliseconds kHeldLimit = std::chrono::seconds{10};
 
 }  // namespace
@@ -43,17 +42,26 @@ bool KRMCOMM::Try(Step step) {
     step();
     return true;
   } catch (const SerialError& error) {
-    failure_cause_ = error.what();
+    SetFailure(!serial_.PortOpen() || LineGone() ? LinkError::kLost : LinkError::kRefused,
+               error.what());
     return false;
+  }
+}
+
+// The kind of an interruption remains until the next opening, although closing the port may fail
+// too.
+void KRMCOMM::SetFailure(LinkError error, std::string cause) {
+  failure_cause_ = std::move(cause);
+  if (!interrupted_) {
+    error_ = error;
   }
 }
 
 bool KRMCOMM::KRM_Open() { return OpenPort(Handshaking::kXOnXOff); }
 
 bool KRMCOMM::OpenPort(Handshaking mode) {
-  failure_cause_.clear();
   interrupted_ = false;
-  line_held_ = false;
+  SetFailure(LinkError::kNone, {});
   if (comm_port_open_ && serial_.PortOpen() && !LineGone()) {
     err_msg_ = "Serial port already open";
     return true;
@@ -62,7 +70,7 @@ bool KRMCOMM::OpenPort(Handshaking mode) {
   std::string_view stage = "Open error";
   const auto refuse = [&](std::string cause) {
     err_msg_ = stage;
-    failure_cause_ = std::move(cause);
+    SetFailure(LinkError::kRefused, std::move(cause));
     serial_.SetPortOpen(false);
     return false;
   };
@@ -118,7 +126,7 @@ bool KRMCOMM::KRM_Delay(Milliseconds delay) {
   return WaitOut(tim_krm_general_delay_);
 }
 
-// A delay that a handler runs inside this one ends both.
+// A delay that a handler starts inside this one ends both.
 bool KRMCOMM::WaitOut(OneShotTimer& timer) {
   delay_complete_ = false;
   timer.Enable(pump_.Now());
@@ -143,7 +151,7 @@ bool KRMCOMM::KRM_SendByte(char code) {
 }
 
 bool KRMCOMM::KRM_SendString(std::string_view text) {
-  // A handler inside the waits may change what the caller's view points to.
+  // A copy, because a handler inside the waits may change the text that the view refers to.
   const std::string bytes(text);
   bool sent = KRM_AssertDTR() && PurgeBuffers();
   txd_count_ = 0;
@@ -176,7 +184,7 @@ bool KRMCOMM::Drain() {
   int before = 0;
   for (auto left = BytesToSend(); left.has_value(); left = BytesToSend()) {
     if (!serial_.PortOpen()) {
-      failure_cause_ = "the port was closed during the transmission";
+      SetFailure(LinkError::kLost, "the port was closed during the transmission");
       return false;
     }
     if (*left == 0) {
@@ -187,11 +195,11 @@ bool KRMCOMM::Drain() {
       before = *left;
       held.Enable(now);
     } else if (held.Due(now)) {
-      Interrupt("Serial line held", "Serial line held: it took no byte for 10 seconds");
-      line_held_ = true;
+      Interrupt(LinkError::kHeld, "Serial line held",
+                "Serial line held: it took no byte for 10 seconds");
       return false;
     }
-    pump_.Pump(kDrainRhythm);
+    pump_.Pump(kDrainInterval);
   }
   return false;
 }
@@ -202,7 +210,7 @@ bool KRMCOMM::KRM_WaitForTerminators(int count) {
   try {
     complete = Receive(count, buffer);
   } catch (const SerialError& error) {
-    Interrupt("Serial line lost", error.what());
+    Interrupt(LinkError::kLost, "Serial line lost", error.what());
   }
   tim_rxd_timeout_.Disable();
   if (complete) {
@@ -213,14 +221,14 @@ bool KRMCOMM::KRM_WaitForTerminators(int count) {
   rxd_buffer_.clear();
   if (!interrupted_) {
     err_msg_ = "Receiver timeout";
-    failure_cause_ = buffer.empty()
-                         ? "no reply"
-                         : "the reply broke off after " + std::to_string(buffer.size()) + " bytes";
+    SetFailure(LinkError::kTimeout, buffer.empty() ? "no reply"
+                                                   : "the reply broke off after " +
+                                                         std::to_string(buffer.size()) + " bytes");
   }
   return false;
 }
 
-// The limit of 5000 ms stays for the receptions to come: it is never set back.
+// The limit of 5000 ms remains for all later receptions; it is never reset.
 bool KRMCOMM::Receive(int count, std::string& buffer) {
   rxd_waiting_ = true;
   message_received_ = false;
@@ -237,7 +245,7 @@ bool KRMCOMM::Receive(int count, std::string& buffer) {
       terminators += std::count(chunk.begin(), chunk.end(), KRMConst::US);
       message_received_ = terminators >= count;
     } else if (!serial_.PortOpen()) {
-      Interrupt("Serial line lost", "the port was closed during the reception");
+      Interrupt(LinkError::kLost, "Serial line lost", "the port was closed during the reception");
     } else if (tim_rxd_timeout_.Due(now)) {
       tim_rxd_timeout_.Disable();
       rxd_waiting_ = false;
@@ -250,7 +258,7 @@ bool KRMCOMM::Receive(int count, std::string& buffer) {
 
 bool KRMCOMM::GoesOn() {
   if (!interrupted_ && pump_.Closing()) {
-    Interrupt("The program is closing", {});
+    Interrupt(LinkError::kNone, "The program is closing", {});
   }
   return !interrupted_;
 }
@@ -261,15 +269,16 @@ std::optional<int> KRMCOMM::BytesToSend() {
       return serial_.OutBufferCount();
     }
   } catch (const SerialError& error) {
-    Interrupt("Serial line lost", error.what());
+    Interrupt(LinkError::kLost, "Serial line lost", error.what());
   }
   return std::nullopt;
 }
 
-void KRMCOMM::Interrupt(std::string_view words, std::string cause) {
+void KRMCOMM::Interrupt(LinkError error, std::string_view message, std::string cause) {
   interrupted_ = true;
   KRM_ImmediateClose();
-  err_msg_ = words;
+  err_msg_ = message;
+  error_ = error;
   failure_cause_ = std::move(cause);
 }
 

@@ -26,13 +26,15 @@ inline constexpr char ETB = 0x17;  // command: set 2400 baud
 inline constexpr char CAN = 0x18;  // command: set 9600 baud
 inline constexpr char EM = 0x19;   // command: set 19200 baud
 inline constexpr char FS = 0x1C;   // command: send all of memory
-inline constexpr char US = 0x1F;   // closes every reply
+inline constexpr char US = 0x1F;   // ends every part of a reply
 
 }  // namespace vrx::KRMConst
 
 namespace vrx {
 
-// A timer that runs out once. Whoever waits asks it between two pumps and acts when it is due.
+class PrivateINI;
+
+// One-shot timer, polled between two calls of Pump().
 class OneShotTimer {
  public:
   explicit OneShotTimer(Milliseconds interval) : interval_(interval) {}
@@ -40,16 +42,18 @@ class OneShotTimer {
   // Takes effect at the next Enable.
   void SetInterval(Milliseconds interval) { interval_ = interval; }
 
-  // Starts the full interval, also while it is running.
+  // Starts or restarts the full interval.
   void Enable(Milliseconds now) {
     end_ = now + interval_;
     enabled_ = true;
   }
   void Disable() { enabled_ = false; }
 
-  bool Enabled() const { return enabled_; }
-  bool Due(Milliseconds now) const { return enabled_ && now >= end_; }
-  Milliseconds Left(Milliseconds now) const { return std::max(Milliseconds{0}, end_ - now); }
+  [[nodiscard]] bool Enabled() const { return enabled_; }
+  [[nodiscard]] bool Due(Milliseconds now) const { return enabled_ && now >= end_; }
+  [[nodiscard]] Milliseconds Left(Milliseconds now) const {
+    return std::max(Milliseconds{0}, end_ - now);
+  }
 
  private:
   Milliseconds interval_;
@@ -65,112 +69,111 @@ inline constexpr std::string_view kTransactionMark = "{BAT/FED}";
 inline constexpr std::string_view kRecipeMark = "{DATA_IN}";
 inline constexpr std::string_view kReportMark = "{REPORT}";
 
-// Where a file lies in the transfer block.
+// Place of a file in the transfer block.
 struct FileAttributes {
   DataFileType type = DataFileType::kUnknown;
-  int position = 0;  // of its first character, from 1
-  int length = 0;
+  int position = 0;  // of the first character, from 1
+  int length = 0;    // characters
 };
 
-// A block with more files than the table holds. The first kMaxDataFiles are cut and may be used.
+// A block has more files than the table holds. The first kMaxDataFiles files are valid.
 class TooManyFilesError : public Error {
  public:
   using Error::Error;
 };
 
-// "Transaction File", "Recipe Backup File", "Text Report"; empty for another type.
-std::string_view DataFileTypeName(DataFileType type);
+// "Transaction File", "Recipe Backup File", "Text Report"; empty for any other type.
+[[nodiscard]] std::string_view DataFileTypeName(DataFileType type);
 
-inline constexpr char FF = 0x0C;   // alternative start mark of a report file
-inline constexpr char DC4 = 0x14;  // command: clear memory
-inline constexpr char NAK = 0x15;  // command: send memory contents
-inline constexpr char SYN = 0x16;  // command: set 1200 baud
-inline constexpr char ETB = 0x17;  // command: set 2400 baud
-inline constexpr char CAN = 0x18;  // command: set 9600 baud
-inline constexpr char EM = 0x19;   // command: set 19200 baud
-inline constexpr char FS = 0x1C;   // command: send all of memory
-inline constexpr char US = 0x1F;   // closes every reply
+// What kind of failure KRM_FailureCause describes.
+enum class LinkError {
+  kNone,      // no failure, or the program is closing
+  kTimeout,   // no reply, or an incomplete one
+  kHeld,      // the line took no byte for 10 seconds: an XOFF, or a device that does not read
+  kLost,      // the line is gone, or the port was closed during the operation
+  kProtocol,  // the reply does not belong to the command
+  kRefused,   // the platform or the protocol does not accept a setting, or the port does not open
+};
 
-class PrivateINI;
-
-// Owns the serial port. Everything said to the data module or the indicator passes through it. The
-// link is half-duplex and polled: one command, its reply, the next. The public state bears the
-// names of the design: GB_ boolean, GS_ bytes, GL_ whole number.
+// Owns the serial port. All communication with the data module and the indicator passes through it.
+// The link is half-duplex and polled: one command, its reply, the next. The names of the public
+// state are fixed by the design: GB_ boolean, GS_ bytes, GL_ whole number.
 //
-// No operation throws for what happens on the line: it returns false, GS_KRM_ErrMsg has the told
-// words, KRM_FailureCause what lies behind them. Every wait pumps events, so a handler may run
-// another operation inside it; the outer one then fails rather than take the other's reply. A wait
-// ends at once when the line is gone or the program is closing, and a transmission when the line
-// has taken no byte for 10 seconds: the port is closed then, and the next command opens it anew.
+// No operation throws for a failure of the line. It returns false; GS_KRM_ErrMsg has the specified
+// text, KRM_FailureCause the cause and KRM_Error its kind. Every wait pumps events, so a handler
+// may run another operation inside it; the outer operation then fails and leaves the reply to the
+// inner one. A wait ends at once if the line is lost or the program is closing, and a transmission
+// if the line takes no byte for 10 seconds. The port is closed then, and the next command reopens
+// it.
 class KRMCOMM {
  public:
   KRMCOMM(SerialControl& serial, EventPump& pump, Operator& op, const PrivateINI& settings);
 
-  // Who uses the line. What an operator starts takes it first; KRMCOMM itself does not ask.
-  LineGuard& Guard() { return guard_; }
+  // Callers claim the line here before they start an operation; KRMCOMM does not check it.
+  [[nodiscard]] LineGuard& Guard() { return guard_; }
 
-  // Raises DTR and gives the module 1000 ms to wake. False: the wait was cut short.
+  // Raises DTR and waits 1000 ms for the module to wake. Returns false if the wait was interrupted.
   bool KRM_AssertDTR();
   // Lowers DTR and waits 500 ms.
   void KRM_DeAssertDTR();
-  // Closes in order, with the wait of KRM_DeAssertDTR.
+  // Closes the port, then lowers DTR as KRM_DeAssertDTR does.
   void KRM_Close();
-  // Closes without any wait, for the end of the program.
+  // Closes without waiting, for the end of the program.
   void KRM_ImmediateClose();
 
   // The module's commands. Each takes at least 1500 ms.
-  bool KRM_OnlineCheck();  // tells the module the baud rate of the settings
+  bool KRM_OnlineCheck();  // sends the baud rate of the settings
   bool KRM_Clear();
-  bool KRM_SetBaud(std::int32_t baud);  // 1200, 2400, 9600 or 19200; another sends nothing
-  // The reply is left in GS_KRM_RxDBuffer, framing included, and with it the bytes that arrived
-  // within 250 ms after its last terminator: KRM_ExtractData judges them.
+  bool KRM_SetBaud(std::int32_t baud);  // 1200, 2400, 9600 or 19200; sends nothing for others
+  // Leave the reply with its framing in GS_KRM_RxDBuffer, followed by bytes that arrived within
+  // 250 ms after its last terminator. KRM_ExtractData checks them.
   bool KRM_Dump();
   bool KRM_DumpAll();
   bool KRM_Download(std::string_view text);  // true once the last byte has left the port
 
-  // Adds to GS_KRM_RxDBuffer what arrived after a dump while DTR was released. Many bytes are the
-  // rest of data that has a terminator inside.
+  // Appends bytes to GS_KRM_RxDBuffer that arrived after a dump while DTR was low. Many such bytes
+  // mean that the data itself contains a terminator.
   void KRM_TakeUnread();
 
-  // The data between the two terminators of a reply; empty, with GS_KRM_ErrMsg set, for a reply
-  // without exactly two, with nothing between them, or with more than 16 bytes after the second.
-  std::string KRM_ExtractData(std::string_view reply);
+  // Returns the data between the two terminators of a reply. Returns an empty text and sets
+  // GS_KRM_ErrMsg if there are not exactly two, nothing is between them, or more than 16 bytes
+  // follow the second.
+  [[nodiscard]] std::string KRM_ExtractData(std::string_view reply);
 
-  // Cuts a block into files and returns their number. Throws TooManyFilesError.
+  // Splits a block into files and returns their number. Throws TooManyFilesError.
   int KRM_ExtractFiles(std::string_view block);
   void KRM_ClearFileAttributes();
 
-  // Files count from 1 to 99, attributes from 1 to 3 (type, position, length); others throw Error.
-  // An entry beyond the last file is all 0.
+  // Files are numbered from 1 to 99, attributes from 1 to 3 (type, position, length); other numbers
+  // throw Error. All attributes after the last file are 0.
   const FileAttributes& GL_KRM_FileAttributes(int file) const;
   std::int32_t GL_KRM_FileAttributes(int file, int attribute) const;
 
-  // The PC's image of module memory. All but the appending transmit, beep when the bytes are out,
-  // and tell the operator when they are not, unless the program is closing. False when they are
-  // not.
-  bool KRM_ClearVirtualMemory();
+  // The PC's image of the module memory. Appending sends nothing. The others send the answer of a
+  // module and beep on success; on failure they return false after a message, which is omitted
+  // while the program is closing.
   void KRM_AppendToVirtualMemory(std::string_view text);
+  bool KRM_ClearVirtualMemory();
   bool KRM_DumpVirtualMemory();
   bool KRM_DumpAllVirtualMemory();
 
-  // The direct connection, where the PC answers as the module does. Opens without flow control:
-  // every byte is data or a command.
+  // Direct connection, in which the PC answers as a module does. Opens the port without flow
+  // control, because every byte is data or a command.
   bool KRM_DirectOpen();
-  // One reception: waits without limit for a first byte, then until the line was silent for 250 ms.
-  // The burst is left in GS_KRM_RxDBuffer, its length in GL_KRM_RxDCount. A port that somebody
-  // closes brings nothing, and the wait goes on until GB_KRM_AbortDirectConnect ends it; an abort
-  // leaves nothing of the burst. False when the line is gone or the program is closing: what had
-  // arrived is left in the buffer, GS_KRM_ErrMsg says which.
+  // Receives one burst: waits without limit for the first byte, then until the line is silent for
+  // 250 ms. Leaves the burst in GS_KRM_RxDBuffer and its length in GL_KRM_RxDCount. If the port is
+  // closed meanwhile, the wait continues until GB_KRM_AbortDirectConnect is set; an abort discards
+  // the burst. Returns false if the line is lost or the program is closing; the buffer then has the
+  // bytes so far, and GS_KRM_ErrMsg the reason.
   bool KRM_DirectRxD();
 
-  // What lies behind the last failure: the platform's words, or ours where it has none ("no
-  // reply"). Empty after a command that went well.
-  const std::string& KRM_FailureCause() const { return failure_cause_; }
+  // Cause of the last failure: the platform's message, or ours if it has none ("no reply"). Empty
+  // after a successful command.
+  [[nodiscard]] const std::string& KRM_FailureCause() const { return failure_cause_; }
+  [[nodiscard]] LinkError KRM_Error() const { return error_; }
+  [[nodiscard]] bool KRM_LineHeld() const { return error_ == LinkError::kHeld; }
 
-  // The last command failed because the line took no byte for 10 seconds.
-  bool KRM_LineHeld() const { return line_held_; }
-
-  // Get and let.
+  // Getters and setters of the public state.
   bool GB_KRM_DelayComplete() const { return delay_complete_; }
   void GB_KRM_DelayComplete(bool value) { delay_complete_ = value; }
   bool GB_KRM_RxDWaiting() const { return rxd_waiting_; }
@@ -209,11 +212,14 @@ class KRMCOMM {
   bool Receive(int count, std::string& buffer);
   void ReceiveBurst(std::string& burst);
 
-  // False once a wait was cut short, until the next opening.
+  void SetFailure(LinkError error, std::string cause);
+
+  // False after an interruption, until the port is opened again.
   bool GoesOn();
-  // Nothing when the wait is to end.
+  // Nothing if the wait must end.
   std::optional<int> BytesToSend();
-  void Interrupt(std::string_view words, std::string cause);
+  // Closes the port and makes all pending waits fail.
+  void Interrupt(LinkError error, std::string_view message, std::string cause);
   bool LineGone();
   template <typename Step>
   bool Try(Step step);
@@ -247,9 +253,8 @@ class KRMCOMM {
   std::array<FileAttributes, kMaxDataFiles> file_attributes_{};
 
   LineGuard guard_;
-  // Since the last opening, by a lost line, a held line or the end of the program.
-  bool interrupted_ = false;
-  bool line_held_ = false;
+  bool interrupted_ = false;  // since the last opening
+  LinkError error_ = LinkError::kNone;
   std::string failure_cause_;
 };
 

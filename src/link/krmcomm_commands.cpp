@@ -1,9 +1,11 @@
+#include <algorithm>
+#include <array>
+
 #include "base/number.h"
 #include "link/krmcomm.h"
 #include "settings/settings.h"
 
 namespace vrx {
-
 namespace {
 
 struct BaudCommand {
@@ -15,6 +17,7 @@ constexpr std::array kBaudCommands{
     BaudCommand{1200, KRMConst::SYN}, BaudCommand{2400, KRMConst::ETB},
     BaudCommand{9600, KRMConst::CAN}, BaudCommand{19200, KRMConst::EM}};
 
+// How long bytes after a complete reply are collected.
 constexpr Milliseconds kStrayTime{250};
 
 }  // namespace
@@ -33,7 +36,7 @@ bool KRMCOMM::KRM_SetBaud(std::int32_t baud) {
     const auto* const command = std::find_if(kBaudCommands.begin(), kBaudCommands.end(),
                                              [baud](const auto& c) { return c.baud == baud; });
     if (command == kBaudCommands.end()) {
-      failure_cause_ = "the module has no baud rate " + std::to_string(baud);
+      SetFailure(LinkError::kRefused, "the module has no baud rate " + std::to_string(baud));
       return false;
     }
     confirmed = AskForEcho(command->code);
@@ -44,19 +47,19 @@ bool KRMCOMM::KRM_SetBaud(std::int32_t baud) {
 
 bool KRMCOMM::KRM_Dump() {
   bool dumped = false;
-  std::string_view words;
+  std::string_view message;
   if (!KRM_Open()) {
-    words = "Open failed";
+    message = "Open failed";
   } else if (!KRM_SendByte(KRMConst::NAK)) {
-    words = "<NAK> command failed";
+    message = "<NAK> command failed";
   } else if (!KRM_WaitForTerminators(2)) {
-    words = "Command response failed";
+    message = "Command response failed";
   } else {
     dumped = TakeDump(KRMConst::NAK);
   }
-  // What cut a wait short has words of its own.
-  if (!words.empty() && !interrupted_) {
-    err_msg_ = words;
+  // An interruption has set its own message.
+  if (!message.empty() && !interrupted_) {
+    err_msg_ = message;
   }
   KRM_DeAssertDTR();
   return dumped;
@@ -77,7 +80,7 @@ bool KRMCOMM::TakeDump(char code) {
   return true;
 }
 
-// Waits them out: what is data, and what is noise on the line, shows only after a while.
+// Waits for stray bytes: only their number distinguishes data from noise on the line.
 void KRMCOMM::TakeStrays() {
   OneShotTimer window(kStrayTime);
   window.Enable(pump_.Now());
@@ -91,7 +94,7 @@ void KRMCOMM::TakeStrays() {
       pump_.Pump(window.Left(now));
     }
   } catch (const SerialError& error) {
-    Interrupt("Serial line lost", error.what());  // the reply is complete all the same
+    Interrupt(LinkError::kLost, "Serial line lost", error.what());  // the reply is complete anyway
   }
 }
 
@@ -101,7 +104,7 @@ void KRMCOMM::KRM_TakeUnread() {
       rxd_buffer_ += serial_.Input();
     }
   } catch (const SerialError&) {
-    // A line that is gone brings no more.
+    // A lost line has no more bytes.
   }
 }
 
@@ -112,7 +115,7 @@ bool KRMCOMM::AskForEcho(char code) {
     return false;
   }
   if (rxd_buffer_ != std::string{code, KRMConst::US}) {
-    failure_cause_ = "unexpected reply";
+    SetFailure(LinkError::kProtocol, "unexpected reply");
     return false;
   }
   return true;
@@ -120,7 +123,7 @@ bool KRMCOMM::AskForEcho(char code) {
 
 bool KRMCOMM::ReplyBeginsWith(char code) {
   if (rxd_buffer_.front() != code) {
-    failure_cause_ = "unexpected reply";
+    SetFailure(LinkError::kProtocol, "unexpected reply");
     return false;
   }
   return true;

@@ -1,11 +1,10 @@
 #include <algorithm>
+#include <array>
 
-#include "base/text.h"
 #include "link/krmcomm.h"
 #include "settings/settings.h"
 
 namespace vrx {
-
 namespace {
 
 struct TypeOfFile {
@@ -20,7 +19,7 @@ constexpr std::array kTypesOfFile{
     TypeOfFile{DataFileType::kReport, kReportMark, "Text Report"},
 };
 
-// Bytes after a reply that are taken for noise on the line.
+// More bytes than this after a reply are data, not noise on the line.
 constexpr std::size_t kMostStrays = 16;
 
 DataFileType TypeAt(std::string_view text) {
@@ -33,8 +32,9 @@ DataFileType TypeAt(std::string_view text) {
   return found == kTypesOfFile.end() ? DataFileType::kUnknown : found->type;
 }
 
+// Ends a burst of the direct connection.
 constexpr Milliseconds kSilence{250};
-// A wait for the first byte is made of these.
+// Pump needs a limit; the wait for the first byte has none and repeats this one.
 constexpr Milliseconds kLongWait = std::chrono::hours{1};
 
 }  // namespace
@@ -152,7 +152,7 @@ bool KRMCOMM::KRM_DirectRxD() {
   try {
     ReceiveBurst(burst);
   } catch (const SerialError& error) {
-    Interrupt("Serial line lost", error.what());
+    Interrupt(LinkError::kLost, "Serial line lost", error.what());
   }
   tim_rxd_timeout_.Disable();
   if (abort_direct_connect_) {
@@ -166,7 +166,7 @@ bool KRMCOMM::KRM_DirectRxD() {
   return !interrupted_;
 }
 
-// The interval of 250 ms stays for the receptions to come: it is never set back.
+// The interval of 250 ms remains for all later receptions; it is never reset.
 void KRMCOMM::ReceiveBurst(std::string& burst) {
   while (!abort_direct_connect_) {
     const Milliseconds now = pump_.Now();

@@ -25,7 +25,7 @@ LineGuard::Watch LineGuard::OnChange(std::function<void()> changed) {
 void LineGuard::Set(bool LineGuard::*flag, bool value) {
   this->*flag = value;
   std::erase_if(watchers_, [](const auto& watcher) { return watcher.expired(); });
-  // A copy: a watcher may add another one.
+  // Iterates over a copy, because a watcher may add another one.
   for (const auto& watcher : std::vector(watchers_)) {
     if (const auto call = watcher.lock()) {
       (*call)();

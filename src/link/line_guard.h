@@ -6,11 +6,11 @@
 
 namespace vrx {
 
-// Says who uses the serial line. Only one command may use it at a time: an upload, a download, a
-// test, a clear, a baud rate, or the direct connection with the transmissions inside it.
+// Records who uses the serial line. Only one operation may use it at a time: a command (upload,
+// download, test, clear, baud rate) or the direct connection with its transmissions.
 class LineGuard {
  public:
-  // The line belongs to the owner of a Hold until the Hold is destroyed. The guard outlives it.
+  // The owner of a Hold has the line until the Hold is destroyed. The guard must outlive it.
   class Hold {
    public:
     Hold(LineGuard& guard, bool LineGuard::*flag) : guard_(guard), flag_(flag) {
@@ -26,18 +26,18 @@ class LineGuard {
   };
   using Claim = std::unique_ptr<Hold>;
 
-  // Each returns null while the line is in use, and the caller then does nothing.
+  // These return null if the line is in use; the caller must not use it then.
   [[nodiscard]] Claim TakeForCommand();
   [[nodiscard]] Claim TakeForDirectConnection();
-  // For what the PC transmits inside a direct connection.
+  // For a transmission inside a direct connection.
   [[nodiscard]] Claim TakeForTransmission();
 
-  bool Free() const { return !command_ && !direct_ && !transmission_; }
-  bool Direct() const { return direct_; }
-  // A command or a transmission runs: it ends by itself within seconds, or within minutes.
-  bool AtWork() const { return command_ || transmission_; }
+  [[nodiscard]] bool Free() const { return !command_ && !direct_ && !transmission_; }
+  [[nodiscard]] bool Direct() const { return direct_; }
+  // A command or a transmission is running. It ends by itself within seconds or minutes.
+  [[nodiscard]] bool AtWork() const { return command_ || transmission_; }
 
-  // Calls `changed` after each change, until the returned object is destroyed. The guard may be
+  // Calls `changed` after each change until the returned object is destroyed. The guard may be
   // destroyed first.
   using Watch = std::shared_ptr<void>;
   [[nodiscard]] Watch OnChange(std::function<void()> changed);

@@ -14,7 +14,7 @@ namespace {
 namespace fs = std::filesystem;
 using std::chrono::seconds;
 
-constexpr std::size_t kMostRescued = std::size_t{16} * 1024 * 1024;
+constexpr std::size_t kMostRescued = std::size_t{16} * 1024 * 1024;  // bytes
 constexpr std::string_view kTitle = "Rescue File";
 
 std::string NameAt(std::chrono::local_seconds moment) {

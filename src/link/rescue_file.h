@@ -10,24 +10,23 @@
 
 namespace vrx {
 
-// Bytes that an indicator sent and that could not be saved as data files, raw in a file of their
-// own.
+// A rescue file holds the raw bytes that an indicator sent and that could not be saved as data
+// files.
 
-// True for a name that ends in .KRM, in either case.
-bool IsRescueFile(const std::filesystem::path& path);
+// True for the extension .KRM in any case.
+[[nodiscard]] bool IsRescueFile(const std::filesystem::path& path);
 
-// Throws FileError, also for a file far longer than any memory.
-std::string ReadRescueFile(const std::filesystem::path& path);
+// Throws FileError, also for a file longer than 16 MiB, far more than any memory.
+[[nodiscard]] std::string ReadRescueFile(const std::filesystem::path& path);
 
-// Writes RESCUE-YYYYMMDD-HHMMSS.KRM into the first of the folders that takes it, or else into the
-// temporary folder, and returns its path. A folder that is missing is made; an empty path is
-// skipped. A name that is taken gets a later second. Throws FileError with the reason of each
-// folder when none takes it.
+// Writes RESCUE-YYYYMMDD-HHMMSS.KRM to the first folder where that succeeds, with the temporary
+// folder as the last, and returns its path. Missing folders are created, empty paths skipped. If
+// the name exists, later seconds are tried. If all folders fail, throws FileError with all reasons.
 std::filesystem::path WriteRescueFile(std::string_view bytes,
                                       const std::vector<std::filesystem::path>& folders,
                                       const LocalTime& now);
 
-// Writes the file and shows its path, or why it could not be written. False in that case.
+// Writes the file and shows a message with its path, or with the error; returns false then.
 bool RescueReceived(std::string_view bytes, const std::vector<std::filesystem::path>& folders,
                     const LocalTime& now, Operator& op);
 

@@ -20,7 +20,7 @@ using ::testing::SizeIs;
 constexpr Milliseconds kWake{1000};
 constexpr Milliseconds kLimit{10'000};
 
-// A line that takes no more bytes: an XOFF came, or the device does not read.
+// A line that takes no more bytes because of an XOFF or because the device does not read.
 class HeldLineTest : public LinkFixture {
  protected:
   void Release() { serial.hold_after_output = std::numeric_limits<std::size_t>::max(); }
@@ -49,7 +49,7 @@ TEST_F(HeldLineTest, EachCommandFailsAfterTenSecondsAndClosesThePort) {
   }
 }
 
-TEST_F(HeldLineTest, TheNextCommandOpensThePortAnew) {
+TEST_F(HeldLineTest, TheNextCommandReopensThePort) {
   serial.hold_after_output = 0;
   EXPECT_FALSE(krm.KRM_Clear());
   Release();
@@ -59,7 +59,7 @@ TEST_F(HeldLineTest, TheNextCommandOpensThePortAnew) {
   EXPECT_THAT(serial.TimesOf("open"), SizeIs(2));
 }
 
-TEST_F(HeldLineTest, EachByteThatLeavesStartsTheLimitAnew) {
+TEST_F(HeldLineTest, EachByteThatLeavesRestartsTheLimit) {
   serial.per_byte = Ms{9'000};
   EXPECT_TRUE(krm.KRM_Download("abc"));
   EXPECT_GE(pump.Now(), Ms{27'000});
@@ -74,7 +74,7 @@ TEST_F(HeldLineTest, ATransmissionThatIsHeldInItsMiddleFails) {
   EXPECT_EQ(serial.sent.size(), 2048U);
 }
 
-TEST_F(HeldLineTest, AnUploadSaysThatTheLineIsHeld) {
+TEST_F(HeldLineTest, AnUploadReportsThatTheLineIsHeld) {
   serial.hold_after_output = 0;
   Upload upload(krm, tab, pump, op, settings);
   upload.UploadDataFromKRM();
@@ -85,7 +85,7 @@ TEST_F(HeldLineTest, AnUploadSaysThatTheLineIsHeld) {
   EXPECT_FALSE(op.busy);
 }
 
-TEST_F(HeldLineTest, AnUploadHeldAtItsDumpSaysSo) {
+TEST_F(HeldLineTest, AnUploadHeldAtItsDumpReportsIt) {
   serial.hold_after_output = 1;
   serial.WillAnswer(kEcho19200);
   Upload upload(krm, tab, pump, op, settings);
@@ -94,7 +94,7 @@ TEST_F(HeldLineTest, AnUploadHeldAtItsDumpSaysSo) {
   EXPECT_THAT(op.boxes, IsEmpty());
 }
 
-TEST_F(HeldLineTest, ADownloadSaysThatTheLineIsHeld) {
+TEST_F(HeldLineTest, ADownloadReportsThatTheLineIsHeld) {
   for (const std::size_t taken : {0U, 1U, 2U}) {
     serial.hold_after_output = serial.sent.size() + taken;
     for (const std::string& echo : {kEcho19200, kEchoClear}) {
@@ -108,7 +108,7 @@ TEST_F(HeldLineTest, ADownloadSaysThatTheLineIsHeld) {
   }
 }
 
-// Entering takes 500 ms.
+// Opening the direct connection takes 500 ms.
 class HeldAnswerTest : public HeldLineTest {
  protected:
   void ArriveAfter(Ms delay, const std::string& bytes) {
@@ -121,7 +121,7 @@ class HeldAnswerTest : public HeldLineTest {
   DirectConnection direct{krm, tab, pump, op, settings};
 };
 
-TEST_F(HeldAnswerTest, IsToldAndTheConnectionGoesOnWithThePortOpenedAnew) {
+TEST_F(HeldAnswerTest, IsReportedAndTheConnectionContinuesOnAReopenedPort) {
   ArriveAfter(Ms{100}, "abc\x15");
   serial.hold_after_output = 0;
   pump.After(Ms{15'000}, [this] { Release(); });
@@ -140,7 +140,7 @@ TEST_F(HeldAnswerTest, IsToldAndTheConnectionGoesOnWithThePortOpenedAnew) {
   EXPECT_TRUE(direct.AnswerFailed());
 }
 
-TEST_F(HeldAnswerTest, OfALoadGoesOnToo) {
+TEST_F(HeldAnswerTest, OfALoadContinuesToo) {
   serial.hold_after_output = 0;
   pump.After(Ms{1000}, [this] { EXPECT_FALSE(direct.LoadMemory("{DATA_IN}")); });
   pump.After(Ms{15'000}, [this] { Release(); });
@@ -151,7 +151,7 @@ TEST_F(HeldAnswerTest, OfALoadGoesOnToo) {
   EXPECT_EQ(serial.blocks.back(), "\x15\x1F{DATA_IN}\x1F");
 }
 
-TEST_F(HeldAnswerTest, EndsTheConnectionWhenThePortCannotBeOpenedAnew) {
+TEST_F(HeldAnswerTest, EndsTheConnectionWhenThePortCannotBeReopened) {
   ArriveAfter(Ms{100}, "\x15");
   serial.hold_after_output = 0;
   pump.After(Ms{5000}, [this] { serial.failing_property = "PortOpen"; });
@@ -170,7 +170,7 @@ TEST_F(HeldAnswerTest, EndsWithoutAnotherBoxWhenTheOperatorLeaves) {
   EXPECT_FALSE(direct.AnswerFailed());
 }
 
-// Whatever made it fail.
+// For any cause of the failure.
 TEST_F(HeldAnswerTest, AFailedAnswerIsNotReportedAsTransmitted) {
   for (const std::string command : {"\x15", "\x1C", "\x14"}) {
     op.status_lines.clear();
@@ -178,7 +178,7 @@ TEST_F(HeldAnswerTest, AFailedAnswerIsNotReportedAsTransmitted) {
     pump.After(Ms{1000}, [this] { serial.failing_property = "Output"; });
     pump.After(Ms{4000}, [this] { serial.failing_property = ""; });
     LeaveAfter(Ms{6000});
-    op.answers = {Answer::kYes};  // to clearing the memory
+    op.answers = {Answer::kYes};  // to the question whether to clear the memory
     direct.ConnectIndicator();
     EXPECT_THAT(op.status_lines, Contains(HasSubstr("the answer failed.")));
     EXPECT_THAT(op.status_lines, Not(Contains(HasSubstr("transmitted"))));

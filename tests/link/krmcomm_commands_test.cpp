@@ -17,7 +17,7 @@ TEST_F(KrmcommCommands, ClearIsEchoed) {
   EXPECT_EQ(krm.GS_KRM_ErrMsg(), "");
 }
 
-TEST_F(KrmcommCommands, ClearWithAStrayByteAheadFailsWithoutMessage) {
+TEST_F(KrmcommCommands, ClearWithAStrayByteBeforeTheEchoFailsWithoutMessage) {
   serial.WillAnswer("x\x14\x1F");
   EXPECT_FALSE(krm.KRM_Clear());
   EXPECT_EQ(krm.GS_KRM_ErrMsg(), "");
@@ -26,7 +26,7 @@ TEST_F(KrmcommCommands, ClearWithAStrayByteAheadFailsWithoutMessage) {
   EXPECT_FALSE(serial.dtr);
 }
 
-TEST_F(KrmcommCommands, ClearWithAByteBehindTheEchoFails) {
+TEST_F(KrmcommCommands, ClearWithAByteAfterTheEchoFails) {
   serial.WillAnswer("\x14\x1Fx");
   EXPECT_FALSE(krm.KRM_Clear());
   EXPECT_EQ(krm.GS_KRM_ErrMsg(), "");
@@ -98,7 +98,7 @@ TEST_F(KrmcommCommands, DumpThatDoesNotBeginWithNakFailsWithoutMessage) {
   EXPECT_EQ(krm.GS_KRM_ErrMsg(), "");
 }
 
-TEST_F(KrmcommCommands, DumpTellsItsFailuresInItsOwnWords) {
+TEST_F(KrmcommCommands, DumpReportsItsFailuresInItsOwnWords) {
   serial.failing_property = "PortOpen";
   EXPECT_FALSE(krm.KRM_Dump());
   EXPECT_EQ(krm.GS_KRM_ErrMsg(), "Open failed");
@@ -132,7 +132,7 @@ TEST_F(KrmcommCommands, DumpAllPassesOnWhatTheStagesLeft) {
   EXPECT_EQ(krm.GS_KRM_ErrMsg(), "");
 }
 
-// The release runs where the sending fails and once more where the command ends.
+// DTR is released after the failed transmission and again at the end of the command.
 TEST_F(KrmcommCommands, RefusedByteReleasesTwice) {
   serial.failing_property = "Output";
   EXPECT_EQ(TimeOf([&] { EXPECT_FALSE(krm.KRM_Clear()); }), Ms{1000 + 500 + 500});

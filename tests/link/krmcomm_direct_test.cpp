@@ -7,7 +7,7 @@
 namespace vrx::testing {
 namespace {
 
-// One reception on an open port; times count from its beginning.
+// One reception on an open port. Times start with the reception.
 class DirectReception : public LinkFixture {
  protected:
   void SetUp() override { ASSERT_TRUE(krm.KRM_DirectOpen()); }

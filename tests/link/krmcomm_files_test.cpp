@@ -11,7 +11,7 @@ using ::testing::HasSubstr;
 
 class ExtractData : public LinkFixture {};
 
-TEST_F(ExtractData, IsWhatStandsBetweenTheTerminators) {
+TEST_F(ExtractData, IsTheTextBetweenTheTerminators) {
   krm.GS_KRM_ErrMsg("before");
   EXPECT_EQ(krm.KRM_ExtractData("\x15\x1F"
                                 "data\x1F"
@@ -83,22 +83,22 @@ TEST_F(ExtractFiles, EachFormFeedStartsAPage) {
   ExpectFile(3, DataFileType::kReport, 6, 6);
 }
 
-TEST_F(ExtractFiles, TextAheadOfTheFirstMarkBelongsToNoFile) {
+TEST_F(ExtractFiles, TextBeforeTheFirstMarkBelongsToNoFile) {
   EXPECT_EQ(krm.KRM_ExtractFiles("noise{REPORT}x"), 1);
   ExpectFile(1, DataFileType::kReport, 6, 9);
 }
 
-TEST_F(ExtractFiles, BraceWithoutAnIdentifierStartsNone) {
+TEST_F(ExtractFiles, BraceWithoutAnIdentifierStartsNoFile) {
   EXPECT_EQ(krm.KRM_ExtractFiles("{BAT/FED} {x} {{REPORT {report} {"), 1);
   ExpectFile(1, DataFileType::kTransaction, 1, 33);
 }
 
-TEST_F(ExtractFiles, MarkBehindABraceStartsOne) {
+TEST_F(ExtractFiles, MarkAfterABraceStartsAFile) {
   EXPECT_EQ(krm.KRM_ExtractFiles("{{REPORT}"), 1);
   ExpectFile(1, DataFileType::kReport, 2, 8);
 }
 
-TEST_F(ExtractFiles, UnknownTextHasNone) {
+TEST_F(ExtractFiles, UnknownTextHasNoFiles) {
   krm.KRM_ExtractFiles("{REPORT}");
   EXPECT_EQ(krm.KRM_ExtractFiles("only unknown text {DATA_IN"), 0);
   ExpectFile(1, DataFileType::kUnknown, 0, 0);
@@ -148,7 +148,7 @@ TEST_F(ExtractFiles, AttributesOutOfRangeAreRefused) {
   EXPECT_EQ(krm.GL_KRM_FileAttributes(99, 3), 0);
 }
 
-// The files laid end to end are the block from its first mark on.
+// The concatenated files are the block from its first mark on.
 TEST_F(ExtractFiles, FilesCoverTheBlockFromTheFirstMarkOn) {
   const std::vector<std::string> pieces = {"{BAT/FED}", "{DATA_IN}", "{REPORT}", "\f", "{",
                                            "{DATA",     "text\r\n",  "}",        "{{"};

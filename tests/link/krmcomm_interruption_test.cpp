@@ -18,8 +18,8 @@ class KrmcommInterruption : public LinkFixture {
     EXPECT_FALSE(krm.GB_KRM_CommPortOpen());
   }
 
-  // The moments of a command: while the module wakes, while the reply is awaited, in its middle.
-  // (The release comes after the result.)
+  // Times within a command: while the module wakes, before the reply, in the middle of the reply.
+  // The release of DTR is after the result.
   static constexpr std::array kMoments{Milliseconds{0}, Milliseconds{500}, Milliseconds{1100},
                                        Milliseconds{2500}};
   static FakeSerialControl::Answer HalfAReply() { return {{Ms{200}, "\x15\x1F half"}}; }
@@ -90,7 +90,7 @@ TEST_F(KrmcommInterruption, ClosingEndsTheWaitOfAClose) {
   EXPECT_FALSE(serial.PortOpen());
 }
 
-TEST_F(KrmcommInterruption, NextCommandOpensAfresh) {
+TEST_F(KrmcommInterruption, NextCommandReopensThePort) {
   pump.After(Ms{1100}, [&] { serial.LoseLine(); });
   EXPECT_FALSE(krm.KRM_Dump());
   serial.WillAnswer(kEchoClear);
@@ -98,7 +98,7 @@ TEST_F(KrmcommInterruption, NextCommandOpensAfresh) {
   EXPECT_EQ(serial.TimesOf("open").size(), 2U);
 }
 
-TEST_F(KrmcommInterruption, LineLostBetweenCommandsIsOpenedAfresh) {
+TEST_F(KrmcommInterruption, LineLostBetweenCommandsIsReopened) {
   serial.WillAnswer(kEchoClear);
   EXPECT_TRUE(krm.KRM_Clear());
   serial.LoseLine();
@@ -151,7 +151,7 @@ TEST_F(KrmcommInterruption, LossAfterEveryBlockOfATransmission) {
   }
 }
 
-// A handler inside a wait may use the link too: the outer command fails, and nothing hangs.
+// A handler inside a wait may use the link: the outer command then fails, and nothing hangs.
 TEST_F(KrmcommInterruption, CloseInsideAReceptionEndsIt) {
   pump.After(Ms{1100}, [&] { krm.KRM_Close(); });
   EXPECT_FALSE(krm.KRM_Dump());

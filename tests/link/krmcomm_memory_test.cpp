@@ -7,7 +7,7 @@ namespace {
 
 using ::testing::HasSubstr;
 
-// The image answers on a line that is open already.
+// Answers out of the image on an open port.
 class VirtualMemory : public LinkFixture {
  protected:
   void SetUp() override {
@@ -62,20 +62,20 @@ TEST_F(VirtualMemory, SuccessBeepsOnlyWhenTheBeeperIsOn) {
   EXPECT_EQ(op.beeps, 0);
 }
 
-TEST_F(VirtualMemory, FailuresAreToldWithABeepInAnyCase) {
+TEST_F(VirtualMemory, FailuresAlwaysShowAMessageAndBeep) {
   settings.SetEnableBeeperOn(false);
   serial.failing_property = "Output";
   krm.KRM_DumpVirtualMemory();
   ExpectRefusal("Transmission of response to <NAK> command failed!");
 }
 
-TEST_F(VirtualMemory, FailedDumpAllIsTold) {
+TEST_F(VirtualMemory, FailedDumpAllIsReported) {
   serial.failing_property = "Output";
   krm.KRM_DumpAllVirtualMemory();
   ExpectRefusal("Transmission of response to <FS> command failed!");
 }
 
-TEST_F(VirtualMemory, FailedClearIsToldAndTheImageIsEmpty) {
+TEST_F(VirtualMemory, FailedClearIsReportedAndTheImageIsEmpty) {
   serial.failing_property = "Output";
   krm.KRM_ClearVirtualMemory();
   ExpectRefusal("Transmission of response to <DC4> command failed!");

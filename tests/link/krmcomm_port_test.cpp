@@ -14,7 +14,7 @@ using ::testing::IsEmpty;
 
 class KrmcommPort : public LinkFixture {};
 
-TEST_F(KrmcommPort, OpensWithTheToldProperties) {
+TEST_F(KrmcommPort, OpensWithTheSpecifiedProperties) {
   serial.WillAnswer(kEchoClear);
   EXPECT_TRUE(krm.KRM_Clear());
   EXPECT_EQ(serial.in_buffer_size, 2048);
@@ -76,8 +76,8 @@ TEST_F(KrmcommPort, CloseShutsFirstAndWaitsHalfASecond) {
   EXPECT_EQ(serial.events.front().what, "close");
 }
 
-// A click inside the wait of the close.
-TEST_F(KrmcommPort, CommandDuringACloseOpensThePortAnew) {
+// For example by a click during the wait of KRM_Close.
+TEST_F(KrmcommPort, CommandDuringACloseReopensThePort) {
   krm.KRM_Download("");
   serial.WillAnswer(kEchoClear);
   bool cleared = false;
@@ -143,7 +143,7 @@ TEST_F(KrmcommPort, OpensAfterARefusal) {
   EXPECT_EQ(krm.KRM_FailureCause(), "");
 }
 
-TEST_F(KrmcommPort, FindsOpenPortInOtherHandsAndReopensIt) {
+TEST_F(KrmcommPort, ReopensAPortThatOtherCodeOpened) {
   serial.SetPortOpen(true);
   serial.WillAnswer(kEchoClear);
   EXPECT_TRUE(krm.KRM_Clear());
@@ -179,14 +179,14 @@ TEST_F(KrmcommSendString, CutsBlocksOf1024) {
   EXPECT_THAT(sizes(2500), ElementsAre(1024U, 1024U, 452U));
 }
 
-TEST_F(KrmcommSendString, SendsNoBlockBeforeTheOneAheadHasDrained) {
+TEST_F(KrmcommSendString, SendsABlockOnlyAfterThePreviousOneHasDrained) {
   serial.per_byte = Ms{1};
   EXPECT_TRUE(krm.KRM_Download(std::string(1500, 'x')));
   const auto out = serial.TimesOf("out");
   ASSERT_EQ(out.size(), 2U);
   EXPECT_EQ(out[0], Ms{1000});
   EXPECT_GE(out[1], Ms{2024});
-  EXPECT_LE(out[1], Ms{2029});  // one look at the counter later at the most
+  EXPECT_LE(out[1], Ms{2029});  // at most one poll of the counter later
   const auto released = serial.TimesOf("DTR off");
   ASSERT_EQ(released.size(), 1U);
   EXPECT_GE(released[0], out[1] + Ms{476 + 100});

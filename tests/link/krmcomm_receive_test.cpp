@@ -7,7 +7,7 @@
 namespace vrx::testing {
 namespace {
 
-// What a failed command takes beside its reception: 1000 ms ahead of it, 500 ms after.
+// Time of a failed command besides its reception: 1000 ms before it, 500 ms after it.
 constexpr Milliseconds kAround{1500};
 
 class KrmcommReceive : public LinkFixture {
@@ -80,7 +80,7 @@ TEST_F(KrmcommReceive, LateReplyIsDiscardedByTheNextCommand) {
   EXPECT_TRUE(krm.KRM_SetBaud(19200));
 }
 
-TEST_F(KrmcommReceive, BytesBehindTheLastTerminatorStayWhenTheyCameInTheSameChunk) {
+TEST_F(KrmcommReceive, BytesAfterTheLastTerminatorStayIfTheyCameInTheSameChunk) {
   serial.WillAnswer(
       "\x15\x1F"
       "data\x1F"
@@ -160,7 +160,7 @@ TEST_F(KrmcommReceive, CountsWhileItCollects) {
   EXPECT_EQ(krm.GL_KRM_RxDCount(), 11);
 }
 
-TEST_F(KrmcommReceive, LettingTheWaitingFlagFalseEndsIt) {
+TEST_F(KrmcommReceive, SettingTheWaitingFlagFalseEndsIt) {
   pump.After(Ms{1300}, [&] { krm.GB_KRM_RxDWaiting(false); });
   EXPECT_EQ(TimeOfDump(), Ms{1300 + 500});
   EXPECT_EQ(krm.GS_KRM_ErrMsg(), "Command response failed");

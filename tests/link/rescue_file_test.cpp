@@ -25,14 +25,14 @@ constexpr LocalTime kNow{
 
 class RescueFileTest : public ::testing::Test {
  protected:
-  // Something that no folder can be made of.
+  // A path at which no folder can be created.
   fs::path NoFolder(const std::string& name) { return folder.Write(name, "a file"); }
 
   TempFolder folder;
   RecordingOperator op;
 };
 
-TEST_F(RescueFileTest, BearsTheTimeAndHoldsTheBytes) {
+TEST_F(RescueFileTest, IsNamedByTheTimeAndHoldsTheBytes) {
   const std::string bytes("junk\0\x1F\xFF", 7);
   const fs::path path = WriteRescueFile(bytes, {folder / "asked/for"}, kNow);
   EXPECT_EQ(path, folder / "asked/for/RESCUE-20260309-070559.KRM");
@@ -43,7 +43,7 @@ TEST_F(RescueFileTest, BearsTheTimeAndHoldsTheBytes) {
   EXPECT_FALSE(IsRescueFile("x.RBU"));
 }
 
-TEST_F(RescueFileTest, NeverTakesThePlaceOfAnother) {
+TEST_F(RescueFileTest, NeverReplacesAnotherFile) {
   const fs::path first = WriteRescueFile("first", {folder.Path()}, kNow);
   const fs::path second = WriteRescueFile("second", {folder.Path()}, kNow);
   EXPECT_EQ(second.filename(), "RESCUE-20260309-070600.KRM");
@@ -51,12 +51,12 @@ TEST_F(RescueFileTest, NeverTakesThePlaceOfAnother) {
   EXPECT_EQ(ReadAll(second), "second");
 }
 
-TEST_F(RescueFileTest, GoesIntoTheFirstFolderThatTakesIt) {
+TEST_F(RescueFileTest, IsWrittenToTheFirstWritableFolder) {
   EXPECT_EQ(WriteRescueFile("x", {{}, NoFolder("a") / "b", folder / "data"}, kNow).parent_path(),
             folder / "data");
 }
 
-TEST_F(RescueFileTest, GoesIntoTheTemporaryFolderAtTheLast) {
+TEST_F(RescueFileTest, FallsBackToTheTemporaryFolder) {
   fs::create_directory(folder / "tmp");
   const Environment tmp("TMPDIR", (folder / "tmp").c_str());
   EXPECT_TRUE(RescueReceived("x", {NoFolder("a")}, kNow, op));
@@ -65,7 +65,7 @@ TEST_F(RescueFileTest, GoesIntoTheTemporaryFolderAtTheLast) {
   EXPECT_THAT(op.boxes[0].text, HasSubstr((folder / "tmp/RESCUE-20260309-070559.KRM").string()));
 }
 
-TEST_F(RescueFileTest, SaysWhyNoFolderTakesIt) {
+TEST_F(RescueFileTest, ReportsWhyEachFolderFailed) {
   const Environment tmp("TMPDIR", NoFolder("tmp").c_str());
   EXPECT_FALSE(RescueReceived("x", {NoFolder("a")}, kNow, op));
   ASSERT_THAT(op.boxes, SizeIs(1));
@@ -73,10 +73,10 @@ TEST_F(RescueFileTest, SaysWhyNoFolderTakesIt) {
   EXPECT_THAT(op.boxes[0].cause, HasSubstr((folder / "a").string()));
 }
 
-// What the Data Transfer tab holds of it.
+// Received data in the Data Transfer tab.
 class ReceivedDataTest : public LinkFixture {
  protected:
-  // The indicator sends bytes, one burst for each.
+  // The indicator sends each text as one burst.
   void Receive(const std::vector<std::string>& bursts) {
     Ms at{600};
     for (const std::string& burst : bursts) {
@@ -101,7 +101,7 @@ TEST_F(ReceivedDataTest, IsUnsavedUntilItsWholeBlockIsSaved) {
   EXPECT_FALSE(tab.received.Unsaved());
   Receive({"{REPORT}x"});
   EXPECT_TRUE(tab.received.Unsaved());
-  tab.received.BlockSaved();  // of something else
+  tab.received.BlockSaved();  // of other data
   EXPECT_TRUE(tab.received.Unsaved());
   Read();
   EXPECT_TRUE(tab.block_is_cut);
