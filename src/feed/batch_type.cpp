@@ -8,7 +8,6 @@
 #include "base/error.h"
 
 namespace vrx {
-
 namespace {
 
 constexpr RecipeInputs kRationTargetShown = {

@@ -7,7 +7,7 @@
 
 namespace vrx {
 
-// The three groups of inputs that a recipe has beside its lines.
+// Flags for the three groups of inputs of a recipe besides its lines.
 struct RecipeInputs {
   bool head_count = false;
   bool ration_target = false;
@@ -21,8 +21,7 @@ enum class LineEntry { kNone, kWeight, kPercent };
 // What a batch is scaled to.
 enum class BatchScale { kNone, kRationTarget, kHeadCount };
 
-// One item of the list of batch types. The list index is its place in the list; the code is what
-// `BatchType` stores.
+// One item of the list of batch types. The code is stored in the field `BatchType`.
 struct BatchType {
   std::string_view code;
   std::string_view list_text;
@@ -31,25 +30,25 @@ struct BatchType {
   RecipeInputs shown;
 };
 
-// In the order of the list. The first is no type yet: "!".
-std::span<const BatchType> BatchTypes();
+// In the order of the list. The first, "!", is a recipe without type.
+[[nodiscard]] std::span<const BatchType> BatchTypes();
 
-// The code of a list index; empty where the list has no such item.
-std::string_view GetBatchTypeCode(int list_index);
+// Code of a list index; empty if the list has no such item.
+[[nodiscard]] std::string_view GetBatchTypeCode(int list_index);
 
 // nullptr for an unknown code.
-const BatchType* FindBatchType(std::string_view code);
+[[nodiscard]] const BatchType* FindBatchType(std::string_view code);
 
-// The list by which a batch is adjusted, from "+20%" at index 0 to "-20%" at index 40.
+// The list for adjusting a batch, from "+20%" at index 0 to "-20%" at index 40. The field
 // `AdjBatTotIndex` stores the index, not the percentage.
 inline constexpr int kAdjustItemCount = 41;
 inline constexpr int kNoAdjustIndex = 20;
 
-// The whole-number value of an item, percent: 120 to 80. Throws Error for an index that the list
-// does not have.
+// Value of an item in percent, 120 to 80. Throws Error for an index outside the list, as
+// AdjustItemText does.
 std::int32_t AdjustItemValue(int index);
 
-// "+20%", "+ 9%", " 0%(no change)", "-10%". Throws as AdjustItemValue.
+// "+20%", "+ 9%", " 0%(no change)", "-10%".
 std::string AdjustItemText(int index);
 
 }  // namespace vrx

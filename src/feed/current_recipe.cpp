@@ -21,7 +21,7 @@ constexpr std::array kMovableCells = {
 
 std::size_t IndexOf(int row) { return static_cast<std::size_t>(row) - 1; }
 
-// The first thing that is entered into an idle entry row begins a line.
+// The first entry into an idle entry row starts a line.
 RecipeLineRecord& LineToEnter(CurrentRecipe& shown) {
   if (shown.OnEntryRow() && !shown.EntryPending()) {
     shown.ration.entry_row.emplace();

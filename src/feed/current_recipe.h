@@ -9,98 +9,99 @@
 #include "feed/ration.h"
 #include "feed/recipe_columns.h"
 
-// The recipe that the Recipes tab shows, and what the events of its grid do to it. Nothing here
-// knows of the database; RecipeEditor stores what these rules change.
 namespace vrx {
 
-// The grid's row for a line that is not added yet; lines have row numbers from 1.
+// The recipe shown in the Recipes tab, and how the events of its grid change it. Independent of the
+// database; RecipeEditor stores the changes.
+
+// Row number of the entry row, where a line is composed before it is added. Lines have row numbers
+// from 1.
 inline constexpr int kEntryRow = -1;
 
 struct CurrentRecipe {
-  Ration ration = {};  // with an entry row exactly while a line is composed in it
+  Ration ration = {};  // has an entry row only while a line is composed
   int row = kEntryRow;
   TotalsRow totals = {};
   RecipeInputs enabled = {};
   bool type_list_enabled = true;
   bool entry_row_offered = true;
 
-  // Why the recipe as it is stored cannot be computed: its totals are blank then and its inputs
-  // closed. Empty where it can.
+  // Why the stored recipe cannot be computed; its totals are then blank and its inputs disabled.
+  // Otherwise empty.
   std::string failure = {};
 
   std::optional<LineColumn> last_column = std::nullopt;
 
-  // The grid stands on the entry row, also on an idle one in which nothing was entered yet.
-  bool OnEntryRow() const { return row == kEntryRow; }
-  // A line is being composed in the entry row.
-  bool EntryPending() const { return ration.entry_row.has_value(); }
-  int LineCount() const { return static_cast<int>(ration.lines.size()); }
-  bool HasRoom() const { return LineCount() < kMaxRecipeLines; }
+  // True also for an idle entry row, into which nothing was entered yet.
+  [[nodiscard]] bool OnEntryRow() const { return row == kEntryRow; }
+  // True while a line is composed in the entry row.
+  [[nodiscard]] bool EntryPending() const { return ration.entry_row.has_value(); }
+  [[nodiscard]] int LineCount() const { return static_cast<int>(ration.lines.size()); }
+  [[nodiscard]] bool HasRoom() const { return LineCount() < kMaxRecipeLines; }
 
-  // Which cells the lines are entered by; kNone while the grid is hidden.
-  LineEntry Entry() const;
+  // Which cell of a line is entered; kNone while the grid is hidden.
+  [[nodiscard]] LineEntry Entry() const;
   // Which groups of inputs are visible.
-  RecipeInputs Shown() const;
+  [[nodiscard]] RecipeInputs Shown() const;
 
-  // The line that the grid stands on, the one that is being composed included. There is none on an
-  // idle entry row.
-  RecipeLineRecord& Current();
-  const RecipeLineRecord& Current() const;
+  // The line of the current row, also one that is being composed. Not to be called on an idle entry
+  // row.
+  [[nodiscard]] RecipeLineRecord& Current();
+  [[nodiscard]] const RecipeLineRecord& Current() const;
 };
 
-// What is recomputed, in this order; the totals always come last.
+// What to recompute, in this order; the totals are always recomputed last.
 struct Recomputation {
-  bool current_dry_matter = false;  // the entry row's as well
+  bool current_dry_matter = false;  // of the current line or the entry row
   bool all_dry_matter = false;
   bool ration_percents = true;
 };
 
-// Throws as the routines of ration.h do, with the recipe as it was. A recipe that could not be
-// computed beforehand is not held to it: its cells stay and `failure` says why, so that the
-// operator can mend it.
+// Throws like the functions of ration.h and leaves the recipe unchanged. But if the recipe could
+// not be computed before either, keeps its cells and sets `failure`, so that the operator can
+// correct it.
 void Recompute(CurrentRecipe& shown, const Recomputation& what);
 
-// Sets the three groups of inputs by a flag, as the batch type lets them.
+// Enables or disables the inputs, as far as the batch type allows.
 void EnableInputs(CurrentRecipe& shown, bool flag);
 
-// A cell is left. The inputs that BeforeCellEdit closed open again, those of a recipe without a
-// line in composition only as far as its totals let them. `entered` is false for an edit that was
-// given up.
+// Called when a cell loses the focus; `entered` is false for a canceled edit. Enables the inputs
+// that BeforeCellEdit disabled; while no line is composed, only those that the totals allow.
 void CellLeft(CurrentRecipe& shown, LineColumn column, bool entered);
 
-// A recipe with its stored lines in place of the one on show: recomputed and on line 1, or on the
-// entry row with blank totals and closed inputs. The list of batch types opens for an untyped
-// recipe, and stays as it is for a typed one.
+// Replaces the current recipe by a stored one and recomputes it. The current row is line 1, or the
+// entry row with blank totals and disabled inputs. The list of batch types is enabled for a recipe
+// without type and unchanged for others.
 void ShowRecipe(CurrentRecipe& shown, RecipeRecord recipe, std::vector<RecipeLineRecord> lines);
 
-// Empties the entry row and goes there. An idle entry row changes no figure and no input.
+// Clears the entry row and makes it current. This changes no figures or inputs if it was idle.
 void GoToEntryRow(CurrentRecipe& shown);
 void GoToLine(CurrentRecipe& shown, int row);
 
-// An ingredient of the list becomes that of the current line, with its dry matter and mark.
+// Sets the ingredient of the current line and copies its dry matter and hand-add mark.
 void TakeIngredient(CurrentRecipe& shown, const IngredientRecord& ingredient);
 
-// A weight or a percentage was entered into the current line.
+// Sets a weight or percentage of the current line.
 void TakeCell(CurrentRecipe& shown, LineColumn column, std::string text);
 
-// Puts recipe and sequence into the line that is composed. False: it rests in the entry row until
-// an ingredient was chosen and, after it, a weight or percentage entered.
+// Sets recipe and sequence of the composed line. Returns false if it is incomplete: it needs an
+// ingredient and, entered after it, a weight or percentage.
 bool PrepareEntry(CurrentRecipe& shown);
 
-// Makes the entry row the last line and goes there.
+// Appends the composed line and makes it current.
 void AddEntry(CurrentRecipe& shown);
 
-// After the grid has committed a row. The first one puts the recipe in use: its name becomes its
-// description. Returns what the operator is told, where that has no name.
-std::string RowUpdated(CurrentRecipe& shown);
+// Called after the grid has committed a row. The first row puts the recipe in use: its name becomes
+// its description. Returns a message for the operator if the recipe has no name.
+[[nodiscard]] std::string RowUpdated(CurrentRecipe& shown);
 
 void RemoveCurrentLine(CurrentRecipe& shown);
 
-// Swaps the six movable cells between the current line and its neighbour, and goes there.
-// `Sequence`, `HandAdd` and `Ingredient%` stay with the place.
+// Swaps six cells of the current line with those of `neighbour` and makes that line current.
+// `Sequence`, `HandAdd` and `Ingredient%` stay in their rows.
 void SwapWithNeighbour(CurrentRecipe& shown, int neighbour);
 
-// 1 above the highest of the lines; gaps are not filled. Throws OverflowError.
+// One more than the highest sequence of the lines; gaps are not filled. Throws OverflowError.
 int NextLineSequence(const std::vector<RecipeLineRecord>& lines);
 
 }  // namespace vrx

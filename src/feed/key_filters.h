@@ -7,43 +7,42 @@
 
 namespace vrx {
 
-// Key filters: the key's code in, the code to let through out, 0 to drop it. A backspace is not let
-// through by any of them: the field tests for it first. The indicator's display shows the letters b
-// and d only in lower case, which is why every name has them so.
-int FilterNameKey(int key);         // A-Z upper-cased but b and d, digits, "/", "+", "-", blank
-int FilterDescriptionKey(int key);  // letters as typed, digits, "+", "-", blank
-int FilterDigitKey(int key);        // ration targets and pen feed
-int FilterDigitKey2(int key);       // dry matter, head count, the ration grid
-int FilterDecimalKey(int key);      // digits and "."
+// Key filters. Each takes a key code and returns the code to accept, or 0 to drop the key. All drop
+// backspace; fields check for it first. Names have "b" and "d" in lower case because the indicator
+// cannot display them in upper case.
+[[nodiscard]] int FilterNameKey(int key);  // letters upper-cased except b and d, digits, "/+- "
+[[nodiscard]] int FilterDescriptionKey(int key);  // letters as typed, digits, "+- "
+[[nodiscard]] int FilterDigitKey(int key);        // digits: ration target and feed amount
+[[nodiscard]] int FilterDigitKey2(int key);       // digits: dry matter, head count, recipe grid
+[[nodiscard]] int FilterDecimalKey(int key);      // digits and "."
 
-// The text form of FilterNameKey: one character in, one or none out.
-std::string NormalizeNameChar(std::string_view character);
+// FilterNameKey for texts: returns one character or an empty text.
+[[nodiscard]] std::string NormalizeNameChar(std::string_view character);
 
-// A name from the first six characters of a description; a dropped character leaves no gap and is
-// not replaced by a seventh.
-std::string AbbreviateDescription(std::string_view description);
+// Name from the first six characters of a description. Dropped characters are not replaced by later
+// ones.
+[[nodiscard]] std::string AbbreviateDescription(std::string_view description);
 
-// A percentage as typed into a recipe line: 0 to 100 with at most two decimals; "" passes.
-bool ValidPercentText(std::string_view text);
+// True for "" and for a number from 0 to 100 with at most two decimals.
+[[nodiscard]] bool ValidPercentText(std::string_view text);
 
-// When a description gives a record its name: once it was typed into since the name was last
-// changed. One object serves the description boxes of all three kinds of records, which share what
-// it remembers.
+// Decides when a description determines the name of its record: if a key was typed into it after
+// the last change of the name. The description boxes of all three kinds of records share one
+// object.
 class AutoAbbreviation {
  public:
-  // A key in a description box that holds `length` characters. Returns the code to let through, 0
-  // to drop it. A dropped key counts as typed as long as there was room for it; a key without room
-  // ends what was typed.
+  // Filters a key in a description box that has `length` characters; returns 0 to drop it. A key
+  // that the filter drops is treated as typed, but a key in a full box resets the typed state.
   int DescriptionKey(int key, std::size_t length);
 
-  // The text of a name box has changed, by whomever.
+  // Called when the text of a name box has changed for any reason.
   void NameChanged() { typed_ = false; }
 
-  // The focus has left a description box. Returns the name to write, which the name box then
-  // reports as changed; nothing when the name stays. A description whose first six characters hold
-  // nothing for a name leaves the name as well: it is mandatory.
-  std::optional<std::string> LeaveDescription(std::string_view description,
-                                              bool auto_abbreviate) const;
+  // Called when a description box loses the focus. Returns the new name, or nothing to keep the
+  // name; it is kept too if the description gives an empty name, because a name is mandatory. The
+  // caller then changes the name box, which calls NameChanged.
+  [[nodiscard]] std::optional<std::string> LeaveDescription(std::string_view description,
+                                                            bool auto_abbreviate) const;
 
  private:
   bool typed_ = false;

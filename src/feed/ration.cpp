@@ -10,11 +10,10 @@
 #include "feed/batch_type.h"
 
 namespace vrx {
-
 namespace {
 
 constexpr double kHundred = 100.0;
-constexpr double kPercentBase = 10000.0;  // as-fed weight of 100 % of pure dry matter
+constexpr double kPercentBase = 10000.0;  // as-fed weight of 100 % at 100 % dry matter
 
 std::int32_t Adjusted(std::int32_t amount, const std::string& adjust_batch_index) {
   const int value = AdjustItemValue(TextToLong(adjust_batch_index));
@@ -36,7 +35,7 @@ std::string Share(const RecipeLineRecord& line, std::int32_t total) {
   return Format(share * kHundred, "0.000");
 }
 
-// The entry row's cell, where there is one, is where the sum starts.
+// The sum starts with the cell of the entry row, if there is one.
 std::int32_t SumWholes(std::string_view field, const std::vector<RecipeLineRecord>& lines,
                        const std::optional<RecipeLineRecord>& entry_row,
                        std::string RecipeLineRecord::*cell) {
@@ -71,7 +70,7 @@ std::string IngredientPercentTotal(const std::vector<RecipeLineRecord>& lines) {
   return Format(SumFractions(lines, &RecipeLineRecord::ingredient_percent), "0.00");
 }
 
-// By how much the as-fed weights are multiplied; nothing where every batch target is 0.
+// Factor for the as-fed weights; nothing if every batch target is 0.
 std::optional<double> BatchFactor(const RecipeRecord& recipe, BatchScale scale,
                                   std::int32_t as_fed) {
   if (scale == BatchScale::kHeadCount) {
@@ -82,7 +81,7 @@ std::optional<double> BatchFactor(const RecipeRecord& recipe, BatchScale scale,
   return total > 0 ? std::optional(target / static_cast<double>(total)) : std::nullopt;
 }
 
-// Writes the batch targets and returns their sum.
+// Sets the batch targets and returns their sum.
 std::int32_t RecalcBatchTargets(Ration& ration, BatchScale scale, std::int32_t as_fed) {
   const std::optional<double> factor = BatchFactor(ration.recipe, scale, as_fed);
   WholeSum sum("BatchTarget");
@@ -128,7 +127,7 @@ void RecalcLineDryMatter(std::string_view batch_type, RecipeLineRecord& line) {
     const auto percent = static_cast<double>(TextToSingle(line.ingredient_percent));
     weight = WholeThroughText(percent * kPercentBase, "a line's as-fed weight") / dry_matter;
   } else {
-    // In this order: it decides on which side of a half a quotient falls.
+    // The order of operations matters: it decides how a half is rounded.
     weight = (1.0 / (dry_matter / kHundred)) * TextToLong(line.target);
   }
   const std::optional<std::int32_t> whole = RoundToLong(weight);

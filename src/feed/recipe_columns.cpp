@@ -12,7 +12,6 @@
 #include "feed/record_fields.h"
 
 namespace vrx {
-
 namespace {
 
 struct LineCell {
@@ -37,13 +36,13 @@ using enum CellRole;
 constexpr std::array<RecipeColumnRow, kRecipeColumnCount> kColumns{{
     {.key = "Ingredient",
      .caption = "Ingredient",
-     .tells_unit = false,
+     .has_unit = false,
      .manner = kEntered,
      .cell = &RecipeLineRecord::ingredient,
      .entered_as = LineColumn::kIngredient},
     {.key = "Target",
      .caption = "Dry Matter",
-     .tells_unit = true,
+     .has_unit = true,
      .manner = kEntered,
      .cell = &RecipeLineRecord::target,
      .total_label = "lblTargetTotal",
@@ -51,42 +50,42 @@ constexpr std::array<RecipeColumnRow, kRecipeColumnCount> kColumns{{
      .entered_as = LineColumn::kTarget},
     {.key = "Ration%",
      .caption = "Ration (%) DM",
-     .tells_unit = false,
+     .has_unit = false,
      .manner = kComputed,
      .cell = &RecipeLineRecord::ration_percent,
      .total_label = "lblRationPctTotal",
      .total = &TotalsRow::ration_percent},
     {.key = "DryMatter%",
      .caption = "Dry Matter (%)",
-     .tells_unit = false,
+     .has_unit = false,
      .manner = kReadOnly,
      .cell = &RecipeLineRecord::dry_matter_percent,
      .total_label = "lblDryMatPercent",
      .total = &TotalsRow::dry_matter_percent},
     {.key = "DryMatter",
      .caption = "Target",
-     .tells_unit = true,
+     .has_unit = true,
      .manner = kComputed,
      .cell = &RecipeLineRecord::dry_matter,
      .total_label = "lblDryMatTotal",
      .total = &TotalsRow::dry_matter},
     {.key = "BatchTarget",
      .caption = "Batch Target",
-     .tells_unit = false,
+     .has_unit = false,
      .manner = kComputed,
      .cell = &RecipeLineRecord::batch_target,
      .total_label = "lblBatchTargetTotal",
      .total = &TotalsRow::batch_target},
     {.key = "HandAdd",
      .caption = "Hand-Add",
-     .tells_unit = false,
+     .has_unit = false,
      .manner = kReadOnly,
      .cell = nullptr,
      .total_label = "lblHandAddTotal",
      .total = &TotalsRow::hand_add},
     {.key = "Ingredient%",
      .caption = "Ingredient (%)",
-     .tells_unit = false,
+     .has_unit = false,
      .manner = kEntered,
      .cell = &RecipeLineRecord::ingredient_percent,
      .total_label = "lblIngPctTotal",
@@ -177,7 +176,7 @@ std::string WithUnit(std::string_view caption, std::string_view unit) {
 
 std::string ColumnCaption(int column, std::string_view unit) {
   const RecipeColumnRow& row = kColumns.at(static_cast<std::size_t>(column));
-  return WithUnit(row.caption, row.tells_unit ? unit : "");
+  return WithUnit(row.caption, row.has_unit ? unit : "");
 }
 
 }  // namespace vrx

@@ -12,7 +12,7 @@
 
 namespace vrx {
 
-// The cells of a recipe's line that the operator fills; all others follow from them.
+// Cells of a recipe line that the operator enters. All others are computed.
 enum class LineColumn {
   kIngredient,         // chosen from the list of ingredients in use, never typed
   kTarget,             // dry-matter weight: digits, at most 6
@@ -20,19 +20,19 @@ enum class LineColumn {
 };
 
 // "Ingredient", "Target", "Ingredient%"
-std::string_view LineColumnName(LineColumn column);
+[[nodiscard]] std::string_view LineColumnName(LineColumn column);
 
-// A key in a cell that holds `text`: the code to let through, 0 to drop it.
-int FilterLineKey(LineColumn column, std::string_view text, int key);
+// Filters a key in a cell that contains `text`; returns 0 to drop it.
+[[nodiscard]] int FilterLineKey(LineColumn column, std::string_view text, int key);
 
-// `Ingredient%` as it is shown: with two decimals. A text that is no number comes back as it is.
-std::string PercentText(std::string_view cell);
+// `Ingredient%` with two decimals. Returns a text that is not a number unchanged.
+[[nodiscard]] std::string PercentText(std::string_view cell);
 
-// What the cell holds after a text was typed key by key into the empty cell; a percentage gets its
-// two decimals. Where the grid would drop a key, this throws FieldRefusal with nothing half taken.
+// Text of an empty cell after `typed` was typed into it key by key; a percentage gets two decimals.
+// Throws FieldRefusal if the grid would drop a key.
 std::string EnterLineCell(LineColumn column, std::string_view typed);
 
-// The columns of `grdREC` that are ever seen, in the order of a recipe by weight.
+// Columns of `grdREC`, in the order of a recipe by weight.
 enum RecipeColumn : int {
   kColumnIngredient,
   kColumnTarget,
@@ -47,39 +47,39 @@ inline constexpr int kRecipeColumnCount = 8;
 
 enum class CellRole {
   kEntered,
-  kReadOnly,  // the ingredient's
+  kReadOnly,  // copied from the ingredient
   kComputed,
 };
 
 struct RecipeColumnRow {
   std::string_view key;
   std::string_view caption;
-  bool tells_unit;  // in its caption, once it is known
+  bool has_unit;  // the caption includes the weight unit
   CellRole manner;
-  std::string RecipeLineRecord::*cell;  // none for a column that is no text
+  std::string RecipeLineRecord::*cell;  // nullptr for `HandAdd`, which is not a text
   const char* total_label = nullptr;
   std::string TotalsRow::*total = nullptr;
   std::optional<LineColumn> entered_as = std::nullopt;
 };
 
-// By RecipeColumn.
-std::span<const RecipeColumnRow> RecipeColumns();
+// Indexed by RecipeColumn.
+[[nodiscard]] std::span<const RecipeColumnRow> RecipeColumns();
 
-// A recipe by percent shows `Ingredient%` in place of `Target` and `Ration%`.
-bool IsColumnShown(int column, LineEntry entry);
+// A recipe by percent shows `Ingredient%` instead of `Target` and `Ration%`.
+[[nodiscard]] bool IsColumnShown(int column, LineEntry entry);
 
-// The column that the lines are entered by; it is seen next to that of the ingredient.
-int EnteredColumn(LineEntry entry);
+// The column for entering weights or percentages. It is next to the ingredient.
+[[nodiscard]] int EnteredColumn(LineEntry entry);
 
-// What a line shows in a column: the ID of its ingredient, "Yes" or "No" for `HandAdd`, and
-// `Ingredient%` with two decimals, however it is stored.
-std::string CellText(const RecipeLineRecord& line, int column);
+// Text of a line in a column: the ID of its ingredient, "Yes" or "No" for `HandAdd`, and
+// `Ingredient%` with two decimals.
+[[nodiscard]] std::string CellText(const RecipeLineRecord& line, int column);
 
-// Those that are shown, from left to right.
-std::vector<int> ColumnsInSight(LineEntry entry);
+// The shown columns from left to right.
+[[nodiscard]] std::vector<int> ColumnsInSight(LineEntry entry);
 
-// "Dry Matter (lb)"; without a unit the caption alone.
-std::string WithUnit(std::string_view caption, std::string_view unit);
-std::string ColumnCaption(int column, std::string_view unit);
+// "Dry Matter (lb)"; the caption alone if `unit` is empty.
+[[nodiscard]] std::string WithUnit(std::string_view caption, std::string_view unit);
+[[nodiscard]] std::string ColumnCaption(int column, std::string_view unit);
 
 }  // namespace vrx

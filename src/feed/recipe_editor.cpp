@@ -21,7 +21,7 @@ std::string LeftText(std::string_view field, std::string_view text) {
   return FieldOf(RecordKind::kRecipe, field).leave(text);
 }
 
-// Stays on its line where that is still there.
+// Keeps the current row if it still exists.
 void TakeLines(CurrentRecipe& shown, std::vector<RecipeLineRecord> lines) {
   shown.ration.lines = std::move(lines);
   if (shown.OnEntryRow()) {
@@ -34,7 +34,7 @@ void TakeLines(CurrentRecipe& shown, std::vector<RecipeLineRecord> lines) {
   }
 }
 
-// Why a line does not move; empty where it does.
+// Why a line cannot be moved; empty if it can.
 std::string_view MoveObstacle(const CurrentRecipe& shown, MoveDirection direction) {
   if (shown.OnEntryRow()) {
     return "The ingredient entry row cannot be moved.";
@@ -91,7 +91,7 @@ void RecipeEditor::Apply(const Change& change) {
 template <typename Change>
 void RecipeEditor::ApplyToStoredLines(const Change& change) {
   CurrentRecipe next = shown_;
-  // A write-protected file does not hold what was recomputed.
+  // A write-protected file does not have the recomputed lines.
   if (!IsWriteProtected(database_)) {
     TakeLines(next, ReadRecipeLines(database_, next.ration.recipe.id));
   }

@@ -17,91 +17,91 @@ namespace vrx {
 
 enum class MoveDirection { kUp, kDown };
 
-// The ingredients that can be chosen for a line.
+// The ingredients that can be chosen for a line: those in use.
 std::vector<IngredientRecord> ReadActiveIngredients(SQLite::Database& database);
 
-// The Recipes tab without its window: which recipe is on show, and what the events of its head and
-// its grid do to it and to the database. A screen shows what stands here and hands on what its
-// enabled controls let through.
+// The Recipes tab without its window: holds the current recipe and applies the events of its head
+// and grid to it and to the database. A view shows this state and forwards events of its enabled
+// controls.
 //
-// Every event is stored as one step, by itself or inside the caller's transaction; then the
-// database holds what is on show, but for the line in the entry row. The caller keeps `Modified`,
-// around the event or by StoredStep.
-// A write-protected file stays as it is, and what is recomputed is only shown: whoever shows it
-// closes what the operator enters by.
-// An event throws with the database and what is on show as they were: DatabaseError, FieldRefusal
-// for what the tab does not let in, Error for what cannot be computed. HandleEditEvent tells that.
+// Each event is stored as one step, on its own or inside the caller's transaction. After it the
+// database equals the current recipe, except for the line in the entry row. The caller sets
+// `Modified`, around the event or in StoredStep. If the file is write-protected, recomputed figures
+// are only shown, and the view must disable its inputs.
+//
+// If an event throws, database and current recipe are unchanged. It throws DatabaseError,
+// FieldRefusal for an invalid entry, and Error for figures that cannot be computed.
 class RecipeEditor {
  public:
-  // At the end of each step that changes the database, inside it, with what is on show once the
-  // disk has it. What it throws undoes the step.
+  // Called at the end of each step that changes the database, inside its transaction, with the
+  // recipe that becomes current after the commit. An exception undoes the step.
   using StoredStep = std::function<void(const CurrentRecipe& next)>;
 
-  // Shows a recipe at once. What is referred to outlives the editor.
+  // Starts with a recipe. All references must outlive the editor.
   RecipeEditor(SQLite::Database& database, Operator& op, const PrivateINI& settings, int recipe_id,
                StoredStep stored = {});
 
-  const CurrentRecipe& Current() const { return shown_; }
+  [[nodiscard]] const CurrentRecipe& Current() const { return shown_; }
 
-  // Shows another recipe, or the same one as it is stored now; 0, the blank item of the list, is
-  // the one on show. EndEntry comes first.
+  // Runs EndEntry and shows another recipe, or reloads the current one: its ID, or 0 for the blank
+  // item of the list.
   void Select(int recipe_id);
 
   // Index 0 of the list does nothing.
   void ChooseBatchType(int list_index);
   void ChooseAdjustItem(int list_index);
 
-  // A box of the head loses the focus with that text. LeaveName returns why the focus has to stay,
-  // as the operator is told it, or nothing; what stands in the box is stored all the same.
-  // `abbreviation` is the name that the description gives, where it gives one.
-  std::string LeaveName(std::string_view text);
+  // Called when a box of the head loses the focus. LeaveName stores the text in any case and
+  // returns a message if the focus must stay, else an empty text. `abbreviation` is the name
+  // derived from the description, if any.
+  [[nodiscard]] std::string LeaveName(std::string_view text);
   void LeaveDescription(std::string_view text, std::optional<std::string> abbreviation);
   void LeaveHeadCount(std::string_view text);
   void LeaveRationTarget(std::string_view text);
 
-  // Reads the lines anew and brings the totals up to date.
+  // Reloads the lines and updates the totals.
   void CommitRecipeRecord();
 
-  // All cells of all lines, as on the tab strip's focus.
+  // Recomputes all cells of all lines, as when the tab strip gets the focus.
   void RecomputeAll();
 
-  // Events of the grid. After a deletion the entry row is offered again from here on.
+  // Events of the grid. GridGotFocus offers the entry row again after a deletion. `entered` is
+  // false for a canceled edit, which does not complete a new line.
   void GridGotFocus();
   void BeforeCellEdit(LineColumn column);
-  // `entered` is false for an edit that was given up: a new line does not count it.
   void AfterCellEdit(LineColumn column, bool entered = true);
 
-  // To a line or to the entry row. A line in the entry row is added on the way. False: the grid
-  // stays, for there is no such row or the entry row's line is not complete.
+  // Goes to a line or to the entry row, after adding a line in the entry row. Returns false and
+  // keeps the current row if there is no such row or the line in the entry row is incomplete.
   bool GoToRow(int row);
 
-  // Into the current line; into a stored one with all that follows from a committed row.
+  // Set cells of the current line. A stored line is committed at once.
   void ChooseIngredient(int ingredient_id);
   void EnterCell(LineColumn column, std::string_view typed);
 
-  // Adds the line of the entry row. False: it is held back, an ingredient alone makes no line. True
-  // as well where nothing is being composed.
+  // Adds the line of the entry row. Returns false if it is incomplete, true if there is none.
   bool CommitRow();
 
-  // Gives up what stands in the entry row: the figures are those of the lines alone again.
+  // Discards the line in the entry row and recomputes the figures without it.
   void DiscardEntry();
 
-  // Adds the line of the entry row if it is complete, and gives it up if not: the recipe is about
-  // to be left.
+  // Adds the line of the entry row if it is complete, else discards it. To be called before leaving
+  // the recipe.
   void EndEntry();
 
-  // Delete and move the current line. False: refused, with the operator told, or answered with No.
+  // Delete or move the current line. Return false if this was refused with a message, or if the
+  // operator answered No.
   bool DeleteIng();
   bool MoveRow(MoveDirection direction);
 
-  // Throw FieldRefusal for a recipe of no type yet, whose grid is hidden, and for a full one.
+  // Throw FieldRefusal for a recipe without type, whose grid is hidden, and for a full recipe.
   void RequireOpenLines() const;
   void RequireRoom() const;
 
  private:
   template <typename Change>
   void Apply(const Change& change);
-  // The same, with the lines read anew first.
+  // Reloads the lines first.
   template <typename Change>
   void ApplyToStoredLines(const Change& change);
   template <typename Change>
@@ -109,7 +109,7 @@ class RecipeEditor {
   template <typename Change>
   void EditLine(const Change& change);
 
-  // What is on show changes only once it is stored.
+  // Stores `next` and then makes it current.
   void Store(const Ration& before, CurrentRecipe next);
 
   std::string RecipeLabel() const;

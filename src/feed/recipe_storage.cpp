@@ -22,7 +22,6 @@
 #include "feed/record_fields.h"
 
 namespace vrx {
-
 namespace {
 
 auto Fields(const RecipeRecord& recipe) {
@@ -111,7 +110,7 @@ class RecipesUpdate {
     transaction.commit();
   }
 
-  // A line for each recipe that failed; empty when none did.
+  // One line for each recipe that failed.
   const std::string& Failures() const { return failures_; }
 
  private:

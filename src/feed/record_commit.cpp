@@ -19,7 +19,6 @@
 #include "feed/record_fields.h"
 
 namespace vrx {
-
 namespace {
 
 template <typename Record>
@@ -66,7 +65,7 @@ void ChangeLines(SQLite::Database& database, int ingredient_id,
   WriteChangedLines(database, stored, lines);
 }
 
-// By the text that a line holds as its RecipeID.
+// Batch type by RecipeID, a text in the lines.
 std::map<std::string, std::string> BatchTypes(SQLite::Database& database) {
   std::map<std::string, std::string> types;
   for (RecipeRecord& recipe : ReadRecipes(database)) {
@@ -83,7 +82,7 @@ void RecalcNamingTheRecipe(std::string_view batch_type, RecipeLineRecord& line) 
   }
 }
 
-// Why the lines cannot be computed, which leaves them as they are; empty where they are computed.
+// Computes the lines. If that fails, leaves them unchanged and returns the reason.
 std::string RecalcFailure(Ration& ration) {
   try {
     RecalcRecipe(ration);
@@ -115,7 +114,7 @@ class Form {
  public:
   explicit Form(RecordKind kind) : kind_(kind) {}
 
-  // Leaves the field alone where nothing was typed.
+  // Changes nothing if nothing was typed.
   void Type(std::string_view field, const std::optional<std::string>& typed, std::string& value) {
     if (typed) {
       FieldEntry entry = EnterText(FieldOf(kind_, field), *typed);
@@ -131,7 +130,8 @@ class Form {
                  std::string& name_value, std::string& description_value) {
     AutoAbbreviation abbreviation;
     if (description) {
-      // The box is emptied first, and it never gets a key too many: that was refused.
+      // A backspace marks the box as typed. No key of `description` finds the box full, because
+      // EnterText refuses such a text.
       abbreviation.DescriptionKey(kBackspaceKey, description_value.size());
       Type("Description", description, description_value);
     }
@@ -152,7 +152,7 @@ std::string ClosedInput(std::string_view input) {
   return "The '" + std::string(input) + "' field is closed";
 }
 
-// Refuses what was typed into an input that is hidden or disabled.
+// Refuses entries into inputs that are hidden or disabled.
 class InputGate {
  public:
   InputGate(const std::string& batch_type, const std::vector<RecipeLineRecord>& lines)
@@ -185,7 +185,7 @@ class InputGate {
 void CommitIngredientRecord(SQLite::Database& database, IngredientRecord& record,
                             std::optional<std::string_view> current_batch_type) {
   IngredientRecord committed = WithDefaultDescription(record);
-  // First what may fail by what the lines hold.
+  // First, because it may fail because of the lines.
   SetRecipesDryMatterPct(database, committed.id, std::to_string(committed.dry_matter_percent),
                          current_batch_type);
   SetRecipesHandAdd(database, committed.id, committed.hand_add);

@@ -12,7 +12,6 @@
 #include "feed/key_filters.h"
 
 namespace vrx {
-
 namespace {
 
 constexpr std::array<RecordKindTraits, 3> kKinds = {{
@@ -67,7 +66,7 @@ std::string LeaveDryMatter(std::string_view text) {
   return Format(std::clamp(TextToLong(text), 0, 100) * 1.0, "#0");
 }
 
-// A count out of range falls back to the 100 head that a recipe is written for.
+// A count out of range becomes 100, the number of head that a recipe is written for.
 std::string LeaveHeadCount(std::string_view text) {
   const std::int32_t value = TextToLong(text);
   return Format((value > 1000 ? 100 : std::max(value, 0)) * 1.0, "#0");
@@ -92,7 +91,7 @@ constexpr std::array<RecordField, 10> kFields = {{
     {RecordKind::kPen, "FeedAmount", 6, FilterDigitKey, LeaveFeed},
 }};
 
-// The key's own character, or its number where it cannot be shown.
+// The character of a key, or its number if it is not printable.
 std::string Shown(std::string_view character) {
   const auto code = static_cast<unsigned char>(character.front());
   if (code < 0x20 || code == 0x7F) {

@@ -7,9 +7,10 @@
 
 namespace vrx {
 
-// Puts a record back in its default state and sets `Modified`, in one transaction. Returns false,
-// with the file unchanged, for an ingredient that a recipe in use holds. A recipe loses its lines
-// and its type; HeadCount, RationTarget and AdjBatTotIndex keep their values. Throws DatabaseError.
-bool ResetRecord(SQLite::Database& database, RecordKind kind, int id, const Calendar& calendar);
+// Resets a record to its defaults and sets `Modified`, in one transaction. Returns false and
+// changes nothing for an ingredient that is used in a recipe in use. A recipe loses its lines and
+// its type but keeps HeadCount, RationTarget and AdjBatTotIndex. Throws DatabaseError.
+[[nodiscard]] bool ResetRecord(SQLite::Database& database, RecordKind kind, int id,
+                               const Calendar& calendar);
 
 }  // namespace vrx

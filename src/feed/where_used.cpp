@@ -25,7 +25,7 @@ std::vector<WhereUsed> FindWhereIngUsed(SQLite::Database& database, int ingredie
     std::vector<WhereUsed> found;
     SQLite::Statement query(database, kLinesOfRecipesInUse);
     while (!(stop_at_first && !found.empty()) && query.executeStep()) {
-      // By its number: a line may hold "07".
+      // Compared as numbers, because a line may have "07".
       if (ParseLong(query.getColumn(2).getString()) == ingredient_id) {
         found.push_back({.recipe_id = query.getColumn(0).getInt(),
                          .recipe_name = query.getColumn(1).getString()});

@@ -7,17 +7,16 @@
 
 namespace vrx {
 
-// A line that holds the ingredient looked for, by its recipe.
+// The recipe of a line that uses an ingredient.
 struct WhereUsed {
   int recipe_id = 0;
   std::string recipe_name = {};
   bool operator==(const WhereUsed&) const = default;
 };
 
-// One item for each line that holds the ingredient, in the order of the recipes and, within one, of
-// its lines; the first alone with `stop_at_first`. A recipe without description is not looked at.
-// One query. Throws DatabaseError.
-std::vector<WhereUsed> FindWhereIngUsed(SQLite::Database& database, int ingredient_id,
-                                        bool stop_at_first);
+// One item for each line that uses the ingredient, ordered by recipe and line; only the first if
+// `stop_at_first`. Skips recipes without description. Runs one query. Throws DatabaseError.
+[[nodiscard]] std::vector<WhereUsed> FindWhereIngUsed(SQLite::Database& database, int ingredient_id,
+                                                      bool stop_at_first);
 
 }  // namespace vrx

@@ -78,33 +78,33 @@ TEST(AutoAbbreviation, KeepsATypedNameUntilTheDescriptionIsTypedInAgain) {
   EXPECT_EQ(boxes.name, "CORNS");
 }
 
-TEST(AutoAbbreviation, ANameChangedByTheProgramCountsAsChanged) {
+TEST(AutoAbbreviation, ANameChangedByTheProgramIsTreatedAsChanged) {
   Boxes boxes{.name = "ING005"};
   boxes.TypeDescription("Corn");
   boxes.LeaveDescription();
   EXPECT_EQ(boxes.abbreviation.LeaveDescription("Corn", true), std::nullopt);
 }
 
-TEST(AutoAbbreviation, ABackspaceCountsAsTyping) {
+TEST(AutoAbbreviation, ABackspaceIsTreatedAsTyping) {
   Boxes boxes{.name = "MAIZE", .description = "Corns"};
   boxes.TypeDescription("\b");
   boxes.LeaveDescription();
   EXPECT_EQ(boxes.name, "CORN");
 }
 
-TEST(AutoAbbreviation, ABackspaceCountsInAFullBoxToo) {
+TEST(AutoAbbreviation, ABackspaceInAFullBoxIsTreatedAsTyping) {
   AutoAbbreviation abbreviation;
   EXPECT_EQ(abbreviation.DescriptionKey(kBackspaceKey, 16), kBackspaceKey);
   EXPECT_EQ(abbreviation.LeaveDescription("Distillers grai", true), "dISTIL");
 }
 
-TEST(AutoAbbreviation, AKeyThatTheFilterDropsCountsAsTyping) {
+TEST(AutoAbbreviation, ADroppedKeyIsTreatedAsTyping) {
   AutoAbbreviation abbreviation;
   EXPECT_EQ(abbreviation.DescriptionKey('%', 4), 0);
   EXPECT_EQ(abbreviation.LeaveDescription("Corn", true), "CORN");
 }
 
-TEST(AutoAbbreviation, AKeyWithoutRoomEndsWhatWasTyped) {
+TEST(AutoAbbreviation, AKeyInAFullBoxResetsTheTyping) {
   AutoAbbreviation abbreviation;
   EXPECT_EQ(abbreviation.DescriptionKey('n', 15), 'n');
   EXPECT_EQ(abbreviation.DescriptionKey('s', 16), 0);
@@ -123,7 +123,7 @@ TEST(AutoAbbreviation, AnUntouchedDescriptionLeavesTheName) {
   EXPECT_EQ(AutoAbbreviation().LeaveDescription("Corn", true), std::nullopt);
 }
 
-// Whatever keys come, the box holds a description, and the name is one that could be typed.
+// For any keys, the box contains a valid description and the name could have been typed.
 TEST(AutoAbbreviation, GivesOnlyWhatTheNameBoxCouldHold) {
   std::mt19937 random(2260);
   std::uniform_int_distribution<int> key(8, 126);

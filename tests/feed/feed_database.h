@@ -24,7 +24,8 @@ namespace vrx::testing {
 
 inline constexpr std::chrono::milliseconds kShortTimeout{20};
 
-// A fresh recipe database, open for writing, and the ports of an action on it. 5 January 2026.
+// A new recipe database, open for writing, and the services of an action on it. The date is
+// 5 January 2026.
 class FeedDatabaseTest : public ::testing::Test {
  protected:
   FeedDatabaseTest() { settings.SetEnableBeeperOn(true); }
@@ -38,7 +39,7 @@ class FeedDatabaseTest : public ::testing::Test {
     WriteRecipe(database, recipe);
   }
 
-  // A line behind the others of its recipe.
+  // Adds a line after the others of its recipe.
   void AddLine(int recipe, int ingredient, RecipeLineRecord line = {}) {
     line.recipe_id = std::to_string(recipe);
     line.ingredient = std::to_string(ingredient);
@@ -48,8 +49,8 @@ class FeedDatabaseTest : public ::testing::Test {
 
   std::vector<std::string> Ask(const std::string& query) { return testing::Ask(path, query); }
 
-  // Recipes 1 to 5 of all types, 6 of an unknown one, and lines of ingredients 1 to 4 in them, in
-  // recipes out of use and in one that is not there.
+  // Recipes 1 to 5 of all types and 6 of an unknown one, with lines of ingredients 1 to 4 in them,
+  // in recipes not in use and in a missing recipe.
   void FillAtRandom(std::mt19937& random) {
     SQLite::Transaction filling(database);
     const auto below = [&](int end) { return std::uniform_int_distribution(0, end - 1)(random); };

@@ -11,7 +11,7 @@ namespace {
 
 constexpr int kBackspace = 8;
 
-// The keys from 0 to 255 that a filter lets through, each as it comes back.
+// The results of a filter for the keys 0 to 255, without dropped keys.
 template <typename Filter>
 std::string LetThrough(Filter filter) {
   std::string passed;
@@ -123,7 +123,7 @@ TEST(ValidPercentText, RefusesThreeDecimals) {
 
 TEST(ValidPercentText, RefusesANegativeWholeNumber) { EXPECT_FALSE(ValidPercentText("-1")); }
 
-TEST(ValidPercentText, RefusesWhatIsNoNumber) {
+TEST(ValidPercentText, RefusesTextThatIsNotANumber) {
   for (const char* const text : {".", "abc", "1.2.", "a.b", " ", "5%"}) {
     EXPECT_FALSE(ValidPercentText(text)) << text;
   }

@@ -8,11 +8,11 @@
 
 namespace vrx::testing {
 
-// What a ration without entry row comes to, worked out a second time with whole numbers only
-// (soft_number.h): a value is rounded to 32 bits where it is called single and nowhere else, every
-// other division and multiplication to 64 bits.
+// The figures of a ration without entry row, computed again with whole numbers only
+// (soft_number.h): values called single are rounded to 32 bits, every other division and
+// multiplication to 64 bits.
 //
-// For cells that are texts of numbers from 0 on, and for known batch types.
+// Only for cells with texts of numbers from 0 on, and for known batch types.
 struct ModelOutcome {
   std::vector<std::string> dry_matter = {};
   std::vector<std::string> ration_percent = {};
@@ -21,7 +21,7 @@ struct ModelOutcome {
   RecipeInputs enabled = {};
 };
 
-// Nothing where a whole number leaves 32 bits.
+// Nothing if a whole number exceeds 32 bits.
 std::optional<ModelOutcome> ModelRation(const Ration& ration);
 
 std::uint64_t ModelAdjusted(std::uint64_t amount, int adjust_batch_index);

@@ -1,5 +1,5 @@
-// Every computed cell of random recipes against the arithmetic worked out a second time with whole
-// numbers, and against the exact quotients.
+// Compares every computed cell of random recipes with a second implementation in whole numbers and
+// with the exact quotients.
 #include "feed/ration_model.h"
 
 #include <algorithm>
@@ -68,7 +68,7 @@ class RandomRecipes : public ::testing::Test {
   int Pick(int least, int most) { return std::uniform_int_distribution<int>(least, most)(random_); }
 
   // A recipe of any size of weight. The largest, and percentages of four decimals, cannot be typed
-  // but may be stored; only they tell where a sum is single.
+  // but may be stored; only they show where a sum is single.
   Ration Recipe() {
     constexpr std::array<const char*, 5> kTypes = {"W", "H", "%", "P", "!"};
     constexpr std::array<int, 5> kSizes = {3, 400, 9999, 999999, 60000000};
@@ -95,7 +95,7 @@ class RandomRecipes : public ::testing::Test {
     return static_cast<std::size_t>(Pick(0, static_cast<int>(count) - 1));
   }
 
-  // Near both ends, now and then at 0 or empty.
+  // Near both ends, sometimes 0 or empty.
   std::string Number(int most) {
     switch (Pick(0, 9)) {
       case 0:

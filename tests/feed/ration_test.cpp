@@ -30,7 +30,7 @@ TEST(AdjustedRationTarget, AnEmptyIndexIsTheFirstItem) {
   EXPECT_EQ(GetAdjustedRationTarget({.ration_target = "1000", .adjust_batch_index = "x"}), 1200);
 }
 
-TEST(AdjustedRationTarget, TextThatIsNoNumberIsZero) {
+TEST(AdjustedRationTarget, TextThatIsNotANumberIsZero) {
   EXPECT_EQ(GetAdjustedRationTarget({.ration_target = "", .adjust_batch_index = "0"}), 0);
   EXPECT_EQ(GetAdjustedRationTarget({.ration_target = "lots", .adjust_batch_index = "0"}), 0);
   EXPECT_EQ(GetAdjustedRationTarget({.ration_target = "3000000000", .adjust_batch_index = "0"}), 0);
@@ -71,7 +71,7 @@ TEST(LineDryMatter, DividesTheTargetByTheDryMatterFigure) {
   }
 }
 
-TEST(LineDryMatter, ATieGoesToTheEvenNeighbour) {
+TEST(LineDryMatter, RoundsATieToEven) {
   EXPECT_EQ(AsFed("W", WeightLine("1", "8")), "12");      // 12.5
   EXPECT_EQ(AsFed("W", WeightLine("3", "8")), "38");      // 37.5
   EXPECT_EQ(AsFed("W", WeightLine("1", "40")), "2");      // 2.5
@@ -210,7 +210,7 @@ TEST(RationPercents, TheEntryRowHasItsShare) {
   EXPECT_EQ(ration.lines[0].ration_percent, "75.000");
 }
 
-TEST(RationPercents, AnEntryRowWithoutFigureCountsForNothing) {
+TEST(RationPercents, AnEntryRowWithoutFigureIsIgnored) {
   Ration ration = RationOf("W", {WeightLine("300", "88")});
   ration.entry_row = WeightLine("100", "0");
   RecalcRationPercents(ration);

@@ -59,7 +59,7 @@ TEST(RecipeByHeadCount, IsScaledToTheHeadCountWithATieToEven) {
   EXPECT_EQ(totals.enabled, kAllOpen);
 }
 
-TEST(RecipeByHeadCount, RoundsATieUpToAnEvenNeighbour) {
+TEST(RecipeByHeadCount, RoundsATieUpToEven) {
   Ration ration = RationOf("H", {WeightLine("4447", "100"), WeightLine("4445", "100")});
   ration.recipe.head_count = 50;
   RecalcRecipe(ration);
@@ -272,7 +272,7 @@ TEST(EntryRow, StartsTheSumsOfWeightsAndTheHandAddCount) {
   EXPECT_EQ(totals.enabled, kAllOpen);
 }
 
-TEST(EntryRow, AloneCountsAsWell) {
+TEST(EntryRow, IsCountedWithoutOtherLines) {
   Ration ration = RationOf("W", {});
   ration.entry_row = WeightLine("1", "100");
   const RecipeTotals totals = RecalcRecipeTotals(ration);

@@ -110,7 +110,7 @@ TEST_F(RecipeLineEntry, CountsInTheTotalsWhileItIsComposed) {
   ExpectStored();
 }
 
-TEST_F(RecipeLineEntry, GivenUpLeavesNothingBehind) {
+TEST_F(RecipeLineEntry, DiscardingRestoresTheFigures) {
   editor.Select(kByWeight);
   Add(kCorn, "1200");
   const std::vector<RecipeLineRecord> before = Shown().ration.lines;
@@ -150,18 +150,18 @@ TEST_F(RecipeLineEntry, TheSameIngredientMayBePickedTwice) {
 
 TEST_F(RecipeLineEntry, TheFirstLineMakesTheNameTheDescription) {
   editor.Select(kByWeight);
-  editor.LeaveName("STEERS");
+  static_cast<void>(editor.LeaveName("STEERS"));
   EXPECT_EQ(ReadRecipe(database, kByWeight).description, "");
   Add(kCorn, "1200");
   EXPECT_EQ(ReadRecipe(database, kByWeight).description, "STEERS");
-  editor.LeaveName("CALVES");
+  static_cast<void>(editor.LeaveName("CALVES"));
   Add(kCorn, "1");
   EXPECT_EQ(ReadRecipe(database, kByWeight).description, "STEERS");
 }
 
-TEST_F(RecipeLineEntry, TheFirstLineOfARecipeWithoutNameIsTold) {
+TEST_F(RecipeLineEntry, TheFirstLineOfARecipeWithoutNameIsReported) {
   editor.Select(kByWeight);
-  editor.LeaveName("");
+  static_cast<void>(editor.LeaveName(""));
   op.boxes.clear();
   Add(kCorn, "1200");
   ExpectBox("Field Error", "The 'Name' field is mandatory.", Icon::kCritical);
@@ -289,7 +289,7 @@ TEST_F(RecipeLineEntry, ARecipeLeftWithAnIncompleteLineGetsItsFiguresBack) {
   EXPECT_EQ(left[0].ration_percent, "60.000");
 }
 
-TEST_F(RecipeLineEntry, GivenUpKeepsWhatAnotherTabChangedInTheLines) {
+TEST_F(RecipeLineEntry, DiscardingKeepsWhatAnotherTabChangedInTheLines) {
   editor.Select(kByWeight);
   Add(kCorn, "1200");
   editor.GoToRow(kEntryRow);

@@ -33,7 +33,7 @@ constexpr std::array<NamedEdit, 9> kEdits = {{
     {"MoveRow", [](RecipeEditor& editor) { editor.MoveRow(MoveDirection::kDown); }},
     {"ChooseBatchType", [](RecipeEditor& editor) { editor.ChooseBatchType(2); }},
     {"ChooseAdjustItem", [](RecipeEditor& editor) { editor.ChooseAdjustItem(0); }},
-    {"LeaveName", [](RecipeEditor& editor) { editor.LeaveName("OTHER"); }},
+    {"LeaveName", [](RecipeEditor& editor) { static_cast<void>(editor.LeaveName("OTHER")); }},
     {"LeaveRationTarget", [](RecipeEditor& editor) { editor.LeaveRationTarget("77"); }},
 }};
 
@@ -47,7 +47,7 @@ class RecipeEditorFaults : public RecipeEditorTest,
     op.answers.push_back(Answer::kYes);
   }
 
-  // While a new line is composed, the totals count what of it was entered.
+  // While a new line is composed, the totals include its entered cells.
   void ExpectUntouched(RecipeEditor& tried, const std::function<void()>& edit) {
     const auto before = CurrentRecipe(tried.Current());
     const std::string file = ReadAll(folder / "YARD.RDB");
@@ -74,7 +74,7 @@ TEST_P(RecipeEditorFaults, AReadOnlyDatabaseLeavesEverythingAsItWas) {
   ExpectUntouched(tried, [&] { GetParam().run(tried); });
 }
 
-// The failure comes when a part of the step is written already.
+// The failure occurs after a part of the step is written.
 TEST_P(RecipeEditorFaults, AWriteThatFailsHalfwayLeavesEverythingAsItWas) {
   database.exec(
       "CREATE TRIGGER FailHead BEFORE UPDATE ON Recipe BEGIN SELECT RAISE(FAIL, 'full'); END; "
@@ -84,12 +84,12 @@ TEST_P(RecipeEditorFaults, AWriteThatFailsHalfwayLeavesEverythingAsItWas) {
       "CREATE TRIGGER FailDelete AFTER DELETE ON RecipeRation "
       "BEGIN SELECT RAISE(FAIL, 'full'); END");
   ExpectUntouched(editor, [&] { GetParam().run(editor); });
-  // No transaction was left open.
+  // No transaction is still open.
   SQLite::Database other = OpenDatabase(folder / "YARD.RDB", Access::kWrite);
   other.exec("DROP TRIGGER FailHead");
 }
 
-TEST_P(RecipeEditorFaults, AStepInsideATransactionLeavesTheRestOfItStanding) {
+TEST_P(RecipeEditorFaults, AFailedStepKeepsTheRestOfItsTransaction) {
   database.exec(
       "CREATE TRIGGER Fail AFTER UPDATE ON RecipeRation BEGIN SELECT RAISE(FAIL, 'full'); END; "
       "CREATE TRIGGER FailAdd BEFORE INSERT ON RecipeRation BEGIN SELECT RAISE(FAIL, 'full'); END; "
@@ -154,7 +154,7 @@ TEST_F(RecipeEditorFailure, AnEditThatWouldOverflowIsRefusedAsAWhole) {
   ExpectStored();
 }
 
-TEST_F(RecipeEditorFailure, ARecipeThatOverflowsIsShownAndCanBeMended) {
+TEST_F(RecipeEditorFailure, ARecipeThatOverflowsIsShownAndCanBeCorrected) {
   FillToTheBrim();
   RecipeLineRecord line = Shown().ration.lines.front();
   line.row = 0;
@@ -172,7 +172,7 @@ TEST_F(RecipeEditorFailure, ARecipeThatOverflowsIsShownAndCanBeMended) {
   ExpectStored();
 }
 
-TEST_F(RecipeEditorFailure, ARecipeThatDoesNotConvertCanBeMendedStepByStep) {
+TEST_F(RecipeEditorFailure, ARecipeWithInvalidTextsCanBeCorrectedStepByStep) {
   editor.Select(kByPercent);
   Add(kCorn, "60");
   Add(kCorn, "40");
@@ -189,7 +189,7 @@ TEST_F(RecipeEditorFailure, ARecipeThatDoesNotConvertCanBeMendedStepByStep) {
   ExpectStored();
 }
 
-TEST_F(RecipeEditorFailure, ASequenceThatCannotGrowIsToldAsAnOverflow) {
+TEST_F(RecipeEditorFailure, ASequenceThatCannotGrowIsReportedAsAnOverflow) {
   RecipeLineRecord line{.recipe_id = "1", .ingredient = "1", .sequence = 2147483647};
   WriteRecipeLine(database, line);
   editor.Select(kByWeight);
@@ -231,7 +231,7 @@ TEST_F(RecipeEditorFailure, AFailedWriteBeepsWhateverTheSettingSays) {
   EXPECT_THAT(op.boxes, IsEmpty());
 }
 
-TEST_F(RecipeEditorFailure, ARefusalAndAnOverflowAreToldInABox) {
+TEST_F(RecipeEditorFailure, ARefusalAndAnOverflowShowAMessageBox) {
   EXPECT_FALSE(HandleEditEvent(op, [&] { editor.ChooseIngredient(kCorn); }));
   ExpectBox("Field Error",
             "Recipe 5 is of type \"!\": its lines are closed until a type W, H, % or P is chosen.",

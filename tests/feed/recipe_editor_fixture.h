@@ -27,7 +27,7 @@ inline constexpr RecipeInputs kClosed = {};
 
 // A recipe database with four ingredients in use: CORN of 88 % dry matter, HAY of 90, SUPP without
 // a figure and added by hand, OATS of 100. The recipes 1 to 4 have the types W, H, % and P and an
-// adjust item of +0 %, all others none. Nothing has lines.
+// adjust item of +0 %, all others have none. No recipe has lines.
 class RecipeEditorTest : public ::testing::Test {
  protected:
   static constexpr int kCorn = 1;
@@ -42,7 +42,8 @@ class RecipeEditorTest : public ::testing::Test {
   static constexpr int kUntyped = 5;
 
   RecipeEditorTest() {
-    database.exec("PRAGMA synchronous = OFF");  // hundreds of commits, and no power to lose
+    database.exec("PRAGMA synchronous = OFF");  // faster: hundreds of commits that need not survive
+                                                // a power cut
     WriteIngredient(database, {kCorn, "CORN", "Corn", 88, false});
     WriteIngredient(database, {kHay, "HAY", "Hay", 90, false});
     WriteIngredient(database, {kSupp, "SUPP", "Supplement", 0, true});
@@ -100,7 +101,7 @@ class RecipeEditorTest : public ::testing::Test {
     return editor.DeleteIng();
   }
 
-  // What is stored is what is on show.
+  // The stored recipe equals the current one.
   void ExpectStored() {
     const RecipeRecord& recipe = Shown().ration.recipe;
     EXPECT_EQ(ReadRecipeLines(database, recipe.id), Shown().ration.lines);

@@ -12,7 +12,7 @@ constexpr int kIndexOfPercent = 4;
 
 class RecipeHead : public RecipeEditorTest {};
 
-TEST_F(RecipeHead, AnEmptyRecipeStandsOnTheEntryRowWithoutTotals) {
+TEST_F(RecipeHead, AnEmptyRecipeStartsOnTheEntryRowWithoutTotals) {
   editor.Select(kByWeight);
   EXPECT_EQ(Shown().row, kEntryRow);
   EXPECT_FALSE(Shown().EntryPending());
@@ -21,7 +21,7 @@ TEST_F(RecipeHead, AnEmptyRecipeStandsOnTheEntryRowWithoutTotals) {
   EXPECT_TRUE(Shown().entry_row_offered);
 }
 
-TEST_F(RecipeHead, ARecipeWithLinesStandsOnLine1WithItsInputsOpen) {
+TEST_F(RecipeHead, ARecipeWithLinesStartsOnLine1WithItsInputsEnabled) {
   editor.Select(kByWeight);
   AddCornHaySupplement();
   database.exec("UPDATE RecipeRation SET [Ration%] = 'x', BatchTarget = NULL");
@@ -126,7 +126,7 @@ TEST_F(RecipeHead, TheAdjustItemIsStoredAsItsIndex) {
   ExpectStored();
 }
 
-TEST_F(RecipeHead, TheHeadCountIsNormalisedWhenTheBoxIsLeft) {
+TEST_F(RecipeHead, TheHeadCountIsNormalizedWhenTheBoxLosesFocus) {
   editor.Select(kByHeadCount);
   AddCornHaySupplement();
   for (const auto& [typed, stored] :
@@ -196,7 +196,7 @@ TEST_F(RecipeHead, ACommitKeepsTheLineThatIsBeingComposed) {
   EXPECT_TRUE(Shown().EntryPending());
 }
 
-TEST_F(RecipeHead, AnotherSelectionAddsACompleteLineAndGivesUpTheRest) {
+TEST_F(RecipeHead, AnotherSelectionAddsACompleteLineAndDiscardsAnIncompleteOne) {
   editor.Select(kByWeight);
   editor.ChooseIngredient(kCorn);
   editor.EnterCell(LineColumn::kTarget, "5");
@@ -210,26 +210,26 @@ TEST_F(RecipeHead, AnotherSelectionAddsACompleteLineAndGivesUpTheRest) {
 
 TEST_F(RecipeHead, WhatFollowsAStepRunsInsideItAndOnlyWhereSomethingIsStored) {
   int steps = 0;
-  RecipeEditor told(database, op, settings, kByWeight, [&](const CurrentRecipe& next) {
+  RecipeEditor observed(database, op, settings, kByWeight, [&](const CurrentRecipe& next) {
     ++steps;
     EXPECT_EQ(next.ration.recipe.ration_target, "77");
-    EXPECT_EQ(told.Current().ration.recipe.ration_target, "5000");
+    EXPECT_EQ(observed.Current().ration.recipe.ration_target, "5000");
     database.exec("UPDATE Pen SET FeedAmount = '9' WHERE ID = 1");
   });
   EXPECT_EQ(steps, 0);
-  told.LeaveRationTarget("5000");
+  observed.LeaveRationTarget("5000");
   EXPECT_EQ(steps, 0);
-  told.LeaveRationTarget("77");
+  observed.LeaveRationTarget("77");
   EXPECT_EQ(steps, 1);
   EXPECT_EQ(ReadPen(database, 1).feed_amount, "9");
 }
 
 TEST_F(RecipeHead, WhatFollowsAStepUndoesItWhereItFails) {
-  RecipeEditor told(database, op, settings, kByWeight, [&](const CurrentRecipe& /*next*/) {
+  RecipeEditor observed(database, op, settings, kByWeight, [&](const CurrentRecipe& /*next*/) {
     database.exec("INSERT INTO NoSuchTable VALUES (1)");
   });
-  EXPECT_THROW(told.LeaveRationTarget("77"), DatabaseError);
-  EXPECT_EQ(told.Current().ration.recipe.ration_target, "5000");
+  EXPECT_THROW(observed.LeaveRationTarget("77"), DatabaseError);
+  EXPECT_EQ(observed.Current().ration.recipe.ration_target, "5000");
   EXPECT_EQ(ReadRecipe(database, kByWeight).ration_target, "5000");
 }
 

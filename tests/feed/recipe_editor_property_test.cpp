@@ -53,7 +53,7 @@ class RandomRecipeEdits : public RecipeEditorTest, public ::testing::WithParamIn
         editor.GoToRow(Number(-1, 33));
         return;
       case 8:
-        // A moved share stays at its place, so that the as-fed weights no longer follow from it.
+        // A percentage stays in its row, so the moved as-fed weights do not match it.
         if (moves_shares_ || Shown().Entry() != LineEntry::kPercent) {
           editor.MoveRow(direction);
         }
@@ -103,7 +103,7 @@ class RandomRecipeEdits : public RecipeEditorTest, public ::testing::WithParamIn
     }
   }
 
-  // What a recipe's lines come to, worked out from what was entered alone.
+  // The figures of a recipe's lines, computed only from the entered cells.
   static void ExpectFigures(const Ration& ration, const TotalsRow* totals = nullptr) {
     const std::optional<ModelOutcome> expected = ModelRation(ration);
     ASSERT_TRUE(expected.has_value());
@@ -190,7 +190,7 @@ TEST_P(RandomRecipeEdits, AMoveUpAndDownRestoresEverything) {
   ExpectStored();
 }
 
-TEST_P(RandomRecipeEdits, AGivenUpLineLeavesEverythingAsItWas) {
+TEST_P(RandomRecipeEdits, ADiscardedLineChangesNothing) {
   Grow(Number(1, 12));
   editor.GoToRow(1);
   const CurrentRecipe before = Shown();

@@ -114,7 +114,7 @@ struct RefusedMove {
 
 class RefusedMoves : public RecipeEditorTest, public ::testing::WithParamInterface<RefusedMove> {};
 
-TEST_P(RefusedMoves, AreToldWithABeep) {
+TEST_P(RefusedMoves, ShowAMessageAndBeep) {
   editor.Select(kByWeight);
   for (int line = 0; line < GetParam().lines; ++line) {
     Add(kCorn, "10");

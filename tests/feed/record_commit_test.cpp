@@ -23,7 +23,7 @@ class RecordCommit : public FeedDatabaseTest {
     return ReadRecipeLines(database, recipe).at(line);
   }
 
-  // Commits as an action does, and returns what went wrong.
+  // Commits as an action does and returns the error.
   std::string CommitInTransaction(IngredientRecord record) {
     try {
       SQLite::Transaction transaction(database, SQLite::TransactionBehavior::IMMEDIATE);
@@ -205,7 +205,7 @@ TEST_F(RecordCommit, WithoutAKnownTypeTheAsFedWeightStays) {
   }
 }
 
-TEST_F(RecordCommit, ADryMatterOfNoneIsWorkedOutAsAll) {
+TEST_F(RecordCommit, AnEmptyDryMatterIsComputedAs100Percent) {
   UseRecipe(1, "STEERS", "W");
   AddLine(1, 5, {.target = "1200", .dry_matter_percent = "88"});
   SetRecipesDryMatterPct(database, 5, "0");
@@ -244,11 +244,11 @@ TEST_F(RecordCommit, APercentageThatIsNoNumberIsNamedWithItsRecipe) {
   EXPECT_EQ(ReadIngredient(database, 5).name, "ING005");
 }
 
-TEST_F(RecordCommit, ARecordThatIsNotThereIsToldAsSuch) {
+TEST_F(RecordCommit, AMissingRecordIsReported) {
   EXPECT_THAT(CommitInTransaction({.id = 101, .name = "CORN"}), HasSubstr("has no row 101"));
 }
 
-TEST_F(RecordCommit, ALockedFileIsToldAndUntouched) {
+TEST_F(RecordCommit, ALockedFileIsReportedAndUnchanged) {
   const std::string before = ReadAll(path);
   SQLite::Database other(path, SQLite::OPEN_READWRITE);
   const SQLite::Transaction lock(other, SQLite::TransactionBehavior::IMMEDIATE);
@@ -276,8 +276,8 @@ TEST_F(RecordCommit, TouchingSetsTheDateOfTheDay) {
   EXPECT_THAT(Ask("SELECT Modified FROM History"), ElementsAre("2026-01-05"));
 }
 
-// Whatever the lines hold, a commit changes nothing but HandAdd, DryMatter% and DryMatter of the
-// lines of its ingredient, and DryMatter as the ration arithmetic has it.
+// For any lines, a commit changes only HandAdd, DryMatter% and DryMatter of the lines of its
+// ingredient, and DryMatter as computed by ration.h.
 TEST_F(RecordCommit, ChangesThreeFieldsOfItsOwnLinesOnly) {
   std::mt19937 random(2260);
   const std::map<std::string, std::string> types = {{"1", "W"}, {"2", "H"}, {"3", "%"}, {"4", "P"},

@@ -58,7 +58,7 @@ TEST(IngredientEdit, AnEmptiedDescriptionNeverEmptiesTheName) {
   EXPECT_EQ(record.description, "");
 }
 
-TEST(IngredientEdit, ReportsWhatWasNormalised) {
+TEST(IngredientEdit, ReportsWhatWasNormalized) {
   IngredientRecord record = FreshIngredient();
   EXPECT_THAT(ApplyEdit({.dry_matter_percent = "150"}, true, record),
               ElementsAre("DryMatter%: 150 is out of range, 100 is stored."));

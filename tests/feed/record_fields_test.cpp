@@ -80,7 +80,7 @@ TEST(DescriptionField, RefusesASlash) {
             "The 'Description' field does not take the character '/'.");
 }
 
-TEST(DryMatterField, NormalisesAndTells) {
+TEST(DryMatterField, NormalizesAndNotes) {
   EXPECT_EQ(Type(RecordKind::kIngredient, "DryMatter%", "88").text, "88");
   EXPECT_EQ(Type(RecordKind::kIngredient, "DryMatter%", "88").note, "");
   const FieldEntry high = Type(RecordKind::kIngredient, "DryMatter%", "150");
@@ -111,7 +111,7 @@ TEST(HeadCountField, FallsBackToAHundredAboveAThousand) {
   EXPECT_EQ(Type(RecordKind::kRecipe, "HeadCount", "").text, "0");
 }
 
-TEST(RationTargetField, StandsAsTyped) {
+TEST(RationTargetField, KeepsTheTypedText) {
   EXPECT_EQ(Type(RecordKind::kRecipe, "RationTarget", "005000").text, "005000");
   EXPECT_EQ(Type(RecordKind::kRecipe, "RationTarget", "").text, "");
   EXPECT_EQ(Refusal(RecordKind::kRecipe, "RationTarget", "1000000"),
@@ -130,7 +130,7 @@ TEST(FieldOf, KnowsNoFieldThatIsNotTyped) {
   EXPECT_THROW(FieldOf(RecordKind::kIngredient, "ID"), std::out_of_range);
 }
 
-// Whatever bytes are typed, a field holds only what its filter lets through, within its limit.
+// For any typed bytes, a field contains only accepted characters, within its limit.
 TEST(EnterText, NeverHoldsWhatTheFilterDrops) {
   std::mt19937 random(2260);
   std::uniform_int_distribution<int> byte(1, 255);

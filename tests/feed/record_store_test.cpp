@@ -53,7 +53,7 @@ TEST_F(RecordStore, EachFieldIsAChange) {
   EXPECT_FALSE(StoreRecord(database, pen, calendar));
 }
 
-// Lines that somebody else wrote follow their ingredient at its next commit.
+// Lines written by another program are updated with their ingredient at its next commit.
 TEST_F(RecordStore, AnUnchangedRecordStillReachesItsLines) {
   UseRecipe(3, "STEERS");
   AddLine(3, 5, {.target = "880", .dry_matter_percent = "50", .hand_add = true});

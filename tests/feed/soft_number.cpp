@@ -19,7 +19,7 @@ int Length(Wide value) {
   return length;
 }
 
-// Throws where the whole numbers of this file are too short: a model that wraps proves nothing.
+// Throws on overflow of the whole numbers of this file, because a wrapped model proves nothing.
 Wide Shifted(Wide value, int places) {
   if (value == 0) {
     return 0;
@@ -45,7 +45,7 @@ Wide PowerOfTen(int exponent) {
   return power;
 }
 
-// `sticky`: the value is a bit more than told.
+// `sticky`: the true value is slightly larger.
 Binary RoundedWide(Wide value, int exponent, bool sticky, int bits) {
   const int surplus = std::max(Length(value) - bits, 0);
   const Wide rest = value & ((Wide{1} << surplus) - 1);

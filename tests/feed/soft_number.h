@@ -5,8 +5,8 @@
 
 namespace vrx::testing {
 
-// Numbers of 32 and 64 bits worked out with whole numbers only, so that no floating-point unit has
-// a say. None of them is negative.
+// Floating-point numbers of 32 and 64 bits computed with whole numbers only, so that results do not
+// depend on the floating-point unit. All numbers are 0 or positive.
 
 // `digits` times two to the power of `exponent`.
 struct Binary {
@@ -27,23 +27,23 @@ inline constexpr int kDoubleDigits = 15;
 
 Binary FromWhole(std::uint64_t value);
 
-// To so many binary digits, a half to the even neighbour.
+// Rounds to a number of binary digits, halves to even.
 Binary Rounded(Binary value, int bits);
 Binary Quotient(Binary a, Binary b, int bits);
 Binary Product(Binary a, Binary b, int bits);
-Binary Sum(Binary a, Binary b, int bits);  // exact where `bits` would let it be
+Binary Sum(Binary a, Binary b, int bits);  // exact if the sum fits `bits`
 
-// The text of a number, to so many significant decimal digits, a half to the even neighbour.
+// Text with a number of significant decimal digits, rounded halves to even.
 Decimal Significant(Binary value, int digits);
 
-// To the nearest whole number, a half to the even neighbour.
+// Rounds to the nearest whole number, halves to even.
 std::uint64_t Whole(Binary value);
 std::uint64_t Whole(Decimal value);
 
-// With so many decimals, a half away from zero.
+// Rounds to a number of decimals, halves away from zero.
 std::string Fixed(Decimal value, int decimals);
 
-// A plain decimal text as it stands; "" is 0.
+// Exact value of a plain decimal text; "" is 0.
 Decimal ReadDecimal(const std::string& text);
 Binary ReadSingle(const std::string& text);
 
