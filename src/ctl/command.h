@@ -14,9 +14,8 @@
 #include "platform/serial_control.h"
 #include "platform/system_info.h"
 
-namespace CLI {  // NOLINT(readability-identifier-naming): the library names it so
+namespace CLI {  // NOLINT(readability-identifier-naming): named by the library
 class App;
-class Option;
 }  // namespace CLI
 
 namespace vrx {
@@ -25,10 +24,10 @@ class Session;
 
 // Exit codes of the tool.
 inline constexpr int kDone = 0;
-inline constexpr int kFailed = 1;  // refused or failed; the operator has been told
+inline constexpr int kFailed = 1;  // refused or failed, after a message
 inline constexpr int kWrongUsage = 2;
 
-// One command of the tool, with the options of one run in its members.
+// One command of the tool. Its members hold the options of one run.
 class Command {
  public:
   virtual ~Command() = default;
@@ -36,16 +35,16 @@ class Command {
   // Adds the subcommand; called once. The App outlives the command.
   virtual CLI::App* Register(CLI::App& app) = 0;
 
-  // Whether the run leaves databases, settings and the module as they are. Such a command also
-  // works where the data folder is missing or cannot be written. Called after the parse.
+  // Whether the run changes neither databases nor settings nor the module. Such a command works
+  // even if the data folder is missing or write-protected. Called after parsing.
   virtual bool OnlyReads() const { return false; }
 
-  // Called after a parse that chose the subcommand. Returns kDone or kFailed; may throw
-  // CLI::ParseError for a usage that only now shows as wrong, and Error.
+  // Called after parsing if the subcommand was given. Returns kDone or kFailed. Throws
+  // CLI::ParseError for wrong usage that parsing did not detect, and Error.
   virtual int Run(Session& session) = 0;
 };
 
-// Every command, in the order of the help.
+// All commands in the order of the help.
 std::vector<std::unique_ptr<Command>> MakeCommands();
 
 std::unique_ptr<Command> MakeNewCommand();
@@ -68,20 +67,20 @@ std::unique_ptr<Command> MakeExportCommand();
 std::unique_ptr<Command> MakePrintCommand();
 std::unique_ptr<Command> MakeConvertCommand();
 
-// A serial control and the pump it was made with.
+// A serial control and its event pump.
 class SerialLine {
  public:
   virtual ~SerialLine() = default;
   virtual SerialControl& Control() = 0;
   virtual EventPump& Pump() = 0;
 
-  // The pump's Closing from now on: every wait ends.
+  // Sets the pump's Closing, which ends every wait.
   virtual void Close() = 0;
-  // SIGINT, SIGTERM and SIGHUP close from now on, rather than end the program.
+  // From now on SIGINT, SIGTERM and SIGHUP call Close() instead of ending the program.
   virtual void CloseOnSignals() = 0;
 };
 
-// Where the tool's world ends: streams and ports of one run. Everything it refers to outlives it.
+// The environment of one run: streams and services. Everything it refers to outlives it.
 struct CommandContext {
   std::istream& in;
   std::ostream& out;  // data
@@ -91,15 +90,16 @@ struct CommandContext {
   const SystemInfo& system;
   const Calendar& calendar;
 
-  // How long the commands on records wait for a database that another program holds.
+  // How long the commands on records wait for a database locked by another program.
   std::chrono::milliseconds busy_timeout = kBusyTimeout;
 
-  // A closed line. An empty device leaves it to the port number, mapped with the data folder.
+  // Makes a closed line. If `device` is empty, the port number selects the device, through the
+  // mapping in the data folder.
   std::function<std::unique_ptr<SerialLine>(const std::string& device,
                                             const std::filesystem::path& data_folder)>
       make_serial_line;
 
-  // Makes drawing possible, from now to the end of the run; no display is needed.
+  // Enables drawing until the end of the run; needs no display.
   std::function<void()> start_drawing = [] {};
 };
 

@@ -19,7 +19,7 @@ struct Entry {
   CLI::App* app;
 };
 
-// The tool as it parses one run.
+// The parser of one run, with its commands.
 struct CommandTree {
   CommandTree();
 

@@ -41,7 +41,7 @@ Json ToJson(const ConvertedTable& table) {
           {"refused", table.refused}};
 }
 
-// `rows` are pairs of a first and a last row of the old table, from 1; `ids` the same of IDs.
+// `rows` are pairs of a first and a last row of the old table, from 1; `ids` are pairs of IDs.
 Json ToJson(const ConversionNotice& notice) {
   Json ranges = Json::array();
   for (const RowRange& range : notice.rows) {
@@ -183,7 +183,7 @@ Json Describe(const DatabaseSummary& summary) {
     object["ingredients"] = summary.recipe.ingredients;
     object["recipes"] = summary.recipe.recipes;
     object["pens"] = summary.recipe.pens;
-    // A whole database has no such key.
+    // A complete database has no such key.
     if (summary.missing.Any()) {
       object["missing"] = ToText(summary.missing);
     }
@@ -232,7 +232,7 @@ class InfoCommand : public Command {
   OutputOptions output_;
 };
 
-// Keys whose text has a range that the settings themselves do not know.
+// Checks keys whose range the settings do not check.
 bool FitsKey(std::string_view key, std::string_view value) {
   constexpr std::array<std::string_view, 4> kBaudRates = {"1200", "2400", "9600", "19200"};
   if (EqualsIgnoringCase(key, "KRMBaudRate")) {

@@ -19,11 +19,10 @@ namespace {
 
 namespace fs = std::filesystem;
 
-constexpr int kMostSeconds = 2'000'000;  // 23 days; the pump's timers hold no more than 24
+constexpr int kMostSeconds = 2'000'000;  // 23 days; the pump's timers are limited to 24
 
-// The text that a recipe database or a backup puts into memory; nothing when the operator was told
-// why there is none. Whoever names the file wants it there, over a memory that is empty: no
-// question.
+// The text that a recipe database or a backup puts into memory; empty after reporting a failure.
+// Asks no question, because the memory is empty and the user named the file.
 std::optional<std::string> RecipeText(Session& session, const PrivateINI& settings,
                                       const fs::path& file) {
   if (IsRecipeBackup(file)) {
@@ -69,7 +68,7 @@ class DirectCommand : public Command {
 
   int Run(Session& session) override {
     const PrivateINI settings = port_.Settings(session);
-    // What the indicator has sent is not sent again: it must not meet a taken name at the end.
+    // The indicator does not send its data twice, so check first that no file name is taken.
     if (!out_.empty() && !FolderTakesDataFiles(session, out_)) {
       return kFailed;
     }
@@ -107,7 +106,7 @@ class DirectCommand : public Command {
     return connection.DirectConnectLoop() && !connection.AnswerFailed();
   }
 
-  // What the indicator sent is not lost even where no folder was given for it.
+  // Keeps the data of the indicator even if no folder was given.
   bool KeepMemory(Session& session, SerialLine& line, KRMCOMM& krm, TransferState& transfer,
                   const PrivateINI& settings) const {
     if (!out_.empty()) {
@@ -131,7 +130,7 @@ class DirectCommand : public Command {
   PortOption port_;
   std::string load_;
   std::string out_;
-  int seconds_ = 0;  // 0: without a limit
+  int seconds_ = 0;  // 0: no limit
 };
 
 }  // namespace

@@ -80,7 +80,7 @@ std::vector<std::string> HeaderCells(const HistoryGrid& grid, const std::vector<
 
 std::vector<std::string> RowCells(ShownRow row, const std::vector<int>& columns) {
   std::vector<std::string> cells{KindWord(row.kind), std::to_string(row.depth), row.caption};
-  row.cells.resize(kHistoryColumnCount);  // a group row has none
+  row.cells.resize(kHistoryColumnCount);  // a group row has no cells
   for (const int column : columns) {
     cells.push_back(std::move(row.cells[static_cast<std::size_t>(column) - 1]));
   }
@@ -114,7 +114,7 @@ class ShowCommand : public Command {
   }
 
  private:
-  // A row at a time: the grid holds a page of the table, never all of it.
+  // Writes row by row, because the grid never holds the whole table in memory.
   void Write(std::ostream& out, HistoryGrid& grid) const {
     if (!collapsed_) {
       grid.ExpandAll();
@@ -133,7 +133,7 @@ class ShowCommand : public Command {
   OutputOptions output_;
 };
 
-// A format is named as its files are.
+// A format has the name of its file name extension.
 ExportFormat FormatOf(std::string_view name) {
   for (const ExportFormat format : {ExportFormat::kXml, ExportFormat::kHtml}) {
     if (ExtensionOf(format).substr(1) == name) {

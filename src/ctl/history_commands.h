@@ -6,7 +6,7 @@
 #include "database/open_databases.h"
 #include "history/history_grid.h"
 
-namespace CLI {  // NOLINT(readability-identifier-naming): the library names it so
+namespace CLI {  // NOLINT(readability-identifier-naming): named by the library
 class App;
 }
 
@@ -14,19 +14,19 @@ namespace vrx {
 
 class Session;
 
-// What a command shows of a transaction database: the database, a data group and, for a group by
-// name, the name.
+// The options that select the history of a command: the transaction database, a data group and, for
+// a group by name, the name.
 class HistorySource {
  public:
   enum class Recipes { kOptional, kRequired };
 
   void Register(CLI::App& app, Recipes recipes = Recipes::kOptional);
 
-  // Sets up the grid of the group, all groups closed and the columns in their design order, and
-  // runs `work` on it; passes its result on. Without a recipe database the ingredient columns are
-  // hidden. Both databases are only read. Throws CLI::ParseError where a group by name lacks what
-  // it needs, or another has a name; kFailed, the operator told, for a database that is none or
-  // fails.
+  // Sets up the grid of the group with all groups closed and the columns in their initial order,
+  // runs `work` on it and returns its result. Without a recipe database the ingredient columns are
+  // hidden. Both databases are only read. Throws CLI::ParseError if a group by name lacks its name
+  // or recipe database, or another group has a name. Reports an unusable database and returns
+  // kFailed.
   int Run(Session& session, const std::function<int(HistoryGrid&)>& work) const;
 
   const std::string& Name() const { return name_; }

@@ -22,22 +22,22 @@ namespace vrx {
 
 namespace {
 
-// The Import tab without its window: a session of the import on the databases that a command names.
+// The Import tab without its window, working on the databases that a command names.
 class HeadlessImport : public ImportHost {
  public:
   HeadlessImport(Session& session, OpenDatabases databases);
 
-  // False after a failure that the operator was told.
+  // Returns false after reporting a failure.
   bool Import(const std::filesystem::path& file);
   StoreOutcome Store() { return import_.ClickImportStore(); }
   const TransFile& File() const { return import_.File(); }
 
   OpenDatabases Databases() const override { return databases_; }
-  // The columns of the grid are nobody's concern here.
+  // The command line has no grid.
   std::vector<IngredientRecord> GridIngredients() override { return {}; }
   void SelectTab(int /*tab*/) override {}
   void FocusControl(std::string_view /*name*/) override {}
-  // A command opens its databases for one store only.
+  // A command keeps its databases open only for one store.
   void SaveTransactionDatabase() override {}
   void ImportChanged() override {}
 
@@ -62,7 +62,7 @@ bool HeadlessImport::Import(const std::filesystem::path& file) {
   return import_.ImportFile({file.string(), file.filename().string()});
 }
 
-// Row by row: a damaged file can count many more rows than it fills.
+// Writes row by row, because a damaged file can have many more rows than data.
 void WriteRows(std::ostream& out, const ImportedData& rows) {
   std::vector<std::string> cells;
   for (int column = 1; column <= kImportColumns; ++column) {
@@ -92,19 +92,19 @@ class ImportCommand : public Command {
   bool OnlyReads() const override { return true; }
 
   int Run(Session& session) override {
-    HeadlessImport road(session, {});
-    if (!road.Import(file_)) {
+    HeadlessImport importer(session, {});
+    if (!importer.Import(file_)) {
       return kFailed;
     }
     session.Progress().Clear();
     if (output_.Form() == OutputForm::kCsv) {
-      WriteRows(session.Out(), road.File().Imported());
+      WriteRows(session.Out(), importer.File().Imported());
     } else {
       WriteObject(session.Out(), output_.Form(),
-                  {{"units", road.File().FileUnits()},
-                   {"batches", road.File().FileTransactionCount()},
-                   {"rows", road.File().FileRecordCount()},
-                   {"notRead", road.File().Imported().UnreadFeeds().size()}});
+                  {{"units", importer.File().FileUnits()},
+                   {"batches", importer.File().FileTransactionCount()},
+                   {"rows", importer.File().FileRecordCount()},
+                   {"notRead", importer.File().Imported().UnreadFeeds().size()}});
     }
     return kDone;
   }
@@ -136,24 +136,24 @@ class StoreCommand : public Command {
       return kFailed;
     }
     return session.OnDatabase(transactions_, DatabaseKind::kTransaction, [&] {
-      HeadlessImport road(
+      HeadlessImport importer(
           session, {.recipe_db_path = recipes_,
                     .trans_db_path = transactions_,
                     .trans_db_uom = ReadDatabaseUoM(transactions_, session.Context().busy_timeout),
                     .lock_wait = session.Context().busy_timeout});
-      return road.Import(file_) ? Store(session, road) : kFailed;
+      return importer.Import(file_) ? Store(session, importer) : kFailed;
     });
   }
 
  private:
-  static int Store(Session& session, HeadlessImport& road) {
-    const StoreOutcome outcome = road.Store();
+  static int Store(Session& session, HeadlessImport& importer) {
+    const StoreOutcome outcome = importer.Store();
     if (outcome.complete) {
-      session.Op().Tell(session.Progress().Message());
+      session.Op().ShowNote(session.Progress().Message());
     }
     if (outcome.complete || outcome.stored > 0) {
-      session.Op().Tell(
-          "rows read: " + std::to_string(road.File().FileRecordCount()) + ", stored: " +
+      session.Op().ShowNote(
+          "rows read: " + std::to_string(importer.File().FileRecordCount()) + ", stored: " +
           std::to_string(outcome.stored) + ", left out: " + std::to_string(outcome.left_out) +
           (outcome.not_read == 0 ? std::string()
                                  : ", not read: " + std::to_string(outcome.not_read)));

@@ -8,7 +8,7 @@
 
 namespace vrx {
 
-// Answers every file dialog with the path that the command line gave.
+// Answers every file dialog with the path from the command line.
 class ScriptedFileChoice : public FileChooser {
  public:
   void Choose(std::filesystem::path path) { path_ = std::move(path); }

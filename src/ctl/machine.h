@@ -8,7 +8,7 @@
 
 namespace vrx {
 
-// A line of this machine. Needs a QCoreApplication for as long as it lives.
+// A line of this machine. A QCoreApplication must exist during its lifetime.
 std::unique_ptr<SerialLine> MakeSerialLine(const std::string& device,
                                            const std::filesystem::path& data_folder);
 

@@ -11,7 +11,7 @@
 
 namespace {
 
-// The kind of application that a command needs is made once it does.
+// Creates the kind of application that a command needs, when it is needed.
 template <typename Application>
 void Need(std::unique_ptr<QCoreApplication>& application, int& argc, char** argv) {
   if (!application) {
@@ -42,7 +42,7 @@ int main(int argc, char** argv) {
              .start_drawing =
                  [&] {
                    qputenv("QT_QPA_PLATFORM", "offscreen");
-                   // Its remarks about the desktop that there may not be are none of ours.
+                   // Without a desktop Qt prints warnings that mean nothing to the user.
                    QLoggingCategory::setFilterRules(QStringLiteral("default.warning=false"));
                    Need<QGuiApplication>(application, argc, argv);
                  }});

@@ -63,7 +63,7 @@ class HeadlessDownload : public RecipeDownloadHost {
   }
 
   CurrentDatabase RecipeDatabase() const override { return database_; }
-  // Without a window there is nothing to open, to show or to give the focus to.
+  // There is no window to open, show or focus.
   void OpenRecipeDatabase() override {}
   void RecipesStored(int /*highest_in_use*/) override {}
   void FocusControl(std::string_view /*name*/) override {}
@@ -95,7 +95,7 @@ bool Refuse(Session& session, const std::string& text, const std::string& cause 
   return false;
 }
 
-// The cut files of a transfer on their way to disk.
+// Writes the cut files of a transfer to disk.
 class CutFiles {
  public:
   CutFiles(Session& session, const KRMCOMM& krm, TransferState& transfer,
@@ -132,7 +132,7 @@ class CutFiles {
     return true;
   }
 
-  // Writes each that can be written; never in the place of another file.
+  // Writes as many files as possible; never replaces another file.
   void SaveEach() {
     for (std::size_t i = 0; i < names_.size(); ++i) {
       if (Save(static_cast<int>(i) + 1, names_[i])) {
@@ -147,7 +147,7 @@ class CutFiles {
 
   bool AllSaved() const { return saved_ == names_.size(); }
 
-  // The bytes that are in no file.
+  // The bytes that were not written to a file.
   const std::string& Rest() const {
     return transfer_.block_is_cut && saved_ > 0 ? unsaved_ : transfer_.transfer_block;
   }
@@ -162,7 +162,7 @@ class CutFiles {
     if (transfer_.file_path != name.string()) {
       return Refuse(session_, name.string() + " could not be written.", files_.SaveFailure());
     }
-    session_.Progress().Clear();  // on a terminal both stand on one screen
+    session_.Progress().Clear();  // both outputs may be the same terminal
     session_.Out() << name.string() << '\n';
     return true;
   }
@@ -178,7 +178,7 @@ class CutFiles {
   std::string unsaved_;
 };
 
-// Writes what an upload has brought, and says how it went.
+// Writes the result of an upload and reports its outcome.
 int WriteUpload(Session& session, KRMCOMM& krm, TransferState& transfer, const PrivateINI& settings,
                 const fs::path& folder) {
   const bool failed = session.Op().StatusIsError();
@@ -232,7 +232,7 @@ int ClearModule(Session& session, KRMCOMM& krm) {
                       "The 'Clear' operation failed.");
 }
 
-// The rate is kept in the settings: every later check tells it to the module anew.
+// Saves the rate in the settings too, because every later check sets it in the module again.
 int SetModuleBaud(Session& session, KRMCOMM& krm, const std::string& baud) {
   session.Op().SetStatusLine("Standby... Attempting to connect to KRM");
   const bool set = krm.KRM_SetBaud(TextToLong(baud));
@@ -248,16 +248,16 @@ int SetModuleBaud(Session& session, KRMCOMM& krm, const std::string& baud) {
   return session.SaveSettings() ? kDone : kFailed;
 }
 
-// Sends a recipe database or a recipe backup to the module, after the question. Sending a database
-// stores what it recomputes. Returns kDone or kFailed.
+// Sends a recipe database or a recipe backup to the module, after a question. For a database it
+// also stores the recomputed recipes. Returns kDone or kFailed.
 int DownloadModule(Session& session, KRMCOMM& krm, EventPump& pump, const PrivateINI& settings,
                    const fs::path& file) {
   const bool backup = IsRecipeBackup(file);
   if (!backup && !session.IsUserDatabase(file, DatabaseKind::kRecipe)) {
     return kFailed;
   }
-  HeadlessDownload road(session, krm, pump, settings);
-  const bool sent = backup ? road.SendBackup(file) : road.SendDatabase(file);
+  HeadlessDownload download(session, krm, pump, settings);
+  const bool sent = backup ? download.SendBackup(file) : download.SendDatabase(file);
   if (session.Op().StatusIsError()) {
     session.Op().ReportCause(krm.KRM_FailureCause());
   }
@@ -391,7 +391,7 @@ void KeepReceived(Session& session, std::string_view bytes, const fs::path& fold
   try {
     data_folder = session.DataFolder();
   } catch (const Error&) {
-    // The temporary folder is left.
+    // The temporary folder remains.
   }
   RescueReceived(bytes, {folder, data_folder}, LocalNow(), session.Op());
 }

@@ -39,7 +39,7 @@ std::string FirstBytes(const std::filesystem::path& path) {
   try {
     return ReadFileBytes(path, kRecipeMark.size());
   } catch (const FileError&) {
-    // Whoever opens it next says why it cannot be read.
+    // Opening the file later reports why it cannot be read.
     return "";
   }
 }

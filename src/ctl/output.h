@@ -7,7 +7,7 @@
 
 #include <nlohmann/json.hpp>
 
-namespace CLI {  // NOLINT(readability-identifier-naming): the library names it so
+namespace CLI {  // NOLINT(readability-identifier-naming): named by the library
 class App;
 }
 
@@ -17,7 +17,7 @@ using Json = nlohmann::ordered_json;
 
 enum class OutputForm { kPlain, kCsv, kJson };
 
-// The options --csv and --json of a command; without either the output is plain.
+// The options --csv and --json of a command; without them the output is plain.
 class OutputOptions {
  public:
   void RegisterCsv(CLI::App& app);
@@ -35,18 +35,18 @@ struct OutputTable {
   std::vector<std::vector<Json>> rows;
 };
 
-// Plain: header line, cells by tabs, lines by LF; a control character inside a cell shows as a
-// blank. CSV: RFC 4180 with a header line and CR LF. JSON: an array of objects. All UTF-8; bytes of
-// a text that are none come out as the replacement character.
+// Plain: a header line, tabs between cells, LF; a control character in a cell becomes a blank. CSV:
+// RFC 4180 with a header line and CR LF. JSON: an array of objects. All UTF-8; invalid bytes become
+// U+FFFD.
 void WriteTable(std::ostream& out, OutputForm form, const OutputTable& table);
 
-// One line of such a table, plain or CSV: for a table that is too long to be held.
+// Writes one line of such a table, plain or CSV, for a table too long for memory.
 void WriteLine(std::ostream& out, OutputForm form, const std::vector<std::string>& cells);
 
-// The rows as objects under the header's names.
-Json ToJson(const OutputTable& table);
+// The rows as objects with the names of the header.
+[[nodiscard]] Json ToJson(const OutputTable& table);
 
-// One object: as JSON itself, else as a table of one row.
+// Writes an object as JSON, or otherwise as a table with one row.
 void WriteObject(std::ostream& out, OutputForm form, const Json& object);
 
 }  // namespace vrx

@@ -37,7 +37,7 @@ std::vector<Record> Chosen(std::vector<Record> records, bool all) {
   return records;
 }
 
-// Those with lines, each with its totals.
+// The recipes that have lines, each with its totals.
 std::vector<CurrentRecipe> RecipesToPrint(SQLite::Database& database, bool all) {
   std::vector<CurrentRecipe> recipes;
   for (const RecipeRecord& record : Chosen(ReadRecipes(database), all)) {

@@ -28,10 +28,10 @@ namespace vrx {
 
 namespace {
 
-// One of the four subcommands: its options, and its edit in the recipe's editor.
+// One of the four subcommands: its options and its edit of the recipe.
 class LineAction {
  public:
-  // True: the edit stands. False: refused, with the operator told.
+  // Returns false after reporting a refusal.
   using Edit = std::function<bool(RecipeEditor&)>;
 
   LineAction(CLI::App& line, const std::string& name, const std::string& description)
@@ -65,7 +65,7 @@ class LineAction {
   int recipe_ = 0;
 };
 
-// What a line is entered by, as the recipe's type has it.
+// The options for the amount of a line, which depend on the recipe's type.
 class AmountOptions {
  public:
   void Register(CLI::App& app) {
@@ -84,8 +84,8 @@ class AmountOptions {
 
   bool Given() const { return weight_option_->count() + percent_option_->count() > 0; }
 
-  // Where neither was given, nothing is entered. An empty text is most likely a variable that was
-  // not set.
+  // Enters nothing if neither was given. Refuses an empty text, which is most likely an unset
+  // variable of a script.
   void Enter(RecipeEditor& editor) const {
     if (!Given()) {
       return;
@@ -136,12 +136,12 @@ class AddAction : public LineAction {
   AmountOptions amount_;
 };
 
-// An action on a line that is there.
+// An action on an existing line.
 class PositionAction : public LineAction {
  public:
   PositionAction(CLI::App& line, const std::string& name, const std::string& description)
       : LineAction(line, name, description) {
-    // Which positions there are, the recipe tells.
+    // The editor checks the position against the recipe.
     using Any = std::numeric_limits<int>;
     AddWholeNumber(App(), "position", "Place of the line in the recipe, from 1", Any::min(),
                    Any::max(), position_)
@@ -308,7 +308,7 @@ Json Inputs(const RecipeInputs& inputs) {
           {"AdjustBatch", inputs.adjust_batch}};
 }
 
-// Plain: four tables with a header line each, an empty line between them.
+// Plain output has four tables with header lines, separated by empty lines.
 void ShowRecipe(std::ostream& out, OutputForm form, const Ration& ration,
                 const RecipeTotals& totals) {
   Json document = Head(ration.recipe);

@@ -38,7 +38,7 @@ int EditRecipeFile(Session& session, const std::string& file, std::string_view r
         return kFailed;
       }
       for (const std::string& note : outcome.notes) {
-        session.Op().Tell(note);
+        session.Op().ShowNote(note);
       }
     } catch (const FieldRefusal& refusal) {
       session.Op().ShowMessage(

@@ -25,12 +25,12 @@ namespace vrx {
 
 namespace {
 
-// What was given for an option, an empty text included.
+// The value of an option, which may be empty; nothing if the option was not given.
 std::optional<std::string> Given(const CLI::Option* option) {
   return option->count() > 0 ? std::optional(option->results().back()) : std::nullopt;
 }
 
-// The part that the three kinds have in common: options, and one edit of the database.
+// The common part of the three kinds of records: options, and one edit of the database.
 class RecordForm {
  public:
   RecordForm(CLI::App& set, const RecordKindTraits& kind)
@@ -53,7 +53,7 @@ class RecordForm {
   std::optional<std::string> Name() const { return Given(name_); }
   std::optional<std::string> Description() const { return Given(description_); }
 
-  // `edit` reads, changes and writes the record, and returns what to tell.
+  // `edit` reads, changes and writes the record, and returns the notes to show.
   int Run(Session& session,
           const std::function<std::vector<std::string>(SQLite::Database&)>& edit) {
     RequireAnOption();
@@ -309,7 +309,7 @@ class ResetCommand : public Command {
  private:
   static void ReportPenCapacity(Session& session, SQLite::Database& database) {
     if (const auto size = CheckPenCapacity(ReadPens(database))) {
-      session.Op().Tell(PenCapacityWarning(*size));
+      session.Op().ShowNote(PenCapacityWarning(*size));
     }
   }
 

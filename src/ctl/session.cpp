@@ -23,7 +23,7 @@ namespace {
 
 constexpr std::string_view kToLineStartAndErase = "\r\x1B[K";
 
-// CR LF becomes a line break; a break at the end of the text goes.
+// Replaces CR LF by a line break and removes a trailing one.
 std::string Lines(std::string_view text) {
   std::string lines;
   for (const char character : text) {
@@ -53,7 +53,7 @@ void ReportUnread(Operator& op, const std::string& cause) {
                   .cause = cause});
 }
 
-// Keeps the last message, for later or for nobody.
+// Keeps the last message instead of showing it.
 class KeptBox : public Operator {
  public:
   Answer ShowMessage(const MessageBox& box) override {
@@ -181,11 +181,11 @@ void TerminalOperator::SetStatusLine(std::string_view text) {
   if (color_ == StatusColor::kBlue || text.empty()) {
     line_.SetProgressMessage(text);
   } else {
-    Tell(text);
+    ShowNote(text);
   }
 }
 
-void TerminalOperator::Tell(std::string_view text) {
+void TerminalOperator::ShowNote(std::string_view text) {
   line_.Clear();
   err_ << Lines(text) << '\n';
 }
@@ -252,8 +252,8 @@ PrivateINI Session::ReadSettings() {
   return settings;
 }
 
-// A missing file or key has its default, whether that can be written or not. A file that exists and
-// cannot be read may say otherwise.
+// A missing file or key has its default, even if the default cannot be written. An existing file
+// that cannot be read may have other values, so the user is warned.
 PrivateINI Session::ReadSettingsInForce() {
   PrivateINI settings;
   if (DataFolder().empty()) {
@@ -309,16 +309,16 @@ bool Session::AcceptsType(const fs::path& path, DatabaseKind kind, const std::st
 }
 
 int Session::OnDatabase(const fs::path& path, DatabaseKind kind, const std::function<int()>& work) {
-  const auto tell = [&](const DatabaseError& error) {
+  const auto report = [&](const DatabaseError& error) {
     Identity().ShowDatabaseError(error.Number(), TextsOf(kind).open_failure, error.what());
     return kFailed;
   };
   try {
     return work();
   } catch (const DatabaseError& error) {
-    return tell(error);
+    return report(error);
   } catch (const SQLite::Exception& error) {
-    return tell(TranslateSqliteError(error, path));
+    return report(TranslateSqliteError(error, path));
   }
 }
 

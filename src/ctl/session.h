@@ -17,7 +17,7 @@
 
 namespace vrx {
 
-// One line of progress, drawn over itself. Draws on a terminal only.
+// A progress line that is redrawn in place, on a terminal only.
 class ProgressLine : public ProgressDisplay {
  public:
   ProgressLine(std::ostream& err, bool on_terminal) : err_(err), on_terminal_(on_terminal) {}
@@ -29,7 +29,7 @@ class ProgressLine : public ProgressDisplay {
   void SetProgressRange(int maximum) override;
   void SetProgressValue(int value) override;
 
-  // Takes the line away, so that something else can be written.
+  // Erases the line, so that other output can be written.
   void Clear();
 
   const std::string& Message() const { return message_; }
@@ -46,9 +46,9 @@ class ProgressLine : public ProgressDisplay {
   int value_ = 0;
 };
 
-// The person who runs the tool. Messages go to the error stream as "TITLE: text", what lies behind
-// them as a line "cause: ...". A question is answered with its going-on button by `yes`, else from
-// the terminal if there is one, else with its refusing button.
+// Writes messages to the error stream as "TITLE: text", followed by a line "cause: ...". `yes`
+// answers every question with the button that proceeds; otherwise the terminal is asked; without a
+// terminal the answer is the button that refuses.
 class TerminalOperator : public Operator {
  public:
   struct Settings {
@@ -63,18 +63,18 @@ class TerminalOperator : public Operator {
   void Beep() override;  // on a terminal only
   void SetBusy(bool /*busy*/) override {}
 
-  // Busy texts are progress; texts in the colours of an error or a success are messages.
+  // Busy texts are shown as progress; texts in the colors of an error or a success are messages.
   void SetStatusLine(std::string_view text) override;
   void SetStatusColor(StatusColor color) override { color_ = color; }
 
   bool StatusIsError() const { return color_ == StatusColor::kRed; }
 
-  // A line "cause: ..." for the message before; nothing for a cause that is empty or was told with
+  // Writes a line "cause: ..." for the previous message, unless the cause is empty or was part of
   // that message.
   void ReportCause(std::string_view cause);
 
-  // A message of the tool itself, without a title.
-  void Tell(std::string_view text);
+  // Writes a message of the tool itself, without a title.
+  void ShowNote(std::string_view text);
 
  private:
   Answer Ask(const MessageBox& box);
@@ -87,13 +87,13 @@ class TerminalOperator : public Operator {
   std::string last_cause_;
 };
 
-// Options that every command takes.
+// Options of every command.
 struct GlobalOptions {
   bool yes = false;
   std::string data_dir;  // empty: the system's application data folder
 };
 
-// What a command works with in one run.
+// The state of one run that commands share.
 class Session {
  public:
   Session(const CommandContext& context, const GlobalOptions& options);
@@ -103,30 +103,31 @@ class Session {
   TerminalOperator& Op() { return operator_; }
   ProgressLine& Progress() { return progress_; }
 
-  // The command only reads: a data folder and settings that cannot be made are done without. Called
-  // before anything else.
+  // The command only reads, so it works without a data folder and settings if they cannot be
+  // created. Called before anything else.
   void OnlyRead() { only_reads_ = true; }
 
-  // The application data folder, made if it is not there. Throws FileError where it cannot be made,
-  // unless the command only reads.
+  // The application data folder, created if necessary. Throws FileError if that fails, unless the
+  // command only reads.
   const std::filesystem::path& DataFolder();
 
-  // Read from the INI file of the data folder at the first call; a missing file is made with
-  // defaults. Throws Error, the operator told, when there is none and none can be made. A command
-  // that only reads then works with the defaults; the operator is told where the file has others.
+  // Read from the INI file of the data folder at the first call; a missing file is created with
+  // defaults. If that fails, reports it and throws Error. A command that only reads uses the
+  // defaults instead, and warns if an existing file cannot be read.
   PrivateINI& Settings();
-  // Writes the settings; false, with the operator told, when that failed.
-  bool SaveSettings();
+  // Writes the settings. Returns false after reporting a failure.
+  [[nodiscard]] bool SaveSettings();
 
   DatabaseIdentity& Identity();
 
-  // True if the file says that it is a user's database of that kind; else the operator was told.
-  bool IsUserDatabase(const std::filesystem::path& path, DatabaseKind kind);
-  // The same of a file whose type was read already.
-  bool AcceptsType(const std::filesystem::path& path, DatabaseKind kind, const std::string& type);
+  // Whether the file is a user's database of that kind; otherwise reports that it is not.
+  [[nodiscard]] bool IsUserDatabase(const std::filesystem::path& path, DatabaseKind kind);
+  // The same for a file whose type is already known.
+  [[nodiscard]] bool AcceptsType(const std::filesystem::path& path, DatabaseKind kind,
+                                 const std::string& type);
 
-  // Runs work on a database and passes its result on. A failure of the storage is told under the
-  // title that opening such a file has, and gives kFailed.
+  // Runs `work` on a database and returns its result. Reports a database failure under the title of
+  // opening such a file and returns kFailed.
   int OnDatabase(const std::filesystem::path& path, DatabaseKind kind,
                  const std::function<int()>& work);
 
@@ -147,7 +148,7 @@ class Session {
   std::optional<DatabaseIdentity> identity_;
 };
 
-// The kind that a file's extension speaks for: .TDB a transaction database, all else a recipe one.
-DatabaseKind KindOfExtension(const std::filesystem::path& path);
+// The kind of a database by its extension: transactions for .TDB, recipes for any other.
+[[nodiscard]] DatabaseKind KindOfExtension(const std::filesystem::path& path);
 
 }  // namespace vrx

@@ -4,8 +4,8 @@
 
 namespace vrx {
 
-// A folder of its own below the system's temporary one, for a file that is only passed on; gone
-// with the object. Others have no access. Throws FileError.
+// A private folder in the system's temporary folder, removed with the object. Other users have no
+// access. Throws FileError.
 class WorkFolder {
  public:
   WorkFolder();

@@ -168,7 +168,7 @@ FieldValue ConvertNumberText(const FieldRule& rule, const LegacyValue& value, Re
   return *text;
 }
 
-// Of a value that is no text. A number stands for its date.
+// The moment of a value that is not a text. A number is treated as a stored date.
 std::optional<JetMoment> MomentOf(const LegacyValue& value) {
   if (const auto* const stored = std::get_if<JetDate>(&value)) {
     return ToMoment(*stored);
