@@ -15,7 +15,7 @@ struct TabSides {
   bool transaction = false;
 };
 
-// The open database that a tab needs; none for the Data Transfer and Import tabs.
+// The open databases that a tab needs; none for the Data Transfer and Import tabs.
 constexpr std::array<TabSides, kTabCount> kTabNeeds{{
     {.recipe = true},
     {.recipe = true},
@@ -45,7 +45,7 @@ std::size_t IndexOf(std::string_view name) {
 
 }  // namespace
 
-// A command of one database, or one of both that stands over an item of each.
+// A command of one database, or a parent of items of both.
 struct CommandStates::Command {
   std::string_view name;
   Side side = Side::kNone;
@@ -177,7 +177,7 @@ void CommandStates::TurnPrintCommands(bool on) {
 }
 
 void TabFolder::SelectTab(int tab) {
-  commands_.TabOn(tab);  // refuses what is no tab before anything is shown
+  commands_.TabOn(tab);  // throws for an invalid tab before anything is shown
   window_.ShowTab(tab);
   commands_.TurnTab(tab, true);
   Clicked(tab);

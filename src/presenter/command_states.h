@@ -21,7 +21,7 @@ enum MainTab : int {
 };
 inline constexpr int kTabCount = 7;
 
-// Whoever shows commands: is told of each change, and of nothing that stays as it was.
+// Shows commands. Notified of each change, and only of changes.
 class CommandObserver {
  public:
   virtual ~CommandObserver() = default;
@@ -29,18 +29,18 @@ class CommandObserver {
   virtual void TabChanged(int tab, bool on) = 0;
 };
 
-// What there is to print.
+// The data that can be printed.
 struct PrintSources {
   bool recipe_database = false;       // RecipeDbName isn't empty
   bool transaction_database = false;  // TransDbName isn't empty
   bool transaction_file = false;      // one is loaded
 };
 
-// Which commands of the main window are on. A menu item goes by its control's name, a button of the
-// toolbar by its key ("Save"), an item of a button's list by its text ("Save Recipe"), a tab by its
-// number. A command that is not among Names() is always on.
+// Which commands of the main window are enabled. A menu item is identified by its control's name, a
+// toolbar button by its key ("Save"), an item of a button's list by its text ("Save Recipe"), a tab
+// by its number. A command that is not among Names() is always enabled.
 //
-// Everything is on to begin with. Observers outlive the states, and must not change them.
+// At first everything is enabled. Observers outlive the states and must not change them.
 class CommandStates {
  public:
   static constexpr std::size_t kCount = 19;
@@ -48,20 +48,20 @@ class CommandStates {
 
   CommandStates();
 
-  // Throw Error for a name that is not among Names(), or a tab that is not there.
+  // Throw Error for a name that is not among Names(), or for a tab that does not exist.
   bool On(std::string_view name) const;
   void Turn(std::string_view name, bool on);
   bool TabOn(int tab) const;
   void TurnTab(int tab, bool on);
 
-  // A command of both databases stays on as long as the other database's one is.
+  // A command for both databases stays enabled while the other database's command is enabled.
   void DisableRecipeCommands() { Disable(Side::kRecipe); }
   void EnableRecipeCommands() { Enable(Side::kRecipe); }
   void DisableTransactionCommands() { Disable(Side::kTransaction); }
   void EnableTransactionCommands() { Enable(Side::kTransaction); }
 
-  // The menu's and the toolbar's print command for the tab on show; left as they are by tab 6 and
-  // by anything that is no tab.
+  // Updates the print commands of menu and toolbar for the current tab. Tab 6 and any invalid tab
+  // leave them unchanged.
   void UpdatePrintCommands(int tab, const PrintSources& sources);
   void TurnPrintCommands(bool on);
 
@@ -82,33 +82,33 @@ class CommandStates {
   std::vector<CommandObserver*> observers_;
 };
 
-// What the tab folder `tabMainFolder` asks of the window.
+// The window of the tab folder `tabMainFolder`.
 class TabFolderWindow {
  public:
   virtual ~TabFolderWindow() = default;
 
-  // Brings a tab on show, also one that is off; its Click routine does not run from here.
+  // Shows a tab, even a disabled one, without running its Click routine.
   virtual void ShowTab(int tab) = 0;
 
-  // The Click routine of the tab now on show; `previous` was on show before. May run events.
+  // The Click routine of the current tab; `previous` was shown before. May run events.
   virtual void PrepareTab(int tab, int previous) = 0;
 
   virtual PrintSources Printable() const = 0;
 };
 
-// The seven tabs as the program turns them. The window tells the operator's own clicks by Clicked.
+// Selects among the seven tabs. The window reports the operator's own clicks with Clicked.
 class TabFolder {
  public:
   TabFolder(CommandStates& commands, TabFolderWindow& window)
       : commands_(commands), window_(window) {}
 
-  // Turns the tab on, too. Throws Error for a tab that is not there.
+  // Also enables the tab. Throws Error for a tab that does not exist.
   void SelectTab(int tab);
 
-  // The operator has turned to the tab: its Click routine runs.
+  // The operator has selected the tab: runs its Click routine.
   void Clicked(int tab);
 
-  // The tab chosen last; the window opens with tab 0.
+  // The tab selected last; initially tab 0.
   int CurrentTab() const { return current_tab_; }
 
   void UpdatePrintCommands(int tab) { commands_.UpdatePrintCommands(tab, window_.Printable()); }
@@ -119,8 +119,8 @@ class TabFolder {
   int current_tab_ = 0;
 };
 
-// The panels of `sbRecipe` and `sbTrans` that tell of a database, by their numbers. Each stands
-// behind its caption, which is the panel of the number before.
+// The panels of `sbRecipe` and `sbTrans` that describe a database, by their numbers. The panel with
+// the number before is the caption of each.
 enum StatusPanel : int {
   kPanelName = 2,
   kPanelUnit = 4,
@@ -148,14 +148,14 @@ inline constexpr std::array<StatusPanelWords, 4> kTransactionPanels{{
     {kPanelModified, "Modified:", "Transaction Database Last Modified Date"},
 }};
 
-// `timGeneralDelay`: the one timer behind every general delay of the main window.
+// `timGeneralDelay`: the single timer for all general delays of the main window.
 class GeneralDelay {
  public:
   explicit GeneralDelay(EventPump& pump) : pump_(pump) {}
 
-  // Lets events run for that long. A delay that such an event begins takes the timer over: both end
-  // when the later one does. False as soon as the program is closing; what was waiting must then
-  // unwind.
+  // Runs events for that long. A delay that starts in such an event takes over the timer: both end
+  // with the later one. Returns false as soon as the program is closing; the caller must then
+  // return.
   bool Wait(Milliseconds interval);
 
   bool Closing() const { return pump_.Closing(); }

@@ -63,7 +63,7 @@ class Creation {
         ReportNotMade();
       }
     } catch (...) {
-      std::error_code second_failure;  // the first one is told
+      std::error_code second_failure;  // the first one is reported
       fs::remove(wanted_.path, second_failure);
       throw;
     }
@@ -114,7 +114,7 @@ class Creation {
     return false;
   }
 
-  // One of the routines of the identity has reported what failed, but not of which file.
+  // The identity has already reported what failed, but not which file.
   void ReportNotMade() {
     Tell(Icon::kCritical, kCreationError,
          Joined({"New ", words_.noun, " database file creation failed.", kLineEnd, kLineEnd,
@@ -123,7 +123,7 @@ class Creation {
 
   bool CopyIsBlank() {
     const std::string type = identity_.GetDatabaseType(wanted_.path);
-    // The transaction side dates its file before it looks at the type, too.
+    // For transactions the file is also dated before its type is checked.
     if (wanted_.kind == DatabaseKind::kTransaction) {
       identity_.SetDatabaseDate(wanted_.path, DateSelector::kCreated);
     }
@@ -138,7 +138,7 @@ class Creation {
     return false;
   }
 
-  // A step that fails has told the operator.
+  // Each step reports its own failure.
   bool MadeUserFile() {
     operator_.SetBusy(true);
     if (wanted_.accepted) {

@@ -10,13 +10,13 @@
 
 namespace vrx {
 
-// What the program knows of the database it works on: RecipeDbPath, RecipeDbName, RecipeDbUoM and
-// the same of the transaction side. Empty when none.
+// The current database: RecipeDbPath, RecipeDbName, RecipeDbUoM and the same for transactions.
+// Empty if there is none.
 struct CurrentDatabase {
   std::filesystem::path path;
   std::string name;  // file title in upper case
   std::string unit;
-  std::string read_only_note = {};  // why it may not be written, else empty
+  std::string read_only_note = {};  // why it is read-only; empty if it is not
 };
 
 struct NewDatabase {
@@ -25,21 +25,20 @@ struct NewDatabase {
   std::filesystem::path path;               // as chosen
   std::string title;                        // the chosen file title
   std::string unit;                         // "LB" or "KG"
-  // Called once the copy has proven to be of the template, with the pointer busy.
+  // Called when the copy has been verified, with the busy cursor shown.
   std::function<void()> accepted = {};
 };
 
-// The eight-character rule of file titles; what breaks it is told.
+// Checks the eight-character rule of file titles and reports a violation.
 bool AcceptDatabaseName(const std::string& title, Operator& op);
 
-// What New does between its dialog and the binding of the window: tests the name and the template,
-// copies the template without overwriting, and makes the copy a user's file with unit and date of
-// creation. Whatever is in the way is told to the operator, and false comes back; the chosen path
-// then holds what it held before.
+// The steps of New between its dialog and the binding of the window: checks the name and the
+// template, copies the template without overwriting, and makes the copy a user's file with unit and
+// date of creation. Returns false after reporting a failure; an existing file is then unchanged.
 //
-// Path and name of `current` are set once the copy exists, and stay set when it turns out to be no
-// template; its unit follows with a good one. On success the pointer is the hourglass, which
-// the caller takes back once its views are bound.
+// Sets path and name of `current` as soon as the copy exists, even if it is not a valid template,
+// and the unit only on success. On success the busy cursor is shown; the caller resets it after
+// binding its views.
 bool CreateDatabase(const NewDatabase& wanted, DatabaseIdentity& identity, Operator& op,
                     CurrentDatabase& current);
 

@@ -12,7 +12,7 @@ namespace vrx {
 
 namespace {
 
-// The words of one kind of file.
+// The texts of one kind of file.
 struct Kind {
   const char* save_title;
   const char* filter;
@@ -66,7 +66,7 @@ bool HasMark(std::string_view text, const Kind& kind) {
                      [&](std::string_view mark) { return text.starts_with(mark); });
 }
 
-// The part of the block that a table names; empty where the table and the block do not match.
+// The part of the block that a table entry specifies; empty if the entry does not fit the block.
 std::string_view Part(std::string_view block, const FileAttributes& part) {
   if (part.position < 1 || part.length < 1 ||
       static_cast<std::size_t>(part.position) > block.size()) {
@@ -151,8 +151,7 @@ void ReportFile::SaveDataFile(int file) {
   MarkSaved(file, type);
 }
 
-// A fresh row in the place of the old one: its check box is empty, so that another save needs
-// another click.
+// Replaces the row by an unchecked one, so that another save needs another click.
 void ReportFile::MarkSaved(int file, DataFileType type) {
   auto& rows = transfer_.data_files;
   const auto row = std::find_if(rows.begin(), rows.end(),

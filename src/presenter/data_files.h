@@ -13,40 +13,40 @@ namespace vrx {
 
 class PrivateINI;
 
-// A file last saved or opened: its path, and its name in upper case.
+// The file last saved or opened: its path, and its name in upper case.
 struct LastFile {
   std::string path;
   std::string title;
 };
 
-// The attributes of a file of the transfer block, counted from 1; asked for 1 to kMaxDataFiles
-// only.
+// Returns the attributes of a file of the transfer block, from 1 to kMaxDataFiles.
 using FileAttributesTable = std::function<FileAttributes(int file)>;
 
-// The cut files of the Data Transfer tab on their way to disk, and recipe backups on their way
-// back. A file holds the bytes of the data window and nothing else.
+// Saves the cut files of the Data Transfer tab and opens recipe backups. A file holds exactly the
+// bytes of the data window.
 class ReportFile {
  public:
-  // What is named by reference must outlive the object.
+  // All references must outlive the object.
   ReportFile(Operator& op, FileChooser& chooser, const PrivateINI& settings,
              TransferState& transfer, FileAttributesTable attributes);
 
-  // Each asks for a name and writes the data window there. False after a cancel, and after a failed
-  // write, which leaves the old file as it was and its reason in SaveFailure.
+  // Each asks for a name and writes the data window to that file. Returns false after Cancel and
+  // after a failed write, which leaves an existing file unchanged and sets SaveFailure.
   bool SaveTransactionFile() { return Save(DataFileType::kTransaction); }
   bool SaveRecipeBackupFile() { return Save(DataFileType::kRecipeBackup); }
   bool SaveReportFile() { return Save(DataFileType::kReport); }
 
-  // Shows a file of the transfer block in the data window; a number without a file shows nothing.
+  // Shows a file of the transfer block in the data window; nothing for a number without a file.
   void ShowDataFile(int file);
 
-  // Shows a file, checks its header and saves it; the status line and the list tell how it went.
+  // Shows a file, checks its header and saves it; shows the outcome in the status line and the
+  // list.
   void SaveDataFile(int file);
 
-  // What `cmdSaveFile` does: saves the file of the first checked row.
+  // `cmdSaveFile`: saves the file of the first checked row.
   void SaveCheckedFile();
 
-  // Forgets the backup of before; a cancel leaves none. A rescue file can be chosen too.
+  // Forgets the previous backup, even if the dialog is canceled. Also accepts a rescue file.
   void OpenRecipeBackupFile();
   void ForgetRecipeBackupFile() { Kept(DataFileType::kRecipeBackup) = {}; }
 
@@ -54,7 +54,7 @@ class ReportFile {
   const LastFile& RecipeBackupFile() const { return Kept(DataFileType::kRecipeBackup); }
   const LastFile& TextReport() const { return Kept(DataFileType::kReport); }
 
-  // Why the last save failed; empty after a save that did not, and after a cancel.
+  // Why the last save failed; empty after a successful save and after Cancel.
   const std::string& SaveFailure() const { return save_failure_; }
 
  private:

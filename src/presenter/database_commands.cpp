@@ -44,7 +44,7 @@ constexpr KindRules kTransactionManner{.goes_to_transfer_tab = false,
 
 constexpr Milliseconds kOpenDelay{50};
 
-// Item of `cboPenID` that an opened database stands on.
+// The item of `cboPenID` selected after opening a database.
 constexpr int kFirstPenItem = 1;
 
 }  // namespace
@@ -76,7 +76,7 @@ void DatabaseCommands::OrGoBack(Side& side, const std::function<void()>& body) {
   try {
     body();
   } catch (...) {
-    // Unless another database is open by now, which shows itself.
+    // Not if another database has been opened, which has updated the display.
     if (side.bound.connection.get() == connection) {
       side.current = current;
       ShowPanels(side, panels);
@@ -230,7 +230,7 @@ void DatabaseCommands::WarnOfMissingRecords(const BoundDatabase& database,
                                  "a backup copy."});
 }
 
-// False: another database is bound by now, or the program closes.
+// Returns false if another database was bound, or if the program closes.
 bool DatabaseCommands::BindOpened(Side& side, BoundDatabase next, const FileToOpen& file) {
   BoundDatabase previous = Bind(side, std::move(next));
   const SQLite::Database* const connection = side.bound.connection.get();
@@ -291,8 +291,7 @@ void DatabaseCommands::ShowOpened(Side& side, const FileToOpen& file) {
 
 // The window and its views.
 
-// The new connection is open before the old one goes, and the old one goes only when no view is
-// left on it.
+// Keeps the old connection open until no view uses it.
 BoundDatabase DatabaseCommands::Bind(Side& side, BoundDatabase next) {
   if (side.moving) {
     throw Error("the views are on their way to another database");

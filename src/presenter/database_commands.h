@@ -23,7 +23,7 @@
 
 namespace vrx {
 
-// How the routines of the two databases differ, all of it on purpose.
+// The intended differences between the routines of the two databases.
 struct KindRules {
   bool goes_to_transfer_tab;  // before the dialog of New and Open
   Milliseconds new_delay;     // each lets the dialog's place be repainted
@@ -37,29 +37,29 @@ struct KindRules {
 
 const KindRules& RulesOf(DatabaseKind kind);
 
-// What the databases' lifecycle asks of the main window.
+// The main window, as the database commands use it.
 class DatabaseWindow {
  public:
   virtual ~DatabaseWindow() = default;
 
-  // The views of that kind are about to move: what is being edited is stored, or given up with a
+  // Called before the views of that kind are rebound: stores pending edits, or gives them up with a
   // message. May run events.
   virtual void LeaveEdits(DatabaseKind /*kind*/) {}
 
-  // Every view of that kind moves to this database and shows what it holds, with no statement left
-  // open. Runs no events: a database bound by one would be refused. When it throws, the views are
-  // moved back to where they stood; the connection they leave is closed once they have left it.
+  // Binds every view of that kind to this database and shows its contents, leaving no statement
+  // open. Runs no events, because a database bound by one would be refused. If it throws, the views
+  // are bound back to the previous database. A connection is closed when no view uses it.
   virtual void Rebind(DatabaseKind kind, const BoundDatabase& database) = 0;
 
-  // The program ends: the views let go of both databases.
+  // The program ends: the views release both databases.
   virtual void ReleaseViews() = 0;
 
-  // The caption of `lblDatabaseUoM` or `lblTransactionUoM`: the unit of what the views stand on.
+  // The caption of `lblDatabaseUoM` or `lblTransactionUoM`: the unit of the bound database.
   virtual void ShowUnit(DatabaseKind kind, std::string_view unit) = 0;
 
   virtual void SetStatusPanel(DatabaseKind kind, StatusPanel panel, std::string_view text) = 0;
 
-  // Fills the three ID lists. May run events, and another database may be bound by one.
+  // Fills the three ID lists. May run events, which may bind another database.
   virtual void LoadIdLists() = 0;
 
   virtual void ShowTransferOption() = 0;
@@ -68,38 +68,36 @@ class DatabaseWindow {
   virtual void SelectPenItem(int list_index) = 0;  // of `cboPenID`
 };
 
-// What came of a file that is to be opened and may be of an earlier generation of the program.
+// The result of opening a file that may come from an earlier generation of the program.
 struct LegacyOpening {
   enum class Outcome {
-    kGoOn,      // it is none, or is not to be converted: opened like any file
-    kOpenCopy,  // `copy` was made of it, and is opened in its place
-    kEnd,       // the operator was told why nothing is opened, or has turned back
+    kGoOn,      // not such a file, or not to be converted: opened like any file
+    kOpenCopy,  // it was converted to `copy`, which is opened instead
+    kEnd,       // nothing is opened: the reason was reported, or the operator canceled
   };
   Outcome outcome = Outcome::kGoOn;
   std::filesystem::path copy = {};
 };
 
-// Asks the operator about files of an earlier generation. Throws nothing of its own; runs events.
+// Offers to convert files of an earlier generation. Throws no exceptions of its own; runs events.
 class LegacyOpener {
  public:
   virtual ~LegacyOpener() = default;
   virtual LegacyOpening Offer(DatabaseKind kind, const std::filesystem::path& path) = 0;
 };
 
-// New, Open, Close, Save and Save As of both databases: who asks for a file, in what order the main
-// window follows, and which connection its views stand on. There is no working copy: views write
-// into the file itself, Save closes and opens it again, Save As goes on with a copy.
+// New, Open, Close, Save and Save As of both databases: their dialogs, the order in which the main
+// window is updated, and the connection of its views. There is no working copy: views write into
+// the file itself, Save closes and reopens it, Save As continues with a copy.
 //
-// A closed database is one whose views stand on the blank template; its path is empty and its
-// commands are off. What goes wrong in a routine is told to the operator, and nothing is thrown. A
-// routine that the closing program cuts short stops where it waits.
+// When a database is closed, its views are bound to the blank template, its path is empty and its
+// commands are disabled. The routines report failures and throw nothing. When the program closes, a
+// routine ends at its current wait.
 //
-// An Open that is refused changes nothing: path, name, unit, status bar, commands and views stay
-// those of the database that was open. No routine of one database touches the commands of the
-// other.
+// A refused Open changes nothing: path, name, unit, status bar, commands and views remain those of
+// the open database. No routine of one database changes the commands of the other.
 //
-// While a routine waits, events run, and so may another routine. Whatever is referred to outlives
-// this.
+// While a routine waits, events run, and so may another routine. All references outlive the object.
 class DatabaseCommands {
  public:
   struct Ports {
@@ -114,21 +112,20 @@ class DatabaseCommands {
     CommandStates& commands;
     TabFolder& tabs;
     DatabaseWindow& window;
-    LegacyOpener* earlier = nullptr;  // none: such a file is opened like any other
+    LegacyOpener* earlier = nullptr;  // nullptr: such a file is opened like any other
   };
 
-  // Nothing is bound until both databases have been closed once, as the window's Load does.
+  // Nothing is bound until both databases have been closed once, which the window's Load does.
   explicit DatabaseCommands(const Ports& ports, LockWait wait = kBusyTimeout);
 
-  // RecipeDbPath, RecipeDbName, RecipeDbUoM and those of the transaction side. Path and name are
-  // empty after a Save As, and may name a recalled file that was never opened: Bound tells what is
-  // open.
+  // RecipeDbPath, RecipeDbName, RecipeDbUoM and the same for transactions. Path and name are empty
+  // after Save As, and may name a recalled file that was never opened; use Bound for the open one.
   const CurrentDatabase& Recipe() const { return recipe_.current; }
   const CurrentDatabase& Transaction() const { return transaction_.current; }
   const std::filesystem::path& SaveAsPath() const { return save_as_path_; }
   const std::string& SaveAsName() const { return save_as_name_; }
 
-  // What the views stand on now, whatever the paths say.
+  // The database that the views are bound to, whatever the paths are.
   const BoundDatabase& Bound(DatabaseKind kind) const { return SideOf(kind).bound; }
   bool IsOpen(DatabaseKind kind) const;
 
@@ -137,7 +134,7 @@ class DatabaseCommands {
   void BrowseRecipeDatabase() { Browse(recipe_); }
   void BrowseTransactionDatabase() { Browse(transaction_); }
 
-  // The path of the side stays what it is.
+  // Does not change the path of the side.
   void OpenRecipeDatabase(const std::filesystem::path& path, const std::string& name) {
     Open(recipe_, {.path = path, .name = name});
   }
@@ -150,7 +147,7 @@ class DatabaseCommands {
   void SaveRecipeDatabase() { Save(recipe_); }
   void SaveTransactionDatabase() { Save(transaction_); }
 
-  // The dialog of Save As alone: true with SaveAsPath and SaveAsName set.
+  // Only the dialog of Save As: on true, SaveAsPath and SaveAsName are set.
   bool SaveAsRecipeDB() { return AskSaveAs(recipe_); }
   bool SaveAsTransactionDB() { return AskSaveAs(transaction_); }
 
@@ -160,15 +157,15 @@ class DatabaseCommands {
 
   void WarnIfUnitsDiffer(std::string_view unit);
 
-  // The operator has chosen a tab: asks about each open database whose unit is not the system's,
-  // once per opening, whether to label it with that. Only a Yes changes the file. A Save does not
-  // count as an opening, and a file that may not be written is not asked about.
+  // Called when the operator selects a tab. For each open database with another unit than the
+  // system's, asks once per opening whether to relabel it. Only Yes changes the file. A Save is not
+  // treated as an opening, and a read-only file is skipped.
   void AskAboutUnits();
 
-  // Paths and names of the last run, with nothing opened.
+  // Sets path and name of the last run without opening the file.
   void Recall(DatabaseKind kind, const std::filesystem::path& path, const std::string& name);
 
-  // The program ends: views and connections go.
+  // The program ends: releases views and connections.
   void Release();
 
  private:
@@ -178,9 +175,9 @@ class DatabaseCommands {
     DatabaseKind kind;
     CurrentDatabase current = {};
     BoundDatabase bound = {};
-    BoundDatabase previous = {};  // views that failed to move may stand on it still
+    BoundDatabase previous = {};  // views that could not be rebound may still use it
     bool moving = false;          // the views are being rebound
-    int binding = 0;              // counts what was bound: tells whether an event bound another one
+    int binding = 0;              // counts bindings, to detect that an event bound another database
     bool unit_asked = false;      // in this opening
     PanelTexts panels = {};       // as they are shown
   };
@@ -201,7 +198,7 @@ class DatabaseCommands {
   void ShowNew(Side& side);
   void Browse(Side& side);
   void Open(Side& side, FileToOpen file);
-  // False: nothing is to be opened. The file becomes the copy that was made of it.
+  // Returns false if nothing is to be opened. Replaces the file by its converted copy.
   bool ConvertIfLegacy(const Side& side, FileToOpen& file);
   bool IsUserDatabase(const Side& side, const FileToOpen& file);
   void WarnOfMissingRecords(const BoundDatabase& database, const std::string& name);
@@ -218,11 +215,11 @@ class DatabaseCommands {
   void AskAboutUnit(Side& side);
   bool MayRelabel(const Side& side) const;
 
-  // Runs what shows another database in the status bar and binds it; where it throws, all of it is
-  // as it was before.
+  // Runs `body`, which shows another database in the status bar and binds it. If it throws,
+  // restores the previous state.
   void OrGoBack(Side& side, const std::function<void()>& body);
 
-  // Returns what the views stood on before.
+  // Returns the previously bound database.
   BoundDatabase Bind(Side& side, BoundDatabase next);
   void GoToTransferTab(const Side& side);
   void ShowBusyText(Side& side, std::string_view text);
@@ -232,7 +229,7 @@ class DatabaseCommands {
   void EnableCommands(const Side& side);
   void DisableCommands(const Side& side);
 
-  // Tells what the body throws under that title.
+  // Reports an exception of `body` under that title.
   void Trapped(std::string_view title, const std::function<void()>& body);
 
   Ports ports_;

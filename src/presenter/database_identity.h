@@ -18,44 +18,42 @@ namespace vrx {
 
 class PrivateINI;
 
-// Reads and writes what a database says of itself, by its full path, open in the main window or
-// not: each call makes its own connection. A failure beeps (if the beeper is on), shows the
-// routine's box and comes back as the result told.
+// Reads and writes the identity of a database by its full path, whether it is open in the main
+// window or not: each call makes its own connection. A failure beeps (if the beeper is on), shows
+// the routine's message box and gives the specified result.
 class DatabaseIdentity {
  public:
   DatabaseIdentity(Operator& op, const Calendar& calendar, const PrivateINI& settings,
                    LockWait wait = kBusyTimeout)
       : operator_(op), calendar_(calendar), settings_(settings), lock_wait_(wait) {}
 
-  // One of the four types; "" for another text in the file, without a box, and after a failure.
+  // One of the four types; "" after a failure and, without a message, for any other text.
   std::string GetDatabaseType(const std::filesystem::path& path);
   bool SetDatabaseType(const std::filesystem::path& path, std::string_view type);
 
-  // Nothing for a date that is not set, and after a failure. A selector that is neither of the two
-  // stands for kModified.
+  // Empty if the date is not set, and after a failure. Any other selector is treated as kModified.
   std::optional<Date> GetDatabaseDate(const std::filesystem::path& path, DateSelector selector);
-  // Always to today's date.
+  // Sets today's date.
   bool SetDatabaseDate(const std::filesystem::path& path, DateSelector selector);
 
   bool SetDatabaseUoM(const std::filesystem::path& path, std::string_view unit);
-  // The same by the connection of an open database, dated as a change of it.
+  // The same through the connection of an open database; also sets `Modified`.
   bool SetDatabaseUoM(SQLite::Database& database, std::string_view unit);
 
-  // Sets `Modified` to today inside the transaction of the change that it dates. Throws
-  // DatabaseError.
+  // Sets `Modified` to today. Call it inside the transaction of the change. Throws DatabaseError.
   void DateChange(SQLite::Database& database) const;
 
-  // How its connections wait for locks; for routines that open their own beside them.
+  // How its connections wait for locks, for routines that open connections of their own.
   LockWait Wait() const { return lock_wait_; }
 
   // The cause of the failure that was reported last; empty before the first one.
   const std::string& FailureCause() const { return failure_cause_; }
 
-  // A critical box with the words of that error number; `cause` goes with it.
+  // Shows a critical message with the text of that error number and `cause`.
   void ShowDatabaseError(int number, std::string_view title, std::string_view cause = {});
 
  private:
-  // False when `body` threw; the operator has then been told under the title.
+  // Returns false if `body` threw, after reporting it under the title.
   bool Trapped(std::string_view title, const std::function<void()>& body);
 
   Operator& operator_;

@@ -14,7 +14,7 @@ namespace {
 
 constexpr Milliseconds kUpdatesInterval{200};
 
-// Both wordings are meant.
+// The two wordings differ intentionally.
 constexpr std::string_view kWaiting = "Waiting to receive commands/data from K-2260 indicator.";
 constexpr std::string_view kWaitingAfterLoad =
     "Waiting to receive commands/data from K2260 indicator.";
@@ -107,7 +107,7 @@ bool DirectConnection::DirectConnectLoop() {
     krm_.GS_KRM_RxDBuffer({});
     StartUpdates();
     standing = krm_.KRM_DirectRxD();
-    // A copy: a handler inside the waits of an answer may receive too.
+    // A copy, because a handler that runs during an answer may receive too.
     const std::string burst = krm_.GS_KRM_RxDBuffer();
     Handle(burst);
     if (krm_.KRM_LineHeld()) {
@@ -130,8 +130,8 @@ bool DirectConnection::DirectConnectLoop() {
   return false;
 }
 
-// What follows an abort in a burst has nobody left to be answered: the port is closed, or in other
-// hands already.
+// Ignores the rest of a burst after an abort, because the port is closed or used by another
+// routine.
 void DirectConnection::Handle(std::string_view burst) {
   for (const char byte : burst) {
     if (krm_.GB_KRM_AbortDirectConnect()) {
@@ -174,14 +174,14 @@ void DirectConnection::Tell(bool answered, std::string_view done, std::string_vi
     ReportNeutral(op_, done);
     return;
   }
-  // What the operator or the end of the program cuts off is no failure.
+  // Not a failure if the operator or the end of the program has aborted it.
   if (!krm_.GB_KRM_AbortDirectConnect() && !pump_.Closing()) {
     answer_failed_ = true;
     ReportFailed(op_, failed);
   }
 }
 
-// An indicator that did not take an answer may send its next command all the same.
+// An indicator that did not accept an answer may still send its next command.
 bool DirectConnection::ReopenHeldLine() {
   return krm_.GB_KRM_AbortDirectConnect() || pump_.Closing() || krm_.KRM_DirectOpen();
 }
@@ -209,7 +209,7 @@ void DirectConnection::Update() {
   transfer_.memory_bar = static_cast<int>(std::min<std::size_t>(bytes, kMemoryBarMaximum));
 }
 
-// A caption that changes tells that what the tab lists is no longer what memory holds.
+// A changed caption means that the listed files no longer match the memory.
 void DirectConnection::SetMemorySize(std::size_t bytes) {
   std::string caption = std::to_string(bytes);
   if (caption == transfer_.memory_size) {

@@ -16,36 +16,36 @@ class DirectConnection {
   DirectConnection(KRMCOMM& krm, TransferState& transfer, EventPump& pump, Operator& op,
                    const PrivateINI& settings);
 
-  // The click that chooses the module. Ends a running connection; its loop, below on the stack,
-  // returns once the click's handler has.
+  // The click that selects the module. Ends a running connection; its loop, further down the stack,
+  // returns after the click's handler.
   void ConnectModule();
 
-  // The click that chooses the indicator: Enter and DirectConnectLoop. Returns when the connection
-  // has ended; false when it could not begin or its line was lost, or when the line is in use.
+  // The click that selects the indicator: Enter and DirectConnectLoop. Returns when the connection
+  // has ended; false if it could not begin, its line was lost, or the line is in use.
   bool ConnectIndicator();
 
-  // Asks whether memory is to be cleared, opens the port, sets the tab up. False, the operator told
-  // and the module connection chosen again, when the port cannot be opened.
+  // Asks whether to clear memory, opens the port and sets up the tab. If the port cannot be opened,
+  // reports it, selects the module connection again and returns false.
   bool Enter();
 
-  // Somebody else has closed the port, or used it, while the connection stands: opens it anew, with
-  // the settings of now. Does nothing without a connection. False, the operator told and the module
-  // connection chosen again, when it cannot be opened.
+  // Reopens the port with the current settings after another user of the line has closed or used
+  // it. Does nothing without a connection. If the port cannot be opened, reports it, selects the
+  // module connection again and returns false.
   bool Resume();
 
-  // Receives and answers until GB_KRM_AbortDirectConnect. False, the operator told and the module
-  // connection chosen again, when the line is lost. A closing program ends it without a word.
+  // Receives and answers until GB_KRM_AbortDirectConnect. If the line is lost, reports it, selects
+  // the module connection again and returns false. The closing program ends it without a message.
   bool DirectConnectLoop();
 
-  // Puts a text into memory in place of what it holds. The indicator is sent a DC4 US unasked,
-  // which takes 1600 ms; what it sends in the first 1000 of them is discarded. False, the operator
-  // told, when that failed; the text is in memory all the same.
+  // Replaces the contents of memory by a text. Sends an unrequested DC4 US to the indicator, which
+  // takes 1600 ms, and discards what arrives in the first 1000 ms. If that fails, reports it and
+  // returns false; the text is in memory anyway.
   bool LoadMemory(std::string_view text);
 
   // A transmission to the indicator has failed since Enter.
   bool AnswerFailed() const { return answer_failed_; }
 
-  // Who uses the line; LoadMemory's caller takes it for a transmission.
+  // Locks the line; LoadMemory's caller holds it during the transmission.
   LineGuard& Guard() { return krm_.Guard(); }
 
  private:

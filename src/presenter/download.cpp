@@ -27,7 +27,7 @@ Download::Download(KRMCOMM& krm, EventPump& pump, Operator& op, const PrivateINI
     : krm_(krm), pump_(pump), op_(op), settings_(settings) {}
 
 bool Download::DownloadToModule(std::string_view text) {
-  // A handler inside the waits may change what the caller's view points to.
+  // A copy, because a handler that runs during a wait may change the caller's text.
   const std::string bytes(text);
   ReportStandby(op_);
   krm_.GL_KRM_TxDCount(0);
@@ -92,7 +92,7 @@ bool DownloadPresenter::DownloadRecipeDB() {
   ports_.transfer.file_path = database.path.string();
   ports_.host.TransferChanged();
   if (database.path.empty()) {
-    line.reset();  // the button that gets the focus must be on
+    line.reset();  // the button that gets the focus must be enabled
     Refuse(kDatabaseFileError,
            "You must first 'Open' the Recipe database file that you want to be downloaded.",
            "cmdOpenRecipeDB");
@@ -216,7 +216,7 @@ bool DownloadPresenter::LoadBackup(const std::string& path) {
     ShowInWindow(ReadRecipeBackup(path));
     return true;
   } catch (const FileError& error) {
-    // Left of an earlier file, the window would be taken for this one.
+    // Otherwise the text of an earlier file would be mistaken for this one.
     ports_.transfer.data_window.clear();
     BeepIfEnabled(ports_.op, ports_.settings);
     ports_.op.ShowMessage({.icon = Icon::kWarning,
@@ -237,7 +237,7 @@ bool DownloadPresenter::Send() {
   if (ports_.transfer.connection == Connection::kModule) {
     return ports_.download.DownloadToModule(ports_.transfer.data_window);
   }
-  // A handler inside the waits may change the window.
+  // A copy, because a handler that runs during a wait may change the window.
   const std::string text = ports_.transfer.data_window;
   return ports_.direct.LoadMemory(text);
 }

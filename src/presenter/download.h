@@ -17,10 +17,10 @@ class Download {
  public:
   Download(KRMCOMM& krm, EventPump& pump, Operator& op, const PrivateINI& settings);
 
-  // Checks that the module is there, clears it and sends the bytes, which takes at least 4600 ms.
-  // The operator follows it in the status line. False when a step failed: the line tells which, in
-  // red, and KRM_FailureCause holds what lies behind. The module is then left cleared or half
-  // filled, unless it was the check that failed. The caller has taken the line.
+  // Checks that the module answers, clears it and sends the bytes, which takes at least 4600 ms.
+  // Shows the progress in the status line. If a step fails, shows it in red, sets KRM_FailureCause
+  // and returns false; the module is then cleared or partly filled, unless the check failed. The
+  // caller holds the line.
   bool DownloadToModule(std::string_view text);
 
   LineGuard& Guard() { return krm_.Guard(); }
@@ -39,33 +39,33 @@ class Calendar;
 class DatabaseIdentity;
 class PrivateINI;
 
-// What the download asks of the main window.
+// The main window, as the download uses it.
 class RecipeDownloadHost {
  public:
   virtual ~RecipeDownloadHost() = default;
 
-  // The recipe database that is open; an empty path when none is.
+  // The open recipe database; an empty path if there is none.
   virtual CurrentDatabase RecipeDatabase() const = 0;
 
-  // The open command of the File menu, its dialog and messages included.
+  // The open command of the File menu, with its dialog and messages.
   virtual void OpenRecipeDatabase() = 0;
 
-  // A download has stored recomputed lines and head counts: whoever shows them reads them anew. The
-  // recipe editor then stands on the highest recipe in use, or where it stood when that is 0.
+  // A download has stored recomputed lines and head counts, so the views must reload them. The
+  // recipe editor then shows the highest recipe in use; if that is 0, its recipe does not change.
   virtual void RecipesStored(int highest_in_use) = 0;
 
   // Gives the control of that name the focus if it is visible and enabled.
   virtual void FocusControl(std::string_view name) = 0;
 
-  // What the tab holds has changed: time to show it.
+  // The state of the tab has changed and must be shown.
   virtual void TransferChanged() = 0;
 
-  // A file of rescued data was chosen to be opened. Without a list of data files it is ignored.
+  // A file of rescued data was selected. Ignored without a list of data files.
   virtual void OpenRescueFile(const std::filesystem::path& /*path*/) {}
 };
 
-// The download side of the Data Transfer tab: from a recipe database or a backup to the module, or
-// into the memory that an indicator on the cable fetches it from.
+// The download side of the Data Transfer tab: sends a recipe database or a backup to the module, or
+// puts it into the memory that a directly connected indicator reads.
 class DownloadPresenter {
  public:
   struct Ports {
@@ -82,15 +82,15 @@ class DownloadPresenter {
 
   explicit DownloadPresenter(const Ports& ports) : ports_(ports) {}
 
-  // The clicks of the buttons of those names. What goes wrong is reported to the operator. While
-  // the line is in use, the buttons that would use it do nothing.
+  // The clicks of the buttons with those names. They report failures. While the line is in use, the
+  // buttons that need it do nothing.
   void DownloadRecipeToKRM();
 
-  // True when the text has left the port, or stands in memory.
+  // Returns whether the text was sent or is in memory.
   bool DownloadRecipeDB();
   bool DownloadRecipeBU();
 
-  // True when a file is open and, in the direct connection, stands in memory.
+  // Returns whether a file is open and, in the direct connection, in memory.
   bool OpenRecipeDB();
   bool OpenRecipeBU();
 

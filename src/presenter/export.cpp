@@ -16,7 +16,7 @@ namespace fs = std::filesystem;
 
 namespace {
 
-// True while it lives.
+// Sets the flag during its lifetime.
 class Running {
  public:
   explicit Running(bool& flag) : flag_(flag) { flag_ = true; }
@@ -28,7 +28,7 @@ class Running {
   bool& flag_;
 };
 
-// The hourglass while it lives.
+// Shows the busy cursor during its lifetime.
 class Busy {
  public:
   explicit Busy(Operator& op) : op_(op) { op_.SetBusy(true); }
@@ -40,7 +40,7 @@ class Busy {
   Operator& op_;
 };
 
-// The two fields stand as they were typed: a name with an extension of its own gets a second one.
+// Uses the two fields as typed: a name that already has an extension gets a second one.
 fs::path ComposePath(const ExportForm& form) {
   fs::path path = form.txt_f_path;
   path += fs::path::preferred_separator;
@@ -112,8 +112,8 @@ void ExportPresenter::ClickBrowse() {
   }
 }
 
-// A disc that cannot be written is not refused here: no folder of this platform is known by the
-// drive it lies on, and the export tells whatever it cannot write.
+// Does not check for write-protected drives, which this platform does not distinguish by folder;
+// the export reports what it cannot write.
 void ExportPresenter::Browse() {
   const std::string folder = ports_.files.ShowFolder("Choose the File Path for Exporting the Data");
   if (!folder.empty()) {

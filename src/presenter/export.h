@@ -15,23 +15,23 @@ namespace vrx {
 class HistoryPresenter;
 class PrivateINI;
 
-// What the export asks of the main window.
+// The main window, as the export uses it.
 class ExportHost {
  public:
   virtual ~ExportHost() = default;
 
   virtual OpenDatabases Databases() const = 0;
 
-  // The `Batched/Fed` tab as it stands.
+  // The current state of the `Batched/Fed` tab.
   virtual ExportSource DataGroup() = 0;
 
-  // The import's routine of that name.
+  // The import's routine with that name.
   virtual void ConfigureImportColumns() = 0;
 
   // Gives the control of that name the focus if it is visible and enabled.
   virtual void FocusControl(std::string_view name) = 0;
 
-  // What the tab holds has changed: time to show it.
+  // The state of the tab has changed and must be shown.
   virtual void ExportChanged() = 0;
 };
 
@@ -46,11 +46,11 @@ struct ExportForm {
   int prg_export_max = 100;
 };
 
-// The Export tab without its window. An export holds the thread until it is written; other events
-// run once at its start and once at its end, and what is clicked then does nothing.
+// The Export tab without its window. An export blocks the thread until it is written. Events run
+// once at its start and once at its end; clicks then do nothing.
 class ExportPresenter {
  public:
-  // Everything referred to outlives the tab.
+  // All references outlive the object.
   struct Ports {
     Operator& op;
     FileChooser& files;
@@ -66,18 +66,18 @@ class ExportPresenter {
 
   void EnterExportTab();
 
-  // The key's code in, the code that `txtFName` takes out, 0 for none.
+  // Takes the code of a key; returns the code that `txtFName` accepts, or 0 for none.
   static int KeyPressInFName(int key);
   void SetFName(std::string_view text) { form_.txt_f_name = text; }
   void SetFPath(std::string_view text) { form_.txt_f_path = text; }
   void SetFormat(ExportFormat format) { form_.format = format; }
 
-  // The clicks of the buttons of those names. What goes wrong is reported to the operator.
+  // The clicks of the buttons with those names. They report failures.
   void ClickExport();
   void ClickBrowse();
   void ClickReset();
 
-  // Adds a step to the bar, which starts over when the sum would pass its end.
+  // Advances the bar, which starts over when it would pass its end.
   void UpdateExportProgress(int step);
 
   const ExportForm& Form() const { return form_; }
@@ -98,17 +98,16 @@ ExportSource Current(HistoryPresenter& view);
 
 class PrivateINI;
 
-// What the operator is told of an export, in a window and on the command line.
+// The messages of an export, in a window and on the command line.
 
 void ShowExportMessage(Operator& op, Icon icon, std::string_view text);
 
-// True if the grid has a row; else the operator was told that there is nothing to export.
+// Whether the grid has a row; otherwise reports that there is nothing to export.
 bool HasDataToExport(Operator& op, const HistoryGrid& grid);
 
 void ReportExportOutcome(Operator& op, const ExportOutcome& outcome);
 
-// The error trap of an export: passes the result of `action` on, or tells what it throws, with a
-// beep, and returns false.
+// Returns the result of `action`. If it throws, beeps, reports it and returns false.
 bool TrapExportError(Operator& op, const PrivateINI& settings, const std::function<bool()>& action);
 
 }  // namespace vrx

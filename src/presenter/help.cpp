@@ -19,7 +19,7 @@ namespace {
 constexpr std::size_t kDirectoryBufferLength = 250;
 constexpr std::string_view kToolName = "MSINFO32.exe";
 
-// A row holds for every major or minor number that it does not give.
+// A row without a major or minor number matches any.
 struct NamedVersion {
   int platform;
   std::optional<int> major;
@@ -27,7 +27,7 @@ struct NamedVersion {
   std::string_view name;
 };
 
-// The first row that fits counts. What the product's name decides has none.
+// The first matching row is used. A version that depends on the product's name has no name here.
 constexpr std::string_view kByProductName;
 constexpr std::array kVersions = std::to_array<NamedVersion>({
     {0, {}, {}, "Win 3.1"},
@@ -93,8 +93,8 @@ std::string AsText(const RegistryValue& value) {
   return text;
 }
 
-// On the two systems that have it with them the tool is in the system's folder; on the others it
-// is expected beside the program. Nothing where there is no such folder or tool.
+// Two systems include the tool in the system's folder; on the others it is expected in the
+// program's folder. Empty if the folder or the tool does not exist.
 std::optional<fs::path> ToolPath(const SystemInfo& system, std::string_view os_name) {
   if (os_name != kWindows7 && os_name != kVista) {
     return fs::path(system.ProgramDirectory()) / kToolName;

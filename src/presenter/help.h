@@ -10,58 +10,58 @@
 
 namespace vrx {
 
-// The system's own directory, of up to 249 bytes; empty for none or a longer one.
+// The system's directory; empty if there is none or it has more than 249 bytes.
 std::string GetTheWindowsDirectory(const SystemInfo& system);
 
-// The name of the operating system. Tells the operator when the registry does not let go of a key,
-// and gives the name all the same.
+// The name of the operating system. Reports a registry key that cannot be closed, but still returns
+// the name.
 std::string GetOSVersion(OperatingSystem& os, Operator& op);
 
 struct KeyValueResult {
   bool read = false;    // `text` holds the value; else it is untouched
-  bool closed = false;  // the key was let go of, or never opened
+  bool closed = false;  // the key was closed, or never opened
 };
 
-// One value of the registry as a text. A text value is cut at its first NUL; a binary one becomes
-// "&h" and its bytes in hexadecimal, the last one first, as numbers are stored.
+// One value of the registry as a text. A text value ends at its first NUL; a binary one becomes
+// "&h" and its bytes in hexadecimal, last byte first, because numbers are stored little-endian.
 KeyValueResult GetKeyValue(OperatingSystem& os, RegistryRoot root, std::string_view key_path,
                            std::string_view value_name, std::string& text);
 
-// `cmdSysInfo`: starts the system information tool, or tells the operator that it cannot.
+// `cmdSysInfo`: starts the system information tool, or reports that it cannot.
 void StartSysInfo(const SystemInfo& system, OperatingSystem& os, Operator& op);
 
 // A document of the Help menu, in the program's directory.
 struct HelpDocument {
   std::string_view file;
   std::string_view kind;       // "the Readme file"
-  std::string_view no_viewer;  // what to say, and to do, where no program reads its kind
+  std::string_view no_viewer;  // message and remedy if no program opens its kind
 };
 
 extern const HelpDocument kUsersManual;  // `mnuHelpManual`
 extern const HelpDocument kReadme;       // `mnuHelpReadme`
 
-// Opens a document in the program that the system has for it. What stands in the way is told.
+// Opens a document in the system's program for it. Reports failures.
 void ShowDocument(const HelpDocument& document, const SystemInfo& system, OperatingSystem& os,
                   Operator& op);
 
 void ReportMissingDocument(std::string_view file, Operator& op);
 
-// What `ABOUT` shows under `lblPart`.
+// Shown by `ABOUT` below `lblPart`.
 inline constexpr std::string_view kPartNumber = "70315-0042";
 
 // The program's version as `ABOUT` and `SPLASH` show it: major, minor and revision with points
 // between them.
 std::string_view ProgramVersion();
 
-// The kinds of document that a viewer is looked up for.
+// The kinds of documents for which a viewer is searched.
 inline constexpr std::array<std::string_view, 3> kDocumentKinds = {".DOC", ".TXT", ".PDF"};
 
 // The path of the program that opens a document of the program's directory, with `message` empty;
-// or else the text of the failure, with a second text in `message` where there is more to say.
+// or the text of the failure, with any further text in `message`.
 std::string FindDocumentViewer(const SystemInfo& system, const std::string& document,
                                std::string& message);
 
-// The same look-up for a document of any kind: true if there is a program for it.
+// Whether there is a program that opens a document of any kind.
 bool HasDocumentViewer(const SystemInfo& system, const std::string& document);
 
 }  // namespace vrx

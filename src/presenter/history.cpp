@@ -292,7 +292,7 @@ void HistoryPresenter::SetUp(const DataGroup& group, const std::function<bool()>
   } else if (!picker_.Offer(group.named_column, *recipes_, wanted)) {
     return;
   }
-  // A group by name starts with a name that no transaction bears.
+  // A group by name starts with a name that no transaction has.
   grid_.SetUp(group, "");
 }
 

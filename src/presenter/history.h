@@ -18,7 +18,7 @@
 
 namespace vrx {
 
-// What the combo `cboColName`, its label and the box `txtStandby` show.
+// The state of the combo `cboColName`, its label and the box `txtStandby`.
 struct NamePickerState {
   bool visible = false;  // with `lblName`
   bool enabled = true;
@@ -30,35 +30,34 @@ struct NamePickerState {
   std::string Text() const;
 };
 
-// What the picker reads of a record: one without description is free and not offered.
+// A record for the picker. A record without description is free and not offered.
 struct NamedRecord {
   std::string name;
   std::string description;
 };
 
-// The combo that picks the name of a group by name. The names of each kind are read once per visit
-// to the tab; other events run meanwhile.
+// The combo that selects the name of a group by name. Reads the names of each kind once per visit
+// to the tab; other events run in the meantime.
 class NamePicker {
  public:
-  // `changed` is called after each change of the state that is to be seen at once.
+  // Calls `changed` after each change that must be shown immediately.
   NamePicker(EventPump& pump, std::function<void()> changed);
 
   const NamePickerState& State() const { return state_; }
   void SetState(NamePickerState state);
 
-  // Entering the tab: empty and hidden, and the names are to be read again.
+  // The operator enters the tab: empties and hides the combo; names will be read again.
   void EnterTab();
-  // For a group that is not by name.
+  // For any other group.
   void Hide();
 
   // Shows the combo with "Select..." and the names of the records with a description, by ID;
-  // `column` is the key of the named column. Returns false, nothing filled, where `wanted` no
-  // longer holds after another event ran. Throws DatabaseError; once other events run, `recipes` is
-  // not read any more.
+  // `column` is the key of the named column. Fills nothing and returns false if `wanted` is false
+  // after another event ran. Does not read `recipes` after running events. Throws DatabaseError.
   bool Offer(std::string_view column, SQLite::Database& recipes,
              const std::function<bool()>& wanted);
 
-  // An index that is no item's picks nothing.
+  // An invalid index selects nothing.
   void Pick(int index);
 
  private:
@@ -84,42 +83,42 @@ enum class HistoryPart { kGroupList, kNamePicker, kGrid };
 class HistoryView {
  public:
   virtual ~HistoryView() = default;
-  // A part is no longer as it was shown; it is to be read anew from the view.
+  // A part has changed and must be read again from the presenter.
   virtual void HistoryChanged(HistoryPart part) = 0;
 };
 
-// What the view asks of its surroundings. Everything referred to outlives it.
+// The services that the presenter uses. All references outlive it.
 struct HistoryPorts {
   Operator& op;
   EventPump& pump;
-  DatabaseIdentity& identity;  // tells failures
+  DatabaseIdentity& identity;  // reports failures
   HistoryView& screen;
 };
 
-// The `Batched/Fed` tab: the flow behind its controls, without a window. A failure of the storage
-// is told to the operator; what was shown then stays.
+// The `Batched/Fed` tab without its window. Reports a database failure and keeps the previous
+// contents.
 //
-// While names are loaded other events run. A group that such an event selects is set up at once and
-// is the one that stays.
+// Other events run while names are loaded. A group that such an event selects is set up immediately
+// and remains.
 class HistoryPresenter {
  public:
-  // Nothing is shown before the first SelectGroup. A database outlives the view, or the next one
-  // that is set. Throws DatabaseError.
+  // Shows nothing before the first SelectGroup. A database must exist until the next one is set or
+  // the object ends. Throws DatabaseError.
   HistoryPresenter(SQLite::Database& transactions, const HistoryPorts& ports);
   HistoryPresenter(const HistoryPresenter&) = delete;
   HistoryPresenter& operator=(const HistoryPresenter&) = delete;
 
-  // Another transaction database is open: the grid shows the same group of it. Where the storage
-  // fails, throws DatabaseError and shows the old one still; runs no events.
+  // Another transaction database is open: the grid shows the same group of it. If the database
+  // fails, throws DatabaseError and keeps the old one. Runs no events.
   void SetTransactionDatabase(SQLite::Database& transactions);
-  // Another recipe database is open, nullptr: none; the ingredient columns take its names. The
-  // names of the picker stay until the tab is entered again. Throws like the above.
+  // Another recipe database is open, or none (nullptr). The ingredient columns take its names; the
+  // names of the picker remain until the tab is entered again. Throws like SetTransactionDatabase.
   void SetRecipeDatabase(SQLite::Database* recipes);
   // `chkShowActiveIngsOnly`: the grid of ingredients lists the active ones only.
   void SetShowActiveIngredientsOnly(bool on) { show_active_only_ = on; }
 
-  // A click in `lstGroupBy`, 0 to 12, also on the item that is selected already. A group by name is
-  // refused while no recipe database is open. Any other index does nothing.
+  // A click in `lstGroupBy`, 0 to 12, even on the selected item. Refuses a group by name while no
+  // recipe database is open. Any other index does nothing.
   void SelectGroup(int index);
   int GroupIndex() const { return group_index_; }
   // The text of the selected item.
@@ -137,20 +136,20 @@ class HistoryPresenter {
 
   void OpenGroup(std::int64_t row);
   void CloseGroup(std::int64_t row);
-  // Returns the row that the record of `row` has then, as HistoryGrid::SortByColumn.
+  // Returns the new row of the record at `row`, like HistoryGrid::SortByColumn.
   std::int64_t SortByColumn(int column, std::int64_t row = 0);
   void MoveColumn(int column, int position);
 
-  // Any change of the main tab, and then entering this one.
+  // Called after any change of the main tab, and then when this one is entered.
   void TabChanged();
   void TabEntered();
 
-  // Tells a failure of reading Grid().
+  // Reports a failure of reading Grid().
   void ReportFailure(const std::exception& failure);
 
-  // While false a group is being set up: `grdTRANS` is hidden.
+  // False while a group is being set up and `grdTRANS` is hidden.
   bool GridVisible() const { return grid_visible_; }
-  // For reading rows, columns, captions and the header strip; changes go through the view.
+  // Only for reading rows, columns, captions and the header strip.
   HistoryGrid& Grid() { return grid_; }
 
  private:

@@ -58,7 +58,7 @@ bool ImportPresenter::ImportFile(const FileChoice& choice) {
   return imported;
 }
 
-// Rows of an earlier file must not be stored in place of one that is refused.
+// The rows of an earlier file must not be stored instead of a refused one.
 void ImportPresenter::EmptyImport() {
   file_.ClearImport();
   form_.grd_import_rows = kEmptyGridRows;
@@ -95,7 +95,7 @@ bool ImportPresenter::ParseAndShow() {
   } else {
     EmptyImport();
   }
-  // A failed parse leaves lblRecords as it was.
+  // A failed parse does not change lblRecords.
   form_.lbl_trans_filename.visible = parsed;
   form_.lbl_trans_uom.visible = parsed;
   form_.lbl_transactions.visible = parsed;

@@ -23,15 +23,14 @@ class PrivateINI;
 
 inline constexpr int kImportTab = 5;
 
-// What the import asks of the main window.
+// The main window, as the import uses it.
 class ImportHost {
  public:
   virtual ~ImportHost() = default;
 
   virtual OpenDatabases Databases() const = 0;
 
-  // The rows that `grdING` lists now; none when no recipe database is open. May throw
-  // DatabaseError.
+  // The current rows of `grdING`; none if no recipe database is open. May throw DatabaseError.
   virtual std::vector<IngredientRecord> GridIngredients() = 0;
 
   // Selecting the Import tab leads to ImportPresenter::EnterImportTab.
@@ -43,7 +42,7 @@ class ImportHost {
   // The menu command: closes and reopens the transaction database.
   virtual void SaveTransactionDatabase() = 0;
 
-  // What the session holds has changed: time to show it.
+  // The state of the import has changed and must be shown.
   virtual void ImportChanged() = 0;
 };
 
@@ -67,8 +66,8 @@ struct ImportForm {
   std::array<ImportGridColumn, kImportColumns> grd_import_columns;  // column n at n - 1
 };
 
-// From a transaction file to stored rows, as the Import tab leads it: holds the form's state, and
-// the import itself.
+// The Import tab without its window, from a transaction file to stored rows. Holds the state of the
+// form and the imported data.
 class ImportPresenter {
  public:
   struct Ports {
@@ -86,19 +85,19 @@ class ImportPresenter {
   ImportPresenter(const ImportPresenter&) = delete;
   ImportPresenter& operator=(const ImportPresenter&) = delete;
 
-  // Asks for a file and imports it. False after a cancel, with nothing changed but the grid shown,
-  // and after a failure that the operator was told.
+  // Asks for a file and imports it. Returns false after Cancel, which changes nothing but shows the
+  // grid, and after reporting a failure.
   bool ImportXFile();
 
-  // The same for a file already chosen.
+  // The same for a given file.
   bool ImportFile(const FileChoice& choice);
 
-  // Captions and visibility of the 100 ingredient columns by the names of the open recipe database.
+  // Sets captions and visibility of the 100 ingredient columns from the open recipe database.
   void ConfigureImportColumns();
 
   void EnterImportTab();
 
-  // The tab strip takes the focus while the Import tab is on show.
+  // Moves the focus to the tab strip if the Import tab is shown.
   void ShowOrHideProgress();
 
   // The click of `cmdImportStore`: checks databases and units, then stores.

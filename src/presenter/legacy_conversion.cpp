@@ -19,7 +19,7 @@ namespace {
 
 using Outcome = LegacyOpening::Outcome;
 
-// A file that cannot be read is for the road of any file to tell.
+// An unreadable file is not treated as legacy; opening it reports the error.
 JetFileKind KindOfFile(const fs::path& path) {
   try {
     std::error_code ignored;
@@ -29,7 +29,7 @@ JetFileKind KindOfFile(const fs::path& path) {
   }
 }
 
-// The progress stands from its making to its end.
+// Shows the progress dialog during its lifetime.
 class Progress {
  public:
   explicit Progress(ConversionDisplay& display) : display_(display) { display_.BeginProgress(); }

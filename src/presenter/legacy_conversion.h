@@ -20,8 +20,8 @@ namespace vrx {
 inline constexpr std::string_view kConversionTitle = "Database Conversion";
 inline constexpr std::string_view kConversionErrorTitle = "Database Conversion Error";
 
-// Asks about a Jet file that is to be opened, and converts a copy of it. Whatever goes wrong is
-// told. Whatever is referred to outlives this.
+// Asks about a Jet file to be opened, and converts a copy of it. Reports failures. All references
+// outlive the object.
 class ConversionOffer : public LegacyOpener {
  public:
   struct Ports {
@@ -41,7 +41,7 @@ class ConversionOffer : public LegacyOpener {
 
  private:
   bool Asked();
-  // The name of the copy, of a file that is not there yet; nothing when the operator turned back.
+  // The path of the copy, which must not exist yet; empty if the operator canceled.
   std::optional<std::filesystem::path> AskCopy(DatabaseKind kind);
   bool Convert(DatabaseKind kind, const std::filesystem::path& old_file,
                const std::filesystem::path& copy);

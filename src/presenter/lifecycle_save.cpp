@@ -31,7 +31,7 @@ std::string UnitQuestion(const BoundDatabase& database, const std::string& syste
 
 // Close and Save.
 
-// Goes to its end whatever happens on the way: the side must not stay half open.
+// Completes even after a failure, so that the side is not left half open.
 void DatabaseCommands::Close(Side& side) {
   const std::string_view title = TextsOf(side.kind).close_failure;
   side.current = {};
@@ -52,8 +52,8 @@ void DatabaseCommands::BindBlank(Side& side) {
   }
 }
 
-// Opens again what is open, whatever path and name say. The file is looked at before the close, so
-// that one which cannot be opened again stays open.
+// Reopens the bound database, whatever path and name are. Checks the file before closing it, so
+// that one which cannot be reopened stays open.
 void DatabaseCommands::Save(Side& side) {
   if (!IsOpen(side.kind)) {
     return;
@@ -108,7 +108,7 @@ void DatabaseCommands::SaveAs(Side& side) {
   });
 }
 
-// The views of the other database must not be left on a file that is no longer there.
+// The views of the other database must not be bound to a file that no longer exists.
 void DatabaseCommands::RequireUnbound(const fs::path& target) const {
   for (const Side* side : {&recipe_, &transaction_}) {
     std::error_code not_there;
@@ -141,7 +141,7 @@ bool DatabaseCommands::MayRelabel(const Side& side) const {
          side.bound.unit != ports_.settings.SystemUnits();
 }
 
-// While the question is up, an event may open another database.
+// An event may open another database while the question is shown.
 void DatabaseCommands::AskAboutUnit(Side& side) {
   if (side.unit_asked || !MayRelabel(side)) {
     return;

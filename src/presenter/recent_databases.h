@@ -6,19 +6,18 @@
 
 namespace vrx {
 
-// The databases of the last run, kept in the per-user settings. Whatever is referred to outlives
-// this.
+// The databases of the last run, kept in the per-user settings. All references outlive the object.
 class RecentDatabases {
  public:
   RecentDatabases(const UserSettings& store, const PrivateINI& settings,
                   DatabaseCommands& databases)
       : store_(store), settings_(settings), databases_(databases) {}
 
-  // The window's Load: recalls paths and names, also of files that are gone, and works out what is
-  // to be opened at the first Activate. Nothing is told.
+  // The window's Load: recalls paths and names, even of missing files, and determines what to open
+  // at the first Activate. Shows no messages.
   void Load();
 
-  // The window's Activate. The first one after a Load opens what is pending, recipes first.
+  // The window's Activate. The first one after Load opens the pending databases, recipes first.
   void Activate();
 
   bool AutoloadRecipePending() const { return autoload_recipe_pending_; }

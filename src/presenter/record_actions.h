@@ -11,34 +11,33 @@
 
 namespace vrx {
 
-// What the operator starts on the records: reset one, search where an ingredient is used, update
-// all recipes. Questions are asked and failures are reported here.
+// The operator's actions on records, with their questions and messages: reset a record, search
+// where an ingredient is used, update all recipes.
 
 enum class ResetOutcome {
   kReset,
-  kInUse,     // the operator was told that a recipe holds the ingredient
-  kNotReset,  // the operator said no, or was told what failed
+  kInUse,     // a recipe uses the ingredient, which was reported
+  kNotReset,  // the operator refused, or a failure was reported
 };
 
-// Puts a record back in its default state, after a question, and sets `Modified`: one transaction,
-// begun when the operator has answered. An ingredient that a recipe in use holds is refused. A
-// recipe loses its lines and its type; HeadCount, RationTarget and AdjBatTotIndex keep their
-// values. Anything but kReset leaves the file as it was.
+// Resets a record to its defaults, after a question, and sets `Modified`, in one transaction that
+// begins after the answer. Refuses an ingredient that a recipe in use contains. A recipe loses its
+// lines and its type but keeps HeadCount, RationTarget and AdjBatTotIndex. Any result except kReset
+// leaves the file unchanged.
 ResetOutcome AskAndReset(SQLite::Database& database, RecordKind kind, int id,
                          const FeedPorts& ports);
 
-// Recomputes every recipe that has a description and stores the lines that come out different, in
-// one transaction; sets `Modified` if there are any. The bar runs from 1 to 100 with the recipes,
-// and its message is cleared at the end.
+// Recomputes every recipe that has a description and stores the changed lines in one transaction;
+// sets `Modified` if there are any. The bar runs from 1 to 100 with the recipes, and its message is
+// cleared at the end.
 //
-// A recipe whose arithmetic fails keeps its lines as they were stored; the others are stored all
-// the same, and the operator is told at the end which ones failed and why. Returns whether all were
-// brought up to date. A failure of the storage is told and stores nothing.
+// A recipe whose arithmetic fails keeps its stored lines; the others are stored anyway, and the
+// failures are reported at the end. A database failure is reported and nothing is stored. Returns
+// whether all recipes are up to date.
 bool UpdateRecipes(SQLite::Database& database, ProgressDisplay& progress, const FeedPorts& ports);
 
-// The search as the operator starts it: what the list shows afterwards. Item 0 is the status,
-// "Not Used" or "Done!"; behind it stand the recipes, "  3: STEERS". No item after a failure, which
-// was told.
+// The items of the list after the operator's search. Item 0 is the status, "Not Used" or "Done!",
+// followed by the recipes, "  3: STEERS". Empty after reporting a failure.
 std::vector<std::string> SearchWhereUsed(SQLite::Database& database, int ingredient_id,
                                          const FeedPorts& ports);
 

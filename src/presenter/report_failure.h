@@ -14,42 +14,42 @@
 
 namespace vrx {
 
-// Runs what an event of the recipe's form or grid does. An Error that it throws ends here, told to
-// the operator, and false comes back: a failure of the storage is a data error and beeps, whatever
-// the beeper setting says; all else beeps as well and says in a box what it is.
+// Runs an event of the recipe's form or grid. Reports an Error and returns false. A database
+// failure is reported as a data error with a beep, whatever the beeper setting is; any other Error
+// also beeps and is shown in a message box.
 bool HandleEditEvent(Operator& op, const std::function<void()>& event);
 
-// Beeps and says in a box why an edit failed, a failure of the storage included.
+// Beeps and shows why an edit failed, including database failures.
 void ReportEditFailure(Operator& op, const std::exception& failure);
 
-// The same for a field that may not be left as it is.
+// The same for a refused field value.
 void ReportFieldRefusal(Operator& op, std::string_view refusal);
 
 enum class EditEnd { kStored, kDiscarded, kStays };
 
-// Asks what becomes of an edit that could not be stored for that cause, and again when another try
-// fails. `store` throws Error. `what` names the edit within a sentence: "'Name' field".
+// Asks what to do with an edit that could not be stored, and asks again if a retry fails. `store`
+// throws Error. `what` names the edit within a sentence: "'Name' field".
 EditEnd AskAboutEdit(Operator& op, std::string_view what, std::string cause,
                      const std::function<void()>& store);
 
-// Says that an edit which could not be stored is given up.
+// Reports that an edit which could not be stored is given up.
 void ReportEditGivenUp(Operator& op, std::string_view what, std::string_view cause);
 
-// What an action on the records asks of its surroundings. Everything referred to outlives it.
+// The services of an action on records. All references outlive it.
 struct FeedPorts {
   Operator& op;
   const PrivateINI& settings;
   const Calendar& calendar;
-  DatabaseIdentity& identity;  // tells failures
+  DatabaseIdentity& identity;  // reports failures
 };
 
-// Runs an action that the operator started and returns what it returns; where it throws, tells the
-// operator under `title` and returns false. The pointer is a normal one afterwards.
+// Runs an action of the operator and returns its result. If it throws, reports it under `title` and
+// returns false. Resets the busy cursor afterwards.
 bool RunFeedAction(const SQLite::Database& database, const FeedPorts& ports, std::string_view title,
                    const std::function<bool()>& action);
 
-// The box of a routine that has trapped a failure: "Error: " and its number under the routine's
-// title, with what() as the cause.
+// Shows "Error: " and the number of a caught failure under the routine's title, with what() as the
+// cause.
 void ReportFailure(Operator& op, std::string_view title, const std::exception& failure);
 
 }  // namespace vrx

@@ -41,8 +41,8 @@ constexpr std::array<SetupOption, kSetupOptionCount> kOptions{{
      &PrivateINI::SetPrintGridLinesOn},
 }};
 
-// A document of each kind that ships with the program. The manual ships as a PDF file only, so
-// there is none of the kind DOC to look a viewer up for.
+// A shipped document of each kind. The manual is only shipped as a PDF file, so there is no DOC
+// document to find a viewer for.
 constexpr std::string_view kNoDocument =
     "DOC: No document of this kind ships with the program. The manual is VRX2260_U.PDF.\r\n";
 constexpr std::array<std::pair<std::string_view, std::string_view>, 2> kProbes{
@@ -108,7 +108,7 @@ std::string Lines(std::string_view connection, std::span<const std::string_view>
 
 }  // namespace
 
-// While a command runs: the hourglass and `lblStandby`.
+// Shows the busy cursor and `lblStandby` while a command runs.
 class ModuleSetup::Work {
  public:
   explicit Work(ModuleSetup& setup) : setup_(setup), hourglass_(setup.op_) {

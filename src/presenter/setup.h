@@ -14,12 +14,12 @@
 
 namespace vrx {
 
-// The module's commands of `SETUP`. Each takes the port and the baud rate as they are chosen into
-// the settings, runs with events handled meanwhile, and tells how it went. While the line is in use
-// it does nothing. References must outlive the object.
+// The module's commands of `SETUP`. Each copies the selected port and baud rate to the settings,
+// runs events in the meantime, and reports its outcome. While the line is in use it does nothing.
+// All references must outlive the object.
 class ModuleSetup {
  public:
-  // `standby` shows `lblStandby`, or hides it.
+  // `standby` shows or hides `lblStandby`.
   ModuleSetup(KRMCOMM& krm, PrivateINI& settings, Operator& op,
               std::function<void(bool shown)> standby);
 
@@ -31,11 +31,11 @@ class ModuleSetup {
   void ChooseBaud(std::string_view baud) { settings_.SetKRMBaudRate(baud); }
   void ResetLink() { krm_.KRM_Close(); }
 
-  // Who uses the line.
+  // Locks the line.
   LineGuard& Guard() { return krm_.Guard(); }
 
-  // The form is closed: what runs ends within a second and tells nothing; a clear that has not
-  // begun does not.
+  // The form is closed: a running command ends within a second without a message. A clear that has
+  // not begun does not start.
   void Abandon();
 
  private:
@@ -69,7 +69,7 @@ struct SetupOption {
 inline constexpr std::size_t kSetupOptionCount = 8;
 const std::array<SetupOption, kSetupOptionCount>& SetupOptions();
 
-// What the operator chooses in `SETUP`.
+// The operator's choices in `SETUP`.
 struct SetupControls {
   int system_units = kNoSelection;  // of kSystemUnitsList
   int serial_port = kNoSelection;   // of kSerialPortList
@@ -81,37 +81,37 @@ struct SetupControls {
   std::string_view BaudRate() const;
 };
 
-// The settings as the form shows them. A baud rate that the list does not have shows as 19200.
+// The settings as the form shows them. A baud rate that is not in the list is shown as 19200.
 SetupControls LoadSetupControls(const PrivateINI& settings);
 
-// `txtAssociations`: the viewers of the documents that ship, by their kind.
+// `txtAssociations`: the viewers of the shipped documents, by kind.
 std::string AssociationsText(const SystemInfo& system);
 
-// `cmdOK`: the settings become what is chosen; the file is written at the exit. Warns ahead of the
-// port when an open database has another unit then; "" for the unit of one that is not open.
+// `cmdOK`: copies the choices to the settings; the file is written at the exit. Warns if an open
+// database then has another unit, before it handles the port; pass "" for the unit of a closed one.
 void ApplySetupControls(const SetupControls& controls, std::string_view recipe_unit,
                         std::string_view transaction_unit, PrivateINI& settings, Operator& op);
 
-// What `SETUP` only shows. Lines end in CR LF.
+// Read-only texts of `SETUP`. Lines end in CR LF.
 
 // `txtAppPath`: the program's own file.
 std::string ApplicationPath(const SystemInfo& system);
 
-// `txtIniFileData`: the file as it is on disk, line by line. Throws FileError.
+// `txtIniFileData`: the lines of the file on disk. Throws FileError.
 std::string IniFileText(const std::filesystem::path& ini_file);
 
-// `txtQxtFileData`: a transaction file with a line break after each comma. What follows the last
-// comma is left out.
+// `txtQxtFileData`: a transaction file with a line break after each comma, without the text after
+// the last comma.
 std::string TransactionFileText(std::string_view text);
 
-// What `SETUP` lists of the controls that are bound to a database: a line for each, closed by CR
-// LF.
+// The lists in `SETUP` of the controls that are bound to a database: a line for each, ending in
+// CR LF.
 struct ConnectionTexts {
   std::string recipe_controls;       // RecipeControlsText
   std::string transaction_controls;  // TransactionControlsText
 };
 
-// Of the connection strings that the controls of each database are bound by.
+// Made from the connection strings of each database's controls.
 ConnectionTexts BuildConnectionTexts(std::string_view recipe_connection,
                                      std::string_view transaction_connection);
 

@@ -20,7 +20,7 @@ struct DataFileRow {
 // The choice of `optConnection`.
 enum class Connection { kModule = 0, kIndicator = 1 };
 
-// What the Data Transfer tab holds. Texts are bytes as they came over the line.
+// The state of the Data Transfer tab. Texts are bytes as received.
 struct TransferState {
   std::string transfer_block;  // the last upload or memory read
   bool block_is_cut = true;    // the data files hold the whole block

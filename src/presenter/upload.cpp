@@ -94,7 +94,7 @@ int Upload::TakeReply() {
     ReportFailed(op_, krm_.GS_KRM_ErrMsg());
     return 0;
   }
-  // With the framing, without what followed it.
+  // Includes the framing, excludes the bytes after it.
   return CutFiles("Upload complete!", krm_.GS_KRM_RxDBuffer().rfind(KRMConst::US) + 1);
 }
 

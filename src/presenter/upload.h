@@ -10,39 +10,40 @@
 
 namespace vrx {
 
-// The upload side of the Data Transfer tab. The operator follows it in the status line: blue while
-// it is busy, red after a failure, green at the end. References must outlive the object.
+// The upload side of the Data Transfer tab. Shows its state in the status line: blue while it is
+// busy, red after a failure, green at the end. All references must outlive the object.
 class Upload {
  public:
   Upload(KRMCOMM& krm, TransferState& transfer, EventPump& pump, Operator& op,
          const PrivateINI& settings);
 
-  // The button: clears the tab, uploads from the module, or in the direct connection reads the
-  // memory image, and lists what came. Does nothing while another command uses the line.
+  // The button: clears the tab, uploads from the module or, in the direct connection, reads the
+  // memory image, and lists the files. Does nothing while another command uses the line.
   void UploadDataFromKRM();
 
-  // Brings the module's memory into the transfer block and returns the count of files cut from it.
-  // A memory with more files than the table holds ends red and gives those that fit. The caller has
-  // taken the line.
+  // Copies the module's memory to the transfer block and returns the number of files cut from it.
+  // With more files than the table holds it ends red and cuts only those that fit. The caller holds
+  // the line.
   int UploadFromModule();
 
-  // Reads a rescue file as if its bytes had just been received, and lists its files.
+  // Treats the bytes of a rescue file as received and lists its files.
   void UploadFromFile(const std::filesystem::path& file);
 
-  // Brings the memory image into the transfer block, as UploadFromModule does the module's memory.
+  // Copies the memory image to the transfer block, as UploadFromModule does with the module's
+  // memory.
   int ReadDirectMemory();
 
-  // A click on the check box of a row, from 0. Only one box is checked at a time.
+  // A click on the check box of a row, from 0. Unchecks all other boxes.
   void DataFilesClick(int row);
 
-  // Shows a file, from 1, in the data window. Throws Error when there is none of that number.
+  // Shows a file, from 1, in the data window. Throws Error if the number has no file.
   void ShowDataFile(int file);
 
  private:
   void ClearTab();
   void ModuleNotDetected();
   int TakeReply();
-  // Cuts the transfer block, which is not empty.
+  // Cuts the transfer block, which must not be empty.
   int CutFiles(std::string_view done_words, std::size_t told_bytes);
   void ListDataFiles(int count);
 
@@ -53,7 +54,7 @@ class Upload {
   const PrivateINI& settings_;
 };
 
-// The hourglass, for as long as the object lives.
+// Shows the busy cursor during its lifetime.
 class Hourglass {
  public:
   explicit Hourglass(Operator& op) : op_(op) { op_.SetBusy(true); }
@@ -65,8 +66,8 @@ class Hourglass {
   Operator& op_;
 };
 
-// The status line of a transfer, always with the color of its words: blue and "Standby..." at its
-// start, blue for what is neither success nor failure, green at a good end, red at a bad one.
+// The status line of a transfer sets text and color together: blue "Standby..." at the start, blue
+// for neutral texts, green for success, red for failure.
 void ReportStandby(Operator& op);
 void ReportNeutral(Operator& op, std::string_view words);
 void ReportComplete(Operator& op, std::string_view words);
