@@ -3,10 +3,12 @@
 #include <QBuffer>
 #include <QPdfWriter>
 #include <memory>
+#include <string>
 
 #include <gmock/gmock.h>
 
 #include "report/print_target.h"
+#include "report/report_layout.h"
 #include "support/recording_operator.h"
 
 namespace vrx::testing {
@@ -90,6 +92,39 @@ TEST_F(PrintQuestions, LettersBelowFivePointsAreOfferedSideBySide) {
                   "too small to read.\r\nThe report can be printed with its columns on [2-9] pages "
                   "side by side instead."));
   EXPECT_FALSE(report.design.fit_columns);
+}
+
+// The size that the operator reads is never above the size of the letters.
+TEST_F(PrintQuestions, LettersAreNamedRoundedDownAndOnlyWhereTheyAreBelowFivePoints) {
+  int offers = 0;
+  for (int columns = 10; columns <= 40; ++columns) {
+    Report report = Listed(columns, 1, true);
+    const double points = ReportLayout(report.design, *report.rows, device_).LetterPoints();
+    operator_.boxes.clear();
+    operator_.answers = {Answer::kCancel};
+    EXPECT_EQ(Ask(report), points >= 5) << points;
+    if (points < 5) {
+      ++offers;
+      const std::string& text = operator_.boxes.at(0).text;
+      const double named = std::stod(text.substr(text.find(" of ") + 4));
+      EXPECT_LE(named, points);
+      EXPECT_GT(named + 0.1001, points);
+    }
+  }
+  EXPECT_GT(offers, 10);
+  EXPECT_LT(offers, 30);
+}
+
+TEST_F(PrintQuestions, SheetsSideBySideAreAskedAboutByTheirNumber) {
+  Report report = Listed(30, 1200, true);
+  ReportDesign wide = report.design;
+  wide.fit_columns = false;
+  const std::int64_t sheets = ReportLayout(wide, *report.rows, device_).PageCount(*report.rows);
+  ASSERT_GT(sheets, 50);
+  operator_.answers = {Answer::kOk, Answer::kNo};
+  EXPECT_FALSE(Ask(report));
+  EXPECT_THAT(operator_.boxes.back().text,
+              ::testing::HasSubstr("takes " + std::to_string(sheets) + " sheets."));
 }
 
 TEST_F(PrintQuestions, ARefusedOfferPrintsNothingAndKeepsTheChoice) {

@@ -1,7 +1,9 @@
 // Reports as they are read off the paper.
 
+#include <QPdfWriter>
 #include <algorithm>
 #include <cmath>
+#include <csignal>
 #include <fstream>
 #include <functional>
 #include <map>
@@ -9,6 +11,7 @@
 #include <stdexcept>
 
 #include <gmock/gmock.h>
+#include <sys/resource.h>
 
 #include "base/error.h"
 #include "database/identity.h"
@@ -16,6 +19,9 @@
 #include "report/print_target.h"
 #include "report/report_layout.h"
 #include "support/printed_pages.h"
+#include "base/error.h"
+#include "base/files.h"
+#include "print/recorded_pages.h"
 #include "support/temp_folder.h"
 
 namespace vrx::testing {
@@ -273,11 +279,9 @@ TEST_F(ReportPages, AHeadOfAGroupIsNotAloneAtAPagesEnd) {
                                            .caption = "head" + std::to_string(place)}
                                : Numbered(row);
                   })};
-    Print(report);
-    const auto pages = LinesOf(pdf_);
-    for (const auto& lines : pages) {
-      EXPECT_THAT(lines.at(lines.size() - 2), ::testing::Not(HasSubstr("head"))) << lead;
-      EXPECT_THAT(lines.back(), HasSubstr(" of " + std::to_string(pages.size())));
+    for (const DrawnPage& page : PagesOf(report)) {
+      const std::string& last_of_rows = page.texts.at(page.texts.size() - 3).text;
+      EXPECT_THAT(last_of_rows, ::testing::Not(HasSubstr("head"))) << lead;
     }
   }
 }
@@ -378,6 +382,15 @@ TEST_F(ReportPages, EachReportOfAJobHasSheetsAndNumbersOfItsOwn) {
                                 "1/5/2026 Page 2 of 2", "1/5/2026 Page 1 of 1"));
 }
 
+TEST_F(ReportPages, AFileBearsItsTitleAndTheProgramsName) {
+  const auto paper = MakePdfFile(pdf_, "Ingredients");
+  const auto& writer = dynamic_cast<const QPdfWriter&>(paper->Device());
+  EXPECT_EQ(writer.title(), QString("Ingredients"));
+  EXPECT_EQ(writer.creator(), QString("VRX-2260 Transfer Data Software"));
+  EXPECT_EQ(writer.pageLayout().orientation(), QPageLayout::Portrait);
+  EXPECT_EQ(writer.pageLayout().margins(QPageLayout::Millimeter), QMarginsF(12, 12, 12, 12));
+}
+
 class BrokenOffReport : public ReportPages {
  protected:
   BrokenOffReport() { std::ofstream(pdf_) << "as it was"; }
@@ -426,7 +439,27 @@ TEST_F(BrokenOffReport, LeavesADatabaseThatWasMadeMeanwhile) {
   EXPECT_EQ(ReadAll(pdf_), database);
 }
 
-TEST_F(BrokenOffReport, ReportsAFolderThatIsNotThere) {
+TEST_F(BrokenOffReport, LeavesTheFileAsItWasWhenTheDiskIsFull) {
+  rlimit before{};
+  getrlimit(RLIMIT_FSIZE, &before);
+  const auto handler = std::signal(SIGXFSZ, SIG_IGN);
+  const auto paper = MakePdfFile(pdf_, "test");
+  const rlimit small{.rlim_cur = 4096, .rlim_max = before.rlim_max};
+  setrlimit(RLIMIT_FSIZE, &small);
+  EXPECT_THROW(PrintOn(*paper, [&](ReportJob& job) { return job.Print(Listed(500)); }), FileError);
+  setrlimit(RLIMIT_FSIZE, &before);
+  static_cast<void>(std::signal(SIGXFSZ, handler));
+  EXPECT_EQ(ReadAll(pdf_), "as it was");
+}
+
+TEST_F(BrokenOffReport, RefusesAPathThatNamesADatabase) {
+  const std::string database = "SQLite format 3" + std::string(1, '\0') + " and more";
+  std::ofstream(pdf_, std::ios::binary) << database;
+  EXPECT_THROW(MakePdfFile(pdf_, "test"), DatabaseInTheWay);
+  EXPECT_EQ(ReadAll(pdf_), database);
+}
+
+TEST_F(BrokenOffReport, TellsAFolderThatIsNotThere) {
   EXPECT_THROW(MakePdfFile(folder_ / "none" / "report.pdf", "test"), Error);
 }
 

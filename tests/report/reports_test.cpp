@@ -23,6 +23,16 @@ std::vector<std::string> Captions(const Report& report) {
   return captions;
 }
 
+std::vector<std::string> RightAligned(const Report& report) {
+  std::vector<std::string> captions;
+  for (const ReportColumn& column : report.design.columns) {
+    if (column.right_aligned) {
+      captions.push_back(column.caption);
+    }
+  }
+  return captions;
+}
+
 ReportFacts Facts() { return {.weight_unit = "LB", .caption_unit = "KG"}; }
 
 CurrentRecipe Recipe(const std::string& type) {
@@ -34,18 +44,25 @@ CurrentRecipe Recipe(const std::string& type) {
 }
 
 TEST(Reports, IngredientsHaveTheColumnsOfTheirGrid) {
-  const Report report = IngredientReport(
-      {{.id = 3, .name = "bARLEY", .description = "Barley", .hand_add = true}}, true, Facts());
+  const Report report =
+      IngredientReport({{.id = 3, .name = "bARLEY", .description = "Barley", .hand_add = true},
+                        {.id = 4, .name = "HAY", .dry_matter_percent = 85}},
+                       true, Facts());
   EXPECT_THAT(Captions(report),
               ElementsAre("ID", "Name", "Description", "Dry Matter (%)", "Hand-Add"));
   EXPECT_THAT(report.rows->Row(1).cells, ElementsAre("3", "bARLEY", "Barley", "100", "Yes"));
+  EXPECT_THAT(report.rows->Row(2).cells, ElementsAre("4", "HAY", "", "85", "No"));
+  EXPECT_EQ(report.rows->Count(), 2);
+  EXPECT_THAT(RightAligned(report), ElementsAre("ID", "Dry Matter (%)"));
   EXPECT_TRUE(report.design.fit_columns);
+  EXPECT_FALSE(report.design.fixed_pitch);
 }
 
 TEST(Reports, PensHaveTheUnitInTheCaption) {
   const Report report = PenReport({{.id = 7, .name = "A07", .feed_amount = "830"}}, false, Facts());
   EXPECT_THAT(Captions(report), ElementsAre("ID", "Name", "Description", "Feed Amount (kg)"));
   EXPECT_THAT(report.rows->Row(1).cells, ElementsAre("7", "A07", "", "830"));
+  EXPECT_THAT(RightAligned(report), ElementsAre("ID", "Feed Amount (kg)"));
 }
 
 TEST(Reports, ARecipeShowsTheColumnsOfItsType) {
@@ -79,6 +96,30 @@ TEST(Reports, ALineOfAnIngredientThatIsNotListedHasNoName) {
   const Report report = RecipeReport(Recipe("W"), {}, Facts());
   EXPECT_EQ(report.rows->Row(2).cells.at(0), "");
   EXPECT_EQ(report.rows->Row(2).cells.at(1), "80");
+}
+
+TEST(Reports, HaveGridLinesByTheirSettingUnderBlackCaptions) {
+  for (const bool lines : {true, false}) {
+    const ReportFacts facts{.grid_lines = lines};
+    for (const Report& report : {IngredientReport({}, true, facts), PenReport({}, true, facts),
+                                 RecipeReport(Recipe("W"), {}, facts)}) {
+      EXPECT_EQ(report.design.grid_lines, lines);
+      EXPECT_TRUE(report.design.captions);
+      EXPECT_EQ(report.design.caption_color, 0U);
+    }
+  }
+}
+
+TEST(Reports, ARecipeToPrintComesWithItsLinesAndTotals) {
+  const TempFolder folder;
+  SQLite::Database recipes = SmallRecipes(folder);
+  WriteRecipe(recipes, {.id = 4, .name = "STEERS", .description = "Steers", .batch_type = "W"});
+  RecipeLineRecord line{.recipe_id = "4", .ingredient = "1", .target = "120", .hand_add = true};
+  WriteRecipeLine(recipes, line);
+  const RecipeOnShow recipe = ReadRecipeToPrint(recipes, 4);
+  EXPECT_EQ(recipe.ration.recipe.name, "STEERS");
+  EXPECT_EQ(recipe.ration.lines.size(), 1U);
+  EXPECT_EQ(recipe.totals.hand_add, "1");
 }
 
 class HistoryReports : public ::testing::Test {
@@ -122,7 +163,41 @@ TEST_F(HistoryReports, PrintAClosedGroupAsOneRowAndNoCaptionsWithoutARecord) {
                                    "3 STEERS 0 300 10 10:00 AM 15-Mar-11", "Total: 780 1100"));
 }
 
-TEST_F(HistoryReports, DistinguishTotalsByTheirColors) {
+TEST_F(HistoryReports, HaveRowsOfFixedPitchInTheColorsOfTheGrid) {
+  SetUp(3, true);
+  const Report report = HistoryReport(grid_, true, {.grid_lines = false});
+  EXPECT_TRUE(report.design.fixed_pitch);
+  EXPECT_EQ(report.design.caption_color, 0x0000C0U);
+  EXPECT_EQ(report.design.group_color, 0x0000C0U);
+  EXPECT_TRUE(report.design.fit_columns);
+  EXPECT_FALSE(report.design.grid_lines);
+  EXPECT_TRUE(HistoryReport(grid_, true, {.grid_lines = true}).design.grid_lines);
+  EXPECT_THAT(RightAligned(report), ElementsAre("Batch Wt", "Feed Wt", "Target Wt"));
+  EXPECT_EQ(report.design.texts.header_center,
+            "Report: Recipes (all)\r\nTransaction File: \r\nRecipe File: ");
+}
+
+TEST_F(HistoryReports, GiveEachRowItsKindAndLevel) {
+  SetUp(3, false);
+  grid_.OpenGroup(3);  // STEERS
+  grid_.OpenGroup(5);  // its FEED
+  const Report report = HistoryReport(grid_, true, Facts());
+  std::vector<std::string> rows;
+  for (std::int64_t row = 1; row <= report.rows->Count(); ++row) {
+    const ReportRow printed = report.rows->Row(row);
+    const std::string kind = printed.kind == ReportRowKind::kGroup   ? "group "
+                             : printed.kind == ReportRowKind::kTotal ? "total "
+                                                                     : "record ";
+    rows.push_back(kind + std::to_string(printed.level) + " " + printed.caption +
+                   (report.rows->IsHead(row) ? ", head" : ""));
+  }
+  EXPECT_THAT(rows,
+              ElementsAre("group 1 Recipe:", "group 1 Recipe:HEIFER", "group 1 Recipe:STEERS, head",
+                          "group 2 BATCH", "group 2 FEED, head", "record 3 ", "record 3 ",
+                          "record 3 ", "total 2 ", "total 1 "));
+}
+
+TEST_F(HistoryReports, TellTotalsApartByTheirColours) {
   SetUp(1, true);
   const Report report = HistoryReport(grid_, false, Facts());
   std::map<std::string, std::uint32_t> colors;
