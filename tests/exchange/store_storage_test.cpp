@@ -67,7 +67,8 @@ TEST(StoreStorageFailure, AfterAnEarlierStoreKeepsThatOneAndItsFlag) {
 }
 
 TEST(StoreStorageFailure, AnotherWriterIsTold) {
-  StoreFixture site;
+  StoreSite site;
+  site.databases.lock_wait = std::chrono::milliseconds(0);
   SQLite::Database other = OpenDatabase(site.databases.trans_db_path, Access::kWrite);
   other.exec("BEGIN IMMEDIATE");
   ExpectNothingStored(site, site.Store(FourRows()), "A table in the specified database is locked.");
@@ -76,7 +77,8 @@ TEST(StoreStorageFailure, AnotherWriterIsTold) {
 }
 
 TEST(StoreStorageFailure, ACommitHeldUpByAReaderLeavesNothing) {
-  StoreFixture site;
+  StoreSite site;
+  site.databases.lock_wait = std::chrono::milliseconds(0);
   Execute(site.databases.trans_db_path, "INSERT INTO Transactions ([Transaction]) VALUES (1), (2)");
   SQLite::Database other = OpenDatabase(site.databases.trans_db_path, Access::kRead);
   SQLite::Statement reader(other, "SELECT * FROM Transactions");

@@ -377,6 +377,8 @@ INSTANTIATE_TEST_SUITE_P(
                 "Ing% Of Batch: found \"%\", expected a number"},
         BadCell{"IngredientWeight", kFirstIngredientWeight + 31, "x",
                 "Ing32 Wt: found \"x\", expected a number"},
+        BadCell{"ValueOf40Bytes", kImportedTarget, std::string(40, 'x'),
+                "Target Wt: found \"" + std::string(40, 'x') + "\", expected a number"},
         BadCell{"LongValue", kImportedTarget, std::string(60, 'x'),
                 "Target Wt: found \"" + std::string(40, 'x') + "...\", expected a number"}),
     [](const auto& tested) { return tested.param.name; });

@@ -143,6 +143,13 @@ TEST(UnreadFeedsText, NamesTheFirstOfManyAndTheListAll) {
   EXPECT_THAT(UnreadFeedsList(feeds), EndsWith("\r\nand 1 more"));
 }
 
+TEST(UnreadFeedsText, ShowsARecordOf120BytesWhole) {
+  const std::string record(120, 'x');
+  EXPECT_THAT(UnreadFeedsText({{.transaction = "9", .text = record}}, "read"), EndsWith(record));
+  EXPECT_THAT(UnreadFeedsText({{.transaction = "9", .text = record + "y"}}, "read"),
+              EndsWith(record + "..."));
+}
+
 TEST(UnreadFeedsText, CutsLongRecordsAndShowsNoControlCharacter) {
   const std::string text = UnreadFeedsText(
       {{.transaction = "9", .text = "B,9,\x1B[2J" + std::string(200, 'x')}}, "read");

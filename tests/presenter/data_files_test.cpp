@@ -180,6 +180,29 @@ TEST_F(DataFiles, MarksARowSavedOnceHoweverOftenItIsSaved) {
   EXPECT_EQ(transfer_.data_files[1].text, "Recipe Backup File - 2");
 }
 
+// What came from the indicator is safe once every file of the block is on disk.
+TEST_F(DataFiles, TheBlockIsSavedWithItsLastFile) {
+  transfer_.received.Arrived();
+  transfer_.received.ImageIntoBlock();
+  for (int file = 1; file <= 4; ++file) {
+    EXPECT_TRUE(transfer_.received.Unsaved()) << file;
+    chooser_.Choose(folder_ / ("file" + std::to_string(file)));
+    files_.SaveDataFile(file);
+  }
+  EXPECT_FALSE(transfer_.received.Unsaved());
+}
+
+TEST_F(DataFiles, ABlockThatIsNotCutWholeStaysUnsaved) {
+  transfer_.received.Arrived();
+  transfer_.received.ImageIntoBlock();
+  transfer_.block_is_cut = false;
+  for (int file = 1; file <= 4; ++file) {
+    chooser_.Choose(folder_ / ("file" + std::to_string(file)));
+    files_.SaveDataFile(file);
+  }
+  EXPECT_TRUE(transfer_.received.Unsaved());
+}
+
 TEST_F(DataFiles, LeavesTheListAloneWhenTheDialogIsCancelled) {
   transfer_.data_files[1].checked = true;
   transfer_.selected_row = 3;

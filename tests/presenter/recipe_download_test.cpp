@@ -44,7 +44,11 @@ class RecipeDownloadTest : public ::testing::Test, public RecipeDownloadHost {
     }
   }
   void RecipesStored(int highest_in_use) override { shown_recipes.push_back(highest_in_use); }
-  void FocusControl(std::string_view name) override { focused.emplace_back(name); }
+  // A control that is off, as during a command, cannot take the focus.
+  void FocusControl(std::string_view name) override {
+    EXPECT_TRUE(krm.Guard().Free());
+    focused.emplace_back(name);
+  }
   void TransferChanged() override {
     if (windows.empty() || windows.back() != tab.data_window) {
       windows.push_back(tab.data_window);
