@@ -187,6 +187,25 @@ TEST_F(XmlExports, StaysWellFormedWhateverTheNamesHold) {
   }
 }
 
+// More than is held back before it is written.
+TEST_F(XmlExports, ALongExportHasEveryRecordOnce) {
+  std::vector<SiteRow> rows;
+  for (int row = 1; row <= 3000; ++row) {
+    rows.push_back({.transaction = row, .batch = row + 0.5});
+  }
+  site_.Store(rows);
+  const std::string xml = Exported(1);
+  ASSERT_GT(xml.size(), std::size_t{600} * 1024);
+  std::size_t from = 0;
+  for (int row = 1; row <= 3000; ++row) {
+    const std::string weight = "<ActualBatch>" + std::to_string(row) + ".5</ActualBatch>";
+    from = xml.find(weight, from);
+    ASSERT_NE(from, std::string::npos) << row;
+  }
+  EXPECT_EQ(xml.find("<ActualBatch>", from + 1), std::string::npos);
+  EXPECT_EQ(xml.find("<Transactions>"), xml.rfind("<Transactions>"));
+}
+
 TEST_F(XmlExports, TheStylesheetIsCopiedBesideTheFile) {
   site_.Store({{.transaction = 1}});
   EXPECT_TRUE(Export(1, file_));
