@@ -212,6 +212,28 @@ TEST_F(GroupedRowsWhileTheTableChanges, TheThousandRecordsReadLastAreHeld) {
   EXPECT_EQ(TimeOf(33), "newer");
 }
 
+// Sums over many records take long: they stay when the others make room.
+TEST(GroupedRows, TotalsOfLargeGroupsAreHeldAmongThoseOfManyOthers) {
+  HistoryTable table;
+  std::vector<Cells> records(1000, {{3, CellValue("FEED")}, {6, CellValue("A")}, {7, 1.0}});
+  for (int pen = 1000; pen < 5200; ++pen) {
+    records.push_back(
+        {{3, CellValue("FEED")}, {6, CellValue("P" + std::to_string(pen))}, {7, 1.0}});
+  }
+  table.Store(records);
+  GroupedRows rows(table.Database());
+  rows.Show(*FindDataGroup(8), "");
+  rows.OpenAll();
+  const std::int64_t large = 1 + 1000 + 1;
+  const std::int64_t first_other = large + 3;  // its group and its record are above
+  for (std::int64_t row = large; row <= rows.RowCount(); row += 3) {
+    rows.Row(row);
+  }
+  table.Exec("UPDATE Transactions SET Target = 2");
+  EXPECT_EQ(rows.Row(large).cells[6], CellValue(1000.0));
+  EXPECT_EQ(rows.Row(first_other).cells[6], CellValue(2.0));
+}
+
 // Another program moved a record into a group: the group shows as many as were counted.
 TEST_F(GroupedRowsWhileTheTableChanges, ASortFollowsARecordWithinTheRowsOfItsGroup) {
   table_.Exec(

@@ -76,6 +76,15 @@ TEST_F(HistoryGridTest, ClosingTheLastGroupOfRecordsHidesTheStripAgain) {
   EXPECT_FALSE(grid.ColumnHeaders());
 }
 
+TEST_F(HistoryGridTest, ClosingTheOnlyGroupHidesTheStripToo) {
+  transactions.exec("DELETE FROM Transactions WHERE Pen IS NOT 'A01'");
+  SetUpGroup(8);
+  grid.OpenGroup(1);
+  EXPECT_TRUE(grid.ColumnHeaders());
+  grid.CloseGroup(1);
+  EXPECT_FALSE(grid.ColumnHeaders());
+}
+
 TEST_F(HistoryGridTest, WithNoRowsTheStripStaysAsItWas) {
   SetUpGroup(4);
   grid.ApplyExpandState(true);
