@@ -137,12 +137,12 @@ class OrdinaryUser {
  public:
   OrdinaryUser() {
     if (is_root_) {
-      EXPECT_EQ(seteuid(kNobody), 0);
+      EXPECT_EQ(setresuid(kNobody, kNobody, 0), 0);
     }
   }
   ~OrdinaryUser() {
     if (is_root_) {
-      EXPECT_EQ(seteuid(0), 0);
+      EXPECT_EQ(setresuid(0, 0, 0), 0);
     }
   }
   OrdinaryUser(const OrdinaryUser&) = delete;
