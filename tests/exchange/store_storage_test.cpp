@@ -67,7 +67,7 @@ TEST(StoreStorageFailure, AfterAnEarlierStoreKeepsThatOneAndItsFlag) {
 }
 
 TEST(StoreStorageFailure, AnotherWriterIsTold) {
-  StoreSite site;
+  StoreFixture site;
   site.databases.lock_wait = std::chrono::milliseconds(0);
   SQLite::Database other = OpenDatabase(site.databases.trans_db_path, Access::kWrite);
   other.exec("BEGIN IMMEDIATE");
@@ -77,7 +77,7 @@ TEST(StoreStorageFailure, AnotherWriterIsTold) {
 }
 
 TEST(StoreStorageFailure, ACommitHeldUpByAReaderLeavesNothing) {
-  StoreSite site;
+  StoreFixture site;
   site.databases.lock_wait = std::chrono::milliseconds(0);
   Execute(site.databases.trans_db_path, "INSERT INTO Transactions ([Transaction]) VALUES (1), (2)");
   SQLite::Database other = OpenDatabase(site.databases.trans_db_path, Access::kRead);

@@ -4,10 +4,10 @@
 
 #include <gmock/gmock.h>
 
-#include "frame/error.h"
-#include "print/recorded_pages.h"
-#include "print/report_job.h"
-#include "print/report_layout.h"
+#include "base/error.h"
+#include "report/print_target.h"
+#include "report/recorded_pages.h"
+#include "report/report_layout.h"
 
 namespace vrx::testing {
 namespace {

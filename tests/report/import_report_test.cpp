@@ -1,9 +1,10 @@
 #include <gmock/gmock.h>
 
-#include "exchange/import_session.h"
-#include "exchange/store_site.h"
+#include "exchange/store_fixture.h"
 #include "exchange/transaction_texts.h"
-#include "print/reports.h"
+#include "presenter/database_identity.h"
+#include "presenter/import.h"
+#include "report/reports.h"
 #include "support/fixed_system_info.h"
 #include "support/scripted_file_chooser.h"
 
@@ -26,18 +27,26 @@ class ImportReports : public ::testing::Test, public ImportHost {
         {.path = site_.folder.Write("day1.qxt", text).string(), .title = "day1.qxt"}));
   }
 
-  StoreSite site_;
+  Report Printed(bool fit_columns, const ReportFacts& facts) const {
+    const ImportForm& form = session_.Form();
+    return ImportReport(session_.File(), form.grd_import_rows, form.grd_import_columns, fit_columns,
+                        facts);
+  }
+
+  StoreFixture site_;
+  DatabaseIdentity identity_{site_.op, site_.calendar, site_.settings};
   FixedSystemInfo system_;
   ScriptedFileChooser files_;
   std::vector<IngredientRecord> ingredients_{
       {.id = 4, .name = "cORN"}, {.id = 7, .name = "HAY"}, {.id = 100, .name = "SALT"}};
-  ImportSession session_{{.op = site_.op,
-                          .files = files_,
-                          .system = system_,
-                          .settings = site_.settings,
-                          .identity = site_.identity,
-                          .progress = site_.progress,
-                          .host = *this}};
+  ImportPresenter session_{{.op = site_.op,
+                            .files = files_,
+                            .system = system_,
+                            .settings = site_.settings,
+                            .calendar = site_.calendar,
+                            .identity = identity_,
+                            .progress = site_.progress,
+                            .host = *this}};
 };
 
 TEST_F(ImportReports, HaveTheVisibleColumnsOfTheGridAndTheRowsOfTheFile) {
@@ -46,7 +55,7 @@ TEST_F(ImportReports, HaveTheVisibleColumnsOfTheGridAndTheRowsOfTheFile) {
       "[BAT],B,1,3,01152009,J\xFCrg,4,7,0,0,0;0830,0835,0,0,0;1000.0,500.0,0,0,0;"
       "750.0,250.0,0,0,0\r\n\r\n"
       "[FED],B,1,12,2,0915,01152009,800.0,1000.0\r\n\r\n");
-  const Report report = ImportReport(session_, false, {.weight_unit = "LB", .grid_lines = false});
+  const Report report = Printed(false, {.weight_unit = "LB", .grid_lines = false});
   std::vector<std::string> captions;
   std::vector<std::string> at_the_left;
   for (const ReportColumn& column : report.design.columns) {
@@ -74,10 +83,10 @@ TEST_F(ImportReports, HaveTheVisibleColumnsOfTheGridAndTheRowsOfTheFile) {
 
 TEST_F(ImportReports, TakeFitAndGridLinesFromTheirSettings) {
   Import(kWorkedExample);
-  const Report plain = ImportReport(session_, false, {.grid_lines = false});
+  const Report plain = Printed(false, {.grid_lines = false});
   EXPECT_FALSE(plain.design.fit_columns);
   EXPECT_FALSE(plain.design.grid_lines);
-  const Report lined = ImportReport(session_, true, {.grid_lines = true});
+  const Report lined = Printed(true, {.grid_lines = true});
   EXPECT_TRUE(lined.design.fit_columns);
   EXPECT_TRUE(lined.design.grid_lines);
   EXPECT_TRUE(lined.design.fixed_pitch);

@@ -1,11 +1,10 @@
-#include "print/recorded_pages.h"
+#include "report/recorded_pages.h"
 
 #include <algorithm>
 #include <memory>
 #include <stdexcept>
 
-#include "print/paper.h"
-#include "print/report_job.h"
+#include "report/print_target.h"
 
 namespace vrx::testing {
 namespace {

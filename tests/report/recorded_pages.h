@@ -7,7 +7,7 @@
 #include <string>
 #include <vector>
 
-#include "print/report.h"
+#include "report/report.h"
 
 namespace vrx::testing {
 

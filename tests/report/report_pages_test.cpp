@@ -14,14 +14,13 @@
 #include <sys/resource.h>
 
 #include "base/error.h"
+#include "base/files.h"
 #include "database/identity.h"
 #include "database/keep_database.h"
 #include "report/print_target.h"
+#include "report/recorded_pages.h"
 #include "report/report_layout.h"
 #include "support/printed_pages.h"
-#include "base/error.h"
-#include "base/files.h"
-#include "print/recorded_pages.h"
 #include "support/temp_folder.h"
 
 namespace vrx::testing {
@@ -459,7 +458,7 @@ TEST_F(BrokenOffReport, RefusesAPathThatNamesADatabase) {
   EXPECT_EQ(ReadAll(pdf_), database);
 }
 
-TEST_F(BrokenOffReport, TellsAFolderThatIsNotThere) {
+TEST_F(BrokenOffReport, ReportsAFolderThatIsNotThere) {
   EXPECT_THROW(MakePdfFile(folder_ / "none" / "report.pdf", "test"), Error);
 }
 

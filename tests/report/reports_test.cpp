@@ -116,7 +116,7 @@ TEST(Reports, ARecipeToPrintComesWithItsLinesAndTotals) {
   WriteRecipe(recipes, {.id = 4, .name = "STEERS", .description = "Steers", .batch_type = "W"});
   RecipeLineRecord line{.recipe_id = "4", .ingredient = "1", .target = "120", .hand_add = true};
   WriteRecipeLine(recipes, line);
-  const RecipeOnShow recipe = ReadRecipeToPrint(recipes, 4);
+  const CurrentRecipe recipe = ReadRecipeToPrint(recipes, 4);
   EXPECT_EQ(recipe.ration.recipe.name, "STEERS");
   EXPECT_EQ(recipe.ration.lines.size(), 1U);
   EXPECT_EQ(recipe.totals.hand_add, "1");
@@ -197,7 +197,7 @@ TEST_F(HistoryReports, GiveEachRowItsKindAndLevel) {
                           "record 3 ", "total 2 ", "total 1 "));
 }
 
-TEST_F(HistoryReports, TellTotalsApartByTheirColours) {
+TEST_F(HistoryReports, DistinguishTotalsByTheirColors) {
   SetUp(1, true);
   const Report report = HistoryReport(grid_, false, Facts());
   std::map<std::string, std::uint32_t> colors;
