@@ -3,7 +3,6 @@
 #include "base/encoding.h"
 #include "base/error.h"
 #include "base/number.h"
-#include "feed/record_fields.h"
 
 namespace vrx {
 namespace {

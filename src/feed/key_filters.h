@@ -7,6 +7,9 @@
 
 namespace vrx {
 
+inline constexpr std::size_t kDescriptionLimit = 16;  // characters
+inline constexpr int kBackspaceKey = 8;               // dropped by every filter, so check it first
+
 // Key filters. Each takes a key code and returns the code to accept, or 0 to drop the key. All drop
 // backspace; fields check for it first. Names have "b" and "d" in lower case because the indicator
 // cannot display them in upper case.

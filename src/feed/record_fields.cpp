@@ -9,7 +9,6 @@
 #include "base/encoding.h"
 #include "base/number.h"
 #include "base/text.h"
-#include "feed/key_filters.h"
 
 namespace vrx {
 namespace {

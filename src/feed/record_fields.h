@@ -8,6 +8,7 @@
 
 #include "base/error.h"
 #include "database/records.h"
+#include "feed/key_filters.h"
 
 namespace vrx {
 
@@ -66,9 +67,6 @@ class FieldRefusal : public Error {
 };
 
 inline constexpr std::string_view kFieldErrorTitle = "Field Error";
-
-inline constexpr std::size_t kDescriptionLimit = 16;  // characters
-inline constexpr int kBackspaceKey = 8;               // dropped by every filter, so check it first
 
 // A text field of a form.
 struct RecordField {
