@@ -21,6 +21,9 @@ namespace vrx {
 // A value as a transaction database stores it: NULL, a whole number, a number, a text (UTF-8).
 using CellValue = std::variant<std::monostate, std::int64_t, double, std::string>;
 
+// A row of the grouped view.
+enum class HistoryRowKind { kGroup, kTotal, kRecord };
+
 inline bool IsNull(const CellValue& value) { return std::holds_alternative<std::monostate>(value); }
 
 // The prepared statements of one view, by their text. One that is not in use is reset and

@@ -13,8 +13,6 @@
 
 namespace vrx {
 
-enum class HistoryRowKind { kGroup, kTotal, kRecord };
-
 // One row of the grouped view, its values as stored, by column index less 1.
 struct HistoryRow {
   HistoryRowKind kind = HistoryRowKind::kRecord;

@@ -9,7 +9,6 @@
 #include <vector>
 
 #include "history/group_query.h"
-#include "history/grouped_rows.h"
 
 namespace vrx {
 
