@@ -250,10 +250,6 @@ BatchCounts CountBatchRows(std::string_view section) {
   return counts;
 }
 
-std::int64_t CountFeedRecords(std::string_view section) {
-  return std::count(section.begin(), section.end(), 'B');
-}
-
 std::int32_t KeptCount(std::int64_t count) {
   return count > std::numeric_limits<std::int32_t>::max() ? -1 : static_cast<std::int32_t>(count);
 }

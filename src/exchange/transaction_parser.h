@@ -77,9 +77,6 @@ struct BatchCounts {
 // one of the ";" is missing. Linear in the section's length.
 BatchCounts CountBatchRows(std::string_view section);
 
-// Every "B" counts, one in a pen or user field too. `section` may be a part of the feed section.
-std::int64_t CountFeedRecords(std::string_view section);
-
 // A count as it is kept; -1 for one beyond 32 bits.
 std::int32_t KeptCount(std::int64_t count);
 

@@ -6,7 +6,6 @@
 #include <string>
 
 #include "base/number.h"
-#include "exchange/transaction_parser.h"
 
 namespace vrx {
 
@@ -231,6 +230,10 @@ std::size_t RecordExtractor::TakeRow() {
     throw ParseError("Too many records detected.");
   }
   return next_row_++;
+}
+
+std::int64_t CountFeedRecords(std::string_view section) {
+  return std::count(section.begin(), section.end(), 'B');
 }
 
 }  // namespace vrx

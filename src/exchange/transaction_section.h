@@ -38,6 +38,9 @@ class SectionCursor {
   Delimiter last_delimiter_ = Delimiter::kNone;
 };
 
+// Every "B" counts, one in a pen or user field too. `section` may be a part of the feed section.
+std::int64_t CountFeedRecords(std::string_view section);
+
 class BatchSection {
  public:
   BatchSection() = default;
