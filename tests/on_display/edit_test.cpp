@@ -21,6 +21,9 @@ constexpr const char* kNotStored =
 constexpr const char* kShareNotStored =
     "The 'Ingredient%' field could not be stored: SITE.RDB is locked by another program";
 
+// How long a test that reads the file waits for the program to store.
+constexpr int kLongestStoreMs = 5000;
+
 // Another program writes into the file.
 class Lock {
  public:
@@ -65,13 +68,13 @@ class EditOnDisplay : public OnDisplay {
   }
 
   std::string StoredDescription() const {
-    SQLite::Database file(recipes.string());
+    SQLite::Database file(recipes.string(), SQLite::OPEN_READONLY, kLongestStoreMs);
     return file.execAndGet("SELECT Description FROM Ingredient WHERE ID = 1").getString();
   }
 
   // The shares of the lines of all recipes, in one text.
   std::string StoredShares() const {
-    SQLite::Database file(recipes.string());
+    SQLite::Database file(recipes.string(), SQLite::OPEN_READONLY, kLongestStoreMs);
     return file
         .execAndGet(
             "SELECT group_concat(RecipeID || ':' || Sequence || '=' || ifnull([Ingredient%], '')) "
