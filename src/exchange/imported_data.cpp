@@ -9,7 +9,6 @@
 #include "base/number.h"
 
 namespace vrx {
-
 namespace {
 
 constexpr std::array<std::string_view, kFirstIngredientWeight - 1> kLeadingKeys = {
@@ -27,15 +26,15 @@ constexpr std::array<std::string_view, kFirstIngredientWeight - 1> kLeadingKeys 
     "Calculated_Ing%OfBatch",
 };
 
+constexpr std::array<std::string_view, kCalculatedIngPercentOfBatch> kCaptions = {
+    "Transaction", "Recipe ID", "Type", "Target Wt", "Ingredient ID", "Batch Wt",
+    "Pen ID",      "Feed Wt",   "Time", "Date",      "User ID",       "Ing% Of Batch"};
+
 template <typename Cells>
 auto FindCell(Cells& cells, int column) {
   return std::lower_bound(cells.begin(), cells.end(), column,
                           [](const auto& cell, int wanted) { return cell.first < wanted; });
 }
-
-constexpr std::array<std::string_view, kCalculatedIngPercentOfBatch> kCaptions = {
-    "Transaction", "Recipe ID", "Type", "Target Wt", "Ingredient ID", "Batch Wt",
-    "Pen ID",      "Feed Wt",   "Time", "Date",      "User ID",       "Ing% Of Batch"};
 
 }  // namespace
 

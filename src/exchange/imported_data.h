@@ -9,7 +9,7 @@
 
 namespace vrx {
 
-// Columns of an import, from 1, as the grid `grdIMPORT` counts them.
+// Columns of an import, numbered as in the grid `grdIMPORT`.
 enum ImportColumn : int {
   kImportedTransactionNumber = 1,
   kImportedRecipeID = 2,
@@ -27,69 +27,68 @@ enum ImportColumn : int {
   kImportColumns = 112,
 };
 
-// A feed record of the file that no row holds.
+// A feed record of the file that is not in any row, because it fits no batch.
 struct UnreadFeed {
-  std::string transaction;  // its second field
+  std::string transaction;  // the second field of the record
   std::string text;         // the record without its line end
-  std::size_t rows = 0;     // that it was counted for, and that stay empty
+  std::size_t rows = 0;     // rows counted for it, which stay empty
 };
-
-// The table behind `grdIMPORT`: strings, 112 columns by the rows that were counted. Rows that were
-// counted but never filled read as empty cells and cost nothing; of a filled row only the cells
-// that were set take memory, and a text that many cells share is held once, so memory follows the
-// size of the file. Texts are bytes as they are in the file.
-class ImportedData {
- public:
-  ImportedData() = default;
-  // A copy would refer to the texts of the original.
-  ImportedData(const ImportedData&) = delete;
-  ImportedData& operator=(const ImportedData&) = delete;
-  ImportedData(ImportedData&&) = default;
-  ImportedData& operator=(ImportedData&&) = default;
-  ~ImportedData() = default;
-
-  void Resize(std::size_t rows);  // empties every cell, and the list of unread feeds
-  std::size_t RowCount() const { return row_count_; }
-
-  // The number of rows from the top that hold all that was filled.
-  std::size_t FilledCount() const { return filled_.size(); }
-
-  // Rows from 1. Cell gives "" for anything never set; SetCell throws std::out_of_range outside
-  // RowCount x 112. The text of a cell lives until Resize.
-  std::string_view Cell(std::size_t row, int column) const;
-  void SetCell(std::size_t row, int column, std::string_view text);
-
-  // True if any cell of the row was set.
-  bool Filled(std::size_t row) const;
-
-  // The feed records that fit no batch, in the order of the file.
-  const std::vector<UnreadFeed>& UnreadFeeds() const { return unread_feeds_; }
-  void AddUnreadFeed(UnreadFeed feed) { unread_feeds_.push_back(std::move(feed)); }
-
- private:
-  struct Row {
-    std::vector<std::pair<int, std::string_view>> cells;  // by ascending column
-  };
-  std::unordered_set<std::string> texts_;  // its elements never move
-  std::vector<Row> filled_;                // rows 1 to filled_.size(); rows are filled from the top
-  std::size_t row_count_ = 0;
-  std::vector<UnreadFeed> unread_feeds_;
-};
-
-// "Imported_TransactionNumber" ... "Calculated_Ing%OfBatch", "Calculated_Ing01Wt" ...
-std::string ImportColumnKey(int column);
-
-// The caption that a column of `grdIMPORT`, 1 to 112, has at design: "Transaction", "Recipe ID" ...
-// "Ing01 Wt" ... "Ing100 Wt". At run time the ingredient columns bear the ingredients' names.
-std::string DesignImportCaption(int column);
-
-// Whether a column of `grdIMPORT` holds words; all others hold numbers, aligned right.
-bool IsImportText(int column);
 
 // A column of the grid as it is shown now.
 struct ImportGridColumn {
   std::string caption;
   bool visible = true;
 };
+
+// Contents of `grdIMPORT`: 112 columns of texts, one row for each counted row. Only cells that were
+// set take memory, and equal texts are stored once, so memory is proportional to the size of the
+// file. All other cells are empty. Texts are bytes as in the file (Windows-1252).
+class ImportedData {
+ public:
+  ImportedData() = default;
+  // A copy would have views of the original's texts.
+  ImportedData(const ImportedData&) = delete;
+  ImportedData& operator=(const ImportedData&) = delete;
+  ImportedData(ImportedData&&) = default;
+  ImportedData& operator=(ImportedData&&) = default;
+  ~ImportedData() = default;
+
+  void Resize(std::size_t rows);  // clears all cells and the list of unread feeds
+  [[nodiscard]] std::size_t RowCount() const { return row_count_; }
+
+  // Number of rows from the top that include all filled rows.
+  [[nodiscard]] std::size_t FilledCount() const { return filled_.size(); }
+
+  // Rows are numbered from 1. Cell returns "" for a cell that was never set; the view is valid
+  // until Resize. SetCell throws std::out_of_range outside the table.
+  [[nodiscard]] std::string_view Cell(std::size_t row, int column) const;
+  void SetCell(std::size_t row, int column, std::string_view text);
+
+  // True if any cell of the row was set.
+  [[nodiscard]] bool Filled(std::size_t row) const;
+
+  // In the order of the file.
+  [[nodiscard]] const std::vector<UnreadFeed>& UnreadFeeds() const { return unread_feeds_; }
+  void AddUnreadFeed(UnreadFeed feed) { unread_feeds_.push_back(std::move(feed)); }
+
+ private:
+  struct Row {
+    std::vector<std::pair<int, std::string_view>> cells;  // ascending columns
+  };
+  std::unordered_set<std::string> texts_;  // elements have stable addresses
+  std::vector<Row> filled_;                // the rows from 1 on; rows are filled from the top
+  std::size_t row_count_ = 0;
+  std::vector<UnreadFeed> unread_feeds_;
+};
+
+// "Imported_TransactionNumber" ... "Calculated_Ing%OfBatch", "Calculated_Ing01Wt" ...
+[[nodiscard]] std::string ImportColumnKey(int column);
+
+// Design caption of a column from 1 to 112: "Transaction", "Recipe ID" ... "Ing01 Wt" ...
+// "Ing100 Wt". At run time the ingredient columns have the names of the ingredients.
+[[nodiscard]] std::string DesignImportCaption(int column);
+
+// True if a column has words; all others have right-aligned numbers.
+[[nodiscard]] bool IsImportText(int column);
 
 }  // namespace vrx

@@ -20,12 +20,11 @@
 #include "link/krmcomm.h"
 
 namespace vrx {
-
 namespace {
 
 constexpr std::string_view kLineEnd = "\r\n";
 
-// For the operator: "Recipe 7 (STEERS)".
+// "Recipe 7 (STEERS)", for messages.
 std::string Named(std::string_view kind, int id, const std::string& name) {
   return std::string(kind) + " " + std::to_string(id) + " (" + name + ")";
 }
@@ -39,7 +38,7 @@ std::string Encoded(const std::string& text, const std::string& record) {
   return bytes;
 }
 
-// Which of its weights a recipe sends.
+// Which weight of its lines a recipe sends.
 struct SentWeights {
   std::string TotalsRow::*target;
   std::string RecipeLineRecord::*amount;
@@ -129,7 +128,7 @@ class TextBuilder {
     return Encoded(ingredient.name, Named("Ingredient", ingredient.id, ingredient.name));
   }
 
-  // The rule of what a recipe line calls its ingredient: by name, an unknown one by none.
+  // A recipe line refers to its ingredient by name; the name of an unknown ingredient is empty.
   std::string IngredientName(const RecipeLineRecord& line) const {
     const auto known = ingredients_.find(line.ingredient);
     return known == ingredients_.end() ? std::string() : EncodedName(*known->second);
@@ -166,7 +165,8 @@ class TextBuilder {
     }
   }
 
-  // Two lists. None of their closing marks without a line: the next recipe runs on.
+  // Two lists. Without lines their end marks are missing, and the next recipe follows in the same
+  // line.
   void AddLines(std::span<const RecipeLineRecord> lines, std::string RecipeLineRecord::*amount,
                 const std::string& record) {
     std::size_t left = lines.size();
@@ -181,7 +181,7 @@ class TextBuilder {
 
   const RecipeTables& tables_;
   bool batch_target_;
-  std::map<std::string, const IngredientRecord*> ingredients_;  // by ID, as lines name it
+  std::map<std::string, const IngredientRecord*> ingredients_;  // by ID as text, as in the lines
   std::map<std::string, std::vector<RecipeLineRecord>> lines_;  // by recipe ID
   RecipeDownload result_;
 };
@@ -196,7 +196,7 @@ void Store(SQLite::Database& database, const RecipeDownload& download, const Cal
   }
 }
 
-constexpr std::size_t kMostBackup = std::size_t{16} * 1024 * 1024;  // far beyond what occurs
+constexpr std::size_t kMostBackup = std::size_t{16} * 1024 * 1024;  // bytes; no backup is as long
 
 }  // namespace
 
@@ -209,10 +209,10 @@ RecipeTables ReadRecipeTables(SQLite::Database& database) {
 }
 
 RecipeDownload BuildRecipeDownload(const RecipeTables& tables, bool batch_target,
-                                   const ReportProgress& tell) {
-  const auto say = [&tell](std::string_view line) {
-    if (tell) {
-      tell(line);
+                                   const ReportProgress& report) {
+  const auto say = [&report](std::string_view line) {
+    if (report) {
+      report(line);
     }
   };
   TextBuilder builder(tables, batch_target);
@@ -231,12 +231,12 @@ RecipeDownload BuildRecipeDownload(const RecipeTables& tables, bool batch_target
 }
 
 RecipeDownload TakeRecipeDownload(const std::filesystem::path& recipe_db_path, bool batch_target,
-                                  const Calendar& calendar, const ReportProgress& tell,
+                                  const Calendar& calendar, const ReportProgress& report,
                                   LockWait wait) {
   SQLite::Database database = OpenDatabase(recipe_db_path, Access::kWrite, wait);
   return WithDatabaseErrors(database, [&] {
     SQLite::Transaction transaction(database, SQLite::TransactionBehavior::IMMEDIATE);
-    RecipeDownload download = BuildRecipeDownload(ReadRecipeTables(database), batch_target, tell);
+    RecipeDownload download = BuildRecipeDownload(ReadRecipeTables(database), batch_target, report);
     Store(database, download, calendar);
     transaction.commit();
     return download;

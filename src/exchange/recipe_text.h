@@ -17,62 +17,62 @@
 
 namespace vrx {
 
-// The tables of a recipe database that the indicator is told of.
+// The tables of a recipe database that are sent to the indicator.
 struct RecipeTables {
   std::string unit = {};  // "LB" or "KG"
   std::vector<IngredientRecord> ingredients = {};
   std::vector<RecipeRecord> recipes = {};
-  std::vector<RecipeLineRecord> lines = {};  // of all recipes, those of each in its grid's order
+  std::vector<RecipeLineRecord> lines = {};  // of all recipes, each in the order of the grid
   std::vector<PenRecord> pens = {};
 };
 
-// One query for each table; the caller's transaction makes them fit each other.
-RecipeTables ReadRecipeTables(SQLite::Database& database);
+// Runs one query for each table; the caller's transaction makes them consistent.
+[[nodiscard]] RecipeTables ReadRecipeTables(SQLite::Database& database);
 
-// A record that the text cannot be made of. what() names it by number and name.
+// A record cannot be written to the text. what() gives its number and name.
 class RecipeTextError : public Error {
  public:
   using Error::Error;
 };
 
 struct RecipeDownload {
-  std::string text;  // the {DATA_IN} file: one byte per character, lines by CR LF
+  std::string text;  // the {DATA_IN} file: Windows-1252, CR LF
 
-  // What sending it has to store: lines whose computed fields are stored otherwise, and recipes
-  // whose head count goes to 0, with that 0 in them.
+  // Changes that must be stored when the text is sent: lines whose computed fields differ from the
+  // stored ones, and recipes whose head count is reset, already with 0.
   std::vector<RecipeLineRecord> recomputed_lines;
   std::vector<RecipeRecord> emptied_head_counts;
 
-  int highest_in_use = 0;  // ID of the last recipe with a description; 0 where there is none
+  int highest_in_use = 0;  // highest ID of a recipe with a description; 0 if there is none
 };
 
 using ReportProgress = std::function<void(std::string_view line)>;
 
-// Recomputes the recipes that are written and writes the text: ingredients with a description,
-// recipes with a description and a batch type, pens with a feed amount or a name of their own.
-// `batch_target` is the setting BatchTargetWtIsRecTarget. A recipe without lines ends without CR
-// LF, and the next one runs on in its line.
+// Writes the text after recomputing its recipes. It has the ingredients with a description, the
+// recipes with a description and a batch type, and the pens with a feed amount or a name other than
+// the default. `batch_target` is the setting BatchTargetWtIsRecTarget. A recipe without lines ends
+// without CR LF, so the next recipe follows in the same line.
 //
-// Throws RecipeTextError for a recipe that does not compute, and for a text with a character that
-// Windows-1252 lacks: a name must reach the indicator as it is, for a recipe finds its ingredients
-// by their names.
+// Throws RecipeTextError for a recipe that cannot be computed, and for a character that is not in
+// Windows-1252: names must not change, because recipes refer to ingredients by name.
 RecipeDownload BuildRecipeDownload(const RecipeTables& tables, bool batch_target,
-                                   const ReportProgress& tell = {});
+                                   const ReportProgress& report = {});
 
-// Builds the download of a recipe database and stores what sending it changes, in one SQLite
-// transaction on a connection of its own: the database is as before, or the text and the database
-// go together. `Modified` becomes today's date when a head count was emptied.
+// Builds the download of a recipe database and stores its changes in one transaction on a separate
+// connection, so text and database are consistent. Sets `Modified` if a head count was reset.
 //
-// Throws RecipeTextError, and DatabaseError, also for a database that may not be written.
+// Throws RecipeTextError, and DatabaseError, also if the database is write-protected; the database
+// is then unchanged.
 RecipeDownload TakeRecipeDownload(const std::filesystem::path& recipe_db_path, bool batch_target,
-                                  const Calendar& calendar, const ReportProgress& tell = {},
+                                  const Calendar& calendar, const ReportProgress& report = {},
                                   LockWait wait = kBusyTimeout);
 
-// The bytes of a recipe backup. Throws FileError, also for a file far longer than any backup.
+// Reads a recipe backup. Throws FileError, also for a file longer than 16 MiB, far more than any
+// backup.
 std::string ReadRecipeBackup(const std::filesystem::path& path);
 
-// False, the operator told, for a text that does not begin as a recipe backup and so cannot be
-// downloaded.
-bool HasBackupHeader(std::string_view text, Operator& op, const PrivateINI& settings);
+// Returns false after a message if the text does not start like a recipe backup; it cannot be
+// downloaded then.
+[[nodiscard]] bool HasBackupHeader(std::string_view text, Operator& op, const PrivateINI& settings);
 
 }  // namespace vrx

@@ -22,14 +22,13 @@
 namespace vrx {
 namespace {
 
-// In kilobytes, for the pages of all indexes that an import touches: with less of them each is
-// written and read again several times before the commit. Taken only as far as it is used.
+// Page cache in kilobytes, enough for the pages of all indexes that an import changes. With a
+// smaller cache they are written and read several times before the commit. Allocated on demand.
 constexpr const char* kLargeCache = "PRAGMA cache_size=-65536";
 
 constexpr const char* kHasTransactionsQuery = "SELECT EXISTS (SELECT 1 FROM Transactions)";
 
-// What became of a copy whose transaction is committed; `stop_reason` is empty when it reached the
-// last row.
+// Result of a committed copy; `stop_reason` is empty if it reached the last row.
 struct Copied {
   StoreOutcome outcome;
   std::string stop_reason;
@@ -76,8 +75,7 @@ Copied CopyRows(SQLite::Database& database, const ImportedData& rows, const Reco
   return copied;
 }
 
-// The storage engine goes on writing to a file that was deleted or moved away; its rows would be
-// lost although the commit succeeds.
+// SQLite can commit to a file that was deleted or moved, and the rows would be lost.
 void CheckStillInPlace(SQLite::Database& database, const std::filesystem::path& path) {
   int moved = 0;
   sqlite3_file_control(database.getHandle(), "main", SQLITE_FCNTL_HAS_MOVED, &moved);
@@ -96,7 +94,7 @@ RecordNames ReadNames(const OpenDatabases& databases) {
   }
 }
 
-// Throws DatabaseError and StoreRowError with nothing of the import stored.
+// Throws DatabaseError and StoreRowError; nothing of the import is stored then.
 Copied CopyInOneTransaction(const ImportedData& rows, const OpenDatabases& databases,
                             const Calendar& calendar, ProgressDisplay& progress) {
   const RecordNames names = ReadNames(databases);

@@ -18,29 +18,29 @@ class PrivateINI;
 inline constexpr std::string_view kStoreErrorTitle = "Transaction Store Error";
 
 struct StoreOutcome {
-  bool complete = false;     // every row that holds data is in the database
-  std::size_t stored = 0;    // rows committed
+  bool complete = false;     // every row with data is in the database
+  std::size_t stored = 0;    // committed rows
   std::size_t left_out = 0;  // rows that were counted but never filled
-  std::size_t not_read = 0;  // feed records of the file that no row holds
+  std::size_t not_read = 0;  // unread feed records of the file
 };
 
-// Appends an import to the table `Transactions`, renumbered behind the highest number in use, with
-// names in place of the IDs of recipes, ingredients and pens.
+// Appends an import to the table `Transactions`. Numbers continue after the highest stored one; IDs
+// of recipes, ingredients and pens become names.
 class TransactionStore {
  public:
-  // `save_transaction_database` is the menu command that closes and reopens the database, so that
-  // the window shows what was stored.
+  // `save_transaction_database` is the menu command that reopens the database, so that the window
+  // shows the stored rows.
   TransactionStore(Operator& op, const PrivateINI& settings, const Calendar& calendar,
                    ProgressDisplay& progress, std::function<void()> save_transaction_database);
 
-  // One SQLite transaction for the whole import, on connections of its own; no statement stays
-  // open. `stored_flag` tells that these rows are in the database already: then the operator is
-  // asked first. It is set once rows of this import are committed.
+  // Stores the whole import in one SQLite transaction on separate connections. If `stored_flag` is
+  // set, these rows are already in the database and the operator is asked first. The flag is set
+  // when rows of this import are committed.
   //
-  // A cell that cannot be stored stops the copy: the rows before it are committed, and the operator
-  // is told the cell and their count. A number that would pass 32 bits, and a failure of the
-  // storage, leave nothing of the import. Every failure is reported before the return. So is what
-  // is not stored: feed records that fit no batch, and rows that were never filled.
+  // At a cell that cannot be stored, the copy stops: the rows before it are committed, and a
+  // message names the cell and their count. If a transaction number would exceed 32 bits or the
+  // database fails, nothing is stored. All failures are reported here, and so are unread feed
+  // records and rows that were never filled.
   StoreOutcome StoreImportedTransactions(const ImportedData& rows, const OpenDatabases& databases,
                                          bool& stored_flag);
 

@@ -16,10 +16,9 @@
 #include "exchange/imported_data.h"
 
 namespace vrx {
-
 namespace {
 
-constexpr std::size_t kMaxShownValue = 40;  // bytes of a bad value that a message repeats
+constexpr std::size_t kMaxShownValue = 40;  // bytes of an invalid value shown in a message
 
 std::optional<int> Digits(std::string_view text) {
   int value = 0;
@@ -129,7 +128,7 @@ class RowReader {
     if (Cell(kImportedDate).empty()) {
       return std::nullopt;
     }
-    // A text of another length would still give a date, of another century: "011509" the year 1509.
+    // A text of another length could still be read as a date of another century: "011509" as 1509.
     const std::string_view cell = Cell(kImportedDate);
     const std::optional<Date> date = ParseDisplayDate(FormatTransactionDate(cell));
     if (!date || cell.size() != kDateDigits) {
@@ -153,7 +152,7 @@ class RowReader {
   std::size_t row_;
 };
 
-// Two digits from place `from`, counted from 0; less where the text ends.
+// Two characters from index `from`; fewer at the end of the text.
 std::string_view Pair(std::string_view text, std::size_t from) {
   return text.substr(std::min(from, text.size()), 2);
 }

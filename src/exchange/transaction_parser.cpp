@@ -20,11 +20,10 @@
 #include "settings/settings.h"
 
 namespace vrx {
-
 namespace {
 
-// The entries of a list of times up to the first that is none. What stands behind the last comma is
-// not looked at.
+// Number of entries of a list of times before the first that is not a time. Text after the last
+// comma is ignored.
 std::int64_t CountTimes(std::string_view list) {
   std::int64_t count = 0;
   for (;;) {
@@ -51,7 +50,7 @@ struct Batch {
 
 using BatchTotals = std::unordered_map<std::int32_t, Batch>;
 
-// Rows are filled from the top without a gap.
+// Rows are filled from the top without gaps.
 template <typename Work>
 void ForEachRow(const ImportedData& table, std::string_view type, const Work& work) {
   for (std::size_t row = 1; table.Filled(row); ++row) {
@@ -61,7 +60,7 @@ void ForEachRow(const ImportedData& table, std::string_view type, const Work& wo
   }
 }
 
-// Whole units: the decimals are lost on purpose.
+// Rounds to whole units on purpose.
 std::int32_t WholeWeight(const ImportedData& table, std::size_t row) {
   return TextToLong(table.Cell(row, kImportedActualBatch));
 }
@@ -74,7 +73,7 @@ void AddToTotal(std::int32_t& total, std::int32_t weight) {
   total = static_cast<std::int32_t>(sum);
 }
 
-// Quotient and product are single, each rounded by itself.
+// Quotient and product are each rounded to single precision.
 std::string PercentageText(std::int32_t weight, std::int32_t total) {
   float percentage = 0.0F;
   if (total > 0) {
@@ -84,7 +83,7 @@ std::string PercentageText(std::int32_t weight, std::int32_t total) {
   return Format(percentage, "0.0000");
 }
 
-// The column of an ingredient's weight; nothing for an ID that has none.
+// Weight column of an ingredient; nothing if its ID has none.
 std::optional<int> WeightColumn(std::string_view ingredient) {
   const std::optional<double> id = ParseNumber(ingredient);
   const double whole = id ? std::nearbyint(*id) : 0.0;
@@ -97,8 +96,8 @@ std::optional<int> WeightColumn(std::string_view ingredient) {
   return kFirstIngredientWeight - 1 + static_cast<int>(whole);
 }
 
-// Weight and percentage are read from their texts, and every step is single. A share beyond single
-// has no text either.
+// Weight and percentage are read from their texts, and every step has single precision. A share
+// outside the range of a single has no text.
 std::string ShareText(std::string_view weight, float percentage) {
   try {
     return Format(TextToSingle(weight) * (percentage / 100.0F), "0.0");
@@ -125,9 +124,9 @@ void WriteShares(ImportedData& table, std::size_t row, const Batch& batch) {
   }
 }
 
-// Fills `Calculated_Ing%OfBatch` of the batch rows, and of the feed rows each ingredient's share of
-// what went to the pen. Cost goes with the rows filled, whatever the transaction numbers. Throws
-// ParseError where a total, a weight or an ingredient ID cannot be used; cells written before stay.
+// Fills `Calculated_Ing%OfBatch` of the batch rows and the share of each ingredient in the feed
+// rows. Cost is proportional to the filled rows, for any transaction numbers. Throws ParseError if
+// a total, weight or ingredient ID is invalid; cells written before remain.
 void ComputeShares(ImportedData& table) {
   BatchTotals batches;
   ForEachRow(table, "BATCH", [&](std::size_t row, std::int32_t number) {
@@ -153,14 +152,14 @@ constexpr std::string_view kBatchMark = "[BAT],";
 constexpr std::string_view kFeedMark = "[FED],";
 constexpr std::string_view kTerminator = "\r\n\r";
 
-// Counts come from marks alone: a damaged file of some kilobytes can count millions of rows.
+// Rows are counted by marks only, so a damaged file of a few kilobytes could count millions.
 constexpr std::int32_t kMostRows = 100'000;
 
-// What the operator reads when a section cannot be cut.
+// Messages for a section that cannot be cut.
 struct SectionErrors {
   const char* no_mark;
   const char* no_terminator;
-  const char* mark_behind_terminator;
+  const char* mark_after_terminator;
 };
 
 std::size_t Find(std::string_view text, std::string_view wanted, std::size_t from,
@@ -172,16 +171,16 @@ std::size_t Find(std::string_view text, std::string_view wanted, std::size_t fro
   return found;
 }
 
-// From the mark through the first terminator behind `search_from`, which moves to the section's
-// end. A terminator directly ahead of the mark leaves an empty section; one further ahead leaves
-// none.
+// Returns the text from the mark through the first terminator after `search_from`, and sets
+// `search_from` to the end of the section. The section is empty if the terminator is directly
+// before the mark; a terminator further before it is an error.
 std::string_view CutSection(std::string_view text, std::string_view mark, std::size_t& search_from,
                             const SectionErrors& errors) {
   const std::size_t start = Find(text, mark, 0, errors.no_mark);
   const std::size_t end =
       Find(text, kTerminator, search_from, errors.no_terminator) + kTerminator.size();
   if (end < start) {
-    throw ParseError(errors.mark_behind_terminator);
+    throw ParseError(errors.mark_after_terminator);
   }
   search_from = end;
   return text.substr(start, end - start);
@@ -233,7 +232,7 @@ std::string TransFile::ParseTransactionFile(ProgressDisplay& progress, const Imp
 BatchCounts CountBatchRows(std::string_view section) {
   constexpr std::size_t kNone = std::string_view::npos;
   BatchCounts counts;
-  std::size_t list_start = 0;  // the ";" ahead of the list that was counted last; 0: none yet
+  std::size_t list_start = 0;  // the ";" before the last counted list; 0 if none
   std::int64_t times = 0;
   for (std::size_t mark = section.find("B,"); mark != kNone; mark = section.find("B,", mark + 1)) {
     if (list_start <= mark) {
@@ -299,8 +298,8 @@ TransactionParser::Next TransactionParser::Initialize() {
 TransactionParser::Next TransactionParser::FindIdentifier() {
   const std::size_t identifier = Find(text_, kIdentifier, 0, "No file-type identifier detected.");
   text_.remove_prefix(identifier);
-  // The position is told in the text ahead of the cut and used behind it: what stood ahead of the
-  // identifier shifts it. Files depend on that.
+  // Specified: the position is computed before text is removed and used afterwards, so text before
+  // the identifier shifts it. Existing files depend on this.
   unit_position_ = identifier + kIdentifier.size();
   return 3;
 }
@@ -310,7 +309,7 @@ TransactionParser::Next TransactionParser::CutBatchSection() {
   batch_section_ = CutSection(text_, kBatchMark, batch_end_,
                               {.no_mark = "No batch section identifier detected.",
                                .no_terminator = "No batch section terminator detected.",
-                               .mark_behind_terminator = "Invalid batch section detected."});
+                               .mark_after_terminator = "Invalid batch section detected."});
   return 4;
 }
 
@@ -319,7 +318,7 @@ TransactionParser::Next TransactionParser::CutFeedSection() {
   feed_section_ = CutSection(text_, kFeedMark, feed_end,
                              {.no_mark = "No feed section identifier detected.",
                               .no_terminator = "No feed section terminator detected.",
-                              .mark_behind_terminator = "Invalid feed section detected."});
+                              .mark_after_terminator = "Invalid feed section detected."});
   return 5;
 }
 

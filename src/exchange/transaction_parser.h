@@ -16,45 +16,46 @@ namespace vrx {
 
 class PrivateINI;
 
-inline constexpr std::size_t kMaxTransactionFile = 65535;
+inline constexpr std::size_t kMaxTransactionFile = 65535;  // bytes
 
-// What the end of a parse asks of whoever shows the import. An empty function is not called.
+// Called at the end of a parse to update the view of the import. Functions may be empty.
 struct ImportHooks {
   std::function<void()> configure_columns;
   std::function<void(std::int32_t rows)> show_grid;
 };
 
-// The transaction file at hand: its text, what a parse found in it, and the table of its rows.
-// Texts of the file are bytes as they stand in it.
+// The current transaction file: its text, the results of the last parse and the table of its rows.
+// Texts are bytes as in the file.
 class TransFile {
  public:
-  // Reads the file of FilePath; false, with the text of before kept, after telling the operator why
-  // not. `focus_import_button` gives `cmdImportFile` the focus.
-  bool LoadTransactionFile(Operator& op, const std::function<void()>& focus_import_button);
+  // Reads the file FilePath. On failure shows a message, keeps the previous text and returns false.
+  // `focus_import_button` gives `cmdImportFile` the focus.
+  [[nodiscard]] bool LoadTransactionFile(Operator& op,
+                                         const std::function<void()>& focus_import_button);
 
-  // Takes a text in memory in place of a file.
+  // Sets a text from memory instead of a file.
   void SetText(std::string text) { text_ = std::move(text); }
-  const std::string& Text() const { return text_; }
+  [[nodiscard]] const std::string& Text() const { return text_; }
 
-  // "" on success, else the error's text, which the progress message shows as well. What an earlier
-  // parse left is replaced step by step, and keeps what a failed one wrote.
+  // Returns "" on success, else the error text, which is also the progress message. Replaces the
+  // previous results step by step; after an error the results so far remain.
   std::string ParseTransactionFile(ProgressDisplay& progress, const ImportHooks& hooks,
                                    Operator& op, const PrivateINI& settings);
 
-  const ImportedData& Imported() const { return imported_; }
+  [[nodiscard]] const ImportedData& Imported() const { return imported_; }
 
-  // Empties the table and its counts. Text, name, path and unit stay.
+  // Clears the table and its counts, but not text, name, path and unit.
   void ClearImport();
 
-  std::int32_t FileRecordCount() const { return record_count_; }
+  [[nodiscard]] std::int32_t FileRecordCount() const { return record_count_; }
   void SetFileRecordCount(std::int32_t count) { record_count_ = count; }
-  std::int32_t FileTransactionCount() const { return transaction_count_; }
+  [[nodiscard]] std::int32_t FileTransactionCount() const { return transaction_count_; }
   void SetFileTransactionCount(std::int32_t count) { transaction_count_ = count; }
-  const std::string& FileUnits() const { return units_; }  // "LB" or "KG"
+  [[nodiscard]] const std::string& FileUnits() const { return units_; }  // "LB" or "KG"
   void SetFileUnits(std::string units) { units_ = std::move(units); }
-  const std::string& FileName() const { return name_; }
+  [[nodiscard]] const std::string& FileName() const { return name_; }
   void SetFileName(std::string name) { name_ = std::move(name); }
-  const std::string& FilePath() const { return path_; }
+  [[nodiscard]] const std::string& FilePath() const { return path_; }
   void SetFilePath(std::string path) { path_ = std::move(path); }
 
  private:
@@ -72,28 +73,29 @@ struct BatchCounts {
   std::int64_t rows = 0;
 };
 
-// Counts by marks alone, ahead of any reading of records: a "B," counts as a batch wherever it
-// stands, and the text between the two ";" behind it as its list of times. Both counts are 0 when
-// one of the ";" is missing. Linear in the section's length.
-BatchCounts CountBatchRows(std::string_view section);
+// Counts by marks only, before records are read: every "B," is treated as a batch, and the text
+// between the next two ";" as its list of times. Both counts are 0 if a ";" is missing. Linear in
+// the length of the section.
+[[nodiscard]] BatchCounts CountBatchRows(std::string_view section);
 
-// A count as it is kept; -1 for one beyond 32 bits.
-std::int32_t KeptCount(std::int64_t count);
+// The count as 32 bits; -1 if it does not fit.
+[[nodiscard]] std::int32_t KeptCount(std::int64_t count);
 
-// One parse of a transaction file: twelve states, each of which leads to the next unless an error
-// ends the run. Time goes with the text's length.
+// One parse of a transaction file in twelve consecutive states; an error ends it. Time is linear in
+// the length of the text.
 class TransactionParser {
  public:
-  // Everything named must outlive the parser. The counts and the unit go to `file`.
+  // All references must outlive the parser. Counts and unit are set in `file`.
   TransactionParser(std::string_view text, TransFile& file, ImportedData& table,
                     ProgressDisplay& progress, const ImportHooks& hooks,
                     std::function<void()> beep);
 
-  // Runs the states from `state` on. "" or the error's text, which the progress message shows too.
+  // Runs the states from `state` on. Returns "" or the error text, which is also the progress
+  // message.
   std::string Run(int state = 1);
 
  private:
-  using Next = std::optional<int>;  // the state to go on with; nothing ends the run
+  using Next = std::optional<int>;  // the next state; nothing at the end
 
   Next Initialize();
   Next FindIdentifier();
@@ -115,7 +117,7 @@ class TransactionParser {
   const ImportHooks& hooks_;
   std::function<void()> beep_;
 
-  std::size_t unit_position_ = 0;  // counted from 0 in the text behind the cut
+  std::size_t unit_position_ = 0;  // index in the text from the identifier on
   std::size_t batch_end_ = 0;
   std::string_view batch_section_;
   std::string_view feed_section_;

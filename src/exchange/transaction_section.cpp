@@ -98,8 +98,8 @@ std::string_view BatchReader::NextInRecord() {
   return batches_.NextBatchField();
 }
 
-// An entry that more of its list must follow: without that padding the skip after it would take the
-// next list for the rest of this one.
+// Takes an entry that must not be the last of its list: without padding, the following skip would
+// read the next list as the rest of this one.
 std::string_view BatchReader::TakeEntry() {
   const std::string_view entry = NextInRecord();
   if (batches_.AtListEnd()) {
@@ -114,8 +114,8 @@ void BatchReader::SkipPadding() {
   } while (!batches_.AtListEnd());
 }
 
-// The ingredients end before the first "0"; an entry is taken before the next one is looked at, so
-// a list has at least one.
+// The ingredients end before the first "0". The first entry is not checked, so a list has at least
+// one.
 void BatchReader::ReadIngredients(BatchRecord& record) {
   do {
     if (record.ingredients == kMaxBatchIngredients) {
@@ -131,7 +131,7 @@ void BatchReader::ReadList(BatchRecord& record, BatchList list) {
   for (std::size_t entry = 0; entry < record.ingredients; ++entry) {
     record.lists[list][entry] = TakeEntry();
   }
-  TakeEntry();  // the first padding, whatever it holds
+  TakeEntry();  // the first padding entry, with any content
   SkipPadding();
 }
 
@@ -144,7 +144,7 @@ RecordExtractor::RecordExtractor(BatchSection batches, FeedSection feeds, bool h
       ++later_batches_[ahead.Next().transaction];
     } while (!ahead.AtEnd());
   } catch (const ParseError&) {
-    // ExtractBatch ends the parse at the same record.
+    // ExtractBatch will end the parse at the same record.
   }
 }
 
@@ -200,13 +200,13 @@ void RecordExtractor::WriteFeedRow(const BatchRecord& record) {
   table_.SetCell(row, kImportedRecipeID, record.recipe);
   table_.SetCell(row, kImportedType, "FEED");
   feeds_.NextFeedField();  // the record mark
-  feeds_.NextFeedField();  // the transaction, looked at already
+  feeds_.NextFeedField();  // the transaction, already checked
   for (const ImportColumn column : kFieldsAfterTransaction) {
     table_.SetCell(row, column, feeds_.NextFeedField());
   }
 }
 
-// An empty line is no record.
+// Ignores an empty line.
 void RecordExtractor::LeaveFeedUnread() {
   const std::string_view line = feeds_.NextFeedLine();
   if (line.empty()) {

@@ -14,23 +14,28 @@ namespace vrx {
 
 enum class Delimiter { kNone, kComma, kSemicolon, kCr, kCrLf };
 
-// Reads the fields of a section one by one. Fields are views into the section's text, which must
+// Ends a parse; what() is shown to the operator.
+class ParseError : public Error {
+ public:
+  using Error::Error;
+};
+
+// Reads the fields of a section one by one. Fields are views of the section's text, which must
 // outlive them.
 class SectionCursor {
  public:
   SectionCursor() = default;
   explicit SectionCursor(std::string_view section) : section_(section) {}
 
-  // The next field; "" without a move once the end is passed, and "" too for what stands behind the
-  // last delimiter.
+  // Returns the next field. Returns "" past the end, and for text after the last delimiter.
   std::string_view Next();
-  std::string_view Peek() const;
-  // The rest of the line, its line end taken too but not given.
+  [[nodiscard]] std::string_view Peek() const;
+  // Returns the rest of the line without its line end, and moves to the next line.
   std::string_view NextLine();
-  bool PastEnd() const { return position_ >= section_.size(); }
-  // Past the end, or at the CR of the terminator's empty line.
-  bool AtEnd() const { return PastEnd() || section_[position_] == '\r'; }
-  Delimiter LastDelimiter() const { return last_delimiter_; }
+  [[nodiscard]] bool PastEnd() const { return position_ >= section_.size(); }
+  // True past the end and at the CR of the terminator's empty line.
+  [[nodiscard]] bool AtEnd() const { return PastEnd() || section_[position_] == '\r'; }
+  [[nodiscard]] Delimiter LastDelimiter() const { return last_delimiter_; }
 
  private:
   std::string_view section_;
@@ -38,8 +43,9 @@ class SectionCursor {
   Delimiter last_delimiter_ = Delimiter::kNone;
 };
 
-// Every "B" counts, one in a pen or user field too. `section` may be a part of the feed section.
-std::int64_t CountFeedRecords(std::string_view section);
+// Number of "B" characters, also in pen and user fields. `section` may be a part of the feed
+// section.
+[[nodiscard]] std::int64_t CountFeedRecords(std::string_view section);
 
 class BatchSection {
  public:
@@ -47,12 +53,12 @@ class BatchSection {
   explicit BatchSection(std::string_view section) : cursor_(section) {}
 
   std::string_view NextBatchField() { return cursor_.Next(); }
-  std::string_view PeekBatchField() const { return cursor_.Peek(); }
-  bool AtBatchSectionEnd() const { return cursor_.AtEnd(); }
-  bool PastEnd() const { return cursor_.PastEnd(); }
+  [[nodiscard]] std::string_view PeekBatchField() const { return cursor_.Peek(); }
+  [[nodiscard]] bool AtBatchSectionEnd() const { return cursor_.AtEnd(); }
+  [[nodiscard]] bool PastEnd() const { return cursor_.PastEnd(); }
 
-  // True if the field read last was the last of its list.
-  bool AtListEnd() const {
+  // True if the last read field ended its list.
+  [[nodiscard]] bool AtListEnd() const {
     return cursor_.LastDelimiter() == Delimiter::kSemicolon ||
            cursor_.LastDelimiter() == Delimiter::kCrLf;
   }
@@ -68,14 +74,13 @@ class FeedSection {
 
   std::string_view NextFeedField();
 
-  // Field 2 of the next record. Asked again and again by batches without feeds, it scans the text
-  // once.
+  // Field 2 of the next record. The result is cached, because each batch without feeds asks again.
   std::string_view PeekFeedTransaction();
 
-  // The rest of the line at the cursor, which moves to the next one.
+  // Returns the rest of the line and moves to the next line.
   std::string_view NextFeedLine();
 
-  bool AtFeedSectionEnd() const { return cursor_.PastEnd(); }
+  [[nodiscard]] bool AtFeedSectionEnd() const { return cursor_.PastEnd(); }
 
  private:
   SectionCursor cursor_;
@@ -84,8 +89,8 @@ class FeedSection {
 
 inline constexpr int kMaxBatchIngredients = 32;
 
-// The whole number of a transaction field. Throws ParseError for no number, one below 1 and the
-// highest of 32 bits, which the indicator's own count cannot pass.
+// Parses a transaction number. Throws ParseError for a text that is not a number, numbers below 1,
+// and the highest number of 32 bits, after which the indicator cannot count.
 std::int32_t TransactionNumber(std::string_view text);
 
 enum BatchList : std::size_t { kIngredients, kTimes, kTargets, kActuals, kBatchLists };
@@ -99,14 +104,14 @@ struct BatchRecord {
   std::size_t ingredients = 0;
 };
 
-// Reads the batch section record by record. What it gives refers to the section's text.
+// Reads the batch section record by record. Records have views of the section's text.
 class BatchReader {
  public:
   explicit BatchReader(BatchSection batches) : batches_(batches) {}
 
   // Throws ParseError for a record that is incomplete or damaged.
   BatchRecord Next();
-  bool AtEnd() const { return batches_.AtBatchSectionEnd(); }
+  [[nodiscard]] bool AtEnd() const { return batches_.AtBatchSectionEnd(); }
 
  private:
   std::string_view NextInRecord();
@@ -118,19 +123,18 @@ class BatchReader {
   BatchSection batches_;
 };
 
-// Takes the records of the two sections into rows of the table, batch by batch, each followed by
-// its feeds. The table must have been sized by the counts beforehand. A feed record whose number is
-// neither that of the batch at hand nor that of a later one becomes an unread feed of the table, so
-// that it does not hide those after it.
+// Writes the records of both sections to rows of the table, each batch followed by its feeds. The
+// table must already have the counted size. A feed record whose number belongs neither to the
+// current batch nor to a later one becomes an unread feed, so that the feeds after it are read.
 class RecordExtractor {
  public:
   RecordExtractor(BatchSection batches, FeedSection feeds, bool has_feeds, ImportedData& table);
 
-  // One batch record with its feeds. Throws ParseError; what was written before stays.
+  // Extracts one batch record with its feeds. Throws ParseError; rows written before remain.
   void ExtractBatch();
-  bool AtBatchSectionEnd() const { return batches_.AtEnd(); }
+  [[nodiscard]] bool AtBatchSectionEnd() const { return batches_.AtEnd(); }
 
-  // Makes unread feeds of what is left of the feed section.
+  // Makes all remaining feed records unread feeds.
   void LeaveOtherFeedsUnread();
 
  private:
@@ -146,14 +150,8 @@ class RecordExtractor {
   bool has_feeds_;
   ImportedData& table_;
   std::size_t next_row_ = 1;
-  // How many batches still to be extracted have a transaction number, compared as text.
+  // Number of batches not extracted yet, by the text of their transaction number.
   std::unordered_map<std::string_view, std::size_t> later_batches_;
-};
-
-// Ends a parse; what() is the text that the operator is shown.
-class ParseError : public Error {
- public:
-  using Error::Error;
 };
 
 }  // namespace vrx

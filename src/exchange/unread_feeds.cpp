@@ -10,9 +10,9 @@ namespace {
 
 constexpr std::size_t kMostInText = 10;     // records
 constexpr std::size_t kMostInList = 500;    // records
-constexpr std::size_t kMostOfRecord = 120;  // bytes; a record of the indicator has 50
+constexpr std::size_t kMostOfRecord = 120;  // bytes; a valid record has about 50
 
-// A damaged record may hold what a terminal takes for a command.
+// A damaged record may contain control sequences of a terminal.
 std::string Shown(std::string_view bytes) {
   std::string shown(bytes.substr(0, kMostOfRecord));
   std::replace_if(

@@ -8,12 +8,12 @@
 
 namespace vrx {
 
-// What the operator reads about the feed records that fit no batch, each with its number and its
-// fields as they are in the file: "2 feed records fit no batch of the file and were not read: ...".
-// `what` is "read" or "stored".
-std::string UnreadFeedsText(const std::vector<UnreadFeed>& feeds, std::string_view what);
+// Message about the unread feed records, each with its number and its fields: "2 feed records fit
+// no batch of the file and were not read: ...". `what` is "read" or "stored".
+[[nodiscard]] std::string UnreadFeedsText(const std::vector<UnreadFeed>& feeds,
+                                          std::string_view what);
 
-// All of them where the text names only the first ones; else empty.
-std::string UnreadFeedsList(const std::vector<UnreadFeed>& feeds);
+// All unread feed records if the message lists only the first ones; else empty.
+[[nodiscard]] std::string UnreadFeedsList(const std::vector<UnreadFeed>& feeds);
 
 }  // namespace vrx

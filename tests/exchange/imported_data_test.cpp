@@ -42,7 +42,7 @@ TEST(ImportedData, OverwritesACell) {
   EXPECT_EQ(data.Cell(1, kImportedType), "FEED");
 }
 
-TEST(ImportedData, RefusesACellOutside) {
+TEST(ImportedData, RefusesACellOutsideTheTable) {
   ImportedData data;
   data.Resize(2);
   EXPECT_THROW(data.SetCell(0, 1, "x"), std::out_of_range);
@@ -69,7 +69,7 @@ TEST(ImportedData, ResizeEmptiesEveryCell) {
   EXPECT_EQ(data.Cell(1, kImportedType), "");
 }
 
-TEST(ImportColumnKey, BearsTheNamesOfTheGrid) {
+TEST(ImportColumnKey, UsesTheNamesOfTheGrid) {
   EXPECT_EQ(ImportColumnKey(1), "Imported_TransactionNumber");
   EXPECT_EQ(ImportColumnKey(2), "Imported_RecipeID");
   EXPECT_EQ(ImportColumnKey(3), "Imported_Type");

@@ -12,7 +12,7 @@
 
 namespace vrx::testing {
 
-// A text in memory, parsed, and all that the parse did.
+// Parses a text in memory and records what the parse did.
 struct ParsedText {
   explicit ParsedText(std::string_view text) {
     file.SetText(std::string(text));

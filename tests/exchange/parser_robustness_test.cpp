@@ -1,5 +1,5 @@
-// Whatever bytes come, a parse ends with an error text or with rows, and in little room. The
-// program counts its own heap, which is why these tests have one to themselves.
+// For any bytes, a parse ends with an error text or with rows, and uses little memory. The tests
+// have their own program because it counts its heap.
 
 #include <algorithm>
 #include <array>
@@ -77,7 +77,7 @@ const std::set<std::string>& KnownErrors() {
 
 struct Outcome {
   std::string error;
-  std::size_t heap = 0;  // the most that lived at a time
+  std::size_t heap = 0;  // peak, in bytes
 };
 
 Outcome Parse(std::string_view text) {
@@ -184,7 +184,7 @@ TEST(ParserRobustness, SurvivesEveryValueOfEveryByte) {
       errors.insert(Parse(text).error);
     }
   }
-  // The single byte reaches deep: not all of it is caught by the marks.
+  // A single changed byte reaches the later states too, not only the search for marks.
   EXPECT_TRUE(errors.contains(""));
   EXPECT_TRUE(errors.contains("Invalid list padding detected."));
   EXPECT_TRUE(errors.contains("Invalid transaction number detected."));
@@ -225,22 +225,22 @@ TEST(ParserRobustness, SurvivesLongTextsOfFewWords) {
   }
 }
 
-std::string Repeated(std::string_view piece, std::size_t total) {
+std::string Repeated(std::string_view part, std::size_t total) {
   std::string text;
-  while (text.size() + piece.size() <= total) {
-    text += piece;
+  while (text.size() + part.size() <= total) {
+    text += part;
   }
   return text;
 }
 
-// One row of data. In its padding each "B," counts as a batch, and each of these batches as the
-// whole list of times: (marks + 1) * times rows.
+// One row of data. Each "B," in its padding is counted as a batch with the whole list of times:
+// (marks + 1) * times rows.
 std::string BatchCountedAs(std::size_t marks, std::size_t times) {
   return "B,1,3,01152009,2,4,0," + Repeated("B,", 2 * marks) + "0;" + Repeated("0830,", 5 * times) +
          "0,0;1,0,0;1,0,0\r\n";
 }
 
-TEST(ParserRobustness, RefusesAHundredMillionCountedRowsInLittleRoom) {
+TEST(ParserRobustness, RefusesAHundredMillionCountedRowsWithLittleMemory) {
   const std::string text = FileOf(BatchCountedAs(16'200, 6'400), "");
   ASSERT_LE(text.size(), 65535U);
   const Outcome outcome = Parse(text);
@@ -268,8 +268,8 @@ TEST(ParserRobustness, HoldsATextOnceThatManyRowsShare) {
   EXPECT_LT(outcome.heap, std::size_t{4} << 20);
 }
 
-// Every "B" of the feed section is counted; none of them is a record.
-TEST(ParserRobustness, TakesRowsThatNoRecordFillsForAGoodFile) {
+// Every "B" of the feed section is counted, but no "B" starts a record.
+TEST(ParserRobustness, AcceptsAFileWithRowsThatNoRecordFills) {
   const std::string text =
       FileOf("B,1,3,01152009," + Repeated("B", 30'000) + ",4,0,0;0830,0,0;1,0,0;1,0,0\r\n",
              Repeated("B", 30'000) + "\r\n");
@@ -277,9 +277,9 @@ TEST(ParserRobustness, TakesRowsThatNoRecordFillsForAGoodFile) {
   EXPECT_EQ(Parse(text).error, "");
 }
 
-// The most cells that a text can fill: 32 ingredients, and as many feeds of them as find room, each
-// share another one of 39 digits.
-TEST(ParserRobustness, KeepsTheLargestTableInLittleRoom) {
+// The largest number of cells that a text can fill: 32 ingredients and as many feeds as fit, each
+// share with a different text of 39 digits.
+TEST(ParserRobustness, KeepsTheLargestTableInLittleMemory) {
   std::array<std::string, 4> lists;
   for (int id = 1; id <= 32; ++id) {
     lists[0] += std::to_string(id) + ",";
@@ -302,7 +302,7 @@ TEST(ParserRobustness, KeepsTheLargestTableInLittleRoom) {
   EXPECT_GT(outcome.heap, std::size_t{10} << 20);
 }
 
-TEST(ParserRobustness, TakesTheHighestTransactionNumbersInLittleRoom) {
+TEST(ParserRobustness, HandlesTheHighestTransactionNumbersWithLittleMemory) {
   std::string batches;
   for (int number = 0; number < 1000; ++number) {
     batches += OneIngredient{.transaction = std::to_string(2'147'483'646 - number)}.Record();

@@ -52,7 +52,7 @@ TEST_F(RecipeDownloadStore, StoresEmptiedHeadCountsAndTheDate) {
   EXPECT_EQ(Modified(), "2026-01-05");
 }
 
-TEST_F(RecipeDownloadStore, SecondTakingChangesNotOneByte) {
+TEST_F(RecipeDownloadStore, ASecondRunChangesNotOneByte) {
   Recipe(tables, 1).head_count = 80;
   CreateRecipeDatabase(path, tables);
   Take();
@@ -97,8 +97,7 @@ TEST_F(RecipeDownloadStore, DatabaseThatAnotherProgramWritesIsLocked) {
   }
 }
 
-// What is read and what is stored are one state of the database: a writer that comes in between has
-// to wait for the end.
+// Reading and storing are one transaction: another writer in between has to wait.
 TEST_F(RecipeDownloadStore, AnotherWriterWaitsFromTheFirstReadingOn) {
   CreateRecipeDatabase(path, tables);
   SQLite::Database other = OpenDatabase(path, Access::kWrite, std::chrono::milliseconds{0});

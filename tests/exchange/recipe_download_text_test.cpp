@@ -95,7 +95,7 @@ TEST_F(RecipeDownloadText, NumbersAreRowsAndNotIds) {
   EXPECT_EQ(Pens(), "1,NORTH,0\r\n");
 }
 
-TEST_F(RecipeDownloadText, CommaInANameIsWrittenAsItStands) {
+TEST_F(RecipeDownloadText, CommaInANameIsWrittenUnchanged) {
   UseIngredient(tables, 1, "A,B");
   Pen(tables, 2).name = "C;D";
   EXPECT_EQ(Ingredients(), "1,A,B,0\r\n");
@@ -119,7 +119,7 @@ TEST_F(RecipeDownloadText, CharacterThatTheIndicatorsSetLacksIsRefused) {
       "Windows-1252.");
 }
 
-TEST_F(RecipeDownloadText, CharacterOfARecordThatIsNotWrittenIsNoMatter) {
+TEST_F(RecipeDownloadText, CharacterOfARecordThatIsNotWrittenIsIgnored) {
   Ingredient(tables, 4).name = "\u041E\u0412\u0401\u0421";
   Recipe(tables, 4).name = "\u041E\u0412\u0401\u0421";
   EXPECT_THAT(Ingredients(), IsEmpty());
@@ -234,7 +234,7 @@ TEST_F(RecipeDownloadText, RecipeWithoutLinesEndsOpenAndTheNextRunsOn) {
   }
 }
 
-TEST_F(RecipeDownloadText, LineEndAheadOfThePensEndsALastRecipeWithoutLines) {
+TEST_F(RecipeDownloadText, LineEndBeforeThePensEndsALastRecipeWithoutLines) {
   UseRecipe(tables, 7, "EMPTY", "P");
   EXPECT_EQ(File(),
             "{DATA_IN},L\r\n\r\n[ING]\r\n\r\n\r\n[REC]\r\n\r\n7,EMPTY,3,0,0,\r\n[PEN]\r\n\r\n\r\n");
@@ -256,12 +256,12 @@ TEST_F(RecipeDownloadText, EmptyFeedAmountOfARenamedPenIsWrittenAs0) {
   EXPECT_EQ(Pens(), "3,NORTH,0\r\n");
 }
 
-TEST_F(RecipeDownloadText, FeedAmountIsWrittenAsItStands) {
+TEST_F(RecipeDownloadText, FeedAmountIsWrittenUnchanged) {
   Pen(tables, 3).feed_amount = " 0150.7";
   EXPECT_EQ(Pens(), "3,PEN003, 0150.7\r\n");
 }
 
-TEST_F(RecipeDownloadText, FeedAmountThatRoundsTo0OrIsNoNumberIsNone) {
+TEST_F(RecipeDownloadText, FeedAmountThatRoundsTo0OrIsNotANumberIsOmitted) {
   Pen(tables, 3).feed_amount = "0.5";
   Pen(tables, 4).feed_amount = "-3";
   Pen(tables, 5).feed_amount = "much";

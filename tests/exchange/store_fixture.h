@@ -34,10 +34,10 @@ ImportedData MakeImport(const std::vector<RowCells>& rows);
 RowCells BatchCells(int transaction, int recipe, int ingredient, std::string_view weight);
 RowCells FeedCells(int transaction, int recipe, int pen, std::string_view weight);
 
-// `count` rows of transactions of four: three ingredients and one pen fed.
+// `count` rows in transactions of four: three ingredients and one pen.
 ImportedData MakeManyRows(int count);
 
-// The text of an ID, as a file holds it.
+// The text of an ID as in a file.
 std::string IdText(int id);
 
 // Every column of every stored row in the order of storing, as text; "NULL" for a NULL.
@@ -48,7 +48,7 @@ std::vector<StoredRow> ReadStored(const std::filesystem::path& trans_db_path);
 std::string QueryText(const std::filesystem::path& path, const std::string& query);
 void Execute(const std::filesystem::path& path, const std::string& query);
 
-// A recipe and a transaction database made from blank templates, and all that a store needs.
+// A recipe and a transaction database created from blank templates, and the services of a store.
 class StoreFixture {
  public:
   StoreFixture();

@@ -1,9 +1,9 @@
-// Stores the same import again and again until a store fails, then prints what the operator was
-// told and exits 1. Made to be killed, or to run out of disk.
+// Stores the same import repeatedly until a store fails, then prints the message for the operator
+// and exits 1. For tests that kill it or let it run out of disk space.
 //
 //   store_process RECIPES.RDB TRANSACTIONS.TDB ROWS
 //
-// Prints "ready" once the first store begins and "stored" once it is done.
+// Prints "ready" when the first store begins and "stored" when it is done.
 
 #include <cstdio>
 #include <cstdlib>
@@ -23,13 +23,13 @@ int StoreUntilFailure(const OpenDatabases& databases, int rows) {
   const ImportedData import = MakeManyRows(rows);
   std::puts("ready");
   std::fflush(stdout);
-  bool told = false;
+  bool announced = false;
   for (bool stored = false; store.StoreImportedTransactions(import, databases, stored).complete;
        stored = false) {
-    if (!told) {
+    if (!announced) {
       std::puts("stored");
       std::fflush(stdout);
-      told = true;
+      announced = true;
     }
   }
   for (const MessageBox& box : op.boxes) {

@@ -11,7 +11,7 @@
 namespace vrx::testing {
 namespace {
 
-// Tenths, so that sums of doubles agree to well below the last written digit.
+// Weights in tenths, so that rounding errors of sums are far below the last written digit.
 std::string RandomWeight(std::mt19937& random) {
   const int tenths = std::uniform_int_distribution<int>(0, 99999)(random);
   return DefaultText(tenths / 10.0);

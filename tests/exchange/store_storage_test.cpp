@@ -32,7 +32,7 @@ ImportedData FourRows() {
                      FeedCells(2, 3, 12, "4")});
 }
 
-// Nothing of the import is there, and a second press would not take it for stored.
+// Nothing of the import is stored, and a second press does not treat it as stored.
 void ExpectNothingStored(StoreFixture& site, const StoreOutcome& outcome, const std::string& text) {
   EXPECT_FALSE(outcome.complete);
   EXPECT_EQ(outcome.stored, 0U);
@@ -66,7 +66,7 @@ TEST(StoreStorageFailure, AfterAnEarlierStoreKeepsThatOneAndItsFlag) {
   EXPECT_THAT(site.Stored(), SizeIs(4));
 }
 
-TEST(StoreStorageFailure, AnotherWriterIsTold) {
+TEST(StoreStorageFailure, AnotherWriterIsReported) {
   StoreFixture site;
   site.databases.lock_wait = std::chrono::milliseconds(0);
   SQLite::Database other = OpenDatabase(site.databases.trans_db_path, Access::kWrite);
@@ -88,7 +88,7 @@ TEST(StoreStorageFailure, ACommitHeldUpByAReaderLeavesNothing) {
   EXPECT_THAT(site.Stored(), SizeIs(2));
 }
 
-TEST(StoreStorageFailure, AFileThatIsGoneIsTold) {
+TEST(StoreStorageFailure, AMissingFileIsReported) {
   StoreFixture site;
   fs::remove(site.databases.trans_db_path);
   const StoreOutcome outcome = site.Store(FourRows());
@@ -121,7 +121,7 @@ TEST(StoreStorageFailure, AMissingRecipeDatabaseLeavesTheTransactionDatabaseUnto
   EXPECT_EQ(ReadAll(site.databases.trans_db_path), before);
 }
 
-TEST(StoreStorageFailure, AMissingTableIsTold) {
+TEST(StoreStorageFailure, AMissingTableIsReported) {
   StoreFixture site;
   Execute(site.databases.trans_db_path, "DROP TABLE Transactions");
   ExpectNothingStored(site, site.Store(FourRows()),
@@ -153,7 +153,7 @@ TEST(StoreStorageFailure, ADateThatCannotBeWrittenLeavesNothingOfTheImport) {
   EXPECT_FALSE(site.stored_flag);
 }
 
-// A store_process that is running; killed at the latest when this object goes.
+// A running store_process, killed by the destructor at the latest.
 class StoreProcess {
  public:
   StoreProcess(const OpenDatabases& databases, int rows) {
@@ -183,10 +183,10 @@ class StoreProcess {
   StoreProcess(const StoreProcess&) = delete;
   StoreProcess& operator=(const StoreProcess&) = delete;
 
-  // Waits for the end of its first store, which it has begun. False when it ended without.
+  // Waits for the end of the first store. Returns false if the process ended before.
   bool FirstIsStored() { return Says("stored\n"); }
 
-  // True if it was still at work.
+  // Returns true if it was still running.
   bool Kill() {
     if (process_ <= 0) {
       return false;
@@ -211,7 +211,7 @@ class StoreProcess {
   int output_ = -1;
 };
 
-// The number of rows of a database that is whole.
+// Checks the integrity of a database and returns its number of rows.
 int RowsOfWholeDatabase(const fs::path& path) {
   SQLite::Database database = OpenDatabase(path, Access::kWrite);
   EXPECT_EQ(database.execAndGet("PRAGMA integrity_check").getString(), "ok");
@@ -233,7 +233,7 @@ TEST(StoreCrash, AKillAtAnyMomentLeavesWholeImportsOnly) {
     const auto begin = std::chrono::steady_clock::now();
     ASSERT_TRUE(process.FirstIsStored());
     const auto one_store = std::chrono::steady_clock::now() - begin;
-    // A random moment of the two that follow, however fast the disk is.
+    // A random time within two stores, for any speed of the disk.
     std::this_thread::sleep_for(one_store * stores(random));
     ASSERT_TRUE(process.Kill());
     interrupted += fs::exists(journal) ? 1 : 0;
@@ -246,7 +246,7 @@ TEST(StoreCrash, AKillAtAnyMomentLeavesWholeImportsOnly) {
               "0");
     rows = now;
   }
-  // Kills between two stores alone would prove nothing.
+  // Kills between two stores would prove nothing.
   EXPECT_GT(interrupted, 0);
 }
 

@@ -18,7 +18,7 @@ using ::testing::HasSubstr;
 using ::testing::IsEmpty;
 using ::testing::SizeIs;
 
-// Places of a stored row, from 0.
+// Column indexes of a stored row.
 enum StoredColumn : std::size_t {
   kTransaction = 0,
   kRecipe = 1,
@@ -67,7 +67,7 @@ TEST(StoreImportedTransactions, AnEmptyDatabaseGetsTheFilesOwnNumbers) {
   EXPECT_THAT(ColumnOf(site, kTransaction), ElementsAre("1", "1", "2", "3", "3"));
 }
 
-TEST(StoreImportedTransactions, ANullNumberInTheDatabaseCountsAsZero) {
+TEST(StoreImportedTransactions, ANullNumberInTheDatabaseIsZero) {
   StoreFixture site;
   Execute(site.databases.trans_db_path,
           "INSERT INTO Transactions ([Transaction]) VALUES (NULL), (NULL)");
@@ -154,7 +154,7 @@ TEST(StoreImportedTransactions, TheNameOfARecordNotInUseServesToo) {
   EXPECT_EQ(site.Stored().at(0)[kIngredient], "ING100");
 }
 
-TEST(StoreImportedTransactions, AUserIdCrossesFromOneBytePerCharacterToUtf8) {
+TEST(StoreImportedTransactions, AUserIdIsConvertedToUtf8) {
   StoreFixture site;
   ASSERT_TRUE(
       site.Store(MakeImport({With(BatchCells(1, 3, 4, "1"), kImportedUserID, "J\xFCrg \x80")}))
@@ -179,7 +179,7 @@ TEST(StoreImportedTransactions, RowsNeverFilledAreLeftOutAndCounted) {
   EXPECT_EQ(site.progress.values.back(), 4);
 }
 
-TEST(StoreImportedTransactions, OneRowNeverFilledIsToldAsOne) {
+TEST(StoreImportedTransactions, OneRowNeverFilledIsReportedInTheSingular) {
   StoreFixture site;
   EXPECT_TRUE(site.Store(MakeImport({BatchCells(1, 3, 4, "1"), {}})).complete);
   EXPECT_EQ(site.LastBox().text,
@@ -187,7 +187,7 @@ TEST(StoreImportedTransactions, OneRowNeverFilledIsToldAsOne) {
             "was not stored.");
 }
 
-// A row that a feed record was counted for has data in the file.
+// A row counted for a feed record has data in the file.
 TEST(StoreImportedTransactions, RowsOfUnreadFeedsAreNotCalledEmpty) {
   StoreFixture site;
   ImportedData rows = MakeImport({BatchCells(1, 3, 4, "1"), {}, {}, {}});
@@ -319,7 +319,7 @@ struct BadCell {
   const char* name;
   int column;
   std::string value;
-  std::string told;
+  std::string reported;
 };
 
 class StoreStopsAt : public ::testing::TestWithParam<BadCell> {};
@@ -336,8 +336,9 @@ TEST_P(StoreStopsAt, TheCellAndKeepsTheRowsBefore) {
   ASSERT_THAT(site.op.boxes, SizeIs(1));
   EXPECT_EQ(site.op.boxes[0].icon, Icon::kCritical);
   EXPECT_EQ(site.op.boxes[0].title, "Transaction Store Error");
-  EXPECT_EQ(site.op.boxes[0].text,
-            "Row 3, " + bad.told + ".\r\n\r\nThe copy stopped there; 2 rows before it are stored.");
+  EXPECT_EQ(
+      site.op.boxes[0].text,
+      "Row 3, " + bad.reported + ".\r\n\r\nThe copy stopped there; 2 rows before it are stored.");
   EXPECT_EQ(site.op.beeps, 0);
 }
 
@@ -444,7 +445,7 @@ TEST(StoreImportedTransactions, ReadsALeapDay) {
   EXPECT_THAT(ColumnOf(site, kDate), ElementsAre("2024-02-29"));
 }
 
-TEST(StoreImportedTransactions, RowsBeforeABadOneStandSoASecondPressAsks) {
+TEST(StoreImportedTransactions, RowsBeforeABadOneAreStoredSoASecondPressAsks) {
   StoreFixture site;
   const ImportedData rows = MakeImport({BatchCells(1, 3, 4, "1"), BatchCells(1, 3, 101, "1")});
   site.Store(rows);
@@ -471,7 +472,7 @@ TEST(StoreImportedTransactions, ABadFirstRowStoresNothingAndASecondPressDoesNotA
   EXPECT_EQ(site.LastBox().title, "Transaction Store Error");
 }
 
-TEST(StoreImportedTransactions, LeavesNoStatementOpenBehind) {
+TEST(StoreImportedTransactions, LeavesNoStatementOpen) {
   StoreFixture site;
   site.Store(MakeImport(ThreeTransactions()));
   Execute(site.databases.trans_db_path, "BEGIN EXCLUSIVE; DELETE FROM Transactions; COMMIT");

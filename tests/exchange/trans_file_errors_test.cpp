@@ -12,19 +12,19 @@ namespace {
 
 std::string ErrorOf(std::string_view text) { return ParsedText(text).error; }
 
-// The text with the first `what` replaced, which must be there.
+// Replaces the first `what`, which must occur in the text.
 std::string With(std::string_view text, std::string_view what, std::string_view replacement) {
   std::string changed(text);
   changed.replace(changed.find(what), what.size(), replacement);
   return changed;
 }
 
-// A file with one batch record of these lists, without feeds.
+// A file with one batch record with these lists and no feeds.
 std::string ErrorOfLists(const std::string& lists) {
   return ErrorOf(FileOf("B,1,3,01152009,2," + lists + "\r\n", ""));
 }
 
-// `count` entries and two of padding.
+// `count` entries and two padding entries.
 std::string List(std::string_view entry, int count) {
   std::string list;
   for (int i = 0; i < count; ++i) {
@@ -95,11 +95,11 @@ TEST(ParseErrors, RefusesAHeaderFollowedByAnEmptyLine) {
             "Invalid batch section detected.");
 }
 
-TEST(ParseErrors, TakesATerminatorDirectlyAheadOfTheMarkForAnEmptySection) {
+TEST(ParseErrors, TreatsATerminatorDirectlyBeforeTheMarkAsAnEmptySection) {
   EXPECT_EQ(ErrorOf("{BAT/FED},L\r\n\r[BAT],[FED],\r\n\r\n"), "Error computing total batches");
 }
 
-TEST(ParseErrors, RefusesAFeedTerminatorAheadOfItsMark) {
+TEST(ParseErrors, RefusesAFeedTerminatorBeforeItsMark) {
   EXPECT_EQ(ErrorOf(With(kWorkedExample, "[FED],", "\r\n\r\n[FED],")),
             "Invalid feed section detected.");
 }
@@ -133,21 +133,21 @@ TEST(ParseErrors, RefusesABatchSectionThatEndsInsideARecord) {
             "Incomplete batch record detected.");
 }
 
-TEST(ParseErrors, TakesALoneCrInAListForAComma) {
+TEST(ParseErrors, TreatsALoneCrInAListAsAComma) {
   EXPECT_EQ(ErrorOf(FileOf("B,1,3,01152009,2,4,0,0;0830,0,0;1,0,0;1,0\r0\r0\r\n", "")), "");
 }
 
 TEST(ParseErrors, RefusesMoreRowsThanCounted) {
-  // The "0" among the times ends the count at one; two ingredients come out.
+  // The "0" among the times ends the count at one, but two ingredients are read.
   EXPECT_EQ(ErrorOfLists("4,7,0,0;0830,0,0,0;1,1,0,0;1,1,0,0"), "Too many records detected.");
   EXPECT_EQ(ErrorOfLists("4,7,0,0;0830,083,0,0;1,1,0,0;1,1,0,0"), "Too many records detected.");
-  // A feed's mark is not looked at, only counted.
+  // The mark of a feed is counted but not checked.
   EXPECT_EQ(ErrorOf(FileOf(OneIngredient{}.Record(),
                            FeedOf("1", "5.0") + With(FeedOf("1", "5.0"), "B", "b"))),
             "Too many records detected.");
 }
 
-TEST(ParseErrors, RefusesATransactionNumberThatIsNone) {
+TEST(ParseErrors, RefusesAnInvalidTransactionNumber) {
   for (const char* number : {"0", "-1", "", " ", "x", "1x", "2147483647", "2147483648", "1e10"}) {
     EXPECT_EQ(ErrorOf(FileOf(OneIngredient{.transaction = number}.Record(), "")),
               "Invalid transaction number detected.")
@@ -156,7 +156,7 @@ TEST(ParseErrors, RefusesATransactionNumberThatIsNone) {
   EXPECT_EQ(ErrorOf(FileOf(OneIngredient{.transaction = "2147483646"}.Record(), "")), "");
 }
 
-TEST(ParseErrors, RefusesAFeedWeightThatIsNoNumberWhereItIsNeeded) {
+TEST(ParseErrors, RefusesANeededFeedWeightThatIsNotANumber) {
   for (const char* weight : {"x", " ", "1.2.3", "1e39", "12kg"}) {
     EXPECT_EQ(ErrorOf(FileOf(OneIngredient{}.Record(), FeedOf("1", weight))),
               "Invalid feed weight detected.")
@@ -188,7 +188,7 @@ TEST(ParseErrors, RefusesATotalBeyond32Bits) {
   EXPECT_EQ(ErrorOf(FileOf(limit + OneIngredient{.transaction = "2"}.Record(), "")), "");
 }
 
-TEST(ParseErrors, KeepsTheRowsAheadOfTheError) {
+TEST(ParseErrors, KeepsTheRowsBeforeTheError) {
   const ParsedText parsed(
       FileOf(OneIngredient{}.Record() + OneIngredient{.transaction = "x"}.Record(), ""));
   EXPECT_EQ(parsed.error, "Invalid transaction number detected.");
@@ -196,7 +196,7 @@ TEST(ParseErrors, KeepsTheRowsAheadOfTheError) {
   EXPECT_EQ(parsed.file.Imported().RowCount(), 2U);
 }
 
-TEST(TransactionParser, RefusesAStateThatIsNone) {
+TEST(TransactionParser, RefusesAnUnknownState) {
   TransFile file;
   ImportedData table;
   RecordingProgress progress;

@@ -40,7 +40,7 @@ struct Batch {
   std::vector<Feed> feeds;
 };
 
-// What an indicator might have recorded.
+// A possible recording of an indicator.
 struct Model {
   char unit = 'L';
   int padding = 2;
@@ -145,14 +145,14 @@ std::string TextOf(const Model& model) {
   return text + "\r\n" + feeds + "\r\n";
 }
 
-// The text of a single: its seven digits in decimal, then halves away from zero, all on digits.
+// Text of a single: rounds its seven decimal digits, halves away from zero, using digits only.
 std::string Rounded(float value, std::size_t decimals) {
   std::array<char, 32> buffer{};
   std::snprintf(buffer.data(), buffer.size(), "%.6e", static_cast<double>(value));
   const std::string text = buffer.data();
   const int exponent = std::atoi(text.c_str() + text.find('e') + 1);
   std::string digits = text.substr(0, 1) + text.substr(2, 6);
-  int point = exponent + 1;  // digits ahead of the point
+  int point = exponent + 1;  // digits before the point
   if (point < 1) {
     digits.insert(0, static_cast<std::size_t>(1 - point), '0');
     point = 1;
@@ -178,7 +178,7 @@ std::string Rounded(float value, std::size_t decimals) {
   return digits;
 }
 
-// Half to even of a weight with at most one decimal, on its digits.
+// Rounds a weight with at most one decimal half to even, using digits only.
 long Whole(const std::string& weight) {
   const long whole = std::atol(weight.c_str());
   const std::size_t point = weight.find('.');
@@ -261,7 +261,7 @@ TEST(ParseTransactionFileProperty, ReadsBackWhatAModelWrote) {
   }
 }
 
-// Records that fit no batch, anywhere among the feeds, change nothing of what is read.
+// Records that fit no batch do not change what is read, wherever they are among the feeds.
 TEST(ParseTransactionFileProperty, ReadsTheSameAmongFeedsThatFitNoBatch) {
   std::mt19937 random(7);
   for (unsigned seed = 1; seed <= 100; ++seed) {
@@ -275,7 +275,7 @@ TEST(ParseTransactionFileProperty, ReadsTheSameAmongFeedsThatFitNoBatch) {
       strangers.push_back("B,x" + std::to_string(strangers.size()) + ",12,2,0915,01152009,7,8");
       text.insert(place, strangers.back() + "\r\n");
       place += strangers.back().size() + 2;
-      // On by some lines, as far as there are any.
+      // Skips some lines, as far as there are any.
       for (std::size_t lines = random() % 3; lines > 0 && text.compare(place, 2, "\r\n") != 0;
            --lines) {
         place = text.find("\r\n", place) + 2;

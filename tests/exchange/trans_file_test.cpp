@@ -14,7 +14,7 @@
 namespace vrx::testing {
 namespace {
 
-// Batch 1 weighs 998 + 504 = 1502 in whole units: 503.5 is a half and goes to the even 504.
+// Batch 1 weighs 998 + 504 = 1502 in whole units: 503.5 is rounded to the even 504.
 //   998 / 1502 = 0.66444740..., in single * 100 = 66.44474, so 66.4447
 //   504 / 1502 = 0.33555259..., in single * 100 = 33.55526, so 33.5553
 // Its feeds, by the percentages as written:
@@ -83,7 +83,7 @@ TEST(ParseTransactionFile, WritesAnErrorToTheProgressMessageAndShowsNoGrid) {
   EXPECT_EQ(parsed.op.beeps, 0);
 }
 
-TEST(ParseTransactionFile, ReplacesTheParseOfBefore) {
+TEST(ParseTransactionFile, ReplacesThePreviousParse) {
   TransFile file;
   RecordingProgress progress;
   RecordingOperator op;
@@ -110,8 +110,8 @@ TEST(ParseTransactionFile, KeepsTheTextAsBytes) {
   EXPECT_EQ(parsed.Cell(3, kImportedUserID), "\xC4");
 }
 
-TEST(ParseTransactionFile, DropsWhatStandsAheadOfTheIdentifier) {
-  // Seven characters ahead: the unit is read seven places behind its own.
+TEST(ParseTransactionFile, DropsTextBeforeTheIdentifier) {
+  // Seven characters before the identifier: the unit is read seven characters too late.
   std::string text(kWorkedExample);
   text.replace(text.find("L\r\n[BAT]"), 1, "L123456K");
   const ParsedText parsed("garbage" + text);
@@ -120,7 +120,7 @@ TEST(ParseTransactionFile, DropsWhatStandsAheadOfTheIdentifier) {
   EXPECT_EQ(parsed.file.FileUnits(), "KG");
 }
 
-TEST(ParseTransactionFile, ReadsTheUnitTooFarRightByWhatStoodAhead) {
+TEST(ParseTransactionFile, ReadsTheUnitShiftedByTheTextBeforeTheIdentifier) {
   EXPECT_EQ(ParsedText("x" + std::string(kWorkedExample)).error, "No units-of-measure detected.");
 }
 
@@ -150,8 +150,8 @@ TEST(ParseTransactionFile, DoesNotNeedTheLineFeedOfTheLastEmptyLine) {
   EXPECT_EQ(ParsedText(text).error, "No feed section terminator detected.");
 }
 
-TEST(ParseTransactionFile, CountsAWeightUnderOneHalfAsNothing) {
-  // 0.4 counts 0 and 1.5 counts 2: 0 of 2 and 2 of 2.
+TEST(ParseTransactionFile, TreatsAWeightUnderOneHalfAsZero) {
+  // 0.4 is rounded to 0 and 1.5 to 2: 0 of 2 and 2 of 2.
   const ParsedText parsed(FileOf("B,1,3,01152009,2,4,7,0,0;0830,0835,0,0;1,1,0,0;0.4,1.5,0,0\r\n",
                                  FeedOf("1", "10.0")));
   ASSERT_EQ(parsed.error, "");
@@ -168,7 +168,7 @@ TEST(ParseTransactionFile, GivesABatchOfNoWeightNoPercentagesAndItsFeedsNoShares
   EXPECT_EQ(parsed.Weights(2), "");
 }
 
-TEST(ParseTransactionFile, CountsAWeightThatIsNoNumberAsNothing) {
+TEST(ParseTransactionFile, TreatsAWeightThatIsNotANumberAsZero) {
   const ParsedText parsed(
       FileOf("B,1,3,01152009,2,4,7,0,0;0830,0835,0,0;1,1,0,0;x,50,0,0\r\n", ""));
   ASSERT_EQ(parsed.error, "");
@@ -187,7 +187,7 @@ TEST(ParseTransactionFile, SizesRowsForEveryBOfTheFeeds) {
   EXPECT_FALSE(parsed.file.Imported().Filled(3));
 }
 
-TEST(ParseTransactionFile, ReadsNoFeedsWhereNoneIsCounted) {
+TEST(ParseTransactionFile, ReadsNoFeedsIfNoneIsCounted) {
   std::string feed = FeedOf("1", "5.0");
   feed[0] = 'b';
   const ParsedText parsed(FileOf(OneIngredient{}.Record(), feed));
@@ -276,7 +276,7 @@ class LoadTransactionFile : public ::testing::Test {
   int focused_ = 0;
 };
 
-TEST_F(LoadTransactionFile, AsksForAFileWhereNoneIsSet) {
+TEST_F(LoadTransactionFile, AsksForAFileIfNoneIsSet) {
   EXPECT_FALSE(Load());
   ExpectBox("Please select a transaction (.QXT) file to import.");
   EXPECT_EQ(focused_, 1);

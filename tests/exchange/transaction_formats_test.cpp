@@ -27,7 +27,7 @@ TEST(FormatTransactionTime, KeepsTheHoursOfASuffixedTime) {
   EXPECT_EQ(FormatTransactionTime("9999xy"), "99:99 XY");
 }
 
-TEST(FormatTransactionTime, LeavesHoursAndSuffixOutForAnHourThatIsNone) {
+TEST(FormatTransactionTime, OmitsHoursAndSuffixOfAnInvalidHour) {
   EXPECT_EQ(FormatTransactionTime("2400"), ":00 ");
   EXPECT_EQ(FormatTransactionTime("9930"), ":30 ");
   EXPECT_EQ(FormatTransactionTime("-130"), ":30 ");
@@ -58,7 +58,7 @@ TEST(FormatTransactionDate, NamesEveryMonth) {
   }
 }
 
-TEST(FormatTransactionDate, MarksAMonthThatIsNone) {
+TEST(FormatTransactionDate, MarksAnInvalidMonth) {
   EXPECT_EQ(FormatTransactionDate("00152009"), "15-XXX-2009");
   EXPECT_EQ(FormatTransactionDate("13152009"), "15-XXX-2009");
   EXPECT_EQ(FormatTransactionDate("xx152009"), "15-XXX-2009");

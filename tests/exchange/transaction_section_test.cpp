@@ -41,7 +41,7 @@ TEST(SectionCursor, StaysAtTheEnd) {
   EXPECT_EQ(cursor.Peek(), "");
 }
 
-TEST(SectionCursor, TakesALineFeedAloneForText) {
+TEST(SectionCursor, TreatsALoneLineFeedAsText) {
   SectionCursor cursor("\na\n,b");
   EXPECT_EQ(cursor.Next(), "\na\n");
 }
@@ -76,7 +76,7 @@ TEST(FeedSection, PeeksAtTheSecondFieldOfTheNextRecord) {
   EXPECT_EQ(section.PeekFeedTransaction(), "18");
 }
 
-TEST(FeedSection, PeeksNothingBehindTheLastRecord) {
+TEST(FeedSection, PeeksNothingAfterTheLastRecord) {
   FeedSection section("B,17\r\n\r");
   section.NextFeedField();
   section.NextFeedField();
@@ -98,7 +98,7 @@ TEST(CountBatchRows, StopsAtTheFirstEntryThatIsNoTime) {
   EXPECT_EQ(CountBatchRows("B,;083000,abcd,0;").rows, 2);
 }
 
-TEST(CountBatchRows, DoesNotLookBehindTheLastComma) {
+TEST(CountBatchRows, IgnoresTextAfterTheLastComma) {
   EXPECT_EQ(CountBatchRows("B,;0830,0835;").rows, 1);
   EXPECT_EQ(CountBatchRows("B,;0830;").rows, 0);
 }
@@ -115,7 +115,7 @@ TEST(CountBatchRows, IsNothingWhereASemicolonIsMissing) {
   EXPECT_EQ(counts.rows, 0);
 }
 
-TEST(CountBatchRows, TakesAMarkInsideAFieldForABatch) {
+TEST(CountBatchRows, TreatsAMarkInsideAFieldAsABatch) {
   const BatchCounts counts = CountBatchRows("B,1,3,d,BOB,4,0,0;0830,0,0;1,0,0;1,0,0\r\n");
   EXPECT_EQ(counts.batches, 2);
   EXPECT_EQ(counts.rows, 2);

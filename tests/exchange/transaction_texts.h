@@ -5,8 +5,8 @@
 
 namespace vrx::testing {
 
-// Two batches, three feeds, six rows. Lists of five entries: the shortest that two ingredients need
-// is four.
+// Two batches, three feeds, six rows. The lists have five entries; two ingredients need at least
+// four.
 inline constexpr std::string_view kWorkedExample =
     "{BAT/FED},L\r\n"
     "[BAT],B,1,3,01152009,2,4,7,0,0,0;0830,0835,0,0,0;1000.0,500.0,0,0,0;998.0,503.5,0,0,0\r\n"
@@ -17,7 +17,7 @@ inline constexpr std::string_view kWorkedExample =
     "B,2,12,2,0958,01152009,800.0,801.0\r\n"
     "\r\n";
 
-// A file of the two sections' records. Each record must bring its line end.
+// A file with the records of two sections. Each record must include its line end.
 inline std::string FileOf(std::string_view batches, std::string_view feeds) {
   return std::string("{BAT/FED},L\r\n[BAT],")
       .append(batches)
@@ -26,7 +26,7 @@ inline std::string FileOf(std::string_view batches, std::string_view feeds) {
       .append(feeds.empty() ? "\r\n\r\n" : "\r\n");
 }
 
-// One batch record with one ingredient; nothing of it may be left out.
+// One batch record with one ingredient and no optional parts.
 struct OneIngredient {
   std::string transaction = "1";
   std::string ingredient = "4";

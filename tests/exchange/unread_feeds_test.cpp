@@ -22,7 +22,7 @@ std::string Batch(const std::string& transaction) {
   return OneIngredient{.transaction = transaction}.Record();
 }
 
-// Of each filled row its transaction number and its batch or feed weight: "1 1000.0", "1 5.0".
+// Transaction number and batch or feed weight of each filled row: "1 1000.0", "1 5.0".
 std::vector<std::string> Rows(const ParsedText& parsed) {
   std::vector<std::string> rows;
   for (std::size_t row = 1; parsed.file.Imported().Filled(row); ++row) {
@@ -32,7 +32,7 @@ std::vector<std::string> Rows(const ParsedText& parsed) {
   return rows;
 }
 
-// The records left unread: "3: B,3,12,...".
+// The unread records: "3: B,3,12,...".
 std::vector<std::string> Unread(const ParsedText& parsed) {
   std::vector<std::string> unread;
   for (const UnreadFeed& feed : parsed.file.Imported().UnreadFeeds()) {
@@ -51,7 +51,7 @@ TEST(UnreadFeeds, DoNotHideTheFeedsAfterThem) {
                                           "9: B,9,12,2,0915,01152009,750.0,9.0"));
 }
 
-// They were counted, and the rows sized for them stay empty.
+// They are counted, and the rows counted for them stay empty.
 TEST(UnreadFeeds, LeaveTheirRowsEmpty) {
   const ParsedText parsed(FileOf(Batch("1"), FeedOf("3", "6.0") + FeedOf("1", "5.0")));
   EXPECT_EQ(parsed.file.FileRecordCount(), 3);
@@ -72,7 +72,7 @@ TEST(UnreadFeeds, AreThoseOfAnEarlierBatch) {
   EXPECT_THAT(Unread(parsed), ElementsAre("1: B,1,12,2,0915,01152009,750.0,5.0"));
 }
 
-TEST(UnreadFeeds, AreNoneWhenTheirNumberComesAgain) {
+TEST(UnreadFeeds, AreReadIfTheirNumberComesAgain) {
   const ParsedText parsed(
       FileOf(Batch("1") + Batch("2") + Batch("1"), FeedOf("2", "6.0") + FeedOf("1", "5.0")));
   EXPECT_THAT(Rows(parsed), ElementsAre("1 1000.0", "2 1000.0", "2 6.0", "1 1000.0", "1 5.0"));
@@ -88,7 +88,7 @@ TEST(UnreadFeeds, AreFoundByTheirNumberAsText) {
                                           ": B,,12,2,0915,01152009,750.0,7.0"));
 }
 
-// Too few fields, too many, none at all: what follows is read from its beginning.
+// With too few, too many or no fields: the next record is read from its beginning.
 TEST(UnreadFeeds, AreSteppedOverWholeWhateverTheirForm) {
   const ParsedText parsed(FileOf(Batch("1"), "\r\nB,7\r\nB\r\nB,8,1,2,3,4,5,6,7,8,9;10\r\n" +
                                                  FeedOf("1", "5.0") +
