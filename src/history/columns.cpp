@@ -11,7 +11,6 @@
 #include "database/schema.h"
 
 namespace vrx {
-
 namespace {
 
 constexpr bool kRight = true;
@@ -59,7 +58,7 @@ std::size_t Place(int column) {
   return static_cast<std::size_t>(HistoryColumnAt(column).index) - 1;
 }
 
-// "ING007": a slot of that name is not in use.
+// "ING007", the name of a slot that is not in use.
 std::string FormatIngredientNumber(int slot) { return "ING" + Format(slot, "000"); }
 
 }  // namespace

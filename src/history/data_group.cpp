@@ -13,7 +13,7 @@ constexpr bool kWithoutIngredients = false;
 
 using enum IngredientColumns;
 
-// The lists of groups that differ in their name only.
+// Lists that several groups share.
 using Keys = std::vector<std::string_view>;
 
 Keys RecipeOrder() {

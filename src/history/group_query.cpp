@@ -12,7 +12,6 @@
 #include "history/columns.h"
 
 namespace vrx {
-
 namespace {
 
 constexpr int kLastRowParameter = 1;
@@ -20,10 +19,10 @@ constexpr int kFirstLevelParameter = 2;
 // A ranged query has two levels at most.
 constexpr int kRangeParameter = 4;
 
-// A number that is stored as a text.
+// A column with numbers stored as texts.
 std::string NumberOf(const std::string& operand) { return "CAST(" + operand + " AS INTEGER)"; }
 
-// A name: there are indexes on it that are led by ranges of transactions.
+// A column with names: its indexes start with the range of transactions.
 bool IsRangedColumn(int column) {
   const std::string_view key = HistoryColumnAt(column).key;
   return key == "Recipe" || key == "Ingredient" || key == "Pen";
@@ -46,7 +45,7 @@ GroupLevel LevelOf(std::string_view key) {
 
 std::string Parameter(int number) { return "?" + std::to_string(number); }
 
-// Each key of the level by itself, so that an index on them is found.
+// One condition for each key of the level, so that SQLite uses an index on them.
 std::string LevelCondition(const GroupLevel& level, int parameter) {
   const std::string value = Parameter(parameter);
   std::string condition = level.field + " IS " + value;
@@ -59,7 +58,7 @@ std::string LevelCondition(const GroupLevel& level, int parameter) {
 }  // namespace
 
 Statements::InUse::~InUse() {
-  // Its result is that of the step before, which was thrown then.
+  // The result repeats the error of the last step, which was already thrown.
   statement_.tryReset();
 }
 
@@ -94,14 +93,14 @@ void BindValue(SQLite::Statement& statement, int parameter, const CellValue& val
 
 GroupQuery::GroupQuery(const DataGroup& group, std::string_view name)
     : by_name_(!group.named_column.empty()),
-      // An index over one level has `Type` behind it.
+      // An index on one level has `Type` after it.
       stored_order_is_indexed_(group.levels.size() != 1 || !group.type.empty()),
       name_(name) {
   for (const std::string_view key : group.levels) {
     levels_.push_back(LevelOf(key));
   }
   if (!group.type.empty()) {
-    // Not bound: only a text that says so can use an index limited to that type.
+    // Not a parameter: only a literal allows SQLite to use a partial index on that type.
     filter_ = " AND Type = '" + std::string(group.type) + "'";
   }
 }
@@ -162,7 +161,7 @@ std::string GroupQuery::RowsOfRange(std::size_t levels, std::string_view range) 
 
 std::string GroupQuery::Rows(std::size_t levels) const {
   std::string text = " FROM " + std::string(kTransactionsTable) + " WHERE ";
-  // The `+` keeps the engine from walking the table itself for it.
+  // The `+` prevents SQLite from scanning the table for this order.
   text += last_row_ ? "+rowid <= " + Parameter(kLastRowParameter) : "1";
   text += filter_;
   if (by_name_ && levels == 0) {

@@ -24,10 +24,12 @@ using CellValue = std::variant<std::monostate, std::int64_t, double, std::string
 // A row of the grouped view.
 enum class HistoryRowKind { kGroup, kTotal, kRecord };
 
-inline bool IsNull(const CellValue& value) { return std::holds_alternative<std::monostate>(value); }
+[[nodiscard]] inline bool IsNull(const CellValue& value) {
+  return std::holds_alternative<std::monostate>(value);
+}
 
-// The prepared statements of one view, by their text. One that is not in use is reset and
-// holds no lock; what was bound to it stays until it is bound again.
+// Cache of the prepared statements of one view. A statement that is not in use is reset and holds
+// no lock; its bindings remain.
 class Statements {
  public:
   explicit Statements(SQLite::Database& database) : database_(database) {}
@@ -46,83 +48,80 @@ class Statements {
     SQLite::Statement& statement_;
   };
 
-  // Not again for the same text while it is in use. Throws SQLite::Exception.
-  InUse Take(const std::string& text);
+  // Must not be called for a text whose statement is in use. Throws SQLite::Exception.
+  [[nodiscard]] InUse Take(const std::string& text);
 
  private:
   SQLite::Database& database_;
   std::unordered_map<std::string, SQLite::Statement> prepared_;
 };
 
-CellValue ValueOf(const SQLite::Column& column);
+[[nodiscard]] CellValue ValueOf(const SQLite::Column& column);
 void BindValue(SQLite::Statement& statement, int parameter, const CellValue& value);
 
-// What the values of a level are ordered by: an expression and the lowest value it can have but
-// NULL.
+// SQL expression that orders the values of a level.
 struct LevelKey {
   std::string expression;
-  CellValue lowest;
+  CellValue lowest;  // lowest possible value except NULL
 };
 
 struct GroupLevel {
-  int column;                  // by index
+  int column;                  // index
   std::string field;           // in brackets
   std::vector<LevelKey> keys;  // the last one is the field itself
-  // Few rows to a value: the rows of an index are quicker read than each next value looked up.
+  // Few rows per value: scanning the index is faster than searching for each next value.
   bool many_values;
 };
 
-// The query texts of a view, one for each thing to be asked, made so that an index of the table
-// answers them.
+// SQL texts of the queries of a view, written so that SQLite answers them from an index.
 class GroupQuery {
  public:
-  // `name` counts in a group by name only.
+  // `name` is only used by a group by name.
   GroupQuery(const DataGroup& group, std::string_view name);
 
-  // From now on rows with a higher rowid, those stored later, are left out.
+  // Excludes rows with a higher rowid from now on: rows that are stored later.
   void EndAt(std::int64_t last_row) { last_row_ = last_row; }
 
-  // From now on the rows are looked for in these ranges of transactions, by an index that is led by
-  // them: the ranges that the table holds when this is called.
+  // Makes this a ranged query: searches these ranges of transactions with an index that starts with
+  // the range. They must be all ranges of the table.
   void SearchBy(std::vector<std::int64_t> ranges);
-  // What such an index has behind the range to serve this query: columns joined by ", ". Empty for
-  // a query that no such index serves.
-  std::string RangedColumns() const;
-  bool IsRanged() const { return ranges_.has_value(); }
-  const std::vector<std::int64_t>& Ranges() const { return *ranges_; }
+  // Columns that such an index must have after the range, joined by ", ". Empty if no such index is
+  // useful for this query.
+  [[nodiscard]] std::string RangedColumns() const;
+  [[nodiscard]] bool IsRanged() const { return ranges_.has_value(); }
+  [[nodiscard]] const std::vector<std::int64_t>& Ranges() const { return *ranges_; }
 
-  // Parameters of a text from here on are the caller's.
+  // SQL parameters from this number on are free for the caller.
   static constexpr int kFirstOwnParameter = 5;
 
-  const std::vector<GroupLevel>& Levels() const { return levels_; }
+  [[nodiscard]] const std::vector<GroupLevel>& Levels() const { return levels_; }
 
-  // Binds what the texts below have in common: for the table no values, for a group those of its
-  // levels from the outermost in.
+  // Binds the common parameters of the texts below. `values` are those of the group's levels,
+  // outermost first; none for the whole table.
   void Bind(SQLite::Statement& statement, std::span<const CellValue> values) const;
 
-  // The rows of a group that many levels down: " FROM ... WHERE ...", for more conditions to
-  // follow.
-  std::string From(std::size_t levels) const;
+  // " FROM ... WHERE ..." for the rows of a group at that depth; conditions can be appended.
+  [[nodiscard]] std::string From(std::size_t levels) const;
 
-  // The same of one range, for a ranged query: an index holds the rows of an innermost group in one
-  // range in the order they were stored, if it does at all.
-  std::string FromRange(std::size_t levels) const;
+  // The same for one range of a ranged query. Within one range an index has the rows of an
+  // innermost group in stored order, if StoredOrderIsIndexed.
+  [[nodiscard]] std::string FromRange(std::size_t levels) const;
   void BindRange(SQLite::Statement& statement, std::span<const CellValue> values,
                  std::int64_t range) const;
 
-  // Whether an index holds the rows of an innermost group, those of each range if it is ranged, in
-  // the order they were stored.
-  bool StoredOrderIsIndexed() const { return stored_order_is_indexed_; }
-  // Whether the outermost level has the picked name as its only value.
-  bool IsByName() const { return by_name_; }
+  // True if an index has the rows of an innermost group in stored order; for a ranged query, within
+  // each range.
+  [[nodiscard]] bool StoredOrderIsIndexed() const { return stored_order_is_indexed_; }
+  // True if the picked name is the only value of the outermost level.
+  [[nodiscard]] bool IsByName() const { return by_name_; }
 
-  // The values of the next level inside a group that many levels down, ascending, NULL first, for a
-  // ranged query: in each range one value is found after the other, each by one search of an index.
-  std::string ValuesInRanges(std::size_t levels) const;
+  // For a ranged query: the values of the next level inside a group at that depth, ascending, NULL
+  // first. Each value of each range takes one search of an index.
+  [[nodiscard]] std::string ValuesInRanges(std::size_t levels) const;
 
-  // The values of all levels and the number of records, for every innermost group in order; for a
-  // ranged query of one range.
-  std::string WholeOutline() const;
+  // The values of all levels and the number of records of every innermost group in order; for a
+  // ranged query within one range.
+  [[nodiscard]] std::string WholeOutline() const;
 
  private:
   std::string Rows(std::size_t levels) const;
@@ -139,11 +138,11 @@ class GroupQuery {
   std::string ranges_text_;
 };
 
-// " ORDER BY " the values of a column, those that are equal in the order they were stored; column 0
-// is that order alone.
-std::string RecordOrderText(int column, bool ascending);
+// " ORDER BY ..." for the values of a column, equal values in stored order. Column 0 is stored
+// order.
+[[nodiscard]] std::string RecordOrderText(int column, bool ascending);
 
-// All columns of the table by index, each with what stands before it: "t." or nothing.
-std::string RecordColumns(std::string_view prefix);
+// List of all columns of the table by index, each with a prefix such as "t.".
+[[nodiscard]] std::string RecordColumns(std::string_view prefix);
 
 }  // namespace vrx

@@ -26,25 +26,24 @@
 #include "history/record_pages.h"
 
 namespace vrx {
-
 namespace {
 
-// The sums of groups, computed when asked for the first time. Those of large groups are kept; of
-// the others, which are quick to come by, the ones asked for lately.
+// Cache of the sums of groups, computed on demand. Keeps the sums of large groups and the recently
+// used ones of small groups.
 class GroupTotals {
  public:
-  // Statements and query outlive it. Throws std::out_of_range for a column that is none.
+  // Statements and query must outlive it. Throws std::out_of_range for an invalid column.
   GroupTotals(Statements& statements, const GroupQuery& query, DataGroup group,
               const std::vector<int>& columns);
 
-  // One that is not summed, or blanked on a level, gets no sum there: sums over the outer levels,
-  // which take longest, are mostly blanked. Throws std::out_of_range for one that is none.
+  // Columns that are not summed, or blank on a level, get no sum there. This saves most sums of the
+  // outer levels, which take longest. Throws std::out_of_range for an invalid column.
   void SetColumns(const std::vector<int>& columns);
-  // For an outline read anew.
+  // To be called when the outline is reloaded.
   void Forget() { totals_.clear(); }
 
-  // By column index less 1: the sums, 0 over no value, and NULL for every other column. Nothing
-  // where they have to be computed.
+  // Sums by column index - 1: 0 without values, NULL for other columns. Nothing if the sums are not
+  // in the cache.
   std::optional<std::vector<CellValue>> Find(const GroupPath& path) const;
   // Throws SQLite::Exception.
   std::vector<CellValue> Load(const Outline& outline, const GroupPath& path);
@@ -138,14 +137,14 @@ std::vector<int> SumsAtFirst() {
           HistoryColumnOfKey("ActualFeed")};
 }
 
-// The highest rowid: what is stored later gets a higher one. NULL of an empty table reads as 0.
+// The highest rowid; rows stored later get higher ones. 0 for an empty table.
 std::int64_t LastRow(SQLite::Database& database) {
   SQLite::Statement query(database, "SELECT max(rowid) FROM " + std::string(kTransactionsTable));
   query.executeStep();
   return query.getColumn(0).getInt64();
 }
 
-// What `body` asks sees one state of the table, under one lock.
+// Runs `body` in one read transaction, so that all its queries see the same rows.
 template <typename Body>
 auto Read(SQLite::Database& database, Body&& body) {
   return WithDatabaseErrors(database, [&] {
@@ -157,7 +156,7 @@ auto Read(SQLite::Database& database, Body&& body) {
   });
 }
 
-// What is shown; its parts know each other by reference.
+// Everything of the shown group; the members refer to each other.
 struct View {
   View(SQLite::Database& database, const DataGroup& group, std::string_view name,
        const std::vector<int>& sum_columns)
@@ -293,7 +292,7 @@ class GroupedRows::Impl {
     }
   }
 
-  // Reads what a group holds.
+  // Reads the contents of a group.
   static void Learn(View& view, const GroupPath& path) {
     const std::vector<CellValue> values = view.outline.Values(path);
     if (view.outline.IsInnermost(path)) {

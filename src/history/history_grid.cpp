@@ -5,7 +5,7 @@
 namespace vrx {
 namespace {
 
-// A total row needs no sum that is not seen.
+// Only visible columns need sums.
 std::vector<int> VisibleSums(const HistoryColumns& columns) {
   std::vector<int> sums;
   for (const HistoryColumn& column : HistoryColumnTable()) {

@@ -17,64 +17,64 @@
 
 namespace vrx {
 
-// `grdTRANS` without a window: the rows of a data group under their columns, as they are shown. The
-// screen, the printed page and the command line all read it.
+// `grdTRANS` without a window: the formatted rows of a data group and their columns. Used by the
+// screen, the printed page and the command line.
 //
-// The columns are always those that a drawn row settles, also while there is no row. Rows count
-// from 1, and only those that can be seen. Every call that changes or reads rows, and the
-// constructor, throws DatabaseError where the storage fails, and leaves the grid as it was.
+// Rows are numbered from 1 and include only visible ones. The constructor and every call that reads
+// or changes rows throws DatabaseError if the database fails, and leaves the grid unchanged.
 class HistoryGrid {
  public:
-  // Shows nothing before the first SetUp. The database outlives the grid, or the next Bind.
+  // Has no rows before the first SetUp. The database must outlive the grid or remain until the next
+  // Bind.
   explicit HistoryGrid(SQLite::Database& transactions);
 
-  // Shows the same group, and name, of another database; its groups are closed.
+  // Shows the same group and name of another database, with all groups closed.
   void Bind(SQLite::Database& transactions);
 
-  // The set-up routine of a group, all groups closed. A group by name shows the rows of `name`,
-  // whole field against whole field.
+  // The set-up routine of a group; all groups are closed. A group by name shows the rows whose
+  // field equals `name`.
   void SetUp(const DataGroup& group, std::string_view name);
 
-  // Shows another name of the present group; the order of its records stays the chosen one.
+  // Shows another name of the current group and keeps the sort order.
   void ShowName(std::string_view name);
 
-  // The rows of `grdING`, none where no recipe database is open.
+  // `ingredients` are the rows of `grdING`; none if no recipe database is open.
   void RefreshIngredientColumns(std::span<const IngredientRecord> ingredients);
-  // What entering the tab does to the columns.
+  // Updates the columns when the tab is entered.
   void EnterTab();
 
-  const DataGroup& Group() const { return *group_; }
-  const HistoryColumns& Columns() const { return columns_; }
+  [[nodiscard]] const DataGroup& Group() const { return *group_; }
+  [[nodiscard]] const HistoryColumns& Columns() const { return columns_; }
   void MoveColumn(int column, int position) { columns_.Move(column, position); }
 
-  // Every column's field with its present caption, by index: what an export heads its columns with.
-  std::vector<std::pair<std::string, std::string>> FieldCaptions() const;
+  // Field and current caption of every column by index, for the headings of an export.
+  [[nodiscard]] std::vector<std::pair<std::string, std::string>> FieldCaptions() const;
 
-  std::int64_t RowCount() const { return rows_.RowCount(); }
-  // Throws std::out_of_range for a row that is not there.
+  [[nodiscard]] std::int64_t RowCount() const { return rows_.RowCount(); }
+  // Throw std::out_of_range for a missing row.
   ShownRow Row(std::int64_t row);
   HistoryRowKind KindOf(std::int64_t row) { return rows_.KindOf(row); }
 
-  // Both bring the strip of column headers up to date.
+  // These update the column headers.
   void OpenGroup(std::int64_t row);
   void CloseGroup(std::int64_t row);
-
-  // Opens or closes every group and brings the strip up to date.
   void ApplyExpandState(bool expand_all);
+
+  // These do not.
   void ExpandAll() { rows_.OpenAll(); }
   void CollapseAll() { rows_.CloseAll(); }
 
-  // A click on a column's header: sorts the records by it, by the same column again the other way
-  // round. A set-up goes back to the order in which they were stored. The column of a group level
-  // has one value in each group, so a click there changes nothing. Returns the row that the record
-  // of `row` has then, as GroupedRows::SortBy.
+  // Called for a click on a column header: sorts the records by the column, or reverses the order
+  // if it is the sort column. SetUp restores stored order. The column of a group level changes
+  // nothing, because it has one value in each group. Returns the new row number as
+  // GroupedRows::SortBy.
   std::int64_t SortByColumn(int column, std::int64_t row = 0);
-  int SortColumn() const { return sort_column_; }         // 0: none
-  bool SortAscending() const { return sort_ascending_; }  // of SortColumn()
+  [[nodiscard]] int SortColumn() const { return sort_column_; }  // 0: none
+  [[nodiscard]] bool SortAscending() const { return sort_ascending_; }
 
-  // Whether the strip of column headers shows: while a record is in view. With no row at all it
-  // stays as it was.
-  bool ColumnHeaders() const { return column_headers_; }
+  // True if the column headers are shown: while any visible row is a record. Unchanged while there
+  // is no row.
+  [[nodiscard]] bool ColumnHeaders() const { return column_headers_; }
   void SetColumnHeaders(bool on) { column_headers_ = on; }
 
  private:

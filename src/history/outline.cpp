@@ -12,7 +12,6 @@
 #include "database/schema.h"
 
 namespace vrx {
-
 namespace {
 
 std::size_t LowestBit(std::size_t number) { return number & (~number + 1); }
@@ -26,7 +25,7 @@ constexpr RowSum kClosed{.rows = 1, .records = 0};
 
 std::size_t LengthOf(std::int64_t inside) { return static_cast<std::size_t>(inside); }
 
-// Finds one value of a level after the other, each by one search of the index.
+// Finds the values of a level, each with one search of the index.
 class ValueFinder {
  public:
   ValueFinder(Statements& statements, const GroupQuery& query, std::span<const CellValue> outer)
@@ -41,8 +40,7 @@ class ValueFinder {
   }
 
  private:
-  // The values of the key that follows those of `found_`, and in each of them those of the keys
-  // behind it.
+  // Finds the values of the key after those of `found_`, and for each value those of the next keys.
   void FindNextKey() {
     const LevelKey& key = keys_[found_.size()];
     std::string text = "SELECT " + key.expression + query_.From(outer_.size());
@@ -93,7 +91,7 @@ class ValueFinder {
   const GroupQuery& query_;
   std::span<const CellValue> outer_;
   const std::vector<LevelKey>& keys_;
-  std::vector<CellValue> found_;  // of the keys ahead
+  std::vector<CellValue> found_;  // values of the previous keys
   std::vector<CellValue> values_;
 };
 
@@ -121,7 +119,7 @@ void ReadCounts(SQLite::Statement& statement, std::size_t levels, const Take& ta
   }
 }
 
-// The values of names, NULL or a text, compare as the engine orders them.
+// Values of names, NULL or a text, compare in SQLite's order.
 using Counts = std::map<std::vector<CellValue>, std::int64_t>;
 
 Counts CountInRanges(Statements& statements, const GroupQuery& query) {
@@ -139,7 +137,8 @@ Counts CountInRanges(Statements& statements, const GroupQuery& query) {
 
 }  // namespace
 
-// The tree counts from 1: its nth element sums up the LowestBit(n) entries that end with the nth.
+// Elements of the tree are numbered from 1: element n is the sum of the LowestBit(n) entries up to
+// n.
 
 void BuildSums(std::span<RowSum> list) {
   for (std::size_t n = 1; n <= list.size(); ++n) {
@@ -190,7 +189,7 @@ Outline::Value Outline::Keep(const CellValue& value) {
       value);
 }
 
-// Doubling would waste up to half of what the largest tables need.
+// Doubling the capacity would waste up to half the memory of the largest tables.
 void Outline::AddNode(Level& level, Value value) {
   if (level.nodes.size() == level.nodes.capacity()) {
     const std::size_t wanted = level.nodes.size() + level.nodes.size() / 4 + 16;
@@ -380,7 +379,7 @@ std::vector<CellValue> ReadLevelValues(Statements& statements, const GroupQuery&
 std::int64_t CountRecords(Statements& statements, const GroupQuery& query,
                           std::span<const CellValue> group) {
   if (group.empty()) {
-    // Without a condition the engine counts by the pages of an index.
+    // Without a condition SQLite counts the entries of an index page by page.
     Statements::InUse whole =
         statements.Take("SELECT count(*) FROM " + std::string(kTransactionsTable));
     whole->executeStep();

@@ -17,18 +17,17 @@
 #include "history/columns.h"
 
 namespace vrx {
-
 namespace {
 
 constexpr std::size_t kBlockLength = 8192;
 
-// How many records lie between two marks of a walk.
+// Number of records between two marks of a scan.
 constexpr std::int64_t kStride = 4096;
 
 constexpr std::int64_t kLowest = std::numeric_limits<std::int64_t>::min();
 constexpr std::int64_t kHighest = std::numeric_limits<std::int64_t>::max();
 
-// Without a sign: two rowids can lie further apart than the largest of them.
+// Unsigned, because the distance of two rowids can exceed the range of a signed number.
 std::uint64_t Distance(std::int64_t from, std::int64_t to) {
   return static_cast<std::uint64_t>(to) - static_cast<std::uint64_t>(from);
 }
@@ -44,7 +43,7 @@ std::uint32_t GroupOf(const OutlinePlace& place) {
   return place.path.empty() ? 0 : place.path.back();
 }
 
-// The table counts its rows from 1.
+// Rowids of the table start at 1.
 constexpr std::int64_t kNoRowid = 0;
 
 std::size_t IndexOf(const OutlinePlace& place) {
@@ -58,8 +57,8 @@ std::string SelectListed() {
          std::string(kTransactionsTable) + " AS t ON t.rowid = listed.value ORDER BY listed.key";
 }
 
-// The records of a query that selects the rowid before all columns, with their rowids: NULL, of a
-// record that is listed and gone, reads as kNoRowid.
+// Reads records of a query that selects the rowid and then all columns. The rowid of a deleted
+// record is NULL and becomes kNoRowid.
 std::vector<RecordPages::Record> ReadRecords(SQLite::Statement& statement,
                                              std::vector<std::int64_t>& rowids) {
   std::vector<RecordPages::Record> records;
@@ -84,7 +83,7 @@ void RecordOrder::Append(std::int64_t rowid) {
 
 void RecordOrder::StoreLast() {
   if (!file_) {
-    // Without a name the engine makes a file of its own that is gone when it is closed.
+    // Without a name SQLite creates a temporary file, which it deletes when the database is closed.
     file_.emplace("", SQLite::OPEN_READWRITE | SQLite::OPEN_CREATE);
     file_->exec("PRAGMA journal_mode=OFF; PRAGMA cache_size=-256");  // kB
     file_->exec("CREATE TABLE Block (Number INTEGER PRIMARY KEY, Rowids BLOB)");
@@ -160,7 +159,7 @@ std::optional<std::int64_t> RecordPlaces::LowestRowid(std::int64_t place) {
   }
   const Mark below = Below(place);
   if (Distance(below.second, above->second) == Distance(below.first, above->first)) {
-    return below.second + (place - below.first);  // no gap between
+    return below.second + (place - below.first);  // no gap between them
   }
   return place - below.first <= above->first - place ? Walk(below, place, Direction::kUp)
                                                      : Walk(*above, place, Direction::kDown);
@@ -194,7 +193,7 @@ std::optional<std::int64_t> RecordPlaces::Walk(Mark from, std::int64_t place, Di
   return rowid;
 }
 
-// The rowid that many records past the first one that is not ahead of `rowid`.
+// Skips a number of records from the first one at or after `rowid` and returns the rowid there.
 std::optional<std::int64_t> RecordPlaces::Skip(std::int64_t rowid, std::int64_t records,
                                                Direction direction) {
   const std::string order = direction == Direction::kUp ? " AND rowid >= ?5 ORDER BY rowid"
@@ -271,7 +270,7 @@ void RecordRanges::AppendRowids(const Range& range, std::int64_t offset, std::in
 
 void RecordPages::SortBy(RecordSort sort) {
   const auto& levels = query_.Levels();
-  // The value of a level is the same all through a group.
+  // The value of a level is equal within a group.
   const bool is_level = std::any_of(levels.begin(), levels.end(), [&](const GroupLevel& level) {
     return level.column == sort.column;
   });

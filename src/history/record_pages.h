@@ -17,8 +17,8 @@
 
 namespace vrx {
 
-// A list of rowids in any order: the order of a group's records. A long one lies in a temporary
-// file that goes with the object; at most two blocks are held. Throws SQLite::Exception.
+// List of rowids in the sort order of a group's records. A long list is in a temporary file, with
+// at most two blocks in memory; the destructor deletes the file. Throws SQLite::Exception.
 class RecordOrder {
  public:
   RecordOrder() = default;
@@ -27,11 +27,11 @@ class RecordOrder {
 
   void Append(std::int64_t rowid);
 
-  // The place of a rowid, from 0; nothing for one that is not in the list. Walks the list.
-  std::optional<std::int64_t> Find(std::int64_t rowid);
+  // Index of a rowid, from 0; nothing if it is not in the list. Linear in the length.
+  [[nodiscard]] std::optional<std::int64_t> Find(std::int64_t rowid);
 
-  // Shorter where the list ends.
-  std::vector<std::int64_t> Slice(std::int64_t first, std::size_t length);
+  // The rowids from index `first`; fewer than `length` at the end of the list.
+  [[nodiscard]] std::vector<std::int64_t> Slice(std::int64_t first, std::size_t length);
 
  private:
   struct Block {
@@ -47,23 +47,23 @@ class RecordOrder {
   Block loaded_;
 };
 
-// Where in the table the records of one group stand, in the order they were stored. Knows the rowid
-// of its ends and of some places between, more of them with every question, and walks the index
-// from the nearest: a gap in the rowids costs a walk once, and none costs nothing.
+// Positions of a group's records in the table, in stored order. Remembers the rowids of both ends
+// and of some positions between them, more with every call, and scans the index from the nearest
+// one. A gap in the rowids is scanned once; without gaps no scan is needed.
 class RecordPlaces {
  public:
   RecordPlaces(Statements& statements, const GroupQuery& query, std::vector<CellValue> group,
                std::int64_t count);
 
-  // The lowest rowid that the record at that place, from 0, can have: no record ahead of it has
-  // one that high. Nothing where there are fewer records by now. Throws SQLite::Exception.
-  std::optional<std::int64_t> LowestRowid(std::int64_t place);
+  // The lowest rowid that the record at a position, from 0, can have: all records before it have
+  // lower ones. Nothing if there are fewer records now. Throws SQLite::Exception.
+  [[nodiscard]] std::optional<std::int64_t> LowestRowid(std::int64_t place);
 
-  // A place whose lowest rowid is known, as at the end of a page.
+  // Stores a known result of LowestRowid, such as the end of a page.
   void Note(std::int64_t place, std::int64_t lowest_rowid) { noted_ = {place, lowest_rowid}; }
 
  private:
-  using Mark = std::pair<const std::int64_t, std::int64_t>;  // place, rowid
+  using Mark = std::pair<const std::int64_t, std::int64_t>;  // position, rowid
 
   enum class Direction { kUp, kDown };
 
@@ -80,19 +80,19 @@ class RecordPlaces {
   std::pair<std::int64_t, std::int64_t> noted_{-1, 0};
 };
 
-// Where in the ranges of transactions the records of one group stand, for a ranged query. Reads the
-// group's entries of the index once, and then, for a page, those of the ranges it touches. Throws
+// Positions of a group's records within transaction ranges, for a ranged query. Reads all index
+// entries of the group once, and those of the affected ranges for each page. Throws
 // SQLite::Exception.
 class RecordRanges {
  public:
   RecordRanges(Statements& statements, const GroupQuery& query, std::vector<CellValue> group);
 
-  // Whether all records of one range were stored ahead of all those of another: so it is unless
-  // transactions were stored out of the order of their numbers. Only then can rowids be asked for.
-  bool AreStoredInTurn() const { return stored_in_turn_; }
+  // True if the ranges do not overlap in stored order, which is so unless transactions were stored
+  // out of the order of their numbers. Required by Rowids.
+  [[nodiscard]] bool AreStoredInTurn() const { return stored_in_turn_; }
 
-  // In stored order from the record at place `first`, from 0; fewer where there are not as many.
-  std::vector<std::int64_t> Rowids(std::int64_t first, std::size_t length) const;
+  // Rowids in stored order from position `first`, from 0; fewer than `length` at the end.
+  [[nodiscard]] std::vector<std::int64_t> Rowids(std::int64_t first, std::size_t length) const;
 
  private:
   struct Range {
@@ -100,7 +100,7 @@ class RecordRanges {
     std::int64_t first_rowid;
     std::int64_t last_rowid;
     std::int64_t records;
-    std::int64_t place;  // of its first record
+    std::int64_t place;  // position of its first record
   };
 
   void AppendRowids(const Range& range, std::int64_t offset, std::int64_t count,
@@ -109,52 +109,52 @@ class RecordRanges {
   Statements& statements_;
   const GroupQuery& query_;
   std::vector<CellValue> group_;
-  std::vector<Range> ranges_;  // those that hold records, in the order of their first ones
+  std::vector<Range> ranges_;  // ranges with records, ordered by their first record
   bool stored_in_turn_;
 };
 
-// How the records of a group are sorted; column 0: in the order they were stored.
+// Sort order of the records of a group. Column 0 is stored order.
 struct RecordSort {
   int column = 0;
   bool ascending = true;
 };
 
-// The records near those asked for last, read by pages of a group. A record that is not in the
-// table any more is a row of NULLs.
+// Cache of records near the last requested ones, read in pages of a group. A deleted record is a
+// row of NULLs.
 class RecordPages {
  public:
-  using Record = std::vector<CellValue>;  // by column index less 1
+  using Record = std::vector<CellValue>;  // by column index - 1
 
-  // Both outlive it.
+  // Both must outlive it.
   RecordPages(Statements& statements, const GroupQuery& query)
       : statements_(statements), query_(query) {}
 
   void SortBy(RecordSort sort);
-  RecordSort Sort() const { return sort_; }
-  // For an outline read anew.
+  [[nodiscard]] RecordSort Sort() const { return sort_; }
+  // To be called when the outline is reloaded.
   void Forget();
 
-  // nullptr for a record that is not at hand.
-  const Record* Find(const OutlinePlace& place);
-  // Reads the page of a record. Throws SQLite::Exception; what was at hand still is.
+  // nullptr for a record that is not in the cache.
+  [[nodiscard]] const Record* Find(const OutlinePlace& place);
+  // Reads the page of a record. Throws SQLite::Exception and then keeps the cache.
   const Record& Load(const Outline& outline, const OutlinePlace& place);
 
-  // The rowid of a record, and the place of a rowid in its group, from 0, as the records are
-  // sorted: nothing for one that is not there. They read what they need. Throw SQLite::Exception.
-  std::optional<std::int64_t> RowidAt(const Outline& outline, const OutlinePlace& place);
-  std::optional<std::int64_t> PlaceOf(const Outline& outline, const GroupPath& path,
-                                      std::int64_t rowid);
+  // The rowid of a record, and the index of a rowid in its group in the current sort order; nothing
+  // if it does not exist. They read pages as needed. Throw SQLite::Exception.
+  [[nodiscard]] std::optional<std::int64_t> RowidAt(const Outline& outline,
+                                                    const OutlinePlace& place);
+  [[nodiscard]] std::optional<std::int64_t> PlaceOf(const Outline& outline, const GroupPath& path,
+                                                    std::int64_t rowid);
 
  private:
   struct Page {
     std::uint32_t group;
     std::int64_t number;
     std::vector<Record> records;
-    std::vector<std::int64_t> rowids = {};  // 0 for a record that is not in the table any more
+    std::vector<std::int64_t> rowids = {};  // 0 for a deleted record
   };
 
-  // A group of more than one page; its places, its ranges or its order are kept while it is among
-  // those of its kind that were read last.
+  // A group of more than one page, with the data to find its pages. The last used ones are kept.
   struct LargeGroup {
     std::uint32_t group;
     std::vector<CellValue> values;
@@ -163,8 +163,10 @@ class RecordPages {
     std::unique_ptr<RecordOrder> order = {};
   };
 
-  // Whether the records come in an order that no index gives.
-  bool IsReordered() const { return sort_.column != 0 || !query_.StoredOrderIsIndexed(); }
+  // True if no index has the records in the required order.
+  [[nodiscard]] bool IsReordered() const {
+    return sort_.column != 0 || !query_.StoredOrderIsIndexed();
+  }
   const Page* FindPage(const OutlinePlace& place);
   const Page& LoadPage(const Outline& outline, const OutlinePlace& place);
   void ReadSmall(Page& page, std::span<const CellValue> values, std::size_t length);
@@ -180,9 +182,9 @@ class RecordPages {
   Statements& statements_;
   const GroupQuery& query_;
   RecordSort sort_;
-  std::list<Page> pages_;  // the one used last in front
+  std::list<Page> pages_;  // most recently used first
   std::size_t held_ = 0;
-  std::list<LargeGroup> large_groups_;  // the one read last in front
+  std::list<LargeGroup> large_groups_;  // most recently used first
 };
 
 }  // namespace vrx

@@ -45,7 +45,7 @@ std::string ShownText(ColumnContent content, const std::string& text) {
   return text;
 }
 
-// Not every sum of stored numbers is finite.
+// A sum of stored numbers can be infinite.
 std::string ShownNumber(double value, std::string_view format) {
   if (!std::isfinite(value)) {
     return std::signbit(value) ? "-Inf" : "Inf";

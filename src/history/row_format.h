@@ -13,31 +13,32 @@
 
 namespace vrx {
 
-// A row as the grid shows it; the record behind it is another matter.
+// A formatted row of the grid.
 struct ShownRow {
   HistoryRowKind kind = HistoryRowKind::kRecord;
   int depth = 1;
   bool open = false;         // of a group row
   std::string caption = {};  // of a group row
-  // By column index less 1: the texts of the visible columns, "" for the others. Of a group row
-  // none.
+  // By column index - 1: the texts of the visible columns, "" for the others. Empty for a group
+  // row.
   std::vector<std::string> cells = {};
 };
 
-// A stored value as its column shows it: numbers in their default text form, "14-Mar-11",
-// "02:05 PM". NULL is empty, and a value that is not of the column's kind is shown as it stands.
-std::string ShownValue(const HistoryColumn& column, const CellValue& value);
+// Formats a stored value for its column: numbers in their default text form, "14-Mar-11",
+// "02:05 PM". NULL is empty; a value of another kind than the column's is shown unchanged.
+[[nodiscard]] std::string ShownValue(const HistoryColumn& column, const CellValue& value);
 
 // The group prefix of the level's column, directly followed by the value.
-std::string GroupCaption(const DataGroup& group, int depth, const CellValue& value);
+[[nodiscard]] std::string GroupCaption(const DataGroup& group, int depth, const CellValue& value);
 
-// A cell of a record or total row, whether its column is visible or not. A total row shows its
-// sums, a sum over nothing as 0, and "Total:"; where the depth says so, and for a batch or feed
-// weight of 0, nothing.
-std::string ShownCell(const HistoryRow& row, const DataGroup& group, const HistoryColumns& columns,
-                      int column);
+// Text of a cell of a record or total row, also if its column is hidden. A total row has its sums,
+// 0 for a sum without values, and "Total:". Cells that are blank at its depth and sums of batch or
+// feed weight that are 0 are empty.
+[[nodiscard]] std::string ShownCell(const HistoryRow& row, const DataGroup& group,
+                                    const HistoryColumns& columns, int column);
 
-ShownRow FormatRow(const HistoryRow& row, const DataGroup& group, const HistoryColumns& columns);
+[[nodiscard]] ShownRow FormatRow(const HistoryRow& row, const DataGroup& group,
+                                 const HistoryColumns& columns);
 
 // The format styles of the history grid.
 enum class FormatStyle {
@@ -52,15 +53,15 @@ enum class FormatStyle {
   kTargetStyle
 };
 
-// A colour told by its role on the desktop, for which the palette has its own.
+// Color by its role on the desktop; the palette of the desktop defines it.
 enum class SystemColor { kHighlight, kHighlightText, kWindow, kWindowText, kInfoBack };
 
 struct StyleColor {
   std::optional<SystemColor> system = {};
-  std::uint32_t rgb = 0;  // 0xRRGGBB, where it is no system colour
+  std::uint32_t rgb = 0;  // 0xRRGGBB, if `system` is empty
 };
 
-// What a style sets; nothing leaves it as `Default` has it.
+// Properties of a style. An empty property is that of `Default`.
 struct FormatStyleLook {
   FormatStyle style;
   std::string_view name;
@@ -71,12 +72,13 @@ struct FormatStyleLook {
   bool bold;
 };
 
-const FormatStyleLook& LookOf(FormatStyle style);
+[[nodiscard]] const FormatStyleLook& LookOf(FormatStyle style);
 
-// Of a row by its number in the grid: records are striped.
-FormatStyle RowStyle(HistoryRowKind kind, std::int64_t row);
+// Style of a row by its number in the grid: records alternate between two styles.
+[[nodiscard]] FormatStyle RowStyle(HistoryRowKind kind, std::int64_t row);
 
-// Of a cell, over its row's: the weights of a total row are told apart by colour.
-std::optional<FormatStyle> CellStyle(HistoryRowKind kind, int column);
+// Style of a cell that overrides the style of its row: weights of a total row have their own
+// colors.
+[[nodiscard]] std::optional<FormatStyle> CellStyle(HistoryRowKind kind, int column);
 
 }  // namespace vrx

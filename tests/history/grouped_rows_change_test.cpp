@@ -22,7 +22,7 @@ using ::testing::Each;
 
 constexpr std::int64_t kRecords = 3000;
 
-// Spoils the start of the page that holds these bytes.
+// Damages the start of the page that contains these bytes.
 void DamagePageOf(const std::filesystem::path& path, const std::string& bytes) {
   const std::string whole = ReadAll(path);
   const std::size_t place = whole.find(bytes);
@@ -34,7 +34,7 @@ void DamagePageOf(const std::filesystem::path& path, const std::string& bytes) {
   file << std::string(64, '\xEE');
 }
 
-// One pen, one recipe, 10 transactions, more records than the pages at hand hold.
+// One pen, one recipe, 10 transactions, and more records than the cached pages hold.
 class GroupedRowsWhileTheTableChanges : public ::testing::Test {
  protected:
   void SetUp() override { table_.Store(Records(kRecords)); }
@@ -176,7 +176,7 @@ TEST_F(GroupedRowsWhileTheTableChanges, NothingStaysOpenAgainstAWriter) {
   }
 }
 
-// What one call reads is one state of the table, however many queries it takes.
+// All queries of one call see the same state of the table.
 TEST(GroupedRows, KeepOtherProgramsFromStoringBetweenTwoQueries) {
   for (const int group : {1, 3, 8}) {
     RivalWriter rival;
@@ -196,7 +196,7 @@ TEST(GroupedRows, KeepOtherProgramsFromStoringBetweenTwoQueries) {
   }
 }
 
-// Records that were read lately show as they were read; the others as they are.
+// Recently read records keep their values; the others are read again.
 TEST_F(GroupedRowsWhileTheTableChanges, TheThousandRecordsReadLastAreHeld) {
   Show(0);
   TimeOf(1);
@@ -205,7 +205,7 @@ TEST_F(GroupedRowsWhileTheTableChanges, TheThousandRecordsReadLastAreHeld) {
     EXPECT_EQ(TimeOf(row), "new");
   }
   EXPECT_EQ(TimeOf(1), "0");
-  TimeOf(1025);  // takes the place of those from 33 on, which were read first
+  TimeOf(1025);  // evicts the records from 33 on, which were read first
   table_.Exec("UPDATE Transactions SET Time = 'newer'");
   EXPECT_EQ(TimeOf(1), "0");
   EXPECT_EQ(TimeOf(65), "new");
@@ -234,7 +234,7 @@ TEST(GroupedRows, TotalsOfLargeGroupsAreHeldAmongThoseOfManyOthers) {
   EXPECT_EQ(rows.Row(first_other).cells[6], CellValue(2.0));
 }
 
-// Another program moved a record into a group: the group shows as many as were counted.
+// Another program moved a record into a group: the group keeps its counted number of rows.
 TEST_F(GroupedRowsWhileTheTableChanges, ASortFollowsARecordWithinTheRowsOfItsGroup) {
   table_.Exec(
       "UPDATE Transactions SET Pen = 'A' WHERE rowid <= 3; DELETE FROM Transactions WHERE "
@@ -257,7 +257,7 @@ TEST_F(GroupedRowsWhileTheTableChanges, MayBeReadInsideATransactionOfTheCaller) 
 TEST_F(GroupedRowsWhileTheTableChanges, ADamagedPageIsAnErrorForItsRowsOnly) {
   const std::filesystem::path copy = table_.Path().string() + ".copy";
   std::filesystem::copy_file(table_.Path(), copy);
-  // What a record's texts and its time make one after the other.
+  // The texts and the time of a record, concatenated.
   DamagePageOf(copy, "STEERSFEEDPEN11500");
   SQLite::Database damaged = OpenDatabase(copy, Access::kRead);
   GroupedRows rows(damaged);

@@ -18,7 +18,7 @@ const CellValue& Cell(const std::vector<CellValue>& record, int column) {
   return record[static_cast<std::size_t>(column) - 1];
 }
 
-// CellValue compares by kind first: NULL, numbers, texts.
+// A CellValue is compared by kind first: NULL, numbers, texts.
 CellValue SortKey(int column, const CellValue& value) {
   const auto* text = std::get_if<std::string>(&value);
   if (column == kUserColumn && text != nullptr) {

@@ -12,11 +12,11 @@
 
 namespace vrx::testing {
 
-// What GroupedRows promises, in the plainest way: every row in memory, the whole list of what can
-// be seen made anew after every change.
+// Simplest implementation of GroupedRows: every row in memory, and the list of visible rows rebuilt
+// after every change.
 class GroupedRowsModel {
  public:
-  // The table's records in the order they were stored.
+  // The records of the table in stored order.
   explicit GroupedRowsModel(std::vector<std::vector<CellValue>> table) : table_(std::move(table)) {}
 
   void Show(const DataGroup& group, const std::string& name);

@@ -34,9 +34,9 @@ CellValue AnyWeight(Random& random) {
 
 // How the transactions of a table are numbered.
 enum class Numbers {
-  kFew,       // many rows to each, some without
-  kUpward,    // in the order they are stored, all over many ranges
-  kAnyOrder,  // without, below zero, as high as can be
+  kFew,       // many rows per transaction, some without transaction
+  kUpward,    // ascending in stored order, across many ranges
+  kAnyOrder,  // with missing, negative and very high numbers
 };
 
 CellValue AnyTransaction(Random& random, Numbers numbers, std::int64_t row, std::int64_t few) {
@@ -148,7 +148,7 @@ class Pair {
   }
 
  private:
-  // What is on `row`, if any, is on the row that comes back.
+  // The content of `row`, if any, is at the returned row.
   void Sort(int column, bool ascending, std::int64_t row) {
     const HistoryRow before = row == 0 ? HistoryRow() : rows_.Row(row);
     const std::int64_t now = rows_.SortBy(column, ascending, row);
@@ -199,7 +199,7 @@ std::vector<Cells> AnyRows(Random& random, std::int64_t count, Numbers numbers, 
   return rows;
 }
 
-// By the group and how its transactions are numbered.
+// Parameters: the group and how its transactions are numbered.
 class GroupedRowsOfAnyTable : public ::testing::TestWithParam<std::tuple<int, Numbers>> {
  protected:
   static const DataGroup& Group() { return *FindDataGroup(std::get<0>(GetParam())); }
@@ -224,7 +224,7 @@ class GroupedRowsOfAnyTable : public ::testing::TestWithParam<std::tuple<int, Nu
   }
 };
 
-TEST_P(GroupedRowsOfAnyTable, AreWhatAListOfAllRowsIs) {
+TEST_P(GroupedRowsOfAnyTable, EqualAListOfAllRows) {
   Random random(static_cast<unsigned>(Group().index) + 100);
   for (const std::int64_t count : {0, 1, 7, 60, 300}) {
     SCOPED_TRACE("rows " + std::to_string(count));
@@ -235,7 +235,7 @@ TEST_P(GroupedRowsOfAnyTable, AreWhatAListOfAllRowsIs) {
   }
 }
 
-TEST_P(GroupedRowsOfAnyTable, AreTheSameInATableWithoutIndexesByName) {
+TEST_P(GroupedRowsOfAnyTable, AreTheSameWithoutIndexesByName) {
   Random random(static_cast<unsigned>(Group().index) + 300);
   HistoryTable table;
   table.Exec(
@@ -251,7 +251,7 @@ TEST_P(GroupedRowsOfAnyTable, HoldGroupsOfManyPagesWithGapsBetween) {
   HistoryTable table;
   std::vector<Cells> rows = Rows(random, 6000, 2);
   table.Store(rows);
-  // Takes away about a tenth, rather more in the middle.
+  // Deletes about a tenth, more in the middle.
   std::vector<Cells> left;
   std::string gone = "0";
   for (std::size_t i = 0; i < rows.size(); ++i) {

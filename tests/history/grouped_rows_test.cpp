@@ -153,7 +153,7 @@ TEST_F(GroupedRowsOfASmallHistory, Group4HasTheRecipeOfThatNameApostropheOrNot) 
                           "  - FEED", "    f", "  = FEED 7:0.2 8:0 11:0.2", "= O'NEIL"));
 }
 
-TEST_F(GroupedRowsOfASmallHistory, AByNameGroupIsEmptyUntilANameIsPickedAndMindsTheCase) {
+TEST_F(GroupedRowsOfASmallHistory, AByNameGroupIsEmptyUntilANameIsPickedAndIsCaseSensitive) {
   for (const int group : {4, 7, 9}) {
     for (const char* name : {"", "Select...", "steers", "corn", "pen2"}) {
       EXPECT_THAT(Closed(group, name), IsEmpty()) << name;
@@ -192,7 +192,7 @@ TEST_F(GroupedRowsOfASmallHistory, Group9HasThePenOfThatName) {
   EXPECT_THAT(Opened(9, "PEN2"), ElementsAre("- PEN2", "  c", "  f", "= PEN2 7:50.2 8:0 11:50.1"));
 }
 
-TEST_F(GroupedRowsOfASmallHistory, Group10SumsUpTheIngredientsOfAPenNoWeightCountsAsZero) {
+TEST_F(GroupedRowsOfASmallHistory, Group10SumsTheIngredientsOfAPenAndTreatsNoWeightAsZero) {
   rows_.SumColumns({11, 13, 14, 112});
   EXPECT_THAT(Opened(10), ElementsAre("- PEN10", "  d", "= PEN10 11:30.5 13:0 14:0 112:0", "- PEN2",
                                       "  c", "  f", "= PEN2 11:50.1 13:30.3 14:0 112:0"));
@@ -247,11 +247,11 @@ TEST_F(GroupedRowsOfASmallHistory, AGroupOpensAgainAsItWasLeft) {
 TEST_F(GroupedRowsOfASmallHistory, OpenAndCloseAreNothingForOtherRows) {
   const std::vector<std::string> all = Opened(1);
   for (std::int64_t row = -1; row <= rows_.RowCount() + 1; ++row) {
-    rows_.Open(row);  // is open, or no group row
+    rows_.Open(row);  // already open, or not a group row
   }
   rows_.Close(3);   // a record
   rows_.Close(5);   // a total row
-  rows_.Close(99);  // not there
+  rows_.Close(99);  // missing
   EXPECT_EQ(Lines(rows_), all);
 }
 
@@ -287,7 +287,7 @@ TEST_F(GroupedRowsOfASmallHistory, RecordsAreSortedWithinTheirGroupsEqualOnesAsS
   EXPECT_THAT(Lines(rows_), ElementsAre("a", "b", "c", "d", "e", "f"));
 }
 
-TEST_F(GroupedRowsOfASmallHistory, ASortTellsWhereARecordIsThen) {
+TEST_F(GroupedRowsOfASmallHistory, ASortReturnsTheNewRowOfARecord) {
   Opened(8);
   EXPECT_EQ(rows_.SortBy(11, true, 5), 6);   // c
   EXPECT_EQ(rows_.SortBy(11, false, 6), 5);  // c again
@@ -315,7 +315,7 @@ TEST_F(GroupedRowsOfASmallHistory, ShowTakesTheStoredOrderAgainAndClosesAll) {
   EXPECT_THAT(Closed(1), ElementsAre("+ 1", "+ 2", "+ 10"));
 }
 
-TEST_F(GroupedRowsOfASmallHistory, AColumnThatIsNoneIsRefused) {
+TEST_F(GroupedRowsOfASmallHistory, AnInvalidColumnIsRefused) {
   EXPECT_THROW(rows_.SortBy(113, true), std::out_of_range);
   EXPECT_THROW(rows_.SumColumns({0}), std::out_of_range);
   Opened(8);
@@ -348,7 +348,7 @@ TEST_F(GroupedRowsOfASmallHistory, SumsLoseNoDigit) {
 }
 
 // Records are read 32 at a time.
-TEST(GroupedRows, GroupsThatEndAtAPageOrBesideItAreWhole) {
+TEST(GroupedRows, GroupsThatEndAtOrNearAPageAreWhole) {
   for (const int column : {0, 9}) {
     for (const std::int64_t count : {31, 32, 33, 64, 65}) {
       HistoryTable table;
@@ -405,7 +405,7 @@ TEST(GroupedRows, AnyPlaceOfALongTableWithManyGapsIsFoundInAnyOrder) {
   ASSERT_EQ(grouped.RowCount(), 32000);
   for (const std::int64_t row : {16000, 15990, 9000, 31000, 8200, 24000, 23000, 4100, 27910, 12300,
                                  20485, 1, 32000, 4097, 8193, 130, 31800}) {
-    // Four of each five numbers are left.
+    // Four of every five numbers remain.
     EXPECT_EQ(grouped.Row(row).cells[0], Number(row + (row - 1) / 4)) << row;
   }
 }

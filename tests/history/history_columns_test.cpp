@@ -18,8 +18,7 @@ using ::testing::ElementsAre;
 using ::testing::ElementsAreArray;
 using ::testing::IsEmpty;
 
-// CORN in slot 1, hay in slot 3; slot 2 and slot 100 bear their default names, slot 12 one that
-// looks like it.
+// CORN in slot 1, hay in slot 3; slots 2 and 100 have their default names, slot 12 a similar name.
 std::vector<IngredientRecord> Ingredients() {
   return {{.id = 1, .name = "CORN", .description = "Corn"},
           {.id = 2, .name = "ING002"},
@@ -47,7 +46,7 @@ std::vector<std::string> CaptionsOf(int group) {
   return VisibleCaptions(columns);
 }
 
-TEST(HistoryColumns, StandInTheirDesignOrderAtFirst) {
+TEST(HistoryColumns, StartInTheirDesignOrder) {
   const HistoryColumns columns;
   for (int column = 1; column <= kHistoryColumnCount; ++column) {
     EXPECT_EQ(columns.Position(column), column);
@@ -124,7 +123,7 @@ TEST(HistoryColumns, SetUpOfZeroHidesNothing) {
   EXPECT_EQ(columns.VisibleColumns().size(), std::size_t{kHistoryColumnCount});
 }
 
-TEST(HistoryColumns, NoNameOfASlotMeansNoColumn) {
+TEST(HistoryColumns, ASlotWithoutNameHasNoColumn) {
   HistoryColumns columns;
   columns.RefreshIngredientColumns({});
   for (int column = kFirstIngredientColumn; column <= kHistoryColumnCount; ++column) {
@@ -195,7 +194,7 @@ TEST(HistoryColumns, EnteringTheTabLeavesThePercentageAlone) {
   EXPECT_FALSE(columns.IsVisible(kIngPercentColumn + 1));
 }
 
-TEST(HistoryColumns, GivingAColumnAPositionMovesTheOthersAlong) {
+TEST(HistoryColumns, MovingAColumnShiftsTheOthers) {
   HistoryColumns columns;
   columns.Move(4, 2);
   EXPECT_EQ(columns.Position(1), 1);
@@ -229,7 +228,7 @@ TEST(HistoryColumns, PositionsStayAPermutationWhateverIsMoved) {
   }
 }
 
-TEST(HistoryColumns, AColumnOrPositionThatIsNoneIsAnError) {
+TEST(HistoryColumns, AnInvalidColumnOrPositionIsAnError) {
   HistoryColumns columns;
   EXPECT_THROW(columns.Move(1, 0), std::out_of_range);
   EXPECT_THROW(columns.Move(1, 113), std::out_of_range);

@@ -270,7 +270,7 @@ void FillAtRandom(SQLite::Database& database, unsigned seed, int rows) {
   transaction.commit();
 }
 
-// What the total row of each open group has to show, added up from the records above it.
+// Expected total row of each open group: the sums of the records above it.
 class SumsAbove {
  public:
   void Take(const ShownRow& row) {

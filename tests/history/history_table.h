@@ -14,18 +14,18 @@
 
 namespace vrx::testing {
 
-// The cells of a transaction by column index, those left out NULL.
+// Cells of a transaction by column index; missing ones are NULL.
 using Cells = std::map<int, CellValue>;
 
-// A transaction database with rows of one's own.
+// A transaction database with given rows.
 class HistoryTable {
  public:
   HistoryTable();
 
-  // In the order given; rowids go on from the last one.
+  // Inserts in the given order; rowids continue after the last one.
   void Store(const std::vector<Cells>& rows);
   void StoreAt(std::int64_t rowid, const Cells& cells);
-  // By a connection of its own, as another program would.
+  // Uses a separate connection, like another program.
   void Exec(const std::string& statements) const;
 
   const std::filesystem::path& Path() const { return path_; }
@@ -38,8 +38,8 @@ class HistoryTable {
 };
 
 // One line a row: a group as "+ VALUE" (closed) or "- VALUE", a total row as "= VALUE" and its sums
-// as "INDEX:SUM", a record as the text of its column 9; each behind two blanks for a level of
-// depth.
+// as "INDEX:SUM", a record as the text of its column 9; indented by two blanks for each
+// level.
 std::vector<std::string> Lines(GroupedRows& rows);
 
 std::string TextOf(const CellValue& value);

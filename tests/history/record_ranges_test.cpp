@@ -16,9 +16,9 @@ namespace {
 using ::testing::ElementsAre;
 using ::testing::IsEmpty;
 
-constexpr std::int64_t kFar = 1'000'000;  // transactions that far apart are in two ranges
+constexpr std::int64_t kFar = 1'000'000;  // transactions at this distance are in different ranges
 
-// The feeds of pen A01, rowids from 1, with these transactions; a feed of another pen behind each.
+// Feeds of pen A01 with these transactions, rowids from 1; a feed of another pen follows each.
 class RecordsInRanges : public ::testing::Test {
  protected:
   void Store(const std::vector<CellValue>& transactions) {
@@ -61,12 +61,12 @@ TEST_F(RecordsInRanges, GoByTheirRowsNotByTheirNumbers) {
   EXPECT_THAT(ranges.Rowids(2, 2), ElementsAre(5, 7));
 }
 
-TEST_F(RecordsInRanges, AreNotInTurnWhereATransactionStandsAmongThoseOfAnotherRange) {
+TEST_F(RecordsInRanges, AreNotInTurnIfATransactionIsStoredAmongThoseOfAnotherRange) {
   Store({1, kFar, 2});
   EXPECT_FALSE(Read().AreStoredInTurn());
 }
 
-TEST_F(RecordsInRanges, OfNoneAreNone) {
+TEST_F(RecordsInRanges, OfAnEmptyGroupAreEmpty) {
   const RecordRanges ranges = Read();
   EXPECT_TRUE(ranges.AreStoredInTurn());
   EXPECT_THAT(ranges.Rowids(0, 5), IsEmpty());

@@ -77,7 +77,7 @@ TEST(ShownValue, ATimeIsAMediumTimeWithATwoDigitHour) {
   EXPECT_EQ(Shown("Time", "23:59:00"), "11:59 PM");
 }
 
-TEST(ShownValue, AValueOfAWrongKindIsShownAsItStands) {
+TEST(ShownValue, AValueOfAWrongKindIsShownUnchanged) {
   EXPECT_EQ(Shown("Date", "yesterday"), "yesterday");
   EXPECT_EQ(Shown("Date", "2011-02-30"), "2011-02-30");
   EXPECT_EQ(Shown("Date", std::int64_t{20110314}), "20110314");
@@ -232,7 +232,7 @@ TEST(FormatRow, ShowsTheVisibleColumnsByIndex) {
   }
 }
 
-TEST(FormatStyle, WeightsOfATotalRowBearTheirStyles) {
+TEST(FormatStyle, WeightsOfATotalRowHaveTheirStyles) {
   EXPECT_EQ(CellStyle(HistoryRowKind::kTotal, 7), FormatStyle::kTargetStyle);
   EXPECT_EQ(CellStyle(HistoryRowKind::kTotal, 8), FormatStyle::kBatchStyle);
   EXPECT_EQ(CellStyle(HistoryRowKind::kTotal, 11), FormatStyle::kFeedStyle);
@@ -248,7 +248,7 @@ TEST(FormatStyle, RecordsAreStriped) {
   EXPECT_EQ(RowStyle(HistoryRowKind::kTotal, 3), FormatStyle::kDefault);
 }
 
-TEST(FormatStyle, BearsTheNamesAndColoursOfTheDesign) {
+TEST(FormatStyle, HasTheNamesAndColorsOfTheDesign) {
   EXPECT_EQ(LookOf(FormatStyle::kTargetStyle).name, "TargetStyle");
   EXPECT_EQ(LookOf(FormatStyle::kTargetStyle).text->rgb, 0x008000U);
   EXPECT_EQ(LookOf(FormatStyle::kBatchStyle).name, "BatchStyle");

@@ -1,4 +1,4 @@
-// Every data group of the small history, row by row as it is shown with all groups open.
+// Every data group of the small history, row by row as shown with all groups open.
 
 #include <string>
 #include <vector>
@@ -300,7 +300,7 @@ TEST_F(ShownRows, OfUserByBatchedFed) {
   EXPECT_THAT(Shown(12), ElementsAreArray(expected));
 }
 
-TEST_F(ShownRows, OfANameThatNoTransactionBearsAreNone) {
+TEST_F(ShownRows, OfANameWithoutTransactionsAreEmpty) {
   for (const int group : {4, 7, 9}) {
     EXPECT_THAT(Shown(group), ElementsAre());
     EXPECT_THAT(Shown(group, "Select..."), ElementsAre());
@@ -332,7 +332,7 @@ TEST_F(ShownRows, WithoutARecipeDatabaseHaveNoIngredientColumns) {
   EXPECT_THAT(VisibleCaptions(grid), ElementsAre("Pen", "Recipe", "Target Wt", "Feed Wt"));
 }
 
-TEST_F(ShownRows, AValueOfAWrongKindIsShownAsItStands) {
+TEST_F(ShownRows, AValueOfAWrongKindIsShownUnchanged) {
   transactions.exec(
       "UPDATE Transactions SET Date = 'someday', Time = 'late', ActualFeed = 'much' "
       "WHERE Pen = 'A01' AND Recipe = 'HEIFER'");
