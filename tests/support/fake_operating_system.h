@@ -40,7 +40,7 @@ class FakeOperatingSystem : public OperatingSystem {
 
   OsVersion version{4, 0, 0};
   std::string value_name = "ProductName";
-  std::optional<RegistryValue> value;  // of the one key there is; without it there is no key
+  std::optional<RegistryValue> value;  // of the only key; without it there is no key
   bool closes = true;
   bool starts = true;
   int open_code = 33;

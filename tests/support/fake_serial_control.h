@@ -33,17 +33,17 @@ class FakeSerialControl : public SerialControl {
 
   explicit FakeSerialControl(ManualPump& pump) : pump_(pump) {}
 
-  // The script. A transmission beyond its end is answered by nothing.
+  // The script. Transmissions after its end get no answer.
   void WillAnswer(Answer answer) { answers_.push_back(std::move(answer)); }
   void WillAnswer(std::string bytes) { WillAnswer(Answer{{Milliseconds{10}, std::move(bytes)}}); }
   void WillStaySilent() { WillAnswer(Answer{}); }
   void WillAnswerNothingMore() { answers_.clear(); }
 
-  // Bytes that arrive unasked.
+  // Bytes that arrive without a request.
   void Arrives(std::string_view bytes) {
-    const std::size_t room = lose_after_input - std::min(lose_after_input, received_);
-    waiting_ += bytes.substr(0, room);
-    received_ += std::min(room, bytes.size());
+    const std::size_t taken = lose_after_input - std::min(lose_after_input, received_);
+    waiting_ += bytes.substr(0, taken);
+    received_ += std::min(taken, bytes.size());
     if (received_ >= lose_after_input) {
       LoseLine();
     }
@@ -57,9 +57,9 @@ class FakeSerialControl : public SerialControl {
 
   std::size_t hold_after_output = std::numeric_limits<std::size_t>::max();  // no later byte leaves
 
-  Milliseconds per_byte{0};  // how long a byte takes to leave
+  Milliseconds per_byte{0};  // time that a byte takes to leave
 
-  // What was done.
+  // What was done, for assertions.
   std::vector<Event> events;
   std::string sent;
   std::vector<std::string> blocks;  // the arguments of Output
@@ -128,7 +128,7 @@ class FakeSerialControl : public SerialControl {
       return 0;
     }
     if (waiting_.empty()) {
-      CheckStanding();
+      CheckNotLost();
     }
     return static_cast<int>(waiting_.size());
   }
@@ -141,7 +141,7 @@ class FakeSerialControl : public SerialControl {
     if (!open_) {
       return 0;
     }
-    CheckStanding();
+    CheckNotLost();
     return static_cast<int>(std::count_if(leaving_.begin(), leaving_.end(),
                                           [now = pump_.Now()](auto at) { return at > now; }));
   }
@@ -156,7 +156,7 @@ class FakeSerialControl : public SerialControl {
     if (!open_) {
       throw SerialError("fake: the port is closed");
     }
-    CheckStanding();
+    CheckNotLost();
     Note("out");
     blocks.emplace_back(bytes);
     leaving_.clear();
@@ -183,7 +183,7 @@ class FakeSerialControl : public SerialControl {
       throw SerialError("fake: " + std::string(property) + " refused");
     }
   }
-  void CheckStanding() const {
+  void CheckNotLost() const {
     if (lost_) {
       throw SerialError("fake: the line is gone");
     }
@@ -193,7 +193,7 @@ class FakeSerialControl : public SerialControl {
   ManualPump& pump_;
   std::deque<Answer> answers_;
   std::string waiting_;
-  std::vector<Milliseconds> leaving_;  // when each byte of the last block is out
+  std::vector<Milliseconds> leaving_;  // time at which each byte of the last block has left
   std::size_t received_ = 0;
   bool open_ = false;
   bool lost_ = false;

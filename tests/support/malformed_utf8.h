@@ -6,7 +6,7 @@
 
 namespace vrx::testing {
 
-// A text that is no UTF-8, and what the readers of UTF-8 make of it.
+// A text that is not valid UTF-8, and how it must be decoded.
 struct MalformedText {
   std::string_view bytes;
   std::vector<std::size_t> sequences;  // their lengths, those of good characters among them

@@ -8,7 +8,7 @@
 
 namespace vrx::testing {
 
-// A word as it stands on a page, in points from its upper left corner.
+// A word on a page, in points from the upper left corner of the page.
 struct PrintedWord {
   std::string text;
   double left;

@@ -32,10 +32,10 @@ extern const std::string kSmallYardFile;
 // A user's recipe database that holds the tables. Lines get their storage identity.
 void CreateRecipeDatabase(const std::filesystem::path& path, RecipeTables& tables);
 
-// The database as it stands, its unit included.
+// The contents of the database, with its unit.
 RecipeTables ReadTables(const std::filesystem::path& path);
 
-// What stands between two section headers of a file, or behind the last: its lines.
+// The lines between two section headers of a file, or after the last header.
 std::string Section(const std::string& file, const std::string& header);
 
 }  // namespace vrx::testing

@@ -9,7 +9,7 @@
 
 namespace vrx::testing {
 
-// Keeps everything the operator was told, and answers from a queue filled beforehand. A question
+// Records everything shown to the operator, and answers from a prepared queue. A question
 // with no answer queued throws: a test that did not expect it fails.
 class RecordingOperator : public Operator {
  public:
@@ -19,7 +19,7 @@ class RecordingOperator : public Operator {
   void SetStatusLine(std::string_view text) override;
   void SetStatusColor(StatusColor color) override { status_color = color; }
 
-  std::deque<Answer> answers;  // for questions; a box with OK alone takes none
+  std::deque<Answer> answers;  // for questions; a box with OK only takes none
   std::function<void(const MessageBox&)> on_message;  // while the box is up; may be empty
 
   std::vector<MessageBox> boxes;
@@ -29,7 +29,7 @@ class RecordingOperator : public Operator {
   std::vector<std::string> status_lines;  // every text set, clears included
   StatusColor status_color = StatusColor::kBlue;
 
-  // The last status text; empty when none was set.
+  // The last status text; empty if there was none.
   std::string Status() const { return status_lines.empty() ? std::string() : status_lines.back(); }
 };
 

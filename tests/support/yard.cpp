@@ -46,7 +46,7 @@ enum Recipe : int {
   kDryCows,
 };
 
-// The first pen of each kind; finishing cattle stand before them.
+// The first pen of each kind; finishing cattle are in the pens before them.
 constexpr int kFirstGrowerPen = 341;
 constexpr int kFirstHeiferPen = 371;
 constexpr int kFirstHospitalPen = 386;

@@ -47,7 +47,7 @@ class Chance {
 // The cattle of one pen: how many, and which day on feed it is.
 class YardPen {
  public:
-  // From 1 to 400; the number tells what is kept there.
+  // From 1 to 400; the number determines the kind of cattle.
   YardPen(int number, Chance& chance);
 
   int Recipe() const;  // ID

@@ -227,7 +227,7 @@ void Yard::AppendFeeds(const Load& load, const std::vector<TransactionRecord>& b
   }
 }
 
-// The table's indexes are taken away while many rows go in, and made again behind them.
+// Drops the indexes of the table while many rows are inserted, and creates them again afterwards.
 class WithoutIndexes {
  public:
   explicit WithoutIndexes(SQLite::Database& database) : database_(database) {

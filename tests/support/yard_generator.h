@@ -28,7 +28,7 @@ struct YardFiles {
 // about 150 loads a day. Each day is stored as a module's file is: the batches of all its loads,
 // then their feeds, with what the store computes of them. Weights are in pounds.
 //
-// The recipe database has the names that the records bear, and no lines. Existing files are
+// The recipe database has the names in the records, and no lines. Existing files are
 // refused. Throws Error and DatabaseError. Returns the number of records.
 std::int64_t MakeYears(const YardYears& years, const YardFiles& files);
 

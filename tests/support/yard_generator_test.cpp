@@ -85,7 +85,7 @@ TEST_F(YardGenerator, SomeLoadsAreFedAfterMidnight) {
               ElementsAre("0"));
 }
 
-TEST_F(YardGenerator, WeightsStandInTheStepsOfTheIndicator) {
+TEST_F(YardGenerator, WeightsAreInTheStepsOfTheIndicator) {
   Make({.days = 3});
   EXPECT_THAT(Ask("SELECT DISTINCT rowid FROM Transactions WHERE Type = 'FEED' AND "
                   "(ActualFeed % 5 <> 0 OR Target % 5 <> 0 OR ActualFeed <= 0)"),
@@ -109,7 +109,7 @@ TEST_F(YardGenerator, PercentagesAndSharesAddUp) {
               IsEmpty());
 }
 
-TEST_F(YardGenerator, EveryNameStandsInTheRecipeDatabase) {
+TEST_F(YardGenerator, EveryNameIsInTheRecipeDatabase) {
   Make({.days = 3});
   for (const std::string column : {"Recipe", "Ingredient", "Pen"}) {
     std::string query = "SELECT DISTINCT ";
@@ -140,7 +140,7 @@ TEST_F(YardGenerator, TheSameSeedMakesTheSameRecords) {
   EXPECT_EQ(ReadAll(transactions_), ReadAll(again.transactions));
 }
 
-TEST_F(YardGenerator, ADatabaseThatIsThereIsLeftAlone) {
+TEST_F(YardGenerator, AnExistingDatabaseIsNotReplaced) {
   folder_.Write("YEARS.TDB", "mine");
   EXPECT_THROW(Make({.days = 1}), Error);
   EXPECT_EQ(ReadAll(transactions_), "mine");
