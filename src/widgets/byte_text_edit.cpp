@@ -54,7 +54,7 @@ void DataWindow::SetBytes(const std::string& bytes) {
   by_program_ = was_by_program;
 }
 
-// By blocks: the plain text of the document has ordinary blanks for those that do not break.
+// Reads block by block, because toPlainText() replaces non-breaking spaces.
 void DataWindow::TakeText() {
   std::vector<std::string> lines;
   for (QTextBlock block = document()->begin(); block.isValid(); block = block.next()) {

@@ -8,15 +8,15 @@
 
 namespace vrx {
 
-// `txtDataWindow`: shows a text of bytes, Windows-1252, and lets the operator edit it. Bytes() is
-// what was set, byte for byte, with what the operator has changed since.
+// `txtDataWindow`: an editor for a Windows-1252 text. Bytes() returns the bytes that were set, with
+// only the operator's changes.
 class DataWindow : public QPlainTextEdit {
   Q_OBJECT
 
  public:
   explicit DataWindow(QWidget* parent = nullptr);
 
-  // Nothing happens when it holds these bytes already; else the view goes to the top.
+  // Does nothing if the bytes are the same; otherwise scrolls to the top.
   void SetBytes(const std::string& bytes);
   const std::string& Bytes() const { return bytes_; }
 
@@ -30,18 +30,17 @@ class DataWindow : public QPlainTextEdit {
   bool by_program_ = false;
 };
 
-// A line of a text of bytes and what ends it: CR LF, CR or LF, or nothing behind the last one.
+// A line of a text and its end: CR LF, CR or LF; empty for the last line.
 struct TextLine {
   std::string_view text;
   std::string_view end;
 };
 
-// At least one line, also of an empty text. The lines point into the text.
+// At least one line, even for an empty text. The lines point into the text.
 std::vector<TextLine> SplitLines(std::string_view text);
 
-// The bytes after an edit, of which only the lines without their ends are known. A line that
-// stands as it stood keeps its end, and so does one that took the place of another; any other is
-// ended by CR LF. The last line has no end.
+// The bytes after an edit that is known only as lines without their ends. An unchanged or replaced
+// line keeps its end; a new line ends in CR LF. The last line has no end.
 std::string TakeEdit(std::string_view before, std::span<const std::string> edited);
 
 }  // namespace vrx

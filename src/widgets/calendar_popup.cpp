@@ -83,7 +83,7 @@ void CalendarPopup::Dismiss() {
   hide();
 }
 
-// The style's own pictures do not follow the palette.
+// The style's own icons do not follow the palette.
 void CalendarPopup::ShowPlainArrows() {
   for (const auto& [name, arrow] : {std::pair{"qt_calendar_prevmonth", Qt::LeftArrow},
                                     std::pair{"qt_calendar_nextmonth", Qt::RightArrow}}) {

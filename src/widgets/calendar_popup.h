@@ -7,18 +7,18 @@
 
 namespace vrx {
 
-// The month view `calCalendar`: shows today and cannot leave it. It hides when it loses the focus,
-// and by Escape, which gives the focus back to where it was.
+// The month view `calCalendar`: always shows today. It hides when it loses the focus, and on
+// Escape, which returns the focus to the previous control.
 class CalendarPopup : public QCalendarWidget {
   Q_OBJECT
 
  public:
-  // Floats over `parent`, hidden to begin with.
+  // Floats over `parent`; hidden at first.
   CalendarPopup(const Calendar& calendar, QWidget* parent);
 
   void ShowToday();
 
-  // Hides it when it is on show; else shows it below the button, with the focus.
+  // Hides it if it is shown; otherwise shows it below the button with the focus.
   void Toggle(const QWidget& button);
 
  protected:

@@ -46,7 +46,7 @@ QColor SpecifiedColor(StatusColor color) {
   return {0, 0, 192};
 }
 
-// What an eye sees of a colour that lets the background through.
+// The visible color of a translucent color on a background.
 QColor Laid(const QColor& color, const QColor& background) {
   const auto mixed = [&](float above, float below) {
     return below + (above - below) * static_cast<float>(color.alphaF());

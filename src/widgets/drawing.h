@@ -13,34 +13,34 @@
 
 namespace vrx {
 
-// How far two opaque colours stand apart, from 1 to 21 as the accessibility guidelines reckon it.
+// The contrast ratio of two opaque colors, from 1 to 21, as defined by the accessibility
+// guidelines.
 double ContrastRatio(const QColor& one, const QColor& other);
 
-// What small text needs, and what lines of a drawing need.
+// The minimum for small text, and for lines of a drawing.
 inline constexpr double kTextContrast = 4.5;
 inline constexpr double kGraphicsContrast = 3.0;
 
-// The colour as it is where it can be read on the background, else the nearest lightness of the
-// same hue that can.
+// The color itself if it is readable on the background, otherwise the same hue with the nearest
+// readable lightness.
 QColor Readable(const QColor& color, const QColor& background, double contrast);
 
-// The told colours of the status line: as they are on a light background, and as they can be read
-// on a dark one.
+// The specified colors of the status line: unchanged on a light background, readable on a dark one.
 QColor StatusTextColor(StatusColor color, const QColor& background);
 
-// A palette whose hints in empty fields can be read: some desktops tell the colours of a dark look
-// but for these, which then stay those of a light one. Nothing else of it is set.
+// A palette with readable placeholder texts: some desktops define all colors of a dark theme except
+// this one, which then remains that of a light theme. Sets no other color.
 QPalette WithReadableHints(QPalette palette);
 
-// An icon of data/icons by its file's name without extension. Drawn anew for each size and scale,
-// in the colours of the application's present palette: what the drawing has in black takes the text
-// colour of buttons, what it has in royal blue that of a selection.
+// An icon of data/icons by its file name without extension. Rendered for each size and scale in the
+// colors of the current palette: black becomes the text color of buttons, royal blue the color of a
+// selection.
 //
-// The drawings are 24 pixels square, their lines 2 wide with their edges on even pixels, so that
-// they stay sharp when everything is drawn half as large again.
+// The drawings are 24 pixels square. Their lines are 2 wide with edges on even pixels, so they stay
+// sharp at a scale of 1.5.
 QIcon SvgIcon(std::string_view name);
 
-// A drawing, sharp at every scale of the screen.
+// An SVG drawing, sharp at every scale of the screen.
 class SvgImage : public QWidget {
   Q_OBJECT
 

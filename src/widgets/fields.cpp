@@ -43,7 +43,7 @@ qsizetype CommonSuffix(const QString& one, const QString& other) {
   return std::distance(one.rbegin(), ends.first);
 }
 
-// Gives way in a narrow window to the width of its text in ordinary characters.
+// Shrinks in a narrow window to the width of its text in average characters.
 class Box : public FilteredEdit {
  public:
   Box(Filter filter, std::size_t limit, QWidget* parent)
@@ -143,7 +143,7 @@ QValidator::State FilteredEdit::Admit(QString& text, int& cursor) {
   return QValidator::Acceptable;
 }
 
-// `before` is the text without what comes in.
+// `before` is the text without the input.
 QString FilteredEdit::Filtered(QString before, const QString& typed) {
   QString admitted;
   for (const QChar character : typed) {

@@ -13,18 +13,18 @@
 
 namespace vrx {
 
-// A line edit that asks a filter about each character that the operator brings in: typed, pasted,
-// dropped or composed. What the program sets is not asked about and may be longer.
+// A line edit that filters each character that the operator enters: typed, pasted, dropped or
+// composed. A text set by the program is not filtered and may be longer.
 //
-// A character that is refused, or has no room, sends Refused and changes nothing; of a text that
-// comes in at once the other characters stay, and Refused is sent once.
+// A character that is refused or exceeds the limit emits Refused and changes nothing. Of a text
+// entered at once the other characters are kept, and Refused is emitted once.
 class FilteredEdit : public QLineEdit {
   Q_OBJECT
 
  public:
-  // The text ahead of the key, without what is selected, and the key: the code to insert, or 0 to
-  // drop it. Both are Windows-1252, one byte per character; the key is 0 for a character that it
-  // does not have. Asked also where there is no room left, but not about a backspace.
+  // Takes the text before the key, without the selection, and the key; returns the code to insert,
+  // or 0 to drop it. Both are Windows-1252; the key is 0 for a character that Windows-1252 lacks.
+  // Also called if the limit is reached, but not for a backspace.
   using Filter = std::function<int(std::string_view text, int key)>;
 
   // `limit` in characters.
@@ -38,10 +38,10 @@ class FilteredEdit : public QLineEdit {
  Q_SIGNALS:
   void Refused();
 
-  // The backspace key, ahead of what it does.
+  // The backspace key, before its effect.
   void Backspace();
 
-  // The focus went to another field. A menu, a list or another window in front takes none away.
+  // The focus moved to another field. Not emitted for a menu, a list or another window.
   void Left();
 
  protected:
@@ -49,7 +49,7 @@ class FilteredEdit : public QLineEdit {
   void focusOutEvent(QFocusEvent* event) override;
 
  private:
-  // Everything that is brought in other than by a key passes here.
+  // Handles all input other than keys.
   class Gate;
 
   QValidator::State Admit(QString& text, int& cursor);
@@ -62,22 +62,23 @@ class FilteredEdit : public QLineEdit {
   bool by_program_ = false;
 };
 
-// Whether a control that loses the focus is left for another one, as a form understands it. A menu,
-// a list that drops down or another window in front leaves it on show with what stands in it.
+// Whether a control loses the focus to another control of the form, and not to a menu, a drop-down
+// list or another window.
 bool LeavesField(const QFocusEvent& event);
 
-// Ctrl+Tab, and back: from every control it goes up to the tab folder, which turns to another tab.
+// Whether the key is Ctrl+Tab or Ctrl+Shift+Tab. Controls pass it up to the tab folder, which
+// switches tabs.
 bool TurnsTabs(const QKeyEvent& key);
 
-// Logical pixels for that many of the widest characters and what a box puts around them.
+// The width in logical pixels of that many of the widest characters and the frame of a box.
 int WidthFor(const QWidget& box, std::size_t characters);
 
-// A box that is as wide as `limit` of the widest characters and gives way in a narrow window.
+// A box as wide as `limit` of the widest characters, which shrinks in a narrow window.
 FilteredEdit* MakeBox(FilteredEdit::Filter filter, std::size_t limit, const char* name,
                       QWidget* parent);
 
-// A list that is chosen from only while it is dropped down, which the keys do that move in others:
-// neither a key nor a turn of the wheel in passing makes a choice.
+// A list whose choice changes only while it is open. While it is closed, keys that would change the
+// choice open it instead, and the wheel does nothing.
 class ChoiceList : public QComboBox {
   Q_OBJECT
 
@@ -89,13 +90,13 @@ class ChoiceList : public QComboBox {
   void wheelEvent(QWheelEvent* event) override;
 };
 
-// Turns the Enter key into the Tab key on everything in a form, so that Enter goes on to the next
-// field. Menus, lists that drop down and other windows keep theirs.
+// Makes the Enter key move to the next field, like Tab, on all controls of a form. It keeps its
+// meaning in menus, drop-down lists and other windows.
 class EnterAsTab : public QObject {
   Q_OBJECT
 
  public:
-  // Belongs to the form.
+  // Owned by the form.
   explicit EnterAsTab(QWidget* form);
 
   bool eventFilter(QObject* watched, QEvent* event) override;

@@ -49,7 +49,7 @@ void ElidedLabel::paintEvent(QPaintEvent* event) {
 
 bool ElidedLabel::IsCut() const { return fontMetrics().horizontalAdvance(text()) > Room().width(); }
 
-// The indent is on the side that the text is aligned to.
+// The indent is on the side of the alignment.
 QRect ElidedLabel::Room() const {
   const int indented = std::max(0, indent());
   return (alignment() & Qt::AlignRight) != 0 ? contentsRect().adjusted(0, 0, -indented, 0)

@@ -9,8 +9,8 @@
 
 namespace vrx {
 
-// One line of text that gives way when there is no room: its middle is left out on the screen. What
-// is left out can be read in its tooltip, unless it has one of its own.
+// Single-line label, elided in the middle. The tooltip has the full text, unless another tooltip is
+// set.
 class ElidedLabel : public QLabel {
   Q_OBJECT
 
@@ -28,8 +28,7 @@ class ElidedLabel : public QLabel {
   QRect Room() const;
 };
 
-// A text to be read and scrolled with the mouse. It does not keep the focus, which goes to where it
-// is told.
+// A read-only text that can be scrolled with the mouse. Passes the focus on to another control.
 class TextView : public QPlainTextEdit {
   Q_OBJECT
 
@@ -49,19 +48,18 @@ class TextView : public QPlainTextEdit {
   QWidget* heir_ = nullptr;
 };
 
-// The font for weights and counts that stand below each other: the font itself where its digits are
-// of equal width, else the system's font of fixed width in its size and weight.
+// The font for aligned columns of figures: the font itself if its digits have equal widths,
+// otherwise the system's fixed-width font in its size and weight.
 QFont TabularFigures(const QFont& font);
 
-// The captions of a grid of records or lines. They keep as far from the edges as the cells below
-// them.
+// The captions of a grid of records or lines, with the same margins as its cells.
 class PaddedHeader : public QHeaderView {
   Q_OBJECT
 
  public:
   explicit PaddedHeader(QWidget* parent = nullptr);
 
-  // A text with the margin that tells a number from the text in the column behind it.
+  // A text with the margin that separates a number from the text in the next column.
   static QString Padded(const QString& text);
 
  protected:

@@ -31,7 +31,7 @@ void TwoPartRow::resizeEvent(QResizeEvent* event) {
   Arrange();
 }
 
-// A control has come, gone or taken another size.
+// A control was added, removed or resized.
 bool TwoPartRow::event(QEvent* event) {
   if (event->type() == QEvent::LayoutRequest) {
     Arrange();

@@ -6,7 +6,7 @@
 
 namespace vrx {
 
-// Two groups of controls: at both ends of one line where there is room, else below each other.
+// Two groups of controls: at both ends of one line if there is space, otherwise below each other.
 class TwoPartRow : public QWidget {
   Q_OBJECT
 
@@ -16,7 +16,7 @@ class TwoPartRow : public QWidget {
   QBoxLayout* First() { return first_; }
   QBoxLayout* Second() { return second_; }
 
-  // Of the wider group.
+  // The minimum size of the wider group.
   QSize minimumSizeHint() const override;
 
  protected:
@@ -37,7 +37,7 @@ inline constexpr int kSpacing = 8;
 // Between groups of controls, in logical pixels.
 inline constexpr int kGroupSpacing = 2 * kSpacing;
 
-// What is told stands out from the caption ahead of it; all else of the font stays the form's.
+// Distinguishes a value from its caption; everything else of the font remains the form's.
 inline void MakeDemiBold(QWidget& widget) {
   QFont font;
   font.setWeight(QFont::DemiBold);

@@ -11,7 +11,7 @@ inline QString ToQString(std::string_view text) {
   return QString::fromUtf8(text.data(), static_cast<qsizetype>(text.size()));
 }
 
-// The same with the lines as the screen breaks them: CR LF becomes a line feed.
+// The same with the line breaks of Qt: CR LF becomes a line feed.
 inline QString ToScreenLines(std::string_view text) {
   return ToQString(text).replace(QStringLiteral("\r\n"), QStringLiteral("\n"));
 }

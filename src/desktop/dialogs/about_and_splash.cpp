@@ -20,7 +20,7 @@ namespace vrx {
 
 namespace {
 
-// Logical pixels around what a form holds.
+// The margin of the forms in logical pixels.
 constexpr int kFormMargin = 24;
 
 constexpr int kProductCaption = 1081;  // the title of both forms

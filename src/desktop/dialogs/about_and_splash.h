@@ -21,13 +21,13 @@ class About : public QDialog {
   About(const SystemInfo& system, OperatingSystem& os, Operator& op, QWidget* owner);
 };
 
-// The form `SPLASH`: who the program is, while it loads.
+// The form `SPLASH`, shown while the program loads.
 class Splash : public SplashForm {
  public:
   void Show() override;
   void Unload() override { form_.reset(); }
 
-  // Lays the form out and gives it its texts.
+  // Creates the form with its layout and texts.
   static std::unique_ptr<QWidget> Load();
 
  private:
@@ -40,7 +40,8 @@ inline const QString kLogoPath = QStringLiteral(":/icons/logo.svg");
 // The program's version: major, minor and revision with points between them.
 QString VersionText();
 
-// The work of the Help menu: both documents and the About box. Everything outlives the window.
+// Sets the handlers of the Help menu: both documents and the About box. Everything outlives the
+// window.
 void SetHelpHandlers(MainWindow& window, const SystemInfo& system, OperatingSystem& os,
                      Operator& op);
 

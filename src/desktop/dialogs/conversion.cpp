@@ -23,12 +23,12 @@ namespace {
 
 constexpr int kBarWidth = 320;
 
-// The report of a conversion, to be read, copied and saved as a text file.
+// Shows the report of a conversion, which can be copied and saved as a text file.
 class ConversionReportDialog : public QDialog {
   Q_OBJECT
 
  public:
-  // UTF-8, lines by LF. Whatever is referred to outlives this.
+  // The text is UTF-8 with LF. All references outlive the object.
   ConversionReportDialog(std::string_view text, std::string file_name, FileChooser& files,
                          Operator& op, QWidget* owner);
 
@@ -43,7 +43,7 @@ class ConversionReportDialog : public QDialog {
   TextView* view_;
 };
 
-// What the report's longest lines of figures need.
+// The length of the report's longest lines of figures.
 constexpr int kColumns = 96;
 constexpr int kLines = 28;
 
@@ -60,7 +60,7 @@ ConversionReportDialog::ConversionReportDialog(std::string_view text, std::strin
   setModal(true);
   view_->ShowText(text_);
   view_->setLineWrapMode(QPlainTextEdit::WidgetWidth);
-  // Its text is taken with the keyboard, too.
+  // The text can also be selected with the keyboard.
   view_->setTextInteractionFlags(Qt::TextSelectableByMouse | Qt::TextSelectableByKeyboard);
   const QFontMetrics metrics(view_->font());
   view_->setMinimumHeight(metrics.lineSpacing() * kLines / 2);
@@ -138,7 +138,7 @@ ConversionProgress::ConversionProgress(QWidget* owner)
   show();
 }
 
-// It stays until the conversion has ended.
+// The dialog stays open until the conversion has ended.
 void ConversionProgress::reject() {
   cancelled_ = true;
   cancel_->setEnabled(false);

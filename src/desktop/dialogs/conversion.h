@@ -13,7 +13,7 @@
 
 namespace vrx {
 
-// How far a conversion has come, with a button that ends it.
+// The progress dialog of a conversion, with a button that ends it.
 class ConversionProgress : public QDialog {
   Q_OBJECT
 
@@ -33,7 +33,7 @@ class ConversionProgress : public QDialog {
   bool cancelled_ = false;
 };
 
-// The conversion of a database in windows of their own. Whatever is referred to outlives this.
+// The dialogs of the conversion of a database. All references outlive the object.
 class QtConversionDisplay : public ConversionDisplay {
  public:
   QtConversionDisplay(QWidget& owner, FileChooser& files, Operator& op)

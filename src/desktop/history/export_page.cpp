@@ -36,7 +36,7 @@ constexpr std::array<FormatChoice, 3> kFormats{{
     {ExportFormat::kHtml, "optHTML", "HTM&L", "One page for a browser that needs nothing else"},
 }};
 
-// What the caption table does not have, by label.
+// Texts that the caption table lacks, by label.
 constexpr std::array<std::pair<const char*, const char*>, 4> kTexts{{
     {"lblFName", "File &Name"},
     {"lblFPath", "File P&ath"},

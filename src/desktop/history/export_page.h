@@ -17,7 +17,7 @@
 
 namespace vrx {
 
-// What the Export tab asks of the main window; as in ExportHost.
+// The main window, as the Export tab uses it; see ExportHost.
 class ExportWindow {
  public:
   virtual ~ExportWindow() = default;
@@ -26,13 +26,13 @@ class ExportWindow {
   virtual void ConfigureImportColumns() = 0;
 };
 
-// The Export tab. A click on its button returns when the file is written, with events handled at
-// the start and at the end; the page must outlive it.
+// The Export tab. A click on its button returns when the file is written, and runs events at the
+// start and at the end; the page must outlive it.
 class ExportPage final : public MainTabPage, private ExportHost {
   Q_OBJECT
 
  public:
-  // Everything outlives it, but the window may go first.
+  // Everything except the window outlives the page.
   struct Ports {
     Operator& op;
     FileChooser& files;

@@ -59,7 +59,7 @@ int HistoryTableModel::columnCount(const QModelIndex& parent) const {
   return parent.isValid() ? 0 : kHistoryColumnCount;
 }
 
-// Ctrl+C asks for the current cell also where there is none.
+// Ctrl+C asks for the current cell even if there is none.
 QVariant HistoryTableModel::data(const QModelIndex& index, int role) const {
   if (!index.isValid()) {
     return {};

@@ -8,25 +8,24 @@
 
 namespace vrx {
 
-// The rows of a history grid as a table of the toolkit asks for them: the 112 columns by their
-// index less 1, whatever their positions, and only the rows that can be seen, from 0. Reads a row
-// when it is asked for and keeps only that one.
+// Adapts a history grid to Qt's table model: the 112 columns by their index minus 1, whatever their
+// positions, and only the visible rows, from 0. Reads a row on demand and keeps only that one.
 class HistoryTableModel : public QAbstractTableModel {
   Q_OBJECT
 
  public:
-  // More rows than this are not shown: a table of the toolkit counts pixels in 32 bits.
+  // Further rows are not shown, because a Qt table counts pixels in 32 bits.
   static constexpr int kMostRows = 40'000'000;
 
   using QAbstractTableModel::QAbstractTableModel;
 
-  // nullptr: none, and no rows. The grid outlives the model, or the next one that is set.
+  // nullptr: no rows. The grid must exist until the next one is set or the model ends.
   void SetGrid(HistoryGrid* grid);
 
-  // The grid's rows, or what they say, are no longer the same. Rows come and go at the end.
+  // The rows of the grid have changed. Adds or removes rows at the end.
   void Refresh();
 
-  // An empty record where it cannot be read, which Failed tells once before the next Refresh.
+  // An empty record if it cannot be read; Failed reports that once until the next Refresh.
   const ShownRow& RowAt(int row) const;
 
   // The grid's columns.
@@ -34,12 +33,12 @@ class HistoryTableModel : public QAbstractTableModel {
 
   int rowCount(const QModelIndex& parent = {}) const override;
   int columnCount(const QModelIndex& parent = {}) const override;
-  // A group row says its caption in every column.
+  // A group row returns its caption for every column.
   QVariant data(const QModelIndex& index, int role) const override;
   QVariant headerData(int section, Qt::Orientation orientation, int role) const override;
 
  Q_SIGNALS:
-  // A row could not be read, perhaps in the middle of a drawing: not the time to ask anything.
+  // A row could not be read, possibly during painting, so the receiver must not open a message box.
   void Failed(std::exception_ptr failure) const;
 
  private:

@@ -22,7 +22,7 @@ namespace vrx {
 
 namespace {
 
-// The grid's design: what stands ahead of the number and behind it.
+// From the grid's design: the texts before and after the number.
 const QString kNavigatorString = QStringLiteral("Transaction:|of");
 constexpr int kDigits = 8;
 
@@ -65,7 +65,7 @@ bool Holds(const QComboBox& list, const std::vector<std::string>& items) {
   return true;
 }
 
-// The hourglass while it lives.
+// Shows the busy cursor during its lifetime.
 class Busy {
  public:
   explicit Busy(Operator& op) : op_(op) { op_.SetBusy(true); }
@@ -147,7 +147,7 @@ void HistoryNavigator::Move(int button) {
   }
 }
 
-// What is out of range goes to the nearest row.
+// A number out of range selects the nearest row.
 void HistoryNavigator::GoToTyped() {
   bool is_number = false;
   const int number = number_->text().toInt(&is_number);
@@ -343,7 +343,7 @@ void HistoryPage::ReleaseViews() {
   recipes_ = nullptr;
 }
 
-// What is on show.
+// The shown data.
 
 void HistoryPage::HistoryChanged(HistoryPart part) {
   switch (part) {

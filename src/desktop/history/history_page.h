@@ -18,8 +18,8 @@
 
 namespace vrx {
 
-// The record navigator of the history grid: "Transaction:", the number of the row that the grid
-// stands on, which can be typed over, "of" the number of rows.
+// The record navigator of the history grid: "Transaction:", the editable number of the current row,
+// "of" the number of rows.
 class HistoryNavigator : public QWidget {
   Q_OBJECT
 
@@ -31,7 +31,7 @@ class HistoryNavigator : public QWidget {
   void ShowCount(int rows);
 
  Q_SIGNALS:
-  // The operator asks for that row, from 0, which is there.
+  // The operator selects an existing row, from 0.
   void RowChosen(int row);
 
  private:
@@ -48,13 +48,13 @@ class HistoryNavigator : public QWidget {
 };
 
 // The `Batched/Fed` tab. Shows one of the data groups of the open transaction database, with the
-// names of the open recipe database over its ingredient columns. What is stored while it is on show
-// is seen once the databases are bound anew, as every store does.
+// names of the open recipe database over its ingredient columns. Rows stored in the meantime appear
+// when the databases are rebound, which every store does.
 class HistoryPage final : public MainTabPage, private HistoryView {
   Q_OBJECT
 
  public:
-  // Everything outlives it, but the window may go first.
+  // Everything except the window outlives the page.
   struct Ports {
     Operator& op;
     EventPump& pump;
@@ -64,8 +64,8 @@ class HistoryPage final : public MainTabPage, private HistoryView {
 
   explicit HistoryPage(Ports ports);
 
-  // What is on show, for the export and the printed page; nullptr before the first database is
-  // bound and after the last one was let go.
+  // The shown data, for the export and the printed page; nullptr before the first database is bound
+  // and after the last one is released.
   HistoryPresenter* View() { return view_ ? &*view_ : nullptr; }
   // `chkBatFitPage`
   bool FitAllColumns() const { return chk_bat_fit_page_->isChecked(); }

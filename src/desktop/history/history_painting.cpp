@@ -39,7 +39,7 @@ bool IsDark(const QColor& back) {
   return ContrastRatio(Qt::white, back) > ContrastRatio(Qt::black, back);
 }
 
-// A told colour stays on a light background, however faint it is there.
+// A specified color does not change on a light background, however faint it is.
 QColor SpecifiedOn(const QColor& told, const QColor& back) {
   return IsDark(back) ? Readable(told, back, kTextContrast) : told;
 }
@@ -71,8 +71,8 @@ QColor Between(const QColor& one, const QColor& other) {
                           (one.blueF() + 3 * other.blueF()) / 4);
 }
 
-// A number that is a little wider than its column is drawn narrower: a total loses no digit. A
-// number in a column that the operator made much narrower is cut, with a mark.
+// Draws a number that is slightly wider than its column narrower, so that a total loses no digit.
+// In a column that the operator made much narrower, a number is elided.
 bool DrawNarrower(QPainter& painter, const QRect& room, int width, int baseline,
                   const QString& text) {
   constexpr double kLeastScale = 0.65;
@@ -88,7 +88,7 @@ bool DrawNarrower(QPainter& painter, const QRect& room, int width, int baseline,
   return true;
 }
 
-// In the middle of the height of its room. Laying out in a rectangle would take twice the time.
+// Centers the text vertically. Layout within a rectangle would take twice the time.
 void DrawText(QPainter& painter, const QRect& room, bool right, QString text,
               const HistoryLook& look) {
   painter.setFont(look.font);

@@ -23,22 +23,22 @@ struct HistoryLook {
   QFont font;
 };
 
-// The format styles of the history grid in the colours of a palette. Told colours stay as they are;
-// a text that could not be read on what lies behind it gives way, but for a told colour on a light
-// background and for the palette's own selection.
+// The format styles of the history grid in the colors of a palette. Specified colors do not change.
+// The color of an unreadable text changes, except a specified color on a light background and the
+// palette's own selection.
 class HistoryStyles {
  public:
   explicit HistoryStyles(const QPalette& palette);
 
-  // Of rows and header; the other looks build on them.
+  // The font of rows and header, on which the other styles are based.
   static QFont CellFont();
   static QFont HeaderFont();
   static QColor HeaderColor(const QPalette& palette);
 
-  // By its number from 1; `selected` for the row that the operator is on.
+  // `row` counts from 1; `selected` for the current row.
   const HistoryLook& Row(HistoryRowKind kind, std::int64_t row, bool selected) const;
 
-  // Of a cell of that column, on such a row.
+  // The style of a cell of that column in such a row.
   const HistoryLook& Cell(HistoryRowKind kind, int column, std::int64_t row, bool selected) const;
 
  private:
@@ -57,17 +57,17 @@ struct ColumnSpan {
   int width;
 };
 
-// Draws the rows of the history grid, each over the whole width of the view.
+// Draws the rows of the history grid over the whole width of the view.
 class HistoryRowPainter {
  public:
-  // The view gives style and palette and outlives the object.
+  // The view provides style and palette and outlives the object.
   explicit HistoryRowPainter(const QWidget& view);
 
   // `number` counts from 1, `row` is its text, `area` the view's whole line.
   void Paint(QPainter& painter, const ShownRow& row, std::int64_t number, const QRect& area,
              const std::vector<ColumnSpan>& columns, bool selected) const;
 
-  // The mark that opens and closes a group, in a line that begins at `line`.
+  // The mark that opens and closes a group, within the rectangle of its line.
   static QRect MarkOf(int depth, const QRect& line);
 
  private:

@@ -23,7 +23,7 @@ namespace {
 
 constexpr int kLeastHeight = 19;  // 285 twips
 
-// As wide as the values of a column come.
+// A text as wide as the widest values of a column.
 QString WidestValue(ColumnContent content) {
   switch (content) {
     case ColumnContent::kNumber:
@@ -40,7 +40,7 @@ QString WidestValue(ColumnContent content) {
   return QStringLiteral("MMMMMMMM");
 }
 
-// Captions stand above the texts of their cells.
+// Aligns captions with the texts of their cells.
 class CaptionMargins : public QProxyStyle {
  public:
   explicit CaptionMargins(QObject* parent) { setParent(parent); }
@@ -143,7 +143,7 @@ int HistoryHeader::SortMarkWidth() const {
   return CaptionRoom(kAnyWidth, false) - CaptionRoom(kAnyWidth, true);
 }
 
-// A caption ends before the sort mark: the base class leaves it to be cut off.
+// Elides a caption before the sort mark, which the base class does not do.
 void HistoryHeader::initStyleOptionForIndex(QStyleOptionHeader* option, int section) const {
   QHeaderView::initStyleOptionForIndex(option, section);
   const bool marked = isSortIndicatorShown() && sortIndicatorSection() == section;
@@ -273,7 +273,7 @@ QRect HistoryTableView::LineOf(int row) const {
   return {0, rowViewportPosition(row), viewport()->width(), rowHeight(row)};
 }
 
-// Group rows do not move sideways.
+// Group rows do not scroll horizontally.
 void HistoryTableView::scrollContentsBy(int dx, int dy) {
   QTableView::scrollContentsBy(dx, dy);
   if (dx != 0) {
@@ -293,7 +293,7 @@ void HistoryTableView::changeEvent(QEvent* event) {
   }
 }
 
-// A column fits what of it is on the screen.
+// A column fits its rows on the screen.
 int HistoryTableView::sizeHintForColumn(int column) const {
   int width = 0;
   const QFontMetrics metrics{HistoryStyles::CellFont()};

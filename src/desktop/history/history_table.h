@@ -11,22 +11,22 @@
 
 namespace vrx {
 
-// A column that shows, by its index, and its width in logical pixels.
+// A visible column: its index and its width in logical pixels.
 struct ShownColumn {
   int column;
   int width;
 };
 
-// The strip of column headers of the history grid; a section is a column's index less 1. A click
-// sorts, a drag moves a column. A column keeps the width that the operator gave it, whatever group
-// shows it; the others are as wide as their caption and their values need.
+// The column headers of the history grid; a section is a column's index minus 1. A click sorts, a
+// drag moves a column. A column sized by the operator keeps its width in every group; other columns
+// fit their captions and values.
 class HistoryHeader : public QHeaderView {
   Q_OBJECT
 
  public:
   explicit HistoryHeader(QWidget* parent);
 
-  // Captions, order and visibility as the grid has them, and whether there is a strip at all.
+  // Sets captions, order and visibility as in the grid, and whether the headers are shown.
   void ShowColumns(const HistoryGrid& grid);
 
   // The visible columns in their order.
@@ -44,8 +44,7 @@ class HistoryHeader : public QHeaderView {
   void ShowOrder(const HistoryColumns& columns);
   void ShowSort(const HistoryGrid& grid);
   int WidthFor(int column, const std::string& caption) const;
-  // What a style leaves of a section of that width for its caption, beside the sort mark or
-  // without.
+  // The width for the caption within a section of that width, with or without the sort mark.
   int CaptionRoom(int width, bool marked) const;
   int SortMarkWidth() const;
   void ApplyColors();
@@ -54,9 +53,8 @@ class HistoryHeader : public QHeaderView {
   bool by_program_ = false;
 };
 
-// `grdTRANS` on the screen. Reads and draws the rows that can be seen, whatever there are. A group
-// opens and closes by a click on its mark, a double click, and the keys Right or +, Left or -, and
-// Space.
+// The view of `grdTRANS`. Reads and draws only the visible rows. A group opens and closes with a
+// click on its mark, a double click, and the keys Right or +, Left or -, and Space.
 class HistoryTableView : public QTableView {
   Q_OBJECT
 
@@ -66,18 +64,18 @@ class HistoryTableView : public QTableView {
   HistoryTableModel& Model() const { return *model_; }
   HistoryHeader& Header() const { return *header_; }
 
-  // Shows what the grid holds by now.
+  // Shows the current contents of the grid.
   void ShowGrid();
 
-  // What a table without rows says.
+  // The text of a table without rows.
   void SetEmptyText(const QString& text);
 
-  // Goes to a row, from 0; none that is not there.
+  // Selects a row, from 0; ignores a row that does not exist.
   void GoToRow(int row);
-  // Stands at the first row with none of them selected.
+  // Scrolls to the first row and selects none.
   void GoToTop();
 
-  // A key that types searches nothing: that would walk the table.
+  // Disabled, because a search would read the whole table.
   void keyboardSearch(const QString& /*search*/) override {}
 
  Q_SIGNALS:
@@ -99,7 +97,7 @@ class HistoryTableView : public QTableView {
 
  private:
   std::vector<ColumnSpan> SpansIn(const QRect& area) const;
-  // The row under a point if it is one of a group, else -1.
+  // The group row at a point, or -1.
   int GroupAt(const QPoint& point) const;
   bool OnMark(const QPoint& point, int row) const;
   QRect LineOf(int row) const;

@@ -22,7 +22,7 @@ namespace {
 constexpr int kMainTitleCaption = 1063;
 constexpr QSize kOpeningSize{1024, 720};
 constexpr QSize kSmallestSize{800, 600};
-// For the frame, whose size the window manager tells only once the window is shown.
+// An estimate of the frame, whose real size is known only after the window is shown.
 constexpr QSize kFrameSize{16, 48};
 
 constexpr const char* UnitLabelOf(DatabaseKind kind) {
@@ -112,7 +112,7 @@ bool MainWindow::LeaveEdits() {
   return tab_folder_->Page(tab_folder_->currentIndex()).LeaveEdits(MayStay::kYes);
 }
 
-// A window behind others gives no focus away: its field is told that it lost it.
+// A window in the background cannot move the focus, so send its field a focus-out event.
 void MainWindow::CommitFocus() {
   const QPointer<QWidget> focus = focusWidget();
   if (!focus || !tab_folder_->currentWidget()->isAncestorOf(focus)) {

@@ -17,9 +17,9 @@
 
 namespace vrx {
 
-// The window `VRXMAIN`: menus, toolbar, tabs, panels and status bars, and what they show. It opens
-// and decides nothing by itself: commands go to the handlers set for them, states come from
-// Commands(), the rest goes out as signals.
+// The window `VRXMAIN`: menus, toolbar, tabs, panels and status bars. It contains no logic:
+// commands call the handlers set for them, enabled states come from Commands(), everything else is
+// emitted as signals.
 class MainWindow : public QMainWindow,
                    public DatabaseWindow,
                    public TabFolderWindow,
@@ -34,41 +34,42 @@ class MainWindow : public QMainWindow,
   TabFolder& Tabs() { return tabs_; }
   PanelRow& Panels() { return *panels_; }
 
-  // Stores what is entered in the field or cell with the focus, as leaving it does; the focus then
-  // comes back to it. False: it was not stored and the operator stays with it, so nothing else may
-  // happen. Menus and the toolbar take no focus away, so every command begins with this, and so
-  // does the close box.
+  // Commits the focused field or cell, as leaving it does, and then returns the focus to it.
+  // Returns false if it was not stored and the operator stays in it; the caller must then do
+  // nothing else. Menus and the toolbar do not take the focus, so every command, and the close box,
+  // starts with this.
   bool LeaveEdits();
 
-  // The program ends and waits for no answer: stores what it can, and returns the rest.
+  // The program ends without questions: stores the pending edits and returns those that are lost.
   std::vector<LostEdit> EndEdits();
 
-  // The operator chooses a tab by a command.
+  // The operator selects a tab with a command.
   void ChooseTab(int tab);
 
-  // A command without a handler is off.
+  // A command without a handler is disabled.
   void SetHandler(MainCommand command, CommandActions::Handler handler);
   void Turn(MainCommand command, bool on) { actions_.Turn(command, on); }
 
-  // Tells what there is to print; nothing until it is set.
+  // `sources` returns the data that can be printed; none until it is set.
   void SetPrintSources(std::function<PrintSources()> sources) { sources_ = std::move(sources); }
 
-  // The page takes the place of the one that it gives; the window owns it. Ahead of ApplyCaptions.
+  // Replaces the page of a tab and returns the previous one. The window owns the page. Call it
+  // before
+  // ApplyCaptions.
   std::unique_ptr<MainTabPage> SetPage(int tab, MainTabPage* page) {
     return tab_folder_->SetPage(tab, page);
   }
 
-  // Makes the window smaller where it would be larger than the screen without the screen's bars.
-  // Before it is shown.
+  // Shrinks the window to the available area of the screen. Call it before showing the window.
   void FitIntoScreen();
 
-  // Tells the page on show that the window came to the front.
+  // Notifies the current page that the window was activated.
   void PageActivated();
 
-  // The caption pass, with the texts that are not in the caption table.
+  // The caption pass, including texts that the caption table lacks.
   void ApplyCaptions();
 
-  // The tick of `mnuEditAutoAbbrev` and of the toolbar's "Abbreviate".
+  // The check marks of `mnuEditAutoAbbrev` and of the toolbar's "Abbreviate".
   void UpdateAutoAbbrevUI(bool on);
 
   void ShowSystemUnits();  // `lblSystemUoM`
@@ -92,7 +93,7 @@ class MainWindow : public QMainWindow,
   void HidePenCapacityWarning() override;
   void SelectPenItem(int list_index) override;
 
-  // What the operator's signals lead to.
+  // The handlers of the operator's signals.
   void SetStatusLine(const QString& text) { panels_->PicTransferStatus().SetStatusLine(text); }
   void SetStatusColor(vrx::StatusColor color) {
     panels_->PicTransferStatus().SetStatusColor(color);

@@ -147,7 +147,7 @@ constexpr std::array kToolButtons = std::to_array<ToolButton>({
 constexpr int kTransferCaption = 1118;
 constexpr int kIconSize = 24;  // logical pixels
 
-// A button whose list is open does not see the pointer leave, and would stay raised.
+// A button with an open list does not notice that the pointer leaves, and would stay raised.
 void CatchUpWithPointer(QWidget& button) {
   if (!button.rect().contains(button.mapFromGlobal(QCursor::pos()))) {
     QEvent leave(QEvent::Leave);

@@ -13,8 +13,7 @@
 
 namespace vrx {
 
-// What menus and toolbar of the main window call. A menu item and a button that do the same share
-// one.
+// The commands of menus and toolbar. A menu item and a button that do the same share a command.
 enum class MainCommand {
   kNone,  // a menu with items of its own, or a button that is only its list
   kNewRecipeDatabase,
@@ -45,8 +44,8 @@ enum class MainCommand {
   kCalendar,
 };
 
-// What stands in menus and toolbar for the commands of the main window, each under its name there.
-// A command that nothing was set for yet cannot be chosen, whatever its state.
+// The actions of menus and toolbar, each with its name there. A command without a handler is
+// disabled, whatever its state is.
 class CommandActions {
  public:
   using Handler = std::function<void()>;
@@ -56,12 +55,12 @@ class CommandActions {
 
   void SetHandler(MainCommand command, Handler handler);
 
-  // On to begin with. A name that was not added is of no consequence.
+  // Enabled at first. A name that was not added has no effect.
   void Turn(std::string_view name, bool on);
-  // The same for all of a command, wherever it stands.
+  // The same for all actions of a command.
   void Turn(MainCommand command, bool on);
 
-  // Shows a command that is a setting as set or not, wherever it stands.
+  // Checks or unchecks all actions of a command that is a setting.
   void Tick(MainCommand command, bool on) const;
 
  private:
@@ -88,11 +87,11 @@ struct MenuRow {
   std::string_view shortcut = {};
 };
 
-// In the order in which they stand; a menu ahead of its items.
+// In their order on the screen; a menu comes before its items.
 std::span<const MenuRow> MenuRows();
 
-// Fills the menu bar and adds every item, and every menu that stands in another, to the actions.
-// The texts are the ids until the caption pass of the form.
+// Fills the menu bar and adds every item and submenu to the actions. The texts are the ids until
+// the caption pass of the form.
 void BuildMenus(QMenuBar& menu_bar, CommandActions& actions);
 
 // An item of a button's list.
@@ -113,8 +112,8 @@ struct ToolButton {
 
 std::span<const ToolButton> ToolButtons();
 
-// The toolbar `tbToolBar`, with what it tells of the transfer at its right end: `lblXfr`,
-// `lblTransfer` and `lblSystemUoM`. None of its buttons takes the focus.
+// The toolbar `tbToolBar`, with the state of the transfer at its right end: `lblXfr`, `lblTransfer`
+// and `lblSystemUoM`. None of its buttons takes the focus.
 class MainToolBar : public QToolBar {
   Q_OBJECT
 
@@ -122,8 +121,7 @@ class MainToolBar : public QToolBar {
   // Adds its buttons and their items to the actions.
   explicit MainToolBar(CommandActions& actions);
 
-  // Gives the buttons the names that a screen reader tells; their tooltips, once the caption pass
-  // has set them.
+  // Sets the buttons' names for screen readers from their tooltips. Call it after the caption pass.
   void NameButtons();
 
   QWidget& Button(std::string_view key) const;

@@ -133,8 +133,8 @@ void TransferStatusPanel::SetMemorySize(int bytes) {
   memory_bar_->setValue(bytes);
 }
 
-// The second click of a double click meets what the first one has shown in the same place: both
-// count as one click.
+// The second click of a double click hits the control that the first one has shown there, so both
+// are treated as one click.
 bool TransferStatusPanel::eventFilter(QObject* watched, QEvent* event) {
   if (event->type() == QEvent::MouseButtonDblClick) {
     second_click_ = true;

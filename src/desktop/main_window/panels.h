@@ -23,8 +23,8 @@ struct PanelButton {
   std::string_view meaning = {};  // in its tooltip and for a screen reader, where it has to be told
 };
 
-// A panel with the buttons of a control array, which bear its name and their index. They are off
-// until a handler is set.
+// A panel with the buttons of a control array, named by the array and their index. They are
+// disabled until a handler is set.
 class ButtonPanel : public QFrame {
   Q_OBJECT
 
@@ -42,8 +42,8 @@ class ButtonPanel : public QFrame {
   Handler handler_;
 };
 
-// `picTransferStatus`: the status line of transfers, and how full the memory is. A click on the
-// count of bytes shows the bar in its place, and a click on the bar the count.
+// `picTransferStatus`: the status line of transfers, and the fill level of the memory. A click
+// switches between the count of bytes and the bar.
 class TransferStatusPanel : public QFrame {
   Q_OBJECT
 
@@ -53,11 +53,11 @@ class TransferStatusPanel : public QFrame {
   explicit TransferStatusPanel(QWidget* parent = nullptr);
 
   void SetStatusLine(const QString& text);
-  // What lies behind the words of the line, in its tooltip until they change.
+  // Sets the cause of the status text as its tooltip, until the text changes.
   void SetStatusCause(const QString& cause);
   void SetStatusColor(StatusColor color);
 
-  // The memory shows in the direct connection only, as its count to begin with.
+  // The memory is shown only in the direct connection, at first as the count.
   void ShowMemory(bool shown);
   void SetMemorySize(int bytes);
 
@@ -77,7 +77,7 @@ class TransferStatusPanel : public QFrame {
   StatusColor color_ = StatusColor::kBlue;
 };
 
-// The row below the tabs: those panels and `picImport`, as high with any of them as with none.
+// The row below the tabs: those panels and `picImport`. Its height does not depend on them.
 class PanelRow : public QWidget {
   Q_OBJECT
 

@@ -97,7 +97,7 @@ void DatabaseStatusBar::ShowCaptions() {
   }
 }
 
-// The panels of both bars stand under each other.
+// Aligns the panels of both bars.
 void DatabaseStatusBar::AlignPanels() {
   const auto width = [](const QLabel& panel, std::string_view text) {
     return panel.fontMetrics().size(Qt::TextSingleLine, ToQString(text)).width();

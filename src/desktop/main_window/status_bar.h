@@ -13,7 +13,7 @@ class QLabel;
 namespace vrx {
 
 // A status bar of eight panels: `sbRecipe` or `sbTrans`. The odd ones are captions, the even ones
-// tell of the database.
+// describe the database.
 class DatabaseStatusBar : public QFrame {
   Q_OBJECT
 
@@ -26,7 +26,7 @@ class DatabaseStatusBar : public QFrame {
   QString Panel(int panel) const;
   void SetPanel(StatusPanel panel, const QString& text);
 
-  // Gives the fixed panels their captions, which the caption pass takes for labels of its own.
+  // Sets the captions of the fixed panels, which the caption pass would treat as its own labels.
   void ShowCaptions();
 
  protected:

@@ -27,9 +27,8 @@ constexpr std::array<TabRow, kTabCount> kTabRows{{
     {"Export", "pageExport"},
 }};
 
-// A strip that reports the focus, and every click on a tab, once the click has changed the tab. The
-// strip has the focus from the start, so that the first click need not bring it. The tab changes
-// only when `leave` allows it.
+// Reports the focus, and every click on a tab after the tab has changed. The strip has the focus
+// from the start, so the first click need not move it. The tab changes only if `leave` allows it.
 class TabStrip : public QTabBar {
  public:
   TabStrip(QWidget* parent, std::function<bool()> leave, std::function<void()> focused)
@@ -66,7 +65,7 @@ class TabStrip : public QTabBar {
     }
     pressed_ = true;
     if (turns) {
-      // Not by the click itself: a box may have taken its release.
+      // Select it here, because a message box may have taken the release of the click.
       setCurrentIndex(tab);
     } else {
       QTabBar::mousePressEvent(event);
@@ -87,7 +86,7 @@ class TabStrip : public QTabBar {
     QTabBar::keyPressEvent(event);
   }
 
-  // A turn of the wheel in passing must not leave the tab.
+  // An accidental turn of the wheel must not change the tab.
   void wheelEvent(QWheelEvent* event) override { event->ignore(); }
 
  private:
@@ -140,7 +139,7 @@ std::unique_ptr<MainTabPage> MainTabFolder::SetPage(int tab, MainTabPage* page) 
   return old;
 }
 
-// Ctrl+Tab turns to another tab from within a field.
+// Ctrl+Tab switches to another tab even from a field.
 void MainTabFolder::keyPressEvent(QKeyEvent* event) {
   if (TurnsTabs(*event) && !MayLeave()) {
     event->accept();
@@ -155,7 +154,7 @@ void MainTabFolder::ShowTab(int tab) {
   by_program_ = was_by_program;
 }
 
-// The strip of the toolkit leaves a tab that goes off for the next one that is on.
+// QTabBar would leave a tab that is disabled for the next enabled one.
 void MainTabFolder::TurnTab(int tab, bool on) {
   const QSignalBlocker silent(tabBar());
   const int on_show = currentIndex();

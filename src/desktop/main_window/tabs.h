@@ -16,45 +16,44 @@
 
 namespace vrx {
 
-// A page of `tabMainFolder`: its part in what the main window does. What a page has no part in
-// stays as it is here, nothing.
+// A page of `tabMainFolder`: its reactions to events of the main window. By default they do
+// nothing.
 class MainTabPage : public QWidget {
   Q_OBJECT
 
  public:
   using QWidget::QWidget;
 
-  // The operator is about to leave what is being edited on the page, for another record, another
-  // tab, another database or the end of the program. Stores it, or asks what becomes of it. False:
-  // the operator stays, and nothing else may happen. May run events.
+  // Called before another record, tab or database is shown and before the program ends. Stores the
+  // page's pending edits, or asks what to do with them. Returns false if the operator stays; the
+  // caller must then do nothing else. May run events.
   virtual bool LeaveEdits(MayStay /*may_stay*/) { return true; }
 
-  // The program ends without waiting for an answer: stores what is being edited, and returns what
-  // could not be stored. Runs no events.
+  // The program ends without questions: stores the pending edits and returns those that could not
+  // be stored. Runs no events.
   virtual std::vector<LostEdit> EndEdits() { return {}; }
 
-  // Any tab was chosen, this page's or not; called ahead of Prepare.
+  // Any tab was selected, not only this page's; called before Prepare.
   virtual void TabChanged(int /*tab*/, int /*previous*/) {}
 
-  // The page's part of its tab's Click routine, once the panels are as the tab has them. May run
-  // events.
+  // The page's part of its tab's Click routine, after the tab's panels are shown. May run events.
   virtual void Prepare() {}
 
-  // The tab strip took the focus with this page on show, or the operator clicked its tab.
+  // The tab strip got the focus while this page is shown, or the operator clicked its tab.
   virtual void StripFocused() {}
 
-  // The operator chose this page's tab by a key or a menu. The same is due as when the strip takes
-  // the focus, but the focus stays where it is.
+  // The operator selected this page's tab with a key or a menu. Like StripFocused, but the focus
+  // does not move.
   virtual void TabChosen() { StripFocused(); }
 
-  // The window came to the front with this page on show. May run events.
+  // The window was activated while this page is shown. May run events.
   virtual void Activated() {}
 
-  // The page's views of that kind move to this database, with no statement left open. Runs no
-  // events. Throws DatabaseError; the page is then given the old one again.
+  // Binds the page's views of that kind to this database, leaving no statement open. Runs no
+  // events. Throws DatabaseError; then the page is bound to the previous one again.
   virtual void Rebind(DatabaseKind /*kind*/, const BoundDatabase& /*database*/) {}
 
-  // The program ends: the views let go of both databases.
+  // The program ends: the views release both databases.
   virtual void ReleaseViews() {}
 
   // The other events of the databases, on the record pages. LoadIdLists may run events.
@@ -64,7 +63,7 @@ class MainTabPage : public QWidget {
   virtual void SelectPenItem(int /*list_index*/) {}
 };
 
-// What stands in the row below the tabs, to be combined.
+// Panels below the tabs (bit flags).
 enum BottomPanels : unsigned {
   kNoPanel = 0,
   kPicAction = 1,
@@ -90,28 +89,28 @@ class MainTabFolder : public QTabWidget {
  public:
   explicit MainTabFolder(QWidget* parent = nullptr);
 
-  // Asked before the operator turns to another tab; false holds the tab.
+  // Called before the operator switches to another tab; false keeps the tab.
   void SetLeaving(std::function<bool()> leave) { leave_ = std::move(leave); }
 
-  // Puts a page in the place of the one that the tab has had, and gives that one.
+  // Replaces the page of a tab and returns the previous one.
   std::unique_ptr<MainTabPage> SetPage(int tab, MainTabPage* page);
   MainTabPage& Page(int tab) const;
 
-  // Brings a tab on show, as the program does; TabClicked is not sent.
+  // Shows a tab for the program; does not emit TabClicked.
   void ShowTab(int tab);
 
-  // The tab on show stays on show when it is turned off.
+  // The current tab stays shown when it is disabled.
   void TurnTab(int tab, bool on);
 
  Q_SIGNALS:
-  // The operator has brought the tab on show.
+  // The operator has selected the tab.
   void TabClicked(int tab);
 
-  // After TabClicked, where a key did it.
+  // Emitted after TabClicked if a key selected the tab.
   void TabChosenByKey();
 
-  // The strip took the focus, or a tab was clicked; that tab is on show then. A window that comes
-  // to the front or a menu that closes gives no focus.
+  // The strip got the focus, or a tab was clicked and is now shown. Not emitted when the window is
+  // activated or a menu closes.
   void StripFocused();
 
  protected:

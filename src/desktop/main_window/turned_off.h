@@ -6,11 +6,11 @@
 
 namespace vrx {
 
-// Turns controls of a form off for a while. One that has the focus then gets it back when it is on
-// again, unless the focus has gone elsewhere by then.
+// Disables controls of a form during its lifetime. Afterwards the control that had the focus gets
+// it back, unless the focus has moved elsewhere.
 class TurnedOff {
  public:
-  // `resting` has the focus meanwhile; it outlives this.
+  // `resting` has the focus in the meantime; it outlives the object.
   explicit TurnedOff(QWidget& resting) : resting_(resting) {}
 
   void Turn(std::initializer_list<QWidget*> controls, bool on);

@@ -19,7 +19,7 @@ namespace {
 constexpr std::string_view kPrintError = "Print Error";
 constexpr const char* kDocument = "VRX-2260 report";
 
-// Beyond so many pages the operator sees how far it has come, and may end it.
+// Longer reports show their progress and can be ended by the operator.
 constexpr std::int64_t kPagesAtOnce = 20;
 
 template <typename Record>
@@ -29,7 +29,7 @@ void KeepActive(std::vector<Record>& records, bool active_only) {
   }
 }
 
-// The grid comes back whatever the walk comes to.
+// Shows the grid again however the walk ends.
 class ScanShown {
  public:
   explicit ScanShown(RecipeLines& lines) : lines_(lines), panel_(lines.BeginScan()) {}
@@ -51,7 +51,7 @@ PrintCommands::PrintCommands(const Ports& ports) : ports_(ports), setup_(ports.f
   ports_.window.SetHandler(MainCommand::kPrintSetup, [this] { setup_.Ask(&ports_.window); });
 }
 
-// Pages let events run: a second command has to wait for the first.
+// Events run between pages, so a second print command must be refused.
 void PrintCommands::PrintCurrentTab() {
   using Routine = void (PrintCommands::*)();
   static constexpr std::array<std::pair<int, Routine>, 5> kRoutines{{
@@ -153,8 +153,8 @@ void PrintCommands::PrintAllRecipes(SQLite::Database& recipes) {
   }
   std::vector<IngredientRecord> ingredients = ReadIngredients(recipes);
   KeepActive(ingredients, true);
-  // The scan ends on the last recipe, and a single one is printed as the grid stands: that one,
-  // whichever was found.
+  // The scan ends on the last recipe. If only one was found, the grid is printed as it is: with
+  // that last recipe, whatever was found.
   if (count == 1) {
     PrintReport(ReportOf(ReadRecipeToPrint(recipes, kRecipeCount), ingredients));
     return;

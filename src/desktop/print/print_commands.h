@@ -18,8 +18,8 @@
 
 namespace vrx {
 
-// `mnuFilePrint` and `mnuFilePrintSetup`: what stands on the tab on show, printed without a dialog.
-// What fails is told.
+// `mnuFilePrint` and `mnuFilePrintSetup`: prints the current tab without a dialog. Reports
+// failures.
 class PrintCommands {
  public:
   // Everything outlives it.
@@ -55,11 +55,11 @@ class PrintCommands {
   Report ReportOf(const CurrentRecipe& recipe,
                   const std::vector<IngredientRecord>& ingredients) const;
 
-  // The common course: refuses an empty grid, else prints under the hourglass.
+  // Common to all grids: refuses an empty grid, otherwise prints with the busy cursor.
   void PrintGrid(std::string_view noun, Report report);
-  // Asks for the file where the paper is one, and what MayPrint has to ask.
+  // Asks for the PDF file if the target is one, and the questions of MayPrint.
   void PrintReport(Report report);
-  // False: the operator ended it.
+  // Returns false if the operator ended it.
   bool OnPaper(PrintTarget& paper, const Job& job);
   bool PrintPages(ReportJob& job, const Report& report);
   void Refuse(Icon icon, const std::string& text);

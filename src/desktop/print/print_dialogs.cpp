@@ -16,7 +16,7 @@ namespace vrx {
 
 namespace {
 
-// A document that is not finished is taken back from the printer.
+// Cancels a document that is not finished.
 class PrinterTarget : public PrintTarget {
  public:
   PrinterTarget(const QPrinterInfo& printer, const std::string& title)
@@ -138,7 +138,7 @@ void PrintProgress::ShowPage(std::int64_t page, std::int64_t pages) {
   bar_->setValue(static_cast<int>(page));
 }
 
-// It stays until the page at hand is done.
+// The dialog stays open until the current page is finished.
 void PrintProgress::reject() {
   cancelled_ = true;
   cancel_->setEnabled(false);

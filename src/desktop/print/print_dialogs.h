@@ -16,24 +16,24 @@
 
 namespace vrx {
 
-// There is no printer to print on; what() tells the operator what to do.
+// There is no printer; what() is a remedy for the operator.
 class NoPrinter : public Error {
  public:
   using Error::Error;
 };
 
-// Where the reports go until the program ends: the system's default printer, another one, or a PDF
-// file that is asked for with each report.
+// The target of the reports until the program ends: the system's default printer, another one, or a
+// PDF file chosen for each report.
 class PrintSetup {
  public:
-  // The chooser outlives it.
+  // The chooser outlives the object.
   explicit PrintSetup(FileChooser& files) : files_(files) {}
 
-  // The form of Print Setup; whether another choice was made.
+  // Shows the form Print Setup. Returns whether the choice changed.
   bool Ask(QWidget* owner);
 
-  // A fresh paper for a document of that title; nullptr after a cancel of the question for the
-  // file. Throws NoPrinter, and FileError.
+  // A new target for a document with that title; nullptr if the file dialog is canceled. Throws
+  // NoPrinter and FileError.
   std::unique_ptr<PrintTarget> Open(const std::string& title) const;
 
  private:
@@ -44,7 +44,7 @@ class PrintSetup {
   bool pdf_ = false;
 };
 
-// How far a long report has come, with a button that ends it. Nothing else can be done meanwhile.
+// The modal progress dialog of a long report, with a button that ends it.
 class PrintProgress : public QDialog {
   Q_OBJECT
 

@@ -20,7 +20,7 @@ constexpr double kPointSize = 10;
 constexpr double kMarginMillimetres = 15;
 constexpr QChar kFormFeed = u'\f';
 
-// Fills sheets from the top. A line that is too long goes on in the next one.
+// Fills sheets from the top. A line that is too long continues in the next one.
 class Sheets {
  public:
   Sheets(QPrinter& printer, QPainter& painter)

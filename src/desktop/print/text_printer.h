@@ -5,16 +5,16 @@
 
 namespace vrx {
 
-// Prints a text of bytes, Windows-1252, as it stands.
+// Prints a Windows-1252 text without changes.
 class TextPrinter {
  public:
   virtual ~TextPrinter() = default;
 
-  // A form feed begins a new sheet. Throws Error when there is no printer or it refuses.
+  // A form feed starts a new sheet. Throws Error if there is no printer or printing fails.
   virtual void Print(const std::string& text) = 0;
 };
 
-// Prints on that printer; a text of bytes as TextPrinter has it.
+// Prints a text as described for TextPrinter on that printer.
 void PrintText(QPrinter& printer, const std::string& text);
 
 // The system's default printer, without a dialog.

@@ -45,7 +45,7 @@ QString CellText(const IngredientRecord& ingredient, int column) {
   }
 }
 
-// A number that is aligned to the right keeps away from the name behind it.
+// Separates a right-aligned number from the name after it.
 QString Gap(int column) {
   constexpr QChar kEnSpace(0x2002);
   return column == kId ? QString(kEnSpace) : QString();
@@ -104,7 +104,7 @@ bool Begins(const QString& text, const QString& with) {
   return text.startsWith(with, Qt::CaseInsensitive);
 }
 
-// What a text may stand for, the best first.
+// The ways in which a text may match, best first.
 using Match = bool (*)(const IngredientRecord&, const QString&);
 constexpr std::array<Match, 5> kMatches = {
     [](const IngredientRecord& row, const QString& text) { return CellText(row, kId) == text; },
@@ -327,7 +327,7 @@ void IngredientDropDown::mousePressEvent(QMouseEvent* event) {
 
 void IngredientDropDown::wheelEvent(QWheelEvent* event) { event->accept(); }
 
-// The list drops down once the editor has its place, and does not stay behind when that moves.
+// Opens the list once the editor has its position, and moves the list with it.
 bool IngredientDropDown::event(QEvent* event) {
   const bool done = FilteredEdit::event(event);
   switch (event->type()) {

@@ -11,8 +11,8 @@
 
 namespace vrx {
 
-// The list that drops down from the ingredient of a line: the grid `grdINGSEL`, in a window of its
-// own that never takes the focus.
+// The drop-down list for the ingredient of a line: the grid `grdINGSEL`, in a separate window that
+// never takes the focus.
 class IngredientList : public QFrame {
   Q_OBJECT
 
@@ -23,7 +23,7 @@ class IngredientList : public QFrame {
   void SetIngredients(std::vector<IngredientRecord> ingredients);
   const std::vector<IngredientRecord>& Ingredients() const { return ingredients_; }
 
-  // The row of the first ingredient that the text stands for: its number, the beginning of number,
+  // The row of the first ingredient that the text matches: its number, the beginning of number,
   // name or description, or a part of the description, in this order and whatever the case. -1 for
   // none.
   int Find(const QString& text) const;

@@ -140,7 +140,7 @@ void RecipeGrid::MakeRoomForTotals(const RecipeColumnWidths& totals) {
   }
 }
 
-// Between its cells and its editors the grid keeps the focus; another window takes none away.
+// Moves between cells and editors keep the focus in the grid; another window does not take it.
 void RecipeGrid::FollowFocus(const QWidget* now) {
   if (now == nullptr || now->window() != window()) {
     return;
@@ -165,7 +165,7 @@ bool RecipeGrid::GoTo(int row, int column) {
   return true;
 }
 
-// False: there is no further cell, and the focus may leave the grid.
+// Returns false if there is no further cell and the focus may leave the grid.
 bool RecipeGrid::MoveOn() {
   const QModelIndex cell = currentIndex();
   if (!cell.isValid() || model_->IsIdle(cell.row())) {
@@ -189,7 +189,7 @@ bool RecipeGrid::MoveOn() {
   return true;
 }
 
-// An entry row that is held back keeps the focus.
+// A refused entry row keeps the focus.
 bool RecipeGrid::MoveFromEntryRow() {
   if (!events_.CommitRow()) {
     return true;
@@ -414,7 +414,7 @@ bool RecipeGrid::HoldsFocus() const {
   return focus != nullptr && (focus == this || isAncestorOf(focus));
 }
 
-// What the totals follow.
+// Layout changes that the totals follow.
 
 void RecipeGrid::resizeEvent(QResizeEvent* event) {
   QTableView::resizeEvent(event);

@@ -54,26 +54,27 @@ class RecipeGrid : public QTableView {
   // The figures alone, the current cell and its editor as they are.
   void ShowFigures(const CurrentRecipe& shown) { model_->Show(shown); }
 
-  // Widens the columns whose totals need more room, in logical pixels, than their captions do; the
-  // next smaller totals give it back. Columns that the operator sized stay.
+  // Widens columns whose totals, in logical pixels, are wider than their captions; smaller totals
+  // shrink them again. Columns sized by the operator do not change.
   void MakeRoomForTotals(const RecipeColumnWidths& totals);
 
-  // What drops down: `grdINGSEL`. To be followed by Show.
+  // The rows of the drop-down list `grdINGSEL`. Call Show afterwards.
   void SetIngredients(std::vector<IngredientRecord> ingredients);
   void SetUnit(std::string_view unit) { model_->SetUnit(unit); }
   void SetReadOnly(bool read_only) { model_->SetReadOnly(read_only); }
 
-  // The columns that a recipe entered that way shows, from left to right as they were moved.
+  // The columns for that way of entry, from left to right as the operator has moved them.
   std::vector<int> ColumnsInSight(LineEntry entry) const;
 
-  // To a row of the grid as a click does, from 0. False: it stays where it is.
+  // Goes to a row of the grid like a click, from 0. Returns false if the current cell does not
+  // change.
   bool GoTo(int row, int column);
 
   bool IsEditing() const { return state() == EditingState; }
-  // Of the cell that is edited. False: what was entered stays in its editor.
+  // Ends the edit of the current cell. Returns false if the text stays in the editor.
   bool FinishEdit();
   void GiveUpEdit();
-  // The editor takes the focus again, or the grid where no cell is edited.
+  // Returns the focus to the editor, or to the grid if no cell is edited.
   void ReturnToEdit();
   bool HoldsFocus() const;
 

@@ -49,7 +49,7 @@ constexpr int kFrameMargin = 1;
 constexpr int kPercentLimit = 12;  // the rule of the cell ends a percentage long before
 constexpr int kWeightLimit = 6;
 
-// Straight lines without the corners look round and cost a tenth of a rounded rectangle.
+// Lines that omit the corners look round and take a tenth of the time of a rounded rectangle.
 void PaintFrame(QPainter& painter, const QRect& cell, const QColor& color) {
   const QRect frame =
       cell.adjusted(kFrameMargin, kFrameMargin, -kFrameMargin - 1, -kFrameMargin - 1);
@@ -311,8 +311,8 @@ QWidget* RecipeGridDelegate::MakeNumberEditor(QWidget* parent, LineColumn column
   return editor;
 }
 
-// The cell is left when the focus goes to another field. Another window takes it only for a while,
-// and the grid itself ends the edit when the focus comes to it.
+// The cell is left when the focus moves to another field. Another window takes it only temporarily,
+// and the grid itself ends the edit when it gets the focus.
 bool RecipeGridDelegate::eventFilter(QObject* editor, QEvent* event) {
   if (event->type() == QEvent::KeyPress && TurnsTabs(*static_cast<QKeyEvent*>(event))) {
     return false;
@@ -327,7 +327,7 @@ bool RecipeGridDelegate::eventFilter(QObject* editor, QEvent* event) {
   return QStyledItemDelegate::eventFilter(editor, event);
 }
 
-// Runs as well whenever the cell changes beneath its editor: what has been typed stays.
+// Also runs whenever the cell changes during editing, so keeps the typed text.
 void RecipeGridDelegate::setEditorData(QWidget* editor, const QModelIndex& index) const {
   const QString text = index.data(Qt::EditRole).toString();
   if (auto* const list = qobject_cast<IngredientDropDown*>(editor)) {

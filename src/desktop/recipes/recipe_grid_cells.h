@@ -17,26 +17,26 @@
 
 namespace vrx {
 
-// What `grdREC` shows: the lines of a recipe and, while it is offered, the entry row behind them.
+// The model of `grdREC`: the lines of a recipe and, if offered, the entry row after them.
 class RecipeGridModel : public QAbstractTableModel {
   Q_OBJECT
 
  public:
   using QAbstractTableModel::QAbstractTableModel;
 
-  // Tells the views of nothing but the cells that have changed.
+  // Notifies the views only of changed cells.
   void Show(const CurrentRecipe& shown);
 
-  // Of the ingredients that can be chosen. A line with another one shows no name.
+  // The names of the ingredients that can be chosen. A line with another ingredient shows no name.
   void SetNames(const std::vector<IngredientRecord>& ingredients);
 
   void SetUnit(std::string_view unit);
 
-  // No cell can be entered, and nothing invites to it.
+  // Disables entry into the cells and hides the hints for it.
   void SetReadOnly(bool read_only);
 
   bool IsEntryRow(int row) const { return row == line_count_; }
-  // Nothing was entered into the entry row yet.
+  // Whether the row is the entry row and still empty.
   bool IsIdle(int row) const { return IsEntryRow(row) && !pending_; }
 
   int rowCount(const QModelIndex& parent = {}) const override;
@@ -60,7 +60,7 @@ class RecipeGridModel : public QAbstractTableModel {
   QString unit_;
 };
 
-// Within a cell and within a total below it, in logical pixels, between the edge and the text.
+// Between the edge and the text of a cell and of the total below it, in logical pixels.
 inline constexpr int kCellMargin = 6;
 
 struct RecipeCellLook {
@@ -69,26 +69,26 @@ struct RecipeCellLook {
   QColor frame = {};  // of what looks like a field; invalid for none
 };
 
-// By the palette alone, but for the blue of what is computed. The row that the grid stands on is
-// tinted by the colour of a selection.
+// Uses only colors of the palette, except the blue of computed values. The current row is tinted
+// with the color of a selection.
 RecipeCellLook LookOfCell(CellRole manner, bool current_row, const QPalette& palette);
 
-// How the cells of `grdREC` look, and what they are edited with.
+// Draws the cells of `grdREC` and makes their editors.
 class RecipeGridDelegate : public QStyledItemDelegate {
   Q_OBJECT
 
  public:
-  // An edit that ends: the editor holds what was entered into the cell.
+  // Ends an edit: the editor holds the entered text.
   using Commit = std::function<void(QWidget& editor, const QModelIndex& cell)>;
 
   // The list and the model outlive it.
   RecipeGridDelegate(IngredientList& list, const RecipeGridModel& model, Commit commit,
                      QObject* parent);
 
-  // The row that the grid stands on.
+  // The current row of the grid.
   void SetCurrentRow(int row) { current_row_ = row; }
 
-  // Where a click on an ingredient drops the list down at once.
+  // The area where a click on an ingredient opens the list immediately.
   static QRect ArrowOf(const QRect& cell);
 
   void paint(QPainter* painter, const QStyleOptionViewItem& option,
@@ -116,7 +116,7 @@ class RecipeGridDelegate : public QStyledItemDelegate {
   const RecipeGridModel& model_;
   Commit commit_;
   int current_row_ = -1;
-  // Worked out once for a palette.
+  // Computed once per palette.
   mutable std::array<std::array<RecipeCellLook, 2>, 3> looks_;
   mutable qint64 looks_of_ = 0;
 };

@@ -97,7 +97,7 @@ QLabel* RecipeHead::Caption(const char* name, int caption, QWidget* buddy) {
 }
 
 void RecipeHead::LayOut() {
-  // An empty column has its spacing on both sides, which makes the gap between groups.
+  // An empty column has spacing on both sides, which forms the gap between groups.
   enum GridColumn {
     kCaption1,
     kField1,

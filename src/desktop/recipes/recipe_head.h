@@ -15,8 +15,8 @@
 
 namespace vrx {
 
-// The head of the recipe on show: which one it is, its name and description, how its batch is made
-// up and what it is scaled to. It shows a recipe and tells what the operator does to it.
+// The head of the current recipe: its ID, name and description, the composition of its batch and
+// its scaling. Shows a recipe and emits the operator's edits.
 class RecipeHead : public QWidget {
   Q_OBJECT
 
@@ -24,23 +24,23 @@ class RecipeHead : public QWidget {
   // The abbreviation outlives it.
   explicit RecipeHead(AutoAbbreviation& abbreviation, QWidget* parent = nullptr);
 
-  // A box that was typed into keeps what stands in it until that is stored or another recipe is on
-  // show. So does a list whose choice is not stored yet.
+  // An edited box keeps its text until the text is stored or another recipe is shown. So does a
+  // list whose choice is not stored yet.
   void Show(const CurrentRecipe& shown);
 
-  // What was typed into the box is stored, or into all of them given up.
+  // The text of the box, or of all boxes, was stored or given up.
   static void Stored(FilteredEdit& box) { box.setModified(false); }
   void GiveUpTyping();
 
-  // Closes everything but the ID list, for that reason; opens it again for an empty one. To be
-  // followed by Show.
+  // Disables everything except the ID list for that reason, or enables it for an empty one. Call
+  // Show afterwards.
   void SetReadOnly(const QString& reason);
-  // The choice in the list is stored, or given up, from here on.
+  // Keeps the choice in the list until it is stored or given up.
   void KeepChoice(QComboBox& list) { kept_choices_.insert(&list); }
   void DropChoice(QComboBox& list) { kept_choices_.erase(&list); }
   bool KeepsChoice(QComboBox& list) const { return kept_choices_.contains(&list); }
 
-  // The three groups of inputs, until the next Show.
+  // Hides the three groups of inputs until the next Show.
   void HideInputs();
 
   void ShowUnit(const QString& unit);

@@ -20,7 +20,7 @@ class LineNavigator : public QWidget {
  public:
   explicit LineNavigator(QWidget* parent = nullptr);
 
-  // A row below 1 is the entry row.
+  // A row less than 1 is the entry row.
   void Show(int row, int lines);
 
  Q_SIGNALS:
@@ -38,8 +38,8 @@ class LineNavigator : public QWidget {
   int lines_ = 0;
 };
 
-// `lblScanPrint` and `prgScanPrint`: how far a walk over all recipes has come. It is seen at once,
-// with no event in between.
+// `lblScanPrint` and `prgScanPrint`: the progress of a walk over all recipes. Repaints immediately,
+// without running events.
 class ScanPanel : public QWidget {
   Q_OBJECT
 
@@ -54,7 +54,7 @@ class ScanPanel : public QWidget {
   QProgressBar* bar_;
 };
 
-// The lines of the recipe on show: grid, totals, and what stands around them.
+// The lines of the current recipe: grid, totals and the controls around them.
 class RecipeLines : public QWidget {
   Q_OBJECT
 
@@ -62,28 +62,27 @@ class RecipeLines : public QWidget {
   // The events outlive it.
   explicit RecipeLines(RecipeGridEvents& events, QWidget* parent = nullptr);
 
-  // The grid of an untyped recipe is hidden, and what to do is said in its place.
+  // The grid of a recipe without a type is hidden, and a hint is shown instead.
   void Show(const CurrentRecipe& shown);
 
-  // What the next Show is about to bring for the same lines, on the glass at once: the operator's
-  // eyes need not wait for the disk. Sends no events but those of painting.
+  // Repaints the figures of the next Show for the same lines immediately, so that the operator need
+  // not wait for the disk. Sends only paint events.
   void DrawFigures(const CurrentRecipe& next);
 
-  // No line can be entered, moved or deleted, for that reason; again they can for an empty one.
+  // Disables entering, moving and deleting lines for that reason, or enables it for an empty one.
   void SetReadOnly(const QString& reason);
 
-  // Grid and totals, until the next Show.
+  // Hides grid and totals until the next Show.
   void HideGrid();
 
-  // While a walk over all recipes lasts, its progress stands in the place of the grid, and
-  // `cmdDeleteIng` is hidden.
+  // During a walk over all recipes its progress replaces the grid, and `cmdDeleteIng` is hidden.
   ScanPanel& BeginScan();
   void EndScan();
 
-  // `lblRequiresIndicatorPenCapacityX`; nothing hides it.
+  // `lblRequiresIndicatorPenCapacityX`; std::nullopt hides it.
   void ShowPenCapacity(std::optional<int> size);
 
-  // What the caption pass leaves without a text.
+  // Sets the texts that the caption pass does not set.
   void ShowFixedTexts();
 
   RecipeGrid& GrdRec() { return *grid_; }

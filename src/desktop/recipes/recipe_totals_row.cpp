@@ -21,7 +21,7 @@ constexpr QColor kAlarmColor(0xFF, 0x80, 0x80);
 
 bool IsLeft(int column) { return column == kColumnIngredient; }
 
-// A column may be narrower than its total once the operator has sized it: nothing is cut unseen.
+// The operator may make a column narrower than its total, which is then visibly elided.
 QLabel* AddTotal(QWidget& strip, const char* name) {
   auto* const label = new ElidedLabel(&strip);
   label->setObjectName(QLatin1String(name));

@@ -11,8 +11,8 @@
 
 namespace vrx {
 
-// The totals of a recipe: labels that stand exactly below the columns of its grid, wherever those
-// are. The share of a recipe by percent warns by flashing for as long as it is not 100.00.
+// The totals of a recipe: labels aligned with the columns of its grid. The share of a recipe by
+// percent flashes while it is not 100.00.
 class RecipeTotalsRow : public QWidget {
   Q_OBJECT
 
@@ -22,7 +22,7 @@ class RecipeTotalsRow : public QWidget {
 
   void Show(const CurrentRecipe& shown);
 
-  // What the totals shown need of their columns.
+  // The widths of the columns that the shown totals need.
   RecipeColumnWidths Widths() const;
 
   // `HideRecipeTotals`, until the next Show.
@@ -32,7 +32,7 @@ class RecipeTotalsRow : public QWidget {
   QSize minimumSizeHint() const override { return sizeHint(); }
 
  Q_SIGNALS:
-  // Whether the shares of a recipe by percent, if it is one, have to be told to miss 100.00.
+  // Whether to warn that the shares of a recipe by percent do not add up to 100.00.
   void MissesTotal(bool misses);
 
  protected:

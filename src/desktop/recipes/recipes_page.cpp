@@ -51,7 +51,7 @@ RecipesPage::RecipesPage(const RecordPorts& ports, QWidget* parent)
   ConnectLines();
 }
 
-// The grid outlives what its events reach.
+// The grid outlives the receivers of its events.
 RecipesPage::~RecipesPage() { qApp->disconnect(&lines_->GrdRec()); }
 
 void RecipesPage::LayOut() {
@@ -102,7 +102,7 @@ void RecipesPage::Do(const Event& event) {
   const RecipeRecord before = editor->Current().ration.recipe;
   const auto shown = [&] {
     const RecipeRecord& after = editor->Current().ration.recipe;
-    // The first line of a recipe puts it in use, whichever event commits it.
+    // The first line of a recipe puts it in use, whatever event commits the line.
     if (before.id == after.id && before.description.empty() && !after.description.empty()) {
       head_->CboRecId().SetItem(after.id, after.name);
     }
@@ -134,7 +134,7 @@ bool RecipesPage::RunCommand(const Event& event) {
   return false;
 }
 
-// The lines first: a list that is closed by its choice hands the focus on to the grid.
+// Shows the lines first, because a list that closes on a choice passes the focus to the grid.
 void RecipesPage::Show() {
   if (editor_ && !preparing_) {
     lines_->Show(editor_->Current());
@@ -164,7 +164,7 @@ void RecipesPage::GridGotFocus() {
   Run([](RecipeEditor& editor) { editor.GridGotFocus(); });
 }
 
-// A line that is complete does not wait for the focus to come back, unless a cell of it is still
+// Commits a complete line without waiting for the focus to return, unless one of its cells is still
 // being edited.
 void RecipesPage::GridLostFocus() {
   Q_EMIT CancelAllowed(true);
@@ -213,7 +213,7 @@ void RecipesPage::UpdateRecord() {
   }
 }
 
-// The lines are not given up: a row that is pending is committed.
+// Does not discard the lines: a pending row is committed.
 void RecipesPage::CancelRecord() {
   for (const QWidget* const field : head_->Fields()) {
     gate_.Forget(field);
@@ -246,8 +246,8 @@ void RecipesPage::Navigate(NavigateButton button) {
 
 int RecipesPage::Position() const { return closed_ ? 0 : editor_->Current().ration.recipe.id; }
 
-// The only way to another recipe: whatever is being edited belongs to the one that is left. Index
-// 0, the blank item of the list, is the recipe on show.
+// The only way to another recipe, because pending edits belong to the previous one. Index 0, the
+// blank item of the list, is the current recipe.
 bool RecipesPage::ComeTo(int id, MayStay may_stay) {
   if (!LeaveEdits(may_stay)) {
     Show();
@@ -306,7 +306,7 @@ void RecipesPage::Prepare() {
   }
   ShowUnit();
   Run([this](RecipeEditor& /*editor*/) { ReadIngredients(); });
-  // By way of the last recipe, which opens the list of batch types where it has none.
+  // Goes through the last recipe, which opens the list of batch types if it has no type.
   ComeTo(kRecipeCount, MayStay::kNo);
   preparing_ = false;
   Select(1, MayStay::kNo);
@@ -328,7 +328,7 @@ void RecipesPage::TabChosen() {
   ShowUnit();
 }
 
-// The grid stands still rather than being hidden: it keeps the focus.
+// Freezes the grid instead of hiding it, so that it keeps the focus.
 void RecipesPage::Activated() {
   RecipeGrid& grid = lines_->GrdRec();
   if (!grid.isVisible() || !grid.updatesEnabled()) {
@@ -341,7 +341,7 @@ void RecipesPage::Activated() {
   grid.setUpdatesEnabled(true);
 }
 
-// A line that is complete is not lost with its database.
+// A complete line must not be lost when its database closes.
 void RecipesPage::CommitPending() {
   if (editor_ && editor_->Current().EntryPending() && !ended_) {
     Run([](RecipeEditor& editor) { editor.EndEntry(); });

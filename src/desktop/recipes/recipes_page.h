@@ -15,27 +15,27 @@
 
 namespace vrx {
 
-// The Recipes tab: shows what the editor of the recipes holds, and hands on to it what happens to
-// the head and to the grid of the lines.
+// The Recipes tab: shows the state of the recipe editor, and passes on the events of the head and
+// of the grid of the lines.
 class RecipesPage final : public RecordPage, private RecipeGridEvents {
   Q_OBJECT
 
  public:
-  // What the ports refer to outlives it.
+  // The services outlive the page.
   explicit RecipesPage(const RecordPorts& ports, QWidget* parent = nullptr);
   ~RecipesPage() override;
 
-  // The rows of the pen grid as it is filtered, for the pen capacity warning. None until it is set.
+  // The rows of the filtered pen grid, for the pen capacity warning. None until it is set.
   using PenRows = std::function<std::vector<PenRecord>()>;
   void SetPenRows(PenRows rows) { pen_rows_ = std::move(rows); }
 
-  // The code of the recipe on show; empty before the first database.
+  // The code of the current recipe; empty before the first database.
   std::string CurrentBatchType() const;
 
-  // The recipe on show, for the printed page; nullptr before the first database.
+  // The current recipe, for the printed page; nullptr before the first database.
   const CurrentRecipe* Current() const { return editor_ ? &editor_->Current() : nullptr; }
 
-  // The columns of its grid, for the printed page of a recipe entered that way.
+  // The columns of its grid, for the printed page of a recipe with that way of entry.
   std::vector<int> ColumnsInSight(LineEntry entry) const {
     return lines_->GrdRec().ColumnsInSight(entry);
   }
@@ -79,30 +79,32 @@ class RecipesPage final : public RecordPage, private RecipeGridEvents {
   void ConnectHead();
   void ConnectLines();
 
-  // Runs an event of the editor and shows what came of it. Throws what the event throws.
+  // Runs an edit and refreshes the view. Throws what the edit throws.
   using Event = std::function<void(RecipeEditor&)>;
   void Do(const Event& event);
-  // False: it failed, and was reported.
+  // Returns false after reporting a failure.
   bool Run(const Event& event);
-  // The same for a command of the operator, with a failure of the storage reported in words.
+  // The same for a command of the operator, with a database failure reported as text.
   bool RunCommand(const Event& event);
-  // The same for an event that adds the line of the entry row: that line is kept and asked about.
+  // The same for an edit that adds the line of the entry row. If it fails, keeps that line and asks
+  // the
+  // operator.
   bool RunWithNewLine(const Event& event);
   void Show();
   std::shared_ptr<RecipeEditor> MakeEditor(SQLite::Database& connection, int id);
 
-  // False: the operator stays with an edit, or the recipe cannot be shown.
+  // Returns false if the operator stays with an edit or the recipe cannot be shown.
   bool ComeTo(int id, MayStay may_stay);
   bool Select(int id, MayStay may_stay);
   void CommitPending();
   void ReadIngredients();
-  // The file may not be written, for that reason; or it may, for an empty one.
+  // The file is read-only for that reason, or writable for an empty one.
   void CloseFields(const QString& reason);
   void ShowUnit();
-  // False: what waited must not go on.
+  // Returns false if the caller must not continue.
   bool Waited(Milliseconds interval);
 
-  // The fields that are left (recipes_page_edits.cpp).
+  // Leaving the fields (recipes_page_edits.cpp).
   using StoreBox = std::function<std::string()>;
   void LeaveBox(FilteredEdit& box, std::string_view field, StoreBox store);
   void LeaveName();

@@ -1,4 +1,4 @@
-// How the fields of the Recipes tab are left.
+// Leaving the fields of the Recipes tab.
 
 #include <algorithm>
 #include <utility>
@@ -63,7 +63,7 @@ void RecipesPage::LeaveDescription() {
         RecipeHead::Stored(name);
       }
     });
-    // An abbreviation is not listed until the name is left.
+    // The list shows an abbreviation only after the name is left.
     RewriteItem(listed);
     return std::string();
   });
@@ -143,9 +143,9 @@ void RecipesPage::LeaveChoices() {
   }
 }
 
-// The cells of the lines. A value that the recipe cannot take is reported while the grid keeps the
-// focus, and its editor stays open. An edit that the storage refuses is asked about, and so is any
-// edit that the operator leaves the grid with.
+// The cells of the lines. A refused value is reported while the grid keeps the focus, and its
+// editor stays open. If an edit cannot be stored, or the operator leaves the grid with a refused
+// edit, the operator is asked.
 
 bool RecipesPage::StoreCell(std::string what, std::string text, const Event& event) {
   RecipeGrid& grid = lines_->GrdRec();
@@ -206,7 +206,7 @@ void RecipesPage::DiscardCell() {
   discarding_ = false;
 }
 
-// False: the cell is still being edited, or the operator stays in another field.
+// Returns false if the cell is still being edited, or the operator stays in another field.
 bool RecipesPage::FinishCell() {
   leaving_ = true;
   const bool finished = gate_.Holds(&lines_->GrdRec()) || lines_->GrdRec().FinishEdit();

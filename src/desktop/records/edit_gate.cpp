@@ -14,7 +14,7 @@ namespace {
 
 constexpr std::chrono::milliseconds kIdlePoll{20};
 
-// A box would break into what the operator is doing with the mouse, a list or another box.
+// A message box would interrupt the operator's use of the mouse, a list or another message box.
 bool OperatorIsBusy() {
   return QGuiApplication::mouseButtons() != Qt::NoButton ||
          QApplication::activePopupWidget() != nullptr ||
@@ -80,7 +80,7 @@ void EditGate::AskWhenIdle() {
 bool EditGate::Settle(MayStay may_stay) {
   ask_.stop();
   while (!kept_.empty()) {
-    // No reference is kept: events run while a box is up.
+    // A copy, because events run while a message box is shown.
     const Kept kept = std::move(kept_.front());
     kept_.erase(kept_.begin());
     if (may_stay == MayStay::kNo) {

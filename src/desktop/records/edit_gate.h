@@ -10,18 +10,18 @@
 
 namespace vrx {
 
-// What stands in a field that is being left, and what becomes of it. Texts UTF-8.
+// An edit of a field that is being left, and its possible outcomes. Texts are UTF-8.
 struct FieldEdit {
   const QObject* field = nullptr;  // tells the edits of one gate apart; never dereferenced
   std::string what;                // within a sentence: "'Name' field"
   std::string text;                // as it was entered
 
-  // Throws Error. Returns why the field may not be left although it is stored, else nothing.
+  // Stores the edit; throws Error. Returns the reason if the field must not be left despite that.
   std::function<std::string()> store;
   std::function<void()> discard;  // the field shows what is stored
   std::function<void()> stay;     // the field takes the focus again
 
-  // The operator has entered something. A storage that fails a field nobody changed only beeps.
+  // The operator has changed the field. A failure to store an unchanged field only beeps.
   bool entered = true;
 };
 
@@ -34,37 +34,39 @@ struct LostEdit {
 
 enum class MayStay { kYes, kNo };
 
-// The way out of the fields of a page. Whatever shows another record, another tab or another
-// database, and whatever ends the program, passes Settle or Drop before it does so.
+// Keeps the edits of a page that could not be stored. Call Settle or Drop before showing another
+// record, tab or database, and before ending the program.
 //
-// A field stores its edit when it is left. An edit that could not be stored is kept here, and the
-// operator is asked what becomes of it: by Settle before anything else acts, or else once the click
-// or key that left the field is over. No box comes up from within a focus event, where it would
-// take the release of the mouse button away from what was clicked.
+// A field stores its edit when it is left. If that fails, the edit is kept here and the operator is
+// asked what to do: by Settle before any other action, or otherwise after the click or key that
+// left the field. No message box opens within a focus event, where it would take the release of the
+// mouse button from the clicked control.
 class EditGate : public QObject {
  public:
   // The operator outlives it.
   explicit EditGate(Operator& op, QObject* parent = nullptr);
 
-  // A field is left. False: its edit was not stored, or holds the field.
+  // A field is being left. Returns false if its edit was not stored or keeps the focus in the
+  // field.
   bool Leave(FieldEdit edit);
 
-  // For who has tried to store the edit already.
+  // For a caller that has already tried to store the edit.
   void Keep(FieldEdit edit, std::string cause);
 
   bool Holds(const QObject* field) const;
-  // It is stored, and holds the field nevertheless.
+  // Whether the edit is stored but still keeps the focus in the field.
   bool IsStored(const QObject* field) const;
 
-  // The edits are void: they were stored after all, or their record is shown anew.
+  // The edits are obsolete: they were stored after all, or their record was reloaded.
   void Forget() { kept_.clear(); }
   void Forget(const QObject* field);
 
-  // Asks about what is kept. False: the operator stays in the field, and nothing else may happen.
-  // Without the choice to stay, an edit is tried again and given up with a message.
+  // Asks about the kept edits. Returns false if the operator stays in the field; the caller must
+  // then do nothing else. Without the choice to stay, retries an edit and gives it up with a
+  // message.
   bool Settle(MayStay may_stay);
 
-  // Forgets what is kept without a question, and returns what of it is lost by that.
+  // Drops the kept edits without a question and returns those that are lost.
   std::vector<LostEdit> Drop();
 
  private:

@@ -6,10 +6,11 @@
 
 namespace vrx {
 
-// A box of a form for a field, as wide as what it holds. The field's filter outlives it.
+// An edit box for a field of a form, as wide as its longest text. The field's filter outlives it.
 FilteredEdit* MakeFieldBox(const RecordField& field, const char* name, QWidget* parent);
 
-// The boxes by which a description gives a record its name. The abbreviation outlives them.
+// The boxes of a name and of the description that abbreviates to it. The abbreviation outlives
+// them.
 FilteredEdit* MakeNameBox(const RecordField& field, const char* name,
                           AutoAbbreviation& abbreviation, QWidget* parent);
 FilteredEdit* MakeDescriptionBox(const char* name, AutoAbbreviation& abbreviation, QWidget* parent);

@@ -78,7 +78,7 @@ void WhereUsedList::keyPressEvent(QKeyEvent* event) {
   }
 }
 
-// However the list is closed.
+// Reacts to any way of closing the list.
 bool WhereUsedList::eventFilter(QObject* watched, QEvent* event) {
   if (event->type() == QEvent::Hide && count() > 0) {
     setItemText(0, status_);
@@ -148,7 +148,7 @@ bool IngredientsPage::eventFilter(QObject* watched, QEvent* event) {
   return RecordFormPage::eventFilter(watched, event);
 }
 
-// What is in the window comes to rest before the lists are read.
+// Finishes pending work in the window before reading the lists.
 void IngredientsPage::LoadIdLists() {
   Ports().feed.op.SetBusy(true);
   Grid().hide();
@@ -217,7 +217,7 @@ void IngredientsPage::Search() {
   where_used_->setEnabled(true);
 }
 
-// The search of a reset ends with the first recipe that holds the ingredient.
+// The search of a reset ends at the first recipe that contains the ingredient.
 void IngredientsPage::AnsweredDefault(ResetOutcome outcome) {
   if (outcome == ResetOutcome::kNotReset) {
     return;

@@ -12,8 +12,8 @@
 
 namespace vrx {
 
-// `cboWhereUsed`: a list to be looked at. Item 0 is the status of the search and is in view while
-// the list is closed; behind it stand the recipes, which are all that the open list shows.
+// `cboWhereUsed`: a read-only list. Item 0 is the status of the search and is shown while the list
+// is closed; the open list shows only the recipes after it.
 class WhereUsedList : public QComboBox {
   Q_OBJECT
 
@@ -32,17 +32,17 @@ class WhereUsedList : public QComboBox {
   QString status_;
 };
 
-// The tab `Ingredients`. What is entered here goes into the lines of all recipes at once.
+// The tab `Ingredients`. An edit immediately updates the lines of all recipes.
 class IngredientsPage final : public RecordFormPage {
   Q_OBJECT
 
  public:
-  // What it has to do with the tab of the recipes. All of it outlives the page.
+  // The connection to the tab of the recipes. All of it outlives the page.
   struct Recipes {
-    // The code chosen in `lstRecBatchType`: by it the lines are worked out, whatever recipe they
-    // belong to.
+    // The code selected in `lstRecBatchType`. All lines are computed with it, whatever their recipe
+    // is.
     std::function<std::string()> current_batch_type;
-    // A search leaves the recipes where it has ended.
+    // After a search the Recipes tab shows the recipe where the search ended.
     std::function<void(int position)> go_to;
   };
 

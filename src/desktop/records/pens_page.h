@@ -17,7 +17,7 @@ class PensPage final : public RecordFormPage {
  public:
   explicit PensPage(const RecordPorts& ports, QWidget* parent = nullptr);
 
-  // As the grid is filtered; none where they cannot be read, which is told.
+  // The pens of the filtered grid; none after reporting a failure to read them.
   std::vector<PenRecord> PensShown();
 
   void Prepare() override;
@@ -27,7 +27,7 @@ class PensPage final : public RecordFormPage {
   void SelectPenItem(int list_index) override { GoTo(list_index); }
 
  Q_SIGNALS:
-  // The pens in the grid were looked through for the warning, as they are now.
+  // The current pens in the grid were checked for the warning.
   void PenCapacityChecked();
 
  protected:

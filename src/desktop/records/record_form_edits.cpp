@@ -1,4 +1,4 @@
-// How the fields and cells of a record's form are left.
+// Leaving the fields and cells of a record's form.
 
 #include <memory>
 #include <utility>
@@ -67,7 +67,7 @@ void RecordFormPage::LeaveBox(FilteredEdit& box, std::string_view field, StoreFi
                .entered = box.Text() != StoredText(box)});
 }
 
-// Stores an empty name, too, and then returns what the operator is told.
+// Also stores an empty name, and then returns the message for the operator.
 std::string RecordFormPage::StoreName() {
   std::string refusal;
   std::string left;
@@ -86,7 +86,7 @@ void RecordFormPage::LeaveName() {
   LeaveBox(*name_, kNameField, [this] { return StoreName(); });
 }
 
-// The item keeps the old name until the name box is left.
+// The list item keeps the old name until the name box is left.
 void RecordFormPage::LeaveDescription() {
   const std::optional<std::string> abbreviation = ports_.abbreviation.LeaveDescription(
       DescriptionText(), ports_.feed.settings.AutoAbbreviateOn());
@@ -128,8 +128,8 @@ void RecordFormPage::LeaveOwnField(QWidget& field, std::string_view name, std::s
                .entered = entered});
 }
 
-// The cells of the grid. A row is stored with each of its cells, by way of the boxes. The editor of
-// a cell that could not be stored stays open.
+// The cells of the grid. Each edited cell stores its row, through the boxes. The editor of a cell
+// that could not be stored stays open.
 
 void RecordFormPage::RowTyped(const std::string& field, const QString& text) {
   if (!MayWrite()) {
@@ -167,7 +167,7 @@ void RecordFormPage::RowTyped(const std::string& field, const QString& text) {
             return refusal;
           },
       .discard = [this] { grid_->GiveUpEdit(); },
-      // A cell without a name is stored and closed; the name is typed in its box.
+      // A cell without a name is stored and closed; the operator enters the name in its box.
       .stay = [this, nameless] { *nameless ? TakeFocus(*name_) : grid_->ReturnToEdit(); }};
   cell_closes_ = true;
   if (!gate_.Leave(edit) && !gate_.IsStored(grid_)) {

@@ -24,7 +24,7 @@ constexpr int kNameCaption = 1056;
 
 constexpr std::string_view kName = "Name";
 constexpr std::string_view kDescription = "Description";
-// Their columns in the grid of either kind.
+// The columns in the grid of either kind.
 constexpr std::size_t kNameColumn = 1;
 constexpr std::size_t kDescriptionColumn = 2;
 
@@ -149,7 +149,7 @@ void RecordFormPage::Connect() {
           [this] { ChooseView(*active_only_, [this] { RefreshGrid(); }); });
 }
 
-// What the page stands on.
+// The database.
 
 void RecordFormPage::Rebind(DatabaseKind kind, const BoundDatabase& database) {
   if (kind != DatabaseKind::kRecipe) {
@@ -206,7 +206,7 @@ void RecordFormPage::Prepare() {
 
 // The position.
 
-// The way to another record for the program: an edit that is still open does not hold it.
+// Shows another record for the program, which an open edit does not prevent.
 void RecordFormPage::GoTo(int position) {
   if (database_ == nullptr || position <= 0) {
     return;
@@ -236,7 +236,7 @@ bool RecordFormPage::Show(int position) {
   return read;
 }
 
-// The blank item is no choice.
+// The blank item is not a choice.
 void RecordFormPage::ChooseItem(int list_index) {
   if (list_index == 0 || !LeaveEdits(MayStay::kYes)) {
     id_list_->setCurrentIndex(position_);
@@ -245,7 +245,7 @@ void RecordFormPage::ChooseItem(int list_index) {
   GoTo(list_index);
 }
 
-// The list of the active records stays: its rows are found by their ID.
+// The list of active records does not change, because its rows are found by their ID.
 void RecordFormPage::ChooseRow(int id) {
   if (LeaveEdits(MayStay::kYes)) {
     Show(id);
@@ -254,7 +254,7 @@ void RecordFormPage::ChooseRow(int id) {
   }
 }
 
-// What the grid shows changes with the box, and a cell that is being edited would go with it.
+// The box changes the rows of the grid, which would close a cell that is being edited.
 void RecordFormPage::ChooseView(QCheckBox& box, const std::function<void()>& show) {
   if (LeaveEdits(MayStay::kYes)) {
     show();
@@ -271,7 +271,7 @@ void RecordFormPage::Navigate(NavigateButton button) {
   }
 }
 
-// What is stored.
+// Storage.
 
 void RecordFormPage::Store() {
   if (!MayWrite()) {

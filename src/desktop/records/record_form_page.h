@@ -21,14 +21,14 @@
 
 namespace vrx {
 
-// Keeps the cursor where nothing changes.
+// Sets the text only if it differs, to keep the cursor.
 void SetIfOther(FilteredEdit& box, std::string_view text);
 
-// The page of a kind of record that is one form: an ID list, name, description and a number in
-// boxes, and below them the grid of all records of the kind.
+// The page of a kind of record with one form: an ID list, boxes for name, description and a number,
+// and below them the grid of all records of the kind.
 //
-// A box is stored when the focus leaves it, and what it holds by then is in the file. What could
-// not be stored stays in its box.
+// A box is stored to the file when the focus leaves it. A text that could not be stored stays in
+// its box.
 class RecordFormPage : public RecordPage {
   Q_OBJECT
 
@@ -48,7 +48,7 @@ class RecordFormPage : public RecordPage {
   int Position() const override { return database_ == nullptr || blank_ ? 0 : position_; }
 
  protected:
-  // The names of a kind's controls, and what is told of them.
+  // The names of a kind's controls, and their texts in messages.
   struct Design {
     RecordKind kind;
     const char* page;
@@ -69,24 +69,24 @@ class RecordFormPage : public RecordPage {
 
   RecordFormPage(RecordPorts ports, Design design, QWidget* parent);
 
-  // The part of a kind. The first three throw.
+  // The functions of a kind. The first three throw.
   //
   // Shows a record in its boxes.
   virtual void ReadRecord(int id) = 0;
-  // Shows the record as it was read or stored last, without the database.
+  // Shows the record as last read or stored, without accessing the database.
   virtual void ShowStored();
-  // Stores what the boxes hold, and shows what came of it. Returns whether the file had to change.
+  // Stores the boxes and shows the result. Returns whether the file has changed.
   virtual bool StoreCurrentRecord() = 0;
-  // The fields of the kind alone are left.
+  // Leaves the fields that only this kind has.
   virtual void LeaveOwnFields() {}
   virtual std::vector<RecordRow> ReadRows(bool active_only) = 0;
-  // The record on show was stored, or read anew.
+  // The current record was stored or reloaded.
   virtual void Stored() {}
-  // The record on show is another one, or one of another database.
+  // Another record is current, or a record of another database.
   virtual void CameToAnother() {}
   // The operator has answered the question of `Default`.
   virtual void AnsweredDefault(ResetOutcome /*outcome*/) {}
-  // The file may not be written, for that reason; or it may again, for none.
+  // The file is read-only for that reason; or writable, for an empty one.
   virtual void ShowReadOnly(const QString& reason);
 
   const RecordPorts& Ports() const { return ports_; }
@@ -100,7 +100,7 @@ class RecordFormPage : public RecordPage {
 
   // Rows of FormLayout.
   enum FormRow { kIdRow, kNameRow, kDescriptionRow, kNumberRow };
-  // The first of its two columns that the kind may use; what is left over is behind them.
+  // The first of the two columns that the kind may use; the columns after them are empty.
   static constexpr int kFreeColumn = 3;
 
   std::array<FilteredEdit*, 3> Boxes() const { return {name_, description_, number_}; }
@@ -109,17 +109,17 @@ class RecordFormPage : public RecordPage {
   std::string NumberText() const { return number_->Text(); }
   void ShowTexts(std::string_view name, std::string_view description, std::string_view number);
 
-  // A field of the kind alone is left.
+  // Leaves a field that only this kind has.
   void LeaveOwnField(QWidget& field, std::string_view name, std::string text,
                      std::function<void()> discard, bool entered);
-  // The edit of that field could not be stored, and is to be asked about.
+  // Whether the edit of that field could not be stored and is kept for a question.
   bool Keeps(const QWidget& field) const { return gate_.Holds(&field); }
   void RefreshGrid();
   bool ActiveOnly() const { return active_only_->isChecked(); }
   void ShowAllRecords() { active_only_->setChecked(false); }
   QLabel* Caption(const char* name, int caption, QWidget* buddy);
 
-  // The Tab key goes from the number to these, and from the last of them on to the list.
+  // The Tab key moves from the number to these controls, and from the last of them to the list.
   void TabBehindNumber(std::initializer_list<QWidget*> controls);
 
  private:
@@ -127,9 +127,9 @@ class RecordFormPage : public RecordPage {
   void LayOut();
   void Connect();
 
-  // Stores the record, or does nothing where there is none to write. Throws.
+  // Stores the record, if there is one to write. Throws.
   void Store();
-  // False: that failed, and was reported.
+  // Returns false after reporting a failure.
   bool Commit();
 
   using StoreField = std::function<std::string()>;

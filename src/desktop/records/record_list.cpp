@@ -60,7 +60,7 @@ int RecordListModel::columnCount(const QModelIndex& parent) const {
   return parent.isValid() ? 0 : static_cast<int>(columns_.size());
 }
 
-// Ctrl+C asks for the current cell also where there is none.
+// Ctrl+C asks for the current cell even if there is none.
 QVariant RecordListModel::data(const QModelIndex& index, int role) const {
   if (!index.isValid()) {
     return {};
@@ -107,7 +107,7 @@ bool RecordListModel::setData(const QModelIndex& index, const QVariant& value, i
   return true;
 }
 
-// Cells are typed into through boxes that drop what the form's boxes drop.
+// Cells are edited with boxes that have the same filters as the form's boxes.
 class RecordListGrid::CellDelegate : public QStyledItemDelegate {
  public:
   explicit CellDelegate(RecordListGrid* grid) : QStyledItemDelegate(grid), grid_(grid) {}
@@ -127,7 +127,7 @@ class RecordListGrid::CellDelegate : public QStyledItemDelegate {
     return box;
   }
 
-  // Runs as well whenever the cell changes beneath its editor: what has been typed stays.
+  // Also runs whenever the cell changes during editing, so keeps the typed text.
   void setEditorData(QWidget* editor, const QModelIndex& index) const override {
     auto& box = *static_cast<FilteredEdit*>(editor);
     if (!box.isModified()) {
@@ -145,7 +145,7 @@ class RecordListGrid::CellDelegate : public QStyledItemDelegate {
     if (event->type() == QEvent::KeyPress && TurnsTabs(*static_cast<QKeyEvent*>(event))) {
       return false;
     }
-    // The cell is left for another field; another window takes the focus only for a while.
+    // The cell is left only for another field; another window takes the focus only temporarily.
     if (event->type() == QEvent::FocusOut && !LeavesField(*static_cast<QFocusEvent*>(event))) {
       return false;
     }
@@ -187,7 +187,7 @@ RecordListGrid::RecordListGrid(RecordKind kind, const QString& name,
   SizeColumns();
 }
 
-// As wide as what a field may hold, whatever the records are.
+// As wide as the longest text of a field, whatever the records are.
 void RecordListGrid::SizeColumns() {
   for (int column = 0; column < model_->columnCount(); ++column) {
     const RecordColumn& row = model_->Column(column);
@@ -255,7 +255,7 @@ void RecordListGrid::ReturnToEdit() {
   (editor == nullptr ? this : editor)->setFocus();
 }
 
-// Keys that an editor does not take would move the grid away from it.
+// Keys that the editor ignores would move the grid to another cell.
 void RecordListGrid::keyPressEvent(QKeyEvent* event) {
   switch (event->key()) {
     case Qt::Key_Up:

@@ -13,7 +13,7 @@
 
 namespace vrx {
 
-// A column of a grid of records. One that can be typed into is filtered as the form's box of that
+// A column of a grid of records. An editable column has the same filter as the form's box of that
 // field.
 struct RecordColumn {
   std::string field;  // of the database
@@ -33,7 +33,7 @@ class RecordListModel : public QAbstractTableModel {
  public:
   explicit RecordListModel(std::vector<RecordColumn> columns, QObject* parent = nullptr);
 
-  // The view keeps its place while the records are the same ones.
+  // The view keeps its position if the records are the same.
   void Show(std::vector<RecordRow> rows);
   void SetCaption(const std::string& field, const QString& caption);
   void SetReadOnly(bool read_only) { read_only_ = read_only; }
@@ -50,11 +50,11 @@ class RecordListModel : public QAbstractTableModel {
   QVariant headerData(int section, Qt::Orientation orientation, int role) const override;
   Qt::ItemFlags flags(const QModelIndex& index) const override;
 
-  // Changes nothing by itself: Typed tells, and whoever stores it shows the rows anew.
+  // Changes nothing itself but emits Typed; the receiver stores the text and shows the rows again.
   bool setData(const QModelIndex& index, const QVariant& value, int role) override;
 
  Q_SIGNALS:
-  // A cell was left with another text.
+  // A cell was left with a changed text.
   void Typed(int id, const std::string& field, const QString& text);
 
  private:
@@ -68,7 +68,7 @@ class RecordListGrid : public QTableView {
   Q_OBJECT
 
  public:
-  // `empty_text` stands in a grid without rows.
+  // `empty_text` is shown in a grid without rows.
   RecordListGrid(RecordKind kind, const QString& name, std::vector<RecordColumn> columns,
                  QString empty_text, QWidget* parent = nullptr);
 
@@ -76,24 +76,24 @@ class RecordListGrid : public QTableView {
 
   void SetCaption(const std::string& field, const QString& caption);
 
-  // Shows these rows and stands on that record, where it is among them.
+  // Shows these rows and selects that record if it is among them.
   void Show(std::vector<RecordRow> rows, int id);
   void Select(int id);
 
-  // Asked before a click goes to the row of another record; false holds the row.
+  // Called before a click selects the row of another record; false keeps the row.
   void SetLeaving(std::function<bool()> leave) { leave_ = std::move(leave); }
 
   bool IsEditing() const { return state() == EditingState; }
-  // Of the cell that is edited. What could not be stored stays in its editor: then KeepEditor was
-  // called while RecordListModel::Typed was sent.
+  // Finishes the edit of the current cell. A text that could not be stored stays in the editor, if
+  // KeepEditor was called while RecordListModel::Typed was emitted.
   void FinishEdit();
   void KeepEditor() { keeps_editor_ = true; }
   void GiveUpEdit();
-  // The editor takes the focus again, or the grid where no cell is edited.
+  // Returns the focus to the editor, or to the grid if no cell is edited.
   void ReturnToEdit();
 
  Q_SIGNALS:
-  // The operator has come to the row of another record.
+  // The operator has selected the row of another record.
   void RowChosen(int id);
 
   // A key was dropped.
@@ -119,20 +119,20 @@ class RecordListGrid : public QTableView {
   bool keeps_editor_ = false;
 };
 
-// `cboIngID`, `cboRecID` or `cboPenID`: item 0 blank, then an item for each record, so that a list
-// index is a record's `ID`. Only the mouse chooses a record: keys are discarded, and so are turns
-// of the wheel. QComboBox::activated tells a choice.
+// `cboIngID`, `cboRecID` or `cboPenID`: item 0 is blank, then an item for each record, so that a
+// list index is a record's `ID`. Only mouse clicks select a record; keys and wheel turns are
+// ignored. QComboBox::activated reports a choice.
 class RecordIdList : public QComboBox {
   Q_OBJECT
 
  public:
   RecordIdList(const QString& name, int records, QWidget* parent = nullptr);
 
-  // `FormatIdPrefix` and the name; without a name the bare prefix. UTF-8.
+  // `FormatIdPrefix` and the name; without a name only the prefix. UTF-8.
   void SetItem(int id, std::string_view name = {});
 
  Q_SIGNALS:
-  // A character was typed; the focus goes to the description.
+  // A character was typed; the focus must move to the description.
   void Typed();
 
  protected:

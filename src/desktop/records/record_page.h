@@ -12,51 +12,51 @@
 
 namespace vrx {
 
-// What the pages of ingredients, recipes and pens work with. Everything outlives them.
+// The services of the pages of ingredients, recipes and pens. Everything outlives them.
 struct RecordPorts {
   FeedPorts feed;
   GeneralDelay& delay;
   AutoAbbreviation& abbreviation;  // the one of the three description boxes
 
-  // LoadIdLists calls it for each record whose item it has put in its list.
+  // LoadIdLists calls it after adding the item of each record.
   std::function<void()> record_loaded = [] {};
 
-  // To be called for each change of a record that was stored, behind its transaction.
+  // Called for each stored change of a record, after its transaction.
   std::function<void()> record_changed = [] {};
 };
 
-// The page of one kind of record, as the action bar and the navigator know it. A record's position
-// is its `ID`, from 1. No call opens a database: with a closed one the page shows the blank
-// template and none of these is made.
+// The page of one kind of record, for the action bar and the navigator. A record's position is its
+// `ID`, from 1. These functions are not called while the database is closed and the page shows the
+// blank template.
 class RecordPage : public MainTabPage {
   Q_OBJECT
 
  public:
   using MainTabPage::MainTabPage;
 
-  // `cmdAction`. Each tells its failures and leaves the record on show.
+  // `cmdAction`. Each reports its failures and keeps the current record.
   virtual void UpdateRecord() = 0;
   virtual void CancelRecord() = 0;
   virtual void DefaultRecord() = 0;
 
-  // `cmdNavigate`, with what is written ahead of the move; wraps around at both ends.
+  // `cmdNavigate`. Stores pending edits first; wraps around at both ends.
   virtual void Navigate(NavigateButton button) = 0;
 
-  // Goes to a record as a click in the ID list does, also while the page is not on show. Where it
-  // cannot be read, the position stays.
+  // Shows a record like a click in the ID list, even while the page is hidden. If it cannot be
+  // read, the position does not change.
   virtual void GoTo(int position) = 0;
 
-  // Of the record on show; 0 while the database is closed.
+  // The position of the current record; 0 while the database is closed.
   virtual int Position() const = 0;
 
  Q_SIGNALS:
-  // The page came to a record, the one that it was on included.
+  // The page has shown a record, possibly the same one.
   void Moved(int position);
 
-  // `cmdAction` item 1 is off while the lines of a recipe have the focus.
+  // `cmdAction` item 1 is disabled while the lines of a recipe have the focus.
   void CancelAllowed(bool allowed);
 
-  // Another database is on show: items 0 and 2 are off for one that may not be written.
+  // Another database is shown: items 0 and 2 are disabled if it is read-only.
   void WritingAllowed(bool allowed);
 };
 

@@ -250,7 +250,7 @@ void SetupForm::done(int result) {
   QDialog::done(result);
 }
 
-// Once on the screen, where the form keeps the operator from opening another one meanwhile.
+// Runs when the form is visible, because a modal form then prevents opening another one.
 void SetupForm::showEvent(QShowEvent* event) {
   QDialog::showEvent(event);
   if (!std::exchange(link_reset_, true)) {

@@ -21,8 +21,8 @@
 
 namespace vrx {
 
-// What `SETUP` shows of the program as it stands when it opens. A path or unit is empty for a
-// database that is not open, and for a transaction file before any import.
+// The state of the program that `SETUP` shows when it opens. A path or unit is empty for a database
+// that is not open, and for a transaction file before any import.
 struct SetupFacts {
   std::string recipe_path;
   std::string recipe_unit;
@@ -33,8 +33,8 @@ struct SetupFacts {
   ConnectionTexts connections;
 };
 
-// The form `SETUP`, to be run modally. The settings change by `cmdOK`, some already by the commands
-// to the module. A command that runs when the form is closed ends ahead of it.
+// The form `SETUP`, shown modally. `cmdOK` changes the settings; the commands to the module already
+// change some. A command that runs when the form is closed ends before the form does.
 class SetupForm : public QDialog {
   Q_OBJECT
 
@@ -88,15 +88,14 @@ class SetupForm : public QDialog {
   bool link_reset_ = false;
 };
 
-// A part of a tab of `SETUP`: what belongs together, under a heading. No frame is drawn: the tab
-// has one.
+// A section of a tab of `SETUP` with a heading. It has no visible frame, because the tab has one.
 struct SetupSection {
   QWidget* frame;        // bears the name
   QVBoxLayout* content;  // to be filled, below the heading
 };
 SetupSection AddSection(QBoxLayout& tab, const char* name, const QString& heading, int stretch = 0);
 
-// Behind the caption pass, which knows no headings.
+// Called after the caption pass, which does not set headings.
 void ShowHeadings(const QWidget& form);
 
 }  // namespace vrx

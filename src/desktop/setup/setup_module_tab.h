@@ -15,24 +15,24 @@
 
 namespace vrx {
 
-// `lstSerialPort` of `SETUP`: the port numbers with the device behind each, and the means to put
-// another device behind the chosen one.
+// `lstSerialPort` of `SETUP`: the port numbers with the device of each, and a control to assign
+// another device to the selected number.
 class SetupPortList : public QWidget {
   Q_OBJECT
 
  public:
-  // Links from numbers to devices lie in the data folder.
+  // The links from numbers to devices are in the data folder.
   SetupPortList(std::filesystem::path data_folder, Operator& op, QWidget* parent = nullptr);
 
-  // An index of the list, or kNoSelection. Choose sends nothing.
+  // An index of the list, or kNoSelection. Choose emits no signal.
   int Chosen() const;
   void Choose(int index);
 
-  // Looks again at what stands behind the numbers and which devices there are.
+  // Reads the assignments and the existing devices again.
   void Survey();
 
  Q_SIGNALS:
-  // The operator chose a port, or put another device behind the chosen one.
+  // The operator selected a port, or assigned another device to it.
   void PortChanged();
 
  private:
@@ -68,7 +68,7 @@ class SetupModuleTab : public QWidget {
   void Take(SetupControls& controls) const;
   void Survey() { ports_->Survey(); }
 
-  // The port is closed, so that the next command opens it with the settings of then.
+  // Closes the port, so that the next command opens it with its current settings.
   void ResetLink() { module_.ResetLink(); }
 
   // The form is closed.

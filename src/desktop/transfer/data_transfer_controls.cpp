@@ -37,7 +37,7 @@ QRadioButton* AddConnection(QWidget& page, Connection connection, const QString&
   return button;
 }
 
-// The outline of a box is drawn in a darker window's colour, which a dark list swallows.
+// The style draws the outline of a check box in a darker window color, invisible in a dark list.
 class BoxesToBeSeen : public QStyledItemDelegate {
  public:
   using QStyledItemDelegate::QStyledItemDelegate;
@@ -102,7 +102,7 @@ QLayout* DataTransferControls::LayOutConnection(QWidget& page) {
   return row;
 }
 
-// What the two buttons lead to stands beside them, and its place is kept while nothing does.
+// The result of the two buttons is shown beside them; its space is reserved while it is hidden.
 QLayout* DataTransferControls::LayOutSteps(QWidget& page) {
   cmd_download_recipe_to_krm =
       AddButton(page, "cmdDownloadRecipeToKRM", QStringLiteral("&Download Data..."),
@@ -232,7 +232,7 @@ void DataTransferControls::TurnReload() {
   turned_off_.Turn({cmd_reload}, reload_enabled_ && !command_runs_);
 }
 
-// In the direct connection the memory can be read, and the connection ended, at any time.
+// In the direct connection, reading the memory and ending the connection are always possible.
 void DataTransferControls::ShowLine(const LineGuard& line) {
   command_runs_ = line.AtWork() && !line.Direct();
   turned_off_.Turn({cmd_download_recipe_to_krm, cmd_upload_data_from_krm,

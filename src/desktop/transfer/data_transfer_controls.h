@@ -17,19 +17,19 @@
 
 namespace vrx {
 
-// What stands on the Data Transfer tab, laid out on its page. The controls bear their names.
+// The controls of the Data Transfer tab, with their object names, laid out on its page.
 class DataTransferControls {
  public:
   explicit DataTransferControls(QWidget& page);
 
-  // Behind the caption pass, for what the caption table does not have.
+  // Called after the caption pass, for texts that the caption table lacks.
   void ShowCaptions();
 
-  // All but `optConnection`, which stands as the operator left it while a connection begins or
-  // ends. Sends no click and no edit.
+  // Shows everything except `optConnection`, which keeps the operator's choice while a connection
+  // begins or ends. Emits no click and no edit.
   void Show(const TransferState& transfer);
 
-  // Turns off what would start another command while one uses the line.
+  // Disables the controls that would start another command while one uses the line.
   void ShowLine(const LineGuard& line);
 
   std::array<QRadioButton*, 2> opt_connection;  // by Connection

@@ -73,8 +73,7 @@ void DataTransferPage::Run(const std::function<void()>& flow) {
   Show();
 }
 
-// A click on the choice that stands is none. A choice that is made while another one is carried out
-// counts for more.
+// Ignores a click on the current choice. A new choice overrides one that is being carried out.
 void DataTransferPage::Choose(Connection connection) {
   if (connection == chosen_) {
     return;
@@ -107,7 +106,7 @@ void DataTransferPage::ConnectIndicator() {
   } while (connect_again_ && !ports_.pump.Closing());
 }
 
-// The operator may choose the module while the port is still being opened.
+// The operator may select the module while the port is still being opened.
 void DataTransferPage::ConnectOnce() {
   if (!direct_.Enter()) {
     return;
@@ -177,7 +176,7 @@ void DataTransferPage::KeepReceived() {
     WriteRescueFile(ports_.krm.GS_KRM_VirtualMemory(), {ports_.data_folder()}, ports_.now());
     transfer_.received.Rescued();
   } catch (const FileError&) {
-    // The program ends, and nobody is there to read a message.
+    // The program ends, so no one would read a message.
   }
 }
 

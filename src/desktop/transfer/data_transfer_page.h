@@ -22,20 +22,20 @@
 
 namespace vrx {
 
-// What the Data Transfer tab asks of the main window.
+// The main window, as the Data Transfer tab uses it.
 class TransferDatabases {
  public:
   virtual ~TransferDatabases() = default;
 
-  // As in RecipeDownloadHost.
+  // See RecipeDownloadHost.
   virtual CurrentDatabase OpenRecipes() const = 0;
   virtual void BrowseRecipes() = 0;
   virtual void RecipesStored(int highest_in_use) = 0;
 };
 
-// The Data Transfer tab. Each click runs its transfer to the end, with events handled meanwhile;
-// the click that chooses the indicator returns when the direct connection has ended. The page must
-// outlive every such call: whoever closes the program ends the waits first.
+// The Data Transfer tab. Each click runs its transfer to the end, and events in the meantime; the
+// click that selects the indicator returns when the direct connection has ended. The page must
+// outlive every such call, so the exit ends all waits first.
 class DataTransferPage final : public MainTabPage, private RecipeDownloadHost {
   Q_OBJECT
 
@@ -52,21 +52,21 @@ class DataTransferPage final : public MainTabPage, private RecipeDownloadHost {
     TransferDatabases& databases;
     TransferStatusPanel& status;
     TextPrinter& printer;
-    // Where received data is kept that cannot be saved as files.
+    // The folder for received data that cannot be saved as files.
     std::function<std::filesystem::path()> data_folder = [] { return std::filesystem::path(); };
     std::function<LocalTime()> now = LocalNow;
   };
 
   explicit DataTransferPage(const Ports& ports);
 
-  // Somebody else has had the serial port: a direct connection that stands takes it up again.
+  // Another routine has used the serial port: a running direct connection reopens it.
   void ResumeDirectConnection();
 
-  // Asks, where data of the indicator is not saved yet, whether the program may be left. On Yes the
-  // data goes into a rescue file first.
+  // If data of the indicator is not saved yet, asks whether to leave the program. On Yes, first
+  // writes the data to a rescue file.
   bool MayLeave();
 
-  // Puts such data into a rescue file without a word, for an end of the program that asks nothing.
+  // Writes such data to a rescue file without a message, for an exit that asks no questions.
   void KeepReceived();
 
   // MainTabPage.

@@ -24,7 +24,7 @@ namespace vrx {
 
 namespace {
 
-// Told as 12582911 and 12703664, blue in the highest byte.
+// Specified as 12582911 and 12703664, with blue in the highest byte.
 constexpr QColor kOddRow{255, 255, 191};
 constexpr QColor kEvenRow{176, 215, 193};
 
@@ -32,7 +32,8 @@ constexpr int kMostCharacters = 40;  // of a column's opening width
 constexpr std::size_t kSampleRows = 500;
 constexpr qsizetype kMostDrawn = 256;  // characters of a cell
 
-// Laying out a text takes time by its length, and a damaged file has fields of 60,000 characters.
+// Text layout takes time in proportion to the length, and a damaged file may have fields of 60,000
+// characters.
 class ImportCells : public QStyledItemDelegate {
  public:
   using QStyledItemDelegate::QStyledItemDelegate;
@@ -68,7 +69,7 @@ void KeepPlace(QWidget& control) {
   control.setSizePolicy(policy);
 }
 
-// What is told has room for so many characters, so that nothing moves when it is.
+// Reserves space for that many characters, so that nothing moves when the text appears.
 void AddFact(QHBoxLayout& row, QWidget& page, const char* caption_name, int caption, QLabel& fact,
              int characters) {
   row.addWidget(AddLabel(page, caption_name, caption));
@@ -102,7 +103,7 @@ int ImportModel::columnCount(const QModelIndex& parent) const {
   return parent.isValid() ? 0 : kImportColumns;
 }
 
-// Ctrl+C asks for the current cell also where there is none.
+// Ctrl+C asks for the current cell even if there is none.
 QVariant ImportModel::data(const QModelIndex& index, int role) const {
   if (!index.isValid()) {
     return {};
@@ -175,7 +176,7 @@ void ImportGrid::ShowColumns() {
   }
 }
 
-// Characters of this font are of one width: the longest text is the widest.
+// The font has a fixed width, so the longest text is the widest.
 void ImportGrid::FitColumns() {
   const int character = fontMetrics().horizontalAdvance(u'0');
   const QFontMetrics header = horizontalHeader()->fontMetrics();
@@ -350,7 +351,7 @@ void ImportPage::EnableStore() {
   cmd_import_store_->setToolTip(read_only ? read_only_note_ : QString::fromUtf8(kStoreMeaning));
 }
 
-// Nothing lets events run meanwhile: what is told is drawn at once.
+// No events run during the import, so repaint immediately.
 void ImportPage::SetProgressMessage(std::string_view text) {
   const QString message = ToQString(text);
   if (message == lbl_progress_msg_->text()) {
@@ -360,7 +361,7 @@ void ImportPage::SetProgressMessage(std::string_view text) {
   lbl_progress_msg_->repaint();
 }
 
-// A bar without a range would only tell that something goes on.
+// A bar without a range would only show that something is running.
 void ImportPage::SetProgressRange(int maximum) {
   prg_import_->setRange(0, std::max(maximum, 1));
   prg_import_->setValue(0);

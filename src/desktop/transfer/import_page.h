@@ -17,7 +17,7 @@
 
 namespace vrx {
 
-// The rows of an import as the grid asks for them: texts, 112 columns.
+// The model of an import's rows: texts in 112 columns.
 class ImportModel : public QAbstractTableModel {
   Q_OBJECT
 
@@ -25,7 +25,7 @@ class ImportModel : public QAbstractTableModel {
   // The session outlives it.
   explicit ImportModel(const ImportPresenter& session, QObject* parent = nullptr);
 
-  // What the session holds has changed: the grid asks anew.
+  // The imported data has changed.
   void Reset();
 
   int rowCount(const QModelIndex& parent = {}) const override;
@@ -33,16 +33,16 @@ class ImportModel : public QAbstractTableModel {
   QVariant data(const QModelIndex& index, int role) const override;
   QVariant headerData(int section, Qt::Orientation orientation, int role) const override;
 
-  // The characters of the longest text in a column, from 1, its caption aside: of a sample of rows,
-  // the first and the last among them.
+  // The length in characters of the longest text in a column, from 1, without its caption; measured
+  // on a sample of rows that includes the first and the last.
   int LongestText(int column) const;
 
  private:
   const ImportPresenter& session_;
 };
 
-// `grdIMPORT`. Rows are striped in the told colours; a grid without an import says where one comes
-// from.
+// `grdIMPORT`. Rows are striped in the specified colors; a grid without an import shows how to get
+// one.
 class ImportGrid : public QTableView {
   Q_OBJECT
 
@@ -50,7 +50,7 @@ class ImportGrid : public QTableView {
   // The session outlives it.
   explicit ImportGrid(const ImportPresenter& session, QWidget* parent = nullptr);
 
-  // Shows what the session holds now.
+  // Shows the current imported data.
   void ShowImport();
 
  protected:
@@ -65,7 +65,7 @@ class ImportGrid : public QTableView {
   ImportModel* model_;
 };
 
-// What the Import tab asks of the main window; as in ImportHost.
+// The main window, as the Import tab uses it; see ImportHost.
 class ImportWindow {
  public:
   virtual ~ImportWindow() = default;
@@ -80,7 +80,7 @@ class ImportPage final : public MainTabPage, private ImportHost, private Progres
   Q_OBJECT
 
  public:
-  // Everything outlives it, but the window may go first.
+  // Everything except the window outlives the page.
   struct Ports {
     Operator& op;
     FileChooser& files;
@@ -94,16 +94,16 @@ class ImportPage final : public MainTabPage, private ImportHost, private Progres
 
   explicit ImportPage(const Ports& ports);
 
-  // The whole import, from the question for a file on.
+  // Asks for a file and imports it.
   void ImportXFile();
 
   const ImportPresenter& Session() const { return session_; }
 
-  // The Tab key follows the work: choose a file, look at its rows, store them. Call it once the
-  // page is in its window.
+  // The Tab key follows the order of work: choose a file, check its rows, store them. Call it when
+  // the page is in its window.
   void SetTabOrder();
 
-  // The ingredient columns by the names of the open recipe database.
+  // Sets the ingredient columns from the open recipe database.
   void ConfigureImportColumns();
 
   // MainTabPage.
