@@ -30,7 +30,7 @@ struct KindRules {
   Milliseconds browse_delay;
   Milliseconds save_as_delay;
   bool save_as_tests_name;
-  bool open_stands_by;  // with the hourglass and a text in place of the name
+  bool open_stands_by;  // with the busy cursor and a text instead of the name
   bool new_beeps;
   std::span<const int> tabs_of_new;  // turned on in this order; the first one is selected
 };

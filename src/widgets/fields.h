@@ -58,7 +58,7 @@ class FilteredEdit : public QLineEdit {
 
   Filter filter_;
   int limit_;
-  QString accepted_;  // what stands in the box, ahead of a change that is not admitted yet
+  QString accepted_;  // the text before a change that is not accepted yet
   bool by_program_ = false;
 };
 

@@ -102,7 +102,7 @@ class MainWindow : public QMainWindow,
  Q_SIGNALS:
   void Painted();         // some part of the window was drawn anew
   void Activated();       // the window came to the front
-  void CloseRequested();  // the close box; the window stays until it is told otherwise
+  void CloseRequested();  // the close box; the window itself does not close
   void StripFocused();    // the tab strip took the focus, or the operator chose a tab
 
  protected:

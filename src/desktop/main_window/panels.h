@@ -20,7 +20,7 @@ enum NavigateButton : int { kNavigateFirst, kNavigatePrevious, kNavigateNext, kN
 // A button of a control array.
 struct PanelButton {
   std::string_view caption;
-  std::string_view meaning = {};  // in its tooltip and for a screen reader, where it has to be told
+  std::string_view meaning = {};  // for its tooltip and a screen reader, if needed
 };
 
 // A panel with the buttons of a control array, named by the array and their index. They are

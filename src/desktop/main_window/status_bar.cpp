@@ -13,7 +13,7 @@ namespace vrx {
 namespace {
 
 struct PanelRow {
-  std::string_view caption;   // of the fixed panel ahead of it
+  std::string_view caption;   // of the fixed panel before it
   std::string_view tool_tip;  // behind the database's kind
   std::string_view widest;    // what there is room for; the name gives way in a narrow window
 };

@@ -30,17 +30,17 @@ class IngredientList : public QFrame {
 
   int RowOf(const QString& ingredient_name) const;
 
-  // The row that stands out; -1 for none.
+  // The highlighted row; -1 for none.
   int CurrentRow() const;
   void SetCurrentRow(int row);
 
   int RowsPerPage() const;
 
-  // Shows it at the lower edge of an editor, or above where there is no room.
+  // Shows it below an editor, or above if there is not enough space.
   void DropDown(const QWidget& editor);
 
  Q_SIGNALS:
-  // By the mouse.
+  // A row was selected with the mouse.
   void Picked(int row);
 
  private:
@@ -51,8 +51,8 @@ class IngredientList : public QFrame {
   QLabel* empty_;
 };
 
-// The editor of a line's ingredient: drops the list down and finds in it what is typed. A character
-// that leads to no ingredient is refused.
+// The editor of a line's ingredient: opens the list and finds the typed text in it. Refuses a
+// character that matches no ingredient.
 class IngredientDropDown : public FilteredEdit {
   Q_OBJECT
 
@@ -60,14 +60,14 @@ class IngredientDropDown : public FilteredEdit {
   // The list outlives it.
   explicit IngredientDropDown(IngredientList& list, QWidget* parent = nullptr);
 
-  // The ingredient that the line has; empty for none.
+  // `ingredient_name` is that of the line; empty for none.
   void Begin(const QString& ingredient_name);
 
-  // The `ID` of the ingredient that was chosen; nothing where the line's own was left.
+  // The `ID` of the selected ingredient; empty if it has not changed.
   std::optional<int> Chosen() const { return chosen_; }
 
  Q_SIGNALS:
-  // One was chosen by the mouse, which ends the editing.
+  // An ingredient was selected with the mouse, which ends the edit.
   void Picked();
 
  protected:

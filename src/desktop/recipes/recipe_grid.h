@@ -14,7 +14,7 @@
 
 namespace vrx {
 
-// What happens in `grdREC`, for whoever holds the recipe.
+// The events of `grdREC`, for the owner of the recipe.
 class RecipeGridEvents {
  public:
   virtual ~RecipeGridEvents() = default;
@@ -22,15 +22,15 @@ class RecipeGridEvents {
   virtual void GridGotFocus() = 0;
   virtual void GridLostFocus() = 0;
 
-  // To a line, from 1, or to kEntryRow. False: the grid stays.
+  // Goes to a line, from 1, or to kEntryRow. Returns false if the current row must not change.
   virtual bool GoToRow(int row) = 0;
-  // False: the line in the entry row is held back.
+  // Returns false if the line in the entry row was not added.
   virtual bool CommitRow() = 0;
   virtual void DiscardEntry() = 0;
 
   virtual void BeforeCellEdit(LineColumn column) = 0;
   virtual void AfterCellEdit(LineColumn column) = 0;
-  // Into the line that the grid stands on. False: what was entered stays in its editor.
+  // Enters a text into the current line. Returns false if the text stays in its editor.
   virtual bool EnterCell(LineColumn column, std::string_view text) = 0;
   virtual bool ChooseIngredient(int id) = 0;
 
@@ -38,10 +38,10 @@ class RecipeGridEvents {
   virtual void KeyRefused() = 0;
 };
 
-// The grid `grdREC`: the lines of the recipe on show and the entry row. The cells that lines are
-// entered by look and work as fields; Tab goes through them, and from the last one of the entry row
-// to an empty entry row. It changes nothing by itself: what happens goes to the events, and what
-// comes of that is shown by Show.
+// The grid `grdREC`: the lines of the current recipe and the entry row. The cells for entry look
+// and work like fields; Tab moves through them, and from the last one of the entry row to an empty
+// entry row. It changes nothing itself: it passes edits to the events, and Show displays the
+// result.
 class RecipeGrid : public QTableView {
   Q_OBJECT
 
@@ -51,7 +51,7 @@ class RecipeGrid : public QTableView {
 
   void Show(const CurrentRecipe& shown);
 
-  // The figures alone, the current cell and its editor as they are.
+  // Updates only the figures; keeps the current cell and its editor.
   void ShowFigures(const CurrentRecipe& shown) { model_->Show(shown); }
 
   // Widens columns whose totals, in logical pixels, are wider than their captions; smaller totals

@@ -126,7 +126,7 @@ class RecipesPage final : public RecordPage, private RecipeGridEvents {
   RecordPorts ports_;
   PenRows pen_rows_;
   SQLite::Database* connection_ = nullptr;  // none before the first database and after the last
-  bool closed_ = true;                      // the blank template is on show
+  bool closed_ = true;                      // the blank template is shown
   bool read_only_ = false;
   std::shared_ptr<RecipeEditor> editor_;  // exactly while there is a connection
   bool stored_ = false;                   // the event on its way has changed the database

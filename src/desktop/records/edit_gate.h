@@ -12,7 +12,7 @@ namespace vrx {
 
 // An edit of a field that is being left, and its possible outcomes. Texts are UTF-8.
 struct FieldEdit {
-  const QObject* field = nullptr;  // tells the edits of one gate apart; never dereferenced
+  const QObject* field = nullptr;  // identifies the edit; never dereferenced
   std::string what;                // within a sentence: "'Name' field"
   std::string text;                // as it was entered
 

@@ -108,7 +108,7 @@ class DataTransferPage final : public MainTabPage, private RecipeDownloadHost {
   DirectConnection direct_;
   DownloadPresenter session_;
   DataTransferControls controls_;
-  Connection chosen_ = Connection::kModule;  // what `optConnection` stands on
+  Connection chosen_ = Connection::kModule;  // current `optConnection`
   bool connect_again_ = false;               // the indicator was chosen while its connection ended
   LineGuard::Watch line_watch_;
   bool memory_shown_ = false;
