@@ -85,13 +85,13 @@ TEST_F(CtlTest, AnOutputThatCannotBeWrittenFails) {
   EXPECT_EQ(err, "Error: the standard output could not be written\n");
 }
 
-TEST_F(CtlTest, GlobalOptionsStandBehindACommandAsWell) {
+TEST_F(CtlTest, GlobalOptionsMayAlsoFollowACommand) {
   EXPECT_EQ(RunBare({"settings", "SystemUnits", "--data-dir", (folder / "data").string(), "--yes"}),
             0);
   EXPECT_EQ(out, "LB\n");
 }
 
-TEST_F(CtlTest, AMissingIniFileIsMadeAndTold) {
+TEST_F(CtlTest, AMissingIniFileIsCreatedAndReported) {
   const std::string fresh = (folder / "a" / "b").string();
   EXPECT_EQ(RunBare({"--data-dir", fresh, "settings", "SerialPort"}), 0);
   EXPECT_EQ(out, "2\n");

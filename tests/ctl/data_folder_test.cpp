@@ -48,7 +48,7 @@ class DataFolder : public CtlTest {
   std::string database = NewTransactionDatabase();
 };
 
-TEST_F(DataFolder, OneThatCannotBeMadeStopsNoCommandThatOnlyReads) {
+TEST_F(DataFolder, OneThatCannotBeCreatedStopsNoCommandThatOnlyReads) {
   const fs::path nowhere = folder.Write("file", "x") / "data";
   for (const std::vector<std::string>& command : Readers()) {
     const std::string usual = OutputIn(folder / "data", command);
@@ -84,7 +84,7 @@ TEST_F(DataFolder, TheCommonOneIsDoneWithoutToo) {
   }
 }
 
-TEST_F(DataFolder, SettingsThatCannotBeReadAreToldAndTheDefaultsHold) {
+TEST_F(DataFolder, SettingsThatCannotBeReadAreReportedAndTheDefaultsHold) {
   const fs::path data_folder = folder / "large";
   fs::create_directory(data_folder);
   std::ofstream(data_folder / "VRX-2260.INI") << std::string(std::size_t{2} << 20U, ' ');

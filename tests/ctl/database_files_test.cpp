@@ -31,7 +31,7 @@ class DatabaseFiles : public CtlTest {
 
 // Every way to name a database on the command line. The file is not read while it is locked:
 // closing it would drop the locks of this process.
-TEST_F(DatabaseFiles, ALockedOneIsToldAsLocked) {
+TEST_F(DatabaseFiles, ALockedOneIsReportedAsLocked) {
   const std::string path = (folder / "BUSY.RDB").string();
   std::filesystem::copy_file(SitePath("SITE.RDB"), path);
   const std::string transactions = NewTransactionDatabase();
@@ -73,7 +73,7 @@ TEST_F(DatabaseFiles, InfoReportsTheFixedRecordsThatAreMissing) {
   EXPECT_THAT(out, HasSubstr("recipes 1; pens 398-400"));
 }
 
-TEST_F(DatabaseFiles, ASystemUnitThatIsNeitherIsReportedAndCountsAsPounds) {
+TEST_F(DatabaseFiles, AnUnknownSystemUnitIsReportedAndTreatedAsPounds) {
   WriteUnit("TON");
   const std::string path = NewRecipeDatabase();
   EXPECT_THAT(err,

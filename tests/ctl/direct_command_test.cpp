@@ -86,7 +86,7 @@ TEST_F(DirectCommand, FileWithoutTheHeaderOfABackupIsRefusedBeforeThePortIsOpene
   EXPECT_THAT(serial.events, IsEmpty());
 }
 
-TEST_F(DirectCommand, MissingBackupIsTold) {
+TEST_F(DirectCommand, MissingBackupIsReported) {
   EXPECT_EQ(Direct({"--seconds", "3", "--load", (folder / "none.rbu").string()}), 1);
   EXPECT_THAT(err, HasSubstr("none.rbu"));
 }
@@ -99,7 +99,7 @@ TEST_F(DirectCommand, WrongUsageIsRefused) {
   EXPECT_EQ(Run({"direct", "--port", "0", "--seconds", "1"}), 2);
 }
 
-TEST_F(DirectCommand, RefusedPortIsTold) {
+TEST_F(DirectCommand, RefusedPortIsReported) {
   serial.failing_property = "PortOpen";
   EXPECT_EQ(Direct({"--seconds", "3"}), 1);
   EXPECT_EQ(err,
@@ -142,7 +142,7 @@ TEST_F(DirectCommand, MoreFilesThanTheTableHoldsAreRescuedWhole) {
   EXPECT_EQ(ReadAll(folder / "out/99.TXT"), "\f");
 }
 
-TEST_F(DirectCommand, FolderThatCannotBeMadeSendsAllToTheDataFolder) {
+TEST_F(DirectCommand, FolderThatCannotBeCreatedSendsAllToTheDataFolder) {
   folder.Write("out", "a file");
   ArriveAfter(Milliseconds{1000}, "{BAT/FED},L\r\n{DATA_IN},L\r\n");
   EXPECT_EQ(Direct({"--seconds", "3", "--out", Out()}), 1);
@@ -213,7 +213,7 @@ TEST_F(DirectCommand, AFailedAnswerFails) {
   EXPECT_THAT(err, StartsWith("Error: Transmission of response to <NAK> command failed!\n"));
 }
 
-TEST_F(DirectCommand, AHeldAnswerIsToldWithItsCause) {
+TEST_F(DirectCommand, AHeldAnswerIsReportedWithItsCause) {
   ArriveAfter(Milliseconds{1000}, "\x15");
   serial.hold_after_output = 0;
   EXPECT_EQ(Direct({"--seconds", "20"}), 1);

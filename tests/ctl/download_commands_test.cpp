@@ -194,7 +194,7 @@ TEST_F(DownloadCommands, ABackupWithAnotherHeaderIsRefused) {
   EXPECT_THAT(serial.events, IsEmpty());
 }
 
-TEST_F(DownloadCommands, AMissingBackupIsTold) {
+TEST_F(DownloadCommands, AMissingBackupIsReported) {
   EXPECT_EQ(Download((folder / "none.rbu").string()), 1);
   EXPECT_THAT(err, StartsWith("Recipe Backup-File Error: The Recipe backup-file cannot be read.\n"
                               "cause: "));
@@ -212,7 +212,7 @@ TEST_F(DownloadCommands, AForeignFileIsRefusedUntouched) {
   EXPECT_EQ(ReadAll(foreign), "hay\r\n");
 }
 
-TEST_F(DownloadCommands, ALockedDatabaseIsToldAndNothingIsSent) {
+TEST_F(DownloadCommands, ALockedDatabaseIsReportedAndNothingIsSent) {
   SQLite::Database other = OpenDatabase(yard, Access::kWrite);
   other.exec("BEGIN IMMEDIATE");
   EXPECT_EQ(Download(yard), 1);
@@ -222,7 +222,7 @@ TEST_F(DownloadCommands, ALockedDatabaseIsToldAndNothingIsSent) {
 }
 
 // Run with the rights of nobody: a superuser may write everywhere. The settings stay readable.
-TEST_F(DownloadCommands, AWriteProtectedDatabaseIsToldAndNothingIsSent) {
+TEST_F(DownloadCommands, AWriteProtectedDatabaseIsReportedAndNothingIsSent) {
   const TempFolder archive;
   fs::copy_file(yard, archive / "YARD.RDB");
   yard = (archive / "YARD.RDB").string();
@@ -236,7 +236,7 @@ TEST_F(DownloadCommands, AWriteProtectedDatabaseIsToldAndNothingIsSent) {
   EXPECT_EQ(out, text);
 }
 
-TEST_F(DownloadCommands, ARecipeThatDoesNotComputeIsToldAndNothingIsSent) {
+TEST_F(DownloadCommands, ARecipeThatDoesNotComputeIsReportedAndNothingIsSent) {
   AddLine(yard, {.recipe_id = "3", .ingredient = "1", .target = "2147483647", .sequence = 2});
   const std::string before = ReadAll(yard);
   EXPECT_EQ(Download(yard), 1);
@@ -246,12 +246,12 @@ TEST_F(DownloadCommands, ARecipeThatDoesNotComputeIsToldAndNothingIsSent) {
   EXPECT_TRUE(ReadAll(yard) == before);
 }
 
-TEST_F(DownloadCommands, ASilentModuleIsToldWithTheCause) {
+TEST_F(DownloadCommands, ASilentModuleIsReportedWithTheCause) {
   EXPECT_EQ(Download(yard), 1);
   EXPECT_THAT(err, EndsWith("\nError: KRM not detected\ncause: no reply\n"));
 }
 
-TEST_F(DownloadCommands, AFailedClearAndACutLineAreTold) {
+TEST_F(DownloadCommands, AFailedClearAndACutLineAreReported) {
   serial.WillAnswer("\x19\x1F");
   EXPECT_EQ(Download(yard), 1);
   EXPECT_THAT(err, EndsWith("\nError: Could not clear KRM\ncause: no reply\n"));

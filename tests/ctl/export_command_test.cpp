@@ -208,7 +208,7 @@ TEST_F(ExportCommandTest, AnXmlFileIsNeverNamedAsItsStylesheet) {
   EXPECT_EQ(Export(3, "xml", folder / "IngAll.xsl"), 0);
 }
 
-TEST_F(ExportCommandTest, AMissingStylesheetIsToldAndTheXmlIsDone) {
+TEST_F(ExportCommandTest, AMissingStylesheetIsReportedAndTheXmlIsDone) {
   system.program_directory = folder.Path().string();
   EXPECT_EQ(Export(3, "xml", out_folder / "DAY.xml"), 0);
   EXPECT_THAT(err, StartsWith("VRX(2260): Style sheet file has been tampered, Please contact to "

@@ -94,13 +94,13 @@ TEST_F(ImportCommands, StoreStoresTheOtherRowsAndExitsWithOneForFeedsThatFitNoBa
   EXPECT_EQ(Info(into)["rows"], 2);
 }
 
-TEST_F(ImportCommands, ImportTellsAMissingFile) {
+TEST_F(ImportCommands, ImportReportsAMissingFile) {
   EXPECT_EQ(Run({"import", (folder / "NONE.QXT").string()}), 1);
   EXPECT_THAT(err, StartsWith("Import Error: Could not find transaction file.\n"));
   EXPECT_THAT(out, IsEmpty());
 }
 
-TEST_F(ImportCommands, ImportTellsWhatTheParserMissed) {
+TEST_F(ImportCommands, ImportReportsWhatTheParserMissed) {
   file = folder.Write("BAD.QXT", "no transactions here").string();
   EXPECT_EQ(Run({"import", file}), 1);
   EXPECT_THAT(err, StartsWith("Import Error: No file-type identifier detected."));
@@ -118,7 +118,7 @@ TEST_F(ImportCommands, StoreCopiesAndCounts) {
       "firstDate":"2009-01-15","lastDate":"2009-01-15"})"));
 }
 
-TEST_F(ImportCommands, InfoTellsTheFirstAndTheLastDate) {
+TEST_F(ImportCommands, InfoShowsTheFirstAndTheLastDate) {
   const std::string into = NewTransactionDatabase();
   ASSERT_EQ(Store(into), 0);
   OpenDatabase(into, Access::kWrite)
@@ -127,7 +127,7 @@ TEST_F(ImportCommands, InfoTellsTheFirstAndTheLastDate) {
   EXPECT_EQ(Info(into)["lastDate"], "2009-02-03");
 }
 
-TEST_F(ImportCommands, StoringAgainGoesOnBehindTheHighestNumber) {
+TEST_F(ImportCommands, StoringAgainContinuesAfterTheHighestNumber) {
   const std::string into = NewTransactionDatabase();
   ASSERT_EQ(Store(into), 0);
   ASSERT_EQ(Store(into), 0);
@@ -158,7 +158,7 @@ TEST_F(ImportCommands, StoreRefusesDatabasesOfTheWrongKind) {
   EXPECT_EQ(Info(into)["rows"], 0);
 }
 
-TEST_F(ImportCommands, StoreTellsTheRowThatStopsItAndKeepsThoseBefore) {
+TEST_F(ImportCommands, StoreReportsTheRowThatStopsItAndKeepsThoseBefore) {
   std::string text(kWorkedExample);
   text.replace(text.find("B,1,14"), 6, "B,1,999");
   file = folder.Write("BAD.QXT", text).string();

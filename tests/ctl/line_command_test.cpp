@@ -218,7 +218,7 @@ TEST_F(LineCommand, RefusesA33rdLine) {
   EXPECT_EQ(Line({"add", "3", "2", "--weight", "5"}), 0) << err;
 }
 
-TEST_F(LineCommand, RefusesAPositionThatIsNotThere) {
+TEST_F(LineCommand, RefusesAPositionThatIsMissing) {
   ExpectRefused({"set", "3", "1", "--weight", "5"}, "Field Error: Recipe 3 has no lines.");
   ASSERT_EQ(Line({"add", "3", "1", "--weight", "5"}), 0);
   ExpectRefused({"delete", "3", "2", "--yes"},
@@ -273,7 +273,7 @@ TEST_F(LineCommand, RefusesAFileWhoseStorageFails) {
   EXPECT_TRUE(ReadAll(database) == before);
 }
 
-TEST_F(LineCommand, MendsARecipeThatOverflowsAndTellsWhatIsLeft) {
+TEST_F(LineCommand, RepairsARecipeThatOverflowsAndReportsWhatIsLeft) {
   AddCornHaySupplement();
   for (int line = 4; line <= 5; ++line) {
     AddLine(database, {.recipe_id = "3",

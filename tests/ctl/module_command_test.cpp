@@ -31,7 +31,7 @@ class ModuleCommands : public CtlTest {
   }
 };
 
-TEST_F(ModuleCommands, TestTellsThatTheModuleIsThere) {
+TEST_F(ModuleCommands, TestReportsThatTheModuleAnswers) {
   serial.WillAnswer(kOnline);
   EXPECT_EQ(Run({"module", "test", "--port", "3"}), 0);
   EXPECT_EQ(err, "KRM Test: KRM Successfully Detected.\n");
@@ -47,13 +47,13 @@ TEST_F(ModuleCommands, ADevicePathIsUsedAsItIs) {
   EXPECT_EQ(device, "/dev/module");
 }
 
-TEST_F(ModuleCommands, TestTellsASilentModuleAndWhy) {
+TEST_F(ModuleCommands, TestReportsASilentModuleAndTheReason) {
   EXPECT_EQ(Run({"module", "test", "--port", "3"}), 1);
   EXPECT_THAT(err, StartsWith("KRM Test: KRM Not Detected.  (Communication Error)\nPlease check "
                               "KRM module connection, cable and serial port selection.\ncause: "));
 }
 
-TEST_F(ModuleCommands, TestTellsAPortThatCannotBeOpened) {
+TEST_F(ModuleCommands, TestReportsAPortThatCannotBeOpened) {
   serial.failing_property = "PortOpen";
   EXPECT_EQ(Run({"module", "test", "--port", "3"}), 1);
   EXPECT_THAT(err, EndsWith("cause: fake: PortOpen refused\n"));
@@ -88,7 +88,7 @@ TEST_F(ModuleCommands, ClearIsAnsweredFromTheTerminal) {
   EXPECT_EQ(Run({"module", "clear", "--port", "3"}), 0);
 }
 
-TEST_F(ModuleCommands, ClearTellsWhichStepFailed) {
+TEST_F(ModuleCommands, ClearReportsWhichStepFailed) {
   EXPECT_EQ(Run({"--yes", "module", "clear", "--port", "3"}), 1);
   EXPECT_THAT(err, HasSubstr("Clear KRM: The 'Clear' operation failed. (Could not connect to the "
                              "KRM)\ncause: "));
@@ -98,7 +98,7 @@ TEST_F(ModuleCommands, ClearTellsWhichStepFailed) {
   EXPECT_THAT(err, HasSubstr("Clear KRM: The 'Clear' operation failed.\n"));
 }
 
-TEST_F(ModuleCommands, BaudTellsTheModuleAndKeepsTheRate) {
+TEST_F(ModuleCommands, BaudSetsTheModuleAndSavesTheRate) {
   serial.WillAnswer("\x17\x1F");
   EXPECT_EQ(Run({"module", "baud", "2400", "--port", "3"}), 0);
   EXPECT_EQ(err,
@@ -171,7 +171,7 @@ TEST_F(ModuleCommands, UploadPutsEachPathOnALineOfItsOwn) {
   EXPECT_THAT(Screen(), HasSubstr("\n" + base + "/01.QXT\n" + base + "/02.RBU\n"));
 }
 
-TEST_F(ModuleCommands, AHeldLineIsTold) {
+TEST_F(ModuleCommands, AHeldLineIsReported) {
   serial.hold_after_output = 0;
   for (const std::vector<std::string>& command :
        {std::vector<std::string>{"module", "test", "--port", "3"},
@@ -199,7 +199,7 @@ TEST_F(ModuleCommands, UploadFromNoModuleFailsWithTheCause) {
   EXPECT_THAT(err, HasSubstr("Error: KRM not detected\n"));
 }
 
-TEST_F(ModuleCommands, UploadTellsALineThatGoesAway) {
+TEST_F(ModuleCommands, UploadReportsALostLine) {
   serial.WillAnswer(kOnline);
   serial.lose_after_output = 2;
   EXPECT_EQ(Upload(), 1);
@@ -208,7 +208,7 @@ TEST_F(ModuleCommands, UploadTellsALineThatGoesAway) {
   EXPECT_FALSE(fs::exists(folder / "out"));
 }
 
-TEST_F(ModuleCommands, UploadIntoAFolderThatCannotBeMadeFails) {
+TEST_F(ModuleCommands, UploadIntoAFolderThatCannotBeCreatedFails) {
   folder.Write("out", "a file");
   Holds(kBackup);
   EXPECT_EQ(Upload(), 1);

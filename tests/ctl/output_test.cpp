@@ -17,7 +17,7 @@ const OutputTable kTable = {
     .header = {"ID", "Name", "HandAdd", "Target"},
     .rows = {{1, "CORN", true, 500.5}, {2, "a,\"b\"\r\nc", false, nullptr}}};
 
-TEST(PlainOutput, SeparatesCellsByTabsBehindAHeaderLine) {
+TEST(PlainOutput, SeparatesCellsByTabsAfterAHeaderLine) {
   EXPECT_EQ(Written(OutputForm::kPlain, kTable),
             "ID\tName\tHandAdd\tTarget\n1\tCORN\tYes\t500.5\n2\ta,\"b\"  c\tNo\t\n");
 }

@@ -78,7 +78,7 @@ TEST_F(PrintCommandTest, PrintsAGroupCollapsedAndWithoutRecipes) {
   EXPECT_EQ(page[4], "Recipe:FINISH");
 }
 
-TEST_F(PrintCommandTest, FitsAllColumnsOnlyWhereToldToAndAsksWhereTheyAreTooMany) {
+TEST_F(PrintCommandTest, FitsAllColumnsOnlyIfRequestedAndAsksIfTheyAreTooMany) {
   std::vector<std::string> wide{database, "--group", "0", "--recipes", recipes};
   PrintedPage(wide);
   wide.emplace_back("--fit");
@@ -146,7 +146,7 @@ TEST_F(PrintCommandTest, NeverPrintsOverADatabase) {
   }
 }
 
-TEST_F(PrintCommandTest, ReportsAFolderThatIsNotThere) {
+TEST_F(PrintCommandTest, ReportsAFolderThatIsMissing) {
   pdf = folder / "none/report.pdf";
   EXPECT_EQ(Print({"pens", recipes}), 1);
   EXPECT_EQ(err, "Print Error: The report could not be printed.\ncause: cannot write " +

@@ -67,7 +67,7 @@ TEST_F(RecordCommands, NewKeepsToEightCharacters) {
   EXPECT_FALSE(std::filesystem::exists(folder / "NINECHARS.RDB"));
 }
 
-TEST_F(RecordCommands, NewTellsAMissingTemplate) {
+TEST_F(RecordCommands, NewReportsAMissingTemplate) {
   system.program_directory = folder.Path().string();
   EXPECT_EQ(Run({"new", "transaction", (folder / "A.TDB").string()}), 1);
   EXPECT_THAT(err, StartsWith("File Missing Error: Couldn't find blank transaction database "
@@ -144,7 +144,7 @@ TEST_F(RecordCommands, SetRefusesAnEmptyName) {
   EXPECT_EQ(err, "Field Error: The 'Name' field is mandatory.\n");
 }
 
-TEST_F(RecordCommands, SetTellsWhatItNormalised) {
+TEST_F(RecordCommands, SetReportsWhatItNormalized) {
   EXPECT_EQ(Set("ingredient", "5", {"--description", "Corn", "--dry-matter", "150"}), 0);
   EXPECT_EQ(err, "DryMatter%: 150 is out of range, 100 is stored.\n");
   EXPECT_EQ(Listed("ingredients")[0]["DryMatter%"], 100);

@@ -87,7 +87,7 @@ TEST_F(RecordFlows, ANumberMayBearASign) {
   }
 }
 
-TEST_F(RecordFlows, SetRecipeTellsAHeadCountOutOfRange) {
+TEST_F(RecordFlows, SetRecipeReportsAHeadCountOutOfRange) {
   AddLine(database, {.recipe_id = "3", .target = "100"});
   ASSERT_EQ(Run({"set", "recipe", database, "3", "--type", "H", "--head-count", "1001"}), 0);
   EXPECT_EQ(err, "HeadCount: 1001 is out of range, 100 is stored.\n");
@@ -103,7 +103,7 @@ TEST_F(RecordFlows, SetRecipeStoresTheBatchTargetsOfANewRationTarget) {
   EXPECT_EQ(Lines()[1].batch_target, "1973");
 }
 
-TEST_F(RecordFlows, SetRecipeRenamesARecipeThatCannotBeComputedAndTellsIt) {
+TEST_F(RecordFlows, SetRecipeRenamesARecipeThatCannotBeComputedAndReportsIt) {
   MakeRecipe("3", "W");
   AddLine(database, {.recipe_id = "3", .target = "900000000", .dry_matter_percent = "1"});
   ASSERT_EQ(Run({"set", "recipe", database, "3", "--name", "HEIFRS"}), 0);
@@ -126,7 +126,7 @@ TEST_F(RecordFlows, FeedOnAHighPenBringsUpTheWarningUntilItIsTakenBack) {
   EXPECT_EQ(err, "");
 }
 
-TEST_F(RecordFlows, ResetPenTellsTheCapacityThatIsStillNeeded) {
+TEST_F(RecordFlows, ResetPenShowsTheCapacityThatIsStillNeeded) {
   ASSERT_EQ(Run({"set", "pen", database, "120", "--feed", "500"}), 0);
   ASSERT_EQ(Run({"set", "pen", database, "350", "--feed", "20"}), 0);
   ASSERT_EQ(Run({"reset", "pen", database, "350", "--yes"}), 0);
@@ -142,7 +142,7 @@ TEST_F(RecordFlows, ResetPenTellsTheCapacityThatIsStillNeeded) {
   EXPECT_EQ(err, "Set Pen Defaults: Reset pen #120 (PEN120) to its default values?\n");
 }
 
-TEST_F(RecordFlows, ResetOfAnotherRecordTellsNoCapacity) {
+TEST_F(RecordFlows, ResetOfAnotherRecordShowsNoCapacity) {
   ASSERT_EQ(Run({"set", "pen", database, "350", "--feed", "20"}), 0);
   for (const std::string kind : {"ingredient", "recipe"}) {
     ASSERT_EQ(Run({"reset", kind, database, "5", "--yes"}), 0);

@@ -68,7 +68,7 @@ TEST_F(RecordRefusals, ATextThatIsTooLong) {
                 "long.");
 }
 
-TEST_F(RecordRefusals, ANumberWithALetterBehindIt) {
+TEST_F(RecordRefusals, ANumberWithALetterAfterIt) {
   ExpectRefusal({"set", "ingredient", "5", "--dry-matter", "12x"},
                 "Field Error: The 'DryMatter%' field does not take the character 'x'.");
   ExpectRefusal({"set", "pen", "5", "--feed", "12x"},
@@ -77,7 +77,7 @@ TEST_F(RecordRefusals, ANumberWithALetterBehindIt) {
   ExpectWrongUsage({"reset", "pen", "12x"}, "12x");
 }
 
-TEST_F(RecordRefusals, ARecordThatIsNotThere) {
+TEST_F(RecordRefusals, ARecordThatIsMissing) {
   ExpectWrongUsage({"set", "ingredient", "101", "--name", "CORN"},
                    "'101' is no whole number from 1 to 100");
   ExpectWrongUsage({"set", "recipe", "0", "--name", "CORN"}, "'0' is no whole number");
@@ -107,7 +107,7 @@ TEST_F(RecordRefusals, AnAdjustmentThatTheListDoesNotHave) {
   }
 }
 
-TEST_F(RecordRefusals, AChoiceThatIsNone) {
+TEST_F(RecordRefusals, AnInvalidChoice) {
   ExpectWrongUsage({"set", "ingredient", "5", "--hand-add", "maybe"}, "maybe");
   ExpectWrongUsage({"set", "recipe", "5", "--type", "w"}, "w");
   ExpectWrongUsage({"set", "recipe", "5", "--type", "!"}, "!");

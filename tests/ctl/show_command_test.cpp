@@ -185,7 +185,7 @@ TEST_F(ShowCommands, AFileOfTheOtherKindIsRefused) {
   EXPECT_THAT(out, IsEmpty());
 }
 
-TEST_F(ShowCommands, AMissingFileIsToldAndNotMade) {
+TEST_F(ShowCommands, AMissingFileIsReportedAndNotCreated) {
   std::filesystem::remove(transactions);
   EXPECT_EQ(Show(3), 1);
   EXPECT_THAT(err, HasSubstr("cause: "));

@@ -33,7 +33,7 @@ TEST_F(TerminalOperatorTest, EndsATextAtItsLastLetter) {
   EXPECT_EQ(err.str(), "Error: One.\n");
 }
 
-TEST_F(TerminalOperatorTest, PrintsNoCauseWhereThereIsNone) {
+TEST_F(TerminalOperatorTest, PrintsNoCauseIfThereIsNone) {
   Show({.title = "KRM Test", .text = "KRM Successfully Detected."}, {});
   EXPECT_EQ(err.str(), "KRM Test: KRM Successfully Detected.\n");
 }

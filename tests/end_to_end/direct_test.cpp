@@ -171,7 +171,7 @@ TEST_F(DirectOverALine, CommandTakesEffectAtItsPlaceInABurst) {
   EXPECT_EQ(direct->Wait(), 1);
 }
 
-TEST_F(DirectOverALine, MismatchIsToldByTheIndicator) {
+TEST_F(DirectOverALine, MismatchIsReportedByTheIndicator) {
   const auto indicator = StartIndicator({"send 61 15", "expect 15 1F 62 1F"});
   const auto direct = StartDirect({});
   EXPECT_EQ(indicator->Wait(), 1);

@@ -91,7 +91,7 @@ TEST_F(Exports, ADayInEachFormatWithTheStylesheetBesideTheXml) {
   EXPECT_EQ(ReadAll(database), before);
 }
 
-TEST_F(Exports, AnUnwritablePlaceIsToldWithItsCause) {
+TEST_F(Exports, AnUnwritablePlaceIsReportedWithItsCause) {
   const std::string database = StoredDay();
   for (const std::string format : {"csv", "xml", "html"}) {
     const Result below = Ctl(Args(database, 3, format, "/proc/nowhere/DAY." + format));
@@ -104,7 +104,7 @@ TEST_F(Exports, AnUnwritablePlaceIsToldWithItsCause) {
   }
 }
 
-TEST_F(Exports, AReadOnlyDiskIsTold) {
+TEST_F(Exports, AReadOnlyDiskIsReported) {
   const std::string database = StoredDay();
   for (const std::string format : {"csv", "xml"}) {
     const std::string output = RunWithMounts(
@@ -123,7 +123,7 @@ TEST_F(Exports, AReadOnlyDiskIsTold) {
   }
 }
 
-TEST_F(Exports, AFullDiskIsToldAndLeavesTheOlderXmlAndAPartOfTheCsv) {
+TEST_F(Exports, AFullDiskIsReportedAndLeavesTheOlderXmlAndAPartOfTheCsv) {
   const std::string database = ManyRows(20000);
   for (const std::string format : {"csv", "xml"}) {
     const std::string output = RunWithMounts(

@@ -53,7 +53,7 @@ TEST_F(Prints, EveryReportAndSayNothing) {
   }
 }
 
-TEST_F(Prints, NothingToPrintIsTold) {
+TEST_F(Prints, NothingToPrintIsReported) {
   const Result group = PrintTo(pdf, {NewTransactionDatabase(), "--group", "3"});
   EXPECT_EQ(group.code, 1);
   EXPECT_EQ(group.err, "Print Error: There is no transaction data to be printed.\n");
@@ -111,7 +111,7 @@ TEST_F(Prints, WrongUsageIsRefused) {
   EXPECT_FALSE(fs::exists(pdf));
 }
 
-TEST_F(Prints, AFolderThatIsNotThereIsTold) {
+TEST_F(Prints, AFolderThatIsMissingIsReported) {
   const fs::path nowhere = folder / "none" / "report.pdf";
   const Result result = PrintTo(nowhere, {"pens", SitePath("SITE.RDB")});
   EXPECT_EQ(result.code, 1);
@@ -119,7 +119,7 @@ TEST_F(Prints, AFolderThatIsNotThereIsTold) {
                             nowhere.string() + ": No such file or directory\n");
 }
 
-TEST_F(Prints, AFullOrReadOnlyDiskIsToldAndKeepsTheOlderFile) {
+TEST_F(Prints, AFullOrReadOnlyDiskIsReportedAndKeepsTheOlderFile) {
   const std::string day = StoredDay();
   for (const auto& [options, cause] :
        {std::pair<std::string, std::string>{"remount,size=20k", "No space left on device"},

@@ -204,7 +204,7 @@ TEST_F(SampleSite, ThePensOfALoadGetAboutWhatWasBatched) {
   }
 }
 
-TEST_F(SampleSite, AWrongTextIsToldWithFileAndLine) {
+TEST_F(SampleSite, AWrongTextIsReportedWithFileAndLine) {
   const fs::path texts = folder / "texts";
   fs::copy(fs::path(VRX_SOURCE_DIR) / "data/sample_site", texts);
   const std::vector<std::array<std::string, 4>> wrong = {

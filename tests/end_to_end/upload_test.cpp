@@ -110,7 +110,7 @@ TEST_F(UploadOverALine, APortNumberIsMappedByTheDataFolder) {
   EXPECT_EQ(test.code, 0) << test.err;
 }
 
-TEST_F(UploadOverALine, AMissingPortIsToldAsMissing) {
+TEST_F(UploadOverALine, AMissingPortIsReportedAsMissing) {
   const Result upload = Upload("out");
   EXPECT_EQ(upload.code, 1);
   EXPECT_THAT(upload.err, HasSubstr("Error: KRM not detected\n"));

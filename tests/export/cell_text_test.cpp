@@ -41,7 +41,7 @@ TEST(CellText, WritesDatesAndTimesInTheirDefaultForm) {
   EXPECT_EQ(TextOf("23:59:59", kTime), "11:59:59 PM");
 }
 
-TEST(CellText, LeavesWhatHasNotTheStoredFormOfADateOrTimeAsItStands) {
+TEST(CellText, KeepsTextThatIsNotAStoredDateOrTime) {
   EXPECT_EQ(TextOf("2011-02-30", kDate), "2011-02-30");
   EXPECT_EQ(TextOf("14.3.2011", kDate), "14.3.2011");
   EXPECT_EQ(TextOf("24:00:00", kTime), "24:00:00");
@@ -54,7 +54,7 @@ TEST(CellText, LeavesTextsAloneEvenIfTheyLookLikeDatesOrNumbers) {
 
 TEST(CellText, IsEmptyForNull) { EXPECT_EQ(TextOf({}), ""); }
 
-TEST(CellText, AppendsBehindWhatIsThere) {
+TEST(CellText, AppendsToTheText) {
   std::string text = "17,";
   AppendCellText(250.0, kWeight, text);
   EXPECT_EQ(text, "17,250");

@@ -118,7 +118,7 @@ TEST_F(CsvExports, ANullInTheFirstCellOfGroupZeroIsABlank) {
   EXPECT_THAT(Exported(0), HasSubstr("\r\n ,STARTER,BATCH,"));
 }
 
-TEST_F(CsvExports, ARecipeOfNoNameIsAnErrorBehindTheHeader) {
+TEST_F(CsvExports, ARecipeWithoutNameIsAnErrorAfterTheHeader) {
   site_.Store({{.transaction = 1}, {.transaction = 2, .recipe = ""}});
   EXPECT_EQ(
       LeftByFailure(3,
@@ -152,7 +152,7 @@ TEST_F(CsvExports, ASumOverNoValuesIsAnEmptyCell) {
   EXPECT_THAT(Exported(6), ::testing::EndsWith(" ,Total:, ,,5, , , ,\r\n"));
 }
 
-TEST_F(CsvExports, ATypeOtherThanBatchCountsAsFeed) {
+TEST_F(CsvExports, ATypeOtherThanBatchIsTreatedAsFeed) {
   site_.Store({{.transaction = 17, .type = "Batch", .target = 5, .batch = 1, .feed = 2}});
   EXPECT_THAT(Exported(1), ::testing::EndsWith(" , ,Total:, , ,2, ,5, , , ,\r\n"));
 }
@@ -184,7 +184,7 @@ TEST_F(CsvExports, ANameWithRecordsOnlyInOtherCaseIsNotFound) {
   EXPECT_EQ(text.find("STARTER"), std::string::npos);
 }
 
-TEST_F(CsvExports, AFullDiskIsTold) {
+TEST_F(CsvExports, AFullDiskIsReported) {
   site_.StoreYard();
   try {
     Export(1, "/dev/full", VisibleColumnsOf(1));
@@ -195,7 +195,7 @@ TEST_F(CsvExports, AFullDiskIsTold) {
   EXPECT_TRUE(fs::exists("/dev/full"));
 }
 
-TEST_F(CsvExports, AFolderThatIsNotThereIsTold) {
+TEST_F(CsvExports, AFolderThatIsMissingIsReported) {
   site_.StoreYard();
   const fs::path file = site_.Folder() / "gone" / "out.csv";
   try {

@@ -129,7 +129,7 @@ TEST(CsvOfADamagedDatabase, IsAnErrorThatNamesTheDatabase) {
   }
 }
 
-TEST(CsvIntoAReadOnlyFolder, IsToldAndTheOldFileStays) {
+TEST(CsvIntoAReadOnlyFolder, IsReportedAndTheOldFileStays) {
   const ExportFixture site;
   site.StoreYard();
   const fs::path file = site.Folder().Write("out.csv", "old");

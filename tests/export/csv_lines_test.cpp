@@ -29,7 +29,7 @@ std::string LineOf(Build build, const std::vector<WalkedField>& list,
   return line;
 }
 
-TEST(CsvHeader, JoinsTheCaptionsWithoutACommaBehindTheLast) {
+TEST(CsvHeader, JoinsTheCaptionsWithoutACommaAfterTheLast) {
   EXPECT_EQ(BuildCsvHeader(kDictionary, ""), "Transaction,Recipe,Target Wt,Date");
 }
 
@@ -41,7 +41,7 @@ TEST(CsvHeader, IsWrittenInOneBytePerCharacter) {
   EXPECT_EQ(BuildCsvHeader({{"Ing01Wt", "GR\u00dcN"}}, ""), "GR\xdcN");
 }
 
-TEST(CsvDataRow, PutsValuesIntoTheirColumnsWithACommaBehindEveryCell) {
+TEST(CsvDataRow, PutsValuesIntoTheirColumnsWithACommaAfterEveryCell) {
   EXPECT_EQ(LineOf(BuildCsvDataRow, kRecordFields, {"STARTER", 500.5, "2011-03-14"}),
             ",STARTER,500.5,3/14/2011,");
 }
@@ -52,7 +52,7 @@ TEST(CsvDataRow, OfOneFieldIsAGroupLine) {
   EXPECT_EQ(LineOf(BuildCsvDataRow, {{"Target", ColumnContent::kWeight}}, {5.0}), ",,5,,");
 }
 
-TEST(CsvDataRow, ANullBehindTheFirstColumnIsAnEmptyCell) {
+TEST(CsvDataRow, ANullAfterTheFirstColumnIsAnEmptyCell) {
   EXPECT_EQ(LineOf(BuildCsvDataRow, kRecordFields, {CellView(), CellView(), CellView()}), ",,,,");
 }
 
@@ -75,7 +75,7 @@ TEST(CsvDataRow, ACharacterThatTheCodePageLacksIsAQuestionMark) {
             ",\xc9T\xc9 \x80 ?,0,,");
 }
 
-TEST(CsvPlainRow, HasNoCommaBehindTheLastCell) {
+TEST(CsvPlainRow, HasNoCommaAfterTheLastCell) {
   EXPECT_EQ(LineOf(BuildCsvPlainRow,
                    {{"Transaction", ColumnContent::kNumber},
                     {"Recipe", ColumnContent::kText},
@@ -96,7 +96,7 @@ TEST(CsvValueLine, HoldsTheValueAlone) {
   EXPECT_EQ(line, "(none)");
 }
 
-TEST(CsvTotalRow, HasABlankInEveryOtherCellAndACommaBehindEachOne) {
+TEST(CsvTotalRow, HasABlankInEveryOtherCellAndACommaAfterEachOne) {
   std::string line;
   BuildCsvTotalRow(kDictionary, std::array<CsvTotal, 2>{{{"Recipe", "Total:"}, {"Target", "500"}}},
                    line);

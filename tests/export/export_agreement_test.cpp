@@ -254,7 +254,7 @@ class Agreement : public ::testing::TestWithParam<int> {
 
 class AgreementOfLoads : public Agreement {};
 
-TEST_P(AgreementOfLoads, GridXmlAndCsvTellTheSameTotals) {
+TEST_P(AgreementOfLoads, GridXmlAndCsvHaveTheSameTotals) {
   const int group = GetParam();
   for (int table = 0; table < kTables; ++table) {
     SCOPED_TRACE(table);
@@ -272,7 +272,7 @@ INSTANTIATE_TEST_SUITE_P(AllButUsersTypes, AgreementOfLoads, ::testing::Range(1,
 
 class AgreementOfAnyRows : public Agreement {};
 
-TEST_P(AgreementOfAnyRows, XmlAndCsvTellTheSameTotalsByTheWaysOfExports) {
+TEST_P(AgreementOfAnyRows, XmlAndCsvHaveTheSpecifiedTotalsOfExports) {
   const int group = GetParam();
   for (int table = 0; table < kTables; ++table) {
     SCOPED_TRACE(table);
@@ -284,7 +284,7 @@ TEST_P(AgreementOfAnyRows, XmlAndCsvTellTheSameTotalsByTheWaysOfExports) {
   }
 }
 
-TEST_P(AgreementOfAnyRows, TheGridTellsTheTotalsOfItsOwnRows) {
+TEST_P(AgreementOfAnyRows, TheGridShowsTheTotalsOfItsOwnRows) {
   const int group = GetParam();
   for (int table = 0; table < kTables; ++table) {
     SCOPED_TRACE(table);
@@ -324,7 +324,7 @@ class Difference : public Agreement {
 };
 
 class TransactionOfTwoDates : public Difference {};
-TEST_P(TransactionOfTwoDates, StandsWholeUnderBothInAnExport) {
+TEST_P(TransactionOfTwoDates, IsCompleteUnderBothInAnExport) {
   ExpectDifference({{.target = 1, .batch = 10, .date = "2026-01-05"},
                     {.target = 2, .batch = 20, .date = "2026-01-06"}},
                    {{{"1", "BATCH"}, {{"ActualBatch", "10"}, {"Target", "1"}}},

@@ -106,12 +106,12 @@ TEST_F(ExportColumns, AnIngredientColumnWithoutAPlaceInTheTableIsDropped) {
                           ExportedColumn{"Ing01Wt", "CORN"}, ExportedColumn{"Ing50Wt", "SALT"}));
 }
 
-TEST_F(ExportColumns, ACaptionOrEntryOfBlanksCountsAsNone) {
+TEST_F(ExportColumns, ABlankCaptionOrEntryIsTreatedAsMissing) {
   names_.SetIngredientColumnName("Ing03Wt", "  ");
   EXPECT_THAT(Of(10, {"Ing03Wt", "   ", "Pen"}), ElementsAre(ExportedColumn{"Pen", "Pen"}));
 }
 
-TEST_F(ExportColumns, AVisibleColumnThatIsFixedAlreadyStandsOnce) {
+TEST_F(ExportColumns, AVisibleColumnThatIsAlsoFixedOccursOnce) {
   EXPECT_THAT(Of(8, {"Recipe", "Pen"}),
               ElementsAre(ExportedColumn{"Pen", "Pen"}, ExportedColumn{"Recipe", "Recipe"}));
 }

@@ -72,7 +72,7 @@ TEST(ExportPlanTable, RecipesByIngredientHaveTheBatchWeightOnly) {
   EXPECT_THAT(Attributes(FindExportPlan(5)->weights), ElementsAre("Batch_Weight"));
 }
 
-TEST(ExportPlanTable, ATypeHasTheBatchOrTheFeedWeightAheadOfTheTarget) {
+TEST(ExportPlanTable, ATypeHasTheBatchOrTheFeedWeightBeforeTheTarget) {
   for (const int group : {1, 2, 3, 4, 12}) {
     EXPECT_THAT(Attributes(FindExportPlan(group)->weights),
                 ElementsAre("Batch_Weight", "Target_Weight"));

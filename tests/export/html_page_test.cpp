@@ -92,7 +92,7 @@ TEST_F(HtmlPage, GoesByAStyleSheetThatWasChangedInPlace) {
   EXPECT_THAT(ReadAll(page_), HasSubstr("<p>ours</p>"));
 }
 
-TEST_F(HtmlPage, WithoutAStyleSheetIsToldAndNotMade) {
+TEST_F(HtmlPage, WithoutAStyleSheetIsReportedAndNotCreated) {
   EXPECT_FALSE(Write());
   ASSERT_EQ(op_.boxes.size(), 1U);
   EXPECT_EQ(op_.boxes.front().text,
@@ -100,7 +100,7 @@ TEST_F(HtmlPage, WithoutAStyleSheetIsToldAndNotMade) {
   EXPECT_EQ(ReadAll(page_), kOldPage);
 }
 
-TEST_F(HtmlPage, OfNoGroupIsToldAndNotMade) {
+TEST_F(HtmlPage, OfAnInvalidGroupIsReportedAndNotCreated) {
   EXPECT_FALSE(WriteHtmlPage(sheets_, 13, xml_, page_));
   EXPECT_EQ(op_.boxes.size(), 1U);
 }
@@ -150,7 +150,7 @@ TEST_F(HtmlPage, RefusesDataThatIsCutOff) {
   EXPECT_THAT(Refusal(), HasSubstr("out.xml is not XML: line 1:"));
 }
 
-TEST_F(HtmlPage, RefusesDataThatIsNotThere) {
+TEST_F(HtmlPage, RefusesDataThatIsMissing) {
   UseSheet(SheetOf(""));
   fs::remove(xml_);
   EXPECT_THAT(Refusal(), HasSubstr("out.xml"));
@@ -181,7 +181,7 @@ TEST_F(HtmlPage, TakesDataUpToTheLimit) {
   EXPECT_THAT(ReadAll(page_), HasSubstr("<p>large</p>"));
 }
 
-TEST_F(HtmlPage, InAFolderThatIsNotThereIsRefused) {
+TEST_F(HtmlPage, InAFolderThatIsMissingIsRefused) {
   UseSheet(SheetOf("<xsl:template match='/'><p/></xsl:template>"));
   EXPECT_THROW(WriteHtmlPage(sheets_, kGroup, xml_, folder_ / "gone/out.html"), FileError);
   EXPECT_FALSE(FileExists(folder_ / "gone"));
@@ -255,7 +255,7 @@ TEST_F(HtmlPage, AStyleSheetThatGrowsBeyondMeasureIsStopped) {
   EXPECT_THAT(Refusal(), HasSubstr("PensFedAll.xsl made no page"));
 }
 
-TEST_F(HtmlPage, AStyleSheetThatGivesUpIsToldInItsWords) {
+TEST_F(HtmlPage, AStyleSheetThatFailsIsReportedInItsWords) {
   UseSheet(
       SheetOf("<xsl:template match='/'><xsl:message terminate='yes'>not with me</xsl:message>"
               "</xsl:template>"));

@@ -84,7 +84,7 @@ TEST_F(LevelWalks, TheFieldsOfARecordAreTheDictionarysWithoutTheExcludedOnes) {
   EXPECT_EQ(WalkOf(2).Fields().back().content, ColumnContent::kTime);
 }
 
-TEST_F(LevelWalks, ATransactionOnTwoDatesStandsWholeUnderBoth) {
+TEST_F(LevelWalks, ATransactionOnTwoDatesIsCompleteUnderBoth) {
   site_.Store({{.transaction = 17, .batch = 1, .date = "2011-03-14"},
                {.transaction = 17, .batch = 2, .date = "2011-03-15"}});
   const std::string first = "record STARTER|1|NULL|0|NULL|0|7|06:10:00";
@@ -118,7 +118,7 @@ TEST_F(LevelWalks, ByUserAndTypeTheSumsTakeInAllOfTheUserAndAllOfTheType) {
   EXPECT_THAT(lines, Contains("open 1 Type FEED Feed_Weight=22 Target_Weight=33"));
 }
 
-TEST_F(LevelWalks, AUserOfMinusOneStandsAmongTheRowsWithoutAUser) {
+TEST_F(LevelWalks, AUserOfMinusOneIsAmongTheRowsWithoutAUser) {
   site_.Store({{.transaction = 1, .user = "-1", .batch = 1},
                {.transaction = 2, .user = "", .batch = 2},
                {.transaction = 3, .user = "7", .batch = 3}});
@@ -159,7 +159,7 @@ TEST_F(LevelWalks, AGroupThatShowsNoColumnsIsAnError) {
                Error);
 }
 
-TEST_F(LevelWalks, EveryGroupOfTheYardGoesByTheToldQueries) {
+TEST_F(LevelWalks, EveryGroupOfTheYardMatchesTheSpecifiedQueries) {
   site_.StoreYard();
   for (int group = 0; group < 13; ++group) {
     ExpectAsTold(group, YardNameOf(group));
@@ -256,7 +256,7 @@ std::vector<SiteRow> RandomRows(std::mt19937& random, bool with_dates_only) {
   return rows;
 }
 
-TEST_F(LevelWalks, RandomTablesGoByTheToldQueries) {
+TEST_F(LevelWalks, RandomTablesMatchTheSpecifiedQueries) {
   std::mt19937 random(73);
   for (int round = 0; round < 60; ++round) {
     const int by_date = round % 2;

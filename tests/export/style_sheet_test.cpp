@@ -47,7 +47,7 @@ TEST_F(StyleSheetTest, ChangedInPlaceIsCopiedAsItIs) {
   EXPECT_EQ(ReadFileBytes(folder_ / "out/RecipesAll.xsl", kLimit), "no stylesheet at all");
 }
 
-TEST_F(StyleSheetTest, MissingIsToldAsTampered) {
+TEST_F(StyleSheetTest, MissingIsReportedAsTampered) {
   EXPECT_FALSE(sheets_.CopyStyleSheet(8, folder_ / "out"));
   ASSERT_EQ(op_.boxes.size(), 1U);
   EXPECT_EQ(op_.boxes.front().text, kTampered);
@@ -55,7 +55,7 @@ TEST_F(StyleSheetTest, MissingIsToldAsTampered) {
   EXPECT_FALSE(FileExists(folder_ / "out/PensFedAll.xsl"));
 }
 
-TEST_F(StyleSheetTest, OfNoGroupIsToldAsTampered) {
+TEST_F(StyleSheetTest, OfAnInvalidGroupIsReportedAsTampered) {
   EXPECT_FALSE(sheets_.CopyStyleSheet(13, folder_ / "out"));
   EXPECT_FALSE(sheets_.CopyStyleSheet(-1, folder_ / "out"));
   EXPECT_EQ(op_.boxes.size(), 2U);

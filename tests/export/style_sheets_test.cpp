@@ -170,7 +170,7 @@ TEST(StyleSheetPage, ShowsATotalWhoseColumnIsHidden) {
               ElementsAre("Target Wt", "Pen P", "80", "Total: Feed 77.5", "Target 80"));
 }
 
-TEST(StyleSheetPage, StandsATotalUnderItsColumnWithItsLabel) {
+TEST(StyleSheetPage, PutsATotalUnderItsColumnWithItsLabel) {
   const std::string xml =
       "<Transactions><Columns><Column>Pen</Column><Column>Recipe</Column>"
       "<Column>Feed Wt</Column></Columns><Pen Value=\"P\" Feed_Weight=\"77.5\">"

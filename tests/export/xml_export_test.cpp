@@ -121,7 +121,7 @@ TEST_F(XmlExports, TheSumsOfAUsersTypesCountTheRowsOfEither) {
                              "Target_Weight=\"1000\"><Record>"));
 }
 
-TEST_F(XmlExports, ATransactionOnTwoDatesStandsWholeUnderBoth) {
+TEST_F(XmlExports, ATransactionOnTwoDatesIsCompleteUnderBoth) {
   site_.Store({{.transaction = 5, .batch = 10, .date = "2011-03-14"},
                {.transaction = 5, .batch = 20, .date = "2011-03-15"}});
   const std::string xml = Exported(2);
@@ -136,7 +136,7 @@ TEST_F(XmlExports, ARecipesFeedsShowAFeedWeight) {
                                      "Feed_Weight=\"95\" Target_Weight=\"90\">"));
 }
 
-TEST_F(XmlExports, AnyTypeButBatchCountsAsFeed) {
+TEST_F(XmlExports, AnyTypeExceptBatchIsTreatedAsFeed) {
   site_.Store({{.type = "WASTE", .target = 90, .batch = 4, .feed = 95}});
   EXPECT_THAT(Exported(1),
               HasSubstr("<Type Value=\"WASTE\" Feed_Weight=\"95\" Target_Weight=\"90\">"));
@@ -147,7 +147,7 @@ TEST_F(XmlExports, ARecipeOfNoNameHasAnEmptyValue) {
   EXPECT_THAT(Exported(3), HasSubstr("<Recipe Value=\"\"></Recipe>"));
 }
 
-TEST_F(XmlExports, ARowWithoutADateIsAnErrorByDateAndTheOldFileStands) {
+TEST_F(XmlExports, ARowWithoutADateIsAnErrorByDateAndTheOldFileIsKept) {
   WriteFileBytes(file_, "old");
   site_.Store({{.transaction = 1}, {.transaction = 2, .date = ""}});
   EXPECT_THROW(Export(2, file_), Error);
@@ -165,7 +165,7 @@ TEST_F(XmlExports, AFailureInTheMiddleLeavesTheOldFileAndNothingBeside) {
   }
 }
 
-TEST_F(XmlExports, AFolderThatIsNotThereIsNamed) {
+TEST_F(XmlExports, AFolderThatIsMissingIsNamed) {
   site_.Store({{.transaction = 1}});
   const fs::path nowhere = site_.Folder() / "gone/out.xml";
   try {
@@ -224,7 +224,7 @@ TEST_F(XmlExports, TheStylesheetIsCopiedBesideAFileOfARelativePath) {
   EXPECT_EQ(ReadAll(site_.Folder() / "TranByBatchFed.xsl"), "<sheet/>");
 }
 
-TEST_F(XmlExports, AMissingStylesheetIsToldAndTheExportStillASuccess) {
+TEST_F(XmlExports, AMissingStylesheetIsReportedAndTheExportIsStillASuccess) {
   site_.Store({{.transaction = 1}});
   EXPECT_TRUE(Export(11, file_));
   ASSERT_EQ(op_.boxes.size(), 1U);

@@ -48,7 +48,7 @@ void ExpectRefusal(const std::string& script, const std::string& refusal) {
   EXPECT_THAT(site.Files(), IsEmpty());
 }
 
-TEST(Reader, ThatIsKilledIsTold) {
+TEST(Reader, ThatIsKilledIsReported) {
   ExpectRefusal("kill -9 $$",
                 "LEGACYR.RDB is damaged: its reader was ended by signal 9. Copy it again");
   ExpectRefusal("kill -SEGV $$", "its reader was ended by signal 11");
@@ -62,14 +62,14 @@ TEST(Reader, ThatIsKilledInTheMiddleLeavesNothing) {
                 "its rows have no end");
 }
 
-TEST(Reader, OfAnotherKindIsTold) {
+TEST(Reader, OfAnotherKindIsReported) {
   ExpectRefusal("echo hello", "is not the right one: the bytes are no rows of this version");
   ExpectRefusal("exit 0", "its rows have no end");
   ExpectRefusal("exit 99", "is not the right one (it ended with code 99)");
   ExpectRefusal("cat /dev/zero", "the bytes are no rows of this version");
 }
 
-TEST(Reader, ThatFindsAnotherFileThanTheParentTellsItsKind) {
+TEST(Reader, ThatFindsAnotherFileThanTheParentReportsItsKind) {
   ExpectRefusal("exit 22", "LEGACYR.RDB is protected by a database password");
   ExpectRefusal("exit 3", "is damaged: its list of tables cannot be read");
 }
@@ -84,7 +84,7 @@ std::string RowsWithDamagedTable(const std::string& name) {
   return bytes;
 }
 
-TEST(Reader, ThatCannotReadATableOfRecordsIsTold) {
+TEST(Reader, ThatCannotReadATableOfRecordsIsReported) {
   ConversionFixture site;
   const OtherReader reader(site, "exec cat '" + site.folder.Path().string() + "/rows'");
   WriteBytes(site.folder / "rows", RowsWithDamagedTable("Recipe"));
@@ -108,7 +108,7 @@ TEST(Reader, HasTenSecondsAndOneForEachMegabyteUpToAnHour) {
   }
 }
 
-TEST(Reader, ThatIsNotThereIsTold) {
+TEST(Reader, ThatIsMissingIsReported) {
   ConversionFixture site;
   const OtherReader reader(site, "exit 0");
   fs::remove(site.program_directory / "vrx2260jet");
@@ -202,7 +202,7 @@ TEST(Conversion, RefusesEveryOtherKindOfFileInItsOwnWords) {
   EXPECT_THAT(site.Files(), ElementsAre("OLD.RDB"));
 }
 
-TEST(Conversion, IntoAFolderThatIsNotThereIsTold) {
+TEST(Conversion, IntoAFolderThatIsMissingIsReported) {
   ConversionFixture site;
   site.copy = site.folder / "none" / "NEW.RDB";
   EXPECT_THAT(site.Refusal(site.Data("LEGACYR.RDB")),
@@ -219,7 +219,7 @@ TEST(Conversion, FromAWriteProtectedTemplateMakesAFileThatCanBeWritten) {
   EXPECT_EQ(fs::status(site.copy).permissions(), fs::perms::owner_read | fs::perms::owner_write);
 }
 
-TEST(Conversion, WithoutATemplateIsTold) {
+TEST(Conversion, WithoutATemplateIsReported) {
   ConversionFixture site;
   const OtherReader reader(site,
                            "exec " + (fs::path(VRX_BIN_DIR) / "vrx2260jet").string() + " \"$@\"");

@@ -169,7 +169,7 @@ TEST(ConvertedTransactionFile, KeepsADecimalWeightAsItWasWritten) {
   EXPECT_GT(decimals, 0U);
 }
 
-TEST(ConversionReport, OfTheRecipeFileTellsCountsSumsAndRepairs) {
+TEST(ConversionReport, OfTheRecipeFileShowsCountsSumsAndRepairs) {
   ConversionFixture site;
   const ConversionReport report = site.Convert(site.Data("LEGACYR.RDB"));
   EXPECT_EQ(report.kind, DatabaseKind::kRecipe);
@@ -192,7 +192,7 @@ TEST(ConversionReport, OfTheRecipeFileTellsCountsSumsAndRepairs) {
                        "stored"));
 }
 
-TEST(ConversionReport, OfTheTransactionFileTellsTheSameSumsOnBothSides) {
+TEST(ConversionReport, OfTheTransactionFileShowsTheSameSumsOnBothSides) {
   ConversionFixture site;
   const ConversionReport report = site.Convert(site.Data("LEGACYX.TDB"));
   EXPECT_EQ(CountsOf(report, "Transactions").read, 302U);

@@ -151,7 +151,7 @@ TEST(FieldValue, StoresADoubleAsItIs) {
   EXPECT_TRUE(repairs.empty());
 }
 
-TEST(FieldValue, ClampsAWholeNumberAndTellsIt) {
+TEST(FieldValue, ClampsAWholeNumberAndReportsIt) {
   const FieldRule rule{
       .column = "DryMatter%", .kind = FieldKind::kWhole, .smallest = 0, .largest = 100};
   Repairs repairs;

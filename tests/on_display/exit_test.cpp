@@ -66,7 +66,7 @@ class LeavingOnDisplay : public OnDisplay {
 
 class ExitOnDisplay : public LeavingOnDisplay, public ::testing::WithParamInterface<WayOut> {};
 
-TEST_P(ExitOnDisplay, StoresTheTypedTextAndLeavesNothingBehind) {
+TEST_P(ExitOnDisplay, StoresTheTypedTextAndLeavesNoTemporaryFiles) {
   StartProgram();
   TypeDescription("Hay of May");
   Leave(GetParam());
@@ -139,7 +139,7 @@ class UnwritableUserSettings : public LeavingOnDisplay,
   }
 };
 
-TEST_P(UnwritableUserSettings, AreToldAndTheProgramEnds) {
+TEST_P(UnwritableUserSettings, AreReportedAndTheProgramEnds) {
   StartProgram();
   WriteShortIni();
   Leave(GetParam());

@@ -46,7 +46,7 @@ class FileKinds : public ::testing::Test {
   TempFolder folder_;
 };
 
-TEST_F(FileKinds, AreToldByTheirEndingsInEitherCase) {
+TEST_F(FileKinds, AreDetectedByTheirExtensionsInEitherCase) {
   for (const bool lower : {false, true}) {
     const auto name = [&](const std::string& upper, const std::string& small) {
       return File(lower ? small : upper, "");
@@ -58,7 +58,7 @@ TEST_F(FileKinds, AreToldByTheirEndingsInEitherCase) {
   }
 }
 
-TEST_F(FileKinds, AreToldByTheirFirstBytesWhereTheEndingSaysNothing) {
+TEST_F(FileKinds, AreDetectedByTheirFirstBytesIfTheExtensionIsUnknown) {
   EXPECT_EQ(Kind(SampleSite("database")), "application/x-vrx2260-database");
   EXPECT_EQ(Kind(File("transactions", "{BAT/FED},L\r\n")), "application/x-vrx2260-transactions");
   EXPECT_EQ(Kind(File("backup", "{DATA_IN}\r\n")), "application/x-vrx2260-recipe-backup");

@@ -112,7 +112,7 @@ TEST_F(CommandStatesTest, AParentFollowsTheOtherDatabasesItem) {
   EXPECT_TRUE(states_.On("mnuFileSaveAs"));
 }
 
-TEST_F(CommandStatesTest, ObserversAreToldWhatChangesInOrderAndNothingElse) {
+TEST_F(CommandStatesTest, ObserversAreNotifiedOnlyOfChangesAndInOrder) {
   CloseBoth();
   states_.AddObserver(*this);
   CloseBoth();
@@ -125,14 +125,14 @@ TEST_F(CommandStatesTest, ObserversAreToldWhatChangesInOrderAndNothingElse) {
                           "Save Transaction on", "mnuViewTransactionFile on"));
 }
 
-TEST_F(CommandStatesTest, EveryObserverIsTold) {
+TEST_F(CommandStatesTest, EveryObserverIsNotified) {
   states_.AddObserver(*this);
   states_.AddObserver(*this);
   states_.TurnTab(2, false);
   EXPECT_THAT(changes_, ElementsAre("tab 2 off", "tab 2 off"));
 }
 
-TEST_F(CommandStatesTest, RefusesANameOrATabThatIsNotThere) {
+TEST_F(CommandStatesTest, RefusesANameOrATabThatIsMissing) {
   EXPECT_THROW(states_.On("mnuFileExit"), Error);
   EXPECT_THROW(states_.Turn("save", true), Error);
   EXPECT_THROW(states_.TabOn(7), Error);

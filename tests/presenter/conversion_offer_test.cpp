@@ -75,7 +75,7 @@ class ConversionOfferTest : public ::testing::Test {
   KeptDisplay display;
 };
 
-TEST_F(ConversionOfferTest, AsksInTheToldWordsAndConvertsACopy) {
+TEST_F(ConversionOfferTest, AsksInTheSpecifiedWordsAndConvertsACopy) {
   op.answers = {Answer::kYes};
   chooser.Choose(site.copy);
   const LegacyOpening made = Offer(site.Data("LEGACYR.RDB"));

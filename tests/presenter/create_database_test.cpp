@@ -179,7 +179,7 @@ TEST_P(Create, RefusesTheOtherKindsTemplate) {
   EXPECT_THAT(FileNames(data_), IsEmpty());
 }
 
-TEST_P(Create, ADamagedTemplateIsToldTwiceAndItsCopyDeleted) {
+TEST_P(Create, ADamagedTemplateIsReportedTwiceAndItsCopyDeleted) {
   folder_.Write("program/" + Template().filename().string(), "damaged");
   EXPECT_FALSE(Run(Wanted("YARD")));
   std::vector<std::string> titles;

@@ -203,7 +203,7 @@ TEST_F(DataFiles, ABlockThatIsNotCutWholeStaysUnsaved) {
   EXPECT_TRUE(transfer_.received.Unsaved());
 }
 
-TEST_F(DataFiles, LeavesTheListAloneWhenTheDialogIsCancelled) {
+TEST_F(DataFiles, LeavesTheListAloneWhenTheDialogIsCanceled) {
   transfer_.data_files[1].checked = true;
   transfer_.selected_row = 3;
   transfer_.file_path = "before";

@@ -108,7 +108,7 @@ TEST_F(Identity, SelectorOneIsCreatedTwoAndZeroAreModified) {
   EXPECT_EQ(identity_.GetDatabaseDate(path, static_cast<DateSelector>(0)), modified);
 }
 
-TEST_F(Identity, ADateThatIsNotSetIsNoneAndNoBox) {
+TEST_F(Identity, ADateThatIsNotSetIsEmptyWithoutABox) {
   const fs::path path = CopyOfTemplate(folder_, "YARD.RDB");
   EXPECT_EQ(identity_.GetDatabaseDate(path, DateSelector::kCreated), std::nullopt);
   EXPECT_EQ(identity_.GetDatabaseDate(path, DateSelector::kModified), std::nullopt);
@@ -153,31 +153,31 @@ TEST_F(Identity, WorksBesideAnotherOpenConnection) {
   EXPECT_EQ(window.exec("UPDATE Pen SET FeedAmount = '6'"), 400);
 }
 
-TEST_F(Identity, AFileThatIsNoDatabaseIsToldByItsNumber) {
+TEST_F(Identity, AFileThatIsNoDatabaseIsReportedByItsNumber) {
   const fs::path path = folder_.Write("YARD.RDB", "no database");
   ExpectAllFail(path, "Error: " + std::to_string(SQLITE_NOTADB));
   EXPECT_EQ(ReadAll(path), "no database");
 }
 
-TEST_F(Identity, ADatabaseWithoutItsTablesIsToldSo) {
+TEST_F(Identity, ADatabaseWithoutItsTablesIsReported) {
   const fs::path path = CopyOfTemplate(folder_, "YARD.RDB");
   Alter(path, "DROP TABLE BrantockDatabase; DROP TABLE History; DROP TABLE UnitsOfMeasure");
   ExpectAllFail(path, kInvalidTable);
 }
 
-TEST_F(Identity, ADatabaseOfAnotherProgramIsToldSo) {
+TEST_F(Identity, ADatabaseOfAnotherProgramIsReported) {
   const fs::path path = CopyOfTemplate(folder_, "YARD.RDB");
   Alter(path, "PRAGMA application_id=0");
   ExpectAllFail(path, kInvalidTable);
 }
 
-TEST_F(Identity, TablesWithoutARowAreToldSo) {
+TEST_F(Identity, TablesWithoutARowAreReported) {
   const fs::path path = CopyOfTemplate(folder_, "YARD.RDB");
   Alter(path, "DELETE FROM BrantockDatabase; DELETE FROM History; DELETE FROM UnitsOfMeasure");
   ExpectAllFail(path, kNoRecord);
 }
 
-TEST_F(Identity, TablesWithoutTheirFieldsAreToldSo) {
+TEST_F(Identity, TablesWithoutTheirFieldsAreReported) {
   const fs::path path = CopyOfTemplate(folder_, "YARD.RDB");
   Alter(path,
         "ALTER TABLE BrantockDatabase RENAME COLUMN dBType TO x;"
@@ -187,7 +187,7 @@ TEST_F(Identity, TablesWithoutTheirFieldsAreToldSo) {
   ExpectAllFail(path, kInvalidField);
 }
 
-TEST_F(Identity, ALockedFileIsToldSo) {
+TEST_F(Identity, ALockedFileIsReported) {
   const fs::path path = CopyOfTemplate(folder_, "YARD.RDB");
   const ExclusiveHolder holder(path);
   ExpectAllFail(path, kLocked);
@@ -197,7 +197,7 @@ TEST_F(Identity, AnEmptyPathFailsLikeAnyOther) {
   ExpectAllFail({}, "Error: " + std::to_string(SQLITE_CANTOPEN));
 }
 
-TEST_F(Identity, WritingAWriteProtectedFileIsToldAndReadingGoesOn) {
+TEST_F(Identity, WritingAWriteProtectedFileIsReportedAndReadingGoesOn) {
   const fs::path path = CopyOfTemplate(folder_, "YARD.RDB");
   const std::string before = ReadAll(path);
   {

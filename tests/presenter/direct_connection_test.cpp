@@ -103,7 +103,7 @@ TEST_F(DirectConnectionTest, OtherControlCharactersAreData) {
   EXPECT_EQ(serial.sent, "");
 }
 
-TEST_F(DirectConnectionTest, ClearEmptiesImageAndTextBoxesAndStandsForAtMost200Ms) {
+TEST_F(DirectConnectionTest, ClearEmptiesImageAndTextBoxesAndShowsForAtMost200Ms) {
   ArriveAfter(Ms{100}, "{REPORT}x");
   After(Ms{1000}, [&] {
     tab.data_window = "shown";
@@ -277,7 +277,7 @@ TEST_F(DirectConnectionTest, LeavingSetsTheTabBackAndStopsTheUpdates) {
   EXPECT_EQ(tab.memory_size, "3");
 }
 
-TEST_F(DirectConnectionTest, FailedReplyIsToldAndTheLoopGoesOn) {
+TEST_F(DirectConnectionTest, FailedReplyIsReportedAndTheLoopGoesOn) {
   ArriveAfter(Ms{100}, "abc\x15");
   After(Ms{500}, [&] { serial.failing_property = "Output"; });
   After(Ms{4000}, [&] { serial.failing_property = ""; });
@@ -291,7 +291,7 @@ TEST_F(DirectConnectionTest, FailedReplyIsToldAndTheLoopGoesOn) {
             "abc\x1F");
 }
 
-TEST_F(DirectConnectionTest, LostLineIsToldOnceAndFallsBackToTheModule) {
+TEST_F(DirectConnectionTest, LostLineIsReportedOnceAndFallsBackToTheModule) {
   ArriveAfter(Ms{100}, "abc");
   After(Ms{200}, [&] { serial.LoseLine(); });
   EXPECT_FALSE(direct.ConnectIndicator());
@@ -313,7 +313,7 @@ TEST_F(DirectConnectionTest, LineLostDuringAReplyEndsTheConnection) {
   EXPECT_EQ(op.boxes[1].text, "The direct-connection has ended: Serial line lost.");
 }
 
-TEST_F(DirectConnectionTest, ClosingProgramEndsItWithoutAWordAndKeepsWhatArrived) {
+TEST_F(DirectConnectionTest, ClosingProgramEndsItWithoutAMessageAndKeepsWhatArrived) {
   ArriveAfter(Ms{100}, "abc\x15");
   After(Ms{200}, [&] { pump.closing = true; });
   EXPECT_TRUE(direct.ConnectIndicator());
@@ -364,7 +364,7 @@ TEST_F(DirectConnectionTest, OnlyABackupHasABackupsHeader) {
 }
 
 // As the setup dialog has it.
-TEST_F(DirectConnectionTest, ResumesWhenSomebodyElseHasClosedThePort) {
+TEST_F(DirectConnectionTest, ResumesWhenAnotherRoutineHasClosedThePort) {
   After(Ms{100}, [this] {
     krm.KRM_Close();
     EXPECT_TRUE(direct.Resume());
@@ -376,7 +376,7 @@ TEST_F(DirectConnectionTest, ResumesWhenSomebodyElseHasClosedThePort) {
   EXPECT_EQ(krm.GS_KRM_VirtualMemory(), "after");
 }
 
-TEST_F(DirectConnectionTest, ResumesWhenSomebodyElseHasUsedThePort) {
+TEST_F(DirectConnectionTest, ResumesWhenAnotherRoutineHasUsedThePort) {
   serial.WillAnswer("\x19\x1f");
   After(Ms{100}, [this] {
     krm.KRM_Close();

@@ -18,7 +18,7 @@ class DirectMemory : public LinkFixture {
   Upload upload{krm, tab, pump, op, settings};
 };
 
-TEST_F(DirectMemory, EmptyMemoryIsToldInABoxAndInTheStatusLine) {
+TEST_F(DirectMemory, EmptyMemoryIsReportedInABoxAndInTheStatusLine) {
   tab.data_files = {{.file = 1, .text = "old", .checked = true}};
   upload.UploadDataFromKRM();
   ASSERT_EQ(op.boxes.size(), 1U);
@@ -45,7 +45,7 @@ TEST_F(DirectMemory, FilesAreCountedAndListedAndReloadIsDisabled) {
   EXPECT_EQ(pump.Now(), Ms{0});
 }
 
-TEST_F(DirectMemory, OneFileIsToldInTheSingular) {
+TEST_F(DirectMemory, OneFileIsReportedInTheSingular) {
   krm.GS_KRM_VirtualMemory("{REPORT}x");
   EXPECT_EQ(upload.ReadDirectMemory(), 1);
   EXPECT_EQ(op.Status(), "Memory read complete!  (9 bytes, 1 file)");
@@ -62,7 +62,7 @@ TEST_F(DirectMemory, UnknownMemoryIsShownWholeInRed) {
   EXPECT_EQ(op.Status(), "No data files in memory!");
 }
 
-TEST_F(DirectMemory, HundredthFileIsTold) {
+TEST_F(DirectMemory, HundredthFileIsReported) {
   krm.GS_KRM_VirtualMemory(std::string(100, '\f'));
   EXPECT_EQ(upload.ReadDirectMemory(), 99);
   EXPECT_EQ(op.status_color, StatusColor::kRed);

@@ -65,7 +65,7 @@ TEST_F(DownloadTest, DoesNotBeepWithTheBeeperOff) {
   EXPECT_EQ(op.beeps, 0);
 }
 
-TEST_F(DownloadTest, StandsByInBlueWhileItLooksForTheModule) {
+TEST_F(DownloadTest, ShowsStandbyInBlueWhileItLooksForTheModule) {
   op.status_color = StatusColor::kRed;
   std::string status;
   StatusColor color = StatusColor::kRed;
@@ -116,7 +116,7 @@ TEST_F(DownloadTest, PortThatCannotBeOpenedIsTheCause) {
   EXPECT_EQ(krm.KRM_FailureCause(), "fake: PortOpen refused");
 }
 
-TEST_F(DownloadTest, ModuleThatDoesNotAnswerTheClearIsToldSo) {
+TEST_F(DownloadTest, ModuleThatDoesNotAnswerTheClearIsReported) {
   serial.WillAnswer(kEcho19200);
   ExpectFailure("Could not clear KRM");
   EXPECT_EQ(krm.KRM_FailureCause(), "no reply");

@@ -89,7 +89,7 @@ TEST_F(TheExportTab, AGroupByNameOnSelectHasNoDataToExport) {
   }
 }
 
-TEST_F(TheExportTab, AnEmptyNameOfAGroupByNameIsToldByTheDriver) {
+TEST_F(TheExportTab, AnEmptyNameOfAGroupByNameIsReportedByTheDriver) {
   const std::map<int, std::string> texts{{4, "Please select recipe name in Batched/Fed tab."},
                                          {7, "Please select ingredient name in Batched/Fed tab."},
                                          {9, "Please select pen name in Batched/Fed tab."}};
@@ -153,7 +153,7 @@ TEST_F(TheExportTab, APageLeavesNothingElseBeside) {
   EXPECT_LE(temporary(), before);
 }
 
-TEST_F(TheExportTab, APageWithoutItsStylesheetFailsAndIsToldOnce) {
+TEST_F(TheExportTab, APageWithoutItsStylesheetFailsAndIsReportedOnce) {
   fs::remove(site.Folder() / "XSL/TranByBatchFed.xsl");
   Export(ExportFormat::kHtml);
   ASSERT_EQ(op.boxes.size(), 2U);
@@ -163,7 +163,7 @@ TEST_F(TheExportTab, APageWithoutItsStylesheetFailsAndIsToldOnce) {
   EXPECT_TRUE(fs::is_empty(out));
 }
 
-TEST_F(TheExportTab, AMissingStylesheetOfAnXmlIsToldAndTheExportASuccess) {
+TEST_F(TheExportTab, AMissingStylesheetOfAnXmlIsReportedAndTheExportASuccess) {
   fs::remove(site.Folder() / "XSL/TranByBatchFed.xsl");
   Export(ExportFormat::kXml);
   ASSERT_EQ(op.boxes.size(), 2U);
@@ -238,7 +238,7 @@ TEST_F(TheExportTab, EnteringItHidesTheProgressAndConfiguresTheImportColumns) {
   EXPECT_EQ(tab.Form().txt_f_name, "DAY");
 }
 
-TEST_F(TheExportTab, ACancelledBrowseChangesNothing) {
+TEST_F(TheExportTab, ACanceledBrowseChangesNothing) {
   tab.SetFPath("there");
   files.Cancel();
   tab.ClickBrowse();

@@ -353,7 +353,7 @@ TEST_F(HistoryViewTest, AnotherTransactionDatabaseShowsTheSelectedGroup) {
   EXPECT_EQ(view.GroupIndex(), 8);
 }
 
-TEST_F(HistoryViewTest, AnotherTransactionDatabaseStandsOpenWhileAllAreExpanded) {
+TEST_F(HistoryViewTest, AnotherTransactionDatabaseIsExpandedWhileAllAreExpanded) {
   view.SetExpandAll(true);
   view.SelectGroup(8);
   other.emplace(SmallHistory(folder, "OTHER.TDB"));
@@ -401,7 +401,7 @@ TEST_F(HistoryViewTest, GroupTenKeepsTheOrderOfTheGroupBefore) {
               ElementsAre("Pen", "Recipe", "Feed Wt", "Target Wt", "CORN", "HAY"));
 }
 
-TEST_F(HistoryViewTest, AMovedColumnStandsWhereItWasPut) {
+TEST_F(HistoryViewTest, AMovedColumnStaysWhereItWasPut) {
   view.SelectGroup(8);
   view.MoveColumn(11, 1);
   EXPECT_EQ(VisibleCaptions(view.Grid()).front(), "Feed Wt");
@@ -420,7 +420,7 @@ TEST_F(HistoryViewTest, AClickOnAHeaderSortsAndTheNextTurnsTheOrder) {
   EXPECT_TRUE(view.Grid().SortAscending());
 }
 
-TEST_F(HistoryViewTest, AFailureOfTheStorageIsToldAndTheOldGroupStays) {
+TEST_F(HistoryViewTest, AFailureOfTheStorageIsReportedAndTheOldGroupStays) {
   view.SelectGroup(9);
   view.SetExpandAll(true);
   PickName("A02");
@@ -441,7 +441,7 @@ TEST_F(HistoryViewTest, AFailureOfTheStorageIsToldAndTheOldGroupStays) {
                           "2: STEERS|300|0|10|10:00 AM|15-Mar-11", "=1: Total:|1100|780|||"));
 }
 
-TEST_F(HistoryViewTest, NamesThatCannotBeReadAreToldAndTheOldGroupStays) {
+TEST_F(HistoryViewTest, NamesThatCannotBeReadAreReportedAndTheOldGroupStays) {
   view.SelectGroup(8);
   recipes.exec("ALTER TABLE Pen RENAME TO Elsewhere");
   view.SelectGroup(9);

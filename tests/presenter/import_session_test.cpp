@@ -274,7 +274,7 @@ TEST_F(ImportSessionTest, AllIngredientColumnsAreHiddenWithNoRecipeDatabase) {
   }
 }
 
-TEST_F(ImportSessionTest, NamesThatCannotBeReadAreToldAndHideTheColumns) {
+TEST_F(ImportSessionTest, NamesThatCannotBeReadAreReportedAndHideTheColumns) {
   grid_fails_ = true;
   session_.ConfigureImportColumns();
   ASSERT_THAT(site_.op.boxes, SizeIs(1));

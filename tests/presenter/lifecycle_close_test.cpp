@@ -122,7 +122,7 @@ TEST_F(SaveDatabase, ThatCannotBeOpenedAgainStaysOpen) {
   EXPECT_TRUE(commands_.On("mnuFileSaveTransactionDB"));
 }
 
-TEST_F(ReleaseDatabases, LetsViewsGoAheadOfTheirConnections) {
+TEST_F(ReleaseDatabases, ReleasesViewsBeforeTheirConnections) {
   databases_.Release();
   EXPECT_THAT(diary_, ElementsAre("release views"));
   EXPECT_EQ(databases_.Bound(kRecipe).connection, nullptr);

@@ -33,7 +33,7 @@ TEST_F(LifecycleEarlierTest, TheCopyIsOpenedInPlaceOfTheEarlierFile) {
   EXPECT_THAT(BoxTitles(), IsEmpty());
 }
 
-TEST_F(LifecycleEarlierTest, AnEndLeavesEverythingAsItStood) {
+TEST_F(LifecycleEarlierTest, AnEndChangesNothing) {
   databases_.OpenRecipeDatabase(copy_, "COPY.RDB");
   earlier_.answer = {.outcome = Outcome::kEnd};
   chooser_.Choose(old_);

@@ -36,14 +36,14 @@ class LifecycleFaults : public LifecycleFixture {
   fs::path earlier_ = MakeUserFile("EARLIER.RDB", kRecipe);
 };
 
-TEST_F(LifecycleFaults, ADamagedFileIsToldTwiceAndTheEarlierOneStays) {
+TEST_F(LifecycleFaults, ADamagedFileIsReportedTwiceAndTheEarlierOneStays) {
   databases_.OpenRecipeDatabase(folder_.Write("BAD.RDB", "no database at all"), "BAD.RDB");
   EXPECT_THAT(BoxTitles(), ElementsAre("Database-Type Error", "Invalid Database"));
   EXPECT_THAT(operator_.boxes[0].cause, HasSubstr("BAD.RDB is a text file"));
   ExpectEarlierStays();
 }
 
-TEST_F(LifecycleFaults, ACutOffFileIsToldTwiceAndTheEarlierOneStays) {
+TEST_F(LifecycleFaults, ACutOffFileIsReportedTwiceAndTheEarlierOneStays) {
   const fs::path path = MakeUserFile("CUT.RDB", kRecipe);
   fs::resize_file(path, 8192);
   databases_.OpenRecipeDatabase(path, "CUT.RDB");
@@ -51,7 +51,7 @@ TEST_F(LifecycleFaults, ACutOffFileIsToldTwiceAndTheEarlierOneStays) {
   ExpectEarlierStays();
 }
 
-TEST_F(LifecycleFaults, AForeignDatabaseIsToldTwiceAndTheEarlierOneStays) {
+TEST_F(LifecycleFaults, AForeignDatabaseIsReportedTwiceAndTheEarlierOneStays) {
   const fs::path path = folder_ / "OTHER.RDB";
   SQLite::Database(path, SQLite::OPEN_READWRITE | SQLite::OPEN_CREATE)
       .exec(
@@ -63,7 +63,7 @@ TEST_F(LifecycleFaults, AForeignDatabaseIsToldTwiceAndTheEarlierOneStays) {
   ExpectEarlierStays();
 }
 
-TEST_F(LifecycleFaults, AFileHeldByAnotherProgramIsToldTwiceAndTheEarlierOneStays) {
+TEST_F(LifecycleFaults, AFileHeldByAnotherProgramIsReportedTwiceAndTheEarlierOneStays) {
   const fs::path path = MakeUserFile("HELD.RDB", kRecipe);
   const ExclusiveHolder holder(path);
   databases_.OpenRecipeDatabase(path, "HELD.RDB");
@@ -72,7 +72,7 @@ TEST_F(LifecycleFaults, AFileHeldByAnotherProgramIsToldTwiceAndTheEarlierOneStay
   ExpectEarlierStays();
 }
 
-TEST_F(LifecycleFaults, AFileThatVanishesBetweenDialogAndOpenIsToldTwice) {
+TEST_F(LifecycleFaults, AFileThatVanishesBetweenDialogAndOpenIsReportedTwice) {
   const fs::path path = MakeUserFile("GONE.RDB", kRecipe);
   chooser_.Choose(path);
   pump_.After(Milliseconds(100), [&] { fs::remove(path); });
@@ -117,7 +117,7 @@ TEST_F(LifecycleFaults, AFileWithoutItsUnitMovesNoView) {
   EXPECT_EQ(BoundName(kTransaction), "QXNULXDB.MDB");
 }
 
-TEST_F(LifecycleFaults, AnUnreadableDateIsToldAndTheFileOpensWithoutIt) {
+TEST_F(LifecycleFaults, AnUnreadableDateIsReportedAndTheFileOpensWithoutIt) {
   const fs::path path = MakeUserFile("DATE.RDB", kRecipe);
   Alter(path, "UPDATE History SET Created = 'yesterday'");
   databases_.OpenRecipeDatabase(path, "DATE.RDB");
@@ -181,7 +181,7 @@ TEST_F(LifecycleFaults, AWriteProtectedFileOpensForReadingWithANote) {
   EXPECT_TRUE(commands_.On("mnuFileSaveRecipeDB"));
 }
 
-TEST_F(LifecycleFaults, ACloseWithoutATemplateStandsOnABlankDatabaseInMemory) {
+TEST_F(LifecycleFaults, ACloseWithoutATemplateUsesABlankDatabaseInMemory) {
   fs::remove(Template(kRecipe));
   databases_.CloseRecipeDatabase();
   ASSERT_THAT(BoxTitles(), ElementsAre("Close Recipe File Error"));
@@ -197,7 +197,7 @@ TEST_F(LifecycleFaults, ACloseWithoutATemplateStandsOnABlankDatabaseInMemory) {
   EXPECT_EQ(tabs_.CurrentTab(), 3);
 }
 
-TEST_F(LifecycleFaults, ACloseOntoTheOtherKindsTemplateStandsOnABlankDatabaseInMemory) {
+TEST_F(LifecycleFaults, ACloseOntoTheOtherKindsTemplateUsesABlankDatabaseInMemory) {
   fs::copy_file(TemplatePath(kTransaction), Template(kRecipe),
                 fs::copy_options::overwrite_existing);
   databases_.CloseRecipeDatabase();
@@ -219,7 +219,7 @@ TEST_F(LifecycleFaults, ACloseGoesToItsEndWhateverTheViewsDo) {
   EXPECT_EQ(tabs_.CurrentTab(), 3);
 }
 
-TEST_F(LifecycleFaults, AFailureOfATabIsToldUnderTheRoutinesTitle) {
+TEST_F(LifecycleFaults, AFailureOfATabIsReportedUnderTheRoutinesTitle) {
   window_.on_prepare_tab = [] { throw Error("the grid is gone"); };
   databases_.BrowseRecipeDatabase();
   EXPECT_THAT(BoxTitles(), ElementsAre("Open Recipe File Error"));

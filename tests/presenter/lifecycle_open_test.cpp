@@ -32,7 +32,7 @@ TEST_F(OpenRecipeDatabase, RunsItsStepsInOrder) {
   EXPECT_EQ(tabs_.CurrentTab(), 3);
 }
 
-TEST_F(OpenTransactionDatabase, RunsItsStepsInOrderWithoutHourglassAndBeep) {
+TEST_F(OpenTransactionDatabase, RunsItsStepsInOrderWithoutBusyCursorAndBeep) {
   const fs::path path = MakeUserFile("y2026.tdb", kTransaction, "LB", "'2025-11-20'");
   databases_.OpenTransactionDatabase(path, "Y2026.TDB");
   EXPECT_THAT(
@@ -149,7 +149,7 @@ TEST_F(OpenRecipeDatabase, RefusesABlankTemplate) {
   EXPECT_THAT(BoxTitles(), ElementsAre("Invalid Database"));
 }
 
-TEST_F(OpenRecipeDatabase, WarnsOfTheOtherUnitAndOpensAllTheSame) {
+TEST_F(OpenRecipeDatabase, WarnsOfTheOtherUnitAndOpensAnyway) {
   databases_.OpenRecipeDatabase(MakeUserFile("YARD.RDB", kRecipe, "KG"), "YARD.RDB");
   ASSERT_THAT(operator_.boxes, SizeIs(1));
   EXPECT_EQ(operator_.boxes[0].icon, Icon::kWarning);
@@ -164,7 +164,7 @@ TEST_F(OpenRecipeDatabase, WarnsOfTheOtherUnitAndOpensAllTheSame) {
   EXPECT_TRUE(commands_.On("mnuFileCloseRecipeDB"));
 }
 
-TEST_F(OpenTransactionDatabase, WarnsOfTheOtherUnitAheadOfTheDates) {
+TEST_F(OpenTransactionDatabase, WarnsOfTheOtherUnitBeforeTheDates) {
   databases_.OpenTransactionDatabase(MakeUserFile("Y.TDB", kTransaction, "KG"), "Y.TDB");
   ASSERT_GE(diary_.size(), 7U);
   EXPECT_THAT(Diary(diary_.begin() + 4, diary_.begin() + 7),

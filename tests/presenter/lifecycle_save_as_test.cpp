@@ -179,7 +179,7 @@ TEST_F(SaveAsRecipeCommand, RefusesTheFileOfTheOtherDatabase) {
   EXPECT_EQ(BoundName(kRecipe), "QXNULRDB.MDB");
 }
 
-TEST_F(SaveAsTransactionCommand, AFolderThatIsNotThereEndsClosedUnderItsTitle) {
+TEST_F(SaveAsTransactionCommand, AFolderThatIsMissingEndsClosedUnderItsTitle) {
   chooser_.Choose(InData("none") / "COPY.TDB");
   databases_.SaveAsTransactionCommand();
   EXPECT_THAT(BoxTitles(), ElementsAre("Save As Transaction Database Error"));

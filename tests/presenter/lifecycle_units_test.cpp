@@ -139,7 +139,7 @@ TEST_F(UnitQuestion, IsNotAskedOfAFileThatMayNotBeWritten) {
   EXPECT_THAT(BoxTitles(), IsEmpty());
 }
 
-TEST_F(UnitQuestion, ThatCannotBeCarriedOutIsToldAndTheUnitStays) {
+TEST_F(UnitQuestion, ThatCannotBeCarriedOutIsReportedAndTheUnitIsKept) {
   Open(kRecipe, metric_);
   operator_.answers = {Answer::kYes};
   {

@@ -51,7 +51,7 @@ TEST_F(ModuleSetupTest, TestTakesPortAndBaudFromTheLists) {
   EXPECT_EQ(serial.sent, "\x18");
 }
 
-TEST_F(ModuleSetupTest, TestWithoutAModuleTellsWhy) {
+TEST_F(ModuleSetupTest, TestWithoutAModuleReportsTheReason) {
   Test();
   EXPECT_EQ(Box().text,
             "KRM Not Detected.  (Communication Error)\r\n"
@@ -87,7 +87,7 @@ TEST_F(ModuleSetupTest, ClearClears) {
   EXPECT_THAT(standby, ElementsAre(true, false));
 }
 
-TEST_F(ModuleSetupTest, ClearWithoutAModuleIsTold) {
+TEST_F(ModuleSetupTest, ClearWithoutAModuleIsReported) {
   op.answers = {Answer::kYes};
   Clear();
   EXPECT_EQ(serial.sent, "\x18");
@@ -95,7 +95,7 @@ TEST_F(ModuleSetupTest, ClearWithoutAModuleIsTold) {
   EXPECT_EQ(Box().icon, Icon::kWarning);
 }
 
-TEST_F(ModuleSetupTest, ClearThatIsNotEchoedIsTold) {
+TEST_F(ModuleSetupTest, ClearThatIsNotEchoedIsReported) {
   op.answers = {Answer::kYes};
   serial.WillAnswer("\x18\x1f");
   serial.WillAnswer("x\x14\x1f");
@@ -111,7 +111,7 @@ TEST_F(ModuleSetupTest, SetBaudNeedsAChoice) {
   EXPECT_EQ(settings.KRMBaudRate(), "");
 }
 
-TEST_F(ModuleSetupTest, SetBaudResetsTheLinkAndTellsTheModule) {
+TEST_F(ModuleSetupTest, SetBaudResetsTheLinkAndSetsTheModule) {
   serial.WillAnswer("\x18\x1f");
   krm.KRM_SetBaud(9600);
   serial.WillAnswer("\x16\x1f");
@@ -126,7 +126,7 @@ TEST_F(ModuleSetupTest, SetBaudResetsTheLinkAndTellsTheModule) {
             "an K-2260 or some other indicator.");
 }
 
-TEST_F(ModuleSetupTest, SetBaudThatFailsIsTold) {
+TEST_F(ModuleSetupTest, SetBaudThatFailsIsReported) {
   setup.SetBaud("2400");
   EXPECT_EQ(Box().text,
             "Failed to set the KRM baudrate.\r\n\r\n"
@@ -154,7 +154,7 @@ TEST_F(ModuleSetupTest, AbandonedItEndsWithinASecond) {
   EXPECT_THAT(op.boxes, IsEmpty());
 }
 
-TEST_F(ModuleSetupTest, AbandonedBehindTheCheckItDoesNotClear) {
+TEST_F(ModuleSetupTest, AbandonedAfterTheCheckItDoesNotClear) {
   op.answers = {Answer::kYes};
   serial.WillAnswer("\x18\x1f");
   pump.After(Ms{1300}, [this] { setup.Abandon(); });

@@ -98,7 +98,7 @@ TEST_F(RecentDatabasesTest, NothingIsLoadedWithoutAName) {
   EXPECT_FALSE(recent_.AutoloadTransPending());
 }
 
-TEST_F(RecentDatabasesTest, ARefusedFileIsToldAndTheOtherOneStillOpens) {
+TEST_F(RecentDatabasesTest, ARefusedFileIsReportedAndTheOtherOneStillOpens) {
   Alter(recipes_, "UPDATE BrantockDatabase SET dBType = 'OTHER'");
   recent_.Load();
   recent_.Activate();

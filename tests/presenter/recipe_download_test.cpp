@@ -243,7 +243,7 @@ TEST_F(RecipeDownloadTest, OptionChoosesBatchTargets) {
   EXPECT_THAT(tab.data_window, HasSubstr("\r\n1,STEERS,0,5000,0,CORN,HAY;4017,983\r\n"));
 }
 
-TEST_F(RecipeDownloadTest, WhatSendingChangesIsStoredAheadOfIt) {
+TEST_F(RecipeDownloadTest, RecomputedValuesAreStoredBeforeTheyAreSent) {
   Recipe(tables, 1).head_count = 80;
   OpenSmallYard();
   op.answers = {Answer::kYes};
@@ -255,7 +255,7 @@ TEST_F(RecipeDownloadTest, WhatSendingChangesIsStoredAheadOfIt) {
   EXPECT_EQ(QueryText(path, "SELECT Modified FROM History"), "2026-01-05");
 }
 
-TEST_F(RecipeDownloadTest, EditorThenStandsOnTheHighestRecipeInUse) {
+TEST_F(RecipeDownloadTest, EditorThenShowsTheHighestRecipeInUse) {
   UseRecipe(tables, 40, "UNTYPED", "!");
   OpenSmallYard();
   ModuleAnswers();
@@ -264,7 +264,7 @@ TEST_F(RecipeDownloadTest, EditorThenStandsOnTheHighestRecipeInUse) {
   EXPECT_THAT(shown_recipes, ElementsAre(40));
 }
 
-TEST_F(RecipeDownloadTest, SilentModuleIsToldInTheStatusLineAlone) {
+TEST_F(RecipeDownloadTest, SilentModuleIsReportedInTheStatusLineAlone) {
   OpenSmallYard();
   op.answers = {Answer::kYes};
   EXPECT_FALSE(session.DownloadRecipeDB());
@@ -276,7 +276,7 @@ TEST_F(RecipeDownloadTest, SilentModuleIsToldInTheStatusLineAlone) {
   EXPECT_FALSE(op.busy);
 }
 
-TEST_F(RecipeDownloadTest, RecipeThatDoesNotComputeIsToldAndNothingIsSentOrStored) {
+TEST_F(RecipeDownloadTest, RecipeThatDoesNotComputeIsReportedAndNothingIsSentOrStored) {
   Recipe(tables, 1).head_count = 80;
   UseRecipe(tables, 90, "HEAVY", "W");
   AddWeightLine(tables, 90, 1, "2147483647");
@@ -294,7 +294,7 @@ TEST_F(RecipeDownloadTest, RecipeThatDoesNotComputeIsToldAndNothingIsSentOrStore
   EXPECT_FALSE(op.busy);
 }
 
-TEST_F(RecipeDownloadTest, FailureOfTheDatabaseIsToldAndNothingIsSent) {
+TEST_F(RecipeDownloadTest, FailureOfTheDatabaseIsReportedAndNothingIsSent) {
   OpenSmallYard();
   Execute(path, "DROP TABLE Pen");
   op.answers = {Answer::kYes};
@@ -342,7 +342,7 @@ TEST_F(RecipeDownloadTest, OpenedBackupIsShownAndReadyToDownload) {
   EXPECT_THAT(serial.events, IsEmpty());
 }
 
-TEST_F(RecipeDownloadTest, CancelledBackupLeavesTheWindowAndForgetsThePath) {
+TEST_F(RecipeDownloadTest, CanceledBackupLeavesTheWindowAndForgetsThePath) {
   tab.data_window = "old";
   tab.file_path = "old";
   chooser.Cancel();
@@ -352,7 +352,7 @@ TEST_F(RecipeDownloadTest, CancelledBackupLeavesTheWindowAndForgetsThePath) {
   EXPECT_THAT(op.status_lines, IsEmpty());
 }
 
-TEST_F(RecipeDownloadTest, BackupThatCannotBeReadIsToldAndCannotBeDownloaded) {
+TEST_F(RecipeDownloadTest, BackupThatCannotBeReadIsReportedAndCannotBeDownloaded) {
   tab.data_window = kBackup;
   chooser.Choose(folder / "gone.rbu");
   EXPECT_FALSE(session.OpenRecipeBU());
@@ -453,7 +453,7 @@ TEST_F(RecipeDownloadTest, LoadingTakesTheTextThoughTheWindowChangesMeanwhile) {
 }
 
 // The click runs inside the wait of the connection, which then goes on and answers from it.
-TEST_F(RecipeDownloadTest, MemoryIsLoadedWhileTheConnectionStands) {
+TEST_F(RecipeDownloadTest, MemoryIsLoadedDuringTheConnection) {
   OpenSmallYard();
   op.answers = {Answer::kYes};
   pump.After(Milliseconds{1000}, [&] { EXPECT_TRUE(session.DownloadRecipeDB()); });
@@ -476,7 +476,7 @@ TEST_F(RecipeDownloadTest, SavedBackupCanBeOpenedAndDownloaded) {
   EXPECT_EQ(serial.sent, kEchoes + kSmallYardFile);
 }
 
-TEST_F(RecipeDownloadTest, ClosingProgramEndsItWithTheMouseGivenBack) {
+TEST_F(RecipeDownloadTest, ClosingProgramEndsItAndReleasesTheMouse) {
   OpenSmallYard();
   op.answers = {Answer::kYes};
   pump.After(Milliseconds{300}, [&] { pump.closing = true; });

@@ -166,7 +166,7 @@ TEST_F(ResetRecord, AUsedIngredientIsRefused) {
   EXPECT_TRUE(ReadAll(path) == before);
 }
 
-TEST_F(ResetRecord, TheOutcomeTellsARefusalFromANo) {
+TEST_F(ResetRecord, TheOutcomeDistinguishesARefusalFromANo) {
   EnterCorn();
   EnterSteers();
   op.answers = {Answer::kYes, Answer::kOk, Answer::kNo, Answer::kYes};
@@ -200,7 +200,7 @@ TEST_F(ResetRecord, SetsTheDateOfTheChange) {
   EXPECT_THAT(Ask("SELECT Modified FROM History"), ElementsAre("2026-01-05"));
 }
 
-TEST_F(ResetRecord, ALockedFileIsToldAndUntouched) {
+TEST_F(ResetRecord, ALockedFileIsReportedAndUnchanged) {
   EnterSteers();
   const std::string before = ReadAll(path);
   SQLite::Database other(path, SQLite::OPEN_READWRITE);
@@ -239,7 +239,7 @@ TEST_F(ResetRecord, AFailureHalfwayLeavesTheWholeRecipe) {
   EXPECT_THAT(Ask("SELECT Modified FROM History"), ElementsAre("NULL"));
 }
 
-TEST_F(ResetRecord, ARecordThatIsNotThereIsToldWithoutAQuestion) {
+TEST_F(ResetRecord, ARecordThatIsMissingIsReportedWithoutAQuestion) {
   EXPECT_NE(AskAndReset(database, RecordKind::kPen, 401, ports), ResetOutcome::kReset);
   ASSERT_EQ(op.boxes.size(), 1U);
   EXPECT_EQ(op.boxes[0].cause, "YARD.RDB has no row 401 in Pen");

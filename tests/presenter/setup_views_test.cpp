@@ -28,12 +28,12 @@ TEST(IniFileText, ShowsAMegabyteAndNoFileWithoutEnd) {
   EXPECT_LT(cut.size(), kMegabyte + 10);
 }
 
-TEST(IniFileText, AMissingFileIsTold) {
+TEST(IniFileText, AMissingFileIsReported) {
   const TempFolder folder;
   EXPECT_THROW(IniFileText(folder / "no.ini"), FileError);
 }
 
-TEST(TransactionFileText, BreaksBehindEachCommaUpToTheLast) {
+TEST(TransactionFileText, BreaksAfterEachCommaUpToTheLast) {
   EXPECT_EQ(TransactionFileText("{BAT/FED},L\r\n[BAT],B,1"), "{BAT/FED},\r\nL\r\n[BAT],\r\nB,\r\n");
 }
 

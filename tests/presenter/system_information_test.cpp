@@ -75,12 +75,12 @@ TEST_F(Windows6, ProductNameMindsNoCase) {
   EXPECT_EQ(Named("WINDOWS 7"), "Windows 7");
 }
 
-TEST_F(Windows6, VistaComesAheadOfServerAndServerAheadOfWindows7) {
+TEST_F(Windows6, VistaComesBeforeServerAndServerBeforeWindows7) {
   EXPECT_EQ(Named("Vista Server Windows 7"), "Vista");
   EXPECT_EQ(Named("Windows 7 Server"), "Win2008");
 }
 
-TEST_F(Windows6, KeyThatCannotBeClosedIsToldAndTheNameIsGivenStill) {
+TEST_F(Windows6, KeyThatCannotBeClosedIsReportedAndTheNameIsStillReturned) {
   os.closes = false;
   EXPECT_EQ(Named("Windows 7 Home"), "Windows 7");
   ASSERT_EQ(op.boxes.size(), 1U);

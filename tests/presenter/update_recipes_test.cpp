@@ -70,7 +70,7 @@ TEST_F(UpdateRecipes, ShowsItsWayFromOneToAHundredAndBeepsAtTheEnd) {
   EXPECT_FALSE(op.busy);
 }
 
-TEST_F(UpdateRecipes, ARecipeThatFailsIsToldAndTheOthersAreStored) {
+TEST_F(UpdateRecipes, ARecipeThatFailsIsReportedAndTheOthersAreStored) {
   for (const int recipe : {1, 2, 3}) {
     UseRecipe(recipe, "R" + std::to_string(recipe));
     AddLine(recipe, 1, {.target = "1200", .dry_matter_percent = "88"});
@@ -90,7 +90,7 @@ TEST_F(UpdateRecipes, ARecipeThatFailsIsToldAndTheOthersAreStored) {
   EXPECT_EQ(op.beeps, 1);
 }
 
-TEST_F(UpdateRecipes, ALockedFileIsToldAndUntouched) {
+TEST_F(UpdateRecipes, ALockedFileIsReportedAndUnchanged) {
   UseRecipe(1, "STEERS");
   AddLine(1, 1, {.target = "1200", .dry_matter_percent = "88"});
   const std::string before = ReadAll(path);

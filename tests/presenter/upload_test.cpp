@@ -32,7 +32,7 @@ class UploadTest : public LinkFixture {
   Upload upload{krm, tab, pump, op, settings};
 };
 
-TEST_F(UploadTest, OneFileIsToldInTheSingular) {
+TEST_F(UploadTest, OneFileIsReportedInTheSingular) {
   ModuleHolds("{BAT/FED},L\r\n");
   upload.UploadDataFromKRM();
   EXPECT_EQ(op.Status(), "Upload complete!  (16 bytes, 1 file)");
@@ -45,7 +45,7 @@ TEST_F(UploadTest, OneFileIsToldInTheSingular) {
   EXPECT_FALSE(op.busy);
 }
 
-TEST_F(UploadTest, SeveralAreToldInThePlural) {
+TEST_F(UploadTest, SeveralAreReportedInThePlural) {
   ModuleHolds("{BAT/FED},L\r\n{DATA_IN},L\r\n\fpage");
   upload.UploadDataFromKRM();
   EXPECT_EQ(op.Status(), "Upload complete!  (34 bytes, 3 files)");
@@ -88,7 +88,7 @@ TEST_F(UploadTest, UnknownMemoryIsShownWhole) {
   EXPECT_FALSE(tab.data_files_frame_visible);
 }
 
-TEST_F(UploadTest, MissingModuleIsToldInABox) {
+TEST_F(UploadTest, MissingModuleIsReportedInABox) {
   EXPECT_EQ(upload.UploadFromModule(), 0);
   ASSERT_EQ(op.boxes.size(), 1U);
   EXPECT_EQ(op.boxes[0].title, "KRM Error");
@@ -110,7 +110,7 @@ TEST_F(UploadTest, MissingPortIsTheCauseOfTheBox) {
   EXPECT_EQ(op.boxes[0].cause, "fake: PortOpen refused");
 }
 
-TEST_F(UploadTest, FailedDumpIsToldInTheStatusLine) {
+TEST_F(UploadTest, FailedDumpIsReportedInTheStatusLine) {
   serial.WillAnswer(kEcho19200);
   EXPECT_EQ(upload.UploadFromModule(), 0);
   EXPECT_EQ(op.Status(), "Error: Command response failed");
@@ -119,14 +119,14 @@ TEST_F(UploadTest, FailedDumpIsToldInTheStatusLine) {
   EXPECT_FALSE(op.busy);
 }
 
-TEST_F(UploadTest, TerminatorInsideTheDataIsToldInTheStatusLine) {
+TEST_F(UploadTest, TerminatorInsideTheDataIsReportedInTheStatusLine) {
   ModuleHolds("{BAT/FED}\x1F,L");
   EXPECT_EQ(upload.UploadFromModule(), 0);
   EXPECT_EQ(op.Status(), "Invalid terminators");
   EXPECT_EQ(op.status_color, StatusColor::kRed);
 }
 
-TEST_F(UploadTest, TerminatorInsideTheDataIsToldWhenTheRestComesLater) {
+TEST_F(UploadTest, TerminatorInsideTheDataIsReportedWhenTheRestComesLater) {
   serial.WillAnswer(kEcho19200);
   serial.WillAnswer(FakeSerialControl::Answer{{Ms{10}, "\x15\x1F{BAT/FED},L\x1F"},
                                               {Ms{200}, "the rest of the file"}});
@@ -196,7 +196,7 @@ TEST_F(UploadWithStrays, TheTransferReadsThemWithDtrRaised) {
   EXPECT_EQ(serial.TimesOf("DTR off").back() - serial.TimesOf("out").back(), Ms{10 + 250});
 }
 
-TEST_F(UploadTest, AWrongFirstByteIsToldWithItsCause) {
+TEST_F(UploadTest, AWrongFirstByteIsReportedWithItsCause) {
   serial.WillAnswer(kEcho19200);
   serial.WillAnswer("?\x1F{BAT/FED},L\r\n\x1F");
   upload.UploadDataFromKRM();
@@ -241,7 +241,7 @@ TEST_F(UploadTest, IsBusyAndBlueWhileItRuns) {
   EXPECT_EQ(color, StatusColor::kBlue);
 }
 
-TEST_F(UploadTest, LostLineIsToldAndTheWaitEnds) {
+TEST_F(UploadTest, LostLineIsReportedAndTheWaitEnds) {
   serial.WillAnswer(kEcho19200);
   serial.WillAnswer(FakeSerialControl::Answer{{Ms{100}, "\x15\x1F{REP"}});
   pump.After(Ms{3000}, [&] { serial.LoseLine(); });
@@ -259,7 +259,7 @@ TEST_F(UploadTest, ClosingProgramIsAskedNothing) {
   EXPECT_FALSE(op.busy);
 }
 
-TEST_F(UploadTest, HundredthFileIsToldAndTheOthersAreListed) {
+TEST_F(UploadTest, HundredthFileIsReportedAndTheOthersAreListed) {
   const std::string memory(101, '\f');
   ModuleHolds(memory);
   upload.UploadDataFromKRM();
@@ -290,7 +290,7 @@ TEST_F(UploadTest, ClickOnTheOnlyRowKeepsItChecked) {
   EXPECT_THAT(Rows(), ElementsAre("Text Report - 1 [x]"));
 }
 
-TEST_F(UploadTest, FileThatIsNotThereIsRefused) {
+TEST_F(UploadTest, FileThatIsMissingIsRefused) {
   ModuleHolds("{REPORT}x");
   upload.UploadDataFromKRM();
   EXPECT_THROW(upload.ShowDataFile(0), Error);

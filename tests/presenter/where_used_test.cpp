@@ -74,7 +74,7 @@ TEST_F(FindWhereIngUsed, ReadsALinesIngredientAsANumber) {
   EXPECT_EQ(Find(5).size(), 4U);
 }
 
-TEST_F(FindWhereIngUsed, ALineOfARecipeThatIsNotThereIsNoUse) {
+TEST_F(FindWhereIngUsed, ALineOfARecipeThatIsMissingIsNoUse) {
   AddLine(300, 5);
   EXPECT_THAT(Find(5), IsEmpty());
 }

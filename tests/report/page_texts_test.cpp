@@ -42,7 +42,7 @@ TEST(PageTexts, IngredientsSayActiveByTheBoxAlone) {
             "Report: Ingredients (all)\r\nRecipe File: /feed/YARD.RDB");
 }
 
-TEST(PageTexts, PensTellTheWeightUnits) {
+TEST(PageTexts, PensShowTheWeightUnits) {
   const PageTexts pens = SetPageHeadersPens(true, Facts());
   EXPECT_EQ(pens.header_center, "Report: Pens (active)\r\nRecipe File: /feed/YARD.RDB");
   EXPECT_EQ(pens.header_right, "Weight Units: LB");
@@ -50,7 +50,7 @@ TEST(PageTexts, PensTellTheWeightUnits) {
             "Report: Pens (all)\r\nRecipe File: /feed/YARD.RDB");
 }
 
-TEST(PageTexts, TransactionsTellTheGroupAndBothFiles) {
+TEST(PageTexts, TransactionsShowTheGroupAndBothFiles) {
   const PageTexts texts = SetPageHeadersTransactions("Recipes (all)", Facts());
   EXPECT_EQ(texts.header_center,
             "Report: Recipes (all)\r\nTransaction File: /feed/YARD.TDB\r\n"
@@ -58,13 +58,13 @@ TEST(PageTexts, TransactionsTellTheGroupAndBothFiles) {
   EXPECT_EQ(texts.header_right, "Weight Units: LB");
 }
 
-TEST(PageTexts, AnImportTellsItsOwnFileAndUnit) {
+TEST(PageTexts, AnImportShowsItsOwnFileAndUnit) {
   const PageTexts texts = SetPageHeadersImport("/in/day1.QXT", "KG", Facts());
   EXPECT_EQ(texts.header_center, "Report: Imported Transactions\r\nFile: /in/day1.QXT");
   EXPECT_EQ(texts.header_right, "Weight Units: KG");
 }
 
-TEST(PageTexts, ARecipeByWeightTellsItsTotalsUnderTheCaptionsOfTheGrid) {
+TEST(PageTexts, ARecipeByWeightShowsItsTotalsUnderTheCaptionsOfTheGrid) {
   for (const std::string type : {"W", "H", "%"}) {
     EXPECT_EQ(SetPageHeadersRecipe(Recipe(type), Facts()).header_center,
               std::string(kHead) +
@@ -74,7 +74,7 @@ TEST(PageTexts, ARecipeByWeightTellsItsTotalsUnderTheCaptionsOfTheGrid) {
   }
 }
 
-TEST(PageTexts, ARecipeByPercentTellsItsSharesFirst) {
+TEST(PageTexts, ARecipeByPercentShowsItsSharesFirst) {
   EXPECT_EQ(SetPageHeadersRecipe(Recipe("P"), Facts()).header_center,
             std::string(kHead) +
                 "\r\nIngredient (%) = 100.00\r\nDry Matter (%) = 88.8\r\nTarget (lb) = 2253\r\n"
@@ -85,7 +85,7 @@ TEST(PageTexts, ARecipeOfNoTypeEndsWithTotalsAndNothingBelow) {
   EXPECT_EQ(SetPageHeadersRecipe(Recipe("!"), Facts()).header_center, kHead);
 }
 
-TEST(PageTexts, ARecipeTellsUnitsAndBatchTypeWithALineEndBehind) {
+TEST(PageTexts, ARecipeShowsUnitsAndBatchTypeWithALineEndAfterThem) {
   EXPECT_EQ(SetPageHeadersRecipe(Recipe("%"), Facts()).header_right,
             "Weight Units: LB\r\nBatch By: WEIGHT, Self-Adj\r\n");
 }

@@ -266,7 +266,7 @@ TEST_F(ReportPages, AGroupOverSeveralSheetsShowsItsHeadOnEach) {
   }
 }
 
-TEST_F(ReportPages, AHeadOfAGroupIsNotAloneAtAPagesEnd) {
+TEST_F(ReportPages, AGroupRowIsNotTheLastRowOfAPage) {
   for (int lead = 0; lead < 60; ++lead) {
     // Two heads, one within the other, behind that many rows.
     Report report{.design = Design(),
@@ -346,7 +346,7 @@ TEST_F(ReportPages, ALongPathIsBrokenAndNeverRunsIntoTheRight) {
   EXPECT_EQ(std::count(joined.begin(), joined.end(), 'p'), 300);
 }
 
-TEST_F(ReportPages, AHeaderHigherThanThePageLeavesRoomForRows) {
+TEST_F(ReportPages, AHeaderHigherThanThePageLeavesSpaceForRows) {
   ReportDesign design = Design();
   design.texts.header_center = std::string(40'000, 'p');
   EXPECT_NO_THROW(Print(Listed(2, design)));
@@ -458,7 +458,7 @@ TEST_F(BrokenOffReport, RefusesAPathThatNamesADatabase) {
   EXPECT_EQ(ReadAll(pdf_), database);
 }
 
-TEST_F(BrokenOffReport, ReportsAFolderThatIsNotThere) {
+TEST_F(BrokenOffReport, ReportsAFolderThatIsMissing) {
   EXPECT_THROW(MakePdfFile(folder_ / "none" / "report.pdf", "test"), Error);
 }
 

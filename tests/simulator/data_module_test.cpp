@@ -57,7 +57,7 @@ TEST_F(Module, AnswersADumpOfEmptyMemoryWithTwoTerminators) {
   EXPECT_EQ(Say(module, "\x1C"), "\x1C\x1F\x1F");
 }
 
-TEST_F(Module, IsCarriedAboutAheadOfADump) {
+TEST_F(Module, IsTakenToTheIndicatorBeforeADump) {
   DataModule module = Make();
   module.CarryBy([](const std::string& memory) -> std::optional<std::string> {
     if (memory == "{DATA_IN}") {
@@ -128,14 +128,14 @@ TEST_F(Module, GivesBackAnyDataThatHoldsNoCommand) {
   }
 }
 
-TEST_F(Module, LoadsFilesOneBehindTheOtherWithTheirCommandBytes) {
+TEST_F(Module, LoadsFilesInSequenceWithTheirCommandBytes) {
   DataModule module = Make();
   module.Load("{BAT/FED}\x14");
   module.Load("\x0CPage");
   EXPECT_EQ(module.Memory(), "{BAT/FED}\x14\x0CPage");
 }
 
-TEST_F(Module, DropsAndTellsWhatIsBeyondItsMemory) {
+TEST_F(Module, DropsAndReportsBytesBeyondItsMemory) {
   DataModule module = Make();
   module.Load(std::string(DataModule::kMemorySize - 1, 'x'));
   Say(module, "yz");
@@ -198,7 +198,7 @@ TEST_F(Module, CutAfterSendsSoManyBytesOfEachReply) {
   EXPECT_EQ(Say(mute, "\x15\x16"), "");
 }
 
-TEST_F(Module, ExtraUsStandsInsideTheDataOfADumpOnly) {
+TEST_F(Module, ExtraUsIsOnlyInsideTheDataOfADump) {
   DataModule module = Make({.extra_us = true});
   module.Load("abcd");
   EXPECT_EQ(Say(module, "\x15"),

@@ -70,7 +70,7 @@ TEST_F(IndicatorProgram, SendsFlowControlAsData) {
   EXPECT_EQ(program.ExitCode(), 0);
 }
 
-TEST_F(IndicatorProgram, FirstMismatchIsToldWithItsLine) {
+TEST_F(IndicatorProgram, FirstMismatchIsReportedWithItsLine) {
   SimulatorProgram program(Arguments("send 15\n\nexpect 15 1F 61 1F\nsend 14\n"));
   ASSERT_EQ(program.OutputLine(), Ready());
   const Client pc(link_);
@@ -94,7 +94,7 @@ TEST_F(IndicatorProgram, ReplyThatBreaksOffIsAMismatch) {
   EXPECT_THAT(program.Errors(), HasSubstr("line 1: expected 15 1F, got 15 within 2000 ms"));
 }
 
-TEST_F(IndicatorProgram, MismatchFarInsideAFileIsToldByItsPlace) {
+TEST_F(IndicatorProgram, MismatchFarInsideAFileIsReportedByItsPosition) {
   std::string file(1000, 'f');
   const std::string path = folder_.Write("file", file).string();
   SimulatorProgram program(Arguments("expect-file " + path));
@@ -108,7 +108,7 @@ TEST_F(IndicatorProgram, MismatchFarInsideAFileIsToldByItsPlace) {
   EXPECT_THAT(told, HasSubstr("(from byte 701 of 1000 on)"));
 }
 
-TEST_F(IndicatorProgram, MismatchWithin32BytesIsToldFromTheFirstByte) {
+TEST_F(IndicatorProgram, MismatchWithin32BytesIsReportedFromTheFirstByte) {
   const std::string path = folder_.Write("file", std::string(40, 'f')).string();
   for (const auto& [alike, words] :
        {std::pair{31, "got 66 66 "}, {32, "got 78 (from byte 33 of "}}) {

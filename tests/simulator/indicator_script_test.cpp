@@ -67,7 +67,7 @@ TEST(IndicatorScript, PathIsTheRestOfTheLine) {
   EXPECT_EQ(Only("save /no/such folder/x").path, "/no/such folder/x");
 }
 
-TEST(IndicatorScript, RefusesWhatIsNoStepAndTellsTheLine) {
+TEST(IndicatorScript, RefusesAnInvalidStepAndNamesTheLine) {
   EXPECT_EQ(Refusal("send 15\nsned 15"),
             "line 2: sned is no step; there are send, send-file, expect, expect-file, save and "
             "wait");

@@ -50,7 +50,7 @@ std::string AllData() {
   return data;
 }
 
-TEST_F(Program, SaysReadyWhenItsLinkStandsAndTakesItAwayAtTheEnd) {
+TEST_F(Program, SaysReadyWhenItsLinkExistsAndRemovesItAtTheEnd) {
   for (const int signal : {SIGTERM, SIGINT, SIGHUP}) {
     SimulatorProgram program(Arguments({}));
     EXPECT_EQ(program.OutputLine(), Ready());
@@ -95,7 +95,7 @@ TEST_F(Program, SendsAFullMemory) {
   EXPECT_EQ(client.Read(65539), "\x1C\x1F" + memory + "\x1F");
 }
 
-TEST_F(Program, LoadsFilesOneBehindTheOther) {
+TEST_F(Program, LoadsFilesInSequence) {
   SimulatorProgram program(Arguments({"--load", folder_.Write("a", "{BAT/FED}").string(), "--load",
                                       folder_.Write("b", "{REPORT}").string()}));
   ASSERT_EQ(program.OutputLine(), Ready());
@@ -104,7 +104,7 @@ TEST_F(Program, LoadsFilesOneBehindTheOther) {
   EXPECT_EQ(client.Read(20), "\x15\x1F{BAT/FED}{REPORT}\x1F");
 }
 
-TEST_F(Program, SavesOnSignalAndAtTheEndWhatWasSentAhead) {
+TEST_F(Program, SavesOnSignalAndAtTheEndWhatWasSentBefore) {
   SimulatorProgram program(Arguments({"--save", saved_.string()}));
   ASSERT_EQ(program.OutputLine(), Ready());
   const Client client(link_);

@@ -61,7 +61,7 @@ TEST_F(PtyLineTest, NeitherReadsNorWritesWithWaiting) {
   EXPECT_GT(taken, 0U);
 }
 
-TEST_F(PtyLineTest, DiscardsWhatNobodyRead) {
+TEST_F(PtyLineTest, DiscardsUnreadBytes) {
   PtyLine line(link_);
   const std::string block(4096, 'x');
   while (line.Write(block) > 0) {

@@ -138,7 +138,7 @@ TEST(Transmitter, BeginsAnewAfterIdleTime) {
   EXPECT_EQ(transmitter.NextPortion(), kStart + seconds(9) + milliseconds(1));
 }
 
-TEST(Transmitter, QueuesBehindAnAcknowledgement) {
+TEST(Transmitter, QueuesAfterAnAcknowledgement) {
   Transmitter transmitter(10'000);
   EXPECT_FALSE(transmitter.Start(Reply("ab"), kStart));
   EXPECT_FALSE(transmitter.Start(Reply("cd"), kStart));
@@ -155,7 +155,7 @@ TEST(Transmitter, TakesThePlaceOfADump) {
   EXPECT_EQ(Take(transmitter, kStart + milliseconds(100)), "b");
 }
 
-TEST(Transmitter, KeepsAnAcknowledgementAheadOfADumpThatIsCut) {
+TEST(Transmitter, KeepsAnAcknowledgementBeforeADumpThatIsCut) {
   Transmitter transmitter(0);
   transmitter.Start(Reply("ab"), kStart);
   transmitter.Start(Dump("0123"), kStart);
@@ -186,7 +186,7 @@ TEST(Transmitter, CutsNothingWhenTheDumpIsOut) {
   EXPECT_FALSE(transmitter.Start(Reply("ab"), kStart));
 }
 
-TEST(Transmitter, PausesAheadOfASegment) {
+TEST(Transmitter, PausesBeforeASegment) {
   for (const std::uint32_t baud : {0U, 10'000U}) {
     const Duration byte = baud == 0 ? Duration{0} : Duration{milliseconds(1)};
     Transmitter transmitter(baud);

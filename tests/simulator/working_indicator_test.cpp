@@ -54,21 +54,21 @@ TEST_F(WorkingIndicatorTest, RecordsAndEmptyMemoryComeBackAsTheyWent) {
   EXPECT_TRUE(said_.empty());
 }
 
-TEST_F(WorkingIndicatorTest, ADownloadThatCannotBeReadIsTold) {
+TEST_F(WorkingIndicatorTest, ADownloadThatCannotBeReadIsReported) {
   WorkingIndicator indicator = Make();
   EXPECT_FALSE(indicator.Visit("{DATA_IN},L\r\n[REC]\r\n1,STEERS,0,0,0,"));
   ASSERT_EQ(said_.size(), 1U);
   EXPECT_EQ(said_[0], "the indicator cannot feed by the download: no recipe: 1,STEERS,0,0,0,");
 }
 
-TEST_F(WorkingIndicatorTest, ADownloadWithNothingToFeedIsTold) {
+TEST_F(WorkingIndicatorTest, ADownloadWithNothingToFeedIsReported) {
   WorkingIndicator indicator = Make();
   EXPECT_FALSE(indicator.Visit("{DATA_IN},L\r\n\r\n[ING]\r\n\r\n\r\n[REC]\r\n\r\n\r\n[PEN]\r\n"));
   ASSERT_EQ(said_.size(), 1U);
   EXPECT_EQ(said_[0], "the indicator cannot feed by the download: no recipe or no pen to feed");
 }
 
-TEST_F(WorkingIndicatorTest, DaysThatFindNoRoomAreToldAndFedNextTime) {
+TEST_F(WorkingIndicatorTest, DaysBeyondTheMemoryAreReportedAndFedNextTime) {
   WorkingIndicator indicator = Make(366);
   const auto first = indicator.Visit(kDownload);
   ASSERT_TRUE(first);

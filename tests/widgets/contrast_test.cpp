@@ -14,7 +14,7 @@ TEST(ContrastRatio, GoesFromOneToTwentyOneAndMindsNoOrder) {
   EXPECT_NEAR(ContrastRatio(QColor(0, 128, 0), Qt::white), 5.14, 0.01);
 }
 
-TEST(Readable, LeavesAColourThatCanBeRead) {
+TEST(Readable, LeavesAColorThatCanBeRead) {
   EXPECT_EQ(Readable(QColor(0, 0, 192), Qt::white, kTextContrast), QColor(0, 0, 192));
 }
 
@@ -29,7 +29,7 @@ TEST(Readable, ReachesTheContrastOnAnyBackground) {
   }
 }
 
-TEST(StatusTextColor, IsAsToldOnALightWindow) {
+TEST(StatusTextColor, IsAsSpecifiedOnALightWindow) {
   const QColor window(239, 239, 239);
   EXPECT_EQ(StatusTextColor(StatusColor::kBlue, window), QColor(0, 0, 192));
   EXPECT_EQ(StatusTextColor(StatusColor::kRed, window), QColor(255, 0, 0));
@@ -43,7 +43,7 @@ TEST(StatusTextColor, KeepsItsHueOnADarkWindow) {
   EXPECT_EQ(StatusTextColor(StatusColor::kRed, window).hslHue() % 360, 0);
 }
 
-TEST(WithReadableHints, TakesTheTextsColourOnADarkDeskThatTellsNone) {
+TEST(WithReadableHints, TakesTheTextsColorOnADarkDeskWithoutOne) {
   QPalette palette(Qt::white, Qt::black, Qt::white, Qt::black, Qt::gray, Qt::white, Qt::white,
                    QColor(27, 30, 32), Qt::black);
   palette.setColor(QPalette::PlaceholderText, QColor(0, 0, 0, 128));

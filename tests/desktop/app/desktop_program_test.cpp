@@ -108,7 +108,7 @@ TEST_F(TwoProcesses, SecondStartTouchesNothingAndLeavesTheFirstRunning) {
   EXPECT_EQ(first->Wait(), 0);
 }
 
-TEST_F(TwoProcesses, SecondStartIsToldWhileTheFirstRuns) {
+TEST_F(TwoProcesses, SecondStartIsReportedWhileTheFirstRuns) {
   const auto first = StartProgram();
   QString text;
   QString title;
@@ -129,7 +129,7 @@ TEST_F(TwoProcesses, SecondStartIsToldWhileTheFirstRuns) {
   EXPECT_EQ(title, u"VRX(2260)"_qs);
 }
 
-TEST_F(TwoProcesses, CrashHoldsNobodyUp) {
+TEST_F(TwoProcesses, CrashDoesNotBlockTheNextStart) {
   const auto first = StartProgram();
   first->Signal(SIGKILL);
   first->Wait();
@@ -146,7 +146,7 @@ TEST_F(TwoProcesses, StopSignalSavesAndEndsTheProgram) {
   EXPECT_THAT(ReadAll(folder_ / "config/Brantock/VRX(2260).conf"), HasSubstr("MainWidth="));
 }
 
-TEST_F(TwoProcesses, StopSignalEndsAFirstStartThatStillTellsOfItsSettings) {
+TEST_F(TwoProcesses, StopSignalEndsAFirstStartThatStillReportsItsSettings) {
   fs::remove(data_ / "Brantock/VRX-2260/VRX-2260.INI");
   const auto program = StartProgram();
   program->Signal(SIGTERM);

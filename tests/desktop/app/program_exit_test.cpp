@@ -94,7 +94,7 @@ TEST_F(ExitOfProgram, FailureKeepsTheCloseBoxsProgramUpWithABeep) {
   EXPECT_FALSE(IniWritten());
 }
 
-TEST_F(ExitOfProgram, UserSettingsThatCannotBeSavedAreToldAndEachExitGoesOn) {
+TEST_F(ExitOfProgram, UserSettingsThatCannotBeSavedAreReportedAndEachExitGoesOn) {
   failing_key_ = "MainLeft";
   using Leave = bool (ProgramExit::*)();
   for (const Leave leave :
@@ -164,7 +164,7 @@ TEST_F(ExitOfProgram, AutoloadOffWritesNothingOverTheStoredName) {
   EXPECT_EQ(Stored("MRU_TransFileName"), "Y2026.TDB");
 }
 
-TEST_F(ExitOfProgram, SettingsThatCannotBeWrittenAreToldAndTheExitGoesOn) {
+TEST_F(ExitOfProgram, SettingsThatCannotBeWrittenAreReportedAndTheExitGoesOn) {
   application_.ini.emplace(folder_.Write("file", "") / "VRX-2260.INI", system_, op_);
   EXPECT_TRUE(Exit().CloseBox());
   ASSERT_EQ(op_.boxes.size(), 1U);

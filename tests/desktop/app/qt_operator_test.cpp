@@ -92,7 +92,7 @@ TEST_F(OperatorBoxes, WithoutATitleBearsTheApplications) {
   EXPECT_EQ(shown.details, QString());
 }
 
-TEST_F(OperatorBoxes, BreaksLinesAtCrLfAndTakesTextAsItStands) {
+TEST_F(OperatorBoxes, BreaksLinesAtCrLfAndKeepsOtherText) {
   Show({.title = "t",
         .text = "a < b\r\n\r\n<b>Gr\xc3\xbc\xc3\x9f"
                 "e</b>",
@@ -135,7 +135,7 @@ TEST_F(OperatorBoxes, ClosedIsTheRefusingAnswer) {
   EXPECT_EQ(AnswerWhenClosed(Buttons::kYesNo), Answer::kNo);
 }
 
-TEST_F(OperatorBoxes, HourglassIsNotCounted) {
+TEST_F(OperatorBoxes, BusyCursorIsNotCounted) {
   op.SetBusy(true);
   op.SetBusy(true);
   ASSERT_NE(QApplication::overrideCursor(), nullptr);
@@ -145,7 +145,7 @@ TEST_F(OperatorBoxes, HourglassIsNotCounted) {
   op.SetBusy(false);
 }
 
-TEST_F(OperatorBoxes, BoxIsUpWithoutTheHourglassWhichComesBack) {
+TEST_F(OperatorBoxes, ABoxSuspendsTheBusyCursor) {
   op.SetBusy(true);
   Show({.title = "t", .text = "t"}, QMessageBox::Ok);
   EXPECT_FALSE(cursor);

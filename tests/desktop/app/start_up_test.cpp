@@ -102,7 +102,7 @@ TEST_F(StartUp, ShowsTheSplashLoadsTheMainFormAndShowsItAfter2000Milliseconds) {
   EXPECT_EQ(op_.beeps, 0);
 }
 
-TEST_F(StartUp, SettingsAreReadAheadOfTheSplash) {
+TEST_F(StartUp, SettingsAreReadBeforeTheSplash) {
   WriteIni();
   EXPECT_NE(Start(), nullptr);
   EXPECT_EQ(units_at_load_, "KG");
@@ -130,14 +130,14 @@ TEST_F(StartUp, SecondStartSaysSoAndTouchesNothing) {
   EXPECT_THAT(steps_, IsEmpty());
 }
 
-TEST_F(StartUp, SecondStartIsToldAheadOfMissingTemplates) {
+TEST_F(StartUp, SecondStartIsReportedBeforeMissingTemplates) {
   instance_.only_one = false;
   fs::remove(program_ / "QXNULRDB.MDB");
   EXPECT_EQ(Start(), nullptr);
   EXPECT_THAT(OnlyBox().text, HasSubstr("already running"));
 }
 
-TEST_F(StartUp, LockThatCannotBeTakenIsTold) {
+TEST_F(StartUp, LockThatCannotBeTakenIsReported) {
   instance_.failure = "cannot lock";
   EXPECT_EQ(Start(), nullptr);
   EXPECT_EQ(OnlyBox().icon, Icon::kCritical);
@@ -145,7 +145,7 @@ TEST_F(StartUp, LockThatCannotBeTakenIsTold) {
   EXPECT_FALSE(fs::exists(common_));
 }
 
-TEST_F(StartUp, MissingTemplateEndsTheStartAheadOfTheIniFile) {
+TEST_F(StartUp, MissingTemplateEndsTheStartBeforeTheIniFile) {
   fs::remove(program_ / "QXNULXDB.MDB");
   EXPECT_EQ(Start(), nullptr);
   EXPECT_EQ(op_.beeps, 1);
@@ -178,7 +178,7 @@ TEST_F(StartUp, UnknownSystemDirectoryEndsTheStart) {
   EXPECT_THAT(steps_, IsEmpty());
 }
 
-TEST_F(StartUp, FolderThatCannotBeMadeIsToldAndEndsTheStart) {
+TEST_F(StartUp, FolderThatCannotBeCreatedIsReportedAndEndsTheStart) {
   folder_.Write("common", "a file in the folder's place");
   EXPECT_EQ(Start(), nullptr);
   EXPECT_EQ(OnlyBox().icon, Icon::kCritical);
@@ -186,7 +186,7 @@ TEST_F(StartUp, FolderThatCannotBeMadeIsToldAndEndsTheStart) {
   EXPECT_THAT(steps_, IsEmpty());
 }
 
-TEST_F(StartUp, UnknownCommonFolderIsToldAndEndsTheStart) {
+TEST_F(StartUp, UnknownCommonFolderIsReportedAndEndsTheStart) {
   system_.common_app_data_folder.clear();
   EXPECT_EQ(Start(), nullptr);
   EXPECT_THAT(OnlyBox().text, HasSubstr("Error: "));

@@ -179,7 +179,7 @@ TEST_F(TransferProgram, ClosedInADirectConnectionItEnds) {
   }
 }
 
-TEST_F(TransferProgram, ClosedWhileABoxTellsOfTheUploadItEnds) {
+TEST_F(TransferProgram, ClosedWhileABoxReportsTheUploadItEnds) {
   const NextModal box([](QWidget& widget) {
     EXPECT_EQ(widget.windowTitle(), u"KRM Error"_qs);
     for (QWidget* const other : QApplication::topLevelWidgets()) {

@@ -69,7 +69,7 @@ TEST_F(VrxMainTest, ADeletedRecentFileIsNotOpenedAndItsNameStays) {
   EXPECT_EQ(Main().Recent(DatabaseKind::kRecipe).name, "YARD.RDB");
 }
 
-TEST_F(VrxMainTest, UnreadableSettingsAreToldOnLoad) {
+TEST_F(VrxMainTest, UnreadableSettingsAreReportedOnLoad) {
   std::filesystem::remove(app_folder_->IniFilePath());
   std::filesystem::create_directory(app_folder_->IniFilePath());
   settings_.ReadIniSettings(*ini_);
@@ -126,7 +126,7 @@ TEST_F(VrxMainTest, EnterGoesOnToTheNextField) {
   EXPECT_EQ(name->text(), QString());
 }
 
-TEST_F(VrxMainTest, TheCloseBoxAndFileExitTakeTheirRoads) {
+TEST_F(VrxMainTest, TheCloseBoxAndFileExitGiveTheirExitReasons) {
   Show();
   QCloseEvent close;
   QApplication::sendEvent(&Window(), &close);
@@ -146,7 +146,7 @@ TEST_F(VrxMainTest, ThePlaceIsInTwipsAndNothingWhileMinimised) {
   EXPECT_FALSE(Main().Place().has_value());
 }
 
-TEST_F(VrxMainTest, TheEndLetsGoOfBothDatabases) {
+TEST_F(VrxMainTest, TheEndReleasesBothDatabases) {
   Open(DatabaseKind::kRecipe);
   Open(DatabaseKind::kTransaction);
   EXPECT_EQ(Main().Recent(DatabaseKind::kRecipe).name, "YARD.RDB");

@@ -68,7 +68,7 @@ TEST_F(AboutBox, SystemInfoStartsTheTool) {
   EXPECT_TRUE(form.isVisible());
 }
 
-TEST_F(AboutBox, SystemInfoThatCannotBeStartedIsTold) {
+TEST_F(AboutBox, SystemInfoThatCannotBeStartedIsReported) {
   os.starts = false;
   Button("cmdSysInfo").click();
   ASSERT_EQ(op.boxes.size(), 1U);

@@ -28,7 +28,7 @@ TEST_F(HelpMenu, ReadmeIsOpenedInItsViewer) {
   EXPECT_EQ(os_.opened_documents, std::vector{readme});
 }
 
-TEST_F(HelpMenu, MissingManualIsTold) {
+TEST_F(HelpMenu, MissingManualIsReported) {
   Choose(u"mnuHelpManual"_qs);
   ASSERT_EQ(operator_.boxes.size(), 1U);
   EXPECT_EQ(operator_.boxes[0].title, "Error: File not found");

@@ -100,7 +100,7 @@ TEST_F(ExportPageTest, TheNameTakesTheKeysOfADescription) {
 
 // What the tab checks, in its order.
 
-TEST_F(ExportPageTest, AnEmptyNameIsToldAndGetsTheFocus) {
+TEST_F(ExportPageTest, AnEmptyNameIsReportedAndGetsTheFocus) {
   ShowExport(0);
   for (const QString& name : {u""_qs, u"   "_qs}) {
     Export(u"optCSV"_qs, name);
@@ -110,7 +110,7 @@ TEST_F(ExportPageTest, AnEmptyNameIsToldAndGetsTheFocus) {
   EXPECT_TRUE(fs::is_empty(out_));
 }
 
-TEST_F(ExportPageTest, AnEmptyPathIsToldAndOpensTheFolderDialogAtOnce) {
+TEST_F(ExportPageTest, AnEmptyPathIsReportedAndOpensTheFolderDialogAtOnce) {
   ShowExport(0);
   Type(u"txtFName"_qs, u"DAY"_qs);
   chooser_.Choose(out_);
@@ -233,7 +233,7 @@ TEST_F(ExportPageTest, AFileOfThatNameIsReplacedWithoutAQuestion) {
   EXPECT_NE(ReadAll(out_ / "DAY.csv"), first);
 }
 
-TEST_F(ExportPageTest, AFailureIsToldWithABeepAndTheNextTabChangeHidesTheBar) {
+TEST_F(ExportPageTest, AFailureIsReportedWithABeepAndTheNextTabChangeHidesTheBar) {
   settings_.SetEnableBeeperOn(true);
   ShowExport(0);
   fs::create_directory(out_ / "DAY.csv");
@@ -248,7 +248,7 @@ TEST_F(ExportPageTest, AFailureIsToldWithABeepAndTheNextTabChangeHidesTheBar) {
   EXPECT_FALSE(Visible(u"prgExport"_qs));
 }
 
-TEST_F(ExportPageTest, AMissingStylesheetIsToldAndTheXmlIsSavedAllTheSame) {
+TEST_F(ExportPageTest, AMissingStylesheetIsReportedAndTheXmlIsSavedAnyway) {
   ShowExport(0);
   fs::remove(program_ / "XSL" / "TranAll.xsl");
   Export(u"optXML"_qs);

@@ -98,7 +98,7 @@ TEST_F(HistoryPageDatabases, NoStatementStaysOpenBetweenEvents) {
   }
 }
 
-TEST_F(HistoryPageDatabases, TheEndOfTheProgramLetsGoOfBothDatabases) {
+TEST_F(HistoryPageDatabases, TheEndOfTheProgramReleasesBothDatabases) {
   ShowTab();
   ChooseGroup(3);
   Main().ReleaseDataControls();
@@ -109,7 +109,7 @@ TEST_F(HistoryPageDatabases, TheEndOfTheProgramLetsGoOfBothDatabases) {
   EXPECT_NO_THROW(other.exec("PRAGMA locking_mode=EXCLUSIVE; BEGIN EXCLUSIVE; COMMIT"));
 }
 
-TEST_F(HistoryPageDatabases, AGroupThatCannotBeReadIsToldAndTheOldOneStays) {
+TEST_F(HistoryPageDatabases, AGroupThatCannotBeReadIsReportedAndTheOldOneStays) {
   ShowTab();
   ChooseGroup(8);
   const auto before = Lines();
@@ -122,7 +122,7 @@ TEST_F(HistoryPageDatabases, AGroupThatCannotBeReadIsToldAndTheOldOneStays) {
   EXPECT_EQ(Lines(), before);
 }
 
-TEST_F(HistoryPageDatabases, ARowThatCannotBeReadIsToldOnceAndBlank) {
+TEST_F(HistoryPageDatabases, ARowThatCannotBeReadIsReportedOnceAndBlank) {
   ShowTab();
   Alter(Transactions(), "ALTER TABLE Transactions RENAME TO Elsewhere");
   ClickHeader(kTargetColumn);  // forgets what was read

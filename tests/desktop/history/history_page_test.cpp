@@ -28,7 +28,7 @@ class HistoryPageTest : public HistoryFixture {
   std::vector<std::string> Names() { return Items(Find<QComboBox>(u"cboColName"_qs)); }
 };
 
-TEST_F(HistoryPageTest, TheListHoldsTheThirteenGroupsAndStandsOnTheFirst) {
+TEST_F(HistoryPageTest, TheListHasTheThirteenGroupsAndSelectsTheFirst) {
   ShowTab();
   auto& list = Find<QComboBox>(u"lstGroupBy"_qs);
   EXPECT_THAT(
@@ -43,7 +43,7 @@ TEST_F(HistoryPageTest, TheListHoldsTheThirteenGroupsAndStandsOnTheFirst) {
   EXPECT_FALSE(Visible(u"lblName"_qs));
 }
 
-TEST_F(HistoryPageTest, TheCaptionsOfItsControlsAreTheToldOnes) {
+TEST_F(HistoryPageTest, TheCaptionsOfItsControlsAreAsSpecified) {
   ShowTab();
   const auto caption = [this](const QString& name) {
     return Find<QCheckBox>(name).text().remove(u'&');
@@ -185,7 +185,7 @@ TEST_F(HistoryPageTest, NoKeyAndNoWheelInPassingChoosesAGroup) {
   EXPECT_EQ(list.currentIndex(), 0);
 }
 
-TEST_F(HistoryPageTest, TheBoxesStandBesideTheChoicesWhereThereIsRoomElseBelow) {
+TEST_F(HistoryPageTest, TheBoxesAreBesideTheChoicesIfThereIsSpaceOtherwiseBelow) {
   ShowTab();
   ChooseGroup(9);
   const auto bottom = [this](const QString& name) {

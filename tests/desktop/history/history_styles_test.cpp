@@ -32,7 +32,7 @@ QPalette Dark() {
   return palette;
 }
 
-TEST(HistoryStylesTest, RowsHaveTheToldColoursOnALightPalette) {
+TEST(HistoryStylesTest, RowsHaveTheSpecifiedColorsOnALightPalette) {
   const HistoryStyles styles(Light());
   const HistoryLook& odd = styles.Row(kRecord, 1, false);
   EXPECT_EQ(odd.back, QColor(0xFF, 0xFF, 0xBF));
@@ -46,7 +46,7 @@ TEST(HistoryStylesTest, RowsHaveTheToldColoursOnALightPalette) {
   EXPECT_EQ(odd.font.pointSizeF(), 9.75);
 }
 
-TEST(HistoryStylesTest, TheWeightsOfATotalAreToldApart) {
+TEST(HistoryStylesTest, TheWeightsOfATotalAreDistinguished) {
   const HistoryStyles styles(Light());
   const HistoryLook& row = styles.Row(kTotal, 3, false);
   for (const auto& [column, color] : {std::pair{kTargetColumn, QColor(0, 0x80, 0)},
@@ -61,7 +61,7 @@ TEST(HistoryStylesTest, TheWeightsOfATotalAreToldApart) {
   EXPECT_EQ(styles.Cell(kTotal, kIngPercentColumn, 3, false).back, row.back);
 }
 
-TEST(HistoryStylesTest, ASelectedRowHasTheColoursOfThePalette) {
+TEST(HistoryStylesTest, ASelectedRowHasTheColorsOfThePalette) {
   const HistoryStyles styles(Light());
   for (const HistoryRowKind kind : {kGroup, kTotal, kRecord}) {
     const HistoryLook& row = styles.Row(kind, 1, true);

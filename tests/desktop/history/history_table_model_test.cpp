@@ -93,7 +93,7 @@ TEST_F(HistoryTableModelTest, AsManyRowsAsItTakesHavePixelPositions) {
   EXPECT_LE(HistoryTableModel::kMostRows * kTallestRow, std::numeric_limits<int>::max());
 }
 
-TEST_F(HistoryTableModelTest, ARowThatCannotBeReadIsBlankAndToldOnceUntilTheNextRefresh) {
+TEST_F(HistoryTableModelTest, ARowThatCannotBeReadIsBlankAndReportedOnceUntilTheNextRefresh) {
   Show(0, true);
   database_.exec("ALTER TABLE Transactions RENAME TO Elsewhere");
   grid_.SortByColumn(kTargetColumn);

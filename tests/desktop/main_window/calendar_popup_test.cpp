@@ -36,7 +36,7 @@ TEST_F(CalendarPopupTest, IsHiddenUntilItsButtonShowsItWithTheFocus) {
   EXPECT_EQ(Popup().selectedDate(), kToday);
 }
 
-TEST_F(CalendarPopupTest, StandsBelowItsButtonWithinTheWindow) {
+TEST_F(CalendarPopupTest, IsBelowItsButtonWithinTheWindow) {
   Press();
   const QToolButton& button = Find<QToolButton>(u"Calendar"_qs);
   const QPoint below = button.mapTo(&Window(), QPoint(0, button.height()));

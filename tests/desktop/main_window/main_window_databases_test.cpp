@@ -39,7 +39,7 @@ class MainWindowDatabasesTest : public MainWindowFixture {
   }
 };
 
-TEST_F(MainWindowDatabasesTest, TheStatusBarsHaveTheToldPanels) {
+TEST_F(MainWindowDatabasesTest, TheStatusBarsHaveTheSpecifiedPanels) {
   Main();
   EXPECT_THAT(Panels(u"sbRecipe"_qs),
               ElementsAre("Recipe dB:", "", "Units:", "", "Created:", "", "Modified:", ""));
@@ -163,7 +163,7 @@ TEST_F(MainWindowDatabasesTest, SaveClosesAndOpensTheSameFileAgain) {
   EXPECT_EQ(Panels(u"sbTrans"_qs)[7], "");
 }
 
-TEST_F(MainWindowDatabasesTest, ACancelledOpenLeavesTheCommandsAndTabsOfBothOn) {
+TEST_F(MainWindowDatabasesTest, ACanceledOpenLeavesTheCommandsAndTabsOfBothOn) {
   Open(DatabaseKind::kRecipe);
   Open(DatabaseKind::kTransaction);
   chooser_.Cancel();

@@ -106,7 +106,7 @@ class MainMenusTest : public MainWindowFixture {
   std::vector<MainCommand> chosen_;
 };
 
-TEST_F(MainMenusTest, StandAsTold) {
+TEST_F(MainMenusTest, AreAsSpecified) {
   std::vector<std::string> told;
   told.reserve(kSpecified.size());
   for (const Specified& row : kSpecified) {
@@ -166,7 +166,7 @@ std::vector<std::string> Clashes(const QWidget& menu) {
   return clashes;
 }
 
-TEST_F(MainMenusTest, OnlyTheTwoMenusThatAreToldSoShareAMnemonic) {
+TEST_F(MainMenusTest, OnlyTheTwoSpecifiedMenusShareAMnemonic) {
   EXPECT_THAT(Clashes(*Window().menuBar()), ElementsAre("mnuTransfer and mnuTools"));
 }
 

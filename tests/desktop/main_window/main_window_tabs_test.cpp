@@ -67,7 +67,7 @@ class MainTabsTest : public MainWindowFixture {
   std::vector<std::string> diary_;
 };
 
-TEST_F(MainTabsTest, BearTheToldCaptionsAndEachHasItsPage) {
+TEST_F(MainTabsTest, HaveTheSpecifiedCaptionsAndEachHasItsPage) {
   Window();
   std::vector<std::string> captions;
   Names pages;
@@ -199,7 +199,7 @@ TEST_F(MainTabsTest, SelectTabBringsATabShownThatWasOffAndTurnsItOn) {
   EXPECT_TRUE(Tabs().isTabEnabled(kTabPens));
 }
 
-TEST_F(MainTabsTest, TheStripIsToldTheFocusByKeyAndByMouseButNotByTheWindow) {
+TEST_F(MainTabsTest, TheStripReportsTheFocusByKeyAndByMouseButNotByTheWindow) {
   ReplacePage(kTabDataTransfer, new DiaryPage("transfer", diary_));
   Show();
   diary_.clear();
@@ -231,7 +231,7 @@ TEST_F(MainTabsTest, AWheelInPassingDoesNotLeaveTheTab) {
   EXPECT_EQ(Tabs().currentIndex(), kTabDataTransfer);
 }
 
-TEST_F(MainTabsTest, ThePanelsOfTheRecordTabsBearTheToldButtons) {
+TEST_F(MainTabsTest, ThePanelsOfTheRecordTabsHaveTheSpecifiedButtons) {
   Main();
   const std::vector<std::pair<const char*, const char*>> told{
       {"cmdAction(0)", "Update"}, {"cmdAction(1)", "Cancel"}, {"cmdAction(2)", "Default"},
@@ -267,7 +267,7 @@ TEST_F(MainTabsTest, TheRecordNumberShowsAsAPlainNumber) {
   EXPECT_EQ(Text(u"lblRecordNumber"_qs), u"400"_qs);
 }
 
-TEST_F(MainTabsTest, TheStatusLineShowsItsTextInTheToldColours) {
+TEST_F(MainTabsTest, TheStatusLineShowsItsTextInTheSpecifiedColors) {
   Main();
   EXPECT_EQ(Text(u"lblStatus"_qs), u"Status:"_qs);
   Window().SetStatusLine(u"Upload complete!"_qs);

@@ -77,7 +77,7 @@ class MainToolBarTest : public MainWindowFixture {
   std::vector<MainCommand> chosen_;
 };
 
-TEST_F(MainToolBarTest, HasTheToldButtonsInOrderWithTheirTooltips) {
+TEST_F(MainToolBarTest, HasTheSpecifiedButtonsInOrderWithTheirTooltips) {
   Window();
   std::vector<std::string> keys;
   for (const QAction* action : Find<QToolBar>(u"tbToolBar"_qs).actions()) {
@@ -129,7 +129,7 @@ TEST_F(MainToolBarTest, DropDownItemsCarryTheWork) {
   }
 }
 
-TEST_F(MainToolBarTest, ButtonLetsGoOfAPointerThatLeftWhileItsListWasOpen) {
+TEST_F(MainToolBarTest, ButtonNoticesThatThePointerLeftWhileItsListWasOpen) {
   Main();
   KeepChosen();
   QToolButton& button = Button("New dB");
@@ -156,7 +156,7 @@ TEST_F(MainToolBarTest, TakesNoFocusByAClick) {
   }
 }
 
-TEST_F(MainToolBarTest, AScreenReaderTellsWhatEachButtonDoes) {
+TEST_F(MainToolBarTest, AScreenReaderSaysWhatEachButtonDoes) {
   Main();
   for (const Specified& told : SpecifiedButtons()) {
     QAccessibleInterface* const heard = QAccessible::queryAccessibleInterface(&Button(told.key));
@@ -192,7 +192,7 @@ TEST_F(MainToolBarTest, TogglingAbbreviateWritesTheSettingAtOnce) {
   EXPECT_EQ(value, "YES");
 }
 
-TEST_F(MainToolBarTest, ASettingThatCannotBeWrittenIsTold) {
+TEST_F(MainToolBarTest, ASettingThatCannotBeWrittenIsReported) {
   Main();
   std::filesystem::remove_all(app_folder_->DefaultAppPath());
   Choose(u"mnuEditAutoAbbrev"_qs);

@@ -48,7 +48,7 @@ TEST_F(SvgIconTest, EveryButtonOfTheToolbarHasADrawingOfItsOwn) {
   EXPECT_EQ(drawn.size(), ToolButtons().size());
 }
 
-TEST_F(SvgIconTest, TakesTheColoursOfThePaletteAsItIsNow) {
+TEST_F(SvgIconTest, TakesTheColorsOfThePaletteAsItIsNow) {
   const QIcon icon = SvgIcon("save");
   for (const QColor& text : {QColor(Qt::black), QColor(Qt::white), QColor(250, 240, 200)}) {
     QPalette palette = before_;
@@ -59,7 +59,7 @@ TEST_F(SvgIconTest, TakesTheColoursOfThePaletteAsItIsNow) {
   }
 }
 
-TEST_F(SvgIconTest, IsInTheColourOfDisabledTextWhenItsButtonIsOff) {
+TEST_F(SvgIconTest, IsInTheColorOfDisabledTextWhenItsButtonIsOff) {
   QPalette palette = before_;
   palette.setColor(QPalette::Disabled, QPalette::ButtonText, QColor(140, 140, 140));
   QApplication::setPalette(palette);
@@ -84,7 +84,7 @@ TEST_F(SvgIconTest, IsSharpAtEveryScale) {
   }
 }
 
-TEST_F(SvgIconTest, IsNoIconForADrawingThatIsNotThere) { EXPECT_TRUE(SvgIcon("nothing").isNull()); }
+TEST_F(SvgIconTest, IsNoIconForADrawingThatIsMissing) { EXPECT_TRUE(SvgIcon("nothing").isNull()); }
 
 }  // namespace
 }  // namespace vrx::testing

@@ -456,7 +456,7 @@ TEST_F(PrintCommandsTest, AnUnreadableFitIsOfferedOnPagesSideBySide) {
   EXPECT_TRUE(Find<QAbstractButton>(u"chkBatFitPage"_qs).isChecked());
 }
 
-TEST_F(PrintCommandsTest, AMovedColumnIsPrintedWhereItStands) {
+TEST_F(PrintCommandsTest, AMovedColumnIsPrintedAtItsPosition) {
   ShowTab();
   ChooseGroup(8);
   ExpandAll(true);
@@ -473,7 +473,7 @@ TEST_F(PrintCommandsTest, AnEmptyGroupIsRefused) {
 
 // The import.
 
-TEST_F(PrintCommandsTest, TheImportTellsItsFileAndUnit) {
+TEST_F(PrintCommandsTest, TheImportShowsItsFileAndUnit) {
   ShowTab();
   const fs::path file = folder_.Write("day.qxt", kFile);
   chooser_.Choose(file);
@@ -504,7 +504,7 @@ TEST_F(PrintCommandsTest, OnTheTransferTabNothingIsPrintedOrShown) {
   EXPECT_EQ(Grid().grab().toImage(), before);
 }
 
-TEST_F(PrintCommandsTest, TheColoursOfTheScreenAreTheSameAfterAPrintAndARefusedOne) {
+TEST_F(PrintCommandsTest, TheColorsOfTheScreenAreTheSameAfterAPrintAndARefusedOne) {
   ShowTab();
   ChooseGroup(8);
   ExpandAll(true);
@@ -527,7 +527,7 @@ TEST_F(PrintCommandsTest, PaperIsWhiteAndHasLinesByTheSetting) {
   EXPECT_GT(RuledLinesOf(pdf_), without);
 }
 
-TEST_F(PrintCommandsTest, WithoutAPrinterTheOperatorIsToldWhatToDo) {
+TEST_F(PrintCommandsTest, WithoutAPrinterTheOperatorIsShownWhatToDo) {
   ShowTab();
   Choose(u"mnuFilePrint"_qs);
   ExpectRefused("There is no printer. Choose a printer or a PDF file under File, Print Setup.");
@@ -562,7 +562,7 @@ TEST_F(PrintCommandsTest, ADatabaseIsNotReplacedOpenOrNot) {
   }
 }
 
-TEST_F(PrintCommandsTest, AFileThatCannotBeMadeIsToldWithItsCause) {
+TEST_F(PrintCommandsTest, AFileThatCannotBeCreatedIsReportedWithItsCause) {
   ShowTab();
   pdf_ = folder_ / "none" / "report.pdf";
   EXPECT_THAT(Print(), IsEmpty());

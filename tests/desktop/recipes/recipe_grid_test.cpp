@@ -333,14 +333,14 @@ TEST_F(RecipeGridTest, DeletingTheLastLineGoesToTheEntryRow) {
   EXPECT_FALSE(Enabled("txtRecRationTarget"));
 }
 
-TEST_F(RecipeGridTest, NothingToDeleteIsTold) {
+TEST_F(RecipeGridTest, NothingToDeleteIsReported) {
   EnterOn(kByWeight);
   ClickButton("cmdDeleteIng");
   ExpectBox("Delete (Error)", "There is no ingredient selected to delete.", Icon::kInformation);
   EXPECT_EQ(op_.beeps, 1);
 }
 
-TEST_F(RecipeGridTest, AMovedLineLeavesItsHandAddMarkBehind) {
+TEST_F(RecipeGridTest, AMovedLineLosesItsHandAddMark) {
   AddCornHaySupplement(kByWeight);
   EnterOn(kByWeight);
   Grid().GoTo(2, kColumnIngredient);
@@ -355,7 +355,7 @@ TEST_F(RecipeGridTest, AMovedLineLeavesItsHandAddMarkBehind) {
   ExpectStored();
 }
 
-TEST_F(RecipeGridTest, AMoveThatCannotBeIsTold) {
+TEST_F(RecipeGridTest, AnImpossibleMoveIsReported) {
   AddCornHaySupplement(kByWeight);
   EnterOn(kByWeight);
   ClickButton("UpDown1.Up");

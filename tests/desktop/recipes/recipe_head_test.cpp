@@ -163,7 +163,7 @@ TEST_F(RecipeHeadTest, TrailingBlanksOfANameGo) {
   EXPECT_EQ(Item(1), "  1: Ab");
 }
 
-TEST_F(RecipeHeadTest, AnEmptyNameIsToldAndKeepsTheFocusAndIsFlushedAllTheSame) {
+TEST_F(RecipeHeadTest, AnEmptyNameIsReportedAndKeepsTheFocusAndIsFlushedAnyway) {
   Enter();
   Find<FilteredEdit>("txtRecName").setFocus();
   Press(Qt::Key_A, Qt::ControlModifier);

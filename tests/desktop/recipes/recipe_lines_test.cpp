@@ -87,7 +87,7 @@ class RecipeLinesTest : public RecipesFixture {
   Painted painted_{*this};
 };
 
-TEST_F(RecipeLinesTest, TheFiguresOfACellAreOnTheGlassBeforeTheDiskHasThem) {
+TEST_F(RecipeLinesTest, TheFiguresOfACellAreOnTheScreenBeforeTheyAreOnDisk) {
   int steps = 0;
   const CommitHook hook(Database(), [&] {
     ++steps;

@@ -56,7 +56,7 @@ TEST_F(RecipeTotals, StandExactlyBelowTheirColumns) {
   ExpectBelowTheColumns();
 }
 
-TEST_F(RecipeTotals, OfTenDigitsFitTheirColumnsAndTheNextRecipeGetsItsRoomBack) {
+TEST_F(RecipeTotals, OfTenDigitsFitTheirColumnsAndTheNextRecipeGetsTheSpaceBack) {
   AddCornHaySupplement(kByHeadCount);
   SetHeadCount(kByHeadCount, 100);
   AddCornHaySupplement(kByWeight);
@@ -93,7 +93,7 @@ TEST_F(RecipeTotals, ShowTheirFirstDigitInAColumnThatTheOperatorNarrowed) {
   EXPECT_NE(total.grab().toImage(), one);
 }
 
-TEST_F(RecipeTotals, AColumnByPercentStandsBehindTheIngredient) {
+TEST_F(RecipeTotals, AColumnByPercentFollowsTheIngredient) {
   AddPercents("7.50");
   Enter();
   Show(kByPercent);

@@ -138,7 +138,7 @@ TEST_F(RecipesPageTest, AFieldThatWasLeftIsInTheFile) {
   EXPECT_EQ(ReadRecipe(other, 1).name, "STEERS");
 }
 
-TEST_F(RecipesPageTest, AChangeSetsModifiedAndIsTold) {
+TEST_F(RecipesPageTest, AChangeSetsModifiedAndNotifies) {
   Enter();
   const int before = changes_;
   LeaveTo("txtRecName");
@@ -193,7 +193,7 @@ TEST_F(RecipesPageTest, UpdateReadsTheLinesAnewAndBringsTheTotalsUpToDate) {
   EXPECT_EQ(Label("lblTargetTotal"), "1000");
 }
 
-TEST_F(RecipesPageTest, CancelGivesUpWhatStandsInABoxButNotTheGridsRow) {
+TEST_F(RecipesPageTest, CancelDiscardsTheTextOfABoxButNotTheGridsRow) {
   Enter();
   Grid().setFocus();
   Type("CORN");

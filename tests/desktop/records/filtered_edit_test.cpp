@@ -56,7 +56,7 @@ TEST_F(FilteredEditTest, InsertsTheCodeThatTheFilterGives) {
   EXPECT_EQ(refused_, 0);
 }
 
-TEST_F(FilteredEditTest, ARefusedKeyChangesNothingAndIsTold) {
+TEST_F(FilteredEditTest, ARefusedKeyChangesNothingAndIsReported) {
   Type(u"ab"_qs);
   edit_->setSelection(0, 1);
   Type(u"%"_qs);
@@ -65,13 +65,13 @@ TEST_F(FilteredEditTest, ARefusedKeyChangesNothingAndIsTold) {
   EXPECT_EQ(refused_, 1);
 }
 
-TEST_F(FilteredEditTest, AKeyWithoutRoomIsRefused) {
+TEST_F(FilteredEditTest, AKeyAtTheLimitIsRefused) {
   Type(u"STEERS7"_qs);
   EXPECT_EQ(Text(), "STEERS");
   EXPECT_EQ(refused_, 1);
 }
 
-TEST_F(FilteredEditTest, AKeyThatReplacesTheSelectionHasRoom) {
+TEST_F(FilteredEditTest, AKeyAtTheLimitMayReplaceTheSelection) {
   Type(u"STEERS"_qs);
   edit_->selectAll();
   Type(u"c"_qs);
@@ -87,7 +87,7 @@ TEST_F(FilteredEditTest, InsertsAtTheCursor) {
   EXPECT_EQ(edit_->cursorPosition(), 2);
 }
 
-TEST_F(FilteredEditTest, TheFilterSeesTheTextAheadOfTheKeyWithoutTheSelection) {
+TEST_F(FilteredEditTest, TheFilterSeesTheTextBeforeTheKeyWithoutTheSelection) {
   std::vector<std::string> seen;
   Make(
       [&](std::string_view text, int key) {
@@ -101,7 +101,7 @@ TEST_F(FilteredEditTest, TheFilterSeesTheTextAheadOfTheKeyWithoutTheSelection) {
   EXPECT_THAT(seen, ElementsAre("", "1", ""));
 }
 
-TEST_F(FilteredEditTest, TheFilterIsAskedWithoutRoomAsWell) {
+TEST_F(FilteredEditTest, TheFilterIsAlsoAskedAtTheLimit) {
   std::size_t length = 0;
   Make(
       [&](std::string_view text, int key) {
@@ -144,7 +144,7 @@ TEST_F(FilteredEditTest, APasteIsFilteredAsIfTyped) {
   EXPECT_EQ(edit_->cursorPosition(), 6);
 }
 
-TEST_F(FilteredEditTest, APasteInTheMiddleKeepsWhatStandsAround) {
+TEST_F(FilteredEditTest, APasteInTheMiddleKeepsTheTextAround) {
   Type(u"CN"_qs);
   edit_->setCursorPosition(1);
   Paste(u"or"_qs);
@@ -218,7 +218,7 @@ TEST_F(FilteredEditTest, UndoTakesATypedCharacterBack) {
   EXPECT_EQ(refused_, 0);
 }
 
-TEST_F(FilteredEditTest, ABackspaceIsToldAndNeverAskedAbout) {
+TEST_F(FilteredEditTest, ABackspaceIsReportedAndNeverFiltered) {
   int backspaces = 0;
   QObject::connect(edit_, &FilteredEdit::Backspace, [&] { ++backspaces; });
   Type(u"CO"_qs);
@@ -238,7 +238,7 @@ TEST_F(FilteredEditTest, AReadOnlyBoxTakesNothing) {
   EXPECT_EQ(Text(), "CORN");
 }
 
-TEST_F(FilteredEditTest, LeavingForAnotherFieldIsToldAMenuIsNot) {
+TEST_F(FilteredEditTest, LeavingForAnotherFieldIsReportedAMenuIsNot) {
   auto* const other = new QLineEdit(&form_);
   other->show();
   int left = 0;

@@ -52,7 +52,7 @@ TEST_F(IngredientGridTest, ACellTakesItsKeysAsTheFormsBoxDoes) {
   EXPECT_EQ(Shown("txtIngName"), "bEET12");
 }
 
-TEST_F(IngredientGridTest, ADryMatterInTheGridIsNormalisedAndGoesIntoTheLines) {
+TEST_F(IngredientGridTest, ADryMatterInTheGridIsNormalizedAndGoesIntoTheLines) {
   EditCell("grdING", kCorn, "DryMatter%", "999");
   PressKey(Qt::Key_Tab);
   EXPECT_EQ(Stored(kCorn).dry_matter_percent, 100);

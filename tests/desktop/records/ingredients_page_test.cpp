@@ -33,7 +33,7 @@ TEST_F(IngredientsPageTest, TheListNamesTheIngredientsInUse) {
   EXPECT_EQ(Item("cboIngID", 100), "100: ");
 }
 
-TEST_F(IngredientsPageTest, TheGridShowsTheToldColumns) {
+TEST_F(IngredientsPageTest, TheGridShowsTheSpecifiedColumns) {
   std::vector<std::string> captions;
   captions.reserve(5);
   for (int column = 0; column < 5; ++column) {
@@ -120,7 +120,7 @@ TEST_F(IngredientsPageTest, ALeftNameIsStoredWithoutTrailingBlanksAndRewritesIts
   EXPECT_EQ(Modified(), "2026-01-05");
 }
 
-TEST_F(IngredientsPageTest, AnEmptyNameIsToldKeepsTheFocusAndIsStored) {
+TEST_F(IngredientsPageTest, AnEmptyNameIsReportedKeepsTheFocusAndIsStored) {
   Choose(kCorn);
   Fill("txtIngName", "");
   RunEvents();
@@ -201,7 +201,7 @@ TEST_F(IngredientsPageTest, ATypedNameSurvivesADescriptionThatIsOnlyVisited) {
   EXPECT_EQ(Stored(5).name, "MINE");
 }
 
-TEST_F(IngredientsPageTest, ABackspaceInTheDescriptionCountsAsTyped) {
+TEST_F(IngredientsPageTest, ABackspaceInTheDescriptionIsTreatedAsTyped) {
   Choose(kCorn);
   Box("txtIngDesc").setFocus();
   Box("txtIngDesc").end(false);
@@ -211,7 +211,7 @@ TEST_F(IngredientsPageTest, ABackspaceInTheDescriptionCountsAsTyped) {
   EXPECT_EQ(Stored(kCorn).name, "CORN R");
 }
 
-TEST_F(IngredientsPageTest, AKeyWithoutRoomEndsWhatWasTyped) {
+TEST_F(IngredientsPageTest, AKeyAtTheLimitEndsTheTypedText) {
   Choose(5);
   Fill("txtIngDesc", "Corn rolled in ma");
   EXPECT_EQ(Stored(5).description, "Corn rolled in m");

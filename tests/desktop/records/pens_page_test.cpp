@@ -126,7 +126,7 @@ TEST_F(PensPageTest, TheWarningGoesByTheRowsOfTheGrid) {
   EXPECT_FALSE(Warning().isHidden()) << "Cancel shows all pens again";
 }
 
-TEST_F(PensPageTest, AnOpenedDatabaseWarnsAndStandsOnPen1AndANewOneDoesNotWarn) {
+TEST_F(PensPageTest, AnOpenedDatabaseWarnsAndShowsPen1AndANewOneDoesNotWarn) {
   Feed(300, "7");
   MainWindowFixture::Choose(u"mnuFileSaveRecipeDB"_qs);
   EXPECT_FALSE(Warning().isHidden());

@@ -126,7 +126,7 @@ TEST_F(SetupFormTest, TheTransactionFileIsEmptyBeforeAnyImport) {
   });
 }
 
-TEST_F(SetupFormTest, TheTransactionFileBreaksBehindEachComma) {
+TEST_F(SetupFormTest, TheTransactionFileBreaksAfterEachComma) {
   Main();
   const std::filesystem::path file = folder_.Write("a.qxt", "{BAT/FED},\xE9,rest");
   chooser_.Choose(file);
@@ -291,7 +291,7 @@ TEST_F(SetupFormTest, OpeningItClosesThePort) {
 
 // The devices behind the ports.
 
-TEST_F(SetupFormTest, EachPortTellsItsDevice) {
+TEST_F(SetupFormTest, EachPortShowsItsDevice) {
   const std::filesystem::path nowhere = folder_ / "nowhere";
   std::filesystem::create_directories(app_folder_->DefaultAppPath() / "Ports");
   std::filesystem::create_symlink(nowhere, app_folder_->DefaultAppPath() / "Ports/COM3");
@@ -306,7 +306,7 @@ TEST_F(SetupFormTest, EachPortTellsItsDevice) {
   });
 }
 
-TEST_F(SetupFormTest, ADeviceIsPutBehindTheChosenPort) {
+TEST_F(SetupFormTest, ADeviceIsAssignedToTheChosenPort) {
   Setup([&](SetupForm& /*form*/) {
     ShowSetupTab(6);
     Ports().setCurrentItem(Ports().topLevelItem(4));
@@ -321,7 +321,7 @@ TEST_F(SetupFormTest, ADeviceIsPutBehindTheChosenPort) {
   });
 }
 
-TEST_F(SetupFormTest, ADeviceThatCannotBePutThereIsTold) {
+TEST_F(SetupFormTest, ADeviceThatCannotBeAssignedIsReported) {
   WriteFileBytes(app_folder_->DefaultAppPath() / "Ports", "a file");
   Setup([&](SetupForm& /*form*/) {
     ShowSetupTab(6);
@@ -375,7 +375,7 @@ TEST_F(SetupFormTest, ReportsTheModuleTheChosenBaudRate) {
   });
 }
 
-TEST_F(SetupFormTest, ASecondClickWhileACommandRunsIsNone) {
+TEST_F(SetupFormTest, ASecondClickWhileACommandRunsIsIgnored) {
   Setup([&](SetupForm& /*form*/) {
     ShowSetupTab(6);
     pump_.After(Ms{500}, [&] { ClickOn(u"cmdTestKRM"_qs); });
@@ -400,7 +400,7 @@ TEST_F(SetupFormTest, ClosedWhileACommandRunsItEndsThatWithoutAWord) {
   EXPECT_EQ(operator_.status_color, StatusColor::kGreen);
 }
 
-TEST_F(SetupFormTest, ADirectConnectionGoesOnBehindIt) {
+TEST_F(SetupFormTest, ADirectConnectionContinuesAfterIt) {
   ShowTab();
   pump_.After(Ms{1000}, [&] {
     Setup([&](SetupForm& /*form*/) { EXPECT_FALSE(serial_.PortOpen()); });

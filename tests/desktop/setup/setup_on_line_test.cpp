@@ -71,7 +71,7 @@ class SetupOnLine : public LineFixture {
   SetupForm* form_ = nullptr;
 };
 
-TEST_F(SetupOnLine, TestsClearsAndTellsTheBaudRate) {
+TEST_F(SetupOnLine, TestsClearsAndSetsTheBaudRate) {
   const auto module = KeptModule("old");
   Setup([this] {
     bool stood_by = false;
@@ -111,7 +111,7 @@ TEST_F(SetupOnLine, ARefusedClearLeavesTheModule) {
   EXPECT_EQ(MemoryOf(*module), "old");
 }
 
-TEST_F(SetupOnLine, ASilentModuleIsToldByEachCommand) {
+TEST_F(SetupOnLine, ASilentModuleIsReportedByEachCommand) {
   auto module = FaultyModule("", "silent");
   Setup([this] {
     Press(u"cmdTestKRM"_qs);
@@ -130,7 +130,7 @@ TEST_F(SetupOnLine, ASilentModuleIsToldByEachCommand) {
   TheNextUploadWorks();
 }
 
-TEST_F(SetupOnLine, ALineLostInTheClearIsTold) {
+TEST_F(SetupOnLine, ALineLostInTheClearIsReported) {
   const auto module = FaultyModule("", "hang-up=3");
   Setup([this] {
     boxes_.answers = {QMessageBox::Yes};
@@ -139,7 +139,7 @@ TEST_F(SetupOnLine, ALineLostInTheClearIsTold) {
   });
 }
 
-TEST_F(SetupOnLine, ALinePulledInATestIsToldAndTheNextOneWorks) {
+TEST_F(SetupOnLine, ALinePulledInATestIsReportedAndTheNextOneWorks) {
   auto module = Module("");
   Setup([&] {
     Later(Ms{500}, [&] { module.reset(); });
@@ -152,7 +152,7 @@ TEST_F(SetupOnLine, ALinePulledInATestIsToldAndTheNextOneWorks) {
 }
 
 // The numbers are what a setting knows; which device is behind one is chosen and seen here.
-TEST_F(SetupOnLine, ADeviceIsPutBehindANumberAndFoundThere) {
+TEST_F(SetupOnLine, ADeviceIsAssignedToANumberAndFoundThere) {
   const auto module = Module("");
   const std::string device = fs::canonical(link_).string();
   Setup([&] {

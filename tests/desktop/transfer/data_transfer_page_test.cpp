@@ -48,7 +48,7 @@ TEST_F(DataTransferPageTest, DownloadDataShowsTheRecipeFrames) {
   EXPECT_EQ(operator_.Status(), "");
 }
 
-TEST_F(DataTransferPageTest, UploadOfOneFileTellsItInTheSingular) {
+TEST_F(DataTransferPageTest, UploadOfOneFileReportsItInTheSingular) {
   ShowTab();
   Click(u"cmdDownloadRecipeToKRM"_qs);
   ModuleHolds(kTransactions);
@@ -120,7 +120,7 @@ TEST_F(DataTransferPageTest, UnknownTextIsShownAndNotListed) {
   EXPECT_FALSE(Visible(u"frmDataFiles"_qs));
 }
 
-TEST_F(DataTransferPageTest, SilentModuleIsToldWithItsCause) {
+TEST_F(DataTransferPageTest, SilentModuleIsReportedWithItsCause) {
   ShowTab();
   serial_.WillStaySilent();
   Click(u"cmdUploadDataFromKRM"_qs);
@@ -225,7 +225,7 @@ TEST_F(DataTransferPageTest, SaveWritesTheBytesAndMarksTheRow) {
   EXPECT_EQ(List().currentRow(), 1);
 }
 
-TEST_F(DataTransferPageTest, SaveThatIsCancelledIsTold) {
+TEST_F(DataTransferPageTest, SaveThatIsCanceledIsReported) {
   ShowTab();
   ModuleHolds(kTransactions);
   Click(u"cmdUploadDataFromKRM"_qs);
@@ -236,7 +236,7 @@ TEST_F(DataTransferPageTest, SaveThatIsCancelledIsTold) {
   EXPECT_EQ(operator_.status_color, StatusColor::kBlue);
 }
 
-TEST_F(DataTransferPageTest, SaveThatFailsTellsWhyInTheTooltip) {
+TEST_F(DataTransferPageTest, SaveThatFailsShowsTheReasonInTheTooltip) {
   ShowTab();
   ModuleHolds(kTransactions);
   Click(u"cmdUploadDataFromKRM"_qs);
@@ -323,7 +323,7 @@ TEST_F(DataTransferPageTest, DatabaseGoesToTheModuleAsItIsShown) {
   EXPECT_EQ(operator_.status_color, StatusColor::kGreen);
 }
 
-TEST_F(DataTransferPageTest, DownloadWithoutAModuleTellsWhyInTheTooltip) {
+TEST_F(DataTransferPageTest, DownloadWithoutAModuleShowsTheReasonInTheTooltip) {
   Open(DatabaseKind::kRecipe);
   ShowTab();
   Click(u"cmdDownloadRecipeToKRM"_qs);

@@ -79,7 +79,7 @@ TEST_F(PrintOfTheDataWindow, PrintsWhatItShows) {
   EXPECT_TRUE(op.boxes.empty());
 }
 
-TEST_F(PrintOfTheDataWindow, APrinterThatRefusesIsTold) {
+TEST_F(PrintOfTheDataWindow, APrinterThatRefusesIsReported) {
   printer.refuses = true;
   Print("abc");
   ASSERT_EQ(op.boxes.size(), 1U);

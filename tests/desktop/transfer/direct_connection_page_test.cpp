@@ -175,7 +175,7 @@ TEST_F(DirectConnectionPageTest, WhatArrivesTakesNoFocusFromAnotherTab) {
   ConnectFor(Ms{3000});
 }
 
-TEST_F(DirectConnectionPageTest, UploadOfAnEmptyMemoryIsTold) {
+TEST_F(DirectConnectionPageTest, UploadOfAnEmptyMemoryIsReported) {
   ShowTab();
   After(Ms{100}, [this] {
     Click(u"cmdUploadDataFromKRM"_qs);
@@ -214,7 +214,7 @@ TEST_F(DirectConnectionPageTest, APortThatCannotBeOpenedFallsBackToTheModule) {
   EXPECT_THAT(operator_.status_lines, Contains(kWaiting));
 }
 
-TEST_F(DirectConnectionPageTest, ALostLineIsToldAndFallsBackToTheModule) {
+TEST_F(DirectConnectionPageTest, ALostLineIsReportedAndFallsBackToTheModule) {
   ShowTab();
   After(Ms{300}, [this] { serial_.LoseLine(); });
   Click(u"optConnection(1)"_qs);
@@ -224,7 +224,7 @@ TEST_F(DirectConnectionPageTest, ALostLineIsToldAndFallsBackToTheModule) {
   EXPECT_FALSE(Direct());
 }
 
-TEST_F(DirectConnectionPageTest, AClosingProgramEndsItWithoutAWord) {
+TEST_F(DirectConnectionPageTest, AClosingProgramEndsItWithoutAMessage) {
   ShowTab();
   After(Ms{300}, [this] { pump_.closing = true; });
   Click(u"optConnection(1)"_qs);
@@ -266,7 +266,7 @@ TEST_F(DirectConnectionPageTest, CannotBeChosenDuringAnUpload) {
   EXPECT_TRUE(Enabled(u"optConnection(1)"_qs));
 }
 
-TEST_F(DirectConnectionPageTest, AnotherClickOnTheChosenConnectionIsNone) {
+TEST_F(DirectConnectionPageTest, AnotherClickOnTheChosenConnectionIsIgnored) {
   ShowTab();
   Click(u"optConnection(0)"_qs);
   EXPECT_THAT(operator_.status_lines, IsEmpty());

@@ -134,7 +134,7 @@ TEST_F(DirectOnLine, UnknownTextInMemoryIsShownInRed) {
   EXPECT_EQ(Data(), "");
 }
 
-TEST_F(DirectOnLine, AnEmptyMemoryIsToldInABoxAndInTheStatus) {
+TEST_F(DirectOnLine, AnEmptyMemoryIsReportedInABoxAndInTheStatus) {
   const auto indicator = Indicator("wait 60000\n");
   ConnectAnd([this] {
     Upload();
@@ -226,7 +226,7 @@ TEST_F(DirectOnLine, APortWithoutADeviceFallsBackToTheModule) {
   TheNextUploadWorks();
 }
 
-TEST_F(DirectOnLine, ALinePulledWhileItWaitsIsToldAndTheNextOneStands) {
+TEST_F(DirectOnLine, ALinePulledWhileItWaitsIsReportedAndTheNextConnectionWorks) {
   {
     auto indicator = Indicator("wait 60000\n");
     ConnectAnd([&] { indicator.reset(); });
@@ -243,7 +243,7 @@ TEST_F(DirectOnLine, ALinePulledWhileItWaitsIsToldAndTheNextOneStands) {
 }
 
 // The answer's own box comes ahead of the connection's.
-TEST_F(DirectOnLine, ALinePulledInAnAnswerIsToldAndTheModuleWorksNext) {
+TEST_F(DirectOnLine, ALinePulledInAnAnswerIsReportedAndTheModuleWorksNext) {
   auto indicator = Indicator("wait 1500\n" + Sends("\x15") + "wait 60000\n");
   Later(Ms{2800}, [&] { indicator.reset(); });
   ConnectDirectly();
@@ -253,7 +253,7 @@ TEST_F(DirectOnLine, ALinePulledInAnAnswerIsToldAndTheModuleWorksNext) {
   TheNextUploadWorks();
 }
 
-TEST_F(DirectOnLine, TheModuleWorksBehindIt) {
+TEST_F(DirectOnLine, TheModuleWorksAfterIt) {
   {
     const auto indicator = Indicator("wait 1500\n" + Sends("abc") + "wait 60000\n");
     const auto end = Once([this] { return MemorySize() == "3"; }, [this] { ConnectModule(); });

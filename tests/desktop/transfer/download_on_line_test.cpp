@@ -49,7 +49,7 @@ class DownloadOnLine : public LineFixture {
   }
 };
 
-TEST_F(DownloadOnLine, ADatabaseStandsInTheModuleAsItIsShown) {
+TEST_F(DownloadOnLine, ADatabaseIsInTheModuleAsItIsShown) {
   const auto module = KeptModule("old");
   OpenDatabase();
   auto& active_only = Find<QCheckBox>(u"chkShowActiveIngsOnly"_qs);
@@ -75,7 +75,7 @@ TEST_F(DownloadOnLine, ADatabaseStandsInTheModuleAsItIsShown) {
   EXPECT_EQ(MemoryOf(*module), sent);
 }
 
-TEST_F(DownloadOnLine, AnEditedBackupStandsInTheModuleAsItWasEdited) {
+TEST_F(DownloadOnLine, AnEditedBackupIsInTheModuleAsItWasEdited) {
   const auto module = KeptModule("old");
   OpenBackup(kBackup);
   auto& window = Find<DataWindow>(u"txtDataWindow"_qs);
@@ -148,7 +148,7 @@ TEST_F(DownloadOnLine, ATextWithoutItsMarkIsRefused) {
   EXPECT_FALSE(line_.PortOpen());
 }
 
-TEST_F(DownloadOnLine, ASilentModuleIsToldInTheStatusAloneAndTheNextTryWorks) {
+TEST_F(DownloadOnLine, ASilentModuleIsReportedInTheStatusAloneAndTheNextTryWorks) {
   OpenBackup(kBackup);
   {
     const auto module = FaultyModule("old", "silent");
@@ -159,7 +159,7 @@ TEST_F(DownloadOnLine, ASilentModuleIsToldInTheStatusAloneAndTheNextTryWorks) {
   TheNextDownloadWorks();
 }
 
-TEST_F(DownloadOnLine, ALineLostInTheClearIsToldAndTheNextTryWorks) {
+TEST_F(DownloadOnLine, ALineLostInTheClearIsReportedAndTheNextTryWorks) {
   OpenBackup(kBackup);
   {
     const auto module = FaultyModule("old", "hang-up=3");
@@ -170,7 +170,7 @@ TEST_F(DownloadOnLine, ALineLostInTheClearIsToldAndTheNextTryWorks) {
 }
 
 // The module stops reading, then it is gone.
-TEST_F(DownloadOnLine, ALinePulledInTheTextIsToldAndTheNextTryWorks) {
+TEST_F(DownloadOnLine, ALinePulledInTheTextIsReportedAndTheNextTryWorks) {
   OpenBackup(kBackup + std::string(500'000, 'x'));
   {
     auto module = Module("old", {});

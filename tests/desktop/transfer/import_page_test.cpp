@@ -164,7 +164,7 @@ TEST_F(ImportPageTest, TheMenuImportsAFileAndShowsItsFacts) {
   EXPECT_TRUE(Window().Commands().On("mnuFilePrint"));
 }
 
-TEST_F(ImportPageTest, CancelledItChangesNothing) {
+TEST_F(ImportPageTest, CanceledItChangesNothing) {
   Show();
   chooser_.Cancel();
   Window().Tabs().SelectTab(kTabImport);
@@ -287,7 +287,7 @@ TEST_F(ImportPageTest, AFileThatIsTooLongIsRefused) {
   EXPECT_EQ(LastBox().icon, Icon::kWarning);
 }
 
-TEST_F(ImportPageTest, StripesHaveTheToldColoursAndDarkText) {
+TEST_F(ImportPageTest, StripesHaveTheSpecifiedColorsAndDarkText) {
   Main();
   ImportText(kFile);
   const auto color = [&](int row, int role) {

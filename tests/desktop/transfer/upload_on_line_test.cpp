@@ -26,7 +26,7 @@ class UploadOnLine : public LineFixture {
   }
 };
 
-TEST_F(UploadOnLine, OneFileIsToldInTheSingularInGreen) {
+TEST_F(UploadOnLine, OneFileIsReportedInTheSingularInGreen) {
   const auto module = Module(kTransactions);
   bool stood_by = false;
   Later(Ms{300}, [&] { stood_by = Busy() && Status() == StatusLook{"Standby...", kStatusBlue}; });
@@ -85,7 +85,7 @@ TEST_F(UploadOnLine, FilesOfEveryKindAreSavedByteForByte) {
   EXPECT_EQ(Rows().front(), "Transaction File - 1 (saved)");
 }
 
-TEST_F(UploadOnLine, ASaveThatIsCancelledIsToldByItsKindAndChangesNothing) {
+TEST_F(UploadOnLine, ASaveThatIsCanceledIsReportedByItsKindAndChangesNothing) {
   const auto module = Module(kTransactions + kBackup + kReport);
   Upload();
   const std::vector<std::string> rows = Rows();
@@ -125,7 +125,7 @@ TEST_F(UploadOnLine, BytesAreCountedAsTheyCome) {
   EXPECT_NE(counts.front(), counts.back());
 }
 
-TEST_F(UploadOnLine, ALinePulledAtAnyMomentIsToldAndTheNextTryWorks) {
+TEST_F(UploadOnLine, ALinePulledAtAnyMomentIsReportedAndTheNextTryWorks) {
   for (const Ms when : {Ms{200}, Ms{1100}, Ms{2300}}) {
     auto module = Module(kTransactions);
     Later(when, [&] { module.reset(); });
