@@ -1,9 +1,10 @@
+#include "export/work_folder.h"
+
 #include <random>
 #include <string>
 #include <system_error>
 
 #include "base/files.h"
-#include "export/work_folder.h"
 
 namespace vrx {
 

@@ -1,3 +1,5 @@
+#include "export/work_folder.h"
+
 #include <filesystem>
 #include <optional>
 #include <string>
@@ -5,7 +7,6 @@
 #include <gtest/gtest.h>
 
 #include "base/files.h"
-#include "export/work_folder.h"
 #include "support/environment.h"
 #include "support/temp_folder.h"
 

@@ -1,7 +1,8 @@
+#include "settings/data_folder.h"
+
 #include <gmock/gmock.h>
 
 #include "base/files.h"
-#include "settings/data_folder.h"
 #include "support/fixed_system_info.h"
 #include "support/recording_operator.h"
 #include "support/temp_folder.h"

@@ -1,9 +1,10 @@
+#include "settings/ini_file.h"
+
 #include <random>
 
 #include <gtest/gtest.h>
 
 #include "base/files.h"
-#include "settings/ini_file.h"
 #include "support/temp_folder.h"
 
 namespace vrx {

@@ -1,3 +1,5 @@
+#include "settings/settings.h"
+
 #include <array>
 #include <csignal>
 
@@ -6,7 +8,6 @@
 
 #include "base/error.h"
 #include "base/text.h"
-#include "settings/settings.h"
 #include "support/fixed_system_info.h"
 #include "support/recording_operator.h"
 #include "support/temp_folder.h"
