@@ -279,7 +279,7 @@ bool Indicator::Receive(Time until) {
   }
   received_ += line_.Read();
   line_.TakeClients();
-  return signals_.Take() != Signals::Specified::kStop;
+  return signals_.Take() != Signals::Request::kStop;
 }
 
 void Indicator::Take(std::size_t count) {
