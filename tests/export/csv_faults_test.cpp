@@ -44,7 +44,8 @@ class StandingExport {
     if (process_ == 0) {
       int status = 0;
       try {
-        CSVExport(site.Names()).ExportData(1, pipe_, site.Database(), VisibleColumnsOf(1));
+        static_cast<void>(
+            CSVExport(site.Names()).ExportData(1, pipe_, site.Database(), VisibleColumnsOf(1)));
       } catch (const std::exception&) {
         status = 1;
       }
@@ -120,8 +121,9 @@ TEST(CsvOfADamagedDatabase, IsAnErrorThatNamesTheDatabase) {
   Damage(site.Database());
   for (const int group : {0, 1, 5, 12}) {
     try {
-      CSVExport(site.Names())
-          .ExportData(group, site.Folder() / "out.csv", site.Database(), VisibleColumnsOf(group));
+      static_cast<void>(CSVExport(site.Names())
+                            .ExportData(group, site.Folder() / "out.csv", site.Database(),
+                                        VisibleColumnsOf(group)));
       FAIL() << "group " << group << " cannot have been read";
     } catch (const DatabaseError& error) {
       EXPECT_THAT(error.what(), HasSubstr("YARD.TDB"));
@@ -136,7 +138,8 @@ TEST(CsvIntoAReadOnlyFolder, IsReportedAndTheOldFileStays) {
   {
     const WithoutWritePermission guard(site.Folder().Path());
     try {
-      CSVExport(site.Names()).ExportData(1, file, site.Database(), VisibleColumnsOf(1));
+      static_cast<void>(
+          CSVExport(site.Names()).ExportData(1, file, site.Database(), VisibleColumnsOf(1)));
       FAIL() << "the folder may not be written";
     } catch (const FileError& error) {
       EXPECT_EQ(error.what(), "cannot write " + file.string() + ": Permission denied");
