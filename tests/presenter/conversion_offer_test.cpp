@@ -95,7 +95,7 @@ TEST_F(ConversionOfferTest, AsksInTheSpecifiedWordsAndConvertsACopy) {
 }
 
 TEST_F(ConversionOfferTest, TheUnitOfTheSystemIsThatOfAFileWithoutOne) {
-  settings.LetByKey("SystemUnits", "KG");
+  ASSERT_TRUE(settings.LetByKey("SystemUnits", "KG"));
   JetWriter file;
   file.AddTable("Pen", {{"ID", JetWriter::kLong}});
   file.Write(site.old_path);
