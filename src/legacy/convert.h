@@ -26,19 +26,15 @@ struct LegacyConversion {
   std::optional<DatabaseKind> kind = std::nullopt;
 };
 
-struct ConversionPorts {
-  ProgramRunner& runner;
-  ProgressDisplay& progress;
-  std::function<bool()> go_on = [] { return true; };  // asked every 50 ms at least
-};
-
 // Makes a database of an earlier installation's Jet file. The old file is only read. The new one is
 // a copy of the blank template that one transaction fills; it takes its name when it is whole, and
-// until then, and after a failure, the name stands for nothing.
+// until then, and after a failure, the name stands for nothing. `go_on` is asked every 50 ms at
+// least.
 //
 // Throws LegacyError, ConversionStopped, FileError, DatabaseError.
-ConversionReport ConvertLegacyDatabase(const LegacyConversion& wanted,
-                                       const ConversionPorts& ports);
+ConversionReport ConvertLegacyDatabase(
+    const LegacyConversion& wanted, ProgramRunner& runner, ProgressDisplay& progress,
+    const std::function<bool()>& go_on = [] { return true; });
 
 // A Jet file and who reads it.
 struct LegacyFile {

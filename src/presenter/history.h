@@ -14,7 +14,7 @@
 #include "history/history_grid.h"
 #include "platform/event_pump.h"
 #include "platform/operator.h"
-#include "presenter/database_identity.h"
+#include "presenter/services.h"
 
 namespace vrx {
 
@@ -88,14 +88,6 @@ class HistoryView {
   virtual void HistoryChanged(HistoryPart part) = 0;
 };
 
-// What the view asks of its surroundings. Everything referred to outlives it.
-struct HistoryPorts {
-  Operator& op;
-  EventPump& pump;
-  DatabaseIdentity& identity;  // tells failures
-  HistoryView& screen;
-};
-
 // The `Batched/Fed` tab: the flow behind its controls, without a window. A failure of the storage
 // is told to the operator; what was shown then stays.
 //
@@ -105,7 +97,7 @@ class HistoryPresenter {
  public:
   // Nothing is shown before the first SelectGroup. A database outlives the view, or the next one
   // that is set. Throws DatabaseError.
-  HistoryPresenter(SQLite::Database& transactions, const HistoryPorts& ports);
+  HistoryPresenter(SQLite::Database& transactions, Services& services, HistoryView& screen);
   HistoryPresenter(const HistoryPresenter&) = delete;
   HistoryPresenter& operator=(const HistoryPresenter&) = delete;
 
@@ -161,7 +153,8 @@ class HistoryPresenter {
   void ShowGridVisible(bool visible);
   void Act(const std::function<void()>& action);
 
-  HistoryPorts ports_;
+  Services& services_;
+  HistoryView& screen_;
   HistoryGrid grid_;
   NamePicker picker_;
   SQLite::Database* recipes_ = nullptr;

@@ -7,10 +7,8 @@
 
 #include <SQLiteCpp/Database.h>
 
-#include "platform/calendar.h"
 #include "platform/operator.h"
-#include "presenter/database_identity.h"
-#include "settings/settings.h"
+#include "presenter/services.h"
 
 namespace vrx {
 
@@ -35,17 +33,9 @@ EditEnd AskAboutEdit(Operator& op, std::string_view what, std::string cause,
 // Says that an edit which could not be stored is given up.
 void ReportEditGivenUp(Operator& op, std::string_view what, std::string_view cause);
 
-// What an action on the records asks of its surroundings. Everything referred to outlives it.
-struct FeedPorts {
-  Operator& op;
-  const PrivateINI& settings;
-  const Calendar& calendar;
-  DatabaseIdentity& identity;  // tells failures
-};
-
 // Runs an action that the operator started and returns what it returns; where it throws, tells the
 // operator under `title` and returns false. The pointer is a normal one afterwards.
-bool RunFeedAction(const SQLite::Database& database, const FeedPorts& ports, std::string_view title,
+bool RunFeedAction(const SQLite::Database& database, Services& services, std::string_view title,
                    const std::function<bool()>& action);
 
 // The box of a routine that has trapped a failure: "Error: " and its number under the routine's

@@ -12,22 +12,19 @@
 
 #include "database/connection.h"
 #include "database/records.h"
-#include "presenter/database_identity.h"
 #include "presenter/report_failure.h"
-#include "settings/settings.h"
 #include "support/database_files.h"
-#include "support/fixed_calendar.h"
-#include "support/recording_operator.h"
 #include "support/temp_folder.h"
+#include "support/test_services.h"
 
 namespace vrx::testing {
 
 inline constexpr std::chrono::milliseconds kShortTimeout{20};
 
-// A fresh recipe database, open for writing, and the ports of an action on it. 5 January 2026.
-class FeedDatabaseTest : public ::testing::Test {
+// A fresh recipe database, open for writing, and the services of an action on it. 5 January 2026.
+class FeedDatabaseTest : public ::testing::Test, protected TestServices {
  protected:
-  FeedDatabaseTest() { settings.SetEnableBeeperOn(true); }
+  FeedDatabaseTest() : TestServices(kShortTimeout) { settings.SetEnableBeeperOn(true); }
 
   // A recipe in use.
   void UseRecipe(int id, const std::string& name, const std::string& batch_type = "W") {
@@ -75,11 +72,6 @@ class FeedDatabaseTest : public ::testing::Test {
   TempFolder folder;
   std::filesystem::path path = CopyOfTemplate(folder, "YARD.RDB");
   SQLite::Database database = OpenDatabase(path, Access::kWrite, kShortTimeout);
-  RecordingOperator op;
-  FixedCalendar calendar;
-  PrivateINI settings;
-  DatabaseIdentity identity{op, calendar, settings, kShortTimeout};
-  FeedPorts ports{.op = op, .settings = settings, .calendar = calendar, .identity = identity};
 };
 
 }  // namespace vrx::testing

@@ -55,14 +55,8 @@ class HistoryPage final : public MainTabPage, private HistoryView {
 
  public:
   // Everything outlives it, but the window may go first.
-  struct Ports {
-    Operator& op;
-    EventPump& pump;
-    DatabaseIdentity& identity;
-    std::function<bool()> active_ingredients_only;  // `chkShowActiveIngsOnly`
-  };
-
-  explicit HistoryPage(Ports ports);
+  // `active_ingredients_only` gives `chkShowActiveIngsOnly`.
+  HistoryPage(Services& services, std::function<bool()> active_ingredients_only);
 
   // What is on show, for the export and the printed page; nullptr before the first database is
   // bound and after the last one was let go.
@@ -91,7 +85,8 @@ class HistoryPage final : public MainTabPage, private HistoryView {
   void ShowGrid();
   QString EmptyText();
 
-  Ports ports_;
+  Services& services_;
+  std::function<bool()> active_ingredients_only_;
   ChoiceList* lst_group_by_;
   QLabel* lbl_name_;
   ChoiceList* cbo_col_name_;

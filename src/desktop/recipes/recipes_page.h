@@ -21,8 +21,9 @@ class RecipesPage final : public RecordPage, private RecipeGridEvents {
   Q_OBJECT
 
  public:
-  // What the ports refer to outlives it.
-  explicit RecipesPage(const RecordPorts& ports, QWidget* parent = nullptr);
+  // Everything referred to outlives it. The abbreviation is the one of the three description boxes.
+  RecipesPage(Services& services, GeneralDelay& delay, AutoAbbreviation& abbreviation,
+              QWidget* parent = nullptr);
   ~RecipesPage() override;
 
   // The rows of the pen grid as it is filtered, for the pen capacity warning. None until it is set.
@@ -121,7 +122,9 @@ class RecipesPage final : public RecordPage, private RecipeGridEvents {
   void KeepOpenEdits();
   void RewriteItem(std::string_view name);
 
-  RecordPorts ports_;
+  Services& services_;
+  GeneralDelay& delay_;
+  AutoAbbreviation& abbreviation_;
   PenRows pen_rows_;
   SQLite::Database* connection_ = nullptr;  // none before the first database and after the last
   bool closed_ = true;                      // the blank template is on show

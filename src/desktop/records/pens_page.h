@@ -15,7 +15,7 @@ class PensPage final : public RecordFormPage {
   Q_OBJECT
 
  public:
-  explicit PensPage(const RecordPorts& ports, QWidget* parent = nullptr);
+  PensPage(Services& services, AutoAbbreviation& abbreviation, QWidget* parent = nullptr);
 
   // As the grid is filtered; none where they cannot be read, which is told.
   std::vector<PenRecord> PensShown();

@@ -1,7 +1,5 @@
 #pragma once
 
-#include <functional>
-
 #include <SQLiteCpp/Database.h>
 
 #include "desktop/main_window/panels.h"
@@ -9,21 +7,9 @@
 #include "feed/key_filters.h"
 #include "presenter/command_states.h"
 #include "presenter/report_failure.h"
+#include "presenter/services.h"
 
 namespace vrx {
-
-// What the pages of ingredients, recipes and pens work with. Everything outlives them.
-struct RecordPorts {
-  FeedPorts feed;
-  GeneralDelay& delay;
-  AutoAbbreviation& abbreviation;  // the one of the three description boxes
-
-  // LoadIdLists calls it for each record whose item it has put in its list.
-  std::function<void()> record_loaded = [] {};
-
-  // To be called for each change of a record that was stored, behind its transaction.
-  std::function<void()> record_changed = [] {};
-};
 
 // The page of one kind of record, as the action bar and the navigator know it. A record's position
 // is its `ID`, from 1. No call opens a database: with a closed one the page shows the blank
@@ -58,6 +44,12 @@ class RecordPage : public MainTabPage {
 
   // Another database is on show: items 0 and 2 are off for one that may not be written.
   void WritingAllowed(bool allowed);
+
+  // LoadIdLists has put the item of one more record in its list.
+  void RecordLoaded();
+
+  // A change of a record was stored, its transaction included.
+  void RecordChanged();
 };
 
 }  // namespace vrx

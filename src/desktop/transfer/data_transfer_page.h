@@ -41,23 +41,8 @@ class DataTransferPage final : public MainTabPage, private RecipeDownloadHost {
 
  public:
   // Everything outlives it.
-  struct Ports {
-    Operator& op;
-    FileChooser& files;
-    const Calendar& calendar;
-    EventPump& pump;
-    const PrivateINI& settings;
-    DatabaseIdentity& identity;
-    KRMCOMM& krm;
-    TransferDatabases& databases;
-    TransferStatusPanel& status;
-    TextPrinter& printer;
-    // Where received data is kept that cannot be saved as files.
-    std::function<std::filesystem::path()> data_folder = [] { return std::filesystem::path(); };
-    std::function<LocalTime()> now = LocalNow;
-  };
-
-  explicit DataTransferPage(const Ports& ports);
+  DataTransferPage(Services& services, KRMCOMM& krm, TransferDatabases& databases,
+                   TransferStatusPanel& status, TextPrinter& printer);
 
   // Somebody else has had the serial port: a direct connection that stands takes it up again.
   void ResumeDirectConnection();
@@ -75,9 +60,9 @@ class DataTransferPage final : public MainTabPage, private RecipeDownloadHost {
 
  private:
   // RecipeDownloadHost.
-  CurrentDatabase RecipeDatabase() const override { return ports_.databases.OpenRecipes(); }
-  void OpenRecipeDatabase() override { ports_.databases.BrowseRecipes(); }
-  void RecipesStored(int highest) override { ports_.databases.RecipesStored(highest); }
+  CurrentDatabase RecipeDatabase() const override { return databases_.OpenRecipes(); }
+  void OpenRecipeDatabase() override { databases_.BrowseRecipes(); }
+  void RecipesStored(int highest) override { databases_.RecipesStored(highest); }
   void FocusControl(std::string_view name) override;
   void TransferChanged() override { Show(); }
   void OpenRescueFile(const std::filesystem::path& path) override { upload_.UploadFromFile(path); }
@@ -99,8 +84,13 @@ class DataTransferPage final : public MainTabPage, private RecipeDownloadHost {
   void Show();
   void ShowMemory();
 
-  Ports ports_;
+  Services& services_;
+  KRMCOMM& krm_;
+  TransferDatabases& databases_;
+  TransferStatusPanel& status_;
+  TextPrinter& printer_;
   RefreshingOperator op_;
+  Services refreshing_;  // the same with op_
   TransferState transfer_;
   ReportFile files_;
   Upload upload_;
