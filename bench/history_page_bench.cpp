@@ -22,11 +22,8 @@
 #include "figures.h"
 #include "history/data_group.h"
 #include "measure.h"
-#include "presenter/database_identity.h"
 #include "settings/settings.h"
-#include "support/fixed_calendar.h"
-#include "support/manual_pump.h"
-#include "support/recording_operator.h"
+#include "support/test_services.h"
 #include "widgets/qt_text.h"
 #include "years.h"
 
@@ -111,17 +108,10 @@ class ShownPage {
   // All of what is to be drawn, at once and not when the display asks for it.
   void Draw() { Grid().viewport()->repaint(); }
 
-  testing::RecordingOperator op_;
-  testing::ManualPump pump_;
-  testing::FixedCalendar calendar_;
-  PrivateINI settings_;
-  DatabaseIdentity identity_{op_, calendar_, settings_};
+  testing::TestServices test_;
   BoundDatabase recipes_;
   BoundDatabase transactions_;
-  HistoryPage page_{
-      {.op = op_, .pump = pump_, .identity = identity_, .active_ingredients_only = [] {
-         return false;
-       }}};
+  HistoryPage page_{test_.services, [] { return false; }};
 };
 
 class HistoryPageBench {

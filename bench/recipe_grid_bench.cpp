@@ -31,12 +31,9 @@
 #include "figures.h"
 #include "measure.h"
 #include "presenter/command_states.h"
-#include "presenter/database_identity.h"
 #include "settings/settings.h"
-#include "support/fixed_calendar.h"
-#include "support/manual_pump.h"
-#include "support/recording_operator.h"
 #include "support/temp_folder.h"
+#include "support/test_services.h"
 #include "widgets/fields.h"
 
 namespace vrx::bench {
@@ -162,7 +159,7 @@ class FlushWatch : public QObject {
 class ShownPage {
  public:
   ShownPage() {
-    settings_.SetEnableBeeperOn(false);
+    test_.settings.SetEnableBeeperOn(false);
     form_.resize(1008, 560);
     (new QVBoxLayout(&form_))->addWidget(&page_);
     new EnterAsTab(&form_);
@@ -213,19 +210,12 @@ class ShownPage {
 
  private:
   testing::TempFolder folder_;
-  testing::ManualPump pump_;
-  testing::RecordingOperator op_;
-  testing::FixedCalendar calendar_;
-  PrivateINI settings_;
-  DatabaseIdentity identity_{op_, calendar_, settings_};
-  GeneralDelay delay_{pump_};
+  testing::TestServices test_;
+  GeneralDelay delay_{test_.pump};
   AutoAbbreviation abbreviation_;
   BoundDatabase bound_ = BindUserDatabase(MakeFullDatabase(folder_ / "FULL.RDB"), kBusyTimeout);
   QWidget form_;
-  RecipesPage page_{
-      {.feed = {.op = op_, .settings = settings_, .calendar = calendar_, .identity = identity_},
-       .delay = delay_,
-       .abbreviation = abbreviation_}};
+  RecipesPage page_{test_.services, delay_, abbreviation_};
 };
 
 struct Keys {

@@ -20,13 +20,9 @@
 #include "adapters/qt_serial_control.h"
 #include "desktop/transfer/import_page.h"
 #include "link/krmcomm.h"
-#include "presenter/database_identity.h"
 #include "settings/settings.h"
-#include "support/fixed_calendar.h"
-#include "support/fixed_system_info.h"
-#include "support/recording_operator.h"
-#include "support/scripted_file_chooser.h"
 #include "support/temp_folder.h"
+#include "support/test_services.h"
 
 namespace {
 
@@ -125,19 +121,8 @@ class ImportScreen : public vrx::ImportHost, public vrx::ProgressDisplay {
   void SetProgressValue(int /*value*/) override {}
 
  private:
-  vrx::testing::RecordingOperator op_;
-  vrx::testing::ScriptedFileChooser files_;
-  vrx::testing::FixedSystemInfo system_;
-  vrx::testing::FixedCalendar calendar_;
-  vrx::PrivateINI settings_;
-  vrx::DatabaseIdentity identity_{op_, calendar_, settings_};
-  vrx::ImportPresenter session_{{.op = op_,
-                                 .files = files_,
-                                 .system = system_,
-                                 .settings = settings_,
-                                 .identity = identity_,
-                                 .progress = *this,
-                                 .host = *this}};
+  vrx::testing::TestServices test_;
+  vrx::ImportPresenter session_{test_.services, *this, *this};
   vrx::ImportGrid grid_{session_};
 };
 

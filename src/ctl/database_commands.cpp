@@ -104,15 +104,12 @@ class ConvertCommand : public Command {
   int Run(Session& session) override {
     try {
       const InterruptFlag stop;
-      ChildProcessRunner runner;
       const ConversionReport report = ConvertLegacyDatabase(
           {.old_file = old_,
            .new_file = new_,
            .program_directory = session.Context().system.ProgramDirectory(),
            .default_unit = session.Settings().SystemUnits()},
-          {.runner = runner, .progress = session.Progress(), .go_on = [&stop] {
-             return !stop.Raised();
-           }});
+          session.GetServices().programs, session.Progress(), [&stop] { return !stop.Raised(); });
       session.Progress().Clear();
       if (output_.Form() == OutputForm::kJson) {
         WriteObject(session.Out(), OutputForm::kJson, Describe(report));

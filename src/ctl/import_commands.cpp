@@ -1,5 +1,3 @@
-#include "ctl/import_commands.h"
-
 #include <cstddef>
 #include <filesystem>
 #include <ostream>
@@ -43,20 +41,11 @@ class HeadlessImport : public ImportHost {
 
  private:
   OpenDatabases databases_;
-  ScriptedFileChoice chooser_;
   ImportPresenter import_;
 };
 
 HeadlessImport::HeadlessImport(Session& session, OpenDatabases databases)
-    : databases_(std::move(databases)),
-      import_({.op = session.Op(),
-               .files = chooser_,
-               .system = session.Context().system,
-               .settings = session.Settings(),
-               .calendar = session.Context().calendar,
-               .identity = session.Identity(),
-               .progress = session.Progress(),
-               .host = *this}) {}
+    : databases_(std::move(databases)), import_(session.GetServices(), session.Progress(), *this) {}
 
 bool HeadlessImport::Import(const std::filesystem::path& file) {
   return import_.ImportFile({file.string(), file.filename().string()});

@@ -16,7 +16,6 @@
 #include "base/files.h"
 #include "base/number.h"
 #include "ctl/command.h"
-#include "ctl/import_commands.h"
 #include "ctl/options.h"
 #include "ctl/session.h"
 #include "link/krmcomm.h"
@@ -39,19 +38,12 @@ namespace {
 class HeadlessDownload : public RecipeDownloadHost {
  public:
   HeadlessDownload(Session& session, KRMCOMM& krm, EventPump& pump, const PrivateINI& settings)
-      : files_(session.Op(), chooser_, settings, transfer_,
+      : chooser_(session.Chooser()),
+        files_(session.Op(), chooser_, settings, transfer_,
                [&krm](int file) { return krm.GL_KRM_FileAttributes(file); }),
         download_(krm, pump, session.Op(), settings),
         direct_(krm, transfer_, pump, session.Op(), settings),
-        tab_({.op = session.Op(),
-              .settings = settings,
-              .calendar = session.Context().calendar,
-              .identity = session.Identity(),
-              .transfer = transfer_,
-              .files = files_,
-              .download = download_,
-              .direct = direct_,
-              .host = *this}) {}
+        tab_(session.GetServices(), transfer_, files_, download_, direct_, *this) {}
 
   bool SendDatabase(const fs::path& path) {
     database_ = {.path = path, .name = FileTitle(path), .unit = {}};
@@ -71,7 +63,7 @@ class HeadlessDownload : public RecipeDownloadHost {
 
  private:
   CurrentDatabase database_;
-  ScriptedFileChoice chooser_;
+  ScriptedFileChoice& chooser_;
   TransferState transfer_;
   ReportFile files_;
   Download download_;
@@ -104,6 +96,7 @@ class CutFiles {
         krm_(krm),
         transfer_(transfer),
         folder_(folder),
+        chooser_(session.Chooser()),
         files_(session.Op(), chooser_, settings, transfer,
                [&krm](int file) { return krm.GL_KRM_FileAttributes(file); }) {
     for (const DataFileRow& row : transfer.data_files) {
@@ -171,7 +164,7 @@ class CutFiles {
   const KRMCOMM& krm_;
   TransferState& transfer_;
   fs::path folder_;
-  ScriptedFileChoice chooser_;
+  ScriptedFileChoice& chooser_;
   ReportFile files_;
   std::vector<fs::path> names_;
   std::size_t saved_ = 0;

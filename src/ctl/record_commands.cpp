@@ -294,11 +294,8 @@ class ResetCommand : public Command {
 
   int Run(Session& session) override {
     return ActOnRecipeFile(session, file_, [&](SQLite::Database& database) {
-      const FeedPorts ports{.op = session.Op(),
-                            .settings = session.Settings(),
-                            .calendar = session.Context().calendar,
-                            .identity = session.Identity()};
-      const bool reset = AskAndReset(database, kind_, id_, ports) == ResetOutcome::kReset;
+      const bool reset =
+          AskAndReset(database, kind_, id_, session.GetServices()) == ResetOutcome::kReset;
       if (kind_ == RecordKind::kPen) {
         ReportPenCapacity(session, database);
       }

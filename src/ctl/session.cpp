@@ -1,9 +1,11 @@
 #include "ctl/session.h"
 
+#include <chrono>
 #include <cstdint>
 #include <istream>
 #include <ostream>
 #include <system_error>
+#include <thread>
 #include <utility>
 
 #include <SQLiteCpp/Exception.h>
@@ -13,7 +15,6 @@
 #include "ctl/command.h"
 #include "database/connection.h"
 #include "database/identity.h"
-#include "settings/data_folder.h"
 
 namespace vrx {
 
@@ -190,6 +191,18 @@ void TerminalOperator::ShowNote(std::string_view text) {
   err_ << Lines(text) << '\n';
 }
 
+Milliseconds IdlePump::Now() const {
+  return std::chrono::duration_cast<Milliseconds>(
+      std::chrono::steady_clock::now().time_since_epoch());
+}
+
+void IdlePump::Pump(Milliseconds limit) { std::this_thread::sleep_for(limit); }
+
+std::unique_ptr<EventPump::Ticker> IdlePump::StartTicker(Milliseconds /*interval*/,
+                                                         std::function<void()> /*tick*/) {
+  return std::make_unique<Ticker>();
+}
+
 Session::Session(const CommandContext& context, const GlobalOptions& options)
     : context_(context),
       options_(options),
@@ -283,11 +296,22 @@ bool Session::SaveSettings() {
   return false;
 }
 
-DatabaseIdentity& Session::Identity() {
-  if (!identity_) {
-    identity_.emplace(operator_, context_.calendar, Settings(), context_.busy_timeout);
+Services& Session::GetServices() {
+  if (!services_) {
+    PrivateINI& settings = Settings();
+    folder_.emplace(context_.system, DataFolder());
+    identity_.emplace(operator_, context_.calendar, settings, context_.busy_timeout);
+    services_.emplace(Services{.op = operator_,
+                               .files = chooser_,
+                               .pump = pump_,
+                               .programs = programs_,
+                               .calendar = context_.calendar,
+                               .system = context_.system,
+                               .settings = settings,
+                               .folder = *folder_,
+                               .identity = *identity_});
   }
-  return *identity_;
+  return *services_;
 }
 
 bool Session::IsUserDatabase(const fs::path& path, DatabaseKind kind) {

@@ -7,13 +7,14 @@
 #include <optional>
 #include <string>
 #include <string_view>
+#include <utility>
 
+#include "adapters/program_runner.h"
 #include "ctl/command.h"
 #include "database/schema.h"
 #include "platform/operator.h"
 #include "platform/progress_display.h"
-#include "presenter/database_identity.h"
-#include "settings/settings.h"
+#include "presenter/services.h"
 
 namespace vrx {
 
@@ -87,6 +88,30 @@ class TerminalOperator : public Operator {
   std::string last_cause_;
 };
 
+// Answers every file dialog with the path that the command line gave.
+class ScriptedFileChoice : public FileChooser {
+ public:
+  void Choose(std::filesystem::path path) { path_ = std::move(path); }
+
+  FileChoice ShowOpen(const FileDialog& /*dialog*/) override { return Choice(); }
+  FileChoice ShowSave(const FileDialog& /*dialog*/) override { return Choice(); }
+  std::string ShowFolder(const std::string& /*title*/) override { return path_.string(); }
+
+ private:
+  FileChoice Choice() const { return {path_.string(), path_.filename().string()}; }
+
+  std::filesystem::path path_;
+};
+
+// For a command that uses no serial line: there are no events.
+class IdlePump : public EventPump {
+ public:
+  Milliseconds Now() const override;
+  void Pump(Milliseconds limit) override;
+  bool Closing() const override { return false; }
+  std::unique_ptr<Ticker> StartTicker(Milliseconds interval, std::function<void()> tick) override;
+};
+
 // Options of every command.
 struct GlobalOptions {
   bool yes = false;
@@ -118,7 +143,12 @@ class Session {
   // Writes the settings. Returns false after reporting a failure.
   [[nodiscard]] bool SaveSettings();
 
-  DatabaseIdentity& Identity();
+  DatabaseIdentity& Identity() { return GetServices().identity; }
+
+  // For the presenters. Reads the settings at the first call.
+  Services& GetServices();
+  // What GetServices().files answers every file dialog with.
+  ScriptedFileChoice& Chooser() { return chooser_; }
 
   // Whether the file is a user's database of that kind; otherwise reports that it is not.
   [[nodiscard]] bool IsUserDatabase(const std::filesystem::path& path, DatabaseKind kind);
@@ -145,7 +175,12 @@ class Session {
   std::filesystem::path data_folder_;
   std::optional<CPrivateINI> ini_;
   std::optional<PrivateINI> settings_;
+  ScriptedFileChoice chooser_;
+  IdlePump pump_;
+  ChildProcessRunner programs_;
+  std::optional<Folder> folder_;
   std::optional<DatabaseIdentity> identity_;
+  std::optional<Services> services_;
 };
 
 // The kind of a database by its extension: transactions for .TDB, recipes for any other.

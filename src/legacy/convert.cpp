@@ -154,8 +154,9 @@ bool Holds(const std::vector<std::string>& names, std::string_view wanted) {
 
 class Conversion : public LegacyRowSink {
  public:
-  Conversion(const LegacyConversion& wanted, const ConversionPorts& ports)
-      : wanted_(wanted), ports_(ports), identity_(notices_) {}
+  Conversion(const LegacyConversion& wanted, ProgramRunner& runner, ProgressDisplay& progress,
+             const std::function<bool()>& go_on)
+      : wanted_(wanted), runner_(runner), progress_(progress), go_on_(go_on), identity_(notices_) {}
 
   ConversionReport Run() {
     CheckOldFile();
@@ -165,11 +166,11 @@ class Conversion : public LegacyRowSink {
     if (FileExists(wanted_.new_file)) {
       throw FileError(wanted_.new_file.string() + " already exists; choose another name");
     }
-    ReadLegacyRows(ports_.runner,
+    ReadLegacyRows(runner_,
                    {.path = wanted_.old_file,
                     .reader = wanted_.program_directory / kLegacyReaderName,
                     .limits = LimitsForFile(report_.old_size)},
-                   WantedTables(), *this, ports_.go_on);
+                   WantedTables(), *this, go_on_);
     Finish();
     return std::move(report_);
   }
@@ -188,8 +189,8 @@ class Conversion : public LegacyRowSink {
     if (rule != nullptr && rule->kind == report_.kind) {
       table_ = std::make_unique<TableConversion>(file_->Connection(), *rule, table, notices_);
       const std::uint32_t most = std::numeric_limits<int>::max();
-      ports_.progress.SetProgressMessage("Converting the table " + std::string(rule->name) + ".");
-      ports_.progress.SetProgressRange(static_cast<int>(std::min(table.announced_rows, most)));
+      progress_.SetProgressMessage("Converting the table " + std::string(rule->name) + ".");
+      progress_.SetProgressRange(static_cast<int>(std::min(table.announced_rows, most)));
     }
   }
 
@@ -200,7 +201,7 @@ class Conversion : public LegacyRowSink {
     } else if (table_) {
       table_->Row(row);
       if (row_ % kRowsPerProgressStep == 0) {
-        ports_.progress.SetProgressValue(static_cast<int>(row_));
+        progress_.SetProgressValue(static_cast<int>(row_));
       }
     }
   }
@@ -311,12 +312,14 @@ class Conversion : public LegacyRowSink {
                         "open, then convert it again.");
     }
     notices_.MoveInto(report_);
-    ports_.progress.SetProgressMessage("Writing the new file.");
+    progress_.SetProgressMessage("Writing the new file.");
     file_->Commit();
   }
 
   const LegacyConversion& wanted_;
-  const ConversionPorts& ports_;
+  ProgramRunner& runner_;
+  ProgressDisplay& progress_;
+  const std::function<bool()>& go_on_;
   ConversionReport report_;
   NoticeList notices_;
   IdentityRows identity_;
@@ -362,10 +365,11 @@ constexpr std::string_view kRemedy =
 
 }  // namespace
 
-ConversionReport ConvertLegacyDatabase(const LegacyConversion& wanted,
-                                       const ConversionPorts& ports) {
+ConversionReport ConvertLegacyDatabase(const LegacyConversion& wanted, ProgramRunner& runner,
+                                       ProgressDisplay& progress,
+                                       const std::function<bool()>& go_on) {
   try {
-    return Conversion(wanted, ports).Run();
+    return Conversion(wanted, runner, progress, go_on).Run();
   } catch (const SQLite::Exception& failure) {
     throw TranslateSqliteError(failure, wanted.new_file);
   }

@@ -26,12 +26,6 @@ struct LegacyConversion {
   std::optional<DatabaseKind> kind = std::nullopt;
 };
 
-struct ConversionPorts {
-  ProgramRunner& runner;
-  ProgressDisplay& progress;
-  std::function<bool()> go_on = [] { return true; };  // called at least every 50 ms; false stops
-};
-
 // A Jet file and the program that reads it.
 struct LegacyFile {
   std::filesystem::path path;
@@ -51,13 +45,15 @@ class ConversionStopped : public Error {
   using Error::Error;
 };
 
-// Converts the Jet file of an earlier installation to a new database, a copy of the blank template
-// filled in one transaction. The old file is only read. The new file gets its name when it is
-// complete; after a failure it does not exist.
+// Makes a database of an earlier installation's Jet file, which is only read. The new file is a
+// copy of the blank template that one transaction fills; it is renamed to its path when it is
+// complete. Until then, and after a failure, the path does not exist. `go_on` is called at least
+// every 50 ms; false stops.
 //
 // Throws LegacyError, ConversionStopped, FileError, DatabaseError.
-[[nodiscard]] ConversionReport ConvertLegacyDatabase(const LegacyConversion& wanted,
-                                                     const ConversionPorts& ports);
+[[nodiscard]] ConversionReport ConvertLegacyDatabase(
+    const LegacyConversion& wanted, ProgramRunner& runner, ProgressDisplay& progress,
+    const std::function<bool()>& go_on = [] { return true; });
 
 // The limits for reading a file of `size` bytes.
 [[nodiscard]] ProgramLimits LimitsForFile(std::uintmax_t size);

@@ -12,6 +12,7 @@
 #include "database/missing_records.h"
 #include "presenter/command_states.h"
 #include "presenter/report_failure.h"
+#include "settings/settings.h"
 
 namespace vrx {
 
@@ -53,8 +54,14 @@ const KindRules& RulesOf(DatabaseKind kind) {
   return kind == DatabaseKind::kRecipe ? kRecipeManner : kTransactionManner;
 }
 
-DatabaseCommands::DatabaseCommands(const Ports& ports, LockWait wait)
-    : ports_(ports), lock_wait_(wait) {}
+DatabaseCommands::DatabaseCommands(Services& services, GeneralDelay& delay, CommandStates& commands,
+                                   TabFolder& tabs, DatabaseWindow& window, LegacyOpener* legacy)
+    : services_(services),
+      delay_(delay),
+      commands_(commands),
+      tabs_(tabs),
+      window_(window),
+      legacy_(legacy) {}
 
 bool DatabaseCommands::IsOpen(DatabaseKind kind) const {
   const BoundDatabase& bound = Bound(kind);
@@ -65,7 +72,7 @@ void DatabaseCommands::Trapped(std::string_view title, const std::function<void(
   try {
     body();
   } catch (const std::exception& failure) {
-    ReportFailure(ports_.op, title, failure);
+    ReportFailure(services_.op, title, failure);
   }
 }
 
@@ -80,9 +87,9 @@ void DatabaseCommands::OrGoBack(Side& side, const std::function<void()>& body) {
     if (side.bound.connection.get() == connection) {
       side.current = current;
       ShowPanels(side, panels);
-      ports_.window.ShowUnit(side.kind, side.bound.unit);
+      window_.ShowUnit(side.kind, side.bound.unit);
     }
-    ports_.op.SetBusy(false);
+    services_.op.SetBusy(false);
     throw;
   }
 }
@@ -94,23 +101,23 @@ void DatabaseCommands::New(Side& side) {
   Trapped(words.new_failure, [&] {
     GoToTransferTab(side);
     const FileChoice choice =
-        ports_.files.ShowSave({.title = std::string(words.new_dialog_title),
-                               .filter = std::string(words.filter),
-                               .default_extension = std::string(words.extension),
-                               .start_folder = ports_.app_folder.DefaultAppPath().string(),
-                               .flags = kShortNames});
-    if (choice.Cancelled() || !ports_.delay.Wait(RulesOf(side.kind).new_delay)) {
+        services_.files.ShowSave({.title = std::string(words.new_dialog_title),
+                                  .filter = std::string(words.filter),
+                                  .default_extension = std::string(words.extension),
+                                  .start_folder = services_.folder.DefaultAppPath().string(),
+                                  .flags = kShortNames});
+    if (choice.Cancelled() || !delay_.Wait(RulesOf(side.kind).new_delay)) {
       return;
     }
     const NewDatabase wanted{.kind = side.kind,
-                             .program_directory = ports_.system.ProgramDirectory(),
+                             .program_directory = services_.system.ProgramDirectory(),
                              .path = choice.path,
                              .title = choice.title,
-                             .unit = ports_.settings.SystemUnits(),
+                             .unit = services_.settings.SystemUnits(),
                              .accepted = [&] { ShowBusyText(side, "Standby..."); }};
     OrGoBack(side, [&] {
       const PanelTexts panels = side.panels;
-      if (CreateDatabase(wanted, ports_.identity, ports_.op, side.current)) {
+      if (CreateDatabase(wanted, services_.identity, services_.op, side.current)) {
         ShowNew(side);
       } else {
         ShowPanels(side, panels);
@@ -120,7 +127,7 @@ void DatabaseCommands::New(Side& side) {
 }
 
 void DatabaseCommands::ShowNew(Side& side) {
-  if (!BindOpened(side, BindUserDatabase(side.current.path, lock_wait_),
+  if (!BindOpened(side, BindUserDatabase(side.current.path, services_.identity.Wait()),
                   {.path = side.current.path,
                    .name = side.current.name,
                    .becomes_current = true,
@@ -128,17 +135,17 @@ void DatabaseCommands::ShowNew(Side& side) {
     return;
   }
   ShowPanel(side, kPanelName, side.current.name);
-  ShowPanel(side, kPanelCreated, DefaultText(ports_.calendar.Today()));
+  ShowPanel(side, kPanelCreated, DefaultText(services_.calendar.Today()));
   ShowPanel(side, kPanelUnit, side.bound.unit);
   EnableCommands(side);
   const KindRules& manner = RulesOf(side.kind);
   for (const int tab : manner.tabs_of_new) {
-    ports_.commands.TurnTab(tab, true);
+    commands_.TurnTab(tab, true);
   }
-  ports_.tabs.SelectTab(manner.tabs_of_new.front());
-  ports_.op.SetBusy(false);
+  tabs_.SelectTab(manner.tabs_of_new.front());
+  services_.op.SetBusy(false);
   if (manner.new_beeps) {
-    BeepIfEnabled(ports_.op, ports_.settings);
+    BeepIfEnabled(services_.op, services_.settings);
   }
 }
 
@@ -149,12 +156,12 @@ void DatabaseCommands::Browse(Side& side) {
   Trapped(words.open_failure, [&] {
     GoToTransferTab(side);
     const FileChoice choice =
-        ports_.files.ShowOpen({.title = std::string(words.open_dialog_title),
-                               .filter = std::string(words.filter),
-                               .default_extension = std::string(words.extension),
-                               .start_folder = ports_.app_folder.DefaultAppPath().string(),
-                               .flags = kShortNames | kFileMustExist | kHideReadOnly});
-    if (choice.Cancelled() || !ports_.delay.Wait(RulesOf(side.kind).browse_delay)) {
+        services_.files.ShowOpen({.title = std::string(words.open_dialog_title),
+                                  .filter = std::string(words.filter),
+                                  .default_extension = std::string(words.extension),
+                                  .start_folder = services_.folder.DefaultAppPath().string(),
+                                  .flags = kShortNames | kFileMustExist | kHideReadOnly});
+    if (choice.Cancelled() || !delay_.Wait(RulesOf(side.kind).browse_delay)) {
       return;
     }
     Open(side,
@@ -164,17 +171,16 @@ void DatabaseCommands::Browse(Side& side) {
 
 void DatabaseCommands::Open(Side& side, FileToOpen file) {
   Trapped(TextsOf(side.kind).open_failure, [&] {
-    if (!ports_.delay.Wait(kOpenDelay) || !ConvertIfLegacy(side, file) ||
-        !IsUserDatabase(side, file)) {
+    if (!delay_.Wait(kOpenDelay) || !ConvertIfLegacy(side, file) || !IsUserDatabase(side, file)) {
       return;
     }
-    BoundDatabase next = BindUserDatabase(file.path, lock_wait_);
+    BoundDatabase next = BindUserDatabase(file.path, services_.identity.Wait());
     if (side.kind == DatabaseKind::kRecipe) {
       WarnOfMissingRecords(next, file.name);
     }
     OrGoBack(side, [&] {
       if (RulesOf(side.kind).open_stands_by) {
-        ports_.op.SetBusy(true);
+        services_.op.SetBusy(true);
         ShowBusyText(side, "Standby... Loading");
       }
       if (!BindOpened(side, std::move(next), file)) {
@@ -190,10 +196,10 @@ void DatabaseCommands::Open(Side& side, FileToOpen file) {
 }
 
 bool DatabaseCommands::ConvertIfLegacy(const Side& side, FileToOpen& file) {
-  if (ports_.earlier == nullptr) {
+  if (legacy_ == nullptr) {
     return true;
   }
-  const LegacyOpening found = ports_.earlier->Offer(side.kind, file.path);
+  const LegacyOpening found = legacy_->Offer(side.kind, file.path);
   if (found.outcome == LegacyOpening::Outcome::kOpenCopy) {
     file = {.path = found.copy, .name = FileTitle(found.copy), .becomes_current = true};
   }
@@ -202,17 +208,17 @@ bool DatabaseCommands::ConvertIfLegacy(const Side& side, FileToOpen& file) {
 
 bool DatabaseCommands::IsUserDatabase(const Side& side, const FileToOpen& file) {
   const KindTexts& words = TextsOf(side.kind);
-  const std::string type = ports_.identity.GetDatabaseType(file.path);
+  const std::string type = services_.identity.GetDatabaseType(file.path);
   if (type == words.user_type) {
     return true;
   }
-  ports_.op.ShowMessage({.icon = Icon::kWarning,
-                         .title = "Invalid Database",
-                         .text = "The database file (" + file.name +
-                                 ") that you specified, is not a valid VRX-2260 " +
-                                 std::string(words.noun) + " database.",
-                         .cause = file.path.string() + " is of type \"" + type + "\"; expected \"" +
-                                  std::string(words.user_type) + "\""});
+  services_.op.ShowMessage({.icon = Icon::kWarning,
+                            .title = "Invalid Database",
+                            .text = "The database file (" + file.name +
+                                    ") that you specified, is not a valid VRX-2260 " +
+                                    std::string(words.noun) + " database.",
+                            .cause = file.path.string() + " is of type \"" + type +
+                                     "\"; expected \"" + std::string(words.user_type) + "\""});
   return false;
 }
 
@@ -222,12 +228,12 @@ void DatabaseCommands::WarnOfMissingRecords(const BoundDatabase& database,
   if (missing.empty()) {
     return;
   }
-  ports_.op.ShowMessage({.icon = Icon::kWarning,
-                         .title = "Incomplete Database",
-                         .text = "The recipe database " + name +
-                                 " lacks these records: " + missing +
-                                 ".\r\n\r\nThey cannot be edited or sent. Restore the file from "
-                                 "a backup copy."});
+  services_.op.ShowMessage({.icon = Icon::kWarning,
+                            .title = "Incomplete Database",
+                            .text = "The recipe database " + name +
+                                    " lacks these records: " + missing +
+                                    ".\r\n\r\nThey cannot be edited or sent. Restore the file from "
+                                    "a backup copy."});
 }
 
 // Returns false if another database was bound, or if the program closes.
@@ -239,39 +245,39 @@ bool DatabaseCommands::BindOpened(Side& side, BoundDatabase next, const FileToOp
   }
   side.unit_asked = file.unit_asked;
   if (side.kind == DatabaseKind::kTransaction) {
-    ports_.window.ShowUnit(side.kind, side.bound.unit);
+    window_.ShowUnit(side.kind, side.bound.unit);
     return true;
   }
   if (file.is_new) {
-    ports_.window.HidePenCapacityWarning();
+    window_.HidePenCapacityWarning();
   }
-  ports_.window.ShowUnit(side.kind, side.bound.unit);
+  window_.ShowUnit(side.kind, side.bound.unit);
   try {
-    ports_.window.LoadIdLists();
+    window_.LoadIdLists();
   } catch (...) {
     if (side.bound.connection.get() == connection) {
       Bind(side, std::move(previous));
     }
     throw;
   }
-  return side.bound.connection.get() == connection && !ports_.delay.Closing();
+  return side.bound.connection.get() == connection && !delay_.Closing();
 }
 
 void DatabaseCommands::FinishRecipeOpen(Side& side, const FileToOpen& file) {
   ShowOpened(side, file);
-  ports_.window.ShowTransferOption();
+  window_.ShowTransferOption();
   EnableCommands(side);
-  ports_.window.CheckPenCapacity();
-  ports_.window.SelectPenItem(kFirstPenItem);
-  ports_.op.SetBusy(false);
-  BeepIfEnabled(ports_.op, ports_.settings);
+  window_.CheckPenCapacity();
+  window_.SelectPenItem(kFirstPenItem);
+  services_.op.SetBusy(false);
+  BeepIfEnabled(services_.op, services_.settings);
 }
 
 void DatabaseCommands::FinishTransactionOpen(Side& side, const FileToOpen& file) {
   ShowOpened(side, file);
   EnableCommands(side);
-  if (ports_.delay.Wait(kOpenDelay)) {
-    ports_.tabs.SelectTab(kTabBatchedFed);
+  if (delay_.Wait(kOpenDelay)) {
+    tabs_.SelectTab(kTabBatchedFed);
   }
 }
 
@@ -284,7 +290,7 @@ void DatabaseCommands::ShowOpened(Side& side, const FileToOpen& file) {
   constexpr std::array<std::pair<StatusPanel, DateSelector>, 2> kDates{
       {{kPanelCreated, DateSelector::kCreated}, {kPanelModified, DateSelector::kModified}}};
   for (const auto& [panel, selector] : kDates) {
-    const std::optional<Date> date = ports_.identity.GetDatabaseDate(file.path, selector);
+    const std::optional<Date> date = services_.identity.GetDatabaseDate(file.path, selector);
     ShowPanel(side, panel, date ? DefaultText(*date) : std::string());
   }
 }
@@ -296,15 +302,15 @@ BoundDatabase DatabaseCommands::Bind(Side& side, BoundDatabase next) {
   if (side.moving) {
     throw Error("the views are on their way to another database");
   }
-  ports_.window.LeaveEdits(side.kind);
+  window_.LeaveEdits(side.kind);
   side.moving = true;
   try {
-    ports_.window.Rebind(side.kind, next);
+    window_.Rebind(side.kind, next);
   } catch (...) {
     side.moving = false;
     side.previous = std::move(next);
     if (side.bound.connection) {
-      ports_.window.Rebind(side.kind, side.bound);
+      window_.Rebind(side.kind, side.bound);
       side.previous = {};
     }
     throw;
@@ -317,7 +323,7 @@ BoundDatabase DatabaseCommands::Bind(Side& side, BoundDatabase next) {
 
 void DatabaseCommands::GoToTransferTab(const Side& side) {
   if (RulesOf(side.kind).goes_to_transfer_tab) {
-    ports_.tabs.SelectTab(kTabDataTransfer);
+    tabs_.SelectTab(kTabDataTransfer);
   }
 }
 
@@ -334,7 +340,7 @@ void DatabaseCommands::ClearPanels(Side& side, std::initializer_list<StatusPanel
 
 void DatabaseCommands::ShowPanel(Side& side, StatusPanel panel, std::string_view text) {
   side.panels[panel] = text;
-  ports_.window.SetStatusPanel(side.kind, panel, text);
+  window_.SetStatusPanel(side.kind, panel, text);
 }
 
 void DatabaseCommands::ShowPanels(Side& side, const PanelTexts& texts) {
@@ -347,13 +353,13 @@ void DatabaseCommands::ShowPanels(Side& side, const PanelTexts& texts) {
 }
 
 void DatabaseCommands::EnableCommands(const Side& side) {
-  side.kind == DatabaseKind::kRecipe ? ports_.commands.EnableRecipeCommands()
-                                     : ports_.commands.EnableTransactionCommands();
+  side.kind == DatabaseKind::kRecipe ? commands_.EnableRecipeCommands()
+                                     : commands_.EnableTransactionCommands();
 }
 
 void DatabaseCommands::DisableCommands(const Side& side) {
-  side.kind == DatabaseKind::kRecipe ? ports_.commands.DisableRecipeCommands()
-                                     : ports_.commands.DisableTransactionCommands();
+  side.kind == DatabaseKind::kRecipe ? commands_.DisableRecipeCommands()
+                                     : commands_.DisableTransactionCommands();
 }
 
 }  // namespace vrx

@@ -11,15 +11,9 @@
 #include "database/bound_database.h"
 #include "database/connection.h"
 #include "database/schema.h"
-#include "platform/calendar.h"
-#include "platform/file_chooser.h"
-#include "platform/operator.h"
-#include "platform/system_info.h"
 #include "presenter/command_states.h"
 #include "presenter/create_database.h"
-#include "presenter/database_identity.h"
-#include "settings/data_folder.h"
-#include "settings/settings.h"
+#include "presenter/services.h"
 
 namespace vrx {
 
@@ -100,23 +94,10 @@ class LegacyOpener {
 // While a routine waits, events run, and so may another routine. All references outlive the object.
 class DatabaseCommands {
  public:
-  struct Ports {
-    Operator& op;
-    FileChooser& files;
-    const SystemInfo& system;
-    const Folder& app_folder;
-    const PrivateINI& settings;
-    const Calendar& calendar;
-    DatabaseIdentity& identity;
-    GeneralDelay& delay;
-    CommandStates& commands;
-    TabFolder& tabs;
-    DatabaseWindow& window;
-    LegacyOpener* earlier = nullptr;  // nullptr: such a file is opened like any other
-  };
-
-  // Nothing is bound until both databases have been closed once, which the window's Load does.
-  explicit DatabaseCommands(const Ports& ports, LockWait wait = kBusyTimeout);
+  // Nothing is bound until both databases have been closed once, which the window's Load does. With
+  // nullptr a legacy file is opened like any other.
+  DatabaseCommands(Services& services, GeneralDelay& delay, CommandStates& commands,
+                   TabFolder& tabs, DatabaseWindow& window, LegacyOpener* legacy = nullptr);
 
   // RecipeDbPath, RecipeDbName, RecipeDbUoM and the same for transactions. Path and name are empty
   // after Save As, and may name a recalled file that was never opened; use Bound for the open one.
@@ -232,8 +213,12 @@ class DatabaseCommands {
   // Reports an exception of `body` under that title.
   void Trapped(std::string_view title, const std::function<void()>& body);
 
-  Ports ports_;
-  LockWait lock_wait_;
+  Services& services_;
+  GeneralDelay& delay_;
+  CommandStates& commands_;
+  TabFolder& tabs_;
+  DatabaseWindow& window_;
+  LegacyOpener* legacy_;
   Side recipe_{DatabaseKind::kRecipe};
   Side transaction_{DatabaseKind::kTransaction};
   std::filesystem::path save_as_path_;

@@ -61,24 +61,24 @@ bool Download::Fail(std::string_view words) {
 }
 
 void DownloadPresenter::DownloadRecipeToKRM() {
-  ports_.transfer.file_path.clear();
-  ports_.op.SetStatusLine("");
-  ports_.transfer.recipe_frames_visible = true;
-  ports_.transfer.data_files_frame_visible = false;
+  transfer_.file_path.clear();
+  services_.op.SetStatusLine("");
+  transfer_.recipe_frames_visible = true;
+  transfer_.data_files_frame_visible = false;
   ShowInWindow("");
 }
 
 bool DownloadPresenter::OpenRecipeDB() {
-  ports_.host.OpenRecipeDatabase();
-  ports_.transfer.file_path = ports_.host.RecipeDatabase().path.string();
-  ports_.host.TransferChanged();
-  if (ports_.transfer.file_path.empty()) {
+  host_.OpenRecipeDatabase();
+  transfer_.file_path = host_.RecipeDatabase().path.string();
+  host_.TransferChanged();
+  if (transfer_.file_path.empty()) {
     return false;
   }
-  if (ports_.transfer.connection == Connection::kIndicator) {
+  if (transfer_.connection == Connection::kIndicator) {
     return DownloadRecipeDB();
   }
-  ReportNeutral(ports_.op, "Recipe database-file opened, ready to download.");
+  ReportNeutral(services_.op, "Recipe database-file opened, ready to download.");
   return true;
 }
 
@@ -87,10 +87,10 @@ bool DownloadPresenter::DownloadRecipeDB() {
   if (!line) {
     return false;
   }
-  const CurrentDatabase database = ports_.host.RecipeDatabase();
-  ports_.op.SetStatusLine("");
-  ports_.transfer.file_path = database.path.string();
-  ports_.host.TransferChanged();
+  const CurrentDatabase database = host_.RecipeDatabase();
+  services_.op.SetStatusLine("");
+  transfer_.file_path = database.path.string();
+  host_.TransferChanged();
   if (database.path.empty()) {
     line.reset();  // the button that gets the focus must be enabled
     Refuse(kDatabaseFileError,
@@ -108,29 +108,29 @@ bool DownloadPresenter::DownloadRecipeDB() {
   if (!ConfirmOverwrite("recipe data from the " + database.name + " database?")) {
     return false;
   }
-  const Hourglass hourglass(ports_.op);
-  ports_.op.SetStatusColor(StatusColor::kBlue);
-  ports_.op.SetStatusLine("");
+  const Hourglass hourglass(services_.op);
+  services_.op.SetStatusColor(StatusColor::kBlue);
+  services_.op.SetStatusLine("");
   return BuildFromDatabase(database) && Send();
 }
 
 bool DownloadPresenter::OpenRecipeBU() {
-  ports_.files.OpenRecipeBackupFile();
-  const std::string path = ports_.files.RecipeBackupFile().path;
+  files_.OpenRecipeBackupFile();
+  const std::string path = files_.RecipeBackupFile().path;
   if (IsRescueFile(path)) {
-    ports_.files.ForgetRecipeBackupFile();
-    ports_.host.OpenRescueFile(path);
+    files_.ForgetRecipeBackupFile();
+    host_.OpenRescueFile(path);
     return false;
   }
-  ports_.transfer.file_path = path;
+  transfer_.file_path = path;
   if (path.empty() || !LoadBackup(path)) {
-    ports_.host.TransferChanged();
+    host_.TransferChanged();
     return false;
   }
-  if (ports_.transfer.connection == Connection::kIndicator) {
+  if (transfer_.connection == Connection::kIndicator) {
     return DownloadRecipeBU();
   }
-  ReportNeutral(ports_.op, "Recipe backup-file opened, ready to download.");
+  ReportNeutral(services_.op, "Recipe backup-file opened, ready to download.");
   return true;
 }
 
@@ -139,10 +139,10 @@ bool DownloadPresenter::DownloadRecipeBU() {
   if (!line) {
     return false;
   }
-  const LastFile backup = ports_.files.RecipeBackupFile();
-  ports_.op.SetStatusLine("");
-  ports_.transfer.file_path = backup.path;
-  ports_.host.TransferChanged();
+  const LastFile backup = files_.RecipeBackupFile();
+  services_.op.SetStatusLine("");
+  transfer_.file_path = backup.path;
+  host_.TransferChanged();
   if (backup.path.empty()) {
     line.reset();
     Refuse(kBackupFileError,
@@ -151,26 +151,26 @@ bool DownloadPresenter::DownloadRecipeBU() {
     return false;
   }
   if (!ConfirmOverwrite("recipe backup data from the " + backup.title + " file?") ||
-      !HasBackupHeader(ports_.transfer.data_window, ports_.op, ports_.settings)) {
+      !HasBackupHeader(transfer_.data_window, services_.op, services_.settings)) {
     return false;
   }
-  const Hourglass hourglass(ports_.op);
-  ports_.op.SetStatusColor(StatusColor::kBlue);
-  ports_.op.SetStatusLine("");
+  const Hourglass hourglass(services_.op);
+  services_.op.SetStatusColor(StatusColor::kBlue);
+  services_.op.SetStatusLine("");
   return Send();
 }
 
 void DownloadPresenter::Refuse(std::string_view title, std::string_view text,
                                std::string_view focus) {
-  BeepIfEnabled(ports_.op, ports_.settings);
-  ports_.op.ShowMessage(
+  BeepIfEnabled(services_.op, services_.settings);
+  services_.op.ShowMessage(
       {.icon = Icon::kWarning, .title = std::string(title), .text = std::string(text)});
-  ports_.host.FocusControl(focus);
+  host_.FocusControl(focus);
 }
 
 bool DownloadPresenter::ConfirmOverwrite(const std::string& source) {
-  BeepIfEnabled(ports_.op, ports_.settings);
-  return ports_.op.ShowMessage(
+  BeepIfEnabled(services_.op, services_.settings);
+  return services_.op.ShowMessage(
              {.icon = Icon::kQuestion,
               .buttons = Buttons::kYesNo,
               .title = "Overwrite KRM",
@@ -180,33 +180,33 @@ bool DownloadPresenter::ConfirmOverwrite(const std::string& source) {
 }
 
 void DownloadPresenter::ShowInWindow(std::string text) {
-  ports_.transfer.data_window = std::move(text);
-  ports_.host.TransferChanged();
+  transfer_.data_window = std::move(text);
+  host_.TransferChanged();
 }
 
 void DownloadPresenter::AppendToWindow(std::string_view line) {
-  ports_.transfer.data_window.append(line).append("\r\n");
-  ports_.host.TransferChanged();
+  transfer_.data_window.append(line).append("\r\n");
+  host_.TransferChanged();
 }
 
 bool DownloadPresenter::BuildFromDatabase(const CurrentDatabase& database) {
-  ports_.transfer.data_window.clear();
+  transfer_.data_window.clear();
   AppendToWindow("Building recipe file to download:");
   try {
     RecipeDownload download = TakeRecipeDownload(
-        database.path, ports_.settings.BatchTargetWtIsRecTargetOn(), ports_.calendar,
-        [this](std::string_view line) { AppendToWindow(line); }, ports_.identity.Wait());
-    ports_.host.RecipesStored(download.highest_in_use);
+        database.path, services_.settings.BatchTargetWtIsRecTargetOn(), services_.calendar,
+        [this](std::string_view line) { AppendToWindow(line); }, services_.identity.Wait());
+    host_.RecipesStored(download.highest_in_use);
     ShowInWindow(std::move(download.text));
     return true;
   } catch (const DatabaseError& error) {
-    BeepIfEnabled(ports_.op, ports_.settings);
-    ports_.identity.ShowDatabaseError(error.Number(), kDatabaseFileError, error.what());
+    BeepIfEnabled(services_.op, services_.settings);
+    services_.identity.ShowDatabaseError(error.Number(), kDatabaseFileError, error.what());
   } catch (const RecipeTextError& error) {
-    BeepIfEnabled(ports_.op, ports_.settings);
-    ports_.op.ShowMessage({.icon = Icon::kCritical,
-                           .title = std::string(kDatabaseFileError),
-                           .text = std::string(error.what()) + "\r\nNothing was downloaded."});
+    BeepIfEnabled(services_.op, services_.settings);
+    services_.op.ShowMessage({.icon = Icon::kCritical,
+                              .title = std::string(kDatabaseFileError),
+                              .text = std::string(error.what()) + "\r\nNothing was downloaded."});
   }
   return false;
 }
@@ -217,29 +217,28 @@ bool DownloadPresenter::LoadBackup(const std::string& path) {
     return true;
   } catch (const FileError& error) {
     // Otherwise the text of an earlier file would be mistaken for this one.
-    ports_.transfer.data_window.clear();
-    BeepIfEnabled(ports_.op, ports_.settings);
-    ports_.op.ShowMessage({.icon = Icon::kWarning,
-                           .title = std::string(kBackupFileError),
-                           .text = "The Recipe backup-file cannot be read.",
-                           .cause = error.what()});
+    transfer_.data_window.clear();
+    BeepIfEnabled(services_.op, services_.settings);
+    services_.op.ShowMessage({.icon = Icon::kWarning,
+                              .title = std::string(kBackupFileError),
+                              .text = "The Recipe backup-file cannot be read.",
+                              .cause = error.what()});
     return false;
   }
 }
 
 LineGuard::Claim DownloadPresenter::TakeLine() {
-  return ports_.transfer.connection == Connection::kModule
-             ? ports_.download.Guard().TakeForCommand()
-             : ports_.direct.Guard().TakeForTransmission();
+  return transfer_.connection == Connection::kModule ? download_.Guard().TakeForCommand()
+                                                     : direct_.Guard().TakeForTransmission();
 }
 
 bool DownloadPresenter::Send() {
-  if (ports_.transfer.connection == Connection::kModule) {
-    return ports_.download.DownloadToModule(ports_.transfer.data_window);
+  if (transfer_.connection == Connection::kModule) {
+    return download_.DownloadToModule(transfer_.data_window);
   }
   // A copy, because a handler that runs during a wait may change the window.
-  const std::string text = ports_.transfer.data_window;
-  return ports_.direct.LoadMemory(text);
+  const std::string text = transfer_.data_window;
+  return direct_.LoadMemory(text);
 }
 
 }  // namespace vrx

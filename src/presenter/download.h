@@ -8,6 +8,7 @@
 #include "presenter/create_database.h"
 #include "presenter/data_files.h"
 #include "presenter/direct_connection.h"
+#include "presenter/services.h"
 #include "presenter/transfer_state.h"
 
 namespace vrx {
@@ -34,10 +35,6 @@ class Download {
   Operator& op_;
   const PrivateINI& settings_;
 };
-
-class Calendar;
-class DatabaseIdentity;
-class PrivateINI;
 
 // The main window, as the download uses it.
 class RecipeDownloadHost {
@@ -68,19 +65,14 @@ class RecipeDownloadHost {
 // puts it into the memory that a directly connected indicator reads.
 class DownloadPresenter {
  public:
-  struct Ports {
-    Operator& op;
-    const PrivateINI& settings;
-    const Calendar& calendar;
-    DatabaseIdentity& identity;
-    TransferState& transfer;
-    ReportFile& files;
-    Download& download;
-    DirectConnection& direct;
-    RecipeDownloadHost& host;
-  };
-
-  explicit DownloadPresenter(const Ports& ports) : ports_(ports) {}
+  DownloadPresenter(Services& services, TransferState& transfer, ReportFile& files,
+                    Download& download, DirectConnection& direct, RecipeDownloadHost& host)
+      : services_(services),
+        transfer_(transfer),
+        files_(files),
+        download_(download),
+        direct_(direct),
+        host_(host) {}
 
   // The clicks of the buttons with those names. They report failures. While the line is in use, the
   // buttons that need it do nothing.
@@ -104,7 +96,12 @@ class DownloadPresenter {
   LineGuard::Claim TakeLine();
   bool Send();
 
-  Ports ports_;
+  Services& services_;
+  TransferState& transfer_;
+  ReportFile& files_;
+  Download& download_;
+  DirectConnection& direct_;
+  RecipeDownloadHost& host_;
 };
 
 }  // namespace vrx

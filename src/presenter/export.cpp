@@ -53,9 +53,9 @@ fs::path ComposePath(const ExportForm& form) {
 
 void ExportPresenter::EnterExportTab() {
   form_.progress_visible = false;
-  form_.lbl_data_group = ports_.host.DataGroup().text;
-  ports_.host.ConfigureImportColumns();
-  ports_.host.ExportChanged();
+  form_.lbl_data_group = host_.DataGroup().text;
+  host_.ConfigureImportColumns();
+  host_.ExportChanged();
 }
 
 int ExportPresenter::KeyPressInFName(int key) {
@@ -67,41 +67,42 @@ void ExportPresenter::ClickExport() {
     return;
   }
   const Running running(running_);
-  TrapExportError(ports_.op, ports_.settings, [&] { return ValidateExportInput() && RunExport(); });
+  TrapExportError(services_.op, services_.settings,
+                  [&] { return ValidateExportInput() && RunExport(); });
 }
 
 bool ExportPresenter::ValidateExportInput() {
   if (TrimBlanks(form_.txt_f_name).empty()) {
-    ShowExportMessage(ports_.op, Icon::kCritical, "Please enter File Name.");
-    ports_.host.FocusControl("txtFName");
+    ShowExportMessage(services_.op, Icon::kCritical, "Please enter File Name.");
+    host_.FocusControl("txtFName");
     return false;
   }
   if (TrimBlanks(form_.txt_f_path).empty()) {
-    ShowExportMessage(ports_.op, Icon::kCritical, "Please select File Path.");
+    ShowExportMessage(services_.op, Icon::kCritical, "Please select File Path.");
     Browse();
     return false;
   }
-  return HasDataToExport(ports_.op, ports_.host.DataGroup().grid);
+  return HasDataToExport(services_.op, host_.DataGroup().grid);
 }
 
 bool ExportPresenter::RunExport() {
   Folder::CheckPathAndCreate(form_.txt_f_path);
   ShowExportProgress(true);
-  if (ports_.pump.Closing()) {
+  if (services_.pump.Closing()) {
     return false;
   }
   ExportOutcome outcome;
   {
-    const Busy busy(ports_.op);
-    outcome = ExportDriver(ports_.style_sheets)
-                  .ExportGroup(ports_.host.DataGroup(), form_.format, ComposePath(form_),
-                               ports_.host.Databases());
+    const Busy busy(services_.op);
+    outcome =
+        ExportDriver(style_sheets_)
+            .ExportGroup(host_.DataGroup(), form_.format, ComposePath(form_), host_.Databases());
   }
   if (outcome.done) {
     form_.prg_export = form_.prg_export_max;
-    ports_.host.ExportChanged();
+    host_.ExportChanged();
   }
-  ReportExportOutcome(ports_.op, outcome);
+  ReportExportOutcome(services_.op, outcome);
   ShowExportProgress(false);
   return outcome.done;
 }
@@ -115,10 +116,11 @@ void ExportPresenter::ClickBrowse() {
 // Does not check for write-protected drives, which this platform does not distinguish by folder;
 // the export reports what it cannot write.
 void ExportPresenter::Browse() {
-  const std::string folder = ports_.files.ShowFolder("Choose the File Path for Exporting the Data");
+  const std::string folder =
+      services_.files.ShowFolder("Choose the File Path for Exporting the Data");
   if (!folder.empty()) {
     form_.txt_f_path = folder;
-    ports_.host.ExportChanged();
+    host_.ExportChanged();
   }
 }
 
@@ -129,22 +131,22 @@ void ExportPresenter::ClickReset() {
   form_.txt_f_name.clear();
   form_.txt_f_path.clear();
   form_.format = ExportFormat::kCsv;
-  ports_.host.ExportChanged();
+  host_.ExportChanged();
 }
 
 void ExportPresenter::ShowExportProgress(bool on) {
   form_.progress_visible = on;
   form_.prg_export_max = 100;
-  form_.lbl_data_group = ports_.host.DataGroup().text;
+  form_.lbl_data_group = host_.DataGroup().text;
   form_.prg_export = 0;
-  ports_.host.ExportChanged();
-  ports_.pump.Pump(Milliseconds{0});
+  host_.ExportChanged();
+  services_.pump.Pump(Milliseconds{0});
 }
 
 void ExportPresenter::UpdateExportProgress(int step) {
   const int sum = form_.prg_export + step;
   form_.prg_export = sum > form_.prg_export_max ? 0 : sum;
-  ports_.host.ExportChanged();
+  host_.ExportChanged();
 }
 
 ExportSource Current(HistoryPresenter& view) {

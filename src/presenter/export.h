@@ -6,9 +6,8 @@
 
 #include "database/open_databases.h"
 #include "export/export_driver.h"
-#include "platform/event_pump.h"
-#include "platform/file_chooser.h"
 #include "platform/operator.h"
+#include "presenter/services.h"
 
 namespace vrx {
 
@@ -51,16 +50,8 @@ struct ExportForm {
 class ExportPresenter {
  public:
   // All references outlive the object.
-  struct Ports {
-    Operator& op;
-    FileChooser& files;
-    EventPump& pump;
-    const PrivateINI& settings;
-    const StyleSheets& style_sheets;
-    ExportHost& host;
-  };
-
-  explicit ExportPresenter(const Ports& ports) : ports_(ports) {}
+  ExportPresenter(Services& services, const StyleSheets& style_sheets, ExportHost& host)
+      : services_(services), style_sheets_(style_sheets), host_(host) {}
   ExportPresenter(const ExportPresenter&) = delete;
   ExportPresenter& operator=(const ExportPresenter&) = delete;
 
@@ -88,7 +79,9 @@ class ExportPresenter {
   void Browse();
   void ShowExportProgress(bool on);
 
-  Ports ports_;
+  Services& services_;
+  const StyleSheets& style_sheets_;
+  ExportHost& host_;
   ExportForm form_;
   bool running_ = false;
 };

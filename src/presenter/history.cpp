@@ -151,21 +151,23 @@ void NamePicker::GeneralDelay(Milliseconds delay) {
   }
 }
 
-HistoryPresenter::HistoryPresenter(SQLite::Database& transactions, const HistoryPorts& ports)
-    : ports_(ports),
+HistoryPresenter::HistoryPresenter(SQLite::Database& transactions, Services& services,
+                                   HistoryView& screen)
+    : services_(services),
+      screen_(screen),
       grid_(transactions),
-      picker_(ports.pump, [this] { ports_.screen.HistoryChanged(HistoryPart::kNamePicker); }) {}
+      picker_(services.pump, [this] { screen_.HistoryChanged(HistoryPart::kNamePicker); }) {}
 
 void HistoryPresenter::SetTransactionDatabase(SQLite::Database& transactions) {
   grid_.Bind(transactions);
   grid_.ApplyExpandState(expand_all_);
-  ports_.screen.HistoryChanged(HistoryPart::kGrid);
+  screen_.HistoryChanged(HistoryPart::kGrid);
 }
 
 void HistoryPresenter::SetRecipeDatabase(SQLite::Database* recipes) {
   grid_.RefreshIngredientColumns(IngredientGridRows(recipes));
   recipes_ = recipes;
-  ports_.screen.HistoryChanged(HistoryPart::kGrid);
+  screen_.HistoryChanged(HistoryPart::kGrid);
 }
 
 void HistoryPresenter::SelectGroup(int index) {
@@ -199,7 +201,7 @@ void HistoryPresenter::SelectGroup(int index) {
   } else {
     picker_.SetState(picker_before);
   }
-  ports_.screen.HistoryChanged(HistoryPart::kGroupList);
+  screen_.HistoryChanged(HistoryPart::kGroupList);
   ShowGridVisible(true);
 }
 
@@ -274,16 +276,16 @@ bool HistoryPresenter::Trapped(const std::function<void()>& action) {
 }
 
 void HistoryPresenter::ReportFailure(const std::exception& failure) {
-  ports_.identity.ShowDatabaseError(FailureNumber(failure), kFailureTitle, failure.what());
+  services_.identity.ShowDatabaseError(FailureNumber(failure), kFailureTitle, failure.what());
 }
 
 void HistoryPresenter::Refuse(std::string_view column) {
   std::string names(column);
   names.front() = static_cast<char>(names.front() - 'A' + 'a');
-  ports_.op.ShowMessage({.icon = Icon::kWarning,
-                         .title = "No " + std::string(column) + " Names",
-                         .text = "You must first open a Recipe database so that all " + names +
-                                 " names can be listed."});
+  services_.op.ShowMessage({.icon = Icon::kWarning,
+                            .title = "No " + std::string(column) + " Names",
+                            .text = "You must first open a Recipe database so that all " + names +
+                                    " names can be listed."});
 }
 
 void HistoryPresenter::SetUp(const DataGroup& group, const std::function<bool()>& wanted) {
@@ -310,12 +312,12 @@ std::vector<IngredientRecord> HistoryPresenter::IngredientGridRows(
 
 void HistoryPresenter::ShowGridVisible(bool visible) {
   grid_visible_ = visible;
-  ports_.screen.HistoryChanged(HistoryPart::kGrid);
+  screen_.HistoryChanged(HistoryPart::kGrid);
 }
 
 void HistoryPresenter::Act(const std::function<void()>& action) {
   Trapped(action);
-  ports_.screen.HistoryChanged(HistoryPart::kGrid);
+  screen_.HistoryChanged(HistoryPart::kGrid);
 }
 
 }  // namespace vrx

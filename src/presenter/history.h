@@ -14,7 +14,7 @@
 #include "history/history_grid.h"
 #include "platform/event_pump.h"
 #include "platform/operator.h"
-#include "presenter/database_identity.h"
+#include "presenter/services.h"
 
 namespace vrx {
 
@@ -87,14 +87,6 @@ class HistoryView {
   virtual void HistoryChanged(HistoryPart part) = 0;
 };
 
-// The services that the presenter uses. All references outlive it.
-struct HistoryPorts {
-  Operator& op;
-  EventPump& pump;
-  DatabaseIdentity& identity;  // reports failures
-  HistoryView& screen;
-};
-
 // The `Batched/Fed` tab without its window. Reports a database failure and keeps the previous
 // contents.
 //
@@ -104,7 +96,7 @@ class HistoryPresenter {
  public:
   // Shows nothing before the first SelectGroup. A database must exist until the next one is set or
   // the object ends. Throws DatabaseError.
-  HistoryPresenter(SQLite::Database& transactions, const HistoryPorts& ports);
+  HistoryPresenter(SQLite::Database& transactions, Services& services, HistoryView& screen);
   HistoryPresenter(const HistoryPresenter&) = delete;
   HistoryPresenter& operator=(const HistoryPresenter&) = delete;
 
@@ -160,7 +152,8 @@ class HistoryPresenter {
   void ShowGridVisible(bool visible);
   void Act(const std::function<void()>& action);
 
-  HistoryPorts ports_;
+  Services& services_;
+  HistoryView& screen_;
   HistoryGrid grid_;
   NamePicker picker_;
   SQLite::Database* recipes_ = nullptr;

@@ -20,10 +20,12 @@ std::string CountText(std::int32_t count) { return Format(static_cast<double>(co
 
 }  // namespace
 
-ImportPresenter::ImportPresenter(const Ports& ports)
-    : ports_(ports), store_(ports.op, ports.settings, ports.calendar, ports.progress, [this] {
-        ports_.host.SaveTransactionDatabase();
-      }) {
+ImportPresenter::ImportPresenter(Services& services, ProgressDisplay& progress, ImportHost& host)
+    : services_(services),
+      progress_(progress),
+      host_(host),
+      store_(services.op, services.settings, services.calendar, progress,
+             [this] { host_.SaveTransactionDatabase(); }) {
   int number = 1;
   for (ImportGridColumn& column : form_.grd_import_columns) {
     column.caption = DesignImportCaption(number++);
@@ -32,13 +34,13 @@ ImportPresenter::ImportPresenter(const Ports& ports)
 
 bool ImportPresenter::ImportXFile() {
   form_.grd_import_visible = true;
-  ports_.host.ImportChanged();
+  host_.ImportChanged();
   const FileChoice choice =
-      ports_.files.ShowOpen({.title = "Import Transaction File",
-                             .filter = "Transactions (*.QXT)|*.QXT",
-                             .default_extension = "QXT",
-                             .start_folder = ports_.system.CommonAppDataFolder(),
-                             .flags = kFileMustExist | kHideReadOnly});
+      services_.files.ShowOpen({.title = "Import Transaction File",
+                                .filter = "Transactions (*.QXT)|*.QXT",
+                                .default_extension = "QXT",
+                                .start_folder = services_.system.CommonAppDataFolder(),
+                                .flags = kFileMustExist | kHideReadOnly});
   return !choice.Cancelled() && ImportFile(choice);
 }
 
@@ -46,13 +48,13 @@ bool ImportPresenter::ImportFile(const FileChoice& choice) {
   file_.SetFilePath(choice.path);
   file_.SetFileName(UnicodeUpperCase(choice.title));
   EmptyImport();
-  ports_.host.SelectTab(kImportTab);
-  const bool imported = file_.LoadTransactionFile(ports_.op, [this] {
-    ports_.host.FocusControl("cmdImportFile");
+  host_.SelectTab(kImportTab);
+  const bool imported = file_.LoadTransactionFile(services_.op, [this] {
+    host_.FocusControl("cmdImportFile");
   }) && ParseAndShow();
-  ports_.host.ImportChanged();
+  host_.ImportChanged();
   if (imported) {
-    ports_.host.FocusControl("cmdImportStore");
+    host_.FocusControl("cmdImportStore");
     ReportUnreadFeeds();
   }
   return imported;
@@ -69,10 +71,10 @@ void ImportPresenter::EmptyImport() {
 void ImportPresenter::ReportUnreadFeeds() {
   const std::vector<UnreadFeed>& feeds = file_.Imported().UnreadFeeds();
   if (!feeds.empty()) {
-    ports_.op.ShowMessage({.icon = Icon::kWarning,
-                           .title = "Import",
-                           .text = UnreadFeedsText(feeds, "read"),
-                           .cause = UnreadFeedsList(feeds)});
+    services_.op.ShowMessage({.icon = Icon::kWarning,
+                              .title = "Import",
+                              .text = UnreadFeedsText(feeds, "read"),
+                              .cause = UnreadFeedsList(feeds)});
   }
 }
 
@@ -82,10 +84,10 @@ bool ImportPresenter::ParseAndShow() {
                               [this](std::int32_t rows) {
                                 form_.grd_import_visible = true;
                                 form_.grd_import_rows = rows;
-                                ports_.host.ImportChanged();
+                                host_.ImportChanged();
                               }};
   const std::string error =
-      file_.ParseTransactionFile(ports_.progress, hooks, ports_.op, ports_.settings);
+      file_.ParseTransactionFile(progress_, hooks, services_.op, services_.settings);
   const bool parsed = error.empty();
   if (parsed) {
     form_.lbl_trans_filename.caption = file_.FileName();
@@ -101,8 +103,9 @@ bool ImportPresenter::ParseAndShow() {
   form_.lbl_transactions.visible = parsed;
   form_.cmd_import_store_enabled = parsed;
   if (!parsed) {
-    ports_.host.ImportChanged();
-    ports_.op.ShowMessage({Icon::kCritical, Buttons::kOk, std::string(kImportErrorTitle), error});
+    host_.ImportChanged();
+    services_.op.ShowMessage(
+        {Icon::kCritical, Buttons::kOk, std::string(kImportErrorTitle), error});
   }
   return parsed;
 }
@@ -116,40 +119,40 @@ void ImportPresenter::ConfigureImportColumns() {
     column_of(ingredient) = {};
   }
   try {
-    for (const IngredientRecord& record : ports_.host.GridIngredients()) {
+    for (const IngredientRecord& record : host_.GridIngredients()) {
       if (record.id >= 1 && record.id <= kIngredientCount) {
         column_of(record.id).caption = UnicodeUpperCase(record.name);
       }
     }
   } catch (const DatabaseError& error) {
-    ports_.identity.ShowDatabaseError(error.Number(), kImportErrorTitle, error.what());
+    services_.identity.ShowDatabaseError(error.Number(), kImportErrorTitle, error.what());
   }
   for (int ingredient = 1; ingredient <= kIngredientCount; ++ingredient) {
     column_of(ingredient).visible = !column_of(ingredient).caption.empty();
   }
-  ports_.host.ImportChanged();
+  host_.ImportChanged();
 }
 
 void ImportPresenter::EnterImportTab() {
-  ports_.progress.SetProgressMessage({});
+  progress_.SetProgressMessage({});
   for (ImportLabel* label : {&form_.lbl_trans_filename, &form_.lbl_trans_uom, &form_.lbl_records,
                              &form_.lbl_transactions}) {
     label->caption.clear();
   }
-  form_.pic_import_progress_visible = ports_.settings.ShowImportProgressOn();
+  form_.pic_import_progress_visible = services_.settings.ShowImportProgressOn();
   if (form_.pic_import_progress_visible) {
-    ports_.progress.SetProgressValue(0);
+    progress_.SetProgressValue(0);
   }
   ConfigureImportColumns();
 }
 
 void ImportPresenter::ShowOrHideProgress() {
-  form_.pic_import_progress_visible = ports_.settings.ShowImportProgressOn();
-  ports_.host.ImportChanged();
+  form_.pic_import_progress_visible = services_.settings.ShowImportProgressOn();
+  host_.ImportChanged();
 }
 
 StoreOutcome ImportPresenter::ClickImportStore() {
-  const OpenDatabases databases = ports_.host.Databases();
+  const OpenDatabases databases = host_.Databases();
   if (databases.trans_db_path.empty()) {
     Refuse(
         "Please open the Transaction database where you want the imported data to be stored, "
@@ -174,25 +177,25 @@ StoreOutcome ImportPresenter::ClickImportStore() {
 }
 
 void ImportPresenter::Refuse(std::string text) {
-  ports_.op.ShowMessage(
+  services_.op.ShowMessage(
       {Icon::kWarning, Buttons::kOk, std::string(kStoreErrorTitle), std::move(text)});
 }
 
 bool ImportPresenter::ConfirmUnits(const OpenDatabases& databases) {
   const std::string& units = file_.FileUnits();
-  if (units == ports_.settings.SystemUnits() && units == databases.trans_db_uom) {
+  if (units == services_.settings.SystemUnits() && units == databases.trans_db_uom) {
     return true;
   }
-  return ports_.op.ShowMessage({.icon = Icon::kCritical,
-                                .buttons = Buttons::kOkCancel,
-                                .title = "Weight Units Error",
-                                .text =
-                                    "The units-of-measure of the imported transaction file is not "
-                                    "the same as the transaction database.\r\n\r\n"
-                                    "Storing the current transactions will result in "
-                                    "incorrect weight totals in the transaction database."
-                                    "Do you wish to continue?",
-                                .refuses_by_default = true}) == Answer::kOk;
+  return services_.op.ShowMessage(
+             {.icon = Icon::kCritical,
+              .buttons = Buttons::kOkCancel,
+              .title = "Weight Units Error",
+              .text = "The units-of-measure of the imported transaction file is not "
+                      "the same as the transaction database.\r\n\r\n"
+                      "Storing the current transactions will result in "
+                      "incorrect weight totals in the transaction database."
+                      "Do you wish to continue?",
+              .refuses_by_default = true}) == Answer::kOk;
 }
 
 }  // namespace vrx

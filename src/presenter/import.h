@@ -10,16 +10,12 @@
 #include "exchange/imported_data.h"
 #include "exchange/store.h"
 #include "exchange/transaction_parser.h"
-#include "platform/calendar.h"
 #include "platform/file_chooser.h"
 #include "platform/operator.h"
 #include "platform/progress_display.h"
-#include "platform/system_info.h"
+#include "presenter/services.h"
 
 namespace vrx {
-
-class DatabaseIdentity;
-class PrivateINI;
 
 inline constexpr int kImportTab = 5;
 
@@ -70,18 +66,7 @@ struct ImportForm {
 // form and the imported data.
 class ImportPresenter {
  public:
-  struct Ports {
-    Operator& op;
-    FileChooser& files;
-    const SystemInfo& system;
-    const PrivateINI& settings;
-    const Calendar& calendar;
-    DatabaseIdentity& identity;
-    ProgressDisplay& progress;
-    ImportHost& host;
-  };
-
-  explicit ImportPresenter(const Ports& ports);
+  ImportPresenter(Services& services, ProgressDisplay& progress, ImportHost& host);
   ImportPresenter(const ImportPresenter&) = delete;
   ImportPresenter& operator=(const ImportPresenter&) = delete;
 
@@ -114,7 +99,9 @@ class ImportPresenter {
   void Refuse(std::string text);
   bool ConfirmUnits(const OpenDatabases& databases);
 
-  Ports ports_;
+  Services& services_;
+  ProgressDisplay& progress_;
+  ImportHost& host_;
   TransactionStore store_;
   TransFile file_;
   ImportForm form_;

@@ -63,7 +63,7 @@ LegacyOpening ConversionOffer::Offer(DatabaseKind kind, const fs::path& path) {
 }
 
 bool ConversionOffer::Asked() {
-  return ports_.op.ShowMessage(
+  return services_.op.ShowMessage(
              {.icon = Icon::kQuestion,
               .buttons = Buttons::kYesNo,
               .title = std::string(kConversionTitle),
@@ -75,15 +75,15 @@ std::optional<fs::path> ConversionOffer::AskCopy(DatabaseKind kind) {
   const KindTexts& words = TextsOf(kind);
   while (true) {
     const FileChoice choice =
-        ports_.files.ShowSave({.title = "Save Converted Copy As...",
-                               .filter = std::string(words.filter),
-                               .default_extension = std::string(words.extension),
-                               .start_folder = ports_.app_folder.DefaultAppPath().string(),
-                               .flags = kShortNames | kHideReadOnly});
+        services_.files.ShowSave({.title = "Save Converted Copy As...",
+                                  .filter = std::string(words.filter),
+                                  .default_extension = std::string(words.extension),
+                                  .start_folder = services_.folder.DefaultAppPath().string(),
+                                  .flags = kShortNames | kHideReadOnly});
     if (choice.Cancelled()) {
       return std::nullopt;
     }
-    if (!AcceptDatabaseName(choice.title, ports_.op)) {
+    if (!AcceptDatabaseName(choice.title, services_.op)) {
       continue;
     }
     if (!FileExists(choice.path)) {
@@ -97,34 +97,33 @@ std::optional<fs::path> ConversionOffer::AskCopy(DatabaseKind kind) {
 bool ConversionOffer::Convert(DatabaseKind kind, const fs::path& old_file, const fs::path& copy) {
   ConversionReport report;
   try {
-    const Progress progress(ports_.display);
-    report = ConvertLegacyDatabase(
-        {.old_file = old_file,
-         .new_file = copy,
-         .program_directory = ports_.system.ProgramDirectory(),
-         .default_unit = ports_.settings.SystemUnits(),
-         .kind = kind},
-        {.runner = ports_.runner, .progress = ports_.display, .go_on = [this] {
-           ports_.pump.Pump(Milliseconds{0});
-           return !ports_.pump.Closing() && !ports_.display.Cancelled();
-         }});
+    const Progress progress(display_);
+    report = ConvertLegacyDatabase({.old_file = old_file,
+                                    .new_file = copy,
+                                    .program_directory = services_.system.ProgramDirectory(),
+                                    .default_unit = services_.settings.SystemUnits(),
+                                    .kind = kind},
+                                   services_.programs, display_, [this] {
+                                     services_.pump.Pump(Milliseconds{0});
+                                     return !services_.pump.Closing() && !display_.Cancelled();
+                                   });
   } catch (const ConversionStopped&) {
     return false;
   } catch (const DatabaseError& failure) {
-    ReportFailure(ports_.op, kConversionErrorTitle, failure);
+    ReportFailure(services_.op, kConversionErrorTitle, failure);
     return false;
   } catch (const std::exception& failure) {
     Refuse(failure.what());
     return false;
   }
-  ports_.display.ShowReport(ReportText(report), copy.stem().string() + ".TXT");
-  return !ports_.pump.Closing();
+  display_.ShowReport(ReportText(report), copy.stem().string() + ".TXT");
+  return !services_.pump.Closing();
 }
 
 void ConversionOffer::Refuse(std::string_view text) {
-  ports_.op.ShowMessage({.icon = Icon::kCritical,
-                         .title = std::string(kConversionErrorTitle),
-                         .text = std::string(text)});
+  services_.op.ShowMessage({.icon = Icon::kCritical,
+                            .title = std::string(kConversionErrorTitle),
+                            .text = std::string(text)});
 }
 
 }  // namespace vrx

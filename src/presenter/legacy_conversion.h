@@ -6,14 +6,8 @@
 
 #include "legacy/convert.h"
 #include "platform/conversion_display.h"
-#include "platform/event_pump.h"
-#include "platform/file_chooser.h"
-#include "platform/operator.h"
-#include "platform/program_runner.h"
-#include "platform/system_info.h"
 #include "presenter/database_commands.h"
-#include "settings/data_folder.h"
-#include "settings/settings.h"
+#include "presenter/services.h"
 
 namespace vrx {
 
@@ -24,18 +18,8 @@ inline constexpr std::string_view kConversionErrorTitle = "Database Conversion E
 // outlive the object.
 class ConversionOffer : public LegacyOpener {
  public:
-  struct Ports {
-    Operator& op;
-    FileChooser& files;
-    const SystemInfo& system;
-    const Folder& app_folder;
-    const PrivateINI& settings;
-    EventPump& pump;
-    ProgramRunner& runner;
-    ConversionDisplay& display;
-  };
-
-  explicit ConversionOffer(const Ports& ports) : ports_(ports) {}
+  ConversionOffer(Services& services, ConversionDisplay& display)
+      : services_(services), display_(display) {}
 
   LegacyOpening Offer(DatabaseKind kind, const std::filesystem::path& path) override;
 
@@ -47,7 +31,8 @@ class ConversionOffer : public LegacyOpener {
                const std::filesystem::path& copy);
   void Refuse(std::string_view text);
 
-  Ports ports_;
+  Services& services_;
+  ConversionDisplay& display_;
 };
 
 }  // namespace vrx

@@ -37,17 +37,18 @@ void DatabaseCommands::Close(Side& side) {
   side.current = {};
   Trapped(title, [&] { BindBlank(side); });
   ClearPanels(side, {kPanelName, kPanelUnit, kPanelCreated, kPanelModified});
-  ports_.window.ShowUnit(side.kind, side.bound.unit);
+  window_.ShowUnit(side.kind, side.bound.unit);
   DisableCommands(side);
-  Trapped(title, [&] { ports_.tabs.SelectTab(kTabDataTransfer); });
+  Trapped(title, [&] { tabs_.SelectTab(kTabDataTransfer); });
 }
 
 void DatabaseCommands::BindBlank(Side& side) {
   try {
-    const fs::path directory = ports_.system.ProgramDirectory();
-    Bind(side, BindBlankTemplate(directory / TextsOf(side.kind).template_name, lock_wait_));
+    const fs::path directory = services_.system.ProgramDirectory();
+    Bind(side, BindBlankTemplate(directory / TextsOf(side.kind).template_name,
+                                 services_.identity.Wait()));
   } catch (const std::exception& failure) {
-    ReportFailure(ports_.op, TextsOf(side.kind).close_failure, failure);
+    ReportFailure(services_.op, TextsOf(side.kind).close_failure, failure);
     Bind(side, BindBlankInMemory(side.kind));
   }
 }
@@ -77,13 +78,13 @@ bool DatabaseCommands::AskSaveAs(Side& side) {
   bool chosen = false;
   Trapped(words.save_as_failure, [&] {
     const FileChoice choice =
-        ports_.files.ShowSave({.title = std::string(words.save_as_dialog_title),
-                               .filter = std::string(words.filter).append(kAllFiles),
-                               .default_extension = std::string(words.extension),
-                               .flags = kShortNames | kHideReadOnly | kOverwritePrompt});
+        services_.files.ShowSave({.title = std::string(words.save_as_dialog_title),
+                                  .filter = std::string(words.filter).append(kAllFiles),
+                                  .default_extension = std::string(words.extension),
+                                  .flags = kShortNames | kHideReadOnly | kOverwritePrompt});
     const KindRules& manner = RulesOf(side.kind);
-    if (choice.Cancelled() || !ports_.delay.Wait(manner.save_as_delay) ||
-        (manner.save_as_tests_name && !AcceptDatabaseName(choice.title, ports_.op))) {
+    if (choice.Cancelled() || !delay_.Wait(manner.save_as_delay) ||
+        (manner.save_as_tests_name && !AcceptDatabaseName(choice.title, services_.op))) {
       return;
     }
     save_as_path_ = choice.path;
@@ -103,7 +104,7 @@ void DatabaseCommands::SaveAs(Side& side) {
     const std::string name = save_as_name_;
     Close(side);
     RequireUnbound(target);
-    CopyDatabaseFile(source, target, lock_wait_);
+    CopyDatabaseFile(source, target, services_.identity.Wait());
     Open(side, {.path = target, .name = name});
   });
 }
@@ -121,8 +122,8 @@ void DatabaseCommands::RequireUnbound(const fs::path& target) const {
 // Units.
 
 void DatabaseCommands::WarnIfUnitsDiffer(std::string_view unit) {
-  if (unit != ports_.settings.SystemUnits()) {
-    ports_.op.ShowMessage(
+  if (unit != services_.settings.SystemUnits()) {
+    services_.op.ShowMessage(
         {.icon = Icon::kWarning,
          .title = "Weight Units Error",
          .text = "The weight units-of-measure of the database file you have selected is not the "
@@ -138,7 +139,7 @@ void DatabaseCommands::AskAboutUnits() {
 
 bool DatabaseCommands::MayRelabel(const Side& side) const {
   return IsOpen(side.kind) && !side.moving && side.bound.read_only_note.empty() &&
-         side.bound.unit != ports_.settings.SystemUnits();
+         side.bound.unit != services_.settings.SystemUnits();
 }
 
 // An event may open another database while the question is shown.
@@ -147,21 +148,21 @@ void DatabaseCommands::AskAboutUnit(Side& side) {
     return;
   }
   side.unit_asked = true;
-  const std::string unit = ports_.settings.SystemUnits();
+  const std::string unit = services_.settings.SystemUnits();
   const int binding = side.binding;
-  const Answer answer = ports_.op.ShowMessage({.icon = Icon::kQuestion,
-                                               .buttons = Buttons::kYesNo,
-                                               .title = "Weight Units",
-                                               .text = UnitQuestion(side.bound, unit),
-                                               .refuses_by_default = true});
+  const Answer answer = services_.op.ShowMessage({.icon = Icon::kQuestion,
+                                                  .buttons = Buttons::kYesNo,
+                                                  .title = "Weight Units",
+                                                  .text = UnitQuestion(side.bound, unit),
+                                                  .refuses_by_default = true});
   if (answer != Answer::kYes || binding != side.binding ||
-      !ports_.identity.SetDatabaseUoM(*side.bound.connection, unit)) {
+      !services_.identity.SetDatabaseUoM(*side.bound.connection, unit)) {
     return;
   }
   side.bound.unit = unit;
   side.current.unit = unit;
   ShowPanel(side, kPanelUnit, unit);
-  ports_.window.ShowUnit(side.kind, unit);
+  window_.ShowUnit(side.kind, unit);
 }
 
 // Start and end of the program.
@@ -173,7 +174,7 @@ void DatabaseCommands::Recall(DatabaseKind kind, const fs::path& path, const std
 }
 
 void DatabaseCommands::Release() {
-  ports_.window.ReleaseViews();
+  window_.ReleaseViews();
   for (Side* side : {&recipe_, &transaction_}) {
     side->bound = {};
     side->previous = {};

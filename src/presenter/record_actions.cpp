@@ -26,15 +26,16 @@ std::string StoredName(SQLite::Database& database, RecordKind kind, int id) {
   return ReadPen(database, id).name;
 }
 
-Answer Ask(const FeedPorts& ports, const RecordKindTraits& traits, const std::string& record) {
-  return ports.op.ShowMessage({.icon = Icon::kQuestion,
-                               .buttons = Buttons::kYesNo,
-                               .title = std::string(traits.reset_title),
-                               .text = "Reset " + record + std::string(traits.reset_question_end)});
+Answer Ask(Services& services, const RecordKindTraits& traits, const std::string& record) {
+  return services.op.ShowMessage(
+      {.icon = Icon::kQuestion,
+       .buttons = Buttons::kYesNo,
+       .title = std::string(traits.reset_title),
+       .text = "Reset " + record + std::string(traits.reset_question_end)});
 }
 
-void ReportUsed(const FeedPorts& ports, const RecordKindTraits& traits, const std::string& record) {
-  ports.op.ShowMessage(
+void ReportUsed(Services& services, const RecordKindTraits& traits, const std::string& record) {
+  services.op.ShowMessage(
       {.icon = Icon::kWarning,
        .buttons = Buttons::kOkCancel,
        .title = std::string(traits.reset_title),
@@ -52,61 +53,60 @@ void ReportFailures(Operator& op, const std::string& failures) {
 
 }  // namespace
 
-ResetOutcome AskAndReset(SQLite::Database& database, RecordKind kind, int id,
-                         const FeedPorts& ports) {
+ResetOutcome AskAndReset(SQLite::Database& database, RecordKind kind, int id, Services& services) {
   const RecordKindTraits& traits = TraitsOf(kind);
   ResetOutcome outcome = ResetOutcome::kNotReset;
-  RunFeedAction(database, ports, traits.reset_title, [&] {
+  RunFeedAction(database, services, traits.reset_title, [&] {
     const std::string record = std::string(traits.noun) + " #" + std::to_string(id) + " (" +
                                StoredName(database, kind, id) + ")";
-    if (Ask(ports, traits, record) != Answer::kYes) {
+    if (Ask(services, traits, record) != Answer::kYes) {
       return false;
     }
-    ports.op.SetBusy(true);
-    const bool reset = ResetRecord(database, kind, id, ports.calendar);
-    ports.op.SetBusy(false);
+    services.op.SetBusy(true);
+    const bool reset = ResetRecord(database, kind, id, services.calendar);
+    services.op.SetBusy(false);
     outcome = reset ? ResetOutcome::kReset : ResetOutcome::kInUse;
     if (!reset) {
-      ReportUsed(ports, traits, record);
+      ReportUsed(services, traits, record);
     } else if (traits.reset_beeps) {
-      BeepIfEnabled(ports.op, ports.settings);
+      BeepIfEnabled(services.op, services.settings);
     }
     return reset;
   });
   return outcome;
 }
 
-bool UpdateRecipes(SQLite::Database& database, ProgressDisplay& progress, const FeedPorts& ports) {
+bool UpdateRecipes(SQLite::Database& database, ProgressDisplay& progress, Services& services) {
   progress.SetProgressMessage(kScanning);
   progress.SetProgressRange(kRecipeCount);
   std::string failures;
-  const bool stored = RunFeedAction(database, ports, kUpdateTitle, [&] {
-    ports.op.SetBusy(true);
-    failures = RecomputeAllRecipes(database, progress, ports.calendar);
-    ports.op.SetBusy(false);
+  const bool stored = RunFeedAction(database, services, kUpdateTitle, [&] {
+    services.op.SetBusy(true);
+    failures = RecomputeAllRecipes(database, progress, services.calendar);
+    services.op.SetBusy(false);
     return true;
   });
   progress.SetProgressMessage({});
   if (!stored) {
     return false;
   }
-  ReportFailures(ports.op, failures);
-  BeepIfEnabled(ports.op, ports.settings);
+  ReportFailures(services.op, failures);
+  BeepIfEnabled(services.op, services.settings);
   return failures.empty();
 }
 
 std::vector<std::string> SearchWhereUsed(SQLite::Database& database, int ingredient_id,
-                                         const FeedPorts& ports) {
+                                         Services& services) {
   std::vector<std::string> items;
-  RunFeedAction(database, ports, kSearchTitle, [&] {
-    ports.op.SetBusy(true);
+  RunFeedAction(database, services, kSearchTitle, [&] {
+    services.op.SetBusy(true);
     const std::vector<WhereUsed> found = FindWhereIngUsed(database, ingredient_id, false);
-    ports.op.SetBusy(false);
+    services.op.SetBusy(false);
     items.emplace_back(found.empty() ? "Not Used" : "Done!");
     for (const WhereUsed& use : found) {
       items.push_back(FormatIdPrefix(use.recipe_id) + use.recipe_name);
     }
-    BeepIfEnabled(ports.op, ports.settings);
+    BeepIfEnabled(services.op, services.settings);
     return true;
   });
   return items;

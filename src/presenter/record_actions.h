@@ -24,8 +24,7 @@ enum class ResetOutcome {
 // begins after the answer. Refuses an ingredient that a recipe in use contains. A recipe loses its
 // lines and its type but keeps HeadCount, RationTarget and AdjBatTotIndex. Any result except kReset
 // leaves the file unchanged.
-ResetOutcome AskAndReset(SQLite::Database& database, RecordKind kind, int id,
-                         const FeedPorts& ports);
+ResetOutcome AskAndReset(SQLite::Database& database, RecordKind kind, int id, Services& services);
 
 // Recomputes every recipe that has a description and stores the changed lines in one transaction;
 // sets `Modified` if there are any. The bar runs from 1 to 100 with the recipes, and its message is
@@ -34,11 +33,11 @@ ResetOutcome AskAndReset(SQLite::Database& database, RecordKind kind, int id,
 // A recipe whose arithmetic fails keeps its stored lines; the others are stored anyway, and the
 // failures are reported at the end. A database failure is reported and nothing is stored. Returns
 // whether all recipes are up to date.
-bool UpdateRecipes(SQLite::Database& database, ProgressDisplay& progress, const FeedPorts& ports);
+bool UpdateRecipes(SQLite::Database& database, ProgressDisplay& progress, Services& services);
 
 // The items of the list after the operator's search. Item 0 is the status, "Not Used" or "Done!",
 // followed by the recipes, "  3: STEERS". Empty after reporting a failure.
 std::vector<std::string> SearchWhereUsed(SQLite::Database& database, int ingredient_id,
-                                         const FeedPorts& ports);
+                                         Services& services);
 
 }  // namespace vrx

@@ -74,13 +74,13 @@ void ReportEditGivenUp(Operator& op, std::string_view what, std::string_view cau
   Tell(op, kEditErrorTitle, NotStored(what, cause) + "It is given up.");
 }
 
-bool RunFeedAction(const SQLite::Database& database, const FeedPorts& ports, std::string_view title,
+bool RunFeedAction(const SQLite::Database& database, Services& services, std::string_view title,
                    const std::function<bool()>& action) {
   try {
     return WithDatabaseErrors(database, action);
   } catch (const std::exception& failure) {
-    ports.op.SetBusy(false);
-    ports.identity.ShowDatabaseError(FailureNumber(failure), title, failure.what());
+    services.op.SetBusy(false);
+    services.identity.ShowDatabaseError(FailureNumber(failure), title, failure.what());
     return false;
   }
 }

@@ -7,10 +7,8 @@
 
 #include <SQLiteCpp/Database.h>
 
-#include "platform/calendar.h"
 #include "platform/operator.h"
-#include "presenter/database_identity.h"
-#include "settings/settings.h"
+#include "presenter/services.h"
 
 namespace vrx {
 
@@ -35,17 +33,9 @@ EditEnd AskAboutEdit(Operator& op, std::string_view what, std::string cause,
 // Reports that an edit which could not be stored is given up.
 void ReportEditGivenUp(Operator& op, std::string_view what, std::string_view cause);
 
-// The services of an action on records. All references outlive it.
-struct FeedPorts {
-  Operator& op;
-  const PrivateINI& settings;
-  const Calendar& calendar;
-  DatabaseIdentity& identity;  // reports failures
-};
-
 // Runs an action of the operator and returns its result. If it throws, reports it under `title` and
 // returns false. Resets the busy cursor afterwards.
-bool RunFeedAction(const SQLite::Database& database, const FeedPorts& ports, std::string_view title,
+bool RunFeedAction(const SQLite::Database& database, Services& services, std::string_view title,
                    const std::function<bool()>& action);
 
 // Shows "Error: " and the number of a caught failure under the routine's title, with what() as the

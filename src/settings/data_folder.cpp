@@ -17,6 +17,11 @@ constexpr std::size_t kPathBufferLength = 260;
 
 Folder::Folder(const SystemInfo& system) : system_(&system) {}
 
+Folder::Folder(const SystemInfo& system, fs::path default_app_path)
+    : system_(&system),
+      default_app_path_(std::move(default_app_path)),
+      ini_file_path_(default_app_path_ / kIniFileName) {}
+
 std::string Folder::GetCommonAPPPath() const {
   const std::string path = system_->CommonAppDataFolder();
   return path.empty() ? std::string(kPathBufferLength, '\0') : path.substr(0, path.find('\0'));

@@ -17,6 +17,8 @@ inline constexpr std::string_view kProductName = "VRX-2260";
 class Folder {
  public:
   explicit Folder(const SystemInfo& system);
+  // At another path, which is not made.
+  Folder(const SystemInfo& system, std::filesystem::path default_app_path);
 
   // The platform's folder; 260 NULs if the platform has none.
   [[nodiscard]] std::string GetCommonAPPPath() const;
@@ -36,7 +38,7 @@ class Folder {
   [[nodiscard]] static std::int32_t CopyFile(const std::filesystem::path& source_file,
                                              const std::filesystem::path& destination_folder);
 
-  // Both empty until CheckAppDefaultDir.
+  // Both empty until CheckAppDefaultDir, unless a path was given.
   [[nodiscard]] const std::filesystem::path& DefaultAppPath() const { return default_app_path_; }
   [[nodiscard]] const std::filesystem::path& IniFilePath() const { return ini_file_path_; }
 

@@ -8,9 +8,7 @@
 #include "ctl/ctl_fixture.h"
 #include "presenter/export.h"
 #include "presenter/history.h"
-#include "settings/settings.h"
-#include "support/recording_operator.h"
-#include "support/scripted_file_chooser.h"
+#include "support/test_services.h"
 
 namespace vrx::testing {
 namespace {
@@ -48,7 +46,7 @@ class TabOfSite : public ExportHost, public HistoryView {
       : paths_{recipes_path, transactions_path, "LB"},
         transactions_(OpenDatabase(transactions_path, Access::kRead)),
         recipes_(OpenDatabase(recipes_path, Access::kRead)),
-        style_sheets_(data_folder, system, op_) {
+        style_sheets_(data_folder, system, test_.op) {
     view_.SetRecipeDatabase(&recipes_);
     view_.TabEntered();
   }
@@ -68,7 +66,7 @@ class TabOfSite : public ExportHost, public HistoryView {
     tab_.SetFPath(folder.string());
     tab_.SetFormat(format);
     tab_.ClickExport();
-    EXPECT_EQ(op_.boxes.back().text, "Data exported successfully.");
+    EXPECT_EQ(test_.op.boxes.back().text, "Data exported successfully.");
   }
 
   OpenDatabases Databases() const override { return paths_; }
@@ -82,15 +80,10 @@ class TabOfSite : public ExportHost, public HistoryView {
   OpenDatabases paths_;
   SQLite::Database transactions_;
   SQLite::Database recipes_;
-  RecordingOperator op_;
-  ScriptedFileChooser files_;
-  ManualPump pump_;
-  FixedCalendar calendar_;
-  PrivateINI settings_;
-  DatabaseIdentity identity_{op_, calendar_, settings_};
-  HistoryPresenter view_{transactions_, {op_, pump_, identity_, *this}};
+  TestServices test_;
+  HistoryPresenter view_{transactions_, test_.services, *this};
   StyleSheets style_sheets_;
-  ExportPresenter tab_{{op_, files_, pump_, settings_, style_sheets_, *this}};
+  ExportPresenter tab_{test_.services, style_sheets_, *this};
 };
 
 TEST_F(ExportCommandTest, GivesTheBytesOfTheTabInEveryGroupAndFormat) {

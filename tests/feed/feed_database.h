@@ -12,13 +12,10 @@
 
 #include "database/connection.h"
 #include "database/records.h"
-#include "presenter/database_identity.h"
 #include "presenter/report_failure.h"
-#include "settings/settings.h"
 #include "support/database_files.h"
-#include "support/fixed_calendar.h"
-#include "support/recording_operator.h"
 #include "support/temp_folder.h"
+#include "support/test_services.h"
 
 namespace vrx::testing {
 
@@ -26,9 +23,9 @@ inline constexpr std::chrono::milliseconds kShortTimeout{20};
 
 // A new recipe database, open for writing, and the services of an action on it. The date is
 // 5 January 2026.
-class FeedDatabaseTest : public ::testing::Test {
+class FeedDatabaseTest : public ::testing::Test, protected TestServices {
  protected:
-  FeedDatabaseTest() { settings.SetEnableBeeperOn(true); }
+  FeedDatabaseTest() : TestServices(kShortTimeout) { settings.SetEnableBeeperOn(true); }
 
   // A recipe in use.
   void UseRecipe(int id, const std::string& name, const std::string& batch_type = "W") {
@@ -76,11 +73,6 @@ class FeedDatabaseTest : public ::testing::Test {
   TempFolder folder;
   std::filesystem::path path = CopyOfTemplate(folder, "YARD.RDB");
   SQLite::Database database = OpenDatabase(path, Access::kWrite, kShortTimeout);
-  RecordingOperator op;
-  FixedCalendar calendar;
-  PrivateINI settings;
-  DatabaseIdentity identity{op, calendar, settings, kShortTimeout};
-  FeedPorts ports{.op = op, .settings = settings, .calendar = calendar, .identity = identity};
 };
 
 }  // namespace vrx::testing

@@ -13,9 +13,9 @@ namespace {
 namespace fs = std::filesystem;
 
 // Each limit is a count of the tree as it is. A change may lower it and then lowers the limit.
-constexpr std::size_t kSingleIncluderHeaders = 116;
-constexpr std::size_t kUnitsInCycles = 23;
-constexpr std::size_t kPortsStructs = 21;
+constexpr std::size_t kSingleIncluderHeaders = 46;
+constexpr std::size_t kUnitsInCycles = 2;
+constexpr std::size_t kPortsStructs = 0;
 constexpr int kLongestSource = 500;  // lines
 
 const SourceTree& Sources() {

@@ -45,7 +45,7 @@ struct ConversionFixture {
                                   .program_directory = program_directory,
                                   .default_unit = "KG",
                                   .kind = kind},
-                                 {.runner = runner, .progress = progress, .go_on = go_on});
+                                 runner, progress, go_on);
   }
 
   // What it is refused with; empty when it is not.

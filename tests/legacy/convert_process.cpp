@@ -33,12 +33,11 @@ int main(int argc, char** argv) {
   try {
     vrx::ChildProcessRunner runner;
     NoProgress progress;
-    const vrx::ConversionReport report =
-        vrx::ConvertLegacyDatabase({.old_file = argv[1],
-                                    .new_file = argv[2],
-                                    .program_directory = argv[3],
-                                    .default_unit = "LB"},
-                                   {.runner = runner, .progress = progress});
+    const vrx::ConversionReport report = vrx::ConvertLegacyDatabase({.old_file = argv[1],
+                                                                     .new_file = argv[2],
+                                                                     .program_directory = argv[3],
+                                                                     .default_unit = "LB"},
+                                                                    runner, progress);
     std::cout << report.Stored() << " " << PeakKilobytes(RUSAGE_SELF) << " "
               << PeakKilobytes(RUSAGE_CHILDREN) << "\n";
     return EXIT_SUCCESS;

@@ -9,10 +9,7 @@
 #include "legacy/conversion_fixture.h"
 #include "legacy/jet_file.h"
 #include "presenter/legacy_conversion.h"
-#include "support/fixed_system_info.h"
-#include "support/manual_pump.h"
-#include "support/recording_operator.h"
-#include "support/scripted_file_chooser.h"
+#include "support/test_services.h"
 
 namespace vrx::testing {
 namespace {
@@ -54,15 +51,16 @@ class ConversionOfferTest : public ::testing::Test {
   }
 
   LegacyOpening Offer(const fs::path& path, DatabaseKind kind = DatabaseKind::kRecipe) {
-    const Folder app_folder(system);
-    ConversionOffer offer({.op = op,
-                           .files = chooser,
-                           .system = system,
-                           .app_folder = app_folder,
-                           .settings = settings,
-                           .pump = pump,
-                           .runner = site.runner,
-                           .display = display});
+    Services services{.op = op,
+                      .files = chooser,
+                      .pump = pump,
+                      .programs = site.runner,
+                      .calendar = rest.calendar,
+                      .system = system,
+                      .settings = settings,
+                      .folder = rest.folder,
+                      .identity = rest.identity};
+    ConversionOffer offer(services, display);
     return offer.Offer(kind, path);
   }
 
@@ -73,6 +71,7 @@ class ConversionOfferTest : public ::testing::Test {
   ScriptedFileChooser chooser;
   ManualPump pump;
   KeptDisplay display;
+  TestServices rest;
 };
 
 TEST_F(ConversionOfferTest, AsksInTheSpecifiedWordsAndConvertsACopy) {

@@ -18,18 +18,16 @@
 #include "export/export_fixture.h"
 #include "presenter/export.h"
 #include "presenter/history.h"
-#include "settings/settings.h"
-#include "support/fixed_calendar.h"
-#include "support/fixed_system_info.h"
-#include "support/manual_pump.h"
-#include "support/recording_operator.h"
-#include "support/scripted_file_chooser.h"
+#include "support/test_services.h"
 
 namespace vrx::testing {
 
 // The Export tab above the `Batched/Fed` tab, on the site's transactions and a recipe database with
 // the same ingredients, a recipe, and pens. The beeper is on.
-class ExportTabTest : public ::testing::Test, public ExportHost, public HistoryView {
+class ExportTabTest : public ::testing::Test,
+                      protected TestServices,
+                      public ExportHost,
+                      public HistoryView {
  protected:
   ExportTabTest() {
     settings.SetEnableBeeperOn(true);
@@ -60,7 +58,7 @@ class ExportTabTest : public ::testing::Test, public ExportHost, public HistoryV
   void Show(int group) {
     view.reset();
     transactions.emplace(OpenDatabase(site.Database(), Access::kRead));
-    view.emplace(*transactions, HistoryPorts{op, pump, identity, *this});
+    view.emplace(*transactions, services, *this);
     view->SetRecipeDatabase(&*recipes);
     view->TabEntered();
     view->SelectGroup(group);
@@ -107,13 +105,6 @@ class ExportTabTest : public ::testing::Test, public ExportHost, public HistoryV
   std::filesystem::path recipes_path = site.Folder() / "SITE.RDB";
   std::filesystem::path out = site.Folder() / "out";
   std::filesystem::path data = site.Folder() / "data";
-  RecordingOperator op;
-  ScriptedFileChooser files;
-  ManualPump pump;
-  PrivateINI settings;
-  FixedCalendar calendar;
-  FixedSystemInfo system;
-  DatabaseIdentity identity{op, calendar, settings};
   StyleSheets style_sheets{data, system, op};
   std::optional<SQLite::Database> recipes;
   std::optional<SQLite::Database> transactions;
@@ -124,7 +115,7 @@ class ExportTabTest : public ::testing::Test, public ExportHost, public HistoryV
   std::vector<std::string> focused;
   std::vector<ExportForm> forms;  // at each change
   std::function<void()> on_change;
-  ExportPresenter tab{{op, files, pump, settings, style_sheets, *this}};
+  ExportPresenter tab{services, style_sheets, *this};
 };
 
 }  // namespace vrx::testing

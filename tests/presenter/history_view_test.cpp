@@ -9,11 +9,8 @@
 
 #include "database/connection.h"
 #include "presenter/history.h"
-#include "settings/settings.h"
-#include "support/fixed_calendar.h"
-#include "support/manual_pump.h"
-#include "support/recording_operator.h"
 #include "support/small_history.h"
+#include "support/test_services.h"
 
 namespace vrx::testing {
 namespace {
@@ -35,7 +32,7 @@ class WatchingScreen : public HistoryView {
   std::function<void(HistoryPart)> on_change;
 };
 
-class HistoryViewTest : public ::testing::Test {
+class HistoryViewTest : public ::testing::Test, protected TestServices {
  protected:
   HistoryViewTest() {
     view.SetRecipeDatabase(&recipes);
@@ -55,13 +52,8 @@ class HistoryViewTest : public ::testing::Test {
   SQLite::Database transactions = SmallHistory(folder);
   SQLite::Database recipes = SmallRecipes(folder);
   std::optional<SQLite::Database> other;
-  RecordingOperator op;
-  ManualPump pump;
-  FixedCalendar calendar;
-  PrivateINI settings;
-  DatabaseIdentity identity{op, calendar, settings};
   WatchingScreen screen;
-  HistoryPresenter view{transactions, {op, pump, identity, screen}};
+  HistoryPresenter view{transactions, services, screen};
 };
 
 TEST_F(HistoryViewTest, TheTextOfTheSelectedItemIsTheCurrentDataGroup) {

@@ -13,6 +13,7 @@
 #include "presenter/import.h"
 #include "support/fixed_system_info.h"
 #include "support/scripted_file_chooser.h"
+#include "support/test_services.h"
 
 namespace vrx::testing {
 namespace {
@@ -72,14 +73,17 @@ class ImportSessionTest : public ::testing::Test, public ImportHost {
   std::vector<std::string> focused_;
   int changes_ = 0;
   DatabaseIdentity identity_{site_.op, site_.calendar, site_.settings};
-  ImportPresenter session_{{.op = site_.op,
-                            .files = files_,
-                            .system = system_,
-                            .settings = site_.settings,
-                            .calendar = site_.calendar,
-                            .identity = identity_,
-                            .progress = site_.progress,
-                            .host = *this}};
+  TestServices rest_;
+  Services services_{.op = site_.op,
+                     .files = files_,
+                     .pump = rest_.pump,
+                     .programs = rest_.programs,
+                     .calendar = site_.calendar,
+                     .system = system_,
+                     .settings = site_.settings,
+                     .folder = rest_.folder,
+                     .identity = identity_};
+  ImportPresenter session_{services_, site_.progress, *this};
 };
 
 TEST_F(ImportSessionTest, AsksForATransactionFile) {

@@ -12,11 +12,7 @@
 
 #include "presenter/database_commands.h"
 #include "support/database_files.h"
-#include "support/fixed_calendar.h"
-#include "support/fixed_system_info.h"
-#include "support/manual_pump.h"
-#include "support/recording_operator.h"
-#include "support/scripted_file_chooser.h"
+#include "support/test_services.h"
 
 namespace vrx::testing {
 
@@ -161,19 +157,17 @@ class LifecycleFixture : public ::testing::Test {
   CommandStates commands_;
   TabFolder tabs_{commands_, window_};
   ScriptedEarlierDatabases earlier_;
-  DatabaseCommands databases_{{.op = operator_,
-                               .files = chooser_,
-                               .system = system_,
-                               .app_folder = app_folder_,
-                               .settings = settings_,
-                               .calendar = calendar_,
-                               .identity = identity_,
-                               .delay = delay_,
-                               .commands = commands_,
-                               .tabs = tabs_,
-                               .window = window_,
-                               .earlier = &earlier_},
-                              std::chrono::milliseconds(0)};
+  NoPrograms programs_;
+  Services services_{.op = operator_,
+                     .files = chooser_,
+                     .pump = pump_,
+                     .programs = programs_,
+                     .calendar = calendar_,
+                     .system = system_,
+                     .settings = settings_,
+                     .folder = app_folder_,
+                     .identity = identity_};
+  DatabaseCommands databases_{services_, delay_, commands_, tabs_, window_, &earlier_};
 };
 
 }  // namespace vrx::testing

@@ -7,16 +7,11 @@
 
 #include "exchange/store_fixture.h"
 #include "link/krmcomm.h"
-#include "presenter/database_identity.h"
 #include "presenter/download.h"
-#include "settings/settings.h"
 #include "support/fake_serial_control.h"
-#include "support/fixed_calendar.h"
-#include "support/manual_pump.h"
 #include "support/recipe_tables.h"
-#include "support/recording_operator.h"
-#include "support/scripted_file_chooser.h"
 #include "support/temp_folder.h"
+#include "support/test_services.h"
 
 namespace vrx::testing {
 namespace {
@@ -30,7 +25,9 @@ const std::string kWaitingAfterLoad = "Waiting to receive commands/data from K22
 const std::string kBackup = "{DATA_IN},K\r\n\r\n[ING]\r\n\r\n1,M\xC9L,0\r\n";
 
 // The tab on a module that is there, beside a window that keeps what it was asked for.
-class RecipeDownloadTest : public ::testing::Test, public RecipeDownloadHost {
+class RecipeDownloadTest : public ::testing::Test,
+                           protected TestServices,
+                           public RecipeDownloadHost {
  protected:
   void SetUp() override {
     settings.SetEnableBeeperOn(true);
@@ -70,7 +67,7 @@ class RecipeDownloadTest : public ::testing::Test, public RecipeDownloadHost {
     }
   }
   bool ChooseBackup(const std::string& bytes = kBackup) {
-    chooser.Choose(folder.Write("old.rbu", bytes));
+    files.Choose(folder.Write("old.rbu", bytes));
     return session.OpenRecipeBU();
   }
   void ExpectBox(std::size_t index, Icon icon, const std::string& title,
@@ -90,27 +87,13 @@ class RecipeDownloadTest : public ::testing::Test, public RecipeDownloadHost {
   std::vector<std::string> focused;
   std::vector<std::string> windows;
 
-  ManualPump pump;
   FakeSerialControl serial{pump};
-  RecordingOperator op;
-  ScriptedFileChooser chooser;
-  PrivateINI settings;
-  FixedCalendar calendar;
-  DatabaseIdentity identity{op, calendar, settings};
   TransferState tab;
   KRMCOMM krm{serial, pump, op, settings};
-  ReportFile files{op, chooser, settings, tab, [](int) { return FileAttributes{}; }};
+  ReportFile data_files{op, files, settings, tab, [](int) { return FileAttributes{}; }};
   Download download{krm, pump, op, settings};
   DirectConnection direct{krm, tab, pump, op, settings};
-  DownloadPresenter session{{.op = op,
-                             .settings = settings,
-                             .calendar = calendar,
-                             .identity = identity,
-                             .transfer = tab,
-                             .files = files,
-                             .download = download,
-                             .direct = direct,
-                             .host = *this}};
+  DownloadPresenter session{services, tab, data_files, download, direct, *this};
 };
 
 TEST_F(RecipeDownloadTest, MainButtonClearsTheTabAndShowsTheRecipeFrames) {
@@ -334,8 +317,8 @@ TEST_F(RecipeDownloadTest, DirectConnectionLeavesMemoryAfterANo) {
 
 TEST_F(RecipeDownloadTest, OpenedBackupIsShownAndReadyToDownload) {
   EXPECT_TRUE(ChooseBackup());
-  ASSERT_EQ(chooser.dialogs.size(), 1U);
-  EXPECT_EQ(chooser.dialogs[0].title, "Open Recipe Backup File");
+  ASSERT_EQ(files.dialogs.size(), 1U);
+  EXPECT_EQ(files.dialogs[0].title, "Open Recipe Backup File");
   EXPECT_EQ(tab.data_window, kBackup);
   EXPECT_EQ(tab.file_path, (folder / "old.rbu").string());
   EXPECT_EQ(op.Status(), "Recipe backup-file opened, ready to download.");
@@ -345,7 +328,7 @@ TEST_F(RecipeDownloadTest, OpenedBackupIsShownAndReadyToDownload) {
 TEST_F(RecipeDownloadTest, CanceledBackupLeavesTheWindowAndForgetsThePath) {
   tab.data_window = "old";
   tab.file_path = "old";
-  chooser.Cancel();
+  files.Cancel();
   EXPECT_FALSE(session.OpenRecipeBU());
   EXPECT_EQ(tab.data_window, "old");
   EXPECT_THAT(tab.file_path, IsEmpty());
@@ -354,7 +337,7 @@ TEST_F(RecipeDownloadTest, CanceledBackupLeavesTheWindowAndForgetsThePath) {
 
 TEST_F(RecipeDownloadTest, BackupThatCannotBeReadIsReportedAndCannotBeDownloaded) {
   tab.data_window = kBackup;
-  chooser.Choose(folder / "gone.rbu");
+  files.Choose(folder / "gone.rbu");
   EXPECT_FALSE(session.OpenRecipeBU());
   ExpectBox(0, Icon::kWarning, "Recipe Backup-File Error",
             "The Recipe backup-file cannot be read.");
@@ -465,10 +448,10 @@ TEST_F(RecipeDownloadTest, MemoryIsLoadedDuringTheConnection) {
 
 TEST_F(RecipeDownloadTest, SavedBackupCanBeOpenedAndDownloaded) {
   tab.data_window = kSmallYardFile;
-  chooser.Choose(folder / "copy.rbu");
-  ASSERT_TRUE(files.SaveRecipeBackupFile());
+  files.Choose(folder / "copy.rbu");
+  ASSERT_TRUE(data_files.SaveRecipeBackupFile());
   tab.data_window.clear();
-  chooser.Choose(folder / "copy.rbu");
+  files.Choose(folder / "copy.rbu");
   ASSERT_TRUE(session.OpenRecipeBU());
   ModuleAnswers();
   op.answers = {Answer::kYes};

@@ -46,7 +46,7 @@ class ResetRecord : public FeedDatabaseTest {
 
   bool Reset(RecordKind kind, int id, Answer answer = Answer::kYes) {
     op.answers.push_back(answer);
-    return AskAndReset(database, kind, id, ports) == ResetOutcome::kReset;
+    return AskAndReset(database, kind, id, services) == ResetOutcome::kReset;
   }
 
   // The fields of all records in the order of their IDs, a bar between the fields.
@@ -154,7 +154,7 @@ TEST_F(ResetRecord, AUsedIngredientIsRefused) {
   EnterSteers();
   const std::string before = ReadAll(path);
   op.answers = {Answer::kYes, Answer::kOk};
-  EXPECT_NE(AskAndReset(database, RecordKind::kIngredient, 5, ports), ResetOutcome::kReset);
+  EXPECT_NE(AskAndReset(database, RecordKind::kIngredient, 5, services), ResetOutcome::kReset);
   ASSERT_EQ(op.boxes.size(), 2U);
   EXPECT_EQ(op.boxes[1].title, "Set Ingredient Defaults");
   EXPECT_EQ(op.boxes[1].text,
@@ -170,10 +170,10 @@ TEST_F(ResetRecord, TheOutcomeDistinguishesARefusalFromANo) {
   EnterCorn();
   EnterSteers();
   op.answers = {Answer::kYes, Answer::kOk, Answer::kNo, Answer::kYes};
-  EXPECT_EQ(AskAndReset(database, RecordKind::kIngredient, 5, ports), ResetOutcome::kInUse);
-  EXPECT_EQ(AskAndReset(database, RecordKind::kIngredient, 6, ports), ResetOutcome::kNotReset);
-  EXPECT_EQ(AskAndReset(database, RecordKind::kIngredient, 7, ports), ResetOutcome::kReset);
-  EXPECT_EQ(AskAndReset(database, RecordKind::kIngredient, 101, ports), ResetOutcome::kNotReset);
+  EXPECT_EQ(AskAndReset(database, RecordKind::kIngredient, 5, services), ResetOutcome::kInUse);
+  EXPECT_EQ(AskAndReset(database, RecordKind::kIngredient, 6, services), ResetOutcome::kNotReset);
+  EXPECT_EQ(AskAndReset(database, RecordKind::kIngredient, 7, services), ResetOutcome::kReset);
+  EXPECT_EQ(AskAndReset(database, RecordKind::kIngredient, 101, services), ResetOutcome::kNotReset);
 }
 
 TEST_F(ResetRecord, AnIngredientUsedTwiceIsRefusedOnce) {
@@ -182,7 +182,7 @@ TEST_F(ResetRecord, AnIngredientUsedTwiceIsRefusedOnce) {
   AddLine(3, 5);
   AddLine(3, 5);
   op.answers = {Answer::kYes, Answer::kCancel};
-  EXPECT_NE(AskAndReset(database, RecordKind::kIngredient, 5, ports), ResetOutcome::kReset);
+  EXPECT_NE(AskAndReset(database, RecordKind::kIngredient, 5, services), ResetOutcome::kReset);
   EXPECT_EQ(op.boxes.size(), 2U);
 }
 
@@ -219,7 +219,7 @@ TEST_F(ResetRecord, AConnectionForReadingResetsNothing) {
   const std::string before = ReadAll(path);
   SQLite::Database reading = OpenDatabase(path, Access::kRead, kShortTimeout);
   op.answers = {Answer::kYes};
-  EXPECT_NE(AskAndReset(reading, RecordKind::kRecipe, 3, ports), ResetOutcome::kReset);
+  EXPECT_NE(AskAndReset(reading, RecordKind::kRecipe, 3, services), ResetOutcome::kReset);
   ASSERT_EQ(op.boxes.size(), 2U);
   EXPECT_EQ(op.boxes[1].icon, Icon::kCritical);
   EXPECT_TRUE(ReadAll(path) == before);
@@ -240,7 +240,7 @@ TEST_F(ResetRecord, AFailureHalfwayLeavesTheWholeRecipe) {
 }
 
 TEST_F(ResetRecord, ARecordThatIsMissingIsReportedWithoutAQuestion) {
-  EXPECT_NE(AskAndReset(database, RecordKind::kPen, 401, ports), ResetOutcome::kReset);
+  EXPECT_NE(AskAndReset(database, RecordKind::kPen, 401, services), ResetOutcome::kReset);
   ASSERT_EQ(op.boxes.size(), 1U);
   EXPECT_EQ(op.boxes[0].cause, "YARD.RDB has no row 401 in Pen");
 }

@@ -28,7 +28,7 @@ class RecordingProgress : public ProgressDisplay {
 
 class UpdateRecipes : public FeedDatabaseTest {
  protected:
-  bool Update() { return vrx::UpdateRecipes(database, progress, ports); }
+  bool Update() { return vrx::UpdateRecipes(database, progress, services); }
 
   RecordingProgress progress;
 };

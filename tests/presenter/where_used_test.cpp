@@ -103,7 +103,7 @@ TEST_F(FindWhereIngUsed, FindsWhatAWalkThroughTheRecipesFinds) {
 class SearchWhereUsed : public FeedDatabaseTest {};
 
 TEST_F(SearchWhereUsed, ShowsThatItIsNotUsed) {
-  EXPECT_THAT(vrx::SearchWhereUsed(database, 5, ports), ElementsAre("Not Used"));
+  EXPECT_THAT(vrx::SearchWhereUsed(database, 5, services), ElementsAre("Not Used"));
   EXPECT_EQ(op.beeps, 1);
   EXPECT_EQ(op.busy_changes, 2);
   EXPECT_FALSE(op.busy);
@@ -114,20 +114,20 @@ TEST_F(SearchWhereUsed, ShowsRecipesThreeAndTwelveInThatOrder) {
   UseRecipe(3, "STEERS");
   AddLine(12, 5);
   AddLine(3, 5);
-  EXPECT_THAT(vrx::SearchWhereUsed(database, 5, ports),
+  EXPECT_THAT(vrx::SearchWhereUsed(database, 5, services),
               ElementsAre("Done!", "  3: STEERS", " 12: HEIFRS"));
   EXPECT_EQ(op.beeps, 1);
 }
 
 TEST_F(SearchWhereUsed, EndsWithoutABeepWhileTheBeeperIsOff) {
   settings.SetEnableBeeperOn(false);
-  vrx::SearchWhereUsed(database, 5, ports);
+  vrx::SearchWhereUsed(database, 5, services);
   EXPECT_EQ(op.beeps, 0);
 }
 
 TEST_F(SearchWhereUsed, ReportsALockedFileAndShowsNothing) {
   const ExclusiveHolder holder(path);
-  EXPECT_THAT(vrx::SearchWhereUsed(database, 5, ports), IsEmpty());
+  EXPECT_THAT(vrx::SearchWhereUsed(database, 5, services), IsEmpty());
   ASSERT_EQ(op.boxes.size(), 1U);
   EXPECT_EQ(op.boxes[0].title, "Where Used (in Recipes)");
   EXPECT_EQ(op.boxes[0].text, "A table in the specified database is locked.");

@@ -2,11 +2,9 @@
 
 #include "exchange/store_fixture.h"
 #include "exchange/transaction_texts.h"
-#include "presenter/database_identity.h"
 #include "presenter/import.h"
 #include "report/reports.h"
-#include "support/fixed_system_info.h"
-#include "support/scripted_file_chooser.h"
+#include "support/test_services.h"
 
 namespace vrx::testing {
 namespace {
@@ -34,19 +32,11 @@ class ImportReports : public ::testing::Test, public ImportHost {
   }
 
   StoreFixture site_;
-  DatabaseIdentity identity_{site_.op, site_.calendar, site_.settings};
-  FixedSystemInfo system_;
-  ScriptedFileChooser files_;
+  TestServices services_;
   std::vector<IngredientRecord> ingredients_{
       {.id = 4, .name = "cORN"}, {.id = 7, .name = "HAY"}, {.id = 100, .name = "SALT"}};
-  ImportPresenter session_{{.op = site_.op,
-                            .files = files_,
-                            .system = system_,
-                            .settings = site_.settings,
-                            .calendar = site_.calendar,
-                            .identity = identity_,
-                            .progress = site_.progress,
-                            .host = *this}};
+  ImportPresenter session_{services_.services, site_.progress, *this};
+};
 };
 
 TEST_F(ImportReports, HaveTheVisibleColumnsOfTheGridAndTheRowsOfTheFile) {

@@ -7,6 +7,7 @@
 #include <system_error>
 #include <utility>
 
+#include "adapters/program_runner.h"
 #include "adapters/qt_event_pump.h"
 #include "base/error.h"
 #include "base/files.h"
@@ -194,14 +195,12 @@ class SampleProgram::Parts {
     application.settings.ReadIniSettings(*application.ini);
     op.told.clear();  // that the settings are new
     CopySite();
-    form = MakeVrxMain({.application = application,
+    form = MakeVrxMain({.services = services,
+                        .lock_waits = lock_waits,
+                        .application = application,
                         .op = op,
-                        .files = files,
                         .user_settings = user_settings,
-                        .calendar = calendar,
-                        .system = system,
                         .os = os,
-                        .pump = pump,
                         .serial = serial,
                         .exit = exit});
   }
@@ -231,9 +230,7 @@ class SampleProgram::Parts {
       days.push_back(SiteFile("DAY" + std::to_string(day) + ".QXT"));
       fs::copy_file(site / ("day" + std::to_string(day) + ".qxt"), days.back());
     }
-    MakeTransactionDatabase(
-        SiteFile(kTransactionFile), SiteFile(kRecipeFile), days,
-        {.op = op, .system = system, .calendar = calendar, .settings = application.settings});
+    MakeTransactionDatabase(SiteFile(kTransactionFile), SiteFile(kRecipeFile), days, services);
   }
 
  public:
@@ -248,6 +245,18 @@ class SampleProgram::Parts {
   HastyPump pump;
   StayingProgram exit;
   ApplicationState application;
+  ChildProcessRunner programs;
+  WaitBudget lock_waits{kLongestLockWait};
+  DatabaseIdentity identity{op, calendar, application.settings, lock_waits};
+  Services services{.op = op,
+                    .files = files,
+                    .pump = pump,
+                    .programs = programs,
+                    .calendar = calendar,
+                    .system = system,
+                    .settings = application.settings,
+                    .folder = application.app_folder,
+                    .identity = identity};
   std::unique_ptr<MainForm> form;
 };
 

@@ -7,7 +7,6 @@
 #include "base/error.h"
 #include "base/files.h"
 #include "database/identity.h"
-#include "presenter/database_identity.h"
 #include "presenter/import.h"
 
 namespace vrx::manual {
@@ -21,13 +20,6 @@ class NoProgress : public ProgressDisplay {
   void SetProgressMessage(std::string_view /*text*/) override {}
   void SetProgressRange(int /*maximum*/) override {}
   void SetProgressValue(int /*value*/) override {}
-};
-
-class NoFileChooser : public FileChooser {
- public:
-  FileChoice ShowOpen(const FileDialog& dialog) override { throw Error("asked: " + dialog.title); }
-  FileChoice ShowSave(const FileDialog& dialog) override { throw Error("asked: " + dialog.title); }
-  std::string ShowFolder(const std::string& title) override { throw Error("asked: " + title); }
 };
 
 class NoWindow : public ImportHost {
@@ -48,29 +40,20 @@ class NoWindow : public ImportHost {
 }  // namespace
 
 void MakeTransactionDatabase(const fs::path& target, const fs::path& recipes,
-                             const std::vector<fs::path>& files, const SamplePorts& ports) {
-  const fs::path blank = fs::path(ports.system.ProgramDirectory()) / kTransactionTemplateName;
+                             const std::vector<fs::path>& files, Services& services) {
+  const fs::path blank = fs::path(services.system.ProgramDirectory()) / kTransactionTemplateName;
   if (!CopyFileNoOverwrite(blank, target)) {
     throw Error("cannot copy " + blank.string() + " to " + target.string());
   }
-  DatabaseIdentity identity(ports.op, ports.calendar, ports.settings);
-  identity.SetDatabaseType(target, kUserTransDb);
-  identity.SetDatabaseUoM(target, ports.settings.SystemUnits());
-  identity.SetDatabaseDate(target, DateSelector::kCreated);
-  NoFileChooser chooser;
+  services.identity.SetDatabaseType(target, kUserTransDb);
+  services.identity.SetDatabaseUoM(target, services.settings.SystemUnits());
+  services.identity.SetDatabaseDate(target, DateSelector::kCreated);
   NoProgress progress;
   NoWindow window({.recipe_db_path = recipes,
                    .trans_db_path = target,
-                   .trans_db_uom = ports.settings.SystemUnits()});
+                   .trans_db_uom = services.settings.SystemUnits()});
   for (const fs::path& file : files) {
-    ImportPresenter import({.op = ports.op,
-                            .files = chooser,
-                            .system = ports.system,
-                            .settings = ports.settings,
-                            .calendar = ports.calendar,
-                            .identity = identity,
-                            .progress = progress,
-                            .host = window});
+    ImportPresenter import(services, progress, window);
     if (!import.ImportFile({file.string(), file.filename().string()}) ||
         !import.ClickImportStore().complete) {
       throw Error(file.string() + " could not be stored");

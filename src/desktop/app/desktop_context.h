@@ -1,18 +1,17 @@
 #pragma once
 
+#include <chrono>
 #include <functional>
 #include <memory>
 
-#include "adapters/qt_event_pump.h"
+#include "database/lock_wait.h"
 #include "desktop/app/application_state.h"
 #include "desktop/app/main_form_interface.h"
 #include "desktop/app/qt_services.h"
-#include "platform/calendar.h"
-#include "platform/file_chooser.h"
 #include "platform/operating_system.h"
 #include "platform/serial_control.h"
-#include "platform/system_info.h"
 #include "platform/user_settings.h"
+#include "presenter/services.h"
 
 namespace vrx {
 
@@ -26,16 +25,18 @@ class ExitRoads {
   virtual void SessionEnd() = 0;
 };
 
+// What one action of the operator may wait for other programs' locks, in all. The window stands
+// still meanwhile; with what else the action does that stays below 2 s.
+inline constexpr std::chrono::milliseconds kLongestLockWait{1500};
+
 // What the main window and the forms below it work with. Everything outlives them.
 struct DesktopContext {
+  Services& services;
+  WaitBudget& lock_waits;
   ApplicationState& application;
-  QtOperator& op;
-  FileChooser& files;
+  QtOperator& op;  // that of the services
   UserSettings& user_settings;
-  const Calendar& calendar;
-  const SystemInfo& system;
   OperatingSystem& os;
-  QtEventPump& pump;
   SerialControl& serial;
   ExitRoads& exit;
 };

@@ -5,28 +5,23 @@
 
 namespace vrx {
 
-HistoryTabs::HistoryTabs(Ports ports)
-    : ports_(std::move(ports)),
-      style_sheets_(ports_.app_folder.DefaultAppPath(), ports_.system, ports_.op),
-      history_(
-          new HistoryPage({.op = ports_.op,
-                           .pump = ports_.pump,
-                           .identity = ports_.identity,
-                           .active_ingredients_only = [this] { return ActiveIngredientsOnly(); }})),
-      export_(new ExportPage({.op = ports_.op,
-                              .files = ports_.files,
-                              .pump = ports_.pump,
-                              .settings = ports_.settings,
-                              .style_sheets = style_sheets_,
-                              .window = *this})) {
-  ports_.window.SetPage(kTabBatchedFed, history_);
-  ports_.window.SetPage(kTabExport, export_);
+HistoryTabs::HistoryTabs(Services& services, DatabaseCommands& databases, MainWindow& window,
+                         std::function<void()> configure_import_columns)
+    : services_(services),
+      databases_(databases),
+      window_(window),
+      configure_import_columns_(std::move(configure_import_columns)),
+      style_sheets_(services.folder.DefaultAppPath(), services.system, services.op),
+      history_(new HistoryPage(services, [this] { return ActiveIngredientsOnly(); })),
+      export_(new ExportPage(services, style_sheets_, *this)) {
+  window_.SetPage(kTabBatchedFed, history_);
+  window_.SetPage(kTabExport, export_);
 }
 
 OpenDatabases HistoryTabs::ExportDatabases() const {
-  const BoundDatabase& recipes = ports_.databases.Bound(DatabaseKind::kRecipe);
-  const BoundDatabase& transactions = ports_.databases.Bound(DatabaseKind::kTransaction);
-  OpenDatabases open{.lock_wait = ports_.identity.Wait()};
+  const BoundDatabase& recipes = databases_.Bound(DatabaseKind::kRecipe);
+  const BoundDatabase& transactions = databases_.Bound(DatabaseKind::kTransaction);
+  OpenDatabases open{.lock_wait = services_.identity.Wait()};
   if (!recipes.blank) {
     open.recipe_db_path = recipes.path;
   }
@@ -40,7 +35,7 @@ OpenDatabases HistoryTabs::ExportDatabases() const {
 // The grid of ingredients, whose names the columns take, lists what its check box says.
 bool HistoryTabs::ActiveIngredientsOnly() const {
   const auto* const box =
-      ports_.window.findChild<QAbstractButton*>(QStringLiteral("chkShowActiveIngsOnly"));
+      window_.findChild<QAbstractButton*>(QStringLiteral("chkShowActiveIngsOnly"));
   return box != nullptr && box->isChecked();
 }
 

@@ -7,28 +7,18 @@
 #include "desktop/main_window/main_window.h"
 #include "export/html_export.h"
 #include "presenter/database_commands.h"
+#include "presenter/services.h"
 
 namespace vrx {
 
 // The tabs Batched/Fed and Export: what is shown on the one is what the other writes.
 class HistoryTabs : private ExportWindow {
  public:
-  // Everything outlives it, but the window, whose pages refer to it, may be destroyed later.
-  struct Ports {
-    Operator& op;
-    FileChooser& files;
-    const SystemInfo& system;
-    EventPump& pump;
-    const Folder& app_folder;
-    const PrivateINI& settings;
-    DatabaseIdentity& identity;
-    DatabaseCommands& databases;
-    MainWindow& window;
-    std::function<void()> configure_import_columns;  // the import's routine of that name
-  };
-
-  // Puts the pages in their places; ahead of the caption pass.
-  explicit HistoryTabs(Ports ports);
+  // Puts the pages in their places; ahead of the caption pass. `configure_import_columns` is the
+  // import's routine of that name. Everything outlives it, but the window, whose pages refer to it,
+  // may be destroyed later.
+  HistoryTabs(Services& services, DatabaseCommands& databases, MainWindow& window,
+              std::function<void()> configure_import_columns);
   // Lets go of the databases, which may be closed ahead of the window.
   ~HistoryTabs() override { history_->ReleaseViews(); }
   HistoryTabs(const HistoryTabs&) = delete;
@@ -41,11 +31,14 @@ class HistoryTabs : private ExportWindow {
   // ExportWindow.
   OpenDatabases ExportDatabases() const override;
   ExportSource DataGroup() override { return Current(*history_->View()); }
-  void ConfigureImportColumns() override { ports_.configure_import_columns(); }
+  void ConfigureImportColumns() override { configure_import_columns_(); }
 
   bool ActiveIngredientsOnly() const;
 
-  Ports ports_;
+  Services& services_;
+  DatabaseCommands& databases_;
+  MainWindow& window_;
+  std::function<void()> configure_import_columns_;
   StyleSheets style_sheets_;
   HistoryPage* history_;
   ExportPage* export_;

@@ -3,13 +3,13 @@
 #include <QApplication>
 #include <QPushButton>
 #include <array>
-#include <chrono>
 #include <string>
 #include <utility>
 
 #include "base/text.h"
 #include "desktop/app/lost_edits.h"
 #include "desktop/dialogs/about_and_splash.h"
+#include "settings/settings.h"
 #include "widgets/qt_text.h"
 
 namespace vrx {
@@ -47,81 +47,27 @@ constexpr std::array<std::pair<MainCommand, const char*>, 2> kTransferCommands{{
     {kTransferDownload, "cmdDownloadRecipeToKRM"},
 }};
 
-// What one action of the operator may wait for other programs' locks, in all. The window stands
-// still meanwhile; with what else the action does that stays below 2 s.
-constexpr std::chrono::milliseconds kLongestLockWait{1500};
-
 constexpr int kTwipsPerPixel = 15;  // 1440 to the inch, 96 logical pixels to the inch
 
 }  // namespace
 
-VrxMain::VrxMain(const Ports& ports)
-    : ports_(ports),
-      lock_waits_(kLongestLockWait),
+VrxMain::VrxMain(Services& services, WaitBudget& lock_waits, UserSettings& user_settings,
+                 SerialControl& serial, const CPrivateINI& ini, ExitRoads& exit)
+    : services_(services),
+      lock_waits_(lock_waits),
+      ini_(ini),
+      exit_(exit),
       actions_([this] { lock_waits_.Renew(); }),
-      window_(ports.settings, ports.calendar),
-      delay_(ports.pump),
-      identity_(ports.op, ports.calendar, ports.settings, lock_waits_),
-      conversion_(window_, ports.files, ports.op),
-      earlier_({.op = ports.op,
-                .files = ports.files,
-                .system = ports.system,
-                .app_folder = ports.app_folder,
-                .settings = ports.settings,
-                .pump = ports.pump,
-                .runner = runner_,
-                .display = conversion_}),
-      databases_({.op = ports.op,
-                  .files = ports.files,
-                  .system = ports.system,
-                  .app_folder = ports.app_folder,
-                  .settings = ports.settings,
-                  .calendar = ports.calendar,
-                  .identity = identity_,
-                  .delay = delay_,
-                  .commands = window_.Commands(),
-                  .tabs = window_.Tabs(),
-                  .window = window_,
-                  .earlier = &earlier_},
-                 lock_waits_),
-      recent_(ports.user_settings, ports.settings, databases_),
-      records_({.feed = {.op = ports.op,
-                         .settings = ports.settings,
-                         .calendar = ports.calendar,
-                         .identity = identity_},
-                .delay = delay_,
-                .databases = databases_,
-                .window = window_}),
-      transfer_({.op = ports.op,
-                 .files = ports.files,
-                 .calendar = ports.calendar,
-                 .system = ports.system,
-                 .pump = ports.pump,
-                 .serial = ports.serial,
-                 .app_folder = ports.app_folder,
-                 .settings = ports.settings,
-                 .identity = identity_,
-                 .databases = databases_,
-                 .window = window_}),
-      history_({.op = ports.op,
-                .files = ports.files,
-                .system = ports.system,
-                .pump = ports.pump,
-                .app_folder = ports.app_folder,
-                .settings = ports.settings,
-                .identity = identity_,
-                .databases = databases_,
-                .window = window_,
-                .configure_import_columns = [this] { transfer_.ConfigureImportColumns(); }}),
-      print_({.op = ports.op,
-              .files = ports.files,
-              .settings = ports.settings,
-              .calendar = ports.calendar,
-              .pump = ports.pump,
-              .databases = databases_,
-              .transfer = transfer_,
-              .history = history_,
-              .window = window_}) {
+      window_(services.settings, services.calendar),
+      delay_(services.pump),
+      conversion_(window_, services.files, services.op),
+      legacy_(services, conversion_),
+      databases_(services, delay_, window_.Commands(), window_.Tabs(), window_, &legacy_),
+      recent_(user_settings, services.settings, databases_),
+      records_(services, delay_, window_),
+      transfer_(services, serial, databases_, window_),
+      history_(services, databases_, window_, [this] { transfer_.ConfigureImportColumns(); }),
+      print_(services, databases_, transfer_.Import(), history_.History(), window_) {
   Connect();
   SetHandlers();
   Load();
@@ -133,7 +79,7 @@ void VrxMain::Connect() {
   connect(&window_, &MainWindow::Activated, this, &VrxMain::Activate, Qt::QueuedConnection);
   connect(&window_, &MainWindow::CloseRequested, this, [this] {
     if (transfer_.MayLeave()) {
-      ports_.exit.CloseBox();
+      exit_.CloseBox();
     }
   });
   connect(&window_, &MainWindow::StripFocused, this, [this] { databases_.AskAboutUnits(); });
@@ -158,7 +104,7 @@ void VrxMain::SetHandlers() {
   window_.SetHandler(kCalendar, [this] { window_.ToggleCalendar(); });
   window_.SetHandler(kExit, [this] {
     if (transfer_.MayLeave()) {
-      ports_.exit.FileExit();
+      exit_.FileExit();
     }
   });
 }
@@ -166,18 +112,18 @@ void VrxMain::SetHandlers() {
 void VrxMain::Load() {
   window_.ApplyCaptions();
   window_.SetStatusLine({});
-  if (!ports_.settings.SettingsReadOk()) {
-    ports_.op.ShowMessage(
+  if (!services_.settings.SettingsReadOk()) {
+    services_.op.ShowMessage(
         {.icon = Icon::kWarning,
          .title = "INI File Error",
          .text = "Unable to read some or all of the application settings from the applications INI "
                  "file. Please check all settings.",
-         .cause = ports_.settings.FailureCause()});
+         .cause = services_.settings.FailureCause()});
   }
-  ports_.settings.ReportRefusedUnit(ports_.op);
+  services_.settings.ReportRefusedUnit(services_.op);
   databases_.CloseRecipeDatabase();
   databases_.CloseTransactionDatabase();
-  window_.UpdateAutoAbbrevUI(ports_.settings.AutoAbbreviateOn());
+  window_.UpdateAutoAbbrevUI(services_.settings.AutoAbbreviateOn());
   window_.Tabs().SelectTab(kTabIngredients);
   window_.Commands().DisableRecipeCommands();
   window_.Commands().DisableTransactionCommands();
@@ -190,7 +136,7 @@ void VrxMain::Paint() {
   window_.ShowSystemUnits();
   window_.ShowTransferOption();
   if (std::exchange(first_paint_, false)) {
-    BeepIfEnabled(ports_.op, ports_.settings);
+    BeepIfEnabled(services_.op, services_.settings);
   }
   window_.ShowToday();
 }
@@ -212,17 +158,16 @@ void VrxMain::GoToTransfer(const char* button) {
 
 // The file holds it at once, unlike the other settings.
 void VrxMain::ToggleAutoAbbreviate() {
-  const bool on = !ports_.settings.AutoAbbreviateOn();
-  ports_.settings.SetAutoAbbreviateOn(on);
+  const bool on = !services_.settings.AutoAbbreviateOn();
+  services_.settings.SetAutoAbbreviateOn(on);
   std::string cause;
-  const bool written =
-      ports_.ini.WriteKey("Configuration", "AutoAbbreviate", on ? "YES" : "NO", &cause);
+  const bool written = ini_.WriteKey("Configuration", "AutoAbbreviate", on ? "YES" : "NO", &cause);
   window_.UpdateAutoAbbrevUI(on);
   if (!written) {
-    ports_.op.ShowMessage({.icon = Icon::kWarning,
-                           .title = "INI File Error",
-                           .text = "Unable to save the setting to the applications INI file.",
-                           .cause = cause});
+    services_.op.ShowMessage({.icon = Icon::kWarning,
+                              .title = "INI File Error",
+                              .text = "Unable to save the setting to the applications INI file.",
+                              .cause = cause});
   }
 }
 
@@ -250,20 +195,20 @@ void VrxMain::Unload() {
 
 // By now the operator was asked, or nobody can be.
 void VrxMain::CloseRecipeDatabase() {
-  KeepLostEdits(window_.EndEdits(), ports_.app_folder.DefaultAppPath());
+  KeepLostEdits(window_.EndEdits(), services_.folder.DefaultAppPath());
   databases_.CloseRecipeDatabase();
 }
 
 void VrxMain::ReportLostEdits() {
-  const std::filesystem::path folder = ports_.app_folder.DefaultAppPath();
+  const std::filesystem::path folder = services_.folder.DefaultAppPath();
   const std::string lost = ReadLostEdits(folder);
   if (lost.empty()) {
     return;
   }
-  ports_.op.ShowMessage({.icon = Icon::kWarning,
-                         .title = "Edit (Error)",
-                         .text = "The program was ended before this could be stored:\r\n" + lost +
-                                 "Please enter it again."});
+  services_.op.ShowMessage({.icon = Icon::kWarning,
+                            .title = "Edit (Error)",
+                            .text = "The program was ended before this could be stored:\r\n" +
+                                    lost + "Please enter it again."});
   RemoveLostEdits(folder);
 }
 
@@ -276,22 +221,13 @@ void VrxMain::UnloadOpenForms() {
 }
 
 std::unique_ptr<MainForm> MakeVrxMain(const DesktopContext& context) {
-  auto form = std::make_unique<VrxMain>(VrxMain::Ports{.op = context.op,
-                                                       .files = context.files,
-                                                       .user_settings = context.user_settings,
-                                                       .calendar = context.calendar,
-                                                       .system = context.system,
-                                                       .pump = context.pump,
-                                                       .serial = context.serial,
-                                                       .app_folder = context.application.app_folder,
-                                                       .ini = *context.application.ini,
-                                                       .settings = context.application.settings,
-                                                       .exit = context.exit});
+  auto form = std::make_unique<VrxMain>(context.services, context.lock_waits, context.user_settings,
+                                        context.serial, *context.application.ini, context.exit);
   QObject::connect(&context.op, &QtOperator::StatusLineChanged, &form->Window(),
                    &MainWindow::SetStatusLine);
   QObject::connect(&context.op, &QtOperator::StatusColorChanged, &form->Window(),
                    &MainWindow::SetStatusColor);
-  SetHelpHandlers(form->Window(), context.system, context.os, context.op);
+  SetHelpHandlers(form->Window(), context.services.system, context.os, context.op);
   return form;
 }
 

@@ -3,7 +3,6 @@
 #include <memory>
 #include <optional>
 
-#include "adapters/program_runner.h"
 #include "database/identity.h"
 #include "database/lock_wait.h"
 #include "desktop/app/desktop_context.h"
@@ -17,11 +16,9 @@
 #include "desktop/print/print_commands.h"
 #include "presenter/command_states.h"
 #include "presenter/database_commands.h"
-#include "presenter/database_identity.h"
 #include "presenter/legacy_conversion.h"
 #include "presenter/recent_databases.h"
-#include "settings/data_folder.h"
-#include "settings/settings.h"
+#include "presenter/services.h"
 
 namespace vrx {
 
@@ -31,27 +28,13 @@ class VrxMain : public QObject, public MainForm {
   Q_OBJECT
 
  public:
-  // Everything outlives it.
-  struct Ports {
-    Operator& op;
-    FileChooser& files;
-    UserSettings& user_settings;
-    const Calendar& calendar;
-    const SystemInfo& system;
-    EventPump& pump;
-    SerialControl& serial;
-    const Folder& app_folder;
-    const CPrivateINI& ini;
-    PrivateINI& settings;
-    ExitRoads& exit;
-  };
-
-  explicit VrxMain(const Ports& ports);
+  // Everything outlives it, and the lock waits every connection of the window. `identity` of the
+  // services takes its waits from them too.
+  VrxMain(Services& services, WaitBudget& lock_waits, UserSettings& user_settings,
+          SerialControl& serial, const CPrivateINI& ini, ExitRoads& exit);
 
   MainWindow& Window() { return window_; }
   DatabaseCommands& Databases() { return databases_; }
-  // What is left of it for the operator's present action.
-  const WaitBudget& LockWaits() const { return lock_waits_; }
 
   // MainForm.
   void Show() override {
@@ -80,15 +63,15 @@ class VrxMain : public QObject, public MainForm {
   void GoToTransfer(const char* button);
   void ToggleAutoAbbreviate();
 
-  Ports ports_;
-  WaitBudget lock_waits_;  // outlives every connection of the window
+  Services& services_;
+  WaitBudget& lock_waits_;
+  const CPrivateINI& ini_;
+  ExitRoads& exit_;
   OperatorActions actions_;
   MainWindow window_;
   GeneralDelay delay_;
-  DatabaseIdentity identity_;
-  ChildProcessRunner runner_;
   QtConversionDisplay conversion_;
-  ConversionOffer earlier_;
+  ConversionOffer legacy_;
   DatabaseCommands databases_;
   RecentDatabases recent_;
   RecordTabs records_;

@@ -29,6 +29,16 @@ DesktopProgram::DesktopProgram(const SystemInfo& system, MakeMainForm make_main_
       serial_([this](int number) {
         return LinuxPortDevice(application_.app_folder.DefaultAppPath(), number);
       }),
+      identity_(op_, calendar_, application_.settings, lock_waits_),
+      services_{.op = op_,
+                .files = files_,
+                .pump = pump_,
+                .programs = programs_,
+                .calendar = calendar_,
+                .system = system_,
+                .settings = application_.settings,
+                .folder = application_.app_folder,
+                .identity = identity_},
       make_main_form_(std::move(make_main_form)) {
   unwinding_.setSingleShot(true);
   QObject::connect(&unwinding_, &QTimer::timeout, [this] { Walk(); });
@@ -41,20 +51,18 @@ int DesktopProgram::Run() {
   const QObject session;
   QObject::connect(qApp, &QGuiApplication::commitDataRequest, &session,
                    [this](QSessionManager& manager) { CommitSession(manager); });
-  const DesktopContext context{.application = application_,
+  const DesktopContext context{.services = services_,
+                               .lock_waits = lock_waits_,
+                               .application = application_,
                                .op = op_,
-                               .files = files_,
                                .user_settings = user_settings_,
-                               .calendar = calendar_,
-                               .system = system_,
                                .os = os_,
-                               .pump = pump_,
                                .serial = serial_,
                                .exit = *this};
   try {
     main_form_ = Main(
-        {.instance = instance_, .op = op_, .system = system_, .pump = pump_, .splash = splash_},
-        application_, [this, &context] { return make_main_form_(context); },
+        instance_, splash_, services_, application_,
+        [this, &context] { return make_main_form_(context); },
         [this](MainForm& form) { EndEarly(form); });
   } catch (const std::exception& failure) {
     op_.ShowMessage(

@@ -4,6 +4,7 @@
 #include <memory>
 
 #include "adapters/linux_machine.h"
+#include "adapters/program_runner.h"
 #include "adapters/qt_event_pump.h"
 #include "adapters/qt_serial_control.h"
 #include "desktop/app/desktop_context.h"
@@ -17,7 +18,7 @@ class QSessionManager;
 
 namespace vrx {
 
-// The program: the ports of this machine, the application's state, start, event loop and exit.
+// The program: the services of this machine, the application's state, start, event loop and exit.
 // Needs a QApplication.
 class DesktopProgram : private ExitRoads {
  public:
@@ -51,6 +52,10 @@ class DesktopProgram : private ExitRoads {
   LinuxOperatingSystem os_;
   QtEventPump pump_;
   QtSerialControl serial_;
+  ChildProcessRunner programs_;
+  WaitBudget lock_waits_{kLongestLockWait};
+  DatabaseIdentity identity_;
+  Services services_;
   Splash splash_;
   MakeMainForm make_main_form_;
   std::unique_ptr<MainForm> main_form_;

@@ -9,12 +9,13 @@
 
 namespace vrx {
 
-RecordTabs::RecordTabs(const Ports& ports) : ports_(ports) {
-  const QPointer<RecipesPage> recipes = new RecipesPage(PagePorts());
-  const QPointer<PensPage> pens = new PensPage(PagePorts());
+RecordTabs::RecordTabs(Services& services, GeneralDelay& delay, MainWindow& window)
+    : window_(window) {
+  const QPointer<RecipesPage> recipes = new RecipesPage(services, delay, abbreviation_);
+  const QPointer<PensPage> pens = new PensPage(services, abbreviation_);
   Add(kTabIngredients,
       new IngredientsPage(
-          PagePorts(),
+          services, delay, abbreviation_,
           {.current_batch_type = [recipes] { return recipes ? recipes->CurrentBatchType() : ""; },
            .go_to =
                [recipes](int position) {
@@ -26,8 +27,8 @@ RecordTabs::RecordTabs(const Ports& ports) : ports_(ports) {
   Add(kTabPens, pens);
   recipes->SetPenRows([pens] { return pens ? pens->PensShown() : std::vector<PenRecord>(); });
   connect(pens, &PensPage::PenCapacityChecked, recipes, &RecipesPage::CheckPenCapacity);
-  ports_.window.Panels().PicAction().SetHandler([this](int button) { Act(button); });
-  ports_.window.Panels().PicNavigate().SetHandler([this](int button) { Navigate(button); });
+  window_.Panels().PicAction().SetHandler([this](int button) { Act(button); });
+  window_.Panels().PicNavigate().SetHandler([this](int button) { Navigate(button); });
 }
 
 RecordTabs::~RecordTabs() {
@@ -38,34 +39,28 @@ RecordTabs::~RecordTabs() {
   }
 }
 
-RecordPorts RecordTabs::PagePorts() {
-  return {.feed = ports_.feed,
-          .delay = ports_.delay,
-          .abbreviation = abbreviation_,
-          .record_loaded = [this] { CountLoaded(); }};
-}
-
 void RecordTabs::Add(int tab, RecordPage* page) {
   pages_.at(static_cast<std::size_t>(tab)) = page;
-  ports_.window.SetPage(tab, page);
+  window_.SetPage(tab, page);
   connect(page, &RecordPage::Moved, this, [this, page](int position) {
     if (page == CurrentPage()) {
-      ports_.window.Panels().ShowRecordNumber(position);
+      window_.Panels().ShowRecordNumber(position);
     }
   });
+  connect(page, &RecordPage::RecordLoaded, this, [this] { CountLoaded(); });
   connect(page, &RecordPage::CancelAllowed, this, [this](bool allowed) {
-    ports_.window.Panels().PicAction().Button(kActionCancel).setEnabled(allowed);
+    window_.Panels().PicAction().Button(kActionCancel).setEnabled(allowed);
   });
   // Of all pages: they show the same database.
   connect(page, &RecordPage::WritingAllowed, this, [this](bool allowed) {
     for (const int button : {kActionUpdate, kActionDefault}) {
-      ports_.window.Panels().PicAction().Button(button).setEnabled(allowed);
+      window_.Panels().PicAction().Button(button).setEnabled(allowed);
     }
   });
 }
 
 RecordPage* RecordTabs::CurrentPage() const {
-  const auto tab = static_cast<std::size_t>(ports_.window.Tabs().CurrentTab());
+  const auto tab = static_cast<std::size_t>(window_.Tabs().CurrentTab());
   return tab < pages_.size() ? pages_[tab] : nullptr;
 }
 
@@ -100,8 +95,8 @@ void RecordTabs::CountLoaded() {
   constexpr int kRecordsPerText = 20;
   if (++loaded_ % kRecordsPerText == 0) {
     const bool loading = loaded_ / kRecordsPerText % 2 == 0;
-    ports_.window.SetStatusPanel(DatabaseKind::kRecipe, kPanelName,
-                                 loading ? "Standby... Loading" : "Standby...");
+    window_.SetStatusPanel(DatabaseKind::kRecipe, kPanelName,
+                           loading ? "Standby... Loading" : "Standby...");
   }
 }
 

@@ -8,8 +8,7 @@
 #include "desktop/records/record_page.h"
 #include "feed/key_filters.h"
 #include "presenter/command_states.h"
-#include "presenter/database_commands.h"
-#include "presenter/report_failure.h"
+#include "presenter/services.h"
 
 namespace vrx {
 
@@ -17,16 +16,8 @@ namespace vrx {
 // the navigator, which work on the page on show.
 class RecordTabs : public QObject {
  public:
-  // Everything outlives it.
-  struct Ports {
-    FeedPorts feed;
-    GeneralDelay& delay;
-    DatabaseCommands& databases;
-    MainWindow& window;
-  };
-
-  // Puts the pages into the window, ahead of its caption pass.
-  explicit RecordTabs(const Ports& ports);
+  // Puts the pages into the window, ahead of its caption pass. Everything outlives it.
+  RecordTabs(Services& services, GeneralDelay& delay, MainWindow& window);
 
   // The pages belong to the window and live as long: they let go of the database.
   ~RecordTabs() override;
@@ -37,14 +28,13 @@ class RecordTabs : public QObject {
   RecordTabs& operator=(RecordTabs&&) = delete;
 
  private:
-  RecordPorts PagePorts();
   void Add(int tab, RecordPage* page);
   RecordPage* CurrentPage() const;
   void Act(int button);
   void Navigate(int button);
   void CountLoaded();
 
-  Ports ports_;
+  MainWindow& window_;
   AutoAbbreviation abbreviation_;
   std::array<QPointer<RecordPage>, 3> pages_;  // by tab; the window may put others in their place
   int loaded_ = 0;

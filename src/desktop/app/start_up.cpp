@@ -38,40 +38,41 @@ void MakeCommonFolder(const SystemInfo& system) {
 // The routines that prepare the application: false, the process must end, and the operator was
 // told.
 
-bool IsOnlyInstance(const StartUpPorts& ports) {
+bool IsOnlyInstance(SingleInstance& instance, Operator& op) {
   try {
-    if (ports.instance.Claim()) {
+    if (instance.Claim()) {
       return true;
     }
-    ReportAlreadyRunning(ports.op);
+    ReportAlreadyRunning(op);
   } catch (const Error& failure) {
-    ReportFailure(ports.op, failure.what());
+    ReportFailure(op, failure.what());
   }
   return false;
 }
 
-bool MakeFolders(const StartUpPorts& ports, Folder& app_folder) {
-  MakeCommonFolder(ports.system);
+bool MakeFolders(const Services& services, Folder& app_folder) {
+  MakeCommonFolder(services.system);
   try {
     return app_folder.CheckAppDefaultDir();
   } catch (const FileError& failure) {
-    ReportFailure(ports.op, failure.what());
+    ReportFailure(services.op, failure.what());
     return false;
   }
 }
 
-bool OpenIniFile(const StartUpPorts& ports, ApplicationState& application) {
+bool OpenIniFile(const Services& services, ApplicationState& application) {
   try {
-    application.ini.emplace(application.app_folder.IniFilePath(), ports.system, ports.op);
+    application.ini.emplace(application.app_folder.IniFilePath(), services.system, services.op);
   } catch (const Error&) {
     return false;  // told where it was thrown
   }
-  return PrivateINI::EnsureIniFile(*application.ini, ports.op);
+  return PrivateINI::EnsureIniFile(*application.ini, services.op);
 }
 
-bool PrepareApplication(const StartUpPorts& ports, ApplicationState& application) {
-  if (!IsOnlyInstance(ports) || !MakeFolders(ports, application.app_folder) ||
-      !CheckSupportFiles(ports.system, ports.op) || !OpenIniFile(ports, application)) {
+bool PrepareApplication(SingleInstance& instance, const Services& services,
+                        ApplicationState& application) {
+  if (!IsOnlyInstance(instance, services.op) || !MakeFolders(services, application.app_folder) ||
+      !CheckSupportFiles(services.system, services.op) || !OpenIniFile(services, application)) {
     return false;
   }
   application.settings.ReadIniSettings(*application.ini);
@@ -80,16 +81,16 @@ bool PrepareApplication(const StartUpPorts& ports, ApplicationState& application
 
 }  // namespace
 
-std::unique_ptr<MainForm> Main(const StartUpPorts& ports, ApplicationState& application,
-                               const LoadMainForm& load_main_form,
+std::unique_ptr<MainForm> Main(SingleInstance& instance, SplashForm& splash, Services& services,
+                               ApplicationState& application, const LoadMainForm& load_main_form,
                                const std::function<void(MainForm&)>& ended_early) {
-  if (!PrepareApplication(ports, application)) {
+  if (!PrepareApplication(instance, services, application)) {
     return nullptr;
   }
-  ports.splash.Show();
+  splash.Show();
   std::unique_ptr<MainForm> main_form = load_main_form();
-  const bool stays = GeneralDelay(ports.pump).Wait(kSplashTime);
-  ports.splash.Unload();
+  const bool stays = GeneralDelay(services.pump).Wait(kSplashTime);
+  splash.Unload();
   if (!stays) {
     ended_early(*main_form);
     return nullptr;

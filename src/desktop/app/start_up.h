@@ -6,8 +6,7 @@
 #include "desktop/app/application_state.h"
 #include "desktop/app/main_form_interface.h"
 #include "platform/event_pump.h"
-#include "platform/operator.h"
-#include "platform/system_info.h"
+#include "presenter/services.h"
 
 namespace vrx {
 
@@ -31,22 +30,14 @@ class SplashForm {
 // How long the splash stays once the main window has loaded.
 inline constexpr Milliseconds kSplashTime{2000};
 
-struct StartUpPorts {
-  SingleInstance& instance;
-  Operator& op;
-  const SystemInfo& system;
-  EventPump& pump;
-  SplashForm& splash;
-};
-
 // Makes and loads `VRXMAIN`.
 using LoadMainForm = std::function<std::unique_ptr<MainForm>()>;
 
 // `Main`: the road from the start of the process to the main window on the screen. Null: the
 // process must end, the operator having been told why; or the program was closed meanwhile, and
 // `VRXMAIN`, if it was loaded by then, was given to `ended_early` rather than shown.
-std::unique_ptr<MainForm> Main(const StartUpPorts& ports, ApplicationState& application,
-                               const LoadMainForm& load_main_form,
+std::unique_ptr<MainForm> Main(SingleInstance& instance, SplashForm& splash, Services& services,
+                               ApplicationState& application, const LoadMainForm& load_main_form,
                                const std::function<void(MainForm&)>& ended_early);
 
 }  // namespace vrx

@@ -10,7 +10,7 @@
 #include "link/krmcomm.h"
 #include "platform/serial_control.h"
 #include "presenter/database_commands.h"
-#include "settings/data_folder.h"
+#include "presenter/services.h"
 
 namespace vrx {
 
@@ -18,23 +18,10 @@ namespace vrx {
 // files of the indicator. Owns `KRMCOMM`.
 class TransferTabs : private TransferDatabases, private ImportWindow {
  public:
-  // Everything outlives it, but the window, whose pages refer to it, may be destroyed later.
-  struct Ports {
-    Operator& op;
-    FileChooser& files;
-    const Calendar& calendar;
-    const SystemInfo& system;
-    EventPump& pump;
-    SerialControl& serial;
-    const Folder& app_folder;
-    PrivateINI& settings;
-    DatabaseIdentity& identity;
-    DatabaseCommands& databases;
-    MainWindow& window;
-  };
-
-  // Puts the pages in their places; ahead of the caption pass.
-  explicit TransferTabs(const Ports& ports);
+  // Puts the pages in their places; ahead of the caption pass. Everything outlives it, but the
+  // window, whose pages refer to it, may be destroyed later.
+  TransferTabs(Services& services, SerialControl& serial, DatabaseCommands& databases,
+               MainWindow& window);
 
   // The import on its tab: a transaction file is loaded once its FileName is set.
   const ImportPresenter& Import() const { return import_->Session(); }
@@ -52,14 +39,14 @@ class TransferTabs : private TransferDatabases, private ImportWindow {
  private:
   // TransferDatabases.
   CurrentDatabase OpenRecipes() const override;
-  void BrowseRecipes() override { ports_.databases.BrowseRecipeDatabase(); }
+  void BrowseRecipes() override { databases_.BrowseRecipeDatabase(); }
   void RecipesStored(int highest_in_use) override;
 
   // ImportWindow.
   OpenDatabases ImportDatabases() const override;
   std::vector<IngredientRecord> GridIngredients() override;
-  void SelectTab(int tab) override { ports_.window.Tabs().SelectTab(tab); }
-  void SaveTransactionDatabase() override { ports_.databases.SaveTransactionDatabase(); }
+  void SelectTab(int tab) override { window_.Tabs().SelectTab(tab); }
+  void SaveTransactionDatabase() override { databases_.SaveTransactionDatabase(); }
 
   void ShowLine();
 
@@ -67,7 +54,9 @@ class TransferTabs : private TransferDatabases, private ImportWindow {
   void Setup();
   SetupFacts Facts() const;
 
-  Ports ports_;
+  Services& services_;
+  DatabaseCommands& databases_;
+  MainWindow& window_;
   KRMCOMM krm_;
   QtTextPrinter printer_;
   DataTransferPage* data_transfer_;

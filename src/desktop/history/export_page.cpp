@@ -48,14 +48,10 @@ constexpr std::array<std::pair<const char*, const char*>, 4> kTexts{{
 
 }  // namespace
 
-ExportPage::ExportPage(const Ports& ports)
-    : ports_(ports),
-      tab_({.op = ports_.op,
-            .files = ports_.files,
-            .pump = ports_.pump,
-            .settings = ports_.settings,
-            .style_sheets = ports_.style_sheets,
-            .host = *this}),
+ExportPage::ExportPage(Services& services, const StyleSheets& style_sheets, ExportWindow& window)
+    : services_(services),
+      window_(window),
+      tab_(services, style_sheets, *this),
       txt_f_name_(new FilteredEdit(
           [](std::string_view, int key) { return ExportPresenter::KeyPressInFName(key); },
           kLongestName, this)),
@@ -167,7 +163,7 @@ void ExportPage::Connect() {
   connect(txt_f_name_, &QLineEdit::textChanged, this,
           [this](const QString& text) { tab_.SetFName(text.toStdString()); });
   connect(txt_f_name_, &FilteredEdit::Refused, this,
-          [this] { BeepIfEnabled(ports_.op, ports_.settings); });
+          [this] { BeepIfEnabled(services_.op, services_.settings); });
   connect(txt_f_path_, &QLineEdit::textChanged, this,
           [this](const QString& text) { tab_.SetFPath(text.toStdString()); });
   connect(formats_, &QButtonGroup::idClicked, this,
@@ -183,7 +179,7 @@ void ExportPage::Run(const std::function<void()>& flow) {
   try {
     flow();
   } catch (const std::exception& failure) {
-    ReportFailure(ports_.op, "Export", failure);
+    ReportFailure(services_.op, "Export", failure);
   }
 }
 

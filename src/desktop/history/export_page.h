@@ -33,25 +33,16 @@ class ExportPage final : public MainTabPage, private ExportHost {
 
  public:
   // Everything except the window outlives the page.
-  struct Ports {
-    Operator& op;
-    FileChooser& files;
-    EventPump& pump;
-    const PrivateINI& settings;
-    const StyleSheets& style_sheets;
-    ExportWindow& window;
-  };
-
-  explicit ExportPage(const Ports& ports);
+  ExportPage(Services& services, const StyleSheets& style_sheets, ExportWindow& window);
 
   // MainTabPage.
   void Prepare() override;
 
  private:
   // ExportHost.
-  OpenDatabases Databases() const override { return ports_.window.ExportDatabases(); }
-  ExportSource DataGroup() override { return ports_.window.DataGroup(); }
-  void ConfigureImportColumns() override { ports_.window.ConfigureImportColumns(); }
+  OpenDatabases Databases() const override { return window_.ExportDatabases(); }
+  ExportSource DataGroup() override { return window_.DataGroup(); }
+  void ConfigureImportColumns() override { window_.ConfigureImportColumns(); }
   void FocusControl(std::string_view name) override;
   void ExportChanged() override;
 
@@ -63,7 +54,8 @@ class ExportPage final : public MainTabPage, private ExportHost {
   void Connect();
   void Run(const std::function<void()>& flow);
 
-  Ports ports_;
+  Services& services_;
+  ExportWindow& window_;
   ExportPresenter tab_;
   FilteredEdit* txt_f_name_;
   QLineEdit* txt_f_path_;

@@ -160,8 +160,9 @@ void HistoryNavigator::GoToTyped() {
   ShowState();
 }
 
-HistoryPage::HistoryPage(Ports ports)
-    : ports_(std::move(ports)),
+HistoryPage::HistoryPage(Services& services, std::function<bool()> active_ingredients_only)
+    : services_(services),
+      active_ingredients_only_(std::move(active_ingredients_only)),
       lst_group_by_(MakeList("lstGroupBy", QStringLiteral("Data Group"), this)),
       lbl_name_(AddLabel(*this, "lblName", kNameCaption)),
       cbo_col_name_(MakeList("cboColName", QStringLiteral("Name"), this)),
@@ -231,7 +232,7 @@ QWidget* HistoryPage::LayOutChoices() {
 void HistoryPage::Connect() {
   connect(lst_group_by_, &QComboBox::activated, this, [this](int index) {
     Run([&](HistoryPresenter& view) {
-      view.SetShowActiveIngredientsOnly(ports_.active_ingredients_only());
+      view.SetShowActiveIngredientsOnly(active_ingredients_only_());
       view.SelectGroup(index);
       grd_trans_->GoToTop();
     });
@@ -290,7 +291,7 @@ void HistoryPage::ConnectGrid() {
 
 void HistoryPage::Run(const std::function<void(HistoryPresenter&)>& action) {
   if (view_) {
-    const Busy busy(ports_.op);
+    const Busy busy(services_.op);
     action(*view_);
   }
 }
@@ -306,7 +307,7 @@ void HistoryPage::TabChanged(int /*tab*/, int /*previous*/) {
 
 void HistoryPage::Prepare() {
   Run([this](HistoryPresenter& view) {
-    view.SetShowActiveIngredientsOnly(ports_.active_ingredients_only());
+    view.SetShowActiveIngredientsOnly(active_ingredients_only_());
     view.TabEntered();
   });
 }
@@ -330,7 +331,7 @@ void HistoryPage::RebindTransactions(const BoundDatabase& database) {
     grd_trans_->GoToTop();
     return;
   }
-  view_.emplace(*database.connection, HistoryPorts{ports_.op, ports_.pump, ports_.identity, *this});
+  view_.emplace(*database.connection, services_, static_cast<HistoryView&>(*this));
   grd_trans_->Model().SetGrid(&view_->Grid());
   view_->SetRecipeDatabase(recipes_);
   view_->SetExpandAll(chk_expand_all_->isChecked());

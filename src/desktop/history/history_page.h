@@ -12,7 +12,6 @@
 
 #include "desktop/history/history_table.h"
 #include "desktop/main_window/tabs.h"
-#include "presenter/database_identity.h"
 #include "presenter/history.h"
 #include "widgets/fields.h"
 
@@ -55,14 +54,8 @@ class HistoryPage final : public MainTabPage, private HistoryView {
 
  public:
   // Everything except the window outlives the page.
-  struct Ports {
-    Operator& op;
-    EventPump& pump;
-    DatabaseIdentity& identity;
-    std::function<bool()> active_ingredients_only;  // `chkShowActiveIngsOnly`
-  };
-
-  explicit HistoryPage(Ports ports);
+  // `active_ingredients_only` returns `chkShowActiveIngsOnly`.
+  HistoryPage(Services& services, std::function<bool()> active_ingredients_only);
 
   // The shown data, for the export and the printed page; nullptr before the first database is bound
   // and after the last one is released.
@@ -91,7 +84,8 @@ class HistoryPage final : public MainTabPage, private HistoryView {
   void ShowGrid();
   QString EmptyText();
 
-  Ports ports_;
+  Services& services_;
+  std::function<bool()> active_ingredients_only_;
   ChoiceList* lst_group_by_;
   QLabel* lbl_name_;
   ChoiceList* cbo_col_name_;

@@ -46,9 +46,17 @@ class ScanShown {
 
 }  // namespace
 
-PrintCommands::PrintCommands(const Ports& ports) : ports_(ports), setup_(ports.files) {
-  ports_.window.SetHandler(MainCommand::kPrint, [this] { PrintCurrentTab(); });
-  ports_.window.SetHandler(MainCommand::kPrintSetup, [this] { setup_.Ask(&ports_.window); });
+PrintCommands::PrintCommands(Services& services, const DatabaseCommands& databases,
+                             const ImportPresenter& import, HistoryPage& history,
+                             MainWindow& window)
+    : services_(services),
+      databases_(databases),
+      import_(import),
+      history_(history),
+      window_(window),
+      setup_(services.files) {
+  window_.SetHandler(MainCommand::kPrint, [this] { PrintCurrentTab(); });
+  window_.SetHandler(MainCommand::kPrintSetup, [this] { setup_.Ask(&window_); });
 }
 
 // Events run between pages, so a second print command must be refused.
@@ -66,7 +74,7 @@ void PrintCommands::PrintCurrentTab() {
   }
   try {
     for (const auto& [tab, routine] : kRoutines) {
-      if (tab == ports_.window.Tabs().CurrentTab()) {
+      if (tab == window_.Tabs().CurrentTab()) {
         (this->*routine)();
       }
     }
@@ -75,12 +83,12 @@ void PrintCommands::PrintCurrentTab() {
   } catch (const DatabaseInTheWay& failure) {
     Refuse(Icon::kWarning, failure.what());
   } catch (const std::exception& failure) {
-    ports_.op.ShowMessage({.icon = Icon::kCritical,
-                           .title = std::string(kPrintError),
-                           .text = "The report could not be printed.",
-                           .cause = failure.what()});
+    services_.op.ShowMessage({.icon = Icon::kCritical,
+                              .title = std::string(kPrintError),
+                              .text = "The report could not be printed.",
+                              .cause = failure.what()});
   }
-  ports_.op.SetBusy(false);
+  services_.op.SetBusy(false);
   printing_ = false;
 }
 
@@ -105,21 +113,19 @@ void PrintCommands::PrintPens() {
 }
 
 void PrintCommands::PrintTransactions() {
-  if (HistoryPresenter* const view = ports_.history.History().View()) {
-    PrintGrid("transaction",
-              HistoryReport(view->Grid(), ports_.history.History().FitAllColumns(), Facts()));
+  if (HistoryPresenter* const view = history_.View()) {
+    PrintGrid("transaction", HistoryReport(view->Grid(), history_.FitAllColumns(), Facts()));
   }
 }
 
 void PrintCommands::PrintImportedTransactions() {
-  const ImportPresenter& import = ports_.transfer.Import();
   PrintGrid("import",
-            ImportReport(import.File(), import.Form().grd_import_rows,
-                         import.Form().grd_import_columns, Ticked("chkImpFitPage"), Facts()));
+            ImportReport(import_.File(), import_.Form().grd_import_rows,
+                         import_.Form().grd_import_columns, Ticked("chkImpFitPage"), Facts()));
 }
 
 void PrintCommands::PrintRecipes() {
-  if (ports_.settings.PrintCurrentRecipeOnlyOn()) {
+  if (services_.settings.PrintCurrentRecipeOnlyOn()) {
     PrintCurrentRecipe();
   } else if (SQLite::Database* const recipes = Recipes()) {
     PrintAllRecipes(*recipes);
@@ -127,7 +133,7 @@ void PrintCommands::PrintRecipes() {
 }
 
 void PrintCommands::PrintCurrentRecipe() {
-  const auto* const page = ports_.window.findChild<RecipesPage*>();
+  const auto* const page = window_.findChild<RecipesPage*>();
   SQLite::Database* const recipes = Recipes();
   if (page != nullptr && page->Current() != nullptr && recipes != nullptr) {
     std::vector<IngredientRecord> ingredients = ReadIngredients(*recipes);
@@ -137,8 +143,8 @@ void PrintCommands::PrintCurrentRecipe() {
 }
 
 void PrintCommands::PrintAllRecipes(SQLite::Database& recipes) {
-  ports_.op.SetBusy(true);
-  const ScanShown scan(*ports_.window.findChild<RecipeLines*>());
+  services_.op.SetBusy(true);
+  const ScanShown scan(*window_.findChild<RecipeLines*>());
   scan.Panel().Tell(QStringLiteral("Scanning database..."));
   int count = 0;
   for (int id = 1; id <= kRecipeCount; ++id) {
@@ -146,7 +152,7 @@ void PrintCommands::PrintAllRecipes(SQLite::Database& recipes) {
     count += ReadRecipeLines(recipes, id).empty() ? 0 : 1;
   }
   scan.Panel().Tell(QStringLiteral("Scan done!"));
-  ports_.op.SetBusy(false);
+  services_.op.SetBusy(false);
   if (count < 1) {
     Refuse(Icon::kInformation, "There are no recipe entries to be printed.");
     return;
@@ -159,7 +165,7 @@ void PrintCommands::PrintAllRecipes(SQLite::Database& recipes) {
     PrintReport(ReportOf(ReadRecipeToPrint(recipes, kRecipeCount), ingredients));
     return;
   }
-  const Answer answer = ports_.op.ShowMessage(
+  const Answer answer = services_.op.ShowMessage(
       {.icon = Icon::kQuestion,
        .buttons = Buttons::kYesNo,
        .title = "Print All Recipes",
@@ -190,7 +196,7 @@ void PrintCommands::PrintAllRecipes(SQLite::Database& recipes) {
 
 Report PrintCommands::ReportOf(const CurrentRecipe& recipe,
                                const std::vector<IngredientRecord>& ingredients) const {
-  const auto& page = *ports_.window.findChild<RecipesPage*>();
+  const auto& page = *window_.findChild<RecipesPage*>();
   return RecipeReport(recipe, page.ColumnsInSight(recipe.Entry()), ingredients, Facts());
 }
 
@@ -204,15 +210,15 @@ void PrintCommands::PrintGrid(std::string_view noun, Report report) {
 
 void PrintCommands::PrintReport(Report report) {
   const std::unique_ptr<PrintTarget> paper = setup_.Open(kDocument);
-  if (paper && MayPrint({&report, 1}, paper->Device(), ports_.op)) {
+  if (paper && MayPrint({&report, 1}, paper->Device(), services_.op)) {
     OnPaper(*paper, [&](ReportJob& job) { return PrintPages(job, report); });
   }
 }
 
 bool PrintCommands::OnPaper(PrintTarget& paper, const Job& job) {
-  ports_.op.SetBusy(true);
+  services_.op.SetBusy(true);
   const bool printed = PrintOn(paper, job);
-  ports_.op.SetBusy(false);
+  services_.op.SetBusy(false);
   return printed;
 }
 
@@ -223,36 +229,36 @@ bool PrintCommands::PrintPages(ReportJob& job, const Report& report) {
       return true;
     }
     if (!progress) {
-      progress.emplace(&ports_.window);
+      progress.emplace(&window_);
     }
     progress->ShowPage(page, pages);
-    ports_.pump.Pump(Milliseconds{0});
-    return !progress->Cancelled() && !ports_.pump.Closing();
+    services_.pump.Pump(Milliseconds{0});
+    return !progress->Cancelled() && !services_.pump.Closing();
   });
 }
 
 void PrintCommands::Refuse(Icon icon, const std::string& text) {
-  ports_.op.ShowMessage({.icon = icon, .title = std::string(kPrintError), .text = text});
+  services_.op.ShowMessage({.icon = icon, .title = std::string(kPrintError), .text = text});
 }
 
 ReportFacts PrintCommands::Facts() const {
-  const BoundDatabase& recipes = ports_.databases.Bound(DatabaseKind::kRecipe);
-  const BoundDatabase& transactions = ports_.databases.Bound(DatabaseKind::kTransaction);
+  const BoundDatabase& recipes = databases_.Bound(DatabaseKind::kRecipe);
+  const BoundDatabase& transactions = databases_.Bound(DatabaseKind::kTransaction);
   return {.recipe_file = recipes.blank ? "" : recipes.path.string(),
           .transaction_file = transactions.blank ? "" : transactions.path.string(),
-          .weight_unit = recipes.blank ? "" : ports_.databases.Recipe().unit,
-          .caption_unit = ports_.settings.SystemUnits(),
-          .today = ports_.calendar.Today(),
-          .grid_lines = ports_.settings.PrintGridLinesOn()};
+          .weight_unit = recipes.blank ? "" : databases_.Recipe().unit,
+          .caption_unit = services_.settings.SystemUnits(),
+          .today = services_.calendar.Today(),
+          .grid_lines = services_.settings.PrintGridLinesOn()};
 }
 
 SQLite::Database* PrintCommands::Recipes() const {
-  const BoundDatabase& bound = ports_.databases.Bound(DatabaseKind::kRecipe);
+  const BoundDatabase& bound = databases_.Bound(DatabaseKind::kRecipe);
   return bound.blank ? nullptr : bound.connection.get();
 }
 
 bool PrintCommands::Ticked(const char* check_box) const {
-  const auto* const box = ports_.window.findChild<QCheckBox*>(QLatin1String(check_box));
+  const auto* const box = window_.findChild<QCheckBox*>(QLatin1String(check_box));
   return box != nullptr && box->isChecked();
 }
 

@@ -4,17 +4,14 @@
 #include <string>
 #include <string_view>
 
-#include "desktop/app/history_tabs.h"
-#include "desktop/app/transfer_tabs.h"
+#include "desktop/history/history_page.h"
 #include "desktop/main_window/main_window.h"
 #include "desktop/print/print_dialogs.h"
 #include "desktop/recipes/recipes_page.h"
-#include "platform/calendar.h"
-#include "platform/event_pump.h"
-#include "platform/operator.h"
 #include "presenter/database_commands.h"
+#include "presenter/import.h"
+#include "presenter/services.h"
 #include "report/reports.h"
-#include "settings/settings.h"
 
 namespace vrx {
 
@@ -22,21 +19,9 @@ namespace vrx {
 // failures.
 class PrintCommands {
  public:
-  // Everything outlives it.
-  struct Ports {
-    Operator& op;
-    FileChooser& files;
-    const PrivateINI& settings;
-    const Calendar& calendar;
-    EventPump& pump;
-    const DatabaseCommands& databases;
-    const TransferTabs& transfer;
-    HistoryTabs& history;
-    MainWindow& window;
-  };
-
-  // Sets the handlers of the two commands.
-  explicit PrintCommands(const Ports& ports);
+  // Sets the handlers of the two commands. Everything outlives it.
+  PrintCommands(Services& services, const DatabaseCommands& databases,
+                const ImportPresenter& import, HistoryPage& history, MainWindow& window);
 
   void PrintCurrentTab();
 
@@ -68,7 +53,11 @@ class PrintCommands {
   SQLite::Database* Recipes() const;  // nullptr while none is open
   bool Ticked(const char* check_box) const;
 
-  Ports ports_;
+  Services& services_;
+  const DatabaseCommands& databases_;
+  const ImportPresenter& import_;
+  HistoryPage& history_;
+  MainWindow& window_;
   PrintSetup setup_;
   bool printing_ = false;
 };

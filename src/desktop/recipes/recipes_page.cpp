@@ -39,11 +39,14 @@ int Target(NavigateButton button, int position) {
 
 }  // namespace
 
-RecipesPage::RecipesPage(const RecordPorts& ports, QWidget* parent)
+RecipesPage::RecipesPage(Services& services, GeneralDelay& delay, AutoAbbreviation& abbreviation,
+                         QWidget* parent)
     : RecordPage(parent),
-      ports_(ports),
-      gate_(ports.feed.op),
-      head_(new RecipeHead(ports.abbreviation, this)),
+      services_(services),
+      delay_(delay),
+      abbreviation_(abbreviation),
+      gate_(services.op),
+      head_(new RecipeHead(abbreviation, this)),
       lines_(new RecipeLines(*this, this)) {
   setObjectName(QStringLiteral("pageRecipes"));
   LayOut();
@@ -108,7 +111,7 @@ void RecipesPage::Do(const Event& event) {
     }
     Show();
     if (std::exchange(stored_, false)) {
-      ports_.record_changed();
+      Q_EMIT RecordChanged();
     }
   };
   try {
@@ -121,7 +124,7 @@ void RecipesPage::Do(const Event& event) {
 }
 
 bool RecipesPage::Run(const Event& event) {
-  return editor_ && HandleEditEvent(ports_.feed.op, [&] { Do(event); });
+  return editor_ && HandleEditEvent(services_.op, [&] { Do(event); });
 }
 
 bool RecipesPage::RunCommand(const Event& event) {
@@ -129,7 +132,7 @@ bool RecipesPage::RunCommand(const Event& event) {
     Do(event);
     return true;
   } catch (const Error& failure) {
-    ReportEditFailure(ports_.feed.op, failure);
+    ReportEditFailure(services_.op, failure);
   }
   return false;
 }
@@ -143,9 +146,9 @@ void RecipesPage::Show() {
 }
 
 std::shared_ptr<RecipeEditor> RecipesPage::MakeEditor(SQLite::Database& connection, int id) {
-  return std::make_shared<RecipeEditor>(connection, ports_.feed.op, ports_.feed.settings, id,
+  return std::make_shared<RecipeEditor>(connection, services_.op, services_.settings, id,
                                         [this, &connection](const CurrentRecipe& next) {
-                                          TouchDatabase(connection, ports_.feed.calendar);
+                                          TouchDatabase(connection, services_.calendar);
                                           stored_ = true;
                                           if (entering_) {
                                             lines_->DrawFigures(next);
@@ -203,7 +206,7 @@ void RecipesPage::AfterCellEdit(LineColumn column) {
   Run([column, entered](RecipeEditor& editor) { editor.AfterCellEdit(column, entered); });
 }
 
-void RecipesPage::KeyRefused() { BeepIfEnabled(ports_.feed.op, ports_.feed.settings); }
+void RecipesPage::KeyRefused() { BeepIfEnabled(services_.op, services_.settings); }
 
 // The action bar and the navigator.
 
@@ -226,16 +229,16 @@ void RecipesPage::CancelRecord() {
 void RecipesPage::DefaultRecord() {
   const int id = Position();
   if (id == 0 || read_only_ ||
-      AskAndReset(*connection_, RecordKind::kRecipe, id, ports_.feed) != ResetOutcome::kReset) {
+      AskAndReset(*connection_, RecordKind::kRecipe, id, services_) != ResetOutcome::kReset) {
     return;
   }
   gate_.Forget();
   lines_->GrdRec().GiveUpEdit();
   head_->GiveUpTyping();
-  HandleEditEvent(ports_.feed.op, [&] { editor_ = MakeEditor(*connection_, id); });
+  HandleEditEvent(services_.op, [&] { editor_ = MakeEditor(*connection_, id); });
   Show();
   head_->CboRecId().SetItem(id);
-  ports_.record_changed();
+  Q_EMIT RecordChanged();
 }
 
 void RecipesPage::Navigate(NavigateButton button) {
@@ -269,7 +272,7 @@ void RecipesPage::ReadIngredients() {
 }
 
 void RecipesPage::ShowUnit() {
-  const std::string& unit = ports_.feed.settings.SystemUnits();
+  const std::string& unit = services_.settings.SystemUnits();
   head_->ShowUnit(ToQString(unit));
   lines_->GrdRec().SetUnit(unit);
 }
@@ -279,14 +282,14 @@ void RecipesPage::ShowUnit() {
 void RecipesPage::TabChanged(int /*tab*/, int /*previous*/) {
   ++visit_;
   if (std::exchange(preparing_, false)) {
-    ports_.feed.op.SetBusy(false);
+    services_.op.SetBusy(false);
   }
   head_->ShowMustTotal100(false);
 }
 
 bool RecipesPage::Waited(Milliseconds interval) {
   const int visit = visit_;
-  return ports_.delay.Wait(interval) && visit == visit_;
+  return delay_.Wait(interval) && visit == visit_;
 }
 
 void RecipesPage::Prepare() {
@@ -300,7 +303,7 @@ void RecipesPage::Prepare() {
   if (!Waited(kHiddenDelay)) {
     return;
   }
-  ports_.feed.op.SetBusy(true);
+  services_.op.SetBusy(true);
   if (!Waited(kPrintDelay)) {
     return;
   }
@@ -311,7 +314,7 @@ void RecipesPage::Prepare() {
   preparing_ = false;
   Select(1, MayStay::kNo);
   Waited(kShownDelay);
-  ports_.feed.op.SetBusy(false);
+  services_.op.SetBusy(false);
 }
 
 void RecipesPage::StripFocused() {
@@ -395,7 +398,7 @@ void RecipesPage::LoadIdLists() {
   Run([&](RecipeEditor& /*editor*/) {
     for (const RecipeRecord& recipe : ReadRecipes(*connection_)) {
       head_->CboRecId().SetItem(recipe.id, IsActive(recipe) ? recipe.name : std::string());
-      ports_.record_loaded();
+      Q_EMIT RecordLoaded();
       if (connection_ != connection) {
         return;
       }

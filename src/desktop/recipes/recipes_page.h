@@ -21,8 +21,9 @@ class RecipesPage final : public RecordPage, private RecipeGridEvents {
   Q_OBJECT
 
  public:
-  // The services outlive the page.
-  explicit RecipesPage(const RecordPorts& ports, QWidget* parent = nullptr);
+  // All references outlive the page. The three description boxes share the abbreviation.
+  RecipesPage(Services& services, GeneralDelay& delay, AutoAbbreviation& abbreviation,
+              QWidget* parent = nullptr);
   ~RecipesPage() override;
 
   // The rows of the filtered pen grid, for the pen capacity warning. None until it is set.
@@ -123,7 +124,9 @@ class RecipesPage final : public RecordPage, private RecipeGridEvents {
   void KeepOpenEdits();
   void RewriteItem(std::string_view name);
 
-  RecordPorts ports_;
+  Services& services_;
+  GeneralDelay& delay_;
+  AutoAbbreviation& abbreviation_;
   PenRows pen_rows_;
   SQLite::Database* connection_ = nullptr;  // none before the first database and after the last
   bool closed_ = true;                      // the blank template is shown

@@ -52,7 +52,7 @@ void RecipesPage::LeaveName() {
 void RecipesPage::LeaveDescription() {
   FilteredEdit& box = head_->OnRecDesc();
   const std::optional<std::string> abbreviation =
-      ports_.abbreviation.LeaveDescription(box.Text(), ports_.feed.settings.AutoAbbreviateOn());
+      abbreviation_.LeaveDescription(box.Text(), services_.settings.AutoAbbreviateOn());
   LeaveBox(box, "Description", [this, &box, abbreviation] {
     FilteredEdit& name = head_->OnRecName();
     const std::string listed = name.Text();
@@ -183,7 +183,7 @@ bool RecipesPage::StoreCell(std::string what, std::string text, const Event& eve
     if (leaving_ || !grid.HoldsFocus()) {
       keep(failure);
     } else {
-      ReportEditFailure(ports_.feed.op, failure);
+      ReportEditFailure(services_.op, failure);
     }
   }
   return false;
@@ -249,10 +249,10 @@ bool RecipesPage::RunWithNewLine(const Event& event) {
     if (editor_->Current().EntryPending()) {
       gate_.Keep(NewLine(), failure.what());
     } else {
-      ports_.feed.op.Beep();
+      services_.op.Beep();
     }
   } catch (const Error& failure) {
-    ReportEditFailure(ports_.feed.op, failure);
+    ReportEditFailure(services_.op, failure);
   }
   return false;
 }

@@ -113,8 +113,10 @@ RecordFormPage::Design IngredientsPage::Controls() {
                                    "description makes it active.")};
 }
 
-IngredientsPage::IngredientsPage(const RecordPorts& ports, Recipes recipes, QWidget* parent)
-    : RecordFormPage(ports, Controls(), parent),
+IngredientsPage::IngredientsPage(Services& services, GeneralDelay& delay,
+                                 AutoAbbreviation& abbreviation, Recipes recipes, QWidget* parent)
+    : RecordFormPage(services, abbreviation, Controls(), parent),
+      delay_(delay),
       recipes_(std::move(recipes)),
       hand_add_(new QCheckBox(QStringLiteral("Hand-Add"), this)),
       where_used_(new WhereUsedList(this)),
@@ -150,9 +152,9 @@ bool IngredientsPage::eventFilter(QObject* watched, QEvent* event) {
 
 // Finishes pending work in the window before reading the lists.
 void IngredientsPage::LoadIdLists() {
-  Ports().feed.op.SetBusy(true);
+  GetServices().op.SetBusy(true);
   Grid().hide();
-  if (Ports().delay.Wait(kLoadDelay)) {
+  if (delay_.Wait(kLoadDelay)) {
     RecordFormPage::LoadIdLists();
   }
 }
@@ -188,7 +190,7 @@ bool IngredientsPage::StoreCurrentRecord() {
                           .dry_matter_percent = TextToLong(NumberText()),
                           .hand_add = hand_add_->isChecked()};
   const std::string batch_type = recipes_.current_batch_type();
-  const bool changed = StoreRecord(Database(), record, batch_type, Ports().feed.calendar);
+  const bool changed = StoreRecord(Database(), record, batch_type, GetServices().calendar);
   stored_hand_add_ = record.hand_add;
   ShowTexts(record.name, record.description, std::to_string(record.dry_matter_percent));
   return changed;
@@ -211,7 +213,7 @@ void IngredientsPage::Search() {
   where_used_->setEnabled(false);
   where_used_->ShowItems({"Searching..."});
   where_used_->repaint();
-  where_used_->ShowItems(SearchWhereUsed(Database(), Id(), Ports().feed));
+  where_used_->ShowItems(SearchWhereUsed(Database(), Id(), GetServices()));
   recipes_.go_to(kRecipeCount);
   ShowAllRecords();
   where_used_->setEnabled(true);
@@ -224,7 +226,7 @@ void IngredientsPage::AnsweredDefault(ResetOutcome outcome) {
   }
   int position = kRecipeCount;
   if (outcome == ResetOutcome::kInUse) {
-    HandleEditEvent(Ports().feed.op, [&] {
+    HandleEditEvent(GetServices().op, [&] {
       const std::vector<WhereUsed> found = FindWhereIngUsed(Database(), Id(), true);
       position = found.empty() ? position : found.front().recipe_id;
     });

@@ -46,7 +46,8 @@ class IngredientsPage final : public RecordFormPage {
     std::function<void(int position)> go_to;
   };
 
-  IngredientsPage(const RecordPorts& ports, Recipes recipes, QWidget* parent = nullptr);
+  IngredientsPage(Services& services, GeneralDelay& delay, AutoAbbreviation& abbreviation,
+                  Recipes recipes, QWidget* parent = nullptr);
 
   void LoadIdLists() override;
 
@@ -68,6 +69,7 @@ class IngredientsPage final : public RecordFormPage {
   void LeaveHandAdd();
   void Search();
 
+  GeneralDelay& delay_;
   Recipes recipes_;
   QCheckBox* hand_add_;
   bool stored_hand_add_ = false;

@@ -48,8 +48,8 @@ RecordFormPage::Design PensPage::Controls() {
                                    "description makes it active.")};
 }
 
-PensPage::PensPage(const RecordPorts& ports, QWidget* parent)
-    : RecordFormPage(ports, Controls(), parent),
+PensPage::PensPage(Services& services, AutoAbbreviation& abbreviation, QWidget* parent)
+    : RecordFormPage(services, abbreviation, Controls(), parent),
       unit_(AddLabel(*this, "lblPenFeedUoM")),
       warning_(new ElidedLabel(this)) {
   NumberRow().addWidget(unit_);
@@ -66,12 +66,12 @@ PensPage::PensPage(const RecordPorts& ports, QWidget* parent)
 
 void PensPage::Prepare() {
   RecordFormPage::Prepare();
-  const QString unit = ToQString(Ports().feed.settings.SystemUnits());
+  const QString unit = ToQString(GetServices().settings.SystemUnits());
   Grid().SetCaption("FeedAmount", QStringLiteral("Feed Amount (%1)").arg(unit.toLower()));
   ShowUnit();
 }
 
-void PensPage::ShowUnit() { unit_->setText(ToQString(Ports().feed.settings.SystemUnits())); }
+void PensPage::ShowUnit() { unit_->setText(ToQString(GetServices().settings.SystemUnits())); }
 
 void PensPage::ReadRecord(int id) {
   const PenRecord record = ReadPen(Database(), id);
@@ -83,7 +83,7 @@ bool PensPage::StoreCurrentRecord() {
                    .name = NameText(),
                    .description = DescriptionText(),
                    .feed_amount = NumberText()};
-  const bool changed = StoreRecord(Database(), record, Ports().feed.calendar);
+  const bool changed = StoreRecord(Database(), record, GetServices().calendar);
   ShowTexts(record.name, record.description, record.feed_amount);
   return changed;
 }
@@ -107,7 +107,7 @@ std::vector<RecordRow> PensPage::ReadRows(bool active_only) {
 std::vector<PenRecord> PensPage::PensShown() {
   std::vector<PenRecord> pens;
   if (HasDatabase()) {
-    HandleEditEvent(Ports().feed.op, [&] { pens = ReadShown(ActiveOnly()); });
+    HandleEditEvent(GetServices().op, [&] { pens = ReadShown(ActiveOnly()); });
   }
   return pens;
 }

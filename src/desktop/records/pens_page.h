@@ -15,7 +15,7 @@ class PensPage final : public RecordFormPage {
   Q_OBJECT
 
  public:
-  explicit PensPage(const RecordPorts& ports, QWidget* parent = nullptr);
+  PensPage(Services& services, AutoAbbreviation& abbreviation, QWidget* parent = nullptr);
 
   // The pens of the filtered grid; none after reporting a failure to read them.
   std::vector<PenRecord> PensShown();

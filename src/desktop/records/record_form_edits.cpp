@@ -88,8 +88,8 @@ void RecordFormPage::LeaveName() {
 
 // The list item keeps the old name until the name box is left.
 void RecordFormPage::LeaveDescription() {
-  const std::optional<std::string> abbreviation = ports_.abbreviation.LeaveDescription(
-      DescriptionText(), ports_.feed.settings.AutoAbbreviateOn());
+  const std::optional<std::string> abbreviation =
+      abbreviation_.LeaveDescription(DescriptionText(), services_.settings.AutoAbbreviateOn());
   LeaveBox(*description_, kDescriptionField, [this, abbreviation] {
     const std::string old_name = NameText();
     SetIfOther(*description_, Left(kDescriptionField, DescriptionText()));

@@ -50,12 +50,14 @@ QCheckBox* AddCheckBox(QWidget* page, const char* name, const QString& caption) 
 
 }  // namespace
 
-RecordFormPage::RecordFormPage(RecordPorts ports, Design design, QWidget* parent)
+RecordFormPage::RecordFormPage(Services& services, AutoAbbreviation& abbreviation, Design design,
+                               QWidget* parent)
     : RecordPage(parent),
-      ports_(std::move(ports)),
+      services_(services),
+      abbreviation_(abbreviation),
       design_(std::move(design)),
       traits_(TraitsOf(design_.kind)),
-      gate_(ports_.feed.op) {
+      gate_(services.op) {
   setObjectName(QString::fromLatin1(design_.page));
   MakeControls();
   LayOut();
@@ -64,8 +66,8 @@ RecordFormPage::RecordFormPage(RecordPorts ports, Design design, QWidget* parent
 
 void RecordFormPage::MakeControls() {
   id_list_ = new RecordIdList(QString::fromLatin1(design_.id_list), traits_.count, this);
-  name_ = MakeNameBox(FieldOf(design_.kind, kName), design_.name, ports_.abbreviation, this);
-  description_ = MakeDescriptionBox(design_.description, ports_.abbreviation, this);
+  name_ = MakeNameBox(FieldOf(design_.kind, kName), design_.name, abbreviation_, this);
+  description_ = MakeDescriptionBox(design_.description, abbreviation_, this);
   number_ = MakeFieldBox(FieldOf(design_.kind, design_.number_field), design_.number, this);
   number_->setAlignment(Qt::AlignRight);
   view_all_ = AddCheckBox(this, design_.view_all, design_.view_all_caption);
@@ -131,7 +133,7 @@ void RecordFormPage::TabBehindNumber(std::initializer_list<QWidget*> controls) {
 void RecordFormPage::Connect() {
   connect(id_list_, &QComboBox::activated, this, &RecordFormPage::ChooseItem);
   connect(id_list_, &RecordIdList::Typed, description_, [this] { description_->setFocus(); });
-  const auto beep = [this] { BeepIfEnabled(ports_.feed.op, ports_.feed.settings); };
+  const auto beep = [this] { BeepIfEnabled(services_.op, services_.settings); };
   for (FilteredEdit* const box : Boxes()) {
     connect(box, &FilteredEdit::Left, this, [this, box] { Leave(*box); });
     connect(box, &FilteredEdit::Refused, this, beep);
@@ -194,7 +196,7 @@ void RecordFormPage::LoadIdLists() {
     return;
   }
   grid_->hide();
-  FillIdList(ports_.record_loaded);
+  FillIdList([this] { Q_EMIT RecordLoaded(); });
   GoTo(1);
   grid_->setVisible(view_all_->isChecked());
 }
@@ -219,7 +221,7 @@ void RecordFormPage::GoTo(int position) {
 }
 
 bool RecordFormPage::Show(int position) {
-  const bool read = HandleEditEvent(ports_.feed.op, [&] { ReadRecord(position); });
+  const bool read = HandleEditEvent(services_.op, [&] { ReadRecord(position); });
   if (read) {
     ForgetEdits();
   }
@@ -279,19 +281,19 @@ void RecordFormPage::Store() {
   }
   const bool changed = StoreCurrentRecord();
   if (changed) {
-    ports_.record_changed();
+    Q_EMIT RecordChanged();
   }
   RefreshGrid();
   Stored();
 }
 
 bool RecordFormPage::Commit() {
-  return HandleEditEvent(ports_.feed.op, [this] { Store(); });
+  return HandleEditEvent(services_.op, [this] { Store(); });
 }
 
 void RecordFormPage::RefreshGrid() {
   if (database_ != nullptr) {
-    HandleEditEvent(ports_.feed.op,
+    HandleEditEvent(services_.op,
                     [this] { grid_->Show(ReadRows(active_only_->isChecked()), position_); });
   }
 }
@@ -308,9 +310,9 @@ void RecordFormPage::DefaultRecord() {
   if (!MayWrite()) {
     return;
   }
-  const ResetOutcome outcome = AskAndReset(*database_, design_.kind, position_, ports_.feed);
+  const ResetOutcome outcome = AskAndReset(*database_, design_.kind, position_, services_);
   if (outcome == ResetOutcome::kReset) {
-    ports_.record_changed();
+    Q_EMIT RecordChanged();
   }
   if (outcome != ResetOutcome::kNotReset) {
     ForgetEdits();

@@ -67,7 +67,9 @@ class RecordFormPage : public RecordPage {
     QString empty_grid;
   };
 
-  RecordFormPage(RecordPorts ports, Design design, QWidget* parent);
+  // The abbreviation is the one of the three description boxes.
+  RecordFormPage(Services& services, AutoAbbreviation& abbreviation, Design design,
+                 QWidget* parent);
 
   // The functions of a kind. The first three throw.
   //
@@ -89,7 +91,7 @@ class RecordFormPage : public RecordPage {
   // The file is read-only for that reason; or writable, for an empty one.
   virtual void ShowReadOnly(const QString& reason);
 
-  const RecordPorts& Ports() const { return ports_; }
+  Services& GetServices() const { return services_; }
   bool HasDatabase() const { return database_ != nullptr; }
   SQLite::Database& Database() const { return *database_; }
   int Id() const { return position_; }
@@ -151,7 +153,8 @@ class RecordFormPage : public RecordPage {
   const std::string& StoredText(const FilteredEdit& box) const;
   void FillIdList(const std::function<void()>& filled);
 
-  RecordPorts ports_;
+  Services& services_;
+  AutoAbbreviation& abbreviation_;
   const Design design_;
   const RecordKindTraits& traits_;
   SQLite::Database* database_ = nullptr;

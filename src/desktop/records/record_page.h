@@ -1,7 +1,5 @@
 #pragma once
 
-#include <functional>
-
 #include <SQLiteCpp/Database.h>
 
 #include "desktop/main_window/panels.h"
@@ -9,21 +7,9 @@
 #include "feed/key_filters.h"
 #include "presenter/command_states.h"
 #include "presenter/report_failure.h"
+#include "presenter/services.h"
 
 namespace vrx {
-
-// The services of the pages of ingredients, recipes and pens. Everything outlives them.
-struct RecordPorts {
-  FeedPorts feed;
-  GeneralDelay& delay;
-  AutoAbbreviation& abbreviation;  // the one of the three description boxes
-
-  // LoadIdLists calls it after adding the item of each record.
-  std::function<void()> record_loaded = [] {};
-
-  // Called for each stored change of a record, after its transaction.
-  std::function<void()> record_changed = [] {};
-};
 
 // The page of one kind of record, for the action bar and the navigator. A record's position is its
 // `ID`, from 1. These functions are not called while the database is closed and the page shows the
@@ -58,6 +44,12 @@ class RecordPage : public MainTabPage {
 
   // Another database is shown: items 0 and 2 are disabled if it is read-only.
   void WritingAllowed(bool allowed);
+
+  // LoadIdLists has put the item of one more record in its list.
+  void RecordLoaded();
+
+  // A change of a record was stored, its transaction included.
+  void RecordChanged();
 };
 
 }  // namespace vrx

@@ -58,15 +58,12 @@ constexpr const char* kHeadingProperty = "Heading";
 
 }  // namespace
 
-SetupForm::SetupForm(const Ports& ports, SetupFacts facts, QWidget* owner)
+SetupForm::SetupForm(Services& services, KRMCOMM& krm, SetupFacts facts, QWidget* owner)
     : QDialog(owner),
-      ports_(ports),
+      services_(services),
       facts_(std::move(facts)),
       tab_setup_folder_(new QTabWidget(this)),
-      module_tab_(new SetupModuleTab({.op = ports.op,
-                                      .settings = ports.settings,
-                                      .krm = ports.krm,
-                                      .data_folder = ports.data_folder})),
+      module_tab_(new SetupModuleTab(services, krm)),
       cmd_ok_(new QPushButton(QStringLiteral("OK"), this)) {
   setObjectName(QStringLiteral("SETUP"));
   SetTag(*this, kTitleCaption);
@@ -187,10 +184,10 @@ QWidget* SetupForm::MakeConnectionsTab() {
 }
 
 void SetupForm::LoadControls() {
-  const SetupControls controls = LoadSetupControls(ports_.settings);
+  const SetupControls controls = LoadSetupControls(services_.settings);
   lst_system_uom_->setCurrentIndex(controls.system_units);
   module_tab_->Show(controls);
-  txt_associations_->ShowText(AssociationsText(ports_.system));
+  txt_associations_->ShowText(AssociationsText(services_.system));
   for (std::size_t i = 0; i < kSetupOptionCount; ++i) {
     options_.at(i)->setChecked(controls.options.at(i));
   }
@@ -203,7 +200,7 @@ void SetupForm::FillTab(int tab) {
       txt_transaction_path_->setText(ToQString(facts_.transaction_path));
       break;
     case kApplicationTab:
-      txt_app_path_->setText(ToQString(ApplicationPath(ports_.system)));
+      txt_app_path_->setText(ToQString(ApplicationPath(services_.system)));
       break;
     case kIniFileTab:
       FillIniFile();
@@ -225,9 +222,9 @@ void SetupForm::FillTab(int tab) {
 }
 
 void SetupForm::FillIniFile() {
-  txt_ini_path_->setText(ToQString(ports_.ini_file.string()));
+  txt_ini_path_->setText(ToQString(services_.folder.IniFilePath().string()));
   try {
-    txt_ini_file_data_->ShowText(IniFileText(ports_.ini_file));
+    txt_ini_file_data_->ShowText(IniFileText(services_.folder.IniFilePath()));
   } catch (const FileError& failure) {
     txt_ini_file_data_->ShowText(failure.what());
   }
@@ -240,8 +237,8 @@ void SetupForm::ApplyControls() {
   for (std::size_t i = 0; i < kSetupOptionCount; ++i) {
     controls.options.at(i) = options_.at(i)->isChecked();
   }
-  ApplySetupControls(controls, facts_.recipe_unit, facts_.transaction_unit, ports_.settings,
-                     ports_.op);
+  ApplySetupControls(controls, facts_.recipe_unit, facts_.transaction_unit, services_.settings,
+                     services_.op);
   accept();
 }
 

@@ -39,17 +39,7 @@ class SetupForm : public QDialog {
   Q_OBJECT
 
  public:
-  // Everything outlives it.
-  struct Ports {
-    Operator& op;
-    const SystemInfo& system;
-    PrivateINI& settings;
-    KRMCOMM& krm;
-    std::filesystem::path data_folder;
-    std::filesystem::path ini_file;
-  };
-
-  SetupForm(const Ports& ports, SetupFacts facts, QWidget* owner);
+  SetupForm(Services& services, KRMCOMM& krm, SetupFacts facts, QWidget* owner);
 
   void done(int result) override;
 
@@ -68,7 +58,7 @@ class SetupForm : public QDialog {
   void FillIniFile();
   void ApplyControls();
 
-  Ports ports_;
+  Services& services_;
   SetupFacts facts_;
   QTabWidget* tab_setup_folder_;
   QLineEdit* txt_recipe_path_ = nullptr;

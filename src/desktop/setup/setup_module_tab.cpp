@@ -148,10 +148,10 @@ void SetupPortList::PutDevice() {
   Q_EMIT PortChanged();
 }
 
-SetupModuleTab::SetupModuleTab(const Ports& ports, QWidget* parent)
+SetupModuleTab::SetupModuleTab(Services& services, KRMCOMM& krm, QWidget* parent)
     : QWidget(parent),
-      module_(ports.krm, ports.settings, ports.op, [this](bool shown) { ShowStandby(shown); }),
-      ports_(new SetupPortList(ports.data_folder, ports.op)),
+      module_(krm, services.settings, services.op, [this](bool shown) { ShowStandby(shown); }),
+      ports_(new SetupPortList(services.folder.DefaultAppPath(), services.op)),
       lst_baud_rate_(new ChoiceList),
       lbl_standby_(AddLabel(*this, "lblStandby", kStandbyCaption)),
       turned_off_(*this) {

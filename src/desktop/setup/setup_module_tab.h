@@ -55,14 +55,7 @@ class SetupModuleTab : public QWidget {
 
  public:
   // Everything outlives it.
-  struct Ports {
-    Operator& op;
-    PrivateINI& settings;
-    KRMCOMM& krm;
-    std::filesystem::path data_folder;
-  };
-
-  explicit SetupModuleTab(const Ports& ports, QWidget* parent = nullptr);
+  SetupModuleTab(Services& services, KRMCOMM& krm, QWidget* parent = nullptr);
 
   void Show(const SetupControls& controls);
   void Take(SetupControls& controls) const;

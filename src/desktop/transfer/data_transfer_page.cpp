@@ -10,27 +10,25 @@
 
 namespace vrx {
 
-DataTransferPage::DataTransferPage(const Ports& ports)
-    : ports_(ports),
-      op_(ports.op, [this] { Show(); }),
-      files_(op_, ports.files, ports.settings, transfer_,
-             [this](int file) { return ports_.krm.GL_KRM_FileAttributes(file); }),
-      upload_(ports.krm, transfer_, ports.pump, op_, ports.settings),
-      download_(ports.krm, ports.pump, op_, ports.settings),
-      direct_(ports.krm, transfer_, ports.pump, op_, ports.settings),
-      session_({.op = op_,
-                .settings = ports.settings,
-                .calendar = ports.calendar,
-                .identity = ports.identity,
-                .transfer = transfer_,
-                .files = files_,
-                .download = download_,
-                .direct = direct_,
-                .host = *this}),
+DataTransferPage::DataTransferPage(Services& services, KRMCOMM& krm, TransferDatabases& databases,
+                                   TransferStatusPanel& status, TextPrinter& printer)
+    : services_(services),
+      krm_(krm),
+      databases_(databases),
+      status_(status),
+      printer_(printer),
+      op_(services.op, [this] { Show(); }),
+      refreshing_(WithOperator(services, op_)),
+      files_(op_, services.files, services.settings, transfer_,
+             [this](int file) { return krm_.GL_KRM_FileAttributes(file); }),
+      upload_(krm, transfer_, services.pump, op_, services.settings),
+      download_(krm, services.pump, op_, services.settings),
+      direct_(krm, transfer_, services.pump, op_, services.settings),
+      session_(refreshing_, transfer_, files_, download_, direct_, *this),
       controls_(*this) {
   setObjectName(QStringLiteral("pageDataTransfer"));
   Connect();
-  line_watch_ = ports_.krm.Guard().OnChange([this] { controls_.ShowLine(ports_.krm.Guard()); });
+  line_watch_ = krm_.Guard().OnChange([this] { controls_.ShowLine(krm_.Guard()); });
   Show();
 }
 
@@ -68,7 +66,7 @@ void DataTransferPage::Run(const std::function<void()>& flow) {
   try {
     flow();
   } catch (const std::exception& failure) {
-    ReportFailure(ports_.op, "Data Transfer Error", failure);
+    ReportFailure(services_.op, "Data Transfer Error", failure);
   }
   Show();
 }
@@ -79,7 +77,7 @@ void DataTransferPage::Choose(Connection connection) {
     return;
   }
   chosen_ = connection;
-  connect_again_ = connection == Connection::kIndicator && ports_.krm.Guard().Direct();
+  connect_again_ = connection == Connection::kIndicator && krm_.Guard().Direct();
   if (connect_again_) {
     return;
   }
@@ -96,14 +94,14 @@ void DataTransferPage::Choose(Connection connection) {
 }
 
 void DataTransferPage::ConnectIndicator() {
-  const LineGuard::Claim line = ports_.krm.Guard().TakeForDirectConnection();
+  const LineGuard::Claim line = krm_.Guard().TakeForDirectConnection();
   if (!line) {
     return;
   }
   do {
     connect_again_ = false;
     ConnectOnce();
-  } while (connect_again_ && !ports_.pump.Closing());
+  } while (connect_again_ && !services_.pump.Closing());
 }
 
 // The operator may select the module while the port is still being opened.
@@ -145,7 +143,7 @@ void DataTransferPage::UploadData() {
 }
 
 bool DataTransferPage::Rescue(std::string_view bytes) {
-  if (!RescueReceived(bytes, {ports_.data_folder()}, ports_.now(), op_)) {
+  if (!RescueReceived(bytes, {services_.folder.DefaultAppPath()}, LocalNow(), op_)) {
     return false;
   }
   transfer_.received.Rescued();
@@ -154,18 +152,18 @@ bool DataTransferPage::Rescue(std::string_view bytes) {
 
 bool DataTransferPage::MayLeave() {
   const auto yes = [this](std::string_view text) {
-    return ports_.op.ShowMessage({.icon = Icon::kQuestion,
-                                  .buttons = Buttons::kYesNo,
-                                  .title = "Received Data",
-                                  .text = std::string(text),
-                                  .refuses_by_default = true}) == Answer::kYes;
+    return services_.op.ShowMessage({.icon = Icon::kQuestion,
+                                     .buttons = Buttons::kYesNo,
+                                     .title = "Received Data",
+                                     .text = std::string(text),
+                                     .refuses_by_default = true}) == Answer::kYes;
   };
-  if (!transfer_.received.Unsaved() || ports_.pump.Closing()) {
+  if (!transfer_.received.Unsaved() || services_.pump.Closing()) {
     return true;
   }
   return yes("What the indicator sent has not been saved.\r\n"
              "Leave the program, and keep it in a rescue file?") &&
-         (Rescue(ports_.krm.GS_KRM_VirtualMemory()) || yes("Leave the program without it?"));
+         (Rescue(krm_.GS_KRM_VirtualMemory()) || yes("Leave the program without it?"));
 }
 
 void DataTransferPage::KeepReceived() {
@@ -173,7 +171,7 @@ void DataTransferPage::KeepReceived() {
     return;
   }
   try {
-    WriteRescueFile(ports_.krm.GS_KRM_VirtualMemory(), {ports_.data_folder()}, ports_.now());
+    WriteRescueFile(krm_.GS_KRM_VirtualMemory(), {services_.folder.DefaultAppPath()}, LocalNow());
     transfer_.received.Rescued();
   } catch (const FileError&) {
     // The program ends, so no one would read a message.
@@ -187,7 +185,7 @@ void DataTransferPage::Download(bool (DownloadPresenter::*step)()) {
 
 void DataTransferPage::ReportCause() {
   if (op_.StatusIsError()) {
-    ports_.status.SetStatusCause(ToQString(ports_.krm.KRM_FailureCause()));
+    status_.SetStatusCause(ToQString(krm_.KRM_FailureCause()));
   }
 }
 
@@ -198,27 +196,27 @@ void DataTransferPage::Reload() {
 
 void DataTransferPage::SaveFile() {
   files_.SaveCheckedFile();
-  ports_.status.SetStatusCause(ToQString(files_.SaveFailure()));
+  status_.SetStatusCause(ToQString(files_.SaveFailure()));
 }
 
 void DataTransferPage::PrintText() {
   if (transfer_.data_window.empty()) {
-    ports_.op.ShowMessage(
+    services_.op.ShowMessage(
         {.icon = Icon::kWarning, .title = "Print Error", .text = "There is nothing to print."});
     return;
   }
   try {
-    ports_.printer.Print(transfer_.data_window);
+    printer_.Print(transfer_.data_window);
   } catch (const Error& failure) {
-    ports_.op.ShowMessage({.icon = Icon::kWarning,
-                           .title = "Print Error",
-                           .text = "The data window could not be printed.",
-                           .cause = failure.what()});
+    services_.op.ShowMessage({.icon = Icon::kWarning,
+                              .title = "Print Error",
+                              .text = "The data window could not be printed.",
+                              .cause = failure.what()});
   }
 }
 
 void DataTransferPage::EnablePrintText() {
-  controls_.cmd_print_text->setEnabled(ports_.settings.EnablePrintTextOn());
+  controls_.cmd_print_text->setEnabled(services_.settings.EnablePrintTextOn());
 }
 
 void DataTransferPage::FocusControl(std::string_view name) {
@@ -237,11 +235,11 @@ void DataTransferPage::Show() {
 void DataTransferPage::ShowMemory() {
   if (memory_shown_ != transfer_.memory_size_visible) {
     memory_shown_ = transfer_.memory_size_visible;
-    ports_.status.ShowMemory(memory_shown_);
+    status_.ShowMemory(memory_shown_);
   }
   if (memory_size_shown_ != transfer_.memory_size) {
     memory_size_shown_ = transfer_.memory_size;
-    ports_.status.SetMemorySize(std::stoi(memory_size_shown_));
+    status_.SetMemorySize(std::stoi(memory_size_shown_));
     if (transfer_.data_files_frame_visible && transfer_.reload_enabled) {
       FocusControl("cmdReload");
     }

@@ -14,7 +14,6 @@
 #include "link/krmcomm.h"
 #include "platform/calendar.h"
 #include "presenter/data_files.h"
-#include "presenter/database_identity.h"
 #include "presenter/direct_connection.h"
 #include "presenter/download.h"
 #include "presenter/upload.h"
@@ -41,23 +40,8 @@ class DataTransferPage final : public MainTabPage, private RecipeDownloadHost {
 
  public:
   // Everything outlives it.
-  struct Ports {
-    Operator& op;
-    FileChooser& files;
-    const Calendar& calendar;
-    EventPump& pump;
-    const PrivateINI& settings;
-    DatabaseIdentity& identity;
-    KRMCOMM& krm;
-    TransferDatabases& databases;
-    TransferStatusPanel& status;
-    TextPrinter& printer;
-    // The folder for received data that cannot be saved as files.
-    std::function<std::filesystem::path()> data_folder = [] { return std::filesystem::path(); };
-    std::function<LocalTime()> now = LocalNow;
-  };
-
-  explicit DataTransferPage(const Ports& ports);
+  DataTransferPage(Services& services, KRMCOMM& krm, TransferDatabases& databases,
+                   TransferStatusPanel& status, TextPrinter& printer);
 
   // Another routine has used the serial port: a running direct connection reopens it.
   void ResumeDirectConnection();
@@ -75,9 +59,9 @@ class DataTransferPage final : public MainTabPage, private RecipeDownloadHost {
 
  private:
   // RecipeDownloadHost.
-  CurrentDatabase RecipeDatabase() const override { return ports_.databases.OpenRecipes(); }
-  void OpenRecipeDatabase() override { ports_.databases.BrowseRecipes(); }
-  void RecipesStored(int highest) override { ports_.databases.RecipesStored(highest); }
+  CurrentDatabase RecipeDatabase() const override { return databases_.OpenRecipes(); }
+  void OpenRecipeDatabase() override { databases_.BrowseRecipes(); }
+  void RecipesStored(int highest) override { databases_.RecipesStored(highest); }
   void FocusControl(std::string_view name) override;
   void TransferChanged() override { Show(); }
   void OpenRescueFile(const std::filesystem::path& path) override { upload_.UploadFromFile(path); }
@@ -99,8 +83,13 @@ class DataTransferPage final : public MainTabPage, private RecipeDownloadHost {
   void Show();
   void ShowMemory();
 
-  Ports ports_;
+  Services& services_;
+  KRMCOMM& krm_;
+  TransferDatabases& databases_;
+  TransferStatusPanel& status_;
+  TextPrinter& printer_;
   RefreshingOperator op_;
+  Services refreshing_;  // the same with op_
   TransferState transfer_;
   ReportFile files_;
   Upload upload_;

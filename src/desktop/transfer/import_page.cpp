@@ -206,16 +206,11 @@ void ImportGrid::paintEvent(QPaintEvent* event) {
   }
 }
 
-ImportPage::ImportPage(const Ports& ports)
-    : ports_(ports),
-      session_({.op = ports.op,
-                .files = ports.files,
-                .system = ports.system,
-                .settings = ports.settings,
-                .calendar = ports.calendar,
-                .identity = ports.identity,
-                .progress = *this,
-                .host = *this}),
+ImportPage::ImportPage(Services& services, ImportWindow& window, QFrame& pic_import)
+    : services_(services),
+      window_(window),
+      pic_import_(pic_import),
+      session_(services, *this, *this),
       grd_import_(new ImportGrid(session_, this)) {
   setObjectName(QStringLiteral("pageImport"));
   LayOut();
@@ -253,7 +248,7 @@ QLayout* ImportPage::LayOutFacts() {
 }
 
 void ImportPage::FillPicImport() {
-  QFrame& panel = ports_.pic_import;
+  QFrame& panel = pic_import_;
   pic_import_progress_ = new QFrame(&panel);
   pic_import_progress_->setObjectName(QStringLiteral("picImportProgress"));
   KeepPlace(*pic_import_progress_);
@@ -315,12 +310,12 @@ void ImportPage::Run(const std::function<void()>& flow) {
   try {
     flow();
   } catch (const std::exception& failure) {
-    ReportFailure(ports_.op, "Import Error", failure);
+    ReportFailure(services_.op, "Import Error", failure);
   }
 }
 
 void ImportPage::FocusControl(std::string_view name) {
-  auto* const control = ports_.pic_import.findChild<QWidget*>(ToQString(name));
+  auto* const control = pic_import_.findChild<QWidget*>(ToQString(name));
   if (control != nullptr && control->isEnabled() && control->isVisible()) {
     control->setFocus();
   }

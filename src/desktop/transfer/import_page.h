@@ -81,18 +81,8 @@ class ImportPage final : public MainTabPage, private ImportHost, private Progres
 
  public:
   // Everything except the window outlives the page.
-  struct Ports {
-    Operator& op;
-    FileChooser& files;
-    const SystemInfo& system;
-    const PrivateINI& settings;
-    const Calendar& calendar;
-    DatabaseIdentity& identity;
-    ImportWindow& window;
-    QFrame& pic_import;  // is filled
-  };
-
-  explicit ImportPage(const Ports& ports);
+  // The page adds its controls to `pic_import`.
+  ImportPage(Services& services, ImportWindow& window, QFrame& pic_import);
 
   // Asks for a file and imports it.
   void ImportXFile();
@@ -113,13 +103,11 @@ class ImportPage final : public MainTabPage, private ImportHost, private Progres
 
  private:
   // ImportHost.
-  OpenDatabases Databases() const override { return ports_.window.ImportDatabases(); }
-  std::vector<IngredientRecord> GridIngredients() override {
-    return ports_.window.GridIngredients();
-  }
-  void SelectTab(int tab) override { ports_.window.SelectTab(tab); }
+  OpenDatabases Databases() const override { return window_.ImportDatabases(); }
+  std::vector<IngredientRecord> GridIngredients() override { return window_.GridIngredients(); }
+  void SelectTab(int tab) override { window_.SelectTab(tab); }
   void FocusControl(std::string_view name) override;
-  void SaveTransactionDatabase() override { ports_.window.SaveTransactionDatabase(); }
+  void SaveTransactionDatabase() override { window_.SaveTransactionDatabase(); }
   void ImportChanged() override;
 
   // ProgressDisplay.
@@ -133,7 +121,9 @@ class ImportPage final : public MainTabPage, private ImportHost, private Progres
   void EnableStore();
   void Run(const std::function<void()>& flow);
 
-  Ports ports_;
+  Services& services_;
+  ImportWindow& window_;
+  QFrame& pic_import_;
   ImportPresenter session_;
   ImportGrid* grd_import_;
   QLabel* lbl_trans_filename_ = nullptr;

@@ -192,7 +192,7 @@ class RunningProgram : public UserSite {
 TEST_F(RunningProgram, ExitEndsAWaitAndGoesOnOnceThatHasUnwound) {
   const int code = Run([&](const DesktopContext& context) {
     Later([&context] { context.exit.FileExit(); });
-    const bool complete = GeneralDelay(context.pump).Wait(std::chrono::hours{1});
+    const bool complete = GeneralDelay(context.services.pump).Wait(std::chrono::hours{1});
     steps_.emplace_back(complete ? "waited" : "unwound");
   });
   EXPECT_EQ(code, 0);
@@ -217,7 +217,7 @@ TEST_F(RunningProgram, CloseBoxThatFailsLeavesTheProgramUpAndItsWaitsAlive) {
         context.exit.CloseBox();
         Later([&] {
           EXPECT_EQ(steps_.back(), "ReleaseDataControls");
-          EXPECT_TRUE(GeneralDelay(context.pump).Wait(Ms{1}));
+          EXPECT_TRUE(GeneralDelay(context.services.pump).Wait(Ms{1}));
           form_->fails_at.clear();
           context.exit.CloseBox();
         });

@@ -195,25 +195,8 @@ class NotingWindow : public MainWindow {
 TEST_F(RecordTabsTest, LoadingTheListsShowsInTheStatusPanel) {
   NotingWindow window(settings_, calendar_);
   GeneralDelay delay(pump_);
-  DatabaseIdentity identity(operator_, calendar_, settings_);
-  DatabaseCommands databases({.op = operator_,
-                              .files = chooser_,
-                              .system = system_,
-                              .app_folder = *app_folder_,
-                              .settings = settings_,
-                              .calendar = calendar_,
-                              .identity = identity,
-                              .delay = delay,
-                              .commands = window.Commands(),
-                              .tabs = window.Tabs(),
-                              .window = window});
-  const RecordTabs records({.feed = {.op = operator_,
-                                     .settings = settings_,
-                                     .calendar = calendar_,
-                                     .identity = identity},
-                            .delay = delay,
-                            .databases = databases,
-                            .window = window});
+  DatabaseCommands databases(*services_, delay, window.Commands(), window.Tabs(), window);
+  const RecordTabs records(*services_, delay, window);
   databases.CloseRecipeDatabase();
   databases.CloseTransactionDatabase();
   window.names.clear();

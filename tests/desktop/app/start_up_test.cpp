@@ -9,10 +9,8 @@
 
 #include "base/error.h"
 #include "desktop/app/recorded_main_form.h"
-#include "support/fixed_system_info.h"
-#include "support/manual_pump.h"
-#include "support/recording_operator.h"
 #include "support/temp_folder.h"
+#include "support/test_services.h"
 
 namespace vrx::testing {
 namespace {
@@ -54,8 +52,7 @@ class StartUp : public ::testing::Test, private SplashForm {
 
   std::unique_ptr<MainForm> Start() {
     return Main(
-        {.instance = instance_, .op = op_, .system = system_, .pump = pump_, .splash = *this},
-        application_, [this] { return LoadForm(); },
+        instance_, *this, services_, application_, [this] { return LoadForm(); },
         [this](MainForm& /*form*/) { Note("ended early"); });
   }
 
@@ -73,6 +70,16 @@ class StartUp : public ::testing::Test, private SplashForm {
   FixedSystemInfo system_;
   ManualPump pump_;
   ApplicationState application_{.app_folder = Folder(system_), .ini = {}, .settings = {}};
+  TestServices rest_;
+  Services services_{.op = op_,
+                     .files = rest_.files,
+                     .pump = pump_,
+                     .programs = rest_.programs,
+                     .calendar = rest_.calendar,
+                     .system = system_,
+                     .settings = application_.settings,
+                     .folder = application_.app_folder,
+                     .identity = rest_.identity};
   std::vector<std::string> steps_;
   std::string units_at_load_;
 

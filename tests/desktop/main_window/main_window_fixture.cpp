@@ -24,6 +24,15 @@ MainWindowFixture::MainWindowFixture() {
   ini_ = std::make_unique<CPrivateINI>(app_folder_->IniFilePath(), system_, operator_);
   static_cast<void>(PrivateINI::EnsureIniFile(*ini_, operator_));
   settings_.ReadIniSettings(*ini_);
+  services_.emplace(Services{.op = operator_,
+                             .files = chooser_,
+                             .pump = pump_,
+                             .programs = programs_,
+                             .calendar = calendar_,
+                             .system = system_,
+                             .settings = settings_,
+                             .folder = *app_folder_,
+                             .identity = identity_});
   operator_.boxes.clear();  // a new INI file is told
 }
 
@@ -31,17 +40,8 @@ MainWindowFixture::~MainWindowFixture() = default;
 
 VrxMain& MainWindowFixture::Main() {
   if (!main_) {
-    main_ = std::make_unique<VrxMain>(VrxMain::Ports{.op = operator_,
-                                                     .files = chooser_,
-                                                     .user_settings = user_settings_,
-                                                     .calendar = calendar_,
-                                                     .system = system_,
-                                                     .pump = pump_,
-                                                     .serial = serial_,
-                                                     .app_folder = *app_folder_,
-                                                     .ini = *ini_,
-                                                     .settings = settings_,
-                                                     .exit = exit_});
+    main_ =
+        std::make_unique<VrxMain>(*services_, lock_waits_, user_settings_, serial_, *ini_, exit_);
   }
   return *main_;
 }

@@ -5,11 +5,13 @@
 #include <QToolButton>
 #include <filesystem>
 #include <memory>
+#include <optional>
 #include <string>
 #include <vector>
 
 #include <gtest/gtest.h>
 
+#include "adapters/program_runner.h"
 #include "desktop/app/main_form.h"
 #include "support/fake_serial_control.h"
 #include "support/fixed_calendar.h"
@@ -86,6 +88,10 @@ class MainWindowFixture : public ::testing::Test {
   PrivateINI settings_;
   std::unique_ptr<Folder> app_folder_;
   std::unique_ptr<CPrivateINI> ini_;
+  ChildProcessRunner programs_;
+  WaitBudget lock_waits_{kLongestLockWait};
+  DatabaseIdentity identity_{operator_, calendar_, settings_, lock_waits_};
+  std::optional<Services> services_;
   std::unique_ptr<VrxMain> main_;
   std::vector<std::unique_ptr<MainTabPage>> replaced_;
 };

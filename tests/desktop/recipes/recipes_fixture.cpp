@@ -47,15 +47,11 @@ RecipesFixture::RecipesFixture() {
     SetRecipe(id, &RecipeRecord::ration_target, "5000");
   }
   form_ = std::make_unique<QWidget>();
-  page_ = new RecipesPage(
-      {.feed = {.op = op_, .settings = settings_, .calendar = calendar_, .identity = identity_},
-       .delay = delay_,
-       .abbreviation = abbreviation_,
-       .record_changed = [this] { ++changes_; }},
-      form_.get());
+  page_ = new RecipesPage(services_, delay_, abbreviation_, form_.get());
   auto* const layout = new QVBoxLayout(form_.get());
   layout->addWidget(page_);
   new EnterAsTab(form_.get());
+  QObject::connect(page_, &RecordPage::RecordChanged, page_, [this] { ++changes_; });
   QObject::connect(page_, &RecordPage::Moved, page_,
                    [this](int position) { moved_.push_back(position); });
   QObject::connect(page_, &RecordPage::CancelAllowed, page_,

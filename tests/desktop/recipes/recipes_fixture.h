@@ -25,6 +25,7 @@
 #include "support/manual_pump.h"
 #include "support/recording_operator.h"
 #include "support/temp_folder.h"
+#include "support/test_services.h"
 
 namespace vrx::testing {
 
@@ -114,6 +115,16 @@ class RecipesFixture : public ::testing::Test {
   FixedCalendar calendar_;
   PrivateINI settings_;
   DatabaseIdentity identity_{op_, calendar_, settings_};
+  TestServices rest_;
+  Services services_{.op = op_,
+                     .files = rest_.files,
+                     .pump = pump_,
+                     .programs = rest_.programs,
+                     .calendar = calendar_,
+                     .system = rest_.system,
+                     .settings = settings_,
+                     .folder = rest_.folder,
+                     .identity = identity_};
   GeneralDelay delay_{pump_};
   AutoAbbreviation abbreviation_;
   BoundDatabase bound_;
@@ -121,7 +132,7 @@ class RecipesFixture : public ::testing::Test {
   RecipesPage* page_;
   std::vector<int> moved_;            // what Moved told
   std::vector<bool> cancel_allowed_;  // what CancelAllowed told
-  int changes_ = 0;                   // of records, as the ports were told
+  int changes_ = 0;                   // of records, as RecordChanged told
 };
 
 }  // namespace vrx::testing

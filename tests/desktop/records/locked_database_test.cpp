@@ -49,14 +49,14 @@ class LockedDatabase : public MainWindowFixture {};
 TEST_F(LockedDatabase, IsWaitedForOncePerAction) {
   Open(DatabaseKind::kRecipe);
   Show();
-  const std::chrono::milliseconds limit = Main().LockWaits().Left();
+  const std::chrono::milliseconds limit = lock_waits_.Left();
   EXPECT_LT(limit, std::chrono::seconds{2});
   const std::filesystem::path path = Main().Databases().Bound(DatabaseKind::kRecipe).path;
   {
     SQLite::Database other(path, SQLite::OPEN_READWRITE);
     other.exec("BEGIN EXCLUSIVE");
     Choose(u"mnuFileSaveRecipeDB"_qs);
-    EXPECT_EQ(Main().LockWaits().Left().count(), 0);
+    EXPECT_EQ(lock_waits_.Left().count(), 0);
     EXPECT_THROW(Main()
                      .Databases()
                      .Bound(DatabaseKind::kRecipe)
@@ -66,7 +66,7 @@ TEST_F(LockedDatabase, IsWaitedForOncePerAction) {
   EXPECT_EQ(operator_.boxes.at(0).text, "A table in the specified database is locked.");
   EXPECT_TRUE(On(u"mnuFileCloseRecipeDB"_qs));
   QTest::keyClick(Window().windowHandle(), Qt::Key_Shift);
-  EXPECT_EQ(Main().LockWaits().Left(), limit);
+  EXPECT_EQ(lock_waits_.Left(), limit);
 }
 
 }  // namespace

@@ -9,10 +9,7 @@
 #include "base/error.h"
 #include "desktop/transfer/data_transfer_page.h"
 #include "support/fake_serial_control.h"
-#include "support/fixed_calendar.h"
-#include "support/manual_pump.h"
-#include "support/recording_operator.h"
-#include "support/scripted_file_chooser.h"
+#include "support/test_services.h"
 
 namespace vrx::testing {
 namespace {
@@ -39,34 +36,19 @@ class NoDatabases : public TransferDatabases {
   void RecipesStored(int /*highest_in_use*/) override {}
 };
 
-class PrintOfTheDataWindow : public ::testing::Test {
+class PrintOfTheDataWindow : public ::testing::Test, protected TestServices {
  protected:
   PrintOfTheDataWindow() { settings.SetEnablePrintTextOn(true); }
 
   void Print(const std::string& typed) {
-    DataTransferPage page({.op = op,
-                           .files = files,
-                           .calendar = calendar,
-                           .pump = pump,
-                           .settings = settings,
-                           .identity = identity,
-                           .krm = krm,
-                           .databases = databases,
-                           .status = status,
-                           .printer = printer});
+    DataTransferPage page(services, krm, databases, status, printer);
     page.Prepare();
     QTest::keyClicks(page.findChild<QPlainTextEdit*>(u"txtDataWindow"_qs),
                      QString::fromStdString(typed));
     QTest::mouseClick(page.findChild<QPushButton*>(u"cmdPrintText"_qs), Qt::LeftButton);
   }
 
-  RecordingOperator op;
-  ScriptedFileChooser files;
-  FixedCalendar calendar;
-  ManualPump pump;
   FakeSerialControl serial{pump};
-  PrivateINI settings;
-  DatabaseIdentity identity{op, calendar, settings};
   KRMCOMM krm{serial, pump, op, settings};
   NoDatabases databases;
   TransferStatusPanel status;

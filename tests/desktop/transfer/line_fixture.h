@@ -46,17 +46,7 @@ class LineFixture : public TransferFixture {
 
   LineFixture() {
     std::filesystem::create_directories(ports_);
-    main_ = std::make_unique<VrxMain>(VrxMain::Ports{.op = screen_,
-                                                     .files = chooser_,
-                                                     .user_settings = user_settings_,
-                                                     .calendar = calendar_,
-                                                     .system = system_,
-                                                     .pump = events_,
-                                                     .serial = line_,
-                                                     .app_folder = *app_folder_,
-                                                     .ini = *ini_,
-                                                     .settings = settings_,
-                                                     .exit = exit_});
+    main_ = std::make_unique<VrxMain>(on_screen_, lock_waits_, user_settings_, line_, *ini_, exit_);
     MainWindow& window = main_->Window();
     QObject::connect(&screen_, &QtOperator::StatusLineChanged, &window,
                      [this](const QString& text) {
@@ -163,6 +153,16 @@ class LineFixture : public TransferFixture {
   QtEventPump events_;
   QtSerialControl line_{
       [this](int number) { return LinuxPortDevice(app_folder_->DefaultAppPath(), number); }};
+  DatabaseIdentity screen_identity_{screen_, calendar_, settings_, lock_waits_};
+  Services on_screen_{.op = screen_,
+                      .files = chooser_,
+                      .pump = events_,
+                      .programs = programs_,
+                      .calendar = calendar_,
+                      .system = system_,
+                      .settings = settings_,
+                      .folder = *app_folder_,
+                      .identity = screen_identity_};
 };
 
 }  // namespace vrx::testing
