@@ -1,7 +1,7 @@
 // What the desktop program costs its user: the time from its start to its main window, the
 // processor while nobody touches it, and memory. The real program runs, on a display of its own.
 //
-// Its main window is shown when it has loaded and the splash has stood for its 2000 ms since then.
+// Its main window appears when it has loaded and has then shown the splash for 2000 ms.
 // So what is measured is the time from the start of the process to the main window on the display,
 // less these 2000 ms: loading, and showing besides.
 
@@ -101,7 +101,7 @@ class DesktopBench {
     fs::create_directory(folder_ / "config");
     fs::create_directory(folder_ / "run");
     fs::permissions(folder_ / "run", fs::perms::owner_all);
-    // The first start of all stops at a box that tells of the file it made.
+    // The very first start stops at a message box about the file it has created.
     folder_.Write("data/Brantock/VRX-2260/VRX-2260.INI", "[Comments]\nTitle=x\n");
   }
 

@@ -55,7 +55,7 @@ double PeakMegabytes(const std::function<void()>& work) {
   if (process < 0 || wait4(process, &status, 0, &usage) != process || status != 0) {
     throw std::runtime_error("the work failed in a process of its own");
   }
-  return static_cast<double>(usage.ru_maxrss) / 1024;  // told in kilobytes
+  return static_cast<double>(usage.ru_maxrss) / 1024;  // from kilobytes
 }
 
 void Figures::Limited(const std::string& name, double figure, double limit,

@@ -41,7 +41,7 @@ std::string NameOf(const DataGroup& group) {
   return std::to_string(group.index) + " " + std::string(group.item);
 }
 
-// What the thread that draws has worked, whoever else keeps the machine busy.
+// The processor time of the drawing thread, independent of other load on the machine.
 double ProcessorMilliseconds(const std::function<void()>& work) {
   const auto now = [] {
     timespec time{};
@@ -57,7 +57,7 @@ double Slowest(const std::vector<double>& times) {
   return *std::max_element(times.begin(), times.end());
 }
 
-// The page of a yard, on show.
+// The shown page of a yard.
 class ShownPage {
  public:
   explicit ShownPage(const Years& years)

@@ -52,7 +52,7 @@ void BmParseByTransactionNumber(benchmark::State& state) {
 }
 BENCHMARK(BmParseByTransactionNumber)->Arg(1)->Arg(1'000'000)->Arg(2'147'000'000);
 
-// Every mark counts the one long list of times again; the text ends in an error behind the counts.
+// Every mark counts the one long list of times again; the text ends in an error after the counts.
 void BmCountOfRepeatedMarks(benchmark::State& state) {
   std::string text = "{BAT/FED},L\r\n[BAT],";
   for (std::int64_t i = 0; i < state.range(0); ++i) {

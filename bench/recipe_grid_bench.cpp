@@ -2,7 +2,7 @@
 // 32 lines on the glass, the tab from its choice to the glass, and each recipe of a full database
 // from the navigator's button to the glass. Real widgets, drawn without a display; every edit is
 // stored with a full flush. The figures of a cell are on the glass before the flush, so that the
-// disk has no part in them; what the key took with it is told as well.
+// disk does not delay them; the time of the key including the flush is reported too.
 
 #include <QApplication>
 #include <QEvent>
@@ -76,13 +76,13 @@ std::filesystem::path MakeFullDatabase(const std::filesystem::path& path) {
 }
 
 // Of a key that ends the entry of a cell, in milliseconds: until all figures that follow from it
-// are on the glass, and until it is stored and the next cell waits for its entry.
+// are on the screen, and until it is stored and the next cell is ready for input.
 struct KeyTimes {
   double figures;
   double whole;
 };
 
-// Which figures were on the glass, and when, as the database began to flush its step to the disk.
+// The figures on the screen, and their time, when the database began to flush the step to disk.
 class FlushWatch : public QObject {
  public:
   FlushWatch(const QWidget& page, SQLite::Database& database)
@@ -105,8 +105,8 @@ class FlushWatch : public QObject {
   FlushWatch(FlushWatch&&) = delete;
   FlushWatch& operator=(FlushWatch&&) = delete;
 
-  // Milliseconds from the watch's beginning to the flush. Throws where what stands now was not on
-  // the glass by then.
+  // Milliseconds from the start of the watch to the flush. Throws if the current figures were not
+  // on the screen by then.
   double Began() const {
     if (figures_at_flush_ != Figures() || total_at_flush_ != total_.text()) {
       throw Error("the figures were not drawn before the flush");
@@ -155,7 +155,7 @@ class FlushWatch : public QObject {
   QString total_at_flush_;
 };
 
-// The page on show, on a database where each recipe is full.
+// The shown page, with a database where each recipe is full.
 class ShownPage {
  public:
   ShownPage() {

@@ -35,7 +35,7 @@ namespace fs = std::filesystem;
 
 constexpr int kRows = 6000;
 constexpr int kRounds = 15;
-constexpr int kBatchRows = 4;  // of each transaction, and as many feeds behind them
+constexpr int kBatchRows = 4;  // of each transaction, followed by as many feeds
 constexpr double kShellTarget = 1.5;
 constexpr double kEmptyTarget = 1.2;
 

@@ -74,8 +74,8 @@ std::string Repeated(std::string_view piece, std::size_t times) {
   return text;
 }
 
-// A damaged file that counts as many rows as are let in: each "B," counts as a batch of the whole
-// list of times.
+// A damaged file with the largest accepted number of rows: each "B," is counted as a batch of the
+// whole list of times.
 std::string CrowdedFile() {
   return "{BAT/FED},L\r\n[BAT],B,1,3,01152009,2,4,0," + Repeated("B,", 999) + "0;" +
          Repeated("0830,", 100) + "0,0;1,0,0;1,0,0\r\n\r\n[FED],\r\n\r\n";

@@ -40,7 +40,7 @@ std::string LevelKeys(const DataGroup& group, std::size_t count);
 // What a command line asks of a benchmark; throws for what it cannot mean.
 struct BenchOptions {
   std::int64_t rows = 1'000'000;  // --rows N
-  int rounds = 3;                 // --rounds N, timed ones behind the first
+  int rounds = 3;                 // --rounds N, timed ones after the first
   int group = -1;                 // --group N: of this one only
 };
 BenchOptions ReadBenchOptions(std::span<const char* const> arguments);

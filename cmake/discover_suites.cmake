@@ -11,7 +11,7 @@ string(REGEX MATCHALL "[^\n]+" lines "${list}")
 set(suites)
 foreach(line IN LISTS lines)
   if(line MATCHES "^([A-Za-z0-9_/]+)\\.")
-    # Instances of a suite with parameters are one case.
+    # All instances of a parameterized suite are one case.
     string(REGEX REPLACE "^[A-Za-z0-9_]+/([A-Za-z0-9_]+).*" "\\1" suite "${CMAKE_MATCH_1}")
     list(APPEND suites ${suite})
   endif()

@@ -1,5 +1,5 @@
-# What `cmake --install` lays down and what cpack makes of it. The programs look for their templates,
-# stylesheets and documents in the directory that they lie in, so all of these go there together; on
+# The files of `cmake --install` and the packages of cpack. The programs look for their templates,
+# stylesheets and documents in their own directory, so all of these are installed there together; on
 # Unix the search path gets links to the programs.
 include(GNUInstallDirs)
 

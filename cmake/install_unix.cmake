@@ -19,7 +19,7 @@ install(FILES ${CMAKE_SOURCE_DIR}/data/icons/logo.svg
   DESTINATION ${CMAKE_INSTALL_DATADIR}/icons/hicolor/scalable/apps RENAME vrx2260.svg)
 install(FILES ${packaging}/70-vrx2260.rules DESTINATION lib/udev/rules.d)
 
-# Debian's form of the licence: indented, a point for an empty line.
+# Debian's format of the license: indented, a period for an empty line.
 file(READ ${CMAKE_SOURCE_DIR}/LICENSE licence)
 string(REGEX MATCH "Copyright \\(c\\) [^\n]+" COPYRIGHT_LINE "${licence}")
 string(REPLACE "Copyright (c)" "Copyright:" COPYRIGHT_LINE "${COPYRIGHT_LINE}")
@@ -32,11 +32,12 @@ install(FILES ${made}/copyright DESTINATION ${doc_dir})
 
 set(CPACK_DEBIAN_PACKAGE_RELEASE 1)
 set(DEBIAN_VERSION ${PROJECT_VERSION}-${CPACK_DEBIAN_PACKAGE_RELEASE})
-# Respects SOURCE_DATE_EPOCH, as everything that is built again does.
+# Respects SOURCE_DATE_EPOCH, for reproducible builds.
 string(TIMESTAMP DEBIAN_DATE "%a, %d %b %Y %H:%M:%S +0000" UTC)
 configure_file(${packaging}/changelog.Debian.in ${made}/changelog.Debian @ONLY)
 
-# vrx_install_compressed(SOURCE NAME DESTINATION): SOURCE as NAME.gz, the same bytes at every build.
+# vrx_install_compressed(SOURCE NAME DESTINATION): installs SOURCE as NAME.gz, the same bytes in every
+# build.
 find_program(VRX_GZIP gzip REQUIRED)
 set(compressed)
 function(vrx_install_compressed source name destination)
@@ -51,7 +52,7 @@ endfunction()
 vrx_install_compressed(${made}/changelog.Debian changelog.Debian ${doc_dir})
 vrx_install_compressed(${CMAKE_SOURCE_DIR}/CHANGELOG.md changelog ${doc_dir})
 
-# What tells of the command lines is made of what the programs tell of themselves.
+# Manual pages and completion are generated from the programs' own help.
 add_custom_command(OUTPUT ${made}/vrx2260ctl.1
   COMMAND make_command_docs ${packaging}/vrx2260ctl.1.in ${made}/vrx2260ctl.1
   DEPENDS make_command_docs ${packaging}/vrx2260ctl.1.in

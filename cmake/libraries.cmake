@@ -1,6 +1,6 @@
 # A library is a folder of src/, built as one static library. Its headers are included as
-# "library/header.h", and only by those that name it in MAY_INCLUDE: each library has an include
-# root of its own that holds nothing else, so an include that is not allowed does not compile.
+# "library/header.h", and only by libraries that list it in MAY_INCLUDE: each library has a separate
+# include root, so any other include does not compile.
 #
 #   vrx_library(link SOURCES krmcomm.cpp ... MAY_INCLUDE platform base [LIBRARIES lib ...])
 function(vrx_library name)

@@ -1,5 +1,5 @@
 # cmake -DPROGRAM=... -DTEMPLATE=... -DOUT=... -DCOMMANDS="module;indicator" -P man_page_of_help.cmake
-# Puts what `PROGRAM COMMAND --help` says in the place of @HELP_COMMAND@, in the language of man(7).
+# Replaces @HELP_COMMAND@ by the output of `PROGRAM COMMAND --help`, in the format of man(7).
 file(READ ${TEMPLATE} page)
 foreach(command IN LISTS COMMANDS)
   execute_process(COMMAND ${PROGRAM} ${command} --help OUTPUT_VARIABLE help RESULT_VARIABLE code)

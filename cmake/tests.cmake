@@ -1,7 +1,7 @@
-# The headers that nearly every test includes, compiled once. GCC uses them only where the options
-# are the same, so all of the tests' own code is position independent and not optimized: a build
-# from nothing spends most of its time on the tests, and hardly any of them gains by being fast.
-# SQLiteCpp is not among them: it defines macros.
+# Precompiles the headers that nearly every test includes. GCC uses them only with equal options, so
+# all test code is position independent and not optimized: a clean build spends most of its time on
+# compiling the tests, and few of them run faster when optimized. SQLiteCpp is not included, because
+# it defines macros.
 # ccache needs the preprocessed text.
 set(VRX_TEST_OPTIONS $<$<AND:$<BOOL:${VRX_UNITY}>,$<CXX_COMPILER_ID:GNU>>:-fpch-preprocess>)
 add_library(vrx_test_headers OBJECT ${CMAKE_SOURCE_DIR}/cmake/test_headers.cpp)
@@ -12,7 +12,7 @@ target_precompile_headers(vrx_test_headers PRIVATE
   <algorithm> <array> <chrono> <cstdint> <filesystem> <fstream> <functional> <map> <memory>
   <optional> <set> <sstream> <string> <string_view> <utility> <vector>)
 
-# vrx_tests_code(TARGET): compiles a target of the tests as described above.
+# vrx_tests_code(TARGET): compiles a target of the tests with these options.
 function(vrx_tests_code target)
   target_compile_options(${target} PRIVATE -O0 -fPIC ${VRX_TEST_OPTIONS})
   target_link_libraries(${target} PRIVATE GTest::gmock)
@@ -22,9 +22,8 @@ endfunction()
 
 set(VRX_SLOTS_OF_A_PROCESSOR 3)  # CMakePresets.json counts on it: two processors, six jobs
 
-# A test program named after the library it tests; each suite is a ctest case. WAITING names the
-# suites that spend their time waiting for a serial line or a program: more of them run at once than
-# of those that compute.
+# A test program with the name of its library; each suite is a ctest case. WAITING lists the suites
+# that mostly wait for a serial line or a program: more of them run in parallel.
 #
 #   vrx_test(link SOURCES krmcomm_test.cpp ... LIBRARIES vrx_link ... [DEPENDS target ...]
 #     [WAITING suite ...])
@@ -43,8 +42,8 @@ function(vrx_test name)
   vrx_discover_suites(${name} "${TEST_WAITING}")
 endfunction()
 
-# Registers the suites of a test program with ctest once it is built. ctest includes the file that
-# the build writes; without a build the program is named as a case that fails.
+# Registers the suites of a test program with ctest after it is built. ctest includes the file that
+# the build writes; without a build the program is registered as a failing case.
 function(vrx_discover_suites name waiting)
   set(suites ${CMAKE_CURRENT_BINARY_DIR}/${name}_suites.cmake)
   add_custom_command(TARGET ${name}_test POST_BUILD

@@ -9,7 +9,7 @@ fail() { echo "FAILED: $1" >&2; exit 1; }
 user=(setpriv --reuid=nobody --regid=nogroup --clear-groups env "HOME=$home")
 as_user() { "${user[@]}" "$@"; }
 
-# Every file of the system but what the packaging itself keeps books with.
+# All files of the system except the package manager's own records.
 files() {
   find / -xdev \( -path /proc -o -path /dev -o -path /sys -o -path /tmp -o -path /run \
     -o -path /var/lib/dpkg -o -path /var/lib/apt -o -path /var/cache -o -path /var/log \) -prune \
@@ -20,7 +20,7 @@ say "What it depends on"
 apt-get update -q >/dev/null
 apt-get satisfy -q -y --no-install-recommends "$(dpkg-deb -f "$deb" Depends)" >/tmp/apt.log
 grep '^Need to get' /tmp/apt.log || echo "Nothing to download."
-# Those who keep caches of what the package brings, and tools that read it.
+# Packages that cache the package's files, and tools that read them.
 apt-get install -q -y --no-install-recommends shared-mime-info desktop-file-utils man-db \
   bash-completion libglib2.0-bin poppler-utils >/dev/null
 files >/tmp/before
@@ -65,7 +65,7 @@ sleep 5
 kill -0 $window 2>/dev/null || fail "the window has gone: $(cat $home/said)"
 kill -TERM $window
 wait $window || fail "the window ended with $?: $(cat $home/said)"
-# Only a window that stood keeps its place and size.
+# Only a window that was shown saves its position and size.
 [ -s "$home/.config/Brantock/VRX(2260).conf" ] || fail "the window kept nothing for its user"
 echo "It starts, and ends in order."
 

@@ -1,12 +1,12 @@
-# To be sourced: a user of vrx2260 who works at the sample site, with folders of its own for data and
-# settings, so that nothing of the real user is touched. Needs `bin`, the program's directory.
+# To be sourced: runs vrx2260 with the sample site and separate folders for data and settings, so that
+# the real user's files do not change. Needs `bin`, the program's directory.
 
 data_folder() { echo "$1/data/Brantock/VRX-2260"; }
 
-# port_link HOME N: the link that stands for serial port N.
+# port_link HOME N: the link for serial port N.
 port_link() { echo "$(data_folder "$1")/Ports/COM$2"; }
 
-# write_ini HOME YES|NO: whether the databases of the last run are opened at the start. The program
+# write_ini HOME YES|NO: whether to open the databases of the last run at the start. The program
 # completes the file.
 write_ini() {
   cat >"$(data_folder "$1")/VRX-2260.INI" <<END
@@ -20,7 +20,7 @@ AutoloadTransDB=$2
 END
 }
 
-# quiet_ctl HOME WORD...: vrx2260ctl, heard only when it fails.
+# quiet_ctl HOME WORD...: runs vrx2260ctl and shows its output only if it fails.
 quiet_ctl() {
   local home=$1 said
   shift
@@ -30,8 +30,8 @@ quiet_ctl() {
   }
 }
 
-# make_sample_desktop HOME: the recipes and the first six days of the week, as the databases of the
-# last run. What stood in HOME is gone.
+# make_sample_desktop HOME: creates the recipes and the first six days of the week as the databases of
+# the last run. Deletes the previous contents of HOME.
 make_sample_desktop() {
   local home=$1 data
   data=$(data_folder "$home")
@@ -53,8 +53,8 @@ MRU_TransFileName=JANUARY.TDB
 END
 }
 
-# on_sample_desktop HOME COMMAND...: becomes the command, so it is called in a subshell. The look of
-# the real user's desktop stays.
+# on_sample_desktop HOME COMMAND...: executes the command in place of the shell, so call it in a
+# subshell. Keeps the theme of the real user's desktop.
 on_sample_desktop() {
   local home=$1
   shift

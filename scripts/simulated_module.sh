@@ -1,10 +1,10 @@
-# To be sourced: the data module on a pseudo-terminal, played by vrx2260sim at the line's own pace.
-# Needs `bin`, the program's directory. Who sources this stops the module at the end.
+# To be sourced: the data module on a pseudo-terminal, simulated by vrx2260sim at the line's own pace.
+# Needs `bin`, the program's directory. The caller stops the module at the end.
 
 simulator=
 
-# play_module LINK SAID [OPTION]...: the module is ready behind LINK when this returns. What the
-# simulator says goes to the file SAID.
+# play_module LINK SAID [OPTION]...: starts the module and returns when LINK is ready. The file SAID
+# gets the simulator's output.
 play_module() {
   local link=$1 said=$2
   shift 2

@@ -2,7 +2,7 @@
 //
 //   make_sample_site SOURCE_FOLDER BLANK_TEMPLATE TARGET
 //
-// data/sample_site/README.md tells the form of the texts.
+// data/sample_site/README.md describes the format of the texts.
 
 #include <algorithm>
 #include <exception>
@@ -96,7 +96,7 @@ std::vector<std::string> Split(const std::string& line) {
   return cells;
 }
 
-// Hands on the rows behind the heading; throws Error with file and line.
+// Passes on the rows after the heading; throws Error with file and line.
 void ReadTable(const fs::path& path, const std::vector<std::string>& heading,
                const std::function<void(const Row&)>& take) {
   std::istringstream text(vrx::ReadFileBytes(path, kMaxText));

@@ -66,7 +66,7 @@ class CtlTest : public ::testing::Test {
     return code;
   }
 
-  // What stands on a terminal that shows both streams, as of the last run.
+  // The contents of a terminal that shows both streams of the last run.
   std::string Screen() const {
     std::string shown;
     for (std::size_t i = 0; i < screen_text.size(); ++i) {

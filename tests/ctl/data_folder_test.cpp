@@ -20,7 +20,7 @@ using ::testing::Not;
 
 class DataFolder : public CtlTest {
  protected:
-  // Somebody without rights reads it as well.
+  // A user without rights can read it too.
   DataFolder() {
     using enum fs::perms;
     fs::permissions(folder.Path(), group_read | group_exec | others_read | others_exec,

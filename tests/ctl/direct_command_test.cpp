@@ -13,7 +13,7 @@ using ::testing::HasSubstr;
 using ::testing::IsEmpty;
 using ::testing::StartsWith;
 
-// Times count from the program's start; the connection stands after 500 ms.
+// Times count from the program's start; the connection exists after 500 ms.
 class DirectCommand : public CtlTest {
  protected:
   int Direct(const std::vector<std::string>& more) {

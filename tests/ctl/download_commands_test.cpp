@@ -21,7 +21,7 @@ using ::testing::StartsWith;
 
 const std::string kBackup = "{DATA_IN},L\r\n\r\n[ING]\r\n\r\n";
 
-// A yard of one ingredient, one recipe by weight with a head count left behind, and one pen.
+// A yard of one ingredient, one recipe by weight with an old head count, and one pen.
 class DownloadCommands : public CtlTest {
  protected:
   DownloadCommands() {
@@ -221,7 +221,7 @@ TEST_F(DownloadCommands, ALockedDatabaseIsReportedAndNothingIsSent) {
   EXPECT_THAT(serial.events, IsEmpty());
 }
 
-// Run with the rights of nobody: a superuser may write everywhere. The settings stay readable.
+// Runs as the user nobody, because a superuser may write everywhere. The settings are readable.
 TEST_F(DownloadCommands, AWriteProtectedDatabaseIsReportedAndNothingIsSent) {
   const TempFolder archive;
   fs::copy_file(yard, archive / "YARD.RDB");

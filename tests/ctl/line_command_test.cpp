@@ -243,7 +243,7 @@ TEST_F(LineCommand, RefusesALockedFile) {
   EXPECT_TRUE(ReadAll(database) == before);
 }
 
-// With the rights of nobody: a superuser may write everywhere. The settings stay readable.
+// Runs as the user nobody, because a superuser may write everywhere. The settings are readable.
 TEST_F(LineCommand, RefusesAReadOnlyFile) {
   AddCornHaySupplement();
   const TempFolder archive;

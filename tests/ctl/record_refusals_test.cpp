@@ -167,7 +167,7 @@ TEST_F(RecordRefusals, ALockedFile) {
   EXPECT_TRUE(ReadAll(database) == before);
 }
 
-// Run with the rights of nobody: a superuser may write everywhere. The settings stay readable.
+// Runs as the user nobody, because a superuser may write everywhere. The settings are readable.
 TEST_F(RecordRefusals, AReadOnlyFile) {
   const TempFolder archive;
   const std::string fixed = (archive / "FIXED.RDB").string();

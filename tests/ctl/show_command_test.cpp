@@ -81,7 +81,7 @@ TEST_F(ShowCommands, ShowsTheRowsOfTheGridWithAllGroupsOpen) {
           "total\t1\t\tTotal:\t\t780\t1100\t\t\t"));
 }
 
-// Run with the rights of nobody: a superuser may write everywhere.
+// Runs as the user nobody, because a superuser may write everywhere.
 TEST_F(ShowCommands, AWriteProtectedDatabaseIsShown) {
   const TempFolder archive;
   std::filesystem::copy_file(transactions, archive / "YARD.TDB");

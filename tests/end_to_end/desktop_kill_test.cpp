@@ -16,7 +16,7 @@ namespace {
 namespace fs = std::filesystem;
 using std::chrono::milliseconds;
 
-// The desktop program, killed while it starts, loads, stands or ends.
+// The desktop program, killed while it starts, loads, is idle or ends.
 class DesktopKilled : public DesktopUser {
  protected:
   DesktopKilled() {

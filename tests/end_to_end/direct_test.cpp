@@ -145,7 +145,7 @@ TEST_F(DirectOverALine, LoadedBackupReachesTheIndicator) {
   EXPECT_EQ(ReadAll(folder / "out/01.RBU"), backup);
 }
 
-// The image is the recipe file, by both of the indicator's commands, and stands there at the end.
+// The image is the recipe file with both of the indicator's commands, and is unchanged at the end.
 TEST_F(DirectOverALine, LoadedDatabaseReachesTheIndicator) {
   const std::string database = (folder / "SITE.RDB").string();
   std::filesystem::copy_file(SitePath("SITE.RDB"), database);

@@ -123,7 +123,7 @@ TEST_F(DownloadOverALine, AFullDatabaseIsWhole) {
   EXPECT_EQ(Memory(*module), text);
 }
 
-// The head counts that the file does not tell become 0 with the download; the text stays the same.
+// Head counts that the file lacks become 0 in the download; the text does not change.
 // Recipes that are not written keep theirs.
 TEST_F(DownloadOverALine, EmptiesTheHeadCountsThatItDoesNotTell) {
   SQLite::Database(database, SQLite::OPEN_READWRITE).exec("UPDATE Recipe SET HeadCount = 70");

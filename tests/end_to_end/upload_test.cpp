@@ -51,7 +51,7 @@ class UploadOverALine : public ProgramsTest {
   std::string file = folder.Write("small.qxt", kSmallFile).string();
 };
 
-// The road of a day: from the module's memory to rows, everything at the line's own pace.
+// The daily flow: from the module's memory to stored rows, all at the line's own pace.
 TEST_F(UploadOverALine, ADayGoesFromTheModuleIntoTheDatabase) {
   const std::string day = SitePath("day1.qxt");
   const auto module = StartModule({"--load", day});

@@ -35,7 +35,7 @@ class WrongDatabases : public ProgramsTest {
     return start == std::string::npos ? "" : err.substr(start, err.find('\n', start) - start);
   }
 
-  // Returns the cause that `info` told.
+  // Returns the cause that `info` reported.
   std::string RefusedUntouched(const std::string& path) {
     const std::string before = fs::exists(path) ? ReadAll(path) : "(none)";
     for (const auto& args : Uses(path)) {
@@ -140,8 +140,8 @@ TEST_F(WrongDatabases, NewOnesOnAFullOrReadOnlyDiskNameTheCauseAndThePath) {
   }
 }
 
-// A superuser may write everywhere: the tool runs with the rights of nobody, from a place that
-// nobody can reach.
+// A superuser may write everywhere, so the tool runs as the user nobody, from a folder which that
+// user can reach.
 TEST_F(WrongDatabases, AReadOnlyOneCanBeListedAndNotEdited) {
   fs::permissions(folder.Path(), fs::perms::all);
   fs::permissions(folder / "data", fs::perms::all);

@@ -312,7 +312,7 @@ TEST_P(AgreementOfAnyRows, AreTheSameFilesOfATableWithoutIndexesByName) {
 
 INSTANTIATE_TEST_SUITE_P(AllGroups, AgreementOfAnyRows, ::testing::Range(1, 13));
 
-// Tables on which the grid and the exports differ, each for the reason that its name tells.
+// Tables on which the grid and the exports differ, for the reason that the name states.
 class Difference : public Agreement {
  protected:
   void ExpectDifference(Rows rows, const Totals& grid, const Totals& exports) {

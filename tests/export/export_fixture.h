@@ -11,7 +11,7 @@
 
 namespace vrx::testing {
 
-// A row of Transactions as a test tells it; texts in stored form, "" for NULL.
+// A row of Transactions as a test specifies it; texts in stored form, "" for NULL.
 struct SiteRow {
   int transaction = 1;
   std::string recipe = "STARTER";

@@ -39,8 +39,8 @@ Totals Sorted(Totals totals);
 // whole tenths, and add them without an error of rounding.
 Totals ExpectedInGrid(int group, const Rows& all);
 
-// What the exports write, with their own ways: by date a transaction stands whole under each of its
-// dates, the groups of a type sum rows of any type, no user means the whole transaction, and a
+// The totals that exports write by their own rules: by date a transaction is whole under each of
+// its dates, the groups of a type sum rows of any type, no user means the whole transaction, and a
 // user's type means the rows of either.
 Totals ExpectedInExport(int group, const Rows& rows);
 

@@ -78,7 +78,7 @@ struct ConversionFixture {
     return rows;
   }
 
-  // Names in the folder, so that what is left behind is seen.
+  // The names in the folder, to detect leftover files.
   std::set<std::string> Files() const {
     std::set<std::string> names;
     for (const auto& entry : std::filesystem::directory_iterator(folder.Path())) {

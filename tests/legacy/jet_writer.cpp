@@ -332,7 +332,7 @@ class JetWriter::Builder {
     return data.back();
   }
 
-  // Moved rows stand on pages behind all others.
+  // Moved rows are on pages after all others.
   std::vector<DataPage> Fill(const Table& table, std::uint32_t owner) const {
     std::vector<DataPage> data;
     std::vector<Move> moves;
@@ -357,7 +357,7 @@ class JetWriter::Builder {
     return data;
   }
 
-  // The map of the pages that are about to follow. A long one has a page of its own, ahead of them.
+  // The map of the following pages. A long map has its own page before them.
   std::string MapOf(std::size_t data_pages) {
     if (pages_.size() + data_pages <= kInlinePages) {
       return InlineMap(static_cast<std::uint32_t>(pages_.size()), data_pages);

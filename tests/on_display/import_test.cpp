@@ -100,7 +100,7 @@ TEST_F(ImportOnDisplay, ARefusedFileLeavesNothingThatStoreCouldStoreAgain) {
   EXPECT_EQ(StoredRows(), before + 2);
 }
 
-// One record in whose padding each "B," counts as a batch of the whole list of times.
+// One record in whose padding each "B," is counted as a batch of the whole list of times.
 TEST_F(ImportOnDisplay, TheLargestTableLeavesTheWindowAtWork) {
   std::string record = "B,1,3,01152009,2,4,0,";
   for (int mark = 0; mark < 999; ++mark) {

@@ -32,7 +32,7 @@ class Monkey : public OnDisplay {
   explicit Monkey(std::uint32_t seed);
   ~Monkey() override;
 
-  // Stops at the first finding, which fails the test and tells the last actions.
+  // Stops at the first finding, which fails the test and prints the last actions.
   void Act(int actions);
 
   // Puts all files in order and ends the program by a signal.

@@ -10,7 +10,7 @@ namespace {
 
 namespace fs = std::filesystem;
 
-// The Data Transfer tab with the simulator behind port 2, the port of the settings.
+// The Data Transfer tab with the simulator on port 2, the port of the settings.
 class TransferOnDisplay : public OnDisplay {
  protected:
   TransferOnDisplay() {

@@ -107,7 +107,7 @@ class ExampleFolder {
   ExampleFolder(const ExampleFolder&) = delete;
   ExampleFolder& operator=(const ExampleFolder&) = delete;
 
-  // `call` stands behind the program's name. No port is opened: its device is one that is missing.
+  // `call` follows the program's name. No port is opened, because its device does not exist.
   int Run(const std::string& call) {
     std::vector<std::string> args = {"--yes", "--data-dir", (folder_ / "data").string()};
     std::istringstream words(call.substr(0, call.find(" > ")));
@@ -163,7 +163,7 @@ TEST(ManualPage, OfTheToolHoldsEveryCommandOptionAndExample) {
   }
   ASSERT_GT(helps.size(), kFewestCommands);
   for (const CommandHelp& help : helps) {
-    // One that only stands in front of others has no subsection.
+    // A command that only groups others has no subsection.
     const bool stands_alone = help.subcommands.empty() || !help.options.empty();
     if (help.path.empty() || !stands_alone) {
       continue;

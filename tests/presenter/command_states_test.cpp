@@ -184,7 +184,7 @@ TEST_F(CommandStatesTest, PrintIsLeftAsItIsByTheExportTabAndByWhatIsNoTab) {
 }
 
 // Whatever order the two databases come and go in, a parent is on exactly when an item below it is,
-// and what the observer was told is what stands.
+// and the observer was notified of the final states.
 TEST_F(CommandStatesTest, AParentIsOnExactlyWhenOneOfItsItemsIs) {
   states_.AddObserver(*this);
   CloseBoth();

@@ -226,7 +226,7 @@ TEST_F(DataFiles, LeavesTheListAloneWhenTheDialogIsCanceled) {
 }
 
 TEST_F(DataFiles, LeavesTheOldFileWhenTheWriteFails) {
-  // A folder stands where the file should go: the rename cannot succeed.
+  // A folder has the name of the file, so the rename fails.
   fs::create_directory(folder_ / "taken.qxt");
   chooser_.Choose(folder_ / "taken.qxt");
   files_.SaveDataFile(1);

@@ -91,7 +91,7 @@ class DiaryWindow : public DatabaseWindow, public TabFolderWindow, public Comman
   void PrepareTab(int tab, int previous) override;
   PrintSources Printable() const override { return {}; }
 
-  // One command stands for all of its side.
+  // One command represents all of its side.
   void CommandChanged(std::string_view name, bool on) override;
   void TabChanged(int tab, bool on) override;
 

@@ -20,7 +20,7 @@ using ::testing::ElementsAre;
 using ::testing::HasSubstr;
 using ::testing::IsEmpty;
 
-const std::string kEchoes = "\x19\x14";  // what a download sends ahead of its text
+const std::string kEchoes = "\x19\x14";  // what a download sends before its text
 const std::string kWaitingAfterLoad = "Waiting to receive commands/data from K2260 indicator.";
 const std::string kBackup = "{DATA_IN},K\r\n\r\n[ING]\r\n\r\n1,M\xC9L,0\r\n";
 

@@ -15,7 +15,7 @@ constexpr const char* kNoViewer =
 
 class SetupControlsTest : public ::testing::Test {
  protected:
-  // `cmdOK` on the form as it stands.
+  // `cmdOK` with the current choices.
   void Take(std::string_view recipe_unit = {}, std::string_view transaction_unit = {}) {
     ApplySetupControls(controls, recipe_unit, transaction_unit, settings, op);
   }

@@ -268,7 +268,7 @@ TEST_F(ReportPages, AGroupOverSeveralSheetsShowsItsHeadOnEach) {
 
 TEST_F(ReportPages, AGroupRowIsNotTheLastRowOfAPage) {
   for (int lead = 0; lead < 60; ++lead) {
-    // Two heads, one within the other, behind that many rows.
+    // Two nested group rows after that many rows.
     Report report{.design = Design(),
                   .rows = std::make_unique<MadeRows>(90, [=](std::int64_t row) {
                     const std::int64_t place = row - lead;

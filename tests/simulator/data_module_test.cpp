@@ -18,7 +18,7 @@ constexpr std::string_view kCommands = "\x14\x15\x16\x17\x18\x19\x1C";
 
 class Module : public ::testing::Test {
  protected:
-  // The module under test; it tells into messages_.
+  // The module under test; it logs to messages_.
   DataModule Make(const Faults& faults = {}) {
     return {faults, [this](const std::string& message) { messages_.push_back(message); }};
   }

@@ -172,7 +172,7 @@ TEST_F(Program, WorksOnForTheNextClient) {
 
 class Abandoned : public Program, public ::testing::WithParamInterface<const char*> {};
 
-// The line is full of a dump that nobody reads on.
+// The line is full of a dump that is not read.
 TEST_P(Abandoned, DumpHindersNeitherTheNextClientNorTheEnd) {
   const auto file = folder_.Write("full", std::string(65536, 'm'));
   SimulatorProgram program(Arguments({"--load", file.string()}, GetParam()));

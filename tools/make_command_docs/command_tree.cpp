@@ -16,7 +16,7 @@ std::vector<std::string> Split(const std::string& text, char mark) {
   return parts;
 }
 
-// The library tells a value as "TEXT:{LB,KG}" or "NUMBER:1 to 100".
+// The library describes a value as "TEXT:{LB,KG}" or "NUMBER:1 to 100".
 void ReadValue(const std::string& type, Argument& argument) {
   const auto colon = type.find(':');
   argument.value = type.substr(0, colon);

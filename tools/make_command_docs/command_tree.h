@@ -10,7 +10,7 @@ class Option;
 
 namespace vrx {
 
-// An option or a positional argument as the help tells it.
+// An option or a positional argument as the help describes it.
 struct Argument {
   std::vector<std::string> names;    // "--json"; one without dashes for a positional argument
   std::string value;                 // what follows: "DIR", "NUMBER"; empty for a flag

@@ -91,7 +91,7 @@ class TwoProcesses : public UserSite {};
 
 TEST_F(TwoProcesses, SecondStartTouchesNothingAndLeavesTheFirstRunning) {
   const auto first = StartProgram();
-  // Its settings are healed by now, and nothing else is written ahead of the exit.
+  // Its settings are repaired by now, and nothing else is written before the exit.
   ASSERT_TRUE(Eventually([&] {
     return ReadAll(data_ / "Brantock/VRX-2260/VRX-2260.INI").find("PrintGridLines") !=
            std::string::npos;

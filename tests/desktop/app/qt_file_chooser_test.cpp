@@ -29,7 +29,7 @@ class FileDialogs : public ::testing::Test {
     folder.Write("OLD.QXT", "old");
   }
 
-  // The name is typed and the dialog accepted. `then` looks at what stands there afterwards.
+  // Types the name and accepts the dialog. `then` checks the dialog afterwards.
   static std::function<void(QWidget&)> Type(const QString& name) {
     return [name](QWidget& widget) {
       auto& files = dynamic_cast<QFileDialog&>(widget);
@@ -205,7 +205,7 @@ TEST_F(FileDialogs, GivesAFolder) {
   EXPECT_EQ(chooser.ShowFolder("Select a folder"), (folder / "export").string());
 }
 
-// The content would tell it; only that of stored files is read.
+// The content would show it, but only that of stored files is read.
 TEST(FileIcons, ReadsTheContentOfStoredFilesOnly) {
   const FileIcons icons;
   const TempFolder folder;

@@ -158,7 +158,7 @@ TEST_F(RecordTabsTest, ARecordChangedAfterASaveAsDatesTheCopyWithoutABox) {
 TEST_F(RecordTabsTest, WhatIsTypedStaysOutOfAFileThatMayOnlyBeRead) {
   ::chmod(path_.c_str(), S_IRUSR);
   if (::geteuid() == 0) {
-    // Permissions do not bind the administrator: the page is told so instead.
+    // Permissions do not restrict the administrator, so mark the page as read-only instead.
     BoundDatabase bound = BindUserDatabase(path_, std::chrono::milliseconds{20});
     bound.read_only_note = "read-only";
     Show();
@@ -177,7 +177,7 @@ TEST_F(RecordTabsTest, WhatIsTypedStaysOutOfAFileThatMayOnlyBeRead) {
   EXPECT_FALSE(Box("txtIngName").toolTip().isEmpty());
 }
 
-// Keeps what stands in the panel of the name.
+// Records the texts of the panel of the name.
 class NotingWindow : public MainWindow {
  public:
   using MainWindow::MainWindow;

@@ -10,7 +10,7 @@
 
 namespace vrx::testing {
 
-// A main form that only says what is asked of it, in order, and fails where it is told to.
+// A main form that only records its calls, in order, and fails on request.
 class RecordedMainForm : public MainForm {
  public:
   explicit RecordedMainForm(std::function<void(const std::string&)> note)

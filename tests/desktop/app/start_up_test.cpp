@@ -201,14 +201,14 @@ TEST_F(StartUp, UnknownCommonFolderIsReportedAndEndsTheStart) {
 
 TEST_F(StartUp, SettingThatCannotBeHealedIsRememberedAndTheStartGoesOn) {
   WriteIni();
-  // Can be read, but leaves no room for the name of the file that is written beside it.
+  // Readable, but its name is too long for the temporary file of an atomic write.
   const fs::path unwritable = folder_ / std::string(250, 'i');
   fs::rename(ini_, unwritable);
   fs::create_symlink(unwritable, ini_);
   EXPECT_NE(Start(), nullptr);
   EXPECT_FALSE(application_.settings.SettingsReadOk());
   EXPECT_EQ(application_.settings.SerialPort(), "2");
-  EXPECT_THAT(op_.boxes, IsEmpty());  // the main form's Load tells it
+  EXPECT_THAT(op_.boxes, IsEmpty());  // the main form's Load reports it
   EXPECT_EQ(steps_.size(), 4U);
 }
 

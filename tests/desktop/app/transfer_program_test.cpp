@@ -29,7 +29,7 @@ namespace {
 namespace fs = std::filesystem;
 using Ms = std::chrono::milliseconds;
 
-// The whole program with the simulated module behind its serial port 2, closed in the middle of
+// The whole program with the simulated module on its serial port 2, closed in the middle of
 // what it does on the line.
 class TransferProgram : public ::testing::Test {
  protected:
@@ -98,7 +98,7 @@ TEST_F(TransferProgram, ClosedDuringAnUploadItEnds) {
   }
 }
 
-// In its check, in its clear and ahead of its text.
+// During its check, during its clear and before its text.
 TEST_F(TransferProgram, ClosedDuringADownloadItEnds) {
   const auto module = Module();
   folder_.Write("data/Brantock/VRX-2260/A.RBU", "{DATA_IN},L\r\n");
@@ -125,7 +125,7 @@ TEST_F(TransferProgram, ClosedDuringADownloadItEnds) {
   }
 }
 
-// While the port is closed ahead of its opening, and while it is closed for the module again.
+// While the port is closed before its opening, and while it is closed for the module again.
 TEST_F(TransferProgram, ClosedDuringAChangeOfConnectionItEnds) {
   const auto module = Module();
   EXPECT_EQ(Run([](MainWindow& window) {
@@ -195,7 +195,7 @@ TEST_F(TransferProgram, ClosedWhileABoxReportsTheUploadItEnds) {
   EXPECT_TRUE(box.Seen());
 }
 
-// Each command in its wait for the module, and the closing of the line ahead of them.
+// Each command while it waits for the module, and the preceding close of the line.
 TEST_F(TransferProgram, ClosedWhileSetupWorksWithTheModuleItEnds) {
   const auto module = Module({"--fault", "silent"});
   struct Case {

@@ -32,7 +32,7 @@ class ExportPageTest : public HistoryFixture {
     fs::create_directory(out_);
   }
 
-  // The data group chosen, the Export tab on show.
+  // With the data group selected and the Export tab shown.
   void ShowExport(int group) {
     ShowTab();
     if (group != 0) {

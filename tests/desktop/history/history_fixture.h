@@ -21,7 +21,7 @@
 
 namespace vrx::testing {
 
-// The window on the small history and its recipes, both open, the Batched/Fed tab on show.
+// The window with the small history and its recipes open and the Batched/Fed tab shown.
 class HistoryFixture : public MainWindowFixture {
  protected:
   HistoryFixture() {
@@ -102,7 +102,7 @@ class HistoryFixture : public MainWindowFixture {
 
   HistoryTableView& Grid() { return Find<HistoryTableView>(u"grdTRANS"_qs); }
   HistoryHeader& Header() { return Grid().Header(); }
-  // On the tab on show: other pages have controls of the same name.
+  // On the current tab, because other pages have controls of the same name.
   bool Visible(const QString& control) {
     const auto* const found = Tabs().currentWidget()->findChild<QWidget*>(control);
     if (found == nullptr) {

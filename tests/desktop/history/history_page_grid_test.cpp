@@ -217,7 +217,7 @@ TEST_F(HistoryPageGrid, DatesSortAsDates) {
   ShowTab();
   const int date = HistoryColumnOfKey("Date");
   ClickHeader(date);
-  EXPECT_THAT(Lines()[1], HasSubstr("28-Feb-11"));  // behind the record without one
+  EXPECT_THAT(Lines()[1], HasSubstr("28-Feb-11"));  // after the record without one
   EXPECT_THAT(Lines().back(), HasSubstr("15-Mar-11"));
 }
 

@@ -24,7 +24,7 @@
 
 namespace vrx::testing {
 
-// Keeps the roads that were taken, and stays.
+// Records the exit reasons and does not exit.
 class KeptExitRoads : public ExitRoads {
  public:
   void CloseBox() override { taken.emplace_back("close box"); }
@@ -41,7 +41,7 @@ class MainWindowFixture : public ::testing::Test {
   MainWindowFixture();
   ~MainWindowFixture() override;
 
-  // Makes VRXMAIN, as it stands after its Load. Does nothing the second time.
+  // Makes VRXMAIN in its state after Load. Does nothing the second time.
   VrxMain& Main();
   MainWindow& Window() { return Main().Window(); }
 

@@ -21,7 +21,7 @@ using enum MainCommand;
 struct Specified {
   const char* name;
   const char* caption;  // "-" for a separator
-  const char* menu;     // the menu it stands in
+  const char* menu;     // the menu that contains it
   MainCommand command;
 };
 

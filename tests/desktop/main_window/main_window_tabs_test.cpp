@@ -20,7 +20,7 @@ using ::testing::ElementsAre;
 using ::testing::IsEmpty;
 using Names = std::set<std::string>;
 
-// Keeps what it was told.
+// Records its calls.
 class DiaryPage : public MainTabPage {
  public:
   DiaryPage(std::string name, std::vector<std::string>& diary)

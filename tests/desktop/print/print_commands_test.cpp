@@ -85,7 +85,7 @@ class PrintCommandsTest : public HistoryFixture {
     });
   }
 
-  // The pages of the tab on show, in a PDF file; none where nothing was printed.
+  // The pages of the current tab, in a PDF file; none if nothing was printed.
   Pages Print() {
     fs::remove(pdf_);
     ChoosePdf();
@@ -293,7 +293,7 @@ TEST_F(PrintAllRecipes, ByPercentFollowMovedColumnsWhileOneByWeightIsShown) {
   EXPECT_THAT(pages[1], Contains("CORN 0.00 No 50 200 0"));
 }
 
-// The scan stands on the last recipe when the only one is printed: that one comes out.
+// If only one recipe is found, the scan prints the last recipe, where it ended.
 TEST_F(PrintAllRecipes, ASingleRecipePrintsTheLastPosition) {
   AddRecipe(4, "W", 2);
   ShowTab();
@@ -496,7 +496,7 @@ TEST_F(PrintCommandsTest, OnTheTransferTabNothingIsPrintedOrShown) {
   GoToTab(kTabDataTransfer);
   EXPECT_FALSE(On(u"mnuFilePrint"_qs));
   const QImage before = Grid().grab().toImage();
-  Item(u"mnuFilePrint"_qs).setEnabled(true);  // by whatever road
+  Item(u"mnuFilePrint"_qs).setEnabled(true);  // by any means
   const auto dialogs = chooser_.dialogs.size();
   Choose(u"mnuFilePrint"_qs);
   EXPECT_THAT(operator_.boxes, IsEmpty());

@@ -23,13 +23,13 @@ class RecipeGridTest : public RecipesFixture {
     Show(recipe);
     Grid().setFocus();
   }
-  // Opens a cell by a click, and types over what stands in it.
+  // Opens a cell with a click and overwrites its text.
   void Overtype(int row, RecipeColumn column, std::string_view text) {
     Click(row, column);
     ASSERT_TRUE(Grid().IsEditing());
     Type(text);
   }
-  // What stands in the editor with the focus.
+  // The text of the focused editor.
   static std::string Edited() {
     const auto* const editor = qobject_cast<FilteredEdit*>(QApplication::focusWidget());
     return editor == nullptr ? "nothing is edited" : editor->Text();

@@ -28,7 +28,7 @@ std::vector<std::string> Figures(const RecipeLineRecord& line) {
           line.batch_target};
 }
 
-// Corn 1200 and hay 800 of 88 %, with figures that nobody computed: 11.111, 4321 and 1234.
+// Corn 1200 and hay 800 of 88 %, with made-up figures: 11.111, 4321 and 1234.
 class RecipeTriggers : public RecordPagesFixture {
  protected:
   RecipeGrid& Lines() { return Find<RecipeGrid>(u"grdREC"_qs); }
@@ -55,7 +55,7 @@ class RecipeTriggers : public RecordPagesFixture {
     EXPECT_EQ(Figures(Line(recipe, static_cast<std::size_t>(line))), figures);
   }
   std::string Total(const char* label) { return Text(QLatin1String(label)).toStdString(); }
-  // Recipes as another program leaves them, without the tab being told.
+  // Recipes as another program leaves them, without notifying the tab.
   void OnTabWithStaleFigures() {
     Enter(kTabRecipes);
     ChooseIn("cboRecID", kByPercent);

@@ -54,7 +54,7 @@ class RecipesFixture : public ::testing::Test {
   // Shows a recipe as the navigator does.
   void Show(int recipe) { page_->GoTo(recipe); }
   static void RunEvents();
-  // A list that dropped down has gone: without a window manager nobody else gives the window back.
+  // After a drop-down list closes: without a window manager nothing else reactivates the window.
   void ComeBack();
 
   SQLite::Database& Database() { return *bound_.connection; }
@@ -102,7 +102,7 @@ class RecipesFixture : public ::testing::Test {
   std::string Item(int id) { return Find<QComboBox>("cboRecID").itemText(id).toStdString(); }
   void LeaveTo(const char* control) { Find<QWidget>(control).setFocus(); }
 
-  // Adds a line behind the last one by keys: the name of the ingredient, then the amount.
+  // Adds a line after the last one with keys: the name of the ingredient, then the amount.
   void AddByKeys(std::string_view ingredient, std::string_view amount);
 
   void ExpectBox(std::string_view title, std::string_view text, Icon icon);

@@ -32,7 +32,7 @@ class EditSafety : public UnstoredFixture {
     });
   }
 
-  // The last recipe has lines, and the first one a line that leaves no room in the total.
+  // The last recipe has lines, and the first one a line that overflows the total.
   void FillLastRecipe() {
     SQLite::Database file = OpenDatabase(path_, Access::kWrite);
     RecipeRecord last = ReadRecipe(file, kLastRecipe);

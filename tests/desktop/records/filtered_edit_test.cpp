@@ -253,8 +253,7 @@ TEST_F(FilteredEditTest, LeavingForAnotherFieldIsReportedAMenuIsNot) {
   EXPECT_EQ(left, 1);
 }
 
-// Whatever comes in by whatever road, the box holds what the filter lets through and no more than
-// it has room for.
+// However text is entered, the box holds only what the filter accepts and no more than its limit.
 TEST_F(FilteredEditTest, HoldsOnlyWhatTheFilterLetsThroughWhateverIsDone) {
   std::mt19937 random(20260105);
   const auto any = [&](int count) {

@@ -6,7 +6,7 @@
 
 namespace vrx::testing {
 
-// The Ingredients tab on show.
+// With the Ingredients tab shown.
 class IngredientsFixture : public RecordPagesFixture {
  protected:
   void SetUp() override { Enter(kTabIngredients); }

@@ -26,7 +26,7 @@ class RecordPagesFixture : public MainWindowFixture {
   // Opens the database and turns to a tab as the operator does.
   void Enter(int tab);
 
-  // The recipe that comes on show is recomputed: figures as they were before, and no `Modified`.
+  // Showing a recipe recomputes it: makes the stored figures stale again and clears `Modified`.
   void MakeStale();
 
   SQLite::Database& Database() {

@@ -96,7 +96,7 @@ class RecordsKilled : public ::testing::Test {
            QStringLiteral("YARD.RDB");
   }
 
-  // Runs the program until its database is open and it stands on the tab; then acts, and kills it.
+  // Runs the program until its database is open and the tab is shown; then acts, and kills it.
   void RunAndKill(int tab, const std::function<void(MainWindow&)>& act) {
     QtUserSettings().SaveSetting("MRU_RecipePathName", file_.string());
     QtUserSettings().SaveSetting("MRU_RecipeFileName", "YARD.RDB");

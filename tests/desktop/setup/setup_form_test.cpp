@@ -289,7 +289,7 @@ TEST_F(SetupFormTest, OpeningItClosesThePort) {
   Setup([&](SetupForm& /*form*/) { EXPECT_FALSE(serial_.PortOpen()); });
 }
 
-// The devices behind the ports.
+// The devices of the ports.
 
 TEST_F(SetupFormTest, EachPortShowsItsDevice) {
   const std::filesystem::path nowhere = folder_ / "nowhere";

@@ -16,7 +16,7 @@ using ::testing::SizeIs;
 constexpr const char* kCheckLine =
     "Please check KRM module connection, cable and serial port selection.";
 
-// The tab "KRM Setup" of `SETUP` with the simulator behind a port.
+// The tab "KRM Setup" of `SETUP` with the simulator on a port.
 class SetupOnLine : public LineFixture {
  protected:
   // Opens it, lets `act` use it once its line is reset, and closes it.
@@ -151,7 +151,7 @@ TEST_F(SetupOnLine, ALinePulledInATestIsReportedAndTheNextOneWorks) {
   });
 }
 
-// The numbers are what a setting knows; which device is behind one is chosen and seen here.
+// A setting holds only the number; its device is selected and shown here.
 TEST_F(SetupOnLine, ADeviceIsAssignedToANumberAndFoundThere) {
   const auto module = Module("");
   const std::string device = fs::canonical(link_).string();

@@ -183,7 +183,7 @@ TEST_F(DirectOnLine, ADatabaseIsLoadedAfterTheQuestionUnlessItIsRefused) {
               "Are you sure you want to overwrite all data in the KRM module with recipe data from "
               "the YARD.RDB database?");
     EXPECT_TRUE(WasTold(kLoaded));
-    QTest::qWait(250);  // the display is that much behind at the most
+    QTest::qWait(250);  // the longest delay of the display
     EXPECT_EQ(MemorySize(), std::to_string(Find<DataWindow>(u"txtDataWindow"_qs).Bytes().size()));
     ConnectModule();
   });
@@ -242,7 +242,7 @@ TEST_F(DirectOnLine, ALinePulledWhileItWaitsIsReportedAndTheNextConnectionWorks)
   EXPECT_TRUE(stood);
 }
 
-// The answer's own box comes ahead of the connection's.
+// The message box of the answer comes before that of the connection.
 TEST_F(DirectOnLine, ALinePulledInAnAnswerIsReportedAndTheModuleWorksNext) {
   auto indicator = Indicator("wait 1500\n" + Sends("\x15") + "wait 60000\n");
   Later(Ms{2800}, [&] { indicator.reset(); });

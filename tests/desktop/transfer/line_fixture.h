@@ -27,7 +27,7 @@ inline constexpr QColor kStatusBlue{0, 0, 192};
 inline constexpr QColor kStatusRed{255, 0, 0};
 inline constexpr QColor kStatusGreen{0, 128, 0};
 
-// What the status line said and in what colour, as the label stood.
+// A text and color that the label of the status line has shown.
 struct StatusLook {
   std::string text;
   QColor color;
@@ -57,7 +57,7 @@ class LineFixture : public TransferFixture {
                      &MainWindow::SetStatusColor);
     ShowTab();
   }
-  // The window goes ahead of what it refers to.
+  // The window is destroyed before the objects it refers to.
   ~LineFixture() override { main_.reset(); }
 
   // Not paced like the real line, unless the arguments say so.
@@ -78,7 +78,7 @@ class LineFixture : public TransferFixture {
   std::unique_ptr<Program> FaultyModule(const std::string& memory, const std::string& fault) const {
     return Module(memory, {"--baud", "0", "--fault", fault});
   }
-  // A module of which MemoryOf tells what it holds in the end.
+  // A module whose final memory MemoryOf returns.
   std::unique_ptr<Program> KeptModule(const std::string& memory) const {
     return Module(memory, {"--baud", "0", "--save", kept_.string()});
   }
@@ -129,7 +129,7 @@ class LineFixture : public TransferFixture {
   // The indicator's turn; returns when the connection has ended.
   void ConnectDirectly() { Click(u"optConnection(1)"_qs); }
   void ConnectModule() { Click(u"optConnection(0)"_qs); }
-  // Also while the window is not the active one, as behind a box.
+  // Even while the window is not active, as behind a message box.
   bool HasFocus(const QString& control) {
     return Window().focusWidget() == &Find<QWidget>(control);
   }

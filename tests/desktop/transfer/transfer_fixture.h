@@ -12,7 +12,7 @@
 
 namespace vrx::testing {
 
-// The Data Transfer tab on show, its line scripted in the time of the pump.
+// The Data Transfer tab is shown; its line is scripted in the pump's time.
 class TransferFixture : public MainWindowFixture {
  protected:
   TransferFixture() { settings_.SetEnableBeeperOn(false); }

@@ -1,6 +1,6 @@
-// A plugin that the tests load into the built program: it tells what is on the screen. It only
-// reads. Whoever connects to the socket VRX_SCREEN_PROBE gets one description and the end of the
-// stream; the answer comes from the thread of the windows.
+// A plugin that the tests load into the built program: it reports what is on the screen. It only
+// reads. A client that connects to the socket VRX_SCREEN_PROBE gets one description and the end of
+// the stream; the answer comes from the thread of the windows.
 
 #include <QGenericPlugin>
 #include <QJsonDocument>
