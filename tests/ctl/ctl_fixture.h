@@ -22,8 +22,8 @@
 
 namespace vrx::testing {
 
-// The tool in this process: streams of its own, a scripted port in simulated time, 5 January 2026.
-// The data folder holds settings already.
+// Runs the tool in this process with its own streams, a scripted port in simulated time, and the
+// date 5 January 2026. The data folder already has settings.
 class CtlTest : public ::testing::Test {
  protected:
   CtlTest() {
@@ -119,7 +119,7 @@ class CtlTest : public ::testing::Test {
   std::function<void()> start_drawing = [] {};
 
  private:
-  // Keeps what is written, and adds it to the screen.
+  // Keeps the output and also adds it to the screen.
   class CopyingBuffer : public std::streambuf {
    public:
     explicit CopyingBuffer(std::string& screen) : screen_(screen) {}

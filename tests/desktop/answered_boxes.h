@@ -15,9 +15,9 @@
 
 namespace vrx::testing {
 
-// Sits in front of the message boxes of the real operator for as long as it lives: keeps each as it
-// stands on the screen and presses a button of it. A box with OK alone gets that; a question with
-// no answer queued fails the test.
+// Answers the message boxes of the real operator during its lifetime: records each as it is on the
+// screen and clicks one of its buttons. A box with only OK gets OK; a question without a queued
+// answer fails the test.
 class AnsweredBoxes {
  public:
   AnsweredBoxes() {
@@ -34,7 +34,7 @@ class AnsweredBoxes {
 
   std::deque<QMessageBox::StandardButton> answers;
 
-  // As they stood there; lines end in LF.
+  // As they were on the screen; lines end in LF.
   std::vector<MessageBox> boxes;
 
  private:

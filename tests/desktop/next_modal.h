@@ -8,8 +8,8 @@
 
 namespace vrx::testing {
 
-// Hands the next dialog that blocks the program to `act`, from the dialog's own event loop. To be
-// made ahead of what shows the dialog.
+// Passes the next modal dialog to `act`, from the dialog's own event loop. Create it before the
+// dialog is shown.
 class NextModal {
  public:
   explicit NextModal(std::function<void(QWidget&)> act) : act_(std::move(act)) {

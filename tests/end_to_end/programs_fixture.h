@@ -13,7 +13,7 @@
 
 namespace vrx::testing {
 
-// The built programs, in a folder of the test's own.
+// The built programs, in a separate folder.
 class ProgramsTest : public ::testing::Test {
  protected:
   using Json = nlohmann::ordered_json;

@@ -36,11 +36,11 @@ class ExportFixture {
 
   void Store(const std::vector<SiteRow>& rows) const;
 
-  // Runs statements on the database, for what no SiteRow says.
+  // Runs statements on the database, for contents that SiteRow cannot specify.
   void Alter(const std::string& statements) const;
 
-  // A few rows with what makes the groups differ: a transaction on two dates, a feed without a
-  // batch, rows without a user and one of user -1, equal dates, names with an apostrophe, a comma
+  // Stores a few rows with special cases of the groups: a transaction on two dates, a feed without
+  // a batch, rows without a user and one of user -1, equal dates, names with an apostrophe, a comma
   // and an accent.
   void StoreYard() const;
 
@@ -54,13 +54,14 @@ class ExportFixture {
   IngredientColumnNames names_;
 };
 
-// The visible columns of the grid at design order: slot by position, as GetVisibleColumnList.
+// The visible columns of the grid in their initial order: slots by position, as in
+// GetVisibleColumnList.
 std::vector<std::string> VisibleColumnsOf(int group);
 
-// Slots as GetVisibleColumnList has them, from the fields that are seen.
+// Slots as in GetVisibleColumnList, from the visible fields.
 std::vector<std::string> Slots(const std::vector<std::string_view>& fields);
 
-// The name that the golden files of a group by name are made for; "" for another group.
+// The name in the golden files of a group by name; "" for another group.
 std::string_view YardNameOf(int group);
 
 }  // namespace vrx::testing

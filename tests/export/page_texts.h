@@ -6,12 +6,12 @@
 
 namespace vrx::testing {
 
-// The texts of a page's cells in their order, headings and totals included. A record's cells and
-// the captions stand with their blanks and when empty; empty cells of a total row are left out.
+// The texts of a page's cells in order, including headings and totals. Cells of records and
+// captions keep their blanks and are listed even if empty; empty cells of a total row are omitted.
 std::vector<std::string> TextsOfPage(std::string_view html);
 
-// What TextsOfPage gives for the page of an XML export with at most 16 ingredients, read from the
-// document alone.
+// The expected result of TextsOfPage for an XML export with at most 16 ingredients, computed from
+// the XML document.
 std::vector<std::string> TextsExpectedOf(std::string_view xml);
 
 }  // namespace vrx::testing

@@ -9,7 +9,7 @@
 
 namespace vrx::testing {
 
-// Writes down a walk, a line per call: "open 0 Transaction 17", "open 1 Type BATCH
+// Records a walk, one line per call: "open 0 Transaction 17", "open 1 Type BATCH
 // Batch_Weight=500.5 Target_Weight=500", "record STARTER|500.5|NULL", "close 1".
 class WalkLog : public LevelVisitor {
  public:
@@ -23,8 +23,8 @@ class WalkLog : public LevelVisitor {
   std::vector<std::string> lines_;
 };
 
-// The same lines by the design's queries, one for each value of each level, one for its records and
-// one for each sum.
+// The same lines from the specified queries: one for each value of each level, one for its records
+// and one for each sum.
 std::vector<std::string> SpecifiedWalk(const std::filesystem::path& database, int group,
                                        const std::vector<std::string>& fields,
                                        std::string_view name);

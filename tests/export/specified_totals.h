@@ -14,8 +14,8 @@ using Sums = std::map<std::string, std::string>;  // text by field
 using Totals = std::vector<std::pair<Key, Sums>>;
 using Rows = std::vector<SiteRow>;
 
-// A data group as the design tells it: its levels, and the weights that the last one bears in an
-// export. "Type" as the last level chooses between batch and feed.
+// A data group as specified: its levels, and the weights of the last level in an export. If the
+// last level is "Type", the type decides between batch and feed weight.
 struct SpecifiedGroup {
   Key levels;
   std::vector<std::string> weights;
@@ -27,16 +27,16 @@ const SpecifiedGroup& Specified(int group);
 // The fields that are summed for a value of the last level.
 std::vector<std::string> WeightsOf(int group, const Key& key);
 
-// The name that the groups by name are made for, which some row has to have; else "".
+// The name for a group by name, which some row must have; "" for another group.
 std::string NameOf(int group);
 
-// A key as it is compared, without the date, which the grid and an export write differently.
+// A key for comparison, without the date, which the grid and an export write differently.
 Key Compared(int group, Key key);
 
 Totals Sorted(Totals totals);
 
-// What the grid shows: the rows of the group's own type, each summed once. Both take weights in
-// whole tenths, and add them without an error of rounding.
+// The totals of the grid: the rows of the group's own type, each summed once. Both functions expect
+// weights in whole tenths and add them without rounding errors.
 Totals ExpectedInGrid(int group, const Rows& all);
 
 // The totals that exports write by their own rules: by date a transaction is whole under each of

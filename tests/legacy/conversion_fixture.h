@@ -33,7 +33,7 @@ class KeptProgress : public ProgressDisplay {
   int value = 0;
 };
 
-// Conversions in a folder of their own, by the built reader.
+// Runs conversions in a separate folder, with the built reader.
 struct ConversionFixture {
   std::filesystem::path Data(const std::string& name) const {
     return std::filesystem::path(LEGACY_DATA) / name;
@@ -48,7 +48,7 @@ struct ConversionFixture {
                                  runner, progress, go_on);
   }
 
-  // What it is refused with; empty when it is not.
+  // The message of a refused conversion; empty if it succeeds.
   std::string Refusal(const std::filesystem::path& old_file) {
     try {
       Convert(old_file);
@@ -63,7 +63,7 @@ struct ConversionFixture {
     return Convert(old_path);
   }
 
-  // The rows of the copy, cells as the storage engine's texts, NULL as "NULL".
+  // The rows of the copy, with cells as SQLite texts and NULL as "NULL".
   std::vector<std::vector<std::string>> Rows(const std::string& query) const {
     SQLite::Database database = OpenDatabase(copy, Access::kRead);
     SQLite::Statement statement(database, query);

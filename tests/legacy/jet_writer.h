@@ -11,13 +11,12 @@
 
 namespace vrx::testing {
 
-// Writes Jet 4 files of any content, as far as a reader of rows looks at them: no indexes,
-// relations, properties or long values.
+// Writes Jet 4 files with any rows, but without indexes, relations, properties or long values.
 class JetWriter {
  public:
   enum class Place { kHere, kDeleted, kMoved };
 
-  // The number of a type as the format has it.
+  // The numbers of types in the file format.
   enum Type : std::uint8_t {
     kBoolean = 1,
     kByte = 2,
@@ -37,12 +36,12 @@ class JetWriter {
     int chars = 255;  // of a text
   };
 
-  // Rows go to the table that was added last.
+  // Later rows are added to this table.
   void AddTable(const std::string& name, std::vector<Column> columns);
-  // A text's bytes are stored as they are: use Utf16 or Compressed. `place` says where and how.
+  // Stores the bytes of a text unchanged: use Utf16 or Compressed. `place` specifies where and how.
   void AddRow(const std::vector<LegacyValue>& row, Place place = Place::kHere);
 
-  // What the definition of the last table says of its rows, in place of what it has.
+  // Sets the number of rows in the definition of the last table, instead of the real number.
   void Announce(std::uint32_t rows) { tables_.back().announced = static_cast<int>(rows); }
 
   std::string Bytes() const;

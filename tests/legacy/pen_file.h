@@ -12,7 +12,7 @@ inline const LegacyValue kNull{};
 inline LegacyValue Text(std::string_view text) { return JetWriter::Utf16(text); }
 inline LegacyValue Whole(int number) { return std::int32_t{number}; }
 
-// The three tables that say what a file is.
+// The three identity tables of a file.
 inline void AddIdentity(JetWriter& file, std::string_view marker, std::string_view unit = "LB") {
   file.AddTable("UnitsOfMeasure", {{"UoM", JetWriter::kText}});
   file.AddRow({Text(unit)});

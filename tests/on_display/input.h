@@ -7,8 +7,8 @@
 
 namespace vrx::testing {
 
-// The keyboard and the mouse of the display that the variable DISPLAY names: the program cannot
-// tell them from a person's. Throws when there is no display.
+// The keyboard and the mouse of the display in the variable DISPLAY. For the program they look like
+// real ones. Throws if there is no display.
 class Input {
  public:
   // Keys as the X server names them, one after the other: "alt+f", "Return", "shift+Tab".

@@ -14,8 +14,8 @@
 
 namespace vrx::testing {
 
-// What happens to a file of the program for a while: its disk is full, another program holds it, or
-// it has another name.
+// A temporary fault of a file of the program: its disk is full, another program locks it, or it has
+// another name.
 class Trouble {
  public:
   virtual ~Trouble() = default;
@@ -25,8 +25,8 @@ std::unique_ptr<Trouble> FullDisk(const std::filesystem::path& folder);
 std::unique_ptr<Trouble> LockedDatabase(const std::filesystem::path& file);
 std::unique_ptr<Trouble> VanishedFile(const std::filesystem::path& file);
 
-// Does one random thing after the other to the program: the same ones for the same seed, as far as
-// the program is equally fast. It may leave the program, which is then started once more.
+// Performs random actions: the same ones for the same seed, as far as the program is equally fast.
+// An action may exit the program, which is then restarted.
 class Monkey : public OnDisplay {
  protected:
   explicit Monkey(std::uint32_t seed);
@@ -35,7 +35,7 @@ class Monkey : public OnDisplay {
   // Stops at the first finding, which fails the test and prints the last actions.
   void Act(int actions);
 
-  // Puts all files in order and ends the program by a signal.
+  // Ends all faults of files and ends the program with a signal.
   void Finish();
 
  private:

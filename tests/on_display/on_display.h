@@ -27,7 +27,7 @@ class OnDisplay : public DesktopUser {
   // last run are open.
   void StartProgram();
 
-  // Waits until the program has taken all input that was given.
+  // Waits until the program has processed all input.
   void Settle();
 
   // The exit code, once the program has ended by itself.
@@ -35,7 +35,7 @@ class OnDisplay : public DesktopUser {
 
   Screen Look() const { return Screen::Of(socket_); }
 
-  // Polls the screen until the condition holds. Gives whether it did.
+  // Polls the screen until the condition holds. Returns whether it did.
   bool WaitFor(const std::function<bool(const Screen&)>& condition) const;
 
   // Wait until a window with that title has the keyboard, or until there is none with that title.
@@ -55,7 +55,7 @@ class OnDisplay : public DesktopUser {
   // Waits for the file dialog with that title, types the path and accepts it.
   void AnswerFileDialog(const std::string& title, const std::filesystem::path& path);
 
-  // Each clicks into the middle; the test fails when the thing is not on the screen.
+  // Each clicks the center; the test fails if the target is not on the screen.
   void Click(const std::string& widget, int times = 1);
   void ClickItem(const std::string& caption);  // of a menu, a tab strip, a header
   void ClickButton(const std::string& caption);
@@ -76,7 +76,7 @@ class OnDisplay : public DesktopUser {
 
   Environment display_name_{"DISPLAY", display.Name()};
   std::filesystem::path socket_ = folder / "probe";
-  // No file dialog begins in the real user's folder, and no printer of the machine is seen.
+  // Hides the real user's folder from file dialogs, and the machine's printers.
   Environment home_{"HOME", (folder / "home").string()};
   Environment printers_{"CUPS_SERVER", (folder / "no_printers").string()};
   Environment plugins_{"QT_PLUGIN_PATH", VRX_PROBE_DIR};

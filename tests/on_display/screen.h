@@ -51,7 +51,7 @@ struct Widget {
 // The visible widgets of the program at one moment, as the plugin `probe/` describes them.
 class Screen {
  public:
-  // Asks the program behind the socket. A program that has ended or does not answer within the
+  // Asks the program through the socket. A program that has ended or does not answer within the
   // limit has an empty screen.
   static Screen Of(const std::filesystem::path& socket,
                    std::chrono::milliseconds limit = std::chrono::seconds{10});

@@ -4,8 +4,8 @@
 
 namespace vrx::testing {
 
-// A disk of a few megabytes at a folder, which this process and those that it starts see. The
-// process gets mounts of its own for it; that needs root or user namespaces. Throws without them.
+// A disk of a few megabytes mounted at a folder, visible to this process and its children. Creates
+// a mount namespace for the process, which needs root or user namespaces; throws without them.
 class SmallDisk {
  public:
   explicit SmallDisk(std::filesystem::path folder);

@@ -30,7 +30,7 @@ class Windows {
  public:
   explicit Windows(const std::string& display);
 
-  // Until a window manager is at work there are none.
+  // Whether a window manager is running; until then there are no windows.
   bool Managed() const;
 
   // In the order in which they appeared. Menus and tool tips are not managed and not among them.

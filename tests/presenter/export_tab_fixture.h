@@ -54,7 +54,7 @@ class ExportTabTest : public ::testing::Test,
     WriteIngredient(*recipes, record);
   }
 
-  // Opens the site's databases as they stand and shows a data group.
+  // Opens the site's databases and shows a data group.
   void Show(int group) {
     view.reset();
     transactions.emplace(OpenDatabase(site.Database(), Access::kRead));
@@ -64,7 +64,7 @@ class ExportTabTest : public ::testing::Test,
     view->SelectGroup(group);
   }
 
-  // Names the file as the operator would, and presses the button.
+  // Enters the file name and clicks the button, like the operator.
   void Export(ExportFormat format, const std::string& name = "DAY") {
     tab.SetFName(name);
     tab.SetFPath(out.string());
@@ -72,7 +72,7 @@ class ExportTabTest : public ::testing::Test,
     tab.ClickExport();
   }
 
-  // The one box that was shown, as "ICON TITLE: TEXT".
+  // The only message box that was shown, as "ICON TITLE: TEXT".
   std::string OnlyBox() const {
     if (op.boxes.size() != 1) {
       return std::to_string(op.boxes.size()) + " boxes";

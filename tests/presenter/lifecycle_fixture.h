@@ -19,7 +19,7 @@ namespace vrx::testing {
 inline constexpr auto kRecipe = DatabaseKind::kRecipe;
 inline constexpr auto kTransaction = DatabaseKind::kTransaction;
 
-// What was done, in order.
+// The recorded calls, in order.
 using Diary = std::vector<std::string>;
 
 class DiaryPump : public ManualPump {
@@ -70,7 +70,7 @@ class DiaryChooser : public ScriptedFileChooser {
   Diary& diary_;
 };
 
-// The main window. Its views read what they are moved to, as real ones do.
+// The main window. Like real views, its views read the database that they are bound to.
 class DiaryWindow : public DatabaseWindow, public TabFolderWindow, public CommandObserver {
  public:
   explicit DiaryWindow(Diary& diary) : diary_(diary) {}
@@ -95,7 +95,7 @@ class DiaryWindow : public DatabaseWindow, public TabFolderWindow, public Comman
   void CommandChanged(std::string_view name, bool on) override;
   void TabChanged(int tab, bool on) override;
 
-  // The panels 2, 4, 6 and 8 as they stand.
+  // The current panels 2, 4, 6 and 8.
   std::vector<std::string> Panels(DatabaseKind kind) const;
 
   std::map<DatabaseKind, SQLite::Database*> views;
@@ -109,7 +109,7 @@ class DiaryWindow : public DatabaseWindow, public TabFolderWindow, public Comman
   std::map<std::pair<DatabaseKind, StatusPanel>, std::string> panels_;
 };
 
-// Answers for files of an earlier generation, and keeps what it was asked about.
+// Gives scripted answers for files of an earlier generation, and records the questions.
 class ScriptedEarlierDatabases : public LegacyOpener {
  public:
   LegacyOpening Offer(DatabaseKind kind, const std::filesystem::path& path) override {
@@ -121,8 +121,8 @@ class ScriptedEarlierDatabases : public LegacyOpener {
   std::vector<std::pair<DatabaseKind, std::filesystem::path>> asked;
 };
 
-// A program's directory with both templates, an application data folder, and the lifecycle in a
-// window that has just been loaded: both databases closed.
+// A program's directory with both templates, an application data folder, and the database commands
+// in a window that has just been loaded, with both databases closed.
 class LifecycleFixture : public ::testing::Test {
  protected:
   LifecycleFixture();
@@ -133,7 +133,7 @@ class LifecycleFixture : public ::testing::Test {
                                      const std::string& modified = "NULL") const;
   std::filesystem::path Template(DatabaseKind kind) const;
 
-  // The file that the views of that kind stand on.
+  // The file that the views of that kind are bound to.
   std::string BoundName(DatabaseKind kind) const {
     return databases_.Bound(kind).path.filename().string();
   }

@@ -7,7 +7,7 @@
 
 namespace vrx::testing {
 
-// Ports that keep nothing, for programs that parse without end.
+// Services that record nothing, for programs that parse endlessly.
 class SilentOperator : public Operator {
  public:
   Answer ShowMessage(const MessageBox& /*box*/) override { return Answer::kOk; }

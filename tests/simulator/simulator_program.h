@@ -11,7 +11,7 @@
 
 namespace vrx::testing {
 
-// The built vrx2260sim, running. Killed with the object if it has not ended by then.
+// A process of the built vrx2260sim. The destructor kills it if it has not ended.
 class SimulatorProgram {
  public:
   explicit SimulatorProgram(std::vector<std::string> arguments);
@@ -19,14 +19,14 @@ class SimulatorProgram {
   SimulatorProgram(const SimulatorProgram&) = delete;
   SimulatorProgram& operator=(const SimulatorProgram&) = delete;
 
-  // The next line of its standard output, without the line end; empty when it has ended.
+  // The next line of its standard output, without the line end; empty if it has ended.
   std::string OutputLine();
   void Signal(int signal) const;
   pid_t Process() const { return process_; }
 
-  // Its exit code; -1 when it does not end by itself within 10 s, or by a signal.
+  // Its exit code; -1 if it does not end by itself within 10 s or ends by a signal.
   int ExitCode();
-  // What it wrote to standard error; call after ExitCode.
+  // Its standard error; call it after ExitCode.
   std::string Errors();
 
  private:
@@ -41,16 +41,16 @@ class Client {
   explicit Client(const std::filesystem::path& link);
 
   void Write(std::string_view bytes) const;
-  // Exactly `count` bytes, or what came until the line was silent for 10 s or gone.
+  // Exactly `count` bytes, or fewer if the line was silent for 10 s or closed.
   std::string Read(std::size_t count) const;
-  // What comes until the line is silent for `milliseconds` or gone.
+  // Reads until the line is silent for `milliseconds` or closed.
   std::string ReadUntilSilent(int milliseconds) const;
-  // Whether the other end goes away within so many milliseconds; takes nothing off the line.
+  // Whether the other end hangs up within so many milliseconds; reads nothing.
   bool IsHungUpWithin(int milliseconds) const;
-  // Whether no other program may open the line.
+  // Lock the line for exclusive use, and return whether it is locked.
   void TakeForItself() const;
   bool TakenForOne() const;
-  // Bytes that wait to be read, as far as the terminal shows them (at most 4095).
+  // The number of unread bytes, as far as the terminal shows them (at most 4095).
   std::size_t Untaken() const;
 
  private:
@@ -59,7 +59,7 @@ class Client {
 
 void SleepShortly();
 
-// Asks until it is true, at most for 10 s.
+// Polls the condition until it is true, for at most 10 s.
 template <typename Condition>
 bool Eventually(Condition condition) {
   for (int tries = 0; tries < 1000; ++tries) {

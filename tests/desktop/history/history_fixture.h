@@ -60,14 +60,14 @@ class HistoryFixture : public MainWindowFixture {
     QTest::mouseClick(Tabs().tabBar(), Qt::LeftButton, {}, Tabs().tabBar()->tabRect(tab).center());
   }
 
-  // By a statement of another program.
+  // Runs a statement of another program.
   void Alter(const std::filesystem::path& path, const std::string& statement) {
     SQLite::Database database = OpenDatabase(path, Access::kWrite);
     database.exec("PRAGMA synchronous=OFF");
     database.exec(statement);
   }
 
-  // An item of a list, with the keys that an operator would press.
+  // Selects an item of a list with the keys that an operator would press.
   void ChooseItem(const QString& list, int item) {
     auto& box = Find<QComboBox>(list);
     box.setFocus();
@@ -115,7 +115,7 @@ class HistoryFixture : public MainWindowFixture {
   }
   std::string GroupText() { return Find<QComboBox>(u"lstGroupBy"_qs).currentText().toStdString(); }
 
-  // What the table shows, in the manner of ShownLines.
+  // The lines of the table, in the format of ShownLines.
   std::vector<std::string> Lines() {
     std::vector<std::string> lines;
     for (int row = 0; row < Grid().Model().rowCount(); ++row) {
@@ -149,7 +149,7 @@ class HistoryFixture : public MainWindowFixture {
     return captions;
   }
 
-  // The middle of a row, and the mark of a group's.
+  // The center of a row, and of the mark of a group row.
   QPoint RowPoint(int row) {
     return {Grid().viewport()->width() / 2,
             Grid().rowViewportPosition(row) + Grid().rowHeight(row) / 2};

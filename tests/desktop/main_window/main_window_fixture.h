@@ -35,7 +35,7 @@ class KeptExitRoads : public ExitRoads {
 };
 
 // `VRXMAIN` with real widgets, a program's directory with both templates and an application data
-// folder. Everything but the widgets is scripted.
+// folder. Everything except the widgets is scripted.
 class MainWindowFixture : public ::testing::Test {
  protected:
   MainWindowFixture();
@@ -45,7 +45,7 @@ class MainWindowFixture : public ::testing::Test {
   VrxMain& Main();
   MainWindow& Window() { return Main().Window(); }
 
-  // Shows the window, brings it to the front and lets events run.
+  // Shows and activates the window and runs events.
   void Show();
   static void RunEvents();
 
@@ -55,7 +55,7 @@ class MainWindowFixture : public ::testing::Test {
   // Opens a new one of that kind.
   void Open(DatabaseKind kind);
 
-  // By their names; each fails the test where there is none.
+  // Finds a control by its name; fails the test if there is none.
   template <typename Control>
   Control& Find(const QString& name) {
     auto* const control = Window().findChild<Control*>(name);
@@ -71,7 +71,7 @@ class MainWindowFixture : public ::testing::Test {
   MainTabFolder& Tabs() { return Find<MainTabFolder>(u"tabMainFolder"_qs); }
   std::vector<int> TabsOn();
 
-  // The old page stays: flows of the main form know it.
+  // Keeps the old page, because objects of the main form refer to it.
   void ReplacePage(int tab, MainTabPage* page) { replaced_.push_back(Window().SetPage(tab, page)); }
 
   TempFolder folder_;

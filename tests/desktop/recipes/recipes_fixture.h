@@ -29,9 +29,9 @@
 
 namespace vrx::testing {
 
-// The Recipes tab in a window of its own, on a recipe database with four ingredients in use: CORN
-// of 88 % dry matter, HAY of 90, SUPP without a figure and added by hand, OATS of 100. The recipes
-// 1 to 4 have the types W, H, % and P and an adjust item of +0 %, all others none. Nothing has
+// The Recipes tab in a separate window, on a recipe database with four ingredients in use: CORN of
+// 88 % dry matter, HAY of 90, SUPP without a figure and added by hand, OATS of 100. The recipes 1
+// to 4 have the types W, H, % and P and an adjust item of +0 %; the others have none. No recipe has
 // lines.
 class RecipesFixture : public ::testing::Test {
  protected:
@@ -49,9 +49,9 @@ class RecipesFixture : public ::testing::Test {
   RecipesFixture();
   ~RecipesFixture() override;
 
-  // Shows the tab as a click on it does, on recipe 1.
+  // Shows the tab with recipe 1, like a click on the tab.
   void Enter();
-  // Shows a recipe as the navigator does.
+  // Shows a recipe like the navigator.
   void Show(int recipe) { page_->GoTo(recipe); }
   static void RunEvents();
   // After a drop-down list closes: without a window manager nothing else reactivates the window.
@@ -59,14 +59,14 @@ class RecipesFixture : public ::testing::Test {
 
   SQLite::Database& Database() { return *bound_.connection; }
   RecipeRecord Stored(int recipe) { return ReadRecipe(Database(), recipe); }
-  // Straight into the database.
+  // Changes the database directly.
   void SetRecipe(int recipe, std::string RecipeRecord::*field, const std::string& text);
   void SetHeadCount(int recipe, int head_count);
   void AddStoredLine(int recipe, int ingredient, const std::string& target,
                      const std::string& percent = "0");
   void AddCornHaySupplement(int recipe);
 
-  // By their names; each fails the test where there is none.
+  // Finds a control by its name; fails the test if there is none.
   template <typename Control>
   Control& Find(const char* name) {
     auto* const control = form_->findChild<Control*>(QLatin1String(name));
@@ -81,7 +81,7 @@ class RecipesFixture : public ::testing::Test {
   bool Enabled(const char* name) { return Find<QWidget>(name).isEnabled(); }
   RecipeGrid& Grid() { return Find<RecipeGrid>("grdREC"); }
 
-  // Into whatever has the focus.
+  // Sends keys to the focused control.
   static void Press(Qt::Key key, Qt::KeyboardModifiers held = Qt::NoModifier);
   static void Type(std::string_view text);
   void TypeInto(const char* box, std::string_view text);
@@ -95,7 +95,7 @@ class RecipesFixture : public ::testing::Test {
   int CurrentRow() { return Grid().currentIndex().row(); }
   int CurrentColumn() { return Grid().currentIndex().column(); }
 
-  // Chooses an item of a list, as the operator does by the mouse.
+  // Selects an item of a list like the operator with the mouse.
   void Choose(const char* list, int index);
   int Index(const char* list) { return Find<QComboBox>(list).currentIndex(); }
   // Of `cboRecID`.
@@ -106,7 +106,7 @@ class RecipesFixture : public ::testing::Test {
   void AddByKeys(std::string_view ingredient, std::string_view amount);
 
   void ExpectBox(std::string_view title, std::string_view text, Icon icon);
-  // What is stored is what the grid shows.
+  // Checks that the stored values are those in the grid.
   void ExpectStored();
 
   TempFolder folder_;

@@ -20,7 +20,7 @@ namespace vrx::testing {
 inline constexpr int kFreshPen = 9;
 inline constexpr int kByPercent = 2;
 
-// The record tabs, with the means of an operator to go on.
+// The record tabs, with the operator's ways to leave a field.
 class CommitFixture : public RecordPagesFixture {
  public:
   using RecordPagesFixture::Check;
@@ -40,7 +40,7 @@ class CommitFixture : public RecordPagesFixture {
     ClickLine(row, column);
     Type(text);
   }
-  // A line that is complete but for its last key, in the entry row.
+  // Composes a line in the entry row that is complete except for its last key.
   void ComposeLine() {
     ClickLine(2, kColumnIngredient);
     Type("CORN");
@@ -48,7 +48,7 @@ class CommitFixture : public RecordPagesFixture {
     Type("500");
   }
 
-  // Opens each menu on the way by the mouse, and clicks the item.
+  // Opens the menus with the mouse and clicks the item.
   void ClickMenu(const QString& name) {
     QMenu* menu = nullptr;
     for (QObject* const shown : Find<QAction>(name).associatedObjects()) {
@@ -72,7 +72,7 @@ class CommitFixture : public RecordPagesFixture {
   void ClickButton(const char* name) { Press(name); }
   void CloseBox() { Window().close(); }
 
-  // From the file, as another program sees it.
+  // Reads the file like another program.
   template <typename Read>
   auto InFile(const Read& read) {
     SQLite::Database file = OpenDatabase(path_, Access::kRead);
@@ -105,9 +105,9 @@ class CommitFixture : public RecordPagesFixture {
 struct Entry {
   const char* what;
   int tab;
-  // Leaves the focus in the field or cell with what was typed.
+  // Types into the field or cell and leaves the focus there.
   std::function<void(CommitFixture&)> begin;
-  // What the file has for it.
+  // The stored value.
   std::function<std::string(SQLite::Database&)> stored;
   std::string before;
   std::string after;

@@ -23,7 +23,7 @@ class RecordPagesFixture : public MainWindowFixture {
  protected:
   RecordPagesFixture();
 
-  // Opens the database and turns to a tab as the operator does.
+  // Opens the database and selects a tab like the operator.
   void Enter(int tab);
 
   // Showing a recipe recomputes it: makes the stored figures stale again and clears `Modified`.
@@ -44,7 +44,7 @@ class RecordPagesFixture : public MainWindowFixture {
   std::string Shown(const char* box) { return Box(box).Text(); }
   std::string Item(const char* list, int index) { return List(list).itemText(index).toStdString(); }
 
-  // Puts the focus into a box, types over what it holds, and goes on with the Tab key.
+  // Focuses a box, overwrites its text and presses the Tab key.
   void Fill(const char* box, std::string_view text);
   void TypeOver(const char* box, std::string_view text);
   static void Type(std::string_view text);
@@ -52,7 +52,7 @@ class RecordPagesFixture : public MainWindowFixture {
   void Press(const char* button);
   void Tick(const char* check);
 
-  // Drops the list down and chooses an item with the keys of the open list.
+  // Opens the list and selects an item with the keys of the open list.
   void ChooseIn(const char* list, int index);
 
   // A cell of a grid, by the record's ID and the column's field.

@@ -12,10 +12,10 @@
 
 namespace vrx::testing {
 
-// The record tabs, on a file that another program may hold.
+// The record tabs, on a file that another program may lock.
 class UnstoredFixture : public CommitFixture {
  public:
-  // Another program holds the file from here on.
+  // Another program locks the file.
   void Lock() {
     Database().setBusyTimeout(1);
     other_ = std::make_unique<SQLite::Database>(OpenDatabase(path_, Access::kWrite));
@@ -23,7 +23,7 @@ class UnstoredFixture : public CommitFixture {
   }
   void Unlock() { lock_.reset(); }
 
-  // The file is free again by the time of the answer.
+  // Unlocks the file before the question is answered.
   void UnlockWhenAsked() {
     operator_.on_message = [this](const MessageBox&) { Unlock(); };
   }

@@ -38,8 +38,8 @@ inline void PrintTo(const StatusLook& told, std::ostream* out) {
   *out << '"' << told.text << "\" in " << told.color.name().toStdString();
 }
 
-// The main window with the Data Transfer tab on show, in real time: real boxes, the real status
-// label, and serial port 2, the port of the settings, at the link that a simulator makes.
+// The main window with the Data Transfer tab shown, in real time: real message boxes, the real
+// status label, and serial port 2, the port of the settings, linked to a simulator.
 class LineFixture : public TransferFixture {
  protected:
   using Ms = std::chrono::milliseconds;
@@ -60,7 +60,7 @@ class LineFixture : public TransferFixture {
   // The window is destroyed before the objects it refers to.
   ~LineFixture() override { main_.reset(); }
 
-  // Not paced like the real line, unless the arguments say so.
+  // Not paced like the real line, unless the arguments specify it.
   std::unique_ptr<Program> Simulate(std::vector<std::string> args) const {
     std::filesystem::remove(link_);
     args.insert(args.begin() + 1, {"--link", link_.string()});
@@ -94,7 +94,7 @@ class LineFixture : public TransferFixture {
   static void Later(Ms delay, std::function<void()> act) {
     QTimer::singleShot(delay, qApp, std::move(act));
   }
-  // As soon as the condition holds; the object gives up when it goes.
+  // Acts as soon as the condition holds, during the lifetime of the result.
   static std::unique_ptr<QTimer> Once(std::function<bool()> holds, std::function<void()> act) {
     auto poll = std::make_unique<QTimer>();
     QObject::connect(poll.get(), &QTimer::timeout, poll.get(),
@@ -126,7 +126,7 @@ class LineFixture : public TransferFixture {
            QApplication::overrideCursor()->shape() == Qt::WaitCursor;
   }
   void Upload() { Click(u"cmdUploadDataFromKRM"_qs); }
-  // The indicator's turn; returns when the connection has ended.
+  // Selects the indicator; returns when the connection has ended.
   void ConnectDirectly() { Click(u"optConnection(1)"_qs); }
   void ConnectModule() { Click(u"optConnection(0)"_qs); }
   // Even while the window is not active, as behind a message box.
@@ -135,7 +135,7 @@ class LineFixture : public TransferFixture {
   }
   bool Direct() { return Find<QRadioButton>(u"optConnection(1)"_qs).isChecked(); }
 
-  // The next upload, from a sound module, is whole.
+  // Checks that the next upload, from a working module, is complete.
   void TheNextUploadWorks() {
     const auto module = Module("{BAT/FED},L\r\n");
     Upload();

@@ -26,7 +26,7 @@ class TransferFixture : public MainWindowFixture {
   void Click(const QString& button) {
     QTest::mouseClick(&Find<QAbstractButton>(button), Qt::LeftButton);
   }
-  // In the middle of a wait, after that time.
+  // Clicks during a wait, after that time.
   void ClickAfter(Milliseconds delay, const QString& button) {
     pump_.After(delay, [this, button] { Click(button); });
   }
@@ -68,12 +68,12 @@ class TransferFixture : public MainWindowFixture {
     QTest::mouseClick(List().viewport(), Qt::LeftButton, {}, box.center());
   }
 
-  // A module that is there, and what its memory holds.
+  // Scripts a module that answers with this memory.
   void ModuleHolds(const std::string& memory) {
     serial_.WillAnswer("\x19\x1f");
     serial_.WillAnswer("\x15\x1f" + memory + "\x1f");
   }
-  // A module that takes a download.
+  // Scripts a module that accepts a download.
   void ModuleTakesDownload() {
     serial_.WillAnswer("\x19\x1f");
     serial_.WillAnswer("\x14\x1f");
