@@ -147,7 +147,7 @@ TEST_F(CtlTest, EachBaudRateOfTheModuleIsASetting) {
   }
 }
 
-// The program takes any text but YES as off.
+// The program treats any text except YES as off.
 TEST_F(CtlTest, SettingsPrintTheValueInForce) {
   const std::filesystem::path ini = folder / "data/VRX-2260.INI";
   std::string text = ReadAll(ini);

@@ -1,4 +1,4 @@
-// Commands that only read, and a data folder that does not serve them.
+// Commands that only read, with an unusable data folder.
 
 #include <filesystem>
 #include <fstream>

@@ -93,7 +93,7 @@ TEST_F(DownloadCommands, DownloadTextOnlyReads) {
   EXPECT_FALSE(fs::exists(yard + "-journal"));
 }
 
-// Another program stores whenever it can between two of its statements.
+// Another program stores whenever it can between two statements of the command.
 TEST_F(DownloadCommands, DownloadTextIsOfOneMoment) {
   SQLite::Database other = OpenDatabase(yard, Access::kWrite, std::chrono::milliseconds{0});
   int stored = 0;

@@ -11,7 +11,7 @@ using ::testing::StartsWith;
 using Json = nlohmann::ordered_json;
 using Args = std::vector<std::string>;
 
-// What a record means to others: its lines, its users, the indicator.
+// The effects of a record on others: its lines, its users, the indicator.
 class RecordFlows : public CtlTest {
  protected:
   void MakeRecipe(const std::string& id, const std::string& type) {

@@ -133,7 +133,7 @@ TEST_F(RecordRefusals, ADryMatterThatALineCannotBeWeighedBy) {
                 "whole numbers.");
 }
 
-// The change and its date are one step.
+// The change and its date are stored in one transaction.
 TEST_F(RecordRefusals, AFileWithoutARowForItsDates) {
   Alter(database, "DELETE FROM History");
   for (const Args& args :

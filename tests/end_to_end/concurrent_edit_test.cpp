@@ -9,8 +9,8 @@
 namespace vrx::testing {
 namespace {
 
-// Several offices edit one recipe at the same moment: each of them waits for the others, and works
-// on what they have left.
+// Several offices edit one recipe at the same time: each waits for the others and continues with
+// their results.
 class EditsAtOnce : public ProgramsTest {
  protected:
   static constexpr int kLines = 8;  // of recipe 4, by weight

@@ -47,7 +47,7 @@ class DesktopKilled : public DesktopUser {
     EXPECT_TRUE(code == 0 || code == -SIGKILL) << code << program->Err();
   }
 
-  // Nothing is half written, and what was in the databases is.
+  // Nothing is half written, and the databases keep their contents.
   void ExpectReadableFiles() const {
     EXPECT_EQ(ValueIn(ini, "Title"), "x");
     EXPECT_EQ(ValueIn(ini, "SystemUnits"), "LB");
@@ -58,7 +58,7 @@ class DesktopKilled : public DesktopUser {
     EXPECT_EQ(RowsOf(transactions), transaction_rows_);
   }
 
-  // The program opens both databases, heals its INI file and ends in order.
+  // The program opens both databases, repairs its INI file and exits normally.
   void ExpectNextStartWorks() const {
     const auto program = Start();
     EXPECT_TRUE(Eventually([&] { return HasOpened(*program); })) << program->Err();
@@ -86,7 +86,7 @@ class DesktopKilled : public DesktopUser {
   int transaction_rows_ = 0;
 };
 
-// VRX_KILLS asks for more than the usual rounds.
+// VRX_KILLS sets more than the usual rounds.
 int Rounds() {
   const char* const asked = std::getenv("VRX_KILLS");  // NOLINT(concurrency-mt-unsafe): one thread
   return asked != nullptr ? std::stoi(asked) : 12;

@@ -21,7 +21,7 @@ class DirectOverALine : public ProgramsTest {
   std::string LinePath() const { return (folder / "line").string(); }
   std::string OutPath() const { return (folder / "out").string(); }
 
-  // A script that ends takes the line away, and with it the connection: a long wait keeps both.
+  // The end of a script closes the line and the connection, so a long wait keeps both open.
   std::unique_ptr<Program> StartIndicator(const std::vector<std::string>& steps) const {
     std::string script;
     for (const std::string& step : steps) {
@@ -139,7 +139,7 @@ TEST_F(DirectOverALine, LoadedBackupReachesTheIndicator) {
       {"expect 14 1F", "wait 1000", "send 15", "expect 15 1F", "expect-file " + file, "expect 1F"});
   const auto direct = StartDirect({"--load", file});
   EXPECT_EQ(indicator->Wait(), 0) << indicator->Err();
-  // Its end took the line away.
+  // Its end closed the line.
   EXPECT_EQ(direct->Wait(), 1);
   EXPECT_THAT(direct->Err(), HasSubstr("The direct-connection has ended: Serial line lost."));
   EXPECT_EQ(ReadAll(folder / "out/01.RBU"), backup);

@@ -38,7 +38,7 @@ class DownloadOverALine : public ProgramsTest {
     return result.out;
   }
 
-  // What the module holds at its end.
+  // The final memory of the module.
   std::string Memory(Program& module) const {
     module.Signal(SIGTERM);
     EXPECT_EQ(module.Wait(), 0) << module.Err();
@@ -174,7 +174,7 @@ TEST_F(DownloadOverALine, AFileThatIsNoBackupIsRefused) {
   EXPECT_EQ(Memory(*module), kBackup);
 }
 
-// The text is longer than what the system keeps for a device that does not read.
+// The text is longer than the system's buffer for a device that does not read.
 TEST_F(DownloadOverALine, AModuleThatStopsReading) {
   backup = folder.Write("LONG.RBU", std::string(kBackup) + std::string(60'000, ' ')).string();
   const auto module = StartModule({"--fault", "deaf=2"});
@@ -203,7 +203,7 @@ TEST_F(DownloadOverALine, LineGoneAfterTheClear) {
   FailsThenWorks("hang-up=4", "Error: Download failed\n");
 }
 
-// The module takes no more bytes and dies with the text on its way: far more than a line holds.
+// The module stops reading and is killed during a text far longer than the line's buffer.
 TEST_F(DownloadOverALine, ModuleGoneInTheText) {
   const std::string full = (folder / "FULL.RDB").string();
   MakeFullRecipeDatabase(full);

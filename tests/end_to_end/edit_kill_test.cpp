@@ -23,7 +23,7 @@ struct Edit {
   bool of_lines = false;
 };
 
-// Recipe 4 is by weight. An edit of one of its lines writes all of them anew.
+// Recipe 4 is by weight. An edit of one of its lines rewrites all of them.
 constexpr const char* kLinesOfRecipe4 =
     "SELECT group_concat(Target || ' ' || DryMatter || ' ' || [Ration%] || ' ' || BatchTarget, ';')"
     " FROM (SELECT * FROM RecipeRation WHERE RecipeID = '4' ORDER BY Sequence)";
@@ -35,7 +35,7 @@ class EditsKilled : public ProgramsTest {
 
   int Pick(int least, int most) { return std::uniform_int_distribution<int>(least, most)(random_); }
 
-  // Of a record or a line, with another value than it has.
+  // Edits a record or a line, with a new value.
   Edit NextEdit() {
     switch (const std::string value = std::to_string(++last_value_); Pick(0, 3)) {
       case 0:
@@ -54,7 +54,7 @@ class EditsKilled : public ProgramsTest {
     return file.execAndGet(query).getString();
   }
 
-  // Kills the edit after a while; true when it was acknowledged.
+  // Kills the edit after a while. Returns whether it was acknowledged.
   bool RunAndKill(const Edit& edit, std::chrono::microseconds after) {
     Program program(Bin("vrx2260ctl"), WithDataDir(edit.args), folder.Path().string());
     std::this_thread::sleep_for(after);

@@ -176,7 +176,7 @@ TEST_F(SampleSite, ItsWeekStoresCompletely) {
   EXPECT_EQ(Sums(database, "Ingredient", "ActualBatch"), week.batched);
   EXPECT_EQ(Sums(database, "Pen", "ActualFeed"), week.fed);
   EXPECT_EQ(database.execAndGet("SELECT SUM(Target) FROM Transactions").getDouble(), week.target);
-  // What a pen got, ingredient by ingredient, adds up to what it got in all.
+  // The ingredients fed to a pen add up to its total.
   SQLite::Statement shares(database,
                            "SELECT ActualFeed, Ing01Wt, Ing02Wt, Ing03Wt, Ing04Wt, Ing05Wt, "
                            "Ing06Wt, Ing07Wt, Ing08Wt, Ing09Wt, Ing10Wt, Ing11Wt, Ing12Wt, "

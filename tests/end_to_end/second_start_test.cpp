@@ -46,7 +46,7 @@ TEST_F(SecondStart, WaitsWithItsBoxAndTouchesNothing) {
   ASSERT_TRUE(Eventually([&] { return HasOpened(*first); })) << first->Err();
   const std::vector<std::string> before = Everything();
   const auto second = Start();
-  // Longer than the splash of a first start would stand.
+  // Longer than the splash of a first start is shown.
   std::this_thread::sleep_for(std::chrono::seconds{3});
   EXPECT_FALSE(second->Ended()) << second->Err();
   EXPECT_FALSE(HasOpened(*second));

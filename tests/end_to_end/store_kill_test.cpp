@@ -23,8 +23,8 @@ std::string FullFile() {
 
 using StoreKilled = ProgramsTest;
 
-// Killed at any moment, a store has stored all of its file or nothing, and the database goes on
-// working.
+// A store that is killed at any moment has stored its whole file or nothing, and the database still
+// works.
 TEST_F(StoreKilled, LeavesAllOrNothing) {
   const std::string file = folder.Write("FULL.QXT", FullFile()).string();
   const std::string into = NewTransactionDatabase();

@@ -96,7 +96,7 @@ class YearOfAYard : public ProgramsTest {
     Do({"set", "recipe", recipes_, id, "--ration-target", "4000"});
   }
 
-  // What a nutritionist changes from time to time.
+  // The changes that a nutritionist makes from time to time.
   void EditRecipes(int round) const {
     Do({"set", "recipe", recipes_, "7", "--adjust", std::to_string(round % 5 - 2)});
     Do({"line", "set", recipes_, "7", "1", "--weight", std::to_string(2500 + 10 * round)});
@@ -167,7 +167,7 @@ std::map<std::string, long> SumsByName(const Weighed& weighed, const std::string
   return sums;
 }
 
-// Of the elements <Ingredient Value="CORN" Batch_Weight="1085" ...> and their like.
+// Of elements such as <Ingredient Value="CORN" Batch_Weight="1085" ...>.
 std::map<std::string, long> SumsInXml(const std::string& xml, const std::string& element,
                                       const std::string& weight) {
   std::map<std::string, long> sums;

@@ -29,14 +29,14 @@ class CsvExports : public ::testing::Test {
     return CSVExport(site_.Names()).ExportData(group, file, site_.Database(), visible, name);
   }
 
-  // What is exported with the columns of the design order; UTF-8 is not looked at.
+  // The export with the columns in their initial order; does not check UTF-8.
   std::string Exported(int group, std::string_view name = {}) const {
     const fs::path file = site_.Folder() / "out.csv";
     EXPECT_TRUE(Export(group, file, VisibleColumnsOf(group), name));
     return ReadAll(file);
   }
 
-  // The lines that stand when the export has failed with that message.
+  // The lines in the file after the export failed with that message.
   std::string LeftByFailure(int group, std::string_view message) const {
     const fs::path file = site_.Folder() / "out.csv";
     try {

@@ -32,8 +32,8 @@ using ::testing::StartsWith;
 
 constexpr int kTransactions = 20'000;  // more text than a pipe and the export itself hold back
 
-// An export in a process of its own, into a pipe that nobody empties: it stands in the middle of
-// its records until it is killed.
+// An export in a separate process, into a pipe that is not read: it blocks in the middle of its
+// records until it is killed.
 class StandingExport {
  public:
   explicit StandingExport(const ExportFixture& site) : pipe_(site.Folder() / "out.csv") {
@@ -68,7 +68,7 @@ class StandingExport {
     return {block.data(), static_cast<std::size_t>(std::max<ssize_t>(count, 0))};
   }
 
-  // How the process ended; 0 when it had ended before.
+  // How the process ended; 0 if it had already ended.
   int Kill() {
     if (process_ <= 0) {
       return 0;
@@ -108,7 +108,7 @@ TEST(KilledCsvExport, LeavesTheDatabaseWholeAndFree) {
   EXPECT_NO_THROW(site.Store({{.transaction = kTransactions + 1}}));
 }
 
-// The pages behind the first few are overwritten, as a failing disk leaves them.
+// Overwrites all pages except the first few, like a failing disk.
 void Damage(const fs::path& path) {
   std::fstream file(path, std::ios::binary | std::ios::in | std::ios::out);
   file.seekp(std::streamoff{16} * 4096);

@@ -37,9 +37,8 @@ class Agreement : public ::testing::TestWithParam<int> {
     system_.program_directory = (fs::path(VRX_BIN_DIR)).string();
   }
 
-  // The rows of a load as an import stores them. Where `wild`, whatever a table may hold besides:
-  // several dates and users in one transaction, ingredients that were fed and pens that were
-  // batched, other types.
+  // The rows of a load as an import stores them. If `wild`, with any other contents of a table:
+  // several dates and users in one transaction, fed ingredients, batched pens, other types.
   Rows MakeRows(bool wild) {
     Rows rows;
     const int count = Number(1, 60);
@@ -67,7 +66,7 @@ class Agreement : public ::testing::TestWithParam<int> {
     return rows;
   }
 
-  // Stores the rows in place of those before. By name some row has to be there.
+  // Replaces the stored rows. A group by name needs at least one row.
   void Store(int group, Rows& rows) {
     SiteRow& first = rows.front();
     first.recipe = "STARTER";
@@ -92,7 +91,7 @@ class Agreement : public ::testing::TestWithParam<int> {
         "DROP INDEX TransactionsByIngredient; DROP INDEX TransactionsByPen");
   }
 
-  // The total rows of the innermost groups. A blank weight is none.
+  // The total rows of the innermost groups. A blank weight is treated as missing.
   Totals InGrid(int group) {
     HistoryGrid& grid = SetUpGrid(group);
     grid.ExpandAll();
@@ -214,7 +213,7 @@ class Agreement : public ::testing::TestWithParam<int> {
     return sums;
   }
 
-  // A line with one value alone is that of a group; a user's has no other cells.
+  // A line with a single value is that of a group; a user's line has no other cells.
   static void FollowGroupLine(int group, const std::vector<std::string>& header,
                               const std::vector<std::string>& cells, Key& key) {
     const auto filled = [](const std::string& cell) { return !cell.empty(); };
@@ -294,7 +293,7 @@ TEST_P(AgreementOfAnyRows, TheGridShowsTheTotalsOfItsOwnRows) {
   }
 }
 
-// As in a file of another making, which is read without ranges of transactions.
+// Like a file of another program, which is read without ranges of transactions.
 TEST_P(AgreementOfAnyRows, AreTheSameFilesOfATableWithoutIndexesByName) {
   const int group = GetParam();
   Rows rows;

@@ -17,7 +17,7 @@ namespace {
 
 constexpr std::size_t kSlots = 501;
 
-// Binds one parameter after the other, NULL for what is not there.
+// Binds the parameters in order, NULL for a missing value.
 class Binder {
  public:
   explicit Binder(SQLite::Statement& statement) : statement_(statement) {}

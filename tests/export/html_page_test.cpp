@@ -55,7 +55,7 @@ class HtmlPage : public ::testing::Test {
 
   bool Write() { return WriteHtmlPage(sheets_, kGroup, xml_, page_); }
 
-  // What it is refused with. The page has to be the old one, without a word on standard error.
+  // The message of a refusal. Checks that the old page is unchanged and nothing was printed.
   std::string Refusal() {
     ::testing::internal::CaptureStderr();
     std::string words;
@@ -194,7 +194,7 @@ TEST_F(HtmlPage, OverAFolderIsRefusedAndLeavesNothingBesideIt) {
   EXPECT_EQ(std::distance(fs::directory_iterator(folder_ / "out"), fs::directory_iterator()), 1);
 }
 
-// Stylesheets that reach for what is not theirs.
+// Stylesheets that access other files.
 
 TEST_F(HtmlPage, AStyleSheetReadsNoFile) {
   const fs::path secret = folder_.Write("secret.xml", "<secret>42</secret>");
@@ -262,7 +262,7 @@ TEST_F(HtmlPage, AStyleSheetThatFailsIsReportedInItsWords) {
   EXPECT_THAT(Refusal(), HasSubstr("not with me"));
 }
 
-// Its routines and rights are variables of the library, which others in the program may have set.
+// Message handlers and rights are global variables of the library, which other code may have set.
 TEST_F(HtmlPage, LeavesTheLibraryAsItWas) {
   const std::unique_ptr<xsltSecurityPrefs, decltype(&xsltFreeSecurityPrefs)> rights(
       xsltNewSecurityPrefs(), xsltFreeSecurityPrefs);

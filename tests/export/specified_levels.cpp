@@ -173,7 +173,7 @@ class LeveledReader {
     while (query.executeStep()) {
       const SQLite::Column column = query.getColumn(0);
       values_.push_back(View(column));
-      // Only below the value is it known whether it is a user.
+      // Whether the value is a user is only known from the level below.
       const LeveledGroup told = Leveled(group_, NoUser());
       const bool innermost = depth + 1 == told.levels.size();
       const bool none = depth == 0 && NoUser();

@@ -25,7 +25,7 @@ using ::testing::EndsWith;
 using ::testing::HasSubstr;
 using ::testing::IsEmpty;
 
-// A program's directory with a shell script in the place of the reader.
+// A program's directory with a shell script instead of the reader.
 class OtherReader {
  public:
   OtherReader(ConversionFixture& site, const std::string& script) {
@@ -209,7 +209,7 @@ TEST(Conversion, IntoAFolderThatIsMissingIsReported) {
               AllOf(HasSubstr("cannot write"), HasSubstr("No such file or directory")));
 }
 
-// The right to write is looked at: a superuser could write without it.
+// Checks the permission itself, because a superuser could write without it.
 TEST(Conversion, FromAWriteProtectedTemplateMakesAFileThatCanBeWritten) {
   ConversionFixture site;
   const OtherReader reader(site,

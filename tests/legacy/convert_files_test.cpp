@@ -22,7 +22,7 @@ using ::testing::ElementsAre;
 
 using Cell = std::optional<std::string>;  // nothing for NULL
 
-// A table as it was written into the old file: texts in quotes, NULL an empty field without any.
+// A table as written to the old file: texts in quotes, NULL as an empty field without quotes.
 struct KnownTable {
   std::vector<std::string> header;
   std::vector<std::vector<Cell>> rows;
@@ -67,7 +67,7 @@ bool SameNumber(const std::string& stored, const std::string& known) {
   return ParseNumber(stored).has_value() && ParseNumber(stored) == ParseNumber(known);
 }
 
-// What a cell becomes by the rules of a conversion.
+// The converted value of a cell.
 std::string Expected(const std::string& column, const Cell& known, const std::string& default_name,
                      bool record) {
   if (column == "Date" || column == "Created" || column == "Modified") {
@@ -84,7 +84,7 @@ std::string Expected(const std::string& column, const Cell& known, const std::st
   return column == "Name" ? default_name : defaults.at(column);
 }
 
-// Compares every cell of a table of the copy with what the old file is known to hold.
+// Compares every cell of a table of the copy with the known contents of the old file.
 void ExpectTable(const ConversionFixture& site, const std::string& file, const std::string& table,
                  const std::string& name_prefix = {}) {
   SCOPED_TRACE(table);
@@ -222,7 +222,7 @@ TEST(Conversion, OnlyReadsTheOldFile) {
   const ConversionReport report = site.Convert(site.old_path);
   EXPECT_EQ(BytesOf(site.old_path), before);
   EXPECT_EQ(fs::last_write_time(site.old_path), time);
-  // As `sha256sum` says.
+  // Computed with `sha256sum`.
   EXPECT_EQ(report.sha256, "36cdedda50c41f1942fabac2fb0882d59fbea09025336c0b232e867912bce72c");
   EXPECT_THAT(site.Files(), ElementsAre("NEW.RDB", "OLD.RDB"));
 }

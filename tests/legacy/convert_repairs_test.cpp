@@ -122,7 +122,7 @@ TEST(ConversionOfNumbers, TakesATextInANumbersPlaceOnlyIfItIsANumber) {
   EXPECT_EQ(report.sums[0].new_file, 12.5);
 }
 
-// A currency is stored in ten thousandths.
+// A currency value is stored in ten-thousandths.
 TEST(ConversionOfNumbers, ReadsEveryKindThatAColumnMayHave) {
   ConversionFixture site;
   JetWriter file = TransactionFile({{"Transaction", JetWriter::kByte},

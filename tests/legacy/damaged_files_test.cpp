@@ -18,7 +18,7 @@ namespace fs = std::filesystem;
 using ::testing::ElementsAre;
 using ::testing::UnorderedElementsAre;
 
-// VRX_DAMAGED_COPIES asks for another number of them.
+// VRX_DAMAGED_COPIES sets another number.
 int DamagedCopies() {
   int count = 200;
   if (const char* const wanted = std::getenv("VRX_DAMAGED_COPIES"); wanted != nullptr) {
@@ -68,7 +68,7 @@ class Damage {
                      bytes.begin() + static_cast<std::ptrdiff_t>(first + kJetPageSize),
                      bytes.begin() + static_cast<std::ptrdiff_t>(second));
   }
-  // Where definitions, maps and the catalog are, as often as anywhere.
+  // Half of the damage hits definitions, maps and the catalog.
   void ScratchAPage(std::string& bytes) {
     const std::size_t page = Below(2) == 0 ? Below(16) * kJetPageSize : PageAt(bytes);
     for (std::size_t scratches = 1 + Below(40); scratches > 0; --scratches) {
@@ -105,7 +105,7 @@ TEST(DamagedFile, EndsInAReportOrAClearRefusal) {
     }
     ASSERT_EQ(BytesOf(site.old_path), damaged);
   }
-  // Damage that never shows, and damage that always refuses, would prove nothing.
+  // Damage that is never or always noticed would prove nothing.
   EXPECT_GT(refused, 0);
   EXPECT_LT(refused, copies);
   RecordProperty("refused", refused);

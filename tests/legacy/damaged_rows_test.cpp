@@ -13,13 +13,13 @@ namespace {
 
 using ::testing::Contains;
 
-// Changes pages of a written file. A page begins with its table at 4 and the number of its rows at
-// 12; from 14 on each row has 2 bytes that say where it begins.
+// Changes pages of a written file. A page has its table at 4 and the number of its rows at 12; from
+// 14 on each row has 2 bytes with its offset.
 class Pages {
  public:
   explicit Pages(const JetWriter& file) : bytes_(file.Bytes()) {}
 
-  // Where the page that holds the text begins.
+  // The offset of the page that contains the text.
   std::size_t With(std::string_view text) const {
     return bytes_.find(JetWriter::Utf16(text)) / kJetPageSize * kJetPageSize;
   }

@@ -21,8 +21,8 @@ JetFileKind KindOf(const std::string& bytes) {
   return ClassifyJetFile(bytes.substr(0, kJetPageSize), bytes.size());
 }
 
-// Changes bytes of the first page in its scrambled part. RC4 is its own inverse, so what is laid
-// over the clear text can be laid over the scrambled one.
+// Changes bytes in the scrambled part of the first page. RC4 is an XOR, so a change of the clear
+// bytes can be applied to the scrambled ones.
 std::string Changed(std::string bytes, std::size_t offset, std::string_view change) {
   for (std::size_t index = 0; index < change.size(); ++index) {
     bytes[offset + index] = static_cast<char>(bytes[offset + index] ^ change[index]);

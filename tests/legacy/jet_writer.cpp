@@ -253,8 +253,8 @@ std::string JetWriter::Definition(const Table& table, std::uint32_t map) {
   return bytes;
 }
 
-// Puts the pages of a file together: header, free map and the catalog's definition, then for each
-// table its definition, its map, a map page where the map is long, and its data.
+// Builds the pages of a file: header, free map and the catalog's definition, then for each table
+// its definition, its map, a map page if the map is long, and its data.
 class JetWriter::Builder {
  public:
   std::string Build(const std::vector<Table>& tables) {
@@ -301,7 +301,7 @@ class JetWriter::Builder {
     }
   }
 
-  // What does not fit on its page goes on on another one, which the page names.
+  // Data that does not fit continues on another page, which the first page references.
   void AppendDefinition(const std::string& definition, std::uint32_t page) {
     for (std::size_t at = 0; at < definition.size();) {
       std::string piece = at == 0 ? std::string() : std::string("\2\1\0\0\0\0\0\0", 8);
@@ -318,7 +318,7 @@ class JetWriter::Builder {
     }
   }
 
-  // Where a row is that moves, and what is to stand where it went.
+  // The position of a moved row, and the contents of its new position.
   struct Move {
     std::size_t page;
     std::size_t row;

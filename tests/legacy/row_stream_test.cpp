@@ -15,7 +15,7 @@ namespace {
 using ::testing::ElementsAre;
 using ::testing::HasSubstr;
 
-// Writes down what came.
+// Records the received calls.
 class KeptRows : public LegacyRowSink {
  public:
   void Directory(const std::vector<std::string>& tables) override { directory = tables; }
@@ -133,7 +133,7 @@ TEST(RowStream, OfAnotherProgramIsRefused) {
   EXPECT_EQ(FailureOf(Stream() + "x"), "something follows the end of the rows");
 }
 
-// A record that is too long is refused before its bytes are waited for.
+// Refuses a record that is too long before its bytes arrive.
 TEST(RowStream, LimitsARecordToOneMegabyte) {
   const auto directory_of = [](std::uint32_t length) {
     std::string bytes(kRowStreamMark);
@@ -211,7 +211,7 @@ TEST(RowStream, SurvivesAnyChangedByte) {
     const char before = changed[at];
     changed[at] = static_cast<char>(random());
     if (changed[at] != before) {
-      // A name is all that may change without being noticed.
+      // Only a change of a name is not detected.
       FailureOf(changed);
     }
   }

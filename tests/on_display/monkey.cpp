@@ -242,7 +242,7 @@ void Monkey::MakeTrouble() {
   }
 }
 
-// The program may have been left: in order, with the exit code 0, and it starts again.
+// The program may have exited: normally, with the exit code 0, and it starts again.
 void Monkey::Check() {
   const bool responds = Responds();
   if (program->Ended()) {

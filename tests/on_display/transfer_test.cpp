@@ -53,7 +53,7 @@ class TransferOnDisplay : public OnDisplay {
   fs::path link_ = data / "Ports/COM2";
 };
 
-// The memory takes two seconds on the line: the later clicks meet the upload in its middle.
+// The upload takes two seconds, so the later clicks come in its middle.
 TEST_F(TransferOnDisplay, MoreClicksOnUploadAreOneUpload) {
   const std::string memory = "{BAT/FED},L\r\n" + std::string(4000, ' ');
   const auto module = Simulate({"module", "--load", folder.Write("memory", memory).string()});

@@ -34,7 +34,7 @@ TEST_F(WindowOnDisplay, OpensInItsDesignSizeWhereThatFits) {
   EXPECT_EQ(window->place.height, 720);
 }
 
-// As root, a read of /proc/kmsg waits for ever. The second dialog begins where the first one ended.
+// As root, a read of /proc/kmsg waits forever. The second dialog starts in the folder of the first.
 TEST_F(WindowOnDisplay, FileDialogsShowFoldersOfTheKernel) {
   StartProgram();
   for (int dialog = 0; dialog < 2; ++dialog) {

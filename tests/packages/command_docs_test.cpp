@@ -127,7 +127,7 @@ class ExampleFolder {
   fs::path before_;
 };
 
-// What an example cannot find here; empty for one that ends well.
+// The failure of an example; empty if it succeeds.
 std::string MissingTo(const std::string& example) {
   for (const char* const file : {"02.RBU", "OLDSITE.RDB", "OLDYARD.TDB"}) {
     if (example.find(file) != std::string::npos) {

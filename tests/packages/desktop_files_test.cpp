@@ -20,7 +20,7 @@ class FileKinds : public ::testing::Test {
     fs::create_directories(folder_ / "mime/packages");
     fs::copy(fs::path(VRX_SOURCE_DIR) / "packaging/vrx2260-mime.xml",
              folder_ / "mime/packages/vrx2260.xml");
-    // Read from the same place, the one of higher priority counts.
+    // If both match at the same offset, the one with higher priority applies.
     fs::copy("/usr/share/mime/packages/freedesktop.org.xml", folder_ / "mime/packages");
     for (const char* const variable : {"XDG_DATA_HOME", "XDG_DATA_DIRS"}) {
       qputenv(variable, folder_.Path().string().c_str());

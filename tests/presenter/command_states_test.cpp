@@ -183,8 +183,8 @@ TEST_F(CommandStatesTest, PrintIsLeftAsItIsByTheExportTabAndByWhatIsNoTab) {
   }
 }
 
-// Whatever order the two databases come and go in, a parent is on exactly when an item below it is,
-// and the observer was notified of the final states.
+// In whatever order the two databases open and close, a parent is enabled exactly when one of its
+// items is, and the observer was notified of the final states.
 TEST_F(CommandStatesTest, AParentIsOnExactlyWhenOneOfItsItemsIs) {
   states_.AddObserver(*this);
   CloseBoth();

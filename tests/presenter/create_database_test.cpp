@@ -17,7 +17,7 @@ using ::testing::EndsWith;
 using ::testing::IsEmpty;
 using ::testing::SizeIs;
 
-// The words of a kind as the operator reads them.
+// The texts of a kind as the operator reads them.
 struct Words {
   DatabaseKind kind;
   std::string noun;
@@ -57,7 +57,7 @@ class Create : public ::testing::TestWithParam<Words> {
     EXPECT_EQ(operator_.boxes[0].text, text);
   }
 
-  // Nothing was named and nothing was made.
+  // No path was set and no file was created.
   void ExpectUntouched() {
     EXPECT_TRUE(current_.path.empty());
     EXPECT_EQ(current_.name, "");
@@ -189,7 +189,7 @@ TEST_P(Create, ADamagedTemplateIsReportedTwiceAndItsCopyDeleted) {
   if (GetParam().kind == DatabaseKind::kRecipe) {
     EXPECT_THAT(titles, ElementsAre("Database-Type Error", "Invalid Database"));
   } else {
-    // The date is set before the type is looked at.
+    // The date is set before the type is checked.
     EXPECT_THAT(titles, ElementsAre("Database-Type Error", "Database Date Write Error",
                                     "Invalid Database"));
   }
@@ -213,7 +213,7 @@ TEST_P(Create, ACopyThatCannotBecomeAUsersFileIsDeleted) {
   EXPECT_EQ(current_.unit, "");
 }
 
-// Fails as no storage does: outside of what the identity routines trap.
+// Fails unlike a database: with an exception that the identity routines do not catch.
 class BrokenOperator : public RecordingOperator {
  public:
   void SetBusy(bool /*on*/) override { throw Error("the display is gone"); }

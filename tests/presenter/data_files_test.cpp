@@ -24,7 +24,7 @@ constexpr const char* kPage = "\fpage two\r\n";
 
 class DataFiles : public ::testing::Test {
  protected:
-  // A block of one file of each mark, as an upload leaves it.
+  // A block with one file of each mark, like after an upload.
   DataFiles() {
     Add(DataFileType::kTransaction, kTransactionBytes);
     Add(DataFileType::kRecipeBackup, kRecipeBytes);
@@ -247,7 +247,7 @@ TEST_F(DataFiles, ReportsCauseAndPathOfAFileThatCannotBeWritten) {
   EXPECT_EQ(op_.boxes[0].title, "Save Recipe Backup-File Error");
   EXPECT_EQ(op_.boxes[0].text, "The file was not saved.\r\n\r\ncannot write " + path.string() +
                                    ": No such file or directory");
-  // The name that was chosen is kept all the same.
+  // The selected name is kept anyway.
   EXPECT_EQ(files_.RecipeBackupFile().path, path.string());
   EXPECT_EQ(files_.RecipeBackupFile().title, "X.RBU");
 

@@ -20,7 +20,7 @@ using ::testing::IsEmpty;
 
 constexpr std::string_view kWaiting = "Waiting to receive commands/data from K-2260 indicator.";
 
-// Entering takes 500 ms; times of what arrives count from the entering. An answer takes 1600 ms.
+// Entering takes 500 ms; arrival times count from the start of entering. An answer takes 1600 ms.
 class DirectConnectionTest : public LinkFixture {
  protected:
   void ArriveAfter(Ms delay, const std::string& bytes) {
@@ -52,7 +52,7 @@ TEST_F(DirectConnectionTest, CommandInABurstTakesEffectAtItsPlace) {
   EXPECT_THAT(serial.TimesOf("out"), ElementsAre(Ms{500 + 100 + 250 + 1000}));
 }
 
-// Another command that a handler runs while an answer is on its way receives too.
+// Another command that a handler runs while an answer is being sent receives too.
 TEST_F(DirectConnectionTest, ABurstOutlivesWhatIsReceivedDuringAnAnswer) {
   ArriveAfter(Ms{100},
               "abc\x15"
@@ -363,7 +363,7 @@ TEST_F(DirectConnectionTest, OnlyABackupHasABackupsHeader) {
   EXPECT_EQ(op.beeps, 1);
 }
 
-// As the setup dialog has it.
+// As in the setup dialog.
 TEST_F(DirectConnectionTest, ResumesWhenAnotherRoutineHasClosedThePort) {
   After(Ms{100}, [this] {
     krm.KRM_Close();

@@ -9,7 +9,7 @@ namespace {
 using ::testing::HasSubstr;
 using ::testing::IsEmpty;
 
-// The upload's button in the direct connection.
+// The upload button in the direct connection.
 class DirectMemory : public LinkFixture {
  protected:
   void SetUp() override { tab.connection = Connection::kIndicator; }

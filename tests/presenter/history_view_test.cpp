@@ -21,7 +21,7 @@ using ::testing::ElementsAre;
 using ::testing::IsEmpty;
 using ::testing::Not;
 
-// Looks at the view whenever it says that something has changed.
+// Inspects the presenter after every notification of a change.
 class WatchingScreen : public HistoryView {
  public:
   void HistoryChanged(HistoryPart part) override {

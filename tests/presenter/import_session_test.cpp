@@ -145,7 +145,7 @@ TEST_F(ImportSessionTest, AFailedParseHidesAllFactsButTheRecordsAndDisablesStore
   EXPECT_EQ(site_.op.boxes[0].text, "No batch section identifier detected.");
 }
 
-// Of a file that is refused nothing can be stored, nor of the one before it.
+// After a refused file nothing can be stored, neither from it nor from the previous file.
 TEST_F(ImportSessionTest, ARefusedFileEmptiesTheGridAndTurnsStoreOff) {
   const std::vector<std::string> refused = {
       "no transactions", "{BAT/FED},L\r\n", std::string(65536, 'x'),  // too long

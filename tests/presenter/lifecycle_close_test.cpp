@@ -13,7 +13,7 @@ using ::testing::IsEmpty;
 
 class LifecycleOfOpenFiles : public LifecycleFixture {
  protected:
-  // Both databases open, chosen by the operator.
+  // Both databases are open, selected by the operator.
   LifecycleOfOpenFiles() {
     chooser_.Choose(recipes_);
     databases_.BrowseRecipeDatabase();

@@ -22,7 +22,7 @@ class LifecycleFaults : public LifecycleFixture {
     diary_.clear();
   }
 
-  // Nothing has moved and everything still works.
+  // Nothing has changed and everything still works.
   void ExpectEarlierStays() {
     EXPECT_EQ(BoundName(kRecipe), "EARLIER.RDB");
     ASSERT_EQ(window_.views[kRecipe], databases_.Bound(kRecipe).connection.get());
@@ -230,7 +230,7 @@ TEST_F(LifecycleFaults, ASaveAsOfAFileInUseByAnotherProgramLeavesTheTarget) {
   const fs::path target = folder_.Write("TARGET.RDB", "somebody's work");
   chooser_.Choose(target);
   std::optional<ExclusiveHolder> holder;
-  // As soon as the window has let go of it.
+  // As soon as the window has released it.
   window_.on_rebind = [&](DatabaseKind, const BoundDatabase& database) {
     if (database.blank) {
       window_.on_prepare_tab = [&] { holder.emplace(earlier_); };

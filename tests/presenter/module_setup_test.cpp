@@ -139,7 +139,7 @@ TEST_F(ModuleSetupTest, ChosenBaudIsASettingAtOnce) {
   EXPECT_EQ(settings.KRMBaudRate(), "2400");
 }
 
-// Whenever the form is closed, what runs ends soon and without a word.
+// Whenever the form is closed, a running command ends soon and without a message.
 TEST_F(ModuleSetupTest, AbandonedItEndsWithinASecond) {
   for (const Ms when : {Ms{0}, Ms{500}, Ms{999}, Ms{1200}, Ms{1900}}) {
     ManualPump clock;

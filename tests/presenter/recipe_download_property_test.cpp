@@ -202,7 +202,7 @@ TEST(RecipeDownloadProperty, AReaderFindsEveryRecordThatIsWritten) {
   }
 }
 
-// What the database holds afterwards: written recipes as recomputed, all else as before.
+// The expected database afterwards: written recipes recomputed, everything else unchanged.
 void ApplyDownload(RecipeTables& tables) {
   for (RecipeRecord& recipe : tables.recipes) {
     if (recipe.description.empty() || recipe.batch_type == "!") {

@@ -435,7 +435,7 @@ TEST_F(RecipeDownloadTest, LoadingTakesTheTextThoughTheWindowChangesMeanwhile) {
   EXPECT_EQ(krm.GS_KRM_VirtualMemory(), kBackup);
 }
 
-// The click runs inside the wait of the connection, which then goes on and answers from it.
+// The click runs during a wait of the connection, which then continues and answers from the memory.
 TEST_F(RecipeDownloadTest, MemoryIsLoadedDuringTheConnection) {
   OpenSmallYard();
   op.answers = {Answer::kYes};

@@ -49,7 +49,7 @@ class ResetRecord : public FeedDatabaseTest {
     return AskAndReset(database, kind, id, services) == ResetOutcome::kReset;
   }
 
-  // The fields of all records in the order of their IDs, a bar between the fields.
+  // The fields of all records in the order of their IDs, separated by bars.
   std::vector<std::string> Rows(const std::string& table) {
     const std::map<std::string, std::string> columns = {
         {"Ingredient", "Name || '|' || Description || '|' || [DryMatter%] || '|' || HandAdd"},
@@ -73,7 +73,8 @@ class ResetRecord : public FeedDatabaseTest {
   }
 };
 
-// A reset that only reads at first could not go on when the other one stores: neither would wait.
+// A reset that began with a read lock could not continue after another program stores: neither
+// would wait.
 TEST_F(ResetRecord, WaitsForAnotherProgramThatIsStoring) {
   EnterCorn();
   SQLite::Database other = OpenDatabase(path, Access::kWrite);
@@ -225,7 +226,7 @@ TEST_F(ResetRecord, AConnectionForReadingResetsNothing) {
   EXPECT_TRUE(ReadAll(path) == before);
 }
 
-// The record's row and the lines go together: a failure in between leaves both.
+// The record's row and its lines are one transaction: a failure in between keeps both.
 TEST_F(ResetRecord, AFailureHalfwayLeavesTheWholeRecipe) {
   EnterSteers();
   Alter(path,
@@ -245,7 +246,7 @@ TEST_F(ResetRecord, ARecordThatIsMissingIsReportedWithoutAQuestion) {
   EXPECT_EQ(op.boxes[0].cause, "YARD.RDB has no row 401 in Pen");
 }
 
-// Whatever the others hold, a reset touches its own row and, of a recipe, its own lines.
+// Whatever other records contain, a reset changes only its own row and, for a recipe, its lines.
 TEST_F(ResetRecord, TouchesNoOtherRecord) {
   std::mt19937 random(2260);
   FillAtRandom(random);

@@ -117,7 +117,7 @@ TEST_F(UpdateRecipes, AFailureHalfwayStoresNothing) {
   EXPECT_EQ(ReadAllRecipeLines(database), lines);
 }
 
-// All at once comes to the same as recipe by recipe, and a second run finds nothing to do.
+// Updating all at once has the same result as recipe by recipe, and a second run changes nothing.
 TEST_F(UpdateRecipes, ComesToWhatEachRecipeComesToByItself) {
   std::mt19937 random(2260);
   FillAtRandom(random);

@@ -79,7 +79,7 @@ TEST_F(FindWhereIngUsed, ALineOfARecipeThatIsMissingIsNoUse) {
   EXPECT_THAT(Find(5), IsEmpty());
 }
 
-// The query against a walk through the recipes one by one.
+// Compares the query with a loop over the recipes.
 TEST_F(FindWhereIngUsed, FindsWhatAWalkThroughTheRecipesFinds) {
   std::mt19937 random(2260);
   FillAtRandom(random);

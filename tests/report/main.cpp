@@ -5,7 +5,7 @@
 
 #include "support/temp_folder.h"
 
-// Letters to print with, and no screen.
+// Provides fonts without a screen.
 int main(int argc, char** argv) {
   const vrx::testing::TempFolder home;
   qputenv("QT_QPA_PLATFORM", "offscreen");

@@ -1,4 +1,4 @@
-// Reports as they are read off the paper.
+// Reports as read from the printed pages.
 
 #include <QPdfWriter>
 #include <algorithm>
@@ -31,7 +31,7 @@ using ::testing::HasSubstr;
 
 constexpr double kMargin = 12 / 25.4 * 72;  // points
 
-// Rows made as they are asked for; counts how often they were.
+// Generates rows on demand and counts the calls.
 class MadeRows : public ReportRows {
  public:
   MadeRows(std::int64_t count, std::function<ReportRow(std::int64_t)> make)

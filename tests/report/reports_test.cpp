@@ -85,7 +85,7 @@ TEST(Reports, ARecipeShowsItsColumnsInTheOrderAsked) {
   EXPECT_THAT(report.rows->Row(1).cells, ElementsAre("Yes", "CORN", "120"));
 }
 
-// The grid aligns all of its columns but that of the names to the right.
+// The grid aligns all columns except the names to the right.
 TEST(Reports, ARecipeAlignsItsColumnsAsItsGrid) {
   for (const ReportColumn& column : RecipeReport(Recipe("W"), {}, Facts()).design.columns) {
     EXPECT_EQ(column.right_aligned, column.caption != "Ingredient") << column.caption;

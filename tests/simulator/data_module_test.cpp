@@ -23,7 +23,7 @@ class Module : public ::testing::Test {
     return {faults, [this](const std::string& message) { messages_.push_back(message); }};
   }
 
-  // All that the bytes make it send, pauses left out.
+  // Everything that it sends in response to the bytes, without pauses.
   static std::string Say(DataModule& module, std::string_view bytes) {
     std::string said;
     for (const char byte : bytes) {

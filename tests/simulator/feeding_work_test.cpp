@@ -92,8 +92,8 @@ std::string List(std::string entries) {
   return entries;
 }
 
-// 501 of the unit are 488.8 of CORN and 12.2 of MINRAL. A scale shows steps of 5 and, by hand, 0.5
-// pounds, of 2 and 0.2 kilograms. How far off the work is comes from the seed.
+// 501 units are 488.8 of CORN and 12.2 of MINRAL. A scale has steps of 5 and, by hand, 0.5 pounds,
+// or of 2 and 0.2 kilograms. The seed determines the errors of the work.
 TEST(FeedingWork, TheRecordsOfADayAreTheseInEachUnit) {
   FeedPlan plan = Plan(2, 501);
   FeedingWork pounds(plan, 7);

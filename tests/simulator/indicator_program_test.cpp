@@ -197,7 +197,7 @@ TEST_F(IndicatorProgram, ASaveSignalDoesNotStopIt) {
   EXPECT_EQ(program.Errors(), "");
 }
 
-// The end of the script takes the line away, and what the line still holds with it.
+// The end of the script closes the line and discards its unread bytes.
 TEST_F(IndicatorProgram, WaitsAtItsEndForAPcThatReadsLate) {
   SimulatorProgram program(Arguments("send 61 62 63\n"));
   ASSERT_EQ(program.OutputLine(), Ready());

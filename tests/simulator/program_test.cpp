@@ -17,7 +17,7 @@ namespace fs = std::filesystem;
 // A program that plays a module, with its link in a folder of the test's own.
 class Program : public ::testing::Test {
  protected:
-  // With a pace only where the test is about it.
+  // Paced only in tests of the pace.
   std::vector<std::string> Arguments(std::vector<std::string> more,
                                      const std::string& baud = "0") const {
     std::vector<std::string> arguments{"module", "--link", link_.string(), "--baud", baud};
@@ -269,7 +269,7 @@ TEST_F(Program, HangsUpAtTheFirstReplyAfterNoByte) {
   EXPECT_EQ(program.ExitCode(), 0);
 }
 
-// What the line holds is lost with it.
+// Unread bytes on the line are lost with it.
 TEST_F(Program, HangsUpOnceALateClientHasTakenTheLastByte) {
   SimulatorProgram program(Arguments({"--fault", "hang-up=2"}));
   ASSERT_EQ(program.OutputLine(), Ready());
@@ -408,8 +408,8 @@ TEST_F(Program, ReportsAPathThatIsTaken) {
   EXPECT_EQ(ReadAll(link_), "precious");
 }
 
-// The system may give the number of the killed one's pseudo-terminal to any program at once; then
-// the link is rightly left alone, and the test begins anew.
+// The system may immediately reuse the number of the killed simulator's pseudo-terminal for another
+// program. Then the link is correctly kept, and the test starts again.
 TEST_F(Program, StartsAgainWhereItWasKilled) {
   constexpr int kTries = 20;
   for (int tries = 0; tries < kTries; ++tries) {

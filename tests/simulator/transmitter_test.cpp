@@ -38,7 +38,7 @@ struct Course {
   std::size_t largest = 0;
 };
 
-// Wakes at every portion, late by what `late` says, until nothing waits or a wake brings nothing.
+// Wakes at every portion, delayed by `late`, until nothing is queued or nothing is due.
 template <typename Late>
 Course Play(Transmitter& transmitter, Late late) {
   Course course;
