@@ -5,7 +5,7 @@
 
 namespace vrx::bench {
 
-// The same answer by the tool and by the plain sqlite3 shell.
+// The same query for the tool and for the plain sqlite3 shell.
 struct CtlAgainstShell {
   std::vector<std::string> command;  // of vrx2260ctl
   std::string database;
@@ -13,9 +13,9 @@ struct CtlAgainstShell {
   double highest_ratio = 0;
 };
 
-// Times both as whole processes, their start included. They run alternately, so that what else the
-// machine does falls on both, after one run of each that does not count. Prints the medians, their
-// ratio and the sizes of the two outputs. Throws when one of them fails.
+// Times both as whole processes, including their start. They run alternately, so that other load on
+// the machine affects both, after one warm-up run of each. Prints the medians, their ratio and the
+// sizes of the two outputs. Throws if one of them fails.
 void Compare(const CtlAgainstShell& contest);
 
 }  // namespace vrx::bench

@@ -1,9 +1,9 @@
-// What the desktop program costs its user: the time from its start to its main window, the
-// processor while nobody touches it, and memory. The real program runs, on a display of its own.
+// The costs of the desktop program: the time from its start to its main window, the processor time
+// while it is idle, and memory. Runs the real program on a display of its own.
 //
 // Its main window appears when it has loaded and has then shown the splash for 2000 ms.
-// So what is measured is the time from the start of the process to the main window on the display,
-// less these 2000 ms: loading, and showing besides.
+// So the result is the time from the start of the process to the main window on the display, minus
+// these 2000 ms: loading and showing.
 
 #include <array>
 #include <chrono>
@@ -44,7 +44,7 @@ constexpr double kStartLimit = 400;   // ms
 constexpr double kIdleLimit = 1;      // ms of processor in 10 s: nil, but for what is no work
 constexpr double kMemoryLimit = 120;  // MB
 
-// The program in a process of its own; ended in order with the object.
+// A process of the program; the destructor exits it normally.
 class RunningDesktop {
  public:
   RunningDesktop() : started_(steady_clock::now()) {
@@ -105,7 +105,7 @@ class DesktopBench {
     folder_.Write("data/Brantock/VRX-2260/VRX-2260.INI", "[Comments]\nTitle=x\n");
   }
 
-  // How many figures are beyond their limit.
+  // The number of figures that exceed their limit.
   int Run() {
     std::printf("%-60s %9s  %7s\n", "", "figure", "limit");
     Start();

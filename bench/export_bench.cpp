@@ -55,7 +55,7 @@ class ExportBench {
   }
 
  private:
-  // The columns that the grid shows, and the captions that it has.
+  // The columns of the grid, and its captions.
   void SetUp(const DataGroup& group) {
     HistoryColumns columns;
     columns.RefreshIngredientColumns(ingredients_);

@@ -7,20 +7,20 @@
 
 namespace vrx::bench {
 
-// The medians of works that run in turn, so that none of them finds a colder cache than another;
-// one round ahead of them does not count.
+// The medians of tasks that run alternately, so that none of them has a colder cache than another.
+// One warm-up round is not counted.
 std::vector<double> InterleavedMedians(int rounds, const std::vector<std::function<void()>>& works);
 
-// Runs the sqlite3 shell on a database and waits for its end; throws when it fails.
+// Runs the sqlite3 shell on a database and waits for its end; throws if it fails.
 void RunShell(const std::filesystem::path& database, const std::filesystem::path& script);
 
-// The most memory that work took in a process of its own, in megabytes. Throws when it failed.
+// The peak memory of a task in a separate process, in megabytes. Throws if it fails.
 double PeakMegabytes(const std::function<void()>& work);
 
-// Prints figures one below the other and keeps count of those beyond their limit.
+// Prints figures, one per line, and counts those that exceed their limit.
 class Figures {
  public:
-  // What is printed with the figure: name, figure, limit, "ok" or "OVER", and what it is made of.
+  // The printed line: name, figure, limit, "ok" or "OVER", and the parts of the figure.
   void Limited(const std::string& name, double figure, double limit, const std::string& parts = "");
   void Specified(const std::string& name, double figure, const std::string& parts = "");
 

@@ -84,7 +84,7 @@ class HistoryBench {
   }
 
  private:
-  // Against the totals that the shell would have to compute for the same outermost groups.
+  // Compared with the totals that the shell would have to compute for the same outermost groups.
   void FirstPage(const DataGroup& group) {
     const std::string keys = LevelKeys(group, std::min<std::size_t>(group.levels.size(), 1));
     const auto script = years_.folder.Write(
@@ -107,7 +107,7 @@ class HistoryBench {
     ReadRows(rows, 1, std::min(kScreen, rows.RowCount()));
   }
 
-  // What the window shows after a choice of the list, its columns included.
+  // The contents of the window after a selection in the list, including its columns.
   void FirstScreen(const DataGroup& group) {
     SQLite::Database recipes = OpenDatabase(years_.recipes, Access::kRead);
     const std::vector<IngredientRecord> ingredients = ReadIngredients(recipes);
@@ -167,7 +167,7 @@ class HistoryBench {
 
   using Use = std::function<void(GroupedRows&)>;
 
-  // `work` alone is timed, each time on rows that `prepare` has left to it.
+  // Times only `work`, each time on rows made by `prepare`.
   void Opening(const std::string& name, const Use& prepare, const Use& work) {
     std::array<std::vector<double>, 2> times;
     for (int round = -1; round < 4 * options_.rounds; ++round) {
@@ -219,7 +219,7 @@ class HistoryBench {
     const std::vector<double> times =
         InterleavedMedians(options_.rounds, {[&] { work(years_.all); }, [&] { work(years_.tenth); },
                                              [&] { RunShell(years_.all, script); }});
-    // A sort takes n log n, so ten times the records take rather more than ten times the time.
+    // A sort takes n log n, so ten times the records take slightly more than ten times the time.
     figures_.Specified("all records sorted by " + field + ", to a tenth", times[0] / times[1],
                        Times(times[0], times[1]));
     figures_.Limited("all records sorted by " + field + ", to the shell", times[0] / times[2],

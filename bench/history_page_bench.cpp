@@ -1,6 +1,6 @@
-// What the Batched/Fed tab costs its user at a million records: a data group from its choice to the
-// first screen on the glass, every page that is scrolled through and jumps to places all over,
-// everything expanded with a jump to the end, and memory. Real widgets, drawn without a display.
+// The costs of the Batched/Fed tab with a million records: a data group from its selection to the
+// first screen, scrolling page by page and jumping to random positions, everything expanded with a
+// jump to the end, and memory. Real widgets, drawn without a display.
 
 #include <QApplication>
 #include <QCheckBox>
@@ -91,7 +91,7 @@ class ShownPage {
     Bar().setValue(to);
     Draw();
   }
-  // What is still to come of the last action.
+  // The pending events of the last action.
   static void Settle() { QApplication::processEvents(); }
   QScrollBar& Bar() { return *Grid().verticalScrollBar(); }
   int Rows() { return Grid().Model().rowCount(); }
@@ -105,7 +105,7 @@ class ShownPage {
     box->setCurrentIndex(item);
     Q_EMIT box->activated(item);
   }
-  // All of what is to be drawn, at once and not when the display asks for it.
+  // Draws everything immediately, instead of when the display requests it.
   void Draw() { Grid().viewport()->repaint(); }
 
   testing::TestServices test_;
@@ -145,7 +145,7 @@ class HistoryPageBench {
     figures_.Limited(NameOf(group) + ": chosen to first screen, ms", Median(times), kScreenLimit);
   }
 
-  // Through the pages one by one, and to places all over.
+  // Page by page, and to random positions.
   void Scrolling(const DataGroup& group) {
     ShownPage page(years_);
     page.Choose(group);

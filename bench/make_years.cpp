@@ -1,4 +1,4 @@
-// Makes up years of a yard: a transaction database of any size and the recipe database to it.
+// Generates years of a yard: a transaction database of any size and its recipe database.
 //
 //   make_years --out YEARS.TDB [--recipes YEARS.RDB] [--rows N | --days N] [--seed N]
 

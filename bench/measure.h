@@ -7,8 +7,8 @@
 
 namespace vrx::bench {
 
-// Runs a program, found by PATH, to its end, with its standard output in a file ("/dev/null" to
-// lose it). Throws when it does not end with 0.
+// Runs a program from PATH to its end, with its standard output in a file ("/dev/null" to discard
+// it). Throws if its exit code is not 0.
 void RunProgram(const std::vector<std::string>& words, const std::string& output);
 
 double Milliseconds(const std::function<void()>& work);

@@ -1,5 +1,5 @@
-// Time of a parse over the length of the text and over the values of the transaction numbers. It
-// goes with the length alone: the bytes per second should not fall with either argument.
+// The time of a parse for different lengths of the text and values of the transaction numbers. It
+// depends only on the length: the bytes per second should not fall with either argument.
 
 #include <cstdint>
 #include <string>

@@ -1,7 +1,7 @@
-// What the Recipes tab costs its user: from the key that ends the entry of a cell to all figures of
-// 32 lines on the glass, the tab from its choice to the glass, and each recipe of a full database
-// from the navigator's button to the glass. Real widgets, drawn without a display; every edit is
-// stored with a full flush. The figures of a cell are on the glass before the flush, so that the
+// The costs of the Recipes tab: from the key that ends the entry of a cell to all figures of 32
+// lines on the screen, the tab from its selection to the screen, and each recipe of a full database
+// from the navigator's button to the screen. Real widgets, drawn without a display; every edit is
+// stored with a full flush. The figures of a cell are on the screen before the flush, so that the
 // disk does not delay them; the time of the key including the flush is reported too.
 
 #include <QApplication>
@@ -248,7 +248,7 @@ std::vector<double> Steps(ShownPage& shown) {
   return times;
 }
 
-// The tab's own waits take no time here.
+// The tab's own delays take no time here.
 std::vector<double> Entrances(ShownPage& shown) {
   constexpr int kTabPens = 2;
   std::vector<double> times;

@@ -3,8 +3,8 @@
 // database.
 //
 // Each of the three runs in turn, several times; the figures are medians. A store is timed from its
-// call to its return, with the opening of both databases, the commit and the date of change behind
-// it. The shell is timed as a whole process, its start included: a few milliseconds.
+// call to its return, including opening both databases, the commit and the date of change after it.
+// The shell is timed as a whole process, including its start of a few milliseconds.
 
 #include <cstdio>
 #include <exception>
@@ -138,7 +138,7 @@ class StoreBench {
     }
   }
 
-  // The rows as CSV of all 112 columns: those that our own store makes of them.
+  // The rows as CSV with all 112 columns, as our own store writes them.
   void WriteShellScript() {
     const fs::path source = folder_ / "SOURCE.TDB";
     fs::copy_file(empty_, source);

@@ -1,5 +1,5 @@
-// What the operator waits for on the transfer tabs: a full transaction file until its records are
-// on the screen, and a click while a transfer of a full module runs.
+// The operator's waits on the transfer tabs: for the records of a full transaction file, and for
+// the response to a click while a full module is transferred.
 
 #include <QApplication>
 #include <QEvent>
@@ -81,7 +81,7 @@ std::string CrowdedFile() {
          Repeated("0830,", 100) + "0,0;1,0,0;1,0,0\r\n\r\n[FED],\r\n\r\n";
 }
 
-// One whose rows share a field of half the file.
+// A file whose rows share a field of half the file's length.
 std::string WideFile() {
   return "{BAT/FED},L\r\n[BAT],B,1," + std::string(32'000, '3') +
          ",01152009,2,4,0,0;0830,0,0;1,0,0;1,0,0\r\n\r\n[FED]," + Repeated("B,1,,,,,,\r\n", 3000) +
@@ -149,7 +149,7 @@ BENCHMARK_CAPTURE(ImportOnTheScreen, Full, FullFile())->Unit(benchmark::kMillise
 BENCHMARK_CAPTURE(ImportOnTheScreen, Crowded, CrowdedFile())->Unit(benchmark::kMillisecond);
 BENCHMARK_CAPTURE(ImportOnTheScreen, Wide, WideFile())->Unit(benchmark::kMillisecond);
 
-// The built simulator, playing the module until the object goes.
+// The built simulator, which simulates the module during the object's lifetime.
 class Module {
  public:
   explicit Module(const vrx::testing::TempFolder& folder) : device_((folder / "module").string()) {
@@ -176,7 +176,7 @@ class Module {
   QProcess simulator_;
 };
 
-// Clicks a button in a steady rhythm and keeps how long each took to be answered.
+// Clicks a button at regular intervals and records the response times.
 class Clicker {
  public:
   Clicker() {

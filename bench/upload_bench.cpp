@@ -1,5 +1,5 @@
-// An upload of a full module over a pseudo-terminal that is paced like the real line, against the
-// time that the line itself and the fixed waits of the protocol take.
+// An upload of a full module over a pseudo-terminal that is paced like the real line, compared with
+// the time of the line itself and the fixed waits of the protocol.
 
 #include <QCoreApplication>
 #include <QProcess>
@@ -26,7 +26,7 @@ constexpr double kBaud = 19'200;
 constexpr Seconds kFixedWaits{2 * (1.0 + 0.5)};  // two commands: wake and release of DTR
 constexpr double kHighestRatio = 1.03;
 
-// The built simulator, playing the module until the object goes.
+// The built simulator, which simulates the module during the object's lifetime.
 class Module {
  public:
   explicit Module(const vrx::testing::TempFolder& folder) : device_((folder / "module").string()) {

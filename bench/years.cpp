@@ -33,7 +33,7 @@ void MarkEqualRecords(const std::filesystem::path& path, std::int64_t rows) {
 Years::Years(std::int64_t wanted) : rows(wanted) {
   std::printf("making up %lld and %lld records\n", static_cast<long long>(rows),
               static_cast<long long>(rows / 10));
-  // In a process of its own, so that what it takes does not count as memory of what is measured.
+  // In a separate process, so that its memory is not part of the measurement.
   PeakMegabytes([&] {
     testing::MakeYears({.rows = rows},
                        {.program_directory = VRX_BIN_DIR, .transactions = all, .recipes = recipes});

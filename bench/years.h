@@ -12,8 +12,8 @@
 
 namespace vrx::bench {
 
-// What a benchmark of the history works on: the same yard, kept for a long time and for a tenth of
-// it. `EQUAL` is a recipe and a pen with as many records in both, spread over all of the time.
+// The data of a history benchmark: the same yard over a long time and over a tenth of it. `EQUAL`
+// is a recipe and a pen with equally many records in both, spread over the whole time.
 struct Years {
   // `rows` of the long time. Takes a while.
   explicit Years(std::int64_t rows);
@@ -27,17 +27,17 @@ struct Years {
 
 inline constexpr std::string_view kEqualName = "EQUAL";
 
-// A name that a group by name is asked for; empty for another group.
+// A name for a group by name; empty for another group.
 std::string_view PickedName(const DataGroup& group);
 
 // " WHERE ..." of the records of a group, or nothing.
 std::string GroupCondition(const DataGroup& group);
 
-// What the levels of a group are ordered by, `count` of them from the outermost in, for ORDER BY
-// and GROUP BY; empty without levels.
+// The terms of the outermost `count` levels of a group for ORDER BY and GROUP BY; empty without
+// levels.
 std::string LevelKeys(const DataGroup& group, std::size_t count);
 
-// What a command line asks of a benchmark; throws for what it cannot mean.
+// Parses the command line of a benchmark; throws if it is invalid.
 struct BenchOptions {
   std::int64_t rows = 1'000'000;  // --rows N
   int rounds = 3;                 // --rounds N, timed ones after the first
@@ -45,7 +45,7 @@ struct BenchOptions {
 };
 BenchOptions ReadBenchOptions(std::span<const char* const> arguments);
 
-// The groups that are measured.
+// The measured groups.
 std::vector<DataGroup> MeasuredGroups(const BenchOptions& options);
 
 }  // namespace vrx::bench

@@ -1,4 +1,4 @@
-// Makes the recipe database of the sample site from its texts.
+// Creates the recipe database of the sample site from its texts.
 //
 //   make_sample_site SOURCE_FOLDER BLANK_TEMPLATE TARGET
 //
@@ -34,7 +34,7 @@ namespace fs = std::filesystem;
 
 constexpr std::size_t kMaxText = 1U << 20U;
 
-// A fixed day, so that a build leaves the same database every time.
+// A fixed day, so that every build creates the same database.
 class SiteCalendar : public vrx::Calendar {
  public:
   vrx::Date Today() const override {
@@ -193,7 +193,7 @@ void LoadPens(SQLite::Database& database, const fs::path& folder) {
 }
 
 void MakeSite(const fs::path& folder, const fs::path& blank, const fs::path& target) {
-  // Built beside the target, so that a wrong text leaves no half database.
+  // Written to a temporary file first, so that an invalid text leaves no incomplete database.
   const fs::path fresh = target.string() + ".new";
   fs::create_directories(target.parent_path());
   fs::remove(fresh);

@@ -1,5 +1,5 @@
-// Run by the build: writes the stylesheet of each data group into the folder given, from the text
-// that they have in common.
+// Run by the build: writes the stylesheet of each data group to the given folder, from their common
+// template.
 
 #include <cstddef>
 #include <cstdio>

@@ -1,4 +1,4 @@
-// Run by the build: writes both blank templates into the folder given.
+// Run by the build: writes both blank templates to the given folder.
 
 #include <cstdio>
 #include <exception>

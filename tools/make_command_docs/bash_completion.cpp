@@ -12,7 +12,7 @@ std::string Branch(const std::string& key, const std::string& words) {
   return "    '" + key + "') echo '" + words + "' ;;\n";
 }
 
-// By what the help calls the value, or the positional argument.
+// Determined by the name of the value or of the positional argument in the help.
 std::string Kind(const Argument& argument, const std::string& name) {
   std::string kind;
   for (const std::string& choice : argument.choices) {

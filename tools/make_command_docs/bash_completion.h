@@ -6,10 +6,10 @@
 
 namespace vrx {
 
-// The branches of two bash `case` statements. The first prints by the path of a command the words
-// that may come next; the second by "PATH OPTION" or "PATH NUMBER", the number of a positional
-// argument from 1, what kind of value is asked for: "@file", "@dir", "@rdb", "@tdb", "@text", or
-// the values themselves.
+// The branches of two bash `case` statements. The first maps the path of a command to the words
+// that may come next. The second maps "PATH OPTION" or "PATH NUMBER" (a positional argument, from
+// 1) to the expected kind of value: "@file", "@dir", "@rdb", "@tdb", "@text", or the values
+// themselves.
 std::string CompletionWords(const CommandNode& tool);
 std::string CompletionValues(const CommandNode& tool);
 

@@ -1,6 +1,6 @@
-// make_command_docs TEMPLATE OUT: fills a manual page or a completion script for vrx2260ctl with
-// what the tool tells about itself. The marks @COMMANDS@, @OPTIONS@, @WORDS@ and @VALUES@ stand on
-// lines of their own.
+// make_command_docs TEMPLATE OUT: fills the template of a manual page or a completion script for
+// vrx2260ctl from the tool's own help. The marks @COMMANDS@, @OPTIONS@, @WORDS@ and @VALUES@ are on
+// separate lines.
 #include <exception>
 #include <fstream>
 #include <iostream>

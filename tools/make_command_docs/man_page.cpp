@@ -3,7 +3,7 @@
 namespace vrx {
 namespace {
 
-// A text that troff leaves as it is.
+// Escapes a text so that troff prints it unchanged.
 std::string Plain(const std::string& text) {
   std::string plain;
   for (const char character : text) {

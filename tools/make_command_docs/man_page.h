@@ -6,8 +6,8 @@
 
 namespace vrx {
 
-// The sections of a manual page, in the language of man(7): a subsection for each command that does
-// something by itself, and the list of the options that go with all of them.
+// The sections of a manual page in the format of man(7): a subsection for each command that does
+// something itself, and the list of the options common to all of them.
 std::string ManCommands(const CommandNode& tool, const std::string& program);
 std::string ManOptions(const CommandNode& tool);
 
