@@ -135,7 +135,7 @@ void Round(Decimal& decimal, int decimals) {
   }
 }
 
-// Digits [from, to), counted from the first significant one; 0 where there is no digit.
+// Digits [from, to), counted from the first significant one; 0 for a missing digit.
 std::string DigitRun(const Decimal& decimal, int from, int to) {
   std::string run;
   for (int place = from; place < to; ++place) {

@@ -36,19 +36,17 @@ std::int64_t CountTimes(std::string_view list) {
   }
 }
 
-constexpr int kIngredientColumns = kImportColumns - kFirstIngredientWeight + 1;
-
-struct Place {
-  std::string ingredient;
+struct BatchIngredient {
+  std::string id;
   float percentage = 0.0F;
 };
 
 struct Batch {
   std::int32_t total = 0;
-  std::vector<Place> places;
+  std::vector<BatchIngredient> ingredients;
 };
 
-using BatchTotals = std::unordered_map<std::int32_t, Batch>;
+using BatchTotals = std::unordered_map<std::int32_t, Batch>;  // by transaction number
 
 // Rows are filled from the top without gaps.
 template <typename Work>
@@ -83,6 +81,8 @@ std::string PercentageText(std::int32_t weight, std::int32_t total) {
   return Format(percentage, "0.0000");
 }
 
+constexpr int kIngredientColumns = kImportColumns - kFirstIngredientWeight + 1;
+
 // Weight column of an ingredient; nothing if its ID has none.
 std::optional<int> WeightColumn(std::string_view ingredient) {
   const std::optional<double> id = ParseNumber(ingredient);
@@ -111,15 +111,15 @@ void WriteShares(ImportedData& table, std::size_t row, const Batch& batch) {
   if (weight.empty()) {
     return;
   }
-  for (const Place& place : batch.places) {
-    if (place.ingredient == "0") {
+  for (const BatchIngredient& ingredient : batch.ingredients) {
+    if (ingredient.id == "0") {
       return;
     }
-    if (place.percentage <= 0) {
+    if (ingredient.percentage <= 0) {
       continue;
     }
-    if (const std::optional<int> column = WeightColumn(place.ingredient)) {
-      table.SetCell(row, *column, ShareText(weight, place.percentage));
+    if (const std::optional<int> column = WeightColumn(ingredient.id)) {
+      table.SetCell(row, *column, ShareText(weight, ingredient.percentage));
     }
   }
 }
@@ -136,10 +136,10 @@ void ComputeShares(ImportedData& table) {
     Batch& batch = batches[number];
     const std::string percentage = PercentageText(WholeWeight(table, row), batch.total);
     table.SetCell(row, kCalculatedIngPercentOfBatch, percentage);
-    if (batch.places.size() == kMaxBatchIngredients) {
+    if (batch.ingredients.size() == kMaxBatchIngredients) {
       throw ParseError("Too many ingredients in a batch detected.");
     }
-    batch.places.push_back(
+    batch.ingredients.push_back(
         {std::string(table.Cell(row, kImportedIngredientID)), TextToSingle(percentage)});
   });
   ForEachRow(table, "FEED", [&](std::size_t row, std::int32_t number) {

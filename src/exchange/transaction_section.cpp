@@ -60,9 +60,9 @@ std::string_view FeedSection::NextFeedField() {
 
 std::string_view FeedSection::PeekFeedTransaction() {
   if (!next_transaction_) {
-    SectionCursor ahead = cursor_;
-    ahead.Next();
-    next_transaction_ = ahead.Next();
+    SectionCursor lookahead = cursor_;
+    lookahead.Next();
+    next_transaction_ = lookahead.Next();
   }
   return *next_transaction_;
 }
@@ -139,10 +139,10 @@ RecordExtractor::RecordExtractor(BatchSection batches, FeedSection feeds, bool h
                                  ImportedData& table)
     : batches_(batches), feeds_(feeds), has_feeds_(has_feeds), table_(table) {
   try {
-    BatchReader ahead = batches_;
+    BatchReader lookahead = batches_;
     do {
-      ++later_batches_[ahead.Next().transaction];
-    } while (!ahead.AtEnd());
+      ++later_batches_[lookahead.Next().transaction];
+    } while (!lookahead.AtEnd());
   } catch (const ParseError&) {
     // ExtractBatch will end the parse at the same record.
   }

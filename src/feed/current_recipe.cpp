@@ -188,14 +188,14 @@ void RemoveCurrentLine(CurrentRecipe& shown) {
   }
 }
 
-void SwapWithNeighbour(CurrentRecipe& shown, int neighbour) {
+void SwapWithNeighbor(CurrentRecipe& shown, int neighbor) {
   RecipeLineRecord& line = shown.Current();
-  RecipeLineRecord& other = shown.ration.lines.at(IndexOf(neighbour));
+  RecipeLineRecord& other = shown.ration.lines.at(IndexOf(neighbor));
   for (const auto cell : kMovableCells) {
     std::swap(line.*cell, other.*cell);
   }
   Recompute(shown, {});
-  shown.row = neighbour;
+  shown.row = neighbor;
 }
 
 int NextLineSequence(const std::vector<RecipeLineRecord>& lines) {

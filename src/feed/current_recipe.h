@@ -97,9 +97,9 @@ void AddEntry(CurrentRecipe& shown);
 
 void RemoveCurrentLine(CurrentRecipe& shown);
 
-// Swaps six cells of the current line with those of `neighbour` and makes that line current.
+// Swaps six cells of the current line with those of `neighbor` and makes that line current.
 // `Sequence`, `HandAdd` and `Ingredient%` stay in their rows.
-void SwapWithNeighbour(CurrentRecipe& shown, int neighbour);
+void SwapWithNeighbor(CurrentRecipe& shown, int neighbor);
 
 // One more than the highest sequence of the lines; gaps are not filled. Throws OverflowError.
 int NextLineSequence(const std::vector<RecipeLineRecord>& lines);

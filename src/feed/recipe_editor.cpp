@@ -302,8 +302,8 @@ bool RecipeEditor::MoveRow(MoveDirection direction) {
     return Refuse(kMoveErrorTitle, obstacle);
   }
   RequireOpenLines();
-  const int neighbour = shown_.row + (direction == MoveDirection::kDown ? 1 : -1);
-  Apply([&](CurrentRecipe& next) { SwapWithNeighbour(next, neighbour); });
+  const int neighbor = shown_.row + (direction == MoveDirection::kDown ? 1 : -1);
+  Apply([&](CurrentRecipe& next) { SwapWithNeighbor(next, neighbor); });
   return true;
 }
 

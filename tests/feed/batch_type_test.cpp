@@ -13,7 +13,7 @@
 namespace vrx {
 namespace {
 
-TEST(BatchTypes, StandInTheOrderOfTheList) {
+TEST(BatchTypes, AreInTheOrderOfTheList) {
   struct Item {
     std::string_view code;
     std::string_view text;

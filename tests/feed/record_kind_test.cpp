@@ -5,7 +5,7 @@
 namespace vrx {
 namespace {
 
-TEST(RecordKinds, StandInTheOrderOfTheTabs) {
+TEST(RecordKinds, AreInTheOrderOfTheTabs) {
   ASSERT_EQ(RecordKinds().size(), 3U);
   for (const RecordKindTraits& traits : RecordKinds()) {
     EXPECT_EQ(&TraitsOf(traits.kind), &traits);

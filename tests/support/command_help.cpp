@@ -10,7 +10,7 @@
 namespace vrx::testing {
 namespace {
 
-// The names that a line of the options tells: "  -h,--help   Print ..." or "  --csv Excludes: ...".
+// Reads the names in a line of the options: "  -h,--help   Print ..." or "  --csv Excludes: ...".
 void ReadOptionLine(const std::string& line, CommandHelp& help) {
   std::istringstream names(line.substr(0, line.find(' ', 2)));
   for (std::string name; std::getline(names >> std::ws, name, ',');) {

@@ -12,13 +12,13 @@ struct CommandHelp {
   std::string text;
   std::set<std::string> options;  // without -h and --help
   std::vector<std::string> subcommands;
-  std::vector<std::string> examples;  // the calls, from the program's name on
+  std::vector<std::string> examples;  // the command lines, starting with the program's name
 
-  std::string Name() const;  // the path with blanks between
+  std::string Name() const;  // the path joined by blanks
 };
 
-// Asks the program of this name in the program's directory for its help and that of every command
-// that it tells of.
+// Runs a program in the directory of the tests and returns its help and that of every command
+// listed in it.
 std::vector<CommandHelp> AskForHelp(const std::string& program);
 
 }  // namespace vrx::testing

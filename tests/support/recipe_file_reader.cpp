@@ -14,7 +14,7 @@ class Reader {
     const auto identifier = Fields(Line(), ',', 2);
     Demand(identifier[0] == "{DATA_IN}" && identifier[1].size() == 1, "identifier");
     file.unit = identifier[1][0];
-    Demand(Line().empty(), "line behind the identifier");
+    Demand(Line().empty(), "line after the identifier");
     for (const std::string& line : Section("[ING]")) {
       const auto fields = Fields(line, ',', 3);
       Demand(fields[2] == "0" || fields[2] == "1", line);
@@ -48,7 +48,7 @@ class Reader {
 
   std::vector<std::string> Section(const std::string& header) {
     Demand(Line() == header, header);
-    Demand(Line().empty(), "line behind " + header);
+    Demand(Line().empty(), "line after " + header);
     std::vector<std::string> lines;
     for (std::string line = Line(); !line.empty(); line = Line()) {
       lines.push_back(std::move(line));
