@@ -199,7 +199,7 @@ TEST(ParserRobustness, SurvivesRandomBytes) {
   }
 }
 
-TEST(ParserRobustness, SurvivesAnyOrderOfTheFormatsWords) {
+TEST(ParserRobustness, SurvivesTokensOfTheFormatInAnyOrder) {
   Soup soup(2);
   std::set<std::string> errors;
   for (int round = 0; round < 20'000; ++round) {
@@ -215,7 +215,7 @@ TEST(ParserRobustness, SurvivesAnyOrderOfTheFormatsWords) {
   EXPECT_TRUE(errors.contains("Too many records detected."));
 }
 
-TEST(ParserRobustness, SurvivesLongTextsOfFewWords) {
+TEST(ParserRobustness, SurvivesLongTextsOfFewTokens) {
   Soup soup(3);
   for (int round = 0; round < 40; ++round) {
     SCOPED_TRACE(round);
@@ -248,7 +248,7 @@ TEST(ParserRobustness, RefusesAHundredMillionCountedRowsWithLittleMemory) {
   EXPECT_LT(outcome.heap, std::size_t{1} << 20);
 }
 
-TEST(ParserRobustness, TakesAHundredThousandCountedRowsButNotOneMore) {
+TEST(ParserRobustness, AcceptsAHundredThousandCountedRowsButNotOneMore) {
   const std::string batch = BatchCountedAs(999, 100);
   const Outcome most = Parse(FileOf(batch, ""));
   EXPECT_EQ(most.error, "");
@@ -258,7 +258,7 @@ TEST(ParserRobustness, TakesAHundredThousandCountedRowsButNotOneMore) {
 }
 
 // Every feed row repeats the recipe of its batch.
-TEST(ParserRobustness, HoldsATextOnceThatManyRowsShare) {
+TEST(ParserRobustness, StoresATextSharedByManyRowsOnce) {
   std::string batch = OneIngredient{}.Record();
   batch.replace(batch.find(",3,"), 3, "," + std::string(32'000, '3') + ",");
   const std::string text = FileOf(batch, Repeated("B,1,,,,,,\r\n", 33'000));

@@ -35,13 +35,13 @@ TEST_F(RecipeDownloadStore, StoresRecomputedLines) {
   EXPECT_EQ(ReadTables(path).lines.at(2).dry_matter, "1750");
 }
 
-TEST_F(RecipeDownloadStore, LinesAloneLeaveModifiedAsItIs) {
+TEST_F(RecipeDownloadStore, ChangedLinesAloneDoNotSetModified) {
   CreateRecipeDatabase(path, tables);
   Take();
   EXPECT_EQ(Modified(), "NULL");
 }
 
-TEST_F(RecipeDownloadStore, StoresEmptiedHeadCountsAndTheDate) {
+TEST_F(RecipeDownloadStore, StoresResetHeadCountsAndTheDate) {
   Recipe(tables, 1).head_count = 80;
   CreateRecipeDatabase(path, tables);
   EXPECT_EQ(Take().text, kSmallYardFile);
@@ -63,7 +63,7 @@ TEST_F(RecipeDownloadStore, ASecondRunChangesNotOneByte) {
   EXPECT_TRUE(ReadAll(path) == before);
 }
 
-TEST_F(RecipeDownloadStore, RecipeThatDoesNotComputeLeavesTheDatabaseAsItWas) {
+TEST_F(RecipeDownloadStore, RecipeThatCannotBeComputedLeavesTheDatabaseUnchanged) {
   Recipe(tables, 1).head_count = 80;
   UseRecipe(tables, 90, "HEAVY", "W");
   AddWeightLine(tables, 90, 1, "2147483647");
@@ -74,7 +74,7 @@ TEST_F(RecipeDownloadStore, RecipeThatDoesNotComputeLeavesTheDatabaseAsItWas) {
   EXPECT_TRUE(ReadAll(path) == before);
 }
 
-TEST_F(RecipeDownloadStore, FailureInTheMiddleOfTheStoringLeavesTheDatabaseAsItWas) {
+TEST_F(RecipeDownloadStore, FailureWhileStoringLeavesTheDatabaseUnchanged) {
   Recipe(tables, 1).head_count = 80;
   CreateRecipeDatabase(path, tables);
   Execute(path,
@@ -98,7 +98,7 @@ TEST_F(RecipeDownloadStore, DatabaseThatAnotherProgramWritesIsLocked) {
 }
 
 // Reading and storing are one transaction: another writer in between has to wait.
-TEST_F(RecipeDownloadStore, AnotherWriterWaitsFromTheFirstReadingOn) {
+TEST_F(RecipeDownloadStore, AnotherWriterIsBlockedFromTheFirstReadOn) {
   CreateRecipeDatabase(path, tables);
   SQLite::Database other = OpenDatabase(path, Access::kWrite, std::chrono::milliseconds{0});
   int tries = 0;
@@ -112,7 +112,7 @@ TEST_F(RecipeDownloadStore, AnotherWriterWaitsFromTheFirstReadingOn) {
   EXPECT_NO_THROW(other.exec("BEGIN IMMEDIATE; ROLLBACK"));
 }
 
-TEST_F(RecipeDownloadStore, BuildingTheTextAloneChangesNotOneByte) {
+TEST_F(RecipeDownloadStore, BuildingTheTextChangesNotOneByte) {
   Recipe(tables, 1).head_count = 80;
   CreateRecipeDatabase(path, tables);
   const std::string before = ReadAll(path);

@@ -52,7 +52,7 @@ class RecipeDownloadText : public ::testing::Test {
   bool batch_target = false;
 };
 
-TEST_F(RecipeDownloadText, HoldsIngredientsRecipesAndPensInTheirLines) {
+TEST_F(RecipeDownloadText, HasIngredientsRecipesAndPensInTheirSections) {
   tables = SmallYard();
   EXPECT_EQ(File(), kSmallYardFile);
 }
@@ -61,7 +61,7 @@ TEST_F(RecipeDownloadText, EmptyDatabaseGivesThreeHeadersAndNoLines) {
   EXPECT_EQ(File(), "{DATA_IN},L\r\n\r\n[ING]\r\n\r\n\r\n[REC]\r\n\r\n\r\n[PEN]\r\n\r\n\r\n");
 }
 
-TEST_F(RecipeDownloadText, UnitIsLForPoundsAndKForAllElse) {
+TEST_F(RecipeDownloadText, UnitIsLForPoundsAndKOtherwise) {
   for (const auto& [unit, first] :
        {std::pair{"LB", "{DATA_IN},L\r\n"}, {"KG", "{DATA_IN},K\r\n"}, {"", "{DATA_IN},K\r\n"}}) {
     tables.unit = unit;
@@ -81,7 +81,7 @@ TEST_F(RecipeDownloadText, IngredientWithADescriptionIsWrittenByItsDefaultName) 
   EXPECT_EQ(Ingredients(), "100,ING100,0\r\n");
 }
 
-TEST_F(RecipeDownloadText, NumbersAreRowsAndNotIds) {
+TEST_F(RecipeDownloadText, NumbersArePositionsNotIds) {
   UseIngredient(tables, 9, "CORN");
   UseRecipe(tables, 9, "MIX", "W");
   AddWeightLine(tables, 9, 9, "5");
@@ -107,7 +107,7 @@ TEST_F(RecipeDownloadText, TextIsOneBytePerCharacter) {
   EXPECT_EQ(Ingredients(), "1,F\xC8VE \x80,0\r\n");
 }
 
-TEST_F(RecipeDownloadText, CharacterThatTheIndicatorsSetLacksIsRefused) {
+TEST_F(RecipeDownloadText, CharacterOutsideWindows1252IsRefused) {
   UseIngredient(tables, 4, "\u041E\u0412\u0401\u0421");
   ExpectRefusal(
       "Ingredient 4 (\u041E\u0412\u0401\u0421) has a character that cannot be sent: "
@@ -203,7 +203,7 @@ TEST_F(RecipeDownloadText, LinesKeepTheirGridsOrder) {
   EXPECT_EQ(Recipes(), "3,B,0,6,0,HAY,HAY;2,4\r\n10,J,0,4,0,HAY,CORN;1,3\r\n");
 }
 
-TEST_F(RecipeDownloadText, IngredientOutOfUseIsNamedInARecipe) {
+TEST_F(RecipeDownloadText, IngredientNotInUseIsNamedInARecipe) {
   Ingredient(tables, 4).name = "OATS";
   UseRecipe(tables, 1, "MIX", "W");
   AddWeightLine(tables, 1, 4, "10");
@@ -220,7 +220,7 @@ TEST_F(RecipeDownloadText, UnknownIngredientHasAnEmptyName) {
   EXPECT_EQ(Recipes(), "1,MIX,0,60,0,,,ING004;10,20,30\r\n");
 }
 
-TEST_F(RecipeDownloadText, RecipeWithoutLinesEndsOpenAndTheNextRunsOn) {
+TEST_F(RecipeDownloadText, RecipeWithoutLinesHasNoLineEndAndTheNextFollows) {
   UseRecipe(tables, 1, "EMPTY", "W");
   Recipe(tables, 1).ration_target = "5000";
   UseRecipe(tables, 2, "BARE", "H");
@@ -269,7 +269,7 @@ TEST_F(RecipeDownloadText, FeedAmountThatRoundsTo0OrIsNotANumberIsOmitted) {
   EXPECT_EQ(Pens(), "6,PEN006,0.6\r\n");
 }
 
-TEST_F(RecipeDownloadText, RecomputedLinesAreThoseStoredOtherwise) {
+TEST_F(RecipeDownloadText, RecomputedLinesAreThoseThatDifferFromTheStoredOnes) {
   EnterRecipe("W");
   const RecipeDownload first = BuildRecipeDownload(tables, false);
   EXPECT_EQ(first.recomputed_lines.size(), 3U);
@@ -283,7 +283,7 @@ TEST_F(RecipeDownloadText, RecomputedLinesAreThoseStoredOtherwise) {
   EXPECT_THAT(again.recomputed_lines, ElementsAre(first.recomputed_lines[1]));
 }
 
-TEST_F(RecipeDownloadText, HeadCountIsEmptiedInEveryWrittenRecipeButHeadCountOnes) {
+TEST_F(RecipeDownloadText, HeadCountIsResetInWrittenRecipesExceptThoseByHeadCount) {
   int id = 0;
   for (const char* type : {"W", "H", "%", "P", "!"}) {
     UseRecipe(tables, ++id, "MIX", type);
@@ -309,7 +309,7 @@ TEST_F(RecipeDownloadText, HighestRecipeInUseIsTheLastWithADescription) {
   EXPECT_EQ(BuildRecipeDownload(tables, false).highest_in_use, 40);
 }
 
-TEST_F(RecipeDownloadText, RecipeThatDoesNotComputeIsNamed) {
+TEST_F(RecipeDownloadText, RecipeThatCannotBeComputedIsNamed) {
   UseRecipe(tables, 12, "HEAVY", "W");
   AddWeightLine(tables, 12, 1, "2147483647");
   AddWeightLine(tables, 12, 2, "1");
@@ -321,7 +321,7 @@ TEST_F(RecipeDownloadText, RecipeThatDoesNotComputeIsNamed) {
   EXPECT_THROW(BuildRecipeDownload(tables, false), RecipeTextError);
 }
 
-TEST_F(RecipeDownloadText, RecipeThatDoesNotComputeIsNoMatterUnlessItIsWritten) {
+TEST_F(RecipeDownloadText, RecipeThatCannotBeComputedIsIgnoredIfItIsNotWritten) {
   UseRecipe(tables, 12, "HEAVY", "!");
   AddWeightLine(tables, 12, 1, "2147483647");
   AddWeightLine(tables, 12, 2, "1");

@@ -46,7 +46,7 @@ void ExpectNothingStored(StoreFixture& site, const StoreOutcome& outcome, const 
   EXPECT_THAT(site.op.boxes[0].cause, HasSubstr("nothing of this import was stored"));
 }
 
-TEST(StoreStorageFailure, InTheMiddleLeavesNothingOfTheImport) {
+TEST(StoreStorageFailure, DuringTheCopyStoresNothing) {
   StoreFixture site;
   Execute(site.databases.trans_db_path,
           "CREATE TRIGGER Stop BEFORE INSERT ON Transactions WHEN NEW.ActualBatch = 3 "
@@ -76,7 +76,7 @@ TEST(StoreStorageFailure, AnotherWriterIsReported) {
   EXPECT_THAT(site.Stored(), IsEmpty());
 }
 
-TEST(StoreStorageFailure, ACommitHeldUpByAReaderLeavesNothing) {
+TEST(StoreStorageFailure, ACommitBlockedByAReaderStoresNothing) {
   StoreFixture site;
   site.databases.lock_wait = std::chrono::milliseconds(0);
   Execute(site.databases.trans_db_path, "INSERT INTO Transactions ([Transaction]) VALUES (1), (2)");
@@ -100,7 +100,7 @@ TEST(StoreStorageFailure, AMissingFileIsReported) {
   EXPECT_FALSE(fs::exists(site.databases.trans_db_path));
 }
 
-TEST(StoreStorageFailure, AFileThatVanishesInTheMiddleIsNotTakenForStored) {
+TEST(StoreStorageFailure, AFileThatVanishesDuringTheCopyIsNotTreatedAsStored) {
   StoreFixture site;
   site.progress.on_value = [&](int value) {
     if (value == 3) {
@@ -111,7 +111,7 @@ TEST(StoreStorageFailure, AFileThatVanishesInTheMiddleIsNotTakenForStored) {
   EXPECT_THAT(site.op.boxes[0].cause, HasSubstr("Y2026.TDB was deleted or moved away"));
 }
 
-TEST(StoreStorageFailure, AMissingRecipeDatabaseLeavesTheTransactionDatabaseUntouched) {
+TEST(StoreStorageFailure, AMissingRecipeDatabaseLeavesTheTransactionDatabaseUnchanged) {
   StoreFixture site;
   const std::string before = ReadAll(site.databases.trans_db_path);
   fs::remove(site.databases.recipe_db_path);
@@ -128,7 +128,7 @@ TEST(StoreStorageFailure, AMissingTableIsReported) {
                       "There is an invalid table in the specified database.");
 }
 
-TEST(StoreStorageFailure, AnyOtherFailureInTheMiddleLeavesNothingToo) {
+TEST(StoreStorageFailure, AnyOtherFailureDuringTheCopyStoresNothing) {
   StoreFixture site;
   site.progress.on_value = [](int value) {
     if (value == 3) {
@@ -142,7 +142,7 @@ TEST(StoreStorageFailure, AnyOtherFailureInTheMiddleLeavesNothingToo) {
   EXPECT_FALSE(site.stored_flag);
 }
 
-TEST(StoreStorageFailure, ADateThatCannotBeWrittenLeavesNothingOfTheImport) {
+TEST(StoreStorageFailure, ADateThatCannotBeWrittenStoresNothing) {
   StoreFixture site;
   Execute(site.databases.trans_db_path,
           "CREATE TRIGGER Stop BEFORE UPDATE ON History "

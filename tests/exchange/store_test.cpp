@@ -61,7 +61,7 @@ TEST(StoreImportedTransactions, NumbersFollowTheHighestInTheDatabase) {
               ElementsAre("12", "40", "7", "41", "41", "42", "43", "43"));
 }
 
-TEST(StoreImportedTransactions, AnEmptyDatabaseGetsTheFilesOwnNumbers) {
+TEST(StoreImportedTransactions, AnEmptyDatabaseGetsTheNumbersOfTheFile) {
   StoreFixture site;
   EXPECT_TRUE(site.Store(MakeImport(ThreeTransactions())).complete);
   EXPECT_THAT(ColumnOf(site, kTransaction), ElementsAre("1", "1", "2", "3", "3"));
@@ -146,7 +146,7 @@ TEST(StoreImportedTransactions, NamesWithApostrophesAreJustNames) {
   EXPECT_EQ(row[kUserID], "D'A");
 }
 
-TEST(StoreImportedTransactions, TheNameOfARecordNotInUseServesToo) {
+TEST(StoreImportedTransactions, TheNameOfARecordNotInUseIsStoredToo) {
   StoreFixture site;
   Execute(site.databases.recipe_db_path, "UPDATE Ingredient SET Description = 'Corn' WHERE ID = 1");
   ASSERT_TRUE(site.Store(MakeImport({BatchCells(1, 100, 100, "1")})).complete);

@@ -45,7 +45,7 @@ std::string Abbreviated(std::string_view description) {
   return boxes.name;
 }
 
-TEST(AutoAbbreviation, TakesTheFirstSixCharacters) {
+TEST(AutoAbbreviation, UsesTheFirstSixCharacters) {
   EXPECT_EQ(Abbreviated("Dried Beet Pulp"), "dRIEd ");
   EXPECT_EQ(Abbreviated("Barley Silage"), "bARLEY");
 }

@@ -39,7 +39,7 @@ TEST(BatchTypes, HaveNoCodeOutsideTheList) {
   }
 }
 
-TEST(BatchTypes, ShowTheInputsOfTheirKind) {
+TEST(BatchTypes, ShowTheInputsOfTheirType) {
   constexpr RecipeInputs kWeight = {
       .head_count = false, .ration_target = true, .adjust_batch = true};
   constexpr RecipeInputs kHead = {.head_count = true, .ration_target = false, .adjust_batch = true};

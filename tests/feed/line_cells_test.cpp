@@ -65,7 +65,7 @@ TEST(LineCell, GivesAPercentageItsTwoDecimals) {
   EXPECT_EQ(PercentText(""), "");
 }
 
-TEST(LineCell, SaysWhatItTakesWhereAKeyWouldBeDropped) {
+TEST(LineCell, NamesTheAllowedTextIfAKeyWouldBeDropped) {
   EXPECT_EQ(Refusal(LineColumn::kTarget, "12x"),
             "The 'Target' field takes digits, at most 6: not '12x'.");
   EXPECT_EQ(Refusal(LineColumn::kTarget, "1234567"),

@@ -91,7 +91,7 @@ TEST(RecipeByPercent, IsScaledToTheRationTarget) {
   EXPECT_EQ(totals.enabled, kPercentOpen);
 }
 
-TEST(RecipeByPercent, StaysClosedBelow100ButIsComputed) {
+TEST(RecipeByPercent, StaysDisabledBelow100ButIsComputed) {
   Ration ration = RationOf("P", Percents("7.49"));
   ration.recipe.ration_target = "12000";
   const RecipeTotals totals = RecalcRecipe(ration);
@@ -111,7 +111,7 @@ TEST(RecipeByPercent, OpensByTheTextOfTheTotalAndNotByItsNumber) {
   EXPECT_EQ(RecalcRecipe(ration).enabled, kClosed);
 }
 
-TEST(RecipeByPercent, ThirdsThatAddUpTo99_99StayClosed) {
+TEST(RecipeByPercent, ThirdsThatAddUpTo99_99StayDisabled) {
   Ration ration = RationOf(
       "P", {PercentLine("33.33", "100"), PercentLine("33.33", "100"), PercentLine("33.33", "100")});
   EXPECT_EQ(RecalcRecipe(ration).row.ingredient_percent, "99.99");
@@ -146,7 +146,7 @@ TEST(UnknownType, IsLeftAlone) {
   EXPECT_THAT(BatchTargets(ration), Each(""));
 }
 
-TEST(EmptyRecipe, HasZeroTotalsAndClosedInputs) {
+TEST(EmptyRecipe, HasZeroTotalsAndDisabledInputs) {
   for (const std::string type : {"W", "H", "%", "P"}) {
     Ration ration = RationOf(type, {});
     ration.recipe.ration_target = "5000";

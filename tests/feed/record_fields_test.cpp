@@ -131,7 +131,7 @@ TEST(FieldOf, KnowsNoFieldThatIsNotTyped) {
 }
 
 // For any typed bytes, a field contains only accepted characters, within its limit.
-TEST(EnterText, NeverHoldsWhatTheFilterDrops) {
+TEST(EnterText, NeverKeepsDroppedCharacters) {
   std::mt19937 random(2260);
   std::uniform_int_distribution<int> byte(1, 255);
   std::uniform_int_distribution<int> ascii(32, 122);

@@ -28,7 +28,7 @@ TEST_F(RecordStore, AChangedRecordIsWrittenAndDatesTheFile) {
   EXPECT_EQ(ReadPen(database, 120).description, "A01");
 }
 
-TEST_F(RecordStore, ARecordAsItIsStoredLeavesTheFileAlone) {
+TEST_F(RecordStore, AnUnchangedRecordIsNotWritten) {
   IngredientRecord corn = ReadIngredient(database, 5);
   PenRecord pen = ReadPen(database, 5);
   EXPECT_FALSE(Store(corn));
@@ -66,7 +66,7 @@ TEST_F(RecordStore, AnUnchangedRecordStillReachesItsLines) {
   EXPECT_THAT(Modified(), ElementsAre("2026-01-05"));
 }
 
-TEST_F(RecordStore, WhatCannotBeComputedChangesNothing) {
+TEST_F(RecordStore, ARecordThatCannotBeComputedChangesNothing) {
   UseRecipe(3, "STEERS");
   AddLine(3, 5, {.target = "999999999", .dry_matter_percent = "100"});
   IngredientRecord corn{.id = 5, .name = "CORN", .dry_matter_percent = 1};
@@ -84,7 +84,7 @@ TEST_F(RecordStore, ALockedFileThrowsAndStaysAsItWas) {
   EXPECT_EQ(pen.description, "");
 }
 
-TEST_F(RecordStore, AFileThatMayOnlyBeReadIsNotWritten) {
+TEST_F(RecordStore, AReadOnlyFileIsNotWritten) {
   SQLite::Database reading = OpenDatabase(path, Access::kRead, kShortTimeout);
   PenRecord pen{.id = 7, .name = "A01"};
   EXPECT_THROW(StoreRecord(reading, pen, calendar), DatabaseError);
