@@ -12,6 +12,7 @@
 #include "base/files.h"
 #include "desktop/app/captions.h"
 #include "desktop/dialogs/about_and_splash.h"
+#include "desktop/setup/setup_sections.h"
 #include "presenter/setup.h"
 #include "widgets/fields.h"
 #include "widgets/layout.h"
@@ -53,8 +54,6 @@ QLineEdit* MakePath(const char* name, const QString& meaning) {
   path->setReadOnly(true);
   return path;
 }
-
-constexpr const char* kHeadingProperty = "Heading";
 
 }  // namespace
 
@@ -252,28 +251,6 @@ void SetupForm::showEvent(QShowEvent* event) {
   QDialog::showEvent(event);
   if (!std::exchange(link_reset_, true)) {
     QTimer::singleShot(0, this, [this] { module_tab_->ResetLink(); });
-  }
-}
-
-SetupSection AddSection(QBoxLayout& tab, const char* name, const QString& heading, int stretch) {
-  auto* const frame = new QWidget;
-  frame->setObjectName(QString::fromLatin1(name));
-  tab.addWidget(frame, stretch);
-  auto* const content = new QVBoxLayout(frame);
-  content->setContentsMargins(0, 0, 0, 0);
-  content->setSpacing(kSpacing);
-  QLabel* const label = AddLabel(*frame, "lblHeading");
-  label->setProperty(kHeadingProperty, heading);
-  MakeDemiBold(*label);
-  content->addWidget(label);
-  return {frame, content};
-}
-
-void ShowHeadings(const QWidget& form) {
-  for (QLabel* const label : form.findChildren<QLabel*>()) {
-    if (const QVariant heading = label->property(kHeadingProperty); heading.isValid()) {
-      label->setText(heading.toString());
-    }
   }
 }
 

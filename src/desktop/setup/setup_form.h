@@ -1,6 +1,5 @@
 #pragma once
 
-#include <QBoxLayout>
 #include <QCheckBox>
 #include <QComboBox>
 #include <QDialog>
@@ -8,7 +7,6 @@
 #include <QPushButton>
 #include <QString>
 #include <QTabWidget>
-#include <QVBoxLayout>
 #include <QWidget>
 #include <array>
 #include <filesystem>
@@ -77,15 +75,5 @@ class SetupForm : public QDialog {
   QPushButton* cmd_ok_;
   bool link_reset_ = false;
 };
-
-// A section of a tab of `SETUP` with a heading. It has no visible frame, because the tab has one.
-struct SetupSection {
-  QWidget* frame;        // bears the name
-  QVBoxLayout* content;  // to be filled, below the heading
-};
-SetupSection AddSection(QBoxLayout& tab, const char* name, const QString& heading, int stretch = 0);
-
-// Called after the caption pass, which does not set headings.
-void ShowHeadings(const QWidget& form);
 
 }  // namespace vrx

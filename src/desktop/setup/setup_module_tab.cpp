@@ -11,7 +11,7 @@
 #include "adapters/serial_ports.h"
 #include "desktop/app/captions.h"
 #include "desktop/dialogs/about_and_splash.h"
-#include "desktop/setup/setup_form.h"
+#include "desktop/setup/setup_sections.h"
 #include "platform/serial_control.h"
 #include "presenter/setup.h"
 #include "widgets/fields.h"
