@@ -37,7 +37,6 @@ class ImportReports : public ::testing::Test, public ImportHost {
       {.id = 4, .name = "cORN"}, {.id = 7, .name = "HAY"}, {.id = 100, .name = "SALT"}};
   ImportPresenter session_{services_.services, site_.progress, *this};
 };
-};
 
 TEST_F(ImportReports, HaveTheVisibleColumnsOfTheGridAndTheRowsOfTheFile) {
   Import(
