@@ -55,6 +55,17 @@ TEST_F(DatabaseFiles, ALockedOneIsReportedAsLocked) {
   EXPECT_TRUE(ReadAll(path) == before);
 }
 
+TEST_F(DatabaseFiles, ADamagedOneIsToldUnderTheTitleOfItsKind) {
+  const std::string transactions = NewTransactionDatabase();
+  Alter(transactions, "DROP TABLE Transactions");
+  EXPECT_EQ(Run({"show", transactions, "--group", "0"}), 1);
+  EXPECT_THAT(err, StartsWith("Open Transaction File Error: "));
+  const std::string recipes = NewRecipeDatabase();
+  Alter(recipes, "DROP TABLE Pen");
+  EXPECT_EQ(Run({"list", "pens", recipes}), 1);
+  EXPECT_THAT(err, StartsWith("Open Recipe File Error: "));
+}
+
 TEST_F(DatabaseFiles, InfoGoesByTheContentAndNotByTheName) {
   ASSERT_EQ(Run({"info", NewTransactionDatabase("ODD.RDB"), "--json"}), 0) << err;
   EXPECT_EQ(Json::parse(out)["type"], "transaction");

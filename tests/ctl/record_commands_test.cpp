@@ -118,6 +118,14 @@ TEST_F(RecordCommands, SetMapsANameAsTyped) {
   EXPECT_EQ(Listed("ingredients")[0]["Description"], "bARLEY");
 }
 
+TEST_F(RecordCommands, SetTurnsHandAddOnAndOff) {
+  for (const auto& [answer, shown] : {std::pair{"yes", "\tYes\n"}, {"no", "\tNo\n"}}) {
+    ASSERT_EQ(Set("ingredient", "5", {"--name", "CORN", "--hand-add", answer}), 0) << err;
+    ASSERT_EQ(Run({"list", "ingredients", database}), 0);
+    EXPECT_THAT(out, ::testing::EndsWith(shown));
+  }
+}
+
 TEST_F(RecordCommands, SetAbbreviatesADescriptionWhileTheSettingIsOn) {
   ASSERT_EQ(Set("pen", "3", {"--description", "abcdefg"}), 0);
   EXPECT_EQ(Listed("pens")[0]["Name"], "AbCdEF");
