@@ -152,7 +152,18 @@ TEST_F(Module, DropsAndReportsBytesBeyondItsMemory) {
   EXPECT_EQ(module.Memory(), "new");
 }
 
-TEST_F(Module, ReportsNothingWhenItsMemoryIsJustFull) {
+TEST_F(Module, TellsAtEachCommandWhatItDropped) {
+  for (const char command : kCommands) {
+    DataModule module = Make();
+    module.Load(std::string(DataModule::kMemorySize, 'x'));
+    Say(module, std::string("yz") + command);
+    ASSERT_EQ(messages_.size(), 2U);
+    EXPECT_EQ(messages_[1], "bytes dropped: 2");
+    messages_.clear();
+  }
+}
+
+TEST_F(Module, TellsNothingWhenItsMemoryIsJustFull) {
   DataModule module = Make();
   module.Load(std::string(DataModule::kMemorySize, 'x'));
   Say(module, "\x15");

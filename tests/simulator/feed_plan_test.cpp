@@ -28,6 +28,14 @@ TEST(FeedPlan, IsReadFromADownload) {
   EXPECT_FALSE(plan.recipes[1].parts[0].hand_add);
 }
 
+TEST(FeedPlan, OnlyAOneMeansHandAdd) {
+  EXPECT_FALSE(
+      ReadFeedPlan("{DATA_IN},L\r\n[ING]\r\n1,CORN,2\r\n[REC]\r\n1,STEERS,0,9,0,CORN;9\r\n")
+          .recipes.at(0)
+          .parts.at(0)
+          .hand_add);
+}
+
 TEST(FeedPlan, LeavesOutPensWithoutAFeedAmount) {
   const FeedPlan plan = ReadFeedPlan(kDownload);
   ASSERT_EQ(plan.pens.size(), 1U);

@@ -55,6 +55,29 @@ TEST(FeedingWork, NoLoadIsMoreThanTheMixerHolds) {
   }
 }
 
+TEST(FeedingWork, ThePensGoToTheRecipesInEqualRuns) {
+  FeedingWork work(Plan(4, 500), 1);
+  ASSERT_TRUE(work.FeedDay(kMonday, kRoom));
+  std::map<std::string, std::string> recipes;
+  for (const Weighing& weighing : work.Weighings()) {
+    recipes[weighing.what] = weighing.recipe;
+  }
+  EXPECT_EQ(recipes["P1"] + " " + recipes["P2"], "STEERS STEERS");
+  EXPECT_EQ(recipes["P3"] + " " + recipes["P4"], "COWS COWS");
+}
+
+TEST(FeedingWork, AScaleShowsNoLessThanItsStep) {
+  FeedPlan plan = Plan(1, 10);
+  plan.recipes = {
+      {1, "STEERS", {{1, "CORN", 1, false}, {5, "MINRAL", 1, true}, {2, "HAY", 999, false}}}};
+  for (std::uint32_t seed = 0; seed < 50; ++seed) {
+    FeedingWork work(plan, seed);
+    ASSERT_TRUE(work.FeedDay(kMonday, kRoom));
+    EXPECT_GE(work.Weighings()[0].tenths, 50) << seed;
+    EXPECT_GE(work.Weighings()[1].tenths, 5) << seed;
+  }
+}
+
 TEST(FeedingWork, ALoadMayFillTheMixer) {
   for (const auto& [unit, pens, loads] :
        {std::tuple{'L', 11, 1}, {'L', 12, 2}, {'K', 5, 1}, {'K', 6, 2}}) {

@@ -135,6 +135,27 @@ TEST_F(IndicatorProgram, SaveKeepsTheDataOfTheReplyAskedForBefore) {
   EXPECT_EQ(ReadAll(saved_), "{REPORT}");
 }
 
+TEST_F(IndicatorProgram, SaveWaitsForNoReplyThatWasLookedAt) {
+  const fs::path second = folder_ / "second";
+  SimulatorProgram program(Arguments("send 14\nexpect 14 1F\nsave " + saved_.string() +
+                                     "\nsend 15\nsave " + second.string() + "\nsend 1C\n"));
+  ASSERT_EQ(program.OutputLine(), Ready());
+  const Client pc(link_);
+  EXPECT_EQ(pc.Read(1), "\x14");
+  pc.Write("\x14\x1F");
+  ASSERT_EQ(pc.Read(1), "\x15");
+  pc.Write(
+      "\x15\x1F"
+      "a\x1F");
+  ASSERT_EQ(pc.Read(1), "\x1C");
+  pc.Write(
+      "\x1C\x1F"
+      "b\x1F");
+  EXPECT_EQ(program.ExitCode(), 0);
+  EXPECT_EQ(ReadAll(saved_), "a");
+  EXPECT_EQ(ReadAll(second), "b");
+}
+
 TEST_F(IndicatorProgram, SaveListensToWhatIsExpected) {
   SimulatorProgram program(
       Arguments("save " + saved_.string() + "\nsend 1C\nexpect 1C 1F 61 62 1F\n"));

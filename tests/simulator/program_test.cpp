@@ -229,6 +229,19 @@ TEST_F(Program, ANewCommandTakesThePlaceOfARunningDump) {
   EXPECT_EQ(client.ReadUntilSilent(100), "");
 }
 
+// No PC keeps more than its receive buffer.
+TEST_F(Program, ANewReplyTakesThePlaceOfOneThatNobodyRead) {
+  const auto file = folder_.Write("large", std::string(3000, 'm'));
+  SimulatorProgram program(Arguments({"--load", file.string()}));
+  ASSERT_EQ(program.OutputLine(), Ready());
+  const Client client(link_);
+  client.Write("\x15");
+  ASSERT_TRUE(Eventually([&] { return client.Untaken() == 3003; }));
+  client.Write("\x16");
+  EXPECT_TRUE(Eventually([&] { return client.Untaken() == 2; }));
+  EXPECT_EQ(client.Read(2), "\x16\x1F");
+}
+
 TEST_F(Program, HoldsItsBytesBetweenXoffAndXon) {
   SimulatorProgram program(
       Arguments({"--load", folder_.Write("a", "data").string(), "--save", saved_.string()}));

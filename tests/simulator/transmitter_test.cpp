@@ -146,6 +146,15 @@ TEST(Transmitter, QueuesAfterAnAcknowledgement) {
   EXPECT_EQ(Take(transmitter, kStart + milliseconds(4)), "d");
 }
 
+TEST(Transmitter, KeepsItsScheduleWhenMoreIsQueued) {
+  Transmitter transmitter(10'000);
+  transmitter.Start(Reply("ab"), kStart);
+  EXPECT_EQ(Take(transmitter, kStart + milliseconds(1)), "a");
+  transmitter.Start(Reply("cd"), kStart + microseconds(1500));
+  EXPECT_EQ(Take(transmitter, kStart + milliseconds(2)), "b");
+  EXPECT_EQ(Take(transmitter, kStart + milliseconds(3)), "c");
+}
+
 TEST(Transmitter, TakesThePlaceOfADump) {
   Transmitter transmitter(10'000);
   transmitter.Start(Dump("0123456789"), kStart);

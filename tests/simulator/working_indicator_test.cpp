@@ -127,7 +127,7 @@ TEST_F(WorkingIndicatorTest, ALedgerThatCannotBeWrittenIsThrown) {
 TEST(ReadDay, TakesDaysOfTheCalendarOnly) {
   EXPECT_EQ(std::chrono::year_month_day(ReadDay("2028-02-29")).day(), std::chrono::day{29});
   for (const char* text :
-       {"", "2026-2-1", "2026-02-30", "2026-13-01", "2026/01/05", "20260105xx"}) {
+       {"", "2026-2-1", "2026-02-30", "2026-13-01", "2026/01-05", "2026-01/05", "20260105xx"}) {
     EXPECT_THROW(ReadDay(text), std::invalid_argument) << text;
   }
 }
