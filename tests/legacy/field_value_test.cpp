@@ -151,12 +151,14 @@ TEST(FieldValue, StoresADoubleAsItIs) {
   EXPECT_TRUE(repairs.empty());
 }
 
-TEST(FieldValue, ClampsAWholeNumberAndReportsIt) {
+TEST(FieldValue, ClampsAndRoundsAWholeNumberAndTellsIt) {
   const FieldRule rule{
       .column = "DryMatter%", .kind = FieldKind::kWhole, .smallest = 0, .largest = 100};
   Repairs repairs;
   EXPECT_EQ(std::get<std::int64_t>(ConvertField(rule, std::int32_t{130}, {}, repairs)), 100);
-  EXPECT_THAT(repairs, ::testing::ElementsAre("DryMatter% held 130; 100 was stored"));
+  EXPECT_EQ(std::get<std::int64_t>(ConvertField(rule, 86.7, {}, repairs)), 87);
+  EXPECT_THAT(repairs, ::testing::ElementsAre("DryMatter% held 130; 100 was stored",
+                                              "DryMatter% held 86.7; 87 was stored"));
 }
 
 TEST(JetDate, CountsDaysFrom1899) {

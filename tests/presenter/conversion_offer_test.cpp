@@ -90,6 +90,7 @@ TEST_F(ConversionOfferTest, AsksInTheSpecifiedWordsAndConvertsACopy) {
   EXPECT_THAT(display.messages, ::testing::Contains("Converting the table Ingredient."));
   ASSERT_THAT(chooser.dialogs, SizeIs(1));
   EXPECT_EQ(chooser.dialogs[0].default_extension, "RDB");
+  EXPECT_EQ(chooser.dialogs[0].flags, kShortNames | kHideReadOnly);
   EXPECT_EQ(site.Rows("SELECT count(*) FROM Pen")[0][0], "400");
 }
 
