@@ -152,7 +152,7 @@ TEST_F(Module, DropsAndReportsBytesBeyondItsMemory) {
   EXPECT_EQ(module.Memory(), "new");
 }
 
-TEST_F(Module, TellsAtEachCommandWhatItDropped) {
+TEST_F(Module, ReportsAtEachCommandWhatItDropped) {
   for (const char command : kCommands) {
     DataModule module = Make();
     module.Load(std::string(DataModule::kMemorySize, 'x'));
@@ -163,7 +163,7 @@ TEST_F(Module, TellsAtEachCommandWhatItDropped) {
   }
 }
 
-TEST_F(Module, TellsNothingWhenItsMemoryIsJustFull) {
+TEST_F(Module, ReportsNothingWhenItsMemoryIsJustFull) {
   DataModule module = Make();
   module.Load(std::string(DataModule::kMemorySize, 'x'));
   Say(module, "\x15");
