@@ -153,7 +153,7 @@ constexpr std::string_view kFeedMark = "[FED],";
 constexpr std::string_view kTerminator = "\r\n\r";
 
 // Rows are counted by marks only, so a damaged file of a few kilobytes could count millions.
-constexpr std::int32_t kMostRows = 100'000;
+constexpr std::int32_t kMostRows = 100000;
 
 // Messages for a section that cannot be cut.
 struct SectionErrors {
