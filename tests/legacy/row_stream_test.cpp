@@ -1,6 +1,7 @@
 #include "legacy/row_stream.h"
 
 #include <cmath>
+#include <functional>
 #include <limits>
 #include <random>
 #include <string>
@@ -157,6 +158,31 @@ TEST(RowStream, RefusesWhatFollowsTheEndAndAnotherNumberOfTables) {
   EXPECT_EQ(FailureOf(one_more), "tables were lost on the way");
 }
 
+TEST(RowStream, RefusesRecordsOutsideTheirTable) {
+  const LegacyTable table{.name = "Pen", .announced_rows = 0, .columns = {}};
+  const std::vector<std::function<void(RowStreamWriter&)>> without_table{
+      [](RowStreamWriter& writer) { writer.Row({}); },
+      [](RowStreamWriter& writer) { writer.DamagedRow("x"); },
+      [](RowStreamWriter& writer) { writer.EndTable(); }};
+  const std::vector<std::function<void(RowStreamWriter&)>> within_table{
+      [&table](RowStreamWriter& writer) { writer.BeginTable(table); },
+      [](RowStreamWriter& writer) { writer.DamagedTable("x"); },
+      [](RowStreamWriter& writer) { writer.End(); }};
+  for (const bool within : {false, true}) {
+    for (const auto& misplaced : within ? within_table : without_table) {
+      std::string bytes;
+      RowStreamWriter writer([&bytes](std::string_view piece) { bytes += piece; });
+      writer.Directory({"Pen"});
+      if (within) {
+        writer.BeginTable(table);
+      }
+      misplaced(writer);
+      writer.End();
+      EXPECT_EQ(FailureOf(bytes), "a record of the rows is out of place") << within;
+    }
+  }
+}
+
 TEST(RowStream, RefusesARecordThatIsLongerThanItsContent) {
   std::string bytes;
   RowStreamWriter writer([&bytes](std::string_view piece) { bytes += piece; });
@@ -199,6 +225,8 @@ TEST(RowStream, NoticesAValueThatChanged) {
   std::string bytes = Stream();
   const std::size_t at = bytes.find("Pe\xC3");
   bytes[at] = 'Q';
+  EXPECT_THAT(FailureOf(bytes), HasSubstr("lost on the way"));
+  bytes.replace(at, 2, "eP");
   EXPECT_THAT(FailureOf(bytes), HasSubstr("lost on the way"));
 }
 
