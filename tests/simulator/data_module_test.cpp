@@ -163,6 +163,13 @@ TEST_F(Module, ReportsAtEachCommandWhatItDropped) {
   }
 }
 
+TEST_F(Module, ReportsAtOnceWhatAFileIsTooLongFor) {
+  DataModule module = Make();
+  module.Load(std::string(DataModule::kMemorySize + 3, 'x'));
+  ASSERT_EQ(messages_.size(), 2U);
+  EXPECT_EQ(messages_[1], "bytes dropped: 3");
+}
+
 TEST_F(Module, ReportsNothingWhenItsMemoryIsJustFull) {
   DataModule module = Make();
   module.Load(std::string(DataModule::kMemorySize, 'x'));

@@ -59,7 +59,8 @@ TEST(FeedPlan, RefusesLinesThatAreNotOfTheForm) {
   for (const std::string line :
        {"[ING]\r\n1,CORN", "[ING]\r\n1,CORN,0,0", "[ING]\r\nx,CORN,0", "[REC]\r\n1,STEERS,0,0,0,",
         "[REC]\r\n1,STEERS,0,9,0,CORN;9;9", "[REC]\r\n1,STEERS,0,9,0;9", "[PEN]\r\n1,A,5,5",
-        "[REC]\r\n1,STEERS,0,9,0,NONE;9", "[REC]\r\n1,STEERS,0,9,0,CORN;9,9", "[PEN]\r\n1,A,"}) {
+        "[REC]\r\n1,STEERS,0,9,0,NONE;9", "[REC]\r\n1,STEERS,0,9,0,CORN;9,9",
+        "[REC]\r\n1,STEERS,0,9,0,CORN,CORN;9", "[PEN]\r\n1,A,"}) {
     EXPECT_THROW(ReadFeedPlan("{DATA_IN},L\r\n[ING]\r\n1,CORN,0\r\n" + line + "\r\n"),
                  std::invalid_argument)
         << line;

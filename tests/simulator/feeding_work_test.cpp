@@ -66,6 +66,19 @@ TEST(FeedingWork, ThePensGoToTheRecipesInEqualRuns) {
   EXPECT_EQ(recipes["P3"] + " " + recipes["P4"], "COWS COWS");
 }
 
+TEST(FeedingWork, NoMoreIsFedThanWasBatched) {
+  for (std::uint32_t seed = 0; seed < 100; ++seed) {
+    FeedingWork work(Plan(6, 10), seed);
+    ASSERT_TRUE(work.FeedDay(kMonday, kRoom));
+    std::map<int, int> held;
+    for (const Weighing& weighing : work.Weighings()) {
+      EXPECT_GE(weighing.tenths, 0) << seed;
+      held[weighing.load] += weighing.batched ? weighing.tenths : -weighing.tenths;
+      EXPECT_GE(held[weighing.load], 0) << seed;
+    }
+  }
+}
+
 TEST(FeedingWork, AScaleShowsNoLessThanItsStep) {
   FeedPlan plan = Plan(1, 10);
   plan.recipes = {

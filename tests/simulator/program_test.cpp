@@ -303,7 +303,7 @@ TEST_F(Program, HangsUpAlsoOnAClientThatNeverReads) {
 }
 
 TEST_F(Program, SendsOneXoffOnceSoManyBytesAreAnswered) {
-  SimulatorProgram program(Arguments({"--fault", "xoff=2"}));
+  SimulatorProgram program(Arguments({"--fault", "xoff=2"}, "19200"));
   ASSERT_EQ(program.OutputLine(), Ready());
   const Client client(link_);
   client.Write("\x16");
