@@ -1,3 +1,4 @@
+#include <cerrno>
 #include <chrono>
 #include <csignal>
 #include <random>
@@ -72,6 +73,73 @@ TEST(Reader, OfAnotherKindIsReported) {
 TEST(Reader, ThatFindsAnotherFileThanTheParentReportsItsKind) {
   ExpectRefusal("exit 22", "LEGACYR.RDB is protected by a database password");
   ExpectRefusal("exit 3", "is damaged: its list of tables cannot be read");
+}
+
+// Ends as it is told to, without a byte of output.
+class EndingRunner : public ProgramRunner {
+ public:
+  explicit EndingRunner(ProgramOutcome outcome) : outcome_(outcome) {}
+  ProgramOutcome Run(const LimitedProgram& /*program*/,
+                     const std::function<bool(std::string_view)>& /*take*/) override {
+    return outcome_;
+  }
+
+ private:
+  ProgramOutcome outcome_;
+};
+
+std::string RefusalOf(ProgramOutcome outcome) {
+  EndingRunner runner(outcome);
+  RowStreamWriter nowhere([](std::string_view /*bytes*/) {});
+  try {
+    ReadLegacyRows(runner, {.path = "/yard/OLD.RDB", .reader = "/bin/jet", .limits = {}}, {},
+                   nowhere, [] { return true; });
+  } catch (const Error& refusal) {
+    return refusal.what();
+  }
+  return {};
+}
+
+TEST(Reader, IsToldByHowItEnded) {
+  const std::string damaged = "OLD.RDB is damaged: ";
+  const std::string remedy = ". Copy it again from where it was made, or take an older backup.";
+  const std::string program = "The program /bin/jet, which reads such files, ";
+  EXPECT_EQ(RefusalOf({ProgramEnd::kOutOfTime, 0}),
+            damaged + "reading it does not come to an end" + remedy);
+  EXPECT_EQ(RefusalOf({ProgramEnd::kCrashed, 11}),
+            damaged + "its reader was ended by signal 11" + remedy);
+  EXPECT_EQ(RefusalOf({ProgramEnd::kStopped, 0}), "the conversion was stopped");
+  EXPECT_EQ(RefusalOf({ProgramEnd::kNotStarted, ENOENT}),
+            program + "cannot be started: No such file or directory. Install the program again.");
+  EXPECT_EQ(RefusalOf({ProgramEnd::kExited, 0}),
+            program + "is not the right one: its rows have no end. Install the program again.");
+  EXPECT_EQ(RefusalOf({ProgramEnd::kExited, 1}), "OLD.RDB cannot be read.");
+  EXPECT_EQ(RefusalOf({ProgramEnd::kExited, 3}),
+            damaged + "its list of tables cannot be read" + remedy);
+  for (const int code : {2, 4, 15, 16, 16 + kJetFileKinds}) {
+    EXPECT_EQ(RefusalOf({ProgramEnd::kExited, code}),
+              program + "is not the right one (it ended with code " + std::to_string(code) +
+                  "). Install the program again.");
+  }
+  for (int kind = 1; kind < kJetFileKinds; ++kind) {
+    EXPECT_EQ(RefusalOf({ProgramEnd::kExited, 16 + kind}),
+              JetFileRefusal(static_cast<JetFileKind>(kind), "OLD.RDB"));
+  }
+}
+
+TEST(Reader, WantsAFileAndATable) {
+  ChildProcessRunner runner;
+  for (const std::vector<std::string>& arguments :
+       {std::vector<std::string>{}, {LEGACY_DATA "/LEGACYR.RDB"}}) {
+    const ProgramOutcome outcome = runner.Run(
+        {.path = fs::path(VRX_BIN_DIR) / "vrx2260jet", .arguments = arguments, .limits = {}},
+        [](std::string_view bytes) {
+          EXPECT_EQ(bytes, "");
+          return true;
+        });
+    EXPECT_EQ(outcome.end, ProgramEnd::kExited);
+    EXPECT_EQ(outcome.code, 2);
+  }
 }
 
 // The rows of a file one of whose tables cannot be read.

@@ -244,6 +244,10 @@ TEST(Conversion, ShowsHowFarItHasCome) {
               ElementsAre("Converting the table Transactions.", "Writing the new file."));
   EXPECT_EQ(site.progress.maximum, 302);
   EXPECT_EQ(site.progress.value, 300);
+  std::filesystem::remove(site.copy);
+  site.Convert(site.Data("LEGACYR.RDB"));
+  EXPECT_EQ(site.progress.maximum, 400);
+  EXPECT_EQ(site.progress.value, 400) << "counted anew in each table";
 }
 
 }  // namespace

@@ -263,14 +263,16 @@ TEST(ConversionOfTheUnit, TakesTheSystemsWhereTheFileHasNone) {
 }
 
 TEST(ConversionOfTheUnit, TakesTheFilesHoweverItIsWritten) {
-  ConversionFixture site;
-  JetWriter file;
-  AddIdentity(file, "USER_RECIPE_DB", " lb ");
-  AddPens(file);
-  const ConversionReport report = site.Convert(file);
-  EXPECT_EQ(report.unit, "LB");
-  EXPECT_THAT(NoticeLines(report),
-              Contains("UnitsOfMeasure, row 1: UoM was \" lb \"; LB was stored"));
+  for (const std::string written : {" LB", "lb", "LB "}) {
+    ConversionFixture site;
+    JetWriter file;
+    AddIdentity(file, "USER_RECIPE_DB", written);
+    AddPens(file);
+    const ConversionReport report = site.Convert(file);
+    EXPECT_EQ(report.unit, "LB");
+    EXPECT_THAT(NoticeLines(report),
+                Contains("UnitsOfMeasure, row 1: UoM was \"" + written + "\"; LB was stored"));
+  }
 }
 
 TEST(ConversionOfTheIdentity, ReportsTablesThatAreMissing) {

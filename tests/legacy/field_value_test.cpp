@@ -122,6 +122,39 @@ TEST(FieldRule, TakesIdsFromOneToTheLastOfTheirTable) {
   }
 }
 
+TEST(FieldRule, ReportsEachRepair) {
+  struct Case {
+    const char* table;
+    const char* column;
+    LegacyValue value;
+    const char* repair;
+  };
+  for (const Case& each :
+       {Case{"Recipe", "Name", {}, "Name was NULL; the record's default name was stored"},
+        {"Recipe", "Name", Text("ABCDEFG"), "Name held \"ABCDEFG\"; \"ABCDEF\" was stored"},
+        {"Recipe", "Name", JetDate{1e12},
+         "Name held an impossible date in place of a text; NULL was stored"},
+        {"Recipe", "Description", {}, "Description was NULL; an empty text was stored"},
+        {"Recipe", "BatchType", Text("x"), "BatchType held \"x\"; ! was stored"},
+        {"Recipe", "HeadCount", Text("x"),
+         "HeadCount held \"x\" in place of a whole number; 0 was stored"},
+        {"Recipe", "RationTarget", Text("x"),
+         "RationTarget held \"x\" in place of a number; an empty text was stored"},
+        {"Ingredient", "HandAdd", Text("x"),
+         "HandAdd held \"x\" in place of yes or no; 0 was stored"},
+        {"Transactions", "UserID", Text(""), "UserID was an empty text; NULL was stored"},
+        {"Transactions", "Target", {}, "Target was NULL; 0 was stored"},
+        {"Transactions", "IngPercent", Text("x"),
+         "IngPercent held \"x\" in place of a number; NULL was stored"},
+        {"Transactions", "Time", Text("x"), "Time held \"x\" in place of a time; NULL was stored"},
+        {"Transactions", "Date", JetDate{1e12},
+         "Date held an impossible date in place of a date; NULL was stored"}}) {
+    Repairs repairs;
+    static_cast<void>(ConvertField(RuleOf(each.table, each.column), each.value, "REC007", repairs));
+    EXPECT_THAT(repairs, ::testing::ElementsAre(each.repair));
+  }
+}
+
 TEST(FieldValue, IsShownInAtMost60Characters) {
   const std::string longest = std::string(59, 'x') + "\xC3\xB1";
   EXPECT_EQ(Shown(longest), '"' + longest + '"');

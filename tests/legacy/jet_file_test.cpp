@@ -94,6 +94,8 @@ TEST(JetFile, KnowsACutOffFile) {
 TEST(JetFile, DistinguishesFilesOfOtherKinds) {
   EXPECT_EQ(KindOf(""), JetFileKind::kEmpty);
   EXPECT_EQ(KindOf("ID,Name\r\n1,CORN\r\n"), JetFileKind::kText);
+  EXPECT_EQ(KindOf("A report.\f\tNext page.\n"), JetFileKind::kText);
+  EXPECT_EQ(KindOf("SQLite"), JetFileKind::kPresentFormat) << "cut off";
   EXPECT_EQ(KindOf(std::string("\x89PNG\r\n\x1A\n\0\0", 10)), JetFileKind::kOther);
   EXPECT_EQ(KindOf(BytesOf(std::filesystem::path(VRX_BIN_DIR) / "QXNULRDB.MDB")),
             JetFileKind::kPresentFormat);

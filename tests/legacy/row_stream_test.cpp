@@ -221,6 +221,16 @@ TEST(RowStream, NoticesARowThatIsMissing) {
   EXPECT_THAT(FailureOf(bytes), HasSubstr("rows of the table Pen were lost on the way"));
 }
 
+TEST(ColumnSum, ReportsNullFromZeroAndFromAnEmptyText) {
+  for (const LegacyValue& value :
+       {LegacyValue{std::int32_t{0}}, LegacyValue{false}, LegacyValue{0.0}, LegacyValue{0.0F},
+        LegacyValue{JetDate{0}}, LegacyValue{std::string()}}) {
+    ColumnSum sum;
+    AddToSum(sum, value);
+    EXPECT_FALSE(sum == ColumnSum{}) << value.index();
+  }
+}
+
 TEST(RowStream, NoticesAValueThatChanged) {
   std::string bytes = Stream();
   const std::size_t at = bytes.find("Pe\xC3");

@@ -163,8 +163,12 @@ TEST(FeedingWork, TheClockStopsAtTheLastMinuteAndBeginsAnewEachDay) {
   FeedingWork work(Plan(1000, 10), 1);
   ASSERT_TRUE(work.FeedDay(kMonday, 1'000'000));
   const std::string first = work.Records();
-  EXPECT_NE(first.find(",2359,01052026,"), std::string::npos);
-  EXPECT_EQ(first.find(",2400,"), std::string::npos);
+  int late = 0;
+  for (auto at = first.find(",2359,01052026,"); at != std::string::npos;
+       at = first.find(",2359,01052026,", at + 1)) {
+    ++late;
+  }
+  EXPECT_GT(late, 100) << "1000 pens take longer than a day";
   ASSERT_TRUE(work.FeedDay(kMonday + std::chrono::days(1), 1'000'000));
   EXPECT_NE(work.Records().find(",06"), std::string::npos);
 }
