@@ -14,17 +14,17 @@ namespace vrx {
 // The tabs Batched/Fed and Export: what is shown on the one is what the other writes.
 class HistoryTabs : private ExportWindow {
  public:
-  // Puts the pages in their places; ahead of the caption pass. `configure_import_columns` is the
+  // Adds the pages to the window, before the caption pass. `configure_import_columns` is the
   // import's routine of that name. Everything outlives it, but the window, whose pages refer to it,
   // may be destroyed later.
   HistoryTabs(Services& services, DatabaseCommands& databases, MainWindow& window,
               std::function<void()> configure_import_columns);
-  // Lets go of the databases, which may be closed ahead of the window.
+  // Releases the databases, which may be closed before the window.
   ~HistoryTabs() override { history_->ReleaseViews(); }
   HistoryTabs(const HistoryTabs&) = delete;
   HistoryTabs& operator=(const HistoryTabs&) = delete;
 
-  // For whoever prints what is on show.
+  // For printing the shown rows.
   HistoryPage& History() { return *history_; }
 
  private:

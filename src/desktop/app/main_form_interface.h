@@ -22,7 +22,7 @@ struct RecentFile {
 };
 
 // `VRXMAIN` as start and exit see it. Making one is its Load; it is not shown by that. What
-// is called ahead of Place throws nothing.
+// is called before Place throws nothing.
 class MainForm {
  public:
   virtual ~MainForm() = default;

@@ -24,7 +24,7 @@ class FileIcons : public QFileIconProvider {
 };
 
 // File dialogs over the active window. They are Qt's own rather than the platform's, so that a name
-// gets its default extension ahead of the question whether to overwrite, everywhere.
+// gets its default extension before the question whether to overwrite, everywhere.
 class QtFileChooser : public FileChooser {
  public:
   // `home` tells the folder of the dialogs that name none, until a first choice was made.

@@ -35,8 +35,7 @@ class QtOperator : public QObject, public Operator {
   bool busy_ = false;
 };
 
-// The operator as a flow of a page knows them: ahead of whatever they are told or asked, the page
-// shows what the flow holds by then.
+// Operator decorator: refreshes the page before each message.
 class RefreshingOperator : public Operator {
  public:
   RefreshingOperator(Operator& op, std::function<void()> show) : op_(op), show_(std::move(show)) {}

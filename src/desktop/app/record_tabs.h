@@ -16,7 +16,7 @@ namespace vrx {
 // the navigator, which work on the page on show.
 class RecordTabs : public QObject {
  public:
-  // Puts the pages into the window, ahead of its caption pass. Everything outlives it.
+  // Adds the pages to the window, before its caption pass. Everything outlives it.
   RecordTabs(Services& services, GeneralDelay& delay, MainWindow& window);
 
   // The pages belong to the window and live as long: they let go of the database.

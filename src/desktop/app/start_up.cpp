@@ -29,7 +29,7 @@ void ReportFailure(Operator& op, const std::string& cause) {
 // A user's first program of all may have to make the common folder.
 void MakeCommonFolder(const SystemInfo& system) {
   const std::string common = system.CommonAppDataFolder();
-  std::error_code ignored;  // what cannot be made is told when the next level is
+  std::error_code ignored;  // reported when the next level is made
   if (!common.empty()) {
     std::filesystem::create_directories(common, ignored);
   }
@@ -64,7 +64,7 @@ bool OpenIniFile(const Services& services, ApplicationState& application) {
   try {
     application.ini.emplace(application.app_folder.IniFilePath(), services.system, services.op);
   } catch (const Error&) {
-    return false;  // told where it was thrown
+    return false;  // reported where it was thrown
   }
   return PrivateINI::EnsureIniFile(*application.ini, services.op);
 }

@@ -15,7 +15,7 @@ class SingleInstance {
  public:
   virtual ~SingleInstance() = default;
   // False: another one runs. True from then on until the object or the process ends, however it
-  // ends. Throws Error when it cannot be told.
+  // ends. Throws Error if that cannot be determined.
   virtual bool Claim() = 0;
 };
 

@@ -18,7 +18,7 @@ namespace vrx {
 // files of the indicator. Owns `KRMCOMM`.
 class TransferTabs : private TransferDatabases, private ImportWindow {
  public:
-  // Puts the pages in their places; ahead of the caption pass. Everything outlives it, but the
+  // Adds the pages to the window, before the caption pass. Everything outlives it, but the
   // window, whose pages refer to it, may be destroyed later.
   TransferTabs(Services& services, SerialControl& serial, DatabaseCommands& databases,
                MainWindow& window);

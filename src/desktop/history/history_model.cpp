@@ -59,7 +59,7 @@ int HistoryTableModel::columnCount(const QModelIndex& parent) const {
   return parent.isValid() ? 0 : kHistoryColumnCount;
 }
 
-// Ctrl+C asks for the current cell even if there is none.
+// Ctrl+C reads the current cell even if no cell is current.
 QVariant HistoryTableModel::data(const QModelIndex& index, int role) const {
   if (!index.isValid()) {
     return {};

@@ -40,8 +40,8 @@ bool IsDark(const QColor& back) {
 }
 
 // A specified color does not change on a light background, however faint it is.
-QColor SpecifiedOn(const QColor& told, const QColor& back) {
-  return IsDark(back) ? Readable(told, back, kTextContrast) : told;
+QColor SpecifiedOn(const QColor& specified, const QColor& back) {
+  return IsDark(back) ? Readable(specified, back, kTextContrast) : specified;
 }
 
 QColor SystemOn(const QColor& text, const QColor& back) {
@@ -51,11 +51,12 @@ QColor SystemOn(const QColor& text, const QColor& back) {
   return IsDark(back) ? Qt::white : Qt::black;
 }
 
-QColor TextOn(FormatStyle style, const StyleColor& told, const QColor& color, const QColor& back) {
+QColor TextOn(FormatStyle style, const StyleColor& specified, const QColor& color,
+              const QColor& back) {
   if (style == FormatStyle::kSelectedRow) {
     return color;
   }
-  return told.system ? SystemOn(color, back) : SpecifiedOn(color, back);
+  return specified.system ? SystemOn(color, back) : SpecifiedOn(color, back);
 }
 
 QColor ColorOf(const QPalette& palette, const StyleColor& color) {
@@ -163,19 +164,19 @@ const HistoryLook& HistoryStyles::Cell(HistoryRowKind kind, int column, std::int
 }
 
 HistoryLook HistoryStyles::Over(const QPalette& palette, FormatStyle style, HistoryLook look) {
-  const FormatStyleLook& told = LookOf(style);
-  if (told.back) {
-    look.back = ColorOf(palette, *told.back);
+  const FormatStyleLook& specified = LookOf(style);
+  if (specified.back) {
+    look.back = ColorOf(palette, *specified.back);
   }
-  const StyleColor text = told.text.value_or(StyleColor{.system = SystemColor::kWindowText});
+  const StyleColor text = specified.text.value_or(StyleColor{.system = SystemColor::kWindowText});
   look.text = TextOn(style, text, ColorOf(palette, text), look.back);
-  if (!told.font.empty()) {
-    look.font.setFamily(ToQString(told.font));
+  if (!specified.font.empty()) {
+    look.font.setFamily(ToQString(specified.font));
   }
-  if (told.points > 0) {
-    look.font.setPointSizeF(told.points);
+  if (specified.points > 0) {
+    look.font.setPointSizeF(specified.points);
   }
-  if (told.bold) {
+  if (specified.bold) {
     look.font.setBold(true);
   }
   return look;

@@ -164,10 +164,10 @@ std::vector<ShownColumn> HistoryHeader::Shown() const {
 }
 
 void HistoryHeader::ApplyColors() {
-  const QColor told = HistoryStyles::HeaderColor(palette());
-  if (palette().color(QPalette::ButtonText) != told) {
+  const QColor specified = HistoryStyles::HeaderColor(palette());
+  if (palette().color(QPalette::ButtonText) != specified) {
     QPalette colors;  // all else stays the form's
-    colors.setColor(QPalette::ButtonText, told);
+    colors.setColor(QPalette::ButtonText, specified);
     setPalette(colors);
   }
 }
