@@ -67,6 +67,20 @@ class EditOnDisplay : public OnDisplay {
     Settle();
   }
 
+  // Types into the share of the first line and leaves its editor open.
+  void TypeShare(const std::string& text) {
+    ClickCell("grdREC", 0, kShareColumn);
+    ASSERT_TRUE(WaitFor([](const Screen& screen) {
+      const Widget* const grid = screen.Find("grdREC");
+      const Cell* const cell = grid == nullptr ? nullptr : grid->FindCell(0, kShareColumn);
+      return cell != nullptr && cell->current && screen.Focus() != nullptr;
+    }));
+    Type(text);
+    ASSERT_TRUE(WaitFor([&](const Screen& screen) {
+      return screen.Focus() != nullptr && screen.Focus()->text == text;
+    })) << Look().Focus()->name << ' ' << Look().Focus()->text;
+  }
+
   std::string StoredDescription() const {
     SQLite::Database file(recipes.string(), SQLite::OPEN_READONLY, kLongestStoreMs);
     return file.execAndGet("SELECT Description FROM Ingredient WHERE ID = 1").getString();
@@ -119,9 +133,7 @@ TEST_F(EditOnDisplay, AHalfTypedCellIsNotStoredByAnotherWindow) {
   StartProgram();
   ShowRecipe1();
   const std::string before = StoredShares();
-  ClickCell("grdREC", 0, kShareColumn);
-  Type("3");
-  Settle();
+  TypeShare("3");
   const std::unique_ptr<Program> second = Start();
   ASSERT_TRUE(Eventually([this] { return windows.ActiveTitle() != kMainTitle; }));
   EXPECT_EQ(StoredShares(), before);
@@ -141,9 +153,7 @@ TEST_F(EditOnDisplay, ARefusedShareReachesNoOtherRecipe) {
   StartProgram();
   ShowRecipe1();
   const std::string before = StoredShares();
-  ClickCell("grdREC", 0, kShareColumn);
-  Type("33");
-  Settle();
+  TypeShare("33");
   {
     const Lock other_program(recipes);
     ClickItem("Ingredients");

@@ -317,8 +317,10 @@ void RecipesPage::Prepare() {
   services_.op.SetBusy(false);
 }
 
+// A click into a field while the tab was being prepared keeps the focus there.
 void RecipesPage::StripFocused() {
-  if (RecipeGrid& grid = lines_->GrdRec(); grid.isVisible()) {
+  RecipeGrid& grid = lines_->GrdRec();
+  if (grid.isVisible() && !isAncestorOf(QApplication::focusWidget())) {
     grid.setFocus();
   }
   TabChosen();

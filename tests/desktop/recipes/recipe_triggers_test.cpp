@@ -106,6 +106,14 @@ TEST_F(RecipeTriggers, AClickRecomputesThoughTheStripHasTheFocusSinceTheStart) {
   EXPECT_TRUE(Lines().hasFocus());
 }
 
+TEST_F(RecipeTriggers, AClickIntoACellWhileTheTabComesKeepsItsEditorTyping) {
+  Enter(kTabPens);
+  pump_.After(Milliseconds{175}, [this] { ClickLine(0, kColumnTarget); });
+  ClickTab(kTabRecipes);
+  ASSERT_TRUE(Lines().IsEditing());
+  EXPECT_EQ(QApplication::focusWidget(), Lines().indexWidget(Lines().currentIndex()));
+}
+
 TEST_F(RecipeTriggers, AnArrowOnTheStripRecomputesAndStaysOnTheStrip) {
   Enter(kTabIngredients);
   MakeStale();
