@@ -261,6 +261,7 @@ TEST_F(RecipesPageTest, TheStripsFocusGoesToTheGridAndRecomputesEverything) {
   Enter();
   Database().exec("UPDATE Ingredient SET [DryMatter%] = 50 WHERE ID = 1");
   settings_.SetSystemUnits("KG");
+  form_->setFocus();  // the strip is outside the page
   page_->StripFocused();
   EXPECT_EQ(Focused(), "grdREC");
   EXPECT_EQ(Cell(0, kColumnDryMatter), "1364");
