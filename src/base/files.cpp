@@ -1,13 +1,17 @@
 #include "base/files.h"
 
 #include <array>
+#include <bit>
 #include <cerrno>
+#include <cstdint>
 #include <cstdio>
 #include <fstream>
 #include <ios>
 #include <random>
 #include <string>
 #include <system_error>
+
+#include <nettle/sha2.h>
 
 #include "base/sync.h"
 #include "base/text.h"
@@ -116,6 +120,31 @@ std::string ReadFileBytes(const fs::path& path, std::size_t limit) {
     bytes.resize(limit + 1);
   }
   return bytes;
+}
+
+std::string Sha256OfFile(const fs::path& path) {
+  errno = 0;
+  std::ifstream in(path, std::ios::binary);
+  sha256_ctx hash{};
+  sha256_init(&hash);
+  std::array<char, 65536> block{};
+  while (in) {
+    in.read(block.data(), static_cast<std::streamsize>(block.size()));
+    const auto bytes = std::bit_cast<std::array<std::uint8_t, block.size()>>(block);
+    sha256_update(&hash, static_cast<std::size_t>(in.gcount()), bytes.data());
+  }
+  if (!in.eof()) {
+    FailToRead(path);
+  }
+  std::array<std::uint8_t, SHA256_DIGEST_SIZE> digest{};
+  sha256_digest(&hash, digest.size(), digest.data());
+  constexpr std::string_view kDigits = "0123456789abcdef";
+  std::string text;
+  for (const std::uint8_t byte : digest) {
+    text.push_back(kDigits[byte >> 4U]);
+    text.push_back(kDigits[byte & 0x0FU]);
+  }
+  return text;
 }
 
 void WriteFileBytes(const fs::path& path, std::string_view bytes) {

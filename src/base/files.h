@@ -30,6 +30,9 @@ class FileError : public Error {
 // bytes, so that the caller notices.
 [[nodiscard]] std::string ReadFileBytes(const std::filesystem::path& path, std::size_t limit);
 
+// Hash of a file's bytes in lower-case hexadecimal. Throws FileError.
+[[nodiscard]] std::string Sha256OfFile(const std::filesystem::path& path);
+
 // Replaces the file as AtomicFile does. Throws FileError and leaves the old file unchanged.
 void WriteFileBytes(const std::filesystem::path& path, std::string_view bytes);
 

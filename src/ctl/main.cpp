@@ -1,15 +1,42 @@
 #include <QGuiApplication>
 #include <QLoggingCategory>
+#include <filesystem>
 #include <iostream>
 #include <memory>
+#include <optional>
 #include <string>
 #include <vector>
 
 #include "adapters/linux_machine.h"
+#include "adapters/qt_event_pump.h"
+#include "adapters/qt_serial_control.h"
+#include "adapters/serial_ports.h"
+#include "adapters/signals.h"
+#include "ctl/command.h"
 #include "ctl/command_line.h"
-#include "ctl/machine.h"
 
 namespace {
+
+// A line of this machine. A QCoreApplication must exist during its lifetime.
+class QtSerialLine : public vrx::SerialLine {
+ public:
+  QtSerialLine(const std::string& device, const std::filesystem::path& data_folder)
+      : control_([device, data_folder](int number) {
+          return device.empty() ? vrx::LinuxPortDevice(data_folder, number) : device;
+        }) {}
+
+  vrx::SerialControl& Control() override { return control_; }
+  vrx::EventPump& Pump() override { return pump_; }
+  void Close() override { pump_.Close(); }
+  void CloseOnSignals() override {
+    signals_.emplace([this] { pump_.Close(); });
+  }
+
+ private:
+  vrx::QtEventPump pump_;
+  std::optional<vrx::SignalHandler> signals_;
+  vrx::QtSerialControl control_;
+};
 
 // Creates the kind of application that a command needs, when it is needed.
 template <typename Application>
@@ -37,7 +64,7 @@ int main(int argc, char** argv) {
              .make_serial_line =
                  [&](const auto& device, const auto& data_folder) {
                    Need<QCoreApplication>(application, argc, argv);
-                   return vrx::MakeSerialLine(device, data_folder);
+                   return std::make_unique<QtSerialLine>(device, data_folder);
                  },
              .start_drawing =
                  [&] {

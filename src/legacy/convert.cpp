@@ -17,7 +17,6 @@
 
 #include "base/encoding.h"
 #include "base/files.h"
-#include "base/sha256.h"
 #include "base/sync.h"
 #include "base/text.h"
 #include "database/connection.h"

@@ -1,22 +1,40 @@
-#include "legacy/jet_reader.h"
+// vrx2260jet FILE TABLE... writes the rows of a Jet file's tables to standard output as a row
+// stream. The programs that convert such a file start it, because libmdb may crash or hang on a
+// damaged file. FILE has one character for each byte of the path; see ReadLegacyRows.
 
 #include <algorithm>
 #include <array>
 #include <bit>
 #include <cstddef>
 #include <cstdint>
+#include <cstdio>
+#include <cstdlib>
 #include <cstring>
+#include <exception>
+#include <filesystem>
 #include <memory>
 #include <optional>
+#include <string>
 #include <string_view>
+#include <vector>
 
 #include <mdbtools.h>
 
+#include "base/encoding.h"
+#include "base/error.h"
 #include "base/text.h"
+#include "legacy/jet_file.h"
 #include "legacy/jet_text.h"
+#include "legacy/row_stream.h"
 
 namespace vrx {
 namespace {
+
+// A Jet file as a whole cannot be read.
+class JetReadError : public Error {
+ public:
+  using Error::Error;
+};
 
 constexpr unsigned kDeletedRow = 0x8000;
 constexpr unsigned kMovedRow = 0x4000;
@@ -250,8 +268,8 @@ void ReadTable(MdbHandle& file, MdbCatalogEntry& entry, LegacyRowSink& sink) {
   TableReader(file, *table, sink).Read();
 }
 
-}  // namespace
-
+// Reads tables of a Jet 4 file in the given order. Ignores the case of names, missing tables and
+// deleted rows; follows moved rows. Throws JetReadError.
 void ReadJetTables(const std::filesystem::path& path, const std::vector<std::string>& tables,
                    LegacyRowSink& sink) {
   const File file(mdb_open(path.c_str(), MDB_NOFLAGS));
@@ -280,4 +298,44 @@ void ReadJetTables(const std::filesystem::path& path, const std::vector<std::str
   }
 }
 
+// Exits without cleanup, which libmdb leaves to the end of the process.
+[[noreturn]] void End(int code) {
+  std::fflush(nullptr);
+  std::_Exit(code);
+}
+
+[[noreturn]] void Refuse(const std::string& message, int code) {
+  std::fprintf(stderr, "vrx2260jet: %s\n", message.c_str());
+  End(code);
+}
+
+void Write(std::string_view bytes) {
+  if (std::fwrite(bytes.data(), 1, bytes.size(), stdout) != bytes.size()) {
+    Refuse("the rows cannot be written", kReaderFailed);
+  }
+}
+
+}  // namespace
 }  // namespace vrx
+
+int main(int argc, char** argv) {
+  const std::vector<std::string> args(argv + (argc > 0 ? 1 : 0), argv + argc);
+  if (args.size() < 2) {
+    vrx::Refuse("usage: vrx2260jet FILE TABLE...", vrx::kReaderWrongUsage);
+  }
+  const std::filesystem::path path = vrx::Utf8ToWindows1252(args.front());
+  try {
+    const vrx::JetFileKind kind = vrx::InspectJetFile(path);
+    if (kind != vrx::JetFileKind::kJet4) {
+      vrx::Refuse(vrx::JetFileRefusal(kind, path.filename().string()), vrx::ReaderExitOf(kind));
+    }
+    vrx::RowStreamWriter rows(vrx::Write);
+    vrx::ReadJetTables(path, {args.begin() + 1, args.end()}, rows);
+    rows.End();
+  } catch (const vrx::JetReadError& failure) {
+    vrx::Refuse(failure.what(), vrx::kReaderFoundNoTables);
+  } catch (const std::exception& failure) {
+    vrx::Refuse(failure.what(), vrx::kReaderFailed);
+  }
+  vrx::End(EXIT_SUCCESS);
+}

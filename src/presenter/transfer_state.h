@@ -3,8 +3,6 @@
 #include <string>
 #include <vector>
 
-#include "link/received_data.h"
-
 namespace vrx {
 
 inline constexpr int kMemoryBarMaximum = 65536;  // bytes
@@ -19,6 +17,31 @@ struct DataFileRow {
 
 // The choice of `optConnection`.
 enum class Connection { kModule = 0, kIndicator = 1 };
+
+// Tracks whether bytes that an indicator sent to the memory image are saved to a file. A module
+// keeps uploaded data, but an indicator does not keep what it has sent.
+class ReceivedData {
+ public:
+  void Arrived() {
+    unsaved_ = true;
+    in_block_ = false;
+  }
+  // The image was cleared or replaced by the indicator or the operator.
+  void Discarded() { unsaved_ = false; }
+  // The transfer block was filled with the whole image, or with other data.
+  void ImageIntoBlock() { in_block_ = true; }
+  void OtherIntoBlock() { in_block_ = false; }
+  // The whole transfer block was saved.
+  void BlockSaved() { unsaved_ = unsaved_ && !in_block_; }
+  // The image was written to a rescue file.
+  void Rescued() { unsaved_ = false; }
+
+  [[nodiscard]] bool Unsaved() const { return unsaved_; }
+
+ private:
+  bool unsaved_ = false;
+  bool in_block_ = false;
+};
 
 // The state of the Data Transfer tab. Texts are bytes as received.
 struct TransferState {
