@@ -34,7 +34,7 @@ constexpr const char* kScriptHelp =
     "  expect-file PATH [within MS]\n"
     "  save PATH                     writes the data of the next reply to NAK or FS\n"
     "  wait MS\n"
-    "The limit of an expect and of a save is 10000 ms unless it is told.\n"
+    "The limit of an expect and of a save is 10000 ms by default.\n"
     "Exit codes: 0 at the end of the script, 1 at the first mismatch, 2 for a script that cannot "
     "be "
     "played.";
@@ -42,7 +42,7 @@ constexpr const char* kScriptHelp =
 void AddIndicator(CLI::App& program, IndicatorOptions& options) {
   CLI::App* indicator =
       program.add_subcommand("indicator", "Plays the indicator of the direct connection");
-  indicator->add_option("--link", options.link, "Where the link to the pseudo-terminal stands")
+  indicator->add_option("--link", options.link, "Path of the link to the pseudo-terminal")
       ->required();
   indicator->add_option("--script", options.script, "What it sends and expects")
       ->required()
@@ -71,7 +71,7 @@ void AddWork(CLI::App& module, WorkOptions& work) {
 
 CLI::App* AddModule(CLI::App& program, ModuleOptions& options, WorkOptions& work) {
   CLI::App* module = program.add_subcommand("module", "Plays the data module");
-  module->add_option("--link", options.link, "Where the link to the pseudo-terminal stands")
+  module->add_option("--link", options.link, "Path of the link to the pseudo-terminal")
       ->required();
   module->add_option("--load", options.load, "A file to put into its memory; may be repeated")
       ->allow_extra_args(false);
