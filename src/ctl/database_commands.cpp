@@ -95,7 +95,7 @@ class ConvertCommand : public Command {
     command->add_option("new", new_, "Path of the new database, which must not exist")->required();
     output_.RegisterJson(*command);
     AddExamples(*command, {{"convert OLDSITE.RDB YARD.RDB",
-                            "Converts it, and tells what was taken over and what was not."},
+                            "Converts it, and reports what was converted and what was not."},
                            {"convert OLDYARD.TDB YARD.TDB --json > report.json",
                             "The report for a program."}});
     return command;
@@ -196,12 +196,12 @@ Json Describe(const DatabaseSummary& summary) {
 class InfoCommand : public Command {
  public:
   CLI::App* Register(CLI::App& app) override {
-    CLI::App* command = app.add_subcommand("info", "Tell what a database is and holds");
+    CLI::App* command = app.add_subcommand("info", "Describe a database and its contents");
     command->add_option("file", file_, "A recipe or transaction database")->required();
     output_.RegisterJson(*command);
     AddExamples(
         *command,
-        {{"info SITE.RDB", "Tells unit, dates and the numbers of records in use."},
+        {{"info SITE.RDB", "Shows unit, dates and the numbers of records in use."},
          {"info JANUARY.TDB --json", "The same of a transaction database, for a program."}});
     return command;
   }

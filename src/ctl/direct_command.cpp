@@ -50,11 +50,11 @@ class DirectCommand : public Command {
     port_.AddTo(*command);
     command
         ->add_option("--load", load_,
-                     "Recipe database or recipe backup that stands in memory at the start")
+                     "Recipe database or recipe backup to put into memory at the start")
         ->type_name("RDB|FILE.RBU");
     command
         ->add_option("--out", out_,
-                     "Folder for the files that stand in memory at the end; what cannot be written "
+                     "Folder for the files in memory at the end; what cannot be written "
                      "there goes into a rescue file (.KRM)")
         ->type_name("DIR");
     AddWholeNumber(*command, "--seconds", "Time after which it ends by itself", 1, kMostSeconds,

@@ -73,7 +73,7 @@ class ImportCommand : public Command {
     command->add_option("file", file_, "A transaction file (.QXT)")->required();
     output_.RegisterCsv(*command);
     output_.RegisterJson(*command);
-    AddExamples(*command, {{"import 01.QXT", "Tells unit, batches and rows."},
+    AddExamples(*command, {{"import 01.QXT", "Shows unit, batches and rows."},
                            {"import 01.QXT --csv > rows.csv", "Every row with its 112 columns."}});
     return command;
   }
@@ -115,7 +115,7 @@ class StoreCommand : public Command {
         ->required()
         ->type_name("RDB");
     AddExamples(*command, {{"store 01.QXT --into JANUARY.TDB --recipes SITE.RDB",
-                            "Puts the file behind what the database holds."}});
+                            "Adds the file after the records of the database."}});
     return command;
   }
 

@@ -266,7 +266,7 @@ class ModuleCommand : public Command {
     AddExamples(*test_, {{"module test --port 2", "Asks the module on serial port 2."}});
     clear_ = Action(*command, "clear", "Clear the module's memory, after a question");
     AddExamples(*clear_, {{"module clear --port 2 --yes", "Clears without a question."}});
-    baud_ = Action(*command, "baud", "Tell the module its speed towards the indicator");
+    baud_ = Action(*command, "baud", "Set the speed of the module to the indicator");
     baud_->add_option("rate", rate_, "1200, 2400, 9600 or 19200")
         ->required()
         ->check(CLI::IsMember({"1200", "2400", "9600", "19200"}));

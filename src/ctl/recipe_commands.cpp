@@ -109,7 +109,7 @@ class AmountOptions {
 class AddAction : public LineAction {
  public:
   explicit AddAction(CLI::App& line)
-      : LineAction(line, "add", "Add a line behind the last one of a recipe") {
+      : LineAction(line, "add", "Add a line after the last one of a recipe") {
     AddRecordNumber(App(), "ingredient", "Number of an ingredient in use", kIngredientCount,
                     ingredient_);
     amount_.Register(App());

@@ -87,7 +87,7 @@ class IngredientForm : public RecordForm {
     hand_add_ = Text("--hand-add", "yes or no")->check(CLI::IsMember({"yes", "no"}));
     AddExamples(App(),
                 {{"set ingredient SITE.RDB 3 --name CORN --dry-matter 86",
-                  "Names ingredient 3 and tells its dry matter; the recipes with it follow."}});
+                  "Names ingredient 3 and sets its dry matter; the recipes with it follow."}});
   }
 
   int Run(Session& session) {

@@ -55,7 +55,7 @@ struct RecipeColumnRow {
   std::string_view key;
   std::string_view caption;
   bool has_unit;  // the caption includes the weight unit
-  CellRole manner;
+  CellRole role;
   std::string RecipeLineRecord::*cell;  // nullptr for `HandAdd`, which is not a text
   const char* total_label = nullptr;
   std::string TotalsRow::*total = nullptr;

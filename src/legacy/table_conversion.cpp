@@ -134,7 +134,7 @@ void TableConversion::ReportColumn(const Source& source) {
   const FieldRule& field = *source.rule;
   if (!source.column) {
     notices_.Add(counts_.name, "the column " + field.column +
-                                   " is missing; every row got what stands for a missing value");
+                                   " is missing; every row got the default for a missing value");
     return;
   }
   const LegacyType type = table_.columns[*source.column].type;

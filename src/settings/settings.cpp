@@ -76,7 +76,7 @@ CPrivateINI::CPrivateINI(std::filesystem::path ini_file_path, const SystemInfo& 
                     .title = "Fatal Error",
                     .text = "Could not determine path to Windows directory.\r\n"
                             "This program will now terminate."});
-    throw Error("the operating system's directory cannot be told");
+    throw Error("the operating system's directory is unknown");
   }
   win_path_ = QX_RemoveNulls(directory);
 }

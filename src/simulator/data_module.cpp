@@ -117,7 +117,7 @@ Transmission DataModule::Spoil(std::string reply, bool gives_way) const {
   if (!faults_.stall) {
     return {{{std::move(reply)}}, gives_way};
   }
-  // Even a short stalled reply gives way: a client that asks again no longer waits for it.
+  // Even a short stalled reply is dropped: a client that asks again no longer waits for it.
   const std::size_t half = reply.size() / 2;
   return {{{reply.substr(0, half)}, {reply.substr(half), *faults_.stall}}, true};
 }

@@ -49,8 +49,8 @@ class Device {
   Device& operator=(const Device&) = delete;
 
   // Handles a received byte, without flow control characters, and returns what the device sends in
-  // response. A command without an answer returns an empty transmission, which still replaces one
-  // that gives way.
+  // response. A command without an answer returns an empty transmission, which still replaces a
+  // stalled one.
   virtual std::optional<Transmission> Receive(char byte) = 0;
 };
 

@@ -99,10 +99,10 @@ void MakeLink(const fs::path& link, const std::string& name) {
   std::error_code none;
   const fs::path target = fs::read_symlink(link, none);
   if (none) {
-    Fail(EEXIST, what + ": something else stands there and is left alone");
+    Fail(EEXIST, what + ": another file is there and is left unchanged");
   }
   if (!IsStale(target.string(), name)) {
-    Fail(EEXIST, what + ": a link to " + target.string() + " stands there and is left alone");
+    Fail(EEXIST, what + ": a link to " + target.string() + " is there and is left unchanged");
   }
   if (::unlink(link.c_str()) != 0 || ::symlink(name.c_str(), link.c_str()) != 0) {
     Fail(errno, what);

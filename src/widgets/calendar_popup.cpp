@@ -29,7 +29,7 @@ CalendarPopup::CalendarPopup(const Calendar& calendar, QWidget* parent)
   setContentsMargins(kFrame, kFrame, kFrame, kFrame);
   resize(kSize);
   for (const Qt::DayOfWeek day : {Qt::Saturday, Qt::Sunday}) {
-    setWeekdayTextFormat(day, {});  // no red, which not every background bears
+    setWeekdayTextFormat(day, {});  // red is unreadable on some backgrounds
   }
   ShowPlainArrows();
   findChild<QAbstractItemView*>()->setAccessibleName(accessibleName());  // what takes the focus

@@ -122,8 +122,8 @@ QColor Readable(const QColor& color, const QColor& background, double contrast) 
 }
 
 QColor StatusTextColor(StatusColor color, const QColor& background) {
-  const QColor told = SpecifiedColor(color);
-  return IsDark(background) ? Readable(told, background, kTextContrast) : told;
+  const QColor specified = SpecifiedColor(color);
+  return IsDark(background) ? Readable(specified, background, kTextContrast) : specified;
 }
 
 QPalette WithReadableHints(QPalette palette) {

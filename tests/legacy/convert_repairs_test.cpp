@@ -171,7 +171,7 @@ TEST(ConversionOfColumns, ReportsThoseThatAreMissingAndThoseWithoutAPlace) {
   EXPECT_THAT(
       NoticeLines(report),
       ::testing::IsSupersetOf(
-          {"Pen: the column Description is missing; every row got what stands for a missing value",
+          {"Pen: the column Description is missing; every row got the default for a missing value",
            "Pen: the column Colour has no place in the new file and was left out",
            "Pen: the column FeedAmount holds numbers in place of texts",
            "Ingredient: the table is missing; the new one holds its defaults",

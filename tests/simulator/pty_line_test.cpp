@@ -135,7 +135,7 @@ class TakenPath : public PtyLineTest {
 
 TEST_F(TakenPath, LeavesAFileAlone) {
   folder_.Write("line", "precious");
-  EXPECT_NE(Refusal().find(link_.string() + ": something else stands there"), std::string::npos);
+  EXPECT_NE(Refusal().find(link_.string() + ": another file is there"), std::string::npos);
   EXPECT_EQ(testing::ReadAll(link_), "precious");
 }
 

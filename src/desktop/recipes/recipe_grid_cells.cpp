@@ -32,8 +32,8 @@ QColor Blend(const QColor& one, const QColor& other, double share) {
                           static_cast<float>(Mixed(one.blueF(), other.blueF(), share)));
 }
 
-QPalette::ColorRole BackgroundRole(CellRole manner) {
-  switch (manner) {
+QPalette::ColorRole BackgroundRole(CellRole role) {
+  switch (role) {
     case CellRole::kEntered:
       return QPalette::Base;
     case CellRole::kReadOnly:
@@ -190,20 +190,20 @@ Qt::ItemFlags RecipeGridModel::flags(const QModelIndex& index) const {
   if (!index.isValid()) {
     return Qt::NoItemFlags;
   }
-  const bool entered = ColumnRow(index.column()).manner == CellRole::kEntered && !read_only_;
+  const bool entered = ColumnRow(index.column()).role == CellRole::kEntered && !read_only_;
   return Qt::ItemIsEnabled | Qt::ItemIsSelectable |
          (entered ? Qt::ItemIsEditable : Qt::NoItemFlags);
 }
 
-RecipeCellLook LookOfCell(CellRole manner, bool current_row, const QPalette& palette) {
+RecipeCellLook LookOfCell(CellRole role, bool current_row, const QPalette& palette) {
   RecipeCellLook look{
-      .background = palette.color(BackgroundRole(manner)),
-      .text = manner == CellRole::kComputed ? QColor(Qt::blue) : palette.color(QPalette::Text)};
+      .background = palette.color(BackgroundRole(role)),
+      .text = role == CellRole::kComputed ? QColor(Qt::blue) : palette.color(QPalette::Text)};
   if (current_row) {
     look.background = Blend(look.background, palette.color(QPalette::Highlight), kTint);
   }
   look.text = Readable(look.text, look.background, kTextContrast);
-  if (manner == CellRole::kEntered) {
+  if (role == CellRole::kEntered) {
     look.frame = Blend(look.background, look.text, kFrameStrength);
   }
   return look;
@@ -217,7 +217,7 @@ QRect RecipeGridDelegate::ArrowOf(const QRect& cell) {
   return {cell.right() - kArrowWidth, cell.top(), kArrowWidth, cell.height()};
 }
 
-const RecipeCellLook& RecipeGridDelegate::Look(CellRole manner, bool current_row,
+const RecipeCellLook& RecipeGridDelegate::Look(CellRole role, bool current_row,
                                                const QPalette& palette) const {
   if (looks_of_ != palette.cacheKey()) {
     looks_of_ = palette.cacheKey();
@@ -228,14 +228,14 @@ const RecipeCellLook& RecipeGridDelegate::Look(CellRole manner, bool current_row
       }
     }
   }
-  return looks_.at(static_cast<std::size_t>(manner)).at(current_row ? 1 : 0);
+  return looks_.at(static_cast<std::size_t>(role)).at(current_row ? 1 : 0);
 }
 
 void RecipeGridDelegate::paint(QPainter* painter, const QStyleOptionViewItem& option,
                                const QModelIndex& index) const {
   const bool current_row = index.row() == current_row_;
-  const CellRole manner = ColumnRow(index.column()).manner;
-  const RecipeCellLook& look = Look(manner, current_row, option.palette);
+  const CellRole role = ColumnRow(index.column()).role;
+  const RecipeCellLook& look = Look(role, current_row, option.palette);
   painter->save();
   painter->fillRect(option.rect, look.background);
   if (look.frame.isValid()) {

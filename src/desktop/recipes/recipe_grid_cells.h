@@ -71,7 +71,7 @@ struct RecipeCellLook {
 
 // Uses only colors of the palette, except the blue of computed values. The current row is tinted
 // with the color of a selection.
-RecipeCellLook LookOfCell(CellRole manner, bool current_row, const QPalette& palette);
+RecipeCellLook LookOfCell(CellRole role, bool current_row, const QPalette& palette);
 
 // Draws the cells of `grdREC` and makes their editors.
 class RecipeGridDelegate : public QStyledItemDelegate {
@@ -108,7 +108,7 @@ class RecipeGridDelegate : public QStyledItemDelegate {
   void KeyRefused();
 
  private:
-  const RecipeCellLook& Look(CellRole manner, bool current_row, const QPalette& palette) const;
+  const RecipeCellLook& Look(CellRole role, bool current_row, const QPalette& palette) const;
   void PaintArrow(QPainter& painter, const QRect& cell, const QColor& color) const;
   QWidget* MakeNumberEditor(QWidget* parent, LineColumn column) const;
 

@@ -169,9 +169,9 @@ TEST(RecipeCellLook, EveryCellCanBeReadInALightAndADarkPalette) {
   QPalette dark(Qt::black);
   dark.setColor(QPalette::ToolTipBase, QColor(60, 60, 60));
   for (const QPalette& palette : {QPalette(QColor(240, 240, 240)), dark}) {
-    for (const CellRole manner : {CellRole::kEntered, CellRole::kReadOnly, CellRole::kComputed}) {
+    for (const CellRole role : {CellRole::kEntered, CellRole::kReadOnly, CellRole::kComputed}) {
       for (const bool current : {false, true}) {
-        const auto look = LookOfCell(manner, current, palette);
+        const auto look = LookOfCell(role, current, palette);
         EXPECT_GE(ContrastRatio(look.text, look.background), kTextContrast);
       }
     }
