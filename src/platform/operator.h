@@ -36,7 +36,8 @@ class Operator {
   // Ignores the beeper setting; see BeepIfEnabled.
   virtual void Beep() = 0;
 
-  // Turns the busy cursor on or off. Calls do not nest: one off ends every on.
+  // Called by BusyCursor. Calls nest: the busy cursor is shown until every on has its off, and not
+  // while a message is shown.
   virtual void SetBusy(bool busy) = 0;
 
   // The status line of transfers. An empty text clears it.

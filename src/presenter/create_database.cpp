@@ -140,17 +140,12 @@ class Creation {
 
   // Each step reports its own failure.
   bool MadeUserFile() {
-    operator_.SetBusy(true);
     if (wanted_.accepted) {
       wanted_.accepted();
     }
-    const bool made = identity_.SetDatabaseType(wanted_.path, words_.user_type) &&
-                      identity_.SetDatabaseUoM(wanted_.path, wanted_.unit) &&
-                      identity_.SetDatabaseDate(wanted_.path, DateSelector::kCreated);
-    if (!made) {
-      operator_.SetBusy(false);
-    }
-    return made;
+    return identity_.SetDatabaseType(wanted_.path, words_.user_type) &&
+           identity_.SetDatabaseUoM(wanted_.path, wanted_.unit) &&
+           identity_.SetDatabaseDate(wanted_.path, DateSelector::kCreated);
   }
 
   const NewDatabase& wanted_;

@@ -25,7 +25,7 @@ struct NewDatabase {
   std::filesystem::path path;               // as chosen
   std::string title;                        // the chosen file title
   std::string unit;                         // "LB" or "KG"
-  // Called when the copy has been verified, with the busy cursor shown.
+  // Called when the copy has been verified, before it is made a user's file.
   std::function<void()> accepted = {};
 };
 
@@ -37,8 +37,7 @@ bool AcceptDatabaseName(const std::string& title, Operator& op);
 // date of creation. Returns false after reporting a failure; an existing file is then unchanged.
 //
 // Sets path and name of `current` as soon as the copy exists, even if it is not a valid template,
-// and the unit only on success. On success the busy cursor is shown; the caller resets it after
-// binding its views.
+// and the unit only on success.
 bool CreateDatabase(const NewDatabase& wanted, DatabaseIdentity& identity, Operator& op,
                     CurrentDatabase& current);
 

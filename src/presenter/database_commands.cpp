@@ -3,6 +3,7 @@
 #include <array>
 #include <exception>
 #include <optional>
+#include <span>
 #include <utility>
 
 #include "base/files.h"
@@ -11,6 +12,7 @@
 #include "database/identity.h"
 #include "database/missing_records.h"
 #include "presenter/command_states.h"
+#include "presenter/operation.h"
 #include "presenter/report_failure.h"
 #include "settings/settings.h"
 
@@ -89,7 +91,6 @@ void DatabaseCommands::OrGoBack(Side& side, const std::function<void()>& body) {
       ShowPanels(side, panels);
       window_.ShowUnit(side.kind, side.bound.unit);
     }
-    services_.op.SetBusy(false);
     throw;
   }
 }
@@ -109,44 +110,48 @@ void DatabaseCommands::New(Side& side) {
     if (choice.Cancelled() || !delay_.Wait(RulesOf(side.kind).new_delay)) {
       return;
     }
+    std::optional<BusyCursor> busy;
     const NewDatabase wanted{.kind = side.kind,
                              .program_directory = services_.system.ProgramDirectory(),
                              .path = choice.path,
                              .title = choice.title,
                              .unit = services_.settings.SystemUnits(),
-                             .accepted = [&] { ShowBusyText(side, "Standby..."); }};
+                             .accepted = [&] {
+                               busy.emplace(services_.op);
+                               ShowBusyText(side, "Standby...");
+                             }};
     OrGoBack(side, [&] {
       const PanelTexts panels = side.panels;
-      if (CreateDatabase(wanted, services_.identity, services_.op, side.current)) {
-        ShowNew(side);
-      } else {
+      if (!CreateDatabase(wanted, services_.identity, services_.op, side.current)) {
         ShowPanels(side, panels);
+      } else if (ShowNew(side)) {
+        busy.reset();
+        if (RulesOf(side.kind).new_beeps) {
+          BeepIfEnabled(services_.op, services_.settings);
+        }
       }
     });
   });
 }
 
-void DatabaseCommands::ShowNew(Side& side) {
+bool DatabaseCommands::ShowNew(Side& side) {
   if (!BindOpened(side, BindUserDatabase(side.current.path, services_.identity.Wait()),
                   {.path = side.current.path,
                    .name = side.current.name,
                    .becomes_current = true,
                    .is_new = true})) {
-    return;
+    return false;
   }
   ShowPanel(side, kPanelName, side.current.name);
   ShowPanel(side, kPanelCreated, DefaultText(services_.calendar.Today()));
   ShowPanel(side, kPanelUnit, side.bound.unit);
   EnableCommands(side);
-  const KindRules& manner = RulesOf(side.kind);
-  for (const int tab : manner.tabs_of_new) {
+  const std::span<const int> tabs = RulesOf(side.kind).tabs_of_new;
+  for (const int tab : tabs) {
     commands_.TurnTab(tab, true);
   }
-  tabs_.SelectTab(manner.tabs_of_new.front());
-  services_.op.SetBusy(false);
-  if (manner.new_beeps) {
-    BeepIfEnabled(services_.op, services_.settings);
-  }
+  tabs_.SelectTab(tabs.front());
+  return true;
 }
 
 // Open.
@@ -178,9 +183,10 @@ void DatabaseCommands::Open(Side& side, FileToOpen file) {
     if (side.kind == DatabaseKind::kRecipe) {
       WarnOfMissingRecords(next, file.name);
     }
+    std::optional<BusyCursor> busy;
     OrGoBack(side, [&] {
       if (RulesOf(side.kind).open_stands_by) {
-        services_.op.SetBusy(true);
+        busy.emplace(services_.op);
         ShowBusyText(side, "Standby... Loading");
       }
       if (!BindOpened(side, std::move(next), file)) {
@@ -188,6 +194,8 @@ void DatabaseCommands::Open(Side& side, FileToOpen file) {
       }
       if (side.kind == DatabaseKind::kRecipe) {
         FinishRecipeOpen(side, file);
+        busy.reset();
+        BeepIfEnabled(services_.op, services_.settings);
       } else {
         FinishTransactionOpen(side, file);
       }
@@ -269,8 +277,6 @@ void DatabaseCommands::FinishRecipeOpen(Side& side, const FileToOpen& file) {
   EnableCommands(side);
   window_.CheckPenCapacity();
   window_.SelectPenItem(kFirstPenItem);
-  services_.op.SetBusy(false);
-  BeepIfEnabled(services_.op, services_.settings);
 }
 
 void DatabaseCommands::FinishTransactionOpen(Side& side, const FileToOpen& file) {

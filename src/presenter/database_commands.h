@@ -176,7 +176,8 @@ class DatabaseCommands {
   }
 
   void New(Side& side);
-  void ShowNew(Side& side);
+  // Returns false if another database was bound, or if the program closes.
+  bool ShowNew(Side& side);
   void Browse(Side& side);
   void Open(Side& side, FileToOpen file);
   // Returns false if nothing is to be opened. Replaces the file by its converted copy.

@@ -9,6 +9,7 @@
 #include "database/connection.h"
 #include "exchange/recipe_text.h"
 #include "link/rescue_file.h"
+#include "presenter/operation.h"
 #include "presenter/upload.h"
 #include "settings/settings.h"
 
@@ -108,7 +109,7 @@ bool DownloadPresenter::DownloadRecipeDB() {
   if (!ConfirmOverwrite("recipe data from the " + database.name + " database?")) {
     return false;
   }
-  const Hourglass hourglass(services_.op);
+  const BusyCursor busy(services_.op);
   services_.op.SetStatusColor(StatusColor::kBlue);
   services_.op.SetStatusLine("");
   return BuildFromDatabase(database) && Send();
@@ -154,7 +155,7 @@ bool DownloadPresenter::DownloadRecipeBU() {
       !HasBackupHeader(transfer_.data_window, services_.op, services_.settings)) {
     return false;
   }
-  const Hourglass hourglass(services_.op);
+  const BusyCursor busy(services_.op);
   services_.op.SetStatusColor(StatusColor::kBlue);
   services_.op.SetStatusLine("");
   return Send();

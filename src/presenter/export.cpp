@@ -7,6 +7,7 @@
 #include "feed/key_filters.h"
 #include "feed/record_fields.h"
 #include "presenter/history.h"
+#include "presenter/operation.h"
 #include "settings/data_folder.h"
 #include "settings/settings.h"
 
@@ -26,18 +27,6 @@ class Running {
 
  private:
   bool& flag_;
-};
-
-// Shows the busy cursor during its lifetime.
-class Busy {
- public:
-  explicit Busy(Operator& op) : op_(op) { op_.SetBusy(true); }
-  ~Busy() { op_.SetBusy(false); }
-  Busy(const Busy&) = delete;
-  Busy& operator=(const Busy&) = delete;
-
- private:
-  Operator& op_;
 };
 
 // Uses the two fields as typed: a name that already has an extension gets a second one.
@@ -93,7 +82,7 @@ bool ExportPresenter::RunExport() {
   }
   ExportOutcome outcome;
   {
-    const Busy busy(services_.op);
+    const BusyCursor busy(services_.op);
     outcome =
         ExportDriver(style_sheets_)
             .ExportGroup(host_.DataGroup(), form_.format, ComposePath(form_), host_.Databases());

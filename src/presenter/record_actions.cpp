@@ -5,6 +5,7 @@
 #include "feed/recipe_storage.h"
 #include "feed/record_reset.h"
 #include "feed/where_used.h"
+#include "presenter/operation.h"
 #include "settings/settings.h"
 
 namespace vrx {
@@ -62,9 +63,10 @@ ResetOutcome AskAndReset(SQLite::Database& database, RecordKind kind, int id, Se
     if (Ask(services, traits, record) != Answer::kYes) {
       return false;
     }
-    services.op.SetBusy(true);
-    const bool reset = ResetRecord(database, kind, id, services.calendar);
-    services.op.SetBusy(false);
+    const bool reset = [&] {
+      const BusyCursor busy(services.op);
+      return ResetRecord(database, kind, id, services.calendar);
+    }();
     outcome = reset ? ResetOutcome::kReset : ResetOutcome::kInUse;
     if (!reset) {
       ReportUsed(services, traits, record);
@@ -81,9 +83,8 @@ bool UpdateRecipes(SQLite::Database& database, ProgressDisplay& progress, Servic
   progress.SetProgressRange(kRecipeCount);
   std::string failures;
   const bool stored = RunFeedAction(database, services, kUpdateTitle, [&] {
-    services.op.SetBusy(true);
+    const BusyCursor busy(services.op);
     failures = RecomputeAllRecipes(database, progress, services.calendar);
-    services.op.SetBusy(false);
     return true;
   });
   progress.SetProgressMessage({});
@@ -99,9 +100,10 @@ std::vector<std::string> SearchWhereUsed(SQLite::Database& database, int ingredi
                                          Services& services) {
   std::vector<std::string> items;
   RunFeedAction(database, services, kSearchTitle, [&] {
-    services.op.SetBusy(true);
-    const std::vector<WhereUsed> found = FindWhereIngUsed(database, ingredient_id, false);
-    services.op.SetBusy(false);
+    const std::vector<WhereUsed> found = [&] {
+      const BusyCursor busy(services.op);
+      return FindWhereIngUsed(database, ingredient_id, false);
+    }();
     items.emplace_back(found.empty() ? "Not Used" : "Done!");
     for (const WhereUsed& use : found) {
       items.push_back(FormatIdPrefix(use.recipe_id) + use.recipe_name);

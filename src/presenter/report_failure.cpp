@@ -79,7 +79,6 @@ bool RunFeedAction(const SQLite::Database& database, Services& services, std::st
   try {
     return WithDatabaseErrors(database, action);
   } catch (const std::exception& failure) {
-    services.op.SetBusy(false);
     services.identity.ShowDatabaseError(FailureNumber(failure), title, failure.what());
     return false;
   }

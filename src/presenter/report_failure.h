@@ -34,7 +34,7 @@ EditEnd AskAboutEdit(Operator& op, std::string_view what, std::string cause,
 void ReportEditGivenUp(Operator& op, std::string_view what, std::string_view cause);
 
 // Runs an action of the operator and returns its result. If it throws, reports it under `title` and
-// returns false. Resets the busy cursor afterwards.
+// returns false.
 bool RunFeedAction(const SQLite::Database& database, Services& services, std::string_view title,
                    const std::function<bool()>& action);
 

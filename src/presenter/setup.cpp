@@ -11,7 +11,7 @@
 #include "base/files.h"
 #include "base/number.h"
 #include "presenter/help.h"
-#include "presenter/upload.h"
+#include "presenter/operation.h"
 
 namespace vrx {
 
@@ -111,7 +111,7 @@ std::string Lines(std::string_view connection, std::span<const std::string_view>
 // Shows the busy cursor and `lblStandby` while a command runs.
 class ModuleSetup::Work {
  public:
-  explicit Work(ModuleSetup& setup) : setup_(setup), hourglass_(setup.op_) {
+  explicit Work(ModuleSetup& setup) : setup_(setup), busy_(setup.op_) {
     setup_.running_ = true;
     setup_.standby_(true);
   }
@@ -124,7 +124,7 @@ class ModuleSetup::Work {
 
  private:
   ModuleSetup& setup_;
-  Hourglass hourglass_;
+  BusyCursor busy_;
 };
 
 ModuleSetup::ModuleSetup(KRMCOMM& krm, PrivateINI& settings, Operator& op,

@@ -5,6 +5,7 @@
 #include "base/text.h"
 #include "link/krmcomm.h"
 #include "link/rescue_file.h"
+#include "presenter/operation.h"
 #include "settings/settings.h"
 
 namespace vrx {
@@ -54,7 +55,7 @@ void Upload::ClearTab() {
 int Upload::UploadFromModule() {
   transfer_.data_window.clear();
   ReportStandby(op_);
-  const Hourglass hourglass(op_);
+  const BusyCursor busy(op_);
   if (!krm_.KRM_OnlineCheck()) {
     ModuleNotDetected();
     return 0;
@@ -127,7 +128,7 @@ int Upload::ReadDirectMemory() {
     return 0;
   }
   op_.SetStatusLine("Standby...");
-  const Hourglass hourglass(op_);
+  const BusyCursor busy(op_);
   return CutFiles("Memory read complete!", transfer_.transfer_block.size());
 }
 

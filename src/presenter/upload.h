@@ -54,18 +54,6 @@ class Upload {
   const PrivateINI& settings_;
 };
 
-// Shows the busy cursor during its lifetime.
-class Hourglass {
- public:
-  explicit Hourglass(Operator& op) : op_(op) { op_.SetBusy(true); }
-  ~Hourglass() { op_.SetBusy(false); }
-  Hourglass(const Hourglass&) = delete;
-  Hourglass& operator=(const Hourglass&) = delete;
-
- private:
-  Operator& op_;
-};
-
 // The status line of a transfer sets text and color together: blue "Standby..." at the start, blue
 // for neutral texts, green for success, red for failure.
 void ReportStandby(Operator& op);

@@ -37,12 +37,13 @@ class Create : public ::testing::TestWithParam<Words> {
 
   std::string Title(const std::string& stem) const { return stem + GetParam().extension; }
 
-  NewDatabase Wanted(const std::string& stem) const {
+  NewDatabase Wanted(const std::string& stem) {
     return {.kind = GetParam().kind,
             .program_directory = program_,
             .path = data_ / Title(stem),
             .title = Title(stem),
-            .unit = "KG"};
+            .unit = "KG",
+            .accepted = [this] { ++accepted_; }};
   }
 
   bool Run(const NewDatabase& wanted) {
@@ -62,13 +63,14 @@ class Create : public ::testing::TestWithParam<Words> {
     EXPECT_TRUE(current_.path.empty());
     EXPECT_EQ(current_.name, "");
     EXPECT_THAT(FileNames(data_), IsEmpty());
-    EXPECT_EQ(operator_.busy_changes, 0);
+    EXPECT_EQ(accepted_, 0);
   }
 
   TempFolder folder_;
   fs::path program_ = folder_ / "program";
   fs::path data_ = folder_ / "data";
   RecordingOperator operator_;
+  int accepted_ = 0;
   FixedCalendar calendar_;
   PrivateINI settings_;
   DatabaseIdentity identity_{operator_, calendar_, settings_, std::chrono::milliseconds(0)};
@@ -80,7 +82,7 @@ TEST_P(Create, MakesAUsersFileOfTheTemplate) {
   ASSERT_TRUE(Run(Wanted("yard")));
   EXPECT_THAT(operator_.boxes, IsEmpty());
   EXPECT_EQ(operator_.beeps, 0);
-  EXPECT_TRUE(operator_.busy);
+  EXPECT_EQ(accepted_, 1);
   const fs::path path = data_ / Title("yard");
   EXPECT_EQ(current_.path, path);
   EXPECT_EQ(current_.name, Title("YARD"));
@@ -166,7 +168,7 @@ TEST_P(Create, DeletesTheCopyOfAnAlteredTemplateAndKeepsThePath) {
   EXPECT_EQ(current_.path, data_ / Title("yard"));
   EXPECT_EQ(current_.name, Title("YARD"));
   EXPECT_EQ(current_.unit, "");
-  EXPECT_FALSE(operator_.busy);
+  EXPECT_EQ(accepted_, 0);
 }
 
 TEST_P(Create, RefusesTheOtherKindsTemplate) {
@@ -209,26 +211,19 @@ TEST_P(Create, ACopyThatCannotBecomeAUsersFileIsDeleted) {
                 (data_ / Title("YARD")).string() + " was not made: " + operator_.boxes[0].cause);
   EXPECT_TRUE(current_.path.empty());
   EXPECT_THAT(FileNames(data_), IsEmpty());
-  EXPECT_FALSE(operator_.busy);
   EXPECT_EQ(current_.unit, "");
 }
 
 // Fails unlike a database: with an exception that the identity routines do not catch.
-class BrokenOperator : public RecordingOperator {
- public:
-  void SetBusy(bool /*on*/) override { throw Error("the display is gone"); }
-};
-
 TEST_P(Create, AnyOtherFailureIsTrappedUnderTheRoutinesTitle) {
-  BrokenOperator broken;
-  EXPECT_FALSE(CreateDatabase(Wanted("YARD"), identity_, broken, current_));
-  ASSERT_THAT(broken.boxes, SizeIs(1));
-  EXPECT_EQ(broken.boxes[0].icon, Icon::kCritical);
-  EXPECT_EQ(broken.boxes[0].title, GetParam().kind == DatabaseKind::kRecipe
-                                       ? "New Recipe File Error"
-                                       : "New Transaction File Error");
-  EXPECT_EQ(broken.boxes[0].text, "Error: 1");
-  EXPECT_EQ(broken.boxes[0].cause, "the display is gone");
+  NewDatabase wanted = Wanted("YARD");
+  wanted.accepted = [] { throw Error("the display is gone"); };
+  EXPECT_FALSE(Run(wanted));
+  ExpectOneBox(Icon::kCritical,
+               GetParam().kind == DatabaseKind::kRecipe ? "New Recipe File Error"
+                                                        : "New Transaction File Error",
+               "Error: 1");
+  EXPECT_EQ(operator_.boxes[0].cause, "the display is gone");
   EXPECT_THAT(FileNames(data_), IsEmpty());
 }
 

@@ -46,8 +46,11 @@ class DiaryOperator : public RecordingOperator {
     RecordingOperator::Beep();
   }
   void SetBusy(bool on) override {
-    diary_.emplace_back(on ? "busy" : "ready");
+    const bool was_busy = busy;
     RecordingOperator::SetBusy(on);
+    if (busy != was_busy) {
+      diary_.emplace_back(on ? "busy" : "ready");
+    }
   }
 
  private:

@@ -21,7 +21,8 @@ Answer RecordingOperator::ShowMessage(const MessageBox& box) {
 }
 
 void RecordingOperator::SetBusy(bool on) {
-  busy = on;
+  busy_depth_ += on ? 1 : -1;
+  busy = busy_depth_ > 0;
   ++busy_changes;
 }
 

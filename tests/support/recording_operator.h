@@ -31,6 +31,9 @@ class RecordingOperator : public Operator {
 
   // The last status text; empty if there was none.
   std::string Status() const { return status_lines.empty() ? std::string() : status_lines.back(); }
+
+ private:
+  int busy_depth_ = 0;
 };
 
 }  // namespace vrx::testing

@@ -8,6 +8,7 @@
 #include <QSettings>
 #include <QSpacerItem>
 #include <memory>
+#include <utility>
 
 #include "base/application.h"
 #include "base/error.h"
@@ -120,8 +121,8 @@ std::unique_ptr<QSettings> OpenStore() {
 }  // namespace
 
 Answer QtOperator::ShowMessage(const MessageBox& box) {
-  const bool was_busy = busy_;
-  SetBusy(false);
+  const int busy = std::exchange(busy_, 0);
+  ShowCursor();
   ReleasePressedButtons();
   QMessageBox message(IconOf(box.icon),
                       ToQString(box.title.empty() ? kApplicationTitle : box.title), {},
@@ -134,17 +135,23 @@ Answer QtOperator::ShowMessage(const MessageBox& box) {
   message.setDefaultButton(DefaultOf(box));
   MakeRoomForTitle(message);
   const Answer answer = AnswerOf(message.exec(), box.buttons);
-  SetBusy(was_busy);
+  busy_ += busy;
+  ShowCursor();
   return answer;
 }
 
 void QtOperator::Beep() { QApplication::beep(); }
 
 void QtOperator::SetBusy(bool busy) {
-  if (busy == busy_) {
+  busy_ += busy ? 1 : -1;
+  ShowCursor();
+}
+
+void QtOperator::ShowCursor() {
+  const bool busy = busy_ > 0;
+  if (busy == std::exchange(busy_shown_, busy)) {
     return;
   }
-  busy_ = busy;
   if (busy) {
     QApplication::setOverrideCursor(Qt::WaitCursor);
   } else {

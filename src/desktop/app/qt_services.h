@@ -20,7 +20,7 @@ class QtOperator : public QObject, public Operator {
   Q_OBJECT
 
  public:
-  // A box without a title bears the application's. The pointer is no hourglass while it is up.
+  // A box without a title bears the application's. It suspends the busy cursor.
   Answer ShowMessage(const MessageBox& box) override;
   void Beep() override;
   void SetBusy(bool busy) override;
@@ -32,7 +32,10 @@ class QtOperator : public QObject, public Operator {
   void StatusColorChanged(vrx::StatusColor color);
 
  private:
-  bool busy_ = false;
+  void ShowCursor();
+
+  int busy_ = 0;  // calls of SetBusy that have not ended
+  bool busy_shown_ = false;
 };
 
 // Operator decorator: refreshes the page before each message.

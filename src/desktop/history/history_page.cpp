@@ -15,6 +15,7 @@
 #include "desktop/dialogs/about_and_splash.h"
 #include "desktop/main_window/panels.h"
 #include "feed/key_filters.h"
+#include "presenter/operation.h"
 #include "widgets/layout.h"
 #include "widgets/qt_text.h"
 
@@ -64,18 +65,6 @@ bool Holds(const QComboBox& list, const std::vector<std::string>& items) {
   }
   return true;
 }
-
-// Shows the busy cursor during its lifetime.
-class Busy {
- public:
-  explicit Busy(Operator& op) : op_(op) { op_.SetBusy(true); }
-  ~Busy() { op_.SetBusy(false); }
-  Busy(const Busy&) = delete;
-  Busy& operator=(const Busy&) = delete;
-
- private:
-  Operator& op_;
-};
 
 }  // namespace
 
@@ -291,7 +280,7 @@ void HistoryPage::ConnectGrid() {
 
 void HistoryPage::Run(const std::function<void(HistoryPresenter&)>& action) {
   if (view_) {
-    const Busy busy(services_.op);
+    const BusyCursor busy(services_.op);
     action(*view_);
   }
 }

@@ -11,6 +11,7 @@
 #include "desktop/print/print_dialogs.h"
 #include "desktop/recipes/recipe_lines.h"
 #include "feed/record_fields.h"
+#include "presenter/operation.h"
 #include "report/print_questions.h"
 
 namespace vrx {
@@ -88,7 +89,6 @@ void PrintCommands::PrintCurrentTab() {
                               .text = "The report could not be printed.",
                               .cause = failure.what()});
   }
-  services_.op.SetBusy(false);
   printing_ = false;
 }
 
@@ -143,7 +143,7 @@ void PrintCommands::PrintCurrentRecipe() {
 }
 
 void PrintCommands::PrintAllRecipes(SQLite::Database& recipes) {
-  services_.op.SetBusy(true);
+  std::optional<BusyCursor> busy(services_.op);
   const ScanShown scan(*window_.findChild<RecipeLines*>());
   scan.Panel().Tell(QStringLiteral("Scanning database..."));
   int count = 0;
@@ -152,7 +152,7 @@ void PrintCommands::PrintAllRecipes(SQLite::Database& recipes) {
     count += ReadRecipeLines(recipes, id).empty() ? 0 : 1;
   }
   scan.Panel().Tell(QStringLiteral("Scan done!"));
-  services_.op.SetBusy(false);
+  busy.reset();
   if (count < 1) {
     Refuse(Icon::kInformation, "There are no recipe entries to be printed.");
     return;
@@ -216,10 +216,8 @@ void PrintCommands::PrintReport(Report report) {
 }
 
 bool PrintCommands::OnPaper(PrintTarget& paper, const Job& job) {
-  services_.op.SetBusy(true);
-  const bool printed = PrintOn(paper, job);
-  services_.op.SetBusy(false);
-  return printed;
+  const BusyCursor busy(services_.op);
+  return PrintOn(paper, job);
 }
 
 bool PrintCommands::PrintPages(ReportJob& job, const Report& report) {

@@ -282,7 +282,7 @@ void RecipesPage::ShowUnit() {
 void RecipesPage::TabChanged(int /*tab*/, int /*previous*/) {
   ++visit_;
   if (std::exchange(preparing_, false)) {
-    services_.op.SetBusy(false);
+    busy_.reset();
   }
   head_->ShowMustTotal100(false);
 }
@@ -300,10 +300,14 @@ void RecipesPage::Prepare() {
   preparing_ = true;
   head_->HideInputs();
   lines_->HideGrid();
-  if (!Waited(kHiddenDelay)) {
-    return;
+  if (Waited(kHiddenDelay)) {
+    busy_.emplace(services_.op);
+    ShowFirstRecipe();
+    busy_.reset();
   }
-  services_.op.SetBusy(true);
+}
+
+void RecipesPage::ShowFirstRecipe() {
   if (!Waited(kPrintDelay)) {
     return;
   }
@@ -314,7 +318,6 @@ void RecipesPage::Prepare() {
   preparing_ = false;
   Select(1, MayStay::kNo);
   Waited(kShownDelay);
-  services_.op.SetBusy(false);
 }
 
 // A click into a field while the tab was being prepared keeps the focus there.

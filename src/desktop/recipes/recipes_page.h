@@ -2,6 +2,7 @@
 
 #include <functional>
 #include <memory>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -12,6 +13,7 @@
 #include "desktop/records/edit_gate.h"
 #include "desktop/records/record_page.h"
 #include "feed/recipe_editor.h"
+#include "presenter/operation.h"
 
 namespace vrx {
 
@@ -98,6 +100,7 @@ class RecipesPage final : public RecordPage, private RecipeGridEvents {
   bool ComeTo(int id, MayStay may_stay);
   bool Select(int id, MayStay may_stay);
   void CommitPending();
+  void ShowFirstRecipe();
   void ReadIngredients();
   // The file is read-only for that reason, or writable for an empty one.
   void CloseFields(const QString& reason);
@@ -138,7 +141,8 @@ class RecipesPage final : public RecordPage, private RecipeGridEvents {
   bool discarding_ = false;               // the edit of a cell is given up by the operator
   bool ended_ = false;                    // no edit of this database is stored any more
   bool preparing_ = false;
-  int visit_ = 0;  // of a tab; another one ends what waits
+  std::optional<BusyCursor> busy_;  // while the tab is being prepared
+  int visit_ = 0;                   // of a tab; another one ends what waits
   EditGate gate_;
   RecipeHead* head_;
   RecipeLines* lines_;

@@ -8,6 +8,7 @@
 #include "desktop/app/captions.h"
 #include "feed/record_commit.h"
 #include "feed/where_used.h"
+#include "presenter/operation.h"
 #include "presenter/record_actions.h"
 #include "presenter/report_failure.h"
 #include "widgets/fields.h"
@@ -152,7 +153,7 @@ bool IngredientsPage::eventFilter(QObject* watched, QEvent* event) {
 
 // Finishes pending work in the window before reading the lists.
 void IngredientsPage::LoadIdLists() {
-  GetServices().op.SetBusy(true);
+  const BusyCursor busy(GetServices().op);
   Grid().hide();
   if (delay_.Wait(kLoadDelay)) {
     RecordFormPage::LoadIdLists();

@@ -135,14 +135,15 @@ TEST_F(OperatorBoxes, ClosedIsTheRefusingAnswer) {
   EXPECT_EQ(AnswerWhenClosed(Buttons::kYesNo), Answer::kNo);
 }
 
-TEST_F(OperatorBoxes, BusyCursorIsNotCounted) {
+TEST_F(OperatorBoxes, BusyCursorsNest) {
   op.SetBusy(true);
   op.SetBusy(true);
   ASSERT_NE(QApplication::overrideCursor(), nullptr);
   EXPECT_EQ(QApplication::overrideCursor()->shape(), Qt::WaitCursor);
   op.SetBusy(false);
-  EXPECT_EQ(QApplication::overrideCursor(), nullptr);
+  EXPECT_NE(QApplication::overrideCursor(), nullptr);
   op.SetBusy(false);
+  EXPECT_EQ(QApplication::overrideCursor(), nullptr);
 }
 
 TEST_F(OperatorBoxes, ABoxSuspendsTheBusyCursor) {
