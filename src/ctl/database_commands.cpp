@@ -1,7 +1,6 @@
 #include <algorithm>
 #include <array>
 #include <cstdint>
-#include <exception>
 #include <filesystem>
 #include <optional>
 #include <ostream>
@@ -27,6 +26,7 @@
 #include "legacy/convert.h"
 #include "presenter/create_database.h"
 #include "presenter/legacy_conversion.h"
+#include "presenter/report_failure.h"
 #include "settings/settings.h"
 
 namespace vrx {
@@ -102,32 +102,31 @@ class ConvertCommand : public Command {
   }
 
   int Run(Session& session) override {
-    try {
-      const InterruptFlag stop;
-      const ConversionReport report = ConvertLegacyDatabase(
-          {.old_file = old_,
-           .new_file = new_,
-           .program_directory = session.Context().system.ProgramDirectory(),
-           .default_unit = session.Settings().SystemUnits()},
-          session.GetServices().programs, session.Progress(), [&stop] { return !stop.Raised(); });
-      session.Progress().Clear();
-      if (output_.Form() == OutputForm::kJson) {
-        WriteObject(session.Out(), OutputForm::kJson, Describe(report));
-      } else {
-        session.Out() << ReportText(report);
-      }
-      return kDone;
-    } catch (const DatabaseError& failure) {
-      session.Identity().ShowDatabaseError(failure.Number(), kConversionErrorTitle, failure.what());
-    } catch (const Error& failure) {
-      session.Op().ShowMessage({.icon = Icon::kCritical,
-                                .title = std::string(kConversionErrorTitle),
-                                .text = failure.what()});
-    }
-    return kFailed;
+    const auto report = [](const Error& failure) -> FailureReport {
+      return {
+          .title = kConversionErrorTitle,
+          .text = IsDatabaseError(failure) ? FailureText::kDatabaseWords : FailureText::kMessage};
+    };
+    return RunReported<Error>(session.Op(), report, [&] { Convert(session); }) ? kDone : kFailed;
   }
 
  private:
+  void Convert(Session& session) const {
+    const InterruptFlag stop;
+    const ConversionReport report = ConvertLegacyDatabase(
+        {.old_file = old_,
+         .new_file = new_,
+         .program_directory = session.Context().system.ProgramDirectory(),
+         .default_unit = session.Settings().SystemUnits()},
+        session.GetServices().programs, session.Progress(), [&stop] { return !stop.Raised(); });
+    session.Progress().Clear();
+    if (output_.Form() == OutputForm::kJson) {
+      WriteObject(session.Out(), OutputForm::kJson, Describe(report));
+    } else {
+      session.Out() << ReportText(report);
+    }
+  }
+
   std::string old_;
   std::string new_;
   OutputOptions output_;

@@ -25,6 +25,7 @@
 #include "history/data_group.h"
 #include "history/history_grid.h"
 #include "presenter/export.h"
+#include "presenter/report_failure.h"
 #include "settings/data_folder.h"
 
 namespace vrx {
@@ -170,10 +171,9 @@ class ExportCommand : public Command {
 
   int Run(Session& session) override {
     return source_.Run(session, [&](const HistoryGrid& grid) {
-      return TrapExportError(session.Op(), session.Settings(),
-                             [&] { return Export(session, grid); })
-                 ? kDone
-                 : kFailed;
+      const bool done = RunReported(session.Op(), ExportFailure(session.Settings()),
+                                    [&] { return Export(session, grid); });
+      return done ? kDone : kFailed;
     });
   }
 

@@ -18,6 +18,7 @@
 #include "database/identity.h"
 #include "database/keep_database.h"
 #include "feed/record_fields.h"
+#include "presenter/report_failure.h"
 #include "report/print_questions.h"
 #include "report/print_target.h"
 #include "report/reports.h"
@@ -47,6 +48,15 @@ std::vector<CurrentRecipe> RecipesToPrint(SQLite::Database& database, bool all) 
     }
   }
   return recipes;
+}
+
+FailureReport PrintFailure(const Error& failure) {
+  if (dynamic_cast<const DatabaseInTheWay*>(&failure) != nullptr) {
+    return {.title = kPrintError, .text = FailureText::kMessage, .icon = Icon::kWarning};
+  }
+  return {.title = kPrintError,
+          .text = FailureText::kWords,
+          .words = "The report could not be printed."};
 }
 
 std::string FullPath(const std::string& path) {
@@ -184,22 +194,15 @@ class PrintCommand : public Command {
 
   int Print(Session& session, std::vector<Report>& reports) const {
     session.Context().start_drawing();
-    try {
+    const bool printed = RunReported<Error>(session.Op(), PrintFailure, [&] {
       const std::unique_ptr<PrintTarget> paper = MakePdfFile(pdf_, "VRX-2260 report");
       if (!MayPrint(reports, paper->Device(), session.Op())) {
-        return kFailed;
+        return false;
       }
       PrintOn(*paper, [&](ReportJob& job) { return PrintAll(session, job, reports); });
-    } catch (const DatabaseInTheWay& failure) {
-      return Refuse(session, Icon::kWarning, failure.what());
-    } catch (const Error& failure) {
-      session.Op().ShowMessage({.icon = Icon::kCritical,
-                                .title = std::string(kPrintError),
-                                .text = "The report could not be printed.",
-                                .cause = failure.what()});
-      return kFailed;
-    }
-    return kDone;
+      return true;
+    });
+    return printed ? kDone : kFailed;
   }
 
   static bool PrintAll(Session& session, ReportJob& job, const std::vector<Report>& reports) {

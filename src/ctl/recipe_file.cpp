@@ -8,6 +8,7 @@
 #include "database/identity.h"
 #include "feed/record_commit.h"
 #include "feed/record_fields.h"
+#include "presenter/report_failure.h"
 
 namespace vrx {
 namespace {
@@ -32,20 +33,17 @@ int EditRecipeFile(Session& session, const std::string& file, std::string_view r
     return kFailed;
   }
   return session.OnDatabase(file, DatabaseKind::kRecipe, [&] {
-    try {
+    const FailureReport refusal{.title = refusal_title, .text = FailureText::kMessage};
+    const bool done = RunReported<FieldRefusal>(session.Op(), refusal, [&] {
       const EditOutcome outcome = EditInOneTransaction(session, file, edit);
-      if (!outcome.done) {
-        return kFailed;
+      if (outcome.done) {
+        for (const std::string& note : outcome.notes) {
+          session.Op().ShowNote(note);
+        }
       }
-      for (const std::string& note : outcome.notes) {
-        session.Op().ShowNote(note);
-      }
-    } catch (const FieldRefusal& refusal) {
-      session.Op().ShowMessage(
-          {.icon = Icon::kCritical, .title = std::string(refusal_title), .text = refusal.what()});
-      return kFailed;
-    }
-    return kDone;
+      return outcome.done;
+    });
+    return done ? kDone : kFailed;
   });
 }
 

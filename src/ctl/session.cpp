@@ -8,13 +8,12 @@
 #include <thread>
 #include <utility>
 
-#include <SQLiteCpp/Exception.h>
-
 #include "base/files.h"
 #include "base/text.h"
 #include "ctl/command.h"
 #include "database/connection.h"
 #include "database/identity.h"
+#include "presenter/report_failure.h"
 
 namespace vrx {
 
@@ -333,17 +332,11 @@ bool Session::AcceptsType(const fs::path& path, DatabaseKind kind, const std::st
 }
 
 int Session::OnDatabase(const fs::path& path, DatabaseKind kind, const std::function<int()>& work) {
-  const auto report = [&](const DatabaseError& error) {
-    Identity().ShowDatabaseError(error.Number(), TextsOf(kind).open_failure, error.what());
-    return kFailed;
-  };
-  try {
-    return work();
-  } catch (const DatabaseError& error) {
-    return report(error);
-  } catch (const SQLite::Exception& error) {
-    return report(TranslateSqliteError(error, path));
-  }
+  int code = kFailed;
+  RunReported<DatabaseError>(
+      operator_, {.title = TextsOf(kind).open_failure, .text = FailureText::kDatabaseWords},
+      [&] { code = WithDatabaseErrors(path, work); });
+  return code;
 }
 
 DatabaseKind KindOfExtension(const fs::path& path) {

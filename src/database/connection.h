@@ -46,6 +46,14 @@ class DatabaseError : public Error {
 
 // Runs `body` and turns an SQLite::Exception into a DatabaseError that names the file.
 template <typename Body>
+decltype(auto) WithDatabaseErrors(const std::filesystem::path& file, Body&& body) {
+  try {
+    return std::forward<Body>(body)();
+  } catch (const SQLite::Exception& error) {
+    throw TranslateSqliteError(error, file);
+  }
+}
+template <typename Body>
 decltype(auto) WithDatabaseErrors(const SQLite::Database& database, Body&& body) {
   try {
     return std::forward<Body>(body)();

@@ -1,6 +1,5 @@
 #include "presenter/create_database.h"
 
-#include <exception>
 #include <initializer_list>
 #include <string_view>
 #include <system_error>
@@ -170,12 +169,8 @@ bool AcceptDatabaseName(const std::string& title, Operator& op) {
 
 bool CreateDatabase(const NewDatabase& wanted, DatabaseIdentity& identity, Operator& op,
                     CurrentDatabase& current) {
-  try {
-    return Creation(wanted, identity, op, current).Run();
-  } catch (const std::exception& failure) {
-    ReportFailure(op, TextsOf(wanted.kind).new_failure, failure);
-    return false;
-  }
+  return RunReported(op, {.title = TextsOf(wanted.kind).new_failure},
+                     [&] { return Creation(wanted, identity, op, current).Run(); });
 }
 
 }  // namespace vrx

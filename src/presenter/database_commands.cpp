@@ -1,7 +1,6 @@
 #include "presenter/database_commands.h"
 
 #include <array>
-#include <exception>
 #include <optional>
 #include <span>
 #include <utility>
@@ -70,14 +69,6 @@ bool DatabaseCommands::IsOpen(DatabaseKind kind) const {
   return bound.connection != nullptr && !bound.blank;
 }
 
-void DatabaseCommands::Trapped(std::string_view title, const std::function<void()>& body) {
-  try {
-    body();
-  } catch (const std::exception& failure) {
-    ReportFailure(services_.op, title, failure);
-  }
-}
-
 void DatabaseCommands::OrGoBack(Side& side, const std::function<void()>& body) {
   const SQLite::Database* const connection = side.bound.connection.get();
   const CurrentDatabase current = side.current;
@@ -99,7 +90,7 @@ void DatabaseCommands::OrGoBack(Side& side, const std::function<void()>& body) {
 
 void DatabaseCommands::New(Side& side) {
   const KindTexts& words = TextsOf(side.kind);
-  Trapped(words.new_failure, [&] {
+  RunReported(services_.op, {.title = words.new_failure}, [&] {
     GoToTransferTab(side);
     const FileChoice choice =
         services_.files.ShowSave({.title = std::string(words.new_dialog_title),
@@ -158,7 +149,7 @@ bool DatabaseCommands::ShowNew(Side& side) {
 
 void DatabaseCommands::Browse(Side& side) {
   const KindTexts& words = TextsOf(side.kind);
-  Trapped(words.open_failure, [&] {
+  RunReported(services_.op, {.title = words.open_failure}, [&] {
     GoToTransferTab(side);
     const FileChoice choice =
         services_.files.ShowOpen({.title = std::string(words.open_dialog_title),
@@ -175,7 +166,7 @@ void DatabaseCommands::Browse(Side& side) {
 }
 
 void DatabaseCommands::Open(Side& side, FileToOpen file) {
-  Trapped(TextsOf(side.kind).open_failure, [&] {
+  RunReported(services_.op, {.title = TextsOf(side.kind).open_failure}, [&] {
     if (!delay_.Wait(kOpenDelay) || !ConvertIfLegacy(side, file) || !IsUserDatabase(side, file)) {
       return;
     }

@@ -211,9 +211,6 @@ class DatabaseCommands {
   void EnableCommands(const Side& side);
   void DisableCommands(const Side& side);
 
-  // Reports an exception of `body` under that title.
-  void Trapped(std::string_view title, const std::function<void()>& body);
-
   Services& services_;
   GeneralDelay& delay_;
   CommandStates& commands_;

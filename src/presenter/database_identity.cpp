@@ -14,6 +14,7 @@
 #include "base/text.h"
 #include "database/connection.h"
 #include "database/identity.h"
+#include "presenter/report_failure.h"
 #include "settings/settings.h"
 
 namespace vrx {
@@ -28,7 +29,7 @@ constexpr std::array kTypes{kNulRecipeDb, kNulTransDb, kUserRecipeDb, kUserTrans
 
 std::string DatabaseIdentity::GetDatabaseType(const fs::path& path) {
   std::string type;
-  Trapped("Database-Type Error", [&] {
+  Run("Database-Type Error", [&] {
     SQLite::Database database = OpenDatabase(path, Access::kRead, lock_wait_);
     type = ReadField(database, kTypeField).value_or("");
   });
@@ -36,7 +37,7 @@ std::string DatabaseIdentity::GetDatabaseType(const fs::path& path) {
 }
 
 bool DatabaseIdentity::SetDatabaseType(const fs::path& path, std::string_view type) {
-  return Trapped("Set Database-Type Error", [&] {
+  return Run("Set Database-Type Error", [&] {
     SQLite::Database database = OpenDatabase(path, Access::kWrite, lock_wait_);
     WriteField(database, kTypeField, type);
   });
@@ -44,7 +45,7 @@ bool DatabaseIdentity::SetDatabaseType(const fs::path& path, std::string_view ty
 
 std::optional<Date> DatabaseIdentity::GetDatabaseDate(const fs::path& path, DateSelector selector) {
   std::optional<Date> date;
-  Trapped("Database Date Read Error", [&] {
+  Run("Database Date Read Error", [&] {
     SQLite::Database database = OpenDatabase(path, Access::kRead, lock_wait_);
     date = ReadDateField(database, DateField(selector));
   });
@@ -52,7 +53,7 @@ std::optional<Date> DatabaseIdentity::GetDatabaseDate(const fs::path& path, Date
 }
 
 bool DatabaseIdentity::SetDatabaseDate(const fs::path& path, DateSelector selector) {
-  return Trapped("Database Date Write Error", [&] {
+  return Run("Database Date Write Error", [&] {
     const std::string today = StoredText(calendar_.Today());
     SQLite::Database database = OpenDatabase(path, Access::kWrite, lock_wait_);
     WriteField(database, DateField(selector), today);
@@ -60,14 +61,14 @@ bool DatabaseIdentity::SetDatabaseDate(const fs::path& path, DateSelector select
 }
 
 bool DatabaseIdentity::SetDatabaseUoM(const fs::path& path, std::string_view unit) {
-  return Trapped("Database UoM Write Error", [&] {
+  return Run("Database UoM Write Error", [&] {
     SQLite::Database database = OpenDatabase(path, Access::kWrite, lock_wait_);
     WriteField(database, kUnitField, unit);
   });
 }
 
 bool DatabaseIdentity::SetDatabaseUoM(SQLite::Database& database, std::string_view unit) {
-  return Trapped("Database UoM Write Error", [&] {
+  return Run("Database UoM Write Error", [&] {
     WithDatabaseErrors(database, [&] {
       SQLite::Transaction transaction(database, SQLite::TransactionBehavior::IMMEDIATE);
       WriteField(database, kUnitField, unit);
@@ -81,24 +82,13 @@ void DatabaseIdentity::DateChange(SQLite::Database& database) const {
   TouchDatabase(database, calendar_);
 }
 
-void DatabaseIdentity::ShowDatabaseError(int number, std::string_view title,
-                                         std::string_view cause) {
-  operator_.ShowMessage({.icon = Icon::kCritical,
-                         .title = std::string(title),
-                         .text = DatabaseErrorText(number),
-                         .cause = std::string(cause)});
-}
-
-bool DatabaseIdentity::Trapped(std::string_view title, const std::function<void()>& body) {
-  try {
-    body();
-    return true;
-  } catch (const std::exception& failure) {
+bool DatabaseIdentity::Run(std::string_view title, const std::function<void()>& body) {
+  const auto report = [&](const std::exception& failure) -> FailureReport {
     failure_cause_ = failure.what();
-    BeepIfEnabled(operator_, settings_);
-    ShowDatabaseError(FailureNumber(failure), title, failure.what());
-    return false;
-  }
+    return {
+        .title = title, .text = FailureText::kDatabaseWords, .beeps = settings_.EnableBeeperOn()};
+  };
+  return RunReported(operator_, report, body);
 }
 
 }  // namespace vrx

@@ -49,12 +49,9 @@ class DatabaseIdentity {
   // The cause of the failure that was reported last; empty before the first one.
   const std::string& FailureCause() const { return failure_cause_; }
 
-  // Shows a critical message with the text of that error number and `cause`.
-  void ShowDatabaseError(int number, std::string_view title, std::string_view cause = {});
-
  private:
   // Returns false if `body` threw, after reporting it under the title.
-  bool Trapped(std::string_view title, const std::function<void()>& body);
+  bool Run(std::string_view title, const std::function<void()>& body);
 
   Operator& operator_;
   const Calendar& calendar_;

@@ -10,6 +10,7 @@
 #include "exchange/recipe_text.h"
 #include "link/rescue_file.h"
 #include "presenter/operation.h"
+#include "presenter/report_failure.h"
 #include "presenter/upload.h"
 #include "settings/settings.h"
 
@@ -193,39 +194,35 @@ void DownloadPresenter::AppendToWindow(std::string_view line) {
 bool DownloadPresenter::BuildFromDatabase(const CurrentDatabase& database) {
   transfer_.data_window.clear();
   AppendToWindow("Building recipe file to download:");
-  try {
+  const FailureReport database_failure{.title = kDatabaseFileError,
+                                       .text = FailureText::kDatabaseWords,
+                                       .beeps = services_.settings.EnableBeeperOn()};
+  const FailureReport text_failure{.title = kDatabaseFileError,
+                                   .text = FailureText::kMessage,
+                                   .words = "\r\nNothing was downloaded.",
+                                   .beeps = services_.settings.EnableBeeperOn()};
+  const auto build = [&] {
     RecipeDownload download = TakeRecipeDownload(
         database.path, services_.settings.BatchTargetWtIsRecTargetOn(), services_.calendar,
         [this](std::string_view line) { AppendToWindow(line); }, services_.identity.Wait());
     host_.RecipesStored(download.highest_in_use);
     ShowInWindow(std::move(download.text));
-    return true;
-  } catch (const DatabaseError& error) {
-    BeepIfEnabled(services_.op, services_.settings);
-    services_.identity.ShowDatabaseError(error.Number(), kDatabaseFileError, error.what());
-  } catch (const RecipeTextError& error) {
-    BeepIfEnabled(services_.op, services_.settings);
-    services_.op.ShowMessage({.icon = Icon::kCritical,
-                              .title = std::string(kDatabaseFileError),
-                              .text = std::string(error.what()) + "\r\nNothing was downloaded."});
-  }
-  return false;
+  };
+  return RunReported<DatabaseError>(services_.op, database_failure, [&] {
+    return RunReported<RecipeTextError>(services_.op, text_failure, build);
+  });
 }
 
 bool DownloadPresenter::LoadBackup(const std::string& path) {
-  try {
-    ShowInWindow(ReadRecipeBackup(path));
-    return true;
-  } catch (const FileError& error) {
-    // Otherwise the text of an earlier file would be mistaken for this one.
-    transfer_.data_window.clear();
-    BeepIfEnabled(services_.op, services_.settings);
-    services_.op.ShowMessage({.icon = Icon::kWarning,
-                              .title = std::string(kBackupFileError),
-                              .text = "The Recipe backup-file cannot be read.",
-                              .cause = error.what()});
-    return false;
-  }
+  // The text of an earlier file must not be mistaken for this one.
+  transfer_.data_window.clear();
+  return RunReported<FileError>(services_.op,
+                                {.title = kBackupFileError,
+                                 .text = FailureText::kWords,
+                                 .words = "The Recipe backup-file cannot be read.",
+                                 .icon = Icon::kWarning,
+                                 .beeps = services_.settings.EnableBeeperOn()},
+                                [&] { ShowInWindow(ReadRecipeBackup(path)); });
 }
 
 LineGuard::Claim DownloadPresenter::TakeLine() {

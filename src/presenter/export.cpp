@@ -1,6 +1,5 @@
 #include "presenter/export.h"
 
-#include <exception>
 #include <filesystem>
 
 #include "base/text.h"
@@ -56,8 +55,8 @@ void ExportPresenter::ClickExport() {
     return;
   }
   const Running running(running_);
-  TrapExportError(services_.op, services_.settings,
-                  [&] { return ValidateExportInput() && RunExport(); });
+  RunReported(services_.op, ExportFailure(services_.settings),
+              [this] { return ValidateExportInput() && RunExport(); });
 }
 
 bool ExportPresenter::ValidateExportInput() {
@@ -146,7 +145,7 @@ ExportSource Current(HistoryPresenter& view) {
 }
 
 void ShowExportMessage(Operator& op, Icon icon, std::string_view text) {
-  op.ShowMessage({.icon = icon, .title = "Export", .text = std::string(text)});
+  op.ShowMessage({.icon = icon, .title = std::string(kExportTitle), .text = std::string(text)});
 }
 
 bool HasDataToExport(Operator& op, const HistoryGrid& grid) {
@@ -167,15 +166,8 @@ void ReportExportOutcome(Operator& op, const ExportOutcome& outcome) {
   }
 }
 
-bool TrapExportError(Operator& op, const PrivateINI& settings,
-                     const std::function<bool()>& action) {
-  try {
-    return action();
-  } catch (const std::exception& failure) {
-    BeepIfEnabled(op, settings);
-    ShowExportMessage(op, Icon::kCritical, failure.what());
-    return false;
-  }
+FailureReport ExportFailure(const PrivateINI& settings) {
+  return {.title = kExportTitle, .text = FailureText::kMessage, .beeps = settings.EnableBeeperOn()};
 }
 
 }  // namespace vrx

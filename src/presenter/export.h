@@ -1,12 +1,12 @@
 #pragma once
 
-#include <functional>
 #include <string>
 #include <string_view>
 
 #include "database/open_databases.h"
 #include "export/export_driver.h"
 #include "platform/operator.h"
+#include "presenter/report_failure.h"
 #include "presenter/services.h"
 
 namespace vrx {
@@ -89,9 +89,9 @@ class ExportPresenter {
 // The data group of the `Batched/Fed` tab. Valid until another event runs.
 ExportSource Current(HistoryPresenter& view);
 
-class PrivateINI;
-
 // The messages of an export, in a window and on the command line.
+
+inline constexpr std::string_view kExportTitle = "Export";
 
 void ShowExportMessage(Operator& op, Icon icon, std::string_view text);
 
@@ -100,7 +100,7 @@ bool HasDataToExport(Operator& op, const HistoryGrid& grid);
 
 void ReportExportOutcome(Operator& op, const ExportOutcome& outcome);
 
-// Returns the result of `action`. If it throws, beeps, reports it and returns false.
-bool TrapExportError(Operator& op, const PrivateINI& settings, const std::function<bool()>& action);
+// How an exception of an export is reported.
+FailureReport ExportFailure(const PrivateINI& settings);
 
 }  // namespace vrx

@@ -10,6 +10,7 @@
 
 #include "database/connection.h"
 #include "database/records.h"
+#include "presenter/report_failure.h"
 
 namespace vrx {
 
@@ -46,7 +47,8 @@ std::size_t CacheOf(std::string_view column) {
   return static_cast<std::size_t>(place - kColumns.begin());
 }
 
-constexpr std::string_view kFailureTitle = "Transaction Data Error";
+constexpr FailureReport kFailure{.title = "Transaction Data Error",
+                                 .text = FailureText::kDatabaseWords};
 
 }  // namespace
 
@@ -181,7 +183,7 @@ void HistoryPresenter::SelectGroup(int index) {
   group_index_ = index;
   const NamePickerState picker_before = picker_.State();
   const bool refused = !group->named_column.empty() && recipes_ == nullptr;
-  const bool done = Trapped([&] {
+  const bool done = RunReported(services_.op, kFailure, [&] {
     grid_.RefreshIngredientColumns(IngredientGridRows(recipes_));
     if (refused) {
       Refuse(group->named_column);
@@ -197,7 +199,7 @@ void HistoryPresenter::SelectGroup(int index) {
   }
   previous_group_index_ = group_index_;
   if (done) {
-    Trapped([this] { grid_.ApplyExpandState(expand_all_); });
+    RunReported(services_.op, kFailure, [this] { grid_.ApplyExpandState(expand_all_); });
   } else {
     picker_.SetState(picker_before);
   }
@@ -265,18 +267,8 @@ void HistoryPresenter::TabEntered() {
   });
 }
 
-bool HistoryPresenter::Trapped(const std::function<void()>& action) {
-  try {
-    action();
-    return true;
-  } catch (const std::exception& failure) {
-    ReportFailure(failure);
-    return false;
-  }
-}
-
-void HistoryPresenter::ReportFailure(const std::exception& failure) {
-  services_.identity.ShowDatabaseError(FailureNumber(failure), kFailureTitle, failure.what());
+void HistoryPresenter::ReportFailure(const std::exception_ptr& failure) {
+  RunReported(services_.op, kFailure, [&] { std::rethrow_exception(failure); });
 }
 
 void HistoryPresenter::Refuse(std::string_view column) {
@@ -316,7 +308,7 @@ void HistoryPresenter::ShowGridVisible(bool visible) {
 }
 
 void HistoryPresenter::Act(const std::function<void()>& action) {
-  Trapped(action);
+  RunReported(services_.op, kFailure, action);
   screen_.HistoryChanged(HistoryPart::kGrid);
 }
 

@@ -137,7 +137,7 @@ class HistoryPresenter {
   void TabEntered();
 
   // Reports a failure of reading Grid().
-  void ReportFailure(const std::exception& failure);
+  void ReportFailure(const std::exception_ptr& failure);
 
   // False while a group is being set up and `grdTRANS` is hidden.
   bool GridVisible() const { return grid_visible_; }
@@ -145,7 +145,6 @@ class HistoryPresenter {
   HistoryGrid& Grid() { return grid_; }
 
  private:
-  bool Trapped(const std::function<void()>& action);
   void Refuse(std::string_view column);
   void SetUp(const DataGroup& group, const std::function<bool()>& wanted);
   std::vector<IngredientRecord> IngredientGridRows(SQLite::Database* recipes) const;

@@ -9,6 +9,7 @@
 #include "exchange/imported_data.h"
 #include "exchange/unread_feeds.h"
 #include "presenter/database_identity.h"
+#include "presenter/report_failure.h"
 #include "settings/settings.h"
 
 namespace vrx {
@@ -118,15 +119,14 @@ void ImportPresenter::ConfigureImportColumns() {
   for (int ingredient = 1; ingredient <= kIngredientCount; ++ingredient) {
     column_of(ingredient) = {};
   }
-  try {
-    for (const IngredientRecord& record : host_.GridIngredients()) {
-      if (record.id >= 1 && record.id <= kIngredientCount) {
-        column_of(record.id).caption = UnicodeUpperCase(record.name);
-      }
-    }
-  } catch (const DatabaseError& error) {
-    services_.identity.ShowDatabaseError(error.Number(), kImportErrorTitle, error.what());
-  }
+  RunReported<DatabaseError>(
+      services_.op, {.title = kImportErrorTitle, .text = FailureText::kDatabaseWords}, [&] {
+        for (const IngredientRecord& record : host_.GridIngredients()) {
+          if (record.id >= 1 && record.id <= kIngredientCount) {
+            column_of(record.id).caption = UnicodeUpperCase(record.name);
+          }
+        }
+      });
   for (int ingredient = 1; ingredient <= kIngredientCount; ++ingredient) {
     column_of(ingredient).visible = !column_of(ingredient).caption.empty();
   }

@@ -29,6 +29,14 @@ JetFileKind KindOfFile(const fs::path& path) {
   }
 }
 
+FailureReport ConversionFailure(const std::exception& failure) {
+  if (dynamic_cast<const ConversionStopped*>(&failure) != nullptr) {
+    return kNoReport;
+  }
+  return {.title = kConversionErrorTitle,
+          .text = IsDatabaseError(failure) ? FailureText::kErrorNumber : FailureText::kMessage};
+}
+
 // Shows the progress dialog during its lifetime.
 class Progress {
  public:
@@ -96,7 +104,7 @@ std::optional<fs::path> ConversionOffer::AskCopy(DatabaseKind kind) {
 
 bool ConversionOffer::Convert(DatabaseKind kind, const fs::path& old_file, const fs::path& copy) {
   ConversionReport report;
-  try {
+  const bool converted = RunReported(services_.op, ConversionFailure, [&] {
     const Progress progress(display_);
     report = ConvertLegacyDatabase({.old_file = old_file,
                                     .new_file = copy,
@@ -107,13 +115,8 @@ bool ConversionOffer::Convert(DatabaseKind kind, const fs::path& old_file, const
                                      services_.pump.Pump(Milliseconds{0});
                                      return !services_.pump.Closing() && !display_.Cancelled();
                                    });
-  } catch (const ConversionStopped&) {
-    return false;
-  } catch (const DatabaseError& failure) {
-    ReportFailure(services_.op, kConversionErrorTitle, failure);
-    return false;
-  } catch (const std::exception& failure) {
-    Refuse(failure.what());
+  });
+  if (!converted) {
     return false;
   }
   display_.ShowReport(ReportText(report), copy.stem().string() + ".TXT");

@@ -1,6 +1,5 @@
 // Close, Save and Save As, and the question about an open database's unit.
 
-#include <exception>
 #include <system_error>
 #include <utility>
 
@@ -33,22 +32,22 @@ std::string UnitQuestion(const BoundDatabase& database, const std::string& syste
 
 // Completes even after a failure, so that the side is not left half open.
 void DatabaseCommands::Close(Side& side) {
-  const std::string_view title = TextsOf(side.kind).close_failure;
+  const FailureReport report{.title = TextsOf(side.kind).close_failure};
   side.current = {};
-  Trapped(title, [&] { BindBlank(side); });
+  RunReported(services_.op, report, [&] { BindBlank(side); });
   ClearPanels(side, {kPanelName, kPanelUnit, kPanelCreated, kPanelModified});
   window_.ShowUnit(side.kind, side.bound.unit);
   DisableCommands(side);
-  Trapped(title, [&] { tabs_.SelectTab(kTabDataTransfer); });
+  RunReported(services_.op, report, [&] { tabs_.SelectTab(kTabDataTransfer); });
 }
 
 void DatabaseCommands::BindBlank(Side& side) {
-  try {
+  const KindTexts& words = TextsOf(side.kind);
+  const bool bound = RunReported(services_.op, {.title = words.close_failure}, [&] {
     const fs::path directory = services_.system.ProgramDirectory();
-    Bind(side, BindBlankTemplate(directory / TextsOf(side.kind).template_name,
-                                 services_.identity.Wait()));
-  } catch (const std::exception& failure) {
-    ReportFailure(services_.op, TextsOf(side.kind).close_failure, failure);
+    Bind(side, BindBlankTemplate(directory / words.template_name, services_.identity.Wait()));
+  });
+  if (!bound) {
     Bind(side, BindBlankInMemory(side.kind));
   }
 }
@@ -76,7 +75,7 @@ void DatabaseCommands::Save(Side& side) {
 bool DatabaseCommands::AskSaveAs(Side& side) {
   const KindTexts& words = TextsOf(side.kind);
   bool chosen = false;
-  Trapped(words.save_as_failure, [&] {
+  RunReported(services_.op, {.title = words.save_as_failure}, [&] {
     const FileChoice choice =
         services_.files.ShowSave({.title = std::string(words.save_as_dialog_title),
                                   .filter = std::string(words.filter).append(kAllFiles),
@@ -98,7 +97,7 @@ void DatabaseCommands::SaveAs(Side& side) {
   if (!IsOpen(side.kind) || !AskSaveAs(side)) {
     return;
   }
-  Trapped(TextsOf(side.kind).save_as_failure, [&] {
+  RunReported(services_.op, {.title = TextsOf(side.kind).save_as_failure}, [&] {
     const fs::path source = side.bound.path;
     const fs::path target = save_as_path_;
     const std::string name = save_as_name_;

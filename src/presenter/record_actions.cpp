@@ -1,11 +1,16 @@
 #include "presenter/record_actions.h"
 
+#include <functional>
+#include <string_view>
+
 #include "base/text.h"
+#include "database/connection.h"
 #include "database/records.h"
 #include "feed/recipe_storage.h"
 #include "feed/record_reset.h"
 #include "feed/where_used.h"
 #include "presenter/operation.h"
+#include "presenter/report_failure.h"
 #include "settings/settings.h"
 
 namespace vrx {
@@ -52,12 +57,18 @@ void ReportFailures(Operator& op, const std::string& failures) {
   }
 }
 
+bool RunOnDatabase(const SQLite::Database& database, Services& services, std::string_view title,
+                   const std::function<bool()>& action) {
+  return RunReported(services.op, {.title = title, .text = FailureText::kDatabaseWords},
+                     [&] { return WithDatabaseErrors(database, action); });
+}
+
 }  // namespace
 
 ResetOutcome AskAndReset(SQLite::Database& database, RecordKind kind, int id, Services& services) {
   const RecordKindTraits& traits = TraitsOf(kind);
   ResetOutcome outcome = ResetOutcome::kNotReset;
-  RunFeedAction(database, services, traits.reset_title, [&] {
+  RunOnDatabase(database, services, traits.reset_title, [&] {
     const std::string record = std::string(traits.noun) + " #" + std::to_string(id) + " (" +
                                StoredName(database, kind, id) + ")";
     if (Ask(services, traits, record) != Answer::kYes) {
@@ -82,7 +93,7 @@ bool UpdateRecipes(SQLite::Database& database, ProgressDisplay& progress, Servic
   progress.SetProgressMessage(kScanning);
   progress.SetProgressRange(kRecipeCount);
   std::string failures;
-  const bool stored = RunFeedAction(database, services, kUpdateTitle, [&] {
+  const bool stored = RunOnDatabase(database, services, kUpdateTitle, [&] {
     const BusyCursor busy(services.op);
     failures = RecomputeAllRecipes(database, progress, services.calendar);
     return true;
@@ -99,7 +110,7 @@ bool UpdateRecipes(SQLite::Database& database, ProgressDisplay& progress, Servic
 std::vector<std::string> SearchWhereUsed(SQLite::Database& database, int ingredient_id,
                                          Services& services) {
   std::vector<std::string> items;
-  RunFeedAction(database, services, kSearchTitle, [&] {
+  RunOnDatabase(database, services, kSearchTitle, [&] {
     const std::vector<WhereUsed> found = [&] {
       const BusyCursor busy(services.op);
       return FindWhereIngUsed(database, ingredient_id, false);

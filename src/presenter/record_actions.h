@@ -7,7 +7,7 @@
 
 #include "feed/record_fields.h"
 #include "platform/progress_display.h"
-#include "presenter/report_failure.h"
+#include "presenter/services.h"
 
 namespace vrx {
 

@@ -12,9 +12,18 @@ namespace {
 
 constexpr std::string_view kEditErrorTitle = "Edit (Error)";
 
-void Tell(Operator& op, std::string_view title, std::string_view text) {
-  op.Beep();
-  op.ShowMessage({.icon = Icon::kCritical, .title = std::string(title), .text = std::string(text)});
+std::string TextOf(const FailureReport& report, const std::exception& failure) {
+  switch (report.text) {
+    case FailureText::kErrorNumber:
+      return "Error: " + std::to_string(FailureNumber(failure));
+    case FailureText::kMessage:
+      return failure.what() + std::string(report.words);
+    case FailureText::kDatabaseWords:
+    case FailureText::kWords:
+    case FailureText::kNone:
+      break;
+  }
+  return std::string(report.words);
 }
 
 std::string NotStored(std::string_view what, std::string_view cause) {
@@ -23,23 +32,41 @@ std::string NotStored(std::string_view what, std::string_view cause) {
 
 }  // namespace
 
-bool HandleEditEvent(Operator& op, const std::function<void()>& event) {
-  try {
-    event();
-    return true;
-  } catch (const DatabaseError&) {
+void ReportFailure(Operator& op, const FailureReport& report, const std::exception& failure) {
+  if (report.beeps) {
     op.Beep();
-  } catch (const FieldRefusal& refusal) {
-    Tell(op, kFieldErrorTitle, refusal.what());
-  } catch (const Error& failure) {
-    Tell(op, kEditErrorTitle, failure.what());
   }
-  return false;
+  if (report.text == FailureText::kDatabaseWords) {
+    ShowDatabaseError(op, FailureNumber(failure), report.title, failure.what());
+  } else if (report.text != FailureText::kNone) {
+    op.ShowMessage({.icon = report.icon,
+                    .title = std::string(report.title),
+                    .text = TextOf(report, failure),
+                    .cause = report.text == FailureText::kMessage ? "" : failure.what()});
+  }
 }
 
-void ReportEditFailure(Operator& op, const std::exception& failure) {
+void ShowDatabaseError(Operator& op, int number, std::string_view title, std::string_view cause) {
+  op.ShowMessage({.icon = Icon::kCritical,
+                  .title = std::string(title),
+                  .text = DatabaseErrorText(number),
+                  .cause = std::string(cause)});
+}
+
+FailureReport EditFailure(const Error& failure) {
   const bool refused = dynamic_cast<const FieldRefusal*>(&failure) != nullptr;
-  Tell(op, refused ? kFieldErrorTitle : kEditErrorTitle, failure.what());
+  return {.title = refused ? kFieldErrorTitle : kEditErrorTitle,
+          .text = FailureText::kMessage,
+          .beeps = true};
+}
+
+FailureReport EventFailure(const Error& failure) {
+  return IsDatabaseError(failure) ? FailureReport{.text = FailureText::kNone, .beeps = true}
+                                  : EditFailure(failure);
+}
+
+bool IsDatabaseError(const std::exception& failure) {
+  return dynamic_cast<const DatabaseError*>(&failure) != nullptr;
 }
 
 void ReportFieldRefusal(Operator& op, std::string_view refusal) {
@@ -71,24 +98,10 @@ EditEnd AskAboutEdit(Operator& op, std::string_view what, std::string cause,
 }
 
 void ReportEditGivenUp(Operator& op, std::string_view what, std::string_view cause) {
-  Tell(op, kEditErrorTitle, NotStored(what, cause) + "It is given up.");
-}
-
-bool RunFeedAction(const SQLite::Database& database, Services& services, std::string_view title,
-                   const std::function<bool()>& action) {
-  try {
-    return WithDatabaseErrors(database, action);
-  } catch (const std::exception& failure) {
-    services.identity.ShowDatabaseError(FailureNumber(failure), title, failure.what());
-    return false;
-  }
-}
-
-void ReportFailure(Operator& op, std::string_view title, const std::exception& failure) {
+  op.Beep();
   op.ShowMessage({.icon = Icon::kCritical,
-                  .title = std::string(title),
-                  .text = "Error: " + std::to_string(FailureNumber(failure)),
-                  .cause = failure.what()});
+                  .title = std::string(kEditErrorTitle),
+                  .text = NotStored(what, cause) + "It is given up."});
 }
 
 }  // namespace vrx

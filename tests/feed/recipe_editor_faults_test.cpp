@@ -226,21 +226,21 @@ TEST_F(RecipeEditorFailure, AFailedWriteBeepsWhateverTheSettingSays) {
   settings.SetEnableBeeperOn(false);
   SQLite::Database read_only = OpenDatabase(folder / "YARD.RDB", Access::kRead);
   RecipeEditor tried(read_only, op, settings, kByWeight);
-  EXPECT_FALSE(HandleEditEvent(op, [&] { tried.LeaveRationTarget("77"); }));
+  EXPECT_FALSE(RunReported<Error>(op, EventFailure, [&] { tried.LeaveRationTarget("77"); }));
   EXPECT_EQ(op.beeps, 1);
   EXPECT_THAT(op.boxes, IsEmpty());
 }
 
 TEST_F(RecipeEditorFailure, ARefusalAndAnOverflowShowAMessageBox) {
-  EXPECT_FALSE(HandleEditEvent(op, [&] { editor.ChooseIngredient(kCorn); }));
+  EXPECT_FALSE(RunReported<Error>(op, EventFailure, [&] { editor.ChooseIngredient(kCorn); }));
   ExpectBox("Field Error",
             "Recipe 5 is of type \"!\": its lines are closed until a type W, H, % or P is chosen.",
             Icon::kCritical);
   EXPECT_EQ(op.beeps, 1);
-  EXPECT_FALSE(HandleEditEvent(op, [&] { editor.ChooseAdjustItem(41); }));
+  EXPECT_FALSE(RunReported<Error>(op, EventFailure, [&] { editor.ChooseAdjustItem(41); }));
   ExpectBox("Edit (Error)", "The adjust list has no item 41, its items are 0 to 40.",
             Icon::kCritical);
-  EXPECT_TRUE(HandleEditEvent(op, [&] { editor.ChooseBatchType(1); }));
+  EXPECT_TRUE(RunReported<Error>(op, EventFailure, [&] { editor.ChooseBatchType(1); }));
   EXPECT_EQ(op.beeps, 2);
 }
 

@@ -7,6 +7,7 @@
 #include <sqlite3.h>
 
 #include "database/identity.h"
+#include "presenter/report_failure.h"
 #include "settings/settings.h"
 #include "support/database_files.h"
 #include "support/fixed_calendar.h"
@@ -223,7 +224,7 @@ TEST_F(Identity, ShowDatabaseErrorHasWordsForFourNumbers) {
       {-2147217865, kInvalidTable}, {3021, kNoRecord}, {3251, kLocked},
       {3265, kInvalidField},        {14, "Error: 14"}, {-5, "Error: -5"}};
   for (const auto& [number, text] : words) {
-    identity_.ShowDatabaseError(number, "A Title", "a cause");
+    ShowDatabaseError(operator_, number, "A Title", "a cause");
     EXPECT_EQ(operator_.boxes.back().icon, Icon::kCritical);
     EXPECT_EQ(operator_.boxes.back().title, "A Title");
     EXPECT_EQ(operator_.boxes.back().text, text);

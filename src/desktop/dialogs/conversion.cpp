@@ -13,6 +13,8 @@
 #include "base/files.h"
 #include "platform/file_chooser.h"
 #include "platform/operator.h"
+#include "presenter/legacy_conversion.h"
+#include "presenter/report_failure.h"
 #include "widgets/labels.h"
 #include "widgets/layout.h"
 #include "widgets/qt_text.h"
@@ -100,12 +102,8 @@ void ConversionReportDialog::Save() {
   if (choice.Cancelled()) {
     return;
   }
-  try {
-    WriteFileBytes(choice.path, text_);
-  } catch (const FileError& failure) {
-    operator_.ShowMessage(
-        {.icon = Icon::kCritical, .title = "Database Conversion Error", .text = failure.what()});
-  }
+  RunReported<FileError>(operator_, {.title = kConversionErrorTitle, .text = FailureText::kMessage},
+                         [&] { WriteFileBytes(choice.path, text_); });
 }
 
 void ConversionReportDialog::CopyText() const {

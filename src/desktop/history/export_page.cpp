@@ -5,7 +5,6 @@
 #include <QHBoxLayout>
 #include <QVBoxLayout>
 #include <array>
-#include <exception>
 #include <string>
 #include <utility>
 
@@ -176,11 +175,7 @@ void ExportPage::Connect() {
 }
 
 void ExportPage::Run(const std::function<void()>& flow) {
-  try {
-    flow();
-  } catch (const std::exception& failure) {
-    ReportFailure(services_.op, "Export", failure);
-  }
+  RunReported(services_.op, {.title = kExportTitle}, flow);
 }
 
 void ExportPage::Prepare() {

@@ -266,13 +266,8 @@ void HistoryPage::ConnectGrid() {
   connect(
       &grd_trans_->Model(), &HistoryTableModel::Failed, this,
       [this](const std::exception_ptr& failure) {
-        if (!view_) {
-          return;
-        }
-        try {
-          std::rethrow_exception(failure);
-        } catch (const std::exception& what) {
-          view_->ReportFailure(what);
+        if (view_) {
+          view_->ReportFailure(failure);
         }
       },
       Qt::QueuedConnection);

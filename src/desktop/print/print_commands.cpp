@@ -12,6 +12,7 @@
 #include "desktop/recipes/recipe_lines.h"
 #include "feed/record_fields.h"
 #include "presenter/operation.h"
+#include "presenter/report_failure.h"
 #include "report/print_questions.h"
 
 namespace vrx {
@@ -22,6 +23,16 @@ constexpr const char* kDocument = "VRX-2260 report";
 
 // Longer reports show their progress and can be ended by the operator.
 constexpr std::int64_t kPagesAtOnce = 20;
+
+FailureReport PrintFailure(const std::exception& failure) {
+  if (dynamic_cast<const NoPrinter*>(&failure) != nullptr ||
+      dynamic_cast<const DatabaseInTheWay*>(&failure) != nullptr) {
+    return {.title = kPrintError, .text = FailureText::kMessage, .icon = Icon::kWarning};
+  }
+  return {.title = kPrintError,
+          .text = FailureText::kWords,
+          .words = "The report could not be printed."};
+}
 
 template <typename Record>
 void KeepActive(std::vector<Record>& records, bool active_only) {
@@ -73,22 +84,13 @@ void PrintCommands::PrintCurrentTab() {
   if (std::exchange(printing_, true)) {
     return;
   }
-  try {
+  RunReported(services_.op, PrintFailure, [&] {
     for (const auto& [tab, routine] : kRoutines) {
       if (tab == window_.Tabs().CurrentTab()) {
         (this->*routine)();
       }
     }
-  } catch (const NoPrinter& failure) {
-    Refuse(Icon::kWarning, failure.what());
-  } catch (const DatabaseInTheWay& failure) {
-    Refuse(Icon::kWarning, failure.what());
-  } catch (const std::exception& failure) {
-    services_.op.ShowMessage({.icon = Icon::kCritical,
-                              .title = std::string(kPrintError),
-                              .text = "The report could not be printed.",
-                              .cause = failure.what()});
-  }
+  });
   printing_ = false;
 }
 

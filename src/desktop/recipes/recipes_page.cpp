@@ -124,17 +124,11 @@ void RecipesPage::Do(const Event& event) {
 }
 
 bool RecipesPage::Run(const Event& event) {
-  return editor_ && HandleEditEvent(services_.op, [&] { Do(event); });
+  return editor_ && RunReported<Error>(services_.op, EventFailure, [&] { Do(event); });
 }
 
 bool RecipesPage::RunCommand(const Event& event) {
-  try {
-    Do(event);
-    return true;
-  } catch (const Error& failure) {
-    ReportEditFailure(services_.op, failure);
-  }
-  return false;
+  return RunReported<Error>(services_.op, EditFailure, [&] { Do(event); });
 }
 
 // Shows the lines first, because a list that closes on a choice passes the focus to the grid.
@@ -235,7 +229,7 @@ void RecipesPage::DefaultRecord() {
   gate_.Forget();
   lines_->GrdRec().GiveUpEdit();
   head_->GiveUpTyping();
-  HandleEditEvent(services_.op, [&] { editor_ = MakeEditor(*connection_, id); });
+  RunReported<Error>(services_.op, EventFailure, [&] { editor_ = MakeEditor(*connection_, id); });
   Show();
   head_->CboRecId().SetItem(id);
   Q_EMIT RecordChanged();

@@ -1,9 +1,9 @@
 // Leaving the fields of the Recipes tab.
 
+#include <QScopedValueRollback>
 #include <algorithm>
 #include <utility>
 
-#include "database/connection.h"
 #include "desktop/recipes/recipes_page.h"
 #include "presenter/report_failure.h"
 
@@ -150,16 +150,13 @@ void RecipesPage::LeaveChoices() {
 bool RecipesPage::StoreCell(std::string what, std::string text, const Event& event) {
   RecipeGrid& grid = lines_->GrdRec();
   const auto store = [this, event] {
-    entering_ = true;
-    try {
-      Do(event);
-    } catch (...) {
-      entering_ = false;
-      throw;
-    }
-    entering_ = false;
+    const QScopedValueRollback entering(entering_, true);
+    Do(event);
   };
-  const auto keep = [&](const Error& failure) {
+  const auto report = [&](const Error& failure) {
+    if (!IsDatabaseError(failure) && !leaving_ && grid.HoldsFocus()) {
+      return EditFailure(failure);
+    }
     gate_.Keep({.field = &grid,
                 .what = std::move(what),
                 .text = std::move(text),
@@ -172,21 +169,12 @@ bool RecipesPage::StoreCell(std::string what, std::string text, const Event& eve
                 .discard = [this] { DiscardCell(); },
                 .stay = [&grid] { grid.ReturnToEdit(); }},
                failure.what());
+    return kNoReport;
   };
-  try {
+  return RunReported<Error>(services_.op, report, [&] {
     store();
     gate_.Forget(&grid);
-    return true;
-  } catch (const DatabaseError& failure) {
-    keep(failure);
-  } catch (const Error& failure) {
-    if (leaving_ || !grid.HoldsFocus()) {
-      keep(failure);
-    } else {
-      ReportEditFailure(services_.op, failure);
-    }
-  }
-  return false;
+  });
 }
 
 bool RecipesPage::EnterCell(LineColumn column, std::string_view text) {
@@ -201,9 +189,8 @@ bool RecipesPage::ChooseIngredient(int id) {
 }
 
 void RecipesPage::DiscardCell() {
-  discarding_ = true;
+  const QScopedValueRollback discarding(discarding_, true);
   lines_->GrdRec().GiveUpEdit();
-  discarding_ = false;
 }
 
 // Returns false if the cell is still being edited, or the operator stays in another field.
@@ -242,19 +229,14 @@ void RecipesPage::LeaveEntryRow() {
 }
 
 bool RecipesPage::RunWithNewLine(const Event& event) {
-  try {
-    Do(event);
-    return true;
-  } catch (const DatabaseError& failure) {
-    if (editor_->Current().EntryPending()) {
-      gate_.Keep(NewLine(), failure.what());
-    } else {
-      services_.op.Beep();
+  const auto report = [this](const Error& failure) {
+    if (!IsDatabaseError(failure) || !editor_->Current().EntryPending()) {
+      return EventFailure(failure);
     }
-  } catch (const Error& failure) {
-    ReportEditFailure(services_.op, failure);
-  }
-  return false;
+    gate_.Keep(NewLine(), failure.what());
+    return kNoReport;
+  };
+  return RunReported<Error>(services_.op, report, [&] { Do(event); });
 }
 
 // All of them.

@@ -227,7 +227,7 @@ void IngredientsPage::AnsweredDefault(ResetOutcome outcome) {
   }
   int position = kRecipeCount;
   if (outcome == ResetOutcome::kInUse) {
-    HandleEditEvent(GetServices().op, [&] {
+    RunReported<Error>(GetServices().op, EventFailure, [&] {
       const std::vector<WhereUsed> found = FindWhereIngUsed(Database(), Id(), true);
       position = found.empty() ? position : found.front().recipe_id;
     });

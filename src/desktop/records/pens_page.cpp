@@ -107,7 +107,7 @@ std::vector<RecordRow> PensPage::ReadRows(bool active_only) {
 std::vector<PenRecord> PensPage::PensShown() {
   std::vector<PenRecord> pens;
   if (HasDatabase()) {
-    HandleEditEvent(GetServices().op, [&] { pens = ReadShown(ActiveOnly()); });
+    RunReported<Error>(GetServices().op, EventFailure, [&] { pens = ReadShown(ActiveOnly()); });
   }
   return pens;
 }

@@ -221,7 +221,7 @@ void RecordFormPage::GoTo(int position) {
 }
 
 bool RecordFormPage::Show(int position) {
-  const bool read = HandleEditEvent(services_.op, [&] { ReadRecord(position); });
+  const bool read = RunReported<Error>(services_.op, EventFailure, [&] { ReadRecord(position); });
   if (read) {
     ForgetEdits();
   }
@@ -288,13 +288,13 @@ void RecordFormPage::Store() {
 }
 
 bool RecordFormPage::Commit() {
-  return HandleEditEvent(services_.op, [this] { Store(); });
+  return RunReported<Error>(services_.op, EventFailure, [this] { Store(); });
 }
 
 void RecordFormPage::RefreshGrid() {
   if (database_ != nullptr) {
-    HandleEditEvent(services_.op,
-                    [this] { grid_->Show(ReadRows(active_only_->isChecked()), position_); });
+    RunReported<Error>(services_.op, EventFailure,
+                       [this] { grid_->Show(ReadRows(active_only_->isChecked()), position_); });
   }
 }
 

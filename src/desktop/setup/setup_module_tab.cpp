@@ -13,6 +13,7 @@
 #include "desktop/dialogs/about_and_splash.h"
 #include "desktop/setup/setup_sections.h"
 #include "platform/serial_control.h"
+#include "presenter/report_failure.h"
 #include "presenter/setup.h"
 #include "widgets/fields.h"
 #include "widgets/layout.h"
@@ -136,14 +137,12 @@ std::string SetupPortList::ChosenDevice() const {
 
 void SetupPortList::PutDevice() {
   const std::string device = ChosenDevice();
-  try {
-    PutDeviceBehindPort(data_folder_, NumberOf(Chosen()), device);
-  } catch (const SerialError& failure) {
-    op_.ShowMessage({.icon = Icon::kWarning,
-                     .title = "Serial Port",
-                     .text = "The device could not be put behind the port.",
-                     .cause = failure.what()});
-  }
+  RunReported<SerialError>(op_,
+                           {.title = "Serial Port",
+                            .text = FailureText::kWords,
+                            .words = "The device could not be put behind the port.",
+                            .icon = Icon::kWarning},
+                           [&] { PutDeviceBehindPort(data_folder_, NumberOf(Chosen()), device); });
   Survey();
   Q_EMIT PortChanged();
 }

@@ -1,6 +1,5 @@
 #include "desktop/transfer/data_transfer_page.h"
 
-#include <exception>
 #include <string>
 
 #include "base/files.h"
@@ -63,11 +62,7 @@ void DataTransferPage::Prepare() {
 }
 
 void DataTransferPage::Run(const std::function<void()>& flow) {
-  try {
-    flow();
-  } catch (const std::exception& failure) {
-    ReportFailure(services_.op, "Data Transfer Error", failure);
-  }
+  RunReported(services_.op, {.title = "Data Transfer Error"}, flow);
   Show();
 }
 
@@ -205,14 +200,12 @@ void DataTransferPage::PrintText() {
         {.icon = Icon::kWarning, .title = "Print Error", .text = "There is nothing to print."});
     return;
   }
-  try {
-    printer_.Print(transfer_.data_window);
-  } catch (const Error& failure) {
-    services_.op.ShowMessage({.icon = Icon::kWarning,
-                              .title = "Print Error",
-                              .text = "The data window could not be printed.",
-                              .cause = failure.what()});
-  }
+  RunReported<Error>(services_.op,
+                     {.title = "Print Error",
+                      .text = FailureText::kWords,
+                      .words = "The data window could not be printed.",
+                      .icon = Icon::kWarning},
+                     [this] { printer_.Print(transfer_.data_window); });
 }
 
 void DataTransferPage::EnablePrintText() {

@@ -10,7 +10,6 @@
 #include <QVBoxLayout>
 #include <algorithm>
 #include <cstddef>
-#include <exception>
 
 #include "base/encoding.h"
 #include "desktop/app/captions.h"
@@ -307,11 +306,7 @@ void ImportPage::StripFocused() {
 }
 
 void ImportPage::Run(const std::function<void()>& flow) {
-  try {
-    flow();
-  } catch (const std::exception& failure) {
-    ReportFailure(services_.op, "Import Error", failure);
-  }
+  RunReported(services_.op, {.title = "Import Error"}, flow);
 }
 
 void ImportPage::FocusControl(std::string_view name) {
