@@ -1,10 +1,10 @@
 #include "widgets/byte_text_edit.h"
 
 #include <QFontDatabase>
+#include <QScopedValueRollback>
 #include <QTextBlock>
 #include <algorithm>
 #include <cstddef>
-#include <utility>
 #include <vector>
 
 #include "base/encoding.h"
@@ -49,9 +49,8 @@ void DataWindow::SetBytes(const std::string& bytes) {
       shown += u'\n';
     }
   }
-  const bool was_by_program = std::exchange(by_program_, true);
+  const QScopedValueRollback by_program(by_program_, true);
   setPlainText(shown);
-  by_program_ = was_by_program;
 }
 
 // Reads block by block, because toPlainText() replaces non-breaking spaces.

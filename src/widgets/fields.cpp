@@ -4,6 +4,7 @@
 #include <QApplication>
 #include <QFocusEvent>
 #include <QKeyEvent>
+#include <QScopedValueRollback>
 #include <QWheelEvent>
 #include <algorithm>
 #include <utility>
@@ -87,9 +88,8 @@ FilteredEdit::FilteredEdit(Filter filter, int limit, QWidget* parent)
 }
 
 void FilteredEdit::setText(const QString& text) {
-  const bool was_by_program = std::exchange(by_program_, true);
+  const QScopedValueRollback by_program(by_program_, true);
   QLineEdit::setText(text);
-  by_program_ = was_by_program;
 }
 
 void FilteredEdit::keyPressEvent(QKeyEvent* event) {
@@ -107,9 +107,8 @@ void FilteredEdit::keyPressEvent(QKeyEvent* event) {
   }
   const QString typed = Filtered(before, event->text());
   if (!typed.isEmpty()) {
-    const bool was_by_program = std::exchange(by_program_, true);
+    const QScopedValueRollback by_program(by_program_, true);
     insert(typed);
-    by_program_ = was_by_program;
   }
 }
 

@@ -2,6 +2,7 @@
 
 #include <QFocusEvent>
 #include <QMouseEvent>
+#include <QScopedValueRollback>
 #include <QSignalBlocker>
 #include <QTabBar>
 #include <QWheelEvent>
@@ -126,7 +127,7 @@ MainTabFolder::MainTabFolder(QWidget* parent) : QTabWidget(parent) {
 MainTabPage& MainTabFolder::Page(int tab) const { return *qobject_cast<MainTabPage*>(widget(tab)); }
 
 std::unique_ptr<MainTabPage> MainTabFolder::SetPage(int tab, MainTabPage* page) {
-  const bool was_by_program = std::exchange(by_program_, true);
+  const QScopedValueRollback by_program(by_program_, true);
   const int on_show = currentIndex();
   const bool on = isTabEnabled(tab);
   std::unique_ptr<MainTabPage> old(&Page(tab));
@@ -135,7 +136,6 @@ std::unique_ptr<MainTabPage> MainTabFolder::SetPage(int tab, MainTabPage* page) 
   old->setParent(nullptr);
   TurnTab(tab, on);
   setCurrentIndex(on_show);
-  by_program_ = was_by_program;
   return old;
 }
 
@@ -149,9 +149,8 @@ void MainTabFolder::keyPressEvent(QKeyEvent* event) {
 }
 
 void MainTabFolder::ShowTab(int tab) {
-  const bool was_by_program = std::exchange(by_program_, true);
+  const QScopedValueRollback by_program(by_program_, true);
   setCurrentIndex(tab);
-  by_program_ = was_by_program;
 }
 
 // QTabBar would leave a tab that is disabled for the next enabled one.

@@ -4,6 +4,7 @@
 #include <QHeaderView>
 #include <QKeyEvent>
 #include <QPainter>
+#include <QScopedValueRollback>
 #include <QStyledItemDelegate>
 #include <QWheelEvent>
 #include <algorithm>
@@ -203,15 +204,14 @@ void RecordListGrid::SetCaption(const std::string& field, const QString& caption
 }
 
 void RecordListGrid::Show(std::vector<RecordRow> rows, int id) {
-  const bool was_by_program = std::exchange(by_program_, true);
+  const QScopedValueRollback by_program(by_program_, true);
   model_->Show(std::move(rows));
-  by_program_ = was_by_program;
   viewport()->update();
   Select(id);
 }
 
 void RecordListGrid::Select(int id) {
-  const bool was_by_program = std::exchange(by_program_, true);
+  const QScopedValueRollback by_program(by_program_, true);
   const int row = model_->RowOf(id);
   if (row < 0) {
     setCurrentIndex({});
@@ -219,7 +219,6 @@ void RecordListGrid::Select(int id) {
   } else if (row != currentIndex().row()) {
     setCurrentIndex(model_->index(row, std::max(0, currentIndex().column())));
   }
-  by_program_ = was_by_program;
 }
 
 void RecordListGrid::currentChanged(const QModelIndex& current, const QModelIndex& previous) {
