@@ -8,10 +8,10 @@
 #include "base/files.h"
 #include "base/number.h"
 #include "base/text.h"
+#include "base/undo.h"
 #include "database/identity.h"
 #include "database/missing_records.h"
 #include "presenter/command_states.h"
-#include "presenter/operation.h"
 #include "presenter/report_failure.h"
 #include "settings/settings.h"
 
@@ -73,17 +73,14 @@ void DatabaseCommands::OrGoBack(Side& side, const std::function<void()>& body) {
   const SQLite::Database* const connection = side.bound.connection.get();
   const CurrentDatabase current = side.current;
   const PanelTexts panels = side.panels;
-  try {
-    body();
-  } catch (...) {
+  RunOrUndo(body, [&] {
     // Not if another database has been opened, which has updated the display.
     if (side.bound.connection.get() == connection) {
       side.current = current;
       ShowPanels(side, panels);
       window_.ShowUnit(side.kind, side.bound.unit);
     }
-    throw;
-  }
+  });
 }
 
 // New.
@@ -251,14 +248,12 @@ bool DatabaseCommands::BindOpened(Side& side, BoundDatabase next, const FileToOp
     window_.HidePenCapacityWarning();
   }
   window_.ShowUnit(side.kind, side.bound.unit);
-  try {
-    window_.LoadIdLists();
-  } catch (...) {
-    if (side.bound.connection.get() == connection) {
-      Bind(side, std::move(previous));
-    }
-    throw;
-  }
+  RunOrUndo([&] { window_.LoadIdLists(); },
+            [&] {
+              if (side.bound.connection.get() == connection) {
+                Bind(side, std::move(previous));
+              }
+            });
   return side.bound.connection.get() == connection && !delay_.Closing();
 }
 
@@ -296,23 +291,21 @@ void DatabaseCommands::ShowOpened(Side& side, const FileToOpen& file) {
 
 // Keeps the old connection open until no view uses it.
 BoundDatabase DatabaseCommands::Bind(Side& side, BoundDatabase next) {
-  if (side.moving) {
+  if (side.rebinding.Running()) {
     throw Error("the views are on their way to another database");
   }
   window_.LeaveEdits(side.kind);
-  side.moving = true;
-  try {
+  const auto rebind = [&] {
+    const OperationLock::Scope rebinding = side.rebinding.TryEnter();
     window_.Rebind(side.kind, next);
-  } catch (...) {
-    side.moving = false;
+  };
+  RunOrUndo(rebind, [&] {
     side.previous = std::move(next);
     if (side.bound.connection) {
       window_.Rebind(side.kind, side.bound);
       side.previous = {};
     }
-    throw;
-  }
-  side.moving = false;
+  });
   side.previous = {};
   ++side.binding;
   return std::exchange(side.bound, std::move(next));

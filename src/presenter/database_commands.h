@@ -13,6 +13,7 @@
 #include "database/schema.h"
 #include "presenter/command_states.h"
 #include "presenter/create_database.h"
+#include "presenter/operation.h"
 #include "presenter/services.h"
 
 namespace vrx {
@@ -156,11 +157,11 @@ class DatabaseCommands {
     DatabaseKind kind;
     CurrentDatabase current = {};
     BoundDatabase bound = {};
-    BoundDatabase previous = {};  // views that could not be rebound may still use it
-    bool moving = false;          // the views are being rebound
-    int binding = 0;              // counts bindings, to detect that an event bound another database
-    bool unit_asked = false;      // in this opening
-    PanelTexts panels = {};       // as they are shown
+    BoundDatabase previous = {};   // views that could not be rebound may still use it
+    OperationLock rebinding = {};  // of the views
+    int binding = 0;          // counts bindings, to detect that an event bound another database
+    bool unit_asked = false;  // in this opening
+    PanelTexts panels = {};   // as they are shown
   };
   struct FileToOpen {
     std::filesystem::path path;

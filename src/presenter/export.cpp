@@ -6,7 +6,6 @@
 #include "feed/key_filters.h"
 #include "feed/record_fields.h"
 #include "presenter/history.h"
-#include "presenter/operation.h"
 #include "settings/data_folder.h"
 #include "settings/settings.h"
 
@@ -15,18 +14,6 @@ namespace vrx {
 namespace fs = std::filesystem;
 
 namespace {
-
-// Sets the flag during its lifetime.
-class Running {
- public:
-  explicit Running(bool& flag) : flag_(flag) { flag_ = true; }
-  ~Running() { flag_ = false; }
-  Running(const Running&) = delete;
-  Running& operator=(const Running&) = delete;
-
- private:
-  bool& flag_;
-};
 
 // Uses the two fields as typed: a name that already has an extension gets a second one.
 fs::path ComposePath(const ExportForm& form) {
@@ -51,10 +38,10 @@ int ExportPresenter::KeyPressInFName(int key) {
 }
 
 void ExportPresenter::ClickExport() {
-  if (running_) {
+  const OperationLock::Scope running = export_.TryEnter();
+  if (!running) {
     return;
   }
-  const Running running(running_);
   RunReported(services_.op, ExportFailure(services_.settings),
               [this] { return ValidateExportInput() && RunExport(); });
 }
@@ -96,7 +83,7 @@ bool ExportPresenter::RunExport() {
 }
 
 void ExportPresenter::ClickBrowse() {
-  if (!running_) {
+  if (!export_.Running()) {
     Browse();
   }
 }
@@ -113,7 +100,7 @@ void ExportPresenter::Browse() {
 }
 
 void ExportPresenter::ClickReset() {
-  if (running_) {
+  if (export_.Running()) {
     return;
   }
   form_.txt_f_name.clear();

@@ -6,6 +6,7 @@
 #include "database/open_databases.h"
 #include "export/export_driver.h"
 #include "platform/operator.h"
+#include "presenter/operation.h"
 #include "presenter/report_failure.h"
 #include "presenter/services.h"
 
@@ -83,7 +84,7 @@ class ExportPresenter {
   const StyleSheets& style_sheets_;
   ExportHost& host_;
   ExportForm form_;
-  bool running_ = false;
+  OperationLock export_;
 };
 
 // The data group of the `Batched/Fed` tab. Valid until another event runs.

@@ -137,7 +137,7 @@ void DatabaseCommands::AskAboutUnits() {
 }
 
 bool DatabaseCommands::MayRelabel(const Side& side) const {
-  return IsOpen(side.kind) && !side.moving && side.bound.read_only_note.empty() &&
+  return IsOpen(side.kind) && !side.rebinding.Running() && side.bound.read_only_note.empty() &&
          side.bound.unit != services_.settings.SystemUnits();
 }
 

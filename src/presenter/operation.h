@@ -1,5 +1,7 @@
 #pragma once
 
+#include <utility>
+
 #include "platform/operator.h"
 
 namespace vrx {
@@ -15,6 +17,39 @@ class BusyCursor {
 
  private:
   Operator& op_;
+};
+
+// Lets one operation run at a time: events that run meanwhile may try to start it again.
+class OperationLock {
+ public:
+  // True for the operation that entered, which has the lock until the end of this object. The lock
+  // outlives it.
+  class Scope {
+   public:
+    Scope(Scope&& other) noexcept : lock_(std::exchange(other.lock_, nullptr)) {}
+    Scope& operator=(Scope&&) = delete;
+    ~Scope() {
+      if (lock_ != nullptr) {
+        lock_->running_ = false;
+      }
+    }
+
+    explicit operator bool() const { return lock_ != nullptr; }
+
+   private:
+    friend class OperationLock;
+    explicit Scope(OperationLock* lock) : lock_(lock) {}
+
+    OperationLock* lock_;
+  };
+
+  // False while another operation runs.
+  [[nodiscard]] Scope TryEnter() { return Scope(std::exchange(running_, true) ? nullptr : this); }
+
+  [[nodiscard]] bool Running() const { return running_; }
+
+ private:
+  bool running_ = false;
 };
 
 }  // namespace vrx

@@ -11,7 +11,6 @@
 #include "base/files.h"
 #include "base/number.h"
 #include "presenter/help.h"
-#include "presenter/operation.h"
 
 namespace vrx {
 
@@ -111,20 +110,18 @@ std::string Lines(std::string_view connection, std::span<const std::string_view>
 // Shows the busy cursor and `lblStandby` while a command runs.
 class ModuleSetup::Work {
  public:
-  explicit Work(ModuleSetup& setup) : setup_(setup), busy_(setup.op_) {
-    setup_.running_ = true;
+  explicit Work(ModuleSetup& setup)
+      : setup_(setup), busy_(setup.op_), running_(setup.command_.TryEnter()) {
     setup_.standby_(true);
   }
-  ~Work() {
-    setup_.running_ = false;
-    setup_.standby_(false);
-  }
+  ~Work() { setup_.standby_(false); }
   Work(const Work&) = delete;
   Work& operator=(const Work&) = delete;
 
  private:
   ModuleSetup& setup_;
   BusyCursor busy_;
+  OperationLock::Scope running_;
 };
 
 ModuleSetup::ModuleSetup(KRMCOMM& krm, PrivateINI& settings, Operator& op,
@@ -219,7 +216,7 @@ void ModuleSetup::SetBaud(std::string_view baud) {
 
 void ModuleSetup::Abandon() {
   abandoned_ = true;
-  if (running_) {
+  if (command_.Running()) {
     krm_.KRM_ImmediateClose();
     krm_.GB_KRM_DelayComplete(true);
   }

@@ -10,6 +10,7 @@
 #include "link/krmcomm.h"
 #include "platform/operator.h"
 #include "platform/system_info.h"
+#include "presenter/operation.h"
 #include "settings/settings.h"
 
 namespace vrx {
@@ -47,7 +48,7 @@ class ModuleSetup {
   PrivateINI& settings_;
   Operator& op_;
   std::function<void(bool)> standby_;
-  bool running_ = false;
+  OperationLock command_;
   bool abandoned_ = false;
 };
 

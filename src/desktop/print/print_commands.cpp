@@ -11,7 +11,6 @@
 #include "desktop/print/print_dialogs.h"
 #include "desktop/recipes/recipe_lines.h"
 #include "feed/record_fields.h"
-#include "presenter/operation.h"
 #include "presenter/report_failure.h"
 #include "report/print_questions.h"
 
@@ -81,7 +80,8 @@ void PrintCommands::PrintCurrentTab() {
       {kTabBatchedFed, &PrintCommands::PrintTransactions},
       {kTabImport, &PrintCommands::PrintImportedTransactions},
   }};
-  if (std::exchange(printing_, true)) {
+  const OperationLock::Scope printing = printing_.TryEnter();
+  if (!printing) {
     return;
   }
   RunReported(services_.op, PrintFailure, [&] {
@@ -91,7 +91,6 @@ void PrintCommands::PrintCurrentTab() {
       }
     }
   });
-  printing_ = false;
 }
 
 void PrintCommands::PrintIngredients() {

@@ -10,6 +10,7 @@
 #include "desktop/recipes/recipes_page.h"
 #include "presenter/database_commands.h"
 #include "presenter/import.h"
+#include "presenter/operation.h"
 #include "presenter/services.h"
 #include "report/reports.h"
 
@@ -59,7 +60,7 @@ class PrintCommands {
   HistoryPage& history_;
   MainWindow& window_;
   PrintSetup setup_;
-  bool printing_ = false;
+  OperationLock printing_;
 };
 
 }  // namespace vrx
