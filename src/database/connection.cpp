@@ -252,7 +252,7 @@ std::string DatabaseErrorText(int number) {
 SQLite::Database OpenDatabase(const fs::path& path, Access access, LockWait wait) {
   const std::string name = path.filename().string();
   RefuseMissing(path, name);
-  try {
+  return WithDatabaseErrors(path, [&] {
     // SQLite itself falls back to reading a write-protected file. An absolute path prevents special
     // meanings of names like ":memory:".
     SQLite::Database database(fs::absolute(path), SQLite::OPEN_READWRITE);
@@ -267,9 +267,7 @@ SQLite::Database OpenDatabase(const fs::path& path, Access access, LockWait wait
       database.exec("PRAGMA query_only=ON");
     }
     return database;
-  } catch (const SQLite::Exception& error) {
-    throw TranslateSqliteError(error, path);
-  }
+  });
 }
 
 bool IsWriteProtected(const SQLite::Database& database) {

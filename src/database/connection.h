@@ -3,6 +3,7 @@
 #include <exception>
 #include <filesystem>
 #include <string>
+#include <type_traits>
 #include <utility>
 
 #include <SQLiteCpp/Database.h>
@@ -44,21 +45,18 @@ class DatabaseError : public Error {
 // all others.
 [[nodiscard]] std::string DatabaseErrorText(int number);
 
-// Runs `body` and turns an SQLite::Exception into a DatabaseError that names the file.
-template <typename Body>
-decltype(auto) WithDatabaseErrors(const std::filesystem::path& file, Body&& body) {
+// Runs `body` and turns an SQLite::Exception into a DatabaseError that names the file, which is a
+// path or an open database.
+template <typename File, typename Body>
+decltype(auto) WithDatabaseErrors(const File& file, Body&& body) {
   try {
     return std::forward<Body>(body)();
   } catch (const SQLite::Exception& error) {
-    throw TranslateSqliteError(error, file);
-  }
-}
-template <typename Body>
-decltype(auto) WithDatabaseErrors(const SQLite::Database& database, Body&& body) {
-  try {
-    return std::forward<Body>(body)();
-  } catch (const SQLite::Exception& error) {
-    throw TranslateSqliteError(error, database.getFilename());
+    if constexpr (std::is_same_v<File, SQLite::Database>) {
+      throw TranslateSqliteError(error, file.getFilename());
+    } else {
+      throw TranslateSqliteError(error, file);
+    }
   }
 }
 

@@ -8,6 +8,7 @@
 #include <SQLiteCpp/Transaction.h>
 
 #include "base/number.h"
+#include "base/undo.h"
 #include "database/connection.h"
 #include "database/identity.h"
 #include "database/records.h"
@@ -75,14 +76,16 @@ void CreateTemplate(const fs::path& path, DatabaseKind kind) {
   const fs::path unfinished = path.string() + ".new";
   // A killed run may have left this file. SQLite deletes a journal that belongs to an empty file.
   fs::remove(unfinished);
-  try {
+  const auto write = [&] {
     SQLite::Database database(unfinished, SQLite::OPEN_READWRITE | SQLite::OPEN_CREATE);
     WriteTemplate(database, kind);
-  } catch (const SQLite::Exception& error) {
-    std::error_code ignored;
-    fs::remove(unfinished, ignored);
-    throw TranslateSqliteError(error, path);
-  }
+  };
+  WithDatabaseErrors(path, [&] {
+    RunOrUndo(write, [&] {
+      std::error_code ignored;
+      fs::remove(unfinished, ignored);
+    });
+  });
   fs::rename(unfinished, path);
 }
 

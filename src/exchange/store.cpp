@@ -6,7 +6,6 @@
 #include <utility>
 
 #include <SQLiteCpp/Database.h>
-#include <SQLiteCpp/Exception.h>
 #include <SQLiteCpp/Transaction.h>
 #include <sqlite3.h>
 
@@ -85,20 +84,18 @@ void CheckStillInPlace(SQLite::Database& database, const std::filesystem::path& 
 }
 
 RecordNames ReadNames(const OpenDatabases& databases) {
-  try {
+  return WithDatabaseErrors(databases.recipe_db_path, [&] {
     SQLite::Database recipes =
         OpenDatabase(databases.recipe_db_path, Access::kRead, databases.lock_wait);
     return ReadRecordNames(recipes);
-  } catch (const SQLite::Exception& error) {
-    throw TranslateSqliteError(error, databases.recipe_db_path);
-  }
+  });
 }
 
 // Throws DatabaseError and StoreRowError; nothing of the import is stored then.
 Copied CopyInOneTransaction(const ImportedData& rows, const OpenDatabases& databases,
                             const Calendar& calendar, ProgressDisplay& progress) {
   const RecordNames names = ReadNames(databases);
-  try {
+  return WithDatabaseErrors(databases.trans_db_path, [&] {
     SQLite::Database database =
         OpenDatabase(databases.trans_db_path, Access::kWrite, databases.lock_wait);
     database.exec(kLargeCache);
@@ -112,9 +109,7 @@ Copied CopyInOneTransaction(const ImportedData& rows, const OpenDatabases& datab
     CheckStillInPlace(database, databases.trans_db_path);
     transaction.commit();
     return copied;
-  } catch (const SQLite::Exception& error) {
-    throw TranslateSqliteError(error, databases.trans_db_path);
-  }
+  });
 }
 
 }  // namespace

@@ -15,6 +15,7 @@
 #include <SQLiteCpp/Transaction.h>
 #include <sqlite3.h>
 
+#include "base/undo.h"
 #include "database/connection.h"
 #include "database/exact_sum.h"
 #include "database/schema.h"
@@ -267,7 +268,7 @@ class GroupedRows::Impl {
       return row;
     }
     const RecordSort before = pages.Sort();
-    try {
+    const auto sorted = [&] {
       return Read(database_, [&] {
         const std::optional<std::int64_t> rowid = pages.RowidAt(Rows(), place);
         pages.SortBy(sort);
@@ -275,10 +276,8 @@ class GroupedRows::Impl {
             rowid ? pages.PlaceOf(Rows(), place.path, *rowid) : std::nullopt;
         return row + now.value_or(place.record) - place.record;
       });
-    } catch (...) {
-      pages.SortBy(before);
-      throw;
-    }
+    };
+    return RunOrUndo(sorted, [&] { pages.SortBy(before); });
   }
 
   void FindRanges(GroupQuery& query) {

@@ -12,13 +12,13 @@
 #include <vector>
 
 #include <SQLiteCpp/Database.h>
-#include <SQLiteCpp/Exception.h>
 #include <SQLiteCpp/Transaction.h>
 
 #include "base/encoding.h"
 #include "base/files.h"
 #include "base/sync.h"
 #include "base/text.h"
+#include "base/undo.h"
 #include "database/connection.h"
 #include "database/identity.h"
 #include "database/schema.h"
@@ -90,17 +90,15 @@ NewDatabaseFile::NewDatabaseFile(const fs::path& path, const fs::path& program_d
   if (FileExists(path_)) {
     RefuseExisting(path_);
   }
-  try {
+  const auto make = [&] {
     CopyTemplate(program_directory / TextsOf(kind).template_name, temporary_, path_);
     connection_ = std::make_unique<SQLite::Database>(OpenDatabase(temporary_, Access::kWrite));
     WithDatabaseErrors(*connection_, [this] {
       connection_->exec(kLargeCache);
       transaction_ = std::make_unique<SQLite::Transaction>(*connection_);
     });
-  } catch (...) {
-    RemoveTemporary();
-    throw;
-  }
+  };
+  RunOrUndo(make, [this] { RemoveTemporary(); });
 }
 
 NewDatabaseFile::~NewDatabaseFile() { RemoveTemporary(); }
@@ -367,11 +365,8 @@ constexpr std::string_view kRemedy =
 ConversionReport ConvertLegacyDatabase(const LegacyConversion& wanted, ProgramRunner& runner,
                                        ProgressDisplay& progress,
                                        const std::function<bool()>& go_on) {
-  try {
-    return Conversion(wanted, runner, progress, go_on).Run();
-  } catch (const SQLite::Exception& failure) {
-    throw TranslateSqliteError(failure, wanted.new_file);
-  }
+  return WithDatabaseErrors(wanted.new_file,
+                            [&] { return Conversion(wanted, runner, progress, go_on).Run(); });
 }
 
 ProgramLimits LimitsForFile(std::uintmax_t size) {

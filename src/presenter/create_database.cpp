@@ -7,6 +7,7 @@
 
 #include "base/files.h"
 #include "base/text.h"
+#include "base/undo.h"
 #include "database/identity.h"
 #include "presenter/report_failure.h"
 
@@ -52,22 +53,26 @@ class Creation {
     const CurrentDatabase before = current_;
     current_.name = UnicodeUpperCase(wanted_.title);
     current_.path = wanted_.path;
-    try {
-      if (CopyIsBlank()) {
-        if (MadeUserFile()) {
-          current_.unit = wanted_.unit;
-          return true;
-        }
+    const auto make = [&] {
+      if (!CopyIsBlank()) {
+        return false;
+      }
+      if (!MadeUserFile()) {
         current_ = before;
         ReportNotMade();
+        return false;
       }
-    } catch (...) {
+      current_.unit = wanted_.unit;
+      return true;
+    };
+    const bool made = RunOrUndo(make, [this] {
       std::error_code second_failure;  // the first one is reported
       fs::remove(wanted_.path, second_failure);
-      throw;
+    });
+    if (!made) {
+      fs::remove(wanted_.path);
     }
-    fs::remove(wanted_.path);
-    return false;
+    return made;
   }
 
  private:

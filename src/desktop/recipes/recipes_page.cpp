@@ -5,6 +5,7 @@
 #include <utility>
 
 #include "base/text.h"
+#include "base/undo.h"
 #include "database/identity.h"
 #include "feed/record_commit.h"
 #include "feed/record_fields.h"
@@ -103,7 +104,7 @@ void RecipesPage::Do(const Event& event) {
     return;
   }
   const RecipeRecord before = editor->Current().ration.recipe;
-  const auto shown = [&] {
+  const auto show = [&] {
     const RecipeRecord& after = editor->Current().ration.recipe;
     // The first line of a recipe puts it in use, whatever event commits the line.
     if (before.id == after.id && before.description.empty() && !after.description.empty()) {
@@ -114,13 +115,8 @@ void RecipesPage::Do(const Event& event) {
       Q_EMIT RecordChanged();
     }
   };
-  try {
-    event(*editor);
-  } catch (...) {
-    shown();
-    throw;
-  }
-  shown();
+  RunOrUndo([&] { event(*editor); }, show);
+  show();
 }
 
 bool RecipesPage::Run(const Event& event) {
