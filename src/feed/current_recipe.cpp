@@ -165,12 +165,11 @@ std::string RowUpdated(CurrentRecipe& shown) {
     return {};
   }
   recipe.description = recipe.name;
-  try {
-    recipe.name = FieldOf(RecordKind::kRecipe, "Name").leave(recipe.name);
-  } catch (const FieldRefusal& refusal) {
-    return refusal.what();
+  LeftField left = LeaveField(FieldOf(RecordKind::kRecipe, "Name"), recipe.name);
+  if (left.refusal.empty()) {
+    recipe.name = std::move(left.text);
   }
-  return {};
+  return left.refusal;
 }
 
 void RemoveCurrentLine(CurrentRecipe& shown) {

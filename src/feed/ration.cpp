@@ -254,4 +254,13 @@ RecipeTotals RecalcRecipe(Ration& ration) {
   return totals;
 }
 
+std::string RecalcFailure(Ration& ration) {
+  try {
+    RecalcRecipe(ration);
+  } catch (const Error& error) {
+    return error.what();
+  }
+  return {};
+}
+
 }  // namespace vrx

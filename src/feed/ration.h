@@ -95,6 +95,9 @@ RecipeTotals RecalcRecipeTotals(Ration& ration);
 // RecalcAllDryMatter, RecalcRationPercents and RecalcRecipeTotals.
 RecipeTotals RecalcRecipe(Ration& ration);
 
+// The same. Returns why the lines cannot be computed, or an empty text.
+std::string RecalcFailure(Ration& ration);
+
 // A computed whole number is outside the range of 32 bits.
 class OverflowError : public Error {
  public:

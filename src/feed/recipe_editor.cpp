@@ -161,15 +161,9 @@ void RecipeEditor::ChooseAdjustItem(int list_index) {
 }
 
 std::string RecipeEditor::LeaveName(std::string_view text) {
-  std::string name;
-  std::string refusal;
-  try {
-    name = LeftText("Name", text);
-  } catch (const FieldRefusal& failure) {
-    refusal = failure.what();
-  }
-  CommitHead([&](RecipeRecord& recipe) { recipe.name = name; });
-  return refusal;
+  const LeftField left = LeaveField(FieldOf(RecordKind::kRecipe, "Name"), text);
+  CommitHead([&](RecipeRecord& recipe) { recipe.name = left.text; });
+  return left.refusal;
 }
 
 void RecipeEditor::LeaveDescription(std::string_view text,

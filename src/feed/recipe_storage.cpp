@@ -117,11 +117,9 @@ class RecipesUpdate {
   void Recompute(RecipeRecord recipe) {
     const std::vector<RecipeLineRecord>& stored = lines_[std::to_string(recipe.id)];
     Ration ration{.recipe = std::move(recipe), .lines = stored};
-    try {
-      RecalcRecipe(ration);
-    } catch (const Error& error) {
+    if (const std::string failure = RecalcFailure(ration); !failure.empty()) {
       failures_ += std::string(kLineEnd) + FormatIdPrefix(ration.recipe.id) + ration.recipe.name +
-                   ": " + error.what();
+                   ": " + failure;
       return;
     }
     for (std::size_t line = 0; line < stored.size(); ++line) {

@@ -82,16 +82,6 @@ void RecalcNamingTheRecipe(std::string_view batch_type, RecipeLineRecord& line) 
   }
 }
 
-// Computes the lines. If that fails, leaves them unchanged and returns the reason.
-std::string RecalcFailure(Ration& ration) {
-  try {
-    RecalcRecipe(ration);
-  } catch (const Error& error) {
-    return error.what();
-  }
-  return {};
-}
-
 template <typename Record, typename Commit>
 bool Store(SQLite::Database& database, Record& record, const Calendar& calendar,
            const Commit& commit) {

@@ -149,6 +149,14 @@ const RecordField& FieldOf(RecordKind kind, std::string_view name) {
   return *field;
 }
 
+LeftField LeaveField(const RecordField& field, std::string_view text) {
+  try {
+    return {.text = field.leave(text), .refusal = {}};
+  } catch (const FieldRefusal& refusal) {
+    return {.text = {}, .refusal = refusal.what()};
+  }
+}
+
 FieldEntry EnterText(const RecordField& field, std::string_view typed) {
   std::string box;
   for (std::string_view rest = typed; !rest.empty();) {

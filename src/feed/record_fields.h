@@ -81,6 +81,14 @@ struct RecordField {
 // Throws std::out_of_range if the kind has no such field.
 const RecordField& FieldOf(RecordKind kind, std::string_view name);
 
+struct LeftField {
+  std::string text;     // empty if it is refused
+  std::string refusal;  // for the operator; empty if it is not refused
+};
+
+// RecordField::leave with the refusal as a result.
+LeftField LeaveField(const RecordField& field, std::string_view text);
+
 struct FieldEntry {
   std::string text;
   std::string note;  // why a number differs from the typed one, else empty

@@ -36,15 +36,27 @@ KRMCOMM::KRMCOMM(SerialControl& serial, EventPump& pump, Operator& op, const Pri
       tim_krm_general_delay_(Milliseconds{0}),
       tim_reset_delay_(kWakeTime) {}
 
-template <typename Step>
-bool KRMCOMM::Try(Step step) {
+std::optional<std::string> KRMCOMM::SerialFailure(const std::function<void()>& step) {
   try {
     step();
-    return true;
+    return std::nullopt;
   } catch (const SerialError& error) {
+    return error.what();
+  }
+}
+
+bool KRMCOMM::Try(const std::function<void()>& step) {
+  std::optional<std::string> cause = SerialFailure(step);
+  if (cause) {
     SetFailure(!serial_.PortOpen() || LineGone() ? LinkError::kLost : LinkError::kRefused,
-               error.what());
-    return false;
+               std::move(*cause));
+  }
+  return !cause;
+}
+
+void KRMCOMM::InterruptIfLost(const std::function<void()>& step) {
+  if (std::optional<std::string> cause = SerialFailure(step)) {
+    Interrupt(LinkError::kLost, "Serial line lost", std::move(*cause));
   }
 }
 
@@ -207,11 +219,7 @@ bool KRMCOMM::Drain() {
 bool KRMCOMM::KRM_WaitForTerminators(int count) {
   std::string buffer;
   bool complete = false;
-  try {
-    complete = Receive(count, buffer);
-  } catch (const SerialError& error) {
-    Interrupt(LinkError::kLost, "Serial line lost", error.what());
-  }
+  InterruptIfLost([&] { complete = Receive(count, buffer); });
   tim_rxd_timeout_.Disable();
   if (complete) {
     rxd_buffer_ = std::move(buffer);
@@ -264,14 +272,13 @@ bool KRMCOMM::GoesOn() {
 }
 
 std::optional<int> KRMCOMM::BytesToSend() {
-  try {
+  std::optional<int> bytes;
+  InterruptIfLost([&] {
     if (GoesOn()) {
-      return serial_.OutBufferCount();
+      bytes = serial_.OutBufferCount();
     }
-  } catch (const SerialError& error) {
-    Interrupt(LinkError::kLost, "Serial line lost", error.what());
-  }
-  return std::nullopt;
+  });
+  return bytes;
 }
 
 void KRMCOMM::Interrupt(LinkError error, std::string_view message, std::string cause) {
@@ -283,12 +290,7 @@ void KRMCOMM::Interrupt(LinkError error, std::string_view message, std::string c
 }
 
 bool KRMCOMM::LineGone() {
-  try {
-    serial_.OutBufferCount();
-    return false;
-  } catch (const SerialError&) {
-    return true;
-  }
+  return SerialFailure([this] { serial_.OutBufferCount(); }).has_value();
 }
 
 }  // namespace vrx

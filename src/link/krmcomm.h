@@ -4,6 +4,7 @@
 #include <array>
 #include <cstddef>
 #include <cstdint>
+#include <functional>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -221,8 +222,12 @@ class KRMCOMM {
   // Closes the port and makes all pending waits fail.
   void Interrupt(LinkError error, std::string_view message, std::string cause);
   bool LineGone();
-  template <typename Step>
-  bool Try(Step step);
+
+  // Run a step on the port. SerialFailure returns why it failed, or nothing. Try records the
+  // failure and returns false. InterruptIfLost ends all waits after a failure.
+  static std::optional<std::string> SerialFailure(const std::function<void()>& step);
+  bool Try(const std::function<void()>& step);
+  void InterruptIfLost(const std::function<void()>& step);
 
   bool AskForEcho(char code);
   bool ReplyBeginsWith(char code);

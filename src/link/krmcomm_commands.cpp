@@ -84,7 +84,8 @@ bool KRMCOMM::TakeDump(char code) {
 void KRMCOMM::TakeStrays() {
   OneShotTimer window(kStrayTime);
   window.Enable(pump_.Now());
-  try {
+  // The reply is complete even if the line is lost.
+  InterruptIfLost([&] {
     while (serial_.PortOpen() && GoesOn()) {
       rxd_buffer_ += serial_.InBufferCount() >= 1 ? serial_.Input() : std::string();
       const Milliseconds now = pump_.Now();
@@ -93,19 +94,16 @@ void KRMCOMM::TakeStrays() {
       }
       pump_.Pump(window.Left(now));
     }
-  } catch (const SerialError& error) {
-    Interrupt(LinkError::kLost, "Serial line lost", error.what());  // the reply is complete anyway
-  }
+  });
 }
 
 void KRMCOMM::KRM_TakeUnread() {
-  try {
+  // A lost line has no more bytes.
+  SerialFailure([this] {
     if (serial_.InBufferCount() >= 1) {
       rxd_buffer_ += serial_.Input();
     }
-  } catch (const SerialError&) {
-    // A lost line has no more bytes.
-  }
+  });
 }
 
 bool KRMCOMM::KRM_Download(std::string_view text) { return KRM_Open() && KRM_SendString(text); }

@@ -149,11 +149,7 @@ bool KRMCOMM::KRM_DirectRxD() {
   message_received_ = false;
   abort_direct_connect_ = false;
   tim_rxd_timeout_.Disable();
-  try {
-    ReceiveBurst(burst);
-  } catch (const SerialError& error) {
-    Interrupt(LinkError::kLost, "Serial line lost", error.what());
-  }
+  InterruptIfLost([&] { ReceiveBurst(burst); });
   tim_rxd_timeout_.Disable();
   if (abort_direct_connect_) {
     burst.clear();

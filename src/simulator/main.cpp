@@ -50,15 +50,21 @@ void AddIndicator(CLI::App& program, IndicatorOptions& options) {
   indicator->footer(kScriptHelp);
 }
 
+// Reads an argument and turns a refusal into a wrong usage of that option.
+template <typename Read>
+void CheckArgument(const char* option, const Read& read) {
+  try {
+    read();
+  } catch (const std::invalid_argument& error) {
+    throw CLI::ValidationError(option, error.what());
+  }
+}
+
 void AddWork(CLI::App& module, WorkOptions& work) {
   CLI::Option* feeds = module.add_option_function<std::string>(
       kFeeds,
       [&work](const std::string& day) {
-        try {
-          work.first_day = ReadDay(day);
-        } catch (const std::invalid_argument& error) {
-          throw CLI::ValidationError(kFeeds, error.what());
-        }
+        CheckArgument(kFeeds, [&] { work.first_day = ReadDay(day); });
       },
       "An indicator feeds by each download, from this day on (2026-01-05), and leaves its records");
   module.add_option("--days", work.days, "Days that it feeds by one download")
@@ -84,11 +90,7 @@ CLI::App* AddModule(CLI::App& program, ModuleOptions& options, WorkOptions& work
           "--fault",
           [&options](const std::vector<std::string>& kinds) {
             for (const std::string& kind : kinds) {
-              try {
-                AddFault(options.faults, kind);
-              } catch (const std::invalid_argument& error) {
-                throw CLI::ValidationError("--fault", error.what());
-              }
+              CheckArgument("--fault", [&] { AddFault(options.faults, kind); });
             }
           },
           "silent, garbage, cut-after=N, extra-us, stall=MS, hang-up=N, strays=N, xoff=N or "

@@ -37,13 +37,11 @@ bool EditGate::Leave(FieldEdit edit) {
     }
     kept_.push_back({.edit = std::move(edit), .cause = std::move(refusal), .stored = true});
     ask_.start(0);
-  } catch (const DatabaseError& failure) {
-    if (!edit.entered) {
+  } catch (const Error& failure) {
+    if (!edit.entered && IsDatabaseError(failure)) {
       op_.Beep();
       return true;
     }
-    Keep(std::move(edit), failure.what());
-  } catch (const Error& failure) {
     Keep(std::move(edit), failure.what());
   }
   return false;

@@ -4,6 +4,7 @@
 #include <utility>
 
 #include "base/date.h"
+#include "base/undo.h"
 #include "desktop/records/record_form_page.h"
 #include "feed/record_fields.h"
 #include "widgets/qt_text.h"
@@ -69,17 +70,11 @@ void RecordFormPage::LeaveBox(FilteredEdit& box, std::string_view field, StoreFi
 
 // Also stores an empty name, and then returns the message for the operator.
 std::string RecordFormPage::StoreName() {
-  std::string refusal;
-  std::string left;
-  try {
-    left = Left(kNameField, NameText());
-  } catch (const FieldRefusal& failure) {
-    refusal = failure.what();
-  }
-  SetIfOther(*name_, left);
+  const LeftField left = LeaveField(FieldOf(design_.kind, kNameField), NameText());
+  SetIfOther(*name_, left.text);
   Store();
-  id_list_->SetItem(position_, left);
-  return refusal;
+  id_list_->SetItem(position_, left.text);
+  return left.refusal;
 }
 
 void RecordFormPage::LeaveName() {
@@ -94,12 +89,7 @@ void RecordFormPage::LeaveDescription() {
     const std::string old_name = NameText();
     SetIfOther(*description_, Left(kDescriptionField, DescriptionText()));
     SetIfOther(*name_, abbreviation.value_or(old_name));
-    try {
-      Store();
-    } catch (...) {
-      SetIfOther(*name_, old_name);
-      throw;
-    }
+    RunOrUndo([this] { Store(); }, [&] { SetIfOther(*name_, old_name); });
     id_list_->SetItem(position_, old_name);
     return std::string();
   });
@@ -145,12 +135,7 @@ void RecordFormPage::RowTyped(const std::string& field, const QString& text) {
     if (description_->text().isEmpty()) {
       description_->setText(name_->text());
     }
-    try {
-      return StoreName();
-    } catch (...) {
-      ShowStored();
-      throw;
-    }
+    return RunOrUndo([this] { return StoreName(); }, [this] { ShowStored(); });
   };
   const auto nameless = std::make_shared<bool>(false);
   const FieldEdit edit{
