@@ -23,6 +23,7 @@
 #include "feed/recipe_editor.h"
 #include "feed/record_fields.h"
 #include "feed/where_used.h"
+#include "presenter/record_actions.h"
 
 namespace vrx {
 
@@ -45,7 +46,8 @@ class LineAction {
   int Run(Session& session, const Edit& edit) const {
     const PrivateINI& settings = session.Settings();
     return EditRecipeFile(session, file_, kFieldErrorTitle, [&](SQLite::Database& database) {
-      RecipeEditor editor(database, session.Op(), settings, recipe_);
+      RecipeMessages messages(session.Op(), settings);
+      RecipeEditor editor(database, messages, recipe_);
       editor.RequireOpenLines();
       EditOutcome outcome{.done = edit(editor)};
       if (const std::string& failure = editor.Current().failure; !failure.empty()) {

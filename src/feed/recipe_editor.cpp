@@ -15,8 +15,6 @@
 namespace vrx {
 namespace {
 
-constexpr std::string_view kMoveErrorTitle = "Move (Error)";
-
 std::string LeftText(std::string_view field, std::string_view text) {
   return FieldOf(RecordKind::kRecipe, field).leave(text);
 }
@@ -119,13 +117,13 @@ void RecipeEditor::EditLine(const Change& change) {
     }
   });
   if (!refusal.empty()) {
-    ReportFieldError(refusal);
+    dialogs_.ReportRefusedName(refusal);
   }
 }
 
-RecipeEditor::RecipeEditor(SQLite::Database& database, Operator& op, const PrivateINI& settings,
-                           int recipe_id, StoredStep stored)
-    : database_(database), op_(op), settings_(settings), stored_(std::move(stored)) {
+RecipeEditor::RecipeEditor(SQLite::Database& database, RecipeDialogs& dialogs, int recipe_id,
+                           StoredStep stored)
+    : database_(database), dialogs_(dialogs), stored_(std::move(stored)) {
   Select(recipe_id);
 }
 
@@ -271,19 +269,15 @@ void RecipeEditor::EndEntry() {
 
 bool RecipeEditor::DeleteIng() {
   if (shown_.OnEntryRow()) {
-    return Refuse("Delete (Error)", "There is no ingredient selected to delete.");
+    dialogs_.ReportRefusedCommand("Delete (Error)", "There is no ingredient selected to delete.");
+    return false;
   }
   RequireOpenLines();
   const std::vector<IngredientRecord> active = ReadActiveIngredients(database_);
   const auto chosen = std::find_if(active.begin(), active.end(), [&](const auto& ingredient) {
     return std::to_string(ingredient.id) == shown_.Current().ingredient;
   });
-  const std::string name = chosen == active.end() ? "" : chosen->name;
-  const Answer answer = op_.ShowMessage({.icon = Icon::kQuestion,
-                                         .buttons = Buttons::kYesNo,
-                                         .title = "Delete Ingredient",
-                                         .text = "Delete " + name + " from this recipe?"});
-  if (answer != Answer::kYes) {
+  if (!dialogs_.ConfirmDelete(chosen == active.end() ? std::string() : chosen->name)) {
     return false;
   }
   Apply(RemoveCurrentLine);
@@ -293,7 +287,8 @@ bool RecipeEditor::DeleteIng() {
 bool RecipeEditor::MoveRow(MoveDirection direction) {
   const std::string_view obstacle = MoveObstacle(shown_, direction);
   if (!obstacle.empty()) {
-    return Refuse(kMoveErrorTitle, obstacle);
+    dialogs_.ReportRefusedCommand("Move (Error)", obstacle);
+    return false;
   }
   RequireOpenLines();
   const int neighbor = shown_.row + (direction == MoveDirection::kDown ? 1 : -1);
@@ -318,18 +313,6 @@ void RecipeEditor::RequireRoom() const {
 
 std::string RecipeEditor::RecipeLabel() const {
   return "Recipe " + std::to_string(shown_.ration.recipe.id);
-}
-
-bool RecipeEditor::Refuse(std::string_view title, std::string_view text) {
-  BeepIfEnabled(op_, settings_);
-  op_.ShowMessage(
-      {.icon = Icon::kInformation, .title = std::string(title), .text = std::string(text)});
-  return false;
-}
-
-void RecipeEditor::ReportFieldError(std::string_view text) {
-  op_.ShowMessage(
-      {.icon = Icon::kCritical, .title = std::string(kFieldErrorTitle), .text = std::string(text)});
 }
 
 }  // namespace vrx

@@ -10,8 +10,6 @@
 
 #include "database/records.h"
 #include "feed/current_recipe.h"
-#include "platform/operator.h"
-#include "settings/settings.h"
 
 namespace vrx {
 
@@ -19,6 +17,19 @@ enum class MoveDirection { kUp, kDown };
 
 // The ingredients that can be chosen for a line: those in use.
 std::vector<IngredientRecord> ReadActiveIngredients(SQLite::Database& database);
+
+// What the editor reports and asks during an event.
+class RecipeDialogs {
+ public:
+  virtual ~RecipeDialogs() = default;
+
+  // A command on a line was refused.
+  virtual void ReportRefusedCommand(std::string_view title, std::string_view text) = 0;
+  // The edit of a line is stored, but put the recipe in use with an invalid name.
+  virtual void ReportRefusedName(std::string_view text) = 0;
+  // Whether the ingredient's line is to be deleted.
+  virtual bool ConfirmDelete(const std::string& ingredient) = 0;
+};
 
 // The Recipes tab without its window: holds the current recipe and applies the events of its head
 // and grid to it and to the database. A view shows this state and forwards events of its enabled
@@ -38,7 +49,7 @@ class RecipeEditor {
   using StoredStep = std::function<void(const CurrentRecipe& next)>;
 
   // Starts with a recipe. All references must outlive the editor.
-  RecipeEditor(SQLite::Database& database, Operator& op, const PrivateINI& settings, int recipe_id,
+  RecipeEditor(SQLite::Database& database, RecipeDialogs& dialogs, int recipe_id,
                StoredStep stored = {});
 
   [[nodiscard]] const CurrentRecipe& Current() const { return shown_; }
@@ -89,8 +100,8 @@ class RecipeEditor {
   // the recipe.
   void EndEntry();
 
-  // Delete or move the current line. Return false if this was refused with a message, or if the
-  // operator answered No.
+  // Delete or move the current line. Return false if this was refused with a message, or if it was
+  // not confirmed.
   bool DeleteIng();
   bool MoveRow(MoveDirection direction);
 
@@ -113,12 +124,9 @@ class RecipeEditor {
   void Store(const Ration& before, CurrentRecipe next);
 
   std::string RecipeLabel() const;
-  bool Refuse(std::string_view title, std::string_view text);
-  void ReportFieldError(std::string_view text);
 
   SQLite::Database& database_;
-  Operator& op_;
-  const PrivateINI& settings_;
+  RecipeDialogs& dialogs_;
   StoredStep stored_;
   CurrentRecipe shown_;
 };

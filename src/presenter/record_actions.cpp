@@ -125,4 +125,19 @@ std::vector<std::string> SearchWhereUsed(SQLite::Database& database, int ingredi
   return items;
 }
 
+void RecipeMessages::ReportRefusedCommand(std::string_view title, std::string_view text) {
+  BeepIfEnabled(op_, settings_);
+  op_.ShowMessage(
+      {.icon = Icon::kInformation, .title = std::string(title), .text = std::string(text)});
+}
+
+void RecipeMessages::ReportRefusedName(std::string_view text) { ReportFieldRefusal(op_, text); }
+
+bool RecipeMessages::ConfirmDelete(const std::string& ingredient) {
+  return op_.ShowMessage({.icon = Icon::kQuestion,
+                          .buttons = Buttons::kYesNo,
+                          .title = "Delete Ingredient",
+                          .text = "Delete " + ingredient + " from this recipe?"}) == Answer::kYes;
+}
+
 }  // namespace vrx

@@ -1,10 +1,12 @@
 #pragma once
 
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include <SQLiteCpp/Database.h>
 
+#include "feed/recipe_editor.h"
 #include "feed/record_fields.h"
 #include "platform/progress_display.h"
 #include "presenter/services.h"
@@ -39,5 +41,20 @@ bool UpdateRecipes(SQLite::Database& database, ProgressDisplay& progress, Servic
 // followed by the recipes, "  3: STEERS". Empty after reporting a failure.
 std::vector<std::string> SearchWhereUsed(SQLite::Database& database, int ingredient_id,
                                          Services& services);
+
+// The messages and the question of the recipe's lines. A refused command beeps.
+class RecipeMessages final : public RecipeDialogs {
+ public:
+  // Both outlive it.
+  RecipeMessages(Operator& op, const PrivateINI& settings) : op_(op), settings_(settings) {}
+
+  void ReportRefusedCommand(std::string_view title, std::string_view text) override;
+  void ReportRefusedName(std::string_view text) override;
+  bool ConfirmDelete(const std::string& ingredient) override;
+
+ private:
+  Operator& op_;
+  const PrivateINI& settings_;
+};
 
 }  // namespace vrx

@@ -70,7 +70,7 @@ class RecipeEditorFaults : public RecipeEditorTest,
 
 TEST_P(RecipeEditorFaults, AReadOnlyDatabaseLeavesEverythingAsItWas) {
   SQLite::Database read_only = OpenDatabase(folder / "YARD.RDB", Access::kRead);
-  RecipeEditor tried(read_only, op, settings, kByWeight);
+  RecipeEditor tried(read_only, messages, kByWeight);
   ExpectUntouched(tried, [&] { GetParam().run(tried); });
 }
 
@@ -120,7 +120,7 @@ TEST_F(WriteProtectedRecipe, IsShownRecomputedAndStaysAsItIs) {
   const std::string before = ReadAll(path);
   const WithoutWritePermission protection(locked.Path());
   SQLite::Database read_only = OpenDatabase(path, Access::kRead);
-  RecipeEditor shown(read_only, op, settings, kByWeight);
+  RecipeEditor shown(read_only, messages, kByWeight);
   shown.RecomputeAll();
   shown.CommitRecipeRecord();
   EXPECT_EQ(shown.Current().ration.lines.at(0).ration_percent,
@@ -225,7 +225,7 @@ TEST_F(RecipeEditorFailure, ALineThatCannotBeAddedStaysInTheEntryRow) {
 TEST_F(RecipeEditorFailure, AFailedWriteBeepsWhateverTheSettingSays) {
   settings.SetEnableBeeperOn(false);
   SQLite::Database read_only = OpenDatabase(folder / "YARD.RDB", Access::kRead);
-  RecipeEditor tried(read_only, op, settings, kByWeight);
+  RecipeEditor tried(read_only, messages, kByWeight);
   EXPECT_FALSE(RunReported<Error>(op, EventFailure, [&] { tried.LeaveRationTarget("77"); }));
   EXPECT_EQ(op.beeps, 1);
   EXPECT_THAT(op.boxes, IsEmpty());

@@ -13,6 +13,7 @@
 #include "database/templates.h"
 #include "feed/ration_cells.h"
 #include "feed/recipe_editor.h"
+#include "presenter/record_actions.h"
 #include "settings/settings.h"
 #include "support/recording_operator.h"
 #include "support/temp_folder.h"
@@ -130,7 +131,8 @@ class RecipeEditorTest : public ::testing::Test {
   SQLite::Database database = OpenDatabase(MakeYard(), Access::kWrite);
   RecordingOperator op;
   PrivateINI settings;
-  RecipeEditor editor{database, op, settings, kUntyped};
+  RecipeMessages messages{op, settings};
+  RecipeEditor editor{database, messages, kUntyped};
 };
 
 }  // namespace vrx::testing

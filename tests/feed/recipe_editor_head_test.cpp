@@ -210,7 +210,7 @@ TEST_F(RecipeHead, AnotherSelectionAddsACompleteLineAndDiscardsAnIncompleteOne) 
 
 TEST_F(RecipeHead, WhatFollowsAStepRunsInsideItAndOnlyWhereSomethingIsStored) {
   int steps = 0;
-  RecipeEditor observed(database, op, settings, kByWeight, [&](const CurrentRecipe& next) {
+  RecipeEditor observed(database, messages, kByWeight, [&](const CurrentRecipe& next) {
     ++steps;
     EXPECT_EQ(next.ration.recipe.ration_target, "77");
     EXPECT_EQ(observed.Current().ration.recipe.ration_target, "5000");
@@ -225,7 +225,7 @@ TEST_F(RecipeHead, WhatFollowsAStepRunsInsideItAndOnlyWhereSomethingIsStored) {
 }
 
 TEST_F(RecipeHead, WhatFollowsAStepUndoesItWhereItFails) {
-  RecipeEditor observed(database, op, settings, kByWeight, [&](const CurrentRecipe& /*next*/) {
+  RecipeEditor observed(database, messages, kByWeight, [&](const CurrentRecipe& /*next*/) {
     database.exec("INSERT INTO NoSuchTable VALUES (1)");
   });
   EXPECT_THROW(observed.LeaveRationTarget("77"), DatabaseError);

@@ -10,7 +10,6 @@
 #include "feed/record_commit.h"
 #include "feed/record_fields.h"
 #include "feed/record_reset.h"
-#include "presenter/record_actions.h"
 #include "presenter/report_failure.h"
 #include "settings/settings.h"
 #include "widgets/layout.h"
@@ -46,6 +45,7 @@ RecipesPage::RecipesPage(Services& services, GeneralDelay& delay, AutoAbbreviati
       services_(services),
       delay_(delay),
       abbreviation_(abbreviation),
+      messages_(services.op, services.settings),
       gate_(services.op),
       head_(new RecipeHead(abbreviation, this)),
       lines_(new RecipeLines(*this, this)) {
@@ -136,7 +136,7 @@ void RecipesPage::Show() {
 }
 
 std::shared_ptr<RecipeEditor> RecipesPage::MakeEditor(SQLite::Database& connection, int id) {
-  return std::make_shared<RecipeEditor>(connection, services_.op, services_.settings, id,
+  return std::make_shared<RecipeEditor>(connection, messages_, id,
                                         [this, &connection](const CurrentRecipe& next) {
                                           TouchDatabase(connection, services_.calendar);
                                           stored_ = true;

@@ -14,6 +14,7 @@
 #include "desktop/records/record_page.h"
 #include "feed/recipe_editor.h"
 #include "presenter/operation.h"
+#include "presenter/record_actions.h"
 
 namespace vrx {
 
@@ -134,6 +135,7 @@ class RecipesPage final : public RecordPage, private RecipeGridEvents {
   SQLite::Database* connection_ = nullptr;  // none before the first database and after the last
   bool closed_ = true;                      // the blank template is shown
   bool read_only_ = false;
+  RecipeMessages messages_;
   std::shared_ptr<RecipeEditor> editor_;  // exactly while there is a connection
   bool stored_ = false;                   // the event on its way has changed the database
   bool entering_ = false;                 // a cell of a line is being stored
