@@ -4,6 +4,7 @@
 #include <QHeaderView>
 #include <QKeyEvent>
 #include <QMouseEvent>
+#include <QScopedValueRollback>
 #include <QScrollBar>
 #include <algorithm>
 #include <cstddef>
@@ -107,9 +108,10 @@ void RecipeGrid::ShowColumns(LineEntry entry) {
     return;
   }
   entry_ = entry;
-  sizing_ = true;
-  ShowRecipeColumns(*horizontalHeader(), entry);
-  sizing_ = false;
+  {
+    const QScopedValueRollback sizing(sizing_, true);
+    ShowRecipeColumns(*horizontalHeader(), entry);
+  }
   FitColumns();
   Q_EMIT LaidOut();
 }
@@ -118,13 +120,12 @@ void RecipeGrid::FitColumns() {
   if (sized_by_operator_ || entry_ == LineEntry::kNone) {
     return;
   }
-  sizing_ = true;
+  const QScopedValueRollback sizing(sizing_, true);
   const QString idle = QStringLiteral("click to add an ingredient");
   RecipeColumnWidths least = totals_;
   least.at(kColumnIngredient) =
       fontMetrics().horizontalAdvance(idle) + 2 * kCellMargin + 3 * kSpacing;
   FitRecipeColumns(*horizontalHeader(), viewport()->width(), least);
-  sizing_ = false;
 }
 
 void RecipeGrid::MakeRoomForTotals(const RecipeColumnWidths& totals) {

@@ -195,9 +195,11 @@ void RecipesPage::DiscardCell() {
 
 // Returns false if the cell is still being edited, or the operator stays in another field.
 bool RecipesPage::FinishCell() {
-  leaving_ = true;
-  const bool finished = gate_.Holds(&lines_->GrdRec()) || lines_->GrdRec().FinishEdit();
-  leaving_ = false;
+  bool finished = false;
+  {
+    const QScopedValueRollback leaving(leaving_, true);
+    finished = gate_.Holds(&lines_->GrdRec()) || lines_->GrdRec().FinishEdit();
+  }
   return gate_.Settle(MayStay::kYes) && (finished || !lines_->GrdRec().IsEditing());
 }
 
@@ -243,7 +245,7 @@ bool RecipesPage::RunWithNewLine(const Event& event) {
 
 void RecipesPage::KeepOpenEdits() {
   RecipeGrid& grid = lines_->GrdRec();
-  leaving_ = true;
+  const QScopedValueRollback leaving(leaving_, true);
   if (!gate_.Holds(&grid)) {
     grid.FinishEdit();
   }
@@ -252,7 +254,6 @@ void RecipesPage::KeepOpenEdits() {
       Leave(*box);
     }
   }
-  leaving_ = false;
 }
 
 bool RecipesPage::LeaveEdits(MayStay may_stay) {

@@ -1,5 +1,6 @@
 // Leaving the fields and cells of a record's form.
 
+#include <QScopedValueRollback>
 #include <memory>
 #include <utility>
 
@@ -154,11 +155,10 @@ void RecordFormPage::RowTyped(const std::string& field, const QString& text) {
       .discard = [this] { grid_->GiveUpEdit(); },
       // A cell without a name is stored and closed; the operator enters the name in its box.
       .stay = [this, nameless] { *nameless ? TakeFocus(*name_) : grid_->ReturnToEdit(); }};
-  cell_closes_ = true;
+  const QScopedValueRollback cell_closes(cell_closes_, true);
   if (!gate_.Leave(edit) && !gate_.IsStored(grid_)) {
     grid_->KeepEditor();
   }
-  cell_closes_ = false;
 }
 
 // All of them.
