@@ -28,8 +28,8 @@ std::string Joined(std::initializer_list<std::string_view> parts) {
   return text;
 }
 
-void Tell(Operator& op, Icon icon, std::string_view title, std::string text,
-          std::string cause = {}) {
+void ShowBox(Operator& op, Icon icon, std::string_view title, std::string text,
+             std::string cause = {}) {
   op.ShowMessage({.icon = icon,
                   .title = std::string(title),
                   .text = std::move(text),
@@ -76,24 +76,24 @@ class Creation {
   }
 
  private:
-  void Tell(Icon icon, std::string_view title, std::string text, std::string cause = {}) {
-    vrx::Tell(operator_, icon, title, std::move(text), std::move(cause));
+  void ShowBox(Icon icon, std::string_view title, std::string text, std::string cause = {}) {
+    vrx::ShowBox(operator_, icon, title, std::move(text), std::move(cause));
   }
 
   fs::path TemplatePath() const { return wanted_.program_directory / words_.template_name; }
 
   bool TemplateIsThere() {
     if (wanted_.program_directory.empty()) {
-      Tell(Icon::kCritical, "Error",
-           Joined({"Sorry, cannot create a new ", words_.noun, " database file.", kLineEnd,
-                   "Could not determine applications path."}));
+      ShowBox(Icon::kCritical, "Error",
+              Joined({"Sorry, cannot create a new ", words_.noun, " database file.", kLineEnd,
+                      "Could not determine applications path."}));
       return false;
     }
     if (!FileExists(TemplatePath())) {
-      Tell(Icon::kCritical, "File Missing Error",
-           Joined({"Couldn't find blank ", words_.noun, " database file.", kLineEnd,
-                   "Please run installation and reload support files."}),
-           TemplatePath().string() + " does not exist");
+      ShowBox(Icon::kCritical, "File Missing Error",
+              Joined({"Couldn't find blank ", words_.noun, " database file.", kLineEnd,
+                      "Please run installation and reload support files."}),
+              TemplatePath().string() + " does not exist");
       return false;
     }
     return true;
@@ -104,25 +104,25 @@ class Creation {
     if (CopyFileNoOverwrite(TemplatePath(), wanted_.path, &why)) {
       return true;
     }
-    const std::string told =
+    const std::string problem =
         Joined({"New ", words_.noun, " database file creation failed.", kLineEnd, kLineEnd,
                 "A file by the name ", wanted_.title,
                 " may already exist or there might be an invalid character in the name."});
     const std::string path = wanted_.path.string();
     if (why == std::errc::file_exists) {
-      Tell(Icon::kCritical, kCreationError, told, path + " already exists");
+      ShowBox(Icon::kCritical, kCreationError, problem, path + " already exists");
     } else {
-      Tell(Icon::kCritical, kCreationError,
-           Joined({told, kLineEnd, kLineEnd, path, " cannot be written: ", why.message()}));
+      ShowBox(Icon::kCritical, kCreationError,
+              Joined({problem, kLineEnd, kLineEnd, path, " cannot be written: ", why.message()}));
     }
     return false;
   }
 
   // The identity has already reported what failed, but not which file.
   void ReportNotMade() {
-    Tell(Icon::kCritical, kCreationError,
-         Joined({"New ", words_.noun, " database file creation failed.", kLineEnd, kLineEnd,
-                 wanted_.path.string(), " was not made: ", identity_.FailureCause()}));
+    ShowBox(Icon::kCritical, kCreationError,
+            Joined({"New ", words_.noun, " database file creation failed.", kLineEnd, kLineEnd,
+                    wanted_.path.string(), " was not made: ", identity_.FailureCause()}));
   }
 
   bool CopyIsBlank() {
@@ -134,11 +134,12 @@ class Creation {
     if (type == words_.blank_type) {
       return true;
     }
-    Tell(Icon::kWarning, "Invalid Database",
-         Joined({"The database file (", current_.name, ") that you specified, is not a valid nul ",
-                 words_.noun, " database for use with this VRX-2260 application."}),
-         Joined({TemplatePath().string(), " is of type \"", type, "\"; expected \"",
-                 words_.blank_type, "\""}));
+    ShowBox(
+        Icon::kWarning, "Invalid Database",
+        Joined({"The database file (", current_.name, ") that you specified, is not a valid nul ",
+                words_.noun, " database for use with this VRX-2260 application."}),
+        Joined({TemplatePath().string(), " is of type \"", type, "\"; expected \"",
+                words_.blank_type, "\""}));
     return false;
   }
 
@@ -165,10 +166,10 @@ bool AcceptDatabaseName(const std::string& title, Operator& op) {
   if (ValidDatabaseName(title)) {
     return true;
   }
-  Tell(op, Icon::kWarning, "Filename Error",
-       Joined({title, " is an invalid filename.", kLineEnd,
-               "Please enter a name with a maximum of eight characters (the file extension is "
-               "not required)."}));
+  ShowBox(op, Icon::kWarning, "Filename Error",
+          Joined({title, " is an invalid filename.", kLineEnd,
+                  "Please enter a name with a maximum of eight characters (the file extension is "
+                  "not required)."}));
   return false;
 }
 

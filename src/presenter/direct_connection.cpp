@@ -101,20 +101,20 @@ void DirectConnection::ShowTab(Connection connection) {
 }
 
 bool DirectConnection::DirectConnectLoop() {
-  bool standing = true;
-  while (standing && !krm_.GB_KRM_AbortDirectConnect()) {
+  bool connected = true;
+  while (connected && !krm_.GB_KRM_AbortDirectConnect()) {
     krm_.GL_KRM_RxDCount(0);
     krm_.GS_KRM_RxDBuffer({});
     StartUpdates();
-    standing = krm_.KRM_DirectRxD();
+    connected = krm_.KRM_DirectRxD();
     // A copy, because a handler that runs during an answer may receive too.
     const std::string burst = krm_.GS_KRM_RxDBuffer();
     Handle(burst);
     if (krm_.KRM_LineHeld()) {
-      standing = ReopenHeldLine();
+      connected = ReopenHeldLine();
     }
   }
-  if (standing) {
+  if (connected) {
     return true;
   }
   tim_direct_rxd_updates_.reset();
@@ -152,16 +152,16 @@ void DirectConnection::HandleByte(char byte) {
       transfer_.received.Discarded();
       transfer_.file_path.clear();
       transfer_.data_window.clear();
-      Tell(answered, "Received <DC4>, cleared memory.", "Received <DC4>, the answer failed.");
+      ShowReply(answered, "Received <DC4>, cleared memory.", "Received <DC4>, the answer failed.");
       break;
     }
     case KRMConst::NAK:
-      Tell(answer(&KRMCOMM::KRM_DumpVirtualMemory), "Received <NAK>, transmitted memory.",
-           "Received <NAK>, the answer failed.");
+      ShowReply(answer(&KRMCOMM::KRM_DumpVirtualMemory), "Received <NAK>, transmitted memory.",
+                "Received <NAK>, the answer failed.");
       break;
     case KRMConst::FS:
-      Tell(answer(&KRMCOMM::KRM_DumpAllVirtualMemory), "Received <FS>, transmitted memory.",
-           "Received <FS>, the answer failed.");
+      ShowReply(answer(&KRMCOMM::KRM_DumpAllVirtualMemory), "Received <FS>, transmitted memory.",
+                "Received <FS>, the answer failed.");
       break;
     default:
       krm_.KRM_AppendToVirtualMemory({&byte, 1});
@@ -169,7 +169,7 @@ void DirectConnection::HandleByte(char byte) {
   }
 }
 
-void DirectConnection::Tell(bool answered, std::string_view done, std::string_view failed) {
+void DirectConnection::ShowReply(bool answered, std::string_view done, std::string_view failed) {
   if (answered) {
     ReportNeutral(op_, done);
     return;
@@ -190,7 +190,7 @@ bool DirectConnection::LoadMemory(std::string_view text) {
   const bool answered = krm_.KRM_ClearVirtualMemory();
   transfer_.received.Discarded();
   krm_.KRM_AppendToVirtualMemory(text);
-  Tell(answered, kWaitingAfterLoad, "The memory is loaded, the answer failed.");
+  ShowReply(answered, kWaitingAfterLoad, "The memory is loaded, the answer failed.");
   return answered;
 }
 

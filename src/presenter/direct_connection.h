@@ -56,7 +56,7 @@ class DirectConnection {
   void SetMemorySize(std::size_t bytes);
   void Handle(std::string_view burst);
   void HandleByte(char byte);
-  void Tell(bool answered, std::string_view done, std::string_view failed);
+  void ShowReply(bool answered, std::string_view done, std::string_view failed);
   bool ReopenHeldLine();
 
   KRMCOMM& krm_;

@@ -81,9 +81,9 @@ bool DatabaseCommands::AskSaveAs(Side& side) {
                                   .filter = std::string(words.filter).append(kAllFiles),
                                   .default_extension = std::string(words.extension),
                                   .flags = kShortNames | kHideReadOnly | kOverwritePrompt});
-    const KindRules& manner = RulesOf(side.kind);
-    if (choice.Cancelled() || !delay_.Wait(manner.save_as_delay) ||
-        (manner.save_as_tests_name && !AcceptDatabaseName(choice.title, services_.op))) {
+    const KindRules& rules = RulesOf(side.kind);
+    if (choice.Cancelled() || !delay_.Wait(rules.save_as_delay) ||
+        (rules.save_as_tests_name && !AcceptDatabaseName(choice.title, services_.op))) {
       return;
     }
     save_as_path_ = choice.path;

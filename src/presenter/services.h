@@ -13,7 +13,7 @@
 namespace vrx {
 
 // What the presenters and the pages above them work with. Each program makes one and passes it by
-// reference. Everything here outlives whoever holds the reference.
+// reference. Everything here outlives the holders of the reference.
 struct Services {
   Operator& op;
   FileChooser& files;

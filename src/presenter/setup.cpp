@@ -128,7 +128,8 @@ ModuleSetup::ModuleSetup(KRMCOMM& krm, PrivateINI& settings, Operator& op,
                          std::function<void(bool)> standby)
     : krm_(krm), settings_(settings), op_(op), standby_(std::move(standby)) {}
 
-void ModuleSetup::Tell(Icon icon, std::string_view title, std::string_view text, bool with_cause) {
+void ModuleSetup::ShowResult(Icon icon, std::string_view title, std::string_view text,
+                             bool with_cause) {
   if (!abandoned_) {
     op_.ShowMessage({.icon = icon,
                      .title = std::string(title),
@@ -150,12 +151,12 @@ void ModuleSetup::TestKRM(std::string_view port, std::string_view baud) {
     detected = krm_.KRM_OnlineCheck();
   }
   if (detected) {
-    Tell(Icon::kInformation, kTestTitle, "KRM Successfully Detected.");
+    ShowResult(Icon::kInformation, kTestTitle, "KRM Successfully Detected.");
   } else {
-    Tell(Icon::kWarning, kTestTitle,
-         "KRM Not Detected.  (Communication Error)\r\n"
-         "Please check KRM module connection, cable and serial port selection.",
-         true);
+    ShowResult(Icon::kWarning, kTestTitle,
+               "KRM Not Detected.  (Communication Error)\r\n"
+               "Please check KRM module connection, cable and serial port selection.",
+               true);
   }
 }
 
@@ -175,14 +176,14 @@ void ModuleSetup::ClearKRM(std::string_view port, std::string_view baud) {
   }
   const Work work(*this);
   if (!krm_.KRM_OnlineCheck()) {
-    Tell(Icon::kWarning, kClearTitle,
-         "The 'Clear' operation failed. (Could not connect to the KRM)", true);
+    ShowResult(Icon::kWarning, kClearTitle,
+               "The 'Clear' operation failed. (Could not connect to the KRM)", true);
   } else if (abandoned_) {
     return;
   } else if (!krm_.KRM_Clear()) {
-    Tell(Icon::kWarning, kClearTitle, "The 'Clear' operation failed.", true);
+    ShowResult(Icon::kWarning, kClearTitle, "The 'Clear' operation failed.", true);
   } else {
-    Tell(Icon::kInformation, kClearTitle, "The 'Clear' operation was successful.");
+    ShowResult(Icon::kInformation, kClearTitle, "The 'Clear' operation was successful.");
   }
 }
 
@@ -193,7 +194,7 @@ void ModuleSetup::SetBaud(std::string_view baud) {
   }
   settings_.SetKRMBaudRate(baud);
   if (baud.empty()) {
-    Tell(Icon::kNone, kBaudTitle, "Please select a baudrate setting.");
+    ShowResult(Icon::kNone, kBaudTitle, "Please select a baudrate setting.");
     return;
   }
   const Work work(*this);
@@ -202,15 +203,16 @@ void ModuleSetup::SetBaud(std::string_view baud) {
     return;
   }
   if (krm_.KRM_SetBaud(TextToInt(baud))) {
-    Tell(Icon::kInformation, kBaudTitle,
-         "Successfully set the KRM baudrate.\r\n\r\n"
-         "This new baudrate setting will only be in effect when the KRM module is connected to an "
-         "K-2260 or some other indicator.");
+    ShowResult(
+        Icon::kInformation, kBaudTitle,
+        "Successfully set the KRM baudrate.\r\n\r\n"
+        "This new baudrate setting will only be in effect when the KRM module is connected to an "
+        "K-2260 or some other indicator.");
   } else {
-    Tell(Icon::kWarning, kBaudTitle,
-         "Failed to set the KRM baudrate.\r\n\r\n"
-         "Please check KRM module connection, cable and serial port selection.",
-         true);
+    ShowResult(Icon::kWarning, kBaudTitle,
+               "Failed to set the KRM baudrate.\r\n\r\n"
+               "Please check KRM module connection, cable and serial port selection.",
+               true);
   }
 }
 

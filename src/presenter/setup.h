@@ -42,7 +42,8 @@ class ModuleSetup {
  private:
   class Work;
 
-  void Tell(Icon icon, std::string_view title, std::string_view text, bool with_cause = false);
+  void ShowResult(Icon icon, std::string_view title, std::string_view text,
+                  bool with_cause = false);
 
   KRMCOMM& krm_;
   PrivateINI& settings_;

@@ -14,7 +14,7 @@ namespace {
 
 constexpr Milliseconds kUploadingInterval{500};
 
-void Tell(Operator& op, StatusColor color, std::string_view words) {
+void ShowStatus(Operator& op, StatusColor color, std::string_view words) {
   op.SetStatusColor(color);
   op.SetStatusLine(words);
 }
@@ -187,12 +187,18 @@ void Upload::ShowDataFile(int file) {
                                       static_cast<std::size_t>(attributes.length));
 }
 
-void ReportStandby(Operator& op) { Tell(op, StatusColor::kBlue, "Standby..."); }
+void ReportStandby(Operator& op) { ShowStatus(op, StatusColor::kBlue, "Standby..."); }
 
-void ReportNeutral(Operator& op, std::string_view words) { Tell(op, StatusColor::kBlue, words); }
+void ReportNeutral(Operator& op, std::string_view words) {
+  ShowStatus(op, StatusColor::kBlue, words);
+}
 
-void ReportComplete(Operator& op, std::string_view words) { Tell(op, StatusColor::kGreen, words); }
+void ReportComplete(Operator& op, std::string_view words) {
+  ShowStatus(op, StatusColor::kGreen, words);
+}
 
-void ReportFailed(Operator& op, std::string_view words) { Tell(op, StatusColor::kRed, words); }
+void ReportFailed(Operator& op, std::string_view words) {
+  ShowStatus(op, StatusColor::kRed, words);
+}
 
 }  // namespace vrx

@@ -158,7 +158,7 @@ HistoryPage::HistoryPage(Services& services, std::function<bool()> active_ingred
       chk_expand_all_(AddCheck("chkExpandAll", QStringLiteral(" E&xpand All"),
                                QStringLiteral("Show every group open"))),
       chk_use_history_navigator_(AddCheck("chkUseHistoryNavigator", QStringLiteral("&Navigator"),
-                                          QStringLiteral("Show where the list stands"))),
+                                          QStringLiteral("Show the position in the list"))),
       chk_bat_fit_page_(
           AddCheck("chkBatFitPage", QStringLiteral("F&it/Print All Columns on Page"),
                    QStringLiteral("Print every column on one page, in smaller letters"))),

@@ -82,7 +82,7 @@ class CommandActions {
 struct MenuRow {
   std::string_view name;                     // of the control
   std::string_view caption_id;               // in the caption table
-  std::string_view parent = {};              // the menu it stands in; empty in the menu bar
+  std::string_view parent = {};              // its menu; empty in the menu bar
   MainCommand command = MainCommand::kNone;  // none for a menu with items of its own
   std::string_view shortcut = {};
 };

@@ -14,8 +14,8 @@ namespace {
 
 struct PanelRow {
   std::string_view caption;   // of the fixed panel before it
-  std::string_view tool_tip;  // behind the database's kind
-  std::string_view widest;    // what there is room for; the name gives way in a narrow window
+  std::string_view tool_tip;  // after the kind of database
+  std::string_view widest;    // sets the width; the name is elided in a narrow window
 };
 
 struct Bar {

@@ -146,13 +146,13 @@ void PrintCommands::PrintCurrentRecipe() {
 void PrintCommands::PrintAllRecipes(SQLite::Database& recipes) {
   std::optional<BusyCursor> busy(services_.op);
   const ScanShown scan(*window_.findChild<RecipeLines*>());
-  scan.Panel().Tell(QStringLiteral("Scanning database..."));
+  scan.Panel().ShowText(QStringLiteral("Scanning database..."));
   int count = 0;
   for (int id = 1; id <= kRecipeCount; ++id) {
     scan.Panel().GoTo(id);
     count += ReadRecipeLines(recipes, id).empty() ? 0 : 1;
   }
-  scan.Panel().Tell(QStringLiteral("Scan done!"));
+  scan.Panel().ShowText(QStringLiteral("Scan done!"));
   busy.reset();
   if (count < 1) {
     Refuse(Icon::kInformation, "There are no recipe entries to be printed.");
@@ -177,7 +177,7 @@ void PrintCommands::PrintAllRecipes(SQLite::Database& recipes) {
   if (answer != Answer::kYes) {
     return;
   }
-  scan.Panel().Tell(QStringLiteral("Printing recipes..."));
+  scan.Panel().ShowText(QStringLiteral("Printing recipes..."));
   const std::unique_ptr<PrintTarget> paper = setup_.Open(kDocument);
   const bool printed =
       paper && OnPaper(*paper, [&](ReportJob& job) {
@@ -191,7 +191,7 @@ void PrintCommands::PrintAllRecipes(SQLite::Database& recipes) {
         return true;
       });
   if (printed) {
-    scan.Panel().Tell(QStringLiteral("Done!"));
+    scan.Panel().ShowText(QStringLiteral("Done!"));
   }
 }
 

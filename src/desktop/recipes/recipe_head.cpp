@@ -57,7 +57,7 @@ RecipeHead::RecipeHead(AutoAbbreviation& abbreviation, QWidget* parent)
 
 void RecipeHead::MakeLists() {
   id_list_ = new RecordIdList(QStringLiteral("cboRecID"), kRecipeCount, this);
-  id_list_->setToolTip(QStringLiteral("Recipe on show"));
+  id_list_->setToolTip(QStringLiteral("Current recipe"));
   batch_type_ = new ChoiceList(this);
   batch_type_->setObjectName(QStringLiteral("lstRecBatchType"));
   for (const BatchType& type : BatchTypes()) {

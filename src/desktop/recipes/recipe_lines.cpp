@@ -107,7 +107,7 @@ ScanPanel::ScanPanel(QWidget* parent)
   column->addWidget(bar_, 0, Qt::AlignHCenter);
 }
 
-void ScanPanel::Tell(const QString& text) {
+void ScanPanel::ShowText(const QString& text) {
   text_->setText(text);
   repaint();
 }

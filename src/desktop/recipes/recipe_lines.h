@@ -46,7 +46,7 @@ class ScanPanel : public QWidget {
  public:
   explicit ScanPanel(QWidget* parent = nullptr);
 
-  void Tell(const QString& text);
+  void ShowText(const QString& text);
   void GoTo(int position);
 
  private:

@@ -27,7 +27,7 @@ struct SetupFacts {
   std::string transaction_path;
   std::string transaction_unit;
   std::string qxt_path;
-  std::string qxt_text;  // bytes as they stand in the file
+  std::string qxt_text;  // bytes as in the file
   ConnectionTexts connections;
 };
 

@@ -207,7 +207,8 @@ void SetupModuleTab::AddCommands(QBoxLayout& frames) {
       AddCommand(*frame, "cmdClearKRM", QStringLiteral("&Clear KRM"),
                  QStringLiteral("Empty the memory of the module"), &SetupModuleTab::ClearKRM),
       AddCommand(*frame, "cmdSetBaud", QStringLiteral("&Set Baud"),
-                 QStringLiteral("Tell the module the chosen baud rate"), &SetupModuleTab::SetBaud)};
+                 QStringLiteral("Set the module to the chosen baud rate"),
+                 &SetupModuleTab::SetBaud)};
   for (QPushButton* const command : commands_) {
     column->addWidget(command);
   }

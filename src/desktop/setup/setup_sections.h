@@ -9,7 +9,7 @@ namespace vrx {
 
 // A section of a tab of `SETUP` with a heading. It has no visible frame, because the tab has one.
 struct SetupSection {
-  QWidget* frame;        // bears the name
+  QWidget* frame;        // has the name
   QVBoxLayout* content;  // to be filled, below the heading
 };
 SetupSection AddSection(QBoxLayout& tab, const char* name, const QString& heading, int stretch = 0);

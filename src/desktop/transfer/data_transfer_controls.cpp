@@ -55,7 +55,7 @@ class BoxesToBeSeen : public QStyledItemDelegate {
   static constexpr int kOutline = 140;  // per cent
 };
 
-bool Stands(const QListWidget& list, const std::vector<DataFileRow>& rows) {
+bool Shows(const QListWidget& list, const std::vector<DataFileRow>& rows) {
   if (list.count() != static_cast<int>(rows.size())) {
     return false;
   }
@@ -246,7 +246,7 @@ void DataTransferControls::ShowLine(const LineGuard& line) {
 
 void DataTransferControls::ShowDataFiles(const TransferState& transfer) {
   const QSignalBlocker silent(lst_data_files);
-  if (!Stands(*lst_data_files, transfer.data_files)) {
+  if (!Shows(*lst_data_files, transfer.data_files)) {
     lst_data_files->clear();
     for (const DataFileRow& row : transfer.data_files) {
       auto* const item = new QListWidgetItem(ToQString(row.text), lst_data_files);
