@@ -109,7 +109,7 @@ std::optional<fs::path> ToolPath(const SystemInfo& system, std::string_view os_n
 
 constexpr int kLargestFailure = 32;
 
-std::string FailureText(int code, const std::string& document) {
+std::string ViewerFailure(int code, const std::string& document) {
   switch (code) {
     case 0:
       return "Error, system out of memory or resources.";
@@ -238,7 +238,7 @@ std::string FindDocumentViewer(const SystemInfo& system, const std::string& docu
     return TrimNulls(viewer);
   }
   message = SecondMessage(code);
-  return FailureText(code, document);
+  return ViewerFailure(code, document);
 }
 
 bool HasDocumentViewer(const SystemInfo& system, const std::string& document) {

@@ -7,6 +7,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include "base/files.h"
 #include "database/connection.h"
 #include "feed/record_fields.h"
 #include "support/recording_operator.h"
