@@ -143,17 +143,21 @@ void PrintCommands::PrintCurrentRecipe() {
   }
 }
 
-void PrintCommands::PrintAllRecipes(SQLite::Database& recipes) {
-  std::optional<BusyCursor> busy(services_.op);
-  const ScanShown scan(*window_.findChild<RecipeLines*>());
-  scan.Panel().ShowText(QStringLiteral("Scanning database..."));
+int PrintCommands::CountRecipesWithLines(SQLite::Database& recipes, ScanPanel& panel) {
+  const BusyCursor busy(services_.op);
+  panel.ShowText(QStringLiteral("Scanning database..."));
   int count = 0;
   for (int id = 1; id <= kRecipeCount; ++id) {
-    scan.Panel().GoTo(id);
+    panel.GoTo(id);
     count += ReadRecipeLines(recipes, id).empty() ? 0 : 1;
   }
-  scan.Panel().ShowText(QStringLiteral("Scan done!"));
-  busy.reset();
+  panel.ShowText(QStringLiteral("Scan done!"));
+  return count;
+}
+
+void PrintCommands::PrintAllRecipes(SQLite::Database& recipes) {
+  const ScanShown scan(*window_.findChild<RecipeLines*>());
+  const int count = CountRecipesWithLines(recipes, scan.Panel());
   if (count < 1) {
     Refuse(Icon::kInformation, "There are no recipe entries to be printed.");
     return;

@@ -16,6 +16,8 @@
 
 namespace vrx {
 
+class ScanPanel;
+
 // `mnuFilePrint` and `mnuFilePrintSetup`: prints the current tab without a dialog. Reports
 // failures.
 class PrintCommands {
@@ -37,6 +39,8 @@ class PrintCommands {
 
   void PrintCurrentRecipe();
   void PrintAllRecipes(SQLite::Database& recipes);
+  // Shows its progress in the panel.
+  int CountRecipesWithLines(SQLite::Database& recipes, ScanPanel& panel);
   // With the columns in the order of the grid.
   Report ReportOf(const CurrentRecipe& recipe,
                   const std::vector<IngredientRecord>& ingredients) const;
