@@ -22,7 +22,7 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
-#include "desktop/app/start_up.h"
+#include "desktop/app/program.h"
 #include "figures.h"
 #include "measure.h"
 #include "support/environment.h"

@@ -4,6 +4,7 @@
 #include <QApplication>
 #include <QTemporaryDir>
 #include <algorithm>
+#include <optional>
 #include <system_error>
 #include <utility>
 
@@ -11,7 +12,7 @@
 #include "adapters/qt_event_pump.h"
 #include "base/error.h"
 #include "base/files.h"
-#include "desktop/app/desktop_context.h"
+#include "desktop/dialogs/about_and_splash.h"
 #include "link/krmcomm.h"
 #include "make_manual/sample_records.h"
 #include "platform/serial_control.h"
@@ -155,13 +156,6 @@ class SampleOperator : public QtOperator {
   std::string told;
 };
 
-class StayingProgram : public ExitRoads {
- public:
-  void CloseBox() override {}
-  void FileExit() override {}
-  void SessionEnd() override {}
-};
-
 // A folder that is the current one while it lives.
 class WorkFolder {
  public:
@@ -187,27 +181,20 @@ class WorkFolder {
 
 class SampleProgram::Parts {
  public:
-  explicit Parts(const fs::path& program_directory)
-      : system(fs::absolute(program_directory)), application{Folder(system), {}, {}} {
-    application.app_folder.CheckAppDefaultDir();
-    application.ini.emplace(application.app_folder.IniFilePath(), system, op);
-    static_cast<void>(PrivateINI::EnsureIniFile(*application.ini, op));
-    application.settings.ReadIniSettings(*application.ini);
+  explicit Parts(const fs::path& program_directory) : system(fs::absolute(program_directory)) {
+    app_folder.CheckAppDefaultDir();
+    ini.emplace(app_folder.IniFilePath(), system, op);
+    static_cast<void>(PrivateINI::EnsureIniFile(*ini, op));
+    settings.ReadIniSettings(*ini);
     op.told.clear();  // that the settings are new
     CopySite();
-    form = MakeVrxMain({.services = services,
-                        .lock_waits = lock_waits,
-                        .application = application,
-                        .op = op,
-                        .user_settings = user_settings,
-                        .os = os,
-                        .serial = serial,
-                        .exit = exit});
+    const auto stay = [](ExitReason) {};
+    form = std::make_unique<MainForm>(services, lock_waits, user_settings, serial, *ini, stay);
+    form->ShowStatusOf(op);
+    SetHelpHandlers(form->Window(), system, os, op);
   }
 
-  fs::path SiteFile(const std::string& name) const {
-    return application.app_folder.DefaultAppPath() / name;
-  }
+  fs::path SiteFile(const std::string& name) const { return app_folder.DefaultAppPath() / name; }
 
   void RunEvents() {
     // A queued call may post another one.
@@ -243,19 +230,20 @@ class SampleProgram::Parts {
   SampleCalendar calendar;
   SampleModule serial;
   HastyPump pump;
-  StayingProgram exit;
-  ApplicationState application;
+  Folder app_folder{system};
+  std::optional<CPrivateINI> ini;
+  PrivateINI settings;
   ChildProcessRunner programs;
   WaitBudget lock_waits{kLongestLockWait};
-  DatabaseIdentity identity{op, calendar, application.settings, lock_waits};
+  DatabaseIdentity identity{op, calendar, settings, lock_waits};
   Services services{.op = op,
                     .files = files,
                     .pump = pump,
                     .programs = programs,
                     .calendar = calendar,
                     .system = system,
-                    .settings = application.settings,
-                    .folder = application.app_folder,
+                    .settings = settings,
+                    .folder = app_folder,
                     .identity = identity};
   std::unique_ptr<MainForm> form;
 };
@@ -273,7 +261,7 @@ SampleProgram::SampleProgram(const fs::path& program_directory)
 
 SampleProgram::~SampleProgram() = default;
 
-MainWindow& SampleProgram::Window() { return dynamic_cast<VrxMain&>(*parts_->form).Window(); }
+MainWindow& SampleProgram::Window() { return parts_->form->Window(); }
 
 void SampleProgram::ShowTab(int tab) {
   Window().Tabs().SelectTab(tab);

@@ -3,7 +3,6 @@
 
 #include "adapters/linux_machine.h"
 #include "adapters/signals.h"
-#include "desktop/app/main_form.h"
 #include "desktop/app/program.h"
 #include "desktop/dialogs/about_and_splash.h"
 #include "widgets/drawing.h"
@@ -18,5 +17,5 @@ int main(int argc, char** argv) {
   QApplication::setWindowIcon(QIcon(vrx::kLogoPath));
   QApplication::setPalette(vrx::WithReadableHints(QPalette()));
   const vrx::LinuxSystemInfo system;
-  return vrx::DesktopProgram(system, vrx::MakeVrxMain).Run();
+  return vrx::Program(system).Run();
 }

@@ -3,19 +3,19 @@
 #include <QApplication>
 #include <QPushButton>
 #include <array>
+#include <filesystem>
+#include <fstream>
+#include <iostream>
+#include <iterator>
 #include <string>
+#include <system_error>
 #include <utility>
 
-#include "base/text.h"
-#include "desktop/app/lost_edits.h"
-#include "desktop/dialogs/about_and_splash.h"
+#include "database/identity.h"
 #include "settings/settings.h"
-#include "widgets/qt_text.h"
 
 namespace vrx {
 namespace {
-
-using enum MainCommand;
 
 struct DatabaseCommand {
   MainCommand command;
@@ -23,40 +23,45 @@ struct DatabaseCommand {
 };
 
 constexpr std::array<DatabaseCommand, 10> kDatabaseCommands{{
-    {kNewRecipeDatabase, &DatabaseCommands::NewRecipeDatabase},
-    {kNewTransactionDatabase, &DatabaseCommands::NewTransactionDatabase},
-    {kBrowseRecipeDatabase, &DatabaseCommands::BrowseRecipeDatabase},
-    {kBrowseTransactionDatabase, &DatabaseCommands::BrowseTransactionDatabase},
-    {kCloseRecipeDatabase, &DatabaseCommands::CloseRecipeDatabase},
-    {kCloseTransactionDatabase, &DatabaseCommands::CloseTransactionDatabase},
-    {kSaveRecipeDatabase, &DatabaseCommands::SaveRecipeDatabase},
-    {kSaveTransactionDatabase, &DatabaseCommands::SaveTransactionDatabase},
-    {kSaveAsRecipeDatabase, &DatabaseCommands::SaveAsRecipeCommand},
-    {kSaveAsTransactionDatabase, &DatabaseCommands::SaveAsTransactionCommand},
+    {MainCommand::kNewRecipeDatabase, &DatabaseCommands::NewRecipeDatabase},
+    {MainCommand::kNewTransactionDatabase, &DatabaseCommands::NewTransactionDatabase},
+    {MainCommand::kBrowseRecipeDatabase, &DatabaseCommands::BrowseRecipeDatabase},
+    {MainCommand::kBrowseTransactionDatabase, &DatabaseCommands::BrowseTransactionDatabase},
+    {MainCommand::kCloseRecipeDatabase, &DatabaseCommands::CloseRecipeDatabase},
+    {MainCommand::kCloseTransactionDatabase, &DatabaseCommands::CloseTransactionDatabase},
+    {MainCommand::kSaveRecipeDatabase, &DatabaseCommands::SaveRecipeDatabase},
+    {MainCommand::kSaveTransactionDatabase, &DatabaseCommands::SaveTransactionDatabase},
+    {MainCommand::kSaveAsRecipeDatabase, &DatabaseCommands::SaveAsRecipeCommand},
+    {MainCommand::kSaveAsTransactionDatabase, &DatabaseCommands::SaveAsTransactionCommand},
 }};
 
 constexpr std::array<std::pair<MainCommand, int>, 4> kTabCommands{{
-    {kEditIngredients, kTabIngredients},
-    {kEditRecipes, kTabRecipes},
-    {kEditPens, kTabPens},
-    {kViewTransactions, kTabBatchedFed},
+    {MainCommand::kEditIngredients, kTabIngredients},
+    {MainCommand::kEditRecipes, kTabRecipes},
+    {MainCommand::kEditPens, kTabPens},
+    {MainCommand::kViewTransactions, kTabBatchedFed},
 }};
 
 constexpr std::array<std::pair<MainCommand, const char*>, 2> kTransferCommands{{
-    {kTransferUpload, "cmdUploadDataFromKRM"},
-    {kTransferDownload, "cmdDownloadRecipeToKRM"},
+    {MainCommand::kTransferUpload, "cmdUploadDataFromKRM"},
+    {MainCommand::kTransferDownload, "cmdDownloadRecipeToKRM"},
 }};
+
+// In the data folder: edits that could not be stored when a signal ended the program, where no
+// answer can be waited for. The next start shows and removes them.
+constexpr const char* kLostEditsName = "UNSTORED.TXT";
 
 constexpr int kTwipsPerPixel = 15;  // 1440 to the inch, 96 logical pixels to the inch
 
 }  // namespace
 
-VrxMain::VrxMain(Services& services, WaitBudget& lock_waits, UserSettings& user_settings,
-                 SerialControl& serial, const CPrivateINI& ini, ExitRoads& exit)
+MainForm::MainForm(Services& services, WaitBudget& lock_waits, UserSettings& user_settings,
+                   SerialControl& serial, const CPrivateINI& ini,
+                   std::function<void(ExitReason)> exit)
     : services_(services),
       lock_waits_(lock_waits),
       ini_(ini),
-      exit_(exit),
+      exit_(std::move(exit)),
       actions_([this] { lock_waits_.Renew(); }),
       window_(services.settings, services.calendar),
       delay_(services.pump),
@@ -64,33 +69,49 @@ VrxMain::VrxMain(Services& services, WaitBudget& lock_waits, UserSettings& user_
       legacy_(services, conversion_),
       databases_(services, delay_, window_.Commands(), window_.Tabs(), window_, &legacy_),
       recent_(user_settings, services.settings, databases_),
-      records_(services, delay_, window_),
-      transfer_(services, serial, databases_, window_),
-      history_(services, databases_, window_, [this] { transfer_.ConfigureImportColumns(); }),
-      print_(services, databases_, transfer_.Import(), history_.History(), window_) {
+      record_pages_(AddRecordPages()),
+      krm_(serial, services.pump, services.op, services.settings),
+      data_transfer_(new DataTransferPage(services, krm_, *this,
+                                          window_.Panels().PicTransferStatus(), text_printer_)),
+      import_(new ImportPage(services, *this, window_.Panels().PicImport())),
+      style_sheets_(services.folder.DefaultAppPath(), services.system, services.op),
+      history_(new HistoryPage(services, [this] { return ActiveIngredientsOnly(); })),
+      print_(services, databases_, import_->Session(), *history_, window_) {
+  AddTransferPages();
+  AddHistoryPages();
   Connect();
   SetHandlers();
   Load();
 }
 
-void VrxMain::Connect() {
-  connect(&window_, &MainWindow::Painted, this, &VrxMain::Paint);
-  // Not from within the event: what is opened lets events run.
-  connect(&window_, &MainWindow::Activated, this, &VrxMain::Activate, Qt::QueuedConnection);
-  connect(&window_, &MainWindow::CloseRequested, this, [this] {
-    if (transfer_.MayLeave()) {
-      exit_.CloseBox();
+MainForm::~MainForm() {
+  history_->ReleaseViews();
+  for (const QPointer<RecordPage>& page : record_pages_) {
+    if (page) {
+      page->ReleaseViews();
     }
-  });
+  }
+}
+
+void MainForm::ShowStatusOf(const QtOperator& op) {
+  connect(&op, &QtOperator::StatusLineChanged, &window_, &MainWindow::SetStatusLine);
+  connect(&op, &QtOperator::StatusColorChanged, &window_, &MainWindow::SetStatusColor);
+}
+
+void MainForm::Connect() {
+  connect(&window_, &MainWindow::Painted, this, &MainForm::Paint);
+  // Not from within the event: what is opened lets events run.
+  connect(&window_, &MainWindow::Activated, this, &MainForm::Activate, Qt::QueuedConnection);
+  connect(&window_, &MainWindow::CloseRequested, this, [this] { Leave(ExitReason::kCloseBox); });
   connect(&window_, &MainWindow::StripFocused, this, [this] { databases_.AskAboutUnits(); });
   window_.SetPrintSources([this] {
     return PrintSources{.recipe_database = databases_.IsOpen(DatabaseKind::kRecipe),
                         .transaction_database = databases_.IsOpen(DatabaseKind::kTransaction),
-                        .transaction_file = !transfer_.Import().File().FileName().empty()};
+                        .transaction_file = !import_->Session().File().FileName().empty()};
   });
 }
 
-void VrxMain::SetHandlers() {
+void MainForm::SetHandlers() {
   for (const auto& [command, flow] : kDatabaseCommands) {
     window_.SetHandler(command, [this, flow = flow] { (databases_.*flow)(); });
   }
@@ -100,16 +121,18 @@ void VrxMain::SetHandlers() {
   for (const auto& [command, button] : kTransferCommands) {
     window_.SetHandler(command, [this, button = button] { GoToTransfer(button); });
   }
-  window_.SetHandler(kAutoAbbreviate, [this] { ToggleAutoAbbreviate(); });
-  window_.SetHandler(kCalendar, [this] { window_.ToggleCalendar(); });
-  window_.SetHandler(kExit, [this] {
-    if (transfer_.MayLeave()) {
-      exit_.FileExit();
-    }
-  });
+  window_.SetHandler(MainCommand::kAutoAbbreviate, [this] { ToggleAutoAbbreviate(); });
+  window_.SetHandler(MainCommand::kCalendar, [this] { window_.ToggleCalendar(); });
+  window_.SetHandler(MainCommand::kExit, [this] { Leave(ExitReason::kFileExit); });
 }
 
-void VrxMain::Load() {
+void MainForm::Leave(ExitReason reason) {
+  if (data_transfer_->MayLeave()) {
+    exit_(reason);
+  }
+}
+
+void MainForm::Load() {
   window_.ApplyCaptions();
   window_.SetStatusLine({});
   if (!services_.settings.SettingsReadOk()) {
@@ -132,7 +155,7 @@ void VrxMain::Load() {
   ReportLostEdits();
 }
 
-void VrxMain::Paint() {
+void MainForm::Paint() {
   window_.ShowSystemUnits();
   window_.ShowTransferOption();
   if (std::exchange(first_paint_, false)) {
@@ -141,14 +164,14 @@ void VrxMain::Paint() {
   window_.ShowToday();
 }
 
-void VrxMain::Activate() {
+void MainForm::Activate() {
   recent_.Activate();
   window_.PageActivated();
   window_.ShowTransferOption();
   window_.ShowSystemUnits();
 }
 
-void VrxMain::GoToTransfer(const char* button) {
+void MainForm::GoToTransfer(const char* button) {
   window_.Tabs().SelectTab(kTabDataTransfer);
   auto* const target = window_.findChild<QPushButton*>(QLatin1String(button));
   if (target != nullptr && target->isEnabled() && target->isVisible()) {
@@ -157,7 +180,7 @@ void VrxMain::GoToTransfer(const char* button) {
 }
 
 // The file holds it at once, unlike the other settings.
-void VrxMain::ToggleAutoAbbreviate() {
+void MainForm::ToggleAutoAbbreviate() {
   const bool on = !services_.settings.AutoAbbreviateOn();
   services_.settings.SetAutoAbbreviateOn(on);
   std::string cause;
@@ -171,7 +194,12 @@ void VrxMain::ToggleAutoAbbreviate() {
   }
 }
 
-std::optional<WindowPlace> VrxMain::Place() const {
+void MainForm::Show() {
+  window_.FitIntoScreen();
+  window_.show();
+}
+
+std::optional<WindowPlace> MainForm::Place() const {
   if (window_.isMinimized()) {
     return std::nullopt;
   }
@@ -182,26 +210,47 @@ std::optional<WindowPlace> VrxMain::Place() const {
                      .height = frame.height() * kTwipsPerPixel};
 }
 
-RecentFile VrxMain::Recent(DatabaseKind kind) const {
+RecentFile MainForm::Recent(DatabaseKind kind) const {
   const CurrentDatabase& current =
       kind == DatabaseKind::kRecipe ? databases_.Recipe() : databases_.Transaction();
   return {.path = current.path.string(), .name = current.name};
 }
 
-void VrxMain::Unload() {
-  transfer_.KeepReceived();
+void MainForm::Unload() {
+  data_transfer_->KeepReceived();
   window_.hide();
 }
 
-// By now the operator was asked, or nobody can be.
-void VrxMain::CloseRecipeDatabase() {
-  KeepLostEdits(window_.EndEdits(), services_.folder.DefaultAppPath());
-  databases_.CloseRecipeDatabase();
+// The operator was asked about pending edits before, or cannot be asked.
+void MainForm::CloseDatabase(DatabaseKind kind) {
+  if (kind == DatabaseKind::kRecipe) {
+    KeepLostEdits();
+    databases_.CloseRecipeDatabase();
+  } else {
+    databases_.CloseTransactionDatabase();
+  }
 }
 
-void VrxMain::ReportLostEdits() {
-  const std::filesystem::path folder = services_.folder.DefaultAppPath();
-  const std::string lost = ReadLostEdits(folder);
+// Ends the pending edits and appends those that cannot be stored to the file of lost edits and to
+// the standard error stream: UTF-8, each on a line that ends in CR LF.
+void MainForm::KeepLostEdits() {
+  const std::vector<LostEdit> edits = window_.EndEdits();
+  if (edits.empty()) {
+    return;
+  }
+  std::ofstream file(services_.folder.DefaultAppPath() / kLostEditsName,
+                     std::ios::binary | std::ios::app);
+  for (const LostEdit& edit : edits) {
+    const std::string line = edit.what + ": \"" + edit.text + "\" (" + edit.cause + ")";
+    file << line << "\r\n";
+    std::cerr << "not stored: " << line << '\n';
+  }
+}
+
+void MainForm::ReportLostEdits() {
+  const std::filesystem::path path = services_.folder.DefaultAppPath() / kLostEditsName;
+  std::ifstream file(path, std::ios::binary);
+  const std::string lost{std::istreambuf_iterator<char>(file), std::istreambuf_iterator<char>()};
   if (lost.empty()) {
     return;
   }
@@ -209,26 +258,16 @@ void VrxMain::ReportLostEdits() {
                             .title = "Edit (Error)",
                             .text = "The program was ended before this could be stored:\r\n" +
                                     lost + "Please enter it again."});
-  RemoveLostEdits(folder);
+  std::error_code ignored;  // shown again at the next start
+  std::filesystem::remove(path, ignored);
 }
 
-void VrxMain::UnloadOpenForms() {
+void MainForm::UnloadOpenForms() {
   for (QWidget* form : QApplication::topLevelWidgets()) {
     if (form != &window_ && form->isVisible()) {
       form->close();
     }
   }
-}
-
-std::unique_ptr<MainForm> MakeVrxMain(const DesktopContext& context) {
-  auto form = std::make_unique<VrxMain>(context.services, context.lock_waits, context.user_settings,
-                                        context.serial, *context.application.ini, context.exit);
-  QObject::connect(&context.op, &QtOperator::StatusLineChanged, &form->Window(),
-                   &MainWindow::SetStatusLine);
-  QObject::connect(&context.op, &QtOperator::StatusColorChanged, &form->Window(),
-                   &MainWindow::SetStatusColor);
-  SetHelpHandlers(form->Window(), context.services.system, context.os, context.op);
-  return form;
 }
 
 }  // namespace vrx

@@ -1,19 +1,32 @@
 #pragma once
 
-#include <memory>
+#include <QObject>
+#include <QPointer>
+#include <array>
+#include <chrono>
+#include <functional>
 #include <optional>
+#include <string>
+#include <vector>
 
-#include "database/identity.h"
 #include "database/lock_wait.h"
-#include "desktop/app/desktop_context.h"
-#include "desktop/app/history_tabs.h"
-#include "desktop/app/main_form_interface.h"
 #include "desktop/app/operator_actions.h"
-#include "desktop/app/record_tabs.h"
-#include "desktop/app/transfer_tabs.h"
+#include "desktop/app/qt_services.h"
 #include "desktop/dialogs/conversion.h"
+#include "desktop/history/export_page.h"
+#include "desktop/history/history_page.h"
 #include "desktop/main_window/main_window.h"
 #include "desktop/print/print_commands.h"
+#include "desktop/print/text_printer.h"
+#include "desktop/records/record_page.h"
+#include "desktop/setup/setup_form.h"
+#include "desktop/transfer/data_transfer_page.h"
+#include "desktop/transfer/import_page.h"
+#include "export/html_export.h"
+#include "feed/key_filters.h"
+#include "link/krmcomm.h"
+#include "platform/serial_control.h"
+#include "platform/user_settings.h"
 #include "presenter/command_states.h"
 #include "presenter/database_commands.h"
 #include "presenter/legacy_conversion.h"
@@ -22,51 +35,139 @@
 
 namespace vrx {
 
-// The form `VRXMAIN`: its window and the flows behind that. Making it is its Load, after which both
-// databases are closed and the Data Transfer tab is on show.
-class VrxMain : public QObject, public MainForm {
+// How the program ends: close box, File > Exit, end of the session. The exit runs after all nested
+// waits have returned.
+enum class ExitReason { kCloseBox, kFileExit, kSessionEnd };
+
+// What one action of the operator may wait for other programs' locks in total. The window is frozen
+// meanwhile; with the rest of the action this stays below 2 s.
+inline constexpr std::chrono::milliseconds kLongestLockWait{1500};
+
+// In twips, 1440 to the inch.
+struct WindowPlace {
+  int left = 0;
+  int top = 0;
+  int width = 0;
+  int height = 0;
+};
+
+// A database as the next start recalls it; both texts are empty for none.
+struct RecentFile {
+  std::string path;
+  std::string name;  // in upper case
+};
+
+// The main form, as start and exit use it; an interface for their tests, which record the steps and
+// let each of them fail. The functions before Place throw nothing.
+class ProgramForm {
+ public:
+  virtual ~ProgramForm() = default;
+
+  virtual void Show() = 0;
+
+  // Stores the pending edits, or asks the operator about them. Returns false if the operator stays.
+  virtual bool LeaveEdits() = 0;
+
+  // The end of the program, in the order of the calls.
+  virtual void CloseSerialPort() = 0;                    // without a wait
+  virtual void UnloadSetup() = 0;                        // does nothing if it is not loaded
+  virtual std::optional<WindowPlace> Place() const = 0;  // nothing while minimized
+  virtual RecentFile Recent(DatabaseKind kind) const = 0;
+  virtual void CloseDatabase(DatabaseKind kind) = 0;
+  virtual void ReleaseDataControls() = 0;
+  virtual void UnloadOpenForms() = 0;  // all but the main window
+  virtual void Unload() = 0;           // hides the main window
+};
+
+// The form `VRXMAIN`: its window, the pages of its tabs and the presenters. The constructor is its
+// Load: both databases are closed after it, and the Data Transfer tab is current.
+class MainForm : public QObject,
+                 public ProgramForm,
+                 private TransferDatabases,
+                 private ImportWindow,
+                 private ExportWindow {
   Q_OBJECT
 
  public:
-  // Everything outlives it, and the lock waits every connection of the window. `identity` of the
-  // services takes its waits from them too.
-  VrxMain(Services& services, WaitBudget& lock_waits, UserSettings& user_settings,
-          SerialControl& serial, const CPrivateINI& ini, ExitRoads& exit);
+  // Everything outlives it. `lock_waits` limits the waits of every connection of the window, also
+  // those of the services' `identity`. `exit` starts the exit and returns.
+  MainForm(Services& services, WaitBudget& lock_waits, UserSettings& user_settings,
+           SerialControl& serial, const CPrivateINI& ini, std::function<void(ExitReason)> exit);
+
+  // The pages belong to the window, which lives longer than the databases: releases their views.
+  ~MainForm() override;
 
   MainWindow& Window() { return window_; }
   DatabaseCommands& Databases() { return databases_; }
 
-  // MainForm.
-  void Show() override {
-    window_.FitIntoScreen();
-    window_.show();
-  }
+  // Shows the status line of this operator.
+  void ShowStatusOf(const QtOperator& op);
+
+  // ProgramForm.
+  void Show() override;
   bool LeaveEdits() override { return window_.LeaveEdits(); }
-  void CloseSerialPort() override { transfer_.CloseSerialPort(); }
-  void UnloadSetup() override { transfer_.UnloadSetup(); }
+  void CloseSerialPort() override { krm_.KRM_ImmediateClose(); }
+  void UnloadSetup() override;
   std::optional<WindowPlace> Place() const override;
   RecentFile Recent(DatabaseKind kind) const override;
-  void CloseRecipeDatabase() override;
-  void CloseTransactionDatabase() override { databases_.CloseTransactionDatabase(); }
+  void CloseDatabase(DatabaseKind kind) override;
   void ReleaseDataControls() override { databases_.Release(); }
-  void ClearIngredientDropDown() override {}
   void UnloadOpenForms() override;
   void Unload() override;
 
  private:
+  using RecordPages = std::array<QPointer<RecordPage>, 3>;  // by tab; the window may replace them
+
   void Connect();
   void SetHandlers();
   void Load();
+  void KeepLostEdits();
   void ReportLostEdits();
   void Paint();
   void Activate();
+  void Leave(ExitReason reason);
   void GoToTransfer(const char* button);
   void ToggleAutoAbbreviate();
+
+  // The tabs of ingredients, recipes and pens, with the buttons that work on the current one.
+  RecordPages AddRecordPages();
+  void AddRecordPage(int tab, RecordPage& page);
+  RecordPage* CurrentRecordPage();
+  void Act(int button);
+  void Navigate(int button);
+  void CountLoaded();
+
+  // The tabs Data Transfer and Import and the form `SETUP`, which use the serial port and files of
+  // the indicator.
+  void AddTransferPages();
+  void ShowLine();
+  void ShowSetup();
+  SetupFacts Facts() const;
+
+  // The tabs Batched/Fed and Export.
+  void AddHistoryPages();
+  bool ActiveIngredientsOnly() const;
+
+  // TransferDatabases.
+  CurrentDatabase OpenRecipes() const override;
+  void BrowseRecipes() override { databases_.BrowseRecipeDatabase(); }
+  void RecipesStored(int highest_in_use) override;
+
+  // ImportWindow.
+  OpenDatabases ImportDatabases() const override;
+  std::vector<IngredientRecord> GridIngredients() override;
+  void SelectTab(int tab) override { window_.Tabs().SelectTab(tab); }
+  void SaveTransactionDatabase() override { databases_.SaveTransactionDatabase(); }
+
+  // ExportWindow.
+  OpenDatabases ExportDatabases() const override;
+  ExportSource DataGroup() override { return Current(*history_->View()); }
+  void ConfigureImportColumns() override { import_->ConfigureImportColumns(); }
 
   Services& services_;
   WaitBudget& lock_waits_;
   const CPrivateINI& ini_;
-  ExitRoads& exit_;
+  std::function<void(ExitReason)> exit_;
   OperatorActions actions_;
   MainWindow window_;
   GeneralDelay delay_;
@@ -74,14 +175,19 @@ class VrxMain : public QObject, public MainForm {
   ConversionOffer legacy_;
   DatabaseCommands databases_;
   RecentDatabases recent_;
-  RecordTabs records_;
-  TransferTabs transfer_;
-  HistoryTabs history_;
+  AutoAbbreviation abbreviation_;
+  RecordPages record_pages_;
+  int records_loaded_ = 0;
+  KRMCOMM krm_;
+  QtTextPrinter text_printer_;
+  DataTransferPage* data_transfer_;
+  ImportPage* import_;
+  SetupForm* setup_ = nullptr;  // while it is shown
+  LineGuard::Watch line_watch_;
+  StyleSheets style_sheets_;
+  HistoryPage* history_;
   PrintCommands print_;
   bool first_paint_ = true;
 };
-
-// Makes `VRXMAIN` for the program.
-std::unique_ptr<MainForm> MakeVrxMain(const DesktopContext& context);
 
 }  // namespace vrx

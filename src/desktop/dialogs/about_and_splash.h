@@ -5,7 +5,6 @@
 #include <QWidget>
 #include <memory>
 
-#include "desktop/app/start_up.h"
 #include "desktop/main_window/main_window.h"
 #include "platform/operating_system.h"
 #include "platform/operator.h"
@@ -22,10 +21,10 @@ class About : public QDialog {
 };
 
 // The form `SPLASH`, shown while the program loads.
-class Splash : public SplashForm {
+class Splash {
  public:
-  void Show() override;
-  void Unload() override { form_.reset(); }
+  void Show();  // returns once it is painted
+  void Unload() { form_.reset(); }
 
   // Creates the form with its layout and texts.
   static std::unique_ptr<QWidget> Load();

@@ -23,7 +23,7 @@ constexpr std::array<PanelButton, 4> kMoves{{{"|<<", "First record"},
                                              {">>|", "Last record"}}};
 constexpr int kStatusCaption = 1107;
 constexpr int kMemoryCaption = 1113;
-constexpr int kExportingCaption = 1091;
+constexpr int kStatusWindowCaption = 1091;
 
 QHBoxLayout* RowLayout(QWidget& panel) {
   auto* layout = new QHBoxLayout(&panel);
@@ -71,7 +71,7 @@ TransferStatusPanel::TransferStatusPanel(QWidget* parent) : QFrame(parent) {
   status_window_ = new ElidedLabel(this);
   status_window_->setObjectName(QStringLiteral("lblStatusWindow"));
   status_window_->setAccessibleDescription(QStringLiteral("Status of the transfer"));
-  SetTag(*status_window_, kExportingCaption);
+  SetTag(*status_window_, kStatusWindowCaption);
   layout->addWidget(status_window_, 1);
   layout->addSpacing(kSpacing);
   AddMemory();

@@ -12,7 +12,7 @@
 namespace vrx {
 namespace {
 
-struct PanelRow {
+struct BarPanel {
   std::string_view caption;   // of the fixed panel before it
   std::string_view tool_tip;  // after the kind of database
   std::string_view widest;    // sets the width; the name is elided in a narrow window
@@ -24,7 +24,7 @@ struct Bar {
   std::string_view tool_tip_head;
 };
 
-constexpr std::array<PanelRow, 4> kPanels{{
+constexpr std::array<BarPanel, 4> kPanels{{
     {"", "Filename", "00000000000000000000000000000000"},
     {"Units:", "Weight Units", "MM"},
     {"Created:", "Creation Date", "00/00/0000"},

@@ -1,10 +1,9 @@
-#include "desktop/app/lock_file.h"
-
 #include <filesystem>
 
 #include <gtest/gtest.h>
 
 #include "base/error.h"
+#include "desktop/app/program.h"
 #include "support/environment.h"
 #include "support/temp_folder.h"
 

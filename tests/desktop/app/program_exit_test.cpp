@@ -1,18 +1,18 @@
-#include "desktop/app/program_exit.h"
-
 #include <filesystem>
+#include <optional>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 #include "base/error.h"
+#include "desktop/app/program.h"
 #include "desktop/app/recorded_main_form.h"
-#include "support/fixed_system_info.h"
-#include "support/recording_operator.h"
 #include "support/stored_user_settings.h"
 #include "support/temp_folder.h"
+#include "support/test_services.h"
 
 namespace vrx::testing {
 namespace {
@@ -24,7 +24,6 @@ using ::testing::IsEmpty;
 class ExitOfProgram : public ::testing::Test {
  protected:
   ExitOfProgram() {
-    application_.ini.emplace(folder_ / "VRX-2260.INI", system_, op_);
     user_settings_.on_save = [this](std::string_view key) {
       steps_.push_back("save " + std::string(key));
       if (key == failing_key_) {
@@ -33,16 +32,19 @@ class ExitOfProgram : public ::testing::Test {
     };
   }
 
-  ProgramExit Exit() { return {form_, application_, user_settings_, op_}; }
+  bool End(ExitReason reason) {
+    return EndProgram(reason, form_, services_.services, user_settings_, *ini_);
+  }
 
   std::string Stored(const std::string& key) const { return user_settings_.GetSetting(key); }
   bool IniWritten() const { return std::filesystem::exists(folder_ / "VRX-2260.INI"); }
 
   TempFolder folder_;
-  FixedSystemInfo system_;
-  RecordingOperator op_;
+  TestServices services_;
+  RecordingOperator& op_ = services_.op;
+  PrivateINI& settings_ = services_.settings;
   StoredUserSettings user_settings_;
-  ApplicationState application_{.app_folder = Folder(system_), .ini = {}, .settings = {}};
+  std::optional<CPrivateINI> ini_{std::in_place, folder_ / "VRX-2260.INI", services_.system, op_};
   std::vector<std::string> steps_;
   std::string failing_key_;
   RecordedMainForm form_{[this](const std::string& step) { steps_.push_back(step); }};
@@ -54,8 +56,7 @@ const std::vector<std::string> kSaveAndClose = {
     "save MRU_RecipePathName", "save MRU_RecipeFileName",
     "save MRU_TransPathName",  "save MRU_TransFileName",
     "CloseRecipeDatabase",     "CloseTransactionDatabase",
-    "ReleaseDataControls",     "ClearIngredientDropDown",
-    "UnloadOpenForms"};
+    "ReleaseDataControls",     "UnloadOpenForms"};
 
 std::vector<std::string> Between(std::vector<std::string> before, std::vector<std::string> after) {
   before.insert(before.end(), kSaveAndClose.begin(), kSaveAndClose.end());
@@ -64,7 +65,7 @@ std::vector<std::string> Between(std::vector<std::string> before, std::vector<st
 }
 
 TEST_F(ExitOfProgram, CloseBoxClosesThePortUnloadsSetupAndSavesAndCloses) {
-  EXPECT_TRUE(Exit().CloseBox());
+  EXPECT_TRUE(End(ExitReason::kCloseBox));
   EXPECT_THAT(steps_, ElementsAreArray(Between({"CloseSerialPort", "UnloadSetup"}, {"Unload"})));
   EXPECT_TRUE(IniWritten());
   EXPECT_EQ(op_.beeps, 0);
@@ -72,20 +73,20 @@ TEST_F(ExitOfProgram, CloseBoxClosesThePortUnloadsSetupAndSavesAndCloses) {
 }
 
 TEST_F(ExitOfProgram, FileExitTakesTheSameSteps) {
-  EXPECT_TRUE(Exit().FileExit());
+  EXPECT_TRUE(End(ExitReason::kFileExit));
   EXPECT_THAT(steps_, ElementsAreArray(Between({"CloseSerialPort", "UnloadSetup"}, {"Unload"})));
   EXPECT_TRUE(IniWritten());
 }
 
 TEST_F(ExitOfProgram, SessionEndLeavesThePortAndSetupAlone) {
-  EXPECT_TRUE(Exit().SessionEnd());
+  EXPECT_TRUE(End(ExitReason::kSessionEnd));
   EXPECT_THAT(steps_, ElementsAreArray(Between({}, {"Unload"})));
   EXPECT_TRUE(IniWritten());
 }
 
 TEST_F(ExitOfProgram, FailureKeepsTheCloseBoxsProgramUpWithABeep) {
   form_.fails_at = "CloseTransactionDatabase";
-  EXPECT_FALSE(Exit().CloseBox());
+  EXPECT_FALSE(End(ExitReason::kCloseBox));
   EXPECT_EQ(steps_.back(), "CloseTransactionDatabase");
   EXPECT_EQ(op_.beeps, 1);
   EXPECT_THAT(op_.boxes, IsEmpty());
@@ -96,13 +97,12 @@ TEST_F(ExitOfProgram, FailureKeepsTheCloseBoxsProgramUpWithABeep) {
 
 TEST_F(ExitOfProgram, UserSettingsThatCannotBeSavedAreReportedAndEachExitGoesOn) {
   failing_key_ = "MainLeft";
-  using Leave = bool (ProgramExit::*)();
-  for (const Leave leave :
-       {&ProgramExit::CloseBox, &ProgramExit::FileExit, &ProgramExit::SessionEnd}) {
+  for (const ExitReason reason :
+       {ExitReason::kCloseBox, ExitReason::kFileExit, ExitReason::kSessionEnd}) {
     steps_.clear();
     op_.boxes.clear();
     std::filesystem::remove(folder_ / "VRX-2260.INI");
-    EXPECT_TRUE((Exit().*leave)());
+    EXPECT_TRUE(End(reason));
     EXPECT_THAT(steps_, ::testing::Contains("CloseTransactionDatabase"));
     EXPECT_EQ(steps_.back(), "Unload");
     EXPECT_TRUE(IniWritten());
@@ -115,7 +115,7 @@ TEST_F(ExitOfProgram, UserSettingsThatCannotBeSavedAreReportedAndEachExitGoesOn)
 
 TEST_F(ExitOfProgram, FailureDoesNotKeepFileExitsProgramUp) {
   form_.fails_at = "CloseRecipeDatabase";
-  EXPECT_TRUE(Exit().FileExit());
+  EXPECT_TRUE(End(ExitReason::kFileExit));
   EXPECT_EQ(op_.beeps, 1);
   EXPECT_THAT(std::vector(steps_.end() - 2, steps_.end()),
               ElementsAre("CloseRecipeDatabase", "Unload"));
@@ -123,13 +123,13 @@ TEST_F(ExitOfProgram, FailureDoesNotKeepFileExitsProgramUp) {
 
 TEST_F(ExitOfProgram, FailureDoesNotKeepAProgramUpAtTheEndOfTheSession) {
   form_.fails_at = "UnloadOpenForms";
-  EXPECT_TRUE(Exit().SessionEnd());
+  EXPECT_TRUE(End(ExitReason::kSessionEnd));
   EXPECT_EQ(op_.beeps, 1);
   EXPECT_TRUE(IniWritten());
 }
 
 TEST_F(ExitOfProgram, KeepsTheWindowsPlaceInTwips) {
-  Exit().FileExit();
+  End(ExitReason::kFileExit);
   EXPECT_EQ(Stored("MainLeft"), "100");
   EXPECT_EQ(Stored("MainTop"), "200");
   EXPECT_EQ(Stored("MainWidth"), "15360");
@@ -139,14 +139,14 @@ TEST_F(ExitOfProgram, KeepsTheWindowsPlaceInTwips) {
 TEST_F(ExitOfProgram, MinimisedExitKeepsTheWindowKeysOfBefore) {
   user_settings_.values["MainLeft"] = "7";
   form_.place.reset();
-  Exit().FileExit();
+  End(ExitReason::kFileExit);
   EXPECT_EQ(Stored("MainLeft"), "7");
   EXPECT_EQ(steps_.at(2), "save MRU_RecipePathName");
 }
 
 TEST_F(ExitOfProgram, AutoloadKeepsTheFilesOfItsDatabase) {
-  application_.settings.SetAutoloadRecipeDBOn(true);
-  Exit().FileExit();
+  settings_.SetAutoloadRecipeDBOn(true);
+  End(ExitReason::kFileExit);
   EXPECT_EQ(Stored("MRU_RecipePathName"), "/data/YARD.RDB");
   EXPECT_EQ(Stored("MRU_RecipeFileName"), "YARD.RDB");
   EXPECT_EQ(Stored("MRU_TransPathName"), "");
@@ -156,8 +156,8 @@ TEST_F(ExitOfProgram, AutoloadKeepsTheFilesOfItsDatabase) {
 TEST_F(ExitOfProgram, AutoloadOffWritesNothingOverTheStoredName) {
   user_settings_.values["MRU_RecipePathName"] = "/data/OLD.RDB";
   user_settings_.values["MRU_RecipeFileName"] = "OLD.RDB";
-  application_.settings.SetAutoloadTransDBOn(true);
-  Exit().FileExit();
+  settings_.SetAutoloadTransDBOn(true);
+  End(ExitReason::kFileExit);
   EXPECT_EQ(Stored("MRU_RecipePathName"), "");
   EXPECT_EQ(Stored("MRU_RecipeFileName"), "");
   EXPECT_EQ(Stored("MRU_TransPathName"), "/data/Y2026.TDB");
@@ -165,8 +165,8 @@ TEST_F(ExitOfProgram, AutoloadOffWritesNothingOverTheStoredName) {
 }
 
 TEST_F(ExitOfProgram, SettingsThatCannotBeWrittenAreReportedAndTheExitGoesOn) {
-  application_.ini.emplace(folder_.Write("file", "") / "VRX-2260.INI", system_, op_);
-  EXPECT_TRUE(Exit().CloseBox());
+  ini_.emplace(folder_.Write("file", "") / "VRX-2260.INI", services_.system, op_);
+  EXPECT_TRUE(End(ExitReason::kCloseBox));
   ASSERT_EQ(op_.boxes.size(), 1U);
   EXPECT_EQ(op_.boxes[0].icon, Icon::kWarning);
   EXPECT_EQ(op_.boxes[0].title, "INI File Error");
@@ -179,8 +179,8 @@ TEST_F(ExitOfProgram, SettingsThatCannotBeWrittenAreReportedAndTheExitGoesOn) {
 }
 
 TEST_F(ExitOfProgram, WritesTheSettingsOfTheBooleans) {
-  application_.settings.SetEnableBeeperOn(false);
-  Exit().FileExit();
+  settings_.SetEnableBeeperOn(false);
+  End(ExitReason::kFileExit);
   EXPECT_NE(ReadAll(folder_ / "VRX-2260.INI").find("EnableBeeper=NO"), std::string::npos);
 }
 

@@ -1,5 +1,3 @@
-#include "desktop/app/qt_file_chooser.h"
-
 #include <QAbstractButton>
 #include <QDir>
 #include <QFileDialog>
@@ -16,6 +14,7 @@
 
 #include <gtest/gtest.h>
 
+#include "desktop/app/qt_services.h"
 #include "desktop/next_modal.h"
 #include "support/temp_folder.h"
 

@@ -6,27 +6,28 @@
 #include <string>
 #include <utility>
 
-#include "desktop/app/main_form_interface.h"
+#include "desktop/app/main_form.h"
 
 namespace vrx::testing {
 
 // A main form that only records its calls, in order, and fails on request.
-class RecordedMainForm : public MainForm {
+class RecordedMainForm : public ProgramForm {
  public:
   explicit RecordedMainForm(std::function<void(const std::string&)> note)
       : note_(std::move(note)) {}
 
   void Show() override { note_("Show"); }
+  bool LeaveEdits() override { return true; }
   void CloseSerialPort() override { note_("CloseSerialPort"); }
   void UnloadSetup() override { note_("UnloadSetup"); }
   std::optional<WindowPlace> Place() const override { return place; }
   RecentFile Recent(DatabaseKind kind) const override {
     return kind == DatabaseKind::kRecipe ? recipe : transaction;
   }
-  void CloseRecipeDatabase() override { Step("CloseRecipeDatabase"); }
-  void CloseTransactionDatabase() override { Step("CloseTransactionDatabase"); }
+  void CloseDatabase(DatabaseKind kind) override {
+    Step(kind == DatabaseKind::kRecipe ? "CloseRecipeDatabase" : "CloseTransactionDatabase");
+  }
   void ReleaseDataControls() override { Step("ReleaseDataControls"); }
-  void ClearIngredientDropDown() override { Step("ClearIngredientDropDown"); }
   void UnloadOpenForms() override { Step("UnloadOpenForms"); }
   void Unload() override { Step("Unload"); }
 

@@ -15,7 +15,6 @@
 
 #include <gtest/gtest.h>
 
-#include "desktop/app/main_form.h"
 #include "desktop/app/program.h"
 #include "desktop/next_modal.h"
 #include "support/environment.h"
@@ -57,7 +56,7 @@ class TransferProgram : public ::testing::Test {
 
   // Runs the program and calls `act` once its window is there; gives the exit code.
   int Run(const std::function<void(MainWindow&)>& act) {
-    DesktopProgram program(system_, MakeVrxMain);
+    vrx::Program program(system_);
     QTimer poll;
     QObject::connect(&poll, &QTimer::timeout, [&] {
       for (QWidget* const widget : QApplication::topLevelWidgets()) {

@@ -38,10 +38,10 @@ MainWindowFixture::MainWindowFixture() {
 
 MainWindowFixture::~MainWindowFixture() = default;
 
-VrxMain& MainWindowFixture::Main() {
+MainForm& MainWindowFixture::Main() {
   if (!main_) {
-    main_ =
-        std::make_unique<VrxMain>(*services_, lock_waits_, user_settings_, serial_, *ini_, exit_);
+    main_ = std::make_unique<MainForm>(*services_, lock_waits_, user_settings_, serial_, *ini_,
+                                       RecordExit());
   }
   return *main_;
 }

@@ -4,6 +4,7 @@
 #include <QLabel>
 #include <QToolButton>
 #include <filesystem>
+#include <functional>
 #include <memory>
 #include <optional>
 #include <string>
@@ -24,16 +25,6 @@
 
 namespace vrx::testing {
 
-// Records the exit reasons and does not exit.
-class KeptExitRoads : public ExitRoads {
- public:
-  void CloseBox() override { taken.emplace_back("close box"); }
-  void FileExit() override { taken.emplace_back("file exit"); }
-  void SessionEnd() override { taken.emplace_back("session end"); }
-
-  std::vector<std::string> taken;
-};
-
 // `VRXMAIN` with real widgets, a program's directory with both templates and an application data
 // folder. Everything except the widgets is scripted.
 class MainWindowFixture : public ::testing::Test {
@@ -42,7 +33,7 @@ class MainWindowFixture : public ::testing::Test {
   ~MainWindowFixture() override;
 
   // Makes VRXMAIN in its state after Load. Does nothing the second time.
-  VrxMain& Main();
+  MainForm& Main();
   MainWindow& Window() { return Main().Window(); }
 
   // Shows and activates the window and runs events.
@@ -74,6 +65,12 @@ class MainWindowFixture : public ::testing::Test {
   // Keeps the old page, because objects of the main form refer to it.
   void ReplacePage(int tab, MainTabPage* page) { replaced_.push_back(Window().SetPage(tab, page)); }
 
+  // For a main form whose exits are only recorded.
+  std::function<void(ExitReason)> RecordExit() {
+    return [this](ExitReason reason) { exits_.push_back(reason); };
+  }
+
+  std::vector<ExitReason> exits_;
   TempFolder folder_;
   std::filesystem::path program_ = folder_ / "program";
   std::filesystem::path common_ = folder_ / "common";
@@ -84,7 +81,6 @@ class MainWindowFixture : public ::testing::Test {
   FixedCalendar calendar_;
   FixedSystemInfo system_;
   FakeSerialControl serial_{pump_};
-  KeptExitRoads exit_;
   PrivateINI settings_;
   std::unique_ptr<Folder> app_folder_;
   std::unique_ptr<CPrivateINI> ini_;
@@ -92,7 +88,7 @@ class MainWindowFixture : public ::testing::Test {
   WaitBudget lock_waits_{kLongestLockWait};
   DatabaseIdentity identity_{operator_, calendar_, settings_, lock_waits_};
   std::optional<Services> services_;
-  std::unique_ptr<VrxMain> main_;
+  std::unique_ptr<MainForm> main_;
   std::vector<std::unique_ptr<MainTabPage>> replaced_;
 };
 

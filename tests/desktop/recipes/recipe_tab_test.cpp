@@ -103,12 +103,12 @@ TEST_F(RecipeTab, TheCloseBoxBeginsWithTheFieldThatHasTheFocus) {
   TypeName();
   Window().close();
   EXPECT_EQ(Stored().name, "STEERS");
-  EXPECT_EQ(exit_.taken, std::vector<std::string>{"close box"});
+  EXPECT_EQ(exits_, std::vector<ExitReason>{ExitReason::kCloseBox});
 }
 
 TEST_F(RecipeTab, TheEndOfTheProgramBeginsWithTheFieldThatHasTheFocus) {
   TypeName();
-  Main().CloseRecipeDatabase();
+  Main().CloseDatabase(DatabaseKind::kRecipe);
   EXPECT_EQ(Stored().name, "STEERS");
 }
 

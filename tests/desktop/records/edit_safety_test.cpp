@@ -222,7 +222,7 @@ TEST_P(EndWithoutOperator, KeepsWhatCannotBeStoredForTheNextStart) {
   Enter(GetParam().tab);
   GetParam().begin(*this);
   Lock();
-  Main().CloseRecipeDatabase();
+  Main().CloseDatabase(DatabaseKind::kRecipe);
   RunEvents();
   EXPECT_THAT(Boxes(), IsEmpty());
   Unlock();

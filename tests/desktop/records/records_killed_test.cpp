@@ -18,7 +18,6 @@
 #include "database/identity.h"
 #include "database/records.h"
 #include "database/schema.h"
-#include "desktop/app/main_form.h"
 #include "desktop/app/program.h"
 #include "desktop/app/qt_services.h"
 #include "desktop/main_window/main_window.h"
@@ -100,7 +99,7 @@ class RecordsKilled : public ::testing::Test {
   void RunAndKill(int tab, const std::function<void(MainWindow&)>& act) {
     QtUserSettings().SaveSetting("MRU_RecipePathName", file_.string());
     QtUserSettings().SaveSetting("MRU_RecipeFileName", "YARD.RDB");
-    DesktopProgram program(system_, MakeVrxMain);
+    vrx::Program program(system_);
     QTimer poll;
     QObject::connect(&poll, &QTimer::timeout, [&] {
       if (MainWindow* const window = Window(); window != nullptr && IsOpen(*window)) {

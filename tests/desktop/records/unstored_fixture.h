@@ -31,7 +31,7 @@ class UnstoredFixture : public CommitFixture {
 
   int CurrentRecord() { return Text(u"lblRecordNumber"_qs).toInt(); }
   bool DatabaseIsOpen() { return !Main().Databases().Bound(DatabaseKind::kRecipe).blank; }
-  std::vector<std::string>& Exits() { return exit_.taken; }
+  std::vector<ExitReason>& Exits() { return exits_; }
   std::vector<MessageBox>& Boxes() { return operator_.boxes; }
 
  protected:

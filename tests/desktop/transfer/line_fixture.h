@@ -46,7 +46,8 @@ class LineFixture : public TransferFixture {
 
   LineFixture() {
     std::filesystem::create_directories(ports_);
-    main_ = std::make_unique<VrxMain>(on_screen_, lock_waits_, user_settings_, line_, *ini_, exit_);
+    main_ = std::make_unique<MainForm>(on_screen_, lock_waits_, user_settings_, line_, *ini_,
+                                       RecordExit());
     MainWindow& window = main_->Window();
     QObject::connect(&screen_, &QtOperator::StatusLineChanged, &window,
                      [this](const QString& text) {

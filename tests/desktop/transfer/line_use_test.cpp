@@ -208,11 +208,11 @@ TEST_F(LineUseTest, LeavingWithUnsavedDataAsksFirst) {
             "What the indicator sent has not been saved.\r\n"
             "Leave the program, and keep it in a rescue file?");
   EXPECT_EQ(LastBox().buttons, Buttons::kYesNo);
-  EXPECT_THAT(exit_.taken, IsEmpty());
+  EXPECT_THAT(exits_, IsEmpty());
   EXPECT_TRUE(RescueFile().empty());
   operator_.answers = {Answer::kYes};
   Window().close();
-  EXPECT_THAT(exit_.taken, ElementsAre("close box"));
+  EXPECT_THAT(exits_, ElementsAre(ExitReason::kCloseBox));
   EXPECT_EQ(ReadAll(RescueFile()), "{REPORT}x");
 }
 
@@ -230,7 +230,7 @@ TEST_F(LineUseTest, LeavingWithSavedDataAsksNothing) {
   ConnectFor(Ms{3000});
   Choose(u"mnuFileExit"_qs);
   EXPECT_THAT(operator_.boxes, IsEmpty());
-  EXPECT_THAT(exit_.taken, ElementsAre("file exit"));
+  EXPECT_THAT(exits_, ElementsAre(ExitReason::kFileExit));
 }
 
 TEST_F(LineUseTest, AnEndOfTheSessionKeepsTheDataWithoutAQuestion) {

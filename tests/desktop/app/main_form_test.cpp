@@ -1,3 +1,5 @@
+#include "desktop/app/main_form.h"
+
 #include <QAccessible>
 #include <QCloseEvent>
 #include <QLineEdit>
@@ -8,7 +10,6 @@
 
 #include <gmock/gmock.h>
 
-#include "desktop/app/main_form.h"
 #include "desktop/main_window/main_window_fixture.h"
 
 namespace vrx::testing {
@@ -17,7 +18,7 @@ namespace {
 using ::testing::ElementsAre;
 using ::testing::IsEmpty;
 
-class VrxMainTest : public MainWindowFixture {
+class MainFormTest : public MainWindowFixture {
  protected:
   // Both options on, and the files of the last run.
   void KeepRecent() {
@@ -34,14 +35,14 @@ class VrxMainTest : public MainWindowFixture {
   }
 };
 
-TEST_F(VrxMainTest, LoadOpensNothing) {
+TEST_F(MainFormTest, LoadOpensNothing) {
   KeepRecent();
   Main();
   EXPECT_EQ(Opened(u"sbRecipe"_qs), "");
   EXPECT_EQ(Opened(u"sbTrans"_qs), "");
 }
 
-TEST_F(VrxMainTest, TheFirstActivateOpensTheDatabasesOfTheLastRun) {
+TEST_F(MainFormTest, TheFirstActivateOpensTheDatabasesOfTheLastRun) {
   KeepRecent();
   Show();
   EXPECT_EQ(Opened(u"sbRecipe"_qs), "YARD.RDB");
@@ -49,7 +50,7 @@ TEST_F(VrxMainTest, TheFirstActivateOpensTheDatabasesOfTheLastRun) {
   EXPECT_EQ(Tabs().currentIndex(), kTabBatchedFed);
 }
 
-TEST_F(VrxMainTest, ALaterActivateOpensNothing) {
+TEST_F(MainFormTest, ALaterActivateOpensNothing) {
   KeepRecent();
   Show();
   Choose(u"mnuFileCloseRecipeDB"_qs);
@@ -59,7 +60,7 @@ TEST_F(VrxMainTest, ALaterActivateOpensNothing) {
   EXPECT_EQ(Opened(u"sbRecipe"_qs), "");
 }
 
-TEST_F(VrxMainTest, ADeletedRecentFileIsNotOpenedAndItsNameStays) {
+TEST_F(MainFormTest, ADeletedRecentFileIsNotOpenedAndItsNameStays) {
   KeepRecent();
   std::filesystem::remove(app_folder_->DefaultAppPath() / "YARD.RDB");
   Show();
@@ -69,7 +70,7 @@ TEST_F(VrxMainTest, ADeletedRecentFileIsNotOpenedAndItsNameStays) {
   EXPECT_EQ(Main().Recent(DatabaseKind::kRecipe).name, "YARD.RDB");
 }
 
-TEST_F(VrxMainTest, UnreadableSettingsAreReportedOnLoad) {
+TEST_F(MainFormTest, UnreadableSettingsAreReportedOnLoad) {
   std::filesystem::remove(app_folder_->IniFilePath());
   std::filesystem::create_directory(app_folder_->IniFilePath());
   settings_.ReadIniSettings(*ini_);
@@ -82,7 +83,7 @@ TEST_F(VrxMainTest, UnreadableSettingsAreReportedOnLoad) {
             "file. Please check all settings.");
 }
 
-TEST_F(VrxMainTest, TheFirstPaintBeepsWhereTheBeeperIsOn) {
+TEST_F(MainFormTest, TheFirstPaintBeepsWhereTheBeeperIsOn) {
   settings_.SetEnableBeeperOn(true);
   Show();
   EXPECT_EQ(operator_.beeps, 1);
@@ -90,20 +91,20 @@ TEST_F(VrxMainTest, TheFirstPaintBeepsWhereTheBeeperIsOn) {
   EXPECT_EQ(operator_.beeps, 1);
 }
 
-TEST_F(VrxMainTest, NoPaintBeepsWhereTheBeeperIsOff) {
+TEST_F(MainFormTest, NoPaintBeepsWhereTheBeeperIsOff) {
   settings_.SetEnableBeeperOn(false);
   Show();
   EXPECT_EQ(operator_.beeps, 0);
 }
 
-TEST_F(VrxMainTest, APaintShowsTheSystemsUnit) {
+TEST_F(MainFormTest, APaintShowsTheSystemsUnit) {
   Show();
   settings_.SetSystemUnits("KG");
   Window().repaint();
   EXPECT_EQ(Text(u"lblSystemUoM"_qs), u"KG"_qs);
 }
 
-TEST_F(VrxMainTest, EnterGoesOnToTheNextField) {
+TEST_F(MainFormTest, EnterGoesOnToTheNextField) {
   auto* const page = new MainTabPage;
   auto* const column = new QVBoxLayout(page);
   auto* const name = new QLineEdit;
@@ -126,17 +127,17 @@ TEST_F(VrxMainTest, EnterGoesOnToTheNextField) {
   EXPECT_EQ(name->text(), QString());
 }
 
-TEST_F(VrxMainTest, TheCloseBoxAndFileExitGiveTheirExitReasons) {
+TEST_F(MainFormTest, TheCloseBoxAndFileExitGiveTheirExitReasons) {
   Show();
   QCloseEvent close;
   QApplication::sendEvent(&Window(), &close);
   EXPECT_FALSE(close.isAccepted());
   EXPECT_TRUE(Window().isVisible());
   Choose(u"mnuFileExit"_qs);
-  EXPECT_THAT(exit_.taken, ElementsAre("close box", "file exit"));
+  EXPECT_THAT(exits_, ElementsAre(ExitReason::kCloseBox, ExitReason::kFileExit));
 }
 
-TEST_F(VrxMainTest, ThePlaceIsInTwipsAndNothingWhileMinimised) {
+TEST_F(MainFormTest, ThePlaceIsInTwipsAndNothingWhileMinimised) {
   Show();
   const std::optional<WindowPlace> place = Main().Place();
   ASSERT_TRUE(place.has_value());
@@ -146,19 +147,19 @@ TEST_F(VrxMainTest, ThePlaceIsInTwipsAndNothingWhileMinimised) {
   EXPECT_FALSE(Main().Place().has_value());
 }
 
-TEST_F(VrxMainTest, TheEndReleasesBothDatabases) {
+TEST_F(MainFormTest, TheEndReleasesBothDatabases) {
   Open(DatabaseKind::kRecipe);
   Open(DatabaseKind::kTransaction);
   EXPECT_EQ(Main().Recent(DatabaseKind::kRecipe).name, "YARD.RDB");
-  Main().CloseRecipeDatabase();
-  Main().CloseTransactionDatabase();
+  Main().CloseDatabase(DatabaseKind::kRecipe);
+  Main().CloseDatabase(DatabaseKind::kTransaction);
   Main().ReleaseDataControls();
   EXPECT_EQ(Main().Databases().Bound(DatabaseKind::kRecipe).connection, nullptr);
   EXPECT_EQ(Main().Databases().Bound(DatabaseKind::kTransaction).connection, nullptr);
   EXPECT_EQ(Main().Recent(DatabaseKind::kRecipe).name, "");
 }
 
-TEST_F(VrxMainTest, TheEndClosesOtherFormsAndTakesTheWindowFromTheScreen) {
+TEST_F(MainFormTest, TheEndClosesOtherFormsAndTakesTheWindowFromTheScreen) {
   Show();
   QWidget other;
   other.show();
@@ -169,7 +170,7 @@ TEST_F(VrxMainTest, TheEndClosesOtherFormsAndTakesTheWindowFromTheScreen) {
   EXPECT_FALSE(Window().isVisible());
 }
 
-TEST_F(VrxMainTest, AClosingProgramEndsAnOpenThatWaits) {
+TEST_F(MainFormTest, AClosingProgramEndsAnOpenThatWaits) {
   const std::filesystem::path file = MakeUserFile("YARD.RDB", DatabaseKind::kRecipe);
   chooser_.Choose(file);
   pump_.After(Milliseconds{100}, [this] { pump_.closing = true; });
@@ -180,7 +181,7 @@ TEST_F(VrxMainTest, AClosingProgramEndsAnOpenThatWaits) {
 }
 
 // What can be reached by the Tab key, from the strip on.
-TEST_F(VrxMainTest, TheTabKeyGoesThroughTheWindowInTheOrderOfTheScreen) {
+TEST_F(MainFormTest, TheTabKeyGoesThroughTheWindowInTheOrderOfTheScreen) {
   Open(DatabaseKind::kRecipe);
   Show();
   Window().Tabs().SelectTab(kTabIngredients);
@@ -196,7 +197,7 @@ TEST_F(VrxMainTest, TheTabKeyGoesThroughTheWindowInTheOrderOfTheScreen) {
                                  "cmdNavigate(1)", "cmdNavigate(2)", "cmdNavigate(3)"));
 }
 
-TEST_F(VrxMainTest, EverythingThatTakesTheFocusHasAName) {
+TEST_F(MainFormTest, EverythingThatTakesTheFocusHasAName) {
   Main();
   // The toolkit's own, out of reach of the Tab key.
   const QWidget& month_bar = Find<QWidget>(u"qt_calendar_navigationbar"_qs);
@@ -212,7 +213,7 @@ TEST_F(VrxMainTest, EverythingThatTakesTheFocusHasAName) {
   }
 }
 
-TEST_F(VrxMainTest, AScreenReaderHearsWhatTheLabelsTell) {
+TEST_F(MainFormTest, AScreenReaderHearsWhatTheLabelsTell) {
   Main();
   Window().SetStatusLine(u"Upload complete!"_qs);
   Window().Panels().ShowRecordNumber(7);

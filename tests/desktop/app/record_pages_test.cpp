@@ -1,5 +1,3 @@
-#include "desktop/app/record_tabs.h"
-
 #include <QTest>
 
 #include <gmock/gmock.h>
@@ -15,6 +13,7 @@ using ::testing::SizeIs;
 
 class RecordTabsTest : public RecordPagesFixture {
  protected:
+  QString Name() { return Find<DatabaseStatusBar>(u"sbRecipe"_qs).Panel(kPanelName); }
   int RecordNumber() { return Text(u"lblRecordNumber"_qs).toInt(); }
   void MoveFirst() { Press("cmdNavigate(0)"); }
   void MovePrevious() { Press("cmdNavigate(1)"); }
@@ -177,36 +176,24 @@ TEST_F(RecordTabsTest, WhatIsTypedStaysOutOfAFileThatMayOnlyBeRead) {
   EXPECT_FALSE(Box("txtIngName").toolTip().isEmpty());
 }
 
-// Records the texts of the panel of the name.
-class NotingWindow : public MainWindow {
- public:
-  using MainWindow::MainWindow;
-
-  void SetStatusPanel(DatabaseKind kind, StatusPanel panel, std::string_view text) override {
-    if (kind == DatabaseKind::kRecipe && panel == kPanelName) {
-      names.emplace_back(text);
-    }
-    MainWindow::SetStatusPanel(kind, panel, text);
-  }
-
-  std::vector<std::string> names;
-};
-
 TEST_F(RecordTabsTest, LoadingTheListsShowsInTheStatusPanel) {
-  NotingWindow window(settings_, calendar_);
-  GeneralDelay delay(pump_);
-  DatabaseCommands databases(*services_, delay, window.Commands(), window.Tabs(), window);
-  const RecordTabs records(*services_, delay, window);
-  databases.CloseRecipeDatabase();
-  databases.CloseTransactionDatabase();
-  window.names.clear();
-  databases.OpenRecipeDatabase(path_, "YARD.RDB");
-  ASSERT_THAT(window.names, SizeIs(32)) << "600 records, a text for each 20 of them";
-  EXPECT_EQ(window.names.front(), "Standby... Loading");
-  EXPECT_EQ(window.names.back(), "YARD.RDB");
-  for (std::size_t text = 1; text + 1 < window.names.size(); ++text) {
-    EXPECT_EQ(window.names[text], text % 2 == 1 ? "Standby..." : "Standby... Loading");
+  constexpr int kRecords = 600;  // 100 ingredients, 100 recipes and 400 pens
+  constexpr int kRecordsPerText = 20;
+  std::vector<QString> texts;  // of the panel of the name, one after each record
+  for (const int tab : {kTabIngredients, kTabRecipes, kTabPens}) {
+    QObject::connect(&static_cast<RecordPage&>(Tabs().Page(tab)), &RecordPage::RecordLoaded,
+                     &Window(), [&] { texts.push_back(Name()); });
   }
+  chooser_.Choose(path_);
+  Choose(u"mnuFileOpenRecipeDB"_qs);
+  ASSERT_THAT(texts, SizeIs(kRecords));
+  for (int record = 1; record <= kRecords; ++record) {
+    const bool loading = record / kRecordsPerText % 2 == 0;
+    EXPECT_EQ(texts.at(static_cast<std::size_t>(record - 1)),
+              loading ? u"Standby... Loading"_qs : u"Standby..."_qs)
+        << "record " << record;
+  }
+  EXPECT_EQ(Name(), u"YARD.RDB"_qs);
 }
 
 }  // namespace

@@ -13,7 +13,6 @@
 
 #include "base/application.h"
 #include "database/identity.h"
-#include "desktop/app/main_form.h"
 #include "desktop/app/program.h"
 #include "desktop/app/qt_services.h"
 #include "desktop/main_window/main_window.h"
@@ -50,7 +49,7 @@ class MainWindowProgram : public ::testing::Test {
 
   // Calls `act` once, as soon as the window is there and `ready` holds. Gives the exit code.
   int Run(std::function<bool(MainWindow&)> ready, std::function<void(MainWindow&)> act) {
-    DesktopProgram program(system_, MakeVrxMain);
+    vrx::Program program(system_);
     QTimer poll;
     QObject::connect(&poll, &QTimer::timeout, [&] {
       if (MainWindow* const window = Window(); window != nullptr && ready(*window)) {

@@ -1,3 +1,5 @@
+#include "desktop/app/program.h"
+
 #include <QAbstractButton>
 #include <QApplication>
 #include <QMessageBox>
@@ -15,7 +17,6 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include "desktop/app/program.h"
 #include "desktop/app/recorded_main_form.h"
 #include "desktop/next_modal.h"
 #include "presenter/command_states.h"
@@ -38,6 +39,22 @@ constexpr const char* kIni = "[Comments]\nTitle=x\n";
 void Later(std::function<void()> call) {
   QMetaObject::invokeMethod(qApp, std::move(call), Qt::QueuedConnection);
 }
+
+// The program with a main form that the test makes.
+class ProgramWithForm : public vrx::Program {
+ public:
+  using Make = std::function<std::unique_ptr<ProgramForm>(ProgramWithForm&)>;
+
+  ProgramWithForm(const SystemInfo& system, Make make) : Program(system), make_(std::move(make)) {}
+
+  using vrx::Program::GetServices;
+
+ protected:
+  std::unique_ptr<ProgramForm> MakeMainForm() override { return make_(*this); }
+
+ private:
+  Make make_;
+};
 
 // A user of the program: folders of its own for data, settings and running programs.
 class UserSite : public ::testing::Test {
@@ -118,9 +135,9 @@ TEST_F(TwoProcesses, SecondStartIsReportedWhileTheFirstRuns) {
     widget.close();
   });
   const FixedSystemInfo system;
-  DesktopProgram program(system, [](const DesktopContext& /*context*/) {
+  ProgramWithForm program(system, [](ProgramWithForm& /*program*/) {
     ADD_FAILURE() << "the main window is made";
-    return std::unique_ptr<MainForm>();
+    return std::unique_ptr<ProgramForm>();
   });
   EXPECT_EQ(program.Run(), 1);
   EXPECT_EQ(text,
@@ -163,13 +180,13 @@ class RunningProgram : public UserSite {
   }
 
   // Runs the program; `once_shown` is called from its event loop.
-  int Run(const std::function<void(const DesktopContext&)>& once_shown,
+  int Run(const std::function<void(ProgramWithForm&)>& once_shown,
           const std::string& fails_at = {}) {
-    DesktopProgram program(system_, [&](const DesktopContext& context) {
+    ProgramWithForm program(system_, [&](ProgramWithForm& made) {
       auto form = std::make_unique<RecordedMainForm>([&, once_shown](const std::string& step) {
         steps_.push_back(step);
         if (step == "Show") {
-          Later([&, once_shown] { once_shown(context); });
+          Later([&, once_shown] { once_shown(made); });
         }
       });
       form->fails_at = fails_at;
@@ -190,9 +207,9 @@ class RunningProgram : public UserSite {
 };
 
 TEST_F(RunningProgram, ExitEndsAWaitAndGoesOnOnceThatHasUnwound) {
-  const int code = Run([&](const DesktopContext& context) {
-    Later([&context] { context.exit.FileExit(); });
-    const bool complete = GeneralDelay(context.services.pump).Wait(std::chrono::hours{1});
+  const int code = Run([&](ProgramWithForm& program) {
+    Later([&program] { program.Leave(ExitReason::kFileExit); });
+    const bool complete = GeneralDelay(program.GetServices().pump).Wait(std::chrono::hours{1});
     steps_.emplace_back(complete ? "waited" : "unwound");
   });
   EXPECT_EQ(code, 0);
@@ -201,9 +218,9 @@ TEST_F(RunningProgram, ExitEndsAWaitAndGoesOnOnceThatHasUnwound) {
 }
 
 TEST_F(RunningProgram, SessionEndClosesADialogAndGoesOnOnceThatHasUnwound) {
-  const int code = Run([&](const DesktopContext& context) {
-    Later([&context] { context.exit.SessionEnd(); });
-    const Answer answer = context.op.ShowMessage(
+  const int code = Run([&](ProgramWithForm& program) {
+    Later([&program] { program.Leave(ExitReason::kSessionEnd); });
+    const Answer answer = program.GetServices().op.ShowMessage(
         {.buttons = Buttons::kOkCancel, .title = "Standby", .text = "Go on?"});
     steps_.emplace_back(answer == Answer::kCancel ? "refused" : "gone on");
   });
@@ -213,13 +230,13 @@ TEST_F(RunningProgram, SessionEndClosesADialogAndGoesOnOnceThatHasUnwound) {
 
 TEST_F(RunningProgram, CloseBoxThatFailsLeavesTheProgramUpAndItsWaitsAlive) {
   const int code = Run(
-      [&](const DesktopContext& context) {
-        context.exit.CloseBox();
-        Later([&] {
+      [&](ProgramWithForm& program) {
+        program.Leave(ExitReason::kCloseBox);
+        Later([this, &program] {
           EXPECT_EQ(steps_.back(), "ReleaseDataControls");
-          EXPECT_TRUE(GeneralDelay(context.services.pump).Wait(Ms{1}));
+          EXPECT_TRUE(GeneralDelay(program.GetServices().pump).Wait(Ms{1}));
           form_->fails_at.clear();
-          context.exit.CloseBox();
+          program.Leave(ExitReason::kCloseBox);
         });
       },
       "ReleaseDataControls");
@@ -228,8 +245,8 @@ TEST_F(RunningProgram, CloseBoxThatFailsLeavesTheProgramUpAndItsWaitsAlive) {
 }
 
 TEST_F(RunningProgram, EndOfTheSessionDuringTheSplashEndsTheFormUnshown) {
-  DesktopProgram program(system_, [&](const DesktopContext& context) {
-    Later([&context] { context.exit.SessionEnd(); });
+  ProgramWithForm program(system_, [&](ProgramWithForm& made) {
+    Later([&made] { made.Leave(ExitReason::kSessionEnd); });
     return std::make_unique<RecordedMainForm>(
         [&](const std::string& step) { steps_.push_back(step); });
   });
@@ -239,10 +256,10 @@ TEST_F(RunningProgram, EndOfTheSessionDuringTheSplashEndsTheFormUnshown) {
 }
 
 TEST_F(RunningProgram, EndOfTheSessionClosesEachDialogOfTheStart) {
-  DesktopProgram program(system_, [&](const DesktopContext& context) {
-    Later([&context] { context.exit.SessionEnd(); });
-    context.op.ShowMessage({.title = "First", .text = "text"});
-    context.op.ShowMessage({.title = "Second", .text = "text"});
+  ProgramWithForm program(system_, [&](ProgramWithForm& made) {
+    Later([&made] { made.Leave(ExitReason::kSessionEnd); });
+    made.GetServices().op.ShowMessage({.title = "First", .text = "text"});
+    made.GetServices().op.ShowMessage({.title = "Second", .text = "text"});
     return std::make_unique<RecordedMainForm>(
         [&](const std::string& step) { steps_.push_back(step); });
   });
@@ -257,7 +274,7 @@ TEST_F(RunningProgram, RefusedStartEndsWithAFailure) {
     title = widget.windowTitle();
     widget.close();
   });
-  EXPECT_EQ(Run([](const DesktopContext& /*context*/) {}), 1);
+  EXPECT_EQ(Run([](ProgramWithForm& /*program*/) {}), 1);
   EXPECT_EQ(title, u"Missing Files"_qs);
 }
 

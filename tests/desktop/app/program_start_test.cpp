@@ -1,13 +1,15 @@
-#include "desktop/app/start_up.h"
-
+#include <QApplication>
+#include <QWidget>
+#include <algorithm>
 #include <filesystem>
+#include <optional>
 #include <string>
 #include <vector>
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include "base/error.h"
+#include "desktop/app/program.h"
 #include "desktop/app/recorded_main_form.h"
 #include "support/temp_folder.h"
 #include "support/test_services.h"
@@ -19,29 +21,19 @@ namespace fs = std::filesystem;
 using ::testing::ElementsAre;
 using ::testing::HasSubstr;
 using ::testing::IsEmpty;
-
-class ScriptedInstance : public SingleInstance {
- public:
-  bool Claim() override {
-    if (!failure.empty()) {
-      throw Error(failure);
-    }
-    return only_one;
-  }
-  bool only_one = true;
-  std::string failure;
-};
+using ::testing::MatchesRegex;
 
 // The whole start with a program's directory and a common folder of its own.
-class StartUp : public ::testing::Test, private SplashForm {
+class StartUp : public ::testing::Test {
  protected:
   StartUp() {
+    fs::create_directory(locks_);
     fs::create_directory(program_);
     folder_.Write("program/QXNULRDB.MDB", "template");
     folder_.Write("program/QXNULXDB.MDB", "template");
     system_.program_directory = program_.string();
     system_.common_app_data_folder = common_.string();
-    application_.app_folder = Folder(system_);
+    app_folder_ = Folder(system_);
   }
 
   void WriteIni() {
@@ -50,11 +42,21 @@ class StartUp : public ::testing::Test, private SplashForm {
                   "[Comments]\nTitle=x\n[Configuration]\nSystemUnits=KG\n");
   }
 
-  std::unique_ptr<MainForm> Start() {
-    return Main(
-        instance_, *this, services_, application_, [this] { return LoadForm(); },
-        [this](MainForm& /*form*/) { Note("ended early"); });
+  std::unique_ptr<ProgramForm> Start(const fs::path& locks) {
+    LockFile lock(QString::fromStdString(locks.string()));
+    return StartProgram(lock, splash_, services_, app_folder_, ini_file_,
+                        [this] { return LoadForm(); });
   }
+  std::unique_ptr<ProgramForm> Start() {
+    std::unique_ptr<ProgramForm> form = Start(locks_);
+    if (form) {
+      Note("ready");
+    }
+    return form;
+  }
+
+  // Another instance runs.
+  void StartAnother() { ASSERT_TRUE(other_.Claim()); }
 
   const MessageBox& OnlyBox() const {
     EXPECT_EQ(op_.boxes.size(), 1U);
@@ -65,11 +67,15 @@ class StartUp : public ::testing::Test, private SplashForm {
   fs::path program_ = folder_ / "program";
   fs::path common_ = folder_ / "common";
   fs::path ini_ = common_ / "Brantock/VRX-2260/VRX-2260.INI";
-  ScriptedInstance instance_;
+  fs::path locks_ = folder_ / "run";
+  LockFile other_{QString::fromStdString(locks_.string())};
   RecordingOperator op_;
   FixedSystemInfo system_;
   ManualPump pump_;
-  ApplicationState application_{.app_folder = Folder(system_), .ini = {}, .settings = {}};
+  Folder app_folder_{system_};
+  std::optional<CPrivateINI> ini_file_;
+  PrivateINI settings_;
+  Splash splash_;
   TestServices rest_;
   Services services_{.op = op_,
                      .files = rest_.files,
@@ -77,34 +83,41 @@ class StartUp : public ::testing::Test, private SplashForm {
                      .programs = rest_.programs,
                      .calendar = rest_.calendar,
                      .system = system_,
-                     .settings = application_.settings,
-                     .folder = application_.app_folder,
+                     .settings = settings_,
+                     .folder = app_folder_,
                      .identity = rest_.identity};
   std::vector<std::string> steps_;
   std::string units_at_load_;
 
  private:
-  void Show() override { Note("splash"); }
-  void Unload() override { Note("no splash"); }
-
-  void Note(const std::string& step) {
-    steps_.push_back(step + " at " + std::to_string(pump_.Now().count()));
+  static bool SplashIsShown() {
+    const QWidgetList windows = QApplication::topLevelWidgets();
+    return std::any_of(windows.begin(), windows.end(), [](const QWidget* window) {
+      return window->objectName() == QStringLiteral("SPLASH") && window->isVisible();
+    });
   }
 
-  std::unique_ptr<MainForm> LoadForm() {
+  void Note(const std::string& step) {
+    steps_.push_back(step + " at " + std::to_string(pump_.Now().count()) +
+                     (SplashIsShown() ? " with splash" : ""));
+  }
+
+  std::unique_ptr<ProgramForm> LoadForm() {
     constexpr Milliseconds kLoadTime{300};
-    units_at_load_ = application_.settings.SystemUnits();
+    units_at_load_ = settings_.SystemUnits();
+    Note("loading");
+    pump_.After(kLoadTime + Milliseconds{1999}, [this] { Note("waiting"); });
     pump_.Pump(kLoadTime);
     Note("loaded");
     return std::make_unique<RecordedMainForm>([this](const std::string& step) { Note(step); });
   }
 };
 
-TEST_F(StartUp, ShowsTheSplashLoadsTheMainFormAndShowsItAfter2000Milliseconds) {
+TEST_F(StartUp, ShowsTheSplashLoadsTheMainFormAndIsReadyAfter2000Milliseconds) {
   WriteIni();
   EXPECT_NE(Start(), nullptr);
-  EXPECT_THAT(steps_,
-              ElementsAre("splash at 0", "loaded at 300", "no splash at 2300", "Show at 2300"));
+  EXPECT_THAT(steps_, ElementsAre("loading at 0 with splash", "loaded at 300 with splash",
+                                  "waiting at 2299 with splash", "ready at 2300"));
   EXPECT_THAT(op_.boxes, IsEmpty());
   EXPECT_EQ(op_.beeps, 0);
 }
@@ -113,19 +126,19 @@ TEST_F(StartUp, SettingsAreReadBeforeTheSplash) {
   WriteIni();
   EXPECT_NE(Start(), nullptr);
   EXPECT_EQ(units_at_load_, "KG");
-  EXPECT_TRUE(application_.settings.SettingsReadOk());
+  EXPECT_TRUE(settings_.SettingsReadOk());
 }
 
 TEST_F(StartUp, FirstStartMakesBothFoldersAndTheIniFile) {
   EXPECT_NE(Start(), nullptr);
   EXPECT_TRUE(fs::exists(ini_));
-  EXPECT_EQ(application_.app_folder.DefaultAppPath(), common_ / "Brantock/VRX-2260");
+  EXPECT_EQ(app_folder_.DefaultAppPath(), common_ / "Brantock/VRX-2260");
   EXPECT_EQ(OnlyBox().title, "No Configuration File");
   EXPECT_EQ(OnlyBox().icon, Icon::kInformation);
 }
 
 TEST_F(StartUp, SecondStartSaysSoAndTouchesNothing) {
-  instance_.only_one = false;
+  StartAnother();
   EXPECT_EQ(Start(), nullptr);
   EXPECT_EQ(op_.beeps, 1);
   EXPECT_EQ(OnlyBox().icon, Icon::kInformation);
@@ -138,17 +151,16 @@ TEST_F(StartUp, SecondStartSaysSoAndTouchesNothing) {
 }
 
 TEST_F(StartUp, SecondStartIsReportedBeforeMissingTemplates) {
-  instance_.only_one = false;
+  StartAnother();
   fs::remove(program_ / "QXNULRDB.MDB");
   EXPECT_EQ(Start(), nullptr);
   EXPECT_THAT(OnlyBox().text, HasSubstr("already running"));
 }
 
 TEST_F(StartUp, LockThatCannotBeTakenIsReported) {
-  instance_.failure = "cannot lock";
-  EXPECT_EQ(Start(), nullptr);
+  EXPECT_EQ(Start(folder_ / "none"), nullptr);
   EXPECT_EQ(OnlyBox().icon, Icon::kCritical);
-  EXPECT_EQ(OnlyBox().text, "Error: cannot lock");
+  EXPECT_THAT(OnlyBox().text, MatchesRegex("Error: cannot lock .*/none/vrx2260.lock"));
   EXPECT_FALSE(fs::exists(common_));
 }
 
@@ -206,18 +218,18 @@ TEST_F(StartUp, SettingThatCannotBeHealedIsRememberedAndTheStartGoesOn) {
   fs::rename(ini_, unwritable);
   fs::create_symlink(unwritable, ini_);
   EXPECT_NE(Start(), nullptr);
-  EXPECT_FALSE(application_.settings.SettingsReadOk());
-  EXPECT_EQ(application_.settings.SerialPort(), "2");
+  EXPECT_FALSE(settings_.SettingsReadOk());
+  EXPECT_EQ(settings_.SerialPort(), "2");
   EXPECT_THAT(op_.boxes, IsEmpty());  // the main form's Load reports it
   EXPECT_EQ(steps_.size(), 4U);
 }
 
-TEST_F(StartUp, ClosingDuringTheSplashEndsTheLoadedFormUnshown) {
+TEST_F(StartUp, ClosingDuringTheSplashEndsItsTime) {
   WriteIni();
   pump_.After(Milliseconds{1000}, [this] { pump_.closing = true; });
-  EXPECT_EQ(Start(), nullptr);
-  EXPECT_THAT(steps_, ElementsAre("splash at 0", "loaded at 300", "no splash at 1000",
-                                  "ended early at 1000"));
+  EXPECT_NE(Start(), nullptr);
+  EXPECT_THAT(steps_, ElementsAre("loading at 0 with splash", "loaded at 300 with splash",
+                                  "ready at 1000"));
 }
 
 }  // namespace

@@ -1,0 +1,236 @@
+// The pages of the main form: how they are made, and what connects them to each other and to the
+// databases.
+
+#include <QAbstractButton>
+#include <optional>
+#include <string>
+
+#include "base/files.h"
+#include "base/number.h"
+#include "database/connection.h"
+#include "database/identity.h"
+#include "desktop/app/main_form.h"
+#include "desktop/recipes/recipes_page.h"
+#include "desktop/records/ingredients_page.h"
+#include "desktop/records/pens_page.h"
+
+namespace vrx {
+
+MainForm::RecordPages MainForm::AddRecordPages() {
+  const QPointer<RecipesPage> recipes = new RecipesPage(services_, delay_, abbreviation_);
+  const QPointer<PensPage> pens = new PensPage(services_, abbreviation_);
+  auto* const ingredients = new IngredientsPage(
+      services_, delay_, abbreviation_,
+      {.current_batch_type = [recipes] { return recipes ? recipes->CurrentBatchType() : ""; },
+       .go_to =
+           [recipes](int position) {
+             if (recipes) {
+               recipes->GoTo(position);
+             }
+           }});
+  AddRecordPage(kTabIngredients, *ingredients);
+  AddRecordPage(kTabRecipes, *recipes);
+  AddRecordPage(kTabPens, *pens);
+  recipes->SetPenRows([pens] { return pens ? pens->PensShown() : std::vector<PenRecord>(); });
+  connect(pens, &PensPage::PenCapacityChecked, recipes, &RecipesPage::CheckPenCapacity);
+  window_.Panels().PicAction().SetHandler([this](int button) { Act(button); });
+  window_.Panels().PicNavigate().SetHandler([this](int button) { Navigate(button); });
+  return {ingredients, recipes.data(), pens.data()};
+}
+
+void MainForm::AddRecordPage(int tab, RecordPage& page) {
+  window_.SetPage(tab, &page);
+  connect(&page, &RecordPage::Moved, this, [this, &page](int position) {
+    if (&page == CurrentRecordPage()) {
+      window_.Panels().ShowRecordNumber(position);
+    }
+  });
+  connect(&page, &RecordPage::RecordLoaded, this, [this] { CountLoaded(); });
+  connect(&page, &RecordPage::CancelAllowed, this, [this](bool allowed) {
+    window_.Panels().PicAction().Button(kActionCancel).setEnabled(allowed);
+  });
+  // Of all pages: they show the same database.
+  connect(&page, &RecordPage::WritingAllowed, this, [this](bool allowed) {
+    for (const int button : {kActionUpdate, kActionDefault}) {
+      window_.Panels().PicAction().Button(button).setEnabled(allowed);
+    }
+  });
+}
+
+RecordPage* MainForm::CurrentRecordPage() {
+  const auto tab = static_cast<std::size_t>(window_.Tabs().CurrentTab());
+  return tab < record_pages_.size() ? record_pages_[tab] : nullptr;
+}
+
+void MainForm::Act(int button) {
+  RecordPage* const page = CurrentRecordPage();
+  if (page == nullptr || page->Position() == 0) {
+    return;
+  }
+  switch (button) {
+    case kActionUpdate:
+      if (page->LeaveEdits(MayStay::kYes)) {
+        page->UpdateRecord();
+      }
+      break;
+    case kActionCancel:
+      page->CancelRecord();
+      break;
+    default:
+      page->DefaultRecord();
+  }
+}
+
+void MainForm::Navigate(int button) {
+  RecordPage* const page = CurrentRecordPage();
+  if (page != nullptr && page->Position() != 0 && page->LeaveEdits(MayStay::kYes)) {
+    page->Navigate(static_cast<NavigateButton>(button));
+  }
+}
+
+// The panel of the name shows that the lists are being loaded.
+void MainForm::CountLoaded() {
+  constexpr int kRecordsPerText = 20;
+  if (++records_loaded_ % kRecordsPerText == 0) {
+    const bool loading = records_loaded_ / kRecordsPerText % 2 == 0;
+    window_.SetStatusPanel(DatabaseKind::kRecipe, kPanelName,
+                           loading ? "Standby... Loading" : "Standby...");
+  }
+}
+
+void MainForm::AddTransferPages() {
+  window_.SetPage(kTabDataTransfer, data_transfer_);
+  window_.SetPage(kTabImport, import_);
+  import_->SetTabOrder();
+  window_.SetHandler(MainCommand::kImportTransactionFile, [this] { import_->ImportXFile(); });
+  window_.SetHandler(MainCommand::kSetup, [this] { ShowSetup(); });
+  line_watch_ = krm_.Guard().OnChange([this] { ShowLine(); });
+}
+
+// The form `SETUP` would close the port during a transfer.
+void MainForm::ShowLine() {
+  const bool at_work = krm_.Guard().AtWork();
+  const bool command_runs = at_work && !krm_.Guard().Direct();
+  window_.Turn(MainCommand::kSetup, !at_work);
+  window_.Turn(MainCommand::kTransferUpload, !command_runs);
+  window_.Turn(MainCommand::kTransferDownload, !command_runs);
+}
+
+// The bound database: the path of a side may name a file that was not opened.
+CurrentDatabase MainForm::OpenRecipes() const {
+  const BoundDatabase& bound = databases_.Bound(DatabaseKind::kRecipe);
+  if (bound.blank) {
+    return {};
+  }
+  return {.path = bound.path,
+          .name = FileTitle(bound.path),
+          .unit = bound.unit,
+          .read_only_note = bound.read_only_note};
+}
+
+OpenDatabases MainForm::ImportDatabases() const {
+  const BoundDatabase& recipes = databases_.Bound(DatabaseKind::kRecipe);
+  const BoundDatabase& transactions = databases_.Bound(DatabaseKind::kTransaction);
+  OpenDatabases open{.lock_wait = services_.identity.Wait()};
+  if (!recipes.blank) {
+    open.recipe_db_path = recipes.path;
+  }
+  if (!transactions.blank) {
+    open.trans_db_path = transactions.path;
+    open.trans_db_uom = transactions.unit;
+    open.trans_db_read_only_note = transactions.read_only_note;
+  }
+  return open;
+}
+
+std::vector<IngredientRecord> MainForm::GridIngredients() {
+  const BoundDatabase& bound = databases_.Bound(DatabaseKind::kRecipe);
+  if (bound.blank) {
+    return {};
+  }
+  std::vector<IngredientRecord> records =
+      WithDatabaseErrors(*bound.connection, [&] { return ReadIngredients(*bound.connection); });
+  const auto* const active_only =
+      window_.findChild<QAbstractButton*>(QStringLiteral("chkShowActiveIngsOnly"));
+  if (active_only == nullptr || active_only->isChecked()) {
+    std::erase_if(records,
+                  [](const IngredientRecord& record) { return record.description.empty(); });
+  }
+  return records;
+}
+
+void MainForm::RecipesStored(int highest_in_use) {
+  const BoundDatabase& bound = databases_.Bound(DatabaseKind::kRecipe);
+  window_.Rebind(DatabaseKind::kRecipe, bound);
+  auto* const recipes = window_.findChild<RecordPage*>(QStringLiteral("pageRecipes"));
+  if (recipes != nullptr && highest_in_use > 0) {
+    recipes->GoTo(highest_in_use);
+  }
+  const std::optional<Date> modified =
+      services_.identity.GetDatabaseDate(bound.path, DateSelector::kModified);
+  window_.SetStatusPanel(DatabaseKind::kRecipe, kPanelModified,
+                         modified ? DefaultText(*modified) : std::string());
+}
+
+// The form closes the port; a direct connection continues after it.
+void MainForm::ShowSetup() {
+  if (setup_ != nullptr) {
+    return;
+  }
+  SetupForm form(services_, krm_, Facts(), &window_);
+  setup_ = &form;
+  form.exec();
+  setup_ = nullptr;
+  if (!services_.pump.Closing()) {
+    data_transfer_->ResumeDirectConnection();
+  }
+}
+
+void MainForm::UnloadSetup() {
+  if (setup_ != nullptr) {
+    setup_->close();
+  }
+}
+
+SetupFacts MainForm::Facts() const {
+  const CurrentDatabase& recipe = databases_.Recipe();
+  const CurrentDatabase& transaction = databases_.Transaction();
+  const TransFile& file = import_->Session().File();
+  return {.recipe_path = recipe.path.string(),
+          .recipe_unit = recipe.unit,
+          .transaction_path = transaction.path.string(),
+          .transaction_unit = transaction.unit,
+          .qxt_path = file.FilePath(),
+          .qxt_text = file.Text(),
+          .connections = BuildConnectionTexts(
+              ConnectionString(databases_.Bound(DatabaseKind::kRecipe).path.string()),
+              ConnectionString(databases_.Bound(DatabaseKind::kTransaction).path.string()))};
+}
+
+void MainForm::AddHistoryPages() {
+  window_.SetPage(kTabBatchedFed, history_);
+  window_.SetPage(kTabExport, new ExportPage(services_, style_sheets_, *this));
+}
+
+OpenDatabases MainForm::ExportDatabases() const {
+  const BoundDatabase& recipes = databases_.Bound(DatabaseKind::kRecipe);
+  const BoundDatabase& transactions = databases_.Bound(DatabaseKind::kTransaction);
+  OpenDatabases open{.lock_wait = services_.identity.Wait()};
+  if (!recipes.blank) {
+    open.recipe_db_path = recipes.path;
+  }
+  if (!transactions.blank) {
+    open.trans_db_path = transactions.path;
+    open.trans_db_uom = transactions.unit;
+  }
+  return open;
+}
+
+// The columns named after the ingredients follow the grid of the ingredients.
+bool MainForm::ActiveIngredientsOnly() const {
+  const auto* const box =
+      window_.findChild<QAbstractButton*>(QStringLiteral("chkShowActiveIngsOnly"));
+  return box != nullptr && box->isChecked();
+}
+
+}  // namespace vrx
