@@ -77,7 +77,8 @@ bool OnDisplay::WaitForNoWindow(const std::string& title) {
 bool OnDisplay::WaitForBox(const std::string& text) {
   return WaitFor([&](const Screen& screen) {
     const std::string box = screen.BoxText();
-    return !box.empty() && box.starts_with(text);
+    const Widget* const focus = screen.Focus();
+    return !box.empty() && box.starts_with(text) && focus != nullptr && !focus->behind_dialog;
   });
 }
 

@@ -42,7 +42,7 @@ class OnDisplay : public DesktopUser {
   bool WaitForWindow(const std::string& title);
   bool WaitForNoWindow(const std::string& title);
 
-  // Wait until the message box in front has that text, or begins with it.
+  // Waits until the message box in front has that text, or begins with it, and has the keyboard.
   bool WaitForBox(const std::string& text);
 
   void Keys(const std::vector<std::string>& keys) { input.Keys(keys); }
