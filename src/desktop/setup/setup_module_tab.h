@@ -11,6 +11,7 @@
 
 #include "desktop/main_window/turned_off.h"
 #include "platform/operator.h"
+#include "presenter/services.h"
 #include "presenter/setup.h"
 
 namespace vrx {
