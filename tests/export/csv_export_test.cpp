@@ -12,6 +12,7 @@
 #include "base/files.h"
 #include "database/connection.h"
 #include "export/export_fixture.h"
+#include "support/golden.h"
 #include "support/temp_folder.h"
 
 namespace vrx::testing {
@@ -57,9 +58,8 @@ TEST_P(CsvOfEveryGroup, IsTheGoldenFileByteForByte) {
   const int group = GetParam();
   site_.StoreYard();
   const std::string number = (group < 10 ? "0" : "") + std::to_string(group);
-  EXPECT_EQ(
-      Exported(group, YardNameOf(group)),
-      ReadAll(fs::path(VRX_SOURCE_DIR) / "tests/export/golden" / ("group_" + number + ".csv")));
+  EXPECT_TRUE(
+      IsGolden(Exported(group, YardNameOf(group)), "export/golden/group_" + number + ".csv"));
 }
 
 INSTANTIATE_TEST_SUITE_P(AllGroups, CsvOfEveryGroup, ::testing::Range(0, 13));
