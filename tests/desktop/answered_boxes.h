@@ -12,6 +12,7 @@
 #include <gtest/gtest.h>
 
 #include "platform/operator.h"
+#include "support/boxes.h"
 
 namespace vrx::testing {
 
@@ -36,6 +37,7 @@ class AnsweredBoxes {
 
   // As they were on the screen; lines end in LF.
   std::vector<MessageBox> boxes;
+  const MessageBox& Last() const { return LastBox(boxes); }
 
  private:
   static Icon IconOf(const QMessageBox& box) {

@@ -13,6 +13,7 @@
 #include "exchange/recording_progress.h"
 #include "exchange/store.h"
 #include "settings/settings.h"
+#include "support/boxes.h"
 #include "support/fixed_calendar.h"
 #include "support/recording_operator.h"
 #include "support/temp_folder.h"
@@ -55,7 +56,6 @@ class StoreFixture {
 
   StoreOutcome Store(const ImportedData& rows);
   std::vector<StoredRow> Stored() const { return ReadStored(databases.trans_db_path); }
-  const MessageBox& LastBox() const { return op.boxes.at(op.boxes.size() - 1); }
 
   TempFolder folder;
   OpenDatabases databases;

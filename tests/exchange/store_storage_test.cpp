@@ -136,7 +136,8 @@ TEST(StoreStorageFailure, AnyOtherFailureDuringTheCopyStoresNothing) {
     }
   };
   EXPECT_FALSE(site.Store(FourRows()).complete);
-  EXPECT_EQ(site.LastBox().text, "the display is gone\r\n\r\nNothing of this import was stored.");
+  EXPECT_EQ(LastBox(site.op.boxes).text,
+            "the display is gone\r\n\r\nNothing of this import was stored.");
   EXPECT_EQ(site.progress.Message(), "");
   EXPECT_THAT(site.Stored(), IsEmpty());
   EXPECT_FALSE(site.stored_flag);
@@ -148,7 +149,7 @@ TEST(StoreStorageFailure, ADateThatCannotBeWrittenStoresNothing) {
           "CREATE TRIGGER Stop BEFORE UPDATE ON History "
           "BEGIN SELECT RAISE(ABORT, 'stopped'); END");
   EXPECT_FALSE(site.Store(FourRows()).complete);
-  EXPECT_EQ(site.LastBox().title, "Transaction Store Error");
+  EXPECT_EQ(LastBox(site.op.boxes).title, "Transaction Store Error");
   EXPECT_THAT(site.Stored(), IsEmpty());
   EXPECT_FALSE(site.stored_flag);
 }

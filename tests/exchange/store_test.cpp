@@ -182,7 +182,7 @@ TEST(StoreImportedTransactions, RowsNeverFilledAreLeftOutAndCounted) {
 TEST(StoreImportedTransactions, OneRowNeverFilledIsReportedInTheSingular) {
   StoreFixture site;
   EXPECT_TRUE(site.Store(MakeImport({BatchCells(1, 3, 4, "1"), {}})).complete);
-  EXPECT_EQ(site.LastBox().text,
+  EXPECT_EQ(LastBox(site.op.boxes).text,
             "1 row of the import holds no data (it was counted in the file but never filled) and "
             "was not stored.");
 }
@@ -305,9 +305,9 @@ TEST(StoreImportedTransactions, ANumberAtTheLimitIsStoredAndOneBeyondRefusesTheW
   EXPECT_THAT(site.Stored(), SizeIs(1));
   EXPECT_FALSE(site.stored_flag);
   EXPECT_EQ(site.saves, 0);
-  EXPECT_EQ(site.LastBox().title, "Transaction Store Error");
-  EXPECT_EQ(site.LastBox().icon, Icon::kCritical);
-  EXPECT_EQ(site.LastBox().text,
+  EXPECT_EQ(LastBox(site.op.boxes).title, "Transaction Store Error");
+  EXPECT_EQ(LastBox(site.op.boxes).icon, Icon::kCritical);
+  EXPECT_EQ(LastBox(site.op.boxes).text,
             "Row 2, Transaction: 3 behind the database's highest number 2147483645 is beyond "
             "2147483647.\r\n\r\nNothing of this import was stored.");
 
@@ -392,7 +392,7 @@ TEST_P(StoreReadsNoTime, AndStopsThere) {
       {BatchCells(1, 3, 4, "1"), With(BatchCells(1, 3, 5, "1"), kImportedTime, GetParam())}));
   EXPECT_FALSE(outcome.complete);
   EXPECT_THAT(site.Stored(), SizeIs(1));
-  EXPECT_EQ(site.LastBox().text,
+  EXPECT_EQ(LastBox(site.op.boxes).text,
             "Row 2, Time: found \"" + std::string(GetParam()) +
                 "\", expected four digits, hours and minutes, or these with am or pm.\r\n\r\n"
                 "The copy stopped there; 1 row before it is stored.");
@@ -410,9 +410,10 @@ TEST_P(StoreReadsNoDate, AndStopsThere) {
       {BatchCells(1, 3, 4, "1"), With(BatchCells(1, 3, 5, "1"), kImportedDate, GetParam())}));
   EXPECT_FALSE(outcome.complete);
   EXPECT_THAT(site.Stored(), SizeIs(1));
-  EXPECT_EQ(site.LastBox().text, "Row 2, Date: found \"" + std::string(GetParam()) +
-                                     "\", expected eight digits: month, day and year.\r\n\r\n"
-                                     "The copy stopped there; 1 row before it is stored.");
+  EXPECT_EQ(LastBox(site.op.boxes).text,
+            "Row 2, Date: found \"" + std::string(GetParam()) +
+                "\", expected eight digits: month, day and year.\r\n\r\n"
+                "The copy stopped there; 1 row before it is stored.");
 }
 
 INSTANTIATE_TEST_SUITE_P(Dates, StoreReadsNoDate,
@@ -454,7 +455,7 @@ TEST(StoreImportedTransactions, RowsBeforeABadOneAreStoredSoASecondPressAsks) {
   EXPECT_EQ(QueryText(site.databases.trans_db_path, "SELECT Modified FROM History"), "2026-01-05");
   site.op.answers = {Answer::kNo};
   site.Store(rows);
-  EXPECT_EQ(site.LastBox().title, "Duplicate Data");
+  EXPECT_EQ(LastBox(site.op.boxes).title, "Duplicate Data");
   EXPECT_THAT(site.Stored(), SizeIs(1));
 }
 
@@ -465,11 +466,11 @@ TEST(StoreImportedTransactions, ABadFirstRowStoresNothingAndASecondPressDoesNotA
   EXPECT_FALSE(site.stored_flag);
   EXPECT_EQ(site.saves, 0);
   EXPECT_EQ(QueryText(site.databases.trans_db_path, "SELECT Modified FROM History"), "NULL");
-  EXPECT_EQ(site.LastBox().text,
+  EXPECT_EQ(LastBox(site.op.boxes).text,
             "Row 1, Ingredient ID: found \"101\", expected an ID from 1 to 100.\r\n\r\n"
             "Nothing of this import was stored.");
   site.Store(rows);
-  EXPECT_EQ(site.LastBox().title, "Transaction Store Error");
+  EXPECT_EQ(LastBox(site.op.boxes).title, "Transaction Store Error");
 }
 
 TEST(StoreImportedTransactions, LeavesNoStatementOpen) {

@@ -9,6 +9,7 @@
 #include "exchange/parsed_text.h"
 #include "exchange/transaction_parser.h"
 #include "exchange/transaction_texts.h"
+#include "support/boxes.h"
 #include "support/temp_folder.h"
 
 namespace vrx::testing {
@@ -262,14 +263,6 @@ class LoadTransactionFile : public ::testing::Test {
     return file_.LoadTransactionFile(op_, [this] { ++focused_; });
   }
 
-  void ExpectBox(const std::string& text) {
-    ASSERT_EQ(op_.boxes.size(), 1U);
-    EXPECT_EQ(op_.boxes[0].text, text);
-    EXPECT_EQ(op_.boxes[0].title, "Import Error");
-    EXPECT_EQ(op_.boxes[0].icon, Icon::kWarning);
-    EXPECT_EQ(op_.boxes[0].buttons, Buttons::kOk);
-  }
-
   TempFolder folder_;
   RecordingOperator op_;
   TransFile file_;
@@ -278,14 +271,16 @@ class LoadTransactionFile : public ::testing::Test {
 
 TEST_F(LoadTransactionFile, AsksForAFileIfNoneIsSet) {
   EXPECT_FALSE(Load());
-  ExpectBox("Please select a transaction (.QXT) file to import.");
+  EXPECT_THAT(OnlyBox(op_.boxes), IsBox(Icon::kWarning, "Import Error",
+                                        "Please select a transaction (.QXT) file to import."));
   EXPECT_EQ(focused_, 1);
 }
 
 TEST_F(LoadTransactionFile, ReportsAMissingFile) {
   file_.SetFilePath((folder_ / "GONE.QXT").string());
   EXPECT_FALSE(Load());
-  ExpectBox("Could not find transaction file.");
+  EXPECT_THAT(OnlyBox(op_.boxes),
+              IsBox(Icon::kWarning, "Import Error", "Could not find transaction file."));
   EXPECT_EQ(focused_, 0);
 }
 
@@ -293,7 +288,8 @@ TEST_F(LoadTransactionFile, ReportsAFileThatCannotBeRead) {
   std::filesystem::create_directory(folder_ / "FOLDER.QXT");
   file_.SetFilePath((folder_ / "FOLDER.QXT").string());
   EXPECT_FALSE(Load());
-  ExpectBox("Could not read transaction file.");
+  EXPECT_THAT(OnlyBox(op_.boxes),
+              IsBox(Icon::kWarning, "Import Error", "Could not read transaction file."));
   EXPECT_NE(op_.boxes[0].cause, "");
 }
 
@@ -311,7 +307,9 @@ TEST_F(LoadTransactionFile, AcceptsTheLongestFile) {
 TEST_F(LoadTransactionFile, RefusesALongerFile) {
   file_.SetFilePath(folder_.Write("LONG.QXT", std::string(65536, ' ')).string());
   EXPECT_FALSE(Load());
-  ExpectBox("Transaction file data exceeds maximum limit of 65535 characters.");
+  EXPECT_THAT(OnlyBox(op_.boxes),
+              IsBox(Icon::kWarning, "Import Error",
+                    "Transaction file data exceeds maximum limit of 65535 characters."));
 }
 
 TEST_F(LoadTransactionFile, ReadsOnlyTheBeginningOfAHugeFile) {
@@ -320,7 +318,9 @@ TEST_F(LoadTransactionFile, ReadsOnlyTheBeginningOfAHugeFile) {
   std::filesystem::resize_file(path, std::uintmax_t{1} << 40);
   file_.SetFilePath(path.string());
   EXPECT_FALSE(Load());
-  ExpectBox("Transaction file data exceeds maximum limit of 65535 characters.");
+  EXPECT_THAT(OnlyBox(op_.boxes),
+              IsBox(Icon::kWarning, "Import Error",
+                    "Transaction file data exceeds maximum limit of 65535 characters."));
 }
 
 TEST(TransFile, HoldsItsWorkingValues) {

@@ -164,7 +164,8 @@ TEST_F(RecipeLineEntry, TheFirstLineOfARecipeWithoutNameIsReported) {
   static_cast<void>(editor.LeaveName(""));
   op.boxes.clear();
   Add(kCorn, "1200");
-  ExpectBox("Field Error", "The 'Name' field is mandatory.", Icon::kCritical);
+  EXPECT_THAT(LastBox(op.boxes),
+              IsBox(Icon::kCritical, "Field Error", "The 'Name' field is mandatory."));
   EXPECT_THAT(Column(&RecipeLineRecord::target), ElementsAre("1200"));
   ExpectStored();
 }

@@ -233,13 +233,15 @@ TEST_F(RecipeEditorFailure, AFailedWriteBeepsWhateverTheSettingSays) {
 
 TEST_F(RecipeEditorFailure, ARefusalAndAnOverflowShowAMessageBox) {
   EXPECT_FALSE(RunReported<Error>(op, EventFailure, [&] { editor.ChooseIngredient(kCorn); }));
-  ExpectBox("Field Error",
-            "Recipe 5 is of type \"!\": its lines are closed until a type W, H, % or P is chosen.",
-            Icon::kCritical);
+  EXPECT_THAT(
+      LastBox(op.boxes),
+      IsBox(
+          Icon::kCritical, "Field Error",
+          "Recipe 5 is of type \"!\": its lines are closed until a type W, H, % or P is chosen."));
   EXPECT_EQ(op.beeps, 1);
   EXPECT_FALSE(RunReported<Error>(op, EventFailure, [&] { editor.ChooseAdjustItem(41); }));
-  ExpectBox("Edit (Error)", "The adjust list has no item 41, its items are 0 to 40.",
-            Icon::kCritical);
+  EXPECT_THAT(LastBox(op.boxes), IsBox(Icon::kCritical, "Edit (Error)",
+                                       "The adjust list has no item 41, its items are 0 to 40."));
   EXPECT_TRUE(RunReported<Error>(op, EventFailure, [&] { editor.ChooseBatchType(1); }));
   EXPECT_EQ(op.beeps, 2);
 }

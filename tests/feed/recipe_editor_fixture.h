@@ -15,6 +15,7 @@
 #include "feed/recipe_editor.h"
 #include "presenter/record_actions.h"
 #include "settings/settings.h"
+#include "support/boxes.h"
 #include "support/recording_operator.h"
 #include "support/temp_folder.h"
 
@@ -113,13 +114,6 @@ class RecipeEditorTest : public ::testing::Test {
     EXPECT_EQ(stored.head_count, recipe.head_count);
     EXPECT_EQ(stored.ration_target, recipe.ration_target);
     EXPECT_EQ(stored.adjust_batch_index, recipe.adjust_batch_index);
-  }
-
-  void ExpectBox(std::string_view title, std::string_view text, Icon icon) {
-    ASSERT_FALSE(op.boxes.empty());
-    EXPECT_EQ(op.boxes.back().title, title);
-    EXPECT_EQ(op.boxes.back().text, text);
-    EXPECT_EQ(op.boxes.back().icon, icon);
   }
 
   std::filesystem::path MakeYard() const {

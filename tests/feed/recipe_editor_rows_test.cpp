@@ -18,7 +18,8 @@ TEST_F(RecipeRows, ADeletionAsksByTheIngredientsName) {
   editor.GoToRow(2);
   EXPECT_TRUE(Delete());
   ASSERT_EQ(op.boxes.size(), 1U);
-  ExpectBox("Delete Ingredient", "Delete HAY from this recipe?", Icon::kQuestion);
+  EXPECT_THAT(LastBox(op.boxes), IsBox(Icon::kQuestion, "Delete Ingredient",
+                                       "Delete HAY from this recipe?", Buttons::kYesNo));
   EXPECT_EQ(op.boxes.back().buttons, Buttons::kYesNo);
   EXPECT_THAT(Column(&RecipeLineRecord::ingredient), ElementsAre("1", "3"));
   EXPECT_THAT(Column(&RecipeLineRecord::ration_percent), ElementsAre("100.000", "0.000"));
@@ -41,13 +42,15 @@ TEST_F(RecipeRows, AnIngredientOutOfUseHasNoNameInTheQuestion) {
   Add(kHay, "800");
   WriteIngredient(database, {kHay, "HAY", "", 90, false});
   EXPECT_TRUE(Delete());
-  ExpectBox("Delete Ingredient", "Delete  from this recipe?", Icon::kQuestion);
+  EXPECT_THAT(LastBox(op.boxes), IsBox(Icon::kQuestion, "Delete Ingredient",
+                                       "Delete  from this recipe?", Buttons::kYesNo));
 }
 
 TEST_F(RecipeRows, TheEntryRowCannotBeDeleted) {
   editor.Select(kByWeight);
   EXPECT_FALSE(editor.DeleteIng());
-  ExpectBox("Delete (Error)", "There is no ingredient selected to delete.", Icon::kInformation);
+  EXPECT_THAT(LastBox(op.boxes), IsBox(Icon::kInformation, "Delete (Error)",
+                                       "There is no ingredient selected to delete."));
   EXPECT_EQ(op.beeps, 1);
 }
 
@@ -122,7 +125,8 @@ TEST_P(RefusedMoves, ShowAMessageAndBeep) {
   ASSERT_TRUE(editor.GoToRow(GetParam().row));
   const std::vector<RecipeLineRecord> before = Shown().ration.lines;
   EXPECT_FALSE(editor.MoveRow(GetParam().direction));
-  ExpectBox("Move (Error)", GetParam().text, Icon::kInformation);
+  EXPECT_THAT(LastBox(op.boxes),
+              IsBox(Icon::kInformation, "Move (Error)", std::string(GetParam().text)));
   EXPECT_EQ(op.boxes.size(), 1U);
   EXPECT_EQ(op.beeps, 1);
   EXPECT_EQ(Shown().ration.lines, before);

@@ -178,13 +178,6 @@ class HistoryFixture : public MainWindowFixture {
     QTest::mouseClick(Header().viewport(), Qt::LeftButton, {}, SectionPoint(column));
     RunEvents();
   }
-
-  const MessageBox& LastBox() {
-    if (operator_.boxes.empty()) {
-      throw std::logic_error("no box was shown");
-    }
-    return operator_.boxes.back();
-  }
 };
 
 }  // namespace vrx::testing

@@ -14,6 +14,7 @@
 
 #include "adapters/program_runner.h"
 #include "desktop/app/main_form.h"
+#include "support/boxes.h"
 #include "support/fake_serial_control.h"
 #include "support/fixed_calendar.h"
 #include "support/fixed_system_info.h"
@@ -61,6 +62,7 @@ class MainWindowFixture : public ::testing::Test {
   void Choose(const QString& name) { Item(name).trigger(); }
   MainTabFolder& Tabs() { return Find<MainTabFolder>(u"tabMainFolder"_qs); }
   std::vector<int> TabsOn();
+  const MessageBox& LastBox() const { return testing::LastBox(operator_.boxes); }
 
   // Keeps the old page, because objects of the main form refer to it.
   void ReplacePage(int tab, MainTabPage* page) { replaced_.push_back(Window().SetPage(tab, page)); }

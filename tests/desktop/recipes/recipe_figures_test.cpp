@@ -89,7 +89,8 @@ TEST_F(RecipeFigures, AreRightWhileTheKeysRestOnTheIdleEntryRow) {
 TEST_F(RecipeFigures, AreRightAfterDeleteWithNothingSelected) {
   EnterTwoLines();
   ClickButton("cmdDeleteIng");
-  ExpectBox("Delete (Error)", "There is no ingredient selected to delete.", Icon::kInformation);
+  EXPECT_THAT(LastBox(op_.boxes), IsBox(Icon::kInformation, "Delete (Error)",
+                                        "There is no ingredient selected to delete."));
   EnterTarget("6000");
   ExpectBatchOf6000();
   ClickButton("cmdDeleteIng");

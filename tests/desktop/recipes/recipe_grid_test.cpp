@@ -200,7 +200,7 @@ TEST_F(RecipeGridTest, ARefusedKeyIsSilentWithoutTheBeeper) {
   EXPECT_EQ(op_.beeps, 0);
 }
 
-TEST_F(RecipeGridTest, APercentageLiesBetween0And100WithTwoDecimals) {
+TEST_F(RecipeGridTest, APercentageIsBetween0And100WithTwoDecimals) {
   AddCornHaySupplement(kByPercent);
   EnterOn(kByPercent);
   Overtype(0, kColumnIngredientPercent, "62.5-05");
@@ -311,7 +311,8 @@ TEST_F(RecipeGridTest, DeletingAsksByTheNameAndLeavesTheSequencesOfTheOthers) {
   Grid().GoTo(1, kColumnIngredient);
   op_.answers = {Answer::kNo, Answer::kYes};
   ClickButton("cmdDeleteIng");
-  ExpectBox("Delete Ingredient", "Delete HAY from this recipe?", Icon::kQuestion);
+  EXPECT_THAT(LastBox(op_.boxes), IsBox(Icon::kQuestion, "Delete Ingredient",
+                                        "Delete HAY from this recipe?", Buttons::kYesNo));
   EXPECT_EQ(Rows(), 4);
   ClickButton("cmdDeleteIng");
   EXPECT_THAT(Sequences(kByWeight), ElementsAre(1, 3));
@@ -336,7 +337,8 @@ TEST_F(RecipeGridTest, DeletingTheLastLineGoesToTheEntryRow) {
 TEST_F(RecipeGridTest, NothingToDeleteIsReported) {
   EnterOn(kByWeight);
   ClickButton("cmdDeleteIng");
-  ExpectBox("Delete (Error)", "There is no ingredient selected to delete.", Icon::kInformation);
+  EXPECT_THAT(LastBox(op_.boxes), IsBox(Icon::kInformation, "Delete (Error)",
+                                        "There is no ingredient selected to delete."));
   EXPECT_EQ(op_.beeps, 1);
 }
 
@@ -359,13 +361,16 @@ TEST_F(RecipeGridTest, AnImpossibleMoveIsReported) {
   AddCornHaySupplement(kByWeight);
   EnterOn(kByWeight);
   ClickButton("UpDown1.Up");
-  ExpectBox("Move (Error)", "The selected row cannot be moved up.", Icon::kInformation);
+  EXPECT_THAT(LastBox(op_.boxes),
+              IsBox(Icon::kInformation, "Move (Error)", "The selected row cannot be moved up."));
   Grid().GoTo(2, kColumnIngredient);
   ClickButton("UpDown1.Down");
-  ExpectBox("Move (Error)", "The selected row cannot be moved down.", Icon::kInformation);
+  EXPECT_THAT(LastBox(op_.boxes),
+              IsBox(Icon::kInformation, "Move (Error)", "The selected row cannot be moved down."));
   Grid().GoTo(3, kColumnIngredient);
   ClickButton("UpDown1.Up");
-  ExpectBox("Move (Error)", "The ingredient entry row cannot be moved.", Icon::kInformation);
+  EXPECT_THAT(LastBox(op_.boxes), IsBox(Icon::kInformation, "Move (Error)",
+                                        "The ingredient entry row cannot be moved."));
   EXPECT_EQ(op_.beeps, 3);
 }
 
@@ -373,9 +378,11 @@ TEST_F(RecipeGridTest, TheOnlyLineDoesNotMove) {
   AddStoredLine(kByWeight, kCorn, "100");
   EnterOn(kByWeight);
   ClickButton("UpDown1.Down");
-  ExpectBox("Move (Error)", "The selected row cannot be moved down.", Icon::kInformation);
+  EXPECT_THAT(LastBox(op_.boxes),
+              IsBox(Icon::kInformation, "Move (Error)", "The selected row cannot be moved down."));
   ClickButton("UpDown1.Up");
-  ExpectBox("Move (Error)", "The selected row cannot be moved up.", Icon::kInformation);
+  EXPECT_THAT(LastBox(op_.boxes),
+              IsBox(Icon::kInformation, "Move (Error)", "The selected row cannot be moved up."));
 }
 
 // The navigator.

@@ -170,7 +170,8 @@ TEST_F(RecipeHeadTest, AnEmptyNameIsReportedAndKeepsTheFocusAndIsFlushedAnyway) 
   Press(Qt::Key_Delete);
   Press(Qt::Key_Tab);
   RunEvents();
-  ExpectBox("Field Error", "The 'Name' field is mandatory.", Icon::kCritical);
+  EXPECT_THAT(LastBox(op_.boxes),
+              IsBox(Icon::kCritical, "Field Error", "The 'Name' field is mandatory."));
   EXPECT_THAT(op_.boxes, SizeIs(1));
   EXPECT_EQ(Focused(), "txtRecName");
   EXPECT_EQ(Stored(1).name, "");

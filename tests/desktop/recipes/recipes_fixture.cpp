@@ -180,13 +180,6 @@ void RecipesFixture::AddByKeys(std::string_view ingredient, std::string_view amo
   Press(Qt::Key_Return);
 }
 
-void RecipesFixture::ExpectBox(std::string_view title, std::string_view text, Icon icon) {
-  ASSERT_FALSE(op_.boxes.empty());
-  EXPECT_EQ(op_.boxes.back().title, title);
-  EXPECT_EQ(op_.boxes.back().text, text);
-  EXPECT_EQ(op_.boxes.back().icon, icon);
-}
-
 void RecipesFixture::ExpectStored() {
   const std::vector<RecipeLineRecord> lines = ReadRecipeLines(Database(), page_->Position());
   ASSERT_LE(static_cast<int>(lines.size()), Rows());

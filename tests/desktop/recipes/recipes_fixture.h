@@ -21,6 +21,7 @@
 #include "presenter/command_states.h"
 #include "presenter/database_identity.h"
 #include "settings/settings.h"
+#include "support/boxes.h"
 #include "support/fixed_calendar.h"
 #include "support/manual_pump.h"
 #include "support/recording_operator.h"
@@ -105,7 +106,6 @@ class RecipesFixture : public ::testing::Test {
   // Adds a line after the last one with keys: the name of the ingredient, then the amount.
   void AddByKeys(std::string_view ingredient, std::string_view amount);
 
-  void ExpectBox(std::string_view title, std::string_view text, Icon icon);
   // Checks that the stored values are those in the grid.
   void ExpectStored();
 
@@ -130,9 +130,9 @@ class RecipesFixture : public ::testing::Test {
   BoundDatabase bound_;
   std::unique_ptr<QWidget> form_;
   RecipesPage* page_;
-  std::vector<int> moved_;            // what Moved told
-  std::vector<bool> cancel_allowed_;  // what CancelAllowed told
-  int changes_ = 0;                   // of records, as RecordChanged told
+  std::vector<int> moved_;            // from Moved
+  std::vector<bool> cancel_allowed_;  // from CancelAllowed
+  int changes_ = 0;                   // of records, from RecordChanged
 };
 
 }  // namespace vrx::testing

@@ -225,10 +225,12 @@ TEST_F(RecipesPageTest, DefaultAsksAndLeavesTheRecipeOnANo) {
   Enter();
   op_.answers.push_back(Answer::kNo);
   page_->DefaultRecord();
-  ExpectBox("Set Recipe Defaults",
+  EXPECT_THAT(
+      LastBox(op_.boxes),
+      IsBox(Icon::kQuestion, "Set Recipe Defaults",
             "Reset recipe #1 (REC001) to its default values and clear all ingredients in this "
             "recipe?",
-            Icon::kQuestion);
+            Buttons::kYesNo));
   EXPECT_EQ(Stored(1).batch_type, "W");
   EXPECT_EQ(Rows(), 4);
 }

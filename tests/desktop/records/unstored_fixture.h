@@ -9,6 +9,7 @@
 #include <gmock/gmock.h>
 
 #include "desktop/records/commit_fixture.h"
+#include "support/boxes.h"
 
 namespace vrx::testing {
 
@@ -36,11 +37,10 @@ class UnstoredFixture : public CommitFixture {
 
  protected:
   void ExpectOneQuestion() {
-    ASSERT_EQ(Boxes().size(), 1U);
-    EXPECT_EQ(Boxes()[0].title, "Edit (Error)");
-    EXPECT_EQ(Boxes()[0].buttons, Buttons::kTryDiscardStay);
-    EXPECT_THAT(Boxes()[0].text,
-                ::testing::HasSubstr("could not be stored: YARD.RDB is locked by another"));
+    EXPECT_THAT(OnlyBox(Boxes()),
+                IsBox(Icon::kQuestion, "Edit (Error)",
+                      ::testing::HasSubstr("could not be stored: YARD.RDB is locked by another"),
+                      Buttons::kTryDiscardStay));
   }
 
  private:

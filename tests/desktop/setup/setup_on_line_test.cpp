@@ -59,11 +59,6 @@ class SetupOnLine : public LineFixture {
         },
         [&seen] { seen = true; });
   }
-  void IsBox(Icon icon, const std::string& title, const std::string& text) {
-    EXPECT_EQ(Box().icon, icon);
-    EXPECT_EQ(Box().title, title);
-    EXPECT_EQ(Box().text, text);
-  }
   std::string DeviceOf(int port) {
     return Of<QTreeWidget>(u"lstSerialPort"_qs).topLevelItem(port - 1)->text(1).toStdString();
   }
@@ -78,25 +73,29 @@ TEST_F(SetupOnLine, TestsClearsAndSetsTheBaudRate) {
     const auto standby = SeeStandby(stood_by);
     Press(u"cmdTestKRM"_qs);
     EXPECT_TRUE(stood_by);
-    IsBox(Icon::kInformation, "KRM Test", "KRM Successfully Detected.");
+    EXPECT_THAT(boxes_.Last(), IsBox(Icon::kInformation, "KRM Test", "KRM Successfully Detected."));
 
     auto& bauds = Of<QComboBox>(u"lstBaudRate"_qs);
     for (int baud = 0; baud < bauds.count(); ++baud) {
       bauds.setCurrentIndex(baud);
       Press(u"cmdSetBaud"_qs);
-      IsBox(Icon::kInformation, "KRM Baud Setting",
-            "Successfully set the KRM baudrate.\n\nThis new baudrate setting will only be in "
-            "effect when the KRM module is connected to an K-2260 or some other indicator.");
+      EXPECT_THAT(
+          boxes_.Last(),
+          IsBox(Icon::kInformation, "KRM Baud Setting",
+                "Successfully set the KRM baudrate.\n\nThis new baudrate setting will only be in "
+                "effect when the KRM module is connected to an K-2260 or some other indicator."));
       EXPECT_EQ(settings_.KRMBaudRate(), bauds.currentText().toStdString());
     }
 
     boxes_.answers = {QMessageBox::No};
     Press(u"cmdClearKRM"_qs);
-    IsBox(Icon::kQuestion, "Clear KRM", "Are you sure you want to clear all data in the KRM?");
-    EXPECT_EQ(Box().buttons, Buttons::kYesNo);
+    EXPECT_THAT(boxes_.Last(),
+                IsBox(Icon::kQuestion, "Clear KRM",
+                      "Are you sure you want to clear all data in the KRM?", Buttons::kYesNo));
     boxes_.answers = {QMessageBox::Yes};
     Press(u"cmdClearKRM"_qs);
-    IsBox(Icon::kInformation, "Clear KRM", "The 'Clear' operation was successful.");
+    EXPECT_THAT(boxes_.Last(),
+                IsBox(Icon::kInformation, "Clear KRM", "The 'Clear' operation was successful."));
   });
   EXPECT_EQ(MemoryOf(*module), "");
 }
@@ -115,16 +114,19 @@ TEST_F(SetupOnLine, ASilentModuleIsReportedByEachCommand) {
   auto module = FaultyModule("", "silent");
   Setup([this] {
     Press(u"cmdTestKRM"_qs);
-    IsBox(Icon::kWarning, "KRM Test",
-          std::string("KRM Not Detected.  (Communication Error)\n") + kCheckLine);
-    EXPECT_EQ(Box().cause, "no reply");
+    EXPECT_THAT(boxes_.Last(),
+                IsBox(Icon::kWarning, "KRM Test",
+                      std::string("KRM Not Detected.  (Communication Error)\n") + kCheckLine));
+    EXPECT_EQ(boxes_.Last().cause, "no reply");
     boxes_.answers = {QMessageBox::Yes};
     Press(u"cmdClearKRM"_qs);
-    IsBox(Icon::kWarning, "Clear KRM",
-          "The 'Clear' operation failed. (Could not connect to the KRM)");
+    EXPECT_THAT(boxes_.Last(),
+                IsBox(Icon::kWarning, "Clear KRM",
+                      "The 'Clear' operation failed. (Could not connect to the KRM)"));
     Press(u"cmdSetBaud"_qs);
-    IsBox(Icon::kWarning, "KRM Baud Setting",
-          std::string("Failed to set the KRM baudrate.\n\n") + kCheckLine);
+    EXPECT_THAT(boxes_.Last(),
+                IsBox(Icon::kWarning, "KRM Baud Setting",
+                      std::string("Failed to set the KRM baudrate.\n\n") + kCheckLine));
   });
   module.reset();
   TheNextUploadWorks();
@@ -135,7 +137,7 @@ TEST_F(SetupOnLine, ALineLostInTheClearIsReported) {
   Setup([this] {
     boxes_.answers = {QMessageBox::Yes};
     Press(u"cmdClearKRM"_qs);
-    IsBox(Icon::kWarning, "Clear KRM", "The 'Clear' operation failed.");
+    EXPECT_THAT(boxes_.Last(), IsBox(Icon::kWarning, "Clear KRM", "The 'Clear' operation failed."));
   });
 }
 
@@ -144,10 +146,10 @@ TEST_F(SetupOnLine, ALinePulledInATestIsReportedAndTheNextOneWorks) {
   Setup([&] {
     Later(Ms{500}, [&] { module.reset(); });
     Press(u"cmdTestKRM"_qs);
-    EXPECT_EQ(Box().icon, Icon::kWarning);
+    EXPECT_EQ(boxes_.Last().icon, Icon::kWarning);
     const auto sound = Module("");
     Press(u"cmdTestKRM"_qs);
-    EXPECT_EQ(Box().text, "KRM Successfully Detected.");
+    EXPECT_EQ(boxes_.Last().text, "KRM Successfully Detected.");
   });
 }
 
@@ -165,7 +167,7 @@ TEST_F(SetupOnLine, ADeviceIsAssignedToANumberAndFoundThere) {
     EXPECT_EQ(DeviceOf(7), device + ", pseudo-terminal");
     EXPECT_EQ(settings_.SerialPort(), "2");
     Press(u"cmdTestKRM"_qs);
-    EXPECT_EQ(Box().text, "KRM Successfully Detected.");
+    EXPECT_EQ(boxes_.Last().text, "KRM Successfully Detected.");
     EXPECT_EQ(settings_.SerialPort(), "7");
   });
 }
@@ -182,8 +184,9 @@ TEST_F(SetupOnLine, ADeviceThatGoesIsSeenWhenTheTabIsShownAgain) {
     Of<QTabWidget>(u"tabSetupFolder"_qs).setCurrentIndex(6);
     EXPECT_THAT(DeviceOf(2), EndsWith(", no such device"));
     Press(u"cmdTestKRM"_qs);
-    EXPECT_EQ(Box().text, std::string("KRM Not Detected.  (Communication Error)\n") + kCheckLine);
-    EXPECT_EQ(Box().cause, device + ": no such device");
+    EXPECT_EQ(boxes_.Last().text,
+              std::string("KRM Not Detected.  (Communication Error)\n") + kCheckLine);
+    EXPECT_EQ(boxes_.Last().cause, device + ": no such device");
   });
 }
 

@@ -57,18 +57,18 @@ TEST_F(DirectOnLine, TheIndicatorSendsAndFetchesWhileAnotherTabIsUsed) {
   int tab_changes = 0;
   const auto leave = Once([this] { return Status() == kWaitingStatus; },
                           [&] { Window().Tabs().SelectTab(kTabImport); });
-  const auto back = Once([this] { return WasTold(kCleared); },
+  const auto back = Once([this] { return WasShown(kCleared); },
                          [&] {
                            tab_changes += Tabs().currentIndex() == kTabImport ? 1 : 0;
                            Window().Tabs().SelectTab(kTabDataTransfer);
                          });
   // The program ends its script, not the line: it is the operator who goes back to the module.
-  const auto end = Once([this] { return WasTold(kCleared) && MemorySize() == "0"; },
+  const auto end = Once([this] { return WasShown(kCleared) && MemorySize() == "0"; },
                         [this] { ConnectModule(); });
   ConnectDirectly();
   EXPECT_EQ(indicator->Wait(), 0) << indicator->Err();
   EXPECT_EQ(tab_changes, 1);
-  EXPECT_TRUE(WasTold(kSent));
+  EXPECT_TRUE(WasShown(kSent));
   EXPECT_THAT(boxes_.boxes, IsEmpty());
 }
 
@@ -83,7 +83,7 @@ TEST_F(DirectOnLine, ACommandInsideABurstTakesEffectAtItsPlace) {
                 Expects("\x1c\x1f"
                         "abcdef\x1f") +
                 "wait 60000\n");
-  const auto end = Once([this] { return WasTold(kSentAll); },
+  const auto end = Once([this] { return WasShown(kSentAll); },
                         [&] {
                           EXPECT_EQ(MemorySize(), "6");
                           EXPECT_TRUE(indicator->Err().empty()) << indicator->Err();
@@ -91,7 +91,7 @@ TEST_F(DirectOnLine, ACommandInsideABurstTakesEffectAtItsPlace) {
                           ConnectModule();
                         });
   ConnectDirectly();
-  EXPECT_TRUE(WasTold(kSentAll));
+  EXPECT_TRUE(WasShown(kSentAll));
   EXPECT_EQ(Status(), (StatusLook{"", kStatusBlue}));
 }
 
@@ -123,10 +123,10 @@ TEST_F(DirectOnLine, UnknownTextInMemoryIsShownInRed) {
   const auto end = Once([this] { return MemorySize() == "3"; },
                         [&] {
                           Upload();
-                          EXPECT_TRUE(WasTold({"No recognized data file!", kStatusRed}));
+                          EXPECT_TRUE(WasShown({"No recognized data file!", kStatusRed}));
                           EXPECT_EQ(Status().text, "No data files in memory!");
                           EXPECT_EQ(Data(), "xyz");
-                          EXPECT_EQ(Box().title, "Rescue File");
+                          EXPECT_EQ(boxes_.Last().title, "Rescue File");
                           EXPECT_FALSE(Visible(u"frmDataFiles"_qs));
                           ConnectModule();
                         });
@@ -138,10 +138,10 @@ TEST_F(DirectOnLine, AnEmptyMemoryIsReportedInABoxAndInTheStatus) {
   const auto indicator = Indicator("wait 60000\n");
   ConnectAnd([this] {
     Upload();
-    EXPECT_EQ(Box().title, "KRM Error");
-    EXPECT_EQ(Box().icon, Icon::kWarning);
-    EXPECT_EQ(Box().text, "There is no file data in the KRM memory. ");
-    EXPECT_TRUE(WasTold({"No data files in memory!", kStatusBlue}));
+    EXPECT_EQ(boxes_.Last().title, "KRM Error");
+    EXPECT_EQ(boxes_.Last().icon, Icon::kWarning);
+    EXPECT_EQ(boxes_.Last().text, "There is no file data in the KRM memory. ");
+    EXPECT_TRUE(WasShown({"No data files in memory!", kStatusBlue}));
     EXPECT_THAT(Rows(), IsEmpty());
     ConnectModule();
   });
@@ -152,7 +152,7 @@ TEST_F(DirectOnLine, ABackupIsLoadedAfterTheQuestionAndFetched) {
   const std::string backup = "{DATA_IN},L\r\n";
   const auto indicator = Indicator(Expects("\x14\x1f") + "wait 1000\n" + Sends("\x15") +
                                    Expects("\x15\x1f" + backup + "\x1f") + "wait 1500\n");
-  const auto end = Once([this] { return WasTold(kSent); }, [this] { ConnectModule(); });
+  const auto end = Once([this] { return WasShown(kSent); }, [this] { ConnectModule(); });
   ConnectAnd([&] {
     Click(u"cmdDownloadRecipeToKRM"_qs);
     EXPECT_EQ(Find<QPushButton>(u"cmdOpenRecipeBU"_qs).text(), u"Load Memory..."_qs);
@@ -160,10 +160,10 @@ TEST_F(DirectOnLine, ABackupIsLoadedAfterTheQuestionAndFetched) {
     chooser_.Choose(folder_.Write("A.RBU", backup));
     boxes_.answers = {QMessageBox::Yes};
     Click(u"cmdOpenRecipeBU"_qs);
-    EXPECT_EQ(Box().title, "Overwrite KRM");
-    EXPECT_TRUE(WasTold(kLoaded));
+    EXPECT_EQ(boxes_.Last().title, "Overwrite KRM");
+    EXPECT_TRUE(WasShown(kLoaded));
   });
-  EXPECT_TRUE(WasTold(kSent));
+  EXPECT_TRUE(WasShown(kSent));
   EXPECT_EQ(indicator->Wait(), 0) << indicator->Err();
 }
 
@@ -175,19 +175,19 @@ TEST_F(DirectOnLine, ADatabaseIsLoadedAfterTheQuestionUnlessItIsRefused) {
     boxes_.answers = {QMessageBox::No, QMessageBox::Yes};
     chooser_.Choose(database);
     Click(u"cmdOpenRecipeDB"_qs);
-    EXPECT_FALSE(WasTold(kLoaded));
+    EXPECT_FALSE(WasShown(kLoaded));
     EXPECT_EQ(MemorySize(), "0");
     chooser_.Choose(database);
     Click(u"cmdOpenRecipeDB"_qs);
-    EXPECT_EQ(Box().text,
+    EXPECT_EQ(boxes_.Last().text,
               "Are you sure you want to overwrite all data in the KRM module with recipe data from "
               "the YARD.RDB database?");
-    EXPECT_TRUE(WasTold(kLoaded));
+    EXPECT_TRUE(WasShown(kLoaded));
     QTest::qWait(250);  // the longest delay of the display
     EXPECT_EQ(MemorySize(), std::to_string(Find<DataWindow>(u"txtDataWindow"_qs).Bytes().size()));
     ConnectModule();
   });
-  EXPECT_TRUE(WasTold(kLoaded));
+  EXPECT_TRUE(WasShown(kLoaded));
   EXPECT_TRUE(indicator->Err().empty()) << indicator->Err();
 }
 
@@ -198,17 +198,17 @@ TEST_F(DirectOnLine, MemoryOfBeforeIsAskedAboutAndKeptOrEmptied) {
     ConnectDirectly();
   }
   const auto answered = [this](QMessageBox::StandardButton answer, const std::string& memory) {
-    told_.clear();
+    shown_.clear();
     boxes_.answers = {answer};
     const auto indicator = Indicator("wait 1500\n" + Sends("\x15") +
                                      Expects("\x15\x1f" + memory + "\x1f") + "wait 1000\n");
-    const auto end = Once([this] { return WasTold(kSent); }, [this] { ConnectModule(); });
+    const auto end = Once([this] { return WasShown(kSent); }, [this] { ConnectModule(); });
     ConnectDirectly();
     EXPECT_EQ(indicator->Wait(), 0) << indicator->Err();
-    EXPECT_EQ(Box().title, "Clear Memory");
-    EXPECT_EQ(Box().icon, Icon::kQuestion);
-    EXPECT_EQ(Box().buttons, Buttons::kYesNo);
-    EXPECT_EQ(Box().text, "Do you want to clear the current data in memory?");
+    EXPECT_EQ(boxes_.Last().title, "Clear Memory");
+    EXPECT_EQ(boxes_.Last().icon, Icon::kQuestion);
+    EXPECT_EQ(boxes_.Last().buttons, Buttons::kYesNo);
+    EXPECT_EQ(boxes_.Last().text, "Do you want to clear the current data in memory?");
   };
   answered(QMessageBox::No, "abc");
   answered(QMessageBox::Yes, "");
@@ -217,10 +217,10 @@ TEST_F(DirectOnLine, MemoryOfBeforeIsAskedAboutAndKeptOrEmptied) {
 TEST_F(DirectOnLine, APortWithoutADeviceFallsBackToTheModule) {
   fs::create_symlink(folder_ / "unplugged", link_);
   ConnectDirectly();
-  EXPECT_EQ(Box().title, "Error");
-  EXPECT_EQ(Box().icon, Icon::kCritical);
-  EXPECT_EQ(Box().text, "Could not open serial port for direct-connection.");
-  EXPECT_EQ(Box().cause, (folder_ / "unplugged").string() + ": no such device");
+  EXPECT_EQ(boxes_.Last().title, "Error");
+  EXPECT_EQ(boxes_.Last().icon, Icon::kCritical);
+  EXPECT_EQ(boxes_.Last().text, "Could not open serial port for direct-connection.");
+  EXPECT_EQ(boxes_.Last().cause, (folder_ / "unplugged").string() + ": no such device");
   EXPECT_FALSE(Direct());
   EXPECT_FALSE(Visible(u"lblMemory"_qs));
   TheNextUploadWorks();
@@ -230,7 +230,7 @@ TEST_F(DirectOnLine, ALinePulledWhileItWaitsIsReportedAndTheNextConnectionWorks)
   {
     auto indicator = Indicator("wait 60000\n");
     ConnectAnd([&] { indicator.reset(); });
-    EXPECT_EQ(Box().text, "The direct-connection has ended: Serial line lost.");
+    EXPECT_EQ(boxes_.Last().text, "The direct-connection has ended: Serial line lost.");
     EXPECT_FALSE(Direct());
   }
   const auto indicator = Indicator("wait 60000\n");
@@ -248,7 +248,7 @@ TEST_F(DirectOnLine, ALinePulledInAnAnswerIsReportedAndTheModuleWorksNext) {
   Later(Ms{2800}, [&] { indicator.reset(); });
   ConnectDirectly();
   ASSERT_FALSE(boxes_.boxes.empty());
-  EXPECT_EQ(Box().text, "The direct-connection has ended: Serial line lost.");
+  EXPECT_EQ(boxes_.Last().text, "The direct-connection has ended: Serial line lost.");
   EXPECT_FALSE(Direct());
   TheNextUploadWorks();
 }

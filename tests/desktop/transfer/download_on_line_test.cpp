@@ -35,10 +35,7 @@ class DownloadOnLine : public LineFixture {
     EXPECT_FALSE(Busy());
   }
   void IsTheOverwriteQuestion(const std::string& text) {
-    EXPECT_EQ(Box().title, "Overwrite KRM");
-    EXPECT_EQ(Box().icon, Icon::kQuestion);
-    EXPECT_EQ(Box().buttons, Buttons::kYesNo);
-    EXPECT_EQ(Box().text, text);
+    EXPECT_THAT(boxes_.Last(), IsBox(Icon::kQuestion, "Overwrite KRM", text, Buttons::kYesNo));
   }
   // Of a sound module.
   void TheNextDownloadWorks() {
@@ -70,7 +67,7 @@ TEST_F(DownloadOnLine, ADatabaseIsInTheModuleAsItIsShown) {
   EXPECT_EQ(Status(), (StatusLook{"Download complete!  (" + std::to_string(sent.size()) +
                                       " bytes, Recipe Data)",
                                   kStatusGreen}));
-  EXPECT_TRUE(WasTold({"Standby...", kStatusBlue}));
+  EXPECT_TRUE(WasShown({"Standby...", kStatusBlue}));
   EXPECT_EQ(active_only.isChecked(), was_active_only);
   EXPECT_EQ(MemoryOf(*module), sent);
 }
@@ -126,14 +123,14 @@ TEST_F(DownloadOnLine, ABackupThatWasUploadedAndSavedGoesBack) {
 TEST_F(DownloadOnLine, NothingOpenedIsRefusedInBothFrames) {
   Click(u"cmdDownloadRecipeToKRM"_qs);
   Click(u"cmdDownloadRecipeDB"_qs);
-  EXPECT_EQ(Box().title, "Recipe Database-File Error");
-  EXPECT_EQ(Box().text,
+  EXPECT_EQ(boxes_.Last().title, "Recipe Database-File Error");
+  EXPECT_EQ(boxes_.Last().text,
             "You must first 'Open' the Recipe database file that you want to be downloaded.");
   EXPECT_TRUE(HasFocus(u"cmdOpenRecipeDB"_qs));
   Click(u"cmdDownloadRecipeBU"_qs);
-  EXPECT_EQ(Box().title, "Recipe Backup-File Error");
-  EXPECT_EQ(Box().icon, Icon::kWarning);
-  EXPECT_EQ(Box().text,
+  EXPECT_EQ(boxes_.Last().title, "Recipe Backup-File Error");
+  EXPECT_EQ(boxes_.Last().icon, Icon::kWarning);
+  EXPECT_EQ(boxes_.Last().text,
             "You must first 'Open' the Recipe backup-file that you want to be downloaded.");
   EXPECT_TRUE(HasFocus(u"cmdOpenRecipeBU"_qs));
 }
@@ -141,9 +138,9 @@ TEST_F(DownloadOnLine, NothingOpenedIsRefusedInBothFrames) {
 TEST_F(DownloadOnLine, ATextWithoutItsMarkIsRefused) {
   OpenBackup("{DATA_OUT},L\r\n");
   Download(u"cmdDownloadRecipeBU"_qs, QMessageBox::Yes);
-  EXPECT_EQ(Box().title, "File-Header Error");
-  EXPECT_EQ(Box().icon, Icon::kWarning);
-  EXPECT_EQ(Box().text,
+  EXPECT_EQ(boxes_.Last().title, "File-Header Error");
+  EXPECT_EQ(boxes_.Last().icon, Icon::kWarning);
+  EXPECT_EQ(boxes_.Last().text,
             "The Recipe backup-file has an invalid file header and cannot be downloaded.");
   EXPECT_FALSE(line_.PortOpen());
 }
@@ -178,7 +175,7 @@ TEST_F(DownloadOnLine, ALinePulledInTheTextIsReportedAndTheNextTryWorks) {
     Later(Ms{5200}, [&] { module.reset(); });
     Download(u"cmdDownloadRecipeBU"_qs, QMessageBox::Yes);
     EXPECT_EQ(Status(), (StatusLook{"Error: Download failed", kStatusRed}));
-    const StatusLook& last_count = told_.at(told_.size() - 2);
+    const StatusLook& last_count = shown_.at(shown_.size() - 2);
     EXPECT_THAT(last_count.text,
                 ::testing::MatchesRegex("Downloading to KRM\\.\\.\\.\\.  [1-9][0-9]+ bytes"));
     EXPECT_EQ(last_count.color, kStatusBlue);

@@ -10,6 +10,7 @@
 #include "database/records.h"
 #include "desktop/main_window/main_window_fixture.h"
 #include "exchange/imported_data.h"
+#include "support/boxes.h"
 
 namespace vrx::testing {
 namespace {
@@ -90,21 +91,13 @@ class ImportPageTest : public MainWindowFixture {
     return file.replace(file.find(",L"), 2, ",K");
   }
   void IsTheQuestionOfUnits() {
-    EXPECT_EQ(LastBox().title, "Weight Units Error");
-    EXPECT_EQ(LastBox().icon, Icon::kCritical);
-    EXPECT_EQ(LastBox().buttons, Buttons::kOkCancel);
-    EXPECT_EQ(LastBox().text,
-              "The units-of-measure of the imported transaction file is not "
-              "the same as the transaction database.\r\n\r\n"
-              "Storing the current transactions will result in "
-              "incorrect weight totals in the transaction database."
-              "Do you wish to continue?");
-  }
-  const MessageBox& LastBox() {
-    if (operator_.boxes.empty()) {
-      throw std::logic_error("no box was shown");
-    }
-    return operator_.boxes.back();
+    EXPECT_THAT(LastBox(), IsBox(Icon::kCritical, "Weight Units Error",
+                                 "The units-of-measure of the imported transaction file is not "
+                                 "the same as the transaction database.\r\n\r\n"
+                                 "Storing the current transactions will result in "
+                                 "incorrect weight totals in the transaction database."
+                                 "Do you wish to continue?",
+                                 Buttons::kOkCancel));
   }
 };
 
@@ -203,7 +196,7 @@ TEST_F(ImportPageTest, IngredientColumnsBearTheNamesOfTheOpenRecipeDatabase) {
   EXPECT_NE(Cell(3, 12 + 7), "");
 }
 
-// The grid of ingredients gives the names, and lists what its box says.
+// The names come from the grid of the Ingredients tab, which lists all or only the active ones.
 TEST_F(ImportPageTest, IngredientsThatAreNotInUseShowWhereTheirGridListsThem) {
   OpenRecipes();
   Find<QCheckBox>(u"chkShowActiveIngsOnly"_qs).setChecked(false);

@@ -34,8 +34,8 @@ struct StatusLook {
   bool operator==(const StatusLook&) const = default;
 };
 
-inline void PrintTo(const StatusLook& told, std::ostream* out) {
-  *out << '"' << told.text << "\" in " << told.color.name().toStdString();
+inline void PrintTo(const StatusLook& look, std::ostream* out) {
+  *out << '"' << look.text << "\" in " << look.color.name().toStdString();
 }
 
 // The main window with the Data Transfer tab shown, in real time: real message boxes, the real
@@ -52,7 +52,7 @@ class LineFixture : public TransferFixture {
     QObject::connect(&screen_, &QtOperator::StatusLineChanged, &window,
                      [this](const QString& text) {
                        Window().SetStatusLine(text);
-                       told_.push_back(Status());
+                       shown_.push_back(Status());
                      });
     QObject::connect(&screen_, &QtOperator::StatusColorChanged, &window,
                      &MainWindow::SetStatusColor);
@@ -113,14 +113,8 @@ class LineFixture : public TransferFixture {
     const auto& label = Find<QLabel>(u"lblStatusWindow"_qs);
     return {label.text().toStdString(), label.palette().color(QPalette::WindowText)};
   }
-  bool WasTold(const StatusLook& status) const {
-    return std::find(told_.begin(), told_.end(), status) != told_.end();
-  }
-  const MessageBox& Box() {
-    if (boxes_.boxes.empty()) {
-      throw std::logic_error("no box was shown");
-    }
-    return boxes_.boxes.back();
+  bool WasShown(const StatusLook& status) const {
+    return std::find(shown_.begin(), shown_.end(), status) != shown_.end();
   }
   static bool Busy() {
     return QApplication::overrideCursor() != nullptr &&
@@ -150,7 +144,7 @@ class LineFixture : public TransferFixture {
   std::filesystem::path kept_ = folder_ / "kept";
   QtOperator screen_;
   AnsweredBoxes boxes_;
-  std::vector<StatusLook> told_;
+  std::vector<StatusLook> shown_;
   QtEventPump events_;
   QtSerialControl line_{
       [this](int number) { return LinuxPortDevice(app_folder_->DefaultAppPath(), number); }};

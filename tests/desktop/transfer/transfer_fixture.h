@@ -78,13 +78,6 @@ class TransferFixture : public MainWindowFixture {
     serial_.WillAnswer("\x19\x1f");
     serial_.WillAnswer("\x14\x1f");
   }
-
-  const MessageBox& LastBox() {
-    if (operator_.boxes.empty()) {
-      throw std::logic_error("no box was shown");
-    }
-    return operator_.boxes.back();
-  }
 };
 
 }  // namespace vrx::testing

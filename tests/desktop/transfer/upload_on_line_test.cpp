@@ -90,20 +90,20 @@ TEST_F(UploadOnLine, ASaveThatIsCanceledIsReportedByItsKindAndChangesNothing) {
   Upload();
   const std::vector<std::string> rows = Rows();
   Click(u"cmdSaveFile"_qs);
-  EXPECT_EQ(Box().text,
+  EXPECT_EQ(boxes_.Last().text,
             "You must first select a data file to save. Click on one of the check boxes next to "
             "the file you want to save.");
-  EXPECT_EQ(Box().title, "Error");
-  EXPECT_EQ(Box().icon, Icon::kWarning);
+  EXPECT_EQ(boxes_.Last().title, "Error");
+  EXPECT_EQ(boxes_.Last().icon, Icon::kWarning);
   EXPECT_EQ(Status(), (StatusLook{"Upload complete!  (81 bytes, 3 files)", kStatusGreen}));
-  const std::vector<std::string> told{"Could not save transaction file (1)",
-                                      "Could not save recipe backup-file (2)",
-                                      "Could not save report file (3)"};
+  const std::vector<std::string> words{"Could not save transaction file (1)",
+                                       "Could not save recipe backup-file (2)",
+                                       "Could not save report file (3)"};
   for (int row = 0; row < 3; ++row) {
     ClickBox(row);
     chooser_.Cancel();
     Click(u"cmdSaveFile"_qs);
-    EXPECT_EQ(Status(), (StatusLook{told.at(static_cast<std::size_t>(row)), kStatusBlue}));
+    EXPECT_EQ(Status(), (StatusLook{words.at(static_cast<std::size_t>(row)), kStatusBlue}));
     EXPECT_EQ(Rows(), rows);
     EXPECT_THAT(Checked(), ElementsAre(row));
   }
@@ -114,7 +114,7 @@ TEST_F(UploadOnLine, BytesAreCountedAsTheyCome) {
   Upload();
   EXPECT_EQ(Status(), (StatusLook{"Upload complete!  (3029 bytes, 1 file)", kStatusGreen}));
   std::vector<std::string> counts;
-  for (const auto& [text, color] : told_) {
+  for (const auto& [text, color] : shown_) {
     if (text.starts_with("Uploading")) {
       counts.push_back(text);
       EXPECT_EQ(color, kStatusBlue);
