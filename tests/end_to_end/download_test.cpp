@@ -63,21 +63,7 @@ class DownloadOverALine : public ProgramsTest {
     return false;
   }
 
-  // The download fails with the words; the next one, to a sound module on the same link, is whole.
-  void FailsThenWorks(const std::string& fault, const std::string& words) {
-    {
-      const auto module = StartModule({"--fault", fault});
-      const Result failed = Download(backup);
-      EXPECT_EQ(failed.code, 1);
-      EXPECT_THAT(failed.err, HasSubstr(words));
-      EXPECT_THAT(failed.err, HasSubstr("\ncause: "));
-      EXPECT_THAT(failed.out, IsEmpty());
-    }
-    WorksAgain();
-  }
-
   void WorksAgain() {
-    fs::remove(ModulePath());
     const auto module = StartSavingModule();
     const Result worked = Download(backup);
     EXPECT_EQ(worked.code, 0) << worked.err;
@@ -90,7 +76,7 @@ class DownloadOverALine : public ProgramsTest {
 };
 
 // At the line's own pace, and back again.
-TEST_F(DownloadOverALine, ASiteReachesTheModuleAndComesBackByteForByte) {
+TEST_F(DownloadOverALine, ARecipeDatabaseReachesTheModuleAndComesBackByteForByte) {
   const std::string text = DownloadText(database);
   {
     const auto module = StartSavingModule({"--load", SitePath("day1.qxt")});
@@ -125,7 +111,7 @@ TEST_F(DownloadOverALine, AFullDatabaseIsWhole) {
 
 // Head counts that the file lacks become 0 in the download; the text does not change.
 // Recipes that are not written keep theirs.
-TEST_F(DownloadOverALine, EmptiesTheHeadCountsThatItDoesNotTell) {
+TEST_F(DownloadOverALine, EmptiesTheHeadCountsThatTheTextLacks) {
   SQLite::Database(database, SQLite::OPEN_READWRITE).exec("UPDATE Recipe SET HeadCount = 70");
   const std::string text = DownloadText(database);
   const auto module = StartSavingModule({"--baud", "0"});
@@ -174,35 +160,6 @@ TEST_F(DownloadOverALine, AFileThatIsNoBackupIsRefused) {
   EXPECT_EQ(Memory(*module), kBackup);
 }
 
-// The text is longer than the system's buffer for a device that does not read.
-TEST_F(DownloadOverALine, AModuleThatStopsReading) {
-  backup = folder.Write("LONG.RBU", std::string(kBackup) + std::string(60'000, ' ')).string();
-  const auto module = StartModule({"--fault", "deaf=2"});
-  const Result failed = Download(backup);
-  EXPECT_EQ(failed.code, 1);
-  EXPECT_THAT(failed.err, HasSubstr("Error: Serial line held\ncause: "));
-}
-
-TEST_F(DownloadOverALine, SilentModule) { FailsThenWorks("silent", "Error: KRM not detected\n"); }
-
-TEST_F(DownloadOverALine, WrongEcho) { FailsThenWorks("garbage", "Error: KRM not detected\n"); }
-
-TEST_F(DownloadOverALine, EchoCutShort) {
-  FailsThenWorks("cut-after=1", "Error: KRM not detected\n");
-}
-
-TEST_F(DownloadOverALine, LineGoneAfterTheCheck) {
-  FailsThenWorks("hang-up=2", "Error: Could not clear KRM\n");
-}
-
-TEST_F(DownloadOverALine, LineGoneInTheReplyToTheClear) {
-  FailsThenWorks("hang-up=3", "Error: Could not clear KRM\n");
-}
-
-TEST_F(DownloadOverALine, LineGoneAfterTheClear) {
-  FailsThenWorks("hang-up=4", "Error: Download failed\n");
-}
-
 // The module stops reading and is killed during a text far longer than the line's buffer.
 TEST_F(DownloadOverALine, ModuleGoneInTheText) {
   const std::string full = (folder / "FULL.RDB").string();
@@ -220,6 +177,67 @@ TEST_F(DownloadOverALine, ModuleGoneInTheText) {
   EXPECT_THAT(download.Err(), HasSubstr("Error: Download failed\n"));
   EXPECT_THAT(download.Err(), HasSubstr("\ncause: "));
   WorksAgain();
+}
+
+// Each fault has a module on a line of its own, and all of them wait side by side: nearly all the
+// time goes into the time-outs of the protocol.
+class DownloadFaults : public ProgramsTest {
+ protected:
+  std::string SavedPath(std::size_t line) const {
+    return (folder / ("saved" + std::to_string(line))).string();
+  }
+  std::unique_ptr<Program> StartDownload(const std::string& source, std::size_t line) const {
+    return StartCtl({"--yes", "module", "download", source, "--port", ModulePath(line)});
+  }
+
+  std::string backup = folder.Write("BACKUP.RBU", kBackup).string();
+  // Longer than the system's buffer for a device that does not read.
+  std::string long_backup =
+      folder.Write("LONG.RBU", std::string(kBackup) + std::string(60'000, ' ')).string();
+};
+
+TEST_F(DownloadFaults, AreReportedAndTheNextDownloadIsWhole) {
+  struct Fault {
+    std::string option;
+    std::string words;
+    std::string source;
+  };
+  const std::vector<Fault> faults = {
+      {"silent", "Error: KRM not detected\n", backup},
+      {"garbage", "Error: KRM not detected\n", backup},       // a wrong echo
+      {"cut-after=1", "Error: KRM not detected\n", backup},   // in the echo
+      {"hang-up=2", "Error: Could not clear KRM\n", backup},  // after the check
+      {"hang-up=3", "Error: Could not clear KRM\n", backup},  // in the reply to the clear
+      {"hang-up=4", "Error: Download failed\n", backup},      // after the clear
+      {"deaf=2", "Error: Serial line held\n", long_backup}};  // stops reading
+  std::vector<std::unique_ptr<Program>> modules;
+  std::vector<std::unique_ptr<Program>> downloads;
+  for (std::size_t line = 0; line < faults.size(); ++line) {
+    modules.push_back(StartModule({"--fault", faults[line].option}, line));
+    downloads.push_back(StartDownload(faults[line].source, line));
+  }
+  for (std::size_t line = 0; line < faults.size(); ++line) {
+    SCOPED_TRACE(faults[line].option);
+    const Result failed = ResultOf(*downloads[line]);
+    EXPECT_EQ(failed.code, 1);
+    EXPECT_THAT(failed.err, HasSubstr(faults[line].words + "cause: "));
+    EXPECT_THAT(failed.out, IsEmpty());
+  }
+
+  modules.clear();
+  downloads.clear();
+  for (std::size_t line = 0; line < faults.size(); ++line) {
+    modules.push_back(StartModule({"--save", SavedPath(line)}, line));
+    downloads.push_back(StartDownload(backup, line));
+  }
+  for (std::size_t line = 0; line < faults.size(); ++line) {
+    SCOPED_TRACE(faults[line].option);
+    const Result worked = ResultOf(*downloads[line]);
+    EXPECT_EQ(worked.code, 0) << worked.err;
+    modules[line]->Signal(SIGTERM);
+    EXPECT_EQ(modules[line]->Wait(), 0) << modules[line]->Err();
+    EXPECT_EQ(ReadAll(SavedPath(line)), kBackup);
+  }
 }
 
 }  // namespace

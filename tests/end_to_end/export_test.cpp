@@ -31,14 +31,6 @@ class Exports : public ProgramsTest {
         "--format", format,   "--out",   file.string()};
   }
 
-  std::string StoredDay() const {
-    std::string database = NewTransactionDatabase();
-    const Result store =
-        Ctl({"store", SitePath("day1.qxt"), "--into", database, "--recipes", SitePath("SITE.RDB")});
-    EXPECT_EQ(store.code, 0) << store.err;
-    return database;
-  }
-
   // Rows of one batch each, in transactions of ten.
   std::string ManyRows(int count) const {
     std::string path = NewTransactionDatabase();
@@ -137,16 +129,16 @@ TEST_F(Exports, AFullDiskIsReportedAndLeavesTheOlderXmlAndAPartOfTheCsv) {
         head -n 1 "$1/disk/DAY.$4" | cut -c 1-16
         umount "$1/disk")",
         {folder.Path().string(), Bin("vrx2260ctl"), database, format, SitePath("SITE.RDB")});
-    std::string told = "Export: cannot write ";
-    told.append(folder / "disk").append("/DAY.").append(format);
-    told.append(": No space left on device\nexit 1\nDAY.").append(format).append("\n");
-    told.append(format == "xml" ? "older\n" : "Transaction,Type\n");
-    EXPECT_EQ(output, told);
+    std::string message = "Export: cannot write ";
+    message.append(folder / "disk").append("/DAY.").append(format);
+    message.append(": No space left on device\nexit 1\nDAY.").append(format).append("\n");
+    message.append(format == "xml" ? "older\n" : "Transaction,Type\n");
+    EXPECT_EQ(output, message);
   }
 }
 
 TEST_F(Exports, AKilledXmlExportLeavesTheOlderFileUntouched) {
-  const std::string database = ManyRows(200000);
+  const std::string database = ManyRows(50000);
   const fs::path out = folder / "out";
   fs::create_directory(out);
   std::ofstream(out / "DAY.xml") << "older";
@@ -163,7 +155,7 @@ TEST_F(Exports, AKilledXmlExportLeavesTheOlderFileUntouched) {
 }
 
 TEST_F(Exports, AKilledCsvExportLeavesItsFirstLines) {
-  const std::string database = ManyRows(200000);
+  const std::string database = ManyRows(50000);
   const fs::path part = folder / "PART.csv";
   const fs::path whole = folder / "WHOLE.csv";
   ASSERT_EQ(Ctl(Args(database, 1, "csv", whole)).code, 0);

@@ -17,13 +17,6 @@ using ::testing::StartsWith;
 
 class Prints : public ProgramsTest {
  protected:
-  std::string StoredDay() const {
-    std::string database = NewTransactionDatabase();
-    const Result store =
-        Ctl({"store", SitePath("day1.qxt"), "--into", database, "--recipes", SitePath("SITE.RDB")});
-    EXPECT_EQ(store.code, 0) << store.err;
-    return database;
-  }
   Result PrintTo(const fs::path& file, std::vector<std::string> what) const {
     what.insert(what.begin(), "print");
     what.insert(what.end(), {"--pdf", file.string()});
@@ -59,13 +52,13 @@ TEST_F(Prints, NothingToPrintIsReported) {
   EXPECT_EQ(group.err, "Print Error: There is no transaction data to be printed.\n");
   const std::string empty = (folder / "EMPTY.RDB").string();
   ASSERT_EQ(Ctl({"new", "recipe", empty}).code, 0);
-  for (const auto& [records, told] :
+  for (const auto& [records, message] :
        {std::pair{"ingredients", "There is no ingredient data to be printed."},
         {"pens", "There is no pen data to be printed."},
         {"recipes", "There are no recipe entries to be printed."}}) {
     const Result result = PrintTo(pdf, {records, empty});
     EXPECT_EQ(result.code, 1);
-    EXPECT_EQ(result.err, "Print Error: " + std::string(told) + "\n");
+    EXPECT_EQ(result.err, "Print Error: " + std::string(message) + "\n");
   }
   EXPECT_FALSE(fs::exists(pdf));
 }

@@ -28,11 +28,14 @@ class ProgramsTest : public ::testing::Test {
     return args;
   }
 
-  Result Ctl(const std::vector<std::string>& args) const {
-    Program program(Bin("vrx2260ctl"), WithDataDir(args), folder.Path().string());
+  std::unique_ptr<Program> StartCtl(const std::vector<std::string>& args) const {
+    return std::make_unique<Program>(Bin("vrx2260ctl"), WithDataDir(args), folder.Path().string());
+  }
+  static Result ResultOf(Program& program) {
     const int code = program.Wait();
     return {code, program.Out(), program.Err()};
   }
+  Result Ctl(const std::vector<std::string>& args) const { return ResultOf(*StartCtl(args)); }
 
   Json Info(const std::string& path) const {
     const Result result = Ctl({"info", path, "--json"});
@@ -47,15 +50,28 @@ class ProgramsTest : public ::testing::Test {
     return path;
   }
 
-  // A data module on a pseudo-terminal at ModulePath(), ready when this returns.
-  std::unique_ptr<Program> StartModule(const std::vector<std::string>& options) const {
-    std::vector<std::string> args = {"module", "--link", ModulePath()};
+  // A transaction database with a day of the sample data.
+  std::string StoredDay() const {
+    std::string database = NewTransactionDatabase();
+    const Result store =
+        Ctl({"store", SitePath("day1.qxt"), "--into", database, "--recipes", SitePath("SITE.RDB")});
+    EXPECT_EQ(store.code, 0) << store.err;
+    return database;
+  }
+
+  // A data module on a pseudo-terminal at ModulePath(line), ready when this returns.
+  std::unique_ptr<Program> StartModule(const std::vector<std::string>& options,
+                                       std::size_t line = 0) const {
+    std::filesystem::remove(ModulePath(line));
+    std::vector<std::string> args = {"module", "--link", ModulePath(line)};
     args.insert(args.end(), options.begin(), options.end());
     auto module = std::make_unique<Program>(Bin("vrx2260sim"), args, folder.Path().string());
-    EXPECT_TRUE(module->WaitForOutput("ready " + ModulePath())) << module->Err();
+    EXPECT_TRUE(module->WaitForOutput("ready " + ModulePath(line))) << module->Err();
     return module;
   }
-  std::string ModulePath() const { return (folder / "module").string(); }
+  std::string ModulePath(std::size_t line = 0) const {
+    return (folder / ("module" + std::to_string(line))).string();
+  }
 
   TempFolder folder;
 };

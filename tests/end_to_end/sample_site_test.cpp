@@ -214,7 +214,7 @@ TEST_F(SampleSite, AWrongTextIsReportedWithFileAndLine) {
       {"recipe_lines.tsv", "1\t6\t0\t", "1\t99\t0\t", "recipe_lines.tsv:2: ingredient 99"},
       {"pens.tsv", "2\tA02\t", "2\t", "pens.tsv:3: 3 cells instead of 4"},
       {"pens.tsv", "ID\tName", "ID\tTitle", "pens.tsv:1: the heading"}};
-  for (const auto& [name, from, to, told] : wrong) {
+  for (const auto& [name, from, to, message] : wrong) {
     const std::string sound = ReadAll(texts / name);
     std::string text = sound;
     text.replace(text.find(from), from.size(), to);
@@ -222,8 +222,8 @@ TEST_F(SampleSite, AWrongTextIsReportedWithFileAndLine) {
     const std::string target = (folder / "SITE.RDB").string();
     Program tool(VRX_MAKE_SAMPLE_SITE, {texts.string(), Bin("QXNULRDB.MDB"), target},
                  folder.Path().string());
-    EXPECT_EQ(tool.Wait(), 1) << told;
-    EXPECT_THAT(tool.Err(), HasSubstr(told));
+    EXPECT_EQ(tool.Wait(), 1) << message;
+    EXPECT_THAT(tool.Err(), HasSubstr(message));
     EXPECT_FALSE(fs::exists(target));
     std::ofstream(texts / name, std::ios::binary) << sound;
   }

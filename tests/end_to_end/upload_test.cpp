@@ -25,29 +25,6 @@ class UploadOverALine : public ProgramsTest {
     return Ctl({"module", "upload", "--out", (folder / out).string(), "--port", ModulePath()});
   }
 
-  // The upload fails with the words; the next one, on a sound module, is whole.
-  void FailsThenWorks(const std::vector<std::string>& fault, const std::string& words,
-                      bool with_cause = true) {
-    {
-      std::vector<std::string> options = {"--load", file, "--fault"};
-      options.insert(options.end(), fault.begin(), fault.end());
-      const auto module = StartModule(options);
-      const Result failed = Upload("bad");
-      EXPECT_EQ(failed.code, 1);
-      EXPECT_THAT(failed.err, HasSubstr(words));
-      if (with_cause) {
-        EXPECT_THAT(failed.err, HasSubstr("\ncause: "));
-      }
-      EXPECT_THAT(failed.out, IsEmpty());
-      EXPECT_FALSE(std::filesystem::exists(folder / "bad"));
-    }
-    std::filesystem::remove(ModulePath());
-    const auto module = StartModule({"--load", file});
-    const Result worked = Upload("good");
-    EXPECT_EQ(worked.code, 0) << worked.err;
-    EXPECT_EQ(ReadAll(folder / "good/01.QXT"), kSmallFile);
-  }
-
   std::string file = folder.Write("small.qxt", kSmallFile).string();
 };
 
@@ -117,53 +94,6 @@ TEST_F(UploadOverALine, AMissingPortIsReportedAsMissing) {
   EXPECT_THAT(upload.err, HasSubstr("cause: " + ModulePath() + ": no such device\n"));
 }
 
-TEST_F(UploadOverALine, OneXoffEndsItAndTheNextOneWorks) {
-  const auto module = StartModule({"--load", file, "--fault", "xoff=1"});
-  const Result held = Upload("bad");
-  EXPECT_EQ(held.code, 1);
-  EXPECT_THAT(held.err, HasSubstr("Error: Serial line held\ncause: "));
-  const Result worked = Upload("good");
-  EXPECT_EQ(worked.code, 0) << worked.err;
-  EXPECT_EQ(ReadAll(folder / "good/01.QXT"), kSmallFile);
-}
-
-TEST_F(UploadOverALine, AFewBytesAfterTheDumpAreIgnored) {
-  const auto module = StartModule({"--load", file, "--fault", "strays=16"});
-  EXPECT_EQ(Upload("out").code, 0);
-  EXPECT_EQ(ReadAll(folder / "out/01.QXT"), kSmallFile);
-}
-
-TEST_F(UploadOverALine, ManyBytesAfterTheDump) {
-  FailsThenWorks({"strays=17"}, "Invalid terminators\n", false);
-}
-
-TEST_F(UploadOverALine, SilentModule) { FailsThenWorks({"silent"}, "Error: KRM not detected\n"); }
-
-TEST_F(UploadOverALine, GarbageFirstByte) {
-  FailsThenWorks({"garbage"}, "Error: KRM not detected\n");
-}
-
-TEST_F(UploadOverALine, ReplyCutInTheData) {
-  FailsThenWorks({"cut-after=40"}, "Error: Command response failed\n");
-}
-
-TEST_F(UploadOverALine, LineGoneInTheData) { FailsThenWorks({"hang-up=40"}, "Error: "); }
-
-TEST_F(UploadOverALine, AnExtraTerminatorAtTheLinesOwnPace) {
-  FailsThenWorks({"extra-us"}, "Invalid terminators\n", false);
-}
-
-TEST_F(UploadOverALine, ALongStallEndsTheReply) {
-  FailsThenWorks({"stall=7000"}, "Error: KRM not detected\n");
-}
-
-TEST_F(UploadOverALine, AShortStallIsWaitedOut) {
-  const auto module = StartModule({"--load", file, "--fault", "stall=2000"});
-  const Result upload = Upload("out");
-  EXPECT_EQ(upload.code, 0) << upload.err;
-  EXPECT_EQ(ReadAll(folder / "out/01.QXT"), kSmallFile);
-}
-
 // A module that goes away in the middle ends the command at once, not after a time-out.
 TEST_F(UploadOverALine, AModuleThatDiesEndsTheUpload) {
   auto module = StartModule({"--load", SitePath("day1.qxt")});
@@ -176,6 +106,87 @@ TEST_F(UploadOverALine, AModuleThatDiesEndsTheUpload) {
   EXPECT_EQ(upload.Wait(std::chrono::seconds{20}), 1);
   EXPECT_THAT(upload.Err(), HasSubstr("\ncause: "));
   EXPECT_FALSE(std::filesystem::exists(folder / "out"));
+}
+
+// Each fault has a module on a line of its own, and all of them wait side by side: nearly all the
+// time goes into the time-outs of the protocol.
+class UploadFaults : public ProgramsTest {
+ protected:
+  std::unique_ptr<Program> StartLoadedModule(const std::vector<std::string>& options,
+                                             std::size_t line) const {
+    std::vector<std::string> all = {"--load", file};
+    all.insert(all.end(), options.begin(), options.end());
+    return StartModule(all, line);
+  }
+  // Uploads from the first so many lines at once.
+  std::vector<Result> Upload(std::size_t lines, const std::string& out) const {
+    std::vector<std::unique_ptr<Program>> uploads;
+    for (std::size_t line = 0; line < lines; ++line) {
+      uploads.push_back(StartCtl(
+          {"module", "upload", "--out", OutPath(out, line).string(), "--port", ModulePath(line)}));
+    }
+    std::vector<Result> results;
+    results.reserve(lines);
+    for (const auto& upload : uploads) {
+      results.push_back(ResultOf(*upload));
+    }
+    return results;
+  }
+  std::filesystem::path OutPath(const std::string& out, std::size_t line) const {
+    return folder / (out + std::to_string(line));
+  }
+  void ExpectWhole(const Result& upload, const std::string& out, std::size_t line) const {
+    EXPECT_EQ(upload.code, 0) << upload.err;
+    EXPECT_EQ(ReadAll(OutPath(out, line) / "01.QXT"), kSmallFile);
+  }
+
+  std::string file = folder.Write("small.qxt", kSmallFile).string();
+};
+
+TEST_F(UploadFaults, AreReportedAndTheNextUploadIsWhole) {
+  struct Fault {
+    std::string option;
+    std::string words;
+    bool module_stays = false;  // for the next upload; otherwise that has a sound module
+  };
+  const std::vector<Fault> faults = {
+      {"silent", "\ncause: no reply\nError: KRM not detected\n"},
+      {"garbage", "\ncause: unexpected reply\nError: KRM not detected\n"},
+      {"stall=7000", "the reply broke off after 1 bytes\nError: KRM not detected\n"},
+      {"cut-after=40", "Error: Command response failed\ncause: "},
+      {"hang-up=40", "Error: Serial line lost\ncause: "},
+      {"xoff=1", "Error: Serial line held\ncause: ", true},
+      {"extra-us", "Invalid terminators\n"},
+      {"strays=17", "Invalid terminators\n"}};
+  std::vector<std::unique_ptr<Program>> modules;
+  for (const Fault& fault : faults) {
+    modules.push_back(StartLoadedModule({"--fault", fault.option}, modules.size()));
+  }
+  const std::vector<Result> failed = Upload(faults.size(), "bad");
+  for (std::size_t line = 0; line < faults.size(); ++line) {
+    SCOPED_TRACE(faults[line].option);
+    EXPECT_EQ(failed[line].code, 1);
+    EXPECT_THAT(failed[line].err, HasSubstr(faults[line].words));
+    EXPECT_THAT(failed[line].out, IsEmpty());
+    EXPECT_FALSE(std::filesystem::exists(OutPath("bad", line)));
+    if (!faults[line].module_stays) {
+      modules[line].reset();
+      modules[line] = StartLoadedModule({}, line);
+    }
+  }
+  const std::vector<Result> worked = Upload(faults.size(), "good");
+  for (std::size_t line = 0; line < faults.size(); ++line) {
+    SCOPED_TRACE(faults[line].option);
+    ExpectWhole(worked[line], "good", line);
+  }
+}
+
+TEST_F(UploadFaults, AShortStallAndAFewBytesAfterTheDumpAreHarmless) {
+  const auto stalling = StartLoadedModule({"--fault", "stall=2000"}, 0);
+  const auto straying = StartLoadedModule({"--fault", "strays=16"}, 1);
+  const std::vector<Result> uploads = Upload(2, "out");
+  ExpectWhole(uploads[0], "out", 0);
+  ExpectWhole(uploads[1], "out", 1);
 }
 
 }  // namespace
