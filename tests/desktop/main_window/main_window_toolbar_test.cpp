@@ -10,7 +10,7 @@
 
 #include <gmock/gmock.h>
 
-#include "desktop/main_window/main_window_fixture.h"
+#include "desktop/main_window/commands_fixture.h"
 #include "desktop/main_window/menus_and_toolbar.h"
 
 namespace vrx::testing {
@@ -34,7 +34,7 @@ struct Specified {
 
 // In the order of the screen.
 const std::vector<Specified>& SpecifiedButtons() {
-  static const std::vector<Specified> told{
+  static const std::vector<Specified> buttons{
       {"New dB",
        "New Database",
        kNone,
@@ -53,28 +53,18 @@ const std::vector<Specified>& SpecifiedButtons() {
       {"Calendar", "Calendar", kCalendar},
       {"Setup", "Setup", kSetup},
   };
-  return told;
+  return buttons;
 }
 
-class MainToolBarTest : public MainWindowFixture {
+class MainToolBarTest : public CommandsFixture {
  protected:
   QToolButton& Button(const char* key) { return Find<QToolButton>(QLatin1String(key)); }
 
-  void KeepChosen() {
-    for (int command = static_cast<int>(kNewRecipeDatabase); command <= static_cast<int>(kCalendar);
-         ++command) {
-      Window().SetHandler(static_cast<MainCommand>(command), [this, command] {
-        chosen_.push_back(static_cast<MainCommand>(command));
-      });
-    }
-    Window().Commands().EnableRecipeCommands();
-    Window().Commands().EnableTransactionCommands();
-    Window().Commands().TurnPrintCommands(true);
+  void ShowAndRecordChosen() {
+    RecordChosen();
     Window().Commands().Turn("Abbreviate", true);
     Show();
   }
-
-  std::vector<MainCommand> chosen_;
 };
 
 TEST_F(MainToolBarTest, HasTheSpecifiedButtonsInOrderWithTheirTooltips) {
@@ -85,53 +75,53 @@ TEST_F(MainToolBarTest, HasTheSpecifiedButtonsInOrderWithTheirTooltips) {
       keys.push_back(action->objectName().toStdString());
     }
   }
-  std::vector<std::string> told_keys;
-  for (const Specified& told : SpecifiedButtons()) {
-    told_keys.emplace_back(told.key);
-    EXPECT_EQ(Button(told.key).toolTip(), QLatin1String(told.tool_tip));
-    EXPECT_FALSE(Button(told.key).icon().isNull()) << told.key;
+  std::vector<std::string> specified_keys;
+  for (const Specified& specified : SpecifiedButtons()) {
+    specified_keys.emplace_back(specified.key);
+    EXPECT_EQ(Button(specified.key).toolTip(), QLatin1String(specified.tool_tip));
+    EXPECT_FALSE(Button(specified.key).icon().isNull()) << specified.key;
   }
-  EXPECT_EQ(keys, told_keys);
+  EXPECT_EQ(keys, specified_keys);
 }
 
 TEST_F(MainToolBarTest, EveryButtonCallsItsCommandAndADropDownNothing) {
   Main();
-  KeepChosen();
-  for (const Specified& told : SpecifiedButtons()) {
-    SCOPED_TRACE(told.key);
+  ShowAndRecordChosen();
+  for (const Specified& specified : SpecifiedButtons()) {
+    SCOPED_TRACE(specified.key);
     chosen_.clear();
-    QToolButton& button = Button(told.key);
+    QToolButton& button = Button(specified.key);
     QTest::mouseClick(&button, Qt::LeftButton, {},
                       QPoint(button.height() / 4, button.height() / 2));
-    if (told.command == kNone) {
+    if (specified.command == kNone) {
       EXPECT_THAT(chosen_, IsEmpty());
       EXPECT_FALSE(button.defaultAction()->menu()->isVisible());
     } else {
-      EXPECT_THAT(chosen_, ElementsAre(told.command));
+      EXPECT_THAT(chosen_, ElementsAre(specified.command));
     }
   }
 }
 
 TEST_F(MainToolBarTest, DropDownItemsCarryTheWork) {
   Main();
-  KeepChosen();
-  for (const Specified& told : SpecifiedButtons()) {
-    const QMenu* const menu = Button(told.key).defaultAction()->menu();
+  ShowAndRecordChosen();
+  for (const Specified& specified : SpecifiedButtons()) {
+    const QMenu* const menu = Button(specified.key).defaultAction()->menu();
     const QList<QAction*> items = menu == nullptr ? QList<QAction*>() : menu->actions();
-    ASSERT_EQ(static_cast<std::size_t>(items.size()), told.items.size()) << told.key;
-    for (std::size_t index = 0; index < told.items.size(); ++index) {
+    ASSERT_EQ(static_cast<std::size_t>(items.size()), specified.items.size()) << specified.key;
+    for (std::size_t index = 0; index < specified.items.size(); ++index) {
       QAction* const item = items.at(static_cast<qsizetype>(index));
       chosen_.clear();
       item->trigger();
-      EXPECT_EQ(item->text(), QLatin1String(told.items[index].text));
-      EXPECT_THAT(chosen_, ElementsAre(told.items[index].command));
+      EXPECT_EQ(item->text(), QLatin1String(specified.items[index].text));
+      EXPECT_THAT(chosen_, ElementsAre(specified.items[index].command));
     }
   }
 }
 
 TEST_F(MainToolBarTest, ButtonNoticesThatThePointerLeftWhileItsListWasOpen) {
   Main();
-  KeepChosen();
+  ShowAndRecordChosen();
   QToolButton& button = Button("New dB");
   QMenu& items = *button.defaultAction()->menu();
   const QPoint over = button.mapToGlobal(button.rect().center());
@@ -147,21 +137,22 @@ TEST_F(MainToolBarTest, ButtonNoticesThatThePointerLeftWhileItsListWasOpen) {
 
 TEST_F(MainToolBarTest, TakesNoFocusByAClick) {
   Main();
-  KeepChosen();
+  ShowAndRecordChosen();
   Tabs().tabBar()->setFocus();
-  for (const Specified& told : SpecifiedButtons()) {
-    EXPECT_EQ(Button(told.key).focusPolicy(), Qt::NoFocus);
-    QTest::mouseClick(&Button(told.key), Qt::LeftButton, {}, QPoint(8, 8));
-    EXPECT_TRUE(Tabs().tabBar()->hasFocus()) << told.key;
+  for (const Specified& specified : SpecifiedButtons()) {
+    EXPECT_EQ(Button(specified.key).focusPolicy(), Qt::NoFocus);
+    QTest::mouseClick(&Button(specified.key), Qt::LeftButton, {}, QPoint(8, 8));
+    EXPECT_TRUE(Tabs().tabBar()->hasFocus()) << specified.key;
   }
 }
 
 TEST_F(MainToolBarTest, AScreenReaderSaysWhatEachButtonDoes) {
   Main();
-  for (const Specified& told : SpecifiedButtons()) {
-    QAccessibleInterface* const heard = QAccessible::queryAccessibleInterface(&Button(told.key));
+  for (const Specified& specified : SpecifiedButtons()) {
+    QAccessibleInterface* const heard =
+        QAccessible::queryAccessibleInterface(&Button(specified.key));
     ASSERT_NE(heard, nullptr);
-    EXPECT_EQ(heard->text(QAccessible::Name), QLatin1String(told.tool_tip));
+    EXPECT_EQ(heard->text(QAccessible::Name), QLatin1String(specified.tool_tip));
   }
 }
 
