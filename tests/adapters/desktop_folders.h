@@ -41,6 +41,11 @@ class DesktopFolders {
   void MakeEntry(const std::string& name, const std::string& lines) const {
     folder.Write("data/applications/" + name, "[Desktop Entry]\nType=Application\n" + lines);
   }
+  // A program with an entry that starts it with a file.
+  std::filesystem::path MakeOpener(const std::string& name, const std::string& more = "") const {
+    MakeEntry(name + ".desktop", "Exec=" + name + " %f\n" + more);
+    return MakeProgram(name);
+  }
   void Cache(const std::string& lines) const {
     folder.Write("data/applications/mimeinfo.cache", "[MIME Cache]\n" + lines);
   }

@@ -39,8 +39,7 @@ TEST_F(DocumentOpeners, NoSuchFile) {
 }
 
 TEST_F(DocumentOpeners, TakesWhatIsInstalledForTheKind) {
-  const auto reader = desktop.MakeProgram("reader");
-  desktop.MakeEntry("reader.desktop", "Exec=reader %f\n");
+  const auto reader = desktop.MakeOpener("reader");
   desktop.Cache("text/plain=reader.desktop;\n");
   EXPECT_GT(Find(), 32);
   EXPECT_EQ(program, reader.string());
@@ -48,9 +47,8 @@ TEST_F(DocumentOpeners, TakesWhatIsInstalledForTheKind) {
 }
 
 TEST_F(DocumentOpeners, TakesWhatTheUserPrefers) {
-  desktop.MakeProgram("reader");
+  desktop.MakeOpener("reader");
   const auto editor = desktop.MakeProgram("editor");
-  desktop.MakeEntry("reader.desktop", "Exec=reader %f\n");
   desktop.MakeEntry("editor.desktop", "Exec=editor %U\n");
   desktop.Cache("text/plain=reader.desktop;editor.desktop;\n");
   desktop.Prefer("[Default Applications]\ntext/plain=editor.desktop\n");
@@ -58,11 +56,9 @@ TEST_F(DocumentOpeners, TakesWhatTheUserPrefers) {
   EXPECT_EQ(program, editor.string());
 }
 
-TEST_F(DocumentOpeners, TakesWhatTheRunningDesktopPrefersAheadOfTheCommonChoice) {
-  desktop.MakeProgram("reader");
-  const auto editor = desktop.MakeProgram("editor");
-  desktop.MakeEntry("reader.desktop", "Exec=reader %f\n");
-  desktop.MakeEntry("editor.desktop", "Exec=editor %f\n");
+TEST_F(DocumentOpeners, TakesWhatTheRunningDesktopPrefersBeforeTheCommonChoice) {
+  desktop.MakeOpener("reader");
+  const auto editor = desktop.MakeOpener("editor");
   desktop.Prefer("[Default Applications]\ntext/plain=reader.desktop\n");
   desktop.folder.Write("config/gnome-mimeapps.list",
                        "[Default Applications]\ntext/plain=editor.desktop\n");
@@ -71,8 +67,7 @@ TEST_F(DocumentOpeners, TakesWhatTheRunningDesktopPrefersAheadOfTheCommonChoice)
 }
 
 TEST_F(DocumentOpeners, LeavesOutWhatTheUserRemoved) {
-  desktop.MakeProgram("reader");
-  desktop.MakeEntry("reader.desktop", "Exec=reader %f\n");
+  desktop.MakeOpener("reader");
   desktop.Cache("text/plain=reader.desktop;\n");
   desktop.Prefer("[Removed Associations]\ntext/plain=reader.desktop\n");
   EXPECT_EQ(Find(), 31);
@@ -81,8 +76,7 @@ TEST_F(DocumentOpeners, LeavesOutWhatTheUserRemoved) {
 TEST_F(DocumentOpeners, TakesAProgramForAMoreGeneralKind) {
   document = "list.csv";
   desktop.folder.Write(document, "a,b\n");
-  desktop.MakeProgram("reader");
-  desktop.MakeEntry("reader.desktop", "Exec=reader %f\n");
+  desktop.MakeOpener("reader");
   desktop.Cache("text/plain=reader.desktop;\n");
   EXPECT_GT(Find(), 32);
 }
@@ -100,8 +94,7 @@ TEST_F(DocumentOpeners, NeedsNoDatabaseOfTheDesktop) {
 }
 
 TEST_F(DocumentOpeners, TakesWhatTheUserPrefersWithoutACache) {
-  desktop.MakeProgram("reader");
-  desktop.MakeEntry("reader.desktop", "Exec=reader %f\n");
+  desktop.MakeOpener("reader");
   desktop.Prefer("[Default Applications]\ntext/plain=reader.desktop\n");
   EXPECT_GT(Find(), 32);
 }
@@ -109,33 +102,28 @@ TEST_F(DocumentOpeners, TakesWhatTheUserPrefersWithoutACache) {
 TEST_F(DocumentOpeners, ContentOfAnyKindHasNoProgram) {
   document = "content";
   desktop.folder.Write(document, std::string("\0\1\2\3", 4));
-  desktop.MakeProgram("reader");
-  desktop.MakeEntry("reader.desktop", "Exec=reader %f\n");
+  desktop.MakeOpener("reader");
   desktop.Cache("application/octet-stream=reader.desktop;\n");
   EXPECT_EQ(Find(), 31);
 }
 
 TEST_F(DocumentOpeners, GoesOnToTheNextProgramWhenOneIsGone) {
-  const auto reader = desktop.MakeProgram("reader");
+  const auto reader = desktop.MakeOpener("reader");
   desktop.MakeEntry("gone.desktop", "Exec=gone %f\n");
-  desktop.MakeEntry("reader.desktop", "Exec=reader %f\n");
   desktop.Cache("text/plain=gone.desktop;reader.desktop;\n");
   EXPECT_GT(Find(), 32);
   EXPECT_EQ(program, reader.string());
 }
 
 TEST_F(DocumentOpeners, ProgramsOfATerminalHaveNoWindow) {
-  desktop.MakeProgram("reader");
-  desktop.MakeEntry("reader.desktop", "Exec=reader %f\nTerminal=true\n");
+  desktop.MakeOpener("reader", "Terminal=true\n");
   desktop.Cache("text/plain=reader.desktop;\n");
   EXPECT_EQ(Find(), 11);
 }
 
 TEST_F(DocumentOpeners, GoesOnToTheNextProgramWhenOneNeedsATerminal) {
-  desktop.MakeProgram("reader");
-  const auto editor = desktop.MakeProgram("editor");
-  desktop.MakeEntry("reader.desktop", "Exec=reader %f\nTerminal=true\n");
-  desktop.MakeEntry("editor.desktop", "Exec=editor %f\n");
+  desktop.MakeOpener("reader", "Terminal=true\n");
+  const auto editor = desktop.MakeOpener("editor");
   desktop.Cache("text/plain=reader.desktop;editor.desktop;\n");
   EXPECT_GT(Find(), 32);
   EXPECT_EQ(program, editor.string());
@@ -160,8 +148,7 @@ TEST_F(DocumentOpeners, CommandKeepsQuotedWordsAndDropsFieldCodes) {
 }
 
 TEST_F(DocumentOpeners, OnlyTheEntrysOwnGroupCounts) {
-  desktop.MakeProgram("reader");
-  desktop.MakeEntry("reader.desktop", "Exec=reader %f\n\n[Desktop Action new]\nExec=gone\n");
+  desktop.MakeOpener("reader", "\n[Desktop Action new]\nExec=gone\n");
   desktop.Cache("text/plain=reader.desktop;\n");
   EXPECT_GT(Find(), 32);
 }
@@ -170,8 +157,7 @@ TEST_F(DocumentOpeners, SystemInfoGivesTheCodesOfTheDesign) {
   EXPECT_EQ(desktop.Ask("find", "Readme.TXT", "/none"), (QStringList{"3", ""}));
   EXPECT_EQ(desktop.Ask("find", "Missing.TXT"), (QStringList{"2", ""}));
   EXPECT_EQ(desktop.Ask("find"), (QStringList{"31", ""}));
-  const auto reader = desktop.MakeProgram("reader");
-  desktop.MakeEntry("reader.desktop", "Exec=reader %f\n");
+  const auto reader = desktop.MakeOpener("reader");
   desktop.Cache("text/plain=reader.desktop;\n");
   EXPECT_EQ(desktop.Ask("find"), (QStringList{"33", QString::fromStdString(reader.string())}));
 }

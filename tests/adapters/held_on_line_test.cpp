@@ -58,6 +58,16 @@ class HeldOnLine : public ::testing::Test {
     return all;
   }
 
+  void AnXoffEndsOneCommandOnly() {
+    EXPECT_TRUE(krm.KRM_Download("first"));
+    terminal.Write("\x13");
+    EXPECT_FALSE(krm.KRM_Clear());
+    IsHeld();
+    ReadAllOf();
+    EXPECT_TRUE(krm.KRM_Download("second"));
+    EXPECT_EQ(ReadAllOf(), "second");
+  }
+
   PseudoTerminal terminal;
   FastPump pump;
   QtSerialControl serial{[this](int) { return terminal.Device(); }};
@@ -78,15 +88,7 @@ TEST_F(HeldOnLine, TheNextTransmissionOpensTheLineAnew) {
   EXPECT_THAT(ReadAllOf(), ::testing::EndsWith("text"));
 }
 
-TEST_F(HeldOnLine, OneXoffEndsACommandAndIsForgottenAtTheNextOne) {
-  EXPECT_TRUE(krm.KRM_Download("first"));
-  terminal.Write("\x13");
-  EXPECT_FALSE(krm.KRM_Clear());
-  IsHeld();
-  ReadAllOf();
-  EXPECT_TRUE(krm.KRM_Download("second"));
-  EXPECT_EQ(ReadAllOf(), "second");
-}
+TEST_F(HeldOnLine, OneXoffEndsACommandAndIsForgottenAtTheNextOne) { AnXoffEndsOneCommandOnly(); }
 
 // Where the device keeps its end in flow control, as a console does.
 TEST_F(HeldOnLine, AnXoffIsForgottenOnALineThatKeepsItsFlowControl) {
@@ -94,13 +96,7 @@ TEST_F(HeldOnLine, AnXoffIsForgottenOnALineThatKeepsItsFlowControl) {
   tcgetattr(terminal.NearEnd(), &flow);
   flow.c_iflag |= IXON;
   tcsetattr(terminal.NearEnd(), TCSANOW, &flow);
-  EXPECT_TRUE(krm.KRM_Download("first"));
-  terminal.Write("\x13");
-  EXPECT_FALSE(krm.KRM_Clear());
-  IsHeld();
-  ReadAllOf();
-  EXPECT_TRUE(krm.KRM_Download("second"));
-  EXPECT_EQ(ReadAllOf(), "second");
+  AnXoffEndsOneCommandOnly();
 }
 
 TEST_F(HeldOnLine, AnXonLetsTheTransmissionGoOn) {

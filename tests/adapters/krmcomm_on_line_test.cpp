@@ -93,7 +93,7 @@ TEST_F(KrmcommOnLine, UnpluggedModuleEndsTheReceptionAtOnce) {
   EXPECT_EQ(krm.GS_KRM_ErrMsg(), "Serial line lost");
   EXPECT_THAT(krm.KRM_FailureCause(), HasSubstr(terminal.Device()));
   EXPECT_FALSE(serial.PortOpen());
-  // Ahead of the receive limit, which would end the wait too.
+  // Before the receive limit, which would end the wait too.
   EXPECT_LT(pump.Now() - start, Ms{1950});
 }
 
