@@ -55,7 +55,7 @@ TEST_F(DatabaseFiles, ALockedOneIsReportedAsLocked) {
   EXPECT_TRUE(ReadAll(path) == before);
 }
 
-TEST_F(DatabaseFiles, ADamagedOneIsToldUnderTheTitleOfItsKind) {
+TEST_F(DatabaseFiles, ADamagedOneIsReportedUnderTheTitleOfItsKind) {
   const std::string transactions = NewTransactionDatabase();
   Alter(transactions, "DROP TABLE Transactions");
   EXPECT_EQ(Run({"show", transactions, "--group", "0"}), 1);

@@ -33,15 +33,15 @@ class RecordRefusals : public CtlTest {
   }
 
   void ExpectRefusal(const Args& args, const std::string& message) {
-    const Specified told = Refused(args);
-    EXPECT_EQ(told.code, 1) << message;
-    EXPECT_EQ(told.err, message + "\n");
+    const Specified result = Refused(args);
+    EXPECT_EQ(result.code, 1) << message;
+    EXPECT_EQ(result.err, message + "\n");
   }
 
   void ExpectWrongUsage(const Args& args, const std::string& part) {
-    const Specified told = Refused(args);
-    EXPECT_EQ(told.code, 2) << part;
-    EXPECT_THAT(told.err, HasSubstr(part));
+    const Specified result = Refused(args);
+    EXPECT_EQ(result.code, 2) << part;
+    EXPECT_THAT(result.err, HasSubstr(part));
   }
 
   std::string database = NewRecipeDatabase();
@@ -139,9 +139,9 @@ TEST_F(RecordRefusals, AFileWithoutARowForItsDates) {
   for (const Args& args :
        {Args{"set", "ingredient", "5", "--name", "CORN"}, Args{"set", "pen", "5", "--feed", "500"},
         Args{"reset", "recipe", "5", "--yes"}}) {
-    const Specified told = Refused(args);
-    EXPECT_EQ(told.code, 1);
-    EXPECT_THAT(told.err, EndsWith("cause: YARD.RDB has no row in History\n"));
+    const Specified result = Refused(args);
+    EXPECT_EQ(result.code, 1);
+    EXPECT_THAT(result.err, EndsWith("cause: YARD.RDB has no row in History\n"));
   }
 }
 

@@ -89,7 +89,7 @@ TEST_F(SetupControlsTest, EachBoxShowsAndLetsItsOwnSetting) {
   }
 }
 
-TEST_F(SetupControlsTest, BoxesStandForTheirSettings) {
+TEST_F(SetupControlsTest, BoxesShowTheirSettings) {
   const auto box = [&](std::string_view name) {
     for (std::size_t i = 0; i < kSetupOptionCount; ++i) {
       if (SetupOptions().at(i).control == name) {

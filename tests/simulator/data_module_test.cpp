@@ -144,7 +144,7 @@ TEST_F(Module, DropsAndReportsBytesBeyondItsMemory) {
   ASSERT_EQ(messages_.size(), 1U);
   EXPECT_NE(messages_[0].find("65536"), std::string::npos);
   Say(module, "123");
-  EXPECT_EQ(messages_.size(), 1U) << "told once, not for each byte";
+  EXPECT_EQ(messages_.size(), 1U) << "reported once, not for each byte";
   Say(module, "\x14");
   ASSERT_EQ(messages_.size(), 2U);
   EXPECT_EQ(messages_[1], "bytes dropped: 4");

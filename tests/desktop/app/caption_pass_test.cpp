@@ -58,13 +58,13 @@ TEST(ApplyCaptionTable, MenusHoldTheIdInTheirCaption) {
   QMenu* const file = form.menuBar()->addMenu(u"1000"_qs);
   QMenu* const make = file->addMenu(u"1001"_qs);
   const QAction* const recipe = make->addAction(u"1070"_qs);
-  const QAction* const untold = make->addAction(u"Recipe"_qs);
+  const QAction* const unspecified = make->addAction(u"Recipe"_qs);
   const QAction* const bar = file->addSeparator();
   ApplyCaptionTable(form);
   EXPECT_EQ(file->title(), u"&File"_qs);
   EXPECT_EQ(make->title(), u"&New..."_qs);
   EXPECT_EQ(recipe->text(), u"Recipe Database"_qs);
-  EXPECT_EQ(untold->text(), u"TBD"_qs);
+  EXPECT_EQ(unspecified->text(), u"TBD"_qs);
   EXPECT_TRUE(bar->isSeparator());
 }
 

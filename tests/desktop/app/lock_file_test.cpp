@@ -36,7 +36,7 @@ TEST_F(Lock, GoesWithItsInstance) {
   EXPECT_TRUE(second.Claim());
 }
 
-TEST_F(Lock, LiesInTheUsersFolderOfRunningPrograms) {
+TEST_F(Lock, IsInTheUsersFolderOfRunningPrograms) {
   LockFile lock;
   EXPECT_TRUE(lock.Claim());
   EXPECT_TRUE(fs::exists(folder / "vrx2260.lock"));

@@ -213,16 +213,16 @@ TEST_F(MainFormTest, EverythingThatTakesTheFocusHasAName) {
   }
 }
 
-TEST_F(MainFormTest, AScreenReaderHearsWhatTheLabelsTell) {
+TEST_F(MainFormTest, AScreenReaderReadsTheTextsOfTheLabels) {
   Main();
   Window().SetStatusLine(u"Upload complete!"_qs);
   Window().Panels().ShowRecordNumber(7);
   Window().SetStatusPanel(DatabaseKind::kRecipe, kPanelName, "YARD.RDB");
-  const std::vector<std::pair<QString, QString>> told{
+  const std::vector<std::pair<QString, QString>> texts{
       {u"lblStatusWindow"_qs, u"Upload complete!"_qs},
       {u"lblRecordNumber"_qs, u"7"_qs},
       {u"sbRecipe.Panels(2)"_qs, u"YARD.RDB"_qs}};
-  for (const auto& [name, text] : told) {
+  for (const auto& [name, text] : texts) {
     QAccessibleInterface* const heard = QAccessible::queryAccessibleInterface(&Find<QLabel>(name));
     EXPECT_EQ(heard->text(QAccessible::Name), text);
     EXPECT_FALSE(heard->text(QAccessible::Description).isEmpty());

@@ -160,12 +160,12 @@ TEST_F(TransferProgram, ClosedWhileItAnswersTheIndicatorItEnds) {
 
 TEST_F(TransferProgram, ClosedInADirectConnectionItEnds) {
   const auto module = Module();
-  for (const QString& road : {u"close box"_qs, u"mnuFileExit"_qs}) {
-    bool stood = false;
+  for (const QString& way : {u"close box"_qs, u"mnuFileExit"_qs}) {
+    bool direct = false;
     EXPECT_EQ(Run([&](MainWindow& window) {
-                Later(Ms{1000}, [&window, &stood, road] {
-                  stood = Find<QRadioButton>(window, u"optConnection(1)"_qs).isChecked();
-                  if (auto* const exit = window.findChild<QAction*>(road); exit != nullptr) {
+                Later(Ms{1000}, [&window, &direct, way] {
+                  direct = Find<QRadioButton>(window, u"optConnection(1)"_qs).isChecked();
+                  if (auto* const exit = window.findChild<QAction*>(way); exit != nullptr) {
                     exit->trigger();
                   } else {
                     window.close();
@@ -174,7 +174,7 @@ TEST_F(TransferProgram, ClosedInADirectConnectionItEnds) {
                 Find<QRadioButton>(window, u"optConnection(1)"_qs).click();
               }),
               0);
-    EXPECT_TRUE(stood);
+    EXPECT_TRUE(direct);
   }
 }
 

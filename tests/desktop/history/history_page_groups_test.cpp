@@ -34,7 +34,7 @@ class HistoryPageGroups : public HistoryFixture, public ::testing::WithParamInte
 TEST_P(HistoryPageGroups, ShowRowsBlanksTotalsAndColumnsAsTheLogicAnswers) {
   const DataGroup& group = *FindDataGroup(GetParam());
   SQLite::Database transactions = OpenDatabase(Transactions(), Access::kRead);
-  HistoryGrid told = Specified(transactions, group);
+  HistoryGrid expected = Specified(transactions, group);
   ShowTab();
   ChooseGroup(GetParam());
   if (!group.named_column.empty()) {
@@ -42,12 +42,12 @@ TEST_P(HistoryPageGroups, ShowRowsBlanksTotalsAndColumnsAsTheLogicAnswers) {
     PickName(NameFor(group));
   }
   EXPECT_EQ(GroupText(), group.item);
-  EXPECT_EQ(Lines(), ShownLines(told));
-  EXPECT_EQ(Captions(), VisibleCaptions(told));
+  EXPECT_EQ(Lines(), ShownLines(expected));
+  EXPECT_EQ(Captions(), VisibleCaptions(expected));
   ExpandAll(true);
-  told.ApplyExpandState(true);
-  EXPECT_EQ(Lines(), ShownLines(told));
-  EXPECT_EQ(Captions(), VisibleCaptions(told));
+  expected.ApplyExpandState(true);
+  EXPECT_EQ(Lines(), ShownLines(expected));
+  EXPECT_EQ(Captions(), VisibleCaptions(expected));
   EXPECT_TRUE(Header().isVisible());
   EXPECT_TRUE(operator_.boxes.empty());
 }

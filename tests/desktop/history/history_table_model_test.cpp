@@ -63,7 +63,7 @@ TEST_F(HistoryTableModelTest, ThereIsNothingInNoCell) {
   EXPECT_FALSE(model_.data({}, Qt::TextAlignmentRole).isValid());
 }
 
-TEST_F(HistoryTableModelTest, NumbersStandOnTheRight) {
+TEST_F(HistoryTableModelTest, NumbersAreRightAligned) {
   Show(0, true);
   const auto side = [this](const char* key) {
     return model_.index(0, HistoryColumnOfKey(key) - 1).data(Qt::TextAlignmentRole).toInt();

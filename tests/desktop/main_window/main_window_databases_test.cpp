@@ -97,7 +97,7 @@ TEST_F(MainWindowDatabasesTest, AnOpenedDatabaseShowsInItsStatusBarAndGoesWithTh
   EXPECT_EQ(Tabs().currentIndex(), kTabDataTransfer);
 }
 
-TEST_F(MainWindowDatabasesTest, BothBarsStandUnderEachOther) {
+TEST_F(MainWindowDatabasesTest, ThePanelsOfBothBarsAreAligned) {
   Show();
   for (int panel = 1; panel <= DatabaseStatusBar::kPanelCount; ++panel) {
     const QRect above = Find<QLabel>(u"sbRecipe.Panels(%1)"_qs.arg(panel)).geometry();
@@ -126,7 +126,7 @@ TEST_F(MainWindowDatabasesTest, ANewDatabaseIsMadeFromTheToolbar) {
 TEST_F(MainWindowDatabasesTest, EveryDatabaseCommandRunsItsFlow) {
   Open(DatabaseKind::kRecipe);
   Open(DatabaseKind::kTransaction);
-  const std::vector<std::pair<const char*, const char*>> told{
+  const std::vector<std::pair<const char*, const char*>> expected{
       {"mnuFileSaveAsRecipeDB", "Save Recipe Database As..."},
       {"mnuFileSaveAsTransactionDB", "Save Transaction Database As..."},
       {"mnuFileNewTransactionDB", "Create New Transaction Database File"},
@@ -138,7 +138,7 @@ TEST_F(MainWindowDatabasesTest, EveryDatabaseCommandRunsItsFlow) {
       {"mnuFileOpenRecipeDB", "Open Recipe Database File"},
       {"Open Recipe", "Open Recipe Database File"},
   };
-  for (const auto& [name, title] : told) {
+  for (const auto& [name, title] : expected) {
     chooser_.dialogs.clear();
     chooser_.Cancel();
     Choose(QLatin1String(name));
@@ -212,14 +212,15 @@ TEST_F(MainWindowDatabasesTest, ARecipeDatabaseThatMayNotBeWrittenClosesWhatWrit
 TEST_F(MainWindowDatabasesTest, EditAndViewGoToTheirTabs) {
   Open(DatabaseKind::kRecipe);
   Open(DatabaseKind::kTransaction);
-  const std::vector<std::pair<const char*, int>> told{{"mnuEditIngredient", kTabIngredients},
-                                                      {"mnuEditRecipe", kTabRecipes},
-                                                      {"mnuEditPen", kTabPens},
-                                                      {"mnuViewTransactionFile", kTabBatchedFed},
-                                                      {"mnuTransferUpload", kTabDataTransfer},
-                                                      {"mnuEditPen", kTabPens},
-                                                      {"mnuTransferDownload", kTabDataTransfer}};
-  for (const auto& [name, tab] : told) {
+  const std::vector<std::pair<const char*, int>> expected{
+      {"mnuEditIngredient", kTabIngredients},
+      {"mnuEditRecipe", kTabRecipes},
+      {"mnuEditPen", kTabPens},
+      {"mnuViewTransactionFile", kTabBatchedFed},
+      {"mnuTransferUpload", kTabDataTransfer},
+      {"mnuEditPen", kTabPens},
+      {"mnuTransferDownload", kTabDataTransfer}};
+  for (const auto& [name, tab] : expected) {
     Choose(QLatin1String(name));
     EXPECT_EQ(Tabs().currentIndex(), tab) << name;
   }

@@ -33,7 +33,7 @@ MainWindowFixture::MainWindowFixture() {
                              .settings = settings_,
                              .folder = *app_folder_,
                              .identity = identity_});
-  operator_.boxes.clear();  // a new INI file is told
+  operator_.boxes.clear();  // a new INI file is reported
 }
 
 MainWindowFixture::~MainWindowFixture() = default;

@@ -84,11 +84,11 @@ TEST_F(MainTabsTest, EachShowsItsPanels) {
   Show();
   AllOn();
   const Names record{"picAction", "picNavigate"};
-  const std::vector<Names> told{record, record,        record, {"picTransferStatus"},
-                                {},     {"picImport"}, {}};
+  const std::vector<Names> expected{record, record,        record, {"picTransferStatus"},
+                                    {},     {"picImport"}, {}};
   for (int tab = 0; tab < kTabCount; ++tab) {
     Window().Tabs().SelectTab(tab);
-    EXPECT_EQ(Panels(), told[static_cast<std::size_t>(tab)]) << "tab " << tab;
+    EXPECT_EQ(Panels(), expected[static_cast<std::size_t>(tab)]) << "tab " << tab;
     EXPECT_EQ(Find<QLabel>(u"lblRecordNumber"_qs).isVisible(), tab < kTabDataTransfer);
   }
 }
@@ -233,11 +233,11 @@ TEST_F(MainTabsTest, AWheelInPassingDoesNotLeaveTheTab) {
 
 TEST_F(MainTabsTest, ThePanelsOfTheRecordTabsHaveTheSpecifiedButtons) {
   Main();
-  const std::vector<std::pair<const char*, const char*>> told{
+  const std::vector<std::pair<const char*, const char*>> expected{
       {"cmdAction(0)", "Update"}, {"cmdAction(1)", "Cancel"}, {"cmdAction(2)", "Default"},
       {"cmdNavigate(0)", "|<<"},  {"cmdNavigate(1)", "<"},    {"cmdNavigate(2)", ">"},
       {"cmdNavigate(3)", ">>|"}};
-  for (const auto& [name, caption] : told) {
+  for (const auto& [name, caption] : expected) {
     const QPushButton& button = Find<QPushButton>(QLatin1String(name));
     EXPECT_EQ(button.text(), QLatin1String(caption));
     EXPECT_FALSE(button.accessibleName().isEmpty()) << name;
@@ -272,10 +272,10 @@ TEST_F(MainTabsTest, TheStatusLineShowsItsTextInTheSpecifiedColors) {
   EXPECT_EQ(Text(u"lblStatus"_qs), u"Status:"_qs);
   Window().SetStatusLine(u"Upload complete!"_qs);
   EXPECT_EQ(Text(u"lblStatusWindow"_qs), u"Upload complete!"_qs);
-  const std::vector<std::pair<StatusColor, QColor>> told{{StatusColor::kBlue, {0, 0, 192}},
-                                                         {StatusColor::kRed, {255, 0, 0}},
-                                                         {StatusColor::kGreen, {0, 128, 0}}};
-  for (const auto& [color, shown] : told) {
+  const std::vector<std::pair<StatusColor, QColor>> expected{{StatusColor::kBlue, {0, 0, 192}},
+                                                             {StatusColor::kRed, {255, 0, 0}},
+                                                             {StatusColor::kGreen, {0, 128, 0}}};
+  for (const auto& [color, shown] : expected) {
     Window().SetStatusColor(color);
     EXPECT_EQ(Find<QLabel>(u"lblStatusWindow"_qs).palette().color(QPalette::WindowText), shown);
   }

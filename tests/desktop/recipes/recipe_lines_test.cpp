@@ -58,7 +58,7 @@ class RecipeLinesTest : public RecipesFixture {
 
   class Painted : public QObject {
    public:
-    explicit Painted(RecipeLinesTest& site) : site_(site) {}
+    explicit Painted(RecipeLinesTest& fixture) : fixture_(fixture) {}
 
     const std::vector<std::string>& Shares() const { return shares_; }
     const std::string& Total() const { return total_; }
@@ -69,17 +69,17 @@ class RecipeLinesTest : public RecipesFixture {
 
     bool eventFilter(QObject* watched, QEvent* event) override {
       if (event->type() == QEvent::Paint) {
-        if (watched == site_.Grid().viewport()) {
-          shares_ = site_.Column(kColumnRationPercent);
+        if (watched == fixture_.Grid().viewport()) {
+          shares_ = fixture_.Column(kColumnRationPercent);
         } else {
-          total_ = site_.Label("lblTargetTotal");
+          total_ = fixture_.Label("lblTargetTotal");
         }
       }
       return false;
     }
 
    private:
-    RecipeLinesTest& site_;
+    RecipeLinesTest& fixture_;
     std::vector<std::string> shares_;
     std::string total_;
   };

@@ -39,7 +39,7 @@ class RecipeTotals : public RecipesFixture {
   }
 };
 
-TEST_F(RecipeTotals, StandExactlyBelowTheirColumns) {
+TEST_F(RecipeTotals, AreExactlyBelowTheirColumns) {
   AddCornHaySupplement(kByWeight);
   AddCornHaySupplement(kByPercent);
   Enter();

@@ -123,85 +123,86 @@ inline std::string LineText(SQLite::Database& file, int recipe, std::size_t line
 
 inline const std::vector<Entry> kEntries = {
     {"IngredientName", kTabIngredients,
-     [](CommitFixture& site) {
-       site.ChooseIn("cboIngID", kCorn);
-       site.TypeOver("txtIngName", "MAIZE ");
+     [](CommitFixture& fixture) {
+       fixture.ChooseIn("cboIngID", kCorn);
+       fixture.TypeOver("txtIngName", "MAIZE ");
      },
      [](SQLite::Database& file) { return ReadIngredient(file, kCorn).name; }, "CORN", "MAIZE"},
     {"IngredientDescription", kTabIngredients,
-     [](CommitFixture& site) {
-       site.ChooseIn("cboIngID", kCorn);
-       site.TypeOver("txtIngDesc", "Maize ");
+     [](CommitFixture& fixture) {
+       fixture.ChooseIn("cboIngID", kCorn);
+       fixture.TypeOver("txtIngDesc", "Maize ");
      },
      [](SQLite::Database& file) { return ReadIngredient(file, kCorn).description; }, "Corn Rolled",
      "Maize"},
     {"DryMatter", kTabIngredients,
-     [](CommitFixture& site) {
-       site.ChooseIn("cboIngID", kCorn);
-       site.TypeOver("txtIngDryMatter", "150");
+     [](CommitFixture& fixture) {
+       fixture.ChooseIn("cboIngID", kCorn);
+       fixture.TypeOver("txtIngDryMatter", "150");
      },
      [](SQLite::Database& file) {
        return LineText(file, 1, 0, &RecipeLineRecord::dry_matter_percent);
      },
      "88", "100"},
     {"HandAdd", kTabIngredients,
-     [](CommitFixture& site) {
-       site.ChooseIn("cboIngID", kCorn);
-       site.Tick("chkIngHandAdd");
+     [](CommitFixture& fixture) {
+       fixture.ChooseIn("cboIngID", kCorn);
+       fixture.Tick("chkIngHandAdd");
      },
      [](SQLite::Database& file) { return std::to_string(ReadIngredient(file, kCorn).hand_add); },
      "0", "1"},
     {"IngredientCell", kTabIngredients,
-     [](CommitFixture& site) { site.EditCell("grdING", kCorn, "DryMatter%", "70"); },
+     [](CommitFixture& fixture) { fixture.EditCell("grdING", kCorn, "DryMatter%", "70"); },
      [](SQLite::Database& file) {
        return std::to_string(ReadIngredient(file, kCorn).dry_matter_percent);
      },
      "88", "70"},
-    {"RecipeName", kTabRecipes, [](CommitFixture& site) { site.TypeOver("txtRecName", "STEERS"); },
+    {"RecipeName", kTabRecipes,
+     [](CommitFixture& fixture) { fixture.TypeOver("txtRecName", "STEERS"); },
      [](SQLite::Database& file) { return ReadRecipe(file, 1).name; }, "REC1", "STEERS"},
     {"RecipeDescription", kTabRecipes,
-     [](CommitFixture& site) { site.TypeOver("txtRecDesc", "Steers "); },
+     [](CommitFixture& fixture) { fixture.TypeOver("txtRecDesc", "Steers "); },
      [](SQLite::Database& file) { return ReadRecipe(file, 1).description; }, "Recipe", "Steers"},
     {"RationTarget", kTabRecipes,
-     [](CommitFixture& site) { site.TypeOver("txtRecRationTarget", "7000"); },
+     [](CommitFixture& fixture) { fixture.TypeOver("txtRecRationTarget", "7000"); },
      [](SQLite::Database& file) { return ReadRecipe(file, 1).ration_target; }, "5000", "7000"},
     {"HeadCount", kTabRecipes,
-     [](CommitFixture& site) {
-       site.ChooseIn("cboRecID", 3);
-       site.TypeOver("txtRecHeadCount", "1001");
+     [](CommitFixture& fixture) {
+       fixture.ChooseIn("cboRecID", 3);
+       fixture.TypeOver("txtRecHeadCount", "1001");
      },
      [](SQLite::Database& file) { return std::to_string(ReadRecipe(file, 3).head_count); }, "0",
      "100"},
     {"WeightOfALine", kTabRecipes,
-     [](CommitFixture& site) { site.EditLine(1, kColumnTarget, "900"); },
+     [](CommitFixture& fixture) { fixture.EditLine(1, kColumnTarget, "900"); },
      [](SQLite::Database& file) { return LineText(file, 1, 1, &RecipeLineRecord::target); }, "800",
      "900"},
     {"ShareOfALine", kTabRecipes,
-     [](CommitFixture& site) {
-       site.ChooseIn("cboRecID", kByPercent);
-       site.EditLine(1, kColumnIngredientPercent, "39.5");
+     [](CommitFixture& fixture) {
+       fixture.ChooseIn("cboRecID", kByPercent);
+       fixture.EditLine(1, kColumnIngredientPercent, "39.5");
      },
      [](SQLite::Database& file) {
        return LineText(file, kByPercent, 1, &RecipeLineRecord::ingredient_percent);
      },
      "40", "39.50"},
-    {"LineInTheEntryRow", kTabRecipes, [](CommitFixture& site) { site.ComposeLine(); },
+    {"LineInTheEntryRow", kTabRecipes, [](CommitFixture& fixture) { fixture.ComposeLine(); },
      [](SQLite::Database& file) { return LineText(file, 1, 2, &RecipeLineRecord::target); },
      "no line", "500"},
     {"PenFeed", kTabPens,
-     [](CommitFixture& site) {
-       site.ChooseIn("cboPenID", kFreshPen);
-       site.TypeOver("txtPenFeed", "0070");
+     [](CommitFixture& fixture) {
+       fixture.ChooseIn("cboPenID", kFreshPen);
+       fixture.TypeOver("txtPenFeed", "0070");
      },
      [](SQLite::Database& file) { return ReadPen(file, kFreshPen).feed_amount; }, "0", "70"},
     {"PenName", kTabPens,
-     [](CommitFixture& site) {
-       site.ChooseIn("cboPenID", kFreshPen);
-       site.TypeOver("txtPenName", "a09");
+     [](CommitFixture& fixture) {
+       fixture.ChooseIn("cboPenID", kFreshPen);
+       fixture.TypeOver("txtPenName", "a09");
      },
      [](SQLite::Database& file) { return ReadPen(file, kFreshPen).description; }, "", "A09"},
     {"PenCell", kTabPens,
-     [](CommitFixture& site) { site.EditCell("grdPEN", kFreshPen, "FeedAmount", "70"); },
+     [](CommitFixture& fixture) { fixture.EditCell("grdPEN", kFreshPen, "FeedAmount", "70"); },
      [](SQLite::Database& file) { return ReadPen(file, kFreshPen).feed_amount; }, "0", "70"},
 };
 

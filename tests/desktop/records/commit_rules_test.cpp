@@ -20,15 +20,15 @@ struct WayOn {
 std::ostream& operator<<(std::ostream& out, const WayOn& way) { return out << way.what; }
 
 const std::vector<WayOn> kWaysOn = {
-    {"Menu", [](CommitFixture& site) { site.ClickMenu(u"mnuEditAutoAbbrev"_qs); }},
-    {"ToolbarButton", [](CommitFixture& site) { site.ClickTool(u"Calendar"_qs); }},
-    {"Tab", [](CommitFixture& site) { site.ClickTab(kTabDataTransfer); }},
-    {"Save", [](CommitFixture& site) { site.ClickMenu(u"mnuFileSaveRecipeDB"_qs); }},
-    {"Close", [](CommitFixture& site) { site.ClickMenu(u"mnuFileCloseRecipeDB"_qs); }},
-    {"Exit", [](CommitFixture& site) { site.ClickMenu(u"mnuFileExit"_qs); }},
-    {"CloseBox", [](CommitFixture& site) { site.CloseBox(); }},
-    {"Update", [](CommitFixture& site) { site.ClickButton("cmdAction(0)"); }},
-    {"Navigator", [](CommitFixture& site) { site.ClickButton("cmdNavigate(2)"); }},
+    {"Menu", [](CommitFixture& fixture) { fixture.ClickMenu(u"mnuEditAutoAbbrev"_qs); }},
+    {"ToolbarButton", [](CommitFixture& fixture) { fixture.ClickTool(u"Calendar"_qs); }},
+    {"Tab", [](CommitFixture& fixture) { fixture.ClickTab(kTabDataTransfer); }},
+    {"Save", [](CommitFixture& fixture) { fixture.ClickMenu(u"mnuFileSaveRecipeDB"_qs); }},
+    {"Close", [](CommitFixture& fixture) { fixture.ClickMenu(u"mnuFileCloseRecipeDB"_qs); }},
+    {"Exit", [](CommitFixture& fixture) { fixture.ClickMenu(u"mnuFileExit"_qs); }},
+    {"CloseBox", [](CommitFixture& fixture) { fixture.CloseBox(); }},
+    {"Update", [](CommitFixture& fixture) { fixture.ClickButton("cmdAction(0)"); }},
+    {"Navigator", [](CommitFixture& fixture) { fixture.ClickButton("cmdNavigate(2)"); }},
 };
 
 class CommitRules : public CommitFixture,

@@ -263,8 +263,8 @@ INSTANTIATE_TEST_SUITE_P(
     All, FaultsOfTheFile,
     ::testing::Values(
         Fault{"Locked",
-              [](UnstoredFixture& site, SQLite::Database&, const std::filesystem::path&) {
-                site.Lock();
+              [](UnstoredFixture& fixture, SQLite::Database&, const std::filesystem::path&) {
+                fixture.Lock();
               },
               "YARD.RDB is locked by another program"},
         Fault{"WriteProtected",

@@ -227,11 +227,11 @@ TEST_F(IngredientsPageTest, AnEmptiedDescriptionTakesTheNameAgain) {
 
 // Dry matter and hand-add.
 
-TEST_F(IngredientsPageTest, DryMatterLiesBetween0And100) {
+TEST_F(IngredientsPageTest, DryMatterIsBetween0And100) {
   Choose(kCorn);
-  const std::vector<std::pair<std::string, std::string>> told{
+  const std::vector<std::pair<std::string, std::string>> expected{
       {"150", "100"}, {"", "0"}, {"0", "0"}, {"007", "7"}, {"100", "100"}, {"1", "1"}};
-  for (const auto& [typed, left] : told) {
+  for (const auto& [typed, left] : expected) {
     Fill("txtIngDryMatter", typed);
     EXPECT_EQ(Shown("txtIngDryMatter"), left) << typed;
     EXPECT_EQ(std::to_string(Stored(kCorn).dry_matter_percent), left) << typed;

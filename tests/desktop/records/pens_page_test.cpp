@@ -53,9 +53,9 @@ TEST_F(PensPageTest, TheFeedColumnBearsTheSystemsUnitFromEnteringOn) {
 
 TEST_F(PensPageTest, AFeedIsAWholeNumberOfUpToSixDigits) {
   Choose(3);
-  const std::vector<std::pair<std::string, std::string>> told{
+  const std::vector<std::pair<std::string, std::string>> expected{
       {"00120", "120"}, {"", "0"}, {"000", "0"}, {"999999", "999999"}};
-  for (const auto& [typed, left] : told) {
+  for (const auto& [typed, left] : expected) {
     Fill("txtPenFeed", typed);
     EXPECT_EQ(Shown("txtPenFeed"), left) << typed;
     EXPECT_EQ(Stored(3).feed_amount, left) << typed;

@@ -16,30 +16,32 @@ using ::testing::SizeIs;
 struct WayOut {
   const char* what;
   std::function<void(UnstoredFixture&)> go;
-  // It has come to what it leads to.
+  // Whether it has led to its destination.
   std::function<bool(UnstoredFixture&, int tab, int record)> arrived;
 };
 
 std::ostream& operator<<(std::ostream& out, const WayOut& way) { return out << way.what; }
 
 const std::vector<WayOut> kWaysOut = {
-    {"NextField", [](UnstoredFixture& site) { site.PressKey(Qt::Key_Tab); },
+    {"NextField", [](UnstoredFixture& fixture) { fixture.PressKey(Qt::Key_Tab); },
      [](UnstoredFixture&, int, int) { return true; }},
-    {"Tab", [](UnstoredFixture& site) { site.ClickTab(kTabDataTransfer); },
-     [](UnstoredFixture& site, int, int) { return site.CurrentTab() == kTabDataTransfer; }},
+    {"Tab", [](UnstoredFixture& fixture) { fixture.ClickTab(kTabDataTransfer); },
+     [](UnstoredFixture& fixture, int, int) { return fixture.CurrentTab() == kTabDataTransfer; }},
     {"CtrlTab",
-     [](UnstoredFixture& /*site*/) {
+     [](UnstoredFixture& /*fixture*/) {
        QTest::keyClick(QApplication::focusWidget(), Qt::Key_Tab, Qt::ControlModifier);
      },
-     [](UnstoredFixture& site, int tab, int) { return site.CurrentTab() != tab; }},
-    {"Navigator", [](UnstoredFixture& site) { site.ClickButton("cmdNavigate(2)"); },
-     [](UnstoredFixture& site, int, int record) { return site.CurrentRecord() == record + 1; }},
-    {"Close", [](UnstoredFixture& site) { site.ClickMenu(u"mnuFileCloseRecipeDB"_qs); },
-     [](UnstoredFixture& site, int, int) { return !site.DatabaseIsOpen(); }},
-    {"FileExit", [](UnstoredFixture& site) { site.ClickMenu(u"mnuFileExit"_qs); },
-     [](UnstoredFixture& site, int, int) { return site.Exits().size() == 1; }},
-    {"CloseBox", [](UnstoredFixture& site) { site.CloseBox(); },
-     [](UnstoredFixture& site, int, int) { return site.Exits().size() == 1; }},
+     [](UnstoredFixture& fixture, int tab, int) { return fixture.CurrentTab() != tab; }},
+    {"Navigator", [](UnstoredFixture& fixture) { fixture.ClickButton("cmdNavigate(2)"); },
+     [](UnstoredFixture& fixture, int, int record) {
+       return fixture.CurrentRecord() == record + 1;
+     }},
+    {"Close", [](UnstoredFixture& fixture) { fixture.ClickMenu(u"mnuFileCloseRecipeDB"_qs); },
+     [](UnstoredFixture& fixture, int, int) { return !fixture.DatabaseIsOpen(); }},
+    {"FileExit", [](UnstoredFixture& fixture) { fixture.ClickMenu(u"mnuFileExit"_qs); },
+     [](UnstoredFixture& fixture, int, int) { return fixture.Exits().size() == 1; }},
+    {"CloseBox", [](UnstoredFixture& fixture) { fixture.CloseBox(); },
+     [](UnstoredFixture& fixture, int, int) { return fixture.Exits().size() == 1; }},
 };
 
 class UnstoredEdits : public UnstoredFixture,
