@@ -4,6 +4,7 @@
 #include <gtest/gtest.h>
 
 #include "settings/settings.h"
+#include "support/boxes.h"
 #include "support/database_files.h"
 #include "support/fixed_calendar.h"
 #include "support/recording_operator.h"
@@ -50,14 +51,6 @@ class Create : public ::testing::TestWithParam<Words> {
     return CreateDatabase(wanted, identity_, operator_, current_);
   }
 
-  void ExpectOneBox(Icon icon, const std::string& title, const std::string& text) {
-    ASSERT_THAT(operator_.boxes, SizeIs(1));
-    EXPECT_EQ(operator_.boxes[0].icon, icon);
-    EXPECT_EQ(operator_.boxes[0].buttons, Buttons::kOk);
-    EXPECT_EQ(operator_.boxes[0].title, title);
-    EXPECT_EQ(operator_.boxes[0].text, text);
-  }
-
   // No path was set and no file was created.
   void ExpectUntouched() {
     EXPECT_TRUE(current_.path.empty());
@@ -99,10 +92,11 @@ TEST_P(Create, TakesANameOfEightCharacters) { EXPECT_TRUE(Run(Wanted("EIGHTCHR")
 
 TEST_P(Create, RefusesANameOfNineCharacters) {
   EXPECT_FALSE(Run(Wanted("NINECHARS")));
-  ExpectOneBox(Icon::kWarning, "Filename Error",
-               Title("NINECHARS") +
-                   " is an invalid filename.\r\nPlease enter a name with a maximum of eight "
-                   "characters (the file extension is not required).");
+  EXPECT_THAT(OnlyBox(operator_.boxes),
+              IsBox(Icon::kWarning, "Filename Error",
+                    Title("NINECHARS") +
+                        " is an invalid filename.\r\nPlease enter a name with a maximum of eight "
+                        "characters (the file extension is not required)."));
   ExpectUntouched();
 }
 
@@ -117,18 +111,20 @@ TEST_P(Create, ReportsThatTheProgramsDirectoryIsUnknown) {
   NewDatabase wanted = Wanted("YARD");
   wanted.program_directory.clear();
   EXPECT_FALSE(Run(wanted));
-  ExpectOneBox(Icon::kCritical, "Error",
-               "Sorry, cannot create a new " + GetParam().noun +
-                   " database file.\r\nCould not determine applications path.");
+  EXPECT_THAT(OnlyBox(operator_.boxes),
+              IsBox(Icon::kCritical, "Error",
+                    "Sorry, cannot create a new " + GetParam().noun +
+                        " database file.\r\nCould not determine applications path."));
   ExpectUntouched();
 }
 
 TEST_P(Create, ReportsThatTheTemplateIsMissing) {
   fs::remove(Template());
   EXPECT_FALSE(Run(Wanted("YARD")));
-  ExpectOneBox(Icon::kCritical, "File Missing Error",
-               "Couldn't find blank " + GetParam().noun +
-                   " database file.\r\nPlease run installation and reload support files.");
+  EXPECT_THAT(OnlyBox(operator_.boxes),
+              IsBox(Icon::kCritical, "File Missing Error",
+                    "Couldn't find blank " + GetParam().noun +
+                        " database file.\r\nPlease run installation and reload support files."));
   EXPECT_FALSE(operator_.boxes[0].cause.empty());
   ExpectUntouched();
 }
@@ -137,10 +133,11 @@ TEST_P(Create, LeavesAnExistingFileUntouched) {
   const NewDatabase wanted = Wanted("YARD");
   folder_.Write("data/" + wanted.title, "somebody's work");
   EXPECT_FALSE(Run(wanted));
-  ExpectOneBox(Icon::kCritical, "File Creation Error",
-               "New " + GetParam().noun + " database file creation failed.\r\n\r\n" +
-                   "A file by the name " + wanted.title +
-                   " may already exist or there might be an invalid character in the name.");
+  EXPECT_THAT(OnlyBox(operator_.boxes),
+              IsBox(Icon::kCritical, "File Creation Error",
+                    "New " + GetParam().noun + " database file creation failed.\r\n\r\n" +
+                        "A file by the name " + wanted.title +
+                        " may already exist or there might be an invalid character in the name."));
   EXPECT_EQ(operator_.boxes[0].cause, wanted.path.string() + " already exists");
   EXPECT_EQ(ReadAll(wanted.path), "somebody's work");
   EXPECT_THAT(FileNames(data_), ElementsAre(wanted.title));
@@ -161,9 +158,11 @@ TEST_P(Create, ReportsThatTheFolderCannotBeWritten) {
 TEST_P(Create, DeletesTheCopyOfAnAlteredTemplateAndKeepsThePath) {
   Alter(Template(), "UPDATE BrantockDatabase SET dBType = '" + GetParam().user_type + "'");
   EXPECT_FALSE(Run(Wanted("yard")));
-  ExpectOneBox(Icon::kWarning, "Invalid Database",
-               "The database file (" + Title("YARD") + ") that you specified, is not a valid nul " +
-                   GetParam().noun + " database for use with this VRX-2260 application.");
+  EXPECT_THAT(
+      OnlyBox(operator_.boxes),
+      IsBox(Icon::kWarning, "Invalid Database",
+            "The database file (" + Title("YARD") + ") that you specified, is not a valid nul " +
+                GetParam().noun + " database for use with this VRX-2260 application."));
   EXPECT_THAT(FileNames(data_), IsEmpty());
   EXPECT_EQ(current_.path, data_ / Title("yard"));
   EXPECT_EQ(current_.name, Title("YARD"));

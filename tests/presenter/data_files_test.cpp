@@ -8,6 +8,7 @@
 #include <gtest/gtest.h>
 
 #include "settings/settings.h"
+#include "support/boxes.h"
 #include "support/recording_operator.h"
 #include "support/scripted_file_chooser.h"
 #include "support/temp_folder.h"
@@ -40,14 +41,6 @@ class DataFiles : public ::testing::Test {
     const int file = static_cast<int>(table_.size());
     transfer_.data_files.push_back(
         {.file = file, .text = std::string(DataFileTypeName(type)) + " - " + std::to_string(file)});
-  }
-
-  void ExpectBox(Icon icon, const std::string& title, const std::string& text) {
-    ASSERT_EQ(op_.boxes.size(), 1U);
-    EXPECT_EQ(op_.boxes[0].icon, icon);
-    EXPECT_EQ(op_.boxes[0].title, title);
-    EXPECT_EQ(op_.boxes[0].text, text);
-    EXPECT_EQ(op_.boxes[0].buttons, Buttons::kOk);
   }
 
   void ExpectSaveDialog(std::size_t index, const std::string& title, const std::string& filter,
@@ -267,7 +260,8 @@ TEST_F(DataFiles, ReplacesAnOldFileWhole) {
 TEST_F(DataFiles, HasNothingToSaveOfAnEmptyFile) {
   settings_.SetEnableBeeperOn(false);
   files_.SaveDataFile(50);
-  ExpectBox(Icon::kCritical, "Save File Error", "There is no file data to be saved.");
+  EXPECT_THAT(OnlyBox(op_.boxes),
+              IsBox(Icon::kCritical, "Save File Error", "There is no file data to be saved."));
   EXPECT_EQ(op_.beeps, 1);
   EXPECT_TRUE(chooser_.dialogs.empty());
 }
@@ -276,9 +270,9 @@ TEST_F(DataFiles, RefusesATransactionFileWithoutItsHeader) {
   settings_.SetEnableBeeperOn(false);
   table_[0].position = 2;
   files_.SaveDataFile(1);
-  ExpectBox(Icon::kWarning, "Save Transaction File Error",
-            "This data cannot be saved as a transaction file.\r\n"
-            "It has an invalid transaction header identifier.");
+  EXPECT_THAT(OnlyBox(op_.boxes), IsBox(Icon::kWarning, "Save Transaction File Error",
+                                        "This data cannot be saved as a transaction file.\r\n"
+                                        "It has an invalid transaction header identifier."));
   EXPECT_EQ(op_.beeps, 1);
   EXPECT_TRUE(chooser_.dialogs.empty());
   EXPECT_TRUE(op_.status_lines.empty());
@@ -287,25 +281,25 @@ TEST_F(DataFiles, RefusesATransactionFileWithoutItsHeader) {
 TEST_F(DataFiles, RefusesARecipeBackupWithoutItsHeader) {
   table_[1].position = 1;
   files_.SaveDataFile(2);
-  ExpectBox(Icon::kWarning, "Save Recipe Backup-File Error",
-            "This data cannot be saved as a recipe backup file.\r\n"
-            "It has an invalid recipe header identifier.");
+  EXPECT_THAT(OnlyBox(op_.boxes), IsBox(Icon::kWarning, "Save Recipe Backup-File Error",
+                                        "This data cannot be saved as a recipe backup file.\r\n"
+                                        "It has an invalid recipe header identifier."));
   EXPECT_EQ(op_.beeps, 1);
 }
 
 TEST_F(DataFiles, RefusesAReportWithoutItsHeader) {
   table_[2].position = 1;
   files_.SaveDataFile(3);
-  ExpectBox(Icon::kWarning, "Save Report File Error",
-            "This data cannot be saved as a report file.\r\n"
-            "It has an invalid report header identifier.");
+  EXPECT_THAT(OnlyBox(op_.boxes), IsBox(Icon::kWarning, "Save Report File Error",
+                                        "This data cannot be saved as a report file.\r\n"
+                                        "It has an invalid report header identifier."));
   EXPECT_EQ(op_.beeps, 1);
 }
 
 TEST_F(DataFiles, RefusesAnUnknownTypeWithTheGatedBeep) {
   table_[0].type = DataFileType::kUnknown;
   files_.SaveDataFile(1);
-  ExpectBox(Icon::kCritical, "Error", "Invalid file-type detected.");
+  EXPECT_THAT(OnlyBox(op_.boxes), IsBox(Icon::kCritical, "Error", "Invalid file-type detected."));
   EXPECT_EQ(op_.beeps, 1);
 
   settings_.SetEnableBeeperOn(false);
@@ -324,9 +318,11 @@ TEST_F(DataFiles, SavesTheCheckedFile) {
 TEST_F(DataFiles, AsksForACheckedFile) {
   transfer_.data_window = "shown";
   files_.SaveCheckedFile();
-  ExpectBox(Icon::kWarning, "Error",
+  EXPECT_THAT(
+      OnlyBox(op_.boxes),
+      IsBox(Icon::kWarning, "Error",
             "You must first select a data file to save. Click on one of the check boxes next to "
-            "the file you want to save.");
+            "the file you want to save."));
   EXPECT_EQ(op_.beeps, 1);
   EXPECT_EQ(transfer_.data_window, "shown");
   EXPECT_TRUE(chooser_.dialogs.empty());

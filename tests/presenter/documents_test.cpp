@@ -1,6 +1,7 @@
 #include <gtest/gtest.h>
 
 #include "presenter/help.h"
+#include "support/boxes.h"
 #include "support/fake_operating_system.h"
 #include "support/fixed_system_info.h"
 #include "support/recording_operator.h"
@@ -23,14 +24,6 @@ class ShowDocumentTest : public ::testing::Test {
  protected:
   ShowDocumentTest() { system.program_directory = folder.Path().string(); }
 
-  void ExpectOneBox(const std::string& title, const std::string& text) const {
-    ASSERT_EQ(op.boxes.size(), 1U);
-    EXPECT_EQ(op.boxes[0].icon, Icon::kWarning);
-    EXPECT_EQ(op.boxes[0].buttons, Buttons::kOk);
-    EXPECT_EQ(op.boxes[0].title, title);
-    EXPECT_EQ(op.boxes[0].text, text);
-  }
-
   TempFolder folder;
   CountingSystemInfo system;
   FakeOperatingSystem os;
@@ -47,28 +40,33 @@ TEST_F(ShowDocumentTest, OpensTheFullPathInItsViewer) {
 
 TEST_F(ShowDocumentTest, MissingReadmeIsNamedAndNoViewerIsAskedFor) {
   ShowDocument(kReadme, system, os, op);
-  ExpectOneBox("Error: File not found",
-               "Readme.TXT could not be found.\r\n"
-               "It must be located in the VRX-2260 application directory for automatic viewing. "
-               "You should run the install program again to load the document.");
+  EXPECT_THAT(
+      OnlyBox(op.boxes),
+      IsBox(Icon::kWarning, "Error: File not found",
+            "Readme.TXT could not be found.\r\n"
+            "It must be located in the VRX-2260 application directory for automatic viewing. "
+            "You should run the install program again to load the document."));
   EXPECT_TRUE(system.asked.empty());
   EXPECT_TRUE(os.opened_documents.empty());
 }
 
 TEST_F(ShowDocumentTest, MissingManualIsNamed) {
   ShowDocument(kUsersManual, system, os, op);
-  ExpectOneBox("Error: File not found",
-               "VRX2260_U.PDF could not be found.\r\n"
-               "It must be located in the VRX-2260 application directory for automatic viewing. "
-               "You should run the install program again to load the document.");
+  EXPECT_THAT(
+      OnlyBox(op.boxes),
+      IsBox(Icon::kWarning, "Error: File not found",
+            "VRX2260_U.PDF could not be found.\r\n"
+            "It must be located in the VRX-2260 application directory for automatic viewing. "
+            "You should run the install program again to load the document."));
 }
 
 TEST_F(ShowDocumentTest, ReadmeWithoutAViewer) {
   folder.Write("Readme.TXT", "text");
   ShowDocument(kReadme, system, os, op);
-  ExpectOneBox("Error: No file viewer",
-               "Cannot display the Readme file: Readme.TXT\r\n"
-               "There is no associated application on the system for reading .TXT files.");
+  EXPECT_THAT(OnlyBox(op.boxes),
+              IsBox(Icon::kWarning, "Error: No file viewer",
+                    "Cannot display the Readme file: Readme.TXT\r\n"
+                    "There is no associated application on the system for reading .TXT files."));
   EXPECT_EQ(system.asked, std::vector<std::string>{"Readme.TXT"});
   EXPECT_TRUE(os.opened_documents.empty());
 }
@@ -76,11 +74,13 @@ TEST_F(ShowDocumentTest, ReadmeWithoutAViewer) {
 TEST_F(ShowDocumentTest, ManualWithoutAViewerNamesASourceForOne) {
   folder.Write("VRX2260_U.PDF", "%PDF");
   ShowDocument(kUsersManual, system, os, op);
-  ExpectOneBox("Error: No file viewer",
-               "Cannot display the User's Manual: VRX2260_U.PDF\r\n"
-               "There is no Adobe Acrobat reader on the system for reading .PDF files.\r\n\r\n"
-               "You can download a reader (free of charge) from the manufacturers web site at: "
-               "https://okular.kde.org");
+  EXPECT_THAT(
+      OnlyBox(op.boxes),
+      IsBox(Icon::kWarning, "Error: No file viewer",
+            "Cannot display the User's Manual: VRX2260_U.PDF\r\n"
+            "There is no Adobe Acrobat reader on the system for reading .PDF files.\r\n\r\n"
+            "You can download a reader (free of charge) from the manufacturers web site at: "
+            "https://okular.kde.org"));
 }
 
 TEST_F(ShowDocumentTest, CodesUpTo32SayThatThereIsNoViewer) {
@@ -96,10 +96,11 @@ TEST_F(ShowDocumentTest, ViewerThatFails) {
   system.find_executable_code = 33;
   os.open_code = 32;
   ShowDocument(kReadme, system, os, op);
-  ExpectOneBox("Error: File viewer",
-               "Document viewer associated with this file failed.\r\n"
-               "Check the Windows association setting and that the viewer application file "
-               "actually exists.");
+  EXPECT_THAT(OnlyBox(op.boxes),
+              IsBox(Icon::kWarning, "Error: File viewer",
+                    "Document viewer associated with this file failed.\r\n"
+                    "Check the Windows association setting and that the viewer application file "
+                    "actually exists."));
 }
 
 }  // namespace

@@ -18,6 +18,7 @@
 #include "export/export_fixture.h"
 #include "presenter/export.h"
 #include "presenter/history.h"
+#include "support/boxes.h"
 #include "support/test_services.h"
 
 namespace vrx::testing {
@@ -70,18 +71,6 @@ class ExportTabTest : public ::testing::Test,
     tab.SetFPath(out.string());
     tab.SetFormat(format);
     tab.ClickExport();
-  }
-
-  // The only message box that was shown, as "ICON TITLE: TEXT".
-  std::string OnlyBox() const {
-    if (op.boxes.size() != 1) {
-      return std::to_string(op.boxes.size()) + " boxes";
-    }
-    const MessageBox& box = op.boxes.front();
-    const std::string icon = box.icon == Icon::kCritical      ? "critical"
-                             : box.icon == Icon::kInformation ? "information"
-                                                              : "another icon";
-    return icon + " " + box.title + ": " + box.text;
   }
 
   OpenDatabases Databases() const override { return {recipes_path, site.Database(), "LB"}; }

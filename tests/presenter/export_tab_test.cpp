@@ -8,6 +8,7 @@
 #include "base/files.h"
 #include "presenter/export.h"
 #include "presenter/export_tab_fixture.h"
+#include "support/boxes.h"
 
 namespace vrx::testing {
 namespace {
@@ -19,8 +20,8 @@ using ::testing::HasSubstr;
 using ::testing::IsEmpty;
 using ::testing::StartsWith;
 
-constexpr const char* kDone = "information Export: Data exported successfully.";
-constexpr const char* kNoData = "information Export: No data to export.";
+constexpr const char* kDone = "Data exported successfully.";
+constexpr const char* kNoData = "No data to export.";
 
 std::string FirstLine(const std::string& text) { return text.substr(0, text.find("\r\n")); }
 
@@ -44,7 +45,7 @@ TEST_F(TheExportTab, AnEmptyFileNameIsAskedForAndGetsTheFocus) {
     op.boxes.clear();
     focused.clear();
     Export(ExportFormat::kCsv, name);
-    EXPECT_EQ(OnlyBox(), "critical Export: Please enter File Name.");
+    EXPECT_THAT(OnlyBox(op.boxes), IsBox(Icon::kCritical, "Export", "Please enter File Name."));
     EXPECT_THAT(focused, ElementsAre("txtFName"));
   }
   EXPECT_FALSE(fs::exists(out));
@@ -55,7 +56,7 @@ TEST_F(TheExportTab, AnEmptyPathOpensTheFolderDialogAtOnceAndTheRunStops) {
   tab.SetFPath(" ");
   files.Choose(site.Folder().Path());
   tab.ClickExport();
-  EXPECT_EQ(OnlyBox(), "critical Export: Please select File Path.");
+  EXPECT_THAT(OnlyBox(op.boxes), IsBox(Icon::kCritical, "Export", "Please select File Path."));
   ASSERT_EQ(files.dialogs.size(), 1U);
   EXPECT_EQ(files.dialogs[0].title, "Choose the File Path for Exporting the Data");
   EXPECT_EQ(tab.Form().txt_f_path, site.Folder().Path().string());
@@ -67,15 +68,15 @@ TEST_F(TheExportTab, TheNameIsAskedForBeforeThePathAndThePathBeforeTheRows) {
   site.Alter("DELETE FROM Transactions");
   Show(1);
   tab.ClickExport();
-  EXPECT_THAT(OnlyBox(), HasSubstr("File Name"));
+  EXPECT_THAT(OnlyBox(op.boxes).text, HasSubstr("File Name"));
   op.boxes.clear();
   tab.SetFName("DAY");
   files.Cancel();
   tab.ClickExport();
-  EXPECT_THAT(OnlyBox(), HasSubstr("File Path"));
+  EXPECT_THAT(OnlyBox(op.boxes).text, HasSubstr("File Path"));
   op.boxes.clear();
   Export(ExportFormat::kCsv);
-  EXPECT_EQ(OnlyBox(), kNoData);
+  EXPECT_THAT(OnlyBox(op.boxes), IsBox(Icon::kInformation, "Export", kNoData));
   EXPECT_FALSE(fs::exists(out));
 }
 
@@ -85,7 +86,7 @@ TEST_F(TheExportTab, AGroupByNameOnSelectHasNoDataToExport) {
     Show(group);
     ASSERT_EQ(DataGroup().name, "Select...");
     Export(ExportFormat::kCsv);
-    EXPECT_EQ(OnlyBox(), kNoData);
+    EXPECT_THAT(OnlyBox(op.boxes), IsBox(Icon::kInformation, "Export", kNoData));
   }
 }
 
@@ -98,7 +99,7 @@ TEST_F(TheExportTab, AnEmptyNameOfAGroupByNameIsReportedByTheDriver) {
     told_index = group;
     op.boxes.clear();
     Export(ExportFormat::kXml);
-    EXPECT_EQ(OnlyBox(), "information Export: " + text);
+    EXPECT_THAT(OnlyBox(op.boxes), IsBox(Icon::kInformation, "Export", text));
     EXPECT_FALSE(tab.Form().progress_visible);
     EXPECT_EQ(op.beeps, 0);
   }
@@ -112,7 +113,7 @@ TEST_F(TheExportTab, AnIndexThatIsNoGroupFailsWithNothingDone) {
       told_index = index;
       op.boxes.clear();
       Export(format);
-      EXPECT_EQ(OnlyBox(), "information Export: Data exporting failed.");
+      EXPECT_THAT(OnlyBox(op.boxes), IsBox(Icon::kInformation, "Export", "Data exporting failed."));
       EXPECT_FALSE(tab.Form().progress_visible);
     }
   }
@@ -124,7 +125,7 @@ TEST_F(TheExportTab, TheExtensionIsTheFormats) {
   for (const ExportFormat format : {ExportFormat::kCsv, ExportFormat::kXml, ExportFormat::kHtml}) {
     op.boxes.clear();
     Export(format);
-    EXPECT_EQ(OnlyBox(), kDone);
+    EXPECT_THAT(OnlyBox(op.boxes), IsBox(Icon::kInformation, "Export", kDone));
   }
   EXPECT_THAT(ReadAll(out / "DAY.csv"), StartsWith("Transaction,Type,"));
   EXPECT_THAT(ReadAll(out / "DAY.xml"), StartsWith("<?xml "));
@@ -133,7 +134,7 @@ TEST_F(TheExportTab, TheExtensionIsTheFormats) {
 
 TEST_F(TheExportTab, ANameWithAnExtensionOfItsOwnGetsTwo) {
   Export(ExportFormat::kXml, "DAY.xml");
-  EXPECT_EQ(OnlyBox(), kDone);
+  EXPECT_THAT(OnlyBox(op.boxes), IsBox(Icon::kInformation, "Export", kDone));
   EXPECT_TRUE(fs::exists(out / "DAY.xml.xml"));
 }
 
@@ -177,7 +178,7 @@ TEST_F(TheExportTab, AnOlderFileIsReplacedWithoutAQuestion) {
     const fs::path file = out / ("DAY" + std::string(ExtensionOf(format)));
     WriteFileBytes(file, "old");
     Export(format);
-    EXPECT_EQ(OnlyBox(), kDone);
+    EXPECT_THAT(OnlyBox(op.boxes), IsBox(Icon::kInformation, "Export", kDone));
     EXPECT_THAT(ReadAll(file), HasSubstr("Transaction"));
   }
 }
@@ -188,8 +189,9 @@ TEST_F(TheExportTab, AFolderIsMadeOneLevelOnly) {
   op.boxes.clear();
   out = site.Folder() / "no/such";
   Export(ExportFormat::kCsv);
-  EXPECT_EQ(OnlyBox(), "critical Export: cannot make the folder " + out.string() +
-                           ": No such file or directory");
+  EXPECT_THAT(OnlyBox(op.boxes),
+              IsBox(Icon::kCritical, "Export",
+                    "cannot make the folder " + out.string() + ": No such file or directory"));
   EXPECT_EQ(op.beeps, 1);
   EXPECT_FALSE(fs::exists(site.Folder() / "no"));
 }
@@ -198,8 +200,8 @@ TEST_F(TheExportTab, TheTrapBeepsOnlyIfEnabledAndLeavesTheProgressAsItWas) {
   settings.SetEnableBeeperOn(false);
   site.Alter("ALTER TABLE Transactions RENAME COLUMN Recipe TO Mixture");
   Export(ExportFormat::kXml);
-  EXPECT_THAT(OnlyBox(), StartsWith("critical Export: "));
-  EXPECT_THAT(OnlyBox(), HasSubstr("Recipe"));
+  EXPECT_THAT(OnlyBox(op.boxes), IsBox(Icon::kCritical, "Export", ::testing::_));
+  EXPECT_THAT(OnlyBox(op.boxes).text, HasSubstr("Recipe"));
   EXPECT_EQ(op.beeps, 0);
   EXPECT_FALSE(op.busy);
   EXPECT_TRUE(tab.Form().progress_visible);
@@ -275,7 +277,7 @@ TEST_F(TheExportTab, WhatIsClickedDuringARunDoesNothing) {
   });
   Export(ExportFormat::kCsv);
   EXPECT_TRUE(clicked);
-  EXPECT_EQ(OnlyBox(), kDone);
+  EXPECT_THAT(OnlyBox(op.boxes), IsBox(Icon::kInformation, "Export", kDone));
   EXPECT_TRUE(fs::exists(out / "DAY.csv"));
 }
 
@@ -314,7 +316,7 @@ TEST_F(TheExportTab, ANameWithAnApostropheIsJustAName) {
   view->PickName(2);
   ASSERT_EQ(DataGroup().name, "O'NEIL CAF\u00c9");
   Export(ExportFormat::kCsv);
-  EXPECT_EQ(OnlyBox(), kDone);
+  EXPECT_THAT(OnlyBox(op.boxes), IsBox(Icon::kInformation, "Export", kDone));
   EXPECT_THAT(ReadAll(out / "DAY.csv"), HasSubstr("\r\nO'NEIL CAF\xC9,"));
 }
 
@@ -329,8 +331,9 @@ TEST_F(TheExportTab, TheOpenDatabasesAreNotWrittenOver) {
       fs::remove(link);
       fs::create_symlink(database, link);
       Export(format);
-      EXPECT_THAT(OnlyBox(), HasSubstr("critical Export: cannot write " + link.string() +
-                                       ": it is the open "));
+      EXPECT_THAT(OnlyBox(op.boxes),
+                  IsBox(Icon::kCritical, "Export",
+                        HasSubstr("cannot write " + link.string() + ": it is the open ")));
     }
     EXPECT_EQ(ReadAll(database), before);
   }

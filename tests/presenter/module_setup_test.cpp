@@ -1,6 +1,7 @@
 #include <gmock/gmock.h>
 
 #include "presenter/setup.h"
+#include "support/boxes.h"
 #include "support/fake_serial_control.h"
 #include "support/manual_pump.h"
 #include "support/recording_operator.h"
@@ -14,10 +15,6 @@ using ::testing::IsEmpty;
 
 class ModuleSetupTest : public ::testing::Test {
  protected:
-  const MessageBox& Box() {
-    EXPECT_FALSE(op.boxes.empty());
-    return op.boxes.back();
-  }
   void Test() { setup.TestKRM("3", "9600"); }
   void Clear() { setup.ClearKRM("3", "9600"); }
 
@@ -36,9 +33,9 @@ class ModuleSetupTest : public ::testing::Test {
 TEST_F(ModuleSetupTest, TestFindsTheModule) {
   serial.WillAnswer("\x18\x1f");
   Test();
-  EXPECT_EQ(Box().title, "KRM Test");
-  EXPECT_EQ(Box().text, "KRM Successfully Detected.");
-  EXPECT_EQ(Box().icon, Icon::kInformation);
+  EXPECT_EQ(LastBox(op.boxes).title, "KRM Test");
+  EXPECT_EQ(LastBox(op.boxes).text, "KRM Successfully Detected.");
+  EXPECT_EQ(LastBox(op.boxes).icon, Icon::kInformation);
   EXPECT_THAT(standby, ElementsAre(true, false));
   EXPECT_FALSE(op.busy);
 }
@@ -53,24 +50,24 @@ TEST_F(ModuleSetupTest, TestTakesPortAndBaudFromTheLists) {
 
 TEST_F(ModuleSetupTest, TestWithoutAModuleReportsTheReason) {
   Test();
-  EXPECT_EQ(Box().text,
+  EXPECT_EQ(LastBox(op.boxes).text,
             "KRM Not Detected.  (Communication Error)\r\n"
             "Please check KRM module connection, cable and serial port selection.");
-  EXPECT_EQ(Box().icon, Icon::kWarning);
-  EXPECT_EQ(Box().cause, "no reply");
+  EXPECT_EQ(LastBox(op.boxes).icon, Icon::kWarning);
+  EXPECT_EQ(LastBox(op.boxes).cause, "no reply");
 }
 
 TEST_F(ModuleSetupTest, TestWithNothingChosenFails) {
   setup.TestKRM("", "");
-  EXPECT_EQ(Box().icon, Icon::kWarning);
+  EXPECT_EQ(LastBox(op.boxes).icon, Icon::kWarning);
   EXPECT_EQ(serial.sent, "");
 }
 
 TEST_F(ModuleSetupTest, ClearAsksFirst) {
   op.answers = {Answer::kNo};
   Clear();
-  EXPECT_EQ(Box().title, "Clear KRM");
-  EXPECT_EQ(Box().text, "Are you sure you want to clear all data in the KRM?");
+  EXPECT_EQ(LastBox(op.boxes).title, "Clear KRM");
+  EXPECT_EQ(LastBox(op.boxes).text, "Are you sure you want to clear all data in the KRM?");
   EXPECT_EQ(serial.sent, "");
   EXPECT_EQ(settings.SerialPort(), "3");
   EXPECT_THAT(standby, IsEmpty());
@@ -82,8 +79,8 @@ TEST_F(ModuleSetupTest, ClearClears) {
   serial.WillAnswer("\x14\x1f");
   Clear();
   EXPECT_EQ(serial.sent, "\x18\x14");
-  EXPECT_EQ(Box().text, "The 'Clear' operation was successful.");
-  EXPECT_EQ(Box().icon, Icon::kInformation);
+  EXPECT_EQ(LastBox(op.boxes).text, "The 'Clear' operation was successful.");
+  EXPECT_EQ(LastBox(op.boxes).icon, Icon::kInformation);
   EXPECT_THAT(standby, ElementsAre(true, false));
 }
 
@@ -91,8 +88,8 @@ TEST_F(ModuleSetupTest, ClearWithoutAModuleIsReported) {
   op.answers = {Answer::kYes};
   Clear();
   EXPECT_EQ(serial.sent, "\x18");
-  EXPECT_EQ(Box().text, "The 'Clear' operation failed. (Could not connect to the KRM)");
-  EXPECT_EQ(Box().icon, Icon::kWarning);
+  EXPECT_EQ(LastBox(op.boxes).text, "The 'Clear' operation failed. (Could not connect to the KRM)");
+  EXPECT_EQ(LastBox(op.boxes).icon, Icon::kWarning);
 }
 
 TEST_F(ModuleSetupTest, ClearThatIsNotEchoedIsReported) {
@@ -100,13 +97,13 @@ TEST_F(ModuleSetupTest, ClearThatIsNotEchoedIsReported) {
   serial.WillAnswer("\x18\x1f");
   serial.WillAnswer("x\x14\x1f");
   Clear();
-  EXPECT_EQ(Box().text, "The 'Clear' operation failed.");
+  EXPECT_EQ(LastBox(op.boxes).text, "The 'Clear' operation failed.");
 }
 
 TEST_F(ModuleSetupTest, SetBaudNeedsAChoice) {
   setup.SetBaud("");
-  EXPECT_EQ(Box().title, "KRM Baud Setting");
-  EXPECT_EQ(Box().text, "Please select a baudrate setting.");
+  EXPECT_EQ(LastBox(op.boxes).title, "KRM Baud Setting");
+  EXPECT_EQ(LastBox(op.boxes).text, "Please select a baudrate setting.");
   EXPECT_EQ(serial.sent, "");
   EXPECT_EQ(settings.KRMBaudRate(), "");
 }
@@ -120,7 +117,7 @@ TEST_F(ModuleSetupTest, SetBaudResetsTheLinkAndSetsTheModule) {
   EXPECT_EQ(serial.TimesOf("open").size(), 2U);
   EXPECT_EQ(serial.sent.back(), '\x16');
   EXPECT_EQ(settings.KRMBaudRate(), "1200");
-  EXPECT_EQ(Box().text,
+  EXPECT_EQ(LastBox(op.boxes).text,
             "Successfully set the KRM baudrate.\r\n\r\n"
             "This new baudrate setting will only be in effect when the KRM module is connected to "
             "an K-2260 or some other indicator.");
@@ -128,10 +125,10 @@ TEST_F(ModuleSetupTest, SetBaudResetsTheLinkAndSetsTheModule) {
 
 TEST_F(ModuleSetupTest, SetBaudThatFailsIsReported) {
   setup.SetBaud("2400");
-  EXPECT_EQ(Box().text,
+  EXPECT_EQ(LastBox(op.boxes).text,
             "Failed to set the KRM baudrate.\r\n\r\n"
             "Please check KRM module connection, cable and serial port selection.");
-  EXPECT_EQ(Box().icon, Icon::kWarning);
+  EXPECT_EQ(LastBox(op.boxes).icon, Icon::kWarning);
 }
 
 TEST_F(ModuleSetupTest, ChosenBaudIsASettingAtOnce) {

@@ -8,6 +8,7 @@
 #include "exchange/store_fixture.h"
 #include "link/krmcomm.h"
 #include "presenter/download.h"
+#include "support/boxes.h"
 #include "support/fake_serial_control.h"
 #include "support/recipe_tables.h"
 #include "support/temp_folder.h"
@@ -70,14 +71,6 @@ class RecipeDownloadTest : public ::testing::Test,
     files.Choose(folder.Write("old.rbu", bytes));
     return session.OpenRecipeBU();
   }
-  void ExpectBox(std::size_t index, Icon icon, const std::string& title,
-                 const std::string& text) const {
-    ASSERT_LT(index, op.boxes.size());
-    EXPECT_EQ(op.boxes[index].icon, icon);
-    EXPECT_EQ(op.boxes[index].title, title);
-    EXPECT_EQ(op.boxes[index].text, text);
-  }
-
   TempFolder folder;
   std::filesystem::path path = folder / "YARD.RDB";
   RecipeTables tables = SmallYard();
@@ -136,8 +129,10 @@ TEST_F(RecipeDownloadTest, OpenedDatabaseIsLoadedAtOnceInTheDirectConnection) {
 TEST_F(RecipeDownloadTest, DatabaseHasToBeOpenFirst) {
   op.status_lines = {"old"};
   EXPECT_FALSE(session.DownloadRecipeDB());
-  ExpectBox(0, Icon::kWarning, "Recipe Database-File Error",
-            "You must first 'Open' the Recipe database file that you want to be downloaded.");
+  EXPECT_THAT(
+      op.boxes.at(0),
+      IsBox(Icon::kWarning, "Recipe Database-File Error",
+            "You must first 'Open' the Recipe database file that you want to be downloaded."));
   EXPECT_EQ(op.beeps, 1);
   EXPECT_THAT(op.Status(), IsEmpty());
   EXPECT_THAT(focused, ElementsAre("cmdOpenRecipeDB"));
@@ -149,10 +144,12 @@ TEST_F(RecipeDownloadTest, DatabaseDownloadAsksByTheDatabasesName) {
   op.answers = {Answer::kNo};
   const std::string before = ReadAll(path);
   EXPECT_FALSE(session.DownloadRecipeDB());
-  ExpectBox(0, Icon::kQuestion, "Overwrite KRM",
+  EXPECT_THAT(
+      op.boxes.at(0),
+      IsBox(Icon::kQuestion, "Overwrite KRM",
             "Are you sure you want to overwrite all data in the KRM module with recipe data from "
-            "the YARD.RDB database?");
-  EXPECT_EQ(op.boxes[0].buttons, Buttons::kYesNo);
+            "the YARD.RDB database?",
+            Buttons::kYesNo));
   EXPECT_TRUE(op.boxes[0].refuses_by_default);
   EXPECT_EQ(op.beeps, 1);
   EXPECT_EQ(tab.file_path, path.string());
@@ -268,9 +265,11 @@ TEST_F(RecipeDownloadTest, RecipeThatDoesNotComputeIsReportedAndNothingIsSentOrS
   op.answers = {Answer::kYes};
   const std::string before = ReadAll(path);
   EXPECT_FALSE(session.DownloadRecipeDB());
-  ExpectBox(1, Icon::kCritical, "Recipe Database-File Error",
+  EXPECT_THAT(
+      op.boxes.at(1),
+      IsBox(Icon::kCritical, "Recipe Database-File Error",
             "Recipe 90 (HEAVY) cannot be computed. Overflow: a line's as-fed weight is outside the "
-            "range of 32-bit whole numbers.\r\nNothing was downloaded.");
+            "range of 32-bit whole numbers.\r\nNothing was downloaded."));
   EXPECT_THAT(serial.events, IsEmpty());
   EXPECT_THAT(shown_recipes, IsEmpty());
   EXPECT_TRUE(ReadAll(path) == before);
@@ -282,8 +281,8 @@ TEST_F(RecipeDownloadTest, FailureOfTheDatabaseIsReportedAndNothingIsSent) {
   Execute(path, "DROP TABLE Pen");
   op.answers = {Answer::kYes};
   EXPECT_FALSE(session.DownloadRecipeDB());
-  ExpectBox(1, Icon::kCritical, "Recipe Database-File Error",
-            "There is an invalid table in the specified database.");
+  EXPECT_THAT(op.boxes.at(1), IsBox(Icon::kCritical, "Recipe Database-File Error",
+                                    "There is an invalid table in the specified database."));
   EXPECT_THAT(op.boxes[1].cause, HasSubstr("YARD.RDB"));
   EXPECT_EQ(op.beeps, 2);
   EXPECT_THAT(serial.events, IsEmpty());
@@ -339,8 +338,8 @@ TEST_F(RecipeDownloadTest, BackupThatCannotBeReadIsReportedAndCannotBeDownloaded
   tab.data_window = kBackup;
   files.Choose(folder / "gone.rbu");
   EXPECT_FALSE(session.OpenRecipeBU());
-  ExpectBox(0, Icon::kWarning, "Recipe Backup-File Error",
-            "The Recipe backup-file cannot be read.");
+  EXPECT_THAT(op.boxes.at(0), IsBox(Icon::kWarning, "Recipe Backup-File Error",
+                                    "The Recipe backup-file cannot be read."));
   EXPECT_THAT(op.boxes[0].cause, HasSubstr("gone.rbu"));
   EXPECT_THAT(op.status_lines, IsEmpty());
   op.answers = {Answer::kYes};
@@ -351,8 +350,10 @@ TEST_F(RecipeDownloadTest, BackupThatCannotBeReadIsReportedAndCannotBeDownloaded
 TEST_F(RecipeDownloadTest, BackupHasToBeOpenFirst) {
   tab.data_window = kBackup;
   EXPECT_FALSE(session.DownloadRecipeBU());
-  ExpectBox(0, Icon::kWarning, "Recipe Backup-File Error",
-            "You must first 'Open' the Recipe backup-file that you want to be downloaded.");
+  EXPECT_THAT(
+      op.boxes.at(0),
+      IsBox(Icon::kWarning, "Recipe Backup-File Error",
+            "You must first 'Open' the Recipe backup-file that you want to be downloaded."));
   EXPECT_EQ(op.beeps, 1);
   EXPECT_THAT(focused, ElementsAre("cmdOpenRecipeBU"));
   EXPECT_THAT(serial.events, IsEmpty());
@@ -363,10 +364,12 @@ TEST_F(RecipeDownloadTest, BackupDownloadAsksByTheFilesName) {
   op.answers = {Answer::kNo};
   tab.file_path = "elsewhere";
   EXPECT_FALSE(session.DownloadRecipeBU());
-  ExpectBox(0, Icon::kQuestion, "Overwrite KRM",
+  EXPECT_THAT(
+      op.boxes.at(0),
+      IsBox(Icon::kQuestion, "Overwrite KRM",
             "Are you sure you want to overwrite all data in the KRM module with recipe backup data "
-            "from the OLD.RBU file?");
-  EXPECT_EQ(op.boxes[0].buttons, Buttons::kYesNo);
+            "from the OLD.RBU file?",
+            Buttons::kYesNo));
   EXPECT_EQ(op.beeps, 1);
   EXPECT_THAT(op.Status(), IsEmpty());
   EXPECT_EQ(tab.file_path, (folder / "old.rbu").string());
@@ -378,8 +381,9 @@ TEST_F(RecipeDownloadTest, TextWithoutTheHeaderOfABackupIsRefusedAfterTheQuestio
   ChooseBackup(" {DATA_IN},L\r\n");
   op.answers = {Answer::kYes};
   EXPECT_FALSE(session.DownloadRecipeBU());
-  ExpectBox(1, Icon::kWarning, "File-Header Error",
-            "The Recipe backup-file has an invalid file header and cannot be downloaded.");
+  EXPECT_THAT(op.boxes.at(1),
+              IsBox(Icon::kWarning, "File-Header Error",
+                    "The Recipe backup-file has an invalid file header and cannot be downloaded."));
   EXPECT_EQ(op.beeps, 2);
   EXPECT_EQ(op.busy_changes, 0);
   EXPECT_THAT(serial.events, IsEmpty());
