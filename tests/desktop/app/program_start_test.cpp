@@ -11,6 +11,7 @@
 
 #include "desktop/app/program.h"
 #include "desktop/app/recorded_main_form.h"
+#include "support/boxes.h"
 #include "support/temp_folder.h"
 #include "support/test_services.h"
 
@@ -57,11 +58,6 @@ class StartUp : public ::testing::Test {
 
   // Another instance runs.
   void StartAnother() { ASSERT_TRUE(other_.Claim()); }
-
-  const MessageBox& OnlyBox() const {
-    EXPECT_EQ(op_.boxes.size(), 1U);
-    return op_.boxes.at(0);
-  }
 
   TempFolder folder_;
   fs::path program_ = folder_ / "program";
@@ -133,19 +129,19 @@ TEST_F(StartUp, FirstStartMakesBothFoldersAndTheIniFile) {
   EXPECT_NE(Start(), nullptr);
   EXPECT_TRUE(fs::exists(ini_));
   EXPECT_EQ(app_folder_.DefaultAppPath(), common_ / "Brantock/VRX-2260");
-  EXPECT_EQ(OnlyBox().title, "No Configuration File");
-  EXPECT_EQ(OnlyBox().icon, Icon::kInformation);
+  EXPECT_EQ(OnlyBox(op_.boxes).title, "No Configuration File");
+  EXPECT_EQ(OnlyBox(op_.boxes).icon, Icon::kInformation);
 }
 
 TEST_F(StartUp, SecondStartSaysSoAndTouchesNothing) {
   StartAnother();
   EXPECT_EQ(Start(), nullptr);
   EXPECT_EQ(op_.beeps, 1);
-  EXPECT_EQ(OnlyBox().icon, Icon::kInformation);
-  EXPECT_EQ(OnlyBox().title, "");
-  EXPECT_EQ(OnlyBox().text,
+  EXPECT_THAT(
+      OnlyBox(op_.boxes),
+      IsBox(Icon::kInformation, "",
             "The VRX(2260) application is already running.It might be minimized or hidden by "
-            "another window.");
+            "another window."));
   EXPECT_FALSE(fs::exists(common_));
   EXPECT_THAT(steps_, IsEmpty());
 }
@@ -154,13 +150,13 @@ TEST_F(StartUp, SecondStartIsReportedBeforeMissingTemplates) {
   StartAnother();
   fs::remove(program_ / "QXNULRDB.MDB");
   EXPECT_EQ(Start(), nullptr);
-  EXPECT_THAT(OnlyBox().text, HasSubstr("already running"));
+  EXPECT_THAT(OnlyBox(op_.boxes).text, HasSubstr("already running"));
 }
 
 TEST_F(StartUp, LockThatCannotBeTakenIsReported) {
   EXPECT_EQ(Start(folder_ / "none"), nullptr);
-  EXPECT_EQ(OnlyBox().icon, Icon::kCritical);
-  EXPECT_THAT(OnlyBox().text, MatchesRegex("Error: cannot lock .*/none/vrx2260.lock"));
+  EXPECT_EQ(OnlyBox(op_.boxes).icon, Icon::kCritical);
+  EXPECT_THAT(OnlyBox(op_.boxes).text, MatchesRegex("Error: cannot lock .*/none/vrx2260.lock"));
   EXPECT_FALSE(fs::exists(common_));
 }
 
@@ -168,9 +164,10 @@ TEST_F(StartUp, MissingTemplateEndsTheStartBeforeTheIniFile) {
   fs::remove(program_ / "QXNULXDB.MDB");
   EXPECT_EQ(Start(), nullptr);
   EXPECT_EQ(op_.beeps, 1);
-  EXPECT_EQ(OnlyBox().title, "Missing Files");
-  EXPECT_EQ(OnlyBox().icon, Icon::kCritical);
-  EXPECT_THAT(OnlyBox().text, HasSubstr("directory:\r\n\r\nQXNULXDB.MDB\r\n\r\nPlease run"));
+  EXPECT_EQ(OnlyBox(op_.boxes).title, "Missing Files");
+  EXPECT_EQ(OnlyBox(op_.boxes).icon, Icon::kCritical);
+  EXPECT_THAT(OnlyBox(op_.boxes).text,
+              HasSubstr("directory:\r\n\r\nQXNULXDB.MDB\r\n\r\nPlease run"));
   EXPECT_FALSE(fs::exists(ini_));
   EXPECT_THAT(steps_, IsEmpty());
 }
@@ -179,36 +176,36 @@ TEST_F(StartUp, BothTemplatesMissingAreNamedOnALineEach) {
   fs::remove(program_ / "QXNULRDB.MDB");
   fs::remove(program_ / "QXNULXDB.MDB");
   EXPECT_EQ(Start(), nullptr);
-  EXPECT_THAT(OnlyBox().text, HasSubstr("\r\n\r\nQXNULRDB.MDB\r\nQXNULXDB.MDB\r\n\r\n"));
+  EXPECT_THAT(OnlyBox(op_.boxes).text, HasSubstr("\r\n\r\nQXNULRDB.MDB\r\nQXNULXDB.MDB\r\n\r\n"));
 }
 
 TEST_F(StartUp, IniFileThatCannotBeWrittenEndsTheStart) {
   fs::create_directories(ini_);  // a folder in its place
   EXPECT_EQ(Start(), nullptr);
-  EXPECT_EQ(OnlyBox().title, "Configuration File Error");
-  EXPECT_EQ(OnlyBox().icon, Icon::kCritical);
+  EXPECT_EQ(OnlyBox(op_.boxes).title, "Configuration File Error");
+  EXPECT_EQ(OnlyBox(op_.boxes).icon, Icon::kCritical);
   EXPECT_THAT(steps_, IsEmpty());
 }
 
 TEST_F(StartUp, UnknownSystemDirectoryEndsTheStart) {
   system_.windows_directory.clear();
   EXPECT_EQ(Start(), nullptr);
-  EXPECT_EQ(OnlyBox().title, "Fatal Error");
+  EXPECT_EQ(OnlyBox(op_.boxes).title, "Fatal Error");
   EXPECT_THAT(steps_, IsEmpty());
 }
 
 TEST_F(StartUp, FolderThatCannotBeCreatedIsReportedAndEndsTheStart) {
   folder_.Write("common", "a file in the folder's place");
   EXPECT_EQ(Start(), nullptr);
-  EXPECT_EQ(OnlyBox().icon, Icon::kCritical);
-  EXPECT_THAT(OnlyBox().text, HasSubstr("Error: cannot make the folder"));
+  EXPECT_EQ(OnlyBox(op_.boxes).icon, Icon::kCritical);
+  EXPECT_THAT(OnlyBox(op_.boxes).text, HasSubstr("Error: cannot make the folder"));
   EXPECT_THAT(steps_, IsEmpty());
 }
 
 TEST_F(StartUp, UnknownCommonFolderIsReportedAndEndsTheStart) {
   system_.common_app_data_folder.clear();
   EXPECT_EQ(Start(), nullptr);
-  EXPECT_THAT(OnlyBox().text, HasSubstr("Error: "));
+  EXPECT_THAT(OnlyBox(op_.boxes).text, HasSubstr("Error: "));
 }
 
 TEST_F(StartUp, SettingThatCannotBeHealedIsRememberedAndTheStartGoesOn) {
