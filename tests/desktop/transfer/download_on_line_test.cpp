@@ -145,23 +145,13 @@ TEST_F(DownloadOnLine, ATextWithoutItsMarkIsRefused) {
   EXPECT_FALSE(line_.PortOpen());
 }
 
-TEST_F(DownloadOnLine, ASilentModuleIsReportedInTheStatusAloneAndTheNextTryWorks) {
-  OpenBackup(kBackup);
-  {
-    const auto module = FaultyModule("old", "silent");
-    Download(u"cmdDownloadRecipeBU"_qs, QMessageBox::Yes);
-    EXPECT_EQ(Status(), (StatusLook{"Error: KRM not detected", kStatusRed}));
-    EXPECT_THAT(boxes_.boxes, SizeIs(1));  // the question
-  }
-  TheNextDownloadWorks();
-}
-
-TEST_F(DownloadOnLine, ALineLostInTheClearIsReportedAndTheNextTryWorks) {
+TEST_F(DownloadOnLine, ALineLostInTheClearIsReportedInTheStatusAloneAndTheNextTryWorks) {
   OpenBackup(kBackup);
   {
     const auto module = FaultyModule("old", "hang-up=3");
     Download(u"cmdDownloadRecipeBU"_qs, QMessageBox::Yes);
     EXPECT_EQ(Status(), (StatusLook{"Error: Could not clear KRM", kStatusRed}));
+    EXPECT_THAT(boxes_.boxes, SizeIs(1));  // the question
   }
   TheNextDownloadWorks();
 }
