@@ -1,5 +1,3 @@
-#include "support/database_files.h"
-
 #include <filesystem>
 #include <string>
 #include <vector>
@@ -9,6 +7,7 @@
 #include <nlohmann/json.hpp>
 
 #include "ctl/ctl_fixture.h"
+#include "support/database_files.h"
 
 namespace vrx::testing {
 namespace {

@@ -1,9 +1,10 @@
+#include "exchange/recipe_text.h"
+
 #include <array>
 #include <string>
 
 #include <gmock/gmock.h>
 
-#include "exchange/recipe_text.h"
 #include "support/recipe_tables.h"
 
 namespace vrx::testing {

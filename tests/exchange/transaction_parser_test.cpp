@@ -1,3 +1,5 @@
+#include "exchange/transaction_parser.h"
+
 #include <cstdint>
 #include <filesystem>
 #include <map>
@@ -7,7 +9,6 @@
 #include <gtest/gtest.h>
 
 #include "exchange/parsed_text.h"
-#include "exchange/transaction_parser.h"
 #include "exchange/transaction_texts.h"
 #include "support/boxes.h"
 #include "support/temp_folder.h"

@@ -1,10 +1,11 @@
+#include "export/export_columns.h"
+
 #include <string>
 #include <vector>
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include "export/export_columns.h"
 #include "history/columns.h"
 
 namespace vrx::testing {

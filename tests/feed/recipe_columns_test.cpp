@@ -1,6 +1,7 @@
+#include "feed/recipe_columns.h"
+
 #include <gtest/gtest.h>
 
-#include "feed/recipe_columns.h"
 #include "feed/record_fields.h"
 
 namespace vrx::testing {

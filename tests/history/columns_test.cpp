@@ -1,3 +1,5 @@
+#include "history/columns.h"
+
 #include <algorithm>
 #include <numeric>
 #include <random>
@@ -7,8 +9,6 @@
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
-
-#include "history/columns.h"
 
 namespace vrx::testing {
 namespace {

@@ -1,9 +1,9 @@
+#include "widgets/byte_text_edit.h"
+
 #include <QTest>
 #include <random>
 
 #include <gmock/gmock.h>
-
-#include "widgets/byte_text_edit.h"
 
 namespace vrx::testing {
 namespace {

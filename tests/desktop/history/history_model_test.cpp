@@ -1,10 +1,11 @@
+#include "desktop/history/history_model.h"
+
 #include <QSignalSpy>
 #include <limits>
 #include <optional>
 
 #include <gmock/gmock.h>
 
-#include "desktop/history/history_model.h"
 #include "history/data_group.h"
 #include "support/small_history.h"
 

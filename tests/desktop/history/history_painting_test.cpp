@@ -1,3 +1,5 @@
+#include "desktop/history/history_painting.h"
+
 #include <QPainter>
 #include <QScrollBar>
 
@@ -5,7 +7,6 @@
 
 #include "desktop/dialogs/about_and_splash.h"
 #include "desktop/history/history_fixture.h"
-#include "desktop/history/history_painting.h"
 #include "widgets/drawing.h"
 #include "widgets/layout.h"
 

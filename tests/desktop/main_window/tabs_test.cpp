@@ -1,3 +1,5 @@
+#include "desktop/main_window/tabs.h"
+
 #include <QProgressBar>
 #include <QPushButton>
 #include <QTabBar>
@@ -10,7 +12,6 @@
 #include <gmock/gmock.h>
 
 #include "desktop/main_window/main_window_fixture.h"
-#include "desktop/main_window/tabs.h"
 #include "widgets/drawing.h"
 
 namespace vrx::testing {

@@ -1,9 +1,10 @@
+#include "desktop/print/text_printer.h"
+
 #include <QPrinter>
 #include <string>
 
 #include <gtest/gtest.h>
 
-#include "desktop/print/text_printer.h"
 #include "support/temp_folder.h"
 
 namespace vrx::testing {
