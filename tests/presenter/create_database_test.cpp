@@ -218,10 +218,11 @@ TEST_P(Create, AnyOtherFailureIsTrappedUnderTheRoutinesTitle) {
   NewDatabase wanted = Wanted("YARD");
   wanted.accepted = [] { throw Error("the display is gone"); };
   EXPECT_FALSE(Run(wanted));
-  ExpectOneBox(Icon::kCritical,
-               GetParam().kind == DatabaseKind::kRecipe ? "New Recipe File Error"
-                                                        : "New Transaction File Error",
-               "Error: 1");
+  EXPECT_THAT(OnlyBox(operator_.boxes),
+              IsBox(Icon::kCritical,
+                    GetParam().kind == DatabaseKind::kRecipe ? "New Recipe File Error"
+                                                             : "New Transaction File Error",
+                    "Error: 1"));
   EXPECT_EQ(operator_.boxes[0].cause, "the display is gone");
   EXPECT_THAT(FileNames(data_), IsEmpty());
 }
