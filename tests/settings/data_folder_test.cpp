@@ -84,6 +84,17 @@ TEST_F(FolderTest, CommonPathIs260NullsIfThePlatformHasNone) {
   EXPECT_THROW(folder.CheckAppDefaultDir(), FileError);
 }
 
+TEST_F(FolderTest, AnUnknownCommonFolderIsReportedAsSuch) {
+  system.common_app_data_folder.clear();
+  Folder folder(system);
+  try {
+    folder.CheckAppDefaultDir();
+    ADD_FAILURE() << "an unknown folder was accepted";
+  } catch (const FileError& failure) {
+    EXPECT_STREQ(failure.what(), "the common application data folder is unknown");
+  }
+}
+
 TEST_F(FolderTest, CheckPathAndCreateIsAlwaysTrue) {
   EXPECT_TRUE(Folder::CheckPathAndCreate(temp / "a"));
   EXPECT_TRUE(fs::is_directory(temp / "a"));

@@ -180,6 +180,38 @@ TEST_F(PrivateIniTest, APartlyWrittenDefaultFileEndsTheProgram) {
   EXPECT_THAT(File(), HasSubstr("SerialPort=2\r\n"));
 }
 
+// Two keys are missing, and the space that is left takes only the second one.
+TEST_F(PrivateIniTest, AnyKeyThatCannotBeWrittenCounts) {
+  constexpr std::string_view kFirst = "BatchTargetWtIsRecTarget=YES\r\n";
+  constexpr std::string_view kSecond = "PrintGridLines=YES\r\n";
+  std::string file = DefaultFileWith(kFirst, "");
+  file.erase(file.find(kSecond), kSecond.size());
+  folder.Write("VRX-2260.INI", file);
+  {
+    const LargestFile limit(file.size() + kSecond.size());
+    EXPECT_FALSE(PrivateINI().ReadIniSettings(Ini()));
+  }
+  EXPECT_EQ(File(), file + std::string(kSecond));
+
+  const std::size_t title = file.find("[Communications]");
+  folder.Write("VRX-2260.INI", file.substr(title));
+  {
+    const LargestFile limit(file.size() + kSecond.size());
+    EXPECT_FALSE(PrivateINI::EnsureIniFile(Ini(), op));
+  }
+  ASSERT_EQ(op.boxes.size(), 1U);
+  EXPECT_EQ(op.boxes[0].title, "Configuration File Error");
+  EXPECT_THAT(File(), HasSubstr(kSecond));
+}
+
+TEST_F(PrivateIniTest, TheCauseIsThatOfTheFirstKeyThatFails) {
+  PrivateINI settings = ReadFrom(kDefaultFile);
+  settings.SetSerialPort("1\n");
+  settings.SetKRMBaudRate("2\n");
+  EXPECT_FALSE(settings.WriteIniSettings(Ini()));
+  EXPECT_THAT(settings.FailureCause(), HasSubstr("cannot write SerialPort to "));
+}
+
 TEST_F(PrivateIniTest, AFileWithoutCommentsSectionIsTreatedAsMissing) {
   folder.Write("VRX-2260.INI", "[Communications]\r\nSerialPort=7\r\nMine=1\r\n");
   EXPECT_TRUE(PrivateINI::EnsureIniFile(Ini(), op));
@@ -239,6 +271,14 @@ TEST_F(PrivateIniTest, AKnownOrMissingUnitIsNotReported) {
   for (const char* const line : {"SystemUnits=kg", "SystemUnits="}) {
     ReadFrom(DefaultFileWith("SystemUnits=LB", line)).ReportRefusedUnit(op);
   }
+  EXPECT_TRUE(op.boxes.empty());
+}
+
+TEST_F(PrivateIniTest, ARefusedUnitIsForgottenByTheNextReading) {
+  PrivateINI settings = ReadFrom(DefaultFileWith("SystemUnits=LB", "SystemUnits=TON"));
+  folder.Write("VRX-2260.INI", kDefaultFile);
+  EXPECT_TRUE(settings.ReadIniSettings(Ini()));
+  settings.ReportRefusedUnit(op);
   EXPECT_TRUE(op.boxes.empty());
 }
 
