@@ -2,6 +2,7 @@
 
 #include <functional>
 #include <random>
+#include <system_error>
 
 #include <SQLiteCpp/Column.h>
 #include <SQLiteCpp/Statement.h>
@@ -361,6 +362,59 @@ TEST(TranslateSqliteError, MapsALockedFile) {
   } catch (const SQLite::Exception& error) {
     EXPECT_EQ(TranslateSqliteError(error, path).Number(), 3251);
   }
+}
+
+TEST(OpenDatabase, KnowsTheSizeOfAFileOfTheLargestPages) {
+  const TempFolder folder;
+  const fs::path path = CopyOfTemplate(folder, "YARD.RDB");
+  Alter(path, "PRAGMA page_size=65536; VACUUM");
+  const auto size = fs::file_size(path);
+  ASSERT_EQ(size % 65536, 0U);
+  EXPECT_NO_THROW(OpenDatabase(path, Access::kWrite));
+  fs::resize_file(path, size - 1);
+  ExpectRefused(path, SQLITE_CORRUPT,
+                "YARD.RDB is cut off: " + std::to_string(size - 1) + " bytes instead of " +
+                    std::to_string(size));
+}
+
+// Another tool that does not keep the number of pages leaves the change counter beside it behind.
+TEST(OpenDatabase, DoesNotBelieveAnOutdatedNumberOfPages) {
+  const TempFolder folder;
+  const fs::path path = CopyOfTemplate(folder, "YARD.RDB");
+  std::string bytes = ReadAll(path);
+  bytes.replace(28, 4, std::string("\0\x10\0\0", 4));
+  bytes.replace(92, 4, "\xFF\xFF\xFF\xFF");
+  folder.Write("YARD.RDB", bytes);
+  EXPECT_NO_THROW(OpenDatabase(path, Access::kWrite));
+}
+
+TEST(DatabaseErrors, AMovedFileIsNotCalledWriteProtected) {
+  const TempFolder folder;
+  const fs::path path = CopyOfTemplate(folder, "YARD.RDB");
+  SQLite::Database database = OpenDatabase(path, Access::kWrite);
+  fs::rename(path, folder / "OTHER.RDB");
+  try {
+    WithDatabaseErrors(database, [&] { database.exec("UPDATE Pen SET FeedAmount = '7'"); });
+    ADD_FAILURE() << "a moved file was written";
+  } catch (const DatabaseError& failure) {
+    EXPECT_STREQ(failure.what(), "YARD.RDB was moved or deleted while it was open");
+  }
+}
+
+TEST(DatabaseErrors, ABusyFileAndALockedTableHaveTheSameText) {
+  for (const int code :
+       {SQLITE_BUSY, SQLITE_BUSY_SNAPSHOT, SQLITE_LOCKED, SQLITE_LOCKED_SHAREDCACHE}) {
+    const DatabaseError error =
+        TranslateSqliteError(SQLite::Exception("words", code), "a/YARD.RDB");
+    EXPECT_EQ(error.Number(), kTableLockedError);
+    EXPECT_STREQ(error.what(), "YARD.RDB is locked by another program");
+  }
+}
+
+TEST(DatabaseErrors, TheNumberIsThatOfTheDatabaseOrOfTheSystem) {
+  EXPECT_EQ(FailureNumber(DatabaseError(kNoRecordError, "")), kNoRecordError);
+  EXPECT_EQ(FailureNumber(std::system_error(ENOSPC, std::generic_category())), ENOSPC);
+  EXPECT_EQ(FailureNumber(std::runtime_error("")), SQLITE_ERROR);
 }
 
 }  // namespace

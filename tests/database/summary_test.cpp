@@ -5,6 +5,7 @@
 #include <gtest/gtest.h>
 
 #include "support/database_files.h"
+#include "support/rival_writer.h"
 
 namespace vrx::testing {
 namespace {
@@ -110,6 +111,22 @@ TEST(Summary, OfALockedFileFails) {
   const fs::path path = CopyOfTemplate(folder, "YARD.RDB");
   const ExclusiveHolder holder(path);
   EXPECT_EQ(NumberOfFailure(path), kTableLockedError);
+}
+
+// Another program that stores a unit of one more letter also puts one more pen in use.
+TEST(Summary, IsOfOneMoment) {
+  const TempFolder folder;
+  const fs::path path = CopyOfTemplate(folder, "YARD.RDB");
+  Alter(path,
+        "CREATE TRIGGER both AFTER UPDATE ON UnitsOfMeasure BEGIN"
+        " UPDATE Pen SET Description = 'North' WHERE ID <= length(new.UoM);"
+        "END");
+  RivalWriter rival;
+  rival.Start(path, "UPDATE UnitsOfMeasure SET UoM = UoM || 'x'");
+  const DatabaseSummary summary = ReadDatabaseSummary(path);
+  rival.Stop();
+  EXPECT_GT(rival.Tries(), rival.Stored());
+  EXPECT_EQ(summary.recipe.pens, static_cast<std::int64_t>(summary.unit.size()));
 }
 
 }  // namespace
