@@ -66,6 +66,15 @@ TEST_F(RecipeLineEntry, AnIngredientAloneIsHeldBackWithRecipeAndSequence) {
   EXPECT_THAT(ReadRecipeLines(database, kByWeight), SizeIs(1));
 }
 
+TEST_F(RecipeLineEntry, ACanceledWeightCompletesNoLine) {
+  editor.Select(kByWeight);
+  editor.ChooseIngredient(kHay);
+  editor.BeforeCellEdit(LineColumn::kTarget);
+  editor.AfterCellEdit(LineColumn::kTarget, false);
+  EXPECT_FALSE(editor.CommitRow());
+  EXPECT_THAT(ReadRecipeLines(database, kByWeight), IsEmpty());
+}
+
 TEST_F(RecipeLineEntry, GoesThroughOnceAWeightWasEntered) {
   editor.Select(kByWeight);
   editor.ChooseIngredient(kHay);

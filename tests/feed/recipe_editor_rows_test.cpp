@@ -54,6 +54,18 @@ TEST_F(RecipeRows, TheEntryRowCannotBeDeleted) {
   EXPECT_EQ(op.beeps, 1);
 }
 
+TEST_F(RecipeRows, TheEntryRowIsOfferedAgainAfterTheLastLineOfAFullRecipe) {
+  editor.Select(kByWeight);
+  for (int line = 0; line < kMaxRecipeLines; ++line) {
+    Add(kCorn, "10");
+  }
+  EXPECT_FALSE(Shown().entry_row_offered);
+  while (Shown().LineCount() > 0) {
+    ASSERT_TRUE(Delete());
+  }
+  EXPECT_TRUE(Shown().entry_row_offered);
+}
+
 TEST_F(RecipeRows, TheLastDeletionLeadsToTheEntryRowAndClosesTheInputs) {
   editor.Select(kByWeight);
   Add(kCorn, "1200");
