@@ -54,6 +54,10 @@ TEST(TakeEdit, ALineInThePlaceOfAnotherKeepsItsEnd) {
   EXPECT_EQ(TakeEdit("one\rtwo\nthree", edited), "one\r2\nthree");
 }
 
+TEST(TakeEdit, ALineIsTakenForOneOldLineOnly) {
+  EXPECT_EQ(TakeEdit("a\ra", std::vector<std::string>(4, "a")), "a\ra\r\na\r\na");
+}
+
 TEST(TakeEdit, ADeletedEndJoinsTheLines) {
   const std::vector<std::string> edited{"onetwo", "three"};
   EXPECT_EQ(TakeEdit("one\rtwo\nthree", edited), "onetwo\r\nthree");
@@ -90,6 +94,14 @@ TEST(DataWindow, ReportsOfTheOperatorsEditsOnly) {
   QTest::keyClicks(&window, "x");
   EXPECT_EQ(edits, 1);
   EXPECT_EQ(window.Bytes(), "xabc\r\n");
+}
+
+TEST(DataWindow, TheSameBytesMoveNoCursor) {
+  DataWindow window;
+  window.SetBytes("one\rtwo");
+  window.moveCursor(QTextCursor::End);
+  window.SetBytes("one\rtwo");
+  EXPECT_EQ(window.textCursor().position(), 7);
 }
 
 TEST(DataWindow, TheTabKeyLeavesIt) {

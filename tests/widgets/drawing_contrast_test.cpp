@@ -1,3 +1,4 @@
+#include <QPalette>
 #include <random>
 
 #include <gtest/gtest.h>
@@ -57,6 +58,17 @@ TEST(WithReadableHints, LeavesHintsThatCanBeRead) {
   palette.setColor(QPalette::PlaceholderText, QColor(0, 0, 0, 128));
   EXPECT_EQ(WithReadableHints(palette).color(QPalette::PlaceholderText), QColor(0, 0, 0, 128));
   EXPECT_EQ(WithReadableHints(QPalette()).resolveMask(), QPalette().resolveMask());
+}
+
+TEST(WithReadableHints, ReplacesAHintThatItsTransparencyMakesFaint) {
+  QPalette palette;
+  palette.setColor(QPalette::Base, Qt::white);
+  palette.setColor(QPalette::Text, Qt::black);
+  palette.setColor(QPalette::PlaceholderText, QColor(0, 0, 0, 60));
+  EXPECT_EQ(WithReadableHints(palette).color(QPalette::PlaceholderText), QColor(0, 0, 0, 128));
+  const QColor readable(0, 0, 0, 200);
+  palette.setColor(QPalette::PlaceholderText, readable);
+  EXPECT_EQ(WithReadableHints(palette).color(QPalette::PlaceholderText), readable);
 }
 
 }  // namespace
