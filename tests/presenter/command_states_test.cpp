@@ -173,6 +173,12 @@ TEST_F(CommandStatesTest, PrintIsOnForTheImportTabWithATransactionFile) {
   EXPECT_TRUE(PrintOn());
 }
 
+TEST_F(CommandStatesTest, PrintIsOffForAnImportTabThatIsOff) {
+  states_.TurnTab(5, false);
+  states_.UpdatePrintCommands(5, kEverything);
+  EXPECT_FALSE(PrintOn());
+}
+
 TEST_F(CommandStatesTest, PrintIsLeftAsItIsByTheExportTabAndByWhatIsNoTab) {
   for (const bool on : {true, false}) {
     states_.TurnPrintCommands(on);

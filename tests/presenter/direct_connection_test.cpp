@@ -2,6 +2,8 @@
 
 #include <cstdint>
 #include <filesystem>
+#include <limits>
+#include <vector>
 
 #include <gmock/gmock.h>
 
@@ -205,6 +207,16 @@ TEST_F(DirectConnectionTest, AnsweringYesEmptiesTheImageWithoutTransmission) {
   EXPECT_EQ(serial.sent, "");
 }
 
+TEST_F(DirectConnectionTest, AnImageThatTheOperatorEmptiesNeedsNoSaving) {
+  for (const Answer answer : {Answer::kNo, Answer::kYes}) {
+    krm.GS_KRM_VirtualMemory("x");
+    tab.received.Arrived();
+    op.answers = {answer};
+    direct.Enter();
+    EXPECT_EQ(tab.received.Unsaved(), answer == Answer::kNo);
+  }
+}
+
 TEST_F(DirectConnectionTest, EmptyImageIsNotAskedAbout) {
   LeaveAfter(Ms{1000});
   direct.ConnectIndicator();
@@ -289,6 +301,31 @@ TEST_F(DirectConnectionTest, FailedReplyIsReportedAndTheLoopGoesOn) {
   EXPECT_EQ(serial.sent,
             "\x15\x1F"
             "abc\x1F");
+}
+
+TEST_F(DirectConnectionTest, TheLineIsInUseDuringAReplyOnly) {
+  std::vector<bool> in_use;
+  const auto note = [&] { in_use.push_back(krm.Guard().AtWork()); };
+  ArriveAfter(Ms{100}, "abc\x15");
+  After(Ms{200}, note);
+  After(Ms{1000}, note);
+  After(Ms{5000}, note);
+  LeaveAfter(Ms{10'000});
+  direct.ConnectIndicator();
+  EXPECT_THAT(in_use, ElementsAre(false, true, false));
+}
+
+TEST_F(DirectConnectionTest, AReplyThatTheLineHoldsIsFollowedByAReopenedPort) {
+  ArriveAfter(Ms{100}, "abc\x15");
+  serial.hold_after_output = 0;
+  After(Ms{15'000}, [this] { serial.hold_after_output = std::numeric_limits<std::size_t>::max(); });
+  ArriveAfter(Ms{20'000}, "def\x15");
+  LeaveAfter(Ms{30'000});
+  EXPECT_TRUE(direct.ConnectIndicator());
+  EXPECT_EQ(serial.blocks.back(),
+            "\x15\x1F"
+            "abcdef\x1F");
+  EXPECT_EQ(serial.TimesOf("open").size(), 2U);
 }
 
 TEST_F(DirectConnectionTest, LostLineIsReportedOnceAndFallsBackToTheModule) {

@@ -62,6 +62,18 @@ TEST_F(DirectMemory, UnknownMemoryIsShownWholeInRed) {
   EXPECT_EQ(op.Status(), "No data files in memory!");
 }
 
+TEST_F(DirectMemory, OnlyRecognizedMemoryIsCutWhole) {
+  krm.GS_KRM_VirtualMemory("scribble");
+  upload.ReadDirectMemory();
+  EXPECT_FALSE(tab.block_is_cut);
+  krm.GS_KRM_VirtualMemory("{REPORT}x");
+  upload.ReadDirectMemory();
+  EXPECT_TRUE(tab.block_is_cut);
+  krm.GS_KRM_VirtualMemory(std::string(100, '\f'));
+  upload.ReadDirectMemory();
+  EXPECT_FALSE(tab.block_is_cut);
+}
+
 TEST_F(DirectMemory, HundredthFileIsReported) {
   krm.GS_KRM_VirtualMemory(std::string(100, '\f'));
   EXPECT_EQ(upload.ReadDirectMemory(), 99);

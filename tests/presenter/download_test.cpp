@@ -104,6 +104,11 @@ TEST_F(DownloadTest, SilentModuleIsNotDetected) {
   EXPECT_THAT(op.status_lines, ElementsAre("Standby...", "Error: KRM not detected"));
 }
 
+TEST_F(DownloadTest, ALineThatIsHeldIsNamed) {
+  serial.hold_after_output = 0;
+  ExpectFailure("Serial line held");
+}
+
 TEST_F(DownloadTest, WrongEchoOfTheCheckIsNotDetected) {
   serial.WillAnswer("\x18\x1F");
   ExpectFailure("KRM not detected");

@@ -1,3 +1,5 @@
+#include <utility>
+
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
@@ -137,6 +139,22 @@ TEST_F(UnitQuestion, IsNotAskedOfAFileThatMayNotBeWritten) {
   operator_.boxes.clear();
   databases_.AskAboutUnits();
   EXPECT_THAT(BoxTitles(), IsEmpty());
+}
+
+TEST_F(UnitQuestion, LabelsNoFileThatIsOpenedWhileItIsShown) {
+  const fs::path other = MakeUserFile("OTHER.RDB", kRecipe, "KG");
+  Open(kRecipe, metric_);
+  operator_.answers = {Answer::kYes};
+  bool opened = false;
+  operator_.on_message = [&](const MessageBox& box) {
+    if (box.title == "Weight Units" && !std::exchange(opened, true)) {
+      databases_.OpenRecipeDatabase(other, "OTHER.RDB");
+    }
+  };
+  databases_.AskAboutUnits();
+  EXPECT_EQ(databases_.Bound(kRecipe).path, other);
+  EXPECT_EQ(UnitOf(metric_), "KG");
+  EXPECT_EQ(UnitOf(other), "KG");
 }
 
 TEST_F(UnitQuestion, ThatCannotBeCarriedOutIsReportedAndTheUnitIsKept) {

@@ -3,6 +3,7 @@
 #include <stdexcept>
 #include <string>
 #include <system_error>
+#include <vector>
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -115,6 +116,49 @@ TEST_F(Reported, AnEditShowsADatabaseFailureToo) {
   EXPECT_EQ(op.beeps, 1);
   EXPECT_EQ(op.boxes.at(0).title, "Edit (Error)");
   EXPECT_EQ(op.boxes.at(0).text, "disk");
+}
+
+class FailedEdit : public ::testing::Test {
+ protected:
+  // Each call fails with the next cause, and succeeds after the last one.
+  void Store() {
+    ++stores_;
+    if (!causes_.empty()) {
+      const std::string cause = causes_.front();
+      causes_.erase(causes_.begin());
+      throw Error(cause);
+    }
+  }
+  EditEnd AskAfter(const std::string& cause) {
+    return AskAboutEdit(op_, "'Name' field", cause, [this] { Store(); });
+  }
+
+  RecordingOperator op_;
+  std::vector<std::string> causes_;
+  int stores_ = 0;
+};
+
+TEST_F(FailedEdit, IsTriedUntilItIsStoredAndEachQuestionHasItsOwnCause) {
+  causes_ = {"the disk is full"};
+  op_.answers = {Answer::kTryAgain, Answer::kTryAgain};
+  EXPECT_EQ(AskAfter("YARD.RDB is locked"), EditEnd::kStored);
+  EXPECT_EQ(stores_, 2);
+  EXPECT_EQ(op_.beeps, 2);
+  ASSERT_THAT(op_.boxes, SizeIs(2));
+  EXPECT_EQ(
+      op_.boxes[0].text,
+      "The 'Name' field could not be stored: YARD.RDB is locked\r\nTry again, discard what was "
+      "entered, or stay and keep it?");
+  EXPECT_EQ(op_.boxes[1].text,
+            "The 'Name' field could not be stored: the disk is full\r\nTry again, discard what was "
+            "entered, or stay and keep it?");
+}
+
+TEST_F(FailedEdit, IsDiscardedOrKeptAsTheOperatorSays) {
+  op_.answers = {Answer::kDiscard, Answer::kStay};
+  EXPECT_EQ(AskAfter("locked"), EditEnd::kDiscarded);
+  EXPECT_EQ(AskAfter("locked"), EditEnd::kStays);
+  EXPECT_EQ(stores_, 0);
 }
 
 }  // namespace
