@@ -21,6 +21,11 @@ TEST(NoticeList, MakesRangesOfNeighbours) {
   EXPECT_EQ(RowsText(report.notices[2]), "");
 }
 
+TEST(RowsText, OfOneRangeIsInThePlural) {
+  EXPECT_EQ(RowsText({.table = "Pen", .text = "x", .rows = {{3, 5}}}), "rows 3-5");
+  EXPECT_EQ(RowsText({.table = "Pen", .text = "x", .rows = {{7, 8}}, .are_ids = true}), "IDs 7-8");
+}
+
 ConversionReport Moved(NoticeList& list) {
   ConversionReport report;
   list.MoveInto(report);

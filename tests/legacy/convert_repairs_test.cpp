@@ -400,6 +400,11 @@ TEST(ConversionOfRows, ReportsWhenThereAreMoreOrFewerThanTheFileSays) {
               ::testing::IsSupersetOf(
                   {"Pen: the table should have 5 rows; 1 were found",
                    "Pen, IDs 2-400: no such row was read; the record has its defaults"}));
+  ConversionFixture other;
+  file.AddRow({Whole(2), Text("SECOND"), Text(""), Text("0")});
+  file.Announce(1);
+  EXPECT_THAT(NoticeLines(other.Convert(file)),
+              ::testing::Contains("Pen: the table should have 1 rows; 2 were found"));
 }
 
 TEST(ConversionReport, JoinsTheRowsOfEqualNotices) {

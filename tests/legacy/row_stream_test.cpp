@@ -193,6 +193,22 @@ TEST(RowStream, RefusesARecordThatIsLongerThanItsContent) {
   EXPECT_EQ(FailureOf(bytes), "a record of the rows is too long");
 }
 
+TEST(RowStream, RefusesARowThatIsLongerThanItsColumns) {
+  std::string bytes;
+  RowStreamWriter writer([&bytes](std::string_view piece) { bytes += piece; });
+  writer.Directory({"Pen"});
+  writer.BeginTable({.name = "Pen", .columns = {{"Name", LegacyType::kText}}});
+  writer.Row({std::string("NORTH")});
+  writer.EndTable();
+  writer.End();
+  const std::string row("R\x0A\0\0\0\x01\x05\0\0\0NORTH", 15);
+  const std::size_t at = bytes.find(row);
+  ASSERT_NE(at, std::string::npos);
+  bytes.insert(at + row.size(), 1, 'x');
+  ++bytes[at + 1];
+  EXPECT_EQ(FailureOf(bytes), "a record of the rows is too long");
+}
+
 TEST(RowStream, WritesWhatItHasFrom64KilobytesOn) {
   std::vector<std::size_t> pieces;
   RowStreamWriter writer([&pieces](std::string_view piece) { pieces.push_back(piece.size()); });
