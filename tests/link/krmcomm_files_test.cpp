@@ -50,6 +50,13 @@ TEST_F(ExtractData, AnyOtherCountOfTerminatorsIsInvalid) {
   }
 }
 
+TEST_F(ExtractData, NoiseBehindTheReplyHasAtMost16Bytes) {
+  const std::string reply = "\x15\x1F{REPORT}\x1F";
+  EXPECT_EQ(krm.KRM_ExtractData(reply + std::string(16, '~')), "{REPORT}");
+  EXPECT_EQ(krm.KRM_ExtractData(reply + std::string(17, '~')), "");
+  EXPECT_EQ(krm.GS_KRM_ErrMsg(), "Invalid terminators");
+}
+
 class ExtractFiles : public LinkFixture {
  protected:
   void ExpectFile(int file, DataFileType type, int position, int length) {

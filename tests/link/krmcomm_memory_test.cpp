@@ -69,6 +69,13 @@ TEST_F(VirtualMemory, FailuresAlwaysShowAMessageAndBeep) {
   ExpectRefusal("Transmission of response to <NAK> command failed!");
 }
 
+TEST_F(VirtualMemory, AnAnswerThatTheEndOfTheProgramPreventsIsNotReported) {
+  pump.closing = true;
+  EXPECT_FALSE(krm.KRM_DumpVirtualMemory());
+  EXPECT_TRUE(op.boxes.empty());
+  EXPECT_EQ(op.beeps, 0);
+}
+
 TEST_F(VirtualMemory, FailedDumpAllIsReported) {
   serial.failing_property = "Output";
   krm.KRM_DumpAllVirtualMemory();

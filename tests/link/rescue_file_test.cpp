@@ -1,5 +1,7 @@
 #include "link/rescue_file.h"
 
+#include <tuple>
+
 #include <gmock/gmock.h>
 
 #include "base/files.h"
@@ -41,6 +43,12 @@ TEST_F(RescueFileTest, IsNamedByTheTimeAndHoldsTheBytes) {
   EXPECT_TRUE(IsRescueFile(path));
   EXPECT_TRUE(IsRescueFile("x.krm"));
   EXPECT_FALSE(IsRescueFile("x.RBU"));
+}
+
+TEST_F(RescueFileTest, OneOf16MebibytesIsReadAndALongerOneRefused) {
+  const std::string longest(std::size_t{16} << 20U, 'x');
+  EXPECT_EQ(ReadRescueFile(folder.Write("longest.KRM", longest)).size(), longest.size());
+  EXPECT_THROW(std::ignore = ReadRescueFile(folder.Write("longer.KRM", longest + "x")), FileError);
 }
 
 TEST_F(RescueFileTest, NeverReplacesAnotherFile) {
