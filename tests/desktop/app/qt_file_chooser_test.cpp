@@ -77,6 +77,19 @@ class FileDialogs : public ::testing::Test {
   QMessageBox::StandardButton by_enter = QMessageBox::NoButton;
 };
 
+TEST_F(FileDialogs, BeginInTheFolderAskedForWhateverWasChosenBefore) {
+  const TempFolder other;
+  EXPECT_EQ(Save(QString::fromStdString((other / "NEW.QXT").string())).path, other / "NEW.QXT");
+  QString begun;
+  const NextModal modal([&](QWidget& widget) {
+    auto& files = dynamic_cast<QFileDialog&>(widget);
+    begun = files.directory().absolutePath();
+    files.reject();
+  });
+  EXPECT_TRUE(chooser.ShowOpen(dialog).Cancelled());
+  EXPECT_EQ(begun.toStdString(), folder.Path().string());
+}
+
 TEST_F(FileDialogs, GivesPathAndFileName) {
   const FileChoice choice = Open(u"OLD.QXT"_qs);
   EXPECT_EQ(choice.path, (folder / "OLD.QXT").string());

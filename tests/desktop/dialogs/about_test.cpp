@@ -31,6 +31,12 @@ class AboutBox : public ::testing::Test {
   About form{system, os, op, nullptr};
 };
 
+TEST_F(AboutBox, LetsTheAddressBeCopied) {
+  EXPECT_TRUE(form.findChild<QLabel*>(u"lblURL"_qs)
+                  ->textInteractionFlags()
+                  .testFlag(Qt::TextSelectableByMouse));
+}
+
 TEST_F(AboutBox, SaysWhatTheProgramIs) {
   EXPECT_EQ(form.objectName(), u"ABOUT"_qs);
   EXPECT_EQ(TextOf("lblTitle"), u"VRX-2260"_qs);

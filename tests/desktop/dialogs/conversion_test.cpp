@@ -141,5 +141,16 @@ TEST_F(ConversionTest, TheProgressIsShownAndItsButtonEndsIt) {
   EXPECT_EQ(Window().findChild<QDialog*>(u"dlgConversionProgress"_qs), nullptr);
 }
 
+TEST(ConversionProgressTest, CanBeCanceledOnceAndStaysOpen) {
+  ConversionProgress progress(nullptr);
+  auto& cancel = *progress.findChild<QPushButton*>(u"cmdCancel"_qs);
+  EXPECT_FALSE(progress.Cancelled());
+  EXPECT_TRUE(cancel.isEnabled());
+  cancel.click();
+  EXPECT_TRUE(progress.Cancelled());
+  EXPECT_FALSE(cancel.isEnabled());
+  EXPECT_TRUE(progress.isVisible());
+}
+
 }  // namespace
 }  // namespace vrx::testing

@@ -71,6 +71,17 @@ TEST_F(HistoryPageTest, AGroupByNameIsEmptyUntilAListedNameIsPicked) {
   EXPECT_THAT(Lines(), IsEmpty());
 }
 
+TEST_F(HistoryPageTest, AnotherNameBeginsWithoutACurrentRow) {
+  ShowTab();
+  ChooseGroup(9);
+  PickName(u"A02"_qs);
+  auto& grid = Find<HistoryTableView>(u"grdTRANS"_qs);
+  grid.GoToRow(0);
+  ASSERT_TRUE(grid.currentIndex().isValid());
+  PickName(u"A01"_qs);
+  EXPECT_FALSE(grid.currentIndex().isValid());
+}
+
 TEST_F(HistoryPageTest, AGroupByNameWithoutRecipeDatabaseIsRefusedAndTheGroupStays) {
   Show();
   OpenTransactions();

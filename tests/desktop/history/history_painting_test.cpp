@@ -105,6 +105,28 @@ TEST_F(HistoryDrawing, RecordsAreStripedOverTheWholeWidth) {
   }
 }
 
+TEST_F(HistoryDrawing, TheFirstColumnIsDrawnAlsoWhenItIsPartlyScrolledAway) {
+  ShowTab();
+  Window().resize(Window().minimumSize());
+  RunEvents();
+  const ShownColumn first = Header().Shown().front();
+  for (const int scrolled : {0, 10}) {
+    Grid().horizontalScrollBar()->setValue(scrolled);
+    RunEvents();
+    ASSERT_EQ(Grid().horizontalScrollBar()->value(), scrolled);
+    const QImage picture = Picture();
+    const int top = Grid().rowViewportPosition(0) + 2;
+    const QColor back = At(picture, {0, top});
+    bool drawn = false;
+    for (int x = 0; x < first.width - scrolled - 2; ++x) {
+      for (int y = top; y < top + Grid().rowHeight(0) - 4; ++y) {
+        drawn = drawn || At(picture, {x, y}) != back;
+      }
+    }
+    EXPECT_TRUE(drawn) << scrolled;
+  }
+}
+
 TEST_F(HistoryDrawing, AGroupRowStaysWhereItIsWhileTheColumnsScroll) {
   ShowTab();
   ExpandAll(true);
@@ -138,6 +160,13 @@ TEST(HistoryRowPainterTest, ATotalOfTenDigitsLosesNoneInAColumnAsWideAsWeightsUs
   EXPECT_EQ(drawn("1234567890"), drawn("1234567890"));
   EXPECT_NE(drawn("7234567890"), drawn("1234567890"));
   EXPECT_NE(drawn("1234567897"), drawn("1234567890"));
+}
+
+TEST(HistoryRowPainterTest, TheMarkOfAGroupIsIndentedByTheLevelsAboveIt) {
+  const QRect line(10, 100, 500, 20);
+  EXPECT_EQ(HistoryRowPainter::MarkOf(1, line).left(), 10 + kHistoryMargin);
+  EXPECT_EQ(HistoryRowPainter::MarkOf(3, line).left(), 10 + kHistoryMargin + 2 * 2 * kSpacing);
+  EXPECT_TRUE(line.contains(HistoryRowPainter::MarkOf(3, line)));
 }
 
 TEST_F(HistoryDrawing, AnEmptyGridShowsItsWords) {

@@ -143,5 +143,17 @@ TEST_F(PrintAllRecipes, TheGridGivesWayToTheWalkAndComesBackWithTheRecipeShown) 
   EXPECT_TRUE(Visible(u"grdREC"_qs));
 }
 
+TEST_F(PrintAllRecipes, FiftySheetsAreNotRefusedByDefault) {
+  for (int id = 1; id <= kMostSheetsUnasked; ++id) {
+    AddRecipe(id, "W", 1);
+  }
+  ShowTab();
+  GoToTab(kTabRecipes);
+  operator_.answers = {Answer::kNo};
+  Choose(u"mnuFilePrint"_qs);
+  EXPECT_THAT(LastBox().text, StartsWith("There are 50 recipes to be printed."));
+  EXPECT_FALSE(LastBox().refuses_by_default);
+}
+
 }  // namespace
 }  // namespace vrx::testing

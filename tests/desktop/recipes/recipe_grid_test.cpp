@@ -2,9 +2,11 @@
 
 #include <QAbstractButton>
 #include <QApplication>
+#include <QHeaderView>
 #include <QTableView>
 #include <QTest>
 
+#include "desktop/recipes/recipe_grid_cells.h"
 #include "desktop/recipes/recipes_fixture.h"
 #include "feed/recipe_columns.h"
 
@@ -403,6 +405,38 @@ TEST_F(RecipeGridTest, TheNavigatorShowsAndMovesTheLine) {
   EXPECT_EQ(Label("grdREC.NavigatorText"), "Ingredient: 1 of 3");
   ClickButton("chkUseRationNavigator");
   EXPECT_FALSE(Visible("grdREC.Navigator"));
+}
+
+TEST_F(RecipeGridTest, AWidthThatTheOperatorChoseSurvivesAResize) {
+  AddCornHaySupplement(kByWeight);
+  Enter();
+  Show(kByWeight);
+  Grid().horizontalHeader()->resizeSection(kColumnTarget, 222);
+  form_->resize(form_->width() + 200, form_->height());
+  RunEvents();
+  EXPECT_EQ(Grid().columnWidth(kColumnTarget), 222);
+}
+
+TEST_F(RecipeGridTest, AReadOnlyRecipeHasNoHintOfAnEntry) {
+  RecipeGridModel model;
+  model.Show(CurrentRecipe{});
+  const QModelIndex entry = model.index(0, kColumnIngredient);
+  EXPECT_EQ(model.data(entry, Qt::DisplayRole), u"click to add an ingredient"_qs);
+  EXPECT_TRUE(model.flags(entry).testFlag(Qt::ItemIsEditable));
+  model.SetReadOnly(true);
+  EXPECT_EQ(model.data(entry, Qt::DisplayRole), QString());
+  EXPECT_FALSE(model.flags(entry).testFlag(Qt::ItemIsEditable));
+}
+
+TEST_F(RecipeGridTest, ASecondClickOnAnIngredientOpensItsList) {
+  AddCornHaySupplement(kByWeight);
+  Enter();
+  Show(kByWeight);
+  Click(1, kColumnIngredient);
+  EXPECT_EQ(CurrentRow(), 1);
+  EXPECT_FALSE(Grid().IsEditing());
+  Click(1, kColumnIngredient);
+  EXPECT_TRUE(Grid().IsEditing());
 }
 
 }  // namespace

@@ -2,6 +2,7 @@
 
 #include <QApplication>
 #include <QClipboard>
+#include <QTest>
 
 #include "desktop/recipes/recipes_fixture.h"
 #include "feed/recipe_columns.h"
@@ -14,6 +15,19 @@ using ::testing::ElementsAre;
 using ::testing::SizeIs;
 
 class RecipeHeadTest : public RecipesFixture {};
+
+TEST_F(RecipeHeadTest, TheTabKeyGoesThroughTheFieldsInTheirOrder) {
+  std::vector<std::string> order;
+  const QWidget* field = &Find<QWidget>("cboRecID");
+  for (int fields = 0; fields < 6; ++fields) {
+    do {
+      field = field->nextInFocusChain();
+    } while ((field->focusPolicy() & Qt::TabFocus) == 0);
+    order.push_back(field->objectName().toStdString());
+  }
+  EXPECT_THAT(order, ElementsAre("txtRecName", "txtRecDesc", "lstRecBatchType", "txtRecHeadCount",
+                                 "txtRecRationTarget", "lstAdjustBatchTotal"));
+}
 
 // The lists.
 
@@ -272,6 +286,21 @@ TEST_F(RecipeHeadTest, ARationTargetTakesSixDigitsAndScalesTheBatch) {
   EXPECT_EQ(Stored(kByWeight).ration_target, "05000");
   EXPECT_THAT(Column(kColumnBatchTarget), ElementsAre("3043", "1984", "223", ""));
   ExpectStored();
+}
+
+TEST_F(RecipeHeadTest, AnotherRecipeReplacesWhatWasBeingTyped) {
+  RecipeHead head(abbreviation_, nullptr);
+  CurrentRecipe recipe;
+  recipe.ration.recipe = {.id = 1, .name = "STEER"};
+  head.Show(recipe);
+  head.show();
+  head.OnRecName().setFocus();
+  QTest::keyClicks(&head.OnRecName(), "7");
+  head.Show(recipe);
+  EXPECT_EQ(head.OnRecName().Text(), "STEER7");
+  recipe.ration.recipe = {.id = 2, .name = "HEIFER"};
+  head.Show(recipe);
+  EXPECT_EQ(head.OnRecName().Text(), "HEIFER");
 }
 
 }  // namespace

@@ -178,5 +178,20 @@ TEST_F(RecipeByKeys, AComputedCellTakesNoKey) {
   EXPECT_EQ(Cell(0, kColumnRationPercent), "60.000");
 }
 
+TEST_F(RecipeByKeys, APageLeavesOneRowOfTheLastOneInSight) {
+  for (int line = 0; line < kMaxRecipeLines; ++line) {
+    AddStoredLine(kByWeight, kCorn, "10");
+  }
+  Show(kByWeight);
+  GoToGrid();
+  const int page = Grid().viewport()->height() / Grid().rowHeight(0) - 1;
+  ASSERT_GT(page, 0);
+  ASSERT_LT(page, kMaxRecipeLines - 1);
+  Press(Qt::Key_PageDown);
+  EXPECT_EQ(CurrentRow(), page);
+  Press(Qt::Key_PageUp);
+  EXPECT_EQ(CurrentRow(), 0);
+}
+
 }  // namespace
 }  // namespace vrx::testing

@@ -19,7 +19,7 @@ using ::testing::ElementsAre;
 using ::testing::SizeIs;
 
 constexpr int kByWeight = 1;
-constexpr int kByPercent = 2;
+constexpr int kRecipeByPercent = 2;
 constexpr int kByHead = 3;
 
 // "Target", "Ration%", "DryMatter%", "DryMatter" and "BatchTarget" of a stored line.
@@ -58,7 +58,7 @@ class RecipeTriggers : public RecordPagesFixture {
   // Recipes as another program leaves them, without notifying the tab.
   void OnTabWithStaleFigures() {
     Enter(kTabRecipes);
-    ChooseIn("cboRecID", kByPercent);
+    ChooseIn("cboRecID", kRecipeByPercent);
     MakeStale();
     ChooseIn("cboRecID", kByWeight);
   }
@@ -148,13 +148,13 @@ TEST_F(RecipeTriggers, AWeightRecomputesItsLineAndTheSharesOfAll) {
 
 TEST_F(RecipeTriggers, AShareRecomputesItsLineAndTheTotals) {
   Enter(kTabRecipes);
-  ChooseIn("cboRecID", kByPercent);
+  ChooseIn("cboRecID", kRecipeByPercent);
   ClickLine(0, kColumnIngredientPercent);
   Type("59.99");
   PressKey(Qt::Key_Return);
-  EXPECT_EQ(Line(kByPercent).ingredient_percent, "59.99");
-  EXPECT_EQ(Line(kByPercent).dry_matter, "6817");
-  EXPECT_EQ(Line(kByPercent, 1).dry_matter, "4321");
+  EXPECT_EQ(Line(kRecipeByPercent).ingredient_percent, "59.99");
+  EXPECT_EQ(Line(kRecipeByPercent).dry_matter, "6817");
+  EXPECT_EQ(Line(kRecipeByPercent, 1).dry_matter, "4321");
   EXPECT_EQ(Total("lblIngPctTotal"), "99.99");
   EXPECT_FALSE(Box("txtRecRationTarget").isEnabled());
   EXPECT_FALSE(List("lstAdjustBatchTotal").isEnabled());
@@ -232,7 +232,7 @@ TEST_F(RecipeTriggers, AnExactHalfGoesToTheEvenNeighbour) {
 
 TEST_F(RecipeTriggers, ANewDryMatterIsWorkedOutByTheTypeShownUntilEachRecipeIsRecomputed) {
   Enter(kTabRecipes);
-  ChooseIn("cboRecID", kByPercent);
+  ChooseIn("cboRecID", kRecipeByPercent);
   MakeStale();
   ClickTab(kTabIngredients);
   ChooseIn("cboIngID", kCorn);
@@ -249,7 +249,8 @@ TEST_F(RecipeTriggers, ANewDryMatterIsWorkedOutByTheTypeShownUntilEachRecipeIsRe
   ClickTab(kTabRecipes);
   ExpectFigures(kByWeight, 0, {"1200", "60.000", "75", "1600", "3189"});
   ExpectFigures(kByWeight, 1, {"800", "40.000", "88", "909", "1811"});
-  EXPECT_THAT(Figures(Line(kByPercent, 0)), ElementsAre("1200", "11.111", "75", "8000", "1234"));
+  EXPECT_THAT(Figures(Line(kRecipeByPercent, 0)),
+              ElementsAre("1200", "11.111", "75", "8000", "1234"));
 }
 
 TEST_F(RecipeTriggers, ALeftHandAddMarkCountsInTheTotalsOfTheNextRecipeShown) {
@@ -259,7 +260,7 @@ TEST_F(RecipeTriggers, ALeftHandAddMarkCountsInTheTotalsOfTheNextRecipeShown) {
   ClickTab(kTabRecipes);
   EXPECT_EQ(Total("lblHandAddTotal"), "1");
   EXPECT_EQ(Lines().model()->index(1, kColumnHandAdd).data().toString(), u"Yes"_qs);
-  EXPECT_TRUE(Line(kByPercent, 1).hand_add);
+  EXPECT_TRUE(Line(kRecipeByPercent, 1).hand_add);
 }
 
 // Keys of the whole window.

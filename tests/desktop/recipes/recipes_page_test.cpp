@@ -1,5 +1,6 @@
 #include "desktop/recipes/recipes_page.h"
 
+#include "desktop/recipes/recipe_lines.h"
 #include "desktop/recipes/recipes_fixture.h"
 
 namespace vrx::testing {
@@ -280,6 +281,39 @@ TEST_F(RecipesPageTest, TheStripsFocusStaysWhereNoGridIsShown) {
   LeaveTo("txtRecName");
   page_->StripFocused();
   EXPECT_EQ(Focused(), "txtRecName");
+}
+
+TEST_F(RecipesPageTest, TheStripsFocusStaysInAFieldOfThePage) {
+  Enter();
+  Show(kByWeight);
+  LeaveTo("txtRecName");
+  page_->StripFocused();
+  EXPECT_EQ(Focused(), "txtRecName");
+}
+
+TEST_F(RecipesPageTest, EnteringTheTabOpensTheListOfBatchTypesAgain) {
+  SetRecipe(1, &RecipeRecord::batch_type, "W");
+  Enter();
+  Show(kUntyped);
+  Choose("lstRecBatchType", 1);
+  ASSERT_FALSE(Enabled("lstRecBatchType"));
+  Enter();
+  EXPECT_EQ(page_->Position(), 1);
+  EXPECT_TRUE(Enabled("lstRecBatchType"));
+}
+
+TEST_F(RecipesPageTest, AScanLeavesAHiddenGridHidden) {
+  Enter();
+  auto& lines = *form_->findChild<RecipeLines*>();
+  for (const int recipe : {kUntyped, kByWeight}) {
+    Show(recipe);
+    lines.BeginScan();
+    EXPECT_FALSE(Visible("grdREC"));
+    EXPECT_FALSE(Visible("lblChooseBatchType"));
+    lines.EndScan();
+    EXPECT_EQ(Visible("grdREC"), recipe == kByWeight);
+    EXPECT_EQ(Visible("lblChooseBatchType"), recipe == kUntyped);
+  }
 }
 
 TEST_F(RecipesPageTest, AnotherWindowGoneTheLinesAreReadAnew) {

@@ -5,6 +5,7 @@
 #include <SQLiteCpp/Transaction.h>
 #include <gmock/gmock.h>
 
+#include "database/bound_database.h"
 #include "database/connection.h"
 #include "desktop/records/ingredients_fixture.h"
 
@@ -389,6 +390,21 @@ TEST_F(IngredientsPageTest, AWeightOutsideItsRangeIsAskedAboutAndStoresNothing) 
   EXPECT_EQ(Shown("txtIngDryMatter"), "88");
   EXPECT_EQ(Stored(kCorn).dry_matter_percent, 88);
   EXPECT_EQ(Line(1).dry_matter_percent, "88");
+}
+
+TEST_F(IngredientsPageTest, AReadOnlyFileHasNoFieldThatCanBeChanged) {
+  const BoundDatabase& writable = Main().Databases().Bound(DatabaseKind::kRecipe);
+  BoundDatabase read_only = BindUserDatabase(path_, std::chrono::milliseconds{0});
+  for (const char* const note : {"write-protected", ""}) {
+    read_only.read_only_note = note;
+    Window().Rebind(DatabaseKind::kRecipe, read_only);
+    const bool open = read_only.read_only_note.empty();
+    EXPECT_EQ(Check("chkIngHandAdd").isEnabled(), open);
+    EXPECT_EQ(Box("txtIngName").isReadOnly(), !open);
+    EXPECT_EQ(Box("txtIngName").toolTip().toStdString(), note);
+    EXPECT_EQ(Cell("grdING", kCorn, "Name").flags().testFlag(Qt::ItemIsEditable), open);
+  }
+  Window().Rebind(DatabaseKind::kRecipe, writable);
 }
 
 }  // namespace

@@ -51,6 +51,13 @@ TEST_F(PensPageTest, TheFeedColumnBearsTheSystemsUnitFromEnteringOn) {
   EXPECT_EQ(caption(), "Feed Amount (kg)");
 }
 
+TEST_F(PensPageTest, TheUnitBesideTheFeedAmountIsTheSystemsFromEnteringOn) {
+  settings_.SetSystemUnits("KG");
+  Window().Tabs().SelectTab(kTabIngredients);
+  Window().Tabs().SelectTab(kTabPens);
+  EXPECT_EQ(Text(u"lblPenFeedUoM"_qs), u"KG"_qs);
+}
+
 TEST_F(PensPageTest, AFeedIsAWholeNumberOfUpToSixDigits) {
   Choose(3);
   const std::vector<std::pair<std::string, std::string>> expected{

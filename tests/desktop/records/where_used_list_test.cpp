@@ -54,6 +54,13 @@ TEST_F(WhereUsedListTest, AnotherIngredientEmptiesWhatWasFound) {
   EXPECT_EQ(List("cboWhereUsed").count(), 0);
 }
 
+TEST_F(WhereUsedListTest, TheSameIngredientKeepsWhatWasFound) {
+  Choose(kCorn);
+  Press("cmdSearch");
+  Choose(kCorn);
+  EXPECT_EQ(List("cboWhereUsed").count(), 4);
+}
+
 TEST_F(WhereUsedListTest, TheStatusStaysInViewAndTheOpenListShowsOnlyRecipes) {
   Choose(kCorn);
   Press("cmdSearch");

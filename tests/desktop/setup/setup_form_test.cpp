@@ -321,6 +321,19 @@ TEST_F(SetupFormTest, ADeviceIsAssignedToTheChosenPort) {
   });
 }
 
+TEST_F(SetupFormTest, AnotherDeviceOfThePortClosesTheLine) {
+  Setup([&](SetupForm& /*form*/) {
+    ShowSetupTab(6);
+    serial_.WillAnswer("\x19\x1f");
+    ClickOn(u"cmdTestKRM"_qs);
+    ASSERT_TRUE(serial_.PortOpen());
+    Of<QComboBox>(u"cboDevice"_qs).setEditText(u"  /dev/ttyUSB7 "_qs);
+    ClickOn(u"cmdPutDevice"_qs);
+    EXPECT_FALSE(serial_.PortOpen());
+    EXPECT_EQ(LinuxPortDevice(app_folder_->DefaultAppPath(), 2), "/dev/ttyUSB7");
+  });
+}
+
 TEST_F(SetupFormTest, ADeviceThatCannotBeAssignedIsReported) {
   WriteFileBytes(app_folder_->DefaultAppPath() / "Ports", "a file");
   Setup([&](SetupForm& /*form*/) {

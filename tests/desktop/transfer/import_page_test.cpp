@@ -1,12 +1,14 @@
 #include "desktop/transfer/import_page.h"
 
 #include <QHeaderView>
+#include <QPushButton>
 #include <QStyledItemDelegate>
 #include <QTest>
 
 #include <SQLiteCpp/Database.h>
 #include <gmock/gmock.h>
 
+#include "database/bound_database.h"
 #include "database/records.h"
 #include "desktop/main_window/main_window_fixture.h"
 #include "exchange/imported_data.h"
@@ -414,6 +416,20 @@ TEST_F(ImportPageTest, AnEmptyGridSaysWhatFillsIt) {
                      Grid().viewport()->width() / 2, 20);
   const QImage full = Grid().viewport()->grab().toImage();
   EXPECT_NE(empty.copy(middle), full.copy(middle));
+}
+
+TEST_F(ImportPageTest, StoreSaysWhyItIsOffForAReadOnlyDatabase) {
+  Show();
+  const QString meaning = Find<QPushButton>(u"cmdImportStore"_qs).toolTip();
+  BoundDatabase database = BindBlankInMemory(DatabaseKind::kTransaction);
+  database.read_only_note = "YARD.TDB may not be written";
+  auto& page = Find<ImportPage>(u"pageImport"_qs);
+  page.Rebind(DatabaseKind::kTransaction, database);
+  EXPECT_EQ(Find<QPushButton>(u"cmdImportStore"_qs).toolTip(), u"YARD.TDB may not be written"_qs);
+  EXPECT_FALSE(Find<QPushButton>(u"cmdImportStore"_qs).isEnabled());
+  database.read_only_note.clear();
+  page.Rebind(DatabaseKind::kTransaction, database);
+  EXPECT_EQ(Find<QPushButton>(u"cmdImportStore"_qs).toolTip(), meaning);
 }
 
 }  // namespace

@@ -216,6 +216,16 @@ TEST_F(LineUseTest, LeavingWithUnsavedDataAsksFirst) {
   EXPECT_EQ(ReadAll(RescueFile()), "{REPORT}x");
 }
 
+TEST_F(LineUseTest, LeavingWhileTheProgramClosesAsksNothing) {
+  ShowTab();
+  ArrivesAfter(Ms{600}, "{REPORT}x");
+  ConnectFor(Ms{3000});
+  pump_.closing = true;
+  Window().close();
+  EXPECT_THAT(operator_.boxes, IsEmpty());
+  EXPECT_THAT(exit_.taken, ElementsAre("close box"));
+}
+
 TEST_F(LineUseTest, LeavingWithSavedDataAsksNothing) {
   ShowTab();
   ArrivesAfter(Ms{600}, "{REPORT}x{BAT/FED},L");
