@@ -4,14 +4,11 @@
 #include <QPushButton>
 #include <array>
 #include <filesystem>
-#include <fstream>
-#include <iostream>
-#include <iterator>
 #include <string>
-#include <system_error>
 #include <utility>
 
 #include "database/identity.h"
+#include "desktop/app/lost_edits.h"
 #include "settings/settings.h"
 
 namespace vrx {
@@ -46,10 +43,6 @@ constexpr std::array<std::pair<MainCommand, const char*>, 2> kTransferCommands{{
     {MainCommand::kTransferUpload, "cmdUploadDataFromKRM"},
     {MainCommand::kTransferDownload, "cmdDownloadRecipeToKRM"},
 }};
-
-// In the data folder: edits that could not be stored when a signal ended the program, where no
-// answer can be waited for. The next start shows and removes them.
-constexpr const char* kLostEditsName = "UNSTORED.TXT";
 
 constexpr int kTwipsPerPixel = 15;  // 1440 to the inch, 96 logical pixels to the inch
 
@@ -224,33 +217,16 @@ void MainForm::Unload() {
 // The operator was asked about pending edits before, or cannot be asked.
 void MainForm::CloseDatabase(DatabaseKind kind) {
   if (kind == DatabaseKind::kRecipe) {
-    KeepLostEdits();
+    KeepLostEdits(window_.EndEdits(), services_.folder.DefaultAppPath());
     databases_.CloseRecipeDatabase();
   } else {
     databases_.CloseTransactionDatabase();
   }
 }
 
-// Ends the pending edits and appends those that cannot be stored to the file of lost edits and to
-// the standard error stream: UTF-8, each on a line that ends in CR LF.
-void MainForm::KeepLostEdits() {
-  const std::vector<LostEdit> edits = window_.EndEdits();
-  if (edits.empty()) {
-    return;
-  }
-  std::ofstream file(services_.folder.DefaultAppPath() / kLostEditsName,
-                     std::ios::binary | std::ios::app);
-  for (const LostEdit& edit : edits) {
-    const std::string line = edit.what + ": \"" + edit.text + "\" (" + edit.cause + ")";
-    file << line << "\r\n";
-    std::cerr << "not stored: " << line << '\n';
-  }
-}
-
 void MainForm::ReportLostEdits() {
-  const std::filesystem::path path = services_.folder.DefaultAppPath() / kLostEditsName;
-  std::ifstream file(path, std::ios::binary);
-  const std::string lost{std::istreambuf_iterator<char>(file), std::istreambuf_iterator<char>()};
+  const std::filesystem::path folder = services_.folder.DefaultAppPath();
+  const std::string lost = ReadLostEdits(folder);
   if (lost.empty()) {
     return;
   }
@@ -258,8 +234,7 @@ void MainForm::ReportLostEdits() {
                             .title = "Edit (Error)",
                             .text = "The program was ended before this could be stored:\r\n" +
                                     lost + "Please enter it again."});
-  std::error_code ignored;  // shown again at the next start
-  std::filesystem::remove(path, ignored);
+  RemoveLostEdits(folder);
 }
 
 void MainForm::UnloadOpenForms() {

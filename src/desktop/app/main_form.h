@@ -121,7 +121,6 @@ class MainForm : public QObject,
   void Connect();
   void SetHandlers();
   void Load();
-  void KeepLostEdits();
   void ReportLostEdits();
   void Paint();
   void Activate();

@@ -1,5 +1,3 @@
-#include "base/sha256.h"
-
 #include <string>
 #include <tuple>
 
