@@ -89,7 +89,7 @@ std::string WideFile() {
 }
 
 // The import and its grid without the rest of the window.
-class ImportScreen : public vrx::ImportHost, public vrx::ProgressDisplay {
+class ImportScreen : public vrx::ImportView, public vrx::ProgressDisplay {
  public:
   ImportScreen() {
     grid_.resize(1000, 480);
@@ -112,7 +112,7 @@ class ImportScreen : public vrx::ImportHost, public vrx::ProgressDisplay {
     }
     return records;
   }
-  void SelectTab(int /*tab*/) override { session_.EnterImportTab(); }
+  void SelectImportTab() override { session_.EnterImportTab(); }
   void FocusControl(std::string_view /*name*/) override {}
   void SaveTransactionDatabase() override {}
   void ImportChanged() override { grid_.ShowImport(); }

@@ -21,7 +21,7 @@ namespace vrx {
 namespace {
 
 // The Import tab without its window, working on the databases that a command names.
-class HeadlessImport : public ImportHost {
+class HeadlessImport : public ImportView {
  public:
   HeadlessImport(Session& session, OpenDatabases databases);
 
@@ -33,7 +33,7 @@ class HeadlessImport : public ImportHost {
   OpenDatabases Databases() const override { return databases_; }
   // The command line has no grid.
   std::vector<IngredientRecord> GridIngredients() override { return {}; }
-  void SelectTab(int /*tab*/) override {}
+  void SelectImportTab() override {}
   void FocusControl(std::string_view /*name*/) override {}
   // A command keeps its databases open only for one store.
   void SaveTransactionDatabase() override {}

@@ -35,7 +35,7 @@ namespace fs = std::filesystem;
 namespace {
 
 // The Data Transfer tab without its window, in the module connection.
-class HeadlessDownload : public RecipeDownloadHost {
+class HeadlessDownload : public TransferView {
  public:
   HeadlessDownload(Session& session, KRMCOMM& krm, EventPump& pump, const PrivateINI& settings)
       : chooser_(session.Chooser()),

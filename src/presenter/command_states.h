@@ -5,6 +5,8 @@
 #include <string_view>
 #include <vector>
 
+#include "database/bound_database.h"
+#include "database/schema.h"
 #include "platform/event_pump.h"
 
 namespace vrx {
@@ -82,43 +84,6 @@ class CommandStates {
   std::vector<CommandObserver*> observers_;
 };
 
-// The window of the tab folder `tabMainFolder`.
-class TabFolderWindow {
- public:
-  virtual ~TabFolderWindow() = default;
-
-  // Shows a tab, even a disabled one, without running its Click routine.
-  virtual void ShowTab(int tab) = 0;
-
-  // The Click routine of the current tab; `previous` was shown before. May run events.
-  virtual void PrepareTab(int tab, int previous) = 0;
-
-  virtual PrintSources Printable() const = 0;
-};
-
-// Selects among the seven tabs. The window reports the operator's own clicks with Clicked.
-class TabFolder {
- public:
-  TabFolder(CommandStates& commands, TabFolderWindow& window)
-      : commands_(commands), window_(window) {}
-
-  // Also enables the tab. Throws Error for a tab that does not exist.
-  void SelectTab(int tab);
-
-  // The operator has selected the tab: runs its Click routine.
-  void Clicked(int tab);
-
-  // The tab selected last; initially tab 0.
-  int CurrentTab() const { return current_tab_; }
-
-  void UpdatePrintCommands(int tab) { commands_.UpdatePrintCommands(tab, window_.Printable()); }
-
- private:
-  CommandStates& commands_;
-  TabFolderWindow& window_;
-  int current_tab_ = 0;
-};
-
 // The panels of `sbRecipe` and `sbTrans` that describe a database, by their numbers. The panel with
 // the number before is the caption of each.
 enum StatusPanel : int {
@@ -147,6 +112,67 @@ inline constexpr std::array<StatusPanelWords, 4> kTransactionPanels{{
     {kPanelCreated, "Created:", "Transaction Database Creation Date"},
     {kPanelModified, "Modified:", "Transaction Database Last Modified Date"},
 }};
+
+// The main window, as the commands of the databases and the choice of a tab use it.
+class MainView {
+ public:
+  virtual ~MainView() = default;
+
+  // Shows a tab, even a disabled one, without running its Click routine.
+  virtual void ShowTab(int tab) = 0;
+
+  // The Click routine of the current tab; `previous` was shown before. May run events.
+  virtual void PrepareTab(int tab, int previous) = 0;
+
+  virtual PrintSources Printable() const = 0;
+
+  // Called before the views of that kind are rebound: stores pending edits, or gives them up with a
+  // message. May run events.
+  virtual void LeaveEdits(DatabaseKind /*kind*/) {}
+
+  // Binds every view of that kind to this database and shows its contents, leaving no statement
+  // open. Runs no events, because a database bound by one would be refused. If it throws, the views
+  // are bound back to the previous database. A connection is closed when no view uses it.
+  virtual void Rebind(DatabaseKind kind, const BoundDatabase& database) = 0;
+
+  // The program ends: the views release both databases.
+  virtual void ReleaseViews() = 0;
+
+  // The caption of `lblDatabaseUoM` or `lblTransactionUoM`: the unit of the bound database.
+  virtual void ShowUnit(DatabaseKind kind, std::string_view unit) = 0;
+
+  virtual void SetStatusPanel(DatabaseKind kind, StatusPanel panel, std::string_view text) = 0;
+
+  // Fills the three ID lists. May run events, which may bind another database.
+  virtual void LoadIdLists() = 0;
+
+  virtual void ShowTransferOption() = 0;
+  virtual void CheckPenCapacity() = 0;
+  virtual void HidePenCapacityWarning() = 0;       // `lblRequiresIndicatorPenCapacityX`
+  virtual void SelectPenItem(int list_index) = 0;  // of `cboPenID`
+};
+
+// Selects among the seven tabs. The window reports the operator's own clicks with Clicked.
+class TabFolder {
+ public:
+  TabFolder(CommandStates& commands, MainView& window) : commands_(commands), window_(window) {}
+
+  // Also enables the tab. Throws Error for a tab that does not exist.
+  void SelectTab(int tab);
+
+  // The operator has selected the tab: runs its Click routine.
+  void Clicked(int tab);
+
+  // The tab selected last; initially tab 0.
+  int CurrentTab() const { return current_tab_; }
+
+  void UpdatePrintCommands(int tab) { commands_.UpdatePrintCommands(tab, window_.Printable()); }
+
+ private:
+  CommandStates& commands_;
+  MainView& window_;
+  int current_tab_ = 0;
+};
 
 // `timGeneralDelay`: the single timer for all general delays of the main window.
 class GeneralDelay {

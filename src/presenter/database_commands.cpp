@@ -56,7 +56,7 @@ const KindRules& RulesOf(DatabaseKind kind) {
 }
 
 DatabaseCommands::DatabaseCommands(Services& services, GeneralDelay& delay, CommandStates& commands,
-                                   TabFolder& tabs, DatabaseWindow& window, LegacyOpener* legacy)
+                                   TabFolder& tabs, MainView& window, LegacyOpener* legacy)
     : services_(services),
       delay_(delay),
       commands_(commands),
@@ -67,6 +67,39 @@ DatabaseCommands::DatabaseCommands(Services& services, GeneralDelay& delay, Comm
 bool DatabaseCommands::IsOpen(DatabaseKind kind) const {
   const BoundDatabase& bound = Bound(kind);
   return bound.connection != nullptr && !bound.blank;
+}
+
+OpenDatabases DatabaseCommands::Opened() const {
+  OpenDatabases open{.lock_wait = services_.identity.Wait()};
+  if (!recipe_.bound.blank) {
+    open.recipe_db_path = recipe_.bound.path;
+  }
+  if (!transaction_.bound.blank) {
+    open.trans_db_path = transaction_.bound.path;
+    open.trans_db_uom = transaction_.bound.unit;
+    open.trans_db_read_only_note = transaction_.bound.read_only_note;
+  }
+  return open;
+}
+
+CurrentDatabase DatabaseCommands::OpenedRecipes() const {
+  const BoundDatabase& bound = recipe_.bound;
+  if (bound.blank) {
+    return {};
+  }
+  return {.path = bound.path,
+          .name = FileTitle(bound.path),
+          .unit = bound.unit,
+          .read_only_note = bound.read_only_note};
+}
+
+void DatabaseCommands::ReloadViews(DatabaseKind kind) { window_.Rebind(kind, Bound(kind)); }
+
+void DatabaseCommands::ShowModifiedDate(DatabaseKind kind) {
+  Side& side = SideOf(kind);
+  const std::optional<Date> date =
+      services_.identity.GetDatabaseDate(side.bound.path, DateSelector::kModified);
+  ShowPanel(side, kPanelModified, date ? DefaultText(*date) : std::string());
 }
 
 void DatabaseCommands::OrGoBack(Side& side, const std::function<void()>& body) {

@@ -10,6 +10,7 @@
 
 #include "database/bound_database.h"
 #include "database/connection.h"
+#include "database/open_databases.h"
 #include "database/schema.h"
 #include "presenter/command_states.h"
 #include "presenter/create_database.h"
@@ -31,37 +32,6 @@ struct KindRules {
 };
 
 const KindRules& RulesOf(DatabaseKind kind);
-
-// The main window, as the database commands use it.
-class DatabaseWindow {
- public:
-  virtual ~DatabaseWindow() = default;
-
-  // Called before the views of that kind are rebound: stores pending edits, or gives them up with a
-  // message. May run events.
-  virtual void LeaveEdits(DatabaseKind /*kind*/) {}
-
-  // Binds every view of that kind to this database and shows its contents, leaving no statement
-  // open. Runs no events, because a database bound by one would be refused. If it throws, the views
-  // are bound back to the previous database. A connection is closed when no view uses it.
-  virtual void Rebind(DatabaseKind kind, const BoundDatabase& database) = 0;
-
-  // The program ends: the views release both databases.
-  virtual void ReleaseViews() = 0;
-
-  // The caption of `lblDatabaseUoM` or `lblTransactionUoM`: the unit of the bound database.
-  virtual void ShowUnit(DatabaseKind kind, std::string_view unit) = 0;
-
-  virtual void SetStatusPanel(DatabaseKind kind, StatusPanel panel, std::string_view text) = 0;
-
-  // Fills the three ID lists. May run events, which may bind another database.
-  virtual void LoadIdLists() = 0;
-
-  virtual void ShowTransferOption() = 0;
-  virtual void CheckPenCapacity() = 0;
-  virtual void HidePenCapacityWarning() = 0;       // `lblRequiresIndicatorPenCapacityX`
-  virtual void SelectPenItem(int list_index) = 0;  // of `cboPenID`
-};
 
 // The result of opening a file that may come from an earlier generation of the program.
 struct LegacyOpening {
@@ -98,7 +68,7 @@ class DatabaseCommands {
   // Nothing is bound until both databases have been closed once, which the window's Load does. With
   // nullptr a legacy file is opened like any other.
   DatabaseCommands(Services& services, GeneralDelay& delay, CommandStates& commands,
-                   TabFolder& tabs, DatabaseWindow& window, LegacyOpener* legacy = nullptr);
+                   TabFolder& tabs, MainView& window, LegacyOpener* legacy = nullptr);
 
   // RecipeDbPath, RecipeDbName, RecipeDbUoM and the same for transactions. Path and name are empty
   // after Save As, and may name a recalled file that was never opened; use Bound for the open one.
@@ -110,6 +80,11 @@ class DatabaseCommands {
   // The database that the views are bound to, whatever the paths are.
   const BoundDatabase& Bound(DatabaseKind kind) const { return SideOf(kind).bound; }
   bool IsOpen(DatabaseKind kind) const;
+
+  // The databases that are open, for an import, an export or a download.
+  OpenDatabases Opened() const;
+  // The open recipe database; an empty path if there is none.
+  CurrentDatabase OpenedRecipes() const;
 
   void NewRecipeDatabase() { New(recipe_); }
   void NewTransactionDatabase() { New(transaction_); }
@@ -136,6 +111,10 @@ class DatabaseCommands {
   // `mnuFileSaveAsRecipeDB` and `mnuFileSaveAsTransactionDB`.
   void SaveAsRecipeCommand() { SaveAs(recipe_); }
   void SaveAsTransactionCommand() { SaveAs(transaction_); }
+
+  // Another routine has stored records: the views of that kind read them again.
+  void ReloadViews(DatabaseKind kind);
+  void ShowModifiedDate(DatabaseKind kind);
 
   void WarnIfUnitsDiffer(std::string_view unit);
 
@@ -216,7 +195,7 @@ class DatabaseCommands {
   GeneralDelay& delay_;
   CommandStates& commands_;
   TabFolder& tabs_;
-  DatabaseWindow& window_;
+  MainView& window_;
   LegacyOpener* legacy_;
   Side recipe_{DatabaseKind::kRecipe};
   Side transaction_{DatabaseKind::kTransaction};

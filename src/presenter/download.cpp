@@ -71,9 +71,9 @@ void DownloadPresenter::DownloadRecipeToKRM() {
 }
 
 bool DownloadPresenter::OpenRecipeDB() {
-  host_.OpenRecipeDatabase();
-  transfer_.file_path = host_.RecipeDatabase().path.string();
-  host_.TransferChanged();
+  view_.OpenRecipeDatabase();
+  transfer_.file_path = view_.RecipeDatabase().path.string();
+  view_.TransferChanged();
   if (transfer_.file_path.empty()) {
     return false;
   }
@@ -89,10 +89,10 @@ bool DownloadPresenter::DownloadRecipeDB() {
   if (!line) {
     return false;
   }
-  const CurrentDatabase database = host_.RecipeDatabase();
+  const CurrentDatabase database = view_.RecipeDatabase();
   services_.op.SetStatusLine("");
   transfer_.file_path = database.path.string();
-  host_.TransferChanged();
+  view_.TransferChanged();
   if (database.path.empty()) {
     line.reset();  // the button that gets the focus must be enabled
     Refuse(kDatabaseFileError,
@@ -121,12 +121,12 @@ bool DownloadPresenter::OpenRecipeBU() {
   const std::string path = files_.RecipeBackupFile().path;
   if (IsRescueFile(path)) {
     files_.ForgetRecipeBackupFile();
-    host_.OpenRescueFile(path);
+    view_.OpenRescueFile(path);
     return false;
   }
   transfer_.file_path = path;
   if (path.empty() || !LoadBackup(path)) {
-    host_.TransferChanged();
+    view_.TransferChanged();
     return false;
   }
   if (transfer_.connection == Connection::kIndicator) {
@@ -144,7 +144,7 @@ bool DownloadPresenter::DownloadRecipeBU() {
   const LastFile backup = files_.RecipeBackupFile();
   services_.op.SetStatusLine("");
   transfer_.file_path = backup.path;
-  host_.TransferChanged();
+  view_.TransferChanged();
   if (backup.path.empty()) {
     line.reset();
     Refuse(kBackupFileError,
@@ -167,7 +167,7 @@ void DownloadPresenter::Refuse(std::string_view title, std::string_view text,
   BeepIfEnabled(services_.op, services_.settings);
   services_.op.ShowMessage(
       {.icon = Icon::kWarning, .title = std::string(title), .text = std::string(text)});
-  host_.FocusControl(focus);
+  view_.FocusControl(focus);
 }
 
 bool DownloadPresenter::ConfirmOverwrite(const std::string& source) {
@@ -183,12 +183,12 @@ bool DownloadPresenter::ConfirmOverwrite(const std::string& source) {
 
 void DownloadPresenter::ShowInWindow(std::string text) {
   transfer_.data_window = std::move(text);
-  host_.TransferChanged();
+  view_.TransferChanged();
 }
 
 void DownloadPresenter::AppendToWindow(std::string_view line) {
   transfer_.data_window.append(line).append("\r\n");
-  host_.TransferChanged();
+  view_.TransferChanged();
 }
 
 bool DownloadPresenter::BuildFromDatabase(const CurrentDatabase& database) {
@@ -205,7 +205,7 @@ bool DownloadPresenter::BuildFromDatabase(const CurrentDatabase& database) {
     RecipeDownload download = TakeRecipeDownload(
         database.path, services_.settings.BatchTargetWtIsRecTargetOn(), services_.calendar,
         [this](std::string_view line) { AppendToWindow(line); }, services_.identity.Wait());
-    host_.RecipesStored(download.highest_in_use);
+    view_.RecipesStored(download.highest_in_use);
     ShowInWindow(std::move(download.text));
   };
   return RunReported<DatabaseError>(services_.op, database_failure, [&] {

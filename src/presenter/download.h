@@ -36,10 +36,10 @@ class Download {
   const PrivateINI& settings_;
 };
 
-// The main window, as the download uses it.
-class RecipeDownloadHost {
+// The Data Transfer tab, as its presenter uses it.
+class TransferView {
  public:
-  virtual ~RecipeDownloadHost() = default;
+  virtual ~TransferView() = default;
 
   // The open recipe database; an empty path if there is none.
   virtual CurrentDatabase RecipeDatabase() const = 0;
@@ -66,13 +66,13 @@ class RecipeDownloadHost {
 class DownloadPresenter {
  public:
   DownloadPresenter(Services& services, TransferState& transfer, ReportFile& files,
-                    Download& download, DirectConnection& direct, RecipeDownloadHost& host)
+                    Download& download, DirectConnection& direct, TransferView& host)
       : services_(services),
         transfer_(transfer),
         files_(files),
         download_(download),
         direct_(direct),
-        host_(host) {}
+        view_(host) {}
 
   // The clicks of the buttons with those names. They report failures. While the line is in use, the
   // buttons that need it do nothing.
@@ -101,7 +101,7 @@ class DownloadPresenter {
   ReportFile& files_;
   Download& download_;
   DirectConnection& direct_;
-  RecipeDownloadHost& host_;
+  TransferView& view_;
 };
 
 }  // namespace vrx

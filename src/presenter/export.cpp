@@ -28,9 +28,9 @@ fs::path ComposePath(const ExportForm& form) {
 
 void ExportPresenter::EnterExportTab() {
   form_.progress_visible = false;
-  form_.lbl_data_group = host_.DataGroup().text;
-  host_.ConfigureImportColumns();
-  host_.ExportChanged();
+  form_.lbl_data_group = view_.DataGroup().text;
+  view_.ConfigureImportColumns();
+  view_.ExportChanged();
 }
 
 int ExportPresenter::KeyPressInFName(int key) {
@@ -49,7 +49,7 @@ void ExportPresenter::ClickExport() {
 bool ExportPresenter::ValidateExportInput() {
   if (TrimBlanks(form_.txt_f_name).empty()) {
     ShowExportMessage(services_.op, Icon::kCritical, "Please enter File Name.");
-    host_.FocusControl("txtFName");
+    view_.FocusControl("txtFName");
     return false;
   }
   if (TrimBlanks(form_.txt_f_path).empty()) {
@@ -57,7 +57,7 @@ bool ExportPresenter::ValidateExportInput() {
     Browse();
     return false;
   }
-  return HasDataToExport(services_.op, host_.DataGroup().grid);
+  return HasDataToExport(services_.op, view_.DataGroup().grid);
 }
 
 bool ExportPresenter::RunExport() {
@@ -71,11 +71,11 @@ bool ExportPresenter::RunExport() {
     const BusyCursor busy(services_.op);
     outcome =
         ExportDriver(style_sheets_)
-            .ExportGroup(host_.DataGroup(), form_.format, ComposePath(form_), host_.Databases());
+            .ExportGroup(view_.DataGroup(), form_.format, ComposePath(form_), view_.Databases());
   }
   if (outcome.done) {
     form_.prg_export = form_.prg_export_max;
-    host_.ExportChanged();
+    view_.ExportChanged();
   }
   ReportExportOutcome(services_.op, outcome);
   ShowExportProgress(false);
@@ -95,7 +95,7 @@ void ExportPresenter::Browse() {
       services_.files.ShowFolder("Choose the File Path for Exporting the Data");
   if (!folder.empty()) {
     form_.txt_f_path = folder;
-    host_.ExportChanged();
+    view_.ExportChanged();
   }
 }
 
@@ -106,22 +106,22 @@ void ExportPresenter::ClickReset() {
   form_.txt_f_name.clear();
   form_.txt_f_path.clear();
   form_.format = ExportFormat::kCsv;
-  host_.ExportChanged();
+  view_.ExportChanged();
 }
 
 void ExportPresenter::ShowExportProgress(bool on) {
   form_.progress_visible = on;
   form_.prg_export_max = 100;
-  form_.lbl_data_group = host_.DataGroup().text;
+  form_.lbl_data_group = view_.DataGroup().text;
   form_.prg_export = 0;
-  host_.ExportChanged();
+  view_.ExportChanged();
   services_.pump.Pump(Milliseconds{0});
 }
 
 void ExportPresenter::UpdateExportProgress(int step) {
   const int sum = form_.prg_export + step;
   form_.prg_export = sum > form_.prg_export_max ? 0 : sum;
-  host_.ExportChanged();
+  view_.ExportChanged();
 }
 
 ExportSource Current(HistoryPresenter& view) {

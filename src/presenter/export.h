@@ -15,11 +15,12 @@ namespace vrx {
 class HistoryPresenter;
 class PrivateINI;
 
-// The main window, as the export uses it.
-class ExportHost {
+// The Export tab, as its presenter uses it.
+class ExportView {
  public:
-  virtual ~ExportHost() = default;
+  virtual ~ExportView() = default;
 
+  // The open databases.
   virtual OpenDatabases Databases() const = 0;
 
   // The current state of the `Batched/Fed` tab.
@@ -51,8 +52,8 @@ struct ExportForm {
 class ExportPresenter {
  public:
   // All references outlive the object.
-  ExportPresenter(Services& services, const StyleSheets& style_sheets, ExportHost& host)
-      : services_(services), style_sheets_(style_sheets), host_(host) {}
+  ExportPresenter(Services& services, const StyleSheets& style_sheets, ExportView& host)
+      : services_(services), style_sheets_(style_sheets), view_(host) {}
   ExportPresenter(const ExportPresenter&) = delete;
   ExportPresenter& operator=(const ExportPresenter&) = delete;
 
@@ -82,7 +83,7 @@ class ExportPresenter {
 
   Services& services_;
   const StyleSheets& style_sheets_;
-  ExportHost& host_;
+  ExportView& view_;
   ExportForm form_;
   OperationLock export_;
 };

@@ -21,12 +21,12 @@ std::string CountText(std::int32_t count) { return Format(static_cast<double>(co
 
 }  // namespace
 
-ImportPresenter::ImportPresenter(Services& services, ProgressDisplay& progress, ImportHost& host)
+ImportPresenter::ImportPresenter(Services& services, ProgressDisplay& progress, ImportView& host)
     : services_(services),
       progress_(progress),
-      host_(host),
+      view_(host),
       store_(services.op, services.settings, services.calendar, progress,
-             [this] { host_.SaveTransactionDatabase(); }) {
+             [this] { view_.SaveTransactionDatabase(); }) {
   int number = 1;
   for (ImportGridColumn& column : form_.grd_import_columns) {
     column.caption = DesignImportCaption(number++);
@@ -35,7 +35,7 @@ ImportPresenter::ImportPresenter(Services& services, ProgressDisplay& progress, 
 
 bool ImportPresenter::ImportXFile() {
   form_.grd_import_visible = true;
-  host_.ImportChanged();
+  view_.ImportChanged();
   const FileChoice choice =
       services_.files.ShowOpen({.title = "Import Transaction File",
                                 .filter = "Transactions (*.QXT)|*.QXT",
@@ -49,13 +49,13 @@ bool ImportPresenter::ImportFile(const FileChoice& choice) {
   file_.SetFilePath(choice.path);
   file_.SetFileName(UnicodeUpperCase(choice.title));
   EmptyImport();
-  host_.SelectTab(kImportTab);
+  view_.SelectImportTab();
   const bool imported = file_.LoadTransactionFile(services_.op, [this] {
-    host_.FocusControl("cmdImportFile");
+    view_.FocusControl("cmdImportFile");
   }) && ParseAndShow();
-  host_.ImportChanged();
+  view_.ImportChanged();
   if (imported) {
-    host_.FocusControl("cmdImportStore");
+    view_.FocusControl("cmdImportStore");
     ReportUnreadFeeds();
   }
   return imported;
@@ -85,7 +85,7 @@ bool ImportPresenter::ParseAndShow() {
                               [this](std::int32_t rows) {
                                 form_.grd_import_visible = true;
                                 form_.grd_import_rows = rows;
-                                host_.ImportChanged();
+                                view_.ImportChanged();
                               }};
   const std::string error =
       file_.ParseTransactionFile(progress_, hooks, services_.op, services_.settings);
@@ -104,7 +104,7 @@ bool ImportPresenter::ParseAndShow() {
   form_.lbl_transactions.visible = parsed;
   form_.cmd_import_store_enabled = parsed;
   if (!parsed) {
-    host_.ImportChanged();
+    view_.ImportChanged();
     services_.op.ShowMessage(
         {Icon::kCritical, Buttons::kOk, std::string(kImportErrorTitle), error});
   }
@@ -121,7 +121,7 @@ void ImportPresenter::ConfigureImportColumns() {
   }
   RunReported<DatabaseError>(
       services_.op, {.title = kImportErrorTitle, .text = FailureText::kDatabaseWords}, [&] {
-        for (const IngredientRecord& record : host_.GridIngredients()) {
+        for (const IngredientRecord& record : view_.GridIngredients()) {
           if (record.id >= 1 && record.id <= kIngredientCount) {
             column_of(record.id).caption = UnicodeUpperCase(record.name);
           }
@@ -130,7 +130,7 @@ void ImportPresenter::ConfigureImportColumns() {
   for (int ingredient = 1; ingredient <= kIngredientCount; ++ingredient) {
     column_of(ingredient).visible = !column_of(ingredient).caption.empty();
   }
-  host_.ImportChanged();
+  view_.ImportChanged();
 }
 
 void ImportPresenter::EnterImportTab() {
@@ -148,11 +148,11 @@ void ImportPresenter::EnterImportTab() {
 
 void ImportPresenter::ShowOrHideProgress() {
   form_.pic_import_progress_visible = services_.settings.ShowImportProgressOn();
-  host_.ImportChanged();
+  view_.ImportChanged();
 }
 
 StoreOutcome ImportPresenter::ClickImportStore() {
-  const OpenDatabases databases = host_.Databases();
+  const OpenDatabases databases = view_.Databases();
   if (databases.trans_db_path.empty()) {
     Refuse(
         "Please open the Transaction database where you want the imported data to be stored, "

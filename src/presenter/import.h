@@ -17,20 +17,19 @@
 
 namespace vrx {
 
-inline constexpr int kImportTab = 5;
-
-// The main window, as the import uses it.
-class ImportHost {
+// The Import tab, as its presenter uses it.
+class ImportView {
  public:
-  virtual ~ImportHost() = default;
+  virtual ~ImportView() = default;
 
+  // The open databases.
   virtual OpenDatabases Databases() const = 0;
 
   // The current rows of `grdING`; none if no recipe database is open. May throw DatabaseError.
   virtual std::vector<IngredientRecord> GridIngredients() = 0;
 
-  // Selecting the Import tab leads to ImportPresenter::EnterImportTab.
-  virtual void SelectTab(int tab) = 0;
+  // Selects the Import tab, which leads to ImportPresenter::EnterImportTab.
+  virtual void SelectImportTab() = 0;
 
   // Gives the control of that name the focus if it is visible and enabled.
   virtual void FocusControl(std::string_view name) = 0;
@@ -66,7 +65,7 @@ struct ImportForm {
 // form and the imported data.
 class ImportPresenter {
  public:
-  ImportPresenter(Services& services, ProgressDisplay& progress, ImportHost& host);
+  ImportPresenter(Services& services, ProgressDisplay& progress, ImportView& host);
   ImportPresenter(const ImportPresenter&) = delete;
   ImportPresenter& operator=(const ImportPresenter&) = delete;
 
@@ -101,7 +100,7 @@ class ImportPresenter {
 
   Services& services_;
   ProgressDisplay& progress_;
-  ImportHost& host_;
+  ImportView& view_;
   TransactionStore store_;
   TransFile file_;
   ImportForm form_;

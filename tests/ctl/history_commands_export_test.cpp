@@ -39,7 +39,7 @@ class ExportCommandTest : public CtlTest {
 };
 
 // The Export tab above the `Batched/Fed` tab, as the window has them.
-class TabOfSite : public ExportHost, public HistoryView {
+class TabOfSite : public ExportView, public HistoryView {
  public:
   TabOfSite(const std::string& transactions_path, const std::string& recipes_path,
             const SystemInfo& system, const fs::path& data_folder)

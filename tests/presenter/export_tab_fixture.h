@@ -27,7 +27,7 @@ namespace vrx::testing {
 // the same ingredients, a recipe, and pens. The beeper is on.
 class ExportTabTest : public ::testing::Test,
                       protected TestServices,
-                      public ExportHost,
+                      public ExportView,
                       public HistoryView {
  protected:
   ExportTabTest() {

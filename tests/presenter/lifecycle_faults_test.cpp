@@ -136,6 +136,16 @@ TEST_F(LifecycleFaults, AMoveThatFailsTakesTheViewsBack) {
   ExpectEarlierStays();
 }
 
+TEST_F(LifecycleFaults, AMoveThatFailsKeepsTheDateOfALaterStore) {
+  window_.views[kRecipe]->exec("UPDATE History SET Modified = '2026-02-03'");
+  databases_.ReloadViews(kRecipe);
+  databases_.ShowModifiedDate(kRecipe);
+  window_.on_load_id_lists = [] { throw DatabaseError(SQLITE_IOERR, "the disk is gone"); };
+  databases_.OpenRecipeDatabase(MakeUserFile("NEXT.RDB", kRecipe), "NEXT.RDB");
+  EXPECT_THAT(BoxTitles(), ElementsAre("Open Recipe File Error"));
+  EXPECT_THAT(window_.Panels(kRecipe), ElementsAre("EARLIER.RDB", "LB", "3/1/2025", "2/3/2026"));
+}
+
 TEST_F(LifecycleFaults, WhenTheViewsCannotMoveBackNeitherConnectionGoesAway) {
   const fs::path path = MakeUserFile("NEXT.RDB", kRecipe);
   window_.on_rebind = [](DatabaseKind, const BoundDatabase&) {

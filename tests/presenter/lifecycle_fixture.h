@@ -74,7 +74,7 @@ class DiaryChooser : public ScriptedFileChooser {
 };
 
 // The main window. Like real views, its views read the database that they are bound to.
-class DiaryWindow : public DatabaseWindow, public TabFolderWindow, public CommandObserver {
+class DiaryWindow : public MainView, public CommandObserver {
  public:
   explicit DiaryWindow(Diary& diary) : diary_(diary) {}
 

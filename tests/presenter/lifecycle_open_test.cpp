@@ -187,6 +187,22 @@ TEST_F(OpenRecipeDatabase, MovesFromOneFileToTheNextWithoutClosing) {
   EXPECT_EQ(window_.views[kRecipe], databases_.Bound(kRecipe).connection.get());
 }
 
+TEST_F(OpenRecipeDatabase, IsAmongTheOpenedUntilItIsClosed) {
+  const fs::path recipes = MakeUserFile("YARD.RDB", kRecipe);
+  const fs::path transactions = MakeUserFile("Y2026.TDB", kTransaction, "KG");
+  databases_.OpenRecipeDatabase(recipes, "YARD.RDB");
+  EXPECT_EQ(databases_.OpenedRecipes().path, recipes);
+  EXPECT_EQ(databases_.OpenedRecipes().name, "YARD.RDB");
+  EXPECT_EQ(databases_.Opened().recipe_db_path, recipes);
+  EXPECT_EQ(databases_.Opened().trans_db_path, "");
+  databases_.OpenTransactionDatabase(transactions, "Y2026.TDB");
+  databases_.CloseRecipeDatabase();
+  EXPECT_EQ(databases_.OpenedRecipes().path, "");
+  EXPECT_EQ(databases_.Opened().recipe_db_path, "");
+  EXPECT_EQ(databases_.Opened().trans_db_path, transactions);
+  EXPECT_EQ(databases_.Opened().trans_db_uom, "KG");
+}
+
 TEST_F(OpenRecipeDatabase, LeavesThePathOfTheSideAlone) {
   databases_.OpenRecipeDatabase(MakeUserFile("A.RDB", kRecipe), "A.RDB");
   EXPECT_TRUE(databases_.Recipe().path.empty());

@@ -26,9 +26,7 @@ const std::string kWaitingAfterLoad = "Waiting to receive commands/data from K22
 const std::string kBackup = "{DATA_IN},K\r\n\r\n[ING]\r\n\r\n1,M\xC9L,0\r\n";
 
 // The tab on a module that is there, beside a window that keeps what it was asked for.
-class RecipeDownloadTest : public ::testing::Test,
-                           protected TestServices,
-                           public RecipeDownloadHost {
+class RecipeDownloadTest : public ::testing::Test, protected TestServices, public TransferView {
  protected:
   void SetUp() override {
     settings.SetEnableBeeperOn(true);

@@ -14,7 +14,7 @@ namespace {
 using ::testing::ElementsAre;
 using ::testing::IsEmpty;
 
-class TabFolderTest : public ::testing::Test, public TabFolderWindow, public CommandObserver {
+class TabFolderTest : public ::testing::Test, public MainView, public CommandObserver {
  protected:
   TabFolderTest() {
     states_.DisableRecipeCommands();
@@ -29,6 +29,17 @@ class TabFolderTest : public ::testing::Test, public TabFolderWindow, public Com
     on_click_();
   }
   PrintSources Printable() const override { return sources_; }
+  // The choice of a tab does not use the rest of the window.
+  void Rebind(DatabaseKind /*kind*/, const BoundDatabase& /*database*/) override {}
+  void ReleaseViews() override {}
+  void ShowUnit(DatabaseKind /*kind*/, std::string_view /*unit*/) override {}
+  void SetStatusPanel(DatabaseKind /*kind*/, StatusPanel /*panel*/,
+                      std::string_view /*text*/) override {}
+  void LoadIdLists() override {}
+  void ShowTransferOption() override {}
+  void CheckPenCapacity() override {}
+  void HidePenCapacityWarning() override {}
+  void SelectPenItem(int /*list_index*/) override {}
   void CommandChanged(std::string_view name, bool on) override {
     steps_.push_back(std::string(name) + (on ? " on" : " off"));
   }

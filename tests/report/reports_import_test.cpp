@@ -11,11 +11,11 @@ namespace {
 
 using ::testing::ElementsAre;
 
-class ImportReports : public ::testing::Test, public ImportHost {
+class ImportReports : public ::testing::Test, public ImportView {
  protected:
   OpenDatabases Databases() const override { return {}; }
   std::vector<IngredientRecord> GridIngredients() override { return ingredients_; }
-  void SelectTab(int /*tab*/) override {}
+  void SelectImportTab() override {}
   void FocusControl(std::string_view /*name*/) override {}
   void SaveTransactionDatabase() override {}
   void ImportChanged() override {}

@@ -22,13 +22,13 @@ class NoProgress : public ProgressDisplay {
   void SetProgressValue(int /*value*/) override {}
 };
 
-class NoWindow : public ImportHost {
+class NoWindow : public ImportView {
  public:
   explicit NoWindow(OpenDatabases databases) : databases_(std::move(databases)) {}
 
   OpenDatabases Databases() const override { return databases_; }
   std::vector<IngredientRecord> GridIngredients() override { return {}; }
-  void SelectTab(int /*tab*/) override {}
+  void SelectImportTab() override {}
   void FocusControl(std::string_view /*name*/) override {}
   void SaveTransactionDatabase() override {}
   void ImportChanged() override {}

@@ -64,9 +64,12 @@ MainForm::MainForm(Services& services, WaitBudget& lock_waits, UserSettings& use
       recent_(user_settings, services.settings, databases_),
       record_pages_(AddRecordPages()),
       krm_(serial, services.pump, services.op, services.settings),
-      data_transfer_(new DataTransferPage(services, krm_, *this,
-                                          window_.Panels().PicTransferStatus(), text_printer_)),
-      import_(new ImportPage(services, *this, window_.Panels().PicImport())),
+      data_transfer_(new DataTransferPage(
+          services, krm_, databases_, [this](int position) { GoToRecipe(position); },
+          window_.Panels().PicTransferStatus(), text_printer_)),
+      import_(new ImportPage(
+          services, databases_, window_.Tabs(), [this] { return ActiveIngredientsOnly(); },
+          window_.Panels().PicImport())),
       style_sheets_(services.folder.DefaultAppPath(), services.system, services.op),
       history_(new HistoryPage(services, [this] { return ActiveIngredientsOnly(); })),
       print_(services, databases_, import_->Session(), *history_, window_) {

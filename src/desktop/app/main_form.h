@@ -81,11 +81,7 @@ class ProgramForm {
 
 // The form `VRXMAIN`: its window, the pages of its tabs and the presenters. The constructor is its
 // Load: both databases are closed after it, and the Data Transfer tab is current.
-class MainForm : public QObject,
-                 public ProgramForm,
-                 private TransferDatabases,
-                 private ImportWindow,
-                 private ExportWindow {
+class MainForm : public QObject, public ProgramForm {
   Q_OBJECT
 
  public:
@@ -139,6 +135,7 @@ class MainForm : public QObject,
   // The tabs Data Transfer and Import and the form `SETUP`, which use the serial port and files of
   // the indicator.
   void AddTransferPages();
+  void GoToRecipe(int position);
   void ShowLine();
   void ShowSetup();
   SetupFacts Facts() const;
@@ -146,22 +143,6 @@ class MainForm : public QObject,
   // The tabs Batched/Fed and Export.
   void AddHistoryPages();
   bool ActiveIngredientsOnly() const;
-
-  // TransferDatabases.
-  CurrentDatabase OpenRecipes() const override;
-  void BrowseRecipes() override { databases_.BrowseRecipeDatabase(); }
-  void RecipesStored(int highest_in_use) override;
-
-  // ImportWindow.
-  OpenDatabases ImportDatabases() const override;
-  std::vector<IngredientRecord> GridIngredients() override;
-  void SelectTab(int tab) override { window_.Tabs().SelectTab(tab); }
-  void SaveTransactionDatabase() override { databases_.SaveTransactionDatabase(); }
-
-  // ExportWindow.
-  OpenDatabases ExportDatabases() const override;
-  ExportSource DataGroup() override { return Current(*history_->View()); }
-  void ConfigureImportColumns() override { import_->ConfigureImportColumns(); }
 
   Services& services_;
   WaitBudget& lock_waits_;

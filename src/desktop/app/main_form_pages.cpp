@@ -2,12 +2,8 @@
 // databases.
 
 #include <QAbstractButton>
-#include <optional>
 #include <string>
 
-#include "base/files.h"
-#include "base/number.h"
-#include "database/connection.h"
 #include "database/identity.h"
 #include "desktop/app/main_form.h"
 #include "desktop/recipes/recipes_page.h"
@@ -22,12 +18,7 @@ MainForm::RecordPages MainForm::AddRecordPages() {
   auto* const ingredients = new IngredientsPage(
       services_, delay_, abbreviation_,
       {.current_batch_type = [recipes] { return recipes ? recipes->CurrentBatchType() : ""; },
-       .go_to =
-           [recipes](int position) {
-             if (recipes) {
-               recipes->GoTo(position);
-             }
-           }});
+       .go_to = [this](int position) { GoToRecipe(position); }});
   AddRecordPage(kTabIngredients, *ingredients);
   AddRecordPage(kTabRecipes, *recipes);
   AddRecordPage(kTabPens, *pens);
@@ -116,60 +107,10 @@ void MainForm::ShowLine() {
   window_.Turn(MainCommand::kTransferDownload, !command_runs);
 }
 
-// The bound database: the path of a side may name a file that was not opened.
-CurrentDatabase MainForm::OpenRecipes() const {
-  const BoundDatabase& bound = databases_.Bound(DatabaseKind::kRecipe);
-  if (bound.blank) {
-    return {};
+void MainForm::GoToRecipe(int position) {
+  if (RecordPage* const recipes = record_pages_[kTabRecipes]; recipes != nullptr) {
+    recipes->GoTo(position);
   }
-  return {.path = bound.path,
-          .name = FileTitle(bound.path),
-          .unit = bound.unit,
-          .read_only_note = bound.read_only_note};
-}
-
-OpenDatabases MainForm::ImportDatabases() const {
-  const BoundDatabase& recipes = databases_.Bound(DatabaseKind::kRecipe);
-  const BoundDatabase& transactions = databases_.Bound(DatabaseKind::kTransaction);
-  OpenDatabases open{.lock_wait = services_.identity.Wait()};
-  if (!recipes.blank) {
-    open.recipe_db_path = recipes.path;
-  }
-  if (!transactions.blank) {
-    open.trans_db_path = transactions.path;
-    open.trans_db_uom = transactions.unit;
-    open.trans_db_read_only_note = transactions.read_only_note;
-  }
-  return open;
-}
-
-std::vector<IngredientRecord> MainForm::GridIngredients() {
-  const BoundDatabase& bound = databases_.Bound(DatabaseKind::kRecipe);
-  if (bound.blank) {
-    return {};
-  }
-  std::vector<IngredientRecord> records =
-      WithDatabaseErrors(*bound.connection, [&] { return ReadIngredients(*bound.connection); });
-  const auto* const active_only =
-      window_.findChild<QAbstractButton*>(QStringLiteral("chkShowActiveIngsOnly"));
-  if (active_only == nullptr || active_only->isChecked()) {
-    std::erase_if(records,
-                  [](const IngredientRecord& record) { return record.description.empty(); });
-  }
-  return records;
-}
-
-void MainForm::RecipesStored(int highest_in_use) {
-  const BoundDatabase& bound = databases_.Bound(DatabaseKind::kRecipe);
-  window_.Rebind(DatabaseKind::kRecipe, bound);
-  auto* const recipes = window_.findChild<RecordPage*>(QStringLiteral("pageRecipes"));
-  if (recipes != nullptr && highest_in_use > 0) {
-    recipes->GoTo(highest_in_use);
-  }
-  const std::optional<Date> modified =
-      services_.identity.GetDatabaseDate(bound.path, DateSelector::kModified);
-  window_.SetStatusPanel(DatabaseKind::kRecipe, kPanelModified,
-                         modified ? DefaultText(*modified) : std::string());
 }
 
 // The form closes the port; a direct connection continues after it.
@@ -209,21 +150,8 @@ SetupFacts MainForm::Facts() const {
 
 void MainForm::AddHistoryPages() {
   window_.SetPage(kTabBatchedFed, history_);
-  window_.SetPage(kTabExport, new ExportPage(services_, style_sheets_, *this));
-}
-
-OpenDatabases MainForm::ExportDatabases() const {
-  const BoundDatabase& recipes = databases_.Bound(DatabaseKind::kRecipe);
-  const BoundDatabase& transactions = databases_.Bound(DatabaseKind::kTransaction);
-  OpenDatabases open{.lock_wait = services_.identity.Wait()};
-  if (!recipes.blank) {
-    open.recipe_db_path = recipes.path;
-  }
-  if (!transactions.blank) {
-    open.trans_db_path = transactions.path;
-    open.trans_db_uom = transactions.unit;
-  }
-  return open;
+  window_.SetPage(kTabExport, new ExportPage(services_, databases_, style_sheets_, *history_,
+                                             [this] { import_->ConfigureImportColumns(); }));
 }
 
 // The columns named after the ingredients follow the grid of the ingredients.

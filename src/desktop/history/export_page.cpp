@@ -47,9 +47,13 @@ constexpr std::array<std::pair<const char*, const char*>, 4> kTexts{{
 
 }  // namespace
 
-ExportPage::ExportPage(Services& services, const StyleSheets& style_sheets, ExportWindow& window)
+ExportPage::ExportPage(Services& services, const DatabaseCommands& databases,
+                       const StyleSheets& style_sheets, HistoryPage& history,
+                       std::function<void()> configure_import_columns)
     : services_(services),
-      window_(window),
+      databases_(databases),
+      history_(history),
+      configure_import_columns_(std::move(configure_import_columns)),
       tab_(services, style_sheets, *this),
       txt_f_name_(new FilteredEdit(
           [](std::string_view, int key) { return ExportPresenter::KeyPressInFName(key); },

@@ -11,38 +11,33 @@
 #include <string_view>
 
 #include "desktop/app/qt_services.h"
+#include "desktop/history/history_page.h"
 #include "desktop/main_window/tabs.h"
+#include "presenter/database_commands.h"
 #include "presenter/export.h"
 #include "widgets/fields.h"
 
 namespace vrx {
 
-// The main window, as the Export tab uses it; see ExportHost.
-class ExportWindow {
- public:
-  virtual ~ExportWindow() = default;
-  virtual OpenDatabases ExportDatabases() const = 0;
-  virtual ExportSource DataGroup() = 0;
-  virtual void ConfigureImportColumns() = 0;
-};
-
 // The Export tab. A click on its button returns when the file is written, and runs events at the
 // start and at the end; the page must outlive it.
-class ExportPage final : public MainTabPage, private ExportHost {
+class ExportPage final : public MainTabPage, private ExportView {
   Q_OBJECT
 
  public:
-  // Everything except the window outlives the page.
-  ExportPage(Services& services, const StyleSheets& style_sheets, ExportWindow& window);
+  // Everything except the window outlives the page. `history` shows the data group to export.
+  // `configure_import_columns` is the import's routine of that name.
+  ExportPage(Services& services, const DatabaseCommands& databases, const StyleSheets& style_sheets,
+             HistoryPage& history, std::function<void()> configure_import_columns);
 
   // MainTabPage.
   void Prepare() override;
 
  private:
-  // ExportHost.
-  OpenDatabases Databases() const override { return window_.ExportDatabases(); }
-  ExportSource DataGroup() override { return window_.DataGroup(); }
-  void ConfigureImportColumns() override { window_.ConfigureImportColumns(); }
+  // ExportView.
+  OpenDatabases Databases() const override { return databases_.Opened(); }
+  ExportSource DataGroup() override { return Current(*history_.View()); }
+  void ConfigureImportColumns() override { configure_import_columns_(); }
   void FocusControl(std::string_view name) override;
   void ExportChanged() override;
 
@@ -55,7 +50,9 @@ class ExportPage final : public MainTabPage, private ExportHost {
   void Run(const std::function<void()>& flow);
 
   Services& services_;
-  ExportWindow& window_;
+  const DatabaseCommands& databases_;
+  HistoryPage& history_;
+  std::function<void()> configure_import_columns_;
   ExportPresenter tab_;
   FilteredEdit* txt_f_name_;
   QLineEdit* txt_f_path_;

@@ -20,10 +20,7 @@ namespace vrx {
 // The window `VRXMAIN`: menus, toolbar, tabs, panels and status bars. It contains no logic:
 // commands call the handlers set for them, enabled states come from Commands(), everything else is
 // emitted as signals.
-class MainWindow : public QMainWindow,
-                   public DatabaseWindow,
-                   public TabFolderWindow,
-                   private CommandObserver {
+class MainWindow : public QMainWindow, public MainView, private CommandObserver {
   Q_OBJECT
 
  public:
@@ -76,12 +73,10 @@ class MainWindow : public QMainWindow,
   void ShowToday() { calendar_->ShowToday(); }
   void ToggleCalendar();
 
-  // TabFolderWindow.
+  // MainView.
   void ShowTab(int tab) override { tab_folder_->ShowTab(tab); }
   void PrepareTab(int tab, int previous) override;
   PrintSources Printable() const override { return sources_ ? sources_() : PrintSources{}; }
-
-  // DatabaseWindow.
   void LeaveEdits(DatabaseKind kind) override;
   void Rebind(DatabaseKind kind, const BoundDatabase& database) override;
   void ReleaseViews() override;

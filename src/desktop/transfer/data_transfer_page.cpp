@@ -1,6 +1,7 @@
 #include "desktop/transfer/data_transfer_page.h"
 
 #include <string>
+#include <utility>
 
 #include "base/files.h"
 #include "link/rescue_file.h"
@@ -9,11 +10,13 @@
 
 namespace vrx {
 
-DataTransferPage::DataTransferPage(Services& services, KRMCOMM& krm, TransferDatabases& databases,
+DataTransferPage::DataTransferPage(Services& services, KRMCOMM& krm, DatabaseCommands& databases,
+                                   std::function<void(int)> go_to_recipe,
                                    TransferStatusPanel& status, TextPrinter& printer)
     : services_(services),
       krm_(krm),
       databases_(databases),
+      go_to_recipe_(std::move(go_to_recipe)),
       status_(status),
       printer_(printer),
       op_(services.op, [this] { Show(); }),
@@ -210,6 +213,15 @@ void DataTransferPage::PrintText() {
 
 void DataTransferPage::EnablePrintText() {
   controls_.cmd_print_text->setEnabled(services_.settings.EnablePrintTextOn());
+}
+
+// The date is read last, because showing a recipe may store recomputed figures.
+void DataTransferPage::RecipesStored(int highest_in_use) {
+  databases_.ReloadViews(DatabaseKind::kRecipe);
+  if (highest_in_use > 0) {
+    go_to_recipe_(highest_in_use);
+  }
+  databases_.ShowModifiedDate(DatabaseKind::kRecipe);
 }
 
 void DataTransferPage::FocusControl(std::string_view name) {

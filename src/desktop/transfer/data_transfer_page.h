@@ -5,7 +5,6 @@
 #include <string_view>
 
 #include "adapters/linux_machine.h"
-#include "database/identity.h"
 #include "desktop/app/qt_services.h"
 #include "desktop/main_window/panels.h"
 #include "desktop/main_window/tabs.h"
@@ -14,6 +13,7 @@
 #include "link/krmcomm.h"
 #include "platform/calendar.h"
 #include "presenter/data_files.h"
+#include "presenter/database_commands.h"
 #include "presenter/direct_connection.h"
 #include "presenter/download.h"
 #include "presenter/upload.h"
@@ -21,27 +21,17 @@
 
 namespace vrx {
 
-// The main window, as the Data Transfer tab uses it.
-class TransferDatabases {
- public:
-  virtual ~TransferDatabases() = default;
-
-  // See RecipeDownloadHost.
-  virtual CurrentDatabase OpenRecipes() const = 0;
-  virtual void BrowseRecipes() = 0;
-  virtual void RecipesStored(int highest_in_use) = 0;
-};
-
 // The Data Transfer tab. Each click runs its transfer to the end, and events in the meantime; the
 // click that selects the indicator returns when the direct connection has ended. The page must
 // outlive every such call, so the exit ends all waits first.
-class DataTransferPage final : public MainTabPage, private RecipeDownloadHost {
+class DataTransferPage final : public MainTabPage, private TransferView {
   Q_OBJECT
 
  public:
-  // Everything outlives it.
-  DataTransferPage(Services& services, KRMCOMM& krm, TransferDatabases& databases,
-                   TransferStatusPanel& status, TextPrinter& printer);
+  // Everything outlives it. `go_to_recipe` shows a recipe on the Recipes tab.
+  DataTransferPage(Services& services, KRMCOMM& krm, DatabaseCommands& databases,
+                   std::function<void(int)> go_to_recipe, TransferStatusPanel& status,
+                   TextPrinter& printer);
 
   // Another routine has used the serial port: a running direct connection reopens it.
   void ResumeDirectConnection();
@@ -58,10 +48,10 @@ class DataTransferPage final : public MainTabPage, private RecipeDownloadHost {
   void StripFocused() override { EnablePrintText(); }
 
  private:
-  // RecipeDownloadHost.
-  CurrentDatabase RecipeDatabase() const override { return databases_.OpenRecipes(); }
-  void OpenRecipeDatabase() override { databases_.BrowseRecipes(); }
-  void RecipesStored(int highest) override { databases_.RecipesStored(highest); }
+  // TransferView.
+  CurrentDatabase RecipeDatabase() const override { return databases_.OpenedRecipes(); }
+  void OpenRecipeDatabase() override { databases_.BrowseRecipeDatabase(); }
+  void RecipesStored(int highest_in_use) override;
   void FocusControl(std::string_view name) override;
   void TransferChanged() override { Show(); }
   void OpenRescueFile(const std::filesystem::path& path) override { upload_.UploadFromFile(path); }
@@ -85,7 +75,8 @@ class DataTransferPage final : public MainTabPage, private RecipeDownloadHost {
 
   Services& services_;
   KRMCOMM& krm_;
-  TransferDatabases& databases_;
+  DatabaseCommands& databases_;
+  std::function<void(int)> go_to_recipe_;
   TransferStatusPanel& status_;
   TextPrinter& printer_;
   RefreshingOperator op_;

@@ -10,8 +10,10 @@
 #include <QVBoxLayout>
 #include <algorithm>
 #include <cstddef>
+#include <utility>
 
 #include "base/encoding.h"
+#include "database/connection.h"
 #include "desktop/app/captions.h"
 #include "desktop/dialogs/about_and_splash.h"
 #include "presenter/report_failure.h"
@@ -205,9 +207,12 @@ void ImportGrid::paintEvent(QPaintEvent* event) {
   }
 }
 
-ImportPage::ImportPage(Services& services, ImportWindow& window, QFrame& pic_import)
+ImportPage::ImportPage(Services& services, DatabaseCommands& databases, TabFolder& tabs,
+                       std::function<bool()> active_ingredients_only, QFrame& pic_import)
     : services_(services),
-      window_(window),
+      databases_(databases),
+      tabs_(tabs),
+      active_ingredients_only_(std::move(active_ingredients_only)),
       pic_import_(pic_import),
       session_(services, *this, *this),
       grd_import_(new ImportGrid(session_, this)) {
@@ -307,6 +312,20 @@ void ImportPage::StripFocused() {
 
 void ImportPage::Run(const std::function<void()>& flow) {
   RunReported(services_.op, {.title = "Import Error"}, flow);
+}
+
+std::vector<IngredientRecord> ImportPage::GridIngredients() {
+  const BoundDatabase& bound = databases_.Bound(DatabaseKind::kRecipe);
+  if (bound.blank) {
+    return {};
+  }
+  std::vector<IngredientRecord> records =
+      WithDatabaseErrors(*bound.connection, [&] { return ReadIngredients(*bound.connection); });
+  if (active_ingredients_only_()) {
+    std::erase_if(records,
+                  [](const IngredientRecord& record) { return record.description.empty(); });
+  }
+  return records;
 }
 
 void ImportPage::FocusControl(std::string_view name) {

@@ -13,6 +13,8 @@
 
 #include "desktop/main_window/tabs.h"
 #include "platform/progress_display.h"
+#include "presenter/command_states.h"
+#include "presenter/database_commands.h"
 #include "presenter/import.h"
 
 namespace vrx {
@@ -65,24 +67,15 @@ class ImportGrid : public QTableView {
   ImportModel* model_;
 };
 
-// The main window, as the Import tab uses it; see ImportHost.
-class ImportWindow {
- public:
-  virtual ~ImportWindow() = default;
-  virtual OpenDatabases ImportDatabases() const = 0;
-  virtual std::vector<IngredientRecord> GridIngredients() = 0;
-  virtual void SelectTab(int tab) = 0;
-  virtual void SaveTransactionDatabase() = 0;
-};
-
 // The Import tab: its page, and its buttons and progress in the row below the tabs.
-class ImportPage final : public MainTabPage, private ImportHost, private ProgressDisplay {
+class ImportPage final : public MainTabPage, private ImportView, private ProgressDisplay {
   Q_OBJECT
 
  public:
-  // Everything except the window outlives the page.
-  // The page adds its controls to `pic_import`.
-  ImportPage(Services& services, ImportWindow& window, QFrame& pic_import);
+  // Everything except the window outlives the page, which adds its controls to `pic_import`.
+  // `active_ingredients_only` returns `chkShowActiveIngsOnly`.
+  ImportPage(Services& services, DatabaseCommands& databases, TabFolder& tabs,
+             std::function<bool()> active_ingredients_only, QFrame& pic_import);
 
   // Asks for a file and imports it.
   void ImportXFile();
@@ -102,12 +95,12 @@ class ImportPage final : public MainTabPage, private ImportHost, private Progres
   void Rebind(DatabaseKind kind, const BoundDatabase& database) override;
 
  private:
-  // ImportHost.
-  OpenDatabases Databases() const override { return window_.ImportDatabases(); }
-  std::vector<IngredientRecord> GridIngredients() override { return window_.GridIngredients(); }
-  void SelectTab(int tab) override { window_.SelectTab(tab); }
+  // ImportView.
+  OpenDatabases Databases() const override { return databases_.Opened(); }
+  std::vector<IngredientRecord> GridIngredients() override;
+  void SelectImportTab() override { tabs_.SelectTab(kTabImport); }
   void FocusControl(std::string_view name) override;
-  void SaveTransactionDatabase() override { window_.SaveTransactionDatabase(); }
+  void SaveTransactionDatabase() override { databases_.SaveTransactionDatabase(); }
   void ImportChanged() override;
 
   // ProgressDisplay.
@@ -122,7 +115,9 @@ class ImportPage final : public MainTabPage, private ImportHost, private Progres
   void Run(const std::function<void()>& flow);
 
   Services& services_;
-  ImportWindow& window_;
+  DatabaseCommands& databases_;
+  TabFolder& tabs_;
+  std::function<bool()> active_ingredients_only_;
   QFrame& pic_import_;
   ImportPresenter session_;
   ImportGrid* grd_import_;

@@ -7,6 +7,7 @@
 #include <gmock/gmock.h>
 
 #include "base/error.h"
+#include "desktop/main_window/main_window.h"
 #include "desktop/transfer/data_transfer_page.h"
 #include "support/fake_serial_control.h"
 #include "support/test_services.h"
@@ -29,19 +30,13 @@ class KeptPrints : public TextPrinter {
   std::vector<std::string> prints;
 };
 
-class NoDatabases : public TransferDatabases {
- public:
-  CurrentDatabase OpenRecipes() const override { return {}; }
-  void BrowseRecipes() override {}
-  void RecipesStored(int /*highest_in_use*/) override {}
-};
-
 class PrintOfTheDataWindow : public ::testing::Test, protected TestServices {
  protected:
   PrintOfTheDataWindow() { settings.SetEnablePrintTextOn(true); }
 
   void Print(const std::string& typed) {
-    DataTransferPage page(services, krm, databases, status, printer);
+    DataTransferPage page(
+        services, krm, databases, [](int /*position*/) {}, status, printer);
     page.Prepare();
     QTest::keyClicks(page.findChild<QPlainTextEdit*>(u"txtDataWindow"_qs),
                      QString::fromStdString(typed));
@@ -50,7 +45,9 @@ class PrintOfTheDataWindow : public ::testing::Test, protected TestServices {
 
   FakeSerialControl serial{pump};
   KRMCOMM krm{serial, pump, op, settings};
-  NoDatabases databases;
+  MainWindow window{settings, calendar};
+  GeneralDelay delay{pump};
+  DatabaseCommands databases{services, delay, window.Commands(), window.Tabs(), window};
   TransferStatusPanel status;
   KeptPrints printer;
 };
