@@ -223,7 +223,7 @@ TEST_F(LineUseTest, LeavingWhileTheProgramClosesAsksNothing) {
   pump_.closing = true;
   Window().close();
   EXPECT_THAT(operator_.boxes, IsEmpty());
-  EXPECT_THAT(exit_.taken, ElementsAre("close box"));
+  EXPECT_THAT(exits_, ElementsAre(ExitReason::kCloseBox));
 }
 
 TEST_F(LineUseTest, LeavingWithSavedDataAsksNothing) {
