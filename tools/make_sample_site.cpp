@@ -37,7 +37,7 @@ constexpr std::size_t kMaxText = 1U << 20U;
 // A fixed day, so that every build creates the same database.
 class SiteCalendar : public vrx::Calendar {
  public:
-  vrx::Date Today() const override {
+  [[nodiscard]] vrx::Date Today() const override {
     return {std::chrono::year{2026}, std::chrono::January, std::chrono::day{5}};
   }
 };
@@ -59,9 +59,9 @@ class Row {
   Row(std::vector<std::string> cells, std::string place)
       : cells_(std::move(cells)), place_(std::move(place)) {}
 
-  const std::string& Text(std::size_t column) const { return cells_.at(column); }
+  [[nodiscard]] const std::string& Text(std::size_t column) const { return cells_.at(column); }
 
-  int Number(std::size_t column, int low, int high) const {
+  [[nodiscard]] int Number(std::size_t column, int low, int high) const {
     const auto value = vrx::ParseLong(Text(column));
     if (!value || std::to_string(*value) != Text(column) || *value < low || *value > high) {
       Fail("\"" + Text(column) + "\" is no whole number from " + std::to_string(low) + " to " +
@@ -70,7 +70,7 @@ class Row {
     return *value;
   }
 
-  bool YesNo(std::size_t column) const {
+  [[nodiscard]] bool YesNo(std::size_t column) const {
     if (Text(column) != "yes" && Text(column) != "no") {
       Fail("\"" + Text(column) + "\" is neither yes nor no");
     }
@@ -141,8 +141,8 @@ void LoadRecipes(SQLite::Database& database, const fs::path& folder) {
         if (type.size() != 1 || std::string_view("WH%P").find(type) == std::string::npos) {
           row.Fail("\"" + type + "\" is no batch type");
         }
-        row.Number(5, 0, 999999);
-        row.Number(6, 0, 40);
+        static_cast<void>(row.Number(5, 0, 999999));
+        static_cast<void>(row.Number(6, 0, 40));
         vrx::WriteRecipe(database, {.id = row.Number(0, 1, vrx::kRecipeCount),
                                     .name = row.Text(1),
                                     .description = row.Text(2),
@@ -163,7 +163,7 @@ void LoadRecipeLines(SQLite::Database& database, const fs::path& folder) {
               if (ingredient.description.empty()) {
                 row.Fail("ingredient " + row.Text(1) + " is not in use");
               }
-              row.Number(0, 1, vrx::kRecipeCount);
+              static_cast<void>(row.Number(0, 1, vrx::kRecipeCount));
               vrx::RecipeLineRecord line{.recipe_id = row.Text(0),
                                          .ingredient = row.Text(1),
                                          .target = row.Text(2),
@@ -184,7 +184,7 @@ void LoadRecipeLines(SQLite::Database& database, const fs::path& folder) {
 
 void LoadPens(SQLite::Database& database, const fs::path& folder) {
   ReadTable(folder / "pens.tsv", {"ID", "Name", "Description", "FeedAmount"}, [&](const Row& row) {
-    row.Number(3, 0, 999999);
+    static_cast<void>(row.Number(3, 0, 999999));
     vrx::WritePen(database, {.id = row.Number(0, 1, vrx::kPenCount),
                              .name = row.Text(1),
                              .description = row.Text(2),

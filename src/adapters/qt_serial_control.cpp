@@ -213,7 +213,7 @@ class QtSerialControl::Line {
     port_.close();
   }
 
-  bool HungUp() const {
+  [[nodiscard]] bool HungUp() const {
     pollfd line{.fd = port_.handle(), .events = 0, .revents = 0};
     return poll(&line, 1, 0) > 0 && (line.revents & (POLLHUP | POLLERR | POLLNVAL)) != 0;
   }

@@ -51,7 +51,7 @@ class SignalDescriptor {
   SignalDescriptor(const SignalDescriptor&) = delete;
   SignalDescriptor& operator=(const SignalDescriptor&) = delete;
 
-  int Get() const { return fd_; }
+  [[nodiscard]] int Get() const { return fd_; }
   void Take() const {
     std::array<signalfd_siginfo, 4> taken{};
     while (read(fd_, taken.data(), sizeof taken) > 0) {

@@ -37,7 +37,7 @@ class Command {
 
   // Whether the run changes neither databases nor settings nor the module. Such a command works
   // even if the data folder is missing or write-protected. Called after parsing.
-  virtual bool OnlyReads() const { return false; }
+  [[nodiscard]] virtual bool OnlyReads() const { return false; }
 
   // Called after parsing if the subcommand was given. Returns kDone or kFailed. Throws
   // CLI::ParseError for wrong usage that parsing did not detect, and Error.

@@ -205,7 +205,7 @@ class InfoCommand : public Command {
     return command;
   }
 
-  bool OnlyReads() const override { return true; }
+  [[nodiscard]] bool OnlyReads() const override { return true; }
 
   int Run(Session& session) override {
     const std::filesystem::path path = file_;
@@ -253,7 +253,7 @@ class SettingsCommand : public Command {
     return command;
   }
 
-  bool OnlyReads() const override { return value_option_->count() == 0; }
+  [[nodiscard]] bool OnlyReads() const override { return value_option_->count() == 0; }
 
   int Run(Session& session) override {
     if (key_.empty()) {

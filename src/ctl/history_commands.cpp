@@ -44,7 +44,7 @@ class GroupsCommand : public Command {
     return command;
   }
 
-  bool OnlyReads() const override { return true; }
+  [[nodiscard]] bool OnlyReads() const override { return true; }
 
   int Run(Session& session) override {
     OutputTable table{.header = {"Index", "Data Group"}, .rows = {}};
@@ -105,7 +105,7 @@ class ShowCommand : public Command {
     return command;
   }
 
-  bool OnlyReads() const override { return true; }
+  [[nodiscard]] bool OnlyReads() const override { return true; }
 
   int Run(Session& session) override {
     return source_.Run(session, [&](HistoryGrid& grid) {
@@ -167,7 +167,7 @@ class ExportCommand : public Command {
     return command;
   }
 
-  bool OnlyReads() const override { return true; }
+  [[nodiscard]] bool OnlyReads() const override { return true; }
 
   int Run(Session& session) override {
     return source_.Run(session, [&](const HistoryGrid& grid) {

@@ -29,8 +29,8 @@ class HistorySource {
   // kFailed.
   int Run(Session& session, const std::function<int(HistoryGrid&)>& work) const;
 
-  const std::string& Name() const { return name_; }
-  OpenDatabases Databases(const Session& session) const;
+  [[nodiscard]] const std::string& Name() const { return name_; }
+  [[nodiscard]] OpenDatabases Databases(const Session& session) const;
 
  private:
   void CheckUsage() const;

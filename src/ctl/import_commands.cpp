@@ -78,7 +78,7 @@ class ImportCommand : public Command {
     return command;
   }
 
-  bool OnlyReads() const override { return true; }
+  [[nodiscard]] bool OnlyReads() const override { return true; }
 
   int Run(Session& session) override {
     HeadlessImport importer(session, {});

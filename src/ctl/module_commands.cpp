@@ -54,7 +54,7 @@ class HeadlessDownload : public TransferView {
     return tab_.OpenRecipeBU() && tab_.DownloadRecipeBU();
   }
 
-  CurrentDatabase RecipeDatabase() const override { return database_; }
+  [[nodiscard]] CurrentDatabase RecipeDatabase() const override { return database_; }
   // There is no window to open, show or focus.
   void OpenRecipeDatabase() override {}
   void RecipesStored(int /*highest_in_use*/) override {}
@@ -104,7 +104,7 @@ class CutFiles {
     }
   }
 
-  bool Empty() const { return names_.empty(); }
+  [[nodiscard]] bool Empty() const { return names_.empty(); }
 
   bool NamesAreFree() {
     for (const fs::path& name : names_) {
@@ -138,10 +138,10 @@ class CutFiles {
     }
   }
 
-  bool AllSaved() const { return saved_ == names_.size(); }
+  [[nodiscard]] bool AllSaved() const { return saved_ == names_.size(); }
 
   // The bytes that were not written to a file.
-  const std::string& Rest() const {
+  [[nodiscard]] const std::string& Rest() const {
     return transfer_.block_is_cut && saved_ > 0 ? unsaved_ : transfer_.transfer_block;
   }
 

@@ -22,7 +22,7 @@ class OutputOptions {
  public:
   void RegisterCsv(CLI::App& app);
   void RegisterJson(CLI::App& app);
-  OutputForm Form() const;
+  [[nodiscard]] OutputForm Form() const;
 
  private:
   bool csv_ = false;

@@ -88,7 +88,7 @@ class PrintCommand : public Command {
     return command_;
   }
 
-  bool OnlyReads() const override { return true; }
+  [[nodiscard]] bool OnlyReads() const override { return true; }
 
   int Run(Session& session) override {
     if (kind_ != nullptr) {

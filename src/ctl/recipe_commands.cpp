@@ -41,7 +41,7 @@ class LineAction {
     AddRecordNumber(*app_, "recipe", "Number of the recipe", kRecipeCount, recipe_);
   }
 
-  bool Chosen() const { return app_->parsed(); }
+  [[nodiscard]] bool Chosen() const { return app_->parsed(); }
 
   int Run(Session& session, const Edit& edit) const {
     const PrivateINI& settings = session.Settings();
@@ -59,7 +59,7 @@ class LineAction {
 
  protected:
   CLI::App& App() { return *app_; }
-  std::string Label() const { return "Recipe " + std::to_string(recipe_); }
+  [[nodiscard]] std::string Label() const { return "Recipe " + std::to_string(recipe_); }
 
  private:
   CLI::App* app_;
@@ -84,7 +84,9 @@ class AmountOptions {
             ->excludes(weight_option_);
   }
 
-  bool Given() const { return weight_option_->count() + percent_option_->count() > 0; }
+  [[nodiscard]] bool Given() const {
+    return weight_option_->count() + percent_option_->count() > 0;
+  }
 
   // Enters nothing if neither was given. Refuses an empty text, which is most likely an unset
   // variable of a script.
@@ -343,7 +345,7 @@ class RecipeCommand : public Command {
     return command;
   }
 
-  bool OnlyReads() const override { return true; }
+  [[nodiscard]] bool OnlyReads() const override { return true; }
 
   int Run(Session& session) override {
     return ReadRecipeFile(session, file_, [&](SQLite::Database& database) {
@@ -370,7 +372,7 @@ class WhereUsedCommand : public Command {
     return command;
   }
 
-  bool OnlyReads() const override { return true; }
+  [[nodiscard]] bool OnlyReads() const override { return true; }
 
   int Run(Session& session) override {
     return ReadRecipeFile(session, file_, [&](SQLite::Database& database) {
@@ -399,7 +401,7 @@ class DownloadTextCommand : public Command {
     return command;
   }
 
-  bool OnlyReads() const override { return true; }
+  [[nodiscard]] bool OnlyReads() const override { return true; }
 
   int Run(Session& session) override {
     const bool batch_target = session.Settings().BatchTargetWtIsRecTargetOn();

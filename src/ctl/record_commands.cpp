@@ -48,10 +48,10 @@ class RecordForm {
   }
 
   CLI::App& App() { return *app_; }
-  bool Chosen() const { return app_->parsed(); }
-  int Id() const { return id_; }
-  std::optional<std::string> Name() const { return Given(name_); }
-  std::optional<std::string> Description() const { return Given(description_); }
+  [[nodiscard]] bool Chosen() const { return app_->parsed(); }
+  [[nodiscard]] int Id() const { return id_; }
+  [[nodiscard]] std::optional<std::string> Name() const { return Given(name_); }
+  [[nodiscard]] std::optional<std::string> Description() const { return Given(description_); }
 
   // `edit` reads, changes and writes the record, and returns the notes to show.
   int Run(Session& session,
@@ -250,7 +250,7 @@ class ListCommand : public Command {
     return command;
   }
 
-  bool OnlyReads() const override { return true; }
+  [[nodiscard]] bool OnlyReads() const override { return true; }
 
   int Run(Session& session) override {
     return ReadRecipeFile(session, file_, [&](SQLite::Database& database) {

@@ -70,7 +70,7 @@ class KeptBox : public Operator {
       op.ShowMessage(*kept_);
     }
   }
-  std::string Cause() const { return kept_ ? kept_->cause : ""; }
+  [[nodiscard]] std::string Cause() const { return kept_ ? kept_->cause : ""; }
 
  private:
   std::optional<MessageBox> kept_;

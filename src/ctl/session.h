@@ -33,11 +33,11 @@ class ProgressLine : public ProgressDisplay {
   // Erases the line, so that other output can be written.
   void Clear();
 
-  const std::string& Message() const { return message_; }
+  [[nodiscard]] const std::string& Message() const { return message_; }
 
  private:
   void Draw();
-  int Percent() const;
+  [[nodiscard]] int Percent() const;
 
   std::ostream& err_;
   bool on_terminal_;
@@ -68,7 +68,7 @@ class TerminalOperator : public Operator {
   void SetStatusLine(std::string_view text) override;
   void SetStatusColor(StatusColor color) override { color_ = color; }
 
-  bool StatusIsError() const { return color_ == StatusColor::kRed; }
+  [[nodiscard]] bool StatusIsError() const { return color_ == StatusColor::kRed; }
 
   // Writes a line "cause: ..." for the previous message, unless the cause is empty or was part of
   // that message.
@@ -98,7 +98,7 @@ class ScriptedFileChoice : public FileChooser {
   std::string ShowFolder(const std::string& /*title*/) override { return path_.string(); }
 
  private:
-  FileChoice Choice() const { return {path_.string(), path_.filename().string()}; }
+  [[nodiscard]] FileChoice Choice() const { return {path_.string(), path_.filename().string()}; }
 
   std::filesystem::path path_;
 };
@@ -106,9 +106,9 @@ class ScriptedFileChoice : public FileChooser {
 // For a command that uses no serial line: there are no events.
 class IdlePump : public EventPump {
  public:
-  Milliseconds Now() const override;
+  [[nodiscard]] Milliseconds Now() const override;
   void Pump(Milliseconds limit) override;
-  bool Closing() const override { return false; }
+  [[nodiscard]] bool Closing() const override { return false; }
   std::unique_ptr<Ticker> StartTicker(Milliseconds interval, std::function<void()> tick) override;
 };
 
@@ -123,8 +123,8 @@ class Session {
  public:
   Session(const CommandContext& context, const GlobalOptions& options);
 
-  const CommandContext& Context() const { return context_; }
-  std::ostream& Out() const { return context_.out; }
+  [[nodiscard]] const CommandContext& Context() const { return context_; }
+  [[nodiscard]] std::ostream& Out() const { return context_.out; }
   TerminalOperator& Op() { return operator_; }
   ProgressLine& Progress() { return progress_; }
 
@@ -163,7 +163,7 @@ class Session {
 
  private:
   const CPrivateINI& Ini();
-  std::filesystem::path FindDataFolder() const;
+  [[nodiscard]] std::filesystem::path FindDataFolder() const;
   PrivateINI ReadSettings();
   PrivateINI ReadSettingsInForce();
 

@@ -129,7 +129,7 @@ class TextBuilder {
   }
 
   // A recipe line refers to its ingredient by name; the name of an unknown ingredient is empty.
-  std::string IngredientName(const RecipeLineRecord& line) const {
+  [[nodiscard]] std::string IngredientName(const RecipeLineRecord& line) const {
     const auto known = ingredients_.find(line.ingredient);
     return known == ingredients_.end() ? std::string() : EncodedName(*known->second);
   }

@@ -67,15 +67,15 @@ class RowReader {
  public:
   RowReader(const ImportedData& rows, std::size_t row) : rows_(rows), row_(row) {}
 
-  std::string_view Cell(int column) const { return rows_.Cell(row_, column); }
+  [[nodiscard]] std::string_view Cell(int column) const { return rows_.Cell(row_, column); }
 
-  std::string Text(int column) const { return Windows1252ToUtf8(Cell(column)); }
+  [[nodiscard]] std::string Text(int column) const { return Windows1252ToUtf8(Cell(column)); }
 
-  std::optional<std::string> TextOrNull(int column) const {
+  [[nodiscard]] std::optional<std::string> TextOrNull(int column) const {
     return Cell(column).empty() ? std::nullopt : std::optional(Text(column));
   }
 
-  std::int32_t TransactionNumber() const {
+  [[nodiscard]] std::int32_t TransactionNumber() const {
     const std::optional<std::int32_t> number = ParseLong(Cell(kImportedTransactionNumber));
     if (!number || *number < 1) {
       Refuse(kImportedTransactionNumber, "a whole number from 1");
@@ -83,7 +83,7 @@ class RowReader {
     return *number;
   }
 
-  const std::string& Name(int column, const std::vector<std::string>& names) const {
+  [[nodiscard]] const std::string& Name(int column, const std::vector<std::string>& names) const {
     const std::optional<std::int32_t> id = ParseLong(Cell(column));
     if (!id || *id < 1 || static_cast<std::size_t>(*id) > names.size()) {
       Refuse(column, "an ID from 1 to " + std::to_string(names.size()));
@@ -91,7 +91,8 @@ class RowReader {
     return names[static_cast<std::size_t>(*id) - 1];
   }
 
-  std::optional<std::string> NameOrNull(int column, const std::vector<std::string>& names) const {
+  [[nodiscard]] std::optional<std::string> NameOrNull(int column,
+                                                      const std::vector<std::string>& names) const {
     if (Cell(column).empty()) {
       return std::nullopt;
     }
@@ -99,7 +100,7 @@ class RowReader {
     return name.empty() ? std::nullopt : std::optional(name);
   }
 
-  std::optional<double> NumberOrNull(int column) const {
+  [[nodiscard]] std::optional<double> NumberOrNull(int column) const {
     if (Cell(column).empty()) {
       return std::nullopt;
     }
@@ -110,9 +111,9 @@ class RowReader {
     return number;
   }
 
-  double NumberOrZero(int column) const { return NumberOrNull(column).value_or(0.0); }
+  [[nodiscard]] double NumberOrZero(int column) const { return NumberOrNull(column).value_or(0.0); }
 
-  std::optional<TimeOfDay> Time() const {
+  [[nodiscard]] std::optional<TimeOfDay> Time() const {
     if (Cell(kImportedTime).empty()) {
       return std::nullopt;
     }
@@ -124,7 +125,7 @@ class RowReader {
     return time;
   }
 
-  std::optional<Date> Day() const {
+  [[nodiscard]] std::optional<Date> Day() const {
     if (Cell(kImportedDate).empty()) {
       return std::nullopt;
     }

@@ -54,8 +54,8 @@ class CsvColumns {
     std::optional<std::size_t> cell;  // empty for a column that is not in the list
     ColumnContent content;
   };
-  std::span<const Place> Places() const { return places_; }
-  const std::string& FirstCaption() const { return first_caption_; }
+  [[nodiscard]] std::span<const Place> Places() const { return places_; }
+  [[nodiscard]] const std::string& FirstCaption() const { return first_caption_; }
 
  private:
   std::vector<Place> places_;

@@ -54,7 +54,7 @@ class Messages {
                   : std::snprintf(End(), FreeSize(), "%s ", message));
   }
 
-  std::string Text() const {
+  [[nodiscard]] std::string Text() const {
     std::string text;
     for (const char character : std::string_view(text_.data(), used_)) {
       const bool blank = static_cast<unsigned char>(character) <= ' ';
@@ -70,7 +70,7 @@ class Messages {
 
  private:
   char* End() noexcept { return text_.data() + used_; }
-  std::size_t FreeSize() const noexcept { return text_.size() - used_; }
+  [[nodiscard]] std::size_t FreeSize() const noexcept { return text_.size() - used_; }
   void Take(int written) noexcept {
     used_ += std::min(static_cast<std::size_t>(std::max(written, 0)), FreeSize() - 1);
   }
@@ -139,7 +139,7 @@ class LibraryRules {
   LibraryRules(const LibraryRules&) = delete;
   LibraryRules& operator=(const LibraryRules&) = delete;
 
-  xsltSecurityPrefsPtr Rights() const { return rights_.get(); }
+  [[nodiscard]] xsltSecurityPrefsPtr Rights() const { return rights_.get(); }
 
   [[noreturn]] void Fail(const std::string& what) const {
     throw Error(what + ": " + messages_.Text());

@@ -49,7 +49,8 @@ class StyleSheets {
   // Copies the stylesheet into a folder and replaces a file of that name. Reports a missing
   // stylesheet and returns false. A missing destination folder is not an error. Throws FileError if
   // the copy fails.
-  bool CopyStyleSheet(int group, const std::filesystem::path& destination_folder) const;
+  [[nodiscard]] bool CopyStyleSheet(int group,
+                                    const std::filesystem::path& destination_folder) const;
 
  private:
   void ReportMissing(const std::filesystem::path& source) const;

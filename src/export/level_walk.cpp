@@ -43,7 +43,7 @@ class RowReader {
   bool Next();
 
   // Valid until the next row.
-  CellView Cell(std::size_t column) const;
+  [[nodiscard]] CellView Cell(std::size_t column) const;
 
  private:
   struct Finalize {
@@ -159,7 +159,7 @@ class SumStream {
   }
 
  private:
-  bool HasKeysOf(const RowReader& record) const {
+  [[nodiscard]] bool HasKeysOf(const RowReader& record) const {
     for (std::size_t depth = 0; depth < plan_.levels.size(); ++depth) {
       if (rows_.Cell(depth) != record.Cell(depth)) {
         return false;
@@ -168,12 +168,12 @@ class SumStream {
     return true;
   }
 
-  const std::vector<ExportWeight>& Weights(const RowReader& record) const {
+  [[nodiscard]] const std::vector<ExportWeight>& Weights(const RowReader& record) const {
     const bool batch = record.Cell(plan_.levels.size() - 1) == CellView(kBatchType);
     return plan_.fed_weights.empty() || batch ? plan_.weights : plan_.fed_weights;
   }
 
-  std::optional<double> Sum(std::string_view field) const {
+  [[nodiscard]] std::optional<double> Sum(std::string_view field) const {
     // No row equals a NULL key, so it has no sum; kOfUserOrOfTheType still finds the user's rows.
     const std::size_t innermost = plan_.levels.size() - 1;
     if (plan_.summed != SummedRows::kOfUserOrOfTheType && IsNull(rows_.Cell(innermost))) {
@@ -257,7 +257,7 @@ class Walker {
                 ": it cannot be exported by it");
   }
 
-  std::size_t LevelsKept(std::size_t depth) const {
+  [[nodiscard]] std::size_t LevelsKept(std::size_t depth) const {
     std::size_t kept = 0;
     while (kept < std::min(open_, depth) && groups_[kept].key == rows_.Cell(kept)) {
       ++kept;

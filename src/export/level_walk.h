@@ -70,7 +70,7 @@ class LevelWalk {
             LockWait wait = kBusyTimeout);
 
   // The fields of a record in order: those of the dictionary that the plan does not exclude.
-  std::span<const WalkedField> Fields() const { return fields_; }
+  [[nodiscard]] std::span<const WalkedField> Fields() const { return fields_; }
 
   void Walk(LevelVisitor& visitor);
 

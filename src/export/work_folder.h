@@ -13,7 +13,7 @@ class WorkFolder {
   WorkFolder(const WorkFolder&) = delete;
   WorkFolder& operator=(const WorkFolder&) = delete;
 
-  const std::filesystem::path& Path() const { return path_; }
+  [[nodiscard]] const std::filesystem::path& Path() const { return path_; }
 
  private:
   std::filesystem::path path_;

@@ -191,7 +191,9 @@ bool XMLExport::ExportData(int group, const std::filesystem::path& file,
     walk.Walk(writer);
     writer.Finish();
   }
-  style_sheets_.CopyStyleSheet(group, std::filesystem::absolute(file).parent_path());
+  // A missing stylesheet was reported; the document is complete without it.
+  static_cast<void>(
+      style_sheets_.CopyStyleSheet(group, std::filesystem::absolute(file).parent_path()));
   return true;
 }
 

@@ -123,7 +123,7 @@ class RecipeEditor {
   // Stores `next` and then makes it current.
   void Store(const Ration& before, CurrentRecipe next);
 
-  std::string RecipeLabel() const;
+  [[nodiscard]] std::string RecipeLabel() const;
 
   SQLite::Database& database_;
   RecipeDialogs& dialogs_;

@@ -41,7 +41,7 @@ struct Difference {
   std::vector<RecipeLineRecord> changed = {};
   bool added = false;
 
-  bool Any() const { return head || added || !removed.empty() || !changed.empty(); }
+  [[nodiscard]] bool Any() const { return head || added || !removed.empty() || !changed.empty(); }
 };
 
 Difference Compare(const Ration& before, const Ration& after) {
@@ -111,7 +111,7 @@ class RecipesUpdate {
   }
 
   // One line for each recipe that failed.
-  const std::string& Failures() const { return failures_; }
+  [[nodiscard]] const std::string& Failures() const { return failures_; }
 
  private:
   void Recompute(RecipeRecord recipe) {

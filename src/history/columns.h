@@ -87,12 +87,12 @@ class HistoryColumns {
   void EnterTab(const DataGroup& group);
 
   // These throw std::out_of_range for a column or position outside 1 to 112.
-  const std::string& Caption(int column) const;
-  bool IsVisible(int column) const;
-  int Position(int column) const;
+  [[nodiscard]] const std::string& Caption(int column) const;
+  [[nodiscard]] bool IsVisible(int column) const;
+  [[nodiscard]] int Position(int column) const;
   void Move(int column, int position);
   // "Total:" for the column of the group's total text, else "".
-  std::string_view TotalText(int column) const;
+  [[nodiscard]] std::string_view TotalText(int column) const;
 
   // The visible columns in the order of their positions.
   [[nodiscard]] std::vector<int> VisibleColumns() const;
@@ -107,7 +107,7 @@ class HistoryColumns {
     bool total = false;
   };
   State& At(int column);
-  const State& At(int column) const;
+  [[nodiscard]] const State& At(int column) const;
   void ShowNamedIngredientColumns();
   void HideIngredientColumns();
   void SetTotalCaption(std::string_view column_key);

@@ -124,8 +124,8 @@ class GroupQuery {
   [[nodiscard]] std::string WholeOutline() const;
 
  private:
-  std::string Rows(std::size_t levels) const;
-  std::string RowsOfRange(std::size_t levels, std::string_view range) const;
+  [[nodiscard]] std::string Rows(std::size_t levels) const;
+  [[nodiscard]] std::string RowsOfRange(std::size_t levels, std::string_view range) const;
   void BindRows(SQLite::Statement& statement, std::span<const CellValue> values) const;
 
   std::vector<GroupLevel> levels_;

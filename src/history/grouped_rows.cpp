@@ -194,7 +194,7 @@ class GroupedRows::Impl {
     });
   }
 
-  const Outline& Rows() const { return view_->outline; }
+  [[nodiscard]] const Outline& Rows() const { return view_->outline; }
 
   HistoryRow Row(std::int64_t row) {
     const OutlinePlace place = Rows().Find(row);

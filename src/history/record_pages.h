@@ -68,7 +68,7 @@ class RecordPlaces {
   enum class Direction { kUp, kDown };
 
   void MarkEnds();
-  Mark Below(std::int64_t place) const;
+  [[nodiscard]] Mark Below(std::int64_t place) const;
   std::optional<std::int64_t> Walk(Mark from, std::int64_t place, Direction direction);
   std::optional<std::int64_t> Skip(std::int64_t rowid, std::int64_t records, Direction direction);
 

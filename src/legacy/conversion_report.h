@@ -61,7 +61,7 @@ struct ConversionReport {
   [[nodiscard]] std::uint64_t Refused() const { return Total(&ConvertedTable::refused); }
 
  private:
-  std::uint64_t Total(std::uint64_t ConvertedTable::*count) const;
+  [[nodiscard]] std::uint64_t Total(std::uint64_t ConvertedTable::*count) const;
 };
 
 // Collects notices and combines equal ones of several rows.

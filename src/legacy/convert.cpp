@@ -229,7 +229,7 @@ class Conversion : public LegacyRowSink {
   }
 
  private:
-  std::string OldName() const { return wanted_.old_file.filename().string(); }
+  [[nodiscard]] std::string OldName() const { return wanted_.old_file.filename().string(); }
 
   void CheckOldFile() {
     std::error_code error;
@@ -247,14 +247,14 @@ class Conversion : public LegacyRowSink {
     report_.old_size = fs::file_size(wanted_.old_file);
   }
 
-  bool HasTablesOf(DatabaseKind kind) const {
+  [[nodiscard]] bool HasTablesOf(DatabaseKind kind) const {
     return std::ranges::any_of(TableRules(), [this, kind](const TableRule& rule) {
       return rule.kind == kind && Holds(directory_, rule.name);
     });
   }
 
   // Decided by the tables, or by the marker if the file has tables of both kinds.
-  DatabaseKind FindKind() const {
+  [[nodiscard]] DatabaseKind FindKind() const {
     const bool recipe = HasTablesOf(DatabaseKind::kRecipe);
     const bool transaction = HasTablesOf(DatabaseKind::kTransaction);
     if (recipe != transaction) {

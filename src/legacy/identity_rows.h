@@ -26,7 +26,7 @@ class IdentityRows {
 
   // Writes the identity of the new file. Throws DatabaseError.
   void Store(SQLite::Database& database, DatabaseKind kind, const std::string& default_unit);
-  const std::string& Unit() const { return unit_; }
+  [[nodiscard]] const std::string& Unit() const { return unit_; }
 
   void Report(ConversionReport& report) const;
 
@@ -39,7 +39,7 @@ class IdentityRows {
     ConvertedTable counts = {};
   };
 
-  LegacyValue Value(const Part& part, std::string_view column) const;
+  [[nodiscard]] LegacyValue Value(const Part& part, std::string_view column) const;
   void StoreMarker(SQLite::Database& database, DatabaseKind kind);
   void StoreUnit(SQLite::Database& database, const std::string& default_unit);
   void StoreDates(SQLite::Database& database);

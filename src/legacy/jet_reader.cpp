@@ -246,7 +246,7 @@ class TableReader {
 
   void* Page() { return std::begin(file_.pg_buf); }
 
-  std::string Place(int row) const {
+  [[nodiscard]] std::string Place(int row) const {
     return "page " + std::to_string(table_.cur_phys_pg) + ", row " + std::to_string(row);
   }
 

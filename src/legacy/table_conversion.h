@@ -43,7 +43,7 @@ class TableConversion {
 
   void FindColumns();
   void ReportColumn(const Source& source);
-  const LegacyValue& ValueOf(const Source& source, const LegacyRow& row) const;
+  [[nodiscard]] const LegacyValue& ValueOf(const Source& source, const LegacyRow& row) const;
   std::optional<std::string> RefusalOf(const LegacyRow& row);
   void Convert(const LegacyRow& row);
   void SettleIds();

@@ -147,8 +147,8 @@ class KRMCOMM {
 
   // Files are numbered from 1 to 99, attributes from 1 to 3 (type, position, length); other numbers
   // throw Error. All attributes after the last file are 0.
-  const FileAttributes& GL_KRM_FileAttributes(int file) const;
-  std::int32_t GL_KRM_FileAttributes(int file, int attribute) const;
+  [[nodiscard]] const FileAttributes& GL_KRM_FileAttributes(int file) const;
+  [[nodiscard]] std::int32_t GL_KRM_FileAttributes(int file, int attribute) const;
 
   // The PC's image of the module memory. Appending sends nothing. The others send the answer of a
   // module and beep on success; on failure they return false after a message, which is omitted
@@ -175,27 +175,27 @@ class KRMCOMM {
   [[nodiscard]] bool KRM_LineHeld() const { return error_ == LinkError::kHeld; }
 
   // Getters and setters of the public state.
-  bool GB_KRM_DelayComplete() const { return delay_complete_; }
+  [[nodiscard]] bool GB_KRM_DelayComplete() const { return delay_complete_; }
   void GB_KRM_DelayComplete(bool value) { delay_complete_ = value; }
-  bool GB_KRM_RxDWaiting() const { return rxd_waiting_; }
+  [[nodiscard]] bool GB_KRM_RxDWaiting() const { return rxd_waiting_; }
   void GB_KRM_RxDWaiting(bool value) { rxd_waiting_ = value; }  // false ends a timed receive
-  bool GB_KRM_MessageReceived() const { return message_received_; }
+  [[nodiscard]] bool GB_KRM_MessageReceived() const { return message_received_; }
   void GB_KRM_MessageReceived(bool value) { message_received_ = value; }
-  bool GB_KRM_CommPortOpen() const { return comm_port_open_; }
+  [[nodiscard]] bool GB_KRM_CommPortOpen() const { return comm_port_open_; }
   void GB_KRM_CommPortOpen(bool value) { comm_port_open_ = value; }
-  bool GB_KRM_AbortDirectConnect() const { return abort_direct_connect_; }
+  [[nodiscard]] bool GB_KRM_AbortDirectConnect() const { return abort_direct_connect_; }
   void GB_KRM_AbortDirectConnect(bool value) { abort_direct_connect_ = value; }
-  const std::string& GS_KRM_RxDBuffer() const { return rxd_buffer_; }
+  [[nodiscard]] const std::string& GS_KRM_RxDBuffer() const { return rxd_buffer_; }
   void GS_KRM_RxDBuffer(std::string value) { rxd_buffer_ = std::move(value); }
-  const std::string& GS_KRM_VirtualMemory() const { return virtual_memory_; }
+  [[nodiscard]] const std::string& GS_KRM_VirtualMemory() const { return virtual_memory_; }
   void GS_KRM_VirtualMemory(std::string value) { virtual_memory_ = std::move(value); }
-  const std::string& GS_KRM_ErrMsg() const { return err_msg_; }
+  [[nodiscard]] const std::string& GS_KRM_ErrMsg() const { return err_msg_; }
   void GS_KRM_ErrMsg(std::string value) { err_msg_ = std::move(value); }
-  std::int32_t GL_KRM_FileCount() const { return file_count_; }
+  [[nodiscard]] std::int32_t GL_KRM_FileCount() const { return file_count_; }
   void GL_KRM_FileCount(std::int32_t value) { file_count_ = value; }
-  std::int32_t GL_KRM_TxDCount() const { return txd_count_; }
+  [[nodiscard]] std::int32_t GL_KRM_TxDCount() const { return txd_count_; }
   void GL_KRM_TxDCount(std::int32_t value) { txd_count_ = value; }
-  std::int32_t GL_KRM_RxDCount() const { return rxd_count_; }
+  [[nodiscard]] std::int32_t GL_KRM_RxDCount() const { return rxd_count_; }
   void GL_KRM_RxDCount(std::int32_t value) { rxd_count_ = value; }
 
  private:

@@ -52,7 +52,7 @@ struct CommandStates::Command {
   std::string_view recipe_item = {};
   std::string_view transaction_item = {};
 
-  bool OverBoth() const { return !recipe_item.empty(); }
+  [[nodiscard]] bool OverBoth() const { return !recipe_item.empty(); }
 };
 
 const std::array<CommandStates::Command, CommandStates::kCount>& CommandStates::Commands() {
@@ -177,7 +177,7 @@ void CommandStates::TurnPrintCommands(bool on) {
 }
 
 void TabFolder::SelectTab(int tab) {
-  commands_.TabOn(tab);  // throws for an invalid tab before anything is shown
+  static_cast<void>(commands_.TabOn(tab));  // throws for an invalid tab before anything is shown
   window_.ShowTab(tab);
   commands_.TurnTab(tab, true);
   Clicked(tab);

@@ -51,9 +51,9 @@ class CommandStates {
   CommandStates();
 
   // Throw Error for a name that is not among Names(), or for a tab that does not exist.
-  bool On(std::string_view name) const;
+  [[nodiscard]] bool On(std::string_view name) const;
   void Turn(std::string_view name, bool on);
-  bool TabOn(int tab) const;
+  [[nodiscard]] bool TabOn(int tab) const;
   void TurnTab(int tab, bool on);
 
   // A command for both databases stays enabled while the other database's command is enabled.
@@ -124,7 +124,7 @@ class MainView {
   // The Click routine of the current tab; `previous` was shown before. May run events.
   virtual void PrepareTab(int tab, int previous) = 0;
 
-  virtual PrintSources Printable() const = 0;
+  [[nodiscard]] virtual PrintSources Printable() const = 0;
 
   // Called before the views of that kind are rebound: stores pending edits, or gives them up with a
   // message. May run events.
@@ -164,7 +164,7 @@ class TabFolder {
   void Clicked(int tab);
 
   // The tab selected last; initially tab 0.
-  int CurrentTab() const { return current_tab_; }
+  [[nodiscard]] int CurrentTab() const { return current_tab_; }
 
   void UpdatePrintCommands(int tab) { commands_.UpdatePrintCommands(tab, window_.Printable()); }
 
@@ -184,7 +184,7 @@ class GeneralDelay {
   // return.
   bool Wait(Milliseconds interval);
 
-  bool Closing() const { return pump_.Closing(); }
+  [[nodiscard]] bool Closing() const { return pump_.Closing(); }
 
  private:
   EventPump& pump_;

@@ -80,7 +80,9 @@ class Creation {
     vrx::ShowBox(operator_, icon, title, std::move(text), std::move(cause));
   }
 
-  fs::path TemplatePath() const { return wanted_.program_directory / words_.template_name; }
+  [[nodiscard]] fs::path TemplatePath() const {
+    return wanted_.program_directory / words_.template_name;
+  }
 
   bool TemplateIsThere() {
     if (wanted_.program_directory.empty()) {

@@ -50,19 +50,21 @@ class ReportFile {
   void OpenRecipeBackupFile();
   void ForgetRecipeBackupFile() { Kept(DataFileType::kRecipeBackup) = {}; }
 
-  const LastFile& TransactionFile() const { return Kept(DataFileType::kTransaction); }
-  const LastFile& RecipeBackupFile() const { return Kept(DataFileType::kRecipeBackup); }
-  const LastFile& TextReport() const { return Kept(DataFileType::kReport); }
+  [[nodiscard]] const LastFile& TransactionFile() const { return Kept(DataFileType::kTransaction); }
+  [[nodiscard]] const LastFile& RecipeBackupFile() const {
+    return Kept(DataFileType::kRecipeBackup);
+  }
+  [[nodiscard]] const LastFile& TextReport() const { return Kept(DataFileType::kReport); }
 
   // Why the last save failed; empty after a successful save and after Cancel.
-  const std::string& SaveFailure() const { return save_failure_; }
+  [[nodiscard]] const std::string& SaveFailure() const { return save_failure_; }
 
  private:
   bool Save(DataFileType type);
-  FileAttributes Attributes(int file) const;
+  [[nodiscard]] FileAttributes Attributes(int file) const;
   void MarkSaved(int file, DataFileType type);
   LastFile& Kept(DataFileType type) { return kept_.at(static_cast<std::size_t>(type) - 1); }
-  const LastFile& Kept(DataFileType type) const {
+  [[nodiscard]] const LastFile& Kept(DataFileType type) const {
     return kept_.at(static_cast<std::size_t>(type) - 1);
   }
 

@@ -72,19 +72,19 @@ class DatabaseCommands {
 
   // RecipeDbPath, RecipeDbName, RecipeDbUoM and the same for transactions. Path and name are empty
   // after Save As, and may name a recalled file that was never opened; use Bound for the open one.
-  const CurrentDatabase& Recipe() const { return recipe_.current; }
-  const CurrentDatabase& Transaction() const { return transaction_.current; }
-  const std::filesystem::path& SaveAsPath() const { return save_as_path_; }
-  const std::string& SaveAsName() const { return save_as_name_; }
+  [[nodiscard]] const CurrentDatabase& Recipe() const { return recipe_.current; }
+  [[nodiscard]] const CurrentDatabase& Transaction() const { return transaction_.current; }
+  [[nodiscard]] const std::filesystem::path& SaveAsPath() const { return save_as_path_; }
+  [[nodiscard]] const std::string& SaveAsName() const { return save_as_name_; }
 
   // The database that the views are bound to, whatever the paths are.
-  const BoundDatabase& Bound(DatabaseKind kind) const { return SideOf(kind).bound; }
-  bool IsOpen(DatabaseKind kind) const;
+  [[nodiscard]] const BoundDatabase& Bound(DatabaseKind kind) const { return SideOf(kind).bound; }
+  [[nodiscard]] bool IsOpen(DatabaseKind kind) const;
 
   // The databases that are open, for an import, an export or a download.
-  OpenDatabases Opened() const;
+  [[nodiscard]] OpenDatabases Opened() const;
   // The open recipe database; an empty path if there is none.
-  CurrentDatabase OpenedRecipes() const;
+  [[nodiscard]] CurrentDatabase OpenedRecipes() const;
 
   void NewRecipeDatabase() { New(recipe_); }
   void NewTransactionDatabase() { New(transaction_); }
@@ -151,7 +151,7 @@ class DatabaseCommands {
   };
 
   Side& SideOf(DatabaseKind kind) { return kind == recipe_.kind ? recipe_ : transaction_; }
-  const Side& SideOf(DatabaseKind kind) const {
+  [[nodiscard]] const Side& SideOf(DatabaseKind kind) const {
     return kind == recipe_.kind ? recipe_ : transaction_;
   }
 
@@ -175,7 +175,7 @@ class DatabaseCommands {
   void SaveAs(Side& side);
   void RequireUnbound(const std::filesystem::path& target) const;
   void AskAboutUnit(Side& side);
-  bool MayRelabel(const Side& side) const;
+  [[nodiscard]] bool MayRelabel(const Side& side) const;
 
   // Runs `body`, which shows another database in the status bar and binds it. If it throws,
   // restores the previous state.

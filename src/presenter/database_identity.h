@@ -44,10 +44,10 @@ class DatabaseIdentity {
   void DateChange(SQLite::Database& database) const;
 
   // How its connections wait for locks, for routines that open connections of their own.
-  LockWait Wait() const { return lock_wait_; }
+  [[nodiscard]] LockWait Wait() const { return lock_wait_; }
 
   // The cause of the failure that was reported last; empty before the first one.
-  const std::string& FailureCause() const { return failure_cause_; }
+  [[nodiscard]] const std::string& FailureCause() const { return failure_cause_; }
 
  private:
   // Returns false if `body` threw, after reporting it under the title.

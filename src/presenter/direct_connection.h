@@ -43,7 +43,7 @@ class DirectConnection {
   bool LoadMemory(std::string_view text);
 
   // A transmission to the indicator has failed since Enter.
-  bool AnswerFailed() const { return answer_failed_; }
+  [[nodiscard]] bool AnswerFailed() const { return answer_failed_; }
 
   // Locks the line; LoadMemory's caller holds it during the transmission.
   LineGuard& Guard() { return krm_.Guard(); }

@@ -42,7 +42,7 @@ class TransferView {
   virtual ~TransferView() = default;
 
   // The open recipe database; an empty path if there is none.
-  virtual CurrentDatabase RecipeDatabase() const = 0;
+  [[nodiscard]] virtual CurrentDatabase RecipeDatabase() const = 0;
 
   // The open command of the File menu, with its dialog and messages.
   virtual void OpenRecipeDatabase() = 0;

@@ -21,7 +21,7 @@ class ExportView {
   virtual ~ExportView() = default;
 
   // The open databases.
-  virtual OpenDatabases Databases() const = 0;
+  [[nodiscard]] virtual OpenDatabases Databases() const = 0;
 
   // The current state of the `Batched/Fed` tab.
   virtual ExportSource DataGroup() = 0;
@@ -73,7 +73,7 @@ class ExportPresenter {
   // Advances the bar, which starts over when it would pass its end.
   void UpdateExportProgress(int step);
 
-  const ExportForm& Form() const { return form_; }
+  [[nodiscard]] const ExportForm& Form() const { return form_; }
 
  private:
   bool ValidateExportInput();

@@ -27,7 +27,7 @@ struct NamePickerState {
   std::string standby = {};  // empty: the box is hidden
 
   // The combo's text.
-  std::string Text() const;
+  [[nodiscard]] std::string Text() const;
 };
 
 // A record for the picker. A record without description is free and not offered.
@@ -43,7 +43,7 @@ class NamePicker {
   // Calls `changed` after each change that must be shown immediately.
   NamePicker(EventPump& pump, std::function<void()> changed);
 
-  const NamePickerState& State() const { return state_; }
+  [[nodiscard]] const NamePickerState& State() const { return state_; }
   void SetState(NamePickerState state);
 
   // The operator enters the tab: empties and hides the combo; names will be read again.
@@ -112,19 +112,19 @@ class HistoryPresenter {
   // A click in `lstGroupBy`, 0 to 12, even on the selected item. Refuses a group by name while no
   // recipe database is open. Any other index does nothing.
   void SelectGroup(int index);
-  int GroupIndex() const { return group_index_; }
+  [[nodiscard]] int GroupIndex() const { return group_index_; }
   // The text of the selected item.
-  std::string_view CurrentDataGroupText() const;
+  [[nodiscard]] std::string_view CurrentDataGroupText() const;
 
   // A click in `cboColName`: the grid shows the transactions of that name, by item from 0.
   void PickName(int item);
   // "Recipe", "Ingredient" or "Pen"; "" for a group that is not by name.
-  std::string_view GetNamedGroupColumn() const;
-  const NamePickerState& Picker() const { return picker_.State(); }
+  [[nodiscard]] std::string_view GetNamedGroupColumn() const;
+  [[nodiscard]] const NamePickerState& Picker() const { return picker_.State(); }
 
   // `chkExpandAll`
   void SetExpandAll(bool on);
-  bool ExpandAll() const { return expand_all_; }
+  [[nodiscard]] bool ExpandAll() const { return expand_all_; }
 
   void OpenGroup(std::int64_t row);
   void CloseGroup(std::int64_t row);
@@ -140,7 +140,7 @@ class HistoryPresenter {
   void ReportFailure(const std::exception_ptr& failure);
 
   // False while a group is being set up and `grdTRANS` is hidden.
-  bool GridVisible() const { return grid_visible_; }
+  [[nodiscard]] bool GridVisible() const { return grid_visible_; }
   // Only for reading rows, columns, captions and the header strip.
   HistoryGrid& Grid() { return grid_; }
 

@@ -23,7 +23,7 @@ class ImportView {
   virtual ~ImportView() = default;
 
   // The open databases.
-  virtual OpenDatabases Databases() const = 0;
+  [[nodiscard]] virtual OpenDatabases Databases() const = 0;
 
   // The current rows of `grdING`; none if no recipe database is open. May throw DatabaseError.
   virtual std::vector<IngredientRecord> GridIngredients() = 0;

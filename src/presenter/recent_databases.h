@@ -20,8 +20,8 @@ class RecentDatabases {
   // The window's Activate. The first one after Load opens the pending databases, recipes first.
   void Activate();
 
-  bool AutoloadRecipePending() const { return autoload_recipe_pending_; }
-  bool AutoloadTransPending() const { return autoload_trans_pending_; }
+  [[nodiscard]] bool AutoloadRecipePending() const { return autoload_recipe_pending_; }
+  [[nodiscard]] bool AutoloadTransPending() const { return autoload_trans_pending_; }
 
  private:
   bool Recall(DatabaseKind kind, bool autoload_on);

@@ -78,9 +78,9 @@ struct SetupControls {
   int baud_rate = kNoSelection;     // of kBaudRateList
   std::array<bool, kSetupOptionCount> options{};
 
-  std::string_view SystemUnits() const;  // the chosen text; "" without a selection
-  std::string_view SerialPort() const;
-  std::string_view BaudRate() const;
+  [[nodiscard]] std::string_view SystemUnits() const;  // the chosen text; "" without a selection
+  [[nodiscard]] std::string_view SerialPort() const;
+  [[nodiscard]] std::string_view BaudRate() const;
 };
 
 // The settings as the form shows them. A baud rate that is not in the list is shown as 19200.

@@ -38,7 +38,7 @@ struct ReportRow {
 class ReportRows {
  public:
   virtual ~ReportRows() = default;
-  virtual std::int64_t Count() const = 0;
+  [[nodiscard]] virtual std::int64_t Count() const = 0;
   virtual ReportRow Row(std::int64_t row) = 0;
   // Whether the rows of an open group follow. Such a row is not the last one of a page.
   virtual bool IsHead(std::int64_t /*row*/) { return false; }
@@ -64,7 +64,9 @@ struct Report {
 class ListedRows : public ReportRows {
  public:
   explicit ListedRows(std::vector<ReportRow> rows) : rows_(std::move(rows)) {}
-  std::int64_t Count() const override { return static_cast<std::int64_t>(rows_.size()); }
+  [[nodiscard]] std::int64_t Count() const override {
+    return static_cast<std::int64_t>(rows_.size());
+  }
   ReportRow Row(std::int64_t row) override { return rows_.at(static_cast<std::size_t>(row) - 1); }
 
  private:

@@ -26,39 +26,41 @@ class ReportLayout {
   // The design and the device outlive the object.
   ReportLayout(const ReportDesign& design, ReportRows& rows, const QPagedPaintDevice& device);
 
-  double PageWidth() const { return page_width_; }
-  double PageHeight() const { return page_height_; }
+  [[nodiscard]] double PageWidth() const { return page_width_; }
+  [[nodiscard]] double PageHeight() const { return page_height_; }
 
   // The lines of the header, wrapped to their width.
-  const QStringList& HeaderCenter() const { return header_center_; }
-  const QStringList& HeaderRight() const { return header_right_; }
-  double HeaderLine() const { return header_line_; }
-  double FooterTop() const { return page_height_ - header_line_; }
+  [[nodiscard]] const QStringList& HeaderCenter() const { return header_center_; }
+  [[nodiscard]] const QStringList& HeaderRight() const { return header_right_; }
+  [[nodiscard]] double HeaderLine() const { return header_line_; }
+  [[nodiscard]] double FooterTop() const { return page_height_ - header_line_; }
 
-  double CaptionTop() const { return caption_top_; }
-  double CaptionLine() const { return caption_line_; }
-  double CaptionHeight() const { return caption_height_; }
+  [[nodiscard]] double CaptionTop() const { return caption_top_; }
+  [[nodiscard]] double CaptionLine() const { return caption_line_; }
+  [[nodiscard]] double CaptionHeight() const { return caption_height_; }
   // The caption of a column, top line first.
-  const QStringList& CaptionLines(std::size_t column) const { return caption_lines_[column]; }
+  [[nodiscard]] const QStringList& CaptionLines(std::size_t column) const {
+    return caption_lines_[column];
+  }
 
-  double RowsTop() const { return caption_top_ + caption_height_; }
-  double RowHeight() const { return row_height_; }
-  double ColumnWidth(std::size_t column) const { return widths_[column]; }
-  double Padding() const { return padding_; }
-  double Indent() const { return indent_; }
-  double Hairline() const { return hairline_; }
+  [[nodiscard]] double RowsTop() const { return caption_top_ + caption_height_; }
+  [[nodiscard]] double RowHeight() const { return row_height_; }
+  [[nodiscard]] double ColumnWidth(std::size_t column) const { return widths_[column]; }
+  [[nodiscard]] double Padding() const { return padding_; }
+  [[nodiscard]] double Indent() const { return indent_; }
+  [[nodiscard]] double Hairline() const { return hairline_; }
 
-  const QFont& HeaderFont() const { return header_font_; }
-  const QFont& CaptionFont() const { return caption_font_; }
-  const QFont& RowFont(ReportRowKind kind) const {
+  [[nodiscard]] const QFont& HeaderFont() const { return header_font_; }
+  [[nodiscard]] const QFont& CaptionFont() const { return caption_font_; }
+  [[nodiscard]] const QFont& RowFont(ReportRowKind kind) const {
     return kind == ReportRowKind::kRecord ? row_font_ : bold_font_;
   }
 
   // The font size of a record.
-  double LetterPoints() const { return row_font_.pointSizeF(); }
+  [[nodiscard]] double LetterPoints() const { return row_font_.pointSizeF(); }
 
   // More than one if the report is too wide for one page: sheets to lay side by side.
-  const std::vector<ColumnStrip>& Strips() const { return strips_; }
+  [[nodiscard]] const std::vector<ColumnStrip>& Strips() const { return strips_; }
 
   // The first row of the page after the one that begins with `start`; Count() + 1 at the end.
   [[nodiscard]] std::int64_t NextStart(std::int64_t start, ReportRows& rows) const;
@@ -73,9 +75,9 @@ class ReportLayout {
   void FitColumns();
   void LayOutCaptions();
   void CutStrips();
-  double TextWidth(const QString& text, const QFont& font) const;
-  QStringList Broken(const std::string& text, const QFont& font, double width,
-                     QTextOption::WrapMode mode) const;
+  [[nodiscard]] double TextWidth(const QString& text, const QFont& font) const;
+  [[nodiscard]] QStringList Broken(const std::string& text, const QFont& font, double width,
+                                   QTextOption::WrapMode mode) const;
 
   const ReportDesign& design_;
   const QPagedPaintDevice& device_;

@@ -32,7 +32,7 @@ class ReportPage {
   void DrawGrid(const std::vector<ReportRow>& rows, const ColumnStrip& strip);
   void DrawText(const QRectF& box, Qt::Alignment side, const QString& text, const QFont& font,
                 std::uint32_t color);
-  double StripWidth(const ColumnStrip& strip) const;
+  [[nodiscard]] double StripWidth(const ColumnStrip& strip) const;
 
   const ReportDesign& design_;
   const ReportLayout& layout_;

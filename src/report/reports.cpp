@@ -58,7 +58,7 @@ class HistoryRows : public ReportRows {
   HistoryRows(HistoryGrid& grid, std::vector<int> columns)
       : grid_(grid), columns_(std::move(columns)) {}
 
-  std::int64_t Count() const override { return grid_.RowCount(); }
+  [[nodiscard]] std::int64_t Count() const override { return grid_.RowCount(); }
 
   ReportRow Row(std::int64_t row) override {
     ShownRow shown = grid_.Row(row);
@@ -91,7 +91,7 @@ class ImportRows : public ReportRows {
   ImportRows(const ImportedData& import, int count, std::vector<int> columns)
       : import_(import), count_(count), columns_(std::move(columns)) {}
 
-  std::int64_t Count() const override { return count_; }
+  [[nodiscard]] std::int64_t Count() const override { return count_; }
 
   ReportRow Row(std::int64_t row) override {
     ReportRow printed;

@@ -154,9 +154,9 @@ class PrivateINI {
     bool on = false;
   };
 
-  const std::string& Text(Key key) const { return values_.at(key).text; }
+  [[nodiscard]] const std::string& Text(Key key) const { return values_.at(key).text; }
   void Let(std::size_t key, std::string_view text);
-  bool On(Key key) const { return values_.at(key).on; }
+  [[nodiscard]] bool On(Key key) const { return values_.at(key).on; }
   void LetOn(Key key, bool on) { values_.at(key).on = on; }
   bool WriteValue(const CPrivateINI& ini, std::size_t key);
 

@@ -37,13 +37,13 @@ class DataModule final : public Device {
   // Logs the number of bytes dropped since the last report, if any. Each command does so too.
   void ReportDropped();
 
-  const std::string& Memory() const { return memory_; }
+  [[nodiscard]] const std::string& Memory() const { return memory_; }
 
  private:
   void Keep(std::string_view bytes);
-  Transmission Acknowledge(char command) const;
+  [[nodiscard]] Transmission Acknowledge(char command) const;
   Transmission Dump(char command);
-  Transmission Spoil(std::string reply, bool gives_way) const;
+  [[nodiscard]] Transmission Spoil(std::string reply, bool gives_way) const;
 
   Faults faults_;
   LogMessage log_;

@@ -63,8 +63,8 @@ class FeedingWork {
   // `limit` bytes.
   [[nodiscard]] bool FeedDay(Day day, std::size_t limit);
 
-  std::string Records() const;
-  const std::vector<Weighing>& Weighings() const { return done_.weighings; }
+  [[nodiscard]] std::string Records() const;
+  [[nodiscard]] const std::vector<Weighing>& Weighings() const { return done_.weighings; }
 
  private:
   struct Load {
@@ -78,10 +78,10 @@ class FeedingWork {
     int loads = 0;
   };
 
-  std::vector<Load> LoadsOfDay() const;
+  [[nodiscard]] std::vector<Load> LoadsOfDay() const;
   int Batch(const Load& load, Day day, Log& log);
   void FeedOut(const Load& load, Day day, int batched, Log& log);
-  std::string RecordsOf(const Log& log) const;
+  [[nodiscard]] std::string RecordsOf(const Log& log) const;
   std::string Clock();
   int Dice(int from, int to);
 

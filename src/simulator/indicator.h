@@ -49,8 +49,8 @@ class ReplyTap {
   // Returns how many of the bytes belong to the reply or come before it.
   std::size_t Listen(std::string_view bytes);
 
-  bool Complete() const { return state_ == State::kComplete; }
-  const std::string& Data() const { return data_; }
+  [[nodiscard]] bool Complete() const { return state_ == State::kComplete; }
+  [[nodiscard]] const std::string& Data() const { return data_; }
 
  private:
   enum class State { kCommand, kFirstTerminator, kData, kComplete };

@@ -153,7 +153,7 @@ class Parser {
     return *time;
   }
 
-  std::filesystem::path Path(std::string_view rest, Step::Kind kind, int line) const {
+  [[nodiscard]] std::filesystem::path Path(std::string_view rest, Step::Kind kind, int line) const {
     if (rest.empty()) {
       throw ScriptError(line, "a path is missing");
     }
@@ -168,7 +168,7 @@ class Parser {
     return path;
   }
 
-  bool IsSavedBefore(const std::filesystem::path& path) const {
+  [[nodiscard]] bool IsSavedBefore(const std::filesystem::path& path) const {
     return std::any_of(steps_.begin(), steps_.end(), [&path](const Step& step) {
       return step.kind == Step::Kind::kSave && step.path == path;
     });

@@ -38,7 +38,7 @@ class LineLoop {
   void SendXoff();
   void Wait();
   void AwaitTaken();
-  bool Deaf() const { return deaf_after_ && received_ >= *deaf_after_; }
+  [[nodiscard]] bool Deaf() const { return deaf_after_ && received_ >= *deaf_after_; }
 
   PtyLine& line_;
   Transmitter& transmitter_;

@@ -27,8 +27,8 @@ class Descriptor {
   Descriptor(const Descriptor&) = delete;
   Descriptor& operator=(const Descriptor&) = delete;
 
-  int Get() const { return fd_; }
-  bool Open() const { return fd_ >= 0; }
+  [[nodiscard]] int Get() const { return fd_; }
+  [[nodiscard]] bool Open() const { return fd_ >= 0; }
   void Close() {
     if (fd_ >= 0) {
       ::close(std::exchange(fd_, -1));
@@ -48,7 +48,7 @@ class Signals {
   Signals();
 
   // For poll: readable when a signal is pending.
-  int Handle() const { return descriptor_.Get(); }
+  [[nodiscard]] int Handle() const { return descriptor_.Get(); }
 
   // Takes the next pending signal; does not wait.
   [[nodiscard]] Request Take();
@@ -76,7 +76,7 @@ class PtyLine {
   PtyLine& operator=(const PtyLine&) = delete;
 
   // For poll: readable when a client has sent bytes, writable when the line accepts some.
-  int Handle() const { return master_.Get(); }
+  [[nodiscard]] int Handle() const { return master_.Get(); }
 
   // Neither waits. Read returns nothing if no bytes are pending; Write returns the number of bytes
   // that the line accepted.
@@ -84,7 +84,7 @@ class PtyLine {
   std::size_t Write(std::string_view bytes);
 
   // For poll: readable when clients opened or closed the line.
-  int ClientsHandle() const { return watch_.Get(); }
+  [[nodiscard]] int ClientsHandle() const { return watch_.Get(); }
   // Does not wait. Ends the exclusive use of a client that closed the line or was killed.
   Clients TakeClients();
 

@@ -38,7 +38,7 @@ class Transmitter {
   // hold ends.
   void HoldForLine(bool hold, Time now);
   void HoldForFlowControl(bool hold, Time now);
-  bool HeldForLine() const { return held_for_line_; }
+  [[nodiscard]] bool HeldForLine() const { return held_for_line_; }
 
   // When the next portion of about 8 ms is due; empty while held or without bytes.
   [[nodiscard]] std::optional<Time> NextPortion() const;
@@ -49,10 +49,10 @@ class Transmitter {
     bool gives_way;
   };
 
-  bool Held() const { return held_for_line_ || held_for_flow_control_; }
+  [[nodiscard]] bool Held() const { return held_for_line_ || held_for_flow_control_; }
   void Hold(bool& reason, bool hold, Time now);
   void DropDone(Time now);
-  Duration TimeOf(std::size_t bytes) const;
+  [[nodiscard]] Duration TimeOf(std::size_t bytes) const;
 
   std::uint32_t baud_;
   std::deque<Waiting> waiting_;

@@ -18,7 +18,7 @@ class DataWindow : public QPlainTextEdit {
 
   // Does nothing if the bytes are the same; otherwise scrolls to the top.
   void SetBytes(const std::string& bytes);
-  const std::string& Bytes() const { return bytes_; }
+  [[nodiscard]] const std::string& Bytes() const { return bytes_; }
 
  Q_SIGNALS:
   void Edited();  // by the operator

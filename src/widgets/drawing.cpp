@@ -75,10 +75,10 @@ class SvgIconEngine : public QIconEngine {
     return pixmap;
   }
 
-  QIconEngine* clone() const override { return new SvgIconEngine(drawing_); }
+  [[nodiscard]] QIconEngine* clone() const override { return new SvgIconEngine(drawing_); }
 
  private:
-  QByteArray Coloured(QIcon::Mode mode) const {
+  [[nodiscard]] QByteArray Coloured(QIcon::Mode mode) const {
     const QPalette palette = QGuiApplication::palette();
     const QPalette::ColorGroup group =
         mode == QIcon::Disabled ? QPalette::Disabled : QPalette::Active;

@@ -52,10 +52,10 @@ class Box : public FilteredEdit {
     setSizePolicy(QSizePolicy::Maximum, QSizePolicy::Fixed);
   }
 
-  QSize sizeHint() const override {
+  [[nodiscard]] QSize sizeHint() const override {
     return {WidthFor(*this, limit_), FilteredEdit::sizeHint().height()};
   }
-  QSize minimumSizeHint() const override {
+  [[nodiscard]] QSize minimumSizeHint() const override {
     return {static_cast<int>(limit_) * fontMetrics().averageCharWidth() + kGroupSpacing,
             FilteredEdit::minimumSizeHint().height()};
   }

@@ -33,7 +33,7 @@ class FilteredEdit : public QLineEdit {
   void setText(const QString& text);
 
   // UTF-8.
-  std::string Text() const { return text().toStdString(); }
+  [[nodiscard]] std::string Text() const { return text().toStdString(); }
 
  Q_SIGNALS:
   void Refused();
@@ -54,7 +54,7 @@ class FilteredEdit : public QLineEdit {
 
   QValidator::State Admit(QString& text, int& cursor);
   QString Filtered(QString before, const QString& typed);
-  QString OneFiltered(const QString& before, QChar character) const;
+  [[nodiscard]] QString OneFiltered(const QString& before, QChar character) const;
 
   Filter filter_;
   int limit_;

@@ -17,15 +17,15 @@ class ElidedLabel : public QLabel {
  public:
   explicit ElidedLabel(QWidget* parent = nullptr);
 
-  QSize minimumSizeHint() const override;
+  [[nodiscard]] QSize minimumSizeHint() const override;
 
  protected:
   bool event(QEvent* event) override;
   void paintEvent(QPaintEvent* event) override;
 
  private:
-  bool IsCut() const;
-  QRect Room() const;
+  [[nodiscard]] bool IsCut() const;
+  [[nodiscard]] QRect Room() const;
 };
 
 // A read-only text that can be scrolled with the mouse. Passes the focus on to another control.

@@ -17,7 +17,7 @@ class TwoPartRow : public QWidget {
   QBoxLayout* Second() { return second_; }
 
   // The minimum size of the wider group.
-  QSize minimumSizeHint() const override;
+  [[nodiscard]] QSize minimumSizeHint() const override;
 
  protected:
   void resizeEvent(QResizeEvent* event) override;

@@ -203,8 +203,8 @@ TEST(HistoryColumns, AnInvalidColumnOrPositionIsAnError) {
   EXPECT_THROW(columns.Move(1, 0), std::out_of_range);
   EXPECT_THROW(columns.Move(1, 113), std::out_of_range);
   EXPECT_THROW(columns.Move(113, 1), std::out_of_range);
-  EXPECT_THROW(columns.Position(0), std::out_of_range);
-  EXPECT_THROW(columns.Caption(-1), std::out_of_range);
+  EXPECT_THROW(static_cast<void>(columns.Position(0)), std::out_of_range);
+  EXPECT_THROW(static_cast<void>(columns.Caption(-1)), std::out_of_range);
 }
 
 TEST(GetVisibleColumnList, PutsAFieldIntoTheSlotOfItsPosition) {

@@ -147,11 +147,11 @@ TEST_F(ExtractFiles, AttributesAreAddressedByFileAndAttributeFromOne) {
 }
 
 TEST_F(ExtractFiles, AttributesOutOfRangeAreRefused) {
-  EXPECT_THROW(krm.GL_KRM_FileAttributes(0), Error);
-  EXPECT_THROW(krm.GL_KRM_FileAttributes(100), Error);
-  EXPECT_THROW(krm.GL_KRM_FileAttributes(-1, 1), Error);
-  EXPECT_THROW(krm.GL_KRM_FileAttributes(1, 0), Error);
-  EXPECT_THROW(krm.GL_KRM_FileAttributes(1, 4), Error);
+  EXPECT_THROW(static_cast<void>(krm.GL_KRM_FileAttributes(0)), Error);
+  EXPECT_THROW(static_cast<void>(krm.GL_KRM_FileAttributes(100)), Error);
+  EXPECT_THROW(static_cast<void>(krm.GL_KRM_FileAttributes(-1, 1)), Error);
+  EXPECT_THROW(static_cast<void>(krm.GL_KRM_FileAttributes(1, 0)), Error);
+  EXPECT_THROW(static_cast<void>(krm.GL_KRM_FileAttributes(1, 4)), Error);
   EXPECT_EQ(krm.GL_KRM_FileAttributes(99, 3), 0);
 }
 

@@ -133,9 +133,9 @@ TEST_F(CommandStatesTest, EveryObserverIsNotified) {
 }
 
 TEST_F(CommandStatesTest, RefusesANameOrATabThatIsMissing) {
-  EXPECT_THROW(states_.On("mnuFileExit"), Error);
+  EXPECT_THROW(static_cast<void>(states_.On("mnuFileExit")), Error);
   EXPECT_THROW(states_.Turn("save", true), Error);
-  EXPECT_THROW(states_.TabOn(7), Error);
+  EXPECT_THROW(static_cast<void>(states_.TabOn(7)), Error);
   EXPECT_THROW(states_.TurnTab(-1, true), Error);
 }
 

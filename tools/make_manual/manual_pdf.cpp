@@ -64,7 +64,7 @@ class Manual {
   }
 
  private:
-  std::vector<ContentsLine> ContentsLines() const {
+  [[nodiscard]] std::vector<ContentsLine> ContentsLines() const {
     std::vector<ContentsLine> lines;
     int number = kFirstPage;
     for (const Page& page : pages_) {

@@ -31,7 +31,7 @@ const std::string kTransactionFile = "YARD.TDB";
 // The figures show the screens of one day.
 class SampleCalendar : public Calendar {
  public:
-  Date Today() const override {
+  [[nodiscard]] Date Today() const override {
     return {std::chrono::year{2026}, std::chrono::January, std::chrono::day{12}};
   }
 };
@@ -41,9 +41,11 @@ class SampleSystem : public SystemInfo {
   explicit SampleSystem(fs::path program_directory)
       : program_directory_(std::move(program_directory)) {}
 
-  std::string WindowsDirectory() const override { return "/usr"; }
-  std::string CommonAppDataFolder() const override { return "."; }
-  std::string ProgramDirectory() const override { return program_directory_.string(); }
+  [[nodiscard]] std::string WindowsDirectory() const override { return "/usr"; }
+  [[nodiscard]] std::string CommonAppDataFolder() const override { return "."; }
+  [[nodiscard]] std::string ProgramDirectory() const override {
+    return program_directory_.string();
+  }
   int FindExecutable(const std::string& document, const std::string& /*directory*/,
                      std::string& viewer) const override {
     constexpr int kFound = 33;
@@ -57,7 +59,7 @@ class SampleSystem : public SystemInfo {
 
 class SampleOperatingSystem : public OperatingSystem {
  public:
-  OsVersion Version() const override { return {.platform = 4}; }
+  [[nodiscard]] OsVersion Version() const override { return {.platform = 4}; }
   std::optional<RegistryKey> OpenKey(RegistryRoot /*root*/, std::string_view /*path*/) override {
     return std::nullopt;
   }
@@ -79,7 +81,7 @@ class SampleModule : public SerialControl {
   void SetHandshaking(Handshaking /*mode*/) override {}
   void SetCommPort(int /*number*/) override {}
   void SetSettings(std::string_view /*settings*/) override {}
-  bool PortOpen() const override { return open_; }
+  [[nodiscard]] bool PortOpen() const override { return open_; }
   void SetPortOpen(bool open) override {
     open_ = open;
     reply_.clear();
@@ -108,7 +110,7 @@ class SampleModule : public SerialControl {
 // Waits take no time: their end comes as soon as the pending events are handled.
 class HastyPump : public QtEventPump {
  public:
-  Milliseconds Now() const override { return QtEventPump::Now() + skipped_; }
+  [[nodiscard]] Milliseconds Now() const override { return QtEventPump::Now() + skipped_; }
   void Pump(Milliseconds limit) override {
     QtEventPump::Pump(Milliseconds{0});
     constexpr Milliseconds kLongest{1000};  // some waits have no end of their own
@@ -135,7 +137,7 @@ class SampleFileChooser : public FileChooser {
 
 class SampleSettings : public UserSettings {
  public:
-  std::string GetSetting(std::string_view /*key*/) const override { return {}; }
+  [[nodiscard]] std::string GetSetting(std::string_view /*key*/) const override { return {}; }
   void SaveSetting(std::string_view /*key*/, std::string_view /*value*/) override {}
 };
 
@@ -194,7 +196,9 @@ class SampleProgram::Parts {
     SetHelpHandlers(form->Window(), system, os, op);
   }
 
-  fs::path SiteFile(const std::string& name) const { return app_folder.DefaultAppPath() / name; }
+  [[nodiscard]] fs::path SiteFile(const std::string& name) const {
+    return app_folder.DefaultAppPath() / name;
+  }
 
   void RunEvents() {
     // A queued call may post another one.

@@ -26,7 +26,7 @@ class NoWindow : public ImportView {
  public:
   explicit NoWindow(OpenDatabases databases) : databases_(std::move(databases)) {}
 
-  OpenDatabases Databases() const override { return databases_; }
+  [[nodiscard]] OpenDatabases Databases() const override { return databases_; }
   std::vector<IngredientRecord> GridIngredients() override { return {}; }
   void SelectImportTab() override {}
   void FocusControl(std::string_view /*name*/) override {}

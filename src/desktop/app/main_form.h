@@ -69,10 +69,10 @@ class ProgramForm {
   virtual bool LeaveEdits() = 0;
 
   // The end of the program, in the order of the calls.
-  virtual void CloseSerialPort() = 0;                    // without a wait
-  virtual void UnloadSetup() = 0;                        // does nothing if it is not loaded
-  virtual std::optional<WindowPlace> Place() const = 0;  // nothing while minimized
-  virtual RecentFile Recent(DatabaseKind kind) const = 0;
+  virtual void CloseSerialPort() = 0;  // without a wait
+  virtual void UnloadSetup() = 0;      // does nothing if it is not loaded
+  [[nodiscard]] virtual std::optional<WindowPlace> Place() const = 0;  // nothing while minimized
+  [[nodiscard]] virtual RecentFile Recent(DatabaseKind kind) const = 0;
   virtual void CloseDatabase(DatabaseKind kind) = 0;
   virtual void ReleaseDataControls() = 0;
   virtual void UnloadOpenForms() = 0;  // all but the main window
@@ -104,8 +104,8 @@ class MainForm : public QObject, public ProgramForm {
   bool LeaveEdits() override { return window_.LeaveEdits(); }
   void CloseSerialPort() override { krm_.KRM_ImmediateClose(); }
   void UnloadSetup() override;
-  std::optional<WindowPlace> Place() const override;
-  RecentFile Recent(DatabaseKind kind) const override;
+  [[nodiscard]] std::optional<WindowPlace> Place() const override;
+  [[nodiscard]] RecentFile Recent(DatabaseKind kind) const override;
   void CloseDatabase(DatabaseKind kind) override;
   void ReleaseDataControls() override { databases_.Release(); }
   void UnloadOpenForms() override;
@@ -138,11 +138,11 @@ class MainForm : public QObject, public ProgramForm {
   void GoToRecipe(int position);
   void ShowLine();
   void ShowSetup();
-  SetupFacts Facts() const;
+  [[nodiscard]] SetupFacts Facts() const;
 
   // The tabs Batched/Fed and Export.
   void AddHistoryPages();
-  bool ActiveIngredientsOnly() const;
+  [[nodiscard]] bool ActiveIngredientsOnly() const;
 
   Services& services_;
   WaitBudget& lock_waits_;

@@ -64,7 +64,7 @@ class RefreshingOperator : public Operator {
   }
 
   // The status line tells a failure.
-  bool StatusIsError() const { return told_ && color_ == StatusColor::kRed; }
+  [[nodiscard]] bool StatusIsError() const { return told_ && color_ == StatusColor::kRed; }
 
  private:
   Operator& op_;
@@ -81,8 +81,8 @@ class RefreshingOperator : public Operator {
 class FileIcons : public QFileIconProvider {
  public:
   using QFileIconProvider::icon;
-  QIcon icon(const QFileInfo& file) const override;
-  QString type(const QFileInfo& file) const override;
+  [[nodiscard]] QIcon icon(const QFileInfo& file) const override;
+  [[nodiscard]] QString type(const QFileInfo& file) const override;
 };
 
 // File dialogs over the active window. They are Qt's own rather than the platform's, so that a name
@@ -97,7 +97,7 @@ class QtFileChooser : public FileChooser {
 
  private:
   void SetUp(QFileDialog& widget, const FileDialog& dialog);
-  QString LastFolder() const;
+  [[nodiscard]] QString LastFolder() const;
 
   FileIcons icons_;
   std::function<std::string()> home_;
@@ -108,7 +108,7 @@ class QtFileChooser : public FileChooser {
 // the user.
 class QtUserSettings : public UserSettings {
  public:
-  std::string GetSetting(std::string_view key) const override;
+  [[nodiscard]] std::string GetSetting(std::string_view key) const override;
   void SaveSetting(std::string_view key, std::string_view value) override;
 };
 

@@ -22,7 +22,7 @@ class ConversionProgress : public QDialog {
 
   QLabel& Message() { return *message_; }
   QProgressBar& Bar() { return *bar_; }
-  bool Cancelled() const { return cancelled_; }
+  [[nodiscard]] bool Cancelled() const { return cancelled_; }
 
   void reject() override;
 
@@ -41,7 +41,9 @@ class QtConversionDisplay : public ConversionDisplay {
 
   void BeginProgress() override;
   void EndProgress() override;
-  bool Cancelled() const override { return progress_ != nullptr && progress_->Cancelled(); }
+  [[nodiscard]] bool Cancelled() const override {
+    return progress_ != nullptr && progress_->Cancelled();
+  }
   void SetProgressMessage(std::string_view text) override;
   void SetProgressRange(int maximum) override;
   void SetProgressValue(int value) override;

@@ -35,7 +35,7 @@ class ExportPage final : public MainTabPage, private ExportView {
 
  private:
   // ExportView.
-  OpenDatabases Databases() const override { return databases_.Opened(); }
+  [[nodiscard]] OpenDatabases Databases() const override { return databases_.Opened(); }
   ExportSource DataGroup() override { return Current(*history_.View()); }
   void ConfigureImportColumns() override { configure_import_columns_(); }
   void FocusControl(std::string_view name) override;

@@ -61,7 +61,7 @@ class HistoryPage final : public MainTabPage, private HistoryView {
   // and after the last one is released.
   HistoryPresenter* View() { return view_ ? &*view_ : nullptr; }
   // `chkBatFitPage`
-  bool FitAllColumns() const { return chk_bat_fit_page_->isChecked(); }
+  [[nodiscard]] bool FitAllColumns() const { return chk_bat_fit_page_->isChecked(); }
 
   // MainTabPage.
   void TabChanged(int tab, int previous) override;

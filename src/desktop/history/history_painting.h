@@ -36,10 +36,11 @@ class HistoryStyles {
   static QColor HeaderColor(const QPalette& palette);
 
   // `row` counts from 1; `selected` for the current row.
-  const HistoryLook& Row(HistoryRowKind kind, std::int64_t row, bool selected) const;
+  [[nodiscard]] const HistoryLook& Row(HistoryRowKind kind, std::int64_t row, bool selected) const;
 
   // The style of a cell of that column in such a row.
-  const HistoryLook& Cell(HistoryRowKind kind, int column, std::int64_t row, bool selected) const;
+  [[nodiscard]] const HistoryLook& Cell(HistoryRowKind kind, int column, std::int64_t row,
+                                        bool selected) const;
 
  private:
   using Looks = std::array<HistoryLook, 9>;  // by FormatStyle

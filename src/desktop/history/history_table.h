@@ -30,7 +30,7 @@ class HistoryHeader : public QHeaderView {
   void ShowColumns(const HistoryGrid& grid);
 
   // The visible columns in their order.
-  std::vector<ShownColumn> Shown() const;
+  [[nodiscard]] std::vector<ShownColumn> Shown() const;
 
  Q_SIGNALS:
   void SortChosen(int column);
@@ -43,10 +43,10 @@ class HistoryHeader : public QHeaderView {
  private:
   void ShowOrder(const HistoryColumns& columns);
   void ShowSort(const HistoryGrid& grid);
-  int WidthFor(int column, const std::string& caption) const;
+  [[nodiscard]] int WidthFor(int column, const std::string& caption) const;
   // The width for the caption within a section of that width, with or without the sort mark.
-  int CaptionRoom(int width, bool marked) const;
-  int SortMarkWidth() const;
+  [[nodiscard]] int CaptionRoom(int width, bool marked) const;
+  [[nodiscard]] int SortMarkWidth() const;
   void ApplyColors();
 
   std::set<int> sized_;  // by the operator
@@ -61,8 +61,8 @@ class HistoryTableView : public QTableView {
  public:
   explicit HistoryTableView(QWidget* parent = nullptr);
 
-  HistoryTableModel& Model() const { return *model_; }
-  HistoryHeader& Header() const { return *header_; }
+  [[nodiscard]] HistoryTableModel& Model() const { return *model_; }
+  [[nodiscard]] HistoryHeader& Header() const { return *header_; }
 
   // Shows the current contents of the grid.
   void ShowGrid();
@@ -93,14 +93,14 @@ class HistoryTableView : public QTableView {
   void currentChanged(const QModelIndex& current, const QModelIndex& previous) override;
   void scrollContentsBy(int dx, int dy) override;
   QModelIndex moveCursor(CursorAction action, Qt::KeyboardModifiers modifiers) override;
-  int sizeHintForColumn(int column) const override;
+  [[nodiscard]] int sizeHintForColumn(int column) const override;
 
  private:
-  std::vector<ColumnSpan> SpansIn(const QRect& area) const;
+  [[nodiscard]] std::vector<ColumnSpan> SpansIn(const QRect& area) const;
   // The group row at a point, or -1.
-  int GroupAt(const QPoint& point) const;
-  bool OnMark(const QPoint& point, int row) const;
-  QRect LineOf(int row) const;
+  [[nodiscard]] int GroupAt(const QPoint& point) const;
+  [[nodiscard]] bool OnMark(const QPoint& point, int row) const;
+  [[nodiscard]] QRect LineOf(int row) const;
   void Turn(int row);
   bool TurnByKey(const QKeyEvent& key);
   void ApplyRowHeight();

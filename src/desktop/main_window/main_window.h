@@ -76,7 +76,9 @@ class MainWindow : public QMainWindow, public MainView, private CommandObserver 
   // MainView.
   void ShowTab(int tab) override { tab_folder_->ShowTab(tab); }
   void PrepareTab(int tab, int previous) override;
-  PrintSources Printable() const override { return sources_ ? sources_() : PrintSources{}; }
+  [[nodiscard]] PrintSources Printable() const override {
+    return sources_ ? sources_() : PrintSources{};
+  }
   void LeaveEdits(DatabaseKind kind) override;
   void Rebind(DatabaseKind kind, const BoundDatabase& database) override;
   void ReleaseViews() override;
@@ -115,7 +117,7 @@ class MainWindow : public QMainWindow, public MainView, private CommandObserver 
   void CommitFocus();
   template <typename Call>
   void OnEveryPage(const Call& call);
-  DatabaseStatusBar& StatusBar(DatabaseKind kind) const;
+  [[nodiscard]] DatabaseStatusBar& StatusBar(DatabaseKind kind) const;
   QLabel& Label(const char* name) const;
 
   const PrivateINI& settings_;

@@ -124,7 +124,7 @@ class MainToolBar : public QToolBar {
   // Sets the buttons' names for screen readers from their tooltips. Call it after the caption pass.
   void NameButtons();
 
-  QWidget& Button(std::string_view key) const;
+  [[nodiscard]] QWidget& Button(std::string_view key) const;
 
  private:
   void AddButton(const ToolButton& button, CommandActions& actions);

@@ -35,7 +35,9 @@ class ButtonPanel : public QFrame {
               std::span<const PanelButton> buttons);
 
   void SetHandler(Handler handler);
-  QPushButton& Button(int index) const { return *buttons_.at(static_cast<std::size_t>(index)); }
+  [[nodiscard]] QPushButton& Button(int index) const {
+    return *buttons_.at(static_cast<std::size_t>(index));
+  }
 
  private:
   std::vector<QPushButton*> buttons_;
@@ -90,10 +92,12 @@ class PanelRow : public QWidget {
   // `lblRecordNumber`, on `picNavigate`; 0 clears it.
   void ShowRecordNumber(int position);
 
-  ButtonPanel& PicAction() const { return *action_; }
-  ButtonPanel& PicNavigate() const { return *navigate_; }
-  TransferStatusPanel& PicTransferStatus() const { return *transfer_status_; }
-  QFrame& PicImport() const { return *import_; }  // has a horizontal layout to be filled
+  [[nodiscard]] ButtonPanel& PicAction() const { return *action_; }
+  [[nodiscard]] ButtonPanel& PicNavigate() const { return *navigate_; }
+  [[nodiscard]] TransferStatusPanel& PicTransferStatus() const { return *transfer_status_; }
+  [[nodiscard]] QFrame& PicImport() const {
+    return *import_;
+  }  // has a horizontal layout to be filled
 
  protected:
   void changeEvent(QEvent* event) override;

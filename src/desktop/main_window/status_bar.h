@@ -23,7 +23,7 @@ class DatabaseStatusBar : public QFrame {
   explicit DatabaseStatusBar(DatabaseKind kind, QWidget* parent = nullptr);
 
   // Panels count from 1.
-  QString Panel(int panel) const;
+  [[nodiscard]] QString Panel(int panel) const;
   void SetPanel(StatusPanel panel, const QString& text);
 
   // Sets the captions of the fixed panels, which the caption pass would treat as its own labels.

@@ -37,7 +37,7 @@ class TabStrip : public QTabBar {
     setFocusPolicy(Qt::StrongFocus);
   }
 
-  bool IsPressed() const { return pressed_; }
+  [[nodiscard]] bool IsPressed() const { return pressed_; }
 
  protected:
   void focusInEvent(QFocusEvent* event) override {

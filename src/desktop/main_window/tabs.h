@@ -94,7 +94,7 @@ class MainTabFolder : public QTabWidget {
 
   // Replaces the page of a tab and returns the previous one.
   std::unique_ptr<MainTabPage> SetPage(int tab, MainTabPage* page);
-  MainTabPage& Page(int tab) const;
+  [[nodiscard]] MainTabPage& Page(int tab) const;
 
   // Shows a tab for the program; does not emit TabClicked.
   void ShowTab(int tab);
@@ -117,7 +117,7 @@ class MainTabFolder : public QTabWidget {
   void keyPressEvent(QKeyEvent* event) override;
 
  private:
-  bool MayLeave() const { return !leave_ || leave_(); }
+  [[nodiscard]] bool MayLeave() const { return !leave_ || leave_(); }
 
   std::function<bool()> leave_;
   bool by_program_ = false;

@@ -48,7 +48,7 @@ class ScanShown {
   ScanShown(const ScanShown&) = delete;
   ScanShown& operator=(const ScanShown&) = delete;
 
-  ScanPanel& Panel() const { return panel_; }
+  [[nodiscard]] ScanPanel& Panel() const { return panel_; }
 
  private:
   RecipeLines& lines_;

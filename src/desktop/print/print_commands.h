@@ -42,8 +42,8 @@ class PrintCommands {
   // Shows its progress in the panel.
   int CountRecipesWithLines(SQLite::Database& recipes, ScanPanel& panel);
   // With the columns in the order of the grid.
-  Report ReportOf(const CurrentRecipe& recipe,
-                  const std::vector<IngredientRecord>& ingredients) const;
+  [[nodiscard]] Report ReportOf(const CurrentRecipe& recipe,
+                                const std::vector<IngredientRecord>& ingredients) const;
 
   // Common to all grids: refuses an empty grid, otherwise prints with the busy cursor.
   void PrintGrid(std::string_view noun, Report report);
@@ -54,8 +54,8 @@ class PrintCommands {
   bool PrintPages(ReportJob& job, const Report& report);
   void Refuse(Icon icon, const std::string& text);
 
-  ReportFacts Facts() const;
-  SQLite::Database* Recipes() const;  // nullptr while none is open
+  [[nodiscard]] ReportFacts Facts() const;
+  [[nodiscard]] SQLite::Database* Recipes() const;  // nullptr while none is open
   bool Ticked(const char* check_box) const;
 
   Services& services_;

@@ -34,10 +34,10 @@ class PrintSetup {
 
   // A new target for a document with that title; nullptr if the file dialog is canceled. Throws
   // NoPrinter and FileError.
-  std::unique_ptr<PrintTarget> Open(const std::string& title) const;
+  [[nodiscard]] std::unique_ptr<PrintTarget> Open(const std::string& title) const;
 
  private:
-  std::unique_ptr<PrintTarget> OpenPdf(const std::string& title) const;
+  [[nodiscard]] std::unique_ptr<PrintTarget> OpenPdf(const std::string& title) const;
 
   FileChooser& files_;
   QString printer_;  // its name; empty: the system's default
@@ -52,7 +52,7 @@ class PrintProgress : public QDialog {
   explicit PrintProgress(QWidget* owner);
 
   void ShowPage(std::int64_t page, std::int64_t pages);
-  bool Cancelled() const { return cancelled_; }
+  [[nodiscard]] bool Cancelled() const { return cancelled_; }
 
   void reject() override;
 

@@ -63,13 +63,13 @@ class Model : public QAbstractTableModel {
     endResetModel();
   }
 
-  int rowCount(const QModelIndex& parent) const override {
+  [[nodiscard]] int rowCount(const QModelIndex& parent) const override {
     return parent.isValid() ? 0 : static_cast<int>(ingredients_.size());
   }
-  int columnCount(const QModelIndex& parent) const override {
+  [[nodiscard]] int columnCount(const QModelIndex& parent) const override {
     return parent.isValid() ? 0 : kColumnCount;
   }
-  QVariant data(const QModelIndex& index, int role) const override {
+  [[nodiscard]] QVariant data(const QModelIndex& index, int role) const override {
     switch (role) {
       case Qt::DisplayRole:
         return CellText(ingredients_.at(static_cast<std::size_t>(index.row())), index.column()) +
@@ -81,7 +81,8 @@ class Model : public QAbstractTableModel {
         return {};
     }
   }
-  QVariant headerData(int section, Qt::Orientation orientation, int role) const override {
+  [[nodiscard]] QVariant headerData(int section, Qt::Orientation orientation,
+                                    int role) const override {
     if (orientation != Qt::Horizontal) {
       return {};
     }

@@ -21,20 +21,20 @@ class IngredientList : public QFrame {
 
   // In the order of the list; rows are counted from 0.
   void SetIngredients(std::vector<IngredientRecord> ingredients);
-  const std::vector<IngredientRecord>& Ingredients() const { return ingredients_; }
+  [[nodiscard]] const std::vector<IngredientRecord>& Ingredients() const { return ingredients_; }
 
   // The row of the first ingredient that the text matches: its number, the beginning of number,
   // name or description, or a part of the description, in this order and whatever the case. -1 for
   // none.
-  int Find(const QString& text) const;
+  [[nodiscard]] int Find(const QString& text) const;
 
-  int RowOf(const QString& ingredient_name) const;
+  [[nodiscard]] int RowOf(const QString& ingredient_name) const;
 
   // The highlighted row; -1 for none.
-  int CurrentRow() const;
+  [[nodiscard]] int CurrentRow() const;
   void SetCurrentRow(int row);
 
-  int RowsPerPage() const;
+  [[nodiscard]] int RowsPerPage() const;
 
   // Shows it below an editor, or above if there is not enough space.
   void DropDown(const QWidget& editor);
@@ -64,7 +64,7 @@ class IngredientDropDown : public FilteredEdit {
   void Begin(const QString& ingredient_name);
 
   // The `ID` of the selected ingredient; empty if it has not changed.
-  std::optional<int> Chosen() const { return chosen_; }
+  [[nodiscard]] std::optional<int> Chosen() const { return chosen_; }
 
  Q_SIGNALS:
   // An ingredient was selected with the mouse, which ends the edit.

@@ -64,19 +64,19 @@ class RecipeGrid : public QTableView {
   void SetReadOnly(bool read_only) { model_->SetReadOnly(read_only); }
 
   // The columns for that way of entry, from left to right as the operator has moved them.
-  std::vector<int> ColumnsInSight(LineEntry entry) const;
+  [[nodiscard]] std::vector<int> ColumnsInSight(LineEntry entry) const;
 
   // Goes to a row of the grid like a click, from 0. Returns false if the current cell does not
   // change.
   bool GoTo(int row, int column);
 
-  bool IsEditing() const { return state() == EditingState; }
+  [[nodiscard]] bool IsEditing() const { return state() == EditingState; }
   // Ends the edit of the current cell. Returns false if the text stays in the editor.
   bool FinishEdit();
   void GiveUpEdit();
   // Returns the focus to the editor, or to the grid if no cell is edited.
   void ReturnToEdit();
-  bool HoldsFocus() const;
+  [[nodiscard]] bool HoldsFocus() const;
 
  Q_SIGNALS:
   // Columns were moved, sized, shown or hidden, or the view was scrolled.
@@ -105,7 +105,9 @@ class RecipeGrid : public QTableView {
   bool MoveBack();
   bool MoveFromEntryRow();
   bool MoveByKey(const QKeyEvent& key);
-  int RowNumber(int row) const { return model_->IsEntryRow(row) ? kEntryRow : row + 1; }
+  [[nodiscard]] int RowNumber(int row) const {
+    return model_->IsEntryRow(row) ? kEntryRow : row + 1;
+  }
 
   bool BeginEdit(const QModelIndex& cell);
   void Commit(QWidget& editor, const QModelIndex& cell);

@@ -35,21 +35,22 @@ class RecipeGridModel : public QAbstractTableModel {
   // Disables entry into the cells and hides the hints for it.
   void SetReadOnly(bool read_only);
 
-  bool IsEntryRow(int row) const { return row == line_count_; }
+  [[nodiscard]] bool IsEntryRow(int row) const { return row == line_count_; }
   // Whether the row is the entry row and still empty.
-  bool IsIdle(int row) const { return IsEntryRow(row) && !pending_; }
+  [[nodiscard]] bool IsIdle(int row) const { return IsEntryRow(row) && !pending_; }
 
-  int rowCount(const QModelIndex& parent = {}) const override;
-  int columnCount(const QModelIndex& parent = {}) const override;
-  QVariant data(const QModelIndex& index, int role) const override;
-  QVariant headerData(int section, Qt::Orientation orientation, int role) const override;
-  Qt::ItemFlags flags(const QModelIndex& index) const override;
+  [[nodiscard]] int rowCount(const QModelIndex& parent = {}) const override;
+  [[nodiscard]] int columnCount(const QModelIndex& parent = {}) const override;
+  [[nodiscard]] QVariant data(const QModelIndex& index, int role) const override;
+  [[nodiscard]] QVariant headerData(int section, Qt::Orientation orientation,
+                                    int role) const override;
+  [[nodiscard]] Qt::ItemFlags flags(const QModelIndex& index) const override;
 
  private:
   using Row = std::array<QString, kRecipeColumnCount>;
 
-  std::vector<Row> RowsOf(const CurrentRecipe& shown) const;
-  Row RowOf(const RecipeLineRecord& line) const;
+  [[nodiscard]] std::vector<Row> RowsOf(const CurrentRecipe& shown) const;
+  [[nodiscard]] Row RowOf(const RecipeLineRecord& line) const;
   void SetRows(std::vector<Row> rows);
 
   std::vector<Row> rows_;

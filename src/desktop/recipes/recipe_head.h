@@ -46,11 +46,11 @@ class RecipeHead : public QWidget {
   void ShowUnit(const QString& unit);
   void ShowMustTotal100(bool shown);  // `lblMustTotal100Pct`
 
-  std::array<FilteredEdit*, 4> Boxes() const {
+  [[nodiscard]] std::array<FilteredEdit*, 4> Boxes() const {
     return {name_, description_, head_count_, ration_target_};
   }
 
-  std::array<QWidget*, 6> Fields() const {
+  [[nodiscard]] std::array<QWidget*, 6> Fields() const {
     return {name_, description_, head_count_, ration_target_, batch_type_, adjust_};
   }
 

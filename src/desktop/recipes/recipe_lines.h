@@ -31,7 +31,7 @@ class LineNavigator : public QWidget {
   enum Button { kFirst, kPrevious, kNext, kLast };
 
   void AddButton(Button button);
-  int Target(Button button) const;
+  [[nodiscard]] int Target(Button button) const;
 
   QLabel* text_;
   int row_ = 0;

@@ -23,13 +23,13 @@ class RecipeTotalsRow : public QWidget {
   void Show(const CurrentRecipe& shown);
 
   // The widths of the columns that the shown totals need.
-  RecipeColumnWidths Widths() const;
+  [[nodiscard]] RecipeColumnWidths Widths() const;
 
   // `HideRecipeTotals`, until the next Show.
   void HideTotals();
 
-  QSize sizeHint() const override;
-  QSize minimumSizeHint() const override { return sizeHint(); }
+  [[nodiscard]] QSize sizeHint() const override;
+  [[nodiscard]] QSize minimumSizeHint() const override { return sizeHint(); }
 
  Q_SIGNALS:
   // Whether to warn that the shares of a recipe by percent do not add up to 100.00.
@@ -44,7 +44,7 @@ class RecipeTotalsRow : public QWidget {
   void PaintLabels();
   void ApplyPercentRule();
   void Flash();
-  QLabel& IngPctTotal() const { return *labels_.at(kColumnIngredientPercent); }
+  [[nodiscard]] QLabel& IngPctTotal() const { return *labels_.at(kColumnIngredientPercent); }
 
   const RecipeGrid& grid_;
   QWidget* strip_;                                    // as wide as the columns can be seen

@@ -34,13 +34,15 @@ class RecipesPage final : public RecordPage, private RecipeGridEvents {
   void SetPenRows(PenRows rows) { pen_rows_ = std::move(rows); }
 
   // The code of the current recipe; empty before the first database.
-  std::string CurrentBatchType() const;
+  [[nodiscard]] std::string CurrentBatchType() const;
 
   // The current recipe, for the printed page; nullptr before the first database.
-  const CurrentRecipe* Current() const { return editor_ ? &editor_->Current() : nullptr; }
+  [[nodiscard]] const CurrentRecipe* Current() const {
+    return editor_ ? &editor_->Current() : nullptr;
+  }
 
   // The columns of its grid, for the printed page of a recipe with that way of entry.
-  std::vector<int> ColumnsInSight(LineEntry entry) const {
+  [[nodiscard]] std::vector<int> ColumnsInSight(LineEntry entry) const {
     return lines_->GrdRec().ColumnsInSight(entry);
   }
 
@@ -50,7 +52,7 @@ class RecipesPage final : public RecordPage, private RecipeGridEvents {
   void DefaultRecord() override;
   void Navigate(NavigateButton button) override;
   void GoTo(int position) override { Select(position, MayStay::kNo); }
-  int Position() const override;
+  [[nodiscard]] int Position() const override;
 
   // MainTabPage.
   bool LeaveEdits(MayStay may_stay) override;

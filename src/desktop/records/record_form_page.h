@@ -45,7 +45,9 @@ class RecordFormPage : public RecordPage {
   void DefaultRecord() override;
   void Navigate(NavigateButton button) override;
   void GoTo(int position) override;
-  int Position() const override { return database_ == nullptr || blank_ ? 0 : position_; }
+  [[nodiscard]] int Position() const override {
+    return database_ == nullptr || blank_ ? 0 : position_;
+  }
 
  protected:
   // The names of a kind's controls, and their texts in messages.
@@ -91,33 +93,35 @@ class RecordFormPage : public RecordPage {
   // The file is read-only for that reason; or writable, for an empty one.
   virtual void ShowReadOnly(const QString& reason);
 
-  Services& GetServices() const { return services_; }
-  bool HasDatabase() const { return database_ != nullptr; }
-  SQLite::Database& Database() const { return *database_; }
-  int Id() const { return position_; }
-  QGridLayout& FormLayout() const { return *form_; }
-  QBoxLayout& NumberRow() const { return *number_row_; }
-  RecordListGrid& Grid() const { return *grid_; }
-  bool MayWrite() const { return Position() != 0 && !read_only_; }
+  [[nodiscard]] Services& GetServices() const { return services_; }
+  [[nodiscard]] bool HasDatabase() const { return database_ != nullptr; }
+  [[nodiscard]] SQLite::Database& Database() const { return *database_; }
+  [[nodiscard]] int Id() const { return position_; }
+  [[nodiscard]] QGridLayout& FormLayout() const { return *form_; }
+  [[nodiscard]] QBoxLayout& NumberRow() const { return *number_row_; }
+  [[nodiscard]] RecordListGrid& Grid() const { return *grid_; }
+  [[nodiscard]] bool MayWrite() const { return Position() != 0 && !read_only_; }
 
   // Rows of FormLayout.
   enum FormRow { kIdRow, kNameRow, kDescriptionRow, kNumberRow };
   // The first of the two columns that the kind may use; the columns after them are empty.
   static constexpr int kFreeColumn = 3;
 
-  std::array<FilteredEdit*, 3> Boxes() const { return {name_, description_, number_}; }
-  std::string NameText() const { return name_->Text(); }
-  std::string DescriptionText() const { return description_->Text(); }
-  std::string NumberText() const { return number_->Text(); }
+  [[nodiscard]] std::array<FilteredEdit*, 3> Boxes() const {
+    return {name_, description_, number_};
+  }
+  [[nodiscard]] std::string NameText() const { return name_->Text(); }
+  [[nodiscard]] std::string DescriptionText() const { return description_->Text(); }
+  [[nodiscard]] std::string NumberText() const { return number_->Text(); }
   void ShowTexts(std::string_view name, std::string_view description, std::string_view number);
 
   // Leaves a field that only this kind has.
   void LeaveOwnField(QWidget& field, std::string_view name, std::string text,
                      std::function<void()> discard, bool entered);
   // Whether the edit of that field could not be stored and is kept for a question.
-  bool Keeps(const QWidget& field) const { return gate_.Holds(&field); }
+  [[nodiscard]] bool Keeps(const QWidget& field) const { return gate_.Holds(&field); }
   void RefreshGrid();
-  bool ActiveOnly() const { return active_only_->isChecked(); }
+  [[nodiscard]] bool ActiveOnly() const { return active_only_->isChecked(); }
   void ShowAllRecords() { active_only_->setChecked(false); }
   QLabel* Caption(const char* name, int caption, QWidget* buddy);
 
@@ -149,8 +153,8 @@ class RecordFormPage : public RecordPage {
   void ChooseRow(int id);
   void ChooseView(QCheckBox& box, const std::function<void()>& show);
   bool Show(int position);
-  std::string Left(std::string_view field, std::string_view text) const;
-  const std::string& StoredText(const FilteredEdit& box) const;
+  [[nodiscard]] std::string Left(std::string_view field, std::string_view text) const;
+  [[nodiscard]] const std::string& StoredText(const FilteredEdit& box) const;
   void FillIdList(const std::function<void()>& filled);
 
   Services& services_;

@@ -38,17 +38,18 @@ class RecordListModel : public QAbstractTableModel {
   void SetCaption(const std::string& field, const QString& caption);
   void SetReadOnly(bool read_only) { read_only_ = read_only; }
 
-  const RecordColumn& Column(int column) const {
+  [[nodiscard]] const RecordColumn& Column(int column) const {
     return columns_.at(static_cast<std::size_t>(column));
   }
-  int IdOf(int row) const { return rows_.at(static_cast<std::size_t>(row)).id; }
-  int RowOf(int id) const;  // -1 for a record that is not shown
+  [[nodiscard]] int IdOf(int row) const { return rows_.at(static_cast<std::size_t>(row)).id; }
+  [[nodiscard]] int RowOf(int id) const;  // -1 for a record that is not shown
 
-  int rowCount(const QModelIndex& parent = {}) const override;
-  int columnCount(const QModelIndex& parent = {}) const override;
-  QVariant data(const QModelIndex& index, int role) const override;
-  QVariant headerData(int section, Qt::Orientation orientation, int role) const override;
-  Qt::ItemFlags flags(const QModelIndex& index) const override;
+  [[nodiscard]] int rowCount(const QModelIndex& parent = {}) const override;
+  [[nodiscard]] int columnCount(const QModelIndex& parent = {}) const override;
+  [[nodiscard]] QVariant data(const QModelIndex& index, int role) const override;
+  [[nodiscard]] QVariant headerData(int section, Qt::Orientation orientation,
+                                    int role) const override;
+  [[nodiscard]] Qt::ItemFlags flags(const QModelIndex& index) const override;
 
   // Changes nothing itself but emits Typed; the receiver stores the text and shows the rows again.
   bool setData(const QModelIndex& index, const QVariant& value, int role) override;
@@ -72,7 +73,7 @@ class RecordListGrid : public QTableView {
   RecordListGrid(RecordKind kind, const QString& name, std::vector<RecordColumn> columns,
                  QString empty_text, QWidget* parent = nullptr);
 
-  RecordListModel& Model() const { return *model_; }
+  [[nodiscard]] RecordListModel& Model() const { return *model_; }
 
   void SetCaption(const std::string& field, const QString& caption);
 
@@ -83,7 +84,7 @@ class RecordListGrid : public QTableView {
   // Called before a click selects the row of another record; false keeps the row.
   void SetLeaving(std::function<bool()> leave) { leave_ = std::move(leave); }
 
-  bool IsEditing() const { return state() == EditingState; }
+  [[nodiscard]] bool IsEditing() const { return state() == EditingState; }
   // Finishes the edit of the current cell. A text that could not be stored stays in the editor, if
   // KeepEditor was called while RecordListModel::Typed was emitted.
   void FinishEdit();

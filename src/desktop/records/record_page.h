@@ -33,7 +33,7 @@ class RecordPage : public MainTabPage {
   virtual void GoTo(int position) = 0;
 
   // The position of the current record; 0 while the database is closed.
-  virtual int Position() const = 0;
+  [[nodiscard]] virtual int Position() const = 0;
 
  Q_SIGNALS:
   // The page has shown a record, possibly the same one.

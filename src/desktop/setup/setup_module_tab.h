@@ -26,7 +26,7 @@ class SetupPortList : public QWidget {
   SetupPortList(std::filesystem::path data_folder, Operator& op, QWidget* parent = nullptr);
 
   // An index of the list, or kNoSelection. Choose emits no signal.
-  int Chosen() const;
+  [[nodiscard]] int Chosen() const;
   void Choose(int index);
 
   // Reads the assignments and the existing devices again.
@@ -41,7 +41,7 @@ class SetupPortList : public QWidget {
   void OfferDevices();
   void ShowDeviceOfChosen();
   void PutDevice();
-  std::string ChosenDevice() const;
+  [[nodiscard]] std::string ChosenDevice() const;
 
   std::filesystem::path data_folder_;
   Operator& op_;

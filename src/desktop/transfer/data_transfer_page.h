@@ -49,7 +49,9 @@ class DataTransferPage final : public MainTabPage, private TransferView {
 
  private:
   // TransferView.
-  CurrentDatabase RecipeDatabase() const override { return databases_.OpenedRecipes(); }
+  [[nodiscard]] CurrentDatabase RecipeDatabase() const override {
+    return databases_.OpenedRecipes();
+  }
   void OpenRecipeDatabase() override { databases_.BrowseRecipeDatabase(); }
   void RecipesStored(int highest_in_use) override;
   void FocusControl(std::string_view name) override;

@@ -39,7 +39,8 @@ class ImportCells : public QStyledItemDelegate {
  public:
   using QStyledItemDelegate::QStyledItemDelegate;
 
-  QString displayText(const QVariant& value, const QLocale& /*locale*/) const override {
+  [[nodiscard]] QString displayText(const QVariant& value,
+                                    const QLocale& /*locale*/) const override {
     const QString text = value.toString();
     return text.size() > kMostDrawn ? text.left(kMostDrawn) + QChar(0x2026) : text;
   }

@@ -30,14 +30,15 @@ class ImportModel : public QAbstractTableModel {
   // The imported data has changed.
   void Reset();
 
-  int rowCount(const QModelIndex& parent = {}) const override;
-  int columnCount(const QModelIndex& parent = {}) const override;
-  QVariant data(const QModelIndex& index, int role) const override;
-  QVariant headerData(int section, Qt::Orientation orientation, int role) const override;
+  [[nodiscard]] int rowCount(const QModelIndex& parent = {}) const override;
+  [[nodiscard]] int columnCount(const QModelIndex& parent = {}) const override;
+  [[nodiscard]] QVariant data(const QModelIndex& index, int role) const override;
+  [[nodiscard]] QVariant headerData(int section, Qt::Orientation orientation,
+                                    int role) const override;
 
   // The length in characters of the longest text in a column, from 1, without its caption; measured
   // on a sample of rows that includes the first and the last.
-  int LongestText(int column) const;
+  [[nodiscard]] int LongestText(int column) const;
 
  private:
   const ImportPresenter& session_;
@@ -61,7 +62,7 @@ class ImportGrid : public QTableView {
  private:
   void ShowColumns();
   void FitColumns();
-  bool Empty() const;
+  [[nodiscard]] bool Empty() const;
 
   const ImportPresenter& session_;
   ImportModel* model_;
