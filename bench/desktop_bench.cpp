@@ -143,7 +143,7 @@ class DesktopBench {
     std::this_thread::sleep_for(kSettling);
     const double before = program.ProcessorMilliseconds();
     std::this_thread::sleep_for(kIdle);
-    figures_.Limited("processor while nobody touches it, ms in 10 s",
+    figures_.Limited("processor while it is idle, ms in 10 s",
                      program.ProcessorMilliseconds() - before, kIdleLimit);
     figures_.Limited("resident memory, MB", program.Megabytes("status", "VmRSS"), kMemoryLimit);
     figures_.Specified("its share of that (PSS), MB", program.Megabytes("smaps_rollup", "Pss"));

@@ -24,7 +24,7 @@ class PseudoTerminal {
   // What has arrived at the far end; waits for at least one byte, at most the given time.
   std::string Read(int limit_ms) const;
 
-  // The line is gone for whoever has the device open.
+  // The line is gone for every process that has the device open.
   void HangUp();
 
  private:

@@ -75,7 +75,7 @@ TEST(Reader, ThatFindsAnotherFileThanTheParentReportsItsKind) {
   ExpectRefusal("exit 3", "is damaged: its list of tables cannot be read");
 }
 
-// Ends as it is told to, without a byte of output.
+// Ends as requested, without a byte of output.
 class EndingRunner : public ProgramRunner {
  public:
   explicit EndingRunner(ProgramOutcome outcome) : outcome_(outcome) {}

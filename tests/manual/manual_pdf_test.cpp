@@ -176,7 +176,7 @@ TEST(ManualPdf, CanBeSearchedForWordsWithJoinedLetters) {
   EXPECT_EQ(result.out.find("\xEF\xAC\x81"), std::string::npos);  // the one character "fi"
 }
 
-// Without the one line that tells when it was made.
+// Without the one line that says when it was made.
 std::string Undated(const std::string& pdf) {
   return std::regex_replace(ReadAll(pdf), std::regex("/CreationDate \\([^)]*\\)"), "");
 }

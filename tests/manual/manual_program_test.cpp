@@ -51,7 +51,7 @@ void ForEachSpan(
 
 bool IsCommand(const std::string& caption) { return caption.find(" > ") != std::string::npos; }
 
-// Without the underlined letter and without the dots that tell of a dialog or a submenu.
+// Without the underlined letter and without the dots of a dialog or a submenu.
 std::string Bare(QString caption) {
   caption.remove(u'&');
   while (caption.endsWith(u'.')) {
@@ -191,7 +191,7 @@ bool IsOfTheSystem(std::string_view name) {
   return names.contains(name) || name.starts_with("--");
 }
 
-// What the reader of the first day is told to call DAY8.
+// The name that the first day gives to DAY8.
 bool IsOfTheFirstDay(const std::string& name) {
   const std::string extension = std::filesystem::path(name).extension().string();
   return name.starts_with("DAY8.") && Texts().HoldsPart(extension);

@@ -17,7 +17,7 @@ class ProgramTexts {
  public:
   explicit ProgramTexts(const std::filesystem::path& sources);
 
-  // As a caption, which stands without "&" and without blanks around it.
+  // As a caption: without "&" and without surrounding blanks.
   bool HasCaption(std::string_view caption) const;
 
   // Some text holds this part; blanks and line ends count as one blank.

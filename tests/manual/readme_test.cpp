@@ -1,4 +1,4 @@
-// The files and pictures that the README tells of are there.
+// The files and pictures that the README names exist.
 
 #include <algorithm>
 #include <filesystem>
@@ -87,7 +87,7 @@ TEST(Readme, HasAScriptThatRunsToItsEnd) {
   }
 }
 
-// Whoever only looks at the page should not wait for it.
+// The page loads fast.
 TEST(Readme, HasPicturesThatAreSmallFiles) {
   constexpr std::uintmax_t kLargest = 100U << 10U;
   const auto pictures = FoundInReadme(R"(!\[[^\]]*\]\(([^)]+)\))");

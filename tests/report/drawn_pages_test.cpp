@@ -1,4 +1,4 @@
-// Reports as they are drawn: where each text and line stands, in what font and color.
+// Reports as they are drawn: the place, font and color of each text and line.
 
 #include <QFontMetricsF>
 

@@ -201,7 +201,7 @@ QImage AboutForm(SampleProgram& program) {
       program, [](QWidget& /*form*/) {}, [&] { program.Choose("mnuHelpAbout"); });
 }
 
-// The question ahead of a download. Closing it refuses; the boxes stay on show after it.
+// The question before a download. Closing it refuses; the boxes remain shown.
 QImage Question(SampleProgram& program) {
   program.ShowTab(kTabDataTransfer);
   Click(program, "cmdDownloadRecipeToKRM");

@@ -9,7 +9,7 @@
 namespace vrx::manual {
 namespace {
 
-// The platform without a screen notes at each dialog that it has no window manager to tell.
+// The offscreen platform warns at each dialog that there is no window manager.
 void WriteMessage(QtMsgType /*type*/, const QMessageLogContext& /*context*/, const QString& text) {
   if (!text.contains(QStringLiteral("propagateSizeHints"))) {
     std::fprintf(stderr, "%s\n", text.toUtf8().constData());

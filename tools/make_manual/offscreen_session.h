@@ -4,8 +4,8 @@
 
 namespace vrx::manual {
 
-// Where pictures of the program come out the same on every machine: no screen, nothing of the
-// settings of whoever builds, one look. Made ahead of the QApplication.
+// Makes pictures of the program the same on every machine: no screen, none of the user's settings,
+// one style. Create it before the QApplication.
 class OffscreenSession {
  public:
   // Pixels of a picture to a logical one.

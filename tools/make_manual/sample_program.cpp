@@ -141,7 +141,7 @@ class SampleSettings : public UserSettings {
   void SaveSetting(std::string_view /*key*/, std::string_view /*value*/) override {}
 };
 
-// Nobody is there to read a box: what it says is kept.
+// Keeps the texts of boxes instead of showing them.
 class SampleOperator : public QtOperator {
  public:
   Answer ShowMessage(const MessageBox& box) override {

@@ -18,7 +18,7 @@ namespace vrx::manual {
 class SampleProgram {
  public:
   // `program_directory` holds the blank templates and the folder sample_site. Throws Error; so does
-  // everything below when the program shows a message that nobody expected.
+  // everything below when the program shows an unexpected message.
   explicit SampleProgram(const std::filesystem::path& program_directory);
   ~SampleProgram();
   SampleProgram(const SampleProgram&) = delete;
@@ -52,7 +52,7 @@ class SampleProgram {
     return *control;
   }
 
-  // Lets the program handle what is pending. Throws Error for what the operator was told since.
+  // Lets the program handle what is pending. Throws Error for messages shown since.
   void RunEvents();
 
  private:

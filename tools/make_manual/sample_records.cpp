@@ -14,7 +14,7 @@ namespace {
 
 namespace fs = std::filesystem;
 
-// Nobody watches.
+// Shows nothing.
 class NoProgress : public ProgressDisplay {
  public:
   void SetProgressMessage(std::string_view /*text*/) override {}

@@ -120,7 +120,7 @@ constexpr std::array kCaptions = std::to_array<Caption>({
     {1134, "*"},
 });
 
-// Nothing where the designed text stands for no row of the table.
+// Nothing if the designed text is not in a row of the table.
 std::optional<QString> CaptionOf(const QString& designed) {
   const std::optional<std::int32_t> id = ParseLong(ResolveCaptionId(designed.toStdString()));
   const std::optional<std::string_view> text = id ? CaptionText(*id) : std::nullopt;

@@ -5,9 +5,9 @@
 
 namespace vrx {
 
-// Tells when the operator begins an action anywhere in the program: a key or a button of the mouse
-// goes down, the wheel turns, a window is closed by its frame. What follows from it belongs to the
-// same action, the release of the key or button as well.
+// Calls back when the operator begins an action anywhere in the program: a key or mouse button goes
+// down, the wheel turns, a window is closed by its frame. The release of the key or button belongs
+// to the same action.
 class OperatorActions : public QObject {
  public:
   explicit OperatorActions(std::function<void()> begun);

@@ -160,7 +160,7 @@ QString AnyCase(const QString& pattern) {
 }
 
 // "Transactions (*.QXT)|*.QXT|..." as Qt's name filters. The patterns behind each name are hidden;
-// the name tells them already.
+// the name contains them.
 QStringList NameFilters(const std::string& filter) {
   const QStringList parts = ToQString(filter).split(u'|');
   QStringList filters;
@@ -190,7 +190,7 @@ QString Ask(QFileDialog& widget, QString& last_folder) {
     return {};
   }
   QString path = widget.selectedFiles().constFirst();
-  // A path can be typed that leads out of the folder on show.
+  // A path can be typed that leads out of the shown folder.
   last_folder = widget.fileMode() == QFileDialog::Directory ? path : QFileInfo(path).absolutePath();
   return path;
 }

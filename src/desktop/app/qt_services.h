@@ -16,15 +16,15 @@ class QFileDialog;
 
 namespace vrx {
 
-// The operator in front of the screen. Boxes belong to whatever window is active and block all
-// others; what lies behind one is its details.
+// The operator in front of the screen. Boxes belong to the active window and block all others; the
+// cause of a message is its details.
 //
 // The status line is the main window's: it connects to the signals.
 class QtOperator : public QObject, public Operator {
   Q_OBJECT
 
  public:
-  // A box without a title bears the application's. It suspends the busy cursor.
+  // A box without a title has the application's. It suspends the busy cursor.
   Answer ShowMessage(const MessageBox& box) override;
   void Beep() override;
   void SetBusy(bool busy) override;
@@ -63,7 +63,7 @@ class RefreshingOperator : public Operator {
     op_.SetStatusColor(color);
   }
 
-  // The status line tells a failure.
+  // The status line reports a failure.
   [[nodiscard]] bool StatusIsError() const { return told_ && color_ == StatusColor::kRed; }
 
  private:
@@ -74,10 +74,10 @@ class RefreshingOperator : public Operator {
 };
 
 // Icons and kinds of the files in a file dialog. The usual provider reads the beginning of a file
-// whose name does not tell its kind; this one does so for stored files only. A read of a special
+// whose name does not show its kind; this one does so for stored files only. A read of a special
 // file, or of one that the kernel makes up (/proc/kmsg), can wait for ever.
 //
-// Is called from a thread of the dialog.
+// Called from a thread of the dialog.
 class FileIcons : public QFileIconProvider {
  public:
   using QFileIconProvider::icon;
@@ -89,7 +89,7 @@ class FileIcons : public QFileIconProvider {
 // gets its default extension before the question whether to overwrite, everywhere.
 class QtFileChooser : public FileChooser {
  public:
-  // `home` tells the folder of the dialogs that name none, until a first choice was made.
+  // `home` returns the folder of the dialogs that name none, until a first choice was made.
   explicit QtFileChooser(std::function<std::string()> home);
   FileChoice ShowOpen(const FileDialog& dialog) override;
   FileChoice ShowSave(const FileDialog& dialog) override;
