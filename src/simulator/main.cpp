@@ -77,8 +77,7 @@ void AddWork(CLI::App& module, WorkOptions& work) {
 
 CLI::App* AddModule(CLI::App& program, ModuleOptions& options, WorkOptions& work) {
   CLI::App* module = program.add_subcommand("module", "Plays the data module");
-  module->add_option("--link", options.link, "Path of the link to the pseudo-terminal")
-      ->required();
+  module->add_option("--link", options.link, "Path of the link to the pseudo-terminal")->required();
   module->add_option("--load", options.load, "A file to put into its memory; may be repeated")
       ->allow_extra_args(false);
   module->add_option("--save", options.save, "Where its memory goes at the end and on SIGUSR1");

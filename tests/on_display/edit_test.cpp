@@ -78,7 +78,7 @@ class EditOnDisplay : public OnDisplay {
     Type(text);
     ASSERT_TRUE(WaitFor([&](const Screen& screen) {
       return screen.Focus() != nullptr && screen.Focus()->text == text;
-    })) << Look().Focus()->name << ' ' << Look().Focus()->text;
+    }));
   }
 
   std::string StoredDescription() const {
