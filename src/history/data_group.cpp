@@ -1,7 +1,10 @@
 #include "history/data_group.h"
 
+#include <algorithm>
 #include <cstddef>
 #include <utility>
+
+#include "history/columns.h"
 
 namespace vrx {
 namespace {
