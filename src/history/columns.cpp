@@ -85,6 +85,15 @@ int IngredientSlot(int column) {
              : 0;
 }
 
+bool IsBlanked(const DataGroup& group, int depth, int column) {
+  return std::any_of(
+      group.blanked.begin(), group.blanked.end(), [&](const BlankedColumns& blanked) {
+        return blanked.depth == depth &&
+               ((blanked.ingredient_columns && IngredientSlot(column) != 0) ||
+                std::count(blanked.columns.begin(), blanked.columns.end(), column) != 0);
+      });
+}
+
 std::optional<std::size_t> IngredientColumnNames::Place(std::string_view key) {
   if (key.size() != 7 || !key.starts_with("Ing") || !key.ends_with("Wt") || !IsDigitChar(key[3]) ||
       !IsDigitChar(key[4])) {

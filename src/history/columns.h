@@ -49,6 +49,9 @@ const HistoryColumn& HistoryColumnAt(int index);
 // Ingredient number of an ingredient column, 1 to 100; 0 for other columns.
 [[nodiscard]] int IngredientSlot(int column);
 
+// True if the column is blank in the rows of that depth.
+[[nodiscard]] bool IsBlanked(const DataGroup& group, int depth, int column);
+
 // Names of the ingredient columns for the headings of an export. Specified: only for the keys
 // `Ing01Wt` to `Ing50Wt` except `Ing33Wt`.
 class IngredientColumnNames {

@@ -1,10 +1,7 @@
 #include "history/data_group.h"
 
-#include <algorithm>
 #include <cstddef>
 #include <utility>
-
-#include "history/columns.h"
 
 namespace vrx {
 namespace {
@@ -226,15 +223,6 @@ const DataGroup* FindDataGroup(int index) {
     return nullptr;
   }
   return &DataGroups()[static_cast<std::size_t>(index)];
-}
-
-bool IsBlanked(const DataGroup& group, int depth, int column) {
-  return std::any_of(
-      group.blanked.begin(), group.blanked.end(), [&](const BlankedColumns& blanked) {
-        return blanked.depth == depth &&
-               ((blanked.ingredient_columns && IngredientSlot(column) != 0) ||
-                std::count(blanked.columns.begin(), blanked.columns.end(), column) != 0);
-      });
 }
 
 }  // namespace vrx

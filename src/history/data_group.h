@@ -40,7 +40,4 @@ struct DataGroup {
 // nullptr for an invalid index.
 [[nodiscard]] const DataGroup* FindDataGroup(int index);
 
-// True if the column is blank in the rows of that depth.
-[[nodiscard]] bool IsBlanked(const DataGroup& group, int depth, int column);
-
 }  // namespace vrx
