@@ -1,27 +1,25 @@
+#include <cstdint>
 #include <exception>
+#include <filesystem>
 #include <iostream>
+#include <optional>
 #include <stdexcept>
 #include <string>
+#include <system_error>
 #include <vector>
 
 #include <CLI/CLI.hpp>
 
-#include "simulator/commands.h"
+#include "simulator/data_module.h"
 #include "simulator/indicator.h"
 #include "simulator/indicator_script.h"
+#include "simulator/line_loop.h"
+#include "simulator/pty_line.h"
 #include "simulator/transmitter.h"
 
+namespace vrx::simulator {
 namespace {
 
-using vrx::simulator::AddFault;
-using vrx::simulator::IndicatorOptions;
-using vrx::simulator::ModuleOptions;
-using vrx::simulator::ReadDay;
-using vrx::simulator::ScriptError;
-using vrx::simulator::Transmitter;
-using vrx::simulator::WorkOptions;
-
-constexpr int kFailed = 1;
 constexpr const char* kFeeds = "--feeds";
 constexpr int kWrongUsage = 2;
 constexpr int kMostDays = 366;
@@ -36,8 +34,23 @@ constexpr const char* kScriptHelp =
     "  wait MS\n"
     "The limit of an expect and of a save is 10000 ms by default.\n"
     "Exit codes: 0 at the end of the script, 1 at the first mismatch, 2 for a script that cannot "
-    "be "
-    "played.";
+    "be played.";
+
+// vrx2260sim module
+struct ModuleOptions {
+  std::filesystem::path link;
+  std::vector<std::filesystem::path> load;  // in this order in memory
+  std::optional<std::filesystem::path> save;
+  std::uint32_t baud = kLineBaud;  // 0 does not pace
+  Faults faults;
+  std::optional<WorkOptions> work;
+};
+
+// vrx2260sim indicator
+struct IndicatorOptions {
+  std::filesystem::path link;
+  std::filesystem::path script;
+};
 
 void AddIndicator(CLI::App& program, IndicatorOptions& options) {
   CLI::App* indicator =
@@ -93,11 +106,71 @@ CLI::App* AddModule(CLI::App& program, ModuleOptions& options, WorkOptions& work
             }
           },
           "silent, garbage, cut-after=N, extra-us, stall=MS, hang-up=N, strays=N, xoff=N or "
-          "deaf=N; "
-          "may be repeated")
+          "deaf=N; may be repeated")
       ->allow_extra_args(false);
   AddWork(*module, work);
   return module;
+}
+
+void Play(const ModuleOptions& options, DataModule& module, Signals& signals) {
+  PtyLine line(options.link);
+  std::cout << "ready " << options.link.string() << std::endl;
+
+  Transmitter transmitter(options.baud);
+  LineLoop loop(line, transmitter, module, signals);
+  if (options.faults.hang_up) {
+    loop.HangUpAfter(*options.faults.hang_up);
+  }
+  if (options.faults.xoff) {
+    loop.SendXoffAfter(*options.faults.xoff);
+  }
+  if (options.faults.deaf) {
+    loop.StopReadingAfter(*options.faults.deaf);
+  }
+  loop.Run([&] {
+    if (!options.save) {
+      return;
+    }
+    try {
+      WriteFile(*options.save, module.Memory());
+    } catch (const std::system_error& error) {
+      std::cerr << "vrx2260sim: " << error.what() << std::endl;
+    }
+  });
+}
+
+// Simulates the data module until a signal stops it or a fault hangs up. Writes "ready PATH" when
+// the link exists.
+void RunModule(const ModuleOptions& options) {
+  Signals signals;
+  const auto log = [](const std::string& message) {
+    std::cerr << "vrx2260sim: " << message << std::endl;
+  };
+  DataModule module(options.faults, log);
+  std::optional<WorkingIndicator> indicator;
+  if (options.work) {
+    indicator.emplace(*options.work, log);
+    module.CarryBy([&](const std::string& memory) { return indicator->Visit(memory); });
+  }
+  for (const auto& path : options.load) {
+    module.Load(ReadFile(path));
+  }
+  Play(options, module, signals);
+  module.ReportDropped();
+  if (options.save) {
+    WriteFile(*options.save, module.Memory());
+  }
+}
+
+// Simulates the indicator of the direct connection until its script ends or a signal stops it.
+void RunIndicator(const IndicatorOptions& options) {
+  const std::vector<Step> steps = ParseScript(ReadFile(options.script));
+  Signals signals;
+  PtyLine line(options.link);
+  std::cout << "ready " << options.link.string() << std::endl;
+  if (!Indicator(line, signals).Play(steps)) {
+    std::cerr << "vrx2260sim: stopped before the end of the script" << std::endl;
+  }
 }
 
 int Run(int argc, char** argv) {
@@ -117,11 +190,11 @@ int Run(int argc, char** argv) {
     if (module->count(kFeeds) > 0) {
       options.work = work;
     }
-    RunModule(options, std::cout, std::cerr);
+    RunModule(options);
     return 0;
   }
   try {
-    RunIndicator(indicator_options, std::cout, std::cerr);
+    RunIndicator(indicator_options);
   } catch (const ScriptError& error) {
     std::cerr << indicator_options.script.string() << ": " << error.what() << std::endl;
     return kWrongUsage;
@@ -130,12 +203,13 @@ int Run(int argc, char** argv) {
 }
 
 }  // namespace
+}  // namespace vrx::simulator
 
 int main(int argc, char** argv) {
   try {
-    return Run(argc, argv);
+    return vrx::simulator::Run(argc, argv);
   } catch (const std::exception& error) {
     std::cerr << "vrx2260sim: " << error.what() << std::endl;
-    return kFailed;
+    return 1;
   }
 }
