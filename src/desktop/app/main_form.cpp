@@ -1,7 +1,6 @@
 #include "desktop/app/main_form.h"
 
 #include <QApplication>
-#include <QPushButton>
 #include <array>
 #include <filesystem>
 #include <string>
@@ -39,9 +38,9 @@ constexpr std::array<std::pair<MainCommand, int>, 4> kTabCommands{{
     {MainCommand::kViewTransactions, kTabBatchedFed},
 }};
 
-constexpr std::array<std::pair<MainCommand, const char*>, 2> kTransferCommands{{
-    {MainCommand::kTransferUpload, "cmdUploadDataFromKRM"},
-    {MainCommand::kTransferDownload, "cmdDownloadRecipeToKRM"},
+constexpr std::array<std::pair<MainCommand, void (DataTransferPage::*)()>, 2> kTransferCommands{{
+    {MainCommand::kTransferUpload, &DataTransferPage::FocusUpload},
+    {MainCommand::kTransferDownload, &DataTransferPage::FocusDownload},
 }};
 
 constexpr int kTwipsPerPixel = 15;  // 1440 to the inch, 96 logical pixels to the inch
@@ -72,7 +71,13 @@ MainForm::MainForm(Services& services, WaitBudget& lock_waits, UserSettings& use
           window_.Panels().PicImport())),
       style_sheets_(services.folder.DefaultAppPath(), services.system, services.op),
       history_(new HistoryPage(services, [this] { return ActiveIngredientsOnly(); })),
-      print_(services, databases_, import_->Session(), *history_, window_) {
+      print_(services, databases_,
+             {.ingredients = *record_pages_.ingredients,
+              .recipes = *record_pages_.recipes,
+              .pens = *record_pages_.pens,
+              .history = *history_,
+              .import = *import_},
+             window_) {
   AddTransferPages();
   AddHistoryPages();
   Connect();
@@ -82,8 +87,8 @@ MainForm::MainForm(Services& services, WaitBudget& lock_waits, UserSettings& use
 
 MainForm::~MainForm() {
   history_->ReleaseViews();
-  for (const QPointer<RecordPage>& page : record_pages_) {
-    if (page) {
+  for (const int tab : {kTabIngredients, kTabRecipes, kTabPens}) {
+    if (RecordPage* const page = RecordPageOf(tab); page != nullptr) {
       page->ReleaseViews();
     }
   }
@@ -114,8 +119,11 @@ void MainForm::SetHandlers() {
   for (const auto& [command, tab] : kTabCommands) {
     window_.SetHandler(command, [this, tab = tab] { window_.ChooseTab(tab); });
   }
-  for (const auto& [command, button] : kTransferCommands) {
-    window_.SetHandler(command, [this, button = button] { GoToTransfer(button); });
+  for (const auto& [command, focus] : kTransferCommands) {
+    window_.SetHandler(command, [this, focus = focus] {
+      window_.Tabs().SelectTab(kTabDataTransfer);
+      (data_transfer_->*focus)();
+    });
   }
   window_.SetHandler(MainCommand::kAutoAbbreviate, [this] { ToggleAutoAbbreviate(); });
   window_.SetHandler(MainCommand::kCalendar, [this] { window_.ToggleCalendar(); });
@@ -165,14 +173,6 @@ void MainForm::Activate() {
   window_.PageActivated();
   window_.ShowTransferOption();
   window_.ShowSystemUnits();
-}
-
-void MainForm::GoToTransfer(const char* button) {
-  window_.Tabs().SelectTab(kTabDataTransfer);
-  auto* const target = window_.findChild<QPushButton*>(QLatin1String(button));
-  if (target != nullptr && target->isEnabled() && target->isVisible()) {
-    target->setFocus();
-  }
 }
 
 // The file holds it at once, unlike the other settings.

@@ -2,7 +2,6 @@
 
 #include <QObject>
 #include <QPointer>
-#include <array>
 #include <chrono>
 #include <functional>
 #include <optional>
@@ -18,7 +17,9 @@
 #include "desktop/main_window/main_window.h"
 #include "desktop/print/print_commands.h"
 #include "desktop/print/text_printer.h"
-#include "desktop/records/record_page.h"
+#include "desktop/recipes/recipes_page.h"
+#include "desktop/records/ingredients_page.h"
+#include "desktop/records/pens_page.h"
 #include "desktop/setup/setup_form.h"
 #include "desktop/transfer/data_transfer_page.h"
 #include "desktop/transfer/import_page.h"
@@ -112,7 +113,11 @@ class MainForm : public QObject, public ProgramForm {
   void Unload() override;
 
  private:
-  using RecordPages = std::array<QPointer<RecordPage>, 3>;  // by tab; the window may replace them
+  struct RecordPages {  // null once they are deleted
+    QPointer<IngredientsPage> ingredients;
+    QPointer<RecipesPage> recipes;
+    QPointer<PensPage> pens;
+  };
 
   void Connect();
   void SetHandlers();
@@ -121,13 +126,13 @@ class MainForm : public QObject, public ProgramForm {
   void Paint();
   void Activate();
   void Leave(ExitReason reason);
-  void GoToTransfer(const char* button);
   void ToggleAutoAbbreviate();
 
   // The tabs of ingredients, recipes and pens, with the buttons that work on the current one.
   RecordPages AddRecordPages();
   void AddRecordPage(int tab, RecordPage& page);
-  RecordPage* CurrentRecordPage();
+  [[nodiscard]] RecordPage* RecordPageOf(int tab) const;  // nullptr for the other tabs
+  [[nodiscard]] RecordPage* CurrentRecordPage() const;
   void Act(int button);
   void Navigate(int button);
   void CountLoaded();

@@ -1,14 +1,10 @@
 // The pages of the main form: how they are made, and what connects them to each other and to the
 // databases.
 
-#include <QAbstractButton>
 #include <string>
 
 #include "database/identity.h"
 #include "desktop/app/main_form.h"
-#include "desktop/recipes/recipes_page.h"
-#include "desktop/records/ingredients_page.h"
-#include "desktop/records/pens_page.h"
 
 namespace vrx {
 
@@ -26,7 +22,7 @@ MainForm::RecordPages MainForm::AddRecordPages() {
   connect(pens, &PensPage::PenCapacityChecked, recipes, &RecipesPage::CheckPenCapacity);
   window_.Panels().PicAction().SetHandler([this](int button) { Act(button); });
   window_.Panels().PicNavigate().SetHandler([this](int button) { Navigate(button); });
-  return {ingredients, recipes.data(), pens.data()};
+  return {.ingredients = ingredients, .recipes = recipes, .pens = pens};
 }
 
 void MainForm::AddRecordPage(int tab, RecordPage& page) {
@@ -48,9 +44,21 @@ void MainForm::AddRecordPage(int tab, RecordPage& page) {
   });
 }
 
-RecordPage* MainForm::CurrentRecordPage() {
-  const auto tab = static_cast<std::size_t>(window_.Tabs().CurrentTab());
-  return tab < record_pages_.size() ? record_pages_[tab] : nullptr;
+RecordPage* MainForm::RecordPageOf(int tab) const {
+  switch (tab) {
+    case kTabIngredients:
+      return record_pages_.ingredients;
+    case kTabRecipes:
+      return record_pages_.recipes;
+    case kTabPens:
+      return record_pages_.pens;
+    default:
+      return nullptr;
+  }
+}
+
+RecordPage* MainForm::CurrentRecordPage() const {
+  return RecordPageOf(window_.Tabs().CurrentTab());
 }
 
 void MainForm::Act(int button) {
@@ -108,8 +116,8 @@ void MainForm::ShowLine() {
 }
 
 void MainForm::GoToRecipe(int position) {
-  if (RecordPage* const recipes = record_pages_[kTabRecipes]; recipes != nullptr) {
-    recipes->GoTo(position);
+  if (record_pages_.recipes) {
+    record_pages_.recipes->GoTo(position);
   }
 }
 
@@ -156,9 +164,7 @@ void MainForm::AddHistoryPages() {
 
 // The columns named after the ingredients follow the grid of the ingredients.
 bool MainForm::ActiveIngredientsOnly() const {
-  const auto* const box =
-      window_.findChild<QAbstractButton*>(QStringLiteral("chkShowActiveIngsOnly"));
-  return box != nullptr && box->isChecked();
+  return record_pages_.ingredients && record_pages_.ingredients->ActiveOnly();
 }
 
 }  // namespace vrx

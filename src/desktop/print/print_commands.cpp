@@ -1,6 +1,5 @@
 #include "desktop/print/print_commands.h"
 
-#include <QCheckBox>
 #include <array>
 #include <exception>
 #include <optional>
@@ -58,12 +57,10 @@ class ScanShown {
 }  // namespace
 
 PrintCommands::PrintCommands(Services& services, const DatabaseCommands& databases,
-                             const ImportPresenter& import, HistoryPage& history,
-                             MainWindow& window)
+                             const PrintedPages& pages, MainWindow& window)
     : services_(services),
       databases_(databases),
-      import_(import),
-      history_(history),
+      pages_(pages),
       window_(window),
       setup_(services.files) {
   window_.SetHandler(MainCommand::kPrint, [this] { PrintCurrentTab(); });
@@ -94,7 +91,7 @@ void PrintCommands::PrintCurrentTab() {
 }
 
 void PrintCommands::PrintIngredients() {
-  const bool active_only = Ticked("chkShowActiveIngsOnly");
+  const bool active_only = pages_.ingredients.ActiveOnly();
   std::vector<IngredientRecord> rows;
   if (SQLite::Database* const recipes = Recipes()) {
     rows = ReadIngredients(*recipes);
@@ -104,7 +101,7 @@ void PrintCommands::PrintIngredients() {
 }
 
 void PrintCommands::PrintPens() {
-  const bool active_only = Ticked("chkShowActivePensOnly");
+  const bool active_only = pages_.pens.ActiveOnly();
   std::vector<PenRecord> rows;
   if (SQLite::Database* const recipes = Recipes()) {
     rows = ReadPens(*recipes);
@@ -114,15 +111,16 @@ void PrintCommands::PrintPens() {
 }
 
 void PrintCommands::PrintTransactions() {
-  if (HistoryPresenter* const view = history_.View()) {
-    PrintGrid("transaction", HistoryReport(view->Grid(), history_.FitAllColumns(), Facts()));
+  if (HistoryPresenter* const view = pages_.history.View()) {
+    PrintGrid("transaction", HistoryReport(view->Grid(), pages_.history.FitAllColumns(), Facts()));
   }
 }
 
 void PrintCommands::PrintImportedTransactions() {
+  const ImportPresenter& import = pages_.import.Session();
   PrintGrid("import",
-            ImportReport(import_.File(), import_.Form().grd_import_rows,
-                         import_.Form().grd_import_columns, Ticked("chkImpFitPage"), Facts()));
+            ImportReport(import.File(), import.Form().grd_import_rows,
+                         import.Form().grd_import_columns, pages_.import.FitAllColumns(), Facts()));
 }
 
 void PrintCommands::PrintRecipes() {
@@ -134,12 +132,12 @@ void PrintCommands::PrintRecipes() {
 }
 
 void PrintCommands::PrintCurrentRecipe() {
-  const auto* const page = window_.findChild<RecipesPage*>();
+  const CurrentRecipe* const current = pages_.recipes.Current();
   SQLite::Database* const recipes = Recipes();
-  if (page != nullptr && page->Current() != nullptr && recipes != nullptr) {
+  if (current != nullptr && recipes != nullptr) {
     std::vector<IngredientRecord> ingredients = ReadIngredients(*recipes);
     KeepActive(ingredients, true);
-    PrintGrid("recipe", ReportOf(*page->Current(), ingredients));
+    PrintGrid("recipe", ReportOf(*current, ingredients));
   }
 }
 
@@ -156,7 +154,7 @@ int PrintCommands::CountRecipesWithLines(SQLite::Database& recipes, ScanPanel& p
 }
 
 void PrintCommands::PrintAllRecipes(SQLite::Database& recipes) {
-  const ScanShown scan(*window_.findChild<RecipeLines*>());
+  const ScanShown scan(pages_.recipes.Lines());
   const int count = CountRecipesWithLines(recipes, scan.Panel());
   if (count < 1) {
     Refuse(Icon::kInformation, "There are no recipe entries to be printed.");
@@ -201,8 +199,7 @@ void PrintCommands::PrintAllRecipes(SQLite::Database& recipes) {
 
 Report PrintCommands::ReportOf(const CurrentRecipe& recipe,
                                const std::vector<IngredientRecord>& ingredients) const {
-  const auto& page = *window_.findChild<RecipesPage*>();
-  return RecipeReport(recipe, page.ColumnsInSight(recipe.Entry()), ingredients, Facts());
+  return RecipeReport(recipe, pages_.recipes.ColumnsInSight(recipe.Entry()), ingredients, Facts());
 }
 
 void PrintCommands::PrintGrid(std::string_view noun, Report report) {
@@ -258,11 +255,6 @@ ReportFacts PrintCommands::Facts() const {
 SQLite::Database* PrintCommands::Recipes() const {
   const BoundDatabase& bound = databases_.Bound(DatabaseKind::kRecipe);
   return bound.blank ? nullptr : bound.connection.get();
-}
-
-bool PrintCommands::Ticked(const char* check_box) const {
-  const auto* const box = window_.findChild<QCheckBox*>(QLatin1String(check_box));
-  return box != nullptr && box->isChecked();
 }
 
 }  // namespace vrx

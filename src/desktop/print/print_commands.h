@@ -8,8 +8,9 @@
 #include "desktop/main_window/main_window.h"
 #include "desktop/print/print_dialogs.h"
 #include "desktop/recipes/recipes_page.h"
+#include "desktop/records/record_form_page.h"
+#include "desktop/transfer/import_page.h"
 #include "presenter/database_commands.h"
-#include "presenter/import.h"
 #include "presenter/operation.h"
 #include "presenter/services.h"
 #include "report/reports.h"
@@ -18,13 +19,22 @@ namespace vrx {
 
 class ScanPanel;
 
+// The pages that can be printed.
+struct PrintedPages {
+  const RecordFormPage& ingredients;
+  RecipesPage& recipes;
+  const RecordFormPage& pens;
+  HistoryPage& history;
+  const ImportPage& import;
+};
+
 // `mnuFilePrint` and `mnuFilePrintSetup`: prints the current tab without a dialog. Reports
 // failures.
 class PrintCommands {
  public:
   // Sets the handlers of the two commands. Everything outlives it.
-  PrintCommands(Services& services, const DatabaseCommands& databases,
-                const ImportPresenter& import, HistoryPage& history, MainWindow& window);
+  PrintCommands(Services& services, const DatabaseCommands& databases, const PrintedPages& pages,
+                MainWindow& window);
 
   void PrintCurrentTab();
 
@@ -56,12 +66,10 @@ class PrintCommands {
 
   [[nodiscard]] ReportFacts Facts() const;
   [[nodiscard]] SQLite::Database* Recipes() const;  // nullptr while none is open
-  bool Ticked(const char* check_box) const;
 
   Services& services_;
   const DatabaseCommands& databases_;
-  const ImportPresenter& import_;
-  HistoryPage& history_;
+  PrintedPages pages_;
   MainWindow& window_;
   PrintSetup setup_;
   OperationLock printing_;

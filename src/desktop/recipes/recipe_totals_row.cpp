@@ -147,7 +147,7 @@ void RecipeTotalsRow::Flash() {
 }
 
 bool RecipeTotalsRow::eventFilter(QObject* watched, QEvent* event) {
-  if (event->type() == QEvent::MouseButtonRelease || event->type() == QEvent::MouseButtonDblClick) {
+  if (event->type() == QEvent::MouseButtonRelease) {
     ApplyPercentRule();
   }
   return QWidget::eventFilter(watched, event);

@@ -46,6 +46,9 @@ class RecipesPage final : public RecordPage, private RecipeGridEvents {
     return lines_->GrdRec().ColumnsInSight(entry);
   }
 
+  // The part with the grid, which shows the progress of printing all recipes.
+  [[nodiscard]] RecipeLines& Lines() const { return *lines_; }
+
   // RecordPage.
   void UpdateRecord() override;
   void CancelRecord() override;
@@ -93,8 +96,7 @@ class RecipesPage final : public RecordPage, private RecipeGridEvents {
   // The same for a command of the operator, with a database failure reported as text.
   bool RunCommand(const Event& event);
   // The same for an edit that adds the line of the entry row. If it fails, keeps that line and asks
-  // the
-  // operator.
+  // the operator.
   bool RunWithNewLine(const Event& event);
   void Show();
   std::shared_ptr<RecipeEditor> MakeEditor(SQLite::Database& connection, int id);

@@ -49,6 +49,9 @@ class RecordFormPage : public RecordPage {
     return database_ == nullptr || blank_ ? 0 : position_;
   }
 
+  // The grid lists the active records only.
+  [[nodiscard]] bool ActiveOnly() const { return active_only_->isChecked(); }
+
  protected:
   // The names of a kind's controls, and their texts in messages.
   struct Design {
@@ -121,7 +124,6 @@ class RecordFormPage : public RecordPage {
   // Whether the edit of that field could not be stored and is kept for a question.
   [[nodiscard]] bool Keeps(const QWidget& field) const { return gate_.Holds(&field); }
   void RefreshGrid();
-  [[nodiscard]] bool ActiveOnly() const { return active_only_->isChecked(); }
   void ShowAllRecords() { active_only_->setChecked(false); }
   QLabel* Caption(const char* name, int caption, QWidget* buddy);
 

@@ -232,6 +232,12 @@ void DataTransferPage::FocusControl(std::string_view name) {
   }
 }
 
+void DataTransferPage::FocusButton(QPushButton& button) {
+  if (button.isEnabled() && button.isVisible()) {
+    button.setFocus();
+  }
+}
+
 void DataTransferPage::Show() {
   controls_.Show(transfer_);
   ShowMemory();

@@ -33,6 +33,10 @@ class DataTransferPage final : public MainTabPage, private TransferView {
                    std::function<void(int)> go_to_recipe, TransferStatusPanel& status,
                    TextPrinter& printer);
 
+  // Sets the focus on the button of a command, if it can be pressed.
+  void FocusUpload() { FocusButton(*controls_.cmd_upload_data_from_krm); }
+  void FocusDownload() { FocusButton(*controls_.cmd_download_recipe_to_krm); }
+
   // Another routine has used the serial port: a running direct connection reopens it.
   void ResumeDirectConnection();
 
@@ -58,6 +62,7 @@ class DataTransferPage final : public MainTabPage, private TransferView {
   void TransferChanged() override { Show(); }
   void OpenRescueFile(const std::filesystem::path& path) override { upload_.UploadFromFile(path); }
 
+  static void FocusButton(QPushButton& button);
   void Connect();
   void Run(const std::function<void()>& flow);
   void Choose(Connection connection);

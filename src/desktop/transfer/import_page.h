@@ -83,6 +83,9 @@ class ImportPage final : public MainTabPage, private ImportView, private Progres
 
   const ImportPresenter& Session() const { return session_; }
 
+  // `chkImpFitPage`: a printed page holds all columns.
+  [[nodiscard]] bool FitAllColumns() const { return chk_imp_fit_page_->isChecked(); }
+
   // The Tab key follows the order of work: choose a file, check its rows, store them. Call it when
   // the page is in its window.
   void SetTabOrder();
