@@ -174,14 +174,14 @@ class LeveledReader {
       const SQLite::Column column = query.getColumn(0);
       values_.push_back(View(column));
       // Whether the value is a user is only known from the level below.
-      const LeveledGroup told = Leveled(group_, NoUser());
-      const bool innermost = depth + 1 == told.levels.size();
+      const LeveledGroup leveled = Leveled(group_, NoUser());
+      const bool innermost = depth + 1 == leveled.levels.size();
       const bool none = depth == 0 && NoUser();
       lines_.push_back("open " + std::to_string(depth) + " " + level.element + " " +
                        (none ? "(none)" : Shown(values_.back())) +
-                       (innermost ? SumsText(told) : ""));
+                       (innermost ? SumsText(leveled) : ""));
       if (innermost) {
-        Records(told.records);
+        Records(leveled.records);
       } else {
         Level(depth + 1);
       }
@@ -194,9 +194,9 @@ class LeveledReader {
     return group_ >= 11 && !values_.empty() && values_.front() == CellView("-1");
   }
 
-  std::string SumsText(const LeveledGroup& told) const {
-    std::vector<std::string_view> sums = told.sums;
-    if (told.batch_or_feed) {
+  std::string SumsText(const LeveledGroup& leveled) const {
+    std::vector<std::string_view> sums = leveled.sums;
+    if (leveled.batch_or_feed) {
       sums = {values_.back() == CellView("BATCH") ? "ActualBatch" : "ActualFeed", "Target"};
     }
     std::string text;
@@ -205,7 +205,7 @@ class LeveledReader {
                                : field == "ActualFeed" ? "Feed_Weight"
                                                        : "Target_Weight";
       SQLite::Statement query(database_, "SELECT sum(" + std::string(field) +
-                                             ") FROM Transactions WHERE " + told.summed);
+                                             ") FROM Transactions WHERE " + leveled.summed);
       Bind(query);
       query.executeStep();
       text += " " + name + "=" + Shown(View(query.getColumn(0)));

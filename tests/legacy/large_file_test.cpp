@@ -67,11 +67,11 @@ TEST(LargeFile, ConvertsWithinBoundedMemory) {
   std::array<char, 200> line{};
   ASSERT_NE(std::fgets(line.data(), line.size(), process), nullptr);
   ASSERT_EQ(pclose(process), 0) << line.data();
-  std::istringstream told(line.data());
+  std::istringstream fields(line.data());
   int stored = 0;
   long own_kilobytes = 0;
   long reader_kilobytes = 0;
-  told >> stored >> own_kilobytes >> reader_kilobytes;
+  fields >> stored >> own_kilobytes >> reader_kilobytes;
   EXPECT_EQ(stored, kRows + 2);
 #ifndef __SANITIZE_ADDRESS__
   // The page cache of the storage engine is 64 MB; the file has as many.

@@ -27,9 +27,9 @@ std::string WordsOfTheManual() {
   for (const Chapter& chapter : ManualChapters()) {
     for (const Spans& spans : TextsOf(chapter)) {
       for (const Span& span : spans) {
-        const bool told = span.style == SpanStyle::kCaption ||
-                          (span.quote > 0 && span.style == SpanStyle::kPlain);
-        words += told ? OneLine(span.text) : "\n";
+        const bool is_message = span.style == SpanStyle::kCaption ||
+                                (span.quote > 0 && span.style == SpanStyle::kPlain);
+        words += is_message ? OneLine(span.text) : "\n";
       }
       words += "\n";
     }

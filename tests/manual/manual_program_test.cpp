@@ -100,16 +100,16 @@ TEST(Manual, NamesOnlyCommandsThatTheMenusHave) {
 }
 
 TEST(Manual, ReportsEveryCommandOfTheMenus) {
-  std::set<std::string> told;
+  std::set<std::string> documented;
   ForEachSpan(SpanStyle::kCaption, [&](const std::string& /*file*/, const std::string& text) {
-    told.insert(BareCommand(text));
+    documented.insert(BareCommand(text));
   });
   for (const std::string& command : CommandsOfTheMenus()) {
-    const bool is_menu = std::any_of(told.begin(), told.end(), [&](const std::string& text) {
-      return text.starts_with(command + " > ");
-    });
+    const bool is_menu =
+        std::any_of(documented.begin(), documented.end(),
+                    [&](const std::string& text) { return text.starts_with(command + " > "); });
     const bool is_separator = command.ends_with("> ");
-    EXPECT_TRUE(is_separator || is_menu || told.contains(command)) << command;
+    EXPECT_TRUE(is_separator || is_menu || documented.contains(command)) << command;
   }
 }
 

@@ -280,12 +280,12 @@ TEST_F(DirectConnectionTest, LeavingSetsTheTabBackAndStopsTheUpdates) {
   EXPECT_EQ(tab.open_caption, "Open...");
   EXPECT_TRUE(tab.download_buttons_visible);
   EXPECT_EQ(op.Status(), "");
-  const std::size_t told = op.status_lines.size();
+  const std::size_t lines_before = op.status_lines.size();
   krm.GS_KRM_VirtualMemory("");
   for (int i = 0; i < 10; ++i) {
     pump.Pump(Ms{1000});
   }
-  EXPECT_EQ(op.status_lines.size(), told);
+  EXPECT_EQ(op.status_lines.size(), lines_before);
   EXPECT_EQ(tab.memory_size, "3");
 }
 

@@ -103,9 +103,9 @@ TEST_F(IndicatorProgram, MismatchFarInsideAFileIsReportedByItsPosition) {
   file[700] = 'x';
   pc.Write(file);
   EXPECT_EQ(program.ExitCode(), 1);
-  const std::string told = program.Errors();
-  EXPECT_THAT(told, HasSubstr("got 78"));
-  EXPECT_THAT(told, HasSubstr("(from byte 701 of 1000 on)"));
+  const std::string errors = program.Errors();
+  EXPECT_THAT(errors, HasSubstr("got 78"));
+  EXPECT_THAT(errors, HasSubstr("(from byte 701 of 1000 on)"));
 }
 
 TEST_F(IndicatorProgram, MismatchWithin32BytesIsReportedFromTheFirstByte) {

@@ -8,9 +8,8 @@
 
 namespace vrx::testing {
 
-// A program of the build in a process of its own; killed with the object, or with
-// the process that made it, if it still runs. Its
-// output goes through files, so it never waits for a reader.
+// A program of the build in a process of its own; killed with the object, or with the process that
+// made it, if it still runs. Its output goes through files, so it never waits for a reader.
 class Program {
  public:
   enum class User { kOwn, kNobody };  // kNobody only differs for a superuser

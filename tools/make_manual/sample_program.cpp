@@ -148,14 +148,14 @@ class SampleOperator : public QtOperator {
     if (shows_boxes) {
       return QtOperator::ShowMessage(box);
     }
-    told += (told.empty() ? "" : "; ") + box.title + ": " + box.text;
-    told += box.cause.empty() ? "" : " (" + box.cause + ")";
+    messages += (messages.empty() ? "" : "; ") + box.title + ": " + box.text;
+    messages += box.cause.empty() ? "" : " (" + box.cause + ")";
     return box.buttons == Buttons::kYesNo ? Answer::kNo : Answer::kOk;
   }
   void Beep() override {}
 
   bool shows_boxes = false;
-  std::string told;
+  std::string messages;
 };
 
 // A folder that is the current one while it lives.
@@ -188,7 +188,7 @@ class SampleProgram::Parts {
     ini.emplace(app_folder.IniFilePath(), system, op);
     static_cast<void>(PrivateINI::EnsureIniFile(*ini, op));
     settings.ReadIniSettings(*ini);
-    op.told.clear();  // that the settings are new
+    op.messages.clear();  // that the settings are new
     CopySite();
     const auto stay = [](ExitReason) {};
     form = std::make_unique<MainForm>(services, lock_waits, user_settings, serial, *ini, stay);
@@ -206,8 +206,8 @@ class SampleProgram::Parts {
     for (int round = 0; round < kRounds; ++round) {
       QApplication::processEvents();
     }
-    if (!op.told.empty()) {
-      throw Error("the program says: " + std::exchange(op.told, {}));
+    if (!op.messages.empty()) {
+      throw Error("the program says: " + std::exchange(op.messages, {}));
     }
   }
 
