@@ -18,7 +18,7 @@ using ::testing::HasSubstr;
 using ::testing::IsEmpty;
 using ::testing::Not;
 
-std::string Batch(const std::string& transaction) {
+std::string BatchRecord(const std::string& transaction) {
   return OneIngredient{.transaction = transaction}.Record();
 }
 
@@ -42,9 +42,9 @@ std::vector<std::string> Unread(const ParsedText& parsed) {
 }
 
 TEST(UnreadFeeds, DoNotHideTheFeedsAfterThem) {
-  const ParsedText parsed(
-      FileOf(Batch("1") + Batch("2"), FeedOf("1", "5.0") + FeedOf("3", "6.0") + FeedOf("1", "7.0") +
-                                          FeedOf("2", "8.0") + FeedOf("9", "9.0")));
+  const ParsedText parsed(FileOf(BatchRecord("1") + BatchRecord("2"),
+                                 FeedOf("1", "5.0") + FeedOf("3", "6.0") + FeedOf("1", "7.0") +
+                                     FeedOf("2", "8.0") + FeedOf("9", "9.0")));
   ASSERT_EQ(parsed.error, "");
   EXPECT_THAT(Rows(parsed), ElementsAre("1 1000.0", "1 5.0", "1 7.0", "2 1000.0", "2 8.0"));
   EXPECT_THAT(Unread(parsed), ElementsAre("3: B,3,12,2,0915,01152009,750.0,6.0",
@@ -53,35 +53,36 @@ TEST(UnreadFeeds, DoNotHideTheFeedsAfterThem) {
 
 // They are counted, and the rows counted for them stay empty.
 TEST(UnreadFeeds, LeaveTheirRowsEmpty) {
-  const ParsedText parsed(FileOf(Batch("1"), FeedOf("3", "6.0") + FeedOf("1", "5.0")));
+  const ParsedText parsed(FileOf(BatchRecord("1"), FeedOf("3", "6.0") + FeedOf("1", "5.0")));
   EXPECT_EQ(parsed.file.FileRecordCount(), 3);
   EXPECT_EQ(parsed.file.Imported().RowCount(), 3U);
   EXPECT_EQ(parsed.file.Imported().FilledCount(), 2U);
 }
 
 TEST(UnreadFeeds, AreNotThoseOfALaterBatch) {
-  const ParsedText parsed(
-      FileOf(Batch("1") + Batch("2") + Batch("3"), FeedOf("3", "6.0") + FeedOf("3", "7.0")));
+  const ParsedText parsed(FileOf(BatchRecord("1") + BatchRecord("2") + BatchRecord("3"),
+                                 FeedOf("3", "6.0") + FeedOf("3", "7.0")));
   EXPECT_THAT(Rows(parsed), ElementsAre("1 1000.0", "2 1000.0", "3 1000.0", "3 6.0", "3 7.0"));
   EXPECT_THAT(Unread(parsed), IsEmpty());
 }
 
 TEST(UnreadFeeds, AreThoseOfAnEarlierBatch) {
-  const ParsedText parsed(FileOf(Batch("1") + Batch("2"), FeedOf("2", "6.0") + FeedOf("1", "5.0")));
+  const ParsedText parsed(
+      FileOf(BatchRecord("1") + BatchRecord("2"), FeedOf("2", "6.0") + FeedOf("1", "5.0")));
   EXPECT_THAT(Rows(parsed), ElementsAre("1 1000.0", "2 1000.0", "2 6.0"));
   EXPECT_THAT(Unread(parsed), ElementsAre("1: B,1,12,2,0915,01152009,750.0,5.0"));
 }
 
 TEST(UnreadFeeds, AreReadIfTheirNumberComesAgain) {
-  const ParsedText parsed(
-      FileOf(Batch("1") + Batch("2") + Batch("1"), FeedOf("2", "6.0") + FeedOf("1", "5.0")));
+  const ParsedText parsed(FileOf(BatchRecord("1") + BatchRecord("2") + BatchRecord("1"),
+                                 FeedOf("2", "6.0") + FeedOf("1", "5.0")));
   EXPECT_THAT(Rows(parsed), ElementsAre("1 1000.0", "2 1000.0", "2 6.0", "1 1000.0", "1 5.0"));
   EXPECT_THAT(Unread(parsed), IsEmpty());
 }
 
 TEST(UnreadFeeds, AreFoundByTheirNumberAsText) {
-  const ParsedText parsed(FileOf(Batch("1"), FeedOf("01", "5.0") + FeedOf(" 1", "6.0") +
-                                                 FeedOf("", "7.0") + FeedOf("1", "8.0")));
+  const ParsedText parsed(FileOf(BatchRecord("1"), FeedOf("01", "5.0") + FeedOf(" 1", "6.0") +
+                                                       FeedOf("", "7.0") + FeedOf("1", "8.0")));
   EXPECT_THAT(Rows(parsed), ElementsAre("1 1000.0", "1 8.0"));
   EXPECT_THAT(Unread(parsed), ElementsAre("01: B,01,12,2,0915,01152009,750.0,5.0",
                                           " 1: B, 1,12,2,0915,01152009,750.0,6.0",
@@ -90,10 +91,10 @@ TEST(UnreadFeeds, AreFoundByTheirNumberAsText) {
 
 // With too few, too many or no fields: the next record is read from its beginning.
 TEST(UnreadFeeds, AreSteppedOverWholeWhateverTheirForm) {
-  const ParsedText parsed(FileOf(Batch("1"), "\r\nB,7\r\nB\r\nB,8,1,2,3,4,5,6,7,8,9;10\r\n" +
-                                                 FeedOf("1", "5.0") +
-                                                 "B,1,12,2,0915,01152009,750.0,6.0,more,B\r\n" +
-                                                 FeedOf("1", "7.0") + "B,4\r\n"));
+  const ParsedText parsed(
+      FileOf(BatchRecord("1"), "\r\nB,7\r\nB\r\nB,8,1,2,3,4,5,6,7,8,9;10\r\n" + FeedOf("1", "5.0") +
+                                   "B,1,12,2,0915,01152009,750.0,6.0,more,B\r\n" +
+                                   FeedOf("1", "7.0") + "B,4\r\n"));
   ASSERT_EQ(parsed.error, "");
   EXPECT_THAT(Rows(parsed), ElementsAre("1 1000.0", "1 5.0", "1 6.0", "1 7.0"));
   EXPECT_THAT(Unread(parsed),
@@ -104,14 +105,14 @@ TEST(UnreadFeeds, AreSteppedOverWholeWhateverTheirForm) {
 TEST(UnreadFeeds, AreAllOfASectionWithoutAMark) {
   std::string feed = FeedOf("1", "5.0");
   feed[0] = 'b';
-  const ParsedText parsed(FileOf(Batch("1"), feed + feed));
+  const ParsedText parsed(FileOf(BatchRecord("1"), feed + feed));
   EXPECT_THAT(Rows(parsed), ElementsAre("1 1000.0"));
   EXPECT_THAT(Unread(parsed), ElementsAre("1: b,1,12,2,0915,01152009,750.0,5.0",
                                           "1: b,1,12,2,0915,01152009,750.0,5.0"));
 }
 
 TEST(UnreadFeeds, OfThePreviousFileAreForgotten) {
-  ParsedText parsed(FileOf(Batch("1"), FeedOf("3", "6.0")));
+  ParsedText parsed(FileOf(BatchRecord("1"), FeedOf("3", "6.0")));
   EXPECT_EQ(parsed.file.Imported().UnreadFeeds().size(), 1U);
   parsed.file.SetText(std::string(kWorkedExample));
   EXPECT_EQ(parsed.file.ParseTransactionFile(parsed.progress, {}, parsed.op, parsed.settings), "");

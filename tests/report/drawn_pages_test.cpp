@@ -18,7 +18,6 @@ using ::testing::IsEmpty;
 using ::testing::Pair;
 using ::testing::SizeIs;
 
-constexpr double kDot = 72.0 / 1200;  // points
 constexpr double kPadding = 4;
 constexpr double kIndent = 12;
 

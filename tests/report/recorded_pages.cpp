@@ -7,13 +7,6 @@
 #include "report/print_target.h"
 
 namespace vrx::testing {
-namespace {
-
-constexpr int kDotsPerInch = 1200;
-constexpr double kDot = 72.0 / kDotsPerInch;  // points
-
-}  // namespace
-
 const DrawnText& DrawnPage::Text(const std::string& text) const {
   const auto found = std::find_if(texts.begin(), texts.end(),
                                   [&](const DrawnText& drawn) { return drawn.text == text; });
@@ -80,7 +73,7 @@ void RecordingEngine::drawLines(const QLineF* lines, int count) {
 }
 
 RecordingPaper::RecordingPaper() : QPdfWriter(QString()) {
-  setResolution(kDotsPerInch);
+  setResolution(kRecordedDotsPerInch);
   setPageSize(QPageSize(QPageSize::A4));
   SetUpPaper(*this);
 }
@@ -94,11 +87,11 @@ bool RecordingPaper::newPage() {
 }
 
 double RecordingPaper::Width() const {
-  return pageLayout().paintRectPixels(kDotsPerInch).width() * kDot;
+  return pageLayout().paintRectPixels(kRecordedDotsPerInch).width() * kDot;
 }
 
 double RecordingPaper::Height() const {
-  return pageLayout().paintRectPixels(kDotsPerInch).height() * kDot;
+  return pageLayout().paintRectPixels(kRecordedDotsPerInch).height() * kDot;
 }
 
 std::vector<DrawnPage> PagesOf(const Report& report) {

@@ -11,6 +11,9 @@
 
 namespace vrx::testing {
 
+inline constexpr int kRecordedDotsPerInch = 1200;
+inline constexpr double kDot = 72.0 / kRecordedDotsPerInch;  // points
+
 // Lengths are points from the upper left corner of what the margins leave of the sheet.
 struct DrawnText {
   std::string text;

@@ -5,7 +5,7 @@
 namespace vrx::testing {
 namespace {
 
-ReportFacts Facts() {
+ReportFacts SiteFacts() {
   using namespace std::chrono;
   return {.recipe_file = "/feed/YARD.RDB",
           .transaction_file = "/feed/YARD.TDB",
@@ -15,7 +15,7 @@ ReportFacts Facts() {
           .grid_lines = true};
 }
 
-CurrentRecipe Recipe(const std::string& batch_type) {
+CurrentRecipe TitledRecipe(const std::string& batch_type) {
   CurrentRecipe recipe;
   recipe.ration.recipe = {
       .id = 3, .name = "STEERS  ", .description = "Steers Finisher", .batch_type = batch_type};
@@ -34,24 +34,24 @@ constexpr const char* kHead =
     "\r\nTotals:";
 
 TEST(PageTexts, IngredientsSayActiveByTheBoxAlone) {
-  const PageTexts active = SetPageHeadersIngredients(true, Facts());
+  const PageTexts active = SetPageHeadersIngredients(true, SiteFacts());
   EXPECT_EQ(active.header_center, "Report: Ingredients (active)\r\nRecipe File: /feed/YARD.RDB");
   EXPECT_EQ(active.header_right, "");
   EXPECT_EQ(active.footer_center, "1/5/2026");
-  EXPECT_EQ(SetPageHeadersIngredients(false, Facts()).header_center,
+  EXPECT_EQ(SetPageHeadersIngredients(false, SiteFacts()).header_center,
             "Report: Ingredients (all)\r\nRecipe File: /feed/YARD.RDB");
 }
 
 TEST(PageTexts, PensShowTheWeightUnits) {
-  const PageTexts pens = SetPageHeadersPens(true, Facts());
+  const PageTexts pens = SetPageHeadersPens(true, SiteFacts());
   EXPECT_EQ(pens.header_center, "Report: Pens (active)\r\nRecipe File: /feed/YARD.RDB");
   EXPECT_EQ(pens.header_right, "Weight Units: LB");
-  EXPECT_EQ(SetPageHeadersPens(false, Facts()).header_center,
+  EXPECT_EQ(SetPageHeadersPens(false, SiteFacts()).header_center,
             "Report: Pens (all)\r\nRecipe File: /feed/YARD.RDB");
 }
 
 TEST(PageTexts, TransactionsShowTheGroupAndBothFiles) {
-  const PageTexts texts = SetPageHeadersTransactions("Recipes (all)", Facts());
+  const PageTexts texts = SetPageHeadersTransactions("Recipes (all)", SiteFacts());
   EXPECT_EQ(texts.header_center,
             "Report: Recipes (all)\r\nTransaction File: /feed/YARD.TDB\r\n"
             "Recipe File: /feed/YARD.RDB");
@@ -59,14 +59,14 @@ TEST(PageTexts, TransactionsShowTheGroupAndBothFiles) {
 }
 
 TEST(PageTexts, AnImportShowsItsOwnFileAndUnit) {
-  const PageTexts texts = SetPageHeadersImport("/in/day1.QXT", "KG", Facts());
+  const PageTexts texts = SetPageHeadersImport("/in/day1.QXT", "KG", SiteFacts());
   EXPECT_EQ(texts.header_center, "Report: Imported Transactions\r\nFile: /in/day1.QXT");
   EXPECT_EQ(texts.header_right, "Weight Units: KG");
 }
 
 TEST(PageTexts, ARecipeByWeightShowsItsTotalsUnderTheCaptionsOfTheGrid) {
   for (const std::string type : {"W", "H", "%"}) {
-    EXPECT_EQ(SetPageHeadersRecipe(Recipe(type), Facts()).header_center,
+    EXPECT_EQ(SetPageHeadersRecipe(TitledRecipe(type), SiteFacts()).header_center,
               std::string(kHead) +
                   "\r\nDry Matter (lb) = 2000\r\nRation (%) DM = 100.000\r\n"
                   "Dry Matter (%) = 88.8\r\nTarget (lb) = 2253\r\nBatch Target = 5250\r\n"
@@ -75,18 +75,18 @@ TEST(PageTexts, ARecipeByWeightShowsItsTotalsUnderTheCaptionsOfTheGrid) {
 }
 
 TEST(PageTexts, ARecipeByPercentShowsItsSharesFirst) {
-  EXPECT_EQ(SetPageHeadersRecipe(Recipe("P"), Facts()).header_center,
+  EXPECT_EQ(SetPageHeadersRecipe(TitledRecipe("P"), SiteFacts()).header_center,
             std::string(kHead) +
                 "\r\nIngredient (%) = 100.00\r\nDry Matter (%) = 88.8\r\nTarget (lb) = 2253\r\n"
                 "Batch Target = 5250\r\nHand-Add = 1");
 }
 
 TEST(PageTexts, ARecipeOfNoTypeEndsWithTotalsAndNothingBelow) {
-  EXPECT_EQ(SetPageHeadersRecipe(Recipe("!"), Facts()).header_center, kHead);
+  EXPECT_EQ(SetPageHeadersRecipe(TitledRecipe("!"), SiteFacts()).header_center, kHead);
 }
 
 TEST(PageTexts, ARecipeShowsUnitsAndBatchTypeWithALineEndAfterThem) {
-  EXPECT_EQ(SetPageHeadersRecipe(Recipe("%"), Facts()).header_right,
+  EXPECT_EQ(SetPageHeadersRecipe(TitledRecipe("%"), SiteFacts()).header_right,
             "Weight Units: LB\r\nBatch By: WEIGHT, Self-Adj\r\n");
 }
 

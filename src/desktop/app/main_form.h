@@ -132,7 +132,7 @@ class MainForm : public QObject, public ProgramForm {
   RecordPages AddRecordPages();
   void AddRecordPage(int tab, RecordPage& page);
   [[nodiscard]] RecordPage* RecordPageOf(int tab) const;  // nullptr for the other tabs
-  [[nodiscard]] RecordPage* CurrentRecordPage() const;
+  RecordPage* CurrentRecordPage();
   void Act(int button);
   void Navigate(int button);
   void CountLoaded();

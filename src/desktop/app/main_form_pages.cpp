@@ -57,7 +57,7 @@ RecordPage* MainForm::RecordPageOf(int tab) const {
   }
 }
 
-RecordPage* MainForm::CurrentRecordPage() const {
+RecordPage* MainForm::CurrentRecordPage() {
   return RecordPageOf(window_.Tabs().CurrentTab());
 }
 
