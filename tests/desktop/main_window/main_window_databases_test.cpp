@@ -227,20 +227,16 @@ TEST_F(MainWindowDatabasesTest, EditAndViewGoToTheirTabs) {
 }
 
 TEST_F(MainWindowDatabasesTest, TransferCommandsGiveTheirButtonTheFocus) {
-  auto* const page = new MainTabPage;
-  auto* const upload = new QPushButton(page);
-  upload->setObjectName(u"cmdUploadDataFromKRM"_qs);
-  auto* const download = new QPushButton(page);
-  download->setObjectName(u"cmdDownloadRecipeToKRM"_qs);
-  ReplacePage(kTabDataTransfer, page);
+  auto& upload = Find<QPushButton>(u"cmdUploadDataFromKRM"_qs);
+  auto& download = Find<QPushButton>(u"cmdDownloadRecipeToKRM"_qs);
   Show();
   Choose(u"mnuTransferUpload"_qs);
-  EXPECT_TRUE(upload->hasFocus());
+  EXPECT_TRUE(upload.hasFocus());
   Choose(u"mnuTransferDownload"_qs);
-  EXPECT_TRUE(download->hasFocus());
-  upload->setEnabled(false);
+  EXPECT_TRUE(download.hasFocus());
+  upload.setEnabled(false);
   Choose(u"mnuTransferUpload"_qs);
-  EXPECT_TRUE(download->hasFocus());
+  EXPECT_TRUE(download.hasFocus());
 }
 
 TEST_F(MainWindowDatabasesTest, PrintIsOffOnTheDataTransferTabWhateverIsOpen) {
