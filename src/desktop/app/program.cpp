@@ -51,23 +51,15 @@ void MakeCommonFolder(const SystemInfo& system) {
 
 // The steps that prepare the application return false if the process must end, after reporting why.
 
-bool IsOnlyInstance(LockFile& lock, Operator& op) {
+bool ClaimAndMakeFolders(LockFile& lock, const Services& services, Folder& folder) {
   try {
-    if (lock.Claim()) {
-      return true;
+    if (!lock.Claim()) {
+      ReportAlreadyRunning(services.op);
+      return false;
     }
-    ReportAlreadyRunning(op);
-  } catch (const Error& failure) {
-    ReportStartFailure(op, failure.what());
-  }
-  return false;
-}
-
-bool MakeFolders(const Services& services, Folder& folder) {
-  MakeCommonFolder(services.system);
-  try {
+    MakeCommonFolder(services.system);
     return folder.CheckAppDefaultDir();
-  } catch (const FileError& failure) {
+  } catch (const Error& failure) {
     ReportStartFailure(services.op, failure.what());
     return false;
   }
@@ -186,7 +178,7 @@ bool LockFile::Claim() {
 std::unique_ptr<ProgramForm> StartProgram(LockFile& lock, Splash& splash, const Services& services,
                                           Folder& folder, std::optional<CPrivateINI>& ini,
                                           const MakeForm& make_form) {
-  if (!IsOnlyInstance(lock, services.op) || !MakeFolders(services, folder) ||
+  if (!ClaimAndMakeFolders(lock, services, folder) ||
       !CheckSupportFiles(services.system, services.op) || !OpenIniFile(services, folder, ini)) {
     return nullptr;
   }
