@@ -131,8 +131,8 @@ class StoreBench {
  private:
   void Store(const fs::path& path) {
     bool stored = false;
-    const StoreOutcome outcome =
-        store_.StoreImportedTransactions(rows_, {recipes_, path, "LB"}, stored);
+    const StoreOutcome outcome = store_.StoreImportedTransactions(rows_, {}, {recipes_, path, "LB"},
+                                                                  stored, RepeatedBatches::kAll);
     if (outcome.stored != kRows) {
       throw std::runtime_error("the store failed: " + operator_.boxes.back().text);
     }

@@ -37,8 +37,8 @@ constexpr std::size_t kMaxText = 1U << 20U;
 // A fixed day, so that every build creates the same database.
 class SiteCalendar : public vrx::Calendar {
  public:
-  [[nodiscard]] vrx::Date Today() const override {
-    return {std::chrono::year{2026}, std::chrono::January, std::chrono::day{5}};
+  [[nodiscard]] vrx::LocalTime Now() const override {
+    return {.date = {std::chrono::year{2026}, std::chrono::January, std::chrono::day{5}}};
   }
 };
 

@@ -72,10 +72,12 @@ LocalTime LocalNow() {
                        std::chrono::month{static_cast<unsigned>(local.tm_mon + 1)},
                        std::chrono::day{static_cast<unsigned>(local.tm_mday)}},
           .time_of_day = std::chrono::hours{local.tm_hour} + std::chrono::minutes{local.tm_min} +
-                         std::chrono::seconds{local.tm_sec}};
+                         std::chrono::seconds{local.tm_sec},
+          .offset = std::chrono::duration_cast<std::chrono::minutes>(
+              std::chrono::seconds{local.tm_gmtoff})};
 }
 
-Date LocalCalendar::Today() const { return LocalNow().date; }
+LocalTime LocalCalendar::Now() const { return LocalNow(); }
 
 std::string LinuxSystemInfo::CommonAppDataFolder() const {
   std::string data_home = Environment("XDG_DATA_HOME");

@@ -15,7 +15,7 @@ namespace vrx {
 
 class LocalCalendar : public Calendar {
  public:
-  [[nodiscard]] Date Today() const override;
+  [[nodiscard]] LocalTime Now() const override;
 };
 
 class LinuxSystemInfo : public SystemInfo {

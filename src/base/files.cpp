@@ -1,7 +1,6 @@
 #include "base/files.h"
 
 #include <array>
-#include <bit>
 #include <cerrno>
 #include <cstdint>
 #include <cstdio>
@@ -85,6 +84,22 @@ fs::file_status Status(const fs::path& path) {
   return fs::status(path, ignored);
 }
 
+void Update(sha256_ctx& hash, std::string_view bytes) {
+  sha256_update(&hash, bytes.size(), reinterpret_cast<const std::uint8_t*>(bytes.data()));
+}
+
+std::string HexDigest(sha256_ctx& hash) {
+  std::array<std::uint8_t, SHA256_DIGEST_SIZE> digest{};
+  sha256_digest(&hash, digest.size(), digest.data());
+  constexpr std::string_view kDigits = "0123456789abcdef";
+  std::string text;
+  for (const std::uint8_t byte : digest) {
+    text.push_back(kDigits[byte >> 4U]);
+    text.push_back(kDigits[byte & 0x0FU]);
+  }
+  return text;
+}
+
 }  // namespace
 
 bool FileExists(const fs::path& path) {
@@ -122,6 +137,13 @@ std::string ReadFileBytes(const fs::path& path, std::size_t limit) {
   return bytes;
 }
 
+std::string Sha256(std::string_view bytes) {
+  sha256_ctx hash{};
+  sha256_init(&hash);
+  Update(hash, bytes);
+  return HexDigest(hash);
+}
+
 std::string Sha256OfFile(const fs::path& path) {
   errno = 0;
   std::ifstream in(path, std::ios::binary);
@@ -130,21 +152,12 @@ std::string Sha256OfFile(const fs::path& path) {
   std::array<char, 65536> block{};
   while (in) {
     in.read(block.data(), static_cast<std::streamsize>(block.size()));
-    const auto bytes = std::bit_cast<std::array<std::uint8_t, block.size()>>(block);
-    sha256_update(&hash, static_cast<std::size_t>(in.gcount()), bytes.data());
+    Update(hash, {block.data(), static_cast<std::size_t>(in.gcount())});
   }
   if (!in.eof()) {
     FailToRead(path);
   }
-  std::array<std::uint8_t, SHA256_DIGEST_SIZE> digest{};
-  sha256_digest(&hash, digest.size(), digest.data());
-  constexpr std::string_view kDigits = "0123456789abcdef";
-  std::string text;
-  for (const std::uint8_t byte : digest) {
-    text.push_back(kDigits[byte >> 4U]);
-    text.push_back(kDigits[byte & 0x0FU]);
-  }
-  return text;
+  return HexDigest(hash);
 }
 
 void WriteFileBytes(const fs::path& path, std::string_view bytes) {

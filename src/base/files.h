@@ -30,7 +30,10 @@ class FileError : public Error {
 // bytes, so that the caller notices.
 [[nodiscard]] std::string ReadFileBytes(const std::filesystem::path& path, std::size_t limit);
 
-// Hash of a file's bytes in lower-case hexadecimal. Throws FileError.
+// SHA-256 of bytes in lower-case hexadecimal.
+[[nodiscard]] std::string Sha256(std::string_view bytes);
+
+// The same of a file's bytes. Throws FileError.
 [[nodiscard]] std::string Sha256OfFile(const std::filesystem::path& path);
 
 // Replaces the file as AtomicFile does. Throws FileError and leaves the old file unchanged.

@@ -1,5 +1,6 @@
 #include <cstddef>
 #include <filesystem>
+#include <map>
 #include <ostream>
 #include <string>
 #include <utility>
@@ -27,7 +28,8 @@ class HeadlessImport : public ImportView {
 
   // Returns false after reporting a failure.
   bool Import(const std::filesystem::path& file);
-  StoreOutcome Store() { return import_.ClickImportStore(); }
+  StoreOutcome Store(RepeatedBatches repeated) { return import_.ClickImportStore(repeated); }
+  bool UndoLastStore() { return import_.ClickImportUndo(); }
   const TransFile& File() const { return import_.File(); }
 
   OpenDatabases Databases() const override { return databases_; }
@@ -103,25 +105,46 @@ class ImportCommand : public Command {
   OutputOptions output_;
 };
 
+const std::map<std::string, RepeatedBatches> kRepeated{{"ask", RepeatedBatches::kAsk},
+                                                       {"new", RepeatedBatches::kNew},
+                                                       {"all", RepeatedBatches::kAll},
+                                                       {"none", RepeatedBatches::kNone}};
+
 class StoreCommand : public Command {
  public:
   CLI::App* Register(CLI::App& app) override {
-    CLI::App* command = app.add_subcommand("store", "Import a transaction file and store its rows");
-    command->add_option("file", file_, "A transaction file (.QXT)")->required();
+    CLI::App* command = app.add_subcommand(
+        "store", "Import a transaction file and store its rows, or undo a store");
+    CLI::Option* file = command->add_option("file", file_, "A transaction file (.QXT)");
     command->add_option("--into", transactions_, "The transaction database that gets the rows")
         ->required()
         ->type_name("TDB");
-    command->add_option("--recipes", recipes_, "The recipe database that gives the names")
-        ->required()
-        ->type_name("RDB");
+    CLI::Option* recipes =
+        command->add_option("--recipes", recipes_, "The recipe database that gives the names")
+            ->type_name("RDB");
+    CLI::Option* repeated =
+        command
+            ->add_option("--repeated", repeated_,
+                         "What is stored if the database has batches of the file already: the new "
+                         "ones, all again, none; ask by default")
+            ->transform(CLI::CheckedTransformer(kRepeated));
+    CLI::Option* undo = command->add_flag(
+        "--undo", undo_, "Take the rows of the last store out of the database, after a question");
+    undo->excludes(file)->excludes(recipes)->excludes(repeated);
     AddExamples(*command, {{"store 01.QXT --into JANUARY.TDB --recipes SITE.RDB",
-                            "Adds the file after the records of the database."}});
+                            "Adds the file after the records of the database."},
+                           {"store 01.QXT --into JANUARY.TDB --recipes SITE.RDB --repeated new",
+                            "The same for a module that was not cleared: stores what is new."},
+                           {"store --undo --into JANUARY.TDB", "Takes the last store back."}});
     return command;
   }
 
   int Run(Session& session) override {
+    if (!undo_ && (file_.empty() || recipes_.empty())) {
+      throw CLI::RequiredError(file_.empty() ? "store: file" : "store: --recipes");
+    }
     if (!session.IsUserDatabase(transactions_, DatabaseKind::kTransaction) ||
-        !session.IsUserDatabase(recipes_, DatabaseKind::kRecipe)) {
+        (!undo_ && !session.IsUserDatabase(recipes_, DatabaseKind::kRecipe))) {
       return kFailed;
     }
     return session.OnDatabase(transactions_, DatabaseKind::kTransaction, [&] {
@@ -130,13 +153,24 @@ class StoreCommand : public Command {
                     .trans_db_path = transactions_,
                     .trans_db_uom = ReadDatabaseUoM(transactions_, session.Context().busy_timeout),
                     .lock_wait = session.Context().busy_timeout});
+      if (undo_) {
+        return Undo(session, importer);
+      }
       return importer.Import(file_) ? Store(session, importer) : kFailed;
     });
   }
 
  private:
-  static int Store(Session& session, HeadlessImport& importer) {
-    const StoreOutcome outcome = importer.Store();
+  static int Undo(Session& session, HeadlessImport& importer) {
+    if (!importer.UndoLastStore()) {
+      return kFailed;
+    }
+    session.Op().ShowNote(session.Progress().Message());
+    return kDone;
+  }
+
+  int Store(Session& session, HeadlessImport& importer) const {
+    const StoreOutcome outcome = importer.Store(repeated_);
     if (outcome.complete) {
       session.Op().ShowNote(session.Progress().Message());
     }
@@ -145,7 +179,9 @@ class StoreCommand : public Command {
           "rows read: " + std::to_string(importer.File().FileRecordCount()) + ", stored: " +
           std::to_string(outcome.stored) + ", left out: " + std::to_string(outcome.left_out) +
           (outcome.not_read == 0 ? std::string()
-                                 : ", not read: " + std::to_string(outcome.not_read)));
+                                 : ", not read: " + std::to_string(outcome.not_read)) +
+          (outcome.repeated == 0 ? std::string()
+                                 : ", repeated: " + std::to_string(outcome.repeated)));
     }
     return outcome.complete && outcome.not_read == 0 ? kDone : kFailed;
   }
@@ -153,6 +189,8 @@ class StoreCommand : public Command {
   std::string file_;
   std::string transactions_;
   std::string recipes_;
+  RepeatedBatches repeated_ = RepeatedBatches::kAsk;
+  bool undo_ = false;
 };
 
 }  // namespace

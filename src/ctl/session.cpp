@@ -1,9 +1,12 @@
 #include "ctl/session.h"
 
+#include <algorithm>
+#include <array>
 #include <chrono>
 #include <cstdint>
 #include <istream>
 #include <ostream>
+#include <span>
 #include <system_error>
 #include <thread>
 #include <utility>
@@ -51,6 +54,31 @@ void ReportUnread(Operator& op, const std::string& cause) {
                   .text = "Unable to read some or all of the application settings from the "
                           "applications INI file. Please check all settings.",
                   .cause = cause});
+}
+
+// An answer that can be typed. The first of a question proceeds, the last refuses.
+struct Choice {
+  Answer answer;
+  std::string_view word;
+  std::string_view letter;  // may be typed instead; empty if there is none
+};
+
+std::span<const Choice> ChoicesOf(Buttons buttons) {
+  static constexpr std::array<Choice, 2> kOkCancel{
+      {{Answer::kOk, "OK", {}}, {Answer::kCancel, "Cancel", {}}}};
+  static constexpr std::array<Choice, 2> kYesNo{
+      {{Answer::kYes, "Yes", "y"}, {Answer::kNo, "No", "n"}}};
+  static constexpr std::array<Choice, 3> kStore{{{Answer::kStoreNew, "New", "n"},
+                                                 {Answer::kStoreAll, "All", "a"},
+                                                 {Answer::kStoreNothing, "Nothing", {}}}};
+  switch (buttons) {
+    case Buttons::kYesNo:
+      return kYesNo;
+    case Buttons::kNewAllNothing:
+      return kStore;
+    default:
+      return kOkCancel;
+  }
 }
 
 // Keeps the last message instead of showing it.
@@ -148,26 +176,27 @@ void TerminalOperator::ReportCause(std::string_view cause) {
 }
 
 Answer TerminalOperator::Ask(const MessageBox& box) {
-  const bool yes_no = box.buttons == Buttons::kYesNo;
-  const Answer going_on = yes_no ? Answer::kYes : Answer::kOk;
-  const Answer refusing = yes_no ? Answer::kNo : Answer::kCancel;
+  const std::span<const Choice> choices = ChoicesOf(box.buttons);
+  const Choice& going_on = choices.front();
+  const Choice& refusing = choices.back();
   if (settings_.yes) {
-    return going_on;
+    return going_on.answer;
   }
-  const std::string_view going_on_word = yes_no ? "Yes" : "OK";
-  const std::string_view refusing_word = yes_no ? "No" : "Cancel";
   if (!settings_.in_is_terminal) {
-    err_ << "answered with " << refusing_word << " (--yes answers with " << going_on_word << ")\n";
-    return refusing;
+    err_ << "answered with " << refusing.word << " (--yes answers with " << going_on.word << ")\n";
+    return refusing.answer;
   }
-  err_ << going_on_word << " or " << refusing_word << "? ";
+  for (const Choice& choice : choices) {
+    err_ << choice.word << (&choice == &refusing ? "? " : &choice == &refusing - 1 ? " or " : ", ");
+  }
   err_.flush();
   std::string typed;
   std::getline(in_, typed);
   typed = TrimBlanks(typed);
-  const bool goes_on =
-      EqualsIgnoringCase(typed, going_on_word) || (yes_no && EqualsIgnoringCase(typed, "y"));
-  return goes_on ? going_on : refusing;
+  const auto chosen = std::find_if(choices.begin(), choices.end(), [&](const Choice& choice) {
+    return EqualsIgnoringCase(typed, choice.word) || EqualsIgnoringCase(typed, choice.letter);
+  });
+  return chosen == choices.end() ? refusing.answer : chosen->answer;
 }
 
 void TerminalOperator::Beep() {

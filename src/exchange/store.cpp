@@ -1,19 +1,27 @@
 #include "exchange/store.h"
 
+#include <algorithm>
+#include <chrono>
 #include <cstdint>
 #include <exception>
 #include <filesystem>
 #include <utility>
+#include <vector>
 
 #include <SQLiteCpp/Database.h>
 #include <SQLiteCpp/Transaction.h>
 #include <sqlite3.h>
 
 #include "base/files.h"
+#include "base/number.h"
 #include "base/text.h"
 #include "database/connection.h"
 #include "database/identity.h"
+#include "database/imports.h"
 #include "database/transactions.h"
+#include "exchange/file_batches.h"
+#include "exchange/repeated_batches.h"
+#include "exchange/store_plan.h"
 #include "exchange/store_row.h"
 #include "exchange/unread_feeds.h"
 #include "settings/settings.h"
@@ -25,12 +33,15 @@ namespace {
 // smaller cache they are written and read several times before the commit. Allocated on demand.
 constexpr const char* kLargeCache = "PRAGMA cache_size=-65536";
 
+constexpr std::string_view kUndoTitle = "Undo the Last Store";
+
 constexpr const char* kHasTransactionsQuery = "SELECT EXISTS (SELECT 1 FROM Transactions)";
 
 // Result of a committed copy; `stop_reason` is empty if it reached the last row.
 struct Copied {
   StoreOutcome outcome;
   std::string stop_reason;
+  StoredRows stored_rows;
 };
 
 std::string CountOfRows(std::size_t count) {
@@ -49,29 +60,77 @@ std::int32_t ScanForBase(SQLite::Database& database, ProgressDisplay& progress) 
   return base;
 }
 
+template <typename Value>
+void Widen(std::optional<Value>& lowest, std::optional<Value>& highest, const Value& value) {
+  lowest = std::min(lowest.value_or(value), value);
+  highest = std::max(highest.value_or(value), value);
+}
+
+void Count(StoreOutcome& outcome, const TransactionRecord& stored) {
+  ++outcome.stored;
+  Widen(outcome.lowest, outcome.highest, stored.transaction);
+  if (stored.date) {
+    Widen(outcome.first_date, outcome.last_date, *stored.date);
+  }
+}
+
 Copied CopyRows(SQLite::Database& database, const ImportedData& rows, const RecordNames& names,
-                std::int32_t base, ProgressDisplay& progress) {
+                const StorePlan& plan, ProgressDisplay& progress) {
   progress.SetProgressMessage("Copying imported records to Transaction database.");
   progress.SetProgressRange(static_cast<int>(rows.RowCount()));
   Copied copied;
   copied.outcome.not_read = rows.UnreadFeeds().size();
+  copied.stored_rows.resize(plan.batches.size());
   TransactionAppender appender(database);
   for (std::size_t row = 1; row <= rows.RowCount(); ++row) {
-    if (rows.Filled(row)) {
+    if (!rows.Filled(row)) {
+      ++copied.outcome.left_out;
+    } else if (!plan.bases[row - 1]) {
+      ++copied.outcome.repeated;
+    } else {
       try {
-        appender.Append(ToTransactionRecord(rows, row, names, base));
+        const TransactionRecord record =
+            ToTransactionRecord(rows, row, names, *plan.bases[row - 1]);
+        appender.Append(record);
+        Count(copied.outcome, record);
       } catch (const StoreRowError& error) {
         copied.stop_reason = error.what();
         return copied;
       }
-      ++copied.outcome.stored;
-    } else {
-      ++copied.outcome.left_out;
+      copied.stored_rows[plan.batch_of_row[row - 1]].push_back(row);
     }
     progress.SetProgressValue(static_cast<int>(row));
   }
   copied.outcome.complete = true;
   return copied;
+}
+
+// "2026-01-05T06:30:00+01:00"
+std::string IsoText(const LocalTime& now) {
+  const auto two = [](long number) { return Format(static_cast<double>(number), "00"); };
+  const std::chrono::hh_mm_ss time(now.time_of_day);
+  const std::chrono::hh_mm_ss offset(std::chrono::abs(now.offset));
+  return StoredText(now.date) + "T" + two(time.hours().count()) + ":" +
+         two(time.minutes().count()) + ":" + two(time.seconds().count()) +
+         (now.offset < std::chrono::minutes{0} ? "-" : "+") + two(offset.hours().count()) + ":" +
+         two(offset.minutes().count());
+}
+
+ImportRecord DescribeImport(const ImportedData& rows, const ImportSource& source,
+                            const StoreOutcome& outcome, const LocalTime& now) {
+  return {.at = IsoText(now),
+          .file = source.file,
+          .sha256 = source.sha256,
+          .units = source.units,
+          .rows_read = static_cast<std::int64_t>(rows.RowCount()),
+          .stored = static_cast<std::int64_t>(outcome.stored),
+          .left_out = static_cast<std::int64_t>(outcome.left_out),
+          .not_read = static_cast<std::int64_t>(outcome.not_read),
+          .repeated = static_cast<std::int64_t>(outcome.repeated),
+          .stored_low = outcome.lowest,
+          .stored_high = outcome.highest,
+          .first_date = outcome.first_date,
+          .last_date = outcome.last_date};
 }
 
 // SQLite can commit to a file that was deleted or moved, and the rows would be lost.
@@ -92,8 +151,9 @@ RecordNames ReadNames(const OpenDatabases& databases) {
 }
 
 // Throws DatabaseError and StoreRowError; nothing of the import is stored then.
-Copied CopyInOneTransaction(const ImportedData& rows, const OpenDatabases& databases,
-                            const Calendar& calendar, ProgressDisplay& progress) {
+Copied CopyInOneTransaction(const ImportedData& rows, const ImportSource& source,
+                            const OpenDatabases& databases, const Calendar& calendar,
+                            ProgressDisplay& progress, RepeatedBatches repeated) {
   const RecordNames names = ReadNames(databases);
   return WithDatabaseErrors(databases.trans_db_path, [&] {
     SQLite::Database database =
@@ -101,14 +161,66 @@ Copied CopyInOneTransaction(const ImportedData& rows, const OpenDatabases& datab
     database.exec(kLargeCache);
     SQLite::Transaction transaction(database, SQLite::TransactionBehavior::IMMEDIATE);
     const std::int32_t base = ScanForBase(database, progress);
-    CheckTransactionRange(rows, base);
-    Copied copied = CopyRows(database, rows, names, base, progress);
+    const StorePlan plan = PlanStore(database, rows, names, base, repeated);
+    Copied copied = CopyRows(database, rows, names, plan, progress);
+    if (copied.outcome.complete || copied.outcome.stored > 0) {
+      RecordImport(database, DescribeImport(rows, source, copied.outcome, calendar.Now()), plan,
+                   copied.stored_rows, base);
+    }
     if (copied.outcome.stored > 0) {
       TouchDatabase(database, calendar);
     }
     CheckStillInPlace(database, databases.trans_db_path);
     transaction.commit();
     return copied;
+  });
+}
+
+std::optional<ImportRecord> LastStore(const OpenDatabases& databases) {
+  return WithDatabaseErrors(databases.trans_db_path, [&] {
+    SQLite::Database database =
+        OpenDatabase(databases.trans_db_path, Access::kRead, databases.lock_wait);
+    return ReadUndoableStore(database);
+  });
+}
+
+// "01.QXT, stored at 2026-01-05T06:30:00-06:00: 9 rows, transactions 41 to 44."
+std::string DescribeStore(const ImportRecord& store) {
+  std::string text = store.file + ", stored at " + store.at + ": " +
+                     CountOfRows(static_cast<std::size_t>(store.stored));
+  if (store.stored_low) {
+    text += *store.stored_low == *store.stored_high
+                ? ", transaction " + std::to_string(*store.stored_low)
+                : ", transactions " + std::to_string(*store.stored_low) + " to " +
+                      std::to_string(*store.stored_high);
+  }
+  return text + ".";
+}
+
+// Returns the number of rows. Throws DatabaseError; the database is unchanged then.
+std::int64_t TakeOut(const ImportRecord& store, const OpenDatabases& databases,
+                     const Calendar& calendar) {
+  return WithDatabaseErrors(databases.trans_db_path, [&] {
+    SQLite::Database database =
+        OpenDatabase(databases.trans_db_path, Access::kWrite, databases.lock_wait);
+    database.exec(kLargeCache);
+    SQLite::Transaction transaction(database, SQLite::TransactionBehavior::IMMEDIATE);
+    const std::optional<ImportRecord> last = ReadUndoableStore(database);
+    if (!last || last->number != store.number) {
+      throw DatabaseError(SQLITE_BUSY_SNAPSHOT, "another program has used the database meanwhile");
+    }
+    const std::int64_t rows = UndoStore(database, store.number);
+    if (rows != store.stored) {
+      throw DatabaseError(SQLITE_MISMATCH, "the database has " + std::to_string(rows) + " of the " +
+                                               std::to_string(store.stored) +
+                                               " rows of the last store");
+    }
+    if (rows > 0) {
+      TouchDatabase(database, calendar);
+    }
+    CheckStillInPlace(database, databases.trans_db_path);
+    transaction.commit();
+    return rows;
   });
 }
 
@@ -124,21 +236,25 @@ TransactionStore::TransactionStore(Operator& op, const PrivateINI& settings,
       save_transaction_database_(std::move(save_transaction_database)) {}
 
 StoreOutcome TransactionStore::StoreImportedTransactions(const ImportedData& rows,
+                                                         const ImportSource& source,
                                                          const OpenDatabases& databases,
-                                                         bool& stored_flag) {
-  if (stored_flag && !ConfirmDuplicate()) {
-    return {};
+                                                         bool& stored_flag,
+                                                         RepeatedBatches repeated) {
+  if (stored_flag) {
+    if (!ConfirmDuplicate()) {
+      return {};
+    }
+    repeated = RepeatedBatches::kAll;
   }
   Copied copied;
   try {
-    copied = CopyInOneTransaction(rows, databases, calendar_, progress_);
+    const std::optional<RepeatedBatches> decided = Decide(rows, databases, repeated);
+    if (!decided) {
+      return {};
+    }
+    copied = CopyInOneTransaction(rows, source, databases, calendar_, progress_, *decided);
   } catch (const DatabaseError& error) {
-    progress_.SetProgressMessage({});
-    operator_.ShowMessage(
-        {.icon = Icon::kCritical,
-         .title = std::string(kStoreErrorTitle),
-         .text = DatabaseErrorText(error.Number()),
-         .cause = std::string(error.what()) + "; nothing of this import was stored"});
+    ReportFailure(error, "nothing of this import was stored");
     return {};
   } catch (const std::exception& error) {
     ReportStopped(error.what(), {});
@@ -152,9 +268,10 @@ StoreOutcome TransactionStore::StoreImportedTransactions(const ImportedData& row
   }
   stored_flag = true;
   if (outcome.complete) {
-    progress_.SetProgressMessage("Successfully copied imported records to Transaction database.");
-  }
-  if (outcome.complete) {
+    progress_.SetProgressMessage(
+        outcome.stored == 0 && outcome.repeated > 0
+            ? "All imported records are in the Transaction database already."
+            : "Successfully copied imported records to Transaction database.");
     BeepIfEnabled(operator_, settings_);
   } else {
     ReportStopped(copied.stop_reason, outcome);
@@ -162,6 +279,89 @@ StoreOutcome TransactionStore::StoreImportedTransactions(const ImportedData& row
   ReportLeftOut(rows, outcome);
   save_transaction_database_();
   return outcome;
+}
+
+// Another program may store in the meantime; the store looks again inside its transaction.
+std::optional<RepeatedBatches> TransactionStore::Decide(const ImportedData& rows,
+                                                        const OpenDatabases& databases,
+                                                        RepeatedBatches repeated) {
+  if (repeated == RepeatedBatches::kNew || repeated == RepeatedBatches::kAll) {
+    return repeated;
+  }
+  const RecordNames names = ReadNames(databases);
+  const std::vector<FileBatch> batches = ReadFileBatches(rows);
+  const std::vector<BatchFinding> findings = WithDatabaseErrors(databases.trans_db_path, [&] {
+    SQLite::Database database =
+        OpenDatabase(databases.trans_db_path, Access::kRead, databases.lock_wait);
+    return FindRepeatedBatches(database, rows, names, batches);
+  });
+  if (!AnyRepeated(findings)) {
+    return RepeatedBatches::kNew;
+  }
+  MessageBox box{.icon = Icon::kWarning,
+                 .title = "Repeated Batches",
+                 .text = "The transaction database has batches of this import already.\r\n\r\n" +
+                         RepeatedText(findings),
+                 .cause = RepeatedList(batches, findings)};
+  if (repeated == RepeatedBatches::kNone) {
+    box.text += "\r\n\r\nNothing was stored.";
+    operator_.ShowMessage(box);
+    return std::nullopt;
+  }
+  box.icon = Icon::kQuestion;
+  box.buttons = Buttons::kNewAllNothing;
+  switch (operator_.ShowMessage(box)) {
+    case Answer::kStoreNew:
+      return RepeatedBatches::kNew;
+    case Answer::kStoreAll:
+      return RepeatedBatches::kAll;
+    default:
+      return std::nullopt;
+  }
+}
+
+bool TransactionStore::CanUndo(const OpenDatabases& databases) {
+  return !databases.trans_db_path.empty() && LastStore(databases).has_value();
+}
+
+bool TransactionStore::UndoLastStore(const OpenDatabases& databases) {
+  try {
+    const std::optional<ImportRecord> last = LastStore(databases);
+    if (!last) {
+      operator_.ShowMessage({.icon = Icon::kInformation,
+                             .title = std::string(kUndoTitle),
+                             .text =
+                                 "There is no store to undo: only the last store can be undone, "
+                                 "and only once."});
+      return false;
+    }
+    const Answer answer = operator_.ShowMessage(
+        {.icon = Icon::kQuestion,
+         .buttons = Buttons::kYesNo,
+         .title = std::string(kUndoTitle),
+         .text = "Do you want to take the records of the last store out of the database?\r\n\r\n" +
+                 DescribeStore(*last),
+         .refuses_by_default = true});
+    if (answer != Answer::kYes) {
+      return false;
+    }
+    const std::int64_t rows = TakeOut(*last, databases, calendar_);
+    progress_.SetProgressMessage("The last store was undone: " +
+                                 CountOfRows(static_cast<std::size_t>(rows)) + " taken out.");
+  } catch (const DatabaseError& error) {
+    ReportFailure(error, "nothing was taken out");
+    return false;
+  }
+  save_transaction_database_();
+  return true;
+}
+
+void TransactionStore::ReportFailure(const DatabaseError& error, const std::string& consequence) {
+  progress_.SetProgressMessage({});
+  operator_.ShowMessage({.icon = Icon::kCritical,
+                         .title = std::string(kStoreErrorTitle),
+                         .text = DatabaseErrorText(error.Number()),
+                         .cause = std::string(error.what()) + "; " + consequence});
 }
 
 bool TransactionStore::ConfirmDuplicate() {

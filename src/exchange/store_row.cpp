@@ -205,17 +205,14 @@ TransactionRecord ToTransactionRecord(const ImportedData& rows, std::size_t row,
   return record;
 }
 
-void CheckTransactionRange(const ImportedData& rows, std::int32_t base) {
+void CheckTransactionNumber(const ImportedData& rows, std::size_t row, std::int32_t base) {
   constexpr std::int32_t kHighest = std::numeric_limits<std::int32_t>::max();
-  for (std::size_t row = 1; row <= rows.RowCount(); ++row) {
-    const std::optional<std::int32_t> number =
-        ParseLong(rows.Cell(row, kImportedTransactionNumber));
-    if (number && *number > kHighest - base) {
-      throw StoreRowError("Row " + std::to_string(row) + ", " +
-                          DesignImportCaption(kImportedTransactionNumber) + ": " +
-                          std::to_string(*number) + " behind the database's highest number " +
-                          std::to_string(base) + " is beyond " + std::to_string(kHighest) + ".");
-    }
+  const std::optional<std::int32_t> number = ParseLong(rows.Cell(row, kImportedTransactionNumber));
+  if (number && std::int64_t{*number} + base > kHighest) {
+    throw StoreRowError("Row " + std::to_string(row) + ", " +
+                        DesignImportCaption(kImportedTransactionNumber) + ": " +
+                        std::to_string(*number) + " behind the database's highest number " +
+                        std::to_string(base) + " is beyond " + std::to_string(kHighest) + ".");
   }
 }
 

@@ -33,13 +33,13 @@ struct RecordNames {
 [[nodiscard]] RecordNames ReadRecordNames(SQLite::Database& recipe_database);
 
 // Converts row `row` (from 1) of an import to a record and adds `base` to its transaction number.
-// The sum must fit 32 bits: see CheckTransactionRange. Throws StoreRowError.
+// The sum must fit 32 bits: see CheckTransactionNumber. Throws StoreRowError.
 TransactionRecord ToTransactionRecord(const ImportedData& rows, std::size_t row,
                                       const RecordNames& names, std::int32_t base);
 
-// Throws StoreRowError for the first row whose transaction number plus `base` does not fit 32 bits.
-// Ignores invalid numbers, which ToTransactionRecord reports.
-void CheckTransactionRange(const ImportedData& rows, std::int32_t base);
+// Throws StoreRowError if the transaction number of the row plus `base` does not fit 32 bits.
+// Ignores an invalid number, which ToTransactionRecord reports.
+void CheckTransactionNumber(const ImportedData& rows, std::size_t row, std::int32_t base);
 
 // The months in the stored form of a date, January first.
 inline constexpr std::array<std::string_view, 12> kMonthMarks = {

@@ -9,6 +9,7 @@ namespace vrx {
 struct LocalTime {
   Date date;
   std::chrono::seconds time_of_day{0};  // since midnight
+  std::chrono::minutes offset{0};       // from UTC, positive to the east
 };
 
 }  // namespace vrx

@@ -6,8 +6,19 @@
 namespace vrx {
 
 enum class Icon { kNone, kCritical, kQuestion, kWarning, kInformation };
-enum class Buttons { kOk, kOkCancel, kYesNo, kTryDiscardStay };
-enum class Answer { kOk, kCancel, kYes, kNo, kTryAgain, kDiscard, kStay };
+enum class Buttons { kOk, kOkCancel, kYesNo, kTryDiscardStay, kNewAllNothing };
+enum class Answer {
+  kOk,
+  kCancel,
+  kYes,
+  kNo,
+  kTryAgain,
+  kDiscard,
+  kStay,
+  kStoreNew,
+  kStoreAll,
+  kStoreNothing
+};
 
 // A message to the operator. Texts are UTF-8; CR LF separates lines.
 struct MessageBox {

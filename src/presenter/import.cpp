@@ -3,6 +3,7 @@
 #include <cstddef>
 #include <utility>
 
+#include "base/files.h"
 #include "base/number.h"
 #include "base/text.h"
 #include "database/connection.h"
@@ -151,17 +152,24 @@ void ImportPresenter::ShowOrHideProgress() {
   view_.ImportChanged();
 }
 
-StoreOutcome ImportPresenter::ClickImportStore() {
-  const OpenDatabases databases = view_.Databases();
+bool ImportPresenter::MayWrite(const OpenDatabases& databases, const char* missing) {
   if (databases.trans_db_path.empty()) {
-    Refuse(
-        "Please open the Transaction database where you want the imported data to be stored, "
-        "...then click 'Store'.");
-    return {};
+    Refuse(missing);
+    return false;
   }
   if (!databases.trans_db_read_only_note.empty()) {
     Refuse("The Transaction database is read-only, so that nothing can be stored in it: " +
            databases.trans_db_read_only_note);
+    return false;
+  }
+  return true;
+}
+
+StoreOutcome ImportPresenter::ClickImportStore(RepeatedBatches repeated) {
+  const OpenDatabases databases = view_.Databases();
+  if (!MayWrite(databases,
+                "Please open the Transaction database where you want the imported data to be "
+                "stored, ...then click 'Store'.")) {
     return {};
   }
   if (databases.recipe_db_path.empty()) {
@@ -173,7 +181,35 @@ StoreOutcome ImportPresenter::ClickImportStore() {
   if (!ConfirmUnits(databases)) {
     return {};
   }
-  return store_.StoreImportedTransactions(file_.Imported(), databases, stored_);
+  const ImportSource source{
+      .file = file_.FileName(), .sha256 = Sha256(file_.Text()), .units = file_.FileUnits()};
+  const StoreOutcome outcome =
+      store_.StoreImportedTransactions(file_.Imported(), source, databases, stored_, repeated);
+  UpdateUndo();
+  return outcome;
+}
+
+// The rows on the screen may be stored again without the question about duplicates.
+bool ImportPresenter::ClickImportUndo() {
+  const OpenDatabases databases = view_.Databases();
+  if (!MayWrite(databases,
+                "Please open the Transaction database whose last store is to be undone.") ||
+      !store_.UndoLastStore(databases)) {
+    return false;
+  }
+  stored_ = false;
+  UpdateUndo();
+  return true;
+}
+
+void ImportPresenter::UpdateUndo() {
+  const OpenDatabases databases = view_.Databases();
+  form_.cmd_import_undo_enabled = false;
+  RunReported<DatabaseError>(services_.op, kNoReport, [&] {
+    form_.cmd_import_undo_enabled =
+        databases.trans_db_read_only_note.empty() && TransactionStore::CanUndo(databases);
+  });
+  view_.ImportChanged();
 }
 
 void ImportPresenter::Refuse(std::string text) {

@@ -55,6 +55,7 @@ struct ImportForm {
   ImportLabel lbl_records;       // rows
   ImportLabel lbl_transactions;  // batches
   bool cmd_import_store_enabled = false;
+  bool cmd_import_undo_enabled = false;
   bool pic_import_progress_visible = false;
   bool grd_import_visible = true;
   int grd_import_rows = kEmptyGridRows;
@@ -85,7 +86,13 @@ class ImportPresenter {
   void ShowOrHideProgress();
 
   // The click of `cmdImportStore`: checks databases and units, then stores.
-  StoreOutcome ClickImportStore();
+  StoreOutcome ClickImportStore(RepeatedBatches repeated = RepeatedBatches::kAsk);
+
+  // The click of `cmdImportUndo`. Returns false if nothing was taken out of the database.
+  bool ClickImportUndo();
+
+  // Enables `cmdImportUndo` if the last store of the open transaction database can be undone.
+  void UpdateUndo();
 
   const ImportForm& Form() const { return form_; }
   const TransFile& File() const { return file_; }
@@ -96,6 +103,7 @@ class ImportPresenter {
   void EmptyImport();
   void ReportUnreadFeeds();
   void Refuse(std::string text);
+  bool MayWrite(const OpenDatabases& databases, const char* missing);
   bool ConfirmUnits(const OpenDatabases& databases);
 
   Services& services_;

@@ -127,12 +127,79 @@ TEST_F(ImportCommands, InfoShowsTheFirstAndTheLastDate) {
   EXPECT_EQ(Info(into)["lastDate"], "2009-02-03");
 }
 
-TEST_F(ImportCommands, StoringAgainContinuesAfterTheHighestNumber) {
+TEST_F(ImportCommands, StoringAllAgainContinuesAfterTheHighestNumber) {
   const std::string into = NewTransactionDatabase();
   ASSERT_EQ(Store(into), 0);
-  ASSERT_EQ(Store(into), 0);
+  ASSERT_EQ(Store(into, {"--repeated", "all"}), 0) << err;
   EXPECT_EQ(Info(into)["rows"], 12);
   EXPECT_EQ(Info(into)["transactions"], 4);
+}
+
+TEST_F(ImportCommands, WithoutATerminalARepeatedFileIsNotStored) {
+  const std::string into = NewTransactionDatabase();
+  ASSERT_EQ(Store(into), 0);
+  EXPECT_EQ(Store(into), 1);
+  EXPECT_EQ(err,
+            "Repeated Batches: The transaction database has batches of this import already.\n\n"
+            "2 batches are there already, as transactions 1-2.\n0 batches are new.\n"
+            "cause: Batch 1: the same as transaction 1\nBatch 2: the same as transaction 2\n"
+            "answered with Nothing (--yes answers with New)\n");
+  EXPECT_EQ(Info(into)["rows"], 6);
+  EXPECT_EQ(Store(into, {"--repeated", "none"}), 1);
+  EXPECT_THAT(err, HasSubstr("Nothing was stored."));
+  EXPECT_EQ(Info(into)["rows"], 6);
+}
+
+TEST_F(ImportCommands, YesAndRepeatedNewStoreWhatIsNew) {
+  const std::string into = NewTransactionDatabase();
+  const std::string first =
+      folder.Write("FIRST.QXT", FileOf(OneIngredient{}.Record(), "")).string();
+  const std::string both =
+      folder.Write("BOTH.QXT", FileOf(OneIngredient{}.Record(), FeedOf("1", "5.0"))).string();
+  file = first;
+  ASSERT_EQ(Store(into), 0) << err;
+  file = both;
+  EXPECT_EQ(Store(into, {"--repeated", "new"}), 0);
+  EXPECT_EQ(err,
+            "Successfully copied imported records to Transaction database.\n"
+            "rows read: 2, stored: 1, left out: 0, repeated: 1\n");
+  EXPECT_EQ(Store(into, {"--yes"}), 0);
+  EXPECT_THAT(err, EndsWith("All imported records are in the Transaction database already.\n"
+                            "rows read: 2, stored: 0, left out: 0, repeated: 2\n"));
+  EXPECT_EQ(Info(into)["rows"], 2);
+}
+
+TEST_F(ImportCommands, TheQuestionAboutRepeatedBatchesIsAnsweredOnTheTerminal) {
+  const std::string into = NewTransactionDatabase();
+  ASSERT_EQ(Store(into), 0);
+  in_is_terminal = true;
+  typed = "\n";
+  EXPECT_EQ(Store(into), 1);
+  EXPECT_THAT(err, EndsWith("New, All or Nothing? "));
+  typed = "a\n";
+  EXPECT_EQ(Store(into), 0);
+  EXPECT_EQ(Info(into)["rows"], 12);
+}
+
+TEST_F(ImportCommands, UndoTakesTheLastStoreBackOnce) {
+  const std::string into = NewTransactionDatabase();
+  ASSERT_EQ(Store(into), 0);
+  EXPECT_EQ(Run({"store", "--undo", "--into", into}), 1);
+  EXPECT_THAT(err, StartsWith("Undo the Last Store: Do you want to take the records of the last "
+                              "store out of the database?\n\nDAY.QXT, stored at "));
+  EXPECT_EQ(Info(into)["rows"], 6);
+  EXPECT_EQ(Run({"--yes", "store", "--undo", "--into", into}), 0);
+  EXPECT_THAT(err, EndsWith("The last store was undone: 6 rows taken out.\n"));
+  EXPECT_EQ(Info(into)["rows"], 0);
+  EXPECT_EQ(Run({"--yes", "store", "--undo", "--into", into}), 1);
+}
+
+TEST_F(ImportCommands, StoreNeedsAFileAndARecipeDatabaseUnlessItUndoes) {
+  const std::string into = NewTransactionDatabase();
+  EXPECT_EQ(Run({"store", "--into", into, "--recipes", recipes}), 2);
+  EXPECT_EQ(Run({"store", file, "--into", into}), 2);
+  EXPECT_EQ(Run({"store", file, "--undo", "--into", into}), 2);
+  EXPECT_EQ(Run({"store", file, "--into", into, "--recipes", recipes, "--repeated", "some"}), 2);
 }
 
 TEST_F(ImportCommands, StoreAsksWhenTheUnitsDiffer) {

@@ -113,7 +113,7 @@ StoreFixture::StoreFixture() {
 }
 
 StoreOutcome StoreFixture::Store(const ImportedData& rows) {
-  return store.StoreImportedTransactions(rows, databases, stored_flag);
+  return store.StoreImportedTransactions(rows, source, databases, stored_flag, repeated);
 }
 
 }  // namespace vrx::testing

@@ -65,6 +65,8 @@ class StoreFixture {
   InterruptingProgress progress;
   int saves = 0;
   bool stored_flag = false;
+  ImportSource source{.file = "01.QXT", .sha256 = "ab", .units = "LB"};
+  RepeatedBatches repeated = RepeatedBatches::kAsk;
   TransactionStore store{op, settings, calendar, progress, [this] { ++saves; }};
 };
 

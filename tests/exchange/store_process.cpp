@@ -24,7 +24,9 @@ int StoreUntilFailure(const OpenDatabases& databases, int rows) {
   std::puts("ready");
   std::fflush(stdout);
   bool announced = false;
-  for (bool stored = false; store.StoreImportedTransactions(import, databases, stored).complete;
+  for (bool stored = false;
+       store.StoreImportedTransactions(import, {}, databases, stored, RepeatedBatches::kAll)
+           .complete;
        stored = false) {
     if (!announced) {
       std::puts("stored");

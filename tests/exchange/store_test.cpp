@@ -258,8 +258,8 @@ TEST(StoreImportedTransactions, TheFlagIsSetBeforeTheDatabaseIsSaved) {
   bool flag_at_save = false;
   TransactionStore store(site.op, site.settings, site.calendar, site.progress,
                          [&] { flag_at_save = site.stored_flag; });
-  store.StoreImportedTransactions(MakeImport({BatchCells(1, 3, 4, "1")}), site.databases,
-                                  site.stored_flag);
+  store.StoreImportedTransactions(MakeImport({BatchCells(1, 3, 4, "1")}), site.source,
+                                  site.databases, site.stored_flag);
   EXPECT_TRUE(flag_at_save);
 }
 

@@ -5,6 +5,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include "base/files.h"
 #include "database/connection.h"
 #include "exchange/imported_data.h"
 #include "exchange/store_fixture.h"
@@ -208,6 +209,7 @@ TEST_F(ImportSessionTest, AnImportAfterAFailedOneShowsTheFactsAgain) {
 TEST_F(ImportSessionTest, AFileThatCannotBeLoadedClearsTheStoredFlag) {
   OpenBoth();
   ASSERT_TRUE(Import(kWorkedExample));
+  site_.op.answers = {Answer::kStoreAll};
   session_.ClickImportStore();
   ASSERT_TRUE(session_.StoredFlag());
   files_.Choose(site_.folder / "gone.qxt");
@@ -225,6 +227,7 @@ TEST_F(ImportSessionTest, AFailedParseAndANewImportClearTheStoredFlag) {
   EXPECT_FALSE(session_.StoredFlag());
 
   ASSERT_TRUE(Import(kWorkedExample));
+  site_.op.answers = {Answer::kStoreAll};
   session_.ClickImportStore();
   ASSERT_TRUE(session_.StoredFlag());
   ASSERT_TRUE(Import(kWorkedExample));
@@ -380,6 +383,46 @@ constexpr const char* kUnitsQuestion =
     "The units-of-measure of the imported transaction file is not the same as the transaction "
     "database.\r\n\r\nStoring the current transactions will result in incorrect weight totals in "
     "the transaction database.Do you wish to continue?";
+
+TEST_F(ImportSessionTest, AStoreCanBeUndoneAndThenMadeAgainWithoutTheDuplicateQuestion) {
+  OpenBoth();
+  ASSERT_TRUE(Import(kWorkedExample));
+  EXPECT_FALSE(session_.Form().cmd_import_undo_enabled);
+  session_.ClickImportStore();
+  EXPECT_TRUE(session_.Form().cmd_import_undo_enabled);
+  site_.op.answers = {Answer::kYes};
+  EXPECT_TRUE(session_.ClickImportUndo());
+  EXPECT_THAT(site_.Stored(), IsEmpty());
+  EXPECT_FALSE(session_.Form().cmd_import_undo_enabled);
+  EXPECT_EQ(site_.saves, 2);
+  site_.op.boxes.clear();
+  EXPECT_TRUE(session_.ClickImportStore().complete);
+  EXPECT_THAT(site_.op.boxes, IsEmpty());
+}
+
+TEST_F(ImportSessionTest, UndoIsOffWithoutADatabaseAndInOneThatMayNotBeWritten) {
+  OpenBoth();
+  ASSERT_TRUE(Import(kWorkedExample));
+  session_.ClickImportStore();
+  databases_.trans_db_read_only_note = "it is on a read-only medium";
+  session_.UpdateUndo();
+  EXPECT_FALSE(session_.Form().cmd_import_undo_enabled);
+  EXPECT_FALSE(session_.ClickImportUndo());
+  databases_ = {};
+  session_.UpdateUndo();
+  EXPECT_FALSE(session_.Form().cmd_import_undo_enabled);
+  EXPECT_FALSE(session_.ClickImportUndo());
+  EXPECT_THAT(site_.Stored(), SizeIs(6));
+}
+
+TEST_F(ImportSessionTest, TheImportIsRecordedUnderItsFile) {
+  OpenBoth();
+  ASSERT_TRUE(Import(kWorkedExample));
+  session_.ClickImportStore();
+  EXPECT_EQ(QueryText(site_.databases.trans_db_path,
+                      "SELECT File || ' ' || SHA256 || ' ' || Units FROM Imports"),
+            "LOAD1.QXT " + Sha256(kWorkedExample) + " LB");
+}
 
 TEST_F(ImportSessionTest, NothingIsStoredInADatabaseThatMayNotBeWritten) {
   OpenBoth();

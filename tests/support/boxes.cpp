@@ -32,6 +32,8 @@ const char* NameOf(Buttons buttons) {
       return "Yes, No";
     case Buttons::kTryDiscardStay:
       return "Try Again, Discard, Stay";
+    case Buttons::kNewAllNothing:
+      return "Store What Is New, Store All Again, Store Nothing";
   }
   return "unknown buttons";
 }

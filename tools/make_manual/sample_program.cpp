@@ -31,8 +31,8 @@ const std::string kTransactionFile = "YARD.TDB";
 // The figures show the screens of one day.
 class SampleCalendar : public Calendar {
  public:
-  [[nodiscard]] Date Today() const override {
-    return {std::chrono::year{2026}, std::chrono::January, std::chrono::day{12}};
+  [[nodiscard]] LocalTime Now() const override {
+    return {.date = {std::chrono::year{2026}, std::chrono::January, std::chrono::day{12}}};
   }
 };
 

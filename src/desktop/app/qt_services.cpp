@@ -52,6 +52,8 @@ QMessageBox::StandardButtons ButtonsOf(Buttons buttons) {
       return QMessageBox::Yes | QMessageBox::No;
     case Buttons::kTryDiscardStay:
       return QMessageBox::Retry | QMessageBox::Discard | QMessageBox::Cancel;
+    case Buttons::kNewAllNothing:
+      return QMessageBox::Yes | QMessageBox::YesToAll | QMessageBox::Cancel;
     case Buttons::kOk:
       break;
   }
@@ -67,12 +69,19 @@ QMessageBox::StandardButton DefaultOf(const MessageBox& box) {
       return box.refuses_by_default ? QMessageBox::Cancel : QMessageBox::Ok;
     case Buttons::kTryDiscardStay:
       return QMessageBox::Retry;
+    case Buttons::kNewAllNothing:
+      return QMessageBox::Yes;
     default:
       return QMessageBox::Ok;
   }
 }
 
 Answer AnswerOf(int button, Buttons buttons) {
+  if (buttons == Buttons::kNewAllNothing) {
+    return button == QMessageBox::Yes        ? Answer::kStoreNew
+           : button == QMessageBox::YesToAll ? Answer::kStoreAll
+                                             : Answer::kStoreNothing;
+  }
   switch (button) {
     case QMessageBox::Yes:
       return Answer::kYes;
@@ -94,6 +103,10 @@ void NameButtons(QMessageBox& box, Buttons buttons) {
     box.button(QMessageBox::Retry)->setText(QStringLiteral("Try Again"));
     box.button(QMessageBox::Discard)->setText(QStringLiteral("Discard"));
     box.button(QMessageBox::Cancel)->setText(QStringLiteral("Stay"));
+  } else if (buttons == Buttons::kNewAllNothing) {
+    box.button(QMessageBox::Yes)->setText(QStringLiteral("Store What Is &New"));
+    box.button(QMessageBox::YesToAll)->setText(QStringLiteral("Store &All Again"));
+    box.button(QMessageBox::Cancel)->setText(QStringLiteral("&Store Nothing"));
   }
 }
 

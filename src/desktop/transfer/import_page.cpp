@@ -282,17 +282,23 @@ void ImportPage::FillPicImport() {
   };
   cmd_import_file_ = add("cmdImportFile", QStringLiteral("&Import"),
                          QStringLiteral("Choose a transaction file and show its records"));
+  cmd_import_undo_ = add("cmdImportUndo", QStringLiteral("&Undo the Last Store"),
+                         QStringLiteral("Take the records of the last store out of the open "
+                                        "transaction database; possible until the next store"));
   cmd_import_store_ =
       add("cmdImportStore", QStringLiteral("&Store"), QString::fromUtf8(kStoreMeaning));
   connect(cmd_import_file_, &QPushButton::clicked, this, [this] { ImportXFile(); });
   connect(cmd_import_store_, &QPushButton::clicked, this,
           [this] { Run([this] { session_.ClickImportStore(); }); });
+  connect(cmd_import_undo_, &QPushButton::clicked, this,
+          [this] { Run([this] { session_.ClickImportUndo(); }); });
 }
 
 void ImportPage::SetTabOrder() {
   setTabOrder(cmd_import_file_, chk_imp_fit_page_);
   setTabOrder(chk_imp_fit_page_, grd_import_);
   setTabOrder(grd_import_, cmd_import_store_);
+  setTabOrder(cmd_import_store_, cmd_import_undo_);
 }
 
 void ImportPage::ImportXFile() {
@@ -351,7 +357,7 @@ void ImportPage::ImportChanged() {
 void ImportPage::Rebind(DatabaseKind kind, const BoundDatabase& database) {
   if (kind == DatabaseKind::kTransaction) {
     read_only_note_ = ToQString(database.read_only_note);
-    EnableStore();
+    session_.UpdateUndo();
   }
 }
 
@@ -359,6 +365,7 @@ void ImportPage::EnableStore() {
   const bool read_only = !read_only_note_.isEmpty();
   cmd_import_store_->setEnabled(session_.Form().cmd_import_store_enabled && !read_only);
   cmd_import_store_->setToolTip(read_only ? read_only_note_ : QString::fromUtf8(kStoreMeaning));
+  cmd_import_undo_->setEnabled(session_.Form().cmd_import_undo_enabled);
 }
 
 // No events run during the import, so repaint immediately.

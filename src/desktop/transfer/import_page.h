@@ -135,6 +135,7 @@ class ImportPage final : public MainTabPage, private ImportView, private Progres
   QCheckBox* chk_imp_fit_page_ = nullptr;
   QPushButton* cmd_import_file_ = nullptr;
   QPushButton* cmd_import_store_ = nullptr;
+  QPushButton* cmd_import_undo_ = nullptr;
   QString read_only_note_;  // of the open transaction database
 };
 
