@@ -100,6 +100,37 @@ TEST_F(ImportOnDisplay, ARefusedFileLeavesNothingThatStoreCouldStoreAgain) {
   EXPECT_EQ(StoredRows(), before + 2);
 }
 
+TEST_F(ImportOnDisplay, AModuleThatWasNotClearedStoresOnlyWhatIsNewAndTheStoreCanBeUndone) {
+  const std::string first = kDay;
+  const std::string end = "\r\n\r\n";
+  const std::string later =
+      first.substr(0, first.size() - end.size()) + "\r\nB,1,13,2,0920,01152009,250.0,251.5" + end;
+  const auto wait_for_stored = [this](int rows) {
+    return WaitFor([this, rows](const Screen& screen) {
+      return screen.Find("grdTRANS") != nullptr && StoredRows() == rows;
+    });
+  };
+  StartProgram();
+  const int before = StoredRows();
+  OpenTab();
+  Import("day.qxt", first);
+  ASSERT_TRUE(WaitForRows(2));
+  Keys({"alt+s"});
+  ASSERT_TRUE(wait_for_stored(before + 2));
+  OpenTab();
+  Import("later.qxt", later);
+  ASSERT_TRUE(WaitForRows(3));
+  Keys({"alt+s"});
+  ASSERT_TRUE(WaitForBox("The transaction database has batches of this import already."));
+  Keys({"Return"});
+  ASSERT_TRUE(wait_for_stored(before + 3));
+  OpenTab();
+  Keys({"alt+u"});
+  ASSERT_TRUE(WaitForBox("Do you want to take the records of the last store out"));
+  Keys({"alt+y"});
+  ASSERT_TRUE(wait_for_stored(before + 2));
+}
+
 // One record in whose padding each "B," is counted as a batch of the whole list of times.
 TEST_F(ImportOnDisplay, TheLargestTableLeavesTheWindowAtWork) {
   std::string record = "B,1,3,01152009,2,4,0,";
