@@ -243,6 +243,9 @@ std::string RepeatedText(const std::vector<BatchFinding>& findings) {
     }
   }
   const std::size_t fresh = counts[BatchState::kNew];
+  if (fresh == 0) {
+    return text + "No batch is new.";
+  }
   return text + CountOfBatches(fresh) + (fresh == 1 ? " is new." : " are new.");
 }
 

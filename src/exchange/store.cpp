@@ -184,10 +184,14 @@ std::optional<ImportRecord> LastStore(const OpenDatabases& databases) {
   });
 }
 
-// "01.QXT, stored at 2026-01-05T06:30:00-06:00: 9 rows, transactions 41 to 44."
+constexpr std::size_t kTimeOfIsoText = 11;  // where the time begins
+constexpr std::size_t kHoursAndMinutes = 5;
+
+// "01.QXT, stored on 2026-01-05 at 06:30: 9 rows, transactions 41 to 44."
 std::string DescribeStore(const ImportRecord& store) {
-  std::string text = store.file + ", stored at " + store.at + ": " +
-                     CountOfRows(static_cast<std::size_t>(store.stored));
+  std::string text = store.file + ", stored on " + store.at.substr(0, kTimeOfIsoText - 1) + " at " +
+                     store.at.substr(std::min(kTimeOfIsoText, store.at.size()), kHoursAndMinutes) +
+                     ": " + CountOfRows(static_cast<std::size_t>(store.stored));
   if (store.stored_low) {
     text += *store.stored_low == *store.stored_high
                 ? ", transaction " + std::to_string(*store.stored_low)

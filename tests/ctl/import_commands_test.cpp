@@ -141,7 +141,7 @@ TEST_F(ImportCommands, WithoutATerminalARepeatedFileIsNotStored) {
   EXPECT_EQ(Store(into), 1);
   EXPECT_EQ(err,
             "Repeated Batches: The transaction database has batches of this import already.\n\n"
-            "2 batches are there already, as transactions 1-2.\n0 batches are new.\n"
+            "2 batches are there already, as transactions 1-2.\nNo batch is new.\n"
             "cause: Batch 1: the same as transaction 1\nBatch 2: the same as transaction 2\n"
             "answered with Nothing (--yes answers with New)\n");
   EXPECT_EQ(Info(into)["rows"], 6);
@@ -186,7 +186,7 @@ TEST_F(ImportCommands, UndoTakesTheLastStoreBackOnce) {
   ASSERT_EQ(Store(into), 0);
   EXPECT_EQ(Run({"store", "--undo", "--into", into}), 1);
   EXPECT_THAT(err, StartsWith("Undo the Last Store: Do you want to take the records of the last "
-                              "store out of the database?\n\nDAY.QXT, stored at "));
+                              "store out of the database?\n\nDAY.QXT, stored on "));
   EXPECT_EQ(Info(into)["rows"], 6);
   EXPECT_EQ(Run({"--yes", "store", "--undo", "--into", into}), 0);
   EXPECT_THAT(err, EndsWith("The last store was undone: 6 rows taken out.\n"));

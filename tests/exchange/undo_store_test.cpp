@@ -49,7 +49,7 @@ TEST_F(UndoLastStore, AsksWithFileTimeAndNumbersAndNoIsTheDefault) {
   const MessageBox& box = OnlyBox(op.boxes);
   EXPECT_EQ(box.text,
             "Do you want to take the records of the last store out of the database?\r\n\r\n"
-            "01.QXT, stored at 2026-01-05T06:30:00-06:00: 2 rows, transactions 1 to 2.");
+            "01.QXT, stored on 2026-01-05 at 06:30: 2 rows, transactions 1 to 2.");
   EXPECT_TRUE(box.refuses_by_default);
   EXPECT_EQ(Sha256OfFile(databases.trans_db_path), before);
 }
