@@ -1,5 +1,6 @@
 #include "base/date.h"
 
+#include <array>
 #include <charconv>
 
 #include "base/number.h"
@@ -40,6 +41,14 @@ std::string DefaultText(const TimeOfDay& time) {
   const int hour = time.hour % 12 == 0 ? 12 : time.hour % 12;
   return Format(hour, "0") + ":" + Format(time.minute, "00") + ":" + Format(time.second, "00") +
          (time.hour < 12 ? " AM" : " PM");
+}
+
+std::string MediumText(const Date& date) {
+  static constexpr std::array<std::string_view, 12> kMonthNames{
+      "Jan", "Feb", "Mar", "Apr", "May", "Jun", "Jul", "Aug", "Sep", "Oct", "Nov", "Dec"};
+  return Format(static_cast<unsigned>(date.day()), "00") + "-" +
+         std::string(kMonthNames.at(static_cast<unsigned>(date.month()) - 1)) + "-" +
+         Format(static_cast<int>(date.year()) % 100, "00");
 }
 
 std::string StoredText(const Date& date) {

@@ -20,6 +20,9 @@ struct TimeOfDay {
 [[nodiscard]] std::string DefaultText(const Date& date);
 [[nodiscard]] std::string DefaultText(const TimeOfDay& time);
 
+// "Medium Date", dd-mmm-yy: "14-Mar-11".
+[[nodiscard]] std::string MediumText(const Date& date);
+
 // The stored forms, YYYY-MM-DD and HH:MM:SS. Parsing returns nothing for any other form and for a
 // date or time that does not exist.
 [[nodiscard]] std::string StoredText(const Date& date);

@@ -194,7 +194,8 @@ Answer TerminalOperator::Ask(const MessageBox& box) {
   std::getline(in_, typed);
   typed = TrimBlanks(typed);
   const auto chosen = std::find_if(choices.begin(), choices.end(), [&](const Choice& choice) {
-    return EqualsIgnoringCase(typed, choice.word) || EqualsIgnoringCase(typed, choice.letter);
+    return !typed.empty() &&
+           (EqualsIgnoringCase(typed, choice.word) || EqualsIgnoringCase(typed, choice.letter));
   });
   return chosen == choices.end() ? refusing.answer : chosen->answer;
 }

@@ -17,16 +17,6 @@ namespace {
 
 constexpr std::string_view kIngredientSumFormat = "0.0";
 
-constexpr std::array<std::string_view, 12> kMonthNames{"Jan", "Feb", "Mar", "Apr", "May", "Jun",
-                                                       "Jul", "Aug", "Sep", "Oct", "Nov", "Dec"};
-
-// "Medium Date": dd-mmm-yy.
-std::string MediumDate(const Date& date) {
-  return Format(static_cast<unsigned>(date.day()), "00") + "-" +
-         std::string(kMonthNames.at(static_cast<unsigned>(date.month()) - 1)) + "-" +
-         Format(static_cast<int>(date.year()) % 100, "00");
-}
-
 // "Medium Time": hh:mm AM/PM.
 std::string MediumTime(const TimeOfDay& time) {
   const int hour = time.hour % 12 == 0 ? 12 : time.hour % 12;
@@ -36,7 +26,7 @@ std::string MediumTime(const TimeOfDay& time) {
 std::string ShownText(ColumnContent content, const std::string& text) {
   if (content == ColumnContent::kDate) {
     const std::optional<Date> date = ParseStoredDate(text);
-    return date ? MediumDate(*date) : text;
+    return date ? MediumText(*date) : text;
   }
   if (content == ColumnContent::kTime) {
     const std::optional<TimeOfDay> time = ParseStoredTime(text);

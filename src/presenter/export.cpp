@@ -79,6 +79,9 @@ bool ExportPresenter::RunExport() {
   }
   ReportExportOutcome(services_.op, outcome);
   ShowExportProgress(false);
+  if (outcome.done) {
+    view_.Exported(ComposePath(form_));
+  }
   return outcome.done;
 }
 

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <filesystem>
 #include <string>
 #include <string_view>
 
@@ -34,6 +35,9 @@ class ExportView {
 
   // The state of the tab has changed and must be shown.
   virtual void ExportChanged() = 0;
+
+  // The data group was written to that file.
+  virtual void Exported(const std::filesystem::path& file) = 0;
 };
 
 // The controls of the Export tab.

@@ -180,6 +180,20 @@ void StartSysInfo(const SystemInfo& system, OperatingSystem& os, Operator& op) {
   }
 }
 
+namespace {
+
+void OpenInViewer(const std::filesystem::path& path, OperatingSystem& os, Operator& op) {
+  if (os.OpenDocument(path) <= kLargestFailure) {
+    op.ShowMessage({.icon = Icon::kWarning,
+                    .title = "Error: File viewer",
+                    .text = "Document viewer associated with this file failed.\r\n"
+                            "Check the Windows association setting and that the viewer application "
+                            "file actually exists."});
+  }
+}
+
+}  // namespace
+
 constexpr HelpDocument kUsersManual = {
     .file = "VRX2260_U.PDF",
     .kind = "the User's Manual",
@@ -208,13 +222,17 @@ void ShowDocument(const HelpDocument& document, const SystemInfo& system, Operat
                             std::string(document.no_viewer)});
     return;
   }
-  if (os.OpenDocument(path) <= kLargestFailure) {
-    op.ShowMessage({.icon = Icon::kWarning,
-                    .title = "Error: File viewer",
-                    .text = "Document viewer associated with this file failed.\r\n"
-                            "Check the Windows association setting and that the viewer application "
-                            "file actually exists."});
+  OpenInViewer(path, os, op);
+}
+
+void OpenWrittenFile(const std::filesystem::path& path, OperatingSystem& os, Operator& op) {
+  if (FileExists(path)) {
+    OpenInViewer(path, os, op);
+    return;
   }
+  op.ShowMessage({.icon = Icon::kWarning,
+                  .title = "Error: File not found",
+                  .text = path.string() + " was moved or deleted."});
 }
 
 void ReportMissingDocument(std::string_view file, Operator& op) {

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <array>
+#include <filesystem>
 #include <string>
 #include <string_view>
 
@@ -43,6 +44,9 @@ extern const HelpDocument kReadme;       // `mnuHelpReadme`
 // Opens a document in the system's program for it. Reports failures.
 void ShowDocument(const HelpDocument& document, const SystemInfo& system, OperatingSystem& os,
                   Operator& op);
+
+// Opens a file that the program has written in the system's program for it. Reports failures.
+void OpenWrittenFile(const std::filesystem::path& path, OperatingSystem& os, Operator& op);
 
 void ReportMissingDocument(std::string_view file, Operator& op);
 

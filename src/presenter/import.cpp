@@ -3,6 +3,7 @@
 #include <cstddef>
 #include <utility>
 
+#include "base/date.h"
 #include "base/files.h"
 #include "base/number.h"
 #include "base/text.h"
@@ -20,7 +21,35 @@ constexpr std::string_view kImportErrorTitle = "Import Error";
 
 std::string CountText(std::int32_t count) { return Format(static_cast<double>(count), "0"); }
 
+std::string CountOf(std::size_t count, const std::string& noun) {
+  return std::to_string(count) + " " + noun + (count == 1 ? "" : "s");
+}
+
 }  // namespace
+
+std::string StoredSummary(const StoreOutcome& outcome) {
+  std::string text;
+  if (outcome.stored > 0) {
+    text = "Stored " + CountOf(outcome.stored, "record");
+    if (outcome.lowest) {
+      const std::string lowest = std::to_string(*outcome.lowest);
+      text += outcome.lowest == outcome.highest
+                  ? " as transaction " + lowest
+                  : " as transactions " + lowest + " to " + std::to_string(*outcome.highest);
+    }
+    if (outcome.first_date) {
+      text += ", of " + MediumText(*outcome.first_date);
+      text +=
+          outcome.first_date == outcome.last_date ? "" : " to " + MediumText(*outcome.last_date);
+    }
+    text += ".";
+  }
+  if (outcome.repeated > 0) {
+    text += (text.empty() ? "" : " ") + CountOf(outcome.repeated, "record") +
+            (outcome.repeated == 1 ? " was" : " were") + " there already.";
+  }
+  return text;
+}
 
 ImportPresenter::ImportPresenter(Services& services, ProgressDisplay& progress, ImportView& host)
     : services_(services),

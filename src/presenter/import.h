@@ -17,6 +17,10 @@
 
 namespace vrx {
 
+// What the operator reads after a store: "Stored 198 records as transactions 109 to 127, of
+// 11-Jan-26." Empty if nothing was stored and nothing was repeated.
+[[nodiscard]] std::string StoredSummary(const StoreOutcome& outcome);
+
 // The Import tab, as its presenter uses it.
 class ImportView {
  public:

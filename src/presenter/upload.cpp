@@ -132,7 +132,7 @@ int Upload::ReadDirectMemory() {
   return CutFiles("Memory read complete!", transfer_.transfer_block.size());
 }
 
-int Upload::CutFiles(std::string_view done_words, std::size_t told_bytes) {
+int Upload::CutFiles(std::string_view done_words, std::size_t received_bytes) {
   transfer_.block_is_cut = false;
   try {
     const int count = krm_.KRM_ExtractFiles(transfer_.transfer_block);
@@ -143,8 +143,9 @@ int Upload::CutFiles(std::string_view done_words, std::size_t told_bytes) {
       ReportFailed(op_, krm_.GS_KRM_ErrMsg());
       return 0;
     }
-    ReportComplete(op_, std::string(done_words) + "  (" + std::to_string(told_bytes) + " bytes, " +
-                            std::to_string(count) + (count > 1 ? " files)" : " file)"));
+    ReportComplete(op_, std::string(done_words) + "  (" + std::to_string(received_bytes) +
+                            " bytes, " + std::to_string(count) +
+                            (count > 1 ? " files)" : " file)"));
     return count;
   } catch (const TooManyFilesError& error) {
     transfer_.data_window = transfer_.transfer_block;

@@ -44,7 +44,7 @@ class Upload {
   void ModuleNotDetected();
   int TakeReply();
   // Cuts the transfer block, which must not be empty.
-  int CutFiles(std::string_view done_words, std::size_t told_bytes);
+  int CutFiles(std::string_view done_words, std::size_t received_bytes);
   void ListDataFiles(int count);
 
   KRMCOMM& krm_;

@@ -65,7 +65,8 @@ class OutFile : public QIODevice {
 
 class PdfTarget : public PrintTarget {
  public:
-  PdfTarget(const std::filesystem::path& path, const std::string& title) : file_(path) {
+  PdfTarget(const std::filesystem::path& path, const std::string& title)
+      : path_(path), file_(path) {
     writer_.emplace(&file_);
     writer_->setResolution(kDotsPerInch);
     writer_->setTitle(QString::fromStdString(title));
@@ -77,12 +78,15 @@ class PdfTarget : public PrintTarget {
 
   QPagedPaintDevice& Device() override { return *writer_; }
 
+  [[nodiscard]] std::filesystem::path File() const override { return path_; }
+
   void Finish() override {
     writer_.reset();
     file_.CloseAndCommit();
   }
 
  private:
+  std::filesystem::path path_;
   OutFile file_;
   std::optional<QPdfWriter> writer_;
 };

@@ -41,6 +41,9 @@ class PrintTarget {
   virtual ~PrintTarget() = default;
   virtual QPagedPaintDevice& Device() = 0;
 
+  // The file that the document is written to; empty for a printer.
+  [[nodiscard]] virtual std::filesystem::path File() const { return {}; }
+
   // Called once, after the end of the job. Throws Error if the document could not be written.
   virtual void Finish() = 0;
 };

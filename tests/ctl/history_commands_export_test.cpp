@@ -74,6 +74,7 @@ class TabOfSite : public ExportView, public HistoryView {
   void ConfigureImportColumns() override {}
   void FocusControl(std::string_view /*name*/) override {}
   void ExportChanged() override {}
+  void Exported(const std::filesystem::path& /*file*/) override {}
   void HistoryChanged(HistoryPart /*part*/) override {}
 
  private:

@@ -145,15 +145,15 @@ void ExpectOnlyKnownCalls(const std::string& code, std::size_t fewest) {
   }
 }
 
-TEST(CommandsToldOf, AreKnownWhereTheManualShowsThem) {
+TEST(CommandsInDocuments, AreKnownWhereTheManualShowsThem) {
   ExpectOnlyKnownCalls(CodeOfTheManual(), 5);
 }
 
-TEST(CommandsToldOf, AreKnownWhereTheReadmeShowsThem) {
+TEST(CommandsInDocuments, AreKnownWhereTheReadmeShowsThem) {
   ExpectOnlyKnownCalls(CodeOfTheReadme(), 5);
 }
 
-TEST(CommandsToldOf, WouldBeFoundWrong) {
+TEST(CommandsInDocuments, WouldBeFoundWrong) {
   const auto unknown = [](const std::string& line) { return UnknownIn(CallsIn(line).at(0)); };
   EXPECT_THAT(unknown("vrx2260ctl module upload --out . --port 2"), IsEmpty());
   EXPECT_THAT(unknown("vrx2260ctl modul upload"), ::testing::ElementsAre("modul", "upload"));
@@ -163,7 +163,7 @@ TEST(CommandsToldOf, WouldBeFoundWrong) {
 }
 
 // The table of the manual and that of the README name each command once.
-TEST(CommandsToldOf, AreAllCommands) {
+TEST(CommandsInDocuments, AreAllCommands) {
   std::set<std::string> manual;
   std::istringstream manual_code(CodeOfTheManual());
   for (std::string word; manual_code >> word;) {

@@ -76,12 +76,13 @@ class ExportTabTest : public ::testing::Test,
   OpenDatabases Databases() const override { return {recipes_path, site.Database(), "LB"}; }
   ExportSource DataGroup() override {
     ExportSource shown = Current(*view);
-    shown.index = told_index.value_or(shown.index);
-    shown.name = told_name.value_or(shown.name);
+    shown.index = given_index.value_or(shown.index);
+    shown.name = given_name.value_or(shown.name);
     return shown;
   }
   void ConfigureImportColumns() override { ++import_columns_configured; }
   void FocusControl(std::string_view name) override { focused.emplace_back(name); }
+  void Exported(const std::filesystem::path& file) override { exported.push_back(file); }
   void ExportChanged() override {
     forms.push_back(tab.Form());
     if (on_change) {
@@ -98,10 +99,11 @@ class ExportTabTest : public ::testing::Test,
   std::optional<SQLite::Database> recipes;
   std::optional<SQLite::Database> transactions;
   std::optional<HistoryPresenter> view;
-  std::optional<int> told_index;         // in place of the view's
-  std::optional<std::string> told_name;  // in place of the combo's text
+  std::optional<int> given_index;         // in place of the view's
+  std::optional<std::string> given_name;  // in place of the combo's text
   int import_columns_configured = 0;
   std::vector<std::string> focused;
+  std::vector<std::filesystem::path> exported;
   std::vector<ExportForm> forms;  // at each change
   std::function<void()> on_change;
   ExportPresenter tab{services, style_sheets, *this};

@@ -94,9 +94,9 @@ TEST_F(TheExportTab, AnEmptyNameOfAGroupByNameIsReportedByTheDriver) {
   const std::map<int, std::string> texts{{4, "Please select recipe name in Batched/Fed tab."},
                                          {7, "Please select ingredient name in Batched/Fed tab."},
                                          {9, "Please select pen name in Batched/Fed tab."}};
-  told_name = "  ";
+  given_name = "  ";
   for (const auto& [group, text] : texts) {
-    told_index = group;
+    given_index = group;
     op.boxes.clear();
     Export(ExportFormat::kXml);
     EXPECT_THAT(OnlyBox(op.boxes), IsBox(Icon::kInformation, "Export", text));
@@ -110,7 +110,7 @@ TEST_F(TheExportTab, AnIndexThatIsNoGroupFailsWithNothingDone) {
   for (const int index : {-1, 13}) {
     for (const ExportFormat format :
          {ExportFormat::kCsv, ExportFormat::kXml, ExportFormat::kHtml}) {
-      told_index = index;
+      given_index = index;
       op.boxes.clear();
       Export(format);
       EXPECT_THAT(OnlyBox(op.boxes), IsBox(Icon::kInformation, "Export", "Data exporting failed."));
@@ -169,6 +169,14 @@ TEST_F(TheExportTab, AMissingStylesheetOfAnXmlIsReportedAndTheExportASuccess) {
   Export(ExportFormat::kXml);
   ASSERT_EQ(op.boxes.size(), 2U);
   EXPECT_EQ(op.boxes[1].text, "Data exported successfully.");
+}
+
+TEST_F(TheExportTab, ReportsTheFileThatWasWrittenAndNoneAfterAFailure) {
+  Export(ExportFormat::kXml);
+  EXPECT_THAT(exported, ::testing::ElementsAre(out / "DAY.xml"));
+  fs::remove(site.Folder() / "XSL/TranByBatchFed.xsl");
+  Export(ExportFormat::kHtml);
+  EXPECT_THAT(exported, ::testing::SizeIs(1));
 }
 
 TEST_F(TheExportTab, AnOlderFileIsReplacedWithoutAQuestion) {

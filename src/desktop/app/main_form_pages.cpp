@@ -57,9 +57,7 @@ RecordPage* MainForm::RecordPageOf(int tab) const {
   }
 }
 
-RecordPage* MainForm::CurrentRecordPage() {
-  return RecordPageOf(window_.Tabs().CurrentTab());
-}
+RecordPage* MainForm::CurrentRecordPage() { return RecordPageOf(window_.Tabs().CurrentTab()); }
 
 void MainForm::Act(int button) {
   RecordPage* const page = CurrentRecordPage();
@@ -101,6 +99,10 @@ void MainForm::AddTransferPages() {
   window_.SetPage(kTabDataTransfer, data_transfer_);
   window_.SetPage(kTabImport, import_);
   import_->SetTabOrder();
+  connect(import_, &ImportPage::Done, this, [this](const QString& text, std::int64_t new_rows) {
+    window_.Panels().PicResult().ShowText(text);
+    history_->GoToLastRows(new_rows);
+  });
   window_.SetHandler(MainCommand::kImportTransactionFile, [this] { import_->ImportXFile(); });
   window_.SetHandler(MainCommand::kSetup, [this] { ShowSetup(); });
   line_watch_ = krm_.Guard().OnChange([this] { ShowLine(); });
@@ -158,8 +160,10 @@ SetupFacts MainForm::Facts() const {
 
 void MainForm::AddHistoryPages() {
   window_.SetPage(kTabBatchedFed, history_);
-  window_.SetPage(kTabExport, new ExportPage(services_, databases_, style_sheets_, *history_,
-                                             [this] { import_->ConfigureImportColumns(); }));
+  auto* const page = new ExportPage(services_, databases_, style_sheets_, *history_,
+                                    [this] { import_->ConfigureImportColumns(); });
+  window_.SetPage(kTabExport, page);
+  connect(page, &ExportPage::FileWritten, &window_.Panels().PicResult(), &ResultPanel::ShowFile);
 }
 
 // The columns named after the ingredients follow the grid of the ingredients.

@@ -55,7 +55,7 @@ class RefreshingOperator : public Operator {
   void SetBusy(bool busy) override { op_.SetBusy(busy); }
   void SetStatusLine(std::string_view text) override {
     show_();
-    told_ = !text.empty();
+    shown_ = !text.empty();
     op_.SetStatusLine(text);
   }
   void SetStatusColor(StatusColor color) override {
@@ -64,13 +64,13 @@ class RefreshingOperator : public Operator {
   }
 
   // The status line reports a failure.
-  [[nodiscard]] bool StatusIsError() const { return told_ && color_ == StatusColor::kRed; }
+  [[nodiscard]] bool StatusIsError() const { return shown_ && color_ == StatusColor::kRed; }
 
  private:
   Operator& op_;
   std::function<void()> show_;
   StatusColor color_ = StatusColor::kBlue;
-  bool told_ = false;
+  bool shown_ = false;
 };
 
 // Icons and kinds of the files in a file dialog. The usual provider reads the beginning of a file

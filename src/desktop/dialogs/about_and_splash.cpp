@@ -193,6 +193,8 @@ void SetHelpHandlers(MainWindow& window, const SystemInfo& system, OperatingSyst
   window.SetHandler(MainCommand::kManual, [&] { ShowDocument(kUsersManual, system, os, op); });
   window.SetHandler(MainCommand::kReadme, [&] { ShowDocument(kReadme, system, os, op); });
   window.SetHandler(MainCommand::kAbout, [&] { About(system, os, op, &window).exec(); });
+  QObject::connect(&window.Panels().PicResult(), &ResultPanel::OpenRequested, &window,
+                   [&](const QString& path) { OpenWrittenFile(path.toStdString(), os, op); });
 }
 
 }  // namespace vrx

@@ -7,6 +7,7 @@
 #include <QPushButton>
 #include <QRadioButton>
 #include <array>
+#include <filesystem>
 #include <functional>
 #include <string_view>
 
@@ -16,6 +17,7 @@
 #include "presenter/database_commands.h"
 #include "presenter/export.h"
 #include "widgets/fields.h"
+#include "widgets/qt_text.h"
 
 namespace vrx {
 
@@ -33,6 +35,10 @@ class ExportPage final : public MainTabPage, private ExportView {
   // MainTabPage.
   void Prepare() override;
 
+ Q_SIGNALS:
+  // The data was exported to that file.
+  void FileWritten(const QString& action, const QString& path);
+
  private:
   // ExportView.
   [[nodiscard]] OpenDatabases Databases() const override { return databases_.Opened(); }
@@ -40,6 +46,9 @@ class ExportPage final : public MainTabPage, private ExportView {
   void ConfigureImportColumns() override { configure_import_columns_(); }
   void FocusControl(std::string_view name) override;
   void ExportChanged() override;
+  void Exported(const std::filesystem::path& file) override {
+    Q_EMIT FileWritten(QStringLiteral("Exported to"), ToQString(file.string()));
+  }
 
   void LayOut();
   QWidget* MakeFormats();

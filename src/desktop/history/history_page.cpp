@@ -27,6 +27,8 @@ namespace {
 const QString kNavigatorString = QStringLiteral("Transaction:|of");
 constexpr int kDigits = 8;
 
+constexpr int kAllTransactions = 0;  // the data group of all records in stored order
+
 struct MoveButton {
   const char* caption;
   const char* meaning;
@@ -278,6 +280,16 @@ void HistoryPage::Run(const std::function<void(HistoryPresenter&)>& action) {
     const BusyCursor busy(services_.op);
     action(*view_);
   }
+}
+
+void HistoryPage::GoToLastRows(std::int64_t rows) {
+  if (!view_ || rows < 1 || view_->GroupIndex() != kAllTransactions ||
+      view_->Grid().SortColumn() != 0) {
+    return;
+  }
+  grd_trans_->GoToRow(static_cast<int>(view_->Grid().RowCount() - rows));
+  grd_trans_->scrollTo(grd_trans_->currentIndex(), QAbstractItemView::PositionAtTop);
+  grd_trans_->setFocus();
 }
 
 // MainTabPage.

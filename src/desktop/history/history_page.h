@@ -60,6 +60,9 @@ class HistoryPage final : public MainTabPage, private HistoryView {
   // The shown data, for the export and the printed page; nullptr before the first database is bound
   // and after the last one is released.
   HistoryPresenter* View() { return view_ ? &*view_ : nullptr; }
+  // Selects the first of the rows that were stored last, if the grid lists all rows in stored
+  // order.
+  void GoToLastRows(std::int64_t rows);
   // `chkBatFitPage`
   [[nodiscard]] bool FitAllColumns() const { return chk_bat_fit_page_->isChecked(); }
 

@@ -1,6 +1,7 @@
 #include "desktop/main_window/panels.h"
 
 #include <QEvent>
+#include <QFileInfo>
 #include <QHBoxLayout>
 #include <algorithm>
 #include <array>
@@ -159,17 +160,50 @@ void TransferStatusPanel::changeEvent(QEvent* event) {
   }
 }
 
+ResultPanel::ResultPanel(QWidget* parent)
+    : QFrame(parent),
+      text_(new ElidedLabel(this)),
+      open_(new QPushButton(QStringLiteral("&Open"), this)) {
+  setObjectName(QStringLiteral("picResult"));
+  text_->setObjectName(QStringLiteral("lblResult"));
+  text_->setAccessibleDescription(QStringLiteral("Result of the last command"));
+  open_->setObjectName(QStringLiteral("cmdResultOpen"));
+  open_->setToolTip(QStringLiteral("Open the file that was written"));
+  QHBoxLayout* layout = RowLayout(*this);
+  layout->addWidget(text_, 1);
+  layout->addWidget(open_);
+  connect(open_, &QPushButton::clicked, this, [this] { Q_EMIT OpenRequested(path_); });
+  hide();
+}
+
+void ResultPanel::ShowText(const QString& text) {
+  path_.clear();
+  text_->setText(text);
+  text_->setToolTip({});
+  open_->hide();
+  setVisible(!text.isEmpty());
+}
+
+void ResultPanel::ShowFile(const QString& action, const QString& path) {
+  ShowText(action + QChar(u' ') + QFileInfo(path).fileName());
+  path_ = path;
+  text_->setToolTip(path);
+  open_->show();
+}
+
 PanelRow::PanelRow(QWidget* parent)
     : QWidget(parent),
       action_(new ButtonPanel(this, "picAction", "cmdAction", kActions)),
       navigate_(new ButtonPanel(this, "picNavigate", "cmdNavigate", kMoves)),
       transfer_status_(new TransferStatusPanel(this)),
+      result_(new ResultPanel(this)),
       import_(new QFrame(this)) {
   import_->setObjectName(QStringLiteral("picImport"));
   RowLayout(*import_);
   QHBoxLayout* layout = RowLayout(*this);
   layout->addWidget(action_);
   layout->addWidget(transfer_status_, 1);
+  layout->addWidget(result_, 1);
   layout->addStretch();
   layout->addWidget(import_, 1);
   layout->addWidget(navigate_);
@@ -194,6 +228,7 @@ void PanelRow::ShowRecordNumber(int position) {
 }
 
 void PanelRow::ShowPanels(unsigned panels) {
+  result_->Clear();
   action_->setVisible((panels & kPicAction) != 0);
   navigate_->setVisible((panels & kPicNavigate) != 0);
   transfer_status_->setVisible((panels & kPicTransferStatus) != 0);

@@ -79,6 +79,28 @@ class TransferStatusPanel : public QFrame {
   StatusColor color_ = StatusColor::kBlue;
 };
 
+// `picResult`: what the last store, print or export did, with a button that opens its file. Takes
+// no room while it is empty.
+class ResultPanel : public QFrame {
+  Q_OBJECT
+
+ public:
+  explicit ResultPanel(QWidget* parent = nullptr);
+
+  void ShowText(const QString& text);
+  // "Printed to PENS.PDF"; the whole path is the tooltip.
+  void ShowFile(const QString& action, const QString& path);
+  void Clear() { hide(); }
+
+ Q_SIGNALS:
+  void OpenRequested(const QString& path);
+
+ private:
+  QLabel* text_;
+  QPushButton* open_;
+  QString path_;
+};
+
 // The row below the tabs: those panels and `picImport`. Its height does not depend on them.
 class PanelRow : public QWidget {
   Q_OBJECT
@@ -86,7 +108,7 @@ class PanelRow : public QWidget {
  public:
   explicit PanelRow(QWidget* parent = nullptr);
 
-  // A combination of BottomPanels.
+  // A combination of BottomPanels. Clears the result.
   void ShowPanels(unsigned panels);
 
   // `lblRecordNumber`, on `picNavigate`; 0 clears it.
@@ -95,6 +117,7 @@ class PanelRow : public QWidget {
   [[nodiscard]] ButtonPanel& PicAction() const { return *action_; }
   [[nodiscard]] ButtonPanel& PicNavigate() const { return *navigate_; }
   [[nodiscard]] TransferStatusPanel& PicTransferStatus() const { return *transfer_status_; }
+  [[nodiscard]] ResultPanel& PicResult() const { return *result_; }
   [[nodiscard]] QFrame& PicImport() const {
     return *import_;
   }  // has a horizontal layout to be filled
@@ -111,6 +134,7 @@ class PanelRow : public QWidget {
   QLabel* record_ = nullptr;
   QLabel* record_number_ = nullptr;
   TransferStatusPanel* transfer_status_;
+  ResultPanel* result_;
   QFrame* import_;
 };
 

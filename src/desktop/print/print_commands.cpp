@@ -2,6 +2,7 @@
 
 #include <array>
 #include <exception>
+#include <filesystem>
 #include <optional>
 #include <utility>
 #include <vector>
@@ -12,6 +13,7 @@
 #include "feed/record_fields.h"
 #include "presenter/report_failure.h"
 #include "report/print_questions.h"
+#include "widgets/qt_text.h"
 
 namespace vrx {
 namespace {
@@ -219,7 +221,16 @@ void PrintCommands::PrintReport(Report report) {
 
 bool PrintCommands::OnPaper(PrintTarget& paper, const Job& job) {
   const BusyCursor busy(services_.op);
-  return PrintOn(paper, job);
+  if (!PrintOn(paper, job)) {
+    return false;
+  }
+  const std::filesystem::path file = paper.File();
+  if (file.empty()) {
+    window_.Panels().PicResult().ShowText(QStringLiteral("The report was sent to the printer."));
+  } else {
+    window_.Panels().PicResult().ShowFile(QStringLiteral("Printed to"), ToQString(file.string()));
+  }
+  return true;
 }
 
 bool PrintCommands::PrintPages(ReportJob& job, const Report& report) {

@@ -288,10 +288,22 @@ void ImportPage::FillPicImport() {
   cmd_import_store_ =
       add("cmdImportStore", QStringLiteral("&Store"), QString::fromUtf8(kStoreMeaning));
   connect(cmd_import_file_, &QPushButton::clicked, this, [this] { ImportXFile(); });
-  connect(cmd_import_store_, &QPushButton::clicked, this,
-          [this] { Run([this] { session_.ClickImportStore(); }); });
-  connect(cmd_import_undo_, &QPushButton::clicked, this,
-          [this] { Run([this] { session_.ClickImportUndo(); }); });
+  connect(cmd_import_store_, &QPushButton::clicked, this, [this] { Run([this] { Store(); }); });
+  connect(cmd_import_undo_, &QPushButton::clicked, this, [this] { Run([this] { Undo(); }); });
+}
+
+void ImportPage::Store() {
+  const StoreOutcome outcome = session_.ClickImportStore();
+  const std::string summary = StoredSummary(outcome);
+  if (!summary.empty()) {
+    Q_EMIT Done(ToQString(summary), static_cast<std::int64_t>(outcome.stored));
+  }
+}
+
+void ImportPage::Undo() {
+  if (session_.ClickImportUndo()) {
+    Q_EMIT Done(lbl_progress_msg_->text(), 0);
+  }
 }
 
 void ImportPage::SetTabOrder() {

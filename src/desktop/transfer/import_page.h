@@ -7,6 +7,7 @@
 #include <QProgressBar>
 #include <QPushButton>
 #include <QTableView>
+#include <cstdint>
 #include <functional>
 #include <string_view>
 #include <vector>
@@ -98,6 +99,11 @@ class ImportPage final : public MainTabPage, private ImportView, private Progres
   void StripFocused() override;
   void Rebind(DatabaseKind kind, const BoundDatabase& database) override;
 
+ Q_SIGNALS:
+  // A store or its undo has ended, after the databases were rebound. `new_rows` are the last rows
+  // of the database in stored order.
+  void Done(const QString& text, std::int64_t new_rows);
+
  private:
   // ImportView.
   OpenDatabases Databases() const override { return databases_.Opened(); }
@@ -117,6 +123,8 @@ class ImportPage final : public MainTabPage, private ImportView, private Progres
   void FillPicImport();
   void EnableStore();
   void Run(const std::function<void()>& flow);
+  void Store();
+  void Undo();
 
   Services& services_;
   DatabaseCommands& databases_;

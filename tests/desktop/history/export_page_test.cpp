@@ -228,6 +228,14 @@ TEST_F(ExportPageTest, AFileOfThatNameIsReplacedWithoutAQuestion) {
   EXPECT_NE(ReadAll(out_ / "DAY.csv"), first);
 }
 
+TEST_F(ExportPageTest, ALineNamesTheFileThatWasWritten) {
+  ShowExport(0);
+  Export(u"optCSV"_qs, u"DAY"_qs);
+  EXPECT_EQ(Find<QLabel>(u"lblResult"_qs).text(), u"Exported to DAY.csv"_qs);
+  EXPECT_EQ(Find<QLabel>(u"lblResult"_qs).toolTip().toStdString(), (out_ / "DAY.csv").string());
+  EXPECT_TRUE(Find<QWidget>(u"cmdResultOpen"_qs).isVisible());
+}
+
 TEST_F(ExportPageTest, AFailureIsReportedWithABeepAndTheNextTabChangeHidesTheBar) {
   settings_.SetEnableBeeperOn(true);
   ShowExport(0);

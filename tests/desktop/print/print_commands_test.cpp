@@ -53,6 +53,18 @@ TEST_F(PrintOfATab, IngredientsPrintTheRowsOfTheirGridWithTheTitleOfTheBox) {
   EXPECT_THAT(operator_.boxes, IsEmpty());
 }
 
+TEST_F(PrintOfATab, ALineNamesTheFileThatOpenShows) {
+  ShowTab();
+  Print();
+  EXPECT_EQ(Find<QLabel>(u"lblResult"_qs).text(),
+            u"Printed to %1"_qs.arg(QString::fromStdString(pdf_.filename().string())));
+  QString opened;
+  QObject::connect(&Window().Panels().PicResult(), &ResultPanel::OpenRequested,
+                   [&](const QString& path) { opened = path; });
+  QTest::mouseClick(&Find<QPushButton>(u"cmdResultOpen"_qs), Qt::LeftButton);
+  EXPECT_EQ(opened.toStdString(), pdf_.string());
+}
+
 TEST_F(PrintOfATab, PensPrintTheRowsOfTheirGrid) {
   ShowTab();
   GoToTab(kTabPens);

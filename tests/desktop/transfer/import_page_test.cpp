@@ -352,6 +352,36 @@ TEST_F(ImportPageTest, StoreSavesTheDatabaseAndShowsItsGroups) {
             u"Successfully copied imported records to Transaction database."_qs);
 }
 
+TEST_F(ImportPageTest, AfterAStoreALineSaysWhatWasStoredAndTheGridSelectsTheFirstNewRow) {
+  ShowWithBothDatabases(kFile);
+  Click(u"cmdImportStore"_qs);
+  std::string later = kFile;
+  later.replace(later.find("998.0"), 5, "999.0");
+  Window().Tabs().SelectTab(kTabImport);
+  ImportText(later.c_str());
+  Click(u"cmdImportStore"_qs);
+  EXPECT_TRUE(Find<QWidget>(u"picResult"_qs).isVisible());
+  EXPECT_EQ(Text(u"lblResult"_qs), u"Stored 3 records as transaction 2, of 15-Jan-09."_qs);
+  EXPECT_FALSE(Find<QWidget>(u"cmdResultOpen"_qs).isVisible());
+  const auto& grid = Find<QAbstractItemView>(u"grdTRANS"_qs);
+  EXPECT_EQ(grid.currentIndex().row(), 3);
+  EXPECT_EQ(grid.model()->index(3, 0).data().toString(), u"2"_qs);
+  Window().Tabs().SelectTab(kTabPens);
+  EXPECT_FALSE(Find<QWidget>(u"picResult"_qs).isVisible());
+}
+
+TEST_F(ImportPageTest, TheLastStoreIsUndoneAfterAQuestion) {
+  ShowWithBothDatabases(kFile);
+  EXPECT_FALSE(Find<QWidget>(u"cmdImportUndo"_qs).isEnabled());
+  Click(u"cmdImportStore"_qs);
+  Window().Tabs().SelectTab(kTabImport);
+  operator_.answers = {Answer::kYes};
+  Click(u"cmdImportUndo"_qs);
+  EXPECT_EQ(StoredRows(), 0);
+  EXPECT_EQ(Text(u"lblResult"_qs), u"The last store was undone: 3 rows taken out."_qs);
+  EXPECT_FALSE(Find<QWidget>(u"cmdImportUndo"_qs).isEnabled());
+}
+
 TEST_F(ImportPageTest, StoredTwiceItAsksFirstAndNumbersOnFromTheHighest) {
   ShowWithBothDatabases(kFile);
   Click(u"cmdImportStore"_qs);
