@@ -83,7 +83,7 @@ bool IsMessage(std::string_view text) {
 
 std::vector<std::string> MissingIn(const std::string& words,
                                    const std::vector<std::string>& program) {
-  constexpr std::size_t kTelling = 5;  // letters; less is what stands around a value
+  constexpr std::size_t kTelling = 5;  // letters; less is what surrounds a value
   std::set<std::string> missing;
   for (const std::string& text : program) {
     if (!IsMessage(text)) {

@@ -131,7 +131,7 @@ TEST(ManualPdf, HasEveryHeadingOnThePageThatTheContentsGive) {
     ASSERT_NE(found, std::string::npos) << heading.text << " is not on page " << page;
     EXPECT_TRUE(!heading.chapter || found == 0) << heading.text << " begins no page";
     const std::string behind = text.substr(found + heading.text.size() + 1);
-    EXPECT_FALSE(behind.starts_with(kFoot)) << heading.text << " stands at the end of a page";
+    EXPECT_FALSE(behind.starts_with(kFoot)) << heading.text << " is at the end of a page";
   }
 }
 

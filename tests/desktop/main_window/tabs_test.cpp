@@ -147,7 +147,7 @@ TEST_F(MainTabsTest, EveryChoiceOfATabIsReportedThoughTheStripHasTheFocusAlready
   EXPECT_EQ(last(), "transfer: strip focused");
   diary_.clear();
   Click(kTabDataTransfer);
-  EXPECT_THAT(diary_, ElementsAre("transfer: strip focused")) << "the tab on show";
+  EXPECT_THAT(diary_, ElementsAre("transfer: strip focused")) << "the current tab";
   Choose(u"mnuEditPen"_qs);
   EXPECT_EQ(last(), "pens: strip focused");
   QTest::keyClick(Tabs().tabBar(), Qt::Key_Right);

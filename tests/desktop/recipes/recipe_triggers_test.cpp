@@ -245,7 +245,7 @@ TEST_F(RecipeTriggers, ANewDryMatterIsWorkedOutByTheTypeShownUntilEachRecipeIsRe
   ClickTab(kTabRecipes);
   EXPECT_EQ(List("cboRecID").currentIndex(), kByWeight);
   EXPECT_THAT(Figures(Line(kByHead, 0)), ElementsAre("1200", "11.111", "75", "8000", "1234"))
-      << "not on show yet";
+      << "not shown yet";
   ClickTab(kTabRecipes);
   ExpectFigures(kByWeight, 0, {"1200", "60.000", "75", "1600", "3189"});
   ExpectFigures(kByWeight, 1, {"800", "40.000", "88", "909", "1811"});
