@@ -4,12 +4,10 @@
 #include <QApplication>
 #include <QEvent>
 #include <QMouseEvent>
-#include <QProcess>
 #include <QPushButton>
 #include <QTimer>
 #include <algorithm>
 #include <chrono>
-#include <stdexcept>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -21,6 +19,7 @@
 #include "desktop/transfer/import_page.h"
 #include "link/krmcomm.h"
 #include "settings/settings.h"
+#include "simulated_module.h"
 #include "support/temp_folder.h"
 #include "support/test_services.h"
 
@@ -149,33 +148,6 @@ BENCHMARK_CAPTURE(ImportOnTheScreen, Full, FullFile())->Unit(benchmark::kMillise
 BENCHMARK_CAPTURE(ImportOnTheScreen, Crowded, CrowdedFile())->Unit(benchmark::kMillisecond);
 BENCHMARK_CAPTURE(ImportOnTheScreen, Wide, WideFile())->Unit(benchmark::kMillisecond);
 
-// The built simulator, which simulates the module during the object's lifetime.
-class Module {
- public:
-  explicit Module(const vrx::testing::TempFolder& folder) : device_((folder / "module").string()) {
-    std::string memory = "{BAT/FED},L\r\n";
-    memory.resize(kFullFile, 'x');
-    simulator_.start(VRX_BIN_DIR "/vrx2260sim",
-                     {"module", "--link", QString::fromStdString(device_), "--load",
-                      QString::fromStdString(folder.Write("memory", memory).string())});
-    if (!simulator_.waitForReadyRead() || !simulator_.readLine().startsWith("ready ")) {
-      throw std::runtime_error("the simulator is not ready");
-    }
-  }
-  ~Module() {
-    simulator_.terminate();
-    simulator_.waitForFinished();
-  }
-  Module(const Module&) = delete;
-  Module& operator=(const Module&) = delete;
-
-  const std::string& Device() const { return device_; }
-
- private:
-  std::string device_;
-  QProcess simulator_;
-};
-
 // Clicks a button at regular intervals and records the response times.
 class Clicker {
  public:
@@ -209,7 +181,7 @@ class Clicker {
 
 void ClickDuringAnUpload(benchmark::State& state) {
   const vrx::testing::TempFolder folder;
-  const Module module(folder);
+  const vrx::bench::SimulatedModule module(folder, kFullFile);
   vrx::QtEventPump pump;
   vrx::QtSerialControl serial([&](int) { return module.Device(); });
   vrx::testing::RecordingOperator op;

@@ -2,9 +2,7 @@
 // the time of the line itself and the fixed waits of the protocol.
 
 #include <QCoreApplication>
-#include <QProcess>
 #include <chrono>
-#include <stdexcept>
 #include <string>
 
 #include <benchmark/benchmark.h>
@@ -13,6 +11,7 @@
 #include "adapters/qt_serial_control.h"
 #include "link/krmcomm.h"
 #include "settings/settings.h"
+#include "simulated_module.h"
 #include "support/recording_operator.h"
 #include "support/temp_folder.h"
 
@@ -26,36 +25,9 @@ constexpr double kBaud = 19'200;
 constexpr Seconds kFixedWaits{2 * (1.0 + 0.5)};  // two commands: wake and release of DTR
 constexpr double kHighestRatio = 1.03;
 
-// The built simulator, which simulates the module during the object's lifetime.
-class Module {
- public:
-  explicit Module(const vrx::testing::TempFolder& folder) : device_((folder / "module").string()) {
-    std::string memory = "{BAT/FED},L\r\n";
-    memory.resize(kMemorySize, 'x');
-    simulator_.start(VRX_BIN_DIR "/vrx2260sim",
-                     {"module", "--link", QString::fromStdString(device_), "--load",
-                      QString::fromStdString(folder.Write("memory", memory).string())});
-    if (!simulator_.waitForReadyRead() || !simulator_.readLine().startsWith("ready ")) {
-      throw std::runtime_error("the simulator is not ready");
-    }
-  }
-  ~Module() {
-    simulator_.terminate();
-    simulator_.waitForFinished();
-  }
-  Module(const Module&) = delete;
-  Module& operator=(const Module&) = delete;
-
-  const std::string& Device() const { return device_; }
-
- private:
-  std::string device_;
-  QProcess simulator_;
-};
-
 void UploadOfAFullModule(benchmark::State& state) {
   const vrx::testing::TempFolder folder;
-  const Module module(folder);
+  const vrx::bench::SimulatedModule module(folder, kMemorySize);
   vrx::QtEventPump pump;
   vrx::QtSerialControl serial([&](int) { return module.Device(); });
   vrx::testing::RecordingOperator op;
