@@ -213,6 +213,7 @@ std::vector<BatchFinding> FindRepeatedBatches(SQLite::Database& transactions,
                                               const std::vector<FileBatch>& batches) {
   Search search(transactions, rows, names);
   std::vector<BatchFinding> findings;
+  findings.reserve(batches.size());
   for (const FileBatch& batch : batches) {
     findings.push_back(batch.number ? search.Find(batch) : BatchFinding{});
   }

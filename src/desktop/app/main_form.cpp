@@ -38,11 +38,6 @@ constexpr std::array<std::pair<MainCommand, int>, 4> kTabCommands{{
     {MainCommand::kViewTransactions, kTabBatchedFed},
 }};
 
-constexpr std::array<std::pair<MainCommand, void (DataTransferPage::*)()>, 2> kTransferCommands{{
-    {MainCommand::kTransferUpload, &DataTransferPage::FocusUpload},
-    {MainCommand::kTransferDownload, &DataTransferPage::FocusDownload},
-}};
-
 constexpr int kTwipsPerPixel = 15;  // 1440 to the inch, 96 logical pixels to the inch
 
 }  // namespace
@@ -119,12 +114,14 @@ void MainForm::SetHandlers() {
   for (const auto& [command, tab] : kTabCommands) {
     window_.SetHandler(command, [this, tab = tab] { window_.ChooseTab(tab); });
   }
-  for (const auto& [command, focus] : kTransferCommands) {
-    window_.SetHandler(command, [this, focus = focus] {
-      window_.Tabs().SelectTab(kTabDataTransfer);
-      (data_transfer_->*focus)();
-    });
-  }
+  window_.SetHandler(MainCommand::kTransferUpload, [this] {
+    window_.Tabs().SelectTab(kTabDataTransfer);
+    data_transfer_->FocusUpload();
+  });
+  window_.SetHandler(MainCommand::kTransferDownload, [this] {
+    window_.Tabs().SelectTab(kTabDataTransfer);
+    data_transfer_->FocusDownload();
+  });
   window_.SetHandler(MainCommand::kAutoAbbreviate, [this] { ToggleAutoAbbreviate(); });
   window_.SetHandler(MainCommand::kCalendar, [this] { window_.ToggleCalendar(); });
   window_.SetHandler(MainCommand::kExit, [this] { Leave(ExitReason::kFileExit); });
