@@ -1,7 +1,6 @@
 #include <memory>
 #include <ostream>
 #include <string>
-#include <vector>
 
 #include <CLI/CLI.hpp>
 #include <SQLiteCpp/Database.h>
@@ -11,47 +10,16 @@
 #include "ctl/options.h"
 #include "ctl/output.h"
 #include "ctl/recipe_file.h"
+#include "ctl/recipe_output.h"
 #include "ctl/session.h"
 #include "database/records.h"
 #include "exchange/recipe_text.h"
 #include "feed/ration.h"
-#include "feed/recipe_columns.h"
 #include "feed/where_used.h"
 
 namespace vrx {
 
 namespace {
-
-Json Head(const RecipeRecord& recipe) {
-  return {{"ID", recipe.id},
-          {"Name", recipe.name},
-          {"Description", recipe.description},
-          {"BatchType", recipe.batch_type},
-          {"HeadCount", recipe.head_count},
-          {"RationTarget", recipe.ration_target},
-          {"AdjBatTotIndex", recipe.adjust_batch_index}};
-}
-
-OutputTable LineTable(const std::vector<RecipeLineRecord>& lines) {
-  OutputTable table{.header = {"RecipeID", "Ingredient", "Target", "Ration%", "DryMatter%",
-                               "DryMatter", "BatchTarget", "Sequence", "HandAdd", "Ingredient%"},
-                    .rows = {}};
-  for (const RecipeLineRecord& line : lines) {
-    table.rows.push_back({line.recipe_id, line.ingredient, line.target, line.ration_percent,
-                          line.dry_matter_percent, line.dry_matter, line.batch_target,
-                          std::to_string(line.sequence), line.hand_add,
-                          PercentText(line.ingredient_percent)});
-  }
-  return table;
-}
-
-Json Totals(const TotalsRow& row) {
-  Json object = Json::object();
-  for (const auto& [label, text] : row.Labels()) {
-    object[std::string(label)] = text;
-  }
-  return object;
-}
 
 Json Inputs(const RecipeInputs& inputs) {
   return {{"HeadCount", inputs.head_count},
@@ -62,11 +30,11 @@ Json Inputs(const RecipeInputs& inputs) {
 // Plain output has four tables with header lines, separated by empty lines.
 void ShowRecipe(std::ostream& out, OutputForm form, const Ration& ration,
                 const RecipeTotals& totals) {
-  Json document = Head(ration.recipe);
-  const OutputTable lines = LineTable(ration.lines);
+  Json document = RecipeHead(ration.recipe);
+  const OutputTable lines = RecipeLineTable(ration.lines);
   if (form == OutputForm::kJson) {
     document["lines"] = ToJson(lines);
-    document["totals"] = Totals(totals.row);
+    document["totals"] = RecipeTotalsObject(totals.row);
     document["inputs"] = Inputs(totals.enabled);
     WriteObject(out, form, document);
     return;
@@ -75,7 +43,7 @@ void ShowRecipe(std::ostream& out, OutputForm form, const Ration& ration,
   out << '\n';
   WriteTable(out, form, lines);
   out << '\n';
-  WriteObject(out, form, Totals(totals.row));
+  WriteObject(out, form, RecipeTotalsObject(totals.row));
   out << '\n';
   WriteObject(out, form, Inputs(totals.enabled));
 }
