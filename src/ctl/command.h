@@ -67,6 +67,10 @@ std::unique_ptr<Command> MakeExportCommand();
 std::unique_ptr<Command> MakePrintCommand();
 std::unique_ptr<Command> MakeConvertCommand();
 
+// The subcommands of `recipe`.
+std::unique_ptr<Command> MakeRecipeCopyCommand();
+std::unique_ptr<Command> MakeRecipeDiffCommand();
+
 // A serial control and its event pump.
 class SerialLine {
  public:

@@ -197,11 +197,12 @@ bool IsOfTheFirstDay(const std::string& name) {
   return name.starts_with("DAY8.") && Texts().HoldsPart(extension);
 }
 
-// A command of vrx2260ctl by itself.
+// A command of vrx2260ctl without the name of the tool, such as "recipe" or "recipe copy".
 bool IsCommandOfTheTool(const std::string& name) {
   static const std::vector<CommandHelp> helps = AskForHelp("vrx2260ctl");
-  const auto& commands = helps.front().subcommands;
-  return std::find(commands.begin(), commands.end(), name) != commands.end();
+  return std::any_of(helps.begin(), helps.end(), [&](const CommandHelp& help) {
+    return !help.path.empty() && help.Name() == name;
+  });
 }
 
 bool IsFileOrCommand(const std::string& name) {

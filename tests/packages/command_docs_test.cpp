@@ -236,6 +236,18 @@ TEST(Completion, OffersTheFilesOfTheKindAndFolders) {
               UnorderedElementsAre("A.TDB", "A.TXT"));
 }
 
+// The command `recipe` has arguments of its own.
+TEST(Completion, OffersSubcommandsAndFilesForTheFirstWordOnly) {
+  TempFolder folder;
+  folder.Write("A.RDB", "");
+  const std::string here = folder.Path().string();
+  EXPECT_THAT(Completions({"recipe", ""}, here), UnorderedElementsAre("A.RDB", "copy", "diff"));
+  EXPECT_THAT(Completions({"recipe", "copy", ""}, here), UnorderedElementsAre("A.RDB"));
+  EXPECT_THAT(Completions({"recipe", "diff", "A.RDB", "1", "2", "--with", ""}, here),
+              UnorderedElementsAre("A.RDB"));
+  EXPECT_THAT(Completions({"recipe", "A.RDB", "c"}, here), IsEmpty());
+}
+
 TEST(Completion, OffersNothingForATextOrANumber) {
   EXPECT_THAT(Completions({"set", "pen", "A.RDB", "1", "--name", ""}), IsEmpty());
   EXPECT_THAT(Completions({"recipe", "A.RDB", ""}), IsEmpty());
