@@ -358,7 +358,7 @@ TEST_F(ImportPageTest, AfterAStoreALineSaysWhatWasStoredAndTheGridSelectsTheFirs
   std::string later = kFile;
   later.replace(later.find("998.0"), 5, "999.0");
   Window().Tabs().SelectTab(kTabImport);
-  ImportText(later.c_str());
+  ImportText(later);
   Click(u"cmdImportStore"_qs);
   EXPECT_TRUE(Find<QWidget>(u"picResult"_qs).isVisible());
   EXPECT_EQ(Text(u"lblResult"_qs), u"Stored 3 records as transaction 2, of 15-Jan-09."_qs);
