@@ -5,20 +5,10 @@
 #include <utility>
 
 #include "desktop/recipes/recipes_page.h"
+#include "desktop/records/edit_gate.h"
 #include "presenter/report_failure.h"
 
 namespace vrx {
-namespace {
-
-std::string FieldName(std::string_view field) { return "'" + std::string(field) + "' field"; }
-
-void TakeFocus(QWidget& field) {
-  if (field.isVisible() && field.isEnabled()) {
-    field.setFocus();
-  }
-}
-
-}  // namespace
 
 // The boxes of the head.
 

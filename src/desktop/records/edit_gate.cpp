@@ -23,6 +23,14 @@ bool OperatorIsBusy() {
 
 }  // namespace
 
+std::string FieldName(std::string_view field) { return "'" + std::string(field) + "' field"; }
+
+void TakeFocus(QWidget& field) {
+  if (field.isVisible() && field.isEnabled()) {
+    field.setFocus();
+  }
+}
+
 EditGate::EditGate(Operator& op, QObject* parent) : QObject(parent), op_(op) {
   ask_.setSingleShot(true);
   connect(&ask_, &QTimer::timeout, this, &EditGate::AskWhenIdle);

@@ -2,8 +2,10 @@
 
 #include <QObject>
 #include <QTimer>
+#include <QWidget>
 #include <functional>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "platform/operator.h"
@@ -24,6 +26,12 @@ struct FieldEdit {
   // The operator has changed the field. A failure to store an unchanged field only beeps.
   bool entered = true;
 };
+
+// A field as FieldEdit names it.
+[[nodiscard]] std::string FieldName(std::string_view field);
+
+// Sets the focus on a field that the operator can enter.
+void TakeFocus(QWidget& field);
 
 // An edit that is lost when the program ends without its operator.
 struct LostEdit {

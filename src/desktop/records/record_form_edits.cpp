@@ -6,6 +6,7 @@
 
 #include "base/date.h"
 #include "base/undo.h"
+#include "desktop/records/edit_gate.h"
 #include "desktop/records/record_form_page.h"
 #include "feed/record_fields.h"
 #include "widgets/qt_text.h"
@@ -15,14 +16,6 @@ namespace {
 
 constexpr std::string_view kNameField = "Name";
 constexpr std::string_view kDescriptionField = "Description";
-
-std::string FieldName(std::string_view field) { return "'" + std::string(field) + "' field"; }
-
-void TakeFocus(QWidget& field) {
-  if (field.isVisible() && field.isEnabled()) {
-    field.setFocus();
-  }
-}
 
 }  // namespace
 
