@@ -47,4 +47,10 @@ void TwoPartRow::Arrange() {
   }
 }
 
+void KeepPlace(QWidget& widget) {
+  QSizePolicy policy = widget.sizePolicy();
+  policy.setRetainSizeWhenHidden(true);
+  widget.setSizePolicy(policy);
+}
+
 }  // namespace vrx

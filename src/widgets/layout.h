@@ -44,4 +44,7 @@ inline void MakeDemiBold(QWidget& widget) {
   widget.setFont(font);
 }
 
+// Reserves the widget's space while it is hidden, so that nothing moves when it appears.
+void KeepPlace(QWidget& widget);
+
 }  // namespace vrx

@@ -31,7 +31,7 @@ struct Feed {
   std::string actual;
 };
 
-struct Batch {
+struct RandomBatch {
   std::string transaction;
   std::string recipe;
   std::string date;
@@ -44,7 +44,7 @@ struct Batch {
 struct Model {
   char unit = 'L';
   int padding = 2;
-  std::vector<Batch> batches;
+  std::vector<RandomBatch> batches;
 };
 
 class Generator {
@@ -89,13 +89,13 @@ class Generator {
     return Padded(Pick(1, 12), 2) + Padded(Pick(1, 28), 2) + Padded(Pick(1999, 2038), 4);
   }
 
-  Batch MakeBatch(int number) {
-    Batch batch{.transaction = std::to_string(number),
-                .recipe = std::to_string(Pick(1, 100)),
-                .date = Date(),
-                .user = Pick(0, 5) == 0 ? "" : std::to_string(Pick(0, 99)),
-                .ingredients = {},
-                .feeds = {}};
+  RandomBatch MakeBatch(int number) {
+    RandomBatch batch{.transaction = std::to_string(number),
+                      .recipe = std::to_string(Pick(1, 100)),
+                      .date = Date(),
+                      .user = Pick(0, 5) == 0 ? "" : std::to_string(Pick(0, 99)),
+                      .ingredients = {},
+                      .feeds = {}};
     std::set<int> ids;
     const int ingredients = Pick(1, Pick(0, 1) == 0 ? 4 : 32);
     while (static_cast<int>(ids.size()) < ingredients) {
@@ -118,7 +118,7 @@ class Generator {
 std::string TextOf(const Model& model) {
   std::string text = std::string("{BAT/FED},") + model.unit + "\r\n[BAT],";
   std::string feeds = "[FED],";
-  for (const Batch& batch : model.batches) {
+  for (const RandomBatch& batch : model.batches) {
     std::array<std::string, 4> lists;
     for (const Ingredient& ingredient : batch.ingredients) {
       lists[0] += std::to_string(ingredient.id) + ",";
@@ -186,7 +186,7 @@ long Whole(const std::string& weight) {
   return whole + (tenth > '5' || (tenth == '5' && whole % 2 != 0) ? 1 : 0);
 }
 
-std::vector<std::string> Percentages(const Batch& batch) {
+std::vector<std::string> Percentages(const RandomBatch& batch) {
   long total = 0;
   for (const Ingredient& ingredient : batch.ingredients) {
     total += Whole(ingredient.actual);
@@ -200,7 +200,8 @@ std::vector<std::string> Percentages(const Batch& batch) {
   return texts;
 }
 
-void ExpectFeed(const ParsedText& parsed, std::size_t row, const Batch& batch, const Feed& feed) {
+void ExpectFeed(const ParsedText& parsed, std::size_t row, const RandomBatch& batch,
+                const Feed& feed) {
   EXPECT_EQ(parsed.Row(row), batch.transaction + "|" + batch.recipe + "|FEED|" + feed.target +
                                  "|||" + feed.pen + "|" + feed.actual + "|" + feed.time + "|" +
                                  feed.date + "|" + feed.user + "||");
@@ -223,7 +224,7 @@ void ExpectFeed(const ParsedText& parsed, std::size_t row, const Batch& batch, c
 // Checks every cell and returns the number of rows.
 std::size_t ExpectRows(const ParsedText& parsed, const Model& model) {
   std::size_t row = 0;
-  for (const Batch& batch : model.batches) {
+  for (const RandomBatch& batch : model.batches) {
     const std::vector<std::string> percentages = Percentages(batch);
     for (std::size_t i = 0; i < batch.ingredients.size(); ++i) {
       const Ingredient& ingredient = batch.ingredients[i];

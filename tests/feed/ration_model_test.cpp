@@ -21,7 +21,7 @@ __extension__ using Wide = unsigned __int128;
 
 constexpr std::uint64_t kHundred = 100;
 
-Wide PowerOfTen(int exponent) {
+Wide WidePowerOfTen(int exponent) {
   Wide power = 1;
   for (; exponent > 0; --exponent) {
     power *= 10;
@@ -37,16 +37,17 @@ Wide PowerOfTen(int exponent) {
                             : ::testing::AssertionFailure() << text << " for 0";
   }
   int seventh = 6;  // decimals of that digit
-  for (; dividend * PowerOfTen(seventh - 6) / divisor == 0; ++seventh) {
+  for (; dividend * WidePowerOfTen(seventh - 6) / divisor == 0; ++seventh) {
   }
-  for (; dividend / divisor / PowerOfTen(7 - seventh) != 0; --seventh) {
+  for (; dividend / divisor / WidePowerOfTen(7 - seventh) != 0; --seventh) {
   }
   const int finer = std::max(seventh - cell.decimals, 0);
   const Wide shown = cell.digits * divisor;
-  const Wide exact = dividend * PowerOfTen(cell.decimals);
-  const Wide twice_missed = (shown > exact ? shown - exact : exact - shown) * 2 * PowerOfTen(finer);
-  const Wide half = divisor * PowerOfTen(finer);
-  const Wide units = 10 * divisor * PowerOfTen(cell.decimals - seventh + finer);
+  const Wide exact = dividend * WidePowerOfTen(cell.decimals);
+  const Wide twice_missed =
+      (shown > exact ? shown - exact : exact - shown) * 2 * WidePowerOfTen(finer);
+  const Wide half = divisor * WidePowerOfTen(finer);
+  const Wide units = 10 * divisor * WidePowerOfTen(cell.decimals - seventh + finer);
   if (twice_missed <= half + units) {
     return ::testing::AssertionSuccess();
   }
@@ -60,7 +61,7 @@ constexpr std::uint64_t kTenThousand = 10000;
 
 std::uint64_t TenThousandths(const std::string& percent) {
   const Decimal decimal = ReadDecimal(percent);
-  return static_cast<std::uint64_t>(decimal.digits * PowerOfTen(4 - decimal.decimals));
+  return static_cast<std::uint64_t>(decimal.digits * WidePowerOfTen(4 - decimal.decimals));
 }
 
 class RandomRecipes : public ::testing::Test {

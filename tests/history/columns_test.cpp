@@ -27,7 +27,7 @@ std::vector<IngredientRecord> Ingredients() {
           {.id = 100, .name = "ING100"}};
 }
 
-const DataGroup& Group(int index) { return *FindDataGroup(index); }
+const DataGroup& GroupAt(int index) { return *FindDataGroup(index); }
 
 std::vector<std::string> VisibleCaptions(const HistoryColumns& columns) {
   std::vector<std::string> captions;
@@ -40,7 +40,7 @@ std::vector<std::string> VisibleCaptions(const HistoryColumns& columns) {
 std::vector<std::string> CaptionsOf(int group) {
   HistoryColumns columns;
   columns.RefreshIngredientColumns(Ingredients());
-  columns.SetUp(Group(group));
+  columns.SetUp(GroupAt(group));
   return VisibleCaptions(columns);
 }
 
@@ -63,8 +63,8 @@ TEST(HistoryColumns, GroupZeroShowsThePercentageAndTheNamedIngredients) {
 TEST(HistoryColumns, GroupTenKeepsTheOrderThatTheGroupBeforeItLeft) {
   const auto after = [](int before) {
     HistoryColumns columns;
-    columns.SetUp(Group(before));
-    columns.SetUp(Group(10));
+    columns.SetUp(GroupAt(before));
+    columns.SetUp(GroupAt(10));
     std::vector<std::string> captions = VisibleCaptions(columns);
     captions.resize(4);
     return captions;
@@ -76,20 +76,20 @@ TEST(HistoryColumns, GroupTenKeepsTheOrderThatTheGroupBeforeItLeft) {
 TEST(HistoryColumns, SetUpGivesTheTotalTextToOneColumnOnly) {
   HistoryColumns columns;
   for (int group = 0; group < kDataGroupCount; ++group) {
-    columns.SetUp(Group(group));
+    columns.SetUp(GroupAt(group));
     int with_text = 0;
     for (int column = 1; column <= kHistoryColumnCount; ++column) {
       with_text += columns.TotalText(column) == "Total:" ? 1 : 0;
       EXPECT_THAT(columns.TotalText(column), ::testing::AnyOf("", "Total:"));
     }
-    EXPECT_EQ(with_text, group == 0 ? 0 : 1) << Group(group).item;
+    EXPECT_EQ(with_text, group == 0 ? 0 : 1) << GroupAt(group).item;
   }
 }
 
 TEST(HistoryColumns, SetUpOfZeroHidesNothing) {
   HistoryColumns columns;
-  columns.SetUp(Group(12));
-  columns.SetUp(Group(0));
+  columns.SetUp(GroupAt(12));
+  columns.SetUp(GroupAt(0));
   EXPECT_EQ(columns.VisibleColumns().size(), std::size_t{kHistoryColumnCount});
 }
 
@@ -140,11 +140,11 @@ TEST(HistoryColumns, ADefaultNameHasThreeDigitsForEverySlot) {
   }
   HistoryColumns columns;
   columns.RefreshIngredientColumns(ingredients);
-  columns.ApplyIngredientColumnVisibility(Group(0));
+  columns.ApplyIngredientColumnVisibility(GroupAt(0));
   EXPECT_EQ(columns.VisibleColumns().back(), kIngPercentColumn);
   ingredients.back().name = "ING0100";
   columns.RefreshIngredientColumns(ingredients);
-  columns.ApplyIngredientColumnVisibility(Group(0));
+  columns.ApplyIngredientColumnVisibility(GroupAt(0));
   EXPECT_EQ(columns.VisibleColumns().back(), kHistoryColumnCount);
 }
 
@@ -152,14 +152,14 @@ TEST(HistoryColumns, EnteringTheTabLeavesThePercentageAlone) {
   for (const int group : {0, 10}) {
     HistoryColumns columns;
     columns.RefreshIngredientColumns(Ingredients());
-    columns.EnterTab(Group(group));
+    columns.EnterTab(GroupAt(group));
     EXPECT_TRUE(columns.IsVisible(kIngPercentColumn));
     EXPECT_TRUE(columns.IsVisible(kIngPercentColumn + 1));
     EXPECT_FALSE(columns.IsVisible(kIngPercentColumn + 2));
   }
   HistoryColumns columns;
   columns.RefreshIngredientColumns(Ingredients());
-  columns.EnterTab(Group(5));
+  columns.EnterTab(GroupAt(5));
   EXPECT_TRUE(columns.IsVisible(kIngPercentColumn));
   EXPECT_FALSE(columns.IsVisible(kIngPercentColumn + 1));
 }
@@ -209,7 +209,7 @@ TEST(HistoryColumns, AnInvalidColumnOrPositionIsAnError) {
 
 TEST(GetVisibleColumnList, PutsAFieldIntoTheSlotOfItsPosition) {
   HistoryColumns columns;
-  columns.SetUp(Group(5));
+  columns.SetUp(GroupAt(5));
   std::vector<std::string> slots(501);
   slots[2] = "Ingredient";
   slots[4] = "ActualBatch";

@@ -19,7 +19,7 @@ constexpr milliseconds kHang{10'000};
 constexpr milliseconds kHang{2000};
 #endif
 constexpr std::size_t kSpecified = 40;  // actions
-constexpr int kBusyTimeout = 5000;      // ms
+constexpr int kMonkeyTimeout = 5000;      // ms
 
 // They start programs of the machine.
 constexpr std::array kLeftAlone = {"Users Manual", "Readme", "System Info..."};
@@ -286,7 +286,7 @@ void Monkey::CheckDatabases() const {
       continue;
     }
     try {
-      SQLite::Database file(entry.path(), SQLite::OPEN_READONLY, kBusyTimeout);
+      SQLite::Database file(entry.path(), SQLite::OPEN_READONLY, kMonkeyTimeout);
       ASSERT_EQ(file.execAndGet("PRAGMA integrity_check").getString(), "ok") << name << Log();
     } catch (const SQLite::Exception& failure) {
       FAIL() << name << ": " << failure.what() << "; " << Log();

@@ -10,6 +10,11 @@ namespace vrx {
 // The text of a row of the caption table, ids 1000 to 1134; nothing for an id without a row.
 std::optional<std::string_view> CaptionText(int id);
 
+// Captions of several forms.
+inline constexpr int kIdCaption = 1054;
+inline constexpr int kDescriptionCaption = 1055;  // not in the table: the label keeps its own text
+inline constexpr int kNameCaption = 1056;
+
 // The dynamic property that holds the id of a control's caption as a decimal text: the designed
 // `Tag`.
 inline constexpr const char* kTagProperty = "Tag";

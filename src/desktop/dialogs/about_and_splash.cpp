@@ -52,7 +52,7 @@ constexpr QSize kLogoSize{80, 80};
 constexpr double kTitleScale = 1.8;  // of the application's font
 constexpr int kVersionCaption = 1050;
 constexpr int kTitleCaption = 1051;
-constexpr int kDescriptionCaption = 1052;
+constexpr int kPurposeCaption = 1052;
 constexpr int kPartNoCaption = 1104;
 
 QLayout* LayOutFacts(QDialog& form) {
@@ -72,7 +72,7 @@ QLayout* LayOutWords(QDialog& form) {
   QLabel* const title = AddLabel(form, "lblTitle", kTitleCaption);
   SetFontScale(*title, kTitleScale, QFont::DemiBold);
   words->addWidget(title);
-  words->addWidget(AddLabel(form, "lblDescription", kDescriptionCaption));
+  words->addWidget(AddLabel(form, "lblDescription", kPurposeCaption));
   words->addSpacing(kSpacing);
   words->addLayout(LayOutFacts(form));
   words->addSpacing(kSpacing);

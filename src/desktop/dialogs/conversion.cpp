@@ -23,7 +23,7 @@ namespace vrx {
 
 namespace {
 
-constexpr int kBarWidth = 320;
+constexpr int kConversionBarWidth = 320;
 
 // Shows the report of a conversion, which can be copied and saved as a text file.
 class ConversionReportDialog : public QDialog {
@@ -121,7 +121,7 @@ ConversionProgress::ConversionProgress(QWidget* owner)
   setWindowTitle(QStringLiteral("Database Conversion"));
   setModal(true);
   bar_->setAccessibleName(QStringLiteral("Rows converted"));
-  bar_->setMinimumWidth(kBarWidth);
+  bar_->setMinimumWidth(kConversionBarWidth);
   bar_->setRange(0, 0);
   cancel_->setObjectName(QStringLiteral("cmdCancel"));
   connect(cancel_, &QPushButton::clicked, this, &ConversionProgress::reject);

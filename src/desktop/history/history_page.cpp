@@ -37,7 +37,6 @@ constexpr std::array<MoveButton, 4> kMoveButtons{
     {{"|<<", "First row"}, {"<", "Previous row"}, {">", "Next row"}, {">>|", "Last row"}}};
 
 constexpr int kDataGroupCaption = 1080;
-constexpr int kNameCaption = 1056;
 constexpr int kNameCharacters = 14;
 constexpr int kItemsInView = 20;
 
@@ -48,12 +47,6 @@ ChoiceList* MakeList(const char* name, const QString& meaning, QWidget* parent) 
   list->setSizeAdjustPolicy(QComboBox::AdjustToContents);
   list->setMaxVisibleItems(kItemsInView);
   return list;
-}
-
-void KeepPlace(QWidget& widget) {
-  QSizePolicy policy = widget.sizePolicy();
-  policy.setRetainSizeWhenHidden(true);
-  widget.setSizePolicy(policy);
 }
 
 bool Holds(const QComboBox& list, const std::vector<std::string>& items) {

@@ -44,7 +44,7 @@ class PrinterTarget : public PrintTarget {
   bool finished_ = false;
 };
 
-constexpr int kBarWidth = 320;
+constexpr int kPrintBarWidth = 320;
 
 }  // namespace
 
@@ -118,7 +118,7 @@ PrintProgress::PrintProgress(QWidget* owner)
   setWindowTitle(QStringLiteral("Print"));
   setModal(true);
   bar_->setAccessibleName(QStringLiteral("Pages printed"));
-  bar_->setMinimumWidth(kBarWidth);
+  bar_->setMinimumWidth(kPrintBarWidth);
   cancel_->setObjectName(QStringLiteral("cmdCancel"));
   connect(cancel_, &QPushButton::clicked, this, &PrintProgress::reject);
   auto* const column = new QVBoxLayout(this);

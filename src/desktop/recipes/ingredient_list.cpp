@@ -23,10 +23,10 @@ namespace vrx {
 
 namespace {
 
-enum Column : int { kId, kName, kDescription, kDryMatterPercent, kHandAdd, kColumnCount };
+enum ListColumn : int { kId, kName, kDescription, kDryMatterPercent, kHandAdd, kColumnCount };
 
-constexpr std::array<const char*, kColumnCount> kCaptions{"ID", "Name", "Description",
-                                                          "Dry Matter (%)", "Hand-Add"};
+constexpr std::array<const char*, kColumnCount> kListCaptions{"ID", "Name", "Description",
+                                                              "Dry Matter (%)", "Hand-Add"};
 
 constexpr int kRowsInView = 12;
 
@@ -88,7 +88,7 @@ class Model : public QAbstractTableModel {
     }
     switch (role) {
       case Qt::DisplayRole:
-        return QLatin1String(kCaptions.at(static_cast<std::size_t>(section))) + Gap(section);
+        return QLatin1String(kListCaptions.at(static_cast<std::size_t>(section))) + Gap(section);
       case Qt::TextAlignmentRole:
         return QVariant::fromValue((section == kId ? Qt::AlignRight : Qt::AlignLeft) |
                                    Qt::AlignVCenter);

@@ -18,9 +18,6 @@
 namespace vrx {
 namespace {
 
-constexpr int kIdCaption = 1054;
-constexpr int kNameCaption = 1056;
-constexpr int kDescriptionCaption = 1055;  // not in the table: the label keeps its own text
 constexpr int kBatchByCaption = 1060;
 constexpr int kHeadCountCaption = 1061;
 constexpr int kRationTargetCaption = 1032;

@@ -30,13 +30,7 @@ constexpr std::array<Face, 4> kFaces{{{"|<<", "First ingredient"},
                                       {">", "Next ingredient"},
                                       {">>|", "Last ingredient"}}};
 
-constexpr int kBarWidth = 320;
-
-void KeepPlace(QWidget& widget) {
-  QSizePolicy kept = widget.sizePolicy();
-  kept.setRetainSizeWhenHidden(true);
-  widget.setSizePolicy(kept);
-}
+constexpr int kScanBarWidth = 320;
 
 }  // namespace
 
@@ -100,7 +94,7 @@ ScanPanel::ScanPanel(QWidget* parent)
   bar_->setObjectName(QStringLiteral("prgScanPrint"));
   bar_->setAccessibleName(QStringLiteral("Recipes looked through"));
   bar_->setRange(1, kRecipeCount);
-  bar_->setFixedWidth(kBarWidth);
+  bar_->setFixedWidth(kScanBarWidth);
   auto* const column = new QVBoxLayout(this);
   column->setSpacing(kSpacing);
   column->addWidget(text_, 0, Qt::AlignHCenter);

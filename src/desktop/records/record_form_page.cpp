@@ -18,10 +18,6 @@
 namespace vrx {
 namespace {
 
-constexpr int kIdCaption = 1054;
-constexpr int kDescriptionCaption = 1055;  // not in the table: the label keeps its own text
-constexpr int kNameCaption = 1056;
-
 constexpr std::string_view kName = "Name";
 constexpr std::string_view kDescription = "Description";
 // The columns in the grid of either kind.

@@ -32,8 +32,8 @@ enum SetupTab : int {
   kModuleTab,
 };
 
-constexpr QSize kFormSize{720, 480};
-constexpr int kTitleCaption = 1038;
+constexpr QSize kSetupSize{720, 480};
+constexpr int kSetupCaption = 1038;
 constexpr int kRecipeDatabaseCaption = 1070;
 constexpr int kTransactionDatabaseCaption = 1071;
 constexpr int kFilenameCaption = 1097;
@@ -65,7 +65,7 @@ SetupForm::SetupForm(Services& services, KRMCOMM& krm, SetupFacts facts, QWidget
       module_tab_(new SetupModuleTab(services, krm)),
       cmd_ok_(new QPushButton(QStringLiteral("OK"), this)) {
   setObjectName(QStringLiteral("SETUP"));
-  SetTag(*this, kTitleCaption);
+  SetTag(*this, kSetupCaption);
   tab_setup_folder_->setObjectName(QStringLiteral("tabSetupFolder"));
   tab_setup_folder_->setAccessibleName(QStringLiteral("Setup"));
   cmd_ok_->setObjectName(QStringLiteral("cmdOK"));
@@ -89,7 +89,7 @@ SetupForm::SetupForm(Services& services, KRMCOMM& krm, SetupFacts facts, QWidget
   column->setSpacing(kSpacing);
   column->addWidget(tab_setup_folder_, 1);
   column->addWidget(cmd_ok_, 0, Qt::AlignRight);
-  resize(kFormSize);
+  resize(kSetupSize);
 
   ApplyCaptionTable(*this);
   ShowHeadings(*this);

@@ -23,7 +23,7 @@ namespace vrx {
 
 namespace {
 
-enum Column : int { kPort, kDevice };
+enum PortColumn : int { kPort, kDevice };
 
 int NumberOf(int index) { return index + 1; }
 

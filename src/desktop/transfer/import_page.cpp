@@ -62,14 +62,8 @@ constexpr int kTransactionFileCaption = 1094;
 constexpr int kUnitsCaption = 1095;
 constexpr int kTransactionsCaption = 1096;
 constexpr int kRecordsCaption = 1099;
-constexpr int kBarWidth = 200;
+constexpr int kImportBarWidth = 200;
 constexpr int kFilenameStretch = 100;  // it takes room before the row has any to spare
-
-void KeepPlace(QWidget& control) {
-  QSizePolicy policy = control.sizePolicy();
-  policy.setRetainSizeWhenHidden(true);
-  control.setSizePolicy(policy);
-}
 
 // Reserves space for that many characters, so that nothing moves when the text appears.
 void AddFact(QHBoxLayout& row, QWidget& page, const char* caption_name, int caption, QLabel& fact,
@@ -263,7 +257,7 @@ void ImportPage::FillPicImport() {
   prg_import_ = new QProgressBar(pic_import_progress_);
   prg_import_->setObjectName(QStringLiteral("prgImport"));
   prg_import_->setAccessibleName(QStringLiteral("Progress of the import"));
-  prg_import_->setFixedWidth(kBarWidth);
+  prg_import_->setFixedWidth(kImportBarWidth);
   auto* const progress = new QHBoxLayout(pic_import_progress_);
   progress->setContentsMargins(0, 0, 0, 0);
   progress->setSpacing(kSpacing);

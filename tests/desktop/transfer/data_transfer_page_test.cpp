@@ -18,9 +18,9 @@ using ::testing::HasSubstr;
 using ::testing::IsEmpty;
 using ::testing::StartsWith;
 
-constexpr const char* kTransactions = "{BAT/FED},L\r\n\r\n";
-constexpr const char* kReport = "{REPORT}\r\npage one\r\n";
-constexpr const char* kBackup = "{DATA_IN},L\r\n\r\n[ING]\r\n";
+constexpr const char* kEmptyTransactions = "{BAT/FED},L\r\n\r\n";
+constexpr const char* kReportPage = "{REPORT}\r\npage one\r\n";
+constexpr const char* kShortBackup = "{DATA_IN},L\r\n\r\n[ING]\r\n";
 
 class DataTransferPageTest : public TransferFixture {};
 
@@ -38,7 +38,7 @@ TEST_F(DataTransferPageTest, BeginsWithTheModuleAndNoFrames) {
 
 TEST_F(DataTransferPageTest, DownloadDataShowsTheRecipeFrames) {
   ShowTab();
-  ModuleHolds(kTransactions);
+  ModuleHolds(kEmptyTransactions);
   Click(u"cmdUploadDataFromKRM"_qs);
   Click(u"cmdDownloadRecipeToKRM"_qs);
   EXPECT_TRUE(Visible(u"frmRecipeFile"_qs));
@@ -51,7 +51,7 @@ TEST_F(DataTransferPageTest, DownloadDataShowsTheRecipeFrames) {
 TEST_F(DataTransferPageTest, UploadOfOneFileReportsItInTheSingular) {
   ShowTab();
   Click(u"cmdDownloadRecipeToKRM"_qs);
-  ModuleHolds(kTransactions);
+  ModuleHolds(kEmptyTransactions);
   Click(u"cmdUploadDataFromKRM"_qs);
   EXPECT_EQ(operator_.Status(), "Upload complete!  (18 bytes, 1 file)");
   EXPECT_EQ(operator_.status_color, StatusColor::kGreen);
@@ -63,7 +63,7 @@ TEST_F(DataTransferPageTest, UploadOfOneFileReportsItInTheSingular) {
 
 TEST_F(DataTransferPageTest, UploadOfSeveralFilesListsThemAll) {
   ShowTab();
-  ModuleHolds(std::string(kTransactions) + kBackup + kReport + "\f page two");
+  ModuleHolds(std::string(kEmptyTransactions) + kShortBackup + kReportPage + "\f page two");
   Click(u"cmdUploadDataFromKRM"_qs);
   EXPECT_THAT(operator_.Status(), HasSubstr(", 4 files)"));
   EXPECT_THAT(Rows(), ElementsAre("Transaction File - 1", "Recipe Backup File - 2",
@@ -74,7 +74,7 @@ TEST_F(DataTransferPageTest, UploadOfSeveralFilesListsThemAll) {
 // At the start of a transfer of several seconds.
 TEST_F(DataTransferPageTest, UploadClearsTheTabAtOnce) {
   ShowTab();
-  ModuleHolds(std::string(kTransactions) + kReport);
+  ModuleHolds(std::string(kEmptyTransactions) + kReportPage);
   Click(u"cmdUploadDataFromKRM"_qs);
   ClickBox(0);
   ASSERT_THAT(Data(), StartsWith("{BAT/FED}"));
@@ -86,7 +86,7 @@ TEST_F(DataTransferPageTest, UploadClearsTheTabAtOnce) {
     EXPECT_EQ(operator_.status_color, StatusColor::kBlue);
     EXPECT_TRUE(operator_.busy);
   });
-  ModuleHolds(kTransactions);
+  ModuleHolds(kEmptyTransactions);
   Click(u"cmdUploadDataFromKRM"_qs);
   EXPECT_TRUE(seen);
 }
@@ -145,7 +145,7 @@ TEST_F(DataTransferPageTest, LineCutInTheMiddleFailsAndTheNextTryWorks) {
   EXPECT_EQ(operator_.Status(), "Error: Serial line lost");
   EXPECT_EQ(operator_.status_color, StatusColor::kRed);
   EXPECT_EQ(Find<QLabel>(u"lblStatusWindow"_qs).toolTip(), u"fake: the line is gone"_qs);
-  ModuleHolds(kTransactions);
+  ModuleHolds(kEmptyTransactions);
   Click(u"cmdUploadDataFromKRM"_qs);
   EXPECT_EQ(operator_.status_color, StatusColor::kGreen);
 }
@@ -153,7 +153,7 @@ TEST_F(DataTransferPageTest, LineCutInTheMiddleFailsAndTheNextTryWorks) {
 TEST_F(DataTransferPageTest, OnlyOneBoxIsCheckedAndItsFileIsShown) {
   settings_.SetEnableBeeperOn(true);
   ShowTab();
-  ModuleHolds(std::string(kTransactions) + kReport);
+  ModuleHolds(std::string(kEmptyTransactions) + kReportPage);
   Click(u"cmdUploadDataFromKRM"_qs);
   operator_.beeps = 0;
   ClickBox(0);
@@ -169,7 +169,7 @@ TEST_F(DataTransferPageTest, OnlyOneBoxIsCheckedAndItsFileIsShown) {
 
 TEST_F(DataTransferPageTest, TheBoxesAreSeenOnADarkList) {
   ShowTab();
-  ModuleHolds(kTransactions);
+  ModuleHolds(kEmptyTransactions);
   Click(u"cmdUploadDataFromKRM"_qs);
   QPalette dark = List().palette();
   dark.setColor(QPalette::Window, QColor(42, 46, 50));
@@ -187,7 +187,7 @@ TEST_F(DataTransferPageTest, TheBoxesAreSeenOnADarkList) {
 
 TEST_F(DataTransferPageTest, TheSpaceBarChecksToo) {
   ShowTab();
-  ModuleHolds(kTransactions);
+  ModuleHolds(kEmptyTransactions);
   Click(u"cmdUploadDataFromKRM"_qs);
   List().setFocus();
   List().setCurrentRow(0);
@@ -198,7 +198,7 @@ TEST_F(DataTransferPageTest, TheSpaceBarChecksToo) {
 
 TEST_F(DataTransferPageTest, SaveWithoutACheckedBoxIsRefused) {
   ShowTab();
-  ModuleHolds(kTransactions);
+  ModuleHolds(kEmptyTransactions);
   Click(u"cmdUploadDataFromKRM"_qs);
   Click(u"cmdSaveFile"_qs);
   EXPECT_EQ(LastBox().text,
@@ -211,7 +211,7 @@ TEST_F(DataTransferPageTest, SaveWithoutACheckedBoxIsRefused) {
 TEST_F(DataTransferPageTest, SaveWritesTheBytesAndMarksTheRow) {
   ShowTab();
   const std::string report = "{REPORT}\r\npage \xE9\xA0\rcut\n";
-  ModuleHolds(kTransactions + report);
+  ModuleHolds(kEmptyTransactions + report);
   Click(u"cmdUploadDataFromKRM"_qs);
   ClickBox(1);
   const std::filesystem::path file = folder_ / "R1.TXT";
@@ -227,7 +227,7 @@ TEST_F(DataTransferPageTest, SaveWritesTheBytesAndMarksTheRow) {
 
 TEST_F(DataTransferPageTest, SaveThatIsCanceledIsReported) {
   ShowTab();
-  ModuleHolds(kTransactions);
+  ModuleHolds(kEmptyTransactions);
   Click(u"cmdUploadDataFromKRM"_qs);
   ClickBox(0);
   chooser_.Cancel();
@@ -238,7 +238,7 @@ TEST_F(DataTransferPageTest, SaveThatIsCanceledIsReported) {
 
 TEST_F(DataTransferPageTest, SaveThatFailsShowsTheReasonInTheTooltip) {
   ShowTab();
-  ModuleHolds(kTransactions);
+  ModuleHolds(kEmptyTransactions);
   Click(u"cmdUploadDataFromKRM"_qs);
   ClickBox(0);
   chooser_.Choose(folder_ / "nowhere/A.QXT");
@@ -249,9 +249,9 @@ TEST_F(DataTransferPageTest, SaveThatFailsShowsTheReasonInTheTooltip) {
 
 TEST_F(DataTransferPageTest, ReloadUploadsOnceMoreAndFocusesSave) {
   ShowTab();
-  ModuleHolds(kTransactions);
+  ModuleHolds(kEmptyTransactions);
   Click(u"cmdUploadDataFromKRM"_qs);
-  ModuleHolds(std::string(kTransactions) + kReport);
+  ModuleHolds(std::string(kEmptyTransactions) + kReportPage);
   Click(u"cmdReload"_qs);
   EXPECT_EQ(List().count(), 2);
   EXPECT_TRUE(HasFocus(u"cmdSaveFile"_qs));
@@ -261,7 +261,7 @@ TEST_F(DataTransferPageTest, UploadPressedTwiceIsOneUpload) {
   ShowTab();
   for (const Milliseconds moment : {Milliseconds{100}, Milliseconds{1200}, Milliseconds{2300}}) {
     ClickAfter(moment, u"cmdUploadDataFromKRM"_qs);
-    ModuleHolds(kTransactions);
+    ModuleHolds(kEmptyTransactions);
     Click(u"cmdUploadDataFromKRM"_qs);
     EXPECT_EQ(operator_.Status(), "Upload complete!  (18 bytes, 1 file)");
     EXPECT_THAT(Rows(), ElementsAre("Transaction File - 1"));
@@ -384,7 +384,7 @@ TEST_F(DataTransferPageTest, WhatTheOperatorEditedInTheWindowGoesOut) {
 TEST_F(DataTransferPageTest, BackupWhoseMarkWasEditedAwayIsRefused) {
   ShowTab();
   Click(u"cmdDownloadRecipeToKRM"_qs);
-  chooser_.Choose(folder_.Write("A.RBU", kBackup));
+  chooser_.Choose(folder_.Write("A.RBU", kShortBackup));
   Click(u"cmdOpenRecipeBU"_qs);
   auto& window = Find<QPlainTextEdit>(u"txtDataWindow"_qs);
   window.moveCursor(QTextCursor::Start);
@@ -398,7 +398,7 @@ TEST_F(DataTransferPageTest, BackupWhoseMarkWasEditedAwayIsRefused) {
 TEST_F(DataTransferPageTest, DownloadCountsItsBytesAsTheyGo) {
   ShowTab();
   Click(u"cmdDownloadRecipeToKRM"_qs);
-  chooser_.Choose(folder_.Write("A.RBU", kBackup + std::string(3000, 'x')));
+  chooser_.Choose(folder_.Write("A.RBU", kShortBackup + std::string(3000, 'x')));
   Click(u"cmdOpenRecipeBU"_qs);
   ModuleTakesDownload();
   serial_.per_byte = Milliseconds{1};

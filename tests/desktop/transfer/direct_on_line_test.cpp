@@ -11,7 +11,7 @@ namespace fs = std::filesystem;
 using ::testing::ElementsAre;
 using ::testing::IsEmpty;
 
-const std::string kTransactions = "{BAT/FED},L\r\n[BAT],B,1\r\n\r\n";
+const std::string kReceivedBatch = "{BAT/FED},L\r\n[BAT],B,1\r\n\r\n";
 const StatusLook kWaitingStatus{"Waiting to receive commands/data from K-2260 indicator.",
                                 kStatusBlue};
 const StatusLook kLoaded{"Waiting to receive commands/data from K2260 indicator.", kStatusBlue};
@@ -51,8 +51,8 @@ class DirectOnLine : public LineFixture {
 
 TEST_F(DirectOnLine, TheIndicatorSendsAndFetchesWhileAnotherTabIsUsed) {
   const auto indicator =
-      Indicator("wait 1500\n" + Sends(kTransactions) + "wait 1000\n" + Sends("\x15") +
-                Expects("\x15\x1f" + kTransactions + "\x1f") + "wait 600\n" + Sends("\x14") +
+      Indicator("wait 1500\n" + Sends(kReceivedBatch) + "wait 1000\n" + Sends("\x15") +
+                Expects("\x15\x1f" + kReceivedBatch + "\x1f") + "wait 600\n" + Sends("\x14") +
                 Expects("\x14\x1f") + "wait 1500\n");
   int tab_changes = 0;
   const auto leave = Once([this] { return Status() == kWaitingStatus; },
@@ -97,9 +97,9 @@ TEST_F(DirectOnLine, ACommandInsideABurstTakesEffectAtItsPlace) {
 
 TEST_F(DirectOnLine, WhatWasReceivedIsReadAndSaved) {
   const auto indicator =
-      Indicator("wait 1500\n" + Sends(kTransactions + "\f page") + "wait 60000\n");
+      Indicator("wait 1500\n" + Sends(kReceivedBatch + "\f page") + "wait 60000\n");
   const auto end =
-      Once([this] { return MemorySize() == std::to_string(kTransactions.size() + 6); },
+      Once([this] { return MemorySize() == std::to_string(kReceivedBatch.size() + 6); },
            [&] {
              Upload();
              EXPECT_EQ(Status(), (StatusLook{"Memory read complete!  (32 bytes, 2 "
@@ -111,7 +111,7 @@ TEST_F(DirectOnLine, WhatWasReceivedIsReadAndSaved) {
              ClickBox(0);
              chooser_.Choose(folder_ / "A.QXT");
              Click(u"cmdSaveFile"_qs);
-             EXPECT_EQ(ReadAll(folder_ / "A.QXT"), kTransactions);
+             EXPECT_EQ(ReadAll(folder_ / "A.QXT"), kReceivedBatch);
              ConnectModule();
            });
   ConnectDirectly();

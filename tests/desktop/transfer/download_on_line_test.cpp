@@ -11,7 +11,7 @@ namespace {
 namespace fs = std::filesystem;
 using ::testing::SizeIs;
 
-const std::string kBackup = "{DATA_IN},L\r\n\r\n[ING]\r\n\r\n1,CORN,0\r\n";
+const std::string kSentBackup = "{DATA_IN},L\r\n\r\n[ING]\r\n\r\n1,CORN,0\r\n";
 
 class DownloadOnLine : public LineFixture {
  protected:
@@ -74,7 +74,7 @@ TEST_F(DownloadOnLine, ADatabaseIsInTheModuleAsItIsShown) {
 
 TEST_F(DownloadOnLine, AnEditedBackupIsInTheModuleAsItWasEdited) {
   const auto module = KeptModule("old");
-  OpenBackup(kBackup);
+  OpenBackup(kSentBackup);
   auto& window = Find<DataWindow>(u"txtDataWindow"_qs);
   window.moveCursor(QTextCursor::End);
   QTest::keyClicks(&window, "2,HAY,0");
@@ -82,17 +82,17 @@ TEST_F(DownloadOnLine, AnEditedBackupIsInTheModuleAsItWasEdited) {
   IsTheOverwriteQuestion(
       "Are you sure you want to overwrite all data in the KRM module with recipe backup data from "
       "the A.RBU file?");
-  EXPECT_EQ(Status(), (StatusLook{"Download complete!  (" + std::to_string(kBackup.size() + 7) +
+  EXPECT_EQ(Status(), (StatusLook{"Download complete!  (" + std::to_string(kSentBackup.size() + 7) +
                                       " bytes, Recipe Data)",
                                   kStatusGreen}));
-  EXPECT_EQ(MemoryOf(*module), kBackup + "2,HAY,0");
+  EXPECT_EQ(MemoryOf(*module), kSentBackup + "2,HAY,0");
 }
 
 TEST_F(DownloadOnLine, OverwriteRefusedLeavesTheModule) {
   const auto module = KeptModule("old");
   OpenDatabase();
   Download(u"cmdDownloadRecipeDB"_qs, QMessageBox::No);
-  OpenBackup(kBackup);
+  OpenBackup(kSentBackup);
   Download(u"cmdDownloadRecipeBU"_qs, QMessageBox::No);
   EXPECT_EQ(Status().text, "");
   EXPECT_FALSE(line_.PortOpen());
@@ -100,7 +100,7 @@ TEST_F(DownloadOnLine, OverwriteRefusedLeavesTheModule) {
 }
 
 TEST_F(DownloadOnLine, ABackupThatWasUploadedAndSavedGoesBack) {
-  const auto module = KeptModule(kBackup);
+  const auto module = KeptModule(kSentBackup);
   Upload();
   ClickBox(0);
   chooser_.Choose(folder_ / "A.RBU");
@@ -117,7 +117,7 @@ TEST_F(DownloadOnLine, ABackupThatWasUploadedAndSavedGoesBack) {
   EXPECT_EQ(chooser_.dialogs.back().default_extension, "RBU");
   Download(u"cmdDownloadRecipeBU"_qs, QMessageBox::Yes);
   EXPECT_EQ(Status().color, kStatusGreen) << Status().text;
-  EXPECT_EQ(MemoryOf(*module), kBackup);
+  EXPECT_EQ(MemoryOf(*module), kSentBackup);
 }
 
 TEST_F(DownloadOnLine, NothingOpenedIsRefusedInBothFrames) {
@@ -146,7 +146,7 @@ TEST_F(DownloadOnLine, ATextWithoutItsMarkIsRefused) {
 }
 
 TEST_F(DownloadOnLine, ALineLostInTheClearIsReportedInTheStatusAloneAndTheNextTryWorks) {
-  OpenBackup(kBackup);
+  OpenBackup(kSentBackup);
   {
     const auto module = FaultyModule("old", "hang-up=3");
     Download(u"cmdDownloadRecipeBU"_qs, QMessageBox::Yes);
@@ -158,7 +158,7 @@ TEST_F(DownloadOnLine, ALineLostInTheClearIsReportedInTheStatusAloneAndTheNextTr
 
 // The module stops reading, then it is gone.
 TEST_F(DownloadOnLine, ALinePulledInTheTextIsReportedAndTheNextTryWorks) {
-  OpenBackup(kBackup + std::string(500'000, 'x'));
+  OpenBackup(kSentBackup + std::string(500'000, 'x'));
   {
     auto module = Module("old", {});
     Later(Ms{3500}, [&] { module->Signal(SIGSTOP); });
@@ -170,7 +170,7 @@ TEST_F(DownloadOnLine, ALinePulledInTheTextIsReportedAndTheNextTryWorks) {
                 ::testing::MatchesRegex("Downloading to KRM\\.\\.\\.\\.  [1-9][0-9]+ bytes"));
     EXPECT_EQ(last_count.color, kStatusBlue);
   }
-  OpenBackup(kBackup);
+  OpenBackup(kSentBackup);
   TheNextDownloadWorks();
 }
 

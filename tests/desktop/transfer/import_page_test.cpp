@@ -22,7 +22,7 @@ using ::testing::Ge;
 using ::testing::IsSupersetOf;
 
 // A batch of two ingredients that feeds pen 12: three rows.
-constexpr const char* kFile =
+constexpr const char* kImportedFile =
     "{BAT/FED},L\r\n"
     "[BAT],B,1,3,01152009,2,4,7,0,0,0;0830,0835,0,0,0;1000.0,500.0,0,0,0;998.0,503.5,0,0,0\r\n"
     "\r\n"
@@ -89,7 +89,7 @@ class ImportPageTest : public MainWindowFixture {
     ImportText(file);
   }
   static std::string InKilograms() {
-    std::string file = kFile;
+    std::string file = kImportedFile;
     return file.replace(file.find(",L"), 2, ",K");
   }
   void IsTheQuestionOfUnits() {
@@ -142,7 +142,7 @@ TEST_F(ImportPageTest, TheProgressShowsAsItsOptionSays) {
 
 TEST_F(ImportPageTest, TheMenuImportsAFileAndShowsItsFacts) {
   Show();
-  ImportText(kFile);
+  ImportText(kImportedFile);
   EXPECT_EQ(chooser_.dialogs.back().title, "Import Transaction File");
   EXPECT_EQ(Tabs().currentIndex(), kTabImport);
   EXPECT_EQ(Text(u"lblTransFilename"_qs), u"DAY.QXT"_qs);
@@ -171,7 +171,7 @@ TEST_F(ImportPageTest, CanceledItChangesNothing) {
 
 TEST_F(ImportPageTest, TextsOfTheFileAreShownInTheirOwnCharacters) {
   Main();
-  std::string file = kFile;
+  std::string file = kImportedFile;
   file.replace(file.find("998.0"), 5,
                "9\xE9"
                "8.0");
@@ -183,14 +183,14 @@ TEST_F(ImportPageTest, TextsOfTheFileAreShownInTheirOwnCharacters) {
 
 TEST_F(ImportPageTest, NoIngredientColumnShowsWithoutARecipeDatabase) {
   Main();
-  ImportText(kFile);
+  ImportText(kImportedFile);
   EXPECT_EQ(VisibleCaptions().size(), 12U);
 }
 
 TEST_F(ImportPageTest, IngredientColumnsBearTheNamesOfTheOpenRecipeDatabase) {
   OpenRecipes();
   Find<QCheckBox>(u"chkShowActiveIngsOnly"_qs).setChecked(true);
-  ImportText(kFile);
+  ImportText(kImportedFile);
   std::vector<std::string> captions = VisibleCaptions();
   captions.erase(captions.begin(), captions.begin() + 12);
   EXPECT_THAT(captions, ElementsAre("CORN", "HAY"));
@@ -202,13 +202,13 @@ TEST_F(ImportPageTest, IngredientColumnsBearTheNamesOfTheOpenRecipeDatabase) {
 TEST_F(ImportPageTest, IngredientsThatAreNotInUseShowWhereTheirGridListsThem) {
   OpenRecipes();
   Find<QCheckBox>(u"chkShowActiveIngsOnly"_qs).setChecked(false);
-  ImportText(kFile);
+  ImportText(kImportedFile);
   EXPECT_EQ(VisibleCaptions().size(), 112U);
 }
 
 TEST_F(ImportPageTest, EnteringAgainClearsTheFactsAndKeepsTheRows) {
   Show();
-  ImportText(kFile);
+  ImportText(kImportedFile);
   Window().Tabs().SelectTab(kTabDataTransfer);
   Window().Tabs().SelectTab(kTabImport);
   EXPECT_EQ(Text(u"lblTransFilename"_qs), QString());
@@ -218,7 +218,7 @@ TEST_F(ImportPageTest, EnteringAgainClearsTheFactsAndKeepsTheRows) {
 
 TEST_F(ImportPageTest, AFailedParseHidesTheFactsButTheRecords) {
   Show();
-  ImportText(kFile);
+  ImportText(kImportedFile);
   ImportText("{BAT/FED},X\r\n", "bad.qxt");
   EXPECT_EQ(LastBox().title, "Import Error");
   EXPECT_EQ(LastBox().icon, Icon::kCritical);
@@ -231,13 +231,13 @@ TEST_F(ImportPageTest, AFailedParseHidesTheFactsButTheRecords) {
 }
 
 TEST_F(ImportPageTest, ARefusedFileLeavesNothingThatAltSCouldStore) {
-  ShowWithBothDatabases(kFile);
+  ShowWithBothDatabases(kImportedFile);
   // An access key presses the button for a moment, then clicks it.
   QTest::keyClick(&Window(), Qt::Key_S, Qt::AltModifier);
   EXPECT_TRUE(Find<QPushButton>(u"cmdImportStore"_qs).isDown());
   ASSERT_TRUE(QTest::qWaitFor([this] { return StoredRows() == 3; }));
   for (const std::string& text : {std::string("{BAT/FED},X\r\n"), std::string(65536, 'x')}) {
-    ImportText(kFile);
+    ImportText(kImportedFile);
     ImportText(text, "bad.qxt");
     EXPECT_EQ(Grid().model()->rowCount(), 1);
     EXPECT_EQ(Cell(1, 1), "");
@@ -252,7 +252,7 @@ TEST_F(ImportPageTest, ColumnsAreMeasuredOnASampleOfRowsWithTheFirstAndTheLast) 
   for (int i = 0; i < 3000; ++i) {
     feeds += "B,1,,,,,,\r\n";
   }
-  std::string text = kFile;
+  std::string text = kImportedFile;
   text.replace(text.find("[FED],"), text.find("748.5") + 7 - text.find("[FED],"),
                feeds + "B,1,123456789012345,,,,,\r\n");
   Main();
@@ -264,7 +264,7 @@ TEST_F(ImportPageTest, ColumnsAreMeasuredOnASampleOfRowsWithTheFirstAndTheLast) 
 
 // Laying out such a text would take longer than the rest of the screen.
 TEST_F(ImportPageTest, ACellDrawsNoMoreOfALongTextThanAColumnCanShow) {
-  std::string text = kFile;
+  std::string text = kImportedFile;
   text.replace(text.find(",2,4,7"), 3, "," + std::string(30000, 'u') + ",");
   Main();
   ImportText(text);
@@ -284,7 +284,7 @@ TEST_F(ImportPageTest, AFileThatIsTooLongIsRefused) {
 
 TEST_F(ImportPageTest, StripesHaveTheSpecifiedColorsAndDarkText) {
   Main();
-  ImportText(kFile);
+  ImportText(kImportedFile);
   const auto color = [&](int row, int role) {
     return Grid().model()->index(row - 1, 0).data(role).value<QColor>();
   };
@@ -297,7 +297,7 @@ TEST_F(ImportPageTest, StripesHaveTheSpecifiedColorsAndDarkText) {
 
 TEST_F(ImportPageTest, ColumnsAreWideEnoughForCaptionAndTexts) {
   OpenRecipes();
-  ImportText(kFile);
+  ImportText(kImportedFile);
   for (int column = 0; column < kImportColumns; ++column) {
     if (Grid().isColumnHidden(column)) {
       continue;
@@ -316,7 +316,7 @@ TEST_F(ImportPageTest, ColumnsAreWideEnoughForCaptionAndTexts) {
 
 TEST_F(ImportPageTest, StoreNeedsATransactionDatabase) {
   Show();
-  ImportText(kFile);
+  ImportText(kImportedFile);
   Click(u"cmdImportStore"_qs);
   EXPECT_EQ(LastBox().title, "Transaction Store Error");
   EXPECT_EQ(LastBox().icon, Icon::kWarning);
@@ -328,7 +328,7 @@ TEST_F(ImportPageTest, StoreNeedsATransactionDatabase) {
 TEST_F(ImportPageTest, StoreNeedsARecipeDatabase) {
   Open(DatabaseKind::kTransaction);
   Show();
-  ImportText(kFile);
+  ImportText(kImportedFile);
   Click(u"cmdImportStore"_qs);
   EXPECT_EQ(LastBox().title, "Transaction Store Error");
   EXPECT_EQ(LastBox().icon, Icon::kWarning);
@@ -341,7 +341,7 @@ TEST_F(ImportPageTest, StoreSavesTheDatabaseAndShowsItsGroups) {
   OpenRecipes();
   Open(DatabaseKind::kTransaction);
   Show();
-  ImportText(kFile);
+  ImportText(kImportedFile);
   Click(u"cmdImportStore"_qs);
   EXPECT_EQ(StoredRows(), 3);
   EXPECT_TRUE(operator_.boxes.empty());
@@ -353,9 +353,9 @@ TEST_F(ImportPageTest, StoreSavesTheDatabaseAndShowsItsGroups) {
 }
 
 TEST_F(ImportPageTest, AfterAStoreALineSaysWhatWasStoredAndTheGridSelectsTheFirstNewRow) {
-  ShowWithBothDatabases(kFile);
+  ShowWithBothDatabases(kImportedFile);
   Click(u"cmdImportStore"_qs);
-  std::string later = kFile;
+  std::string later = kImportedFile;
   later.replace(later.find("998.0"), 5, "999.0");
   Window().Tabs().SelectTab(kTabImport);
   ImportText(later);
@@ -371,7 +371,7 @@ TEST_F(ImportPageTest, AfterAStoreALineSaysWhatWasStoredAndTheGridSelectsTheFirs
 }
 
 TEST_F(ImportPageTest, TheLastStoreIsUndoneAfterAQuestion) {
-  ShowWithBothDatabases(kFile);
+  ShowWithBothDatabases(kImportedFile);
   EXPECT_FALSE(Find<QWidget>(u"cmdImportUndo"_qs).isEnabled());
   Click(u"cmdImportStore"_qs);
   Window().Tabs().SelectTab(kTabImport);
@@ -383,7 +383,7 @@ TEST_F(ImportPageTest, TheLastStoreIsUndoneAfterAQuestion) {
 }
 
 TEST_F(ImportPageTest, StoredTwiceItAsksFirstAndNumbersOnFromTheHighest) {
-  ShowWithBothDatabases(kFile);
+  ShowWithBothDatabases(kImportedFile);
   Click(u"cmdImportStore"_qs);
   EXPECT_THAT(StoredNumbers(), ElementsAre(1, 1, 1));
   Window().Tabs().SelectTab(kTabImport);
@@ -411,7 +411,7 @@ TEST_F(ImportPageTest, UnitsThatAreNotTheDatabasesAreAskedAbout) {
 }
 
 TEST_F(ImportPageTest, UnitsThatAreNotTheSystemsAreAskedAboutThoughTheDatabaseAgrees) {
-  ShowWithBothDatabases(kFile);
+  ShowWithBothDatabases(kImportedFile);
   settings_.SetSystemUnits("KG");
   operator_.answers = {Answer::kCancel};
   Click(u"cmdImportStore"_qs);
@@ -421,7 +421,7 @@ TEST_F(ImportPageTest, UnitsThatAreNotTheSystemsAreAskedAboutThoughTheDatabaseAg
 
 // The bar is drawn as it moves, with no event handled in between.
 TEST_F(ImportPageTest, TheProgressOfAStoreMovesUnderItsWords) {
-  ShowWithBothDatabases(kFile);
+  ShowWithBothDatabases(kImportedFile);
   std::vector<std::pair<std::string, int>> shown;
   QObject::connect(
       &Find<QProgressBar>(u"prgImport"_qs), &QProgressBar::valueChanged,
@@ -441,7 +441,7 @@ TEST_F(ImportPageTest, AnEmptyGridSaysWhatFillsIt) {
   Show();
   Window().Tabs().SelectTab(kTabImport);
   const QImage empty = Grid().viewport()->grab().toImage();
-  ImportText(kFile);
+  ImportText(kImportedFile);
   const QRect middle(Grid().viewport()->width() / 4, Grid().viewport()->height() / 2 - 10,
                      Grid().viewport()->width() / 2, 20);
   const QImage full = Grid().viewport()->grab().toImage();
