@@ -8,13 +8,11 @@
 #include <optional>
 #include <string_view>
 #include <utility>
-#include <vector>
 
 #include "base/error.h"
 #include "base/files.h"
 #include "database/keep_database.h"
-#include "report/report_layout.h"
-#include "report/report_page.h"
+#include "report/paged_report.h"
 
 namespace vrx {
 
@@ -68,12 +66,9 @@ class PdfTarget : public PrintTarget {
   PdfTarget(const std::filesystem::path& path, const std::string& title)
       : path_(path), file_(path) {
     writer_.emplace(&file_);
-    writer_->setResolution(kDotsPerInch);
+    SetUpPdf(*writer_);
     writer_->setTitle(QString::fromStdString(title));
     writer_->setCreator(QStringLiteral("VRX-2260 Transfer Data Software"));
-    const bool letter = QLocale::system().measurementSystem() == QLocale::ImperialUSSystem;
-    writer_->setPageSize(QPageSize(letter ? QPageSize::Letter : QPageSize::A4));
-    SetUpPaper(*writer_);
   }
 
   QPagedPaintDevice& Device() override { return *writer_; }
@@ -100,29 +95,16 @@ ReportJob::ReportJob(QPagedPaintDevice& device) : device_(device) {
 }
 
 bool ReportJob::Print(const Report& report, const PageDone& done) {
-  ReportRows& rows = *report.rows;
-  const ReportLayout layout(report.design, rows, device_);
-  ReportPage drawn(report.design, layout, painter_);
-  const std::int64_t pages = layout.PageCount(rows);
-  std::int64_t page = 0;
-  std::int64_t start = 1;
-  do {
-    const std::int64_t next = layout.NextStart(start, rows);
-    std::vector<ReportRow> on_page;
-    for (std::int64_t row = start; row < next; ++row) {
-      on_page.push_back(rows.Row(row));
+  PagedReport pages(report, device_);
+  for (std::int64_t page = 1; page <= pages.Count(); ++page) {
+    if (!std::exchange(fresh_, false) && !device_.newPage()) {
+      throw Error("the printer takes no further page");
     }
-    for (const ColumnStrip& strip : layout.Strips()) {
-      if (!std::exchange(fresh_, false) && !device_.newPage()) {
-        throw Error("the printer takes no further page");
-      }
-      drawn.Draw(on_page, strip, ++page, pages);
-      if (done && !done(page, pages)) {
-        return false;
-      }
+    pages.Draw(page, painter_);
+    if (done && !done(page, pages.Count())) {
+      return false;
     }
-    start = next;
-  } while (start <= rows.Count());
+  }
   return true;
 }
 
@@ -136,6 +118,13 @@ std::unique_ptr<PrintTarget> MakePdfFile(const std::filesystem::path& path,
                                          const std::string& title) {
   KeepDatabase(path);
   return std::make_unique<PdfTarget>(path, title);
+}
+
+void SetUpPdf(QPdfWriter& writer) {
+  writer.setResolution(kDotsPerInch);
+  const bool letter = QLocale::system().measurementSystem() == QLocale::ImperialUSSystem;
+  writer.setPageSize(QPageSize(letter ? QPageSize::Letter : QPageSize::A4));
+  SetUpPaper(writer);
 }
 
 void SetUpPaper(QPagedPaintDevice& device) {

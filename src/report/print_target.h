@@ -2,6 +2,7 @@
 
 #include <QPagedPaintDevice>
 #include <QPainter>
+#include <QPdfWriter>
 #include <cstdint>
 #include <filesystem>
 #include <functional>
@@ -52,6 +53,9 @@ class PrintTarget {
 // FileError, and DatabaseInTheWay if the path is a database.
 std::unique_ptr<PrintTarget> MakePdfFile(const std::filesystem::path& path,
                                          const std::string& title);
+
+// Sets the resolution and the paper of the PDF files: the paper size of the country, as SetUpPaper.
+void SetUpPdf(QPdfWriter& writer);
 
 // Sets portrait format and the margins of all reports.
 void SetUpPaper(QPagedPaintDevice& device);
