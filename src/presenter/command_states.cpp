@@ -26,7 +26,8 @@ constexpr std::array<TabSides, kTabCount> kTabNeeds{{
     {.transaction = true},
 }};
 
-constexpr std::array<std::string_view, 2> kPrintCommands{"mnuFilePrint", "Print"};
+constexpr std::array<std::string_view, 3> kPrintCommands{"mnuFilePrint", "mnuFilePrintPreview",
+                                                         "Print"};
 
 void RequireTab(int tab) {
   if (tab < 0 || tab >= kTabCount) {
@@ -74,6 +75,7 @@ const std::array<CommandStates::Command, CommandStates::kCount>& CommandStates::
       {"mnuEditPen", Side::kRecipe},
       {"mnuViewTransactionFile", Side::kTransaction},
       {"mnuFilePrint"},
+      {"mnuFilePrintPreview"},
       {"Print"},
       {"Abbreviate"},
   }};

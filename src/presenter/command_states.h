@@ -45,7 +45,7 @@ struct PrintSources {
 // At first everything is enabled. Observers outlive the states and must not change them.
 class CommandStates {
  public:
-  static constexpr std::size_t kCount = 19;
+  static constexpr std::size_t kCount = 20;
   static std::array<std::string_view, kCount> Names();
 
   CommandStates();

@@ -55,6 +55,27 @@ TEST_F(PrintOnDisplay, WritesAPdfFileAndReplacesAnOlderOne) {
   EXPECT_TRUE(Eventually([&] { return fs::file_size(pdf) == report.size(); }));
 }
 
+TEST_F(PrintOnDisplay, ShowsThePagesBeforeTheyArePrinted) {
+  Keys({"alt+e", "i"});
+  Keys({"alt+f", "v"});
+  ASSERT_TRUE(WaitForWindow("Print Preview"));
+  const auto shows = [&](const std::string& page) {
+    return WaitFor([&](const Screen& screen) {
+      const Widget* const number = screen.Find("qt_spinbox_lineedit");
+      return number != nullptr && number->text == page;
+    });
+  };
+  ASSERT_TRUE(shows("1 of 3"));
+  Keys({"Next"});
+  ASSERT_TRUE(shows("2 of 3"));
+  Keys({"End"});
+  ASSERT_TRUE(shows("3 of 3"));
+  Keys({"alt+p"});
+  AnswerFileDialog("Print to PDF File", pdf);
+  ASSERT_TRUE(WaitForWindow(kMainTitle));
+  EXPECT_TRUE(Eventually([&] { return fs::exists(pdf); }));
+}
+
 TEST_F(PrintOnDisplay, NeverReplacesADatabaseOpenOrNot) {
   const fs::path other = folder / "other.pdf";
   const fs::path link = folder / "link.pdf";

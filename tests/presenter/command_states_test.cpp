@@ -73,29 +73,32 @@ TEST_F(CommandStatesTest, EverythingIsOnToBeginWith) {
 
 TEST_F(CommandStatesTest, WithBothClosedOnlyTheDataTransferAndImportTabsCanBeChosen) {
   CloseBoth();
-  EXPECT_THAT(CommandsOn(), UnorderedElementsAre("mnuFilePrint", "Print", "Abbreviate"));
+  EXPECT_THAT(CommandsOn(),
+              UnorderedElementsAre("mnuFilePrint", "mnuFilePrintPreview", "Print", "Abbreviate"));
   EXPECT_THAT(TabsOn(), ElementsAre(3, 5));
 }
 
 TEST_F(CommandStatesTest, WithTheTransactionDatabaseAloneSaveIsOnForItsItemOnly) {
   CloseBoth();
   states_.EnableTransactionCommands();
-  EXPECT_THAT(CommandsOn(), UnorderedElementsAre(
-                                "mnuFileClose", "mnuFileCloseTransactionDB", "mnuFileSave",
-                                "mnuFileSaveTransactionDB", "mnuFileSaveAs",
-                                "mnuFileSaveAsTransactionDB", "Save", "Save Transaction",
-                                "mnuViewTransactionFile", "mnuFilePrint", "Print", "Abbreviate"));
+  EXPECT_THAT(CommandsOn(),
+              UnorderedElementsAre("mnuFileClose", "mnuFileCloseTransactionDB", "mnuFileSave",
+                                   "mnuFileSaveTransactionDB", "mnuFileSaveAs",
+                                   "mnuFileSaveAsTransactionDB", "Save", "Save Transaction",
+                                   "mnuViewTransactionFile", "mnuFilePrint", "mnuFilePrintPreview",
+                                   "Print", "Abbreviate"));
   EXPECT_THAT(TabsOn(), ElementsAre(3, 4, 5, 6));
 }
 
 TEST_F(CommandStatesTest, WithTheRecipeDatabaseAloneItsCommandsAreOn) {
   CloseBoth();
   states_.EnableRecipeCommands();
-  EXPECT_THAT(CommandsOn(),
-              UnorderedElementsAre("mnuFileClose", "mnuFileCloseRecipeDB", "mnuFileSave",
-                                   "mnuFileSaveRecipeDB", "mnuFileSaveAs", "mnuFileSaveAsRecipeDB",
-                                   "Save", "Save Recipe", "mnuEditIngredient", "mnuEditRecipe",
-                                   "mnuEditPen", "mnuFilePrint", "Print", "Abbreviate"));
+  EXPECT_THAT(
+      CommandsOn(),
+      UnorderedElementsAre("mnuFileClose", "mnuFileCloseRecipeDB", "mnuFileSave",
+                           "mnuFileSaveRecipeDB", "mnuFileSaveAs", "mnuFileSaveAsRecipeDB", "Save",
+                           "Save Recipe", "mnuEditIngredient", "mnuEditRecipe", "mnuEditPen",
+                           "mnuFilePrint", "mnuFilePrintPreview", "Print", "Abbreviate"));
   EXPECT_FALSE(states_.On("mnuViewTransactionFile"));
   EXPECT_THAT(TabsOn(), ElementsAre(0, 1, 2, 3, 5));
 }

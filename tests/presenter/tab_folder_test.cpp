@@ -57,7 +57,7 @@ class TabFolderTest : public ::testing::Test, public MainView, public CommandObs
 TEST_F(TabFolderTest, SelectTabShowsTurnsOnClicksAndThenSetsThePrintCommands) {
   tabs_.SelectTab(4);
   EXPECT_THAT(steps_, ElementsAre("show 4", "tab 4 on", "click 4 after 0", "mnuFilePrint off",
-                                  "Print off"));
+                                  "mnuFilePrintPreview off", "Print off"));
   EXPECT_EQ(tabs_.CurrentTab(), 4);
 }
 
@@ -66,8 +66,8 @@ TEST_F(TabFolderTest, WhatTheClickOpensIsPrintable) {
   steps_.clear();
   on_click_ = [&] { sources_.recipe_database = true; };
   tabs_.SelectTab(0);
-  EXPECT_THAT(steps_,
-              ElementsAre("show 0", "tab 0 on", "click 0 after 0", "mnuFilePrint on", "Print on"));
+  EXPECT_THAT(steps_, ElementsAre("show 0", "tab 0 on", "click 0 after 0", "mnuFilePrint on",
+                                  "mnuFilePrintPreview on", "Print on"));
 }
 
 TEST_F(TabFolderTest, AClickOfTheOperatorRunsTheClickRoutineAlone) {

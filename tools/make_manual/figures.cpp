@@ -196,6 +196,12 @@ QImage PrintSetupForm(SampleProgram& program) {
   return ModalForm(program, prepare, [&] { program.Choose("mnuFilePrintSetup"); });
 }
 
+QImage PrintPreviewForm(SampleProgram& program) {
+  program.ShowTab(kTabRecipes);
+  return ModalForm(
+      program, [](QWidget& /*form*/) {}, [&] { program.Choose("mnuFilePrintPreview"); });
+}
+
 QImage AboutForm(SampleProgram& program) {
   return ModalForm(
       program, [](QWidget& /*form*/) {}, [&] { program.Choose("mnuHelpAbout"); });
@@ -246,6 +252,7 @@ constexpr std::array kFigures = std::to_array<Figure>({
     {"setup-connections", &Setup<kConnections>},
     {"setup-krm", &Setup<kKrm>},
     {"print-setup", &PrintSetupForm},
+    {"print-preview", &PrintPreviewForm},
     {"about", &AboutForm},
     {"question", &Question},
 });

@@ -118,6 +118,8 @@ constexpr std::array kCaptions = std::to_array<Caption>({
     {1131, "Ingredients must total 100% to set Ration Target"},
     {1132, "This recipe will require the 200 pen capacity option in the K2260 indicator."},
     {1134, "*"},
+    // Captions that the design does not have.
+    {2000, "Print Pre&view..."},
 });
 
 // Nothing if the designed text is not in a row of the table.

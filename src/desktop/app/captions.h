@@ -7,7 +7,8 @@
 
 namespace vrx {
 
-// The text of a row of the caption table, ids 1000 to 1134; nothing for an id without a row.
+// The text of a row of the caption table, ids 1000 to 1134 and from 2000; nothing for an id without
+// a row.
 std::optional<std::string_view> CaptionText(int id);
 
 // Captions of several forms.

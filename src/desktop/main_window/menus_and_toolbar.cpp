@@ -50,6 +50,7 @@ constexpr std::array kMenuRows = std::to_array<MenuRow>({
     {"mnuFileImportTransactionFile", "1073", "mnuFile", kImportTransactionFile},
     {"mnuFileBar1", kSeparator, "mnuFile"},
     {"mnuFilePrintSetup", "1103", "mnuFile", kPrintSetup},
+    {"mnuFilePrintPreview", "2000", "mnuFile", kPrintPreview, "Ctrl+Shift+P"},
     {"mnuFilePrint", "1006", "mnuFile", kPrint, "Ctrl+P"},
     {"mnuFileBar2", kSeparator, "mnuFile"},
     {"mnuFileExit", "1007", "mnuFile", kExit, "Ctrl+Q"},

@@ -28,6 +28,7 @@ enum class MainCommand {
   kSaveAsTransactionDatabase,
   kImportTransactionFile,
   kPrintSetup,
+  kPrintPreview,
   kPrint,
   kExit,
   kEditIngredients,

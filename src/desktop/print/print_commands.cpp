@@ -9,6 +9,7 @@
 
 #include "database/keep_database.h"
 #include "desktop/print/print_dialogs.h"
+#include "desktop/print/print_preview.h"
 #include "desktop/recipes/recipe_lines.h"
 #include "feed/record_fields.h"
 #include "presenter/report_failure.h"
@@ -66,11 +67,18 @@ PrintCommands::PrintCommands(Services& services, const DatabaseCommands& databas
       window_(window),
       setup_(services.files) {
   window_.SetHandler(MainCommand::kPrint, [this] { PrintCurrentTab(); });
+  window_.SetHandler(MainCommand::kPrintPreview, [this] { PreviewCurrentTab(); });
   window_.SetHandler(MainCommand::kPrintSetup, [this] { setup_.Ask(&window_); });
 }
 
+void PrintCommands::PreviewCurrentTab() {
+  if (PrintTab(Output::kPreview)) {
+    PrintTab(Output::kPaper);
+  }
+}
+
 // Events run between pages, so a second print command must be refused.
-void PrintCommands::PrintCurrentTab() {
+bool PrintCommands::PrintTab(Output output) {
   using Routine = void (PrintCommands::*)();
   static constexpr std::array<std::pair<int, Routine>, 5> kRoutines{{
       {kTabIngredients, &PrintCommands::PrintIngredients},
@@ -81,8 +89,10 @@ void PrintCommands::PrintCurrentTab() {
   }};
   const OperationLock::Scope printing = printing_.TryEnter();
   if (!printing) {
-    return;
+    return false;
   }
+  output_ = output;
+  print_after_preview_ = false;
   RunReported(services_.op, PrintFailure, [&] {
     for (const auto& [tab, routine] : kRoutines) {
       if (tab == window_.Tabs().CurrentTab()) {
@@ -90,6 +100,7 @@ void PrintCommands::PrintCurrentTab() {
       }
     }
   });
+  return print_after_preview_;
 }
 
 void PrintCommands::PrintIngredients() {
@@ -170,6 +181,10 @@ void PrintCommands::PrintAllRecipes(SQLite::Database& recipes) {
     PrintReport(ReportOf(ReadRecipeToPrint(recipes, kRecipeCount), ingredients));
     return;
   }
+  if (output_ == Output::kPreview) {
+    PreviewAllRecipes(recipes, ingredients);
+    return;
+  }
   const Answer answer = services_.op.ShowMessage(
       {.icon = Icon::kQuestion,
        .buttons = Buttons::kYesNo,
@@ -199,6 +214,18 @@ void PrintCommands::PrintAllRecipes(SQLite::Database& recipes) {
   }
 }
 
+void PrintCommands::PreviewAllRecipes(SQLite::Database& recipes,
+                                      const std::vector<IngredientRecord>& ingredients) {
+  std::vector<Report> reports;
+  for (int id = 1; id <= kRecipeCount; ++id) {
+    const CurrentRecipe recipe = ReadRecipeToPrint(recipes, id);
+    if (recipe.LineCount() > 0) {
+      reports.push_back(ReportOf(recipe, ingredients));
+    }
+  }
+  Preview(std::move(reports));
+}
+
 Report PrintCommands::ReportOf(const CurrentRecipe& recipe,
                                const std::vector<IngredientRecord>& ingredients) const {
   return RecipeReport(recipe, pages_.recipes.ColumnsInSight(recipe.Entry()), ingredients, Facts());
@@ -213,10 +240,25 @@ void PrintCommands::PrintGrid(std::string_view noun, Report report) {
 }
 
 void PrintCommands::PrintReport(Report report) {
+  if (output_ == Output::kPreview) {
+    std::vector<Report> reports;
+    reports.push_back(std::move(report));
+    Preview(std::move(reports));
+    return;
+  }
   const std::unique_ptr<PrintTarget> paper = setup_.Open(kDocument);
   if (paper && MayPrint({&report, 1}, paper->Device(), services_.op)) {
     OnPaper(*paper, [&](ReportJob& job) { return PrintPages(job, report); });
   }
+}
+
+void PrintCommands::Preview(std::vector<Report> reports) {
+  std::optional<PrintPreview> preview;
+  {
+    const BusyCursor busy(services_.op);
+    preview.emplace(services_.op, std::move(reports), setup_.Paper(), &window_);
+  }
+  print_after_preview_ = preview->exec() == QDialog::Accepted;
 }
 
 bool PrintCommands::OnPaper(PrintTarget& paper, const Job& job) {

@@ -28,19 +28,23 @@ struct PrintedPages {
   const ImportPage& import;
 };
 
-// `mnuFilePrint` and `mnuFilePrintSetup`: prints the current tab without a dialog. Reports
-// failures.
+// `mnuFilePrint`, `mnuFilePrintPreview` and `mnuFilePrintSetup`: prints the current tab without a
+// dialog, or shows its pages before. Reports failures.
 class PrintCommands {
  public:
-  // Sets the handlers of the two commands. Everything outlives it.
+  // Sets the handlers of the commands. Everything outlives it.
   PrintCommands(Services& services, const DatabaseCommands& databases, const PrintedPages& pages,
                 MainWindow& window);
 
-  void PrintCurrentTab();
+  void PrintCurrentTab() { PrintTab(Output::kPaper); }
+  void PreviewCurrentTab();
 
  private:
+  enum class Output { kPaper, kPreview };
   using Job = std::function<bool(ReportJob&)>;
 
+  // Returns whether the operator prints after a preview.
+  bool PrintTab(Output output);
   void PrintIngredients();
   void PrintRecipes();
   void PrintPens();
@@ -49,6 +53,8 @@ class PrintCommands {
 
   void PrintCurrentRecipe();
   void PrintAllRecipes(SQLite::Database& recipes);
+  void PreviewAllRecipes(SQLite::Database& recipes,
+                         const std::vector<IngredientRecord>& ingredients);
   // Shows its progress in the panel.
   int CountRecipesWithLines(SQLite::Database& recipes, ScanPanel& panel);
   // With the columns in the order of the grid.
@@ -57,8 +63,9 @@ class PrintCommands {
 
   // Common to all grids: refuses an empty grid, otherwise prints with the busy cursor.
   void PrintGrid(std::string_view noun, Report report);
-  // Asks for the PDF file if the target is one, and the questions of MayPrint.
+  // Asks for the PDF file if the target is one, and the questions of MayPrint. Or shows its pages.
   void PrintReport(Report report);
+  void Preview(std::vector<Report> reports);
   // Returns false if the operator ended it.
   bool OnPaper(PrintTarget& paper, const Job& job);
   bool PrintPages(ReportJob& job, const Report& report);
@@ -73,6 +80,8 @@ class PrintCommands {
   MainWindow& window_;
   PrintSetup setup_;
   OperationLock printing_;
+  Output output_ = Output::kPaper;  // of the current command
+  bool print_after_preview_ = false;
 };
 
 }  // namespace vrx

@@ -5,8 +5,8 @@
 #include <QDialogButtonBox>
 #include <QFormLayout>
 #include <QLabel>
+#include <QPdfWriter>
 #include <QPrinter>
-#include <QPrinterInfo>
 #include <QVBoxLayout>
 
 #include "widgets/layout.h"
@@ -91,14 +91,29 @@ std::unique_ptr<PrintTarget> PrintSetup::Open(const std::string& title) const {
   if (pdf_) {
     return OpenPdf(title);
   }
-  const QPrinterInfo printer =
-      printer_.isEmpty() ? QPrinterInfo::defaultPrinter() : QPrinterInfo::printerInfo(printer_);
+  const QPrinterInfo printer = Printer();
   if (printer.isNull()) {
     throw NoPrinter((printer_.isEmpty() ? "There is no printer."
                                         : "The printer " + printer_.toStdString() + " is gone.") +
                     std::string(" Choose a printer or a PDF file under File, Print Setup."));
   }
   return std::make_unique<PrinterTarget>(printer, title);
+}
+
+QPrinterInfo PrintSetup::Printer() const {
+  return printer_.isEmpty() ? QPrinterInfo::defaultPrinter() : QPrinterInfo::printerInfo(printer_);
+}
+
+std::unique_ptr<QPagedPaintDevice> PrintSetup::Paper() const {
+  const QPrinterInfo printer = Printer();
+  if (pdf_ || printer.isNull()) {
+    auto paper = std::make_unique<QPdfWriter>(QString());
+    SetUpPdf(*paper);
+    return paper;
+  }
+  auto paper = std::make_unique<QPrinter>(printer, QPrinter::HighResolution);
+  SetUpPaper(*paper);
+  return paper;
 }
 
 std::unique_ptr<PrintTarget> PrintSetup::OpenPdf(const std::string& title) const {

@@ -2,6 +2,8 @@
 
 #include <QDialog>
 #include <QLabel>
+#include <QPagedPaintDevice>
+#include <QPrinterInfo>
 #include <QProgressBar>
 #include <QPushButton>
 #include <QString>
@@ -36,7 +38,12 @@ class PrintSetup {
   // NoPrinter and FileError.
   [[nodiscard]] std::unique_ptr<PrintTarget> Open(const std::string& title) const;
 
+  // Resolution and size of the sheets of the next target; those of a PDF file if there is no
+  // printer.
+  [[nodiscard]] std::unique_ptr<QPagedPaintDevice> Paper() const;
+
  private:
+  [[nodiscard]] QPrinterInfo Printer() const;  // null if there is none, or it is gone
   [[nodiscard]] std::unique_ptr<PrintTarget> OpenPdf(const std::string& title) const;
 
   FileChooser& files_;

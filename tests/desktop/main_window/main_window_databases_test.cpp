@@ -184,7 +184,7 @@ TEST_F(MainWindowDatabasesTest, PrintIsOnForTheCopyThatASaveAsHasOpened) {
   chooser_.Choose(app_folder_->DefaultAppPath() / "COPY.RDB");
   Choose(u"mnuFileSaveAsRecipeDB"_qs);
   Window().Tabs().SelectTab(kTabPens);
-  ExpectOn({"mnuFilePrint", "Print"}, true);
+  ExpectOn({"mnuFilePrint", "mnuFilePrintPreview", "Print"}, true);
 }
 
 TEST_F(MainWindowDatabasesTest, ARecipeDatabaseThatMayNotBeWrittenClosesWhatWrites) {
@@ -244,7 +244,7 @@ TEST_F(MainWindowDatabasesTest, PrintIsOffOnTheDataTransferTabWhateverIsOpen) {
   Open(DatabaseKind::kTransaction);
   AskToPrint();
   Window().Tabs().SelectTab(kTabDataTransfer);
-  ExpectOn({"mnuFilePrint", "Print"}, false);
+  ExpectOn({"mnuFilePrint", "mnuFilePrintPreview", "Print"}, false);
 }
 
 TEST_F(MainWindowDatabasesTest, PrintIsOnOnTheTabsOfAnOpenDatabase) {
@@ -252,12 +252,13 @@ TEST_F(MainWindowDatabasesTest, PrintIsOnOnTheTabsOfAnOpenDatabase) {
   AskToPrint();
   for (const int tab : {kTabIngredients, kTabRecipes, kTabPens}) {
     Window().Tabs().SelectTab(tab);
-    ExpectOn({"mnuFilePrint", "Print"}, true);
+    ExpectOn({"mnuFilePrint", "mnuFilePrintPreview", "Print"}, true);
   }
   Window().Tabs().SelectTab(kTabImport);
-  ExpectOn({"mnuFilePrint", "Print"}, false);  // no transaction file is loaded
+  ExpectOn({"mnuFilePrint", "mnuFilePrintPreview", "Print"},
+           false);  // no transaction file is loaded
   Open(DatabaseKind::kTransaction);
-  ExpectOn({"mnuFilePrint", "Print"}, true);
+  ExpectOn({"mnuFilePrint", "mnuFilePrintPreview", "Print"}, true);
 }
 
 TEST_F(MainWindowDatabasesTest, PrintFollowsAClickOnATabAsWell) {
@@ -267,9 +268,9 @@ TEST_F(MainWindowDatabasesTest, PrintFollowsAClickOnATabAsWell) {
   Window().Tabs().SelectTab(kTabDataTransfer);
   QTabBar& strip = *Tabs().tabBar();
   QTest::mouseClick(&strip, Qt::LeftButton, {}, strip.tabRect(kTabPens).center());
-  ExpectOn({"mnuFilePrint", "Print"}, true);
+  ExpectOn({"mnuFilePrint", "mnuFilePrintPreview", "Print"}, true);
   QTest::mouseClick(&strip, Qt::LeftButton, {}, strip.tabRect(kTabDataTransfer).center());
-  ExpectOn({"mnuFilePrint", "Print"}, false);
+  ExpectOn({"mnuFilePrint", "mnuFilePrintPreview", "Print"}, false);
 }
 
 TEST_F(MainWindowDatabasesTest, AClickOnATabAsksAboutTheUnitOfTheFile) {
