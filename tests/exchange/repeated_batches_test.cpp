@@ -176,6 +176,31 @@ TEST_F(RepeatedStore, WhatAnEarlierVersionStoredIsComparedByName) {
   EXPECT_EQ(Rows(), "1 BATCH, 1 FEED, 2 BATCH, 2 FEED, 3 BATCH, 3 FEED, 2 FEED, 10 BATCH, 10 FEED");
 }
 
+TEST_F(RepeatedStore, AnEarlierBatchWithOtherLoadsIsAnother) {
+  Read(Import({Batch(1, "900.0", {"450.0"}), Batch(2, "901.0", {"450.0"})}));
+  ForgetImports();
+  Read(Import({Batch(1, "900.0", {"450.0"}), Batch(2, "902.0", {"450.0"})}));
+  EXPECT_EQ(OnlyBox(op.boxes).cause, "Batch 1: the same as transaction 1 (compared by name)");
+}
+
+TEST_F(RepeatedStore, AnEarlierDeliveryToAnotherPenIsAnother) {
+  const RowCells load = BatchCells(1, 3, 4, "900.0");
+  Read(MakeImport({load, FeedCells(1, 3, 12, "450.0")}));
+  ForgetImports();
+  Read(MakeImport({load, FeedCells(1, 3, 13, "450.0")}));
+  EXPECT_EQ(OnlyBox(op.boxes).cause,
+            "Batch 1: has other feeds than transaction 1 (compared by name)");
+}
+
+TEST_F(RepeatedStore, TheSameIsPreferredToAConflict) {
+  Read(Import({Batch(1, "900.0", {"450.0"})}));
+  Read(Import({Batch(1, "900.0", {"460.0"})}), Answer::kStoreAll);
+  Read(Import({Batch(1, "900.0", {"450.0"})}));
+  EXPECT_EQ(OnlyBox(op.boxes).cause, "Batch 1: the same as transaction 1");
+  Read(Import({Batch(1, "900.0", {"460.0"})}));
+  EXPECT_EQ(OnlyBox(op.boxes).cause, "Batch 1: the same as transaction 2");
+}
+
 TEST_F(RepeatedStore, BatchesThatDifferInOneFieldOfALoadAreDifferent) {
   const RowCells load = BatchCells(1, 3, 4, "900.0");
   Read(MakeImport({load}));
@@ -231,6 +256,16 @@ TEST_F(RepeatedStore, AStoreThatStoppedInABatchContinuesIt) {
   EXPECT_FALSE(Read(MakeImport(rows)).complete);
   EXPECT_EQ(Read(Import({Batch(1, "900.0", {"450.0", "451.0"})})).stored, 1U);
   EXPECT_EQ(Rows(), "1 BATCH, 1 FEED, 1 FEED");
+}
+
+TEST_F(RepeatedStore, AStoreThatStoppedAmongTheLoadsOfABatchIsNotRecognized) {
+  const RowCells first = BatchCells(1, 3, 4, "900.0");
+  const RowCells second = BatchCells(1, 3, 5, "901.0");
+  RowCells unreadable = second;
+  unreadable[kImportedIngredientID] = "999";
+  EXPECT_EQ(Read(MakeImport({first, unreadable})).stored, 1U);
+  EXPECT_EQ(Read(MakeImport({first, second})).stored, 2U);
+  EXPECT_EQ(Rows(), "1 BATCH, 2 BATCH, 2 BATCH");
 }
 
 TEST_F(RepeatedStore, ARepeatedBatchNeedsNoRoomForItsNumber) {
