@@ -171,6 +171,11 @@ class Search {
   std::map<Date, std::vector<ComparedBatch>> unrecorded_;
 };
 
+// "7" or "7-9"
+std::string Range(std::int32_t first, std::int32_t last) {
+  return std::to_string(first) + (first == last ? "" : "-" + std::to_string(last));
+}
+
 // "1-3, 7"
 std::string Ranges(const std::set<std::int32_t>& numbers) {
   std::string text;
@@ -180,8 +185,7 @@ std::string Ranges(const std::set<std::int32_t>& numbers) {
     while (next != numbers.end() && *next == *last + 1) {
       last = next++;
     }
-    text += (text.empty() ? "" : ", ") + std::to_string(*first) +
-            (last == first ? "" : "-" + std::to_string(*last));
+    text += (text.empty() ? "" : ", ") + Range(*first, *last);
     first = next;
   }
   return text;
@@ -189,18 +193,33 @@ std::string Ranges(const std::set<std::int32_t>& numbers) {
 
 struct StateWords {
   BatchState state;
-  std::string_view one;   // after "1 batch"
-  std::string_view many;  // after "2 batches"
-  std::string_view in_list;
+  std::string_view one;           // after "1 batch"
+  std::string_view many;          // after "2 batches"
+  std::string_view in_list;       // after "Batch 1: "
+  std::string_view in_list_many;  // after "Batches 1-2: "
 };
 
 constexpr std::array<StateWords, 3> kRepeatedStates{{
-    {BatchState::kSame, " is there already", " are there already", "the same as"},
+    {BatchState::kSame, " is there already", " are there already", "the same as", "the same as"},
     {BatchState::kContinued, " is there, but not all of its feeds",
-     " are there, but not all of their feeds", "continues"},
+     " are there, but not all of their feeds", "continues", "continue"},
     {BatchState::kConflict, " has the loads of a stored batch, but other feeds",
-     " have the loads of stored batches, but other feeds", "has other feeds than"},
+     " have the loads of stored batches, but other feeds", "has other feeds than",
+     "have other feeds than"},
 }};
+
+const StateWords* WordsOf(BatchState state) {
+  const auto* const words = std::find_if(kRepeatedStates.begin(), kRepeatedStates.end(),
+                                         [&](const StateWords& row) { return row.state == state; });
+  return words == kRepeatedStates.end() ? nullptr : words;
+}
+
+bool Follows(const FileBatch& batch, const BatchFinding& finding, const FileBatch& next,
+             const BatchFinding& next_finding) {
+  return batch.number && next.number && *next.number == *batch.number + 1 && finding.stored_as &&
+         next_finding.stored_as && *next_finding.stored_as == *finding.stored_as + 1 &&
+         next_finding.state == finding.state && next_finding.by_name == finding.by_name;
+}
 
 std::string CountOfBatches(std::size_t count) {
   return std::to_string(count) + (count == 1 ? " batch" : " batches");
@@ -250,21 +269,26 @@ std::string RepeatedText(const std::vector<BatchFinding>& findings) {
   return text + CountOfBatches(fresh) + (fresh == 1 ? " is new." : " are new.");
 }
 
+// Consecutive numbers of file and database share a line: a file may repeat hundreds of batches.
 std::string RepeatedList(const std::vector<FileBatch>& batches,
                          const std::vector<BatchFinding>& findings) {
   std::string text;
-  for (std::size_t i = 0; i < findings.size(); ++i) {
-    const BatchFinding& finding = findings[i];
-    const auto* const words =
-        std::find_if(kRepeatedStates.begin(), kRepeatedStates.end(),
-                     [&](const StateWords& row) { return row.state == finding.state; });
-    if (words == kRepeatedStates.end()) {
-      continue;
+  for (std::size_t first = 0; first < findings.size();) {
+    std::size_t last = first;
+    while (last + 1 < findings.size() &&
+           Follows(batches[last], findings[last], batches[last + 1], findings[last + 1])) {
+      ++last;
     }
-    text += (text.empty() ? "Batch " : "\r\nBatch ") +
-            std::to_string(batches[i].number.value_or(0)) + ": " + std::string(words->in_list) +
-            " transaction " + std::to_string(*finding.stored_as) +
-            (finding.by_name ? " (compared by name)" : "");
+    if (const StateWords* const words = WordsOf(findings[first].state)) {
+      const bool one = first == last;
+      text += (text.empty() ? "" : "\r\n") + std::string(one ? "Batch " : "Batches ") +
+              Range(batches[first].number.value_or(0), batches[last].number.value_or(0)) + ": " +
+              std::string(one ? words->in_list : words->in_list_many) +
+              (one ? " transaction " : " transactions ") +
+              Range(*findings[first].stored_as, *findings[last].stored_as) +
+              (findings[first].by_name ? " (compared by name)" : "");
+    }
+    first = last + 1;
   }
   return text;
 }

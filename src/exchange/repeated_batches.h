@@ -42,7 +42,8 @@ struct BatchFinding {
 // transactions 1-3." One line for each state that occurs, new batches last.
 [[nodiscard]] std::string RepeatedText(const std::vector<BatchFinding>& findings);
 
-// One line for each batch that is not new: "Batch 4: the same as transaction 23".
+// The batches that are not new, a line for consecutive ones: "Batches 4-6: the same as transactions
+// 23-25".
 [[nodiscard]] std::string RepeatedList(const std::vector<FileBatch>& batches,
                                        const std::vector<BatchFinding>& findings);
 
