@@ -161,8 +161,13 @@ TEST_F(DownloadOnLine, ALinePulledInTheTextIsReportedAndTheNextTryWorks) {
   OpenBackup(kSentBackup + std::string(500'000, 'x'));
   {
     auto module = Module("old", {});
-    Later(Ms{3500}, [&] { module->Signal(SIGSTOP); });
-    Later(Ms{5200}, [&] { module.reset(); });
+    // The first count is shown 750 ms before the module answers the clear, and the text begins
+    // 1500 ms after that.
+    const auto clearing = Once([&] { return Status().text.ends_with(" 0 bytes"); },
+                               [&] {
+                                 Later(Ms{1500}, [&] { module->Signal(SIGSTOP); });
+                                 Later(Ms{3200}, [&] { module.reset(); });
+                               });
     Download(u"cmdDownloadRecipeBU"_qs, QMessageBox::Yes);
     EXPECT_EQ(Status(), (StatusLook{"Error: Download failed", kStatusRed}));
     const StatusLook& last_count = shown_.at(shown_.size() - 2);
