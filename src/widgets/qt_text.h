@@ -4,6 +4,8 @@
 #include <string>
 #include <string_view>
 
+#include "base/translation.h"
+
 namespace vrx {
 
 // The texts of the logic are UTF-8.
@@ -15,5 +17,8 @@ inline QString ToQString(std::string_view text) {
 inline QString ToScreenLines(std::string_view text) {
   return ToQString(text).replace(QStringLiteral("\r\n"), QStringLiteral("\n"));
 }
+
+// A text of the program in the language of the window; see Tr.
+inline QString QTr(std::string_view text) { return ToQString(Tr(text)); }
 
 }  // namespace vrx

@@ -1,7 +1,9 @@
 #include "desktop/app/captions.h"
 
 #include <QAction>
+#include <QCoreApplication>
 #include <QLabel>
+#include <QLibraryInfo>
 #include <QMainWindow>
 #include <QMenu>
 #include <QMenuBar>
@@ -15,6 +17,7 @@
 
 #include "base/number.h"
 #include "base/text.h"
+#include "base/translation.h"
 #include "widgets/qt_text.h"
 
 namespace vrx {
@@ -26,7 +29,7 @@ struct Caption {
   std::string_view text;
 };
 
-// By id, ascending.
+// By id, ascending. The captions of the design stay English: no catalogue has them.
 constexpr std::array kCaptions = std::to_array<Caption>({
     {1000, "&File"},
     {1001, "&New..."},
@@ -119,14 +122,14 @@ constexpr std::array kCaptions = std::to_array<Caption>({
     {1132, "This recipe will require the 200 pen capacity option in the K2260 indicator."},
     {1134, "*"},
     // Captions that the design does not have.
-    {2000, "Print Pre&view..."},
+    {2000, TrMark("Print Pre&view...")},
 });
 
 // Nothing if the designed text is not in a row of the table.
 std::optional<QString> CaptionOf(const QString& designed) {
   const std::optional<std::int32_t> id = ParseLong(ResolveCaptionId(designed.toStdString()));
   const std::optional<std::string_view> text = id ? CaptionText(*id) : std::nullopt;
-  return text ? std::optional(ToQString(*text)) : std::nullopt;
+  return text ? std::optional(QTr(*text)) : std::nullopt;
 }
 
 QString TagOf(const QObject& control) { return control.property(kTagProperty).toString(); }
@@ -157,6 +160,31 @@ void CaptionToolBar(const QToolBar& bar) {
 }
 
 }  // namespace
+
+Language::Language(const QStringList& locales) {
+  for (const QString& locale : locales) {
+    const QString code = locale.section(u'-', 0, 0).section(u'_', 0, 0);
+    if (code == QStringLiteral("en") || code == QStringLiteral("C")) {
+      return;
+    }
+    if (!texts_.load(code, QStringLiteral(":/languages"))) {
+      continue;
+    }
+    code_ = code;
+    if (qt_texts_.load(QStringLiteral("qtbase_") + code,
+                       QLibraryInfo::path(QLibraryInfo::TranslationsPath))) {
+      QCoreApplication::installTranslator(&qt_texts_);
+    }
+    SetTranslator([this](std::string_view text) {
+      const std::string source(text);
+      const QString translated = texts_.translate("", source.c_str());
+      return translated.isEmpty() ? source : translated.toStdString();
+    });
+    return;
+  }
+}
+
+Language::~Language() { SetTranslator({}); }
 
 std::optional<std::string_view> CaptionText(int id) {
   const auto* const found =

@@ -1,11 +1,33 @@
 #pragma once
 
 #include <QLabel>
+#include <QString>
+#include <QStringList>
+#include <QTranslator>
 #include <QWidget>
 #include <optional>
 #include <string_view>
 
 namespace vrx {
+
+// The language of the window while the object lives. It needs an application and precedes every
+// widget.
+class Language {
+ public:
+  // The first of these locales, best first, that has a catalogue or is English. Qt's own texts
+  // follow where its catalogues are installed.
+  explicit Language(const QStringList& locales);
+  ~Language();
+  Language(const Language&) = delete;
+  Language& operator=(const Language&) = delete;
+
+  [[nodiscard]] const QString& Code() const { return code_; }  // "de"; "en" for English
+
+ private:
+  QString code_ = QStringLiteral("en");
+  QTranslator texts_;
+  QTranslator qt_texts_;
+};
 
 // The text of a row of the caption table, ids 1000 to 1134 and from 2000; nothing for an id without
 // a row.

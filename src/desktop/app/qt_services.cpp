@@ -100,13 +100,13 @@ Answer AnswerOf(int button, Buttons buttons) {
 
 void NameButtons(QMessageBox& box, Buttons buttons) {
   if (buttons == Buttons::kTryDiscardStay) {
-    box.button(QMessageBox::Retry)->setText(QStringLiteral("Try Again"));
-    box.button(QMessageBox::Discard)->setText(QStringLiteral("Discard"));
-    box.button(QMessageBox::Cancel)->setText(QStringLiteral("Stay"));
+    box.button(QMessageBox::Retry)->setText(QTr("Try Again"));
+    box.button(QMessageBox::Discard)->setText(QTr("Discard"));
+    box.button(QMessageBox::Cancel)->setText(QTr("Stay"));
   } else if (buttons == Buttons::kNewAllNothing) {
-    box.button(QMessageBox::Yes)->setText(QStringLiteral("Store What Is &New"));
-    box.button(QMessageBox::YesToAll)->setText(QStringLiteral("Store &All Again"));
-    box.button(QMessageBox::Cancel)->setText(QStringLiteral("&Store Nothing"));
+    box.button(QMessageBox::Yes)->setText(QTr("Store What Is &New"));
+    box.button(QMessageBox::YesToAll)->setText(QTr("Store &All Again"));
+    box.button(QMessageBox::Cancel)->setText(QTr("&Store Nothing"));
   }
 }
 

@@ -81,10 +81,10 @@ QLayout* LayOutWords(QDialog& form) {
 }
 
 QLayout* LayOutButtons(QDialog& form) {
-  auto* const system = new QPushButton(QStringLiteral("&System Info..."), &form);
+  auto* const system = new QPushButton(QTr("&System Info..."), &form);
   system->setObjectName(QStringLiteral("cmdSysInfo"));
   system->setAutoDefault(false);
-  auto* const ok = new QPushButton(QStringLiteral("OK"), &form);
+  auto* const ok = new QPushButton(QTr("OK"), &form);
   ok->setObjectName(QStringLiteral("cmdOK"));
   ok->setDefault(true);
   auto* const buttons = new QHBoxLayout;

@@ -56,9 +56,9 @@ ConversionReportDialog::ConversionReportDialog(std::string_view text, std::strin
       file_name_(std::move(file_name)),
       files_(files),
       operator_(op),
-      view_(new TextView("txtConversionReport", QStringLiteral("Report of the conversion"), this)) {
+      view_(new TextView("txtConversionReport", QTr("Report of the conversion"), this)) {
   setObjectName(QStringLiteral("dlgConversionReport"));
-  setWindowTitle(QStringLiteral("Database Conversion"));
+  setWindowTitle(QTr("Database Conversion"));
   setModal(true);
   view_->ShowText(text_);
   view_->setLineWrapMode(QPlainTextEdit::WidgetWidth);
@@ -75,10 +75,10 @@ ConversionReportDialog::ConversionReportDialog(std::string_view text, std::strin
     buttons->addWidget(button);
     return button;
   };
-  QPushButton* const save = add_button(QStringLiteral("cmdSave"), QStringLiteral("&Save..."));
-  QPushButton* const copy = add_button(QStringLiteral("cmdCopy"), QStringLiteral("&Copy"));
+  QPushButton* const save = add_button(QStringLiteral("cmdSave"), QTr("&Save..."));
+  QPushButton* const copy = add_button(QStringLiteral("cmdCopy"), QTr("&Copy"));
   buttons->addStretch();
-  QPushButton* const close = add_button(QStringLiteral("cmdClose"), QStringLiteral("C&lose"));
+  QPushButton* const close = add_button(QStringLiteral("cmdClose"), QTr("C&lose"));
   close->setDefault(true);
   connect(save, &QPushButton::clicked, this, &ConversionReportDialog::Save);
   connect(copy, &QPushButton::clicked, this, &ConversionReportDialog::CopyText);
@@ -114,13 +114,13 @@ void ConversionReportDialog::CopyText() const {
 
 ConversionProgress::ConversionProgress(QWidget* owner)
     : QDialog(owner),
-      message_(new QLabel(QStringLiteral("Reading the database."), this)),
+      message_(new QLabel(QTr("Reading the database."), this)),
       bar_(new QProgressBar(this)),
-      cancel_(new QPushButton(QStringLiteral("Cancel"), this)) {
+      cancel_(new QPushButton(QTr("Cancel"), this)) {
   setObjectName(QStringLiteral("dlgConversionProgress"));
-  setWindowTitle(QStringLiteral("Database Conversion"));
+  setWindowTitle(QTr("Database Conversion"));
   setModal(true);
-  bar_->setAccessibleName(QStringLiteral("Rows converted"));
+  bar_->setAccessibleName(QTr("Rows converted"));
   bar_->setMinimumWidth(kConversionBarWidth);
   bar_->setRange(0, 0);
   cancel_->setObjectName(QStringLiteral("cmdCancel"));

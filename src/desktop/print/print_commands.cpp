@@ -156,13 +156,13 @@ void PrintCommands::PrintCurrentRecipe() {
 
 int PrintCommands::CountRecipesWithLines(SQLite::Database& recipes, ScanPanel& panel) {
   const BusyCursor busy(services_.op);
-  panel.ShowText(QStringLiteral("Scanning database..."));
+  panel.ShowText(QTr("Scanning database..."));
   int count = 0;
   for (int id = 1; id <= kRecipeCount; ++id) {
     panel.GoTo(id);
     count += ReadRecipeLines(recipes, id).empty() ? 0 : 1;
   }
-  panel.ShowText(QStringLiteral("Scan done!"));
+  panel.ShowText(QTr("Scan done!"));
   return count;
 }
 
@@ -196,7 +196,7 @@ void PrintCommands::PrintAllRecipes(SQLite::Database& recipes) {
   if (answer != Answer::kYes) {
     return;
   }
-  scan.Panel().ShowText(QStringLiteral("Printing recipes..."));
+  scan.Panel().ShowText(QTr("Printing recipes..."));
   const std::unique_ptr<PrintTarget> paper = setup_.Open(kDocument);
   const bool printed =
       paper && OnPaper(*paper, [&](ReportJob& job) {
@@ -210,7 +210,7 @@ void PrintCommands::PrintAllRecipes(SQLite::Database& recipes) {
         return true;
       });
   if (printed) {
-    scan.Panel().ShowText(QStringLiteral("Done!"));
+    scan.Panel().ShowText(QTr("Done!"));
   }
 }
 
@@ -268,9 +268,9 @@ bool PrintCommands::OnPaper(PrintTarget& paper, const Job& job) {
   }
   const std::filesystem::path file = paper.File();
   if (file.empty()) {
-    window_.Panels().PicResult().ShowText(QStringLiteral("The report was sent to the printer."));
+    window_.Panels().PicResult().ShowText(QTr("The report was sent to the printer."));
   } else {
-    window_.Panels().PicResult().ShowFile(QStringLiteral("Printed to"), ToQString(file.string()));
+    window_.Panels().PicResult().ShowFile(QTr("Printed to"), ToQString(file.string()));
   }
   return true;
 }

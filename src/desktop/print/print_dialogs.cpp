@@ -51,22 +51,22 @@ constexpr int kPrintBarWidth = 320;
 bool PrintSetup::Ask(QWidget* owner) {
   QDialog form(owner);
   form.setObjectName(QStringLiteral("dlgPrintDialog"));
-  form.setWindowTitle(QStringLiteral("Print Setup"));
+  form.setWindowTitle(QTr("Print Setup"));
   auto* const printers = new QComboBox(&form);
   printers->setObjectName(QStringLiteral("lstPrinter"));
   const QString default_name = QPrinterInfo::defaultPrinterName();
   for (const QString& name : QPrinterInfo::availablePrinterNames()) {
-    printers->addItem(name == default_name ? name + QStringLiteral(" (default)") : name, name);
+    printers->addItem(name == default_name ? name + QTr(" (default)") : name, name);
   }
-  printers->addItem(QStringLiteral("PDF file"));
+  printers->addItem(QTr("PDF file"));
   const int pdf = printers->count() - 1;
   const int chosen = printers->findData(printer_.isEmpty() ? default_name : printer_);
   printers->setCurrentIndex(pdf_ || chosen < 0 ? pdf : chosen);
 
   auto* const fields = new QFormLayout;
-  fields->addRow(QStringLiteral("&Printer"), printers);
-  auto* const note = new QLabel(
-      QStringLiteral("A PDF file is asked for its name each time something is printed."), &form);
+  fields->addRow(QTr("&Printer"), printers);
+  auto* const note =
+      new QLabel(QTr("A PDF file is asked for its name each time something is printed."), &form);
   note->setForegroundRole(QPalette::PlaceholderText);
   auto* const buttons =
       new QDialogButtonBox(QDialogButtonBox::Ok | QDialogButtonBox::Cancel, &form);
@@ -128,11 +128,11 @@ PrintProgress::PrintProgress(QWidget* owner)
     : QDialog(owner),
       page_(new QLabel(this)),
       bar_(new QProgressBar(this)),
-      cancel_(new QPushButton(QStringLiteral("Cancel"), this)) {
+      cancel_(new QPushButton(QTr("Cancel"), this)) {
   setObjectName(QStringLiteral("dlgPrinting"));
-  setWindowTitle(QStringLiteral("Print"));
+  setWindowTitle(QTr("Print"));
   setModal(true);
-  bar_->setAccessibleName(QStringLiteral("Pages printed"));
+  bar_->setAccessibleName(QTr("Pages printed"));
   bar_->setMinimumWidth(kPrintBarWidth);
   cancel_->setObjectName(QStringLiteral("cmdCancel"));
   connect(cancel_, &QPushButton::clicked, this, &PrintProgress::reject);
@@ -148,7 +148,7 @@ PrintProgress::PrintProgress(QWidget* owner)
 }
 
 void PrintProgress::ShowPage(std::int64_t page, std::int64_t pages) {
-  page_->setText(QStringLiteral("Printing page %1 of %2").arg(page).arg(pages));
+  page_->setText(QTr("Printing page %1 of %2").arg(page).arg(pages));
   bar_->setRange(0, static_cast<int>(pages));
   bar_->setValue(static_cast<int>(page));
 }

@@ -43,7 +43,7 @@ PrintPreview::PrintPreview(Operator& op, std::vector<Report> reports,
       sheet_(new QLabel),
       room_(new QScrollArea(this)) {
   setObjectName(QStringLiteral("dlgPrintPreview"));
-  setWindowTitle(QStringLiteral("Print Preview"));
+  setWindowTitle(QTr("Print Preview"));
   std::int64_t count = 0;
   bool small_letters = false;
   for (const Report& report : reports_) {
@@ -52,9 +52,9 @@ PrintPreview::PrintPreview(Operator& op, std::vector<Report> reports,
     small_letters = small_letters || pages_.back()->LetterPoints() < kSmallestLetterPoints;
   }
   page_->setRange(1, static_cast<int>(count));
-  page_->setSuffix(QStringLiteral(" of %1").arg(count));
-  note_->setText(small_letters ? QStringLiteral("The letters are too small to read; Print offers "
-                                                "pages side by side.")
+  page_->setSuffix(QTr(" of %1").arg(count));
+  note_->setText(small_letters ? QTr("The letters are too small to read; Print offers "
+                                     "pages side by side.")
                                : QString());
   LayOut();
   const QSize free = screen()->availableSize() * 0.9;
@@ -67,16 +67,15 @@ QWidget* PrintPreview::MakeBar() {
   auto* const row = new QHBoxLayout(bar);
   row->setContentsMargins(0, 0, 0, 0);
   row->setSpacing(kSpacing);
-  auto* const caption = new QLabel(QStringLiteral("P&age"), bar);
+  auto* const caption = new QLabel(QTr("P&age"), bar);
   caption->setBuddy(page_);
   row->addWidget(caption);
-  previous_ = AddTurn(*row, "cmdPreviousPage", QStringLiteral("<"),
-                      QStringLiteral("Previous page (Page Up)"), -1);
+  previous_ =
+      AddTurn(*row, "cmdPreviousPage", QStringLiteral("<"), QTr("Previous page (Page Up)"), -1);
   row->addWidget(page_);
-  next_ =
-      AddTurn(*row, "cmdNextPage", QStringLiteral(">"), QStringLiteral("Next page (Page Down)"), 1);
+  next_ = AddTurn(*row, "cmdNextPage", QStringLiteral(">"), QTr("Next page (Page Down)"), 1);
   row->addSpacing(kGroupSpacing - kSpacing);
-  auto* const zoom = new QLabel(QStringLiteral("&Zoom"), bar);
+  auto* const zoom = new QLabel(QTr("&Zoom"), bar);
   zoom->setBuddy(zoom_);
   row->addWidget(zoom);
   row->addWidget(zoom_);
@@ -99,22 +98,22 @@ QPushButton* PrintPreview::AddTurn(QLayout& row, const char* name, const QString
 
 void PrintPreview::LayOut() {
   page_->setObjectName(QStringLiteral("txtPage"));
-  page_->setAccessibleName(QStringLiteral("Page"));
+  page_->setAccessibleName(QTr("Page"));
   page_->setKeyboardTracking(false);
   zoom_->setObjectName(QStringLiteral("lstZoom"));
-  zoom_->addItems({QStringLiteral("Whole page"), QStringLiteral("Page width"),
-                   QStringLiteral("100 %"), QStringLiteral("200 %")});
+  zoom_->addItems(
+      {QTr("Whole page"), QTr("Page width"), QStringLiteral("100 %"), QStringLiteral("200 %")});
   note_->setObjectName(QStringLiteral("lblPreviewNote"));
   note_->setVisible(!note_->text().isEmpty());
   sheet_->setObjectName(QStringLiteral("picPage"));
-  room_->setAccessibleName(QStringLiteral("Printed page"));
+  room_->setAccessibleName(QTr("Printed page"));
   room_->setBackgroundRole(QPalette::Mid);
   room_->setAlignment(Qt::AlignCenter);
   room_->setWidget(sheet_);
   room_->installEventFilter(this);
   room_->viewport()->installEventFilter(this);
   auto* const buttons = new QDialogButtonBox(QDialogButtonBox::Close, this);
-  auto* const print = buttons->addButton(QStringLiteral("&Print"), QDialogButtonBox::AcceptRole);
+  auto* const print = buttons->addButton(QTr("&Print"), QDialogButtonBox::AcceptRole);
   print->setObjectName(QStringLiteral("cmdPrint"));
   print->setDefault(true);
   connect(buttons, &QDialogButtonBox::accepted, this, &QDialog::accept);

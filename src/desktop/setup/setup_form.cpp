@@ -63,27 +63,27 @@ SetupForm::SetupForm(Services& services, KRMCOMM& krm, SetupFacts facts, QWidget
       facts_(std::move(facts)),
       tab_setup_folder_(new QTabWidget(this)),
       module_tab_(new SetupModuleTab(services, krm)),
-      cmd_ok_(new QPushButton(QStringLiteral("OK"), this)) {
+      cmd_ok_(new QPushButton(QTr("OK"), this)) {
   setObjectName(QStringLiteral("SETUP"));
   SetTag(*this, kSetupCaption);
   tab_setup_folder_->setObjectName(QStringLiteral("tabSetupFolder"));
-  tab_setup_folder_->setAccessibleName(QStringLiteral("Setup"));
+  tab_setup_folder_->setAccessibleName(QTr("Setup"));
   cmd_ok_->setObjectName(QStringLiteral("cmdOK"));
   cmd_ok_->setDefault(true);
 
-  tab_setup_folder_->addTab(MakeDatabaseTab(), QStringLiteral("Database"));
-  tab_setup_folder_->addTab(MakeApplicationTab(), QStringLiteral("Application"));
+  tab_setup_folder_->addTab(MakeDatabaseTab(), QTr("Database"));
+  tab_setup_folder_->addTab(MakeApplicationTab(), QTr("Application"));
   tab_setup_folder_->addTab(MakeFileTab("frmOptIniPath", txt_ini_path_, "txtIniPath",
                                         txt_ini_file_data_, "txtIniFileData"),
-                            QStringLiteral("INI File"));
+                            QTr("INI File"));
   QWidget& ini_page = *tab_setup_folder_->widget(kIniFileTab);
   ini_page.layout()->addWidget(AddLabel(ini_page, "lblIniInfo", kIniInfoCaption));
   tab_setup_folder_->addTab(MakeFileTab("frmTransFile", txt_qxt_path_, "txtQxtPath",
                                         txt_qxt_file_data_, "txtQxtFileData"),
-                            QStringLiteral("Transaction File"));
-  tab_setup_folder_->addTab(MakeOptionsTab(), QStringLiteral("Options"));
-  tab_setup_folder_->addTab(MakeConnectionsTab(), QStringLiteral("Data Connections"));
-  tab_setup_folder_->addTab(module_tab_, QStringLiteral("KRM Setup"));
+                            QTr("Transaction File"));
+  tab_setup_folder_->addTab(MakeOptionsTab(), QTr("Options"));
+  tab_setup_folder_->addTab(MakeConnectionsTab(), QTr("Data Connections"));
+  tab_setup_folder_->addTab(module_tab_, QTr("KRM Setup"));
 
   auto* const column = new QVBoxLayout(this);
   column->setSpacing(kSpacing);
@@ -105,9 +105,9 @@ SetupForm::SetupForm(Services& services, KRMCOMM& krm, SetupFacts facts, QWidget
 QWidget* SetupForm::MakeDatabaseTab() {
   auto* const page = new QWidget;
   QVBoxLayout* const column = TabLayout(*page);
-  const SetupSection paths = AddSection(*column, "frmPaths", QStringLiteral("Paths"));
-  txt_recipe_path_ = MakePath("txtRecipePath", QStringLiteral("Recipe Database"));
-  txt_transaction_path_ = MakePath("txtTransactionPath", QStringLiteral("Transaction Database"));
+  const SetupSection paths = AddSection(*column, "frmPaths", QTr("Paths"));
+  txt_recipe_path_ = MakePath("txtRecipePath", QTr("Recipe Database"));
+  txt_transaction_path_ = MakePath("txtTransactionPath", QTr("Transaction Database"));
   auto* const rows = new QFormLayout;
   rows->setSpacing(kSpacing);
   rows->addRow(AddLabel(*paths.frame, "lblRecipePath", kRecipeDatabaseCaption), txt_recipe_path_);
@@ -115,10 +115,10 @@ QWidget* SetupForm::MakeDatabaseTab() {
                txt_transaction_path_);
   paths.content->addLayout(rows);
 
-  const SetupSection units = AddSection(*column, "frmWeightUnits", QStringLiteral("Weight Units"));
+  const SetupSection units = AddSection(*column, "frmWeightUnits", QTr("Weight Units"));
   lst_system_uom_ = new ChoiceList;
   lst_system_uom_->setObjectName(QStringLiteral("lstSystemUoM"));
-  lst_system_uom_->setAccessibleName(QStringLiteral("Weight Units"));
+  lst_system_uom_->setAccessibleName(QTr("Weight Units"));
   for (const std::string_view unit : kSystemUnitsList) {
     lst_system_uom_->addItem(ToQString(unit));
   }
@@ -130,11 +130,11 @@ QWidget* SetupForm::MakeDatabaseTab() {
 QWidget* SetupForm::MakeApplicationTab() {
   auto* const page = new QWidget;
   QVBoxLayout* const column = TabLayout(*page);
-  txt_app_path_ = MakePath("txtAppPath", QStringLiteral("Application"));
-  AddSection(*column, "frmApp", QStringLiteral("Application")).content->addWidget(txt_app_path_);
-  txt_associations_ = new TextView("txtAssociations", QStringLiteral("Document Viewers"), nullptr);
+  txt_app_path_ = MakePath("txtAppPath", QTr("Application"));
+  AddSection(*column, "frmApp", QTr("Application")).content->addWidget(txt_app_path_);
+  txt_associations_ = new TextView("txtAssociations", QTr("Document Viewers"), nullptr);
   txt_associations_->setLineWrapMode(QPlainTextEdit::WidgetWidth);
-  AddSection(*column, "frmAssociation", QStringLiteral("Document Viewers"), 1)
+  AddSection(*column, "frmAssociation", QTr("Document Viewers"), 1)
       .content->addWidget(txt_associations_);
   return page;
 }
@@ -146,10 +146,10 @@ QWidget* SetupForm::MakeFileTab(const char* frame_name, QLineEdit*& path, const 
   QVBoxLayout* const column = TabLayout(*page);
   column->setSpacing(kSpacing);
   column->addWidget(AddLabel(*page, "lblFilename", kFilenameCaption));
-  path = MakePath(path_name, QStringLiteral("Filename"));
+  path = MakePath(path_name, QTr("Filename"));
   column->addWidget(path);
   column->addWidget(AddLabel(*page, "lblContents", kContentsCaption));
-  contents = new TextView(data_name, QStringLiteral("File Contents"), page);
+  contents = new TextView(data_name, QTr("File Contents"), page);
   column->addWidget(contents, 1);
   return page;
 }
@@ -177,8 +177,8 @@ QWidget* SetupForm::MakeConnectionsTab() {
     AddSection(*column, frame, caption, 1).content->addWidget(view);
     return view;
   };
-  txt_rec_ctrl_ = add("frm1", "txtRecCtrl", QStringLiteral("Recipe Controls"));
-  txt_trans_ctrl_ = add("frm2", "txtTransCtrl", QStringLiteral("Transaction Controls"));
+  txt_rec_ctrl_ = add("frm1", "txtRecCtrl", QTr("Recipe Controls"));
+  txt_trans_ctrl_ = add("frm2", "txtTransCtrl", QTr("Transaction Controls"));
   return page;
 }
 

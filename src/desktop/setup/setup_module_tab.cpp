@@ -43,7 +43,7 @@ SetupPortList::SetupPortList(std::filesystem::path data_folder, Operator& op, QW
       op_(op),
       lst_serial_port_(new QTreeWidget(this)),
       cbo_device_(new QComboBox(this)),
-      cmd_put_device_(new QPushButton(QStringLiteral("&Use for this Port"), this)) {
+      cmd_put_device_(new QPushButton(QTr("&Use for this Port"), this)) {
   LayOut();
   for (const std::string_view port : kSerialPortList) {
     new QTreeWidgetItem(lst_serial_port_, {ToQString(port)});
@@ -57,19 +57,19 @@ SetupPortList::SetupPortList(std::filesystem::path data_folder, Operator& op, QW
 
 void SetupPortList::LayOut() {
   lst_serial_port_->setObjectName(QStringLiteral("lstSerialPort"));
-  lst_serial_port_->setAccessibleName(QStringLiteral("Serial Port"));
-  lst_serial_port_->setHeaderLabels({QStringLiteral("Port"), QStringLiteral("Device")});
+  lst_serial_port_->setAccessibleName(QTr("Serial Port"));
+  lst_serial_port_->setHeaderLabels({QTr("Port"), QTr("Device")});
   lst_serial_port_->setRootIsDecorated(false);
   lst_serial_port_->setUniformRowHeights(true);
   lst_serial_port_->header()->setStretchLastSection(true);
   lst_serial_port_->header()->setSectionResizeMode(kPort, QHeaderView::ResizeToContents);
   cbo_device_->setObjectName(QStringLiteral("cboDevice"));
-  cbo_device_->setAccessibleName(QStringLiteral("Device behind the port"));
-  cbo_device_->setToolTip(QStringLiteral("A device of this machine, or the path of one"));
+  cbo_device_->setAccessibleName(QTr("Device behind the port"));
+  cbo_device_->setToolTip(QTr("A device of this machine, or the path of one"));
   cbo_device_->setEditable(true);
   cbo_device_->setInsertPolicy(QComboBox::NoInsert);
   cmd_put_device_->setObjectName(QStringLiteral("cmdPutDevice"));
-  cmd_put_device_->setToolTip(QStringLiteral("Put this device behind the chosen port"));
+  cmd_put_device_->setToolTip(QTr("Put this device behind the chosen port"));
   cmd_put_device_->setAutoDefault(false);
 
   auto* const device = new QHBoxLayout;
@@ -178,12 +178,11 @@ void SetupModuleTab::ShowLine() {
 }
 
 void SetupModuleTab::AddCommSetup(QBoxLayout& frames) {
-  const auto [frame, column] =
-      AddSection(frames, "frmCommSetup", QStringLiteral("Communications"), 1);
+  const auto [frame, column] = AddSection(frames, "frmCommSetup", QTr("Communications"), 1);
   column->addWidget(AddLabel(*frame, "lblSerialPort", kSerialPortCaption));
   column->addWidget(ports_, 1);
   lst_baud_rate_->setObjectName(QStringLiteral("lstBaudRate"));
-  lst_baud_rate_->setAccessibleName(QStringLiteral("KRM Baud"));
+  lst_baud_rate_->setAccessibleName(QTr("KRM Baud"));
   for (const std::string_view baud : kBaudRateList) {
     lst_baud_rate_->addItem(ToQString(baud));
   }
@@ -200,15 +199,13 @@ void SetupModuleTab::AddCommSetup(QBoxLayout& frames) {
 }
 
 void SetupModuleTab::AddCommands(QBoxLayout& frames) {
-  const auto [frame, column] = AddSection(frames, "frmCommands", QStringLiteral("Module"));
-  commands_ = {
-      AddCommand(*frame, "cmdTestKRM", QStringLiteral("&Test KRM"),
-                 QStringLiteral("See whether the module answers"), &SetupModuleTab::TestKRM),
-      AddCommand(*frame, "cmdClearKRM", QStringLiteral("&Clear KRM"),
-                 QStringLiteral("Empty the memory of the module"), &SetupModuleTab::ClearKRM),
-      AddCommand(*frame, "cmdSetBaud", QStringLiteral("&Set Baud"),
-                 QStringLiteral("Set the module to the chosen baud rate"),
-                 &SetupModuleTab::SetBaud)};
+  const auto [frame, column] = AddSection(frames, "frmCommands", QTr("Module"));
+  commands_ = {AddCommand(*frame, "cmdTestKRM", QTr("&Test KRM"),
+                          QTr("See whether the module answers"), &SetupModuleTab::TestKRM),
+               AddCommand(*frame, "cmdClearKRM", QTr("&Clear KRM"),
+                          QTr("Empty the memory of the module"), &SetupModuleTab::ClearKRM),
+               AddCommand(*frame, "cmdSetBaud", QTr("&Set Baud"),
+                          QTr("Set the module to the chosen baud rate"), &SetupModuleTab::SetBaud)};
   for (QPushButton* const command : commands_) {
     column->addWidget(command);
   }
