@@ -9,6 +9,7 @@
 #include <utility>
 
 #include "base/date.h"
+#include "base/translation.h"
 #include "database/transactions.h"
 
 namespace vrx {
@@ -191,21 +192,29 @@ std::string Ranges(const std::set<std::int32_t>& numbers) {
   return text;
 }
 
+// The texts of a state: %1 is the count or the number in the file, %2 the number in the database.
 struct StateWords {
   BatchState state;
-  std::string_view one;           // after "1 batch"
-  std::string_view many;          // after "2 batches"
-  std::string_view in_list;       // after "Batch 1: "
-  std::string_view in_list_many;  // after "Batches 1-2: "
+  std::string_view one;
+  std::string_view many;
+  std::string_view in_list;
+  std::string_view in_list_many;
 };
 
 constexpr std::array<StateWords, 3> kRepeatedStates{{
-    {BatchState::kSame, " is there already", " are there already", "the same as", "the same as"},
-    {BatchState::kContinued, " is there, but not all of its feeds",
-     " are there, but not all of their feeds", "continues", "continue"},
-    {BatchState::kConflict, " has the loads of a stored batch, but other feeds",
-     " have the loads of stored batches, but other feeds", "has other feeds than",
-     "have other feeds than"},
+    {BatchState::kSame, TrMark("%1 batch is there already, as transaction %2."),
+     TrMark("%1 batches are there already, as transactions %2."),
+     TrMark("Batch %1: the same as transaction %2"),
+     TrMark("Batches %1: the same as transactions %2")},
+    {BatchState::kContinued,
+     TrMark("%1 batch is there, but not all of its feeds, as transaction %2."),
+     TrMark("%1 batches are there, but not all of their feeds, as transactions %2."),
+     TrMark("Batch %1: continues transaction %2"), TrMark("Batches %1: continue transactions %2")},
+    {BatchState::kConflict,
+     TrMark("%1 batch has the loads of a stored batch, but other feeds, as transaction %2."),
+     TrMark("%1 batches have the loads of stored batches, but other feeds, as transactions %2."),
+     TrMark("Batch %1: has other feeds than transaction %2"),
+     TrMark("Batches %1: have other feeds than transactions %2")},
 }};
 
 const StateWords* WordsOf(BatchState state) {
@@ -219,10 +228,6 @@ bool Follows(const FileBatch& batch, const BatchFinding& finding, const FileBatc
   return batch.number && next.number && *next.number == *batch.number + 1 && finding.stored_as &&
          next_finding.stored_as && *next_finding.stored_as == *finding.stored_as + 1 &&
          next_finding.state == finding.state && next_finding.by_name == finding.by_name;
-}
-
-std::string CountOfBatches(std::size_t count) {
-  return std::to_string(count) + (count == 1 ? " batch" : " batches");
 }
 
 }  // namespace
@@ -257,16 +262,19 @@ std::string RepeatedText(const std::vector<BatchFinding>& findings) {
   for (const StateWords& words : kRepeatedStates) {
     const std::size_t count = counts[words.state];
     if (count > 0) {
-      text += CountOfBatches(count) + std::string(count == 1 ? words.one : words.many) + ", as " +
-              (count == 1 ? "transaction " : "transactions ") + Ranges(numbers[words.state]) +
-              ".\r\n";
+      text += Tr(count == 1 ? words.one : words.many,
+                 {std::to_string(count), Ranges(numbers[words.state])}) +
+              "\r\n";
     }
   }
-  const std::size_t fresh = counts[BatchState::kNew];
-  if (fresh == 0) {
-    return text + "No batch is new.";
+  switch (const std::size_t fresh = counts[BatchState::kNew]; fresh) {
+    case 0:
+      return text + Tr("No batch is new.");
+    case 1:
+      return text + Tr("1 batch is new.");
+    default:
+      return text + Tr("%1 batches are new.", {std::to_string(fresh)});
   }
-  return text + CountOfBatches(fresh) + (fresh == 1 ? " is new." : " are new.");
 }
 
 // Consecutive numbers of file and database share a line: a file may repeat hundreds of batches.
@@ -280,13 +288,12 @@ std::string RepeatedList(const std::vector<FileBatch>& batches,
       ++last;
     }
     if (const StateWords* const words = WordsOf(findings[first].state)) {
-      const bool one = first == last;
-      text += (text.empty() ? "" : "\r\n") + std::string(one ? "Batch " : "Batches ") +
-              Range(batches[first].number.value_or(0), batches[last].number.value_or(0)) + ": " +
-              std::string(one ? words->in_list : words->in_list_many) +
-              (one ? " transaction " : " transactions ") +
-              Range(*findings[first].stored_as, *findings[last].stored_as) +
-              (findings[first].by_name ? " (compared by name)" : "");
+      const std::string line =
+          Tr(first == last ? words->in_list : words->in_list_many,
+             {Range(batches[first].number.value_or(0), batches[last].number.value_or(0)),
+              Range(*findings[first].stored_as, *findings[last].stored_as)});
+      text += (text.empty() ? "" : "\r\n") +
+              (findings[first].by_name ? Tr("%1 (compared by name)", {line}) : line);
     }
     first = last + 1;
   }

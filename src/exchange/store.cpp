@@ -15,6 +15,7 @@
 #include "base/files.h"
 #include "base/number.h"
 #include "base/text.h"
+#include "base/translation.h"
 #include "database/connection.h"
 #include "database/identity.h"
 #include "database/imports.h"
@@ -33,7 +34,7 @@ namespace {
 // smaller cache they are written and read several times before the commit. Allocated on demand.
 constexpr const char* kLargeCache = "PRAGMA cache_size=-65536";
 
-constexpr std::string_view kUndoTitle = "Undo the Last Store";
+constexpr std::string_view kUndoTitle = TrMark("Undo the Last Store");
 
 constexpr const char* kHasTransactionsQuery = "SELECT EXISTS (SELECT 1 FROM Transactions)";
 
@@ -45,7 +46,7 @@ struct Copied {
 };
 
 std::string CountOfRows(std::size_t count) {
-  return std::to_string(count) + (count == 1 ? " row" : " rows");
+  return count == 1 ? Tr("1 row") : Tr("%1 rows", {std::to_string(count)});
 }
 
 std::int32_t ScanForBase(SQLite::Database& database, ProgressDisplay& progress) {
@@ -189,16 +190,19 @@ constexpr std::size_t kHoursAndMinutes = 5;
 
 // "01.QXT, stored on 2026-01-05 at 06:30: 9 rows, transactions 41 to 44."
 std::string DescribeStore(const ImportRecord& store) {
-  std::string text = store.file + ", stored on " + store.at.substr(0, kTimeOfIsoText - 1) + " at " +
-                     store.at.substr(std::min(kTimeOfIsoText, store.at.size()), kHoursAndMinutes) +
-                     ": " + CountOfRows(static_cast<std::size_t>(store.stored));
-  if (store.stored_low) {
-    text += *store.stored_low == *store.stored_high
-                ? ", transaction " + std::to_string(*store.stored_low)
-                : ", transactions " + std::to_string(*store.stored_low) + " to " +
-                      std::to_string(*store.stored_high);
+  const std::string day = store.at.substr(0, kTimeOfIsoText - 1);
+  const std::string time =
+      store.at.substr(std::min(kTimeOfIsoText, store.at.size()), kHoursAndMinutes);
+  const std::string rows = CountOfRows(static_cast<std::size_t>(store.stored));
+  if (!store.stored_low) {
+    return Tr("%1, stored on %2 at %3: %4.", {store.file, day, time, rows});
   }
-  return text + ".";
+  const std::string low = std::to_string(*store.stored_low);
+  if (*store.stored_low == *store.stored_high) {
+    return Tr("%1, stored on %2 at %3: %4, transaction %5.", {store.file, day, time, rows, low});
+  }
+  return Tr("%1, stored on %2 at %3: %4, transactions %5 to %6.",
+            {store.file, day, time, rows, low, std::to_string(*store.stored_high)});
 }
 
 // Returns the number of rows. Throws DatabaseError; the database is unchanged then.
@@ -258,7 +262,7 @@ StoreOutcome TransactionStore::StoreImportedTransactions(const ImportedData& row
     }
     copied = CopyInOneTransaction(rows, source, databases, calendar_, progress_, *decided);
   } catch (const DatabaseError& error) {
-    ReportFailure(error, "nothing of this import was stored");
+    ReportFailure(error, Tr("nothing of this import was stored"));
     return {};
   } catch (const std::exception& error) {
     ReportStopped(error.what(), {});
@@ -274,7 +278,7 @@ StoreOutcome TransactionStore::StoreImportedTransactions(const ImportedData& row
   if (outcome.complete) {
     progress_.SetProgressMessage(
         outcome.stored == 0 && outcome.repeated > 0
-            ? "All imported records are in the Transaction database already."
+            ? Tr("All imported records are in the Transaction database already.")
             : "Successfully copied imported records to Transaction database.");
     BeepIfEnabled(operator_, settings_);
   } else {
@@ -303,12 +307,12 @@ std::optional<RepeatedBatches> TransactionStore::Decide(const ImportedData& rows
     return RepeatedBatches::kNew;
   }
   MessageBox box{.icon = Icon::kWarning,
-                 .title = "Repeated Batches",
-                 .text = "The transaction database has batches of this import already.\r\n\r\n" +
-                         RepeatedText(findings),
+                 .title = Tr("Repeated Batches"),
+                 .text = Tr("The transaction database has batches of this import already.") +
+                         "\r\n\r\n" + RepeatedText(findings),
                  .cause = RepeatedList(batches, findings)};
   if (repeated == RepeatedBatches::kNone) {
-    box.text += "\r\n\r\nNothing was stored.";
+    box.text += "\r\n\r\n" + Tr("Nothing was stored.");
     operator_.ShowMessage(box);
     return std::nullopt;
   }
@@ -333,27 +337,26 @@ bool TransactionStore::UndoLastStore(const OpenDatabases& databases) {
     const std::optional<ImportRecord> last = LastStore(databases);
     if (!last) {
       operator_.ShowMessage({.icon = Icon::kInformation,
-                             .title = std::string(kUndoTitle),
-                             .text =
-                                 "There is no store to undo: only the last store can be undone, "
-                                 "and only once."});
+                             .title = Tr(kUndoTitle),
+                             .text = Tr("There is no store to undo: only the last store can be "
+                                        "undone, and only once.")});
       return false;
     }
     const Answer answer = operator_.ShowMessage(
         {.icon = Icon::kQuestion,
          .buttons = Buttons::kYesNo,
-         .title = std::string(kUndoTitle),
-         .text = "Do you want to take the records of the last store out of the database?\r\n\r\n" +
-                 DescribeStore(*last),
+         .title = Tr(kUndoTitle),
+         .text = Tr("Do you want to take the records of the last store out of the database?") +
+                 "\r\n\r\n" + DescribeStore(*last),
          .refuses_by_default = true});
     if (answer != Answer::kYes) {
       return false;
     }
     const std::int64_t rows = TakeOut(*last, databases, calendar_);
-    progress_.SetProgressMessage("The last store was undone: " +
-                                 CountOfRows(static_cast<std::size_t>(rows)) + " taken out.");
+    progress_.SetProgressMessage(Tr("The last store was undone: %1 taken out.",
+                                    {CountOfRows(static_cast<std::size_t>(rows))}));
   } catch (const DatabaseError& error) {
-    ReportFailure(error, "nothing was taken out");
+    ReportFailure(error, Tr("nothing was taken out"));
     return false;
   }
   save_transaction_database_();
@@ -381,10 +384,12 @@ bool TransactionStore::ConfirmDuplicate() {
 
 void TransactionStore::ReportStopped(const std::string& reason, const StoreOutcome& outcome) {
   progress_.SetProgressMessage({});
-  std::string count = "Nothing of this import was stored.";
-  if (outcome.stored > 0) {
-    count = "The copy stopped there; " + CountOfRows(outcome.stored) + " before it " +
-            (outcome.stored == 1 ? "is" : "are") + " stored.";
+  std::string count = Tr("Nothing of this import was stored.");
+  if (outcome.stored == 1) {
+    count = Tr("The copy stopped there; 1 row before it is stored.");
+  } else if (outcome.stored > 1) {
+    count = Tr("The copy stopped there; %1 rows before it are stored.",
+               {std::to_string(outcome.stored)});
   }
   operator_.ShowMessage(
       {Icon::kCritical, Buttons::kOk, std::string(kStoreErrorTitle), reason + "\r\n\r\n" + count});
@@ -396,7 +401,7 @@ void TransactionStore::ReportLeftOut(const ImportedData& rows, const StoreOutcom
   std::size_t of_unread_feeds = 0;
   if (!feeds.empty()) {
     box.icon = Icon::kWarning;
-    box.text = UnreadFeedsText(feeds, "stored");
+    box.text = UnreadFeedsText(feeds, LeftOutOf::kStore);
     box.cause = UnreadFeedsList(feeds);
     for (const UnreadFeed& feed : feeds) {
       of_unread_feeds += feed.rows;
@@ -404,11 +409,13 @@ void TransactionStore::ReportLeftOut(const ImportedData& rows, const StoreOutcom
   }
   if (outcome.left_out > of_unread_feeds) {
     const std::size_t empty = outcome.left_out - of_unread_feeds;
-    box.text += (box.text.empty() ? "" : "\r\n\r\n") + CountOfRows(empty) +
-                (empty == 1 ? " of the import holds no data (it was counted in the file but never "
-                              "filled) and was not stored."
-                            : " of the import hold no data (they were counted in the file but "
-                              "never filled) and were not stored.");
+    box.text +=
+        (box.text.empty() ? "" : "\r\n\r\n") +
+        (empty == 1 ? Tr("1 row of the import holds no data (it was counted in the file but "
+                         "never filled) and was not stored.")
+                    : Tr("%1 rows of the import hold no data (they were counted in the "
+                         "file but never filled) and were not stored.",
+                         {std::to_string(empty)}));
   }
   if (!box.text.empty()) {
     operator_.ShowMessage(box);

@@ -2,8 +2,10 @@
 
 #include <algorithm>
 #include <cstddef>
+#include <string_view>
 
 #include "base/encoding.h"
+#include "base/translation.h"
 
 namespace vrx {
 namespace {
@@ -26,22 +28,28 @@ std::string Lines(const std::vector<UnreadFeed>& feeds, std::size_t most) {
   for (std::size_t i = 0; i < std::min(feeds.size(), most); ++i) {
     const UnreadFeed& feed = feeds[i];
     lines += lines.empty() ? "" : "\r\n";
-    lines += "Transaction " + Shown(feed.transaction) + ": " + Shown(feed.text);
+    lines += Tr("Transaction %1: %2", {Shown(feed.transaction), Shown(feed.text)});
   }
   if (feeds.size() > most) {
-    lines += "\r\nand " + std::to_string(feeds.size() - most) + " more";
+    lines += "\r\n" + Tr("and %1 more", {std::to_string(feeds.size() - most)});
   }
   return lines;
 }
 
 }  // namespace
 
-std::string UnreadFeedsText(const std::vector<UnreadFeed>& feeds, std::string_view what) {
-  const bool one = feeds.size() == 1;
-  return std::to_string(feeds.size()) +
-         (one ? " feed record fits no batch of the file and was not "
-              : " feed records fit no batch of the file and were not ") +
-         std::string(what) + ":\r\n" + Lines(feeds, kMostInText);
+std::string UnreadFeedsText(const std::vector<UnreadFeed>& feeds, LeftOutOf where) {
+  const bool import = where == LeftOutOf::kImport;
+  const std::string count = std::to_string(feeds.size());
+  std::string head;
+  if (feeds.size() == 1) {
+    head = import ? Tr("1 feed record fits no batch of the file and was not read:")
+                  : Tr("1 feed record fits no batch of the file and was not stored:");
+  } else {
+    head = import ? Tr("%1 feed records fit no batch of the file and were not read:", {count})
+                  : Tr("%1 feed records fit no batch of the file and were not stored:", {count});
+  }
+  return head + "\r\n" + Lines(feeds, kMostInText);
 }
 
 std::string UnreadFeedsList(const std::vector<UnreadFeed>& feeds) {

@@ -104,7 +104,7 @@ void ImportPresenter::ReportUnreadFeeds() {
   if (!feeds.empty()) {
     services_.op.ShowMessage({.icon = Icon::kWarning,
                               .title = "Import",
-                              .text = UnreadFeedsText(feeds, "read"),
+                              .text = UnreadFeedsText(feeds, LeftOutOf::kImport),
                               .cause = UnreadFeedsList(feeds)});
   }
 }

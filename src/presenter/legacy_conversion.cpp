@@ -4,6 +4,7 @@
 #include <string>
 
 #include "base/files.h"
+#include "base/translation.h"
 #include "database/connection.h"
 #include "database/identity.h"
 #include "legacy/convert.h"
@@ -75,15 +76,15 @@ bool ConversionOffer::Asked() {
              {.icon = Icon::kQuestion,
               .buttons = Buttons::kYesNo,
               .title = std::string(kConversionTitle),
-              .text = "This database was made by an earlier version of the program. Convert a copy "
-                      "of it and open the copy?"}) == Answer::kYes;
+              .text = Tr("This database was made by an earlier version of the program. Convert a "
+                         "copy of it and open the copy?")}) == Answer::kYes;
 }
 
 std::optional<fs::path> ConversionOffer::AskCopy(DatabaseKind kind) {
   const KindTexts& words = TextsOf(kind);
   while (true) {
     const FileChoice choice =
-        services_.files.ShowSave({.title = "Save Converted Copy As...",
+        services_.files.ShowSave({.title = Tr("Save Converted Copy As..."),
                                   .filter = std::string(words.filter),
                                   .default_extension = std::string(words.extension),
                                   .start_folder = services_.folder.DefaultAppPath().string(),
@@ -97,8 +98,10 @@ std::optional<fs::path> ConversionOffer::AskCopy(DatabaseKind kind) {
     if (!FileExists(choice.path)) {
       return choice.path;
     }
-    Refuse("A file by the name " + choice.title +
-           " already exists. Choose another name: the copy does not replace a file.");
+    Refuse(
+        Tr("A file by the name %1 already exists. Choose another name: the copy does not replace "
+           "a file.",
+           {choice.title}));
   }
 }
 

@@ -4,6 +4,7 @@
 #include <string>
 
 #include "base/number.h"
+#include "base/translation.h"
 #include "report/report_layout.h"
 
 namespace vrx {
@@ -16,20 +17,22 @@ bool OfferSideBySide(double letter_points, std::size_t sheets, Operator& op) {
   return op.ShowMessage(
              {.icon = Icon::kWarning,
               .buttons = Buttons::kOkCancel,
-              .title = "Print",
-              .text = "All columns fit on one page only in letters of " +
-                      LetterText(letter_points) +
-                      " points, which are too small to read.\r\nThe report can be printed with its "
-                      "columns on " +
-                      std::to_string(sheets) + " pages side by side instead."}) == Answer::kOk;
+              .title = Tr("Print"),
+              .text = Tr("All columns fit on one page only in letters of %1 points, which are too "
+                         "small to read.",
+                         {LetterText(letter_points)}) +
+                      "\r\n" +
+                      Tr("The report can be printed with its columns on %1 pages side by side "
+                         "instead.",
+                         {std::to_string(sheets)})}) == Answer::kOk;
 }
 
 bool ConfirmSheets(std::int64_t sheets, Operator& op) {
   return op.ShowMessage({.icon = Icon::kQuestion,
                          .buttons = Buttons::kYesNo,
-                         .title = "Print",
-                         .text = "The report takes " + std::to_string(sheets) +
-                                 " sheets.\r\nDo you want to print all of them?",
+                         .title = Tr("Print"),
+                         .text = Tr("The report takes %1 sheets.", {std::to_string(sheets)}) +
+                                 "\r\n" + Tr("Do you want to print all of them?"),
                          .refuses_by_default = true}) == Answer::kYes;
 }
 

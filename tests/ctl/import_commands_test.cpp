@@ -142,7 +142,7 @@ TEST_F(ImportCommands, WithoutATerminalARepeatedFileIsNotStored) {
   EXPECT_EQ(err,
             "Repeated Batches: The transaction database has batches of this import already.\n\n"
             "2 batches are there already, as transactions 1-2.\nNo batch is new.\n"
-            "cause: Batch 1: the same as transaction 1\nBatch 2: the same as transaction 2\n"
+            "cause: Batches 1-2: the same as transactions 1-2\n"
             "answered with Nothing (--yes answers with New)\n");
   EXPECT_EQ(Info(into)["rows"], 6);
   EXPECT_EQ(Store(into, {"--repeated", "none"}), 1);

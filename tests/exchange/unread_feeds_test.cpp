@@ -120,12 +120,12 @@ TEST(UnreadFeeds, OfThePreviousFileAreForgotten) {
 }
 
 TEST(UnreadFeedsText, NamesEachWithItsNumberAndFields) {
-  EXPECT_EQ(UnreadFeedsText({{.transaction = "9", .text = "B,9,12,\xC4"}}, "read"),
+  EXPECT_EQ(UnreadFeedsText({{.transaction = "9", .text = "B,9,12,\xC4"}}, LeftOutOf::kImport),
             "1 feed record fits no batch of the file and was not read:\r\n"
             "Transaction 9: B,9,12,\u00C4");
   EXPECT_EQ(
       UnreadFeedsText({{.transaction = "9", .text = "B,9"}, {.transaction = "8", .text = "B,8"}},
-                      "stored"),
+                      LeftOutOf::kStore),
       "2 feed records fit no batch of the file and were not stored:\r\n"
       "Transaction 9: B,9\r\nTransaction 8: B,8");
 }
@@ -135,10 +135,11 @@ TEST(UnreadFeedsText, NamesTheFirstOfManyAndTheListAll) {
   for (int i = 1; i <= 10; ++i) {
     feeds.push_back({.transaction = std::to_string(i), .text = "B," + std::to_string(i)});
   }
-  EXPECT_THAT(UnreadFeedsText(feeds, "read"), EndsWith("Transaction 10: B,10"));
+  EXPECT_THAT(UnreadFeedsText(feeds, LeftOutOf::kImport), EndsWith("Transaction 10: B,10"));
   EXPECT_EQ(UnreadFeedsList(feeds), "");
   feeds.push_back({.transaction = "11", .text = "B,11"});
-  EXPECT_THAT(UnreadFeedsText(feeds, "read"), EndsWith("Transaction 10: B,10\r\nand 1 more"));
+  EXPECT_THAT(UnreadFeedsText(feeds, LeftOutOf::kImport),
+              EndsWith("Transaction 10: B,10\r\nand 1 more"));
   EXPECT_THAT(UnreadFeedsList(feeds), EndsWith("Transaction 10: B,10\r\nTransaction 11: B,11"));
   feeds.resize(501);
   EXPECT_THAT(UnreadFeedsList(feeds), EndsWith("\r\nand 1 more"));
@@ -146,14 +147,15 @@ TEST(UnreadFeedsText, NamesTheFirstOfManyAndTheListAll) {
 
 TEST(UnreadFeedsText, ShowsARecordOf120BytesWhole) {
   const std::string record(120, 'x');
-  EXPECT_THAT(UnreadFeedsText({{.transaction = "9", .text = record}}, "read"), EndsWith(record));
-  EXPECT_THAT(UnreadFeedsText({{.transaction = "9", .text = record + "y"}}, "read"),
+  EXPECT_THAT(UnreadFeedsText({{.transaction = "9", .text = record}}, LeftOutOf::kImport),
+              EndsWith(record));
+  EXPECT_THAT(UnreadFeedsText({{.transaction = "9", .text = record + "y"}}, LeftOutOf::kImport),
               EndsWith(record + "..."));
 }
 
 TEST(UnreadFeedsText, CutsLongRecordsAndShowsNoControlCharacter) {
   const std::string text = UnreadFeedsText(
-      {{.transaction = "9", .text = "B,9,\x1B[2J" + std::string(200, 'x')}}, "read");
+      {{.transaction = "9", .text = "B,9,\x1B[2J" + std::string(200, 'x')}}, LeftOutOf::kImport);
   EXPECT_THAT(text, HasSubstr("B,9, [2Jxxx"));
   EXPECT_THAT(text, EndsWith("xxx..."));
   EXPECT_THAT(text, Not(HasSubstr(std::string(120, 'x'))));

@@ -218,13 +218,12 @@ Answer QtOperator::ShowMessage(const MessageBox& box) {
   const int busy = std::exchange(busy_, 0);
   ShowCursor();
   ReleasePressedButtons();
-  QMessageBox message(IconOf(box.icon),
-                      ToQString(box.title.empty() ? kApplicationTitle : box.title), {},
+  QMessageBox message(IconOf(box.icon), QTr(box.title.empty() ? kApplicationTitle : box.title), {},
                       ButtonsOf(box.buttons), QApplication::activeWindow());
   message.setObjectName(QStringLiteral("MessageBox"));
   message.setTextFormat(Qt::PlainText);
-  message.setText(ToScreenLines(box.text));
-  message.setDetailedText(ToScreenLines(box.cause));
+  message.setText(ToScreenLines(Tr(box.text)));
+  message.setDetailedText(ToScreenLines(Tr(box.cause)));
   NameButtons(message, box.buttons);
   message.setDefaultButton(DefaultOf(box));
   MakeRoomForTitle(message);
@@ -253,7 +252,7 @@ void QtOperator::ShowCursor() {
   }
 }
 
-void QtOperator::SetStatusLine(std::string_view text) { Q_EMIT StatusLineChanged(ToQString(text)); }
+void QtOperator::SetStatusLine(std::string_view text) { Q_EMIT StatusLineChanged(QTr(text)); }
 
 void QtOperator::SetStatusColor(StatusColor color) { Q_EMIT StatusColorChanged(color); }
 
