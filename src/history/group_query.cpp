@@ -151,6 +151,20 @@ std::string GroupQuery::From(std::size_t levels) const {
   return Rows(levels) + (ranges_ ? InTransactionRanges(Parameter(kRangeParameter)) : "");
 }
 
+std::string GroupQuery::FirstAfter() const {
+  std::string fields;
+  for (const GroupLevel& level : levels_) {
+    fields += ", " + level.field;
+  }
+  return "SELECT rowid" + fields + Rows(0) + " AND rowid > " + Parameter(kFirstOwnParameter) +
+         " ORDER BY rowid LIMIT 1";
+}
+
+void GroupQuery::BindFirstAfter(SQLite::Statement& statement, std::int64_t rowid) const {
+  BindRows(statement, {});
+  statement.bind(kFirstOwnParameter, rowid);
+}
+
 std::string GroupQuery::FromRange(std::size_t levels) const {
   return RowsOfRange(levels, Parameter(kRangeParameter));
 }

@@ -115,6 +115,11 @@ class GroupQuery {
   // True if the picked name is the only value of the outermost level.
   [[nodiscard]] bool IsByName() const { return by_name_; }
 
+  // The rowid and the values of all levels of the first row of the view with a rowid above the
+  // first own parameter. BindFirstAfter binds the parameters.
+  [[nodiscard]] std::string FirstAfter() const;
+  void BindFirstAfter(SQLite::Statement& statement, std::int64_t rowid) const;
+
   // For a ranged query: the values of the next level inside a group at that depth, ascending, NULL
   // first. Each value of each range takes one search of an index.
   [[nodiscard]] std::string ValuesInRanges(std::size_t levels) const;

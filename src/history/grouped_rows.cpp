@@ -222,10 +222,11 @@ class GroupedRows::Impl {
     if (place.kind != HistoryRowKind::kGroup || Rows().IsOpen(place.path) == open) {
       return;
     }
-    if (!Rows().IsKnown(place.path)) {
-      Read(database_, [&] { Learn(*view_, place.path); });
+    if (open) {
+      Read(database_, [&] { Open(place.path); });
+    } else {
+      view_->outline.SetOpen(place.path, false);
     }
-    view_->outline.SetOpen(place.path, open);
   }
 
   void OpenAll() {
@@ -253,12 +254,58 @@ class GroupedRows::Impl {
     return SortAndFollow(sort, row);
   }
 
+  std::int64_t OpenNewest(std::int64_t count) {
+    return Read(database_, [&]() -> std::int64_t {
+      Statements::InUse first = view_->statements.Take(view_->query.FirstAfter());
+      view_->query.BindFirstAfter(*first, LastRow(database_) - count);
+      if (!first->executeStep()) {
+        return 0;
+      }
+      GroupPath path;
+      for (int level = 1; level <= static_cast<int>(view_->query.Levels().size()); ++level) {
+        const std::optional<GroupPath> group =
+            Rows().FindGroup(path, ValueOf(first->getColumn(level)));
+        if (!group) {
+          return 0;  // stored after the view was read
+        }
+        path = *group;
+        Open(path);
+      }
+      const std::optional<std::int64_t> place = PlaceOf(path, first->getColumn(0).getInt64());
+      return place ? Rows().RowOf(path, *place) : 0;
+    });
+  }
+
   void SumColumns(std::vector<int> columns) {
     view_->totals.SetColumns(columns);
     sum_columns_ = std::move(columns);
   }
 
  private:
+  // The groups around it are open.
+  void Open(const GroupPath& path) {
+    if (!Rows().IsKnown(path)) {
+      Learn(*view_, path);
+    }
+    if (!Rows().IsOpen(path)) {
+      view_->outline.SetOpen(path, true);
+    }
+  }
+
+  // Of one of the last records. In stored order it takes no list of all records.
+  std::optional<std::int64_t> PlaceOf(const GroupPath& path, std::int64_t rowid) {
+    if (view_->pages.Sort().column != 0) {
+      return view_->pages.PlaceOf(Rows(), path, rowid);
+    }
+    Statements::InUse later =
+        view_->statements.Take("SELECT count(*)" + view_->query.From(path.size()) +
+                               " AND rowid >= ?" + std::to_string(GroupQuery::kFirstOwnParameter));
+    view_->query.Bind(*later, Rows().Values(path));
+    later->bind(GroupQuery::kFirstOwnParameter, rowid);
+    later->executeStep();
+    return Rows().RecordCount(path) - later->getColumn(0).getInt64();
+  }
+
   // The record stays in its group.
   std::int64_t SortAndFollow(const RecordSort& sort, std::int64_t row) {
     RecordPages& pages = view_->pages;
@@ -336,6 +383,7 @@ void GroupedRows::CloseAll() { impl_->CloseAll(); }
 std::int64_t GroupedRows::SortBy(int column, bool ascending, std::int64_t row) {
   return impl_->SortBy(column, ascending, row);
 }
+std::int64_t GroupedRows::OpenNewest(std::int64_t count) { return impl_->OpenNewest(count); }
 void GroupedRows::SumColumns(std::vector<int> columns) { impl_->SumColumns(std::move(columns)); }
 
 }  // namespace vrx

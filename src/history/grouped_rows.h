@@ -62,6 +62,10 @@ class GroupedRows {
   // record at `row`; a group row, a total row and 0 keep their number.
   std::int64_t SortBy(int column, bool ascending, std::int64_t row = 0);
 
+  // Opens the groups of the first of the `count` records stored last, as far as the view shows
+  // them, and returns its row; 0 if it shows none of them.
+  std::int64_t OpenNewest(std::int64_t count);
+
   // Sets the columns whose sums a total row needs, by index. Default: Target, ActualBatch and
   // ActualFeed.
   void SumColumns(std::vector<int> columns);

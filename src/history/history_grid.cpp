@@ -108,6 +108,12 @@ std::int64_t HistoryGrid::SortByColumn(int column, std::int64_t row) {
   return followed;
 }
 
+std::int64_t HistoryGrid::OpenNewest(std::int64_t count) {
+  const std::int64_t row = rows_.OpenNewest(count);
+  UpdateColumnHeaderStrip();
+  return row;
+}
+
 void HistoryGrid::UpdateColumnHeaderStrip() {
   if (rows_.RowCount() > 0) {
     column_headers_ = rows_.ShowsRecords();

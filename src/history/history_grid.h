@@ -69,6 +69,8 @@ class HistoryGrid {
   // nothing, because it has one value in each group. Returns the new row number as
   // GroupedRows::SortBy.
   std::int64_t SortByColumn(int column, std::int64_t row = 0);
+  // As GroupedRows::OpenNewest; updates the column headers.
+  std::int64_t OpenNewest(std::int64_t count);
   [[nodiscard]] int SortColumn() const { return sort_column_; }  // 0: none
   [[nodiscard]] bool SortAscending() const { return sort_ascending_; }
 

@@ -1,5 +1,6 @@
 #include "history/outline.h"
 
+#include <algorithm>
 #include <bit>
 #include <cstddef>
 #include <map>
@@ -264,6 +265,42 @@ OutlinePlace Outline::Find(std::int64_t row) const {
   place.depth = static_cast<int>(levels_.size()) + 1;
   place.record = left;
   return place;
+}
+
+std::int64_t Outline::RowOf(const GroupPath& path, std::int64_t record) const {
+  std::int64_t rows = 0;
+  const Node* outer = &table_;
+  for (std::size_t level = 0; level < path.size(); ++level) {
+    rows += TotalOf(SumsOf(*outer, level).first(path[level] - outer->first)).rows + 1;
+    outer = &levels_[level].nodes[path[level]];
+  }
+  return rows + record + 1;
+}
+
+std::optional<GroupPath> Outline::FindGroup(const GroupPath& outer, const CellValue& value) const {
+  Value wanted;
+  if (const auto* const text = std::get_if<std::string>(&value)) {
+    const auto kept = texts_.find(*text);
+    if (kept == texts_.end()) {
+      return std::nullopt;
+    }
+    wanted = &*kept;
+  } else if (const auto* const whole = std::get_if<std::int64_t>(&value)) {
+    wanted = *whole;
+  } else if (const auto* const number = std::get_if<double>(&value)) {
+    wanted = *number;
+  }
+  const Node& node = At(outer);
+  const auto groups =
+      std::span(levels_[outer.size()].nodes).subspan(node.first, LengthOf(node.inside));
+  const auto found = std::find_if(groups.begin(), groups.end(),
+                                  [&](const Node& group) { return group.value == wanted; });
+  if (found == groups.end()) {
+    return std::nullopt;
+  }
+  GroupPath path = outer;
+  path.push_back(node.first + static_cast<std::uint32_t>(found - groups.begin()));
+  return path;
 }
 
 std::vector<CellValue> Outline::Values(const GroupPath& path) const {

@@ -2,6 +2,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <optional>
 #include <span>
 #include <string>
 #include <unordered_set>
@@ -54,6 +55,14 @@ class Outline {
 
   // Rows are numbered from 1. Throws std::out_of_range.
   OutlinePlace Find(std::int64_t row) const;
+
+  // The row of a record, if all groups of the path are open.
+  [[nodiscard]] std::int64_t RowOf(const GroupPath& path, std::int64_t record) const;
+
+  // The group with that value inside a known group; nothing if there is none. Linear in the number
+  // of groups there.
+  [[nodiscard]] std::optional<GroupPath> FindGroup(const GroupPath& outer,
+                                                   const CellValue& value) const;
 
   [[nodiscard]] std::vector<CellValue> Values(const GroupPath& path) const;
   [[nodiscard]] bool IsInnermost(const GroupPath& path) const {

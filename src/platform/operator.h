@@ -20,6 +20,10 @@ enum class Answer {
   kStoreNothing
 };
 
+// What a message about the serial port shows below its text: nothing, its cause, or its cause and a
+// button that opens Setup at the port.
+enum class PortHelp { kNone, kCause, kCauseAndSetup };
+
 // A message to the operator. Texts are UTF-8; CR LF separates lines.
 struct MessageBox {
   Icon icon = Icon::kNone;
@@ -32,6 +36,7 @@ struct MessageBox {
   // Makes the refusing button the default. For questions where the other answer overwrites, repeats
   // or relabels data.
   bool refuses_by_default = false;
+  PortHelp port_help = PortHelp::kNone;
 };
 
 enum class StatusColor { kBlue, kRed, kGreen };  // busy, error, success

@@ -83,7 +83,8 @@ bool DirectConnection::OpenPort() {
   op_.ShowMessage({.icon = Icon::kCritical,
                    .title = "Error",
                    .text = "Could not open serial port for direct-connection.",
-                   .cause = krm_.KRM_FailureCause()});
+                   .cause = krm_.KRM_FailureCause(),
+                   .port_help = PortHelp::kCauseAndSetup});
   ConnectModule();
   return false;
 }
@@ -125,7 +126,8 @@ bool DirectConnection::DirectConnectLoop() {
   op_.ShowMessage({.icon = Icon::kCritical,
                    .title = "Error",
                    .text = "The direct-connection has ended: " + krm_.GS_KRM_ErrMsg() + ".",
-                   .cause = krm_.KRM_FailureCause()});
+                   .cause = krm_.KRM_FailureCause(),
+                   .port_help = PortHelp::kCauseAndSetup});
   ConnectModule();
   return false;
 }

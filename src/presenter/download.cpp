@@ -57,6 +57,7 @@ bool Download::ClearAndSend(std::string_view text) {
 }
 
 bool Download::Fail(std::string_view words) {
+  ReportPortFailure(op_, krm_, settings_);
   const bool own_words = pump_.Closing() || krm_.KRM_LineHeld();
   ReportFailed(op_, "Error: " + (own_words ? krm_.GS_KRM_ErrMsg() : std::string(words)));
   return false;

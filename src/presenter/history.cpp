@@ -252,6 +252,12 @@ void HistoryPresenter::MoveColumn(int column, int position) {
   Act([&] { grid_.MoveColumn(column, position); });
 }
 
+std::int64_t HistoryPresenter::OpenNewest(std::int64_t count) {
+  std::int64_t row = 0;
+  Act([&] { row = grid_.OpenNewest(count); });
+  return row;
+}
+
 void HistoryPresenter::TabChanged() {
   Act([this] {
     grid_.CollapseAll();

@@ -131,6 +131,9 @@ class HistoryPresenter {
   // Returns the new row of the record at `row`, like HistoryGrid::SortByColumn.
   std::int64_t SortByColumn(int column, std::int64_t row = 0);
   void MoveColumn(int column, int position);
+  // Opens the groups of the first of the `count` records stored last that the current group shows,
+  // and returns its row; 0 if it shows none of them.
+  std::int64_t OpenNewest(std::int64_t count);
 
   // Called after any change of the main tab, and then when this one is entered.
   void TabChanged();

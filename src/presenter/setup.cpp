@@ -134,7 +134,8 @@ void ModuleSetup::ShowResult(Icon icon, std::string_view title, std::string_view
     op_.ShowMessage({.icon = icon,
                      .title = std::string(title),
                      .text = std::string(text),
-                     .cause = with_cause ? krm_.KRM_FailureCause() : std::string()});
+                     .cause = with_cause ? krm_.KRM_FailureCause() : std::string(),
+                     .port_help = with_cause ? PortHelp::kCause : PortHelp::kNone});
   }
 }
 

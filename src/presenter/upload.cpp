@@ -65,6 +65,7 @@ int Upload::UploadFromModule() {
                       " bytes");
   });
   if (!krm_.KRM_Dump()) {
+    ReportPortFailure(op_, krm_, settings_);
     ReportFailed(op_, "Error: " + (krm_.GS_KRM_ErrMsg().empty() ? krm_.KRM_FailureCause()
                                                                 : krm_.GS_KRM_ErrMsg()));
     return 0;
@@ -82,7 +83,8 @@ void Upload::ModuleNotDetected() {
                    .title = "KRM Error",
                    .text = "The KRM was not detected. Please verify that the module is connected. "
                            "Check cable and connector and then try again.",
-                   .cause = krm_.KRM_FailureCause()});
+                   .cause = krm_.KRM_FailureCause(),
+                   .port_help = PortHelp::kCauseAndSetup});
   ReportFailed(op_, krm_.KRM_LineHeld() ? "Error: Serial line held" : "Error: KRM not detected");
 }
 
@@ -200,6 +202,20 @@ void ReportComplete(Operator& op, std::string_view words) {
 
 void ReportFailed(Operator& op, std::string_view words) {
   ShowStatus(op, StatusColor::kRed, words);
+}
+
+void ReportPortFailure(Operator& op, const KRMCOMM& krm, const PrivateINI& settings) {
+  const bool lost = krm.KRM_Error() == LinkError::kLost;
+  if (!lost && krm.KRM_Error() != LinkError::kRefused) {
+    return;
+  }
+  BeepIfEnabled(op, settings);
+  op.ShowMessage({.icon = Icon::kWarning,
+                  .title = "KRM Error",
+                  .text = lost ? "The connection to the serial port was lost."
+                               : "The serial port cannot be used.",
+                  .cause = krm.KRM_FailureCause(),
+                  .port_help = PortHelp::kCauseAndSetup});
 }
 
 }  // namespace vrx

@@ -61,4 +61,8 @@ void ReportNeutral(Operator& op, std::string_view words);
 void ReportComplete(Operator& op, std::string_view words);
 void ReportFailed(Operator& op, std::string_view words);
 
+// If the last command failed because of the serial port itself, shows why, with a way to Setup.
+// Does nothing after any other failure and while the program is closing.
+void ReportPortFailure(Operator& op, const KRMCOMM& krm, const PrivateINI& settings);
+
 }  // namespace vrx

@@ -66,7 +66,7 @@ class AnsweredBoxes {
                      .buttons = ButtonsOf(box),
                      .title = box.windowTitle().toStdString(),
                      .text = box.text().toStdString(),
-                     .cause = box.detailedText().toStdString()});
+                     .cause = (box.detailedText() + box.informativeText()).toStdString()});
   }
   QMessageBox::StandardButton Take(const QMessageBox& box) {
     if (ButtonsOf(box) == Buttons::kOk) {

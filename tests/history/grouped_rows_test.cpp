@@ -1,8 +1,10 @@
 #include "history/grouped_rows.h"
 
+#include <algorithm>
 #include <stdexcept>
 #include <string>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 #include <gmock/gmock.h>
@@ -390,6 +392,48 @@ TEST(GroupedRows, ManyThousandRecordsAreSortedThroughAFileAndReachedFromBothEnds
     EXPECT_EQ(grouped.SortBy(7, true, row), 30001 - row);
     grouped.SortBy(7, false);
   }
+}
+
+TEST_F(GroupedRowsOfASmallHistory, TheFirstOfTheNewestRecordsIsFoundInEveryGroupAndOrder) {
+  const std::vector<std::pair<int, std::string>> views{
+      {0, ""},     {1, ""}, {2, ""},     {3, ""},  {4, "O'NEIL"}, {5, ""}, {6, ""},
+      {7, "CORN"}, {8, ""}, {9, "PEN2"}, {10, ""}, {11, ""},      {12, ""}};
+  const auto shows = [this](const std::string& record) {
+    const std::vector<std::string> lines = Lines(rows_);
+    return std::any_of(lines.begin(), lines.end(), [&](const std::string& line) {
+      return line.find_last_of(' ') + 1 + record.size() == line.size() && line.ends_with(record);
+    });
+  };
+  const std::string records = "abcdef";
+  for (const auto& [group, name] : views) {
+    for (std::size_t count = 1; count <= records.size(); ++count) {
+      for (const int sort_column : {0, 9, 7}) {
+        SCOPED_TRACE(std::to_string(group) + " newest " + std::to_string(count) + " sorted by " +
+                     std::to_string(sort_column));
+        Opened(group, name);
+        std::string expected;
+        for (const char record : records.substr(records.size() - count)) {
+          expected = expected.empty() && shows({record}) ? std::string{record} : expected;
+        }
+        Closed(group, name);
+        rows_.SortBy(sort_column, false);
+        const std::int64_t row = rows_.OpenNewest(static_cast<std::int64_t>(count));
+        if (expected.empty()) {
+          EXPECT_EQ(row, 0);
+        } else {
+          ASSERT_GT(row, 0);
+          EXPECT_EQ(rows_.Row(row).cells.at(8), Text(expected));
+        }
+      }
+    }
+  }
+}
+
+TEST_F(GroupedRowsOfASmallHistory, OnlyTheGroupsOfTheNewestRecordAreOpened) {
+  Closed(1);
+  EXPECT_EQ(rows_.OpenNewest(1), 5);
+  EXPECT_THAT(Lines(rows_), ElementsAre("+ 1", "- 2", "  + BATCH", "  - FEED", "    f",
+                                        "  = FEED 7:0.2 8:0 11:0.2", "= 2", "+ 10"));
 }
 
 TEST(GroupedRows, AnyPlaceOfALongTableWithManyGapsIsFoundInAnyOrder) {

@@ -76,6 +76,60 @@ TEST_F(PrintOnDisplay, ShowsThePagesBeforeTheyArePrinted) {
   EXPECT_TRUE(Eventually([&] { return fs::exists(pdf); }));
 }
 
+// A viewer of the user's own, which notes the file that it is started with.
+class OpenOnDisplay : public PrintOnDisplay {
+ protected:
+  OpenOnDisplay() {
+    const fs::path viewer = folder.Write(
+        "home/viewer", "#!/bin/sh\nprintf %s \"$1\" >'" + noted_.string() + ".new'\nmv '" +
+                           noted_.string() + ".new' '" + noted_.string() + "'\n");
+    fs::permissions(viewer, fs::perms::owner_all);
+    fs::create_directories(folder / "home/data/applications");
+    folder.Write("home/data/applications/viewer.desktop",
+                 "[Desktop Entry]\nType=Application\nName=Viewer\nExec=" + viewer.string() +
+                     " %f\nMimeType=application/pdf;text/csv;\n");
+    folder.Write("home/config/mimeapps.list",
+                 "[Default Applications]\napplication/pdf=viewer.desktop\n"
+                 "text/csv=viewer.desktop\n");
+  }
+
+  // Presses Open below the tabs and checks which file is opened.
+  void OpensFromTheLine(const std::string& line, const fs::path& file) {
+    ASSERT_TRUE(WaitFor([&](const Screen& screen) {
+      const Widget* const result = screen.Find("lblResult");
+      const Widget* const open = screen.Find("cmdResultOpen");
+      return result != nullptr && result->text == line && open != nullptr && open->enabled;
+    }));
+    Click("cmdResultOpen");
+    ASSERT_TRUE(Eventually([&] { return fs::exists(noted_); }));
+    EXPECT_EQ(ReadAll(noted_), file.string());
+    fs::remove(noted_);
+  }
+
+  fs::path noted_ = folder / "home/noted";
+};
+
+TEST_F(OpenOnDisplay, TheLineBelowTheTabsOpensWhatWasPrinted) {
+  PrintTo(pdf);
+  ASSERT_TRUE(Eventually([&] { return fs::exists(pdf); }));
+  ASSERT_TRUE(WaitForWindow(kMainTitle));
+  OpensFromTheLine("Printed to report.pdf", pdf);
+}
+
+TEST_F(OpenOnDisplay, TheLineBelowTheTabsOpensWhatWasExported) {
+  ClickItem("Export");
+  ASSERT_TRUE(WaitFor([](const Screen& screen) { return screen.Find("txtFName") != nullptr; }));
+  Click("txtFName");
+  Keys({"ctrl+a"});
+  Type("out");
+  Click("txtFPath");
+  Keys({"ctrl+a"});
+  Type(folder.Path().string());
+  Click("optCSV");
+  Click("cmdExport");
+  OpensFromTheLine("Exported to OUT.CSV", folder / "OUT.CSV");
+}
+
 TEST_F(PrintOnDisplay, NeverReplacesADatabaseOpenOrNot) {
   const fs::path other = folder / "other.pdf";
   const fs::path link = folder / "link.pdf";

@@ -76,6 +76,27 @@ TEST_F(TransferOnDisplay, MoreClicksOnUploadAreOneUpload) {
   EXPECT_TRUE(screen.Find("optConnection(0)")->checked);
 }
 
+TEST_F(TransferOnDisplay, AMissingPortIsNamedInTheBoxWhoseButtonOpensSetupAtThePort) {
+  fs::create_symlink(folder / "no_device", link_);
+  StartProgram();
+  Click("cmdUploadDataFromKRM");
+  ASSERT_TRUE(WaitForBox("The KRM was not detected."));
+  EXPECT_EQ(TextOf("qt_msgbox_informativelabel"), link_.string() + ": no such device");
+  Keys({"alt+s"});
+  ASSERT_TRUE(WaitForWindow("Setup and Test"));
+  EXPECT_TRUE(WaitFor([](const Screen& screen) {
+    const Widget* const ports = screen.Find("lstSerialPort");
+    return ports != nullptr && ports->focus;
+  }));
+  Keys({"Escape"});
+  ASSERT_TRUE(WaitForWindow(kMainTitle));
+  fs::remove(link_);
+  const auto module =
+      Simulate({"module", "--load", folder.Write("memory", "{BAT/FED},L\r\n").string()});
+  Click("cmdUploadDataFromKRM");
+  EXPECT_TRUE(WaitForStatus("Upload complete!  (16 bytes, 1 file)"));
+}
+
 TEST_F(TransferOnDisplay, ADoubleClickOnTheMemorySizeShowsTheBar) {
   const auto indicator = IndicatorThatSends("7B 52 45 50 4F 52 54 7D");
   StartProgram();

@@ -97,6 +97,7 @@ TEST_F(UploadTest, MissingModuleIsReportedInABox) {
             "connector and then try again.");
   EXPECT_EQ(op.boxes[0].icon, Icon::kWarning);
   EXPECT_EQ(op.boxes[0].cause, "no reply");
+  EXPECT_EQ(op.boxes[0].port_help, PortHelp::kCauseAndSetup);
   EXPECT_EQ(op.Status(), "Error: KRM not detected");
   EXPECT_EQ(op.status_color, StatusColor::kRed);
   EXPECT_EQ(op.beeps, 1);

@@ -192,7 +192,7 @@ class SampleProgram::Parts {
     CopySite();
     const auto stay = [](ExitReason) {};
     form = std::make_unique<MainForm>(services, lock_waits, user_settings, serial, *ini, stay);
-    form->ShowStatusOf(op);
+    form->Serve(op);
     SetHelpHandlers(form->Window(), system, os, op);
   }
 

@@ -89,9 +89,13 @@ MainForm::~MainForm() {
   }
 }
 
-void MainForm::ShowStatusOf(const QtOperator& op) {
+void MainForm::Serve(const QtOperator& op) {
   connect(&op, &QtOperator::StatusLineChanged, &window_, &MainWindow::SetStatusLine);
   connect(&op, &QtOperator::StatusColorChanged, &window_, &MainWindow::SetStatusColor);
+  connect(&op, &QtOperator::PortSetupRequested, this, [this] {
+    port_setup_wanted_ = true;
+    ShowPortSetup();
+  });
 }
 
 void MainForm::Connect() {

@@ -97,8 +97,8 @@ class MainForm : public QObject, public ProgramForm {
   MainWindow& Window() { return window_; }
   DatabaseCommands& Databases() { return databases_; }
 
-  // Shows the status line of this operator.
-  void ShowStatusOf(const QtOperator& op);
+  // Shows the status line of this operator, and Setup when its messages ask for it.
+  void Serve(const QtOperator& op);
 
   // ProgramForm.
   void Show() override;
@@ -142,7 +142,9 @@ class MainForm : public QObject, public ProgramForm {
   void AddTransferPages();
   void GoToRecipe(int position);
   void ShowLine();
-  void ShowSetup();
+  enum class SetupStart { kFirstTab, kPort };
+  void ShowSetup(SetupStart start = SetupStart::kFirstTab);
+  void ShowPortSetup();
   [[nodiscard]] SetupFacts Facts() const;
 
   // The tabs Batched/Fed and Export.
@@ -167,7 +169,8 @@ class MainForm : public QObject, public ProgramForm {
   QtTextPrinter text_printer_;
   DataTransferPage* data_transfer_;
   ImportPage* import_;
-  SetupForm* setup_ = nullptr;  // while it is shown
+  SetupForm* setup_ = nullptr;      // while it is shown
+  bool port_setup_wanted_ = false;  // once the line is free
   LineGuard::Watch line_watch_;
   StyleSheets style_sheets_;
   HistoryPage* history_;

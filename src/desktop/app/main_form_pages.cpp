@@ -1,6 +1,7 @@
 // The pages of the main form: how they are made, and what connects them to each other and to the
 // databases.
 
+#include <QTimer>
 #include <string>
 
 #include "database/identity.h"
@@ -101,7 +102,7 @@ void MainForm::AddTransferPages() {
   import_->SetTabOrder();
   connect(import_, &ImportPage::Done, this, [this](const QString& text, std::int64_t new_rows) {
     window_.Panels().PicResult().ShowText(text);
-    history_->GoToLastRows(new_rows);
+    history_->GoToNewest(new_rows);
   });
   window_.SetHandler(MainCommand::kImportTransactionFile, [this] { import_->ImportXFile(); });
   window_.SetHandler(MainCommand::kSetup, [this] { ShowSetup(); });
@@ -115,6 +116,20 @@ void MainForm::ShowLine() {
   window_.Turn(MainCommand::kSetup, !at_work);
   window_.Turn(MainCommand::kTransferUpload, !command_runs);
   window_.Turn(MainCommand::kTransferDownload, !command_runs);
+  ShowPortSetup();
+}
+
+// Later, because the command that releases the line has not returned yet.
+void MainForm::ShowPortSetup() {
+  if (!port_setup_wanted_ || !krm_.Guard().Free()) {
+    return;
+  }
+  port_setup_wanted_ = false;
+  QTimer::singleShot(0, this, [this] {
+    if (!services_.pump.Closing()) {
+      ShowSetup(SetupStart::kPort);
+    }
+  });
 }
 
 void MainForm::GoToRecipe(int position) {
@@ -124,11 +139,14 @@ void MainForm::GoToRecipe(int position) {
 }
 
 // The form closes the port; a direct connection continues after it.
-void MainForm::ShowSetup() {
-  if (setup_ != nullptr) {
+void MainForm::ShowSetup(SetupStart start) {
+  if (setup_ != nullptr || krm_.Guard().AtWork()) {
     return;
   }
   SetupForm form(services_, krm_, Facts(), &window_);
+  if (start == SetupStart::kPort) {
+    form.ShowPort();
+  }
   setup_ = &form;
   form.exec();
   setup_ = nullptr;

@@ -266,7 +266,7 @@ bool Program::Start() {
 std::unique_ptr<ProgramForm> Program::MakeMainForm() {
   auto form = std::make_unique<MainForm>(services_, lock_waits_, user_settings_, serial_, *ini_,
                                          [this](ExitReason reason) { Leave(reason); });
-  form->ShowStatusOf(op_);
+  form->Serve(op_);
   SetHelpHandlers(form->Window(), system_, os_, op_);
   return form;
 }

@@ -10,6 +10,7 @@
 #include <QHeaderView>
 #include <QMessageBox>
 #include <QMimeDatabase>
+#include <QPushButton>
 #include <QSettings>
 #include <QSpacerItem>
 #include <QStringList>
@@ -121,6 +122,24 @@ void ReleasePressedButtons() {
   }
 }
 
+// The cause of a problem with the port is needed to solve it, so it is not hidden in the details.
+// Returns the button that opens Setup, or nullptr.
+QPushButton* ShowCause(QMessageBox& message, const MessageBox& box) {
+  if (box.port_help == PortHelp::kNone) {
+    message.setDetailedText(ToScreenLines(Tr(box.cause)));
+    return nullptr;
+  }
+  message.setInformativeText(ToScreenLines(Tr(box.cause)));
+  if (box.port_help == PortHelp::kCause) {
+    return nullptr;
+  }
+  QPushButton* const setup = message.addButton(QTr("&Setup..."), QMessageBox::ActionRole);
+  setup->setObjectName(QStringLiteral("cmdPortSetup"));
+  setup->setToolTip(QTr("Choose the serial port"));
+  message.setEscapeButton(QMessageBox::Ok);
+  return setup;
+}
+
 // A box is as wide as its text; the title bar of a desktop would cut off a longer title.
 void MakeRoomForTitle(QMessageBox& box) {
   constexpr int kBarButtons = 120;  // and the icon, in logical pixels
@@ -223,13 +242,16 @@ Answer QtOperator::ShowMessage(const MessageBox& box) {
   message.setObjectName(QStringLiteral("MessageBox"));
   message.setTextFormat(Qt::PlainText);
   message.setText(ToScreenLines(Tr(box.text)));
-  message.setDetailedText(ToScreenLines(Tr(box.cause)));
+  const QPushButton* const setup = ShowCause(message, box);
   NameButtons(message, box.buttons);
   message.setDefaultButton(DefaultOf(box));
   MakeRoomForTitle(message);
   const Answer answer = AnswerOf(message.exec(), box.buttons);
   busy_ += busy;
   ShowCursor();
+  if (setup != nullptr && message.clickedButton() == setup) {
+    Q_EMIT PortSetupRequested();
+  }
   return answer;
 }
 

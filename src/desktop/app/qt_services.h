@@ -34,6 +34,9 @@ class QtOperator : public QObject, public Operator {
  Q_SIGNALS:
   void StatusLineChanged(const QString& text);
   void StatusColorChanged(vrx::StatusColor color);
+  // The operator wants to choose another serial port. The command that reported the problem is
+  // still running.
+  void PortSetupRequested();
 
  private:
   void ShowCursor();

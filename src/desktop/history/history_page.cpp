@@ -27,8 +27,6 @@ namespace {
 const QString kNavigatorString = QStringLiteral("Transaction:|of");
 constexpr int kDigits = 8;
 
-constexpr int kAllTransactions = 0;  // the data group of all records in stored order
-
 struct MoveButton {
   const char* caption;
   const char* meaning;
@@ -275,14 +273,17 @@ void HistoryPage::Run(const std::function<void(HistoryPresenter&)>& action) {
   }
 }
 
-void HistoryPage::GoToLastRows(std::int64_t rows) {
-  if (!view_ || rows < 1 || view_->GroupIndex() != kAllTransactions ||
-      view_->Grid().SortColumn() != 0) {
+void HistoryPage::GoToNewest(std::int64_t count) {
+  if (count < 1) {
     return;
   }
-  grd_trans_->GoToRow(static_cast<int>(view_->Grid().RowCount() - rows));
-  grd_trans_->scrollTo(grd_trans_->currentIndex(), QAbstractItemView::PositionAtTop);
-  grd_trans_->setFocus();
+  Run([&](HistoryPresenter& view) {
+    if (const std::int64_t row = view.OpenNewest(count); row > 0) {
+      grd_trans_->GoToRow(static_cast<int>(row - 1));
+      grd_trans_->scrollTo(grd_trans_->currentIndex(), QAbstractItemView::PositionAtTop);
+      grd_trans_->setFocus();
+    }
+  });
 }
 
 // MainTabPage.

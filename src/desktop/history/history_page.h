@@ -60,9 +60,9 @@ class HistoryPage final : public MainTabPage, private HistoryView {
   // The shown data, for the export and the printed page; nullptr before the first database is bound
   // and after the last one is released.
   HistoryPresenter* View() { return view_ ? &*view_ : nullptr; }
-  // Selects the first of the rows that were stored last, if the grid lists all rows in stored
-  // order.
-  void GoToLastRows(std::int64_t rows);
+  // Selects the first of the `count` records that were stored last which the current group shows.
+  // Does nothing if it shows none of them.
+  void GoToNewest(std::int64_t count);
   // `chkBatFitPage`
   [[nodiscard]] bool FitAllColumns() const { return chk_bat_fit_page_->isChecked(); }
 

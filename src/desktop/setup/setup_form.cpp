@@ -241,6 +241,11 @@ void SetupForm::ApplyControls() {
   accept();
 }
 
+void SetupForm::ShowPort() {
+  tab_setup_folder_->setCurrentIndex(kModuleTab);
+  module_tab_->setFocus();
+}
+
 void SetupForm::done(int result) {
   module_tab_->Abandon();
   QDialog::done(result);

@@ -39,6 +39,9 @@ class SetupForm : public QDialog {
  public:
   SetupForm(Services& services, KRMCOMM& krm, SetupFacts facts, QWidget* owner);
 
+  // Selects the tab of the serial port, with the focus on the list of ports.
+  void ShowPort();
+
   void done(int result) override;
 
  protected:

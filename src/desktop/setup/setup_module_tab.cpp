@@ -56,6 +56,7 @@ SetupPortList::SetupPortList(std::filesystem::path data_folder, Operator& op, QW
 }
 
 void SetupPortList::LayOut() {
+  setFocusProxy(lst_serial_port_);
   lst_serial_port_->setObjectName(QStringLiteral("lstSerialPort"));
   lst_serial_port_->setAccessibleName(QTr("Serial Port"));
   lst_serial_port_->setHeaderLabels({QTr("Port"), QTr("Device")});
@@ -154,6 +155,7 @@ SetupModuleTab::SetupModuleTab(Services& services, KRMCOMM& krm, QWidget* parent
       lst_baud_rate_(new ChoiceList),
       lbl_standby_(AddLabel(*this, "lblStandby", kStandbyCaption)),
       turned_off_(*this) {
+  setFocusProxy(ports_);
   QSizePolicy keeps_place = lbl_standby_->sizePolicy();
   keeps_place.setRetainSizeWhenHidden(true);
   lbl_standby_->setSizePolicy(keeps_place);

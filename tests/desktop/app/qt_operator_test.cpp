@@ -4,6 +4,7 @@
 #include <QMessageBox>
 #include <QPushButton>
 #include <QSignalSpy>
+#include <QTest>
 #include <optional>
 
 #include <gtest/gtest.h>
@@ -23,6 +24,8 @@ struct ShownBox {
   Qt::TextFormat format = Qt::AutoText;
   int width = 0;
   QMessageBox::StandardButton by_enter = QMessageBox::NoButton;
+  QString below;  // the text
+  qsizetype buttons_in_all = 0;
 };
 
 class OperatorBoxes : public ::testing::Test {
@@ -31,10 +34,16 @@ class OperatorBoxes : public ::testing::Test {
   Answer Show(const MessageBox& box, QMessageBox::StandardButton press) {
     const NextModal modal([&](QWidget& widget) {
       auto& message = dynamic_cast<QMessageBox&>(widget);
-      shown = {message.icon(),         message.standardButtons(),
-               message.windowTitle(),  message.text(),
-               message.detailedText(), message.textFormat(),
-               message.width(),        message.standardButton(message.defaultButton())};
+      shown = {message.icon(),
+               message.standardButtons(),
+               message.windowTitle(),
+               message.text(),
+               message.detailedText(),
+               message.textFormat(),
+               message.width(),
+               message.standardButton(message.defaultButton()),
+               message.informativeText(),
+               message.buttons().size()};
       cursor = QApplication::overrideCursor() != nullptr;
       message.button(press)->click();
     });
@@ -58,6 +67,35 @@ TEST_F(OperatorBoxes, HasTitleTextIconAndCause) {
   EXPECT_EQ(shown.title, u"Fatal Error"_qs);
   EXPECT_EQ(shown.text, u"It failed."_qs);
   EXPECT_EQ(shown.details, u"the disk is full"_qs);
+}
+
+TEST_F(OperatorBoxes, ShowTheCauseOfAPortProblemBelowTheTextAndOfferSetup) {
+  const MessageBox box{.title = "t",
+                       .text = "No port.",
+                       .cause = "/dev/ttyS1: no such device",
+                       .port_help = PortHelp::kCauseAndSetup};
+  const QSignalSpy wanted(&op, &QtOperator::PortSetupRequested);
+  EXPECT_EQ(Show(box, QMessageBox::Ok), Answer::kOk);
+  EXPECT_EQ(shown.text, u"No port."_qs);
+  EXPECT_EQ(shown.below, u"/dev/ttyS1: no such device"_qs);
+  EXPECT_EQ(shown.details, QString());
+  EXPECT_EQ(shown.by_enter, QMessageBox::Ok);
+  EXPECT_EQ(wanted.count(), 0);
+  const NextModal escape([](QWidget& widget) { QTest::keyClick(&widget, Qt::Key_Escape); });
+  EXPECT_EQ(op.ShowMessage(box), Answer::kOk);
+  EXPECT_EQ(wanted.count(), 0);
+  const NextModal setup([](QWidget& widget) {
+    widget.findChild<QPushButton*>(QStringLiteral("cmdPortSetup"))->click();
+  });
+  EXPECT_EQ(op.ShowMessage(box), Answer::kOk);
+  EXPECT_EQ(wanted.count(), 1);
+}
+
+TEST_F(OperatorBoxes, OfSetupItselfShowTheCauseWithoutAnotherSetup) {
+  Show({.title = "t", .text = "x", .cause = "no reply", .port_help = PortHelp::kCause},
+       QMessageBox::Ok);
+  EXPECT_EQ(shown.below, u"no reply"_qs);
+  EXPECT_EQ(shown.buttons_in_all, 1);
 }
 
 TEST_F(OperatorBoxes, EnterPressesTheGoingOnButton) {
