@@ -1,5 +1,6 @@
 #include "base/date.h"
 
+#include <algorithm>
 #include <array>
 #include <charconv>
 
@@ -29,6 +30,45 @@ int ReadDigits(std::string_view text, std::size_t at, std::size_t count) {
   return value;
 }
 
+constexpr std::array<std::string_view, 12> kMonthNames{"Jan", "Feb", "Mar", "Apr", "May", "Jun",
+                                                       "Jul", "Aug", "Sep", "Oct", "Nov", "Dec"};
+
+// The number of that many digits at most; nothing for any other text.
+std::optional<int> WholeNumber(std::string_view text, std::size_t most_digits) {
+  if (text.empty() || text.size() > most_digits ||
+      !std::all_of(text.begin(), text.end(), IsDigitChar)) {
+    return std::nullopt;
+  }
+  return ReadDigits(text, 0, text.size());
+}
+
+std::optional<int> MonthOfName(std::string_view name) {
+  const auto* const found =
+      std::find_if(kMonthNames.begin(), kMonthNames.end(),
+                   [&](std::string_view month) { return EqualsIgnoringCase(month, name); });
+  return found == kMonthNames.end()
+             ? std::nullopt
+             : std::optional(static_cast<int>(found - kMonthNames.begin()) + 1);
+}
+
+std::optional<int> TypedYear(std::string_view text) {
+  const std::optional<int> year = WholeNumber(text, 4);
+  if (!year || (text.size() != 2 && text.size() != 4)) {
+    return std::nullopt;
+  }
+  return text.size() == 2 ? 2000 + *year : *year;
+}
+
+std::optional<Date> ExistingDate(std::optional<int> year, std::optional<int> month,
+                                 std::optional<int> day) {
+  if (!year || !month || !day) {
+    return std::nullopt;
+  }
+  const Date date{std::chrono::year{*year}, std::chrono::month{static_cast<unsigned>(*month)},
+                  std::chrono::day{static_cast<unsigned>(*day)}};
+  return date.ok() ? std::optional(date) : std::nullopt;
+}
+
 }  // namespace
 
 std::string DefaultText(const Date& date) {
@@ -44,8 +84,6 @@ std::string DefaultText(const TimeOfDay& time) {
 }
 
 std::string MediumText(const Date& date) {
-  static constexpr std::array<std::string_view, 12> kMonthNames{
-      "Jan", "Feb", "Mar", "Apr", "May", "Jun", "Jul", "Aug", "Sep", "Oct", "Nov", "Dec"};
   return Format(static_cast<unsigned>(date.day()), "00") + "-" +
          std::string(kMonthNames.at(static_cast<unsigned>(date.month()) - 1)) + "-" +
          Format(static_cast<int>(date.year()) % 100, "00");
@@ -70,6 +108,26 @@ std::optional<Date> ParseStoredDate(std::string_view text) {
                   std::chrono::month{static_cast<unsigned>(ReadDigits(text, 5, 2))},
                   std::chrono::day{static_cast<unsigned>(ReadDigits(text, 8, 2))}};
   return date.ok() ? std::optional(date) : std::nullopt;
+}
+
+std::optional<Date> ParseTypedDate(std::string_view typed) {
+  const std::string trimmed = TrimBlanks(typed);
+  const std::string_view text = trimmed;
+  if (const std::optional<Date> stored = ParseStoredDate(text)) {
+    return stored;
+  }
+  const char separator = text.find('/') == std::string_view::npos ? '-' : '/';
+  const std::size_t first = text.find(separator);
+  const std::size_t second =
+      first == std::string_view::npos ? first : text.find(separator, first + 1);
+  if (second == std::string_view::npos) {
+    return std::nullopt;
+  }
+  const std::string_view before = text.substr(0, first);
+  const std::string_view between = text.substr(first + 1, second - first - 1);
+  const std::optional<int> year = TypedYear(text.substr(second + 1));
+  return separator == '/' ? ExistingDate(year, WholeNumber(before, 2), WholeNumber(between, 2))
+                          : ExistingDate(year, MonthOfName(between), WholeNumber(before, 2));
 }
 
 std::optional<TimeOfDay> ParseStoredTime(std::string_view text) {

@@ -30,4 +30,9 @@ struct TimeOfDay {
 [[nodiscard]] std::optional<Date> ParseStoredDate(std::string_view text);
 [[nodiscard]] std::optional<TimeOfDay> ParseStoredTime(std::string_view text);
 
+// A day as an operator types it, in any of the forms that the program shows: 3/14/2011, 2011-03-14,
+// 14-Mar-11 and 14-Mar-2011, ignoring case and blanks at both ends. A year of two digits is one
+// from 2000 to 2099. Nothing for any other text and for a day that does not exist.
+[[nodiscard]] std::optional<Date> ParseTypedDate(std::string_view typed);
+
 }  // namespace vrx
