@@ -1,6 +1,7 @@
 // The costs of the Batched/Fed tab with a million records: a data group from its selection to the
-// first screen, scrolling page by page and jumping to random positions, everything expanded with a
-// jump to the end, and memory. Real widgets, drawn without a display.
+// first screen, with all days and with a period of half of them, scrolling page by page and jumping
+// to random positions, everything expanded with a jump to the end, and memory. Real widgets, drawn
+// without a display.
 
 #include <QApplication>
 #include <QCheckBox>
@@ -16,6 +17,8 @@
 #include <span>
 #include <string>
 #include <vector>
+
+#include <SQLiteCpp/Statement.h>
 
 #include "database/bound_database.h"
 #include "desktop/history/history_page.h"
@@ -83,6 +86,15 @@ class ShownPage {
     }
     Draw();
   }
+  // Shows the later half of the days, up to the last one.
+  void ShowHalfOfTheDays() {
+    SQLite::Statement days(*transactions_.connection,
+                           "SELECT date((julianday(min(Date)) + julianday(max(Date))) / 2), "
+                           "max(Date) FROM Transactions");
+    days.executeStep();
+    page_.View()->TypeDays(days.getColumn(0).getString(), days.getColumn(1).getString());
+    Draw();
+  }
   void ExpandAll(bool on) {
     page_.findChild<QCheckBox*>(QStringLiteral("chkExpandAll"))->setChecked(on);
     Draw();
@@ -126,15 +138,21 @@ class HistoryPageBench {
     }
     const QApplication application(argc, argv);
     for (const DataGroup& group : MeasuredGroups(options_)) {
-      FirstScreen(group);
+      FirstScreen(group, Days::kAll);
+      FirstScreen(group, Days::kHalf);
       Scrolling(group);
     }
     return figures_.Over();
   }
 
  private:
-  void FirstScreen(const DataGroup& group) {
+  enum class Days { kAll, kHalf };
+
+  void FirstScreen(const DataGroup& group, Days days) {
     ShownPage page(years_);
+    if (days == Days::kHalf) {
+      page.ShowHalfOfTheDays();
+    }
     std::vector<double> times;
     for (int round = 0; round <= options_.rounds; ++round) {
       page.Choose(*FindDataGroup(group.index == 0 ? 1 : 0));
@@ -142,7 +160,9 @@ class HistoryPageBench {
       times.push_back(Milliseconds([&] { page.Choose(group); }));
     }
     times.erase(times.begin());
-    figures_.Limited(NameOf(group) + ": chosen to first screen, ms", Median(times), kScreenLimit);
+    figures_.Limited(
+        NameOf(group) + ": chosen to first screen" + (days == Days::kHalf ? ", half" : "") + ", ms",
+        Median(times), kScreenLimit);
   }
 
   // Page by page, and to random positions.

@@ -1,5 +1,7 @@
 #include "history/group_query.h"
 
+#include <algorithm>
+#include <iterator>
 #include <limits>
 #include <type_traits>
 #include <utility>
@@ -116,7 +118,21 @@ std::string GroupQuery::RangedColumns() const {
   return columns;
 }
 
+void GroupQuery::LimitTo(std::shared_ptr<const PeriodRows> period, std::string filter) {
+  period_ = std::move(period);
+  period_filter_ = std::move(filter);
+  if (StartsByDate() && period_->period.from) {
+    levels_.front().keys.front().lowest = StoredText(*period_->period.from);
+  }
+}
+
 void GroupQuery::SearchBy(std::vector<std::int64_t> ranges) {
+  if (period_) {
+    std::vector<std::int64_t> inside;
+    std::set_intersection(ranges.begin(), ranges.end(), period_->ranges.begin(),
+                          period_->ranges.end(), std::back_inserter(inside));
+    ranges = std::move(inside);
+  }
   ranges_text_ = JsonArray(ranges);
   ranges_ = std::move(ranges);
 }
@@ -177,7 +193,7 @@ std::string GroupQuery::Rows(std::size_t levels) const {
   std::string text = " FROM " + std::string(kTransactionsTable) + " WHERE ";
   // The `+` prevents SQLite from scanning the table for this order.
   text += last_row_ ? "+rowid <= " + Parameter(kLastRowParameter) : "1";
-  text += filter_;
+  text += filter_ + RowsOfPeriod(levels);
   if (by_name_ && levels == 0) {
     text += " AND " + levels_.front().field + " = " + Parameter(kFirstLevelParameter);
   }
@@ -186,6 +202,33 @@ std::string GroupQuery::Rows(std::size_t levels) const {
         " AND " + LevelCondition(levels_[level], kFirstLevelParameter + static_cast<int>(level));
   }
   return text;
+}
+
+// The filter selects the rows; the limits keep a search of an index from going beyond them. Each is
+// only given for a column that the index can search at this depth.
+std::string GroupQuery::RowsOfPeriod(std::size_t levels) const {
+  if (!period_) {
+    return {};
+  }
+  std::string text = period_filter_;
+  if (levels_.empty()) {
+    text += PeriodCondition(period_->period);
+  } else if (levels == 0 && StartsByDate()) {
+    // Without the first day: SQLite would begin each search for a next date there.
+    text += PeriodCondition({.from = {}, .to = period_->period.to});
+  }
+  const bool transaction_is_open =
+      std::any_of(levels_.begin() + static_cast<std::ptrdiff_t>(levels), levels_.end(),
+                  [](const GroupLevel& level) { return level.many_values; });
+  if (transaction_is_open && period_->transactions) {
+    text += " AND [Transaction] BETWEEN " + std::to_string(period_->transactions->first) + " AND " +
+            std::to_string(period_->transactions->second);
+  }
+  return text;
+}
+
+bool GroupQuery::StartsByDate() const {
+  return !levels_.empty() && HistoryColumnAt(levels_.front().column).key == "Date";
 }
 
 std::string GroupQuery::ValuesInRanges(std::size_t levels) const {

@@ -2,6 +2,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <memory>
 #include <optional>
 #include <span>
 #include <string>
@@ -15,6 +16,7 @@
 #include <SQLiteCpp/Statement.h>
 
 #include "history/data_group.h"
+#include "history/period_rows.h"
 
 namespace vrx {
 
@@ -82,8 +84,14 @@ class GroupQuery {
   // Excludes rows with a higher rowid from now on: rows that are stored later.
   void EndAt(std::int64_t last_row) { last_row_ = last_row; }
 
+  // Leaves only the rows of a period. `filter` is the condition that selects them. To be called
+  // before SearchBy.
+  void LimitTo(std::shared_ptr<const PeriodRows> period, std::string filter);
+  // nullptr for all days.
+  [[nodiscard]] const PeriodRows* Within() const { return period_.get(); }
+
   // Makes this a ranged query: searches these ranges of transactions with an index that starts with
-  // the range. They must be all ranges of the table.
+  // the range. They must be all ranges of the table; those without rows of the period are skipped.
   void SearchBy(std::vector<std::int64_t> ranges);
   // Columns that such an index must have after the range, joined by ", ". Empty if no such index is
   // useful for this query.
@@ -130,6 +138,8 @@ class GroupQuery {
 
  private:
   [[nodiscard]] std::string Rows(std::size_t levels) const;
+  [[nodiscard]] std::string RowsOfPeriod(std::size_t levels) const;
+  [[nodiscard]] bool StartsByDate() const;
   [[nodiscard]] std::string RowsOfRange(std::size_t levels, std::string_view range) const;
   void BindRows(SQLite::Statement& statement, std::span<const CellValue> values) const;
 
@@ -139,6 +149,8 @@ class GroupQuery {
   bool stored_order_is_indexed_;
   std::string name_;
   std::optional<std::int64_t> last_row_;
+  std::shared_ptr<const PeriodRows> period_;
+  std::string period_filter_;
   std::optional<std::vector<std::int64_t>> ranges_;
   std::string ranges_text_;
 };

@@ -4,6 +4,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <iterator>
+#include <memory>
 #include <optional>
 #include <string>
 #include <type_traits>
@@ -24,6 +25,7 @@
 #include "history/data_group.h"
 #include "history/group_query.h"
 #include "history/outline.h"
+#include "history/period_rows.h"
 #include "history/record_pages.h"
 
 namespace vrx {
@@ -160,18 +162,25 @@ auto Read(SQLite::Database& database, Body&& body) {
 // Everything of the shown group; the members refer to each other.
 struct View {
   View(SQLite::Database& database, const DataGroup& group, std::string_view name,
-       const std::vector<int>& sum_columns)
+       const std::vector<int>& sum_columns, const std::shared_ptr<const PeriodRows>& period = {})
       : statements(database),
         query(group, name),
         outline(static_cast<int>(query.Levels().size())),
         pages(statements, query),
-        totals(statements, query, group, sum_columns) {}
+        totals(statements, query, group, sum_columns) {
+    if (period) {
+      filter.emplace(database, period->rows);
+      query.LimitTo(period, filter->Condition());
+    }
+  }
 
+  std::optional<RowFilter> filter;  // used by the statements
   Statements statements;
   GroupQuery query;
   Outline outline;
   RecordPages pages;
   GroupTotals totals;
+  std::int64_t undated = 0;
 };
 
 }  // namespace
@@ -184,9 +193,13 @@ class GroupedRows::Impl {
     view_->outline.SetRecordCount({}, 0);
   }
 
-  void Show(const DataGroup& group, std::string_view name) {
+  void Show(const DataGroup& group, std::string_view name, const Period& period) {
     view_ = Read(database_, [&] {
-      auto view = std::make_unique<View>(database_, group, name, sum_columns_);
+      const std::shared_ptr<const PeriodRows> rows = RowsOf(period);
+      auto view = std::make_unique<View>(database_, group, name, sum_columns_, rows);
+      if (rows) {
+        view->undated = CountUndated(*rows, GroupQuery(group, name));
+      }
       FindRanges(view->query);
       Learn(*view, {});
       view->query.EndAt(LastRow(database_));
@@ -195,6 +208,7 @@ class GroupedRows::Impl {
   }
 
   [[nodiscard]] const Outline& Rows() const { return view_->outline; }
+  [[nodiscard]] std::int64_t UndatedCount() const { return view_->undated; }
 
   HistoryRow Row(std::int64_t row) {
     const OutlinePlace place = Rows().Find(row);
@@ -306,6 +320,38 @@ class GroupedRows::Impl {
     return Rows().RecordCount(path) - later->getColumn(0).getInt64();
   }
 
+  // A number that differs after any change of the database, by this connection or another one.
+  std::pair<std::int64_t, std::int64_t> Version() {
+    SQLite::Statement query(database_, "PRAGMA data_version");
+    query.executeStep();
+    return {query.getColumn(0).getInt64(), sqlite3_total_changes64(database_.getHandle())};
+  }
+
+  // nullptr for all days.
+  std::shared_ptr<const PeriodRows> RowsOf(const Period& period) {
+    if (period.IsAll()) {
+      return nullptr;
+    }
+    const std::pair<std::int64_t, std::int64_t> version = Version();
+    if (!period_rows_ || period_rows_->period != period || period_version_ != version) {
+      period_rows_ = std::make_shared<PeriodRows>(ReadPeriodRows(database_, period));
+      period_version_ = version;
+    }
+    return period_rows_;
+  }
+
+  // `query` is that of the group with all days.
+  std::int64_t CountUndated(const PeriodRows& rows, const GroupQuery& query) {
+    if (rows.undated.Count() == 0) {
+      return 0;
+    }
+    const RowFilter filter(database_, rows.undated);
+    SQLite::Statement count(database_, "SELECT count(*)" + query.From(0) + filter.Condition());
+    query.Bind(count, {});
+    count.executeStep();
+    return count.getColumn(0).getInt64();
+  }
+
   // The record stays in its group.
   std::int64_t SortAndFollow(const RecordSort& sort, std::int64_t row) {
     RecordPages& pages = view_->pages;
@@ -363,6 +409,8 @@ class GroupedRows::Impl {
 
   SQLite::Database& database_;
   std::vector<int> sum_columns_ = SumsAtFirst();
+  std::shared_ptr<const PeriodRows> period_rows_;
+  std::pair<std::int64_t, std::int64_t> period_version_;
   std::unique_ptr<View> view_;
 };
 
@@ -371,7 +419,10 @@ GroupedRows::~GroupedRows() = default;
 GroupedRows::GroupedRows(GroupedRows&&) noexcept = default;
 GroupedRows& GroupedRows::operator=(GroupedRows&&) noexcept = default;
 
-void GroupedRows::Show(const DataGroup& group, std::string_view name) { impl_->Show(group, name); }
+void GroupedRows::Show(const DataGroup& group, std::string_view name, const Period& period) {
+  impl_->Show(group, name, period);
+}
+std::int64_t GroupedRows::UndatedCount() const { return impl_->UndatedCount(); }
 std::int64_t GroupedRows::RowCount() const { return impl_->Rows().RowCount(); }
 HistoryRow GroupedRows::Row(std::int64_t row) { return impl_->Row(row); }
 HistoryRowKind GroupedRows::KindOf(std::int64_t row) { return impl_->Rows().Find(row).kind; }

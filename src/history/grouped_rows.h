@@ -10,6 +10,7 @@
 
 #include "history/data_group.h"
 #include "history/group_query.h"
+#include "history/period.h"
 
 namespace vrx {
 
@@ -39,8 +40,13 @@ class GroupedRows {
   GroupedRows& operator=(GroupedRows&&) noexcept;
 
   // Shows a group with all levels closed, records in stored order. `name` is only used by a group
-  // by name.
-  void Show(const DataGroup& group, std::string_view name);
+  // by name. Only rows whose own date is in the period; the first view of a period scans the index
+  // of dates, further ones only after a change of the table.
+  void Show(const DataGroup& group, std::string_view name, const Period& period = {});
+
+  // Number of rows of the group that are in no period because they have no readable date; 0 if the
+  // view shows all days.
+  [[nodiscard]] std::int64_t UndatedCount() const;
 
   [[nodiscard]] std::int64_t RowCount() const;
 

@@ -29,7 +29,7 @@ HistoryGrid::HistoryGrid(SQLite::Database& transactions)
 void HistoryGrid::Bind(SQLite::Database& transactions) {
   GroupedRows rows(transactions);
   rows.SumColumns(sums_);
-  rows.Show(*group_, name_);
+  rows.Show(*group_, name_, period_);
   if (sort_column_ != 0) {
     rows.SortBy(sort_column_, sort_ascending_);
   }
@@ -40,7 +40,7 @@ void HistoryGrid::SetUp(const DataGroup& group, std::string_view name) {
   HistoryColumns columns = columns_;
   columns.SetUp(group);
   SumVisible(columns);
-  rows_.Show(group, name);
+  rows_.Show(group, name, period_);
   columns_ = std::move(columns);
   group_ = &group;
   name_ = name;
@@ -49,8 +49,17 @@ void HistoryGrid::SetUp(const DataGroup& group, std::string_view name) {
 }
 
 void HistoryGrid::ShowName(std::string_view name) {
-  rows_.Show(*group_, name);
+  ShowRows(name, period_);
   name_ = name;
+}
+
+void HistoryGrid::ShowPeriod(const Period& period) {
+  ShowRows(name_, period);
+  period_ = period;
+}
+
+void HistoryGrid::ShowRows(std::string_view name, const Period& period) {
+  rows_.Show(*group_, name, period);
   if (sort_column_ != 0) {
     rows_.SortBy(sort_column_, sort_ascending_);
   }

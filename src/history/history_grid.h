@@ -38,6 +38,12 @@ class HistoryGrid {
   // Shows another name of the current group and keeps the sort order.
   void ShowName(std::string_view name);
 
+  // Shows only the rows of a period, in every group from now on; all groups are closed. Keeps the
+  // sort order.
+  void ShowPeriod(const Period& period);
+  [[nodiscard]] const Period& ShownPeriod() const { return period_; }
+  [[nodiscard]] std::int64_t UndatedCount() const { return rows_.UndatedCount(); }
+
   // `ingredients` are the rows of `grdING`; none if no recipe database is open.
   void RefreshIngredientColumns(std::span<const IngredientRecord> ingredients);
   // Updates the columns when the tab is entered.
@@ -83,11 +89,13 @@ class HistoryGrid {
   void UpdateColumnHeaderStrip();
   void Settle(HistoryColumns columns);
   void SumVisible(const HistoryColumns& columns);
+  void ShowRows(std::string_view name, const Period& period);
 
   GroupedRows rows_;
   HistoryColumns columns_;
   const DataGroup* group_;
   std::string name_;
+  Period period_;
   std::vector<int> sums_;
   int sort_column_ = 0;
   bool sort_ascending_ = true;

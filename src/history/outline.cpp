@@ -415,6 +415,9 @@ std::vector<CellValue> ReadLevelValues(Statements& statements, const GroupQuery&
 
 std::int64_t CountRecords(Statements& statements, const GroupQuery& query,
                           std::span<const CellValue> group) {
+  if (group.empty() && query.Within() != nullptr) {
+    return query.Within()->rows.Count();
+  }
   if (group.empty()) {
     // Without a condition SQLite counts the entries of an index page by page.
     Statements::InUse whole =

@@ -166,8 +166,11 @@ std::optional<std::int64_t> RecordPlaces::LowestRowid(std::int64_t place) {
 }
 
 void RecordPlaces::MarkEnds() {
-  const std::optional<std::int64_t> first = Skip(kLowest, 0, Direction::kUp);
-  const std::optional<std::int64_t> last = Skip(kHighest, 0, Direction::kDown);
+  const PeriodRows* const period = query_.Within();
+  const std::int64_t lowest = period == nullptr ? kLowest : period->rows.Lowest();
+  const std::int64_t highest = period == nullptr ? kHighest : period->rows.Highest();
+  const std::optional<std::int64_t> first = Skip(lowest, 0, Direction::kUp);
+  const std::optional<std::int64_t> last = Skip(highest, 0, Direction::kDown);
   if (first && last) {
     marks_.emplace(0, *first);
     marks_.emplace(count_ - 1, *last);
@@ -338,6 +341,8 @@ const RecordPages::Page& RecordPages::LoadPage(const Outline& outline, const Out
     ReadOrdered(page, large, length);
   } else if (query_.IsRanged()) {
     ReadRanged(page, large, length);
+  } else if (values.empty() && query_.Within() != nullptr) {
+    ReadListed(page, query_.Within()->rows.Slice(page.number * kPageLength, length));
   } else {
     ReadStored(page, large, length);
   }

@@ -5,6 +5,7 @@
 #include <cstdlib>
 #include <map>
 
+#include "base/date.h"
 #include "database/exact_sum.h"
 #include "history/columns.h"
 
@@ -13,6 +14,7 @@ namespace vrx::testing {
 namespace {
 
 constexpr int kUserColumn = 4;
+constexpr int kDateColumn = 10;
 
 const CellValue& Cell(const std::vector<CellValue>& record, int column) {
   return record[static_cast<std::size_t>(column) - 1];
@@ -27,23 +29,41 @@ CellValue SortKey(int column, const CellValue& value) {
   return value;
 }
 
+// Empty for a row without a readable date.
+std::string StoredDay(const std::vector<CellValue>& record) {
+  const auto* const text = std::get_if<std::string>(&Cell(record, kDateColumn));
+  return text != nullptr && ParseStoredDate(*text) ? *text : std::string();
+}
+
+// Stored days compare like their texts.
+bool IsInside(const std::string& day, const Period& period) {
+  return period.IsAll() || ((!period.from || StoredText(*period.from) <= day) &&
+                            (!period.to || day <= StoredText(*period.to)));
+}
+
 using LevelKey = std::pair<CellValue, CellValue>;
 
 }  // namespace
 
-void GroupedRowsModel::Show(const DataGroup& group, const std::string& name) {
+void GroupedRowsModel::Show(const DataGroup& group, const std::string& name, const Period& period) {
   group_ = &group;
   levels_.clear();
   for (const std::string_view key : group.levels) {
     levels_.push_back(HistoryColumnOfKey(key));
   }
   shown_.clear();
+  undated_ = 0;
   for (const Record& record : table_) {
     const bool type_fits =
         group.type.empty() || Cell(record, 3) == CellValue(std::string(group.type));
     const bool name_fits = group.named_column.empty() ||
                            Cell(record, HistoryColumnOfKey(group.named_column)) == CellValue(name);
-    if (type_fits && name_fits) {
+    if (!type_fits || !name_fits) {
+      continue;
+    }
+    if (!period.IsAll() && StoredDay(record).empty()) {
+      ++undated_;
+    } else if (IsInside(StoredDay(record), period)) {
       shown_.push_back(&record);
     }
   }

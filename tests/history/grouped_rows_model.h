@@ -9,6 +9,7 @@
 #include "history/data_group.h"
 #include "history/grouped_rows.h"
 #include "history/history_table.h"
+#include "history/period.h"
 
 namespace vrx::testing {
 
@@ -19,13 +20,14 @@ class GroupedRowsModel {
   // The records of the table in stored order.
   explicit GroupedRowsModel(std::vector<std::vector<CellValue>> table) : table_(std::move(table)) {}
 
-  void Show(const DataGroup& group, const std::string& name);
+  void Show(const DataGroup& group, const std::string& name, const Period& period = {});
   void SetOpen(std::int64_t row, bool open);
   void SetAllOpen(bool open);
   void SortBy(int column, bool ascending);
   void SumColumns(std::vector<int> columns);
 
   const std::vector<HistoryRow>& Rows() const { return rows_; }
+  std::int64_t UndatedCount() const { return undated_; }
   bool ShowsRecords() const;
 
  private:
@@ -43,6 +45,7 @@ class GroupedRowsModel {
   const DataGroup* group_ = nullptr;
   std::vector<int> levels_;
   std::vector<const Record*> shown_;
+  std::int64_t undated_ = 0;
   std::set<Values> open_;
   bool opens_all_ = false;
   int sort_column_ = 0;
