@@ -216,7 +216,7 @@ void AppendCell(const CellView& cell, ColumnContent content, std::string& line) 
 bool CSVExport::ExportData(int group, const std::filesystem::path& file,
                            const std::filesystem::path& transaction_database,
                            std::span<const std::string> visible_columns, std::string_view name,
-                           LockWait wait) const {
+                           LockWait wait, const Period& period) const {
   const ExportPlan* const plan = FindExportPlan(group);
   if (plan == nullptr) {
     return false;
@@ -225,7 +225,7 @@ bool CSVExport::ExportData(int group, const std::filesystem::path& file,
       ExportColumn(ingredients_)
           .IntializeExportColumn(plan->column_group, visible_columns)
           .value_or(ColumnDictionary());
-  LevelWalk walk(transaction_database, *plan, dictionary, name, wait);
+  LevelWalk walk(transaction_database, *plan, dictionary, name, wait, period);
   LineFile lines(file);
   CsvWriter writer(*plan, dictionary, walk.Fields(), lines);
   writer.WriteHeader();

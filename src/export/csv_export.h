@@ -12,6 +12,7 @@
 #include "export/export_columns.h"
 #include "export/level_walk.h"
 #include "history/columns.h"
+#include "history/period.h"
 
 namespace vrx {
 
@@ -23,8 +24,8 @@ class CSVExport {
   explicit CSVExport(const IngredientColumnNames& ingredients) : ingredients_(ingredients) {}
 
   // `visible_columns` is the grid's GetVisibleColumnList. `name` selects the rows of a group by
-  // name; other groups ignore it. Returns false and writes nothing for an index that is not a
-  // group.
+  // name; other groups ignore it. Only rows whose own date is in the period. Returns false and
+  // writes nothing for an index that is not a group.
   //
   // Deletes an existing file first and writes in place: a failure leaves the lines written so far.
   // Throws DatabaseError (an existing file is kept if the database does not open), FileError, and
@@ -32,7 +33,8 @@ class CSVExport {
   [[nodiscard]] bool ExportData(int group, const std::filesystem::path& file,
                                 const std::filesystem::path& transaction_database,
                                 std::span<const std::string> visible_columns,
-                                std::string_view name = {}, LockWait wait = kBusyTimeout) const;
+                                std::string_view name = {}, LockWait wait = kBusyTimeout,
+                                const Period& period = {}) const;
 
  private:
   const IngredientColumnNames& ingredients_;

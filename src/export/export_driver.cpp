@@ -114,26 +114,28 @@ ExportOutcome ExportDriver::ExportGroup(const ExportSource& shown, ExportFormat 
   RefuseStyleSheet(file, format, style_sheets_, shown.index);
   if (format == ExportFormat::kCsv) {
     return {.done = CSVExport(names).ExportData(shown.index, file, databases.trans_db_path, visible,
-                                                shown.name, databases.lock_wait)};
+                                                shown.name, databases.lock_wait,
+                                                shown.grid.ShownPeriod())};
   }
   const auto write_xml = [&](const fs::path& xml) {
     return XMLExport(names, style_sheets_)
         .ExportData(shown.index, xml, databases.trans_db_path, visible, shown.name,
-                    databases.lock_wait);
+                    databases.lock_wait, shown.grid.ShownPeriod());
   };
-  return {.done = format == ExportFormat::kHtml ? ExportPage(shown.index, file, write_xml)
-                                                : write_xml(file)};
+  return {.done =
+              format == ExportFormat::kHtml ? ExportPage(shown, file, write_xml) : write_xml(file)};
 }
 
-bool ExportDriver::ExportPage(int group, const fs::path& file,
+bool ExportDriver::ExportPage(const ExportSource& shown, const fs::path& file,
                               const std::function<bool(const fs::path&)>& write_xml) const {
   // Report a missing stylesheet before anything is written; afterwards the export reports it twice.
-  if (style_sheets_.PresentSourceOf(group).empty()) {
+  if (style_sheets_.PresentSourceOf(shown.index).empty()) {
     return false;
   }
   const WorkFolder work;
   const fs::path xml = work.Path() / "group.xml";
-  return write_xml(xml) && WriteHtmlPage(style_sheets_, group, xml, file);
+  return write_xml(xml) &&
+         WriteHtmlPage(style_sheets_, shown.index, xml, file, shown.grid.ShownPeriod());
 }
 
 }  // namespace vrx

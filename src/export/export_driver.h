@@ -13,7 +13,8 @@ namespace vrx {
 
 enum class ExportFormat { kCsv, kXml, kHtml };
 
-// What an export takes from the `Batched/Fed` tab: the selected data group and its current columns.
+// What an export takes from the `Batched/Fed` tab: the selected data group, its current columns and
+// the shown period.
 // Valid until another event runs.
 struct ExportSource {
   const HistoryGrid& grid;
@@ -48,7 +49,7 @@ class ExportDriver {
                                           const OpenDatabases& databases) const;
 
  private:
-  bool ExportPage(int group, const std::filesystem::path& file,
+  bool ExportPage(const ExportSource& shown, const std::filesystem::path& file,
                   const std::function<bool(const std::filesystem::path&)>& write_xml) const;
 
   const StyleSheets& style_sheets_;

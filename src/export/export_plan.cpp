@@ -157,7 +157,22 @@ std::string OuterWithoutInner(const ExportPlan& plan) {
          " FROM Transactions WHERE " + inner + " IS NOT NULL AND " + outer + " IS NOT NULL)";
 }
 
+constexpr std::string_view kWith = "WITH ";
+
 enum class Wanted { kRecords, kSums };
+
+// The rows of a period take the place of the table in a query, including its inner queries.
+std::string OfPeriod(const Period& period, const std::string& query) {
+  if (period.IsAll()) {
+    return query;
+  }
+  const bool has_tables = query.starts_with(kWith);
+  return std::string(kWith) +
+         "Transactions AS NOT MATERIALIZED (SELECT rowid, * FROM "
+         "main.Transactions WHERE 1" +
+         PeriodCondition(period) + ")" +
+         (has_tables ? ", " + query.substr(kWith.size()) : " " + query);
+}
 
 std::string Condition(const ExportPlan& plan, Wanted wanted, NameSearch search) {
   const DataGroup& group = DataGroups()[static_cast<std::size_t>(plan.group)];
@@ -214,7 +229,8 @@ std::string OfUserOrOfTheTypeQuery(const ExportPlan& plan) {
     of_type += ", of_type." + Bracketed(field);
     of_user += ", other." + Bracketed(field);
   }
-  return "WITH own AS MATERIALIZED ("
+  return std::string(kWith) +
+         "own AS MATERIALIZED ("
          "SELECT coalesce([UserID], '-1') AS user, [Type] AS type" +
          sums +
          " FROM Transactions GROUP BY user, type), "
@@ -264,7 +280,7 @@ std::vector<std::string_view> SummedFields(const ExportPlan& plan) {
 }
 
 std::string LevelRecordQuery(const ExportPlan& plan, std::span<const std::string> fields,
-                             NameSearch search) {
+                             const ExportRows& rows) {
   std::string columns = Keys(plan);
   for (const std::string& field : fields) {
     Append(columns, Bracketed(field));
@@ -274,22 +290,23 @@ std::string LevelRecordQuery(const ExportPlan& plan, std::span<const std::string
     Append(order, plan.ordering);
   }
   Append(order, "Transactions.rowid");
-  return "SELECT " + columns + " FROM " + Source(plan) + Condition(plan, Wanted::kRecords, search) +
-         " ORDER BY " + order;
+  return OfPeriod(rows.period, "SELECT " + columns + " FROM " + Source(plan) +
+                                   Condition(plan, Wanted::kRecords, rows.search) + " ORDER BY " +
+                                   order);
 }
 
-std::string LevelSumQuery(const ExportPlan& plan, NameSearch search) {
+std::string LevelSumQuery(const ExportPlan& plan, const ExportRows& rows) {
   switch (plan.summed) {
     case SummedRows::kWholeIfNoUser:
-      return WholeIfNoUserQuery(plan);
+      return OfPeriod(rows.period, WholeIfNoUserQuery(plan));
     case SummedRows::kOfUserOrOfTheType:
-      return OfUserOrOfTheTypeQuery(plan);
+      return OfPeriod(rows.period, OfUserOrOfTheTypeQuery(plan));
     case SummedRows::kOwn:
       break;
   }
-  return "SELECT " + Keys(plan) + Sums(plan) + " FROM " + Source(plan) +
-         Condition(plan, Wanted::kSums, search) + " GROUP BY " + KeyGroups(plan) + " ORDER BY " +
-         KeyOrder(plan);
+  return OfPeriod(rows.period, "SELECT " + Keys(plan) + Sums(plan) + " FROM " + Source(plan) +
+                                   Condition(plan, Wanted::kSums, rows.search) + " GROUP BY " +
+                                   KeyGroups(plan) + " ORDER BY " + KeyOrder(plan));
 }
 
 }  // namespace vrx

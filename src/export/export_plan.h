@@ -6,6 +6,8 @@
 #include <string_view>
 #include <vector>
 
+#include "history/period.h"
+
 namespace vrx {
 
 // Shown by a user level for rows without a user. A stored user "-1" is treated as no user.
@@ -77,14 +79,21 @@ enum class NameSearch { kInTable, kInRanges };
 // The fields that the sums of a plan need, in the column order of LevelSumQuery.
 [[nodiscard]] std::vector<std::string_view> SummedFields(const ExportPlan& plan);
 
+// The rows and the records that the queries of an export take.
+struct ExportRows {
+  NameSearch search = NameSearch::kInTable;
+  Period period = {};
+};
+
 // Both queries return one column per level with its value, followed by the fields of each record or
 // the sums of each innermost group. Both are sorted by the levels, so they can be read in parallel.
 // Parameter 1 is the name of a group by name; for kInRanges parameter 2 is a JsonArray of the
-// ranges of transactions.
+// ranges of transactions. A period needs RegisterStoredDates.
 //
 // A row may be NULL in an inner level that skips such rows: then the outer group is empty.
 [[nodiscard]] std::string LevelRecordQuery(const ExportPlan& plan,
-                                           std::span<const std::string> fields, NameSearch search);
-[[nodiscard]] std::string LevelSumQuery(const ExportPlan& plan, NameSearch search);
+                                           std::span<const std::string> fields,
+                                           const ExportRows& rows);
+[[nodiscard]] std::string LevelSumQuery(const ExportPlan& plan, const ExportRows& rows);
 
 }  // namespace vrx

@@ -24,6 +24,7 @@
 #include "base/error.h"
 #include "base/files.h"
 #include "history/data_group.h"
+#include "history/period.h"
 #include "settings/data_folder.h"
 
 namespace vrx {
@@ -202,6 +203,23 @@ std::string ReadDocument(const fs::path& xml) {
   return ReadFileBytes(xml, kLargestPageSource);
 }
 
+// The document has no place for the period, so it is added to the page. A stylesheet without a
+// title gets it at the top.
+void NamePeriod(const Period& period, std::string& page) {
+  if (period.IsAll()) {
+    return;
+  }
+  constexpr std::string_view kTitleEnd = "</h1>";
+  constexpr std::string_view kBody = "<body>";
+  const std::string line =
+      "<p style=\"margin: 0; padding: 0 16px 16px\">Period: " + PeriodText(period) + "</p>";
+  if (const std::size_t title = page.find(kTitleEnd); title != std::string::npos) {
+    page.insert(title + kTitleEnd.size(), line);
+  } else if (const std::size_t body = page.find(kBody); body != std::string::npos) {
+    page.insert(body + kBody.size(), line);
+  }
+}
+
 std::string ReadStyleSheet(const fs::path& file) {
   std::string text = ReadFileBytes(file, kLargestStyleSheet);
   if (text.size() > kLargestStyleSheet) {
@@ -278,14 +296,15 @@ void StyleSheets::ReportMissing(const fs::path& source) const {
 }
 
 bool WriteHtmlPage(const StyleSheets& style_sheets, int group, const fs::path& xml,
-                   const fs::path& html) {
+                   const fs::path& html, const Period& period) {
   const fs::path source = style_sheets.PresentSourceOf(group);
   if (source.empty()) {
     return false;
   }
   const std::string document = ReadDocument(xml);
   const std::string style_sheet = ReadStyleSheet(source);
-  const std::string page = Transform({source.string(), style_sheet}, {xml.string(), document});
+  std::string page = Transform({source.string(), style_sheet}, {xml.string(), document});
+  NamePeriod(period, page);
   AtomicFile file(html);
   file.Write(page);
   file.Commit();

@@ -6,6 +6,7 @@
 #include <string_view>
 #include <utility>
 
+#include "history/period.h"
 #include "platform/operator.h"
 #include "platform/system_info.h"
 
@@ -65,9 +66,10 @@ class StyleSheets {
 inline constexpr std::size_t kLargestPageSource = std::size_t{8} * 1024 * 1024;
 
 // Turns the XML document of a data group into one self-contained HTML page, with the group's
-// stylesheet from the program's directory. Replaces the page atomically. Reports a missing
-// stylesheet and returns false. Throws FileError, and Error with the faulty file and the reason.
+// stylesheet from the program's directory. A line below the title names the period, unless it is
+// all days. Replaces the page atomically. Reports a missing stylesheet and returns false. Throws
+// FileError, and Error with the faulty file and the reason.
 bool WriteHtmlPage(const StyleSheets& style_sheets, int group, const std::filesystem::path& xml,
-                   const std::filesystem::path& html);
+                   const std::filesystem::path& html, const Period& period = {});
 
 }  // namespace vrx

@@ -121,18 +121,19 @@ std::vector<std::string> Names(std::span<const WalkedField> fields) {
 
 // How the rows of a group by name are found, and the query parameters for it.
 struct PickedRows {
-  NameSearch search = NameSearch::kInTable;
+  ExportRows rows = {};
   std::vector<std::string> values;
 };
 
-PickedRows PickRows(SQLite::Database& database, const ExportPlan& plan, const std::string& name) {
+PickedRows PickRows(SQLite::Database& database, const ExportPlan& plan, const std::string& name,
+                    const Period& period) {
   const std::string_view column = DataGroups()[static_cast<std::size_t>(plan.group)].named_column;
   if (column.empty()) {
-    return {};
+    return {.rows = {.period = period}, .values = {}};
   }
   const auto ranges = ReadTransactionRanges(database, column);
-  return ranges ? PickedRows{NameSearch::kInRanges, {name, JsonArray(*ranges)}}
-                : PickedRows{NameSearch::kInTable, {name}};
+  return ranges ? PickedRows{{NameSearch::kInRanges, period}, {name, JsonArray(*ranges)}}
+                : PickedRows{{NameSearch::kInTable, period}, {name}};
 }
 
 // Reads the sums of the innermost groups, in the order in which the records open them.
@@ -141,7 +142,7 @@ class SumStream {
   SumStream(SQLite::Database& database, const ExportPlan& plan, const PickedRows& picked)
       : plan_(plan),
         fields_(SummedFields(plan)),
-        rows_(database, LevelSumQuery(plan, picked.search), picked.values),
+        rows_(database, LevelSumQuery(plan, picked.rows), picked.values),
         sums_(plan.weights.size()) {}
 
   // The sums of the group that this row of the records opens.
@@ -204,7 +205,7 @@ class Walker {
          const PickedRows& picked, LevelVisitor& visitor)
       : plan_(plan),
         visitor_(visitor),
-        rows_(database, LevelRecordQuery(plan, fields, picked.search), picked.values),
+        rows_(database, LevelRecordQuery(plan, fields, picked.rows), picked.values),
         groups_(plan.levels.size()),
         cells_(fields.size()) {
     if (!plan.levels.empty()) {
@@ -391,9 +392,11 @@ void AppendText(std::string_view value, ColumnContent content, std::string& text
 }  // namespace
 
 LevelWalk::LevelWalk(const std::filesystem::path& transaction_database, const ExportPlan& plan,
-                     const ColumnDictionary& dictionary, std::string_view name, LockWait wait)
+                     const ColumnDictionary& dictionary, std::string_view name, LockWait wait,
+                     const Period& period)
     : plan_(plan),
       name_(name),
+      period_(period),
       fields_(MakeFields(plan, dictionary)),
       database_(OpenDatabase(transaction_database, Access::kRead, wait)) {
   if (fields_.empty()) {
@@ -401,12 +404,14 @@ LevelWalk::LevelWalk(const std::filesystem::path& transaction_database, const Ex
   }
   WithDatabaseErrors(database_, [&] { database_.exec(kBoundedMemory); });
   RegisterExactSum(database_);
+  RegisterStoredDates(database_);
 }
 
 void LevelWalk::Walk(LevelVisitor& visitor) {
   WithDatabaseErrors(database_, [&] {
     const SQLite::Transaction snapshot(database_);
-    Walker(database_, plan_, Names(fields_), PickRows(database_, plan_, name_), visitor).Walk();
+    const PickedRows picked = PickRows(database_, plan_, name_, period_);
+    Walker(database_, plan_, Names(fields_), picked, visitor).Walk();
   });
 }
 

@@ -16,6 +16,7 @@
 #include "export/export_columns.h"
 #include "export/export_plan.h"
 #include "history/columns.h"
+#include "history/period.h"
 
 namespace vrx {
 
@@ -66,8 +67,8 @@ class LevelWalk {
   // `name` selects the rows of a group by name; otherwise it is empty. The plan outlives the
   // object.
   LevelWalk(const std::filesystem::path& transaction_database, const ExportPlan& plan,
-            const ColumnDictionary& dictionary, std::string_view name,
-            LockWait wait = kBusyTimeout);
+            const ColumnDictionary& dictionary, std::string_view name, LockWait wait = kBusyTimeout,
+            const Period& period = {});
 
   // The fields of a record in order: those of the dictionary that the plan does not exclude.
   [[nodiscard]] std::span<const WalkedField> Fields() const { return fields_; }
@@ -77,6 +78,7 @@ class LevelWalk {
  private:
   const ExportPlan& plan_;
   std::string name_;
+  Period period_;
   std::vector<WalkedField> fields_;
   SQLite::Database database_;
 };

@@ -174,7 +174,7 @@ void Append(std::string_view utf8, bool in_attribute, std::string& xml) {
 bool XMLExport::ExportData(int group, const std::filesystem::path& file,
                            const std::filesystem::path& transaction_database,
                            std::span<const std::string> visible_columns, std::string_view name,
-                           LockWait wait) const {
+                           LockWait wait, const Period& period) const {
   style_sheets_.MakeExportFolder();
   const ExportPlan* const plan = FindExportPlan(group);
   if (plan == nullptr) {
@@ -185,7 +185,7 @@ bool XMLExport::ExportData(int group, const std::filesystem::path& file,
           .IntializeExportColumn(plan->column_group, visible_columns)
           .value_or(ColumnDictionary());
   {
-    LevelWalk walk(transaction_database, *plan, dictionary, name, wait);
+    LevelWalk walk(transaction_database, *plan, dictionary, name, wait, period);
     AtomicFile replacing(file);
     XmlWriter writer(dictionary, walk.Fields(), FindDataGroup(group)->stylesheet, replacing);
     walk.Walk(writer);

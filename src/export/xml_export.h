@@ -8,6 +8,7 @@
 #include "database/lock_wait.h"
 #include "export/html_export.h"
 #include "history/columns.h"
+#include "history/period.h"
 
 namespace vrx {
 
@@ -28,7 +29,8 @@ class XMLExport {
   [[nodiscard]] bool ExportData(int group, const std::filesystem::path& file,
                                 const std::filesystem::path& transaction_database,
                                 std::span<const std::string> visible_columns,
-                                std::string_view name = {}, LockWait wait = kBusyTimeout) const;
+                                std::string_view name = {}, LockWait wait = kBusyTimeout,
+                                const Period& period = {}) const;
 
  private:
   const IngredientColumnNames& ingredients_;

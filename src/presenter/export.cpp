@@ -5,6 +5,7 @@
 #include "base/text.h"
 #include "feed/key_filters.h"
 #include "feed/record_fields.h"
+#include "history/period.h"
 #include "presenter/history.h"
 #include "settings/data_folder.h"
 #include "settings/settings.h"
@@ -24,11 +25,17 @@ fs::path ComposePath(const ExportForm& form) {
   return path;
 }
 
+// The group, and its period so that nobody takes the file for a whole one.
+std::string DataGroupText(const ExportSource& shown) {
+  const std::string period = PeriodText(shown.grid.ShownPeriod());
+  return std::string(shown.text) + (period.empty() ? "" : ", " + period);
+}
+
 }  // namespace
 
 void ExportPresenter::EnterExportTab() {
   form_.progress_visible = false;
-  form_.lbl_data_group = view_.DataGroup().text;
+  form_.lbl_data_group = DataGroupText(view_.DataGroup());
   view_.ConfigureImportColumns();
   view_.ExportChanged();
 }
@@ -115,7 +122,7 @@ void ExportPresenter::ClickReset() {
 void ExportPresenter::ShowExportProgress(bool on) {
   form_.progress_visible = on;
   form_.prg_export_max = 100;
-  form_.lbl_data_group = view_.DataGroup().text;
+  form_.lbl_data_group = DataGroupText(view_.DataGroup());
   form_.prg_export = 0;
   view_.ExportChanged();
   services_.pump.Pump(Milliseconds{0});

@@ -231,10 +231,14 @@ PageTexts SetPageHeadersPens(bool active_only, const ReportFacts& facts) {
                WeightUnits(facts.weight_unit), facts);
 }
 
-PageTexts SetPageHeadersTransactions(std::string_view data_group, const ReportFacts& facts) {
-  return Texts({"Report: " + std::string(data_group), "Transaction File: " + facts.transaction_file,
-                RecipeFile(facts)},
-               WeightUnits(facts.weight_unit), facts);
+PageTexts SetPageHeadersTransactions(std::string_view data_group, const ReportFacts& facts,
+                                     const std::string& period) {
+  std::vector<std::string> center{"Report: " + std::string(data_group),
+                                  "Transaction File: " + facts.transaction_file, RecipeFile(facts)};
+  if (!period.empty()) {
+    center.push_back("Period: " + period);
+  }
+  return Texts(center, WeightUnits(facts.weight_unit), facts);
 }
 
 PageTexts SetPageHeadersImport(std::string_view file, std::string_view unit,

@@ -53,8 +53,10 @@ struct ReportFacts {
 [[nodiscard]] PageTexts SetPageHeadersIngredients(bool active_only, const ReportFacts& facts);
 [[nodiscard]] PageTexts SetPageHeadersRecipe(const CurrentRecipe& recipe, const ReportFacts& facts);
 [[nodiscard]] PageTexts SetPageHeadersPens(bool active_only, const ReportFacts& facts);
+// The period is named unless it is empty: all days.
 [[nodiscard]] PageTexts SetPageHeadersTransactions(std::string_view data_group,
-                                                   const ReportFacts& facts);
+                                                   const ReportFacts& facts,
+                                                   const std::string& period = {});
 // `unit` is that of the imported file.
 [[nodiscard]] PageTexts SetPageHeadersImport(std::string_view file, std::string_view unit,
                                              const ReportFacts& facts);

@@ -185,7 +185,8 @@ Report HistoryReport(HistoryGrid& grid, bool fit_columns, const ReportFacts& fac
                        .right_aligned = HistoryColumnAt(column).right_aligned,
                        .total_color = TotalColor(column)});
   }
-  return {.design = {.texts = SetPageHeadersTransactions(grid.Group().item, facts),
+  return {.design = {.texts = SetPageHeadersTransactions(grid.Group().item, facts,
+                                                         PeriodText(grid.ShownPeriod())),
                      .columns = std::move(columns),
                      .captions = grid.ColumnHeaders(),
                      .fit_columns = fit_columns,

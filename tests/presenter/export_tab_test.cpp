@@ -248,6 +248,12 @@ TEST_F(TheExportTab, EnteringItHidesTheProgressAndConfiguresTheImportColumns) {
   EXPECT_EQ(tab.Form().txt_f_name, "DAY");
 }
 
+TEST_F(TheExportTab, NamesThePeriodOfTheDataGroup) {
+  view->TypeDays("3/14/2011", "3/15/2011");
+  tab.EnterExportTab();
+  EXPECT_EQ(tab.Form().lbl_data_group, "Transactions (batched/fed), 14-Mar-11 to 15-Mar-11");
+}
+
 TEST_F(TheExportTab, ACanceledBrowseChangesNothing) {
   tab.SetFPath("there");
   files.Cancel();

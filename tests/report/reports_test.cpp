@@ -2,8 +2,11 @@
 
 #include "report/reports.h"
 
+#include <optional>
+
 #include <gmock/gmock.h>
 
+#include "base/date.h"
 #include "feed/recipe_columns.h"
 #include "report/print_target.h"
 #include "support/printed_pages.h"
@@ -13,6 +16,7 @@
 namespace vrx::testing {
 namespace {
 
+using ::testing::Contains;
 using ::testing::ElementsAre;
 
 std::vector<std::string> Captions(const Report& report) {
@@ -175,6 +179,21 @@ TEST_F(HistoryReports, HaveRowsOfFixedPitchInTheColorsOfTheGrid) {
   EXPECT_THAT(RightAligned(report), ElementsAre("Batch Wt", "Feed Wt", "Target Wt"));
   EXPECT_EQ(report.design.texts.header_center,
             "Report: Recipes (all)\r\nTransaction File: \r\nRecipe File: ");
+}
+
+TEST_F(HistoryReports, NameTheirPeriodAndPrintItsRecords) {
+  const std::optional<Date> day = ParseStoredDate("2011-03-14");
+  grid_.ShowPeriod({.from = day, .to = day});
+  SetUp(6, false);
+  EXPECT_EQ(HistoryReport(grid_, true, Facts()).rows->Count(), 2);
+  const auto pages = [&] {
+    const auto pdf = folder_ / "period.pdf";
+    const Report report = HistoryReport(grid_, true, Facts());
+    const auto paper = MakePdfFile(pdf, "test");
+    PrintOn(*paper, [&](ReportJob& job) { return job.Print(report); });
+    return LinesOf(pdf);
+  }();
+  EXPECT_THAT(pages.at(0), Contains("Period: 14-Mar-11"));
 }
 
 TEST_F(HistoryReports, GiveEachRowItsKindAndLevel) {
