@@ -13,6 +13,7 @@
 #include <CLI/CLI.hpp>
 #include <SQLiteCpp/Database.h>
 
+#include "base/date.h"
 #include "ctl/command.h"
 #include "ctl/options.h"
 #include "ctl/output.h"
@@ -24,7 +25,9 @@
 #include "export/html_export.h"
 #include "history/data_group.h"
 #include "history/history_grid.h"
+#include "history/period.h"
 #include "presenter/export.h"
+#include "presenter/history.h"
 #include "presenter/report_failure.h"
 #include "settings/data_folder.h"
 
@@ -100,6 +103,8 @@ class ShowCommand : public Command {
     output_.RegisterCsv(*command);
     AddExamples(*command, {{"show JANUARY.TDB --group 3 --collapsed",
                             "A row for each recipe, with its total."},
+                           {"show JANUARY.TDB --group 8 --from 2026-01-05 --to 2026-01-11",
+                            "The feedings of one week."},
                            {"show JANUARY.TDB --group 4 --name STEERS --recipes SITE.RDB --csv",
                             "One recipe, for a spreadsheet."}});
     return command;
@@ -133,6 +138,14 @@ class ShowCommand : public Command {
   std::int64_t limit_ = std::numeric_limits<std::int64_t>::max();
   OutputOptions output_;
 };
+
+std::string NoDay(const std::string& typed) {
+  return ParseStoredDate(typed) ? std::string() : "'" + typed + "' is no day as YYYY-MM-DD";
+}
+
+void AddDay(CLI::App& app, const std::string& name, const std::string& help, std::string& day) {
+  app.add_option(name, day, help)->type_name("YYYY-MM-DD")->check(NoDay);
+}
 
 // A format has the name of its file name extension.
 ExportFormat FormatOf(std::string_view name) {
@@ -213,10 +226,21 @@ void HistorySource::Register(CLI::App& app, Recipes recipes) {
   app.add_option("--recipes", recipes_, "The recipe database that names the ingredient columns")
       ->type_name("RDB")
       ->required(recipes == Recipes::kRequired);
+  AddDay(app, "--from", "Only records from this day on", from_);
+  AddDay(app, "--to", "Only records up to this day, included", to_);
+}
+
+Period HistorySource::ShownPeriod() const {
+  const Period period{.from = ParseStoredDate(from_), .to = ParseStoredDate(to_)};
+  if (!period.IsPossible()) {
+    throw CLI::ValidationError("--to", to_ + " is before " + from_ + ", the first day");
+  }
+  return period;
 }
 
 int HistorySource::Run(Session& session, const std::function<int(HistoryGrid&)>& work) const {
   CheckUsage();
+  const Period period = ShownPeriod();
   if (!session.IsUserDatabase(transactions_, DatabaseKind::kTransaction)) {
     return kFailed;
   }
@@ -235,6 +259,10 @@ int HistorySource::Run(Session& session, const std::function<int(HistoryGrid&)>&
     HistoryGrid grid(database);
     grid.RefreshIngredientColumns(ingredients);
     grid.SetUp(*FindDataGroup(group_), name_);
+    grid.ShowPeriod(period);
+    if (const std::string left_out = LeftOutText(grid.UndatedCount()); !left_out.empty()) {
+      session.Context().err << left_out << '\n';
+    }
     return work(grid);
   });
 }

@@ -119,7 +119,8 @@ class PrintCommand : public Command {
   }
 
   void RefuseOptionsOfGroups() const {
-    for (const char* const option : {"--group", "--name", "--recipes", "--collapsed", "--fit"}) {
+    for (const char* const option :
+         {"--group", "--name", "--recipes", "--from", "--to", "--collapsed", "--fit"}) {
       if (command_->count(option) > 0) {
         throw CLI::ValidationError(option, "goes with a data group only");
       }

@@ -8,6 +8,8 @@
 #include <string>
 #include <utility>
 
+#include "base/date.h"
+#include "base/text.h"
 #include "database/connection.h"
 #include "database/records.h"
 #include "presenter/report_failure.h"
@@ -50,7 +52,25 @@ std::size_t CacheOf(std::string_view column) {
 constexpr FailureReport kFailure{.title = "Transaction Data Error",
                                  .text = FailureText::kDatabaseWords};
 
+std::string TextOf(const std::optional<Date>& day) { return day ? DefaultText(*day) : ""; }
+
+// Why a text is no day; empty if it is one or is empty.
+std::string RefusalOf(std::string_view typed) {
+  if (TrimBlanks(typed).empty() || ParseTypedDate(typed)) {
+    return {};
+  }
+  return "\"" + std::string(TrimBlanks(typed)) + "\" is not a day. Type it as 1/31/2026.";
+}
+
 }  // namespace
+
+std::string LeftOutText(std::int64_t undated) {
+  if (undated == 0) {
+    return {};
+  }
+  return undated == 1 ? "1 record without a readable date is left out."
+                      : std::to_string(undated) + " records without a readable date are left out.";
+}
 
 std::string NamePickerState::Text() const {
   return index < 0 ? std::string() : items.at(static_cast<std::size_t>(index));
@@ -162,6 +182,7 @@ HistoryPresenter::HistoryPresenter(SQLite::Database& transactions, Services& ser
 
 void HistoryPresenter::SetTransactionDatabase(SQLite::Database& transactions) {
   grid_.Bind(transactions);
+  FollowToday();
   grid_.ApplyExpandState(expand_all_);
   screen_.HistoryChanged(HistoryPart::kGrid);
 }
@@ -185,6 +206,7 @@ void HistoryPresenter::SelectGroup(int index) {
   const bool refused = !group->named_column.empty() && recipes_ == nullptr;
   const bool done = RunReported(services_.op, kFailure, [&] {
     grid_.RefreshIngredientColumns(IngredientGridRows(recipes_));
+    FollowToday();
     if (refused) {
       Refuse(group->named_column);
     } else {
@@ -229,6 +251,48 @@ std::string_view HistoryPresenter::GetNamedGroupColumn() const {
   return FindDataGroup(group_index_)->named_column;
 }
 
+void HistoryPresenter::ChoosePeriod(PeriodChoice choice) {
+  const Date today = services_.calendar.Today();
+  Period period = PeriodOf(choice, today);
+  if (choice == PeriodChoice::kFromTo) {
+    period = grid_.ShownPeriod();
+    if (period.IsAll()) {
+      period = {.from = today.year() / today.month() / 1, .to = today};
+    }
+  }
+  Act([&] {
+    ShowPeriod(period);
+    period_ = {.choice = choice, .from = TextOf(period.from), .to = TextOf(period.to)};
+  });
+  screen_.HistoryChanged(HistoryPart::kPeriod);
+}
+
+void HistoryPresenter::TypeDays(std::string_view from, std::string_view to) {
+  const Period period{.from = ParseTypedDate(from), .to = ParseTypedDate(to)};
+  const bool done = !period_.refusal.empty() || period == grid_.ShownPeriod();
+  if (done && from == period_.from && to == period_.to) {
+    return;
+  }
+  period_.from = from;
+  period_.to = to;
+  period_.refusal = RefusalOf(from);
+  if (period_.refusal.empty()) {
+    period_.refusal = RefusalOf(to);
+  }
+  if (period_.refusal.empty() && !period.IsPossible()) {
+    period_.refusal = "The first day is after the last day.";
+  }
+  if (period_.refusal.empty()) {
+    Act([&] {
+      ShowPeriod(period);
+      period_ = {.choice = period.IsAll() ? PeriodChoice::kAll : PeriodChoice::kFromTo,
+                 .from = TextOf(period.from),
+                 .to = TextOf(period.to)};
+    });
+  }
+  screen_.HistoryChanged(HistoryPart::kPeriod);
+}
+
 void HistoryPresenter::SetExpandAll(bool on) {
   expand_all_ = on;
   Act([this] { grid_.ApplyExpandState(expand_all_); });
@@ -268,6 +332,7 @@ void HistoryPresenter::TabChanged() {
 void HistoryPresenter::TabEntered() {
   picker_.EnterTab();
   Act([this] {
+    FollowToday();
     grid_.RefreshIngredientColumns(IngredientGridRows(recipes_));
     grid_.EnterTab();
   });
@@ -294,6 +359,25 @@ void HistoryPresenter::SetUp(const DataGroup& group, const std::function<bool()>
   }
   // A group by name starts with a name that no transaction has.
   grid_.SetUp(group, "");
+}
+
+void HistoryPresenter::ShowPeriod(const Period& period) {
+  grid_.ShowPeriod(period);
+  grid_.ApplyExpandState(expand_all_);
+}
+
+// The program may run for days: a choice that depends on today has other days then.
+void HistoryPresenter::FollowToday() {
+  if (period_.choice == PeriodChoice::kFromTo) {
+    return;
+  }
+  const Period period = PeriodOf(period_.choice, services_.calendar.Today());
+  if (period != grid_.ShownPeriod()) {
+    ShowPeriod(period);
+    period_.from = TextOf(period.from);
+    period_.to = TextOf(period.to);
+    screen_.HistoryChanged(HistoryPart::kPeriod);
+  }
 }
 
 std::vector<IngredientRecord> HistoryPresenter::IngredientGridRows(

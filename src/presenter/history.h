@@ -2,6 +2,7 @@
 
 #include <array>
 #include <cstddef>
+#include <cstdint>
 #include <exception>
 #include <functional>
 #include <string>
@@ -12,6 +13,7 @@
 
 #include "database/records.h"
 #include "history/history_grid.h"
+#include "history/period.h"
 #include "platform/event_pump.h"
 #include "platform/operator.h"
 #include "presenter/services.h"
@@ -77,7 +79,18 @@ class NamePicker {
   std::array<Cache, 3> caches_;  // RecipeNames, IngredientNames, PenNames
 };
 
-enum class HistoryPart { kGroupList, kNamePicker, kGrid };
+enum class HistoryPart { kGroupList, kNamePicker, kPeriod, kGrid };
+
+// The list of periods and the two fields of its days.
+struct PeriodState {
+  PeriodChoice choice = PeriodChoice::kAll;
+  std::string from = {};  // as typed, or the days of the choice; empty: no limit on that side
+  std::string to = {};
+  std::string refusal = {};  // why the typed days cannot be used; the grid keeps its period then
+};
+
+// "2 records without a readable date are left out."; empty for none.
+[[nodiscard]] std::string LeftOutText(std::int64_t undated);
 
 // The controls of the `Batched/Fed` tab.
 class HistoryView {
@@ -122,6 +135,13 @@ class HistoryPresenter {
   [[nodiscard]] std::string_view GetNamedGroupColumn() const;
   [[nodiscard]] const NamePickerState& Picker() const { return picker_.State(); }
 
+  // A choice in the list of periods. kFromTo keeps the days of the fields, or begins with this
+  // month up to today.
+  void ChoosePeriod(PeriodChoice choice);
+  // The days in the fields. Refuses a text that is no day and an end before the beginning.
+  void TypeDays(std::string_view from, std::string_view to);
+  [[nodiscard]] const PeriodState& ChosenPeriod() const { return period_; }
+
   // `chkExpandAll`
   void SetExpandAll(bool on);
   [[nodiscard]] bool ExpandAll() const { return expand_all_; }
@@ -151,6 +171,8 @@ class HistoryPresenter {
   void Refuse(std::string_view column);
   void SetUp(const DataGroup& group, const std::function<bool()>& wanted);
   std::vector<IngredientRecord> IngredientGridRows(SQLite::Database* recipes) const;
+  void ShowPeriod(const Period& period);
+  void FollowToday();
   void ShowGridVisible(bool visible);
   void Act(const std::function<void()>& action);
 
@@ -158,6 +180,7 @@ class HistoryPresenter {
   HistoryView& screen_;
   HistoryGrid grid_;
   NamePicker picker_;
+  PeriodState period_;
   SQLite::Database* recipes_ = nullptr;
   int group_index_ = 0;
   int previous_group_index_ = 0;

@@ -123,6 +123,9 @@ constexpr std::array kCaptions = std::to_array<Caption>({
     {1134, "*"},
     // Captions that the design does not have.
     {2000, TrMark("Print Pre&view...")},
+    {2001, "&Period"},
+    {2002, "From"},
+    {2003, "To"},
 });
 
 // Nothing if the designed text is not in a row of the table.

@@ -1,10 +1,8 @@
 #include "desktop/history/history_page.h"
 
-#include <QFontMetrics>
 #include <QHBoxLayout>
 #include <QSignalBlocker>
 #include <QVBoxLayout>
-#include <algorithm>
 #include <cstddef>
 #include <exception>
 #include <string>
@@ -12,9 +10,7 @@
 
 #include "base/text.h"
 #include "desktop/app/captions.h"
-#include "desktop/dialogs/about_and_splash.h"
-#include "desktop/main_window/panels.h"
-#include "feed/key_filters.h"
+#include "desktop/history/history_bars.h"
 #include "presenter/operation.h"
 #include "widgets/layout.h"
 #include "widgets/qt_text.h"
@@ -23,16 +19,6 @@ namespace vrx {
 
 namespace {
 
-// From the grid's design: the texts before and after the number.
-const QString kNavigatorString = QStringLiteral("Transaction:|of");
-constexpr int kDigits = 8;
-
-struct MoveButton {
-  const char* caption;
-  const char* meaning;
-};
-constexpr std::array<MoveButton, 4> kMoveButtons{
-    {{"|<<", "First row"}, {"<", "Previous row"}, {">", "Next row"}, {">>|", "Last row"}}};
 
 constexpr int kDataGroupCaption = 1080;
 constexpr int kNameCharacters = 14;
@@ -61,87 +47,6 @@ bool Holds(const QComboBox& list, const std::vector<std::string>& items) {
 
 }  // namespace
 
-HistoryNavigator::HistoryNavigator(QWidget* parent)
-    : QWidget(parent),
-      number_(new FilteredEdit([](std::string_view, int key) { return FilterDigitKey(key); },
-                               kDigits, this)),
-      caption_(AddLabel(*this, "lblHistoryNavigator")),
-      count_(AddLabel(*this, "lblHistoryCount")) {
-  setObjectName(QStringLiteral("navHistory"));
-  for (std::size_t i = 0; i < kMoveButtons.size(); ++i) {
-    const auto& [caption, meaning] = kMoveButtons.at(i);
-    auto* const button = new QPushButton(QString::fromLatin1(caption), this);
-    button->setObjectName(QStringLiteral("cmdHistoryNavigate(%1)").arg(i));
-    button->setToolTip(QString::fromLatin1(meaning));
-    button->setAccessibleName(QString::fromLatin1(meaning));
-    button->setFixedWidth(button->fontMetrics().horizontalAdvance(QStringLiteral("|<<")) +
-                          3 * kSpacing);
-    connect(button, &QPushButton::clicked, this, [this, i] { Move(static_cast<int>(i)); });
-    buttons_.at(i) = button;
-  }
-  caption_->setBuddy(number_);
-  number_->setObjectName(QStringLiteral("txtHistoryRow"));
-  number_->setAccessibleName(QStringLiteral("Row"));
-  number_->setAlignment(Qt::AlignRight);
-  number_->setFixedWidth(number_->fontMetrics().horizontalAdvance(QString(kDigits, u'0')) +
-                         2 * kSpacing);
-  connect(number_, &FilteredEdit::Left, this, &HistoryNavigator::GoToTyped);
-  auto* const row = new QHBoxLayout(this);
-  row->setContentsMargins(0, 0, 0, 0);
-  row->setSpacing(kSpacing);
-  row->addWidget(caption_);
-  row->addWidget(buttons_[kNavigateFirst]);
-  row->addWidget(buttons_[kNavigatePrevious]);
-  row->addWidget(number_);
-  row->addWidget(buttons_[kNavigateNext]);
-  row->addWidget(buttons_[kNavigateLast]);
-  row->addWidget(count_);
-  row->addStretch();
-  ShowState();
-}
-
-void HistoryNavigator::ShowRow(int row) {
-  row_ = row;
-  ShowState();
-}
-
-void HistoryNavigator::ShowCount(int rows) {
-  rows_ = rows;
-  ShowState();
-}
-
-void HistoryNavigator::ShowState() {
-  caption_->setText(kNavigatorString.section(u'|', 0, 0));
-  number_->setText(row_ < 0 ? QString() : QString::number(row_ + 1));
-  number_->setEnabled(rows_ > 0);
-  count_->setText(QStringLiteral("%1 %2").arg(kNavigatorString.section(u'|', 1, 1)).arg(rows_));
-  buttons_[kNavigateFirst]->setEnabled(rows_ > 0 && row_ != 0);
-  buttons_[kNavigatePrevious]->setEnabled(row_ > 0);
-  buttons_[kNavigateNext]->setEnabled(row_ + 1 < rows_);
-  buttons_[kNavigateLast]->setEnabled(rows_ > 0 && row_ + 1 != rows_);
-}
-
-void HistoryNavigator::Move(int button) {
-  const std::array<int, 4> targets{0, row_ - 1, row_ + 1, rows_ - 1};
-  const int target = targets.at(static_cast<std::size_t>(button));
-  if (target >= 0 && target < rows_) {
-    Q_EMIT RowChosen(target);
-  }
-}
-
-// A number out of range selects the nearest row.
-void HistoryNavigator::GoToTyped() {
-  bool is_number = false;
-  const int number = number_->text().toInt(&is_number);
-  if (is_number && rows_ > 0) {
-    const int target = std::clamp(number - 1, 0, rows_ - 1);
-    if (target != row_) {
-      Q_EMIT RowChosen(target);
-    }
-  }
-  ShowState();
-}
-
 HistoryPage::HistoryPage(Services& services, std::function<bool()> active_ingredients_only)
     : services_(services),
       active_ingredients_only_(std::move(active_ingredients_only)),
@@ -155,6 +60,7 @@ HistoryPage::HistoryPage(Services& services, std::function<bool()> active_ingred
       chk_bat_fit_page_(
           AddCheck("chkBatFitPage", QStringLiteral("F&it/Print All Columns on Page"),
                    QStringLiteral("Print every column on one page, in smaller letters"))),
+      period_(new PeriodBar(services.calendar, this)),
       txt_standby_(new QLabel(this)),
       grd_trans_(new HistoryTableView(this)),
       navigator_(new HistoryNavigator(this)) {
@@ -183,6 +89,7 @@ void HistoryPage::LayOut() {
   column->setContentsMargins(kGroupSpacing, kGroupSpacing, kGroupSpacing, kGroupSpacing);
   column->setSpacing(kSpacing);
   column->addWidget(LayOutChoices());
+  column->addWidget(period_);
   grid_or_standby_ = new QStackedLayout;
   grid_or_standby_->addWidget(grd_trans_);
   grid_or_standby_->addWidget(txt_standby_);
@@ -229,6 +136,21 @@ void HistoryPage::Connect() {
     Run([&](HistoryPresenter& view) {
       view.SetExpandAll(on);
       grd_trans_->GoToTop();
+    });
+  });
+  connect(period_, &PeriodBar::Chosen, this, [this](PeriodChoice choice) {
+    Run([&](HistoryPresenter& view) {
+      view.ChoosePeriod(choice);
+      grd_trans_->GoToTop();
+    });
+  });
+  connect(period_, &PeriodBar::Typed, this, [this](const QString& from, const QString& to) {
+    Run([&](HistoryPresenter& view) {
+      const Period before = view.Grid().ShownPeriod();
+      view.TypeDays(from.toStdString(), to.toStdString());
+      if (view.Grid().ShownPeriod() != before) {
+        grd_trans_->GoToTop();
+      }
     });
   });
   connect(chk_use_history_navigator_, &QCheckBox::toggled, navigator_, &QWidget::setVisible);
@@ -344,6 +266,9 @@ void HistoryPage::HistoryChanged(HistoryPart part) {
     case HistoryPart::kNamePicker:
       ShowPicker();
       break;
+    case HistoryPart::kPeriod:
+      ShowPeriod();
+      break;
     case HistoryPart::kGrid:
       ShowGrid();
       break;
@@ -365,6 +290,17 @@ void HistoryPage::ShowPicker() {
   txt_standby_->setText(ToQString(picker.standby));
 }
 
+void HistoryPage::ShowPeriod() {
+  period_->Show(view_->ChosenPeriod());
+  ShowPeriodNote();
+}
+
+void HistoryPage::ShowPeriodNote() {
+  const std::string& refusal = view_->ChosenPeriod().refusal;
+  period_->ShowNote(
+      ToQString(refusal.empty() ? LeftOutText(view_->Grid().UndatedCount()) : refusal));
+}
+
 void HistoryPage::ShowGrid() {
   QWidget* const shown = view_->GridVisible() ? static_cast<QWidget*>(grd_trans_)
                                               : static_cast<QWidget*>(txt_standby_);
@@ -372,6 +308,7 @@ void HistoryPage::ShowGrid() {
     grd_trans_->ShowGrid();
     grd_trans_->SetEmptyText(EmptyText());
     navigator_->ShowCount(grd_trans_->Model().rowCount());
+    ShowPeriodNote();
   }
   grid_or_standby_->setCurrentWidget(shown);
 }
@@ -390,7 +327,9 @@ QString HistoryPage::EmptyText() {
       return QStringLiteral("Choose the data group again to pick the name of %1.").arg(a_named);
     }
     if (picker.index > 0) {
-      return QStringLiteral("No records are stored for the %1 %2.")
+      return (view_->Grid().ShownPeriod().IsAll()
+                  ? QStringLiteral("No records are stored for the %1 %2.")
+                  : QStringLiteral("No records of the %1 %2 are in this period."))
           .arg(named, ToQString(picker.Text()));
     }
     return picker.items.size() > 1
@@ -399,6 +338,9 @@ QString HistoryPage::EmptyText() {
                      "The recipe database has no %1 with a description, so there is no "
                      "name to pick.")
                      .arg(named);
+  }
+  if (!view_->Grid().ShownPeriod().IsAll()) {
+    return QStringLiteral("No records of this period. Choose another period above.");
   }
   const std::string_view type = view_->Grid().Group().type;
   const QString kind = type == "BATCH"  ? QStringLiteral("batch records")

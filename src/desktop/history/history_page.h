@@ -3,48 +3,18 @@
 #include <QCheckBox>
 #include <QComboBox>
 #include <QLabel>
-#include <QPushButton>
 #include <QStackedLayout>
 #include <QWidget>
-#include <array>
 #include <functional>
 #include <optional>
 
+#include "desktop/history/history_bars.h"
 #include "desktop/history/history_table.h"
 #include "desktop/main_window/tabs.h"
 #include "presenter/history.h"
 #include "widgets/fields.h"
 
 namespace vrx {
-
-// The record navigator of the history grid: "Transaction:", the editable number of the current row,
-// "of" the number of rows.
-class HistoryNavigator : public QWidget {
-  Q_OBJECT
-
- public:
-  explicit HistoryNavigator(QWidget* parent = nullptr);
-
-  // From 0; -1 for none.
-  void ShowRow(int row);
-  void ShowCount(int rows);
-
- Q_SIGNALS:
-  // The operator selects an existing row, from 0.
-  void RowChosen(int row);
-
- private:
-  void Move(int button);
-  void GoToTyped();
-  void ShowState();
-
-  std::array<QPushButton*, 4> buttons_{};  // by NavigateButton
-  FilteredEdit* number_;
-  QLabel* caption_;
-  QLabel* count_;
-  int row_ = -1;
-  int rows_ = 0;
-};
 
 // The `Batched/Fed` tab. Shows one of the data groups of the open transaction database, with the
 // names of the open recipe database over its ingredient columns. Rows stored in the meantime appear
@@ -84,6 +54,8 @@ class HistoryPage final : public MainTabPage, private HistoryView {
   void Run(const std::function<void(HistoryPresenter&)>& action);
   void RebindTransactions(const BoundDatabase& database);
   void ShowPicker();
+  void ShowPeriod();
+  void ShowPeriodNote();
   void ShowGrid();
   QString EmptyText();
 
@@ -95,6 +67,7 @@ class HistoryPage final : public MainTabPage, private HistoryView {
   QCheckBox* chk_expand_all_;
   QCheckBox* chk_use_history_navigator_;
   QCheckBox* chk_bat_fit_page_;
+  PeriodBar* period_;
   QLabel* txt_standby_;
   HistoryTableView* grd_trans_;
   HistoryNavigator* navigator_;

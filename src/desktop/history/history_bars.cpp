@@ -1,0 +1,186 @@
+#include "desktop/history/history_bars.h"
+
+#include <QFontMetrics>
+#include <QHBoxLayout>
+#include <QVBoxLayout>
+#include <algorithm>
+#include <cstddef>
+#include <string_view>
+
+#include "desktop/app/captions.h"
+#include "desktop/main_window/panels.h"
+#include "feed/key_filters.h"
+#include "widgets/layout.h"
+#include "widgets/qt_text.h"
+
+namespace vrx {
+
+namespace {
+
+// From the grid's design: the texts before and after the number.
+const QString kNavigatorString = QStringLiteral("Transaction:|of");
+constexpr int kDigits = 8;
+
+struct MoveButton {
+  const char* caption;
+  const char* meaning;
+};
+constexpr std::array<MoveButton, 4> kMoveButtons{
+    {{"|<<", "First row"}, {"<", "Previous row"}, {">", "Next row"}, {">>|", "Last row"}}};
+
+constexpr int kPeriodCaption = 2001;
+constexpr int kFromCaption = 2002;
+constexpr int kToCaption = 2003;
+
+// In the order of PeriodChoice.
+constexpr std::array<const char*, 6> kPeriods{"All",        "Today",      "Last 7 days",
+                                              "This month", "Last month", "From - to"};
+
+}  // namespace
+
+HistoryNavigator::HistoryNavigator(QWidget* parent)
+    : QWidget(parent),
+      number_(new FilteredEdit([](std::string_view, int key) { return FilterDigitKey(key); },
+                               kDigits, this)),
+      caption_(AddLabel(*this, "lblHistoryNavigator")),
+      count_(AddLabel(*this, "lblHistoryCount")) {
+  setObjectName(QStringLiteral("navHistory"));
+  for (std::size_t i = 0; i < kMoveButtons.size(); ++i) {
+    const auto& [caption, meaning] = kMoveButtons.at(i);
+    auto* const button = new QPushButton(QString::fromLatin1(caption), this);
+    button->setObjectName(QStringLiteral("cmdHistoryNavigate(%1)").arg(i));
+    button->setToolTip(QString::fromLatin1(meaning));
+    button->setAccessibleName(QString::fromLatin1(meaning));
+    button->setFixedWidth(button->fontMetrics().horizontalAdvance(QStringLiteral("|<<")) +
+                          3 * kSpacing);
+    connect(button, &QPushButton::clicked, this, [this, i] { Move(static_cast<int>(i)); });
+    buttons_.at(i) = button;
+  }
+  caption_->setBuddy(number_);
+  number_->setObjectName(QStringLiteral("txtHistoryRow"));
+  number_->setAccessibleName(QStringLiteral("Row"));
+  number_->setAlignment(Qt::AlignRight);
+  number_->setFixedWidth(number_->fontMetrics().horizontalAdvance(QString(kDigits, u'0')) +
+                         2 * kSpacing);
+  connect(number_, &FilteredEdit::Left, this, &HistoryNavigator::GoToTyped);
+  auto* const row = new QHBoxLayout(this);
+  row->setContentsMargins(0, 0, 0, 0);
+  row->setSpacing(kSpacing);
+  row->addWidget(caption_);
+  row->addWidget(buttons_[kNavigateFirst]);
+  row->addWidget(buttons_[kNavigatePrevious]);
+  row->addWidget(number_);
+  row->addWidget(buttons_[kNavigateNext]);
+  row->addWidget(buttons_[kNavigateLast]);
+  row->addWidget(count_);
+  row->addStretch();
+  ShowState();
+}
+
+void HistoryNavigator::ShowRow(int row) {
+  row_ = row;
+  ShowState();
+}
+
+void HistoryNavigator::ShowCount(int rows) {
+  rows_ = rows;
+  ShowState();
+}
+
+void HistoryNavigator::ShowState() {
+  caption_->setText(kNavigatorString.section(u'|', 0, 0));
+  number_->setText(row_ < 0 ? QString() : QString::number(row_ + 1));
+  number_->setEnabled(rows_ > 0);
+  count_->setText(QStringLiteral("%1 %2").arg(kNavigatorString.section(u'|', 1, 1)).arg(rows_));
+  buttons_[kNavigateFirst]->setEnabled(rows_ > 0 && row_ != 0);
+  buttons_[kNavigatePrevious]->setEnabled(row_ > 0);
+  buttons_[kNavigateNext]->setEnabled(row_ + 1 < rows_);
+  buttons_[kNavigateLast]->setEnabled(rows_ > 0 && row_ + 1 != rows_);
+}
+
+void HistoryNavigator::Move(int button) {
+  const std::array<int, 4> targets{0, row_ - 1, row_ + 1, rows_ - 1};
+  const int target = targets.at(static_cast<std::size_t>(button));
+  if (target >= 0 && target < rows_) {
+    Q_EMIT RowChosen(target);
+  }
+}
+
+// A number out of range selects the nearest row.
+void HistoryNavigator::GoToTyped() {
+  bool is_number = false;
+  const int number = number_->text().toInt(&is_number);
+  if (is_number && rows_ > 0) {
+    const int target = std::clamp(number - 1, 0, rows_ - 1);
+    if (target != row_) {
+      Q_EMIT RowChosen(target);
+    }
+  }
+  ShowState();
+}
+
+PeriodBar::PeriodBar(const Calendar& calendar, QWidget* form)
+    : QWidget(form),
+      choices_(new ChoiceList(this)),
+      from_(new DayEdit("txtPeriodFrom", QStringLiteral("First day"), calendar, form)),
+      to_(new DayEdit("txtPeriodTo", QStringLiteral("Last day"), calendar, form)),
+      note_(AddLabel(*this, "lblPeriodNote")) {
+  setObjectName(QStringLiteral("barPeriod"));
+  choices_->setObjectName(QStringLiteral("cboPeriod"));
+  choices_->setAccessibleName(QStringLiteral("Period"));
+  choices_->setSizeAdjustPolicy(QComboBox::AdjustToContents);
+  for (const char* const period : kPeriods) {
+    choices_->addItem(QString::fromLatin1(period));
+  }
+  LayOut();
+  connect(choices_, &QComboBox::activated, this, [this](int item) {
+    Q_EMIT Chosen(static_cast<PeriodChoice>(item));
+    if (item == static_cast<int>(PeriodChoice::kFromTo)) {
+      from_->Field().setFocus();
+      from_->Field().selectAll();
+    }
+  });
+  for (const DayEdit* const day : {from_, to_}) {
+    connect(day, &DayEdit::Entered, this, [this] { Q_EMIT Typed(from_->Text(), to_->Text()); });
+  }
+}
+
+void PeriodBar::LayOut() {
+  QLabel* const period = AddLabel(*this, "lblPeriod", kPeriodCaption);
+  QLabel* const from = AddLabel(*this, "lblPeriodFrom", kFromCaption);
+  QLabel* const to = AddLabel(*this, "lblPeriodTo", kToCaption);
+  period->setBuddy(choices_);
+  from->setBuddy(&from_->Field());
+  to->setBuddy(&to_->Field());
+  note_->setWordWrap(true);
+  note_->hide();
+  auto* const row = new QHBoxLayout;
+  row->setSpacing(kSpacing);
+  row->addWidget(period);
+  row->addWidget(choices_);
+  row->addSpacing(kGroupSpacing - kSpacing);
+  row->addWidget(from);
+  row->addWidget(from_);
+  row->addSpacing(kGroupSpacing - kSpacing);
+  row->addWidget(to);
+  row->addWidget(to_);
+  row->addStretch();
+  auto* const column = new QVBoxLayout(this);
+  column->setContentsMargins(0, 0, 0, 0);
+  column->setSpacing(kSpacing);
+  column->addLayout(row);
+  column->addWidget(note_);
+}
+
+void PeriodBar::Show(const PeriodState& period) {
+  choices_->setCurrentIndex(static_cast<int>(period.choice));
+  from_->ShowText(ToQString(period.from));
+  to_->ShowText(ToQString(period.to));
+}
+
+void PeriodBar::ShowNote(const QString& note) {
+  note_->setText(note);
+  note_->setVisible(!note.isEmpty());
+}
+
+}  // namespace vrx

@@ -1,0 +1,71 @@
+#pragma once
+
+#include <QComboBox>
+#include <QLabel>
+#include <QPushButton>
+#include <QWidget>
+#include <array>
+
+#include "platform/calendar.h"
+#include "presenter/history.h"
+#include "widgets/calendar_popup.h"
+#include "widgets/fields.h"
+
+namespace vrx {
+
+// The record navigator of the history grid: "Transaction:", the editable number of the current row,
+// "of" the number of rows.
+class HistoryNavigator : public QWidget {
+  Q_OBJECT
+
+ public:
+  explicit HistoryNavigator(QWidget* parent = nullptr);
+
+  // From 0; -1 for none.
+  void ShowRow(int row);
+  void ShowCount(int rows);
+
+ Q_SIGNALS:
+  // The operator selects an existing row, from 0.
+  void RowChosen(int row);
+
+ private:
+  void Move(int button);
+  void GoToTyped();
+  void ShowState();
+
+  std::array<QPushButton*, 4> buttons_{};  // by NavigateButton
+  FilteredEdit* number_;
+  QLabel* caption_;
+  QLabel* count_;
+  int row_ = -1;
+  int rows_ = 0;
+};
+
+// The period of the history: a list of periods, two fields of its days, and below them what is
+// refused or left out.
+class PeriodBar : public QWidget {
+  Q_OBJECT
+
+ public:
+  // The calendars float over `form`.
+  PeriodBar(const Calendar& calendar, QWidget* form);
+
+  void Show(const PeriodState& period);
+  // What is refused or left out.
+  void ShowNote(const QString& note);
+
+ Q_SIGNALS:
+  void Chosen(PeriodChoice choice);
+  void Typed(const QString& from, const QString& to);
+
+ private:
+  void LayOut();
+
+  ChoiceList* choices_;
+  DayEdit* from_;
+  DayEdit* to_;
+  QLabel* note_;
+};
+
+}  // namespace vrx
