@@ -19,7 +19,6 @@ namespace vrx {
 
 namespace {
 
-
 constexpr int kDataGroupCaption = 1080;
 constexpr int kNameCharacters = 14;
 constexpr int kItemsInView = 20;
