@@ -1,8 +1,8 @@
-#include <algorithm>
 #include <cstddef>
 #include <memory>
 #include <ostream>
 #include <string>
+#include <string_view>
 #include <utility>
 #include <vector>
 
@@ -10,116 +10,53 @@
 #include <SQLiteCpp/Database.h>
 #include <SQLiteCpp/Transaction.h>
 
-#include "base/error.h"
 #include "base/files.h"
-#include "base/number.h"
 #include "ctl/command.h"
 #include "ctl/options.h"
 #include "ctl/output.h"
 #include "ctl/recipe_file.h"
 #include "ctl/recipe_output.h"
 #include "ctl/session.h"
-#include "database/identity.h"
 #include "database/records.h"
-#include "feed/ration.h"
+#include "feed/recipe_comparison.h"
 
 namespace vrx {
 
 namespace {
 
-struct ComparedLine {
-  std::string ingredient;  // its name in its own database
-  std::size_t place;       // in the recipe, from 1
-  Json cells;
-};
+// A recipe and its cells as the command writes them.
+struct WrittenRecipe {
+  explicit WrittenRecipe(ComparedRecipe compared)
+      : recipe(std::move(compared)),
+        head(RecipeHead(recipe.head)),
+        totals(RecipeTotalsObject(recipe.totals)) {
+    std::vector<RecipeLineRecord> cells;
+    for (const ComparedLine& line : recipe.lines) {
+      cells.push_back(line.cells);
+    }
+    lines = ToJson(RecipeLineTable(cells));
+  }
 
-// A recipe of a database, recomputed in memory.
-struct ComparedRecipe {
+  // Null for no line.
+  [[nodiscard]] Json CellsOf(const ComparedLine* line) const {
+    return line == nullptr ? Json() : lines[static_cast<std::size_t>(line->place) - 1];
+  }
+
+  ComparedRecipe recipe;
   Json head;
   Json totals;
-  std::vector<ComparedLine> lines;
-  std::string unit;
+  Json lines;
 };
 
-// Lines of the same ingredient; nullptr for a line that only one recipe has.
-struct LinePair {
-  const ComparedLine* a;
-  const ComparedLine* b;
-
-  [[nodiscard]] const ComparedLine& Any() const { return a != nullptr ? *a : *b; }
-};
-
-// An ingredient that the database does not have is named by its number.
-std::string IngredientName(const std::vector<IngredientRecord>& ingredients,
-                           const std::string& number) {
-  const auto found = std::find_if(
-      ingredients.begin(), ingredients.end(),
-      [&](const IngredientRecord& ingredient) { return ingredient.id == ParseLong(number); });
-  return found == ingredients.end() ? "ingredient '" + number + "'" : found->name;
-}
-
-RecipeTotals RecalcCompared(Ration& ration, const std::string& file) {
-  try {
-    return RecalcRecipe(ration);
-  } catch (const Error& error) {
-    throw Error("Recipe " + std::to_string(ration.recipe.id) + " of " + FileTitle(file) + ": " +
-                error.what());
-  }
-}
-
-ComparedRecipe ReadCompared(SQLite::Database& database, const std::string& file, int id) {
-  Ration ration{.recipe = ReadRecipe(database, id), .lines = ReadRecipeLines(database, id)};
-  const RecipeTotals totals = RecalcCompared(ration, file);
-  const std::vector<IngredientRecord> ingredients = ReadIngredients(database);
-  ComparedRecipe compared{.head = RecipeHead(ration.recipe),
-                          .totals = RecipeTotalsObject(totals.row),
-                          .lines = {},
-                          .unit = ReadField(database, kUnitField).value_or("")};
-  Json cells = ToJson(RecipeLineTable(ration.lines));
-  for (std::size_t line = 0; line < ration.lines.size(); ++line) {
-    compared.lines.push_back(
-        {.ingredient = IngredientName(ingredients, ration.lines[line].ingredient),
-         .place = line + 1,
-         .cells = std::move(cells[line])});
-  }
-  return compared;
-}
-
-// The lines of `a` in their order, then those that only `b` has.
-std::vector<LinePair> PairLines(const ComparedRecipe& a, const ComparedRecipe& b) {
-  std::vector<const ComparedLine*> unpaired;
-  for (const ComparedLine& line : b.lines) {
-    unpaired.push_back(&line);
-  }
-  std::vector<LinePair> pairs;
-  for (const ComparedLine& line : a.lines) {
-    const auto match = std::find_if(
-        unpaired.begin(), unpaired.end(),
-        [&](const ComparedLine* other) { return other->ingredient == line.ingredient; });
-    if (match == unpaired.end()) {
-      pairs.push_back({.a = &line, .b = nullptr});
-    } else {
-      pairs.push_back({.a = &line, .b = *match});
-      unpaired.erase(match);
-    }
-  }
-  for (const ComparedLine* line : unpaired) {
-    pairs.push_back({.a = nullptr, .b = line});
-  }
-  return pairs;
-}
-
-// The fields with different values, as {"field","a","b"}. One of the objects may be null. Fields
-// without a value in either object are the same.
-Json DifferentFields(const Json& a, const Json& b, const std::vector<std::string>& ignored) {
+// The fields of those names as {"field","a","b"}. One of the objects may be null.
+Json Differences(const std::vector<std::string_view>& names, const Json& a, const Json& b) {
+  const auto value = [](const Json& object, const std::string& name) {
+    return object.is_null() ? Json() : object[name];
+  };
   Json different = Json::array();
-  for (const auto& [field, value] : (a.is_null() ? b : a).items()) {
-    Json in_a = a.is_null() ? Json() : a[field];
-    Json in_b = b.is_null() ? Json() : b[field];
-    const bool compared = std::find(ignored.begin(), ignored.end(), field) == ignored.end();
-    if (compared && in_a != in_b) {
-      different.push_back({{"field", field}, {"a", std::move(in_a)}, {"b", std::move(in_b)}});
-    }
+  for (const std::string_view each : names) {
+    const std::string name(each);
+    different.push_back({{"field", name}, {"a", value(a, name)}, {"b", value(b, name)}});
   }
   return different;
 }
@@ -128,7 +65,7 @@ Json DifferentFields(const Json& a, const Json& b, const std::vector<std::string
 class RecipeComparison {
  public:
   // The recipes must outlive the comparison.
-  RecipeComparison(const ComparedRecipe& a, const ComparedRecipe& b, bool one_database)
+  RecipeComparison(const WrittenRecipe& a, const WrittenRecipe& b, bool one_database)
       : a_(a), b_(b), one_database_(one_database) {}
 
   void Write(std::ostream& out, OutputForm form) const {
@@ -140,17 +77,14 @@ class RecipeComparison {
   }
 
  private:
-  [[nodiscard]] Json Fields() const { return DifferentFields(a_.head, b_.head, {"ID"}); }
-  [[nodiscard]] Json Totals() const { return DifferentFields(a_.totals, b_.totals, {}); }
-
-  static Json CellsOf(const ComparedLine* line) { return line == nullptr ? Json() : line->cells; }
-
-  // The numbers of ingredients are those of their database. A line that only one recipe has is
-  // described by its name.
-  [[nodiscard]] Json Cells(const LinePair& pair) const {
-    const bool numbers = one_database_ && pair.a != nullptr && pair.b != nullptr;
-    return DifferentFields(CellsOf(pair.a), CellsOf(pair.b),
-                           {"RecipeID", numbers ? "" : "Ingredient"});
+  [[nodiscard]] Json Fields() const {
+    return Differences(DifferentFields(a_.recipe.head, b_.recipe.head), a_.head, b_.head);
+  }
+  [[nodiscard]] Json Totals() const {
+    return Differences(DifferentTotals(a_.recipe.totals, b_.recipe.totals), a_.totals, b_.totals);
+  }
+  [[nodiscard]] Json Cells(const ComparedPair& pair) const {
+    return Differences(DifferentCells(pair, one_database_), a_.CellsOf(pair.a), b_.CellsOf(pair.b));
   }
 
   [[nodiscard]] Json Document() const {
@@ -161,11 +95,11 @@ class RecipeComparison {
     document["fields"] = Fields();
     document["totals"] = Totals();
     document["lines"] = Json::array();
-    for (const LinePair& pair : PairLines(a_, b_)) {
+    for (const ComparedPair& pair : PairLines(a_.recipe, b_.recipe)) {
       if (!Cells(pair).empty()) {
         document["lines"].push_back({{"ingredient", pair.Any().ingredient},
-                                     {"a", CellsOf(pair.a)},
-                                     {"b", CellsOf(pair.b)}});
+                                     {"a", a_.CellsOf(pair.a)},
+                                     {"b", b_.CellsOf(pair.b)}});
       }
     }
     return document;
@@ -181,15 +115,15 @@ class RecipeComparison {
     };
     add("", Fields());
     add("", Totals());
-    for (const LinePair& pair : PairLines(a_, b_)) {
+    for (const ComparedPair& pair : PairLines(a_.recipe, b_.recipe)) {
       add("line " + std::to_string(pair.Any().place) + " " + pair.Any().ingredient + " ",
           Cells(pair));
     }
     return table;
   }
 
-  const ComparedRecipe& a_;
-  const ComparedRecipe& b_;
+  const WrittenRecipe& a_;
+  const WrittenRecipe& b_;
   bool one_database_;
 };
 
@@ -220,19 +154,18 @@ class RecipeDiffCommand : public Command {
   int Run(Session& session) override {
     const bool one_database = with_->count() == 0;
     const std::string& other = one_database ? file_ : other_;
-    std::vector<ComparedRecipe> recipes;
+    std::vector<WrittenRecipe> recipes;
     const bool done =
         one_database ? Read(session, file_, {a_, b_}, recipes)
                      : Read(session, file_, {a_}, recipes) && Read(session, other_, {b_}, recipes);
     if (!done) {
       return kFailed;
     }
-    const ComparedRecipe& a = recipes.front();
-    const ComparedRecipe& b = recipes.back();
-    if (a.unit != b.unit) {
-      session.Op().ShowNote("The weights of " + FileTitle(file_) + " are in " + a.unit +
-                            ", those of " + FileTitle(other) + " in " + b.unit +
-                            ": they are compared as numbers.");
+    const WrittenRecipe& a = recipes.front();
+    const WrittenRecipe& b = recipes.back();
+    const std::string units = UnitsDiffer(a.recipe, FileTitle(file_), b.recipe, FileTitle(other));
+    if (!units.empty()) {
+      session.Op().ShowNote(units);
     }
     RecipeComparison(a, b, one_database).Write(session.Out(), output_.Form());
     return kDone;
@@ -241,11 +174,11 @@ class RecipeDiffCommand : public Command {
  private:
   // Appends recipes of one state of the database. Returns false after a message.
   static bool Read(Session& session, const std::string& file, const std::vector<int>& ids,
-                   std::vector<ComparedRecipe>& recipes) {
+                   std::vector<WrittenRecipe>& recipes) {
     const auto read = [&](SQLite::Database& database) {
       const SQLite::Transaction snapshot(database);
       for (const int id : ids) {
-        recipes.push_back(ReadCompared(database, file, id));
+        recipes.emplace_back(ReadCompared(database, FileTitle(file), id));
       }
     };
     return ReadRecipeFile(session, file, read) == kDone;
