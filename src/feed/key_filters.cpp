@@ -39,6 +39,14 @@ int FilterDigitKey2(int key) { return FilterDigitKey(key); }
 
 int FilterDecimalKey(int key) { return IsDigitKey(key) || key == '.' ? key : 0; }
 
+std::string_view DigitRefusal(int key) {
+  return IsDecimalKey(key) ? kTakesWholeNumbers : kTakesDigits;
+}
+
+std::string FullRefusal(std::size_t limit) {
+  return "Full: at most " + std::to_string(limit) + " characters";
+}
+
 std::string NormalizeNameChar(std::string_view character) {
   if (character.empty()) {
     return {};

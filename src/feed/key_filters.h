@@ -19,6 +19,21 @@ inline constexpr int kBackspaceKey = 8;               // dropped by every filter
 [[nodiscard]] int FilterDigitKey2(int key);       // digits: dry matter, head count, recipe grid
 [[nodiscard]] int FilterDecimalKey(int key);      // digits and "."
 
+// What the fields with these filters take, as a refused key is explained: "Only digits".
+inline constexpr std::string_view kTakesName = "Only letters, digits, / + - and spaces";
+inline constexpr std::string_view kTakesDescription = "Only letters, digits, + - and spaces";
+inline constexpr std::string_view kTakesDigits = "Only digits";
+inline constexpr std::string_view kTakesWholeNumbers = "Only whole numbers, no decimals";
+
+// Why a field of digits drops a key: a decimal key asks for another number, any other key for none.
+[[nodiscard]] std::string_view DigitRefusal(int key);
+
+// "Full: at most 6 characters"
+[[nodiscard]] std::string FullRefusal(std::size_t limit);
+
+// The point or the comma: the decimal key of a keyboard, whatever its language is.
+constexpr bool IsDecimalKey(int key) { return key == '.' || key == ','; }
+
 // FilterNameKey for texts: returns one character or an empty text.
 [[nodiscard]] std::string NormalizeNameChar(std::string_view character);
 

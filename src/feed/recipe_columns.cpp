@@ -27,6 +27,20 @@ constexpr std::array<LineCell, 3> kLineCells = {{
 
 constexpr std::size_t kTargetLimit = 6;
 
+// Why a percentage with that text drops a key.
+std::string_view PercentRefusal(std::string_view text, int key) {
+  if (FilterDecimalKey(key) == 0) {
+    return "Only digits and a decimal point";
+  }
+  const std::size_t point = text.find('.');
+  if (key == '.') {
+    return point == std::string_view::npos ? "A digit comes before the decimal point"
+                                           : "Only one decimal point";
+  }
+  return point != std::string_view::npos && text.size() - point > 2 ? "At most two decimals"
+                                                                    : "At most 100 %";
+}
+
 const LineCell& CellOf(LineColumn column) {
   return kLineCells.at(static_cast<std::size_t>(column));
 }
@@ -119,6 +133,18 @@ int FilterLineKey(LineColumn column, std::string_view text, int key) {
   return valid ? passed : 0;
 }
 
+LineKey TypeLineKey(LineColumn column, std::string_view text, int key) {
+  const bool percent = column == LineColumn::kIngredientPercent;
+  const int typed = percent && IsDecimalKey(key) ? '.' : key;
+  if (const int code = FilterLineKey(column, text, typed); code != 0) {
+    return {.code = code};
+  }
+  if (!percent) {
+    return {.refusal = text.size() >= kTargetLimit ? "Full: at most 6 digits" : DigitRefusal(key)};
+  }
+  return {.refusal = PercentRefusal(text, typed)};
+}
+
 std::string PercentText(std::string_view cell) {
   const std::optional<double> percent = ParseNumber(cell);
   return percent ? Format(*percent, "0.00") : std::string(cell);
@@ -158,6 +184,18 @@ std::string CellText(const RecipeLineRecord& line, int column) {
     return line.hand_add ? "Yes" : "No";
   }
   return column == kColumnIngredientPercent ? PercentText(line.*cell) : line.*cell;
+}
+
+std::string_view WhyClosed(int column) {
+  switch (kColumns.at(static_cast<std::size_t>(column)).role) {
+    case kComputed:
+      return "Computed from the other columns";
+    case kReadOnly:
+      return "Edited on the Ingredients tab";
+    case kEntered:
+      break;
+  }
+  return {};
 }
 
 std::vector<int> ColumnsInSight(LineEntry entry) {

@@ -25,6 +25,13 @@ enum class LineColumn {
 // Filters a key in a cell that contains `text`; returns 0 to drop it.
 [[nodiscard]] int FilterLineKey(LineColumn column, std::string_view text, int key);
 
+// A key that the operator types into such a cell: every decimal key types a point.
+struct LineKey {
+  int code = 0;                   // 0 for a dropped key
+  std::string_view refusal = {};  // why it is dropped: "Only one decimal point"
+};
+[[nodiscard]] LineKey TypeLineKey(LineColumn column, std::string_view text, int key);
+
 // `Ingredient%` with two decimals. Returns a text that is not a number unchanged.
 [[nodiscard]] std::string PercentText(std::string_view cell);
 
@@ -74,6 +81,10 @@ struct RecipeColumnRow {
 // Text of a line in a column: the ID of its ingredient, "Yes" or "No" for `HandAdd`, and
 // `Ingredient%` with two decimals.
 [[nodiscard]] std::string CellText(const RecipeLineRecord& line, int column);
+
+// Why nothing can be entered in a column: "Computed from the other columns". Empty for a column of
+// entries.
+[[nodiscard]] std::string_view WhyClosed(int column);
 
 // The shown columns from left to right.
 [[nodiscard]] std::vector<int> ColumnsInSight(LineEntry entry);

@@ -1,6 +1,8 @@
 #include "feed/recipe_copy.h"
 
+#include <set>
 #include <string>
+#include <utility>
 
 #include <SQLiteCpp/Statement.h>
 #include <SQLiteCpp/Transaction.h>
@@ -70,6 +72,18 @@ int CopyLines(SQLite::Database& database, int from, int to) {
 }
 
 }  // namespace
+
+std::vector<RecipeRecord> FreeRecipes(SQLite::Database& database) {
+  std::set<std::string> with_lines;
+  for (RecipeLineRecord& line : ReadAllRecipeLines(database)) {
+    with_lines.insert(std::move(line.recipe_id));
+  }
+  std::vector<RecipeRecord> free = ReadRecipes(database);
+  std::erase_if(free, [&](const RecipeRecord& recipe) {
+    return IsActive(recipe) || with_lines.contains(std::to_string(recipe.id));
+  });
+  return free;
+}
 
 RecipeCopy CopyRecipe(SQLite::Database& database, int from, int to, const Calendar& calendar) {
   RequireRecipeNumber(from);

@@ -1,5 +1,7 @@
 #pragma once
 
+#include <vector>
+
 #include <SQLiteCpp/Database.h>
 
 #include "base/error.h"
@@ -20,10 +22,12 @@ struct RecipeCopy {
   int line_count = 0;
 };
 
-// Copies a recipe with its lines to a free record, which has neither description nor lines, and
-// sets `Modified`, in one transaction. The fields of the lines are copied as they are stored,
-// nothing is recomputed. Name and description stay the same, except a default name: the copy of
-// "REC004" to recipe 9 is "REC009".
+// The recipes that have neither description nor lines, by their numbers.
+std::vector<RecipeRecord> FreeRecipes(SQLite::Database& database);
+
+// Copies a recipe with its lines to a free record and sets `Modified`, in one transaction. The
+// fields of the lines are copied as they are stored, nothing is recomputed. Name and description
+// stay the same, except a default name: the copy of "REC004" to recipe 9 is "REC009".
 //
 // Throws CopyRefusal or DatabaseError and stores nothing.
 RecipeCopy CopyRecipe(SQLite::Database& database, int from, int to, const Calendar& calendar);

@@ -78,16 +78,17 @@ std::string LeaveFeed(std::string_view text) { return std::to_string(TextToLong(
 constexpr std::size_t kNameLimit = 6;
 
 constexpr std::array<RecordField, 10> kFields = {{
-    {RecordKind::kIngredient, "Name", kNameLimit, FilterNameKey, LeaveName},
-    {RecordKind::kIngredient, "Description", kDescriptionLimit, FilterDescriptionKey, LeaveText},
-    {RecordKind::kIngredient, "DryMatter%", 3, FilterDigitKey2, LeaveDryMatter},
-    {RecordKind::kRecipe, "Name", kNameLimit, FilterNameKey, LeaveName},
-    {RecordKind::kRecipe, "Description", kDescriptionLimit, FilterDescriptionKey, LeaveText},
-    {RecordKind::kRecipe, "HeadCount", 4, FilterDigitKey2, LeaveHeadCount},
-    {RecordKind::kRecipe, "RationTarget", 6, FilterDigitKey, LeaveRationTarget},
-    {RecordKind::kPen, "Name", kNameLimit, FilterNameKey, LeaveName},
-    {RecordKind::kPen, "Description", kDescriptionLimit, FilterDescriptionKey, LeaveText},
-    {RecordKind::kPen, "FeedAmount", 6, FilterDigitKey, LeaveFeed},
+    {RecordKind::kIngredient, "Name", kNameLimit, FilterNameKey, false, LeaveName},
+    {RecordKind::kIngredient, "Description", kDescriptionLimit, FilterDescriptionKey, false,
+     LeaveText},
+    {RecordKind::kIngredient, "DryMatter%", 3, FilterDigitKey2, true, LeaveDryMatter},
+    {RecordKind::kRecipe, "Name", kNameLimit, FilterNameKey, false, LeaveName},
+    {RecordKind::kRecipe, "Description", kDescriptionLimit, FilterDescriptionKey, false, LeaveText},
+    {RecordKind::kRecipe, "HeadCount", 4, FilterDigitKey2, true, LeaveHeadCount},
+    {RecordKind::kRecipe, "RationTarget", 6, FilterDigitKey, true, LeaveRationTarget},
+    {RecordKind::kPen, "Name", kNameLimit, FilterNameKey, false, LeaveName},
+    {RecordKind::kPen, "Description", kDescriptionLimit, FilterDescriptionKey, false, LeaveText},
+    {RecordKind::kPen, "FeedAmount", 6, FilterDigitKey, true, LeaveFeed},
 }};
 
 // The character of a key, or its number if it is not printable.
@@ -149,6 +150,16 @@ const RecordField& FieldOf(RecordKind kind, std::string_view name) {
   return *field;
 }
 
+std::string KeyRefusal(const RecordField& field, std::string_view text, int key) {
+  if (text.size() >= field.limit) {
+    return FullRefusal(field.limit);
+  }
+  if (field.number) {
+    return std::string(DigitRefusal(key));
+  }
+  return std::string(field.name == "Name" ? kTakesName : kTakesDescription);
+}
+
 LeftField LeaveField(const RecordField& field, std::string_view text) {
   try {
     return {.text = field.leave(text), .refusal = {}};
@@ -175,8 +186,7 @@ FieldEntry EnterText(const RecordField& field, std::string_view typed) {
   }
   FieldEntry entry{.text = field.leave(box), .note = {}};
   const auto number = ParseLong(entry.text);
-  const bool is_number = field.filter == FilterDigitKey || field.filter == FilterDigitKey2;
-  if (is_number && !entry.text.empty() && number != ParseLong(box)) {
+  if (field.number && !entry.text.empty() && number != ParseLong(box)) {
     entry.note = std::string(field.name) + ": " +
                  (box.empty() ? "nothing was typed" : box + " is out of range") + ", " +
                  entry.text + " is stored.";

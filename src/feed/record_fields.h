@@ -74,9 +74,13 @@ struct RecordField {
   std::string_view name;  // in the database
   std::size_t limit;      // characters
   int (*filter)(int key);
+  bool number;
   // Returns the normalized text when the field loses the focus. Throws FieldRefusal.
   std::string (*leave)(std::string_view text);
 };
+
+// Why the field, which holds `text`, drops a key: "Only digits".
+[[nodiscard]] std::string KeyRefusal(const RecordField& field, std::string_view text, int key);
 
 // Throws std::out_of_range if the kind has no such field.
 const RecordField& FieldOf(RecordKind kind, std::string_view name);

@@ -236,19 +236,7 @@ bool DatabaseCommands::ConvertIfLegacy(const Side& side, FileToOpen& file) {
 }
 
 bool DatabaseCommands::IsUserDatabase(const Side& side, const FileToOpen& file) {
-  const KindTexts& words = TextsOf(side.kind);
-  const std::string type = services_.identity.GetDatabaseType(file.path);
-  if (type == words.user_type) {
-    return true;
-  }
-  services_.op.ShowMessage({.icon = Icon::kWarning,
-                            .title = "Invalid Database",
-                            .text = "The database file (" + file.name +
-                                    ") that you specified, is not a valid VRX-2260 " +
-                                    std::string(words.noun) + " database.",
-                            .cause = file.path.string() + " is of type \"" + type +
-                                     "\"; expected \"" + std::string(words.user_type) + "\""});
-  return false;
+  return services_.identity.IsUserDatabase(side.kind, file.path, file.name);
 }
 
 void DatabaseCommands::WarnOfMissingRecords(const BoundDatabase& database,

@@ -36,6 +36,23 @@ std::string DatabaseIdentity::GetDatabaseType(const fs::path& path) {
   return std::find(kTypes.begin(), kTypes.end(), type) == kTypes.end() ? std::string() : type;
 }
 
+bool DatabaseIdentity::IsUserDatabase(DatabaseKind kind, const fs::path& path,
+                                      std::string_view name) {
+  const KindTexts& words = TextsOf(kind);
+  const std::string type = GetDatabaseType(path);
+  if (type == words.user_type) {
+    return true;
+  }
+  operator_.ShowMessage({.icon = Icon::kWarning,
+                         .title = "Invalid Database",
+                         .text = "The database file (" + std::string(name) +
+                                 ") that you specified, is not a valid VRX-2260 " +
+                                 std::string(words.noun) + " database.",
+                         .cause = path.string() + " is of type \"" + type + "\"; expected \"" +
+                                  std::string(words.user_type) + "\""});
+  return false;
+}
+
 bool DatabaseIdentity::SetDatabaseType(const fs::path& path, std::string_view type) {
   return Run("Set Database-Type Error", [&] {
     SQLite::Database database = OpenDatabase(path, Access::kWrite, lock_wait_);

@@ -29,6 +29,9 @@ class DatabaseIdentity {
 
   // One of the four types; "" after a failure and, without a message, for any other text.
   std::string GetDatabaseType(const std::filesystem::path& path);
+  // Whether it is a user's file of that kind. Otherwise a message, which names the file `name`,
+  // says so.
+  bool IsUserDatabase(DatabaseKind kind, const std::filesystem::path& path, std::string_view name);
   bool SetDatabaseType(const std::filesystem::path& path, std::string_view type);
 
   // Empty if the date is not set, and after a failure. Any other selector is treated as kModified.

@@ -138,6 +138,21 @@ QPalette WithReadableHints(QPalette palette) {
   return palette;
 }
 
+void PaintCurrentCell(QPainter& painter, const QRect& cell, const QColor& background,
+                      bool has_focus) {
+  constexpr int kThick = 3;
+  const int width = has_focus ? kThick : 1;
+  const QColor dark(Qt::black);
+  const bool on_dark = Readable(dark, background, kTextContrast) != dark;
+  painter.save();
+  painter.setRenderHint(QPainter::Antialiasing, false);
+  for (int line = 0; line < width; ++line) {
+    painter.setPen(on_dark ? QColor(Qt::white) : dark);
+    painter.drawRect(cell.adjusted(line, line, -line - 1, -line - 1));
+  }
+  painter.restore();
+}
+
 QIcon SvgIcon(std::string_view name) {
   QFile file(QStringLiteral(":/icons/%1.svg").arg(ToQString(name)));
   if (!file.open(QIODevice::ReadOnly)) {

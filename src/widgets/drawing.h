@@ -2,7 +2,9 @@
 
 #include <QColor>
 #include <QIcon>
+#include <QPainter>
 #include <QPalette>
+#include <QRect>
 #include <QSize>
 #include <QString>
 #include <QSvgRenderer>
@@ -31,6 +33,11 @@ QColor StatusTextColor(StatusColor color, const QColor& background);
 // A palette with readable placeholder texts: some desktops define all colors of a dark theme except
 // this one, which then remains that of a light theme. Sets no other color.
 QPalette WithReadableHints(QPalette palette);
+
+// Frames the current cell of a grid, in a color that is readable on the cell's background: thick in
+// the grid that has the focus, thin in another one.
+void PaintCurrentCell(QPainter& painter, const QRect& cell, const QColor& background,
+                      bool has_focus);
 
 // An icon of data/icons by its file name without extension. Rendered for each size and scale in the
 // colors of the current palette: black becomes the text color of buttons, royal blue the color of a

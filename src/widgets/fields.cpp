@@ -4,14 +4,17 @@
 #include <QApplication>
 #include <QFocusEvent>
 #include <QKeyEvent>
+#include <QMouseEvent>
 #include <QScopedValueRollback>
 #include <QWheelEvent>
 #include <algorithm>
+#include <optional>
 #include <utility>
 
 #include "base/encoding.h"
 #include "widgets/layout.h"
 #include "widgets/qt_text.h"
+#include "widgets/refusal_tip.h"
 
 namespace vrx {
 
@@ -26,6 +29,26 @@ int KeyCode(QChar character) {
 
 QString Character(int code) {
   return ToQString(Windows1252ToUtf8(std::string(1, static_cast<char>(code))));
+}
+
+// The decimal keys of the keyboards' languages.
+bool IsDecimalMark(QChar character) {
+  return character == u'.' || character == u',' || character == QChar(0x066B);
+}
+
+bool IsModifier(const QKeyEvent& key) {
+  return key.key() == Qt::Key_Shift || key.key() == Qt::Key_Control || key.key() == Qt::Key_Alt ||
+         key.key() == Qt::Key_AltGr || key.key() == Qt::Key_Meta;
+}
+
+bool IsUndo(const QKeyEvent& key) {
+  return key.key() == Qt::Key_Z && key.modifiers() == Qt::ControlModifier;
+}
+
+bool IsRedo(const QKeyEvent& key) {
+  const Qt::KeyboardModifiers shifted = Qt::ControlModifier | Qt::ShiftModifier;
+  return (key.key() == Qt::Key_Y && key.modifiers() == Qt::ControlModifier) ||
+         (key.key() == Qt::Key_Z && key.modifiers() == shifted);
 }
 
 // Whether a key brings a character in. AltGr may come as Ctrl and Alt.
@@ -87,14 +110,45 @@ FilteredEdit::FilteredEdit(Filter filter, int limit, QWidget* parent)
   connect(this, &QLineEdit::textChanged, this, [this](const QString& text) { accepted_ = text; });
 }
 
+void FilteredEdit::Explain(Reason reason, Takes takes) {
+  reason_ = std::move(reason);
+  takes_ = takes;
+}
+
 void FilteredEdit::setText(const QString& text) {
+  stopped_by_.clear();
   const QScopedValueRollback by_program(by_program_, true);
   QLineEdit::setText(text);
 }
 
+bool FilteredEdit::event(QEvent* event) {
+  if (event->type() == QEvent::ShortcutOverride) {
+    const auto& key = *static_cast<QKeyEvent*>(event);
+    if (IsUndo(key) || IsRedo(key)) {
+      event->setAccepted(IsUndo(key) ? isModified() && isUndoAvailable() : isRedoAvailable());
+      return true;
+    }
+  }
+  return QLineEdit::event(event);
+}
+
 void FilteredEdit::keyPressEvent(QKeyEvent* event) {
+  if (IsUndo(*event) || IsRedo(*event)) {
+    stopped_by_.clear();
+    if (IsRedo(*event)) {
+      redo();
+    } else if (isModified()) {
+      undo();
+    }
+    return;
+  }
   if (isReadOnly() || !IsTyped(*event)) {
-    if (event->key() == Qt::Key_Backspace && !isReadOnly()) {
+    if (!IsModifier(*event)) {
+      stopped_by_.clear();
+    }
+    if (isReadOnly() && IsTyped(*event)) {
+      ShowRefusal(*this, rect(), toolTip());
+    } else if (event->key() == Qt::Key_Backspace) {
       Q_EMIT Backspace();
     }
     QLineEdit::keyPressEvent(event);
@@ -103,6 +157,7 @@ void FilteredEdit::keyPressEvent(QKeyEvent* event) {
   event->accept();
   QString before = text();
   if (hasSelectedText()) {
+    stopped_by_.clear();
     before.remove(selectionStart(), selectionLength());
   }
   const QString typed = Filtered(before, event->text());
@@ -112,7 +167,13 @@ void FilteredEdit::keyPressEvent(QKeyEvent* event) {
   }
 }
 
+void FilteredEdit::mousePressEvent(QMouseEvent* event) {
+  stopped_by_.clear();
+  QLineEdit::mousePressEvent(event);
+}
+
 void FilteredEdit::focusOutEvent(QFocusEvent* event) {
+  stopped_by_.clear();
   QLineEdit::focusOutEvent(event);
   if (LeavesField(*event)) {
     Q_EMIT Left();
@@ -130,6 +191,9 @@ QValidator::State FilteredEdit::Admit(QString& text, int& cursor) {
   if (brought.isEmpty()) {
     return QValidator::Acceptable;
   }
+  if (takes_ == Takes::kNumber) {
+    return AdmitNumber(text, cursor);
+  }
   const QString tail = text.right(suffix);
   const QString admitted = Filtered(text.left(prefix) + tail, brought);
   if (admitted.isEmpty()) {
@@ -142,18 +206,64 @@ QValidator::State FilteredEdit::Admit(QString& text, int& cursor) {
   return QValidator::Acceptable;
 }
 
+// The whole number must be one that could be typed from its beginning.
+QValidator::State FilteredEdit::AdmitNumber(QString& text, int& cursor) {
+  const QString number = Filtered({}, text.trimmed());
+  if (number.isEmpty()) {
+    return QValidator::Invalid;
+  }
+  if (number != text) {
+    text = number;
+    cursor = static_cast<int>(number.size());
+  }
+  return QValidator::Acceptable;
+}
+
 // `before` is the text without the input.
 QString FilteredEdit::Filtered(QString before, const QString& typed) {
+  const bool one_key = typed.size() == 1;
   QString admitted;
+  std::optional<std::pair<QString, QChar>> refused;
   for (const QChar character : typed) {
-    const QString one = OneFiltered(before, character);
+    const QString one = one_key ? TypedDigit(before, character) : OneFiltered(before, character);
+    if (one.isEmpty() && !refused) {
+      refused.emplace(before, character);
+    }
     admitted += one;
     before += one;
   }
-  if (admitted.size() < typed.size()) {
-    Q_EMIT Refused();
+  if (refused) {
+    Refuse(refused->first, refused->second);
+  }
+  return refused && takes_ == Takes::kNumber ? QString() : admitted;
+}
+
+// A key into a number: "4,5" typed into a field of whole numbers stays 4, and ",5" typed into one
+// of decimals is 0.5.
+QString FilteredEdit::TypedDigit(const QString& before, QChar character) {
+  if (takes_ != Takes::kNumber) {
+    return OneFiltered(before, character);
+  }
+  if (!stopped_by_.isEmpty() && character.isDigit()) {
+    return {};
+  }
+  QString admitted = OneFiltered(before, character);
+  if (admitted.isEmpty() && IsDecimalMark(character)) {
+    const QString zero = before.isEmpty() ? OneFiltered(before, u'0') : QString();
+    const QString point = zero.isEmpty() ? QString() : OneFiltered(zero, character);
+    admitted = point.isEmpty() ? QString() : zero + point;
+    stopped_by_ = admitted.isEmpty() ? QString(character) : QString();
   }
   return admitted;
+}
+
+void FilteredEdit::Refuse(const QString& before, QChar character) {
+  if (reason_) {
+    const QChar asked = stopped_by_.isEmpty() ? character : stopped_by_.front();
+    ShowRefusal(*this, rect(),
+                ToQString(reason_(Utf8ToWindows1252(before.toStdString()), KeyCode(asked))));
+  }
+  Q_EMIT Refused();
 }
 
 QString FilteredEdit::OneFiltered(const QString& before, QChar character) const {
@@ -227,6 +337,14 @@ bool EnterAsTab::eventFilter(QObject* watched, QEvent* event) {
   const auto* const widget = qobject_cast<QWidget*>(watched);
   if (widget == nullptr || widget->window() != form_ || !IsEnter(*static_cast<QKeyEvent*>(event))) {
     return false;
+  }
+  for (QObject* part = watched; part != nullptr; part = part->parent()) {
+    if (auto* const list = dynamic_cast<EnterByCell*>(part)) {
+      if (list->EnterPressed()) {
+        return true;
+      }
+      break;
+    }
   }
   QKeyEvent tab(QEvent::KeyPress, Qt::Key_Tab, Qt::NoModifier, QStringLiteral("\t"));
   QApplication::sendEvent(watched, &tab);

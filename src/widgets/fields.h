@@ -4,6 +4,7 @@
 #include <QFocusEvent>
 #include <QKeyEvent>
 #include <QLineEdit>
+#include <QMouseEvent>
 #include <QObject>
 #include <QValidator>
 #include <QWidget>
@@ -27,8 +28,18 @@ class FilteredEdit : public QLineEdit {
   // Also called if the limit is reached, but not for a backspace.
   using Filter = std::function<int(std::string_view text, int key)>;
 
+  // Why a key that the filter or the limit drops is refused, by the same two arguments; UTF-8.
+  using Reason = std::function<std::string(std::string_view text, int key)>;
+
+  // A number must never become another one: of a text entered at once all characters are kept or
+  // none, and after a refused decimal key digits are refused until any other key.
+  enum class Takes { kText, kNumber };
+
   // `limit` in characters.
   FilteredEdit(Filter filter, int limit, QWidget* parent = nullptr);
+
+  // A refused key shows its reason beside the box.
+  void Explain(Reason reason, Takes takes = Takes::kText);
 
   void setText(const QString& text);
 
@@ -45,7 +56,11 @@ class FilteredEdit : public QLineEdit {
   void Left();
 
  protected:
+  // The keys of undo and redo work on what was typed since the text was stored; otherwise they are
+  // shortcuts of the window.
+  bool event(QEvent* event) override;
   void keyPressEvent(QKeyEvent* event) override;
+  void mousePressEvent(QMouseEvent* event) override;
   void focusOutEvent(QFocusEvent* event) override;
 
  private:
@@ -53,12 +68,18 @@ class FilteredEdit : public QLineEdit {
   class Gate;
 
   QValidator::State Admit(QString& text, int& cursor);
+  QValidator::State AdmitNumber(QString& text, int& cursor);
   QString Filtered(QString before, const QString& typed);
   [[nodiscard]] QString OneFiltered(const QString& before, QChar character) const;
+  QString TypedDigit(const QString& before, QChar character);
+  void Refuse(const QString& before, QChar character);
 
   Filter filter_;
   int limit_;
-  QString accepted_;  // the text before a change that is not accepted yet
+  Reason reason_;
+  Takes takes_ = Takes::kText;
+  QString stopped_by_;  // the refused decimal key after which no digit is taken
+  QString accepted_;    // the text before a change that is not accepted yet
   bool by_program_ = false;
 };
 
@@ -88,6 +109,14 @@ class ChoiceList : public QComboBox {
  protected:
   void keyPressEvent(QKeyEvent* event) override;
   void wheelEvent(QWheelEvent* event) override;
+};
+
+// A list whose cells the Enter key goes through by itself. A part of it is a descendant widget.
+class EnterByCell {
+ public:
+  virtual ~EnterByCell() = default;
+  // Returns false after the last cell: the key then leaves the list.
+  virtual bool EnterPressed() = 0;
 };
 
 // Makes the Enter key move to the next field, like Tab, on all controls of a form. It keeps its
