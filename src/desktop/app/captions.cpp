@@ -123,9 +123,13 @@ constexpr std::array kCaptions = std::to_array<Caption>({
     {1134, "*"},
     // Captions that the design does not have.
     {2000, TrMark("Print Pre&view...")},
-    {2001, "&Period"},
-    {2002, "From"},
-    {2003, "To"},
+    {2001, TrMark("&Period")},
+    {2002, TrMark("From")},
+    {2003, TrMark("To")},
+    {2010, TrMark("&Undo")},
+    {2011, TrMark("Re&do")},
+    {2012, TrMark("C&opy Recipe...")},
+    {2013, TrMark("Co&mpare Recipes...")},
 });
 
 // Nothing if the designed text is not in a row of the table.

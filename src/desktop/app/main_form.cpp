@@ -18,8 +18,7 @@ struct DatabaseCommand {
   void (DatabaseCommands::*flow)();
 };
 
-constexpr std::array<DatabaseCommand, 10> kDatabaseCommands{{
-    {MainCommand::kNewRecipeDatabase, &DatabaseCommands::NewRecipeDatabase},
+constexpr std::array<DatabaseCommand, 9> kDatabaseCommands{{
     {MainCommand::kNewTransactionDatabase, &DatabaseCommands::NewTransactionDatabase},
     {MainCommand::kBrowseRecipeDatabase, &DatabaseCommands::BrowseRecipeDatabase},
     {MainCommand::kBrowseTransactionDatabase, &DatabaseCommands::BrowseTransactionDatabase},
@@ -56,6 +55,7 @@ MainForm::MainForm(Services& services, WaitBudget& lock_waits, UserSettings& use
       legacy_(services, conversion_),
       databases_(services, delay_, window_.Commands(), window_.Tabs(), window_, &legacy_),
       recent_(user_settings, services.settings, databases_),
+      undo_(services),
       record_pages_(AddRecordPages()),
       krm_(serial, services.pump, services.op, services.settings),
       data_transfer_(new DataTransferPage(
@@ -115,6 +115,7 @@ void MainForm::SetHandlers() {
   for (const auto& [command, flow] : kDatabaseCommands) {
     window_.SetHandler(command, [this, flow = flow] { (databases_.*flow)(); });
   }
+  window_.SetHandler(MainCommand::kNewRecipeDatabase, [this] { MakeRecipeDatabase(); });
   for (const auto& [command, tab] : kTabCommands) {
     window_.SetHandler(command, [this, tab = tab] { window_.ChooseTab(tab); });
   }
@@ -151,7 +152,7 @@ void MainForm::Load() {
   services_.settings.ReportRefusedUnit(services_.op);
   databases_.CloseRecipeDatabase();
   databases_.CloseTransactionDatabase();
-  window_.UpdateAutoAbbrevUI(services_.settings.AutoAbbreviateOn());
+  ShowAutoAbbreviate(services_.settings.AutoAbbreviateOn());
   window_.Tabs().SelectTab(kTabIngredients);
   window_.Commands().DisableRecipeCommands();
   window_.Commands().DisableTransactionCommands();
@@ -176,13 +177,20 @@ void MainForm::Activate() {
   window_.ShowSystemUnits();
 }
 
+void MainForm::ShowAutoAbbreviate(bool on) {
+  window_.UpdateAutoAbbrevUI(on);
+  for (const int tab : {kTabIngredients, kTabRecipes, kTabPens}) {
+    RecordPageOf(tab)->OrderFields(on);
+  }
+}
+
 // The file holds it at once, unlike the other settings.
 void MainForm::ToggleAutoAbbreviate() {
   const bool on = !services_.settings.AutoAbbreviateOn();
   services_.settings.SetAutoAbbreviateOn(on);
   std::string cause;
   const bool written = ini_.WriteKey("Configuration", "AutoAbbreviate", on ? "YES" : "NO", &cause);
-  window_.UpdateAutoAbbrevUI(on);
+  ShowAutoAbbreviate(on);
   if (!written) {
     services_.op.ShowMessage({.icon = Icon::kWarning,
                               .title = "INI File Error",

@@ -33,6 +33,7 @@
 #include "presenter/legacy_conversion.h"
 #include "presenter/recent_databases.h"
 #include "presenter/services.h"
+#include "presenter/undo_commands.h"
 
 namespace vrx {
 
@@ -127,6 +128,8 @@ class MainForm : public QObject, public ProgramForm {
   void Activate();
   void Leave(ExitReason reason);
   void ToggleAutoAbbreviate();
+  void ShowAutoAbbreviate(bool on);
+  void MakeRecipeDatabase();
 
   // The tabs of ingredients, recipes and pens, with the buttons that work on the current one.
   RecordPages AddRecordPages();
@@ -134,7 +137,11 @@ class MainForm : public QObject, public ProgramForm {
   [[nodiscard]] RecordPage* RecordPageOf(int tab) const;  // nullptr for the other tabs
   RecordPage* CurrentRecordPage();
   void Act(int button);
+  void CompareRecipes();
+  void ShowUndo();
+  void Restore(bool undo);
   void Navigate(int button);
+  void TurnPage(int button);
   void CountLoaded();
 
   // The tabs Data Transfer and Import and the form `SETUP`, which use the serial port and files of
@@ -163,8 +170,11 @@ class MainForm : public QObject, public ProgramForm {
   DatabaseCommands databases_;
   RecentDatabases recent_;
   AutoAbbreviation abbreviation_;
+  UndoCommands undo_;
   RecordPages record_pages_;
   int records_loaded_ = 0;
+  QPointer<QWidget> turning_field_;   // has the focus in each record that is shown by a key
+  QPointer<QWidget> stand_in_field_;  // while that field is closed
   KRMCOMM krm_;
   QtTextPrinter text_printer_;
   DataTransferPage* data_transfer_;

@@ -1,19 +1,41 @@
 // The pages of the main form: how they are made, and what connects them to each other and to the
 // databases.
 
+#include <QAbstractItemView>
+#include <QLineEdit>
+#include <QShortcut>
 #include <QTimer>
+#include <filesystem>
+#include <optional>
 #include <string>
+#include <utility>
 
 #include "database/identity.h"
 #include "desktop/app/main_form.h"
+#include "desktop/dialogs/recipe_dialogs.h"
+#include "presenter/recipe_actions.h"
+#include "widgets/qt_text.h"
 
 namespace vrx {
+namespace {
+
+// The grid whose cell the widget edits, because the editor ends with the edit; or the widget.
+QWidget* WholeField(QWidget* focus) {
+  for (QWidget* part = focus; part != nullptr; part = part->parentWidget()) {
+    if (auto* const grid = qobject_cast<QAbstractItemView*>(part)) {
+      return grid;
+    }
+  }
+  return focus;
+}
+
+}  // namespace
 
 MainForm::RecordPages MainForm::AddRecordPages() {
-  const QPointer<RecipesPage> recipes = new RecipesPage(services_, delay_, abbreviation_);
-  const QPointer<PensPage> pens = new PensPage(services_, abbreviation_);
+  const QPointer<RecipesPage> recipes = new RecipesPage(services_, delay_, abbreviation_, undo_);
+  const QPointer<PensPage> pens = new PensPage(services_, abbreviation_, undo_);
   auto* const ingredients = new IngredientsPage(
-      services_, delay_, abbreviation_,
+      services_, delay_, abbreviation_, undo_,
       {.current_batch_type = [recipes] { return recipes ? recipes->CurrentBatchType() : ""; },
        .go_to = [this](int position) { GoToRecipe(position); }});
   AddRecordPage(kTabIngredients, *ingredients);
@@ -21,8 +43,25 @@ MainForm::RecordPages MainForm::AddRecordPages() {
   AddRecordPage(kTabPens, *pens);
   recipes->SetPenRows([pens] { return pens ? pens->PensShown() : std::vector<PenRecord>(); });
   connect(pens, &PensPage::PenCapacityChecked, recipes, &RecipesPage::CheckPenCapacity);
+  const auto turn_commands = [this, recipes] {
+    window_.Turn(MainCommand::kCopyRecipe, recipes->MayCopy());
+    window_.Turn(MainCommand::kCompareRecipes, recipes->MayCompare());
+  };
+  connect(recipes, &RecipesPage::CommandsChanged, this, turn_commands);
+  window_.SetHandler(MainCommand::kCopyRecipe, [recipes] { recipes->CopyRecipe(); });
+  window_.SetHandler(MainCommand::kCompareRecipes, [this] { CompareRecipes(); });
+  turn_commands();
+  undo_.SetObserver([this] { ShowUndo(); });
+  window_.SetHandler(MainCommand::kUndo, [this] { Restore(true); });
+  window_.SetHandler(MainCommand::kRedo, [this] { Restore(false); });
+  ShowUndo();
   window_.Panels().PicAction().SetHandler([this](int button) { Act(button); });
   window_.Panels().PicNavigate().SetHandler([this](int button) { Navigate(button); });
+  for (const auto& [key, button] :
+       {std::pair(Qt::Key_PageUp, kNavigatePrevious), std::pair(Qt::Key_PageDown, kNavigateNext)}) {
+    auto* const turn = new QShortcut(QKeySequence(Qt::CTRL | key), &window_);
+    connect(turn, &QShortcut::activated, this, [this, button = button] { TurnPage(button); });
+  }
   return {.ingredients = ingredients, .recipes = recipes, .pens = pens};
 }
 
@@ -79,10 +118,84 @@ void MainForm::Act(int button) {
   }
 }
 
+void MainForm::ShowUndo() {
+  const auto show = [this](MainCommand command, const std::string& edit, const QString& caption) {
+    const QString name = ToQString(edit).replace(u'&', QStringLiteral("&&"));
+    window_.SetText(command, edit.empty() ? caption : caption + u' ' + name);
+    window_.Turn(command, !edit.empty());
+  };
+  show(MainCommand::kUndo, undo_.UndoName(), QTr("&Undo"));
+  show(MainCommand::kRedo, undo_.RedoName(), QTr("Re&do"));
+}
+
+// Shows the record first: the operator sees what changes, or why nothing does.
+void MainForm::Restore(bool undo) {
+  const std::optional<EditPlace> place = undo_.Place(undo);
+  if (!place) {
+    return;
+  }
+  const int tab = static_cast<int>(place->kind);  // kinds are in the order of their tabs
+  if (window_.Tabs().CurrentTab() != tab) {
+    window_.ChooseTab(tab);
+  }
+  RecordPage* const page = CurrentRecordPage();
+  if (page == nullptr || page != RecordPageOf(tab) || page->Position() == 0) {
+    return;
+  }
+  if (page->Position() != place->id) {
+    page->GoTo(place->id);
+  }
+  // Choosing the tab runs events.
+  const std::optional<EditPlace> now = undo_.Place(undo);
+  if (now && now->kind == place->kind && now->id == page->Position() &&
+      (undo ? undo_.Undo() : undo_.Redo())) {
+    page->ShowRestored(*now);
+  }
+}
+
+// Reads the file on a connection of its own, which an Open during the dialog does not end.
+void MainForm::CompareRecipes() {
+  const std::optional<ComparedFile> file =
+      OpenComparedFile(databases_.Bound(DatabaseKind::kRecipe).path, services_);
+  if (file) {
+    ShowComparison(*file, record_pages_.recipes->Position(), services_, &window_);
+  }
+}
+
 void MainForm::Navigate(int button) {
   RecordPage* const page = CurrentRecordPage();
   if (page != nullptr && page->Position() != 0 && page->LeaveEdits(MayStay::kYes)) {
     page->Navigate(static_cast<NavigateButton>(button));
+  }
+}
+
+// The same field of the previous or next record: a field that one record closes has the focus again
+// in the next one.
+void MainForm::TurnPage(int button) {
+  QWidget* const focus = window_.focusWidget();
+  if (!turning_field_ || !stand_in_field_ || focus != stand_in_field_) {
+    turning_field_ = WholeField(focus);
+  }
+  if (CurrentRecordPage() == nullptr || !window_.LeaveEdits()) {
+    return;
+  }
+  Navigate(button);
+  if (turning_field_ && turning_field_->isVisible() && turning_field_->isEnabled()) {
+    turning_field_->setFocus();
+    if (auto* const box = qobject_cast<QLineEdit*>(turning_field_)) {
+      box->selectAll();
+    }
+  }
+  stand_in_field_ = window_.focusWidget();
+}
+
+void MainForm::MakeRecipeDatabase() {
+  const std::filesystem::path before = databases_.Bound(DatabaseKind::kRecipe).path;
+  databases_.NewRecipeDatabase();
+  RecordPage* const page = CurrentRecordPage();
+  if (databases_.IsOpen(DatabaseKind::kRecipe) && page != nullptr &&
+      databases_.Bound(DatabaseKind::kRecipe).path != before) {
+    page->FocusFirstField();
   }
 }
 

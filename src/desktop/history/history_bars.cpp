@@ -56,6 +56,8 @@ HistoryNavigator::HistoryNavigator(QWidget* parent)
     connect(button, &QPushButton::clicked, this, [this, i] { Move(static_cast<int>(i)); });
     buttons_.at(i) = button;
   }
+  number_->Explain([](std::string_view, int key) { return std::string(DigitRefusal(key)); },
+                   FilteredEdit::Takes::kNumber);
   caption_->setBuddy(number_);
   number_->setObjectName(QStringLiteral("txtHistoryRow"));
   number_->setAccessibleName(QStringLiteral("Row"));

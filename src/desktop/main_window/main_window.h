@@ -46,6 +46,7 @@ class MainWindow : public QMainWindow, public MainView, private CommandObserver 
   // A command without a handler is disabled.
   void SetHandler(MainCommand command, CommandActions::Handler handler);
   void Turn(MainCommand command, bool on) { actions_.Turn(command, on); }
+  void SetText(MainCommand command, const QString& text) { actions_.SetText(command, text); }
 
   // `sources` returns the data that can be printed; none until it is set.
   void SetPrintSources(std::function<PrintSources()> sources) { sources_ = std::move(sources); }

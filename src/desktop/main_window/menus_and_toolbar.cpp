@@ -55,11 +55,17 @@ constexpr std::array kMenuRows = std::to_array<MenuRow>({
     {"mnuFileBar2", kSeparator, "mnuFile"},
     {"mnuFileExit", "1007", "mnuFile", kExit, "Ctrl+Q"},
     {"mnuEdit", "1008"},
+    {"mnuEditUndo", "2010", "mnuEdit", kUndo, "Ctrl+Z"},
+    {"mnuEditRedo", "2011", "mnuEdit", kRedo, "Ctrl+Y"},
+    {"mnuEditBar3", kSeparator, "mnuEdit"},
     {"mnuEditIngredient", "1009", "mnuEdit", kEditIngredients},
     {"mnuEditRecipe", "1010", "mnuEdit", kEditRecipes},
     {"mnuEditPen", "1011", "mnuEdit", kEditPens},
     {"mnuEditBar1", kSeparator, "mnuEdit"},
     {"mnuEditAutoAbbrev", "1078", "mnuEdit", kAutoAbbreviate},
+    {"mnuEditBar2", kSeparator, "mnuEdit"},
+    {"mnuEditCopyRecipe", "2012", "mnuEdit", kCopyRecipe},
+    {"mnuEditCompareRecipes", "2013", "mnuEdit", kCompareRecipes},
     {"mnuTransfer", "1012"},
     {"mnuTransferUpload", "1013", "mnuTransfer", kTransferUpload},
     {"mnuTransferDownload", "1014", "mnuTransfer", kTransferDownload},
@@ -185,6 +191,14 @@ void CommandActions::Turn(MainCommand command, bool on) {
     if (entry.command == command) {
       entry.on = on;
       Show(entry);
+    }
+  }
+}
+
+void CommandActions::SetText(MainCommand command, const QString& text) const {
+  for (const Entry& entry : entries_) {
+    if (entry.command == command) {
+      entry.action->setText(text);
     }
   }
 }

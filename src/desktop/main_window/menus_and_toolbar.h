@@ -31,10 +31,14 @@ enum class MainCommand {
   kPrintPreview,
   kPrint,
   kExit,
+  kUndo,
+  kRedo,
   kEditIngredients,
   kEditRecipes,
   kEditPens,
   kAutoAbbreviate,
+  kCopyRecipe,
+  kCompareRecipes,
   kTransferUpload,
   kTransferDownload,
   kViewTransactions,
@@ -60,6 +64,9 @@ class CommandActions {
   void Turn(std::string_view name, bool on);
   // The same for all actions of a command.
   void Turn(MainCommand command, bool on);
+
+  // Sets the text of all actions of a command.
+  void SetText(MainCommand command, const QString& text) const;
 
   // Checks or unchecks all actions of a command that is a setting.
   void Tick(MainCommand command, bool on) const;

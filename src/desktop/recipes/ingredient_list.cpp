@@ -15,6 +15,7 @@
 #include <limits>
 #include <utility>
 
+#include "base/encoding.h"
 #include "desktop/dialogs/about_and_splash.h"
 #include "widgets/layout.h"
 #include "widgets/qt_text.h"
@@ -249,6 +250,10 @@ IngredientDropDown::IngredientDropDown(IngredientList& list, QWidget* parent)
           },
           kNoLimit, parent),
       list_(list) {
+  Explain([](std::string_view text, int key) {
+    return "No ingredient in use matches \"" +
+           Windows1252ToUtf8(std::string(text) + static_cast<char>(key)) + "\"";
+  });
   setObjectName(QStringLiteral("grdREC.Ingredient"));
   setAccessibleName(QStringLiteral("Ingredient"));
   connect(this, &QLineEdit::textEdited, this, &IngredientDropDown::Find);

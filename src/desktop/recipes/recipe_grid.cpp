@@ -15,6 +15,8 @@
 #include "widgets/fields.h"
 #include "widgets/labels.h"
 #include "widgets/layout.h"
+#include "widgets/qt_text.h"
+#include "widgets/refusal_tip.h"
 
 namespace vrx {
 namespace {
@@ -97,6 +99,23 @@ void RecipeGrid::Show(const CurrentRecipe& shown) {
 void RecipeGrid::SetIngredients(std::vector<IngredientRecord> ingredients) {
   model_->SetNames(ingredients);
   list_->SetIngredients(std::move(ingredients));
+}
+
+std::string RecipeGrid::IngredientName(const std::string& number) const {
+  for (const IngredientRecord& ingredient : list_->Ingredients()) {
+    if (std::to_string(ingredient.id) == number) {
+      return ingredient.name;
+    }
+  }
+  return "'" + number + "'";
+}
+
+int RecipeGrid::ColumnOf(std::string_view field) const {
+  const auto columns = RecipeColumns();
+  const auto found = std::find_if(columns.begin(), columns.end(),
+                                  [&](const RecipeColumnRow& row) { return row.key == field; });
+  return found == columns.end() ? currentIndex().column()
+                                : static_cast<int>(found - columns.begin());
 }
 
 std::vector<int> RecipeGrid::ColumnsInSight(LineEntry entry) const {
@@ -307,6 +326,8 @@ void RecipeGrid::keyPressEvent(QKeyEvent* event) {
   } else if (IsTyped(*event) || event->key() == Qt::Key_Backspace) {
     if (BeginEdit(currentIndex())) {
       QApplication::sendEvent(indexWidget(currentIndex()), event);
+    } else {
+      ExplainClosed(currentIndex());
     }
   } else if (!MoveByKey(*event)) {
     event->ignore();
@@ -355,6 +376,15 @@ bool RecipeGrid::BeginEdit(const QModelIndex& cell) {
   commit_failed_ = false;
   edit(cell);
   return IsEditing();
+}
+
+// A key that a closed cell drops.
+void RecipeGrid::ExplainClosed(const QModelIndex& cell) {
+  if (cell.isValid()) {
+    const QString reason = ToQString(WhyClosed(cell.column()));
+    ShowRefusal(*viewport(), visualRect(cell), reason.isEmpty() ? toolTip() : reason);
+    events_.KeyRefused();
+  }
 }
 
 void RecipeGrid::Commit(QWidget& editor, const QModelIndex& cell) {

@@ -66,6 +66,12 @@ class RecipeGrid : public QTableView {
   // The columns for that way of entry, from left to right as the operator has moved them.
   [[nodiscard]] std::vector<int> ColumnsInSight(LineEntry entry) const;
 
+  // The name of an ingredient that can be chosen, by its number; otherwise the number.
+  [[nodiscard]] std::string IngredientName(const std::string& number) const;
+
+  // The column of a cell that is entered, by its field in the database; else the current one.
+  [[nodiscard]] int ColumnOf(std::string_view field) const;
+
   // Goes to a row of the grid like a click, from 0. Returns false if the current cell does not
   // change.
   bool GoTo(int row, int column);
@@ -110,6 +116,7 @@ class RecipeGrid : public QTableView {
   }
 
   bool BeginEdit(const QModelIndex& cell);
+  void ExplainClosed(const QModelIndex& cell);
   void Commit(QWidget& editor, const QModelIndex& cell);
 
   RecipeGridEvents& events_;

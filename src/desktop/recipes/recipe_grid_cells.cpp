@@ -1,5 +1,6 @@
 #include "desktop/recipes/recipe_grid_cells.h"
 
+#include <QAbstractItemView>
 #include <QApplication>
 #include <QPainter>
 #include <QStyle>
@@ -255,10 +256,10 @@ void RecipeGridDelegate::paint(QPainter* painter, const QStyleOptionViewItem& op
   const QString text = index.data(Qt::DisplayRole).toString();
   painter->drawText(text_rect, index.data(Qt::TextAlignmentRole).toInt() | Qt::TextSingleLine,
                     metrics.elidedText(text, Qt::ElideRight, text_rect.width()));
-  if ((option.state & QStyle::State_HasFocus) != 0) {
-    painter->setPen(QPen(option.palette.color(QPalette::Highlight), 2));
-    painter->setBrush(Qt::NoBrush);
-    painter->drawRect(option.rect.adjusted(1, 1, -1, -1));
+  const auto* const grid = qobject_cast<const QAbstractItemView*>(option.widget);
+  if (grid != nullptr && grid->currentIndex() == index) {
+    PaintCurrentCell(*painter, option.rect, look.background,
+                     (option.state & QStyle::State_HasFocus) != 0);
   }
   painter->restore();
 }
@@ -300,8 +301,11 @@ QWidget* RecipeGridDelegate::createEditor(QWidget* parent, const QStyleOptionVie
 
 QWidget* RecipeGridDelegate::MakeNumberEditor(QWidget* parent, LineColumn column) const {
   auto* const editor = new FilteredEdit(
-      [column](std::string_view text, int key) { return FilterLineKey(column, text, key); },
+      [column](std::string_view text, int key) { return TypeLineKey(column, text, key).code; },
       column == LineColumn::kTarget ? kWeightLimit : kPercentLimit, parent);
+  editor->Explain([column](std::string_view text,
+                           int key) { return std::string(TypeLineKey(column, text, key).refusal); },
+                  FilteredEdit::Takes::kNumber);
   editor->setObjectName(QStringLiteral("grdREC.Number"));
   editor->setAlignment(Qt::AlignRight);
   editor->setAccessibleName(QString::fromStdString(std::string(

@@ -3,7 +3,10 @@
 #include <QFocusEvent>
 #include <QGridLayout>
 #include <QHBoxLayout>
+#include <algorithm>
+#include <array>
 #include <initializer_list>
+#include <utility>
 
 #include "base/number.h"
 #include "desktop/app/captions.h"
@@ -44,12 +47,31 @@ RecipeHead::RecipeHead(AutoAbbreviation& abbreviation, QWidget* parent)
   MakeBoxes();
   LayOut();
   MakeGroups();
+  OrderFields(false);
+}
+
+void RecipeHead::OrderFields(bool description_first) {
+  QWidget* const first = description_first ? description_ : name_;
+  QWidget* const second = description_first ? name_ : description_;
   QWidget* last = id_list_;
-  for (QWidget* next : std::initializer_list<QWidget*>{name_, description_, batch_type_,
-                                                       head_count_, ration_target_, adjust_}) {
+  for (QWidget* next : std::initializer_list<QWidget*>{first, second, batch_type_, head_count_,
+                                                       ration_target_, adjust_}) {
     setTabOrder(last, next);
     last = next;
   }
+}
+
+QWidget* RecipeHead::Field(std::string_view field) const {
+  const std::array<std::pair<std::string_view, QWidget*>, 6> fields{
+      {{"Name", name_},
+       {"Description", description_},
+       {"BatchType", batch_type_},
+       {"HeadCount", head_count_},
+       {"RationTarget", ration_target_},
+       {"AdjBatTotIndex", adjust_}}};
+  const auto* const found = std::find_if(fields.begin(), fields.end(),
+                                         [&](const auto& row) { return row.first == field; });
+  return found == fields.end() ? nullptr : found->second;
 }
 
 void RecipeHead::MakeLists() {

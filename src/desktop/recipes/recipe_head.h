@@ -6,6 +6,7 @@
 #include <array>
 #include <set>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "desktop/records/record_list.h"
@@ -42,6 +43,16 @@ class RecipeHead : public QWidget {
 
   // Hides the three groups of inputs until the next Show.
   void HideInputs();
+
+  // The Tab key goes to the description before the name, or after it.
+  void OrderFields(bool description_first);
+  // The control of a field of the database; nullptr for a field that has none.
+  [[nodiscard]] QWidget* Field(std::string_view field) const;
+
+  // The first of the two.
+  [[nodiscard]] FilteredEdit& FirstField() const {
+    return id_list_->nextInFocusChain() == description_ ? *description_ : *name_;
+  }
 
   void ShowUnit(const QString& unit);
   void ShowMustTotal100(bool shown);  // `lblMustTotal100Pct`

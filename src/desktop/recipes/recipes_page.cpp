@@ -7,9 +7,7 @@
 #include "base/text.h"
 #include "base/undo.h"
 #include "database/identity.h"
-#include "feed/record_commit.h"
 #include "feed/record_fields.h"
-#include "feed/record_reset.h"
 #include "presenter/report_failure.h"
 #include "settings/settings.h"
 #include "widgets/layout.h"
@@ -40,11 +38,12 @@ int Target(NavigateButton button, int position) {
 }  // namespace
 
 RecipesPage::RecipesPage(Services& services, GeneralDelay& delay, AutoAbbreviation& abbreviation,
-                         QWidget* parent)
+                         UndoCommands& undo, QWidget* parent)
     : RecordPage(parent),
       services_(services),
       delay_(delay),
       abbreviation_(abbreviation),
+      undo_(undo),
       messages_(services.op, services.settings),
       gate_(services.op),
       head_(new RecipeHead(abbreviation, this)),
@@ -88,21 +87,24 @@ void RecipesPage::ConnectLines() {
   connect(lines_, &RecipeLines::MissesTotal, head_, &RecipeHead::ShowMustTotal100);
   connect(lines_, &RecipeLines::DeleteClicked, this, [this] {
     if (FinishCell()) {
-      RunCommand([](RecipeEditor& editor) { editor.DeleteIng(); });
+      RunCommand([](RecipeEditor& editor) { editor.DeleteIng(); }, EditAct::kDeleteLine);
     }
   });
   connect(lines_, &RecipeLines::MoveClicked, this, [this](MoveDirection direction) {
     if (FinishCell()) {
-      RunCommand([direction](RecipeEditor& editor) { editor.MoveRow(direction); });
+      RunCommand([direction](RecipeEditor& editor) { editor.MoveRow(direction); },
+                 direction == MoveDirection::kUp ? EditAct::kMoveLineUp : EditAct::kMoveLineDown);
     }
   });
 }
 
-void RecipesPage::Do(const Event& event) {
+void RecipesPage::Do(const Event& event, EditAct act, std::string_view field) {
   const std::shared_ptr<RecipeEditor> editor = editor_;
   if (!editor) {
     return;
   }
+  undo_.Begin();
+  const EditStep step = StepBefore(act, field);
   const RecipeRecord before = editor->Current().ration.recipe;
   const auto show = [&] {
     const RecipeRecord& after = editor->Current().ration.recipe;
@@ -112,6 +114,7 @@ void RecipesPage::Do(const Event& event) {
     }
     Show();
     if (std::exchange(stored_, false)) {
+      EndStep(step);
       Q_EMIT RecordChanged();
     }
   };
@@ -123,8 +126,8 @@ bool RecipesPage::Run(const Event& event) {
   return editor_ && RunReported<Error>(services_.op, EventFailure, [&] { Do(event); });
 }
 
-bool RecipesPage::RunCommand(const Event& event) {
-  return RunReported<Error>(services_.op, EditFailure, [&] { Do(event); });
+bool RecipesPage::RunCommand(const Event& event, EditAct act) {
+  return RunReported<Error>(services_.op, EditFailure, [&] { Do(event, act); });
 }
 
 // Shows the lines first, because a list that closes on a choice passes the focus to the grid.
@@ -216,25 +219,15 @@ void RecipesPage::CancelRecord() {
   LeaveEntryRow();
 }
 
-void RecipesPage::DefaultRecord() {
-  const int id = Position();
-  if (id == 0 || read_only_ ||
-      AskAndReset(*connection_, RecordKind::kRecipe, id, services_) != ResetOutcome::kReset) {
-    return;
-  }
-  gate_.Forget();
-  lines_->GrdRec().GiveUpEdit();
-  head_->GiveUpTyping();
-  RunReported<Error>(services_.op, EventFailure, [&] { editor_ = MakeEditor(*connection_, id); });
-  Show();
-  head_->CboRecId().SetItem(id);
-  Q_EMIT RecordChanged();
-}
-
 void RecipesPage::Navigate(NavigateButton button) {
   if (const int position = Position(); position != 0) {
     Select(Target(button, position), MayStay::kYes);
   }
+}
+
+void RecipesPage::FocusFirstField() {
+  head_->FirstField().setFocus();
+  head_->FirstField().selectAll();
 }
 
 int RecipesPage::Position() const { return closed_ ? 0 : editor_->Current().ration.recipe.id; }
@@ -269,8 +262,10 @@ void RecipesPage::ShowUnit() {
 
 // The main window's events.
 
-void RecipesPage::TabChanged(int /*tab*/, int /*previous*/) {
+void RecipesPage::TabChanged(int tab, int /*previous*/) {
   ++visit_;
+  in_front_ = tab == kTabRecipes;
+  Q_EMIT CommandsChanged();
   if (std::exchange(preparing_, false)) {
     busy_.reset();
   }
@@ -360,6 +355,7 @@ void RecipesPage::Rebind(DatabaseKind kind, const BoundDatabase& database) {
   ++visit_;
   preparing_ = false;
   connection_ = &connection;
+  undo_.Watch(database.blank || !database.read_only_note.empty() ? nullptr : &connection);
   closed_ = database.blank;
   CloseFields(ToQString(database.read_only_note));
   editor_ = std::move(editor);
@@ -376,6 +372,7 @@ void RecipesPage::CloseFields(const QString& reason) {
   head_->SetReadOnly(reason);
   lines_->SetReadOnly(reason);
   Q_EMIT WritingAllowed(!read_only_);
+  Q_EMIT CommandsChanged();
 }
 
 void RecipesPage::ReleaseViews() {
@@ -384,8 +381,10 @@ void RecipesPage::ReleaseViews() {
   lines_->GrdRec().GiveUpEdit();
   ++visit_;
   editor_.reset();
+  undo_.Watch(nullptr);
   connection_ = nullptr;
   closed_ = true;
+  Q_EMIT CommandsChanged();
 }
 
 void RecipesPage::LoadIdLists() {

@@ -26,7 +26,7 @@ class RecipesPage final : public RecordPage, private RecipeGridEvents {
  public:
   // All references outlive the page. The three description boxes share the abbreviation.
   RecipesPage(Services& services, GeneralDelay& delay, AutoAbbreviation& abbreviation,
-              QWidget* parent = nullptr);
+              UndoCommands& undo, QWidget* parent = nullptr);
   ~RecipesPage() override;
 
   // The rows of the filtered pen grid, for the pen capacity warning. None until it is set.
@@ -49,12 +49,21 @@ class RecipesPage final : public RecordPage, private RecipeGridEvents {
   // The part with the grid, which shows the progress of printing all recipes.
   [[nodiscard]] RecipeLines& Lines() const { return *lines_; }
 
+  // The operator chooses a free recipe, which becomes a copy of the current one.
+  void CopyRecipe();
+  // Whether a recipe is shown to be copied or compared.
+  [[nodiscard]] bool MayCopy() const { return MayCompare() && !read_only_; }
+  [[nodiscard]] bool MayCompare() const { return in_front_ && Position() != 0; }
+
   // RecordPage.
   void UpdateRecord() override;
   void CancelRecord() override;
   void DefaultRecord() override;
   void Navigate(NavigateButton button) override;
   void GoTo(int position) override { Select(position, MayStay::kNo); }
+  void OrderFields(bool description_first) override { head_->OrderFields(description_first); }
+  void FocusFirstField() override;
+  void ShowRestored(const EditPlace& place) override;
   [[nodiscard]] int Position() const override;
 
   // MainTabPage.
@@ -70,6 +79,10 @@ class RecipesPage final : public RecordPage, private RecipeGridEvents {
   void LoadIdLists() override;
   void CheckPenCapacity() override;
   void HidePenCapacityWarning() override { lines_->ShowPenCapacity(std::nullopt); }
+
+ Q_SIGNALS:
+  // MayCopy or MayCompare may have changed.
+  void CommandsChanged();
 
  private:
   // RecipeGridEvents.
@@ -88,13 +101,17 @@ class RecipesPage final : public RecordPage, private RecipeGridEvents {
   void ConnectHead();
   void ConnectLines();
 
-  // Runs an edit and refreshes the view. Throws what the edit throws.
+  // Runs an edit and refreshes the view. Throws what the edit throws. `act` and `field` name the
+  // edit to be undone, if it stores anything.
   using Event = std::function<void(RecipeEditor&)>;
-  void Do(const Event& event);
+  void Do(const Event& event, EditAct act = EditAct::kRecompute, std::string_view field = {});
   // Returns false after reporting a failure.
   bool Run(const Event& event);
   // The same for a command of the operator, with a database failure reported as text.
-  bool RunCommand(const Event& event);
+  bool RunCommand(const Event& event, EditAct act);
+  [[nodiscard]] EditStep StepBefore(EditAct act, std::string_view field) const;
+  void EndStep(EditStep step);
+  void FocusPlace(const EditPlace& place);
   // The same for an edit that adds the line of the entry row. If it fails, keeps that line and asks
   // the operator.
   bool RunWithNewLine(const Event& event);
@@ -124,7 +141,7 @@ class RecipesPage final : public RecordPage, private RecipeGridEvents {
   void Choose(QComboBox& list, int index);
   void StoreChoice(QComboBox& list, int index);
   void LeaveChoices();
-  bool StoreCell(std::string what, std::string text, const Event& event);
+  bool StoreCell(LineColumn column, std::string text, const Event& event);
   bool FinishCell();
   void DiscardCell();
   FieldEdit NewLine();
@@ -135,6 +152,7 @@ class RecipesPage final : public RecordPage, private RecipeGridEvents {
   Services& services_;
   GeneralDelay& delay_;
   AutoAbbreviation& abbreviation_;
+  UndoCommands& undo_;
   PenRows pen_rows_;
   SQLite::Database* connection_ = nullptr;  // none before the first database and after the last
   bool closed_ = true;                      // the blank template is shown
@@ -147,6 +165,7 @@ class RecipesPage final : public RecordPage, private RecipeGridEvents {
   bool discarding_ = false;               // the edit of a cell is given up by the operator
   bool ended_ = false;                    // no edit of this database is stored any more
   bool preparing_ = false;
+  bool in_front_ = false;           // the tab is the current one
   std::optional<BusyCursor> busy_;  // while the tab is being prepared
   int visit_ = 0;                   // of a tab; another one ends what waits
   EditGate gate_;

@@ -30,10 +30,12 @@ void RecipesPage::LeaveName() {
   FilteredEdit& box = head_->OnRecName();
   LeaveBox(box, "Name", [this, &box] {
     std::string refusal;
-    Do([&](RecipeEditor& editor) {
-      refusal = editor.LeaveName(box.Text());
-      RecipeHead::Stored(box);
-    });
+    Do(
+        [&](RecipeEditor& editor) {
+          refusal = editor.LeaveName(box.Text());
+          RecipeHead::Stored(box);
+        },
+        EditAct::kSet, "Name");
     RewriteItem(box.Text());
     return refusal;
   });
@@ -46,13 +48,15 @@ void RecipesPage::LeaveDescription() {
   LeaveBox(box, "Description", [this, &box, abbreviation] {
     FilteredEdit& name = head_->OnRecName();
     const std::string listed = name.Text();
-    Do([&](RecipeEditor& editor) {
-      editor.LeaveDescription(box.Text(), abbreviation);
-      RecipeHead::Stored(box);
-      if (abbreviation) {
-        RecipeHead::Stored(name);
-      }
-    });
+    Do(
+        [&](RecipeEditor& editor) {
+          editor.LeaveDescription(box.Text(), abbreviation);
+          RecipeHead::Stored(box);
+          if (abbreviation) {
+            RecipeHead::Stored(name);
+          }
+        },
+        EditAct::kSet, "Description");
     // The list shows an abbreviation only after the name is left.
     RewriteItem(listed);
     return std::string();
@@ -61,11 +65,13 @@ void RecipesPage::LeaveDescription() {
 
 void RecipesPage::LeaveNumber(FilteredEdit& box, std::string_view field,
                               void (RecipeEditor::*leave)(std::string_view)) {
-  LeaveBox(box, field, [this, &box, leave] {
-    Do([&](RecipeEditor& editor) {
-      (editor.*leave)(box.Text());
-      RecipeHead::Stored(box);
-    });
+  LeaveBox(box, field, [this, &box, field, leave] {
+    Do(
+        [&](RecipeEditor& editor) {
+          (editor.*leave)(box.Text());
+          RecipeHead::Stored(box);
+        },
+        EditAct::kSet, field);
     return std::string();
   });
 }
@@ -110,11 +116,13 @@ void RecipesPage::StoreChoice(QComboBox& list, int index) {
                .what = FieldName(type ? "BatchType" : "AdjBatTotIndex"),
                .text = list.itemText(index).toStdString(),
                .store =
-                   [this, &list, index, choose] {
-                     Do([&](RecipeEditor& editor) {
-                       (editor.*choose)(index);
-                       head_->DropChoice(list);
-                     });
+                   [this, &list, index, choose, type] {
+                     Do(
+                         [&](RecipeEditor& editor) {
+                           (editor.*choose)(index);
+                           head_->DropChoice(list);
+                         },
+                         EditAct::kSet, type ? "BatchType" : "AdjBatTotIndex");
                      return std::string();
                    },
                .discard =
@@ -137,18 +145,18 @@ void RecipesPage::LeaveChoices() {
 // editor stays open. If an edit cannot be stored, or the operator leaves the grid with a refused
 // edit, the operator is asked.
 
-bool RecipesPage::StoreCell(std::string what, std::string text, const Event& event) {
+bool RecipesPage::StoreCell(LineColumn column, std::string text, const Event& event) {
   RecipeGrid& grid = lines_->GrdRec();
-  const auto store = [this, event] {
+  const auto store = [this, column, event] {
     const QScopedValueRollback entering(entering_, true);
-    Do(event);
+    Do(event, EditAct::kSet, LineColumnName(column));
   };
   const auto report = [&](const Error& failure) {
     if (!IsDatabaseError(failure) && !leaving_ && grid.HoldsFocus()) {
       return EditFailure(failure);
     }
     gate_.Keep({.field = &grid,
-                .what = std::move(what),
+                .what = FieldName(LineColumnName(column)),
                 .text = std::move(text),
                 .store =
                     [&grid, store] {
@@ -169,12 +177,12 @@ bool RecipesPage::StoreCell(std::string what, std::string text, const Event& eve
 
 bool RecipesPage::EnterCell(LineColumn column, std::string_view text) {
   std::string typed(text);
-  return StoreCell(FieldName(LineColumnName(column)), typed,
+  return StoreCell(column, typed,
                    [column, typed](RecipeEditor& editor) { editor.EnterCell(column, typed); });
 }
 
 bool RecipesPage::ChooseIngredient(int id) {
-  return StoreCell(FieldName(LineColumnName(LineColumn::kIngredient)), std::to_string(id),
+  return StoreCell(LineColumn::kIngredient, std::to_string(id),
                    [id](RecipeEditor& editor) { editor.ChooseIngredient(id); });
 }
 
@@ -203,7 +211,7 @@ FieldEdit RecipesPage::NewLine() {
           .text = "ingredient " + line.ingredient + ", " + amount,
           .store =
               [this] {
-                Do([](RecipeEditor& editor) { editor.CommitRow(); });
+                Do([](RecipeEditor& editor) { editor.CommitRow(); }, EditAct::kAddLine);
                 return std::string();
               },
           .discard =
@@ -228,7 +236,7 @@ bool RecipesPage::RunWithNewLine(const Event& event) {
     gate_.Keep(NewLine(), failure.what());
     return kNoReport;
   };
-  return RunReported<Error>(services_.op, report, [&] { Do(event); });
+  return RunReported<Error>(services_.op, report, [&] { Do(event, EditAct::kAddLine); });
 }
 
 // All of them.

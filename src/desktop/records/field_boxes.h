@@ -6,8 +6,11 @@
 
 namespace vrx {
 
-// An edit box for a field of a form, as wide as its longest text. The field's filter outlives it.
+// An edit box for a field of a form, as wide as its longest text. The field outlives it.
 FilteredEdit* MakeFieldBox(const RecordField& field, const char* name, QWidget* parent);
+
+// A key that the box drops shows the reason of that field.
+void ExplainKeys(FilteredEdit& box, const RecordField& field);
 
 // The boxes of a name and of the description that abbreviates to it. The abbreviation outlives
 // them.

@@ -115,8 +115,9 @@ RecordFormPage::Design IngredientsPage::Controls() {
 }
 
 IngredientsPage::IngredientsPage(Services& services, GeneralDelay& delay,
-                                 AutoAbbreviation& abbreviation, Recipes recipes, QWidget* parent)
-    : RecordFormPage(services, abbreviation, Controls(), parent),
+                                 AutoAbbreviation& abbreviation, UndoCommands& undo,
+                                 Recipes recipes, QWidget* parent)
+    : RecordFormPage(services, abbreviation, undo, Controls(), parent),
       delay_(delay),
       recipes_(std::move(recipes)),
       hand_add_(new QCheckBox(QStringLiteral("Hand-Add"), this)),

@@ -5,6 +5,7 @@
 #include <QPushButton>
 #include <functional>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "desktop/records/record_form_page.h"
@@ -47,7 +48,7 @@ class IngredientsPage final : public RecordFormPage {
   };
 
   IngredientsPage(Services& services, GeneralDelay& delay, AutoAbbreviation& abbreviation,
-                  Recipes recipes, QWidget* parent = nullptr);
+                  UndoCommands& undo, Recipes recipes, QWidget* parent = nullptr);
 
   void LoadIdLists() override;
 
@@ -58,6 +59,9 @@ class IngredientsPage final : public RecordFormPage {
   bool StoreCurrentRecord() override;
   void ShowStored() override;
   void LeaveOwnFields() override;
+  [[nodiscard]] QWidget* OwnField(std::string_view field) const override {
+    return field == "HandAdd" ? hand_add_ : nullptr;
+  }
   std::vector<RecordRow> ReadRows(bool active_only) override;
   void CameToAnother() override { where_used_->ShowItems({}); }
   void AnsweredDefault(ResetOutcome outcome) override;

@@ -48,8 +48,9 @@ RecordFormPage::Design PensPage::Controls() {
                                    "description makes it active.")};
 }
 
-PensPage::PensPage(Services& services, AutoAbbreviation& abbreviation, QWidget* parent)
-    : RecordFormPage(services, abbreviation, Controls(), parent),
+PensPage::PensPage(Services& services, AutoAbbreviation& abbreviation, UndoCommands& undo,
+                   QWidget* parent)
+    : RecordFormPage(services, abbreviation, undo, Controls(), parent),
       unit_(AddLabel(*this, "lblPenFeedUoM")),
       warning_(new ElidedLabel(this)) {
   NumberRow().addWidget(unit_);

@@ -15,7 +15,8 @@ class PensPage final : public RecordFormPage {
   Q_OBJECT
 
  public:
-  PensPage(Services& services, AutoAbbreviation& abbreviation, QWidget* parent = nullptr);
+  PensPage(Services& services, AutoAbbreviation& abbreviation, UndoCommands& undo,
+           QWidget* parent = nullptr);
 
   // The pens of the filtered grid; none after reporting a failure to read them.
   std::vector<PenRecord> PensShown();

@@ -63,16 +63,16 @@ void RecordFormPage::LeaveBox(FilteredEdit& box, std::string_view field, StoreFi
 }
 
 // Also stores an empty name, and then returns the message for the operator.
-std::string RecordFormPage::StoreName() {
+std::string RecordFormPage::StoreName(std::string_view field) {
   const LeftField left = LeaveField(FieldOf(design_.kind, kNameField), NameText());
   SetIfOther(*name_, left.text);
-  Store();
+  Store(field);
   id_list_->SetItem(position_, left.text);
   return left.refusal;
 }
 
 void RecordFormPage::LeaveName() {
-  LeaveBox(*name_, kNameField, [this] { return StoreName(); });
+  LeaveBox(*name_, kNameField, [this] { return StoreName(kNameField); });
 }
 
 // The list item keeps the old name until the name box is left.
@@ -83,7 +83,7 @@ void RecordFormPage::LeaveDescription() {
     const std::string old_name = NameText();
     SetIfOther(*description_, Left(kDescriptionField, DescriptionText()));
     SetIfOther(*name_, abbreviation.value_or(old_name));
-    RunOrUndo([this] { Store(); }, [&] { SetIfOther(*name_, old_name); });
+    RunOrUndo([this] { Store(kDescriptionField); }, [&] { SetIfOther(*name_, old_name); });
     id_list_->SetItem(position_, old_name);
     return std::string();
   });
@@ -92,7 +92,7 @@ void RecordFormPage::LeaveDescription() {
 void RecordFormPage::LeaveNumber() {
   LeaveBox(*number_, design_.number_field, [this] {
     SetIfOther(*number_, Left(design_.number_field, NumberText()));
-    Store();
+    Store(design_.number_field);
     return std::string();
   });
 }
@@ -103,8 +103,8 @@ void RecordFormPage::LeaveOwnField(QWidget& field, std::string_view name, std::s
                .what = FieldName(name),
                .text = std::move(text),
                .store =
-                   [this] {
-                     Store();
+                   [this, name] {
+                     Store(name);
                      return std::string();
                    },
                .discard = std::move(discard),
@@ -129,7 +129,7 @@ void RecordFormPage::RowTyped(const std::string& field, const QString& text) {
     if (description_->text().isEmpty()) {
       description_->setText(name_->text());
     }
-    return RunOrUndo([this] { return StoreName(); }, [this] { ShowStored(); });
+    return RunOrUndo([&] { return StoreName(field); }, [this] { ShowStored(); });
   };
   const auto nameless = std::make_shared<bool>(false);
   const FieldEdit edit{

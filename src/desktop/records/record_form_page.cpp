@@ -46,11 +46,12 @@ QCheckBox* AddCheckBox(QWidget* page, const char* name, const QString& caption) 
 
 }  // namespace
 
-RecordFormPage::RecordFormPage(Services& services, AutoAbbreviation& abbreviation, Design design,
-                               QWidget* parent)
+RecordFormPage::RecordFormPage(Services& services, AutoAbbreviation& abbreviation,
+                               UndoCommands& undo, Design design, QWidget* parent)
     : RecordPage(parent),
       services_(services),
       abbreviation_(abbreviation),
+      undo_(undo),
       design_(std::move(design)),
       traits_(TraitsOf(design_.kind)),
       gate_(services.op) {
@@ -124,6 +125,21 @@ void RecordFormPage::TabBehindNumber(std::initializer_list<QWidget*> controls) {
     setTabOrder(last, control);
     last = control;
   }
+}
+
+void RecordFormPage::OrderFields(bool description_first) {
+  FilteredEdit* const first = description_first ? description_ : name_;
+  FilteredEdit* const second = description_first ? name_ : description_;
+  setTabOrder(id_list_, first);
+  setTabOrder(first, second);
+  setTabOrder(second, number_);
+}
+
+void RecordFormPage::FocusFirstField() {
+  auto* const first = qobject_cast<FilteredEdit*>(id_list_->nextInFocusChain());
+  FilteredEdit& box = first == nullptr ? *name_ : *first;
+  box.setFocus();
+  box.selectAll();
 }
 
 void RecordFormPage::Connect() {
@@ -271,12 +287,17 @@ void RecordFormPage::Navigate(NavigateButton button) {
 
 // Storage.
 
-void RecordFormPage::Store() {
+void RecordFormPage::Store(std::string_view field) {
   if (!MayWrite()) {
     return;
   }
+  undo_.Begin();
+  const EditStep step{.act = EditAct::kSet,
+                      .place = {.kind = design_.kind, .id = position_, .field = std::string(field)},
+                      .subject = stored_.name};
   const bool changed = StoreCurrentRecord();
   if (changed) {
+    undo_.Stored(step);
     Q_EMIT RecordChanged();
   }
   RefreshGrid();
@@ -306,8 +327,13 @@ void RecordFormPage::DefaultRecord() {
   if (!MayWrite()) {
     return;
   }
+  const EditStep step{.act = EditAct::kDefaults,
+                      .place = {.kind = design_.kind, .id = position_},
+                      .subject = stored_.name};
+  RunReported<Error>(services_.op, EventFailure, [this] { undo_.Begin(); });
   const ResetOutcome outcome = AskAndReset(*database_, design_.kind, position_, services_);
   if (outcome == ResetOutcome::kReset) {
+    RunReported<Error>(services_.op, EventFailure, [&] { undo_.Stored(step); });
     Q_EMIT RecordChanged();
   }
   if (outcome != ResetOutcome::kNotReset) {
@@ -320,12 +346,37 @@ void RecordFormPage::DefaultRecord() {
   AnsweredDefault(outcome);
 }
 
+void RecordFormPage::ShowRestored(const EditPlace& place) {
+  ForgetEdits();
+  ShowStored();
+  GoTo(place.id);
+  RefreshGrid();
+  Stored();
+  Q_EMIT RecordChanged();
+  QWidget* field = OwnField(place.field);
+  if (place.field == kName) {
+    field = name_;
+  } else if (place.field == kDescription) {
+    field = description_;
+  } else if (place.field == design_.number_field) {
+    field = number_;
+  }
+  if (field != nullptr) {
+    field->setFocus();
+  }
+  // Last, because a name that is left is listed even if the record is not in use.
+  id_list_->SetItem(position_, DescriptionText().empty() ? std::string() : NameText());
+}
+
 void RecordFormPage::ShowTexts(std::string_view name, std::string_view description,
                                std::string_view number) {
   stored_ = {.name = std::string(name),
              .description = std::string(description),
              .number = std::string(number)};
   ShowStored();
+  for (FilteredEdit* const box : Boxes()) {
+    box->setModified(false);
+  }
 }
 
 void RecordFormPage::ShowStored() {

@@ -45,6 +45,9 @@ class RecordFormPage : public RecordPage {
   void DefaultRecord() override;
   void Navigate(NavigateButton button) override;
   void GoTo(int position) override;
+  void OrderFields(bool description_first) override;
+  void FocusFirstField() override;
+  void ShowRestored(const EditPlace& place) override;
   [[nodiscard]] int Position() const override {
     return database_ == nullptr || blank_ ? 0 : position_;
   }
@@ -73,8 +76,8 @@ class RecordFormPage : public RecordPage {
   };
 
   // The abbreviation is the one of the three description boxes.
-  RecordFormPage(Services& services, AutoAbbreviation& abbreviation, Design design,
-                 QWidget* parent);
+  RecordFormPage(Services& services, AutoAbbreviation& abbreviation, UndoCommands& undo,
+                 Design design, QWidget* parent);
 
   // The functions of a kind. The first three throw.
   //
@@ -86,6 +89,8 @@ class RecordFormPage : public RecordPage {
   virtual bool StoreCurrentRecord() = 0;
   // Leaves the fields that only this kind has.
   virtual void LeaveOwnFields() {}
+  // The control of a field that only this kind has; nullptr for none.
+  [[nodiscard]] virtual QWidget* OwnField(std::string_view /*field*/) const { return nullptr; }
   virtual std::vector<RecordRow> ReadRows(bool active_only) = 0;
   // The current record was stored or reloaded.
   virtual void Stored() {}
@@ -135,13 +140,14 @@ class RecordFormPage : public RecordPage {
   void LayOut();
   void Connect();
 
-  // Stores the record, if there is one to write. Throws.
-  void Store();
+  // Stores the record, if there is one to write. Throws. `field` is the field that is left; empty
+  // for none.
+  void Store(std::string_view field = {});
   // Returns false after reporting a failure.
   bool Commit();
 
   using StoreField = std::function<std::string()>;
-  std::string StoreName();
+  std::string StoreName(std::string_view field);
   void LeaveBox(FilteredEdit& box, std::string_view field, StoreField store);
   void Leave(FilteredEdit& box);
   void LeaveName();
@@ -161,6 +167,7 @@ class RecordFormPage : public RecordPage {
 
   Services& services_;
   AutoAbbreviation& abbreviation_;
+  UndoCommands& undo_;
   const Design design_;
   const RecordKindTraits& traits_;
   SQLite::Database* database_ = nullptr;

@@ -11,7 +11,9 @@
 #include <string>
 #include <utility>
 
+#include "desktop/records/field_boxes.h"
 #include "feed/record_fields.h"
+#include "widgets/drawing.h"
 #include "widgets/fields.h"
 #include "widgets/labels.h"
 #include "widgets/layout.h"
@@ -113,6 +115,16 @@ class RecordListGrid::CellDelegate : public QStyledItemDelegate {
  public:
   explicit CellDelegate(RecordListGrid* grid) : QStyledItemDelegate(grid), grid_(grid) {}
 
+  void paint(QPainter* painter, const QStyleOptionViewItem& option,
+             const QModelIndex& index) const override {
+    QStyledItemDelegate::paint(painter, option, index);
+    if (index == grid_->currentIndex()) {
+      const QPalette::ColorGroup group = grid_->hasFocus() ? QPalette::Active : QPalette::Inactive;
+      PaintCurrentCell(*painter, option.rect, option.palette.color(group, QPalette::Highlight),
+                       grid_->hasFocus());
+    }
+  }
+
   QWidget* createEditor(QWidget* parent, const QStyleOptionViewItem& /*option*/,
                         const QModelIndex& index) const override {
     const RecordColumn& column = grid_->Model().Column(index.column());
@@ -124,6 +136,7 @@ class RecordListGrid::CellDelegate : public QStyledItemDelegate {
     box->setAutoFillBackground(true);
     box->setAlignment(column.number ? Qt::AlignRight : Qt::AlignLeft);
     box->setAccessibleName(column.caption);
+    ExplainKeys(*box, field);
     connect(box, &FilteredEdit::Refused, grid_, &RecordListGrid::Refused);
     return box;
   }
@@ -252,6 +265,39 @@ void RecordListGrid::GiveUpEdit() {
 void RecordListGrid::ReturnToEdit() {
   QWidget* const editor = IsEditing() ? indexWidget(currentIndex()) : nullptr;
   (editor == nullptr ? this : editor)->setFocus();
+}
+
+// An invalid index after the last one.
+QModelIndex RecordListGrid::NextEntry(const QModelIndex& cell) const {
+  const auto typed_from = [this](int column) {
+    while (column < model_->columnCount() && !model_->Column(column).typed) {
+      ++column;
+    }
+    return column;
+  };
+  const int column = typed_from(cell.column() + 1);
+  return column < model_->columnCount() ? model_->index(cell.row(), column)
+                                        : model_->index(cell.row() + 1, typed_from(0));
+}
+
+bool RecordListGrid::EnterPressed() {
+  const bool edited = IsEditing();
+  FinishEdit();
+  if (IsEditing()) {
+    return true;
+  }
+  const QModelIndex next = NextEntry(currentIndex());
+  if (!next.isValid()) {
+    return false;
+  }
+  const int id = model_->IdOf(next.row());
+  setCurrentIndex(next);
+  // The operator may stay with the row, and its cells may be closed.
+  if (edited && currentIndex() == next && model_->IdOf(next.row()) == id &&
+      next.flags().testFlag(Qt::ItemIsEditable)) {
+    edit(next);
+  }
+  return true;
 }
 
 // Keys that the editor ignores would move the grid to another cell.

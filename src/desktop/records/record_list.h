@@ -10,6 +10,7 @@
 #include <vector>
 
 #include "feed/record_fields.h"
+#include "widgets/fields.h"
 
 namespace vrx {
 
@@ -65,7 +66,7 @@ class RecordListModel : public QAbstractTableModel {
 };
 
 // `grdING` or `grdPEN`: the records of a kind, row by row.
-class RecordListGrid : public QTableView {
+class RecordListGrid : public QTableView, public EnterByCell {
   Q_OBJECT
 
  public:
@@ -93,6 +94,10 @@ class RecordListGrid : public QTableView {
   // Returns the focus to the editor, or to the grid if no cell is edited.
   void ReturnToEdit();
 
+  // Goes to the next column of entries, from the last one to the first of the next row. A cell that
+  // was being edited is left, and the next one is edited.
+  bool EnterPressed() override;
+
  Q_SIGNALS:
   // The operator has selected the row of another record.
   void RowChosen(int id);
@@ -111,6 +116,7 @@ class RecordListGrid : public QTableView {
   class CellDelegate;
 
   void SizeColumns();
+  [[nodiscard]] QModelIndex NextEntry(const QModelIndex& cell) const;
 
   RecordKind kind_;
   RecordListModel* model_;

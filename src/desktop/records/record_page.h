@@ -8,6 +8,7 @@
 #include "presenter/command_states.h"
 #include "presenter/report_failure.h"
 #include "presenter/services.h"
+#include "presenter/undo_commands.h"
 
 namespace vrx {
 
@@ -31,6 +32,17 @@ class RecordPage : public MainTabPage {
   // Shows a record like a click in the ID list, even while the page is hidden. If it cannot be
   // read, the position does not change.
   virtual void GoTo(int position) = 0;
+
+  // With automatic abbreviation the Tab key goes to the description before the name, which follows
+  // from it.
+  virtual void OrderFields(bool description_first) = 0;
+
+  // The focus goes to the first field of entries.
+  virtual void FocusFirstField() = 0;
+
+  // An edit of the current record was undone or redone in the database: shows the record anew, with
+  // the focus where the edit was made.
+  virtual void ShowRestored(const EditPlace& place) = 0;
 
   // The position of the current record; 0 while the database is closed.
   [[nodiscard]] virtual int Position() const = 0;

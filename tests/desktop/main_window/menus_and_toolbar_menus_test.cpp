@@ -69,6 +69,7 @@ TEST_F(MainMenusTest, EveryItemCallsOneCommandThatNoOtherItemCallsButTheTwoOfThe
   for (QAction* const item : ItemsOf(*Window().menuBar())) {
     const std::string name = item->objectName().toStdString();
     chosen_.clear();
+    item->setEnabled(true);  // some commands are off without a database
     item->trigger();
     ASSERT_THAT(chosen_, SizeIs(1)) << name;
     items[chosen_.front()].push_back(name);

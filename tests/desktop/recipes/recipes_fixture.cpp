@@ -47,7 +47,7 @@ RecipesFixture::RecipesFixture() {
     SetRecipe(id, &RecipeRecord::ration_target, "5000");
   }
   form_ = std::make_unique<QWidget>();
-  page_ = new RecipesPage(services_, delay_, abbreviation_, form_.get());
+  page_ = new RecipesPage(services_, delay_, abbreviation_, undo_, form_.get());
   auto* const layout = new QVBoxLayout(form_.get());
   layout->addWidget(page_);
   new EnterAsTab(form_.get());

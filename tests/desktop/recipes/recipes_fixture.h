@@ -127,6 +127,7 @@ class RecipesFixture : public ::testing::Test {
                      .identity = identity_};
   GeneralDelay delay_{pump_};
   AutoAbbreviation abbreviation_;
+  UndoCommands undo_{services_};
   BoundDatabase bound_;
   std::unique_ptr<QWidget> form_;
   RecipesPage* page_;
