@@ -21,7 +21,9 @@ install(FILES
   DESTINATION ${program_dir})
 install(DIRECTORY ${VRX_BIN_DIR}/XSL DESTINATION ${program_dir} FILES_MATCHING PATTERN "*.xsl")
 install(DIRECTORY ${VRX_BIN_DIR}/sample_site DESTINATION ${program_dir}
-  FILES_MATCHING PATTERN "*.qxt" PATTERN "*.RDB")
+  FILES_MATCHING PATTERN "*.qxt" PATTERN "*.RDB" PATTERN "*.TDB")
+install(DIRECTORY ${VRX_BIN_DIR}/manual DESTINATION ${program_dir}
+  FILES_MATCHING PATTERN "*.html" PATTERN "*.png")
 
 if(UNIX)
   include(cmake/install_unix.cmake)
