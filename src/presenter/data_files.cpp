@@ -197,4 +197,8 @@ void ReportFile::OpenRecipeBackupFile() {
   }
 }
 
+void ReportFile::ChooseRecipeBackupFile(const std::string& path) {
+  Kept(DataFileType::kRecipeBackup) = {path, FileTitle(path)};
+}
+
 }  // namespace vrx

@@ -48,6 +48,8 @@ class ReportFile {
 
   // Forgets the previous backup, even if the dialog is canceled. Also accepts a rescue file.
   void OpenRecipeBackupFile();
+  // The same without the dialog.
+  void ChooseRecipeBackupFile(const std::string& path);
   void ForgetRecipeBackupFile() { Kept(DataFileType::kRecipeBackup) = {}; }
 
   [[nodiscard]] const LastFile& TransactionFile() const { return Kept(DataFileType::kTransaction); }

@@ -147,6 +147,7 @@ void DatabaseCommands::New(Side& side) {
         ShowPanels(side, panels);
       } else if (ShowNew(side)) {
         busy.reset();
+        opened_(side.kind, side.bound.path);
         if (RulesOf(side.kind).new_beeps) {
           BeepIfEnabled(services_.op, services_.settings);
         }
@@ -195,6 +196,14 @@ void DatabaseCommands::Browse(Side& side) {
   });
 }
 
+void DatabaseCommands::OpenNamed(DatabaseKind kind, const fs::path& path) {
+  Side& side = SideOf(kind);
+  RunReported(services_.op, {.title = TextsOf(kind).open_failure}, [&] {
+    GoToTransferTab(side);
+    Open(side, {.path = path, .name = FileTitle(path), .becomes_current = true});
+  });
+}
+
 void DatabaseCommands::Open(Side& side, FileToOpen file) {
   RunReported(services_.op, {.title = TextsOf(side.kind).open_failure}, [&] {
     if (!delay_.Wait(kOpenDelay) || !ConvertIfLegacy(side, file) || !IsUserDatabase(side, file)) {
@@ -220,6 +229,7 @@ void DatabaseCommands::Open(Side& side, FileToOpen file) {
       } else {
         FinishTransactionOpen(side, file);
       }
+      opened_(side.kind, file.path);
     });
   });
 }

@@ -7,6 +7,7 @@
 #include <span>
 #include <string>
 #include <string_view>
+#include <utility>
 
 #include "database/bound_database.h"
 #include "database/connection.h"
@@ -90,6 +91,13 @@ class DatabaseCommands {
   void NewTransactionDatabase() { New(transaction_); }
   void BrowseRecipeDatabase() { Browse(recipe_); }
   void BrowseTransactionDatabase() { Browse(transaction_); }
+
+  // Like Browse, for a file that was chosen without the dialog.
+  void OpenNamed(DatabaseKind kind, const std::filesystem::path& path);
+
+  // Called with each database that was opened or made.
+  using OpenedHandler = std::function<void(DatabaseKind, const std::filesystem::path&)>;
+  void SetOpened(OpenedHandler opened) { opened_ = std::move(opened); }
 
   // Does not change the path of the side.
   void OpenRecipeDatabase(const std::filesystem::path& path, const std::string& name) {
@@ -197,6 +205,7 @@ class DatabaseCommands {
   TabFolder& tabs_;
   MainView& window_;
   LegacyOpener* legacy_;
+  OpenedHandler opened_ = [](DatabaseKind /*kind*/, const std::filesystem::path& /*path*/) {};
   Side recipe_{DatabaseKind::kRecipe};
   Side transaction_{DatabaseKind::kTransaction};
   std::filesystem::path save_as_path_;

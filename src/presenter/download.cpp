@@ -6,6 +6,7 @@
 
 #include "base/files.h"
 #include "base/text.h"
+#include "base/translation.h"
 #include "database/connection.h"
 #include "exchange/recipe_text.h"
 #include "link/rescue_file.h"
@@ -119,6 +120,23 @@ bool DownloadPresenter::DownloadRecipeDB() {
 
 bool DownloadPresenter::OpenRecipeBU() {
   files_.OpenRecipeBackupFile();
+  return OpenChosenBackup();
+}
+
+bool DownloadPresenter::OpenRecipeBackup(const std::string& path) {
+  if (download_.Guard().AtWork()) {
+    services_.op.ShowMessage({.icon = Icon::kWarning,
+                              .title = std::string(kBackupFileError),
+                              .text = Tr("Data is being transferred. Open the Recipe backup-file "
+                                         "when that has ended.")});
+    return false;
+  }
+  DownloadRecipeToKRM();
+  files_.ChooseRecipeBackupFile(path);
+  return OpenChosenBackup();
+}
+
+bool DownloadPresenter::OpenChosenBackup() {
   const std::string path = files_.RecipeBackupFile().path;
   if (IsRescueFile(path)) {
     files_.ForgetRecipeBackupFile();

@@ -86,12 +86,19 @@ class DownloadPresenter {
   bool OpenRecipeDB();
   bool OpenRecipeBU();
 
+  // The same for a given backup, from any state of the tab. Refused while data is transferred.
+  bool OpenRecipeBackup(const std::string& path);
+
+  // The backup that is ready to be sent; empty if there is none.
+  [[nodiscard]] const std::string& OpenedBackup() const { return files_.RecipeBackupFile().path; }
+
  private:
   void Refuse(std::string_view title, std::string_view text, std::string_view focus);
   bool ConfirmOverwrite(const std::string& source);
   void ShowInWindow(std::string text);
   void AppendToWindow(std::string_view line);
   bool BuildFromDatabase(const CurrentDatabase& database);
+  bool OpenChosenBackup();
   bool LoadBackup(const std::string& path);
   LineGuard::Claim TakeLine();
   bool Send();

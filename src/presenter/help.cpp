@@ -9,6 +9,7 @@
 
 #include "base/files.h"
 #include "base/text.h"
+#include "presenter/command_states.h"
 
 namespace vrx {
 
@@ -108,6 +109,11 @@ std::optional<fs::path> ToolPath(const SystemInfo& system, std::string_view os_n
 }
 
 constexpr int kLargestFailure = 32;
+
+// By the tabs of the main window.
+constexpr std::array<std::string_view, kTabCount> kChapters = {
+    "03-ingredients", "04-recipes", "05-pens",  "06-data-transfer",
+    "09-history",     "08-import",  "11-export"};
 
 std::string ViewerFailure(int code, const std::string& document) {
   switch (code) {
@@ -223,6 +229,18 @@ void ShowDocument(const HelpDocument& document, const SystemInfo& system, Operat
     return;
   }
   OpenInViewer(path, os, op);
+}
+
+void ShowChapter(int tab, const SystemInfo& system, OperatingSystem& os, Operator& op,
+                 const std::function<void(const std::filesystem::path&)>& view) {
+  const std::string file =
+      "manual/" + std::string(kChapters.at(static_cast<std::size_t>(tab))) + ".html";
+  const fs::path path = fs::path(system.ProgramDirectory()) / file;
+  if (!FileExists(path)) {
+    ReportMissingDocument(file, op);
+  } else if (!HasDocumentViewer(system, file) || os.OpenDocument(path) <= kLargestFailure) {
+    view(path);
+  }
 }
 
 void OpenWrittenFile(const std::filesystem::path& path, OperatingSystem& os, Operator& op) {

@@ -2,6 +2,7 @@
 
 #include <array>
 #include <filesystem>
+#include <functional>
 #include <string>
 #include <string_view>
 
@@ -44,6 +45,11 @@ extern const HelpDocument kReadme;       // `mnuHelpReadme`
 // Opens a document in the system's program for it. Reports failures.
 void ShowDocument(const HelpDocument& document, const SystemInfo& system, OperatingSystem& os,
                   Operator& op);
+
+// Opens the manual's chapter about a tab in the system's program for it, or in that of `view`,
+// which gets its path, if there is none. Reports a missing chapter.
+void ShowChapter(int tab, const SystemInfo& system, OperatingSystem& os, Operator& op,
+                 const std::function<void(const std::filesystem::path&)>& view);
 
 // Opens a file that the program has written in the system's program for it. Reports failures.
 void OpenWrittenFile(const std::filesystem::path& path, OperatingSystem& os, Operator& op);

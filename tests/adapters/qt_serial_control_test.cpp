@@ -23,7 +23,7 @@ using ::testing::HasSubstr;
 using ::testing::StartsWith;
 using Ms = Milliseconds;
 
-constexpr Ms kForever = std::chrono::minutes{5};
+constexpr Ms kEndless = std::chrono::minutes{5};
 
 std::string AllByteValues() {
   std::string all;
@@ -64,7 +64,7 @@ class QtSerialControlTest : public ::testing::Test {
     std::string bytes;
     while (bytes.size() < size) {
       if (control->InBufferCount() == 0) {
-        pump.Pump(kForever);
+        pump.Pump(kEndless);
       }
       bytes += control->Input();
     }
@@ -89,7 +89,7 @@ class QtSerialControlTest : public ::testing::Test {
   std::string WaitForLoss() {
     try {
       while (control->InBufferCount() == 0) {
-        pump.Pump(kForever);
+        pump.Pump(kEndless);
       }
     } catch (const SerialError& error) {
       return error.what();
@@ -168,7 +168,7 @@ TEST_F(QtSerialControlTest, StopsReceivingWhenItsBufferIsFull) {
   Open();
   terminal.Write(std::string(3000, 'x'));
   while (control->InBufferCount() < 2048) {
-    pump.Pump(kForever);
+    pump.Pump(kEndless);
   }
   pump.Pump(Ms{50});
   EXPECT_EQ(control->InBufferCount(), 2048);
@@ -229,7 +229,7 @@ TEST_F(QtSerialControlTest, DiscardedInputIsGoneAndTheReceptionGoesOn) {
   // More than the buffer holds, so that the reception has stopped.
   terminal.Write(std::string(3000, 'x'));
   while (control->InBufferCount() < 2048) {
-    pump.Pump(kForever);
+    pump.Pump(kEndless);
   }
   pump.Pump(Ms{50});
   control->DiscardInput();
@@ -337,7 +337,7 @@ TEST_F(QtSerialControlTest, WhatArrivedBeforeTheHangUpCanBeRead) {
   Open();
   terminal.Write("last words");
   while (control->InBufferCount() < 10) {
-    pump.Pump(kForever);
+    pump.Pump(kEndless);
   }
   terminal.HangUp();
   EXPECT_THROW(std::ignore = control->OutBufferCount(), SerialError);

@@ -1,5 +1,9 @@
+#include <filesystem>
+#include <vector>
+
 #include <gtest/gtest.h>
 
+#include "presenter/command_states.h"
 #include "presenter/help.h"
 #include "support/boxes.h"
 #include "support/fake_operating_system.h"
@@ -101,6 +105,46 @@ TEST_F(ShowDocumentTest, ViewerThatFails) {
                     "Document viewer associated with this file failed.\r\n"
                     "Check the Windows association setting and that the viewer application file "
                     "actually exists."));
+}
+
+class ShowChapterTest : public ShowDocumentTest {
+ protected:
+  ShowChapterTest() {
+    std::filesystem::create_directory(folder / "manual");
+    path = folder.Write("manual/04-recipes.html", "<h1>Recipes</h1>");
+  }
+  void Show(int tab) {
+    ShowChapter(tab, system, os, op,
+                [this](const std::filesystem::path& chapter) { viewed.push_back(chapter); });
+  }
+
+  std::filesystem::path path;
+  std::vector<std::filesystem::path> viewed;
+};
+
+TEST_F(ShowChapterTest, OpensTheChapterOfTheTabInTheDesktopsProgram) {
+  system.find_executable_code = 33;
+  Show(kTabRecipes);
+  EXPECT_EQ(os.opened_documents, std::vector{path});
+  EXPECT_TRUE(viewed.empty());
+}
+
+TEST_F(ShowChapterTest, IsViewedByTheProgramItselfWithoutAnother) {
+  Show(kTabRecipes);
+  EXPECT_EQ(viewed, std::vector{path});
+  EXPECT_TRUE(os.opened_documents.empty());
+  system.find_executable_code = 33;
+  os.open_code = 11;
+  Show(kTabRecipes);
+  EXPECT_EQ(viewed.size(), 2U);
+  EXPECT_TRUE(op.boxes.empty());
+}
+
+TEST_F(ShowChapterTest, ReportsAMissingChapter) {
+  Show(kTabImport);
+  EXPECT_EQ(OnlyBox(op.boxes).title, "Error: File not found");
+  EXPECT_TRUE(OnlyBox(op.boxes).text.starts_with("manual/08-import.html could not be found.\r\n"));
+  EXPECT_TRUE(viewed.empty());
 }
 
 }  // namespace
