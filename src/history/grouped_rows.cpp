@@ -311,9 +311,9 @@ class GroupedRows::Impl {
     if (view_->pages.Sort().column != 0) {
       return view_->pages.PlaceOf(Rows(), path, rowid);
     }
-    Statements::InUse later =
-        view_->statements.Take("SELECT count(*)" + view_->query.From(path.size()) +
-                               " AND rowid >= ?" + std::to_string(GroupQuery::kFirstOwnParameter));
+    Statements::InUse later = view_->statements.Take(
+        "SELECT count(*)" + view_->query.From(path.size()) + " AND rowid >= " + "?" +
+        std::to_string(GroupQuery::kFirstOwnParameter));
     view_->query.Bind(*later, Rows().Values(path));
     later->bind(GroupQuery::kFirstOwnParameter, rowid);
     later->executeStep();

@@ -258,7 +258,10 @@ TEST_F(DownloadCommands, AFailedClearAndACutLineAreReported) {
   ModuleAnswers();
   serial.lose_after_output = serial.sent.size() + 10;
   EXPECT_EQ(Download(yard), 1);
-  EXPECT_THAT(err, EndsWith("\nError: Download failed\ncause: fake: the line is gone\n"));
+  EXPECT_THAT(
+      err,
+      EndsWith("\nKRM Error: The connection to the serial port was lost.\ncause: fake: the line is "
+               "gone\nError: Download failed\n"));
 }
 
 TEST_F(DownloadCommands, WrongUsageIsRefused) {

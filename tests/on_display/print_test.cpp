@@ -127,7 +127,9 @@ TEST_F(OpenOnDisplay, TheLineBelowTheTabsOpensWhatWasExported) {
   Type(folder.Path().string());
   Click("optCSV");
   Click("cmdExport");
-  OpensFromTheLine("Exported to OUT.CSV", folder / "OUT.CSV");
+  ASSERT_TRUE(WaitForBox("Data exported successfully."));
+  Keys({"Return"});
+  OpensFromTheLine("Exported to out.csv", folder / "out.csv");
 }
 
 TEST_F(PrintOnDisplay, NeverReplacesADatabaseOpenOrNot) {

@@ -81,7 +81,8 @@ TEST_F(TransferOnDisplay, AMissingPortIsNamedInTheBoxWhoseButtonOpensSetupAtTheP
   StartProgram();
   Click("cmdUploadDataFromKRM");
   ASSERT_TRUE(WaitForBox("The KRM was not detected."));
-  EXPECT_EQ(TextOf("qt_msgbox_informativelabel"), link_.string() + ": no such device");
+  EXPECT_EQ(TextOf("qt_msgbox_informativelabel"),
+            (folder / "no_device").string() + ": no such device");
   Keys({"alt+s"});
   ASSERT_TRUE(WaitForWindow("Setup and Test"));
   EXPECT_TRUE(WaitFor([](const Screen& screen) {

@@ -27,9 +27,22 @@ class DownloadTest : public LinkFixture {
     EXPECT_FALSE(download.DownloadToModule(kText));
     EXPECT_EQ(op.Status(), "Error: " + words);
     EXPECT_EQ(op.status_color, StatusColor::kRed);
+    ExpectNoMoreTicks();
+  }
+
+  void ExpectNoBox() {
     EXPECT_EQ(op.beeps, 0);
     EXPECT_THAT(op.boxes, IsEmpty());
-    ExpectNoMoreTicks();
+  }
+
+  // A failure of the serial port itself.
+  void ExpectPortBox(const std::string& text, const std::string& cause) {
+    ASSERT_EQ(op.boxes.size(), 1U);
+    EXPECT_EQ(op.boxes[0].title, "KRM Error");
+    EXPECT_EQ(op.boxes[0].text, text);
+    EXPECT_EQ(op.boxes[0].cause, cause);
+    EXPECT_EQ(op.boxes[0].port_help, PortHelp::kCauseAndSetup);
+    EXPECT_EQ(op.beeps, 1);
   }
 
   void ExpectNoMoreTicks() {
@@ -100,6 +113,7 @@ TEST_F(DownloadTest, CountsInTheStatusLineFourTimesASecondFromTheCheckOn) {
 TEST_F(DownloadTest, SilentModuleIsNotDetected) {
   ExpectFailure("KRM not detected");
   EXPECT_EQ(krm.KRM_FailureCause(), "no reply");
+  ExpectNoBox();
   EXPECT_EQ(serial.sent, "\x19");
   EXPECT_THAT(op.status_lines, ElementsAre("Standby...", "Error: KRM not detected"));
 }
@@ -119,12 +133,14 @@ TEST_F(DownloadTest, PortThatCannotBeOpenedIsTheCause) {
   serial.failing_property = "PortOpen";
   ExpectFailure("KRM not detected");
   EXPECT_EQ(krm.KRM_FailureCause(), "fake: PortOpen refused");
+  ExpectPortBox("The serial port cannot be used.", "fake: PortOpen refused");
 }
 
 TEST_F(DownloadTest, ModuleThatDoesNotAnswerTheClearIsReported) {
   serial.WillAnswer(kEcho19200);
   ExpectFailure("Could not clear KRM");
   EXPECT_EQ(krm.KRM_FailureCause(), "no reply");
+  ExpectNoBox();
   EXPECT_EQ(serial.sent, "\x19\x14");
 }
 
@@ -140,6 +156,7 @@ TEST_F(DownloadTest, LineCutInTheTextIsAFailedDownload) {
   serial.lose_after_output = 10;
   ExpectFailure("Download failed");
   EXPECT_EQ(krm.KRM_FailureCause(), "fake: the line is gone");
+  ExpectPortBox("The connection to the serial port was lost.", "fake: the line is gone");
 }
 
 TEST_F(DownloadTest, ClosingProgramEndsEveryStepAtOnce) {

@@ -145,13 +145,15 @@ TEST_F(DownloadOnLine, ATextWithoutItsMarkIsRefused) {
   EXPECT_FALSE(line_.PortOpen());
 }
 
-TEST_F(DownloadOnLine, ALineLostInTheClearIsReportedInTheStatusAloneAndTheNextTryWorks) {
+TEST_F(DownloadOnLine, ALineLostInTheClearIsReportedWithItsCauseAndTheNextTryWorks) {
   OpenBackup(kSentBackup);
   {
     const auto module = FaultyModule("old", "hang-up=3");
     Download(u"cmdDownloadRecipeBU"_qs, QMessageBox::Yes);
     EXPECT_EQ(Status(), (StatusLook{"Error: Could not clear KRM", kStatusRed}));
-    EXPECT_THAT(boxes_.boxes, SizeIs(1));  // the question
+    ASSERT_THAT(boxes_.boxes, SizeIs(2));  // the first is the question
+    EXPECT_EQ(boxes_.Last().text, "The connection to the serial port was lost.");
+    EXPECT_TRUE(boxes_.Last().cause.ends_with(": the line is gone"));
   }
   TheNextDownloadWorks();
 }
