@@ -82,6 +82,9 @@ class SerialLine {
   virtual void Close() = 0;
   // From now on SIGINT, SIGTERM and SIGHUP call Close() instead of ending the program.
   virtual void CloseOnSignals() = 0;
+  // From now on they call `handle` from inside the pump; an empty one lets them end the program
+  // again.
+  virtual void OnSignals(std::function<void()> handle) = 0;
 };
 
 // The environment of one run: streams and services. Everything it refers to outlives it.

@@ -1,10 +1,12 @@
 #include <QGuiApplication>
 #include <QLoggingCategory>
 #include <filesystem>
+#include <functional>
 #include <iostream>
 #include <memory>
 #include <optional>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "adapters/linux_machine.h"
@@ -29,7 +31,13 @@ class QtSerialLine : public vrx::SerialLine {
   vrx::EventPump& Pump() override { return pump_; }
   void Close() override { pump_.Close(); }
   void CloseOnSignals() override {
-    signals_.emplace([this] { pump_.Close(); });
+    OnSignals([this] { pump_.Close(); });
+  }
+  void OnSignals(std::function<void()> handle) override {
+    signals_.reset();
+    if (handle) {
+      signals_.emplace(std::move(handle));
+    }
   }
 
  private:

@@ -3,6 +3,7 @@
 #include <array>
 #include <cstddef>
 #include <filesystem>
+#include <functional>
 #include <ostream>
 #include <string>
 #include <string_view>
@@ -182,6 +183,26 @@ int WriteUpload(Session& session, KRMCOMM& krm, TransferState& transfer, const P
   return failed || !written ? kFailed : kDone;
 }
 
+// While a transfer can be canceled, a signal cancels it instead of ending the program.
+class CancelOnSignals {
+ public:
+  CancelOnSignals(SerialLine& line, LineGuard& guard)
+      : line_(line), guard_(guard), watch_(guard.OnChange([this] { Follow(); })) {}
+
+ private:
+  void Follow() {
+    if (guard_.Cancelable() != on_) {
+      on_ = guard_.Cancelable();
+      line_.OnSignals(on_ ? [this] { guard_.Cancel(); } : std::function<void()>());
+    }
+  }
+
+  SerialLine& line_;
+  LineGuard& guard_;
+  bool on_ = false;
+  LineGuard::Watch watch_;
+};
+
 constexpr std::string_view kPleaseCheck =
     "Please check KRM module connection, cable and serial port selection.";
 
@@ -288,6 +309,7 @@ class ModuleCommand : public Command {
     const PrivateINI settings = port_.Settings(session);
     const auto line = port_.MakeLine(session);
     KRMCOMM krm(line->Control(), line->Pump(), session.Op(), settings);
+    const CancelOnSignals cancel(*line, krm.Guard());
     const int code = RunAction(session, krm, line->Pump(), settings);
     krm.KRM_ImmediateClose();
     session.Progress().Clear();
@@ -405,7 +427,11 @@ bool FolderTakesDataFiles(Session& session, const fs::path& folder) {
 int UploadModule(Session& session, KRMCOMM& krm, EventPump& pump, const PrivateINI& settings,
                  const fs::path& folder) {
   TransferState transfer;
-  Upload(krm, transfer, pump, session.Op(), settings).UploadDataFromKRM();
+  Upload upload(krm, transfer, pump, session.Op(), settings);
+  upload.UploadDataFromKRM();
+  if (!upload.CanceledPart().empty()) {
+    KeepReceived(session, upload.CanceledPart(), folder);
+  }
   return WriteUpload(session, krm, transfer, settings, folder);
 }
 

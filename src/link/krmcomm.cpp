@@ -22,6 +22,9 @@ constexpr Milliseconds kAfterTransmission{100};
 // Interval for polling the output counter; no event reports that the last byte has left the port.
 constexpr Milliseconds kDrainInterval{5};
 
+// A module that sends pauses less than this.
+constexpr Milliseconds kSilenceAfterCancel{250};
+
 // Limit for a line that is held by an XOFF or a device that stopped reading.
 constexpr Milliseconds kHeldLimit = std::chrono::seconds{10};
 
@@ -181,10 +184,31 @@ bool KRMCOMM::KRM_SendString(std::string_view text) {
 }
 
 bool KRMCOMM::PurgeBuffers() {
-  return Try([this] {
-    serial_.DiscardInput();
-    serial_.DiscardOutput();
+  return AwaitSilence() && Try([this] {
+           serial_.DiscardInput();
+           serial_.DiscardOutput();
+         });
+}
+
+// The reply of a canceled command must not be taken for the reply of the next one.
+bool KRMCOMM::AwaitSilence() {
+  if (!may_still_send_) {
+    return true;
+  }
+  OneShotTimer silence(kSilenceAfterCancel);
+  silence.Enable(pump_.Now());
+  InterruptIfLost([&] {
+    while (GoesOn() && !silence.Due(pump_.Now())) {
+      if (serial_.InBufferCount() >= 1) {
+        serial_.DiscardInput();
+        silence.Enable(pump_.Now());
+      } else {
+        pump_.Pump(silence.Left(pump_.Now()));
+      }
+    }
   });
+  may_still_send_ = interrupted_;
+  return !interrupted_;
 }
 
 bool KRMCOMM::HandOver(std::string_view bytes) {
@@ -219,6 +243,7 @@ bool KRMCOMM::Drain() {
 bool KRMCOMM::KRM_WaitForTerminators(int count) {
   std::string buffer;
   bool complete = false;
+  broken_off_.clear();
   InterruptIfLost([&] { complete = Receive(count, buffer); });
   tim_rxd_timeout_.Disable();
   if (complete) {
@@ -233,6 +258,7 @@ bool KRMCOMM::KRM_WaitForTerminators(int count) {
                                                    : "the reply broke off after " +
                                                          std::to_string(buffer.size()) + " bytes");
   }
+  broken_off_ = std::move(buffer);
   return false;
 }
 
@@ -267,6 +293,11 @@ bool KRMCOMM::Receive(int count, std::string& buffer) {
 bool KRMCOMM::GoesOn() {
   if (!interrupted_ && pump_.Closing()) {
     Interrupt(LinkError::kNone, "The program is closing", {});
+  }
+  if (!interrupted_ && guard_.Canceled()) {
+    may_still_send_ = true;
+    SerialFailure([this] { serial_.DiscardOutput(); });
+    Interrupt(LinkError::kCanceled, "Canceled", {});
   }
   return !interrupted_;
 }

@@ -93,6 +93,7 @@ enum class LinkError {
   kHeld,      // the line took no byte for 10 seconds: an XOFF, or a device that does not read
   kLost,      // the line is gone, or the port was closed during the operation
   kProtocol,  // the reply does not belong to the command
+  kCanceled,  // the operator has canceled the command
   kRefused,   // the platform or the protocol does not accept a setting, or the port does not open
 };
 
@@ -103,9 +104,10 @@ enum class LinkError {
 // No operation throws for a failure of the line. It returns false; GS_KRM_ErrMsg has the specified
 // text, KRM_FailureCause the cause and KRM_Error its kind. Every wait pumps events, so a handler
 // may run another operation inside it; the outer operation then fails and leaves the reply to the
-// inner one. A wait ends at once if the line is lost or the program is closing, and a transmission
-// if the line takes no byte for 10 seconds. The port is closed then, and the next command reopens
-// it.
+// inner one. A wait ends at once if the line is lost, the program is closing or the command is
+// canceled (LineGuard::Cancel), and a transmission if the line takes no byte for 10 seconds. The
+// port is closed then, and the next command reopens it. After a cancel, that command first waits
+// until the module has stopped sending.
 class KRMCOMM {
  public:
   KRMCOMM(SerialControl& serial, EventPump& pump, Operator& op, const PrivateINI& settings);
@@ -174,6 +176,10 @@ class KRMCOMM {
   [[nodiscard]] LinkError KRM_Error() const { return error_; }
   [[nodiscard]] bool KRM_LineHeld() const { return error_ == LinkError::kHeld; }
 
+  // What had arrived of the reply whose reception failed last, with its framing; empty after a
+  // complete reply.
+  [[nodiscard]] const std::string& KRM_BrokenOff() const { return broken_off_; }
+
   // Getters and setters of the public state.
   [[nodiscard]] bool GB_KRM_DelayComplete() const { return delay_complete_; }
   void GB_KRM_DelayComplete(bool value) { delay_complete_ = value; }
@@ -208,6 +214,7 @@ class KRMCOMM {
 
   bool WaitOut(OneShotTimer& timer);
   bool PurgeBuffers();
+  bool AwaitSilence();
   bool Drain();
   bool HandOver(std::string_view bytes);
   bool Receive(int count, std::string& buffer);
@@ -258,7 +265,9 @@ class KRMCOMM {
   std::array<FileAttributes, kMaxDataFiles> file_attributes_{};
 
   LineGuard guard_;
-  bool interrupted_ = false;  // since the last opening
+  bool interrupted_ = false;     // since the last opening
+  bool may_still_send_ = false;  // a canceled module
+  std::string broken_off_;
   LinkError error_ = LinkError::kNone;
   std::string failure_cause_;
 };

@@ -16,6 +16,17 @@ LineGuard::Claim LineGuard::TakeForTransmission() {
   return AtWork() ? nullptr : std::make_unique<Hold>(*this, &LineGuard::transmission_);
 }
 
+LineGuard::Claim LineGuard::AllowCancel() {
+  canceled_ = false;
+  return std::make_unique<Hold>(*this, &LineGuard::cancelable_);
+}
+
+void LineGuard::Cancel() {
+  if (cancelable_ && !canceled_) {
+    Set(&LineGuard::canceled_, true);
+  }
+}
+
 LineGuard::Watch LineGuard::OnChange(std::function<void()> changed) {
   auto watcher = std::make_shared<Watcher>(std::move(changed));
   watchers_.push_back(watcher);

@@ -37,6 +37,13 @@ class LineGuard {
   // A command or a transmission is running. It ends by itself within seconds or minutes.
   [[nodiscard]] bool AtWork() const { return command_ || transmission_; }
 
+  // The running command can be canceled during the lifetime of the result. One at a time.
+  [[nodiscard]] Claim AllowCancel();
+  [[nodiscard]] bool Cancelable() const { return cancelable_; }
+  // Ends the command at its next wait. Does nothing if it cannot be canceled.
+  void Cancel();
+  [[nodiscard]] bool Canceled() const { return cancelable_ && canceled_; }
+
   // Calls `changed` after each change until the returned object is destroyed. The guard may be
   // destroyed first.
   using Watch = std::shared_ptr<void>;
@@ -50,6 +57,8 @@ class LineGuard {
   bool command_ = false;
   bool direct_ = false;
   bool transmission_ = false;
+  bool cancelable_ = false;
+  bool canceled_ = false;
   std::vector<std::weak_ptr<Watcher>> watchers_;
 };
 

@@ -208,7 +208,7 @@ void DirectConnection::Update() {
     ReportNeutral(op_, kWaiting);
   }
   SetMemorySize(bytes);
-  transfer_.memory_bar = static_cast<int>(std::min<std::size_t>(bytes, kMemoryBarMaximum));
+  transfer_.memory_bar = static_cast<int>(std::min<std::size_t>(bytes, kModuleMemory));
 }
 
 // A changed caption means that the listed files no longer match the memory.

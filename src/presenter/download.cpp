@@ -1,6 +1,7 @@
 #include "presenter/download.h"
 
 #include <cstddef>
+#include <cstdint>
 #include <string>
 #include <utility>
 
@@ -12,6 +13,7 @@
 #include "link/rescue_file.h"
 #include "presenter/operation.h"
 #include "presenter/report_failure.h"
+#include "presenter/transfer_progress.h"
 #include "presenter/upload.h"
 #include "settings/settings.h"
 
@@ -20,6 +22,8 @@ namespace vrx {
 namespace {
 
 constexpr Milliseconds kDownloadingInterval{250};
+constexpr TransferTexts kDownloading{
+    .begins = "Downloading to KRM....  ", .percent_of = "", .time_left = ""};
 
 constexpr std::string_view kDatabaseFileError = "Recipe Database-File Error";
 constexpr std::string_view kBackupFileError = "Recipe Backup-File Error";
@@ -34,27 +38,40 @@ bool Download::DownloadToModule(std::string_view text) {
   const std::string bytes(text);
   ReportStandby(op_);
   krm_.GL_KRM_TxDCount(0);
-  if (!krm_.KRM_OnlineCheck()) {
-    return Fail("KRM not detected");
+  LineGuard::Claim cancelable = krm_.Guard().AllowCancel();
+  std::string_view failure;
+  const bool detected = krm_.KRM_OnlineCheck();
+  if (!detected) {
+    failure = "KRM not detected";
+  } else {
+    TransferProgress progress(kDownloading, static_cast<std::int64_t>(bytes.size()));
+    const auto tim_downloading = pump_.StartTicker(kDownloadingInterval, [&] {
+      op_.SetStatusLine(progress.Text(krm_.GL_KRM_TxDCount(), pump_.Now()));
+    });
+    failure = !krm_.KRM_Clear()           ? "Could not clear KRM"
+              : !krm_.KRM_Download(bytes) ? "Download failed"
+                                          : std::string_view();
   }
-  const auto tim_downloading = pump_.StartTicker(kDownloadingInterval, [this] {
-    op_.SetStatusLine("Downloading to KRM....  " + std::to_string(krm_.GL_KRM_TxDCount()) +
-                      " bytes");
-  });
-  return ClearAndSend(bytes);
-}
-
-bool Download::ClearAndSend(std::string_view text) {
-  if (!krm_.KRM_Clear()) {
-    return Fail("Could not clear KRM");
+  // The result is reported when the command can no longer be canceled.
+  cancelable.reset();
+  if (krm_.KRM_Error() == LinkError::kCanceled) {
+    return ReportCanceled(detected, bytes.size());
   }
-  if (!krm_.KRM_Download(text)) {
-    return Fail("Download failed");
+  if (!failure.empty()) {
+    return Fail(failure);
   }
   ReportComplete(op_, "Download complete!  (" + std::to_string(krm_.GL_KRM_TxDCount()) +
                           " bytes, Recipe Data)");
   BeepIfEnabled(op_, settings_);
   return true;
+}
+
+bool Download::ReportCanceled(bool detected, std::size_t bytes) {
+  ReportFailed(op_, detected ? "Download canceled after " + std::to_string(krm_.GL_KRM_TxDCount()) +
+                                   " of " + std::to_string(bytes) +
+                                   " bytes. The data in the module are incomplete."
+                             : "Download canceled. The module is unchanged.");
+  return false;
 }
 
 bool Download::Fail(std::string_view words) {

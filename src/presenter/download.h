@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstddef>
 #include <filesystem>
 #include <string>
 #include <string_view>
@@ -19,16 +20,16 @@ class Download {
   Download(KRMCOMM& krm, EventPump& pump, Operator& op, const PrivateINI& settings);
 
   // Checks that the module answers, clears it and sends the bytes, which takes at least 4600 ms.
-  // Shows the progress in the status line. If a step fails, shows it in red, sets KRM_FailureCause
-  // and returns false; the module is then cleared or partly filled, unless the check failed. The
-  // caller holds the line.
+  // Shows the progress in the status line and can be canceled. If a step fails, shows it in red,
+  // sets KRM_FailureCause and returns false; the module is then cleared or partly filled, unless
+  // the check failed. The caller holds the line.
   bool DownloadToModule(std::string_view text);
 
   LineGuard& Guard() { return krm_.Guard(); }
 
  private:
+  bool ReportCanceled(bool detected, std::size_t bytes);
   bool Fail(std::string_view words);
-  bool ClearAndSend(std::string_view text);
 
   KRMCOMM& krm_;
   EventPump& pump_;

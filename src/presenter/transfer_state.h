@@ -5,7 +5,7 @@
 
 namespace vrx {
 
-inline constexpr int kMemoryBarMaximum = 65536;  // bytes
+inline constexpr int kModuleMemory = 65536;  // bytes
 
 // One row of `lstDataFiles`: a file cut from the transfer block.
 struct DataFileRow {
@@ -63,7 +63,7 @@ struct TransferState {
   bool memory_size_visible = false;      // lblMemorySize
   bool memory_bar_visible = false;       // prgMemorySize
   std::string memory_size = "0";         // caption of lblMemorySize, bytes in the memory image
-  int memory_bar = 0;                    // value of prgMemorySize, from 0 to kMemoryBarMaximum
+  int memory_bar = 0;                    // value of prgMemorySize, from 0 to kModuleMemory
 };
 
 }  // namespace vrx

@@ -6,6 +6,7 @@
 #include "link/krmcomm.h"
 #include "link/rescue_file.h"
 #include "presenter/operation.h"
+#include "presenter/transfer_progress.h"
 #include "settings/settings.h"
 
 namespace vrx {
@@ -13,6 +14,9 @@ namespace vrx {
 namespace {
 
 constexpr Milliseconds kUploadingInterval{500};
+// A module does not say how much it holds.
+constexpr TransferTexts kUploading{
+    .begins = "Uploading from KRM....  ", .percent_of = " of the memory", .time_left = "at most "};
 
 void ShowStatus(Operator& op, StatusColor color, std::string_view words) {
   op.SetStatusColor(color);
@@ -54,26 +58,52 @@ void Upload::ClearTab() {
 
 int Upload::UploadFromModule() {
   transfer_.data_window.clear();
+  canceled_part_.clear();
   ReportStandby(op_);
   const BusyCursor busy(op_);
-  if (!krm_.KRM_OnlineCheck()) {
-    ModuleNotDetected();
-    return 0;
-  }
-  const auto tim_uploading = pump_.StartTicker(kUploadingInterval, [this] {
-    op_.SetStatusLine("Uploading from KRM....  " + std::to_string(krm_.GL_KRM_RxDCount()) +
-                      " bytes");
-  });
-  if (!krm_.KRM_Dump()) {
-    ReportPortFailure(op_, krm_, settings_);
-    ReportFailed(op_, "Error: " + (krm_.GS_KRM_ErrMsg().empty() ? krm_.KRM_FailureCause()
-                                                                : krm_.GS_KRM_ErrMsg()));
-    return 0;
-  }
-  return TakeReply();
+  return Dump() ? TakeReply() : 0;
 }
 
-void Upload::ModuleNotDetected() {
+// The failures are reported when the command can no longer be canceled.
+bool Upload::Dump() {
+  LineGuard::Claim cancelable = krm_.Guard().AllowCancel();
+  const bool detected = krm_.KRM_OnlineCheck();
+  bool dumped = false;
+  if (detected) {
+    TransferProgress progress(kUploading, kModuleMemory);
+    const auto tim_uploading = pump_.StartTicker(kUploadingInterval, [&] {
+      op_.SetStatusLine(progress.Text(krm_.GL_KRM_RxDCount(), pump_.Now()));
+    });
+    dumped = krm_.KRM_Dump();
+  }
+  cancelable.reset();
+  if (krm_.KRM_Error() == LinkError::kCanceled && !dumped) {
+    ReportCanceled();
+  } else if (!detected) {
+    ReportNotDetected();
+  } else if (!dumped) {
+    ReportNotDumped();
+  }
+  return dumped;
+}
+
+void Upload::ReportCanceled() {
+  constexpr std::string_view kBegin{"\x15\x1F"};
+  const std::string& reply = krm_.KRM_BrokenOff();
+  if (reply.starts_with(kBegin)) {
+    canceled_part_ = reply.substr(kBegin.size());
+  }
+  ReportFailed(op_,
+               "Upload canceled after " + std::to_string(krm_.KRM_BrokenOff().size()) + " bytes.");
+}
+
+void Upload::ReportNotDumped() {
+  ReportPortFailure(op_, krm_, settings_);
+  ReportFailed(op_, "Error: " + (krm_.GS_KRM_ErrMsg().empty() ? krm_.KRM_FailureCause()
+                                                              : krm_.GS_KRM_ErrMsg()));
+}
+
+void Upload::ReportNotDetected() {
   if (pump_.Closing()) {
     ReportFailed(op_, "Error: " + krm_.GS_KRM_ErrMsg());
     return;

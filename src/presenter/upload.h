@@ -2,6 +2,7 @@
 
 #include <cstddef>
 #include <filesystem>
+#include <string>
 #include <string_view>
 
 #include "link/krmcomm.h"
@@ -20,6 +21,9 @@ class Upload {
   // The button: clears the tab, uploads from the module or, in the direct connection, reads the
   // memory image, and lists the files. Does nothing while another command uses the line.
   void UploadDataFromKRM();
+
+  // The data of a canceled upload that had arrived; empty after any other.
+  [[nodiscard]] const std::string& CanceledPart() const { return canceled_part_; }
 
   // Copies the module's memory to the transfer block and returns the number of files cut from it.
   // With more files than the table holds it ends red and cuts only those that fit. The caller holds
@@ -41,7 +45,10 @@ class Upload {
 
  private:
   void ClearTab();
-  void ModuleNotDetected();
+  bool Dump();
+  void ReportNotDetected();
+  void ReportNotDumped();
+  void ReportCanceled();
   int TakeReply();
   // Cuts the transfer block, which must not be empty.
   int CutFiles(std::string_view done_words, std::size_t received_bytes);
@@ -52,6 +59,7 @@ class Upload {
   EventPump& pump_;
   Operator& op_;
   const PrivateINI& settings_;
+  std::string canceled_part_;
 };
 
 // The status line of a transfer sets text and color together: blue "Standby..." at the start, blue

@@ -7,6 +7,7 @@
 #include <sstream>
 #include <string>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 #include <gtest/gtest.h>
@@ -109,6 +110,7 @@ class CtlTest : public ::testing::Test {
   FakeSerialControl serial{pump};
   std::string device;  // what the last line was asked for
   bool heeds_signals = false;
+  std::function<void()> on_signal;  // empty: a signal ends the program
   std::string screen_text;
   std::string typed;
   bool in_is_terminal = false;
@@ -149,6 +151,7 @@ class CtlTest : public ::testing::Test {
     EventPump& Pump() override { return test_.pump; }
     void Close() override { test_.pump.closing = true; }
     void CloseOnSignals() override { test_.heeds_signals = true; }
+    void OnSignals(std::function<void()> handle) override { test_.on_signal = std::move(handle); }
 
    private:
     CtlTest& test_;

@@ -1,5 +1,8 @@
 #include <chrono>
 #include <csignal>
+#include <filesystem>
+#include <string>
+#include <system_error>
 #include <thread>
 
 #include <gmock/gmock.h>
@@ -187,6 +190,36 @@ TEST_F(UploadFaults, AShortStallAndAFewBytesAfterTheDumpAreHarmless) {
   const std::vector<Result> uploads = Upload(2, "out");
   ExpectWhole(uploads[0], "out", 0);
   ExpectWhole(uploads[1], "out", 1);
+}
+
+// The signal comes while the program has the line open, before the module could answer.
+TEST_F(UploadOverALine, AnInterruptedUploadEndsInOrderAndTheNextOneWorks) {
+  const auto module = StartModule({"--load", file, "--fault", "stall=60000"});
+  const auto upload =
+      StartCtl({"module", "upload", "--out", (folder / "out").string(), "--port", ModulePath()});
+  const std::string line = std::filesystem::canonical(ModulePath()).string();
+  const auto has_line = [&] {
+    std::error_code gone;
+    for (std::filesystem::directory_iterator
+             fd("/proc/" + std::to_string(upload->Id()) + "/fd", gone),
+         end;
+         fd != end; fd.increment(gone)) {
+      if (std::filesystem::read_symlink(fd->path(), gone) == line) {
+        return true;
+      }
+    }
+    return false;
+  };
+  while (!has_line() && !upload->Ended()) {
+    std::this_thread::sleep_for(std::chrono::milliseconds{5});
+  }
+  upload->Signal(SIGINT);
+  const Result canceled = ResultOf(*upload);
+  EXPECT_EQ(canceled.code, 1);
+  EXPECT_THAT(canceled.err, HasSubstr("Upload canceled after "));
+  const auto sound = StartModule({"--load", file});
+  EXPECT_EQ(Upload("out").code, 0);
+  EXPECT_EQ(ReadAll(folder / "out/01.QXT"), kSmallFile);
 }
 
 }  // namespace

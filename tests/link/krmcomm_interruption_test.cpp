@@ -48,6 +48,58 @@ TEST_F(KrmcommInterruption, ClosingProgramEndsADumpAtOnce) {
   }
 }
 
+TEST_F(KrmcommInterruption, ACancelEndsADumpAtOnceAndKeepsWhatHasArrived) {
+  for (const Ms moment : kMoments) {
+    serial.WillAnswer(HalfAReply());
+    const LineGuard::Claim cancelable = krm.Guard().AllowCancel();
+    pump.After(moment, [&] { krm.Guard().Cancel(); });
+    EXPECT_EQ(TimeOf([&] { EXPECT_FALSE(krm.KRM_Dump()); }), moment);
+    ExpectLost("Canceled");
+    EXPECT_EQ(krm.KRM_Error(), LinkError::kCanceled);
+    EXPECT_EQ(krm.KRM_BrokenOff(), moment == kMoments.back() ? "\x15\x1F half" : "");
+    pump.Pump(Ms{10'000});
+  }
+}
+
+TEST_F(KrmcommInterruption, ACancelOutsideACancelableCommandDoesNothing) {
+  krm.Guard().Cancel();
+  serial.WillAnswer(kEchoClear);
+  EXPECT_TRUE(krm.KRM_Clear());
+  const LineGuard::Claim cancelable = krm.Guard().AllowCancel();
+  serial.WillAnswer(kEchoClear);
+  EXPECT_TRUE(krm.KRM_Clear());
+}
+
+TEST_F(KrmcommInterruption, ACanceledTransmissionSendsNoFurtherBlock) {
+  serial.per_byte = Ms{1};
+  const LineGuard::Claim cancelable = krm.Guard().AllowCancel();
+  pump.After(Ms{1500}, [&] { krm.Guard().Cancel(); });
+  EXPECT_EQ(TimeOf([&] { EXPECT_FALSE(krm.KRM_Download(std::string(5000, 'x'))); }), Ms{1500});
+  EXPECT_EQ(serial.sent.size(), 1024U);
+  EXPECT_EQ(krm.KRM_Error(), LinkError::kCanceled);
+  ExpectLost("Canceled");
+}
+
+// The module sends the rest of its reply for three seconds, although DTR is low.
+TEST_F(KrmcommInterruption, TheNextCommandWaitsForTheEndOfACanceledReply) {
+  FakeSerialControl::Answer reply{{Ms{10}, "\x15\x1F"}};
+  for (int part = 1; part <= 30; ++part) {
+    reply.push_back({Ms{part * 100}, std::string(90, 'x')});
+  }
+  serial.WillAnswer(reply);
+  LineGuard::Claim cancelable = krm.Guard().AllowCancel();
+  pump.After(Ms{1250}, [&] { krm.Guard().Cancel(); });
+  EXPECT_FALSE(krm.KRM_Dump());
+  EXPECT_EQ(krm.KRM_BrokenOff().size(), 2U + 180U);
+  cancelable.reset();
+  serial.WillAnswer(kEchoClear);
+  // The rest ends 4000 ms after the dump began: 1250 ms have passed, 250 ms of silence follow, and
+  // the echo and the release of DTR take 510 ms.
+  EXPECT_EQ(TimeOf([&] { EXPECT_TRUE(krm.KRM_Clear()); }), Ms{4000 - 1250 + 250 + 10 + 500});
+  serial.WillAnswer(kEchoClear);
+  EXPECT_EQ(TimeOf([&] { EXPECT_TRUE(krm.KRM_Clear()); }), Ms{1000 + 10 + 500});
+}
+
 TEST_F(KrmcommInterruption, ADelayEndsWithAnInnerOneThatIsCutShort) {
   pump.After(Ms{10}, [&] {
     pump.After(Ms{10}, [&] { pump.closing = true; });

@@ -98,6 +98,36 @@ TEST_F(TransferOnDisplay, AMissingPortIsNamedInTheBoxWhoseButtonOpensSetupAtTheP
   EXPECT_TRUE(WaitForStatus("Upload complete!  (16 bytes, 1 file)"));
 }
 
+// A full module takes 34 seconds; Esc comes when the pace is known.
+TEST_F(TransferOnDisplay, EscCancelsAnUploadKeepsWhatCameAndTheNextOneWorks) {
+  const std::string memory = "{BAT/FED},L\r\n" + std::string(60000, ' ');
+  auto module = Simulate({"module", "--load", folder.Write("memory", memory).string()});
+  StartProgram();
+  Click("cmdUploadDataFromKRM");
+  ASSERT_TRUE(WaitFor([](const Screen& screen) {
+    const Widget* const status = screen.Find("lblStatusWindow");
+    return status != nullptr && status->text.starts_with("Uploading from KRM") &&
+           status->text.find("% of the memory, at most ") != std::string::npos &&
+           status->text.ends_with(" s left") && screen.Find("cmdTransferCancel") != nullptr;
+  }));
+  Keys({"Escape"});
+  ASSERT_TRUE(WaitForBox("What the indicator sent is kept in the file "));
+  Keys({"Return"});
+  ASSERT_TRUE(WaitForWindow(kMainTitle));
+  EXPECT_TRUE(TextOf("lblStatusWindow").starts_with("Upload canceled after "));
+  EXPECT_EQ(Look().Find("cmdTransferCancel"), nullptr);
+  ASSERT_EQ(RescueFiles().size(), 1U);
+  const std::string kept = ReadAll(RescueFiles().front());
+  EXPECT_GT(kept.size(), 500U);
+  EXPECT_TRUE(memory.starts_with(kept));
+  // The module keeps its memory, so the same upload can be tried again; a small one is quicker.
+  module->Signal(SIGTERM);
+  module->Wait();
+  module = Simulate({"module", "--load", folder.Write("small", "{BAT/FED},L\r\n").string()});
+  Click("cmdUploadDataFromKRM");
+  EXPECT_TRUE(WaitForStatus("Upload complete!  (16 bytes, 1 file)"));
+}
+
 TEST_F(TransferOnDisplay, ADoubleClickOnTheMemorySizeShowsTheBar) {
   const auto indicator = IndicatorThatSends("7B 52 45 50 4F 52 54 7D");
   StartProgram();

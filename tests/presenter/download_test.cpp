@@ -101,13 +101,33 @@ TEST_F(DownloadTest, CountsInTheStatusLineFourTimesASecondFromTheCheckOn) {
   const std::string nothing_yet = "Downloading to KRM....  0 bytes";
   EXPECT_THAT(
       op.status_lines,
-      ElementsAre("Standby...", nothing_yet, nothing_yet, nothing_yet, nothing_yet, nothing_yet,
-                  nothing_yet, nothing_yet, nothing_yet, nothing_yet, nothing_yet,
-                  "Downloading to KRM....  1024 bytes", "Downloading to KRM....  1024 bytes",
-                  "Downloading to KRM....  1024 bytes", "Downloading to KRM....  1024 bytes",
-                  "Downloading to KRM....  1500 bytes", "Downloading to KRM....  1500 bytes",
-                  "Downloading to KRM....  1500 bytes", "Downloading to KRM....  1500 bytes",
-                  "Download complete!  (1500 bytes, Recipe Data)"));
+      ElementsAre(
+          "Standby...", nothing_yet, nothing_yet, nothing_yet, nothing_yet, nothing_yet,
+          nothing_yet, nothing_yet, nothing_yet, nothing_yet, nothing_yet,
+          "Downloading to KRM....  1024 bytes, 68%", "Downloading to KRM....  1024 bytes, 68%",
+          "Downloading to KRM....  1024 bytes, 68%",
+          "Downloading to KRM....  1024 bytes, 68%, 1 s left",
+          "Downloading to KRM....  1500 bytes, 100%", "Downloading to KRM....  1500 bytes, 100%",
+          "Downloading to KRM....  1500 bytes, 100%", "Downloading to KRM....  1500 bytes, 100%",
+          "Download complete!  (1500 bytes, Recipe Data)"));
+}
+
+TEST_F(DownloadTest, ACanceledDownloadSaysWhatTheModuleHolds) {
+  serial.per_byte = Ms{1};
+  ModuleAnswers();
+  pump.After(Ms{1510 + 1510 + 1000 + 1500}, [this] { krm.Guard().Cancel(); });
+  EXPECT_FALSE(download.DownloadToModule(std::string(5000, 'x')));
+  EXPECT_EQ(op.Status(),
+            "Download canceled after 2048 of 5000 bytes. The data in the module are incomplete.");
+  EXPECT_EQ(op.status_color, StatusColor::kRed);
+  EXPECT_EQ(pump.Now(), Ms{1510 + 1510 + 1000 + 1500});
+  EXPECT_FALSE(krm.Guard().Cancelable());
+  pump.After(Ms{300}, [this] { krm.Guard().Cancel(); });
+  EXPECT_FALSE(download.DownloadToModule(kText));
+  EXPECT_EQ(op.Status(), "Download canceled. The module is unchanged.");
+  EXPECT_TRUE(op.boxes.empty());
+  ModuleAnswers();
+  EXPECT_TRUE(download.DownloadToModule(kText));
 }
 
 TEST_F(DownloadTest, SilentModuleIsNotDetected) {

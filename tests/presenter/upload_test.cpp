@@ -221,11 +221,70 @@ TEST_F(UploadTest, CountsInTheStatusLineEveryHalfSecond) {
   EXPECT_THAT(
       op.status_lines,
       ElementsAre("Standby...", "Uploading from KRM....  2 bytes",
-                  "Uploading from KRM....  2 bytes", "Uploading from KRM....  10 bytes",
-                  "Uploading from KRM....  110 bytes", "Uploading from KRM....  110 bytes",
-                  "Uploading from KRM....  111 bytes", "Upload complete!  (111 bytes, 1 file)"));
+                  "Uploading from KRM....  2 bytes",
+                  "Uploading from KRM....  10 bytes, 0% of the memory",
+                  "Uploading from KRM....  110 bytes, 0% of the memory, at most 10 min 6 s left",
+                  "Uploading from KRM....  110 bytes, 0% of the memory, at most 15 min 9 s left",
+                  "Uploading from KRM....  111 bytes, 0% of the memory, at most 20 min 1 s left",
+                  "Upload complete!  (111 bytes, 1 file)"));
   pump.Pump(Ms{5000});
   EXPECT_EQ(op.Status(), "Upload complete!  (111 bytes, 1 file)");
+}
+
+class CanceledUpload : public UploadTest {
+ protected:
+  // Cancels at that time after the start.
+  void UploadAndCancelAfter(Ms moment) {
+    pump.After(moment, [this] { krm.Guard().Cancel(); });
+    upload.UploadDataFromKRM();
+  }
+};
+
+TEST_F(CanceledUpload, EndsAtOnceAndKeepsTheDataThatArrived) {
+  serial.WillAnswer(kEcho19200);
+  serial.WillAnswer(FakeSerialControl::Answer{{Ms{100}, "\x15\x1F{BAT/FED},L"}});
+  UploadAndCancelAfter(Ms{4000});
+  EXPECT_EQ(pump.Now(), Ms{4000});
+  EXPECT_EQ(op.Status(), "Upload canceled after 13 bytes.");
+  EXPECT_EQ(op.status_color, StatusColor::kRed);
+  EXPECT_EQ(upload.CanceledPart(), "{BAT/FED},L");
+  EXPECT_THAT(op.boxes, IsEmpty());
+  EXPECT_THAT(tab.data_files, IsEmpty());
+  EXPECT_FALSE(op.busy);
+  EXPECT_TRUE(krm.Guard().Free());
+  EXPECT_FALSE(krm.Guard().Cancelable());
+}
+
+TEST_F(CanceledUpload, AsksNothingWhileItLooksForTheModule) {
+  UploadAndCancelAfter(Ms{700});
+  EXPECT_EQ(pump.Now(), Ms{700});
+  EXPECT_EQ(op.Status(), "Upload canceled after 0 bytes.");
+  EXPECT_EQ(upload.CanceledPart(), "");
+  EXPECT_THAT(op.boxes, IsEmpty());
+}
+
+TEST_F(CanceledUpload, KeepsNothingOfTheFramingAlone) {
+  serial.WillAnswer(kEcho19200);
+  serial.WillAnswer(FakeSerialControl::Answer{{Ms{100}, "\x15\x1F"}});
+  UploadAndCancelAfter(Ms{4000});
+  EXPECT_EQ(upload.CanceledPart(), "");
+}
+
+TEST_F(CanceledUpload, IsFollowedByACompleteOne) {
+  serial.WillAnswer(kEcho19200);
+  serial.WillAnswer(FakeSerialControl::Answer{{Ms{100}, "\x15\x1F{BAT/FED},L"}});
+  UploadAndCancelAfter(Ms{4000});
+  ModuleHolds("{BAT/FED},L\r\n");
+  upload.UploadDataFromKRM();
+  EXPECT_EQ(op.Status(), "Upload complete!  (16 bytes, 1 file)");
+  EXPECT_EQ(upload.CanceledPart(), "");
+}
+
+TEST_F(CanceledUpload, IsCompleteIfTheReplyWasWhole) {
+  ModuleHolds("{BAT/FED},L\r\n");
+  // The reply ends 2520 ms after the start.
+  UploadAndCancelAfter(Ms{2600});
+  EXPECT_EQ(op.Status(), "Upload complete!  (16 bytes, 1 file)");
 }
 
 TEST_F(UploadTest, IsBusyAndBlueWhileItRuns) {

@@ -74,6 +74,13 @@ TransferStatusPanel::TransferStatusPanel(QWidget* parent) : QFrame(parent) {
   status_window_->setAccessibleDescription(QStringLiteral("Status of the transfer"));
   SetTag(*status_window_, kStatusWindowCaption);
   layout->addWidget(status_window_, 1);
+  cancel_ = new QPushButton(QStringLiteral("Cancel"), this);
+  cancel_->setObjectName(QStringLiteral("cmdTransferCancel"));
+  cancel_->setToolTip(QStringLiteral("End the transfer (Esc)"));
+  cancel_->setShortcut(Qt::Key_Escape);
+  cancel_->hide();
+  connect(cancel_, &QPushButton::clicked, this, &TransferStatusPanel::CancelRequested);
+  layout->addWidget(cancel_);
   layout->addSpacing(kSpacing);
   AddMemory();
   PaintStatus();
@@ -133,6 +140,8 @@ void TransferStatusPanel::SetMemorySize(int bytes) {
   memory_size_->setText(QString::number(bytes));
   memory_bar_->setValue(bytes);
 }
+
+void TransferStatusPanel::ShowCancel(bool shown) { cancel_->setVisible(shown); }
 
 // The second click of a double click hits the control that the first one has shown there, so both
 // are treated as one click.

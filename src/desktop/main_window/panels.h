@@ -59,9 +59,15 @@ class TransferStatusPanel : public QFrame {
   void SetStatusCause(const QString& cause);
   void SetStatusColor(StatusColor color);
 
+  // The button that cancels the running transfer, also by Esc.
+  void ShowCancel(bool shown);
+
   // The memory is shown only in the direct connection, at first as the count.
   void ShowMemory(bool shown);
   void SetMemorySize(int bytes);
+
+ Q_SIGNALS:
+  void CancelRequested();
 
  protected:
   bool eventFilter(QObject* watched, QEvent* event) override;
@@ -72,6 +78,7 @@ class TransferStatusPanel : public QFrame {
   void PaintStatus();
 
   QLabel* status_window_;
+  QPushButton* cancel_;
   QLabel* memory_;
   QLabel* memory_size_;
   QProgressBar* memory_bar_;

@@ -30,7 +30,11 @@ DataTransferPage::DataTransferPage(Services& services, KRMCOMM& krm, DatabaseCom
       controls_(*this) {
   setObjectName(QStringLiteral("pageDataTransfer"));
   Connect();
-  line_watch_ = krm_.Guard().OnChange([this] { controls_.ShowLine(krm_.Guard()); });
+  line_watch_ = krm_.Guard().OnChange([this] {
+    controls_.ShowLine(krm_.Guard());
+    status_.ShowCancel(krm_.Guard().Cancelable() && !krm_.Guard().Canceled());
+  });
+  connect(&status_, &TransferStatusPanel::CancelRequested, this, [this] { krm_.Guard().Cancel(); });
   Show();
 }
 
@@ -130,6 +134,7 @@ void DataTransferPage::UploadData() {
   upload_.UploadDataFromKRM();
   if (from_module) {
     ReportCause();
+    KeepCanceledPart();
     return;
   }
   if (!transfer_.block_is_cut && transfer_.received.Unsaved()) {
@@ -137,6 +142,12 @@ void DataTransferPage::UploadData() {
   }
   if (!transfer_.data_files.empty()) {
     FocusControl("cmdSaveFile");
+  }
+}
+
+void DataTransferPage::KeepCanceledPart() {
+  if (!upload_.CanceledPart().empty()) {
+    RescueReceived(upload_.CanceledPart(), {services_.folder.DefaultAppPath()}, LocalNow(), op_);
   }
 }
 

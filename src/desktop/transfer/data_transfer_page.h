@@ -70,6 +70,7 @@ class DataTransferPage final : public MainTabPage, private TransferView {
   void ShowConnection();
   void ConnectOnce();
   void UploadData();
+  void KeepCanceledPart();
   bool Rescue(std::string_view bytes);
   void Download(bool (DownloadPresenter::*step)());
   void ReportCause();

@@ -174,7 +174,8 @@ TEST_F(DownloadOnLine, ALinePulledInTheTextIsReportedAndTheNextTryWorks) {
     EXPECT_EQ(Status(), (StatusLook{"Error: Download failed", kStatusRed}));
     const StatusLook& last_count = shown_.at(shown_.size() - 2);
     EXPECT_THAT(last_count.text,
-                ::testing::MatchesRegex("Downloading to KRM\\.\\.\\.\\.  [1-9][0-9]+ bytes"));
+                ::testing::MatchesRegex("Downloading to KRM\\.\\.\\.\\.  [1-9][0-9]+ bytes"
+                                        "(, [0-9]+%(, .* left)?)?"));
     EXPECT_EQ(last_count.color, kStatusBlue);
   }
   OpenBackup(kSentBackup);

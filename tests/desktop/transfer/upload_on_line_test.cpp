@@ -121,7 +121,8 @@ TEST_F(UploadOnLine, BytesAreCountedAsTheyCome) {
     }
   }
   EXPECT_THAT(counts, SizeIs(::testing::Ge(4U)));
-  EXPECT_THAT(counts, Each(MatchesRegex("Uploading from KRM\\.\\.\\.\\.  [0-9]+ bytes")));
+  EXPECT_THAT(counts, Each(MatchesRegex("Uploading from KRM\\.\\.\\.\\.  [0-9]+ bytes"
+                                        "(, [0-9]+% of the memory(, at most .* left)?)?")));
   EXPECT_NE(counts.front(), counts.back());
 }
 
@@ -186,6 +187,32 @@ TEST_F(UploadOnLine, AnUploadedFileGoesIntoTheGridOfTheImport) {
   EXPECT_EQ(Tabs().currentIndex(), kTabImport);
   EXPECT_EQ(Text(u"lblTransFilename"_qs), u"DAY.QXT"_qs);
   EXPECT_EQ(Text(u"lblRecords"_qs), u"3"_qs);
+}
+
+// Sixty kilobytes take half a minute; Esc comes as soon as the first count is shown.
+TEST_F(UploadOnLine, CancelEndsTheUploadAndKeepsWhatArrived) {
+  const std::string memory = kTransactions + std::string(60'000, ' ');
+  auto module = Module(memory, {});
+  EXPECT_FALSE(Visible(u"cmdTransferCancel"_qs));
+  const auto cancel =
+      Once([&] { return Status().text.find("% of the memory") != std::string::npos; },
+           [&] {
+             EXPECT_TRUE(Visible(u"cmdTransferCancel"_qs));
+             QTest::keyClick(&Window(), Qt::Key_Escape);
+           });
+  Upload();
+  EXPECT_FALSE(Visible(u"cmdTransferCancel"_qs));
+  EXPECT_THAT(Status().text, MatchesRegex("Upload canceled after [0-9]+ bytes\\."));
+  EXPECT_EQ(Status().color, kStatusRed);
+  EXPECT_TRUE(boxes_.Last().text.starts_with("What the indicator sent is kept in the file "));
+  const fs::path kept = boxes_.Last().text.substr(44, boxes_.Last().text.size() - 45);
+  ASSERT_TRUE(fs::exists(kept)) << kept;
+  const std::string bytes = ReadAll(kept);
+  EXPECT_FALSE(bytes.empty());
+  EXPECT_TRUE(memory.starts_with(bytes));
+  EXPECT_FALSE(Busy());
+  module.reset();
+  TheNextUploadWorks();
 }
 
 }  // namespace
