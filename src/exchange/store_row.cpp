@@ -131,8 +131,8 @@ class RowReader {
     }
     // A text of another length could still be read as a date of another century: "011509" as 1509.
     const std::string_view cell = Cell(kImportedDate);
-    const std::optional<Date> date = ParseDisplayDate(FormatTransactionDate(cell));
-    if (!date || cell.size() != kDateDigits) {
+    const std::optional<Date> date = ParseTransactionDate(cell);
+    if (!date) {
       Refuse(kImportedDate, "eight digits: month, day and year");
     }
     return date;
@@ -231,6 +231,10 @@ std::string FormatTransactionTime(std::string_view text) {
   }
   const int twelve_hour = hour % 12 == 0 ? 12 : hour % 12;
   return Assemble(Format(static_cast<double>(twelve_hour), "00"), minutes, hour < 12 ? "am" : "pm");
+}
+
+std::optional<Date> ParseTransactionDate(std::string_view text) {
+  return text.size() == kDateDigits ? ParseDisplayDate(FormatTransactionDate(text)) : std::nullopt;
 }
 
 std::string FormatTransactionDate(std::string_view text) {

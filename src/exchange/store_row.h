@@ -3,10 +3,12 @@
 #include <array>
 #include <cstddef>
 #include <cstdint>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
 
+#include "base/date.h"
 #include "base/error.h"
 #include "database/transactions.h"
 #include "exchange/imported_data.h"
@@ -51,6 +53,9 @@ inline constexpr std::array<std::string_view, 12> kMonthMarks = {
 
 // "1405" and "0205pm" become "02:05 pm" and "02:05 PM".
 [[nodiscard]] std::string FormatTransactionTime(std::string_view text);
+
+// "01152009" is 15 January 2009. Nothing for any other form and for a date that does not exist.
+[[nodiscard]] std::optional<Date> ParseTransactionDate(std::string_view text);
 
 // "01152009" becomes "15-Jan-2009"; a month outside 1 to 12 becomes "XXX".
 [[nodiscard]] std::string FormatTransactionDate(std::string_view text);

@@ -5,6 +5,7 @@
 #include <utility>
 
 #include "base/files.h"
+#include "base/number.h"
 #include "base/text.h"
 #include "settings/settings.h"
 
@@ -76,6 +77,18 @@ std::string_view Part(std::string_view block, const FileAttributes& part) {
                       static_cast<std::size_t>(part.length));
 }
 
+// "260111-01.QXT"
+std::filesystem::path FreeName(const std::filesystem::path& folder, const Date& day) {
+  const std::string stored = StoredText(day);  // "2026-01-11"
+  const std::string begin = stored.substr(2, 2) + stored.substr(5, 2) + stored.substr(8, 2) + "-";
+  for (int number = 1;; ++number) {
+    std::filesystem::path path = folder / (begin + Format(number * 1.0, "00") + ".QXT");
+    if (!FileExists(path)) {
+      return path;
+    }
+  }
+}
+
 }  // namespace
 
 ReportFile::ReportFile(Operator& op, FileChooser& chooser, const PrivateINI& settings,
@@ -86,14 +99,18 @@ ReportFile::ReportFile(Operator& op, FileChooser& chooser, const PrivateINI& set
       transfer_(transfer),
       attributes_(std::move(attributes)) {}
 
-bool ReportFile::Save(DataFileType type) {
+FileChoice ReportFile::AskForNameOf(DataFileType type) {
   const Kind& kind = *KindOf(type);
+  return chooser_.ShowSave({.title = kind.save_title,
+                            .filter = kind.filter,
+                            .default_extension = kind.extension,
+                            .flags = kHideReadOnly | kOverwritePrompt});
+}
+
+bool ReportFile::Save(DataFileType type, const AskForName& ask) {
   save_failure_.clear();
   try {
-    const FileChoice choice = chooser_.ShowSave({.title = kind.save_title,
-                                                 .filter = kind.filter,
-                                                 .default_extension = kind.extension,
-                                                 .flags = kHideReadOnly | kOverwritePrompt});
+    const FileChoice choice = ask();
     if (choice.Cancelled()) {
       return false;
     }
@@ -114,7 +131,12 @@ void ReportFile::ShowDataFile(int file) {
   transfer_.data_window = Part(transfer_.transfer_block, Attributes(file));
 }
 
-void ReportFile::SaveDataFile(int file) {
+bool ReportFile::SaveDataFile(int file) {
+  const DataFileType type = Attributes(file).type;
+  return SaveDataFile(file, [&] { return AskForNameOf(type); });
+}
+
+bool ReportFile::SaveDataFile(int file, const AskForName& ask) {
   const DataFileType type = Attributes(file).type;
   ShowDataFile(file);
   if (transfer_.data_window.empty()) {
@@ -122,7 +144,7 @@ void ReportFile::SaveDataFile(int file) {
     op_.ShowMessage({.icon = Icon::kCritical,
                      .title = "Save File Error",
                      .text = "There is no file data to be saved."});
-    return;
+    return false;
   }
   op_.SetStatusColor(StatusColor::kBlue);
   const Kind* kind = KindOf(type);
@@ -130,38 +152,40 @@ void ReportFile::SaveDataFile(int file) {
     BeepIfEnabled(op_, settings_);
     op_.ShowMessage(
         {.icon = Icon::kCritical, .title = "Error", .text = "Invalid file-type detected."});
-    return;
+    return false;
   }
   if (!HasMark(transfer_.data_window, *kind)) {
     op_.Beep();
     op_.ShowMessage({.icon = Icon::kWarning, .title = kind->refusal_title, .text = kind->refusal});
-    return;
+    return false;
   }
-  if (!Save(type)) {
+  if (!Save(type, ask)) {
     op_.SetStatusLine(kind->not_saved + std::to_string(file) + ")");
     if (!save_failure_.empty()) {
       op_.ShowMessage({.icon = Icon::kCritical,
                        .title = kind->refusal_title,
                        .text = "The file was not saved.\r\n\r\n" + save_failure_});
     }
-    return;
+    return false;
   }
   transfer_.file_path = Kept(type).path;
   op_.SetStatusLine(kind->saved + std::to_string(file) + ") saved!");
-  MarkSaved(file, type);
+  MarkSaved(file);
+  return true;
 }
 
-// Replaces the row by an unchecked one, so that another save needs another click.
-void ReportFile::MarkSaved(int file, DataFileType type) {
+// Unchecks the row, so that another save needs another click.
+void ReportFile::MarkSaved(int file) {
   auto& rows = transfer_.data_files;
   const auto row = std::find_if(rows.begin(), rows.end(),
                                 [&](const DataFileRow& entry) { return entry.file == file; });
   if (row == rows.end()) {
     return;
   }
-  *row = {.file = file,
-          .text = std::string(DataFileTypeName(type)) + " - " + std::to_string(file) + " (saved)",
-          .saved = true};
+  row->checked = false;
+  if (!std::exchange(row->saved, true)) {
+    row->text += " (saved)";
+  }
   if (transfer_.block_is_cut &&
       std::all_of(rows.begin(), rows.end(), [](const DataFileRow& entry) { return entry.saved; })) {
     transfer_.received.BlockSaved();
@@ -177,11 +201,57 @@ void ReportFile::SaveCheckedFile() {
     SaveDataFile(row->file);
     return;
   }
+  RefuseWithoutCheck();
+}
+
+void ReportFile::RefuseWithoutCheck() {
   BeepIfEnabled(op_, settings_);
   op_.ShowMessage({.icon = Icon::kWarning,
                    .title = "Error",
                    .text = "You must first select a data file to save. Click on one of the check "
                            "boxes next to the file you want to save."});
+}
+
+std::vector<int> ReportFile::FilesToImport() const {
+  const auto numbers_of = [this](auto wanted) {
+    std::vector<int> files;
+    for (const DataFileRow& row : transfer_.data_files) {
+      if (wanted(row)) {
+        files.push_back(row.file);
+      }
+    }
+    return files;
+  };
+  const std::vector<int> checked = numbers_of([](const DataFileRow& row) { return row.checked; });
+  return !checked.empty() ? checked : numbers_of([](const DataFileRow& row) {
+    return row.type == DataFileType::kTransaction && !row.saved;
+  });
+}
+
+std::vector<FileChoice> ReportFile::SaveForImport(const std::filesystem::path& folder,
+                                                  const Date& today) {
+  std::vector<FileChoice> saved;
+  const std::vector<int> files = FilesToImport();
+  if (files.empty()) {
+    RefuseWithoutCheck();
+  }
+  for (const int file : files) {
+    const DataFileRow row = transfer_.data_files.at(static_cast<std::size_t>(file) - 1);
+    if (row.type != DataFileType::kTransaction) {
+      SaveDataFile(file);
+    } else {
+      const std::filesystem::path path = FreeName(folder, row.first_record.value_or(today));
+      const FileChoice choice{path.string(), path.filename().string()};
+      if (!SaveDataFile(file, [&] { return choice; })) {
+        break;
+      }
+      saved.push_back(choice);
+    }
+    if (!save_failure_.empty()) {
+      break;
+    }
+  }
+  return saved;
 }
 
 void ReportFile::OpenRecipeBackupFile() {

@@ -1,9 +1,12 @@
 #pragma once
 
 #include <array>
+#include <filesystem>
 #include <functional>
 #include <string>
+#include <vector>
 
+#include "base/date.h"
 #include "link/krmcomm.h"
 #include "platform/file_chooser.h"
 #include "platform/operator.h"
@@ -39,12 +42,18 @@ class ReportFile {
   // Shows a file of the transfer block in the data window; nothing for a number without a file.
   void ShowDataFile(int file);
 
-  // Shows a file, checks its header and saves it; shows the outcome in the status line and the
-  // list.
-  void SaveDataFile(int file);
+  // Shows a file, checks its header and saves it under a name that it asks for; shows the outcome
+  // in the status line and the list. Returns whether it is saved.
+  bool SaveDataFile(int file);
 
   // `cmdSaveFile`: saves the file of the first checked row.
   void SaveCheckedFile();
+
+  // `cmdSaveImport`: saves each checked file, or each transaction file that is not saved yet if
+  // none is checked. A transaction file gets the first free name of the day of its first record,
+  // "260111-01.QXT", in the folder; any other is asked for its name. Stops at a file that cannot be
+  // written. Returns the saved transaction files. `today` is the day of a file without a date.
+  std::vector<FileChoice> SaveForImport(const std::filesystem::path& folder, const Date& today);
 
   // Forgets the previous backup, even if the dialog is canceled. Also accepts a rescue file.
   void OpenRecipeBackupFile();
@@ -62,9 +71,17 @@ class ReportFile {
   [[nodiscard]] const std::string& SaveFailure() const { return save_failure_; }
 
  private:
-  bool Save(DataFileType type);
+  using AskForName = std::function<FileChoice()>;
+  FileChoice AskForNameOf(DataFileType type);
+  bool Save(DataFileType type) {
+    return Save(type, [&] { return AskForNameOf(type); });
+  }
+  bool Save(DataFileType type, const AskForName& ask);
+  bool SaveDataFile(int file, const AskForName& ask);
+  [[nodiscard]] std::vector<int> FilesToImport() const;
+  void RefuseWithoutCheck();
   [[nodiscard]] FileAttributes Attributes(int file) const;
-  void MarkSaved(int file, DataFileType type);
+  void MarkSaved(int file);
   LastFile& Kept(DataFileType type) { return kept_.at(static_cast<std::size_t>(type) - 1); }
   [[nodiscard]] const LastFile& Kept(DataFileType type) const {
     return kept_.at(static_cast<std::size_t>(type) - 1);

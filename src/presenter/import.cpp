@@ -1,6 +1,7 @@
 #include "presenter/import.h"
 
 #include <cstddef>
+#include <iterator>
 #include <utility>
 
 #include "base/date.h"
@@ -76,6 +77,27 @@ bool ImportPresenter::ImportXFile() {
 }
 
 bool ImportPresenter::ImportFile(const FileChoice& choice) {
+  waiting_.clear();
+  return Import(choice);
+}
+
+bool ImportPresenter::ImportFiles(std::vector<FileChoice> files) {
+  waiting_.assign(std::make_move_iterator(files.begin()), std::make_move_iterator(files.end()));
+  return ImportNext();
+}
+
+bool ImportPresenter::ImportNext() {
+  while (!waiting_.empty()) {
+    const FileChoice next = std::move(waiting_.front());
+    waiting_.pop_front();
+    if (Import(next)) {
+      return true;
+    }
+  }
+  return false;
+}
+
+bool ImportPresenter::Import(const FileChoice& choice) {
   file_.SetFilePath(choice.path);
   file_.SetFileName(UnicodeUpperCase(choice.title));
   EmptyImport();

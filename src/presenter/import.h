@@ -1,6 +1,7 @@
 #pragma once
 
 #include <array>
+#include <deque>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -78,8 +79,15 @@ class ImportPresenter {
   // grid, and after reporting a failure.
   bool ImportXFile();
 
-  // The same for a given file.
+  // The same for a given file. Both forget files that wait for their turn.
   bool ImportFile(const FileChoice& choice);
+
+  // Imports the first of these files that is not refused. The others wait for their turn.
+  bool ImportFiles(std::vector<FileChoice> files);
+
+  // The rows of the import are settled: imports the next waiting file that is not refused. Returns
+  // false if there is none.
+  bool ImportNext();
 
   // Sets captions and visibility of the 100 ingredient columns from the open recipe database.
   void ConfigureImportColumns();
@@ -103,6 +111,7 @@ class ImportPresenter {
   bool StoredFlag() const { return stored_; }
 
  private:
+  bool Import(const FileChoice& choice);
   bool ParseAndShow();
   void EmptyImport();
   void ReportUnreadFeeds();
@@ -116,6 +125,7 @@ class ImportPresenter {
   TransactionStore store_;
   TransFile file_;
   ImportForm form_;
+  std::deque<FileChoice> waiting_;  // files of ImportFiles
   bool stored_ = false;
 };
 

@@ -1,7 +1,11 @@
 #pragma once
 
+#include <optional>
 #include <string>
 #include <vector>
+
+#include "base/date.h"
+#include "link/krmcomm.h"
 
 namespace vrx {
 
@@ -11,6 +15,8 @@ inline constexpr int kModuleMemory = 65536;  // bytes
 struct DataFileRow {
   int file = 0;  // its number, from 1
   std::string text;
+  DataFileType type = DataFileType::kUnknown;
+  std::optional<Date> first_record = {};  // of a transaction file
   bool checked = false;
   bool saved = false;
 };

@@ -1,8 +1,10 @@
 #include "presenter/upload.h"
 
+#include <array>
 #include <utility>
 
 #include "base/text.h"
+#include "exchange/unread_feeds.h"
 #include "link/krmcomm.h"
 #include "link/rescue_file.h"
 #include "presenter/operation.h"
@@ -17,6 +19,10 @@ constexpr Milliseconds kUploadingInterval{500};
 // A module does not say how much it holds.
 constexpr TransferTexts kUploading{
     .begins = "Uploading from KRM....  ", .percent_of = " of the memory", .time_left = "at most "};
+
+// By DataFileType.
+constexpr std::array<std::string_view, 4> kListNames{"", "Transaction file", "Recipe backup file",
+                                                     "Text report"};
 
 void ShowStatus(Operator& op, StatusColor color, std::string_view words) {
   op.SetStatusColor(color);
@@ -191,33 +197,42 @@ void Upload::ListDataFiles(int count) {
   transfer_.data_files.clear();
   transfer_.selected_row = -1;
   for (int file = 1; file <= count; ++file) {
-    const DataFileType type = krm_.GL_KRM_FileAttributes(file).type;
-    transfer_.data_files.push_back(
-        {.file = file, .text = std::string(DataFileTypeName(type)) + " - " + std::to_string(file)});
+    transfer_.data_files.push_back(DescribeFile(file));
   }
   if (count > 0) {
     transfer_.data_files_frame_visible = true;
   }
 }
 
+// "Transaction file 1: 11-Jan-26, 19 batches"
+DataFileRow Upload::DescribeFile(int file) const {
+  const DataFileType type = krm_.GL_KRM_FileAttributes(file).type;
+  DataFileFacts facts = ReadDataFileFacts(PartOf(file));
+  return {.file = file,
+          .text = std::string(kListNames.at(static_cast<std::size_t>(type))) + " " +
+                  std::to_string(file) + ": " + facts.summary,
+          .type = type,
+          .first_record = facts.first_record};
+}
+
 void Upload::DataFilesClick(int row) {
   ShowDataFile(row + 1);
-  for (int other = 0; other < static_cast<int>(transfer_.data_files.size()); ++other) {
-    transfer_.data_files[static_cast<std::size_t>(other)].checked = other == row;
-  }
+  DataFileRow& clicked = transfer_.data_files.at(static_cast<std::size_t>(row));
+  clicked.checked = !clicked.checked || transfer_.data_files.size() == 1;
   transfer_.selected_row = row;
   BeepIfEnabled(op_, settings_);
 }
 
-void Upload::ShowDataFile(int file) {
+void Upload::ShowDataFile(int file) { transfer_.data_window = PartOf(file); }
+
+std::string Upload::PartOf(int file) const {
   const FileAttributes& attributes = krm_.GL_KRM_FileAttributes(file);
   const int end = attributes.position - 1 + attributes.length;
   if (attributes.position < 1 || end > static_cast<int>(transfer_.transfer_block.size())) {
     throw Error("there is no data file " + std::to_string(file));
   }
-  transfer_.data_window =
-      transfer_.transfer_block.substr(static_cast<std::size_t>(attributes.position) - 1,
-                                      static_cast<std::size_t>(attributes.length));
+  return transfer_.transfer_block.substr(static_cast<std::size_t>(attributes.position) - 1,
+                                         static_cast<std::size_t>(attributes.length));
 }
 
 void ReportStandby(Operator& op) { ShowStatus(op, StatusColor::kBlue, "Standby..."); }

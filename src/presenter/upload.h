@@ -37,7 +37,8 @@ class Upload {
   // memory.
   int ReadDirectMemory();
 
-  // A click on the check box of a row, from 0. Unchecks all other boxes.
+  // A click on the check box of a row, from 0, shows its file and turns the check over; the only
+  // row of a list stays checked.
   void DataFilesClick(int row);
 
   // Shows a file, from 1, in the data window. Throws Error if the number has no file.
@@ -53,6 +54,8 @@ class Upload {
   // Cuts the transfer block, which must not be empty.
   int CutFiles(std::string_view done_words, std::size_t received_bytes);
   void ListDataFiles(int count);
+  [[nodiscard]] DataFileRow DescribeFile(int file) const;
+  [[nodiscard]] std::string PartOf(int file) const;  // throws Error if the number has no file
 
   KRMCOMM& krm_;
   TransferState& transfer_;

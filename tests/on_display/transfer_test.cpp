@@ -128,6 +128,41 @@ TEST_F(TransferOnDisplay, EscCancelsAnUploadKeepsWhatCameAndTheNextOneWorks) {
   EXPECT_TRUE(WaitForStatus("Upload complete!  (16 bytes, 1 file)"));
 }
 
+TEST_F(TransferOnDisplay, SaveAndImportLeadsFromTheModuleToTheDatabaseByTheKeyboard) {
+  const auto day = [](const std::string& date) {
+    return "{BAT/FED},L\r\n[BAT],B,1,3," + date +
+           ",2,4,0,0;0830,0,0;1000.0,0,0;998.0,0,0\r\n\r\n[FED],B,1,12,2,0915," + date +
+           ",750.0,748.5\r\n\r\n";
+  };
+  MakeDatabases();
+  const auto module = Simulate(
+      {"module", "--load", folder.Write("memory", day("01112026") + day("01122026")).string()});
+  StartProgram();
+  ChooseFromMenu({"Transfer", "Upload Data..."});
+  Keys({"space"});
+  ASSERT_TRUE(WaitFor([](const Screen& screen) {
+    const Widget* const files = screen.Find("lstDataFiles");
+    return files != nullptr && files->rows == 2;
+  }));
+  Keys({"alt+i"});
+  const auto wait_for_store_of = [this](const std::string& file) {
+    return WaitFor([&](const Screen& screen) {
+      const Widget* const imported = screen.Find("lblTransFilename");
+      const Widget* const store = screen.Find("cmdImportStore");
+      return imported != nullptr && imported->text == file && store != nullptr && store->focus;
+    });
+  };
+  ASSERT_TRUE(wait_for_store_of("260111-01.QXT"));
+  EXPECT_EQ(ReadAll(data / "260111-01.QXT"), day("01112026"));
+  EXPECT_EQ(ReadAll(data / "260112-01.QXT"), day("01122026"));
+  Keys({"space"});
+  ASSERT_TRUE(wait_for_store_of("260112-01.QXT"));
+  EXPECT_TRUE(TextOf("lblResult").ends_with(", of 11-Jan-26. Next: 260112-01.QXT."));
+  Keys({"space"});
+  ASSERT_TRUE(WaitFor([](const Screen& screen) { return screen.Find("grdTRANS") != nullptr; }));
+  EXPECT_TRUE(TextOf("lblResult").ends_with(", of 12-Jan-26."));
+}
+
 TEST_F(TransferOnDisplay, ADoubleClickOnTheMemorySizeShowsTheBar) {
   const auto indicator = IndicatorThatSends("7B 52 45 50 4F 52 54 7D");
   StartProgram();

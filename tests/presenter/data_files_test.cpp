@@ -1,7 +1,10 @@
 #include "presenter/data_files.h"
 
 #include <array>
+#include <chrono>
+#include <cstddef>
 #include <filesystem>
+#include <initializer_list>
 #include <string>
 #include <vector>
 
@@ -40,7 +43,9 @@ class DataFiles : public ::testing::Test {
     transfer_.transfer_block += text;
     const int file = static_cast<int>(table_.size());
     transfer_.data_files.push_back(
-        {.file = file, .text = std::string(DataFileTypeName(type)) + " - " + std::to_string(file)});
+        {.file = file,
+         .text = std::string(DataFileTypeName(type)) + " - " + std::to_string(file),
+         .type = type});
   }
 
   void ExpectSaveDialog(std::size_t index, const std::string& title, const std::string& filter,
@@ -370,6 +375,105 @@ TEST_F(DataFiles, ReopensASavedBackupWithItsHeader) {
   chooser_.Choose(folder_ / "may.rbu");
   files_.OpenRecipeBackupFile();
   EXPECT_TRUE(ReadAll(files_.RecipeBackupFile().path).starts_with(kRecipeMark));
+}
+
+class SaveForImport : public DataFiles {
+ protected:
+  static constexpr Date kToday{std::chrono::year{2026}, std::chrono::month{1},
+                               std::chrono::day{20}};
+
+  std::vector<std::string> Save(std::initializer_list<int> checked) {
+    for (const int file : checked) {
+      Row(file).checked = true;
+    }
+    std::vector<std::string> names;
+    for (const FileChoice& saved : files_.SaveForImport(folder_.Path(), kToday)) {
+      EXPECT_EQ(fs::path(saved.path).parent_path(), folder_.Path());
+      EXPECT_EQ(fs::path(saved.path).filename(), saved.title);
+      names.push_back(saved.title);
+    }
+    return names;
+  }
+  DataFileRow& Row(int file) { return transfer_.data_files.at(static_cast<std::size_t>(file) - 1); }
+};
+
+TEST_F(SaveForImport, NamesATransactionFileByItsFirstRecord) {
+  Row(1).first_record = Date{std::chrono::year{2026}, std::chrono::month{1}, std::chrono::day{11}};
+  EXPECT_EQ(Save({1}), std::vector<std::string>{"260111-01.QXT"});
+  EXPECT_EQ(ReadAll(folder_ / "260111-01.QXT"), kTransactionBytes);
+  EXPECT_TRUE(chooser_.dialogs.empty());
+  EXPECT_TRUE(Row(1).saved);
+  EXPECT_FALSE(Row(1).checked);
+  EXPECT_EQ(Row(1).text, "Transaction File - 1 (saved)");
+  EXPECT_EQ(op_.Status(), "Transaction file (1) saved!");
+  EXPECT_EQ(transfer_.file_path, (folder_ / "260111-01.QXT").string());
+}
+
+TEST_F(SaveForImport, TakesTheFirstFreeNumberAndReplacesNothing) {
+  folder_.Write("260120-01.QXT", "yesterday's");
+  folder_.Write("260120-03.QXT", "another");
+  Add(DataFileType::kTransaction, kTransactionBytes);
+  Add(DataFileType::kTransaction, kTransactionBytes);
+  EXPECT_EQ(Save({1, 5, 6}),
+            (std::vector<std::string>{"260120-02.QXT", "260120-04.QXT", "260120-05.QXT"}));
+  EXPECT_EQ(ReadAll(folder_ / "260120-01.QXT"), "yesterday's");
+  EXPECT_EQ(ReadAll(folder_ / "260120-03.QXT"), "another");
+}
+
+TEST_F(SaveForImport, GoesOnAfter99FilesOfADay) {
+  for (int number = 1; number <= 99; ++number) {
+    folder_.Write("260120-" + std::string(number < 10 ? "0" : "") + std::to_string(number) + ".QXT",
+                  "");
+  }
+  EXPECT_EQ(Save({1}), std::vector<std::string>{"260120-100.QXT"});
+}
+
+TEST_F(SaveForImport, WithoutACheckTakesTheTransactionFilesThatAreNotSaved) {
+  Add(DataFileType::kTransaction, kTransactionBytes);
+  Add(DataFileType::kTransaction, kTransactionBytes);
+  Row(5).saved = true;
+  EXPECT_EQ(Save({}), (std::vector<std::string>{"260120-01.QXT", "260120-02.QXT"}));
+  EXPECT_FALSE(Row(2).saved);
+  EXPECT_TRUE(Save({}).empty());
+  EXPECT_EQ(op_.boxes.back().text,
+            "You must first select a data file to save. Click on one of the check boxes next to "
+            "the file you want to save.");
+}
+
+TEST_F(SaveForImport, AsksForTheNamesOfOtherFilesAndImportsNoneOfThem) {
+  chooser_.Choose(folder_ / "A.RBU");
+  EXPECT_EQ(Save({1, 2}), std::vector<std::string>{"260120-01.QXT"});
+  EXPECT_EQ(ReadAll(folder_ / "A.RBU"), kRecipeBytes);
+  EXPECT_EQ(chooser_.dialogs.size(), 1U);
+  EXPECT_TRUE(Row(2).saved);
+}
+
+TEST_F(SaveForImport, ACanceledDialogLeavesItsFileAndGoesOn) {
+  Add(DataFileType::kTransaction, kTransactionBytes);
+  chooser_.Cancel();
+  EXPECT_EQ(Save({2, 5}), std::vector<std::string>{"260120-01.QXT"});
+  EXPECT_FALSE(Row(2).saved);
+  EXPECT_TRUE(Row(2).checked);
+}
+
+TEST_F(SaveForImport, AFileThatCannotBeWrittenStaysInTheListAndTheRestWithIt) {
+  Add(DataFileType::kTransaction, kTransactionBytes);
+  Row(1).checked = Row(5).checked = true;
+  EXPECT_TRUE(files_.SaveForImport(folder_ / "missing", kToday).empty());
+  ASSERT_EQ(op_.boxes.size(), 1U);
+  EXPECT_TRUE(op_.boxes[0].text.starts_with("The file was not saved."));
+  EXPECT_FALSE(Row(1).saved);
+  EXPECT_TRUE(Row(1).checked);
+  EXPECT_TRUE(Row(5).checked);
+}
+
+TEST_F(SaveForImport, SavesThatTheWholeBlockOfAnIndicatorIsSaved) {
+  table_.resize(1);
+  transfer_.data_files.resize(1);
+  transfer_.received.Arrived();
+  transfer_.received.ImageIntoBlock();
+  Save({1});
+  EXPECT_FALSE(transfer_.received.Unsaved());
 }
 
 }  // namespace

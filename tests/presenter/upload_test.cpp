@@ -37,7 +37,7 @@ TEST_F(UploadTest, OneFileIsReportedInTheSingular) {
   upload.UploadDataFromKRM();
   EXPECT_EQ(op.Status(), "Upload complete!  (16 bytes, 1 file)");
   EXPECT_EQ(op.status_color, StatusColor::kGreen);
-  EXPECT_THAT(Rows(), ElementsAre("Transaction File - 1"));
+  EXPECT_THAT(Rows(), ElementsAre("Transaction file 1: not readable"));
   EXPECT_TRUE(tab.data_files_frame_visible);
   EXPECT_EQ(tab.transfer_block, "{BAT/FED},L\r\n");
   EXPECT_EQ(tab.data_window, "");
@@ -49,8 +49,9 @@ TEST_F(UploadTest, SeveralAreReportedInThePlural) {
   ModuleHolds("{BAT/FED},L\r\n{DATA_IN},L\r\n\fpage");
   upload.UploadDataFromKRM();
   EXPECT_EQ(op.Status(), "Upload complete!  (34 bytes, 3 files)");
-  EXPECT_THAT(Rows(),
-              ElementsAre("Transaction File - 1", "Recipe Backup File - 2", "Text Report - 3"));
+  EXPECT_THAT(Rows(), ElementsAre("Transaction file 1: not readable",
+                                  "Recipe backup file 2: 0 ingredients, 0 recipes, 0 pens",
+                                  "Text report 3: 1 line"));
 }
 
 TEST_F(UploadTest, EmptyModuleEndsRedWithAnEmptyList) {
@@ -329,17 +330,39 @@ TEST_F(UploadTest, HundredthFileIsReportedAndTheOthersAreListed) {
   EXPECT_EQ(tab.data_window, memory);
 }
 
-TEST_F(UploadTest, ClickChecksOneRowAndShowsItsFile) {
+TEST_F(UploadTest, AClickTurnsTheCheckOfItsRowOverAndShowsItsFile) {
   ModuleHolds("{BAT/FED},L\r\n{DATA_IN},L\r\n\fpage");
   upload.UploadDataFromKRM();
+  const auto checked = [this] {
+    std::vector<bool> rows;
+    for (const DataFileRow& row : tab.data_files) {
+      rows.push_back(row.checked);
+    }
+    return rows;
+  };
   upload.DataFilesClick(1);
   EXPECT_EQ(tab.data_window, "{DATA_IN},L\r\n");
   upload.DataFilesClick(2);
   EXPECT_EQ(tab.data_window, "\fpage");
-  EXPECT_THAT(Rows(),
-              ElementsAre("Transaction File - 1", "Recipe Backup File - 2", "Text Report - 3 [x]"));
-  EXPECT_EQ(tab.selected_row, 2);
-  EXPECT_EQ(op.beeps, 2);
+  EXPECT_THAT(checked(), ElementsAre(false, true, true));
+  upload.DataFilesClick(1);
+  EXPECT_EQ(tab.data_window, "{DATA_IN},L\r\n");
+  EXPECT_THAT(checked(), ElementsAre(false, false, true));
+  EXPECT_EQ(tab.selected_row, 1);
+  EXPECT_EQ(op.beeps, 3);
+}
+
+TEST_F(UploadTest, ARowNamesTheContentsOfItsFile) {
+  ModuleHolds(
+      "{BAT/FED},L\r\n[BAT],B,1,3,01152009,2,4,0,0;0830,0,0;1000.0,0,0;998.0,0,0\r\n\r\n"
+      "[FED],B,1,12,2,0915,01152009,750.0,748.5\r\n\r\n"
+      "{DATA_IN},L\r\n\r\n[ING]\r\n\r\n1,CORN,0\r\n2,HAY,0\r\n\r\n[REC]\r\n\r\n\r\n[PEN]\r\n\r\n"
+      "1,PEN001,10\r\n\r\n{REPORT}\r\none\r\ntwo\r\n");
+  upload.UploadDataFromKRM();
+  EXPECT_THAT(Rows(), ElementsAre("Transaction file 1: 15-Jan-09, 1 batch",
+                                  "Recipe backup file 2: 2 ingredients, 0 recipes, 1 pen",
+                                  "Text report 3: 2 lines"));
+  EXPECT_EQ(tab.data_files[0].type, DataFileType::kTransaction);
 }
 
 TEST_F(UploadTest, ClickOnTheOnlyRowKeepsItChecked) {
@@ -347,7 +370,7 @@ TEST_F(UploadTest, ClickOnTheOnlyRowKeepsItChecked) {
   upload.UploadDataFromKRM();
   upload.DataFilesClick(0);
   upload.DataFilesClick(0);
-  EXPECT_THAT(Rows(), ElementsAre("Text Report - 1 [x]"));
+  EXPECT_THAT(Rows(), ElementsAre("Text report 1: 1 line [x]"));
 }
 
 TEST_F(UploadTest, FileThatIsMissingIsRefused) {
@@ -356,7 +379,7 @@ TEST_F(UploadTest, FileThatIsMissingIsRefused) {
   EXPECT_THROW(upload.ShowDataFile(0), Error);
   EXPECT_THROW(upload.ShowDataFile(2), Error);
   EXPECT_THROW(upload.DataFilesClick(1), Error);
-  EXPECT_THAT(Rows(), ElementsAre("Text Report - 1"));
+  EXPECT_THAT(Rows(), ElementsAre("Text report 1: 1 line"));
   EXPECT_EQ(tab.data_window, "");
 }
 

@@ -217,6 +217,8 @@ void MainForm::AddTransferPages() {
     window_.Panels().PicResult().ShowText(text);
     history_->GoToNewest(new_rows);
   });
+  connect(import_, &ImportPage::WentOn, &window_.Panels().PicResult(), &ResultPanel::ShowText);
+  connect(data_transfer_, &DataTransferPage::ImportRequested, import_, &ImportPage::ImportFiles);
   window_.SetHandler(MainCommand::kImportTransactionFile, [this] { import_->ImportXFile(); });
   window_.SetHandler(MainCommand::kSetup, [this] { ShowSetup(); });
   line_watch_ = krm_.Guard().OnChange([this] { ShowLine(); });

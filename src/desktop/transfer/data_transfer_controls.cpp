@@ -17,7 +17,7 @@ namespace vrx {
 namespace {
 
 constexpr int kConnectionCaption = 1112;
-constexpr int kDataFilesWidth = 280;
+constexpr int kDataFilesWidth = 400;
 constexpr int kShownDataFiles = 4;  // rows to be seen without scrolling
 
 QPushButton* AddButton(QWidget& parent, const char* name, const QString& caption,
@@ -173,11 +173,16 @@ QWidget* DataTransferControls::MakeDataFiles(QWidget& page) {
   frame->addWidget(lst_data_files);
   cmd_save_file = AddButton(*whole, "cmdSaveFile", QStringLiteral("&Save"),
                             QStringLiteral("Save the checked data file"));
+  cmd_save_import =
+      AddButton(*whole, "cmdSaveImport", QStringLiteral("Save and &Import"),
+                QStringLiteral("Save the checked data files, or all transaction files "
+                               "if none is checked, and import one after the other"));
   cmd_reload =
       AddButton(*whole, "cmdReload", QStringLiteral("&Reload"), QStringLiteral("Upload once more"));
   auto* const buttons = new QVBoxLayout;
   buttons->setSpacing(kSpacing);
   buttons->addWidget(cmd_save_file);
+  buttons->addWidget(cmd_save_import);
   buttons->addWidget(cmd_reload);
   buttons->addStretch();
   auto* const row = new QHBoxLayout(whole);
@@ -251,6 +256,7 @@ void DataTransferControls::ShowDataFiles(const TransferState& transfer) {
     for (const DataFileRow& row : transfer.data_files) {
       auto* const item = new QListWidgetItem(ToQString(row.text), lst_data_files);
       item->setFlags(Qt::ItemIsEnabled | Qt::ItemIsSelectable | Qt::ItemIsUserCheckable);
+      item->setToolTip(item->text());
       item->setCheckState(row.checked ? Qt::Checked : Qt::Unchecked);
     }
     lst_data_files->setCurrentRow(transfer.selected_row);

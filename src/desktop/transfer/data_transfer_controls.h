@@ -41,6 +41,7 @@ class DataTransferControls {
   QPushButton* cmd_download_recipe_bu;
   QListWidget* lst_data_files;
   QPushButton* cmd_save_file;
+  QPushButton* cmd_save_import;
   QPushButton* cmd_reload;
   QLineEdit* txt_file_path;
   QPushButton* cmd_print_text;

@@ -49,6 +49,7 @@ void DataTransferPage::Connect() {
   on(controls_.cmd_download_recipe_bu, [this] { Download(&DownloadPresenter::DownloadRecipeBU); });
   on(controls_.cmd_upload_data_from_krm, [this] { UploadData(); });
   on(controls_.cmd_save_file, [this] { SaveFile(); });
+  on(controls_.cmd_save_import, [this] { SaveAndImport(); });
   on(controls_.cmd_reload, [this] { Reload(); });
   on(controls_.cmd_print_text, [this] { PrintText(); });
   for (const Connection connection : {Connection::kModule, Connection::kIndicator}) {
@@ -206,6 +207,16 @@ void DataTransferPage::Reload() {
 void DataTransferPage::SaveFile() {
   files_.SaveCheckedFile();
   status_.SetStatusCause(ToQString(files_.SaveFailure()));
+}
+
+void DataTransferPage::SaveAndImport() {
+  const std::vector<FileChoice> files =
+      files_.SaveForImport(services_.folder.DefaultAppPath(), services_.calendar.Today());
+  status_.SetStatusCause(ToQString(files_.SaveFailure()));
+  if (!files.empty()) {
+    Show();
+    Q_EMIT ImportRequested(files);
+  }
 }
 
 void DataTransferPage::PrintText() {

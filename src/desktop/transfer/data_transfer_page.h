@@ -3,6 +3,7 @@
 #include <filesystem>
 #include <functional>
 #include <string_view>
+#include <vector>
 
 #include "adapters/linux_machine.h"
 #include "desktop/app/qt_services.h"
@@ -12,6 +13,7 @@
 #include "desktop/transfer/data_transfer_controls.h"
 #include "link/krmcomm.h"
 #include "platform/calendar.h"
+#include "platform/file_chooser.h"
 #include "presenter/data_files.h"
 #include "presenter/database_commands.h"
 #include "presenter/direct_connection.h"
@@ -51,6 +53,10 @@ class DataTransferPage final : public MainTabPage, private TransferView {
   void Prepare() override;
   void StripFocused() override { EnablePrintText(); }
 
+ Q_SIGNALS:
+  // The operator wants these saved transaction files to be imported.
+  void ImportRequested(const std::vector<FileChoice>& files);
+
  private:
   // TransferView.
   [[nodiscard]] CurrentDatabase RecipeDatabase() const override {
@@ -76,6 +82,7 @@ class DataTransferPage final : public MainTabPage, private TransferView {
   void ReportCause();
   void Reload();
   void SaveFile();
+  void SaveAndImport();
   void PrintText();
   void EnablePrintText();
   void Show();

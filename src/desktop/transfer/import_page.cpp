@@ -292,6 +292,10 @@ void ImportPage::Store() {
   if (!summary.empty()) {
     Q_EMIT Done(ToQString(summary), static_cast<std::int64_t>(outcome.stored));
   }
+  if (outcome.complete && session_.ImportNext()) {
+    Q_EMIT WentOn(ToQString(summary) +
+                  QStringLiteral(" Next: %1.").arg(ToQString(session_.File().FileName())));
+  }
 }
 
 void ImportPage::Undo() {
@@ -309,6 +313,10 @@ void ImportPage::SetTabOrder() {
 
 void ImportPage::ImportXFile() {
   Run([this] { session_.ImportXFile(); });
+}
+
+void ImportPage::ImportFiles(const std::vector<FileChoice>& files) {
+  Run([&] { session_.ImportFiles(files); });
 }
 
 void ImportPage::ConfigureImportColumns() {

@@ -13,6 +13,7 @@
 #include <vector>
 
 #include "desktop/main_window/tabs.h"
+#include "platform/file_chooser.h"
 #include "platform/progress_display.h"
 #include "presenter/command_states.h"
 #include "presenter/database_commands.h"
@@ -82,6 +83,9 @@ class ImportPage final : public MainTabPage, private ImportView, private Progres
   // Asks for a file and imports it.
   void ImportXFile();
 
+  // Imports files one after the other: the next one after a store.
+  void ImportFiles(const std::vector<FileChoice>& files);
+
   const ImportPresenter& Session() const { return session_; }
 
   // `chkImpFitPage`: a printed page holds all columns.
@@ -103,6 +107,8 @@ class ImportPage final : public MainTabPage, private ImportView, private Progres
   // A store or its undo has ended, after the databases were rebound. `new_rows` are the last rows
   // of the database in stored order.
   void Done(const QString& text, std::int64_t new_rows);
+  // After Done, if another file was imported in its turn: what both did.
+  void WentOn(const QString& text);
 
  private:
   // ImportView.

@@ -55,7 +55,7 @@ TEST_F(DataTransferPageTest, UploadOfOneFileReportsItInTheSingular) {
   Click(u"cmdUploadDataFromKRM"_qs);
   EXPECT_EQ(operator_.Status(), "Upload complete!  (18 bytes, 1 file)");
   EXPECT_EQ(operator_.status_color, StatusColor::kGreen);
-  EXPECT_THAT(Rows(), ElementsAre("Transaction File - 1"));
+  EXPECT_THAT(Rows(), ElementsAre("Transaction file 1: not readable"));
   EXPECT_TRUE(Visible(u"frmDataFiles"_qs));
   EXPECT_FALSE(Visible(u"frmRecipeFile"_qs));
   EXPECT_FALSE(operator_.busy);
@@ -66,8 +66,9 @@ TEST_F(DataTransferPageTest, UploadOfSeveralFilesListsThemAll) {
   ModuleHolds(std::string(kEmptyTransactions) + kShortBackup + kReportPage + "\f page two");
   Click(u"cmdUploadDataFromKRM"_qs);
   EXPECT_THAT(operator_.Status(), HasSubstr(", 4 files)"));
-  EXPECT_THAT(Rows(), ElementsAre("Transaction File - 1", "Recipe Backup File - 2",
-                                  "Text Report - 3", "Text Report - 4"));
+  EXPECT_THAT(Rows(), ElementsAre("Transaction file 1: not readable",
+                                  "Recipe backup file 2: 0 ingredients, 0 recipes, 0 pens",
+                                  "Text report 3: 1 line", "Text report 4: 1 line"));
   EXPECT_THAT(Checked(), IsEmpty());
 }
 
@@ -150,7 +151,7 @@ TEST_F(DataTransferPageTest, LineCutInTheMiddleFailsAndTheNextTryWorks) {
   EXPECT_EQ(operator_.status_color, StatusColor::kGreen);
 }
 
-TEST_F(DataTransferPageTest, OnlyOneBoxIsCheckedAndItsFileIsShown) {
+TEST_F(DataTransferPageTest, ABoxTurnsOverAndItsFileIsShown) {
   settings_.SetEnableBeeperOn(true);
   ShowTab();
   ModuleHolds(std::string(kEmptyTransactions) + kReportPage);
@@ -160,11 +161,21 @@ TEST_F(DataTransferPageTest, OnlyOneBoxIsCheckedAndItsFileIsShown) {
   EXPECT_THAT(Checked(), ElementsAre(0));
   EXPECT_EQ(Data(), "{BAT/FED},L\n\n");
   ClickBox(1);
-  EXPECT_THAT(Checked(), ElementsAre(1));
+  EXPECT_THAT(Checked(), ElementsAre(0, 1));
   EXPECT_EQ(Data(), "{REPORT}\npage one\n");
-  ClickBox(1);  // a click on the checked one keeps it
+  ClickBox(0);
   EXPECT_THAT(Checked(), ElementsAre(1));
+  EXPECT_EQ(Data(), "{BAT/FED},L\n\n");
   EXPECT_EQ(operator_.beeps, 3);
+}
+
+TEST_F(DataTransferPageTest, TheOnlyBoxStaysChecked) {
+  ShowTab();
+  ModuleHolds(kEmptyTransactions);
+  Click(u"cmdUploadDataFromKRM"_qs);
+  ClickBox(0);
+  ClickBox(0);
+  EXPECT_THAT(Checked(), ElementsAre(0));
 }
 
 TEST_F(DataTransferPageTest, TheBoxesAreSeenOnADarkList) {
@@ -205,7 +216,7 @@ TEST_F(DataTransferPageTest, SaveWithoutACheckedBoxIsRefused) {
             "You must first select a data file to save. Click on one of the check boxes next to "
             "the file you want to save.");
   EXPECT_EQ(LastBox().title, "Error");
-  EXPECT_THAT(Rows(), ElementsAre("Transaction File - 1"));
+  EXPECT_THAT(Rows(), ElementsAre("Transaction file 1: not readable"));
 }
 
 TEST_F(DataTransferPageTest, SaveWritesTheBytesAndMarksTheRow) {
@@ -220,7 +231,8 @@ TEST_F(DataTransferPageTest, SaveWritesTheBytesAndMarksTheRow) {
   EXPECT_EQ(ReadAll(file), report);
   EXPECT_EQ(Path(), file.string());
   EXPECT_EQ(operator_.Status(), "Report file (2) saved!");
-  EXPECT_THAT(Rows(), ElementsAre("Transaction File - 1", "Text Report - 2 (saved)"));
+  EXPECT_THAT(Rows(),
+              ElementsAre("Transaction file 1: not readable", "Text report 2: 1 line (saved)"));
   EXPECT_THAT(Checked(), IsEmpty());
   EXPECT_EQ(List().currentRow(), 1);
 }
@@ -264,7 +276,7 @@ TEST_F(DataTransferPageTest, UploadPressedTwiceIsOneUpload) {
     ModuleHolds(kEmptyTransactions);
     Click(u"cmdUploadDataFromKRM"_qs);
     EXPECT_EQ(operator_.Status(), "Upload complete!  (18 bytes, 1 file)");
-    EXPECT_THAT(Rows(), ElementsAre("Transaction File - 1"));
+    EXPECT_THAT(Rows(), ElementsAre("Transaction file 1: not readable"));
     EXPECT_THAT(operator_.boxes, IsEmpty());
     EXPECT_FALSE(operator_.busy);
   }

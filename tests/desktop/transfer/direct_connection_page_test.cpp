@@ -144,7 +144,7 @@ TEST_F(DirectConnectionPageTest, UploadReadsTheMemoryAndReloadIsOffUntilMoreArri
   After(Ms{1000}, [this] {
     Click(u"cmdUploadDataFromKRM"_qs);
     EXPECT_EQ(operator_.Status(), "Memory read complete!  (13 bytes, 1 file)");
-    EXPECT_THAT(Rows(), ElementsAre("Transaction File - 1"));
+    EXPECT_THAT(Rows(), ElementsAre("Transaction file 1: not readable"));
     EXPECT_FALSE(Enabled(u"cmdReload"_qs));
     EXPECT_TRUE(HasFocus(u"cmdSaveFile"_qs));
   });
@@ -154,7 +154,7 @@ TEST_F(DirectConnectionPageTest, UploadReadsTheMemoryAndReloadIsOffUntilMoreArri
     EXPECT_TRUE(HasFocus(u"cmdReload"_qs));
     EXPECT_EQ(operator_.Status(), "");
     Click(u"cmdReload"_qs);
-    EXPECT_THAT(Rows(), ElementsAre("Transaction File - 1", "Text Report - 2"));
+    EXPECT_THAT(Rows(), ElementsAre("Transaction file 1: not readable", "Text report 2: 1 line"));
   });
   ConnectFor(Ms{3000});
 }

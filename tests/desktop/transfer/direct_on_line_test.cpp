@@ -105,7 +105,8 @@ TEST_F(DirectOnLine, WhatWasReceivedIsReadAndSaved) {
              EXPECT_EQ(Status(), (StatusLook{"Memory read complete!  (32 bytes, 2 "
                                              "files)",
                                              kStatusGreen}));
-             EXPECT_THAT(Rows(), ElementsAre("Transaction File - 1", "Text Report - 2"));
+             EXPECT_THAT(Rows(),
+                         ElementsAre("Transaction file 1: not readable", "Text report 2: 1 line"));
              EXPECT_FALSE(Enabled(u"cmdReload"_qs));
              EXPECT_TRUE(HasFocus(u"cmdSaveFile"_qs));
              ClickBox(0);

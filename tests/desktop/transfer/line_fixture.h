@@ -135,7 +135,7 @@ class LineFixture : public TransferFixture {
     const auto module = Module("{BAT/FED},L\r\n");
     Upload();
     EXPECT_EQ(Status(), (StatusLook{"Upload complete!  (16 bytes, 1 file)", kStatusGreen}));
-    EXPECT_EQ(Rows(), std::vector<std::string>{"Transaction File - 1"});
+    EXPECT_EQ(Rows(), std::vector<std::string>{"Transaction file 1: not readable"});
     EXPECT_FALSE(Busy());
   }
 

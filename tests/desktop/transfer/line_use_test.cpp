@@ -183,7 +183,7 @@ TEST_F(LineUseTest, ARescueFileIsOpenedAsIfItHadJustBeenReceived) {
   Click(u"cmdOpenRecipeBU"_qs);
   EXPECT_EQ(operator_.Status(), "Memory read complete!  (18 bytes, 2 files)");
   EXPECT_EQ(operator_.status_color, StatusColor::kGreen);
-  EXPECT_THAT(Rows(), ElementsAre("Transaction File - 1", "Text Report - 2"));
+  EXPECT_THAT(Rows(), ElementsAre("Transaction file 1: not readable", "Text report 2: 1 line"));
   EXPECT_TRUE(Visible(u"frmDataFiles"_qs));
   EXPECT_FALSE(Visible(u"frmRecipeBackup"_qs));
   EXPECT_EQ(Path(), file.string());

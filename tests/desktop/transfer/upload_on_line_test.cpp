@@ -33,7 +33,7 @@ TEST_F(UploadOnLine, OneFileIsReportedInTheSingularInGreen) {
   Upload();
   EXPECT_TRUE(stood_by);
   EXPECT_EQ(Status(), (StatusLook{"Upload complete!  (29 bytes, 1 file)", kStatusGreen}));
-  EXPECT_THAT(Rows(), ElementsAre("Transaction File - 1"));
+  EXPECT_THAT(Rows(), ElementsAre("Transaction file 1: not readable"));
   EXPECT_TRUE(Visible(u"frmDataFiles"_qs));
   EXPECT_FALSE(Busy());
 }
@@ -50,22 +50,22 @@ TEST_F(UploadOnLine, FilesOfEveryKindAreSavedByteForByte) {
       {"A.QXT",
        kTransactions,
        "Transaction file (1) saved!",
-       "Transaction File - 1 (saved)",
+       "Transaction file 1: not readable (saved)",
        {"Save Transaction File", "Transactions (*.QXT)|*.QXT|All Files (*.*)|*.*", "QXT"}},
       {"A.RBU",
        kBackup,
        "Recipe backup file (2) saved!",
-       "Recipe Backup File - 2 (saved)",
+       "Recipe backup file 2: 1 ingredient, 0 recipes, 0 pens (saved)",
        {"Save Recipe Backup File", "Recipe Backup (*.RBU)|*.RBU|All Files (*.*)|*.*", "RBU"}},
       {"A.TXT",
        kReport,
        "Report file (3) saved!",
-       "Text Report - 3 (saved)",
+       "Text report 3: 1 line (saved)",
        {"Save Report File", "Report (*.TXT)|*.TXT|All Files (*.*)|*.*", "TXT"}},
       {"B.TXT",
        kPage,
        "Report file (4) saved!",
-       "Text Report - 4 (saved)",
+       "Text report 4: 1 line (saved)",
        {"Save Report File", "Report (*.TXT)|*.TXT|All Files (*.*)|*.*", "TXT"}}};
   for (int row = 0; row < 4; ++row) {
     const Kind& kind = kinds.at(static_cast<std::size_t>(row));
@@ -82,7 +82,7 @@ TEST_F(UploadOnLine, FilesOfEveryKindAreSavedByteForByte) {
     EXPECT_EQ(asked.flags, kOverwritePrompt | kHideReadOnly);
   }
   Save(0, folder_ / "A.QXT");  // once more
-  EXPECT_EQ(Rows().front(), "Transaction File - 1 (saved)");
+  EXPECT_EQ(Rows().front(), "Transaction file 1: not readable (saved)");
 }
 
 TEST_F(UploadOnLine, ASaveThatIsCanceledIsReportedByItsKindAndChangesNothing) {
@@ -106,6 +106,7 @@ TEST_F(UploadOnLine, ASaveThatIsCanceledIsReportedByItsKindAndChangesNothing) {
     EXPECT_EQ(Status(), (StatusLook{words.at(static_cast<std::size_t>(row)), kStatusBlue}));
     EXPECT_EQ(Rows(), rows);
     EXPECT_THAT(Checked(), ElementsAre(row));
+    ClickBox(row);
   }
 }
 
@@ -165,7 +166,7 @@ TEST_F(UploadOnLine, NeitherAnotherClickNorAChangeOfConnectionDisturbsIt) {
   }
   Upload();
   EXPECT_EQ(Status(), (StatusLook{"Upload complete!  (29 bytes, 1 file)", kStatusGreen}));
-  EXPECT_THAT(Rows(), ElementsAre("Transaction File - 1"));
+  EXPECT_THAT(Rows(), ElementsAre("Transaction file 1: not readable"));
   EXPECT_THAT(boxes_.boxes, IsEmpty());
   EXPECT_FALSE(Direct());
   EXPECT_FALSE(Busy());
