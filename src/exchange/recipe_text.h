@@ -67,6 +67,18 @@ RecipeDownload TakeRecipeDownload(const std::filesystem::path& recipe_db_path, b
                                   const Calendar& calendar, const ReportProgress& report = {},
                                   LockWait wait = kBusyTimeout);
 
+// What the operator should think of before these recipes are sent, a line for each kind: recipes
+// without ration target, percentages that do not total 100, recipes without ingredients,
+// ingredients without dry matter, pens that need a larger table of the indicator. A long list is
+// cut with a count.
+[[nodiscard]] std::vector<std::string> FindOddities(const RecipeTables& tables);
+// The same for a database. Throws DatabaseError.
+[[nodiscard]] std::vector<std::string> FindOddities(const std::filesystem::path& recipe_db_path,
+                                                    LockWait wait = kBusyTimeout);
+// The same as far as the text of a backup shows it: recipes without target or ingredients, and
+// pens.
+[[nodiscard]] std::vector<std::string> FindOdditiesOfBackup(std::string_view text);
+
 // Reads a recipe backup. Throws FileError, also for a file longer than 16 MiB, far more than any
 // backup.
 std::string ReadRecipeBackup(const std::filesystem::path& path);

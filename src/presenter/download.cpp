@@ -1,9 +1,11 @@
 #include "presenter/download.h"
 
+#include <chrono>
 #include <cstddef>
 #include <cstdint>
 #include <string>
 #include <utility>
+#include <vector>
 
 #include "base/files.h"
 #include "base/text.h"
@@ -126,7 +128,11 @@ bool DownloadPresenter::DownloadRecipeDB() {
            "cmdOpenRecipeDB");
     return false;
   }
-  if (!ConfirmOverwrite("recipe data from the " + database.name + " database?")) {
+  std::vector<std::string> oddities;
+  // The download itself reports a database that cannot be read.
+  RunReported<Error>(services_.op, kNoReport,
+                     [&] { oddities = FindOddities(database.path, services_.identity.Wait()); });
+  if (!ConfirmOverwrite("recipe data from the " + database.name + " database?", oddities)) {
     return false;
   }
   const BusyCursor busy(services_.op);
@@ -188,7 +194,8 @@ bool DownloadPresenter::DownloadRecipeBU() {
            "cmdOpenRecipeBU");
     return false;
   }
-  if (!ConfirmOverwrite("recipe backup data from the " + backup.title + " file?") ||
+  if (!ConfirmOverwrite("recipe backup data from the " + backup.title + " file?",
+                        FindOdditiesOfBackup(transfer_.data_window)) ||
       !HasBackupHeader(transfer_.data_window, services_.op, services_.settings)) {
     return false;
   }
@@ -206,14 +213,38 @@ void DownloadPresenter::Refuse(std::string_view title, std::string_view text,
   view_.FocusControl(focus);
 }
 
-bool DownloadPresenter::ConfirmOverwrite(const std::string& source) {
+// What a download overwrites cannot be had back.
+std::string DownloadPresenter::LastUpload() const {
+  if (transfer_.connection == Connection::kIndicator) {
+    return transfer_.received.Unsaved() ? "What the indicator sent has not been saved." : "";
+  }
+  if (!transfer_.uploaded_at) {
+    return "The module has not been uploaded in this run of the program.";
+  }
+  const auto minutes =
+      std::chrono::floor<std::chrono::minutes>(services_.pump.Now() - *transfer_.uploaded_at)
+          .count();
+  return "The module was last uploaded " +
+         (minutes < 1    ? "less than a minute"
+          : minutes == 1 ? "1 minute"
+                         : std::to_string(minutes) + " minutes") +
+         " ago.";
+}
+
+bool DownloadPresenter::ConfirmOverwrite(const std::string& source,
+                                         const std::vector<std::string>& oddities) {
+  std::string notes;
+  for (const std::string& oddity : oddities) {
+    notes += oddity + ".\r\n";
+  }
+  notes += LastUpload();
   BeepIfEnabled(services_.op, services_.settings);
   return services_.op.ShowMessage(
              {.icon = Icon::kQuestion,
               .buttons = Buttons::kYesNo,
               .title = "Overwrite KRM",
-              .text =
-                  "Are you sure you want to overwrite all data in the KRM module with " + source,
+              .text = "Are you sure you want to overwrite all data in the KRM module with " +
+                      source + (notes.empty() ? "" : "\r\n\r\n" + notes),
               .refuses_by_default = true}) == Answer::kYes;
 }
 

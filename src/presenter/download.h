@@ -4,6 +4,7 @@
 #include <filesystem>
 #include <string>
 #include <string_view>
+#include <vector>
 
 #include "link/krmcomm.h"
 #include "presenter/create_database.h"
@@ -95,7 +96,8 @@ class DownloadPresenter {
 
  private:
   void Refuse(std::string_view title, std::string_view text, std::string_view focus);
-  bool ConfirmOverwrite(const std::string& source);
+  bool ConfirmOverwrite(const std::string& source, const std::vector<std::string>& oddities);
+  [[nodiscard]] std::string LastUpload() const;
   void ShowInWindow(std::string text);
   void AppendToWindow(std::string_view line);
   bool BuildFromDatabase(const CurrentDatabase& database);

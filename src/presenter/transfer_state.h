@@ -6,6 +6,7 @@
 
 #include "base/date.h"
 #include "link/krmcomm.h"
+#include "platform/event_pump.h"
 
 namespace vrx {
 
@@ -54,8 +55,9 @@ struct TransferState {
   std::string transfer_block;  // the last upload or memory read
   bool block_is_cut = true;    // the data files hold the whole block
   ReceivedData received;
-  std::string data_window;  // txtDataWindow
-  std::string file_path;    // txtFilePath
+  std::optional<Milliseconds> uploaded_at = {};  // by the event pump: the last complete upload
+  std::string data_window;                       // txtDataWindow
+  std::string file_path;                         // txtFilePath
   std::vector<DataFileRow> data_files;
   int selected_row = -1;                  // of data_files; -1 for none
   bool recipe_frames_visible = false;     // frmRecipeFile and frmRecipeBackup

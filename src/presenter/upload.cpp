@@ -20,6 +20,10 @@ constexpr Milliseconds kUploadingInterval{500};
 constexpr TransferTexts kUploading{
     .begins = "Uploading from KRM....  ", .percent_of = " of the memory", .time_left = "at most "};
 
+// A dump is NAK US data US.
+constexpr std::string_view kReplyBegins{"\x15\x1F"};
+constexpr std::string_view kEmptyReply{"\x15\x1F\x1F"};
+
 // By DataFileType.
 constexpr std::array<std::string_view, 4> kListNames{"", "Transaction file", "Recipe backup file",
                                                      "Text report"};
@@ -94,10 +98,9 @@ bool Upload::Dump() {
 }
 
 void Upload::ReportCanceled() {
-  constexpr std::string_view kBegin{"\x15\x1F"};
   const std::string& reply = krm_.KRM_BrokenOff();
-  if (reply.starts_with(kBegin)) {
-    canceled_part_ = reply.substr(kBegin.size());
+  if (reply.starts_with(kReplyBegins)) {
+    canceled_part_ = reply.substr(kReplyBegins.size());
   }
   ReportFailed(op_,
                "Upload canceled after " + std::to_string(krm_.KRM_BrokenOff().size()) + " bytes.");
@@ -128,6 +131,9 @@ int Upload::TakeReply() {
   krm_.KRM_TakeUnread();
   transfer_.received.OtherIntoBlock();
   transfer_.transfer_block = krm_.KRM_ExtractData(krm_.GS_KRM_RxDBuffer());
+  if (!transfer_.transfer_block.empty() || krm_.GS_KRM_RxDBuffer().starts_with(kEmptyReply)) {
+    transfer_.uploaded_at = pump_.Now();
+  }
   if (transfer_.transfer_block.empty()) {
     transfer_.data_window.clear();
     ReportFailed(op_, krm_.GS_KRM_ErrMsg());

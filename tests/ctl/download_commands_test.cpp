@@ -143,7 +143,8 @@ TEST_F(DownloadCommands, ModuleDownloadSendsTheTextOfADatabase) {
   EXPECT_EQ(serial.sent, "\x19\x14" + text);
   EXPECT_EQ(err,
             "Overwrite KRM: Are you sure you want to overwrite all data in the KRM module with "
-            "recipe data from the YARD.RDB database?\n"
+            "recipe data from the YARD.RDB database?\n\n"
+            "The module has not been uploaded in this run of the program.\n"
             "Download complete!  (99 bytes, Recipe Data)\n");
   EXPECT_THAT(out, IsEmpty());
   EXPECT_FALSE(serial.PortOpen());

@@ -163,6 +163,28 @@ TEST_F(TransferOnDisplay, SaveAndImportLeadsFromTheModuleToTheDatabaseByTheKeybo
   EXPECT_TRUE(TextOf("lblResult").ends_with(", of 12-Jan-26."));
 }
 
+TEST_F(TransferOnDisplay, TheQuestionBeforeADownloadNamesWhatIsOddAndEnterRefuses) {
+  MakeDatabases();
+  ASSERT_EQ(Ctl({"set", "recipe", recipes.string(), "1", "--ration-target", "0"}).code, 0);
+  const auto module =
+      Simulate({"module", "--load", folder.Write("memory", "{BAT/FED},L\r\n").string()});
+  StartProgram();
+  ChooseFromMenu({"Transfer", "Download Data..."});
+  Keys({"space"});
+  ASSERT_TRUE(
+      WaitFor([](const Screen& screen) { return screen.Find("cmdDownloadRecipeDB") != nullptr; }));
+  Click("cmdDownloadRecipeDB");
+  ASSERT_TRUE(WaitForBox(
+      "Are you sure you want to overwrite all data in the KRM module with recipe data from the "
+      "SITE.RDB database?"));
+  const std::string question = Look().BoxText();
+  EXPECT_NE(question.find("Recipes without ration target: 1 ("), std::string::npos) << question;
+  EXPECT_TRUE(question.ends_with("The module has not been uploaded in this run of the program."));
+  Keys({"Return"});
+  ASSERT_TRUE(WaitForWindow(kMainTitle));
+  EXPECT_EQ(TextOf("lblStatusWindow"), "");
+}
+
 TEST_F(TransferOnDisplay, ADoubleClickOnTheMemorySizeShowsTheBar) {
   const auto indicator = IndicatorThatSends("7B 52 45 50 4F 52 54 7D");
   StartProgram();

@@ -365,6 +365,20 @@ TEST_F(UploadTest, ARowNamesTheContentsOfItsFile) {
   EXPECT_EQ(tab.data_files[0].type, DataFileType::kTransaction);
 }
 
+TEST_F(UploadTest, ACompleteUploadIsNotedWithItsTime) {
+  EXPECT_FALSE(tab.uploaded_at.has_value());
+  ModuleHolds("{BAT/FED}\x1F,L");
+  upload.UploadDataFromKRM();
+  EXPECT_FALSE(tab.uploaded_at.has_value());
+  ModuleHolds("");
+  upload.UploadDataFromKRM();
+  const auto empty = tab.uploaded_at;
+  EXPECT_TRUE(empty.has_value());
+  ModuleHolds("scribble");
+  upload.UploadDataFromKRM();
+  EXPECT_GT(tab.uploaded_at, empty);
+}
+
 TEST_F(UploadTest, ClickOnTheOnlyRowKeepsItChecked) {
   ModuleHolds("{REPORT}x");
   upload.UploadDataFromKRM();

@@ -207,9 +207,12 @@ QImage AboutForm(SampleProgram& program) {
       program, [](QWidget& /*form*/) {}, [&] { program.Choose("mnuHelpAbout"); });
 }
 
-// The question before a download. Closing it refuses; the boxes remain shown.
+// The question before a download, which says when the module was last uploaded. Closing it refuses;
+// the boxes remain shown.
 QImage Question(SampleProgram& program) {
   program.ShowTab(kTabDataTransfer);
+  program.ModuleHolds({"DAY7.QXT"});
+  Click(program, "cmdUploadDataFromKRM");
   Click(program, "cmdDownloadRecipeToKRM");
   program.ShowBoxes();
   return ModalForm(

@@ -312,9 +312,10 @@ TEST_F(DataTransferPageTest, OverwriteRefusedSendsNothing) {
   operator_.answers = {Answer::kNo};
   Click(u"cmdDownloadRecipeDB"_qs);
   EXPECT_EQ(LastBox().title, "Overwrite KRM");
-  EXPECT_EQ(LastBox().text,
-            "Are you sure you want to overwrite all data in the KRM module with recipe data from "
-            "the YARD.RDB database?");
+  EXPECT_EQ(
+      LastBox().text,
+      "Are you sure you want to overwrite all data in the KRM module with recipe data from "
+      "the YARD.RDB database?\r\n\r\nThe module has not been uploaded in this run of the program.");
   EXPECT_EQ(serial_.sent, "");
   EXPECT_EQ(Data(), "");
 }
@@ -387,9 +388,10 @@ TEST_F(DataTransferPageTest, WhatTheOperatorEditedInTheWindowGoesOut) {
   ModuleTakesDownload();
   operator_.answers = {Answer::kYes};
   Click(u"cmdDownloadRecipeBU"_qs);
-  EXPECT_EQ(LastBox().text,
-            "Are you sure you want to overwrite all data in the KRM module with recipe backup data "
-            "from the A.RBU file?");
+  EXPECT_EQ(
+      LastBox().text,
+      "Are you sure you want to overwrite all data in the KRM module with recipe backup data "
+      "from the A.RBU file?\r\n\r\nThe module has not been uploaded in this run of the program.");
   EXPECT_EQ(serial_.blocks.back(), "{DATA_IN},L\r\nold \xE9\r\nlast words");
 }
 

@@ -57,7 +57,7 @@ TEST_F(DownloadOnLine, ADatabaseIsInTheModuleAsItIsShown) {
   Download(u"cmdDownloadRecipeDB"_qs, QMessageBox::Yes);
   IsTheOverwriteQuestion(
       "Are you sure you want to overwrite all data in the KRM module with recipe data from the "
-      "YARD.RDB database?");
+      "YARD.RDB database?\n\nThe module has not been uploaded in this run of the program.");
   EXPECT_THAT(shown, ::testing::Contains(
                          "Building recipe file to download:\nFormatting ingredient data...\n"
                          "done!\nFormatting recipe data...\ndone!\nFormatting pen data...\n"
@@ -81,7 +81,7 @@ TEST_F(DownloadOnLine, AnEditedBackupIsInTheModuleAsItWasEdited) {
   Download(u"cmdDownloadRecipeBU"_qs, QMessageBox::Yes);
   IsTheOverwriteQuestion(
       "Are you sure you want to overwrite all data in the KRM module with recipe backup data from "
-      "the A.RBU file?");
+      "the A.RBU file?\n\nThe module has not been uploaded in this run of the program.");
   EXPECT_EQ(Status(), (StatusLook{"Download complete!  (" + std::to_string(kSentBackup.size() + 7) +
                                       " bytes, Recipe Data)",
                                   kStatusGreen}));
