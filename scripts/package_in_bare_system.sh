@@ -37,6 +37,10 @@ desktop-file-validate /usr/share/applications/vrx2260.desktop
 sample=/usr/lib/vrx2260/sample_site
 kind=$(gio info -a standard::content-type $sample/SITE.RDB | sed -n 's/.*content-type: //p')
 [ "$kind" = application/x-vrx2260-recipe-database ] || fail "the kind of a recipe database: $kind"
+for kind in recipe-database transaction-database transactions recipe-backup; do
+  gio mime application/x-vrx2260-$kind | grep -q 'vrx2260.desktop$' ||
+    fail "a double click on a $kind does not start the program"
+done
 
 say "A day in the terminal"
 mkdir $home

@@ -9,6 +9,7 @@
 #include <QPixmap>
 #include <QSvgRenderer>
 #include <algorithm>
+#include <array>
 #include <cmath>
 
 #include "widgets/qt_text.h"
@@ -122,18 +123,42 @@ QColor Readable(const QColor& color, const QColor& background, double contrast) 
 }
 
 QColor StatusTextColor(StatusColor color, const QColor& background) {
-  const QColor specified = SpecifiedColor(color);
-  return IsDark(background) ? Readable(specified, background, kTextContrast) : specified;
+  return Readable(SpecifiedColor(color), background, kTextContrast);
 }
 
-QPalette WithReadableHints(QPalette palette) {
-  constexpr int kHalf = 128;
-  const QColor base = palette.color(QPalette::Base);
-  if (ContrastRatio(Laid(palette.color(QPalette::PlaceholderText), base), base) <
-      kGraphicsContrast) {
-    QColor hint = palette.color(QPalette::Text);
-    hint.setAlpha(kHalf);
-    palette.setColor(QPalette::PlaceholderText, hint);
+QPalette WithReadableTexts(QPalette palette) {
+  struct TextOn {
+    QPalette::ColorRole text;
+    QPalette::ColorRole background;
+  };
+  constexpr std::array<TextOn, 7> kTexts{{{QPalette::WindowText, QPalette::Window},
+                                          {QPalette::Text, QPalette::Base},
+                                          {QPalette::Text, QPalette::AlternateBase},
+                                          {QPalette::ButtonText, QPalette::Button},
+                                          {QPalette::ToolTipText, QPalette::ToolTipBase},
+                                          {QPalette::Link, QPalette::Base},
+                                          {QPalette::LinkVisited, QPalette::Base}}};
+  constexpr int kHint = 170;  // its alpha
+  for (const QPalette::ColorGroup group : {QPalette::Active, QPalette::Inactive}) {
+    // Sets nothing that can be read, so that it follows the desktop.
+    const auto make_readable = [&](QPalette::ColorRole role, QPalette::ColorRole other) {
+      const QColor color = palette.color(group, role);
+      const QColor readable = Readable(color, palette.color(group, other), kTextContrast);
+      if (readable != color) {
+        palette.setColor(group, role, readable);
+      }
+    };
+    for (const TextOn& pair : kTexts) {
+      make_readable(pair.text, pair.background);
+    }
+    make_readable(QPalette::Highlight, QPalette::HighlightedText);
+    const QColor base = palette.color(group, QPalette::Base);
+    if (ContrastRatio(Laid(palette.color(group, QPalette::PlaceholderText), base), base) <
+        kTextContrast) {
+      QColor hint = palette.color(group, QPalette::Text);
+      hint.setAlpha(kHint);
+      palette.setColor(group, QPalette::PlaceholderText, hint);
+    }
   }
   return palette;
 }

@@ -27,12 +27,13 @@ inline constexpr double kGraphicsContrast = 3.0;
 // readable lightness.
 QColor Readable(const QColor& color, const QColor& background, double contrast);
 
-// The specified colors of the status line: unchanged on a light background, readable on a dark one.
+// The specified colors of the status line, as far as they are readable on the background.
 QColor StatusTextColor(StatusColor color, const QColor& background);
 
-// A palette with readable placeholder texts: some desktops define all colors of a dark theme except
-// this one, which then remains that of a light theme. Sets no other color.
-QPalette WithReadableHints(QPalette palette);
+// The palette with a contrast of 4.5 for every text: some desktops have a selection that is as
+// light as its text, or a dark theme without a color for hints, which then remains that of a light
+// one. Sets no color that can be read.
+QPalette WithReadableTexts(QPalette palette);
 
 // Frames the current cell of a grid, in a color that is readable on the cell's background: thick in
 // the grid that has the focus, thin in another one.

@@ -2,6 +2,7 @@
 
 #include <QEvent>
 #include <algorithm>
+#include <vector>
 
 namespace vrx {
 
@@ -51,6 +52,33 @@ void KeepPlace(QWidget& widget) {
   QSizePolicy policy = widget.sizePolicy();
   policy.setRetainSizeWhenHidden(true);
   widget.setSizePolicy(policy);
+}
+
+QScrollArea* MakeScrollArea(QWidget* contents) {
+  auto* const area = new QScrollArea;
+  area->setFrameShape(QFrame::NoFrame);
+  area->setWidgetResizable(true);
+  area->setFocusPolicy(Qt::NoFocus);
+  area->setWidget(contents);
+  return area;
+}
+
+void ShareWidth(QHeaderView& header, int width, const std::function<int(int column)>& least) {
+  std::vector<int> columns;
+  int left = width;
+  for (int visual = 0; visual < header.count(); ++visual) {
+    const int column = header.logicalIndex(visual);
+    if (!header.isSectionHidden(column)) {
+      columns.push_back(column);
+      left -= least(column);
+    }
+  }
+  int columns_left = static_cast<int>(columns.size());
+  for (const int column : columns) {
+    const int share = std::max(left, 0) / columns_left--;
+    left -= share;
+    header.resizeSection(column, least(column) + share);
+  }
 }
 
 }  // namespace vrx

@@ -2,7 +2,11 @@
 
 #include <QBoxLayout>
 #include <QFont>
+#include <QHeaderView>
+#include <QScrollArea>
+#include <QSize>
 #include <QWidget>
+#include <functional>
 
 namespace vrx {
 
@@ -30,6 +34,16 @@ class TwoPartRow : public QWidget {
   QBoxLayout* first_;
   QBoxLayout* second_;
 };
+
+// The contents in an area that scrolls where it is smaller than they need, as with large letters on
+// a small screen; otherwise they fill it.
+QScrollArea* MakeScrollArea(QWidget* contents);
+
+// An estimate of a window's frame, whose real size is known only after the window is shown.
+inline constexpr QSize kFrameSize{16, 48};
+
+// Gives each visible column its least width, and an equal share of what they leave of `width`.
+void ShareWidth(QHeaderView& header, int width, const std::function<int(int column)>& least);
 
 // Between controls, in logical pixels.
 inline constexpr int kSpacing = 8;

@@ -43,7 +43,10 @@ class SecondStart : public DesktopUser {
 
 TEST_F(SecondStart, WaitsWithItsBoxAndTouchesNothing) {
   const auto first = Start();
-  ASSERT_TRUE(Eventually([&] { return HasOpened(*first); })) << first->Err();
+  // The list of recent files is written last.
+  ASSERT_TRUE(Eventually([&] {
+    return HasOpened(*first) && !ValueIn(user_settings, "RecentTransactionDatabases").empty();
+  })) << first->Err();
   const std::vector<std::string> before = Everything();
   const auto second = Start();
   // Longer than the splash of a first start is shown.
@@ -57,6 +60,42 @@ TEST_F(SecondStart, WaitsWithItsBoxAndTouchesNothing) {
   EXPECT_TRUE(HasOpened(*first));
   first->Signal(SIGTERM);
   EXPECT_EQ(first->Wait(), 0) << first->Err();
+}
+
+TEST_F(SecondStart, HandsItsFilesToTheFirstAndEnds) {
+  const auto first = Start();
+  ASSERT_TRUE(Eventually([&] { return HasOpened(*first); })) << first->Err();
+  const fs::path other = data / "OTHER.RDB";
+  fs::copy_file(recipes, other);
+  const auto second = Start({other.string()});
+  EXPECT_EQ(second->Wait(), 0) << second->Err();
+  EXPECT_TRUE(Eventually([&] {
+    return ValueIn(user_settings, "RecentRecipeDatabases") ==
+           other.string() + "\\n" + recipes.string();
+  })) << ReadAll(user_settings);
+  first->Signal(SIGTERM);
+  EXPECT_EQ(first->Wait(), 0) << first->Err();
+  EXPECT_FALSE(fs::exists(folder / "home/run/vrx2260.socket"));
+}
+
+// The second one may come before the first one listens.
+TEST_F(SecondStart, HandsItsFilesToOneThatIsStarting) {
+  const fs::path other = data / "OTHER.RDB";
+  fs::copy_file(recipes, other);
+  const auto first = Start();
+  ASSERT_TRUE(Eventually([&] { return fs::exists(lock); }));
+  const auto second = Start({other.string()});
+  EXPECT_EQ(second->Wait(), 0) << second->Err();
+  EXPECT_TRUE(Eventually(
+      [&] { return ValueIn(user_settings, "RecentRecipeDatabases").starts_with(other.string()); }));
+  first->Signal(SIGTERM);
+  EXPECT_EQ(first->Wait(), 0) << first->Err();
+}
+
+TEST_F(SecondStart, AnOptionIsRefusedWithTheUsage) {
+  const auto program = Start({"--bogus"});
+  EXPECT_EQ(program->Wait(), 2);
+  EXPECT_EQ(program->Err(), "usage: vrx2260 [FILE]...\n");
 }
 
 }  // namespace

@@ -37,7 +37,7 @@ Result Run(const std::string& program, const std::vector<std::string>& args) {
 Result RunTool(const std::vector<std::string>& command) { return Run("/usr/bin/env", command); }
 
 Result MakeManual(const std::string& chapters, const std::string& target) {
-  return Run(VRX_MAKE_MANUAL, {chapters, VRX_BIN_DIR, target});
+  return Run(VRX_MAKE_MANUAL, {chapters, VRX_BIN_DIR, target, target + ".pages"});
 }
 
 using Lines = std::vector<std::string>;
@@ -230,7 +230,7 @@ TEST_F(ManualSource, IsRefusedWithoutAFont) {
   folder_.Write("fonts.conf", R"(<?xml version="1.0"?><fontconfig></fontconfig>)");
   const Result result =
       RunTool({"FONTCONFIG_FILE=" + (folder_ / "fonts.conf").string(), VRX_MAKE_MANUAL, kChapters,
-               VRX_BIN_DIR, (folder_ / "manual.pdf").string()});
+               VRX_BIN_DIR, (folder_ / "manual.pdf").string(), (folder_ / "pages").string()});
   EXPECT_EQ(result.code, 1);
   EXPECT_THAT(result.err, HasSubstr("the font DejaVu Sans is not installed"));
   EXPECT_FALSE(std::filesystem::exists(folder_ / "manual.pdf"));

@@ -135,7 +135,7 @@ TEST_F(EditOnDisplay, AHalfTypedCellIsNotStoredByAnotherWindow) {
   const std::string before = StoredShares();
   TypeShare("3");
   const std::unique_ptr<Program> second = Start();
-  ASSERT_TRUE(Eventually([this] { return windows.ActiveTitle() != kMainTitle; }));
+  ASSERT_TRUE(Eventually([this] { return !Windows::IsTitle(windows.ActiveTitle(), kMainTitle); }));
   EXPECT_EQ(StoredShares(), before);
   Keys({"Return"});
   second->Wait();

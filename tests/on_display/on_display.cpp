@@ -66,7 +66,8 @@ bool OnDisplay::WaitFor(const std::function<bool(const Screen&)>& condition) con
 }
 
 bool OnDisplay::WaitForWindow(const std::string& title) {
-  return Eventually([&] { return windows.ActiveTitle() == title || program->Ended(); }) &&
+  return Eventually(
+             [&] { return Windows::IsTitle(windows.ActiveTitle(), title) || program->Ended(); }) &&
          !program->Ended();
 }
 

@@ -33,7 +33,7 @@ std::vector<std::string> Windows::Titles() const {
 
 std::optional<xcb_window_t> Windows::Find(const std::string& title) const {
   for (const xcb_window_t window : All()) {
-    if (TitleOf(window) == title) {
+    if (IsTitle(TitleOf(window), title)) {
       return window;
     }
   }
@@ -43,6 +43,10 @@ std::optional<xcb_window_t> Windows::Find(const std::string& title) const {
 xcb_window_t Windows::Active() const {
   const std::vector<std::uint32_t> active = Numbers(root_, "_NET_ACTIVE_WINDOW");
   return active.empty() ? XCB_NONE : active.front();
+}
+
+bool Windows::IsTitle(const std::string& actual, const std::string& title) {
+  return actual == title || actual.starts_with(title + " - ");
 }
 
 std::string Windows::ActiveTitle() const {

@@ -38,6 +38,9 @@ class Windows {
   std::vector<std::string> Titles() const;
   std::optional<xcb_window_t> Find(const std::string& title) const;
 
+  // Whether a window's title is that one. The names of open databases after " - " do not count.
+  static bool IsTitle(const std::string& actual, const std::string& title);
+
   // The window that has the keyboard, and its title; empty when none has.
   xcb_window_t Active() const;
   std::string ActiveTitle() const;

@@ -2,6 +2,7 @@
 #include <filesystem>
 #include <fstream>
 #include <string>
+#include <string_view>
 
 #include <gmock/gmock.h>
 
@@ -71,10 +72,24 @@ TEST_F(FileKinds, LeaveOtherFilesAlone) {
   EXPECT_THAT(Kind(File("other", other)), HasSubstr("sqlite3"));
 }
 
+// With those alone a double click on a file starts the program.
+TEST(DesktopEntry, TakesEveryKindOfFileOfThePackage) {
+  const std::string entry = ReadAll(std::string(VRX_SOURCE_DIR) + "/packaging/vrx2260.desktop");
+  const std::string kinds = ReadAll(std::string(VRX_SOURCE_DIR) + "/packaging/vrx2260-mime.xml");
+  constexpr std::string_view kBegin = "<mime-type type=\"";
+  int count = 0;
+  for (auto at = kinds.find(kBegin); at != std::string::npos; at = kinds.find(kBegin, at + 1)) {
+    const auto begin = at + kBegin.size();
+    EXPECT_THAT(entry, HasSubstr(kinds.substr(begin, kinds.find('"', begin) - begin) + ";"));
+    ++count;
+  }
+  EXPECT_EQ(count, 5);
+}
+
 TEST(DesktopEntry, NamesAProgramAndTheWindowsThatAreThere) {
   std::ifstream in(std::string(VRX_SOURCE_DIR) + "/packaging/vrx2260.desktop");
   const std::string entry{std::istreambuf_iterator<char>(in), {}};
-  EXPECT_THAT(entry, HasSubstr("\nExec=vrx2260\n"));
+  EXPECT_THAT(entry, HasSubstr("\nExec=vrx2260 %F\n"));
   EXPECT_THAT(entry, HasSubstr("\nIcon=vrx2260\n"));
   EXPECT_TRUE(fs::exists(fs::path(VRX_BIN_DIR) / "vrx2260"));
 }

@@ -45,9 +45,8 @@ void DesktopUser::WriteShortIni() const {
                "[Options]\nEnableBeeper=NO\nAutoloadRecipeDB=YES\nAutoloadTransDB=YES\n");
 }
 
-std::unique_ptr<Program> DesktopUser::Start() const {
-  return std::make_unique<Program>(Bin("vrx2260"), std::vector<std::string>{},
-                                   folder.Path().string());
+std::unique_ptr<Program> DesktopUser::Start(const std::vector<std::string>& files) const {
+  return std::make_unique<Program>(Bin("vrx2260"), files, folder.Path().string());
 }
 
 bool DesktopUser::Eventually(const std::function<bool()>& condition) {

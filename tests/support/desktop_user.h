@@ -27,7 +27,7 @@ class DesktopUser : public ProgramsTest {
   // An INI file that leaves most of its keys to be healed.
   void WriteShortIni() const;
 
-  std::unique_ptr<Program> Start() const;
+  std::unique_ptr<Program> Start(const std::vector<std::string>& files = {}) const;
 
   // Polls for half a minute.
   static bool Eventually(const std::function<bool()>& condition);

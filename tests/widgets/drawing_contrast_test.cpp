@@ -3,6 +3,7 @@
 
 #include <gtest/gtest.h>
 
+#include "support/desktop_palettes.h"
 #include "widgets/drawing.h"
 
 namespace vrx::testing {
@@ -30,11 +31,17 @@ TEST(Readable, ReachesTheContrastOnAnyBackground) {
   }
 }
 
-TEST(StatusTextColor, IsAsSpecifiedOnALightWindow) {
+TEST(StatusTextColor, IsAsSpecifiedWhereThatCanBeRead) {
+  EXPECT_EQ(StatusTextColor(StatusColor::kBlue, QColor(239, 239, 239)), QColor(0, 0, 192));
+  EXPECT_EQ(StatusTextColor(StatusColor::kGreen, Qt::white), QColor(0, 128, 0));
+}
+
+TEST(StatusTextColor, IsDarkerWhereALightWindowNeedsIt) {
   const QColor window(239, 239, 239);
-  EXPECT_EQ(StatusTextColor(StatusColor::kBlue, window), QColor(0, 0, 192));
-  EXPECT_EQ(StatusTextColor(StatusColor::kRed, window), QColor(255, 0, 0));
-  EXPECT_EQ(StatusTextColor(StatusColor::kGreen, window), QColor(0, 128, 0));
+  const QColor red = StatusTextColor(StatusColor::kRed, window);
+  EXPECT_GE(ContrastRatio(red, window), kTextContrast);
+  EXPECT_GT(red.red(), 190);
+  EXPECT_EQ(red.green(), 0);
 }
 
 TEST(StatusTextColor, KeepsItsHueOnADarkWindow) {
@@ -44,31 +51,54 @@ TEST(StatusTextColor, KeepsItsHueOnADarkWindow) {
   EXPECT_EQ(StatusTextColor(StatusColor::kRed, window).hslHue() % 360, 0);
 }
 
-TEST(WithReadableHints, TakesTheTextsColorOnADarkDeskWithoutOne) {
-  QPalette palette(Qt::white, Qt::black, Qt::white, Qt::black, Qt::gray, Qt::white, Qt::white,
-                   QColor(27, 30, 32), Qt::black);
-  palette.setColor(QPalette::PlaceholderText, QColor(0, 0, 0, 128));
-  const QColor hint = WithReadableHints(palette).color(QPalette::PlaceholderText);
-  EXPECT_EQ(hint, QColor(255, 255, 255, 128));
+class ReadableTexts : public ::testing::TestWithParam<QPalette (*)()> {};
+
+TEST_P(ReadableTexts, HaveAContrastOfFourAndAHalf) {
+  const QPalette palette = WithReadableTexts(GetParam()());
+  const auto contrast = [&](QPalette::ColorGroup group, QPalette::ColorRole text,
+                            QPalette::ColorRole background) {
+    const QColor back = palette.color(group, background);
+    const QColor color = palette.color(group, text);
+    const auto mixed = [&](int above, int below) {
+      return below + (above - below) * color.alpha() / 255;
+    };
+    const QColor seen(mixed(color.red(), back.red()), mixed(color.green(), back.green()),
+                      mixed(color.blue(), back.blue()));
+    return ContrastRatio(seen, back);
+  };
+  for (const QPalette::ColorGroup group : {QPalette::Active, QPalette::Inactive}) {
+    EXPECT_GE(contrast(group, QPalette::WindowText, QPalette::Window), 4.5);
+    EXPECT_GE(contrast(group, QPalette::Text, QPalette::Base), 4.5);
+    EXPECT_GE(contrast(group, QPalette::Text, QPalette::AlternateBase), 4.5);
+    EXPECT_GE(contrast(group, QPalette::ButtonText, QPalette::Button), 4.5);
+    EXPECT_GE(contrast(group, QPalette::ToolTipText, QPalette::ToolTipBase), 4.5);
+    EXPECT_GE(contrast(group, QPalette::HighlightedText, QPalette::Highlight), 4.5);
+    EXPECT_GE(contrast(group, QPalette::Link, QPalette::Base), 4.5);
+    EXPECT_GE(contrast(group, QPalette::PlaceholderText, QPalette::Base), 4.5);
+  }
 }
 
-TEST(WithReadableHints, LeavesHintsThatCanBeRead) {
-  QPalette palette;
-  palette.setColor(QPalette::Base, Qt::white);
-  palette.setColor(QPalette::PlaceholderText, QColor(0, 0, 0, 128));
-  EXPECT_EQ(WithReadableHints(palette).color(QPalette::PlaceholderText), QColor(0, 0, 0, 128));
-  EXPECT_EQ(WithReadableHints(QPalette()).resolveMask(), QPalette().resolveMask());
+INSTANTIATE_TEST_SUITE_P(OfTheDesktops, ReadableTexts,
+                         ::testing::Values(&LightDesktop, &DarkDesktop));
+
+TEST(WithReadableTexts, LeavesWhatCanBeRead) {
+  QPalette palette = LightDesktop();
+  palette.setColor(QPalette::Highlight, QColor(0, 60, 120));
+  palette.setColor(QPalette::PlaceholderText, QColor(0, 0, 0, 200));
+  EXPECT_EQ(WithReadableTexts(palette), palette);
 }
 
-TEST(WithReadableHints, ReplacesAHintThatItsTransparencyMakesFaint) {
-  QPalette palette;
-  palette.setColor(QPalette::Base, Qt::white);
-  palette.setColor(QPalette::Text, Qt::black);
-  palette.setColor(QPalette::PlaceholderText, QColor(0, 0, 0, 60));
-  EXPECT_EQ(WithReadableHints(palette).color(QPalette::PlaceholderText), QColor(0, 0, 0, 128));
-  const QColor readable(0, 0, 0, 200);
-  palette.setColor(QPalette::PlaceholderText, readable);
-  EXPECT_EQ(WithReadableHints(palette).color(QPalette::PlaceholderText), readable);
+TEST(WithReadableTexts, DarkensASelectionAndKeepsItsText) {
+  const QPalette palette = WithReadableTexts(LightDesktop());
+  EXPECT_EQ(palette.color(QPalette::HighlightedText), QColor(Qt::white));
+  EXPECT_NEAR(palette.color(QPalette::Highlight).hslHue(), QColor(48, 140, 198).hslHue(), 3);
+  EXPECT_LT(palette.color(QPalette::Highlight).lightness(), QColor(48, 140, 198).lightness());
+}
+
+TEST(WithReadableTexts, TakesTheTextsColorForTheHintsOfADarkDesktop) {
+  const QColor hint = WithReadableTexts(DarkDesktop()).color(QPalette::PlaceholderText);
+  EXPECT_EQ(hint.rgb(), QColor(252, 252, 252).rgb());
+  EXPECT_LT(hint.alpha(), 255);
 }
 
 }  // namespace

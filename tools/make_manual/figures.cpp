@@ -36,6 +36,18 @@ void Click(SampleProgram& program, const char* button) {
   program.RunEvents();
 }
 
+// As a new user sees it; opens the databases again.
+QImage FirstScreen(SampleProgram& program) {
+  program.Choose("mnuFileCloseRecipeDB");
+  program.Choose("mnuFileCloseTransactionDB");
+  QImage image = WholeWindow(program);
+  program.WillChoose("SITE.RDB");
+  program.Choose("mnuFileOpenRecipeDB");
+  program.WillChoose("YARD.TDB");
+  program.Choose("mnuFileOpenTransactionDB");
+  return image;
+}
+
 QImage Download(SampleProgram& program) {
   program.ShowTab(kTabDataTransfer);
   Click(program, "cmdDownloadRecipeToKRM");
@@ -233,6 +245,7 @@ enum SetupTab { kDatabase, kApplication, kIniFile, kTransactionFile, kOptions, k
 // The order is that of the work, since some leave a tab as they filled it.
 constexpr std::array kFigures = std::to_array<Figure>({
     {"data-transfer", &Tab<kTabDataTransfer>},
+    {"first-screen", &FirstScreen},
     {"calendar", &CalendarOfTheMonth},
     {"download", &Download},
     {"upload", &Upload},

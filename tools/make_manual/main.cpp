@@ -1,7 +1,7 @@
 // Run by the build: makes the user's manual from its chapters, with pictures of the program's own
 // windows.
 //
-//   make_manual CHAPTERS_FOLDER PROGRAM_DIRECTORY TARGET
+//   make_manual CHAPTERS_FOLDER PROGRAM_DIRECTORY TARGET PAGES_FOLDER
 
 #include <QApplication>
 #include <QHashFunctions>
@@ -17,6 +17,7 @@
 #include "base/files.h"
 #include "desktop/app/captions.h"
 #include "desktop/dialogs/about_and_splash.h"
+#include "make_manual/chapter_pages.h"
 #include "make_manual/figures.h"
 #include "make_manual/manual_pdf.h"
 #include "make_manual/manual_style.h"
@@ -75,10 +76,13 @@ Pictures GrabFigures(const std::vector<Chapter>& chapters, const fs::path& progr
   return pictures;
 }
 
-void MakeManual(const fs::path& source, const fs::path& program_directory, const fs::path& target) {
+void MakeManual(const fs::path& source, const fs::path& program_directory, const fs::path& target,
+                const fs::path& pages) {
   const std::vector<Chapter> chapters = ReadChapters(source);
   const auto caption = [](int id) { return vrx::ToQString(vrx::CaptionText(id).value()); };
-  const QByteArray pdf = WriteManual(chapters, GrabFigures(chapters, program_directory),
+  const Pictures pictures = GrabFigures(chapters, program_directory);
+  WriteChapterPages(chapters, pictures, pages);
+  const QByteArray pdf = WriteManual(chapters, pictures,
                                      {.product = caption(kTitleCaption),
                                       .version = vrx::VersionText(),
                                       .copyright = caption(kCopyrightCaption),
@@ -89,8 +93,9 @@ void MakeManual(const fs::path& source, const fs::path& program_directory, const
 }  // namespace
 
 int main(int argc, char** argv) {
-  if (argc != 4) {
-    std::fputs("usage: make_manual CHAPTERS_FOLDER PROGRAM_DIRECTORY TARGET\n", stderr);
+  if (argc != 5) {
+    std::fputs("usage: make_manual CHAPTERS_FOLDER PROGRAM_DIRECTORY TARGET PAGES_FOLDER\n",
+               stderr);
     return 2;
   }
   const OffscreenSession studio(2);
@@ -98,7 +103,7 @@ int main(int argc, char** argv) {
   const QApplication application(argc, argv);
   OffscreenSession::SetLook();
   try {
-    MakeManual(argv[1], argv[2], argv[3]);
+    MakeManual(argv[1], argv[2], argv[3], argv[4]);
     return 0;
   } catch (const std::exception& error) {
     std::fprintf(stderr, "make_manual: %s\n", error.what());

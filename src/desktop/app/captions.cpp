@@ -130,6 +130,8 @@ constexpr std::array kCaptions = std::to_array<Caption>({
     {2011, TrMark("Re&do")},
     {2012, TrMark("C&opy Recipe...")},
     {2013, TrMark("Co&mpare Recipes...")},
+    {2020, TrMark("&Refresh")},
+    {2021, TrMark("&Chapter of This Tab")},
 });
 
 // Nothing if the designed text is not in a row of the table.

@@ -8,6 +8,7 @@
 
 #include "database/identity.h"
 #include "desktop/app/lost_edits.h"
+#include "presenter/report_failure.h"
 #include "settings/settings.h"
 
 namespace vrx {
@@ -55,6 +56,9 @@ MainForm::MainForm(Services& services, WaitBudget& lock_waits, UserSettings& use
       legacy_(services, conversion_),
       databases_(services, delay_, window_.Commands(), window_.Tabs(), window_, &legacy_),
       recent_(user_settings, services.settings, databases_),
+      recent_files_(user_settings),
+      open_files_(services, databases_, recent_files_, *this),
+      first_steps_(services, user_settings, databases_),
       undo_(services),
       record_pages_(AddRecordPages()),
       krm_(serial, services.pump, services.op, services.settings),
@@ -76,6 +80,7 @@ MainForm::MainForm(Services& services, WaitBudget& lock_waits, UserSettings& use
   AddTransferPages();
   AddHistoryPages();
   Connect();
+  ConnectFiles();
   SetHandlers();
   Load();
 }
@@ -129,6 +134,7 @@ void MainForm::SetHandlers() {
   });
   window_.SetHandler(MainCommand::kAutoAbbreviate, [this] { ToggleAutoAbbreviate(); });
   window_.SetHandler(MainCommand::kCalendar, [this] { window_.ToggleCalendar(); });
+  window_.SetHandler(MainCommand::kRefresh, [this] { Refresh(); });
   window_.SetHandler(MainCommand::kExit, [this] { Leave(ExitReason::kFileExit); });
 }
 
@@ -172,6 +178,8 @@ void MainForm::Paint() {
 
 void MainForm::Activate() {
   recent_.Activate();
+  activated_ = true;
+  OpenPendingFiles();
   window_.PageActivated();
   window_.ShowTransferOption();
   window_.ShowSystemUnits();
@@ -196,6 +204,29 @@ void MainForm::ToggleAutoAbbreviate() {
                               .title = "INI File Error",
                               .text = "Unable to save the setting to the applications INI file.",
                               .cause = cause});
+  }
+}
+
+// Reads the open databases again, as another program may have changed them, and keeps the records
+// that are shown.
+void MainForm::Refresh() {
+  for (const DatabaseKind kind : {DatabaseKind::kRecipe, DatabaseKind::kTransaction}) {
+    if (!databases_.IsOpen(kind)) {
+      continue;
+    }
+    std::array<int, 3> positions{};
+    for (const int tab : {kTabIngredients, kTabRecipes, kTabPens}) {
+      positions.at(static_cast<std::size_t>(tab)) = RecordPageOf(tab)->Position();
+    }
+    RunReported(services_.op, {.title = TextsOf(kind).open_failure}, [&] {
+      databases_.ReloadViews(kind);
+      for (const int tab : {kTabIngredients, kTabRecipes, kTabPens}) {
+        if (const int position = positions.at(static_cast<std::size_t>(tab)); position > 0) {
+          RecordPageOf(tab)->GoTo(position);
+        }
+      }
+      databases_.ShowModifiedDate(kind);
+    });
   }
 }
 

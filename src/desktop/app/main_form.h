@@ -2,7 +2,9 @@
 
 #include <QObject>
 #include <QPointer>
+#include <QTimer>
 #include <chrono>
+#include <filesystem>
 #include <functional>
 #include <optional>
 #include <string>
@@ -30,8 +32,11 @@
 #include "platform/user_settings.h"
 #include "presenter/command_states.h"
 #include "presenter/database_commands.h"
+#include "presenter/first_steps.h"
 #include "presenter/legacy_conversion.h"
+#include "presenter/open_files.h"
 #include "presenter/recent_databases.h"
+#include "presenter/recent_files.h"
 #include "presenter/services.h"
 #include "presenter/undo_commands.h"
 
@@ -67,6 +72,9 @@ class ProgramForm {
 
   virtual void Show() = 0;
 
+  // Opens the files once the window has been activated and shows no dialog. Returns at once.
+  virtual void OpenFilesLater(const std::vector<std::filesystem::path>& files) = 0;
+
   // Stores the pending edits, or asks the operator about them. Returns false if the operator stays.
   virtual bool LeaveEdits() = 0;
 
@@ -83,7 +91,7 @@ class ProgramForm {
 
 // The form `VRXMAIN`: its window, the pages of its tabs and the presenters. The constructor is its
 // Load: both databases are closed after it, and the Data Transfer tab is current.
-class MainForm : public QObject, public ProgramForm {
+class MainForm : public QObject, public ProgramForm, private OpenFilesView {
   Q_OBJECT
 
  public:
@@ -103,6 +111,7 @@ class MainForm : public QObject, public ProgramForm {
 
   // ProgramForm.
   void Show() override;
+  void OpenFilesLater(const std::vector<std::filesystem::path>& files) override;
   bool LeaveEdits() override { return window_.LeaveEdits(); }
   void CloseSerialPort() override { krm_.KRM_ImmediateClose(); }
   void UnloadSetup() override;
@@ -130,6 +139,7 @@ class MainForm : public QObject, public ProgramForm {
   void ToggleAutoAbbreviate();
   void ShowAutoAbbreviate(bool on);
   void MakeRecipeDatabase();
+  void Refresh();
 
   // The tabs of ingredients, recipes and pens, with the buttons that work on the current one.
   RecordPages AddRecordPages();
@@ -150,9 +160,18 @@ class MainForm : public QObject, public ProgramForm {
   void GoToRecipe(int position);
   void ShowLine();
   enum class SetupStart { kFirstTab, kPort };
-  void ShowSetup(SetupStart start = SetupStart::kFirstTab);
+  // Returns whether the operator left the form with OK.
+  bool ShowSetup(SetupStart start = SetupStart::kFirstTab);
   void ShowPortSetup();
   [[nodiscard]] SetupFacts Facts() const;
+
+  // Files that are chosen without a dialog, and the first screen.
+  void ConnectFiles();
+  void AddFirstScreen();
+  void TakeFirstStep(FirstStep step);
+  void OpenPendingFiles();
+  void ImportTransactionFile(const std::filesystem::path& path) override;
+  void OpenRecipeBackup(const std::filesystem::path& path) override;
 
   // The tabs Batched/Fed and Export.
   void AddHistoryPages();
@@ -169,6 +188,11 @@ class MainForm : public QObject, public ProgramForm {
   ConversionOffer legacy_;
   DatabaseCommands databases_;
   RecentDatabases recent_;
+  RecentFiles recent_files_;
+  OpenFiles open_files_;
+  FirstSteps first_steps_;
+  std::vector<std::filesystem::path> pending_files_;
+  QTimer pending_timer_;
   AutoAbbreviation abbreviation_;
   UndoCommands undo_;
   RecordPages record_pages_;
@@ -186,6 +210,7 @@ class MainForm : public QObject, public ProgramForm {
   HistoryPage* history_;
   PrintCommands print_;
   bool first_paint_ = true;
+  bool activated_ = false;
 };
 
 }  // namespace vrx

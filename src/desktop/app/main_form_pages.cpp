@@ -254,20 +254,21 @@ void MainForm::GoToRecipe(int position) {
 }
 
 // The form closes the port; a direct connection continues after it.
-void MainForm::ShowSetup(SetupStart start) {
+bool MainForm::ShowSetup(SetupStart start) {
   if (setup_ != nullptr || krm_.Guard().AtWork()) {
-    return;
+    return false;
   }
   SetupForm form(services_, krm_, Facts(), &window_);
   if (start == SetupStart::kPort) {
     form.ShowPort();
   }
   setup_ = &form;
-  form.exec();
+  const bool accepted = form.exec() == QDialog::Accepted;
   setup_ = nullptr;
   if (!services_.pump.Closing()) {
     data_transfer_->ResumeDirectConnection();
   }
+  return accepted;
 }
 
 void MainForm::UnloadSetup() {

@@ -13,11 +13,13 @@
 #include <system_error>
 #include <utility>
 
+#include "adapters/file_handover.h"
 #include "adapters/serial_ports.h"
 #include "adapters/signals.h"
 #include "base/application.h"
 #include "base/error.h"
 #include "base/files.h"
+#include "base/translation.h"
 #include "database/identity.h"
 #include "presenter/command_states.h"
 
@@ -33,6 +35,15 @@ void ReportAlreadyRunning(Operator& op) {
                   .text = "The " + std::string(kApplicationTitle) +
                           " application is already running."
                           "It might be minimized or hidden by another window."});
+}
+
+void ReportNotHandedOver(Operator& op, const std::vector<std::filesystem::path>& files) {
+  std::string text =
+      Tr("The program is already running and does not answer. This was not opened:") + "\r\n";
+  for (const std::filesystem::path& file : files) {
+    text += "\r\n" + file.string();
+  }
+  op.ShowMessage({.icon = Icon::kWarning, .title = Tr("Open File Error"), .text = text});
 }
 
 // For failures without a specified text.
@@ -51,12 +62,8 @@ void MakeCommonFolder(const SystemInfo& system) {
 
 // The steps that prepare the application return false if the process must end, after reporting why.
 
-bool ClaimAndMakeFolders(LockFile& lock, const Services& services, Folder& folder) {
+bool MakeFolders(const Services& services, Folder& folder) {
   try {
-    if (!lock.Claim()) {
-      ReportAlreadyRunning(services.op);
-      return false;
-    }
     MakeCommonFolder(services.system);
     return folder.CheckAppDefaultDir();
   } catch (const Error& failure) {
@@ -175,11 +182,38 @@ bool LockFile::Claim() {
   return false;
 }
 
-std::unique_ptr<ProgramForm> StartProgram(LockFile& lock, Splash& splash, const Services& services,
-                                          Folder& folder, std::optional<CPrivateINI>& ini,
+std::filesystem::path LockFile::Socket() const {
+  return std::filesystem::path(folder_.toStdString()) / "vrx2260.socket";
+}
+
+StartOutcome ClaimInstance(LockFile& lock, const Services& services,
+                           const std::vector<std::filesystem::path>& files) {
+  try {
+    if (lock.Claim()) {
+      return StartOutcome::kStarted;
+    }
+  } catch (const Error& failure) {
+    ReportStartFailure(services.op, failure.what());
+    return StartOutcome::kRefused;
+  }
+  if (files.empty()) {
+    ReportAlreadyRunning(services.op);
+    return StartOutcome::kRefused;
+  }
+  if (HandOverFiles(lock.Socket(), files, services.pump, kLongestHandover)) {
+    return StartOutcome::kHandedOver;
+  }
+  if (!services.pump.Closing()) {
+    ReportNotHandedOver(services.op, files);
+  }
+  return StartOutcome::kRefused;
+}
+
+std::unique_ptr<ProgramForm> StartProgram(Splash& splash, const Services& services, Folder& folder,
+                                          std::optional<CPrivateINI>& ini,
                                           const MakeForm& make_form) {
-  if (!ClaimAndMakeFolders(lock, services, folder) ||
-      !CheckSupportFiles(services.system, services.op) || !OpenIniFile(services, folder, ini)) {
+  if (!MakeFolders(services, folder) || !CheckSupportFiles(services.system, services.op) ||
+      !OpenIniFile(services, folder, ini)) {
     return nullptr;
   }
   services.settings.ReadIniSettings(*ini);
@@ -208,8 +242,9 @@ bool EndProgram(ExitReason reason, ProgramForm& form, const Services& services,
   return true;
 }
 
-Program::Program(const SystemInfo& system)
+Program::Program(const SystemInfo& system, std::vector<std::filesystem::path> files)
     : system_(system),
+      files_to_open_(std::move(files)),
       folder_(system),
       files_([this] { return folder_.DefaultAppPath().string(); }),
       serial_([this](int number) { return LinuxPortDevice(folder_.DefaultAppPath(), number); }),
@@ -235,8 +270,9 @@ int Program::Run() {
   QObject::connect(qApp, &QGuiApplication::commitDataRequest, &session,
                    [this](QSessionManager& manager) { CommitSession(manager); });
   try {
-    if (!Start()) {
-      return pump_.Closing() ? EXIT_SUCCESS : EXIT_FAILURE;
+    if (const StartOutcome outcome = Start(); outcome != StartOutcome::kStarted) {
+      const bool failed = outcome == StartOutcome::kRefused && !pump_.Closing();
+      return failed ? EXIT_FAILURE : EXIT_SUCCESS;
     }
   } catch (const std::exception& failure) {
     ReportStartFailure(op_, failure.what());
@@ -247,20 +283,45 @@ int Program::Run() {
   return code;
 }
 
-bool Program::Start() {
+StartOutcome Program::Start() {
+  const StartOutcome claimed = ClaimInstance(lock_, services_, files_to_open_);
+  if (claimed != StartOutcome::kStarted) {
+    return claimed;
+  }
+  Receive();
   std::unique_ptr<ProgramForm> form =
-      StartProgram(lock_, splash_, services_, folder_, ini_, [this] { return MakeMainForm(); });
+      StartProgram(splash_, services_, folder_, ini_, [this] { return MakeMainForm(); });
   if (!form) {
-    return false;
+    return StartOutcome::kRefused;
   }
   if (pump_.Closing()) {  // closed during the splash
     End(ExitReason::kSessionEnd, *form);
     pump_.Close();
-    return false;
+    return StartOutcome::kRefused;
   }
   form->Show();
   main_form_ = std::move(form);
-  return true;
+  if (!files_to_open_.empty()) {
+    main_form_->OpenFilesLater(std::exchange(files_to_open_, {}));
+  }
+  return StartOutcome::kStarted;
+}
+
+// Without a socket the program works alone: a start with files then reports that it does not
+// answer.
+void Program::Receive() {
+  const auto take = [this](const std::vector<std::filesystem::path>& files) {
+    if (main_form_) {
+      main_form_->OpenFilesLater(files);
+    } else {
+      files_to_open_.insert(files_to_open_.end(), files.begin(), files.end());
+    }
+  };
+  try {
+    receiver_.emplace(lock_.Socket(), take);
+  } catch (const Error&) {
+    receiver_.reset();
+  }
 }
 
 std::unique_ptr<ProgramForm> Program::MakeMainForm() {

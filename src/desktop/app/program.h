@@ -3,10 +3,13 @@
 #include <QLockFile>
 #include <QString>
 #include <QTimer>
+#include <filesystem>
 #include <functional>
 #include <memory>
 #include <optional>
+#include <vector>
 
+#include "adapters/file_handover.h"
 #include "adapters/linux_machine.h"
 #include "adapters/program_runner.h"
 #include "adapters/qt_event_pump.h"
@@ -31,6 +34,9 @@ class LockFile {
   // process ends. Throws Error if the lock can be neither taken nor tested.
   bool Claim();
 
+  // Where the instance that holds the lock receives files.
+  [[nodiscard]] std::filesystem::path Socket() const;
+
  private:
   QString folder_;
   std::optional<QLockFile> lock_;
@@ -41,12 +47,26 @@ inline constexpr Milliseconds kSplashTime{2000};
 
 using MakeForm = std::function<std::unique_ptr<ProgramForm>()>;
 
-// The start, up to the loaded main form: the only instance, the data folder, the templates, the
-// settings; then the form is made while the splash is shown. `folder`, `ini` and the settings of
-// the services are valid once the form is made. Returns nullptr after reporting why the program
-// cannot start. The caller shows the form, unless the program was closed meanwhile.
-std::unique_ptr<ProgramForm> StartProgram(LockFile& lock, Splash& splash, const Services& services,
-                                          Folder& folder, std::optional<CPrivateINI>& ini,
+// How long a start waits for a running instance to take its files. That one may be starting too.
+inline constexpr Milliseconds kLongestHandover{15000};
+
+enum class StartOutcome {
+  kRefused,     // the reason was reported
+  kHandedOver,  // a running instance has taken the files
+  kStarted,
+};
+
+// The first step: the only instance takes the lock. A further one passes its files on and ends, or
+// reports the first one.
+StartOutcome ClaimInstance(LockFile& lock, const Services& services,
+                           const std::vector<std::filesystem::path>& files);
+
+// The rest of the start, up to the loaded main form: the data folder, the templates, the settings;
+// then the form is made while the splash is shown. `folder`, `ini` and the settings of the services
+// are valid once the form is made. Returns nullptr after reporting why the program cannot start.
+// The caller shows the form, unless the program was closed meanwhile.
+std::unique_ptr<ProgramForm> StartProgram(Splash& splash, const Services& services, Folder& folder,
+                                          std::optional<CPrivateINI>& ini,
                                           const MakeForm& make_form);
 
 // The exit. Asks the operator nothing: every change is in the database files already. A failure
@@ -59,12 +79,14 @@ bool EndProgram(ExitReason reason, ProgramForm& form, const Services& services,
 // The program: the services of this machine, start, event loop and exit. Needs a QApplication.
 class Program {
  public:
-  explicit Program(const SystemInfo& system);
+  // Opens the files, given by absolute paths, after the start, or hands them to a running instance.
+  explicit Program(const SystemInfo& system, std::vector<std::filesystem::path> files = {});
   virtual ~Program();
   Program(const Program&) = delete;
   Program& operator=(const Program&) = delete;
 
-  // Returns the exit code of the process: 0 after an exit, 1 if the start was refused.
+  // Returns the exit code of the process: 0 after an exit or a handover, 1 if the start was
+  // refused.
   int Run();
 
   // Ends the program once every wait and dialog has returned; not before this call returns. A
@@ -79,17 +101,20 @@ class Program {
   Services& GetServices() { return services_; }
 
  private:
-  bool Start();
+  StartOutcome Start();
+  void Receive();
   void CommitSession(QSessionManager& manager);
   static void CloseInFront();
   void ExitWhenIdle();
   bool End(ExitReason reason, ProgramForm& form);
 
   const SystemInfo& system_;
+  std::vector<std::filesystem::path> files_to_open_;  // until the main form takes them
   Folder folder_;
   std::optional<CPrivateINI> ini_;  // once the data folder is known
   PrivateINI settings_;
   LockFile lock_;
+  std::optional<FileReceiver> receiver_;
   QtOperator op_;
   QtFileChooser files_;
   QtUserSettings user_settings_;

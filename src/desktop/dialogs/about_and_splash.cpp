@@ -191,6 +191,10 @@ QString VersionText() { return ToQString(ProgramVersion()); }
 void SetHelpHandlers(MainWindow& window, const SystemInfo& system, OperatingSystem& os,
                      Operator& op) {
   window.SetHandler(MainCommand::kManual, [&] { ShowDocument(kUsersManual, system, os, op); });
+  window.SetHandler(MainCommand::kChapter, [&] {
+    ShowChapter(window.Tabs().CurrentTab(), system, os, op,
+                [&](const std::filesystem::path& chapter) { ViewChapter(chapter, window); });
+  });
   window.SetHandler(MainCommand::kReadme, [&] { ShowDocument(kReadme, system, os, op); });
   window.SetHandler(MainCommand::kAbout, [&] { About(system, os, op, &window).exec(); });
   QObject::connect(&window.Panels().PicResult(), &ResultPanel::OpenRequested, &window,

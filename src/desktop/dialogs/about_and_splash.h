@@ -3,6 +3,7 @@
 #include <QDialog>
 #include <QString>
 #include <QWidget>
+#include <filesystem>
 #include <memory>
 
 #include "desktop/main_window/main_window.h"
@@ -39,7 +40,11 @@ inline const QString kLogoPath = QStringLiteral(":/icons/logo.svg");
 // The program's version: major, minor and revision with points between them.
 QString VersionText();
 
-// Sets the handlers of the Help menu: both documents and the About box. Everything outlives the
+// Shows a chapter of the manual in a window of the program, which remains beside the main window. A
+// second chapter is shown in the same one.
+void ViewChapter(const std::filesystem::path& chapter, MainWindow& window);
+
+// Sets the handlers of the Help menu: the documents and the About box. Everything outlives the
 // window.
 void SetHelpHandlers(MainWindow& window, const SystemInfo& system, OperatingSystem& os,
                      Operator& op);

@@ -39,11 +39,6 @@ bool IsDark(const QColor& back) {
   return ContrastRatio(Qt::white, back) > ContrastRatio(Qt::black, back);
 }
 
-// A specified color does not change on a light background, however faint it is.
-QColor SpecifiedOn(const QColor& specified, const QColor& back) {
-  return IsDark(back) ? Readable(specified, back, kTextContrast) : specified;
-}
-
 QColor SystemOn(const QColor& text, const QColor& back) {
   if (ContrastRatio(text, back) >= kTextContrast) {
     return text;
@@ -56,7 +51,7 @@ QColor TextOn(FormatStyle style, const StyleColor& specified, const QColor& colo
   if (style == FormatStyle::kSelectedRow) {
     return color;
   }
-  return specified.system ? SystemOn(color, back) : SpecifiedOn(color, back);
+  return specified.system ? SystemOn(color, back) : Readable(color, back, kTextContrast);
 }
 
 QColor ColorOf(const QPalette& palette, const StyleColor& color) {
@@ -149,7 +144,7 @@ QFont HistoryStyles::HeaderFont() {
 }
 
 QColor HistoryStyles::HeaderColor(const QPalette& palette) {
-  return SpecifiedOn(QColor(kHeaderColor), palette.color(QPalette::Button));
+  return Readable(QColor(kHeaderColor), palette.color(QPalette::Button), kTextContrast);
 }
 
 const HistoryLook& HistoryStyles::Row(HistoryRowKind kind, std::int64_t row, bool selected) const {

@@ -23,9 +23,8 @@ struct HistoryLook {
   QFont font;
 };
 
-// The format styles of the history grid in the colors of a palette. Specified colors do not change.
-// The color of an unreadable text changes, except a specified color on a light background and the
-// palette's own selection.
+// The format styles of the history grid in the colors of a palette. The color of an unreadable text
+// changes, except in the palette's own selection.
 class HistoryStyles {
  public:
   explicit HistoryStyles(const QPalette& palette);

@@ -3,13 +3,17 @@
 #include <QApplication>
 #include <QCloseEvent>
 #include <QFocusEvent>
+#include <QKeySequence>
 #include <QLabel>
 #include <QMenuBar>
 #include <QPointer>
 #include <QScreen>
+#include <QShortcut>
+#include <QStringList>
 #include <QVBoxLayout>
 #include <algorithm>
 
+#include "base/files.h"
 #include "desktop/app/captions.h"
 #include "desktop/main_window/menus_and_toolbar.h"
 #include "widgets/fields.h"
@@ -22,8 +26,6 @@ namespace {
 constexpr int kMainTitleCaption = 1063;
 constexpr QSize kOpeningSize{1024, 720};
 constexpr QSize kSmallestSize{800, 600};
-// An estimate of the frame, whose real size is known only after the window is shown.
-constexpr QSize kFrameSize{16, 48};
 
 constexpr const char* UnitLabelOf(DatabaseKind kind) {
   return kind == DatabaseKind::kRecipe ? "lblDatabaseUoM" : "lblTransactionUoM";
@@ -46,6 +48,7 @@ MainWindow::MainWindow(const PrivateINI& settings, const Calendar& calendar)
   LayOut();
   calendar_ = new CalendarPopup(calendar, this);
   new EnterAsTab(this);
+  AddTabKeys();
   Connect();
   setMinimumSize(kSmallestSize);
   resize(kOpeningSize);
@@ -55,6 +58,15 @@ void MainWindow::FitIntoScreen() {
   const QSize room = screen()->availableSize() - kFrameSize;
   setMinimumSize(minimumSize().boundedTo(room));
   resize(size().boundedTo(room));
+}
+
+void MainWindow::ComeToFront() {
+  if (!isVisible()) {
+    return;
+  }
+  setWindowState(windowState() & ~Qt::WindowMinimized);
+  raise();
+  activateWindow();
 }
 
 void MainWindow::LayOut() {
@@ -69,7 +81,7 @@ void MainWindow::LayOut() {
   bars->addWidget(recipe_bar_);
   bars->addWidget(transaction_bar_);
   column->addLayout(bars);
-  setCentralWidget(whole);
+  setCentralWidget(MakeScrollArea(whole));
   for (const DatabaseKind kind : {DatabaseKind::kRecipe, DatabaseKind::kTransaction}) {
     AddLabel(*whole, UnitLabelOf(kind))->hide();
   }
@@ -92,6 +104,19 @@ void MainWindow::Connect() {
 void MainWindow::ChooseTab(int tab) {
   tabs_.SelectTab(tab);
   TabChosen();
+}
+
+// Alt+1 for the first tab, and so on. A tab that is off stays so.
+void MainWindow::AddTabKeys() {
+  for (int tab = 0; tab < kTabCount; ++tab) {
+    auto* const key =
+        new QShortcut(QKeySequence(Qt::ALT | static_cast<Qt::Key>(Qt::Key_1 + tab)), this);
+    connect(key, &QShortcut::activated, this, [this, tab] {
+      if (commands_.TabOn(tab) && LeaveEdits()) {
+        ChooseTab(tab);
+      }
+    });
+  }
 }
 
 void MainWindow::TabChosen() {
@@ -137,6 +162,7 @@ void MainWindow::CommitFocus() {
 
 void MainWindow::ApplyCaptions() {
   ApplyCaptionTable(*this);
+  ShowTitle();
   toolbar_->NameButtons();
   recipe_bar_->ShowCaptions();
   transaction_bar_->ShowCaptions();
@@ -197,6 +223,17 @@ void MainWindow::LeaveEdits(DatabaseKind kind) {
 
 void MainWindow::Rebind(DatabaseKind kind, const BoundDatabase& database) {
   OnEveryPage([&](MainTabPage& page) { page.Rebind(kind, database); });
+  open_names_.at(static_cast<std::size_t>(kind)) =
+      database.blank ? QString() : ToQString(FileTitle(database.path));
+  ShowTitle();
+}
+
+// The names of the open databases follow the specified title.
+void MainWindow::ShowTitle() {
+  QStringList names(open_names_.begin(), open_names_.end());
+  names.removeAll(QString());
+  const QString title = QTr(CaptionText(kMainTitleCaption).value_or(""));
+  setWindowTitle(names.isEmpty() ? title : title + QStringLiteral(" - ") + names.join(u", "));
 }
 
 void MainWindow::ReleaseViews() {

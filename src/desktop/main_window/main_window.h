@@ -1,8 +1,12 @@
 #pragma once
 
 #include <QMainWindow>
+#include <QString>
+#include <array>
+#include <filesystem>
 #include <functional>
 #include <string_view>
+#include <vector>
 
 #include "desktop/main_window/menus_and_toolbar.h"
 #include "desktop/main_window/panels.h"
@@ -12,6 +16,7 @@
 #include "platform/operator.h"
 #include "presenter/command_states.h"
 #include "presenter/database_commands.h"
+#include "presenter/recent_files.h"
 #include "settings/settings.h"
 #include "widgets/calendar_popup.h"
 
@@ -60,6 +65,18 @@ class MainWindow : public QMainWindow, public MainView, private CommandObserver 
 
   // Shrinks the window to the available area of the screen. Call it before showing the window.
   void FitIntoScreen();
+
+  // Files that are dropped on the window, also on a field. `take` must return soon.
+  using TakeFiles = std::function<void(const std::vector<std::filesystem::path>&)>;
+  void SetDropHandler(TakeFiles take);
+
+  // Lists the files in File, Open. The list outlives the window; `open` is called once the menu has
+  // closed.
+  using OpenRecent = std::function<void(FileKind, const std::filesystem::path&)>;
+  void ShowRecentFiles(const RecentFiles& files, OpenRecent open);
+
+  // Shows a minimized window and asks the desktop to give it the keyboard.
+  void ComeToFront();
 
   // Notifies the current page that the window was activated.
   void PageActivated();
@@ -116,6 +133,8 @@ class MainWindow : public QMainWindow, public MainView, private CommandObserver 
   void Connect();
   void TabChosen();
   void CommitFocus();
+  void ShowTitle();
+  void AddTabKeys();
   template <typename Call>
   void OnEveryPage(const Call& call);
   [[nodiscard]] DatabaseStatusBar& StatusBar(DatabaseKind kind) const;
@@ -132,6 +151,7 @@ class MainWindow : public QMainWindow, public MainView, private CommandObserver 
   DatabaseStatusBar* recipe_bar_;
   DatabaseStatusBar* transaction_bar_;
   CalendarPopup* calendar_;
+  std::array<QString, 2> open_names_;  // by DatabaseKind; empty for a closed database
 };
 
 }  // namespace vrx

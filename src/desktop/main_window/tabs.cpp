@@ -16,16 +16,20 @@ namespace vrx {
 
 namespace {
 
+constexpr std::string_view kNeedsRecipes = TrMark("Open a recipe database to use this tab");
+constexpr std::string_view kNeedsTransactions =
+    TrMark("Open a transaction database to use this tab");
+
 constexpr unsigned kRecordPanels = kPicAction | kPicNavigate;
 
 constexpr std::array<TabRow, kTabCount> kTabRows{{
-    {"Ingredients", "pageIngredients", kRecordPanels, true},
-    {"Recipes", "pageRecipes", kRecordPanels, true},
-    {"Pens", "pagePens", kRecordPanels, true},
+    {"Ingredients", "pageIngredients", kRecordPanels, true, kNeedsRecipes},
+    {"Recipes", "pageRecipes", kRecordPanels, true, kNeedsRecipes},
+    {"Pens", "pagePens", kRecordPanels, true, kNeedsRecipes},
     {"Data Transfer", "pageDataTransfer", kPicTransferStatus},
-    {"Batched/Fed", "pageBatchedFed"},
+    {"Batched/Fed", "pageBatchedFed", kNoPanel, false, kNeedsTransactions},
     {"Import", "pageImport", kPicImport},
-    {"Export", "pageExport"},
+    {"Export", "pageExport", kNoPanel, false, kNeedsTransactions},
 }};
 
 // Reports the focus, and every click on a tab after the tab has changed. The strip has the focus
@@ -158,6 +162,7 @@ void MainTabFolder::TurnTab(int tab, bool on) {
   const QSignalBlocker silent(tabBar());
   const int on_show = currentIndex();
   setTabEnabled(tab, on);
+  setTabToolTip(tab, on ? QString() : QTr(kTabRows.at(static_cast<std::size_t>(tab)).needs));
   tabBar()->setCurrentIndex(on_show);
 }
 

@@ -76,7 +76,8 @@ struct TabRow {
   std::string_view caption;
   std::string_view page;  // its page's name until one is put in its place
   unsigned panels = kNoPanel;
-  bool abbreviates = false;  // the toolbar's "Abbreviate" is on
+  bool abbreviates = false;     // the toolbar's "Abbreviate" is on
+  std::string_view needs = {};  // what it is off without; its tooltip then
 };
 
 // By the number of the tab.

@@ -99,6 +99,7 @@ void RecipeGrid::Show(const CurrentRecipe& shown) {
 void RecipeGrid::SetIngredients(std::vector<IngredientRecord> ingredients) {
   model_->SetNames(ingredients);
   list_->SetIngredients(std::move(ingredients));
+  FitColumns();
 }
 
 std::string RecipeGrid::IngredientName(const std::string& number) const {
@@ -144,7 +145,8 @@ void RecipeGrid::FitColumns() {
   RecipeColumnWidths least = totals_;
   least.at(kColumnIngredient) =
       fontMetrics().horizontalAdvance(idle) + 2 * kCellMargin + 3 * kSpacing;
-  FitRecipeColumns(*horizontalHeader(), viewport()->width(), least);
+  FitRecipeColumns(*horizontalHeader(), viewport()->width(), least,
+                   model_->WidestIngredient(fontMetrics()) + 2 * kCellMargin + 3 * kSpacing);
 }
 
 void RecipeGrid::MakeRoomForTotals(const RecipeColumnWidths& totals) {

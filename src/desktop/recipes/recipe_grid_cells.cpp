@@ -12,6 +12,7 @@
 #include "feed/recipe_columns.h"
 #include "widgets/drawing.h"
 #include "widgets/fields.h"
+#include "widgets/layout.h"
 #include "widgets/qt_text.h"
 
 namespace vrx {
@@ -20,6 +21,13 @@ namespace {
 
 const RecipeColumnRow& ColumnRow(int column) {
   return RecipeColumns()[static_cast<std::size_t>(column)];
+}
+
+constexpr double kDescriptionStrength = 0.7;  // of the text color
+
+// Where the descriptions begin, below each other. A name has six characters.
+int DescriptionOffset(const QFontMetrics& metrics) {
+  return metrics.horizontalAdvance(QStringLiteral("MMMMMM")) + kSpacing;
 }
 
 constexpr double kTint = 0.28;
@@ -89,10 +97,12 @@ std::vector<RecipeGridModel::Row> RecipeGridModel::RowsOf(const CurrentRecipe& s
 RecipeGridModel::Row RecipeGridModel::RowOf(const RecipeLineRecord& line) const {
   Row row;
   for (int column = 0; column < kRecipeColumnCount; ++column) {
-    row.at(static_cast<std::size_t>(column)) = ToQString(CellText(line, column));
+    row.cells.at(static_cast<std::size_t>(column)) = ToQString(CellText(line, column));
   }
-  QString& ingredient = row.at(kColumnIngredient);
-  ingredient = names_.value(ingredient);
+  QString& name = row.cells.at(kColumnIngredient);
+  const Ingredient ingredient = ingredients_.value(name);
+  name = ingredient.name;
+  row.description = ingredient.description;
   return row;
 }
 
@@ -111,23 +121,39 @@ void RecipeGridModel::SetRows(std::vector<Row> rows) {
   for (int row = 0; row < std::min(before, after); ++row) {
     Row& shown = rows_.at(static_cast<std::size_t>(row));
     Row& next = rows.at(static_cast<std::size_t>(row));
-    const auto first = std::mismatch(shown.begin(), shown.end(), next.begin()).first;
-    if (first == shown.end()) {
+    const auto& before_cells = shown.cells;
+    const auto& cells = next.cells;
+    const bool described = shown.description != next.description;
+    const auto first = std::mismatch(before_cells.begin(), before_cells.end(), cells.begin()).first;
+    if (first == before_cells.end() && !described) {
       continue;
     }
-    const auto last = std::mismatch(shown.rbegin(), shown.rend(), next.rbegin()).first.base() - 1;
-    const auto first_column = static_cast<int>(first - shown.begin());
-    const auto last_column = static_cast<int>(last - shown.begin());
+    const auto last =
+        std::mismatch(before_cells.rbegin(), before_cells.rend(), cells.rbegin()).first.base();
+    const auto first_column =
+        described ? kColumnIngredient : static_cast<int>(first - before_cells.begin());
+    const auto last_column =
+        std::max(first_column, static_cast<int>(last - before_cells.begin()) - 1);
     shown = std::move(next);
     Q_EMIT dataChanged(index(row, first_column), index(row, last_column));
   }
 }
 
 void RecipeGridModel::SetNames(const std::vector<IngredientRecord>& ingredients) {
-  names_.clear();
+  ingredients_.clear();
   for (const IngredientRecord& ingredient : ingredients) {
-    names_.insert(QString::number(ingredient.id), ToQString(ingredient.name));
+    ingredients_.insert(QString::number(ingredient.id),
+                        {ToQString(ingredient.name), ToQString(ingredient.description)});
   }
+}
+
+int RecipeGridModel::WidestIngredient(const QFontMetrics& metrics) const {
+  int widest = 0;
+  for (const Ingredient& ingredient : ingredients_) {
+    widest = std::max(
+        widest, DescriptionOffset(metrics) + metrics.horizontalAdvance(ingredient.description));
+  }
+  return widest;
 }
 
 void RecipeGridModel::SetUnit(std::string_view unit) {
@@ -154,9 +180,15 @@ QVariant RecipeGridModel::data(const QModelIndex& index, int role) const {
   if (!index.isValid() || index.row() >= rowCount()) {
     return {};
   }
-  const QString& text =
-      rows_.at(static_cast<std::size_t>(index.row())).at(static_cast<std::size_t>(index.column()));
+  const Row& row = rows_.at(static_cast<std::size_t>(index.row()));
+  const QString& text = row.cells.at(static_cast<std::size_t>(index.column()));
+  const bool described = index.column() == kColumnIngredient && !row.description.isEmpty();
   switch (role) {
+    case kDescriptionRole:
+      return described ? QVariant(row.description) : QVariant();
+    case Qt::ToolTipRole:
+    case Qt::AccessibleTextRole:
+      return described ? QVariant(text + QStringLiteral(", ") + row.description) : QVariant();
     case Qt::EditRole:
       return text;
     case Qt::DisplayRole:
@@ -210,6 +242,11 @@ RecipeCellLook LookOfCell(CellRole role, bool current_row, const QPalette& palet
   return look;
 }
 
+QColor DescriptionColor(const RecipeCellLook& look) {
+  return Readable(Blend(look.background, look.text, kDescriptionStrength), look.background,
+                  kTextContrast);
+}
+
 RecipeGridDelegate::RecipeGridDelegate(IngredientList& list, const RecipeGridModel& model,
                                        Commit commit, QObject* parent)
     : QStyledItemDelegate(parent), list_(list), model_(model), commit_(std::move(commit)) {}
@@ -254,8 +291,17 @@ void RecipeGridDelegate::paint(QPainter* painter, const QStyleOptionViewItem& op
   painter->setFont(font);
   const QFontMetrics metrics(font);
   const QString text = index.data(Qt::DisplayRole).toString();
-  painter->drawText(text_rect, index.data(Qt::TextAlignmentRole).toInt() | Qt::TextSingleLine,
+  const int alignment = index.data(Qt::TextAlignmentRole).toInt() | Qt::TextSingleLine;
+  const QString description = index.data(RecipeGridModel::kDescriptionRole).toString();
+  const QRect rest = text_rect.adjusted(
+      std::max(DescriptionOffset(metrics), metrics.horizontalAdvance(text) + kSpacing), 0, 0, 0);
+  painter->drawText(text_rect, alignment,
                     metrics.elidedText(text, Qt::ElideRight, text_rect.width()));
+  if (!description.isEmpty() && rest.width() > 0) {
+    painter->setPen(DescriptionColor(look));
+    painter->drawText(rest, alignment,
+                      metrics.elidedText(description, Qt::ElideRight, rest.width()));
+  }
   const auto* const grid = qobject_cast<const QAbstractItemView*>(option.widget);
   if (grid != nullptr && grid->currentIndex() == index) {
     PaintCurrentCell(*painter, option.rect, look.background,

@@ -2,6 +2,7 @@
 
 #include <QAbstractTableModel>
 #include <QColor>
+#include <QFontMetrics>
 #include <QHash>
 #include <QPalette>
 #include <QString>
@@ -27,8 +28,14 @@ class RecipeGridModel : public QAbstractTableModel {
   // Notifies the views only of changed cells.
   void Show(const CurrentRecipe& shown);
 
+  // The role of an ingredient's description, which the cell shows after the name.
+  static constexpr int kDescriptionRole = Qt::UserRole;
+
   // The names of the ingredients that can be chosen. A line with another ingredient shows no name.
   void SetNames(const std::vector<IngredientRecord>& ingredients);
+
+  // The width of the longest name with its description.
+  [[nodiscard]] int WidestIngredient(const QFontMetrics& metrics) const;
 
   void SetUnit(std::string_view unit);
 
@@ -47,7 +54,14 @@ class RecipeGridModel : public QAbstractTableModel {
   [[nodiscard]] Qt::ItemFlags flags(const QModelIndex& index) const override;
 
  private:
-  using Row = std::array<QString, kRecipeColumnCount>;
+  struct Row {
+    std::array<QString, kRecipeColumnCount> cells;
+    QString description;  // of the ingredient
+  };
+  struct Ingredient {
+    QString name;
+    QString description;
+  };
 
   [[nodiscard]] std::vector<Row> RowsOf(const CurrentRecipe& shown) const;
   [[nodiscard]] Row RowOf(const RecipeLineRecord& line) const;
@@ -57,7 +71,7 @@ class RecipeGridModel : public QAbstractTableModel {
   int line_count_ = 0;
   bool pending_ = false;
   bool read_only_ = false;
-  QHash<QString, QString> names_;
+  QHash<QString, Ingredient> ingredients_;  // by ID
   QString unit_;
 };
 
@@ -73,6 +87,9 @@ struct RecipeCellLook {
 // Uses only colors of the palette, except the blue of computed values. The current row is tinted
 // with the color of a selection.
 RecipeCellLook LookOfCell(CellRole role, bool current_row, const QPalette& palette);
+
+// Of an ingredient's description, fainter than its name and still readable.
+QColor DescriptionColor(const RecipeCellLook& look);
 
 // Draws the cells of `grdREC` and makes their editors.
 class RecipeGridDelegate : public QStyledItemDelegate {

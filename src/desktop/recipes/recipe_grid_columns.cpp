@@ -33,17 +33,19 @@ std::vector<int> ColumnsInSight(const QHeaderView& header, LineEntry shown, Line
   return order;
 }
 
-void FitRecipeColumns(QHeaderView& header, int width, const RecipeColumnWidths& least) {
+void FitRecipeColumns(QHeaderView& header, int width, const RecipeColumnWidths& least,
+                      int widest_ingredient) {
+  RecipeColumnWidths wanted = least;
   int left = width;
   for (int column = kColumnIngredient + 1; column < kRecipeColumnCount; ++column) {
-    if (!header.isSectionHidden(column)) {
-      const int wanted = std::max(header.sectionSizeHint(column) + kSpacing,
-                                  least.at(static_cast<std::size_t>(column)));
-      header.resizeSection(column, wanted);
-      left -= wanted;
-    }
+    int& of_column = wanted.at(static_cast<std::size_t>(column));
+    of_column = std::max(header.sectionSizeHint(column) + kSpacing, of_column);
+    left -= header.isSectionHidden(column) ? 0 : of_column;
   }
-  header.resizeSection(kColumnIngredient, std::max(left, least.at(kColumnIngredient)));
+  int& ingredient = wanted.at(kColumnIngredient);
+  ingredient = std::max(ingredient, std::min(left, widest_ingredient));
+  ShareWidth(header, width,
+             [&](int column) { return wanted.at(static_cast<std::size_t>(column)); });
 }
 
 int NextColumn(const QHeaderView& header, int column, int step) {

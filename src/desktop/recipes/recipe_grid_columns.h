@@ -19,9 +19,11 @@ std::vector<int> ColumnsInSight(const QHeaderView& header, LineEntry shown, Line
 // Widths by RecipeColumn, in logical pixels.
 using RecipeColumnWidths = std::array<int, kRecipeColumnCount>;
 
-// Makes each column wide enough for its caption and for its width in `least`; the column of the
-// ingredient gets the rest of `width`.
-void FitRecipeColumns(QHeaderView& header, int width, const RecipeColumnWidths& least);
+// Makes each column wide enough for its caption and for its width in `least`. The rest of `width`
+// goes to the column of the ingredient up to `widest_ingredient`, then to all columns alike, so
+// that a figure stays near its ingredient in a wide window.
+void FitRecipeColumns(QHeaderView& header, int width, const RecipeColumnWidths& least,
+                      int widest_ingredient);
 
 // The next visible column to the left (-1) or to the right (1); the column itself if there is none.
 int NextColumn(const QHeaderView& header, int column, int step);

@@ -226,6 +226,10 @@ void RecipeHead::ShowGroup(const Group& group, bool visible, bool enabled) const
   for (QWidget* part : group) {
     part->setEnabled(enabled && !read_only_);
     part->setVisible(visible);
+    if (!read_only_) {
+      part->setToolTip(enabled ? QString()
+                               : QTr("Enter the ingredients first; percentages must total 100"));
+    }
   }
 }
 

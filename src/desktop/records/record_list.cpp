@@ -198,17 +198,28 @@ RecordListGrid::RecordListGrid(RecordKind kind, const QString& name,
   QSizePolicy keeps_place = sizePolicy();
   keeps_place.setRetainSizeWhenHidden(true);
   setSizePolicy(keeps_place);
+  connect(horizontalHeader(), &QHeaderView::sectionResized, this,
+          [this] { sized_by_operator_ = sized_by_operator_ || !sizing_; });
   SizeColumns();
 }
 
-// As wide as the longest text of a field, whatever the records are.
+// At least as wide as the longest text of a field, whatever the records are. The columns fill the
+// grid until the operator sizes one.
 void RecordListGrid::SizeColumns() {
-  for (int column = 0; column < model_->columnCount(); ++column) {
+  if (sized_by_operator_) {
+    return;
+  }
+  const QScopedValueRollback sizing(sizing_, true);
+  ShareWidth(*horizontalHeader(), viewport()->width(), [this](int column) {
     const RecordColumn& row = model_->Column(column);
     const int caption = horizontalHeader()->sectionSizeHint(column) + kGroupSpacing;
-    const int text = row.typed ? WidthFor(*this, FieldOf(kind_, row.field).limit) : 0;
-    setColumnWidth(column, std::max(caption, text));
-  }
+    return std::max(caption, row.typed ? WidthFor(*this, FieldOf(kind_, row.field).limit) : 0);
+  });
+}
+
+void RecordListGrid::resizeEvent(QResizeEvent* event) {
+  QTableView::resizeEvent(event);
+  SizeColumns();
 }
 
 void RecordListGrid::SetCaption(const std::string& field, const QString& caption) {

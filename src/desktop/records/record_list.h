@@ -111,6 +111,7 @@ class RecordListGrid : public QTableView, public EnterByCell {
   void closeEditor(QWidget* editor, QAbstractItemDelegate::EndEditHint hint) override;
   void keyPressEvent(QKeyEvent* event) override;
   void mousePressEvent(QMouseEvent* event) override;
+  void resizeEvent(QResizeEvent* event) override;
 
  private:
   class CellDelegate;
@@ -124,6 +125,8 @@ class RecordListGrid : public QTableView, public EnterByCell {
   std::function<bool()> leave_;
   bool by_program_ = false;
   bool keeps_editor_ = false;
+  bool sizing_ = false;             // the columns, by the grid itself
+  bool sized_by_operator_ = false;  // their widths stay
 };
 
 // `cboIngID`, `cboRecID` or `cboPenID`: item 0 is blank, then an item for each record, so that a

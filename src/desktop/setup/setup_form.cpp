@@ -3,6 +3,7 @@
 #include <QFormLayout>
 #include <QHBoxLayout>
 #include <QLabel>
+#include <QScreen>
 #include <QTimer>
 #include <QVBoxLayout>
 #include <QVariant>
@@ -87,9 +88,8 @@ SetupForm::SetupForm(Services& services, KRMCOMM& krm, SetupFacts facts, QWidget
 
   auto* const column = new QVBoxLayout(this);
   column->setSpacing(kSpacing);
-  column->addWidget(tab_setup_folder_, 1);
+  column->addWidget(MakeScrollArea(tab_setup_folder_), 1);
   column->addWidget(cmd_ok_, 0, Qt::AlignRight);
-  resize(kSetupSize);
 
   ApplyCaptionTable(*this);
   ShowHeadings(*this);
@@ -100,6 +100,9 @@ SetupForm::SetupForm(Services& services, KRMCOMM& krm, SetupFacts facts, QWidget
   }
   connect(tab_setup_folder_, &QTabWidget::currentChanged, this, [this](int tab) { FillTab(tab); });
   connect(cmd_ok_, &QPushButton::clicked, this, [this] { ApplyControls(); });
+  const QSize around(4 * kSpacing, cmd_ok_->sizeHint().height() + 5 * kSpacing);
+  resize(kSetupSize.expandedTo(tab_setup_folder_->minimumSizeHint() + around)
+             .boundedTo(screen()->availableSize() - kFrameSize));
 }
 
 QWidget* SetupForm::MakeDatabaseTab() {

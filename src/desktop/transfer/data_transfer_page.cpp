@@ -1,5 +1,6 @@
 #include "desktop/transfer/data_transfer_page.h"
 
+#include <QBoxLayout>
 #include <string>
 #include <utility>
 
@@ -33,6 +34,7 @@ DataTransferPage::DataTransferPage(Services& services, KRMCOMM& krm, DatabaseCom
   line_watch_ = krm_.Guard().OnChange([this] {
     controls_.ShowLine(krm_.Guard());
     status_.ShowCancel(krm_.Guard().Cancelable() && !krm_.Guard().Canceled());
+    ShowFirstScreen();
   });
   connect(&status_, &TransferStatusPanel::CancelRequested, this, [this] { krm_.Guard().Cancel(); });
   Show();
@@ -45,7 +47,11 @@ void DataTransferPage::Connect() {
   on(controls_.cmd_download_recipe_to_krm, [this] { session_.DownloadRecipeToKRM(); });
   on(controls_.cmd_open_recipe_db, [this] { Download(&DownloadPresenter::OpenRecipeDB); });
   on(controls_.cmd_download_recipe_db, [this] { Download(&DownloadPresenter::DownloadRecipeDB); });
-  on(controls_.cmd_open_recipe_bu, [this] { Download(&DownloadPresenter::OpenRecipeBU); });
+  on(controls_.cmd_open_recipe_bu, [this] {
+    if (Download(&DownloadPresenter::OpenRecipeBU)) {
+      Q_EMIT BackupOpened(ToQString(session_.OpenedBackup()));
+    }
+  });
   on(controls_.cmd_download_recipe_bu, [this] { Download(&DownloadPresenter::DownloadRecipeBU); });
   on(controls_.cmd_upload_data_from_krm, [this] { UploadData(); });
   on(controls_.cmd_save_file, [this] { SaveFile(); });
@@ -64,8 +70,27 @@ void DataTransferPage::Connect() {
           [this] { transfer_.data_window = controls_.txt_data_window->Bytes(); });
 }
 
+void DataTransferPage::SetFirstScreen(FirstScreen* screen) {
+  first_screen_ = screen;
+  static_cast<QBoxLayout*>(layout())->addWidget(screen, 1);
+  ShowFirstScreen();
+}
+
+void DataTransferPage::ShowFirstScreen() {
+  if (first_screen_ == nullptr) {
+    return;
+  }
+  const bool unused = transfer_.data_window.empty() && transfer_.data_files.empty() &&
+                      !transfer_.recipe_frames_visible && krm_.Guard().Free();
+  const bool shown = unused && first_screen_->Wanted();
+  first_screen_->Refresh();
+  controls_.txt_data_window->setVisible(!shown);
+  first_screen_->setVisible(shown);
+}
+
 void DataTransferPage::Prepare() {
   controls_.ShowCaptions();
+  ShowFirstScreen();
   EnablePrintText();
 }
 
@@ -188,9 +213,19 @@ void DataTransferPage::KeepReceived() {
   }
 }
 
-void DataTransferPage::Download(bool (DownloadPresenter::*step)()) {
-  (session_.*step)();
+bool DataTransferPage::Download(bool (DownloadPresenter::*step)()) {
+  const bool done = (session_.*step)();
   ReportCause();
+  return done;
+}
+
+void DataTransferPage::OpenRecipeBackup(const std::string& path) {
+  Run([&] {
+    if (session_.OpenRecipeBackup(path)) {
+      Q_EMIT BackupOpened(ToQString(path));
+    }
+    ReportCause();
+  });
 }
 
 void DataTransferPage::ReportCause() {
@@ -234,7 +269,10 @@ void DataTransferPage::PrintText() {
 }
 
 void DataTransferPage::EnablePrintText() {
-  controls_.cmd_print_text->setEnabled(services_.settings.EnablePrintTextOn());
+  const bool on = services_.settings.EnablePrintTextOn();
+  controls_.cmd_print_text->setEnabled(on);
+  controls_.cmd_print_text->setToolTip(on ? QStringLiteral("Print what the data window shows")
+                                          : QTr("Turn this on in Tools, Setup/Test, Options"));
 }
 
 // The date is read last, because showing a recipe may store recomputed figures.
@@ -262,6 +300,7 @@ void DataTransferPage::FocusButton(QPushButton& button) {
 
 void DataTransferPage::Show() {
   controls_.Show(transfer_);
+  ShowFirstScreen();
   ShowMemory();
 }
 

@@ -11,6 +11,7 @@
 #include "desktop/main_window/tabs.h"
 #include "desktop/print/text_printer.h"
 #include "desktop/transfer/data_transfer_controls.h"
+#include "desktop/transfer/first_screen.h"
 #include "link/krmcomm.h"
 #include "platform/calendar.h"
 #include "platform/file_chooser.h"
@@ -39,6 +40,16 @@ class DataTransferPage final : public MainTabPage, private TransferView {
   void FocusUpload() { FocusButton(*controls_.cmd_upload_data_from_krm); }
   void FocusDownload() { FocusButton(*controls_.cmd_download_recipe_to_krm); }
 
+  // Shows it in the place of the data window while that is empty and it is wanted. The page owns
+  // it.
+  void SetFirstScreen(FirstScreen* screen);
+
+  // What the first screen shows has changed.
+  void RefreshFirstScreen() { ShowFirstScreen(); }
+
+  // Opens a recipe backup without the file dialog.
+  void OpenRecipeBackup(const std::string& path);
+
   // Another routine has used the serial port: a running direct connection reopens it.
   void ResumeDirectConnection();
 
@@ -52,6 +63,11 @@ class DataTransferPage final : public MainTabPage, private TransferView {
   // MainTabPage.
   void Prepare() override;
   void StripFocused() override { EnablePrintText(); }
+  void TabChanged(int /*tab*/, int /*previous*/) override { ShowFirstScreen(); }
+
+ Q_SIGNALS:
+  // The backup is ready to be sent, or in the memory of the direct connection.
+  void BackupOpened(const QString& path);
 
  Q_SIGNALS:
   // The operator wants these saved transaction files to be imported.
@@ -78,7 +94,7 @@ class DataTransferPage final : public MainTabPage, private TransferView {
   void UploadData();
   void KeepCanceledPart();
   bool Rescue(std::string_view bytes);
-  void Download(bool (DownloadPresenter::*step)());
+  bool Download(bool (DownloadPresenter::*step)());
   void ReportCause();
   void Reload();
   void SaveFile();
@@ -86,6 +102,7 @@ class DataTransferPage final : public MainTabPage, private TransferView {
   void PrintText();
   void EnablePrintText();
   void Show();
+  void ShowFirstScreen();
   void ShowMemory();
 
   Services& services_;
@@ -103,6 +120,7 @@ class DataTransferPage final : public MainTabPage, private TransferView {
   DirectConnection direct_;
   DownloadPresenter session_;
   DataTransferControls controls_;
+  FirstScreen* first_screen_ = nullptr;
   Connection chosen_ = Connection::kModule;  // current `optConnection`
   bool connect_again_ = false;               // the indicator was chosen while its connection ended
   LineGuard::Watch line_watch_;

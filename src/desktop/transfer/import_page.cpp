@@ -10,6 +10,7 @@
 #include <QVBoxLayout>
 #include <algorithm>
 #include <cstddef>
+#include <filesystem>
 #include <utility>
 
 #include "base/encoding.h"
@@ -57,6 +58,9 @@ bool IsText(int column) {
 }
 
 constexpr const char* kStoreMeaning = "Store the records in the open transaction database";
+constexpr const char* kUndoMeaning =
+    "Take the records of the last store out of the open transaction database; possible until the "
+    "next store";
 constexpr int kProgressCaption = 1064;
 constexpr int kTransactionFileCaption = 1094;
 constexpr int kUnitsCaption = 1095;
@@ -276,9 +280,8 @@ void ImportPage::FillPicImport() {
   };
   cmd_import_file_ = add("cmdImportFile", QStringLiteral("&Import"),
                          QStringLiteral("Choose a transaction file and show its records"));
-  cmd_import_undo_ = add("cmdImportUndo", QStringLiteral("&Undo the Last Store"),
-                         QStringLiteral("Take the records of the last store out of the open "
-                                        "transaction database; possible until the next store"));
+  cmd_import_undo_ =
+      add("cmdImportUndo", QStringLiteral("&Undo the Last Store"), QString::fromUtf8(kUndoMeaning));
   cmd_import_store_ =
       add("cmdImportStore", QStringLiteral("&Store"), QString::fromUtf8(kStoreMeaning));
   connect(cmd_import_file_, &QPushButton::clicked, this, [this] { ImportXFile(); });
@@ -312,7 +315,19 @@ void ImportPage::SetTabOrder() {
 }
 
 void ImportPage::ImportXFile() {
-  Run([this] { session_.ImportXFile(); });
+  Run([this] {
+    if (session_.ImportXFile()) {
+      Q_EMIT FileImported(ToQString(session_.File().FilePath()));
+    }
+  });
+}
+
+void ImportPage::ImportFile(const std::string& path) {
+  Run([&] {
+    if (session_.ImportFile({.path = path, .title = std::filesystem::path(path).filename()})) {
+      Q_EMIT FileImported(ToQString(path));
+    }
+  });
 }
 
 void ImportPage::ImportFiles(const std::vector<FileChoice>& files) {
@@ -378,8 +393,15 @@ void ImportPage::Rebind(DatabaseKind kind, const BoundDatabase& database) {
 void ImportPage::EnableStore() {
   const bool read_only = !read_only_note_.isEmpty();
   cmd_import_store_->setEnabled(session_.Form().cmd_import_store_enabled && !read_only);
-  cmd_import_store_->setToolTip(read_only ? read_only_note_ : QString::fromUtf8(kStoreMeaning));
+  cmd_import_store_->setToolTip(read_only ? read_only_note_
+                                : session_.Form().cmd_import_store_enabled
+                                    ? QString::fromUtf8(kStoreMeaning)
+                                    : QTr("Import a transaction file first"));
   cmd_import_undo_->setEnabled(session_.Form().cmd_import_undo_enabled);
+  cmd_import_undo_->setToolTip(
+      session_.Form().cmd_import_undo_enabled
+          ? QString::fromUtf8(kUndoMeaning)
+          : QTr("There is no store to undo in an open transaction database"));
 }
 
 // No events run during the import, so repaint immediately.

@@ -9,6 +9,7 @@
 #include <QTableView>
 #include <cstdint>
 #include <functional>
+#include <string>
 #include <string_view>
 #include <vector>
 
@@ -85,6 +86,8 @@ class ImportPage final : public MainTabPage, private ImportView, private Progres
 
   // Imports files one after the other: the next one after a store.
   void ImportFiles(const std::vector<FileChoice>& files);
+  // Imports this file.
+  void ImportFile(const std::string& path);
 
   const ImportPresenter& Session() const { return session_; }
 
@@ -109,6 +112,9 @@ class ImportPage final : public MainTabPage, private ImportView, private Progres
   void Done(const QString& text, std::int64_t new_rows);
   // After Done, if another file was imported in its turn: what both did.
   void WentOn(const QString& text);
+
+  // The grid shows the records of this file.
+  void FileImported(const QString& path);
 
  private:
   // ImportView.

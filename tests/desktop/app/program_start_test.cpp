@@ -43,10 +43,13 @@ class StartUp : public ::testing::Test {
                   "[Comments]\nTitle=x\n[Configuration]\nSystemUnits=KG\n");
   }
 
-  std::unique_ptr<ProgramForm> Start(const fs::path& locks) {
+  std::unique_ptr<ProgramForm> Start(const fs::path& locks,
+                                     const std::vector<fs::path>& files = {}) {
     LockFile lock(QString::fromStdString(locks.string()));
-    return StartProgram(lock, splash_, services_, app_folder_, ini_file_,
-                        [this] { return LoadForm(); });
+    return ClaimInstance(lock, services_, files) == StartOutcome::kStarted
+               ? StartProgram(splash_, services_, app_folder_, ini_file_,
+                              [this] { return LoadForm(); })
+               : nullptr;
   }
   std::unique_ptr<ProgramForm> Start() {
     std::unique_ptr<ProgramForm> form = Start(locks_);
@@ -144,6 +147,16 @@ TEST_F(StartUp, SecondStartSaysSoAndTouchesNothing) {
             "another window."));
   EXPECT_FALSE(fs::exists(common_));
   EXPECT_THAT(steps_, IsEmpty());
+}
+
+TEST_F(StartUp, FilesThatARunningProgramDoesNotTakeAreNamed) {
+  StartAnother();
+  EXPECT_EQ(Start(locks_, {"/data/YARD.RDB", "/data/01.QXT"}), nullptr);
+  EXPECT_THAT(OnlyBox(op_.boxes),
+              IsBox(Icon::kWarning, "Open File Error",
+                    "The program is already running and does not answer. This was not opened:"
+                    "\r\n\r\n/data/YARD.RDB\r\n/data/01.QXT"));
+  EXPECT_FALSE(fs::exists(common_));
 }
 
 TEST_F(StartUp, SecondStartIsReportedBeforeMissingTemplates) {

@@ -45,7 +45,8 @@ class ProgramWithForm : public vrx::Program {
  public:
   using Make = std::function<std::unique_ptr<ProgramForm>(ProgramWithForm&)>;
 
-  ProgramWithForm(const SystemInfo& system, Make make) : Program(system), make_(std::move(make)) {}
+  ProgramWithForm(const SystemInfo& system, Make make, std::vector<fs::path> files = {})
+      : Program(system, std::move(files)), make_(std::move(make)) {}
 
   using vrx::Program::GetServices;
 
@@ -242,6 +243,22 @@ TEST_F(RunningProgram, CloseBoxThatFailsLeavesTheProgramUpAndItsWaitsAlive) {
       "ReleaseDataControls");
   EXPECT_EQ(code, 0);
   EXPECT_EQ(steps_.back(), "Unload");
+}
+
+TEST_F(RunningProgram, GivesItsFilesToTheFormOnceItIsShown) {
+  ProgramWithForm program(system_,
+                          [&](ProgramWithForm& made) {
+                            return std::make_unique<RecordedMainForm>([&](const std::string& step) {
+                              steps_.push_back(step);
+                              if (step == "Show") {
+                                Later([&made] { made.Leave(ExitReason::kFileExit); });
+                              }
+                            });
+                          },
+                          {"/a.rdb", "/b.qxt"});
+  EXPECT_EQ(program.Run(), 0);
+  EXPECT_EQ(PlaceOf("open /a.rdb"), PlaceOf("Show") + 1);
+  EXPECT_EQ(PlaceOf("open /b.qxt"), PlaceOf("Show") + 2);
 }
 
 TEST_F(RunningProgram, EndOfTheSessionDuringTheSplashEndsTheFormUnshown) {

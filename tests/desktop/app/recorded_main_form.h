@@ -1,10 +1,12 @@
 #pragma once
 
+#include <filesystem>
 #include <functional>
 #include <optional>
 #include <stdexcept>
 #include <string>
 #include <utility>
+#include <vector>
 
 #include "desktop/app/main_form.h"
 
@@ -17,6 +19,11 @@ class RecordedMainForm : public ProgramForm {
       : note_(std::move(note)) {}
 
   void Show() override { note_("Show"); }
+  void OpenFilesLater(const std::vector<std::filesystem::path>& files) override {
+    for (const std::filesystem::path& file : files) {
+      note_("open " + file.string());
+    }
+  }
   bool LeaveEdits() override { return true; }
   void CloseSerialPort() override { note_("CloseSerialPort"); }
   void UnloadSetup() override { note_("UnloadSetup"); }

@@ -47,12 +47,15 @@ TEST(HistoryStylesTest, RowsHaveTheSpecifiedColorsOnALightPalette) {
   EXPECT_EQ(odd.font.pointSizeF(), 9.75);
 }
 
+// The specified red is slightly too light on white.
+const QColor kReadableRed = Readable(QColor(0xFF, 0, 0), Qt::white, kTextContrast);
+
 TEST(HistoryStylesTest, TheWeightsOfATotalAreDistinguished) {
   const HistoryStyles styles(Light());
   const HistoryLook& row = styles.Row(kTotal, 3, false);
   for (const auto& [column, color] : {std::pair{kTargetColumn, QColor(0, 0x80, 0)},
                                       {kActualBatchColumn, QColor(0, 0, 0xFF)},
-                                      {kActualFeedColumn, QColor(0xFF, 0, 0)}}) {
+                                      {kActualFeedColumn, kReadableRed}}) {
     const HistoryLook& cell = styles.Cell(kTotal, column, 3, false);
     EXPECT_EQ(cell.text, color);
     EXPECT_EQ(cell.back, QColor(Qt::white));

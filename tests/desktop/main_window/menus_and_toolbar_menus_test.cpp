@@ -129,7 +129,7 @@ TEST_F(MainMenusTest, NoTwoCommandsShareAShortcut) {
   }
   EXPECT_THAT(names["Ctrl+P"], ElementsAre("mnuFilePrint"));
   EXPECT_THAT(names["Ctrl+Q"], ElementsAre("mnuFileExit"));
-  EXPECT_THAT(names["F1"], ElementsAre("mnuHelpManual"));
+  EXPECT_THAT(names["F1"], ElementsAre("mnuHelpChapter"));
   EXPECT_THAT(names["Ctrl+D"], ElementsAre("Calendar"));
   for (const auto& [shortcut, holders] : names) {
     EXPECT_EQ(holders.size(), 1U) << shortcut;

@@ -273,11 +273,10 @@ TEST_F(MainTabsTest, TheStatusLineShowsItsTextInTheSpecifiedColors) {
   EXPECT_EQ(Text(u"lblStatus"_qs), u"Status:"_qs);
   Window().SetStatusLine(u"Upload complete!"_qs);
   EXPECT_EQ(Text(u"lblStatusWindow"_qs), u"Upload complete!"_qs);
-  const std::vector<std::pair<StatusColor, QColor>> expected{{StatusColor::kBlue, {0, 0, 192}},
-                                                             {StatusColor::kRed, {255, 0, 0}},
-                                                             {StatusColor::kGreen, {0, 128, 0}}};
-  for (const auto& [color, shown] : expected) {
+  const QColor window = Window().palette().color(QPalette::Window);
+  for (const StatusColor color : {StatusColor::kBlue, StatusColor::kRed, StatusColor::kGreen}) {
     Window().SetStatusColor(color);
+    const QColor shown = StatusTextColor(color, window);
     EXPECT_EQ(Find<QLabel>(u"lblStatusWindow"_qs).palette().color(QPalette::WindowText), shown);
   }
 }

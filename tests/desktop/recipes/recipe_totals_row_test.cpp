@@ -44,7 +44,7 @@ TEST_F(RecipeTotals, AreExactlyBelowTheirColumns) {
   AddCornHaySupplement(kByPercent);
   Enter();
   ExpectBelowTheColumns();
-  Grid().setColumnWidth(kColumnRationPercent, 222);
+  Grid().setColumnWidth(kColumnRationPercent, 300);
   ExpectBelowTheColumns();
   Grid().horizontalHeader()->moveSection(5, 1);
   ExpectBelowTheColumns();
