@@ -22,6 +22,7 @@ class HistoryPeriodOnPage : public HistoryFixture {
   std::string Text(const char* name) { return Field(name).text().toStdString(); }
   void TypeDay(const char* name, const QString& day, int end = Qt::Key_Return) {
     Window().activateWindow();  // the list that was open before took its place
+    RunEvents();
     Field(name).setFocus();
     Field(name).selectAll();
     QTest::keyClicks(&Field(name), day);
