@@ -220,7 +220,8 @@ TEST_F(DownloadFaults, AreReportedAndTheNextDownloadIsWhole) {
     SCOPED_TRACE(faults[line].option);
     const Result failed = ResultOf(*downloads[line]);
     EXPECT_EQ(failed.code, 1);
-    EXPECT_THAT(failed.err, HasSubstr(faults[line].words + "cause: "));
+    EXPECT_THAT(failed.err, HasSubstr(faults[line].words));
+    EXPECT_THAT(failed.err, HasSubstr("cause: "));
     EXPECT_THAT(failed.out, IsEmpty());
   }
 

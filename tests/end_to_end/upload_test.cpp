@@ -157,7 +157,7 @@ TEST_F(UploadFaults, AreReportedAndTheNextUploadIsWhole) {
       {"garbage", "\ncause: unexpected reply\nError: KRM not detected\n"},
       {"stall=7000", "the reply broke off after 1 bytes\nError: KRM not detected\n"},
       {"cut-after=40", "Error: Command response failed\ncause: "},
-      {"hang-up=40", "Error: Serial line lost\ncause: "},
+      {"hang-up=40", "KRM Error: The connection to the serial port was lost.\ncause: "},
       {"xoff=1", "Error: Serial line held\ncause: ", true},
       {"extra-us", "Invalid terminators\n"},
       {"strays=17", "Invalid terminators\n"}};

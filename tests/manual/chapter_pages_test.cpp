@@ -58,7 +58,7 @@ TEST(ChapterPages, LinkAndShowOnlyWhatIsThere) {
 TEST(ChapterPages, KeepNoMarksOfTheirSource) {
   for (const manual::Chapter& chapter : ManualChapters()) {
     EXPECT_THAT(PageOf(chapter), Not(HasSubstr("**"))) << chapter.file;
-    EXPECT_THAT(PageOf(chapter), Not(HasSubstr("screen:"))) << chapter.file;
+    EXPECT_THAT(PageOf(chapter), Not(HasSubstr("(screen:"))) << chapter.file;
   }
 }
 

@@ -103,6 +103,8 @@ TEST_F(RecipeFiguresOnDisplay, AreRightAfterTwoLinesATargetAndAnAdjustmentByKeys
   Keys({"ctrl+a"});
   Type("Steers");
   Keys({"Tab"});
+  ASSERT_TRUE(WaitForFocus("txtRecName"));
+  Keys({"Tab"});
   Settle();
   if (const Screen screen = Look();
       screen.Focus() != nullptr && screen.Focus()->name == "lstRecBatchType") {

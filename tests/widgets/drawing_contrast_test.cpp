@@ -85,7 +85,14 @@ TEST(WithReadableTexts, LeavesWhatCanBeRead) {
   QPalette palette = LightDesktop();
   palette.setColor(QPalette::Highlight, QColor(0, 60, 120));
   palette.setColor(QPalette::PlaceholderText, QColor(0, 0, 0, 200));
-  EXPECT_EQ(WithReadableTexts(palette), palette);
+  palette.setColor(QPalette::LinkVisited, QColor(100, 0, 100));
+  const QPalette readable = WithReadableTexts(palette);
+  for (int role = 0; role < QPalette::NColorRoles; ++role) {
+    const auto color_role = static_cast<QPalette::ColorRole>(role);
+    EXPECT_EQ(readable.color(color_role).name(QColor::HexArgb).toStdString(),
+              palette.color(color_role).name(QColor::HexArgb).toStdString())
+        << role;
+  }
 }
 
 TEST(WithReadableTexts, DarkensASelectionAndKeepsItsText) {

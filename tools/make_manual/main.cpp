@@ -81,12 +81,12 @@ void MakeManual(const fs::path& source, const fs::path& program_directory, const
   const std::vector<Chapter> chapters = ReadChapters(source);
   const auto caption = [](int id) { return vrx::ToQString(vrx::CaptionText(id).value()); };
   const Pictures pictures = GrabFigures(chapters, program_directory);
-  WriteChapterPages(chapters, pictures, pages);
   const QByteArray pdf = WriteManual(chapters, pictures,
                                      {.product = caption(kTitleCaption),
                                       .version = vrx::VersionText(),
                                       .copyright = caption(kCopyrightCaption),
                                       .logo = vrx::kLogoPath});
+  WriteChapterPages(chapters, pictures, pages);
   vrx::WriteFileBytes(target, {pdf.constData(), static_cast<std::size_t>(pdf.size())});
 }
 

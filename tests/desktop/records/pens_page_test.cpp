@@ -67,9 +67,11 @@ TEST_F(PensPageTest, AFeedIsAWholeNumberOfUpToSixDigits) {
     EXPECT_EQ(Shown("txtPenFeed"), left) << typed;
     EXPECT_EQ(Stored(3).feed_amount, left) << typed;
   }
-  TypeOver("txtPenFeed", "12.34567");
+  TypeOver("txtPenFeed", "1234567");
   EXPECT_EQ(Shown("txtPenFeed"), "123456");
-  EXPECT_EQ(operator_.beeps, 2);
+  EXPECT_EQ(operator_.beeps, 1);
+  TypeOver("txtPenFeed", "12.34");
+  EXPECT_EQ(Shown("txtPenFeed"), "12");
 }
 
 TEST_F(PensPageTest, APenWithFeedAloneKeepsItsNameAndIsActive) {

@@ -24,8 +24,8 @@
 namespace vrx::testing {
 
 inline constexpr QColor kStatusBlue{0, 0, 192};
-inline constexpr QColor kStatusRed{255, 0, 0};
-inline constexpr QColor kStatusGreen{0, 128, 0};
+inline constexpr QColor kStatusRed{220, 0, 0};  // red and green as far as they are readable
+inline constexpr QColor kStatusGreen{0, 126, 0};
 
 // A text and color that the label of the status line has shown.
 struct StatusLook {
@@ -111,7 +111,7 @@ class LineFixture : public TransferFixture {
 
   StatusLook Status() {
     const auto& label = Find<QLabel>(u"lblStatusWindow"_qs);
-    return {label.text().toStdString(), label.palette().color(QPalette::WindowText)};
+    return {label.text().toStdString(), QColor(label.palette().color(QPalette::WindowText).rgb())};
   }
   bool WasShown(const StatusLook& status) const {
     return std::find(shown_.begin(), shown_.end(), status) != shown_.end();
