@@ -19,7 +19,7 @@ constexpr milliseconds kHang{10'000};
 constexpr milliseconds kHang{2000};
 #endif
 constexpr std::size_t kSpecified = 40;  // actions
-constexpr int kMonkeyTimeout = 5000;      // ms
+constexpr int kMonkeyTimeout = 5000;    // ms
 
 // They start programs of the machine.
 constexpr std::array kLeftAlone = {"Users Manual", "Readme", "System Info..."};
