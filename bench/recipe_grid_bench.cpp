@@ -31,6 +31,7 @@
 #include "figures.h"
 #include "measure.h"
 #include "presenter/command_states.h"
+#include "presenter/undo_commands.h"
 #include "settings/settings.h"
 #include "support/temp_folder.h"
 #include "support/test_services.h"
@@ -215,7 +216,8 @@ class ShownPage {
   AutoAbbreviation abbreviation_;
   BoundDatabase bound_ = BindUserDatabase(MakeFullDatabase(folder_ / "FULL.RDB"), kBusyTimeout);
   QWidget form_;
-  RecipesPage page_{test_.services, delay_, abbreviation_};
+  UndoCommands undo_{test_.services};
+  RecipesPage page_{test_.services, delay_, abbreviation_, undo_};
 };
 
 struct Keys {

@@ -287,14 +287,22 @@ void RecordFormPage::Navigate(NavigateButton button) {
 
 // Storage.
 
+EditStep RecordFormPage::StepOn(EditAct act, std::string_view field) const {
+  EditStep step;
+  step.act = act;
+  step.place.kind = design_.kind;
+  step.place.id = position_;
+  step.place.field = std::string(field);
+  step.subject = stored_.name;
+  return step;
+}
+
 void RecordFormPage::Store(std::string_view field) {
   if (!MayWrite()) {
     return;
   }
   undo_.Begin();
-  const EditStep step{.act = EditAct::kSet,
-                      .place = {.kind = design_.kind, .id = position_, .field = std::string(field)},
-                      .subject = stored_.name};
+  const EditStep step = StepOn(EditAct::kSet, field);
   const bool changed = StoreCurrentRecord();
   if (changed) {
     undo_.Stored(step);
@@ -327,9 +335,7 @@ void RecordFormPage::DefaultRecord() {
   if (!MayWrite()) {
     return;
   }
-  const EditStep step{.act = EditAct::kDefaults,
-                      .place = {.kind = design_.kind, .id = position_},
-                      .subject = stored_.name};
+  const EditStep step = StepOn(EditAct::kDefaults, {});
   RunReported<Error>(services_.op, EventFailure, [this] { undo_.Begin(); });
   const ResetOutcome outcome = AskAndReset(*database_, design_.kind, position_, services_);
   if (outcome == ResetOutcome::kReset) {

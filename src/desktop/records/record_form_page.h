@@ -142,6 +142,8 @@ class RecordFormPage : public RecordPage {
 
   // Stores the record, if there is one to write. Throws. `field` is the field that is left; empty
   // for none.
+  // An edit of the current record, before it is stored.
+  [[nodiscard]] EditStep StepOn(EditAct act, std::string_view field) const;
   void Store(std::string_view field = {});
   // Returns false after reporting a failure.
   bool Commit();
