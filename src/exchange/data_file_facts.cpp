@@ -7,6 +7,7 @@
 #include <string_view>
 #include <vector>
 
+#include "base/translation.h"
 #include "exchange/file_batches.h"
 #include "exchange/imported_data.h"
 #include "exchange/store_row.h"
@@ -25,8 +26,8 @@ class NoProgress : public ProgressDisplay {
   void SetProgressValue(int /*value*/) override {}
 };
 
-std::string CountOf(std::size_t count, std::string_view noun, std::string_view plural) {
-  return std::to_string(count) + " " + std::string(count == 1 ? noun : plural);
+std::string CountOf(std::size_t count, std::string_view one, std::string_view many) {
+  return count == 1 ? Tr(one) : Tr(many, {std::to_string(count)});
 }
 
 std::string DaysOf(const ImportedData& rows) {
@@ -41,7 +42,9 @@ std::string DaysOf(const ImportedData& rows) {
   if (!first) {
     return {};
   }
-  return MediumText(*first) + (first == last ? "" : " to " + MediumText(*last)) + ", ";
+  return (first == last ? MediumText(*first)
+                        : Tr("%1 to %2", {MediumText(*first), MediumText(*last)})) +
+         ", ";
 }
 
 DataFileFacts TransactionFacts(std::string_view text) {
@@ -50,9 +53,10 @@ DataFileFacts TransactionFacts(std::string_view text) {
   NoProgress progress;
   const ImportHooks hooks;
   if (!TransactionParser(text, file, rows, progress, hooks, [] {}).Run().empty()) {
-    return {.summary = "not readable"};
+    return {.summary = Tr("not readable")};
   }
-  return {.summary = DaysOf(rows) + CountOf(ReadFileBatches(rows).size(), "batch", "batches"),
+  return {.summary = DaysOf(rows) +
+                     CountOf(ReadFileBatches(rows).size(), TrMark("1 batch"), TrMark("%1 batches")),
           .first_record = ParseTransactionDate(rows.Cell(1, kImportedDate))};
 }
 
@@ -84,14 +88,15 @@ DataFileFacts ReadDataFileFacts(std::string_view text) {
     return TransactionFacts(text);
   }
   if (text.starts_with(kRecipeMark)) {
-    return {.summary = CountOf(LinesOf(text, "[ING]"), "ingredient", "ingredients") + ", " +
-                       CountOf(LinesOf(text, "[REC]"), "recipe", "recipes") + ", " +
-                       CountOf(LinesOf(text, "[PEN]"), "pen", "pens")};
+    return {.summary =
+                CountOf(LinesOf(text, "[ING]"), TrMark("1 ingredient"), TrMark("%1 ingredients")) +
+                ", " + CountOf(LinesOf(text, "[REC]"), TrMark("1 recipe"), TrMark("%1 recipes")) +
+                ", " + CountOf(LinesOf(text, "[PEN]"), TrMark("1 pen"), TrMark("%1 pens"))};
   }
   if (text.starts_with(kReportMark)) {
     text.remove_prefix(kReportMark.size());
   }
-  return {.summary = CountOf(CountLines(text), "line", "lines")};
+  return {.summary = CountOf(CountLines(text), TrMark("1 line"), TrMark("%1 lines"))};
 }
 
 }  // namespace vrx

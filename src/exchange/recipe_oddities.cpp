@@ -15,6 +15,7 @@
 #include "base/encoding.h"
 #include "base/error.h"
 #include "base/number.h"
+#include "base/translation.h"
 #include "database/connection.h"
 #include "exchange/recipe_text.h"
 #include "feed/batch_type.h"
@@ -26,8 +27,8 @@ namespace {
 
 constexpr std::size_t kMostListed = 5;  // records of one kind
 
-constexpr std::string_view kEmpty = "Recipes without ingredients: ";
-constexpr std::string_view kNoTarget = "Recipes without ration target: ";
+constexpr std::string_view kEmpty = TrMark("Recipes without ingredients: %1");
+constexpr std::string_view kNoTarget = TrMark("Recipes without ration target: %1");
 
 // "Recipes without ration target: 3 (STEERS), 7 (HEIFERS) and 12 more"
 class OddList {
@@ -41,9 +42,11 @@ class OddList {
   }
   void AppendTo(std::vector<std::string>& lines) const {
     if (count_ > 0) {
-      lines.push_back(
-          std::string(caption_) + records_ +
-          (count_ > kMostListed ? " and " + std::to_string(count_ - kMostListed) + " more" : ""));
+      const std::string records =
+          count_ > kMostListed
+              ? Tr("%1 and %2 more", {records_, std::to_string(count_ - kMostListed)})
+              : records_;
+      lines.push_back(Tr(caption_, {records}));
     }
   }
 
@@ -69,7 +72,7 @@ void AddRecipes(const RecipeTables& tables, std::vector<std::string>& lines) {
     recipe_lines[line.recipe_id].push_back(line);
   }
   OddList empty(kEmpty);
-  OddList percent("Recipes whose percentages do not total 100: ");
+  OddList percent(TrMark("Recipes whose percentages do not total 100: %1"));
   OddList target(kNoTarget);
   for (const RecipeRecord& recipe : tables.recipes) {
     const BatchType* const type = FindBatchType(recipe.batch_type);
@@ -98,9 +101,10 @@ void AddRecipes(const RecipeTables& tables, std::vector<std::string>& lines) {
 void AddPenCapacity(std::optional<int> size, std::vector<std::string>& lines) {
   constexpr int kStep = 100;
   if (size) {
-    lines.push_back("Pens above " + std::to_string(*size - kStep) +
-                    " have a feed amount: the indicator needs its " + std::to_string(*size) +
-                    "-pen capacity option");
+    lines.push_back(
+        Tr("Pens above %1 have a feed amount: the indicator needs its %2-pen capacity "
+           "option",
+           {std::to_string(*size - kStep), std::to_string(*size)}));
   }
 }
 
@@ -135,7 +139,7 @@ void ForEachLine(std::string_view text, std::string_view section, const Take& ta
 std::vector<std::string> FindOddities(const RecipeTables& tables) {
   std::vector<std::string> lines;
   AddRecipes(tables, lines);
-  OddList dry_matter("Ingredients without dry matter: ");
+  OddList dry_matter(TrMark("Ingredients without dry matter: %1"));
   for (const IngredientRecord& ingredient : tables.ingredients) {
     if (IsActive(ingredient) && ingredient.dry_matter_percent < 1) {
       dry_matter.Add(ingredient.id, ingredient.name);

@@ -11,6 +11,7 @@
 #include <sqlite3.h>
 
 #include "base/number.h"
+#include "base/translation.h"
 #include "database/connection.h"
 #include "database/identity.h"
 #include "database/schema.h"
@@ -360,9 +361,13 @@ void EditHistory::Store(const EditEntry& entry, bool undo, const Calendar& calen
   WithDatabaseErrors(*database_, [&] {
     SQLite::Transaction transaction(*database_, SQLite::TransactionBehavior::IMMEDIATE);
     if (!restoration.IsPossible(entry.rows)) {
-      throw UndoRefusal((undo ? "Undo " : "Redo ") + entry.name +
-                        ": its values have been changed since, by another program or by a "
-                        "download. Nothing was changed.");
+      throw UndoRefusal(
+          undo ? Tr("Undo %1: its values have been changed since, by another program or by a "
+                    "download. Nothing was changed.",
+                    {entry.name})
+               : Tr("Redo %1: its values have been changed since, by another program or by a "
+                    "download. Nothing was changed.",
+                    {entry.name}));
     }
     restoration.Run(entry.rows);
     TouchDatabase(*database_, calendar);

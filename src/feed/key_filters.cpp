@@ -3,6 +3,7 @@
 #include "base/encoding.h"
 #include "base/error.h"
 #include "base/number.h"
+#include "base/translation.h"
 
 namespace vrx {
 namespace {
@@ -44,7 +45,7 @@ std::string_view DigitRefusal(int key) {
 }
 
 std::string FullRefusal(std::size_t limit) {
-  return "Full: at most " + std::to_string(limit) + " characters";
+  return Tr("Full: at most %1 characters", {std::to_string(limit)});
 }
 
 std::string NormalizeNameChar(std::string_view character) {

@@ -5,6 +5,7 @@
 #include <string>
 #include <string_view>
 
+#include "base/translation.h"
 namespace vrx {
 
 inline constexpr std::size_t kDescriptionLimit = 16;  // characters
@@ -20,10 +21,11 @@ inline constexpr int kBackspaceKey = 8;               // dropped by every filter
 [[nodiscard]] int FilterDecimalKey(int key);      // digits and "."
 
 // What the fields with these filters take, as a refused key is explained: "Only digits".
-inline constexpr std::string_view kTakesName = "Only letters, digits, / + - and spaces";
-inline constexpr std::string_view kTakesDescription = "Only letters, digits, + - and spaces";
-inline constexpr std::string_view kTakesDigits = "Only digits";
-inline constexpr std::string_view kTakesWholeNumbers = "Only whole numbers, no decimals";
+inline constexpr std::string_view kTakesName = TrMark("Only letters, digits, / + - and spaces");
+inline constexpr std::string_view kTakesDescription =
+    TrMark("Only letters, digits, + - and spaces");
+inline constexpr std::string_view kTakesDigits = TrMark("Only digits");
+inline constexpr std::string_view kTakesWholeNumbers = TrMark("Only whole numbers, no decimals");
 
 // Why a field of digits drops a key: a decimal key asks for another number, any other key for none.
 [[nodiscard]] std::string_view DigitRefusal(int key);

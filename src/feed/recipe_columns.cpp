@@ -8,6 +8,7 @@
 
 #include "base/number.h"
 #include "base/text.h"
+#include "base/translation.h"
 #include "feed/key_filters.h"
 #include "feed/record_fields.h"
 
@@ -30,15 +31,15 @@ constexpr std::size_t kTargetLimit = 6;
 // Why a percentage with that text drops a key.
 std::string_view PercentRefusal(std::string_view text, int key) {
   if (FilterDecimalKey(key) == 0) {
-    return "Only digits and a decimal point";
+    return TrMark("Only digits and a decimal point");
   }
   const std::size_t point = text.find('.');
   if (key == '.') {
-    return point == std::string_view::npos ? "A digit comes before the decimal point"
-                                           : "Only one decimal point";
+    return point == std::string_view::npos ? TrMark("A digit comes before the decimal point")
+                                           : TrMark("Only one decimal point");
   }
-  return point != std::string_view::npos && text.size() - point > 2 ? "At most two decimals"
-                                                                    : "At most 100 %";
+  return point != std::string_view::npos && text.size() - point > 2 ? TrMark("At most two decimals")
+                                                                    : TrMark("At most 100 %");
 }
 
 const LineCell& CellOf(LineColumn column) {
@@ -140,7 +141,8 @@ LineKey TypeLineKey(LineColumn column, std::string_view text, int key) {
     return {.code = code};
   }
   if (!percent) {
-    return {.refusal = text.size() >= kTargetLimit ? "Full: at most 6 digits" : DigitRefusal(key)};
+    return {.refusal =
+                text.size() >= kTargetLimit ? TrMark("Full: at most 6 digits") : DigitRefusal(key)};
   }
   return {.refusal = PercentRefusal(text, typed)};
 }
@@ -189,9 +191,9 @@ std::string CellText(const RecipeLineRecord& line, int column) {
 std::string_view WhyClosed(int column) {
   switch (kColumns.at(static_cast<std::size_t>(column)).role) {
     case kComputed:
-      return "Computed from the other columns";
+      return TrMark("Computed from the other columns");
     case kReadOnly:
-      return "Edited on the Ingredients tab";
+      return TrMark("Edited on the Ingredients tab");
     case kEntered:
       break;
   }

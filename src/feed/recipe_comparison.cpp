@@ -7,6 +7,7 @@
 
 #include "base/error.h"
 #include "base/number.h"
+#include "base/translation.h"
 #include "database/identity.h"
 #include "feed/recipe_columns.h"
 
@@ -149,8 +150,8 @@ std::string UnitsDiffer(const ComparedRecipe& a, std::string_view title_of_a,
   if (a.unit == b.unit) {
     return {};
   }
-  return "The weights of " + std::string(title_of_a) + " are in " + a.unit + ", those of " +
-         std::string(title_of_b) + " in " + b.unit + ": they are compared as numbers.";
+  return Tr("The weights of %1 are in %2, those of %3 in %4: they are compared as numbers.",
+            {std::string(title_of_a), a.unit, std::string(title_of_b), b.unit});
 }
 
 }  // namespace vrx

@@ -9,13 +9,14 @@
 #include "base/encoding.h"
 #include "base/number.h"
 #include "base/text.h"
+#include "base/translation.h"
 
 namespace vrx {
 namespace {
 
 constexpr std::array<RecordKindTraits, 3> kKinds = {{
     {.kind = RecordKind::kIngredient,
-     .noun = "ingredient",
+     .noun = TrMark("ingredient"),
      .plural = "ingredients",
      .count = kIngredientCount,
      .default_name_prefix = "ING",
@@ -25,7 +26,7 @@ constexpr std::array<RecordKindTraits, 3> kKinds = {{
      .reset_refusal_end = " to its default values because it is currently being used in recipe(s).",
      .reset_beeps = true},
     {.kind = RecordKind::kRecipe,
-     .noun = "recipe",
+     .noun = TrMark("recipe"),
      .plural = "recipes",
      .count = kRecipeCount,
      .default_name_prefix = "REC",
@@ -35,7 +36,7 @@ constexpr std::array<RecordKindTraits, 3> kKinds = {{
      .reset_refusal_end = "",
      .reset_beeps = false},
     {.kind = RecordKind::kPen,
-     .noun = "pen",
+     .noun = TrMark("pen"),
      .plural = "pens",
      .count = kPenCount,
      .default_name_prefix = "PEN",

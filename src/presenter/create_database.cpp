@@ -7,6 +7,7 @@
 
 #include "base/files.h"
 #include "base/text.h"
+#include "base/translation.h"
 #include "base/undo.h"
 #include "database/identity.h"
 #include "presenter/report_failure.h"
@@ -112,7 +113,7 @@ class Creation {
                 " may already exist or there might be an invalid character in the name."});
     const std::string path = wanted_.path.string();
     if (why == std::errc::file_exists) {
-      ShowBox(Icon::kCritical, kCreationError, problem, path + " already exists");
+      ShowBox(Icon::kCritical, kCreationError, problem, Tr("%1 already exists", {path}));
     } else {
       ShowBox(Icon::kCritical, kCreationError,
               Joined({problem, kLineEnd, kLineEnd, path, " cannot be written: ", why.message()}));

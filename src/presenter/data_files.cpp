@@ -7,6 +7,7 @@
 #include "base/files.h"
 #include "base/number.h"
 #include "base/text.h"
+#include "base/translation.h"
 #include "settings/settings.h"
 
 namespace vrx {
@@ -164,7 +165,7 @@ bool ReportFile::SaveDataFile(int file, const AskForName& ask) {
     if (!save_failure_.empty()) {
       op_.ShowMessage({.icon = Icon::kCritical,
                        .title = kind->refusal_title,
-                       .text = "The file was not saved.\r\n\r\n" + save_failure_});
+                       .text = Tr("The file was not saved.") + "\r\n\r\n" + save_failure_});
     }
     return false;
   }

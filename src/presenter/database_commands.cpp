@@ -8,6 +8,7 @@
 #include "base/files.h"
 #include "base/number.h"
 #include "base/text.h"
+#include "base/translation.h"
 #include "base/undo.h"
 #include "database/identity.h"
 #include "database/missing_records.h"
@@ -255,12 +256,12 @@ void DatabaseCommands::WarnOfMissingRecords(const BoundDatabase& database,
   if (missing.empty()) {
     return;
   }
-  services_.op.ShowMessage({.icon = Icon::kWarning,
-                            .title = "Incomplete Database",
-                            .text = "The recipe database " + name +
-                                    " lacks these records: " + missing +
-                                    ".\r\n\r\nThey cannot be edited or sent. Restore the file from "
-                                    "a backup copy."});
+  services_.op.ShowMessage(
+      {.icon = Icon::kWarning,
+       .title = Tr("Incomplete Database"),
+       .text = Tr("The recipe database %1 lacks these records: %2.", {name, missing}) + "\r\n\r\n" +
+               Tr("They cannot be edited or sent. Restore the file from a "
+                  "backup copy.")});
 }
 
 // Returns false if another database was bound, or if the program closes.
@@ -307,7 +308,7 @@ void DatabaseCommands::FinishTransactionOpen(Side& side, const FileToOpen& file)
 void DatabaseCommands::ShowOpened(Side& side, const FileToOpen& file) {
   side.current.unit = side.bound.unit;
   ShowPanel(side, kPanelName,
-            side.bound.read_only_note.empty() ? file.name : file.name + " (read-only)");
+            side.bound.read_only_note.empty() ? file.name : Tr("%1 (read-only)", {file.name}));
   ShowPanel(side, kPanelUnit, side.current.unit);
   WarnIfUnitsDiffer(side.current.unit);
   constexpr std::array<std::pair<StatusPanel, DateSelector>, 2> kDates{

@@ -4,6 +4,7 @@
 #include <string>
 
 #include "base/text.h"
+#include "base/translation.h"
 #include "link/krmcomm.h"
 #include "presenter/upload.h"
 #include "settings/settings.h"
@@ -125,7 +126,7 @@ bool DirectConnection::DirectConnectLoop() {
   op_.Beep();
   op_.ShowMessage({.icon = Icon::kCritical,
                    .title = "Error",
-                   .text = "The direct-connection has ended: " + krm_.GS_KRM_ErrMsg() + ".",
+                   .text = Tr("The direct-connection has ended: %1.", {krm_.GS_KRM_ErrMsg()}),
                    .cause = krm_.KRM_FailureCause(),
                    .port_help = PortHelp::kCauseAndSetup});
   ConnectModule();
@@ -154,16 +155,17 @@ void DirectConnection::HandleByte(char byte) {
       transfer_.received.Discarded();
       transfer_.file_path.clear();
       transfer_.data_window.clear();
-      ShowReply(answered, "Received <DC4>, cleared memory.", "Received <DC4>, the answer failed.");
+      ShowReply(answered, "Received <DC4>, cleared memory.",
+                Tr("Received <DC4>, the answer failed."));
       break;
     }
     case KRMConst::NAK:
       ShowReply(answer(&KRMCOMM::KRM_DumpVirtualMemory), "Received <NAK>, transmitted memory.",
-                "Received <NAK>, the answer failed.");
+                Tr("Received <NAK>, the answer failed."));
       break;
     case KRMConst::FS:
       ShowReply(answer(&KRMCOMM::KRM_DumpAllVirtualMemory), "Received <FS>, transmitted memory.",
-                "Received <FS>, the answer failed.");
+                Tr("Received <FS>, the answer failed."));
       break;
     default:
       krm_.KRM_AppendToVirtualMemory({&byte, 1});
@@ -192,7 +194,7 @@ bool DirectConnection::LoadMemory(std::string_view text) {
   const bool answered = krm_.KRM_ClearVirtualMemory();
   transfer_.received.Discarded();
   krm_.KRM_AppendToVirtualMemory(text);
-  ShowReply(answered, kWaitingAfterLoad, "The memory is loaded, the answer failed.");
+  ShowReply(answered, kWaitingAfterLoad, Tr("The memory is loaded, the answer failed."));
   return answered;
 }
 

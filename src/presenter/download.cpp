@@ -25,7 +25,7 @@ namespace {
 
 constexpr Milliseconds kDownloadingInterval{250};
 constexpr TransferTexts kDownloading{
-    .begins = "Downloading to KRM....  ", .percent_of = "", .time_left = ""};
+    .begins = "Downloading to KRM....  ", .percent = "%1%", .time_left = TrMark("%1 left")};
 
 constexpr std::string_view kDatabaseFileError = "Recipe Database-File Error";
 constexpr std::string_view kBackupFileError = "Recipe Backup-File Error";
@@ -69,10 +69,10 @@ bool Download::DownloadToModule(std::string_view text) {
 }
 
 bool Download::ReportCanceled(bool detected, std::size_t bytes) {
-  ReportFailed(op_, detected ? "Download canceled after " + std::to_string(krm_.GL_KRM_TxDCount()) +
-                                   " of " + std::to_string(bytes) +
-                                   " bytes. The data in the module are incomplete."
-                             : "Download canceled. The module is unchanged.");
+  ReportFailed(op_, detected ? Tr("Download canceled after %1 of %2 bytes. The data in the module "
+                                  "are incomplete.",
+                                  {std::to_string(krm_.GL_KRM_TxDCount()), std::to_string(bytes)})
+                             : Tr("Download canceled. The module is unchanged."));
   return false;
 }
 
@@ -123,8 +123,9 @@ bool DownloadPresenter::DownloadRecipeDB() {
   }
   if (!database.read_only_note.empty()) {
     Refuse(kDatabaseFileError,
-           "The Recipe database is read-only, and a download stores the recomputed lines in it: " +
-               database.read_only_note + ". Save it under another name first.",
+           Tr("The Recipe database is read-only, and a download stores the recomputed lines in it: "
+              "%1. Save it under another name first.",
+              {database.read_only_note}),
            "cmdOpenRecipeDB");
     return false;
   }
@@ -216,19 +217,20 @@ void DownloadPresenter::Refuse(std::string_view title, std::string_view text,
 // What a download overwrites cannot be had back.
 std::string DownloadPresenter::LastUpload() const {
   if (transfer_.connection == Connection::kIndicator) {
-    return transfer_.received.Unsaved() ? "What the indicator sent has not been saved." : "";
+    return transfer_.received.Unsaved() ? Tr("What the indicator sent has not been saved.") : "";
   }
   if (!transfer_.uploaded_at) {
-    return "The module has not been uploaded in this run of the program.";
+    return Tr("The module has not been uploaded in this run of the program.");
   }
   const auto minutes =
       std::chrono::floor<std::chrono::minutes>(services_.pump.Now() - *transfer_.uploaded_at)
           .count();
-  return "The module was last uploaded " +
-         (minutes < 1    ? "less than a minute"
-          : minutes == 1 ? "1 minute"
-                         : std::to_string(minutes) + " minutes") +
-         " ago.";
+  if (minutes < 1) {
+    return Tr("The module was last uploaded less than a minute ago.");
+  }
+  return minutes == 1
+             ? Tr("The module was last uploaded 1 minute ago.")
+             : Tr("The module was last uploaded %1 minutes ago.", {std::to_string(minutes)});
 }
 
 bool DownloadPresenter::ConfirmOverwrite(const std::string& source,
@@ -264,9 +266,10 @@ bool DownloadPresenter::BuildFromDatabase(const CurrentDatabase& database) {
   const FailureReport database_failure{.title = kDatabaseFileError,
                                        .text = FailureText::kDatabaseWords,
                                        .beeps = services_.settings.EnableBeeperOn()};
+  const std::string nothing = "\r\n" + Tr("Nothing was downloaded.");
   const FailureReport text_failure{.title = kDatabaseFileError,
                                    .text = FailureText::kMessage,
-                                   .words = "\r\nNothing was downloaded.",
+                                   .words = nothing,
                                    .beeps = services_.settings.EnableBeeperOn()};
   const auto build = [&] {
     RecipeDownload download = TakeRecipeDownload(

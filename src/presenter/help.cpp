@@ -9,6 +9,7 @@
 
 #include "base/files.h"
 #include "base/text.h"
+#include "base/translation.h"
 #include "presenter/command_states.h"
 
 namespace vrx {
@@ -250,7 +251,7 @@ void OpenWrittenFile(const std::filesystem::path& path, OperatingSystem& os, Ope
   }
   op.ShowMessage({.icon = Icon::kWarning,
                   .title = "Error: File not found",
-                  .text = path.string() + " was moved or deleted."});
+                  .text = Tr("%1 was moved or deleted.", {path.string()})});
 }
 
 void ReportMissingDocument(std::string_view file, Operator& op) {

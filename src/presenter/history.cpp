@@ -10,6 +10,7 @@
 
 #include "base/date.h"
 #include "base/text.h"
+#include "base/translation.h"
 #include "database/connection.h"
 #include "database/records.h"
 #include "presenter/report_failure.h"
@@ -59,7 +60,7 @@ std::string RefusalOf(std::string_view typed) {
   if (TrimBlanks(typed).empty() || ParseTypedDate(typed)) {
     return {};
   }
-  return "\"" + std::string(TrimBlanks(typed)) + "\" is not a day. Type it as 1/31/2026.";
+  return Tr("\"%1\" is not a day. Type it as 1/31/2026.", {std::string(TrimBlanks(typed))});
 }
 
 }  // namespace
@@ -68,8 +69,9 @@ std::string LeftOutText(std::int64_t undated) {
   if (undated == 0) {
     return {};
   }
-  return undated == 1 ? "1 record without a readable date is left out."
-                      : std::to_string(undated) + " records without a readable date are left out.";
+  return undated == 1
+             ? Tr("1 record without a readable date is left out.")
+             : Tr("%1 records without a readable date are left out.", {std::to_string(undated)});
 }
 
 std::string NamePickerState::Text() const {
@@ -280,7 +282,7 @@ void HistoryPresenter::TypeDays(std::string_view from, std::string_view to) {
     period_.refusal = RefusalOf(to);
   }
   if (period_.refusal.empty() && !period.IsPossible()) {
-    period_.refusal = "The first day is after the last day.";
+    period_.refusal = Tr("The first day is after the last day.");
   }
   if (period_.refusal.empty()) {
     Act([&] {

@@ -8,6 +8,7 @@
 #include "base/files.h"
 #include "base/number.h"
 #include "base/text.h"
+#include "base/translation.h"
 #include "database/connection.h"
 #include "exchange/imported_data.h"
 #include "exchange/unread_feeds.h"
@@ -22,8 +23,30 @@ constexpr std::string_view kImportErrorTitle = "Import Error";
 
 std::string CountText(std::int32_t count) { return Format(static_cast<double>(count), "0"); }
 
-std::string CountOf(std::size_t count, const std::string& noun) {
-  return std::to_string(count) + " " + noun + (count == 1 ? "" : "s");
+// "Stored 3 records", and as which transactions.
+std::string StoredAs(const StoreOutcome& outcome) {
+  const std::string count = std::to_string(outcome.stored);
+  if (!outcome.lowest) {
+    return outcome.stored == 1 ? Tr("Stored 1 record") : Tr("Stored %1 records", {count});
+  }
+  const std::string lowest = std::to_string(*outcome.lowest);
+  if (outcome.lowest != outcome.highest) {
+    return Tr("Stored %1 records as transactions %2 to %3",
+              {count, lowest, std::to_string(*outcome.highest)});
+  }
+  return outcome.stored == 1 ? Tr("Stored 1 record as transaction %1", {lowest})
+                             : Tr("Stored %1 records as transaction %2", {count, lowest});
+}
+
+// ", of 05-Jan-26 to 06-Jan-26"; empty without a date.
+std::string OfDays(const StoreOutcome& outcome) {
+  if (!outcome.first_date) {
+    return {};
+  }
+  const std::string first = MediumText(*outcome.first_date);
+  return outcome.first_date == outcome.last_date
+             ? Tr(", of %1", {first})
+             : Tr(", of %1 to %2", {first, MediumText(*outcome.last_date)});
 }
 
 }  // namespace
@@ -31,23 +54,13 @@ std::string CountOf(std::size_t count, const std::string& noun) {
 std::string StoredSummary(const StoreOutcome& outcome) {
   std::string text;
   if (outcome.stored > 0) {
-    text = "Stored " + CountOf(outcome.stored, "record");
-    if (outcome.lowest) {
-      const std::string lowest = std::to_string(*outcome.lowest);
-      text += outcome.lowest == outcome.highest
-                  ? " as transaction " + lowest
-                  : " as transactions " + lowest + " to " + std::to_string(*outcome.highest);
-    }
-    if (outcome.first_date) {
-      text += ", of " + MediumText(*outcome.first_date);
-      text +=
-          outcome.first_date == outcome.last_date ? "" : " to " + MediumText(*outcome.last_date);
-    }
-    text += ".";
+    text = StoredAs(outcome) + OfDays(outcome) + ".";
   }
   if (outcome.repeated > 0) {
-    text += (text.empty() ? "" : " ") + CountOf(outcome.repeated, "record") +
-            (outcome.repeated == 1 ? " was" : " were") + " there already.";
+    text += (text.empty() ? "" : " ") +
+            (outcome.repeated == 1
+                 ? Tr("1 record was there already.")
+                 : Tr("%1 records were there already.", {std::to_string(outcome.repeated)}));
   }
   return text;
 }
@@ -203,14 +216,14 @@ void ImportPresenter::ShowOrHideProgress() {
   view_.ImportChanged();
 }
 
-bool ImportPresenter::MayWrite(const OpenDatabases& databases, const char* missing) {
+bool ImportPresenter::MayWrite(const OpenDatabases& databases, const std::string& missing) {
   if (databases.trans_db_path.empty()) {
     Refuse(missing);
     return false;
   }
   if (!databases.trans_db_read_only_note.empty()) {
-    Refuse("The Transaction database is read-only, so that nothing can be stored in it: " +
-           databases.trans_db_read_only_note);
+    Refuse(Tr("The Transaction database is read-only, so that nothing can be stored in it: %1",
+              {databases.trans_db_read_only_note}));
     return false;
   }
   return true;
@@ -244,7 +257,7 @@ StoreOutcome ImportPresenter::ClickImportStore(RepeatedBatches repeated) {
 bool ImportPresenter::ClickImportUndo() {
   const OpenDatabases databases = view_.Databases();
   if (!MayWrite(databases,
-                "Please open the Transaction database whose last store is to be undone.") ||
+                Tr("Please open the Transaction database whose last store is to be undone.")) ||
       !store_.UndoLastStore(databases)) {
     return false;
   }

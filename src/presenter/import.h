@@ -116,7 +116,7 @@ class ImportPresenter {
   void EmptyImport();
   void ReportUnreadFeeds();
   void Refuse(std::string text);
-  bool MayWrite(const OpenDatabases& databases, const char* missing);
+  bool MayWrite(const OpenDatabases& databases, const std::string& missing);
   bool ConfirmUnits(const OpenDatabases& databases);
 
   Services& services_;

@@ -4,6 +4,7 @@
 #include <optional>
 #include <string_view>
 
+#include "base/translation.h"
 #include "legacy/convert.h"
 #include "platform/conversion_display.h"
 #include "presenter/database_commands.h"
@@ -11,8 +12,8 @@
 
 namespace vrx {
 
-inline constexpr std::string_view kConversionTitle = "Database Conversion";
-inline constexpr std::string_view kConversionErrorTitle = "Database Conversion Error";
+inline constexpr std::string_view kConversionTitle = TrMark("Database Conversion");
+inline constexpr std::string_view kConversionErrorTitle = TrMark("Database Conversion Error");
 
 // Asks about a Jet file to be opened, and converts a copy of it. Reports failures. All references
 // outlive the object.

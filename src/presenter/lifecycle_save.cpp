@@ -5,6 +5,7 @@
 
 #include "base/files.h"
 #include "base/text.h"
+#include "base/translation.h"
 #include "database/copy_database.h"
 #include "database/identity.h"
 #include "presenter/database_commands.h"
@@ -19,11 +20,14 @@ namespace {
 constexpr std::string_view kAllFiles = "|All Files (*.*)|*.*";
 
 std::string UnitQuestion(const BoundDatabase& database, const std::string& system_unit) {
-  const std::string labelled = database.unit.empty()
-                                   ? " have no unit; this system works in "
-                                   : " are labelled " + database.unit + "; this system works in ";
-  return "The weights of " + FileTitle(database.path) + labelled + system_unit + ". Label them " +
-         system_unit + " from now on? No figure is converted.";
+  const std::string name = FileTitle(database.path);
+  return database.unit.empty()
+             ? Tr("The weights of %1 have no unit; this system works in %2. Label them %2 from now "
+                  "on? No figure is converted.",
+                  {name, system_unit})
+             : Tr("The weights of %1 are labelled %3; this system works in %2. Label them %2 from "
+                  "now on? No figure is converted.",
+                  {name, system_unit, database.unit});
 }
 
 }  // namespace
@@ -113,7 +117,7 @@ void DatabaseCommands::RequireUnbound(const fs::path& target) const {
   for (const Side* side : {&recipe_, &transaction_}) {
     std::error_code not_there;
     if (!side->bound.path.empty() && fs::equivalent(target, side->bound.path, not_there)) {
-      throw FileError(target.string() + " is in use by this program");
+      throw FileError(Tr("%1 is in use by this program", {target.string()}));
     }
   }
 }

@@ -9,6 +9,7 @@
 
 #include "base/files.h"
 #include "base/number.h"
+#include "base/translation.h"
 #include "database/connection.h"
 #include "database/identity.h"
 #include "feed/batch_type.h"
@@ -20,10 +21,10 @@
 namespace vrx {
 namespace {
 
-constexpr std::string_view kCopyTitle = "Copy (Error)";
-constexpr std::string_view kCompareTitle = "Compare Recipes";
+constexpr std::string_view kCopyTitle = TrMark("Copy (Error)");
+constexpr std::string_view kCompareTitle = TrMark("Compare Recipes");
 
-constexpr std::string_view kDiffers = "\u2260 ";
+constexpr std::string_view kDiffers = "≠ ";
 constexpr std::string_view kOnlyHere = "+ ";
 constexpr std::string_view kMissing = "\u2013";
 
@@ -42,10 +43,6 @@ FailureReport CompareFailure(const Error& failure) {
 
 RecipeItem ItemOf(const RecipeRecord& recipe) {
   return {.id = recipe.id, .text = FormatIdPrefix(recipe.id) + recipe.name};
-}
-
-std::string LineCount(std::size_t lines) {
-  return std::to_string(lines) + (lines == 1 ? " line" : " lines");
 }
 
 bool Contains(const std::vector<std::string_view>& names, std::string_view name) {
@@ -164,13 +161,15 @@ class ComparisonRows {
 
 std::string Summary(std::size_t fields, std::size_t lines, std::size_t totals) {
   if (fields + lines + totals == 0) {
-    return "The recipes are the same.";
+    return Tr("The recipes are the same.");
   }
-  const auto counted = [](std::size_t count, const std::string& one) {
-    return std::to_string(count) + " " + one + (count == 1 ? "" : "s");
+  const auto count = [](std::size_t number, std::string_view one, std::string_view many) {
+    return number == 1 ? Tr(one) : Tr(many, {std::to_string(number)});
   };
-  return "Different (\u2260): " + counted(fields, "field") + ", " + counted(lines, "line") + ", " +
-         counted(totals, "total") + ". A line with + is only in that recipe.";
+  return Tr("Different (≠): %1, %2, %3. A line with + is only in that recipe.",
+            {count(fields, TrMark("1 field"), TrMark("%1 fields")),
+             count(lines, TrMark("1 line"), TrMark("%1 lines")),
+             count(totals, TrMark("1 total"), TrMark("%1 totals"))});
 }
 
 }  // namespace
@@ -190,10 +189,11 @@ std::optional<CopyOffer> OfferCopy(SQLite::Database& database, int from, Service
     WithDatabaseErrors(database, [&] {
       const RecipeRecord recipe = ReadRecipe(database, from);
       const std::size_t lines = ReadRecipeLines(database, from).size();
-      const std::string named = "recipe " + std::to_string(from) + " (" + recipe.name + ")";
+      const std::string number = std::to_string(from);
       if (!IsActive(recipe) && lines == 0) {
-        throw CopyRefusal("R" + named.substr(1) +
-                          " cannot be copied: it has neither description nor lines.");
+        throw CopyRefusal(
+            Tr("Recipe %1 (%2) cannot be copied: it has neither description nor lines.",
+               {number, recipe.name}));
       }
       for (const RecipeRecord& free : FreeRecipes(database)) {
         offer.proposed += free.id < from ? 1 : 0;
@@ -201,11 +201,13 @@ std::optional<CopyOffer> OfferCopy(SQLite::Database& database, int from, Service
       }
       if (offer.free.empty()) {
         throw CopyRefusal(
-            "No recipe is free: each has a description or lines. Press Default on a recipe that is "
-            "no longer used.");
+            Tr("No recipe is free: each has a description or lines. Press Default on a recipe that "
+               "is no longer used."));
       }
       offer.proposed %= offer.free.size();
-      offer.question = "Copy " + named + " with " + LineCount(lines) + " to:";
+      offer.question = lines == 1 ? Tr("Copy recipe %1 (%2) with 1 line to:", {number, recipe.name})
+                                  : Tr("Copy recipe %1 (%2) with %3 lines to:",
+                                       {number, recipe.name, std::to_string(lines)});
     });
   });
   return offered ? std::optional(std::move(offer)) : std::nullopt;
@@ -235,7 +237,8 @@ std::optional<ComparedFile> OpenComparedFile(const std::filesystem::path& path,
       }
     });
     if (file.items.empty()) {
-      throw Error(FileTitle(path) + " has no recipe to compare: none has a description or lines.");
+      throw Error(
+          Tr("%1 has no recipe to compare: none has a description or lines.", {FileTitle(path)}));
     }
   });
   return opened ? std::optional(std::move(file)) : std::nullopt;
@@ -244,7 +247,7 @@ std::optional<ComparedFile> OpenComparedFile(const std::filesystem::path& path,
 std::optional<ComparedFile> AskForComparedFile(Services& services) {
   const KindTexts& words = TextsOf(DatabaseKind::kRecipe);
   const FileChoice choice =
-      services.files.ShowOpen({.title = "Compare With Recipe Database",
+      services.files.ShowOpen({.title = Tr("Compare With Recipe Database"),
                                .filter = std::string(words.filter),
                                .default_extension = std::string(words.extension),
                                .start_folder = services.folder.DefaultAppPath().string(),

@@ -4,6 +4,7 @@
 #include <string_view>
 
 #include "base/text.h"
+#include "base/translation.h"
 #include "database/connection.h"
 #include "database/records.h"
 #include "feed/recipe_storage.h"
@@ -53,7 +54,7 @@ void ReportFailures(Operator& op, const std::string& failures) {
     op.ShowMessage(
         {.icon = Icon::kWarning,
          .title = std::string(kUpdateTitle),
-         .text = "These recipes could not be computed and stay as they were:" + failures});
+         .text = Tr("These recipes could not be computed and stay as they were:") + failures});
   }
 }
 

@@ -3,6 +3,7 @@
 #include <exception>
 #include <string>
 
+#include "base/translation.h"
 #include "database/connection.h"
 #include "feed/record_fields.h"
 
@@ -10,7 +11,7 @@ namespace vrx {
 
 namespace {
 
-constexpr std::string_view kEditErrorTitle = "Edit (Error)";
+constexpr std::string_view kEditErrorTitle = TrMark("Edit (Error)");
 
 std::string TextOf(const FailureReport& report, const std::exception& failure) {
   switch (report.text) {
@@ -27,7 +28,7 @@ std::string TextOf(const FailureReport& report, const std::exception& failure) {
 }
 
 std::string NotStored(std::string_view what, std::string_view cause) {
-  return "The " + std::string(what) + " could not be stored: " + std::string(cause) + "\r\n";
+  return Tr("The %1 could not be stored: %2", {std::string(what), std::string(cause)}) + "\r\n";
 }
 
 }  // namespace
@@ -84,7 +85,7 @@ EditEnd AskAboutEdit(Operator& op, std::string_view what, std::string cause,
                         .buttons = Buttons::kTryDiscardStay,
                         .title = std::string(kEditErrorTitle),
                         .text = NotStored(what, cause) +
-                                "Try again, discard what was entered, or stay and keep it?"});
+                                Tr("Try again, discard what was entered, or stay and keep it?")});
     if (answer != Answer::kTryAgain) {
       return answer == Answer::kDiscard ? EditEnd::kDiscarded : EditEnd::kStays;
     }
@@ -101,7 +102,7 @@ void ReportEditGivenUp(Operator& op, std::string_view what, std::string_view cau
   op.Beep();
   op.ShowMessage({.icon = Icon::kCritical,
                   .title = std::string(kEditErrorTitle),
-                  .text = NotStored(what, cause) + "It is given up."});
+                  .text = NotStored(what, cause) + Tr("It is given up.")});
 }
 
 }  // namespace vrx

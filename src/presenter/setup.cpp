@@ -10,6 +10,7 @@
 
 #include "base/files.h"
 #include "base/number.h"
+#include "base/translation.h"
 #include "presenter/help.h"
 
 namespace vrx {
@@ -43,7 +44,7 @@ constexpr std::array<SetupOption, kSetupOptionCount> kOptions{{
 // A shipped document of each kind. The manual is only shipped as a PDF file, so there is no DOC
 // document to find a viewer for.
 constexpr std::string_view kNoDocument =
-    "DOC: No document of this kind ships with the program. The manual is VRX2260_U.PDF.\r\n";
+    TrMark("DOC: No document of this kind ships with the program. The manual is VRX2260_U.PDF.");
 constexpr std::array<std::pair<std::string_view, std::string_view>, 2> kProbes{
     {{"TXT", "Readme.TXT"}, {"PDF", "VRX2260_U.PDF"}}};
 
@@ -248,7 +249,7 @@ SetupControls LoadSetupControls(const PrivateINI& settings) {
 }
 
 std::string AssociationsText(const SystemInfo& system) {
-  std::string text(kNoDocument);
+  std::string text = Tr(kNoDocument) + "\r\n";
   for (const auto& [kind, document] : kProbes) {
     std::string message;
     const std::string viewer = FindDocumentViewer(system, std::string(document), message);

@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <chrono>
 
+#include "base/translation.h"
+
 namespace vrx {
 namespace {
 
@@ -22,11 +24,11 @@ std::string TransferProgress::Text(std::int64_t bytes, Milliseconds now) {
     bytes_at_start_ = bytes;
     start_ = now;
   }
-  std::string text = std::string(texts_.begins) + std::to_string(bytes) + " bytes";
+  std::string text = Tr(texts_.begins) + Tr("%1 bytes", {std::to_string(bytes)});
   if (bytes > bytes_at_start_ && whole_ > 0) {
     constexpr std::int64_t kPercent = 100;
-    text += ", " + std::to_string(std::min(kPercent, bytes * kPercent / whole_)) + "%" +
-            std::string(texts_.percent_of) + TimeLeft(bytes, now);
+    const std::int64_t percent = std::min(kPercent, bytes * kPercent / whole_);
+    text += ", " + Tr(texts_.percent, {std::to_string(percent)}) + TimeLeft(bytes, now);
   }
   return text;
 }
@@ -41,7 +43,7 @@ std::string TransferProgress::TimeLeft(std::int64_t bytes, Milliseconds now) con
   const std::int64_t milliseconds = left * measured.count() / moved;
   const std::int64_t seconds =
       std::chrono::ceil<std::chrono::seconds>(Milliseconds{milliseconds}).count();
-  return ", " + std::string(texts_.time_left) + Duration(seconds) + " left";
+  return ", " + Tr(texts_.time_left, {Duration(seconds)});
 }
 
 }  // namespace vrx

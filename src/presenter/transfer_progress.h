@@ -10,10 +10,9 @@ namespace vrx {
 
 // What the status line of a running transfer consists of.
 struct TransferTexts {
-  std::string_view begins;      // "Uploading from KRM....  "
-  std::string_view percent_of;  // " of the memory"; may be empty
-  std::string_view
-      time_left;  // "at most ", as a module may hold less than its memory; may be empty
+  std::string_view begins;     // "Uploading from KRM....  "
+  std::string_view percent;    // "%1% of the memory"
+  std::string_view time_left;  // "at most %1 left", as a module may hold less than its memory
 };
 
 // The status line of a running transfer: the bytes so far, their share of the whole, and the time

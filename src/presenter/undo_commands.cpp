@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "base/number.h"
+#include "base/translation.h"
 #include "base/undo.h"
 #include "database/connection.h"
 #include "database/schema.h"
@@ -25,18 +26,18 @@ struct FieldNoun {
 
 // In the order in which a form that stored several fields is named by one.
 constexpr std::array<FieldNoun, 12> kNouns{{
-    {"Name", "name"},
-    {"Description", "description"},
-    {"BatchType", "batch type"},
-    {"HeadCount", "head count"},
-    {"RationTarget", "ration target"},
-    {"AdjBatTotIndex", "batch total"},
-    {"Ingredient", "ingredient"},
-    {"Target", "weight"},
-    {"Ingredient%", "share"},
-    {"FeedAmount", "feed amount"},
-    {"HandAdd", "hand-add"},
-    {"DryMatter%", "dry matter"},
+    {"Name", TrMark("name")},
+    {"Description", TrMark("description")},
+    {"BatchType", TrMark("batch type")},
+    {"HeadCount", TrMark("head count")},
+    {"RationTarget", TrMark("ration target")},
+    {"AdjBatTotIndex", TrMark("batch total")},
+    {"Ingredient", TrMark("ingredient")},
+    {"Target", TrMark("weight")},
+    {"Ingredient%", TrMark("share")},
+    {"FeedAmount", TrMark("feed amount")},
+    {"HandAdd", TrMark("hand-add")},
+    {"DryMatter%", TrMark("dry matter")},
 }};
 
 std::string_view TableOf(const EditPlace& place) {
@@ -54,10 +55,13 @@ std::string_view TableOf(const EditPlace& place) {
   return kPenTable;
 }
 
+// Of a record, in the name of a step.
+std::string NounOf(RecordKind kind) { return Tr(TraitsOf(kind).noun); }
+
 std::string NounOf(std::string_view field) {
   const auto* const found = std::find_if(kNouns.begin(), kNouns.end(),
                                          [&](const FieldNoun& row) { return row.field == field; });
-  return std::string(found == kNouns.end() ? field : found->noun);
+  return found == kNouns.end() ? std::string(field) : Tr(found->noun);
 }
 
 // A field of one row, before and after.
@@ -94,13 +98,13 @@ class ShownValue {
 
   [[nodiscard]] std::string Of(std::string_view field, const std::string& stored) const {
     if (stored.empty()) {
-      return "(empty)";
+      return Tr("(empty)");
     }
     if (field == "Ingredient") {
       return IngredientName(stored);
     }
     if (field == "BatchType" && stored == GetBatchTypeCode(0)) {
-      return "(none)";
+      return Tr("(none)");
     }
     if (field == "BatchType") {
       const BatchType* const type = FindBatchType(stored);
@@ -110,7 +114,7 @@ class ShownValue {
       return AdjustText(stored);
     }
     if (field == "HandAdd") {
-      return stored == "0" ? "No" : "Yes";
+      return stored == "0" ? Tr("No") : Tr("Yes");
     }
     return field == "Ingredient%" ? PercentText(stored) : stored;
   }
@@ -150,19 +154,19 @@ class StepName {
       case EditAct::kSet:
         return OfField(rows);
       case EditAct::kAddLine:
-        return AnyLine(rows, true) ? "adding " + step_.subject : "";
+        return AnyLine(rows, true) ? Tr("adding %1", {step_.subject}) : "";
       case EditAct::kDeleteLine:
-        return AnyLine(rows, false) ? "deleting " + step_.subject : "";
+        return AnyLine(rows, false) ? Tr("deleting %1", {step_.subject}) : "";
       case EditAct::kMoveLineUp:
-        return "moving " + step_.subject + " up";
+        return Tr("moving %1 up", {step_.subject});
       case EditAct::kMoveLineDown:
-        return "moving " + step_.subject + " down";
+        return Tr("moving %1 down", {step_.subject});
       case EditAct::kDefaults:
         return AnyRow(rows, TableOf(step_.place)) || AnyLine(rows, false)
-                   ? "defaults of " + Record()
+                   ? Tr("defaults of %1", {Record()})
                    : "";
       case EditAct::kCopy:
-        return "copying " + step_.subject + " to recipe " + std::to_string(step_.place.id);
+        return Tr("copying %1 to recipe %2", {step_.subject, std::to_string(step_.place.id)});
       case EditAct::kRecompute:
         break;
     }
@@ -171,8 +175,7 @@ class StepName {
 
  private:
   [[nodiscard]] std::string Record() const {
-    return std::string(TraitsOf(step_.place.kind).noun) + " " + std::to_string(step_.place.id) +
-           " " + step_.subject;
+    return NounOf(step_.place.kind) + " " + std::to_string(step_.place.id) + " " + step_.subject;
   }
 
   [[nodiscard]] std::string OfField(const std::vector<ChangedRow>& rows) const {
@@ -181,16 +184,16 @@ class StepName {
     if (!change) {
       return {};
     }
-    const std::string from_to =
-        " " + shown_.Of(field, change->before) + " to " + shown_.Of(field, change->after);
+    const std::string before = shown_.Of(field, change->before);
+    const std::string after = shown_.Of(field, change->after);
     if (field == "Ingredient") {
-      return NounOf(field) + from_to;
+      return Tr("%1 %2 to %3", {NounOf(field), before, after});
     }
     // The name is among the values.
-    const std::string of = field == "Name" ? std::string(TraitsOf(step_.place.kind).noun) + " " +
-                                                 std::to_string(step_.place.id)
-                                           : step_.subject;
-    return NounOf(field) + " of " + of + from_to;
+    const std::string of = field == "Name"
+                               ? NounOf(step_.place.kind) + " " + std::to_string(step_.place.id)
+                               : step_.subject;
+    return Tr("%1 of %2 %3 to %4", {NounOf(field), of, before, after});
   }
 
   const EditStep& step_;
@@ -251,7 +254,7 @@ std::optional<EditPlace> UndoCommands::Place(bool undo) const {
 bool UndoCommands::Run(bool undo) {
   const auto report = [undo](const Error& failure) -> FailureReport {
     const bool refused = dynamic_cast<const UndoRefusal*>(&failure) != nullptr;
-    return {.title = undo ? "Undo (Error)" : "Redo (Error)",
+    return {.title = undo ? TrMark("Undo (Error)") : TrMark("Redo (Error)"),
             .text = refused ? FailureText::kMessage : FailureText::kDatabaseWords,
             .icon = Icon::kWarning};
   };

@@ -4,6 +4,7 @@
 #include <utility>
 
 #include "base/text.h"
+#include "base/translation.h"
 #include "exchange/unread_feeds.h"
 #include "link/krmcomm.h"
 #include "link/rescue_file.h"
@@ -17,8 +18,9 @@ namespace {
 
 constexpr Milliseconds kUploadingInterval{500};
 // A module does not say how much it holds.
-constexpr TransferTexts kUploading{
-    .begins = "Uploading from KRM....  ", .percent_of = " of the memory", .time_left = "at most "};
+constexpr TransferTexts kUploading{.begins = "Uploading from KRM....  ",
+                                   .percent = TrMark("%1% of the memory"),
+                                   .time_left = TrMark("at most %1 left")};
 
 // A dump is NAK US data US.
 constexpr std::string_view kReplyBegins{"\x15\x1F"};
@@ -102,8 +104,8 @@ void Upload::ReportCanceled() {
   if (reply.starts_with(kReplyBegins)) {
     canceled_part_ = reply.substr(kReplyBegins.size());
   }
-  ReportFailed(op_,
-               "Upload canceled after " + std::to_string(krm_.KRM_BrokenOff().size()) + " bytes.");
+  ReportFailed(
+      op_, Tr("Upload canceled after %1 bytes.", {std::to_string(krm_.KRM_BrokenOff().size())}));
 }
 
 void Upload::ReportNotDumped() {
@@ -151,7 +153,7 @@ void Upload::UploadFromFile(const std::filesystem::path& file) {
   transfer_.transfer_block = std::move(bytes);
   int count = 0;
   if (transfer_.transfer_block.empty()) {
-    ReportFailed(op_, "The file is empty");
+    ReportFailed(op_, Tr("The file is empty"));
   } else {
     count = CutFiles("Memory read complete!", transfer_.transfer_block.size());
   }
@@ -193,7 +195,7 @@ int Upload::CutFiles(std::string_view done_words, std::size_t received_bytes) {
     return count;
   } catch (const TooManyFilesError& error) {
     transfer_.data_window = transfer_.transfer_block;
-    krm_.GS_KRM_ErrMsg(std::string("Error: ") + error.what() + ", the rest is not listed");
+    krm_.GS_KRM_ErrMsg(Tr("Error: %1, the rest is not listed", {error.what()}));
     ReportFailed(op_, krm_.GS_KRM_ErrMsg());
     return kMaxDataFiles;
   }
@@ -263,8 +265,8 @@ void ReportPortFailure(Operator& op, const KRMCOMM& krm, const PrivateINI& setti
   BeepIfEnabled(op, settings);
   op.ShowMessage({.icon = Icon::kWarning,
                   .title = "KRM Error",
-                  .text = lost ? "The connection to the serial port was lost."
-                               : "The serial port cannot be used.",
+                  .text = lost ? Tr("The connection to the serial port was lost.")
+                               : Tr("The serial port cannot be used."),
                   .cause = krm.KRM_FailureCause(),
                   .port_help = PortHelp::kCauseAndSetup});
 }

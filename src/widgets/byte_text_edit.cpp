@@ -24,8 +24,8 @@ std::size_t EndLength(std::string_view text, std::size_t at) {
 
 DataWindow::DataWindow(QWidget* parent) : QPlainTextEdit(parent) {
   setObjectName(QStringLiteral("txtDataWindow"));
-  setAccessibleName(QStringLiteral("Data"));
-  setPlaceholderText(QStringLiteral("What is downloaded or uploaded shows here."));
+  setAccessibleName(QTr("Data"));
+  setPlaceholderText(QTr("What is downloaded or uploaded shows here."));
   setFont(QFontDatabase::systemFont(QFontDatabase::FixedFont));
   setLineWrapMode(NoWrap);
   setTabChangesFocus(true);

@@ -40,7 +40,7 @@ int FilterDayKey(std::string_view /*text*/, int key) {
 CalendarPopup::CalendarPopup(const Calendar& calendar, QWidget* parent, Use use)
     : QCalendarWidget(parent), calendar_(calendar) {
   setObjectName(QStringLiteral("calCalendar"));
-  setAccessibleName(QStringLiteral("Calendar"));
+  setAccessibleName(QTr("Calendar"));
   setLocale(QLocale(QLocale::English, QLocale::UnitedStates));
   setVerticalHeaderFormat(QCalendarWidget::NoVerticalHeader);
   setDateEditEnabled(false);
@@ -164,8 +164,8 @@ DayEdit::DayEdit(const char* name, const QString& meaning, const Calendar& calen
   field_->setPlaceholderText(QStringLiteral("M/D/YYYY"));
   button_->setObjectName(field_->objectName() + QStringLiteral("Calendar"));
   button_->setArrowType(Qt::DownArrow);
-  button_->setToolTip(QStringLiteral("Pick a day"));
-  button_->setAccessibleName(QStringLiteral("%1: pick a day").arg(meaning));
+  button_->setToolTip(QTr("Pick a day"));
+  button_->setAccessibleName(QTr("%1: pick a day").arg(meaning));
   button_->setFocusPolicy(Qt::TabFocus);
   calendar_->setObjectName(field_->objectName() + QStringLiteral("Days"));
   auto* const row = new QHBoxLayout(this);

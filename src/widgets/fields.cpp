@@ -261,7 +261,7 @@ void FilteredEdit::Refuse(const QString& before, QChar character) {
   if (reason_) {
     const QChar asked = stopped_by_.isEmpty() ? character : stopped_by_.front();
     ShowRefusal(*this, rect(),
-                ToQString(reason_(Utf8ToWindows1252(before.toStdString()), KeyCode(asked))));
+                QTr(reason_(Utf8ToWindows1252(before.toStdString()), KeyCode(asked))));
   }
   Q_EMIT Refused();
 }

@@ -8,8 +8,8 @@ namespace vrx::testing {
 namespace {
 
 constexpr TransferTexts kUp{
-    .begins = "Up....  ", .percent_of = " of the memory", .time_left = "at most "};
-constexpr TransferTexts kDown{.begins = "Down....  ", .percent_of = "", .time_left = ""};
+    .begins = "Up....  ", .percent = "%1% of the memory", .time_left = "at most %1 left"};
+constexpr TransferTexts kDown{.begins = "Down....  ", .percent = "%1%", .time_left = "%1 left"};
 
 TEST(TransferProgress, HasBytesShareAndTimeLeftAtTheMeasuredPace) {
   TransferProgress progress(kUp, 65536);

@@ -6,6 +6,7 @@
 #include <string>
 #include <utility>
 
+#include "base/translation.h"
 #include "database/identity.h"
 #include "desktop/app/lost_edits.h"
 #include "presenter/report_failure.h"
@@ -200,10 +201,11 @@ void MainForm::ToggleAutoAbbreviate() {
   const bool written = ini_.WriteKey("Configuration", "AutoAbbreviate", on ? "YES" : "NO", &cause);
   ShowAutoAbbreviate(on);
   if (!written) {
-    services_.op.ShowMessage({.icon = Icon::kWarning,
-                              .title = "INI File Error",
-                              .text = "Unable to save the setting to the applications INI file.",
-                              .cause = cause});
+    services_.op.ShowMessage(
+        {.icon = Icon::kWarning,
+         .title = "INI File Error",
+         .text = Tr("Unable to save the setting to the applications INI file."),
+         .cause = cause});
   }
 }
 
@@ -274,9 +276,9 @@ void MainForm::ReportLostEdits() {
     return;
   }
   services_.op.ShowMessage({.icon = Icon::kWarning,
-                            .title = "Edit (Error)",
-                            .text = "The program was ended before this could be stored:\r\n" +
-                                    lost + "Please enter it again."});
+                            .title = Tr("Edit (Error)"),
+                            .text = Tr("The program was ended before this could be stored:") +
+                                    "\r\n" + lost + Tr("Please enter it again.")});
   RemoveLostEdits(folder);
 }
 

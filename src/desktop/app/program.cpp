@@ -133,12 +133,12 @@ void SaveAndClose(ProgramForm& form, const Services& services, UserSettings& use
   form.ReleaseDataControls();
   WriteSettings(services.settings, ini, services.op);
   if (!not_saved.empty()) {
-    services.op.ShowMessage({.icon = Icon::kWarning,
-                             .title = "User Settings Error",
-                             .text =
-                                 "Unable to save the place of the window and the names of the open "
-                                 "databases. The next start does not open them by itself.",
-                             .cause = not_saved});
+    services.op.ShowMessage(
+        {.icon = Icon::kWarning,
+         .title = Tr("User Settings Error"),
+         .text = Tr("Unable to save the place of the window and the names of the open "
+                    "databases. The next start does not open them by itself."),
+         .cause = not_saved});
   }
   form.UnloadOpenForms();
 }

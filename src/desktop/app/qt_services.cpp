@@ -299,7 +299,7 @@ QString QtFileChooser::LastFolder() const {
 
 void QtFileChooser::SetUp(QFileDialog& widget, const FileDialog& dialog) {
   widget.setObjectName(QStringLiteral("FileDialog"));
-  widget.setWindowTitle(ToQString(dialog.title));
+  widget.setWindowTitle(QTr(dialog.title));
   widget.setOption(QFileDialog::DontUseNativeDialog);
   widget.setOption(QFileDialog::HideNameFilterDetails);
   widget.setNameFilters(NameFilters(dialog.filter));

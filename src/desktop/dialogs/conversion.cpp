@@ -94,7 +94,7 @@ ConversionReportDialog::ConversionReportDialog(std::string_view text, std::strin
 
 void ConversionReportDialog::Save() {
   const FileChoice choice =
-      files_.ShowSave({.title = "Save Report As...",
+      files_.ShowSave({.title = Tr("Save Report As..."),
                        .filter = "Text Files (*.TXT)|*.TXT|All Files (*.*)|*.*",
                        .default_extension = "TXT",
                        .start_folder = {},

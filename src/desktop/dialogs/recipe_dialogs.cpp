@@ -48,19 +48,19 @@ class CopyDialog : public QDialog {
 CopyDialog::CopyDialog(const CopyOffer& offer, QWidget* owner)
     : QDialog(owner), list_(new QListWidget(this)) {
   setObjectName(QStringLiteral("dlgCopyRecipe"));
-  setWindowTitle(QStringLiteral("Copy Recipe"));
+  setWindowTitle(QTr("Copy Recipe"));
   QLabel* const question = AddLabel(*this, "lblCopyRecipe");
   question->setText(ToQString(offer.question));
   question->setBuddy(list_);
   list_->setObjectName(QStringLiteral("lstFreeRecipes"));
-  list_->setAccessibleName(QStringLiteral("Free recipes"));
+  list_->setAccessibleName(QTr("Free recipes"));
   for (const RecipeItem& recipe : offer.free) {
     auto* const item = new QListWidgetItem(ToQString(recipe.text), list_);
     item->setData(Qt::UserRole, recipe.id);
   }
   list_->setCurrentRow(static_cast<int>(offer.proposed));
-  QPushButton* const copy = AddDialogButton(*this, "cmdCopy", QStringLiteral("&Copy"));
-  QPushButton* const cancel = AddDialogButton(*this, "cmdCancel", QStringLiteral("Cancel"));
+  QPushButton* const copy = AddDialogButton(*this, "cmdCopy", QTr("&Copy"));
+  QPushButton* const cancel = AddDialogButton(*this, "cmdCancel", QTr("Cancel"));
   copy->setDefault(true);
   connect(copy, &QPushButton::clicked, this, &QDialog::accept);
   connect(cancel, &QPushButton::clicked, this, &QDialog::reject);
@@ -137,7 +137,7 @@ ComparisonSide::ComparisonSide(QChar side, ComparedFile file, QWidget* parent)
       file_row_(new QHBoxLayout),
       list_(new QTableWidget(this)) {
   recipes_->setObjectName(NameOf("cboRecipe"));
-  recipes_->setAccessibleName(QStringLiteral("Recipe"));
+  recipes_->setAccessibleName(QTr("Recipe"));
   title_->setObjectName(NameOf("lblFile"));
   auto* const head = new QGridLayout;
   head->setHorizontalSpacing(kGroupSpacing);
@@ -167,7 +167,7 @@ ComparisonSide::ComparisonSide(QChar side, ComparedFile file, QWidget* parent)
 
 void ComparisonSide::SetUpList() {
   list_->setObjectName(NameOf("grdRecipe"));
-  list_->setAccessibleName(QStringLiteral("Ingredients and totals"));
+  list_->setAccessibleName(QTr("Ingredients and totals"));
   list_->setHorizontalHeader(new PaddedHeader(list_));
   list_->verticalHeader()->hide();
   list_->setSelectionMode(QAbstractItemView::NoSelection);
@@ -258,13 +258,13 @@ ComparisonDialog::ComparisonDialog(const ComparedFile& file, int recipe, Service
       services_(services),
       a_(new ComparisonSide(QLatin1Char('A'), file, this)),
       b_(new ComparisonSide(QLatin1Char('B'), file, this)),
-      this_file_(AddDialogButton(*this, "cmdThisFile", QStringLiteral("&This Database"))),
-      other_file_(AddDialogButton(*this, "cmdOtherFile", QStringLiteral("&Another Database..."))),
-      close_(AddDialogButton(*this, "cmdClose", QStringLiteral("C&lose"))),
+      this_file_(AddDialogButton(*this, "cmdThisFile", QTr("&This Database"))),
+      other_file_(AddDialogButton(*this, "cmdOtherFile", QTr("&Another Database..."))),
+      close_(AddDialogButton(*this, "cmdClose", QTr("C&lose"))),
       summary_(AddLabel(*this, "lblSummary")),
       note_(AddLabel(*this, "lblUnits")) {
   setObjectName(QStringLiteral("dlgCompareRecipes"));
-  setWindowTitle(QStringLiteral("Compare Recipes"));
+  setWindowTitle(QTr("Compare Recipes"));
   a_->SetFile(file, recipe);
   b_->SetFile(file, RecipeAfter(file, recipe));
   LayOut();

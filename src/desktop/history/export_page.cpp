@@ -26,20 +26,21 @@ struct FormatChoice {
   ExportFormat format;
   const char* name;
   const char* caption;
-  const char* meaning;
+  std::string_view meaning;
 };
 
 constexpr std::array<FormatChoice, 3> kFormats{{
-    {ExportFormat::kCsv, "optCSV", "&CSV", "A table for a spreadsheet"},
-    {ExportFormat::kXml, "optXML", "X&ML", "A document with its stylesheet beside it"},
-    {ExportFormat::kHtml, "optHTML", "HTM&L", "One page for a browser that needs nothing else"},
+    {ExportFormat::kCsv, "optCSV", "&CSV", TrMark("A table for a spreadsheet")},
+    {ExportFormat::kXml, "optXML", "X&ML", TrMark("A document with its stylesheet beside it")},
+    {ExportFormat::kHtml, "optHTML", "HTM&L",
+     TrMark("One page for a browser that needs nothing else")},
 }};
 
 // Texts that the caption table lacks, by label.
-constexpr std::array<std::pair<const char*, const char*>, 4> kTexts{{
-    {"lblFName", "File &Name"},
-    {"lblFPath", "File P&ath"},
-    {"lblFormat", "File Format"},
+constexpr std::array<std::pair<const char*, std::string_view>, 4> kTexts{{
+    {"lblFName", TrMark("File &Name")},
+    {"lblFPath", TrMark("File P&ath")},
+    {"lblFormat", TrMark("File Format")},
     {"Label4",
      "Note: - Data will be formatted in same format as the Data Group selection in the "
      "Batched/Fed Tab."},
@@ -59,23 +60,20 @@ ExportPage::ExportPage(Services& services, const DatabaseCommands& databases,
           [](std::string_view, int key) { return ExportPresenter::KeyPressInFName(key); },
           kLongestName, this)),
       txt_f_path_(new QLineEdit(this)),
-      cmd_browse_(AddButton("cmdBrowse", QStringLiteral("&Browse"),
-                            QStringLiteral("Choose the folder of the file"))),
+      cmd_browse_(AddButton("cmdBrowse", QTr("&Browse"), QTr("Choose the folder of the file"))),
       formats_(new QButtonGroup(this)),
-      cmd_export_(AddButton("cmdExport", QStringLiteral("Ex&port"),
-                            QStringLiteral("Write the data group to the file"))),
-      cmd_reset_(AddButton("cmdReset", QStringLiteral("&Reset"),
-                           QStringLiteral("Clear the name and the path"))),
+      cmd_export_(AddButton("cmdExport", QTr("Ex&port"), QTr("Write the data group to the file"))),
+      cmd_reset_(AddButton("cmdReset", QTr("&Reset"), QTr("Clear the name and the path"))),
       lbl_export_(AddLabel(*this, "lblExport", kExportingCaption)),
       lbl_data_group_(AddLabel(*this, "lblDataGroup")),
       prg_export_(new QProgressBar(this)) {
   setObjectName(QStringLiteral("pageExport"));
   txt_f_name_->setObjectName(QStringLiteral("txtFName"));
-  txt_f_name_->setAccessibleName(QStringLiteral("File Name"));
+  txt_f_name_->setAccessibleName(QTr("File Name"));
   txt_f_path_->setObjectName(QStringLiteral("txtFPath"));
-  txt_f_path_->setAccessibleName(QStringLiteral("File Path"));
+  txt_f_path_->setAccessibleName(QTr("File Path"));
   prg_export_->setObjectName(QStringLiteral("prgExport"));
-  prg_export_->setAccessibleName(QStringLiteral("Progress of the export"));
+  prg_export_->setAccessibleName(QTr("Progress of the export"));
   LayOut();
   Connect();
   ExportChanged();
@@ -121,15 +119,15 @@ void ExportPage::LayOut() {
 QWidget* ExportPage::MakeFormats() {
   auto* const frame = new QWidget(this);
   frame->setObjectName(QStringLiteral("Frame1"));
-  frame->setAccessibleName(QStringLiteral("File Format"));
+  frame->setAccessibleName(QTr("File Format"));
   auto* const row = new QHBoxLayout(frame);
   row->setContentsMargins(0, 0, 0, 0);
   row->setSpacing(kGroupSpacing);
   for (const FormatChoice& choice : kFormats) {
     auto* const button = new QRadioButton(QString::fromLatin1(choice.caption), frame);
     button->setObjectName(QString::fromLatin1(choice.name));
-    button->setToolTip(QString::fromLatin1(choice.meaning));
-    button->setAccessibleDescription(QString::fromLatin1(choice.meaning));
+    button->setToolTip(QTr(choice.meaning));
+    button->setAccessibleDescription(QTr(choice.meaning));
     formats_->addButton(button, static_cast<int>(choice.format));
     row->addWidget(button);
   }
@@ -184,7 +182,7 @@ void ExportPage::Run(const std::function<void()>& flow) {
 
 void ExportPage::Prepare() {
   for (const auto& [name, text] : kTexts) {
-    findChild<QLabel*>(QLatin1String(name))->setText(QString::fromLatin1(text));
+    findChild<QLabel*>(QLatin1String(name))->setText(QTr(text));
   }
   Run([this] { tab_.EnterExportTab(); });
 }

@@ -47,7 +47,7 @@ class ExportPage final : public MainTabPage, private ExportView {
   void FocusControl(std::string_view name) override;
   void ExportChanged() override;
   void Exported(const std::filesystem::path& file) override {
-    Q_EMIT FileWritten(QStringLiteral("Exported to"), ToQString(file.string()));
+    Q_EMIT FileWritten(QTr("Exported to"), ToQString(file.string()));
   }
 
   void LayOut();

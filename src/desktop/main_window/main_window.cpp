@@ -178,8 +178,7 @@ void MainWindow::ShowSystemUnits() {
 
 void MainWindow::ShowTransferOption() {
   Label("lblTransfer")
-      .setText(settings_.BatchTargetWtIsRecTargetOn() ? QStringLiteral("Batch Target")
-                                                      : QStringLiteral("Dry Matter"));
+      .setText(settings_.BatchTargetWtIsRecTargetOn() ? QTr("Batch Target") : QTr("Dry Matter"));
   Label("lblXfr").show();
   Label("lblTransfer").show();
 }

@@ -246,7 +246,7 @@ std::span<const ToolButton> ToolButtons() { return kToolButtons; }
 
 MainToolBar::MainToolBar(CommandActions& actions) {
   setObjectName(QStringLiteral("tbToolBar"));
-  setWindowTitle(QStringLiteral("Toolbar"));
+  setWindowTitle(QTr("Toolbar"));
   setMovable(false);
   setContextMenuPolicy(Qt::PreventContextMenu);
   setIconSize({kIconSize, kIconSize});
@@ -261,7 +261,7 @@ void MainToolBar::AddButton(const ToolButton& button, CommandActions& actions) {
   if (button.begins_group) {
     addSeparator();
   }
-  auto* action = new QAction(SvgIcon(button.icon), ToQString(button.label), this);
+  auto* action = new QAction(SvgIcon(button.icon), QTr(button.label), this);
   action->setObjectName(ToQString(button.key));
   action->setToolTip(ToQString(button.tool_tip_id));
   action->setCheckable(button.command == kAutoAbbreviate);
@@ -271,7 +271,7 @@ void MainToolBar::AddButton(const ToolButton& button, CommandActions& actions) {
   if (button.command == kNone) {
     auto* items = new QMenu(this);
     for (const ToolItem& item : button.items) {
-      QAction* entry = items->addAction(ToQString(item.text));
+      QAction* entry = items->addAction(QTr(item.text));
       entry->setObjectName(ToQString(item.text));
       actions.Add(item.text, item.command, *entry);
     }

@@ -18,10 +18,10 @@ namespace vrx {
 namespace {
 
 constexpr std::array<PanelButton, 3> kActions{{{"Update"}, {"Cancel"}, {"Default"}}};
-constexpr std::array<PanelButton, 4> kMoves{{{"|<<", "First record"},
-                                             {"<", "Previous record"},
-                                             {">", "Next record"},
-                                             {">>|", "Last record"}}};
+constexpr std::array<PanelButton, 4> kMoves{{{"|<<", TrMark("First record")},
+                                             {"<", TrMark("Previous record")},
+                                             {">", TrMark("Next record")},
+                                             {">>|", TrMark("Last record")}}};
 constexpr int kStatusCaption = 1107;
 constexpr int kMemoryCaption = 1113;
 constexpr int kStatusWindowCaption = 1091;
@@ -43,10 +43,10 @@ ButtonPanel::ButtonPanel(QWidget* parent, std::string_view name, std::string_vie
   int width = 0;
   for (const PanelButton& row : buttons) {
     const int index = static_cast<int>(buttons_.size());
-    auto* button = new QPushButton(ToQString(row.caption), this);
+    auto* button = new QPushButton(QTr(row.caption), this);
     button->setObjectName(QStringLiteral("%1(%2)").arg(ToQString(array)).arg(index));
-    button->setToolTip(ToQString(row.meaning));
-    button->setAccessibleName(ToQString(row.meaning.empty() ? row.caption : row.meaning));
+    button->setToolTip(QTr(row.meaning));
+    button->setAccessibleName(QTr(row.meaning.empty() ? row.caption : row.meaning));
     button->setEnabled(false);
     connect(button, &QPushButton::clicked, [this, index] { handler_(index); });
     layout->addWidget(button);
@@ -71,12 +71,12 @@ TransferStatusPanel::TransferStatusPanel(QWidget* parent) : QFrame(parent) {
   layout->addWidget(AddLabel(*this, "lblStatus", kStatusCaption));
   status_window_ = new ElidedLabel(this);
   status_window_->setObjectName(QStringLiteral("lblStatusWindow"));
-  status_window_->setAccessibleDescription(QStringLiteral("Status of the transfer"));
+  status_window_->setAccessibleDescription(QTr("Status of the transfer"));
   SetTag(*status_window_, kStatusWindowCaption);
   layout->addWidget(status_window_, 1);
-  cancel_ = new QPushButton(QStringLiteral("Cancel"), this);
+  cancel_ = new QPushButton(QTr("Cancel"), this);
   cancel_->setObjectName(QStringLiteral("cmdTransferCancel"));
-  cancel_->setToolTip(QStringLiteral("End the transfer (Esc)"));
+  cancel_->setToolTip(QTr("End the transfer (Esc)"));
   cancel_->setShortcut(Qt::Key_Escape);
   cancel_->hide();
   connect(cancel_, &QPushButton::clicked, this, &TransferStatusPanel::CancelRequested);
@@ -89,12 +89,12 @@ TransferStatusPanel::TransferStatusPanel(QWidget* parent) : QFrame(parent) {
 void TransferStatusPanel::AddMemory() {
   memory_ = AddLabel(*this, "lblMemory", kMemoryCaption);
   memory_size_ = AddLabel(*this, "lblMemorySize");
-  memory_size_->setToolTip(QStringLiteral("Click for percent full"));
+  memory_size_->setToolTip(QTr("Click for percent full"));
   memory_bar_ = new QProgressBar(this);
   memory_bar_->setObjectName(QStringLiteral("prgMemorySize"));
   memory_bar_->setRange(0, kMemoryBytes);
-  memory_bar_->setToolTip(QStringLiteral("Click for total bytes"));
-  memory_bar_->setAccessibleName(QStringLiteral("Memory in use"));
+  memory_bar_->setToolTip(QTr("Click for total bytes"));
+  memory_bar_->setAccessibleName(QTr("Memory in use"));
   const int width = fontMetrics().horizontalAdvance(QStringLiteral("0")) * 16;
   for (QWidget* part : {static_cast<QWidget*>(memory_), static_cast<QWidget*>(memory_size_),
                         static_cast<QWidget*>(memory_bar_)}) {
@@ -170,14 +170,12 @@ void TransferStatusPanel::changeEvent(QEvent* event) {
 }
 
 ResultPanel::ResultPanel(QWidget* parent)
-    : QFrame(parent),
-      text_(new ElidedLabel(this)),
-      open_(new QPushButton(QStringLiteral("&Open"), this)) {
+    : QFrame(parent), text_(new ElidedLabel(this)), open_(new QPushButton(QTr("&Open"), this)) {
   setObjectName(QStringLiteral("picResult"));
   text_->setObjectName(QStringLiteral("lblResult"));
-  text_->setAccessibleDescription(QStringLiteral("Result of the last command"));
+  text_->setAccessibleDescription(QTr("Result of the last command"));
   open_->setObjectName(QStringLiteral("cmdResultOpen"));
-  open_->setToolTip(QStringLiteral("Open the file that was written"));
+  open_->setToolTip(QTr("Open the file that was written"));
   QHBoxLayout* layout = RowLayout(*this);
   layout->addWidget(text_, 1);
   layout->addWidget(open_);
@@ -223,7 +221,7 @@ PanelRow::PanelRow(QWidget* parent)
 void PanelRow::AddRecordNumber() {
   record_ = AddLabel(*navigate_, "lblRecord");
   record_number_ = AddLabel(*navigate_, "lblRecordNumber");
-  record_number_->setAccessibleDescription(QStringLiteral("Record number"));
+  record_number_->setAccessibleDescription(QTr("Record number"));
   auto* layout = static_cast<QHBoxLayout*>(navigate_->layout());
   layout->insertWidget(0, record_);
   layout->insertWidget(1, record_number_);
@@ -232,7 +230,7 @@ void PanelRow::AddRecordNumber() {
 
 void PanelRow::ShowRecordNumber(int position) {
   const bool any = position != 0;
-  record_->setText(any ? QStringLiteral("Record") : QString());
+  record_->setText(any ? QTr("Record") : QString());
   record_number_->setText(any ? QString::number(position) : QString());
 }
 

@@ -50,7 +50,7 @@ DatabaseStatusBar::DatabaseStatusBar(DatabaseKind kind, QWidget* parent)
     : QFrame(parent), kind_(kind) {
   const Bar& bar = BarOf(kind);
   setObjectName(ToQString(bar.name));
-  setAccessibleName(ToQString(bar.tool_tip_head).trimmed());
+  setAccessibleName(QTr(bar.tool_tip_head).trimmed());
   auto* layout = new QHBoxLayout(this);
   layout->setContentsMargins(0, 0, 0, 0);
   layout->setSpacing(kSpacing);
@@ -73,7 +73,7 @@ QLabel* DatabaseStatusBar::AddPanel(int panel) {
   } else {
     label = new ElidedLabel(this);
     MakeDemiBold(*label);
-    label->setToolTip(ToQString(BarOf(kind_).tool_tip_head) + ToQString(kPanels.at(pair).tool_tip));
+    label->setToolTip(QTr(BarOf(kind_).tool_tip_head) + QTr(kPanels.at(pair).tool_tip));
     label->setAccessibleDescription(label->toolTip());
   }
   label->setObjectName(QStringLiteral("%1.Panels(%2)").arg(objectName()).arg(panel));
@@ -92,7 +92,7 @@ void DatabaseStatusBar::SetPanel(StatusPanel panel, const QString& text) {
 
 void DatabaseStatusBar::ShowCaptions() {
   for (std::size_t pair = 0; pair < kPanels.size(); ++pair) {
-    panels_.at(2 * pair)->setText(ToQString(CaptionOf(BarOf(kind_), pair)));
+    panels_.at(2 * pair)->setText(QTr(CaptionOf(BarOf(kind_), pair)));
     panels_.at(2 * pair + 1)->clear();
   }
 }
@@ -104,8 +104,8 @@ void DatabaseStatusBar::AlignPanels() {
   };
   for (std::size_t pair = 0; pair < kPanels.size(); ++pair) {
     QLabel& caption = *panels_.at(2 * pair);
-    caption.setFixedWidth(std::max(width(caption, CaptionOf(kRecipeBar, pair)),
-                                   width(caption, CaptionOf(kTransactionBar, pair))));
+    caption.setFixedWidth(std::max(width(caption, Tr(CaptionOf(kRecipeBar, pair))),
+                                   width(caption, Tr(CaptionOf(kTransactionBar, pair)))));
     QLabel& value = *panels_.at(2 * pair + 1);
     const int widest = width(value, kPanels.at(pair).widest);
     value.setMaximumWidth(widest);

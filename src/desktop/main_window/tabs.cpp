@@ -107,14 +107,14 @@ const std::array<TabRow, kTabCount>& TabRows() { return kTabRows; }
 
 MainTabFolder::MainTabFolder(QWidget* parent) : QTabWidget(parent) {
   setObjectName(QStringLiteral("tabMainFolder"));
-  setAccessibleName(QStringLiteral("Work"));
+  setAccessibleName(QTr("Work"));
   auto* const strip = new TabStrip(
       this, [this] { return MayLeave(); }, [this] { Q_EMIT StripFocused(); });
   setTabBar(strip);
   for (const TabRow& row : kTabRows) {
     auto* page = new MainTabPage;
     page->setObjectName(ToQString(row.page));
-    addTab(page, ToQString(row.caption));
+    addTab(page, QTr(row.caption));
   }
   connect(this, &QTabWidget::currentChanged, strip, [this, strip](int tab) {
     if (by_program_) {
@@ -136,7 +136,7 @@ std::unique_ptr<MainTabPage> MainTabFolder::SetPage(int tab, MainTabPage* page) 
   const bool on = isTabEnabled(tab);
   std::unique_ptr<MainTabPage> old(&Page(tab));
   removeTab(tab);
-  insertTab(tab, page, ToQString(kTabRows.at(static_cast<std::size_t>(tab)).caption));
+  insertTab(tab, page, QTr(kTabRows.at(static_cast<std::size_t>(tab)).caption));
   old->setParent(nullptr);
   TurnTab(tab, on);
   setCurrentIndex(on_show);

@@ -32,7 +32,7 @@ FailureReport PrintFailure(const std::exception& failure) {
   }
   return {.title = kPrintError,
           .text = FailureText::kWords,
-          .words = "The report could not be printed."};
+          .words = TrMark("The report could not be printed.")};
 }
 
 template <typename Record>

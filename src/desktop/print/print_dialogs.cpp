@@ -93,9 +93,9 @@ std::unique_ptr<PrintTarget> PrintSetup::Open(const std::string& title) const {
   }
   const QPrinterInfo printer = Printer();
   if (printer.isNull()) {
-    throw NoPrinter((printer_.isEmpty() ? "There is no printer."
-                                        : "The printer " + printer_.toStdString() + " is gone.") +
-                    std::string(" Choose a printer or a PDF file under File, Print Setup."));
+    throw NoPrinter((printer_.isEmpty() ? Tr("There is no printer.")
+                                        : Tr("The printer %1 is gone.", {printer_.toStdString()})) +
+                    " " + Tr("Choose a printer or a PDF file under File, Print Setup."));
   }
   return std::make_unique<PrinterTarget>(printer, title);
 }
@@ -117,7 +117,7 @@ std::unique_ptr<QPagedPaintDevice> PrintSetup::Paper() const {
 }
 
 std::unique_ptr<PrintTarget> PrintSetup::OpenPdf(const std::string& title) const {
-  const FileChoice file = files_.ShowSave({.title = "Print to PDF File",
+  const FileChoice file = files_.ShowSave({.title = Tr("Print to PDF File"),
                                            .filter = "PDF Files (*.pdf)|*.pdf",
                                            .default_extension = "pdf",
                                            .flags = kOverwritePrompt | kHideReadOnly});

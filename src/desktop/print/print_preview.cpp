@@ -185,7 +185,7 @@ void PrintPreview::ShowPage() {
   RunReported(operator_,
               FailureReport{.title = "Print Error",
                             .text = FailureText::kWords,
-                            .words = "The page could not be shown."},
+                            .words = TrMark("The page could not be shown.")},
               [this] {
                 const BusyCursor busy(operator_);
                 sheet_->setPixmap(QPixmap::fromImage(DrawPage(page_->value())));

@@ -42,7 +42,7 @@ QString CellText(const IngredientRecord& ingredient, int column) {
     case kDryMatterPercent:
       return QString::number(ingredient.dry_matter_percent);
     default:
-      return ingredient.hand_add ? QStringLiteral("Yes") : QStringLiteral("No");
+      return ingredient.hand_add ? QTr("Yes") : QTr("No");
   }
 }
 
@@ -89,7 +89,7 @@ class Model : public QAbstractTableModel {
     }
     switch (role) {
       case Qt::DisplayRole:
-        return QLatin1String(kListCaptions.at(static_cast<std::size_t>(section))) + Gap(section);
+        return QTr(kListCaptions.at(static_cast<std::size_t>(section))) + Gap(section);
       case Qt::TextAlignmentRole:
         return QVariant::fromValue((section == kId ? Qt::AlignRight : Qt::AlignLeft) |
                                    Qt::AlignVCenter);
@@ -127,7 +127,7 @@ constexpr std::array<Match, 5> kMatches = {
 QTableView* MakeGrid(QWidget* parent) {
   auto* const grid = new QTableView(parent);
   grid->setObjectName(QStringLiteral("grdINGSEL"));
-  grid->setAccessibleName(QStringLiteral("Ingredients in use"));
+  grid->setAccessibleName(QTr("Ingredients in use"));
   grid->setFrameShape(QFrame::NoFrame);
   grid->setFocusPolicy(Qt::NoFocus);
   grid->setSelectionBehavior(QAbstractItemView::SelectRows);
@@ -208,7 +208,7 @@ int IngredientList::RowsPerPage() const {
 
 void IngredientList::Fit() {
   const bool empty = ingredients_.empty();
-  empty_->setText(QStringLiteral("No ingredient is in use: describe one on the Ingredients tab."));
+  empty_->setText(QTr("No ingredient is in use: describe one on the Ingredients tab."));
   empty_->setVisible(empty);
   grid_->setVisible(!empty);
   if (empty) {
@@ -251,11 +251,11 @@ IngredientDropDown::IngredientDropDown(IngredientList& list, QWidget* parent)
           kNoLimit, parent),
       list_(list) {
   Explain([](std::string_view text, int key) {
-    return "No ingredient in use matches \"" +
-           Windows1252ToUtf8(std::string(text) + static_cast<char>(key)) + "\"";
+    return Tr("No ingredient in use matches \"%1\"",
+              {Windows1252ToUtf8(std::string(text) + static_cast<char>(key))});
   });
   setObjectName(QStringLiteral("grdREC.Ingredient"));
-  setAccessibleName(QStringLiteral("Ingredient"));
+  setAccessibleName(QTr("Ingredient"));
   connect(this, &QLineEdit::textEdited, this, &IngredientDropDown::Find);
   connect(&list_, &IngredientList::Picked, this, [this](int row) {
     if (isVisible()) {

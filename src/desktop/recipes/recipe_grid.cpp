@@ -45,7 +45,7 @@ RecipeGrid::RecipeGrid(RecipeGridEvents& events, QWidget* parent)
           *list_, *model_,
           [this](QWidget& editor, const QModelIndex& cell) { Commit(editor, cell); }, this)) {
   setObjectName(QStringLiteral("grdREC"));
-  setAccessibleName(QStringLiteral("Ingredients of the recipe"));
+  setAccessibleName(QTr("Ingredients of the recipe"));
   setModel(model_);
   setItemDelegate(delegate_);
   setSelectionMode(NoSelection);
@@ -141,7 +141,7 @@ void RecipeGrid::FitColumns() {
     return;
   }
   const QScopedValueRollback sizing(sizing_, true);
-  const QString idle = QStringLiteral("click to add an ingredient");
+  const QString idle = QTr("click to add an ingredient");
   RecipeColumnWidths least = totals_;
   least.at(kColumnIngredient) =
       fontMetrics().horizontalAdvance(idle) + 2 * kCellMargin + 3 * kSpacing;
@@ -383,7 +383,7 @@ bool RecipeGrid::BeginEdit(const QModelIndex& cell) {
 // A key that a closed cell drops.
 void RecipeGrid::ExplainClosed(const QModelIndex& cell) {
   if (cell.isValid()) {
-    const QString reason = ToQString(WhyClosed(cell.column()));
+    const QString reason = QTr(WhyClosed(cell.column()));
     ShowRefusal(*viewport(), visualRect(cell), reason.isEmpty() ? toolTip() : reason);
     events_.KeyRefused();
   }

@@ -193,7 +193,7 @@ QVariant RecipeGridModel::data(const QModelIndex& index, int role) const {
       return text;
     case Qt::DisplayRole:
       return index.column() == kColumnIngredient && IsIdle(index.row()) && !read_only_
-                 ? QStringLiteral("click to add an ingredient")
+                 ? QTr("click to add an ingredient")
                  : text;
     case Qt::TextAlignmentRole:
       return QVariant::fromValue(

@@ -76,11 +76,11 @@ QWidget* RecipeHead::Field(std::string_view field) const {
 
 void RecipeHead::MakeLists() {
   id_list_ = new RecordIdList(QStringLiteral("cboRecID"), kRecipeCount, this);
-  id_list_->setToolTip(QStringLiteral("Current recipe"));
+  id_list_->setToolTip(QTr("Current recipe"));
   batch_type_ = new ChoiceList(this);
   batch_type_->setObjectName(QStringLiteral("lstRecBatchType"));
   for (const BatchType& type : BatchTypes()) {
-    batch_type_->addItem(ToQString(type.list_text));
+    batch_type_->addItem(QTr(type.list_text));
   }
   adjust_ = new ChoiceList(this);
   adjust_->setObjectName(QStringLiteral("lstAdjustBatchTotal"));
@@ -135,7 +135,7 @@ void RecipeHead::LayOut() {
   grid->setColumnStretch(kRest, 1);
 
   QLabel* const description = Caption("lblRecDesc", kDescriptionCaption, description_);
-  description->setText(QStringLiteral("Description"));
+  description->setText(QTr("Description"));
   grid->addWidget(Caption("lblRecID", kIdCaption, id_list_), 0, kCaption1);
   grid->addWidget(id_list_, 0, kField1);
   grid->addWidget(Caption("lblRecName", kNameCaption, name_), 1, kCaption1);

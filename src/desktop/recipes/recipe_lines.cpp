@@ -22,13 +22,13 @@ namespace {
 
 struct Face {
   const char* caption;
-  const char* meaning;
+  std::string_view meaning;
 };
 
-constexpr std::array<Face, 4> kFaces{{{"|<<", "First ingredient"},
-                                      {"<", "Previous ingredient"},
-                                      {">", "Next ingredient"},
-                                      {">>|", "Last ingredient"}}};
+constexpr std::array<Face, 4> kFaces{{{"|<<", TrMark("First ingredient")},
+                                      {"<", TrMark("Previous ingredient")},
+                                      {">", TrMark("Next ingredient")},
+                                      {">>|", TrMark("Last ingredient")}}};
 
 constexpr int kScanBarWidth = 320;
 
@@ -54,8 +54,8 @@ void LineNavigator::AddButton(Button button) {
   auto* const made = new QToolButton(this);
   made->setObjectName(QStringLiteral("grdREC.Navigate(%1)").arg(static_cast<int>(button)));
   made->setText(QLatin1String(face.caption));
-  made->setToolTip(QLatin1String(face.meaning));
-  made->setAccessibleName(QLatin1String(face.meaning));
+  made->setToolTip(QTr(face.meaning));
+  made->setAccessibleName(made->toolTip());
   made->setFocusPolicy(Qt::TabFocus);
   layout()->addWidget(made);
   connect(made, &QToolButton::clicked, this, [this, button] {
@@ -82,17 +82,17 @@ int LineNavigator::Target(Button button) const {
 void LineNavigator::Show(int row, int lines) {
   row_ = row;
   lines_ = lines;
-  const QString number = row < 1 ? QStringLiteral("new") : QString::number(row);
-  text_->setText(QStringLiteral("Ingredient: %1 of %2").arg(number).arg(lines));
-  text_->setMinimumWidth(
-      text_->fontMetrics().horizontalAdvance(QStringLiteral("Ingredient: new of 00")) + kSpacing);
+  const QString number = row < 1 ? QTr("new") : QString::number(row);
+  text_->setText(QTr("Ingredient: %1 of %2").arg(number).arg(lines));
+  text_->setMinimumWidth(text_->fontMetrics().horizontalAdvance(QTr("Ingredient: new of 00")) +
+                         kSpacing);
 }
 
 ScanPanel::ScanPanel(QWidget* parent)
     : QWidget(parent), text_(new QLabel(this)), bar_(new QProgressBar(this)) {
   text_->setObjectName(QStringLiteral("lblScanPrint"));
   bar_->setObjectName(QStringLiteral("prgScanPrint"));
-  bar_->setAccessibleName(QStringLiteral("Recipes looked through"));
+  bar_->setAccessibleName(QTr("Recipes looked through"));
   bar_->setRange(1, kRecipeCount);
   bar_->setFixedWidth(kScanBarWidth);
   auto* const column = new QVBoxLayout(this);
@@ -158,8 +158,7 @@ QWidget* RecipeLines::MakeUpDown() {
     auto* const button = new QToolButton(up_down_);
     button->setObjectName(up ? QStringLiteral("UpDown1.Up") : QStringLiteral("UpDown1.Down"));
     button->setArrowType(up ? Qt::UpArrow : Qt::DownArrow);
-    button->setToolTip(up ? QStringLiteral("Move the ingredient up")
-                          : QStringLiteral("Move the ingredient down"));
+    button->setToolTip(up ? QTr("Move the ingredient up") : QTr("Move the ingredient down"));
     button->setAccessibleName(button->toolTip());
     button->setFocusPolicy(Qt::TabFocus);
     column->addWidget(button, 0, Qt::AlignHCenter);
@@ -174,14 +173,14 @@ QWidget* RecipeLines::MakeUpDown() {
 QLayout* RecipeLines::MakeBottomRow() {
   auto* const row = new QHBoxLayout;
   row->setSpacing(kSpacing);
-  delete_ = new QPushButton(QStringLiteral("&Delete"), this);
+  delete_ = new QPushButton(QTr("&Delete"), this);
   delete_->setObjectName(QStringLiteral("cmdDeleteIng"));
-  delete_->setToolTip(QStringLiteral("Delete the ingredient from this recipe"));
+  delete_->setToolTip(QTr("Delete the ingredient from this recipe"));
   connect(delete_, &QPushButton::clicked, this, &RecipeLines::DeleteClicked);
   KeepPlace(*delete_);
   row->addWidget(delete_);
   row->addSpacing(kGroupSpacing - kSpacing);
-  use_navigator_ = new QCheckBox(QStringLiteral("Show Navigator"), this);
+  use_navigator_ = new QCheckBox(QTr("Show Navigator"), this);
   use_navigator_->setObjectName(QStringLiteral("chkUseRationNavigator"));
   row->addWidget(use_navigator_);
   navigator_ = new LineNavigator(this);
@@ -259,8 +258,8 @@ void RecipeLines::ShowPenCapacity(std::optional<int> size) {
 }
 
 void RecipeLines::ShowFixedTexts() {
-  hint_->setText(QStringLiteral("Choose a batch type in \"Batch By\" to enter the ingredients."));
-  move_legend_->setText(QStringLiteral("Move"));
+  hint_->setText(QTr("Choose a batch type in \"Batch By\" to enter the ingredients."));
+  move_legend_->setText(QTr("Move"));
 }
 
 }  // namespace vrx

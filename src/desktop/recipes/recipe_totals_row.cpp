@@ -48,7 +48,7 @@ RecipeTotalsRow::RecipeTotalsRow(const RecipeGrid& grid, QWidget* parent)
     MakeDemiBold(*label);
     if (!IsLeft(column)) {
       label->setFont(TabularFigures(label->font()));
-      label->setAccessibleDescription(QStringLiteral("Total of ") + ToQString(row.caption));
+      label->setAccessibleDescription(QTr("Total of %1").arg(ToQString(row.caption)));
       label->setAutoFillBackground(true);
     }
     labels_.at(static_cast<std::size_t>(column)) = label;

@@ -24,7 +24,7 @@ constexpr int kPercentCaption = 1058;
 constexpr int kWhereUsedCaption = 1121;
 constexpr Milliseconds kLoadDelay{10};
 
-QString YesNo(bool yes) { return yes ? QStringLiteral("Yes") : QStringLiteral("No"); }
+QString YesNo(bool yes) { return yes ? QTr("Yes") : QTr("No"); }
 
 RecordRow RowOf(const IngredientRecord& record) {
   return {
@@ -42,7 +42,7 @@ WhereUsedList::WhereUsedList(QWidget* parent) : QComboBox(parent) {
   setMinimumContentsLength(kCharacters);
   constexpr int kItemsInView = 20;
   setMaxVisibleItems(kItemsInView);
-  view()->setAccessibleName(QStringLiteral("Where Used (in Recipes)"));
+  view()->setAccessibleName(QTr("Where Used (in Recipes)"));
   connect(this, &QComboBox::currentIndexChanged, this, [this](int index) {
     if (index > 0) {
       setCurrentIndex(0);
@@ -88,30 +88,29 @@ bool WhereUsedList::eventFilter(QObject* watched, QEvent* event) {
 }
 
 RecordFormPage::Design IngredientsPage::Controls() {
-  return {
-      .kind = RecordKind::kIngredient,
-      .page = "pageIngredients",
-      .id_list = "cboIngID",
-      .name = "txtIngName",
-      .description = "txtIngDesc",
-      .number = "txtIngDryMatter",
-      .number_field = "DryMatter%",
-      .number_caption = kDryMatterCaption,
-      .view_all = "chkViewAllIngs",
-      .view_all_caption = QStringLiteral("View Ingredient List"),
-      .active_only = "chkShowActiveIngsOnly",
-      .active_only_caption = QStringLiteral("Show/Print Active Ingredients Only"),
-      .grid = "grdING",
-      .columns = {{.field = "ID", .caption = QStringLiteral("ID"), .number = true},
-                  {.field = "Name", .caption = QStringLiteral("Name"), .typed = true},
-                  {.field = "Description", .caption = QStringLiteral("Description"), .typed = true},
-                  {.field = "DryMatter%",
-                   .caption = QStringLiteral("Dry Matter (%)"),
-                   .number = true,
-                   .typed = true},
-                  {.field = "HandAdd", .caption = QStringLiteral("Hand-Add")}},
-      .empty_grid = QStringLiteral("No ingredient is active yet. Giving one a name or a "
-                                   "description makes it active.")};
+  return {.kind = RecordKind::kIngredient,
+          .page = "pageIngredients",
+          .id_list = "cboIngID",
+          .name = "txtIngName",
+          .description = "txtIngDesc",
+          .number = "txtIngDryMatter",
+          .number_field = "DryMatter%",
+          .number_caption = kDryMatterCaption,
+          .view_all = "chkViewAllIngs",
+          .view_all_caption = QTr("View Ingredient List"),
+          .active_only = "chkShowActiveIngsOnly",
+          .active_only_caption = QTr("Show/Print Active Ingredients Only"),
+          .grid = "grdING",
+          .columns = {{.field = "ID", .caption = QTr("ID"), .number = true},
+                      {.field = "Name", .caption = QTr("Name"), .typed = true},
+                      {.field = "Description", .caption = QTr("Description"), .typed = true},
+                      {.field = "DryMatter%",
+                       .caption = QTr("Dry Matter (%)"),
+                       .number = true,
+                       .typed = true},
+                      {.field = "HandAdd", .caption = QTr("Hand-Add")}},
+          .empty_grid = QTr("No ingredient is active yet. Giving one a name or a "
+                            "description makes it active.")};
 }
 
 IngredientsPage::IngredientsPage(Services& services, GeneralDelay& delay,
@@ -120,14 +119,14 @@ IngredientsPage::IngredientsPage(Services& services, GeneralDelay& delay,
     : RecordFormPage(services, abbreviation, undo, Controls(), parent),
       delay_(delay),
       recipes_(std::move(recipes)),
-      hand_add_(new QCheckBox(QStringLiteral("Hand-Add"), this)),
+      hand_add_(new QCheckBox(QTr("Hand-Add"), this)),
       where_used_(new WhereUsedList(this)),
-      search_(new QPushButton(QStringLiteral("Search"), this)) {
+      search_(new QPushButton(QTr("Search"), this)) {
   hand_add_->setObjectName(QStringLiteral("chkIngHandAdd"));
-  hand_add_->setToolTip(QStringLiteral("Added by hand, not by the loader"));
+  hand_add_->setToolTip(QTr("Added by hand, not by the loader"));
   hand_add_->installEventFilter(this);
   search_->setObjectName(QStringLiteral("cmdSearch"));
-  search_->setToolTip(QStringLiteral("Look for the ingredient in the recipes"));
+  search_->setToolTip(QTr("Look for the ingredient in the recipes"));
   connect(search_, &QPushButton::clicked, this, &IngredientsPage::Search);
   LayOut();
 }

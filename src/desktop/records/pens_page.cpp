@@ -23,29 +23,28 @@ RecordRow RowOf(const PenRecord& record) {
 }  // namespace
 
 RecordFormPage::Design PensPage::Controls() {
-  return {
-      .kind = RecordKind::kPen,
-      .page = "pagePens",
-      .id_list = "cboPenID",
-      .name = "txtPenName",
-      .description = "txtPenDesc",
-      .number = "txtPenFeed",
-      .number_field = "FeedAmount",
-      .number_caption = kFeedAmountCaption,
-      .view_all = "chkViewAllPens",
-      .view_all_caption = QStringLiteral("View Pen List"),
-      .active_only = "chkShowActivePensOnly",
-      .active_only_caption = QStringLiteral("Show/Print Active Pens Only"),
-      .grid = "grdPEN",
-      .columns = {{.field = "ID", .caption = QStringLiteral("ID"), .number = true},
-                  {.field = "Name", .caption = QStringLiteral("Name"), .typed = true},
-                  {.field = "Description", .caption = QStringLiteral("Description"), .typed = true},
-                  {.field = "FeedAmount",
-                   .caption = QStringLiteral("Feed Amount"),
-                   .number = true,
-                   .typed = true}},
-      .empty_grid = QStringLiteral("No pen is active yet. Giving one a feed amount or a "
-                                   "description makes it active.")};
+  return {.kind = RecordKind::kPen,
+          .page = "pagePens",
+          .id_list = "cboPenID",
+          .name = "txtPenName",
+          .description = "txtPenDesc",
+          .number = "txtPenFeed",
+          .number_field = "FeedAmount",
+          .number_caption = kFeedAmountCaption,
+          .view_all = "chkViewAllPens",
+          .view_all_caption = QTr("View Pen List"),
+          .active_only = "chkShowActivePensOnly",
+          .active_only_caption = QTr("Show/Print Active Pens Only"),
+          .grid = "grdPEN",
+          .columns = {{.field = "ID", .caption = QTr("ID"), .number = true},
+                      {.field = "Name", .caption = QTr("Name"), .typed = true},
+                      {.field = "Description", .caption = QTr("Description"), .typed = true},
+                      {.field = "FeedAmount",
+                       .caption = QTr("Feed Amount"),
+                       .number = true,
+                       .typed = true}},
+          .empty_grid = QTr("No pen is active yet. Giving one a feed amount or a "
+                            "description makes it active.")};
 }
 
 PensPage::PensPage(Services& services, AutoAbbreviation& abbreviation, UndoCommands& undo,
@@ -68,7 +67,7 @@ PensPage::PensPage(Services& services, AutoAbbreviation& abbreviation, UndoComma
 void PensPage::Prepare() {
   RecordFormPage::Prepare();
   const QString unit = ToQString(GetServices().settings.SystemUnits());
-  Grid().SetCaption("FeedAmount", QStringLiteral("Feed Amount (%1)").arg(unit.toLower()));
+  Grid().SetCaption("FeedAmount", QTr("Feed Amount (%1)").arg(unit.toLower()));
   ShowUnit();
 }
 

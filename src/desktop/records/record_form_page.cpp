@@ -90,7 +90,7 @@ void RecordFormPage::LayOut() {
   form_->setColumnMinimumWidth(kGap, 2 * kGroupSpacing);
   form_->setColumnStretch(kRest, 1);
   QLabel* const description = Caption("lblDescription", kDescriptionCaption, description_);
-  description->setText(QStringLiteral("Description"));
+  description->setText(QTr("Description"));
   form_->addWidget(Caption("lblID", kIdCaption, id_list_), kIdRow, 0);
   form_->addWidget(id_list_, kIdRow, 1);
   form_->addWidget(Caption("lblName", kNameCaption, name_), kNameRow, 0);

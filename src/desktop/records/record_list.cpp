@@ -358,7 +358,7 @@ RecordIdList::RecordIdList(const QString& name, int records, QWidget* parent) : 
   setMinimumContentsLength(kCharacters);
   constexpr int kItemsInView = 20;
   setMaxVisibleItems(kItemsInView);
-  view()->setAccessibleName(QStringLiteral("ID Number"));
+  view()->setAccessibleName(QTr("ID Number"));
   addItem(QString());
   for (int id = 1; id <= records; ++id) {
     addItem(ToQString(FormatIdPrefix(id)));

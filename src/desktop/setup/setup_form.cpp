@@ -164,7 +164,7 @@ QWidget* SetupForm::MakeOptionsTab() {
   column->setSpacing(kSpacing);
   for (std::size_t i = 0; i < kSetupOptionCount; ++i) {
     const SetupOption& option = SetupOptions().at(i);
-    options_.at(i) = new QCheckBox(ToQString(option.caption), page);
+    options_.at(i) = new QCheckBox(QTr(option.caption), page);
     options_.at(i)->setObjectName(ToQString(option.control));
     column->addWidget(options_.at(i));
   }

@@ -123,7 +123,7 @@ void SetupPortList::ShowDeviceOfChosen() {
   const std::string built_in = BuiltInPortDevice(NumberOf(Chosen()));
   const std::string device = LinuxPortDevice(data_folder_, NumberOf(Chosen()));
   const int offered = device == built_in ? 0 : cbo_device_->findData(ToQString(device));
-  cbo_device_->setItemText(0, ToQString(built_in + ", built-in port"));
+  cbo_device_->setItemText(0, QTr("%1, built-in port").arg(ToQString(built_in)));
   cbo_device_->setCurrentIndex(offered);
   if (offered < 0) {
     cbo_device_->setEditText(ToQString(device));
@@ -141,7 +141,7 @@ void SetupPortList::PutDevice() {
   RunReported<SerialError>(op_,
                            {.title = "Serial Port",
                             .text = FailureText::kWords,
-                            .words = "The device could not be put behind the port.",
+                            .words = TrMark("The device could not be put behind the port."),
                             .icon = Icon::kWarning},
                            [&] { PutDeviceBehindPort(data_folder_, NumberOf(Chosen()), device); });
   Survey();

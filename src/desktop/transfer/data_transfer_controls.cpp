@@ -89,11 +89,10 @@ QLayout* DataTransferControls::LayOutConnection(QWidget& page) {
   auto* const row = new QHBoxLayout;
   row->setSpacing(kSpacing);
   row->addWidget(AddLabel(page, "lblConnection", kConnectionCaption));
-  opt_connection = {
-      AddConnection(page, Connection::kModule, QStringLiteral("KRM-40"),
-                    QStringLiteral("The data module, carried between indicator and PC")),
-      AddConnection(page, Connection::kIndicator, QStringLiteral("K-2260"),
-                    QStringLiteral("The indicator itself, on a cable to this PC"))};
+  opt_connection = {AddConnection(page, Connection::kModule, QStringLiteral("KRM-40"),
+                                  QTr("The data module, carried between indicator and PC")),
+                    AddConnection(page, Connection::kIndicator, QStringLiteral("K-2260"),
+                                  QTr("The indicator itself, on a cable to this PC"))};
   for (QRadioButton* const button : opt_connection) {
     row->addWidget(button);
   }
@@ -104,22 +103,21 @@ QLayout* DataTransferControls::LayOutConnection(QWidget& page) {
 
 // The result of the two buttons is shown beside them; its space is reserved while it is hidden.
 QLayout* DataTransferControls::LayOutSteps(QWidget& page) {
-  cmd_download_recipe_to_krm =
-      AddButton(page, "cmdDownloadRecipeToKRM", QStringLiteral("&Download Data..."),
-                QStringLiteral("Recipes, ingredients and pens to the indicator"));
+  cmd_download_recipe_to_krm = AddButton(page, "cmdDownloadRecipeToKRM", QTr("&Download Data..."),
+                                         QTr("Recipes, ingredients and pens to the indicator"));
   cmd_upload_data_from_krm =
-      AddButton(page, "cmdUploadDataFromKRM", QStringLiteral("&Upload Data..."),
-                QStringLiteral("Batch and feed records, backups and reports from the indicator"));
+      AddButton(page, "cmdUploadDataFromKRM", QTr("&Upload Data..."),
+                QTr("Batch and feed records, backups and reports from the indicator"));
   auto* const buttons = new QVBoxLayout;
   buttons->setSpacing(kSpacing);
   buttons->addWidget(cmd_download_recipe_to_krm);
   buttons->addWidget(cmd_upload_data_from_krm);
   buttons->addStretch();
 
-  frm_recipe_file_ = MakeRecipeFrame(page, "frmRecipeFile", QStringLiteral("Recipe Database"), "DB",
+  frm_recipe_file_ = MakeRecipeFrame(page, "frmRecipeFile", QTr("Recipe Database"), "DB",
                                      cmd_open_recipe_db, cmd_download_recipe_db);
-  frm_recipe_backup_ = MakeRecipeFrame(page, "frmRecipeBackup", QStringLiteral("Recipe Backup"),
-                                       "BU", cmd_open_recipe_bu, cmd_download_recipe_bu);
+  frm_recipe_backup_ = MakeRecipeFrame(page, "frmRecipeBackup", QTr("Recipe Backup"), "BU",
+                                       cmd_open_recipe_bu, cmd_download_recipe_bu);
   data_files_ = MakeDataFiles(page);
   auto* const row = new QHBoxLayout;
   row->setSpacing(kGroupSpacing);
@@ -137,11 +135,10 @@ QGroupBox* DataTransferControls::MakeRecipeFrame(QWidget& page, const char* name
                                                  QPushButton*& open, QPushButton*& download) {
   auto* const frame = new QGroupBox(caption, &page);
   frame->setObjectName(QString::fromLatin1(name));
-  open = AddButton(*frame, (std::string("cmdOpenRecipe") + suffix).c_str(),
-                   QStringLiteral("Load Memory..."), QStringLiteral("Choose the %1").arg(caption));
-  download = AddButton(*frame, (std::string("cmdDownloadRecipe") + suffix).c_str(),
-                       QStringLiteral("Download"),
-                       QStringLiteral("Send the %1 to the module").arg(caption));
+  open = AddButton(*frame, (std::string("cmdOpenRecipe") + suffix).c_str(), QTr("Load Memory..."),
+                   QTr("Choose the %1").arg(caption));
+  download = AddButton(*frame, (std::string("cmdDownloadRecipe") + suffix).c_str(), QTr("Download"),
+                       QTr("Send the %1 to the module").arg(caption));
   open->setAccessibleDescription(caption);
   download->setAccessibleDescription(caption);
   const int width = open->sizeHint().width();  // the longer of its captions
@@ -159,11 +156,11 @@ QGroupBox* DataTransferControls::MakeRecipeFrame(QWidget& page, const char* name
 
 QWidget* DataTransferControls::MakeDataFiles(QWidget& page) {
   auto* const whole = new QWidget(&page);
-  frm_data_files_ = new QGroupBox(QStringLiteral("Data Files"), whole);
+  frm_data_files_ = new QGroupBox(QTr("Data Files"), whole);
   frm_data_files_->setObjectName(QStringLiteral("frmDataFiles"));
   lst_data_files = new QListWidget(frm_data_files_);
   lst_data_files->setObjectName(QStringLiteral("lstDataFiles"));
-  lst_data_files->setAccessibleName(QStringLiteral("Data Files"));
+  lst_data_files->setAccessibleName(QTr("Data Files"));
   lst_data_files->setFrameShape(QFrame::NoFrame);  // the group has one
   lst_data_files->setItemDelegate(new BoxesToBeSeen(lst_data_files));
   lst_data_files->setFixedSize(kDataFilesWidth,
@@ -171,14 +168,11 @@ QWidget* DataTransferControls::MakeDataFiles(QWidget& page) {
   auto* const frame = new QVBoxLayout(frm_data_files_);
   frame->setContentsMargins(1, 1, 1, 1);
   frame->addWidget(lst_data_files);
-  cmd_save_file = AddButton(*whole, "cmdSaveFile", QStringLiteral("&Save"),
-                            QStringLiteral("Save the checked data file"));
-  cmd_save_import =
-      AddButton(*whole, "cmdSaveImport", QStringLiteral("Save and &Import"),
-                QStringLiteral("Save the checked data files, or all transaction files "
-                               "if none is checked, and import one after the other"));
-  cmd_reload =
-      AddButton(*whole, "cmdReload", QStringLiteral("&Reload"), QStringLiteral("Upload once more"));
+  cmd_save_file = AddButton(*whole, "cmdSaveFile", QTr("&Save"), QTr("Save the checked data file"));
+  cmd_save_import = AddButton(*whole, "cmdSaveImport", QTr("Save and &Import"),
+                              QTr("Save the checked data files, or all transaction files "
+                                  "if none is checked, and import one after the other"));
+  cmd_reload = AddButton(*whole, "cmdReload", QTr("&Reload"), QTr("Upload once more"));
   auto* const buttons = new QVBoxLayout;
   buttons->setSpacing(kSpacing);
   buttons->addWidget(cmd_save_file);
@@ -198,10 +192,10 @@ QLayout* DataTransferControls::LayOutPath(QWidget& page) {
   lbl_file_path_ = AddLabel(page, "lblFilePath");
   txt_file_path = new QLineEdit(&page);
   txt_file_path->setObjectName(QStringLiteral("txtFilePath"));
-  txt_file_path->setAccessibleName(QStringLiteral("Path"));
+  txt_file_path->setAccessibleName(QTr("Path"));
   txt_file_path->setReadOnly(true);
-  cmd_print_text = AddButton(page, "cmdPrintText", QStringLiteral("&Print"),
-                             QStringLiteral("Print what the data window shows"));
+  cmd_print_text =
+      AddButton(page, "cmdPrintText", QTr("&Print"), QTr("Print what the data window shows"));
   auto* const row = new QHBoxLayout;
   row->setSpacing(kSpacing);
   row->addWidget(lbl_file_path_);
@@ -210,7 +204,7 @@ QLayout* DataTransferControls::LayOutPath(QWidget& page) {
   return row;
 }
 
-void DataTransferControls::ShowCaptions() { lbl_file_path_->setText(QStringLiteral("Path")); }
+void DataTransferControls::ShowCaptions() { lbl_file_path_->setText(QTr("Path")); }
 
 void DataTransferControls::Show(const TransferState& transfer) {
   for (QGroupBox* const frame : {frm_recipe_file_, frm_recipe_backup_}) {

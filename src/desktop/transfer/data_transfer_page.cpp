@@ -95,7 +95,7 @@ void DataTransferPage::Prepare() {
 }
 
 void DataTransferPage::Run(const std::function<void()>& flow) {
-  RunReported(services_.op, {.title = "Data Transfer Error"}, flow);
+  RunReported(services_.op, {.title = TrMark("Data Transfer Error")}, flow);
   Show();
 }
 
@@ -189,16 +189,16 @@ bool DataTransferPage::MayLeave() {
   const auto yes = [this](std::string_view text) {
     return services_.op.ShowMessage({.icon = Icon::kQuestion,
                                      .buttons = Buttons::kYesNo,
-                                     .title = "Received Data",
+                                     .title = Tr("Received Data"),
                                      .text = std::string(text),
                                      .refuses_by_default = true}) == Answer::kYes;
   };
   if (!transfer_.received.Unsaved() || services_.pump.Closing()) {
     return true;
   }
-  return yes("What the indicator sent has not been saved.\r\n"
-             "Leave the program, and keep it in a rescue file?") &&
-         (Rescue(krm_.GS_KRM_VirtualMemory()) || yes("Leave the program without it?"));
+  return yes(Tr("What the indicator sent has not been saved.") + "\r\n" +
+             Tr("Leave the program, and keep it in a rescue file?")) &&
+         (Rescue(krm_.GS_KRM_VirtualMemory()) || yes(Tr("Leave the program without it?")));
 }
 
 void DataTransferPage::KeepReceived() {
@@ -263,7 +263,7 @@ void DataTransferPage::PrintText() {
   RunReported<Error>(services_.op,
                      {.title = "Print Error",
                       .text = FailureText::kWords,
-                      .words = "The data window could not be printed.",
+                      .words = TrMark("The data window could not be printed."),
                       .icon = Icon::kWarning},
                      [this] { printer_.Print(transfer_.data_window); });
 }
@@ -271,7 +271,7 @@ void DataTransferPage::PrintText() {
 void DataTransferPage::EnablePrintText() {
   const bool on = services_.settings.EnablePrintTextOn();
   controls_.cmd_print_text->setEnabled(on);
-  controls_.cmd_print_text->setToolTip(on ? QStringLiteral("Print what the data window shows")
+  controls_.cmd_print_text->setToolTip(on ? QTr("Print what the data window shows")
                                           : QTr("Turn this on in Tools, Setup/Test, Options"));
 }
 

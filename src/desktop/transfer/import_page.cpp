@@ -57,10 +57,11 @@ bool IsText(int column) {
   return column == kImportedType || column == kImportedTime || column == kImportedDate;
 }
 
-constexpr const char* kStoreMeaning = "Store the records in the open transaction database";
-constexpr const char* kUndoMeaning =
-    "Take the records of the last store out of the open transaction database; possible until the "
-    "next store";
+constexpr std::string_view kStoreMeaning =
+    TrMark("Store the records in the open transaction database");
+constexpr std::string_view kUndoMeaning = TrMark(
+    "Take the records of the last store out of the open transaction database; possible "
+    "until the next store");
 constexpr int kProgressCaption = 1064;
 constexpr int kTransactionFileCaption = 1094;
 constexpr int kUnitsCaption = 1095;
@@ -148,7 +149,7 @@ int ImportModel::LongestText(int column) const {
 ImportGrid::ImportGrid(const ImportPresenter& session, QWidget* parent)
     : QTableView(parent), session_(session), model_(new ImportModel(session, this)) {
   setObjectName(QStringLiteral("grdIMPORT"));
-  setAccessibleName(QStringLiteral("Imported transactions"));
+  setAccessibleName(QTr("Imported transactions"));
   setFont(GridFont());
   setModel(model_);
   setItemDelegate(new ImportCells(this));
@@ -202,7 +203,7 @@ void ImportGrid::paintEvent(QPaintEvent* event) {
     painter.setFont(QApplication::font());
     painter.setPen(palette().color(QPalette::PlaceholderText));
     painter.drawText(viewport()->rect(), Qt::AlignCenter | Qt::TextWordWrap,
-                     QStringLiteral("Import a transaction file (.QXT) to see its records here."));
+                     QTr("Import a transaction file (.QXT) to see its records here."));
   }
 }
 
@@ -244,7 +245,7 @@ QLayout* ImportPage::LayOutFacts() {
   AddFact(*row, *this, "lblRecordsCaption", kRecordsCaption, *lbl_records_, 6);
   AddFact(*row, *this, "lblTransactionsCaption", kTransactionsCaption, *lbl_transactions_, 6);
   row->addStretch(1);
-  chk_imp_fit_page_ = new QCheckBox(QStringLiteral("Fit/&Print All Columns on Page"), this);
+  chk_imp_fit_page_ = new QCheckBox(QTr("Fit/&Print All Columns on Page"), this);
   chk_imp_fit_page_->setObjectName(QStringLiteral("chkImpFitPage"));
   row->addWidget(chk_imp_fit_page_);
   return row;
@@ -257,10 +258,10 @@ void ImportPage::FillPicImport() {
   KeepPlace(*pic_import_progress_);
   lbl_progress_msg_ = new ElidedLabel(pic_import_progress_);
   lbl_progress_msg_->setObjectName(QStringLiteral("lblProgressMsg"));
-  lbl_progress_msg_->setAccessibleDescription(QStringLiteral("Progress of the import"));
+  lbl_progress_msg_->setAccessibleDescription(QTr("Progress of the import"));
   prg_import_ = new QProgressBar(pic_import_progress_);
   prg_import_->setObjectName(QStringLiteral("prgImport"));
-  prg_import_->setAccessibleName(QStringLiteral("Progress of the import"));
+  prg_import_->setAccessibleName(QTr("Progress of the import"));
   prg_import_->setFixedWidth(kImportBarWidth);
   auto* const progress = new QHBoxLayout(pic_import_progress_);
   progress->setContentsMargins(0, 0, 0, 0);
@@ -278,12 +279,10 @@ void ImportPage::FillPicImport() {
     row->addWidget(button);
     return button;
   };
-  cmd_import_file_ = add("cmdImportFile", QStringLiteral("&Import"),
-                         QStringLiteral("Choose a transaction file and show its records"));
-  cmd_import_undo_ =
-      add("cmdImportUndo", QStringLiteral("&Undo the Last Store"), QString::fromUtf8(kUndoMeaning));
-  cmd_import_store_ =
-      add("cmdImportStore", QStringLiteral("&Store"), QString::fromUtf8(kStoreMeaning));
+  cmd_import_file_ =
+      add("cmdImportFile", QTr("&Import"), QTr("Choose a transaction file and show its records"));
+  cmd_import_undo_ = add("cmdImportUndo", QTr("&Undo the Last Store"), QTr(kUndoMeaning));
+  cmd_import_store_ = add("cmdImportStore", QTr("&Store"), QTr(kStoreMeaning));
   connect(cmd_import_file_, &QPushButton::clicked, this, [this] { ImportXFile(); });
   connect(cmd_import_store_, &QPushButton::clicked, this, [this] { Run([this] { Store(); }); });
   connect(cmd_import_undo_, &QPushButton::clicked, this, [this] { Run([this] { Undo(); }); });
@@ -297,7 +296,7 @@ void ImportPage::Store() {
   }
   if (outcome.complete && session_.ImportNext()) {
     Q_EMIT WentOn(ToQString(summary) +
-                  QStringLiteral(" Next: %1.").arg(ToQString(session_.File().FileName())));
+                  QTr(" Next: %1.").arg(ToQString(session_.File().FileName())));
   }
 }
 
@@ -395,12 +394,12 @@ void ImportPage::EnableStore() {
   cmd_import_store_->setEnabled(session_.Form().cmd_import_store_enabled && !read_only);
   cmd_import_store_->setToolTip(read_only ? read_only_note_
                                 : session_.Form().cmd_import_store_enabled
-                                    ? QString::fromUtf8(kStoreMeaning)
+                                    ? QTr(kStoreMeaning)
                                     : QTr("Import a transaction file first"));
   cmd_import_undo_->setEnabled(session_.Form().cmd_import_undo_enabled);
   cmd_import_undo_->setToolTip(
       session_.Form().cmd_import_undo_enabled
-          ? QString::fromUtf8(kUndoMeaning)
+          ? QTr(kUndoMeaning)
           : QTr("There is no store to undo in an open transaction database"));
 }
 
