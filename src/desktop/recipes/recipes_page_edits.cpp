@@ -5,6 +5,7 @@
 #include <utility>
 
 #include "desktop/recipes/recipes_page.h"
+#include "base/translation.h"
 #include "desktop/records/edit_gate.h"
 #include "presenter/report_failure.h"
 
@@ -207,7 +208,7 @@ FieldEdit RecipesPage::NewLine() {
   const RecipeLineRecord& line = editor_->Current().Current();
   const std::string& amount = line.target.empty() ? line.ingredient_percent : line.target;
   return {.field = lines_,
-          .what = "new line",
+          .what = Tr("new line"),
           .text = "ingredient " + line.ingredient + ", " + amount,
           .store =
               [this] {

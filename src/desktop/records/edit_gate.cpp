@@ -6,6 +6,7 @@
 #include <utility>
 
 #include "base/error.h"
+#include "base/translation.h"
 #include "database/connection.h"
 #include "presenter/report_failure.h"
 
@@ -23,7 +24,7 @@ bool OperatorIsBusy() {
 
 }  // namespace
 
-std::string FieldName(std::string_view field) { return "'" + std::string(field) + "' field"; }
+std::string FieldName(std::string_view field) { return Tr("'%1' field", {std::string(field)}); }
 
 void TakeFocus(QWidget& field) {
   if (field.isVisible() && field.isEnabled()) {
