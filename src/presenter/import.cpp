@@ -121,6 +121,7 @@ bool ImportPresenter::Import(const FileChoice& choice) {
   view_.ImportChanged();
   if (imported) {
     view_.FocusControl("cmdImportStore");
+    view_.FileShown(choice.path);
     ReportUnreadFeeds();
   }
   return imported;

@@ -44,6 +44,9 @@ class ImportView {
 
   // The state of the import has changed and must be shown.
   virtual void ImportChanged() = 0;
+
+  // The records of that file are shown now.
+  virtual void FileShown(const std::string& /*path*/) {}
 };
 
 struct ImportLabel {

@@ -3,6 +3,7 @@
 #include <QAbstractItemView>
 #include <QApplication>
 #include <QFocusEvent>
+#include <QHeaderView>
 #include <QKeyEvent>
 #include <QMouseEvent>
 #include <QScopedValueRollback>
@@ -325,6 +326,29 @@ void ChoiceList::keyPressEvent(QKeyEvent* event) {
 }
 
 void ChoiceList::wheelEvent(QWheelEvent* event) { event->ignore(); }
+
+bool GoToNextCell(QTableView& list) {
+  const QHeaderView& columns = *list.horizontalHeader();
+  const auto shown_from = [&columns](int place) {
+    while (place < columns.count() && columns.isSectionHidden(columns.logicalIndex(place))) {
+      ++place;
+    }
+    return place;
+  };
+  const QModelIndex cell = list.currentIndex();
+  int row = cell.row();
+  int place = shown_from(cell.isValid() ? columns.visualIndex(cell.column()) + 1 : 0);
+  if (place == columns.count()) {
+    ++row;
+    place = shown_from(0);
+  }
+  const QModelIndex next = list.model()->index(std::max(row, 0), columns.logicalIndex(place));
+  if (!next.isValid()) {
+    return false;
+  }
+  list.setCurrentIndex(next);
+  return true;
+}
 
 EnterAsTab::EnterAsTab(QWidget* form) : QObject(form), form_(form) {
   qApp->installEventFilter(this);

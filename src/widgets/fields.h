@@ -6,6 +6,7 @@
 #include <QLineEdit>
 #include <QMouseEvent>
 #include <QObject>
+#include <QTableView>
 #include <QValidator>
 #include <QWidget>
 #include <functional>
@@ -118,6 +119,10 @@ class EnterByCell {
   // Returns false after the last cell: the key then leaves the list.
   virtual bool EnterPressed() = 0;
 };
+
+// Moves to the next visible column in the order on the screen, and from the last one to the first
+// of the next row. Returns false at the last cell of the list.
+bool GoToNextCell(QTableView& list);
 
 // Makes the Enter key move to the next field, like Tab, on all controls of a form. It keeps its
 // meaning in menus, drop-down lists and other windows.

@@ -8,6 +8,7 @@
 namespace vrx::testing {
 namespace {
 
+using ::testing::ElementsAre;
 using ::testing::SizeIs;
 
 class ImportFiles : public ImportSessionTest {};
@@ -29,6 +30,7 @@ TEST_F(ImportFiles, FilesAreImportedOneAfterTheOtherAndARefusedOneIsSteppedOver)
   EXPECT_THAT(site_.op.boxes, SizeIs(2));
   EXPECT_FALSE(session_.ImportNext());
   EXPECT_EQ(session_.File().FileName(), "TWO.QXT");
+  EXPECT_THAT(shown_, ElementsAre("one.qxt", "two.qxt"));
   EXPECT_TRUE(session_.Form().cmd_import_store_enabled);
 }
 

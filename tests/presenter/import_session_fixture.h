@@ -41,6 +41,9 @@ class ImportSessionTest : public ::testing::Test, public ImportView {
   void FocusControl(std::string_view name) override { focused_.emplace_back(name); }
   void SaveTransactionDatabase() override { ++site_.saves; }
   void ImportChanged() override { ++changes_; }
+  void FileShown(const std::string& path) override {
+    shown_.push_back(std::filesystem::path(path).filename());
+  }
 
   bool Import(std::string_view text) {
     files_.Choose(site_.folder.Write("load1.qxt", text));
@@ -62,6 +65,7 @@ class ImportSessionTest : public ::testing::Test, public ImportView {
   bool grid_fails_ = false;
   int tab_selections_ = 0;
   std::vector<std::string> focused_;
+  std::vector<std::string> shown_;
   int changes_ = 0;
   DatabaseIdentity identity_{site_.op, site_.calendar, site_.settings};
   TestServices rest_;

@@ -3,8 +3,13 @@
 #include <QAbstractItemView>
 #include <QApplication>
 #include <QClipboard>
+#include <QHeaderView>
+#include <QStandardItemModel>
+#include <QTableView>
 #include <QTest>
 #include <QWheelEvent>
+#include <utility>
+#include <vector>
 
 #include <gtest/gtest.h>
 
@@ -13,6 +18,27 @@ namespace {
 
 // Lets digits through.
 int DigitFilter(std::string_view /*text*/, int key) { return key >= '0' && key <= '9' ? key : 0; }
+
+TEST(GoToNextCell, FollowsTheOrderOnTheScreenAndSkipsHiddenColumns) {
+  QStandardItemModel cells(2, 4);
+  QTableView list;
+  list.setModel(&cells);
+  list.horizontalHeader()->moveSection(3, 0);
+  list.setColumnHidden(1, true);
+  std::vector<std::pair<int, int>> visited;
+  while (GoToNextCell(list)) {
+    visited.emplace_back(list.currentIndex().row(), list.currentIndex().column());
+  }
+  EXPECT_EQ(visited,
+            (std::vector<std::pair<int, int>>{{0, 3}, {0, 0}, {0, 2}, {1, 3}, {1, 0}, {1, 2}}));
+}
+
+TEST(GoToNextCell, StaysInAnEmptyList) {
+  QStandardItemModel cells(0, 4);
+  QTableView list;
+  list.setModel(&cells);
+  EXPECT_FALSE(GoToNextCell(list));
+}
 
 class FieldsTest : public ::testing::Test {
  protected:

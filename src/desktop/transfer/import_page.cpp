@@ -182,13 +182,22 @@ void ImportGrid::FitColumns() {
   const int character = fontMetrics().horizontalAdvance(u'0');
   const QFontMetrics header = horizontalHeader()->fontMetrics();
   for (int i = 0; i < kImportColumns; ++i) {
-    if (isColumnHidden(i)) {
-      continue;
-    }
     const QString caption = model_->headerData(i, Qt::Horizontal, Qt::DisplayRole).toString();
     const int text = std::min(model_->LongestText(i + 1), kMostCharacters) * character;
-    setColumnWidth(i, std::max(text, header.horizontalAdvance(caption)) + 2 * kSpacing);
+    least_.at(static_cast<std::size_t>(i)) =
+        std::max(text, header.horizontalAdvance(caption)) + 2 * kSpacing;
   }
+  FillWidth();
+}
+
+void ImportGrid::FillWidth() {
+  ShareWidth(*horizontalHeader(), viewport()->width(),
+             [this](int column) { return least_.at(static_cast<std::size_t>(column)); });
+}
+
+void ImportGrid::resizeEvent(QResizeEvent* event) {
+  QTableView::resizeEvent(event);
+  FillWidth();
 }
 
 bool ImportGrid::Empty() const {
@@ -314,18 +323,12 @@ void ImportPage::SetTabOrder() {
 }
 
 void ImportPage::ImportXFile() {
-  Run([this] {
-    if (session_.ImportXFile()) {
-      Q_EMIT FileImported(ToQString(session_.File().FilePath()));
-    }
-  });
+  Run([this] { session_.ImportXFile(); });
 }
 
 void ImportPage::ImportFile(const std::string& path) {
   Run([&] {
-    if (session_.ImportFile({.path = path, .title = std::filesystem::path(path).filename()})) {
-      Q_EMIT FileImported(ToQString(path));
-    }
+    session_.ImportFile({.path = path, .title = std::filesystem::path(path).filename()});
   });
 }
 

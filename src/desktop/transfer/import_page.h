@@ -7,6 +7,7 @@
 #include <QProgressBar>
 #include <QPushButton>
 #include <QTableView>
+#include <array>
 #include <cstdint>
 #include <functional>
 #include <string>
@@ -19,6 +20,8 @@
 #include "presenter/command_states.h"
 #include "presenter/database_commands.h"
 #include "presenter/import.h"
+#include "widgets/fields.h"
+#include "widgets/qt_text.h"
 
 namespace vrx {
 
@@ -49,7 +52,7 @@ class ImportModel : public QAbstractTableModel {
 
 // `grdIMPORT`. Rows are striped in the specified colors; a grid without an import shows how to get
 // one.
-class ImportGrid : public QTableView {
+class ImportGrid : public QTableView, public EnterByCell {
   Q_OBJECT
 
  public:
@@ -59,16 +62,21 @@ class ImportGrid : public QTableView {
   // Shows the current imported data.
   void ShowImport();
 
+  bool EnterPressed() override { return GoToNextCell(*this); }
+
  protected:
   void paintEvent(QPaintEvent* event) override;
+  void resizeEvent(QResizeEvent* event) override;
 
  private:
   void ShowColumns();
   void FitColumns();
+  void FillWidth();
   [[nodiscard]] bool Empty() const;
 
   const ImportPresenter& session_;
   ImportModel* model_;
+  std::array<int, kImportColumns> least_{};  // the widths that the texts need
 };
 
 // The Import tab: its page, and its buttons and progress in the row below the tabs.
@@ -124,6 +132,7 @@ class ImportPage final : public MainTabPage, private ImportView, private Progres
   void FocusControl(std::string_view name) override;
   void SaveTransactionDatabase() override { databases_.SaveTransactionDatabase(); }
   void ImportChanged() override;
+  void FileShown(const std::string& path) override { Q_EMIT FileImported(ToQString(path)); }
 
   // ProgressDisplay.
   void SetProgressMessage(std::string_view text) override;

@@ -312,6 +312,34 @@ TEST_F(ImportPageTest, ColumnsAreWideEnoughForCaptionAndTexts) {
   }
 }
 
+TEST_F(ImportPageTest, ColumnsFillTheWidth) {
+  ImportText(kImportedFile);
+  Show();
+  for (int column = 2; column < kImportColumns; ++column) {
+    Grid().setColumnHidden(column, true);
+  }
+  const int before = Grid().viewport()->width();
+  Window().resize(Window().width() - 20, Window().height());
+  RunEvents();
+  EXPECT_LT(Grid().viewport()->width(), before);
+  EXPECT_EQ(Grid().horizontalHeader()->length(), Grid().viewport()->width());
+}
+
+TEST_F(ImportPageTest, EnterGoesFromTheLastColumnToTheNextRow) {
+  ImportText(kImportedFile);
+  Grid().setFocus();
+  const int columns = static_cast<int>(VisibleCaptions().size());
+  QTest::keyClick(&Grid(), Qt::Key_Return);
+  const QModelIndex first = Grid().currentIndex();
+  EXPECT_EQ(first.row(), 0);
+  for (int key = 1; key < columns; ++key) {
+    QTest::keyClick(&Grid(), Qt::Key_Return);
+  }
+  EXPECT_EQ(Grid().currentIndex().row(), 0);
+  QTest::keyClick(&Grid(), Qt::Key_Return);
+  EXPECT_EQ(Grid().currentIndex(), first.siblingAtRow(1));
+}
+
 // Store.
 
 TEST_F(ImportPageTest, StoreNeedsATransactionDatabase) {
