@@ -14,6 +14,7 @@
 
 #include "base/sync.h"
 #include "base/text.h"
+#include "base/translation.h"
 
 namespace vrx {
 
@@ -25,11 +26,11 @@ namespace {
 std::error_code LastError() { return {errno != 0 ? errno : EIO, std::generic_category()}; }
 
 [[noreturn]] void FailToRead(const fs::path& path) {
-  throw FileError("cannot read " + path.string() + ": " + LastError().message());
+  throw FileError(Tr("cannot read %1: %2", {path.string(), LastError().message()}));
 }
 
 [[noreturn]] void FailToWrite(const fs::path& path, const std::string& why) {
-  throw FileError("cannot write " + path.string() + ": " + why);
+  throw FileError(Tr("cannot write %1: %2", {path.string(), why}));
 }
 
 [[noreturn]] void FailToWrite(const fs::path& path, const std::error_code& why) {
@@ -174,7 +175,7 @@ AtomicFile::AtomicFile(const fs::path& path) : target_(ResolveLink(path)), tempo
     FailToWrite(target_, std::make_error_code(std::errc::is_a_directory));
   }
   if (fs::exists(old) && !fs::is_regular_file(old)) {
-    FailToWrite(target_, "it is a device or a pipe, not a file");
+    FailToWrite(target_, Tr("it is a device or a pipe, not a file"));
   }
   temporary_ += "." + std::to_string(std::random_device{}()) + ".tmp";
   errno = 0;

@@ -13,6 +13,7 @@
 #include <SQLiteCpp/Transaction.h>
 #include <sqlite3.h>
 
+#include "base/translation.h"
 #include "database/schema.h"
 
 namespace vrx {
@@ -55,18 +56,21 @@ int NumberOf(int code, std::string_view words) {
   return code;
 }
 
-// Replaces SQLite's message where it does not describe what happened to the file; else empty.
-std::string WordsFor(int code) {
+// SQLite's message, or a better one where it does not describe what happened to the file `name`.
+std::string WordsFor(int code, const std::string& name, std::string_view message) {
+  if (code == kTableLockedError) {
+    return Tr("%1 is locked by another program", {name});
+  }
   if (code == SQLITE_READONLY_DBMOVED) {
-    return " was moved or deleted while it was open";
+    return Tr("%1 was moved or deleted while it was open", {name});
   }
   switch (code & kPrimaryCodeMask) {
     case SQLITE_FULL:
-      return " could not be written: the disk is full";
+      return Tr("%1 could not be written: the disk is full", {name});
     case SQLITE_READONLY:
-      return " may not be written: it is write-protected";
+      return Tr("%1 may not be written: it is write-protected", {name});
     default:
-      return {};
+      return name + ": " + std::string(message);
   }
 }
 
@@ -83,7 +87,10 @@ constexpr std::size_t kPageCountValidForOffset = 92;
 constexpr std::string_view kJetMagic = "\0\1\0\0Standard Jet DB"sv;
 constexpr std::size_t kHeadSize = 512;  // bytes that are read to identify a file
 
-constexpr const char* kExpected = "; expected a recipe or transaction database of this system";
+// That a file is no database of this system.
+DatabaseError NotOurs(int number, const std::string& what) {
+  return {number, what + "; " + Tr("expected a recipe or transaction database of this system")};
+}
 
 struct FileHead {
   std::string bytes;      // at most kHeadSize
@@ -104,7 +111,7 @@ FileHead ReadHead(SQLite::Database& database) {
     result = file->pMethods->xRead(file, head.bytes.data(), static_cast<int>(head.bytes.size()), 0);
   }
   if (result != SQLITE_OK) {
-    throw SQLite::Exception("the file cannot be read", result);
+    throw SQLite::Exception(Tr("the file cannot be read"), result);
   }
   return head;
 }
@@ -126,59 +133,61 @@ bool LooksLikeText(std::string_view bytes) {
 
 void RefuseMissing(const fs::path& path, const std::string& name) {
   if (path.empty()) {
-    throw DatabaseError(SQLITE_CANTOPEN, "no file was named" + std::string(kExpected));
+    throw NotOurs(SQLITE_CANTOPEN, Tr("no file was named"));
   }
   std::error_code error;
   const fs::file_status status = fs::status(path, error);
   if (status.type() == fs::file_type::not_found) {
-    throw DatabaseError(SQLITE_CANTOPEN, name + " does not exist" + kExpected);
+    throw NotOurs(SQLITE_CANTOPEN, Tr("%1 does not exist", {name}));
   }
   if (status.type() == fs::file_type::none) {
-    throw DatabaseError(SQLITE_CANTOPEN, name + " cannot be reached: " + error.message());
+    throw DatabaseError(SQLITE_CANTOPEN, Tr("%1 cannot be reached: %2", {name, error.message()}));
   }
   if (status.type() == fs::file_type::directory) {
-    throw DatabaseError(SQLITE_CANTOPEN, name + " is a folder" + kExpected);
+    throw NotOurs(SQLITE_CANTOPEN, Tr("%1 is a folder", {name}));
   }
   if (status.type() != fs::file_type::regular) {
-    throw DatabaseError(SQLITE_CANTOPEN, name + " is a device" + kExpected);
+    throw NotOurs(SQLITE_CANTOPEN, Tr("%1 is a device", {name}));
   }
 }
 
 // Describes a file that is not an SQLite database.
-std::string OtherContent(const FileHead& head) {
+std::string OtherContent(const FileHead& head, const std::string& name) {
   if (head.bytes.empty()) {
-    return " is empty";
+    return Tr("%1 is empty", {name});
   }
   if (head.bytes.starts_with(kJetMagic)) {
-    return " is a Jet database of an earlier generation, which has to be converted first";
+    return Tr("%1 is a Jet database of an earlier generation, which has to be converted first",
+              {name});
   }
   if (LooksLikeText(head.bytes)) {
-    return " is a text file";
+    return Tr("%1 is a text file", {name});
   }
-  return " is no database";
+  return Tr("%1 is no database", {name});
 }
 
 void RefuseOthers(const FileHead& head, const std::string& name) {
   const std::string_view start = std::string_view(head.bytes).substr(0, kMagic.size());
   if (start.empty() || !kMagic.starts_with(start)) {
-    throw DatabaseError(SQLITE_NOTADB, name + OtherContent(head) + kExpected);
+    throw NotOurs(SQLITE_NOTADB, OtherContent(head, name));
   }
   if (head.bytes.size() < kHeaderSize) {
-    throw DatabaseError(SQLITE_CORRUPT, name + " is cut off: " + std::to_string(head.size) +
-                                            " bytes, less than a database's header of " +
-                                            std::to_string(kHeaderSize));
+    throw DatabaseError(SQLITE_CORRUPT,
+                        Tr("%1 is cut off: %2 bytes, less than a database's header of %3",
+                           {name, std::to_string(head.size), std::to_string(kHeaderSize)}));
   }
   if (BigEndian(head, kApplicationIdOffset) != kApplicationId) {
-    throw DatabaseError(kInvalidTableError, name + " is a database of another program" + kExpected);
+    throw NotOurs(kInvalidTableError, Tr("%1 is a database of another program", {name}));
   }
   const auto version = static_cast<std::int32_t>(BigEndian(head, kUserVersionOffset));
   if (version != kSchemaVersion) {
     throw DatabaseError(
-        SQLITE_SCHEMA, name +
-                           (version > kSchemaVersion ? " was made by a newer version of the program"
-                                                     : " has an unknown schema") +
-                           ": schema " + std::to_string(version) + "; expected " +
-                           std::to_string(kSchemaVersion));
+        SQLITE_SCHEMA,
+        version > kSchemaVersion
+            ? Tr("%1 was made by a newer version of the program: schema %2; expected %3",
+                 {name, std::to_string(version), std::to_string(kSchemaVersion)})
+            : Tr("%1 has an unknown schema: schema %2; expected %3",
+                 {name, std::to_string(version), std::to_string(kSchemaVersion)}));
   }
 }
 
@@ -195,8 +204,9 @@ void RefuseCutOff(SQLite::Database& database, const std::string& name) {
   const FileHead head = ReadHead(database);
   const std::int64_t expected = ExpectedSize(head);
   if (head.size < expected) {
-    throw DatabaseError(SQLITE_CORRUPT, name + " is cut off: " + std::to_string(head.size) +
-                                            " bytes instead of " + std::to_string(expected));
+    throw DatabaseError(SQLITE_CORRUPT,
+                        Tr("%1 is cut off: %2 bytes instead of %3",
+                           {name, std::to_string(head.size), std::to_string(expected)}));
   }
 }
 
@@ -225,11 +235,7 @@ DatabaseError TranslateSqliteError(const SQLite::Exception& error, const fs::pat
   const int extended = error.getExtendedErrorCode();
   const int number = NumberOf(extended > 0 ? extended : error.getErrorCode(), error.what());
   const std::string name = path.filename().string();
-  if (number == kTableLockedError) {
-    return {number, name + " is locked by another program"};
-  }
-  const std::string words = WordsFor(number);
-  return {number, words.empty() ? name + ": " + error.what() : name + words};
+  return {number, WordsFor(number, name, error.what())};
 }
 
 int FailureNumber(const std::exception& failure) {
@@ -259,7 +265,8 @@ SQLite::Database OpenDatabase(const fs::path& path, Access access, LockWait wait
     wait.ApplyTo(database.getHandle());
     RefuseOthers(ReadHead(database), name);
     if (access == Access::kWrite && IsWriteProtected(database)) {
-      throw DatabaseError(SQLITE_READONLY, name + " may not be written: it is write-protected");
+      throw DatabaseError(SQLITE_READONLY,
+                          Tr("%1 may not be written: it is write-protected", {name}));
     }
     CheckWhole(database, name);
     database.exec("PRAGMA synchronous=FULL");

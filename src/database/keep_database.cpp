@@ -10,6 +10,7 @@
 #include <sqlite3.h>
 
 #include "base/text.h"
+#include "base/translation.h"
 
 namespace vrx {
 namespace {
@@ -73,9 +74,10 @@ void KeepDatabase(const fs::path& path) {
   const bool is_database = HasContent(ReadHead(target));
   if (is_database || HasName(path) || HasName(target)) {
     throw DatabaseInTheWay(
-        path.string() +
-        (is_database ? " is a database and is not replaced. Choose another name."
-                     : " has the name of a database and is not replaced. Choose another name."));
+        is_database
+            ? Tr("%1 is a database and is not replaced. Choose another name.", {path.string()})
+            : Tr("%1 has the name of a database and is not replaced. Choose another name.",
+                 {path.string()}));
   }
 }
 

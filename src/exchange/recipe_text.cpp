@@ -12,6 +12,7 @@
 #include "base/files.h"
 #include "base/number.h"
 #include "base/text.h"
+#include "base/translation.h"
 #include "database/connection.h"
 #include "database/identity.h"
 #include "feed/batch_type.h"
@@ -32,8 +33,10 @@ std::string Named(std::string_view kind, int id, const std::string& name) {
 std::string Encoded(const std::string& text, const std::string& record) {
   std::string bytes = Utf8ToWindows1252(text);
   if (Windows1252ToUtf8(bytes) != text) {
-    throw RecipeTextError(record + " has a character that cannot be sent: \"" + text +
-                          "\" is not of the character set Windows-1252.");
+    throw RecipeTextError(
+        Tr("%1 has a character that cannot be sent: \"%2\" is not of the character set "
+           "Windows-1252.",
+           {record, text}));
   }
   return bytes;
 }
@@ -161,7 +164,7 @@ class TextBuilder {
       }
       return totals;
     } catch (const Error& error) {
-      throw RecipeTextError(record + " cannot be computed. " + error.what());
+      throw RecipeTextError(Tr("%1 cannot be computed. %2", {record, error.what()}));
     }
   }
 
@@ -246,7 +249,7 @@ RecipeDownload TakeRecipeDownload(const std::filesystem::path& recipe_db_path, b
 std::string ReadRecipeBackup(const std::filesystem::path& path) {
   std::string text = ReadFileBytes(path, kMostBackup);
   if (text.size() > kMostBackup) {
-    throw FileError(path.string() + " is longer than any recipe backup");
+    throw FileError(Tr("%1 is longer than any recipe backup", {path.string()}));
   }
   return text;
 }

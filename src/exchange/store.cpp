@@ -139,7 +139,8 @@ void CheckStillInPlace(SQLite::Database& database, const std::filesystem::path& 
   int moved = 0;
   sqlite3_file_control(database.getHandle(), "main", SQLITE_FCNTL_HAS_MOVED, &moved);
   if (moved != 0) {
-    throw DatabaseError(SQLITE_READONLY_DBMOVED, FileTitle(path) + " was deleted or moved away");
+    throw DatabaseError(SQLITE_READONLY_DBMOVED,
+                        Tr("%1 was deleted or moved away", {FileTitle(path)}));
   }
 }
 
@@ -215,13 +216,14 @@ std::int64_t TakeOut(const ImportRecord& store, const OpenDatabases& databases,
     SQLite::Transaction transaction(database, SQLite::TransactionBehavior::IMMEDIATE);
     const std::optional<ImportRecord> last = ReadUndoableStore(database);
     if (!last || last->number != store.number) {
-      throw DatabaseError(SQLITE_BUSY_SNAPSHOT, "another program has used the database meanwhile");
+      throw DatabaseError(SQLITE_BUSY_SNAPSHOT,
+                          Tr("another program has used the database meanwhile"));
     }
     const std::int64_t rows = UndoStore(database, store.number);
     if (rows != store.stored) {
-      throw DatabaseError(SQLITE_MISMATCH, "the database has " + std::to_string(rows) + " of the " +
-                                               std::to_string(store.stored) +
-                                               " rows of the last store");
+      throw DatabaseError(SQLITE_MISMATCH,
+                          Tr("the database has %1 of the %2 rows of the last store",
+                             {std::to_string(rows), std::to_string(store.stored)}));
     }
     if (rows > 0) {
       TouchDatabase(database, calendar);

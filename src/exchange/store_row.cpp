@@ -12,6 +12,7 @@
 #include "base/encoding.h"
 #include "base/number.h"
 #include "base/text.h"
+#include "base/translation.h"
 #include "database/records.h"
 #include "exchange/imported_data.h"
 
@@ -78,7 +79,7 @@ class RowReader {
   [[nodiscard]] std::int32_t TransactionNumber() const {
     const std::optional<std::int32_t> number = ParseLong(Cell(kImportedTransactionNumber));
     if (!number || *number < 1) {
-      Refuse(kImportedTransactionNumber, "a whole number from 1");
+      Refuse(kImportedTransactionNumber, Tr("a whole number from 1"));
     }
     return *number;
   }
@@ -86,7 +87,7 @@ class RowReader {
   [[nodiscard]] const std::string& Name(int column, const std::vector<std::string>& names) const {
     const std::optional<std::int32_t> id = ParseLong(Cell(column));
     if (!id || *id < 1 || static_cast<std::size_t>(*id) > names.size()) {
-      Refuse(column, "an ID from 1 to " + std::to_string(names.size()));
+      Refuse(column, Tr("an ID from 1 to %1", {std::to_string(names.size())}));
     }
     return names[static_cast<std::size_t>(*id) - 1];
   }
@@ -106,7 +107,7 @@ class RowReader {
     }
     const std::optional<double> number = ParseNumber(Cell(column));
     if (!number) {
-      Refuse(column, "a number");
+      Refuse(column, Tr("a number"));
     }
     return number;
   }
@@ -120,7 +121,7 @@ class RowReader {
     const std::optional<TimeOfDay> time =
         ParseDisplayTime(FormatTransactionTime(Cell(kImportedTime)));
     if (!time) {
-      Refuse(kImportedTime, "four digits, hours and minutes, or these with am or pm");
+      Refuse(kImportedTime, Tr("four digits, hours and minutes, or these with am or pm"));
     }
     return time;
   }
@@ -133,7 +134,7 @@ class RowReader {
     const std::string_view cell = Cell(kImportedDate);
     const std::optional<Date> date = ParseTransactionDate(cell);
     if (!date) {
-      Refuse(kImportedDate, "eight digits: month, day and year");
+      Refuse(kImportedDate, Tr("eight digits: month, day and year"));
     }
     return date;
   }
@@ -145,8 +146,8 @@ class RowReader {
     if (cell.size() > kMaxShownValue) {
       value += "...";
     }
-    throw StoreRowError("Row " + std::to_string(row_) + ", " + DesignImportCaption(column) +
-                        ": found \"" + value + "\", expected " + expected + ".");
+    throw StoreRowError(Tr("Row %1, %2: found '%3', expected %4.",
+                           {std::to_string(row_), DesignImportCaption(column), value, expected}));
   }
 
   const ImportedData& rows_;
@@ -209,10 +210,10 @@ void CheckTransactionNumber(const ImportedData& rows, std::size_t row, std::int3
   constexpr std::int32_t kHighest = std::numeric_limits<std::int32_t>::max();
   const std::optional<std::int32_t> number = ParseLong(rows.Cell(row, kImportedTransactionNumber));
   if (number && std::int64_t{*number} + base > kHighest) {
-    throw StoreRowError("Row " + std::to_string(row) + ", " +
-                        DesignImportCaption(kImportedTransactionNumber) + ": " +
-                        std::to_string(*number) + " behind the database's highest number " +
-                        std::to_string(base) + " is beyond " + std::to_string(kHighest) + ".");
+    throw StoreRowError(
+        Tr("Row %1, %2: %3 after the database's highest number %4 is beyond %5.",
+           {std::to_string(row), DesignImportCaption(kImportedTransactionNumber),
+            std::to_string(*number), std::to_string(base), std::to_string(kHighest)}));
   }
 }
 

@@ -10,6 +10,7 @@
 #include "base/error.h"
 #include "base/files.h"
 #include "base/text.h"
+#include "base/translation.h"
 #include "database/keep_database.h"
 #include "export/csv_export.h"
 #include "export/html_export.h"
@@ -56,12 +57,12 @@ IngredientColumnNames ScanDynamicGridColumn(const HistoryGrid& grid) {
 // An export replaces a file without asking; a database must not be lost that way.
 void RefuseOpenDatabase(const fs::path& file, const OpenDatabases& databases) {
   const std::array<std::pair<const fs::path&, std::string_view>, 2> kinds{
-      {{databases.recipe_db_path, "recipe"}, {databases.trans_db_path, "transaction"}}};
-  for (const auto& [database, kind] : kinds) {
+      {{databases.recipe_db_path, TrMark("cannot write %1: it is the open recipe database")},
+       {databases.trans_db_path, TrMark("cannot write %1: it is the open transaction database")}}};
+  for (const auto& [database, reason] : kinds) {
     std::error_code not_both_there;
     if (fs::equivalent(file, database, not_both_there)) {
-      throw Error("cannot write " + file.string() + ": it is the open " + std::string(kind) +
-                  " database");
+      throw Error(Tr(reason, {file.string()}));
     }
   }
 }
@@ -73,14 +74,17 @@ void RefuseStyleSheet(const fs::path& file, ExportFormat format, const StyleShee
   std::error_code ignored;
   const fs::path target = fs::weakly_canonical(fs::absolute(file, ignored), ignored);
   if (fs::equivalent(target.parent_path(), style_sheets.SourceFolder(), ignored)) {
-    throw Error("cannot write " + file.string() +
-                ": its folder holds the program's own stylesheets. Choose another folder.");
+    throw Error(
+        Tr("cannot write %1: its folder holds the program's own stylesheets. Choose another "
+           "folder.",
+           {file.string()}));
   }
   const std::string name = file.filename().string();
   if (format == ExportFormat::kXml &&
       EqualsIgnoringCase(name, style_sheets.SourceOf(group).filename().string())) {
-    throw Error("cannot write " + file.string() +
-                ": the stylesheet beside it takes that name. Choose another name.");
+    throw Error(
+        Tr("cannot write %1: the stylesheet beside it takes that name. Choose another name.",
+           {file.string()}));
   }
 }
 

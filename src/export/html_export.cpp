@@ -23,6 +23,7 @@
 #include "base/application.h"
 #include "base/error.h"
 #include "base/files.h"
+#include "base/translation.h"
 #include "history/data_group.h"
 #include "history/period.h"
 #include "settings/data_folder.h"
@@ -196,9 +197,10 @@ std::string ReadDocument(const fs::path& xml) {
   std::error_code unknown;
   const auto size = fs::file_size(xml, unknown);
   if (!unknown && size > kLargestPageSource) {
-    throw Error("The page would be too large for a browser: " + Megabytes(size) +
-                " of data, at most " + Megabytes(kLargestPageSource) +
-                ". Choose XML or CSV, or a group by name.");
+    throw Error(
+        Tr("The page would be too large for a browser: %1 of data, at most %2. Choose XML or "
+           "CSV, or a group by name.",
+           {Megabytes(size), Megabytes(kLargestPageSource)}));
   }
   return ReadFileBytes(xml, kLargestPageSource);
 }

@@ -5,6 +5,7 @@
 #include <system_error>
 
 #include "base/files.h"
+#include "base/translation.h"
 
 namespace vrx {
 
@@ -14,7 +15,7 @@ WorkFolder::WorkFolder() {
   std::error_code error;
   const fs::path common = fs::temp_directory_path(error);
   if (error) {
-    throw FileError("cannot find the folder for temporary files: " + error.message());
+    throw FileError(Tr("cannot find the folder for temporary files: %1", {error.message()}));
   }
   do {
     path_ = common / ("vrx-2260." + std::to_string(std::random_device{}()));
@@ -23,7 +24,7 @@ WorkFolder::WorkFolder() {
     fs::permissions(path_, fs::perms::owner_all, error);
   }
   if (error) {
-    throw FileError("cannot make the folder " + path_.string() + ": " + error.message());
+    throw FileError(Tr("cannot make the folder %1: %2", {path_.string(), error.message()}));
   }
 }
 

@@ -308,7 +308,7 @@ TEST(StoreImportedTransactions, ANumberAtTheLimitIsStoredAndOneBeyondRefusesTheW
   EXPECT_EQ(LastBox(site.op.boxes).title, "Transaction Store Error");
   EXPECT_EQ(LastBox(site.op.boxes).icon, Icon::kCritical);
   EXPECT_EQ(LastBox(site.op.boxes).text,
-            "Row 2, Transaction: 3 behind the database's highest number 2147483645 is beyond "
+            "Row 2, Transaction: 3 after the database's highest number 2147483645 is beyond "
             "2147483647.\r\n\r\nNothing of this import was stored.");
 
   EXPECT_TRUE(site.Store(MakeImport({BatchCells(2, 3, 4, "1")})).complete);
@@ -346,42 +346,42 @@ INSTANTIATE_TEST_SUITE_P(
     Cells, StoreStopsAt,
     ::testing::Values(
         BadCell{"RecipeZero", kImportedRecipeID, "0",
-                "Recipe ID: found \"0\", expected an ID from 1 to 100"},
+                "Recipe ID: found '0', expected an ID from 1 to 100"},
         BadCell{"RecipeBeyond", kImportedRecipeID, "101",
-                "Recipe ID: found \"101\", expected an ID from 1 to 100"},
+                "Recipe ID: found '101', expected an ID from 1 to 100"},
         BadCell{"RecipeEmpty", kImportedRecipeID, "",
-                "Recipe ID: found \"\", expected an ID from 1 to 100"},
+                "Recipe ID: found '', expected an ID from 1 to 100"},
         BadCell{"IngredientZero", kImportedIngredientID, "0",
-                "Ingredient ID: found \"0\", expected an ID from 1 to 100"},
+                "Ingredient ID: found '0', expected an ID from 1 to 100"},
         BadCell{"IngredientBeyond", kImportedIngredientID, "101",
-                "Ingredient ID: found \"101\", expected an ID from 1 to 100"},
+                "Ingredient ID: found '101', expected an ID from 1 to 100"},
         BadCell{"PenZero", kImportedPenID, "0",
-                "Pen ID: found \"0\", expected an ID from 1 to 400"},
+                "Pen ID: found '0', expected an ID from 1 to 400"},
         BadCell{"PenBeyond", kImportedPenID, "401",
-                "Pen ID: found \"401\", expected an ID from 1 to 400"},
+                "Pen ID: found '401', expected an ID from 1 to 400"},
         BadCell{"PenNegative", kImportedPenID, "-1",
-                "Pen ID: found \"-1\", expected an ID from 1 to 400"},
+                "Pen ID: found '-1', expected an ID from 1 to 400"},
         BadCell{"PenNoNumber", kImportedPenID, "PEN\xA0X",
-                "Pen ID: found \"PEN\u00A0X\", expected an ID from 1 to 400"},
+                "Pen ID: found 'PEN\u00A0X', expected an ID from 1 to 400"},
         BadCell{"PenHuge", kImportedPenID, "4294967297",
-                "Pen ID: found \"4294967297\", expected an ID from 1 to 400"},
+                "Pen ID: found '4294967297', expected an ID from 1 to 400"},
         BadCell{"NumberZero", kImportedTransactionNumber, "0",
-                "Transaction: found \"0\", expected a whole number from 1"},
+                "Transaction: found '0', expected a whole number from 1"},
         BadCell{"NumberNone", kImportedTransactionNumber, "one",
-                "Transaction: found \"one\", expected a whole number from 1"},
-        BadCell{"Target", kImportedTarget, "12,5", "Target Wt: found \"12,5\", expected a number"},
+                "Transaction: found 'one', expected a whole number from 1"},
+        BadCell{"Target", kImportedTarget, "12,5", "Target Wt: found '12,5', expected a number"},
         BadCell{"ActualBatch", kImportedActualBatch, "a lot",
-                "Batch Wt: found \"a lot\", expected a number"},
+                "Batch Wt: found 'a lot', expected a number"},
         BadCell{"ActualFeed", kImportedActualFeed, "1.2.3",
-                "Feed Wt: found \"1.2.3\", expected a number"},
+                "Feed Wt: found '1.2.3', expected a number"},
         BadCell{"Percent", kCalculatedIngPercentOfBatch, "%",
-                "Ing% Of Batch: found \"%\", expected a number"},
+                "Ing% Of Batch: found '%', expected a number"},
         BadCell{"IngredientWeight", kFirstIngredientWeight + 31, "x",
-                "Ing32 Wt: found \"x\", expected a number"},
+                "Ing32 Wt: found 'x', expected a number"},
         BadCell{"ValueOf40Bytes", kImportedTarget, std::string(40, 'x'),
-                "Target Wt: found \"" + std::string(40, 'x') + "\", expected a number"},
+                "Target Wt: found '" + std::string(40, 'x') + "', expected a number"},
         BadCell{"LongValue", kImportedTarget, std::string(60, 'x'),
-                "Target Wt: found \"" + std::string(40, 'x') + "...\", expected a number"}),
+                "Target Wt: found '" + std::string(40, 'x') + "...', expected a number"}),
     [](const auto& tested) { return tested.param.name; });
 
 class StoreReadsNoTime : public ::testing::TestWithParam<const char*> {};
@@ -393,8 +393,8 @@ TEST_P(StoreReadsNoTime, AndStopsThere) {
   EXPECT_FALSE(outcome.complete);
   EXPECT_THAT(site.Stored(), SizeIs(1));
   EXPECT_EQ(LastBox(site.op.boxes).text,
-            "Row 2, Time: found \"" + std::string(GetParam()) +
-                "\", expected four digits, hours and minutes, or these with am or pm.\r\n\r\n"
+            "Row 2, Time: found '" + std::string(GetParam()) +
+                "', expected four digits, hours and minutes, or these with am or pm.\r\n\r\n"
                 "The copy stopped there; 1 row before it is stored.");
 }
 
@@ -411,8 +411,8 @@ TEST_P(StoreReadsNoDate, AndStopsThere) {
   EXPECT_FALSE(outcome.complete);
   EXPECT_THAT(site.Stored(), SizeIs(1));
   EXPECT_EQ(LastBox(site.op.boxes).text,
-            "Row 2, Date: found \"" + std::string(GetParam()) +
-                "\", expected eight digits: month, day and year.\r\n\r\n"
+            "Row 2, Date: found '" + std::string(GetParam()) +
+                "', expected eight digits: month, day and year.\r\n\r\n"
                 "The copy stopped there; 1 row before it is stored.");
 }
 
@@ -467,7 +467,7 @@ TEST(StoreImportedTransactions, ABadFirstRowStoresNothingAndASecondPressDoesNotA
   EXPECT_EQ(site.saves, 0);
   EXPECT_EQ(QueryText(site.databases.trans_db_path, "SELECT Modified FROM History"), "NULL");
   EXPECT_EQ(LastBox(site.op.boxes).text,
-            "Row 1, Ingredient ID: found \"101\", expected an ID from 1 to 100.\r\n\r\n"
+            "Row 1, Ingredient ID: found '101', expected an ID from 1 to 100.\r\n\r\n"
             "Nothing of this import was stored.");
   site.Store(rows);
   EXPECT_EQ(LastBox(site.op.boxes).title, "Transaction Store Error");
