@@ -1,6 +1,7 @@
 #include "widgets/layout.h"
 
 #include <QEvent>
+#include <QScreen>
 #include <algorithm>
 #include <vector>
 
@@ -61,6 +62,11 @@ QScrollArea* MakeScrollArea(QWidget* contents) {
   area->setFocusPolicy(Qt::NoFocus);
   area->setWidget(contents);
   return area;
+}
+
+QSize FormSize(const QWidget& form, const QWidget& contents, QSize around, QSize wanted) {
+  return wanted.expandedTo(contents.minimumSizeHint() + around)
+      .boundedTo(form.screen()->availableSize() - kFrameSize);
 }
 
 void ShareWidth(QHeaderView& header, int width, const std::function<int(int column)>& least) {

@@ -42,6 +42,11 @@ QScrollArea* MakeScrollArea(QWidget* contents);
 // An estimate of a window's frame, whose real size is known only after the window is shown.
 inline constexpr QSize kFrameSize{16, 48};
 
+// The size of a form with contents in a scroll area and `around` them, such as margins and buttons:
+// at least `wanted`, as large as the contents need, and within the screen.
+[[nodiscard]] QSize FormSize(const QWidget& form, const QWidget& contents, QSize around,
+                             QSize wanted = {});
+
 // Gives each visible column its least width, and an equal share of what they leave of `width`.
 void ShareWidth(QHeaderView& header, int width, const std::function<int(int column)>& least);
 

@@ -8,9 +8,12 @@
 #include <QFontMetrics>
 #include <QGridLayout>
 #include <QHeaderView>
+#include <QLabel>
 #include <QMessageBox>
 #include <QMimeDatabase>
 #include <QPushButton>
+#include <QScreen>
+#include <QScrollArea>
 #include <QSettings>
 #include <QSpacerItem>
 #include <QStringList>
@@ -23,6 +26,7 @@
 #include "base/application.h"
 #include "base/error.h"
 #include "settings/data_folder.h"
+#include "widgets/layout.h"
 #include "widgets/qt_text.h"
 
 namespace vrx {
@@ -120,6 +124,32 @@ void ReleasePressedButtons() {
   for (auto* const button : window->findChildren<QAbstractButton*>()) {
     button->setDown(false);
   }
+}
+
+// A text that is too high for the screen scrolls, so that the buttons remain in sight.
+void KeepWithinScreen(QMessageBox& message) {
+  auto* const text = message.findChild<QLabel*>(QStringLiteral("qt_msgbox_label"));
+  auto* const grid = qobject_cast<QGridLayout*>(message.layout());
+  const QSize room = message.screen()->availableSize() - kFrameSize;
+  const QSize widest(room.width() * 2 / 3, room.height() / 2);
+  const QRect needed = text->fontMetrics().boundingRect(
+      QRect(0, 0, widest.width(), 0), Qt::TextWordWrap | Qt::TextExpandTabs, text->text());
+  const int place = grid == nullptr ? -1 : grid->indexOf(text);
+  if (place < 0 || needed.height() <= widest.height()) {
+    return;
+  }
+  int row = 0;
+  int column = 0;
+  int rows = 0;
+  int columns = 0;
+  grid->getItemPosition(place, &row, &column, &rows, &columns);
+  grid->removeWidget(text);
+  text->setWordWrap(true);
+  QScrollArea* const area = MakeScrollArea(text);
+  area->setFocusPolicy(Qt::StrongFocus);
+  area->setAccessibleName(message.windowTitle());
+  area->setMinimumSize(widest);
+  grid->addWidget(area, row, column, rows, columns);
 }
 
 // The cause of a problem with the port is needed to solve it, so it is not hidden in the details.
@@ -246,6 +276,7 @@ Answer QtOperator::ShowMessage(const MessageBox& box) {
   NameButtons(message, box.buttons);
   message.setDefaultButton(DefaultOf(box));
   MakeRoomForTitle(message);
+  KeepWithinScreen(message);
   const Answer answer = AnswerOf(message.exec(), box.buttons);
   busy_ += busy;
   ShowCursor();

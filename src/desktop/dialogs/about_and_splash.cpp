@@ -55,7 +55,7 @@ constexpr int kTitleCaption = 1051;
 constexpr int kPurposeCaption = 1052;
 constexpr int kPartNoCaption = 1104;
 
-QLayout* LayOutFacts(QDialog& form) {
+QLayout* LayOutFacts(QWidget& form) {
   auto* const facts = new QGridLayout;
   facts->setHorizontalSpacing(kSpacing);
   facts->addWidget(AddLabel(form, "lblVersion", kVersionCaption), 0, 0);
@@ -66,7 +66,7 @@ QLayout* LayOutFacts(QDialog& form) {
   return facts;
 }
 
-QLayout* LayOutWords(QDialog& form) {
+QLayout* LayOutWords(QWidget& form) {
   auto* const words = new QVBoxLayout;
   words->setSpacing(kSpacing);
   QLabel* const title = AddLabel(form, "lblTitle", kTitleCaption);
@@ -95,19 +95,30 @@ QLayout* LayOutButtons(QDialog& form) {
   return buttons;
 }
 
-void LayOut(QDialog& form) {
-  auto* const image = new SvgImage(kLogoPath, kLogoSize, &form);
+// Returns the contents that scroll.
+QWidget* LayOut(QDialog& form) {
+  auto* const contents = new QWidget;
+  auto* const image = new SvgImage(kLogoPath, kLogoSize, contents);
   image->setObjectName(QStringLiteral("Image1"));
-  auto* const head = new QHBoxLayout;
+  auto* const head = new QHBoxLayout(contents);
+  head->setContentsMargins({});
   head->setSpacing(kFormMargin);
   head->addWidget(image, 0, Qt::AlignTop);
-  head->addLayout(LayOutWords(form), 1);
+  head->addLayout(LayOutWords(*contents), 1);
   auto* const column = new QVBoxLayout(&form);
   column->setContentsMargins(kFormMargin, kFormMargin, kFormMargin, kFormMargin);
   column->setSpacing(kFormMargin);
-  column->addLayout(head);
+  column->addWidget(MakeScrollArea(contents), 1);
   column->addLayout(LayOutButtons(form));
-  column->setSizeConstraint(QLayout::SetFixedSize);
+  return contents;
+}
+
+// Called when the texts are there.
+void FixSize(QDialog& form, const QWidget& contents) {
+  contents.layout()->activate();
+  const int buttons = form.findChild<QPushButton*>()->sizeHint().height();
+  const QSize around(2 * kFormMargin, 3 * kFormMargin + buttons);
+  form.setFixedSize(FormSize(form, contents, around, contents.sizeHint() + around));
 }
 
 constexpr QSize kFormSize{480, 300};
@@ -147,11 +158,12 @@ About::About(const SystemInfo& system, OperatingSystem& os, Operator& op, QWidge
     : QDialog(owner) {
   setObjectName(QStringLiteral("ABOUT"));
   SetTag(*this, kProductCaption);
-  LayOut(*this);
+  const QWidget* const contents = LayOut(*this);
   ApplyCaptionTable(*this);
   findChild<QLabel*>(QStringLiteral("lblVer"))->setText(VersionText());
   findChild<QLabel*>(QStringLiteral("lblPart"))->setText(ToQString(kPartNumber));
   findChild<QLabel*>(QStringLiteral("lblTitle"))->setText(ToQString(kProductName));
+  FixSize(*this, *contents);
   connect(findChild<QPushButton*>(QStringLiteral("cmdOK")), &QPushButton::clicked, this,
           &QDialog::accept);
   connect(findChild<QPushButton*>(QStringLiteral("cmdSysInfo")), &QPushButton::clicked, this,

@@ -48,6 +48,7 @@ class ConversionReportDialog : public QDialog {
 // The length of the report's longest lines of figures.
 constexpr int kColumns = 96;
 constexpr int kLines = 28;
+constexpr int kLeastLines = 4;
 
 ConversionReportDialog::ConversionReportDialog(std::string_view text, std::string file_name,
                                                FileChooser& files, Operator& op, QWidget* owner)
@@ -65,7 +66,7 @@ ConversionReportDialog::ConversionReportDialog(std::string_view text, std::strin
   // The text can also be selected with the keyboard.
   view_->setTextInteractionFlags(Qt::TextSelectableByMouse | Qt::TextSelectableByKeyboard);
   const QFontMetrics metrics(view_->font());
-  view_->setMinimumHeight(metrics.lineSpacing() * kLines / 2);
+  view_->setMinimumHeight(metrics.lineSpacing() * kLeastLines);
   auto* const buttons = new QHBoxLayout;
   buttons->setSpacing(kSpacing);
   const auto add_button = [&](const QString& name, const QString& caption) {
@@ -88,7 +89,8 @@ ConversionReportDialog::ConversionReportDialog(std::string_view text, std::strin
   column->setSpacing(kGroupSpacing);
   column->addWidget(view_);
   column->addLayout(buttons);
-  resize(metrics.averageCharWidth() * kColumns, metrics.lineSpacing() * kLines);
+  resize(QSize(metrics.averageCharWidth() * kColumns, metrics.lineSpacing() * kLines)
+             .boundedTo(screen()->availableSize() - kFrameSize));
   close->setFocus();
 }
 

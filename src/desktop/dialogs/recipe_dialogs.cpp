@@ -83,6 +83,8 @@ CopyDialog::CopyDialog(const CopyOffer& offer, QWidget* owner)
   list_->scrollToItem(list_->currentItem(), QAbstractItemView::PositionAtCenter);
 }
 
+constexpr int kLeastValueLetters = 16;  // of a description
+
 constexpr std::array<std::pair<const char*, const char*>, 6> kHeadRows{{
     {"lblName", "Name"},
     {"lblDescription", "Description"},
@@ -143,9 +145,10 @@ ComparisonSide::ComparisonSide(QChar side, ComparedFile file, QWidget* parent)
   head->setHorizontalSpacing(kGroupSpacing);
   head->setVerticalSpacing(kSpacing / 2);
   head->setColumnStretch(1, 1);
+  head->setColumnMinimumWidth(1, fontMetrics().averageCharWidth() * kLeastValueLetters);
   for (const auto& [name, caption] : kHeadRows) {
     const int row = static_cast<int>(head_.size());
-    auto* const words = new QLabel(QLatin1String(caption), this);
+    auto* const words = new QLabel(QTr(caption), this);
     auto* const value = new ElidedLabel(this);
     value->setObjectName(NameOf(name));
     value->setTextFormat(Qt::PlainText);
@@ -291,7 +294,9 @@ void ComparisonDialog::LayOut() {
   b_->FileRow().addWidget(other_file_);
   // The choices of both sides are at the same height.
   a_->FileRow().addStrut(other_file_->sizeHint().height());
-  auto* const sides = new QHBoxLayout;
+  auto* const both = new QWidget;
+  auto* const sides = new QHBoxLayout(both);
+  sides->setContentsMargins({});
   sides->setSpacing(kGroupSpacing);
   sides->addWidget(a_, 1);
   sides->addWidget(b_, 1);
@@ -307,10 +312,11 @@ void ComparisonDialog::LayOut() {
   auto* const column = new QVBoxLayout(this);
   column->setContentsMargins(kGroupSpacing, kGroupSpacing, kGroupSpacing, kGroupSpacing);
   column->setSpacing(kGroupSpacing);
-  column->addLayout(sides, 1);
+  column->addWidget(MakeScrollArea(both), 1);
   column->addLayout(bottom);
   constexpr QSize kOpening{1180, 640};
-  resize(kOpening.boundedTo(screen()->availableSize() * 9 / 10));
+  const QSize around(2 * kGroupSpacing, 3 * kGroupSpacing + bottom->sizeHint().height());
+  resize(FormSize(*this, *both, around, kOpening));
 }
 
 void ComparisonDialog::ScrollTogether() {

@@ -45,6 +45,7 @@ class PrinterTarget : public PrintTarget {
 };
 
 constexpr int kPrintBarWidth = 320;
+constexpr int kNoteWidth = 320;
 
 }  // namespace
 
@@ -68,6 +69,8 @@ bool PrintSetup::Ask(QWidget* owner) {
   auto* const note =
       new QLabel(QTr("A PDF file is asked for its name each time something is printed."), &form);
   note->setForegroundRole(QPalette::PlaceholderText);
+  note->setWordWrap(true);
+  note->setFixedWidth(kNoteWidth);
   auto* const buttons =
       new QDialogButtonBox(QDialogButtonBox::Ok | QDialogButtonBox::Cancel, &form);
   QObject::connect(buttons, &QDialogButtonBox::accepted, &form, &QDialog::accept);

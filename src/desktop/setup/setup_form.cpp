@@ -101,8 +101,7 @@ SetupForm::SetupForm(Services& services, KRMCOMM& krm, SetupFacts facts, QWidget
   connect(tab_setup_folder_, &QTabWidget::currentChanged, this, [this](int tab) { FillTab(tab); });
   connect(cmd_ok_, &QPushButton::clicked, this, [this] { ApplyControls(); });
   const QSize around(4 * kSpacing, cmd_ok_->sizeHint().height() + 5 * kSpacing);
-  resize(kSetupSize.expandedTo(tab_setup_folder_->minimumSizeHint() + around)
-             .boundedTo(screen()->availableSize() - kFrameSize));
+  resize(FormSize(*this, *tab_setup_folder_, around, kSetupSize));
 }
 
 QWidget* SetupForm::MakeDatabaseTab() {

@@ -1,8 +1,10 @@
 #include <QAbstractButton>
 #include <QApplication>
 #include <QFontMetrics>
+#include <QGuiApplication>
 #include <QMessageBox>
 #include <QPushButton>
+#include <QScreen>
 #include <QSignalSpy>
 #include <QTest>
 #include <optional>
@@ -23,6 +25,8 @@ struct ShownBox {
   QString details;
   Qt::TextFormat format = Qt::AutoText;
   int width = 0;
+  int height = 0;
+  bool button_in_sight = false;
   QMessageBox::StandardButton by_enter = QMessageBox::NoButton;
   QString below;  // the text
   qsizetype buttons_in_all = 0;
@@ -41,6 +45,8 @@ class OperatorBoxes : public ::testing::Test {
                message.detailedText(),
                message.textFormat(),
                message.width(),
+               message.height(),
+               message.rect().contains(message.button(press)->geometry()),
                message.standardButton(message.defaultButton()),
                message.informativeText(),
                message.buttons().size()};
@@ -121,6 +127,16 @@ TEST_F(OperatorBoxes, IsWideEnoughForItsTitle) {
   Show({.title = title, .text = "x", .cause = "y"}, QMessageBox::Ok);
   EXPECT_GT(shown.width,
             QFontMetrics(QApplication::font()).horizontalAdvance(QString::fromStdString(title)));
+}
+
+TEST_F(OperatorBoxes, StaysWithinTheScreenWithALongText) {
+  std::string text;
+  for (int line = 0; line < 200; ++line) {
+    text += "Recipe without ration target: " + std::to_string(line) + "\r\n";
+  }
+  Show({.title = "Overwrite KRM", .text = text}, QMessageBox::Ok);
+  EXPECT_LT(shown.height, QGuiApplication::primaryScreen()->availableSize().height());
+  EXPECT_TRUE(shown.button_in_sight);
 }
 
 TEST_F(OperatorBoxes, WithoutATitleBearsTheApplications) {

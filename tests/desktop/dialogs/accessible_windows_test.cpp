@@ -4,23 +4,30 @@
 #include <QAbstractSpinBox>
 #include <QAccessible>
 #include <QAction>
+#include <QApplication>
 #include <QCalendarWidget>
 #include <QComboBox>
 #include <QDialog>
 #include <QLineEdit>
 #include <QMenu>
+#include <QPushButton>
+#include <QScreen>
+#include <QScrollArea>
 #include <QTabBar>
 #include <QTextBrowser>
 #include <filesystem>
 #include <string>
 #include <vector>
 
+#include <SQLiteCpp/Database.h>
 #include <gmock/gmock.h>
 
+#include "database/records.h"
 #include "desktop/dialogs/about_and_splash.h"
 #include "desktop/main_window/main_window_fixture.h"
 #include "desktop/next_modal.h"
 #include "support/fake_operating_system.h"
+#include "widgets/layout.h"
 
 namespace vrx::testing {
 namespace {
@@ -32,6 +39,15 @@ using ::testing::IsEmpty;
 bool IsInCalendar(const QWidget& widget) {
   for (const QWidget* up = &widget; up != nullptr; up = up->parentWidget()) {
     if (qobject_cast<const QCalendarWidget*>(up) != nullptr) {
+      return true;
+    }
+  }
+  return false;
+}
+
+bool IsInScrollArea(const QWidget& widget) {
+  for (const QWidget* up = &widget; up != nullptr; up = up->parentWidget()) {
+    if (qobject_cast<const QScrollArea*>(up) != nullptr) {
       return true;
     }
   }
@@ -75,7 +91,46 @@ class AccessibleWindows : public MainWindowFixture {
     SetHelpHandlers(Window(), system_, os_, operator_);
     Open(DatabaseKind::kRecipe);
     Open(DatabaseKind::kTransaction);
+    SQLite::Database recipes((app_folder_->DefaultAppPath() / "YARD.RDB").string(),
+                             SQLite::OPEN_READWRITE);
+    WriteIngredient(recipes, {.id = 1, .name = "CORN", .description = "Corn"});
+    for (int id = 1; id <= 2; ++id) {
+      RecipeRecord recipe = ReadRecipe(recipes, id);
+      recipe.description = "Finisher with hay";
+      WriteRecipe(recipes, recipe);
+    }
     Show();
+  }
+
+  void ChooseLargeLetters() {
+    QFont font = QApplication::font();
+    font.setPointSizeF(2 * font.pointSizeF());
+    QApplication::setFont(font);
+  }
+  ~AccessibleWindows() override { QApplication::setFont(font_); }
+
+  // What of a window is out of its screen, or of a caption out of its place.
+  std::vector<std::string> CutOffInWindowOf(const QString& command) {
+    std::vector<std::string> cut{"the window was not shown"};
+    const NextModal modal([&](QWidget& form) {
+      RunEvents();
+      cut.clear();
+      const QSize room = form.screen()->availableSize() - kFrameSize;
+      if (form.width() > room.width() || form.height() > room.height()) {
+        cut.push_back("the window");
+      }
+      for (auto* const button : form.findChildren<QPushButton*>()) {
+        const QRect place(button->mapTo(&form, QPoint()), button->size());
+        const int letters = button->fontMetrics().horizontalAdvance(button->text().remove(u'&'));
+        if (button->isVisible() && !IsInScrollArea(*button) &&
+            (button->width() < letters || !form.rect().contains(place))) {
+          cut.push_back(button->text().toStdString());
+        }
+      }
+      form.close();
+    });
+    Choose(command);
+    return cut;
   }
 
   // Opens the window of a command, and closes it.
@@ -91,6 +146,9 @@ class AccessibleWindows : public MainWindowFixture {
   }
 
   FakeOperatingSystem os_;
+
+ private:
+  QFont font_ = QApplication::font();
 };
 
 TEST_F(AccessibleWindows, TheMainWindowNamesEveryControlOfEveryTab) {
@@ -100,6 +158,30 @@ TEST_F(AccessibleWindows, TheMainWindowNamesEveryControlOfEveryTab) {
 TEST_F(AccessibleWindows, TheBoxesNameEveryControl) {
   EXPECT_THAT(NamelessInWindowOf(u"mnuToolsSetup"_qs, u"SETUP"_qs), IsEmpty());
   EXPECT_THAT(NamelessInWindowOf(u"mnuHelpAbout"_qs, u"ABOUT"_qs), IsEmpty());
+  EXPECT_THAT(NamelessInWindowOf(u"mnuFilePrintSetup"_qs, u"dlgPrintDialog"_qs), IsEmpty());
+}
+
+TEST_F(AccessibleWindows, TheBoxesOfRecipesNameEveryControl) {
+  Window().ChooseTab(kTabRecipes);
+  RunEvents();
+  EXPECT_THAT(NamelessInWindowOf(u"mnuEditCopyRecipe"_qs, u"dlgCopyRecipe"_qs), IsEmpty());
+  EXPECT_THAT(NamelessInWindowOf(u"mnuEditCompareRecipes"_qs, u"dlgCompareRecipes"_qs), IsEmpty());
+  Window().ChooseTab(kTabIngredients);
+  RunEvents();
+  EXPECT_THAT(NamelessInWindowOf(u"mnuFilePrintPreview"_qs, u"dlgPrintPreview"_qs), IsEmpty());
+}
+
+TEST_F(AccessibleWindows, FitTheScreenWithLettersOfTwiceTheirSize) {
+  ChooseLargeLetters();
+  Window().ChooseTab(kTabRecipes);
+  RunEvents();
+  for (const QString& command : {u"mnuToolsSetup"_qs, u"mnuHelpAbout"_qs, u"mnuFilePrintSetup"_qs,
+                                 u"mnuEditCopyRecipe"_qs, u"mnuEditCompareRecipes"_qs}) {
+    EXPECT_THAT(CutOffInWindowOf(command), IsEmpty()) << command.toStdString();
+  }
+  Window().ChooseTab(kTabIngredients);
+  RunEvents();
+  EXPECT_THAT(CutOffInWindowOf(u"mnuFilePrintPreview"_qs), IsEmpty());
 }
 
 TEST_F(AccessibleWindows, TheManualsWindowNamesEveryControlAndShowsTheChapter) {
