@@ -44,6 +44,11 @@ int ExportPresenter::KeyPressInFName(int key) {
   return key == kBackspaceKey ? key : FilterDescriptionKey(key);
 }
 
+std::string ExportPresenter::KeyRefusalInFName(std::string_view text) {
+  return text.size() >= kLongestExportName ? FullRefusal(kLongestExportName)
+                                           : std::string(kTakesDescription);
+}
+
 void ExportPresenter::ClickExport() {
   const OperationLock::Scope running = export_.TryEnter();
   if (!running) {

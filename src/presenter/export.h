@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstddef>
 #include <filesystem>
 #include <string>
 #include <string_view>
@@ -15,6 +16,8 @@ namespace vrx {
 
 class HistoryPresenter;
 class PrivateINI;
+
+inline constexpr std::size_t kLongestExportName = 255;  // bytes that a file system takes
 
 // The Export tab, as its presenter uses it.
 class ExportView {
@@ -65,6 +68,8 @@ class ExportPresenter {
 
   // Takes the code of a key; returns the code that `txtFName` accepts, or 0 for none.
   static int KeyPressInFName(int key);
+  // Why the field drops a key.
+  [[nodiscard]] static std::string KeyRefusalInFName(std::string_view text);
   void SetFName(std::string_view text) { form_.txt_f_name = text; }
   void SetFPath(std::string_view text) { form_.txt_f_path = text; }
   void SetFormat(ExportFormat format) { form_.format = format; }

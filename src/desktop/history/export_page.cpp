@@ -19,7 +19,6 @@ namespace vrx {
 namespace {
 
 constexpr int kExportingCaption = 1091;
-constexpr int kLongestName = 255;  // bytes that a file system takes
 constexpr int kFieldWidth = 480;
 
 struct FormatChoice {
@@ -58,7 +57,7 @@ ExportPage::ExportPage(Services& services, const DatabaseCommands& databases,
       tab_(services, style_sheets, *this),
       txt_f_name_(new FilteredEdit(
           [](std::string_view, int key) { return ExportPresenter::KeyPressInFName(key); },
-          kLongestName, this)),
+          static_cast<int>(kLongestExportName), this)),
       txt_f_path_(new QLineEdit(this)),
       cmd_browse_(AddButton("cmdBrowse", QTr("&Browse"), QTr("Choose the folder of the file"))),
       formats_(new QButtonGroup(this)),
@@ -69,6 +68,8 @@ ExportPage::ExportPage(Services& services, const DatabaseCommands& databases,
       prg_export_(new QProgressBar(this)) {
   setObjectName(QStringLiteral("pageExport"));
   txt_f_name_->setObjectName(QStringLiteral("txtFName"));
+  txt_f_name_->Explain(
+      [](std::string_view text, int /*key*/) { return ExportPresenter::KeyRefusalInFName(text); });
   txt_f_name_->setAccessibleName(QTr("File Name"));
   txt_f_path_->setObjectName(QStringLiteral("txtFPath"));
   txt_f_path_->setAccessibleName(QTr("File Path"));

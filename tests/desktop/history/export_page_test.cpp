@@ -7,6 +7,7 @@
 #include <gmock/gmock.h>
 
 #include "desktop/history/history_fixture.h"
+#include "desktop/shown_refusal.h"
 #include "history/data_group.h"
 #include "support/boxes.h"
 #include "support/program.h"
@@ -86,6 +87,7 @@ TEST_F(ExportPageTest, TheNameTakesTheKeysOfADescription) {
   operator_.beeps = 0;
   Type(u"txtFName"_qs, u"A/1\"*-b+ 2"_qs);
   EXPECT_EQ(FileName(), "A1-b+ 2");
+  EXPECT_EQ(ShownRefusal(), "Only letters, digits, + - and spaces");
   EXPECT_EQ(operator_.beeps, 3);
 }
 

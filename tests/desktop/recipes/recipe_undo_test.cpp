@@ -1,4 +1,5 @@
 #include "desktop/recipes/recipes_fixture.h"
+#include "desktop/shown_refusal.h"
 
 namespace vrx::testing {
 namespace {
@@ -238,15 +239,6 @@ class RefusedKeys : public RecipesFixture {
     AddCornHaySupplement(kByWeight);
     Enter();
   }
-
-  static std::string Tip() {
-    for (const QWidget* const widget : QApplication::topLevelWidgets()) {
-      if (widget->objectName() == QLatin1String("lblRefusal") && widget->isVisible()) {
-        return static_cast<const QLabel*>(widget)->text().toStdString();
-      }
-    }
-    return {};
-  }
 };
 
 TEST_F(RefusedKeys, ADecimalCommaTypesAPointIntoAShare) {
@@ -254,7 +246,7 @@ TEST_F(RefusedKeys, ADecimalCommaTypesAPointIntoAShare) {
   Click(0, kColumnIngredientPercent);
   Press(Qt::Key_A, Qt::ControlModifier);
   Type("4,5");
-  EXPECT_EQ(Tip(), "");
+  EXPECT_EQ(ShownRefusal(), "");
   Press(Qt::Key_Return);
   EXPECT_EQ(Cell(0, kColumnIngredientPercent), "4.50");
 }
@@ -275,7 +267,7 @@ TEST_F(RefusedKeys, AShareExplainsWhatItRefuses) {
     Press(Qt::Key_A, Qt::ControlModifier);
     Type(before);
     Type(key);
-    return Tip();
+    return ShownRefusal();
   };
   EXPECT_EQ(refused("1.5", "."), "Only one decimal point");
   EXPECT_EQ(refused("1.55", "5"), "At most two decimals");
@@ -287,7 +279,7 @@ TEST_F(RefusedKeys, AWeightOfFourAndAHalfDoesNotBecomeFortyFive) {
   Click(0, kColumnTarget);
   Press(Qt::Key_A, Qt::ControlModifier);
   Type("4,5");
-  EXPECT_EQ(Tip(), "Only whole numbers, no decimals");
+  EXPECT_EQ(ShownRefusal(), "Only whole numbers, no decimals");
   Press(Qt::Key_Return);
   EXPECT_EQ(Cell(0, kColumnTarget), "4");
 }
@@ -296,34 +288,34 @@ TEST_F(RefusedKeys, AFullWeightSaysSo) {
   Click(0, kColumnTarget);
   Press(Qt::Key_A, Qt::ControlModifier);
   Type("1234567");
-  EXPECT_EQ(Tip(), "Full: at most 6 digits");
+  EXPECT_EQ(ShownRefusal(), "Full: at most 6 digits");
 }
 
 TEST_F(RefusedKeys, AComputedCellSaysSo) {
   Grid().setFocus();
   Grid().GoTo(0, kColumnRationPercent);
   Type("5");
-  EXPECT_EQ(Tip(), "Computed from the other columns");
+  EXPECT_EQ(ShownRefusal(), "Computed from the other columns");
   Grid().GoTo(0, kColumnHandAdd);
   Type("5");
-  EXPECT_EQ(Tip(), "Edited on the Ingredients tab");
+  EXPECT_EQ(ShownRefusal(), "Edited on the Ingredients tab");
 }
 
 TEST_F(RefusedKeys, AFieldOfTheHeadExplainsItsRule) {
   TypeInto("txtRecName", "A%");
-  EXPECT_EQ(Tip(), "Only letters, digits, / + - and spaces");
+  EXPECT_EQ(ShownRefusal(), "Only letters, digits, / + - and spaces");
   TypeInto("txtRecName", "ABCDEFG");
-  EXPECT_EQ(Tip(), "Full: at most 6 characters");
+  EXPECT_EQ(ShownRefusal(), "Full: at most 6 characters");
   TypeInto("txtRecDesc", "A/");
-  EXPECT_EQ(Tip(), "Only letters, digits, + - and spaces");
+  EXPECT_EQ(ShownRefusal(), "Only letters, digits, + - and spaces");
   TypeInto("txtRecRationTarget", "5x");
-  EXPECT_EQ(Tip(), "Only digits");
+  EXPECT_EQ(ShownRefusal(), "Only digits");
 }
 
 TEST_F(RefusedKeys, AnIngredientThatIsNotInUseIsNamed) {
   Click(3, kColumnIngredient);
   Type("COX");
-  EXPECT_EQ(Tip(), "No ingredient in use matches \"COX\"");
+  EXPECT_EQ(ShownRefusal(), "No ingredient in use matches \"COX\"");
 }
 
 }  // namespace
