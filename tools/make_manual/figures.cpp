@@ -13,7 +13,9 @@
 #include <QTimer>
 #include <QTreeWidget>
 #include <array>
+#include <utility>
 
+#include "history/period.h"
 #include "presenter/command_states.h"
 #include "widgets/calendar_popup.h"
 
@@ -139,6 +141,24 @@ QImage DatesClosed(SampleProgram& program) {
   return WholeWindow(program);
 }
 
+// Leaves the history with all its days.
+QImage PeriodOfTwoDays(SampleProgram& program) {
+  constexpr int kPensAll = 8;
+  program.ShowTab(kTabBatchedFed);
+  Pick(program, "lstGroupBy", kPensAll);
+  Pick(program, "cboPeriod", static_cast<int>(PeriodChoice::kFromTo));
+  for (const auto& [name, day] :
+       {std::pair("txtPeriodFrom", "1/8/2026"), {"txtPeriodTo", "1/9/2026"}}) {
+    auto& field = program.Find<QLineEdit>(name);
+    field.setText(QString::fromLatin1(day));
+    Q_EMIT field.returnPressed();
+  }
+  program.Find<QWidget>("lstGroupBy").setFocus();
+  QImage window = WholeWindow(program);
+  Pick(program, "cboPeriod", static_cast<int>(PeriodChoice::kAll));
+  return window;
+}
+
 QImage OnePen(SampleProgram& program) {
   constexpr int kPenByName = 9;
   program.ShowTab(kTabBatchedFed);
@@ -214,6 +234,27 @@ QImage PrintPreviewForm(SampleProgram& program) {
       program, [](QWidget& /*form*/) {}, [&] { program.Choose("mnuFilePrintPreview"); });
 }
 
+void ShowRecipeByWeight(SampleProgram& program) {
+  constexpr int kByWeight = 5;
+  program.ShowTab(kTabRecipes);
+  Pick(program, "cboRecID", kByWeight);
+}
+
+QImage CopyRecipeForm(SampleProgram& program) {
+  ShowRecipeByWeight(program);
+  return ModalForm(
+      program, [](QWidget& /*form*/) {}, [&] { program.Choose("mnuEditCopyRecipe"); });
+}
+
+// Larger than the screen of the session.
+QImage CompareRecipesForm(SampleProgram& program) {
+  constexpr QSize kWhole{1120, 480};
+  ShowRecipeByWeight(program);
+  return ModalForm(
+      program, [&](QWidget& form) { form.resize(kWhole); },
+      [&] { program.Choose("mnuEditCompareRecipes"); });
+}
+
 QImage AboutForm(SampleProgram& program) {
   return ModalForm(
       program, [](QWidget& /*form*/) {}, [&] { program.Choose("mnuHelpAbout"); });
@@ -254,9 +295,12 @@ constexpr std::array kFigures = std::to_array<Figure>({
     {"recipes", &Recipe<5>},
     {"recipe-percent", &Recipe<1>},
     {"recipe-untyped", &Recipe<10>},
+    {"recipe-copy", &CopyRecipeForm},
+    {"recipe-compare", &CompareRecipesForm},
     {"pens", &Tab<kTabPens>},
     {"batched-fed-closed", &DatesClosed},
     {"batched-fed", &RecipesOpened},
+    {"batched-fed-period", &PeriodOfTwoDays},
     {"batched-fed-pen", &OnePen},
     {"import", &Import},
     {"export", &Export},

@@ -218,7 +218,6 @@ void ComparisonSide::Show(const ComparedSide& texts) {
       list_->setItem(row, column, cell);
     }
   }
-  list_->resizeColumnsToContents();
 }
 
 void ComparisonSide::Clear() {
@@ -356,12 +355,18 @@ void ComparisonDialog::Compare() {
   FitColumns();
 }
 
-// The columns of both lists are equally wide.
+// The columns of both lists are equally wide. A width of one list is set in the other one at once.
 void ComparisonDialog::FitColumns() {
-  for (int column = 0; column < a_->List().columnCount(); ++column) {
-    const int width = std::max(a_->List().columnWidth(column), b_->List().columnWidth(column));
-    a_->List().setColumnWidth(column, width);
-    b_->List().setColumnWidth(column, width);
+  std::vector<int> widths(static_cast<std::size_t>(a_->List().columnCount()));
+  for (ComparisonSide* const side : {a_, b_}) {
+    side->List().resizeColumnsToContents();
+    for (std::size_t column = 0; column < widths.size(); ++column) {
+      const int width = side->List().columnWidth(static_cast<int>(column));
+      widths[column] = std::max(widths[column], width);
+    }
+  }
+  for (std::size_t column = 0; column < widths.size(); ++column) {
+    a_->List().setColumnWidth(static_cast<int>(column), widths[column]);
   }
 }
 

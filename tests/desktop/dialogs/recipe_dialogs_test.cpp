@@ -40,6 +40,14 @@ class RecipeDialogsTest : public RecordPagesFixture {
     return marked;
   }
 
+  static void ExpectNamesFit(const QTableWidget& list) {
+    for (int row = 0; row < list.rowCount(); ++row) {
+      const QTableWidgetItem& name = *list.item(row, 0);
+      EXPECT_LE(QFontMetrics(name.font()).horizontalAdvance(name.text()), list.columnWidth(0))
+          << name.text().toStdString();
+    }
+  }
+
   std::string TextOf(const QWidget& dialog, const char* label) {
     return In<QLabel>(dialog, label).text().toStdString();
   }
@@ -86,6 +94,8 @@ TEST_F(RecipeDialogsTest, TwoRecipesAreComparedSideBySide) {
     EXPECT_EQ(list.rowCount(), In<QTableWidget>(dialog, "grdRecipeA").rowCount());
     EXPECT_THAT(TextOf(dialog, "lblSummary"), ::testing::StartsWith("Different (\u2260): "));
     EXPECT_GT(Marked(list), 0);
+    ExpectNamesFit(In<QTableWidget>(dialog, "grdRecipeA"));
+    ExpectNamesFit(list);
     other.setCurrentIndex(other.findData(1));
     Q_EMIT other.activated(0);
     EXPECT_EQ(TextOf(dialog, "lblSummary"), "The recipes are the same.");
