@@ -18,6 +18,7 @@
 #include "base/files.h"
 #include "base/sync.h"
 #include "base/text.h"
+#include "base/translation.h"
 #include "base/undo.h"
 #include "database/connection.h"
 #include "database/identity.h"
@@ -63,16 +64,16 @@ class NewDatabaseFile {
 constexpr const char* kLargeCache = "PRAGMA cache_size=-65536";
 
 [[noreturn]] void RefuseExisting(const fs::path& path) {
-  throw FileError(path.string() + " already exists; choose another name");
+  throw FileError(Tr("%1 already exists; choose another name", {path.string()}));
 }
 
 [[noreturn]] void Fail(const fs::path& path, const std::error_code& why) {
-  throw FileError("cannot write " + path.string() + ": " + why.message());
+  throw FileError(Tr("cannot write %1: %2", {path.string(), why.message()}));
 }
 
 void CopyTemplate(const fs::path& blank, const fs::path& temporary, const fs::path& path) {
   if (!FileExists(blank)) {
-    throw FileError(blank.string() + " does not exist; install the program again");
+    throw FileError(Tr("%1 does not exist; install the program again", {blank.string()}));
   }
   std::error_code error;
   if (!fs::copy_file(blank, temporary, error)) {
@@ -161,7 +162,7 @@ class Conversion : public LegacyRowSink {
     report_.new_file = wanted_.new_file;
     report_.sha256 = Sha256OfFile(wanted_.old_file);
     if (FileExists(wanted_.new_file)) {
-      throw FileError(wanted_.new_file.string() + " already exists; choose another name");
+      RefuseExisting(wanted_.new_file);
     }
     ReadLegacyRows(runner_,
                    {.path = wanted_.old_file,
@@ -186,7 +187,7 @@ class Conversion : public LegacyRowSink {
     if (rule != nullptr && rule->kind == report_.kind) {
       table_ = std::make_unique<TableConversion>(file_->Connection(), *rule, table, notices_);
       const std::uint32_t most = std::numeric_limits<int>::max();
-      progress_.SetProgressMessage("Converting the table " + std::string(rule->name) + ".");
+      progress_.SetProgressMessage(Tr("Converting the table %1.", {std::string(rule->name)}));
       progress_.SetProgressRange(static_cast<int>(std::min(table.announced_rows, most)));
     }
   }
@@ -221,9 +222,10 @@ class Conversion : public LegacyRowSink {
 
   void DamagedTable(const std::string& name) override {
     if (FindTableRule(name) != nullptr) {
-      throw LegacyError(OldName() + " is damaged: its table " + name +
-                        " cannot be read. Copy it again from where it was made, or take an older "
-                        "backup.");
+      throw LegacyError(
+          Tr("%1 is damaged: its table %2 cannot be read. Copy it again from where it was "
+             "made, or take an older backup.",
+             {OldName(), name}));
     }
     notices_.Add(name, "the table cannot be read and was left out");
   }
@@ -235,10 +237,10 @@ class Conversion : public LegacyRowSink {
     std::error_code error;
     const fs::file_status status = fs::status(wanted_.old_file, error);
     if (!fs::exists(status)) {
-      throw LegacyError(wanted_.old_file.string() + " does not exist.");
+      throw LegacyError(Tr("%1 does not exist.", {wanted_.old_file.string()}));
     }
     if (!fs::is_regular_file(status)) {
-      throw LegacyError(wanted_.old_file.string() + " is a folder or a device, not a file.");
+      throw LegacyError(Tr("%1 is a folder or a device, not a file.", {wanted_.old_file.string()}));
     }
     const JetFileKind kind = InspectJetFile(wanted_.old_file);
     if (kind != JetFileKind::kJet4) {
@@ -262,10 +264,11 @@ class Conversion : public LegacyRowSink {
     }
     const std::optional<DatabaseKind> marked = identity_.MarkedKind();
     if (!recipe || !marked) {
-      throw LegacyError(OldName() + " holds no " +
-                        (recipe ? "mark that says which of its tables count."
-                                : "table of an earlier version of this program. Choose the .RDB or "
-                                  ".TDB file of the earlier version."));
+      throw LegacyError(
+          recipe ? Tr("%1 holds no mark that says which of its tables count.", {OldName()})
+                 : Tr("%1 holds no table of an earlier version of this program. Choose "
+                      "the .RDB or .TDB file of the earlier version.",
+                      {OldName()}));
     }
     return *marked;
   }
@@ -277,9 +280,13 @@ class Conversion : public LegacyRowSink {
     }
     report_.kind = FindKind();
     if (wanted_.kind && *wanted_.kind != report_.kind) {
-      throw LegacyError(OldName() + " is a " + std::string(TextsOf(report_.kind).noun) +
-                        " database; expected a " + std::string(TextsOf(*wanted_.kind).noun) +
-                        " database. Open it by the command for its kind.");
+      throw LegacyError(report_.kind == DatabaseKind::kRecipe
+                            ? Tr("%1 is a recipe database; expected a transaction database. Open "
+                                 "it by the command for its kind.",
+                                 {OldName()})
+                            : Tr("%1 is a transaction database; expected a recipe database. Open "
+                                 "it by the command for its kind.",
+                                 {OldName()}));
     }
     file_ = std::make_unique<NewDatabaseFile>(wanted_.new_file, wanted_.program_directory,
                                               report_.kind);
@@ -304,12 +311,13 @@ class Conversion : public LegacyRowSink {
       }
     }
     if (Sha256OfFile(wanted_.old_file) != report_.sha256) {
-      throw LegacyError(OldName() +
-                        " changed while it was read. Close the program that has it "
-                        "open, then convert it again.");
+      throw LegacyError(
+          Tr("%1 changed while it was read. Close the program that has it open, then "
+             "convert it again.",
+             {OldName()}));
     }
     notices_.MoveInto(report_);
-    progress_.SetProgressMessage("Writing the new file.");
+    progress_.SetProgressMessage(Tr("Writing the new file."));
     file_->Commit();
   }
 
@@ -332,17 +340,15 @@ constexpr std::uintmax_t kBytesPerSecond = std::uintmax_t{1} << 20U;
 constexpr std::chrono::seconds kShortestLimit{10};
 constexpr std::chrono::seconds kLongestLimit{3600};
 
-constexpr std::string_view kRemedy =
-    " Copy it again from where it was made, or take an older backup.";
-
 [[noreturn]] void Damaged(const LegacyFile& file, const std::string& how) {
-  throw LegacyError(file.path.filename().string() + " is damaged: " + how + "." +
-                    std::string(kRemedy));
+  throw LegacyError(
+      Tr("%1 is damaged: %2. Copy it again from where it was made, or take an older backup.",
+         {file.path.filename().string(), how}));
 }
 
 [[noreturn]] void NotRun(const LegacyFile& file, const std::string& how) {
-  throw LegacyError("The program " + file.reader.string() + ", which reads such files, " + how +
-                    ". Install the program again.");
+  throw LegacyError(Tr("The program %1, which reads such files, %2. Install the program again.",
+                       {file.reader.string(), how}));
 }
 
 [[noreturn]] void ReportExit(const LegacyFile& file, int code) {
@@ -352,11 +358,11 @@ constexpr std::string_view kRemedy =
   }
   switch (code) {
     case kReaderFoundNoTables:
-      Damaged(file, "its list of tables cannot be read");
+      Damaged(file, Tr("its list of tables cannot be read"));
     case kReaderFailed:
-      throw LegacyError(name + " cannot be read.");
+      throw LegacyError(Tr("%1 cannot be read.", {name}));
     default:
-      NotRun(file, "is not the right one (it ended with code " + std::to_string(code) + ")");
+      NotRun(file, Tr("is not the right one (it ended with code %1)", {std::to_string(code)}));
   }
 }
 
@@ -391,18 +397,18 @@ void ReadLegacyRows(ProgramRunner& runner, const LegacyFile& file,
                      return go_on();
                    });
   } catch (const RowStreamError& failure) {
-    NotRun(file, std::string("is not the right one: ") + failure.what());
+    NotRun(file, Tr("is not the right one: %1", {failure.what()}));
   }
   switch (outcome.end) {
     case ProgramEnd::kStopped:
-      throw ConversionStopped("the conversion was stopped");
+      throw ConversionStopped(Tr("the conversion was stopped"));
     case ProgramEnd::kNotStarted:
-      NotRun(file, "cannot be started: " +
-                       std::error_code(outcome.code, std::generic_category()).message());
+      NotRun(file, Tr("cannot be started: %1",
+                      {std::error_code(outcome.code, std::generic_category()).message()}));
     case ProgramEnd::kOutOfTime:
-      Damaged(file, "reading it does not come to an end");
+      Damaged(file, Tr("reading it does not come to an end"));
     case ProgramEnd::kCrashed:
-      Damaged(file, "its reader was ended by signal " + std::to_string(outcome.code));
+      Damaged(file, Tr("its reader was ended by signal %1", {std::to_string(outcome.code)}));
     case ProgramEnd::kExited:
       break;
   }
@@ -410,7 +416,7 @@ void ReadLegacyRows(ProgramRunner& runner, const LegacyFile& file,
     ReportExit(file, outcome.code);
   }
   if (!rows.Ended()) {
-    NotRun(file, "is not the right one: its rows have no end");
+    NotRun(file, Tr("is not the right one: its rows have no end"));
   }
 }
 

@@ -9,6 +9,7 @@
 #include <nettle/arcfour.h>
 
 #include "base/files.h"
+#include "base/translation.h"
 
 namespace vrx {
 
@@ -100,27 +101,34 @@ struct Words {
 };
 
 constexpr std::array<Words, 9> kRefusals = {{
-    {JetFileKind::kEmpty, "is empty", "Take a copy of the database that holds its data."},
-    {JetFileKind::kText, "is a text file, not a database",
-     "Choose the .RDB or .TDB file of the earlier version. A file of transactions (.QXT) is opened "
-     "on the Import tab."},
-    {JetFileKind::kPresentFormat, "is a database of the present format already",
-     "It needs no conversion: open it with File, Open."},
-    {JetFileKind::kJet3, "is a Jet 3 database (the Access 97 file format)",
-     "Convert it to the Access 2000 file format with Access (Tools, Database Utilities, Convert "
-     "Database), then convert that copy here."},
-    {JetFileKind::kAccess2007, "is a database of the Access 2007 file format or a later one",
-     "Save it in the Access 2000 file format (.mdb) with Access, then convert that copy here."},
-    {JetFileKind::kPassword, "is protected by a database password",
-     "Open it for exclusive use with Access, remove the password (Tools, Security, Unset Database "
-     "Password), then convert it here."},
-    {JetFileKind::kEncrypted, "is encrypted",
-     "Decrypt a copy with Access (Tools, Security, Encode/Decode Database), then convert that copy "
-     "here."},
-    {JetFileKind::kCutOff, "is cut off: it does not end with a whole page",
-     "Copy the file again from where it was made, or take an older backup."},
-    {JetFileKind::kOther, "is no database of an earlier version",
-     "Choose the .RDB or .TDB file of the earlier version."},
+    {JetFileKind::kEmpty, TrMark("%1 is empty"),
+     TrMark("Take a copy of the database that holds its data.")},
+    {JetFileKind::kText, TrMark("%1 is a text file, not a database"),
+     TrMark("Choose the .RDB or .TDB file of the earlier version. A file of transactions (.QXT) is "
+            "opened "
+            "on the Import tab.")},
+    {JetFileKind::kPresentFormat, TrMark("%1 is a database of the present format already"),
+     TrMark("It needs no conversion: open it with File, Open.")},
+    {JetFileKind::kJet3, TrMark("%1 is a Jet 3 database (the Access 97 file format)"),
+     TrMark("Convert it to the Access 2000 file format with Access (Tools, Database Utilities, "
+            "Convert "
+            "Database), then convert that copy here.")},
+    {JetFileKind::kAccess2007,
+     TrMark("%1 is a database of the Access 2007 file format or a later one"),
+     TrMark("Save it in the Access 2000 file format (.mdb) with Access, then convert that copy "
+            "here.")},
+    {JetFileKind::kPassword, TrMark("%1 is protected by a database password"),
+     TrMark("Open it for exclusive use with Access, remove the password (Tools, Security, Unset "
+            "Database "
+            "Password), then convert it here.")},
+    {JetFileKind::kEncrypted, TrMark("%1 is encrypted"),
+     TrMark("Decrypt a copy with Access (Tools, Security, Encode/Decode Database), then convert "
+            "that copy "
+            "here.")},
+    {JetFileKind::kCutOff, TrMark("%1 is cut off: it does not end with a whole page"),
+     TrMark("Copy the file again from where it was made, or take an older backup.")},
+    {JetFileKind::kOther, TrMark("%1 is no database of an earlier version"),
+     TrMark("Choose the .RDB or .TDB file of the earlier version.")},
 }};
 
 }  // namespace
@@ -180,7 +188,7 @@ std::string JetFileRefusal(JetFileKind kind, std::string_view name) {
   if (words == kRefusals.end()) {
     return {};
   }
-  return std::string(name) + " " + std::string(words->what) + ". " + std::string(words->remedy);
+  return Tr(words->what, {std::string(name)}) + ". " + Tr(words->remedy);
 }
 
 }  // namespace vrx
