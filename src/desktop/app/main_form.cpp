@@ -20,8 +20,7 @@ struct DatabaseCommand {
   void (DatabaseCommands::*flow)();
 };
 
-constexpr std::array<DatabaseCommand, 9> kDatabaseCommands{{
-    {MainCommand::kNewTransactionDatabase, &DatabaseCommands::NewTransactionDatabase},
+constexpr std::array<DatabaseCommand, 8> kDatabaseCommands{{
     {MainCommand::kBrowseRecipeDatabase, &DatabaseCommands::BrowseRecipeDatabase},
     {MainCommand::kBrowseTransactionDatabase, &DatabaseCommands::BrowseTransactionDatabase},
     {MainCommand::kCloseRecipeDatabase, &DatabaseCommands::CloseRecipeDatabase},
@@ -122,6 +121,7 @@ void MainForm::SetHandlers() {
     window_.SetHandler(command, [this, flow = flow] { (databases_.*flow)(); });
   }
   window_.SetHandler(MainCommand::kNewRecipeDatabase, [this] { MakeRecipeDatabase(); });
+  window_.SetHandler(MainCommand::kNewTransactionDatabase, [this] { MakeTransactionDatabase(); });
   for (const auto& [command, tab] : kTabCommands) {
     window_.SetHandler(command, [this, tab = tab] { window_.ChooseTab(tab); });
   }

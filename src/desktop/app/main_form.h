@@ -139,6 +139,7 @@ class MainForm : public QObject, public ProgramForm, private OpenFilesView {
   void ToggleAutoAbbreviate();
   void ShowAutoAbbreviate(bool on);
   void MakeRecipeDatabase();
+  void MakeTransactionDatabase();
   void Refresh();
 
   // The tabs of ingredients, recipes and pens, with the buttons that work on the current one.

@@ -29,6 +29,16 @@ QWidget* WholeField(QWidget* focus) {
   return focus;
 }
 
+void FocusFirstIn(QWidget& page) {
+  for (QWidget* next = page.nextInFocusChain(); next != &page; next = next->nextInFocusChain()) {
+    if (page.isAncestorOf(next) && (next->focusPolicy() & Qt::TabFocus) != 0 && next->isVisible() &&
+        next->isEnabled()) {
+      next->setFocus();
+      return;
+    }
+  }
+}
+
 }  // namespace
 
 MainForm::RecordPages MainForm::AddRecordPages() {
@@ -196,6 +206,15 @@ void MainForm::MakeRecipeDatabase() {
   if (databases_.IsOpen(DatabaseKind::kRecipe) && page != nullptr &&
       databases_.Bound(DatabaseKind::kRecipe).path != before) {
     page->FocusFirstField();
+  }
+}
+
+void MainForm::MakeTransactionDatabase() {
+  const std::filesystem::path before = databases_.Bound(DatabaseKind::kTransaction).path;
+  databases_.NewTransactionDatabase();
+  if (databases_.IsOpen(DatabaseKind::kTransaction) &&
+      databases_.Bound(DatabaseKind::kTransaction).path != before) {
+    FocusFirstIn(*history_);  // its tab is selected
   }
 }
 

@@ -179,6 +179,14 @@ TEST_F(RecordKeys, ANewDatabaseHasNothingToUndoAndTheFocusInItsFirstField) {
   EXPECT_EQ(Focused(), "txtIngDesc");
 }
 
+TEST_F(RecordKeys, ANewTransactionDatabaseHasTheFocusInItsListOfGroups) {
+  Enter(kTabPens);
+  chooser_.Choose(common_ / "FRESH.TDB");
+  Choose(u"mnuFileNewTransactionDB"_qs);
+  EXPECT_EQ(Window().Tabs().CurrentTab(), kTabBatchedFed);
+  EXPECT_EQ(Focused(), "lstGroupBy");
+}
+
 // The contrast of the frame with the cell that it surrounds.
 double FrameContrast(QTableView& grid) {
   const QRect cell = grid.visualRect(grid.currentIndex());
