@@ -1,18 +1,21 @@
 // The costs of the Batched/Fed tab with a million records: a data group from its selection to the
-// first screen, with all days and with a period of half of them, scrolling page by page and jumping
-// to random positions, everything expanded with a jump to the end, and memory. Real widgets, drawn
+// first screen, with all days, with a period of half of them and with differences, the totals of
+// its closed groups, scrolling page by page and jumping to random positions without and with
+// differences, everything expanded with a jump to the end, and memory. Real widgets, drawn
 // without a display.
 
 #include <QApplication>
 #include <QCheckBox>
 #include <QComboBox>
 #include <QScrollBar>
+#include <QTimer>
 #include <algorithm>
 #include <chrono>
 #include <cstdio>
 #include <ctime>
 #include <exception>
 #include <functional>
+#include <numeric>
 #include <random>
 #include <span>
 #include <string>
@@ -36,6 +39,7 @@ namespace {
 constexpr double kScreenLimit = 300;  // ms
 constexpr double kPageLimit = 16;     // ms: a frame of the display
 constexpr double kMemoryLimit = 200;  // MB
+constexpr double kSliceLimit = 50;    // ms: the delay of a key while totals are read
 constexpr int kPages = 400;
 constexpr int kJumps = 60;
 constexpr std::chrono::milliseconds kBusyTimeout{1000};
@@ -95,6 +99,19 @@ class ShownPage {
     page_.View()->TypeDays(days.getColumn(0).getString(), days.getColumn(1).getString());
     Draw();
   }
+  void ShowDifferences(bool on) {
+    page_.findChild<QCheckBox*>(QStringLiteral("chkDifferences"))->setChecked(on);
+    Draw();
+  }
+  // Reads the sums that the screen waits for and returns the time of each step.
+  std::vector<double> ReadSums() {
+    std::vector<double> times;
+    QTimer& timer = *Grid().findChild<QTimer*>(QStringLiteral("tmrReadSums"));
+    while (timer.isActive()) {
+      times.push_back(Milliseconds([] { QApplication::processEvents(); }));
+    }
+    return times;
+  }
   void ExpandAll(bool on) {
     page_.findChild<QCheckBox*>(QStringLiteral("chkExpandAll"))->setChecked(on);
     Draw();
@@ -140,16 +157,26 @@ class HistoryPageBench {
     for (const DataGroup& group : MeasuredGroups(options_)) {
       FirstScreen(group, Days::kAll);
       FirstScreen(group, Days::kHalf);
-      Scrolling(group);
+      FirstScreen(group, Days::kAll, Differences::kShown);
+      ClosedTotals(group);
+      Scrolling(group, Differences::kHidden);
+      Scrolling(group, Differences::kShown);
     }
     return figures_.Over();
   }
 
  private:
   enum class Days { kAll, kHalf };
+  enum class Differences { kHidden, kShown };
 
-  void FirstScreen(const DataGroup& group, Days days) {
+  static std::string With(Differences differences) {
+    return differences == Differences::kShown ? ", differences" : "";
+  }
+
+  void FirstScreen(const DataGroup& group, Days days,
+                   Differences differences = Differences::kHidden) {
     ShownPage page(years_);
+    page.ShowDifferences(differences == Differences::kShown);
     if (days == Days::kHalf) {
       page.ShowHalfOfTheDays();
     }
@@ -160,20 +187,36 @@ class HistoryPageBench {
       times.push_back(Milliseconds([&] { page.Choose(group); }));
     }
     times.erase(times.begin());
-    figures_.Limited(
-        NameOf(group) + ": chosen to first screen" + (days == Days::kHalf ? ", half" : "") + ", ms",
-        Median(times), kScreenLimit);
+    figures_.Limited(NameOf(group) + ": chosen to first screen" +
+                         (days == Days::kHalf ? ", half" : "") + With(differences) + ", ms",
+                     Median(times), kScreenLimit);
+  }
+
+  // The totals of the groups on the first screen, from the first drawing to the last total.
+  void ClosedTotals(const DataGroup& group) {
+    ShownPage page(years_);
+    page.ShowDifferences(true);
+    page.Choose(group);
+    const std::vector<double> steps = page.ReadSums();
+    if (!steps.empty()) {
+      figures_.Limited(
+          NameOf(group) + ": totals of closed groups, slowest step ms", Slowest(steps), kSliceLimit,
+          "all of them in " + std::to_string(std::accumulate(steps.begin(), steps.end(), 0.0)) +
+              " ms");
+    }
   }
 
   // Page by page, and to random positions.
-  void Scrolling(const DataGroup& group) {
+  void Scrolling(const DataGroup& group, Differences differences) {
     ShownPage page(years_);
+    page.ShowDifferences(differences == Differences::kShown);
     page.Choose(group);
+    const std::string name = NameOf(group) + With(differences);
     const double expanded = Milliseconds([&] {
       page.ExpandAll(true);
       page.Scroll(page.Bar().maximum());
     });
-    figures_.Specified(NameOf(group) + ": all expanded, to the end, ms", expanded,
+    figures_.Specified(name + ": all expanded, to the end, ms", expanded,
                        std::to_string(page.Rows()) + " rows");
     const auto scroll = [&](int to) {
       ShownPage::Settle();
@@ -186,7 +229,7 @@ class HistoryPageBench {
       pages.push_back(scroll(at));
     }
     if (!pages.empty()) {
-      figures_.Limited(NameOf(group) + ": a page scrolled, slowest ms", Slowest(pages), kPageLimit,
+      figures_.Limited(name + ": a page scrolled, slowest ms", Slowest(pages), kPageLimit,
                        "half of them within " + std::to_string(Median(pages)) + " ms");
     }
     std::mt19937 random(1);
@@ -196,7 +239,7 @@ class HistoryPageBench {
     for (int i = 0; i < kJumps; ++i) {
       jumps.push_back(scroll(anywhere(random)));
     }
-    figures_.Specified(NameOf(group) + ": a jump anywhere, slowest ms", Slowest(jumps),
+    figures_.Specified(name + ": a jump anywhere, slowest ms", Slowest(jumps),
                        "half of them within " + std::to_string(Median(jumps)) + " ms");
   }
 

@@ -84,7 +84,7 @@ std::vector<std::string> HeaderCells(const HistoryGrid& grid, const std::vector<
 
 std::vector<std::string> RowCells(ShownRow row, const std::vector<int>& columns) {
   std::vector<std::string> cells{KindWord(row.kind), std::to_string(row.depth), row.caption};
-  row.cells.resize(kHistoryColumnCount);  // a group row has no cells
+  row.cells.resize(kGridColumnCount);  // a group row has no cells
   for (const int column : columns) {
     cells.push_back(std::move(row.cells[static_cast<std::size_t>(column) - 1]));
   }
@@ -105,6 +105,8 @@ class ShowCommand : public Command {
                             "A row for each recipe, with its total."},
                            {"show JANUARY.TDB --group 8 --from 2026-01-05 --to 2026-01-11",
                             "The feedings of one week."},
+                           {"show JANUARY.TDB --group 3 --difference",
+                            "How far each load and delivery was from its target."},
                            {"show JANUARY.TDB --group 4 --name STEERS --recipes SITE.RDB --csv",
                             "One recipe, for a spreadsheet."}});
     return command;
@@ -228,6 +230,8 @@ void HistorySource::Register(CLI::App& app, Recipes recipes) {
       ->required(recipes == Recipes::kRequired);
   AddDay(app, "--from", "Only records from this day on", from_);
   AddDay(app, "--to", "Only records up to this day, included", to_);
+  app.add_flag("--difference", differences_,
+               "With the differences of batched and fed weights from their targets");
 }
 
 Period HistorySource::ShownPeriod() const {
@@ -260,6 +264,8 @@ int HistorySource::Run(Session& session, const std::function<int(HistoryGrid&)>&
     grid.RefreshIngredientColumns(ingredients);
     grid.SetUp(*FindDataGroup(group_), name_);
     grid.ShowPeriod(period);
+    grid.ShowDifferences(differences_);
+    grid.SetTolerance(session.Settings().DifferenceTolerance());
     if (const std::string left_out = LeftOutText(grid.UndatedCount()); !left_out.empty()) {
       session.Context().err << left_out << '\n';
     }

@@ -43,6 +43,7 @@ class HistorySource {
   std::string from_;  // days in stored form; empty: no limit on that side
   std::string to_;
   int group_ = 0;
+  bool differences_ = false;
 };
 
 }  // namespace vrx

@@ -119,8 +119,8 @@ class PrintCommand : public Command {
   }
 
   void RefuseOptionsOfGroups() const {
-    for (const char* const option :
-         {"--group", "--name", "--recipes", "--from", "--to", "--collapsed", "--fit"}) {
+    for (const char* const option : {"--group", "--name", "--recipes", "--from", "--to",
+                                     "--difference", "--collapsed", "--fit"}) {
       if (command_->count(option) > 0) {
         throw CLI::ValidationError(option, "goes with a data group only");
       }

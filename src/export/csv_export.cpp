@@ -176,6 +176,9 @@ class CsvWriter : public LevelVisitor {
         AppendCellText(*sum.value, ColumnContent::kWeight, total.value);
       }
     }
+    for (const DifferenceTotal& difference : group.differences) {
+      totals_.push_back({difference.field, difference.text});
+    }
     BuildCsvTotalRow(dictionary_, totals_, file_.Line());
     file_.EndLine();
   }

@@ -14,7 +14,7 @@ struct Caption {
   std::string_view caption;
 };
 
-constexpr std::array<Caption, 12> kCaptions{{{"Transaction", "Transaction"},
+constexpr std::array<Caption, 16> kCaptions{{{"Transaction", "Transaction"},
                                              {"Recipe", "Recipe"},
                                              {"IngPercent", "Ing% Of Batch"},
                                              {"Date", "Date"},
@@ -25,7 +25,11 @@ constexpr std::array<Caption, 12> kCaptions{{{"Transaction", "Transaction"},
                                              {"Ingredient", "Ingredient"},
                                              {"ActualFeed", "Feed Wt"},
                                              {"ActualBatch", "Batch Wt"},
-                                             {"Type", "Type"}}};
+                                             {"Type", "Type"},
+                                             {"BatchDifference", "Batch Diff"},
+                                             {"BatchDiffPercent", "Batch Diff %"},
+                                             {"FeedDifference", "Feed Diff"},
+                                             {"FeedDiffPercent", "Feed Diff %"}}};
 
 struct FixedColumns {
   int group;

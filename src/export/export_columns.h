@@ -11,7 +11,7 @@
 namespace vrx {
 
 struct ExportedColumn {
-  std::string field;    // of the table Transactions
+  std::string field;    // of the table Transactions, or of a difference
   std::string caption;  // UTF-8
   bool operator==(const ExportedColumn&) const = default;
 };

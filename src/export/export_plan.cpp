@@ -6,7 +6,9 @@
 
 #include "database/schema.h"
 #include "database/transactions.h"
+#include "history/columns.h"
 #include "history/data_group.h"
+#include "history/difference.h"
 
 namespace vrx {
 
@@ -253,6 +255,23 @@ std::string OfUserOrOfTheTypeQuery(const ExportPlan& plan) {
          ByNumber("user") + ", type";
 }
 
+std::string OwnRowsQuery(const ExportPlan& plan, const ExportRows& rows, const std::string& sums) {
+  return OfPeriod(rows.period, "SELECT " + Keys(plan) + sums + " FROM " + Source(plan) +
+                                   Condition(plan, Wanted::kSums, rows.search) + " GROUP BY " +
+                                   KeyGroups(plan) + " ORDER BY " + KeyOrder(plan));
+}
+
+std::string FieldExpression(const std::string& field) {
+  const DifferenceColumn* const difference = FindDifferenceColumn(HistoryColumnOfField(field));
+  if (difference == nullptr) {
+    return Bracketed(field);
+  }
+  return OfKind(
+      difference->kind,
+      std::string(difference->percent ? kDifferencePercentFunction : kDifferenceFunction) +
+          "([Target], " + Bracketed(HistoryColumnAt(difference->actual_column).field) + ")");
+}
+
 }  // namespace
 
 std::span<const ExportPlan> ExportPlans() {
@@ -283,7 +302,7 @@ std::string LevelRecordQuery(const ExportPlan& plan, std::span<const std::string
                              const ExportRows& rows) {
   std::string columns = Keys(plan);
   for (const std::string& field : fields) {
-    Append(columns, Bracketed(field));
+    Append(columns, FieldExpression(field));
   }
   std::string order = KeyOrder(plan);
   if (!plan.ordering.empty()) {
@@ -304,9 +323,15 @@ std::string LevelSumQuery(const ExportPlan& plan, const ExportRows& rows) {
     case SummedRows::kOwn:
       break;
   }
-  return OfPeriod(rows.period, "SELECT " + Keys(plan) + Sums(plan) + " FROM " + Source(plan) +
-                                   Condition(plan, Wanted::kSums, rows.search) + " GROUP BY " +
-                                   KeyGroups(plan) + " ORDER BY " + KeyOrder(plan));
+  return OwnRowsQuery(plan, rows, Sums(plan));
+}
+
+std::string LevelComparisonQuery(const ExportPlan& plan, const ExportRows& rows) {
+  std::string sums;
+  for (const std::string& term : ComparisonTerms()) {
+    sums += ", exact_sum(" + term + ")";
+  }
+  return OwnRowsQuery(plan, rows, sums);
 }
 
 }  // namespace vrx

@@ -13,9 +13,6 @@ namespace vrx {
 // Shown by a user level for rows without a user. A stored user "-1" is treated as no user.
 inline constexpr std::string_view kNoUserText = "(none)";
 
-// The `Type` of a batched row; every other type is treated as fed.
-inline constexpr std::string_view kBatchType = "BATCH";
-
 enum class ValueOrder { kAscending, kDescending };
 
 // How a level treats rows that have no value for it. Except with kNoUser they have no inner levels
@@ -90,10 +87,15 @@ struct ExportRows {
 // Parameter 1 is the name of a group by name; for kInRanges parameter 2 is a JsonArray of the
 // ranges of transactions. A period needs RegisterStoredDates.
 //
+// A field that is a difference is a text; it needs RegisterDifferences.
+//
 // A row may be NULL in an inner level that skips such rows: then the outer group is empty.
 [[nodiscard]] std::string LevelRecordQuery(const ExportPlan& plan,
                                            std::span<const std::string> fields,
                                            const ExportRows& rows);
 [[nodiscard]] std::string LevelSumQuery(const ExportPlan& plan, const ExportRows& rows);
+
+// Like LevelSumQuery, but with the ComparisonTerms of the records below each innermost group.
+[[nodiscard]] std::string LevelComparisonQuery(const ExportPlan& plan, const ExportRows& rows);
 
 }  // namespace vrx

@@ -26,6 +26,7 @@
 #include "database/transactions.h"
 #include "export/export_plan.h"
 #include "history/data_group.h"
+#include "history/difference.h"
 
 namespace vrx {
 
@@ -105,10 +106,25 @@ constexpr const char* kBoundedMemory = "PRAGMA cache_size=-16384; PRAGMA temp_st
 std::vector<WalkedField> MakeFields(const ExportPlan& plan, const ColumnDictionary& dictionary) {
   std::vector<WalkedField> fields;
   for (std::string& field : BuildFieldList(dictionary, plan.excluded)) {
-    const ColumnContent content = HistoryColumnAt(HistoryColumnOfField(field)).content;
+    const int column = HistoryColumnOfField(field);
+    // The query gives a difference as a text.
+    const ColumnContent content = FindDifferenceColumn(column) != nullptr
+                                      ? ColumnContent::kText
+                                      : HistoryColumnAt(column).content;
     fields.push_back({std::move(field), content});
   }
   return fields;
+}
+
+std::vector<DifferenceColumn> DifferencesIn(const ColumnDictionary& dictionary) {
+  std::vector<DifferenceColumn> found;
+  for (const ExportedColumn& column : dictionary) {
+    const int index = HistoryColumnOfField(column.field);
+    if (const DifferenceColumn* const difference = FindDifferenceColumn(index)) {
+      found.push_back(*difference);
+    }
+  }
+  return found;
 }
 
 std::vector<std::string> Names(std::span<const WalkedField> fields) {
@@ -136,6 +152,23 @@ PickedRows PickRows(SQLite::Database& database, const ExportPlan& plan, const st
                 : PickedRows{{NameSearch::kInTable, period}, {name}};
 }
 
+// Steps to the row of a query of sums that has the keys of a record. Both are in the same order.
+void FindKeysOf(const RowReader& record, std::size_t levels, RowReader& sums) {
+  const auto has_keys = [&] {
+    for (std::size_t depth = 0; depth < levels; ++depth) {
+      if (sums.Cell(depth) != record.Cell(depth)) {
+        return false;
+      }
+    }
+    return true;
+  };
+  do {
+    if (!sums.Next()) {
+      throw Error("the rows of the table changed while they were summed");
+    }
+  } while (!has_keys());
+}
+
 // Reads the sums of the innermost groups, in the order in which the records open them.
 class SumStream {
  public:
@@ -147,11 +180,7 @@ class SumStream {
 
   // The sums of the group that this row of the records opens.
   std::span<const GroupSum> For(const RowReader& record) {
-    do {
-      if (!rows_.Next()) {
-        throw Error("the rows of the table changed while they were summed");
-      }
-    } while (!HasKeysOf(record));
+    FindKeysOf(record, plan_.levels.size(), rows_);
     const std::vector<ExportWeight>& weights = Weights(record);
     for (std::size_t at = 0; at < weights.size(); ++at) {
       sums_[at] = {&weights[at], Sum(weights[at].field)};
@@ -160,15 +189,6 @@ class SumStream {
   }
 
  private:
-  [[nodiscard]] bool HasKeysOf(const RowReader& record) const {
-    for (std::size_t depth = 0; depth < plan_.levels.size(); ++depth) {
-      if (rows_.Cell(depth) != record.Cell(depth)) {
-        return false;
-      }
-    }
-    return true;
-  }
-
   [[nodiscard]] const std::vector<ExportWeight>& Weights(const RowReader& record) const {
     const bool batch = record.Cell(plan_.levels.size() - 1) == CellView(kBatchType);
     return plan_.fed_weights.empty() || batch ? plan_.weights : plan_.fed_weights;
@@ -192,6 +212,41 @@ class SumStream {
   std::vector<GroupSum> sums_;
 };
 
+// Reads the differences of the innermost groups likewise.
+class DifferenceStream {
+ public:
+  DifferenceStream(SQLite::Database& database, const ExportPlan& plan, const PickedRows& picked,
+                   const std::vector<DifferenceColumn>& columns)
+      : levels_(plan.levels.size()),
+        columns_(columns),
+        rows_(database, LevelComparisonQuery(plan, picked.rows), picked.values) {}
+
+  std::span<const DifferenceTotal> For(const RowReader& record) {
+    FindKeysOf(record, levels_, rows_);
+    totals_.clear();
+    for (const DifferenceColumn& column : columns_) {
+      const std::size_t first = levels_ + 2 * static_cast<std::size_t>(column.kind);
+      const Comparison sums{.target = Sum(first), .actual = Sum(first + 1)};
+      totals_.push_back(
+          {.field = HistoryColumnAt(column.column).field,
+           .text = column.percent ? DifferencePercentText(sums) : DifferenceText(sums)});
+    }
+    return totals_;
+  }
+
+ private:
+  [[nodiscard]] std::optional<double> Sum(std::size_t column) const {
+    // No row equals a NULL key, so it has no sum.
+    const CellView sum = IsNull(rows_.Cell(levels_ - 1)) ? CellView() : rows_.Cell(column);
+    return IsNull(sum) ? std::nullopt : std::optional(std::get<double>(sum));
+  }
+
+  std::size_t levels_;
+  const std::vector<DifferenceColumn>& columns_;
+  RowReader rows_;
+  std::vector<DifferenceTotal> totals_;
+};
+
 // An open group. It keeps a copy of its text, because its row is no longer valid.
 struct OpenedGroup {
   CellView key;
@@ -202,7 +257,8 @@ struct OpenedGroup {
 class Walker {
  public:
   Walker(SQLite::Database& database, const ExportPlan& plan, std::span<const std::string> fields,
-         const PickedRows& picked, LevelVisitor& visitor)
+         const std::vector<DifferenceColumn>& differences, const PickedRows& picked,
+         LevelVisitor& visitor)
       : plan_(plan),
         visitor_(visitor),
         rows_(database, LevelRecordQuery(plan, fields, picked.rows), picked.values),
@@ -210,6 +266,9 @@ class Walker {
         cells_(fields.size()) {
     if (!plan.levels.empty()) {
       sums_.emplace(database, plan, picked);
+    }
+    if (!plan.levels.empty() && !differences.empty()) {
+      differences_.emplace(database, plan, picked, differences);
     }
   }
 
@@ -282,6 +341,9 @@ class Walker {
                       .value = no_user ? CellView(kNoUserText) : opened.key};
       if (open_ + 1 == plan_.levels.size()) {
         opened.group.sums = sums_->For(rows_);
+        if (differences_) {
+          opened.group.differences = differences_->For(rows_);
+        }
       }
       visitor_.OpenGroup(opened.group);
     }
@@ -305,6 +367,7 @@ class Walker {
   LevelVisitor& visitor_;
   RowReader rows_;
   std::optional<SumStream> sums_;
+  std::optional<DifferenceStream> differences_;
   std::vector<OpenedGroup> groups_;
   std::size_t open_ = 0;
   std::vector<CellView> cells_;
@@ -398,6 +461,7 @@ LevelWalk::LevelWalk(const std::filesystem::path& transaction_database, const Ex
       name_(name),
       period_(period),
       fields_(MakeFields(plan, dictionary)),
+      differences_(DifferencesIn(dictionary)),
       database_(OpenDatabase(transaction_database, Access::kRead, wait)) {
   if (fields_.empty()) {
     throw Error("the data group shows no columns to export");
@@ -405,13 +469,14 @@ LevelWalk::LevelWalk(const std::filesystem::path& transaction_database, const Ex
   WithDatabaseErrors(database_, [&] { database_.exec(kBoundedMemory); });
   RegisterExactSum(database_);
   RegisterStoredDates(database_);
+  RegisterDifferences(database_);
 }
 
 void LevelWalk::Walk(LevelVisitor& visitor) {
   WithDatabaseErrors(database_, [&] {
     const SQLite::Transaction snapshot(database_);
     const PickedRows picked = PickRows(database_, plan_, name_, period_);
-    Walker(database_, plan_, Names(fields_), picked, visitor).Walk();
+    Walker(database_, plan_, Names(fields_), differences_, picked, visitor).Walk();
   });
 }
 

@@ -34,6 +34,12 @@ struct GroupSum {
   std::optional<double> value = {};  // empty for a sum over no values
 };
 
+// A column of differences in a total.
+struct DifferenceTotal {
+  std::string field = {};
+  std::string text = {};  // empty without records of its kind
+};
+
 // One value of a level. `value` is NULL only if the plan shows such values; it is kNoUserText for
 // rows without a user.
 struct WalkedGroup {
@@ -42,6 +48,8 @@ struct WalkedGroup {
   ColumnContent content = ColumnContent::kText;
   CellView value = {};
   std::span<const GroupSum> sums = {};  // in the plan's order; empty except at the innermost level
+  // The differences of the records below, by their columns in the dictionary; likewise.
+  std::span<const DifferenceTotal> differences = {};
 };
 
 // Receives an export in the order of its output. Arguments are valid only during the call. An
@@ -80,6 +88,7 @@ class LevelWalk {
   std::string name_;
   Period period_;
   std::vector<WalkedField> fields_;
+  std::vector<DifferenceColumn> differences_;  // in the dictionary
   SQLite::Database database_;
 };
 

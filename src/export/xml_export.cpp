@@ -44,6 +44,10 @@ class XmlWriter : public LevelVisitor {
       AppendAttribute(sum.weight->attribute, sum.value ? CellView(*sum.value) : CellView(),
                       ColumnContent::kWeight);
     }
+    for (const DifferenceTotal& difference : group.differences) {
+      AppendAttribute(difference.field, CellView(std::string_view(difference.text)),
+                      ColumnContent::kText);
+    }
     xml_ += '>';
   }
 

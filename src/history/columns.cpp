@@ -38,6 +38,15 @@ std::vector<HistoryColumn> MakeTable() {
     table.push_back({kIngPercentColumn + slot, "Calculated_" + field, field,
                      field.substr(0, field.size() - 2) + "_Wt", "", kRight, kSummed, kWeight});
   }
+  // No field may be a part of another one: exports look for fields in lists of them.
+  table.insert(table.end(), {{113, "Calculated_BatchDifference", "BatchDifference", "Batch Diff",
+                              "", kRight, !kSummed, kWeight},
+                             {114, "Calculated_BatchDiffPercent", "BatchDiffPercent",
+                              "Batch Diff %", "", kRight, !kSummed, kWeight},
+                             {115, "Calculated_FeedDifference", "FeedDifference", "Feed Diff", "",
+                              kRight, !kSummed, kWeight},
+                             {116, "Calculated_FeedDiffPercent", "FeedDiffPercent", "Feed Diff %",
+                              "", kRight, !kSummed, kWeight}});
   return table;
 }
 
@@ -68,8 +77,19 @@ std::span<const HistoryColumn> HistoryColumnTable() {
   return table;
 }
 
+std::span<const HistoryColumn> StoredColumns() {
+  return HistoryColumnTable().first(kHistoryColumnCount);
+}
+
+const DifferenceColumn* FindDifferenceColumn(int column) {
+  const auto* const found =
+      std::find_if(kDifferenceColumns.begin(), kDifferenceColumns.end(),
+                   [&](const DifferenceColumn& entry) { return entry.column == column; });
+  return found == kDifferenceColumns.end() ? nullptr : found;
+}
+
 const HistoryColumn& HistoryColumnAt(int index) {
-  if (index < 1 || index > kHistoryColumnCount) {
+  if (index < 1 || index > kGridColumnCount) {
     throw std::out_of_range("no column " + std::to_string(index) + " of the history");
   }
   return HistoryColumnTable()[static_cast<std::size_t>(index) - 1];
@@ -123,21 +143,30 @@ HistoryColumns::HistoryColumns() {
     At(column.index).caption = column.caption;
     order_.at(Place(column.index)) = column.index;
   }
+  ArrangeDifferences();
 }
 
 void HistoryColumns::SetUp(const DataGroup& group) {
+  PutDifferencesLast();
   int position = 0;
   for (const std::string_view key : group.order) {
     Move(HistoryColumnOfKey(key), ++position);
   }
-  for (State& column : columns_) {
-    column.visible = true;
+  for (const HistoryColumn& column : StoredColumns()) {
+    At(column.index).visible = true;
   }
   for (const std::string_view key : group.hidden) {
     At(HistoryColumnOfKey(key)).visible = false;
   }
   ApplyIngredientColumnVisibility(group);
   SetTotalCaption(group.total_column);
+  ArrangeDifferences();
+}
+
+void HistoryColumns::ShowDifferences(bool on) {
+  differences_ = on;
+  PutDifferencesLast();
+  ArrangeDifferences();
 }
 
 void HistoryColumns::RefreshIngredientColumns(std::span<const IngredientRecord> ingredients) {
@@ -223,6 +252,22 @@ void HistoryColumns::ShowNamedIngredientColumns() {
 void HistoryColumns::HideIngredientColumns() {
   for (int column = kFirstIngredientColumn; column <= kHistoryColumnCount; ++column) {
     At(column).visible = false;
+  }
+}
+
+void HistoryColumns::PutDifferencesLast() {
+  for (const DifferenceColumn& difference : kDifferenceColumns) {
+    Move(difference.column, kGridColumnCount);
+  }
+}
+
+void HistoryColumns::ArrangeDifferences() {
+  for (const DifferenceColumn& difference : kDifferenceColumns) {
+    At(difference.column).visible = differences_ && IsVisible(difference.actual_column);
+    if (differences_) {
+      const int behind = Position(difference.actual_column) + 1;
+      Move(difference.column, difference.percent ? behind + 1 : behind);
+    }
   }
 }
 

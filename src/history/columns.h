@@ -10,12 +10,15 @@
 
 #include "database/records.h"
 #include "history/data_group.h"
+#include "history/difference.h"
 
 namespace vrx {
 
-// The 112 columns of `grdTRANS`: the fields of a transaction in stored order. Indexes start at 1
-// and never change; positions and captions can change.
-inline constexpr int kHistoryColumnCount = 112;
+// The columns of `grdTRANS`: the 112 fields of a transaction in stored order, then the differences,
+// which are computed. Indexes start at 1 and never change; positions and captions can change.
+inline constexpr int kHistoryColumnCount = 112;  // the stored ones
+inline constexpr int kGridColumnCount = 116;
+inline constexpr int kTypeColumn = 3;
 inline constexpr int kTargetColumn = 7;
 inline constexpr int kActualBatchColumn = 8;
 inline constexpr int kActualFeedColumn = 11;
@@ -28,7 +31,7 @@ enum class ColumnContent { kText, kNumber, kWeight, kTime, kDate };
 struct HistoryColumn {
   int index;
   std::string key;
-  std::string field;    // in the table Transactions
+  std::string field;    // in the table Transactions; of a difference only its name in exports
   std::string caption;  // design caption
   std::string group_prefix;
   bool right_aligned;
@@ -38,6 +41,24 @@ struct HistoryColumn {
 
 // In the order of their indexes.
 [[nodiscard]] std::span<const HistoryColumn> HistoryColumnTable();
+[[nodiscard]] std::span<const HistoryColumn> StoredColumns();
+
+// A column of differences: an actual weight less the target, or that in percent of the target, for
+// the records of one kind. Shown beside the actual weight.
+struct DifferenceColumn {
+  int column;
+  int actual_column;
+  ComparedKind kind;
+  bool percent;
+};
+inline constexpr std::array<DifferenceColumn, 4> kDifferenceColumns{
+    {{113, kActualBatchColumn, ComparedKind::kBatch, false},
+     {114, kActualBatchColumn, ComparedKind::kBatch, true},
+     {115, kActualFeedColumn, ComparedKind::kFeed, false},
+     {116, kActualFeedColumn, ComparedKind::kFeed, true}}};
+
+// nullptr for a stored column.
+[[nodiscard]] const DifferenceColumn* FindDifferenceColumn(int column);
 
 // Throws std::out_of_range for an invalid index.
 const HistoryColumn& HistoryColumnAt(int index);
@@ -82,6 +103,11 @@ class HistoryColumns {
   // no recipe database is open, hides all of them. IDs outside 1 to 100 are ignored.
   void RefreshIngredientColumns(std::span<const IngredientRecord> ingredients);
 
+  // Shows the differences behind those actual weights that the group shows, or hides them. Off at
+  // first; then they have the last positions.
+  void ShowDifferences(bool on);
+  [[nodiscard]] bool HasDifferences() const { return differences_; }
+
   // Shows or hides the ingredient columns as the group specifies.
   void ApplyIngredientColumnVisibility(const DataGroup& group);
 
@@ -89,7 +115,7 @@ class HistoryColumns {
   // `Ing% Of Batch` if the group shows ingredient columns.
   void EnterTab(const DataGroup& group);
 
-  // These throw std::out_of_range for a column or position outside 1 to 112.
+  // These throw std::out_of_range for a column or position outside 1 to 116.
   [[nodiscard]] const std::string& Caption(int column) const;
   [[nodiscard]] bool IsVisible(int column) const;
   [[nodiscard]] int Position(int column) const;
@@ -114,9 +140,12 @@ class HistoryColumns {
   void ShowNamedIngredientColumns();
   void HideIngredientColumns();
   void SetTotalCaption(std::string_view column_key);
+  void PutDifferencesLast();
+  void ArrangeDifferences();
 
-  std::array<State, kHistoryColumnCount> columns_;  // by index - 1
-  std::array<int, kHistoryColumnCount> order_{};    // indexes by position - 1
+  std::array<State, kGridColumnCount> columns_;  // by index - 1
+  std::array<int, kGridColumnCount> order_{};    // indexes by position - 1
+  bool differences_ = false;
 };
 
 }  // namespace vrx

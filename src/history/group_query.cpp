@@ -12,6 +12,7 @@
 #include "database/schema.h"
 #include "database/transactions.h"
 #include "history/columns.h"
+#include "history/difference.h"
 
 namespace vrx {
 namespace {
@@ -259,6 +260,10 @@ std::string RecordOrderText(int column, bool ascending) {
   if (column == 0) {
     return " ORDER BY +rowid";
   }
+  if (const DifferenceColumn* const difference = FindDifferenceColumn(column)) {
+    return " ORDER BY " + DifferenceOrder(difference->kind, difference->percent) +
+           (ascending ? "" : " DESC") + ", rowid";
+  }
   const std::string field = Bracketed(HistoryColumnAt(column).field);
   return " ORDER BY " + (IsNumberAsText(column) ? NumberOf(field) : field) +
          (ascending ? "" : " DESC") + ", rowid";
@@ -266,7 +271,7 @@ std::string RecordOrderText(int column, bool ascending) {
 
 std::string RecordColumns(std::string_view prefix) {
   std::string columns;
-  for (const HistoryColumn& column : HistoryColumnTable()) {
+  for (const HistoryColumn& column : StoredColumns()) {
     columns += (columns.empty() ? "" : ", ") + std::string(prefix) + Bracketed(column.field);
   }
   return columns;

@@ -24,6 +24,7 @@
 #include "history/columns.h"
 #include "history/data_group.h"
 #include "history/group_query.h"
+#include "history/group_totals.h"
 #include "history/outline.h"
 #include "history/period_rows.h"
 #include "history/record_pages.h"
@@ -31,114 +32,11 @@
 namespace vrx {
 namespace {
 
-// Cache of the sums of groups, computed on demand. Keeps the sums of large groups and the recently
-// used ones of small groups.
-class GroupTotals {
- public:
-  // Statements and query must outlive it. Throws std::out_of_range for an invalid column.
-  GroupTotals(Statements& statements, const GroupQuery& query, DataGroup group,
-              const std::vector<int>& columns);
-
-  // Columns that are not summed, or blank on a level, get no sum there. This saves most sums of the
-  // outer levels, which take longest. Throws std::out_of_range for an invalid column.
-  void SetColumns(const std::vector<int>& columns);
-  // To be called when the outline is reloaded.
-  void Forget() { totals_.clear(); }
-
-  // Sums by column index - 1: 0 without values, NULL for other columns. Nothing if the sums are not
-  // in the cache.
-  std::optional<std::vector<CellValue>> Find(const GroupPath& path) const;
-  // Throws SQLite::Exception.
-  std::vector<CellValue> Load(const Outline& outline, const GroupPath& path);
-
- private:
-  struct Total {
-    std::int64_t records;
-    std::vector<double> sums;  // of the level's columns
-  };
-
-  const std::vector<int>& ColumnsOf(const GroupPath& path) const {
-    return columns_[path.size() - 1];
-  }
-  std::vector<CellValue> CellsOf(const GroupPath& path, const Total& total) const;
-
-  Statements& statements_;
-  const GroupQuery& query_;
-  DataGroup group_;
-  std::vector<std::vector<int>> columns_;            // by level
-  std::unordered_map<std::uint64_t, Total> totals_;  // by level and place
+// What is summed.
+struct Summed {
+  std::vector<int> columns = {kTargetColumn, kActualBatchColumn, kActualFeedColumn};
+  bool compared = false;
 };
-
-constexpr std::size_t kTotalsHeld = 4096;
-constexpr std::int64_t kLargeGroup = 1000;
-
-std::uint64_t KeyOf(const GroupPath& path) {
-  return static_cast<std::uint64_t>(path.size()) << 32U | path.back();
-}
-
-GroupTotals::GroupTotals(Statements& statements, const GroupQuery& query, DataGroup group,
-                         const std::vector<int>& columns)
-    : statements_(statements), query_(query), group_(std::move(group)) {
-  SetColumns(columns);
-}
-
-void GroupTotals::SetColumns(const std::vector<int>& columns) {
-  std::vector<std::vector<int>> by_level(group_.levels.size());
-  for (const int column : columns) {
-    const bool summed = HistoryColumnAt(column).summed;
-    int depth = 1;
-    for (std::vector<int>& level : by_level) {
-      if (summed && !IsBlanked(group_, depth, column)) {
-        level.push_back(column);
-      }
-      ++depth;
-    }
-  }
-  if (by_level != columns_) {
-    columns_ = std::move(by_level);
-    Forget();
-  }
-}
-
-std::optional<std::vector<CellValue>> GroupTotals::Find(const GroupPath& path) const {
-  if (ColumnsOf(path).empty()) {
-    return CellsOf(path, {});
-  }
-  const auto total = totals_.find(KeyOf(path));
-  return total == totals_.end() ? std::nullopt : std::optional(CellsOf(path, total->second));
-}
-
-std::vector<CellValue> GroupTotals::Load(const Outline& outline, const GroupPath& path) {
-  std::string text = "SELECT count(*)";
-  for (const int column : ColumnsOf(path)) {
-    text += ", exact_sum(" + Bracketed(HistoryColumnAt(column).field) + ")";
-  }
-  Statements::InUse statement = statements_.Take(text + query_.From(path.size()));
-  query_.Bind(*statement, outline.Values(path));
-  statement->executeStep();
-  Total total{.records = statement->getColumn(0).getInt64(), .sums = {}};
-  for (std::size_t i = 0; i < ColumnsOf(path).size(); ++i) {
-    total.sums.push_back(statement->getColumn(static_cast<int>(i) + 1).getDouble());  // 0 for NULL
-  }
-  if (totals_.size() >= kTotalsHeld) {
-    std::erase_if(totals_, [](const auto& held) { return held.second.records < kLargeGroup; });
-  }
-  return CellsOf(path, totals_.insert_or_assign(KeyOf(path), std::move(total)).first->second);
-}
-
-std::vector<CellValue> GroupTotals::CellsOf(const GroupPath& path, const Total& total) const {
-  const std::vector<int>& columns = ColumnsOf(path);
-  std::vector<CellValue> cells(kHistoryColumnCount);
-  for (std::size_t i = 0; i < columns.size(); ++i) {
-    cells[static_cast<std::size_t>(columns[i]) - 1] = total.sums[i];
-  }
-  return cells;
-}
-
-std::vector<int> SumsAtFirst() {
-  return {HistoryColumnOfKey("Target"), HistoryColumnOfKey("ActualBatch"),
-          HistoryColumnOfKey("ActualFeed")};
-}
 
 // The highest rowid; rows stored later get higher ones. 0 for an empty table.
 std::int64_t LastRow(SQLite::Database& database) {
@@ -162,12 +60,14 @@ auto Read(SQLite::Database& database, Body&& body) {
 // Everything of the shown group; the members refer to each other.
 struct View {
   View(SQLite::Database& database, const DataGroup& group, std::string_view name,
-       const std::vector<int>& sum_columns, const std::shared_ptr<const PeriodRows>& period = {})
+       const Summed& summed, const std::shared_ptr<const PeriodRows>& period = {})
       : statements(database),
         query(group, name),
         outline(static_cast<int>(query.Levels().size())),
         pages(statements, query),
-        totals(statements, query, group, sum_columns) {
+        totals(statements, query, group, summed.columns),
+        sliced(statements, query, group) {
+    sliced.SetColumns(summed.columns, summed.compared);
     if (period) {
       filter.emplace(database, period->rows);
       query.LimitTo(period, filter->Condition());
@@ -180,6 +80,7 @@ struct View {
   Outline outline;
   RecordPages pages;
   GroupTotals totals;
+  SlicedTotals sliced;
   std::int64_t undated = 0;
 };
 
@@ -189,14 +90,14 @@ class GroupedRows::Impl {
  public:
   explicit Impl(SQLite::Database& database) : database_(database) {
     RegisterExactSum(database);
-    view_ = std::make_unique<View>(database_, DataGroups().front(), "", sum_columns_);
+    view_ = std::make_unique<View>(database_, DataGroups().front(), "", summed_);
     view_->outline.SetRecordCount({}, 0);
   }
 
   void Show(const DataGroup& group, std::string_view name, const Period& period) {
     view_ = Read(database_, [&] {
       const std::shared_ptr<const PeriodRows> rows = RowsOf(period);
-      auto view = std::make_unique<View>(database_, group, name, sum_columns_, rows);
+      auto view = std::make_unique<View>(database_, group, name, summed_, rows);
       if (rows) {
         view->undated = CountUndated(*rows, GroupQuery(group, name));
       }
@@ -210,15 +111,27 @@ class GroupedRows::Impl {
   [[nodiscard]] const Outline& Rows() const { return view_->outline; }
   [[nodiscard]] std::int64_t UndatedCount() const { return view_->undated; }
 
-  HistoryRow Row(std::int64_t row) {
+  HistoryRow Row(std::int64_t row, SumsWanted wanted) {
     const OutlinePlace place = Rows().Find(row);
     HistoryRow answer{.kind = place.kind, .depth = place.depth};
+    const bool known_only = wanted == SumsWanted::kKnown;
+    const GroupSums* const known =
+        known_only && HasSlicedSums(place) ? view_->sliced.Find(place.path) : nullptr;
+    if (known != nullptr) {
+      answer.comparisons = known->comparisons;
+    }
     switch (place.kind) {
       case HistoryRowKind::kGroup:
         answer.open = Rows().IsOpen(place.path);
+        if (known != nullptr) {
+          answer.cells = known->cells;
+        }
         break;
       case HistoryRowKind::kTotal:
         answer.cells = Sums(place);
+        if (summed_.compared && !known_only) {
+          answer.comparisons = ComparisonsOf(place.path);
+        }
         break;
       case HistoryRowKind::kRecord:
         answer.cells = Record(place);
@@ -252,6 +165,7 @@ class GroupedRows::Impl {
         Read(database_, [&] { return ReadWholeOutline(view_->statements, view_->query); });
     view_->pages.Forget();
     view_->totals.Forget();
+    view_->sliced.Forget();
   }
 
   void CloseAll() { view_->outline.SetAllOpen(false); }
@@ -290,9 +204,35 @@ class GroupedRows::Impl {
     });
   }
 
-  void SumColumns(std::vector<int> columns) {
-    view_->totals.SetColumns(columns);
-    sum_columns_ = std::move(columns);
+  SumsRead ReadSums(std::int64_t first, std::int64_t last, std::int64_t records) {
+    std::vector<GroupPath> unknown;
+    for (std::int64_t row = std::max<std::int64_t>(first, 1);
+         row <= std::min(last, Rows().RowCount()); ++row) {
+      OutlinePlace place = Rows().Find(row);
+      if (HasSlicedSums(place) && view_->sliced.Find(place.path) == nullptr) {
+        unknown.push_back(std::move(place.path));
+      }
+    }
+    SumsRead result;
+    if (!unknown.empty()) {
+      Read(database_, [&] {
+        for (const GroupPath& path : unknown) {
+          if (records > 0) {
+            records -= view_->sliced.Read(Rows(), path, records);
+          }
+          const bool known = view_->sliced.Find(path) != nullptr;
+          result.any = result.any || known;
+          result.more = result.more || !known;
+        }
+      });
+    }
+    return result;
+  }
+
+  void SumColumns(Summed summed) {
+    view_->totals.SetColumns(summed.columns);
+    view_->sliced.SetColumns(summed.columns, summed.compared);
+    summed_ = std::move(summed);
   }
 
  private:
@@ -407,8 +347,22 @@ class GroupedRows::Impl {
                 : Read(database_, [&] { return view_->totals.Load(Rows(), place.path); });
   }
 
+  // Whether the row has sums that can take long.
+  [[nodiscard]] bool HasSlicedSums(const OutlinePlace& place) const {
+    return place.kind == HistoryRowKind::kGroup
+               ? !Rows().IsOpen(place.path)
+               : place.kind == HistoryRowKind::kTotal && summed_.compared;
+  }
+
+  Comparisons ComparisonsOf(const GroupPath& path) {
+    const GroupSums* const held = view_->sliced.Find(path);
+    return held != nullptr
+               ? held->comparisons
+               : Read(database_, [&] { return view_->sliced.Load(Rows(), path).comparisons; });
+  }
+
   SQLite::Database& database_;
-  std::vector<int> sum_columns_ = SumsAtFirst();
+  Summed summed_;
   std::shared_ptr<const PeriodRows> period_rows_;
   std::pair<std::int64_t, std::int64_t> period_version_;
   std::unique_ptr<View> view_;
@@ -424,7 +378,7 @@ void GroupedRows::Show(const DataGroup& group, std::string_view name, const Peri
 }
 std::int64_t GroupedRows::UndatedCount() const { return impl_->UndatedCount(); }
 std::int64_t GroupedRows::RowCount() const { return impl_->Rows().RowCount(); }
-HistoryRow GroupedRows::Row(std::int64_t row) { return impl_->Row(row); }
+HistoryRow GroupedRows::Row(std::int64_t row, SumsWanted wanted) { return impl_->Row(row, wanted); }
 HistoryRowKind GroupedRows::KindOf(std::int64_t row) { return impl_->Rows().Find(row).kind; }
 bool GroupedRows::ShowsRecords() const { return impl_->Rows().ShowsRecords(); }
 void GroupedRows::Open(std::int64_t row) { impl_->SetOpen(row, true); }
@@ -435,6 +389,11 @@ std::int64_t GroupedRows::SortBy(int column, bool ascending, std::int64_t row) {
   return impl_->SortBy(column, ascending, row);
 }
 std::int64_t GroupedRows::OpenNewest(std::int64_t count) { return impl_->OpenNewest(count); }
-void GroupedRows::SumColumns(std::vector<int> columns) { impl_->SumColumns(std::move(columns)); }
+SumsRead GroupedRows::ReadSums(std::int64_t first, std::int64_t last, std::int64_t records) {
+  return impl_->ReadSums(first, last, records);
+}
+void GroupedRows::SumColumns(std::vector<int> columns, bool compared) {
+  impl_->SumColumns({.columns = std::move(columns), .compared = compared});
+}
 
 }  // namespace vrx

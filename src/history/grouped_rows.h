@@ -9,6 +9,7 @@
 #include <SQLiteCpp/Database.h>
 
 #include "history/data_group.h"
+#include "history/difference.h"
 #include "history/group_query.h"
 #include "history/period.h"
 
@@ -21,8 +22,21 @@ struct HistoryRow {
   CellValue group = {};  // value of a group row and its total row
   bool open = false;     // of a group row
   // By column index - 1. All columns of a record; sums of a total row, NULL for columns that are
-  // not summed or blank at its depth; empty for a group row.
+  // not summed or blank at its depth; empty for a group row, but see SumsWanted.
   std::vector<CellValue> cells = {};
+  Comparisons comparisons = {};  // of a total row, if the view compares weights
+};
+
+// What a row for the screen has of the sums that can take long to read.
+enum class SumsWanted {
+  kAll,    // reads the compared weights of a total row
+  kKnown,  // reads none: they are empty until ReadSums has read them; a closed group has sums too
+};
+
+// The result of reading some sums.
+struct SumsRead {
+  bool any = false;   // sums have become known
+  bool more = false;  // some are not known yet
 };
 
 // Data source of the history grid: a table of any size in groups that can be opened and closed.
@@ -51,7 +65,7 @@ class GroupedRows {
   [[nodiscard]] std::int64_t RowCount() const;
 
   // Throw std::out_of_range for a missing row.
-  HistoryRow Row(std::int64_t row);
+  HistoryRow Row(std::int64_t row, SumsWanted wanted = SumsWanted::kAll);
   HistoryRowKind KindOf(std::int64_t row);
 
   // True if any visible row is a record. The column headers are shown then.
@@ -72,9 +86,15 @@ class GroupedRows {
   // them, and returns its row; 0 if it shows none of them.
   std::int64_t OpenNewest(std::int64_t count);
 
-  // Sets the columns whose sums a total row needs, by index. Default: Target, ActualBatch and
-  // ActualFeed.
-  void SumColumns(std::vector<int> columns);
+  // Continues to read the sums of the rows from `first` to `last` that Row gives only when they are
+  // known: the next `records` records, or somewhat more. Has the sums of a closed group also where
+  // its total row is blank because it has batched and fed weights: all but the target, which would
+  // mix them.
+  SumsRead ReadSums(std::int64_t first, std::int64_t last, std::int64_t records);
+
+  // Sets the columns whose sums a total row needs, by index, and whether it compares weights.
+  // Default: Target, ActualBatch and ActualFeed, not compared.
+  void SumColumns(std::vector<int> columns, bool compared = false);
 
  private:
   class Impl;

@@ -28,7 +28,7 @@ HistoryGrid::HistoryGrid(SQLite::Database& transactions)
 
 void HistoryGrid::Bind(SQLite::Database& transactions) {
   GroupedRows rows(transactions);
-  rows.SumColumns(sums_);
+  rows.SumColumns(sums_, columns_.HasDifferences());
   rows.Show(*group_, name_, period_);
   if (sort_column_ != 0) {
     rows.SortBy(sort_column_, sort_ascending_);
@@ -65,6 +65,16 @@ void HistoryGrid::ShowRows(std::string_view name, const Period& period) {
   }
 }
 
+void HistoryGrid::ShowDifferences(bool on) {
+  columns_.ShowDifferences(on);
+  rows_.SumColumns(sums_, on);
+  if (!on && FindDifferenceColumn(sort_column_) != nullptr) {
+    rows_.SortBy(0, true);
+    sort_column_ = 0;
+    sort_ascending_ = true;
+  }
+}
+
 void HistoryGrid::RefreshIngredientColumns(std::span<const IngredientRecord> ingredients) {
   HistoryColumns columns = columns_;
   columns.RefreshIngredientColumns(ingredients);
@@ -79,13 +89,19 @@ void HistoryGrid::EnterTab() {
 
 std::vector<std::pair<std::string, std::string>> HistoryGrid::FieldCaptions() const {
   std::vector<std::pair<std::string, std::string>> pairs;
-  for (const HistoryColumn& column : HistoryColumnTable()) {
+  for (const HistoryColumn& column : StoredColumns()) {
     pairs.emplace_back(column.field, columns_.Caption(column.index));
   }
   return pairs;
 }
 
-ShownRow HistoryGrid::Row(std::int64_t row) { return FormatRow(rows_.Row(row), *group_, columns_); }
+ShownRow HistoryGrid::Row(std::int64_t row) {
+  return FormatRow(rows_.Row(row), *group_, columns_, tolerance_);
+}
+
+ShownRow HistoryGrid::RowOnScreen(std::int64_t row) {
+  return FormatRow(rows_.Row(row, SumsWanted::kKnown), *group_, columns_, tolerance_);
+}
 
 void HistoryGrid::OpenGroup(std::int64_t row) {
   rows_.Open(row);
@@ -138,7 +154,7 @@ void HistoryGrid::Settle(HistoryColumns columns) {
 void HistoryGrid::SumVisible(const HistoryColumns& columns) {
   std::vector<int> sums = VisibleSums(columns);
   if (sums != sums_) {
-    rows_.SumColumns(sums);
+    rows_.SumColumns(sums, columns.HasDifferences());
     sums_ = std::move(sums);
   }
 }

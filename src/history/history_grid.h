@@ -12,6 +12,7 @@
 #include "database/records.h"
 #include "history/columns.h"
 #include "history/data_group.h"
+#include "history/difference.h"
 #include "history/grouped_rows.h"
 #include "history/row_format.h"
 
@@ -44,6 +45,13 @@ class HistoryGrid {
   [[nodiscard]] const Period& ShownPeriod() const { return period_; }
   [[nodiscard]] std::int64_t UndatedCount() const { return rows_.UndatedCount(); }
 
+  // Shows the differences of actual weights and targets, or hides them; off at first. Hiding
+  // restores stored order if a difference was the sort column.
+  void ShowDifferences(bool on);
+  // Beyond how many percent of the target a difference is marked.
+  void SetTolerance(double percent) { tolerance_ = percent; }
+  [[nodiscard]] double Tolerance() const { return tolerance_; }
+
   // `ingredients` are the rows of `grdING`; none if no recipe database is open.
   void RefreshIngredientColumns(std::span<const IngredientRecord> ingredients);
   // Updates the columns when the tab is entered.
@@ -53,12 +61,18 @@ class HistoryGrid {
   [[nodiscard]] const HistoryColumns& Columns() const { return columns_; }
   void MoveColumn(int column, int position) { columns_.Move(column, position); }
 
-  // Field and current caption of every column by index, for the headings of an export.
+  // Field and current caption of every stored column by index, for the headings of an export.
   [[nodiscard]] std::vector<std::pair<std::string, std::string>> FieldCaptions() const;
 
   [[nodiscard]] std::int64_t RowCount() const { return rows_.RowCount(); }
   // Throw std::out_of_range for a missing row.
   ShownRow Row(std::int64_t row);
+  // The same without waiting for sums that can take long: those that are not known yet are empty,
+  // and a closed group has its sums. ReadSums as that of GroupedRows.
+  ShownRow RowOnScreen(std::int64_t row);
+  SumsRead ReadSums(std::int64_t first, std::int64_t last, std::int64_t records) {
+    return rows_.ReadSums(first, last, records);
+  }
   HistoryRowKind KindOf(std::int64_t row) { return rows_.KindOf(row); }
 
   // These update the column headers.
@@ -97,6 +111,7 @@ class HistoryGrid {
   std::string name_;
   Period period_;
   std::vector<int> sums_;
+  double tolerance_ = kUsualTolerance;
   int sort_column_ = 0;
   bool sort_ascending_ = true;
   bool column_headers_ = false;

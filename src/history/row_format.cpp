@@ -60,6 +60,44 @@ std::string ShownSum(int column, const CellValue& sum) {
   return blank_zero && text == "0" ? std::string() : text;
 }
 
+std::optional<double> WeightOf(const HistoryRow& row, int column) {
+  const CellValue& value = row.cells.at(static_cast<std::size_t>(column) - 1);
+  if (const auto* const whole = std::get_if<std::int64_t>(&value)) {
+    return static_cast<double>(*whole);
+  }
+  const auto* const number = std::get_if<double>(&value);
+  return number == nullptr ? std::nullopt : std::optional(*number);
+}
+
+// Empty for the records of the other kind.
+Comparison ComparisonOf(const HistoryRow& row, const DifferenceColumn& column) {
+  if (row.kind != HistoryRowKind::kRecord) {
+    return row.comparisons.at(static_cast<std::size_t>(column.kind));
+  }
+  const auto* const type = std::get_if<std::string>(&row.cells.at(kTypeColumn - 1));
+  if (type == nullptr || (*type == kBatchType) != (column.kind == ComparedKind::kBatch)) {
+    return {};
+  }
+  return {.target = WeightOf(row, kTargetColumn), .actual = WeightOf(row, column.actual_column)};
+}
+
+// A closed group has no sum where its columns would mix batched and fed weights.
+std::string ClosedGroupCell(const HistoryRow& row, int column) {
+  const CellValue& sum = row.cells.at(static_cast<std::size_t>(column) - 1);
+  return IsNull(sum) ? std::string() : ShownSum(column, sum);
+}
+
+std::string TotalsText(const ShownRow& row, const HistoryColumns& columns) {
+  std::string text;
+  for (const int column : columns.VisibleColumns()) {
+    const std::string& figure = row.cells.at(static_cast<std::size_t>(column) - 1);
+    if (!figure.empty()) {
+      text += (text.empty() ? "" : ", ") + columns.Caption(column) + " " + figure;
+    }
+  }
+  return text;
+}
+
 constexpr StyleColor System(SystemColor color) { return {.system = color}; }
 constexpr StyleColor Rgb(std::uint32_t rgb) { return {.rgb = rgb}; }
 constexpr std::nullopt_t kNotSet = std::nullopt;
@@ -101,6 +139,13 @@ std::string GroupCaption(const DataGroup& group, int depth, const CellValue& val
 
 std::string ShownCell(const HistoryRow& row, const DataGroup& group, const HistoryColumns& columns,
                       int column) {
+  if (const DifferenceColumn* const difference = FindDifferenceColumn(column)) {
+    const Comparison weights = ComparisonOf(row, *difference);
+    return difference->percent ? DifferencePercentText(weights) : DifferenceText(weights);
+  }
+  if (row.kind == HistoryRowKind::kGroup) {
+    return ClosedGroupCell(row, column);
+  }
   const HistoryColumn& traits = HistoryColumnAt(column);
   if (IsBlanked(group, row.depth, column)) {
     return {};
@@ -112,17 +157,34 @@ std::string ShownCell(const HistoryRow& row, const DataGroup& group, const Histo
   return row.kind == HistoryRowKind::kTotal ? ShownSum(column, value) : ShownValue(traits, value);
 }
 
-ShownRow FormatRow(const HistoryRow& row, const DataGroup& group, const HistoryColumns& columns) {
+bool ShownRow::IsMarked(int column) const {
+  const DifferenceColumn* const difference = FindDifferenceColumn(column);
+  return difference != nullptr && marked.at(static_cast<std::size_t>(difference->kind));
+}
+
+ShownRow FormatRow(const HistoryRow& row, const DataGroup& group, const HistoryColumns& columns,
+                   double tolerance) {
   ShownRow shown{.kind = row.kind, .depth = row.depth, .open = row.open};
   if (row.kind == HistoryRowKind::kGroup) {
     shown.caption = GroupCaption(group, row.depth, row.group);
-    return shown;
+    if (row.cells.empty()) {
+      return shown;
+    }
   }
-  shown.cells.resize(kHistoryColumnCount);
-  for (int column = 1; column <= kHistoryColumnCount; ++column) {
+  shown.cells.resize(kGridColumnCount);
+  for (int column = 1; column <= kGridColumnCount; ++column) {
     if (columns.IsVisible(column)) {
       shown.cells[static_cast<std::size_t>(column) - 1] = ShownCell(row, group, columns, column);
     }
+  }
+  for (const DifferenceColumn& difference : kDifferenceColumns) {
+    if (difference.percent && columns.IsVisible(difference.column)) {
+      shown.marked.at(static_cast<std::size_t>(difference.kind)) =
+          IsBeyond(ComparisonOf(row, difference), tolerance);
+    }
+  }
+  if (row.kind == HistoryRowKind::kGroup) {
+    shown.totals = TotalsText(shown, columns);
   }
   return shown;
 }

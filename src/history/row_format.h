@@ -1,5 +1,6 @@
 #pragma once
 
+#include <array>
 #include <cstdint>
 #include <optional>
 #include <string>
@@ -8,6 +9,7 @@
 
 #include "history/columns.h"
 #include "history/data_group.h"
+#include "history/difference.h"
 #include "history/group_query.h"
 #include "history/grouped_rows.h"
 
@@ -20,8 +22,15 @@ struct ShownRow {
   bool open = false;         // of a group row
   std::string caption = {};  // of a group row
   // By column index - 1: the texts of the visible columns, "" for the others. Empty for a group
-  // row.
+  // row, except a closed one whose sums are known.
   std::vector<std::string> cells = {};
+  // These sums with the captions of their columns: "Batch Wt 5180, Feed Wt 5175".
+  std::string totals = {};
+  // By ComparedKind: the difference is beyond the tolerance.
+  std::array<bool, 2> marked = {};
+
+  // True for a difference beyond the tolerance, in both columns of its kind.
+  [[nodiscard]] bool IsMarked(int column) const;
 };
 
 // Formats a stored value for its column: numbers in their default text form, "14-Mar-11",
@@ -32,13 +41,14 @@ struct ShownRow {
 [[nodiscard]] std::string GroupCaption(const DataGroup& group, int depth, const CellValue& value);
 
 // Text of a cell of a record or total row, also if its column is hidden. A total row has its sums,
-// 0 for a sum without values, and "Total:". Cells that are blank at its depth and sums of batch or
-// feed weight that are 0 are empty.
+// 0 for a sum without values, and "Total:". Cells that are blank at its depth, sums of batch or
+// feed weight that are 0, and differences of the other kind of records are empty.
 [[nodiscard]] std::string ShownCell(const HistoryRow& row, const DataGroup& group,
                                     const HistoryColumns& columns, int column);
 
+// `tolerance` is the percentage beyond which a difference is marked.
 [[nodiscard]] ShownRow FormatRow(const HistoryRow& row, const DataGroup& group,
-                                 const HistoryColumns& columns);
+                                 const HistoryColumns& columns, double tolerance = kUsualTolerance);
 
 // The format styles of the history grid.
 enum class FormatStyle {

@@ -295,6 +295,17 @@ void HistoryPresenter::TypeDays(std::string_view from, std::string_view to) {
   screen_.HistoryChanged(HistoryPart::kPeriod);
 }
 
+void HistoryPresenter::ShowDifferences(bool on) {
+  Act([&] { grid_.ShowDifferences(on); });
+}
+
+void HistoryPresenter::FollowTolerance() {
+  if (grid_.Tolerance() != services_.settings.DifferenceTolerance()) {
+    grid_.SetTolerance(services_.settings.DifferenceTolerance());
+    screen_.HistoryChanged(HistoryPart::kGrid);
+  }
+}
+
 void HistoryPresenter::SetExpandAll(bool on) {
   expand_all_ = on;
   Act([this] { grid_.ApplyExpandState(expand_all_); });
@@ -333,6 +344,7 @@ void HistoryPresenter::TabChanged() {
 
 void HistoryPresenter::TabEntered() {
   picker_.EnterTab();
+  FollowTolerance();
   Act([this] {
     FollowToday();
     grid_.RefreshIngredientColumns(IngredientGridRows(recipes_));

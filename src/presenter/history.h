@@ -142,6 +142,11 @@ class HistoryPresenter {
   void TypeDays(std::string_view from, std::string_view to);
   [[nodiscard]] const PeriodState& ChosenPeriod() const { return period_; }
 
+  // The columns of differences.
+  void ShowDifferences(bool on);
+  // Marks them by the tolerance of the settings, which the setup may have changed.
+  void FollowTolerance();
+
   // `chkExpandAll`
   void SetExpandAll(bool on);
   [[nodiscard]] bool ExpandAll() const { return expand_all_; }

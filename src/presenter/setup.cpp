@@ -245,7 +245,19 @@ SetupControls LoadSetupControls(const PrivateINI& settings) {
   for (std::size_t i = 0; i < kOptions.size(); ++i) {
     controls.options.at(i) = (settings.*kOptions.at(i).on)();
   }
+  controls.tolerance = settings.DifferenceToleranceText();
   return controls;
+}
+
+bool IsToleranceUsable(std::string_view tolerance, Operator& op) {
+  if (PrivateINI::IsTolerance(tolerance)) {
+    return true;
+  }
+  op.ShowMessage({.icon = Icon::kWarning,
+                  .title = Tr("Setup"),
+                  .text = Tr("The tolerance of the differences must be a number from 0 to 100 "
+                             "percent.")});
+  return false;
 }
 
 std::string AssociationsText(const SystemInfo& system) {
@@ -270,6 +282,7 @@ void ApplySetupControls(const SetupControls& controls, std::string_view recipe_u
   for (std::size_t i = 0; i < kOptions.size(); ++i) {
     (settings.*kOptions.at(i).let)(controls.options.at(i));
   }
+  settings.SetDifferenceTolerance(controls.tolerance);
 }
 
 std::string ApplicationPath(const SystemInfo& system) {

@@ -77,6 +77,7 @@ struct SetupControls {
   int serial_port = kNoSelection;   // of kSerialPortList
   int baud_rate = kNoSelection;     // of kBaudRateList
   std::array<bool, kSetupOptionCount> options{};
+  std::string tolerance = {};  // of differences, in percent, as typed
 
   [[nodiscard]] std::string_view SystemUnits() const;  // the chosen text; "" without a selection
   [[nodiscard]] std::string_view SerialPort() const;
@@ -86,11 +87,15 @@ struct SetupControls {
 // The settings as the form shows them. A baud rate that is not in the list is shown as 19200.
 SetupControls LoadSetupControls(const PrivateINI& settings);
 
+// Whether the typed tolerance can be used; otherwise reports why not.
+bool IsToleranceUsable(std::string_view tolerance, Operator& op);
+
 // `txtAssociations`: the viewers of the shipped documents, by kind.
 std::string AssociationsText(const SystemInfo& system);
 
-// `cmdOK`: copies the choices to the settings; the file is written at the exit. Warns if an open
-// database then has another unit, before it handles the port; pass "" for the unit of a closed one.
+// `cmdOK`: copies the choices to the settings, with a usable tolerance; the file is written at the
+// exit. Warns if an open database then has another unit, before it handles the port; pass "" for
+// the unit of a closed one.
 void ApplySetupControls(const SetupControls& controls, std::string_view recipe_unit,
                         std::string_view transaction_unit, PrivateINI& settings, Operator& op);
 

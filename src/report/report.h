@@ -31,6 +31,9 @@ struct ReportRow {
   int level = 1;                        // indentation of a group row, from 1
   std::string caption = {};             // of a group row
   std::vector<std::string> cells = {};  // by column; empty for a group row
+  // By column: whether its letters are bold; without a value as in all rows of the kind. May be
+  // shorter.
+  std::vector<std::optional<bool>> bold = {};
 };
 
 // The rows of a report, numbered from 1. They are read in order while its pages are printed, except

@@ -125,8 +125,14 @@ void ReportLayout::MeasureRow(const ReportRow& row) {
   for (std::size_t column = 0; column < row.cells.size(); ++column) {
     const QString text = QString::fromStdString(row.cells[column]);
     text_widths_[column] =
-        std::max(text_widths_[column], TextWidth(text, RowFont(row.kind)) + 2 * padding_);
+        std::max(text_widths_[column], TextWidth(text, CellFont(row, column)) + 2 * padding_);
   }
+}
+
+const QFont& ReportLayout::CellFont(const ReportRow& row, std::size_t column) const {
+  const std::optional<bool> bold =
+      column < row.bold.size() ? row.bold[column] : std::optional<bool>();
+  return bold ? (*bold ? bold_font_ : row_font_) : RowFont(row.kind);
 }
 
 // Captions shrink first: they may wrap, one line for each word.

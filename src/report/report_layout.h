@@ -55,6 +55,7 @@ class ReportLayout {
   [[nodiscard]] const QFont& RowFont(ReportRowKind kind) const {
     return kind == ReportRowKind::kRecord ? row_font_ : bold_font_;
   }
+  [[nodiscard]] const QFont& CellFont(const ReportRow& row, std::size_t column) const;
 
   // The font size of a record.
   [[nodiscard]] double LetterPoints() const { return row_font_.pointSizeF(); }

@@ -140,7 +140,7 @@ void ReportPage::DrawRow(const ReportRow& row, const ColumnStrip& strip, double 
     const bool highlighted = row.kind == ReportRowKind::kTotal && design.total_color;
     DrawText({left + padding, top, layout_.ColumnWidth(column) - 2 * padding, layout_.RowHeight()},
              design.right_aligned ? Qt::AlignRight : Qt::AlignLeft, ToText(row.cells.at(column)),
-             layout_.RowFont(row.kind), highlighted ? *design.total_color : kBlack);
+             layout_.CellFont(row, column), highlighted ? *design.total_color : kBlack);
     left += layout_.ColumnWidth(column);
   }
 }

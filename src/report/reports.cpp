@@ -67,6 +67,9 @@ class HistoryRows : public ReportRows {
     if (shown.kind != HistoryRowKind::kGroup) {
       for (const int column : columns_) {
         printed.cells.push_back(std::move(shown.cells.at(static_cast<std::size_t>(column) - 1)));
+        printed.bold.push_back(FindDifferenceColumn(column) == nullptr
+                                   ? std::nullopt
+                                   : std::optional(shown.IsMarked(column)));
       }
     }
     return printed;

@@ -5,6 +5,7 @@
 
 #include "base/error.h"
 #include "base/files.h"
+#include "base/number.h"
 #include "base/text.h"
 #include "settings/ini_file.h"
 
@@ -14,7 +15,7 @@ namespace {
 constexpr std::string_view kYes = "YES";
 constexpr std::string_view kNo = "NO";
 
-enum class Kind { kText, kUnit, kYesNo };
+enum class Kind { kText, kUnit, kYesNo, kTolerance };
 
 struct KeyRow {
   std::string_view section;
@@ -40,6 +41,7 @@ constexpr std::array<KeyRow, PrivateINI::kSettingCount> kRows = {{
     {"Options", "AutoloadRecipeDB", kNo, Kind::kYesNo},
     {"Options", "AutoloadTransDB", kNo, Kind::kYesNo},
     {"Options", "PrintGridLines", kYes, Kind::kYesNo},
+    {"Options", "DifferenceTolerance", "2", Kind::kTolerance},
 }};
 
 std::optional<std::size_t> FindRow(std::string_view key) {
@@ -220,6 +222,13 @@ bool PrivateINI::LetByKey(std::string_view key, std::string_view text) {
     Let(*found, text);
     return true;
   }
+  if (kind == Kind::kTolerance) {
+    if (!IsTolerance(text)) {
+      return false;
+    }
+    Let(*found, text);
+    return true;
+  }
   const std::string upper = UpperCase(text);
   if (kind == Kind::kUnit ? !IsUnit(upper) : upper != kYes && upper != kNo) {
     return false;
@@ -230,12 +239,25 @@ bool PrivateINI::LetByKey(std::string_view key, std::string_view text) {
 
 void PrivateINI::Let(std::size_t key, std::string_view text) {
   std::string& value = values_.at(key).text;
+  if (kRows.at(key).kind == Kind::kTolerance) {
+    value = IsTolerance(text) ? TrimBlanks(text) : kRows.at(key).default_text;
+    return;
+  }
   if (kRows.at(key).kind != Kind::kUnit) {
     value = text;
     return;
   }
   const std::string upper = UpperCase(text);
   value = IsUnit(upper) ? upper : std::string(kRows.at(key).default_text);
+}
+
+double PrivateINI::DifferenceTolerance() const {
+  return ParseNumber(Text(kDifferenceTolerance)).value();
+}
+
+bool PrivateINI::IsTolerance(std::string_view text) {
+  const std::optional<double> percent = ParseNumber(text);
+  return percent && *percent >= 0 && *percent <= 100;
 }
 
 bool PrivateINI::WriteValue(const CPrivateINI& ini, std::size_t key) {

@@ -124,14 +124,24 @@ class PrivateINI {
   [[nodiscard]] bool PrintGridLinesOn() const { return On(kPrintGridLines); }
   void SetPrintGridLinesOn(bool on) { LetOn(kPrintGridLines, on); }
 
+  // The percentage of a target beyond which a difference is marked. Setting any text but a number
+  // from 0 to 100 sets the default.
+  [[nodiscard]] double DifferenceTolerance() const;
+  [[nodiscard]] const std::string& DifferenceToleranceText() const {
+    return Text(kDifferenceTolerance);
+  }
+  void SetDifferenceTolerance(std::string_view text) { Let(kDifferenceTolerance, text); }
+  [[nodiscard]] static bool IsTolerance(std::string_view text);
+
   // Access by key name, which is not case-sensitive. Keys are in the order of the file; TextByKey
   // returns nothing for an unknown key.
-  static constexpr std::size_t kSettingCount = 12;
+  static constexpr std::size_t kSettingCount = 13;
   [[nodiscard]] static std::array<std::string_view, kSettingCount> Keys();
   [[nodiscard]] std::optional<std::string> TextByKey(std::string_view key) const;
 
   // Sets the text and, for a YES/NO key, the boolean. Returns false and changes nothing for an
-  // unknown key and for an invalid value of a unit or YES/NO key; these values are upper-cased.
+  // unknown key and for an invalid value of a unit, percentage or YES/NO key; units and YES/NO
+  // values are upper-cased.
   [[nodiscard]] bool LetByKey(std::string_view key, std::string_view text);
 
  private:
@@ -148,6 +158,7 @@ class PrivateINI {
     kAutoloadRecipeDB,
     kAutoloadTransDB,
     kPrintGridLines,
+    kDifferenceTolerance,
   };
   struct Value {
     std::string text;

@@ -127,7 +127,7 @@ TEST_F(CtlTest, SettingsAreListedWithTheirKeys) {
             "Key\tValue\nSerialPort\t2\nKRMBaudRate\t19200\nSystemUnits\tLB\nAutoAbbreviate\tYES\n"
             "ShowImportProgress\tYES\nEnableBeeper\tYES\nPrintCurrentRecipeOnly\tYES\n"
             "EnablePrintText\tNO\nBatchTargetWtIsRecTarget\tYES\nAutoloadRecipeDB\tNO\n"
-            "AutoloadTransDB\tNO\nPrintGridLines\tYES\n");
+            "AutoloadTransDB\tNO\nPrintGridLines\tYES\nDifferenceTolerance\t2\n");
 }
 
 TEST_F(CtlTest, ASettingIsWrittenAndRead) {

@@ -201,10 +201,75 @@ TEST(HistoryColumns, PositionsStayAPermutationWhateverIsMoved) {
 TEST(HistoryColumns, AnInvalidColumnOrPositionIsAnError) {
   HistoryColumns columns;
   EXPECT_THROW(columns.Move(1, 0), std::out_of_range);
-  EXPECT_THROW(columns.Move(1, 113), std::out_of_range);
-  EXPECT_THROW(columns.Move(113, 1), std::out_of_range);
+  EXPECT_THROW(columns.Move(1, 117), std::out_of_range);
+  EXPECT_THROW(columns.Move(117, 1), std::out_of_range);
   EXPECT_THROW(static_cast<void>(columns.Position(0)), std::out_of_range);
   EXPECT_THROW(static_cast<void>(columns.Caption(-1)), std::out_of_range);
+}
+
+std::vector<std::string> CaptionsWithDifferences(int group) {
+  HistoryColumns columns;
+  columns.ShowDifferences(true);
+  columns.SetUp(GroupAt(group));
+  return VisibleCaptions(columns);
+}
+
+TEST(HistoryColumns, DifferencesFollowTheActualWeightsThatTheGroupShows) {
+  EXPECT_THAT(
+      CaptionsWithDifferences(1),
+      ElementsAre("Recipe", "Batch Wt", "Batch Diff", "Batch Diff %", "Ingredient", "Feed Wt",
+                  "Feed Diff", "Feed Diff %", "Pen", "Target Wt", "User ID", "Time", "Date"));
+  EXPECT_THAT(CaptionsWithDifferences(5),
+              ElementsAre("Ingredient", "Batch Wt", "Batch Diff", "Batch Diff %"));
+  EXPECT_THAT(CaptionsWithDifferences(9), ElementsAre("Recipe", "Target Wt", "Feed Wt", "Feed Diff",
+                                                      "Feed Diff %", "User ID", "Time", "Date"));
+}
+
+TEST(HistoryColumns, EveryGroupShowsThePairsOfItsActualWeights) {
+  for (const DataGroup& group : DataGroups()) {
+    HistoryColumns columns;
+    columns.SetUp(group);
+    const std::vector<int> without = columns.VisibleColumns();
+    columns.ShowDifferences(true);
+    for (const DifferenceColumn& difference : kDifferenceColumns) {
+      EXPECT_EQ(columns.IsVisible(difference.column), columns.IsVisible(difference.actual_column))
+          << group.item;
+      EXPECT_EQ(columns.Position(difference.column),
+                columns.Position(difference.actual_column) + (difference.percent ? 2 : 1));
+    }
+    columns.ShowDifferences(false);
+    EXPECT_EQ(columns.VisibleColumns(), without) << group.item;
+  }
+}
+
+TEST(HistoryColumns, DifferencesLeaveTheOrderOfTheOthersAlone) {
+  HistoryColumns plain;
+  HistoryColumns shown;
+  shown.ShowDifferences(true);
+  for (const int group : {3, 10, 9, 10, 0}) {
+    plain.SetUp(GroupAt(group));
+    shown.SetUp(GroupAt(group));
+    shown.Move(113, 1);
+    std::vector<int> visible = shown.VisibleColumns();
+    std::erase_if(visible, [](int column) { return FindDifferenceColumn(column) != nullptr; });
+    EXPECT_EQ(visible, plain.VisibleColumns()) << group;
+  }
+  shown.ShowDifferences(false);
+  for (int column = 1; column <= kGridColumnCount; ++column) {
+    EXPECT_EQ(shown.Position(column), plain.Position(column));
+  }
+}
+
+TEST(HistoryColumns, NoFieldIsAPartOfADifferencesField) {
+  for (const DifferenceColumn& difference : kDifferenceColumns) {
+    const std::string& field = HistoryColumnAt(difference.column).field;
+    for (const HistoryColumn& other : HistoryColumnTable()) {
+      if (other.index != difference.column) {
+        EXPECT_EQ(field.find(other.field), std::string::npos) << other.field;
+        EXPECT_EQ(other.field.find(field), std::string::npos) << other.field;
+      }
+    }
+  }
 }
 
 TEST(GetVisibleColumnList, PutsAFieldIntoTheSlotOfItsPosition) {

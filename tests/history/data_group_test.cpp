@@ -54,7 +54,7 @@ TEST(HistoryColumnTable, CountsFromOneAndNamesTheFieldsInStoredOrder) {
   EXPECT_EQ(HistoryColumnAt(13).caption, "Ing01_Wt");
   EXPECT_EQ(HistoryColumnAt(112).caption, "Ing100_Wt");
   EXPECT_THROW(HistoryColumnAt(0), std::out_of_range);
-  EXPECT_THROW(HistoryColumnAt(113), std::out_of_range);
+  EXPECT_THROW(HistoryColumnAt(117), std::out_of_range);
 }
 
 TEST(HistoryColumnTable, ReportsCaptionGroupPrefixAlignmentAndSumOfEachColumn) {
@@ -78,7 +78,7 @@ TEST(HistoryColumnTable, ReportsCaptionGroupPrefixAlignmentAndSumOfEachColumn) {
                               {"Date", "Date:", false, false, kDate},
                               {"Feed Wt", "", true, true, kWeight},
                               {"Ing% Of Batch", "", true, false, kWeight}};
-  for (const HistoryColumn& column : HistoryColumnTable()) {
+  for (const HistoryColumn& column : StoredColumns()) {
     const bool ingredient = column.index >= kFirstIngredientColumn;
     const Row row = ingredient ? Row{column.caption, "", true, true, kWeight}
                                : rows.at(static_cast<std::size_t>(column.index) - 1);

@@ -4,6 +4,7 @@
 #include <cstddef>
 #include <cstdlib>
 #include <map>
+#include <optional>
 
 #include "base/date.h"
 #include "database/exact_sum.h"
@@ -98,8 +99,9 @@ void GroupedRowsModel::SortBy(int column, bool ascending) {
   Refresh();
 }
 
-void GroupedRowsModel::SumColumns(std::vector<int> columns) {
+void GroupedRowsModel::SumColumns(std::vector<int> columns, bool compared) {
   sums_ = std::move(columns);
+  compared_ = compared;
   Refresh();
 }
 
@@ -111,12 +113,58 @@ bool GroupedRowsModel::ShowsRecords() const {
 void GroupedRowsModel::Refresh() {
   rows_.clear();
   paths_.clear();
+  members_.clear();
   AddGroups({}, shown_);
 }
 
-void GroupedRowsModel::AddRow(HistoryRow row, Values path) {
+void GroupedRowsModel::AddRow(HistoryRow row, Values path, std::vector<const Record*> records) {
   rows_.push_back(std::move(row));
   paths_.push_back(std::move(path));
+  members_.push_back(std::move(records));
+}
+
+HistoryRow GroupedRowsModel::OnScreen(std::size_t index) const {
+  HistoryRow row = rows_.at(index);
+  if (row.kind != HistoryRowKind::kGroup || row.open) {
+    return row;
+  }
+  row.cells.resize(kHistoryColumnCount);
+  for (const int column : sums_) {
+    if (column == kActualBatchColumn || column == kActualFeedColumn ||
+        !IsBlanked(column, row.depth)) {
+      row.cells[static_cast<std::size_t>(column) - 1] = Sum(members_[index], column);
+    }
+  }
+  if (compared_) {
+    row.comparisons = Compared(members_[index]);
+  }
+  return row;
+}
+
+CellValue GroupedRowsModel::Sum(const std::vector<const Record*>& records, int column) const {
+  ExactSum sum;
+  for (const Record* record : records) {
+    const auto* weight = std::get_if<double>(&Cell(*record, column));
+    sum.Add(weight == nullptr ? 0 : *weight);
+  }
+  return sum.Value();
+}
+
+Comparisons GroupedRowsModel::Compared(const std::vector<const Record*>& records) {
+  const auto sum = [&](bool batch, int column) -> std::optional<double> {
+    std::optional<ExactSum> total;
+    for (const Record* record : records) {
+      const auto* const type = std::get_if<std::string>(&Cell(*record, kTypeColumn));
+      const auto* const weight = std::get_if<double>(&Cell(*record, column));
+      if (type != nullptr && (*type == "BATCH") == batch && weight != nullptr) {
+        total = total.value_or(ExactSum());
+        total->Add(*weight);
+      }
+    }
+    return total ? std::optional(total->Value()) : std::nullopt;
+  };
+  return {{{.target = sum(true, kTargetColumn), .actual = sum(true, kActualBatchColumn)},
+           {.target = sum(false, kTargetColumn), .actual = sum(false, kActualFeedColumn)}}};
 }
 
 void GroupedRowsModel::AddGroups(const Values& path, const std::vector<const Record*>& records) {
@@ -139,7 +187,7 @@ void GroupedRowsModel::AddGroups(const Values& path, const std::vector<const Rec
     const bool open = open_.contains(inner);
     const int depth = static_cast<int>(inner.size());
     AddRow({.kind = HistoryRowKind::kGroup, .depth = depth, .group = key.second, .open = open},
-           inner);
+           inner, members);
     if (open) {
       AddGroups(inner, members);
       HistoryRow total = TotalRow(members, depth);
@@ -172,12 +220,10 @@ HistoryRow GroupedRowsModel::TotalRow(const std::vector<const Record*>& records,
     if (IsBlanked(column, depth)) {
       continue;
     }
-    ExactSum sum;
-    for (const Record* record : records) {
-      const auto* weight = std::get_if<double>(&Cell(*record, column));
-      sum.Add(weight == nullptr ? 0 : *weight);
-    }
-    total.cells[static_cast<std::size_t>(column) - 1] = sum.Value();
+    total.cells[static_cast<std::size_t>(column) - 1] = Sum(records, column);
+  }
+  if (compared_) {
+    total.comparisons = Compared(records);
   }
   return total;
 }

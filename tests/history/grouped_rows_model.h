@@ -24,9 +24,11 @@ class GroupedRowsModel {
   void SetOpen(std::int64_t row, bool open);
   void SetAllOpen(bool open);
   void SortBy(int column, bool ascending);
-  void SumColumns(std::vector<int> columns);
+  void SumColumns(std::vector<int> columns, bool compared);
 
   const std::vector<HistoryRow>& Rows() const { return rows_; }
+  // The row for the screen when all sums are known.
+  HistoryRow OnScreen(std::size_t index) const;
   std::int64_t UndatedCount() const { return undated_; }
   bool ShowsRecords() const;
 
@@ -37,9 +39,11 @@ class GroupedRowsModel {
   void Refresh();
   void AddGroups(const Values& path, const std::vector<const Record*>& records);
   void AddRecords(std::vector<const Record*> records);
-  void AddRow(HistoryRow row, Values path);
+  void AddRow(HistoryRow row, Values path, std::vector<const Record*> records = {});
   bool IsBlanked(int column, int depth) const;
   HistoryRow TotalRow(const std::vector<const Record*>& records, int depth) const;
+  CellValue Sum(const std::vector<const Record*>& records, int column) const;
+  static Comparisons Compared(const std::vector<const Record*>& records);
 
   std::vector<Record> table_;
   const DataGroup* group_ = nullptr;
@@ -52,7 +56,9 @@ class GroupedRowsModel {
   bool ascending_ = true;
   std::vector<int> sums_{7, 8, 11};
   std::vector<HistoryRow> rows_;
-  std::vector<Values> paths_;  // of each row
+  bool compared_ = false;
+  std::vector<Values> paths_;                        // of each row
+  std::vector<std::vector<const Record*>> members_;  // of each group row
 };
 
 }  // namespace vrx::testing

@@ -61,7 +61,8 @@ Cells AnyRow(Random& random, CellValue transaction) {
   const CellValue null;
   Cells row{{1, std::move(transaction)},
             {2, AnyOf(random, {null, Text(""), Text("STEERS"), Text("steers"), Text("O'NEIL")})},
-            {3, AnyOf(random, {Text("BATCH"), Text("FEED")})},
+            {3, AnyOf(random, {Text("BATCH"), Text("FEED"), Text("BATCH"), Text("FEED"),
+                               Text("OTHER"), null})},
             {4, AnyOf(random, {null, Text("10"), Text("9"), Text("09"), Text("-1"), Text("x")})},
             {5, AnyOf(random, {null, Text("CORN"), Text("HAY"), Text("KÄLBER")})},
             {6, AnyOf(random, {null, Text("P10"), Text("P2")})},
@@ -104,6 +105,10 @@ void ExpectSameRow(const HistoryRow& row, const HistoryRow& expected) {
   EXPECT_EQ(row.open, expected.open);
   EXPECT_EQ(row.group, expected.group);
   EXPECT_EQ(row.cells, expected.cells);
+  for (std::size_t kind = 0; kind < row.comparisons.size(); ++kind) {
+    EXPECT_EQ(row.comparisons.at(kind).target, expected.comparisons.at(kind).target);
+    EXPECT_EQ(row.comparisons.at(kind).actual, expected.comparisons.at(kind).actual);
+  }
 }
 
 // Both sides of the comparison, driven by the same random steps.
@@ -134,7 +139,7 @@ class Pair {
         Sort(static_cast<int>(Below(random_, 14)), open, row);
         break;
       case 3:
-        Sum({AnyColumns()});
+        Sum(AnyColumns(), Below(random_, 2) == 0);
         break;
       default:
         if (row != 0) {
@@ -158,6 +163,11 @@ class Pair {
       SCOPED_TRACE("row " + std::to_string(row) + " of " + std::to_string(expected.size()));
       EXPECT_EQ(rows_.KindOf(row), expected[index].kind);
       ASSERT_NO_FATAL_FAILURE(ExpectSameRow(rows_.Row(row), expected[index]));
+      if (index % 4 == 0) {
+        ReadSlices(row);
+        ASSERT_NO_FATAL_FAILURE(
+            ExpectSameRow(rows_.Row(row, SumsWanted::kKnown), model_.OnScreen(index)));
+      }
       if (::testing::Test::HasFailure()) {
         return;
       }
@@ -187,9 +197,16 @@ class Pair {
     return columns;
   }
 
-  void Sum(const std::vector<int>& columns) {
-    rows_.SumColumns(columns);
-    model_.SumColumns(columns);
+  void Sum(const std::vector<int>& columns, bool compared) {
+    rows_.SumColumns(columns, compared);
+    model_.SumColumns(columns, compared);
+  }
+
+  // Slices of any size give the sums of the whole.
+  void ReadSlices(std::int64_t row) {
+    const std::int64_t records = 1 + Below(random_, 100);
+    while (rows_.ReadSums(row, row, records).more) {
+    }
   }
 
   GroupedRows rows_;

@@ -318,7 +318,7 @@ TEST_F(GroupedRowsOfASmallHistory, ShowTakesTheStoredOrderAgainAndClosesAll) {
 }
 
 TEST_F(GroupedRowsOfASmallHistory, AnInvalidColumnIsRefused) {
-  EXPECT_THROW(rows_.SortBy(113, true), std::out_of_range);
+  EXPECT_THROW(rows_.SortBy(117, true), std::out_of_range);
   EXPECT_THROW(rows_.SumColumns({0}), std::out_of_range);
   Opened(8);
   rows_.SumColumns({});

@@ -11,6 +11,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include "base/date.h"
 #include "base/number.h"
 #include "database/connection.h"
 #include "support/small_history.h"
@@ -133,6 +134,117 @@ TEST_F(HistoryGridTest, AClickOnTheColumnOfALevelKeepsTheOrder) {
   SetUpGroup(5);
   grid.SortByColumn(HistoryColumnOfKey("Ingredient"));
   EXPECT_EQ(grid.SortColumn(), 0);
+}
+
+TEST_F(HistoryGridTest, DifferencesHaveTotalsOnEveryLevel) {
+  SetUpGroup(3);
+  grid.ShowDifferences(true);
+  grid.ExpandAll();
+  EXPECT_THAT(
+      ShownLines(grid),
+      ::testing::IsSupersetOf(
+          {"[1] Recipe:STEERS", "3: 1|998|-2|-0.2|CORN|0||||1000|2|08:30 AM|14-Mar-11",
+           "=2: Total:|1600.5|+0.5|0.0||||||1600|||",
+           "3: 1|0||||780|-20|-2.5|A02|800|2|02:20 PM|15-Mar-11",
+           "=2: Total:|||||1590.5|-309.5|-16.3||1900|||", "=1: ||+0.5|0.0|||-309.5|-16.3|||||"}));
+}
+
+TEST_F(HistoryGridTest, DifferencesSortAsNumbersOfTheirKind) {
+  SetUpGroup(0);
+  grid.ShowDifferences(true);
+  const auto differences = [&](int column) {
+    std::vector<std::string> texts;
+    for (std::int64_t row = 1; row <= grid.RowCount(); ++row) {
+      texts.push_back(grid.Row(row).cells.at(static_cast<std::size_t>(column) - 1));
+    }
+    return texts;
+  };
+  grid.SortByColumn(115);
+  EXPECT_THAT(differences(115), ElementsAre("", "", "", "", "-300", "-20", "-4.75", "+10.5"));
+  grid.SortByColumn(115);
+  EXPECT_THAT(differences(115), ElementsAre("+10.5", "-4.75", "-20", "-300", "", "", "", ""));
+  grid.SortByColumn(114);
+  EXPECT_THAT(differences(114), ElementsAre("", "", "", "", "", "-0.2", "0.0", "+0.4"));
+}
+
+TEST_F(HistoryGridTest, HiddenDifferencesSortNothing) {
+  SetUpGroup(0);
+  const std::vector<std::string> stored = ShownLines(grid);
+  grid.ShowDifferences(true);
+  grid.SortByColumn(113);
+  grid.ShowDifferences(false);
+  EXPECT_EQ(grid.SortColumn(), 0);
+  EXPECT_EQ(ShownLines(grid), stored);
+}
+
+TEST_F(HistoryGridTest, TheToleranceDecidesWhatIsMarked) {
+  SetUpGroup(9, "A02");
+  grid.ShowDifferences(true);
+  grid.ExpandAll();
+  EXPECT_TRUE(grid.Row(2).IsMarked(115));
+  EXPECT_TRUE(grid.Row(2).IsMarked(116));
+  EXPECT_FALSE(grid.Row(2).IsMarked(113));
+  EXPECT_FALSE(grid.Row(2).IsMarked(kTargetColumn));
+  grid.SetTolerance(2.5);
+  EXPECT_FALSE(grid.Row(2).IsMarked(116));
+}
+
+TEST_F(HistoryGridTest, DifferencesStayInAnotherDatabaseGroupAndPeriod) {
+  grid.ShowDifferences(true);
+  SetUpGroup(9, "A01");
+  other.emplace(SmallHistory(folder, "OTHER.TDB"));
+  other->exec("DELETE FROM Transactions WHERE Recipe = 'STEERS'");
+  grid.Bind(*other);
+  grid.ShowPeriod({.from = ParseStoredDate("2011-03-15"), .to = {}});
+  grid.ExpandAll();
+  EXPECT_THAT(ShownLines(grid),
+              ElementsAre("[1] Pen:A01", "2: HEIFER|500|495.25|-4.75|-1.0||09:30 AM|15-Mar-11",
+                          "=1: Total:|500|495.25|-4.75|-1.0|||"));
+}
+
+// What the screen shows of a closed group, after all of it is read in slices.
+std::string OnScreen(HistoryGrid& grid, std::int64_t row) {
+  while (grid.ReadSums(row, row, 1).more) {
+  }
+  return grid.RowOnScreen(row).totals;
+}
+
+TEST_F(HistoryGridTest, AClosedGroupHasItsTotalsOnTheScreenOnly) {
+  SetUpGroup(8);
+  EXPECT_EQ(grid.RowOnScreen(1).totals, "") << "before they are read";
+  EXPECT_EQ(OnScreen(grid, 1), "Feed Wt 1305.75, Target Wt 1300");
+  EXPECT_THAT(grid.Row(1).cells, IsEmpty());
+  EXPECT_EQ(grid.Row(1).totals, "");
+  grid.OpenGroup(1);
+  EXPECT_EQ(grid.RowOnScreen(1).totals, "") << "of an open group";
+  EXPECT_EQ(grid.RowOnScreen(4).cells.at(kActualFeedColumn - 1), "1305.75");
+}
+
+TEST_F(HistoryGridTest, AClosedGroupOfBothKindsHasNoTargetButBothDifferences) {
+  SetUpGroup(3);
+  EXPECT_EQ(OnScreen(grid, 3), "Batch Wt 1600.5, Feed Wt 1590.5");
+  grid.ShowDifferences(true);
+  EXPECT_EQ(OnScreen(grid, 3),
+            "Batch Wt 1600.5, Batch Diff +0.5, Batch Diff % 0.0, Feed Wt 1590.5, Feed Diff -309.5, "
+            "Feed Diff % -16.3");
+  EXPECT_TRUE(grid.RowOnScreen(3).IsMarked(116));
+  EXPECT_FALSE(grid.RowOnScreen(3).IsMarked(114));
+}
+
+TEST_F(HistoryGridTest, SumsAreReadOnceAndAgainAfterAChangeOfTheView) {
+  SetUpGroup(2);
+  EXPECT_TRUE(grid.ReadSums(1, grid.RowCount(), 1).more);
+  SumsRead read;
+  do {
+    read = grid.ReadSums(1, grid.RowCount(), 1000);
+  } while (read.more);
+  EXPECT_TRUE(read.any);
+  EXPECT_FALSE(grid.ReadSums(1, grid.RowCount(), 1000).any);
+  const std::string both = OnScreen(grid, 3);
+  grid.ShowPeriod({.from = ParseStoredDate("2011-03-15"), .to = {}});
+  EXPECT_EQ(OnScreen(grid, 1), both);
+  EXPECT_EQ(both, "Batch Wt 500, Feed Wt 2085.75");
+  EXPECT_FALSE(grid.ReadSums(-5, 100, 1000).more) << "rows that do not exist";
 }
 
 TEST_F(HistoryGridTest, AnotherNameKeepsTheOrderASetUpDoesNot) {

@@ -23,7 +23,7 @@ std::filesystem::path NewTable(const TempFolder& folder) {
 std::string InsertText() {
   std::string text = "INSERT INTO Transactions (rowid";
   std::string marks = "?1";
-  for (const HistoryColumn& column : HistoryColumnTable()) {
+  for (const HistoryColumn& column : StoredColumns()) {
     text += ", " + Bracketed(column.field);
     marks += ", ?" + std::to_string(column.index + 1);
   }

@@ -10,6 +10,7 @@
 namespace vrx::testing {
 namespace {
 
+using ::testing::ElementsAre;
 using ::testing::IsEmpty;
 
 const DataGroup& Group(int index) { return *FindDataGroup(index); }
@@ -225,11 +226,83 @@ TEST(FormatRow, ShowsTheVisibleColumnsByIndex) {
   record.cells.assign(kHistoryColumnCount, std::string("x"));
   HistoryColumns columns = ColumnsOf(6);
   const ShownRow shown = FormatRow(record, Group(6), columns);
-  ASSERT_EQ(shown.cells.size(), std::size_t{kHistoryColumnCount});
+  ASSERT_EQ(shown.cells.size(), std::size_t{kGridColumnCount});
   for (int column = 1; column <= kHistoryColumnCount; ++column) {
     EXPECT_EQ(shown.cells[static_cast<std::size_t>(column) - 1],
               columns.IsVisible(column) ? "x" : "");
   }
+}
+
+// A record of a kind with those weights, in a grid that shows both pairs.
+HistoryRow Weighed(const CellValue& type, const CellValue& target, const CellValue& batch,
+                   const CellValue& feed) {
+  HistoryRow record{.depth = 3};
+  record.cells.resize(kHistoryColumnCount);
+  record.cells[kTypeColumn - 1] = type;
+  record.cells[kTargetColumn - 1] = target;
+  record.cells[kActualBatchColumn - 1] = batch;
+  record.cells[kActualFeedColumn - 1] = feed;
+  return record;
+}
+
+std::vector<std::string> DifferencesOf(const HistoryRow& row) {
+  HistoryColumns columns = ColumnsOf(1);
+  columns.ShowDifferences(true);
+  const ShownRow shown = FormatRow(row, Group(1), columns);
+  std::vector<std::string> texts;
+  for (const DifferenceColumn& difference : kDifferenceColumns) {
+    texts.push_back(shown.cells.at(static_cast<std::size_t>(difference.column) - 1) +
+                    (shown.IsMarked(difference.column) ? "!" : ""));
+  }
+  return texts;
+}
+
+TEST(Differences, OfARecordAreThoseOfItsKind) {
+  const std::string batch = "BATCH";
+  const std::string feed = "FEED";
+  EXPECT_THAT(DifferencesOf(Weighed(batch, 1000.0, 998.0, 0.0)), ElementsAre("-2", "-0.2", "", ""));
+  EXPECT_THAT(DifferencesOf(Weighed(feed, 800.0, 0.0, 780.0)),
+              ElementsAre("", "", "-20!", "-2.5!"));
+  EXPECT_THAT(DifferencesOf(Weighed(std::string("RETURN"), 800.0, 5.0, 810.5)),
+              ElementsAre("", "", "+10.5", "+1.3"));
+  EXPECT_THAT(DifferencesOf(Weighed({}, 800.0, 810.0, 810.0)), ElementsAre("", "", "", ""));
+  EXPECT_THAT(DifferencesOf(Weighed(batch, std::int64_t{500}, std::int64_t{500}, {})),
+              ElementsAre("0", "0.0", "", ""));
+}
+
+TEST(Differences, OfATotalAreThoseOfBothKindsApart) {
+  HistoryRow total = TotalRow(1);
+  total.comparisons = {{{.target = 1600, .actual = 1600.5}, {.target = 1600, .actual = 1500}}};
+  EXPECT_THAT(DifferencesOf(total), ElementsAre("+0.5", "0.0", "-100!", "-6.3!"));
+  total.comparisons = {};
+  EXPECT_THAT(DifferencesOf(total), ElementsAre("", "", "", ""));
+}
+
+TEST(ClosedGroup, HasItsSumsAndTheirCaptions) {
+  HistoryRow group{.kind = HistoryRowKind::kGroup, .group = std::string("2011-03-14")};
+  group.cells.resize(kHistoryColumnCount);
+  group.cells[kActualBatchColumn - 1] = 5180.5;
+  group.cells[kActualFeedColumn - 1] = 0.0;
+  const ShownRow shown = FormatRow(group, Group(2), ColumnsOf(2));
+  EXPECT_EQ(shown.caption, "Date:14-Mar-11");
+  EXPECT_EQ(shown.cells.at(kActualBatchColumn - 1), "5180.5");
+  EXPECT_EQ(shown.cells.at(kActualFeedColumn - 1), "");
+  EXPECT_EQ(shown.cells.at(kTargetColumn - 1), "");
+  EXPECT_EQ(shown.cells.at(1), "") << "Total:";
+  EXPECT_EQ(shown.totals, "Batch Wt 5180.5");
+}
+
+TEST(ClosedGroup, NamesItsSumsInTheOrderOfTheColumns) {
+  HistoryRow group{.kind = HistoryRowKind::kGroup, .group = std::string("FEED")};
+  group.cells.resize(kHistoryColumnCount);
+  group.cells[kTargetColumn - 1] = 1600.0;
+  group.cells[kActualFeedColumn - 1] = 1590.5;
+  group.comparisons = {{{}, {.target = 1600, .actual = 1590.5}}};
+  HistoryColumns columns = ColumnsOf(8);
+  EXPECT_EQ(FormatRow(group, Group(8), columns).totals, "Feed Wt 1590.5, Target Wt 1600");
+  columns.ShowDifferences(true);
+  EXPECT_EQ(FormatRow(group, Group(8), columns).totals,
+            "Feed Wt 1590.5, Feed Diff -9.5, Feed Diff % -0.6, Target Wt 1600");
 }
 
 TEST(FormatStyle, WeightsOfATotalRowHaveTheirStyles) {

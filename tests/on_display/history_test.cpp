@@ -1,5 +1,8 @@
+#include <algorithm>
+#include <cstddef>
 #include <filesystem>
 #include <string>
+#include <vector>
 
 #include <SQLiteCpp/Database.h>
 #include <gmock/gmock.h>
@@ -8,6 +11,21 @@
 
 namespace vrx::testing {
 namespace {
+
+constexpr int kFeedDifferenceSection = 114;
+
+// The first cell whose text begins so.
+const Cell* CellWith(const Screen& screen, const std::string& text) {
+  const auto& cells = screen.Find("grdTRANS")->cells;
+  const auto found = std::find_if(cells.begin(), cells.end(),
+                                  [&](const Cell& cell) { return cell.text.starts_with(text); });
+  return found == cells.end() ? nullptr : &*found;
+}
+
+bool HasFigure(const Screen& screen, int row, int section) {
+  const Cell* const cell = screen.Find("grdTRANS")->FindCell(row, section);
+  return cell != nullptr && cell->text.find_first_of("0123456789") != std::string::npos;
+}
 
 // The records of one day of the sample site, and a copy of them on the next day.
 class HistoryOnDisplay : public OnDisplay {
@@ -35,6 +53,17 @@ class HistoryOnDisplay : public OnDisplay {
       const Widget* const grid = screen.Find("grdTRANS");
       return grid != nullptr && grid->rows == rows;
     });
+  }
+  void ChooseGroup(int index, const std::string& item) {
+    Click("lstGroupBy");
+    std::vector<std::string> keys{"Home"};
+    keys.insert(keys.end(), static_cast<std::size_t>(index), "Down");
+    keys.emplace_back("Return");
+    Keys(keys);
+    ASSERT_TRUE(WaitFor([&](const Screen& screen) {
+      const Widget* const list = screen.Find("lstGroupBy");
+      return list != nullptr && list->text == item;
+    }));
   }
   // Types over the text of the field with the focus.
   void TypeOver(const std::string& text) {
@@ -65,6 +94,29 @@ TEST_F(HistoryOnDisplay, APeriodIsTypedAndLeavesOnlyItsRecords) {
   Click("txtPeriodFrom");
   TypeOver(first_day);
   EXPECT_TRUE(WaitForRows(records));
+}
+
+TEST_F(HistoryOnDisplay, DifferencesAreShownByTheirKeyAndHaveTotals) {
+  ChooseGroup(8, "Pens Fed (all)");
+  Keys({"alt+x"});
+  ASSERT_TRUE(WaitFor([](const Screen& screen) { return screen.FindItem("Feed Wt") != nullptr; }));
+  EXPECT_EQ(Look().FindItem("Feed Diff %"), nullptr);
+  Keys({"alt+d"});
+  ASSERT_TRUE(WaitFor([](const Screen& screen) {
+    return screen.FindItem("Feed Diff") != nullptr && screen.FindItem("Feed Diff %") != nullptr;
+  }));
+  EXPECT_TRUE(WaitFor([](const Screen& screen) {
+    const Cell* const total = CellWith(screen, "Total:");
+    return total != nullptr && HasFigure(screen, total->row, kFeedDifferenceSection);
+  }));
+}
+
+TEST_F(HistoryOnDisplay, AClosedGroupSaysItsTotals) {
+  ChooseGroup(3, "Recipes (all)");
+  EXPECT_TRUE(WaitFor([](const Screen& screen) {
+    const Cell* const group = CellWith(screen, "Recipe:");
+    return group != nullptr && group->text.find(", Batch Wt ") != std::string::npos;
+  }));
 }
 
 }  // namespace

@@ -35,6 +35,18 @@ std::int64_t RowsOfAPage() {
   return ReportLayout(report.design, *report.rows, paper).NextStart(1, *report.rows) - 1;
 }
 
+TEST(DrawnPages, ACellDecidesTheWeightOfItsLettersBeforeItsRow) {
+  const std::vector<DrawnPage> pages =
+      PagesOf(ReportOf({{.cells = {"record"}},
+                        {.cells = {"marked"}, .bold = {true}},
+                        {.kind = ReportRowKind::kTotal, .cells = {"total"}, .bold = {std::nullopt}},
+                        {.kind = ReportRowKind::kTotal, .cells = {"within"}, .bold = {false}}}));
+  EXPECT_FALSE(pages.at(0).Text("record").font.bold());
+  EXPECT_TRUE(pages.at(0).Text("marked").font.bold());
+  EXPECT_TRUE(pages.at(0).Text("total").font.bold());
+  EXPECT_FALSE(pages.at(0).Text("within").font.bold());
+}
+
 TEST(DrawnPages, TakeAsManyRowsAsFitAndTheNextOneGoesOnAnother) {
   const std::int64_t full = RowsOfAPage();
   ASSERT_GT(full, 30);

@@ -196,6 +196,24 @@ TEST_F(HistoryReports, NameTheirPeriodAndPrintItsRecords) {
   EXPECT_THAT(pages.at(0), Contains("Period: 14-Mar-11"));
 }
 
+TEST_F(HistoryReports, PrintDifferencesBoldBeyondTheToleranceOnly) {
+  SetUp(8, true);
+  grid_.ShowDifferences(true);
+  EXPECT_THAT(Lines(), Contains("3 STEERS 0 -300 -100.0 300 10 10:00 AM 15-Mar-11"));
+  EXPECT_THAT(Lines(), Contains("Total: 1305.75 +5.75 +0.4 1300"));
+  const Report report = HistoryReport(grid_, true, Facts());
+  const auto bold = [&](std::int64_t row, std::size_t column) {
+    return report.rows->Row(row).bold.at(column);
+  };
+  constexpr std::size_t kFeed = 2;
+  EXPECT_EQ(bold(2, kFeed), std::nullopt);
+  EXPECT_EQ(bold(2, kFeed + 1), false);
+  EXPECT_EQ(bold(4, kFeed + 2), false) << "a total";
+  EXPECT_EQ(bold(7, kFeed + 1), true);
+  EXPECT_EQ(bold(7, kFeed + 2), true);
+  EXPECT_EQ(bold(8, kFeed + 2), true) << "a total";
+}
+
 TEST_F(HistoryReports, GiveEachRowItsKindAndLevel) {
   SetUp(3, false);
   grid_.OpenGroup(3);  // STEERS

@@ -39,7 +39,8 @@ constexpr std::string_view kDefaultFile =
     "BatchTargetWtIsRecTarget=YES\r\n"
     "AutoloadRecipeDB=NO\r\n"
     "AutoloadTransDB=NO\r\n"
-    "PrintGridLines=YES\r\n";
+    "PrintGridLines=YES\r\n"
+    "DifferenceTolerance=2\r\n";
 
 // The default file with one line replaced.
 std::string DefaultFileWith(std::string_view line, std::string_view other) {
@@ -297,8 +298,9 @@ TEST_F(PrivateIniTest, TrimsAValueOnRead) {
 TEST_F(PrivateIniTest, AnEmptyOrMissingKeyTakesItsDefaultOnDiskAsWell) {
   EXPECT_EQ(ReadFrom(DefaultFileWith("SerialPort=2", "SerialPort=")).SerialPort(), "2");
   EXPECT_EQ(File(), kDefaultFile);
-  EXPECT_TRUE(ReadFrom(DefaultFileWith("PrintGridLines=YES\r\n", "")).PrintGridLinesOn());
-  EXPECT_EQ(File(), kDefaultFile);
+  const std::string without = DefaultFileWith("PrintGridLines=YES\r\n", "");
+  EXPECT_TRUE(ReadFrom(without).PrintGridLinesOn());
+  EXPECT_EQ(File(), without + "PrintGridLines=YES\r\n");
 }
 
 TEST_F(PrivateIniTest, AMissingTitleIsNotWrittenBack) {
@@ -441,6 +443,38 @@ TEST_F(PrivateIniTest, SettingByNameRefusesUnknownKeysAndInvalidValues) {
   EXPECT_EQ(settings.SystemUnits(), "KG");
   EXPECT_TRUE(settings.LetByKey("SerialPort", "11"));
   EXPECT_EQ(settings.SerialPort(), "11");
+}
+
+TEST_F(PrivateIniTest, TheToleranceIsAPercentage) {
+  EXPECT_EQ(PrivateINI().DifferenceTolerance(), 2);
+  const auto read = [&](const std::string& text) {
+    return ReadFrom(DefaultFileWith("DifferenceTolerance=2", "DifferenceTolerance=" + text))
+        .DifferenceTolerance();
+  };
+  EXPECT_EQ(read("0"), 0);
+  EXPECT_EQ(read("0.5"), 0.5);
+  EXPECT_EQ(read("100"), 100);
+  for (const char* const wrong : {"100.01", "-1", "2,5", "two", "2 %", "1E99"}) {
+    EXPECT_EQ(read(wrong), 2) << wrong;
+  }
+}
+
+TEST_F(PrivateIniTest, AMissingToleranceIsAddedToTheFile) {
+  const PrivateINI settings = ReadFrom(DefaultFileWith("DifferenceTolerance=2\r\n", ""));
+  EXPECT_EQ(settings.DifferenceTolerance(), 2);
+  EXPECT_TRUE(settings.SettingsReadOk());
+  EXPECT_EQ(File(), kDefaultFile);
+}
+
+TEST_F(PrivateIniTest, AToleranceSetByNameIsKeptAndAWrongOneRefused) {
+  PrivateINI settings;
+  EXPECT_TRUE(settings.LetByKey("differencetolerance", "3.5"));
+  EXPECT_EQ(settings.DifferenceTolerance(), 3.5);
+  EXPECT_FALSE(settings.LetByKey("DifferenceTolerance", "101"));
+  EXPECT_FALSE(settings.LetByKey("DifferenceTolerance", ""));
+  EXPECT_EQ(settings.DifferenceToleranceText(), "3.5");
+  EXPECT_TRUE(settings.WriteIniSettings(Ini()));
+  EXPECT_THAT(File(), HasSubstr("DifferenceTolerance=3.5\r\n"));
 }
 
 TEST_F(PrivateIniTest, ABinaryFileReadsAsDefaultsAndKeepsItsBytes) {

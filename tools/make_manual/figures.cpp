@@ -167,6 +167,17 @@ QImage OnePen(SampleProgram& program) {
   return WholeWindow(program);
 }
 
+QImage Differences(SampleProgram& program) {
+  constexpr int kPensFedAll = 8;
+  program.ShowTab(kTabBatchedFed);
+  Pick(program, "lstGroupBy", kPensFedAll);
+  program.Find<QCheckBox>("chkExpandAll").setChecked(true);
+  program.Find<QCheckBox>("chkDifferences").setChecked(true);
+  QImage window = WholeWindow(program);
+  program.Find<QCheckBox>("chkDifferences").setChecked(false);
+  return window;
+}
+
 QImage Export(SampleProgram& program) {
   program.ShowTab(kTabExport);
   program.Find<QLineEdit>("txtFName").setText(QStringLiteral("PEN A02"));
@@ -302,6 +313,7 @@ constexpr std::array kFigures = std::to_array<Figure>({
     {"batched-fed", &RecipesOpened},
     {"batched-fed-period", &PeriodOfTwoDays},
     {"batched-fed-pen", &OnePen},
+    {"batched-fed-differences", &Differences},
     {"import", &Import},
     {"export", &Export},
     {"setup-database", &Setup<kDatabase>},

@@ -126,6 +126,8 @@ constexpr std::array kCaptions = std::to_array<Caption>({
     {2001, TrMark("&Period")},
     {2002, TrMark("From")},
     {2003, TrMark("To")},
+    {2004, TrMark("Mark differences beyond")},
+    {2005, TrMark("percent of the target.")},
     {2010, TrMark("&Undo")},
     {2011, TrMark("Re&do")},
     {2012, TrMark("C&opy Recipe...")},

@@ -15,6 +15,7 @@ void HistoryTableModel::SetGrid(HistoryGrid* grid) {
 void HistoryTableModel::Refresh() {
   held_row_ = -1;
   failed_ = false;
+  sums_failed_ = false;
   const int rows =
       grid_ == nullptr ? 0 : static_cast<int>(std::min<std::int64_t>(grid_->RowCount(), kMostRows));
   if (rows > rows_) {
@@ -27,9 +28,9 @@ void HistoryTableModel::Refresh() {
     endRemoveRows();
   }
   if (rows_ > 0) {
-    Q_EMIT dataChanged(index(0, 0), index(rows_ - 1, kHistoryColumnCount - 1));
+    Q_EMIT dataChanged(index(0, 0), index(rows_ - 1, kGridColumnCount - 1));
   }
-  Q_EMIT headerDataChanged(Qt::Horizontal, 0, kHistoryColumnCount - 1);
+  Q_EMIT headerDataChanged(Qt::Horizontal, 0, kGridColumnCount - 1);
 }
 
 const ShownRow& HistoryTableModel::RowAt(int row) const {
@@ -38,10 +39,10 @@ const ShownRow& HistoryTableModel::RowAt(int row) const {
 
 const ShownRow& HistoryTableModel::Read(int row) const {
   try {
-    held_ = grid_->Row(std::int64_t{row} + 1);
+    held_ = grid_->RowOnScreen(std::int64_t{row} + 1);
     held_row_ = row;
   } catch (const std::exception&) {
-    held_ = {.cells = std::vector<std::string>(kHistoryColumnCount)};
+    held_ = {.cells = std::vector<std::string>(kGridColumnCount)};
     held_row_ = -1;
     if (!failed_) {
       failed_ = true;
@@ -51,12 +52,28 @@ const ShownRow& HistoryTableModel::Read(int row) const {
   return held_;
 }
 
+SumsRead HistoryTableModel::ReadSums(int first, int last, std::int64_t records) {
+  if (grid_ == nullptr || failed_ || sums_failed_) {
+    return {};
+  }
+  try {
+    const SumsRead read = grid_->ReadSums(std::int64_t{first} + 1, std::int64_t{last} + 1, records);
+    if (read.any) {
+      held_row_ = -1;
+    }
+    return read;
+  } catch (const std::exception&) {
+    sums_failed_ = true;
+    return {};
+  }
+}
+
 int HistoryTableModel::rowCount(const QModelIndex& parent) const {
   return parent.isValid() ? 0 : rows_;
 }
 
 int HistoryTableModel::columnCount(const QModelIndex& parent) const {
-  return parent.isValid() ? 0 : kHistoryColumnCount;
+  return parent.isValid() ? 0 : kGridColumnCount;
 }
 
 // Ctrl+C reads the current cell even if no cell is current.
@@ -69,10 +86,13 @@ QVariant HistoryTableModel::data(const QModelIndex& index, int role) const {
         Qt::AlignVCenter |
         (HistoryColumnAt(index.column() + 1).right_aligned ? Qt::AlignRight : Qt::AlignLeft));
   }
-  if (role != Qt::DisplayRole) {
+  if (role != Qt::DisplayRole && role != Qt::AccessibleTextRole) {
     return {};
   }
   const ShownRow& row = RowAt(index.row());
+  if (role == Qt::AccessibleTextRole && !row.totals.empty()) {
+    return ToQString(row.caption + ", " + row.totals);
+  }
   return ToQString(row.kind == HistoryRowKind::kGroup
                        ? row.caption
                        : row.cells.at(static_cast<std::size_t>(index.column())));

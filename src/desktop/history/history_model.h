@@ -8,7 +8,7 @@
 
 namespace vrx {
 
-// Adapts a history grid to Qt's table model: the 112 columns by their index minus 1, whatever their
+// Adapts a history grid to Qt's table model: the columns by their index minus 1, whatever their
 // positions, and only the visible rows, from 0. Reads a row on demand and keeps only that one.
 class HistoryTableModel : public QAbstractTableModel {
   Q_OBJECT
@@ -27,6 +27,10 @@ class HistoryTableModel : public QAbstractTableModel {
 
   // An empty record if it cannot be read; Failed reports that once until the next Refresh.
   const ShownRow& RowAt(int row) const;
+
+  // Continues to read the sums of these rows, as HistoryGrid::ReadSums. A failure leaves them out
+  // until the next Refresh, without a report: the operator did not ask for them now.
+  SumsRead ReadSums(int first, int last, std::int64_t records);
 
   // The grid's columns.
   const HistoryGrid* Grid() const { return grid_; }
@@ -49,6 +53,7 @@ class HistoryTableModel : public QAbstractTableModel {
   mutable int held_row_ = -1;
   mutable ShownRow held_;
   mutable bool failed_ = false;
+  bool sums_failed_ = false;
 };
 
 }  // namespace vrx

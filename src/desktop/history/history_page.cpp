@@ -60,6 +60,10 @@ HistoryPage::HistoryPage(Services& services, std::function<bool()> active_ingred
           AddCheck("chkBatFitPage", QStringLiteral("F&it/Print All Columns on Page"),
                    QStringLiteral("Print every column on one page, in smaller letters"))),
       period_(new PeriodBar(services.calendar, this)),
+      chk_differences_(
+          AddCheck("chkDifferences", QTr("&Differences"),
+                   QTr("Show how far each weight was from its target, in bold letters beyond the "
+                       "tolerance of the setup"))),
       txt_standby_(new QLabel(this)),
       grd_trans_(new HistoryTableView(this)),
       navigator_(new HistoryNavigator(this)) {
@@ -88,7 +92,12 @@ void HistoryPage::LayOut() {
   column->setContentsMargins(kGroupSpacing, kGroupSpacing, kGroupSpacing, kGroupSpacing);
   column->setSpacing(kSpacing);
   column->addWidget(LayOutChoices());
-  column->addWidget(period_);
+  auto* const narrowed = new QHBoxLayout;
+  narrowed->setSpacing(kGroupSpacing);
+  narrowed->addWidget(period_, 1);
+  narrowed->addWidget(chk_differences_, 0, Qt::AlignTop);
+  chk_differences_->setMinimumHeight(lst_group_by_->sizeHint().height());
+  column->addLayout(narrowed);
   grid_or_standby_ = new QStackedLayout;
   grid_or_standby_->addWidget(grd_trans_);
   grid_or_standby_->addWidget(txt_standby_);
@@ -152,6 +161,8 @@ void HistoryPage::Connect() {
       }
     });
   });
+  connect(chk_differences_, &QCheckBox::toggled, this,
+          [this](bool on) { Run([&](HistoryPresenter& view) { view.ShowDifferences(on); }); });
   connect(chk_use_history_navigator_, &QCheckBox::toggled, navigator_, &QWidget::setVisible);
   connect(navigator_, &HistoryNavigator::RowChosen, grd_trans_, &HistoryTableView::GoToRow);
   connect(grd_trans_, &HistoryTableView::RowChanged, navigator_, &HistoryNavigator::ShowRow);
@@ -223,6 +234,12 @@ void HistoryPage::Prepare() {
   });
 }
 
+void HistoryPage::Activated() {
+  if (view_) {
+    view_->FollowTolerance();
+  }
+}
+
 void HistoryPage::Rebind(DatabaseKind kind, const BoundDatabase& database) {
   if (kind == DatabaseKind::kTransaction) {
     RebindTransactions(database);
@@ -246,6 +263,7 @@ void HistoryPage::RebindTransactions(const BoundDatabase& database) {
   grd_trans_->Model().SetGrid(&view_->Grid());
   view_->SetRecipeDatabase(recipes_);
   view_->SetExpandAll(chk_expand_all_->isChecked());
+  view_->ShowDifferences(chk_differences_->isChecked());
   view_->SelectGroup(0);  // that of no name, which runs no events
 }
 

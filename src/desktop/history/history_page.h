@@ -39,6 +39,7 @@ class HistoryPage final : public MainTabPage, private HistoryView {
   // MainTabPage.
   void TabChanged(int tab, int previous) override;
   void Prepare() override;
+  void Activated() override;
   void Rebind(DatabaseKind kind, const BoundDatabase& database) override;
   void ReleaseViews() override;
 
@@ -68,6 +69,7 @@ class HistoryPage final : public MainTabPage, private HistoryView {
   QCheckBox* chk_use_history_navigator_;
   QCheckBox* chk_bat_fit_page_;
   PeriodBar* period_;
+  QCheckBox* chk_differences_;
   QLabel* txt_standby_;
   HistoryTableView* grd_trans_;
   HistoryNavigator* navigator_;

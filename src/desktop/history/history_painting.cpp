@@ -4,6 +4,7 @@
 #include <QStyle>
 #include <QStyleOption>
 #include <QWidget>
+#include <algorithm>
 #include <cstddef>
 
 #include "desktop/dialogs/about_and_splash.h"
@@ -177,10 +178,11 @@ HistoryLook HistoryStyles::Over(const QPalette& palette, FormatStyle style, Hist
   return look;
 }
 
-HistoryRowPainter::HistoryRowPainter(const QWidget& view)
+HistoryRowPainter::HistoryRowPainter(const QWidget& view, bool captions)
     : view_(view),
       styles_(view.palette()),
-      line_(Between(view.palette().color(QPalette::Text), view.palette().color(QPalette::Mid))) {
+      line_(Between(view.palette().color(QPalette::Text), view.palette().color(QPalette::Mid))),
+      captions_(captions) {
   line_.setAlphaF(0.35F);
 }
 
@@ -195,7 +197,7 @@ void HistoryRowPainter::Paint(QPainter& painter, const ShownRow& row, std::int64
   const HistoryLook& look = styles_.Row(row.kind, number, selected);
   painter.fillRect(area, look.back);
   if (row.kind == HistoryRowKind::kGroup) {
-    PaintGroup(painter, row, area, look);
+    PaintGroup(painter, row, area, columns, look, selected);
   } else {
     for (const ColumnSpan& span : columns) {
       const QRect cell{span.left, area.top(), span.width, area.height()};
@@ -203,7 +205,13 @@ void HistoryRowPainter::Paint(QPainter& painter, const ShownRow& row, std::int64
       if (own.back != look.back) {
         painter.fillRect(cell, own.back);
       }
-      DrawCell(painter, row, span, cell, own);
+      if (row.IsMarked(span.column)) {
+        HistoryLook marked = own;
+        marked.font.setBold(true);
+        DrawCell(painter, row, span, cell, marked);
+      } else {
+        DrawCell(painter, row, span, cell, own);
+      }
       painter.setPen(line_);
       painter.drawLine(cell.topRight(), cell.bottomRight());
     }
@@ -213,7 +221,8 @@ void HistoryRowPainter::Paint(QPainter& painter, const ShownRow& row, std::int64
 }
 
 void HistoryRowPainter::PaintGroup(QPainter& painter, const ShownRow& row, const QRect& area,
-                                   const HistoryLook& look) const {
+                                   const std::vector<ColumnSpan>& columns, const HistoryLook& look,
+                                   bool selected) const {
   QStyleOption mark;
   mark.initFrom(&view_);
   mark.rect = MarkOf(row.depth, area);
@@ -224,6 +233,39 @@ void HistoryRowPainter::PaintGroup(QPainter& painter, const ShownRow& row, const
   view_.style()->drawPrimitive(QStyle::PE_IndicatorBranch, &mark, &painter, &view_);
   const QRect room = area.adjusted(mark.rect.right() + 1 + kHistoryMargin - area.left(), 0, 0, 0);
   DrawText(painter, room, false, ToQString(row.caption), look);
+  if (!row.totals.empty()) {
+    HistoryLook totals = look;
+    if (!selected) {
+      totals.text = Readable(Between(look.text, look.back), look.back, kTextContrast);
+    }
+    const int captioned = QFontMetrics(look.font).horizontalAdvance(ToQString(row.caption));
+    PaintTotals(painter, row, room.adjusted(captioned + 2 * kSpacing, 0, -kHistoryMargin, 0),
+                columns, totals);
+  }
+}
+
+// Below their headers the figures are in their columns. Without headers, or where the group's own
+// caption is in the way, they have captions of their own.
+void HistoryRowPainter::PaintTotals(QPainter& painter, const ShownRow& row, const QRect& area,
+                                    const std::vector<ColumnSpan>& columns,
+                                    const HistoryLook& look) const {
+  const QFontMetrics metrics(look.font);
+  const bool in_columns =
+      captions_ && std::all_of(columns.begin(), columns.end(), [&](const ColumnSpan& span) {
+        const std::string& figure = row.cells.at(static_cast<std::size_t>(span.column) - 1);
+        return figure.empty() || span.left + span.width - kHistoryMargin -
+                                         metrics.horizontalAdvance(ToQString(figure)) >=
+                                     area.left();
+      });
+  if (!in_columns) {
+    DrawText(painter, area, false, ToQString(row.totals), look);
+    return;
+  }
+  for (const ColumnSpan& span : columns) {
+    HistoryLook figure = look;
+    figure.font.setBold(row.IsMarked(span.column));
+    DrawCell(painter, row, span, {span.left, area.top(), span.width, area.height()}, figure);
+  }
 }
 
 }  // namespace vrx

@@ -60,8 +60,9 @@ struct ColumnSpan {
 // Draws the rows of the history grid over the whole width of the view.
 class HistoryRowPainter {
  public:
-  // The view provides style and palette and outlives the object.
-  explicit HistoryRowPainter(const QWidget& view);
+  // The view provides style and palette and outlives the object. `captions`: the columns have their
+  // headers above.
+  explicit HistoryRowPainter(const QWidget& view, bool captions = true);
 
   // `number` counts from 1, `row` is its text, `area` the view's whole line.
   void Paint(QPainter& painter, const ShownRow& row, std::int64_t number, const QRect& area,
@@ -72,11 +73,15 @@ class HistoryRowPainter {
 
  private:
   void PaintGroup(QPainter& painter, const ShownRow& row, const QRect& area,
-                  const HistoryLook& look) const;
+                  const std::vector<ColumnSpan>& columns, const HistoryLook& look,
+                  bool selected) const;
+  void PaintTotals(QPainter& painter, const ShownRow& row, const QRect& area,
+                   const std::vector<ColumnSpan>& columns, const HistoryLook& look) const;
 
   const QWidget& view_;
   HistoryStyles styles_;
   QColor line_;
+  bool captions_;
 };
 
 }  // namespace vrx

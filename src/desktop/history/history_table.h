@@ -2,6 +2,8 @@
 
 #include <QHeaderView>
 #include <QTableView>
+#include <QTimer>
+#include <cstdint>
 #include <set>
 #include <vector>
 
@@ -104,10 +106,12 @@ class HistoryTableView : public QTableView {
   void Turn(int row);
   bool TurnByKey(const QKeyEvent& key);
   void ApplyRowHeight();
+  void ReadSums(std::int64_t records);
 
   HistoryTableModel* model_;
   HistoryHeader* header_;
   QString empty_text_;
+  QTimer read_sums_{this};  // runs while rows on the screen wait for their sums
 };
 
 }  // namespace vrx

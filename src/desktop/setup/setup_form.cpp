@@ -11,9 +11,11 @@
 
 #include "base/encoding.h"
 #include "base/files.h"
+#include "base/translation.h"
 #include "desktop/app/captions.h"
 #include "desktop/dialogs/about_and_splash.h"
 #include "desktop/setup/setup_sections.h"
+#include "feed/key_filters.h"
 #include "presenter/setup.h"
 #include "widgets/fields.h"
 #include "widgets/layout.h"
@@ -40,6 +42,8 @@ constexpr int kTransactionDatabaseCaption = 1071;
 constexpr int kFilenameCaption = 1097;
 constexpr int kContentsCaption = 1098;
 constexpr int kIniInfoCaption = 1117;
+constexpr int kToleranceCaption = 2004;
+constexpr int kTolerancePercentCaption = 2005;
 
 QVBoxLayout* TabLayout(QWidget& page) {
   auto* const column = new QVBoxLayout(&page);
@@ -167,8 +171,32 @@ QWidget* SetupForm::MakeOptionsTab() {
     options_.at(i)->setObjectName(ToQString(option.control));
     column->addWidget(options_.at(i));
   }
+  column->addSpacing(kSpacing);
+  column->addLayout(MakeToleranceRow(*page));
   column->addStretch();
   return page;
+}
+
+QBoxLayout* SetupForm::MakeToleranceRow(QWidget& page) {
+  constexpr std::size_t kMostCharacters = 6;
+  txt_difference_tolerance_ =
+      MakeBox([](std::string_view, int key) { return FilterDecimalKey(key); }, kMostCharacters,
+              "txtDifferenceTolerance", &page);
+  txt_difference_tolerance_->setAccessibleName(QTr("Tolerance of the differences, in percent"));
+  txt_difference_tolerance_->setAlignment(Qt::AlignRight);
+  txt_difference_tolerance_->setSizePolicy(QSizePolicy::Fixed, QSizePolicy::Fixed);
+  txt_difference_tolerance_->Explain(
+      [](std::string_view, int) { return Tr("Only digits and a point"); },
+      FilteredEdit::Takes::kNumber);
+  QLabel* const caption = AddLabel(page, "lblDifferenceTolerance", kToleranceCaption);
+  caption->setBuddy(txt_difference_tolerance_);
+  auto* const row = new QHBoxLayout;
+  row->setSpacing(kSpacing);
+  row->addWidget(caption);
+  row->addWidget(txt_difference_tolerance_);
+  row->addWidget(AddLabel(page, "lblDifferencePercent", kTolerancePercentCaption));
+  row->addStretch();
+  return row;
 }
 
 QWidget* SetupForm::MakeConnectionsTab() {
@@ -192,6 +220,7 @@ void SetupForm::LoadControls() {
   for (std::size_t i = 0; i < kSetupOptionCount; ++i) {
     options_.at(i)->setChecked(controls.options.at(i));
   }
+  txt_difference_tolerance_->setText(ToQString(controls.tolerance));
 }
 
 void SetupForm::FillTab(int tab) {
@@ -233,6 +262,13 @@ void SetupForm::FillIniFile() {
 
 void SetupForm::ApplyControls() {
   SetupControls controls;
+  controls.tolerance = txt_difference_tolerance_->Text();
+  if (!IsToleranceUsable(controls.tolerance, services_.op)) {
+    tab_setup_folder_->setCurrentIndex(kOptionsTab);
+    txt_difference_tolerance_->setFocus();
+    txt_difference_tolerance_->selectAll();
+    return;
+  }
   controls.system_units = lst_system_uom_->currentIndex();
   module_tab_->Take(controls);
   for (std::size_t i = 0; i < kSetupOptionCount; ++i) {

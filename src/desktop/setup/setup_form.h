@@ -1,5 +1,6 @@
 #pragma once
 
+#include <QBoxLayout>
 #include <QCheckBox>
 #include <QComboBox>
 #include <QDialog>
@@ -15,6 +16,7 @@
 #include "desktop/setup/setup_module_tab.h"
 #include "platform/system_info.h"
 #include "presenter/setup.h"
+#include "widgets/fields.h"
 #include "widgets/labels.h"
 
 namespace vrx {
@@ -53,6 +55,7 @@ class SetupForm : public QDialog {
   QWidget* MakeFileTab(const char* frame_name, QLineEdit*& path, const char* path_name,
                        TextView*& contents, const char* data_name);
   QWidget* MakeOptionsTab();
+  QBoxLayout* MakeToleranceRow(QWidget& page);
   QWidget* MakeConnectionsTab();
   void LoadControls();
   void FillTab(int tab);
@@ -72,6 +75,7 @@ class SetupForm : public QDialog {
   QLineEdit* txt_qxt_path_ = nullptr;
   TextView* txt_qxt_file_data_ = nullptr;
   std::array<QCheckBox*, kSetupOptionCount> options_{};
+  FilteredEdit* txt_difference_tolerance_ = nullptr;
   TextView* txt_rec_ctrl_ = nullptr;
   TextView* txt_trans_ctrl_ = nullptr;
   SetupModuleTab* module_tab_;

@@ -31,7 +31,7 @@ class HistoryTableModelTest : public ::testing::Test {
 
 TEST_F(HistoryTableModelTest, HasNoRowsWithoutAGrid) {
   EXPECT_EQ(model_.rowCount(), 0);
-  EXPECT_EQ(model_.columnCount(), kHistoryColumnCount);
+  EXPECT_EQ(model_.columnCount(), kGridColumnCount);
 }
 
 TEST_F(HistoryTableModelTest, HasTheRowsThatCanBeSeen) {

@@ -1,3 +1,5 @@
+#include <QApplication>
+
 #include "desktop/recipes/recipes_fixture.h"
 #include "desktop/shown_refusal.h"
 

@@ -166,6 +166,41 @@ TEST_F(SetupFormTest, OkLetsTheSettings) {
   EXPECT_FALSE(settings_.PrintGridLinesOn());
 }
 
+TEST_F(SetupFormTest, TheToleranceOfDifferencesIsSet) {
+  Setup([&](SetupForm& /*form*/) {
+    auto& tolerance = Of<QLineEdit>(u"txtDifferenceTolerance"_qs);
+    EXPECT_EQ(tolerance.text(), u"2"_qs);
+    EXPECT_EQ(Of<QLabel>(u"lblDifferenceTolerance"_qs).text(), u"Mark differences beyond"_qs);
+    EXPECT_EQ(Of<QLabel>(u"lblDifferencePercent"_qs).text(), u"percent of the target."_qs);
+    ShowSetupTab(4);
+    tolerance.selectAll();
+    QTest::keyClicks(&tolerance, u"3.5x"_qs);
+    ClickOn(u"cmdOK"_qs);
+  });
+  EXPECT_TRUE(operator_.boxes.empty());
+  EXPECT_EQ(settings_.DifferenceTolerance(), 3.5);
+}
+
+TEST_F(SetupFormTest, AWrongToleranceIsRefusedAndNothingIsChanged) {
+  Setup([&](SetupForm& form) {
+    form.activateWindow();
+    Of<QCheckBox>(u"chkPrintGridLines"_qs).setChecked(false);
+    auto& tolerance = Of<QLineEdit>(u"txtDifferenceTolerance"_qs);
+    for (const QString& wrong : {u"101"_qs, QString(), u"."_qs}) {
+      tolerance.setText(wrong);
+      ShowSetupTab(0);
+      ClickOn(u"cmdOK"_qs);
+      EXPECT_TRUE(form.isVisible());
+      EXPECT_EQ(LastBox().text,
+                "The tolerance of the differences must be a number from 0 to 100 percent.");
+      EXPECT_TRUE(tolerance.isVisible());
+      EXPECT_EQ(settings_.DifferenceTolerance(), 2);
+      EXPECT_TRUE(settings_.PrintGridLinesOn());
+    }
+    form.close();
+  });
+}
+
 TEST_F(SetupFormTest, TheCloseBoxTakesNothing) {
   Setup([&](SetupForm& form) {
     Of<QComboBox>(u"lstSystemUoM"_qs).setCurrentIndex(1);

@@ -16,6 +16,12 @@
 namespace vrx::testing {
 namespace {
 
+// What a screen reader reads, where that is more than the text.
+QString TextOf(const QModelIndex& index) {
+  const QVariant read = index.data(Qt::AccessibleTextRole);
+  return (read.isValid() ? read : index.data()).toString();
+}
+
 void PutPlace(QJsonObject& to, const QWidget& widget, const QRect& part) {
   const double scale = widget.devicePixelRatioF();
   const QPoint corner = widget.mapToGlobal(part.topLeft());
@@ -96,7 +102,7 @@ QJsonArray CellsOf(const QAbstractItemView& view) {
       }
       QJsonObject cell{{QStringLiteral("row"), index.row()},
                        {QStringLiteral("column"), index.column()},
-                       {QStringLiteral("text"), index.data().toString()},
+                       {QStringLiteral("text"), TextOf(index)},
                        {QStringLiteral("current"), index == view.currentIndex()}};
       PutPlace(cell, *view.viewport(), place & area);
       cells << cell;

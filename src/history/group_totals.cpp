@@ -1,0 +1,292 @@
+#include "history/group_totals.h"
+
+#include <algorithm>
+#include <limits>
+#include <span>
+
+#include <SQLiteCpp/Statement.h>
+
+#include "database/schema.h"
+#include "history/columns.h"
+
+namespace vrx {
+namespace {
+
+constexpr std::size_t kTotalsHeld = 4096;
+constexpr std::int64_t kLargeGroup = 1000;
+// What a search of an index costs, in records read.
+constexpr std::int64_t kSearchCost = 16;
+
+std::uint64_t KeyOf(const GroupPath& path) {
+  return static_cast<std::uint64_t>(path.size()) << 32U | path.back();
+}
+
+bool IsActualWeight(int column) {
+  return column == kActualBatchColumn || column == kActualFeedColumn;
+}
+
+// The columns with a sum, by level. On a level where weights are blank, each actual weight still is
+// of one kind; `actual_weights` keeps them.
+std::vector<std::vector<int>> SummedByLevel(const DataGroup& group, const std::vector<int>& columns,
+                                            bool actual_weights) {
+  std::vector<std::vector<int>> by_level(group.levels.size());
+  for (const int column : columns) {
+    const bool summed = HistoryColumnAt(column).summed;
+    int depth = 1;
+    for (std::vector<int>& level : by_level) {
+      const bool kept = actual_weights && IsActualWeight(column);
+      if (summed && (kept || !IsBlanked(group, depth, column))) {
+        level.push_back(column);
+      }
+      ++depth;
+    }
+  }
+  return by_level;
+}
+
+}  // namespace
+
+GroupTotals::GroupTotals(Statements& statements, const GroupQuery& query, DataGroup group,
+                         const std::vector<int>& columns)
+    : statements_(statements), query_(query), group_(std::move(group)) {
+  SetColumns(columns);
+}
+
+void GroupTotals::SetColumns(const std::vector<int>& columns) {
+  std::vector<std::vector<int>> by_level = SummedByLevel(group_, columns, false);
+  if (by_level != columns_) {
+    columns_ = std::move(by_level);
+    Forget();
+  }
+}
+
+std::optional<std::vector<CellValue>> GroupTotals::Find(const GroupPath& path) const {
+  if (ColumnsOf(path).empty()) {
+    return CellsOf(path, {});
+  }
+  const auto total = totals_.find(KeyOf(path));
+  return total == totals_.end() ? std::nullopt : std::optional(CellsOf(path, total->second));
+}
+
+std::vector<CellValue> GroupTotals::Load(const Outline& outline, const GroupPath& path) {
+  std::string text = "SELECT count(*)";
+  for (const int column : ColumnsOf(path)) {
+    text += ", exact_sum(" + Bracketed(HistoryColumnAt(column).field) + ")";
+  }
+  Statements::InUse statement = statements_.Take(text + query_.From(path.size()));
+  query_.Bind(*statement, outline.Values(path));
+  statement->executeStep();
+  Total total{.records = statement->getColumn(0).getInt64(), .sums = {}};
+  for (std::size_t i = 0; i < ColumnsOf(path).size(); ++i) {
+    total.sums.push_back(statement->getColumn(static_cast<int>(i) + 1).getDouble());  // 0 for NULL
+  }
+  if (totals_.size() >= kTotalsHeld) {
+    std::erase_if(totals_, [](const auto& held) { return held.second.records < kLargeGroup; });
+  }
+  return CellsOf(path, totals_.insert_or_assign(KeyOf(path), std::move(total)).first->second);
+}
+
+std::vector<CellValue> GroupTotals::CellsOf(const GroupPath& path, const Total& total) const {
+  const std::vector<int>& columns = ColumnsOf(path);
+  std::vector<CellValue> cells(kHistoryColumnCount);
+  for (std::size_t i = 0; i < columns.size(); ++i) {
+    cells[static_cast<std::size_t>(columns[i]) - 1] = total.sums[i];
+  }
+  return cells;
+}
+
+SlicedTotals::SlicedTotals(Statements& statements, const GroupQuery& query, DataGroup group)
+    : statements_(statements), query_(query), group_(std::move(group)) {}
+
+void SlicedTotals::SetColumns(const std::vector<int>& columns, bool compared) {
+  std::vector<std::vector<int>> by_level = SummedByLevel(group_, columns, true);
+  if (by_level != columns_ || compared != compared_) {
+    columns_ = std::move(by_level);
+    compared_ = compared;
+    Forget();
+  }
+}
+
+void SlicedTotals::Forget() {
+  known_.clear();
+  reading_.reset();
+}
+
+const GroupSums* SlicedTotals::Find(const GroupPath& path) const {
+  const auto found = known_.find(KeyOf(path));
+  return found == known_.end() ? nullptr : &found->second;
+}
+
+std::vector<std::string> SlicedTotals::TermsOf(const GroupPath& path) const {
+  std::vector<std::string> terms;
+  for (const int column : columns_[path.size() - 1]) {
+    terms.push_back(Bracketed(HistoryColumnAt(column).field));
+  }
+  if (compared_) {
+    const auto compared = ComparisonTerms();
+    terms.insert(terms.end(), compared.begin(), compared.end());
+  }
+  return terms;
+}
+
+const GroupSums& SlicedTotals::Load(const Outline& outline, const GroupPath& path) {
+  const std::vector<std::string> terms = TermsOf(path);
+  std::string text = "SELECT count(*)";
+  for (const std::string& term : terms) {
+    text += ", exact_sum(" + term + ")";
+  }
+  Statements::InUse statement = statements_.Take(text + query_.From(path.size()));
+  query_.Bind(*statement, outline.Values(path));
+  statement->executeStep();
+  std::vector<std::optional<double>> sums;
+  for (int column = 1; column <= static_cast<int>(terms.size()); ++column) {
+    const SQLite::Column sum = statement->getColumn(column);
+    sums.push_back(sum.isNull() ? std::nullopt : std::optional(sum.getDouble()));
+  }
+  return Keep(path, sums);
+}
+
+std::int64_t SlicedTotals::Read(const Outline& outline, const GroupPath& path,
+                                std::int64_t records) {
+  if (!CanSlice()) {
+    Load(outline, path);
+    return records;
+  }
+  if (!reading_ || reading_->path != path) {
+    reading_.emplace();
+    reading_->path = path;
+    reading_->values = outline.Values(path);
+    reading_->sums.resize(TermsOf(path).size());
+    reading_->rowid = std::numeric_limits<std::int64_t>::min();
+    reading_->keyed = outline.IsInnermost(path);
+  }
+  Progress& progress = *reading_;
+  std::int64_t read = 0;
+  bool all = false;
+  while (!all && read < records) {
+    if (query_.IsRanged()) {
+      all = progress.next_range >= query_.Ranges().size();
+      read += all ? 0 : ReadRange(progress) + kSearchCost;
+    } else {
+      const std::int64_t wanted = records - read;
+      const bool last_part = progress.keyed;
+      const std::int64_t found = ReadSlice(progress, wanted);
+      all = last_part && found < wanted;
+      progress.keyed = progress.keyed || found < wanted;
+      read += found + kSearchCost;
+    }
+  }
+  if (all) {
+    std::vector<std::optional<double>> sums;
+    for (const std::optional<ExactSum>& sum : progress.sums) {
+      sums.push_back(sum ? std::optional(sum->Value()) : std::nullopt);
+    }
+    Keep(path, sums);
+    reading_.reset();
+  }
+  return read;
+}
+
+// A database from another source lacks an index by ranges of transactions, so that each slice would
+// scan the table.
+bool SlicedTotals::CanSlice() const { return query_.IsRanged() || query_.RangedColumns().empty(); }
+
+std::int64_t SlicedTotals::ReadRange(Progress& progress) {
+  std::string text = "SELECT rowid";
+  for (const std::string& term : TermsOf(progress.path)) {
+    text += ", " + term;
+  }
+  Statements::InUse statement = statements_.Take(text + query_.FromRange(progress.path.size()));
+  query_.BindRange(*statement, progress.values, query_.Ranges()[progress.next_range]);
+  const std::int64_t read = Add(*statement, progress, 1);
+  ++progress.next_range;
+  return read;
+}
+
+// An index has the records of an innermost group by their rowids. On an outer level it has them by
+// the values of the next level, records without a value first, and by their rowids within a value.
+std::int64_t SlicedTotals::ReadSlice(Progress& progress, std::int64_t records) {
+  const std::size_t depth = progress.path.size();
+  if (depth == query_.Levels().size()) {
+    return ReadRows(progress, "NULL", " AND rowid > ?5 ORDER BY rowid", records);
+  }
+  const std::string& key = query_.Levels()[depth].field;
+  const std::string in_key = " AND " + key + " IS ?7 AND rowid > ?5 ORDER BY rowid";
+  if (!progress.keyed) {
+    return ReadRows(progress, key, in_key, records);
+  }
+  const std::string order = " ORDER BY " + key + ", rowid";
+  if (IsNull(progress.key)) {
+    return ReadRows(progress, key, " AND " + key + " IS NOT NULL" + order, records);
+  }
+  // Not one condition on both: SQLite would scan the rest of the value from its first record.
+  const std::int64_t read = ReadRows(progress, key, in_key, records);
+  return read == records
+             ? read
+             : read + ReadRows(progress, key, " AND " + key + " > ?7" + order, records - read);
+}
+
+// `rows` can use the last record's rowid as ?5 and its key as ?7.
+std::int64_t SlicedTotals::ReadRows(Progress& progress, const std::string& key,
+                                    const std::string& rows, std::int64_t records) {
+  constexpr int kRowid = GroupQuery::kFirstOwnParameter;
+  std::string text = "SELECT rowid, " + key;
+  for (const std::string& term : TermsOf(progress.path)) {
+    text += ", " + term;
+  }
+  Statements::InUse statement =
+      statements_.Take(text + query_.From(progress.path.size()) + rows + " LIMIT ?6");
+  query_.Bind(*statement, progress.values);
+  if (rows.find("?5") != std::string::npos) {
+    statement->bind(kRowid, progress.rowid);
+  }
+  statement->bind(kRowid + 1, records);
+  if (rows.find("?7") != std::string::npos) {
+    BindValue(*statement, kRowid + 2, progress.key);
+  }
+  return Add(*statement, progress, 2);
+}
+
+std::int64_t SlicedTotals::Add(SQLite::Statement& statement, Progress& progress, int first_term) {
+  std::int64_t read = 0;
+  while (statement.executeStep()) {
+    ++read;
+    progress.rowid = statement.getColumn(0).getInt64();
+    if (first_term > 1) {
+      progress.key = ValueOf(statement.getColumn(1));
+    }
+    int column = first_term;
+    for (std::optional<ExactSum>& sum : progress.sums) {
+      const SQLite::Column value = statement.getColumn(column++);
+      if (!value.isNull()) {
+        if (!sum) {
+          sum.emplace();
+        }
+        sum->Add(value.getDouble());
+      }
+    }
+  }
+  return read;
+}
+
+const GroupSums& SlicedTotals::Keep(const GroupPath& path,
+                                    const std::vector<std::optional<double>>& sums) {
+  GroupSums kept{.cells = std::vector<CellValue>(kHistoryColumnCount), .comparisons = {}};
+  const std::vector<int>& columns = columns_[path.size() - 1];
+  for (std::size_t i = 0; i < columns.size(); ++i) {
+    kept.cells[static_cast<std::size_t>(columns[i]) - 1] = sums[i].value_or(0);
+  }
+  if (compared_) {
+    std::size_t term = columns.size();
+    for (Comparison& comparison : kept.comparisons) {
+      comparison.target = sums[term++];
+      comparison.actual = sums[term++];
+    }
+  }
+  if (known_.size() >= kTotalsHeld) {
+    known_.clear();
+  }
+  return known_.insert_or_assign(KeyOf(path), std::move(kept)).first->second;
+}
+
+}  // namespace vrx
