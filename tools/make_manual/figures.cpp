@@ -1,6 +1,7 @@
 #include "make_manual/figures.h"
 
 #include <QAbstractButton>
+#include <QAction>
 #include <QApplication>
 #include <QCheckBox>
 #include <QComboBox>
@@ -139,6 +140,21 @@ QImage DatesClosed(SampleProgram& program) {
   return WholeWindow(program);
 }
 
+QImage Found(SampleProgram& program) {
+  program.ShowTab(kTabBatchedFed);
+  Pick(program, "lstGroupBy", 0);
+  program.Find<QAction>("mnuEditFind").trigger();
+  auto& field = program.Find<QLineEdit>("txtFind");
+  field.setText(QStringLiteral("corn"));
+  Q_EMIT field.textEdited(field.text());
+  Click(program, "cmdFindNext");
+  Click(program, "cmdFindNext");
+  program.Find<QWidget>("grdTRANS").setFocus();  // no blinking cursor
+  QImage image = WholeWindow(program);
+  Click(program, "cmdFindClose");
+  return image;
+}
+
 QImage OnePen(SampleProgram& program) {
   constexpr int kPenByName = 9;
   program.ShowTab(kTabBatchedFed);
@@ -257,6 +273,7 @@ constexpr std::array kFigures = std::to_array<Figure>({
     {"pens", &Tab<kTabPens>},
     {"batched-fed-closed", &DatesClosed},
     {"batched-fed", &RecipesOpened},
+    {"batched-fed-find", &Found},
     {"batched-fed-pen", &OnePen},
     {"import", &Import},
     {"export", &Export},

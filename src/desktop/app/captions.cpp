@@ -126,10 +126,13 @@ constexpr std::array kCaptions = std::to_array<Caption>({
     {2001, TrMark("&Period")},
     {2002, TrMark("From")},
     {2003, TrMark("To")},
+    {2004, TrMark("Find")},
     {2010, TrMark("&Undo")},
     {2011, TrMark("Re&do")},
     {2012, TrMark("C&opy Recipe...")},
     {2013, TrMark("Co&mpare Recipes...")},
+    {2014, TrMark("&Copy")},
+    {2015, TrMark("&Find...")},
     {2020, TrMark("&Refresh")},
     {2021, TrMark("&Chapter of This Tab")},
 });
