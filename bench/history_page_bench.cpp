@@ -1,12 +1,15 @@
 // The costs of the Batched/Fed tab with a million records: a data group from its selection to the
 // first screen, with all days, with a period of half of them and with differences, the totals of
 // its closed groups, scrolling page by page and jumping to random positions without and with
-// differences, everything expanded with a jump to the end, and memory. Real widgets, drawn
-// without a display.
+// differences, everything expanded with a jump to the end, a search to its progress or its first
+// row and to its end, typing the name of a group, and memory. Real widgets, drawn without a
+// display.
 
 #include <QApplication>
 #include <QCheckBox>
 #include <QComboBox>
+#include <QLineEdit>
+#include <QPushButton>
 #include <QScrollBar>
 #include <QTimer>
 #include <algorithm>
@@ -28,7 +31,10 @@
 #include "figures.h"
 #include "history/data_group.h"
 #include "measure.h"
+#include "presenter/command_states.h"
+#include "presenter/services.h"
 #include "settings/settings.h"
+#include "support/manual_pump.h"
 #include "support/test_services.h"
 #include "widgets/qt_text.h"
 #include "years.h"
@@ -64,6 +70,15 @@ double Slowest(const std::vector<double>& times) {
   return *std::max_element(times.begin(), times.end());
 }
 
+// Runs the next event at once, with the time of the machine.
+class RealTimePump : public testing::ManualPump {
+ public:
+  vrx::Milliseconds Now() const override {
+    return std::chrono::duration_cast<vrx::Milliseconds>(
+        std::chrono::steady_clock::now().time_since_epoch());
+  }
+};
+
 // The shown page of a yard.
 class ShownPage {
  public:
@@ -73,7 +88,7 @@ class ShownPage {
     page_.resize(1024, 560);
     page_.Rebind(DatabaseKind::kRecipe, recipes_);
     page_.Rebind(DatabaseKind::kTransaction, transactions_);
-    page_.TabChanged(0, 0);
+    page_.TabChanged(kTabBatchedFed, 0);
     page_.Prepare();
     page_.show();
     Settle();
@@ -120,6 +135,31 @@ class ShownPage {
     Bar().setValue(to);
     Draw();
   }
+  // Types a text and goes to the first one at once.
+  void StartFind(const QString& text) {
+    page_.ShowFind();
+    auto* const field = page_.findChild<QLineEdit*>(QStringLiteral("txtFind"));
+    field->setText(text);
+    Q_EMIT field->textEdited(text);
+    page_.findChild<QPushButton*>(QStringLiteral("cmdFindNext"))->click();
+    Draw();
+  }
+  // The first row is reached, or the progress is shown.
+  bool FindHasAnswered() {
+    return Grid().currentIndex().isValid() ||
+           page_.findChild<QWidget*>(QStringLiteral("prgFind"))->isVisible();
+  }
+  bool FindRuns() { return page_.View()->Find().State().count.ends_with("..."); }
+  // One slice of the search and what it shows.
+  void RunFind() {
+    pump_.Pump(vrx::Milliseconds{1});
+    Settle();
+  }
+  void TypeGroup(const QString& beginning) {
+    Grid().GoToRow(0);
+    Grid().keyboardSearch(beginning);
+    Draw();
+  }
   // The pending events of the last action.
   static void Settle() { QApplication::processEvents(); }
   QScrollBar& Bar() { return *Grid().verticalScrollBar(); }
@@ -138,9 +178,19 @@ class ShownPage {
   void Draw() { Grid().viewport()->repaint(); }
 
   testing::TestServices test_;
+  RealTimePump pump_;
+  Services services_{.op = test_.op,
+                     .files = test_.files,
+                     .pump = pump_,
+                     .programs = test_.programs,
+                     .calendar = test_.calendar,
+                     .system = test_.system,
+                     .settings = test_.settings,
+                     .folder = test_.folder,
+                     .identity = test_.identity};
   BoundDatabase recipes_;
   BoundDatabase transactions_;
-  HistoryPage page_{test_.services, [] { return false; }};
+  HistoryPage page_{services_, [] { return false; }};
 };
 
 class HistoryPageBench {
@@ -161,6 +211,7 @@ class HistoryPageBench {
       ClosedTotals(group);
       Scrolling(group, Differences::kHidden);
       Scrolling(group, Differences::kShown);
+      Finding(group);
     }
     return figures_.Over();
   }
@@ -241,6 +292,34 @@ class HistoryPageBench {
     }
     figures_.Specified(name + ": a jump anywhere, slowest ms", Slowest(jumps),
                        "half of them within " + std::to_string(Median(jumps)) + " ms");
+  }
+
+  // A search of every record, for a text that none has and for ones that many and few have.
+  void Finding(const DataGroup& group) {
+    for (const char* const text : {"giraffe", "CORN", "5200"}) {
+      ShownPage page(years_);
+      page.Choose(group);
+      ShownPage::Settle();
+      double all = Milliseconds([&] { page.StartFind(QString::fromLatin1(text)); });
+      double answered = page.FindHasAnswered() ? all : 0;
+      double slowest = all;
+      while (page.FindRuns()) {
+        const double slice = Milliseconds([&] { page.RunFind(); });
+        all += slice;
+        slowest = std::max(slowest, slice);
+        answered = answered == 0 && page.FindHasAnswered() ? all : answered;
+      }
+      const std::string name = NameOf(group) + ": " + text;
+      figures_.Limited(name + " found, or progress shown, ms", answered == 0 ? all : answered,
+                       kScreenLimit, "all within " + std::to_string(all) + " ms");
+      figures_.Limited(name + " searched, longest without events, ms", slowest, kScreenLimit);
+    }
+    if (!group.levels.empty()) {
+      ShownPage page(years_);
+      page.Choose(group);
+      figures_.Limited(NameOf(group) + ": the beginning of a group typed, ms",
+                       Milliseconds([&] { page.TypeGroup(QStringLiteral("9")); }), kScreenLimit);
+    }
   }
 
   void Memory(const DataGroup& group, int& argc, char** argv) {

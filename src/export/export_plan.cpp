@@ -262,14 +262,8 @@ std::string OwnRowsQuery(const ExportPlan& plan, const ExportRows& rows, const s
 }
 
 std::string FieldExpression(const std::string& field) {
-  const DifferenceColumn* const difference = FindDifferenceColumn(HistoryColumnOfField(field));
-  if (difference == nullptr) {
-    return Bracketed(field);
-  }
-  return OfKind(
-      difference->kind,
-      std::string(difference->percent ? kDifferencePercentFunction : kDifferenceFunction) +
-          "([Target], " + Bracketed(HistoryColumnAt(difference->actual_column).field) + ")");
+  const int column = HistoryColumnOfField(field);
+  return column == 0 ? Bracketed(field) : CellExpression(column);
 }
 
 }  // namespace

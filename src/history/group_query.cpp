@@ -1,8 +1,10 @@
 #include "history/group_query.h"
 
 #include <algorithm>
+#include <charconv>
 #include <iterator>
 #include <limits>
+#include <system_error>
 #include <type_traits>
 #include <utility>
 #include <variant>
@@ -47,6 +49,47 @@ GroupLevel LevelOf(std::string_view key) {
 }
 
 std::string Parameter(int number) { return "?" + std::to_string(number); }
+
+// NULL, numbers, texts.
+int KindOrder(const CellValue& value) {
+  return IsNull(value) ? 0 : std::holds_alternative<std::string>(value) ? 2 : 1;
+}
+
+template <typename Value>
+int Compare(const Value& left, const Value& right) {
+  return left < right ? -1 : left > right ? 1 : 0;
+}
+
+// Has 64 bits of precision where it can, so that it holds every whole number and every double.
+long double NumberIn(const CellValue& value) {
+  const auto* const whole = std::get_if<std::int64_t>(&value);
+  return whole != nullptr ? static_cast<long double>(*whole) : std::get<double>(value);
+}
+
+// The value of SQLite's CAST(value AS INTEGER): of the number that a text begins with, limited to
+// 64 bits.
+CellValue AsInteger(const CellValue& value) {
+  const auto* const text = std::get_if<std::string>(&value);
+  if (text == nullptr) {
+    return value;
+  }
+  std::string_view digits = *text;
+  digits.remove_prefix(std::min(digits.find_first_not_of(" \t\n\v\f\r"), digits.size()));
+  const bool negative = digits.starts_with('-');
+  if (negative || digits.starts_with('+')) {
+    digits.remove_prefix(1);
+  }
+  digits = digits.substr(0, digits.find_first_not_of("0123456789"));
+  using Limits = std::numeric_limits<std::int64_t>;
+  std::int64_t number = 0;
+  const std::string signed_digits = (negative ? "-" : "") + std::string(digits);
+  const std::from_chars_result read =
+      std::from_chars(signed_digits.data(), signed_digits.data() + signed_digits.size(), number);
+  if (read.ec == std::errc::result_out_of_range) {
+    return negative ? Limits::min() : Limits::max();
+  }
+  return number;
+}
 
 // One condition for each key of the level, so that SQLite uses an index on them.
 std::string LevelCondition(const GroupLevel& level, int parameter) {
@@ -190,10 +233,26 @@ std::string GroupQuery::RowsOfRange(std::size_t levels, std::string_view range) 
   return Rows(levels) + " AND " + std::string(kTransactionRange) + " = " + std::string(range);
 }
 
+std::string GroupQuery::Scan() const {
+  return " FROM " + std::string(kTransactionsTable) + " NOT INDEXED WHERE rowid BETWEEN " +
+         Parameter(kFirstOwnParameter) + " AND " + Parameter(kFirstOwnParameter + 1) + " AND " +
+         Conditions(0) + " ORDER BY rowid";
+}
+
+void GroupQuery::BindScan(SQLite::Statement& statement, std::int64_t first,
+                          std::int64_t last) const {
+  BindRows(statement, {});
+  statement.bind(kFirstOwnParameter, first);
+  statement.bind(kFirstOwnParameter + 1, last);
+}
+
 std::string GroupQuery::Rows(std::size_t levels) const {
-  std::string text = " FROM " + std::string(kTransactionsTable) + " WHERE ";
+  return " FROM " + std::string(kTransactionsTable) + " WHERE " + Conditions(levels);
+}
+
+std::string GroupQuery::Conditions(std::size_t levels) const {
   // The `+` prevents SQLite from scanning the table for this order.
-  text += last_row_ ? "+rowid <= " + Parameter(kLastRowParameter) : "1";
+  std::string text = last_row_ ? "+rowid <= " + Parameter(kLastRowParameter) : "1";
   text += filter_ + RowsOfPeriod(levels);
   if (by_name_ && levels == 0) {
     text += " AND " + levels_.front().field + " = " + Parameter(kFirstLevelParameter);
@@ -256,17 +315,48 @@ std::string GroupQuery::WholeOutline() const {
          keys + " ORDER BY " + keys;
 }
 
+int CompareValues(const CellValue& left, const CellValue& right) {
+  if (const int kinds = Compare(KindOrder(left), KindOrder(right)); kinds != 0 || IsNull(left)) {
+    return kinds;
+  }
+  if (const auto* const text = std::get_if<std::string>(&left)) {
+    return Compare(*text, std::get<std::string>(right));
+  }
+  return Compare(NumberIn(left), NumberIn(right));
+}
+
+int CompareLevelValues(int column, const CellValue& left, const CellValue& right) {
+  const int numbers = IsNumberAsText(column) ? CompareValues(AsInteger(left), AsInteger(right)) : 0;
+  return numbers != 0 ? numbers : CompareValues(left, right);
+}
+
+std::string CellExpression(int column) {
+  const DifferenceColumn* const difference = FindDifferenceColumn(column);
+  if (difference == nullptr) {
+    return Bracketed(HistoryColumnAt(column).field);
+  }
+  return OfKind(
+      difference->kind,
+      std::string(difference->percent ? kDifferencePercentFunction : kDifferenceFunction) +
+          "([Target], " + Bracketed(HistoryColumnAt(difference->actual_column).field) + ")");
+}
+
+std::string SortExpression(int column) {
+  if (column == 0) {
+    return "NULL";
+  }
+  if (const DifferenceColumn* const difference = FindDifferenceColumn(column)) {
+    return DifferenceOrder(difference->kind, difference->percent);
+  }
+  const std::string field = Bracketed(HistoryColumnAt(column).field);
+  return IsNumberAsText(column) ? NumberOf(field) : field;
+}
+
 std::string RecordOrderText(int column, bool ascending) {
   if (column == 0) {
     return " ORDER BY +rowid";
   }
-  if (const DifferenceColumn* const difference = FindDifferenceColumn(column)) {
-    return " ORDER BY " + DifferenceOrder(difference->kind, difference->percent) +
-           (ascending ? "" : " DESC") + ", rowid";
-  }
-  const std::string field = Bracketed(HistoryColumnAt(column).field);
-  return " ORDER BY " + (IsNumberAsText(column) ? NumberOf(field) : field) +
-         (ascending ? "" : " DESC") + ", rowid";
+  return " ORDER BY " + SortExpression(column) + (ascending ? "" : " DESC") + ", rowid";
 }
 
 std::string RecordColumns(std::string_view prefix) {

@@ -30,6 +30,12 @@ enum class HistoryRowKind { kGroup, kTotal, kRecord };
   return std::holds_alternative<std::monostate>(value);
 }
 
+// Sort order of the records of a group. Column 0 is stored order.
+struct RecordSort {
+  int column = 0;
+  bool ascending = true;
+};
+
 // Cache of the prepared statements of one view. A statement that is not in use is reset and holds
 // no lock; its bindings remain.
 class Statements {
@@ -128,6 +134,13 @@ class GroupQuery {
   [[nodiscard]] std::string FirstAfter() const;
   void BindFirstAfter(SQLite::Statement& statement, std::int64_t rowid) const;
 
+  // " FROM ... WHERE ... ORDER BY rowid" for the rows of the view with a rowid from the first own
+  // parameter to the second one, in stored order. It scans the table and searches no other index.
+  [[nodiscard]] std::string Scan() const;
+  void BindScan(SQLite::Statement& statement, std::int64_t first, std::int64_t last) const;
+  // The rows of the view have no higher rowid, if EndAt was called.
+  [[nodiscard]] const std::optional<std::int64_t>& LastRow() const { return last_row_; }
+
   // For a ranged query: the values of the next level inside a group at that depth, ascending, NULL
   // first. Each value of each range takes one search of an index.
   [[nodiscard]] std::string ValuesInRanges(std::size_t levels) const;
@@ -138,6 +151,7 @@ class GroupQuery {
 
  private:
   [[nodiscard]] std::string Rows(std::size_t levels) const;
+  [[nodiscard]] std::string Conditions(std::size_t levels) const;
   [[nodiscard]] std::string RowsOfPeriod(std::size_t levels) const;
   [[nodiscard]] bool StartsByDate() const;
   [[nodiscard]] std::string RowsOfRange(std::size_t levels, std::string_view range) const;
@@ -154,6 +168,18 @@ class GroupQuery {
   std::optional<std::vector<std::int64_t>> ranges_;
   std::string ranges_text_;
 };
+
+// SQLite's order of two values: NULL, numbers, texts by their bytes. Negative, 0 or positive.
+[[nodiscard]] int CompareValues(const CellValue& left, const CellValue& right);
+// The order of the values of a level: users are in the order of their numbers.
+[[nodiscard]] int CompareLevelValues(int column, const CellValue& left, const CellValue& right);
+
+// SQL expression that orders the records by a column; NULL for column 0.
+[[nodiscard]] std::string SortExpression(int column);
+
+// SQL expression of a record's cell: the stored value, or the text of a difference, which needs
+// RegisterDifferences.
+[[nodiscard]] std::string CellExpression(int column);
 
 // " ORDER BY ..." for the values of a column, equal values in stored order. Column 0 is stored
 // order.

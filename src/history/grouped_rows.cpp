@@ -23,6 +23,7 @@
 #include "database/transactions.h"
 #include "history/columns.h"
 #include "history/data_group.h"
+#include "history/found_rows.h"
 #include "history/group_query.h"
 #include "history/group_totals.h"
 #include "history/outline.h"
@@ -81,6 +82,7 @@ struct View {
   RecordPages pages;
   GroupTotals totals;
   SlicedTotals sliced;
+  std::optional<FoundRows> found;
   std::int64_t undated = 0;
 };
 
@@ -174,6 +176,7 @@ class GroupedRows::Impl {
     if (column != 0) {
       HistoryColumnAt(column);
     }
+    view_->found.reset();
     const RecordSort sort{.column = column, .ascending = ascending};
     if (row < 1 || row > Rows().RowCount()) {
       view_->pages.SortBy(sort);
@@ -189,18 +192,40 @@ class GroupedRows::Impl {
       if (!first->executeStep()) {
         return 0;
       }
-      GroupPath path;
+      RowPlace place{.rowid = first->getColumn(0).getInt64()};
       for (int level = 1; level <= static_cast<int>(view_->query.Levels().size()); ++level) {
-        const std::optional<GroupPath> group =
-            Rows().FindGroup(path, ValueOf(first->getColumn(level)));
-        if (!group) {
-          return 0;  // stored after the view was read
-        }
-        path = *group;
-        Open(path);
+        place.groups.push_back(ValueOf(first->getColumn(level)));
       }
-      const std::optional<std::int64_t> place = PlaceOf(path, first->getColumn(0).getInt64());
-      return place ? Rows().RowOf(path, *place) : 0;
+      return OpenNow(place, false);
+    });
+  }
+
+  void Find(const CellTest* test, std::vector<int> columns) {
+    view_->found.reset();
+    if (test != nullptr) {
+      view_->found.emplace(database_, view_->query, *test, std::move(columns), view_->pages.Sort());
+    }
+  }
+  [[nodiscard]] std::optional<FoundRows>& Found() { return view_->found; }
+
+  std::int64_t OpenTo(const RowPlace& place, bool and_itself) {
+    return Read(database_, [&] { return OpenNow(place, and_itself); });
+  }
+
+  RowPlace PlaceOf(std::int64_t row) {
+    const OutlinePlace place = Rows().Find(row);
+    RowPlace answer{.kind = place.kind, .groups = Rows().Values(place.path)};
+    if (place.kind != HistoryRowKind::kRecord) {
+      return answer;
+    }
+    return Read(database_, [&] {
+      answer.rowid = view_->pages.RowidAt(Rows(), place).value_or(0);
+      Statements::InUse sorted =
+          view_->statements.Take("SELECT " + SortExpression(view_->pages.Sort().column) + " FROM " +
+                                 std::string(kTransactionsTable) + " WHERE rowid = ?");
+      sorted->bind(1, answer.rowid);
+      answer.sorted = sorted->executeStep() ? ValueOf(sorted->getColumn(0)) : CellValue();
+      return answer;
     });
   }
 
@@ -246,7 +271,29 @@ class GroupedRows::Impl {
     }
   }
 
-  // Of one of the last records. In stored order it takes no list of all records.
+  // 0 if there is no such row, because it was stored or deleted after the view was read.
+  std::int64_t OpenNow(const RowPlace& place, bool and_itself) {
+    const bool is_record = place.kind == HistoryRowKind::kRecord;
+    GroupPath path;
+    for (const CellValue& value : place.groups) {
+      const std::optional<GroupPath> group = Rows().FindGroup(path, value);
+      if (!group) {
+        return 0;
+      }
+      path = *group;
+      if (is_record || and_itself || path.size() < place.groups.size()) {
+        Open(path);
+      }
+    }
+    if (!is_record) {
+      return Rows().RowOf(path);
+    }
+    const std::optional<std::int64_t> record =
+        place.record < 0 ? PlaceOf(path, place.rowid) : place.record;
+    return record ? Rows().RowOf(path, *record) : 0;
+  }
+
+  // In stored order it takes no list of all records, but counts those after it.
   std::optional<std::int64_t> PlaceOf(const GroupPath& path, std::int64_t rowid) {
     if (view_->pages.Sort().column != 0) {
       return view_->pages.PlaceOf(Rows(), path, rowid);
@@ -394,6 +441,18 @@ SumsRead GroupedRows::ReadSums(std::int64_t first, std::int64_t last, std::int64
 }
 void GroupedRows::SumColumns(std::vector<int> columns, bool compared) {
   impl_->SumColumns({.columns = std::move(columns), .compared = compared});
+}
+void GroupedRows::Find(const CellTest* test, std::vector<int> columns) {
+  impl_->Find(test, std::move(columns));
+}
+FoundRows* GroupedRows::Found() const { return impl_->Found() ? &*impl_->Found() : nullptr; }
+std::int64_t GroupedRows::OpenTo(const RowPlace& place, bool and_itself) {
+  return impl_->OpenTo(place, and_itself);
+}
+RowPlace GroupedRows::PlaceOf(std::int64_t row) { return impl_->PlaceOf(row); }
+std::int64_t GroupedRows::FirstGroupBeside(
+    std::int64_t row, const std::function<bool(const CellValue&)>& condition) const {
+  return impl_->Rows().FirstGroupBeside(row, condition);
 }
 
 }  // namespace vrx

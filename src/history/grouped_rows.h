@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstdint>
+#include <functional>
 #include <memory>
 #include <string>
 #include <string_view>
@@ -10,6 +11,7 @@
 
 #include "history/data_group.h"
 #include "history/difference.h"
+#include "history/found_rows.h"
 #include "history/group_query.h"
 #include "history/period.h"
 
@@ -85,6 +87,21 @@ class GroupedRows {
   // Opens the groups of the first of the `count` records stored last, as far as the view shows
   // them, and returns its row; 0 if it shows none of them.
   std::int64_t OpenNewest(std::int64_t count);
+
+  // Begins a search of this view, in place of an earlier one; Show and SortBy end it. `columns` are
+  // those of records. The test outlives the search; nullptr only ends the earlier one.
+  void Find(const CellTest* test, std::vector<int> columns);
+  // nullptr if there is no search.
+  [[nodiscard]] FoundRows* Found() const;
+  // Opens the groups around that row, with `and_itself` also the group of a group row. Returns its
+  // number, or 0 if it is not in the view.
+  std::int64_t OpenTo(const RowPlace& place, bool and_itself);
+  // Throws std::out_of_range for a missing row.
+  RowPlace PlaceOf(std::int64_t row);
+  // The first group row beside that group row, or itself, whose value fulfills the condition; 0 if
+  // there is none. Reads nothing.
+  [[nodiscard]] std::int64_t FirstGroupBeside(
+      std::int64_t row, const std::function<bool(const CellValue&)>& condition) const;
 
   // Continues to read the sums of the rows from `first` to `last` that Row gives only when they are
   // known: the next `records` records, or somewhat more. Has the sums of a closed group also where

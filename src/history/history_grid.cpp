@@ -1,6 +1,9 @@
 #include "history/history_grid.h"
 
 #include <algorithm>
+#include <cstddef>
+
+#include "base/date.h"
 
 namespace vrx {
 namespace {
@@ -137,6 +140,68 @@ std::int64_t HistoryGrid::OpenNewest(std::int64_t count) {
   const std::int64_t row = rows_.OpenNewest(count);
   UpdateColumnHeaderStrip();
   return row;
+}
+
+void HistoryGrid::Find(std::string_view typed) {
+  rows_.Find(nullptr, {});
+  sought_ = std::make_unique<FindText>(typed);
+  searched_ = SearchedColumns();
+  if (!sought_->IsEmpty()) {
+    rows_.Find(sought_.get(), searched_);
+  }
+}
+
+const FoundRows* HistoryGrid::Found() const {
+  return searched_ == SearchedColumns() ? rows_.Found() : nullptr;
+}
+
+std::optional<FoundCell> HistoryGrid::OpenFound(std::int64_t index) {
+  const RowPlace place = rows_.Found()->At(index);
+  // A day is sought for what happened on it.
+  const std::int64_t row = rows_.OpenTo(place, sought_->Day().has_value());
+  UpdateColumnHeaderStrip();
+  if (row == 0) {
+    return std::nullopt;
+  }
+  if (place.kind == HistoryRowKind::kGroup) {
+    return FoundCell{.row = row, .column = 0};
+  }
+  const HistoryRow record = rows_.Row(row);
+  const auto found = std::find_if(searched_.begin(), searched_.end(), [&](int column) {
+    const HistoryColumn& traits = HistoryColumnAt(column);
+    return FindDifferenceColumn(column) != nullptr
+               ? sought_->IsInText(traits, ShownCell(record, *group_, columns_, column))
+               : sought_->IsIn(traits, record.cells[static_cast<std::size_t>(column) - 1]);
+  });
+  return found == searched_.end() ? std::nullopt : std::optional(FoundCell{row, *found});
+}
+
+std::optional<FoundCell> HistoryGrid::OpenFoundDay() {
+  if (!sought_->Day() || group_->levels.empty() || group_->levels.front() != "Date") {
+    return std::nullopt;
+  }
+  const RowPlace day{.kind = HistoryRowKind::kGroup, .groups = {StoredText(*sought_->Day())}};
+  const std::int64_t row = rows_.OpenTo(day, true);
+  UpdateColumnHeaderStrip();
+  return row == 0 ? std::nullopt : std::optional(FoundCell{.row = row, .column = 0});
+}
+
+// Those of a record that are blank are not searched.
+std::vector<int> HistoryGrid::SearchedColumns() const {
+  std::vector<int> columns = columns_.VisibleColumns();
+  const int depth = static_cast<int>(group_->levels.size()) + 1;
+  std::erase_if(columns, [&](int column) { return IsBlanked(*group_, depth, column); });
+  return columns;
+}
+
+std::int64_t HistoryGrid::FirstGroupBeginning(std::int64_t row, std::string_view typed) {
+  if (rows_.KindOf(row) != HistoryRowKind::kGroup) {
+    return 0;
+  }
+  const auto depth = static_cast<std::size_t>(rows_.Row(row).depth);
+  const HistoryColumn& column = HistoryColumnAt(HistoryColumnOfKey(group_->levels.at(depth - 1)));
+  return rows_.FirstGroupBeside(
+      row, [&](const CellValue& value) { return BeginsWith(ShownValue(column, value), typed); });
 }
 
 void HistoryGrid::UpdateColumnHeaderStrip() {

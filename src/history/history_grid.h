@@ -1,6 +1,8 @@
 #pragma once
 
 #include <cstdint>
+#include <memory>
+#include <optional>
 #include <span>
 #include <string>
 #include <string_view>
@@ -13,10 +15,18 @@
 #include "history/columns.h"
 #include "history/data_group.h"
 #include "history/difference.h"
+#include "history/find_text.h"
+#include "history/found_rows.h"
 #include "history/grouped_rows.h"
 #include "history/row_format.h"
 
 namespace vrx {
+
+// A row that a search has reached, and its first column that has what is sought; 0 for a group row.
+struct FoundCell {
+  std::int64_t row;
+  int column;
+};
 
 // `grdTRANS` without a window: the formatted rows of a data group and their columns. Used by the
 // screen, the printed page and the command line.
@@ -94,6 +104,25 @@ class HistoryGrid {
   [[nodiscard]] int SortColumn() const { return sort_column_; }  // 0: none
   [[nodiscard]] bool SortAscending() const { return sort_ascending_; }
 
+  // Begins a search for a text in the values of the groups and in the visible columns of their
+  // records. An empty text only ends an earlier search.
+  void Find(std::string_view typed);
+  // The search; nullptr after EndFind and after a change of what it searches or in which order.
+  [[nodiscard]] const FoundRows* Found() const;
+  // FoundRows::Scan.
+  void FindMore() { rows_.Found()->Scan(); }
+  // Opens the groups around a found row, by its index; updates the column headers. Nothing if the
+  // row was deleted.
+  std::optional<FoundCell> OpenFound(std::int64_t index);
+  // Opens the group of the day that is sought, at once. Nothing without a day, without groups by
+  // day on the outermost level, or without a group of that day.
+  std::optional<FoundCell> OpenFoundDay();
+  [[nodiscard]] RowPlace PlaceOf(std::int64_t row) { return rows_.PlaceOf(row); }
+
+  // The first group row beside that group row, or itself, whose value as it is shown begins with
+  // what was typed, ignoring case; 0 if there is none.
+  [[nodiscard]] std::int64_t FirstGroupBeginning(std::int64_t row, std::string_view typed);
+
   // True if the column headers are shown: while any visible row is a record. Unchanged while there
   // is no row.
   [[nodiscard]] bool ColumnHeaders() const { return column_headers_; }
@@ -104,7 +133,10 @@ class HistoryGrid {
   void Settle(HistoryColumns columns);
   void SumVisible(const HistoryColumns& columns);
   void ShowRows(std::string_view name, const Period& period);
+  [[nodiscard]] std::vector<int> SearchedColumns() const;
 
+  std::unique_ptr<FindText> sought_;  // outlives the rows, which search for it
+  std::vector<int> searched_;
   GroupedRows rows_;
   HistoryColumns columns_;
   const DataGroup* group_;

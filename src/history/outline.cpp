@@ -78,12 +78,12 @@ class ValueFinder {
                                     : std::nullopt;
   }
 
-  void Take(const CellValue& value) {
+  void Take(CellValue value) {
     if (found_.size() + 1 == keys_.size()) {
-      values_.push_back(value);
+      values_.push_back(std::move(value));
       return;
     }
-    found_.push_back(value);
+    found_.push_back(std::move(value));
     FindNextKey();
     found_.pop_back();
   }
@@ -303,18 +303,40 @@ std::optional<GroupPath> Outline::FindGroup(const GroupPath& outer, const CellVa
   return path;
 }
 
+std::int64_t Outline::FirstGroupBeside(
+    std::int64_t row, const std::function<bool(const CellValue&)>& condition) const {
+  OutlinePlace place = Find(row);
+  if (place.kind != HistoryRowKind::kGroup) {
+    return 0;
+  }
+  place.path.pop_back();
+  const std::vector<Node>& nodes = levels_[place.path.size()].nodes;
+  const Node& outer = At(place.path);
+  place.path.push_back(outer.first);
+  for (std::int64_t inside = 0; inside < outer.inside; ++inside, ++place.path.back()) {
+    if (condition(ValueOf(nodes[place.path.back()]))) {
+      return RowOf(place.path);
+    }
+  }
+  return 0;
+}
+
+CellValue Outline::ValueOf(const Node& node) {
+  return std::visit(
+      [](const auto& kept) -> CellValue {
+        if constexpr (std::is_same_v<std::decay_t<decltype(kept)>, const std::string*>) {
+          return *kept;
+        } else {
+          return kept;
+        }
+      },
+      node.value);
+}
+
 std::vector<CellValue> Outline::Values(const GroupPath& path) const {
   std::vector<CellValue> values;
   for (std::size_t level = 0; level < path.size(); ++level) {
-    values.push_back(std::visit(
-        [](const auto& kept) -> CellValue {
-          if constexpr (std::is_same_v<std::decay_t<decltype(kept)>, const std::string*>) {
-            return *kept;
-          } else {
-            return kept;
-          }
-        },
-        levels_[level].nodes[path[level]].value));
+    values.push_back(ValueOf(levels_[level].nodes[path[level]]));
   }
   return values;
 }

@@ -2,6 +2,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <functional>
 #include <optional>
 #include <span>
 #include <string>
@@ -58,11 +59,18 @@ class Outline {
 
   // The row of a record, if all groups of the path are open.
   [[nodiscard]] std::int64_t RowOf(const GroupPath& path, std::int64_t record) const;
+  // The row of a group, if the groups around it are open.
+  [[nodiscard]] std::int64_t RowOf(const GroupPath& path) const { return RowOf(path, -1); }
 
   // The group with that value inside a known group; nothing if there is none. Linear in the number
   // of groups there.
   [[nodiscard]] std::optional<GroupPath> FindGroup(const GroupPath& outer,
                                                    const CellValue& value) const;
+
+  // The first group row beside that group row, or itself, whose value fulfills the condition; 0 if
+  // there is none, and for any other row.
+  [[nodiscard]] std::int64_t FirstGroupBeside(
+      std::int64_t row, const std::function<bool(const CellValue&)>& condition) const;
 
   [[nodiscard]] std::vector<CellValue> Values(const GroupPath& path) const;
   [[nodiscard]] bool IsInnermost(const GroupPath& path) const {
@@ -118,6 +126,7 @@ class Outline {
   // level.
   RowSum Inside(const Node& node, std::size_t inner) const;
   RowSum Taken(const Node& node, std::size_t inner) const;
+  static CellValue ValueOf(const Node& node);
 
   Node table_;
   std::vector<Level> levels_;

@@ -113,12 +113,6 @@ class RecordRanges {
   bool stored_in_turn_;
 };
 
-// Sort order of the records of a group. Column 0 is stored order.
-struct RecordSort {
-  int column = 0;
-  bool ascending = true;
-};
-
 // Cache of records near the last requested ones, read in pages of a group. A deleted record is a
 // row of NULLs.
 class RecordPages {

@@ -180,19 +180,26 @@ HistoryPresenter::HistoryPresenter(SQLite::Database& transactions, Services& ser
     : services_(services),
       screen_(screen),
       grid_(transactions),
-      picker_(services.pump, [this] { screen_.HistoryChanged(HistoryPart::kNamePicker); }) {}
+      picker_(services.pump, [this] { screen_.HistoryChanged(HistoryPart::kNamePicker); }),
+      find_(
+          grid_, services, [this] { screen_.HistoryChanged(HistoryPart::kFind); },
+          [this](const FoundCell& cell) {
+            last_found_ = cell;
+            screen_.HistoryChanged(HistoryPart::kGrid);
+            screen_.HistoryChanged(HistoryPart::kFoundCell);
+          }) {}
 
 void HistoryPresenter::SetTransactionDatabase(SQLite::Database& transactions) {
   grid_.Bind(transactions);
   FollowToday();
   grid_.ApplyExpandState(expand_all_);
-  screen_.HistoryChanged(HistoryPart::kGrid);
+  ShowGrid();
 }
 
 void HistoryPresenter::SetRecipeDatabase(SQLite::Database* recipes) {
   grid_.RefreshIngredientColumns(IngredientGridRows(recipes));
   recipes_ = recipes;
-  screen_.HistoryChanged(HistoryPart::kGrid);
+  ShowGrid();
 }
 
 void HistoryPresenter::SelectGroup(int index) {
@@ -335,6 +342,28 @@ std::int64_t HistoryPresenter::OpenNewest(std::int64_t count) {
   return row;
 }
 
+std::int64_t HistoryPresenter::GroupBeginning(std::int64_t row, std::string_view typed) {
+  std::int64_t group = 0;
+  RunReported(services_.op, kFailure, [&] { group = grid_.FirstGroupBeginning(row, typed); });
+  return group;
+}
+
+std::optional<CopiedRows> HistoryPresenter::Copy(std::span<const CopiedRange> ranges) {
+  if (const std::int64_t count = CountRows(ranges); count > kMostCopiedRows) {
+    services_.op.ShowMessage(
+        {.icon = Icon::kWarning,
+         .title = Tr("Copy"),
+         .text =
+             Tr("%1 rows are selected, but only %2 can be copied at once. Select fewer rows, or "
+                "write all of them to a file on the Export tab.",
+                {std::to_string(count), std::to_string(kMostCopiedRows)})});
+    return std::nullopt;
+  }
+  std::optional<CopiedRows> rows;
+  RunReported(services_.op, kFailure, [&] { rows = CopyRows(grid_, ranges); });
+  return rows;
+}
+
 void HistoryPresenter::TabChanged() {
   Act([this] {
     grid_.CollapseAll();
@@ -408,12 +437,17 @@ std::vector<IngredientRecord> HistoryPresenter::IngredientGridRows(
 
 void HistoryPresenter::ShowGridVisible(bool visible) {
   grid_visible_ = visible;
+  ShowGrid();
+}
+
+void HistoryPresenter::ShowGrid() {
+  find_.GridChanged();
   screen_.HistoryChanged(HistoryPart::kGrid);
 }
 
 void HistoryPresenter::Act(const std::function<void()>& action) {
   RunReported(services_.op, kFailure, action);
-  screen_.HistoryChanged(HistoryPart::kGrid);
+  ShowGrid();
 }
 
 }  // namespace vrx

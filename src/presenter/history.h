@@ -5,6 +5,8 @@
 #include <cstdint>
 #include <exception>
 #include <functional>
+#include <optional>
+#include <span>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -12,10 +14,12 @@
 #include <SQLiteCpp/Database.h>
 
 #include "database/records.h"
+#include "history/copied_rows.h"
 #include "history/history_grid.h"
 #include "history/period.h"
 #include "platform/event_pump.h"
 #include "platform/operator.h"
+#include "presenter/find.h"
 #include "presenter/services.h"
 
 namespace vrx {
@@ -79,7 +83,7 @@ class NamePicker {
   std::array<Cache, 3> caches_;  // RecipeNames, IngredientNames, PenNames
 };
 
-enum class HistoryPart { kGroupList, kNamePicker, kPeriod, kGrid };
+enum class HistoryPart { kGroupList, kNamePicker, kPeriod, kGrid, kFind, kFoundCell };
 
 // The list of periods and the two fields of its days.
 struct PeriodState {
@@ -160,6 +164,16 @@ class HistoryPresenter {
   // and returns its row; 0 if it shows none of them.
   std::int64_t OpenNewest(std::int64_t count);
 
+  // The bar of the search and what it does.
+  [[nodiscard]] HistoryFind& Find() { return find_; }
+  // Where the search went last, for kFoundCell.
+  [[nodiscard]] const FoundCell& LastFound() const { return last_found_; }
+  // The first group row beside that row whose value begins with what was typed, as
+  // HistoryGrid::FirstGroupBeginning; 0 if there is none.
+  std::int64_t GroupBeginning(std::int64_t row, std::string_view typed);
+  // The rows for the clipboard. Refuses more than kMostCopiedRows.
+  std::optional<CopiedRows> Copy(std::span<const CopiedRange> ranges);
+
   // Called after any change of the main tab, and then when this one is entered.
   void TabChanged();
   void TabEntered();
@@ -179,12 +193,15 @@ class HistoryPresenter {
   void ShowPeriod(const Period& period);
   void FollowToday();
   void ShowGridVisible(bool visible);
+  void ShowGrid();
   void Act(const std::function<void()>& action);
 
   Services& services_;
   HistoryView& screen_;
   HistoryGrid grid_;
   NamePicker picker_;
+  HistoryFind find_;
+  FoundCell last_found_{};
   PeriodState period_;
   SQLite::Database* recipes_ = nullptr;
   int group_index_ = 0;

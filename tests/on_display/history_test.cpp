@@ -119,5 +119,93 @@ TEST_F(HistoryOnDisplay, AClosedGroupSaysItsTotals) {
   }));
 }
 
+// Three records with a pen of their own, and recipes in many groups.
+class FindOnDisplay : public HistoryOnDisplay {
+ protected:
+  FindOnDisplay() {
+    SQLite::Database database(transactions, SQLite::OPEN_READWRITE);
+    database.exec(
+        "UPDATE Transactions SET Pen = 'LAMBS 7' WHERE rowid % (SELECT count(*) / 3 FROM "
+        "Transactions) = 1");
+    database.exec("UPDATE Transactions SET Recipe = 'ZEBRA ' || [Transaction] WHERE rowid % 2 = 0");
+    found = database.execAndGet("SELECT count(*) FROM Transactions WHERE Pen = 'LAMBS 7'").getInt();
+    last_zebra =
+        database.execAndGet("SELECT max(Recipe) FROM Transactions WHERE Recipe LIKE 'ZEBRA%'")
+            .getString();
+  }
+
+  bool WaitForText(const std::string& label, const std::string& text) {
+    return WaitFor([&](const Screen& screen) {
+      const Widget* const shown = screen.Find(label);
+      return shown != nullptr && shown->text == text;
+    });
+  }
+  // The current cell has that text and is on the screen.
+  bool WaitForCurrentCell(const std::string& text) {
+    return WaitFor([&](const Screen& screen) {
+      const Widget* const grid = screen.Find("grdTRANS");
+      return grid != nullptr &&
+             std::any_of(grid->cells.begin(), grid->cells.end(),
+                         [&](const Cell& cell) { return cell.current && cell.text == text; });
+    });
+  }
+  void ShowRecipes() {
+    Click("lstGroupBy");
+    Keys({"Home", "Down", "Down", "Down", "Return"});
+    ASSERT_TRUE(WaitForText("lstGroupBy", "Recipes (all)"));
+  }
+
+  int found = 0;
+  std::string last_zebra;
+};
+
+TEST_F(FindOnDisplay, ATextIsFoundFromRowToRow) {
+  ASSERT_GT(found, 2);
+  const std::string of = " of " + std::to_string(found);
+  Keys({"ctrl+f"});
+  ASSERT_TRUE(WaitFor([](const Screen& screen) {
+    return screen.Focus() != nullptr && screen.Focus()->name == "txtFind";
+  }));
+  Type("lambs");
+  EXPECT_TRUE(WaitForText("lblFindCount", "1" + of));
+  EXPECT_TRUE(WaitForCurrentCell("LAMBS 7"));
+  Keys({"Return"});
+  EXPECT_TRUE(WaitForText("lblFindCount", "2" + of));
+  Keys({"shift+F3", "shift+F3"});
+  EXPECT_TRUE(WaitForText("lblFindCount", std::to_string(found) + of));
+  EXPECT_TRUE(WaitForText("lblFindNote", "The search went on at the bottom."));
+  Keys({"Escape", "F3"});
+  EXPECT_TRUE(WaitForText("lblFindCount", "1" + of));
+  Keys({"Escape"});
+  EXPECT_TRUE(WaitFor([](const Screen& screen) { return screen.Find("txtFind") == nullptr; }));
+  Keys({"Down"});  // the grid has the keyboard
+  EXPECT_TRUE(WaitFor([](const Screen& screen) {
+    const Widget* const grid = screen.Find("grdTRANS");
+    return grid != nullptr &&
+           std::any_of(grid->cells.begin(), grid->cells.end(),
+                       [](const Cell& cell) { return cell.current && cell.row == 1; });
+  }));
+}
+
+TEST_F(FindOnDisplay, AGroupIsReachedByTypingItsName) {
+  ShowRecipes();
+  ClickCell("grdTRANS", 0, 0);
+  Type(last_zebra);
+  EXPECT_TRUE(WaitForCurrentCell("Recipe:" + last_zebra));
+}
+
+// What the program has copied is pasted into a field of it.
+TEST_F(FindOnDisplay, SelectedRowsAreCopied) {
+  ClickCell("grdTRANS", 0, 0);
+  Keys({"shift+Down", "ctrl+c", "ctrl+f"});
+  ASSERT_TRUE(WaitFor([](const Screen& screen) {
+    return screen.Focus() != nullptr && screen.Focus()->name == "txtFind";
+  }));
+  Keys({"ctrl+v"});
+  EXPECT_TRUE(WaitFor([](const Screen& screen) {
+    return screen.Find("txtFind")->text.starts_with("Transaction\tRecipe\tType\t");
+  }));
+}
+
 }  // namespace
 }  // namespace vrx::testing

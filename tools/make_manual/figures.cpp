@@ -1,6 +1,7 @@
 #include "make_manual/figures.h"
 
 #include <QAbstractButton>
+#include <QAction>
 #include <QApplication>
 #include <QCheckBox>
 #include <QComboBox>
@@ -159,6 +160,21 @@ QImage PeriodOfTwoDays(SampleProgram& program) {
   return window;
 }
 
+QImage Found(SampleProgram& program) {
+  program.ShowTab(kTabBatchedFed);
+  Pick(program, "lstGroupBy", 0);
+  program.Find<QAction>("mnuEditFind").trigger();
+  auto& field = program.Find<QLineEdit>("txtFind");
+  field.setText(QStringLiteral("corn"));
+  Q_EMIT field.textEdited(field.text());
+  Click(program, "cmdFindNext");
+  Click(program, "cmdFindNext");
+  program.Find<QWidget>("grdTRANS").setFocus();  // no blinking cursor
+  QImage image = WholeWindow(program);
+  Click(program, "cmdFindClose");
+  return image;
+}
+
 QImage OnePen(SampleProgram& program) {
   constexpr int kPenByName = 9;
   program.ShowTab(kTabBatchedFed);
@@ -312,6 +328,7 @@ constexpr std::array kFigures = std::to_array<Figure>({
     {"batched-fed-closed", &DatesClosed},
     {"batched-fed", &RecipesOpened},
     {"batched-fed-period", &PeriodOfTwoDays},
+    {"batched-fed-find", &Found},
     {"batched-fed-pen", &OnePen},
     {"batched-fed-differences", &Differences},
     {"import", &Import},

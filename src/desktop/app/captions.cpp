@@ -128,10 +128,13 @@ constexpr std::array kCaptions = std::to_array<Caption>({
     {2003, TrMark("To")},
     {2004, TrMark("Mark differences beyond")},
     {2005, TrMark("percent of the target.")},
+    {2006, TrMark("Find")},
     {2010, TrMark("&Undo")},
     {2011, TrMark("Re&do")},
     {2012, TrMark("C&opy Recipe...")},
     {2013, TrMark("Co&mpare Recipes...")},
+    {2014, TrMark("&Copy")},
+    {2015, TrMark("&Find...")},
     {2020, TrMark("&Refresh")},
     {2021, TrMark("&Chapter of This Tab")},
 });

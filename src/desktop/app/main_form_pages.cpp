@@ -2,7 +2,10 @@
 // databases.
 
 #include <QAbstractItemView>
+#include <QClipboard>
+#include <QGuiApplication>
 #include <QLineEdit>
+#include <QMetaObject>
 #include <QShortcut>
 #include <QTimer>
 #include <filesystem>
@@ -13,6 +16,7 @@
 #include "database/identity.h"
 #include "desktop/app/main_form.h"
 #include "desktop/dialogs/recipe_dialogs.h"
+#include "desktop/history/history_table.h"
 #include "presenter/recipe_actions.h"
 #include "widgets/qt_text.h"
 
@@ -36,6 +40,18 @@ void FocusFirstIn(QWidget& page) {
       next->setFocus();
       return;
     }
+  }
+}
+
+// The key comes to the menu before the control; only fields take it first. A key that is sent on
+// would come to the menu again.
+void CopyFrom(QWidget* focus) {
+  if (auto* const records = qobject_cast<HistoryTableView*>(focus)) {
+    Q_EMIT records->CopyChosen();
+  } else if (const auto* const list = qobject_cast<QAbstractItemView*>(focus)) {
+    QGuiApplication::clipboard()->setText(list->currentIndex().data().toString());
+  } else if (focus != nullptr && focus->metaObject()->indexOfSlot("copy()") >= 0) {
+    QMetaObject::invokeMethod(focus, "copy");
   }
 }
 
@@ -313,6 +329,11 @@ SetupFacts MainForm::Facts() const {
 
 void MainForm::AddHistoryPages() {
   window_.SetPage(kTabBatchedFed, history_);
+  window_.SetHandler(MainCommand::kFind, [this] { history_->ShowFind(); });
+  window_.SetHandler(MainCommand::kCopy, [this] { CopyFrom(window_.focusWidget()); });
+  window_.Turn(MainCommand::kFind, history_->MayFind());
+  connect(history_, &HistoryPage::FindAllowed, this,
+          [this](bool allowed) { window_.Turn(MainCommand::kFind, allowed); });
   auto* const page = new ExportPage(services_, databases_, style_sheets_, *history_,
                                     [this] { import_->ConfigureImportColumns(); });
   window_.SetPage(kTabExport, page);

@@ -1,7 +1,9 @@
 #include "desktop/history/history_bars.h"
 
 #include <QFontMetrics>
+#include <QGuiApplication>
 #include <QHBoxLayout>
+#include <QShortcut>
 #include <QVBoxLayout>
 #include <algorithm>
 #include <cstddef>
@@ -31,6 +33,9 @@ constexpr std::array<MoveButton, 4> kMoveButtons{
 constexpr int kPeriodCaption = 2001;
 constexpr int kFromCaption = 2002;
 constexpr int kToCaption = 2003;
+constexpr int kFindCaption = 2006;
+constexpr int kFindLength = 100;
+constexpr int kFindCharacters = 20;
 
 // In the order of PeriodChoice.
 constexpr std::array<const char*, 6> kPeriods{"All",        "Today",      "Last 7 days",
@@ -183,6 +188,95 @@ void PeriodBar::Show(const PeriodState& period) {
 void PeriodBar::ShowNote(const QString& note) {
   note_->setText(note);
   note_->setVisible(!note.isEmpty());
+}
+
+FindBar::FindBar(QWidget* parent)
+    : QWidget(parent),
+      field_(new QLineEdit(this)),
+      previous_(
+          AddButton("cmdFindPrevious", QTr("Previous"), QTr("Previous one found (Shift+F3)"))),
+      next_(AddButton("cmdFindNext", QTr("Next"), QTr("Next one found (F3)"))),
+      count_(AddLabel(*this, "lblFindCount")),
+      progress_(new QProgressBar(this)),
+      cancel_(AddButton("cmdFindCancel", QTr("Cancel"), QTr("Stop searching"))),
+      close_(AddButton("cmdFindClose", QTr("Close"), QTr("Close the search (Esc)"))),
+      note_(AddLabel(*this, "lblFindNote")) {
+  setObjectName(QStringLiteral("barFind"));
+  field_->setObjectName(QStringLiteral("txtFind"));
+  field_->setAccessibleName(QTr("Find"));
+  field_->setPlaceholderText(QTr("Text, number or date"));
+  field_->setMaxLength(kFindLength);
+  field_->setMinimumWidth(kFindCharacters * fontMetrics().averageCharWidth());
+  progress_->setObjectName(QStringLiteral("prgFind"));
+  progress_->setAccessibleName(QTr("Progress of the search"));
+  progress_->setRange(0, 100);
+  LayOut();
+  connect(field_, &QLineEdit::textEdited, this, &FindBar::Typed);
+  connect(previous_, &QPushButton::clicked, this, [this] { Q_EMIT Moved(false); });
+  connect(next_, &QPushButton::clicked, this, [this] { Q_EMIT Moved(true); });
+  connect(cancel_, &QPushButton::clicked, this, &FindBar::Stopped);
+  connect(close_, &QPushButton::clicked, this, &FindBar::Closed);
+  auto* const escape = new QShortcut(QKeySequence(Qt::Key_Escape), this);
+  escape->setContext(Qt::WidgetWithChildrenShortcut);
+  connect(escape, &QShortcut::activated, this, &FindBar::Closed);
+  hide();
+}
+
+QPushButton* FindBar::AddButton(const char* name, const QString& caption, const QString& meaning) {
+  auto* const button = new QPushButton(caption, this);
+  button->setObjectName(QString::fromLatin1(name));
+  button->setToolTip(meaning);
+  return button;
+}
+
+void FindBar::LayOut() {
+  QLabel* const caption = AddLabel(*this, "lblFind", kFindCaption);
+  caption->setBuddy(field_);
+  count_->setMinimumWidth(count_->fontMetrics().horizontalAdvance(QStringLiteral("00 of 0000")));
+  note_->setWordWrap(true);
+  auto* const row = new QHBoxLayout;
+  row->setSpacing(kSpacing);
+  row->addWidget(caption);
+  row->addWidget(field_, 2);
+  row->addWidget(previous_);
+  row->addWidget(next_);
+  row->addWidget(count_);
+  row->addWidget(progress_, 1);
+  row->addWidget(cancel_);
+  row->addStretch(1);
+  row->addWidget(close_);
+  auto* const column = new QVBoxLayout(this);
+  column->setContentsMargins(0, 0, 0, 0);
+  column->setSpacing(kSpacing);
+  column->addLayout(row);
+  column->addWidget(note_);
+}
+
+void FindBar::Show(const FindState& find) {
+  count_->setText(ToQString(find.count));
+  note_->setText(ToQString(find.note));
+  note_->setVisible(!find.note.empty());
+  const bool runs = find.percent >= 0;
+  if (!runs && cancel_->hasFocus()) {
+    field_->setFocus();
+  }
+  progress_->setVisible(runs);
+  progress_->setValue(std::max(find.percent, 0));
+  cancel_->setVisible(runs);
+  setVisible(find.open);
+}
+
+bool FindBar::EnterPressed() {
+  if (window()->focusWidget() != field_) {
+    return false;
+  }
+  Q_EMIT Moved(!QGuiApplication::keyboardModifiers().testFlag(Qt::ShiftModifier));
+  return true;
+}
+
+void FindBar::FocusField() {
+  field_->setFocus();
+  field_->selectAll();
 }
 
 }  // namespace vrx

@@ -2,11 +2,14 @@
 
 #include <QComboBox>
 #include <QLabel>
+#include <QLineEdit>
+#include <QProgressBar>
 #include <QPushButton>
 #include <QWidget>
 #include <array>
 
 #include "platform/calendar.h"
+#include "presenter/find.h"
 #include "presenter/history.h"
 #include "widgets/calendar_popup.h"
 #include "widgets/fields.h"
@@ -65,6 +68,42 @@ class PeriodBar : public QWidget {
   ChoiceList* choices_;
   DayEdit* from_;
   DayEdit* to_;
+  QLabel* note_;
+};
+
+// The search of the history: a field, the previous and the next found row, which of how many it is,
+// and below them what else there is to say. Hidden until it is opened.
+class FindBar : public QWidget, public EnterByCell {
+  Q_OBJECT
+
+ public:
+  explicit FindBar(QWidget* parent);
+
+  // In the field the key goes to the next one found, with Shift to the previous one.
+  bool EnterPressed() override;
+
+  void Show(const FindState& find);
+  // Puts the keyboard into the field and selects its text.
+  void FocusField();
+  [[nodiscard]] QString Text() const { return field_->text(); }
+
+ Q_SIGNALS:
+  void Typed(const QString& text);
+  void Moved(bool forward);
+  void Stopped();
+  void Closed();
+
+ private:
+  QPushButton* AddButton(const char* name, const QString& caption, const QString& meaning);
+  void LayOut();
+
+  QLineEdit* field_;
+  QPushButton* previous_;
+  QPushButton* next_;
+  QLabel* count_;
+  QProgressBar* progress_;
+  QPushButton* cancel_;
+  QPushButton* close_;
   QLabel* note_;
 };
 

@@ -1,8 +1,13 @@
 #include "desktop/history/history_page.h"
 
+#include <QClipboard>
+#include <QGuiApplication>
 #include <QHBoxLayout>
+#include <QMimeData>
+#include <QShortcut>
 #include <QSignalBlocker>
 #include <QVBoxLayout>
+#include <algorithm>
 #include <cstddef>
 #include <exception>
 #include <string>
@@ -11,6 +16,10 @@
 #include "base/text.h"
 #include "desktop/app/captions.h"
 #include "desktop/history/history_bars.h"
+#include "desktop/history/history_header.h"
+#include "history/copied_rows.h"
+#include "presenter/command_states.h"
+#include "presenter/find.h"
 #include "presenter/operation.h"
 #include "widgets/layout.h"
 #include "widgets/qt_text.h"
@@ -44,6 +53,30 @@ bool Holds(const QComboBox& list, const std::vector<std::string>& items) {
   return true;
 }
 
+// The selected rows, ascending; the current one if none is selected.
+std::vector<CopiedRange> SelectedRows(const QTableView& grid) {
+  std::vector<CopiedRange> ranges;
+  for (const QItemSelectionRange& selected : grid.selectionModel()->selection()) {
+    ranges.push_back({.first = selected.top() + 1, .last = selected.bottom() + 1});
+  }
+  if (const QModelIndex current = grid.currentIndex(); ranges.empty() && current.isValid()) {
+    ranges.push_back({.first = current.row() + 1, .last = current.row() + 1});
+  }
+  std::sort(ranges.begin(), ranges.end(), [](const CopiedRange& one, const CopiedRange& other) {
+    return one.first < other.first;
+  });
+  // A row can be in several of them.
+  std::vector<CopiedRange> joined;
+  for (const CopiedRange& range : ranges) {
+    if (!joined.empty() && range.first <= joined.back().last + 1) {
+      joined.back().last = std::max(joined.back().last, range.last);
+    } else {
+      joined.push_back(range);
+    }
+  }
+  return joined;
+}
+
 }  // namespace
 
 HistoryPage::HistoryPage(Services& services, std::function<bool()> active_ingredients_only)
@@ -64,6 +97,7 @@ HistoryPage::HistoryPage(Services& services, std::function<bool()> active_ingred
           AddCheck("chkDifferences", QTr("&Differences"),
                    QTr("Show how far each weight was from its target, in bold letters beyond the "
                        "tolerance of the setup"))),
+      find_(new FindBar(this)),
       txt_standby_(new QLabel(this)),
       grd_trans_(new HistoryTableView(this)),
       navigator_(new HistoryNavigator(this)) {
@@ -77,6 +111,7 @@ HistoryPage::HistoryPage(Services& services, std::function<bool()> active_ingred
   LayOut();
   Connect();
   ConnectGrid();
+  ConnectFind();
   ShowPicker();
 }
 
@@ -98,6 +133,7 @@ void HistoryPage::LayOut() {
   narrowed->addWidget(chk_differences_, 0, Qt::AlignTop);
   chk_differences_->setMinimumHeight(lst_group_by_->sizeHint().height());
   column->addLayout(narrowed);
+  column->addWidget(find_);
   grid_or_standby_ = new QStackedLayout;
   grid_or_standby_->addWidget(grd_trans_);
   grid_or_standby_->addWidget(txt_standby_);
@@ -198,6 +234,82 @@ void HistoryPage::ConnectGrid() {
       Qt::QueuedConnection);
 }
 
+void HistoryPage::ConnectFind() {
+  connect(find_, &FindBar::Typed, this, [this](const QString& text) {
+    if (view_) {
+      view_->Find().Type(text.toStdString(), CurrentRow());
+    }
+  });
+  connect(find_, &FindBar::Moved, this, &HistoryPage::MoveFind);
+  connect(find_, &FindBar::Stopped, this, [this] {
+    if (view_) {
+      view_->Find().Stop();
+    }
+  });
+  connect(find_, &FindBar::Closed, this, &HistoryPage::CloseFind);
+  auto* const escape = new QShortcut(QKeySequence(Qt::Key_Escape), grd_trans_);
+  escape->setContext(Qt::WidgetShortcut);
+  connect(escape, &QShortcut::activated, this, &HistoryPage::CloseFind);
+  for (const auto& [key, forward] : {std::pair(QKeySequence(Qt::Key_F3), true),
+                                     std::pair(QKeySequence(Qt::SHIFT | Qt::Key_F3), false)}) {
+    auto* const move = new QShortcut(key, this);
+    move->setContext(Qt::WidgetWithChildrenShortcut);
+    connect(move, &QShortcut::activated, this, [this, forward = forward] { MoveFind(forward); });
+  }
+  connect(grd_trans_, &HistoryTableView::CopyChosen, this, &HistoryPage::Copy);
+  connect(grd_trans_, &HistoryTableView::GroupTyped, this, [this](const QString& typed) {
+    Run([&](HistoryPresenter& view) {
+      const std::int64_t row = std::max<std::int64_t>(CurrentRow(), 1);
+      if (row <= view.Grid().RowCount()) {
+        grd_trans_->GoToRow(static_cast<int>(view.GroupBeginning(row, typed.toStdString()) - 1));
+      }
+    });
+  });
+}
+
+void HistoryPage::ShowFind() {
+  if (view_ && MayFind()) {
+    view_->Find().Open();
+    find_->FocusField();
+  }
+}
+
+// Without a text there is nothing to go to.
+void HistoryPage::MoveFind(bool forward) {
+  if (find_->isHidden() || find_->Text().isEmpty()) {
+    ShowFind();
+  }
+  if (view_ && MayFind() && !find_->Text().isEmpty()) {
+    view_->Find().Move(forward, CurrentRow());
+  }
+}
+
+void HistoryPage::CloseFind() {
+  if (view_ && !find_->isHidden()) {
+    view_->Find().Close();
+    grd_trans_->setFocus();
+  }
+}
+
+void HistoryPage::Copy() {
+  Run([this](HistoryPresenter& view) {
+    const std::vector<CopiedRange> selected = SelectedRows(*grd_trans_);
+    if (selected.empty()) {
+      return;
+    }
+    if (const std::optional<CopiedRows> rows = view.Copy(selected)) {
+      auto* const both = new QMimeData;  // the clipboard owns it
+      both->setText(ToQString(rows->text));
+      both->setHtml(ToQString(rows->html));
+      QGuiApplication::clipboard()->setMimeData(both);
+    }
+  });
+}
+
+std::int64_t HistoryPage::CurrentRow() const {
+  return std::int64_t{grd_trans_->currentIndex().row()} + 1;
+}
+
 void HistoryPage::Run(const std::function<void(HistoryPresenter&)>& action) {
   if (view_) {
     const BusyCursor busy(services_.op);
@@ -220,7 +332,9 @@ void HistoryPage::GoToNewest(std::int64_t count) {
 
 // MainTabPage.
 
-void HistoryPage::TabChanged(int /*tab*/, int /*previous*/) {
+void HistoryPage::TabChanged(int tab, int /*previous*/) {
+  shown_ = tab == kTabBatchedFed;
+  Q_EMIT FindAllowed(MayFind());
   if (view_) {
     view_->TabChanged();
     grd_trans_->GoToTop();
@@ -254,6 +368,10 @@ void HistoryPage::Rebind(DatabaseKind kind, const BoundDatabase& database) {
 
 void HistoryPage::RebindTransactions(const BoundDatabase& database) {
   closed_ = database.blank;
+  if (closed_ && view_) {
+    view_->Find().Close();
+  }
+  Q_EMIT FindAllowed(MayFind());
   if (view_) {
     view_->SetTransactionDatabase(*database.connection);
     grd_trans_->GoToTop();
@@ -288,6 +406,13 @@ void HistoryPage::HistoryChanged(HistoryPart part) {
       break;
     case HistoryPart::kGrid:
       ShowGrid();
+      break;
+    case HistoryPart::kFind:
+      find_->Show(view_->Find().State());
+      break;
+    case HistoryPart::kFoundCell:
+      grd_trans_->GoToCell(static_cast<int>(view_->LastFound().row) - 1,
+                           view_->LastFound().column - 1);
       break;
   }
 }

@@ -5,6 +5,7 @@
 #include <QLabel>
 #include <QStackedLayout>
 #include <QWidget>
+#include <cstdint>
 #include <functional>
 #include <optional>
 
@@ -33,6 +34,10 @@ class HistoryPage final : public MainTabPage, private HistoryView {
   // Selects the first of the `count` records that were stored last which the current group shows.
   // Does nothing if it shows none of them.
   void GoToNewest(std::int64_t count);
+  // Opens the bar of the search and puts the keyboard into it; does nothing unless MayFind.
+  void ShowFind();
+  // True while this tab shows an open transaction database.
+  [[nodiscard]] bool MayFind() const { return shown_ && !closed_; }
   // `chkBatFitPage`
   [[nodiscard]] bool FitAllColumns() const { return chk_bat_fit_page_->isChecked(); }
 
@@ -43,6 +48,10 @@ class HistoryPage final : public MainTabPage, private HistoryView {
   void Rebind(DatabaseKind kind, const BoundDatabase& database) override;
   void ReleaseViews() override;
 
+ Q_SIGNALS:
+  // MayFind may have changed.
+  void FindAllowed(bool allowed);
+
  private:
   // HistoryView.
   void HistoryChanged(HistoryPart part) override;
@@ -52,6 +61,12 @@ class HistoryPage final : public MainTabPage, private HistoryView {
   QCheckBox* AddCheck(const char* name, const QString& caption, const QString& meaning);
   void Connect();
   void ConnectGrid();
+  void ConnectFind();
+  void MoveFind(bool forward);
+  void CloseFind();
+  void Copy();
+  // From 1; 0 for none.
+  [[nodiscard]] std::int64_t CurrentRow() const;
   void Run(const std::function<void(HistoryPresenter&)>& action);
   void RebindTransactions(const BoundDatabase& database);
   void ShowPicker();
@@ -70,6 +85,7 @@ class HistoryPage final : public MainTabPage, private HistoryView {
   QCheckBox* chk_bat_fit_page_;
   PeriodBar* period_;
   QCheckBox* chk_differences_;
+  FindBar* find_;
   QLabel* txt_standby_;
   HistoryTableView* grd_trans_;
   HistoryNavigator* navigator_;
@@ -77,6 +93,7 @@ class HistoryPage final : public MainTabPage, private HistoryView {
   std::optional<HistoryPresenter> view_;
   SQLite::Database* recipes_ = nullptr;
   bool closed_ = true;  // the transaction database
+  bool shown_ = false;  // this tab
 };
 
 }  // namespace vrx

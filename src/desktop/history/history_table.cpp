@@ -1,15 +1,14 @@
 #include "desktop/history/history_table.h"
 
+#include <QApplication>
 #include <QEvent>
 #include <QFontMetrics>
 #include <QKeyEvent>
 #include <QMouseEvent>
 #include <QPaintEvent>
 #include <QPainter>
-#include <QProxyStyle>
-#include <QScopedValueRollback>
+#include <QPen>
 #include <QScrollBar>
-#include <QStyleOptionHeader>
 #include <algorithm>
 
 #include "desktop/dialogs/about_and_splash.h"
@@ -21,168 +20,12 @@ namespace vrx {
 
 namespace {
 
-constexpr int kLeastHeight = 19;  // 285 twips
-
 // Records read for the sums on the screen, some 2 µs each: at once while drawing, and between two
 // events afterwards.
 constexpr std::int64_t kRecordsWhileDrawing = 1000;
 constexpr std::int64_t kRecordsBetweenEvents = 4000;
 
-// A text as wide as the widest values of a column.
-QString WidestValue(ColumnContent content) {
-  switch (content) {
-    case ColumnContent::kNumber:
-      return QStringLiteral("0000000");
-    case ColumnContent::kWeight:
-      return QStringLiteral("0000000.0");
-    case ColumnContent::kTime:
-      return QStringLiteral("02:05 PM");
-    case ColumnContent::kDate:
-      return QStringLiteral("14-Mar-11");
-    case ColumnContent::kText:
-      break;
-  }
-  return QStringLiteral("MMMMMMMM");
-}
-
-// Aligns captions with the texts of their cells.
-class CaptionMargins : public QProxyStyle {
- public:
-  explicit CaptionMargins(QObject* parent) { setParent(parent); }
-
-  int pixelMetric(PixelMetric metric, const QStyleOption* option,
-                  const QWidget* widget) const override {
-    return metric == PM_HeaderMargin ? kHistoryMargin
-                                     : QProxyStyle::pixelMetric(metric, option, widget);
-  }
-};
-
 }  // namespace
-
-HistoryHeader::HistoryHeader(QWidget* parent) : QHeaderView(Qt::Horizontal, parent) {
-  setSectionsClickable(true);
-  setSectionsMovable(true);
-  setFirstSectionMovable(true);
-  setHighlightSections(false);
-  setStyle(new CaptionMargins(this));
-  setSectionResizeMode(Interactive);
-  setTextElideMode(Qt::ElideRight);
-  setResizeContentsPrecision(0);  // no row but those on the screen
-  setFont(HistoryStyles::HeaderFont());
-  setMinimumHeight(kLeastHeight);
-  setMinimumSectionSize(3 * kSpacing);
-  ApplyColors();
-  connect(this, &QHeaderView::sectionClicked, this,
-          [this](int section) { Q_EMIT SortChosen(section + 1); });
-  connect(this, &QHeaderView::sectionMoved, this, [this](int section, int /*from*/, int to) {
-    if (!by_program_) {
-      Q_EMIT ColumnMoved(section + 1, to + 1);
-    }
-  });
-  connect(this, &QHeaderView::sectionResized, this, [this](int section, int /*from*/, int /*to*/) {
-    if (!by_program_) {
-      sized_.insert(section + 1);
-    }
-  });
-}
-
-void HistoryHeader::ShowColumns(const HistoryGrid& grid) {
-  const QScopedValueRollback by_program(by_program_, true);
-  const HistoryColumns& columns = grid.Columns();
-  ShowOrder(columns);
-  for (const HistoryColumn& column : HistoryColumnTable()) {
-    const int section = column.index - 1;
-    const bool visible = columns.IsVisible(column.index);
-    if (isSectionHidden(section) == visible) {
-      setSectionHidden(section, !visible);
-    }
-    if (visible && !sized_.contains(column.index)) {
-      const int width = WidthFor(column.index, columns.Caption(column.index));
-      if (sectionSize(section) != width) {
-        resizeSection(section, width);
-      }
-    }
-  }
-  ShowSort(grid);
-  setVisible(grid.ColumnHeaders());
-}
-
-void HistoryHeader::ShowOrder(const HistoryColumns& columns) {
-  std::vector<int> by_position(kGridColumnCount);
-  for (const HistoryColumn& column : HistoryColumnTable()) {
-    by_position.at(static_cast<std::size_t>(columns.Position(column.index)) - 1) = column.index;
-  }
-  for (int visual = 0; visual < kGridColumnCount; ++visual) {
-    const int section = by_position[static_cast<std::size_t>(visual)] - 1;
-    if (visualIndex(section) != visual) {
-      moveSection(visualIndex(section), visual);
-    }
-  }
-}
-
-void HistoryHeader::ShowSort(const HistoryGrid& grid) {
-  setSortIndicatorShown(grid.SortColumn() != 0);
-  if (grid.SortColumn() != 0) {
-    setSortIndicator(grid.SortColumn() - 1,
-                     grid.SortAscending() ? Qt::AscendingOrder : Qt::DescendingOrder);
-  }
-}
-
-int HistoryHeader::WidthFor(int column, const std::string& caption) const {
-  const QFontMetrics values{HistoryStyles::CellFont()};
-  return 2 * kSpacing +
-         std::max(values.horizontalAdvance(WidestValue(HistoryColumnAt(column).content)),
-                  fontMetrics().horizontalAdvance(ToQString(caption)) + SortMarkWidth());
-}
-
-int HistoryHeader::CaptionRoom(int width, bool marked) const {
-  QStyleOptionHeader option;
-  initStyleOption(&option);
-  option.rect = {0, 0, width, sizeHint().height()};
-  option.sortIndicator = marked ? QStyleOptionHeader::SortDown : QStyleOptionHeader::None;
-  return style()->subElementRect(QStyle::SE_HeaderLabel, &option, this).width();
-}
-
-int HistoryHeader::SortMarkWidth() const {
-  constexpr int kAnyWidth = 1000;
-  return CaptionRoom(kAnyWidth, false) - CaptionRoom(kAnyWidth, true);
-}
-
-// Elides a caption before the sort mark, which the base class does not do.
-void HistoryHeader::initStyleOptionForIndex(QStyleOptionHeader* option, int section) const {
-  QHeaderView::initStyleOptionForIndex(option, section);
-  const bool marked = isSortIndicatorShown() && sortIndicatorSection() == section;
-  option->text = option->fontMetrics.elidedText(
-      model()->headerData(section, Qt::Horizontal, Qt::DisplayRole).toString(), textElideMode(),
-      CaptionRoom(sectionSize(section), marked));
-}
-
-std::vector<ShownColumn> HistoryHeader::Shown() const {
-  std::vector<ShownColumn> shown;
-  for (int visual = 0; visual < count(); ++visual) {
-    const int section = logicalIndex(visual);
-    if (!isSectionHidden(section)) {
-      shown.push_back({.column = section + 1, .width = sectionSize(section)});
-    }
-  }
-  return shown;
-}
-
-void HistoryHeader::ApplyColors() {
-  const QColor specified = HistoryStyles::HeaderColor(palette());
-  if (palette().color(QPalette::ButtonText) != specified) {
-    QPalette colors;  // all else stays the form's
-    colors.setColor(QPalette::ButtonText, specified);
-    setPalette(colors);
-  }
-}
-
-void HistoryHeader::changeEvent(QEvent* event) {
-  QHeaderView::changeEvent(event);
-  if (event->type() == QEvent::PaletteChange || event->type() == QEvent::StyleChange) {
-    ApplyColors();
-  }
-}
 
 HistoryTableView::HistoryTableView(QWidget* parent)
     : QTableView(parent), model_(new HistoryTableModel(this)), header_(new HistoryHeader(this)) {
@@ -192,7 +35,7 @@ HistoryTableView::HistoryTableView(QWidget* parent)
   setHorizontalHeader(header_);
   setModel(model_);
   setSelectionBehavior(SelectRows);
-  setSelectionMode(SingleSelection);
+  setSelectionMode(ExtendedSelection);
   setEditTriggers(NoEditTriggers);
   setTabKeyNavigation(false);
   setWordWrap(false);
@@ -210,6 +53,11 @@ HistoryTableView::HistoryTableView(QWidget* parent)
 
 void HistoryTableView::ShowGrid() {
   model_->Refresh();
+  // Other rows may have the selected numbers now.
+  if (const QItemSelection& selected = selectionModel()->selection();
+      selected.size() > 1 || (selected.size() == 1 && selected.front().height() > 1)) {
+    SelectOnly(currentIndex());
+  }
   if (const HistoryGrid* const grid = model_->Grid(); grid != nullptr) {
     header_->ShowColumns(*grid);
   }
@@ -225,19 +73,44 @@ void HistoryTableView::SetEmptyText(const QString& text) {
 }
 
 void HistoryTableView::GoToRow(int row) {
+  if (row >= 0 && row < model_->rowCount()) {
+    SelectOnly(model_->index(row, CurrentColumn()));
+  }
+}
+
+void HistoryTableView::GoToCell(int row, int column) {
   if (row < 0 || row >= model_->rowCount()) {
     return;
   }
-  const std::vector<ShownColumn> shown = header_->Shown();
-  const int column = currentIndex().isValid() ? currentIndex().column()
-                     : shown.empty()          ? 0
-                                              : shown.front().column - 1;
-  setCurrentIndex(model_->index(row, column));
+  SelectOnly(model_->index(row, column < 0 ? CurrentColumn() : column));
+  marks_cell_ = column >= 0;
+  const bool seen = viewport()->rect().contains(LineOf(row));
+  scrollTo(currentIndex(), model_->RowAt(row).open ? PositionAtTop
+                           : seen                  ? EnsureVisible
+                                                   : PositionAtCenter);
+  viewport()->update();
 }
 
 void HistoryTableView::GoToTop() {
-  setCurrentIndex({});
+  typed_.clear();
+  SelectOnly({});
   verticalScrollBar()->setValue(0);
+}
+
+// Whatever keys are down: those of the base class extend the selection.
+void HistoryTableView::SelectOnly(const QModelIndex& index) {
+  marks_cell_ = false;
+  selectionModel()->setCurrentIndex(
+      index, QItemSelectionModel::ClearAndSelect | QItemSelectionModel::Rows);
+}
+
+int HistoryTableView::CurrentColumn() const {
+  const int current = currentIndex().column();
+  if (current >= 0 && !header_->isSectionHidden(current)) {
+    return current;
+  }
+  const std::vector<ShownColumn> shown = header_->Shown();
+  return shown.empty() ? 0 : shown.front().column - 1;
 }
 
 // Drawing.
@@ -262,8 +135,31 @@ void HistoryTableView::paintEvent(QPaintEvent* event) {
       break;
     }
     rows.Paint(painter, model_->RowAt(row), std::int64_t{row} + 1, line, spans,
-               row == currentIndex().row());
+               IsMarkedSelected(row));
   }
+  PaintMarkedCell(painter, spans);
+}
+
+// The current row without a selection, which it gets with the focus, looks selected too.
+bool HistoryTableView::IsMarkedSelected(int row) const {
+  const QItemSelection& selected = selectionModel()->selection();
+  return selected.isEmpty() ? row == currentIndex().row()
+                            : selectionModel()->isSelected(model_->index(row, CurrentColumn()));
+}
+
+void HistoryTableView::PaintMarkedCell(QPainter& painter,
+                                       const std::vector<ColumnSpan>& spans) const {
+  const auto span = std::find_if(spans.begin(), spans.end(), [this](const ColumnSpan& shown) {
+    return shown.column == currentIndex().column() + 1;
+  });
+  if (!marks_cell_ || span == spans.end()) {
+    return;
+  }
+  QRect cell = LineOf(currentIndex().row());
+  cell.setLeft(span->left);
+  cell.setWidth(span->width);
+  painter.setPen(QPen(palette().color(QPalette::HighlightedText), 2));
+  painter.drawRect(cell.adjusted(2, 2, -2, -2));
 }
 
 void HistoryTableView::ReadSums(std::int64_t records) {
@@ -334,6 +230,7 @@ int HistoryTableView::sizeHintForColumn(int column) const {
 
 void HistoryTableView::currentChanged(const QModelIndex& current, const QModelIndex& previous) {
   QTableView::currentChanged(current, previous);
+  marks_cell_ = false;
   for (const QModelIndex& index : {current, previous}) {
     if (index.isValid()) {
       viewport()->update(LineOf(index.row()));
@@ -342,6 +239,13 @@ void HistoryTableView::currentChanged(const QModelIndex& current, const QModelIn
   if (current.row() != previous.row()) {
     Q_EMIT RowChanged(current.row());
   }
+}
+
+// Group rows are wider than their cells.
+void HistoryTableView::selectionChanged(const QItemSelection& selected,
+                                        const QItemSelection& deselected) {
+  QTableView::selectionChanged(selected, deselected);
+  viewport()->update();
 }
 
 // To the first and last row in the same column.
@@ -355,11 +259,36 @@ QModelIndex HistoryTableView::moveCursor(CursorAction action, Qt::KeyboardModifi
 // Groups.
 
 void HistoryTableView::keyPressEvent(QKeyEvent* event) {
-  if (TurnByKey(*event)) {
-    event->accept();
-  } else {
-    QTableView::keyPressEvent(event);
+  if (event->key() == Qt::Key_Shift) {
+    QTableView::keyPressEvent(event);  // of a capital letter
+    return;
   }
+  const bool typing = IsTyping(*event);
+  if (!typing) {
+    typed_.clear();
+  }
+  typed_at_ = event->timestamp();
+  if (typing) {
+    keyboardSearch(event->text());
+  } else if (!TurnByKey(*event)) {
+    QTableView::keyPressEvent(event);
+    return;
+  }
+  event->accept();
+}
+
+// After the first character also a blank and the signs belong to it.
+bool HistoryTableView::IsTyping(const QKeyEvent& key) const {
+  const bool modified =
+      (key.modifiers() & ~(Qt::KeypadModifier | Qt::ShiftModifier)) != Qt::NoModifier;
+  const auto pause = static_cast<quint64>(QApplication::keyboardInputInterval());
+  return !typed_.isEmpty() && !modified && !key.text().isEmpty() && key.text().front().isPrint() &&
+         key.timestamp() - typed_at_ <= pause;
+}
+
+void HistoryTableView::keyboardSearch(const QString& typed) {
+  typed_ += typed;
+  Q_EMIT GroupTyped(typed_);
 }
 
 bool HistoryTableView::TurnByKey(const QKeyEvent& key) {
@@ -404,13 +333,22 @@ bool HistoryTableView::OnMark(const QPoint& point, int row) const {
 void HistoryTableView::mousePressEvent(QMouseEvent* event) {
   const QPoint point = event->position().toPoint();
   const int row = GroupAt(point);
-  if (row < 0 || event->button() != Qt::LeftButton) {
+  const bool selects = (event->modifiers() & (Qt::ShiftModifier | Qt::ControlModifier)) != 0;
+  group_pressed_ = row >= 0 && event->button() == Qt::LeftButton && !selects;
+  if (!group_pressed_) {
     QTableView::mousePressEvent(event);
     return;
   }
   GoToRow(row);
   if (OnMark(point, row)) {
     Turn(row);
+  }
+}
+
+// A group does not begin a selection with the mouse: it may just have moved other rows.
+void HistoryTableView::mouseMoveEvent(QMouseEvent* event) {
+  if (!group_pressed_ || event->buttons() == Qt::NoButton) {
+    QTableView::mouseMoveEvent(event);
   }
 }
 

@@ -125,8 +125,10 @@ void MainWindow::TabChosen() {
 }
 
 void MainWindow::SetHandler(MainCommand command, CommandActions::Handler handler) {
-  actions_.SetHandler(command, [this, run = std::move(handler)] {
-    if (LeaveEdits()) {
+  // A copy takes the selection of the field, which leaving it would lose.
+  const bool leaves = command != MainCommand::kCopy;
+  actions_.SetHandler(command, [this, leaves, run = std::move(handler)] {
+    if (!leaves || LeaveEdits()) {
       run();
     }
   });

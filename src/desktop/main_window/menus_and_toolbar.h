@@ -33,6 +33,8 @@ enum class MainCommand {
   kExit,
   kUndo,
   kRedo,
+  kCopy,
+  kFind,
   kEditIngredients,
   kEditRecipes,
   kEditPens,
