@@ -63,6 +63,34 @@ std::string RefusalOf(std::string_view typed) {
   return Tr("\"%1\" is not a day. Type it as 1/31/2026.", {std::string(TrimBlanks(typed))});
 }
 
+std::string_view NounOf(std::string_view column) {
+  return column == "Ingredient" ? TrMark("ingredient")
+         : column == "Pen"      ? TrMark("pen")
+                                : TrMark("recipe");
+}
+
+std::string_view WithArticle(std::string_view column) {
+  return column == "Ingredient" ? TrMark("an ingredient")
+         : column == "Pen"      ? TrMark("a pen")
+                                : TrMark("a recipe");
+}
+
+// Of a group by name.
+std::string EmptyNameText(std::string_view column, const NamePickerState& picker, bool all_days) {
+  if (!picker.visible) {
+    return Tr("Choose the data group again to pick the name of %1.", {Tr(WithArticle(column))});
+  }
+  if (picker.index > 0) {
+    return Tr(all_days ? TrMark("No records are stored for the %1 %2.")
+                       : TrMark("No records of the %1 %2 are in this period."),
+              {Tr(NounOf(column)), picker.Text()});
+  }
+  return picker.items.size() > 1
+             ? Tr("Pick the name of %1 above to see its records.", {Tr(WithArticle(column))})
+             : Tr("The recipe database has no %1 with a description, so there is no name to pick.",
+                  {Tr(NounOf(column))});
+}
+
 }  // namespace
 
 std::string LeftOutText(std::int64_t undated) {
@@ -379,6 +407,24 @@ void HistoryPresenter::TabEntered() {
     grid_.RefreshIngredientColumns(IngredientGridRows(recipes_));
     grid_.EnterTab();
   });
+}
+
+std::string HistoryPresenter::EmptyText() const {
+  const std::string_view column = GetNamedGroupColumn();
+  const bool all_days = grid_.ShownPeriod().IsAll();
+  if (!column.empty()) {
+    return EmptyNameText(column, Picker(), all_days);
+  }
+  if (!all_days) {
+    return Tr("No records of this period. Choose another period above.");
+  }
+  const std::string_view type = grid_.Group().type;
+  if (type == "BATCH") {
+    return Tr("No batch records are stored yet. Import a transaction file and store it.");
+  }
+  return type == "FEED"
+             ? Tr("No feed records are stored yet. Import a transaction file and store it.")
+             : Tr("No transactions are stored yet. Import a transaction file and store it.");
 }
 
 void HistoryPresenter::ReportFailure(const std::exception_ptr& failure) {

@@ -178,6 +178,9 @@ class HistoryPresenter {
   void TabChanged();
   void TabEntered();
 
+  // Why the grid has no rows, and what to do.
+  [[nodiscard]] std::string EmptyText() const;
+
   // Reports a failure of reading Grid().
   void ReportFailure(const std::exception_ptr& failure);
 

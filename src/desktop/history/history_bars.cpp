@@ -25,10 +25,12 @@ constexpr int kDigits = 8;
 
 struct MoveButton {
   const char* caption;
-  const char* meaning;
+  std::string_view meaning;
 };
-constexpr std::array<MoveButton, 4> kMoveButtons{
-    {{"|<<", "First row"}, {"<", "Previous row"}, {">", "Next row"}, {">>|", "Last row"}}};
+constexpr std::array<MoveButton, 4> kMoveButtons{{{"|<<", TrMark("First row")},
+                                                  {"<", TrMark("Previous row")},
+                                                  {">", TrMark("Next row")},
+                                                  {">>|", TrMark("Last row")}}};
 
 constexpr int kPeriodCaption = 2001;
 constexpr int kFromCaption = 2002;
@@ -38,8 +40,9 @@ constexpr int kFindLength = 100;
 constexpr int kFindCharacters = 20;
 
 // In the order of PeriodChoice.
-constexpr std::array<const char*, 6> kPeriods{"All",        "Today",      "Last 7 days",
-                                              "This month", "Last month", "From - to"};
+constexpr std::array<std::string_view, 6> kPeriods{TrMark("All"),         TrMark("Today"),
+                                                   TrMark("Last 7 days"), TrMark("This month"),
+                                                   TrMark("Last month"),  TrMark("From - to")};
 
 }  // namespace
 
@@ -54,8 +57,8 @@ HistoryNavigator::HistoryNavigator(QWidget* parent)
     const auto& [caption, meaning] = kMoveButtons.at(i);
     auto* const button = new QPushButton(QString::fromLatin1(caption), this);
     button->setObjectName(QStringLiteral("cmdHistoryNavigate(%1)").arg(i));
-    button->setToolTip(QString::fromLatin1(meaning));
-    button->setAccessibleName(QString::fromLatin1(meaning));
+    button->setToolTip(QTr(meaning));
+    button->setAccessibleName(QTr(meaning));
     button->setFixedWidth(button->fontMetrics().horizontalAdvance(QStringLiteral("|<<")) +
                           3 * kSpacing);
     connect(button, &QPushButton::clicked, this, [this, i] { Move(static_cast<int>(i)); });
@@ -65,7 +68,7 @@ HistoryNavigator::HistoryNavigator(QWidget* parent)
                    FilteredEdit::Takes::kNumber);
   caption_->setBuddy(number_);
   number_->setObjectName(QStringLiteral("txtHistoryRow"));
-  number_->setAccessibleName(QStringLiteral("Row"));
+  number_->setAccessibleName(QTr("Row"));
   number_->setAlignment(Qt::AlignRight);
   number_->setFixedWidth(number_->fontMetrics().horizontalAdvance(QString(kDigits, u'0')) +
                          2 * kSpacing);
@@ -129,15 +132,15 @@ void HistoryNavigator::GoToTyped() {
 PeriodBar::PeriodBar(const Calendar& calendar, QWidget* form)
     : QWidget(form),
       choices_(new ChoiceList(this)),
-      from_(new DayEdit("txtPeriodFrom", QStringLiteral("First day"), calendar, form)),
-      to_(new DayEdit("txtPeriodTo", QStringLiteral("Last day"), calendar, form)),
+      from_(new DayEdit("txtPeriodFrom", QTr("First day"), calendar, form)),
+      to_(new DayEdit("txtPeriodTo", QTr("Last day"), calendar, form)),
       note_(AddLabel(*this, "lblPeriodNote")) {
   setObjectName(QStringLiteral("barPeriod"));
   choices_->setObjectName(QStringLiteral("cboPeriod"));
-  choices_->setAccessibleName(QStringLiteral("Period"));
+  choices_->setAccessibleName(QTr("Period"));
   choices_->setSizeAdjustPolicy(QComboBox::AdjustToContents);
-  for (const char* const period : kPeriods) {
-    choices_->addItem(QString::fromLatin1(period));
+  for (const std::string_view period : kPeriods) {
+    choices_->addItem(QTr(period));
   }
   LayOut();
   connect(choices_, &QComboBox::activated, this, [this](int item) {

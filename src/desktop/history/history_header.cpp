@@ -7,6 +7,7 @@
 #include <QStyleOptionHeader>
 #include <algorithm>
 #include <cstddef>
+#include <numeric>
 
 #include "desktop/history/history_painting.h"
 #include "widgets/layout.h"
@@ -72,6 +73,7 @@ HistoryHeader::HistoryHeader(QWidget* parent) : QHeaderView(Qt::Horizontal, pare
   connect(this, &QHeaderView::sectionResized, this, [this](int section, int /*from*/, int /*to*/) {
     if (!by_program_) {
       sized_.insert(section + 1);
+      least_.at(static_cast<std::size_t>(section)) = sectionSize(section);
     }
   });
 }
@@ -86,15 +88,37 @@ void HistoryHeader::ShowColumns(const HistoryGrid& grid) {
     if (isSectionHidden(section) == visible) {
       setSectionHidden(section, !visible);
     }
-    if (visible && !sized_.contains(column.index)) {
-      const int width = WidthFor(column.index, columns.Caption(column.index));
-      if (sectionSize(section) != width) {
-        resizeSection(section, width);
-      }
-    }
+    least_.at(static_cast<std::size_t>(section)) =
+        !visible                        ? 0
+        : sized_.contains(column.index) ? sectionSize(section)
+                                        : WidthFor(column.index, columns.Caption(column.index));
   }
   ShowSort(grid);
   setVisible(grid.ColumnHeaders());
+}
+
+void HistoryHeader::FillWidth(int width) {
+  const QScopedValueRollback by_program(by_program_, true);
+  const auto takes_more = [this](int section) {
+    return !isSectionHidden(section) && !sized_.contains(section + 1);
+  };
+  int left = std::max(0, width - std::accumulate(least_.begin(), least_.end(), 0));
+  int sharing = 0;
+  for (int section = 0; section < count(); ++section) {
+    sharing += takes_more(section) ? 1 : 0;
+  }
+  for (int visual = 0; visual < count(); ++visual) {
+    const int section = logicalIndex(visual);
+    if (!takes_more(section)) {
+      continue;
+    }
+    const int share = left / sharing--;
+    left -= share;
+    const int size = least_.at(static_cast<std::size_t>(section)) + share;
+    if (sectionSize(section) != size) {
+      resizeSection(section, size);
+    }
+  }
 }
 
 void HistoryHeader::ShowOrder(const HistoryColumns& columns) {

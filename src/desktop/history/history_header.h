@@ -1,6 +1,7 @@
 #pragma once
 
 #include <QHeaderView>
+#include <array>
 #include <set>
 #include <string>
 #include <vector>
@@ -17,7 +18,7 @@ struct ShownColumn {
 
 // The column headers of the history grid; a section is a column's index minus 1. A click sorts, a
 // drag moves a column. A column sized by the operator keeps its width in every group; other columns
-// fit their captions and values.
+// fit their captions and values and share what is left of the width.
 class HistoryHeader : public QHeaderView {
   Q_OBJECT
 
@@ -26,6 +27,10 @@ class HistoryHeader : public QHeaderView {
 
   // Sets captions, order and visibility as in the grid, and whether the headers are shown.
   void ShowColumns(const HistoryGrid& grid);
+
+  // Gives the columns that the operator has not sized an equal share of what all of them leave of
+  // `width`.
+  void FillWidth(int width);
 
   // The visible columns in their order.
   [[nodiscard]] std::vector<ShownColumn> Shown() const;
@@ -47,7 +52,8 @@ class HistoryHeader : public QHeaderView {
   [[nodiscard]] int SortMarkWidth() const;
   void ApplyColors();
 
-  std::set<int> sized_;  // by the operator
+  std::set<int> sized_;                        // by the operator
+  std::array<int, kGridColumnCount> least_{};  // by section; 0 if hidden
   bool by_program_ = false;
 };
 

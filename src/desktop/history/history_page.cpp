@@ -82,16 +82,14 @@ std::vector<CopiedRange> SelectedRows(const QTableView& grid) {
 HistoryPage::HistoryPage(Services& services, std::function<bool()> active_ingredients_only)
     : services_(services),
       active_ingredients_only_(std::move(active_ingredients_only)),
-      lst_group_by_(MakeList("lstGroupBy", QStringLiteral("Data Group"), this)),
+      lst_group_by_(MakeList("lstGroupBy", QTr("Data Group"), this)),
       lbl_name_(AddLabel(*this, "lblName", kNameCaption)),
-      cbo_col_name_(MakeList("cboColName", QStringLiteral("Name"), this)),
-      chk_expand_all_(AddCheck("chkExpandAll", QStringLiteral(" E&xpand All"),
-                               QStringLiteral("Show every group open"))),
-      chk_use_history_navigator_(AddCheck("chkUseHistoryNavigator", QStringLiteral("&Navigator"),
-                                          QStringLiteral("Show the position in the list"))),
-      chk_bat_fit_page_(
-          AddCheck("chkBatFitPage", QStringLiteral("F&it/Print All Columns on Page"),
-                   QStringLiteral("Print every column on one page, in smaller letters"))),
+      cbo_col_name_(MakeList("cboColName", QTr("Name"), this)),
+      chk_expand_all_(AddCheck("chkExpandAll", QTr(" E&xpand All"), QTr("Show every group open"))),
+      chk_use_history_navigator_(AddCheck("chkUseHistoryNavigator", QTr("&Navigator"),
+                                          QTr("Show the position in the list"))),
+      chk_bat_fit_page_(AddCheck("chkBatFitPage", QTr("F&it/Print All Columns on Page"),
+                                 QTr("Print every column on one page, in smaller letters"))),
       period_(new PeriodBar(services.calendar, this)),
       chk_differences_(
           AddCheck("chkDifferences", QTr("&Differences"),
@@ -456,39 +454,8 @@ void HistoryPage::ShowGrid() {
 }
 
 QString HistoryPage::EmptyText() {
-  if (closed_) {
-    return QStringLiteral("Open a transaction database to see its records here.");
-  }
-  const std::string_view column = view_->GetNamedGroupColumn();
-  if (!column.empty()) {
-    const QString named = ToQString(column).toLower();
-    const QString a_named =
-        (named.startsWith(u'i') ? QStringLiteral("an ") : QStringLiteral("a ")) + named;
-    const NamePickerState& picker = view_->Picker();
-    if (!picker.visible) {
-      return QStringLiteral("Choose the data group again to pick the name of %1.").arg(a_named);
-    }
-    if (picker.index > 0) {
-      return (view_->Grid().ShownPeriod().IsAll()
-                  ? QStringLiteral("No records are stored for the %1 %2.")
-                  : QStringLiteral("No records of the %1 %2 are in this period."))
-          .arg(named, ToQString(picker.Text()));
-    }
-    return picker.items.size() > 1
-               ? QStringLiteral("Pick the name of %1 above to see its records.").arg(a_named)
-               : QStringLiteral(
-                     "The recipe database has no %1 with a description, so there is no "
-                     "name to pick.")
-                     .arg(named);
-  }
-  if (!view_->Grid().ShownPeriod().IsAll()) {
-    return QStringLiteral("No records of this period. Choose another period above.");
-  }
-  const std::string_view type = view_->Grid().Group().type;
-  const QString kind = type == "BATCH"  ? QStringLiteral("batch records")
-                       : type == "FEED" ? QStringLiteral("feed records")
-                                        : QStringLiteral("transactions");
-  return QStringLiteral("No %1 are stored yet. Import a transaction file and store it.").arg(kind);
+  return closed_ ? QTr("Open a transaction database to see its records here.")
+                 : ToQString(view_->EmptyText());
 }
 
 }  // namespace vrx

@@ -30,7 +30,7 @@ constexpr std::int64_t kRecordsBetweenEvents = 4000;
 HistoryTableView::HistoryTableView(QWidget* parent)
     : QTableView(parent), model_(new HistoryTableModel(this)), header_(new HistoryHeader(this)) {
   setObjectName(QStringLiteral("grdTRANS"));
-  setAccessibleName(QStringLiteral("Transactions"));
+  setAccessibleName(QTr("Transactions"));
   setFont(HistoryStyles::CellFont());
   setHorizontalHeader(header_);
   setModel(model_);
@@ -60,6 +60,7 @@ void HistoryTableView::ShowGrid() {
   }
   if (const HistoryGrid* const grid = model_->Grid(); grid != nullptr) {
     header_->ShowColumns(*grid);
+    header_->FillWidth(viewport()->width());
   }
   viewport()->update();
 }
@@ -254,6 +255,17 @@ QModelIndex HistoryTableView::moveCursor(CursorAction action, Qt::KeyboardModifi
   const bool to_an_end = (action == MoveHome || action == MoveEnd) &&
                          modifiers.testFlag(Qt::ControlModifier) && currentIndex().isValid();
   return to_an_end && wanted.isValid() ? wanted.siblingAtColumn(currentIndex().column()) : wanted;
+}
+
+void HistoryTableView::resizeEvent(QResizeEvent* event) {
+  QTableView::resizeEvent(event);
+  header_->FillWidth(viewport()->width());
+}
+
+bool HistoryTableView::EnterPressed() {
+  const int next = currentIndex().row() + 1;
+  GoToRow(next);
+  return currentIndex().row() == next;
 }
 
 // Groups.

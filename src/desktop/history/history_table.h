@@ -10,13 +10,14 @@
 #include "desktop/history/history_model.h"
 #include "desktop/history/history_painting.h"
 #include "history/history_grid.h"
+#include "widgets/fields.h"
 
 namespace vrx {
 
 // The view of `grdTRANS`. Reads and draws only the visible rows. A group opens and closes with a
 // click on its mark, a double click, and the keys Right or +, Left or -, and Space. Several rows
 // can be selected, until the grid changes.
-class HistoryTableView : public QTableView {
+class HistoryTableView : public QTableView, public EnterByCell {
   Q_OBJECT
 
  public:
@@ -38,6 +39,9 @@ class HistoryTableView : public QTableView {
   // Scrolls to the first row and selects none.
   void GoToTop();
 
+  // Goes to the next row: a row is selected as a whole.
+  bool EnterPressed() override;
+
   // The search of the base class would read the whole table.
   void keyboardSearch(const QString& typed) override;
 
@@ -57,6 +61,7 @@ class HistoryTableView : public QTableView {
   void mouseMoveEvent(QMouseEvent* event) override;
   void mouseDoubleClickEvent(QMouseEvent* event) override;
   void changeEvent(QEvent* event) override;
+  void resizeEvent(QResizeEvent* event) override;
   void currentChanged(const QModelIndex& current, const QModelIndex& previous) override;
   void selectionChanged(const QItemSelection& selected, const QItemSelection& deselected) override;
   void scrollContentsBy(int dx, int dy) override;

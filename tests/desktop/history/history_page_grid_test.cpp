@@ -247,6 +247,31 @@ TEST_F(HistoryPageGrid, AWidthThatTheOperatorGaveStaysWithItsColumn) {
   EXPECT_EQ(Header().sectionSize(column - 1), wider);
 }
 
+TEST_F(HistoryPageGrid, ColumnsFillTheWidthButForThoseThatTheOperatorSized) {
+  ShowTab();
+  ChooseGroup(8);
+  ExpandAll(true);
+  ASSERT_EQ(Header().length(), Grid().viewport()->width());
+  const int column = HistoryColumnOfKey("Recipe");
+  const int wider = Header().sectionSize(column - 1) + 20;
+  Header().resizeSection(column - 1, wider);
+  Window().resize(Window().width() - 30, Window().height());
+  RunEvents();
+  EXPECT_EQ(Header().length(), Grid().viewport()->width());
+  EXPECT_EQ(Header().sectionSize(column - 1), wider);
+}
+
+TEST_F(HistoryPageGrid, EnterGoesToTheNextRowAndFromTheLastOneOut) {
+  ShowTab();
+  const int rows = Grid().model()->rowCount();
+  Grid().setFocus();
+  Grid().GoToRow(rows - 2);
+  Press(Qt::Key_Return);
+  EXPECT_EQ(Grid().currentIndex().row(), rows - 1);
+  Press(Qt::Key_Return);
+  EXPECT_FALSE(Grid().hasFocus());
+}
+
 TEST_F(HistoryPageGrid, IngredientColumnsBearTheNamesOfTheOpenRecipeDatabase) {
   ShowTab();
   EXPECT_THAT(Captions(), Contains("HAY"));
