@@ -140,13 +140,13 @@ class FindOnDisplay : public HistoryOnDisplay {
       return shown != nullptr && shown->text == text;
     });
   }
-  // The current cell has that text and is on the screen.
+  // The current cell begins with that text, which its totals follow, and is on the screen.
   bool WaitForCurrentCell(const std::string& text) {
     return WaitFor([&](const Screen& screen) {
       const Widget* const grid = screen.Find("grdTRANS");
       return grid != nullptr &&
              std::any_of(grid->cells.begin(), grid->cells.end(),
-                         [&](const Cell& cell) { return cell.current && cell.text == text; });
+                         [&](const Cell& cell) { return cell.current && cell.text.starts_with(text); });
     });
   }
   void ShowRecipes() {
