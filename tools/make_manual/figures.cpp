@@ -273,13 +273,10 @@ QImage CopyRecipeForm(SampleProgram& program) {
       program, [](QWidget& /*form*/) {}, [&] { program.Choose("mnuEditCopyRecipe"); });
 }
 
-// Larger than the screen of the session.
 QImage CompareRecipesForm(SampleProgram& program) {
-  constexpr QSize kWhole{1120, 480};
   ShowRecipeByWeight(program);
   return ModalForm(
-      program, [&](QWidget& form) { form.resize(kWhole); },
-      [&] { program.Choose("mnuEditCompareRecipes"); });
+      program, [](QWidget& /*form*/) {}, [&] { program.Choose("mnuEditCompareRecipes"); });
 }
 
 QImage AboutForm(SampleProgram& program) {

@@ -1,10 +1,16 @@
 #include "make_manual/offscreen_session.h"
 
 #include <QApplication>
+#include <QFile>
 #include <QFont>
+#include <QJsonArray>
+#include <QJsonDocument>
+#include <QJsonObject>
 #include <QLocale>
 #include <QStyleFactory>
 #include <cstdio>
+
+#include "base/error.h"
 
 namespace vrx::manual {
 namespace {
@@ -16,10 +22,32 @@ void WriteMessage(QtMsgType /*type*/, const QMessageLogContext& /*context*/, con
   }
 }
 
+// The platform's own screen is too small for the largest box at the scale of the figures.
+void WriteScreen(const QString& path, int scale) {
+  constexpr int kWidth = 1600;
+  constexpr int kHeight = 1200;
+  constexpr int kDpi = 96;
+  const QJsonObject screen{{QStringLiteral("name"), QStringLiteral("figures")},
+                           {QStringLiteral("x"), 0},
+                           {QStringLiteral("y"), 0},
+                           {QStringLiteral("width"), kWidth * scale},
+                           {QStringLiteral("height"), kHeight * scale},
+                           {QStringLiteral("logicalDpi"), kDpi},
+                           {QStringLiteral("logicalBaseDpi"), kDpi},
+                           {QStringLiteral("dpr"), 1}};
+  QFile file(path);
+  if (!file.open(QIODevice::WriteOnly)) {
+    throw Error("cannot write " + path.toStdString());
+  }
+  file.write(QJsonDocument(QJsonObject{{QStringLiteral("screens"), QJsonArray{screen}}}).toJson());
+}
+
 }  // namespace
 
 OffscreenSession::OffscreenSession(int scale) {
-  qputenv("QT_QPA_PLATFORM", "offscreen");
+  const QString screen = home_.filePath(QStringLiteral("screen.json"));
+  WriteScreen(screen, scale);
+  qputenv("QT_QPA_PLATFORM", "offscreen:configfile=" + screen.toLocal8Bit());
   qputenv("QT_SCALE_FACTOR", QByteArray::number(scale));
   for (const char* const kept_elsewhere : {"XDG_CONFIG_HOME", "XDG_DATA_HOME", "XDG_RUNTIME_DIR"}) {
     qputenv(kept_elsewhere, home_.path().toLocal8Bit());
