@@ -265,8 +265,8 @@ void HistoryColumns::ArrangeDifferences() {
   for (const DifferenceColumn& difference : kDifferenceColumns) {
     At(difference.column).visible = differences_ && IsVisible(difference.actual_column);
     if (differences_) {
-      const int behind = Position(difference.actual_column) + 1;
-      Move(difference.column, difference.percent ? behind + 1 : behind);
+      const int after = Position(difference.actual_column) + 1;
+      Move(difference.column, difference.percent ? after + 1 : after);
     }
   }
 }

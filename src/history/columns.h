@@ -103,7 +103,7 @@ class HistoryColumns {
   // no recipe database is open, hides all of them. IDs outside 1 to 100 are ignored.
   void RefreshIngredientColumns(std::span<const IngredientRecord> ingredients);
 
-  // Shows the differences behind those actual weights that the group shows, or hides them. Off at
+  // Shows the differences after those actual weights that the group shows, or hides them. Off at
   // first; then they have the last positions.
   void ShowDifferences(bool on);
   [[nodiscard]] bool HasDifferences() const { return differences_; }

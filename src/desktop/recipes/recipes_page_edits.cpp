@@ -4,8 +4,8 @@
 #include <algorithm>
 #include <utility>
 
-#include "desktop/recipes/recipes_page.h"
 #include "base/translation.h"
+#include "desktop/recipes/recipes_page.h"
 #include "desktop/records/edit_gate.h"
 #include "presenter/report_failure.h"
 

@@ -84,6 +84,7 @@ TEST_F(RecipeDialogsTest, ACancelledCopyStoresNothing) {
 }
 
 TEST_F(RecipeDialogsTest, TwoRecipesAreComparedSideBySide) {
+  Database().exec("UPDATE Ingredient SET Name = 'WWWWWW' WHERE ID = " + std::to_string(kHay));
   Enter(kTabRecipes);
   const NextModal modal([&](QWidget& dialog) {
     EXPECT_EQ(dialog.objectName(), u"dlgCompareRecipes"_qs);
@@ -100,6 +101,11 @@ TEST_F(RecipeDialogsTest, TwoRecipesAreComparedSideBySide) {
     Q_EMIT other.activated(0);
     EXPECT_EQ(TextOf(dialog, "lblSummary"), "The recipes are the same.");
     EXPECT_EQ(Marked(list), 0);
+    auto& first = In<QComboBox>(dialog, "cboRecipeA");
+    first.setCurrentIndex(first.findData(2));
+    Q_EMIT first.activated(0);
+    ExpectNamesFit(In<QTableWidget>(dialog, "grdRecipeA"));
+    ExpectNamesFit(list);
     static_cast<QDialog&>(dialog).accept();
   });
   Choose(u"mnuEditCompareRecipes"_qs);
