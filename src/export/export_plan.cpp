@@ -8,7 +8,7 @@
 #include "database/transactions.h"
 #include "history/columns.h"
 #include "history/data_group.h"
-#include "history/difference.h"
+#include "history/group_query.h"
 
 namespace vrx {
 

@@ -51,8 +51,9 @@ class ValueFinder {
     text += " AND " + key.expression;
     const std::string bound = Parameter(found_.size()) + " ";
     const std::string next = bound + "ORDER BY " + key.expression + " LIMIT 1";
-    if (Find(text + " IS " + bound + "LIMIT 1", CellValue())) {
-      Take(CellValue());
+    static const CellValue kNull;
+    if (Find(text + " IS " + bound + "LIMIT 1", kNull)) {
+      Take(kNull);
     }
     const std::string above = text + " > " + next;
     std::optional<CellValue> value = Find(text + " >= " + next, key.lowest);
@@ -78,12 +79,12 @@ class ValueFinder {
                                     : std::nullopt;
   }
 
-  void Take(CellValue value) {
+  void Take(const CellValue& value) {
     if (found_.size() + 1 == keys_.size()) {
-      values_.push_back(std::move(value));
+      values_.push_back(value);
       return;
     }
-    found_.push_back(std::move(value));
+    found_.push_back(value);
     FindNextKey();
     found_.pop_back();
   }

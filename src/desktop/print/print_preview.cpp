@@ -16,6 +16,7 @@
 #include "presenter/report_failure.h"
 #include "report/print_questions.h"
 #include "widgets/layout.h"
+#include "widgets/qt_text.h"
 
 namespace vrx {
 namespace {

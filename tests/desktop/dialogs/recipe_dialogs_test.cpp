@@ -84,7 +84,8 @@ TEST_F(RecipeDialogsTest, ACancelledCopyStoresNothing) {
 }
 
 TEST_F(RecipeDialogsTest, TwoRecipesAreComparedSideBySide) {
-  Database().exec("UPDATE Ingredient SET Name = 'WWWWWW' WHERE ID = " + std::to_string(kHay));
+  SQLite::Database(path_.string(), SQLite::OPEN_READWRITE)
+      .exec("UPDATE Ingredient SET Name = 'WWWWWW' WHERE ID = " + std::to_string(kHay));
   Enter(kTabRecipes);
   const NextModal modal([&](QWidget& dialog) {
     EXPECT_EQ(dialog.objectName(), u"dlgCompareRecipes"_qs);
