@@ -145,8 +145,9 @@ class FindOnDisplay : public HistoryOnDisplay {
     return WaitFor([&](const Screen& screen) {
       const Widget* const grid = screen.Find("grdTRANS");
       return grid != nullptr &&
-             std::any_of(grid->cells.begin(), grid->cells.end(),
-                         [&](const Cell& cell) { return cell.current && cell.text.starts_with(text); });
+             std::any_of(grid->cells.begin(), grid->cells.end(), [&](const Cell& cell) {
+               return cell.current && cell.text.starts_with(text);
+             });
     });
   }
   void ShowRecipes() {

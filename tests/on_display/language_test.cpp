@@ -11,7 +11,7 @@ namespace {
 
 class LanguageOnDisplay : public OnDisplay {
  protected:
-  // What the program writes to a file when it exports pen 1's group.
+  // What the program writes to a file when it exports the shown group.
   std::string Exported() {
     ClickItem("Export");
     EXPECT_TRUE(WaitFor([](const Screen& screen) { return screen.Find("txtFName") != nullptr; }));
