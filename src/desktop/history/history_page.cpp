@@ -20,6 +20,7 @@
 #include "history/copied_rows.h"
 #include "presenter/command_states.h"
 #include "presenter/find.h"
+#include "presenter/name_picker.h"
 #include "presenter/operation.h"
 #include "widgets/layout.h"
 #include "widgets/qt_text.h"
