@@ -213,18 +213,11 @@ std::optional<std::int64_t> RecordPlaces::Skip(std::int64_t rowid, std::int64_t 
 RecordRanges::RecordRanges(Statements& statements, const GroupQuery& query,
                            std::vector<CellValue> group)
     : statements_(statements), query_(query), group_(std::move(group)) {
-  const std::string text =
-      "SELECT count(*), min(rowid), max(rowid)" + query_.FromRange(group_.size());
   for (const std::int64_t number : query_.Ranges()) {
-    Statements::InUse statement = statements_.Take(text);
-    query_.BindRange(*statement, group_, number);
-    statement->executeStep();
-    if (const std::int64_t records = statement->getColumn(0).getInt64(); records > 0) {
-      ranges_.push_back({.number = number,
-                         .first_rowid = statement->getColumn(1).getInt64(),
-                         .last_rowid = statement->getColumn(2).getInt64(),
-                         .records = records,
-                         .place = 0});
+    const std::optional<std::int64_t> first = RowidAt(End::kFirst, number);
+    const std::optional<std::int64_t> last = first ? RowidAt(End::kLast, number) : std::nullopt;
+    if (last) {
+      ranges_.push_back({.number = number, .first_rowid = *first, .last_rowid = *last});
     }
   }
   std::sort(ranges_.begin(), ranges_.end(), [](const Range& one, const Range& other) {
@@ -234,27 +227,43 @@ RecordRanges::RecordRanges(Statements& statements, const GroupQuery& query,
       ranges_.begin(), ranges_.end(),
       [](const Range& one, const Range& next) { return next.first_rowid < one.last_rowid; });
   stored_in_turn_ = overlap == ranges_.end();
-  std::int64_t place = 0;
-  for (Range& range : ranges_) {
-    range.place = std::exchange(place, place + range.records);
-  }
 }
 
-std::vector<std::int64_t> RecordRanges::Rowids(std::int64_t first, std::size_t length) const {
-  std::vector<std::int64_t> rowids;
-  auto range =
-      std::upper_bound(ranges_.begin(), ranges_.end(), first,
-                       [](std::int64_t place, const Range& other) { return place < other.place; });
-  if (range != ranges_.begin()) {
-    --range;
+// One search of an index.
+std::optional<std::int64_t> RecordRanges::RowidAt(End end, std::int64_t range) const {
+  Statements::InUse statement =
+      statements_.Take("SELECT rowid" + query_.FromRange(group_.size()) + " ORDER BY rowid" +
+                       (end == End::kFirst ? "" : " DESC") + " LIMIT 1");
+  query_.BindRange(*statement, group_, range);
+  return statement->executeStep() ? std::optional(statement->getColumn(0).getInt64())
+                                  : std::nullopt;
+}
+
+std::int64_t RecordRanges::CountOf(Range& range) const {
+  if (!range.records) {
+    Statements::InUse statement =
+        statements_.Take("SELECT count(*)" + query_.FromRange(group_.size()));
+    query_.BindRange(*statement, group_, range.number);
+    statement->executeStep();
+    range.records = statement->getColumn(0).getInt64();
   }
+  return *range.records;
+}
+
+std::vector<std::int64_t> RecordRanges::Rowids(std::int64_t first, std::size_t length) {
+  std::vector<std::int64_t> rowids;
   const std::int64_t end = first + static_cast<std::int64_t>(length);
-  for (; range != ranges_.end() && range->place < end; ++range) {
-    const std::int64_t offset = std::max<std::int64_t>(first - range->place, 0);
-    const std::int64_t count = std::min(range->records, end - range->place) - offset;
-    if (count > 0) {
-      AppendRowids(*range, offset, count, rowids);
+  std::int64_t place = 0;  // of the range's first record
+  for (Range& range : ranges_) {
+    if (place >= end) {
+      break;
     }
+    const std::int64_t records = CountOf(range);
+    const std::int64_t offset = std::max<std::int64_t>(first - place, 0);
+    if (const std::int64_t count = std::min(records, end - place) - offset; count > 0) {
+      AppendRowids(range, offset, count, rowids);
+    }
+    place += records;
   }
   return rowids;
 }

@@ -80,9 +80,9 @@ class RecordPlaces {
   std::pair<std::int64_t, std::int64_t> noted_{-1, 0};
 };
 
-// Positions of a group's records within transaction ranges, for a ranged query. Reads all index
-// entries of the group once, and those of the affected ranges for each page. Throws
-// SQLite::Exception.
+// Positions of a group's records within transaction ranges, for a ranged query. Counts the records
+// of a range, which reads its index entries of the group, when a page first lies in it or after it,
+// and reads those of the affected ranges for each page. Throws SQLite::Exception.
 class RecordRanges {
  public:
   RecordRanges(Statements& statements, const GroupQuery& query, std::vector<CellValue> group);
@@ -92,17 +92,19 @@ class RecordRanges {
   [[nodiscard]] bool AreStoredInTurn() const { return stored_in_turn_; }
 
   // Rowids in stored order from position `first`, from 0; fewer than `length` at the end.
-  [[nodiscard]] std::vector<std::int64_t> Rowids(std::int64_t first, std::size_t length) const;
+  [[nodiscard]] std::vector<std::int64_t> Rowids(std::int64_t first, std::size_t length);
 
  private:
+  enum class End { kFirst, kLast };
   struct Range {
     std::int64_t number;
     std::int64_t first_rowid;
     std::int64_t last_rowid;
-    std::int64_t records;
-    std::int64_t place;  // position of its first record
+    std::optional<std::int64_t> records = {};
   };
 
+  [[nodiscard]] std::optional<std::int64_t> RowidAt(End end, std::int64_t range) const;
+  std::int64_t CountOf(Range& range) const;
   void AppendRowids(const Range& range, std::int64_t offset, std::int64_t count,
                     std::vector<std::int64_t>& rowids) const;
 
