@@ -89,6 +89,24 @@ TEST(IsBeyond, IsMoreThanTheToleranceInEitherDirection) {
   EXPECT_FALSE(Beyond(0, 500, 2)) << "no percentage";
 }
 
+TEST(OfKind, EveryTypeButBatchIsFedWhateverItsOrder) {
+  SQLite::Database database(":memory:", SQLite::OPEN_READWRITE);
+  const auto kind_of = [&](const std::string& type) {
+    return database
+        .execAndGet("SELECT CASE WHEN " + OfKind(ComparedKind::kBatch, "1") +
+                    " THEN 'batched ' ELSE '' END || CASE WHEN " +
+                    OfKind(ComparedKind::kFeed, "1") + " THEN 'fed' ELSE '' END FROM (SELECT " +
+                    type + " AS [Type])")
+        .getString();
+  };
+  EXPECT_EQ(kind_of("'BATCH'"), "batched ");
+  EXPECT_EQ(kind_of("'FEED'"), "fed");
+  EXPECT_EQ(kind_of("'ADDED'"), "fed") << "before BATCH in the alphabet";
+  EXPECT_EQ(kind_of("''"), "fed");
+  EXPECT_EQ(kind_of("'batch'"), "fed");
+  EXPECT_EQ(kind_of("NULL"), "");
+}
+
 TEST(RegisterDifferences, DefinesBothTextsForSql) {
   SQLite::Database database(":memory:", SQLite::OPEN_READWRITE);
   RegisterDifferences(database);
