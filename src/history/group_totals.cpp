@@ -14,11 +14,19 @@ namespace {
 
 constexpr std::size_t kTotalsHeld = 4096;
 constexpr std::int64_t kLargeGroup = 1000;
-// What a search of an index costs, in records read.
-constexpr std::int64_t kSearchCost = 16;
+// Groups that are partly read.
+constexpr std::size_t kReadingHeld = 256;
 
 std::uint64_t KeyOf(const GroupPath& path) {
   return static_cast<std::uint64_t>(path.size()) << 32U | path.back();
+}
+
+// Makes room for one more in a cache: large groups stay, because they take long to read.
+template <typename Cache>
+void DropSmallGroups(Cache& cache) {
+  if (cache.size() >= kTotalsHeld) {
+    std::erase_if(cache, [](const auto& held) { return held.second.records < kLargeGroup; });
+  }
 }
 
 bool IsActualWeight(int column) {
@@ -60,6 +68,10 @@ void GroupTotals::SetColumns(const std::vector<int>& columns) {
   }
 }
 
+bool GroupTotals::Knows(const GroupPath& path) const {
+  return ColumnsOf(path).empty() || totals_.contains(KeyOf(path));
+}
+
 std::optional<std::vector<CellValue>> GroupTotals::Find(const GroupPath& path) const {
   if (ColumnsOf(path).empty()) {
     return CellsOf(path, {});
@@ -80,10 +92,17 @@ std::vector<CellValue> GroupTotals::Load(const Outline& outline, const GroupPath
   for (std::size_t i = 0; i < ColumnsOf(path).size(); ++i) {
     total.sums.push_back(statement->getColumn(static_cast<int>(i) + 1).getDouble());  // 0 for NULL
   }
-  if (totals_.size() >= kTotalsHeld) {
-    std::erase_if(totals_, [](const auto& held) { return held.second.records < kLargeGroup; });
-  }
+  DropSmallGroups(totals_);
   return CellsOf(path, totals_.insert_or_assign(KeyOf(path), std::move(total)).first->second);
+}
+
+std::vector<CellValue> GroupTotals::Of(const GroupPath& path, const GroupSums& sums) const {
+  std::vector<CellValue> cells(kHistoryColumnCount);
+  for (const int column : ColumnsOf(path)) {
+    const auto index = static_cast<std::size_t>(column) - 1;
+    cells[index] = sums.cells[index];
+  }
+  return cells;
 }
 
 std::vector<CellValue> GroupTotals::CellsOf(const GroupPath& path, const Total& total) const {
@@ -109,7 +128,7 @@ void SlicedTotals::SetColumns(const std::vector<int>& columns, bool compared) {
 
 void SlicedTotals::Forget() {
   known_.clear();
-  reading_.reset();
+  reading_.clear();
 }
 
 const GroupSums* SlicedTotals::Find(const GroupPath& path) const {
@@ -143,47 +162,37 @@ const GroupSums& SlicedTotals::Load(const Outline& outline, const GroupPath& pat
     const SQLite::Column sum = statement->getColumn(column);
     sums.push_back(sum.isNull() ? std::nullopt : std::optional(sum.getDouble()));
   }
-  return Keep(path, sums);
+  return Keep(path, statement->getColumn(0).getInt64(), sums);
 }
 
 std::int64_t SlicedTotals::Read(const Outline& outline, const GroupPath& path,
                                 std::int64_t records) {
   if (!CanSlice()) {
-    Load(outline, path);
-    return records;
+    return Load(outline, path).records + kSearchCost;
   }
-  if (!reading_ || reading_->path != path) {
-    reading_.emplace();
-    reading_->path = path;
-    reading_->values = outline.Values(path);
-    reading_->sums.resize(TermsOf(path).size());
-    reading_->rowid = std::numeric_limits<std::int64_t>::min();
-    reading_->keyed = outline.IsInnermost(path);
+  if (reading_.size() >= kReadingHeld) {
+    reading_.clear();
   }
-  Progress& progress = *reading_;
+  const auto started = reading_.find(KeyOf(path));
+  Progress progress = started == reading_.end() ? Start(outline, path) : started->second;
   std::int64_t read = 0;
-  bool all = false;
-  while (!all && read < records) {
-    if (query_.IsRanged()) {
-      all = progress.next_range >= query_.Ranges().size();
-      read += all ? 0 : ReadRange(progress) + kSearchCost;
-    } else {
-      const std::int64_t wanted = records - read;
-      const bool last_part = progress.keyed;
-      const std::int64_t found = ReadSlice(progress, wanted);
-      all = last_part && found < wanted;
-      progress.keyed = progress.keyed || found < wanted;
-      read += found + kSearchCost;
-    }
+  bool more = !query_.IsRanged() || progress.range < query_.Ranges().size();
+  while (more && read < records) {
+    const std::int64_t wanted = records - read;
+    const std::int64_t found = ReadPart(progress, wanted);
+    read += found + kSearchCost;
+    more = found == wanted || StartNextPart(progress);
   }
-  if (all) {
-    std::vector<std::optional<double>> sums;
-    for (const std::optional<ExactSum>& sum : progress.sums) {
-      sums.push_back(sum ? std::optional(sum->Value()) : std::nullopt);
-    }
-    Keep(path, sums);
-    reading_.reset();
+  if (more) {
+    reading_.insert_or_assign(KeyOf(path), std::move(progress));
+    return read;
   }
+  std::vector<std::optional<double>> sums;
+  for (const std::optional<ExactSum>& sum : progress.sums) {
+    sums.push_back(sum ? std::optional(sum->Value()) : std::nullopt);
+  }
+  Keep(path, progress.records, sums);
+  reading_.erase(KeyOf(path));
   return read;
 }
 
@@ -191,73 +200,90 @@ std::int64_t SlicedTotals::Read(const Outline& outline, const GroupPath& path,
 // scan the table.
 bool SlicedTotals::CanSlice() const { return query_.IsRanged() || query_.RangedColumns().empty(); }
 
-std::int64_t SlicedTotals::ReadRange(Progress& progress) {
-  std::string text = "SELECT rowid";
-  for (const std::string& term : TermsOf(progress.path)) {
-    text += ", " + term;
+SlicedTotals::Progress SlicedTotals::Start(const Outline& outline, const GroupPath& path) const {
+  const std::size_t depth = path.size();
+  Progress progress{.values = outline.Values(path), .key = {}, .terms = TermsOf(path), .sums = {}};
+  if (depth < query_.Levels().size()) {
+    progress.key = query_.Levels()[depth].field;
+  } else if (!query_.StoredOrderIsIndexed()) {
+    progress.key = "[Type]";
   }
-  Statements::InUse statement = statements_.Take(text + query_.FromRange(progress.path.size()));
-  query_.BindRange(*statement, progress.values, query_.Ranges()[progress.next_range]);
-  const std::int64_t read = Add(*statement, progress, 1);
-  ++progress.next_range;
-  return read;
+  progress.sums.resize(progress.terms.size());
+  StartPart(progress);
+  return progress;
 }
 
-// An index has the records of an innermost group by their rowids. On an outer level it has them by
-// the values of the next level, records without a value first, and by their rowids within a value.
-std::int64_t SlicedTotals::ReadSlice(Progress& progress, std::int64_t records) {
-  const std::size_t depth = progress.path.size();
-  if (depth == query_.Levels().size()) {
-    return ReadRows(progress, "NULL", " AND rowid > ?5 ORDER BY rowid", records);
+void SlicedTotals::StartPart(Progress& progress) const {
+  progress.keyed = progress.key.empty();
+  progress.last_key = {};
+  progress.last_rowid = std::numeric_limits<std::int64_t>::min();
+}
+
+// A range has two parts: the records without a key, then those with one.
+bool SlicedTotals::StartNextPart(Progress& progress) const {
+  if (!progress.keyed) {
+    progress.keyed = true;
+    return true;
   }
-  const std::string& key = query_.Levels()[depth].field;
+  if (!query_.IsRanged()) {
+    return false;
+  }
+  StartPart(progress);
+  return ++progress.range < query_.Ranges().size();
+}
+
+std::int64_t SlicedTotals::ReadPart(Progress& progress, std::int64_t records) {
+  const std::string& key = progress.key;
+  if (key.empty()) {
+    return ReadRows(progress, " AND rowid > ?5 ORDER BY rowid", records);
+  }
   const std::string in_key = " AND " + key + " IS ?7 AND rowid > ?5 ORDER BY rowid";
   if (!progress.keyed) {
-    return ReadRows(progress, key, in_key, records);
+    return ReadRows(progress, in_key, records);
   }
   const std::string order = " ORDER BY " + key + ", rowid";
-  if (IsNull(progress.key)) {
-    return ReadRows(progress, key, " AND " + key + " IS NOT NULL" + order, records);
+  if (IsNull(progress.last_key)) {
+    return ReadRows(progress, " AND " + key + " IS NOT NULL" + order, records);
   }
   // Not one condition on both: SQLite would scan the rest of the value from its first record.
-  const std::int64_t read = ReadRows(progress, key, in_key, records);
+  const std::int64_t read = ReadRows(progress, in_key, records);
   return read == records
              ? read
-             : read + ReadRows(progress, key, " AND " + key + " > ?7" + order, records - read);
+             : read + ReadRows(progress, " AND " + key + " > ?7" + order, records - read);
 }
 
 // `rows` can use the last record's rowid as ?5 and its key as ?7.
-std::int64_t SlicedTotals::ReadRows(Progress& progress, const std::string& key,
-                                    const std::string& rows, std::int64_t records) {
+std::int64_t SlicedTotals::ReadRows(Progress& progress, const std::string& rows,
+                                    std::int64_t records) {
   constexpr int kRowid = GroupQuery::kFirstOwnParameter;
-  std::string text = "SELECT rowid, " + key;
-  for (const std::string& term : TermsOf(progress.path)) {
+  constexpr int kFirstTerm = 2;
+  std::string text = "SELECT rowid, " + (progress.key.empty() ? "NULL" : progress.key);
+  for (const std::string& term : progress.terms) {
     text += ", " + term;
   }
-  Statements::InUse statement =
-      statements_.Take(text + query_.From(progress.path.size()) + rows + " LIMIT ?6");
-  query_.Bind(*statement, progress.values);
+  const std::size_t depth = progress.values.size();
+  text += query_.IsRanged() ? query_.FromRange(depth) : query_.From(depth);
+  Statements::InUse statement = statements_.Take(text + rows + " LIMIT ?6");
+  if (query_.IsRanged()) {
+    query_.BindRange(*statement, progress.values, query_.Ranges()[progress.range]);
+  } else {
+    query_.Bind(*statement, progress.values);
+  }
   if (rows.find("?5") != std::string::npos) {
-    statement->bind(kRowid, progress.rowid);
+    statement->bind(kRowid, progress.last_rowid);
   }
   statement->bind(kRowid + 1, records);
   if (rows.find("?7") != std::string::npos) {
-    BindValue(*statement, kRowid + 2, progress.key);
+    BindValue(*statement, kRowid + 2, progress.last_key);
   }
-  return Add(*statement, progress, 2);
-}
-
-std::int64_t SlicedTotals::Add(SQLite::Statement& statement, Progress& progress, int first_term) {
   std::int64_t read = 0;
-  while (statement.executeStep()) {
+  while (statement->executeStep()) {
     ++read;
-    progress.rowid = statement.getColumn(0).getInt64();
-    if (first_term > 1) {
-      progress.key = ValueOf(statement.getColumn(1));
-    }
-    int column = first_term;
+    progress.last_rowid = statement->getColumn(0).getInt64();
+    progress.last_key = ValueOf(statement->getColumn(1));
+    int column = kFirstTerm;
     for (std::optional<ExactSum>& sum : progress.sums) {
-      const SQLite::Column value = statement.getColumn(column++);
+      const SQLite::Column value = statement->getColumn(column++);
       if (!value.isNull()) {
         if (!sum) {
           sum.emplace();
@@ -266,12 +292,13 @@ std::int64_t SlicedTotals::Add(SQLite::Statement& statement, Progress& progress,
       }
     }
   }
+  progress.records += read;
   return read;
 }
 
-const GroupSums& SlicedTotals::Keep(const GroupPath& path,
+const GroupSums& SlicedTotals::Keep(const GroupPath& path, std::int64_t records,
                                     const std::vector<std::optional<double>>& sums) {
-  GroupSums kept{.cells = std::vector<CellValue>(kHistoryColumnCount), .comparisons = {}};
+  GroupSums kept{.cells = std::vector<CellValue>(kHistoryColumnCount), .records = records};
   const std::vector<int>& columns = columns_[path.size() - 1];
   for (std::size_t i = 0; i < columns.size(); ++i) {
     kept.cells[static_cast<std::size_t>(columns[i]) - 1] = sums[i].value_or(0);
@@ -283,9 +310,7 @@ const GroupSums& SlicedTotals::Keep(const GroupPath& path,
       comparison.actual = sums[term++];
     }
   }
-  if (known_.size() >= kTotalsHeld) {
-    known_.clear();
-  }
+  DropSmallGroups(known_);
   return known_.insert_or_assign(KeyOf(path), std::move(kept)).first->second;
 }
 

@@ -20,6 +20,7 @@ namespace vrx {
 struct GroupSums {
   std::vector<CellValue> cells = {};  // 0 without values, NULL for columns that are not summed
   Comparisons comparisons = {};
+  std::int64_t records = 0;
 };
 
 // Cache of the sums of total rows, computed on demand. Keeps the sums of large groups and the
@@ -36,8 +37,12 @@ class GroupTotals {
   // To be called when the outline is reloaded.
   void Forget() { totals_.clear(); }
 
+  // Whether Find returns them. True if the level has no sums.
+  [[nodiscard]] bool Knows(const GroupPath& path) const;
   // GroupSums::cells. Nothing if the sums are not in the cache.
-  std::optional<std::vector<CellValue>> Find(const GroupPath& path) const;
+  [[nodiscard]] std::optional<std::vector<CellValue>> Find(const GroupPath& path) const;
+  // The same of sums that have at least these columns.
+  [[nodiscard]] std::vector<CellValue> Of(const GroupPath& path, const GroupSums& sums) const;
   // Throws SQLite::Exception.
   std::vector<CellValue> Load(const Outline& outline, const GroupPath& path);
 
@@ -59,9 +64,9 @@ class GroupTotals {
   std::unordered_map<std::uint64_t, Total> totals_;  // by level and place
 };
 
-// Cache of the sums that a total row does not need: those of a closed group, also on a level that
-// has both batched and fed weights but no target for them, and the compared weights of any group. A
-// group of an outer level can have most of the table, so its records can be read in slices.
+// Cache of all sums of groups, also of those that a total row does not need: both actual weights on
+// a level that has batched and fed weights but no target for them, and the compared weights. A
+// group can have most of the table, so its records can be read in slices.
 class SlicedTotals {
  public:
   // Statements and query must outlive it.
@@ -75,38 +80,49 @@ class SlicedTotals {
   [[nodiscard]] const GroupSums* Find(const GroupPath& path) const;
   // Reads all records. Throws SQLite::Exception.
   const GroupSums& Load(const Outline& outline, const GroupPath& path);
-  // Continues with the next records, about `records` of them, and returns how many it read. The
-  // sums are known when all are read. Another group begins anew. Throws SQLite::Exception.
+  // Continues with the next records of this group and returns what it read, which is at most
+  // `records` and kSearchCost for the last search. The sums are known when all are read. Several
+  // groups can be read by turns. Throws SQLite::Exception and then keeps what was read before.
   std::int64_t Read(const Outline& outline, const GroupPath& path, std::int64_t records);
 
+  // What a search of an index costs, in records read.
+  static constexpr std::int64_t kSearchCost = 16;
+
  private:
-  // How far the records of a group are read.
+  // How far the records of a group are read, in the order of an index: those of a ranged query
+  // range by range, within it by the next column of the index, without a value first, and by their
+  // rowids.
   struct Progress {
-    GroupPath path = {};
-    std::vector<CellValue> values = {};
-    std::vector<std::optional<ExactSum>> sums = {};
-    std::size_t next_range = 0;
-    CellValue key = {};  // of the last record, with its rowid
-    std::int64_t rowid = 0;
+    std::vector<CellValue> values;
+    std::string key;  // the next column; empty if the index has the rowids next
+    std::vector<std::string> terms;
+    std::vector<std::optional<ExactSum>> sums;
+    std::int64_t records = 0;
+    std::size_t range = 0;
     bool keyed = false;  // past the records without a key
+    // Of the last record in this range.
+    CellValue last_key = {};
+    std::int64_t last_rowid = 0;
   };
 
   [[nodiscard]] std::vector<std::string> TermsOf(const GroupPath& path) const;
   [[nodiscard]] bool CanSlice() const;
-  std::int64_t ReadRange(Progress& progress);
-  std::int64_t ReadSlice(Progress& progress, std::int64_t records);
-  std::int64_t ReadRows(Progress& progress, const std::string& key, const std::string& rows,
-                        std::int64_t records);
-  std::int64_t Add(SQLite::Statement& statement, Progress& progress, int first_term);
-  const GroupSums& Keep(const GroupPath& path, const std::vector<std::optional<double>>& sums);
+  [[nodiscard]] Progress Start(const Outline& outline, const GroupPath& path) const;
+  void StartPart(Progress& progress) const;
+  [[nodiscard]] bool StartNextPart(Progress& progress) const;
+  std::int64_t ReadPart(Progress& progress, std::int64_t records);
+  std::int64_t ReadRows(Progress& progress, const std::string& rows, std::int64_t records);
+  const GroupSums& Keep(const GroupPath& path, std::int64_t records,
+                        const std::vector<std::optional<double>>& sums);
 
   Statements& statements_;
   const GroupQuery& query_;
   DataGroup group_;
   std::vector<std::vector<int>> columns_;  // by level
   bool compared_ = false;
-  std::unordered_map<std::uint64_t, GroupSums> known_;  // by level and place
-  std::optional<Progress> reading_;
+  // By level and place.
+  std::unordered_map<std::uint64_t, GroupSums> known_;
+  std::unordered_map<std::uint64_t, Progress> reading_;
 };
 
 }  // namespace vrx

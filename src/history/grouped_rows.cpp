@@ -116,30 +116,22 @@ class GroupedRows::Impl {
   HistoryRow Row(std::int64_t row, SumsWanted wanted) {
     const OutlinePlace place = Rows().Find(row);
     HistoryRow answer{.kind = place.kind, .depth = place.depth};
-    const bool known_only = wanted == SumsWanted::kKnown;
-    const GroupSums* const known =
-        known_only && HasSlicedSums(place) ? view_->sliced.Find(place.path) : nullptr;
-    if (known != nullptr) {
-      answer.comparisons = known->comparisons;
-    }
-    switch (place.kind) {
-      case HistoryRowKind::kGroup:
-        answer.open = Rows().IsOpen(place.path);
-        if (known != nullptr) {
-          answer.cells = known->cells;
-        }
-        break;
-      case HistoryRowKind::kTotal:
-        answer.cells = Sums(place);
-        if (summed_.compared && !known_only) {
-          answer.comparisons = ComparisonsOf(place.path);
-        }
-        break;
-      case HistoryRowKind::kRecord:
-        answer.cells = Record(place);
-        return answer;
+    if (place.kind == HistoryRowKind::kRecord) {
+      answer.cells = Record(place);
+      return answer;
     }
     answer.group = Rows().Values(place.path).back();
+    if (place.kind == HistoryRowKind::kTotal) {
+      SetTotals(answer, place.path, wanted);
+      return answer;
+    }
+    answer.open = Rows().IsOpen(place.path);
+    const GroupSums* const known =
+        answer.open || wanted == SumsWanted::kAll ? nullptr : view_->sliced.Find(place.path);
+    if (known != nullptr) {
+      answer.cells = known->cells;
+      answer.comparisons = known->comparisons;
+    }
     return answer;
   }
 
@@ -234,7 +226,7 @@ class GroupedRows::Impl {
     for (std::int64_t row = std::max<std::int64_t>(first, 1);
          row <= std::min(last, Rows().RowCount()); ++row) {
       OutlinePlace place = Rows().Find(row);
-      if (HasSlicedSums(place) && view_->sliced.Find(place.path) == nullptr) {
+      if (WaitsForSums(place)) {
         unknown.push_back(std::move(place.path));
       }
     }
@@ -388,24 +380,30 @@ class GroupedRows::Impl {
     });
   }
 
-  std::vector<CellValue> Sums(const OutlinePlace& place) {
-    std::optional<std::vector<CellValue>> held = view_->totals.Find(place.path);
-    return held ? *std::move(held)
-                : Read(database_, [&] { return view_->totals.Load(Rows(), place.path); });
+  // Of a total row. Reads only what is not known, and nothing for the screen.
+  void SetTotals(HistoryRow& row, const GroupPath& path, SumsWanted wanted) {
+    const GroupSums* sums = view_->sliced.Find(path);
+    if (sums == nullptr && wanted == SumsWanted::kAll && summed_.compared) {
+      sums = Read(database_, [&] { return &view_->sliced.Load(Rows(), path); });
+    }
+    if (sums != nullptr) {
+      row.cells = view_->totals.Of(path, *sums);
+      row.comparisons = sums->comparisons;
+    } else if (std::optional<std::vector<CellValue>> cells = view_->totals.Find(path)) {
+      row.cells = *std::move(cells);
+    } else if (wanted == SumsWanted::kAll) {
+      row.cells = Read(database_, [&] { return view_->totals.Load(Rows(), path); });
+    }
   }
 
-  // Whether the row has sums that can take long.
-  [[nodiscard]] bool HasSlicedSums(const OutlinePlace& place) const {
+  // Whether the row has sums on the screen that are not known yet.
+  [[nodiscard]] bool WaitsForSums(const OutlinePlace& place) const {
+    if (place.kind == HistoryRowKind::kRecord || view_->sliced.Find(place.path) != nullptr) {
+      return false;
+    }
     return place.kind == HistoryRowKind::kGroup
                ? !Rows().IsOpen(place.path)
-               : place.kind == HistoryRowKind::kTotal && summed_.compared;
-  }
-
-  Comparisons ComparisonsOf(const GroupPath& path) {
-    const GroupSums* const held = view_->sliced.Find(path);
-    return held != nullptr
-               ? held->comparisons
-               : Read(database_, [&] { return view_->sliced.Load(Rows(), path).comparisons; });
+               : summed_.compared || !view_->totals.Knows(place.path);
   }
 
   SQLite::Database& database_;

@@ -24,15 +24,15 @@ struct HistoryRow {
   CellValue group = {};  // value of a group row and its total row
   bool open = false;     // of a group row
   // By column index - 1. All columns of a record; sums of a total row, NULL for columns that are
-  // not summed or blank at its depth; empty for a group row, but see SumsWanted.
+  // not summed or blank at its depth; empty for a group row. See SumsWanted.
   std::vector<CellValue> cells = {};
   Comparisons comparisons = {};  // of a total row, if the view compares weights
 };
 
-// What a row for the screen has of the sums that can take long to read.
+// What a row has of the sums of its group, which can take long to read.
 enum class SumsWanted {
-  kAll,    // reads the compared weights of a total row
-  kKnown,  // reads none: they are empty until ReadSums has read them; a closed group has sums too
+  kAll,    // reads those of a total row
+  kKnown,  // reads none: cells are empty until ReadSums has read them; a closed group has sums too
 };
 
 // The result of reading some sums.

@@ -153,6 +153,9 @@ std::string ShownCell(const HistoryRow& row, const DataGroup& group, const Histo
   if (row.kind == HistoryRowKind::kTotal && !traits.summed) {
     return std::string(columns.TotalText(column));
   }
+  if (row.cells.empty()) {
+    return {};  // sums that are not known yet
+  }
   const CellValue& value = row.cells.at(static_cast<std::size_t>(column) - 1);
   return row.kind == HistoryRowKind::kTotal ? ShownSum(column, value) : ShownValue(traits, value);
 }

@@ -20,10 +20,10 @@ namespace vrx {
 
 namespace {
 
-// Records read for the sums on the screen, some 2 µs each: at once while drawing, and between two
+// Records read for the sums on the screen, 2 to 8 µs each: at once while drawing, and between two
 // events afterwards.
 constexpr std::int64_t kRecordsWhileDrawing = 1000;
-constexpr std::int64_t kRecordsBetweenEvents = 4000;
+constexpr std::int64_t kRecordsBetweenEvents = 2000;
 
 }  // namespace
 

@@ -1,4 +1,5 @@
 #include <QCheckBox>
+#include <QScrollBar>
 #include <QTimer>
 #include <string>
 #include <vector>
@@ -12,6 +13,7 @@ namespace {
 
 using ::testing::Contains;
 using ::testing::ElementsAre;
+using ::testing::StartsWith;
 
 class HistoryDifferences : public HistoryFixture {
  protected:
@@ -133,6 +135,30 @@ TEST_F(HistoryDifferences, AClosedGroupHasItsTotalsInTheirColumnsBelowHeaders) {
     }
     left += shown.width;
   }
+}
+
+TEST_F(HistoryDifferences, ATotalOfManyRecordsIsBlankUntilItIsRead) {
+  ShowTab();
+  Alter(Transactions(),
+        "WITH RECURSIVE Listed (Number) AS (SELECT 1 UNION ALL SELECT Number + 1 FROM Listed WHERE "
+        "Number < 6000) INSERT INTO Transactions ([Transaction], Recipe, Type, Pen, Target, "
+        "ActualFeed) SELECT 1, 'STEERS', 'FEED', 'Z9', 0.2, 0.1 FROM Listed");
+  ChooseGroup(8);
+  ExpandAll(true);
+  const int total = Grid().Model().rowCount() - 1;
+  const auto text = [&](int column) {
+    return Grid().Model().index(total, column - 1).data().toString().toStdString();
+  };
+  Grid().verticalScrollBar()->setValue(Grid().verticalScrollBar()->maximum());
+  Grid().viewport()->repaint();
+  EXPECT_THAT(Cells(total), StartsWith("Total:"));
+  EXPECT_EQ(text(kActualFeedColumn), "") << "in the first picture";
+  EXPECT_EQ(text(kTargetColumn), "");
+  const QImage blank = Grid().viewport()->grab().toImage();
+  TotalsOf(total);
+  EXPECT_EQ(text(kActualFeedColumn), "600");
+  EXPECT_EQ(text(kTargetColumn), "1200");
+  EXPECT_NE(Grid().viewport()->grab().toImage(), blank);
 }
 
 TEST_F(HistoryDifferences, AFailureLeavesTheTotalsOutAndTheGroupsStay) {

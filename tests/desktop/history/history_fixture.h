@@ -6,6 +6,7 @@
 #include <QHeaderView>
 #include <QTabBar>
 #include <QTest>
+#include <cstdint>
 #include <filesystem>
 #include <stdexcept>
 #include <string>
@@ -115,8 +116,10 @@ class HistoryFixture : public MainWindowFixture {
   }
   std::string GroupText() { return Find<QComboBox>(u"lstGroupBy"_qs).currentText().toStdString(); }
 
-  // The lines of the table, in the format of ShownLines.
+  // The lines of the table once all totals are read, in the format of ShownLines.
   std::vector<std::string> Lines() {
+    constexpr std::int64_t kAllRecords = 1'000'000;
+    Grid().Model().ReadSums(0, Grid().Model().rowCount() - 1, kAllRecords);
     std::vector<std::string> lines;
     for (int row = 0; row < Grid().Model().rowCount(); ++row) {
       const ShownRow& shown = Grid().Model().RowAt(row);

@@ -54,6 +54,14 @@ TEST_F(HistoryTableModelTest, ACellIsWhatTheGridShows) {
   EXPECT_EQ(Text(1, "ActualFeed"), "810.5");
   EXPECT_EQ(Text(1, "Time"), "02:05 PM");
   EXPECT_EQ(Text(3, "Transaction"), "Total:");
+}
+
+TEST_F(HistoryTableModelTest, ATotalIsBlankUntilItIsRead) {
+  Show(8, true);
+  EXPECT_EQ(Text(3, "ActualFeed"), "");
+  EXPECT_TRUE(model_.ReadSums(3, 3, 1).more);
+  EXPECT_EQ(Text(3, "ActualFeed"), "");
+  EXPECT_TRUE(model_.ReadSums(3, 3, 1000).any);
   EXPECT_EQ(Text(3, "ActualFeed"), "1305.75");
 }
 
