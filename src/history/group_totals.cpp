@@ -1,6 +1,7 @@
 #include "history/group_totals.h"
 
 #include <algorithm>
+#include <iterator>
 #include <limits>
 #include <span>
 
@@ -14,6 +15,8 @@ namespace {
 
 constexpr std::size_t kTotalsHeld = 4096;
 constexpr std::int64_t kLargeGroup = 1000;
+// So many terms take as long as the rest of a record.
+constexpr std::int64_t kTermsOfARecord = 16;
 // Groups that are partly read.
 constexpr std::size_t kReadingHeld = 256;
 
@@ -175,12 +178,13 @@ std::int64_t SlicedTotals::Read(const Outline& outline, const GroupPath& path,
   }
   const auto started = reading_.find(KeyOf(path));
   Progress progress = started == reading_.end() ? Start(outline, path) : started->second;
+  const std::int64_t cost = 1 + std::ssize(progress.terms) / kTermsOfARecord;
   std::int64_t read = 0;
   bool more = !query_.IsRanged() || progress.range < query_.Ranges().size();
   while (more && read < records) {
-    const std::int64_t wanted = records - read;
+    const std::int64_t wanted = std::max<std::int64_t>((records - read) / cost, 1);
     const std::int64_t found = ReadPart(progress, wanted);
-    read += found + kSearchCost;
+    read += found * cost + kSearchCost;
     more = found == wanted || StartNextPart(progress);
   }
   if (more) {

@@ -80,9 +80,10 @@ class SlicedTotals {
   [[nodiscard]] const GroupSums* Find(const GroupPath& path) const;
   // Reads all records. Throws SQLite::Exception.
   const GroupSums& Load(const Outline& outline, const GroupPath& path);
-  // Continues with the next records of this group and returns what it read, which is at most
-  // `records` and kSearchCost for the last search. The sums are known when all are read. Several
-  // groups can be read by turns. Throws SQLite::Exception and then keeps what was read before.
+  // Continues with the next records of this group, and returns how many it read, searches included:
+  // at most `records` and kSearchCost for the last one. A record with many columns counts more than
+  // once. The sums are known when all are read. Several groups can be read by turns. Throws
+  // SQLite::Exception and then keeps what was read before.
   std::int64_t Read(const Outline& outline, const GroupPath& path, std::int64_t records);
 
   // What a search of an index costs, in records read.
