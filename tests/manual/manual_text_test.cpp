@@ -166,6 +166,11 @@ TEST(ManualChapter, ReportsFileAndLineOfWhatIsWrong) {
   EXPECT_EQ(FailureOf(""), "05-pens.md: the chapter has no title");
 }
 
+TEST(StringLiterals, GoOnAfterADigitSeparator) {
+  EXPECT_THAT(StringLiterals("const int a = 20'000; f(\"one\", 'x', \"two\");"),
+              ElementsAre("one", "two"));
+}
+
 TEST(StringLiterals, JoinsWhatStandsSideBySideAndLeavesCommentsOut) {
   EXPECT_THAT(
       StringLiterals("#include \"a.h\"\n// \"no\"\nf(\"one \"\n  \"two\", '\"', \"x\\\"y\");"),

@@ -35,6 +35,8 @@ class LiteralScanner {
       const auto end = source_.find(")\"", at_);
       Append(std::string(source_.substr(at_, end - at_)));
       at_ = end + 2;
+    } else if (IsDigitSeparator()) {
+      ++at_;
     } else if (source_[at_] == '"' || source_[at_] == '\'') {
       Quoted(source_[at_]);
     } else {
@@ -43,6 +45,11 @@ class LiteralScanner {
       }
       ++at_;
     }
+  }
+
+  bool IsDigitSeparator() const {
+    constexpr std::string_view kDigits = "0123456789abcdefABCDEF";
+    return source_[at_] == '\'' && at_ > 0 && kDigits.find(source_[at_ - 1]) != kDigits.npos;
   }
 
   void Quoted(char mark) {
@@ -106,8 +113,8 @@ std::string OneLine(std::string_view text) {
 ProgramTexts::ProgramTexts(const fs::path& sources) {
   for (const fs::directory_entry& entry : fs::recursive_directory_iterator(sources)) {
     const std::string extension = entry.path().extension().string();
-    const std::string room = fs::relative(entry.path(), sources).begin()->string();
-    if ((extension != ".cpp" && extension != ".h") || room == "ctl" || room == "simulator") {
+    const std::string library = fs::relative(entry.path(), sources).begin()->string();
+    if ((extension != ".cpp" && extension != ".h") || library == "ctl" || library == "simulator") {
       continue;
     }
     for (const std::string& literal : StringLiterals(ReadAll(entry.path()))) {
