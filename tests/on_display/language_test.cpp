@@ -11,24 +11,6 @@ namespace {
 
 class LanguageOnDisplay : public OnDisplay {
  protected:
-  // What the program writes to a file when it exports the shown group.
-  std::string Exported() {
-    ClickItem("Export");
-    EXPECT_TRUE(WaitFor([](const Screen& screen) { return screen.Find("txtFName") != nullptr; }));
-    Click("txtFName");
-    Keys({"ctrl+a"});
-    Type("out");
-    Click("txtFPath");
-    Keys({"ctrl+a"});
-    Type(folder.Path().string());
-    Click("optCSV");
-    Click("cmdExport");
-    EXPECT_TRUE(WaitForBox("Data exported successfully."));
-    Keys({"Return"});
-    EXPECT_TRUE(WaitForWindow(kMainTitle));
-    return ReadAll(folder / "out.csv");
-  }
-
   Environment language_{"LANGUAGE", "de"};
   Environment locale_{"LC_ALL", "C.UTF-8"};
 };
@@ -69,7 +51,9 @@ TEST_F(LanguageOnDisplay, WritesTheSameFiles) {
   StartProgram();
   ClickItem("Batched/Fed");
   Settle();
-  const std::string german = Exported();
+  ExportTo(folder.Path(), "out");
+  ASSERT_TRUE(WaitForWindow(kMainTitle));
+  const std::string german = ReadAll(folder / "out.csv");
   const std::filesystem::path english = folder / "english.csv";
   ASSERT_EQ(Ctl({"export", transactions.string(), "--group", "0", "--recipes", recipes.string(),
                  "--format", "csv", "--out", english.string()})

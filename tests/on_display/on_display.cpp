@@ -116,6 +116,21 @@ void OnDisplay::Click(const std::string& widget, int times) {
   input.Click(found->place.Center(), times);
 }
 
+void OnDisplay::ExportTo(const std::filesystem::path& directory, const std::string& name) {
+  ClickItem("Export");
+  ASSERT_TRUE(WaitFor([](const Screen& screen) { return screen.Find("txtFName") != nullptr; }));
+  Click("txtFName");
+  Keys({"ctrl+a"});
+  Type(name);
+  Click("txtFPath");
+  Keys({"ctrl+a"});
+  Type(directory.string());
+  Click("optCSV");
+  Click("cmdExport");
+  ASSERT_TRUE(WaitForBox("Data exported successfully."));
+  Keys({"Return"});
+}
+
 void OnDisplay::ClickItem(const std::string& caption) {
   const Screen screen = Look();
   const Item* const found = screen.FindItem(caption);

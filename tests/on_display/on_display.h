@@ -1,5 +1,6 @@
 #pragma once
 
+#include <filesystem>
 #include <functional>
 #include <memory>
 #include <string>
@@ -54,6 +55,9 @@ class OnDisplay : public DesktopUser {
 
   // Waits for the file dialog with that title, types the path and accepts it.
   void AnswerFileDialog(const std::string& title, const std::filesystem::path& path);
+
+  // Exports the shown group as CSV, by the Export tab, and closes the box that reports it.
+  void ExportTo(const std::filesystem::path& directory, const std::string& name);
 
   // Each clicks the center; the test fails if the target is not on the screen.
   void Click(const std::string& widget, int times = 1);

@@ -117,18 +117,7 @@ TEST_F(OpenOnDisplay, TheLineBelowTheTabsOpensWhatWasPrinted) {
 }
 
 TEST_F(OpenOnDisplay, TheLineBelowTheTabsOpensWhatWasExported) {
-  ClickItem("Export");
-  ASSERT_TRUE(WaitFor([](const Screen& screen) { return screen.Find("txtFName") != nullptr; }));
-  Click("txtFName");
-  Keys({"ctrl+a"});
-  Type("out");
-  Click("txtFPath");
-  Keys({"ctrl+a"});
-  Type(folder.Path().string());
-  Click("optCSV");
-  Click("cmdExport");
-  ASSERT_TRUE(WaitForBox("Data exported successfully."));
-  Keys({"Return"});
+  ExportTo(folder.Path(), "out");
   OpensFromTheLine("Exported to out.csv", folder / "out.csv");
 }
 
