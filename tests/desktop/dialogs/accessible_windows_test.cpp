@@ -10,6 +10,7 @@
 #include <QDialog>
 #include <QLineEdit>
 #include <QMenu>
+#include <QProgressBar>
 #include <QPushButton>
 #include <QScreen>
 #include <QScrollArea>
@@ -24,8 +25,10 @@
 
 #include "database/records.h"
 #include "desktop/dialogs/about_and_splash.h"
+#include "desktop/dialogs/conversion.h"
 #include "desktop/main_window/main_window_fixture.h"
 #include "desktop/next_modal.h"
+#include "desktop/print/print_dialogs.h"
 #include "support/fake_operating_system.h"
 #include "widgets/layout.h"
 
@@ -62,15 +65,16 @@ bool IsPartOfAField(const QWidget& widget) {
          qobject_cast<const QLineEdit*>(parent) != nullptr;
 }
 
-bool TakesInput(const QWidget& widget) {
+bool NeedsAName(const QWidget& widget) {
   return widget.focusPolicy() != Qt::NoFocus ||
-         qobject_cast<const QAbstractButton*>(&widget) != nullptr;
+         qobject_cast<const QAbstractButton*>(&widget) != nullptr ||
+         qobject_cast<const QProgressBar*>(&widget) != nullptr;
 }
 
 std::vector<std::string> NamelessIn(const QWidget& window) {
   std::vector<std::string> nameless;
   for (QWidget* const widget : window.findChildren<QWidget*>()) {
-    if (!TakesInput(*widget) || widget->window() != &window || IsInCalendar(*widget) ||
+    if (!NeedsAName(*widget) || widget->window() != &window || IsInCalendar(*widget) ||
         IsPartOfAField(*widget) || widget->objectName().startsWith(u"qt_"_qs) ||
         widget->inherits("QTableCornerButton")) {
       continue;
@@ -161,6 +165,18 @@ TEST_F(AccessibleWindows, TheBoxesNameEveryControl) {
   EXPECT_THAT(NamelessInWindowOf(u"mnuFilePrintSetup"_qs, u"dlgPrintDialog"_qs), IsEmpty());
 }
 
+TEST_F(AccessibleWindows, TheBoxesOfLongWorkNameEveryControl) {
+  EXPECT_THAT(NamelessIn(ConversionProgress(&Window())), IsEmpty());
+  EXPECT_THAT(NamelessIn(PrintProgress(&Window())), IsEmpty());
+  std::vector<std::string> nameless{"the report was not shown"};
+  const NextModal modal([&](QWidget& report) {
+    nameless = NamelessIn(report);
+    report.close();
+  });
+  QtConversionDisplay(Window(), chooser_, operator_).ShowReport("one\ntwo\n", "NEW.TXT");
+  EXPECT_THAT(nameless, IsEmpty());
+}
+
 TEST_F(AccessibleWindows, TheBoxesOfRecipesNameEveryControl) {
   Window().ChooseTab(kTabRecipes);
   RunEvents();
@@ -211,7 +227,10 @@ TEST_F(AccessibleWindows, TheWalkFindsWhatHasNoName) {
   nameless->setObjectName(u"txtNameless"_qs);
   auto* const named = new QComboBox(&window);
   named->setAccessibleName(u"Named"_qs);
-  EXPECT_THAT(NamelessIn(window), ::testing::ElementsAre("QLineEdit txtNameless"));
+  auto* const bar = new QProgressBar(&window);
+  bar->setObjectName(u"prgNameless"_qs);
+  EXPECT_THAT(NamelessIn(window),
+              ::testing::ElementsAre("QLineEdit txtNameless", "QProgressBar prgNameless"));
 }
 
 class DisabledControls : public MainWindowFixture {
