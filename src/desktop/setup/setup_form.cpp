@@ -1,7 +1,9 @@
 #include "desktop/setup/setup_form.h"
 
+#include <QCoreApplication>
 #include <QFormLayout>
 #include <QHBoxLayout>
+#include <QKeyEvent>
 #include <QLabel>
 #include <QScreen>
 #include <QTimer>
@@ -287,6 +289,15 @@ void SetupForm::ShowPort() {
 void SetupForm::done(int result) {
   module_tab_->Abandon();
   QDialog::done(result);
+}
+
+// Ctrl+Tab switches to another tab also from the button below them.
+void SetupForm::keyPressEvent(QKeyEvent* event) {
+  if (event->matches(QKeySequence::NextChild) || event->matches(QKeySequence::PreviousChild)) {
+    QCoreApplication::sendEvent(tab_setup_folder_, event);
+    return;
+  }
+  QDialog::keyPressEvent(event);
 }
 
 // Runs when the form is visible, because a modal form then prevents opening another one.

@@ -47,6 +47,7 @@ class SetupForm : public QDialog {
   void done(int result) override;
 
  protected:
+  void keyPressEvent(QKeyEvent* event) override;
   void showEvent(QShowEvent* event) override;
 
  private:

@@ -58,6 +58,21 @@ class SetupFormTest : public TransferFixture {
   SetupForm* form_ = nullptr;
 };
 
+TEST_F(SetupFormTest, ControlTabTurnsTheTabsFromEveryControl) {
+  Setup([&](SetupForm& form) {
+    const auto& tabs = Of<QTabWidget>(u"tabSetupFolder"_qs);
+    Of<QPushButton>(u"cmdOK"_qs).setFocus();
+    QTest::keyClick(QApplication::focusWidget(), Qt::Key_Tab, Qt::ControlModifier);
+    EXPECT_EQ(tabs.currentIndex(), 1);
+    Of<QPushButton>(u"cmdOK"_qs).setFocus();
+    QTest::keyClick(QApplication::focusWidget(), Qt::Key_Backtab,
+                    Qt::ControlModifier | Qt::ShiftModifier);
+    EXPECT_EQ(tabs.currentIndex(), 0);
+    QTest::keyClick(&form, Qt::Key_Backtab, Qt::ControlModifier | Qt::ShiftModifier);
+    EXPECT_EQ(tabs.currentIndex(), tabs.count() - 1);
+  });
+}
+
 TEST_F(SetupFormTest, HasSevenTabsAndBeginsWithTheFirst) {
   Setup([&](SetupForm& form) {
     EXPECT_EQ(form.windowTitle(), u"Setup and Test"_qs);
