@@ -67,8 +67,9 @@ constexpr int kTransactionFileCaption = 1094;
 constexpr int kUnitsCaption = 1095;
 constexpr int kTransactionsCaption = 1096;
 constexpr int kRecordsCaption = 1099;
-constexpr int kImportBarWidth = 200;
-constexpr int kFilenameStretch = 100;  // it takes room before the row has any to spare
+constexpr int kImportBarWidth = 200;         // where there is room
+constexpr int kSmallestImportBarWidth = 60;  // beside a long message
+constexpr int kFilenameStretch = 100;        // it takes room before the row has any to spare
 
 // Reserves space for that many characters, so that nothing moves when the text appears.
 void AddFact(QHBoxLayout& row, QWidget& page, const char* caption_name, int caption, QLabel& fact,
@@ -250,9 +251,9 @@ QLayout* ImportPage::LayOutFacts() {
   AddFact(*row, *this, "lblTransFile", kTransactionFileCaption, *lbl_trans_filename_, 8);
   lbl_trans_filename_->setMaximumWidth(3 * lbl_trans_filename_->minimumWidth());
   row->setStretchFactor(lbl_trans_filename_, kFilenameStretch);
-  AddFact(*row, *this, "lblTransUnits", kUnitsCaption, *lbl_trans_uom_, 4);
-  AddFact(*row, *this, "lblRecordsCaption", kRecordsCaption, *lbl_records_, 6);
-  AddFact(*row, *this, "lblTransactionsCaption", kTransactionsCaption, *lbl_transactions_, 6);
+  AddFact(*row, *this, "lblTransUnits", kUnitsCaption, *lbl_trans_uom_, 2);
+  AddFact(*row, *this, "lblRecordsCaption", kRecordsCaption, *lbl_records_, 5);
+  AddFact(*row, *this, "lblTransactionsCaption", kTransactionsCaption, *lbl_transactions_, 4);
   row->addStretch(1);
   chk_imp_fit_page_ = new QCheckBox(QTr("Fit/&Print All Columns on Page"), this);
   chk_imp_fit_page_->setObjectName(QStringLiteral("chkImpFitPage"));
@@ -271,13 +272,15 @@ void ImportPage::FillPicImport() {
   prg_import_ = new QProgressBar(pic_import_progress_);
   prg_import_->setObjectName(QStringLiteral("prgImport"));
   prg_import_->setAccessibleName(QTr("Progress of the import"));
-  prg_import_->setFixedWidth(kImportBarWidth);
+  prg_import_->setMinimumWidth(kSmallestImportBarWidth);
+  prg_import_->setMaximumWidth(kImportBarWidth);
+  prg_import_->setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Fixed);
   auto* const progress = new QHBoxLayout(pic_import_progress_);
   progress->setContentsMargins(0, 0, 0, 0);
   progress->setSpacing(kSpacing);
   progress->addWidget(AddLabel(*pic_import_progress_, "lblProgress", kProgressCaption));
-  progress->addWidget(prg_import_);
-  progress->addWidget(lbl_progress_msg_, 1);
+  progress->addWidget(prg_import_, 1);
+  progress->addWidget(lbl_progress_msg_);
 
   auto* const row = panel.layout();
   row->addWidget(pic_import_progress_);
