@@ -10,6 +10,7 @@
 #include <QLineEdit>
 #include <QListWidget>
 #include <QPushButton>
+#include <QRegularExpression>
 #include <QTabWidget>
 #include <QTimer>
 #include <QTreeWidget>
@@ -69,6 +70,30 @@ QImage Upload(SampleProgram& program) {
   Click(program, "cmdUploadDataFromKRM");
   program.Find<QListWidget>("lstDataFiles").item(0)->setCheckState(Qt::Checked);
   return WholeWindow(program);
+}
+
+// The upload lives inside the click that begins it, so the picture is taken from within.
+QImage UploadInProgress(SampleProgram& program) {
+  program.ShowTab(kTabDataTransfer);
+  program.ModuleHolds({"DAY1.QXT", "DAY2.QXT", "DAY3.QXT", "DAY4.QXT", "DAY5.QXT", "DAY6.QXT"});
+  program.ModuleSendsAtItsPace(true);
+  const auto& status = program.Find<QLabel>("lblStatusWindow");
+  const QRegularExpression half(QStringLiteral(", [5-9][0-9]% of the memory"));
+  QImage image;
+  QTimer events;
+  QObject::connect(&events, &QTimer::timeout, &program.Window(), [&] {
+    if (status.text().contains(half)) {
+      events.stop();
+      image = WholeWindow(program);
+    }
+  });
+  events.start(0);
+  Click(program, "cmdUploadDataFromKRM");
+  program.ModuleSendsAtItsPace(false);
+  if (image.isNull()) {
+    throw Error("the upload showed no progress");
+  }
+  return image;
 }
 
 // The connection lives inside the click that begins it, so the picture is taken from within, once
@@ -313,6 +338,7 @@ constexpr std::array kFigures = std::to_array<Figure>({
     {"first-screen", &FirstScreen},
     {"calendar", &CalendarOfTheMonth},
     {"download", &Download},
+    {"upload-progress", &UploadInProgress},
     {"upload", &Upload},
     {"direct", &Direct},
     {"ingredients", &Tab<kTabIngredients>},

@@ -4,9 +4,12 @@
 #include <QApplication>
 #include <QTemporaryDir>
 #include <algorithm>
+#include <functional>
+#include <memory>
 #include <optional>
 #include <system_error>
 #include <utility>
+#include <vector>
 
 #include "adapters/program_runner.h"
 #include "adapters/qt_event_pump.h"
@@ -72,7 +75,8 @@ class SampleOperatingSystem : public OperatingSystem {
 };
 
 // A data module in place of the cable's other end, or an indicator that is silent: answers each
-// command at once, the reading of its memory with the memory.
+// command at once, the reading of its memory with the memory. The last bytes of a paced reply come
+// as time passes.
 class SampleModule : public SerialControl {
  public:
   void SetDTREnable(bool /*on*/) override {}
@@ -94,31 +98,84 @@ class SampleModule : public SerialControl {
   void Output(std::string_view bytes) override {
     reply_ = std::string(bytes) + KRMConst::US;
     if (bytes == std::string_view(&KRMConst::NAK, 1)) {
-      reply_ += memory + KRMConst::US;
+      (paced ? on_its_way_ : reply_) += memory + KRMConst::US;
     }
   }
 
   void Arrives(const std::string& bytes) { reply_ += bytes; }
+  void LetPass(Milliseconds time) {
+    constexpr std::int64_t kBytesPerSecond = 1920;  // 19200 baud, 10 bits a byte
+    const auto bytes = static_cast<std::size_t>(time.count() * kBytesPerSecond / 1000);
+    reply_ += on_its_way_.substr(0, bytes);
+    on_its_way_.erase(0, bytes);
+  }
 
   std::string memory;
+  bool paced = false;
 
  private:
   bool open_ = false;
   std::string reply_;
+  std::string on_its_way_;
 };
 
-// Waits take no time: their end comes as soon as the pending events are handled.
+// Waits take no time: their end, or the tick before it, comes as soon as the pending events are
+// handled. The clock moves with them alone, so that a figure shows the same times on every machine.
 class HastyPump : public QtEventPump {
  public:
-  [[nodiscard]] Milliseconds Now() const override { return QtEventPump::Now() + skipped_; }
+  explicit HastyPump(SampleModule& module) : module_(module) {}
+
+  [[nodiscard]] Milliseconds Now() const override { return now_; }
   void Pump(Milliseconds limit) override {
     QtEventPump::Pump(Milliseconds{0});
     constexpr Milliseconds kLongest{1000};  // some waits have no end of their own
-    skipped_ += std::min(limit, kLongest);
+    Milliseconds end = now_ + std::min(limit, kLongest);
+    for (const HastyTicker* const ticker : tickers_) {
+      end = std::min(end, ticker->Due());
+    }
+    module_.LetPass(end - now_);
+    now_ = end;
+    for (HastyTicker* const ticker : std::vector(tickers_)) {
+      // A tick may end another ticker.
+      if (std::ranges::find(tickers_, ticker) != tickers_.end()) {
+        ticker->TickIfDue();
+      }
+    }
+  }
+  [[nodiscard]] std::unique_ptr<Ticker> StartTicker(Milliseconds interval,
+                                                    std::function<void()> tick) override {
+    return std::make_unique<HastyTicker>(*this, interval, std::move(tick));
   }
 
  private:
-  Milliseconds skipped_{0};
+  class HastyTicker : public Ticker {
+   public:
+    HastyTicker(HastyPump& pump, Milliseconds interval, std::function<void()> tick)
+        : pump_(pump), interval_(interval), due_(pump.now_ + interval), tick_(std::move(tick)) {
+      pump_.tickers_.push_back(this);
+    }
+    ~HastyTicker() override { std::erase(pump_.tickers_, this); }
+    HastyTicker(const HastyTicker&) = delete;
+    HastyTicker& operator=(const HastyTicker&) = delete;
+
+    [[nodiscard]] Milliseconds Due() const { return due_; }
+    void TickIfDue() {
+      if (due_ <= pump_.now_) {
+        due_ += interval_;
+        tick_();
+      }
+    }
+
+   private:
+    HastyPump& pump_;
+    Milliseconds interval_;
+    Milliseconds due_;
+    std::function<void()> tick_;
+  };
+
+  SampleModule& module_;
+  Milliseconds now_{0};
+  std::vector<HastyTicker*> tickers_;  // in the order of their start
 };
 
 class SampleFileChooser : public FileChooser {
@@ -233,7 +290,7 @@ class SampleProgram::Parts {
   SampleSettings user_settings;
   SampleCalendar calendar;
   SampleModule serial;
-  HastyPump pump;
+  HastyPump pump{serial};
   Folder app_folder{system};
   std::optional<CPrivateINI> ini;
   PrivateINI settings;
@@ -282,6 +339,8 @@ void SampleProgram::ModuleHolds(const std::vector<std::string>& site_files) {
     parts_->serial.memory += ReadFileBytes(parts_->SiteFile(file), kLargestFile);
   }
 }
+
+void SampleProgram::ModuleSendsAtItsPace(bool paced) { parts_->serial.paced = paced; }
 
 void SampleProgram::IndicatorSends(const std::string& site_file) {
   parts_->serial.Arrives(ReadFileBytes(parts_->SiteFile(site_file), kLargestFile));

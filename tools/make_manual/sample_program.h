@@ -33,6 +33,9 @@ class SampleProgram {
   // What the data module on the serial port has in its memory.
   void ModuleHolds(const std::vector<std::string>& site_files);
 
+  // Whether the module sends its memory as fast as a serial line carries it, or at once.
+  void ModuleSendsAtItsPace(bool paced);
+
   // A file of the site comes over the cable, unasked.
   void IndicatorSends(const std::string& site_file);
 
