@@ -19,6 +19,7 @@
 #include <unistd.h>
 
 #include "base/error.h"
+#include "base/translation.h"
 
 namespace vrx {
 namespace {
@@ -123,8 +124,9 @@ Descriptor Listen(const fs::path& path) {
       bind(listener.Get(), Generic(*address), sizeof *address) != 0 ||
       chmod(path.c_str(), S_IRUSR | S_IWUSR) != 0 ||
       listen(listener.Get(), static_cast<int>(kMostSenders)) != 0) {
-    throw Error("cannot listen at " + path.string() + ": " +
-                (address ? std::generic_category().message(errno) : "the path is too long"));
+    throw Error(Tr("cannot listen at %1: %2",
+                   {path.string(), address ? std::generic_category().message(errno)
+                                           : Tr("the path is too long")}));
   }
   return listener;
 }

@@ -12,6 +12,7 @@
 #include <SQLiteCpp/Transaction.h>
 
 #include "base/files.h"
+#include "base/translation.h"
 #include "database/connection.h"
 
 namespace vrx {
@@ -53,7 +54,7 @@ void CopyBytes(const fs::path& source, AtomicFile& copy) {
   }
   if (!in.eof()) {
     const std::error_code why(errno != 0 ? errno : EIO, std::generic_category());
-    throw FileError("cannot read " + source.string() + ": " + why.message());
+    throw FileError(Tr("cannot read %1: %2", {source.string(), why.message()}));
   }
 }
 

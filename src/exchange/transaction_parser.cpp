@@ -15,6 +15,7 @@
 #include "base/files.h"
 #include "base/number.h"
 #include "base/text.h"
+#include "base/translation.h"
 #include "exchange/imported_data.h"
 #include "exchange/transaction_section.h"
 #include "settings/settings.h"
@@ -66,7 +67,7 @@ std::int32_t WholeWeight(const ImportedData& table, std::size_t row) {
 void AddToTotal(std::int32_t& total, std::int32_t weight) {
   const std::int64_t sum = std::int64_t{total} + weight;
   if (!std::in_range<std::int32_t>(sum)) {
-    throw ParseError("Batch total exceeded limit.");
+    throw ParseError(Tr("Batch total exceeded limit."));
   }
   total = static_cast<std::int32_t>(sum);
 }
@@ -88,7 +89,7 @@ std::optional<int> WeightColumn(std::string_view ingredient) {
   const std::optional<double> id = ParseNumber(ingredient);
   const double whole = id ? std::nearbyint(*id) : 0.0;
   if (whole < 1) {
-    throw ParseError("Invalid ingredient ID detected.");
+    throw ParseError(Tr("Invalid ingredient ID detected."));
   }
   if (whole > kIngredientColumns) {
     return std::nullopt;
@@ -102,7 +103,7 @@ std::string ShareText(std::string_view weight, float percentage) {
   try {
     return Format(TextToSingle(weight) * (percentage / 100.0F), "0.0");
   } catch (const ConversionError&) {
-    throw ParseError("Invalid feed weight detected.");
+    throw ParseError(Tr("Invalid feed weight detected."));
   }
 }
 
@@ -137,7 +138,7 @@ void ComputeShares(ImportedData& table) {
     const std::string percentage = PercentageText(WholeWeight(table, row), batch.total);
     table.SetCell(row, kCalculatedIngPercentOfBatch, percentage);
     if (batch.ingredients.size() == kMaxBatchIngredients) {
-      throw ParseError("Too many ingredients in a batch detected.");
+      throw ParseError(Tr("Too many ingredients in a batch detected."));
     }
     batch.ingredients.push_back(
         {std::string(table.Cell(row, kImportedIngredientID)), TextToSingle(percentage)});
@@ -356,7 +357,7 @@ TransactionParser::Next TransactionParser::CountFeeds() {
 
 TransactionParser::Next TransactionParser::SizeTable() {
   if (rows_ > kMostRows) {
-    throw ParseError("Too many records detected.");
+    throw ParseError(Tr("Too many records detected."));
   }
   file_.SetFileRecordCount(rows_);
   table_.Resize(static_cast<std::size_t>(rows_));

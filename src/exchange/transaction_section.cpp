@@ -6,6 +6,7 @@
 #include <string>
 
 #include "base/number.h"
+#include "base/translation.h"
 
 namespace vrx {
 
@@ -70,7 +71,7 @@ std::string_view FeedSection::PeekFeedTransaction() {
 std::int32_t TransactionNumber(std::string_view text) {
   const std::optional<std::int32_t> number = ParseLong(text);
   if (!number || *number < 1 || *number == std::numeric_limits<std::int32_t>::max()) {
-    throw ParseError("Invalid transaction number detected.");
+    throw ParseError(Tr("Invalid transaction number detected."));
   }
   return *number;
 }
@@ -93,7 +94,7 @@ BatchRecord BatchReader::Next() {
 
 std::string_view BatchReader::NextInRecord() {
   if (batches_.PastEnd()) {
-    throw ParseError("Incomplete batch record detected.");
+    throw ParseError(Tr("Incomplete batch record detected."));
   }
   return batches_.NextBatchField();
 }
@@ -103,7 +104,7 @@ std::string_view BatchReader::NextInRecord() {
 std::string_view BatchReader::TakeEntry() {
   const std::string_view entry = NextInRecord();
   if (batches_.AtListEnd()) {
-    throw ParseError("Invalid list padding detected.");
+    throw ParseError(Tr("Invalid list padding detected."));
   }
   return entry;
 }
@@ -119,7 +120,7 @@ void BatchReader::SkipPadding() {
 void BatchReader::ReadIngredients(BatchRecord& record) {
   do {
     if (record.ingredients == kMaxBatchIngredients) {
-      throw ParseError("Too many ingredients in a batch detected.");
+      throw ParseError(Tr("Too many ingredients in a batch detected."));
     }
     record.lists[kIngredients][record.ingredients] = TakeEntry();
     ++record.ingredients;
@@ -227,7 +228,7 @@ void RecordExtractor::LeaveOtherFeedsUnread() {
 
 std::size_t RecordExtractor::TakeRow() {
   if (next_row_ > table_.RowCount()) {
-    throw ParseError("Too many records detected.");
+    throw ParseError(Tr("Too many records detected."));
   }
   return next_row_++;
 }

@@ -16,6 +16,7 @@
 #include "base/encoding.h"
 #include "base/error.h"
 #include "base/files.h"
+#include "base/translation.h"
 #include "export/export_columns.h"
 #include "export/export_plan.h"
 #include "export/level_walk.h"
@@ -60,7 +61,7 @@ class LineFile {
 constexpr std::size_t kBufferSize = std::size_t{256} * 1024;
 
 [[noreturn]] void Fail(const fs::path& path, const std::error_code& why) {
-  throw FileError("cannot write " + path.string() + ": " + why.message());
+  throw FileError(Tr("cannot write %1: %2", {path.string(), why.message()}));
 }
 
 // The cause of the stream operation that has just failed.
@@ -269,8 +270,8 @@ void BuildCsvDataRow(const CsvColumns& columns, std::span<const CellView> cells,
     if (place.cell) {
       const CellView& cell = cells[*place.cell];
       if (first && IsNull(cell)) {
-        throw Error("a row has no " + columns.FirstCaption() +
-                    ", which is the first column: it cannot be written as CSV");
+        throw Error(Tr("a row has no %1, which is the first column: it cannot be written as CSV",
+                       {columns.FirstCaption()}));
       }
       AppendCell(cell, place.content, line);
     }

@@ -21,6 +21,7 @@
 #include "base/date.h"
 #include "base/error.h"
 #include "base/number.h"
+#include "base/translation.h"
 #include "database/connection.h"
 #include "database/exact_sum.h"
 #include "database/transactions.h"
@@ -164,7 +165,7 @@ void FindKeysOf(const RowReader& record, std::size_t levels, RowReader& sums) {
   };
   do {
     if (!sums.Next()) {
-      throw Error("the rows of the table changed while they were summed");
+      throw Error(Tr("the rows of the table changed while they were summed"));
     }
   } while (!has_keys());
 }
@@ -308,13 +309,13 @@ class Walker {
 
   // Names the row by the value of its next level.
   [[noreturn]] void Refuse(std::size_t depth) const {
-    std::string which;
-    if (depth + 1 < plan_.levels.size()) {
-      which = " of " + std::string(plan_.levels[depth + 1].field) + " ";
-      AppendCellText(rows_.Cell(depth + 1), ColumnContent::kNumber, which);
+    const std::string field(plan_.levels[depth].field);
+    if (depth + 1 == plan_.levels.size()) {
+      throw Error(Tr("a row has no %1: it cannot be exported by it", {field}));
     }
-    throw Error("a row" + which + " has no " + std::string(plan_.levels[depth].field) +
-                ": it cannot be exported by it");
+    std::string row = std::string(plan_.levels[depth + 1].field) + " ";
+    AppendCellText(rows_.Cell(depth + 1), ColumnContent::kNumber, row);
+    throw Error(Tr("a row of %1 has no %2: it cannot be exported by it", {row, field}));
   }
 
   [[nodiscard]] std::size_t LevelsKept(std::size_t depth) const {
@@ -464,7 +465,7 @@ LevelWalk::LevelWalk(const std::filesystem::path& transaction_database, const Ex
       differences_(DifferencesIn(dictionary)),
       database_(OpenDatabase(transaction_database, Access::kRead, wait)) {
   if (fields_.empty()) {
-    throw Error("the data group shows no columns to export");
+    throw Error(Tr("the data group shows no columns to export"));
   }
   WithDatabaseErrors(database_, [&] { database_.exec(kBoundedMemory); });
   RegisterExactSum(database_);

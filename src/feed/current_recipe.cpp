@@ -6,6 +6,7 @@
 #include <limits>
 #include <utility>
 
+#include "base/translation.h"
 #include "feed/ration.h"
 #include "feed/record_fields.h"
 
@@ -208,7 +209,7 @@ int NextLineSequence(const std::vector<RecipeLineRecord>& lines) {
                        })
           ->sequence;
   if (highest == std::numeric_limits<int>::max()) {
-    throw OverflowError("the 'Sequence' of a new line");
+    throw OverflowError(TrMark("the 'Sequence' of a new line"));
   }
   return highest + 1;
 }

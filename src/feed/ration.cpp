@@ -7,6 +7,7 @@
 #include <utility>
 
 #include "base/number.h"
+#include "base/translation.h"
 #include "feed/batch_type.h"
 
 namespace vrx {
@@ -19,7 +20,7 @@ std::int32_t Adjusted(std::int32_t amount, const std::string& adjust_batch_index
   const int value = AdjustItemValue(TextToLong(adjust_batch_index));
   const auto factor = static_cast<float>(value / kHundred);
   const auto product = static_cast<float>(static_cast<double>(factor) * amount);
-  return WholeThroughText(product, "the adjusted batch total");
+  return WholeThroughText(product, TrMark("the adjusted batch total"));
 }
 
 bool HasDryMatterFigure(const RecipeLineRecord& line) {
@@ -89,7 +90,7 @@ std::int32_t RecalcBatchTargets(Ration& ration, BatchScale scale, std::int32_t a
   for (const RecipeLineRecord& line : ration.lines) {
     const auto weight = static_cast<float>(TextToLong(line.dry_matter));
     const auto batch = static_cast<float>(factor.value_or(0) * static_cast<double>(weight));
-    const std::int32_t whole = WholeThroughText(batch, "a line's 'BatchTarget'");
+    const std::int32_t whole = WholeThroughText(batch, TrMark("a line's 'BatchTarget'"));
     sum.Add(whole);
     batch_targets.push_back(std::to_string(whole));
   }
@@ -125,14 +126,15 @@ void RecalcLineDryMatter(std::string_view batch_type, RecipeLineRecord& line) {
   double weight = 0;
   if (type->entry == LineEntry::kPercent) {
     const auto percent = static_cast<double>(TextToSingle(line.ingredient_percent));
-    weight = WholeThroughText(percent * kPercentBase, "a line's as-fed weight") / dry_matter;
+    weight =
+        WholeThroughText(percent * kPercentBase, TrMark("a line's as-fed weight")) / dry_matter;
   } else {
     // The order of operations matters: it decides how a half is rounded.
     weight = (1.0 / (dry_matter / kHundred)) * TextToLong(line.target);
   }
   const std::optional<std::int32_t> whole = RoundToLong(weight);
   if (!whole) {
-    throw OverflowError("a line's as-fed weight");
+    throw OverflowError(TrMark("a line's as-fed weight"));
   }
   line.dry_matter = std::to_string(*whole);
 }

@@ -12,6 +12,7 @@
 
 #include "base/error.h"
 #include "base/number.h"
+#include "base/translation.h"
 #include "database/records.h"
 #include "feed/batch_type.h"
 
@@ -101,14 +102,15 @@ std::string RecalcFailure(Ration& ration);
 // A computed whole number is outside the range of 32 bits.
 class OverflowError : public Error {
  public:
-  explicit OverflowError(const std::string& what)
-      : Error("Overflow: " + what + " is outside the range of 32-bit whole numbers.") {}
+  // `what` is a marked text, or a translated one.
+  explicit OverflowError(std::string_view what)
+      : Error(Tr("Overflow: %1 is outside the range of 32-bit whole numbers.", {Tr(what)})) {}
 };
 
 // Rounds a number to a whole one by its text of 15 (a single: 7) significant digits, halves to
-// even. Throws OverflowError, which names `what`.
+// even. Throws OverflowError, which names `what`, a marked text.
 template <std::floating_point Real>
-std::int32_t WholeThroughText(Real value, const std::string& what) {
+std::int32_t WholeThroughText(Real value, std::string_view what) {
   const std::optional<std::int32_t> whole = ParseLong(DefaultText(value));
   if (!whole) {
     throw OverflowError(what);
@@ -127,7 +129,7 @@ class WholeSum {
     const std::int64_t sum = std::int64_t{sum_} + value;
     using Limits = std::numeric_limits<std::int32_t>;
     if (sum < Limits::min() || sum > Limits::max()) {
-      throw OverflowError("the sum of '" + std::string(field_) + "'");
+      throw OverflowError(Tr("the sum of '%1'", {std::string(field_)}));
     }
     sum_ = static_cast<std::int32_t>(sum);
   }

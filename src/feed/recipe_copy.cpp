@@ -7,6 +7,7 @@
 #include <SQLiteCpp/Statement.h>
 #include <SQLiteCpp/Transaction.h>
 
+#include "base/translation.h"
 #include "database/connection.h"
 #include "database/identity.h"
 #include "feed/record_fields.h"
@@ -23,7 +24,7 @@ constexpr const char* kCopyLines =
     "FROM RecipeRation WHERE RecipeID = ?2 ORDER BY rowid";
 
 std::string NumberAndName(const RecipeRecord& recipe) {
-  return "Recipe " + std::to_string(recipe.id) + " (" + recipe.name + ")";
+  return Tr("Recipe %1 (%2)", {std::to_string(recipe.id), recipe.name});
 }
 
 void RequireRecipeNumber(int id) {
@@ -39,17 +40,17 @@ bool HasLines(SQLite::Database& database, const RecipeRecord& recipe) {
 
 void RequireContents(SQLite::Database& database, const RecipeRecord& source) {
   if (!IsActive(source) && !HasLines(database, source)) {
-    throw CopyRefusal(NumberAndName(source) +
-                      " cannot be copied: it has neither description nor lines.");
+    throw CopyRefusal(
+        Tr("%1 cannot be copied: it has neither description nor lines.", {NumberAndName(source)}));
   }
 }
 
 void RequireFree(SQLite::Database& database, const RecipeRecord& recipe) {
   if (IsActive(recipe)) {
-    throw CopyRefusal(NumberAndName(recipe) + " is not free: it has a description.");
+    throw CopyRefusal(Tr("%1 is not free: it has a description.", {NumberAndName(recipe)}));
   }
   if (HasLines(database, recipe)) {
-    throw CopyRefusal(NumberAndName(recipe) + " is not free: it has lines.");
+    throw CopyRefusal(Tr("%1 is not free: it has lines.", {NumberAndName(recipe)}));
   }
 }
 

@@ -7,6 +7,7 @@
 
 #include "base/number.h"
 #include "base/text.h"
+#include "base/translation.h"
 #include "database/connection.h"
 #include "feed/batch_type.h"
 #include "feed/recipe_storage.h"
@@ -305,9 +306,9 @@ void RecipeEditor::RequireOpenLines() const {
 
 void RecipeEditor::RequireRoom() const {
   if (!shown_.HasRoom()) {
-    throw FieldRefusal(RecipeLabel() + " has " + std::to_string(shown_.LineCount()) +
-                       " lines, and a recipe holds at most " + std::to_string(kMaxRecipeLines) +
-                       ".");
+    throw FieldRefusal(
+        Tr("%1 has %2 lines, and a recipe holds at most %3.",
+           {RecipeLabel(), std::to_string(shown_.LineCount()), std::to_string(kMaxRecipeLines)}));
   }
 }
 

@@ -11,6 +11,7 @@
 
 #include "base/error.h"
 #include "base/number.h"
+#include "base/translation.h"
 #include "database/connection.h"
 #include "database/identity.h"
 #include "feed/batch_type.h"
@@ -78,7 +79,7 @@ void RecalcNamingTheRecipe(std::string_view batch_type, RecipeLineRecord& line) 
   try {
     RecalcLineDryMatter(batch_type, line);
   } catch (const Error& error) {
-    throw Error("Recipe " + line.recipe_id + ": " + error.what());
+    throw Error(Tr("Recipe %1: %2", {line.recipe_id, error.what()}));
   }
 }
 
@@ -193,7 +194,7 @@ std::string CommitRecipeRecord(SQLite::Database& database, RecipeRecord& record)
   if (!failure.empty()) {
     Ration before{.recipe = ReadRecipe(database, record.id), .lines = stored};
     if (RecalcFailure(before).empty()) {
-      throw Error("Recipe " + std::to_string(record.id) + ": " + failure);
+      throw Error(Tr("Recipe %1: %2", {std::to_string(record.id), failure}));
     }
   }
   WriteRecipe(database, committed);

@@ -7,6 +7,7 @@
 
 #include "base/files.h"
 #include "base/text.h"
+#include "base/translation.h"
 
 namespace vrx {
 namespace {
@@ -33,7 +34,7 @@ fs::path WriteInto(const fs::path& folder, std::string_view bytes, const LocalTi
   std::error_code error;
   fs::create_directories(folder, error);
   if (error && !fs::is_directory(folder)) {
-    throw FileError("the folder " + folder.string() + " cannot be made: " + error.message());
+    throw FileError(Tr("cannot make the folder %1: %2", {folder.string(), error.message()}));
   }
   std::chrono::local_seconds moment = std::chrono::local_days{now.date} + now.time_of_day;
   while (FileExists(folder / NameAt(moment))) {

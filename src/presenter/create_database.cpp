@@ -116,7 +116,8 @@ class Creation {
       ShowBox(Icon::kCritical, kCreationError, problem, Tr("%1 already exists", {path}));
     } else {
       ShowBox(Icon::kCritical, kCreationError,
-              Joined({problem, kLineEnd, kLineEnd, path, " cannot be written: ", why.message()}));
+              Joined({problem, kLineEnd, kLineEnd,
+                      Tr("%1 cannot be written: %2", {path, why.message()})}));
     }
     return false;
   }
@@ -125,7 +126,7 @@ class Creation {
   void ReportNotMade() {
     ShowBox(Icon::kCritical, kCreationError,
             Joined({"New ", words_.noun, " database file creation failed.", kLineEnd, kLineEnd,
-                    wanted_.path.string(), " was not made: ", identity_.FailureCause()}));
+                    Tr("%1 was not made: %2", {wanted_.path.string(), identity_.FailureCause()})}));
   }
 
   bool CopyIsBlank() {
@@ -141,8 +142,8 @@ class Creation {
         Icon::kWarning, "Invalid Database",
         Joined({"The database file (", current_.name, ") that you specified, is not a valid nul ",
                 words_.noun, " database for use with this VRX-2260 application."}),
-        Joined({TemplatePath().string(), " is of type \"", type, "\"; expected \"",
-                words_.blank_type, "\""}));
+        Tr("%1 is of type '%2'; expected '%3'",
+           {TemplatePath().string(), type, std::string(words_.blank_type)}));
     return false;
   }
 

@@ -12,6 +12,7 @@
 
 #include "base/date.h"
 #include "base/text.h"
+#include "base/translation.h"
 #include "database/connection.h"
 #include "database/identity.h"
 #include "presenter/report_failure.h"
@@ -48,8 +49,8 @@ bool DatabaseIdentity::IsUserDatabase(DatabaseKind kind, const fs::path& path,
                          .text = "The database file (" + std::string(name) +
                                  ") that you specified, is not a valid VRX-2260 " +
                                  std::string(words.noun) + " database.",
-                         .cause = path.string() + " is of type \"" + type + "\"; expected \"" +
-                                  std::string(words.user_type) + "\""});
+                         .cause = Tr("%1 is of type '%2'; expected '%3'",
+                                     {path.string(), type, std::string(words.user_type)})});
   return false;
 }
 

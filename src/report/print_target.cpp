@@ -11,6 +11,7 @@
 
 #include "base/error.h"
 #include "base/files.h"
+#include "base/translation.h"
 #include "database/keep_database.h"
 #include "report/paged_report.h"
 
@@ -90,7 +91,7 @@ class PdfTarget : public PrintTarget {
 
 ReportJob::ReportJob(QPagedPaintDevice& device) : device_(device) {
   if (!painter_.begin(&device_)) {
-    throw Error("the printer takes no document");
+    throw Error(Tr("the printer accepts no document"));
   }
 }
 
@@ -98,7 +99,7 @@ bool ReportJob::Print(const Report& report, const PageDone& done) {
   PagedReport pages(report, device_);
   for (std::int64_t page = 1; page <= pages.Count(); ++page) {
     if (!std::exchange(fresh_, false) && !device_.newPage()) {
-      throw Error("the printer takes no further page");
+      throw Error(Tr("the printer accepts no further page"));
     }
     pages.Draw(page, painter_);
     if (done && !done(page, pages.Count())) {
@@ -110,7 +111,7 @@ bool ReportJob::Print(const Report& report, const PageDone& done) {
 
 void ReportJob::End() {
   if (!painter_.end()) {
-    throw Error("the printer does not take the document's end");
+    throw Error(Tr("the printer does not accept the end of the document"));
   }
 }
 

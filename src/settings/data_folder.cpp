@@ -5,6 +5,7 @@
 #include "base/application.h"
 #include "base/files.h"
 #include "base/text.h"
+#include "base/translation.h"
 #include "settings/settings.h"
 
 namespace vrx {
@@ -30,7 +31,7 @@ std::string Folder::GetCommonAPPPath() const {
 bool Folder::CheckAppDefaultDir() {
   const std::string common = GetCommonAPPPath();
   if (common.empty() || common.front() == '\0') {
-    throw FileError("the common application data folder is unknown");
+    throw FileError(Tr("the common application data folder is unknown"));
   }
   product_folder_name_ = kProductName;
   default_app_path_ = fs::path(common) / kMakerFolderName;
@@ -52,7 +53,7 @@ bool Folder::CreateDirectory(const fs::path& directory) {
   }
   fs::create_directory(directory, error);
   if (error) {
-    throw FileError("cannot make the folder " + directory.string() + ": " + error.message());
+    throw FileError(Tr("cannot make the folder %1: %2", {directory.string(), error.message()}));
   }
   return false;
 }
@@ -68,8 +69,8 @@ std::int32_t Folder::CopyFile(const fs::path& source_file, const fs::path& desti
   fs::copy_file(source_file, destination_folder / source_file.filename(),
                 fs::copy_options::overwrite_existing, error);
   if (error) {
-    throw FileError("cannot copy " + source_file.string() + " to " + destination_folder.string() +
-                    ": " + error.message());
+    throw FileError(Tr("cannot copy %1 to %2: %3",
+                       {source_file.string(), destination_folder.string(), error.message()}));
   }
   return 3;
 }

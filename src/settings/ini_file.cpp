@@ -5,6 +5,7 @@
 
 #include "base/files.h"
 #include "base/text.h"
+#include "base/translation.h"
 
 namespace vrx {
 namespace {
@@ -75,7 +76,7 @@ Place FindKey(std::string_view file, std::string_view section, std::string_view 
 std::string ReadFile(const std::filesystem::path& path) {
   std::string file = ReadFileBytes(path, kLargestFile);
   if (file.size() > kLargestFile) {
-    throw FileError("cannot use " + path.string() + ": too large for a settings file");
+    throw FileError(Tr("cannot use %1: too large for a settings file", {path.string()}));
   }
   return file;
 }
@@ -106,8 +107,8 @@ std::string ReadProfileText(const std::filesystem::path& path, std::string_view 
 void WriteProfileText(const std::filesystem::path& path, std::string_view section,
                       std::string_view key, std::string_view value) {
   if (!FitsOnLine(value)) {
-    throw FileError("cannot write " + std::string(key) + " to " + path.string() +
-                    ": the value does not fit on a line");
+    throw FileError(Tr("cannot write %1 to %2: the value does not fit on a line",
+                       {std::string(key), path.string()}));
   }
   std::string file = FileExists(path) ? ReadFile(path) : std::string();
   const Place place = FindKey(file, section, key);

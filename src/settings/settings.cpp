@@ -7,6 +7,7 @@
 #include "base/files.h"
 #include "base/number.h"
 #include "base/text.h"
+#include "base/translation.h"
 #include "settings/ini_file.h"
 
 namespace vrx {
@@ -78,7 +79,7 @@ CPrivateINI::CPrivateINI(std::filesystem::path ini_file_path, const SystemInfo& 
                     .title = "Fatal Error",
                     .text = "Could not determine path to Windows directory.\r\n"
                             "This program will now terminate."});
-    throw Error("the operating system's directory is unknown");
+    throw Error(Tr("the operating system's directory is unknown"));
   }
   win_path_ = QX_RemoveNulls(directory);
 }

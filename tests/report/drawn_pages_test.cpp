@@ -431,7 +431,7 @@ TEST(ReportJobs, EndWithAnErrorWhereTheDeviceTakesNoFurtherPage) {
     job.Print(ReportOf(Rows(1)));
     ADD_FAILURE() << "printed";
   } catch (const Error& error) {
-    EXPECT_STREQ(error.what(), "the printer takes no further page");
+    EXPECT_STREQ(error.what(), "the printer accepts no further page");
   }
   EXPECT_THAT(paper.pages, SizeIs(2));
 }

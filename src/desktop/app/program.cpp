@@ -168,7 +168,7 @@ LockFile::LockFile(QString folder) : folder_(std::move(folder)) {}
 
 bool LockFile::Claim() {
   if (folder_.isEmpty()) {
-    throw Error("there is no folder for the locks of running programs");
+    throw Error(Tr("there is no folder for the locks of running programs"));
   }
   const QString path = folder_ + QStringLiteral("/vrx2260.lock");
   lock_.emplace(path);
@@ -177,7 +177,7 @@ bool LockFile::Claim() {
     return true;
   }
   if (lock_->error() != QLockFile::LockFailedError) {
-    throw Error("cannot lock " + path.toStdString());
+    throw Error(Tr("cannot lock %1", {path.toStdString()}));
   }
   return false;
 }

@@ -25,6 +25,7 @@
 
 #include "base/application.h"
 #include "base/error.h"
+#include "base/translation.h"
 #include "settings/data_folder.h"
 #include "widgets/layout.h"
 #include "widgets/qt_text.h"
@@ -376,7 +377,7 @@ void QtUserSettings::SaveSetting(std::string_view key, std::string_view value) {
   store->setValue(ToQString(key), ToQString(value));
   store->sync();
   if (store->status() != QSettings::NoError) {
-    throw Error("cannot write the user's settings in " + store->fileName().toStdString());
+    throw Error(Tr("cannot write the user's settings in %1", {store->fileName().toStdString()}));
   }
 }
 

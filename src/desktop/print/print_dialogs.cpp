@@ -9,6 +9,7 @@
 #include <QPrinter>
 #include <QVBoxLayout>
 
+#include "base/translation.h"
 #include "widgets/layout.h"
 #include "widgets/qt_text.h"
 
@@ -35,7 +36,7 @@ class PrinterTarget : public PrintTarget {
   void Finish() override {
     finished_ = true;
     if (printer_.printerState() == QPrinter::Error) {
-      throw Error("the printer " + printer_.printerName().toStdString() + " refuses the report");
+      throw Error(Tr("the printer %1 refuses the report", {printer_.printerName().toStdString()}));
     }
   }
 

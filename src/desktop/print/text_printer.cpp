@@ -9,6 +9,7 @@
 
 #include "base/encoding.h"
 #include "base/error.h"
+#include "base/translation.h"
 #include "widgets/byte_text_edit.h"
 #include "widgets/qt_text.h"
 
@@ -65,7 +66,7 @@ class Sheets {
 
 void QtTextPrinter::Print(const std::string& text) {
   if (QPrinterInfo::defaultPrinter().isNull()) {
-    throw Error("there is no default printer");
+    throw Error(Tr("there is no default printer"));
   }
   QPrinter printer(QPrinterInfo::defaultPrinter());
   PrintText(printer, text);
@@ -77,7 +78,8 @@ void PrintText(QPrinter& printer, const std::string& text) {
       QPageLayout::Millimeter);
   QPainter painter;
   if (!painter.begin(&printer)) {
-    throw Error("the printer " + printer.printerName().toStdString() + " does not take the text");
+    throw Error(
+        Tr("the printer %1 does not accept the text", {printer.printerName().toStdString()}));
   }
   QFont font = QFontDatabase::systemFont(QFontDatabase::FixedFont);
   font.setPointSizeF(kPointSize);
