@@ -29,6 +29,10 @@ void Input::Click(Point place, int times) const {
        "--repeat", std::to_string(times), "--delay", kBetweenClicks, "1"});
 }
 
+void Input::MoveTo(Point place) const {
+  Run({"xdotool", "mousemove", std::to_string(place.x), std::to_string(place.y)});
+}
+
 void Input::Run(const std::vector<std::string>& words) {
   std::vector<std::string> own = words;
   std::vector<char*> arguments;

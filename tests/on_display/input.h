@@ -19,6 +19,8 @@ class Input {
   // Moves the pointer to the place on the display and presses the left button, `times` in a row.
   void Click(Point place, int times = 1) const;
 
+  void MoveTo(Point place) const;
+
  private:
   static void Run(const std::vector<std::string>& words);
 };

@@ -1,3 +1,4 @@
+#include <algorithm>
 #include <filesystem>
 #include <string>
 
@@ -122,6 +123,21 @@ TEST_F(OpeningOnDisplay, KeysShowTheTabsTheManualAndFreshData) {
   EXPECT_TRUE(TextOf("txtManual").starts_with("Pens"));
   Keys({"Escape"});
   ASSERT_TRUE(WaitForWindow(kMainTitle));
+}
+
+TEST_F(OpeningOnDisplay, ATabThatIsOffSaysWhatItNeedsUnderThePointer) {
+  program = Start();
+  ASSERT_TRUE(WaitForWindow(kMainTitle)) << program->Err();
+  const Screen screen = Look();
+  const Item* const tab = screen.FindItem("Recipes");
+  ASSERT_NE(tab, nullptr);
+  EXPECT_FALSE(tab->enabled);
+  input.MoveTo(tab->place.Center());
+  EXPECT_TRUE(WaitFor([](const Screen& shown) {
+    return std::any_of(shown.Widgets().begin(), shown.Widgets().end(), [](const Widget& widget) {
+      return widget.kind == "QTipLabel" && widget.text == "Open a recipe database to use this tab";
+    });
+  }));
 }
 
 }  // namespace
