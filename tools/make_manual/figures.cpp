@@ -6,9 +6,12 @@
 #include <QCheckBox>
 #include <QComboBox>
 #include <QElapsedTimer>
+#include <QKeyEvent>
 #include <QLabel>
 #include <QLineEdit>
 #include <QListWidget>
+#include <QMenu>
+#include <QPainter>
 #include <QPushButton>
 #include <QRegularExpression>
 #include <QTabWidget>
@@ -321,6 +324,58 @@ QImage Question(SampleProgram& program) {
       program, [](QWidget& /*form*/) {}, [&] { Click(program, "cmdDownloadRecipeDB"); });
 }
 
+// The question about a day that is stored already. Closing it stores nothing; the boxes remain
+// shown.
+QImage RepeatedBatches(SampleProgram& program) {
+  program.WillChoose("DAY7.QXT");
+  program.Choose("mnuFileImportTransactionFile");
+  program.ShowBoxes();
+  return ModalForm(
+      program, [](QWidget& /*form*/) {}, [&] { Click(program, "cmdImportStore"); });
+}
+
+// Leaves that day twice in the database, and the boxes shown.
+QImage Stored(SampleProgram& program) {
+  program.WillChoose("DAY7.QXT");
+  program.Choose("mnuFileImportTransactionFile");
+  program.ShowBoxes();
+  const auto store_again = [](QWidget& box) {
+    for (auto* const button : box.findChildren<QAbstractButton*>()) {
+      if (button->text().remove(u'&') == QStringLiteral("Store All Again")) {
+        button->click();
+      }
+    }
+  };
+  ModalForm(program, store_again, [&] { Click(program, "cmdImportStore"); });
+  return WholeWindow(program);
+}
+
+QImage RefusedKey(SampleProgram& program) {
+  program.ShowTab(kTabPens);
+  auto& field = program.Find<QLineEdit>("txtPenFeed");
+  field.setFocus();
+  QKeyEvent key(QEvent::KeyPress, Qt::Key_X, Qt::NoModifier, QStringLiteral("x"));
+  QApplication::sendEvent(&field, &key);
+  QImage window = WholeWindow(program);
+  auto& tip = program.Find<QLabel>("lblRefusal");
+  QPainter(&window).drawImage(program.Window().mapFromGlobal(tip.pos()), tip.grab().toImage());
+  return window;
+}
+
+// Leaves the edit in the database.
+QImage EditMenu(SampleProgram& program) {
+  program.ShowTab(kTabPens);
+  auto& field = program.Find<QLineEdit>("txtPenFeed");
+  field.setFocus();
+  field.setText(QStringLiteral("640"));
+  program.Find<QWidget>("txtPenName").setFocus();
+  program.RunEvents();
+  auto& menu = program.Find<QMenu>("mnuEdit");
+  Q_EMIT menu.aboutToShow();
+  menu.adjustSize();
+  return menu.grab().toImage();
+}
+
 QImage CalendarOfTheMonth(SampleProgram& program) {
   program.Window().ToggleCalendar();
   program.RunEvents();
@@ -367,6 +422,10 @@ constexpr std::array kFigures = std::to_array<Figure>({
     {"print-preview", &PrintPreviewForm},
     {"about", &AboutForm},
     {"question", &Question},
+    {"repeated", &RepeatedBatches},
+    {"stored", &Stored},
+    {"refused-key", &RefusedKey},
+    {"edit-menu", &EditMenu},
 });
 
 }  // namespace

@@ -15,9 +15,9 @@
 namespace vrx::manual {
 namespace {
 
-// The offscreen platform warns at each dialog that there is no window manager.
+// The offscreen platform warns at each dialog that it has no window manager.
 void WriteMessage(QtMsgType /*type*/, const QMessageLogContext& /*context*/, const QString& text) {
-  if (!text.contains(QStringLiteral("propagateSizeHints"))) {
+  if (!text.startsWith(QStringLiteral("This plugin does not support"))) {
     std::fprintf(stderr, "%s\n", text.toUtf8().constData());
   }
 }
@@ -62,6 +62,7 @@ OffscreenSession::OffscreenSession(int scale) {
 void OffscreenSession::SetLook() {
   QApplication::setStyle(QStyleFactory::create(QStringLiteral("Fusion")));
   QApplication::setFont(QFont(QStringLiteral("DejaVu Sans"), 9));
+  QApplication::setCursorFlashTime(0);
 }
 
 }  // namespace vrx::manual
