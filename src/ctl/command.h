@@ -67,6 +67,12 @@ std::unique_ptr<Command> MakeExportCommand();
 std::unique_ptr<Command> MakePrintCommand();
 std::unique_ptr<Command> MakeConvertCommand();
 
+// What the records say.
+std::unique_ptr<Command> MakeAccuracyCommand();
+std::unique_ptr<Command> MakeCompositionCommand();
+std::unique_ptr<Command> MakeBalanceCommand();
+std::unique_ptr<Command> MakeTimesCommand();
+
 // The subcommands of `recipe`.
 std::unique_ptr<Command> MakeRecipeCopyCommand();
 std::unique_ptr<Command> MakeRecipeDiffCommand();

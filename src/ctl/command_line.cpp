@@ -80,6 +80,10 @@ std::vector<std::unique_ptr<Command>> MakeCommands() {
   commands.push_back(MakeExportCommand());
   commands.push_back(MakePrintCommand());
   commands.push_back(MakeConvertCommand());
+  commands.push_back(MakeAccuracyCommand());
+  commands.push_back(MakeCompositionCommand());
+  commands.push_back(MakeBalanceCommand());
+  commands.push_back(MakeTimesCommand());
   return commands;
 }
 

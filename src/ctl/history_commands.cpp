@@ -141,14 +141,6 @@ class ShowCommand : public Command {
   OutputOptions output_;
 };
 
-std::string NoDay(const std::string& typed) {
-  return ParseStoredDate(typed) ? std::string() : "'" + typed + "' is no day as YYYY-MM-DD";
-}
-
-void AddDay(CLI::App& app, const std::string& name, const std::string& help, std::string& day) {
-  app.add_option(name, day, help)->type_name("YYYY-MM-DD")->check(NoDay);
-}
-
 // A format has the name of its file name extension.
 ExportFormat FormatOf(std::string_view name) {
   for (const ExportFormat format : {ExportFormat::kXml, ExportFormat::kHtml}) {

@@ -6,6 +6,7 @@
 
 #include <CLI/CLI.hpp>
 
+#include "base/date.h"
 #include "base/files.h"
 #include "base/number.h"
 #include "base/text.h"
@@ -33,6 +34,10 @@ std::string ValidPort(const std::string& port) {
 bool IsWholeNumber(std::string_view text) {
   text.remove_prefix(text.starts_with('-') || text.starts_with('+') ? 1 : 0);
   return !text.empty() && std::all_of(text.begin(), text.end(), IsDigitChar);
+}
+
+std::string NoDay(const std::string& typed) {
+  return ParseStoredDate(typed) ? std::string() : "'" + typed + "' is no day as YYYY-MM-DD";
 }
 
 std::string FirstBytes(const std::filesystem::path& path) {
@@ -87,6 +92,10 @@ CLI::Option* AddWholeNumber(CLI::App& app, const std::string& name, const std::s
 CLI::Option* AddRecordNumber(CLI::App& app, const std::string& name, const std::string& help,
                              int last, int& number) {
   return AddWholeNumber(app, name, help, 1, last, number)->required();
+}
+
+void AddDay(CLI::App& app, const std::string& name, const std::string& help, std::string& day) {
+  app.add_option(name, day, help)->type_name("YYYY-MM-DD")->check(NoDay);
 }
 
 void AddExamples(CLI::App& command, std::initializer_list<Example> examples) {

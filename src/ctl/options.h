@@ -46,6 +46,9 @@ CLI::Option* AddWholeNumber(CLI::App& app, const std::string& name, const std::s
 CLI::Option* AddRecordNumber(CLI::App& app, const std::string& name, const std::string& help,
                              int last, int& number);
 
+// Adds an option for a day, as YYYY-MM-DD; `day` stays empty without it and outlives the App.
+void AddDay(CLI::App& app, const std::string& name, const std::string& help, std::string& day);
+
 struct Example {
   std::string_view call;  // as typed after the program's name
   std::string_view does;

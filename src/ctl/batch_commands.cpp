@@ -1,0 +1,158 @@
+#include <memory>
+#include <optional>
+#include <ostream>
+#include <string>
+#include <vector>
+
+#include <CLI/CLI.hpp>
+
+#include "ctl/command.h"
+#include "ctl/insight_command.h"
+#include "ctl/options.h"
+#include "ctl/output.h"
+#include "ctl/session.h"
+#include "insight/batches.h"
+#include "insight/import_units.h"
+
+namespace vrx {
+namespace {
+
+Json ToJson(const BalanceLine& line) {
+  return {{"transaction", OrNull(line.transaction)},
+          {"date", OrNull(line.date)},
+          {"recipe", OrNull(line.recipe)},
+          {"operator", OrNull(line.operator_id)},
+          {"loaded", OrNull(line.loaded)},
+          {"fed", OrNull(line.fed)},
+          {"left", line.left},
+          {"leftPercent", OrNull(line.left_percent)},
+          {"state", TextOf(line.state)}};
+}
+
+class BalanceCommand : public Command {
+ public:
+  CLI::App* Register(CLI::App& app) override {
+    CLI::App* command = app.add_subcommand(
+        "balance", "Batches that were never fed or loaded, or of which too much or little is left");
+    options_.Register(
+        *command, {NameKind::kRecipe, NameKind::kIngredient, NameKind::kOperator, NameKind::kPen});
+    AddAmount(*command, "--percent", "Limit in percent of what was loaded; else 2", percent_);
+    AddAmount(*command, "--weight", "Limit as a weight; the larger one counts; else 50 kg",
+              weight_);
+    command->add_flag("--all", all_, "Balanced batches too");
+    AddExamples(*command, {{"balance JANUARY.TDB --from 2026-01-05 --to 2026-01-11",
+                            "What needs an explanation, of one week."}});
+    return command;
+  }
+
+  [[nodiscard]] bool OnlyReads() const override { return true; }
+
+  int Run(Session& session) override {
+    BalanceQuestion question{.about = options_.About(), .all = all_};
+    question.percent = percent_.value_or(question.percent);
+    return options_.Run(session, [&](SQLite::Database& database, const InsightProgress& progress) {
+      if (weight_) {
+        question.weight = {*weight_, ReadWeightUnit(database)};
+      }
+      const Balance answer = ReadBalance(database, question, progress);
+      WriteNotes(session, answer.notes);
+      std::vector<Json> rows;
+      for (const BalanceLine& line : answer.lines) {
+        rows.push_back(ToJson(line));
+      }
+      WriteRecords(session.Out(), options_.Form(),
+                   {.prototype = ToJson(BalanceLine()),
+                    .percents = {"leftPercent"},
+                    .names = {"recipe", "operator"}},
+                   rows);
+      return kDone;
+    });
+  }
+
+ private:
+  InsightOptions options_;
+  std::optional<double> percent_;
+  std::optional<double> weight_;
+  bool all_ = false;
+};
+
+Json ToJson(const TimesFigures& figures) {
+  return {
+      {"median", OrNull(figures.median)}, {"q1", OrNull(figures.q1)}, {"q3", OrNull(figures.q3)}};
+}
+
+Json ToJson(const TimesGroup& group) {
+  return {{"key", OrNull(group.key)},         {"batches", group.batches},
+          {"leftOut", group.left_out},        {"preparing", ToJson(group.preparing)},
+          {"waiting", ToJson(group.waiting)}, {"feeding", ToJson(group.feeding)}};
+}
+
+Json ToJson(const BatchTimes& batch) {
+  return {{"transaction", OrNull(batch.transaction)},
+          {"date", OrNull(batch.date)},
+          {"recipe", OrNull(batch.recipe)},
+          {"operator", OrNull(batch.operator_id)},
+          {"leftOut", batch.left_out},
+          {"preparing", OrNull(batch.preparing)},
+          {"waiting", OrNull(batch.waiting)},
+          {"feeding", OrNull(batch.feeding)}};
+}
+
+class TimesCommand : public Command {
+ public:
+  CLI::App* Register(CLI::App& app) override {
+    CLI::App* command = app.add_subcommand(
+        "times", "How long batches were prepared, waited and were fed, in minutes");
+    options_.Register(
+        *command, {NameKind::kRecipe, NameKind::kIngredient, NameKind::kOperator, NameKind::kPen});
+    command->add_option("--by", by_, "recipe or operator; else recipe")
+        ->type_name("KEY")
+        ->check(CLI::IsMember({"recipe", "operator"}));
+    command->add_flag("--batches", batches_, "Each batch");
+    AddExamples(*command,
+                {{"times JANUARY.TDB --by operator", "Medians and quartiles of each operator."},
+                 {"times JANUARY.TDB --batches --csv", "All batches, for a spreadsheet."}});
+    return command;
+  }
+
+  [[nodiscard]] bool OnlyReads() const override { return true; }
+
+  int Run(Session& session) override {
+    const TimesQuestion question{.about = options_.About(),
+                                 .by = by_ == "operator" ? TimesKey::kOperator : TimesKey::kRecipe};
+    return options_.Run(session, [&](SQLite::Database& database, const InsightProgress& progress) {
+      const Times answer = ReadTimes(database, question, progress);
+      WriteNotes(session, answer.notes);
+      std::vector<Json> rows;
+      if (batches_) {
+        for (const BatchTimes& batch : answer.batches) {
+          rows.push_back(ToJson(batch));
+        }
+        WriteRecords(session.Out(), options_.Form(),
+                     {.prototype = ToJson(BatchTimes()), .names = {"recipe", "operator"}}, rows);
+        return kDone;
+      }
+      for (const TimesGroup& group : answer.groups) {
+        rows.push_back(ToJson(group));
+      }
+      WriteRecords(session.Out(), options_.Form(),
+                   {.prototype = ToJson(TimesGroup()), .names = {"key"}}, rows);
+      session.Context().err << "The resolution is one minute; the work before the first record is "
+                               "not in the times.\n";
+      return kDone;
+    });
+  }
+
+ private:
+  InsightOptions options_;
+  std::string by_ = "recipe";
+  bool batches_ = false;
+};
+
+}  // namespace
+
+std::unique_ptr<Command> MakeBalanceCommand() { return std::make_unique<BalanceCommand>(); }
+
+std::unique_ptr<Command> MakeTimesCommand() { return std::make_unique<TimesCommand>(); }
+
+}  // namespace vrx

@@ -1,0 +1,74 @@
+#pragma once
+
+#include <functional>
+#include <initializer_list>
+#include <iosfwd>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include <SQLiteCpp/Database.h>
+
+#include "base/date.h"
+#include "ctl/command.h"
+#include "ctl/output.h"
+#include "insight/question.h"
+
+namespace vrx {
+
+// The options of a command that asks what the records of a transaction database say.
+class InsightOptions {
+ public:
+  // With the period and the filters that the command takes, and --csv and --json.
+  void Register(CLI::App& command, std::initializer_list<NameKind> filters);
+
+  // Throws CLI::ParseError if the period ends before it begins.
+  [[nodiscard]] Question About() const;
+
+  // Opens the database for reading, runs `work` and returns its result. Reports an unusable
+  // database and a question that cannot be answered, and returns kFailed.
+  int Run(Session& session,
+          const std::function<int(SQLite::Database&, const InsightProgress&)>& work) const;
+
+  [[nodiscard]] OutputForm Form() const { return output_.Form(); }
+
+ private:
+  std::string transactions_;
+  std::string from_;
+  std::string to_;
+  std::optional<std::string> recipe_;
+  std::optional<std::string> ingredient_;
+  std::optional<std::string> operator_id_;
+  std::optional<std::string> pen_;
+  OutputOptions output_;
+};
+
+// An option for a weight or percentage from 0; the text that is not one is wrong usage.
+CLI::Option* AddAmount(CLI::App& app, const std::string& name, const std::string& help,
+                       std::optional<double>& amount);
+
+// What is left out and which names are alike, on the error stream.
+void WriteNotes(Session& session, const InsightNotes& notes);
+
+// Writes objects in the chosen form. Plain and CSV have the keys of `prototype` as their headings,
+// those of inner objects after a point; a number whose last key is in `percents` has one decimal
+// there, and a missing value is empty, or "(none)" if its last key is in `names`.
+struct RecordForm {
+  Json prototype;
+  std::vector<std::string_view> percents = {};
+  std::vector<std::string_view> names = {};
+};
+void WriteRecords(std::ostream& out, OutputForm form, const RecordForm& records,
+                  const std::vector<Json>& rows);
+// One line of such an output, plain or CSV.
+[[nodiscard]] std::vector<std::string> CellsOf(const RecordForm& records, const Json& row);
+
+// null for nothing.
+template <typename Value>
+Json OrNull(const std::optional<Value>& value) {
+  return value ? Json(*value) : Json();
+}
+[[nodiscard]] Json OrNull(const std::optional<Date>& date);
+
+}  // namespace vrx

@@ -1,0 +1,143 @@
+#include <chrono>
+#include <cstddef>
+#include <map>
+#include <utility>
+
+#include "database/connection.h"
+#include "insight/accuracy_figures.h"
+#include "insight/batches.h"
+#include "insight/deviations.h"
+#include "insight/record_reader.h"
+
+namespace vrx {
+namespace {
+
+constexpr DayNumber kMedianDays = 30;
+
+struct BatchWeights {
+  Exact loaded;
+  Exact fed;
+};
+
+class BalanceTests {
+ public:
+  BalanceTests(const BalanceQuestion& question, WeightUnit unit)
+      : percent_(CheckedLimit(question.percent, "percent")),
+        weight_(question.weight, unit, "weight") {}
+
+  [[nodiscard]] BalanceState StateOf(const Batch& batch, const BatchWeights& weights) const {
+    if (!batch.has_delivery) {
+      return BalanceState::kNeverFed;
+    }
+    if (!batch.has_load) {
+      return BalanceState::kNeverLoaded;
+    }
+    const Exact amount = (weights.loaded - weights.fed).Abs();
+    const bool out =
+        amount * Exact::Whole(100) > weights.loaded * percent_ && weight_.Compare(amount) > 0;
+    return out ? BalanceState::kOut : BalanceState::kBalanced;
+  }
+
+ private:
+  Exact percent_;
+  LimitTest weight_;
+};
+
+std::optional<double> PercentIfPositive(const Exact& part, const Exact& whole) {
+  return whole.Sign() > 0 ? std::optional(Percent(part, whole)) : std::nullopt;
+}
+
+void CountState(Balance& answer, BalanceState state) {
+  ++answer.batches;
+  answer.out += state == BalanceState::kOut ? 1 : 0;
+  answer.never_fed += state == BalanceState::kNeverFed ? 1 : 0;
+  answer.never_loaded += state == BalanceState::kNeverLoaded ? 1 : 0;
+}
+
+std::vector<BalanceDay> DaysOf(const std::map<DayNumber, BatchWeights>& weights) {
+  std::vector<BalanceDay> days;
+  for (auto day = weights.begin(); day != weights.end(); ++day) {
+    const auto& [loaded, fed] = day->second;
+    BalanceDay shown{.date = *ToDate(day->first),
+                     .loaded = loaded.ToDouble(),
+                     .left = (loaded - fed).ToDouble(),
+                     .left_percent = PercentIfPositive(loaded - fed, loaded)};
+    Deviations month;
+    for (auto before = weights.upper_bound(day->first - kMedianDays); before != std::next(day);
+         ++before) {
+      if (before->second.loaded.Sign() > 0) {
+        month.Add(before->second.loaded - before->second.fed, before->second.loaded);
+      }
+    }
+    if (const auto quartiles = month.FindQuartiles(Exact())) {
+      shown.median = quartiles->median;
+    }
+    days.push_back(shown);
+  }
+  return days;
+}
+
+}  // namespace
+
+std::string_view TextOf(BalanceState state) {
+  switch (state) {
+    case BalanceState::kOut:
+      return "out";
+    case BalanceState::kNeverFed:
+      return "never fed";
+    case BalanceState::kNeverLoaded:
+      return "never loaded";
+    case BalanceState::kBalanced:
+      break;
+  }
+  return "balanced";
+}
+
+Balance ReadBalance(SQLite::Database& database, const BalanceQuestion& question,
+                    const InsightProgress& progress) {
+  return WithDatabaseErrors(database, [&] {
+    RecordReader reader(database, question.about, progress);
+    const BalanceTests tests(question, reader.Unit());
+    std::vector<BatchWeights> weights;
+    reader.Read(kReadBoth | kReadBatch | kReadRecipe | kReadOperator | kReadWeights | kReadDate,
+                [&](const Record& record) {
+                  weights.resize(reader.Batches().size());
+                  BatchWeights& batch = weights[record.batch];
+                  (record.is_load ? batch.loaded : batch.fed) += record.actual;
+                });
+    Balance answer;
+    std::map<DayNumber, BatchWeights> days;
+    for (const std::uint32_t index : reader.BatchesInOrder()) {
+      const Batch& batch = reader.Batches()[index];
+      const auto& [loaded, fed] = weights[index];
+      const BalanceState state = tests.StateOf(batch, weights[index]);
+      CountState(answer, state);
+      if (batch.day != kNoDay) {
+        days[batch.day].loaded += loaded;
+        days[batch.day].fed += fed;
+      }
+      if (state == BalanceState::kBalanced && !question.all) {
+        continue;
+      }
+      BalanceLine line{.transaction = batch.number,
+                       .date = ToDate(batch.day),
+                       .recipe = reader.NamesOf(NameKind::kRecipe).Name(batch.recipe),
+                       .operator_id = reader.NamesOf(NameKind::kOperator).Name(batch.operator_id),
+                       .left = (loaded - fed).ToDouble(),
+                       .left_percent = PercentIfPositive(loaded - fed, loaded),
+                       .state = state};
+      if (batch.has_load) {
+        line.loaded = loaded.ToDouble();
+      }
+      if (batch.has_delivery) {
+        line.fed = fed.ToDouble();
+      }
+      answer.lines.push_back(std::move(line));
+    }
+    answer.days = DaysOf(days);
+    answer.notes = reader.Notes();
+    return answer;
+  });
+}
+
+}  // namespace vrx

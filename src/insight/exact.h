@@ -1,0 +1,54 @@
+#pragma once
+
+#include <compare>
+#include <cstdint>
+#include <memory>
+
+namespace vrx {
+
+// An exact decimal number of any size. Numbers with up to six decimals and below a billion are
+// as fast as whole numbers; all others are correct, and slower.
+class Exact {
+ public:
+  struct Large;  // a number that does not fit `millionths_`
+
+  Exact() = default;  // 0
+  // The number that the shortest decimal text of `value` shows, if that text reads back as `value`:
+  // 0.1 is a tenth. `value` is finite.
+  [[nodiscard]] static Exact Of(double value);
+  [[nodiscard]] static Exact Whole(std::int64_t value);
+
+  [[nodiscard]] int Sign() const;  // -1, 0 or 1
+  [[nodiscard]] Exact Abs() const { return Sign() < 0 ? -*this : *this; }
+  [[nodiscard]] double ToDouble() const;  // the nearest one
+
+  // Millionths, if the number is a whole count of them that fits; else null.
+  [[nodiscard]] const std::int64_t* Millionths() const {
+    return large_ == nullptr ? &millionths_ : nullptr;
+  }
+
+  Exact operator-() const;
+  Exact& operator+=(const Exact& other);
+  Exact& operator-=(const Exact& other) { return *this += -other; }
+  friend Exact operator+(Exact left, const Exact& right) { return left += right; }
+  friend Exact operator-(Exact left, const Exact& right) { return left -= right; }
+  friend Exact operator*(const Exact& left, const Exact& right);
+  friend std::strong_ordering operator<=>(const Exact& left, const Exact& right);
+  friend bool operator==(const Exact& left, const Exact& right) {
+    return (left <=> right) == std::strong_ordering::equal;
+  }
+
+  // The double nearest to the quotient; halves go to even. `divisor` is not 0.
+  friend double Quotient(const Exact& dividend, const Exact& divisor);
+
+ private:
+  explicit Exact(Large large);
+  [[nodiscard]] Large ToLarge() const;
+
+  std::int64_t millionths_ = 0;
+  std::shared_ptr<const Large> large_;
+};
+
+double Quotient(const Exact& dividend, const Exact& divisor);
+
+}  // namespace vrx

@@ -1,0 +1,33 @@
+#include "insight/question.h"
+
+namespace vrx {
+
+std::string_view NounOf(NameKind kind) {
+  switch (kind) {
+    case NameKind::kRecipe:
+      return "recipe";
+    case NameKind::kIngredient:
+      return "ingredient";
+    case NameKind::kOperator:
+      return "operator";
+    case NameKind::kPen:
+      break;
+  }
+  return "pen";
+}
+
+const std::optional<std::string>& Question::Name(NameKind kind) const {
+  switch (kind) {
+    case NameKind::kRecipe:
+      return recipe;
+    case NameKind::kIngredient:
+      return ingredient;
+    case NameKind::kOperator:
+      return operator_id;
+    case NameKind::kPen:
+      break;
+  }
+  return pen;
+}
+
+}  // namespace vrx

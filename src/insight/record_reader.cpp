@@ -1,0 +1,482 @@
+#include "insight/record_reader.h"
+
+#include <algorithm>
+#include <chrono>
+#include <cmath>
+#include <string_view>
+#include <tuple>
+#include <utility>
+
+#include <SQLiteCpp/Column.h>
+#include <SQLiteCpp/Statement.h>
+#include <sqlite3.h>
+
+#include "database/connection.h"
+#include "database/transactions.h"
+#include "insight/row_scan.h"
+
+namespace vrx {
+namespace {
+
+constexpr std::int64_t kRowsPerReport = 4096;
+// Runs of rows with a smaller gap are read as one; the rows between them are skipped.
+constexpr std::int64_t kReadOver = 64;
+constexpr std::string_view kLoadType = "BATCH";
+constexpr std::string_view kDeliveryType = "FEED";
+constexpr std::string_view kNoUser = "-1";  // how some databases store a missing user
+
+// The columns of a scan.
+enum Cell {
+  kRow,
+  kNumber,
+  kType,
+  kRecipe,
+  kUser,
+  kIngredient,
+  kPen,
+  kTarget,
+  kActual,
+  kDay,
+  kTime
+};
+
+// NULL stands for a column that is not read.
+std::string ColumnsOf(unsigned flags) {
+  const auto column = [flags](unsigned flag, const char* name) {
+    return std::string(", ") + ((flags & flag) != 0 ? name : "NULL");
+  };
+  const bool loads = (flags & kReadLoads) != 0;
+  const bool deliveries = (flags & kReadDeliveries) != 0;
+  const char* actual = loads ? "ActualBatch" : "ActualFeed";
+  if (loads && deliveries) {
+    actual = "iif(Type = 'BATCH', ActualBatch, ActualFeed)";
+  }
+  std::string text = "rowid, [Transaction], Type";
+  text += column(kReadRecipe, "Recipe") + column(kReadOperator, "UserID");
+  text += column(kReadIngredient, "Ingredient") + column(kReadPen, "Pen");
+  text += column(kReadWeights, "Target") + column(kReadWeights, actual);
+  return text + column(kReadDate, "Date") + column(kReadTime, "Time");
+}
+
+std::string RowsOf(unsigned flags) {
+  std::string text = "FROM Transactions NOT INDEXED WHERE rowid BETWEEN ?1 AND ?2";
+  if ((flags & kReadBoth) != kReadBoth) {
+    text += (flags & kReadLoads) != 0 ? " AND Type = 'BATCH'" : " AND Type = 'FEED'";
+  }
+  return text;
+}
+
+std::string DayCondition(const Question& question) {
+  std::string condition = "[Date] > ''";
+  if (question.from) {
+    condition += " AND [Date] >= '" + StoredText(*question.from) + "'";
+  }
+  if (question.to) {
+    condition += " AND [Date] <= '" + StoredText(*question.to) + "'";
+  }
+  return condition;
+}
+
+void CheckPeriod(const Question& question) {
+  if (question.from && question.to && *question.to < *question.from) {
+    throw QuestionError("The period ends on " + StoredText(*question.to) +
+                        ", before it begins on " + StoredText(*question.from) + ".");
+  }
+}
+
+// Most rows have the date of the row before.
+class DayReader {
+ public:
+  DayNumber Read(std::string_view text) {
+    if (text != text_ || text.empty()) {
+      text_ = text;
+      day_ = ToDayNumber(ParseStoredDate(text));
+    }
+    return day_;
+  }
+
+ private:
+  std::string text_;
+  DayNumber day_ = kNoDay;
+};
+
+}  // namespace
+
+DayNumber ToDayNumber(const std::optional<Date>& date) {
+  return date ? static_cast<DayNumber>(std::chrono::sys_days(*date).time_since_epoch().count())
+              : kNoDay;
+}
+
+std::optional<Date> ToDate(DayNumber day) {
+  return day == kNoDay ? std::nullopt
+                       : std::optional<Date>(std::chrono::sys_days(std::chrono::days(day)));
+}
+
+ReadTransaction::ReadTransaction(SQLite::Database& database) : database_(database) {
+  WithDatabaseErrors(database, [&] { database.exec("SAVEPOINT insight"); });
+}
+
+ReadTransaction::~ReadTransaction() { database_.tryExec("RELEASE insight"); }
+
+struct RecordReader::Scan {
+  unsigned flags;
+  const std::function<void(const Record&)>& take;
+  DayReader days = {};
+  std::int64_t rows = 0;
+  std::int64_t total = 0;   // rowids of all runs
+  std::int64_t before = 0;  // rowids of the runs before this one
+  std::int64_t first = 0;   // rowid of this run
+};
+
+RecordReader::RecordReader(SQLite::Database& database, const Question& question,
+                           const InsightProgress& progress)
+    : database_(database),
+      question_(question),
+      progress_(progress),
+      transaction_(database),
+      units_(database) {
+  CheckPeriod(question_);
+  CheckNames(database_, question_);
+  for (int kind = 0; kind < kNameKinds; ++kind) {
+    const auto& name = question_.Name(static_cast<NameKind>(kind));
+    wanted_.at(static_cast<std::size_t>(kind)) = IdOf(name, static_cast<NameKind>(kind));
+  }
+  WithDatabaseErrors(database_, [this] { FindRows(); });
+  if (question_.HasName()) {
+    ChooseByName();
+  }
+}
+
+NameId RecordReader::IdOf(const std::optional<std::string>& name, NameKind kind) {
+  return name ? names_.at(static_cast<std::size_t>(kind)).Intern(*name) : kNoName;
+}
+
+InsightNotes RecordReader::Notes() const {
+  InsightNotes notes{
+      .units = TextOf(units_.Unit()), .left_out = units_.LeftOut(), .undated = undated_};
+  for (const Names& names : names_) {
+    for (auto& alike : names.Alike()) {
+      notes.alike.push_back(std::move(alike));
+    }
+  }
+  return notes;
+}
+
+void RecordReader::Report(int percent) const {
+  if (progress_ && !progress_(percent)) {
+    throw QuestionCancelled();
+  }
+}
+
+// The rows of a scan.
+
+void RecordReader::Read(unsigned flags, const std::function<void(const Record&)>& take) {
+  for (Batch& batch : batches_) {
+    batch.has_row = false;
+    batch.has_load = false;
+    batch.has_delivery = false;
+  }
+  Scan scan{.flags = flags, .take = take};
+  WithDatabaseErrors(database_, [&] { ReadRuns(scan); });
+}
+
+void RecordReader::ReadRuns(Scan& scan) {
+  RowScan rows(database_, ColumnsOf(scan.flags), RowsOf(scan.flags),
+               [&](sqlite3_value** row) { Take(scan, row); });
+  for (const Run& run : runs_) {
+    scan.total += run.last - run.first + 1;
+  }
+  for (const Run& run : runs_) {
+    scan.first = run.first;
+    rows.Query().bind(1, run.first);
+    rows.Query().bind(2, run.last);
+    rows.Run();
+    scan.before += run.last - run.first + 1;
+  }
+}
+
+void RecordReader::Take(Scan& scan, sqlite3_value** row) {
+  Record record{.rowid = sqlite3_value_int64(row[kRow])};
+  if (++scan.rows % kRowsPerReport == 0) {
+    Report(static_cast<int>((scan.before + record.rowid - scan.first) * 100 / scan.total));
+  }
+  const std::string_view type = TextIn(row[kType]);
+  record.is_load = type == kLoadType;
+  if ((!record.is_load && type != kDeliveryType) ||
+      units_.UseOf(record.rowid) == ImportUnits::Use::kLeftOut) {
+    return;
+  }
+  const bool with_batch = chooses_ || (scan.flags & kReadBatch) != 0;
+  if (with_batch) {
+    const std::optional<std::uint32_t> batch = BatchOf(record.rowid, row[kNumber]);
+    if (!batch || !batches_[*batch].chosen) {
+      return;
+    }
+    record.batch = *batch;
+  }
+  ReadCells(scan, row, record);
+  if (with_batch) {
+    NoteRow(record);
+  }
+  scan.take(record);
+}
+
+void RecordReader::ReadCells(Scan& scan, sqlite3_value** row, Record& record) {
+  const auto name = [&](NameKind kind, Cell cell) {
+    return names_[static_cast<std::size_t>(kind)].Intern(TextIn(row[cell]));
+  };
+  if ((scan.flags & kReadRecipe) != 0) {
+    record.recipe = name(NameKind::kRecipe, kRecipe);
+  }
+  if ((scan.flags & kReadOperator) != 0 && TextIn(row[kUser]) != kNoUser) {
+    record.operator_id = name(NameKind::kOperator, kUser);
+  }
+  if ((scan.flags & kReadIngredient) != 0 && record.is_load) {
+    record.ingredient = name(NameKind::kIngredient, kIngredient);
+  }
+  if ((scan.flags & kReadPen) != 0 && !record.is_load) {
+    record.pen = name(NameKind::kPen, kPen);
+  }
+  if ((scan.flags & kReadWeights) != 0) {
+    record.target = Weight(record.rowid, row[kTarget]);
+    record.actual = Weight(record.rowid, row[kActual]);
+  }
+  if ((scan.flags & kReadDate) != 0) {
+    record.day = scan.days.Read(TextIn(row[kDay]));
+  }
+  if ((scan.flags & kReadTime) != 0) {
+    if (const auto time = ParseStoredTime(TextIn(row[kTime]))) {
+      record.seconds = (time->hour * 60 + time->minute) * 60 + time->second;
+    }
+  }
+}
+
+Exact RecordReader::Weight(std::int64_t rowid, sqlite3_value* value) const {
+  double weight = sqlite3_value_double(value);  // 0 for NULL
+  if (!std::isfinite(weight)) {
+    throw DatabaseError(
+        SQLITE_RANGE,
+        database_.getFilename() + " has a weight without an end in row " + std::to_string(rowid));
+  }
+  if (units_.UseOf(rowid) == ImportUnits::Use::kConverted) {
+    weight = units_.Converted(weight);
+  }
+  return Exact::Of(weight);
+}
+
+// Batches.
+
+// Nothing for a batch that cannot be chosen.
+std::optional<std::uint32_t> RecordReader::BatchOf(std::int64_t rowid, sqlite3_value* number) {
+  const bool numbered = sqlite3_value_type(number) == SQLITE_INTEGER;
+  const std::int64_t key = numbered ? sqlite3_value_int64(number) : rowid;
+  if (numbered && last_number_ == key) {
+    return last_batch_;
+  }
+  auto& known = numbered ? batch_of_number_ : batch_of_row_;
+  const auto found = known.find(key);
+  if (found == known.end() && chooses_) {
+    return std::nullopt;
+  }
+  const auto next = static_cast<std::uint32_t>(batches_.size());
+  const std::uint32_t batch = found == known.end() ? next : found->second;
+  if (batch == next) {
+    known.emplace(key, next);
+    batches_.push_back(
+        {.number = numbered ? std::optional(key) : std::nullopt, .rowid = numbered ? 0 : rowid});
+  }
+  if (numbered) {
+    last_number_ = key;
+    last_batch_ = batch;
+  }
+  return batch;
+}
+
+void RecordReader::NoteRow(const Record& record) {
+  Batch& batch = batches_[record.batch];
+  if (!batch.has_row) {
+    batch.recipe = record.recipe;
+    batch.operator_id = record.operator_id;
+    batch.has_row = true;
+  }
+  const bool decides = record.is_load ? !batch.has_load : !batch.has_load && !batch.has_delivery;
+  if (decides && !days_known_) {
+    batch.day = record.day;
+  }
+  if (record.is_load) {
+    batch.has_load = true;
+    batch.has_ingredient =
+        batch.has_ingredient ||
+        (record.ingredient != kNoName && record.ingredient == Wanted(NameKind::kIngredient));
+  } else {
+    batch.has_delivery = true;
+    batch.has_pen =
+        batch.has_pen || (record.pen != kNoName && record.pen == Wanted(NameKind::kPen));
+  }
+}
+
+std::vector<std::uint32_t> RecordReader::BatchesInOrder() const {
+  std::vector<std::uint32_t> order;
+  for (std::uint32_t index = 0; index < batches_.size(); ++index) {
+    if (batches_[index].chosen) {
+      order.push_back(index);
+    }
+  }
+  std::sort(order.begin(), order.end(), [this](std::uint32_t one, std::uint32_t other) {
+    const Batch& left = batches_[one];
+    const Batch& right = batches_[other];
+    return std::tie(left.day, left.number, left.rowid) <
+           std::tie(right.day, right.number, right.rowid);
+  });
+  return order;
+}
+
+void RecordReader::FindDays() {
+  if (!days_known_) {
+    Read(kReadBoth | kReadBatch | kReadDate, [](const Record&) {});
+    days_known_ = true;
+  }
+}
+
+void RecordReader::ChooseByName() {
+  unsigned flags = kReadBoth | kReadBatch;
+  flags |= question_.recipe ? kReadRecipe : 0U;
+  flags |= question_.operator_id ? kReadOperator : 0U;
+  flags |= question_.ingredient ? kReadIngredient : 0U;
+  flags |= question_.pen ? kReadPen : 0U;
+  flags |= days_known_ ? 0U : kReadDate;
+  Read(flags, [](const Record&) {});
+  days_known_ = true;
+  chooses_ = true;
+  for (Batch& batch : batches_) {
+    batch.chosen =
+        batch.chosen && (!question_.recipe || batch.recipe == Wanted(NameKind::kRecipe)) &&
+        (!question_.operator_id || batch.operator_id == Wanted(NameKind::kOperator)) &&
+        (!question_.ingredient || batch.has_ingredient) && (!question_.pen || batch.has_pen);
+  }
+}
+
+// The period. The indexes of dates and of numbers have all that decides which batches are in it.
+
+void RecordReader::FindRows() {
+  if (!question_.HasPeriod()) {
+    SQLite::Statement ends(database_,
+                           "SELECT min(rowid), (SELECT max(rowid) FROM Transactions) FROM "
+                           "Transactions");
+    if (ends.executeStep() && !ends.getColumn(0).isNull()) {
+      runs_.push_back({ends.getColumn(0).getInt64(), ends.getColumn(1).getInt64()});
+    }
+    return;
+  }
+  undated_ = database_
+                 .execAndGet(
+                     "SELECT count(*) FROM Transactions WHERE [Date] IS NULL AND Type IN "
+                     "('BATCH', 'FEED')")
+                 .getInt64();
+  DatedRows dated;
+  ReadPeriod(dated);
+  ChooseByPeriod(dated);
+  SettleRuns();
+  chooses_ = true;
+  days_known_ = true;
+}
+
+void RecordReader::ReadPeriod(DatedRows& dated) {
+  DayReader days;
+  RowScan rows(
+      database_, "rowid, [Transaction], Type = 'BATCH', [Date]",
+      "FROM Transactions WHERE " + DayCondition(question_) + " AND Type IN ('BATCH', 'FEED')",
+      [&](sqlite3_value** row) {
+        const std::int64_t rowid = sqlite3_value_int64(row[0]);
+        const DayNumber day = days.Read(TextIn(row[3]));
+        if (day == kNoDay || units_.UseOf(rowid) == ImportUnits::Use::kLeftOut) {
+          return;
+        }
+        if (sqlite3_value_type(row[1]) != SQLITE_INTEGER) {
+          batch_of_row_.emplace(rowid, static_cast<std::uint32_t>(batches_.size()));
+          batches_.push_back({.rowid = rowid, .day = day});
+          AddRun(rowid);
+          return;
+        }
+        FirstRows& rows_of = dated[sqlite3_value_int64(row[1])];
+        const bool is_load = sqlite3_value_int(row[2]) != 0;
+        DatedRow& first_row = is_load ? rows_of.load : rows_of.delivery;
+        if (rowid < first_row.rowid) {
+          first_row = {.rowid = rowid, .day = day};
+        }
+      });
+  rows.Run();
+}
+
+// A batch is in the period if its first load is among the rows of the period.
+void RecordReader::ChooseByPeriod(const DatedRows& dated) {
+  std::vector<std::int64_t> numbers;
+  numbers.reserve(dated.size());
+  for (const auto& [number, rows] : dated) {
+    numbers.push_back(number);
+  }
+  std::sort(numbers.begin(), numbers.end());
+  std::optional<std::int64_t> number;
+  FirstRows first;
+  std::vector<std::int64_t> rowids;
+  const auto finish = [&] {
+    if (rowids.empty()) {
+      return;
+    }
+    const FirstRows& in_period = dated.at(*number);
+    const bool has_load = first.load.rowid != kNoRow;
+    const DatedRow& decides = has_load ? in_period.load : in_period.delivery;
+    if (decides.rowid != kNoRow &&
+        decides.rowid == (has_load ? first.load.rowid : first.delivery.rowid)) {
+      batch_of_number_.emplace(*number, static_cast<std::uint32_t>(batches_.size()));
+      batches_.push_back({.number = number, .day = decides.day});
+      std::for_each(rowids.begin(), rowids.end(), [this](std::int64_t row) { AddRun(row); });
+    }
+    rowids.clear();
+  };
+  RowScan rows(database_, "number, is_load, row",
+               "FROM (SELECT [Transaction] AS number, Type = 'BATCH' AS is_load, rowid AS row FROM "
+               "Transactions WHERE [Transaction] IN (SELECT value FROM json_each(?1)) AND Type IN "
+               "('BATCH', 'FEED') ORDER BY [Transaction], Type, rowid)",
+               [&](sqlite3_value** row) {
+                 const std::int64_t rowid = sqlite3_value_int64(row[2]);
+                 if (units_.UseOf(rowid) == ImportUnits::Use::kLeftOut) {
+                   return;
+                 }
+                 if (const std::int64_t next = sqlite3_value_int64(row[0]); number != next) {
+                   finish();
+                   number = next;
+                   first = {};
+                 }
+                 DatedRow& first_row = sqlite3_value_int(row[1]) != 0 ? first.load : first.delivery;
+                 first_row.rowid = std::min(first_row.rowid, rowid);
+                 rowids.push_back(rowid);
+               });
+  rows.Query().bind(1, JsonArray(numbers));
+  rows.Run();
+  finish();
+}
+
+void RecordReader::AddRun(std::int64_t rowid) {
+  if (!runs_.empty() && runs_.back().last + 1 == rowid) {
+    runs_.back().last = rowid;
+  } else {
+    runs_.push_back({.first = rowid, .last = rowid});
+  }
+}
+
+void RecordReader::SettleRuns() {
+  std::sort(runs_.begin(), runs_.end(),
+            [](const Run& one, const Run& other) { return one.first < other.first; });
+  std::vector<Run> joined;
+  for (const Run& run : runs_) {
+    if (!joined.empty() && run.first - joined.back().last <= kReadOver) {
+      joined.back().last = std::max(joined.back().last, run.last);
+    } else {
+      joined.push_back(run);
+    }
+  }
+  runs_ = std::move(joined);
+}
+
+}  // namespace vrx

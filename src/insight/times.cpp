@@ -1,0 +1,162 @@
+#include <algorithm>
+#include <cstddef>
+#include <unordered_map>
+#include <utility>
+
+#include "database/connection.h"
+#include "insight/batches.h"
+#include "insight/deviations.h"
+#include "insight/names.h"
+#include "insight/record_reader.h"
+
+namespace vrx {
+namespace {
+
+constexpr std::int64_t kSecondsADay = 24 * 60 * 60;
+constexpr std::int64_t kHalfADay = kSecondsADay / 2;
+constexpr std::int64_t kSecondsAMinute = 60;
+
+// Seconds since 1970-01-01 of the rows of a batch, in stored order.
+struct Clock {
+  std::int64_t last = 0;
+  std::int64_t first_load = 0;
+  std::int64_t last_load = 0;
+  std::int64_t first_delivery = 0;
+  std::int64_t last_delivery = 0;
+  std::int64_t loads = 0;
+  std::int64_t deliveries = 0;
+  bool left_out = false;
+
+  void Add(const Record& record) {
+    if (record.day == kNoDay || record.seconds == kNoTime) {
+      left_out = true;
+    }
+    if (left_out) {
+      return;
+    }
+    std::int64_t now = record.day * kSecondsADay + record.seconds;
+    if (loads + deliveries > 0 && now < last) {
+      if (const std::int64_t too_early = last - now - kHalfADay; too_early > 0) {
+        now += (too_early + kSecondsADay - 1) / kSecondsADay * kSecondsADay;
+      }
+      left_out = now < last;
+    }
+    last = now;
+    if (record.is_load) {
+      first_load = loads == 0 ? now : first_load;
+      last_load = now;
+      ++loads;
+    } else {
+      first_delivery = deliveries == 0 ? now : first_delivery;
+      last_delivery = now;
+      ++deliveries;
+    }
+  }
+
+  [[nodiscard]] std::optional<std::int64_t> Preparing() const {
+    return loads >= 2 ? std::optional(last_load - first_load) : std::nullopt;
+  }
+  [[nodiscard]] std::optional<std::int64_t> Waiting() const {
+    return loads >= 1 && deliveries >= 1 ? std::optional(first_delivery - last_load) : std::nullopt;
+  }
+  [[nodiscard]] std::optional<std::int64_t> Feeding() const {
+    return deliveries >= 2 ? std::optional(last_delivery - first_delivery) : std::nullopt;
+  }
+};
+
+// Durations of a group.
+class Durations {
+ public:
+  void Add(const std::optional<std::int64_t>& seconds) {
+    if (seconds) {
+      // A percentage of a hundred minutes is a count of minutes.
+      values_.Add(Exact::Whole(*seconds), Exact::Whole(100 * kSecondsAMinute));
+    }
+  }
+  TimesFigures Figures() {
+    const auto quartiles = values_.FindQuartiles(Exact());
+    if (!quartiles) {
+      return {};
+    }
+    return {.median = quartiles->median, .q1 = quartiles->q1, .q3 = quartiles->q3};
+  }
+
+ private:
+  Deviations values_;
+};
+
+struct TimedGroup {
+  TimesGroup shown;
+  Durations preparing;
+  Durations waiting;
+  Durations feeding;
+
+  void Add(const Clock& clock) {
+    if (clock.left_out) {
+      ++shown.left_out;
+      return;
+    }
+    ++shown.batches;
+    preparing.Add(clock.Preparing());
+    waiting.Add(clock.Waiting());
+    feeding.Add(clock.Feeding());
+  }
+};
+
+std::optional<double> Minutes(const std::optional<std::int64_t>& seconds) {
+  return seconds ? std::optional(Quotient(Exact::Whole(*seconds), Exact::Whole(kSecondsAMinute)))
+                 : std::nullopt;
+}
+
+BatchTimes TimesOf(const Batch& batch, const Clock& clock, const RecordReader& reader) {
+  BatchTimes times{.transaction = batch.number,
+                   .date = ToDate(batch.day),
+                   .recipe = reader.NamesOf(NameKind::kRecipe).Name(batch.recipe),
+                   .operator_id = reader.NamesOf(NameKind::kOperator).Name(batch.operator_id),
+                   .left_out = clock.left_out};
+  if (!clock.left_out) {
+    times.preparing = Minutes(clock.Preparing());
+    times.waiting = Minutes(clock.Waiting());
+    times.feeding = Minutes(clock.Feeding());
+  }
+  return times;
+}
+
+}  // namespace
+
+Times ReadTimes(SQLite::Database& database, const TimesQuestion& question,
+                const InsightProgress& progress) {
+  return WithDatabaseErrors(database, [&] {
+    RecordReader reader(database, question.about, progress);
+    std::vector<Clock> clocks;
+    reader.Read(kReadBoth | kReadBatch | kReadRecipe | kReadOperator | kReadDate | kReadTime,
+                [&](const Record& record) {
+                  clocks.resize(reader.Batches().size());
+                  clocks[record.batch].Add(record);
+                });
+    Times answer;
+    const bool by_recipe = question.by == TimesKey::kRecipe;
+    const NameKind kind = by_recipe ? NameKind::kRecipe : NameKind::kOperator;
+    std::unordered_map<NameId, TimedGroup> groups;
+    for (const std::uint32_t index : reader.BatchesInOrder()) {
+      const Batch& batch = reader.Batches()[index];
+      groups[by_recipe ? batch.recipe : batch.operator_id].Add(clocks[index]);
+      answer.batches.push_back(TimesOf(batch, clocks[index], reader));
+    }
+    for (auto& [name, group] : groups) {
+      group.shown.key = reader.NamesOf(kind).Name(name);
+      group.shown.preparing = group.preparing.Figures();
+      group.shown.waiting = group.waiting.Figures();
+      group.shown.feeding = group.feeding.Figures();
+      answer.groups.push_back(std::move(group.shown));
+    }
+    std::sort(answer.groups.begin(), answer.groups.end(),
+              [kind](const auto& left, const auto& right) {
+                return NameIsBefore(kind, left.key, right.key);
+              });
+    answer.notes = reader.Notes();
+    return answer;
+  });
+}
+
+}  // namespace vrx
