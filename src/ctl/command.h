@@ -72,6 +72,12 @@ std::unique_ptr<Command> MakeAccuracyCommand();
 std::unique_ptr<Command> MakeCompositionCommand();
 std::unique_ptr<Command> MakeBalanceCommand();
 std::unique_ptr<Command> MakeTimesCommand();
+std::unique_ptr<Command> MakeDeliveredCommand();
+std::unique_ptr<Command> MakeTraceCommand();
+std::unique_ptr<Command> MakeHoldingCommand();
+std::unique_ptr<Command> MakeCompletenessCommand();
+std::unique_ptr<Command> MakeImportsCommand();
+std::unique_ptr<Command> MakeUseCommand();
 
 // The subcommands of `recipe`.
 std::unique_ptr<Command> MakeRecipeCopyCommand();

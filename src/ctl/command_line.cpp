@@ -84,6 +84,12 @@ std::vector<std::unique_ptr<Command>> MakeCommands() {
   commands.push_back(MakeCompositionCommand());
   commands.push_back(MakeBalanceCommand());
   commands.push_back(MakeTimesCommand());
+  commands.push_back(MakeDeliveredCommand());
+  commands.push_back(MakeTraceCommand());
+  commands.push_back(MakeHoldingCommand());
+  commands.push_back(MakeCompletenessCommand());
+  commands.push_back(MakeImportsCommand());
+  commands.push_back(MakeUseCommand());
   return commands;
 }
 

@@ -107,12 +107,17 @@ Question InsightOptions::About() const {
 int InsightOptions::Run(
     Session& session,
     const std::function<int(SQLite::Database&, const InsightProgress&)>& work) const {
-  if (!session.IsUserDatabase(transactions_, DatabaseKind::kTransaction)) {
+  return OpenForQuestion(session, transactions_, work);
+}
+
+int OpenForQuestion(Session& session, const std::string& transactions,
+                    const std::function<int(SQLite::Database&, const InsightProgress&)>& work) {
+  if (!session.IsUserDatabase(transactions, DatabaseKind::kTransaction)) {
     return kFailed;
   }
-  return session.OnDatabase(transactions_, DatabaseKind::kTransaction, [&] {
+  return session.OnDatabase(transactions, DatabaseKind::kTransaction, [&] {
     SQLite::Database database =
-        OpenDatabase(transactions_, Access::kRead, session.Context().busy_timeout);
+        OpenDatabase(transactions, Access::kRead, session.Context().busy_timeout);
     ProgressLine& line = session.Progress();
     line.SetProgressMessage("Reading the records");
     constexpr int kWhole = 100;

@@ -15,6 +15,11 @@
 #include "ctl/output.h"
 #include "insight/question.h"
 
+namespace CLI {  // NOLINT(readability-identifier-naming): named by the library
+class App;
+class Option;
+}  // namespace CLI
+
 namespace vrx {
 
 // The options of a command that asks what the records of a transaction database say.
@@ -43,6 +48,10 @@ class InsightOptions {
   std::optional<std::string> pen_;
   OutputOptions output_;
 };
+
+// The same for a command with options of its own.
+int OpenForQuestion(Session& session, const std::string& transactions,
+                    const std::function<int(SQLite::Database&, const InsightProgress&)>& work);
 
 // An option for a weight or percentage from 0; the text that is not one is wrong usage.
 CLI::Option* AddAmount(CLI::App& app, const std::string& name, const std::string& help,

@@ -35,7 +35,7 @@ constexpr const char* kAddImport =
 
 constexpr const char* kImportColumns =
     "Number, At, File, SHA256, Units, RowsRead, Stored, LeftOut, NotRead, Repeated, Batches, "
-    "FileLow, FileHigh, Missing, StoredLow, StoredHigh, FirstDate, LastDate";
+    "FileLow, FileHigh, Missing, StoredLow, StoredHigh, FirstDate, LastDate, Settled";
 
 // Only the last import of a transaction lists all its deliveries.
 constexpr const char* kStoredBatches =
@@ -118,6 +118,7 @@ ImportRecord ReadImport(SQLite::Statement& query) {
   import.stored_high = NumberOrNull(next());
   import.first_date = ParseStoredDate(next().getString());
   import.last_date = ParseStoredDate(next().getString());
+  import.settled = next().getString();
   return import;
 }
 
@@ -223,6 +224,20 @@ std::vector<TransactionRecord> ReadUnrecordedBatches(SQLite::Database& database,
       rows.push_back(ReadRow(query));
     }
     return rows;
+  });
+}
+
+std::vector<ImportRecord> ReadImports(SQLite::Database& database) {
+  return WithDatabaseErrors(database, [&] {
+    std::vector<ImportRecord> imports;
+    if (HasImportTables(database)) {
+      SQLite::Statement query(
+          database, "SELECT " + std::string(kImportColumns) + " FROM Imports ORDER BY Number");
+      while (query.executeStep()) {
+        imports.push_back(ReadImport(query));
+      }
+    }
+    return imports;
   });
 }
 

@@ -36,6 +36,9 @@ struct ImportRecord {
   std::optional<std::int64_t> stored_high = {};
   std::optional<Date> first_date = {};  // of the stored rows
   std::optional<Date> last_date = {};
+  // What is known of weights in another unit than the database's: "", "keep" or "convert"; not
+  // written by AddImport.
+  std::string settled = {};
 };
 
 // One row of `ImportedBatches`: one batch of a stored file.
@@ -72,6 +75,9 @@ void AddImportedBatch(SQLite::Database& database, const ImportedBatch& batch);
 // by number and in stored order. Transaction numbers outside 32 bits are left out.
 [[nodiscard]] std::vector<TransactionRecord> ReadUnrecordedBatches(SQLite::Database& database,
                                                                    const Date& day);
+
+// All stores by number.
+[[nodiscard]] std::vector<ImportRecord> ReadImports(SQLite::Database& database);
 
 // The last store, if it was not taken back yet.
 [[nodiscard]] std::optional<ImportRecord> ReadUndoableStore(SQLite::Database& database);

@@ -140,7 +140,8 @@ double ImportUnits::Converted(double weight) const {
   return WeightLimit{weight, pounds ? WeightUnit::kKilograms : WeightUnit::kPounds}.In(unit_);
 }
 
-void SettleImport(SQLite::Database& database, std::int64_t import, Settlement settlement) {
+void SettleImport(SQLite::Database& database, std::int64_t import, Settlement settlement,
+                  const Calendar& calendar) {
   const std::string number = std::to_string(import);
   WithDatabaseErrors(database, [&] {
     SQLite::Transaction transaction(database, SQLite::TransactionBehavior::IMMEDIATE);
@@ -163,6 +164,7 @@ void SettleImport(SQLite::Database& database, std::int64_t import, Settlement se
     update.bind(1, TextOf(settlement));
     update.bind(2, import);
     update.exec();
+    TouchDatabase(database, calendar);
     transaction.commit();
   });
 }

@@ -9,6 +9,7 @@
 
 #include "insight/question.h"
 #include "insight/weight_limit.h"
+#include "platform/calendar.h"
 
 namespace vrx {
 
@@ -57,8 +58,9 @@ class ImportUnits {
   mutable std::size_t next_ = 0;  // the run that the last row was in or before
 };
 
-// Records what the weights of a store are. Throws QuestionError if there is no such store or its
-// unit is the database's, and DatabaseError.
-void SettleImport(SQLite::Database& database, std::int64_t import, Settlement settlement);
+// Records what the weights of a store are, and that the database was modified today. Throws
+// QuestionError if there is no such store or its unit is the database's, and DatabaseError.
+void SettleImport(SQLite::Database& database, std::int64_t import, Settlement settlement,
+                  const Calendar& calendar);
 
 }  // namespace vrx

@@ -30,4 +30,11 @@ const std::optional<std::string>& Question::Name(NameKind kind) const {
   return pen;
 }
 
+void CheckPeriod(const Question& question) {
+  if (question.from && question.to && *question.to < *question.from) {
+    throw QuestionError("The period ends on " + StoredText(*question.to) +
+                        ", before it begins on " + StoredText(*question.from) + ".");
+  }
+}
+
 }  // namespace vrx

@@ -47,6 +47,9 @@ class QuestionError : public Error {
   using Error::Error;
 };
 
+// Throws QuestionError if the period ends before it begins.
+void CheckPeriod(const Question& question);
+
 // Called every few thousand rows with the part that is done, 0 to 100. False cancels. It must not
 // use the connection.
 using InsightProgress = std::function<bool(int percent)>;

@@ -77,13 +77,6 @@ std::string DayCondition(const Question& question) {
   return condition;
 }
 
-void CheckPeriod(const Question& question) {
-  if (question.from && question.to && *question.to < *question.from) {
-    throw QuestionError("The period ends on " + StoredText(*question.to) +
-                        ", before it begins on " + StoredText(*question.from) + ".");
-  }
-}
-
 // Most rows have the date of the row before.
 class DayReader {
  public:

@@ -28,6 +28,7 @@ inline constexpr DayNumber kNoDay = std::numeric_limits<DayNumber>::min();
 [[nodiscard]] std::optional<Date> ToDate(DayNumber day);
 
 inline constexpr std::int32_t kNoTime = -1;
+inline constexpr std::int64_t kSecondsAMinute = 60;
 
 // Which rows a scan reads and which of their columns; all others of a record stay empty.
 enum ReadFlags : unsigned {

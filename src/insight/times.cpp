@@ -14,7 +14,6 @@ namespace {
 
 constexpr std::int64_t kSecondsADay = 24 * 60 * 60;
 constexpr std::int64_t kHalfADay = kSecondsADay / 2;
-constexpr std::int64_t kSecondsAMinute = 60;
 
 // Seconds since 1970-01-01 of the rows of a batch, in stored order.
 struct Clock {

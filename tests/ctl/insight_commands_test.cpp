@@ -1,3 +1,4 @@
+#include <fstream>
 #include <string>
 #include <vector>
 
@@ -31,6 +32,9 @@ class InsightCommands : public CtlTest {
     args.emplace_back("--json");
     EXPECT_EQ(Run(args), 0) << err;
     return Json::parse(out);
+  }
+  static void WriteFile(const std::string& path, const std::string& text) {
+    std::ofstream(path, std::ios::binary) << text;
   }
   int Ask(std::vector<std::string> args) {
     args.insert(args.begin() + 1, transactions);
@@ -125,6 +129,112 @@ TEST_F(InsightCommands, CompositionBalanceAndTimesHaveTheirKeys) {
             R"("leftOut":false,"preparing":null,"waiting":null,"feeding":null}])");
   ASSERT_EQ(Ask({"times", "--csv", "--by", "operator"}), 0);
   EXPECT_THAT(out, HasSubstr("preparing.median,preparing.q1,preparing.q3,waiting.median"));
+}
+
+TEST_F(InsightCommands, DeliveredHasItsKeysAndTakesHeadCounts) {
+  const std::string heads = (folder / "heads.csv").string();
+  WriteFile(heads, "pen,from,heads\nA01,2011-03-01,10\nB77,2011-03-01,10\n");
+  const Json answer = Answer({"delivered", "--heads", heads, "--pen", "A01"});
+  EXPECT_EQ(answer.dump(),
+            R"([{"pen":"A01","date":"2011-03-15","called":1300.0,"delivered":1305.75,)"
+            R"("feedings":2,"mean7":null,"recipe":"STEERS","recipeChanged":true,"first":"09:30",)"
+            R"("firstShift":null,"missed":false,"perHead":130.575}])");
+  ASSERT_EQ(Ask({"delivered", "--heads", heads}), 0);
+  EXPECT_EQ(err, "No record of the answer has the pen 'B77' of the file.\n");
+  WriteFile(heads, "A01,2011-03-01,many\n");
+  EXPECT_EQ(Ask({"delivered", "--heads", heads}), 1);
+  EXPECT_EQ(err, "Error: " + heads + ", line 1: found 'many', expected a number from 0.\n");
+  EXPECT_EQ(Ask({"delivered", "--heads", heads + "x"}), 1);
+  EXPECT_EQ(out, "");
+}
+
+TEST_F(InsightCommands, TraceGoesForwardAndBackward) {
+  EXPECT_EQ(Answer({"trace", "--ingredient", "CORN", "--recipe", "HEIFER"}).dump(),
+            R"([{"transaction":2,"date":"2011-03-15","recipe":"HEIFER","operator":null,)"
+            R"("pen":"A01","weight":495.25,"share":100.0},)"
+            R"({"transaction":2,"date":"2011-03-15","recipe":"HEIFER","operator":null,)"
+            R"("pen":null,"weight":4.75,"share":100.0}])");
+  EXPECT_EQ(Answer({"trace", "--pen", "A01", "--recipe", "HEIFER"}).dump(),
+            R"([{"transaction":2,"date":"2011-03-15","recipe":"HEIFER","operator":null,)"
+            R"("ingredient":"CORN","weight":495.25}])");
+  EXPECT_EQ(Ask({"trace"}), 2);
+  EXPECT_EQ(Ask({"trace", "--pen", "A01", "--ingredient", "CORN"}), 2);
+}
+
+TEST_F(InsightCommands, HoldingIsAsOfTodayOrAnotherDay) {
+  const Json answer = Answer({"holding", "--ingredient", "HAY", "--days", "3"});
+  EXPECT_EQ(answer[0].dump(),
+            R"({"pen":"A01","last":"2011-03-15T14:05","since":null,"until":null,)"
+            R"("state":"unknown","why":"rows that no import accounts for have no date"})");
+  EXPECT_THAT(err, HasSubstr("Pens, not animals"));
+  EXPECT_EQ(
+      Answer({"holding", "--ingredient", "HAY,CORN", "--days", "3", "--on", "2011-03-14"}).size(),
+      0U);
+  for (const std::vector<std::string>& args :
+       {std::vector<std::string>{"holding", "--ingredient", "HAY"},
+        {"holding", "--days", "3"},
+        {"holding", "--ingredient", "HAY", "--days", "0"},
+        {"holding", "--ingredient", "HAY", "--days", "3", "--on", "soon"},
+        {"holding", "--ingredient", "HAY", "--days", "3", "--recipe", "STEERS"},
+        {"holding", "--ingredient", "HAY", "--days", "3", "--from", "2011-03-14"}}) {
+    EXPECT_EQ(Ask(args), 2) << ::testing::PrintToString(args);
+  }
+}
+
+TEST_F(InsightCommands, CompletenessHasItsKeys) {
+  EXPECT_EQ(Answer({"completeness", "--from", "2011-03-14", "--to", "2011-03-15"}).dump(),
+            R"({"from":"2011-03-14","to":"2011-03-15","imports":0,"batches":3,"loads":3,)"
+            R"("deliveries":4,"loaded":2100.5,"fed":2085.75,"notRead":0,"leftOut":0,"missing":[],)"
+            R"("gaps":[],"same":0,"continued":0,"conflicts":0,"neverFed":0,"out":0,)"
+            R"("daysWithout":{"n":0,"days":[]},"oddDates":0,"otherUnits":[],"notRecorded":7})");
+  ASSERT_EQ(Ask({"completeness", "--csv"}), 0);
+  EXPECT_THAT(out, HasSubstr("conflicts,neverFed,out,daysWithout.n,daysWithout.days,oddDates,"));
+  EXPECT_EQ(Ask({"completeness", "--recipe", "STEERS"}), 2);
+}
+
+TEST_F(InsightCommands, ImportsAreListedAndSettled) {
+  EXPECT_EQ(Answer({"imports"}).dump(), "[]");
+  Alter(transactions, R"(
+CREATE TABLE Imports (Number INTEGER PRIMARY KEY AUTOINCREMENT, At TEXT, File TEXT, SHA256 TEXT,
+  Units TEXT, RowsRead INTEGER, Stored INTEGER, LeftOut INTEGER, NotRead INTEGER, Repeated INTEGER,
+  Batches INTEGER, FileLow INTEGER, FileHigh INTEGER, Missing TEXT, StoredLow INTEGER,
+  StoredHigh INTEGER, FirstDate TEXT, LastDate TEXT, Settled TEXT);
+CREATE TABLE ImportedBatches (Import INTEGER, FileNumber INTEGER, [Transaction] INTEGER, State TEXT,
+  Loads TEXT, Feeds TEXT, Rows INTEGER);
+INSERT INTO Imports (At, File, Units, Stored) VALUES ('2011-03-15T20:00:00+01:00', '01.QXT', 'KG', 2);
+INSERT INTO ImportedBatches VALUES (1, 1, 2, 'new', '', '', 2))");
+  ASSERT_EQ(Ask({"balance", "--recipe", "HEIFER", "--all", "--csv"}), 0);
+  EXPECT_EQ(err,
+            "Import 1 (01.QXT) is left out: its 2 rows are in KG, the database is in LB. Say with "
+            "imports --settle whether to keep or to convert them.\n");
+  EXPECT_THAT(out, Not(HasSubstr("HEIFER")));
+  const Json settled = Answer({"imports", "--settle", "1", "convert"});
+  EXPECT_EQ(settled[0]["Settled"], "convert");
+  EXPECT_EQ(settled[0]["Units"], "KG");
+  EXPECT_EQ(settled[0]["FileLow"], nullptr);
+  EXPECT_EQ(Answer({"balance", "--recipe", "HEIFER", "--all"})[0]["loaded"], 1102.3113109243879);
+  EXPECT_EQ(Answer({"completeness"})["otherUnits"].dump(),
+            R"([{"import":1,"file":"01.QXT","units":"KG","settled":"convert"}])");
+  EXPECT_EQ(Ask({"imports", "--settle", "2", "keep"}), 1);
+  EXPECT_EQ(err, "Error: There is no import 2.\n");
+  EXPECT_EQ(Ask({"imports", "--settle", "1", "forget"}), 2);
+  EXPECT_EQ(Ask({"imports", "--settle", "0", "keep"}), 2);
+  EXPECT_EQ(Ask({"imports", "--settle", "1"}), 2);
+  EXPECT_EQ(Ask({"imports", "--recipe", "STEERS"}), 2);
+}
+
+TEST_F(InsightCommands, UseHasItsKeysAndTakesPricesAndStock) {
+  const std::string prices = (folder / "prices.csv").string();
+  const std::string stock = (folder / "stock.csv").string();
+  WriteFile(prices, "CORN,0.5,2011-01-01\n");
+  WriteFile(stock, "CORN,2011-03-01,1000,1000,482\n");
+  EXPECT_EQ(Answer({"use", "--prices", prices, "--stock", stock, "--ingredient", "CORN"}).dump(),
+            R"([{"ingredient":"CORN","used":1498.0,"cost":749.0,"over":0.0,"under":1.0,)"
+            R"("net":-1.0,"shrink":1.0}])");
+  ASSERT_EQ(Ask({"use", "--csv"}), 0);
+  EXPECT_EQ(out,
+            "ingredient,used,cost,over,under,net,shrink\r\n(none),0,,,,,\r\nCORN,1498,,,,,\r\n"
+            "HAY,602.5,,,,,\r\n");
 }
 
 TEST_F(InsightCommands, WrongUsageIsRefused) {

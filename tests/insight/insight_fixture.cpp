@@ -121,4 +121,83 @@ std::vector<std::string> Shown(const Times& answer) {
   return lines;
 }
 
+std::vector<std::string> Shown(const Statement& answer) {
+  std::vector<std::string> lines{
+      std::to_string(answer.imports) + " imports, " + std::to_string(answer.batches) +
+          " batches, " + std::to_string(answer.loads) + " loads " + Shown(answer.loaded) + ", " +
+          std::to_string(answer.deliveries) + " deliveries " + Shown(answer.fed),
+      "not read " + std::to_string(answer.not_read) + ", left out " +
+          std::to_string(answer.left_out) + ", same " + std::to_string(answer.same) +
+          ", continued " + std::to_string(answer.continued) + ", conflicts " +
+          std::to_string(answer.conflicts),
+      "never fed " + std::to_string(answer.never_fed) + ", out " + std::to_string(answer.out) +
+          ", not recorded " + std::to_string(answer.not_recorded)};
+  for (const MissingInFile& missing : answer.missing) {
+    lines.push_back("missing in " + std::to_string(missing.import) + ": " + missing.numbers);
+  }
+  for (const ImportGap& gap : answer.gaps) {
+    lines.push_back("gap " + std::to_string(gap.after) + "/" + std::to_string(gap.before) + ": " +
+                    std::to_string(gap.first) + "-" + std::to_string(gap.last));
+  }
+  std::string days = std::to_string(answer.days_without) + " days without";
+  for (const Date& day : answer.first_days_without) {
+    days += " " + StoredText(day);
+  }
+  lines.push_back(days);
+  for (const OddDate& odd : answer.odd_dates) {
+    lines.push_back("odd in " + std::to_string(odd.import) + ": " + StoredText(odd.date) +
+                    (odd.in_future ? " in the future" : ""));
+  }
+  for (const ImportInOtherUnit& import : answer.other_units) {
+    lines.push_back("import " + std::to_string(import.import) + " in " + import.units + " " +
+                    import.settled);
+  }
+  return lines;
+}
+
+std::vector<std::string> Shown(const std::vector<TraceLine>& trace) {
+  std::vector<std::string> lines;
+  for (const TraceLine& line : trace) {
+    lines.push_back(ShownBatch(line.transaction, line.date, line.recipe, line.operator_id) + " " +
+                    (line.stayed ? "stayed" : Shown(line.pen)) + " " + Shown(line.ingredient) +
+                    " " + Shown(line.weight) + " " + Shown(line.share) + " %");
+  }
+  return lines;
+}
+
+std::vector<std::string> Shown(const std::vector<DeliveredLine>& delivered) {
+  std::vector<std::string> lines;
+  for (const DeliveredLine& line : delivered) {
+    lines.push_back(Shown(line.pen) + " " + StoredText(line.date) + " " + Shown(line.called) + " " +
+                    Shown(line.delivered) + " " + Shown(line.difference) + " x" +
+                    std::to_string(line.feedings) + " mean " + Shown(line.mean7) + " " +
+                    Shown(line.recipe) + (line.recipe_changed ? " changed" : "") + " " +
+                    (line.first ? StoredText(*line.first) : "-") + " " + Shown(line.first_shift) +
+                    (line.missed ? " missed" : "") + " head " + Shown(line.per_head));
+  }
+  return lines;
+}
+
+std::vector<std::string> Shown(const std::vector<HoldingLine>& holding) {
+  const auto text = [](const std::optional<Moment>& moment) {
+    return moment ? TextOf(*moment) : "-";
+  };
+  std::vector<std::string> lines;
+  for (const HoldingLine& line : holding) {
+    lines.push_back(Shown(line.pen) + " " + text(line.last) + " " + text(line.since) + " " +
+                    text(line.until) + " " + std::string(TextOf(line.state)));
+  }
+  return lines;
+}
+
+std::vector<std::string> Shown(const std::vector<UseLine>& use) {
+  std::vector<std::string> lines;
+  for (const UseLine& line : use) {
+    lines.push_back(Shown(line.ingredient) + " " + Shown(std::optional(line.used)) + " cost " +
+                    Shown(line.cost) + " over " + Shown(line.over) + " under " + Shown(line.under) +
+                    " net " + Shown(line.net) + " shrink " + Shown(line.shrink));
+  }
+  return lines;
+}
+
 }  // namespace vrx::testing

@@ -10,7 +10,10 @@
 #include "database/connection.h"
 #include "insight/accuracy.h"
 #include "insight/batches.h"
+#include "insight/completeness.h"
+#include "insight/pens.h"
 #include "insight/question.h"
+#include "insight/use.h"
 #include "support/database_files.h"
 #include "support/temp_folder.h"
 
@@ -54,5 +57,11 @@ std::vector<std::string> Shown(const Accuracy& answer);
 std::vector<std::string> Shown(const std::vector<CompositionLine>& lines);
 std::vector<std::string> Shown(const Balance& answer);
 std::vector<std::string> Shown(const Times& answer);
+std::vector<std::string> Shown(const Statement& answer);
+std::vector<std::string> Shown(const std::vector<TraceLine>& trace);
+std::vector<std::string> Shown(const std::vector<DeliveredLine>& delivered);
+// Without the reasons.
+std::vector<std::string> Shown(const std::vector<HoldingLine>& holding);
+std::vector<std::string> Shown(const std::vector<UseLine>& use);
 
 }  // namespace vrx::testing

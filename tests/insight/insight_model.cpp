@@ -10,6 +10,7 @@
 #include <SQLiteCpp/Transaction.h>
 
 #include "base/date.h"
+#include "database/imports.h"
 
 namespace vrx::testing {
 namespace {
@@ -101,6 +102,63 @@ double Nearest(Wide dividend, Wide divisor) {
   return negative && value != 0 ? -value : value;
 }
 
+// Rows of a store in another unit do not count, or are converted.
+Model::Model(std::vector<ModelRow> rows, std::vector<ModelImport> imports, std::string units)
+    : stored_(std::move(rows)), imports_(std::move(imports)), units_(std::move(units)) {
+  for (ModelRow row : stored_) {
+    const ModelImport* const import = row.import == 0 || !row.number
+                                          ? nullptr
+                                          : &imports_[static_cast<std::size_t>(row.import) - 1];
+    if (import != nullptr && import->units != units_ && import->settled.empty()) {
+      continue;
+    }
+    if (import != nullptr && import->units != units_ && import->settled == "convert") {
+      for (auto* const weight : {&row.target, &row.actual_batch, &row.actual_feed}) {
+        if (*weight) {  // from pounds; the random yards have no other case
+          *weight = static_cast<std::int64_t>(Wide{**weight} * 45'359'237 / 100'000'000);
+        }
+      }
+    }
+    rows_.push_back(row);
+  }
+}
+
+void WriteImports(SQLite::Database& database, const std::vector<ModelRow>& rows,
+                  const std::vector<ModelImport>& imports) {
+  MakeImportTables(database);
+  database.exec("DELETE FROM Imports; DELETE FROM ImportedBatches; DELETE FROM sqlite_sequence");
+  int number = 0;
+  for (const ModelImport& import : imports) {
+    ++number;
+    ImportRecord record{.at = import.at,
+                        .file = std::to_string(number) + ".QXT",
+                        .units = import.units,
+                        .left_out = import.left_out,
+                        .not_read = import.not_read,
+                        .file_low = import.low,
+                        .file_high = import.high,
+                        .missing = import.missing};
+    if (import.first_date) {
+      record.first_date = ParseStoredDate(*import.first_date);
+      record.last_date = ParseStoredDate(*import.last_date);
+    }
+    AddImport(database, record);
+    database.exec("UPDATE Imports SET Settled = nullif('" + import.settled +
+                  "', '') WHERE Number = " + std::to_string(number));
+    std::map<std::int64_t, int> counts;
+    for (const ModelRow& row : rows) {
+      if (row.import == number && row.number) {
+        ++counts[*row.number];
+      }
+    }
+    for (const auto& [transaction, count] : counts) {
+      AddImportedBatch(
+          database,
+          {.import = number, .transaction = static_cast<std::int32_t>(transaction), .rows = count});
+    }
+  }
+}
+
 void Model::WriteTo(SQLite::Database& database) const {
   SQLite::Transaction transaction(database);
   database.exec("DELETE FROM Transactions");
@@ -109,7 +167,7 @@ void Model::WriteTo(SQLite::Database& database) const {
       database,
       "INSERT INTO Transactions ([Transaction], Type, Recipe, UserID, Ingredient, Pen, Target, "
       "ActualBatch, ActualFeed, Date, Time) VALUES (?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?)");
-  for (const ModelRow& row : rows_) {
+  for (const ModelRow& row : stored_) {
     insert.reset();
     if (row.number) {
       insert.bind(1, *row.number);
@@ -128,6 +186,7 @@ void Model::WriteTo(SQLite::Database& database) const {
     BindText(insert, 11, row.time);
     insert.exec();
   }
+  WriteImports(database, stored_, imports_);
   transaction.commit();
 }
 

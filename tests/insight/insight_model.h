@@ -10,6 +10,9 @@
 
 #include "insight/accuracy.h"
 #include "insight/batches.h"
+#include "insight/completeness.h"
+#include "insight/pens.h"
+#include "insight/use.h"
 
 // Every answer of the library worked out once more, plainly and slowly, from rows in memory. Shares
 // only the structs of questions and answers with it.
@@ -32,10 +35,26 @@ struct ModelRow {
   std::optional<std::string> date = {};
   std::optional<std::string> time = {};
 
+  int import = 0;  // 0: no store accounts for it
+
   bool IsLoad() const { return type == "BATCH"; }
   bool IsDelivery() const { return type == "FEED"; }
   Wide Target() const { return target.value_or(0); }
   Wide Actual() const { return (IsLoad() ? actual_batch : actual_feed).value_or(0); }
+};
+
+// A store of a file; its rows are those that name it. Numbers begin with 1.
+struct ModelImport {
+  std::string at = {};  // "2026-01-05T06:30:00+01:00"
+  std::string units = {};
+  std::string settled = {};
+  std::int64_t not_read = 0;
+  std::int64_t left_out = 0;
+  std::string missing = {};
+  std::optional<std::int64_t> low = {};
+  std::optional<std::int64_t> high = {};
+  std::optional<std::string> first_date = {};
+  std::optional<std::string> last_date = {};
 };
 
 // Indexes of the rows of a batch, in stored order.
@@ -43,8 +62,7 @@ using ModelBatch = std::vector<std::size_t>;
 
 class Model {
  public:
-  Model(std::vector<ModelRow> rows, std::string units)
-      : rows_(std::move(rows)), units_(std::move(units)) {}
+  Model(std::vector<ModelRow> rows, std::vector<ModelImport> imports, std::string units);
 
   const std::vector<ModelRow>& Rows() const { return rows_; }
   // Writes the rows in place of those of a database.
@@ -54,6 +72,17 @@ class Model {
   std::vector<CompositionLine> ReadComposition(const Question& question) const;
   Balance ReadBalance(const BalanceQuestion& question) const;
   Times ReadTimes(const TimesQuestion& question) const;
+  Statement ReadStatement(const std::optional<Date>& from, const std::optional<Date>& to) const;
+  std::vector<TraceLine> TraceIngredient(const Question& question) const;
+  // What was loaded of the ingredient in batches with a weight.
+  double LoadedAndTraced(const Question& question) const;
+  std::vector<TraceLine> TracePen(const Question& question) const;
+  std::vector<HoldingLine> ReadHolding(const HoldingQuestion& question) const;
+  std::vector<DeliveredLine> ReadDelivered(const Question& question,
+                                           const std::vector<HeadCount>& heads) const;
+  std::vector<UseLine> ReadUse(const UseQuestion& question) const;
+
+  const std::vector<ModelImport>& Imports() const { return imports_; }
 
  private:
   std::vector<ModelBatch> Batches() const;
@@ -64,8 +93,13 @@ class Model {
   AccuracyFigures Figures(std::vector<ModelRow> loads, const AccuracyQuestion& question) const;
   std::string KeyOf(AccuracyKey key, const ModelRow& row, const ModelBatch& batch) const;
 
-  std::vector<ModelRow> rows_ = {};
-  std::string units_ = {};
+  // Whether records of these days are known to be incomplete.
+  bool IsIncomplete(const std::optional<std::string>& from, const std::string& to) const;
+
+  std::vector<ModelRow> stored_;  // all
+  std::vector<ModelRow> rows_;    // those that count, in the database's unit
+  std::vector<ModelImport> imports_;
+  std::string units_;
 };
 
 // What is not a name: NULL, an empty text and, of a user, "-1".

@@ -21,6 +21,8 @@ class YardMaker {
             Below(5));
     odd_ = Below(3) == 0 ? 0 : Below(12);
     bias_ = Below(4) == 0 ? -1 : 0;
+    units_ = Chance(2) ? "KG" : "LB";
+    imported_ = !Chance(4);
     first_day_ =
         std::chrono::sys_days(*ParseStoredDate("2025-12-26")) + std::chrono::days(Below(8));
   }
@@ -35,13 +37,52 @@ class YardMaker {
       }
     }
     Store(waiting);
-    return {rows_, Chance(2) ? "KG" : "LB"};
+    if (imported_) {
+      MakeImports();
+    }
+    return {rows_, imports_, units_};
   }
 
  private:
   std::size_t Below(std::size_t limit) { return engine_() % limit; }
   bool Chance(std::size_t in) { return Below(in) == 0; }
   bool Odd() { return Below(100) < odd_; }
+
+  // Each store has rows in a row; what was stored before the first one is not recorded.
+  void MakeImports() {
+    const bool faulty = Chance(2);
+    std::size_t row = Chance(5) ? Below(rows_.size() + 1) : 0;
+    while (row < rows_.size()) {
+      const std::size_t end = std::min(rows_.size(), row + 1 + Below(60));
+      ModelImport import{.units = units_};
+      if (faulty && Chance(6)) {
+        const bool exact = units_ == "KG" && step_ % (kBillion / 10) == 0;
+        import.units = units_ == "KG" ? "LB" : "KG";
+        import.settled = Pick({"", "keep", exact ? "convert" : "keep"});
+      }
+      for (; row < end; ++row) {
+        rows_[row].import = static_cast<int>(imports_.size()) + 1;
+        if (const auto& date = rows_[row].date; date && ParseStoredDate(*date)) {
+          import.first_date = std::min(import.first_date.value_or(*date), *date);
+          import.last_date = std::max(import.last_date.value_or(*date), *date);
+        }
+      }
+      const auto stored = ParseStoredDate(import.last_date.value_or("2026-01-03"));
+      const int after = Chance(9) ? -1 : static_cast<int>(Below(3));
+      import.at = StoredText(Date(std::chrono::sys_days(*stored) + std::chrono::days(after))) +
+                  "T06:30:00+01:00";
+      if (faulty && Chance(4)) {
+        import.not_read = static_cast<std::int64_t>(Below(2));
+        import.left_out = static_cast<std::int64_t>(Below(2));
+        import.missing = Chance(3) ? "3-5,9" : "";
+      }
+      if (!Chance(4)) {
+        import.low = static_cast<std::int64_t>(Below(20));
+        import.high = *import.low + static_cast<std::int64_t>(Below(9));
+      }
+      imports_.push_back(import);
+    }
+  }
 
   void Store(std::vector<ModelRow>& waiting) {
     if (Chance(4)) {
@@ -124,7 +165,7 @@ class YardMaker {
   }
 
   ModelRow Load(ModelRow row, int minutes) {
-    row.type = Odd() ? "OTHER" : "BATCH";
+    row.type = Odd() && !imported_ ? "OTHER" : "BATCH";
     row.ingredient = Name({"CORN", "HAY", "Corn", "MINERAL", "MEDICATED"});
     const std::int64_t target = Weight(1 + static_cast<std::int64_t>(Below(900)));
     row.target = OrNull(target);
@@ -161,6 +202,9 @@ class YardMaker {
   std::chrono::sys_days first_day_;
   std::int64_t number_ = 0;
   std::vector<ModelRow> rows_;
+  std::vector<ModelImport> imports_;
+  std::string units_;
+  bool imported_ = false;
 };
 
 }  // namespace

@@ -4,11 +4,13 @@
 
 #include <gmock/gmock.h>
 
+#include "database/identity.h"
 #include "database/imports.h"
 #include "insight/accuracy.h"
 #include "insight/batches.h"
 #include "insight/import_units.h"
 #include "insight/insight_fixture.h"
+#include "support/fixed_calendar.h"
 
 namespace vrx::testing {
 namespace {
@@ -133,6 +135,8 @@ class ImportsInAnotherUnit : public Selection {
     Add(3, "LB", {{1, 1}});
   }
 
+  FixedCalendar calendar;
+
   void Add(int number, const std::string& units, std::vector<std::pair<int, int>> batches) {
     ImportRecord import{.file = std::to_string(number) + ".QXT", .units = units};
     AddImport(database, import);
@@ -149,27 +153,29 @@ TEST_F(ImportsInAnotherUnit, AreLeftOutUntilTheyAreSettled) {
   EXPECT_EQ(LoadedSum({.from = Day("2026-01-05")}), 1100);
   EXPECT_THAT(ReadAccuracy(database, {}).notes.left_out,
               ElementsAre(LeftOutImport{.import = 2, .file = "2.QXT", .units = "KG", .rows = 2}));
-  SettleImport(database, 2, Settlement::kKeep);
+  database.exec("UPDATE History SET Modified = NULL");
+  SettleImport(database, 2, Settlement::kKeep, calendar);
+  EXPECT_TRUE(ReadDateField(database, kModifiedField));
   EXPECT_EQ(LoadedSum(), 1155.359237);
   EXPECT_THAT(ReadAccuracy(database, {}).notes.left_out, ElementsAre());
-  SettleImport(database, 2, Settlement::kConvert);
+  SettleImport(database, 2, Settlement::kConvert, calendar);
   EXPECT_EQ(LoadedSum({.from = Day("2026-01-05")}), 1222.046226218487757);  // 22.046... and 100
   EXPECT_EQ(ReadBalance(database, {}).lines[1].loaded, 100);
-  SettleImport(database, 2, Settlement::kOpen);
+  SettleImport(database, 2, Settlement::kOpen, calendar);
   EXPECT_EQ(LoadedSum(), 1100);
 }
 
 TEST_F(ImportsInAnotherUnit, AreThoseThatDifferFromTheDatabase) {
   SetUnit("KG");
   EXPECT_EQ(LoadedSum(), 55.359237);
-  SettleImport(database, 1, Settlement::kConvert);
+  SettleImport(database, 1, Settlement::kConvert, calendar);
   EXPECT_EQ(LoadedSum(), 100.718474);
 }
 
 TEST_F(ImportsInAnotherUnit, AloneCanBeSettled) {
-  EXPECT_EQ(ErrorOf([&] { SettleImport(database, 1, Settlement::kKeep); }),
+  EXPECT_EQ(ErrorOf([&] { SettleImport(database, 1, Settlement::kKeep, calendar); }),
             "The weights of import 1 are in LB, the database's unit: there is nothing to settle.");
-  EXPECT_EQ(ErrorOf([&] { SettleImport(database, 9, Settlement::kKeep); }),
+  EXPECT_EQ(ErrorOf([&] { SettleImport(database, 9, Settlement::kKeep, calendar); }),
             "There is no import 9.");
 }
 

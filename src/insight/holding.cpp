@@ -1,0 +1,338 @@
+#include <algorithm>
+#include <chrono>
+#include <cstddef>
+#include <map>
+#include <set>
+#include <utility>
+
+#include <SQLiteCpp/Column.h>
+#include <SQLiteCpp/Statement.h>
+
+#include "database/connection.h"
+#include "insight/completeness.h"
+#include "insight/names.h"
+#include "insight/pens.h"
+#include "insight/record_reader.h"
+#include "insight/weight_limit.h"
+
+namespace vrx {
+namespace {
+
+constexpr std::int64_t kMinutesADay = 24 * 60;
+
+using Minutes = std::int64_t;  // since 1970-01-01
+
+std::optional<Moment> MomentOf(const std::optional<Minutes>& minutes) {
+  if (!minutes) {
+    return std::nullopt;
+  }
+  const std::chrono::sys_time<std::chrono::minutes> time{std::chrono::minutes(*minutes)};
+  const auto day = std::chrono::floor<std::chrono::days>(time);
+  const auto of_day = static_cast<int>((time - day).count());
+  return Moment{.date = Date(day), .time = {of_day / 60, of_day % 60, 0}};
+}
+
+struct HeldBatch {
+  Exact left = {};      // loaded - fed
+  bool held = false;    // a load of one of the ingredients
+  bool counts = false;  // has a row up to the day
+};
+
+struct HeldDelivery {
+  NameId pen;
+  std::uint32_t batch;
+  DayNumber day;
+  std::int32_t seconds;
+};
+
+// Days whose records are known to be incomplete, and why.
+struct Incomplete {
+  std::optional<DayNumber> first = {};  // nothing: every day
+  std::optional<DayNumber> last = {};
+  std::string why = {};
+
+  [[nodiscard]] bool Touches(const std::optional<DayNumber>& from, DayNumber to) const {
+    return (!from || !last || *last >= *from) && (!first || *first <= to);
+  }
+};
+
+std::string Plural(std::int64_t count, const std::string& one, const std::string& more) {
+  return std::to_string(count) + " " + (count == 1 ? one : more);
+}
+
+// A store that did not read or store everything. What it lacks can be of any day up to that of the
+// store.
+void AddImports(SQLite::Database& database, const InsightNotes& notes,
+                std::vector<Incomplete>& incomplete) {
+  for (const ImportRecord& import : ReadImports(database)) {
+    const ImportDays days = DaysOf(import);
+    Incomplete found{.why = "import " + std::to_string(import.number) + " has "};
+    found.first = days.first ? std::optional(ToDayNumber(days.first)) : std::nullopt;
+    found.last = days.last
+                     ? std::optional(std::max(ToDayNumber(days.last), ToDayNumber(days.stored)))
+                     : std::nullopt;
+    const bool other_unit =
+        std::any_of(notes.left_out.begin(), notes.left_out.end(),
+                    [&](const LeftOutImport& left) { return left.import == import.number; });
+    if (import.not_read > 0) {
+      found.why += Plural(import.not_read, "feed record", "feed records") + " not read";
+    } else if (import.left_out > 0) {
+      found.why += Plural(import.left_out, "row", "rows") + " left out";
+    } else if (!import.missing.empty()) {
+      found.why += "missing numbers " + import.missing;
+    } else if (other_unit) {
+      found.why += "weights in another unit that are not settled";
+    } else {
+      continue;
+    }
+    incomplete.push_back(std::move(found));
+  }
+}
+
+// Rows that no store accounts for: the first ones of each transaction that has more than its stores
+// have written.
+void AddUnrecorded(SQLite::Database& database, std::vector<Incomplete>& incomplete) {
+  const std::string recorded =
+      HasImportTables(database)
+          ? "(SELECT ifnull(sum(Rows), 0) FROM ImportedBatches WHERE [Transaction] = Number)"
+          : "0";
+  SQLite::Statement more(
+      database,
+      "SELECT Number, Stored - " + recorded +
+          " AS More FROM (SELECT [Transaction] AS Number, count(*) AS Stored FROM Transactions "
+          "GROUP BY [Transaction]) WHERE More > 0 OR Number IS NULL");
+  SQLite::Statement rows(database,
+                         "SELECT [Date] FROM Transactions WHERE [Transaction] IS ?1 ORDER BY rowid "
+                         "LIMIT ?2");
+  std::set<DayNumber> days;
+  while (more.executeStep()) {
+    rows.reset();
+    if (more.getColumn(0).isNull()) {
+      rows.bind(1);
+    } else {
+      rows.bind(1, more.getColumn(0).getInt64());
+    }
+    rows.bind(2, more.getColumn(1).getInt64());
+    while (rows.executeStep()) {
+      days.insert(ToDayNumber(ParseStoredDate(rows.getColumn(0).getString())));
+    }
+  }
+  for (const DayNumber day : days) {
+    Incomplete found{.why = "rows that no import accounts for"};
+    if (day != kNoDay) {
+      found.first = found.last = day;
+      found.why += " are stored of " + StoredText(*ToDate(day));
+    } else {
+      found.why += " have no date";
+    }
+    incomplete.push_back(std::move(found));
+  }
+}
+
+// What of a pen is known.
+struct PenState {
+  std::optional<Minutes> last = {};
+  std::optional<Minutes> since = {};
+  std::string undated = {};   // why a delivery is in no order
+  std::string leftover = {};  // why a left-over may have reached it since `since`
+};
+
+class HoldingAnswer {
+ public:
+  HoldingAnswer(SQLite::Database& database, const HoldingQuestion& question,
+                const InsightProgress& progress)
+      : database_(database),
+        question_(question),
+        about_{.pen = question.pen},
+        on_(ToDayNumber(question.on)),
+        division_(CheckedLimit(question.division, "division")) {
+    for (const std::string& ingredient : question.ingredients) {
+      CheckNames(database, {.ingredient = ingredient});
+    }
+    CheckNames(database, about_);
+    reader_.emplace(database, all_, progress);
+    for (const std::string& ingredient : question.ingredients) {
+      ingredients_.insert(reader_->IdOf(ingredient, NameKind::kIngredient));
+    }
+  }
+
+  Holding Read() {
+    reader_->Read(
+        kReadBoth | kReadBatch | kReadIngredient | kReadPen | kReadWeights | kReadDate | kReadTime,
+        [this](const Record& record) { Take(record); });
+    FindFollowers();
+    Holding answer;
+    answer.notes = reader_->Notes();
+    AddImports(database_, answer.notes, incomplete_);
+    AddUnrecorded(database_, incomplete_);
+    const NameId wanted = reader_->IdOf(question_.pen, NameKind::kPen);
+    for (auto& [pen, deliveries] : deliveries_) {
+      if (wanted == kNoName || pen == wanted) {
+        answer.lines.push_back(LineOf(pen, deliveries));
+      }
+    }
+    std::sort(answer.lines.begin(), answer.lines.end(),
+              [](const auto& left, const auto& right) { return left.pen < right.pen; });
+    return answer;
+  }
+
+ private:
+  // A row without a date may be of any day. A load counts then and a delivery gives back nothing,
+  // so that no ingredient and no left-over is lost.
+  void Take(const Record& record) {
+    batches_.resize(reader_->Batches().size());
+    HeldBatch& batch = batches_[record.batch];
+    if (record.day != kNoDay && record.day > on_) {
+      return;
+    }
+    batch.counts = true;
+    if (record.is_load) {
+      batch.left += record.actual;
+      batch.held = batch.held || ingredients_.contains(record.ingredient);
+      return;
+    }
+    if (record.day != kNoDay) {
+      batch.left -= record.actual;
+    }
+    deliveries_[record.pen].push_back({record.pen, record.batch, record.day, record.seconds});
+  }
+
+  // The batches with the next higher number after one that held an ingredient and has a left-over.
+  void FindFollowers() {
+    std::map<std::int64_t, std::uint32_t> by_number;
+    for (std::uint32_t index = 0; index < batches_.size(); ++index) {
+      if (const auto number = reader_->Batches()[index].number; number && batches_[index].counts) {
+        by_number[*number] = index;
+      }
+    }
+    for (auto batch = by_number.begin(); batch != by_number.end(); ++batch) {
+      const auto next = std::next(batch);
+      if (next != by_number.end() && batches_[batch->second].held &&
+          batches_[batch->second].left > division_) {
+        followers_[next->second] = batch->first;
+      }
+    }
+  }
+
+  // In order of date and time, equal minutes in stored order. With a delivery that has no place in
+  // this order the pen is unknown.
+  PenState StateOf(std::vector<HeldDelivery>& deliveries) const {
+    PenState state;
+    const auto minutes = [](const HeldDelivery& delivery) -> Minutes {
+      return delivery.day * kMinutesADay +
+             (delivery.seconds == kNoTime ? 0 : delivery.seconds / kSecondsAMinute);
+    };
+    std::vector<HeldDelivery> ordered;
+    for (const HeldDelivery& delivery : deliveries) {
+      if (delivery.day == kNoDay || delivery.seconds == kNoTime) {
+        state.undated = "a delivery has no date or time";
+      }
+      if (delivery.day != kNoDay) {
+        ordered.push_back(delivery);
+      }
+    }
+    std::stable_sort(ordered.begin(), ordered.end(), [&](const auto& one, const auto& other) {
+      return minutes(one) < minutes(other);
+    });
+    for (const HeldDelivery& delivery : ordered) {
+      if (batches_[delivery.batch].held) {
+        state.last = minutes(delivery);
+        state.since = std::nullopt;
+        state.leftover.clear();
+        continue;
+      }
+      if (state.last && !state.since) {
+        state.since = minutes(delivery);
+      }
+      if (const auto follower = followers_.find(delivery.batch); follower != followers_.end()) {
+        state.leftover = "batch " + std::to_string(*reader_->Batches()[delivery.batch].number) +
+                         " may have had what was left of batch " + std::to_string(follower->second);
+      }
+    }
+    return state;
+  }
+
+  HoldingLine LineOf(NameId pen, std::vector<HeldDelivery>& deliveries) const {
+    const PenState state = StateOf(deliveries);
+    HoldingLine line{.pen = reader_->NamesOf(NameKind::kPen).Name(pen),
+                     .last = MomentOf(state.last),
+                     .since = MomentOf(state.since)};
+    std::optional<Minutes> until;
+    if (state.since) {
+      until = *state.since + question_.days * kMinutesADay;
+    }
+    line.until = MomentOf(until);
+    if (!state.last) {
+      line.state = HoldingState::kNotInTheRecords;
+    } else if (!until) {
+      line.state = HoldingState::kHeld;
+      line.why = "no delivery without the ingredient since";
+    } else {
+      const bool passed = *until <= (Minutes{on_} + 1) * kMinutesADay;
+      line.state = passed ? HoldingState::kPassed : HoldingState::kHeld;
+    }
+    if (std::string why = UnknownWhy(state); !why.empty()) {
+      line.state = HoldingState::kUnknown;
+      line.why = std::move(why);
+    }
+    return line;
+  }
+
+  [[nodiscard]] std::string UnknownWhy(const PenState& state) const {
+    std::optional<DayNumber> from;
+    if (state.last) {
+      from = ToDayNumber(MomentOf(state.last)->date);
+    }
+    for (const Incomplete& incomplete : incomplete_) {
+      if (incomplete.Touches(from, on_)) {
+        return incomplete.why;
+      }
+    }
+    return state.undated.empty() ? state.leftover : state.undated;
+  }
+
+  SQLite::Database& database_;
+  const HoldingQuestion& question_;
+  const Question about_;  // the pen
+  const Question all_ = {};
+  DayNumber on_;
+  Exact division_;
+  std::optional<RecordReader> reader_;
+  std::set<NameId> ingredients_;
+  std::vector<HeldBatch> batches_;
+  std::map<NameId, std::vector<HeldDelivery>> deliveries_;
+  std::map<std::uint32_t, std::int64_t> followers_;  // and the number of the batch before
+  std::vector<Incomplete> incomplete_;
+};
+
+}  // namespace
+
+std::string_view TextOf(HoldingState state) {
+  switch (state) {
+    case HoldingState::kHeld:
+      return "held";
+    case HoldingState::kPassed:
+      return "passed";
+    case HoldingState::kUnknown:
+      return "unknown";
+    case HoldingState::kNotInTheRecords:
+      break;
+  }
+  return "not in the records";
+}
+
+std::string TextOf(const Moment& moment) {
+  constexpr std::size_t kHoursAndMinutes = 5;
+  return StoredText(moment.date) + "T" + StoredText(moment.time).substr(0, kHoursAndMinutes);
+}
+
+Holding ReadHolding(SQLite::Database& database, const HoldingQuestion& question,
+                    const InsightProgress& progress) {
+  if (question.ingredients.empty() || question.days < 1) {
+    throw QuestionError("holding is of an ingredient, for one day or more");
+  }
+  return WithDatabaseErrors(database,
+                            [&] { return HoldingAnswer(database, question, progress).Read(); });
+}
+
+}  // namespace vrx
