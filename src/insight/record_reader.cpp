@@ -40,6 +40,8 @@ enum Cell {
   kTime
 };
 
+bool Counts(std::string_view type) { return type == kLoadType || type == kDeliveryType; }
+
 // NULL stands for a column that is not read.
 std::string ColumnsOf(unsigned flags) {
   const auto column = [flags](unsigned flag, const char* name) {
@@ -195,8 +197,7 @@ void RecordReader::Take(Scan& scan, sqlite3_value** row) {
   }
   const std::string_view type = TextIn(row[kType]);
   record.is_load = type == kLoadType;
-  if ((!record.is_load && type != kDeliveryType) ||
-      units_.UseOf(record.rowid) == ImportUnits::Use::kLeftOut) {
+  if (!Counts(type) || units_.UseOf(record.rowid) == ImportUnits::Use::kLeftOut) {
     return;
   }
   const bool with_batch = chooses_ || (scan.flags & kReadBatch) != 0;
@@ -377,12 +378,12 @@ void RecordReader::FindRows() {
 void RecordReader::ReadPeriod(DatedRows& dated) {
   DayReader days;
   RowScan rows(
-      database_, "rowid, [Transaction], Type = 'BATCH', [Date]",
-      "FROM Transactions WHERE " + DayCondition(question_) + " AND Type IN ('BATCH', 'FEED')",
-      [&](sqlite3_value** row) {
+      database_, "rowid, [Transaction], Type, [Date]",
+      "FROM Transactions WHERE " + DayCondition(question_), [&](sqlite3_value** row) {
         const std::int64_t rowid = sqlite3_value_int64(row[0]);
         const DayNumber day = days.Read(TextIn(row[3]));
-        if (day == kNoDay || units_.UseOf(rowid) == ImportUnits::Use::kLeftOut) {
+        const std::string_view type = TextIn(row[2]);
+        if (day == kNoDay || !Counts(type) || units_.UseOf(rowid) == ImportUnits::Use::kLeftOut) {
           return;
         }
         if (sqlite3_value_type(row[1]) != SQLITE_INTEGER) {
@@ -392,8 +393,7 @@ void RecordReader::ReadPeriod(DatedRows& dated) {
           return;
         }
         FirstRows& rows_of = dated[sqlite3_value_int64(row[1])];
-        const bool is_load = sqlite3_value_int(row[2]) != 0;
-        DatedRow& first_row = is_load ? rows_of.load : rows_of.delivery;
+        DatedRow& first_row = type == kLoadType ? rows_of.load : rows_of.delivery;
         if (rowid < first_row.rowid) {
           first_row = {.rowid = rowid, .day = day};
         }
@@ -427,13 +427,13 @@ void RecordReader::ChooseByPeriod(const DatedRows& dated) {
     }
     rowids.clear();
   };
-  RowScan rows(database_, "number, is_load, row",
-               "FROM (SELECT [Transaction] AS number, Type = 'BATCH' AS is_load, rowid AS row FROM "
-               "Transactions WHERE [Transaction] IN (SELECT value FROM json_each(?1)) AND Type IN "
-               "('BATCH', 'FEED') ORDER BY [Transaction], Type, rowid)",
+  RowScan rows(database_, "number, kind, row",
+               "FROM (SELECT [Transaction] AS number, Type AS kind, rowid AS row FROM Transactions "
+               "WHERE [Transaction] IN (SELECT value FROM json_each(?1)) ORDER BY [Transaction])",
                [&](sqlite3_value** row) {
                  const std::int64_t rowid = sqlite3_value_int64(row[2]);
-                 if (units_.UseOf(rowid) == ImportUnits::Use::kLeftOut) {
+                 const std::string_view type = TextIn(row[1]);
+                 if (!Counts(type) || units_.UseOf(rowid) == ImportUnits::Use::kLeftOut) {
                    return;
                  }
                  if (const std::int64_t next = sqlite3_value_int64(row[0]); number != next) {
@@ -441,7 +441,7 @@ void RecordReader::ChooseByPeriod(const DatedRows& dated) {
                    number = next;
                    first = {};
                  }
-                 DatedRow& first_row = sqlite3_value_int(row[1]) != 0 ? first.load : first.delivery;
+                 DatedRow& first_row = type == kLoadType ? first.load : first.delivery;
                  first_row.rowid = std::min(first_row.rowid, rowid);
                  rowids.push_back(rowid);
                });
