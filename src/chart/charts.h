@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "base/date.h"
+#include "chart/deviation_loads.h"
 #include "chart/look.h"
 #include "chart/picture.h"
 #include "insight/accuracy.h"
@@ -25,14 +26,8 @@ struct ChartTexts {
   std::string how = {};  // how the figure is made
 };
 
-// Each load's deviation from its target. A million loads are drawn as one mark for each place that
-// they share.
-struct DeviationLoad {
-  double day = 0;      // DayNumber of the date, with the time as a part of a day
-  double percent = 0;  // 100 (A - T) / T
-  std::int64_t record = 0;
-};
-
+// Each load's deviation from its target. Many loads are drawn as one mark for each place of the
+// plot.
 struct DeviationDay {
   Date date = {};
   double median = 0;  // in percent

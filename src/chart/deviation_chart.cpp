@@ -10,6 +10,7 @@
 #include "base/number.h"
 #include "base/translation.h"
 #include "chart/charts.h"
+#include "chart/deviation_loads.h"
 #include "chart/scale.h"
 #include "chart/sheet.h"
 #include "chart/time_plot.h"
@@ -19,8 +20,8 @@ namespace {
 
 constexpr std::size_t kMostSingleDots = 1500;
 constexpr double kSingleDot = 4.5;
-constexpr double kPlace = 4;                                         // width and height
-constexpr std::array<double, 4> kDotOfPlace = {1.8, 2.6, 3.4, 4.2};  // from one load to the most
+constexpr double kPlace = 4;                                        // width and height
+constexpr std::array<double, 4> kSizeOfPlace = {1.6, 2.4, 3, 3.5};  // from one load to the most
 constexpr double kMostDaysWithMedianMarks = 62;
 
 bool IsDrawable(const DeviationLoad& load) {
@@ -33,20 +34,39 @@ struct DeviationRangeOfAxes {
   ValueAxis axis = {};
 };
 
+std::int64_t LoadsOf(const DeviationLoad& entry) { return std::max<std::int64_t>(entry.loads, 1); }
+
+std::int64_t SumOfLoads(const std::vector<DeviationLoad>& entries) {
+  std::int64_t sum = 0;
+  for (const DeviationLoad& entry : entries) {
+    sum += LoadsOf(entry);
+  }
+  return sum;
+}
+
 DeviationRangeOfAxes AxesOf(const DeviationChart& chart) {
   DeviationRangeOfAxes axes;
+  // An entry counts once for each load; of very many loads only a part is counted.
+  constexpr double kMostCounted = 100000;
+  const auto total = static_cast<double>(SumOfLoads(chart.loads));
+  const double part = std::min(1.0, kMostCounted / std::max(total, 1.0));
+  double counted = 0;
   std::vector<double> percents;
-  percents.reserve(chart.loads.size());
+  double lowest = 0;
+  double highest = 0;
   for (const DeviationLoad& load : chart.loads) {
-    if (IsDrawable(load)) {
-      axes.first_day = std::min(axes.first_day, std::floor(load.day));
-      axes.last_day = std::max(axes.last_day, std::floor(load.day) + 1);
-      percents.push_back(load.percent);
+    if (!IsDrawable(load)) {
+      continue;
     }
+    axes.first_day = std::min(axes.first_day, std::floor(load.day));
+    axes.last_day = std::max(axes.last_day, std::floor(load.day) + 1);
+    lowest = std::min(lowest, load.percent);
+    highest = std::max(highest, load.percent);
+    const double before = std::floor(counted);
+    counted += static_cast<double>(LoadsOf(load)) * part;
+    percents.insert(percents.end(), static_cast<std::size_t>(std::floor(counted) - before),
+                    load.percent);
   }
-  const auto [least, most] = std::minmax_element(percents.begin(), percents.end());
-  const double lowest = percents.empty() ? 0 : *least;
-  const double highest = percents.empty() ? 0 : *most;
   const double reach = ReachOf(percents, 2.5 * chart.limit);
   axes.axis = {.title = Tr("Deviation (%)"),
                .from = -reach,
@@ -76,16 +96,16 @@ void AddSingleLoads(Sheet& sheet, const TimePlot& plot, const DeviationChart& ch
 }
 
 // By the logarithm: few loads at the edge are told apart, as many in the middle are.
-std::size_t DotSize(std::size_t loads, std::size_t most) {
+std::size_t SizeOfPlace(std::size_t loads, std::size_t most) {
   if (loads <= 1) {
     return 0;
   }
   const double part = std::log(static_cast<double>(loads)) / std::log(static_cast<double>(most));
-  constexpr auto kLargest = static_cast<double>(kDotOfPlace.size() - 1);
+  constexpr auto kLargest = static_cast<double>(kSizeOfPlace.size() - 1);
   return static_cast<std::size_t>(std::clamp(std::ceil(part * kLargest), 1.0, kLargest));
 }
 
-// One dot for each square with a load, whose size says how many: the time to draw does not grow
+// One mark for each square with a load, whose size says how many: the time to draw does not grow
 // with the loads, and a single one stays visible.
 void AddPlaces(Sheet& sheet, const TimePlot& plot, const DeviationChart& chart) {
   const QRectF& area = plot.Plot();
@@ -102,16 +122,17 @@ void AddPlaces(Sheet& sheet, const TimePlot& plot, const DeviationChart& chart) 
     const auto column = std::min(static_cast<std::size_t>(at.x() / kPlace), columns - 1);
     const auto row = std::min(static_cast<std::size_t>(at.y() / kPlace), rows - 1);
     Place& place = places[row * columns + column];
-    if (place.loads++ == 0 ||
+    if (place.loads == 0 ||
         std::abs(load.percent) > std::abs(chart.loads[place.farthest].percent)) {
       place.farthest = i;
     }
+    place.loads += static_cast<std::size_t>(LoadsOf(load));
     most = std::max(most, place.loads);
   }
-  std::array<DotsShape, kDotOfPlace.size()> dots;
+  std::array<DotsShape, kSizeOfPlace.size()> dots;
   for (std::size_t i = 0; i < places.size(); ++i) {
     if (places[i].loads > 0) {
-      const std::size_t size = DotSize(places[i].loads, most);
+      const std::size_t size = SizeOfPlace(places[i].loads, most);
       const QRectF square(area.left() + static_cast<double>(i % columns) * kPlace,
                           area.top() + static_cast<double>(i / columns) * kPlace, kPlace, kPlace);
       dots[size].at.push_back(square.center());
@@ -119,7 +140,8 @@ void AddPlaces(Sheet& sheet, const TimePlot& plot, const DeviationChart& chart) 
     }
   }
   for (std::size_t size = 0; size < dots.size(); ++size) {
-    dots[size].size = kDotOfPlace[size];
+    dots[size].symbol = Symbol::kSquare;  // fills faster than a dot
+    dots[size].size = kSizeOfPlace[size];
     sheet.Add(Layer::kMark, std::move(dots[size]));
   }
 }
@@ -150,9 +172,12 @@ Picture PictureOf(const DeviationChart& chart, QSizeF size, const Look& look) {
   if (axes.first_day > axes.last_day) {
     return sheet.FinishEmpty(Tr("No loads to show"));
   }
-  const bool many = chart.loads.size() > kMostSingleDots;
-  std::vector<LegendEntry> legend = {
-      {LegendMark::kSymbol, Ink::kFirst, many ? Tr("Load (larger: more loads)") : Tr("Load")}};
+  const bool many =
+      chart.loads.size() > kMostSingleDots ||
+      std::ranges::any_of(chart.loads, [](const DeviationLoad& load) { return load.loads > 1; });
+  std::vector<LegendEntry> legend = {{LegendMark::kSymbol, Ink::kFirst,
+                                      many ? Tr("Load (larger: more loads)") : Tr("Load"),
+                                      many ? Symbol::kSquare : Symbol::kDot}};
   if (!chart.days.empty()) {
     legend.push_back({LegendMark::kLine, Ink::kSecond, Tr("Median of the day")});
   }

@@ -30,12 +30,12 @@ class Painting {
     }
     if (shape.line) {
       QPen pen(ColorOf(*shape.line, look_.dark), shape.width);
-      pen.setCapStyle(Qt::FlatCap);
       pen.setJoinStyle(Qt::RoundJoin);
       if (shape.dashed) {
         pen.setDashPattern({5, 3});
       }
-      painter_.strokePath(shape.path, pen);
+      pen.setCapStyle(shape.path.elementCount() > kPiece ? Qt::RoundCap : Qt::FlatCap);
+      shape.dashed ? painter_.strokePath(shape.path, pen) : StrokeInPieces(shape.path, pen);
     }
   }
 
@@ -54,7 +54,7 @@ class Painting {
                                                 at + QPointF(0, half), at + QPointF(-half, 0)}));
           break;
         case Symbol::kSquare:
-          painter_.drawRect(QRectF(at.x() - half, at.y() - half, shape.size, shape.size));
+          painter_.fillRect(QRectF(at.x() - half, at.y() - half, shape.size, shape.size), color);
           break;
         case Symbol::kCross:
           painter_.drawLine(at + QPointF(-half, -half), at + QPointF(half, half));
@@ -71,6 +71,26 @@ class Painting {
   }
 
  private:
+  static constexpr int kPiece = 16;  // elements of a path
+
+  // The time to stroke a path grows faster than its length.
+  void StrokeInPieces(const QPainterPath& path, const QPen& pen) const {
+    QPainterPath piece;
+    for (int i = 0; i < path.elementCount(); ++i) {
+      const QPainterPath::Element element = path.elementAt(i);
+      if (element.isMoveTo()) {
+        piece.moveTo(element);
+        continue;
+      }
+      piece.lineTo(element);
+      if (piece.elementCount() >= kPiece) {
+        painter_.strokePath(piece, pen);
+        piece = QPainterPath(element);
+      }
+    }
+    painter_.strokePath(piece, pen);
+  }
+
   QPainter& painter_;
   const Look& look_;
 };

@@ -101,7 +101,7 @@ TEST(DeviationPicture, ManyLoadsShareMarksAndNoneIsLost) {
   }
   EXPECT_EQ(loads, chart.loads.size());
   EXPECT_LT(picture.hits.size(), 8000U);
-  EXPECT_EQ(SymbolsOf(picture, Symbol::kDot, Ink::kFirst).size(), picture.hits.size());
+  EXPECT_EQ(SymbolsOf(picture, Symbol::kSquare, Ink::kFirst).size(), picture.hits.size());
 }
 
 TEST(DeviationPicture, AMarkOfManyLeadsToTheFarthestLoad) {

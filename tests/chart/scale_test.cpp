@@ -12,7 +12,7 @@ namespace {
 using std::chrono::year;
 using ::testing::ElementsAre;
 
-std::vector<std::string> TextsOf(const std::vector<Tick>& ticks) {
+std::vector<std::string> TickTexts(const std::vector<Tick>& ticks) {
   std::vector<std::string> texts;
   for (const Tick& tick : ticks) {
     texts.push_back(tick.below.empty() ? tick.text : tick.text + '/' + tick.below);
@@ -42,14 +42,14 @@ TEST(Scale, StepsAreOneTwoOrFiveTimesAPowerOfTen) {
 }
 
 TEST(Scale, NumberTicksHaveTheDecimalsThatTheyNeed) {
-  EXPECT_THAT(TextsOf(NumberTicks(-2, 2, 4)), ElementsAre("-2", "-1", "0", "1", "2"));
-  EXPECT_THAT(TextsOf(NumberTicks(0, 1.05, 3)), ElementsAre("0.0", "0.5", "1.0"));
-  EXPECT_THAT(TextsOf(NumberTicks(0.01, 0.06, 3)), ElementsAre("0.02", "0.04", "0.06"));
-  EXPECT_THAT(TextsOf(NumberTicks(-30, 4600, 3)), ElementsAre("0", "2000", "4000"));
+  EXPECT_THAT(TickTexts(NumberTicks(-2, 2, 4)), ElementsAre("-2", "-1", "0", "1", "2"));
+  EXPECT_THAT(TickTexts(NumberTicks(0, 1.05, 3)), ElementsAre("0.0", "0.5", "1.0"));
+  EXPECT_THAT(TickTexts(NumberTicks(0.01, 0.06, 3)), ElementsAre("0.02", "0.04", "0.06"));
+  EXPECT_THAT(TickTexts(NumberTicks(-30, 4600, 3)), ElementsAre("0", "2000", "4000"));
 }
 
 TEST(Scale, NumberTicksIncludeEndsThatAreMultiples) {
-  EXPECT_THAT(TextsOf(NumberTicks(0.1, 0.3, 2)), ElementsAre("0.1", "0.2", "0.3"));
+  EXPECT_THAT(TickTexts(NumberTicks(0.1, 0.3, 2)), ElementsAre("0.1", "0.2", "0.3"));
 }
 
 TEST(Scale, DayNumbersCountFromTheFirstOf1970) {
@@ -60,31 +60,31 @@ TEST(Scale, DayNumbersCountFromTheFirstOf1970) {
 }
 
 TEST(Scale, HoursNameTheirDayOnce) {
-  EXPECT_THAT(TextsOf(DayTicks(20465.25, 20466.25, 4, TickSpan::kHours)),
+  EXPECT_THAT(TickTexts(DayTicks(20465.25, 20466.25, 4, TickSpan::kHours)),
               ElementsAre("06:00/12-Jan-26", "12:00", "18:00", "00:00/13-Jan-26", "06:00"));
 }
 
 TEST(Scale, DaysNameTheirYearOnce) {
-  EXPECT_THAT(TextsOf(DayTicks(Day(2025, 12, 30), Day(2026, 1, 2), 4, TickSpan::kHours)),
+  EXPECT_THAT(TickTexts(DayTicks(Day(2025, 12, 30), Day(2026, 1, 2), 4, TickSpan::kHours)),
               ElementsAre("30-Dec/2025", "31-Dec", "01-Jan/2026", "02-Jan"));
 }
 
 TEST(Scale, WeeksBeginOnMondays) {
-  EXPECT_THAT(TextsOf(DayTicks(Day(2026, 1, 7), Day(2026, 2, 4), 5, TickSpan::kHours)),
+  EXPECT_THAT(TickTexts(DayTicks(Day(2026, 1, 7), Day(2026, 2, 4), 5, TickSpan::kHours)),
               ElementsAre("12-Jan/2026", "19-Jan", "26-Jan", "02-Feb"));
 }
 
 TEST(Scale, MonthsAndYearsBeginOnTheirFirst) {
   const std::vector<Tick> quarters =
       DayTicks(Day(2025, 8, 2), Day(2026, 7, 30), 5, TickSpan::kDays);
-  EXPECT_THAT(TextsOf(quarters), ElementsAre("Oct/2025", "Jan/2026", "Apr", "Jul"));
+  EXPECT_THAT(TickTexts(quarters), ElementsAre("Oct/2025", "Jan/2026", "Apr", "Jul"));
   EXPECT_EQ(quarters.front().value, Day(2025, 10, 1));
-  EXPECT_THAT(TextsOf(DayTicks(Day(2003, 5, 1), Day(2026, 1, 1), 5, TickSpan::kDays)),
+  EXPECT_THAT(TickTexts(DayTicks(Day(2003, 5, 1), Day(2026, 1, 1), 5, TickSpan::kDays)),
               ElementsAre("2005", "2010", "2015", "2020", "2025"));
 }
 
 TEST(Scale, NothingShorterThanADayIsMarkedForDays) {
-  EXPECT_THAT(TextsOf(DayTicks(20465, 20466, 10, TickSpan::kDays)),
+  EXPECT_THAT(TickTexts(DayTicks(20465, 20466, 10, TickSpan::kDays)),
               ElementsAre("12-Jan/2026", "13-Jan"));
 }
 
