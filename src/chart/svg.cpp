@@ -79,13 +79,9 @@ class SvgWriting {
   }
 
   void operator()(const DotsShape& shape) const {
-    const bool has_line = shape.symbol == Symbol::kDot || shape.symbol == Symbol::kCross;
-    svg_ += "<path" + (has_line ? Classes({}, shape.ink) : Classes(shape.ink, {}));
-    if (shape.symbol == Symbol::kDot) {  // a line without length and with round ends
-      svg_ += " stroke-linecap=\"round\" stroke-width=\"" + Number(shape.size) + '"';
-    } else if (shape.symbol == Symbol::kCross) {
-      svg_ += " stroke-width=\"1.5\"";
-    }
+    const bool is_cross = shape.symbol == Symbol::kCross;
+    svg_ += "<path" +
+            (is_cross ? Classes({}, shape.ink) + " stroke-width=\"1.5\"" : Classes(shape.ink, {}));
     svg_ += " d=\"";
     for (const QPointF& at : shape.at) {
       AddSymbol(shape, at);
@@ -105,13 +101,20 @@ class SvgWriting {
   }
 
  private:
+  static std::string HalfCircle(const std::string& radius, const std::string& right) {
+    return 'a' + radius + ' ' + radius + " 0 0 1 " + right + " 0";
+  }
+
   void AddSymbol(const DotsShape& shape, QPointF at) const {
     const double half = shape.size / 2;
     const std::string size = Number(shape.size);
     const std::string part = Number(half);
     switch (shape.symbol) {
       case Symbol::kDot:
-        svg_ += 'M' + Number(at) + "h0";
+        // Two half circles. A line without length and with round ends is shorter, but not every
+        // program draws it.
+        svg_ += 'M' + Number(at - QPointF(half, 0)) + HalfCircle(part, size) +
+                HalfCircle(part, '-' + size) + 'z';
         break;
       case Symbol::kSquare:
         svg_ +=

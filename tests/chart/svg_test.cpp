@@ -139,7 +139,7 @@ TEST(Svg, SymbolsAreDrawnAroundTheirPlaces) {
                     {Layer::kMark, DotsShape{{{10, 10}}, Symbol::kDiamond, 4, Ink::kFirst}},
                     {Layer::kMark, DotsShape{{{10, 10}}, Symbol::kCross, 4, Ink::kFirst}}};
   const std::string svg = SvgText(picture, Look{}, SvgUse::kInPage);
-  EXPECT_THAT(svg, HasSubstr("stroke-linecap=\"round\" stroke-width=\"4\" d=\"M10 10h0\""));
+  EXPECT_THAT(svg, HasSubstr("d=\"M8 10a2 2 0 0 1 4 0a2 2 0 0 1 -4 0z\""));
   EXPECT_THAT(svg, HasSubstr("d=\"M8 8h4v4h-4z\""));
   EXPECT_THAT(svg, HasSubstr("d=\"M10 8l2 2l-2 2l-2 -2z\""));
   EXPECT_THAT(svg, HasSubstr("d=\"M8 8l4 4m-4 0l4 -4\""));
