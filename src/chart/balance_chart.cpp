@@ -36,8 +36,8 @@ bool IsDrawable(const BalanceMark& mark) {
 }
 
 struct BalanceAxes {
-  double first_day = INFINITY;
-  double last_day = -INFINITY;
+  double first_day = kInfinity;
+  double last_day = -kInfinity;
   ValueAxis axis = {};
 };
 

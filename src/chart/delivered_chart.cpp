@@ -75,7 +75,7 @@ void AddWeightLine(Sheet& sheet, const TimePlot& plot, const DeliveredChart& cha
                    std::optional<double> DeliveredDay::*weight, Ink ink, bool dashed) {
   QPainterPath path;
   DotsShape marks{.at = {}, .symbol = Symbol::kDiamond, .size = 7, .ink = ink};
-  double last = -INFINITY;
+  double last = -kInfinity;
   for (const DeliveredDay& day : chart.days) {
     if (!IsShown(day.*weight)) {
       continue;

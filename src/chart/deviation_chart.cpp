@@ -29,8 +29,8 @@ bool IsDrawable(const DeviationLoad& load) {
 }
 
 struct DeviationRangeOfAxes {
-  double first_day = INFINITY;
-  double last_day = -INFINITY;
+  double first_day = kInfinity;
+  double last_day = -kInfinity;
   ValueAxis axis = {};
 };
 
@@ -133,8 +133,9 @@ void AddPlaces(Sheet& sheet, const TimePlot& plot, const DeviationChart& chart) 
   for (std::size_t i = 0; i < places.size(); ++i) {
     if (places[i].loads > 0) {
       const std::size_t size = SizeOfPlace(places[i].loads, most);
+      const std::size_t row = i / columns;
       const QRectF square(area.left() + static_cast<double>(i % columns) * kPlace,
-                          area.top() + static_cast<double>(i / columns) * kPlace, kPlace, kPlace);
+                          area.top() + static_cast<double>(row) * kPlace, kPlace, kPlace);
       dots[size].at.push_back(square.center());
       sheet.AddHit(square, places[i].farthest, places[i].loads);
     }

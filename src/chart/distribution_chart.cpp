@@ -207,9 +207,10 @@ std::vector<DeviationRange> CountInRanges(std::vector<double>& percents, double 
   }
   const double side = std::ceil(reach / width - kRoundingError);
   std::vector<DeviationRange> ranges;
-  for (double range = -side - 1; range <= side; ++range) {
-    ranges.push_back({range < -side ? -INFINITY : range * width,
-                      range == side ? INFINITY : (range + 1) * width, 0});
+  const int last = static_cast<int>(side);
+  for (int range = -last - 1; range <= last; ++range) {
+    ranges.push_back({range < -last ? -kInfinity : range * width,
+                      range == last ? kInfinity : (range + 1) * width, 0});
   }
   for (const double percent : percents) {
     const double range = RangeOf(percent / width);

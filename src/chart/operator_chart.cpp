@@ -45,6 +45,7 @@ std::vector<Name> ColumnNames(const std::vector<OperatorCell>& cells) {
     sorted.emplace(!name ? 0 : number ? 1 : 2, number.value_or(0), name);
   }
   std::vector<Name> names;
+  names.reserve(sorted.size());
   for (const auto& [kind, number, name] : sorted) {
     names.push_back(name);
   }

@@ -4,6 +4,7 @@
 #include <QPolygonF>
 #include <algorithm>
 #include <cmath>
+#include <limits>
 
 namespace vrx {
 namespace {
@@ -99,7 +100,7 @@ class Painting {
 
 std::optional<Hit> HitAt(const Picture& picture, QPointF point, double reach) {
   std::optional<Hit> nearest;
-  std::pair<double, double> least{reach, INFINITY};
+  std::pair<double, double> least{reach, std::numeric_limits<double>::infinity()};
   for (const Hit& hit : picture.hits) {
     const std::pair here{DistanceTo(hit.area, point), DistanceToMiddle(hit.area, point)};
     if (here < least) {

@@ -1,11 +1,14 @@
 #pragma once
 
+#include <limits>
 #include <string>
 #include <vector>
 
 #include "base/date.h"
 
 namespace vrx {
+
+inline constexpr double kInfinity = std::numeric_limits<double>::infinity();
 
 // From values to places on an axis. `from` and `to` differ.
 struct Scale {
