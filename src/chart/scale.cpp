@@ -4,6 +4,7 @@
 #include <array>
 #include <chrono>
 #include <cmath>
+#include <cstdint>
 #include <iterator>
 
 #include "base/number.h"
@@ -12,7 +13,6 @@ namespace vrx {
 namespace {
 
 using std::chrono::days;
-using std::chrono::floor;
 using std::chrono::months;
 using std::chrono::sys_days;
 using std::chrono::years;
@@ -124,8 +124,11 @@ std::string StepText(double value, double step) {
 std::vector<Tick> NumberTicks(double from, double to, int most) {
   const double step = NiceStep(to - from, most);
   std::vector<Tick> ticks;
-  for (double place = std::ceil(from / step - 1e-9); place <= to / step + 1e-9; ++place) {
-    ticks.push_back({place * step, StepText(place * step, step), ""});
+  const auto last = static_cast<std::int64_t>(std::floor(to / step + 1e-9));
+  for (auto place = static_cast<std::int64_t>(std::ceil(from / step - 1e-9)); place <= last;
+       ++place) {
+    const double value = static_cast<double>(place) * step;
+    ticks.push_back({value, StepText(value, step), ""});
   }
   return ticks;
 }
@@ -144,7 +147,8 @@ std::vector<Tick> DayTicks(double from, double to, int most, TickSpan shortest) 
       });
   std::vector<Tick> ticks;
   std::string below;
-  for (double day = FirstTick(from, *step); day <= to; day = NextTick(day, *step)) {
+  double day = FirstTick(from, *step);
+  while (day <= to) {
     Tick tick = TickAt(day, *step);
     if (tick.below == below) {
       tick.below.clear();
@@ -152,6 +156,7 @@ std::vector<Tick> DayTicks(double from, double to, int most, TickSpan shortest) 
       below = tick.below;
     }
     ticks.push_back(std::move(tick));
+    day = NextTick(day, *step);
   }
   return ticks;
 }

@@ -3,6 +3,7 @@
 #include <QPainterPath>
 #include <QStringList>
 #include <algorithm>
+#include <cmath>
 #include <utility>
 
 #include "base/translation.h"
@@ -166,7 +167,9 @@ void Sheet::AddHatching(Layer layer, const QRectF& box, Ink ink) {
   QPainterPath path;
   path.addRect(box);
   // Lines that rise to the right: x - left + y - top is the same along each.
-  for (double sum = kHatchingStep; sum < box.width() + box.height(); sum += kHatchingStep) {
+  const int lines = static_cast<int>(std::ceil((box.width() + box.height()) / kHatchingStep));
+  for (int line = 1; line < lines; ++line) {
+    const double sum = line * kHatchingStep;
     const double right = std::min(sum, box.width());
     const double low = std::min(sum, box.height());
     path.moveTo(box.left() + sum - low, box.top() + low);

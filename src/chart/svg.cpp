@@ -144,7 +144,7 @@ std::string SvgText(const Picture& picture, const Look& look, SvgUse use) {
   if (use == SvgUse::kFile) {
     svg = "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n";
   }
-  svg += "<svg xmlns=\"http://www.w3.org/2000/svg\" class=\"chart\" role=\"img\" width=\"" + width +
+  svg += R"(<svg xmlns="http://www.w3.org/2000/svg" class="chart" role="img" width=")" + width +
          "\" height=\"" + height + "\" viewBox=\"0 0 " + width + ' ' + height +
          "\" font-family=\"" + Escaped(look.family) + "\">\n";
   svg += "<title>" + Escaped(picture.title) + "</title>\n";
@@ -161,9 +161,10 @@ std::string SvgText(const Picture& picture, const Look& look, SvgUse use) {
 std::string SvgStyle() {
   std::string rules = "@media screen and (prefers-color-scheme:dark){";
   for (const Ink ink : kAllInks) {
-    const std::string name = '.' + std::string(ClassOf(ink));
     const std::string color = ColorOf(ink, true).name().toStdString();
-    rules += name + "{fill:" + color + '}' + name + "-line{stroke:" + color + '}';
+    for (const std::string_view property : {"{fill:", "-line{stroke:"}) {
+      rules.append(".").append(ClassOf(ink)).append(property).append(color).append("}");
+    }
   }
   return rules + '}';
 }
