@@ -76,6 +76,7 @@ class DistributionPlot {
     if (chart_.median && std::isfinite(*chart_.median)) {
       const double x =
           percents_.At(std::clamp(*chart_.median, drawn_.front().from, drawn_.back().to));
+      sheet_.AddLine(Layer::kMark, {x, plot_.top()}, {x, plot_.bottom()}, Ink::kPaper, 4);
       sheet_.AddLine(Layer::kMark, {x, plot_.top()}, {x, plot_.bottom()}, Ink::kText, 2, true);
     }
     return sheet_.Finish(plot_);

@@ -82,7 +82,7 @@ void Paint(QPainter& painter, const Picture& picture, const Look& look);
 enum class SvgUse { kFile, kInPage };
 
 // The picture as SVG without script and without references. The attributes have the colors of the
-// light look and each element names its inks as classes. A file has a white ground of its own and
+// light look and each element names its inks as classes. A file has a ground of its own and
 // the style for dark screens; in a page the ground is the page's, and the page has SvgStyle() once.
 [[nodiscard]] std::string SvgText(const Picture& picture, const Look& look, SvgUse use);
 

@@ -129,6 +129,7 @@ TEST(Svg, NamesAreEscaped) {
   EXPECT_THAT(svg, Not(HasSubstr("<script>")));
   const Elements elements = Read(svg);
   EXPECT_EQ(elements.error, "");
+  ASSERT_FALSE(elements.texts.empty());
   EXPECT_EQ(elements.texts.front(), chart.texts.title);
 }
 
