@@ -51,6 +51,7 @@ struct TextShape {
 // What is around the marks; the marks, which lie within the plot; texts on marks.
 enum class Layer { kFrame, kMark };
 
+// NOLINTNEXTLINE(bugprone-exception-escape): moving the shapes does not throw
 struct Shape {
   Layer layer = Layer::kFrame;
   std::variant<PathShape, DotsShape, TextShape> what = {};

@@ -5,6 +5,7 @@
 #include <bit>
 #include <charconv>
 #include <cmath>
+#include <compare>
 #include <cstddef>
 #include <cstdlib>
 #include <limits>
@@ -15,7 +16,7 @@
 namespace vrx {
 namespace {
 
-__extension__ typedef __int128 Int128;
+__extension__ typedef __int128 Int128;  // NOLINT(modernize-use-using): no alias can be marked
 
 constexpr int kSmallDecimals = 6;
 constexpr std::int64_t kMillion = 1000000;
@@ -152,7 +153,7 @@ double NearestQuotient(Magnitude dividend, Magnitude divisor) {
   divisor = ShiftedLeft(divisor, kQuotientBits);
   std::uint64_t quotient = 0;
   for (int bit = kQuotientBits; bit >= 0; --bit) {
-    if (Compare(dividend, divisor) >= 0) {
+    if (std::is_gteq(Compare(dividend, divisor))) {
       Subtract(dividend, divisor);
       quotient |= std::uint64_t{1} << static_cast<unsigned>(bit);
     }
@@ -317,7 +318,7 @@ Exact& Exact::operator+=(const Exact& other) {
   Align(left, right);
   if (left.negative == right.negative) {
     left.digits = Sum(left.digits, right.digits);
-  } else if (Compare(left.digits, right.digits) >= 0) {
+  } else if (std::is_gteq(Compare(left.digits, right.digits))) {
     Subtract(left.digits, right.digits);
   } else {
     Subtract(right.digits, left.digits);

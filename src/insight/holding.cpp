@@ -18,7 +18,7 @@
 namespace vrx {
 namespace {
 
-constexpr std::int64_t kMinutesADay = 24 * 60;
+constexpr std::int64_t kMinutesADay = std::int64_t{24} * 60;
 
 using Minutes = std::int64_t;  // since 1970-01-01
 

@@ -12,7 +12,7 @@
 namespace vrx {
 namespace {
 
-constexpr std::int64_t kSecondsADay = 24 * 60 * 60;
+constexpr std::int64_t kSecondsADay = std::int64_t{24} * 60 * 60;
 constexpr std::int64_t kHalfADay = kSecondsADay / 2;
 
 // Seconds since 1970-01-01 of the rows of a batch, in stored order.
