@@ -24,7 +24,7 @@ struct ValueAxis {
 // each edge.
 class TimePlot {
  public:
-  // From the beginning of a day to the end of another.
+  // Between two day numbers.
   TimePlot(Sheet& sheet, double first_day, double last_day, const ValueAxis& axis);
 
   [[nodiscard]] QPointF At(double day, double value) const {
