@@ -12,6 +12,7 @@
 #include "chart/picture.h"
 #include "insight/accuracy.h"
 #include "insight/batches.h"
+#include "insight/pens.h"
 
 namespace vrx {
 
@@ -135,5 +136,7 @@ struct BalanceChart {
 // The charts of answers that hold all they need. The texts are the caller's.
 [[nodiscard]] OperatorChart OperatorChartOf(const Accuracy& by_ingredient_and_operator);
 [[nodiscard]] WeightChart WeightChartOf(const Accuracy& by_ingredient);
+[[nodiscard]] DeliveredChart DeliveredChartOf(const Delivered& delivered,
+                                              const std::optional<std::string>& pen);
 
 }  // namespace vrx

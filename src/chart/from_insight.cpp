@@ -21,4 +21,14 @@ WeightChart WeightChartOf(const Accuracy& by_ingredient) {
   return chart;
 }
 
+DeliveredChart DeliveredChartOf(const Delivered& delivered, const std::optional<std::string>& pen) {
+  DeliveredChart chart{.units = delivered.notes.units};
+  for (const DeliveredLine& line : delivered.lines) {
+    if (line.pen == pen) {
+      chart.days.push_back({line.date, line.called, line.delivered, line.mean7, line.missed});
+    }
+  }
+  return chart;
+}
+
 }  // namespace vrx

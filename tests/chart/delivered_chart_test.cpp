@@ -4,6 +4,7 @@
 
 #include <gmock/gmock.h>
 
+#include "base/date.h"
 #include "chart/charts.h"
 #include "chart/drawn_shapes.h"
 #include "chart/sample_charts.h"
@@ -103,6 +104,24 @@ TEST(DeliveredPicture, DaysWithoutAnyWeightAreNothingToShow) {
   const DeliveredChart chart{.days = {{.date = year(2026) / 1 / 12, .missed = true},
                                       {.date = year(2026) / 1 / 13, .called = NAN}}};
   EXPECT_THAT(PictureOf(chart, kPictureSize, Look{}).hits, IsEmpty());
+}
+
+TEST(DeliveredPicture, IsMadeOfTheLinesOfOnePen) {
+  Delivered delivered;
+  delivered.notes.units = "KG";
+  const Date day = year(2026) / 1 / 12;
+  delivered.lines = {{.pen = "101", .date = day, .called = 7, .delivered = 8, .mean7 = 9},
+                     {.pen = "102", .date = day, .called = 1, .delivered = 1},
+                     {.pen = "101", .date = year(2026) / 1 / 13, .missed = true}};
+  const DeliveredChart chart = DeliveredChartOf(delivered, "101");
+  EXPECT_EQ(chart.units, "KG");
+  ASSERT_THAT(chart.days, SizeIs(2));
+  EXPECT_EQ(chart.days[0].date, day);
+  EXPECT_EQ(chart.days[0].called, 7);
+  EXPECT_EQ(chart.days[0].delivered, 8);
+  EXPECT_EQ(chart.days[0].mean7, 9);
+  EXPECT_FALSE(chart.days[0].missed);
+  EXPECT_TRUE(chart.days[1].missed);
 }
 
 }  // namespace
