@@ -95,7 +95,7 @@ void AddSingleLoads(Sheet& sheet, const TimePlot& plot, const DeviationChart& ch
   sheet.Add(Layer::kMark, std::move(dots));
 }
 
-// By the logarithm: few loads at the edge are told apart, as many in the middle are.
+// By the logarithm, so that sizes differ at the edge as well as in the middle.
 std::size_t SizeOfPlace(std::size_t loads, std::size_t most) {
   if (loads <= 1) {
     return 0;

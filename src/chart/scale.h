@@ -46,9 +46,8 @@ struct Tick {
 enum class TickSpan { kHours, kDays };
 [[nodiscard]] std::vector<Tick> DayTicks(double from, double to, int most, TickSpan shortest);
 
-// How far from 0 an axis reaches so that its marks can be told apart: as far as the farthest value,
-// but not for a few that are far out. At least `least`, and rounded
-// up. Reorders the values.
+// How far from 0 an axis reaches so that its marks can be distinguished: as far as the farthest
+// value, but not for a few that are far out. At least `least`, and rounded up. Reorders the values.
 [[nodiscard]] double ReachOf(std::vector<double>& values, double least);
 
 }  // namespace vrx
