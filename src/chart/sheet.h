@@ -23,7 +23,7 @@ inline QString ToText(std::string_view text) {
   return QString::fromUtf8(text.data(), static_cast<qsizetype>(text.size()));
 }
 
-// The name, or that there is none.
+// The name, "(none)" if it is missing.
 [[nodiscard]] QString NameText(const std::optional<std::string>& name);
 
 // "kg" or "lb" of a database's unit.
