@@ -7,11 +7,11 @@
 #include <vector>
 
 #include "base/date.h"
-#include "chart/deviation_loads.h"
 #include "chart/look.h"
 #include "chart/picture.h"
 #include "insight/accuracy.h"
 #include "insight/batches.h"
+#include "insight/loads.h"
 #include "insight/pens.h"
 
 namespace vrx {
@@ -43,14 +43,7 @@ struct DeviationChart {
 
 [[nodiscard]] Picture PictureOf(const DeviationChart& chart, QSizeF size, const Look& look);
 
-// How many loads deviate by how much. The ranges ascend without gaps; the first one may begin at
-// minus infinity and the last one end at infinity.
-struct DeviationRange {
-  double from = 0;
-  double to = 0;
-  std::int64_t count = 0;
-};
-
+// How many loads deviate by how much. The ranges ascend without gaps.
 struct DistributionChart {
   ChartTexts texts = {};
   double limit = 2;
@@ -59,12 +52,6 @@ struct DistributionChart {
 };
 
 [[nodiscard]] Picture PictureOf(const DistributionChart& chart, QSizeF size, const Look& look);
-
-// Counts percentages in ranges of one width. The limits are ends of ranges; a range has the end
-// that is nearer to 0, so that what is at a limit is not within it. What is far out is in an open
-// first and last range. Removes percentages that are not finite.
-[[nodiscard]] std::vector<DeviationRange> CountInRanges(std::vector<double>& percents,
-                                                        double limit);
 
 // The share of loads within the limit by ingredient and operator. A cell without a share is blank.
 // Rows are in the order of first appearance; columns begin with no operator, then come numbers,
@@ -134,9 +121,13 @@ struct BalanceChart {
 [[nodiscard]] Picture PictureOf(const BalanceChart& chart, QSizeF size, const Look& look);
 
 // The charts of answers that hold all they need. The texts are the caller's.
+[[nodiscard]] DeviationChart DeviationChartOf(const Loads& loads, const Accuracy& by_day);
+[[nodiscard]] DistributionChart DistributionChartOf(const Loads& loads, const Accuracy& by_any_key);
 [[nodiscard]] OperatorChart OperatorChartOf(const Accuracy& by_ingredient_and_operator);
 [[nodiscard]] WeightChart WeightChartOf(const Accuracy& by_ingredient);
 [[nodiscard]] DeliveredChart DeliveredChartOf(const Delivered& delivered,
                                               const std::optional<std::string>& pen);
+// Batches without a date are at no place of the axis; a hit has the index of its line.
+[[nodiscard]] BalanceChart BalanceChartOf(const Balance& balance);
 
 }  // namespace vrx

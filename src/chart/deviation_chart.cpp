@@ -10,10 +10,10 @@
 #include "base/number.h"
 #include "base/translation.h"
 #include "chart/charts.h"
-#include "chart/deviation_loads.h"
 #include "chart/scale.h"
 #include "chart/sheet.h"
 #include "chart/time_plot.h"
+#include "insight/load_deviations.h"
 
 namespace vrx {
 namespace {

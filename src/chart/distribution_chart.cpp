@@ -15,8 +15,6 @@ namespace {
 
 constexpr double kLeastHeight = 110;
 constexpr double kTick = 4;
-constexpr double kMostRangesOfASide = 24;
-constexpr double kRoundingError = 1e-9;
 
 // What the numbers of an open range are drawn at: as wide as its neighbor.
 struct Drawn {
@@ -167,13 +165,6 @@ std::vector<LegendEntry> DistributionLegend(const DistributionChart& chart) {
   return legend;
 }
 
-// The range of a number of widths: each has the end that is nearer to 0.
-double RangeOf(double widths) {
-  const double whole = std::round(widths);
-  const double exact = std::abs(widths - whole) < kRoundingError ? whole : widths;
-  return exact < 0 ? std::ceil(exact) - 1 : std::floor(exact);
-}
-
 bool HasNumbers(const DistributionChart& chart) {
   for (const DeviationRange& range : chart.ranges) {
     if (range.count > 0 && (std::isfinite(range.from) || std::isfinite(range.to))) {
@@ -193,37 +184,6 @@ Picture PictureOf(const DistributionChart& chart, QSizeF size, const Look& look)
   sheet.AddLegend(DistributionLegend(chart));
   sheet.AddLine(Tr("Loads"));
   return DistributionPlot(sheet, chart).Draw();
-}
-
-std::vector<DeviationRange> CountInRanges(std::vector<double>& percents, double limit) {
-  std::erase_if(percents, [](double percent) { return !std::isfinite(percent); });
-  if (percents.empty() || !(limit > 0)) {
-    return {};
-  }
-  std::vector<double> sizes = percents;
-  const double reach = std::min(ReachOf(sizes, 2 * limit), kMostRangesOfASide * limit);
-  double width = limit / 4;
-  while (reach > kMostRangesOfASide * width) {
-    width *= 2;
-  }
-  const double side = std::ceil(reach / width - kRoundingError);
-  std::vector<DeviationRange> ranges;
-  const int last = static_cast<int>(side);
-  for (int range = -last - 1; range <= last; ++range) {
-    ranges.push_back({range < -last ? -kInfinity : range * width,
-                      range == last ? kInfinity : (range + 1) * width, 0});
-  }
-  for (const double percent : percents) {
-    const double range = RangeOf(percent / width);
-    ++ranges[static_cast<std::size_t>(std::clamp(range, -side - 1, side) + side + 1)].count;
-  }
-  if (ranges.front().count == 0) {
-    ranges.erase(ranges.begin());
-  }
-  if (ranges.back().count == 0) {
-    ranges.pop_back();
-  }
-  return ranges;
 }
 
 }  // namespace vrx

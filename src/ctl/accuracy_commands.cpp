@@ -24,15 +24,9 @@
 namespace vrx {
 namespace {
 
-constexpr std::array<std::pair<std::string_view, AccuracyKey>, 7> kKeys{{
-    {"ingredient", AccuracyKey::kIngredient},
-    {"recipe", AccuracyKey::kRecipe},
-    {"operator", AccuracyKey::kOperator},
-    {"pen", AccuracyKey::kPen},
-    {"day", AccuracyKey::kDay},
-    {"week", AccuracyKey::kWeek},
-    {"month", AccuracyKey::kMonth},
-}};
+constexpr std::array kKeys = {
+    AccuracyKey::kIngredient, AccuracyKey::kRecipe, AccuracyKey::kOperator, AccuracyKey::kPen,
+    AccuracyKey::kDay,        AccuracyKey::kWeek,   AccuracyKey::kMonth};
 
 // Nothing if the text is not one key or two different ones.
 std::optional<std::vector<AccuracyKey>> ParseKeys(const std::string& typed) {
@@ -41,71 +35,14 @@ std::optional<std::vector<AccuracyKey>> ParseKeys(const std::string& typed) {
     const std::size_t end = std::min(typed.find(',', from), typed.size());
     const std::string_view word = std::string_view(typed).substr(from, end - from);
     const auto* const found = std::find_if(kKeys.begin(), kKeys.end(),
-                                           [&](const auto& key) { return key.first == word; });
-    if (found == kKeys.end() || keys.size() == 2 || (!keys.empty() && keys[0] == found->second)) {
+                                           [&](AccuracyKey key) { return WordOf(key) == word; });
+    if (found == kKeys.end() || keys.size() == 2 || (!keys.empty() && keys[0] == *found)) {
       return std::nullopt;
     }
-    keys.push_back(found->second);
+    keys.push_back(*found);
     from = end + 1;
   }
   return keys;
-}
-
-std::string WordOf(AccuracyKey key) {
-  for (const auto& [word, value] : kKeys) {
-    if (value == key) {
-      return std::string(word);
-    }
-  }
-  return {};
-}
-
-Json ToJson(const Json& key, const AccuracyFigures& figures) {
-  return {
-      {"key", key},
-      {"n", figures.n},
-      {"notLoaded", {{"n", figures.not_loaded.n}, {"target", OrNull(figures.not_loaded.weight)}}},
-      {"withoutTarget",
-       {{"n", figures.without_target.n}, {"actual", OrNull(figures.without_target.weight)}}},
-      {"target", OrNull(figures.target)},
-      {"actual", OrNull(figures.actual)},
-      {"net", OrNull(figures.net)},
-      {"netPercent", OrNull(figures.net_percent)},
-      {"gross", OrNull(figures.gross)},
-      {"grossPercent", OrNull(figures.gross_percent)},
-      {"within", OrNull(figures.within)},
-      {"weightWithin", OrNull(figures.weight_within)},
-      {"withinWeight", OrNull(figures.within_weight)},
-      {"beyond", OrNull(figures.beyond)},
-      {"below", OrNull(figures.below)},
-      {"median", OrNull(figures.median)},
-      {"q1", OrNull(figures.q1)},
-      {"q3", OrNull(figures.q3)},
-      {"standardized", OrNull(figures.standardized)},
-      {"marked", OrNull(figures.marked)}};
-}
-
-Json KeyOf(const std::vector<AccuracyKey>& by, const std::vector<std::optional<std::string>>& key) {
-  Json object = Json::object();
-  for (std::size_t i = 0; i < by.size(); ++i) {
-    object[WordOf(by[i])] = i < key.size() ? OrNull(key[i]) : Json();
-  }
-  return object;
-}
-
-std::string PlaceOf(const YardstickShare& share) {
-  if (share.yard < share.lowest) {
-    return "below the range";
-  }
-  if (share.yard > share.highest) {
-    return "above the range";
-  }
-  if (!share.median) {
-    return "within the range";
-  }
-  return share.yard < *share.median   ? "in the lower half of the range"
-         : share.yard > *share.median ? "in the upper half of the range"
-                                      : "at the median";
 }
 
 Json ToJson(const YardstickShare& share) {
@@ -121,19 +58,6 @@ Json ToJson(const Yardstick& yardstick) {
           {"withinWeight", ToJson(yardstick.within_weight)},
           {"beyond", ToJson(yardstick.beyond)}};
 }
-
-std::string Sentence(const std::string& what, const YardstickShare& share) {
-  std::string text = what + ": " + DefaultText(share.loads) + " % of their loads (herds " +
-                     DefaultText(share.lowest) + " to " + DefaultText(share.highest);
-  if (share.median) {
-    text += ", median " + DefaultText(*share.median);
-  }
-  return text + "); this yard " + Format(share.yard, "0.0") + " %, " + PlaceOf(share);
-}
-
-const std::vector<std::string_view> kShares = {
-    "netPercent", "grossPercent", "within", "weightWithin", "withinWeight", "beyond",
-    "below",      "median",       "q1",     "q3",           "standardized"};
 
 class AccuracyCommand : public Command {
  public:
@@ -170,7 +94,7 @@ class AccuracyCommand : public Command {
       SetLimits(question.limits, ReadWeightUnit(database));
       const Accuracy answer = ReadAccuracy(database, question, progress);
       WriteNotes(session, answer.notes);
-      Write(session.Out(), question.by, answer);
+      Write(session.Out(), question, answer);
       return kDone;
     });
   }
@@ -197,12 +121,13 @@ class AccuracyCommand : public Command {
     limits.division = division_.value_or(limits.division);
   }
 
-  void Write(std::ostream& out, const std::vector<AccuracyKey>& by, const Accuracy& answer) const {
-    std::vector<Json> groups;
-    for (const AccuracyGroup& group : answer.groups) {
-      groups.push_back(ToJson(KeyOf(by, group.key), group.figures));
-    }
+  void Write(std::ostream& out, const AccuracyQuestion& question, const Accuracy& answer) const {
+    const AnswerTable table = TableOf(answer, question);
     if (options_.Form() == OutputForm::kJson) {
+      AnswerTable total = table;
+      total.rows = {table.total};
+      Json object = ToJson(total)[0];
+      object["key"] = Json::object();
       WriteObject(out, OutputForm::kJson,
                   {{"units", answer.notes.units},
                    {"limits",
@@ -210,32 +135,17 @@ class AccuracyCommand : public Command {
                      {"weight", answer.limits.weight.weight},
                      {"beyond", answer.limits.beyond.weight},
                      {"division", answer.limits.division}}},
-                   {"groups", groups},
-                   {"total", ToJson(Json::object(), answer.total)},
+                   {"groups", ToJson(table)},
+                   {"total", object},
                    {"yardstick", answer.yardstick ? ToJson(*answer.yardstick) : Json()}});
       return;
     }
-    RecordForm form{.prototype = ToJson(KeyOf(by, {}), {}), .percents = kShares};
-    for (const auto& [word, key] : kKeys) {
-      form.names.push_back(word);
-    }
-    WriteRecords(out, options_.Form(), form, groups);
-    if (options_.Form() == OutputForm::kPlain && !groups.empty()) {
-      WriteTotal(out, form, by, answer);
-    }
-  }
-
-  static void WriteTotal(std::ostream& out, const RecordForm& form,
-                         const std::vector<AccuracyKey>& by, const Accuracy& answer) {
-    std::vector<std::string> cells = CellsOf(form, ToJson(KeyOf(by, {}), answer.total));
-    std::fill_n(cells.begin(), by.size(), "");
-    cells[0] = "Total";
-    WriteLine(out, OutputForm::kPlain, cells);
-    if (answer.yardstick) {
-      out << "\n33 dairy herds, 386,011 loads (" << kYardstickSource << "):\n"
-          << Sentence("within 2 %", answer.yardstick->within) << '\n'
-          << Sentence("within 5 kg", answer.yardstick->within_weight) << '\n'
-          << Sentence("beyond 62.5 kg", answer.yardstick->beyond) << '\n';
+    WriteAnswer(out, options_.Form(), table);
+    if (options_.Form() == OutputForm::kPlain && answer.yardstick) {
+      out << '\n';
+      for (const std::string& sentence : SentencesOf(*answer.yardstick)) {
+        out << sentence << '\n';
+      }
     }
   }
 
@@ -247,13 +157,6 @@ class AccuracyCommand : public Command {
   std::optional<double> beyond_;
   std::optional<double> division_;
 };
-
-Json ToJson(const CompositionLine& line) {
-  return {{"transaction", OrNull(line.transaction)},
-          {"recipe", OrNull(line.recipe)},
-          {"ingredient", OrNull(line.ingredient)},
-          {"points", OrNull(line.points)}};
-}
 
 class CompositionCommand : public Command {
  public:
@@ -274,15 +177,7 @@ class CompositionCommand : public Command {
     return options_.Run(session, [&](SQLite::Database& database, const InsightProgress& progress) {
       const Composition answer = ReadComposition(database, question, progress);
       WriteNotes(session, answer.notes);
-      std::vector<Json> rows;
-      for (const CompositionLine& line : answer.lines) {
-        rows.push_back(ToJson(line));
-      }
-      WriteRecords(session.Out(), options_.Form(),
-                   {.prototype = ToJson(CompositionLine()),
-                    .percents = {"points"},
-                    .names = {"recipe", "ingredient"}},
-                   rows);
+      WriteAnswer(session.Out(), options_.Form(), TableOf(answer));
       return kDone;
     });
   }

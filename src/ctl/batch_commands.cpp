@@ -17,18 +17,6 @@
 namespace vrx {
 namespace {
 
-Json ToJson(const BalanceLine& line) {
-  return {{"transaction", OrNull(line.transaction)},
-          {"date", OrNull(line.date)},
-          {"recipe", OrNull(line.recipe)},
-          {"operator", OrNull(line.operator_id)},
-          {"loaded", OrNull(line.loaded)},
-          {"fed", OrNull(line.fed)},
-          {"left", line.left},
-          {"leftPercent", OrNull(line.left_percent)},
-          {"state", TextOf(line.state)}};
-}
-
 class BalanceCommand : public Command {
  public:
   CLI::App* Register(CLI::App& app) override {
@@ -56,15 +44,7 @@ class BalanceCommand : public Command {
       }
       const Balance answer = ReadBalance(database, question, progress);
       WriteNotes(session, answer.notes);
-      std::vector<Json> rows;
-      for (const BalanceLine& line : answer.lines) {
-        rows.push_back(ToJson(line));
-      }
-      WriteRecords(session.Out(), options_.Form(),
-                   {.prototype = ToJson(BalanceLine()),
-                    .percents = {"leftPercent"},
-                    .names = {"recipe", "operator"}},
-                   rows);
+      WriteAnswer(session.Out(), options_.Form(), TableOf(answer));
       return kDone;
     });
   }
@@ -75,28 +55,6 @@ class BalanceCommand : public Command {
   std::optional<double> weight_;
   bool all_ = false;
 };
-
-Json ToJson(const TimesFigures& figures) {
-  return {
-      {"median", OrNull(figures.median)}, {"q1", OrNull(figures.q1)}, {"q3", OrNull(figures.q3)}};
-}
-
-Json ToJson(const TimesGroup& group) {
-  return {{"key", OrNull(group.key)},         {"batches", group.batches},
-          {"leftOut", group.left_out},        {"preparing", ToJson(group.preparing)},
-          {"waiting", ToJson(group.waiting)}, {"feeding", ToJson(group.feeding)}};
-}
-
-Json ToJson(const BatchTimes& batch) {
-  return {{"transaction", OrNull(batch.transaction)},
-          {"date", OrNull(batch.date)},
-          {"recipe", OrNull(batch.recipe)},
-          {"operator", OrNull(batch.operator_id)},
-          {"leftOut", batch.left_out},
-          {"preparing", OrNull(batch.preparing)},
-          {"waiting", OrNull(batch.waiting)},
-          {"feeding", OrNull(batch.feeding)}};
-}
 
 class TimesCommand : public Command {
  public:
@@ -123,20 +81,11 @@ class TimesCommand : public Command {
     return options_.Run(session, [&](SQLite::Database& database, const InsightProgress& progress) {
       const Times answer = ReadTimes(database, question, progress);
       WriteNotes(session, answer.notes);
-      std::vector<Json> rows;
       if (batches_) {
-        for (const BatchTimes& batch : answer.batches) {
-          rows.push_back(ToJson(batch));
-        }
-        WriteRecords(session.Out(), options_.Form(),
-                     {.prototype = ToJson(BatchTimes()), .names = {"recipe", "operator"}}, rows);
+        WriteAnswer(session.Out(), options_.Form(), TableOfBatches(answer));
         return kDone;
       }
-      for (const TimesGroup& group : answer.groups) {
-        rows.push_back(ToJson(group));
-      }
-      WriteRecords(session.Out(), options_.Form(),
-                   {.prototype = ToJson(TimesGroup()), .names = {"key"}}, rows);
+      WriteAnswer(session.Out(), options_.Form(), TableOf(answer, question.by));
       session.Context().err << "The resolution is one minute; the work before the first record is "
                                "not in the times.\n";
       return kDone;

@@ -65,31 +65,6 @@ Json ToJson(const Statement& statement) {
           {"notRecorded", statement.not_recorded}};
 }
 
-// A list of a statement as one cell: "2: 3-5,9; 4: 1".
-void JoinLists(Json& statement) {
-  const auto joined = [](const Json& list, const auto& text_of) {
-    std::string text;
-    for (const Json& entry : list) {
-      text += (text.empty() ? "" : "; ") + text_of(entry);
-    }
-    return text;
-  };
-  const auto text = [](const Json& value) {
-    return value.is_string() ? value.get<std::string>() : value.dump();
-  };
-  statement["missing"] = joined(statement["missing"], [&](const Json& file) {
-    return text(file["import"]) + ": " + text(file["numbers"]);
-  });
-  statement["gaps"] = joined(statement["gaps"], [&](const Json& gap) {
-    return text(gap["first"]) + "-" + text(gap["last"]);
-  });
-  statement["daysWithout"]["days"] = joined(statement["daysWithout"]["days"], text);
-  statement["otherUnits"] = joined(statement["otherUnits"], [&](const Json& import) {
-    return text(import["import"]) + ": " + text(import["units"]) +
-           (import["settled"].is_null() ? "" : " " + text(import["settled"]));
-  });
-}
-
 class CompletenessCommand : public Command {
  public:
   CLI::App* Register(CLI::App& app) override {
@@ -108,13 +83,11 @@ class CompletenessCommand : public Command {
     return options_.Run(session, [&](SQLite::Database& database, const InsightProgress& progress) {
       const Statement statement = ReadStatement(database, about.from, about.to, progress);
       WriteNotes(session, statement.notes);
-      Json object = ToJson(statement);
       if (options_.Form() == OutputForm::kJson) {
-        WriteObject(session.Out(), OutputForm::kJson, object);
-        return kDone;
+        WriteObject(session.Out(), OutputForm::kJson, ToJson(statement));
+      } else {
+        WriteAnswer(session.Out(), options_.Form(), TableOf(statement));
       }
-      JoinLists(object);
-      WriteRecords(session.Out(), options_.Form(), {.prototype = object}, {object});
       return kDone;
     });
   }
@@ -178,11 +151,19 @@ class ImportsCommand : public Command {
       if (settled) {
         SettleImport(database, settled->first, settled->second, session.Context().calendar);
       }
-      std::vector<Json> rows;
-      for (const ImportRecord& import : ReadImports(database)) {
-        rows.push_back(ToJson(import));
+      OutputTable table;
+      const Json headings = ToJson(ImportRecord());
+      for (const auto& [key, value] : headings.items()) {
+        table.header.push_back(key);
       }
-      WriteRecords(session.Out(), output_.Form(), {.prototype = ToJson(ImportRecord())}, rows);
+      for (const ImportRecord& import : ReadImports(database)) {
+        std::vector<Json>& row = table.rows.emplace_back();
+        const Json cells = ToJson(import);
+        for (const auto& [key, value] : cells.items()) {
+          row.push_back(value);
+        }
+      }
+      WriteTable(session.Out(), output_.Form(), table);
       return kDone;
     });
   }

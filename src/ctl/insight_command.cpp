@@ -1,8 +1,10 @@
 #include "ctl/insight_command.h"
 
-#include <algorithm>
+#include <cstddef>
 #include <ostream>
+#include <type_traits>
 #include <utility>
+#include <variant>
 
 #include <CLI/CLI.hpp>
 
@@ -14,56 +16,41 @@
 namespace vrx {
 namespace {
 
-bool Has(const std::vector<std::string_view>& keys, const std::string& key) {
-  return std::find(keys.begin(), keys.end(), key) != keys.end();
+Json ToJson(const AnswerCell& cell) {
+  return std::visit(
+      [](const auto& value) {
+        if constexpr (std::is_same_v<std::decay_t<decltype(value)>, std::monostate>) {
+          return Json();
+        } else {
+          return Json(value);
+        }
+      },
+      cell);
 }
 
-// The text of a cell outside JSON.
-std::string CellText(const RecordForm& records, const std::string& key, const Json& cell) {
-  if (cell.is_null()) {
-    return Has(records.names, key) ? "(none)" : "";
+// Sets a cell of an object; "target.n" is the cell n of the inner object target.
+void SetCell(Json& object, std::string_view key, const AnswerCell& cell) {
+  Json* inner = &object;
+  std::size_t point = key.find('.');
+  while (point != std::string_view::npos) {
+    inner = &(*inner)[std::string(key.substr(0, point))];
+    key.remove_prefix(point + 1);
+    point = key.find('.');
   }
-  if (cell.is_number_float()) {
-    const auto value = cell.get<double>();
-    return Has(records.percents, key) ? Format(value, "0.0") : DefaultText(value);
-  }
-  if (cell.is_boolean()) {
-    return cell.get<bool>() ? "Yes" : "No";
-  }
-  return cell.is_string() ? cell.get<std::string>() : cell.dump();
+  (*inner)[std::string(key)] = ToJson(cell);
 }
 
-void AddHeadings(const Json& object, const std::string& before, std::vector<std::string>& cells) {
-  for (const auto& [key, value] : object.items()) {
-    if (value.is_object()) {
-      AddHeadings(value, before + key + ".", cells);
-    } else {
-      cells.push_back(before + key);
-    }
+std::vector<std::string> TextsOf(const AnswerTable& table, const std::vector<AnswerCell>& row) {
+  std::vector<std::string> texts;
+  for (std::size_t i = 0; i < row.size(); ++i) {
+    texts.push_back(TextOf(table.columns.at(i), row[i]));
   }
-}
-
-void AddCells(const RecordForm& records, const Json& object, std::vector<std::string>& cells) {
-  for (const auto& [key, value] : object.items()) {
-    if (value.is_object()) {
-      AddCells(records, value, cells);
-    } else {
-      cells.push_back(CellText(records, key, value));
-    }
-  }
+  return texts;
 }
 
 std::string NotANumber(const std::string& typed) {
   const auto number = ParseNumber(typed);
   return number && *number >= 0 ? std::string() : "'" + typed + "' is no number from 0";
-}
-
-std::string Listed(const std::vector<std::string>& names) {
-  std::string text;
-  for (const std::string& name : names) {
-    text += (text.empty() ? "" : ", ") + name;
-  }
-  return text;
 }
 
 }  // namespace
@@ -141,40 +128,39 @@ CLI::Option* AddAmount(CLI::App& app, const std::string& name, const std::string
 
 void WriteNotes(Session& session, const InsightNotes& notes) {
   session.Progress().Clear();
-  std::ostream& err = session.Context().err;
-  for (const LeftOutImport& import : notes.left_out) {
-    err << "Import " << import.import << " (" << import.file << ") is left out: its " << import.rows
-        << (import.rows == 1 ? " row is" : " rows are") << " in " << import.units
-        << ", the database is in " << notes.units
-        << ". Say with imports --settle whether to keep or to convert them.\n";
-  }
-  if (notes.undated > 0) {
-    err << notes.undated << (notes.undated == 1 ? " row has" : " rows have")
-        << " no date and may be left out of the period.\n";
-  }
-  for (const std::vector<std::string>& alike : notes.alike) {
-    err << "These names differ by case only and are different: " << Listed(alike) << ".\n";
+  for (const std::string& sentence : SentencesOf(notes)) {
+    session.Context().err << sentence << '\n';
   }
 }
 
-void WriteRecords(std::ostream& out, OutputForm form, const RecordForm& records,
-                  const std::vector<Json>& rows) {
+Json ToJson(const AnswerTable& table) {
+  Json rows = Json::array();
+  for (const std::vector<AnswerCell>& row : table.rows) {
+    Json object = Json::object();
+    for (std::size_t i = 0; i < row.size(); ++i) {
+      SetCell(object, table.columns.at(i).key, row[i]);
+    }
+    rows.push_back(std::move(object));
+  }
+  return rows;
+}
+
+void WriteAnswer(std::ostream& out, OutputForm form, const AnswerTable& table) {
   if (form == OutputForm::kJson) {
-    WriteObject(out, form, Json(rows));
+    WriteObject(out, form, ToJson(table));
     return;
   }
   std::vector<std::string> headings;
-  AddHeadings(records.prototype, "", headings);
-  WriteLine(out, form, headings);
-  for (const Json& row : rows) {
-    WriteLine(out, form, CellsOf(records, row));
+  for (const AnswerColumn& column : table.columns) {
+    headings.emplace_back(column.key);
   }
-}
-
-std::vector<std::string> CellsOf(const RecordForm& records, const Json& row) {
-  std::vector<std::string> cells;
-  AddCells(records, row, cells);
-  return cells;
+  WriteLine(out, form, headings);
+  for (const std::vector<AnswerCell>& row : table.rows) {
+    WriteLine(out, form, TextsOf(table, row));
+  }
+  if (form == OutputForm::kPlain && !table.rows.empty() && !table.total.empty()) {
+    WriteLine(out, form, TextsOf(table, table.total));
+  }
 }
 
 Json OrNull(const std::optional<Date>& date) { return date ? Json(StoredText(*date)) : Json(); }

@@ -14,6 +14,7 @@
 #include "ctl/command.h"
 #include "ctl/output.h"
 #include "insight/question.h"
+#include "insight/tables.h"
 
 namespace CLI {  // NOLINT(readability-identifier-naming): named by the library
 class App;
@@ -60,18 +61,10 @@ CLI::Option* AddAmount(CLI::App& app, const std::string& name, const std::string
 // What is left out and which names are alike, on the error stream.
 void WriteNotes(Session& session, const InsightNotes& notes);
 
-// Writes objects in the chosen form. Plain and CSV have the keys of `prototype` as their headings,
-// those of inner objects after a point; a number whose last key is in `percents` has one decimal
-// there, and a missing value is empty, or "(none)" if its last key is in `names`.
-struct RecordForm {
-  Json prototype;
-  std::vector<std::string_view> percents = {};
-  std::vector<std::string_view> names = {};
-};
-void WriteRecords(std::ostream& out, OutputForm form, const RecordForm& records,
-                  const std::vector<Json>& rows);
-// One line of such an output, plain or CSV.
-[[nodiscard]] std::vector<std::string> CellsOf(const RecordForm& records, const Json& row);
+// Writes an answer in the chosen form: a table with the keys of its columns as headings, or an
+// array of objects with inner objects for keys with a point. A total goes below a plain table only.
+void WriteAnswer(std::ostream& out, OutputForm form, const AnswerTable& table);
+[[nodiscard]] Json ToJson(const AnswerTable& table);
 
 // null for nothing.
 template <typename Value>

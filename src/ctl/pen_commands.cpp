@@ -21,8 +21,6 @@
 namespace vrx {
 namespace {
 
-constexpr std::size_t kHoursAndMinutes = 5;
-
 std::string ReadInput(const std::string& file) {
   constexpr std::size_t kMostBytes = 16 * 1024 * 1024;
   std::string text = ReadFileBytes(file, kMostBytes);
@@ -39,22 +37,6 @@ void WriteUnknown(Session& session, const std::vector<std::string>& names,
     session.Context().err << "No record of the answer has the " << noun << " '" << name
                           << "' of the file.\n";
   }
-}
-
-Json ToJson(const DeliveredLine& line) {
-  return {
-      {"pen", OrNull(line.pen)},
-      {"date", StoredText(line.date)},
-      {"called", OrNull(line.called)},
-      {"delivered", OrNull(line.delivered)},
-      {"feedings", line.feedings},
-      {"mean7", OrNull(line.mean7)},
-      {"recipe", OrNull(line.recipe)},
-      {"recipeChanged", line.recipe_changed},
-      {"first", line.first ? Json(StoredText(*line.first).substr(0, kHoursAndMinutes)) : Json()},
-      {"firstShift", OrNull(line.first_shift)},
-      {"missed", line.missed},
-      {"perHead", OrNull(line.per_head)}};
 }
 
 class DeliveredCommand : public Command {
@@ -83,12 +65,7 @@ class DeliveredCommand : public Command {
       const Delivered answer = ReadDelivered(database, about, heads, progress);
       WriteNotes(session, answer.notes);
       WriteUnknown(session, answer.unknown_pens, "pen");
-      std::vector<Json> rows;
-      for (const DeliveredLine& line : answer.lines) {
-        rows.push_back(ToJson(line));
-      }
-      WriteRecords(session.Out(), options_.Form(),
-                   {.prototype = ToJson(DeliveredLine()), .names = {"pen"}}, rows);
+      WriteAnswer(session.Out(), options_.Form(), TableOf(answer));
       return kDone;
     });
   }
@@ -97,22 +74,6 @@ class DeliveredCommand : public Command {
   InsightOptions options_;
   std::string heads_;
 };
-
-Json Forward(const TraceLine& line) {
-  return {{"transaction", OrNull(line.transaction)},
-          {"date", OrNull(line.date)},
-          {"recipe", OrNull(line.recipe)},
-          {"operator", OrNull(line.operator_id)},
-          {"pen", OrNull(line.pen)},
-          {"weight", OrNull(line.weight)},
-          {"share", OrNull(line.share)}};
-}
-
-Json Backward(const TraceLine& line) {
-  return {{"transaction", OrNull(line.transaction)}, {"date", OrNull(line.date)},
-          {"recipe", OrNull(line.recipe)},           {"operator", OrNull(line.operator_id)},
-          {"ingredient", OrNull(line.ingredient)},   {"weight", OrNull(line.weight)}};
-}
 
 class TraceCommand : public Command {
  public:
@@ -140,15 +101,8 @@ class TraceCommand : public Command {
       const Trace answer = forward ? TraceIngredient(database, about, progress)
                                    : TracePen(database, about, progress);
       WriteNotes(session, answer.notes);
-      std::vector<Json> rows;
-      for (const TraceLine& line : answer.lines) {
-        rows.push_back(forward ? Forward(line) : Backward(line));
-      }
-      WriteRecords(session.Out(), options_.Form(),
-                   {.prototype = forward ? Forward({}) : Backward({}),
-                    .percents = {"share"},
-                    .names = {"recipe", "operator", "ingredient"}},
-                   rows);
+      WriteAnswer(session.Out(), options_.Form(),
+                  forward ? ForwardTable(answer) : BackwardTable(answer));
       return kDone;
     });
   }
@@ -156,15 +110,6 @@ class TraceCommand : public Command {
  private:
   InsightOptions options_;
 };
-
-Json ToJson(const HoldingLine& line) {
-  const auto text = [](const std::optional<Moment>& moment) {
-    return moment ? Json(TextOf(*moment)) : Json();
-  };
-  return {{"pen", OrNull(line.pen)},     {"last", text(line.last)},
-          {"since", text(line.since)},   {"until", text(line.until)},
-          {"state", TextOf(line.state)}, {"why", line.why.empty() ? Json() : Json(line.why)}};
-}
 
 class HoldingCommand : public Command {
  public:
@@ -196,12 +141,7 @@ class HoldingCommand : public Command {
         session, transactions_, [&](SQLite::Database& database, const InsightProgress& progress) {
           const Holding answer = ReadHolding(database, question_, progress);
           WriteNotes(session, answer.notes);
-          std::vector<Json> rows;
-          for (const HoldingLine& line : answer.lines) {
-            rows.push_back(ToJson(line));
-          }
-          WriteRecords(session.Out(), output_.Form(),
-                       {.prototype = ToJson(HoldingLine()), .names = {"pen"}}, rows);
+          WriteAnswer(session.Out(), output_.Form(), TableOf(answer));
           session.Context().err
               << "Pens, not animals; names, not drug lots. It is no proof that the wagon was "
                  "cleaned.\n";
@@ -215,16 +155,6 @@ class HoldingCommand : public Command {
   std::string on_;
   OutputOptions output_;
 };
-
-Json ToJson(const UseLine& line) {
-  return {{"ingredient", OrNull(line.ingredient)},
-          {"used", line.used},
-          {"cost", OrNull(line.cost)},
-          {"over", OrNull(line.over)},
-          {"under", OrNull(line.under)},
-          {"net", OrNull(line.net)},
-          {"shrink", OrNull(line.shrink)}};
-}
 
 class UseCommand : public Command {
  public:
@@ -257,13 +187,7 @@ class UseCommand : public Command {
       const Use answer = ReadUse(database, question, progress);
       WriteNotes(session, answer.notes);
       WriteUnknown(session, answer.unknown, "ingredient");
-      std::vector<Json> rows;
-      for (const UseLine& line : answer.lines) {
-        rows.push_back(ToJson(line));
-      }
-      WriteRecords(
-          session.Out(), options_.Form(),
-          {.prototype = ToJson(UseLine()), .percents = {"shrink"}, .names = {"ingredient"}}, rows);
+      WriteAnswer(session.Out(), options_.Form(), TableOf(answer));
       return kDone;
     });
   }

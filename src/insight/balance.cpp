@@ -1,3 +1,4 @@
+#include <algorithm>
 #include <chrono>
 #include <cstddef>
 #include <map>
@@ -17,13 +18,15 @@ constexpr DayNumber kMedianDays = 30;
 struct BatchWeights {
   Exact loaded;
   Exact fed;
+  std::int32_t seconds = kNoTime;  // of the first row with a time
 };
 
 class BalanceTests {
  public:
   BalanceTests(const BalanceQuestion& question, WeightUnit unit)
       : percent_(CheckedLimit(question.percent, "percent")),
-        weight_(question.weight, unit, "weight") {}
+        weight_(question.weight, unit, "weight"),
+        least_(question.weight.In(unit)) {}
 
   [[nodiscard]] BalanceState StateOf(const Batch& batch, const BatchWeights& weights) const {
     if (!batch.has_delivery) {
@@ -38,9 +41,15 @@ class BalanceTests {
     return out ? BalanceState::kOut : BalanceState::kBalanced;
   }
 
+  // The larger limit.
+  [[nodiscard]] double LimitOf(const BatchWeights& weights) const {
+    return std::max(Quotient(weights.loaded * percent_, Exact::Whole(100)), least_);
+  }
+
  private:
   Exact percent_;
   LimitTest weight_;
+  double least_;  // the limit as a weight, in the database's unit
 };
 
 std::optional<double> PercentIfPositive(const Exact& part, const Exact& whole) {
@@ -57,7 +66,7 @@ void CountState(Balance& answer, BalanceState state) {
 std::vector<BalanceDay> DaysOf(const std::map<DayNumber, BatchWeights>& weights) {
   std::vector<BalanceDay> days;
   for (auto day = weights.begin(); day != weights.end(); ++day) {
-    const auto& [loaded, fed] = day->second;
+    const auto& [loaded, fed, seconds] = day->second;
     BalanceDay shown{.date = *ToDate(day->first),
                      .loaded = loaded.ToDouble(),
                      .left = (loaded - fed).ToDouble(),
@@ -99,17 +108,21 @@ Balance ReadBalance(SQLite::Database& database, const BalanceQuestion& question,
     RecordReader reader(database, question.about, progress);
     const BalanceTests tests(question, reader.Unit());
     std::vector<BatchWeights> weights;
-    reader.Read(kReadBoth | kReadBatch | kReadRecipe | kReadOperator | kReadWeights | kReadDate,
-                [&](const Record& record) {
-                  weights.resize(reader.Batches().size());
-                  BatchWeights& batch = weights[record.batch];
-                  (record.is_load ? batch.loaded : batch.fed) += record.actual;
-                });
+    reader.Read(
+        kReadBoth | kReadBatch | kReadRecipe | kReadOperator | kReadWeights | kReadDate | kReadTime,
+        [&](const Record& record) {
+          weights.resize(reader.Batches().size());
+          BatchWeights& batch = weights[record.batch];
+          (record.is_load ? batch.loaded : batch.fed) += record.actual;
+          if (batch.seconds == kNoTime) {
+            batch.seconds = record.seconds;
+          }
+        });
     Balance answer;
     std::map<DayNumber, BatchWeights> days;
     for (const std::uint32_t index : reader.BatchesInOrder()) {
       const Batch& batch = reader.Batches()[index];
-      const auto& [loaded, fed] = weights[index];
+      const auto& [loaded, fed, seconds] = weights[index];
       const BalanceState state = tests.StateOf(batch, weights[index]);
       CountState(answer, state);
       if (batch.day != kNoDay) {
@@ -125,7 +138,9 @@ Balance ReadBalance(SQLite::Database& database, const BalanceQuestion& question,
                        .operator_id = reader.NamesOf(NameKind::kOperator).Name(batch.operator_id),
                        .left = (loaded - fed).ToDouble(),
                        .left_percent = PercentIfPositive(loaded - fed, loaded),
-                       .state = state};
+                       .state = state,
+                       .time = ToTime(seconds),
+                       .limit = tests.LimitOf(weights[index])};
       if (batch.has_load) {
         line.loaded = loaded.ToDouble();
       }

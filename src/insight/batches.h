@@ -40,6 +40,8 @@ struct BalanceLine {
   double left = 0;                          // loaded - fed
   std::optional<double> left_percent = {};  // of what was loaded; nothing if that is 0 or less
   BalanceState state = BalanceState::kBalanced;
+  std::optional<TimeOfDay> time = {};  // of the first row with one
+  double limit = 0;                    // the larger of the two, as a weight
 };
 
 // All batches of a day: scale error, spilled and carried-over feed together. It is not the feed

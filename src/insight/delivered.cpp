@@ -130,9 +130,7 @@ class DeliveredAnswer {
     line.feedings = day.feedings;
     line.recipe = reader_.NamesOf(NameKind::kRecipe).Name(day.recipe);
     line.recipe_changed = day.recipe_changed;
-    if (day.first != kNoTime) {
-      line.first = TimeOfDay{day.first / 3600, day.first / 60 % 60, day.first % 60};
-    }
+    line.first = ToTime(day.first);
     line.first_shift = ShiftOf(days, number);
     line.per_head =
         PerHead(heads_, reader_.NamesOf(NameKind::kPen).Text(pen), number, day.delivered);

@@ -102,6 +102,14 @@ DayNumber ToDayNumber(const std::optional<Date>& date) {
               : kNoDay;
 }
 
+std::optional<TimeOfDay> ToTime(std::int32_t seconds) {
+  if (seconds == kNoTime) {
+    return std::nullopt;
+  }
+  constexpr int kMinute = 60;
+  return TimeOfDay{seconds / (kMinute * kMinute), seconds / kMinute % kMinute, seconds % kMinute};
+}
+
 std::optional<Date> ToDate(DayNumber day) {
   return day == kNoDay ? std::nullopt
                        : std::optional<Date>(std::chrono::sys_days(std::chrono::days(day)));

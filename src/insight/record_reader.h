@@ -12,6 +12,7 @@
 
 #include <SQLiteCpp/Database.h>
 
+#include "base/date.h"
 #include "insight/exact.h"
 #include "insight/import_units.h"
 #include "insight/names.h"
@@ -29,6 +30,8 @@ inline constexpr DayNumber kNoDay = std::numeric_limits<DayNumber>::min();
 
 inline constexpr std::int32_t kNoTime = -1;
 inline constexpr std::int64_t kSecondsAMinute = 60;
+// Nothing for kNoTime.
+[[nodiscard]] std::optional<TimeOfDay> ToTime(std::int32_t seconds);
 
 // Which rows a scan reads and which of their columns; all others of a record stay empty.
 enum ReadFlags : unsigned {

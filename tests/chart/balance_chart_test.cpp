@@ -97,5 +97,25 @@ TEST(BalancePicture, NumbersThatAreNotFiniteAreLeftOut) {
   EXPECT_THAT(PictureOf(chart, kPictureSize, Look{}).hits, IsEmpty());
 }
 
+TEST(BalancePicture, AMarkHasTheMomentAndTheLimitOfItsBatch) {
+  Balance balance;
+  balance.notes.units = "KG";
+  balance.lines = {{.transaction = 7,
+                    .date = std::chrono::year(1970) / 1 / 3,
+                    .left = -60,
+                    .state = BalanceState::kOut,
+                    .time = TimeOfDay{12, 0, 0},
+                    .limit = 50},
+                   {.transaction = 8, .left = 3}};
+  const BalanceChart chart = BalanceChartOf(balance);
+  EXPECT_EQ(chart.units, "KG");
+  ASSERT_THAT(chart.batches, SizeIs(2));
+  EXPECT_EQ(chart.batches[0].day, 2.5);
+  EXPECT_EQ(chart.batches[0].left, -60);
+  EXPECT_EQ(chart.batches[0].limit, 50);
+  EXPECT_EQ(chart.batches[0].transaction, 7);
+  EXPECT_EQ(PictureOf(chart, kPictureSize, Look{}).hits.size(), 1U);
+}
+
 }  // namespace
 }  // namespace vrx::testing

@@ -148,5 +148,23 @@ TEST(DeviationPicture, NumbersThatAreNotFiniteAreLeftOut) {
   EXPECT_THAT(PictureOf(chart, kPictureSize, Look{}).hits, IsEmpty());
 }
 
+TEST(DeviationPicture, IsOfTheLoadsAndTheMediansByDay) {
+  Loads loads;
+  loads.dots = {{.day = 2.5, .percent = 1}};
+  loads.ranges = {{-0.5, 0, 3}};
+  Accuracy by_day;
+  by_day.limits.percent = 3;
+  by_day.groups = {{.key = {"1970-01-03"}, .figures = {.median = 1}}, {.key = {std::nullopt}}};
+  by_day.total.median = 0.5;
+  const DeviationChart chart = DeviationChartOf(loads, by_day);
+  EXPECT_EQ(chart.limit, 3);
+  ASSERT_EQ(chart.days.size(), 1U);
+  EXPECT_EQ(chart.days[0].date, std::chrono::year(1970) / 1 / 3);
+  ASSERT_EQ(chart.loads.size(), 1U);
+  const DistributionChart distribution = DistributionChartOf(loads, by_day);
+  EXPECT_EQ(distribution.median, 0.5);
+  EXPECT_EQ(distribution.ranges.at(0).count, 3);
+}
+
 }  // namespace
 }  // namespace vrx::testing

@@ -7,6 +7,7 @@
 #include <utility>
 
 #include "chart/scale.h"
+#include "insight/load_deviations.h"
 
 namespace vrx::testing {
 namespace {
@@ -93,12 +94,12 @@ DeviationChart SampleDeviations(std::size_t loads, int days) {
 
 DistributionChart SampleDistribution(std::size_t loads) {
   Numbers numbers;
-  std::vector<double> percents(loads);
-  for (double& percent : percents) {
-    percent = numbers.Part() < 0.02 ? 60 * numbers.Part() - 20 : numbers.Around(2.2) - 0.4;
-  }
   DistributionChart chart;
-  chart.ranges = CountInRanges(percents, chart.limit);
+  DeviationCounts counts(chart.limit);
+  for (std::size_t i = 0; i < loads; ++i) {
+    counts.Add(numbers.Part() < 0.02 ? 60 * numbers.Part() - 20 : numbers.Around(2.2) - 0.4);
+  }
+  chart.ranges = counts.Ranges();
   if (loads > 0) {
     chart.median = -0.4;
   }

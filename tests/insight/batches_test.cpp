@@ -84,6 +84,17 @@ TEST_F(WholeBatches, HaveTheLimitOfBalanceInKilograms) {
   EXPECT_THAT(States({}), ElementsAre("2 out"));
 }
 
+TEST_F(WholeBatches, HaveTheLargerLimitAndTheTimeOfTheFirstRow) {
+  SetUnit("KG");
+  Load(1, "CORN", 1000, 1000, "'1', '2026-01-05', '06:30:00'");
+  Load(2, "CORN", 10000, 10000, "'1', '2026-01-05', NULL");
+  const Balance answer = ReadBalance(database, {});
+  EXPECT_EQ(answer.lines.at(0).limit, 50);
+  EXPECT_EQ(answer.lines[0].time, (TimeOfDay{6, 30, 0}));
+  EXPECT_EQ(answer.lines.at(1).limit, 200);
+  EXPECT_EQ(answer.lines[1].time, std::nullopt);
+}
+
 TEST_F(WholeBatches, HaveAMedianOfThirtyDays) {
   Batch(1, "2026-01-01", 100, 99);
   Batch(2, "2026-01-02", 100, 96);

@@ -1,4 +1,4 @@
-#include "chart/deviation_loads.h"
+#include "insight/load_deviations.h"
 
 #include <cmath>
 #include <cstdint>

@@ -1,0 +1,112 @@
+#include "base/translation.h"
+#include "insight/table_cells.h"
+#include "insight/tables.h"
+
+namespace vrx {
+namespace {
+
+constexpr std::string_view kHowTrace = TrMark(
+    "The ingredient's share of a batch, times what each pen was fed of it. By names as stored; "
+    "the weights can differ by tenths from those in the records, which were rounded on the way.");
+
+AnswerCell MomentCell(const std::optional<Moment>& moment) {
+  return moment ? AnswerCell(TextOf(*moment)) : AnswerCell();
+}
+
+}  // namespace
+
+AnswerTable TableOf(const Delivered& answer) {
+  AnswerTable table{
+      .columns = {{"pen", TrMark("Pen"), CellKind::kName},
+                  {"date", TrMark("Date"), CellKind::kDay},
+                  {"called", TrMark("Called"), CellKind::kWeight},
+                  {"delivered", TrMark("Delivered"), CellKind::kWeight},
+                  {"feedings", TrMark("Feedings"), CellKind::kCount},
+                  {"mean7", TrMark("Mean of 7 days"), CellKind::kWeight},
+                  {"recipe", TrMark("Recipe"), CellKind::kText},
+                  {"recipeChanged", TrMark("Recipe changed"), CellKind::kYesNo},
+                  {"first", TrMark("First"), CellKind::kText},
+                  {"firstShift", TrMark("Later than usual"), CellKind::kMinutes},
+                  {"missed", TrMark("Missed"), CellKind::kYesNo},
+                  {"perHead", TrMark("Per head"), CellKind::kWeight}},
+      .how = TrMark("What each pen was called for and was fed on each day, with the mean of seven "
+                    "days and the time of the first delivery, in minutes after the median of the "
+                    "14 days before.")};
+  for (const DeliveredLine& line : answer.lines) {
+    table.rows.push_back({CellOf(line.pen), StoredText(line.date), CellOf(line.called),
+                          CellOf(line.delivered), line.feedings, CellOf(line.mean7),
+                          CellOf(line.recipe), line.recipe_changed, CellOf(line.first),
+                          CellOf(line.first_shift), line.missed, CellOf(line.per_head)});
+  }
+  return table;
+}
+
+AnswerTable ForwardTable(const Trace& answer) {
+  AnswerTable table{.columns = {{"transaction", TrMark("Batch"), CellKind::kCount},
+                                {"date", TrMark("Date"), CellKind::kDay},
+                                {"recipe", TrMark("Recipe"), CellKind::kName},
+                                {"operator", TrMark("Operator"), CellKind::kName},
+                                {"pen", TrMark("Pen"), CellKind::kText},
+                                {"weight", TrMark("Weight"), CellKind::kWeight},
+                                {"share", TrMark("Share %"), CellKind::kPercent}},
+                    .how = kHowTrace};
+  for (const TraceLine& line : answer.lines) {
+    table.rows.push_back({CellOf(line.transaction), CellOf(line.date), CellOf(line.recipe),
+                          CellOf(line.operator_id), CellOf(line.pen), CellOf(line.weight),
+                          CellOf(line.share)});
+  }
+  return table;
+}
+
+AnswerTable BackwardTable(const Trace& answer) {
+  AnswerTable table{.columns = {{"transaction", TrMark("Batch"), CellKind::kCount},
+                                {"date", TrMark("Date"), CellKind::kDay},
+                                {"recipe", TrMark("Recipe"), CellKind::kName},
+                                {"operator", TrMark("Operator"), CellKind::kName},
+                                {"ingredient", TrMark("Ingredient"), CellKind::kName},
+                                {"weight", TrMark("Weight"), CellKind::kWeight}},
+                    .how = kHowTrace};
+  for (const TraceLine& line : answer.lines) {
+    table.rows.push_back({CellOf(line.transaction), CellOf(line.date), CellOf(line.recipe),
+                          CellOf(line.operator_id), CellOf(line.ingredient), CellOf(line.weight)});
+  }
+  return table;
+}
+
+AnswerTable TableOf(const Holding& answer) {
+  AnswerTable table{.columns = {{"pen", TrMark("Pen"), CellKind::kName},
+                                {"last", TrMark("Last with it"), CellKind::kText},
+                                {"since", TrMark("Without it since"), CellKind::kText},
+                                {"until", TrMark("Until"), CellKind::kText},
+                                {"state", TrMark("State"), CellKind::kText},
+                                {"why", TrMark("Why"), CellKind::kText}},
+                    .how = TrMark("The days begin with a pen's first delivery without the "
+                                  "ingredient. Pens, not animals; names, not drug lots. It is no "
+                                  "proof that the wagon was cleaned.")};
+  for (const HoldingLine& line : answer.lines) {
+    table.rows.push_back({CellOf(line.pen), MomentCell(line.last), MomentCell(line.since),
+                          MomentCell(line.until), std::string(TextOf(line.state)),
+                          CellOf(line.why)});
+  }
+  return table;
+}
+
+AnswerTable TableOf(const Use& answer) {
+  AnswerTable table{.columns = {{"ingredient", TrMark("Ingredient"), CellKind::kName},
+                                {"used", TrMark("Used"), CellKind::kWeight},
+                                {"cost", TrMark("Cost"), CellKind::kMoney},
+                                {"over", TrMark("Cost of over"), CellKind::kMoney},
+                                {"under", TrMark("Cost of under"), CellKind::kMoney},
+                                {"net", TrMark("Net cost"), CellKind::kMoney},
+                                {"shrink", TrMark("Shrink %"), CellKind::kPercent}},
+                    .how = TrMark("What was loaded of each ingredient. Cost comes from a file of "
+                                  "prices, shrink from a file of stock: what is gone and was not "
+                                  "used.")};
+  for (const UseLine& line : answer.lines) {
+    table.rows.push_back({CellOf(line.ingredient), line.used, CellOf(line.cost), CellOf(line.over),
+                          CellOf(line.under), CellOf(line.net), CellOf(line.shrink)});
+  }
+  return table;
+}
+
+}  // namespace vrx
