@@ -6,6 +6,7 @@
 
 #include "database/connection.h"
 #include "insight/accuracy_figures.h"
+#include "insight/batch_weights.h"
 #include "insight/batches.h"
 #include "insight/deviations.h"
 #include "insight/record_reader.h"
@@ -14,43 +15,6 @@ namespace vrx {
 namespace {
 
 constexpr DayNumber kMedianDays = 30;
-
-struct BatchWeights {
-  Exact loaded;
-  Exact fed;
-  std::int32_t seconds = kNoTime;  // of the first row with a time
-};
-
-class BalanceTests {
- public:
-  BalanceTests(const BalanceQuestion& question, WeightUnit unit)
-      : percent_(CheckedLimit(question.percent, "percent")),
-        weight_(question.weight, unit, "weight"),
-        least_(question.weight.In(unit)) {}
-
-  [[nodiscard]] BalanceState StateOf(const Batch& batch, const BatchWeights& weights) const {
-    if (!batch.has_delivery) {
-      return BalanceState::kNeverFed;
-    }
-    if (!batch.has_load) {
-      return BalanceState::kNeverLoaded;
-    }
-    const Exact amount = (weights.loaded - weights.fed).Abs();
-    const bool out =
-        amount * Exact::Whole(100) > weights.loaded * percent_ && weight_.Compare(amount) > 0;
-    return out ? BalanceState::kOut : BalanceState::kBalanced;
-  }
-
-  // The larger limit.
-  [[nodiscard]] double LimitOf(const BatchWeights& weights) const {
-    return std::max(Quotient(weights.loaded * percent_, Exact::Whole(100)), least_);
-  }
-
- private:
-  Exact percent_;
-  LimitTest weight_;
-  double least_;  // the limit as a weight, in the database's unit
-};
 
 std::optional<double> PercentIfPositive(const Exact& part, const Exact& whole) {
   return whole.Sign() > 0 ? std::optional(Percent(part, whole)) : std::nullopt;
@@ -66,7 +30,7 @@ void CountState(Balance& answer, BalanceState state) {
 std::vector<BalanceDay> DaysOf(const std::map<DayNumber, BatchWeights>& weights) {
   std::vector<BalanceDay> days;
   for (auto day = weights.begin(); day != weights.end(); ++day) {
-    const auto& [loaded, fed, seconds] = day->second;
+    const auto& [loaded, fed, seconds, rows] = day->second;
     BalanceDay shown{.date = *ToDate(day->first),
                      .loaded = loaded.ToDouble(),
                      .left = (loaded - fed).ToDouble(),
@@ -112,17 +76,13 @@ Balance ReadBalance(SQLite::Database& database, const BalanceQuestion& question,
         kReadBoth | kReadBatch | kReadRecipe | kReadOperator | kReadWeights | kReadDate | kReadTime,
         [&](const Record& record) {
           weights.resize(reader.Batches().size());
-          BatchWeights& batch = weights[record.batch];
-          (record.is_load ? batch.loaded : batch.fed) += record.actual;
-          if (batch.seconds == kNoTime) {
-            batch.seconds = record.seconds;
-          }
+          weights[record.batch].Add(record);
         });
     Balance answer;
     std::map<DayNumber, BatchWeights> days;
     for (const std::uint32_t index : reader.BatchesInOrder()) {
       const Batch& batch = reader.Batches()[index];
-      const auto& [loaded, fed, seconds] = weights[index];
+      const auto& [loaded, fed, seconds, rows] = weights[index];
       const BalanceState state = tests.StateOf(batch, weights[index]);
       CountState(answer, state);
       if (batch.day != kNoDay) {

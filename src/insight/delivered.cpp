@@ -2,10 +2,12 @@
 #include <cstddef>
 #include <map>
 #include <set>
+#include <tuple>
 #include <utility>
 
 #include "database/connection.h"
 #include "insight/deviations.h"
+#include "insight/names.h"
 #include "insight/pens.h"
 #include "insight/record_reader.h"
 
@@ -27,6 +29,7 @@ struct DayOfPen {
 struct PenDelivery {
   DayNumber day;
   std::int32_t seconds;
+  std::int64_t rowid;
   NameId recipe;
   Exact called;
   Exact delivered;
@@ -34,11 +37,14 @@ struct PenDelivery {
 
 using DaysOfPen = std::map<DayNumber, DayOfPen>;
 
-// In order of date and time; equal times stay in stored order.
+// In order of date and time; equal times are in stored order.
+bool IsBefore(const PenDelivery& one, const PenDelivery& other) {
+  return std::tie(one.day, one.seconds, one.rowid) <
+         std::tie(other.day, other.seconds, other.rowid);
+}
+
 DaysOfPen DaysOf(std::vector<PenDelivery>& deliveries) {
-  std::stable_sort(deliveries.begin(), deliveries.end(), [](const auto& one, const auto& other) {
-    return std::pair(one.day, one.seconds) < std::pair(other.day, other.seconds);
-  });
+  std::sort(deliveries.begin(), deliveries.end(), IsBefore);
   DaysOfPen days;
   const PenDelivery* before = nullptr;
   for (const PenDelivery& delivery : deliveries) {
@@ -141,6 +147,92 @@ class DeliveredAnswer {
   const Heads& heads_;
 };
 
+using DeliveriesOfPens = std::map<NameId, std::vector<PenDelivery>>;
+
+// Reads the deliveries that the lines of a question need.
+class DeliveryReader {
+ public:
+  DeliveryReader(SQLite::Database& database, RecordReader& reader, const Question& question)
+      : database_(database),
+        reader_(reader),
+        question_(question),
+        wanted_(reader.IdOf(question.pen, NameKind::kPen)) {}
+
+  DeliveriesOfPens Read() {
+    const std::optional<Date> first = DayOf("min");
+    const std::optional<Date> last = DayOf("max");
+    const bool whole_batches = question_.recipe || question_.ingredient || question_.operator_id;
+    if (question_.from && first && last && !whole_batches &&
+        (!question_.to || *last <= *question_.to)) {
+      ReadLastDays(ToDayNumber(first), *last);
+    } else {
+      reader_.Read(kColumns, [this](const Record& record) { Take(record); });
+    }
+    return std::move(deliveries_);
+  }
+
+ private:
+  static constexpr unsigned kColumns =
+      kReadDeliveries | kReadRecipe | kReadPen | kReadWeights | kReadDate | kReadTime;
+  static constexpr int kFirstStep = 32;  // days
+
+  void Take(const Record& record) {
+    if (record.day != kNoDay && (wanted_ == kNoName || record.pen == wanted_)) {
+      deliveries_[record.pen].push_back(
+          {record.day, record.seconds, record.rowid, record.recipe, record.target, record.actual});
+    }
+  }
+
+  // Nothing if it is no date.
+  [[nodiscard]] std::optional<Date> DayOf(const std::string& function) const {
+    return ParseStoredDate(database_
+                               .execAndGet("SELECT ifnull(" + function +
+                                           "([Date]), '') FROM Transactions WHERE [Date] > ''")
+                               .getString());
+  }
+
+  // After the last day of the question nothing was delivered: the days that means and medians reach
+  // back to are enough, and of a pen that was not fed on them its last delivery before.
+  void ReadLastDays(DayNumber first, const Date& last) {
+    const DayNumber from = ToDayNumber(question_.from);
+    DayNumber start = from - kShiftDays;
+    reader_.ReadDates(kColumns, *ToDate(start), last,
+                      [this](const Record& record) { Take(record); });
+    std::set<NameId> open;
+    for (const auto& [pen, of_pen] : deliveries_) {
+      if (std::ranges::min_element(of_pen, IsBefore)->day > from - kMeanDays + 1) {
+        open.insert(pen);
+      }
+    }
+    for (int step = kFirstStep; !open.empty() && first < start; step *= 2) {
+      const DayNumber before = start - 1;
+      start = std::max(first, start - step);
+      std::map<NameId, PenDelivery> found;
+      reader_.ReadDates(kColumns, *ToDate(start), *ToDate(before), [&](const Record& record) {
+        if (!open.contains(record.pen)) {
+          return;
+        }
+        const PenDelivery delivery{record.day,    record.seconds, record.rowid,
+                                   record.recipe, record.target,  record.actual};
+        const auto [known, is_new] = found.try_emplace(record.pen, delivery);
+        if (!is_new && IsBefore(known->second, delivery)) {
+          known->second = delivery;
+        }
+      });
+      for (auto& [pen, delivery] : found) {
+        deliveries_[pen].push_back(delivery);
+        open.erase(pen);
+      }
+    }
+  }
+
+  SQLite::Database& database_;
+  RecordReader& reader_;
+  const Question& question_;
+  NameId wanted_;
+  DeliveriesOfPens deliveries_;
+};
+
 }  // namespace
 
 Delivered ReadDelivered(SQLite::Database& database, const Question& question,
@@ -151,14 +243,7 @@ Delivered ReadDelivered(SQLite::Database& database, const Question& question,
     without_period.from = without_period.to = std::nullopt;
     RecordReader reader(database, without_period, progress);
     const NameId wanted = reader.IdOf(question.pen, NameKind::kPen);
-    std::map<NameId, std::vector<PenDelivery>> deliveries;
-    reader.Read(kReadDeliveries | kReadRecipe | kReadPen | kReadWeights | kReadDate | kReadTime,
-                [&](const Record& record) {
-                  if (record.day != kNoDay && (wanted == kNoName || record.pen == wanted)) {
-                    deliveries[record.pen].push_back(
-                        {record.day, record.seconds, record.recipe, record.target, record.actual});
-                  }
-                });
+    DeliveriesOfPens deliveries = DeliveryReader(database, reader, question).Read();
     Heads heads_of;
     for (const HeadCount& count : heads) {
       heads_of[count.pen][ToDayNumber(count.from)] = count.heads;
@@ -175,7 +260,7 @@ Delivered ReadDelivered(SQLite::Database& database, const Question& question,
     std::stable_sort(answer.lines.begin(), answer.lines.end(),
                      [](const auto& left, const auto& right) { return left.pen < right.pen; });
     for (const auto& [pen, counts] : heads_of) {
-      if (!pens.contains(pen) && wanted == kNoName) {
+      if (!pens.contains(pen) && wanted == kNoName && !HasName(database, NameKind::kPen, pen)) {
         answer.unknown_pens.push_back(pen);
       }
     }

@@ -41,28 +41,6 @@ std::string TypeCondition(NameKind kind) {
   }
 }
 
-// Searches an index, once for each range of transactions if its indexes have ranges.
-bool HasName(SQLite::Database& database, NameKind kind, const std::string& name) {
-  const std::string column = ColumnOf(kind);
-  std::string text = "SELECT 1 FROM " + std::string(kTransactionsTable) + " WHERE ";
-  std::optional<std::vector<std::int64_t>> ranges;
-  if (kind == NameKind::kOperator) {
-    text += "CAST(UserID AS INTEGER) = CAST(?1 AS INTEGER) AND ";
-  } else {
-    ranges = ReadTransactionRanges(database, column + ", Type");
-  }
-  text += column + " = ?1" + TypeCondition(kind);
-  if (ranges) {
-    text += InTransactionRanges("?2");
-  }
-  SQLite::Statement query(database, text + " LIMIT 1");
-  query.bind(1, name);
-  if (ranges) {
-    query.bind(2, JsonArray(*ranges));
-  }
-  return query.executeStep();
-}
-
 // Reads the whole table, but only for a name that does not exist.
 std::string NamesLike(SQLite::Database& database, NameKind kind, const std::string& name) {
   SQLite::Statement query(database, "SELECT DISTINCT " + ColumnOf(kind) + " FROM " +
@@ -128,6 +106,27 @@ bool NameIsBefore(NameKind kind, const std::optional<std::string>& left,
     }
   }
   return left < right;
+}
+
+bool HasName(SQLite::Database& database, NameKind kind, const std::string& name) {
+  const std::string column = ColumnOf(kind);
+  std::string text = "SELECT 1 FROM " + std::string(kTransactionsTable) + " WHERE ";
+  std::optional<std::vector<std::int64_t>> ranges;
+  if (kind == NameKind::kOperator) {
+    text += "CAST(UserID AS INTEGER) = CAST(?1 AS INTEGER) AND ";
+  } else {
+    ranges = ReadTransactionRanges(database, column + ", Type");
+  }
+  text += column + " = ?1" + TypeCondition(kind);
+  if (ranges) {
+    text += InTransactionRanges("?2");
+  }
+  SQLite::Statement query(database, text + " LIMIT 1");
+  query.bind(1, name);
+  if (ranges) {
+    query.bind(2, JsonArray(*ranges));
+  }
+  return query.executeStep();
 }
 
 void CheckNames(SQLite::Database& database, const Question& question) {

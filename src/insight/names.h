@@ -49,6 +49,10 @@ class Names {
 [[nodiscard]] bool NameIsBefore(NameKind kind, const std::optional<std::string>& left,
                                 const std::optional<std::string>& right);
 
+// Whether a record has the name. Searches an index, once for each range of transactions. Throws
+// SQLite::Exception.
+[[nodiscard]] bool HasName(SQLite::Database& database, NameKind kind, const std::string& name);
+
 // Throws QuestionError if a name of the question is in no record; its text lists the names that
 // differ by case only. Throws DatabaseError.
 void CheckNames(SQLite::Database& database, const Question& question);

@@ -13,16 +13,14 @@
 
 #include "database/connection.h"
 #include "database/transactions.h"
+#include "insight/dated_rows.h"
 #include "insight/row_scan.h"
 
 namespace vrx {
 namespace {
 
 constexpr std::int64_t kRowsPerReport = 4096;
-// Runs of rows with a smaller gap are read as one; the rows between them are skipped.
-constexpr std::int64_t kReadOver = 64;
-constexpr std::string_view kLoadType = "BATCH";
-constexpr std::string_view kDeliveryType = "FEED";
+constexpr std::int64_t kUnknownTotal = -1;
 constexpr std::string_view kNoUser = "-1";  // how some databases store a missing user
 
 // The columns of a scan.
@@ -39,8 +37,6 @@ enum Cell {
   kDay,
   kTime
 };
-
-bool Counts(std::string_view type) { return type == kLoadType || type == kDeliveryType; }
 
 // NULL stands for a column that is not read.
 std::string ColumnsOf(unsigned flags) {
@@ -60,40 +56,12 @@ std::string ColumnsOf(unsigned flags) {
   return text + column(kReadDate, "Date") + column(kReadTime, "Time");
 }
 
-std::string RowsOf(unsigned flags) {
-  std::string text = "FROM Transactions NOT INDEXED WHERE rowid BETWEEN ?1 AND ?2";
-  if ((flags & kReadBoth) != kReadBoth) {
-    text += (flags & kReadLoads) != 0 ? " AND Type = 'BATCH'" : " AND Type = 'FEED'";
+std::string TypeCondition(unsigned flags) {
+  if ((flags & kReadBoth) == kReadBoth) {
+    return {};
   }
-  return text;
+  return (flags & kReadLoads) != 0 ? " AND Type = 'BATCH'" : " AND Type = 'FEED'";
 }
-
-std::string DayCondition(const Question& question) {
-  std::string condition = "[Date] > ''";
-  if (question.from) {
-    condition += " AND [Date] >= '" + StoredText(*question.from) + "'";
-  }
-  if (question.to) {
-    condition += " AND [Date] <= '" + StoredText(*question.to) + "'";
-  }
-  return condition;
-}
-
-// Most rows have the date of the row before.
-class DayReader {
- public:
-  DayNumber Read(std::string_view text) {
-    if (text != text_ || text.empty()) {
-      text_ = text;
-      day_ = ToDayNumber(ParseStoredDate(text));
-    }
-    return day_;
-  }
-
- private:
-  std::string text_;
-  DayNumber day_ = kNoDay;
-};
 
 }  // namespace
 
@@ -184,8 +152,10 @@ void RecordReader::Read(unsigned flags, const std::function<void(const Record&)>
 }
 
 void RecordReader::ReadRuns(Scan& scan) {
-  RowScan rows(database_, ColumnsOf(scan.flags), RowsOf(scan.flags),
-               [&](sqlite3_value** row) { Take(scan, row); });
+  RowScan rows(
+      database_, ColumnsOf(scan.flags),
+      "FROM Transactions NOT INDEXED WHERE rowid BETWEEN ?1 AND ?2" + TypeCondition(scan.flags),
+      [&](sqlite3_value** row) { Take(scan, row); });
   for (const Run& run : runs_) {
     scan.total += run.last - run.first + 1;
   }
@@ -198,10 +168,23 @@ void RecordReader::ReadRuns(Scan& scan) {
   }
 }
 
+void RecordReader::ReadDates(unsigned flags, const Date& from, const Date& to,
+                             const std::function<void(const Record&)>& take) {
+  Scan scan{.flags = flags, .take = take, .total = kUnknownTotal};
+  WithDatabaseErrors(database_, [&] {
+    RowScan rows(database_, ColumnsOf(flags),
+                 "FROM Transactions WHERE " + DayCondition(from, to) + TypeCondition(flags),
+                 [&](sqlite3_value** row) { Take(scan, row); });
+    rows.Run();
+  });
+}
+
 void RecordReader::Take(Scan& scan, sqlite3_value** row) {
   Record record{.rowid = sqlite3_value_int64(row[kRow])};
   if (++scan.rows % kRowsPerReport == 0) {
-    Report(static_cast<int>((scan.before + record.rowid - scan.first) * 100 / scan.total));
+    Report(scan.total == kUnknownTotal
+               ? 0
+               : static_cast<int>((scan.before + record.rowid - scan.first) * 100 / scan.total));
   }
   const std::string_view type = TextIn(row[kType]);
   record.is_load = type == kLoadType;
@@ -356,128 +339,6 @@ void RecordReader::ChooseByName() {
         (!question_.operator_id || batch.operator_id == Wanted(NameKind::kOperator)) &&
         (!question_.ingredient || batch.has_ingredient) && (!question_.pen || batch.has_pen);
   }
-}
-
-// The period. The indexes of dates and of numbers have all that decides which batches are in it.
-
-void RecordReader::FindRows() {
-  if (!question_.HasPeriod()) {
-    SQLite::Statement ends(database_,
-                           "SELECT min(rowid), (SELECT max(rowid) FROM Transactions) FROM "
-                           "Transactions");
-    if (ends.executeStep() && !ends.getColumn(0).isNull()) {
-      runs_.push_back({ends.getColumn(0).getInt64(), ends.getColumn(1).getInt64()});
-    }
-    return;
-  }
-  undated_ = database_
-                 .execAndGet(
-                     "SELECT count(*) FROM Transactions WHERE [Date] IS NULL AND Type IN "
-                     "('BATCH', 'FEED')")
-                 .getInt64();
-  DatedRows dated;
-  ReadPeriod(dated);
-  ChooseByPeriod(dated);
-  SettleRuns();
-  chooses_ = true;
-  days_known_ = true;
-}
-
-void RecordReader::ReadPeriod(DatedRows& dated) {
-  DayReader days;
-  RowScan rows(
-      database_, "rowid, [Transaction], Type, [Date]",
-      "FROM Transactions WHERE " + DayCondition(question_), [&](sqlite3_value** row) {
-        const std::int64_t rowid = sqlite3_value_int64(row[0]);
-        const DayNumber day = days.Read(TextIn(row[3]));
-        const std::string_view type = TextIn(row[2]);
-        if (day == kNoDay || !Counts(type) || units_.UseOf(rowid) == ImportUnits::Use::kLeftOut) {
-          return;
-        }
-        if (sqlite3_value_type(row[1]) != SQLITE_INTEGER) {
-          batch_of_row_.emplace(rowid, static_cast<std::uint32_t>(batches_.size()));
-          batches_.push_back({.rowid = rowid, .day = day});
-          AddRun(rowid);
-          return;
-        }
-        FirstRows& rows_of = dated[sqlite3_value_int64(row[1])];
-        DatedRow& first_row = type == kLoadType ? rows_of.load : rows_of.delivery;
-        if (rowid < first_row.rowid) {
-          first_row = {.rowid = rowid, .day = day};
-        }
-      });
-  rows.Run();
-}
-
-// A batch is in the period if its first load is among the rows of the period.
-void RecordReader::ChooseByPeriod(const DatedRows& dated) {
-  std::vector<std::int64_t> numbers;
-  numbers.reserve(dated.size());
-  for (const auto& [number, rows] : dated) {
-    numbers.push_back(number);
-  }
-  std::sort(numbers.begin(), numbers.end());
-  std::optional<std::int64_t> number;
-  FirstRows first;
-  std::vector<std::int64_t> rowids;
-  const auto finish = [&] {
-    if (rowids.empty()) {
-      return;
-    }
-    const FirstRows& in_period = dated.at(*number);
-    const bool has_load = first.load.rowid != kNoRow;
-    const DatedRow& decides = has_load ? in_period.load : in_period.delivery;
-    if (decides.rowid != kNoRow &&
-        decides.rowid == (has_load ? first.load.rowid : first.delivery.rowid)) {
-      batch_of_number_.emplace(*number, static_cast<std::uint32_t>(batches_.size()));
-      batches_.push_back({.number = number, .day = decides.day});
-      std::for_each(rowids.begin(), rowids.end(), [this](std::int64_t row) { AddRun(row); });
-    }
-    rowids.clear();
-  };
-  RowScan rows(database_, "number, kind, row",
-               "FROM (SELECT [Transaction] AS number, Type AS kind, rowid AS row FROM Transactions "
-               "WHERE [Transaction] IN (SELECT value FROM json_each(?1)) ORDER BY [Transaction])",
-               [&](sqlite3_value** row) {
-                 const std::int64_t rowid = sqlite3_value_int64(row[2]);
-                 const std::string_view type = TextIn(row[1]);
-                 if (!Counts(type) || units_.UseOf(rowid) == ImportUnits::Use::kLeftOut) {
-                   return;
-                 }
-                 if (const std::int64_t next = sqlite3_value_int64(row[0]); number != next) {
-                   finish();
-                   number = next;
-                   first = {};
-                 }
-                 DatedRow& first_row = type == kLoadType ? first.load : first.delivery;
-                 first_row.rowid = std::min(first_row.rowid, rowid);
-                 rowids.push_back(rowid);
-               });
-  rows.Query().bind(1, JsonArray(numbers));
-  rows.Run();
-  finish();
-}
-
-void RecordReader::AddRun(std::int64_t rowid) {
-  if (!runs_.empty() && runs_.back().last + 1 == rowid) {
-    runs_.back().last = rowid;
-  } else {
-    runs_.push_back({.first = rowid, .last = rowid});
-  }
-}
-
-void RecordReader::SettleRuns() {
-  std::sort(runs_.begin(), runs_.end(),
-            [](const Run& one, const Run& other) { return one.first < other.first; });
-  std::vector<Run> joined;
-  for (const Run& run : runs_) {
-    if (!joined.empty() && run.first - joined.back().last <= kReadOver) {
-      joined.back().last = std::max(joined.back().last, run.last);
-    } else {
-      joined.push_back(run);
-    }
-  }
-  runs_ = std::move(joined);
 }
 
 }  // namespace vrx

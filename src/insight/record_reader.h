@@ -104,6 +104,11 @@ class RecordReader {
   // DatabaseError, the latter also for a weight that is not finite.
   void Read(unsigned flags, const std::function<void(const Record&)>& take);
 
+  // Passes the rows with dates from `from` to `to` by date, whatever the day of their batch, of a
+  // question without a period. A read by the index of dates: the time depends on its rows only.
+  void ReadDates(unsigned flags, const Date& from, const Date& to,
+                 const std::function<void(const Record&)>& take);
+
   // Makes Batch::day known before a row of the batch is passed, for deliveries that are stored
   // before a load. Not needed for loads.
   void FindDays();

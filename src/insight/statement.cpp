@@ -7,6 +7,7 @@
 #include <SQLiteCpp/Statement.h>
 
 #include "database/connection.h"
+#include "insight/batch_weights.h"
 #include "insight/batches.h"
 #include "insight/completeness.h"
 #include "insight/record_reader.h"
@@ -135,24 +136,32 @@ class RecordedRows {
 void AddBatches(SQLite::Database& database, const Question& question,
                 const InsightProgress& progress, Statement& answer) {
   RecordReader reader(database, question, progress);
-  std::vector<std::int64_t> rows;
-  Exact loaded;
-  Exact fed;
+  const BalanceTests tests({}, reader.Unit());
+  std::vector<BatchWeights> weights;
   reader.Read(kReadBoth | kReadBatch | kReadWeights, [&](const Record& record) {
-    rows.resize(reader.Batches().size());
-    ++rows[record.batch];
+    weights.resize(reader.Batches().size());
+    weights[record.batch].Add(record);
     ++(record.is_load ? answer.loads : answer.deliveries);
-    (record.is_load ? loaded : fed) += record.actual;
   });
   answer.notes = reader.Notes();
+  RecordedRows recorded(database, answer.notes.left_out);
+  Exact loaded;
+  Exact fed;
+  for (std::size_t i = 0; i < weights.size(); ++i) {
+    const Batch& batch = reader.Batches()[i];
+    if (weights[i].rows == 0) {
+      continue;
+    }
+    loaded += weights[i].loaded;
+    fed += weights[i].fed;
+    const BalanceState state = tests.StateOf(batch, weights[i]);
+    ++answer.batches;
+    answer.never_fed += state == BalanceState::kNeverFed ? 1 : 0;
+    answer.out += state == BalanceState::kOut ? 1 : 0;
+    answer.not_recorded += std::max<std::int64_t>(0, weights[i].rows - recorded.Of(batch.number));
+  }
   answer.loaded = answer.loads > 0 ? std::optional(loaded.ToDouble()) : std::nullopt;
   answer.fed = answer.deliveries > 0 ? std::optional(fed.ToDouble()) : std::nullopt;
-  RecordedRows recorded(database, answer.notes.left_out);
-  for (std::size_t i = 0; i < rows.size(); ++i) {
-    answer.batches += rows[i] > 0 ? 1 : 0;
-    answer.not_recorded +=
-        std::max<std::int64_t>(0, rows[i] - recorded.Of(reader.Batches()[i].number));
-  }
 }
 
 }  // namespace
@@ -181,9 +190,6 @@ Statement ReadStatement(SQLite::Database& database, const std::optional<Date>& f
     AddBatches(database, question, progress, answer);
     AddImports(database, answer);
     AddDaysWithout(database, answer);
-    const Balance balance = ReadBalance(database, {.about = question}, progress);
-    answer.never_fed = balance.never_fed;
-    answer.out = balance.out;
     return answer;
   });
 }

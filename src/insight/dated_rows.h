@@ -1,0 +1,40 @@
+#pragma once
+
+#include <optional>
+#include <string>
+#include <string_view>
+
+#include "base/date.h"
+#include "insight/record_reader.h"
+
+namespace vrx {
+
+inline constexpr std::string_view kLoadType = "BATCH";
+inline constexpr std::string_view kDeliveryType = "FEED";
+
+// Whether rows of the type are loads or deliveries.
+[[nodiscard]] inline bool Counts(std::string_view type) {
+  return type == kLoadType || type == kDeliveryType;
+}
+
+// "[Date] >= '2026-01-05' AND [Date] <= '2026-01-11'": rows with a date, from one day to another.
+[[nodiscard]] std::string DayCondition(const std::optional<Date>& from,
+                                       const std::optional<Date>& to);
+
+// Most rows have the date of the row before.
+class DayReader {
+ public:
+  DayNumber Read(std::string_view text) {
+    if (text != text_ || text.empty()) {
+      text_ = text;
+      day_ = ToDayNumber(ParseStoredDate(text));
+    }
+    return day_;
+  }
+
+ private:
+  std::string text_;
+  DayNumber day_ = kNoDay;
+};
+
+}  // namespace vrx
