@@ -6,7 +6,6 @@
 #include <utility>
 
 #include "database/connection.h"
-#include "insight/deviations.h"
 #include "insight/names.h"
 #include "insight/pens.h"
 #include "insight/record_reader.h"
@@ -77,14 +76,18 @@ std::optional<double> MeanOf(const DaysOfPen& days, DayNumber day) {
 // Minutes after the median of the days before.
 std::optional<double> ShiftOf(const DaysOfPen& days, DayNumber day) {
   const std::int32_t first = days.at(day).first;
-  Deviations shifts;  // of the first time from those of the days before
+  std::vector<std::int32_t> times;  // seconds
   for (auto found = days.lower_bound(day - kShiftDays); found->first < day; ++found) {
     if (found->second.first != kNoTime) {
-      shifts.Add(Exact::Whole(first - found->second.first), Exact::Whole(100 * kSecondsAMinute));
+      times.push_back(found->second.first);
     }
   }
-  const auto quartiles = shifts.FindQuartiles(Exact());
-  return first == kNoTime || !quartiles ? std::nullopt : std::optional(quartiles->median);
+  if (first == kNoTime || times.empty()) {
+    return std::nullopt;
+  }
+  std::ranges::sort(times);
+  const std::int32_t twice = times[(times.size() - 1) / 2] + times[times.size() / 2];
+  return (2 * first - twice) / (2.0 * kSecondsAMinute);
 }
 
 // The heads of each pen by the day from which they count.

@@ -271,6 +271,13 @@ Exact Exact::Of(double value) {
 }
 
 Exact Exact::Whole(std::int64_t value) {
+  constexpr std::int64_t kMillion = 1'000'000;
+  constexpr std::int64_t kMost = std::numeric_limits<std::int64_t>::max() / kMillion;
+  if (value > -kMost && value < kMost) {
+    Exact small;
+    small.millionths_ = value * kMillion;
+    return small;
+  }
   return Exact(Large{.negative = value < 0, .digits = MagnitudeOf(Unsigned(value))});
 }
 
