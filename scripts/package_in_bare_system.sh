@@ -47,13 +47,13 @@ mkdir $home
 chown nobody: $home
 cd $home
 as_user vrx2260ctl --version
-"${user[@]}" vrx2260sim module --link $home/krm --load $sample/day1.qxt --baud 0 >$home/ready &
+"${user[@]}" vrx2260sim module --link $home/krm --load $sample/day01.qxt --baud 0 >$home/ready &
 module=$!
 until grep -q ready $home/ready; do sleep 0.1; done
 as_user vrx2260ctl module upload --out $home/today --port $home/krm
 kill $module
 wait $module || true
-cmp $home/today/01.QXT $sample/day1.qxt
+cmp $home/today/01.QXT $sample/day01.qxt
 as_user vrx2260ctl new transaction YARD.TDB
 as_user vrx2260ctl store today/01.QXT --into YARD.TDB --recipes $sample/SITE.RDB
 as_user vrx2260ctl info YARD.TDB

@@ -30,7 +30,7 @@ quiet_ctl() {
   }
 }
 
-# make_sample_desktop HOME: creates the recipes and the first six days of the week as the databases of
+# make_sample_desktop HOME: creates the recipes and the month without its last day as the databases of
 # the last run. Deletes the previous contents of HOME.
 make_sample_desktop() {
   local home=$1 data
@@ -39,11 +39,8 @@ make_sample_desktop() {
   mkdir -p "$data/Ports" "$home/config/Brantock"
   write_ini "$home" YES
   cp "$bin/sample_site/SITE.RDB" "$data/SITE.RDB"
-  quiet_ctl "$home" new transaction "$data/JANUARY.TDB"
-  for day in 1 2 3 4 5 6; do
-    quiet_ctl "$home" store "$bin/sample_site/day$day.qxt" \
-      --into "$data/JANUARY.TDB" --recipes "$data/SITE.RDB"
-  done
+  cp "$bin/sample_site/SITE.TDB" "$data/JANUARY.TDB"
+  quiet_ctl "$home" --yes store --undo --into "$data/JANUARY.TDB"
   cat >"$home/config/Brantock/VRX(2260).conf" <<END
 [Settings]
 MRU_RecipePathName="$data/SITE.RDB"

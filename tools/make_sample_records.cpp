@@ -1,5 +1,5 @@
-// Creates the transaction database of the sample site from its transaction files, each stored on
-// the day of its records.
+// Creates the transaction database of the sample site from its transaction files, each stored when
+// the last of its records was made.
 //
 //   make_sample_records RECIPES BLANK_TEMPLATE TARGET DAY_FILE...
 
@@ -10,10 +10,15 @@
 #include <string>
 #include <vector>
 
+#include "base/date.h"
 #include "base/error.h"
 #include "base/files.h"
+#include "base/number.h"
 #include "database/identity.h"
+#include "exchange/imported_data.h"
 #include "exchange/store.h"
+#include "exchange/store_plan.h"
+#include "exchange/store_row.h"
 #include "exchange/transaction_parser.h"
 #include "platform/calendar.h"
 #include "platform/operator.h"
@@ -26,18 +31,30 @@ namespace {
 namespace fs = std::filesystem;
 
 constexpr const char* kUnit = "LB";
+constexpr vrx::Date kFirstDay{std::chrono::year{2026}, std::chrono::January, std::chrono::day{1}};
 
-// Fixed days, so that every build creates the same database.
-class WeekCalendar : public vrx::Calendar {
+// Shows when a file's last record was made, so that every build creates the same database.
+class RecordsCalendar : public vrx::Calendar {
  public:
-  [[nodiscard]] vrx::LocalTime Now() const override {
-    return {.date = {std::chrono::year{2026}, std::chrono::January, std::chrono::day{day_}},
-            .time_of_day = std::chrono::hours{18}};
+  explicit RecordsCalendar(vrx::Date first) : now_{.date = first} {}
+
+  [[nodiscard]] vrx::LocalTime Now() const override { return now_; }
+
+  void AdvanceTo(const vrx::ImportedData& records) {
+    const std::size_t last = records.FilledCount();
+    const auto date = vrx::ParseTransactionDate(records.Cell(last, vrx::kImportedDate));
+    const auto clock = vrx::ParseLong(records.Cell(last, vrx::kImportedTime));
+    if (!date || !clock) {
+      throw vrx::Error("the last record has no date and time");
+    }
+    constexpr int kHours = 100;  // "1405" is 14:05
+    now_ = {
+        .date = *date,
+        .time_of_day = std::chrono::hours(*clock / kHours) + std::chrono::minutes(*clock % kHours)};
   }
-  void NextDay() { ++day_; }
 
  private:
-  unsigned day_ = 5;  // a Monday
+  vrx::LocalTime now_;
 };
 
 class StrictOperator : public vrx::Operator {
@@ -58,9 +75,9 @@ class NoProgress : public vrx::ProgressDisplay {
   void SetProgressValue(int /*value*/) override {}
 };
 
-class SampleWeek {
+class SampleMonth {
  public:
-  SampleWeek(fs::path recipes, fs::path transactions)
+  SampleMonth(fs::path recipes, fs::path transactions)
       : databases_{.recipe_db_path = std::move(recipes),
                    .trans_db_path = std::move(transactions),
                    .trans_db_uom = kUnit} {}
@@ -72,6 +89,7 @@ class SampleWeek {
     identity_.SetDatabaseDate(path, vrx::DateSelector::kCreated);
   }
 
+  // What the database has of the file already is left out.
   void Store(const fs::path& day) {
     vrx::TransFile file;
     file.SetFilePath(day.string());
@@ -87,17 +105,20 @@ class SampleWeek {
     }
     const vrx::ImportSource source{
         .file = file.FileName(), .sha256 = vrx::Sha256(file.Text()), .units = file.FileUnits()};
+    calendar_.AdvanceTo(file.Imported());
     bool stored = false;
-    if (!store_.StoreImportedTransactions(file.Imported(), source, databases_, stored).complete) {
+    if (!store_
+             .StoreImportedTransactions(file.Imported(), source, databases_, stored,
+                                        vrx::RepeatedBatches::kNew)
+             .complete) {
       throw vrx::Error(day.string() + " was not stored");
     }
-    calendar_.NextDay();
   }
 
  private:
   StrictOperator op_;
   NoProgress progress_;
-  WeekCalendar calendar_;
+  RecordsCalendar calendar_{kFirstDay};
   vrx::PrivateINI settings_;
   vrx::DatabaseIdentity identity_{op_, calendar_, settings_};
   vrx::OpenDatabases databases_;
@@ -113,10 +134,10 @@ void MakeRecords(const std::vector<std::string>& args) {
   if (!vrx::CopyFileNoOverwrite(args[2], fresh)) {
     throw vrx::Error("cannot copy " + args[2] + " to " + fresh.string());
   }
-  SampleWeek week(args[1], fresh);
-  week.Begin();
+  SampleMonth month(args[1], fresh);
+  month.Begin();
   for (std::size_t i = 4; i < args.size(); ++i) {
-    week.Store(args[i]);
+    month.Store(args[i]);
   }
   fs::rename(fresh, target);
 }

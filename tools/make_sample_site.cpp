@@ -38,7 +38,7 @@ constexpr std::size_t kMaxText = 1U << 20U;
 class SiteCalendar : public vrx::Calendar {
  public:
   [[nodiscard]] vrx::LocalTime Now() const override {
-    return {.date = {std::chrono::year{2026}, std::chrono::January, std::chrono::day{5}}};
+    return {.date = {std::chrono::year{2026}, std::chrono::January, std::chrono::day{1}}};
   }
 };
 

@@ -23,7 +23,7 @@ constexpr std::array<FirstStepRow, kFirstStepCount> kFirstSteps{{
     {FirstStep::kOpen, "cmdFirstOpen", TrMark("Open a File..."),
      TrMark("Opens a database or another file that you have already.")},
     {FirstStep::kSampleSite, "cmdFirstSampleSite", TrMark("Try the Sample Site"),
-     TrMark("Copies a feedlot with a week of records, to look around.")},
+     TrMark("Copies a feedlot with a month of records, to look around.")},
     {FirstStep::kSerialPort, "cmdFirstSerialPort", TrMark("Set the Serial Port..."),
      TrMark("Chooses the port of the data module's cable.")},
 }};

@@ -34,7 +34,7 @@ class DataFolder : public CtlTest {
             {"recipe", SitePath("SITE.RDB"), "1"},
             {"where-used", SitePath("SITE.RDB"), "1"},
             {"download-text", SitePath("SITE.RDB")},
-            {"import", SitePath("day1.qxt"), "--json"},
+            {"import", SitePath("day05.qxt"), "--json"},
             {"groups"},
             {"show", database, "--group", "3"},
             {"settings"}};

@@ -42,8 +42,8 @@ TEST_F(DatabaseFiles, ALockedOneIsReportedAsLocked) {
         {"info", path},
         {"list", "ingredients", path},
         {"set", "pen", path, "1", "--name", "A01"},
-        {"store", SitePath("day1.qxt"), "--into", transactions, "--recipes", path},
-        {"store", SitePath("day1.qxt"), "--into", path, "--recipes", SitePath("SITE.RDB")}};
+        {"store", SitePath("day05.qxt"), "--into", transactions, "--recipes", path},
+        {"store", SitePath("day05.qxt"), "--into", path, "--recipes", SitePath("SITE.RDB")}};
     for (const auto& args : uses) {
       EXPECT_EQ(Run(args), 1) << args.front();
       EXPECT_THAT(err, HasSubstr("A table in the specified database is locked.\n"
@@ -103,7 +103,7 @@ TEST_F(DatabaseFiles, NoCommandLabelsAFileOfTheOtherUnit) {
       {"set", "pen", recipes, "1", "--name", "A01"},
       {"reset", "pen", recipes, "1", "--yes"},
       {"recipe", recipes, "1"},
-      {"store", SitePath("day1.qxt"), "--into", transactions, "--recipes", recipes, "--yes"},
+      {"store", SitePath("day05.qxt"), "--into", transactions, "--recipes", recipes, "--yes"},
       {"show", transactions, "--group", "1"}};
   for (const auto& args : uses) {
     EXPECT_EQ(Run(args), 0) << args.front() << ": " << err;
@@ -116,7 +116,7 @@ TEST_F(DatabaseFiles, AStoreDatesTheDatabaseInItsOwnTransaction) {
   const std::string transactions = NewTransactionDatabase();
   Alter(transactions,
         "CREATE TRIGGER NoDate BEFORE UPDATE ON History BEGIN SELECT RAISE(FAIL, 'no date'); END");
-  EXPECT_EQ(Run({"store", SitePath("day1.qxt"), "--into", transactions, "--recipes",
+  EXPECT_EQ(Run({"store", SitePath("day05.qxt"), "--into", transactions, "--recipes",
                  SitePath("SITE.RDB")}),
             1);
   EXPECT_THAT(Ask(transactions, "SELECT count(*) FROM Transactions"), ElementsAre("0"));

@@ -22,7 +22,7 @@ constexpr const char* kDone = "Export: Data exported successfully.\n";
 class ExportCommandTest : public CtlTest {
  protected:
   ExportCommandTest() {
-    EXPECT_EQ(Run({"store", SitePath("day1.qxt"), "--into", database, "--recipes", recipes}), 0)
+    EXPECT_EQ(Run({"store", SitePath("day05.qxt"), "--into", database, "--recipes", recipes}), 0)
         << err;
   }
 

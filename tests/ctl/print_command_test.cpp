@@ -37,7 +37,7 @@ class PrintCommandTest : public CtlTest {
   PrintCommandTest() {
     start_drawing = [this] { ++drawings_started; };
     fs::copy_file(SitePath("SITE.RDB"), recipes);
-    EXPECT_EQ(Run({"store", SitePath("day1.qxt"), "--into", database, "--recipes", recipes}), 0)
+    EXPECT_EQ(Run({"store", SitePath("day05.qxt"), "--into", database, "--recipes", recipes}), 0)
         << err;
   }
 
@@ -65,7 +65,7 @@ TEST_F(PrintCommandTest, PrintsADataGroupWithItsFilesUnitAndDate) {
   EXPECT_EQ(page[0], "Report: Pens Fed (all) Weight Units: LB");
   EXPECT_EQ(page[1], "Transaction File: " + database);
   EXPECT_EQ(page[2], "Recipe File: " + recipes);
-  EXPECT_THAT(page, Contains("1 STARTR 615 620 1 06:23 AM 05-Jan-26"));
+  EXPECT_THAT(page, Contains("1 STARTR 625 610 1 06:00 AM 05-Jan-26"));
   EXPECT_THAT(page.back(), StartsWith("1/5/2026 Page 1 of "));
   EXPECT_EQ(drawings_started, 1);
 }

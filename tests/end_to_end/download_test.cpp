@@ -80,7 +80,7 @@ class DownloadOverALine : public ProgramsTest {
 TEST_F(DownloadOverALine, ARecipeDatabaseReachesTheModuleAndComesBackByteForByte) {
   const std::string text = DownloadText(database);
   {
-    const auto module = StartSavingModule({"--load", SitePath("day1.qxt")});
+    const auto module = StartSavingModule({"--load", SitePath("day05.qxt")});
     const Result download = Download(database);
     ASSERT_EQ(download.code, 0) << download.err;
     EXPECT_THAT(download.err, HasSubstr("Download complete!  (" + std::to_string(text.size()) +

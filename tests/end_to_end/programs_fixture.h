@@ -53,8 +53,8 @@ class ProgramsTest : public ::testing::Test {
   // A transaction database with a day of the sample data.
   std::string StoredDay() const {
     std::string database = NewTransactionDatabase();
-    const Result store =
-        Ctl({"store", SitePath("day1.qxt"), "--into", database, "--recipes", SitePath("SITE.RDB")});
+    const Result store = Ctl(
+        {"store", SitePath("day05.qxt"), "--into", database, "--recipes", SitePath("SITE.RDB")});
     EXPECT_EQ(store.code, 0) << store.err;
     return database;
   }

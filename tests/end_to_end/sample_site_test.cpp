@@ -1,13 +1,16 @@
-#include <cmath>
+#include <array>
+#include <filesystem>
 #include <fstream>
 #include <map>
-#include <sstream>
+#include <string>
+#include <vector>
 
 #include <SQLiteCpp/Database.h>
 #include <SQLiteCpp/Statement.h>
 #include <gmock/gmock.h>
 
 #include "end_to_end/programs_fixture.h"
+#include "end_to_end/sample_texts.h"
 
 namespace vrx::testing {
 namespace {
@@ -15,104 +18,16 @@ namespace {
 namespace fs = std::filesystem;
 using ::testing::HasSubstr;
 
-constexpr int kDays = 7;
-
-std::vector<std::string> Split(const std::string& text, char separator) {
-  std::vector<std::string> parts;
-  std::istringstream stream(text);
-  for (std::string part; std::getline(stream, part, separator);) {
-    parts.push_back(part);
-  }
-  return parts;
-}
-
-std::vector<std::vector<std::string>> Table(const std::string& name) {
-  std::vector<std::vector<std::string>> rows;
-  for (const std::string& line :
-       Split(ReadAll(fs::path(VRX_SOURCE_DIR) / "data/sample_site" / name), '\n')) {
-    rows.push_back(Split(line, '\t'));
-  }
-  rows.erase(rows.begin());
-  return rows;
-}
-
-// Names by ID, as the texts have them.
-std::map<std::string, std::string> Names(const std::string& table) {
-  std::map<std::string, std::string> names;
-  for (const auto& row : Table(table)) {
-    names[row[0]] = row[1];
-  }
-  return names;
-}
-
-struct Week {
-  int rows = 0;
-  int transactions = 0;
-  std::map<std::string, double> batched;  // by ingredient name
-  std::map<std::string, double> fed;      // by pen name
-  double target = 0;
-};
-
-// Read without the program's parser: a line is a record, its lists are cut at ";" and ",".
-Week ReadWeek() {
-  const auto ingredients = Names("ingredients.tsv");
-  const auto pens = Names("pens.tsv");
-  Week week;
-  for (int day = 1; day <= kDays; ++day) {
-    const std::string name = "day" + std::to_string(day) + ".qxt";
-    bool feeds = false;
-    for (std::string line :
-         Split(ReadAll(fs::path(VRX_SOURCE_DIR) / "data/sample_site" / name), '\n')) {
-      feeds = feeds || line.starts_with("[FED],");
-      if (line.starts_with("[")) {
-        line.erase(0, 6);
-      }
-      if (!line.starts_with("B,")) {
-        continue;
-      }
-      const auto lists = Split(line, ';');
-      const auto first = Split(lists[0], ',');
-      if (feeds) {
-        week.fed[pens.at(first[2])] += std::stod(first[7]);
-        week.target += std::stod(first[6]);
-        ++week.rows;
-        continue;
-      }
-      ++week.transactions;
-      const auto targets = Split(lists[2], ',');
-      const auto actuals = Split(lists[3], ',');
-      for (std::size_t entry = 0; first.at(5 + entry) != "0"; ++entry) {
-        week.batched[ingredients.at(first[5 + entry])] += std::stod(actuals[entry]);
-        week.target += std::stod(targets[entry]);
-        ++week.rows;
-      }
-    }
-  }
-  return week;
-}
-
-std::map<std::string, double> Sums(SQLite::Database& database, const std::string& name,
-                                   const std::string& weight) {
-  std::map<std::string, double> sums;
-  SQLite::Statement statement(database, "SELECT " + name + ", SUM(" + weight +
-                                            ") FROM Transactions WHERE " + name +
-                                            " IS NOT NULL GROUP BY " + name);
-  while (statement.executeStep()) {
-    sums[statement.getColumn(0).getString()] = statement.getColumn(1).getDouble();
-  }
-  return sums;
-}
-
 class SampleSite : public ProgramsTest {};
 
 TEST_F(SampleSite, HoldsWhatItsTextsSay) {
   const Json info = Info(SitePath("SITE.RDB"));
-  EXPECT_EQ(info["ingredients"], Table("ingredients.tsv").size());
-  EXPECT_EQ(info["recipes"], Table("recipes.tsv").size());
-  EXPECT_EQ(info["pens"], Table("pens.tsv").size());
+  EXPECT_EQ(info["ingredients"], SampleTable("ingredients.tsv").size());
+  EXPECT_EQ(info["recipes"], SampleTable("recipes.tsv").size());
+  EXPECT_EQ(info["pens"], SampleTable("pens.tsv").size());
   EXPECT_EQ(info["units"], "LB");
   SQLite::Database database(SitePath("SITE.RDB"));
-  for (const auto& row : Table("recipe_lines.tsv")) {
+  for (const auto& row : SampleTable("recipe_lines.tsv")) {
     SQLite::Statement statement(database,
                                 "SELECT * FROM RecipeRation WHERE RecipeID = ? AND Sequence = ?");
     statement.bind(1, row[0]);
@@ -131,10 +46,10 @@ TEST_F(SampleSite, HoldsWhatItsTextsSay) {
 // count, the others to their adjusted target.
 TEST_F(SampleSite, LinesCarryTheFiguresOfTheirRecipe) {
   std::map<std::string, std::vector<std::vector<std::string>>> lines;
-  for (const auto& row : Table("recipe_lines.tsv")) {
+  for (const auto& row : SampleTable("recipe_lines.tsv")) {
     lines[row[0]].push_back(row);
   }
-  for (const auto& recipe : Table("recipes.tsv")) {
+  for (const auto& recipe : SampleTable("recipes.tsv")) {
     const bool percent = recipe[3] == "P";
     double ration = 0;
     double as_fed_total = 0;
@@ -159,54 +74,9 @@ TEST_F(SampleSite, LinesCarryTheFiguresOfTheirRecipe) {
   }
 }
 
-TEST_F(SampleSite, ItsWeekStoresCompletely) {
-  const std::string into = NewTransactionDatabase();
-  for (int day = 1; day <= kDays; ++day) {
-    const Result store = Ctl({"store", SitePath("day" + std::to_string(day) + ".qxt"), "--into",
-                              into, "--recipes", SitePath("SITE.RDB")});
-    ASSERT_EQ(store.code, 0) << store.err;
-  }
-  const Week week = ReadWeek();
-  const Json info = Info(into);
-  EXPECT_EQ(info["rows"], week.rows);
-  EXPECT_EQ(info["transactions"], week.transactions);
-  EXPECT_EQ(info["firstDate"], "2026-01-05");
-  EXPECT_EQ(info["lastDate"], "2026-01-11");
-  SQLite::Database database(into);
-  EXPECT_EQ(Sums(database, "Ingredient", "ActualBatch"), week.batched);
-  EXPECT_EQ(Sums(database, "Pen", "ActualFeed"), week.fed);
-  EXPECT_EQ(database.execAndGet("SELECT SUM(Target) FROM Transactions").getDouble(), week.target);
-  // The ingredients fed to a pen add up to its total.
-  SQLite::Statement shares(database,
-                           "SELECT ActualFeed, Ing01Wt, Ing02Wt, Ing03Wt, Ing04Wt, Ing05Wt, "
-                           "Ing06Wt, Ing07Wt, Ing08Wt, Ing09Wt, Ing10Wt, Ing11Wt, Ing12Wt, "
-                           "Ing13Wt, Ing14Wt FROM Transactions WHERE Type = 'FEED'");
-  while (shares.executeStep()) {
-    double sum = 0;
-    for (int column = 1; column <= 14; ++column) {
-      sum += shares.getColumn(column).getDouble();
-    }
-    EXPECT_NEAR(sum, shares.getColumn(0).getDouble(), 1.0);
-  }
-}
-
-TEST_F(SampleSite, ThePensOfALoadGetAboutWhatWasBatched) {
-  const std::string into = NewTransactionDatabase();
-  ASSERT_EQ(
-      Ctl({"store", SitePath("day1.qxt"), "--into", into, "--recipes", SitePath("SITE.RDB")}).code,
-      0);
-  SQLite::Database database(into);
-  SQLite::Statement loads(database,
-                          "SELECT SUM(ActualBatch), SUM(ActualFeed) FROM Transactions GROUP BY "
-                          "[Transaction]");
-  while (loads.executeStep()) {
-    EXPECT_NEAR(loads.getColumn(0).getDouble(), loads.getColumn(1).getDouble(), 10.0);
-  }
-}
-
 TEST_F(SampleSite, AWrongTextIsReportedWithFileAndLine) {
   const fs::path texts = folder / "texts";
-  fs::copy(fs::path(VRX_SOURCE_DIR) / "data/sample_site", texts);
+  fs::copy(SampleTexts(), texts);
   const std::vector<std::array<std::string, 4>> wrong = {
       {"ingredients.tsv", "\t82\t", "\t182\t", "ingredients.tsv:2: \"182\""},
       {"ingredients.tsv", "\tno\n", "\tnever\n", "ingredients.tsv:2: \"never\""},

@@ -33,7 +33,7 @@ class UploadOverALine : public ProgramsTest {
 
 // The daily flow: from the module's memory to stored rows, all at the line's own pace.
 TEST_F(UploadOverALine, ADayGoesFromTheModuleIntoTheDatabase) {
-  const std::string day = SitePath("day1.qxt");
+  const std::string day = SitePath("day05.qxt");
   const auto module = StartModule({"--load", day});
   EXPECT_EQ(Ctl({"module", "test", "--port", ModulePath()}).code, 0);
   const Result upload = Upload("upload");
@@ -99,7 +99,7 @@ TEST_F(UploadOverALine, AMissingPortIsReportedAsMissing) {
 
 // A module that goes away in the middle ends the command at once, not after a time-out.
 TEST_F(UploadOverALine, AModuleThatDiesEndsTheUpload) {
-  auto module = StartModule({"--load", SitePath("day1.qxt")});
+  auto module = StartModule({"--load", SitePath("day05.qxt")});
   Program upload(
       Bin("vrx2260ctl"),
       WithDataDir({"module", "upload", "--out", (folder / "out").string(), "--port", ModulePath()}),

@@ -26,8 +26,8 @@ class WrongDatabases : public ProgramsTest {
     return {{"info", path},
             {"list", "ingredients", path},
             {"set", "pen", path, "1", "--name", "A01"},
-            {"store", SitePath("day1.qxt"), "--into", transactions, "--recipes", path},
-            {"store", SitePath("day1.qxt"), "--into", path, "--recipes", SitePath("SITE.RDB")}};
+            {"store", SitePath("day05.qxt"), "--into", transactions, "--recipes", path},
+            {"store", SitePath("day05.qxt"), "--into", path, "--recipes", SitePath("SITE.RDB")}};
   }
 
   static std::string CauseOf(const std::string& err) {

@@ -191,10 +191,10 @@ bool IsOfTheSystem(std::string_view name) {
   return names.contains(name) || name.starts_with("--");
 }
 
-// The name that the first day gives to DAY8.
+// The name that the first day gives to FEB1.
 bool IsOfTheFirstDay(const std::string& name) {
   const std::string extension = std::filesystem::path(name).extension().string();
-  return name.starts_with("DAY8.") && Texts().HoldsPart(extension);
+  return name.starts_with("FEB1.") && Texts().HoldsPart(extension);
 }
 
 // A command of vrx2260ctl without the name of the tool, such as "recipe" or "recipe copy".

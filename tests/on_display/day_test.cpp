@@ -50,7 +50,7 @@ TEST_F(DayOnDisplay, AnEditedFieldIsStoredWhenItIsLeft) {
 }
 
 TEST_F(DayOnDisplay, RecordsGoFromTheModuleIntoTheDatabaseAndOntoPaper) {
-  const auto module = StartModule({"--load", SitePath("day2.qxt"), "--baud", "0"});
+  const auto module = StartModule({"--load", SitePath("day06.qxt"), "--baud", "0"});
   StartProgram();
   ClickItem("Data Transfer");
   ASSERT_TRUE(
@@ -63,10 +63,10 @@ TEST_F(DayOnDisplay, RecordsGoFromTheModuleIntoTheDatabaseAndOntoPaper) {
   ClickCell("lstDataFiles", 0, 0);
   Keys({"space"});
   Click("cmdSaveFile");
-  const fs::path day = folder / "DAY2.QXT";
+  const fs::path day = folder / "DAY06.QXT";
   AnswerFileDialog("Save Transaction File", day);
   ASSERT_TRUE(Eventually([&] { return fs::exists(day); }));
-  EXPECT_EQ(ReadAll(day), ReadAll(SitePath("day2.qxt")));
+  EXPECT_EQ(ReadAll(day), ReadAll(SitePath("day06.qxt")));
 
   const int before = Stored("SELECT count(*) FROM Transactions");
   ChooseFromMenu({"File", "Import Transaction File..."});

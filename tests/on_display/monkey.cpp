@@ -66,7 +66,7 @@ Monkey::Monkey(std::uint32_t seed) : random_(seed) {
   MakeDatabases();
   fs::create_directories(data / "Ports");
   fs::create_symlink(ModulePath(), data / "Ports/COM2");
-  module_ = StartModule({"--load", SitePath("day2.qxt"), "--baud", "0"});
+  module_ = StartModule({"--load", SitePath("day06.qxt"), "--baud", "0"});
   fs::current_path(data);  // a name without a folder is a file here
 }
 
@@ -144,8 +144,8 @@ void Monkey::AnswerDialog() {
                                              (data / "NEW.TDB").string(),
                                              (data / "OUT.PDF").string(),
                                              (data / "NEW.QXT").string(),
-                                             SitePath("day3.qxt"),
-                                             SitePath("day4.qxt"),
+                                             SitePath("day07.qxt"),
+                                             SitePath("day09.qxt"),
                                              SitePath("SITE.RDB"),
                                              (data / "none/NEW.RDB").string(),
                                              (data / "VRX-2260.INI").string(),

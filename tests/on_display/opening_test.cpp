@@ -40,14 +40,14 @@ TEST_F(OpeningOnDisplay, FilesOfTheCommandLineAndOfAFurtherStartOpenInOneWindow)
   EXPECT_EQ(windows.ActiveTitle(), std::string(kMainTitle) + " - SITE.RDB");
   {
     const Environment no_probe("QT_QPA_GENERIC_PLUGINS", "");  // it would take over the socket
-    const auto second = Start({transactions.string(), SitePath("day7.qxt"), "/no/such.rbu"});
+    const auto second = Start({transactions.string(), SitePath("day31.qxt"), "/no/such.rbu"});
     EXPECT_EQ(second->Wait(), 0) << second->Err();
   }
   ASSERT_TRUE(WaitForBox("This cannot be opened:"));
   Keys({"Return"});
   ASSERT_TRUE(WaitForTab("Import"));
   EXPECT_EQ(TextOf("sbTrans.Panels(2)"), "DAY1.TDB");
-  EXPECT_EQ(TextOf("lblTransFilename"), "DAY7.QXT");
+  EXPECT_EQ(TextOf("lblTransFilename"), "DAY31.QXT");
   EXPECT_EQ(windows.Titles().size(), 1U);
 }
 

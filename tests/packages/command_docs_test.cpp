@@ -94,10 +94,10 @@ class ExampleFolder {
   ExampleFolder() : before_(fs::current_path()) {
     const fs::path site = fs::path(VRX_BIN_DIR) / "sample_site";
     fs::copy(site / "SITE.RDB", folder_ / "SITE.RDB");
-    fs::copy(site / "day1.qxt", folder_ / "01.QXT");
+    fs::copy(site / "day05.qxt", folder_ / "01.QXT");
     fs::create_directory(folder_ / "streams");
     fs::create_directory(folder_ / "today");
-    fs::copy(site / "day1.qxt", folder_ / "today/01.QXT");
+    fs::copy(site / "day05.qxt", folder_ / "today/01.QXT");
     folder_.Write("RESCUE-20260105-173000.KRM", "\fBatches of the day\r\n");
     fs::current_path(folder_.Path());
     EXPECT_EQ(Run("new transaction JANUARY.TDB"), 0);

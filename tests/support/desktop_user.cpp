@@ -30,7 +30,7 @@ DesktopUser::DesktopUser(const std::string& platform) : platform_("QT_QPA_PLATFO
 void DesktopUser::MakeDatabases() const {
   fs::copy_file(SitePath("SITE.RDB"), recipes);
   ASSERT_EQ(Ctl({"new", "transaction", transactions.string()}).code, 0);
-  const Result stored = Ctl({"store", SitePath("day1.qxt"), "--into", transactions.string(),
+  const Result stored = Ctl({"store", SitePath("day05.qxt"), "--into", transactions.string(),
                              "--recipes", recipes.string()});
   ASSERT_EQ(stored.code, 0) << stored.err;
   folder.Write("home/config/Brantock/VRX(2260).conf",

@@ -69,7 +69,7 @@ QImage Download(SampleProgram& program) {
 
 QImage Upload(SampleProgram& program) {
   program.ShowTab(kTabDataTransfer);
-  program.ModuleHolds({"DAY6.QXT", "DAY7.QXT"});
+  program.ModuleHolds({"DAY30.QXT", "DAY31.QXT"});
   Click(program, "cmdUploadDataFromKRM");
   program.Find<QListWidget>("lstDataFiles").item(0)->setCheckState(Qt::Checked);
   return WholeWindow(program);
@@ -78,7 +78,8 @@ QImage Upload(SampleProgram& program) {
 // The upload lives inside the click that begins it, so the picture is taken from within.
 QImage UploadInProgress(SampleProgram& program) {
   program.ShowTab(kTabDataTransfer);
-  program.ModuleHolds({"DAY1.QXT", "DAY2.QXT", "DAY3.QXT", "DAY4.QXT", "DAY5.QXT", "DAY6.QXT"});
+  program.ModuleHolds(
+      {"DAY24.QXT", "DAY25.QXT", "DAY26.QXT", "DAY28.QXT", "DAY29.QXT", "DAY30.QXT"});
   program.ModuleSendsAtItsPace(true);
   const auto& status = program.Find<QLabel>("lblStatusWindow");
   const QRegularExpression half(QStringLiteral(", [5-9][0-9]% of the memory"));
@@ -113,7 +114,7 @@ QImage Direct(SampleProgram& program) {
   QObject::connect(&events, &QTimer::timeout, &program.Window(), [&] {
     constexpr int kLongest = 20000;  // milliseconds; a machine under load is slow
     if (!sent && open.text() == QStringLiteral("Load Memory...")) {
-      program.IndicatorSends("DAY7.QXT");
+      program.IndicatorSends("DAY31.QXT");
       sent = true;
     } else if (sent && size.text() != QStringLiteral("0")) {
       Click(program, "cmdUploadDataFromKRM");
@@ -134,7 +135,7 @@ QImage Direct(SampleProgram& program) {
 }
 
 QImage Import(SampleProgram& program) {
-  program.WillChoose("DAY7.QXT");
+  program.WillChoose("DAY31.QXT");
   program.Choose("mnuFileImportTransactionFile");
   return WholeWindow(program);
 }
@@ -177,7 +178,7 @@ QImage PeriodOfTwoDays(SampleProgram& program) {
   Pick(program, "lstGroupBy", kPensAll);
   Pick(program, "cboPeriod", static_cast<int>(PeriodChoice::kFromTo));
   for (const auto& [name, day] :
-       {std::pair("txtPeriodFrom", "1/8/2026"), {"txtPeriodTo", "1/9/2026"}}) {
+       {std::pair("txtPeriodFrom", "1/6/2026"), {"txtPeriodTo", "1/7/2026"}}) {
     auto& field = program.Find<QLineEdit>(name);
     field.setText(QString::fromLatin1(day));
     Q_EMIT field.returnPressed();
@@ -316,7 +317,7 @@ QImage AboutForm(SampleProgram& program) {
 // the boxes remain shown.
 QImage Question(SampleProgram& program) {
   program.ShowTab(kTabDataTransfer);
-  program.ModuleHolds({"DAY7.QXT"});
+  program.ModuleHolds({"DAY31.QXT"});
   Click(program, "cmdUploadDataFromKRM");
   Click(program, "cmdDownloadRecipeToKRM");
   program.ShowBoxes();
@@ -327,7 +328,7 @@ QImage Question(SampleProgram& program) {
 // The question about a day that is stored already. Closing it stores nothing; the boxes remain
 // shown.
 QImage RepeatedBatches(SampleProgram& program) {
-  program.WillChoose("DAY7.QXT");
+  program.WillChoose("DAY31.QXT");
   program.Choose("mnuFileImportTransactionFile");
   program.ShowBoxes();
   return ModalForm(
@@ -336,7 +337,7 @@ QImage RepeatedBatches(SampleProgram& program) {
 
 // Leaves that day twice in the database, and the boxes shown.
 QImage Stored(SampleProgram& program) {
-  program.WillChoose("DAY7.QXT");
+  program.WillChoose("DAY31.QXT");
   program.Choose("mnuFileImportTransactionFile");
   program.ShowBoxes();
   const auto store_again = [](QWidget& box) {

@@ -15,9 +15,9 @@
 #include "adapters/qt_event_pump.h"
 #include "base/error.h"
 #include "base/files.h"
+#include "base/text.h"
 #include "desktop/dialogs/about_and_splash.h"
 #include "link/krmcomm.h"
-#include "make_manual/sample_records.h"
 #include "platform/serial_control.h"
 #include "settings/data_folder.h"
 
@@ -35,7 +35,7 @@ const std::string kTransactionFile = "YARD.TDB";
 class SampleCalendar : public Calendar {
  public:
   [[nodiscard]] LocalTime Now() const override {
-    return {.date = {std::chrono::year{2026}, std::chrono::January, std::chrono::day{12}}};
+    return {.date = {std::chrono::year{2026}, std::chrono::February, std::chrono::day{1}}};
   }
 };
 
@@ -271,14 +271,13 @@ class SampleProgram::Parts {
  private:
   void CopySite() {
     const fs::path site = fs::path(system.ProgramDirectory()) / "sample_site";
-    constexpr int kDays = 7;
-    std::vector<fs::path> days;
     fs::copy_file(site / kRecipeFile, SiteFile(kRecipeFile));
-    for (int day = 1; day <= kDays; ++day) {
-      days.push_back(SiteFile("DAY" + std::to_string(day) + ".QXT"));
-      fs::copy_file(site / ("day" + std::to_string(day) + ".qxt"), days.back());
+    fs::copy_file(site / "SITE.TDB", SiteFile(kTransactionFile));
+    for (const fs::directory_entry& file : fs::directory_iterator(site)) {
+      if (file.path().extension() == ".qxt") {
+        fs::copy_file(file.path(), SiteFile(UpperCase(file.path().filename().string())));
+      }
     }
-    MakeTransactionDatabase(SiteFile(kTransactionFile), SiteFile(kRecipeFile), days, services);
   }
 
  public:

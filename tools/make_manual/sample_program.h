@@ -12,7 +12,7 @@
 namespace vrx::manual {
 
 // The program with its main window, put up without a screen over copies of the sample site's
-// databases: SITE.RDB, and YARD.TDB with the records of the site's week. Paths are relative to a
+// databases: SITE.RDB, and YARD.TDB with the records of the site's month. Paths are relative to a
 // folder of its own, which is the process's current one meanwhile, so that the screens are the
 // same on every machine. One at a time.
 class SampleProgram {

@@ -1,25 +1,7 @@
-#!/usr/bin/env python3
-"""Writes the texts of data/sample_site anew: the master data, and a week of transaction files.
+"""The master data of the sample site and its texts."""
 
-A developer's tool; the build reads only what it wrote. The seed is fixed, so a run changes nothing
-unless the tables below changed. See data/sample_site/README.md for the forms of the texts.
-
-    tools/generate_sample_site.py [FOLDER]
-"""
-
-import datetime
 import decimal
-import pathlib
-import random
 import struct
-import sys
-
-SEED = 2260
-FIRST_DAY = datetime.date(2026, 1, 5)
-DAYS = 7
-LIST_LENGTH = 34  # entries of a list in a batch record, padding included
-LOAD_LIMIT = 11000  # pounds that go into the mixer at once
-ADJUST_NO_CHANGE = 20
 
 # ID, name, description, dry matter percent (0: no figure), hand-add
 INGREDIENTS = [
@@ -49,15 +31,15 @@ RECIPES = [
     (3, "STEP3", "Step-up 3", "%", 0, "11000", 20,
      [(1, 3600), (3, 1450), (4, 980), (6, 620), (9, 540), (11, 240), (13, 130)]),
     (4, "FINISH", "Finisher", "W", 0, "11000", 20,
-     [(1, 5200), (2, 1300), (4, 640), (9, 760), (11, 260), (12, 180), (13, 150), (14, 12)]),
+     [(1, 5200), (2, 1300), (4, 640), (9, 760), (11, 260), (12, 180), (13, 150)]),
     (5, "FINHOT", "Finisher hot", "W", 0, "10500", 15,
-     [(1, 6100), (2, 1500), (8, 310), (10, 380), (11, 240), (12, 260), (13, 160), (14, 14)]),
+     [(1, 6100), (2, 1500), (8, 310), (10, 380), (11, 240), (12, 260), (13, 160)]),
     (6, "GROWER", "Growing calves", "H", 240, "0", 20,
      [(5, 620), (7, 410), (3, 330), (10, 70), (13, 14)]),
     (7, "HEIFER", "Replace heifers", "H", 180, "0", 20,
      [(4, 560), (7, 690), (3, 240), (11, 45), (13, 12)]),
     (8, "HOSPIT", "Hospital pen", "P", 0, "2400", 20,
-     [(7, "45.00"), (6, "22.50"), (3, "25.00"), (11, "5.50"), (13, "2.00")]),
+     [(7, "45.00"), (6, "22.50"), (3, "25.00"), (11, "5.50"), (13, "1.50"), (14, "0.50")]),
     (9, "dRYCOW", "Dry cows", "%", 0, "6000", 20,
      [(7, 2300), (8, 900), (4, 1100), (9, 160), (13, 60)]),
 ]
@@ -163,103 +145,3 @@ def write_master_data(folder):
                   line["dry_matter_percent"], line["as_fed"], line["batch_target"],
                   line["sequence"], yes_no(line["hand_add"]), line["percent"])
                  for recipe in RECIPES for line in recipe_lines(recipe)])
-
-
-def loads_of(feedings):
-    """Groups the feedings of one recipe into loads that the mixer holds."""
-    loads = []
-    for pen, target in feedings:
-        if not loads or sum(part[1] for part in loads[-1]) + target > LOAD_LIMIT:
-            loads.append([])
-        loads[-1].append((pen, target))
-    return loads
-
-
-def clock(minutes):
-    return f"{minutes // 60:02}{minutes % 60:02}"
-
-
-def weight(value):
-    return f"{value:.1f}"
-
-
-def padded(entries):
-    return ",".join(entries + ["0"] * (LIST_LENGTH - len(entries)))
-
-
-def batch_of(random_, recipe, load_target):
-    """Targets and actual weights of one load, by the shares of the recipe's batch targets."""
-    lines = recipe_lines(recipe)
-    total = sum(line["batch_target"] for line in lines)
-    rows = []
-    for line in lines:
-        step = 1 if line["hand_add"] else 5
-        target = max(step, round(load_target * line["batch_target"] / total / step) * step)
-        if line["hand_add"]:
-            actual = target + random_.choice([-0.5, 0, 0, 0, 0.5])
-        else:
-            actual = max(step, round(random_.gauss(target, 4 + target * 0.006) / step) * step)
-        rows.append((line["ingredient"], target, actual))
-    return rows
-
-
-def feeds_of(random_, load, batched):
-    """What each pen got; the last pen takes what is left, less what sticks in the mixer."""
-    rows = []
-    left = batched
-    for index, (pen, target) in enumerate(load):
-        actual = round(random_.gauss(target, 3 + target * 0.004) / 5) * 5
-        if index == len(load) - 1:
-            actual = left - random_.choice([0, 0, 5, 10])
-        left -= actual
-        rows.append((pen, target, actual))
-    return rows
-
-
-def write_day(path, day, random_):
-    date = day.strftime("%m%d%Y")
-    batches, feeds = [], []
-    by_recipe = {}
-    for pen, _, _, amount, recipe in pens():
-        by_recipe.setdefault(recipe, []).append((pen, int(amount)))
-    for start, user in ((6 * 60 + 10, 1), (13 * 60 + 30, 2 if day.weekday() < 5 else 3)):
-        now = start
-        for recipe in RECIPES:
-            change = random_.choice([-0.04, -0.02, 0, 0, 0, 0.02, 0.04])
-            feedings = [(pen, round(amount * (1 + change) / 10) * 10)
-                        for pen, amount in by_recipe[recipe[0]]]
-            for load in loads_of(feedings):
-                number = len(batches) + 1
-                rows = batch_of(random_, recipe, sum(part[1] for part in load))
-                times = []
-                for _ in rows:
-                    now += random_.choice([1, 1, 2])
-                    times.append(clock(now))
-                batches.append(f"B,{number},{recipe[0]},{date},{user},"
-                               + padded([str(row[0]) for row in rows]) + ";"
-                               + padded(times) + ";"
-                               + padded([weight(row[1]) for row in rows]) + ";"
-                               + padded([weight(row[2]) for row in rows]))
-                now += 4
-                for pen, target, actual in feeds_of(random_, load, sum(row[2] for row in rows)):
-                    now += random_.choice([1, 2])
-                    feeds.append(f"B,{number},{pen},{user},{clock(now)},{date},"
-                                 f"{weight(target)},{weight(actual)}")
-                now += 3
-    text = "{BAT/FED},L\r\n[BAT]," + "\r\n".join(batches) + "\r\n\r\n"
-    text += "[FED]," + "\r\n".join(feeds) + "\r\n\r\n"
-    path.write_bytes(text.encode("ascii"))
-
-
-def main():
-    default = pathlib.Path(__file__).resolve().parent.parent / "data" / "sample_site"
-    folder = pathlib.Path(sys.argv[1]) if len(sys.argv) > 1 else default
-    write_master_data(folder)
-    random_ = random.Random(SEED)
-    for index in range(DAYS):
-        day = FIRST_DAY + datetime.timedelta(days=index)
-        write_day(folder / f"day{index + 1}.qxt", day, random_)
-
-
-if __name__ == "__main__":
-    main()
