@@ -231,6 +231,7 @@ TEST_F(SampleMonth, WhatAModuleStillHeldIsFoundAndNotStoredAgain) {
   EXPECT_EQ(statement["continued"], 1);
   EXPECT_EQ(statement["conflicts"], 0);
   EXPECT_EQ(statement["notRecorded"], 0);
+  EXPECT_EQ(statement["oddDates"], 0);
 }
 
 TEST_F(SampleMonth, AModuleReadInAFeedingIsOutOfBalanceUntilItIsReadAgain) {
