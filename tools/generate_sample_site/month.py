@@ -40,7 +40,7 @@ SPREAD = {1: (0.016, 0.001), 2: (0.018, 0.002), 3: (0.018, 0), 4: (0.032, 0.004)
           10: (0.022, 0), 11: (0.03, 0), 12: (0.03, 0)}
 SLOW_TO_LOAD = (6, 7, 8)
 
-LATE = {23: 55}  # day and minutes: the mixer did not start
+LATE = {23: 55}  # day and minutes of both feedings: the mixer did not start
 
 # What went wrong, by day, feeding and recipe.
 FORGOTTEN = {(22, AFTERNOON, 2): 10}  # the ingredient that was not loaded
