@@ -8,7 +8,7 @@
 #include <sqlite3.h>
 
 #include "database/transactions.h"
-#include "insight/dated_rows.h"
+#include "insight/days.h"
 #include "insight/record_reader.h"
 #include "insight/row_scan.h"
 
@@ -28,15 +28,6 @@ std::string RowsOfNumbers(bool dense) {
 }
 
 }  // namespace
-
-// One lower limit only: of two, SQLite may begin to read the index at the wider one.
-std::string DayCondition(const std::optional<Date>& from, const std::optional<Date>& to) {
-  std::string condition = from ? "[Date] >= '" + StoredText(*from) + "'" : "[Date] > ''";
-  if (to) {
-    condition += " AND [Date] <= '" + StoredText(*to) + "'";
-  }
-  return condition;
-}
 
 void RecordReader::FindRows() {
   if (!question_.HasPeriod()) {

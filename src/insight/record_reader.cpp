@@ -1,7 +1,6 @@
 #include "insight/record_reader.h"
 
 #include <algorithm>
-#include <chrono>
 #include <cmath>
 #include <string_view>
 #include <tuple>
@@ -12,8 +11,6 @@
 #include <sqlite3.h>
 
 #include "database/connection.h"
-#include "database/transactions.h"
-#include "insight/dated_rows.h"
 #include "insight/row_scan.h"
 
 namespace vrx {
@@ -64,24 +61,6 @@ std::string TypeCondition(unsigned flags) {
 }
 
 }  // namespace
-
-DayNumber ToDayNumber(const std::optional<Date>& date) {
-  return date ? static_cast<DayNumber>(std::chrono::sys_days(*date).time_since_epoch().count())
-              : kNoDay;
-}
-
-std::optional<TimeOfDay> ToTime(std::int32_t seconds) {
-  if (seconds == kNoTime) {
-    return std::nullopt;
-  }
-  constexpr int kMinute = 60;
-  return TimeOfDay{seconds / (kMinute * kMinute), seconds / kMinute % kMinute, seconds % kMinute};
-}
-
-std::optional<Date> ToDate(DayNumber day) {
-  return day == kNoDay ? std::nullopt
-                       : std::optional<Date>(std::chrono::sys_days(std::chrono::days(day)));
-}
 
 ReadTransaction::ReadTransaction(SQLite::Database& database) : database_(database) {
   WithDatabaseErrors(database, [&] { database.exec("SAVEPOINT insight"); });

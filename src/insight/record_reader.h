@@ -13,6 +13,7 @@
 #include <SQLiteCpp/Database.h>
 
 #include "base/date.h"
+#include "insight/days.h"
 #include "insight/exact.h"
 #include "insight/import_units.h"
 #include "insight/names.h"
@@ -21,17 +22,6 @@
 struct sqlite3_value;
 
 namespace vrx {
-
-// Days since 1970-01-01; kNoDay for a date that is missing or has not the stored form.
-using DayNumber = std::int32_t;
-inline constexpr DayNumber kNoDay = std::numeric_limits<DayNumber>::min();
-[[nodiscard]] DayNumber ToDayNumber(const std::optional<Date>& date);
-[[nodiscard]] std::optional<Date> ToDate(DayNumber day);
-
-inline constexpr std::int32_t kNoTime = -1;
-inline constexpr std::int64_t kSecondsAMinute = 60;
-// Nothing for kNoTime.
-[[nodiscard]] std::optional<TimeOfDay> ToTime(std::int32_t seconds);
 
 // Which rows a scan reads and which of their columns; all others of a record stay empty.
 enum ReadFlags : unsigned {

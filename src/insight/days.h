@@ -1,13 +1,25 @@
 #pragma once
 
+#include <cstdint>
+#include <limits>
 #include <optional>
 #include <string>
 #include <string_view>
 
 #include "base/date.h"
-#include "insight/record_reader.h"
 
 namespace vrx {
+
+// Days since 1970-01-01; kNoDay for a date that is missing or has not the stored form.
+using DayNumber = std::int32_t;
+inline constexpr DayNumber kNoDay = std::numeric_limits<DayNumber>::min();
+[[nodiscard]] DayNumber ToDayNumber(const std::optional<Date>& date);
+[[nodiscard]] std::optional<Date> ToDate(DayNumber day);
+
+inline constexpr std::int32_t kNoTime = -1;
+inline constexpr std::int64_t kSecondsAMinute = 60;
+// Nothing for kNoTime.
+[[nodiscard]] std::optional<TimeOfDay> ToTime(std::int32_t seconds);
 
 inline constexpr std::string_view kLoadType = "BATCH";
 inline constexpr std::string_view kDeliveryType = "FEED";
