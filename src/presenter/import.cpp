@@ -250,7 +250,7 @@ StoreOutcome ImportPresenter::ClickImportStore(RepeatedBatches repeated) {
       .file = file_.FileName(), .sha256 = Sha256(file_.Text()), .units = file_.FileUnits()};
   const StoreOutcome outcome =
       store_.StoreImportedTransactions(file_.Imported(), source, databases, stored_, repeated);
-  UpdateUndo();
+  UpdateUndo(databases);
   return outcome;
 }
 
@@ -263,12 +263,11 @@ bool ImportPresenter::ClickImportUndo() {
     return false;
   }
   stored_ = false;
-  UpdateUndo();
+  UpdateUndo(databases);
   return true;
 }
 
-void ImportPresenter::UpdateUndo() {
-  const OpenDatabases databases = view_.Databases();
+void ImportPresenter::UpdateUndo(const OpenDatabases& databases) {
   form_.cmd_import_undo_enabled = false;
   RunReported<DatabaseError>(services_.op, kNoReport, [&] {
     form_.cmd_import_undo_enabled =

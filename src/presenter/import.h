@@ -106,8 +106,8 @@ class ImportPresenter {
   // The click of `cmdImportUndo`. Returns false if nothing was taken out of the database.
   bool ClickImportUndo();
 
-  // Enables `cmdImportUndo` if the last store of the open transaction database can be undone.
-  void UpdateUndo();
+  // Enables `cmdImportUndo` if the last store of the transaction database can be undone.
+  void UpdateUndo(const OpenDatabases& databases);
 
   const ImportForm& Form() const { return form_; }
   const TransFile& File() const { return file_; }

@@ -337,11 +337,11 @@ TEST_F(ImportSessionTest, UndoIsOffWithoutADatabaseAndInOneThatMayNotBeWritten) 
   ASSERT_TRUE(Import(kWorkedExample));
   session_.ClickImportStore();
   databases_.trans_db_read_only_note = "it is on a read-only medium";
-  session_.UpdateUndo();
+  session_.UpdateUndo(databases_);
   EXPECT_FALSE(session_.Form().cmd_import_undo_enabled);
   EXPECT_FALSE(session_.ClickImportUndo());
   databases_ = {};
-  session_.UpdateUndo();
+  session_.UpdateUndo(databases_);
   EXPECT_FALSE(session_.Form().cmd_import_undo_enabled);
   EXPECT_FALSE(session_.ClickImportUndo());
   EXPECT_THAT(site_.Stored(), SizeIs(6));

@@ -391,7 +391,11 @@ void ImportPage::ImportChanged() {
 void ImportPage::Rebind(DatabaseKind kind, const BoundDatabase& database) {
   if (kind == DatabaseKind::kTransaction) {
     read_only_note_ = ToQString(database.read_only_note);
-    session_.UpdateUndo();
+    // The database that is being bound; Databases() has the one before until all views have it.
+    OpenDatabases next = Databases();
+    next.trans_db_path = database.blank ? std::filesystem::path() : database.path;
+    next.trans_db_read_only_note = database.read_only_note;
+    session_.UpdateUndo(next);
   }
 }
 

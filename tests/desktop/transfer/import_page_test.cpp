@@ -398,6 +398,18 @@ TEST_F(ImportPageTest, AfterAStoreALineSaysWhatWasStoredAndTheGridSelectsTheFirs
   EXPECT_FALSE(Find<QWidget>(u"picResult"_qs).isVisible());
 }
 
+TEST_F(ImportPageTest, UndoIsOfTheDatabaseThatIsOpen) {
+  ShowWithBothDatabases(kImportedFile);
+  Click(u"cmdImportStore"_qs);
+  const auto stored = Main().Databases().Bound(DatabaseKind::kTransaction).path;
+  chooser_.Choose(MakeUserFile("OTHER.TDB", DatabaseKind::kTransaction));
+  Choose(u"mnuFileOpenTransactionDB"_qs);
+  EXPECT_FALSE(Find<QWidget>(u"cmdImportUndo"_qs).isEnabled());
+  chooser_.Choose(stored);
+  Choose(u"mnuFileOpenTransactionDB"_qs);
+  EXPECT_TRUE(Find<QWidget>(u"cmdImportUndo"_qs).isEnabled());
+}
+
 TEST_F(ImportPageTest, TheLastStoreIsUndoneAfterAQuestion) {
   ShowWithBothDatabases(kImportedFile);
   EXPECT_FALSE(Find<QWidget>(u"cmdImportUndo"_qs).isEnabled());
