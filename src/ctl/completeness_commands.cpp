@@ -175,7 +175,7 @@ class ImportsCommand : public Command {
     }
     const auto number = ParseLong(settle_.at(0));
     if (!number || *number < 1 || settle_[0] != std::to_string(*number)) {
-      throw CLI::ValidationError("--settle", "'" + settle_[0] + "' is no number of a store");
+      throw CLI::ValidationError("--settle", "'" + settle_[0] + "' is not the number of a store");
     }
     for (const Settlement settlement : {Settlement::kKeep, Settlement::kConvert}) {
       if (settle_.at(1) == TextOf(settlement)) {

@@ -50,7 +50,7 @@ std::vector<std::string> TextsOf(const AnswerTable& table, const std::vector<Ans
 
 std::string NotANumber(const std::string& typed) {
   const auto number = ParseNumber(typed);
-  return number && *number >= 0 ? std::string() : "'" + typed + "' is no number from 0";
+  return number && *number >= 0 ? std::string() : "'" + typed + "' is not a number from 0";
 }
 
 }  // namespace

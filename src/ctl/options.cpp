@@ -37,7 +37,7 @@ bool IsWholeNumber(std::string_view text) {
 }
 
 std::string NoDay(const std::string& typed) {
-  return ParseStoredDate(typed) ? std::string() : "'" + typed + "' is no day as YYYY-MM-DD";
+  return ParseStoredDate(typed) ? std::string() : "'" + typed + "' is not a day, YYYY-MM-DD";
 }
 
 std::string FirstBytes(const std::filesystem::path& path) {
@@ -77,7 +77,7 @@ CLI::Option* RequireWholeNumber(CLI::Option* option, int first, int last) {
         const auto number = IsWholeNumber(typed) ? ParseLong(typed) : std::nullopt;
         return number && *number >= first && *number <= last
                    ? std::string()
-                   : "'" + typed + "' is no whole number from " + range;
+                   : "'" + typed + "' is not a whole number from " + range;
       },
       range);
 }

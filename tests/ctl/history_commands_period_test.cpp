@@ -50,7 +50,7 @@ TEST_F(CommandsOfAPeriod, WhatIsLeftOutIsReported) {
 TEST_F(CommandsOfAPeriod, WrongDaysAreWrongUsage) {
   for (const char* const day : {"2011-02-30", "3/14/2011", "today", ""}) {
     EXPECT_EQ(Show(0, {"--from", day}), 2) << day;
-    EXPECT_THAT(err, HasSubstr("'" + std::string(day) + "' is no day as YYYY-MM-DD")) << day;
+    EXPECT_THAT(err, HasSubstr("'" + std::string(day) + "' is not a day, YYYY-MM-DD")) << day;
   }
   EXPECT_EQ(Show(0, {"--from", "2011-03-15", "--to", "2011-03-14"}), 2);
   EXPECT_THAT(err, HasSubstr("2011-03-14 is before 2011-03-15, the first day"));

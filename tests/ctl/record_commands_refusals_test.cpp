@@ -79,18 +79,18 @@ TEST_F(RecordRefusals, ANumberWithALetterAfterIt) {
 
 TEST_F(RecordRefusals, ARecordThatIsMissing) {
   ExpectWrongUsage({"set", "ingredient", "101", "--name", "CORN"},
-                   "'101' is no whole number from 1 to 100");
-  ExpectWrongUsage({"set", "recipe", "0", "--name", "CORN"}, "'0' is no whole number");
+                   "'101' is not a whole number from 1 to 100");
+  ExpectWrongUsage({"set", "recipe", "0", "--name", "CORN"}, "'0' is not a whole number");
   ExpectWrongUsage({"set", "pen", "401", "--name", "CORN"},
-                   "'401' is no whole number from 1 to 400");
-  ExpectWrongUsage({"reset", "ingredient", "101", "--yes"}, "'101' is no whole number");
-  ExpectWrongUsage({"reset", "recipe", "-1", "--yes"}, "'-1' is no whole number");
-  ExpectWrongUsage({"reset", "pen", "4294967297", "--yes"}, "'4294967297' is no whole number");
+                   "'401' is not a whole number from 1 to 400");
+  ExpectWrongUsage({"reset", "ingredient", "101", "--yes"}, "'101' is not a whole number");
+  ExpectWrongUsage({"reset", "recipe", "-1", "--yes"}, "'-1' is not a whole number");
+  ExpectWrongUsage({"reset", "pen", "4294967297", "--yes"}, "'4294967297' is not a whole number");
 }
 
 TEST_F(RecordRefusals, ANumberOfAnotherBase) {
-  ExpectWrongUsage({"set", "pen", "0x10", "--name", "A16"}, "'0x10' is no whole number");
-  ExpectWrongUsage({"set", "pen", "1e1", "--name", "A10"}, "'1e1' is no whole number");
+  ExpectWrongUsage({"set", "pen", "0x10", "--name", "A16"}, "'0x10' is not a whole number");
+  ExpectWrongUsage({"set", "pen", "1e1", "--name", "A10"}, "'1e1' is not a whole number");
 }
 
 TEST_F(RecordRefusals, AHeadCountInWords) {
@@ -103,7 +103,7 @@ TEST_F(RecordRefusals, AnAdjustmentThatTheListDoesNotHave) {
   AddLine(database, {.recipe_id = "5", .target = "100"});
   for (const std::string percent : {"21", "-21", "5.5", "0x10", "1e1", "12x", "", "-", " 5"}) {
     ExpectWrongUsage({"set", "recipe", "5", "--type", "H", "--adjust", percent},
-                     "'" + percent + "' is no whole number from -20 to 20");
+                     "'" + percent + "' is not a whole number from -20 to 20");
   }
 }
 
