@@ -45,7 +45,7 @@ class EditsKilled : public ProgramsTest {
       case 2:
         return RecipeEdit(std::to_string(Pick(1, 100)), "Mix " + value);
       default:
-        return LineEdit(Pick(1, 8), value);
+        return LineEdit(Pick(1, 7), value);
     }
   }
 
