@@ -5,12 +5,12 @@
 #include <unordered_map>
 #include <utility>
 
-#include "base/number.h"
 #include "database/connection.h"
 #include "insight/accuracy.h"
 #include "insight/accuracy_figures.h"
 #include "insight/names.h"
 #include "insight/record_reader.h"
+#include "insight/report_period.h"
 
 namespace vrx {
 namespace {
@@ -61,14 +61,6 @@ DayNumber PeriodStart(AccuracyKey key, DayNumber day) {
   }
   const Date parts(date);
   return ToDayNumber(parts.year() / parts.month() / 1);
-}
-
-// "2026-W05", with the year of the week's Thursday.
-std::string WeekText(const Date& monday) {
-  const Date thursday(std::chrono::sys_days(monday) + std::chrono::days(3));
-  const auto first = std::chrono::sys_days(thursday.year() / std::chrono::January / 1);
-  const auto week = (std::chrono::sys_days(thursday) - first).count() / 7 + 1;
-  return StoredText(thursday).substr(0, 4) + "-W" + Format(week, "00");
 }
 
 std::optional<std::string> PeriodText(AccuracyKey key, DayNumber start) {

@@ -236,6 +236,41 @@ class DeliveryReader {
   DeliveriesOfPens deliveries_;
 };
 
+// Adds up lines. The weights of a line are sums of stored weights, whose decimals they keep.
+class PenSum {
+ public:
+  void Add(const DeliveredLine& line) {
+    if (line.missed) {
+      ++total_.missed_days;
+      return;
+    }
+    called_ += Exact::Of(line.called.value_or(0));
+    delivered_ += Exact::Of(line.delivered.value_or(0));
+    ++total_.days;
+    total_.feedings += line.feedings;
+    total_.recipe_changes += line.recipe_changed ? 1 : 0;
+  }
+
+  [[nodiscard]] PenTotal Total() const {
+    PenTotal total = total_;
+    if (total.days > 0) {
+      const Exact difference = delivered_ - called_;
+      total.called = called_.ToDouble();
+      total.delivered = delivered_.ToDouble();
+      total.difference = difference.ToDouble();
+      if (called_.Sign() > 0) {
+        total.difference_percent = Quotient(Exact::Whole(100) * difference, called_);
+      }
+    }
+    return total;
+  }
+
+ private:
+  PenTotal total_ = {};
+  Exact called_ = {};
+  Exact delivered_ = {};
+};
+
 }  // namespace
 
 Delivered ReadDelivered(SQLite::Database& database, const Question& question,
@@ -270,6 +305,24 @@ Delivered ReadDelivered(SQLite::Database& database, const Question& question,
     answer.notes = reader.Notes();
     return answer;
   });
+}
+
+PenTotals TotalsOf(const Delivered& delivered) {
+  PenTotals totals;
+  PenSum all;
+  PenSum of_pen;
+  for (std::size_t i = 0; i < delivered.lines.size(); ++i) {
+    const DeliveredLine& line = delivered.lines[i];
+    of_pen.Add(line);
+    all.Add(line);
+    if (i + 1 == delivered.lines.size() || delivered.lines[i + 1].pen != line.pen) {
+      totals.pens.push_back(of_pen.Total());
+      totals.pens.back().pen = line.pen;
+      of_pen = {};
+    }
+  }
+  totals.all = all.Total();
+  return totals;
 }
 
 }  // namespace vrx

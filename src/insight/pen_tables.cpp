@@ -1,3 +1,5 @@
+#include <utility>
+
 #include "base/translation.h"
 #include "insight/table_cells.h"
 #include "insight/tables.h"
@@ -11,6 +13,18 @@ constexpr std::string_view kHowTrace = TrMark(
 
 AnswerCell MomentCell(const std::optional<Moment>& moment) {
   return moment ? AnswerCell(TextOf(*moment)) : AnswerCell();
+}
+
+std::vector<AnswerCell> CellsOf(AnswerCell pen, const PenTotal& total) {
+  return {std::move(pen),
+          CellOf(total.called),
+          CellOf(total.delivered),
+          CellOf(total.difference),
+          CellOf(total.difference_percent),
+          total.feedings,
+          total.days,
+          total.missed_days,
+          total.recipe_changes};
 }
 
 }  // namespace
@@ -38,6 +52,26 @@ AnswerTable TableOf(const Delivered& answer) {
                           CellOf(line.recipe), line.recipe_changed, CellOf(line.first),
                           CellOf(line.first_shift), line.missed, CellOf(line.per_head)});
   }
+  return table;
+}
+
+AnswerTable TableOf(const PenTotals& answer) {
+  AnswerTable table{
+      .columns = {{"pen", TrMark("Pen"), CellKind::kName},
+                  {"called", TrMark("Called"), CellKind::kWeight},
+                  {"delivered", TrMark("Delivered"), CellKind::kWeight},
+                  {"difference", TrMark("Difference"), CellKind::kWeight},
+                  {"differencePercent", TrMark("Difference %"), CellKind::kPercent},
+                  {"feedings", TrMark("Feedings"), CellKind::kCount},
+                  {"days", TrMark("Days"), CellKind::kCount},
+                  {"missedDays", TrMark("Missed days"), CellKind::kCount},
+                  {"recipeChanges", TrMark("Recipe changes"), CellKind::kCount}},
+      .how = TrMark("What each pen was called for and was fed. A missed day is one without a "
+                    "delivery between two days with one.")};
+  for (const PenTotal& pen : answer.pens) {
+    table.rows.push_back(CellsOf(CellOf(pen.pen), pen));
+  }
+  table.total = CellsOf(std::string("Total"), answer.all);
   return table;
 }
 

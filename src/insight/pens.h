@@ -55,6 +55,26 @@ struct Delivered {
                                       const std::vector<HeadCount>& heads = {},
                                       const InsightProgress& progress = {});
 
+// The lines of a pen together. Sums are exact; nothing is a sum of missed days only.
+struct PenTotal {
+  std::optional<std::string> pen = {};
+  std::optional<double> called = {};
+  std::optional<double> delivered = {};
+  std::optional<double> difference = {};
+  std::optional<double> difference_percent = {};  // of what was called, if that is above 0
+  std::int64_t feedings = 0;
+  std::int64_t days = 0;  // with a delivery
+  std::int64_t missed_days = 0;
+  std::int64_t recipe_changes = 0;  // days with one
+};
+
+struct PenTotals {
+  std::vector<PenTotal> pens = {};  // as the lines are ordered
+  PenTotal all = {};                // without a pen
+};
+
+[[nodiscard]] PenTotals TotalsOf(const Delivered& delivered);
+
 // Trace, in support of a recall of batches (21 CFR 225.202). By names as stored: names that were
 // changed later count as others, and drug lots are kept elsewhere. The weights can differ by tenths
 // from the stored columns of ingredients, which were rounded on the way.

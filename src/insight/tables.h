@@ -64,6 +64,7 @@ struct AnswerTable {
 [[nodiscard]] AnswerTable TableOf(const Times& answer, TimesKey by);
 [[nodiscard]] AnswerTable TableOfBatches(const Times& answer);
 [[nodiscard]] AnswerTable TableOf(const Delivered& answer);
+[[nodiscard]] AnswerTable TableOf(const PenTotals& answer);
 [[nodiscard]] AnswerTable ForwardTable(const Trace& answer);   // of an ingredient
 [[nodiscard]] AnswerTable BackwardTable(const Trace& answer);  // of a pen
 [[nodiscard]] AnswerTable TableOf(const Holding& answer);

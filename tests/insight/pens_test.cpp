@@ -296,5 +296,39 @@ TEST_F(Pens, AreDeliveredPerHead) {
   EXPECT_THAT(answer.unknown_pens, ElementsAre("B9"));
 }
 
+TEST_F(Pens, AreAddedUpOverDays) {
+  Feed(1, "A01", "2026-01-01 06:00", 90.1, 100);
+  Feed(2, "A01", "2026-01-01 16:00", 90.2, 100);
+  Feed(3, "A01", "2026-01-03 06:00", 0.1, 0, "HEIFER");
+  Feed(4, "A02", "2026-01-02 06:00", 50);
+  const PenTotals totals = TotalsOf(ReadDelivered(database, {}));
+  ASSERT_EQ(totals.pens.size(), 2U);
+  const PenTotal& first = totals.pens[0];
+  EXPECT_EQ(first.pen, "A01");
+  EXPECT_EQ(first.called, 200);
+  EXPECT_EQ(first.delivered, 180.4);
+  EXPECT_EQ(first.difference, -19.6);
+  EXPECT_EQ(first.difference_percent, -9.8);
+  EXPECT_EQ(first.feedings, 3);
+  EXPECT_EQ(first.days, 2);
+  EXPECT_EQ(first.missed_days, 1);
+  EXPECT_EQ(first.recipe_changes, 1);
+  EXPECT_EQ(totals.pens[1].difference_percent, std::nullopt);
+  EXPECT_EQ(totals.all.delivered, 230.4);
+  EXPECT_EQ(totals.all.days, 3);
+}
+
+TEST_F(Pens, AreNotAddedUpOverMissedDaysOnly) {
+  Feed(1, "A01", "2026-01-01 06:00", 90, 100);
+  Feed(2, "A01", "2026-01-05 06:00", 90, 100);
+  const PenTotals totals =
+      TotalsOf(ReadDelivered(database, {.from = Day("2026-01-02"), .to = Day("2026-01-03")}));
+  ASSERT_EQ(totals.pens.size(), 1U);
+  EXPECT_EQ(totals.pens[0].missed_days, 2);
+  EXPECT_EQ(totals.pens[0].delivered, std::nullopt);
+  EXPECT_EQ(totals.all.difference, std::nullopt);
+  EXPECT_TRUE(TotalsOf({}).pens.empty());
+}
+
 }  // namespace
 }  // namespace vrx::testing
