@@ -87,6 +87,10 @@ enum class SvgUse { kFile, kInPage };
 // the style for dark screens; in a page the ground is the page's, and the page has SvgStyle() once.
 [[nodiscard]] std::string SvgText(const Picture& picture, const Look& look, SvgUse use);
 
+// A text as the contents of an element or attribute of SVG and HTML. Characters that XML does not
+// have become U+FFFD.
+[[nodiscard]] std::string MarkupText(const QString& text);
+
 // The rules of CSS that make pictures dark on a dark screen, and light in print.
 [[nodiscard]] std::string SvgStyle();
 

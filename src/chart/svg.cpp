@@ -24,16 +24,6 @@ std::string Number(double value) {
 
 std::string Number(QPointF at) { return Number(at.x()) + ' ' + Number(at.y()); }
 
-std::string Escaped(const QString& text) {
-  QString allowed;
-  for (const QChar character : text) {
-    // XML has no characters for the other controls.
-    const bool is_control = character < QChar(' ') && character != '\t';
-    allowed += is_control ? QChar(QChar::ReplacementCharacter) : character;
-  }
-  return allowed.toHtmlEscaped().toStdString();
-}
-
 std::string Color(Ink ink) { return ColorOf(ink, false).name().toStdString(); }
 
 // The class of an ink that fills, or with "-line" of one that draws a line, and the light color.
@@ -96,7 +86,7 @@ class SvgWriting {
     if (shape.anchor != Anchor::kStart) {
       svg_ += shape.anchor == Anchor::kMiddle ? " text-anchor=\"middle\"" : " text-anchor=\"end\"";
     }
-    svg_ += std::string(font.bold() ? " font-weight=\"bold\"" : "") + '>' + Escaped(shape.text) +
+    svg_ += std::string(font.bold() ? " font-weight=\"bold\"" : "") + '>' + MarkupText(shape.text) +
             "</text>\n";
   }
 
@@ -137,6 +127,16 @@ class SvgWriting {
 
 }  // namespace
 
+std::string MarkupText(const QString& text) {
+  QString allowed;
+  for (const QChar character : text) {
+    const bool is_control = character < QChar(' ') && character != QChar('\t');
+    const bool is_missing = is_control || character >= QChar(0xFFFE);
+    allowed += is_missing ? QChar(QChar::ReplacementCharacter) : character;
+  }
+  return allowed.toHtmlEscaped().toStdString();
+}
+
 std::string SvgText(const Picture& picture, const Look& look, SvgUse use) {
   const std::string width = Number(picture.size.width());
   const std::string height = Number(picture.size.height());
@@ -146,8 +146,8 @@ std::string SvgText(const Picture& picture, const Look& look, SvgUse use) {
   }
   svg += R"(<svg xmlns="http://www.w3.org/2000/svg" class="chart" role="img" width=")" + width +
          "\" height=\"" + height + "\" viewBox=\"0 0 " + width + ' ' + height +
-         "\" font-family=\"" + Escaped(look.family) + "\">\n";
-  svg += "<title>" + Escaped(picture.title) + "</title>\n";
+         "\" font-family=\"" + MarkupText(look.family) + "\">\n";
+  svg += "<title>" + MarkupText(picture.title) + "</title>\n";
   if (use == SvgUse::kFile) {
     svg += "<style>" + SvgStyle() + "</style>\n<rect width=\"" + width + "\" height=\"" + height +
            '"' + FillOf(Ink::kPaper) + "/>\n";
