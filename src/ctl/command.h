@@ -78,6 +78,7 @@ std::unique_ptr<Command> MakeHoldingCommand();
 std::unique_ptr<Command> MakeCompletenessCommand();
 std::unique_ptr<Command> MakeImportsCommand();
 std::unique_ptr<Command> MakeUseCommand();
+std::unique_ptr<Command> MakeReportCommand();
 
 // The subcommands of `recipe`.
 std::unique_ptr<Command> MakeRecipeCopyCommand();

@@ -90,6 +90,7 @@ std::vector<std::unique_ptr<Command>> MakeCommands() {
   commands.push_back(MakeCompletenessCommand());
   commands.push_back(MakeImportsCommand());
   commands.push_back(MakeUseCommand());
+  commands.push_back(MakeReportCommand());
   return commands;
 }
 
