@@ -149,4 +149,21 @@ void CheckNames(SQLite::Database& database, const Question& question) {
   }
 }
 
+std::vector<std::string> ReadNames(SQLite::Database& database, NameKind kind) {
+  std::vector<std::string> names;
+  WithDatabaseErrors(database, [&] {
+    SQLite::Statement query(database, "SELECT DISTINCT CAST(" + ColumnOf(kind) +
+                                          " AS TEXT) AS Name FROM " +
+                                          std::string(kTransactionsTable) +
+                                          " WHERE Name NOT IN ('', '-1')" + TypeCondition(kind));
+    while (query.executeStep()) {
+      names.push_back(query.getColumn(0).getString());
+    }
+  });
+  std::sort(names.begin(), names.end(), [kind](const std::string& left, const std::string& right) {
+    return NameIsBefore(kind, left, right);
+  });
+  return names;
+}
+
 }  // namespace vrx

@@ -57,4 +57,8 @@ class Names {
 // differ by case only. Throws DatabaseError.
 void CheckNames(SQLite::Database& database, const Question& question);
 
+// The names that the records have, in the order of the groups of an answer, without the missing
+// one. Reads a whole index. Throws DatabaseError.
+[[nodiscard]] std::vector<std::string> ReadNames(SQLite::Database& database, NameKind kind);
+
 }  // namespace vrx
