@@ -246,6 +246,9 @@ SetupControls LoadSetupControls(const PrivateINI& settings) {
     controls.options.at(i) = (settings.*kOptions.at(i).on)();
   }
   controls.tolerance = settings.DifferenceToleranceText();
+  for (std::size_t i = 0; i < controls.limits.size(); ++i) {
+    controls.limits.at(i) = settings.LimitText(static_cast<PrivateINI::InsightLimit>(i));
+  }
   return controls;
 }
 
@@ -258,6 +261,31 @@ bool IsToleranceUsable(std::string_view tolerance, Operator& op) {
                   .text = Tr("The tolerance of the differences must be a number from 0 to 100 "
                              "percent.")});
   return false;
+}
+
+SetupLimits UsualLimits() {
+  SetupLimits limits;
+  for (std::size_t i = 0; i < limits.size(); ++i) {
+    limits.at(i) = PrivateINI::UsualText(static_cast<PrivateINI::InsightLimit>(i));
+  }
+  return limits;
+}
+
+std::optional<std::size_t> UnusableLimit(const SetupLimits& limits, Operator& op) {
+  for (std::size_t i = 0; i < limits.size(); ++i) {
+    const auto limit = static_cast<PrivateINI::InsightLimit>(i);
+    if (PrivateINI::IsInsightLimit(limit, limits.at(i))) {
+      continue;
+    }
+    const bool is_percent = limit == PrivateINI::InsightLimit::kPercent ||
+                            limit == PrivateINI::InsightLimit::kBalancePercent;
+    op.ShowMessage({.icon = Icon::kWarning,
+                    .title = Tr("Setup"),
+                    .text = is_percent ? Tr("This limit must be a number from 0 to 100 percent.")
+                                       : Tr("This limit must be a weight from 0 to 99999.")});
+    return i;
+  }
+  return std::nullopt;
 }
 
 std::string AssociationsText(const SystemInfo& system) {
@@ -283,6 +311,9 @@ void ApplySetupControls(const SetupControls& controls, std::string_view recipe_u
     (settings.*kOptions.at(i).let)(controls.options.at(i));
   }
   settings.SetDifferenceTolerance(controls.tolerance);
+  for (std::size_t i = 0; i < controls.limits.size(); ++i) {
+    settings.SetLimit(static_cast<PrivateINI::InsightLimit>(i), controls.limits.at(i));
+  }
 }
 
 std::string ApplicationPath(const SystemInfo& system) {

@@ -4,6 +4,7 @@
 #include <cstddef>
 #include <filesystem>
 #include <functional>
+#include <optional>
 #include <string>
 #include <string_view>
 
@@ -71,6 +72,10 @@ struct SetupOption {
 inline constexpr std::size_t kSetupOptionCount = 8;
 const std::array<SetupOption, kSetupOptionCount>& SetupOptions();
 
+// The limits of the tab Insight as typed, by PrivateINI::InsightLimit.
+using SetupLimits = std::array<std::string, PrivateINI::kInsightLimits>;
+[[nodiscard]] SetupLimits UsualLimits();
+
 // The operator's choices in `SETUP`.
 struct SetupControls {
   int system_units = kNoSelection;  // of kSystemUnitsList
@@ -78,6 +83,7 @@ struct SetupControls {
   int baud_rate = kNoSelection;     // of kBaudRateList
   std::array<bool, kSetupOptionCount> options{};
   std::string tolerance = {};  // of differences, in percent, as typed
+  SetupLimits limits = UsualLimits();
 
   [[nodiscard]] std::string_view SystemUnits() const;  // the chosen text; "" without a selection
   [[nodiscard]] std::string_view SerialPort() const;
@@ -89,6 +95,9 @@ SetupControls LoadSetupControls(const PrivateINI& settings);
 
 // Whether the typed tolerance can be used; otherwise reports why not.
 bool IsToleranceUsable(std::string_view tolerance, Operator& op);
+
+// The first limit that cannot be used; reports why not. Nothing if all can be used.
+std::optional<std::size_t> UnusableLimit(const SetupLimits& limits, Operator& op);
 
 // `txtAssociations`: the viewers of the shipped documents, by kind.
 std::string AssociationsText(const SystemInfo& system);

@@ -16,7 +16,7 @@ namespace {
 constexpr std::string_view kYes = "YES";
 constexpr std::string_view kNo = "NO";
 
-enum class Kind { kText, kUnit, kYesNo, kTolerance };
+enum class Kind { kText, kUnit, kYesNo, kTolerance, kWeight };
 
 struct KeyRow {
   std::string_view section;
@@ -43,6 +43,12 @@ constexpr std::array<KeyRow, PrivateINI::kSettingCount> kRows = {{
     {"Options", "AutoloadTransDB", kNo, Kind::kYesNo},
     {"Options", "PrintGridLines", kYes, Kind::kYesNo},
     {"Options", "DifferenceTolerance", "2", Kind::kTolerance},
+    {"Insight", "WithinPercent", "2", Kind::kTolerance},
+    {"Insight", "WithinWeight", "5", Kind::kWeight},
+    {"Insight", "BeyondWeight", "62.5", Kind::kWeight},
+    {"Insight", "ScaleDivision", "0", Kind::kWeight},
+    {"Insight", "BalancePercent", "2", Kind::kTolerance},
+    {"Insight", "BalanceWeight", "50", Kind::kWeight},
 }};
 
 std::optional<std::size_t> FindRow(std::string_view key) {
@@ -54,6 +60,16 @@ std::optional<std::size_t> FindRow(std::string_view key) {
   }
   return static_cast<std::size_t>(found - kRows.begin());
 }
+
+constexpr double kMostWeight = 99999;
+
+// Of a key with a number.
+bool IsNumber(Kind kind, std::string_view text) {
+  const std::optional<double> number = ParseNumber(text);
+  return number && *number >= 0 && *number <= (kind == Kind::kWeight ? kMostWeight : 100);
+}
+
+bool HasNumber(Kind kind) { return kind == Kind::kTolerance || kind == Kind::kWeight; }
 
 bool IsUnit(std::string_view text) { return text == "LB" || text == "KG"; }
 
@@ -223,8 +239,8 @@ bool PrivateINI::LetByKey(std::string_view key, std::string_view text) {
     Let(*found, text);
     return true;
   }
-  if (kind == Kind::kTolerance) {
-    if (!IsTolerance(text)) {
+  if (HasNumber(kind)) {
+    if (!IsNumber(kind, text)) {
       return false;
     }
     Let(*found, text);
@@ -240,11 +256,12 @@ bool PrivateINI::LetByKey(std::string_view key, std::string_view text) {
 
 void PrivateINI::Let(std::size_t key, std::string_view text) {
   std::string& value = values_.at(key).text;
-  if (kRows.at(key).kind == Kind::kTolerance) {
-    value = IsTolerance(text) ? TrimBlanks(text) : kRows.at(key).default_text;
+  const Kind kind = kRows.at(key).kind;
+  if (HasNumber(kind)) {
+    value = IsNumber(kind, text) ? TrimBlanks(text) : kRows.at(key).default_text;
     return;
   }
-  if (kRows.at(key).kind != Kind::kUnit) {
+  if (kind != Kind::kUnit) {
     value = text;
     return;
   }
@@ -256,9 +273,16 @@ double PrivateINI::DifferenceTolerance() const {
   return ParseNumber(Text(kDifferenceTolerance)).value();
 }
 
-bool PrivateINI::IsTolerance(std::string_view text) {
-  const std::optional<double> percent = ParseNumber(text);
-  return percent && *percent >= 0 && *percent <= 100;
+bool PrivateINI::IsTolerance(std::string_view text) { return IsNumber(Kind::kTolerance, text); }
+
+double PrivateINI::Limit(InsightLimit limit) const { return ParseNumber(LimitText(limit)).value(); }
+
+bool PrivateINI::IsInsightLimit(InsightLimit limit, std::string_view text) {
+  return IsNumber(kRows.at(KeyOf(limit)).kind, text);
+}
+
+std::string_view PrivateINI::UsualText(InsightLimit limit) {
+  return kRows.at(KeyOf(limit)).default_text;
 }
 
 bool PrivateINI::WriteValue(const CPrivateINI& ini, std::size_t key) {

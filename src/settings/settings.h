@@ -133,15 +133,35 @@ class PrivateINI {
   void SetDifferenceTolerance(std::string_view text) { Let(kDifferenceTolerance, text); }
   [[nodiscard]] static bool IsTolerance(std::string_view text);
 
+  // The limits of the answers on the tab Insight: percentages of a target and of a load, weights in
+  // kg, and the division of the scale in the database's unit. Setting any text that IsInsightLimit
+  // refuses sets the default.
+  enum class InsightLimit {
+    kPercent,
+    kWeight,
+    kBeyond,
+    kDivision,
+    kBalancePercent,
+    kBalanceWeight
+  };
+  static constexpr std::size_t kInsightLimits = 6;
+  [[nodiscard]] double Limit(InsightLimit limit) const;
+  [[nodiscard]] const std::string& LimitText(InsightLimit limit) const {
+    return values_.at(KeyOf(limit)).text;
+  }
+  void SetLimit(InsightLimit limit, std::string_view text) { Let(KeyOf(limit), text); }
+  [[nodiscard]] static bool IsInsightLimit(InsightLimit limit, std::string_view text);
+  [[nodiscard]] static std::string_view UsualText(InsightLimit limit);
+
   // Access by key name, which is not case-sensitive. Keys are in the order of the file; TextByKey
   // returns nothing for an unknown key.
-  static constexpr std::size_t kSettingCount = 13;
+  static constexpr std::size_t kSettingCount = 19;
   [[nodiscard]] static std::array<std::string_view, kSettingCount> Keys();
   [[nodiscard]] std::optional<std::string> TextByKey(std::string_view key) const;
 
   // Sets the text and, for a YES/NO key, the boolean. Returns false and changes nothing for an
-  // unknown key and for an invalid value of a unit, percentage or YES/NO key; units and YES/NO
-  // values are upper-cased.
+  // unknown key and for an invalid value of a unit, percentage, weight or YES/NO key; units and
+  // YES/NO values are upper-cased.
   [[nodiscard]] bool LetByKey(std::string_view key, std::string_view text);
 
  private:
@@ -159,11 +179,16 @@ class PrivateINI {
     kAutoloadTransDB,
     kPrintGridLines,
     kDifferenceTolerance,
+    kFirstInsightLimit,
   };
   struct Value {
     std::string text;
     bool on = false;
   };
+
+  static constexpr std::size_t KeyOf(InsightLimit limit) {
+    return kFirstInsightLimit + static_cast<std::size_t>(limit);
+  }
 
   [[nodiscard]] const std::string& Text(Key key) const { return values_.at(key).text; }
   void Let(std::size_t key, std::string_view text);

@@ -127,7 +127,9 @@ TEST_F(CtlTest, SettingsAreListedWithTheirKeys) {
             "Key\tValue\nSerialPort\t2\nKRMBaudRate\t19200\nSystemUnits\tLB\nAutoAbbreviate\tYES\n"
             "ShowImportProgress\tYES\nEnableBeeper\tYES\nPrintCurrentRecipeOnly\tYES\n"
             "EnablePrintText\tNO\nBatchTargetWtIsRecTarget\tYES\nAutoloadRecipeDB\tNO\n"
-            "AutoloadTransDB\tNO\nPrintGridLines\tYES\nDifferenceTolerance\t2\n");
+            "AutoloadTransDB\tNO\nPrintGridLines\tYES\nDifferenceTolerance\t2\n"
+            "WithinPercent\t2\nWithinWeight\t5\nBeyondWeight\t62.5\nScaleDivision\t0\n"
+            "BalancePercent\t2\nBalanceWeight\t50\n");
 }
 
 TEST_F(CtlTest, ASettingIsWrittenAndRead) {

@@ -40,7 +40,14 @@ constexpr std::string_view kDefaultFile =
     "AutoloadRecipeDB=NO\r\n"
     "AutoloadTransDB=NO\r\n"
     "PrintGridLines=YES\r\n"
-    "DifferenceTolerance=2\r\n";
+    "DifferenceTolerance=2\r\n"
+    "[Insight]\r\n"
+    "WithinPercent=2\r\n"
+    "WithinWeight=5\r\n"
+    "BeyondWeight=62.5\r\n"
+    "ScaleDivision=0\r\n"
+    "BalancePercent=2\r\n"
+    "BalanceWeight=50\r\n";
 
 // The default file with one line replaced.
 std::string DefaultFileWith(std::string_view line, std::string_view other) {
@@ -184,7 +191,7 @@ TEST_F(PrivateIniTest, APartlyWrittenDefaultFileEndsTheProgram) {
 // Two keys are missing, and the space that is left takes only the second one.
 TEST_F(PrivateIniTest, AnyKeyThatCannotBeWrittenCounts) {
   constexpr std::string_view kFirst = "BatchTargetWtIsRecTarget=YES\r\n";
-  constexpr std::string_view kSecond = "PrintGridLines=YES\r\n";
+  constexpr std::string_view kSecond = "BalanceWeight=50\r\n";
   std::string file = DefaultFileWith(kFirst, "");
   file.erase(file.find(kSecond), kSecond.size());
   folder.Write("VRX-2260.INI", file);
@@ -298,9 +305,9 @@ TEST_F(PrivateIniTest, TrimsAValueOnRead) {
 TEST_F(PrivateIniTest, AnEmptyOrMissingKeyTakesItsDefaultOnDiskAsWell) {
   EXPECT_EQ(ReadFrom(DefaultFileWith("SerialPort=2", "SerialPort=")).SerialPort(), "2");
   EXPECT_EQ(File(), kDefaultFile);
-  const std::string without = DefaultFileWith("PrintGridLines=YES\r\n", "");
-  EXPECT_TRUE(ReadFrom(without).PrintGridLinesOn());
-  EXPECT_EQ(File(), without + "PrintGridLines=YES\r\n");
+  const std::string without = DefaultFileWith("BalanceWeight=50\r\n", "");
+  EXPECT_EQ(ReadFrom(without).LimitText(PrivateINI::InsightLimit::kBalanceWeight), "50");
+  EXPECT_EQ(File(), without + "BalanceWeight=50\r\n");
 }
 
 TEST_F(PrivateIniTest, AMissingTitleIsNotWrittenBack) {
@@ -474,6 +481,24 @@ TEST_F(PrivateIniTest, AToleranceSetByNameIsKeptAndAWrongOneRefused) {
   EXPECT_EQ(settings.DifferenceToleranceText(), "3.5");
   EXPECT_TRUE(settings.WriteIniSettings(Ini()));
   EXPECT_THAT(File(), HasSubstr("DifferenceTolerance=3.5\r\n"));
+}
+
+TEST_F(PrivateIniTest, TheLimitsOfInsightAreNumbersInTheirRange) {
+  using enum PrivateINI::InsightLimit;
+  PrivateINI settings = ReadFrom(DefaultFileWith("BeyondWeight=62.5", "BeyondWeight=100000"));
+  EXPECT_EQ(settings.Limit(kBeyond), 62.5);
+  settings.SetLimit(kBeyond, " 70.25 ");
+  EXPECT_EQ(settings.Limit(kBeyond), 70.25);
+  EXPECT_EQ(settings.LimitText(kBeyond), "70.25");
+  settings.SetLimit(kPercent, "100.5");
+  EXPECT_EQ(settings.Limit(kPercent), 2);
+  EXPECT_TRUE(settings.LetByKey("balanceweight", "99999"));
+  EXPECT_EQ(settings.Limit(kBalanceWeight), 99999);
+  EXPECT_FALSE(settings.LetByKey("BalancePercent", "-1"));
+  EXPECT_FALSE(PrivateINI::IsInsightLimit(kDivision, ""));
+  EXPECT_EQ(PrivateINI::UsualText(kWeight), "5");
+  EXPECT_TRUE(settings.WriteIniSettings(Ini()));
+  EXPECT_THAT(File(), HasSubstr("BeyondWeight=70.25\r\n"));
 }
 
 TEST_F(PrivateIniTest, ABinaryFileReadsAsDefaultsAndKeepsItsBytes) {

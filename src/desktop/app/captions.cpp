@@ -137,6 +137,26 @@ constexpr std::array kCaptions = std::to_array<Caption>({
     {2015, TrMark("&Find...")},
     {2020, TrMark("&Refresh")},
     {2021, TrMark("&Chapter of This Tab")},
+    {2030, TrMark("Table")},
+    {2031, TrMark("Picture")},
+    {2032, TrMark("Recipe")},
+    {2033, TrMark("Ingredient")},
+    {2034, TrMark("Operator")},
+    {2035, TrMark("Pen")},
+    {2036, TrMark("Days")},
+    {2037, TrMark("As of")},
+    {2040, TrMark("On target within")},
+    {2041, TrMark("Close within")},
+    {2042, TrMark("Far off beyond")},
+    {2043, TrMark("Division of the scale")},
+    {2044, TrMark("Out of balance beyond")},
+    {2045, TrMark("and beyond")},
+    {2046, TrMark("percent of the target")},
+    {2047, TrMark("kg")},
+    {2048, TrMark("in the unit of the database")},
+    {2049, TrMark("percent of what was loaded")},
+    {2052, TrMark("The limits of the tab Insight. The figures of other yards are shown with the "
+                  "usual values only, because they were made with these.")},
 });
 
 // Nothing if the designed text is not in a row of the table.

@@ -16,6 +16,7 @@
 #include "base/translation.h"
 #include "desktop/app/captions.h"
 #include "desktop/dialogs/about_and_splash.h"
+#include "desktop/setup/setup_limits_tab.h"
 #include "desktop/setup/setup_sections.h"
 #include "feed/key_filters.h"
 #include "presenter/setup.h"
@@ -35,6 +36,7 @@ enum SetupTab : int {
   kOptionsTab,
   kConnectionsTab,
   kModuleTab,
+  kLimitsTab,
 };
 
 constexpr QSize kSetupSize{720, 480};
@@ -70,6 +72,7 @@ SetupForm::SetupForm(Services& services, KRMCOMM& krm, SetupFacts facts, QWidget
       facts_(std::move(facts)),
       tab_setup_folder_(new QTabWidget(this)),
       module_tab_(new SetupModuleTab(services, krm)),
+      limits_tab_(new SetupLimitsTab),
       cmd_ok_(new QPushButton(QTr("OK"), this)) {
   setObjectName(QStringLiteral("SETUP"));
   SetTag(*this, kSetupCaption);
@@ -91,6 +94,7 @@ SetupForm::SetupForm(Services& services, KRMCOMM& krm, SetupFacts facts, QWidget
   tab_setup_folder_->addTab(MakeOptionsTab(), QTr("Options"));
   tab_setup_folder_->addTab(MakeConnectionsTab(), QTr("Data Connections"));
   tab_setup_folder_->addTab(module_tab_, QTr("KRM Setup"));
+  tab_setup_folder_->addTab(limits_tab_, QTr("Insight"));
 
   auto* const column = new QVBoxLayout(this);
   column->setSpacing(kSpacing);
@@ -223,6 +227,7 @@ void SetupForm::LoadControls() {
     options_.at(i)->setChecked(controls.options.at(i));
   }
   txt_difference_tolerance_->setText(ToQString(controls.tolerance));
+  limits_tab_->Show(controls.limits);
 }
 
 void SetupForm::FillTab(int tab) {
@@ -269,6 +274,12 @@ void SetupForm::ApplyControls() {
     tab_setup_folder_->setCurrentIndex(kOptionsTab);
     txt_difference_tolerance_->setFocus();
     txt_difference_tolerance_->selectAll();
+    return;
+  }
+  controls.limits = limits_tab_->Typed();
+  if (const auto limit = UnusableLimit(controls.limits, services_.op)) {
+    tab_setup_folder_->setCurrentIndex(kLimitsTab);
+    limits_tab_->GoTo(*limit);
     return;
   }
   controls.system_units = lst_system_uom_->currentIndex();

@@ -13,6 +13,7 @@
 #include <filesystem>
 #include <string>
 
+#include "desktop/setup/setup_limits_tab.h"
 #include "desktop/setup/setup_module_tab.h"
 #include "platform/system_info.h"
 #include "presenter/setup.h"
@@ -80,6 +81,7 @@ class SetupForm : public QDialog {
   TextView* txt_rec_ctrl_ = nullptr;
   TextView* txt_trans_ctrl_ = nullptr;
   SetupModuleTab* module_tab_;
+  SetupLimitsTab* limits_tab_;
   QPushButton* cmd_ok_;
   bool link_reset_ = false;
 };
