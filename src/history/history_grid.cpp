@@ -204,6 +204,15 @@ std::int64_t HistoryGrid::FirstGroupBeginning(std::int64_t row, std::string_view
       row, [&](const CellValue& value) { return BeginsWith(ShownValue(column, value), typed); });
 }
 
+std::int64_t HistoryGrid::OutermostGroup(std::string_view value) {
+  if (RowCount() == 0 || group_->levels.empty()) {
+    return 0;
+  }
+  const HistoryColumn& column = HistoryColumnAt(HistoryColumnOfKey(group_->levels.front()));
+  return rows_.FirstGroupBeside(
+      1, [&](const CellValue& shown) { return ShownValue(column, shown) == value; });
+}
+
 void HistoryGrid::UpdateColumnHeaderStrip() {
   if (rows_.RowCount() > 0) {
     column_headers_ = rows_.ShowsRecords();

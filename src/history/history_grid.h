@@ -123,6 +123,9 @@ class HistoryGrid {
   // what was typed, ignoring case; 0 if there is none.
   [[nodiscard]] std::int64_t FirstGroupBeginning(std::int64_t row, std::string_view typed);
 
+  // The row of the outermost group with that value as it is shown; 0 if there is none.
+  [[nodiscard]] std::int64_t OutermostGroup(std::string_view value);
+
   // True if the column headers are shown: while any visible row is a record. Unchanged while there
   // is no row.
   [[nodiscard]] bool ColumnHeaders() const { return column_headers_; }

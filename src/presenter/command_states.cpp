@@ -24,6 +24,7 @@ constexpr std::array<TabSides, kTabCount> kTabNeeds{{
     {.transaction = true},
     {},
     {.transaction = true},
+    {.transaction = true},
 }};
 
 constexpr std::array<std::string_view, 3> kPrintCommands{"mnuFilePrint", "mnuFilePrintPreview",
@@ -163,6 +164,10 @@ void CommandStates::UpdatePrintCommands(int tab, const PrintSources& sources) {
       break;
     case kTabBatchedFed:
       TurnPrintCommands(TabOn(tab) && sources.transaction_database);
+      break;
+    case kTabInsight:
+      TurnPrintCommands(TabOn(tab) && sources.transaction_database);
+      Turn("mnuFilePrintPreview", false);
       break;
     case kTabImport:
       TurnPrintCommands(TabOn(tab) && sources.transaction_file);

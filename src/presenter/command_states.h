@@ -20,8 +20,9 @@ enum MainTab : int {
   kTabBatchedFed,
   kTabImport,
   kTabExport,
+  kTabInsight,
 };
-inline constexpr int kTabCount = 7;
+inline constexpr int kTabCount = 8;
 
 // Shows commands. Notified of each change, and only of changes.
 class CommandObserver {
@@ -62,8 +63,9 @@ class CommandStates {
   void DisableTransactionCommands() { Disable(Side::kTransaction); }
   void EnableTransactionCommands() { Enable(Side::kTransaction); }
 
-  // Updates the print commands of menu and toolbar for the current tab. Tab 6 and any invalid tab
-  // leave them unchanged.
+  // Updates the print commands of menu and toolbar for the current tab. A picture of the tab
+  // Insight has no preview. The tab Export and
+  // any invalid tab leave them unchanged.
   void UpdatePrintCommands(int tab, const PrintSources& sources);
   void TurnPrintCommands(bool on);
 
@@ -152,7 +154,7 @@ class MainView {
   virtual void SelectPenItem(int list_index) = 0;  // of `cboPenID`
 };
 
-// Selects among the seven tabs. The window reports the operator's own clicks with Clicked.
+// Selects among the tabs. The window reports the operator's own clicks with Clicked.
 class TabFolder {
  public:
   TabFolder(CommandStates& commands, MainView& window) : commands_(commands), window_(window) {}

@@ -113,8 +113,12 @@ constexpr int kLargestFailure = 32;
 
 // By the tabs of the main window.
 constexpr std::array<std::string_view, kTabCount> kChapters = {
-    "03-ingredients", "04-recipes", "05-pens",  "06-data-transfer",
-    "09-history",     "08-import",  "11-export"};
+    "03-ingredients", "04-recipes", "05-pens",   "06-data-transfer",
+    "09-history",     "08-import",  "11-export", "16-insight"};
+
+std::string FileOfChapter(int tab) {
+  return "manual/" + std::string(kChapters.at(static_cast<std::size_t>(tab))) + ".html";
+}
 
 std::string ViewerFailure(int code, const std::string& document) {
   switch (code) {
@@ -232,16 +236,25 @@ void ShowDocument(const HelpDocument& document, const SystemInfo& system, Operat
   OpenInViewer(path, os, op);
 }
 
+void ShowChapter(int tab, const SystemInfo& system, Operator& op,
+                 const std::function<void(const std::filesystem::path&)>& view) {
+  const std::string file = FileOfChapter(tab);
+  const fs::path path = fs::path(system.ProgramDirectory()) / file;
+  if (FileExists(path)) {
+    view(path);
+  } else {
+    ReportMissingDocument(file, op);
+  }
+}
+
 void ShowChapter(int tab, const SystemInfo& system, OperatingSystem& os, Operator& op,
                  const std::function<void(const std::filesystem::path&)>& view) {
-  const std::string file =
-      "manual/" + std::string(kChapters.at(static_cast<std::size_t>(tab))) + ".html";
-  const fs::path path = fs::path(system.ProgramDirectory()) / file;
-  if (!FileExists(path)) {
-    ReportMissingDocument(file, op);
-  } else if (!HasDocumentViewer(system, file) || os.OpenDocument(path) <= kLargestFailure) {
-    view(path);
-  }
+  ShowChapter(tab, system, op, [&](const fs::path& path) {
+    if (!HasDocumentViewer(system, FileOfChapter(tab)) ||
+        os.OpenDocument(path) <= kLargestFailure) {
+      view(path);
+    }
+  });
 }
 
 void OpenWrittenFile(const std::filesystem::path& path, OperatingSystem& os, Operator& op) {

@@ -51,6 +51,10 @@ void ShowDocument(const HelpDocument& document, const SystemInfo& system, Operat
 void ShowChapter(int tab, const SystemInfo& system, OperatingSystem& os, Operator& op,
                  const std::function<void(const std::filesystem::path&)>& view);
 
+// Opens it with `view` whatever programs there are. Reports a missing chapter.
+void ShowChapter(int tab, const SystemInfo& system, Operator& op,
+                 const std::function<void(const std::filesystem::path&)>& view);
+
 // Opens a file that the program has written in the system's program for it. Reports failures.
 void OpenWrittenFile(const std::filesystem::path& path, OperatingSystem& os, Operator& op);
 

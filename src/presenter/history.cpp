@@ -18,16 +18,6 @@ namespace {
 constexpr FailureReport kFailure{.title = "Transaction Data Error",
                                  .text = FailureText::kDatabaseWords};
 
-std::string TextOf(const std::optional<Date>& day) { return day ? DefaultText(*day) : ""; }
-
-// Why a text is no day; empty if it is one or is empty.
-std::string RefusalOf(std::string_view typed) {
-  if (TrimBlanks(typed).empty() || ParseTypedDate(typed)) {
-    return {};
-  }
-  return Tr("\"%1\" is not a day. Type it as 1/31/2026.", {std::string(TrimBlanks(typed))});
-}
-
 std::string_view NounOf(std::string_view column) {
   return column == "Ingredient" ? TrMark("ingredient")
          : column == "Pen"      ? TrMark("pen")
@@ -153,42 +143,20 @@ std::string_view HistoryPresenter::GetNamedGroupColumn() const {
 }
 
 void HistoryPresenter::ChoosePeriod(PeriodChoice choice) {
-  const Date today = services_.calendar.Today();
-  Period period = PeriodOf(choice, today);
-  if (choice == PeriodChoice::kFromTo) {
-    period = grid_.ShownPeriod();
-    if (period.IsAll()) {
-      period = {.from = today.year() / today.month() / 1, .to = today};
-    }
-  }
+  const Period period = ChosenDays(choice, grid_.ShownPeriod(), services_.calendar.Today());
   Act([&] {
     ShowPeriod(period);
-    period_ = {.choice = choice, .from = TextOf(period.from), .to = TextOf(period.to)};
+    period_ = FieldsOf(choice, period);
   });
   screen_.HistoryChanged(HistoryPart::kPeriod);
 }
 
 void HistoryPresenter::TypeDays(std::string_view from, std::string_view to) {
-  const Period period{.from = ParseTypedDate(from), .to = ParseTypedDate(to)};
-  const bool done = !period_.refusal.empty() || period == grid_.ShownPeriod();
-  if (done && from == period_.from && to == period_.to) {
-    return;
-  }
-  period_.from = from;
-  period_.to = to;
-  period_.refusal = RefusalOf(from);
-  if (period_.refusal.empty()) {
-    period_.refusal = RefusalOf(to);
-  }
-  if (period_.refusal.empty() && !period.IsPossible()) {
-    period_.refusal = Tr("The first day is after the last day.");
-  }
-  if (period_.refusal.empty()) {
+  const std::optional<Period> period = TakeDays(period_, from, to, grid_.ShownPeriod());
+  if (period) {
     Act([&] {
-      ShowPeriod(period);
-      period_ = {.choice = period.IsAll() ? PeriodChoice::kAll : PeriodChoice::kFromTo,
-                 .from = TextOf(period.from),
-                 .to = TextOf(period.to)};
+      ShowPeriod(*period);
+      period_ = FieldsOf(ChoiceOf(*period), *period);
     });
   }
   screen_.HistoryChanged(HistoryPart::kPeriod);
@@ -231,6 +199,23 @@ void HistoryPresenter::MoveColumn(int column, int position) {
 std::int64_t HistoryPresenter::OpenNewest(std::int64_t count) {
   std::int64_t row = 0;
   Act([&] { row = grid_.OpenNewest(count); });
+  return row;
+}
+
+std::int64_t HistoryPresenter::GoTo(int group, const Period& period, std::string_view value) {
+  if (group != group_index_) {
+    SelectGroup(group);
+  }
+  std::int64_t row = 0;
+  Act([&] {
+    ShowPeriod(period);
+    period_ = FieldsOf(ChoiceOf(period), period);
+    row = grid_.OutermostGroup(value);
+    if (row > 0) {
+      grid_.OpenGroup(row);
+    }
+  });
+  screen_.HistoryChanged(HistoryPart::kPeriod);
   return row;
 }
 
@@ -327,8 +312,7 @@ void HistoryPresenter::FollowToday() {
   const Period period = PeriodOf(period_.choice, services_.calendar.Today());
   if (period != grid_.ShownPeriod()) {
     ShowPeriod(period);
-    period_.from = TextOf(period.from);
-    period_.to = TextOf(period.to);
+    period_ = FieldsOf(period_.choice, period);
     screen_.HistoryChanged(HistoryPart::kPeriod);
   }
 }

@@ -18,19 +18,12 @@
 #include "platform/operator.h"
 #include "presenter/find.h"
 #include "presenter/name_picker.h"
+#include "presenter/period_fields.h"
 #include "presenter/services.h"
 
 namespace vrx {
 
 enum class HistoryPart { kGroupList, kNamePicker, kPeriod, kGrid, kFind, kFoundCell };
-
-// The list of periods and the two fields of its days.
-struct PeriodState {
-  PeriodChoice choice = PeriodChoice::kAll;
-  std::string from = {};  // as typed, or the days of the choice; empty: no limit on that side
-  std::string to = {};
-  std::string refusal = {};  // why the typed days cannot be used; the grid keeps its period then
-};
 
 // "2 records without a readable date are left out."; empty for none.
 [[nodiscard]] std::string LeftOutText(std::int64_t undated);
@@ -107,6 +100,9 @@ class HistoryPresenter {
   [[nodiscard]] HistoryFind& Find() { return find_; }
   // Where the search went last, for kFoundCell.
   [[nodiscard]] const FoundCell& LastFound() const { return last_found_; }
+  // Shows a data group and its days, opens the outermost group with that value as it is shown, and
+  // returns its row; 0 if there is none.
+  std::int64_t GoTo(int group, const Period& period, std::string_view value);
   // The first group row beside that row whose value begins with what was typed, as
   // HistoryGrid::FirstGroupBeginning; 0 if there is none.
   std::int64_t GroupBeginning(std::int64_t row, std::string_view typed);

@@ -68,7 +68,8 @@ TEST_F(DatabasesOnDisplay, ARefusedOpenLeavesBothDatabasesInUse) {
   Keys({"Return"});
   ASSERT_TRUE(WaitForWindow(kMainTitle));
   EXPECT_EQ(TextOf("sbRecipe.Panels(2)"), "SITE.RDB");
-  for (const char* const tab : {"Ingredients", "Recipes", "Pens", "Batched/Fed", "Export"}) {
+  for (const char* const tab :
+       {"Ingredients", "Recipes", "Pens", "Batched/Fed", "Export", "Insight"}) {
     EXPECT_TRUE(IsOn(tab)) << tab;
   }
   ChooseTab("Pens");

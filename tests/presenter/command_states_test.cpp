@@ -68,7 +68,7 @@ class CommandStatesTest : public ::testing::Test, public CommandObserver {
 
 TEST_F(CommandStatesTest, EverythingIsOnToBeginWith) {
   EXPECT_EQ(CommandsOn().size(), CommandStates::kCount);
-  EXPECT_THAT(TabsOn(), ElementsAre(0, 1, 2, 3, 4, 5, 6));
+  EXPECT_THAT(TabsOn(), ElementsAre(0, 1, 2, 3, 4, 5, 6, 7));
 }
 
 TEST_F(CommandStatesTest, WithBothClosedOnlyTheDataTransferAndImportTabsCanBeChosen) {
@@ -87,7 +87,7 @@ TEST_F(CommandStatesTest, WithTheTransactionDatabaseAloneSaveIsOnForItsItemOnly)
                                    "mnuFileSaveAsTransactionDB", "Save", "Save Transaction",
                                    "mnuViewTransactionFile", "mnuFilePrint", "mnuFilePrintPreview",
                                    "Print", "Abbreviate"));
-  EXPECT_THAT(TabsOn(), ElementsAre(3, 4, 5, 6));
+  EXPECT_THAT(TabsOn(), ElementsAre(3, 4, 5, 6, 7));
 }
 
 TEST_F(CommandStatesTest, WithTheRecipeDatabaseAloneItsCommandsAreOn) {
@@ -122,7 +122,7 @@ TEST_F(CommandStatesTest, ObserversAreNotifiedOnlyOfChangesAndInOrder) {
   EXPECT_THAT(changes_, IsEmpty());
   states_.EnableTransactionCommands();
   EXPECT_THAT(changes_,
-              ElementsAre("tab 4 on", "tab 6 on", "mnuFileCloseTransactionDB on",
+              ElementsAre("tab 4 on", "tab 6 on", "tab 7 on", "mnuFileCloseTransactionDB on",
                           "mnuFileSaveTransactionDB on", "mnuFileSaveAsTransactionDB on",
                           "mnuFileClose on", "mnuFileSave on", "Save on", "mnuFileSaveAs on",
                           "Save Transaction on", "mnuViewTransactionFile on"));
@@ -138,7 +138,7 @@ TEST_F(CommandStatesTest, EveryObserverIsNotified) {
 TEST_F(CommandStatesTest, RefusesANameOrATabThatIsMissing) {
   EXPECT_THROW(static_cast<void>(states_.On("mnuFileExit")), Error);
   EXPECT_THROW(states_.Turn("save", true), Error);
-  EXPECT_THROW(static_cast<void>(states_.TabOn(7)), Error);
+  EXPECT_THROW(static_cast<void>(states_.TabOn(8)), Error);
   EXPECT_THROW(states_.TurnTab(-1, true), Error);
 }
 
@@ -182,10 +182,19 @@ TEST_F(CommandStatesTest, PrintIsOffForAnImportTabThatIsOff) {
   EXPECT_FALSE(PrintOn());
 }
 
+TEST_F(CommandStatesTest, APictureOfInsightCanBePrintedAndHasNoPreview) {
+  states_.UpdatePrintCommands(7, {.recipe_database = true, .transaction_file = true});
+  EXPECT_FALSE(PrintOn());
+  states_.UpdatePrintCommands(7, {.transaction_database = true});
+  EXPECT_TRUE(states_.On("mnuFilePrint"));
+  EXPECT_TRUE(states_.On("Print"));
+  EXPECT_FALSE(states_.On("mnuFilePrintPreview"));
+}
+
 TEST_F(CommandStatesTest, PrintIsLeftAsItIsByTheExportTabAndByWhatIsNoTab) {
   for (const bool on : {true, false}) {
     states_.TurnPrintCommands(on);
-    for (const int tab : {6, 7, -1}) {
+    for (const int tab : {6, 8, -1}) {
       states_.UpdatePrintCommands(tab, on ? PrintSources{} : kEverything);
       EXPECT_EQ(PrintOn(), on);
     }

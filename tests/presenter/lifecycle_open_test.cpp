@@ -95,7 +95,8 @@ TEST_F(BrowseRecipeDatabase, LeavesTheTabsAndCommandsOfTheTransactionDatabaseAsT
   databases_.OpenTransactionDatabase(MakeUserFile("OLD.TDB", kTransaction), "OLD.TDB");
   chooser_.Choose(MakeUserFile("YARD.RDB", kRecipe));
   databases_.BrowseRecipeDatabase();
-  for (const int tab : {kTabIngredients, kTabRecipes, kTabPens, kTabBatchedFed, kTabExport}) {
+  for (const int tab :
+       {kTabIngredients, kTabRecipes, kTabPens, kTabBatchedFed, kTabExport, kTabInsight}) {
     EXPECT_TRUE(commands_.TabOn(tab)) << tab;
   }
   EXPECT_TRUE(commands_.On("mnuFileSaveTransactionDB"));

@@ -77,7 +77,7 @@ TEST_F(TabFolderTest, AClickOfTheOperatorRunsTheClickRoutineAlone) {
 }
 
 TEST_F(TabFolderTest, RefusesWhatIsNoTab) {
-  EXPECT_THROW(tabs_.SelectTab(7), Error);
+  EXPECT_THROW(tabs_.SelectTab(8), Error);
   EXPECT_THAT(steps_, IsEmpty());
 }
 

@@ -62,6 +62,15 @@ QString TextHtml(const QTextBlock& block) {
   return html;
 }
 
+// "accuracy-of-loading" of "Accuracy of loading".
+QString AnchorOf(const QString& heading) {
+  QString anchor = heading.toLower();
+  for (QChar& letter : anchor) {
+    letter = letter.isLetterOrNumber() ? letter : QChar(u'-');
+  }
+  return anchor;
+}
+
 // Writes blocks that belong together, the items of a list or the lines of code, into one element.
 class PageWriter {
  public:
@@ -79,7 +88,9 @@ class PageWriter {
         html_ += Marked(QStringLiteral("h1"), TextHtml(block)) + u'\n';
         break;
       case BlockKind::kSection:
-        html_ += Marked(QStringLiteral("h2"), TextHtml(block)) + u'\n';
+        html_ += Marked(QStringLiteral("h2"), QStringLiteral("<a name=\"%1\">%2</a>")
+                                                  .arg(AnchorOf(block.text()), TextHtml(block))) +
+                 u'\n';
         break;
       case BlockKind::kParagraph:
         html_ += Marked(QStringLiteral("p"), TextHtml(block)) + u'\n';

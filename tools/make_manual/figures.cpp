@@ -20,6 +20,7 @@
 #include <array>
 #include <utility>
 
+#include "desktop/insight/insight_page.h"
 #include "history/period.h"
 #include "presenter/command_states.h"
 #include "widgets/calendar_popup.h"
@@ -230,6 +231,24 @@ QImage Export(SampleProgram& program) {
   return WholeWindow(program);
 }
 
+// A question, once its answer is there; the thread that reads has its own time.
+QImage Insight(SampleProgram& program, int question, const char* list = nullptr, int item = 0) {
+  program.ShowTab(kTabInsight);
+  program.Find<QListWidget>("lstInsight").setCurrentRow(question);
+  if (list != nullptr) {
+    Pick(program, list, item);
+  }
+  const InsightPresenter& presenter = program.Find<InsightPage>("pageInsight").Presenter();
+  program.WaitUntil([&] { return presenter.IsAnswered(); });
+  return WholeWindow(program);
+}
+
+template <int kQuestion, int kPicture = 0>
+QImage InsightPicture(SampleProgram& program) {
+  return kPicture == 0 ? Insight(program, kQuestion)
+                       : Insight(program, kQuestion, "cboInsightPicture", kPicture);
+}
+
 // The ports of an office PC in place of those of the machine that builds.
 void ShowOfficePorts(QWidget& form) {
   auto& ports = *form.findChild<QTreeWidget*>(QStringLiteral("lstSerialPort"));
@@ -386,7 +405,16 @@ QImage CalendarOfTheMonth(SampleProgram& program) {
 }
 
 // The tabs of the setup.
-enum SetupTab { kDatabase, kApplication, kIniFile, kTransactionFile, kOptions, kConnections, kKrm };
+enum SetupTab {
+  kDatabase,
+  kApplication,
+  kIniFile,
+  kTransactionFile,
+  kOptions,
+  kConnections,
+  kKrm,
+  kLimits
+};
 
 // The order is that of the work, since some leave a tab as they filled it.
 constexpr std::array kFigures = std::to_array<Figure>({
@@ -412,6 +440,12 @@ constexpr std::array kFigures = std::to_array<Figure>({
     {"batched-fed-differences", &Differences},
     {"import", &Import},
     {"export", &Export},
+    {"insight", &InsightPicture<0>},
+    {"insight-distribution", &InsightPicture<0, 1>},
+    {"insight-operators", &InsightPicture<0, 2>},
+    {"insight-weights", &InsightPicture<0, 3>},
+    {"insight-balance", &InsightPicture<2>},
+    {"insight-delivered", &InsightPicture<4>},
     {"setup-database", &Setup<kDatabase>},
     {"setup-application", &Setup<kApplication>},
     {"setup-ini", &Setup<kIniFile>},
@@ -419,6 +453,7 @@ constexpr std::array kFigures = std::to_array<Figure>({
     {"setup-options", &Setup<kOptions>},
     {"setup-connections", &Setup<kConnections>},
     {"setup-krm", &Setup<kKrm>},
+    {"setup-insight", &Setup<kLimits>},
     {"print-setup", &PrintSetupForm},
     {"print-preview", &PrintPreviewForm},
     {"about", &AboutForm},

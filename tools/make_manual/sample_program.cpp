@@ -4,10 +4,12 @@
 #include <QApplication>
 #include <QTemporaryDir>
 #include <algorithm>
+#include <chrono>
 #include <functional>
 #include <memory>
 #include <optional>
 #include <system_error>
+#include <thread>
 #include <utility>
 #include <vector>
 
@@ -349,6 +351,19 @@ void SampleProgram::ShowBoxes() { parts_->op.shows_boxes = true; }
 
 void SampleProgram::Choose(const char* action) {
   Find<QAction>(action).trigger();
+  RunEvents();
+}
+
+void SampleProgram::WaitUntil(const std::function<bool()>& condition) {
+  constexpr std::chrono::minutes kLongest{1};
+  const auto end = std::chrono::steady_clock::now() + kLongest;
+  while (!condition()) {
+    if (std::chrono::steady_clock::now() > end) {
+      throw Error("the program does not answer");
+    }
+    parts_->pump.Pump(Milliseconds{1000});
+    std::this_thread::yield();
+  }
   RunEvents();
 }
 

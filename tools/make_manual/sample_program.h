@@ -2,6 +2,7 @@
 
 #include <QWidget>
 #include <filesystem>
+#include <functional>
 #include <memory>
 #include <string>
 #include <vector>
@@ -54,6 +55,10 @@ class SampleProgram {
     }
     return *control;
   }
+
+  // Lets the program wait until the condition holds, for a thread of its own. Throws Error if it
+  // does not hold within a minute.
+  void WaitUntil(const std::function<bool()>& condition);
 
   // Lets the program handle what is pending. Throws Error for messages shown since.
   void RunEvents();

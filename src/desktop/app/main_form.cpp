@@ -70,15 +70,18 @@ MainForm::MainForm(Services& services, WaitBudget& lock_waits, UserSettings& use
           window_.Panels().PicImport())),
       style_sheets_(services.folder.DefaultAppPath(), services.system, services.op),
       history_(new HistoryPage(services, [this] { return ActiveIngredientsOnly(); })),
+      insight_(new InsightPage(services)),
       print_(services, databases_,
              {.ingredients = *record_pages_.ingredients,
               .recipes = *record_pages_.recipes,
               .pens = *record_pages_.pens,
               .history = *history_,
+              .insight = *insight_,
               .import = *import_},
              window_) {
   AddTransferPages();
   AddHistoryPages();
+  AddInsightPage();
   Connect();
   ConnectFiles();
   SetHandlers();
@@ -87,6 +90,7 @@ MainForm::MainForm(Services& services, WaitBudget& lock_waits, UserSettings& use
 
 MainForm::~MainForm() {
   history_->ReleaseViews();
+  insight_->ReleaseViews();
   for (const int tab : {kTabIngredients, kTabRecipes, kTabPens}) {
     if (RecordPage* const page = RecordPageOf(tab); page != nullptr) {
       page->ReleaseViews();

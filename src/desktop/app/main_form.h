@@ -16,6 +16,7 @@
 #include "desktop/dialogs/conversion.h"
 #include "desktop/history/export_page.h"
 #include "desktop/history/history_page.h"
+#include "desktop/insight/insight_page.h"
 #include "desktop/main_window/main_window.h"
 #include "desktop/print/print_commands.h"
 #include "desktop/print/text_printer.h"
@@ -174,8 +175,9 @@ class MainForm : public QObject, public ProgramForm, private OpenFilesView {
   void ImportTransactionFile(const std::filesystem::path& path) override;
   void OpenRecipeBackup(const std::filesystem::path& path) override;
 
-  // The tabs Batched/Fed and Export.
+  // The tabs Batched/Fed, Export and Insight.
   void AddHistoryPages();
+  void AddInsightPage();
   [[nodiscard]] bool ActiveIngredientsOnly() const;
 
   Services& services_;
@@ -209,6 +211,7 @@ class MainForm : public QObject, public ProgramForm, private OpenFilesView {
   LineGuard::Watch line_watch_;
   StyleSheets style_sheets_;
   HistoryPage* history_;
+  InsightPage* insight_;
   PrintCommands print_;
   bool first_paint_ = true;
   bool activated_ = false;

@@ -15,8 +15,10 @@
 
 #include "database/identity.h"
 #include "desktop/app/main_form.h"
+#include "desktop/dialogs/about_and_splash.h"
 #include "desktop/dialogs/recipe_dialogs.h"
 #include "desktop/history/history_table.h"
+#include "desktop/insight/insight_page.h"
 #include "presenter/recipe_actions.h"
 #include "widgets/qt_text.h"
 
@@ -48,10 +50,10 @@ void FocusFirstIn(QWidget& page) {
 void CopyFrom(QWidget* focus) {
   if (auto* const records = qobject_cast<HistoryTableView*>(focus)) {
     Q_EMIT records->CopyChosen();
-  } else if (const auto* const list = qobject_cast<QAbstractItemView*>(focus)) {
-    QGuiApplication::clipboard()->setText(list->currentIndex().data().toString());
   } else if (focus != nullptr && focus->metaObject()->indexOfSlot("copy()") >= 0) {
     QMetaObject::invokeMethod(focus, "copy");
+  } else if (const auto* const list = qobject_cast<QAbstractItemView*>(focus)) {
+    QGuiApplication::clipboard()->setText(list->currentIndex().data().toString());
   }
 }
 
@@ -338,6 +340,24 @@ void MainForm::AddHistoryPages() {
                                     [this] { import_->ConfigureImportColumns(); });
   window_.SetPage(kTabExport, page);
   connect(page, &ExportPage::FileWritten, &window_.Panels().PicResult(), &ResultPanel::ShowFile);
+}
+
+void MainForm::AddInsightPage() {
+  window_.SetPage(kTabInsight, insight_);
+  connect(insight_, &InsightPage::RecordsChosen, this, [this](const RecordsPlace& place) {
+    window_.ChooseTab(kTabBatchedFed);
+    history_->GoTo(place.group, place.period, place.value.value_or(""));
+  });
+  connect(history_, &HistoryPage::BackChosen, this, [this] {
+    window_.ChooseTab(kTabInsight);
+    insight_->Return();
+  });
+  connect(insight_, &InsightPage::PrintChosen, this, [this] { print_.PrintCurrentTab(); });
+  connect(insight_, &InsightPage::FileWritten, &window_.Panels().PicResult(),
+          &ResultPanel::ShowFile);
+  connect(insight_, &InsightPage::ManualChosen, this, [this](const QString& section) {
+    ViewTabChapter(kTabInsight, section, window_, services_);
+  });
 }
 
 // The columns named after the ingredients follow the grid of the ingredients.

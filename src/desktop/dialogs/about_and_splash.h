@@ -42,7 +42,10 @@ QString VersionText();
 
 // Shows a chapter of the manual in a window of the program, which remains beside the main window. A
 // second chapter is shown in the same one.
-void ViewChapter(const std::filesystem::path& chapter, MainWindow& window);
+void ViewChapter(const std::filesystem::path& chapter, MainWindow& window,
+                 const QString& section = {});
+// That about a tab, at a section. Reports a missing chapter.
+void ViewTabChapter(int tab, const QString& section, MainWindow& window, Services& services);
 
 // Sets the handlers of the Help menu: the documents and the About box. Everything outlives the
 // window.

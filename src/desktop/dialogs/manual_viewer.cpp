@@ -9,6 +9,7 @@
 #include <QVBoxLayout>
 
 #include "desktop/dialogs/about_and_splash.h"
+#include "presenter/help.h"
 #include "widgets/layout.h"
 #include "widgets/qt_text.h"
 
@@ -63,12 +64,19 @@ QTextBrowser* MakeViewer(MainWindow& window) {
 
 }  // namespace
 
-void ViewChapter(const std::filesystem::path& chapter, MainWindow& window) {
+void ViewTabChapter(int tab, const QString& section, MainWindow& window, Services& services) {
+  ShowChapter(tab, services.system, services.op,
+              [&](const std::filesystem::path& chapter) { ViewChapter(chapter, window, section); });
+}
+
+void ViewChapter(const std::filesystem::path& chapter, MainWindow& window, const QString& section) {
   auto* text = window.findChild<QTextBrowser*>(QStringLiteral("txtManual"));
   if (text == nullptr) {
     text = MakeViewer(window);
   }
-  text->setSource(QUrl::fromLocalFile(ToQString(chapter.string())));
+  QUrl place = QUrl::fromLocalFile(ToQString(chapter.string()));
+  place.setFragment(section);
+  text->setSource(place);
   text->window()->show();
   text->window()->raise();
   text->window()->activateWindow();

@@ -129,20 +129,20 @@ void HistoryNavigator::GoToTyped() {
   ShowState();
 }
 
-PeriodBar::PeriodBar(const Calendar& calendar, QWidget* form)
+PeriodBar::PeriodBar(const Calendar& calendar, QWidget* form, const QByteArray& of)
     : QWidget(form),
       choices_(new ChoiceList(this)),
-      from_(new DayEdit("txtPeriodFrom", QTr("First day"), calendar, form)),
-      to_(new DayEdit("txtPeriodTo", QTr("Last day"), calendar, form)),
-      note_(AddLabel(*this, "lblPeriodNote")) {
-  setObjectName(QStringLiteral("barPeriod"));
-  choices_->setObjectName(QStringLiteral("cboPeriod"));
+      from_(new DayEdit("txt" + of + "PeriodFrom", QTr("First day"), calendar, form)),
+      to_(new DayEdit("txt" + of + "PeriodTo", QTr("Last day"), calendar, form)),
+      note_(AddLabel(*this, "lbl" + of + "PeriodNote")) {
+  setObjectName(QString::fromLatin1("bar" + of + "Period"));
+  choices_->setObjectName(QString::fromLatin1("cbo" + of + "Period"));
   choices_->setAccessibleName(QTr("Period"));
   choices_->setSizeAdjustPolicy(QComboBox::AdjustToContents);
   for (const std::string_view period : kPeriods) {
     choices_->addItem(QTr(period));
   }
-  LayOut();
+  LayOut(of);
   connect(choices_, &QComboBox::activated, this, [this](int item) {
     Q_EMIT Chosen(static_cast<PeriodChoice>(item));
     if (item == static_cast<int>(PeriodChoice::kFromTo)) {
@@ -155,10 +155,10 @@ PeriodBar::PeriodBar(const Calendar& calendar, QWidget* form)
   }
 }
 
-void PeriodBar::LayOut() {
-  QLabel* const period = AddLabel(*this, "lblPeriod", kPeriodCaption);
-  QLabel* const from = AddLabel(*this, "lblPeriodFrom", kFromCaption);
-  QLabel* const to = AddLabel(*this, "lblPeriodTo", kToCaption);
+void PeriodBar::LayOut(const QByteArray& of) {
+  QLabel* const period = AddLabel(*this, "lbl" + of + "Period", kPeriodCaption);
+  QLabel* const from = AddLabel(*this, "lbl" + of + "PeriodFrom", kFromCaption);
+  QLabel* const to = AddLabel(*this, "lbl" + of + "PeriodTo", kToCaption);
   period->setBuddy(choices_);
   from->setBuddy(&from_->Field());
   to->setBuddy(&to_->Field());

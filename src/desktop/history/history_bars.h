@@ -1,5 +1,6 @@
 #pragma once
 
+#include <QByteArray>
 #include <QComboBox>
 #include <QLabel>
 #include <QLineEdit>
@@ -51,8 +52,8 @@ class PeriodBar : public QWidget {
   Q_OBJECT
 
  public:
-  // The calendars float over `form`.
-  PeriodBar(const Calendar& calendar, QWidget* form);
+  // The calendars float over `form`. `of` is in the names of the controls: "cboInsightPeriod".
+  PeriodBar(const Calendar& calendar, QWidget* form, const QByteArray& of = {});
 
   void Show(const PeriodState& period);
   // What is refused or left out.
@@ -63,7 +64,7 @@ class PeriodBar : public QWidget {
   void Typed(const QString& from, const QString& to);
 
  private:
-  void LayOut();
+  void LayOut(const QByteArray& of);
 
   ChoiceList* choices_;
   DayEdit* from_;

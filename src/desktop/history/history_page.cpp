@@ -97,6 +97,7 @@ HistoryPage::HistoryPage(Services& services, std::function<bool()> active_ingred
                    QTr("Show how far each weight was from its target, in bold letters beyond the "
                        "tolerance of the setup"))),
       find_(new FindBar(this)),
+      back_(new QPushButton(QTr("Back to Insight"), this)),
       txt_standby_(new QLabel(this)),
       grd_trans_(new HistoryTableView(this)),
       navigator_(new HistoryNavigator(this)) {
@@ -107,6 +108,9 @@ HistoryPage::HistoryPage(Services& services, std::function<bool()> active_ingred
   cbo_col_name_->setMinimumContentsLength(kNameCharacters);
   txt_standby_->setObjectName(QStringLiteral("txtStandby"));
   txt_standby_->setAlignment(Qt::AlignCenter);
+  back_->setObjectName(QStringLiteral("cmdBackToInsight"));
+  back_->setToolTip(QTr("Return to the figures that these records are of (Alt+Left)"));
+  back_->hide();
   LayOut();
   Connect();
   ConnectGrid();
@@ -128,6 +132,7 @@ void HistoryPage::LayOut() {
   column->addWidget(LayOutChoices());
   auto* const narrowed = new QHBoxLayout;
   narrowed->setSpacing(kGroupSpacing);
+  narrowed->addWidget(back_, 0, Qt::AlignTop);
   narrowed->addWidget(period_, 1);
   narrowed->addWidget(chk_differences_, 0, Qt::AlignTop);
   chk_differences_->setMinimumHeight(lst_group_by_->sizeHint().height());
@@ -198,6 +203,14 @@ void HistoryPage::Connect() {
   });
   connect(chk_differences_, &QCheckBox::toggled, this,
           [this](bool on) { Run([&](HistoryPresenter& view) { view.ShowDifferences(on); }); });
+  connect(back_, &QPushButton::clicked, this, &HistoryPage::BackChosen);
+  auto* const back_key = new QShortcut(QKeySequence(Qt::ALT | Qt::Key_Left), this);
+  back_key->setContext(Qt::WidgetWithChildrenShortcut);
+  connect(back_key, &QShortcut::activated, this, [this] {
+    if (!back_->isHidden()) {
+      Q_EMIT BackChosen();
+    }
+  });
   connect(chk_use_history_navigator_, &QCheckBox::toggled, navigator_, &QWidget::setVisible);
   connect(navigator_, &HistoryNavigator::RowChosen, grd_trans_, &HistoryTableView::GoToRow);
   connect(grd_trans_, &HistoryTableView::RowChanged, navigator_, &HistoryNavigator::ShowRow);
@@ -329,10 +342,21 @@ void HistoryPage::GoToNewest(std::int64_t count) {
   });
 }
 
+void HistoryPage::GoTo(int group, const Period& period, const std::string& value) {
+  Run([&](HistoryPresenter& view) {
+    const std::int64_t row = view.GoTo(group, period, value);
+    grd_trans_->GoToRow(static_cast<int>(std::max<std::int64_t>(row, 1)) - 1);
+    grd_trans_->scrollTo(grd_trans_->currentIndex(), QAbstractItemView::PositionAtTop);
+    grd_trans_->setFocus();
+    back_->show();
+  });
+}
+
 // MainTabPage.
 
 void HistoryPage::TabChanged(int tab, int /*previous*/) {
   shown_ = tab == kTabBatchedFed;
+  back_->hide();
   Q_EMIT FindAllowed(MayFind());
   if (view_) {
     view_->TabChanged();

@@ -3,11 +3,13 @@
 #include <QCheckBox>
 #include <QComboBox>
 #include <QLabel>
+#include <QPushButton>
 #include <QStackedLayout>
 #include <QWidget>
 #include <cstdint>
 #include <functional>
 #include <optional>
+#include <string>
 
 #include "desktop/history/history_bars.h"
 #include "desktop/history/history_table.h"
@@ -34,6 +36,8 @@ class HistoryPage final : public MainTabPage, private HistoryView {
   // Selects the first of the `count` records that were stored last which the current group shows.
   // Does nothing if it shows none of them.
   void GoToNewest(std::int64_t count);
+  // Shows records that another tab leads to, and offers the way back.
+  void GoTo(int group, const Period& period, const std::string& value);
   // Opens the bar of the search and puts the keyboard into it; does nothing unless MayFind.
   void ShowFind();
   // True while this tab shows an open transaction database.
@@ -51,6 +55,8 @@ class HistoryPage final : public MainTabPage, private HistoryView {
  Q_SIGNALS:
   // MayFind may have changed.
   void FindAllowed(bool allowed);
+  // The operator goes back to where GoTo was called.
+  void BackChosen();
 
  private:
   // HistoryView.
@@ -86,6 +92,7 @@ class HistoryPage final : public MainTabPage, private HistoryView {
   PeriodBar* period_;
   QCheckBox* chk_differences_;
   FindBar* find_;
+  QPushButton* back_;
   QLabel* txt_standby_;
   HistoryTableView* grd_trans_;
   HistoryNavigator* navigator_;

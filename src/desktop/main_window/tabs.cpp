@@ -30,6 +30,7 @@ constexpr std::array<TabRow, kTabCount> kTabRows{{
     {"Batched/Fed", "pageBatchedFed", kNoPanel, false, kNeedsTransactions},
     {"Import", "pageImport", kPicImport},
     {"Export", "pageExport", kNoPanel, false, kNeedsTransactions},
+    {"Insight", "pageInsight", kNoPanel, false, kNeedsTransactions},
 }};
 
 // Reports the focus, and every click on a tab after the tab has changed. The strip has the focus

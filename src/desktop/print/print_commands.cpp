@@ -7,7 +7,9 @@
 #include <utility>
 #include <vector>
 
+#include "base/translation.h"
 #include "database/keep_database.h"
+#include "desktop/insight/picture_view.h"
 #include "desktop/print/print_dialogs.h"
 #include "desktop/print/print_preview.h"
 #include "desktop/recipes/recipe_lines.h"
@@ -80,12 +82,13 @@ void PrintCommands::PreviewCurrentTab() {
 // Events run between pages, so a second print command must be refused.
 bool PrintCommands::PrintTab(Output output) {
   using Routine = void (PrintCommands::*)();
-  static constexpr std::array<std::pair<int, Routine>, 5> kRoutines{{
+  static constexpr std::array<std::pair<int, Routine>, 6> kRoutines{{
       {kTabIngredients, &PrintCommands::PrintIngredients},
       {kTabRecipes, &PrintCommands::PrintRecipes},
       {kTabPens, &PrintCommands::PrintPens},
       {kTabBatchedFed, &PrintCommands::PrintTransactions},
       {kTabImport, &PrintCommands::PrintImportedTransactions},
+      {kTabInsight, &PrintCommands::PrintInsight},
   }};
   const OperationLock::Scope printing = printing_.TryEnter();
   if (!printing) {
@@ -134,6 +137,22 @@ void PrintCommands::PrintImportedTransactions() {
   PrintGrid("import",
             ImportReport(import.File(), import.Form().grd_import_rows,
                          import.Form().grd_import_columns, pages_.import.FitAllColumns(), Facts()));
+}
+
+// A picture is one sheet and has no preview: the screen shows it.
+void PrintCommands::PrintInsight() {
+  const DrawPicture picture = pages_.insight.WholePicture();
+  if (!picture) {
+    Refuse(Icon::kWarning, Tr("There is no picture to be printed."));
+    return;
+  }
+  const std::unique_ptr<PrintTarget> paper = setup_.Open(kDocument);
+  if (paper) {
+    const BusyCursor busy(services_.op);
+    PrintPicture(picture, paper->Device());
+    paper->Finish();
+    ShowPrinted(*paper);
+  }
 }
 
 void PrintCommands::PrintRecipes() {
@@ -266,13 +285,17 @@ bool PrintCommands::OnPaper(PrintTarget& paper, const Job& job) {
   if (!PrintOn(paper, job)) {
     return false;
   }
+  ShowPrinted(paper);
+  return true;
+}
+
+void PrintCommands::ShowPrinted(const PrintTarget& paper) {
   const std::filesystem::path file = paper.File();
   if (file.empty()) {
     window_.Panels().PicResult().ShowText(QTr("The report was sent to the printer."));
   } else {
     window_.Panels().PicResult().ShowFile(QTr("Printed to"), ToQString(file.string()));
   }
-  return true;
 }
 
 bool PrintCommands::PrintPages(ReportJob& job, const Report& report) {

@@ -5,6 +5,7 @@
 #include <string_view>
 
 #include "desktop/history/history_page.h"
+#include "desktop/insight/insight_page.h"
 #include "desktop/main_window/main_window.h"
 #include "desktop/print/print_dialogs.h"
 #include "desktop/recipes/recipes_page.h"
@@ -25,6 +26,7 @@ struct PrintedPages {
   RecipesPage& recipes;
   const RecordFormPage& pens;
   HistoryPage& history;
+  const InsightPage& insight;
   const ImportPage& import;
 };
 
@@ -50,6 +52,7 @@ class PrintCommands {
   void PrintPens();
   void PrintTransactions();
   void PrintImportedTransactions();
+  void PrintInsight();
 
   void PrintCurrentRecipe();
   void PrintAllRecipes(SQLite::Database& recipes);
@@ -68,6 +71,7 @@ class PrintCommands {
   void Preview(std::vector<Report> reports);
   // Returns false if the operator ended it.
   bool OnPaper(PrintTarget& paper, const Job& job);
+  void ShowPrinted(const PrintTarget& paper);
   bool PrintPages(ReportJob& job, const Report& report);
   void Refuse(Icon icon, const std::string& text);
 

@@ -245,7 +245,7 @@ TEST_F(DisabledControls, ATabThatIsOffSaysWhatItNeeds) {
   for (const int tab : {kTabIngredients, kTabRecipes, kTabPens}) {
     EXPECT_EQ(Tabs().tabToolTip(tab), u"Open a recipe database to use this tab"_qs);
   }
-  for (const int tab : {kTabBatchedFed, kTabExport}) {
+  for (const int tab : {kTabBatchedFed, kTabExport, kTabInsight}) {
     EXPECT_EQ(Tabs().tabToolTip(tab), u"Open a transaction database to use this tab"_qs);
   }
   Open(DatabaseKind::kRecipe);

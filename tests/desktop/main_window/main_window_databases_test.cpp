@@ -72,7 +72,8 @@ TEST_F(MainWindowDatabasesTest, WithTheTransactionDatabaseAloneSaveIsOnForItsIte
             "mnuViewTransactionFile"},
            true);
   ExpectOn({"Save Recipe", "mnuFileSaveRecipeDB", "mnuFileCloseRecipeDB", "mnuEditRecipe"}, false);
-  EXPECT_THAT(TabsOn(), ElementsAre(kTabDataTransfer, kTabBatchedFed, kTabImport, kTabExport));
+  EXPECT_THAT(TabsOn(),
+              ElementsAre(kTabDataTransfer, kTabBatchedFed, kTabImport, kTabExport, kTabInsight));
   EXPECT_EQ(Tabs().currentIndex(), kTabBatchedFed);
 }
 

@@ -77,7 +77,7 @@ TEST_F(MainTabsTest, HaveTheSpecifiedCaptionsAndEachHasItsPage) {
     pages.insert(Tabs().widget(tab)->objectName().toStdString());
   }
   EXPECT_THAT(captions, ElementsAre("Ingredients", "Recipes", "Pens", "Data Transfer",
-                                    "Batched/Fed", "Import", "Export"));
+                                    "Batched/Fed", "Import", "Export", "Insight"));
   EXPECT_EQ(pages.size(), captions.size());
 }
 
@@ -86,7 +86,7 @@ TEST_F(MainTabsTest, EachShowsItsPanels) {
   AllOn();
   const Names record{"picAction", "picNavigate"};
   const std::vector<Names> expected{record, record,        record, {"picTransferStatus"},
-                                    {},     {"picImport"}, {}};
+                                    {},     {"picImport"}, {},     {}};
   for (int tab = 0; tab < kTabCount; ++tab) {
     Window().Tabs().SelectTab(tab);
     EXPECT_EQ(Panels(), expected[static_cast<std::size_t>(tab)]) << "tab " << tab;

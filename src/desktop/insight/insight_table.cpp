@@ -1,0 +1,205 @@
+#include "desktop/insight/insight_table.h"
+
+#include <QClipboard>
+#include <QFont>
+#include <QGuiApplication>
+#include <QHeaderView>
+#include <QItemSelectionModel>
+#include <QStringList>
+#include <algorithm>
+
+#include "widgets/labels.h"
+#include "widgets/layout.h"
+#include "widgets/qt_text.h"
+
+namespace vrx {
+namespace {
+
+constexpr int kMostColumnWidth = 320;
+constexpr int kMostShownRows = 40'000'000;  // a Qt table counts pixels in 32 bits
+constexpr int kRowsToMeasure = 200;
+
+bool IsNumber(CellKind kind) {
+  return kind != CellKind::kName && kind != CellKind::kText && kind != CellKind::kDay &&
+         kind != CellKind::kYesNo;
+}
+
+Qt::Alignment AlignmentOf(CellKind kind) {
+  return Qt::AlignVCenter | (IsNumber(kind) ? Qt::AlignRight : Qt::AlignLeft);
+}
+
+}  // namespace
+
+void InsightTableModel::Show(const AnswerTable* table, const std::string& units) {
+  constexpr std::size_t kMostColumnsAcross = 14;
+  beginResetModel();
+  table_ = table;
+  units_ = units;
+  upright_ = table != nullptr && table->rows.size() == 1 && table->total.empty() &&
+             table->columns.size() > kMostColumnsAcross;
+  endResetModel();
+}
+
+bool InsightTableModel::IsTotal(std::size_t row) const { return row >= table_->rows.size(); }
+
+bool InsightTableModel::IsRow(int row) const {
+  return table_ != nullptr && !upright_ && row >= 0 && !IsTotal(static_cast<std::size_t>(row));
+}
+
+int InsightTableModel::rowCount(const QModelIndex& parent) const {
+  if (parent.isValid() || table_ == nullptr || table_->rows.empty()) {
+    return 0;
+  }
+  if (upright_) {
+    return static_cast<int>(table_->columns.size());
+  }
+  const std::size_t rows = table_->rows.size() + (table_->total.empty() ? 0 : 1);
+  return static_cast<int>(std::min<std::size_t>(rows, kMostShownRows));
+}
+
+int InsightTableModel::columnCount(const QModelIndex& parent) const {
+  if (parent.isValid() || table_ == nullptr) {
+    return 0;
+  }
+  return upright_ ? 2 : static_cast<int>(table_->columns.size());
+}
+
+QString InsightTableModel::Caption(std::size_t column) const {
+  const AnswerColumn& shown = table_->columns[column];
+  const QString caption = QTr(shown.caption);
+  switch (shown.kind) {
+    case CellKind::kWeight:
+      return caption + QStringLiteral(" (") + ToQString(units_) + u')';
+    case CellKind::kMinutes:
+      return caption + QStringLiteral(" (min)");
+    default:
+      return caption;
+  }
+}
+
+QString InsightTableModel::Text(std::size_t row, std::size_t column) const {
+  const AnswerColumn& shown = table_->columns[column];
+  if (IsTotal(row)) {
+    const AnswerCell& cell = table_->total.at(column);
+    const bool is_empty = std::holds_alternative<std::monostate>(cell);
+    return is_empty ? QString() : ToQString(ShownText(shown, cell));
+  }
+  return ToQString(ShownText(shown, table_->rows[row].at(column)));
+}
+
+QVariant InsightTableModel::data(const QModelIndex& index, int role) const {
+  if (!index.isValid() || table_ == nullptr) {
+    return {};
+  }
+  const auto row = static_cast<std::size_t>(upright_ ? 0 : index.row());
+  const auto column = static_cast<std::size_t>(upright_ ? index.row() : index.column());
+  switch (role) {
+    case Qt::DisplayRole:
+      return upright_ && index.column() == 0 ? Caption(column) : Text(row, column);
+    case Qt::ToolTipRole:
+      return Text(row, column);
+    case Qt::TextAlignmentRole:
+      return QVariant::fromValue(upright_ ? Qt::AlignVCenter | Qt::AlignLeft
+                                          : AlignmentOf(table_->columns[column].kind));
+    case Qt::FontRole: {
+      QFont font;
+      font.setBold(!upright_ && IsTotal(row));
+      return font;
+    }
+    default:
+      return {};
+  }
+}
+
+QVariant InsightTableModel::headerData(int section, Qt::Orientation orientation, int role) const {
+  if (orientation != Qt::Horizontal || table_ == nullptr) {
+    return {};
+  }
+  if (upright_) {
+    return role == Qt::DisplayRole ? QVariant(section == 0 ? QTr("What") : QTr("Value"))
+                                   : QVariant();
+  }
+  const auto column = static_cast<std::size_t>(section);
+  switch (role) {
+    case Qt::DisplayRole:
+      return Caption(column);
+    case Qt::TextAlignmentRole:
+      return QVariant::fromValue(AlignmentOf(table_->columns[column].kind));
+    default:
+      return {};
+  }
+}
+
+InsightTable::InsightTable(QWidget* parent)
+    : QTableView(parent), model_(new InsightTableModel(this)) {
+  setObjectName(QStringLiteral("grdInsight"));
+  setAccessibleName(QTr("Figures"));
+  setHorizontalHeader(new PaddedHeader(this));
+  setModel(model_);
+  setSelectionBehavior(SelectRows);
+  setSelectionMode(ExtendedSelection);
+  setEditTriggers(NoEditTriggers);
+  setTabKeyNavigation(false);
+  setWordWrap(false);
+  setCornerButtonEnabled(false);
+  setVerticalScrollMode(ScrollPerPixel);
+  setHorizontalScrollMode(ScrollPerPixel);
+  verticalHeader()->hide();
+  verticalHeader()->setSectionResizeMode(QHeaderView::Fixed);
+  verticalHeader()->setDefaultSectionSize(fontMetrics().height() + kSpacing);
+  horizontalHeader()->setResizeContentsPrecision(kRowsToMeasure);
+  horizontalHeader()->setMaximumSectionSize(kMostColumnWidth);
+  horizontalHeader()->setHighlightSections(false);
+  connect(this, &QTableView::doubleClicked, this, [this](const QModelIndex& index) {
+    if (model_->IsRow(index.row())) {
+      Q_EMIT RowChosen(index.row());
+    }
+  });
+  connect(selectionModel(), &QItemSelectionModel::currentChanged, this, &InsightTable::RowChanged);
+}
+
+void InsightTable::Show(const AnswerTable* table, const std::string& units) {
+  model_->Show(table, units);
+  horizontalHeader()->setStretchLastSection(model_->IsUpright());
+  resizeColumnsToContents();
+  scrollToTop();
+  setCurrentIndex(model_->index(0, 0));
+}
+
+int InsightTable::CurrentRow() const {
+  return model_->IsRow(currentIndex().row()) ? currentIndex().row() : -1;
+}
+
+bool InsightTable::EnterPressed() {
+  if (CurrentRow() < 0) {
+    return false;
+  }
+  Q_EMIT RowChosen(CurrentRow());
+  return true;
+}
+
+void InsightTable::copy() {
+  QModelIndexList rows = selectionModel()->selectedRows();
+  std::sort(rows.begin(), rows.end(), [](const QModelIndex& one, const QModelIndex& other) {
+    return one.row() < other.row();
+  });
+  const auto line = [this](const auto& text_of) {
+    QStringList cells;
+    for (int column = 0; column < model_->columnCount(); ++column) {
+      cells += text_of(column);
+    }
+    return cells.join(u'\t') + u'\n';
+  };
+  QString text = line([this](int column) {
+    return model_->headerData(column, Qt::Horizontal, Qt::DisplayRole).toString();
+  });
+  for (const QModelIndex& row : rows) {
+    text += line(
+        [&](int column) { return row.siblingAtColumn(column).data().toString().simplified(); });
+  }
+  if (!rows.isEmpty()) {
+    QGuiApplication::clipboard()->setText(text);
+  }
+}
+
+}  // namespace vrx

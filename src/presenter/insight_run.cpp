@@ -1,0 +1,244 @@
+#include "presenter/insight_run.h"
+
+#include <chrono>
+#include <utility>
+
+#include <sqlite3.h>
+
+#include "database/connection.h"
+#include "insight/completeness.h"
+#include "insight/names.h"
+
+namespace vrx {
+namespace {
+
+constexpr int kAllPercent = 100;
+
+// Of one of several reads in a row.
+InsightProgress PartOf(const InsightProgress& progress, int part, int parts) {
+  return [&progress, part, parts](int percent) {
+    return progress((part * kAllPercent + percent) / parts);
+  };
+}
+
+void AddNotes(InsightAnswer& answer, const InsightNotes& notes) {
+  answer.units = notes.units;
+  for (std::string& sentence : SentencesOf(notes)) {
+    answer.notes.push_back(std::move(sentence));
+  }
+}
+
+AccuracyQuestion AccuracyOf(const InsightAsked& asked, std::vector<AccuracyKey> by) {
+  return {.about = asked.about,
+          .deliveries = asked.topic == InsightTopic::kDelivery,
+          .by = std::move(by),
+          .limits = {.percent = asked.limits.percent,
+                     .weight = asked.limits.weight,
+                     .beyond = asked.limits.beyond,
+                     .division = asked.limits.division}};
+}
+
+// The groups whose figures the picture shows besides those of the table.
+std::vector<AccuracyKey> KeysOf(InsightPicture picture, bool deliveries) {
+  switch (picture) {
+    case InsightPicture::kDeviations:
+      return {AccuracyKey::kDay};
+    case InsightPicture::kOperators:
+      return {AccuracyKey::kIngredient, AccuracyKey::kOperator};
+    case InsightPicture::kWeights:
+      return {AccuracyKey::kIngredient};
+    default:
+      return {deliveries ? AccuracyKey::kPen : AccuracyKey::kIngredient};
+  }
+}
+
+void AnswerGroups(SQLite::Database& database, const InsightAsked& asked,
+                  const InsightProgress& progress, InsightAnswer& answer) {
+  const InsightTableChoice& choice = asked.Table();
+  const AccuracyQuestion question = AccuracyOf(
+      asked,
+      {choice.keys.begin(), choice.keys.begin() + static_cast<std::ptrdiff_t>(choice.key_count)});
+  const Accuracy groups = ReadAccuracy(database, question, progress);
+  answer.table = TableOf(groups, question);
+  AddNotes(answer, groups.notes);
+  if (groups.yardstick) {
+    for (std::string& sentence : SentencesOf(*groups.yardstick)) {
+      answer.notes.push_back(std::move(sentence));
+    }
+  }
+}
+
+void AnswerAccuracy(SQLite::Database& database, const InsightAsked& asked,
+                    const InsightProgress& progress, InsightAnswer& answer) {
+  const bool deliveries = asked.topic == InsightTopic::kDelivery;
+  const InsightPicture picture = asked.Picture();
+  const bool has_groups = asked.Table().rows == InsightRows::kGroups;
+  const bool needs_loads = !has_groups || picture == InsightPicture::kDeviations ||
+                           picture == InsightPicture::kDistribution;
+  const int parts = 1 + (has_groups ? 1 : 0) + (needs_loads ? 1 : 0);
+  int part = 0;
+  if (has_groups) {
+    AnswerGroups(database, asked, PartOf(progress, part++, parts), answer);
+  }
+  const AccuracyQuestion shown = AccuracyOf(asked, KeysOf(picture, deliveries));
+  answer.accuracy = ReadAccuracy(database, shown, PartOf(progress, part++, parts));
+  if (needs_loads) {
+    answer.loads = ReadLoads(database, shown, PartOf(progress, part, parts));
+  }
+  if (!has_groups) {
+    answer.table = TableOf(asked.Table().rows == InsightRows::kNotLoaded ? answer.loads->not_loaded
+                                                                         : answer.loads->largest,
+                           deliveries);
+    AddNotes(answer, answer.loads->notes);
+  }
+}
+
+void AnswerBalance(SQLite::Database& database, const InsightAsked& asked,
+                   const InsightProgress& progress, InsightAnswer& answer) {
+  answer.balance = ReadBalance(database,
+                               {.about = asked.about,
+                                .percent = asked.limits.balance_percent,
+                                .weight = asked.limits.balance_weight,
+                                .all = true},
+                               progress);
+  AddNotes(answer, answer.balance->notes);
+  if (asked.Table().rows == InsightRows::kDays) {
+    answer.table = TableOfDays(*answer.balance);
+    return;
+  }
+  if (asked.Table().rows == InsightRows::kBatches) {
+    answer.table = TableOf(*answer.balance);
+    return;
+  }
+  Balance out = *answer.balance;
+  std::erase_if(out.lines,
+                [](const BalanceLine& line) { return line.state == BalanceState::kBalanced; });
+  answer.table = TableOf(out);
+}
+
+void AnswerTimes(SQLite::Database& database, const InsightAsked& asked,
+                 const InsightProgress& progress, InsightAnswer& answer) {
+  const TimesKey by =
+      asked.Table().rows == InsightRows::kOperators ? TimesKey::kOperator : TimesKey::kRecipe;
+  const Times times = ReadTimes(database, {.about = asked.about, .by = by}, progress);
+  answer.table =
+      asked.Table().rows == InsightRows::kBatches ? TableOfBatches(times) : TableOf(times, by);
+  AddNotes(answer, times.notes);
+}
+
+void AnswerHolding(SQLite::Database& database, const InsightAsked& asked,
+                   const InsightProgress& progress, InsightAnswer& answer) {
+  const Holding holding = ReadHolding(database,
+                                      {.ingredients = {asked.about.ingredient.value_or("")},
+                                       .days = asked.days,
+                                       .on = asked.on,
+                                       .pen = asked.about.pen,
+                                       .division = asked.limits.division},
+                                      progress);
+  answer.table = TableOf(holding);
+  AddNotes(answer, holding.notes);
+}
+
+void AnswerPens(SQLite::Database& database, const InsightAsked& asked,
+                const InsightProgress& progress, InsightAnswer& answer) {
+  if (asked.topic == InsightTopic::kDelivered) {
+    answer.delivered = ReadDelivered(database, asked.about, {}, progress);
+    answer.table = TableOf(*answer.delivered);
+    AddNotes(answer, answer.delivered->notes);
+    return;
+  }
+  const bool of_pen = asked.Table().rows == InsightRows::kOfPen;
+  const Trace trace = of_pen ? TracePen(database, asked.about, progress)
+                             : TraceIngredient(database, asked.about, progress);
+  answer.table = of_pen ? BackwardTable(trace) : ForwardTable(trace);
+  AddNotes(answer, trace.notes);
+}
+
+void AnswerStatement(SQLite::Database& database, const InsightAsked& asked,
+                     const InsightProgress& progress, InsightAnswer& answer) {
+  const Statement statement = ReadStatement(database, asked.about.from, asked.about.to, progress);
+  answer.table = TableOf(statement);
+  AddNotes(answer, statement.notes);
+}
+
+void AnswerUse(SQLite::Database& database, const InsightAsked& asked,
+               const InsightProgress& progress, InsightAnswer& answer) {
+  const Use use = ReadUse(database, {.about = asked.about}, progress);
+  answer.table = TableOf(use);
+  AddNotes(answer, use.notes);
+}
+
+// Ends any statement of the connection after a cancel.
+int StopIfCancelled(void* cancelled) {
+  return *static_cast<const std::atomic<bool>*>(cancelled) ? 1 : 0;
+}
+
+}  // namespace
+
+InsightAnswer AnswerInsight(SQLite::Database& database, const InsightAsked& asked,
+                            const InsightProgress& progress) {
+  InsightAnswer answer{.asked = asked};
+  switch (asked.topic) {
+    case InsightTopic::kLoading:
+    case InsightTopic::kDelivery:
+      AnswerAccuracy(database, asked, progress, answer);
+      break;
+    case InsightTopic::kBalance:
+      AnswerBalance(database, asked, progress, answer);
+      break;
+    case InsightTopic::kTimes:
+      AnswerTimes(database, asked, progress, answer);
+      break;
+    case InsightTopic::kDelivered:
+    case InsightTopic::kTrace:
+      AnswerPens(database, asked, progress, answer);
+      break;
+    case InsightTopic::kHolding:
+      AnswerHolding(database, asked, progress, answer);
+      break;
+    case InsightTopic::kCompleteness:
+      AnswerStatement(database, asked, progress, answer);
+      break;
+    case InsightTopic::kUse:
+      AnswerUse(database, asked, progress, answer);
+      break;
+  }
+  return answer;
+}
+
+InsightNames ReadInsightNames(SQLite::Database& database) {
+  InsightNames names;
+  for (std::size_t kind = 0; kind < names.size(); ++kind) {
+    names.at(kind) = ReadNames(database, static_cast<NameKind>(kind));
+  }
+  return names;
+}
+
+BackgroundRead::BackgroundRead(std::filesystem::path path, Work work)
+    : thread_([this, path = std::move(path), work = std::move(work)] { Run(path, work); }) {}
+
+BackgroundRead::~BackgroundRead() { cancelled_ = true; }
+
+void BackgroundRead::Rethrow() const {
+  if (failure_) {
+    std::rethrow_exception(failure_);
+  }
+}
+
+void BackgroundRead::Run(const std::filesystem::path& path, const Work& work) {
+  constexpr int kStepsBetween = 10000;  // of the virtual machine, below a millisecond
+  constexpr std::chrono::milliseconds kLockWait{250};
+  try {
+    SQLite::Database database = OpenDatabase(path, Access::kRead, kLockWait);
+    sqlite3_progress_handler(database.getHandle(), kStepsBetween, StopIfCancelled, &cancelled_);
+    work(database, [this](int percent) {
+      percent_ = percent;
+      return !cancelled_;
+    });
+  } catch (...) {
+    failure_ = std::current_exception();
+  }
+  ended_ = true;
+}
+
+}  // namespace vrx

@@ -1,0 +1,235 @@
+#include "desktop/insight/insight_page.h"
+
+#include <QClipboard>
+#include <QGuiApplication>
+#include <QImage>
+#include <QLabel>
+#include <QLineEdit>
+#include <QListWidget>
+#include <QMimeData>
+#include <QPushButton>
+#include <QSignalSpy>
+
+#include <gmock/gmock.h>
+
+#include "base/files.h"
+#include "desktop/history/history_fixture.h"
+#include "support/boxes.h"
+
+namespace vrx::testing {
+namespace {
+
+using ::testing::Contains;
+using ::testing::ElementsAre;
+using ::testing::HasSubstr;
+using ::testing::IsEmpty;
+using ::testing::StartsWith;
+
+// The small history on the tab Insight.
+class InsightPageTest : public HistoryFixture {
+ protected:
+  void ShowInsight() {
+    ShowTab();
+    GoToTab(kTabInsight);
+    ASSERT_TRUE(WaitForRows());
+  }
+  // Until the answer is there: the thread that reads has its own time.
+  bool WaitForRows() {
+    return QTest::qWaitFor([this] { return Table().model()->rowCount() > 0; }, kLongest);
+  }
+  bool WaitForFirst(const QString& text) {
+    return QTest::qWaitFor([&] { return Cell(0, 0) == text; }, kLongest);
+  }
+  void Ask(InsightTopic topic) {
+    Find<QListWidget>(u"lstInsight"_qs).setCurrentRow(static_cast<int>(topic));
+  }
+  InsightTable& Table() { return Find<InsightTable>(u"grdInsight"_qs); }
+  PictureView& Drawn() { return Find<PictureView>(u"picInsight"_qs); }
+  QString Cell(int row, int column) {
+    return Table().model()->index(row, column).data().toString();
+  }
+  QString Heading(int column) {
+    return Table().model()->headerData(column, Qt::Horizontal, Qt::DisplayRole).toString();
+  }
+  std::string Standby() { return LabelText(u"lblInsightStandby"_qs); }
+
+  static constexpr int kLongest = 20000;  // ms, of a busy machine
+};
+
+TEST_F(InsightPageTest, ShowsTheFiguresWithUnitsAndTheTotalBelow) {
+  ShowInsight();
+  EXPECT_EQ(Cell(0, 0), u"(none)"_qs);
+  EXPECT_EQ(Cell(1, 0), u"CORN"_qs);
+  EXPECT_EQ(Cell(3, 0), u"Total"_qs);
+  EXPECT_EQ(Heading(0), u"Ingredient"_qs);
+  EXPECT_EQ(Heading(6), u"Target (LB)"_qs);
+  EXPECT_EQ(Cell(1, 6), u"1500"_qs);
+  EXPECT_EQ(Table().model()->index(1, 6).data(Qt::TextAlignmentRole).toInt(),
+            static_cast<int>(Qt::AlignVCenter | Qt::AlignRight));
+  EXPECT_FALSE(Drawn().Shown().plot.isEmpty());
+  EXPECT_THAT(LabelText(u"lblInsightPictureHow"_qs), StartsWith("Each dot is a load"));
+  EXPECT_THAT(LabelText(u"lblInsightNotes"_qs), HasSubstr("M. C. Barry"));
+}
+
+TEST_F(InsightPageTest, EveryQuestionShowsAnAnswerOrWhatItNeeds) {
+  ShowInsight();
+  for (int topic = 0; topic < kInsightTopics; ++topic) {
+    Ask(static_cast<InsightTopic>(topic));
+    const bool answered =
+        QTest::qWaitFor([this] { return Table().isVisible() || !Standby().empty(); }, kLongest);
+    EXPECT_TRUE(answered) << topic;
+    EXPECT_FALSE(LabelText(u"lblInsightQuestion"_qs).empty());
+  }
+  EXPECT_THAT(operator_.boxes, IsEmpty());
+}
+
+TEST_F(InsightPageTest, HoldingAsksForAnIngredientAndDays) {
+  ShowInsight();
+  Ask(InsightTopic::kHolding);
+  EXPECT_EQ(Standby(), "Choose an ingredient above.");
+  EXPECT_TRUE(Visible(u"txtInsightDays"_qs));
+  EXPECT_FALSE(Visible(u"barInsightPeriod"_qs));
+  EXPECT_FALSE(Visible(u"cboInsightRecipe"_qs));
+  EXPECT_TRUE(QTest::qWaitFor(
+      [this] { return Find<QComboBox>(u"cboInsightIngredient"_qs).count() == 3; }, kLongest));
+  ChooseItem(u"cboInsightIngredient"_qs, 2);
+  EXPECT_TRUE(WaitForFirst(u"A01"_qs));
+  auto& days = Find<QLineEdit>(u"txtInsightDays"_qs);
+  days.setFocus();
+  days.setText(u"0"_qs);
+  QTest::keyClick(&days, Qt::Key_Tab);
+  EXPECT_EQ(Standby(), "The days must be a whole number from 1 to 9999.");
+}
+
+TEST_F(InsightPageTest, APeriodChoosesTheRecords) {
+  ShowInsight();
+  auto& from = Find<QLineEdit>(u"txtInsightPeriodFrom"_qs);
+  from.setFocus();
+  from.setText(u"3/15/2011"_qs);
+  QTest::keyClick(&from, Qt::Key_Tab);
+  EXPECT_TRUE(QTest::qWaitFor([this] { return Cell(0, 0) == u"CORN"_qs; }, kLongest));
+  from.setFocus();
+  from.setText(u"x"_qs);
+  QTest::keyClick(&from, Qt::Key_Tab);
+  EXPECT_THAT(LabelText(u"lblInsightPeriodNote"_qs), HasSubstr("is not a day"));
+}
+
+TEST_F(InsightPageTest, ARowLeadsToItsRecordsAndBack) {
+  ShowInsight();
+  Table().setFocus();
+  Table().selectRow(1);
+  QTest::keyClick(&Table(), Qt::Key_Return);
+  RunEvents();
+  EXPECT_EQ(Tabs().currentIndex(), kTabBatchedFed);
+  EXPECT_EQ(GroupText(), "Ingredients (all)");
+  EXPECT_THAT(Lines()[static_cast<std::size_t>(Grid().currentIndex().row())],
+              HasSubstr("Ingredient:CORN"));
+  EXPECT_TRUE(Visible(u"cmdBackToInsight"_qs));
+  QTest::keyClick(&Grid(), Qt::Key_Left, Qt::AltModifier);
+  RunEvents();
+  EXPECT_EQ(Tabs().currentIndex(), kTabInsight);
+  EXPECT_EQ(Table().CurrentRow(), 1);
+  EXPECT_TRUE(Table().hasFocus());
+  GoToTab(kTabBatchedFed);
+  EXPECT_FALSE(Visible(u"cmdBackToInsight"_qs));
+}
+
+TEST_F(InsightPageTest, TheTotalLeadsNowhere) {
+  ShowInsight();
+  Table().selectRow(3);
+  EXPECT_FALSE(Find<QPushButton>(u"cmdInsightRecords"_qs).isEnabled());
+  Table().selectRow(2);
+  EXPECT_TRUE(Find<QPushButton>(u"cmdInsightRecords"_qs).isEnabled());
+}
+
+TEST_F(InsightPageTest, AClickOnAMarkLeadsToItsBatch) {
+  ShowInsight();
+  ASSERT_FALSE(Drawn().Shown().hits.empty());
+  QTest::mouseClick(Drawn().viewport(), Qt::LeftButton, {},
+                    Drawn().Shown().hits.front().area.center().toPoint());
+  RunEvents();
+  EXPECT_EQ(Tabs().currentIndex(), kTabBatchedFed);
+  EXPECT_EQ(GroupText(), "Transactions (batched/fed)");
+  EXPECT_THAT(Lines()[static_cast<std::size_t>(Grid().currentIndex().row())],
+              HasSubstr("Transaction:1"));
+}
+
+TEST_F(InsightPageTest, SavesThePictureInTheFormatOfTheName) {
+  ShowInsight();
+  for (const auto& [name, begins] :
+       {std::pair("ONE.SVG", "<svg"), std::pair("ONE.PNG", "\x89PNG")}) {
+    chooser_.Choose(folder_ / name);
+    Click(u"cmdInsightSave"_qs);
+    EXPECT_THAT(ReadFileBytes(folder_ / name, 10'000'000), HasSubstr(begins)) << name;
+  }
+  EXPECT_THAT(operator_.boxes, IsEmpty());
+}
+
+TEST_F(InsightPageTest, APictureReplacesNoDatabaseAndReportsAFolderThatIsGone) {
+  ShowInsight();
+  const std::string before = ReadFileBytes(Transactions(), 10'000'000);
+  chooser_.Choose(Transactions());
+  Click(u"cmdInsightSave"_qs);
+  EXPECT_THAT(OnlyBox(operator_.boxes), IsBox(Icon::kWarning, "Save Picture", ::testing::_));
+  EXPECT_EQ(ReadFileBytes(Transactions(), 10'000'000), before);
+  operator_.boxes.clear();
+  chooser_.Choose(folder_ / "GONE" / "ONE.SVG");
+  Click(u"cmdInsightSave"_qs);
+  EXPECT_THAT(OnlyBox(operator_.boxes), IsBox(Icon::kWarning, "Save Picture", HasSubstr("GONE")));
+}
+
+TEST_F(InsightPageTest, CopiesThePictureAndTheSelectedRows) {
+  ShowInsight();
+  Click(u"cmdInsightCopy"_qs);
+  const QMimeData* const copied = QGuiApplication::clipboard()->mimeData();
+  EXPECT_TRUE(copied->hasImage());
+  EXPECT_TRUE(copied->data(u"image/svg+xml"_qs).contains("<svg"));
+  Table().setFocus();
+  Table().selectRow(1);
+  Choose(u"mnuEditCopy"_qs);
+  EXPECT_THAT(QGuiApplication::clipboard()->text().toStdString(),
+              ::testing::AllOf(StartsWith("Ingredient\t"), HasSubstr("\nCORN\t")));
+}
+
+TEST_F(InsightPageTest, TheFiguresAreThoseOfTheTablesRoundedOnce) {
+  ShowInsight();
+  SQLite::Database database = OpenDatabase(Transactions(), Access::kRead);
+  const AccuracyQuestion question{};
+  const AnswerTable expected = TableOf(ReadAccuracy(database, question), question);
+  for (std::size_t row = 0; row < expected.rows.size(); ++row) {
+    for (std::size_t column = 0; column < expected.columns.size(); ++column) {
+      EXPECT_EQ(Cell(static_cast<int>(row), static_cast<int>(column)).toStdString(),
+                ShownText(expected.columns[column], expected.rows[row][column]));
+    }
+  }
+}
+
+TEST_F(InsightPageTest, FollowsTheDatabaseAndForgetsAClosedOne) {
+  ShowInsight();
+  Alter(Transactions(), "UPDATE Transactions SET Ingredient = 'BARLEY' WHERE Ingredient = 'CORN'");
+  Choose(u"mnuViewRefresh"_qs);
+  EXPECT_TRUE(QTest::qWaitFor([this] { return Cell(1, 0) == u"BARLEY"_qs; }, kLongest));
+  Choose(u"mnuFileCloseTransactionDB"_qs);
+  EXPECT_EQ(Table().model()->rowCount(), 0);
+}
+
+TEST_F(InsightPageTest, ThePictureFollowsThePenOfTheRow) {
+  ShowInsight();
+  Ask(InsightTopic::kDelivered);
+  ASSERT_TRUE(WaitForFirst(u"A01"_qs));
+  EXPECT_THAT(Drawn().Shown().title.toStdString(), HasSubstr("A01"));
+  Table().selectRow(1);
+  EXPECT_THAT(Drawn().Shown().title.toStdString(), HasSubstr("A02"));
+}
+
+TEST_F(InsightPageTest, WhatStandsBelowLeadsToTheManual) {
+  ShowInsight();
+  QSignalSpy asked(&Find<InsightPage>(u"pageInsight"_qs), &InsightPage::ManualChosen);
+  auto& how = Find<QLabel>(u"lblInsightHow"_qs);
+  EXPECT_THAT(how.text().toStdString(), HasSubstr("<a href=\"accuracy-of-loading\">"));
+  Q_EMIT how.linkActivated(u"accuracy-of-loading"_qs);
+  EXPECT_EQ(asked.size(), 1);
+}
+
+}  // namespace
+}  // namespace vrx::testing
