@@ -1,5 +1,6 @@
 #include <filesystem>
 #include <string>
+#include <utility>
 
 #include <gmock/gmock.h>
 
@@ -27,26 +28,31 @@ class InsightOnDisplay : public OnDisplay {
       return table != nullptr && table->rows > 0 && screen.FindItem(caption) != nullptr;
     });
   }
-  bool HasFocus(const std::string& name) const {
+  std::string FocusName() const {
     const Screen screen = Look();
-    return screen.Focus() != nullptr && screen.Focus()->name == name;
+    return screen.Focus() != nullptr ? screen.Focus()->name : "";
   }
-  // Goes from field to field as far as it needs.
-  void TabTo(const std::string& name) {
-    constexpr int kMostFields = 40;
-    for (int i = 0; i < kMostFields && !HasFocus(name); ++i) {
-      Keys({"Tab"});
-      Settle();
+  // Goes from field to field as far as it needs; the fields on the way have different names.
+  void GoTo(const std::string& name, const std::string& key) {
+    constexpr int kMostFields = 20;
+    for (int i = 0; i < kMostFields && FocusName() != name; ++i) {
+      const std::string before = FocusName();
+      Keys({key});
+      std::string now = before;
+      ASSERT_TRUE(Eventually([&] {
+        const std::string last = std::exchange(now, FocusName());
+        return now != before && now == last;  // no longer on its way
+      })) << before;
     }
-    ASSERT_TRUE(HasFocus(name)) << name;
+    ASSERT_EQ(FocusName(), name);
   }
 };
 
 TEST_F(InsightOnDisplay, IsAskedByKeysAndARowLeadsToItsRecordsAndBack) {
-  TabTo("lstInsight");
+  GoTo("lstInsight", "Tab");
   Keys({"End"});
   ASSERT_TRUE(WaitForTable("Cost"));
-  TabTo("grdInsight");
+  GoTo("grdInsight", "Tab");
   Keys({"Return"});
   ASSERT_TRUE(WaitFor([](const Screen& screen) {
     return screen.Find("cmdBackToInsight") != nullptr && screen.Find("grdTRANS") != nullptr &&
@@ -62,7 +68,7 @@ TEST_F(InsightOnDisplay, IsAskedByKeysAndARowLeadsToItsRecordsAndBack) {
 
 TEST_F(InsightOnDisplay, SavesThePictureOfTheQuestion) {
   const fs::path picture = folder / "LOADING.SVG";
-  TabTo("cmdInsightSave");
+  GoTo("cmdInsightSave", "shift+Tab");
   Keys({"space"});
   AnswerFileDialog("Save Picture", picture);
   ASSERT_TRUE(Eventually([&] { return fs::exists(picture); }));
