@@ -107,6 +107,8 @@ void InsightPresenter::Show() {
   }
   if (stale_) {
     Ask();
+  } else if (names_stale_) {
+    ticker_ = services_.pump.StartTicker(kLook, [this] { Tick(); });
   }
 }
 
@@ -210,7 +212,6 @@ void InsightPresenter::Ask() {
   }
   if (!TakeFields()) {
     ShowStandby(state_.refusal);
-    return;
   }
   if (shown_) {
     started_ = services_.pump.Now();
@@ -285,9 +286,10 @@ void InsightPresenter::End() {
   }
 }
 
-// Names come after the answer, which is what the operator waits for.
+// Names come after the answer, which is what the operator waits for. A question that cannot be
+// asked may need one of them.
 void InsightPresenter::Tick() {
-  if (stale_) {
+  if (stale_ && state_.refusal.empty()) {
     if (!question_) {
       Begin();
     } else if (question_->Ended()) {
@@ -295,7 +297,7 @@ void InsightPresenter::Tick() {
     } else if (services_.pump.Now() - started_ >= kShortQuestion) {
       state_.percent = question_->Percent();
       view_.InsightChanged(InsightPart::kProgress);
-      if (answer_) {
+      if (answer_ || !state_.standby.empty()) {
         ShowStandby({});
       }
     }
@@ -365,7 +367,7 @@ void InsightPresenter::SelectRow(std::size_t row) {
 
 std::string InsightPresenter::EmptyText() const {
   const Question& about = state_.asked.about;
-  if (state_.asked.Table().rows == InsightRows::kOutOfBalance && !answer_->balance->lines.empty()) {
+  if (state_.asked.Table().rows == InsightRows::kOutOfBalance && answer_->balance->batches > 0) {
     return Tr("Every batch is in balance.");
   }
   if (state_.asked.Table().rows == InsightRows::kNotLoaded && answer_->loads->n > 0) {

@@ -5,6 +5,7 @@
 
 #include <sqlite3.h>
 
+#include "base/translation.h"
 #include "database/connection.h"
 #include "insight/completeness.h"
 #include "insight/names.h"
@@ -93,6 +94,20 @@ void AnswerAccuracy(SQLite::Database& database, const InsightAsked& asked,
   }
 }
 
+void KeepUnbalanced(Balance& balance) {
+  std::erase_if(balance.lines,
+                [](const BalanceLine& line) { return line.state == BalanceState::kBalanced; });
+}
+
+// Each batch is a mark: years of them would be drawn for seconds, one over the other.
+void KeepDrawable(InsightAnswer& answer) {
+  constexpr std::size_t kMostMarks = 20000;
+  if (answer.balance->lines.size() > kMostMarks) {
+    KeepUnbalanced(*answer.balance);
+    answer.notes.emplace_back(TrMark("The picture has the batches out of balance only."));
+  }
+}
+
 void AnswerBalance(SQLite::Database& database, const InsightAsked& asked,
                    const InsightProgress& progress, InsightAnswer& answer) {
   answer.balance = ReadBalance(database,
@@ -102,18 +117,16 @@ void AnswerBalance(SQLite::Database& database, const InsightAsked& asked,
                                 .all = true},
                                progress);
   AddNotes(answer, answer.balance->notes);
-  if (asked.Table().rows == InsightRows::kDays) {
-    answer.table = TableOfDays(*answer.balance);
-    return;
-  }
   if (asked.Table().rows == InsightRows::kBatches) {
     answer.table = TableOf(*answer.balance);
-    return;
+  } else if (asked.Table().rows == InsightRows::kDays) {
+    answer.table = TableOfDays(*answer.balance);
+  } else {
+    Balance out = *answer.balance;
+    KeepUnbalanced(out);
+    answer.table = TableOf(out);
   }
-  Balance out = *answer.balance;
-  std::erase_if(out.lines,
-                [](const BalanceLine& line) { return line.state == BalanceState::kBalanced; });
-  answer.table = TableOf(out);
+  KeepDrawable(answer);
 }
 
 void AnswerTimes(SQLite::Database& database, const InsightAsked& asked,

@@ -196,6 +196,18 @@ TEST_F(InsightTab, TraceAndHoldingNeedAName) {
   EXPECT_EQ(view.Answer(), nullptr);
 }
 
+TEST_F(InsightTab, ReadsTheNamesForAQuestionThatNeedsOne) {
+  SmallHistory(folder);
+  bound = BindUserDatabase(folder / "SMALL.TDB", kBusyTimeout);
+  view.SetDatabase(bound);
+  Choose(InsightTopic::kHolding);
+  view.Show();
+  WaitForNames();
+  ChooseByName(NameKind::kIngredient, "HAY");
+  Wait();
+  EXPECT_THAT(FirstColumn(), ElementsAre("A01", "A02"));
+}
+
 TEST_F(InsightTab, HoldingTakesWholeDaysAndADay) {
   Open();
   Wait();

@@ -147,7 +147,7 @@ void InsightFields::Connect() {
             [this, kind](int item) { Q_EMIT NameChosen(static_cast<int>(kind), item); });
   }
   const auto typed = [this] { Q_EMIT HoldingTyped(days_->text(), on_->Text()); };
-  connect(days_, &QLineEdit::editingFinished, this, typed);
+  connect(days_, &FilteredEdit::Left, this, typed);
   connect(on_, &DayEdit::Entered, this, typed);
   connect(table_.list, &QComboBox::activated, this, &InsightFields::TableChosen);
   connect(picture_.list, &QComboBox::activated, this, &InsightFields::PictureChosen);

@@ -308,7 +308,7 @@ void InsightPage::ShowAnswer() {
                                           : static_cast<QWidget*>(standby_));
   QString notes;
   for (const std::string& note : answer == nullptr ? std::vector<std::string>() : answer->notes) {
-    notes += (notes.isEmpty() ? QString() : QStringLiteral("\n")) + ToQString(note);
+    notes += (notes.isEmpty() ? QString() : QStringLiteral("\n")) + QTr(note);
   }
   notes_->setText(notes);
   notes_->setVisible(!notes.isEmpty());

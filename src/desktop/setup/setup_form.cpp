@@ -39,7 +39,7 @@ enum SetupTab : int {
   kLimitsTab,
 };
 
-constexpr QSize kSetupSize{720, 480};
+constexpr QSize kSetupSize{800, 480};
 constexpr int kSetupCaption = 1038;
 constexpr int kRecipeDatabaseCaption = 1070;
 constexpr int kTransactionDatabaseCaption = 1071;

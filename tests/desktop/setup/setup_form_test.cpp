@@ -73,7 +73,7 @@ TEST_F(SetupFormTest, ControlTabTurnsTheTabsFromEveryControl) {
   });
 }
 
-TEST_F(SetupFormTest, HasSevenTabsAndBeginsWithTheFirst) {
+TEST_F(SetupFormTest, HasEightTabsAndBeginsWithTheFirst) {
   Setup([&](SetupForm& form) {
     EXPECT_EQ(form.windowTitle(), u"Setup and Test"_qs);
     EXPECT_TRUE(form.isModal());
@@ -83,7 +83,7 @@ TEST_F(SetupFormTest, HasSevenTabsAndBeginsWithTheFirst) {
       captions.push_back(tabs.tabText(tab).toStdString());
     }
     EXPECT_THAT(captions, ElementsAre("Database", "Application", "INI File", "Transaction File",
-                                      "Options", "Data Connections", "KRM Setup"));
+                                      "Options", "Data Connections", "KRM Setup", "Insight"));
     EXPECT_EQ(tabs.currentIndex(), 0);
   });
 }
@@ -212,6 +212,42 @@ TEST_F(SetupFormTest, AWrongToleranceIsRefusedAndNothingIsChanged) {
       EXPECT_EQ(settings_.DifferenceTolerance(), 2);
       EXPECT_TRUE(settings_.PrintGridLinesOn());
     }
+    form.close();
+  });
+}
+
+TEST_F(SetupFormTest, TheLimitsOfInsightAreSetAndCanBeTheUsualOnes) {
+  using enum PrivateINI::InsightLimit;
+  settings_.SetLimit(kBalanceWeight, "80");
+  Setup([&](SetupForm& /*form*/) {
+    ShowSetupTab(7);
+    EXPECT_EQ(Of<QLineEdit>(u"txtLimitBalanceWeight"_qs).text(), u"80"_qs);
+    ClickOn(u"cmdUsualLimits"_qs);
+    EXPECT_EQ(Of<QLineEdit>(u"txtLimitBalanceWeight"_qs).text(), u"50"_qs);
+    auto& beyond = Of<QLineEdit>(u"txtLimitBeyond"_qs);
+    beyond.selectAll();
+    QTest::keyClicks(&beyond, u"70.5"_qs);
+    ClickOn(u"cmdOK"_qs);
+  });
+  EXPECT_TRUE(operator_.boxes.empty());
+  EXPECT_EQ(settings_.Limit(kBeyond), 70.5);
+  EXPECT_EQ(settings_.Limit(kBalanceWeight), 50);
+}
+
+TEST_F(SetupFormTest, AWrongLimitIsRefusedAndNothingIsChanged) {
+  Setup([&](SetupForm& form) {
+    form.activateWindow();
+    auto& percent = Of<QLineEdit>(u"txtLimitPercent"_qs);
+    percent.setText(u"101"_qs);
+    ClickOn(u"cmdOK"_qs);
+    EXPECT_TRUE(form.isVisible());
+    EXPECT_EQ(LastBox().text, "This limit must be a number from 0 to 100 percent.");
+    EXPECT_TRUE(percent.isVisible());
+    percent.setText(u"3"_qs);
+    Of<QLineEdit>(u"txtLimitDivision"_qs).setText(QString());
+    ClickOn(u"cmdOK"_qs);
+    EXPECT_EQ(LastBox().text, "This limit must be a weight from 0 to 99999.");
+    EXPECT_EQ(settings_.Limit(PrivateINI::InsightLimit::kPercent), 2);
     form.close();
   });
 }
