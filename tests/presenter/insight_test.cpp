@@ -203,6 +203,7 @@ TEST_F(InsightTab, ReadsTheNamesForAQuestionThatNeedsOne) {
   Choose(InsightTopic::kHolding);
   view.Show();
   WaitForNames();
+  EXPECT_EQ(view.State().standby, "Choose an ingredient above.");
   ChooseByName(NameKind::kIngredient, "HAY");
   Wait();
   EXPECT_THAT(FirstColumn(), ElementsAre("A01", "A02"));
@@ -330,6 +331,7 @@ TEST_F(InsightTab, ARowLeadsToItsRecords) {
   Choose(InsightTopic::kTimes);
   view.ChooseTable(1);
   Wait();
+  EXPECT_THAT(FirstColumn(), Contains("2"));
   EXPECT_EQ(view.PlaceOfRow(1)->group, 12);
   Choose(InsightTopic::kCompleteness);
   Wait();
