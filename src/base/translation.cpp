@@ -2,6 +2,8 @@
 
 #include <utility>
 
+#include "base/english_texts.h"
+
 namespace vrx {
 namespace {
 
@@ -18,7 +20,10 @@ std::string Tr(std::string_view text) {
 }
 
 std::string Tr(std::string_view text, std::initializer_list<std::string> values) {
-  const std::string pattern = Tr(text);
+  return FilledIn(Tr(text), values);
+}
+
+std::string FilledIn(std::string_view pattern, std::initializer_list<std::string> values) {
   std::string filled;
   for (std::size_t i = 0; i < pattern.size(); ++i) {
     const std::size_t value = pattern[i] == '%' && i + 1 < pattern.size() && pattern[i + 1] >= '1'
@@ -37,5 +42,9 @@ std::string Tr(std::string_view text, std::initializer_list<std::string> values)
 void SetTranslator(std::function<std::string(std::string_view)> translator) {
   Translator() = std::move(translator);
 }
+
+EnglishTexts::EnglishTexts() : translator_(std::exchange(Translator(), nullptr)) {}
+
+EnglishTexts::~EnglishTexts() { Translator() = std::move(translator_); }
 
 }  // namespace vrx

@@ -56,18 +56,18 @@ AnswerTable TableOf(const Delivered& answer) {
 }
 
 AnswerTable TableOf(const PenTotals& answer) {
-  AnswerTable table{
-      .columns = {{"pen", TrMark("Pen"), CellKind::kName},
-                  {"called", TrMark("Called"), CellKind::kWeight},
-                  {"delivered", TrMark("Delivered"), CellKind::kWeight},
-                  {"difference", TrMark("Difference"), CellKind::kWeight},
-                  {"differencePercent", TrMark("Difference %"), CellKind::kPercent},
-                  {"feedings", TrMark("Feedings"), CellKind::kCount},
-                  {"days", TrMark("Days"), CellKind::kCount},
-                  {"missedDays", TrMark("Missed days"), CellKind::kCount},
-                  {"recipeChanges", TrMark("Recipe changes"), CellKind::kCount}},
-      .how = TrMark("What each pen was called for and was fed. A missed day is one without a "
-                    "delivery between two days with one.")};
+  AnswerTable table{.columns = {{"pen", "Pen", CellKind::kName},
+                                {"called", "Called", CellKind::kWeight},
+                                {"delivered", "Delivered", CellKind::kWeight},
+                                {"difference", "Difference", CellKind::kWeight},
+                                {"differencePercent", "Difference %", CellKind::kPercent},
+                                {"feedings", "Feedings", CellKind::kCount},
+                                {"days", "Days", CellKind::kCount},
+                                {"missedDays", "Missed days", CellKind::kCount},
+                                {"recipeChanges", "Recipe changes", CellKind::kCount}},
+                    .how =
+                        "What each pen was called for and was fed. A missed day is one without a "
+                        "delivery between two days with one."};
   for (const PenTotal& pen : answer.pens) {
     table.rows.push_back(CellsOf(CellOf(pen.pen), pen));
   }

@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <utility>
 
-#include "base/translation.h"
+#include "base/english_texts.h"
 #include "database/connection.h"
 #include "insight/record_reader.h"
 
@@ -86,13 +86,13 @@ InsightNotes NotesOf(const PageAnswers& answers) {
 std::string TitleOf(const ReportPeriod& period) {
   switch (period.kind) {
     case PeriodKind::kWeek:
-      return Tr("Feeding report, week %1", {TextOf(period)});
+      return FilledIn("Feeding report, week %1", {TextOf(period)});
     case PeriodKind::kMonth:
-      return Tr("Feeding report, month %1", {TextOf(period)});
+      return FilledIn("Feeding report, month %1", {TextOf(period)});
     case PeriodKind::kDay:
       break;
   }
-  return Tr("Feeding report, day %1", {TextOf(period)});
+  return FilledIn("Feeding report, day %1", {TextOf(period)});
 }
 
 std::vector<std::string> FactsOf(const PageQuestion& question, const std::string& units) {
@@ -102,10 +102,10 @@ std::vector<std::string> FactsOf(const PageQuestion& question, const std::string
   }
   if (question.period.kind != PeriodKind::kDay) {
     facts.push_back(
-        Tr("%1 to %2", {StoredText(question.period.from), StoredText(question.period.to)}));
+        FilledIn("%1 to %2", {StoredText(question.period.from), StoredText(question.period.to)}));
   }
-  facts.push_back(Tr("weights in %1", {units}));
-  facts.push_back(Tr("made on %1", {StoredText(question.made)}));
+  facts.push_back(FilledIn("weights in %1", {units}));
+  facts.push_back(FilledIn("made on %1", {StoredText(question.made)}));
   return facts;
 }
 
@@ -128,21 +128,13 @@ PeriodPage ReadPeriodPage(SQLite::Database& database, const PageQuestion& questi
                     .facts = FactsOf(question, notes.units),
                     .notes = SentencesOf(notes)};
     if (!HasRecords(answers)) {
-      page.notes.insert(page.notes.begin(), Tr("The database has no record of this period."));
+      page.notes.insert(page.notes.begin(), "The database has no record of this period.");
       return page;
     }
     page.figures = FiguresOf(answers);
     page.sections = SectionsOf(answers, question.period.kind);
     return page;
   });
-}
-
-std::string PageText(const AnswerColumn& column, const AnswerCell& cell) {
-  const std::string text = ShownText(column, cell);
-  const bool is_word =
-      column.kind == CellKind::kYesNo ||
-      (column.kind == CellKind::kName && std::holds_alternative<std::monostate>(cell));
-  return is_word ? Tr(text) : text;
 }
 
 bool IsNumber(CellKind kind) {
@@ -159,6 +151,7 @@ bool IsNumber(CellKind kind) {
 }
 
 Picture PictureOf(const PageChart& chart, QSizeF size, const Look& look) {
+  const EnglishTexts english;
   return std::visit([&](const auto& one) { return PictureOf(one, size, look); }, chart);
 }
 

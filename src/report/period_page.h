@@ -23,7 +23,7 @@
 namespace vrx {
 
 // The page of a day, a week or a month: what a manager reads of the records, as plain text, as one
-// HTML file and as PDF. Its texts are in the language of the window, English without one.
+// HTML file and as PDF. All of its texts are English, as in every file.
 
 struct PageQuestion {
   ReportPeriod period = {};
@@ -81,8 +81,6 @@ struct PageAnswers {
 [[nodiscard]] PeriodPage ReadPeriodPage(SQLite::Database& database, const PageQuestion& question,
                                         const InsightProgress& progress = {});
 
-// The text of a cell on a page.
-[[nodiscard]] std::string PageText(const AnswerColumn& column, const AnswerCell& cell);
 // Numbers are at the right of their column.
 [[nodiscard]] bool IsNumber(CellKind kind);
 [[nodiscard]] Picture PictureOf(const PageChart& chart, QSizeF size, const Look& look);

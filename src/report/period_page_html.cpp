@@ -3,7 +3,6 @@
 #include <string_view>
 
 #include "base/files.h"
-#include "base/translation.h"
 #include "database/keep_database.h"
 #include "report/period_page.h"
 
@@ -24,6 +23,7 @@ font:1rem/1.45 system-ui,sans-serif;overflow-wrap:break-word}
 h1{font-size:1.6rem;line-height:1.2;margin:0 0 .25rem}
 h2{font-size:1.2rem;line-height:1.3;margin:2rem 0 .25rem;break-after:avoid}
 p{margin:.25rem 0 .5rem}
+h2+p{break-after:avoid}
 .quiet{color:var(--quiet);font-size:.9rem}
 .note{border-left:.25rem solid var(--quiet);padding-left:.75rem}
 .figures{display:grid;grid-template-columns:repeat(auto-fill,minmax(10rem,1fr));gap:.5rem;
@@ -39,7 +39,8 @@ vertical-align:top;white-space:nowrap}
 th{font-weight:600}
 thead th{vertical-align:bottom;border-bottom-color:var(--quiet);white-space:normal}
 .number{text-align:right}
-.wrap{white-space:normal;overflow-wrap:anywhere}
+.wrap{white-space:normal;overflow-wrap:anywhere;min-width:4.5rem}
+tbody th{position:sticky;left:0;background:var(--paper)}
 tfoot th,tfoot td{font-weight:600;border-bottom:0;border-top:1px solid var(--quiet)}
 figure{margin:.75rem 0;break-inside:avoid}
 svg.chart{display:block;max-width:100%;height:auto}
@@ -47,7 +48,7 @@ svg.chart{display:block;max-width:100%;height:auto}
 @media screen and (max-width:40rem){.wide{display:none}.narrow{display:block}}
 @media print{body{max-width:none;padding:0;font-size:10pt}.scroll{overflow:visible}
 table{font-size:8pt}th,td{padding:.1rem .3rem}thead{display:table-header-group}
-tfoot{display:table-row-group}tr{break-inside:avoid}}
+tfoot{display:table-row-group}tfoot tr{break-before:avoid}tr{break-inside:avoid}}
 @page{margin:12mm}
 )";
 
@@ -62,10 +63,10 @@ std::string Element(std::string_view name, const std::string& text, std::string_
 class HtmlPage {
  public:
   std::string Write(const PeriodPage& page) {
-    html_ = "<!DOCTYPE html>\n<html xmlns=\"http://www.w3.org/1999/xhtml\" lang=\"" +
-            Html(Tr("en")) +
-            "\">\n<head>\n<meta charset=\"utf-8\"/>\n"
-            "<meta name=\"viewport\" content=\"width=device-width, initial-scale=1\"/>\n";
+    html_ =
+        "<!DOCTYPE html>\n<html xmlns=\"http://www.w3.org/1999/xhtml\" lang=\"en\">\n<head>\n"
+        "<meta charset=\"utf-8\"/>\n"
+        "<meta name=\"viewport\" content=\"width=device-width, initial-scale=1\"/>\n";
     html_ += Element("title", page.title);
     html_ += "<style>" + std::string(kStyle) + SvgStyle() + "</style>\n</head>\n<body>\n<main>\n";
     WriteHead(page);
@@ -125,8 +126,8 @@ class HtmlPage {
              "\">\n<table>\n<thead>\n<tr>";
     for (const AnswerColumn& column : table.columns) {
       html_ += std::string("<th scope=\"col\"") +
-               (IsNumber(column.kind) ? " class=\"number\">" : ">") + Html(Tr(column.caption)) +
-               "</th>";
+               (IsNumber(column.kind) ? " class=\"number\">" : ">") +
+               Html(std::string(column.caption)) + "</th>";
     }
     html_ += "</tr>\n</thead>\n<tbody>\n";
     for (const std::vector<AnswerCell>& row : table.rows) {
@@ -151,7 +152,7 @@ class HtmlPage {
       html_ += IsNumber(column.kind)            ? " class=\"number\">"
                : column.kind == CellKind::kText ? " class=\"wrap\">"
                                                 : ">";
-      html_ += Html(PageText(column, row[i])) + "</" + tag + '>';
+      html_ += Html(ShownText(column, row[i])) + "</" + tag + '>';
     }
     html_ += "</tr>\n";
   }

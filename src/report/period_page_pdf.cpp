@@ -94,7 +94,7 @@ class SheetTable {
   [[nodiscard]] std::vector<Piece> Pieces() const {
     std::vector<QString> captions;
     for (const AnswerColumn& column : table_.columns) {
-      captions.push_back(Shown(Tr(column.caption)));
+      captions.push_back(Shown(std::string(column.caption)));
     }
     const auto head = std::make_shared<Piece>(RowPiece(captions, true, kQuiet));
     std::vector<Piece> pieces{*head};
@@ -113,13 +113,24 @@ class SheetTable {
   }
 
  private:
-  static constexpr double kPadding = 4;  // at both sides of a cell
-  static constexpr double kRowGap = 2;   // above and below the texts of a row
+  static constexpr double kPadding = 4;   // at both sides of a cell
+  static constexpr double kRowGap = 2;    // above and below the texts of a row
+  static constexpr double kTextGap = 10;  // between numbers at the right and texts at the left
+
+  // What the column has at its left in addition to the padding.
+  [[nodiscard]] double GapBefore(std::size_t column) const {
+    const bool after_number = column > 0 && IsNumber(table_.columns[column - 1].kind);
+    return after_number && !IsNumber(table_.columns[column].kind) ? kTextGap : 0;
+  }
+  // Of the texts.
+  [[nodiscard]] double WidthOf(std::size_t column) const {
+    return widths_[column] - 2 * kPadding - GapBefore(column);
+  }
 
   [[nodiscard]] std::vector<QString> TextsOf(const std::vector<AnswerCell>& row) const {
     std::vector<QString> texts;
     for (std::size_t i = 0; i < row.size(); ++i) {
-      texts.push_back(Shown(PageText(table_.columns.at(i), row[i])));
+      texts.push_back(Shown(ShownText(table_.columns.at(i), row[i])));
     }
     return texts;
   }
@@ -127,7 +138,8 @@ class SheetTable {
   void Widen(const std::vector<AnswerCell>& row, const QFontMetricsF& metrics) {
     const std::vector<QString> texts = TextsOf(row);
     for (std::size_t i = 0; i < texts.size(); ++i) {
-      widths_[i] = std::max(widths_[i], metrics.horizontalAdvance(texts[i]) + 2 * kPadding);
+      widths_[i] =
+          std::max(widths_[i], metrics.horizontalAdvance(texts[i]) + 2 * kPadding + GapBefore(i));
     }
   }
 
@@ -136,10 +148,10 @@ class SheetTable {
     const QFontMetricsF bold(FontOfSheet(kTableLetter, true));
     for (const AnswerColumn& column : table_.columns) {
       double widest = 0;
-      for (const QString& word : Shown(Tr(column.caption)).split(' ')) {
+      for (const QString& word : Shown(std::string(column.caption)).split(' ')) {
         widest = std::max(widest, bold.horizontalAdvance(word));
       }
-      widths_.push_back(widest + 2 * kPadding);
+      widths_.push_back(widest + 2 * kPadding + GapBefore(widths_.size()));
     }
     for (const std::vector<AnswerCell>& row : table_.rows) {
       Widen(row, plain);
@@ -177,7 +189,7 @@ class SheetTable {
     std::vector<QStringList> cells;
     qsizetype most = 1;
     for (std::size_t i = 0; i < texts.size(); ++i) {
-      QStringList lines = LinesOfText(texts[i], font, widths_[i] - 2 * kPadding);
+      QStringList lines = LinesOfText(texts[i], font, WidthOf(i));
       if (lines.size() > kMostLines) {
         lines.resize(kMostLines);
         lines.back() += QChar(0x2026);
@@ -205,7 +217,7 @@ class SheetTable {
     double left = 0;
     for (std::size_t i = 0; i < cells.size(); ++i) {
       const Qt::Alignment side = IsNumber(table_.columns[i].kind) ? Qt::AlignRight : Qt::AlignLeft;
-      QRectF box(left + kPadding, kRowGap, widths_[i] - 2 * kPadding, line);
+      QRectF box(left + kPadding + GapBefore(i), kRowGap, WidthOf(i), line);
       for (const QString& text : cells[i]) {
         DrawWords(painter, box, side, {text, font, kText});
         box.translate(0, line);

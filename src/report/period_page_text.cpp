@@ -2,7 +2,6 @@
 #include <cstddef>
 #include <string_view>
 
-#include "base/translation.h"
 #include "report/period_page.h"
 
 namespace vrx {
@@ -56,7 +55,7 @@ using TextRow = std::vector<std::string>;
 TextRow TextsOf(const AnswerTable& table, const std::vector<AnswerCell>& row) {
   TextRow texts;
   for (std::size_t i = 0; i < row.size(); ++i) {
-    texts.push_back(WithoutControls(PageText(table.columns.at(i), row[i])));
+    texts.push_back(WithoutControls(ShownText(table.columns.at(i), row[i])));
   }
   return texts;
 }
@@ -76,7 +75,7 @@ std::string AlignedLine(const AnswerTable& table, const TextRow& texts,
 std::string TableText(const AnswerTable& table) {
   std::vector<TextRow> rows(1);
   for (const AnswerColumn& column : table.columns) {
-    rows[0].push_back(Tr(column.caption));
+    rows[0].push_back(std::string(column.caption));
   }
   for (const std::vector<AnswerCell>& row : table.rows) {
     rows.push_back(TextsOf(table, row));

@@ -6,8 +6,8 @@
 #include <utility>
 #include <variant>
 
+#include "base/english_texts.h"
 #include "base/number.h"
-#include "base/translation.h"
 #include "report/period_page.h"
 
 namespace vrx {
@@ -48,6 +48,17 @@ AnswerTable Chosen(const AnswerTable& table, Keys keys) {
   return chosen;
 }
 
+// Both tables have a row for the same things in the same order; the second one has no total.
+AnswerTable Joined(AnswerTable table, const AnswerTable& more) {
+  table.columns.insert(table.columns.end(), more.columns.begin(), more.columns.end());
+  for (std::size_t row = 0; row < table.rows.size(); ++row) {
+    const std::vector<AnswerCell>& cells = more.rows.at(row);
+    table.rows[row].insert(table.rows[row].end(), cells.begin(), cells.end());
+  }
+  table.total.resize(table.columns.size());
+  return table;
+}
+
 void AddTable(PageSection& section, AnswerTable table) {
   if (!table.rows.empty()) {
     section.tables.push_back(std::move(table));
@@ -60,8 +71,8 @@ void AddRows(PageSection& section, AnswerTable table, std::size_t all) {
     table.rows.resize(kMostRows);
   }
   if (table.rows.size() < all) {
-    section.sentences.push_back(Tr("These are the first %1 of %2.",
-                                   {std::to_string(table.rows.size()), std::to_string(all)}));
+    section.sentences.push_back(FilledIn("These are the first %1 of %2.",
+                                         {std::to_string(table.rows.size()), std::to_string(all)}));
   }
   AddTable(section, std::move(table));
 }
@@ -72,10 +83,10 @@ std::string WeightText(double weight) {
 
 PageSection Loaded(const PageAnswers& answers) {
   const AnswerTable table = TableOf(answers.by_ingredient, {});
-  PageSection section{.heading = Tr("Loaded by ingredient"), .how = Tr(table.how)};
+  PageSection section{.heading = "Loaded by ingredient", .how = std::string(table.how)};
   WeightChart chart = WeightChartOf(answers.by_ingredient);
   if (!chart.weights.empty()) {
-    chart.texts.title = Tr("Where the weight goes");
+    chart.texts.title = "Where the weight goes";
     section.charts.emplace_back(std::move(chart));
   }
   AddTable(section, Chosen(table, {"key.ingredient", "n", "target", "actual", "net", "netPercent",
@@ -85,29 +96,31 @@ PageSection Loaded(const PageAnswers& answers) {
 
 PageSection CalledAndDelivered(const PageAnswers& answers, PeriodKind kind) {
   const AnswerTable totals = TableOf(TotalsOf(answers.delivered));
-  PageSection section{.heading = Tr("Called and delivered by pen"), .how = Tr(totals.how)};
+  PageSection section{.heading = "Called and delivered by pen", .how = std::string(totals.how)};
   if (kind != PeriodKind::kDay) {
     AddTable(section,
              Chosen(totals, {"pen", "called", "delivered", "difference", "differencePercent",
                              "feedings", "days", "missedDays", "recipeChanges"}));
     return section;
   }
-  AddTable(section, Chosen(totals, {"pen", "called", "delivered", "difference", "differencePercent",
-                                    "feedings"}));
   const AnswerTable day = TableOf(answers.delivered);
-  section.how = Tr(day.how);
-  AddTable(section, Chosen(day, {"pen", "mean7", "recipe", "recipeChanged", "first", "firstShift",
-                                 "missed"}));
+  section.how = std::string(day.how);
+  AddTable(
+      section,
+      Joined(Chosen(totals,
+                    {"pen", "called", "delivered", "difference", "differencePercent", "feedings"}),
+             Chosen(day, {"mean7", "recipe", "recipeChanged", "first", "firstShift", "missed"})));
   return section;
 }
 
 // What the columns of shares count.
 std::string LimitsOf(const AccuracyLimits& limits, const std::string& units) {
   std::string text =
-      Tr("Within limit: less than %1 % from the target. Far off: more than %2 %3 from it.",
-         {DefaultText(limits.percent), WeightText(limits.beyond.weight), units});
+      FilledIn("Within limit: less than %1 % from the target. Far off: more than %2 %3 from it.",
+               {DefaultText(limits.percent), WeightText(limits.beyond.weight), units});
   if (limits.division > 0) {
-    text += ' ' + Tr("A deviation of up to %1 %2, the division of the scale, is within the limit.",
+    text += ' ' +
+            FilledIn("A deviation of up to %1 %2, the division of the scale, is within the limit.",
                      {WeightText(limits.division), units});
   }
   return text;
@@ -115,11 +128,11 @@ std::string LimitsOf(const AccuracyLimits& limits, const std::string& units) {
 
 PageSection AccuracyOfLoading(const PageAnswers& answers, PeriodKind kind) {
   const Accuracy& by_ingredient = answers.by_ingredient;
-  PageSection section{.heading = Tr("Accuracy of loading"),
+  PageSection section{.heading = "Accuracy of loading",
                       .how = LimitsOf(by_ingredient.limits, by_ingredient.notes.units)};
   if (kind != PeriodKind::kDay && !answers.loads.dots.empty()) {
     DeviationChart chart = DeviationChartOf(answers.loads, answers.by_day);
-    chart.texts.title = Tr("Deviation over time");
+    chart.texts.title = "Deviation over time";
     section.charts.emplace_back(std::move(chart));
   }
   AddTable(section, Chosen(TableOf(by_ingredient, {}),
@@ -133,36 +146,36 @@ PageSection AccuracyOfLoading(const PageAnswers& answers, PeriodKind kind) {
 
 PageSection Operators(const PageAnswers& answers) {
   PageSection section{
-      .heading = Tr("Operators"),
-      .how = Tr("Operators are compared within each ingredient; the standardized share is the mean "
-                "over the ingredients that they loaded. Fewer than 20 loads have no share. An "
-                "operator stops short when nearly all loads end below the target.")};
+      .heading = "Operators",
+      .how =
+          "Operators are compared within each ingredient; the standardized share is the mean "
+          "over the ingredients that they loaded. Fewer than 20 loads have no share. An "
+          "operator stops short when nearly all loads end below the target."};
   AddTable(section, Chosen(TableOf(answers.by_operator, {.by = {AccuracyKey::kOperator}}),
                            {"key.operator", "n", "standardized", "below", "median", "marked"}));
   return section;
 }
 
 PageSection NotLoaded(const PageAnswers& answers) {
-  PageSection section{.heading = Tr("Not loaded"),
-                      .how = Tr("Loads with a target of which nothing was loaded.")};
+  PageSection section{.heading = "Not loaded",
+                      .how = "Loads with a target of which nothing was loaded."};
   AddRows(section,
           Chosen(TableOf(answers.loads.not_loaded, false),
                  {"date", "time", "ingredient", "target", "operator", "recipe", "transaction"}),
           static_cast<std::size_t>(answers.loads.not_loaded_count));
   if (answers.loads.not_loaded_count == 0) {
-    section.sentences.push_back(Tr("Every load with a target was loaded."));
+    section.sentences.push_back("Every load with a target was loaded.");
   }
   return section;
 }
 
 PageSection LargestDeviations(const PageAnswers& answers) {
-  PageSection section{.heading = Tr("The five largest deviations"),
-                      .how = Tr("By weight, of all loads.")};
+  PageSection section{.heading = "The five largest deviations", .how = "By weight, of all loads."};
   AddTable(section, Chosen(TableOf(answers.loads.largest, false),
                            {"date", "time", "ingredient", "operator", "target", "actual",
                             "difference", "percent", "recipe", "transaction"}));
   if (section.tables.empty()) {
-    section.sentences.push_back(Tr("No load deviates from its target."));
+    section.sentences.push_back("No load deviates from its target.");
   }
   return section;
 }
@@ -172,10 +185,10 @@ PageSection OutOfBalance(const PageAnswers& answers, PeriodKind kind) {
   std::erase_if(others.lines,
                 [](const BalanceLine& line) { return line.state == BalanceState::kBalanced; });
   const AnswerTable table = TableOf(others);
-  PageSection section{.heading = Tr("Batches out of balance"), .how = Tr(table.how)};
+  PageSection section{.heading = "Batches out of balance", .how = std::string(table.how)};
   if (kind != PeriodKind::kDay && !answers.balance.lines.empty()) {
     BalanceChart chart = BalanceChartOf(answers.balance);
-    chart.texts.title = Tr("What was left of each batch");
+    chart.texts.title = "What was left of each batch";
     section.charts.emplace_back(std::move(chart));
   }
   AddRows(section,
@@ -183,7 +196,7 @@ PageSection OutOfBalance(const PageAnswers& answers, PeriodKind kind) {
                          "leftPercent", "state"}),
           others.lines.size());
   if (others.lines.empty()) {
-    section.sentences.push_back(Tr("No batch is out of balance."));
+    section.sentences.push_back("No batch is out of balance.");
   }
   return section;
 }
@@ -194,28 +207,28 @@ std::string MinutesText(const TimesRange& range) {
 
 PageSection TimesOfBatches(const PageAnswers& answers) {
   const AnswerTable table = TableOf(answers.times, TimesKey::kRecipe);
-  PageSection section{.heading = Tr("Times"), .how = Tr(table.how)};
+  PageSection section{.heading = "Times", .how = std::string(table.how)};
   AddTable(section, Chosen(table, {"key", "batches", "leftOut", "preparing.median",
                                    "waiting.median", "feeding.median"}));
-  section.sentences.push_back(
-      Tr("Medians in minutes. For comparison, the medians of %1: preparing %2, waiting %3, feeding "
-         "%4.",
-         {std::string(kTimesSource), MinutesText(kPreparingOfDairies),
-          MinutesText(kWaitingOfDairies), MinutesText(kFeedingOfDairies)}));
+  section.sentences.push_back(FilledIn(
+      "Medians in minutes. For comparison, the medians of %1: preparing %2, waiting %3, feeding "
+      "%4.",
+      {std::string(kTimesSource), MinutesText(kPreparingOfDairies), MinutesText(kWaitingOfDairies),
+       MinutesText(kFeedingOfDairies)}));
   return section;
 }
 
 // A line for each column of the statement; the period is at the top of the page.
 PageSection StatementOfPeriod(const Statement& statement) {
   const AnswerTable wide = TableOf(statement);
-  PageSection section{.heading = Tr("Statement"), .how = Tr(wide.how)};
+  PageSection section{.heading = "Statement", .how = std::string(wide.how)};
   AnswerTable lines{.columns = {{"what", TrMark("Of the period"), CellKind::kText},
                                 {"value", TrMark("Value"), CellKind::kText}}};
   for (std::size_t i = 0; i < wide.columns.size(); ++i) {
     const AnswerColumn& column = wide.columns[i];
     const std::string text = ShownText(column, wide.rows.at(0).at(i));
     if (column.key != "from" && column.key != "to" && !text.empty()) {
-      lines.rows.push_back({Tr(column.caption), text});
+      lines.rows.push_back({std::string(column.caption), text});
     }
   }
   AddTable(section, std::move(lines));
@@ -227,7 +240,7 @@ std::string StopsShort(const Accuracy& by_operator) {
   std::string text;
   for (const AccuracyGroup& group : by_operator.groups) {
     if (group.figures.marked.value_or(false) && group.figures.median) {
-      text += (text.empty() ? "" : ", ") + group.key.at(0).value_or(Tr("(none)")) + " (" +
+      text += (text.empty() ? "" : ", ") + group.key.at(0).value_or("(none)") + " (" +
               Format(*group.figures.median, "0.0") + " %)";
     }
   }
@@ -244,18 +257,18 @@ std::vector<PageFigure> FiguresOf(const PageAnswers& answers) {
       figures.push_back({caption, WeightText(*value) + ' ' + statement.notes.units});
     }
   };
-  weight(Tr("Loaded"), statement.loaded);
-  weight(Tr("Fed"), statement.fed);
-  figures.push_back({Tr("Batches"), std::to_string(statement.batches)});
-  figures.push_back({Tr("Not loaded"), std::to_string(answers.loads.not_loaded_count)});
+  weight("Loaded", statement.loaded);
+  weight("Fed", statement.fed);
+  figures.push_back({"Batches", std::to_string(statement.batches)});
+  figures.push_back({"Not loaded", std::to_string(answers.loads.not_loaded_count)});
   if (answers.by_ingredient.total.within) {
-    figures.push_back({Tr("Within %1 %", {DefaultText(answers.by_ingredient.limits.percent)}),
+    figures.push_back({FilledIn("Within %1 %", {DefaultText(answers.by_ingredient.limits.percent)}),
                        Format(*answers.by_ingredient.total.within, "0.0") + " %"});
   }
-  figures.push_back({Tr("Batches out of balance"), std::to_string(answers.balance.out)});
-  figures.push_back({Tr("Batches never fed"), std::to_string(answers.balance.never_fed)});
+  figures.push_back({"Batches out of balance", std::to_string(answers.balance.out)});
+  figures.push_back({"Batches never fed", std::to_string(answers.balance.never_fed)});
   if (const std::string text = StopsShort(answers.by_operator); !text.empty()) {
-    figures.push_back({Tr("Operators who stop short"), text});
+    figures.push_back({"Operators who stop short", text});
   }
   return figures;
 }

@@ -2,6 +2,8 @@
 
 #include <gtest/gtest.h>
 
+#include "base/english_texts.h"
+
 namespace vrx::testing {
 namespace {
 
@@ -26,6 +28,18 @@ TEST_F(Translation, AValueIsNoPattern) { EXPECT_EQ(Tr("%1, %2", {"%2", "%1"}), "
 TEST_F(Translation, APercentSignWithoutAValueStays) {
   EXPECT_EQ(Tr("100 % of %1 and %2%", {"a"}), "100 % of a and %2%");
   EXPECT_EQ(Tr("%0 %", {"a"}), "%0 %");
+}
+
+TEST_F(Translation, IsNotUsedForTextsOfFiles) {
+  SetTranslator([](std::string_view) { return std::string("%1 von %2"); });
+  {
+    const EnglishTexts english;
+    EXPECT_EQ(Tr("%1 of %2", {"3", "17"}), "3 of 17");
+    const EnglishTexts inner;
+    EXPECT_EQ(Tr("Open a file"), "Open a file");
+  }
+  EXPECT_EQ(Tr("%1 of %2", {"3", "17"}), "3 von 17");
+  EXPECT_EQ(FilledIn("%1 of %2", {"3", "17"}), "3 of 17");
 }
 
 }  // namespace

@@ -4,6 +4,7 @@
 #include <gmock/gmock.h>
 
 #include "base/files.h"
+#include "base/translation.h"
 #include "database/connection.h"
 #include "database/keep_database.h"
 #include "report/period_page.h"
@@ -98,6 +99,14 @@ TEST_F(HtmlPages, ReplaceCharactersThatXmlDoesNotHave) {
       "CAST(x'FF' AS TEXT) WHERE Ingredient = 'HAY'");
   EXPECT_THAT(HtmlTableBelow(Html(), "Loaded by ingredient").Column("Ingredient"),
               ElementsAre("A\uFFFD\uFFFD\uFFFD\u00DC\uFFFD", "CORN", "Total"));
+}
+
+TEST_F(HtmlPages, AreEnglishInEveryLanguageOfTheWindow) {
+  const std::string english = Html();
+  SetTranslator([](std::string_view text) { return "fremd " + std::string(text); });
+  const std::string html = Html();
+  SetTranslator({});
+  EXPECT_EQ(html, english);
 }
 
 TEST_F(HtmlPages, OfAnEmptyPeriodHaveNoTable) {

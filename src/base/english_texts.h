@@ -1,0 +1,28 @@
+#pragma once
+
+#include <functional>
+#include <initializer_list>
+#include <string>
+#include <string_view>
+
+namespace vrx {
+
+// Texts of files, which are English in every language of the window.
+
+// The pattern with the values in place of %1, %2 and so on, nine at the most.
+[[nodiscard]] std::string FilledIn(std::string_view pattern,
+                                   std::initializer_list<std::string> values);
+
+// While it exists, Tr returns texts as they are.
+class EnglishTexts {
+ public:
+  EnglishTexts();
+  ~EnglishTexts();
+  EnglishTexts(const EnglishTexts&) = delete;
+  EnglishTexts& operator=(const EnglishTexts&) = delete;
+
+ private:
+  std::function<std::string(std::string_view)> translator_;
+};
+
+}  // namespace vrx
