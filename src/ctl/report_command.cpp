@@ -13,23 +13,14 @@
 #include "ctl/insight_command.h"
 #include "ctl/options.h"
 #include "ctl/session.h"
-#include "database/keep_database.h"
 #include "insight/report_period.h"
+#include "presenter/period_report.h"
 #include "presenter/report_failure.h"
 #include "report/period_page.h"
 #include "report/print_target.h"
 
 namespace vrx {
 namespace {
-
-FailureReport PageFailure(const Error& failure) {
-  if (dynamic_cast<const DatabaseInTheWay*>(&failure) != nullptr) {
-    return {.title = "Report Error", .text = FailureText::kMessage, .icon = Icon::kWarning};
-  }
-  return {.title = "Report Error",
-          .text = FailureText::kWords,
-          .words = "The report could not be written."};
-}
 
 class ReportCommand : public Command {
  public:
@@ -97,7 +88,7 @@ class ReportCommand : public Command {
       session.Op().ShowNote(note);
     }
     session.Context().start_drawing();
-    const bool written = RunReported<Error>(session.Op(), PageFailure, [&] {
+    const bool written = RunReported<Error>(session.Op(), PeriodReportFailure, [&] {
       if (!html_.empty()) {
         WriteHtml(page, html_);
       }

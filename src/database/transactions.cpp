@@ -72,6 +72,14 @@ bool HasIndexByRangeAnd(SQLite::Database& database, std::string_view columns) {
 
 }  // namespace
 
+std::optional<Date> LatestDay(SQLite::Database& database) {
+  return WithDatabaseErrors(database, [&] {
+    SQLite::Statement query(database, "SELECT max(Date) FROM Transactions");
+    query.executeStep();
+    return ParseStoredDate(query.getColumn(0).getString());
+  });
+}
+
 std::int32_t HighestTransaction(SQLite::Database& database) {
   return WithDatabaseErrors(database, [&] {
     // Without the condition the maximum could be a text, because texts sort after numbers.

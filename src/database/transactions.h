@@ -38,6 +38,10 @@ struct TransactionRecord {
 // DatabaseError, also for a number outside 32 bits.
 std::int32_t HighestTransaction(SQLite::Database& database);
 
+// The day of the latest record; nothing if no record has a date. One search of an index. Throws
+// DatabaseError.
+[[nodiscard]] std::optional<Date> LatestDay(SQLite::Database& database);
+
 // Inserts rows with one prepared statement, inside the caller's SQLite transaction. The database
 // must outlive it. If Append throws DatabaseError, that row is not stored; more rows may follow.
 class TransactionAppender {

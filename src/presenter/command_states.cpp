@@ -75,6 +75,7 @@ const std::array<CommandStates::Command, CommandStates::kCount>& CommandStates::
       {"mnuEditRecipe", Side::kRecipe},
       {"mnuEditPen", Side::kRecipe},
       {"mnuViewTransactionFile", Side::kTransaction},
+      {"mnuFileReport", Side::kTransaction},
       {"mnuFilePrint"},
       {"mnuFilePrintPreview"},
       {"Print"},

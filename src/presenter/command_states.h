@@ -46,7 +46,7 @@ struct PrintSources {
 // At first everything is enabled. Observers outlive the states and must not change them.
 class CommandStates {
  public:
-  static constexpr std::size_t kCount = 20;
+  static constexpr std::size_t kCount = 21;
   static std::array<std::string_view, kCount> Names();
 
   CommandStates();

@@ -76,6 +76,28 @@ TEST_F(PrintOnDisplay, ShowsThePagesBeforeTheyArePrinted) {
   EXPECT_TRUE(Eventually([&] { return fs::exists(pdf); }));
 }
 
+TEST_F(PrintOnDisplay, WritesTheReportOfAMonth) {
+  const auto shows = [&](const std::string& period) {
+    return WaitFor([&](const Screen& screen) {
+      const Widget* const label = screen.Find("lblReportPeriod");
+      return label != nullptr && label->text == period;
+    });
+  };
+  const fs::path html = folder / "month.html";
+  Keys({"alt+f", "r"});
+  ASSERT_TRUE(WaitForWindow("Report"));
+  Keys({"alt+a", "ctrl+a"});
+  Type("31-Jan-26");
+  ASSERT_TRUE(shows("2026-W05: 2026-01-26 to 2026-02-01"));
+  Keys({"alt+m"});
+  ASSERT_TRUE(shows("2026-01: 2026-01-01 to 2026-01-31"));
+  Keys({"alt+h", "alt+o", "alt+s"});
+  AnswerFileDialog("Save Report as HTML File", html);
+  ASSERT_TRUE(WaitForWindow(kMainTitle));
+  EXPECT_EQ(TextOf("lblResult"), "Report written to month.html");
+  EXPECT_THAT(ReadAll(html), ::testing::HasSubstr("<h1>Feeding report, month 2026-01</h1>"));
+}
+
 // A viewer of the user's own, which notes the file that it is started with.
 class OpenOnDisplay : public PrintOnDisplay {
  protected:

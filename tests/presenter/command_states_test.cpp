@@ -85,8 +85,8 @@ TEST_F(CommandStatesTest, WithTheTransactionDatabaseAloneSaveIsOnForItsItemOnly)
               UnorderedElementsAre("mnuFileClose", "mnuFileCloseTransactionDB", "mnuFileSave",
                                    "mnuFileSaveTransactionDB", "mnuFileSaveAs",
                                    "mnuFileSaveAsTransactionDB", "Save", "Save Transaction",
-                                   "mnuViewTransactionFile", "mnuFilePrint", "mnuFilePrintPreview",
-                                   "Print", "Abbreviate"));
+                                   "mnuViewTransactionFile", "mnuFileReport", "mnuFilePrint",
+                                   "mnuFilePrintPreview", "Print", "Abbreviate"));
   EXPECT_THAT(TabsOn(), ElementsAre(3, 4, 5, 6, 7));
 }
 
@@ -125,7 +125,7 @@ TEST_F(CommandStatesTest, ObserversAreNotifiedOnlyOfChangesAndInOrder) {
               ElementsAre("tab 4 on", "tab 6 on", "tab 7 on", "mnuFileCloseTransactionDB on",
                           "mnuFileSaveTransactionDB on", "mnuFileSaveAsTransactionDB on",
                           "mnuFileClose on", "mnuFileSave on", "Save on", "mnuFileSaveAs on",
-                          "Save Transaction on", "mnuViewTransactionFile on"));
+                          "Save Transaction on", "mnuViewTransactionFile on", "mnuFileReport on"));
 }
 
 TEST_F(CommandStatesTest, EveryObserverIsNotified) {

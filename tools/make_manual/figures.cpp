@@ -309,6 +309,11 @@ QImage PrintPreviewForm(SampleProgram& program) {
       program, [](QWidget& /*form*/) {}, [&] { program.Choose("mnuFilePrintPreview"); });
 }
 
+QImage PeriodReportForm(SampleProgram& program) {
+  return ModalForm(
+      program, [](QWidget& /*form*/) {}, [&] { program.Choose("mnuFileReport"); });
+}
+
 void ShowRecipeByWeight(SampleProgram& program) {
   constexpr int kByWeight = 5;
   program.ShowTab(kTabRecipes);
@@ -456,6 +461,7 @@ constexpr std::array kFigures = std::to_array<Figure>({
     {"setup-insight", &Setup<kLimits>},
     {"print-setup", &PrintSetupForm},
     {"print-preview", &PrintPreviewForm},
+    {"period-report", &PeriodReportForm},
     {"about", &AboutForm},
     {"question", &Question},
     {"repeated", &RepeatedBatches},

@@ -157,6 +157,7 @@ constexpr std::array kCaptions = std::to_array<Caption>({
     {2049, TrMark("percent of what was loaded")},
     {2052, TrMark("The limits of the tab Insight. The figures of other yards are shown with the "
                   "usual values only, because they were made with these.")},
+    {2060, TrMark("&Report...")},
 });
 
 // Nothing if the designed text is not in a row of the table.

@@ -52,6 +52,7 @@ constexpr std::array kMenuRows = std::to_array<MenuRow>({
     {"mnuFilePrintSetup", "1103", "mnuFile", kPrintSetup},
     {"mnuFilePrintPreview", "2000", "mnuFile", kPrintPreview, "Ctrl+Shift+P"},
     {"mnuFilePrint", "1006", "mnuFile", kPrint, "Ctrl+P"},
+    {"mnuFileReport", "2060", "mnuFile", kReport},
     {"mnuFileBar2", kSeparator, "mnuFile"},
     {"mnuFileExit", "1007", "mnuFile", kExit, "Ctrl+Q"},
     {"mnuEdit", "1008"},

@@ -30,6 +30,7 @@ enum class MainCommand {
   kPrintSetup,
   kPrintPreview,
   kPrint,
+  kReport,
   kExit,
   kUndo,
   kRedo,

@@ -71,11 +71,30 @@ PrintCommands::PrintCommands(Services& services, const DatabaseCommands& databas
   window_.SetHandler(MainCommand::kPrint, [this] { PrintCurrentTab(); });
   window_.SetHandler(MainCommand::kPrintPreview, [this] { PreviewCurrentTab(); });
   window_.SetHandler(MainCommand::kPrintSetup, [this] { setup_.Ask(&window_); });
+  window_.SetHandler(MainCommand::kReport, [this] { WriteReport(); });
 }
 
 void PrintCommands::PreviewCurrentTab() {
   if (PrintTab(Output::kPreview)) {
     PrintTab(Output::kPaper);
+  }
+}
+
+void PrintCommands::WriteReport() {
+  const OperationLock::Scope printing = printing_.TryEnter();
+  const BoundDatabase& transactions = databases_.Bound(DatabaseKind::kTransaction);
+  if (!printing || transactions.blank) {
+    return;
+  }
+  const WrittenReport report = AskForReport(services_, transactions.path, &window_);
+  if (report.file.empty()) {
+    return;
+  }
+  ResultPanel& panel = window_.Panels().PicResult();
+  const QString path = ToQString(report.file.string());
+  panel.ShowFile(QTr("Report written to"), path);
+  if (report.opens) {
+    Q_EMIT panel.OpenRequested(path);
   }
 }
 

@@ -31,7 +31,7 @@ struct PrintedPages {
 };
 
 // `mnuFilePrint`, `mnuFilePrintPreview` and `mnuFilePrintSetup`: prints the current tab without a
-// dialog, or shows its pages before. Reports failures.
+// dialog, or shows its pages before. `mnuFileReport` writes the page of a period. Reports failures.
 class PrintCommands {
  public:
   // Sets the handlers of the commands. Everything outlives it.
@@ -40,6 +40,8 @@ class PrintCommands {
 
   void PrintCurrentTab() { PrintTab(Output::kPaper); }
   void PreviewCurrentTab();
+  // Asks for a day, a week or a month and a file.
+  void WriteReport();
 
  private:
   enum class Output { kPaper, kPreview };

@@ -9,11 +9,13 @@
 #include <QString>
 #include <QWidget>
 #include <cstdint>
+#include <filesystem>
 #include <memory>
 #include <string>
 
 #include "base/error.h"
 #include "platform/file_chooser.h"
+#include "presenter/services.h"
 #include "report/print_target.h"
 
 namespace vrx {
@@ -50,6 +52,16 @@ class PrintSetup {
   QString printer_;  // its name; empty: the system's default
   bool pdf_ = false;
 };
+
+// A file that the form Report wrote; no path if the operator left it.
+struct WrittenReport {
+  std::filesystem::path file = {};
+  bool opens = false;  // the operator wants to see it
+};
+
+// Shows the form Report: the page of a day, a week or a month of a transaction database as a file.
+[[nodiscard]] WrittenReport AskForReport(Services& services,
+                                         const std::filesystem::path& transactions, QWidget* owner);
 
 // The modal progress dialog of a long report, with a button that ends it.
 class PrintProgress : public QDialog {

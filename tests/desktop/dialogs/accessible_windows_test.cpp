@@ -185,14 +185,16 @@ TEST_F(AccessibleWindows, TheBoxesOfRecipesNameEveryControl) {
   Window().ChooseTab(kTabIngredients);
   RunEvents();
   EXPECT_THAT(NamelessInWindowOf(u"mnuFilePrintPreview"_qs, u"dlgPrintPreview"_qs), IsEmpty());
+  EXPECT_THAT(NamelessInWindowOf(u"mnuFileReport"_qs, u"dlgPeriodReport"_qs), IsEmpty());
 }
 
 TEST_F(AccessibleWindows, FitTheScreenWithLettersOfTwiceTheirSize) {
   ChooseLargeLetters();
   Window().ChooseTab(kTabRecipes);
   RunEvents();
-  for (const QString& command : {u"mnuToolsSetup"_qs, u"mnuHelpAbout"_qs, u"mnuFilePrintSetup"_qs,
-                                 u"mnuEditCopyRecipe"_qs, u"mnuEditCompareRecipes"_qs}) {
+  for (const QString& command :
+       {u"mnuToolsSetup"_qs, u"mnuHelpAbout"_qs, u"mnuFilePrintSetup"_qs, u"mnuEditCopyRecipe"_qs,
+        u"mnuEditCompareRecipes"_qs, u"mnuFileReport"_qs}) {
     EXPECT_THAT(CutOffInWindowOf(command), IsEmpty()) << command.toStdString();
   }
   Window().ChooseTab(kTabIngredients);

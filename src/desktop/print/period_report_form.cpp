@@ -1,0 +1,232 @@
+#include <QButtonGroup>
+#include <QCheckBox>
+#include <QDialog>
+#include <QGridLayout>
+#include <QHBoxLayout>
+#include <QLabel>
+#include <QProgressBar>
+#include <QPushButton>
+#include <QRadioButton>
+#include <QToolButton>
+#include <QVBoxLayout>
+#include <array>
+#include <cstddef>
+#include <string_view>
+#include <utility>
+#include <vector>
+
+#include "base/files.h"
+#include "desktop/print/print_dialogs.h"
+#include "presenter/period_report.h"
+#include "report/period_page.h"
+#include "widgets/calendar_popup.h"
+#include "widgets/fields.h"
+#include "widgets/labels.h"
+#include "widgets/layout.h"
+#include "widgets/qt_text.h"
+
+namespace vrx {
+namespace {
+
+template <typename Value>
+struct Choice {
+  Value value;
+  const char* name;
+  std::string_view caption;
+};
+
+constexpr std::array<Choice<PeriodKind>, 3> kPeriodChoices{{
+    {PeriodKind::kDay, "optReportDay", TrMark("&Day")},
+    {PeriodKind::kWeek, "optReportWeek", TrMark("&Week")},
+    {PeriodKind::kMonth, "optReportMonth", TrMark("&Month")},
+}};
+constexpr std::array<Choice<PageFormat>, 2> kFormatChoices{{
+    {PageFormat::kPdf, "optReportPdf", TrMark("&PDF, for the printer")},
+    {PageFormat::kHtml, "optReportHtml", TrMark("&HTML, for a browser or a telephone")},
+}};
+
+void WritePage(const Services& services, const std::filesystem::path& transactions,
+               SQLite::Database& database, const ReportPeriod& period, PageFormat format,
+               const std::filesystem::path& file, const InsightProgress& progress) {
+  const PeriodPage page = ReadPeriodPage(
+      database,
+      {.period = period, .database = FileTitle(transactions), .made = services.calendar.Today()},
+      progress);
+  const BusyCursor busy(services.op);
+  if (format == PageFormat::kHtml) {
+    WriteHtml(page, file);
+  } else {
+    PrintPeriodPage(page, *MakePdfFile(file, page.title));
+  }
+}
+
+class PeriodReportDialog : public QDialog, private PeriodReportView {
+ public:
+  PeriodReportDialog(Services& services, const std::filesystem::path& transactions, QWidget* owner);
+
+  [[nodiscard]] const WrittenReport& Written() const { return written_; }
+
+  // Ends the page that is being made; closes the form if there is none.
+  void reject() override;
+
+ private:
+  void ReportChanged() override;
+  void ReportWritten(const std::filesystem::path& file) override;
+
+  template <typename Value, std::size_t count, typename Chosen>
+  QLayout* AddChoices(const std::array<Choice<Value>, count>& choices, Value first, QBoxLayout* row,
+                      const Chosen& chosen);
+  void LayOut();
+  void Write();
+
+  Services& services_;
+  PeriodReport report_;
+  WrittenReport written_;
+  DayEdit* day_;
+  QLabel* period_;
+  QCheckBox* opens_;
+  QProgressBar* progress_;
+  QPushButton* write_;
+  QPushButton* cancel_;
+  QWidget* choices_;  // all but the buttons and the bar
+  std::vector<QWidget*> tab_order_;
+};
+
+PeriodReportDialog::PeriodReportDialog(Services& services,
+                                       const std::filesystem::path& transactions, QWidget* owner)
+    : QDialog(owner),
+      services_(services),
+      report_(
+          services, transactions,
+          [&services, transactions](auto&&... rest) {
+            WritePage(services, transactions, std::forward<decltype(rest)>(rest)...);
+          },
+          *this),
+      day_(new DayEdit("txtReportDay", QTr("Any day of the period"), services.calendar, this)),
+      period_(new QLabel(this)),
+      opens_(new QCheckBox(QTr("&Open the file afterwards"), this)),
+      progress_(new QProgressBar(this)),
+      write_(new QPushButton(QTr("&Save..."), this)),
+      cancel_(new QPushButton(QTr("Cancel"), this)),
+      choices_(new QWidget(this)) {
+  setObjectName(QStringLiteral("dlgPeriodReport"));
+  setWindowTitle(QTr("Report"));
+  period_->setObjectName(QStringLiteral("lblReportPeriod"));
+  period_->setAccessibleName(QTr("Period of the report"));
+  opens_->setObjectName(QStringLiteral("chkReportOpen"));
+  progress_->setObjectName(QStringLiteral("prgReport"));
+  progress_->setAccessibleName(QTr("Progress of the report"));
+  write_->setObjectName(QStringLiteral("cmdReportSave"));
+  cancel_->setObjectName(QStringLiteral("cmdReportCancel"));
+  write_->setDefault(true);
+  cancel_->setAutoDefault(false);
+  KeepPlace(*progress_);
+  LayOut();
+  day_->ShowText(ToQString(report_.Form().day));
+  opens_->setChecked(report_.Form().opens);
+  connect(&day_->Field(), &QLineEdit::textChanged, this,
+          [this](const QString& text) { report_.TypeDay(text.toStdString()); });
+  connect(opens_, &QCheckBox::toggled, this, [this](bool on) { report_.TurnOpens(on); });
+  connect(write_, &QPushButton::clicked, this, &PeriodReportDialog::Write);
+  connect(cancel_, &QPushButton::clicked, this, &PeriodReportDialog::reject);
+  ReportChanged();
+  for (std::size_t i = 1; i < tab_order_.size(); ++i) {
+    setTabOrder(tab_order_[i - 1], tab_order_[i]);
+  }
+  day_->setFocus();
+}
+
+template <typename Value, std::size_t count, typename Chosen>
+QLayout* PeriodReportDialog::AddChoices(const std::array<Choice<Value>, count>& choices,
+                                        Value first, QBoxLayout* row, const Chosen& chosen) {
+  auto* const group = new QButtonGroup(this);
+  row->setSpacing(row->direction() == QBoxLayout::LeftToRight ? kGroupSpacing : kSpacing / 2);
+  for (const Choice<Value>& choice : choices) {
+    auto* const button = new QRadioButton(QTr(choice.caption), choices_);
+    button->setObjectName(QString::fromLatin1(choice.name));
+    button->setChecked(choice.value == first);
+    connect(button, &QRadioButton::clicked, this,
+            [chosen, value = choice.value] { chosen(value); });
+    group->addButton(button);
+    tab_order_.push_back(button);
+    row->addWidget(button);
+  }
+  row->addStretch();
+  return row;
+}
+
+void PeriodReportDialog::LayOut() {
+  auto* const grid = new QGridLayout(choices_);
+  grid->setContentsMargins({});
+  grid->setHorizontalSpacing(kGroupSpacing);
+  grid->setVerticalSpacing(kSpacing);
+  grid->addWidget(new QLabel(QTr("Period"), this), 0, 0);
+  grid->addLayout(AddChoices(kPeriodChoices, report_.Form().kind, new QHBoxLayout,
+                             [this](PeriodKind kind) { report_.ChooseKind(kind); }),
+                  0, 1);
+  auto* const caption = new QLabel(QTr("&Any day of it"), this);
+  caption->setBuddy(&day_->Field());
+  tab_order_.push_back(&day_->Field());
+  tab_order_.push_back(day_->findChild<QToolButton*>());
+  grid->addWidget(caption, 1, 0);
+  grid->addWidget(day_, 1, 1, Qt::AlignLeft);
+  grid->addWidget(period_, 2, 1);
+  grid->setRowMinimumHeight(3, kSpacing);
+  grid->addWidget(new QLabel(QTr("File"), this), 4, 0, Qt::AlignTop);
+  grid->addLayout(AddChoices(kFormatChoices, report_.Form().format, new QVBoxLayout,
+                             [this](PageFormat format) { report_.ChooseFormat(format); }),
+                  4, 1);
+  grid->addWidget(opens_, 5, 1);
+  tab_order_.insert(tab_order_.end(), {opens_, write_, cancel_});
+  auto* const buttons = new QHBoxLayout;
+  buttons->setSpacing(kSpacing);
+  buttons->addWidget(progress_, 1);
+  buttons->addWidget(write_);
+  buttons->addWidget(cancel_);
+  auto* const column = new QVBoxLayout(this);
+  column->setContentsMargins(kGroupSpacing, kGroupSpacing, kGroupSpacing, kGroupSpacing);
+  column->setSpacing(kGroupSpacing);
+  column->addWidget(choices_);
+  column->addLayout(buttons);
+  column->setSizeConstraint(QLayout::SetFixedSize);
+}
+
+void PeriodReportDialog::ReportChanged() {
+  const PeriodReportForm& form = report_.Form();
+  period_->setText(ToQString(form.period));
+  choices_->setEnabled(!form.running);
+  write_->setEnabled(form.may_write && !form.running);
+  progress_->setVisible(form.running);
+  progress_->setValue(form.percent);
+}
+
+void PeriodReportDialog::ReportWritten(const std::filesystem::path& file) {
+  written_ = {.file = file, .opens = report_.Form().opens};
+}
+
+void PeriodReportDialog::Write() {
+  report_.ClickWrite();
+  if (!written_.file.empty()) {
+    accept();
+  } else if (services_.pump.Closing()) {
+    QDialog::reject();
+  } else {
+    write_->setFocus();
+  }
+}
+
+void PeriodReportDialog::reject() {
+  if (!report_.ClickCancel()) {
+    QDialog::reject();
+  }
+}
+
+}  // namespace
+
+WrittenReport AskForReport(Services& services, const std::filesystem::path& transactions,
+                           QWidget* owner) {
+  PeriodReportDialog dialog(services, transactions, owner);
+  return dialog.exec() == QDialog::Accepted ? dialog.Written() : WrittenReport();
+}
+
+}  // namespace vrx
