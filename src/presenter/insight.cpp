@@ -36,19 +36,6 @@ std::optional<std::string>& NameOf(Question& question, NameKind kind) {
   return question.recipe;
 }
 
-InsightLimits LimitsOf(const PrivateINI& settings) {
-  using enum PrivateINI::InsightLimit;
-  const auto weight = [&](PrivateINI::InsightLimit limit) {
-    return WeightLimit{settings.Limit(limit), WeightUnit::kKilograms};
-  };
-  return {.percent = settings.Limit(kPercent),
-          .weight = weight(kWeight),
-          .beyond = weight(kBeyond),
-          .division = settings.Limit(kDivision),
-          .balance_percent = settings.Limit(kBalancePercent),
-          .balance_weight = weight(kBalanceWeight)};
-}
-
 std::optional<std::string> ChosenName(const NameFilter& filter) {
   return filter.index == 0
              ? std::nullopt

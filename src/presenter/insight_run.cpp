@@ -188,6 +188,19 @@ int StopIfCancelled(void* cancelled) {
 
 }  // namespace
 
+InsightLimits LimitsOf(const PrivateINI& settings) {
+  using enum PrivateINI::InsightLimit;
+  const auto weight = [&](PrivateINI::InsightLimit limit) {
+    return WeightLimit{settings.Limit(limit), WeightUnit::kKilograms};
+  };
+  return {.percent = settings.Limit(kPercent),
+          .weight = weight(kWeight),
+          .beyond = weight(kBeyond),
+          .division = settings.Limit(kDivision),
+          .balance_percent = settings.Limit(kBalancePercent),
+          .balance_weight = weight(kBalanceWeight)};
+}
+
 InsightAnswer AnswerInsight(SQLite::Database& database, const InsightAsked& asked,
                             const InsightProgress& progress) {
   InsightAnswer answer{.asked = asked};

@@ -24,6 +24,7 @@
 #include "insight/tables.h"
 #include "insight/use.h"
 #include "insight/weight_limit.h"
+#include "settings/settings.h"
 
 namespace vrx {
 
@@ -104,6 +105,7 @@ struct InsightLimits {
 
   bool operator==(const InsightLimits&) const = default;
 };
+[[nodiscard]] InsightLimits LimitsOf(const PrivateINI& settings);
 
 struct InsightAsked {
   InsightTopic topic = InsightTopic::kLoading;

@@ -7,16 +7,15 @@
 #include <QProgressBar>
 #include <QPushButton>
 #include <QRadioButton>
-#include <QToolButton>
 #include <QVBoxLayout>
 #include <array>
 #include <cstddef>
 #include <string_view>
 #include <utility>
-#include <vector>
 
 #include "base/files.h"
 #include "desktop/print/print_dialogs.h"
+#include "presenter/insight_run.h"
 #include "presenter/period_report.h"
 #include "report/period_page.h"
 #include "widgets/calendar_popup.h"
@@ -48,10 +47,18 @@ constexpr std::array<Choice<PageFormat>, 2> kFormatChoices{{
 void WritePage(const Services& services, const std::filesystem::path& transactions,
                SQLite::Database& database, const ReportPeriod& period, PageFormat format,
                const std::filesystem::path& file, const InsightProgress& progress) {
-  const PeriodPage page = ReadPeriodPage(
-      database,
-      {.period = period, .database = FileTitle(transactions), .made = services.calendar.Today()},
-      progress);
+  const InsightLimits limits = LimitsOf(services.settings);
+  const PeriodPage page = ReadPeriodPage(database,
+                                         {.period = period,
+                                          .database = FileTitle(transactions),
+                                          .made = services.calendar.Today(),
+                                          .limits = {.percent = limits.percent,
+                                                     .weight = limits.weight,
+                                                     .beyond = limits.beyond,
+                                                     .division = limits.division},
+                                          .balance_percent = limits.balance_percent,
+                                          .balance_weight = limits.balance_weight},
+                                         progress);
   const BusyCursor busy(services.op);
   if (format == PageFormat::kHtml) {
     WriteHtml(page, file);
@@ -77,19 +84,20 @@ class PeriodReportDialog : public QDialog, private PeriodReportView {
   QLayout* AddChoices(const std::array<Choice<Value>, count>& choices, Value first, QBoxLayout* row,
                       const Chosen& chosen);
   void LayOut();
+  void AddPeriodAndFile();
+  QLayout* AddButtons();
   void Write();
 
   Services& services_;
   PeriodReport report_;
   WrittenReport written_;
-  DayEdit* day_;
-  QLabel* period_;
-  QCheckBox* opens_;
-  QProgressBar* progress_;
-  QPushButton* write_;
-  QPushButton* cancel_;
+  DayEdit* day_ = nullptr;
+  QLabel* period_ = nullptr;
+  QCheckBox* opens_ = nullptr;
+  QProgressBar* progress_ = nullptr;
+  QPushButton* write_ = nullptr;
+  QPushButton* cancel_ = nullptr;
   QWidget* choices_;  // all but the buttons and the bar
-  std::vector<QWidget*> tab_order_;
 };
 
 PeriodReportDialog::PeriodReportDialog(Services& services,
@@ -102,25 +110,9 @@ PeriodReportDialog::PeriodReportDialog(Services& services,
             WritePage(services, transactions, std::forward<decltype(rest)>(rest)...);
           },
           *this),
-      day_(new DayEdit("txtReportDay", QTr("Any day of the period"), services.calendar, this)),
-      period_(new QLabel(this)),
-      opens_(new QCheckBox(QTr("&Open the file afterwards"), this)),
-      progress_(new QProgressBar(this)),
-      write_(new QPushButton(QTr("&Save..."), this)),
-      cancel_(new QPushButton(QTr("Cancel"), this)),
       choices_(new QWidget(this)) {
   setObjectName(QStringLiteral("dlgPeriodReport"));
   setWindowTitle(QTr("Report"));
-  period_->setObjectName(QStringLiteral("lblReportPeriod"));
-  period_->setAccessibleName(QTr("Period of the report"));
-  opens_->setObjectName(QStringLiteral("chkReportOpen"));
-  progress_->setObjectName(QStringLiteral("prgReport"));
-  progress_->setAccessibleName(QTr("Progress of the report"));
-  write_->setObjectName(QStringLiteral("cmdReportSave"));
-  cancel_->setObjectName(QStringLiteral("cmdReportCancel"));
-  write_->setDefault(true);
-  cancel_->setAutoDefault(false);
-  KeepPlace(*progress_);
   LayOut();
   day_->ShowText(ToQString(report_.Form().day));
   opens_->setChecked(report_.Form().opens);
@@ -130,9 +122,6 @@ PeriodReportDialog::PeriodReportDialog(Services& services,
   connect(write_, &QPushButton::clicked, this, &PeriodReportDialog::Write);
   connect(cancel_, &QPushButton::clicked, this, &PeriodReportDialog::reject);
   ReportChanged();
-  for (std::size_t i = 1; i < tab_order_.size(); ++i) {
-    setTabOrder(tab_order_[i - 1], tab_order_[i]);
-  }
   day_->setFocus();
 }
 
@@ -148,47 +137,68 @@ QLayout* PeriodReportDialog::AddChoices(const std::array<Choice<Value>, count>& 
     connect(button, &QRadioButton::clicked, this,
             [chosen, value = choice.value] { chosen(value); });
     group->addButton(button);
-    tab_order_.push_back(button);
     row->addWidget(button);
   }
   row->addStretch();
   return row;
 }
 
+// Tab goes through the controls in the order in which they are made.
 void PeriodReportDialog::LayOut() {
+  auto* const column = new QVBoxLayout(this);
+  column->setContentsMargins(kGroupSpacing, kGroupSpacing, kGroupSpacing, kGroupSpacing);
+  column->setSpacing(kGroupSpacing);
+  AddPeriodAndFile();
+  column->addWidget(choices_);
+  column->addLayout(AddButtons());
+  column->setSizeConstraint(QLayout::SetFixedSize);
+}
+
+void PeriodReportDialog::AddPeriodAndFile() {
   auto* const grid = new QGridLayout(choices_);
   grid->setContentsMargins({});
   grid->setHorizontalSpacing(kGroupSpacing);
   grid->setVerticalSpacing(kSpacing);
-  grid->addWidget(new QLabel(QTr("Period"), this), 0, 0);
+  grid->addWidget(new QLabel(QTr("Period"), choices_), 0, 0);
   grid->addLayout(AddChoices(kPeriodChoices, report_.Form().kind, new QHBoxLayout,
                              [this](PeriodKind kind) { report_.ChooseKind(kind); }),
                   0, 1);
-  auto* const caption = new QLabel(QTr("&Any day of it"), this);
+  day_ = new DayEdit("txtReportDay", QTr("Any day of the period"), services_.calendar, choices_);
+  auto* const caption = new QLabel(QTr("&Any day of it"), choices_);
   caption->setBuddy(&day_->Field());
-  tab_order_.push_back(&day_->Field());
-  tab_order_.push_back(day_->findChild<QToolButton*>());
+  period_ = new QLabel(choices_);
+  period_->setObjectName(QStringLiteral("lblReportPeriod"));
+  period_->setAccessibleName(QTr("Period of the report"));
   grid->addWidget(caption, 1, 0);
   grid->addWidget(day_, 1, 1, Qt::AlignLeft);
   grid->addWidget(period_, 2, 1);
   grid->setRowMinimumHeight(3, kSpacing);
-  grid->addWidget(new QLabel(QTr("File"), this), 4, 0, Qt::AlignTop);
+  grid->addWidget(new QLabel(QTr("File"), choices_), 4, 0, Qt::AlignTop);
   grid->addLayout(AddChoices(kFormatChoices, report_.Form().format, new QVBoxLayout,
                              [this](PageFormat format) { report_.ChooseFormat(format); }),
                   4, 1);
+  opens_ = new QCheckBox(QTr("&Open the file afterwards"), choices_);
+  opens_->setObjectName(QStringLiteral("chkReportOpen"));
   grid->addWidget(opens_, 5, 1);
-  tab_order_.insert(tab_order_.end(), {opens_, write_, cancel_});
+}
+
+QLayout* PeriodReportDialog::AddButtons() {
+  progress_ = new QProgressBar(this);
+  progress_->setObjectName(QStringLiteral("prgReport"));
+  progress_->setAccessibleName(QTr("Progress of the report"));
+  KeepPlace(*progress_);
+  write_ = new QPushButton(QTr("&Save..."), this);
+  write_->setObjectName(QStringLiteral("cmdReportSave"));
+  write_->setDefault(true);
+  cancel_ = new QPushButton(QTr("Cancel"), this);
+  cancel_->setObjectName(QStringLiteral("cmdReportCancel"));
+  cancel_->setAutoDefault(false);
   auto* const buttons = new QHBoxLayout;
   buttons->setSpacing(kSpacing);
   buttons->addWidget(progress_, 1);
   buttons->addWidget(write_);
   buttons->addWidget(cancel_);
-  auto* const column = new QVBoxLayout(this);
-  column->setContentsMargins(kGroupSpacing, kGroupSpacing, kGroupSpacing, kGroupSpacing);
-  column->setSpacing(kGroupSpacing);
-  column->addWidget(choices_);
-  column->addLayout(buttons);
-  column->setSizeConstraint(QLayout::SetFixedSize);
+  return buttons;
 }
 
 void PeriodReportDialog::ReportChanged() {
