@@ -48,24 +48,6 @@ class InsightOnDisplay : public OnDisplay {
   }
 };
 
-TEST_F(InsightOnDisplay, IsAskedByKeysAndARowLeadsToItsRecordsAndBack) {
-  GoTo("lstInsight", "Tab");
-  Keys({"End"});
-  ASSERT_TRUE(WaitForTable("Cost"));
-  GoTo("grdInsight", "Tab");
-  Keys({"Return"});
-  ASSERT_TRUE(WaitFor([](const Screen& screen) {
-    return screen.Find("cmdBackToInsight") != nullptr && screen.Find("grdTRANS") != nullptr &&
-           screen.Focus() != nullptr && screen.Focus()->name == "grdTRANS";
-  }));
-  EXPECT_EQ(TextOf("lstGroupBy"), "Ingredients (all)");
-  Keys({"alt+Left"});
-  ASSERT_TRUE(WaitForTable("Cost"));
-  EXPECT_TRUE(WaitFor([](const Screen& screen) {
-    return screen.Focus() != nullptr && screen.Focus()->name == "grdInsight";
-  }));
-}
-
 TEST_F(InsightOnDisplay, SavesThePictureOfTheQuestion) {
   const fs::path picture = folder / "LOADING.SVG";
   GoTo("cmdInsightSave", "shift+Tab");

@@ -240,6 +240,9 @@ QImage Insight(SampleProgram& program, int question, const char* list = nullptr,
   }
   const InsightPresenter& presenter = program.Find<InsightPage>("pageInsight").Presenter();
   program.WaitUntil([&] { return presenter.IsAnswered(); });
+  // The lists and the splitter take their places in a few rounds of events.
+  int rounds = 0;
+  program.WaitUntil([&] { return ++rounds > 5; });
   return WholeWindow(program);
 }
 
