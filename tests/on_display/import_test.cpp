@@ -72,8 +72,8 @@ TEST_F(ImportOnDisplay, TheTabKeyWalksFromImportToStore) {
       const Widget* const control = screen.Find(name);
       return control != nullptr && control->focus;
     };
-    // From Store, which an import gives the focus, the strip comes first.
-    Keys(name == "cmdImportFile" ? std::vector<std::string>{"Tab", "Tab"}
+    // From Store, which an import gives the focus, Undo and the strip come first.
+    Keys(name == "cmdImportFile" ? std::vector<std::string>{"Tab", "Tab", "Tab"}
                                  : std::vector<std::string>{"Tab"});
     EXPECT_TRUE(WaitFor(has_focus)) << name;
   }

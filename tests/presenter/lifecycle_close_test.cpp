@@ -51,7 +51,7 @@ TEST_F(CloseTransactionDatabase, MovesTheViewsToTheBlankTemplateInOrder) {
               ElementsAre("bind transaction QXNULXDB.MDB", "panel transaction 2 []",
                           "panel transaction 4 []", "panel transaction 6 []",
                           "panel transaction 8 []", "unit transaction []", "tab 4 off", "tab 6 off",
-                          "transaction commands off", "show tab 3", "click tab 3"));
+                          "tab 7 off", "transaction commands off", "show tab 3", "click tab 3"));
   EXPECT_EQ(databases_.Transaction().name, "");
   EXPECT_EQ(databases_.Recipe().name, "YARD.RDB");
 }

@@ -51,8 +51,8 @@ TEST_F(NewTransactionDatabase, RunsItsStepsInOrder) {
                                   "panel transaction 8 []", "bind transaction y2026.tdb",
                                   "unit transaction [KG]", "panel transaction 2 [Y2026.TDB]",
                                   "panel transaction 6 [1/5/2026]", "panel transaction 4 [KG]",
-                                  "tab 4 on", "tab 6 on", "transaction commands on", "show tab 4",
-                                  "click tab 4", "ready"));
+                                  "tab 4 on", "tab 6 on", "tab 7 on", "transaction commands on",
+                                  "show tab 4", "click tab 4", "ready"));
   EXPECT_EQ(databases_.Transaction().path, path);
   EXPECT_EQ(databases_.Transaction().name, "Y2026.TDB");
   EXPECT_EQ(databases_.Transaction().unit, "KG");

@@ -19,7 +19,7 @@ constexpr int kPictureCaption = 2031;
 constexpr int kDaysCaption = 2036;
 constexpr int kAsOfCaption = 2037;
 constexpr int kNamesInView = 20;
-constexpr int kNameLetters = 8;
+constexpr int kNameLetters = 3;
 constexpr std::size_t kDayDigits = 4;
 
 struct NameField {
