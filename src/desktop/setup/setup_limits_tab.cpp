@@ -36,7 +36,7 @@ constexpr std::array<LimitField, PrivateINI::kInsightLimits> kFields{{
     {"txtLimitWeight", 2041, kKilogramUnit, TrMark("A load within this weight is close")},
     {"txtLimitBeyond", 2042, kKilogramUnit, TrMark("A load beyond this weight is far off")},
     {"txtLimitDivision", 2043, kDatabaseUnit,
-     TrMark("The smallest step of the scale: a difference up to it is none")},
+     TrMark("The smallest step of the scale: a difference up to it does not count")},
     {"txtLimitBalancePercent", 2044, kOfLoadUnit,
      TrMark("A batch is out of balance beyond this percentage and the weight below")},
     {"txtLimitBalanceWeight", 2045, kKilogramUnit,
