@@ -126,5 +126,9 @@ struct Composition {
 // Of whole batches. Throws QuestionError, QuestionCancelled and DatabaseError.
 [[nodiscard]] Composition ReadComposition(SQLite::Database& database, const Question& question,
                                           const InsightProgress& progress = {});
+// The same with each line passed to `take`.
+InsightNotes StreamComposition(SQLite::Database& database, const Question& question,
+                               const TakeLine<CompositionLine>& take,
+                               const InsightProgress& progress = {});
 
 }  // namespace vrx

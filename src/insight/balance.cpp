@@ -4,8 +4,8 @@
 #include <map>
 #include <utility>
 
-#include "database/connection.h"
 #include "insight/accuracy_figures.h"
+#include "insight/batch_parts.h"
 #include "insight/batch_weights.h"
 #include "insight/batches.h"
 #include "insight/deviations.h"
@@ -50,6 +50,73 @@ std::vector<BalanceDay> DaysOf(const std::map<DayNumber, BatchWeights>& weights)
   return days;
 }
 
+// The batches of a question, part by part.
+class BalanceReader {
+ public:
+  BalanceReader(const BalanceQuestion& question, const TakeLine<BalanceLine>& take)
+      : question_(question), take_(take) {}
+
+  Balance Read(SQLite::Database& database, const InsightProgress& progress) {
+    answer_.notes =
+        BatchParts(database, question_.about, progress).Read([this](RecordReader& reader) {
+          TakePart(reader);
+        });
+    answer_.days = DaysOf(days_);
+    return std::move(answer_);
+  }
+
+ private:
+  void TakePart(RecordReader& reader) {
+    const BalanceTests tests(question_, reader.Unit());
+    std::vector<BatchWeights> weights;
+    reader.Read(
+        kReadBoth | kReadBatch | kReadRecipe | kReadOperator | kReadWeights | kReadDate | kReadTime,
+        [&](const Record& record) {
+          weights.resize(reader.Batches().size());
+          weights[record.batch].Add(record);
+        });
+    for (const std::uint32_t index : reader.BatchesInOrder()) {
+      const Batch& batch = reader.Batches()[index];
+      const BalanceState state = tests.StateOf(batch, weights[index]);
+      CountState(answer_, state);
+      if (batch.day != kNoDay) {
+        days_[batch.day].loaded += weights[index].loaded;
+        days_[batch.day].fed += weights[index].fed;
+      }
+      if (state != BalanceState::kBalanced || question_.all) {
+        take_(LineOf(reader, batch, weights[index], tests, state));
+      }
+    }
+  }
+
+  static BalanceLine LineOf(const RecordReader& reader, const Batch& batch,
+                            const BatchWeights& weights, const BalanceTests& tests,
+                            BalanceState state) {
+    const auto& [loaded, fed, seconds, rows] = weights;
+    BalanceLine line{.transaction = batch.number,
+                     .date = ToDate(batch.day),
+                     .recipe = reader.NamesOf(NameKind::kRecipe).Name(batch.recipe),
+                     .operator_id = reader.NamesOf(NameKind::kOperator).Name(batch.operator_id),
+                     .left = (loaded - fed).ToDouble(),
+                     .left_percent = PercentIfPositive(loaded - fed, loaded),
+                     .state = state,
+                     .time = ToTime(seconds),
+                     .limit = tests.LimitOf(weights)};
+    if (batch.has_load) {
+      line.loaded = loaded.ToDouble();
+    }
+    if (batch.has_delivery) {
+      line.fed = fed.ToDouble();
+    }
+    return line;
+  }
+
+  const BalanceQuestion& question_;
+  const TakeLine<BalanceLine>& take_;
+  Balance answer_;
+  std::map<DayNumber, BatchWeights> days_;
+};
+
 }  // namespace
 
 std::string_view TextOf(BalanceState state) {
@@ -66,53 +133,19 @@ std::string_view TextOf(BalanceState state) {
   return "balanced";
 }
 
+Balance StreamBalance(SQLite::Database& database, const BalanceQuestion& question,
+                      const TakeLine<BalanceLine>& take, const InsightProgress& progress) {
+  BalanceReader reader(question, take);
+  return reader.Read(database, progress);
+}
+
 Balance ReadBalance(SQLite::Database& database, const BalanceQuestion& question,
                     const InsightProgress& progress) {
-  return WithDatabaseErrors(database, [&] {
-    RecordReader reader(database, question.about, progress);
-    const BalanceTests tests(question, reader.Unit());
-    std::vector<BatchWeights> weights;
-    reader.Read(
-        kReadBoth | kReadBatch | kReadRecipe | kReadOperator | kReadWeights | kReadDate | kReadTime,
-        [&](const Record& record) {
-          weights.resize(reader.Batches().size());
-          weights[record.batch].Add(record);
-        });
-    Balance answer;
-    std::map<DayNumber, BatchWeights> days;
-    for (const std::uint32_t index : reader.BatchesInOrder()) {
-      const Batch& batch = reader.Batches()[index];
-      const auto& [loaded, fed, seconds, rows] = weights[index];
-      const BalanceState state = tests.StateOf(batch, weights[index]);
-      CountState(answer, state);
-      if (batch.day != kNoDay) {
-        days[batch.day].loaded += loaded;
-        days[batch.day].fed += fed;
-      }
-      if (state == BalanceState::kBalanced && !question.all) {
-        continue;
-      }
-      BalanceLine line{.transaction = batch.number,
-                       .date = ToDate(batch.day),
-                       .recipe = reader.NamesOf(NameKind::kRecipe).Name(batch.recipe),
-                       .operator_id = reader.NamesOf(NameKind::kOperator).Name(batch.operator_id),
-                       .left = (loaded - fed).ToDouble(),
-                       .left_percent = PercentIfPositive(loaded - fed, loaded),
-                       .state = state,
-                       .time = ToTime(seconds),
-                       .limit = tests.LimitOf(weights[index])};
-      if (batch.has_load) {
-        line.loaded = loaded.ToDouble();
-      }
-      if (batch.has_delivery) {
-        line.fed = fed.ToDouble();
-      }
-      answer.lines.push_back(std::move(line));
-    }
-    answer.days = DaysOf(days);
-    answer.notes = reader.Notes();
-    return answer;
-  });
+  std::vector<BalanceLine> lines;
+  Balance answer = StreamBalance(
+      database, question, [&](BalanceLine&& line) { lines.push_back(std::move(line)); }, progress);
+  answer.lines = std::move(lines);
+  return answer;
 }
 
 }  // namespace vrx

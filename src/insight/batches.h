@@ -67,6 +67,9 @@ struct Balance {
 // Throws QuestionError, QuestionCancelled and DatabaseError.
 [[nodiscard]] Balance ReadBalance(SQLite::Database& database, const BalanceQuestion& question,
                                   const InsightProgress& progress = {});
+// The same with each line passed to `take`; the answer has none.
+Balance StreamBalance(SQLite::Database& database, const BalanceQuestion& question,
+                      const TakeLine<BalanceLine>& take, const InsightProgress& progress = {});
 
 enum class TimesKey { kRecipe, kOperator };
 
@@ -124,5 +127,8 @@ inline constexpr std::string_view kTimesSource = "26 dairies, Applied Animal Sci
 // Throws QuestionError, QuestionCancelled and DatabaseError.
 [[nodiscard]] Times ReadTimes(SQLite::Database& database, const TimesQuestion& question,
                               const InsightProgress& progress = {});
+// The same with each batch passed to `take`; the answer has none.
+Times StreamTimes(SQLite::Database& database, const TimesQuestion& question,
+                  const TakeLine<BatchTimes>& take, const InsightProgress& progress = {});
 
 }  // namespace vrx

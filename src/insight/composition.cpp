@@ -3,8 +3,8 @@
 #include <map>
 #include <utility>
 
-#include "database/connection.h"
 #include "insight/accuracy.h"
+#include "insight/batch_parts.h"
 #include "insight/exact.h"
 #include "insight/names.h"
 #include "insight/record_reader.h"
@@ -45,42 +45,52 @@ struct LoadedBatch {
   }
 };
 
+void TakePart(RecordReader& reader, const TakeLine<CompositionLine>& take) {
+  std::vector<LoadedBatch> loaded;
+  reader.Read(kReadBoth | kReadBatch | kReadRecipe | kReadIngredient | kReadWeights | kReadDate,
+              [&](const Record& record) {
+                loaded.resize(reader.Batches().size());
+                if (record.is_load) {
+                  loaded[record.batch].Add(record);
+                }
+              });
+  const Names& ingredients = reader.NamesOf(NameKind::kIngredient);
+  for (const std::uint32_t index : reader.BatchesInOrder()) {
+    if (index >= loaded.size()) {
+      continue;
+    }
+    LoadedBatch& batch = loaded[index];
+    std::sort(batch.ingredients.begin(), batch.ingredients.end(),
+              [&](const auto& left, const auto& right) {
+                return ingredients.Text(left.first) < ingredients.Text(right.first);
+              });
+    const Batch& known = reader.Batches()[index];
+    for (const auto& [ingredient, sums] : batch.ingredients) {
+      take({.transaction = known.number,
+            .recipe = reader.NamesOf(NameKind::kRecipe).Name(known.recipe),
+            .ingredient = ingredients.Name(ingredient),
+            .points = batch.Points(sums)});
+    }
+  }
+}
+
 }  // namespace
+
+InsightNotes StreamComposition(SQLite::Database& database, const Question& question,
+                               const TakeLine<CompositionLine>& take,
+                               const InsightProgress& progress) {
+  return BatchParts(database, question, progress).Read([&](RecordReader& reader) {
+    TakePart(reader, take);
+  });
+}
 
 Composition ReadComposition(SQLite::Database& database, const Question& question,
                             const InsightProgress& progress) {
-  return WithDatabaseErrors(database, [&] {
-    RecordReader reader(database, question, progress);
-    std::vector<LoadedBatch> loaded;
-    reader.Read(kReadBoth | kReadBatch | kReadRecipe | kReadIngredient | kReadWeights | kReadDate,
-                [&](const Record& record) {
-                  loaded.resize(reader.Batches().size());
-                  if (record.is_load) {
-                    loaded[record.batch].Add(record);
-                  }
-                });
-    Composition answer;
-    const Names& ingredients = reader.NamesOf(NameKind::kIngredient);
-    for (const std::uint32_t index : reader.BatchesInOrder()) {
-      if (index >= loaded.size()) {
-        continue;
-      }
-      LoadedBatch& batch = loaded[index];
-      std::sort(batch.ingredients.begin(), batch.ingredients.end(),
-                [&](const auto& left, const auto& right) {
-                  return ingredients.Text(left.first) < ingredients.Text(right.first);
-                });
-      const Batch& known = reader.Batches()[index];
-      for (const auto& [ingredient, sums] : batch.ingredients) {
-        answer.lines.push_back({.transaction = known.number,
-                                .recipe = reader.NamesOf(NameKind::kRecipe).Name(known.recipe),
-                                .ingredient = ingredients.Name(ingredient),
-                                .points = batch.Points(sums)});
-      }
-    }
-    answer.notes = reader.Notes();
-    return answer;
-  });
+  Composition answer;
+  answer.notes = StreamComposition(
+      database, question, [&](CompositionLine&& line) { answer.lines.push_back(std::move(line)); },
+      progress);
+  return answer;
 }
 
 }  // namespace vrx

@@ -29,6 +29,12 @@ inline constexpr std::string_view kDeliveryType = "FEED";
   return type == kLoadType || type == kDeliveryType;
 }
 
+// The first and the last of some days.
+struct DayRange {
+  Date from;
+  Date to;
+};
+
 // "[Date] >= '2026-01-05' AND [Date] <= '2026-01-11'": rows with a date, from one day to another.
 [[nodiscard]] std::string DayCondition(const std::optional<Date>& from,
                                        const std::optional<Date>& to);

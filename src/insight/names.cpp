@@ -1,6 +1,7 @@
 #include "insight/names.h"
 
 #include <algorithm>
+#include <iterator>
 #include <map>
 
 #include <SQLiteCpp/Column.h>
@@ -92,6 +93,14 @@ std::vector<std::vector<std::string>> Names::Alike() const {
       std::sort(names.begin(), names.end());
       alike.push_back(std::move(names));
     }
+  }
+  return alike;
+}
+
+std::vector<std::vector<std::string>> AlikeOf(const NamesOfKinds& names) {
+  std::vector<std::vector<std::string>> alike;
+  for (const Names& of_kind : names) {
+    std::ranges::move(of_kind.Alike(), std::back_inserter(alike));
   }
   return alike;
 }

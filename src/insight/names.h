@@ -1,5 +1,6 @@
 #pragma once
 
+#include <array>
 #include <cstddef>
 #include <cstdint>
 #include <functional>
@@ -43,6 +44,9 @@ class Names {
   std::unordered_map<std::string, NameId, TextHash, std::equal_to<>> ids_;
   NameId last_ = kNoName;
 };
+
+using NamesOfKinds = std::array<Names, kNameKinds>;
+[[nodiscard]] std::vector<std::vector<std::string>> AlikeOf(const NamesOfKinds& names);
 
 // The order of the groups of an answer: a missing name first, operators as numbers, all other names
 // by their bytes.

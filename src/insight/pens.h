@@ -54,6 +54,10 @@ struct Delivered {
 [[nodiscard]] Delivered ReadDelivered(SQLite::Database& database, const Question& question,
                                       const std::vector<HeadCount>& heads = {},
                                       const InsightProgress& progress = {});
+// The same with each line passed to `take`; the answer has none.
+Delivered StreamDelivered(SQLite::Database& database, const Question& question,
+                          const std::vector<HeadCount>& heads, const TakeLine<DeliveredLine>& take,
+                          const InsightProgress& progress = {});
 
 // The lines of a pen together. Sums are exact; nothing is a sum of missed days only.
 struct PenTotal {
@@ -103,12 +107,20 @@ struct Trace {
 // DatabaseError.
 [[nodiscard]] Trace TraceIngredient(SQLite::Database& database, const Question& question,
                                     const InsightProgress& progress = {});
+// The same with each line passed to `take`.
+InsightNotes StreamTraceOfIngredient(SQLite::Database& database, const Question& question,
+                                     const TakeLine<TraceLine>& take,
+                                     const InsightProgress& progress = {});
 
 // Backward: what a pen was fed. Of each batch a line for every delivery to the pen and every
 // ingredient, by name; a batch without loads has one without an ingredient. The question names the
 // pen.
 [[nodiscard]] Trace TracePen(SQLite::Database& database, const Question& question,
                              const InsightProgress& progress = {});
+// The same with each line passed to `take`.
+InsightNotes StreamTraceOfPen(SQLite::Database& database, const Question& question,
+                              const TakeLine<TraceLine>& take,
+                              const InsightProgress& progress = {});
 
 // Holding.
 

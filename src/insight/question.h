@@ -34,6 +34,8 @@ struct Question {
   std::optional<std::string> ingredient = {};
   std::optional<std::string> operator_id = {};
   std::optional<std::string> pen = {};
+  // About how many rows are in memory at once: a question about more is answered in parts.
+  std::int64_t rows_at_once = 100000;
 
   [[nodiscard]] bool HasPeriod() const { return from || to; }
   [[nodiscard]] bool HasName() const { return recipe || ingredient || operator_id || pen; }
@@ -53,6 +55,12 @@ void CheckPeriod(const Question& question);
 // Called every few thousand rows with the part that is done, 0 to 100. False cancels. It must not
 // use the connection.
 using InsightProgress = std::function<bool(int percent)>;
+inline constexpr int kAllPercent = 100;
+
+// Receives the lines of an answer one by one, so that the memory of a long one does not grow with
+// its lines. It must not use the connection.
+template <typename Line>
+using TakeLine = std::function<void(Line&&)>;
 
 // Thrown when the progress function returned false.
 class QuestionCancelled : public Error {

@@ -29,39 +29,46 @@ std::string RowsOfNumbers(bool dense) {
 
 }  // namespace
 
-void RecordReader::FindRows() {
-  if (!question_.HasPeriod()) {
-    SQLite::Statement ends(database_,
-                           "SELECT min(rowid), (SELECT max(rowid) FROM Transactions) FROM "
-                           "Transactions");
-    if (ends.executeStep() && !ends.getColumn(0).isNull()) {
-      runs_.push_back({ends.getColumn(0).getInt64(), ends.getColumn(1).getInt64()});
-    }
+void RecordReader::FindAllRows() {
+  SQLite::Statement ends(database_,
+                         "SELECT min(rowid), (SELECT max(rowid) FROM Transactions) FROM "
+                         "Transactions");
+  if (ends.executeStep() && !ends.getColumn(0).isNull()) {
+    runs_.push_back({ends.getColumn(0).getInt64(), ends.getColumn(1).getInt64()});
+  }
+}
+
+void RecordReader::FindRows(BatchChoice choice) {
+  if (!question_.HasPeriod() && choice == BatchChoice::kAll) {
+    FindAllRows();
     return;
   }
-  undated_ = database_
-                 .execAndGet(
-                     "SELECT count(*) FROM Transactions WHERE [Date] IS NULL AND Type IN "
-                     "('BATCH', 'FEED')")
-                 .getInt64();
+  if (question_.HasPeriod()) {
+    undated_ = database_
+                   .execAndGet(
+                       "SELECT count(*) FROM Transactions WHERE [Date] IS NULL AND Type IN "
+                       "('BATCH', 'FEED')")
+                   .getInt64();
+  }
   DatedRows dated;
-  ReadPeriod(dated);
+  ReadPeriod(dated, choice);
   ChooseByPeriod(dated);
   SettleRuns();
   chooses_ = true;
   days_known_ = true;
 }
 
-void RecordReader::ReadPeriod(DatedRows& dated) {
+void RecordReader::ReadPeriod(DatedRows& dated, BatchChoice choice) {
+  const bool undated = choice == BatchChoice::kUndated;
   DayReader days;
   RowScan rows(
       database_, "rowid, [Transaction], Type, [Date]",
-      "FROM Transactions WHERE " + DayCondition(question_.from, question_.to),
+      "FROM Transactions WHERE " + (undated ? "1" : DayCondition(question_.from, question_.to)),
       [&](sqlite3_value** row) {
         const std::int64_t rowid = sqlite3_value_int64(row[0]);
         const DayNumber day = days.Read(TextIn(row[3]));
         const std::string_view type = TextIn(row[2]);
-        if (day == kNoDay || !Counts(type) || units_.UseOf(rowid) == ImportUnits::Use::kLeftOut) {
+        if ((day == kNoDay) != undated || !Counts(type) || IsLeftOut(rowid)) {
           return;
         }
         if (sqlite3_value_type(row[1]) != SQLITE_INTEGER) {
@@ -79,7 +86,8 @@ void RecordReader::ReadPeriod(DatedRows& dated) {
   rows.Run();
 }
 
-// A batch is in the period if its first load is among the rows of the period.
+// A batch is in the period if its first load is among the rows of the period; of the undated ones,
+// if that load is without a date.
 void RecordReader::ChooseByPeriod(const DatedRows& dated) {
   std::vector<std::int64_t> numbers;
   numbers.reserve(dated.size());
@@ -116,7 +124,7 @@ void RecordReader::ChooseByPeriod(const DatedRows& dated) {
   RowScan rows(database_, "number, kind, row", RowsOfNumbers(dense), [&](sqlite3_value** row) {
     const std::int64_t rowid = sqlite3_value_int64(row[2]);
     const std::string_view type = TextIn(row[1]);
-    if (!Counts(type) || units_.UseOf(rowid) == ImportUnits::Use::kLeftOut) {
+    if (!Counts(type) || IsLeftOut(rowid)) {
       return;
     }
     if (const std::int64_t next = sqlite3_value_int64(row[0]); number != next) {

@@ -17,7 +17,6 @@ namespace vrx {
 namespace {
 
 constexpr std::int64_t kRowsPerReport = 4096;
-constexpr std::int64_t kUnknownTotal = -1;
 constexpr std::string_view kNoUser = "-1";  // how some databases store a missing user
 
 // The columns of a scan.
@@ -73,13 +72,14 @@ struct RecordReader::Scan {
   const std::function<void(const Record&)>& take;
   DayReader days = {};
   std::int64_t rows = 0;
+  int percent = 0;          // without runs
   std::int64_t total = 0;   // rowids of all runs
   std::int64_t before = 0;  // rowids of the runs before this one
   std::int64_t first = 0;   // rowid of this run
 };
 
 RecordReader::RecordReader(SQLite::Database& database, const Question& question,
-                           const InsightProgress& progress)
+                           const InsightProgress& progress, BatchChoice choice)
     : database_(database),
       question_(question),
       progress_(progress),
@@ -91,7 +91,7 @@ RecordReader::RecordReader(SQLite::Database& database, const Question& question,
     const auto& name = question_.Name(static_cast<NameKind>(kind));
     wanted_.at(static_cast<std::size_t>(kind)) = IdOf(name, static_cast<NameKind>(kind));
   }
-  WithDatabaseErrors(database_, [this] { FindRows(); });
+  WithDatabaseErrors(database_, [&] { FindRows(choice); });
   if (question_.HasName()) {
     ChooseByName();
   }
@@ -102,14 +102,10 @@ NameId RecordReader::IdOf(const std::optional<std::string>& name, NameKind kind)
 }
 
 InsightNotes RecordReader::Notes() const {
-  InsightNotes notes{
-      .units = TextOf(units_.Unit()), .left_out = units_.LeftOut(), .undated = undated_};
-  for (const Names& names : names_) {
-    for (auto& alike : names.Alike()) {
-      notes.alike.push_back(std::move(alike));
-    }
-  }
-  return notes;
+  return {.units = TextOf(units_.Unit()),
+          .left_out = units_.LeftOut(),
+          .alike = AlikeOf(names_),
+          .undated = undated_};
 }
 
 void RecordReader::Report(int percent) const {
@@ -147,13 +143,14 @@ void RecordReader::ReadRuns(Scan& scan) {
   }
 }
 
-void RecordReader::ReadDates(unsigned flags, const Date& from, const Date& to,
-                             const std::function<void(const Record&)>& take) {
-  Scan scan{.flags = flags, .take = take, .total = kUnknownTotal};
+void RecordReader::ReadDates(unsigned flags, const DayRange& days,
+                             const std::function<void(const Record&)>& take, int percent) {
+  Scan scan{.flags = flags, .take = take, .percent = percent};
   WithDatabaseErrors(database_, [&] {
-    RowScan rows(database_, ColumnsOf(flags),
-                 "FROM Transactions WHERE " + DayCondition(from, to) + TypeCondition(flags),
-                 [&](sqlite3_value** row) { Take(scan, row); });
+    RowScan rows(
+        database_, ColumnsOf(flags),
+        "FROM Transactions WHERE " + DayCondition(days.from, days.to) + TypeCondition(flags),
+        [&](sqlite3_value** row) { Take(scan, row); });
     rows.Run();
   });
 }
@@ -161,13 +158,13 @@ void RecordReader::ReadDates(unsigned flags, const Date& from, const Date& to,
 void RecordReader::Take(Scan& scan, sqlite3_value** row) {
   Record record{.rowid = sqlite3_value_int64(row[kRow])};
   if (++scan.rows % kRowsPerReport == 0) {
-    Report(scan.total == kUnknownTotal
-               ? 0
+    Report(scan.total == 0
+               ? scan.percent
                : static_cast<int>((scan.before + record.rowid - scan.first) * 100 / scan.total));
   }
   const std::string_view type = TextIn(row[kType]);
   record.is_load = type == kLoadType;
-  if (!Counts(type) || units_.UseOf(record.rowid) == ImportUnits::Use::kLeftOut) {
+  if (!Counts(type) || IsLeftOut(record.rowid)) {
     return;
   }
   const bool with_batch = chooses_ || (scan.flags & kReadBatch) != 0;

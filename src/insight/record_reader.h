@@ -79,6 +79,9 @@ class ReadTransaction {
   SQLite::Database& database_;
 };
 
+// Which batches a reader takes of a question without a period.
+enum class BatchChoice { kAll, kUndated };
+
 // Reads the rows that a question is about, in stored order, within one read transaction that lasts
 // as long as the object. A period is found by the index of dates, so that the time depends on its
 // rows only.
@@ -86,7 +89,7 @@ class RecordReader {
  public:
   // Everything outlives it. Throws QuestionError, QuestionCancelled and DatabaseError.
   RecordReader(SQLite::Database& database, const Question& question,
-               const InsightProgress& progress);
+               const InsightProgress& progress, BatchChoice choice = BatchChoice::kAll);
   RecordReader(const RecordReader&) = delete;
   RecordReader& operator=(const RecordReader&) = delete;
 
@@ -96,8 +99,9 @@ class RecordReader {
 
   // Passes the rows with dates from `from` to `to` by date, whatever the day of their batch, of a
   // question without a period. A read by the index of dates: the time depends on its rows only.
-  void ReadDates(unsigned flags, const Date& from, const Date& to,
-                 const std::function<void(const Record&)>& take);
+  // `percent` is what is done of the question.
+  void ReadDates(unsigned flags, const DayRange& days,
+                 const std::function<void(const Record&)>& take, int percent = 0);
 
   // Makes Batch::day known before a row of the batch is passed, for deliveries that are stored
   // before a load. Not needed for loads.
@@ -112,6 +116,10 @@ class RecordReader {
   // The number of a name of the question; kNoName if no row has had it yet.
   [[nodiscard]] NameId IdOf(const std::optional<std::string>& name, NameKind kind);
   [[nodiscard]] WeightUnit Unit() const { return units_.Unit(); }
+  // A row of an import in another unit.
+  [[nodiscard]] bool IsLeftOut(std::int64_t rowid) const {
+    return units_.UseOf(rowid) == ImportUnits::Use::kLeftOut;
+  }
   // Called after the last scan.
   [[nodiscard]] InsightNotes Notes() const;
   // For long work after the last scan. Throws QuestionCancelled.
@@ -145,8 +153,9 @@ class RecordReader {
     return wanted_[static_cast<std::size_t>(kind)];
   }
 
-  void FindRows();
-  void ReadPeriod(DatedRows& dated);
+  void FindRows(BatchChoice choice);
+  void FindAllRows();
+  void ReadPeriod(DatedRows& dated, BatchChoice choice);
   void ChooseByPeriod(const DatedRows& dated);
   void ChooseByName();
   void AddRun(std::int64_t rowid);
@@ -157,7 +166,7 @@ class RecordReader {
   const InsightProgress& progress_;
   ReadTransaction transaction_;
   ImportUnits units_;
-  std::array<Names, kNameKinds> names_;
+  NamesOfKinds names_;
   std::array<NameId, kNameKinds> wanted_{};
   std::vector<Batch> batches_;
   std::unordered_map<std::int64_t, std::uint32_t> batch_of_number_;

@@ -1,9 +1,10 @@
 #include <algorithm>
 #include <cstddef>
+#include <string>
 #include <unordered_map>
 #include <utility>
 
-#include "database/connection.h"
+#include "insight/batch_parts.h"
 #include "insight/batches.h"
 #include "insight/deviations.h"
 #include "insight/names.h"
@@ -121,41 +122,57 @@ BatchTimes TimesOf(const Batch& batch, const Clock& clock, const RecordReader& r
   return times;
 }
 
+std::vector<TimesGroup> FinishGroups(std::unordered_map<std::string, TimedGroup>& groups,
+                                     NameKind kind) {
+  std::vector<TimesGroup> finished;
+  for (auto& [name, group] : groups) {
+    group.shown.preparing = group.preparing.Figures();
+    group.shown.waiting = group.waiting.Figures();
+    group.shown.feeding = group.feeding.Figures();
+    finished.push_back(std::move(group.shown));
+  }
+  std::sort(finished.begin(), finished.end(), [kind](const auto& left, const auto& right) {
+    return NameIsBefore(kind, left.key, right.key);
+  });
+  return finished;
+}
+
 }  // namespace
 
-Times ReadTimes(SQLite::Database& database, const TimesQuestion& question,
-                const InsightProgress& progress) {
-  return WithDatabaseErrors(database, [&] {
-    RecordReader reader(database, question.about, progress);
+Times StreamTimes(SQLite::Database& database, const TimesQuestion& question,
+                  const TakeLine<BatchTimes>& take, const InsightProgress& progress) {
+  const bool by_recipe = question.by == TimesKey::kRecipe;
+  const NameKind kind = by_recipe ? NameKind::kRecipe : NameKind::kOperator;
+  std::unordered_map<std::string, TimedGroup> groups;  // a missing name is empty
+  Times answer;
+  answer.notes = BatchParts(database, question.about, progress).Read([&](RecordReader& reader) {
     std::vector<Clock> clocks;
     reader.Read(kReadBoth | kReadBatch | kReadRecipe | kReadOperator | kReadDate | kReadTime,
                 [&](const Record& record) {
                   clocks.resize(reader.Batches().size());
                   clocks[record.batch].Add(record);
                 });
-    Times answer;
-    const bool by_recipe = question.by == TimesKey::kRecipe;
-    const NameKind kind = by_recipe ? NameKind::kRecipe : NameKind::kOperator;
-    std::unordered_map<NameId, TimedGroup> groups;
     for (const std::uint32_t index : reader.BatchesInOrder()) {
       const Batch& batch = reader.Batches()[index];
-      groups[by_recipe ? batch.recipe : batch.operator_id].Add(clocks[index]);
-      answer.batches.push_back(TimesOf(batch, clocks[index], reader));
+      const NameId key = by_recipe ? batch.recipe : batch.operator_id;
+      TimedGroup& group = groups[reader.NamesOf(kind).Text(key)];
+      group.shown.key = reader.NamesOf(kind).Name(key);
+      group.Add(clocks[index]);
+      take(TimesOf(batch, clocks[index], reader));
     }
-    for (auto& [name, group] : groups) {
-      group.shown.key = reader.NamesOf(kind).Name(name);
-      group.shown.preparing = group.preparing.Figures();
-      group.shown.waiting = group.waiting.Figures();
-      group.shown.feeding = group.feeding.Figures();
-      answer.groups.push_back(std::move(group.shown));
-    }
-    std::sort(answer.groups.begin(), answer.groups.end(),
-              [kind](const auto& left, const auto& right) {
-                return NameIsBefore(kind, left.key, right.key);
-              });
-    answer.notes = reader.Notes();
-    return answer;
   });
+  answer.groups = FinishGroups(groups, kind);
+  return answer;
+}
+
+Times ReadTimes(SQLite::Database& database, const TimesQuestion& question,
+                const InsightProgress& progress) {
+  std::vector<BatchTimes> batches;
+  Times answer = StreamTimes(
+      database, question, [&](BatchTimes&& batch) { batches.push_back(std::move(batch)); },
+      progress);
+  answer.batches = std::move(batches);
+  return answer;
 }
 
 }  // namespace vrx

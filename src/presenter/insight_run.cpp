@@ -13,8 +13,6 @@
 namespace vrx {
 namespace {
 
-constexpr int kAllPercent = 100;
-
 // Of one of several reads in a row.
 InsightProgress PartOf(const InsightProgress& progress, int part, int parts) {
   return [&progress, part, parts](int percent) {

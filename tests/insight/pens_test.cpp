@@ -2,6 +2,7 @@
 
 #include <functional>
 #include <string>
+#include <tuple>
 #include <vector>
 
 #include <gmock/gmock.h>
@@ -255,32 +256,40 @@ TEST_F(Pens, ComparesTheFirstTimeWithFourteenDays) {
   EXPECT_EQ(lines[15].first_shift, 5);   // 07:00 and 07:10
 }
 
-// The last days of the records are read without all that was before them.
-TEST_F(Pens, HaveTheSameLinesOfTheLastDaysAsOfAllDays) {
+// The days of a period are read without all that was before and after them.
+TEST_F(Pens, HaveTheSameLinesOfAPeriodAsOfAllDays) {
   Feed(1, "A01", "2025-01-01 08:00", 10);  // long before
   Feed(2, "A02", "2025-11-20 08:00", 20, 20, "HEIFER");
   Feed(3, "A02", "2025-11-20 09:00", 20, 20, "BULLS");
   Feed(4, "A03", "2025-12-28 06:00", 30);  // within the days of a median
   Feed(5, "A05", "2025-12-01 06:00", 30);  // not fed again
+  Feed(5, "A06", "2025-12-01 06:00", 30);  // long before and long after
   for (const std::string day : {"2026-01-04", "2026-01-06"}) {
     Feed(6, "A01", day + " 07:00", 11);
     Feed(7, "A02", day + " 08:00", 22);
     Feed(8, "A03", day + " 09:00", 33);
     Feed(9, "A04", day + " 10:00", 44);  // new
   }
-  const auto from = Day("2026-01-03");
-  std::vector<DeliveredLine> expected;
-  for (const DeliveredLine& line : ReadDelivered(database, {}).lines) {
-    if (line.date >= *from) {
-      expected.push_back(line);
+  Feed(10, "A02", "2026-03-01 08:00", 50);
+  Feed(10, "A06", "2026-03-01 08:00", 50);
+  Feed(10, "A07", "2026-03-01 08:00", 50);  // only after
+  const std::vector<DeliveredLine> all = ReadDelivered(database, {}).lines;
+  for (const auto& [from, to, lines] :
+       {std::tuple("2026-01-03", "2026-12-31", 4 + 58 + 4 + 3 + 58 + 1),
+        std::tuple("2026-01-03", "2026-01-07", 4 + 5 + 4 + 3 + 5),
+        std::tuple("2026-01-05", "2026-01-05", 5), std::tuple("2026-02-10", "2026-02-11", 4)}) {
+    std::vector<DeliveredLine> expected;
+    for (const DeliveredLine& line : all) {
+      if (line.date >= *Day(from) && line.date <= *Day(to)) {
+        expected.push_back(line);
+      }
     }
+    EXPECT_EQ(expected.size(), static_cast<std::size_t>(lines)) << from;
+    const Question about{.from = Day(from), .to = Day(to)};
+    EXPECT_EQ(Shown(ReadDelivered(database, about).lines), Shown(expected)) << from;
+    EXPECT_THAT(ReadDelivered(database, about, {{"A05", {}, 1}, {"B9", {}, 1}}).unknown_pens,
+                ElementsAre("B9"));
   }
-  EXPECT_EQ(expected.size(), 4U + 4 + 4 + 3);
-  EXPECT_EQ(Shown(ReadDelivered(database, {.from = from}).lines), Shown(expected));
-  EXPECT_EQ(Shown(ReadDelivered(database, {.from = from, .to = Day("2026-01-31")}).lines),
-            Shown(expected));
-  const Delivered heads = ReadDelivered(database, {.from = from}, {{"A05", {}, 1}, {"B9", {}, 1}});
-  EXPECT_THAT(heads.unknown_pens, ElementsAre("B9"));
 }
 
 TEST_F(Pens, AreDeliveredPerHead) {

@@ -47,6 +47,9 @@ class Asker {
     if (Below(4) == 0) {
       question.pen = Any(&ModelRow::pen, "FEED");
     }
+    if (Below(2) == 0) {
+      question.rows_at_once = 1 + Below(20);
+    }
     return question;
   }
 

@@ -1,0 +1,181 @@
+#include "insight/pen_days.h"
+
+#include <algorithm>
+#include <set>
+#include <string>
+#include <tuple>
+#include <utility>
+#include <vector>
+
+#include "database/connection.h"
+#include "database/transactions.h"
+#include "insight/batch_parts.h"
+#include "insight/pen_search.h"
+
+namespace vrx {
+
+struct PenDaysReader::Delivery {
+  DayNumber day;
+  std::int32_t seconds;
+  std::int64_t rowid;
+  NameId recipe;
+  Exact called;
+  Exact delivered;
+
+  // In order of date and time; equal times are in stored order.
+  bool operator<(const Delivery& other) const {
+    return std::tie(day, seconds, rowid) < std::tie(other.day, other.seconds, other.rowid);
+  }
+  static Delivery Of(const Record& record) {
+    return {record.day, record.seconds, record.rowid, record.recipe, record.target, record.actual};
+  }
+};
+
+namespace {
+
+constexpr unsigned kDeliveryColumns =
+    kReadDeliveries | kReadRecipe | kReadPen | kReadWeights | kReadDate | kReadTime;
+constexpr int kFirstStep = 32;  // days
+
+}  // namespace
+
+PenDaysReader::PenDaysReader(SQLite::Database& database, RecordReader& reader,
+                             const Question& question)
+    : database_(database),
+      reader_(reader),
+      question_(question),
+      wanted_(reader.IdOf(question.pen, NameKind::kPen)) {}
+
+DaysOfPens PenDaysReader::Read() {
+  WithDatabaseErrors(database_, [this] {
+    const bool has_names = question_.recipe || question_.ingredient || question_.operator_id;
+    const auto ranges = ReadTransactionRanges(database_, "Pen, Type");
+    if (!question_.HasPeriod() || has_names || !ranges) {
+      ReadDays({}, {});
+      return;
+    }
+    const DayNumber first = question_.from ? ToDayNumber(question_.from) - kShiftDays : kNoDay;
+    ReadDays(ToDate(first), question_.to);
+    PenSearch search(database_, reader_, *ranges);
+    if (question_.to) {
+      AddLaterDays(search);
+    }
+    if (question_.from) {
+      AddDaysBefore(search);
+    }
+  });
+  DaysOfPens days;
+  for (auto& [pen, read] : pens_) {
+    days.emplace(pen, std::move(read.days));
+  }
+  return days;
+}
+
+void PenDaysReader::ReadDays(const std::optional<Date>& from, const std::optional<Date>& to) {
+  const Question days{.from = from, .to = to, .rows_at_once = question_.rows_at_once};
+  const std::vector<DayRange> ranges = ReadDayRanges(database_, days).ranges;
+  for (std::size_t i = 0; i < ranges.size(); ++i) {
+    std::map<NameId, std::vector<Delivery>> deliveries;
+    reader_.ReadDates(
+        kDeliveryColumns, ranges[i],
+        [&](const Record& record) {
+          if (record.day != kNoDay && (wanted_ == kNoName || record.pen == wanted_)) {
+            deliveries[record.pen].push_back(Delivery::Of(record));
+          }
+        },
+        static_cast<int>(i * kAllPercent / ranges.size()));
+    for (auto& [pen, of_pen] : deliveries) {
+      Fold(pens_[pen], of_pen);
+    }
+  }
+}
+
+void PenDaysReader::Fold(Pen& pen, std::vector<Delivery>& deliveries) {
+  std::sort(deliveries.begin(), deliveries.end());
+  if (pen.days.empty()) {
+    pen.first_recipe = deliveries.front().recipe;
+  }
+  for (const Delivery& delivery : deliveries) {
+    DayOfPen& day = pen.days[delivery.day];
+    day.called += delivery.called;
+    day.delivered += delivery.delivered;
+    ++day.feedings;
+    day.recipe = delivery.recipe;
+    day.recipe_changed =
+        day.recipe_changed || pen.last_recipe.value_or(delivery.recipe) != delivery.recipe;
+    day.first = day.first == kNoTime ? delivery.seconds : day.first;
+    pen.last_recipe = delivery.recipe;
+  }
+}
+
+// A pen that was not fed in the period has lines if it was fed before and after it.
+void PenDaysReader::AddLaterDays(PenSearch& search) {
+  const DayNumber last = ToDayNumber(question_.to);
+  std::set<NameId> open;
+  for (const auto& [pen, read] : pens_) {
+    open.insert(pen);
+  }
+  if (question_.from && wanted_ != kNoName) {
+    open.insert(wanted_);
+  } else if (question_.from) {
+    for (const std::string& name : search.Pens()) {
+      open.insert(reader_.IdOf(name, NameKind::kPen));
+    }
+  }
+  for (const NameId pen : open) {
+    const auto known = pens_.find(pen);
+    if (known != pens_.end() && known->second.days.rbegin()->first == last) {
+      continue;
+    }
+    const std::string& name = reader_.NamesOf(NameKind::kPen).Text(pen);
+    const std::optional<DayNumber> after = search.DayAfter(name, last);
+    if (!after) {
+      continue;
+    }
+    if (known == pens_.end()) {
+      const auto before = search.DayBefore(name, ToDayNumber(question_.from) - kShiftDays);
+      if (!before) {
+        continue;
+      }
+      pens_[pen].days.try_emplace(*before);
+    }
+    pens_[pen].days.try_emplace(*after);
+  }
+}
+
+void PenDaysReader::AddDaysBefore(PenSearch& search) {
+  const DayNumber from = ToDayNumber(question_.from);
+  DayNumber start = from - kShiftDays;
+  std::set<NameId> open;
+  for (const auto& [pen, read] : pens_) {
+    if (read.days.begin()->first > from - kMeanDays + 1 &&
+        search.DayBefore(reader_.NamesOf(NameKind::kPen).Text(pen), start)) {
+      open.insert(pen);
+    }
+  }
+  for (int step = kFirstStep; !open.empty(); step *= 2) {
+    const DayNumber before = start - 1;
+    start -= step;
+    std::map<NameId, Delivery> found;
+    reader_.ReadDates(kDeliveryColumns, {*ToDate(start), *ToDate(before)},
+                      [&](const Record& record) {
+                        if (!open.contains(record.pen)) {
+                          return;
+                        }
+                        const Delivery delivery = Delivery::Of(record);
+                        const auto [known, is_new] = found.try_emplace(record.pen, delivery);
+                        if (!is_new && known->second < delivery) {
+                          known->second = delivery;
+                        }
+                      });
+    for (const auto& [pen, delivery] : found) {
+      Pen& read = pens_[pen];
+      DayOfPen& first = read.days.begin()->second;
+      first.recipe_changed = first.recipe_changed || read.first_recipe != delivery.recipe;
+      read.days.try_emplace(delivery.day);
+      open.erase(pen);
+    }
+  }
+}
+
+}  // namespace vrx

@@ -1,0 +1,70 @@
+#pragma once
+
+#include <cstdint>
+#include <map>
+#include <optional>
+#include <vector>
+
+#include <SQLiteCpp/Database.h>
+
+#include "insight/days.h"
+#include "insight/exact.h"
+#include "insight/names.h"
+#include "insight/question.h"
+#include "insight/record_reader.h"
+
+namespace vrx {
+
+class PenSearch;
+
+struct DayOfPen {
+  Exact called = {};
+  Exact delivered = {};
+  std::int64_t feedings = 0;
+  NameId recipe = kNoName;      // of the last delivery
+  bool recipe_changed = false;  // between a delivery and the one before it
+  std::int32_t first = kNoTime;
+};
+
+// The days of a pen with a delivery.
+using DaysOfPen = std::map<DayNumber, DayOfPen>;
+using DaysOfPens = std::map<NameId, DaysOfPen>;
+
+// The first times of this many days before a day are compared with its own.
+inline constexpr DayNumber kShiftDays = 14;
+// A mean is over this many days.
+inline constexpr DayNumber kMeanDays = 7;
+
+// Reads the deliveries that the lines of a period need, a few days at a time: those of the period
+// and of the days that means and medians reach back to. Of a pen's deliveries before and after them
+// one is enough: each day between two deliveries is a line. Without a period, and with a filter by
+// recipe, ingredient or operator, it reads all.
+class PenDaysReader {
+ public:
+  // `reader` is of the question without its period and pen. Everything outlives it.
+  PenDaysReader(SQLite::Database& database, RecordReader& reader, const Question& question);
+
+  // Of a day outside of what was read only the number is known. Throws QuestionCancelled and
+  // DatabaseError.
+  DaysOfPens Read();
+
+ private:
+  struct Delivery;
+  struct Pen {
+    DaysOfPen days = {};
+    NameId first_recipe = kNoName;  // of the first delivery that was read
+    std::optional<NameId> last_recipe = {};
+  };
+  void ReadDays(const std::optional<Date>& from, const std::optional<Date>& to);
+  static void Fold(Pen& pen, std::vector<Delivery>& deliveries);
+  void AddLaterDays(PenSearch& search);
+  void AddDaysBefore(PenSearch& search);
+
+  SQLite::Database& database_;
+  RecordReader& reader_;
+  const Question& question_;
+  NameId wanted_;
+  std::map<NameId, Pen> pens_;
+};
+
+}  // namespace vrx
