@@ -94,7 +94,7 @@ class AccuracyCommand : public Command {
       SetLimits(question.limits, ReadWeightUnit(database));
       const Accuracy answer = ReadAccuracy(database, question, progress);
       WriteNotes(session, answer.notes);
-      Write(session.Out(), question, answer);
+      Write(session, question, answer);
       return kDone;
     });
   }
@@ -121,7 +121,8 @@ class AccuracyCommand : public Command {
     limits.division = division_.value_or(limits.division);
   }
 
-  void Write(std::ostream& out, const AccuracyQuestion& question, const Accuracy& answer) const {
+  void Write(Session& session, const AccuracyQuestion& question, const Accuracy& answer) const {
+    std::ostream& out = session.Out();
     const AnswerTable table = TableOf(answer, question);
     if (options_.Form() == OutputForm::kJson) {
       AnswerTable total = table;
@@ -140,7 +141,7 @@ class AccuracyCommand : public Command {
                    {"yardstick", answer.yardstick ? ToJson(*answer.yardstick) : Json()}});
       return;
     }
-    WriteAnswer(out, options_.Form(), table);
+    WriteAnswer(session, options_.Form(), table);
     if (options_.Form() == OutputForm::kPlain && answer.yardstick) {
       out << '\n';
       for (const std::string& sentence : SentencesOf(*answer.yardstick)) {
@@ -175,9 +176,12 @@ class CompositionCommand : public Command {
   int Run(Session& session) override {
     const Question question = options_.About();
     return options_.Run(session, [&](SQLite::Database& database, const InsightProgress& progress) {
-      const Composition answer = ReadComposition(database, question, progress);
-      WriteNotes(session, answer.notes);
-      WriteAnswer(session.Out(), options_.Form(), TableOf(answer));
+      AnswerWriter writer(session, options_.Form(), TableOf(Composition()));
+      const InsightNotes notes = StreamComposition(
+          database, question, [&](const CompositionLine& line) { writer.Write(RowOf(line)); },
+          progress);
+      writer.Finish();
+      WriteNotes(session, notes);
       return kDone;
     });
   }

@@ -42,9 +42,12 @@ class BalanceCommand : public Command {
       if (weight_) {
         question.weight = {*weight_, ReadWeightUnit(database)};
       }
-      const Balance answer = ReadBalance(database, question, progress);
+      AnswerWriter writer(session, options_.Form(), TableOf(Balance()));
+      const Balance answer = StreamBalance(
+          database, question, [&](const BalanceLine& line) { writer.Write(RowOf(line)); },
+          progress);
+      writer.Finish();
       WriteNotes(session, answer.notes);
-      WriteAnswer(session.Out(), options_.Form(), TableOf(answer));
       return kDone;
     });
   }
@@ -79,13 +82,19 @@ class TimesCommand : public Command {
     const TimesQuestion question{.about = options_.About(),
                                  .by = by_ == "operator" ? TimesKey::kOperator : TimesKey::kRecipe};
     return options_.Run(session, [&](SQLite::Database& database, const InsightProgress& progress) {
-      const Times answer = ReadTimes(database, question, progress);
+      AnswerWriter batches(session, options_.Form(), TableOfBatches(Times()));
+      const TakeLine<BatchTimes> take = [&](const BatchTimes& batch) {
+        if (batches_) {
+          batches.Write(RowOf(batch));
+        }
+      };
+      const Times answer = StreamTimes(database, question, take, progress);
       WriteNotes(session, answer.notes);
       if (batches_) {
-        WriteAnswer(session.Out(), options_.Form(), TableOfBatches(answer));
+        batches.Finish();
         return kDone;
       }
-      WriteAnswer(session.Out(), options_.Form(), TableOf(answer, question.by));
+      WriteAnswer(session, options_.Form(), TableOf(answer, question.by));
       session.Context().err << "The resolution is one minute; the work before the first record is "
                                "not in the times.\n";
       return kDone;

@@ -86,7 +86,7 @@ class CompletenessCommand : public Command {
       if (options_.Form() == OutputForm::kJson) {
         WriteObject(session.Out(), OutputForm::kJson, ToJson(statement));
       } else {
-        WriteAnswer(session.Out(), options_.Form(), TableOf(statement));
+        WriteAnswer(session, options_.Form(), TableOf(statement));
       }
       return kDone;
     });

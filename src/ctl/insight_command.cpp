@@ -40,7 +40,15 @@ void SetCell(Json& object, std::string_view key, const AnswerCell& cell) {
   (*inner)[std::string(key)] = ToJson(cell);
 }
 
-std::vector<std::string> TextsOf(const AnswerTable& table, const std::vector<AnswerCell>& row) {
+Json ObjectOf(const AnswerTable& table, const AnswerRow& row) {
+  Json object = Json::object();
+  for (std::size_t i = 0; i < row.size(); ++i) {
+    SetCell(object, table.columns.at(i).key, row[i]);
+  }
+  return object;
+}
+
+std::vector<std::string> TextsOf(const AnswerTable& table, const AnswerRow& row) {
   std::vector<std::string> texts;
   for (std::size_t i = 0; i < row.size(); ++i) {
     texts.push_back(TextOf(table.columns.at(i), row[i]));
@@ -135,31 +143,54 @@ void WriteNotes(Session& session, const InsightNotes& notes) {
 
 Json ToJson(const AnswerTable& table) {
   Json rows = Json::array();
-  for (const std::vector<AnswerCell>& row : table.rows) {
-    Json object = Json::object();
-    for (std::size_t i = 0; i < row.size(); ++i) {
-      SetCell(object, table.columns.at(i).key, row[i]);
-    }
-    rows.push_back(std::move(object));
+  for (const AnswerRow& row : table.rows) {
+    rows.push_back(ObjectOf(table, row));
   }
   return rows;
 }
 
-void WriteAnswer(std::ostream& out, OutputForm form, const AnswerTable& table) {
-  if (form == OutputForm::kJson) {
-    WriteObject(out, form, ToJson(table));
+void WriteAnswer(Session& session, OutputForm form, const AnswerTable& table) {
+  AnswerWriter writer(session, form, table);
+  for (const AnswerRow& row : table.rows) {
+    writer.Write(row);
+  }
+  writer.Finish();
+}
+
+void AnswerWriter::Begin() {
+  if (form_ == OutputForm::kJson) {
+    session_.Out() << '[';
     return;
   }
   std::vector<std::string> headings;
-  for (const AnswerColumn& column : table.columns) {
+  for (const AnswerColumn& column : table_.columns) {
     headings.emplace_back(column.key);
   }
-  WriteLine(out, form, headings);
-  for (const std::vector<AnswerCell>& row : table.rows) {
-    WriteLine(out, form, TextsOf(table, row));
+  WriteLine(session_.Out(), form_, headings);
+}
+
+void AnswerWriter::Write(const AnswerRow& row) {
+  session_.Progress().Clear();
+  if (!has_row_) {
+    Begin();
   }
-  if (form == OutputForm::kPlain && !table.rows.empty() && !table.total.empty()) {
-    WriteLine(out, form, TextsOf(table, table.total));
+  if (form_ == OutputForm::kJson) {
+    session_.Out() << (has_row_ ? ",\n" : "\n") << JsonText(ObjectOf(table_, row), 1);
+  } else {
+    WriteLine(session_.Out(), form_, TextsOf(table_, row));
+  }
+  has_row_ = true;
+}
+
+void AnswerWriter::Finish() {
+  session_.Progress().Clear();
+  if (!has_row_) {
+    Begin();
+  }
+  if (form_ == OutputForm::kJson) {
+    session_.Out() << (has_row_ ? "\n]\n" : "]\n");
+  } else if (form_ == OutputForm::kPlain && has_row_ && !table_.total.empty()) {
+    WriteLine(session_.Out(), form_, TextsOf(table_, table_.total));
   }
 }
 

@@ -6,6 +6,7 @@
 #include <optional>
 #include <string>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 #include <SQLiteCpp/Database.h>
@@ -63,7 +64,27 @@ void WriteNotes(Session& session, const InsightNotes& notes);
 
 // Writes an answer in the chosen form: a table with the keys of its columns as headings, or an
 // array of objects with inner objects for keys with a point. A total goes below a plain table only.
-void WriteAnswer(std::ostream& out, OutputForm form, const AnswerTable& table);
+void WriteAnswer(Session& session, OutputForm form, const AnswerTable& table);
+
+// Writes the same row by row, for an answer that may be too long for memory. Nothing is written
+// before the first row, so that a question without an answer leaves no output.
+class AnswerWriter {
+ public:
+  // `table` has the columns.
+  AnswerWriter(Session& session, OutputForm form, AnswerTable table)
+      : session_(session), form_(form), table_(std::move(table)) {}
+
+  void Write(const AnswerRow& row);
+  void Finish();
+
+ private:
+  void Begin();
+
+  Session& session_;
+  OutputForm form_;
+  AnswerTable table_;
+  bool has_row_ = false;
+};
 [[nodiscard]] Json ToJson(const AnswerTable& table);
 
 // null for nothing.

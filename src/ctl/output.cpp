@@ -58,9 +58,7 @@ std::vector<std::string> CellTexts(const std::vector<Json>& cells) {
   return texts;
 }
 
-void WriteJson(std::ostream& out, const Json& document) {
-  out << document.dump(kIndent, ' ', false, Json::error_handler_t::replace) << '\n';
-}
+void WriteJson(std::ostream& out, const Json& document) { out << JsonText(document, 0) << '\n'; }
 
 }  // namespace
 
@@ -117,6 +115,16 @@ Json ToJson(const OutputTable& table) {
     document.push_back(std::move(object));
   }
   return document;
+}
+
+std::string JsonText(const Json& part, int depth) {
+  const std::string margin(static_cast<std::size_t>(depth * kIndent), ' ');
+  std::string text = margin + part.dump(kIndent, ' ', false, Json::error_handler_t::replace);
+  for (std::size_t end = text.find('\n'); end != std::string::npos && !margin.empty();
+       end = text.find('\n', end + 1)) {
+    text.insert(end + 1, margin);
+  }
+  return text;
 }
 
 void WriteObject(std::ostream& out, OutputForm form, const Json& object) {

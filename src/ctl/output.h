@@ -46,6 +46,10 @@ void WriteLine(std::ostream& out, OutputForm form, const std::vector<std::string
 // The rows as objects with the names of the header.
 [[nodiscard]] Json ToJson(const OutputTable& table);
 
+// A part of a JSON document that is written piece by piece, indented as at its depth in the whole,
+// without a line end.
+[[nodiscard]] std::string JsonText(const Json& part, int depth);
+
 // Writes an object as JSON, or otherwise as a table with one row.
 void WriteObject(std::ostream& out, OutputForm form, const Json& object);
 

@@ -62,10 +62,13 @@ class DeliveredCommand : public Command {
       if (!heads_.empty()) {
         heads = ParseHeadCounts(ReadInput(heads_), heads_);
       }
-      const Delivered answer = ReadDelivered(database, about, heads, progress);
+      AnswerWriter writer(session, options_.Form(), TableOf(Delivered()));
+      const Delivered answer = StreamDelivered(
+          database, about, heads, [&](const DeliveredLine& line) { writer.Write(RowOf(line)); },
+          progress);
+      writer.Finish();
       WriteNotes(session, answer.notes);
       WriteUnknown(session, answer.unknown_pens, "pen");
-      WriteAnswer(session.Out(), options_.Form(), TableOf(answer));
       return kDone;
     });
   }
@@ -98,11 +101,15 @@ class TraceCommand : public Command {
     }
     const bool forward = about.ingredient.has_value();
     return options_.Run(session, [&](SQLite::Database& database, const InsightProgress& progress) {
-      const Trace answer = forward ? TraceIngredient(database, about, progress)
-                                   : TracePen(database, about, progress);
-      WriteNotes(session, answer.notes);
-      WriteAnswer(session.Out(), options_.Form(),
-                  forward ? ForwardTable(answer) : BackwardTable(answer));
+      AnswerWriter writer(session, options_.Form(),
+                          forward ? ForwardTable(Trace()) : BackwardTable(Trace()));
+      const TakeLine<TraceLine> take = [&](const TraceLine& line) {
+        writer.Write(forward ? ForwardRow(line) : BackwardRow(line));
+      };
+      const InsightNotes notes = forward ? StreamTraceOfIngredient(database, about, take, progress)
+                                         : StreamTraceOfPen(database, about, take, progress);
+      writer.Finish();
+      WriteNotes(session, notes);
       return kDone;
     });
   }
@@ -141,7 +148,7 @@ class HoldingCommand : public Command {
         session, transactions_, [&](SQLite::Database& database, const InsightProgress& progress) {
           const Holding answer = ReadHolding(database, question_, progress);
           WriteNotes(session, answer.notes);
-          WriteAnswer(session.Out(), output_.Form(), TableOf(answer));
+          WriteAnswer(session, output_.Form(), TableOf(answer));
           session.Context().err
               << "Pens, not animals; names, not drug lots. It is no proof that the wagon was "
                  "cleaned.\n";
@@ -187,7 +194,7 @@ class UseCommand : public Command {
       const Use answer = ReadUse(database, question, progress);
       WriteNotes(session, answer.notes);
       WriteUnknown(session, answer.unknown, "ingredient");
-      WriteAnswer(session.Out(), options_.Form(), TableOf(answer));
+      WriteAnswer(session, options_.Form(), TableOf(answer));
       return kDone;
     });
   }

@@ -52,7 +52,7 @@ constexpr std::array<AnswerColumn, 19> kAccuracyColumns{{
 constexpr AnswerColumn kStandardized{"standardized", TrMark("Standardized %"), CellKind::kPercent};
 constexpr AnswerColumn kMarked{"marked", TrMark("Stops short"), CellKind::kYesNo};
 
-std::vector<AnswerCell> CellsOf(const AccuracyFigures& figures) {
+AnswerRow CellsOf(const AccuracyFigures& figures) {
   return {figures.n,
           figures.not_loaded.n,
           CellOf(figures.not_loaded.weight),
@@ -113,7 +113,7 @@ AnswerTable TableOf(const Accuracy& answer, const AccuracyQuestion& question) {
   table.columns.push_back(kStandardized);
   table.columns.push_back(kMarked);
   for (const AccuracyGroup& group : answer.groups) {
-    std::vector<AnswerCell> row;
+    AnswerRow row;
     for (const auto& key : group.key) {
       row.push_back(CellOf(key));
     }
@@ -158,10 +158,14 @@ AnswerTable TableOf(const Composition& answer) {
                     "percentage points: a batch that is too large throughout is still the right "
                     "ration.")};
   for (const CompositionLine& line : answer.lines) {
-    table.rows.push_back({CellOf(line.transaction), CellOf(line.recipe), CellOf(line.ingredient),
-                          CellOf(line.points)});
+    table.rows.push_back(RowOf(line));
   }
   return table;
+}
+
+AnswerRow RowOf(const CompositionLine& line) {
+  return {CellOf(line.transaction), CellOf(line.recipe), CellOf(line.ingredient),
+          CellOf(line.points)};
 }
 
 std::string_view PlaceOf(const YardstickShare& share) {

@@ -5,7 +5,7 @@
 namespace vrx {
 namespace {
 
-void AddFigures(std::vector<AnswerCell>& row, const TimesFigures& figures) {
+void AddFigures(AnswerRow& row, const TimesFigures& figures) {
   for (const auto& figure : {figures.median, figures.q1, figures.q3}) {
     row.push_back(CellOf(figure));
   }
@@ -32,11 +32,21 @@ AnswerTable TableOf(const Balance& answer) {
       .how = TrMark("What was loaded less what was fed, of each batch. A batch is out of balance "
                     "when both limits are passed.")};
   for (const BalanceLine& line : answer.lines) {
-    table.rows.push_back({CellOf(line.transaction), CellOf(line.date), CellOf(line.recipe),
-                          CellOf(line.operator_id), CellOf(line.loaded), CellOf(line.fed),
-                          line.left, CellOf(line.left_percent), std::string(TextOf(line.state))});
+    table.rows.push_back(RowOf(line));
   }
   return table;
+}
+
+AnswerRow RowOf(const BalanceLine& line) {
+  return {CellOf(line.transaction),
+          CellOf(line.date),
+          CellOf(line.recipe),
+          CellOf(line.operator_id),
+          CellOf(line.loaded),
+          CellOf(line.fed),
+          line.left,
+          CellOf(line.left_percent),
+          std::string(TextOf(line.state))};
 }
 
 AnswerTable TableOfDays(const Balance& answer) {
@@ -72,7 +82,7 @@ AnswerTable TableOf(const Times& answer, TimesKey by) {
                   {"feeding.q3", TrMark("Feeding, upper quartile"), CellKind::kMinutes}},
       .how = kHowTimes};
   for (const TimesGroup& group : answer.groups) {
-    std::vector<AnswerCell> row{CellOf(group.key), group.batches, group.left_out};
+    AnswerRow row{CellOf(group.key), group.batches, group.left_out};
     AddFigures(row, group.preparing);
     AddFigures(row, group.waiting);
     AddFigures(row, group.feeding);
@@ -92,11 +102,15 @@ AnswerTable TableOfBatches(const Times& answer) {
                                 {"feeding", TrMark("Feeding"), CellKind::kMinutes}},
                     .how = kHowTimes};
   for (const BatchTimes& batch : answer.batches) {
-    table.rows.push_back({CellOf(batch.transaction), CellOf(batch.date), CellOf(batch.recipe),
-                          CellOf(batch.operator_id), batch.left_out, CellOf(batch.preparing),
-                          CellOf(batch.waiting), CellOf(batch.feeding)});
+    table.rows.push_back(RowOf(batch));
   }
   return table;
+}
+
+AnswerRow RowOf(const BatchTimes& batch) {
+  return {CellOf(batch.transaction), CellOf(batch.date),   CellOf(batch.recipe),
+          CellOf(batch.operator_id), batch.left_out,       CellOf(batch.preparing),
+          CellOf(batch.waiting),     CellOf(batch.feeding)};
 }
 
 }  // namespace vrx

@@ -15,7 +15,7 @@ AnswerCell MomentCell(const std::optional<Moment>& moment) {
   return moment ? AnswerCell(TextOf(*moment)) : AnswerCell();
 }
 
-std::vector<AnswerCell> CellsOf(AnswerCell pen, const PenTotal& total) {
+AnswerRow CellsOf(AnswerCell pen, const PenTotal& total) {
   return {std::move(pen),
           CellOf(total.called),
           CellOf(total.delivered),
@@ -47,12 +47,15 @@ AnswerTable TableOf(const Delivered& answer) {
                     "days and the time of the first delivery, in minutes after the median of the "
                     "14 days before.")};
   for (const DeliveredLine& line : answer.lines) {
-    table.rows.push_back({CellOf(line.pen), StoredText(line.date), CellOf(line.called),
-                          CellOf(line.delivered), line.feedings, CellOf(line.mean7),
-                          CellOf(line.recipe), line.recipe_changed, CellOf(line.first),
-                          CellOf(line.first_shift), line.missed, CellOf(line.per_head)});
+    table.rows.push_back(RowOf(line));
   }
   return table;
+}
+
+AnswerRow RowOf(const DeliveredLine& line) {
+  return {CellOf(line.pen),   StoredText(line.date),    CellOf(line.called), CellOf(line.delivered),
+          line.feedings,      CellOf(line.mean7),       CellOf(line.recipe), line.recipe_changed,
+          CellOf(line.first), CellOf(line.first_shift), line.missed,         CellOf(line.per_head)};
 }
 
 AnswerTable TableOf(const PenTotals& answer) {
@@ -85,11 +88,15 @@ AnswerTable ForwardTable(const Trace& answer) {
                                 {"share", TrMark("Share %"), CellKind::kPercent}},
                     .how = kHowTrace};
   for (const TraceLine& line : answer.lines) {
-    table.rows.push_back({CellOf(line.transaction), CellOf(line.date), CellOf(line.recipe),
-                          CellOf(line.operator_id), CellOf(line.pen), CellOf(line.weight),
-                          CellOf(line.share)});
+    table.rows.push_back(ForwardRow(line));
   }
   return table;
+}
+
+AnswerRow ForwardRow(const TraceLine& line) {
+  return {CellOf(line.transaction), CellOf(line.date), CellOf(line.recipe),
+          CellOf(line.operator_id), CellOf(line.pen),  CellOf(line.weight),
+          CellOf(line.share)};
 }
 
 AnswerTable BackwardTable(const Trace& answer) {
@@ -101,10 +108,14 @@ AnswerTable BackwardTable(const Trace& answer) {
                                 {"weight", TrMark("Weight"), CellKind::kWeight}},
                     .how = kHowTrace};
   for (const TraceLine& line : answer.lines) {
-    table.rows.push_back({CellOf(line.transaction), CellOf(line.date), CellOf(line.recipe),
-                          CellOf(line.operator_id), CellOf(line.ingredient), CellOf(line.weight)});
+    table.rows.push_back(BackwardRow(line));
   }
   return table;
+}
+
+AnswerRow BackwardRow(const TraceLine& line) {
+  return {CellOf(line.transaction), CellOf(line.date),       CellOf(line.recipe),
+          CellOf(line.operator_id), CellOf(line.ingredient), CellOf(line.weight)};
 }
 
 AnswerTable TableOf(const Holding& answer) {

@@ -38,10 +38,12 @@ struct AnswerColumn {
   CellKind kind = CellKind::kText;
 };
 
+using AnswerRow = std::vector<AnswerCell>;
+
 struct AnswerTable {
   std::vector<AnswerColumn> columns = {};
-  std::vector<std::vector<AnswerCell>> rows = {};
-  std::vector<AnswerCell> total = {};  // of all rows; empty if there is no such line
+  std::vector<AnswerRow> rows = {};
+  AnswerRow total = {};       // of all rows; empty if there is no such line
   std::string_view how = {};  // how the figures are made, in a sentence or two; Tr translates it
 };
 
@@ -71,6 +73,14 @@ struct AnswerTable {
 [[nodiscard]] AnswerTable TableOf(const Use& answer);
 // One row, with a list as one text: "2: 3-5,9; 4: 1".
 [[nodiscard]] AnswerTable TableOf(const Statement& answer);
+
+// The rows of answers that may be long: of the tables above.
+[[nodiscard]] AnswerRow RowOf(const CompositionLine& line);
+[[nodiscard]] AnswerRow RowOf(const BalanceLine& line);
+[[nodiscard]] AnswerRow RowOf(const BatchTimes& batch);
+[[nodiscard]] AnswerRow RowOf(const DeliveredLine& line);
+[[nodiscard]] AnswerRow ForwardRow(const TraceLine& line);
+[[nodiscard]] AnswerRow BackwardRow(const TraceLine& line);
 
 // Where the yard lies among the herds: "below the range", "in the lower half of the range".
 [[nodiscard]] std::string_view PlaceOf(const YardstickShare& share);

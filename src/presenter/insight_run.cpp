@@ -92,49 +92,108 @@ void AnswerAccuracy(SQLite::Database& database, const InsightAsked& asked,
   }
 }
 
+// More rows help nobody in a window, and would fill its memory.
+constexpr std::size_t kMostRows = 20000;
+
+// The rows of a table that is cut off after kMostRows.
+class FirstRows {
+ public:
+  explicit FirstRows(AnswerTable table) : table_(std::move(table)) {}
+
+  template <typename ToRow>
+  void Add(ToRow to_row) {
+    if (++count_ <= kMostRows) {
+      table_.rows.push_back(to_row());
+    }
+  }
+
+  void MoveInto(InsightAnswer& answer) {
+    answer.table = std::move(table_);
+    if (count_ > kMostRows) {
+      answer.notes.push_back(Tr("The table has the first %1 of %2 rows. Choose a shorter period.",
+                                {std::to_string(kMostRows), std::to_string(count_)}));
+    }
+  }
+
+ private:
+  AnswerTable table_;
+  std::size_t count_ = 0;
+};
+
 void KeepUnbalanced(Balance& balance) {
   std::erase_if(balance.lines,
                 [](const BalanceLine& line) { return line.state == BalanceState::kBalanced; });
 }
 
-// Each batch is a mark: years of them would be drawn for seconds, one over the other.
-void KeepDrawable(InsightAnswer& answer) {
-  constexpr std::size_t kMostMarks = 20000;
-  if (answer.balance->lines.size() > kMostMarks) {
-    KeepUnbalanced(*answer.balance);
-    answer.notes.emplace_back(TrMark("The picture has the batches out of balance only."));
+// The batches of the picture. Each is a mark: years of them would be drawn for seconds, one over
+// the other.
+class BatchMarks {
+ public:
+  void Add(BalanceLine&& line) {
+    constexpr std::size_t kMostMarks = 20000;
+    if (only_unbalanced_ && line.state == BalanceState::kBalanced) {
+      return;
+    }
+    marks_.lines.push_back(std::move(line));
+    if (!only_unbalanced_ && marks_.lines.size() > kMostMarks) {
+      only_unbalanced_ = true;
+      KeepUnbalanced(marks_);
+    }
   }
-}
+
+  void MoveInto(InsightAnswer& answer) {
+    answer.balance->lines = std::move(marks_.lines);
+    if (only_unbalanced_) {
+      answer.notes.emplace_back(TrMark("The picture has the batches out of balance only."));
+    }
+  }
+
+ private:
+  Balance marks_;
+  bool only_unbalanced_ = false;
+};
 
 void AnswerBalance(SQLite::Database& database, const InsightAsked& asked,
                    const InsightProgress& progress, InsightAnswer& answer) {
-  answer.balance = ReadBalance(database,
-                               {.about = asked.about,
-                                .percent = asked.limits.balance_percent,
-                                .weight = asked.limits.balance_weight,
-                                .all = true},
-                               progress);
+  const bool all_rows = asked.Table().rows == InsightRows::kBatches;
+  FirstRows rows(TableOf(Balance()));
+  BatchMarks marks;
+  answer.balance = StreamBalance(
+      database,
+      {.about = asked.about,
+       .percent = asked.limits.balance_percent,
+       .weight = asked.limits.balance_weight,
+       .all = true},
+      [&](BalanceLine&& line) {
+        if (all_rows || line.state != BalanceState::kBalanced) {
+          rows.Add([&] { return RowOf(line); });
+        }
+        marks.Add(std::move(line));
+      },
+      progress);
   AddNotes(answer, answer.balance->notes);
-  if (asked.Table().rows == InsightRows::kBatches) {
-    answer.table = TableOf(*answer.balance);
-  } else if (asked.Table().rows == InsightRows::kDays) {
+  if (asked.Table().rows == InsightRows::kDays) {
     answer.table = TableOfDays(*answer.balance);
   } else {
-    Balance out = *answer.balance;
-    KeepUnbalanced(out);
-    answer.table = TableOf(out);
+    rows.MoveInto(answer);
   }
-  KeepDrawable(answer);
+  marks.MoveInto(answer);
 }
 
 void AnswerTimes(SQLite::Database& database, const InsightAsked& asked,
                  const InsightProgress& progress, InsightAnswer& answer) {
   const TimesKey by =
       asked.Table().rows == InsightRows::kOperators ? TimesKey::kOperator : TimesKey::kRecipe;
-  const Times times = ReadTimes(database, {.about = asked.about, .by = by}, progress);
-  answer.table =
-      asked.Table().rows == InsightRows::kBatches ? TableOfBatches(times) : TableOf(times, by);
+  FirstRows batches(TableOfBatches(Times()));
+  const Times times = StreamTimes(
+      database, {.about = asked.about, .by = by},
+      [&](const BatchTimes& batch) { batches.Add([&] { return RowOf(batch); }); }, progress);
   AddNotes(answer, times.notes);
+  if (asked.Table().rows == InsightRows::kBatches) {
+    batches.MoveInto(answer);
+  } else {
+    answer.table = TableOf(times, by);
+  }
 }
 
 void AnswerHolding(SQLite::Database& database, const InsightAsked& asked,
@@ -150,19 +209,34 @@ void AnswerHolding(SQLite::Database& database, const InsightAsked& asked,
   AddNotes(answer, holding.notes);
 }
 
-void AnswerPens(SQLite::Database& database, const InsightAsked& asked,
-                const InsightProgress& progress, InsightAnswer& answer) {
-  if (asked.topic == InsightTopic::kDelivered) {
-    answer.delivered = ReadDelivered(database, asked.about, {}, progress);
-    answer.table = TableOf(*answer.delivered);
-    AddNotes(answer, answer.delivered->notes);
-    return;
-  }
+void AnswerDelivered(SQLite::Database& database, const InsightAsked& asked,
+                     const InsightProgress& progress, InsightAnswer& answer) {
+  FirstRows rows(TableOf(Delivered()));
+  std::vector<DeliveredLine> lines;  // of the rows
+  answer.delivered = StreamDelivered(
+      database, asked.about, {},
+      [&](DeliveredLine&& line) {
+        rows.Add([&] {
+          lines.push_back(std::move(line));
+          return RowOf(lines.back());
+        });
+      },
+      progress);
+  answer.delivered->lines = std::move(lines);
+  AddNotes(answer, answer.delivered->notes);
+  rows.MoveInto(answer);
+}
+
+void AnswerTrace(SQLite::Database& database, const InsightAsked& asked,
+                 const InsightProgress& progress, InsightAnswer& answer) {
   const bool of_pen = asked.Table().rows == InsightRows::kOfPen;
-  const Trace trace = of_pen ? TracePen(database, asked.about, progress)
-                             : TraceIngredient(database, asked.about, progress);
-  answer.table = of_pen ? BackwardTable(trace) : ForwardTable(trace);
-  AddNotes(answer, trace.notes);
+  FirstRows rows(of_pen ? BackwardTable(Trace()) : ForwardTable(Trace()));
+  const TakeLine<TraceLine> take = [&](const TraceLine& line) {
+    rows.Add([&] { return of_pen ? BackwardRow(line) : ForwardRow(line); });
+  };
+  AddNotes(answer, of_pen ? StreamTraceOfPen(database, asked.about, take, progress)
+                          : StreamTraceOfIngredient(database, asked.about, take, progress));
+  rows.MoveInto(answer);
 }
 
 void AnswerStatement(SQLite::Database& database, const InsightAsked& asked,
@@ -214,8 +288,10 @@ InsightAnswer AnswerInsight(SQLite::Database& database, const InsightAsked& aske
       AnswerTimes(database, asked, progress, answer);
       break;
     case InsightTopic::kDelivered:
+      AnswerDelivered(database, asked, progress, answer);
+      break;
     case InsightTopic::kTrace:
-      AnswerPens(database, asked, progress, answer);
+      AnswerTrace(database, asked, progress, answer);
       break;
     case InsightTopic::kHolding:
       AnswerHolding(database, asked, progress, answer);
