@@ -30,7 +30,8 @@ AccuracyTests::AccuracyTests(const AccuracyLimits& limits, WeightUnit unit)
       beyond_(limits.beyond, unit, "beyond") {}
 
 bool AccuracyTests::IsWithin(const Exact& amount, const Exact& target) const {
-  return amount <= division_ || amount * Exact::Whole(100) < target * percent_;
+  return amount <= division_ ||
+         CompareProducts(amount, Exact::Whole(kAllPercent), target, percent_) < 0;
 }
 
 bool AccuracyTests::IsWithinWeight(const Exact& amount) const {

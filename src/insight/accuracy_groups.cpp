@@ -44,7 +44,7 @@ unsigned FlagOf(AccuracyKey key) {
     case AccuracyKey::kPen:
       return kReadPen;
     default:
-      return kReadBatch | kReadDate;
+      return kReadBatch | kReadBatchDay;
   }
 }
 
@@ -162,11 +162,15 @@ class AccuracyAnswer {
     for (std::size_t i = 0; i < question_.by.size(); ++i) {
       key.at(i) = KeyOf(question_.by[i], record);
     }
+    if (last_ < groups_.size() && groups_[last_].key == key) {
+      return groups_[last_];
+    }
     const auto [found, is_new] = index_.try_emplace(Joined(key[0], key[1]), groups_.size());
     if (is_new) {
       groups_.push_back({.key = key, .sums = {}});
     }
-    return groups_[found->second];
+    last_ = found->second;
+    return groups_[last_];
   }
 
   [[nodiscard]] std::optional<std::string> KeyText(AccuracyKey key, std::uint32_t value) const {
@@ -272,6 +276,7 @@ class AccuracyAnswer {
   NameId pen_ = kNoName;
   std::vector<Group> groups_;
   std::unordered_map<std::uint64_t, std::size_t> index_;
+  std::size_t last_ = 0;  // the group of the last record
   std::unordered_map<std::uint64_t, Share> shares_;
   std::unordered_map<NameId, Exact> targets_;  // of all operators, by ingredient
 };

@@ -55,7 +55,7 @@ bool Deviations::IsLess(const Small& left, const Small& right) {
 }
 
 bool Deviations::IsLess(const Large& left, const Large& right) {
-  return left.difference * right.target < right.difference * left.target;
+  return CompareProducts(left.difference, right.target, right.difference, left.target) < 0;
 }
 
 Deviations::Large Deviations::Whole(const Small& small) {

@@ -366,6 +366,17 @@ std::strong_ordering operator<=>(const Exact& left, const Exact& right) {
   return one.negative ? Compare(other.digits, one.digits) : Compare(one.digits, other.digits);
 }
 
+// No product is divided back into millionths: that is most of the time of a multiplication.
+std::strong_ordering CompareProducts(const Exact& one, const Exact& other, const Exact& third,
+                                     const Exact& fourth) {
+  if (one.large_ == nullptr && other.large_ == nullptr && third.large_ == nullptr &&
+      fourth.large_ == nullptr) {
+    return Int128{one.millionths_} * other.millionths_ <=>
+           Int128{third.millionths_} * fourth.millionths_;
+  }
+  return one * other <=> third * fourth;
+}
+
 double Quotient(const Exact& dividend, const Exact& divisor) {
   if (dividend.large_ == nullptr && divisor.large_ == nullptr) {
     // Both are exact as doubles, so the division rounds once.

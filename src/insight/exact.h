@@ -38,6 +38,10 @@ class Exact {
     return (left <=> right) == std::strong_ordering::equal;
   }
 
+  // one * other <=> third * fourth
+  friend std::strong_ordering CompareProducts(const Exact& one, const Exact& other,
+                                              const Exact& third, const Exact& fourth);
+
   // The double nearest to the quotient; halves go to even. `divisor` is not 0.
   friend double Quotient(const Exact& dividend, const Exact& divisor);
 
@@ -49,6 +53,8 @@ class Exact {
   std::shared_ptr<const Large> large_;
 };
 
+std::strong_ordering CompareProducts(const Exact& one, const Exact& other, const Exact& third,
+                                     const Exact& fourth);
 double Quotient(const Exact& dividend, const Exact& divisor);
 
 }  // namespace vrx

@@ -111,6 +111,9 @@ void PenDaysReader::Fold(Pen& pen, std::vector<Delivery>& deliveries) {
 // A pen that was not fed in the period has lines if it was fed before and after it.
 void PenDaysReader::AddLaterDays(PenSearch& search) {
   const DayNumber last = ToDayNumber(question_.to);
+  if (!search.HasRowsAfter(last)) {
+    return;
+  }
   std::set<NameId> open;
   for (const auto& [pen, read] : pens_) {
     open.insert(pen);

@@ -39,6 +39,14 @@ std::optional<DayNumber> PenSearch::DayBefore(const std::string& pen, DayNumber 
 }
 
 std::optional<DayNumber> PenSearch::DayAfter(const std::string& pen, DayNumber day) {
+  if (!HasRowsAfter(day)) {
+    return std::nullopt;
+  }
+  return FindDay(
+      pen, " AND rowid >= " + std::to_string(*first_after_) + " AND +[Date] > " + DayText(day));
+}
+
+bool PenSearch::HasRowsAfter(DayNumber day) {
   if (after_ != day) {
     SQLite::Statement first(database_,
                             "SELECT min(rowid) FROM Transactions WHERE [Date] > " + DayText(day));
@@ -47,11 +55,7 @@ std::optional<DayNumber> PenSearch::DayAfter(const std::string& pen, DayNumber d
     first_after_ = rowid.isNull() ? std::nullopt : std::optional(rowid.getInt64());
     after_ = day;
   }
-  if (!first_after_) {
-    return std::nullopt;
-  }
-  return FindDay(
-      pen, " AND rowid >= " + std::to_string(*first_after_) + " AND +[Date] > " + DayText(day));
+  return first_after_.has_value();
 }
 
 std::optional<DayNumber> PenSearch::FindDay(const std::string& pen, const std::string& condition) {

@@ -21,6 +21,8 @@ class PenSearch {
   PenSearch(SQLite::Database& database, const RecordReader& reader,
             const std::vector<std::int64_t>& ranges);
 
+  // Reads the index of dates from the day on.
+  [[nodiscard]] bool HasRowsAfter(DayNumber day);
   // The pens that any row has.
   [[nodiscard]] std::vector<std::string> Pens();
   // The day of some delivery before or after another day.

@@ -23,21 +23,21 @@ constexpr std::string_view kNoUser = "-1";  // how some databases store a missin
 enum Cell {
   kRow,
   kNumber,
-  kType,
-  kRecipe,
-  kUser,
-  kIngredient,
-  kPen,
+  kType,  // of a scan of both types
   kTarget,
   kActual,
+  kIngredient,
+  kPen,
+  kRecipe,
+  kUser,
   kDay,
   kTime
 };
 
-// NULL stands for a column that is not read.
+// NULL stands for a column that is not read; those at the end are left out.
 std::string ColumnsOf(unsigned flags) {
   const auto column = [flags](unsigned flag, const char* name) {
-    return std::string(", ") + ((flags & flag) != 0 ? name : "NULL");
+    return (flags & flag) != 0 ? name : "NULL";
   };
   const bool loads = (flags & kReadLoads) != 0;
   const bool deliveries = (flags & kReadDeliveries) != 0;
@@ -45,11 +45,20 @@ std::string ColumnsOf(unsigned flags) {
   if (loads && deliveries) {
     actual = "iif(Type = 'BATCH', ActualBatch, ActualFeed)";
   }
-  std::string text = "rowid, [Transaction], Type";
-  text += column(kReadRecipe, "Recipe") + column(kReadOperator, "UserID");
-  text += column(kReadIngredient, "Ingredient") + column(kReadPen, "Pen");
-  text += column(kReadWeights, "Target") + column(kReadWeights, actual);
-  return text + column(kReadDate, "Date") + column(kReadTime, "Time");
+  std::string text = "rowid";
+  std::string skipped;
+  for (const std::string_view cell :
+       {column(kReadBatch, "[Transaction]"), loads && deliveries ? "Type" : "NULL",
+        column(kReadWeights, "Target"), column(kReadWeights, actual),
+        column(kReadIngredient, "Ingredient"), column(kReadPen, "Pen"),
+        column(kReadRecipe, "Recipe"), column(kReadOperator, "UserID"),
+        column(kReadDate | kReadBatchDay, "Date"), column(kReadTime, "Time")}) {
+    skipped += ", " + std::string(cell);
+    if (cell != "NULL") {
+      text += std::exchange(skipped, "");
+    }
+  }
+  return text;
 }
 
 std::string TypeCondition(unsigned flags) {
@@ -122,7 +131,7 @@ void RecordReader::Read(unsigned flags, const std::function<void(const Record&)>
     batch.has_load = false;
     batch.has_delivery = false;
   }
-  Scan scan{.flags = flags, .take = take};
+  Scan scan{.flags = FlagsOfScan(flags), .take = take};
   WithDatabaseErrors(database_, [&] { ReadRuns(scan); });
 }
 
@@ -145,10 +154,10 @@ void RecordReader::ReadRuns(Scan& scan) {
 
 void RecordReader::ReadDates(unsigned flags, const DayRange& days,
                              const std::function<void(const Record&)>& take, int percent) {
-  Scan scan{.flags = flags, .take = take, .percent = percent};
+  Scan scan{.flags = FlagsOfScan(flags), .take = take, .percent = percent};
   WithDatabaseErrors(database_, [&] {
     RowScan rows(
-        database_, ColumnsOf(flags),
+        database_, ColumnsOf(scan.flags),
         "FROM Transactions WHERE " + DayCondition(days.from, days.to) + TypeCondition(flags),
         [&](sqlite3_value** row) { Take(scan, row); });
     rows.Run();
@@ -162,12 +171,18 @@ void RecordReader::Take(Scan& scan, sqlite3_value** row) {
                ? scan.percent
                : static_cast<int>((scan.before + record.rowid - scan.first) * 100 / scan.total));
   }
-  const std::string_view type = TextIn(row[kType]);
-  record.is_load = type == kLoadType;
-  if (!Counts(type) || IsLeftOut(record.rowid)) {
+  record.is_load = (scan.flags & kReadLoads) != 0;
+  if ((scan.flags & kReadBoth) == kReadBoth) {
+    const std::string_view type = TextIn(row[kType]);
+    record.is_load = type == kLoadType;
+    if (!Counts(type)) {
+      return;
+    }
+  }
+  if (IsLeftOut(record.rowid)) {
     return;
   }
-  const bool with_batch = chooses_ || (scan.flags & kReadBatch) != 0;
+  const bool with_batch = (scan.flags & kReadBatch) != 0;
   if (with_batch) {
     const std::optional<std::uint32_t> batch = BatchOf(record.rowid, row[kNumber]);
     if (!batch || !batches_[*batch].chosen) {
@@ -202,7 +217,7 @@ void RecordReader::ReadCells(Scan& scan, sqlite3_value** row, Record& record) {
     record.target = Weight(record.rowid, row[kTarget]);
     record.actual = Weight(record.rowid, row[kActual]);
   }
-  if ((scan.flags & kReadDate) != 0) {
+  if ((scan.flags & kReadDate) != 0 || ((scan.flags & kReadBatchDay) != 0 && DecidesDay(record))) {
     record.day = scan.days.Read(TextIn(row[kDay]));
   }
   if ((scan.flags & kReadTime) != 0) {
@@ -226,6 +241,11 @@ Exact RecordReader::Weight(std::int64_t rowid, sqlite3_value* value) const {
 }
 
 // Batches.
+
+bool RecordReader::DecidesDay(const Record& record) const {
+  const Batch& batch = batches_[record.batch];
+  return !days_known_ && !batch.has_load && (record.is_load || !batch.has_delivery);
+}
 
 // Nothing for a batch that cannot be chosen.
 std::optional<std::uint32_t> RecordReader::BatchOf(std::int64_t rowid, sqlite3_value* number) {
@@ -260,8 +280,7 @@ void RecordReader::NoteRow(const Record& record) {
     batch.operator_id = record.operator_id;
     batch.has_row = true;
   }
-  const bool decides = record.is_load ? !batch.has_load : !batch.has_load && !batch.has_delivery;
-  if (decides && !days_known_) {
+  if (DecidesDay(record)) {
     batch.day = record.day;
   }
   if (record.is_load) {
@@ -294,7 +313,7 @@ std::vector<std::uint32_t> RecordReader::BatchesInOrder() const {
 
 void RecordReader::FindDays() {
   if (!days_known_) {
-    Read(kReadBoth | kReadBatch | kReadDate, [](const Record&) {});
+    Read(kReadBoth | kReadBatch | kReadBatchDay, [](const Record&) {});
     days_known_ = true;
   }
 }
@@ -305,7 +324,7 @@ void RecordReader::ChooseByName() {
   flags |= question_.operator_id ? kReadOperator : 0U;
   flags |= question_.ingredient ? kReadIngredient : 0U;
   flags |= question_.pen ? kReadPen : 0U;
-  flags |= days_known_ ? 0U : kReadDate;
+  flags |= days_known_ ? 0U : kReadBatchDay;
   Read(flags, [](const Record&) {});
   days_known_ = true;
   chooses_ = true;

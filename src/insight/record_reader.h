@@ -35,6 +35,7 @@ enum ReadFlags : unsigned {
   kReadDate = 1U << 7U,
   kReadTime = 1U << 8U,
   kReadBatch = 1U << 9U,
+  kReadBatchDay = 1U << 10U,  // the date of the rows that decide the day of their batch
   kReadBoth = kReadLoads | kReadDeliveries,
 };
 
@@ -142,12 +143,16 @@ class RecordReader {
   using DatedRows = std::unordered_map<std::int64_t, FirstRows>;  // by transaction
   struct Scan;                                                    // one pass over the rows
 
+  [[nodiscard]] unsigned FlagsOfScan(unsigned flags) const {
+    return chooses_ ? flags | kReadBatch : flags;
+  }
   void ReadRuns(Scan& scan);
   void Take(Scan& scan, sqlite3_value** row);
   void ReadCells(Scan& scan, sqlite3_value** row, Record& record);
   [[nodiscard]] Exact Weight(std::int64_t rowid, sqlite3_value* value) const;
 
   std::optional<std::uint32_t> BatchOf(std::int64_t rowid, sqlite3_value* number);
+  [[nodiscard]] bool DecidesDay(const Record& record) const;
   void NoteRow(const Record& record);
   [[nodiscard]] NameId Wanted(NameKind kind) const {
     return wanted_[static_cast<std::size_t>(kind)];

@@ -63,7 +63,11 @@ void RowScan::Step(sqlite3_context* context, int /*count*/, sqlite3_value** row)
 }
 
 std::string_view TextIn(sqlite3_value* value) {
-  const auto* const bytes = reinterpret_cast<const char*>(sqlite3_value_text(value));
+  // As text SQLite would copy the bytes to end them with a zero.
+  const bool is_utf8 =
+      sqlite3_value_type(value) == SQLITE_TEXT && sqlite3_value_encoding(value) == SQLITE_UTF8;
+  const void* const start = is_utf8 ? sqlite3_value_blob(value) : sqlite3_value_text(value);
+  const auto* const bytes = static_cast<const char*>(start);
   return {bytes == nullptr ? "" : bytes, static_cast<std::size_t>(sqlite3_value_bytes(value))};
 }
 

@@ -39,7 +39,9 @@ LimitTest::LimitTest(const WeightLimit& limit, WeightUnit unit, std::string_view
 }
 
 int LimitTest::Compare(const Exact& weight) const {
-  const auto order = (factor_.Sign() == 0 ? weight : weight * factor_) <=> limit_;
+  const auto order = factor_.Sign() == 0
+                         ? weight <=> limit_
+                         : CompareProducts(weight, factor_, limit_, Exact::Whole(1));
   return order < 0 ? -1 : (order > 0 ? 1 : 0);
 }
 
