@@ -12,34 +12,38 @@
 namespace vrx {
 namespace {
 
+// The first day from a number on.
+DaysOfPen::const_iterator DayFrom(const DaysOfPen& days, DayNumber day) {
+  return std::ranges::lower_bound(days, day, {}, &DayOfPen::day);
+}
+
 // Nothing before the seventh day.
 std::optional<double> MeanOf(const DaysOfPen& days, DayNumber day) {
-  if (day - days.begin()->first + 1 < kMeanDays) {
+  if (day - days.front().day + 1 < kMeanDays) {
     return std::nullopt;
   }
   Exact sum;
-  for (auto found = days.upper_bound(day - kMeanDays); found != days.end() && found->first <= day;
+  for (auto found = DayFrom(days, day - kMeanDays + 1); found != days.end() && found->day <= day;
        ++found) {
-    sum += found->second.delivered;
+    sum += found->delivered;
   }
   return Quotient(sum, Exact::Whole(kMeanDays));
 }
 
 // Minutes after the median of the days before.
-std::optional<double> ShiftOf(const DaysOfPen& days, DayNumber day) {
-  const std::int32_t first = days.at(day).first;
+std::optional<double> ShiftOf(const DaysOfPen& days, const DayOfPen& day) {
   std::vector<std::int32_t> times;  // seconds
-  for (auto found = days.lower_bound(day - kShiftDays); found->first < day; ++found) {
-    if (found->second.first != kNoTime) {
-      times.push_back(found->second.first);
+  for (auto found = DayFrom(days, day.day - kShiftDays); found->day < day.day; ++found) {
+    if (found->first != kNoTime) {
+      times.push_back(found->first);
     }
   }
-  if (first == kNoTime || times.empty()) {
+  if (day.first == kNoTime || times.empty()) {
     return std::nullopt;
   }
   std::ranges::sort(times);
   const std::int32_t twice = times[(times.size() - 1) / 2] + times[times.size() / 2];
-  return (2 * first - twice) / (2.0 * kSecondsAMinute);
+  return (2 * day.first - twice) / (2.0 * kSecondsAMinute);
 }
 
 // The heads of each pen by the day from which they count.
@@ -64,17 +68,16 @@ class DeliveredAnswer {
       : reader_(reader), question_(question), heads_(heads) {}
 
   void AddPen(NameId pen, const DaysOfPen& days, const TakeLine<DeliveredLine>& take) const {
-    const DayNumber first = question_.from
-                                ? std::max(ToDayNumber(question_.from), days.begin()->first)
-                                : days.begin()->first;
-    const DayNumber last = question_.to ? std::min(ToDayNumber(question_.to), days.rbegin()->first)
-                                        : days.rbegin()->first;
+    const DayNumber first =
+        question_.from ? std::max(ToDayNumber(question_.from), days.front().day) : days.front().day;
+    const DayNumber last =
+        question_.to ? std::min(ToDayNumber(question_.to), days.back().day) : days.back().day;
     for (DayNumber day = first; day <= last; ++day) {
       DeliveredLine line{.pen = reader_.NamesOf(NameKind::kPen).Name(pen),
                          .date = *ToDate(day),
                          .mean7 = MeanOf(days, day)};
-      if (const auto found = days.find(day); found != days.end()) {
-        Fill(line, pen, days, found->second);
+      if (const auto found = DayFrom(days, day); found->day == day) {
+        Fill(line, pen, days, *found);
       } else {
         line.missed = true;
       }
@@ -84,7 +87,6 @@ class DeliveredAnswer {
 
  private:
   void Fill(DeliveredLine& line, NameId pen, const DaysOfPen& days, const DayOfPen& day) const {
-    const DayNumber number = ToDayNumber(line.date);
     line.called = day.called.ToDouble();
     line.delivered = day.delivered.ToDouble();
     line.difference = (day.delivered - day.called).ToDouble();
@@ -92,9 +94,9 @@ class DeliveredAnswer {
     line.recipe = reader_.NamesOf(NameKind::kRecipe).Name(day.recipe);
     line.recipe_changed = day.recipe_changed;
     line.first = ToTime(day.first);
-    line.first_shift = ShiftOf(days, number);
+    line.first_shift = ShiftOf(days, day);
     line.per_head =
-        PerHead(heads_, reader_.NamesOf(NameKind::kPen).Text(pen), number, day.delivered);
+        PerHead(heads_, reader_.NamesOf(NameKind::kPen).Text(pen), day.day, day.delivered);
   }
 
   const RecordReader& reader_;

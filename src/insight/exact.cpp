@@ -255,7 +255,13 @@ Exact::Exact(Large large) {
       return;
     }
   }
-  large_ = std::make_shared<const Large>(std::move(large));
+  large_ = LargePointer(new const Large(std::move(large)));
+}
+
+void Exact::DeleteLarge::operator()(const Large* large) const { delete large; }
+
+Exact::LargePointer Exact::CopyOf(const Large& large) {
+  return LargePointer(new const Large(large));
 }
 
 Exact Exact::Of(double value) {

@@ -13,6 +13,13 @@ class Exact {
   struct Large;  // a number that does not fit `millionths_`
 
   Exact() = default;  // 0
+  Exact(const Exact& other)
+      : millionths_(other.millionths_),
+        large_(other.large_ == nullptr ? nullptr : CopyOf(*other.large_)) {}
+  Exact(Exact&& other) noexcept = default;
+  Exact& operator=(const Exact& other) { return *this = Exact(other); }
+  Exact& operator=(Exact&& other) noexcept = default;
+  ~Exact() = default;
   // The number that the shortest decimal text of `value` shows, if that text reads back as `value`:
   // 0.1 is a tenth. `value` is finite.
   [[nodiscard]] static Exact Of(double value);
@@ -49,8 +56,14 @@ class Exact {
   explicit Exact(Large large);
   [[nodiscard]] Large ToLarge() const;
 
+  struct DeleteLarge {
+    void operator()(const Large* large) const;
+  };
+  using LargePointer = std::unique_ptr<const Large, DeleteLarge>;
+  static LargePointer CopyOf(const Large& large);
+
   std::int64_t millionths_ = 0;
-  std::shared_ptr<const Large> large_;
+  LargePointer large_;
 };
 
 std::strong_ordering CompareProducts(const Exact& one, const Exact& other, const Exact& third,

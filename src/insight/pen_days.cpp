@@ -96,7 +96,10 @@ void PenDaysReader::Fold(Pen& pen, std::vector<Delivery>& deliveries) {
     pen.first_recipe = deliveries.front().recipe;
   }
   for (const Delivery& delivery : deliveries) {
-    DayOfPen& day = pen.days[delivery.day];
+    if (pen.days.empty() || pen.days.back().day != delivery.day) {
+      pen.days.push_back({.day = delivery.day});
+    }
+    DayOfPen& day = pen.days.back();
     day.called += delivery.called;
     day.delivered += delivery.delivered;
     ++day.feedings;
@@ -127,7 +130,7 @@ void PenDaysReader::AddLaterDays(PenSearch& search) {
   }
   for (const NameId pen : open) {
     const auto known = pens_.find(pen);
-    if (known != pens_.end() && known->second.days.rbegin()->first == last) {
+    if (known != pens_.end() && known->second.days.back().day == last) {
       continue;
     }
     const std::string& name = reader_.NamesOf(NameKind::kPen).Text(pen);
@@ -140,9 +143,9 @@ void PenDaysReader::AddLaterDays(PenSearch& search) {
       if (!before) {
         continue;
       }
-      pens_[pen].days.try_emplace(*before);
+      pens_[pen].days.push_front({.day = *before});
     }
-    pens_[pen].days.try_emplace(*after);
+    pens_[pen].days.push_back({.day = *after});
   }
 }
 
@@ -151,7 +154,7 @@ void PenDaysReader::AddDaysBefore(PenSearch& search) {
   DayNumber start = from - kShiftDays;
   std::set<NameId> open;
   for (const auto& [pen, read] : pens_) {
-    if (read.days.begin()->first > from - kMeanDays + 1 &&
+    if (read.days.front().day > from - kMeanDays + 1 &&
         search.DayBefore(reader_.NamesOf(NameKind::kPen).Text(pen), start)) {
       open.insert(pen);
     }
@@ -173,9 +176,9 @@ void PenDaysReader::AddDaysBefore(PenSearch& search) {
                       });
     for (const auto& [pen, delivery] : found) {
       Pen& read = pens_[pen];
-      DayOfPen& first = read.days.begin()->second;
+      DayOfPen& first = read.days.front();
       first.recipe_changed = first.recipe_changed || read.first_recipe != delivery.recipe;
-      read.days.try_emplace(delivery.day);
+      read.days.push_front({.day = delivery.day});
       open.erase(pen);
     }
   }

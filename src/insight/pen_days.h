@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstdint>
+#include <deque>
 #include <map>
 #include <optional>
 #include <vector>
@@ -20,14 +21,15 @@ class PenSearch;
 struct DayOfPen {
   Exact called = {};
   Exact delivered = {};
-  std::int64_t feedings = 0;
+  DayNumber day = kNoDay;
+  std::int32_t first = kNoTime;
+  std::int32_t feedings = 0;
   NameId recipe = kNoName;      // of the last delivery
   bool recipe_changed = false;  // between a delivery and the one before it
-  std::int32_t first = kNoTime;
 };
 
-// The days of a pen with a delivery.
-using DaysOfPen = std::map<DayNumber, DayOfPen>;
+// The days of a pen with a delivery, ascending. Years of hundreds of pens are a million of them.
+using DaysOfPen = std::deque<DayOfPen>;
 using DaysOfPens = std::map<NameId, DaysOfPen>;
 
 // The first times of this many days before a day are compared with its own.
