@@ -1,6 +1,7 @@
 #include "insight/accuracy_figures.h"
 
 #include <string_view>
+#include <vector>
 
 namespace vrx {
 namespace {
@@ -70,7 +71,7 @@ bool AccuracySums::Add(const Exact& target, const Exact& actual, const AccuracyT
   return within;
 }
 
-void AccuracySums::Take(AccuracySums& other) {
+void AccuracySums::AddCounts(const AccuracySums& other) {
   n_ += other.n_;
   within_ += other.within_;
   within_weight_ += other.within_weight_;
@@ -85,16 +86,30 @@ void AccuracySums::Take(AccuracySums& other) {
   target_within_ += other.target_within_;
   not_loaded_target_ += other.not_loaded_target_;
   without_target_actual_ += other.without_target_actual_;
-  deviations_.Take(other.deviations_);
 }
 
 AccuracyFigures AccuracySums::Figures(bool deliveries) {
+  return Figures(deviations_.FindQuartiles(Exact::Of(kMarkedMedian)), deliveries);
+}
+
+AccuracyFigures AccuracySums::FiguresOf(std::span<AccuracySums* const> sets, bool deliveries) {
+  AccuracySums counts;
+  std::vector<Deviations*> deviations;
+  for (AccuracySums* const set : sets) {
+    counts.AddCounts(*set);
+    deviations.push_back(&set->deviations_);
+  }
+  return counts.Figures(Deviations::FindQuartiles(deviations, Exact::Of(kMarkedMedian)),
+                        deliveries);
+}
+
+AccuracyFigures AccuracySums::Figures(const std::optional<Quartiles>& quartiles,
+                                      bool deliveries) const {
   AccuracyFigures figures;
   figures.n = n_;
   figures.not_loaded = {not_loaded_, SumUnlessEmpty(not_loaded_, not_loaded_target_)};
   figures.without_target = {without_target_,
                             SumUnlessEmpty(without_target_, without_target_actual_)};
-  const auto quartiles = deviations_.FindQuartiles(Exact::Of(kMarkedMedian));
   if (!quartiles) {
     return figures;
   }

@@ -1,6 +1,8 @@
 #pragma once
 
 #include <cstdint>
+#include <optional>
+#include <span>
 
 #include "insight/accuracy.h"
 #include "insight/deviations.h"
@@ -31,14 +33,18 @@ class AccuracySums {
  public:
   // True if the load is within the limit in percent; false also if the measures leave it out.
   bool Add(const Exact& target, const Exact& actual, const AccuracyTests& tests);
-  // Takes over all of another one.
-  void Take(AccuracySums& other);
 
   // Finds the quartiles, so it changes the order of the loads.
   [[nodiscard]] AccuracyFigures Figures(bool deliveries);
-  [[nodiscard]] std::int64_t Count() const { return n_; }
+  // Of several sets together, each of other loads.
+  [[nodiscard]] static AccuracyFigures FiguresOf(std::span<AccuracySums* const> sets,
+                                                 bool deliveries);
 
  private:
+  void AddCounts(const AccuracySums& other);
+  [[nodiscard]] AccuracyFigures Figures(const std::optional<Quartiles>& quartiles,
+                                        bool deliveries) const;
+
   std::int64_t n_ = 0;
   std::int64_t within_ = 0;
   std::int64_t within_weight_ = 0;

@@ -181,7 +181,7 @@ class AccuracyAnswer {
 
   Accuracy Answer() {
     Accuracy answer;
-    AccuracySums total;
+    std::vector<AccuracySums*> all;
     for (Group& group : groups_) {
       reader_.Report(100);
       AccuracyGroup shown;
@@ -192,10 +192,10 @@ class AccuracyAnswer {
       Standardize(group.key[0], shown.figures);
       HideFew(shown.figures);
       answer.groups.push_back(std::move(shown));
-      total.Take(group.sums);
+      all.push_back(&group.sums);
     }
     Sort(answer.groups);
-    answer.total = total.Figures(question_.deliveries);
+    answer.total = AccuracySums::FiguresOf(all, question_.deliveries);
     answer.notes = reader_.Notes();
     answer.limits = question_.limits;
     for (WeightLimit* const limit : {&answer.limits.weight, &answer.limits.beyond}) {

@@ -1,6 +1,7 @@
 #include "insight/deviations.h"
 
 #include <algorithm>
+#include <array>
 #include <cstddef>
 #include <limits>
 
@@ -41,12 +42,7 @@ void Deviations::Add(const Exact& difference, const Exact& target) {
   } else {
     large_.push_back({difference, target});
   }
-}
-
-void Deviations::Take(Deviations& other) {
-  small_.insert(small_.end(), other.small_.begin(), other.small_.end());
-  large_.insert(large_.end(), other.large_.begin(), other.large_.end());
-  other = {};
+  sorted_ = false;
 }
 
 bool Deviations::IsLess(const Small& left, const Small& right) {
@@ -62,29 +58,89 @@ Deviations::Large Deviations::Whole(const Small& small) {
   return {Exact::Whole(small.difference), Exact::Whole(small.target)};
 }
 
-// Finds the order statistics in ascending order, each in what the one before left above it.
+// Some sets, each in ascending order, as one.
 template <typename Kind>
-Quartiles Deviations::QuartilesOf(std::vector<Kind>& values, const Exact& low) {
-  const auto less = [](const Kind& left, const Kind& right) { return IsLess(left, right); };
-  Quartiles quartiles;
-  auto sorted = values.begin();  // what is before it is in order
-  const auto find = [&](std::size_t quarter) {
-    const Place place(values.size(), quarter);
-    const auto below = values.begin() + static_cast<std::ptrdiff_t>(place.below);
-    if (below >= sorted) {
-      std::nth_element(sorted, below, values.end(), less);
-      sorted = below + 1;
+class Deviations::SortedSets {
+ public:
+  void Add(const std::vector<Kind>& set) {
+    if (!set.empty()) {
+      sets_.push_back(set);
+      count_ += set.size();
     }
-    Large value = Whole(*below);
+  }
+  [[nodiscard]] std::size_t Count() const { return count_; }
+
+  // The quotient at a place, and the one after it if there is one.
+  struct Pair {
+    Kind at;
+    Kind next;
+  };
+  [[nodiscard]] Pair Find(std::size_t place) const {
+    if (sets_.size() == 1) {
+      const std::span<const Kind> set = sets_.front();
+      return {set[place], set[std::min(place + 1, set.size() - 1)]};
+    }
+    const Kind at = Select(place);
+    std::size_t up_to = 0;
+    std::optional<Kind> above;
+    for (const std::span<const Kind> set : sets_) {
+      const auto end = std::upper_bound(set.begin(), set.end(), at, kLess);
+      up_to += static_cast<std::size_t>(end - set.begin());
+      if (end != set.end() && (!above || kLess(*end, *above))) {
+        above = *end;
+      }
+    }
+    return {at, place + 1 < up_to ? at : above.value_or(at)};
+  }
+
+ private:
+  static constexpr auto kLess = [](const Kind& left, const Kind& right) {
+    return IsLess(left, right);
+  };
+
+  // Halves what can be at the place by the middle of the largest part again and again.
+  [[nodiscard]] Kind Select(std::size_t place) const {
+    std::vector<std::span<const Kind>> parts = sets_;
+    for (;;) {
+      const auto& largest = *std::ranges::max_element(
+          parts, {}, [](const std::span<const Kind>& part) { return part.size(); });
+      const Kind middle = largest[largest.size() / 2];
+      std::size_t below = 0;
+      std::size_t up_to = 0;
+      for (const std::span<const Kind> part : parts) {
+        const auto first = std::lower_bound(part.begin(), part.end(), middle, kLess);
+        const auto end = std::upper_bound(first, part.end(), middle, kLess);
+        below += static_cast<std::size_t>(first - part.begin());
+        up_to += static_cast<std::size_t>(end - part.begin());
+      }
+      if (place >= below && place < up_to) {
+        return middle;
+      }
+      for (std::span<const Kind>& part : parts) {
+        const auto first = std::lower_bound(part.begin(), part.end(), middle, kLess);
+        part = place < below
+                   ? std::span(part.begin(), first)
+                   : std::span(std::upper_bound(first, part.end(), middle, kLess), part.end());
+      }
+      place -= place < below ? 0 : up_to;
+    }
+  }
+
+  std::vector<std::span<const Kind>> sets_;
+  std::size_t count_ = 0;
+};
+
+template <typename Kind>
+Quartiles Deviations::QuartilesOf(const SortedSets<Kind>& sets, const Exact& low) {
+  const auto find = [&](std::size_t quarter) {
+    const Place place(sets.Count(), quarter);
+    const auto pair = sets.Find(place.below);
+    const Large value = Whole(pair.at);
     if (place.fourths == 0) {
       return value;
     }
-    if (below + 1 >= sorted) {
-      std::iter_swap(sorted, std::min_element(sorted, values.end(), less));
-      ++sorted;
-    }
     // The sum of both, weighted in fourths, over their common denominator.
-    const Large next = Whole(*(below + 1));
+    const Large next = Whole(pair.next);
     const auto fourths = static_cast<std::int64_t>(place.fourths);
     return Large{value.difference * next.target * Exact::Whole(4 - fourths) +
                      next.difference * value.target * Exact::Whole(fourths),
@@ -94,27 +150,56 @@ Quartiles Deviations::QuartilesOf(std::vector<Kind>& values, const Exact& low) {
   const auto percent = [&](const Large& value) {
     return Quotient(value.difference * hundred, value.target);
   };
-  quartiles.q1 = percent(find(1));
   const Large median = find(2);
-  quartiles.median = percent(median);
-  quartiles.median_is_low = median.difference * hundred <= median.target * low;
-  quartiles.q3 = percent(find(3));
-  return quartiles;
+  return {.q1 = percent(find(1)),
+          .median = percent(median),
+          .q3 = percent(find(3)),
+          .median_is_low = median.difference * hundred <= median.target * low};
+}
+
+// Kept exact by a common factor: a thousandth has a fast form.
+void Deviations::MakeLarge() {
+  constexpr double kThousand = 1000;
+  for (const Small& small : small_) {
+    large_.push_back(
+        {Exact::Of(small.difference / kThousand), Exact::Of(small.target / kThousand)});
+  }
+  sorted_ = sorted_ && small_.empty();
+  small_ = {};
+}
+
+void Deviations::Sort() {
+  if (!sorted_) {
+    const auto less = [](const auto& left, const auto& right) { return IsLess(left, right); };
+    std::sort(small_.begin(), small_.end(), less);
+    std::sort(large_.begin(), large_.end(), less);
+    sorted_ = true;
+  }
 }
 
 std::optional<Quartiles> Deviations::FindQuartiles(const Exact& low) {
-  if (Count() == 0) {
+  const std::array<Deviations*, 1> one{this};
+  return FindQuartiles(one, low);
+}
+
+std::optional<Quartiles> Deviations::FindQuartiles(std::span<Deviations* const> sets,
+                                                   const Exact& low) {
+  const bool has_large =
+      std::ranges::any_of(sets, [](const Deviations* set) { return !set->large_.empty(); });
+  SortedSets<Small> small;
+  SortedSets<Large> large;
+  for (Deviations* const set : sets) {
+    if (has_large) {
+      set->MakeLarge();
+    }
+    set->Sort();
+    small.Add(set->small_);
+    large.Add(set->large_);
+  }
+  if (small.Count() + large.Count() == 0) {
     return std::nullopt;
   }
-  if (large_.empty()) {
-    return QuartilesOf(small_, low);
-  }
-  for (const Small& small : small_) {
-    // Kept exact by a common factor: a thousandth has a fast form.
-    large_.push_back({Exact::Of(small.difference / 1000.0), Exact::Of(small.target / 1000.0)});
-  }
-  small_ = {};
-  return QuartilesOf(large_, low);
+  return has_large ? QuartilesOf(large, low) : QuartilesOf(small, low);
 }
 
 }  // namespace vrx

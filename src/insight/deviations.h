@@ -1,7 +1,9 @@
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 #include <optional>
+#include <span>
 #include <vector>
 
 #include "insight/exact.h"
@@ -16,18 +18,21 @@ struct Quartiles {
   bool operator==(const Quartiles&) const = default;
 };
 
-// Collects quotients of a difference and a positive target and finds their exact quartiles. Eight
-// bytes for a quotient of weights with up to three decimals below two million.
+// Collects quotients of a difference and a positive target. Eight bytes for a quotient of weights
+// with up to three decimals below two million.
 class Deviations {
  public:
   void Add(const Exact& difference, const Exact& target);
-  // Takes over all of another one, which is empty afterwards.
-  void Take(Deviations& other);
   [[nodiscard]] std::size_t Count() const { return small_.size() + large_.size(); }
 
-  // In percent, by linear interpolation between the order statistics, h = (n - 1) p. Reorders the
-  // quotients. Nothing if there are none. `low` is a percentage that the median is compared with.
+  // The exact quartiles in percent, by linear interpolation between the order statistics, h = (n -
+  // 1) p. Sorts the quotients. Nothing if there are none. `low` is a percentage that the median is
+  // compared with.
   [[nodiscard]] std::optional<Quartiles> FindQuartiles(const Exact& low);
+
+  // The same of several sets together, without a copy of them.
+  [[nodiscard]] static std::optional<Quartiles> FindQuartiles(std::span<Deviations* const> sets,
+                                                              const Exact& low);
 
  private:
   struct Small {  // thousandths
@@ -43,10 +48,15 @@ class Deviations {
   static Large Whole(const Small& small);
   static Large Whole(const Large& large) { return large; }
   template <typename Kind>
-  static Quartiles QuartilesOf(std::vector<Kind>& values, const Exact& low);
+  class SortedSets;
+  template <typename Kind>
+  static Quartiles QuartilesOf(const SortedSets<Kind>& sets, const Exact& low);
+  void MakeLarge();
+  void Sort();
 
   std::vector<Small> small_;
   std::vector<Large> large_;
+  bool sorted_ = true;
 };
 
 }  // namespace vrx
