@@ -93,7 +93,7 @@ class BalanceReader {
                             const BatchWeights& weights, const BalanceTests& tests,
                             BalanceState state) {
     const auto& [loaded, fed, seconds, rows] = weights;
-    BalanceLine line{.transaction = batch.number,
+    BalanceLine line{.transaction = batch.Number(),
                      .date = ToDate(batch.day),
                      .recipe = reader.NamesOf(NameKind::kRecipe).Name(batch.recipe),
                      .operator_id = reader.NamesOf(NameKind::kOperator).Name(batch.operator_id),

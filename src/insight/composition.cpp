@@ -66,7 +66,7 @@ void TakePart(RecordReader& reader, const TakeLine<CompositionLine>& take) {
               });
     const Batch& known = reader.Batches()[index];
     for (const auto& [ingredient, sums] : batch.ingredients) {
-      take({.transaction = known.number,
+      take({.transaction = known.Number(),
             .recipe = reader.NamesOf(NameKind::kRecipe).Name(known.recipe),
             .ingredient = ingredients.Name(ingredient),
             .points = batch.Points(sums)});

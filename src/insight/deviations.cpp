@@ -164,7 +164,6 @@ void Deviations::MakeLarge() {
     large_.push_back(
         {Exact::Of(small.difference / kThousand), Exact::Of(small.target / kThousand)});
   }
-  sorted_ = sorted_ && small_.empty();
   small_ = {};
 }
 

@@ -201,7 +201,8 @@ class HoldingAnswer {
   void FindFollowers() {
     std::map<std::int64_t, std::uint32_t> by_number;
     for (std::uint32_t index = 0; index < batches_.size(); ++index) {
-      if (const auto number = reader_->Batches()[index].number; number && batches_[index].counts) {
+      if (const auto number = reader_->Batches()[index].Number();
+          number && batches_[index].counts) {
         by_number[*number] = index;
       }
     }
@@ -245,7 +246,7 @@ class HoldingAnswer {
         state.since = minutes(delivery);
       }
       if (const auto follower = followers_.find(delivery.batch); follower != followers_.end()) {
-        state.leftover = "batch " + std::to_string(*reader_->Batches()[delivery.batch].number) +
+        state.leftover = "batch " + std::to_string(*reader_->Batches()[delivery.batch].Number()) +
                          " may have had what was left of batch " + std::to_string(follower->second);
       }
     }

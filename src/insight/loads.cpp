@@ -86,7 +86,7 @@ class LoadsAnswer {
   [[nodiscard]] LoadLine LineOf(const Record& record) const {
     const auto name = [this](NameKind kind, NameId id) { return reader_.NamesOf(kind).Name(id); };
     LoadLine line{.record = record.rowid,
-                  .transaction = reader_.Batches()[record.batch].number,
+                  .transaction = reader_.Batches()[record.batch].Number(),
                   .date = ToDate(record.day),
                   .time = ToTime(record.seconds),
                   .recipe = name(NameKind::kRecipe, record.recipe),

@@ -72,8 +72,7 @@ void RecordReader::ReadPeriod(DatedRows& dated, BatchChoice choice) {
           return;
         }
         if (sqlite3_value_type(row[1]) != SQLITE_INTEGER) {
-          batch_of_row_.emplace(rowid, static_cast<std::uint32_t>(batches_.size()));
-          batches_.push_back({.rowid = rowid, .day = day});
+          batches_[AddBatch(rowid, false)].day = day;
           AddRun(rowid);
           return;
         }
@@ -112,8 +111,7 @@ void RecordReader::ChooseByPeriod(const DatedRows& dated) {
     const DatedRow& decides = has_load ? in_period.load : in_period.delivery;
     if (decides.rowid != kNoRow &&
         decides.rowid == (has_load ? first.load.rowid : first.delivery.rowid)) {
-      batch_of_number_.emplace(*number, static_cast<std::uint32_t>(batches_.size()));
-      batches_.push_back({.number = number, .day = decides.day});
+      batches_[AddBatch(*number, true)].day = decides.day;
       std::for_each(rowids.begin(), rowids.end(), [this](std::int64_t row) { AddRun(row); });
     }
     rowids.clear();

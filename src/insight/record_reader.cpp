@@ -242,6 +242,23 @@ Exact RecordReader::Weight(std::int64_t rowid, sqlite3_value* value) const {
 
 // Batches.
 
+std::optional<std::uint32_t> BatchNumbers::Find(std::int64_t number) const {
+  const auto run = runs_.find(number >> kRunBits);
+  if (run == runs_.end()) {
+    return std::nullopt;
+  }
+  const std::uint32_t batch = run->second[PlaceInRun(number)];
+  return batch == kNoBatch ? std::nullopt : std::optional(batch);
+}
+
+void BatchNumbers::Add(std::int64_t number, std::uint32_t batch) {
+  const auto [run, is_new] = runs_.try_emplace(number >> kRunBits);
+  if (is_new) {
+    run->second.fill(kNoBatch);
+  }
+  run->second[PlaceInRun(number)] = batch;
+}
+
 bool RecordReader::DecidesDay(const Record& record) const {
   const Batch& batch = batches_[record.batch];
   return !days_known_ && !batch.has_load && (record.is_load || !batch.has_delivery);
@@ -254,21 +271,30 @@ std::optional<std::uint32_t> RecordReader::BatchOf(std::int64_t rowid, sqlite3_v
   if (numbered && last_number_ == key) {
     return last_batch_;
   }
-  auto& known = numbered ? batch_of_number_ : batch_of_row_;
-  const auto found = known.find(key);
-  if (found == known.end() && chooses_) {
+  std::optional<std::uint32_t> batch = numbered ? batch_of_number_.Find(key) : std::nullopt;
+  if (const auto row = batch_of_row_.find(key); !numbered && row != batch_of_row_.end()) {
+    batch = row->second;
+  }
+  if (!batch && chooses_) {
     return std::nullopt;
   }
-  const auto next = static_cast<std::uint32_t>(batches_.size());
-  const std::uint32_t batch = found == known.end() ? next : found->second;
-  if (batch == next) {
-    known.emplace(key, next);
-    batches_.push_back(
-        {.number = numbered ? std::optional(key) : std::nullopt, .rowid = numbered ? 0 : rowid});
+  if (!batch) {
+    batch = AddBatch(key, numbered);
   }
   if (numbered) {
     last_number_ = key;
-    last_batch_ = batch;
+    last_batch_ = *batch;
+  }
+  return batch;
+}
+
+std::uint32_t RecordReader::AddBatch(std::int64_t key, bool numbered) {
+  const auto batch = static_cast<std::uint32_t>(batches_.size());
+  batches_.push_back({.key = key, .has_number = numbered});
+  if (numbered) {
+    batch_of_number_.Add(key, batch);
+  } else {
+    batch_of_row_.emplace(key, batch);
   }
   return batch;
 }
@@ -305,8 +331,8 @@ std::vector<std::uint32_t> RecordReader::BatchesInOrder() const {
   std::sort(order.begin(), order.end(), [this](std::uint32_t one, std::uint32_t other) {
     const Batch& left = batches_[one];
     const Batch& right = batches_[other];
-    return std::tie(left.day, left.number, left.rowid) <
-           std::tie(right.day, right.number, right.rowid);
+    return std::tuple(left.day, left.has_number, left.key) <
+           std::tuple(right.day, right.has_number, right.key);
   });
   return order;
 }

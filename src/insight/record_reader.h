@@ -53,19 +53,42 @@ struct Record {
   std::int32_t seconds = kNoTime;  // since midnight
 };
 
-// A batch as far as its rows have been read.
+// A batch as far as its rows have been read. Years have half a million of them.
 struct Batch {
-  std::optional<std::int64_t> number = {};
-  std::int64_t rowid = 0;   // of a row without a number
+  std::int64_t key = 0;     // the number, or the rowid of a row without one
   DayNumber day = kNoDay;   // of its first load, or of its first delivery if it has no load
   NameId recipe = kNoName;  // of its first row
   NameId operator_id = kNoName;
-  bool has_row = false;
-  bool has_load = false;
-  bool has_delivery = false;
-  bool has_ingredient = false;  // a load of the question's ingredient
-  bool has_pen = false;         // a delivery to the question's pen
-  bool chosen = true;
+  bool has_number : 1 = true;
+  bool has_row : 1 = false;
+  bool has_load : 1 = false;
+  bool has_delivery : 1 = false;
+  bool has_ingredient : 1 = false;  // a load of the question's ingredient
+  bool has_pen : 1 = false;         // a delivery to the question's pen
+  bool chosen : 1 = true;
+
+  [[nodiscard]] std::optional<std::int64_t> Number() const {
+    return has_number ? std::optional(key) : std::nullopt;
+  }
+};
+
+// The index of each batch by its number. Numbers follow each other in most databases.
+class BatchNumbers {
+ public:
+  // Nothing for a number that was not added.
+  [[nodiscard]] std::optional<std::uint32_t> Find(std::int64_t number) const;
+  void Add(std::int64_t number, std::uint32_t batch);
+
+ private:
+  static constexpr unsigned kRunBits = 5;
+  static constexpr std::size_t kRunLength = std::size_t{1} << kRunBits;
+  static constexpr std::uint32_t kNoBatch = std::numeric_limits<std::uint32_t>::max();
+  using NumberRun = std::array<std::uint32_t, kRunLength>;
+  static std::size_t PlaceInRun(std::int64_t number) {
+    return static_cast<std::size_t>(number) % kRunLength;
+  }
+
+  std::unordered_map<std::int64_t, NumberRun> runs_;  // by number >> kRunBits
 };
 
 // A read transaction, also inside another transaction.
@@ -153,6 +176,7 @@ class RecordReader {
 
   std::optional<std::uint32_t> BatchOf(std::int64_t rowid, sqlite3_value* number);
   [[nodiscard]] bool DecidesDay(const Record& record) const;
+  std::uint32_t AddBatch(std::int64_t key, bool numbered);
   void NoteRow(const Record& record);
   [[nodiscard]] NameId Wanted(NameKind kind) const {
     return wanted_[static_cast<std::size_t>(kind)];
@@ -174,7 +198,7 @@ class RecordReader {
   NamesOfKinds names_;
   std::array<NameId, kNameKinds> wanted_{};
   std::vector<Batch> batches_;
-  std::unordered_map<std::int64_t, std::uint32_t> batch_of_number_;
+  BatchNumbers batch_of_number_;
   std::unordered_map<std::int64_t, std::uint32_t> batch_of_row_;  // of rows without a number
   std::optional<std::int64_t> last_number_;
   std::uint32_t last_batch_ = 0;

@@ -158,7 +158,7 @@ void AddBatches(SQLite::Database& database, const Question& question,
     ++answer.batches;
     answer.never_fed += state == BalanceState::kNeverFed ? 1 : 0;
     answer.out += state == BalanceState::kOut ? 1 : 0;
-    answer.not_recorded += std::max<std::int64_t>(0, weights[i].rows - recorded.Of(batch.number));
+    answer.not_recorded += std::max<std::int64_t>(0, weights[i].rows - recorded.Of(batch.Number()));
   }
   answer.loaded = answer.loads > 0 ? std::optional(loaded.ToDouble()) : std::nullopt;
   answer.fed = answer.deliveries > 0 ? std::optional(fed.ToDouble()) : std::nullopt;

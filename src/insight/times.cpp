@@ -109,7 +109,7 @@ std::optional<double> Minutes(const std::optional<std::int64_t>& seconds) {
 }
 
 BatchTimes TimesOf(const Batch& batch, const Clock& clock, const RecordReader& reader) {
-  BatchTimes times{.transaction = batch.number,
+  BatchTimes times{.transaction = batch.Number(),
                    .date = ToDate(batch.day),
                    .recipe = reader.NamesOf(NameKind::kRecipe).Name(batch.recipe),
                    .operator_id = reader.NamesOf(NameKind::kOperator).Name(batch.operator_id),

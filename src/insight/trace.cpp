@@ -88,7 +88,7 @@ class Tracer {
 
  private:
   [[nodiscard]] TraceLine LineOf(const Batch& batch, NameId operator_id, DayNumber day) const {
-    return {.transaction = batch.number,
+    return {.transaction = batch.Number(),
             .date = ToDate(day),
             .recipe = reader_.NamesOf(NameKind::kRecipe).Name(batch.recipe),
             .operator_id = reader_.NamesOf(NameKind::kOperator).Name(operator_id)};
