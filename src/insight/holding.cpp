@@ -1,6 +1,7 @@
 #include <algorithm>
 #include <chrono>
 #include <cstddef>
+#include <deque>
 #include <map>
 #include <set>
 #include <utility>
@@ -38,11 +39,18 @@ struct HeldBatch {
   bool counts = false;  // has a row up to the day
 };
 
+// Years have millions of them.
 struct HeldDelivery {
-  NameId pen;
   std::uint32_t batch;
   DayNumber day;
-  std::int32_t seconds;
+  std::int16_t minute;  // of the day
+
+  [[nodiscard]] Minutes Time() const { return day * kMinutesADay + minute; }
+};
+
+struct HeldPen {
+  std::deque<HeldDelivery> deliveries = {};  // those with a date
+  bool has_undated = false;                  // a delivery without date or time
 };
 
 // Days whose records are known to be incomplete, and why.
@@ -166,9 +174,9 @@ class HoldingAnswer {
     AddImports(database_, answer.notes, incomplete_);
     AddUnrecorded(database_, incomplete_);
     const NameId wanted = reader_->IdOf(question_.pen, NameKind::kPen);
-    for (auto& [pen, deliveries] : deliveries_) {
+    for (auto& [pen, held] : pens_) {
       if (wanted == kNoName || pen == wanted) {
-        answer.lines.push_back(LineOf(pen, deliveries));
+        answer.lines.push_back(LineOf(pen, held));
       }
     }
     std::sort(answer.lines.begin(), answer.lines.end(),
@@ -191,59 +199,51 @@ class HoldingAnswer {
       batch.held = batch.held || ingredients_.contains(record.ingredient);
       return;
     }
+    HeldPen& pen = pens_[record.pen];
+    pen.has_undated = pen.has_undated || record.day == kNoDay || record.seconds == kNoTime;
     if (record.day != kNoDay) {
       batch.left -= record.actual;
+      const std::int64_t seconds = std::max(record.seconds, 0);
+      pen.deliveries.push_back(
+          {record.batch, record.day, static_cast<std::int16_t>(seconds / kSecondsAMinute)});
     }
-    deliveries_[record.pen].push_back({record.pen, record.batch, record.day, record.seconds});
   }
 
   // The batches with the next higher number after one that held an ingredient and has a left-over.
   void FindFollowers() {
-    std::map<std::int64_t, std::uint32_t> by_number;
+    std::vector<std::pair<std::int64_t, std::uint32_t>> by_number;
     for (std::uint32_t index = 0; index < batches_.size(); ++index) {
-      if (const auto number = reader_->Batches()[index].Number();
-          number && batches_[index].counts) {
-        by_number[*number] = index;
+      const auto number = reader_->Batches()[index].Number();
+      if (number && batches_[index].counts) {
+        by_number.emplace_back(*number, index);
       }
     }
-    for (auto batch = by_number.begin(); batch != by_number.end(); ++batch) {
-      const auto next = std::next(batch);
-      if (next != by_number.end() && batches_[batch->second].held &&
-          batches_[batch->second].left > division_) {
-        followers_[next->second] = batch->first;
+    std::sort(by_number.begin(), by_number.end());
+    for (std::size_t next = 1; next < by_number.size(); ++next) {
+      const auto& [number, batch] = by_number[next - 1];
+      if (batches_[batch].held && batches_[batch].left > division_) {
+        followers_[by_number[next].second] = number;
       }
     }
   }
 
   // In order of date and time, equal minutes in stored order. With a delivery that has no place in
   // this order the pen is unknown.
-  PenState StateOf(std::vector<HeldDelivery>& deliveries) const {
+  PenState StateOf(HeldPen& pen) const {
     PenState state;
-    const auto minutes = [](const HeldDelivery& delivery) -> Minutes {
-      return delivery.day * kMinutesADay +
-             (delivery.seconds == kNoTime ? 0 : delivery.seconds / kSecondsAMinute);
-    };
-    std::vector<HeldDelivery> ordered;
-    for (const HeldDelivery& delivery : deliveries) {
-      if (delivery.day == kNoDay || delivery.seconds == kNoTime) {
-        state.undated = "a delivery has no date or time";
-      }
-      if (delivery.day != kNoDay) {
-        ordered.push_back(delivery);
-      }
+    if (pen.has_undated) {
+      state.undated = "a delivery has no date or time";
     }
-    std::stable_sort(ordered.begin(), ordered.end(), [&](const auto& one, const auto& other) {
-      return minutes(one) < minutes(other);
-    });
-    for (const HeldDelivery& delivery : ordered) {
+    std::ranges::stable_sort(pen.deliveries, {}, &HeldDelivery::Time);
+    for (const HeldDelivery& delivery : pen.deliveries) {
       if (batches_[delivery.batch].held) {
-        state.last = minutes(delivery);
+        state.last = delivery.Time();
         state.since = std::nullopt;
         state.leftover.clear();
         continue;
       }
       if (state.last && !state.since) {
-        state.since = minutes(delivery);
+        state.since = delivery.Time();
       }
       if (const auto follower = followers_.find(delivery.batch); follower != followers_.end()) {
         state.leftover = "batch " + std::to_string(*reader_->Batches()[delivery.batch].Number()) +
@@ -253,8 +253,8 @@ class HoldingAnswer {
     return state;
   }
 
-  HoldingLine LineOf(NameId pen, std::vector<HeldDelivery>& deliveries) const {
-    const PenState state = StateOf(deliveries);
+  HoldingLine LineOf(NameId pen, HeldPen& held) const {
+    const PenState state = StateOf(held);
     HoldingLine line{.pen = reader_->NamesOf(NameKind::kPen).Name(pen),
                      .last = MomentOf(state.last),
                      .since = MomentOf(state.since)};
@@ -301,7 +301,7 @@ class HoldingAnswer {
   std::optional<RecordReader> reader_;
   std::set<NameId> ingredients_;
   std::vector<HeldBatch> batches_;
-  std::map<NameId, std::vector<HeldDelivery>> deliveries_;
+  std::map<NameId, HeldPen> pens_;
   std::map<std::uint32_t, std::int64_t> followers_;  // and the number of the batch before
   std::vector<Incomplete> incomplete_;
 };
