@@ -137,6 +137,10 @@ class MainView {
   // are bound back to the previous database. A connection is closed when no view uses it.
   virtual void Rebind(DatabaseKind kind, const BoundDatabase& database) = 0;
 
+  // Called before the open database is written to without being rebound: a view that reads it in a
+  // thread stops and leaves no lock, and reads again from a later event. Runs no events.
+  virtual void EndReads(DatabaseKind /*kind*/) {}
+
   // The program ends: the views release both databases.
   virtual void ReleaseViews() = 0;
 

@@ -176,6 +176,15 @@ void InsightPresenter::Stop() {
   }
 }
 
+void InsightPresenter::EndReads() {
+  End();
+  names_.reset();
+  stale_ = true;
+  if (shown_) {
+    Ask();
+  }
+}
+
 void InsightPresenter::FollowSettings() {
   if (state_.asked.limits != LimitsOf(services_.settings)) {
     if (shown_) {

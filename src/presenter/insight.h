@@ -81,6 +81,9 @@ class InsightPresenter {
   void ChooseName(NameKind kind, int item);
   void TypeHolding(std::string_view days, std::string_view on);
   void Stop();
+  // The database is about to be written to: no lock of a read remains, and the question is asked
+  // again in a moment.
+  void EndReads();
   // The setup may have changed the limits: asks anew then.
   void FollowSettings();
 

@@ -158,8 +158,11 @@ void DatabaseCommands::AskAboutUnit(Side& side) {
                                                   .title = "Weight Units",
                                                   .text = UnitQuestion(side.bound, unit),
                                                   .refuses_by_default = true});
-  if (answer != Answer::kYes || binding != side.binding ||
-      !services_.identity.SetDatabaseUoM(*side.bound.connection, unit)) {
+  if (answer != Answer::kYes || binding != side.binding) {
+    return;
+  }
+  window_.EndReads(side.kind);
+  if (!services_.identity.SetDatabaseUoM(*side.bound.connection, unit)) {
     return;
   }
   side.bound.unit = unit;

@@ -1,6 +1,7 @@
 #include "presenter/insight.h"
 
 #include <algorithm>
+#include <chrono>
 #include <filesystem>
 #include <optional>
 #include <string>
@@ -38,6 +39,17 @@ class InsightTab : public ::testing::Test, protected TestServices, protected Ins
   void Open() {
     SmallHistory(folder);
     bound = BindUserDatabase(folder / "SMALL.TDB", kBusyTimeout);
+    view.SetDatabase(bound);
+    view.Show();
+  }
+  // With so many rows that a question takes a while. Its connection waits for no lock.
+  void OpenLong() {
+    SmallHistory(folder).exec(
+        "PRAGMA synchronous=OFF; WITH RECURSIVE Copy(n) AS (SELECT 1 UNION ALL SELECT n + 1 FROM "
+        "Copy WHERE n < 50000) INSERT INTO Transactions ([Transaction], Recipe, Type, Date, "
+        "Ingredient, Target, ActualBatch) SELECT n + 1000, 'STEERS', 'BATCH', '2011-03-14', "
+        "'CORN', 100, 99 FROM Copy");
+    bound = BindUserDatabase(folder / "SMALL.TDB", std::chrono::milliseconds{0});
     view.SetDatabase(bound);
     view.Show();
   }
@@ -278,6 +290,30 @@ TEST_F(InsightTab, EndsWithTheTabAndLeavesNoLock) {
   view.Show();
   Wait();
   EXPECT_THAT(FirstColumn(), SizeIs(3));
+}
+
+TEST_F(InsightTab, MakesRoomForAWriteAndReadsAgain) {
+  OpenLong();
+  while (view.State().percent < 1) {
+    Turn();
+  }
+  view.EndReads();
+  EXPECT_EQ(view.State().percent, -1);
+  bound.connection->exec("BEGIN IMMEDIATE; UPDATE UnitsOfMeasure SET UoM = 'KG'; COMMIT");
+  Wait();
+  EXPECT_EQ(view.Answer()->units, "KG");
+  EXPECT_THAT(op.boxes, IsEmpty());
+}
+
+TEST_F(InsightTab, AnAnswerFromBeforeAWriteIsReadAgainOnceTheTabIsShown) {
+  Open();
+  Wait();
+  view.Hide();
+  view.EndReads();
+  bound.connection->exec("UPDATE UnitsOfMeasure SET UoM = 'KG'");
+  view.Show();
+  Wait();
+  EXPECT_EQ(view.Answer()->units, "KG");
 }
 
 TEST_F(InsightTab, CanBeStoppedAndAskedAgain) {

@@ -32,6 +32,13 @@ void DiaryWindow::Rebind(DatabaseKind kind, const BoundDatabase& database) {
   });
 }
 
+void DiaryWindow::EndReads(DatabaseKind kind) {
+  diary_.push_back("end reads " + NameOf(kind));
+  if (on_end_reads) {
+    on_end_reads();
+  }
+}
+
 void DiaryWindow::ReleaseViews() {
   diary_.emplace_back("release views");
   views.clear();

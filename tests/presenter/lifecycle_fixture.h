@@ -79,6 +79,7 @@ class DiaryWindow : public MainView, public CommandObserver {
   explicit DiaryWindow(Diary& diary) : diary_(diary) {}
 
   void Rebind(DatabaseKind kind, const BoundDatabase& database) override;
+  void EndReads(DatabaseKind kind) override;
   void ReleaseViews() override;
   void ShowUnit(DatabaseKind kind, std::string_view unit) override;
   void SetStatusPanel(DatabaseKind kind, StatusPanel panel, std::string_view text) override;
@@ -104,6 +105,7 @@ class DiaryWindow : public MainView, public CommandObserver {
   std::map<DatabaseKind, SQLite::Database*> views;
   std::map<DatabaseKind, std::string> units;
   std::function<void(DatabaseKind, const BoundDatabase&)> on_rebind;
+  std::function<void()> on_end_reads;
   std::function<void()> on_load_id_lists;
   std::function<void()> on_prepare_tab;
 

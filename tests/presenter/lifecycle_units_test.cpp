@@ -73,14 +73,34 @@ TEST_F(UnitQuestion, YesLabelsTheFileAndDatesIt) {
   operator_.answers = {Answer::kYes, Answer::kYes};
   databases_.AskAboutUnits();
   EXPECT_THAT(diary_,
-              ElementsAre("box Weight Units", "panel recipe 4 [LB]", "unit recipe [LB]",
-                          "box Weight Units", "panel transaction 4 [LB]", "unit transaction [LB]"));
+              ElementsAre("box Weight Units", "end reads recipe", "panel recipe 4 [LB]",
+                          "unit recipe [LB]", "box Weight Units", "end reads transaction",
+                          "panel transaction 4 [LB]", "unit transaction [LB]"));
   for (const fs::path& path : {metric_, transactions}) {
     EXPECT_EQ(UnitOf(path), "LB");
     EXPECT_THAT(Ask(path, "SELECT Modified FROM History"), ElementsAre("2026-01-05"));
   }
   EXPECT_EQ(databases_.Recipe().unit, "LB");
   EXPECT_EQ(databases_.Bound(kTransaction).unit, "LB");
+}
+
+TEST_F(UnitQuestion, YesEndsWhatAViewReads) {
+  const fs::path transactions = MakeUserFile("Y2026.TDB", kTransaction, "KG");
+  Open(kTransaction, transactions);
+  SQLite::Database reader = OpenDatabase(transactions, Access::kRead);
+  reader.exec("BEGIN; SELECT count(*) FROM Transactions");
+  window_.on_end_reads = [&] { reader.exec("COMMIT"); };
+  operator_.answers = {Answer::kYes};
+  databases_.AskAboutUnits();
+  EXPECT_THAT(BoxTitles(), ElementsAre("Weight Units"));
+  EXPECT_EQ(UnitOf(transactions), "LB");
+}
+
+TEST_F(UnitQuestion, NoLetsTheViewsRead) {
+  Open(kRecipe, metric_);
+  operator_.answers = {Answer::kNo};
+  databases_.AskAboutUnits();
+  EXPECT_THAT(diary_, ElementsAre("box Weight Units"));
 }
 
 TEST_F(UnitQuestion, IsAboutTheOpenFileAfterAnotherOneWasRefused) {

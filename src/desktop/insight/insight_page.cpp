@@ -260,6 +260,12 @@ void InsightPage::Rebind(DatabaseKind kind, const BoundDatabase& database) {
   }
 }
 
+void InsightPage::EndReads(DatabaseKind kind) {
+  if (kind == DatabaseKind::kTransaction) {
+    presenter_.EndReads();
+  }
+}
+
 void InsightPage::Return() { table_->setFocus(); }
 
 // The shown state.

@@ -79,6 +79,7 @@ class InsightPage final : public MainTabPage, private InsightView {
   void Prepare() override;
   void Activated() override;
   void Rebind(DatabaseKind kind, const BoundDatabase& database) override;
+  void EndReads(DatabaseKind kind) override;
   void ReleaseViews() override { presenter_.Release(); }
 
  Q_SIGNALS:

@@ -237,6 +237,10 @@ void MainWindow::ShowTitle() {
   setWindowTitle(names.isEmpty() ? title : title + QStringLiteral(" - ") + names.join(u", "));
 }
 
+void MainWindow::EndReads(DatabaseKind kind) {
+  OnEveryPage([=](MainTabPage& page) { page.EndReads(kind); });
+}
+
 void MainWindow::ReleaseViews() {
   OnEveryPage([](MainTabPage& page) { page.ReleaseViews(); });
 }

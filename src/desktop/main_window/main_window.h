@@ -99,6 +99,7 @@ class MainWindow : public QMainWindow, public MainView, private CommandObserver 
   }
   void LeaveEdits(DatabaseKind kind) override;
   void Rebind(DatabaseKind kind, const BoundDatabase& database) override;
+  void EndReads(DatabaseKind kind) override;
   void ReleaseViews() override;
   void ShowUnit(DatabaseKind kind, std::string_view unit) override;
   void SetStatusPanel(DatabaseKind kind, StatusPanel panel, std::string_view text) override;

@@ -53,6 +53,10 @@ class MainTabPage : public QWidget {
   // events. Throws DatabaseError; then the page is bound to the previous one again.
   virtual void Rebind(DatabaseKind /*kind*/, const BoundDatabase& /*database*/) {}
 
+  // The open database is about to be written to: reads in threads end and begin again from a later
+  // event.
+  virtual void EndReads(DatabaseKind /*kind*/) {}
+
   // The program ends: the views release both databases.
   virtual void ReleaseViews() {}
 
