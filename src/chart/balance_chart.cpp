@@ -10,6 +10,7 @@
 #include "chart/charts.h"
 #include "chart/scale.h"
 #include "chart/sheet.h"
+#include "chart/thinning.h"
 #include "chart/time_plot.h"
 
 namespace vrx {
@@ -77,13 +78,17 @@ void InsertBand(Sheet& sheet, std::size_t ground, const TimePlot& plot, const Ba
       day->second = std::min(day->second, mark.limit);
     }
   }
-  QPainterPath band;
+  std::vector<QRectF> boxes;
   for (auto day = limits.begin(); day != limits.end(); ++day) {
     const auto next = std::next(day);
     const double left = plot.Days().At(day->first);
     const double right = plot.Days().At(next == limits.end() ? plot.Days().to : next->first);
     const double top = plot.Height(day->second);
-    band.addRect(left, top, right - left, plot.Height(-day->second) - top);
+    boxes.emplace_back(left, top, right - left, plot.Height(-day->second) - top);
+  }
+  QPainterPath band;
+  for (const QRectF& box : ThinnedBoxes(boxes, false)) {
+    band.addRect(box);
   }
   sheet.Insert(ground, PathShape{.path = band, .fill = Ink::kBand});
 }

@@ -9,6 +9,7 @@
 #include "chart/charts.h"
 #include "chart/scale.h"
 #include "chart/sheet.h"
+#include "chart/thinning.h"
 #include "chart/time_plot.h"
 
 namespace vrx {
@@ -18,6 +19,7 @@ constexpr double kPartOfDay = 0.7;  // the width of a bar
 constexpr double kLeastOutlined = 4;
 constexpr double kPale = 0.35;
 constexpr double kWidestBar = 40;
+constexpr double kBetweenCrosses = 1;
 constexpr double kMostDaysWithMarks = 62;
 
 bool IsShown(const std::optional<double>& weight) { return weight && std::isfinite(*weight); }
@@ -46,7 +48,7 @@ ValueAxis AxisOf(const DeliveredChart& chart) {
 void AddBars(Sheet& sheet, const TimePlot& plot, const DeliveredChart& chart) {
   const double width = std::clamp(plot.DayWidth() * kPartOfDay, 0.8, kWidestBar);
   const double zero = plot.Height(0);
-  QPainterPath bars;
+  std::vector<QRectF> bars;
   DotsShape missed{.at = {}, .symbol = Symbol::kCross, .size = 8, .ink = Ink::kSecond};
   for (std::size_t i = 0; i < chart.days.size(); ++i) {
     const DeliveredDay& day = chart.days[i];
@@ -54,14 +56,20 @@ void AddBars(Sheet& sheet, const TimePlot& plot, const DeliveredChart& chart) {
     const double half = std::max(plot.DayWidth(), 1.0) / 2;
     sheet.AddHit(QRectF(x - half, plot.Plot().top(), 2 * half, plot.Plot().height()), i);
     if (day.missed) {
-      missed.at.emplace_back(x, zero - missed.size / 2 - 1);
+      if (missed.at.empty() || x - missed.at.back().x() >= kBetweenCrosses) {
+        missed.at.emplace_back(x, zero - missed.size / 2 - 1);
+      }
     } else if (IsShown(day.delivered)) {
       const double y = plot.Height(*day.delivered);
-      bars.addRect(x - width / 2, std::min(y, zero), width, std::abs(zero - y));
+      bars.emplace_back(x - width / 2, std::min(y, zero), width, std::abs(zero - y));
     }
   }
+  QPainterPath path;
+  for (const QRectF& bar : ThinnedBoxes(bars, true)) {
+    path.addRect(bar);
+  }
   // Pale bars with an outline let lines be seen on them.
-  PathShape shape{.path = bars, .fill = Ink::kFirst};
+  PathShape shape{.path = path, .fill = Ink::kFirst};
   if (width >= kLeastOutlined) {
     shape.opacity = kPale;
     shape.line = Ink::kFirst;
@@ -86,7 +94,8 @@ void AddWeightLine(Sheet& sheet, const TimePlot& plot, const DeliveredChart& cha
     last = number;
     marks.at.push_back(at);
   }
-  sheet.Add(Layer::kMark, PathShape{.path = path, .line = ink, .width = 2, .dashed = dashed});
+  sheet.Add(Layer::kMark,
+            PathShape{.path = ThinnedLine(path), .line = ink, .width = 2, .dashed = dashed});
   if (!dashed && plot.Days().to - plot.Days().from <= kMostDaysWithMarks) {
     sheet.Add(Layer::kMark, std::move(marks));
   }

@@ -16,6 +16,7 @@
 #include "chart/charts.h"
 #include "chart/look.h"
 #include "chart/picture.h"
+#include "chart/thinning.h"
 
 namespace vrx {
 
@@ -60,8 +61,9 @@ class Sheet {
                bool dashed = false);
   // A line of marks with a seam of paper, so that it is seen on other marks.
   void AddCurve(const QPainterPath& path, Ink ink) {
-    Add(Layer::kMark, PathShape{.path = path, .line = Ink::kPaper, .width = 4});
-    Add(Layer::kMark, PathShape{.path = path, .line = ink, .width = 2});
+    const QPainterPath thinned = ThinnedLine(path);
+    Add(Layer::kMark, PathShape{.path = thinned, .line = Ink::kPaper, .width = 4});
+    Add(Layer::kMark, PathShape{.path = thinned, .line = ink, .width = 2});
   }
   void AddBox(Layer layer, const QRectF& box, Ink ink, double opacity = 1);
   void AddHatching(Layer layer, const QRectF& box, Ink ink);

@@ -1,0 +1,86 @@
+#include "chart/thinning.h"
+
+#include <QPointF>
+#include <algorithm>
+#include <array>
+#include <cmath>
+
+namespace vrx {
+namespace {
+
+constexpr double kLineColumn = 0.5;  // a line is two units wide
+constexpr double kBoxColumn = 1;
+
+// The points of a path in one column.
+class LineColumn {
+ public:
+  LineColumn(const QPainterPath& path, int first) : path_(path), first_(first) {}
+
+  void Take(int point) {
+    last_ = point;
+    highest_ = At(point).y() < At(highest_).y() ? point : highest_;
+    lowest_ = At(point).y() > At(lowest_).y() ? point : lowest_;
+  }
+
+  void AddTo(QPainterPath& thinned) const {
+    std::array points = {first_, highest_, lowest_, last_};
+    std::ranges::sort(points);
+    int before = -1;
+    for (const int point : points) {
+      if (point == before) {
+        continue;
+      }
+      before < 0 && path_.elementAt(point).isMoveTo() ? thinned.moveTo(At(point))
+                                                      : thinned.lineTo(At(point));
+      before = point;
+    }
+  }
+
+ private:
+  [[nodiscard]] QPointF At(int point) const { return path_.elementAt(point); }
+
+  const QPainterPath& path_;
+  int first_;
+  int highest_ = first_;
+  int lowest_ = first_;
+  int last_ = first_;
+};
+
+}  // namespace
+
+QPainterPath ThinnedLine(const QPainterPath& path) {
+  QPainterPath thinned;
+  const auto column_of = [&](int point) {
+    return std::floor(path.elementAt(point).x / kLineColumn);
+  };
+  for (int first = 0, next = 0; first < path.elementCount(); first = next) {
+    LineColumn column(path, first);
+    for (next = first + 1; next < path.elementCount() && column_of(next) == column_of(first);
+         ++next) {
+      column.Take(next);
+    }
+    column.AddTo(thinned);
+  }
+  return thinned;
+}
+
+std::vector<QRectF> ThinnedBoxes(const std::vector<QRectF>& boxes, bool highest) {
+  std::vector<QRectF> thinned;
+  for (const QRectF& box : boxes) {
+    const bool joins =
+        !thinned.empty() && box.width() < kBoxColumn &&
+        std::floor(box.left() / kBoxColumn) == std::floor(thinned.back().left() / kBoxColumn);
+    if (!joins) {
+      thinned.push_back(box);
+      continue;
+    }
+    QRectF& column = thinned.back();
+    column.setRight(std::max(column.right(), box.right()));
+    column.setTop(highest ? std::min(column.top(), box.top()) : std::max(column.top(), box.top()));
+    column.setBottom(highest ? std::max(column.bottom(), box.bottom())
+                             : std::min(column.bottom(), box.bottom()));
+  }
+  return thinned;
+}
+
+}  // namespace vrx
