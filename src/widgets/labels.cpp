@@ -1,8 +1,10 @@
 #include "widgets/labels.h"
 
+#include <QFocusEvent>
 #include <QFontDatabase>
 #include <QFontMetricsF>
 #include <QHelpEvent>
+#include <QKeyEvent>
 #include <QPainter>
 #include <QString>
 #include <QStyle>
@@ -54,6 +56,32 @@ QRect ElidedLabel::Room() const {
   const int indented = std::max(0, indent());
   return (alignment() & Qt::AlignRight) != 0 ? contentsRect().adjusted(0, 0, -indented, 0)
                                              : contentsRect().adjusted(indented, 0, 0, 0);
+}
+
+LinkLabel::LinkLabel(QWidget* parent) : QLabel(parent) {
+  setTextFormat(Qt::RichText);
+  setTextInteractionFlags(Qt::LinksAccessibleByMouse | Qt::LinksAccessibleByKeyboard);
+}
+
+// The link is no longer selected after another window had the focus. Without a link the focus goes
+// to the next field.
+bool LinkLabel::EnterPressed() {
+  if (!hasSelectedText()) {
+    focusNextPrevChild(true);
+  }
+  if (hasFocus() && hasSelectedText()) {
+    QKeyEvent enter(QEvent::KeyPress, Qt::Key_Return, Qt::NoModifier);
+    keyPressEvent(&enter);
+  }
+  return true;
+}
+
+// By itself the label takes a further Tab to its link.
+void LinkLabel::focusInEvent(QFocusEvent* event) {
+  QLabel::focusInEvent(event);
+  if (event->reason() == Qt::TabFocusReason || event->reason() == Qt::BacktabFocusReason) {
+    focusNextPrevChild(event->reason() == Qt::TabFocusReason);
+  }
 }
 
 TextView::TextView(const char* name, const QString& meaning, QWidget* parent)

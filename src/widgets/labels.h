@@ -7,6 +7,8 @@
 #include <QString>
 #include <string_view>
 
+#include "widgets/fields.h"
+
 namespace vrx {
 
 // Single-line label, elided in the middle. The tooltip has the full text, unless another tooltip is
@@ -26,6 +28,19 @@ class ElidedLabel : public QLabel {
  private:
   [[nodiscard]] bool IsCut() const;
   [[nodiscard]] QRect Room() const;
+};
+
+// A rich text with one link. Tab goes to the link, and Enter opens it.
+class LinkLabel : public QLabel, public EnterByCell {
+  Q_OBJECT
+
+ public:
+  explicit LinkLabel(QWidget* parent);
+
+  bool EnterPressed() override;
+
+ protected:
+  void focusInEvent(QFocusEvent* event) override;
 };
 
 // A read-only text that can be scrolled with the mouse. Passes the focus on to another control.

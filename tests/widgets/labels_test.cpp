@@ -5,10 +5,14 @@
 #include <QHelpEvent>
 #include <QLineEdit>
 #include <QPushButton>
+#include <QStringList>
+#include <QTest>
 #include <QToolTip>
+#include <initializer_list>
 
 #include <gtest/gtest.h>
 
+#include "widgets/fields.h"
 #include "widgets/layout.h"
 
 namespace vrx::testing {
@@ -76,6 +80,77 @@ TEST(TextViewTest, PassesTheFocusOnToAControlThatCanTakeIt) {
   button->setEnabled(false);
   view->setFocus();
   EXPECT_TRUE(view->hasFocus());
+}
+
+// The Enter key goes from field to field on such a form.
+class LinkLabelTest : public ::testing::Test {
+ protected:
+  LinkLabelTest() {
+    auto* const column = new QVBoxLayout(&form_);
+    for (QWidget* const part : std::initializer_list<QWidget*>{before_, label_, after_}) {
+      column->addWidget(part);
+    }
+    label_->setText(QStringLiteral("a text <a href=\"place\">a link</a>"));
+    QObject::connect(label_, &QLabel::linkActivated, [this](const QString& to) { opened_ += to; });
+    form_.show();
+    form_.activateWindow();
+    QApplication::processEvents();
+    before_->setFocus();
+  }
+
+  void Press(int key) { QTest::keyClick(QApplication::focusWidget(), static_cast<Qt::Key>(key)); }
+
+  QWidget form_;
+  EnterAsTab enter_{&form_};
+  QLineEdit* before_ = new QLineEdit(&form_);
+  LinkLabel* label_ = new LinkLabel(&form_);
+  QLineEdit* after_ = new QLineEdit(&form_);
+  QStringList opened_;
+};
+
+TEST_F(LinkLabelTest, OneTabReachesTheLinkAndEnterOpensIt) {
+  Press(Qt::Key_Tab);
+  EXPECT_TRUE(label_->hasFocus());
+  Press(Qt::Key_Return);
+  EXPECT_EQ(opened_, QStringList{QStringLiteral("place")});
+  Press(Qt::Key_Enter);
+  EXPECT_EQ(opened_.size(), 2);
+  EXPECT_TRUE(label_->hasFocus());
+}
+
+TEST_F(LinkLabelTest, OneMoreTabLeavesIt) {
+  Press(Qt::Key_Tab);
+  Press(Qt::Key_Tab);
+  EXPECT_TRUE(after_->hasFocus());
+  Press(Qt::Key_Backtab);
+  EXPECT_TRUE(label_->hasFocus());
+  Press(Qt::Key_Return);
+  EXPECT_EQ(opened_.size(), 1);
+  Press(Qt::Key_Backtab);
+  EXPECT_TRUE(before_->hasFocus());
+}
+
+TEST_F(LinkLabelTest, EnterOpensTheLinkAgainAfterAnotherWindow) {
+  Press(Qt::Key_Tab);
+  QLineEdit other;
+  other.show();
+  other.activateWindow();
+  QApplication::processEvents();
+  EXPECT_FALSE(label_->hasFocus());
+  form_.activateWindow();
+  QApplication::processEvents();
+  ASSERT_TRUE(label_->hasFocus());
+  Press(Qt::Key_Return);
+  EXPECT_EQ(opened_.size(), 1);
+}
+
+TEST_F(LinkLabelTest, WithoutALinkItIsPassedBy) {
+  label_->setText(QStringLiteral("a text"));
+  Press(Qt::Key_Tab);
+  EXPECT_TRUE(after_->hasFocus());
+  label_->setFocus();
+  Press(Qt::Key_Return);
+  EXPECT_TRUE(after_->hasFocus());
 }
 
 class TwoPartRowTest : public ::testing::Test {

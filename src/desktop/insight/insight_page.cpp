@@ -17,6 +17,7 @@
 #include "desktop/app/captions.h"
 #include "platform/file_chooser.h"
 #include "presenter/report_failure.h"
+#include "widgets/labels.h"
 #include "widgets/layout.h"
 #include "widgets/qt_text.h"
 
@@ -75,7 +76,7 @@ InsightPage::InsightPage(Services& services)
       how_picture_(AddText("lblInsightPictureHow")),
       table_(new InsightTable(this)),
       standby_(AddText("lblInsightStandby")),
-      how_(AddText("lblInsightHow")),
+      how_(new LinkLabel(this)),
       notes_(AddText("lblInsightNotes")),
       save_(AddButton("cmdInsightSave", QTr("Save Picture..."),
                       QTr("Write the picture to an SVG or PNG file"))),
@@ -185,8 +186,8 @@ QWidget* InsightPage::LayOutTable() {
   buttons->setSpacing(kSpacing);
   buttons->addWidget(records_);
   buttons->addStretch();
-  how_->setTextFormat(Qt::RichText);
-  how_->setTextInteractionFlags(Qt::LinksAccessibleByMouse | Qt::LinksAccessibleByKeyboard);
+  how_->setObjectName(QStringLiteral("lblInsightHow"));
+  how_->setWordWrap(true);
   auto* const column = new QVBoxLayout(side);
   column->setContentsMargins(0, 0, 0, 0);
   column->setSpacing(kSpacing);

@@ -19,6 +19,7 @@
 #include "presenter/insight.h"
 #include "widgets/calendar_popup.h"
 #include "widgets/fields.h"
+#include "widgets/labels.h"
 
 namespace vrx {
 
@@ -122,7 +123,7 @@ class InsightPage final : public MainTabPage, private InsightView {
   InsightTable* table_;
   QLabel* standby_;
   QStackedLayout* table_or_standby_;
-  QLabel* how_;
+  LinkLabel* how_;
   QLabel* notes_;
   QPushButton* save_;
   QPushButton* copy_;

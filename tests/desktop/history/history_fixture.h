@@ -6,11 +6,14 @@
 #include <QHeaderView>
 #include <QTabBar>
 #include <QTest>
+#include <chrono>
 #include <cstdint>
 #include <filesystem>
+#include <functional>
 #include <stdexcept>
 #include <string>
 #include <string_view>
+#include <thread>
 #include <vector>
 
 #include "database/connection.h"
@@ -59,6 +62,18 @@ class HistoryFixture : public MainWindowFixture {
   }
   void GoToTab(int tab) {
     QTest::mouseClick(Tabs().tabBar(), Qt::LeftButton, {}, Tabs().tabBar()->tabRect(tab).center());
+  }
+
+  // Runs events until the condition holds: a thread that reads has its own time.
+  bool Until(const std::function<bool()>& condition) {
+    constexpr std::chrono::seconds kLongest{60};  // of a busy machine
+    const auto end = std::chrono::steady_clock::now() + kLongest;
+    while (!condition() && std::chrono::steady_clock::now() < end) {
+      pump_.Pump(Milliseconds{20});
+      RunEvents();
+      std::this_thread::yield();
+    }
+    return condition();
   }
 
   // Runs a statement of another program.

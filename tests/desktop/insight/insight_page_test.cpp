@@ -8,11 +8,15 @@
 #include <QListWidget>
 #include <QMimeData>
 #include <QPushButton>
+#include <QScrollBar>
 #include <QSignalSpy>
-#include <chrono>
-#include <functional>
+#include <QTextBlock>
+#include <QTextBrowser>
+#include <QTextCursor>
+#include <cstddef>
+#include <filesystem>
 #include <string>
-#include <thread>
+#include <string_view>
 #include <utility>
 
 #include <gmock/gmock.h>
@@ -28,6 +32,7 @@ using ::testing::Contains;
 using ::testing::ElementsAre;
 using ::testing::HasSubstr;
 using ::testing::IsEmpty;
+using ::testing::SizeIs;
 using ::testing::StartsWith;
 
 // The small history on the tab Insight.
@@ -37,17 +42,6 @@ class InsightPageTest : public HistoryFixture {
     ShowTab();
     GoToTab(kTabInsight);
     ASSERT_TRUE(WaitForRows());
-  }
-  // Until the answer is there: the thread that reads has its own time.
-  bool Until(const std::function<bool()>& condition) {
-    constexpr std::chrono::seconds kLongest{60};  // of a busy machine
-    const auto end = std::chrono::steady_clock::now() + kLongest;
-    while (!condition() && std::chrono::steady_clock::now() < end) {
-      pump_.Pump(Milliseconds{20});
-      RunEvents();
-      std::this_thread::yield();
-    }
-    return condition();
   }
   bool WaitForRows() {
     return Until([this] { return Table().model()->rowCount() > 0; });
@@ -65,6 +59,18 @@ class InsightPageTest : public HistoryFixture {
   }
   QString Heading(int column) {
     return Table().model()->headerData(column, Qt::Horizontal, Qt::DisplayRole).toString();
+  }
+  // Whether the heading is the first line that is seen, or seen at all at the end of the chapter.
+  static bool BeginsWith(QTextBrowser& manual, std::string_view heading) {
+    const QScrollBar& bar = *manual.verticalScrollBar();
+    const int height = bar.value() == bar.maximum() ? manual.viewport()->height()
+                                                    : 2 * manual.fontMetrics().height();
+    for (int y = 0; y < height; ++y) {
+      if (manual.cursorForPosition({4, y}).block().text().toStdString() == heading) {
+        return true;
+      }
+    }
+    return false;
   }
   std::string Standby() { return LabelText(u"lblInsightStandby"_qs); }
 };
@@ -247,6 +253,56 @@ TEST_F(InsightPageTest, WhatStandsBelowLeadsToTheManual) {
   EXPECT_THAT(how.text().toStdString(), HasSubstr("<a href=\"accuracy-of-loading\">"));
   Q_EMIT how.linkActivated(u"accuracy-of-loading"_qs);
   EXPECT_EQ(asked.size(), 1);
+}
+
+// The manual as it is built, opened at the section of each question.
+TEST_F(InsightPageTest, TheManualOpensAtTheSectionOfTheQuestion) {
+  std::filesystem::create_directory(program_ / "manual");
+  std::filesystem::copy_file(std::filesystem::path(VRX_BIN_DIR) / "manual/16-insight.html",
+                             program_ / "manual/16-insight.html");
+  ShowInsight();
+  for (int topic = 0; topic < kInsightTopics; ++topic) {
+    const InsightTopicRow& row = RowOf(static_cast<InsightTopic>(topic));
+    Ask(static_cast<InsightTopic>(topic));
+    auto& how = Find<QLabel>(u"lblInsightHow"_qs);
+    ASSERT_TRUE(
+        Until([&] { return how.text().toStdString().find(row.section) != std::string::npos; }));
+    Window().activateWindow();
+    RunEvents();
+    how.setFocus();
+    QTest::keyClick(&how, Qt::Key_Return);
+    RunEvents();
+    auto& manual = Find<QTextBrowser>(u"txtManual"_qs);
+    EXPECT_TRUE(manual.isVisible());
+    EXPECT_EQ(manual.source().fragment().toStdString(), row.section);
+    EXPECT_TRUE(BeginsWith(manual, row.title)) << row.title;
+    manual.window()->close();
+    RunEvents();
+  }
+  EXPECT_THAT(operator_.boxes, IsEmpty());
+}
+
+TEST_F(InsightPageTest, TheUnitIsRelabelledWhileAQuestionIsRead) {
+  Alter(Transactions(),
+        "WITH RECURSIVE Copy(n) AS (SELECT 1 UNION ALL SELECT n + 1 FROM Copy WHERE n < 50000) "
+        "INSERT INTO Transactions ([Transaction], Recipe, Type, Date, Ingredient, Target, "
+        "ActualBatch) SELECT n + 1000, 'STEERS', 'BATCH', '2011-03-14', 'CORN', 100, 99 FROM Copy");
+  ShowTab();
+  settings_.SetSystemUnits("KG");
+  auto& presenter = Find<InsightPage>(u"pageInsight"_qs).Presenter();
+  bool was_read = false;
+  // The operator thinks before the answer.
+  operator_.on_message = [&](const MessageBox& box) {
+    if (box.title == "Weight Units") {
+      was_read = Until([&] { return presenter.State().percent > 0; });
+    }
+  };
+  operator_.answers = {Answer::kNo, Answer::kYes};  // of the recipes, of the transactions
+  GoToTab(kTabInsight);
+  ASSERT_TRUE(WaitForRows());
+  EXPECT_TRUE(was_read);
+  EXPECT_THAT(operator_.boxes, SizeIs(2));
+  EXPECT_EQ(Heading(6), u"Target (KG)"_qs);
 }
 
 }  // namespace
