@@ -170,7 +170,7 @@ QJsonObject Described(const QWidget& widget) {
       {QStringLiteral("window"), widget.window()->windowTitle()},
       {QStringLiteral("modal"), modal != nullptr && widget.window() != modal},
       {QStringLiteral("enabled"), widget.isEnabled()},
-      {QStringLiteral("focus"), widget.hasFocus()},
+      {QStringLiteral("focus"), &widget == QApplication::focusWidget()},  // not its proxies
       {QStringLiteral("checked"), button != nullptr && button->isChecked()}};
   PutPlace(described, widget, widget.rect());
   PutParts(described, widget);
