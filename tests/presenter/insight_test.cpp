@@ -405,6 +405,18 @@ TEST_F(InsightTab, TheYardstickIsThereWithTheUsualLimitsOnly) {
   EXPECT_EQ(view.Answer()->accuracy->limits.percent, 3);
 }
 
+TEST_F(InsightTab, ALongTableHasItsFirstRowsAndSaysHowManyThereAre) {
+  OpenLong();
+  Choose(InsightTopic::kBalance);
+  Wait();
+  EXPECT_EQ(view.Answer()->table.rows.size(), 20000U);
+  EXPECT_THAT(view.Answer()->notes, Contains(HasSubstr("the first 20000 of 5000")));
+  EXPECT_GT(view.Answer()->balance->lines.size(), 50000U);  // none is in balance: all are marks
+  Choose(InsightTopic::kTimes);
+  Wait();
+  EXPECT_THAT(view.Answer()->notes, Each(Not(HasSubstr("the first 20000"))));
+}
+
 TEST_F(InsightTab, TheFiguresAreThoseOfTheTablesOfTheAnswers) {
   Open();
   Wait();
