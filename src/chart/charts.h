@@ -39,6 +39,7 @@ struct DeviationChart {
   double limit = 2;                       // percent; the band is within it
   std::vector<DeviationLoad> loads = {};  // hits
   std::vector<DeviationDay> days = {};    // ascending
+  bool deliveries = false;                // not loads
 };
 
 [[nodiscard]] Picture PictureOf(const DeviationChart& chart, QSizeF size, const Look& look);
@@ -49,6 +50,7 @@ struct DistributionChart {
   double limit = 2;
   std::vector<DeviationRange> ranges = {};  // hits
   std::optional<double> median = {};
+  bool deliveries = false;  // not loads
 };
 
 [[nodiscard]] Picture PictureOf(const DistributionChart& chart, QSizeF size, const Look& look);

@@ -94,8 +94,10 @@ void AddWeightLine(Sheet& sheet, const TimePlot& plot, const DeliveredChart& cha
     last = number;
     marks.at.push_back(at);
   }
-  sheet.Add(Layer::kMark,
-            PathShape{.path = ThinnedLine(path), .line = ink, .width = 2, .dashed = dashed});
+  sheet.Add(Layer::kMark, PathShape{.path = dashed ? SampledLine(path) : ThinnedLine(path),
+                                    .line = ink,
+                                    .width = 2,
+                                    .dashed = dashed});
   if (!dashed && plot.Days().to - plot.Days().from <= kMostDaysWithMarks) {
     sheet.Add(Layer::kMark, std::move(marks));
   }

@@ -147,6 +147,13 @@ void AddPlaces(Sheet& sheet, const TimePlot& plot, const DeviationChart& chart) 
   }
 }
 
+std::string NameOfMark(bool many, bool deliveries) {
+  if (deliveries) {
+    return many ? Tr("Delivery (larger: more deliveries)") : Tr("Delivery");
+  }
+  return many ? Tr("Load (larger: more loads)") : Tr("Load");
+}
+
 void AddMedians(Sheet& sheet, const TimePlot& plot, const DeviationChart& chart) {
   QPainterPath path;
   DotsShape marks{.at = {}, .symbol = Symbol::kSquare, .size = 5, .ink = Ink::kSecond};
@@ -171,13 +178,14 @@ Picture PictureOf(const DeviationChart& chart, QSizeF size, const Look& look) {
   Sheet sheet(size, look, chart.texts);
   const DeviationRangeOfAxes axes = AxesOf(chart);
   if (axes.first_day > axes.last_day) {
-    return sheet.FinishEmpty(Tr("No loads to show"));
+    return sheet.FinishEmpty(chart.deliveries ? Tr("No deliveries to show")
+                                              : Tr("No loads to show"));
   }
   const bool many =
       chart.loads.size() > kMostSingleDots ||
       std::ranges::any_of(chart.loads, [](const DeviationLoad& load) { return load.loads > 1; });
   std::vector<LegendEntry> legend = {{LegendMark::kSymbol, Ink::kFirst,
-                                      many ? Tr("Load (larger: more loads)") : Tr("Load"),
+                                      NameOfMark(many, chart.deliveries),
                                       many ? Symbol::kSquare : Symbol::kDot}};
   if (!chart.days.empty()) {
     legend.push_back({LegendMark::kLine, Ink::kSecond, Tr("Median of the day")});

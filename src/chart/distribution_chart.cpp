@@ -179,10 +179,11 @@ bool HasNumbers(const DistributionChart& chart) {
 Picture PictureOf(const DistributionChart& chart, QSizeF size, const Look& look) {
   Sheet sheet(size, look, chart.texts);
   if (!HasNumbers(chart)) {
-    return sheet.FinishEmpty(Tr("No loads to show"));
+    return sheet.FinishEmpty(chart.deliveries ? Tr("No deliveries to show")
+                                              : Tr("No loads to show"));
   }
   sheet.AddLegend(DistributionLegend(chart));
-  sheet.AddLine(Tr("Loads"));
+  sheet.AddLine(chart.deliveries ? Tr("Deliveries") : Tr("Loads"));
   return DistributionPlot(sheet, chart).Draw();
 }
 

@@ -15,7 +15,7 @@ constexpr std::array<InkColors, kAllInks.size()> kInks = {{
     {"chart-text", 0x1A1A1A, 0xF2F2F2},
     {"chart-quiet", 0x595959, 0xB4B8BC},
     {"chart-grid", 0xD9D9D9, 0x3C4145},
-    {"chart-band", 0xE3F1EB, 0x20332C},
+    {"chart-band", 0xE3F1EB, 0x29453B},
     {"chart-first", 0x0072B2, 0x56B4E9},
     {"chart-second", 0xD55E00, 0xE69F00},
     {"chart-shade", 0x0072B2, 0x0072B2},

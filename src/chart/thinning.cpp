@@ -9,6 +9,7 @@ namespace vrx {
 namespace {
 
 constexpr double kLineColumn = 0.5;  // a line is two units wide
+constexpr double kDashedColumn = 4;
 constexpr double kBoxColumn = 1;
 
 // The points of a path in one column.
@@ -46,22 +47,38 @@ class LineColumn {
   int last_ = first_;
 };
 
+bool SharesColumn(const QPainterPath& path, int first, int next, double width) {
+  return next < path.elementCount() &&
+         std::floor(path.elementAt(next).x / width) == std::floor(path.elementAt(first).x / width);
+}
+
 }  // namespace
 
 QPainterPath ThinnedLine(const QPainterPath& path) {
   QPainterPath thinned;
-  const auto column_of = [&](int point) {
-    return std::floor(path.elementAt(point).x / kLineColumn);
-  };
   for (int first = 0, next = 0; first < path.elementCount(); first = next) {
     LineColumn column(path, first);
-    for (next = first + 1; next < path.elementCount() && column_of(next) == column_of(first);
-         ++next) {
+    for (next = first + 1; SharesColumn(path, first, next, kLineColumn); ++next) {
       column.Take(next);
     }
     column.AddTo(thinned);
   }
   return thinned;
+}
+
+QPainterPath SampledLine(const QPainterPath& path) {
+  if (ThinnedLine(path).elementCount() == path.elementCount()) {
+    return path;
+  }
+  QPainterPath sampled;
+  for (int first = 0, next = 0; first < path.elementCount(); first = next) {
+    LineColumn(path, first).AddTo(sampled);
+    next = first + 1;
+    while (SharesColumn(path, first, next, kDashedColumn)) {
+      ++next;
+    }
+  }
+  return sampled;
 }
 
 std::vector<QRectF> ThinnedBoxes(const std::vector<QRectF>& boxes, bool highest) {

@@ -13,6 +13,10 @@ namespace vrx {
 // first, highest, lowest and last point remain. A gap within a column is closed.
 [[nodiscard]] QPainterPath ThinnedLine(const QPainterPath& path);
 
+// The same for a dashed line, which takes longer to draw and is not recognized where it goes up and
+// down in a column: of each wide column, the first point remains.
+[[nodiscard]] QPainterPath SampledLine(const QPainterPath& path);
+
 // Boxes from left to right, of which those narrower than a column become one with the others that
 // begin in it. It spans their whole height if `highest`, otherwise only what they have in common.
 [[nodiscard]] std::vector<QRectF> ThinnedBoxes(const std::vector<QRectF>& boxes, bool highest);

@@ -84,6 +84,17 @@ constexpr std::string_view kHowDeliveries = TrMark(
     "Each delivery's weight is compared with what was called for. Net adds the differences, gross "
     "adds their amounts; the shares count deliveries.");
 
+void CallThemDeliveries(std::vector<AnswerColumn>& columns) {
+  constexpr std::array<AnswerColumn, 3> kOther{{
+      {"n", TrMark("Deliveries"), CellKind::kCount},
+      {"notLoaded.n", TrMark("Not delivered"), CellKind::kCount},
+      {"notLoaded.target", TrMark("Not delivered, target"), CellKind::kWeight},
+  }};
+  for (const AnswerColumn& other : kOther) {
+    *std::ranges::find(columns, other.key, &AnswerColumn::key) = other;
+  }
+}
+
 std::string Sentence(const std::string& what, const YardstickShare& share) {
   std::string text = what + ": " + DefaultText(share.loads) + " % of their loads (herds " +
                      DefaultText(share.lowest) + " to " + DefaultText(share.highest);
@@ -112,6 +123,9 @@ AnswerTable TableOf(const Accuracy& answer, const AccuracyQuestion& question) {
   table.columns.insert(table.columns.end(), kAccuracyColumns.begin(), kAccuracyColumns.end());
   table.columns.push_back(kStandardized);
   table.columns.push_back(kMarked);
+  if (question.deliveries) {
+    CallThemDeliveries(table.columns);
+  }
   for (const AccuracyGroup& group : answer.groups) {
     AnswerRow row;
     for (const auto& key : group.key) {

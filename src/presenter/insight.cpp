@@ -201,6 +201,7 @@ void InsightPresenter::Ask() {
   End();
   stale_ = true;
   state_.refusal.clear();
+  MarkNeededNames();
   view_.InsightChanged(InsightPart::kQuestion);
   if (path_.empty()) {
     ShowStandby(Tr("Open a transaction database to see what its records say."));
@@ -213,6 +214,15 @@ void InsightPresenter::Ask() {
     started_ = services_.pump.Now();
     ticker_ = services_.pump.StartTicker(kLook, [this] { Tick(); });
   }
+}
+
+void InsightPresenter::MarkNeededNames() {
+  const InsightAsked& asked = state_.asked;
+  const bool of_pen = asked.Table().rows == InsightRows::kOfPen;
+  const bool of_ingredient =
+      asked.Table().rows == InsightRows::kOfIngredient || asked.topic == InsightTopic::kHolding;
+  state_.names.at(static_cast<std::size_t>(NameKind::kIngredient)).needed = of_ingredient;
+  state_.names.at(static_cast<std::size_t>(NameKind::kPen)).needed = of_pen;
 }
 
 bool InsightPresenter::TakeFields() {
@@ -230,12 +240,13 @@ bool InsightPresenter::TakeFields() {
       NameOf(asked.about, static_cast<NameKind>(kind)) = ChosenName(filter);
     }
   }
-  const bool of_pen = asked.Table().rows == InsightRows::kOfPen;
-  if (asked.topic == InsightTopic::kTrace && of_pen && !asked.about.pen) {
+  const auto lacks = [this](NameKind kind) {
+    const NameFilter& filter = state_.names.at(static_cast<std::size_t>(kind));
+    return filter.needed && filter.index == 0;
+  };
+  if (lacks(NameKind::kPen)) {
     state_.refusal = Tr("Choose a pen above.");
-  } else if ((asked.topic == InsightTopic::kHolding ||
-              (asked.topic == InsightTopic::kTrace && !of_pen)) &&
-             !asked.about.ingredient) {
+  } else if (lacks(NameKind::kIngredient)) {
     state_.refusal = Tr("Choose an ingredient above.");
   } else if (asked.topic == InsightTopic::kHolding) {
     return TakeHolding();

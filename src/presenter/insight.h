@@ -24,6 +24,7 @@ namespace vrx {
 // A list of the names of one kind. Its first item stands for all of them.
 struct NameFilter {
   bool visible = true;
+  bool needed = false;                  // one of them must be chosen
   std::vector<std::string> items = {};  // after the first one
   int index = 0;                        // 0: all
 };
@@ -105,6 +106,7 @@ class InsightPresenter {
 
  private:
   void Ask();
+  void MarkNeededNames();
   bool TakeFields();
   bool TakeHolding();
   void Begin();

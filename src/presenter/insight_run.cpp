@@ -246,10 +246,26 @@ void AnswerStatement(SQLite::Database& database, const InsightAsked& asked,
   AddNotes(answer, statement.notes);
 }
 
+// Cost and shrink come from files, which only the command line takes.
+void KeepWhatWasUsed(AnswerTable& table) {
+  constexpr std::size_t kIngredientAndUsed = 2;
+  table.columns.resize(kIngredientAndUsed);
+  for (auto& row : table.rows) {
+    row.resize(kIngredientAndUsed);
+  }
+  if (!table.total.empty()) {
+    table.total.resize(kIngredientAndUsed);
+  }
+  table.how = TrMark(
+      "What was loaded of each ingredient. The command vrx2260ctl use adds cost and shrink from "
+      "files of prices and stock.");
+}
+
 void AnswerUse(SQLite::Database& database, const InsightAsked& asked,
                const InsightProgress& progress, InsightAnswer& answer) {
   const Use use = ReadUse(database, {.about = asked.about}, progress);
   answer.table = TableOf(use);
+  KeepWhatWasUsed(answer.table);
   AddNotes(answer, use.notes);
 }
 

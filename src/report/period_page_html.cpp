@@ -9,7 +9,7 @@
 namespace vrx {
 namespace {
 
-constexpr QSizeF kWidePicture{768, 300};
+constexpr QSizeF kWidePicture{928, 320};
 constexpr QSizeF kNarrowPicture{340, 260};
 
 // Colors of Look, so that texts and pictures agree.
@@ -18,7 +18,7 @@ constexpr std::string_view kStyle = R"(
 @media screen and (prefers-color-scheme:dark){
 :root{--paper:#1b1e20;--text:#f2f2f2;--quiet:#b4b8bc;--line:#3c4145}}
 *{box-sizing:border-box}
-body{margin:0 auto;padding:1rem;max-width:50rem;background:var(--paper);color:var(--text);
+body{margin:0 auto;padding:1rem;max-width:60rem;background:var(--paper);color:var(--text);
 font:1rem/1.45 system-ui,sans-serif;overflow-wrap:break-word}
 h1{font-size:1.6rem;line-height:1.2;margin:0 0 .25rem}
 h2{font-size:1.2rem;line-height:1.3;margin:2rem 0 .25rem;break-after:avoid}
@@ -39,7 +39,7 @@ vertical-align:top;white-space:nowrap}
 th{font-weight:600}
 thead th{vertical-align:bottom;border-bottom-color:var(--quiet);white-space:normal}
 .number{text-align:right}
-.wrap{white-space:normal;overflow-wrap:anywhere;min-width:4.5rem}
+.wrap{white-space:normal;overflow-wrap:anywhere;min-width:6.5rem}
 tbody th{position:sticky;left:0;background:var(--paper)}
 tfoot th,tfoot td{font-weight:600;border-bottom:0;border-top:1px solid var(--quiet)}
 figure{margin:.75rem 0;break-inside:avoid}

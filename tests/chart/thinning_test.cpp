@@ -90,7 +90,19 @@ TEST(Thinning, KeepsAGapBetweenColumnsAndClosesOneWithin) {
   EXPECT_THAT(moves, ElementsAre(0, 3));
 }
 
-TEST(Thinning, LeavesAnEmptyPathEmpty) { EXPECT_TRUE(ThinnedLine({}).isEmpty()); }
+TEST(Thinning, SamplesADashedLineOnlyWhereItsPointsAreHidden) {
+  const Points apart = {{0, 5}, {1, 7}, {2, 3}, {5, 9}};
+  EXPECT_EQ(PointsOf(SampledLine(Through(apart))), apart);
+  const QPainterPath crowded =
+      Through({{0, 5}, {0.1, 5}, {0.2, 6}, {0.3, 5}, {0.4, 1}, {3.9, 9}, {4, 6}, {9, 5}});
+  EXPECT_THAT(PointsOf(SampledLine(crowded)),
+              ElementsAre(std::pair(0.0, 5.0), std::pair(4.0, 6.0), std::pair(9.0, 5.0)));
+}
+
+TEST(Thinning, LeavesAnEmptyPathEmpty) {
+  EXPECT_TRUE(ThinnedLine({}).isEmpty());
+  EXPECT_TRUE(SampledLine({}).isEmpty());
+}
 
 TEST(Thinning, KeepsBoxesAsWideAsAColumn) {
   const std::vector<QRectF> boxes = {{0, 0, 1, 5}, {0.5, 0, 1, 7}};

@@ -208,6 +208,38 @@ TEST_F(InsightTab, TraceAndHoldingNeedAName) {
   EXPECT_EQ(view.Answer(), nullptr);
 }
 
+TEST_F(InsightTab, SaysWhichNameAQuestionNeeds) {
+  Open();
+  Wait();
+  const auto needed = [this] {
+    std::vector<NameKind> kinds;
+    for (int kind = 0; kind < kNameKinds; ++kind) {
+      if (view.State().names.at(static_cast<std::size_t>(kind)).needed) {
+        kinds.push_back(static_cast<NameKind>(kind));
+      }
+    }
+    return kinds;
+  };
+  EXPECT_THAT(needed(), IsEmpty());
+  Choose(InsightTopic::kTrace);
+  EXPECT_THAT(needed(), ElementsAre(NameKind::kIngredient));
+  view.ChooseTable(1);
+  EXPECT_THAT(needed(), ElementsAre(NameKind::kPen));
+  Choose(InsightTopic::kHolding);
+  EXPECT_THAT(needed(), ElementsAre(NameKind::kIngredient));
+  Choose(InsightTopic::kUse);
+  EXPECT_THAT(needed(), IsEmpty());
+}
+
+TEST_F(InsightTab, UseShowsNoCostWhichNeedsFilesOfTheCommandLine) {
+  Open();
+  Wait();
+  Choose(InsightTopic::kUse);
+  Wait();
+  EXPECT_THAT(Captions(), ElementsAre("Ingredient", "Used"));
+  EXPECT_THAT(view.Answer()->table.rows.front(), SizeIs(2));
+}
+
 TEST_F(InsightTab, ReadsTheNamesForAQuestionThatNeedsOne) {
   SmallHistory(folder);
   bound = BindUserDatabase(folder / "SMALL.TDB", kBusyTimeout);

@@ -66,7 +66,7 @@ TEST_F(HtmlPages, HaveEachPictureForWideAndForNarrowScreens) {
   EXPECT_EQ(Count(html, "<figure>"), 3U);
   EXPECT_EQ(Count(html, "<div class=\"wide\">\n<svg "), 3U);
   EXPECT_EQ(Count(html, "<div class=\"narrow\">\n<svg "), 3U);
-  EXPECT_EQ(Count(html, "width=\"768\" height="), 3U);
+  EXPECT_EQ(Count(html, "width=\"928\" height="), 3U);
   EXPECT_EQ(Count(html, "width=\"340\" height="), 3U);
   EXPECT_EQ(Count(html, "prefers-color-scheme:dark"), 2U);  // of the page and of the pictures
   EXPECT_THAT(html, HasSubstr("@media print"));

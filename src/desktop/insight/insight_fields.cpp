@@ -160,7 +160,7 @@ void InsightFields::Show(const InsightState& state) {
   period_->ShowNote(ToQString(state.period.refusal));
   for (std::size_t kind = 0; kind < names_.size(); ++kind) {
     const NameFilter& filter = state.names.at(kind);
-    QStringList items{QTr("(all)")};
+    QStringList items{filter.needed ? QTr("(choose)") : QTr("(all)")};
     for (const std::string& name : filter.items) {
       items += ToQString(name);
     }

@@ -43,11 +43,15 @@ DrawPicture Drawer(Chart chart, ChartTexts texts) {
 
 DrawPicture DrawerOf(const InsightAnswer& answer, const std::optional<std::string>& pen,
                      ChartTexts texts) {
+  const auto of_topic = [&](auto chart) {
+    chart.deliveries = answer.asked.topic == InsightTopic::kDelivery;
+    return Drawer(std::move(chart), std::move(texts));
+  };
   switch (answer.asked.Picture()) {
     case InsightPicture::kDeviations:
-      return Drawer(DeviationChartOf(*answer.loads, *answer.accuracy), std::move(texts));
+      return of_topic(DeviationChartOf(*answer.loads, *answer.accuracy));
     case InsightPicture::kDistribution:
-      return Drawer(DistributionChartOf(*answer.loads, *answer.accuracy), std::move(texts));
+      return of_topic(DistributionChartOf(*answer.loads, *answer.accuracy));
     case InsightPicture::kOperators:
       return Drawer(OperatorChartOf(*answer.accuracy), std::move(texts));
     case InsightPicture::kWeights:

@@ -7,7 +7,9 @@
 #include <QItemSelectionModel>
 #include <QStringList>
 #include <algorithm>
+#include <optional>
 
+#include "base/date.h"
 #include "widgets/labels.h"
 #include "widgets/layout.h"
 #include "widgets/qt_text.h"
@@ -22,6 +24,19 @@ constexpr int kRowsToMeasure = 200;
 bool IsNumber(CellKind kind) {
   return kind != CellKind::kName && kind != CellKind::kText && kind != CellKind::kDay &&
          kind != CellKind::kYesNo;
+}
+
+// In two lines if it is long: more columns are seen at once. Broken where the longer line is
+// shortest.
+QString Broken(QString caption) {
+  constexpr qsizetype kShort = 8;
+  qsizetype best = -1;
+  const auto longer = [&](qsizetype blank) { return std::max(blank, caption.size() - blank); };
+  for (qsizetype blank = caption.indexOf(u' '); blank >= 0;
+       blank = caption.indexOf(u' ', blank + 1)) {
+    best = best < 0 || longer(blank) < longer(best) ? blank : best;
+  }
+  return caption.size() > kShort && best >= 0 ? caption.replace(best, 1, u'\n') : caption;
 }
 
 Qt::Alignment AlignmentOf(CellKind kind) {
@@ -84,7 +99,13 @@ QString InsightTableModel::Text(std::size_t row, std::size_t column) const {
     const bool is_empty = std::holds_alternative<std::monostate>(cell);
     return is_empty ? QString() : ToQString(ShownText(shown, cell));
   }
-  return ToQString(ShownText(shown, table_->rows[row].at(column)));
+  const QString text = ToQString(ShownText(shown, table_->rows[row].at(column)));
+  if (upright_ && text.isEmpty()) {
+    return QTr("none");
+  }
+  const bool is_day = shown.kind == CellKind::kDay || shown.key == "key.day";
+  const std::optional<Date> day = is_day ? ParseStoredDate(text.toStdString()) : std::nullopt;
+  return day ? ToQString(MediumText(*day)) : text;
 }
 
 QVariant InsightTableModel::data(const QModelIndex& index, int role) const {
@@ -116,12 +137,20 @@ QVariant InsightTableModel::headerData(int section, Qt::Orientation orientation,
     return {};
   }
   if (upright_) {
-    return role == Qt::DisplayRole ? QVariant(section == 0 ? QTr("What") : QTr("Value"))
-                                   : QVariant();
+    switch (role) {
+      case Qt::DisplayRole:
+        return section == 0 ? QTr("What") : QTr("Value");
+      case Qt::TextAlignmentRole:
+        return QVariant::fromValue(Qt::AlignVCenter | Qt::AlignLeft);
+      default:
+        return {};
+    }
   }
   const auto column = static_cast<std::size_t>(section);
   switch (role) {
     case Qt::DisplayRole:
+      return Broken(Caption(column));
+    case Qt::AccessibleTextRole:
       return Caption(column);
     case Qt::TextAlignmentRole:
       return QVariant::fromValue(AlignmentOf(table_->columns[column].kind));
@@ -191,7 +220,7 @@ void InsightTable::copy() {
     return cells.join(u'\t') + u'\n';
   };
   QString text = line([this](int column) {
-    return model_->headerData(column, Qt::Horizontal, Qt::DisplayRole).toString();
+    return model_->headerData(column, Qt::Horizontal, Qt::DisplayRole).toString().simplified();
   });
   for (const QModelIndex& row : rows) {
     text += line(

@@ -10,8 +10,8 @@
 
 namespace vrx {
 
-// The table of an answer: units in the captions, figures rounded as ShownText does, the total in
-// the last row. A table of one row with many columns stands upright.
+// The table of an answer: units in the captions, figures rounded as ShownText does, days as on the
+// tab Batched/Fed, the total in the last row. A table of one row with many columns stands upright.
 class InsightTableModel : public QAbstractTableModel {
   Q_OBJECT
 

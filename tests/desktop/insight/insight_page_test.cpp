@@ -58,7 +58,11 @@ class InsightPageTest : public HistoryFixture {
     return Table().model()->index(row, column).data().toString();
   }
   QString Heading(int column) {
-    return Table().model()->headerData(column, Qt::Horizontal, Qt::DisplayRole).toString();
+    return Table()
+        .model()
+        ->headerData(column, Qt::Horizontal, Qt::DisplayRole)
+        .toString()
+        .simplified();
   }
   // Whether the heading is the first line that is seen, or seen at all at the end of the chapter.
   static bool BeginsWith(QTextBrowser& manual, std::string_view heading) {
@@ -88,6 +92,47 @@ TEST_F(InsightPageTest, ShowsTheFiguresWithUnitsAndTheTotalBelow) {
   EXPECT_FALSE(Drawn().Shown().plot.isEmpty());
   EXPECT_THAT(LabelText(u"lblInsightPictureHow"_qs), StartsWith("Each dot is a load"));
   EXPECT_THAT(LabelText(u"lblInsightNotes"_qs), HasSubstr("M. C. Barry"));
+}
+
+TEST_F(InsightPageTest, ALongCaptionTakesTwoLinesAndIsReadAndCopiedAsOne) {
+  ShowInsight();
+  const QAbstractItemModel& model = *Table().model();
+  const auto caption = [&](int column, int role) {
+    return model.headerData(column, Qt::Horizontal, role).toString();
+  };
+  EXPECT_EQ(caption(1, Qt::DisplayRole), u"Loads"_qs);
+  EXPECT_EQ(caption(3, Qt::DisplayRole), u"Not loaded,\ntarget (LB)"_qs);
+  EXPECT_EQ(caption(3, Qt::AccessibleTextRole), u"Not loaded, target (LB)"_qs);
+  Table().selectRow(1);
+  Table().copy();
+  EXPECT_THAT(QGuiApplication::clipboard()->text().toStdString(),
+              HasSubstr("\tNot loaded, target (LB)\t"));
+}
+
+TEST_F(InsightPageTest, DeliveriesAreCalledDeliveries) {
+  ShowInsight();
+  Ask(InsightTopic::kDelivery);
+  ASSERT_TRUE(Until([this] { return Heading(1) == u"Deliveries"_qs; }));
+  EXPECT_EQ(Heading(2), u"Not delivered"_qs);
+  EXPECT_EQ(Heading(3), u"Not delivered, target (LB)"_qs);
+}
+
+TEST_F(InsightPageTest, DaysReadAsOnBatchedFed) {
+  ShowInsight();
+  ChooseItem(u"cboInsightTable"_qs, 4);
+  EXPECT_TRUE(Until([this] { return Cell(1, 0) == u"14-Mar-11"_qs; }));
+  Ask(InsightTopic::kDelivered);
+  EXPECT_TRUE(Until([this] { return Cell(0, 1) == u"15-Mar-11"_qs; }));
+}
+
+TEST_F(InsightPageTest, CompletenessSaysWhereThereIsNothing) {
+  ShowInsight();
+  Ask(InsightTopic::kCompleteness);
+  ASSERT_TRUE(WaitForFirst(u"From"_qs));
+  EXPECT_EQ(Cell(0, 1), u"none"_qs);
+  EXPECT_EQ(
+      Table().model()->headerData(1, Qt::Horizontal, Qt::TextAlignmentRole).value<Qt::Alignment>(),
+      Qt::AlignVCenter | Qt::AlignLeft);
 }
 
 TEST_F(InsightPageTest, EveryQuestionShowsAnAnswerOrWhatItNeeds) {

@@ -71,8 +71,8 @@ QJsonArray SectionsOf(const QHeaderView& header) {
     const QRect place(header.sectionViewportPosition(section), 0, header.sectionSize(section),
                       header.height());
     if (header.viewport()->rect().intersects(place)) {
-      const QVariant text = header.model()->headerData(section, header.orientation());
-      items << Item(*header.viewport(), text.toString(), place, true, false);
+      const QString text = header.model()->headerData(section, header.orientation()).toString();
+      items << Item(*header.viewport(), text.simplified(), place, true, false);
     }
   }
   return items;
