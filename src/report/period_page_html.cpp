@@ -39,7 +39,7 @@ vertical-align:top;white-space:nowrap}
 th{font-weight:600}
 thead th{vertical-align:bottom;border-bottom-color:var(--quiet);white-space:normal}
 .number{text-align:right}
-.wrap{white-space:normal;overflow-wrap:anywhere;min-width:6.5rem}
+.wrap{white-space:normal;overflow-wrap:break-word;max-width:20rem}
 tbody th{position:sticky;left:0;background:var(--paper)}
 tfoot th,tfoot td{font-weight:600;border-bottom:0;border-top:1px solid var(--quiet)}
 figure{margin:.75rem 0;break-inside:avoid}
