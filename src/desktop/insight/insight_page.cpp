@@ -333,7 +333,9 @@ void InsightPage::ShowHow() {
   const QString how = answer == nullptr ? QString() : QTr(answer->table.how);
   const QString link = QStringLiteral("<a href=\"%1\">%2</a>")
                            .arg(ToQString(RowOf(presenter_.State().asked.topic).section),
-                                QTr("What this means").toHtmlEscaped());
+                                QTr("What this means")
+                                    .toHtmlEscaped()
+                                    .replace(QStringLiteral(" "), QStringLiteral("&nbsp;")));
   how_->setText(how.toHtmlEscaped() + QStringLiteral(" ") + link);
 }
 
