@@ -2,13 +2,12 @@
 
 #include <QPointF>
 #include <algorithm>
-#include <array>
 #include <cmath>
 
 namespace vrx {
 namespace {
 
-constexpr double kLineColumn = 0.5;  // a line is two units wide
+constexpr double kLineColumn = 1;  // a line is two units wide
 constexpr double kDashedColumn = 4;
 constexpr double kBoxColumn = 1;
 
@@ -18,22 +17,15 @@ class LineColumn {
   LineColumn(const QPainterPath& path, int first) : path_(path), first_(first) {}
 
   void Take(int point) {
-    last_ = point;
     highest_ = At(point).y() < At(highest_).y() ? point : highest_;
     lowest_ = At(point).y() > At(lowest_).y() ? point : lowest_;
   }
 
   void AddTo(QPainterPath& thinned) const {
-    std::array points = {first_, highest_, lowest_, last_};
-    std::ranges::sort(points);
-    int before = -1;
-    for (const int point : points) {
-      if (point == before) {
-        continue;
-      }
-      before < 0 && path_.elementAt(point).isMoveTo() ? thinned.moveTo(At(point))
-                                                      : thinned.lineTo(At(point));
-      before = point;
+    const auto [former, latter] = std::minmax(highest_, lowest_);
+    path_.elementAt(first_).isMoveTo() ? thinned.moveTo(At(former)) : thinned.lineTo(At(former));
+    if (latter != former) {
+      thinned.lineTo(At(latter));
     }
   }
 
@@ -44,7 +36,6 @@ class LineColumn {
   int first_;
   int highest_ = first_;
   int lowest_ = first_;
-  int last_ = first_;
 };
 
 bool SharesColumn(const QPainterPath& path, int first, int next, double width) {

@@ -10,7 +10,7 @@ namespace vrx {
 // time to draw depends on the width of the picture and not on the days.
 
 // A path of lines from left to right, without the points that are hidden in their column: its
-// first, highest, lowest and last point remain. A gap within a column is closed.
+// highest and its lowest point remain. A gap within a column is closed.
 [[nodiscard]] QPainterPath ThinnedLine(const QPainterPath& path);
 
 // The same for a dashed line, which takes longer to draw and is not recognized where it goes up and
