@@ -1,0 +1,67 @@
+-- What an administrator does. The functions are the owner's; its policies let them see rows only
+-- where the session belongs to an administrator. Each change of figures is journalled.
+
+CREATE OR REPLACE FUNCTION vrx.add_yard(name text, zone text, login text) RETURNS uuid
+LANGUAGE plpgsql SECURITY DEFINER SET search_path = pg_catalog, pg_temp AS $$
+DECLARE
+  id uuid;
+BEGIN
+  IF NOT EXISTS (SELECT FROM pg_timezone_names z WHERE z.name = add_yard.zone) THEN
+    RAISE EXCEPTION 'there is no time zone "%"', zone USING ERRCODE = 'invalid_parameter_value';
+  END IF;
+  INSERT INTO vrx.yard (name, zone) VALUES (add_yard.name, add_yard.zone) RETURNING yard INTO id;
+  INSERT INTO vrx.login (login, yard) VALUES (add_yard.login, id);
+  RETURN id;
+END
+$$;
+
+-- An empty company name removes the alias.
+CREATE OR REPLACE FUNCTION vrx.set_alias(yard_name text, name text, company_name text) RETURNS void
+LANGUAGE plpgsql SECURITY DEFINER SET search_path = pg_catalog, pg_temp AS $$
+DECLARE
+  id uuid;
+BEGIN
+  SELECT y.yard INTO id FROM vrx.yard y WHERE y.name = yard_name;
+  IF id IS NULL THEN
+    RAISE EXCEPTION 'there is no yard "%"', yard_name USING ERRCODE = 'no_data_found';
+  END IF;
+  DELETE FROM vrx.ingredient_alias a WHERE a.yard = id AND a.name = set_alias.name;
+  IF company_name <> '' THEN
+    INSERT INTO vrx.ingredient_alias (yard, name, company_name)
+      VALUES (id, set_alias.name, set_alias.company_name);
+  END IF;
+END
+$$;
+
+-- Notes a withdrawal and returns how many rows it covers. Without rows it is the whole source.
+CREATE OR REPLACE FUNCTION vrx.withdraw(source_id uuid, first_row bigint, last_row bigint, why text,
+                                        erase boolean) RETURNS bigint
+LANGUAGE plpgsql SECURITY DEFINER SET search_path = pg_catalog, pg_temp AS $$
+DECLARE
+  of_yard uuid[];
+  covered bigint;
+BEGIN
+  SELECT array_agg(s.yard) INTO of_yard FROM vrx.source s WHERE s.source = source_id;
+  IF of_yard IS NULL THEN
+    RAISE EXCEPTION 'there is no source %', source_id USING ERRCODE = 'no_data_found';
+  ELSIF cardinality(of_yard) > 1 THEN
+    RAISE EXCEPTION 'more than one yard has a source %', source_id USING ERRCODE = 'cardinality_violation';
+  END IF;
+  SELECT count(*) INTO covered FROM vrx.transaction t WHERE t.yard = of_yard[1]
+    AND t.source = source_id AND t.row BETWEEN coalesce(withdraw.first_row, t.row)
+    AND coalesce(withdraw.last_row, t.row);
+  INSERT INTO vrx.withdrawal (yard, source, first_row, last_row, erased, rows, why)
+    VALUES (of_yard[1], source_id, withdraw.first_row, withdraw.last_row, erase, covered,
+            withdraw.why);
+  IF erase THEN
+    DELETE FROM vrx.transaction t WHERE t.yard = of_yard[1] AND t.source = source_id
+      AND t.row BETWEEN coalesce(withdraw.first_row, t.row) AND coalesce(withdraw.last_row, t.row);
+  END IF;
+  RETURN covered;
+END
+$$;
+
+REVOKE ALL ON FUNCTION vrx.add_yard(text, text, text), vrx.set_alias(text, text, text),
+  vrx.withdraw(uuid, bigint, bigint, text, boolean) FROM PUBLIC;
+GRANT EXECUTE ON FUNCTION vrx.add_yard(text, text, text), vrx.set_alias(text, text, text),
+  vrx.withdraw(uuid, bigint, bigint, text, boolean) TO vrx_administrator;

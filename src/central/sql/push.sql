@@ -1,0 +1,59 @@
+-- The proof of a push: the server's own count, sums and digests of the rows that it has. The client
+-- compares them with those of its file before it commits. Runs with the rights of the yard.
+CREATE OR REPLACE FUNCTION vrx.prove_push() RETURNS trigger
+LANGUAGE plpgsql SET search_path = pg_catalog, pg_temp SET extra_float_digits = 1 AS $$
+DECLARE
+  before record;
+BEGIN
+  SELECT p.last_row, p.chain INTO before FROM vrx.push p
+    WHERE p.yard = NEW.yard AND p.source = NEW.source ORDER BY p.first_row DESC LIMIT 1;
+  IF before.last_row >= NEW.first_row THEN
+    RAISE EXCEPTION 'rows up to % of this source are in a push already', before.last_row
+      USING ERRCODE = 'unique_violation', TABLE = 'push';
+  END IF;
+  SELECT count(*), coalesce(sum(t.target::text::numeric), 0),
+         coalesce(sum(t.actual_batch::text::numeric), 0),
+         coalesce(sum(t.actual_feed::text::numeric), 0),
+         sha256(coalesce(string_agg(t.digest, ''::bytea ORDER BY t.row), ''::bytea))
+    INTO NEW.rows, NEW.target, NEW.actual_batch, NEW.actual_feed, NEW.digest
+    FROM vrx.transaction t WHERE t.yard = NEW.yard AND t.source = NEW.source
+      AND t.row BETWEEN NEW.first_row AND NEW.last_row;
+  NEW.chain := sha256(coalesce(before.chain, decode(repeat('00', 32), 'hex')) || NEW.digest);
+  NEW.at := clock_timestamp();
+  NEW.login := session_user;
+  RETURN NEW;
+END
+$$;
+
+CREATE OR REPLACE TRIGGER prove BEFORE INSERT ON vrx.push
+  FOR EACH ROW EXECUTE FUNCTION vrx.prove_push();
+
+-- What a range of rows of a source is now, in blocks of `step` row numbers: computed anew from the
+-- rows, not from their stored digests. `block` is row / step, and its digest is SHA-256 over the
+-- digests of its rows in order, joined. Blocks without a row are left out. The time and the memory
+-- grow with the range.
+CREATE OR REPLACE FUNCTION vrx.row_blocks(yard_id uuid, source_id uuid, from_row bigint,
+                                          to_row bigint, step bigint)
+RETURNS TABLE (block bigint, first_row bigint, last_row bigint, rows bigint, target numeric,
+               actual_batch numeric, actual_feed numeric, digest bytea)
+LANGUAGE sql STABLE SET search_path = pg_catalog, pg_temp
+SET client_encoding = 'UTF8' SET extra_float_digits = 1 AS $$
+  SELECT c.block, min(c.row), max(c.row), count(*),
+         coalesce(sum(c.target::text::numeric), 0),
+         coalesce(sum(c.actual_batch::text::numeric), 0),
+         coalesce(sum(c.actual_feed::text::numeric), 0),
+         sha256(string_agg(c.digest, ''::bytea ORDER BY c.row))
+    FROM (SELECT t.row / step AS block, t.row, t.target, t.actual_batch, t.actual_feed,
+                 sha256(record_send(ROW(t.row, t.number, t.recipe, t.type, t.user_id, t.ingredient,
+                   t.pen, t.target, t.actual_batch, t.time, t.date, t.actual_feed, t.ing_percent,
+                   t.weights))) AS digest
+            FROM vrx.transaction t
+            WHERE t.yard = yard_id AND t.source = source_id AND t.row BETWEEN from_row AND to_row
+         ) c
+    GROUP BY c.block ORDER BY c.block
+$$;
+
+REVOKE ALL ON FUNCTION vrx.prove_push(),
+  vrx.row_blocks(uuid, uuid, bigint, bigint, bigint) FROM PUBLIC;
+GRANT EXECUTE ON FUNCTION vrx.row_blocks(uuid, uuid, bigint, bigint, bigint)
+  TO vrx_yard, vrx_office, vrx_administrator;
