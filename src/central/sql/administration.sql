@@ -33,30 +33,45 @@ BEGIN
 END
 $$;
 
--- Notes a withdrawal and returns how many rows it covers. Without rows it is the whole source.
+-- Notes a withdrawal and returns how many rows it covers. Without rows it is the whole source, also
+-- what comes later.
 CREATE OR REPLACE FUNCTION vrx.withdraw(source_id uuid, first_row bigint, last_row bigint, why text,
                                         erase boolean) RETURNS bigint
 LANGUAGE plpgsql SECURITY DEFINER SET search_path = pg_catalog, pg_temp AS $$
 DECLARE
-  of_yard uuid[];
+  yards uuid[];
+  low bigint := coalesce(first_row, '-9223372036854775808'::bigint);
+  high bigint := coalesce(last_row, 9223372036854775807);
   covered bigint;
+  batches bigint[];
 BEGIN
-  SELECT array_agg(s.yard) INTO of_yard FROM vrx.source s WHERE s.source = source_id;
-  IF of_yard IS NULL THEN
+  SELECT array_agg(s.yard) INTO yards FROM vrx.source s WHERE s.source = source_id;
+  IF yards IS NULL THEN
     RAISE EXCEPTION 'there is no source %', source_id USING ERRCODE = 'no_data_found';
-  ELSIF cardinality(of_yard) > 1 THEN
-    RAISE EXCEPTION 'more than one yard has a source %', source_id USING ERRCODE = 'cardinality_violation';
+  ELSIF cardinality(yards) > 1 THEN
+    RAISE EXCEPTION 'more than one yard has a source %', source_id
+      USING ERRCODE = 'cardinality_violation';
   END IF;
-  SELECT count(*) INTO covered FROM vrx.transaction t WHERE t.yard = of_yard[1]
-    AND t.source = source_id AND t.row BETWEEN coalesce(withdraw.first_row, t.row)
-    AND coalesce(withdraw.last_row, t.row);
+  SELECT count(*), array_agg(DISTINCT t.batch) INTO covered, batches FROM vrx.transaction t
+    WHERE t.yard = yards[1] AND t.source = source_id AND t.row BETWEEN low AND high;
   INSERT INTO vrx.withdrawal (yard, source, first_row, last_row, erased, rows, why)
-    VALUES (of_yard[1], source_id, withdraw.first_row, withdraw.last_row, erase, covered,
+    VALUES (yards[1], source_id, withdraw.first_row, withdraw.last_row, erase, covered,
             withdraw.why);
   IF erase THEN
-    DELETE FROM vrx.transaction t WHERE t.yard = of_yard[1] AND t.source = source_id
-      AND t.row BETWEEN coalesce(withdraw.first_row, t.row) AND coalesce(withdraw.last_row, t.row);
+    DELETE FROM vrx.transaction t
+      WHERE t.yard = yards[1] AND t.source = source_id AND t.row BETWEEN low AND high;
   END IF;
+  -- What is left of the batches may begin on another day.
+  DELETE FROM vrx.batch_day d
+    WHERE d.yard = yards[1] AND d.source = source_id AND d.batch = ANY (batches);
+  INSERT INTO vrx.batch_day (yard, source, batch, of_load, day)
+    SELECT DISTINCT ON (t.batch) t.yard, t.source, t.batch, t.type = 'BATCH', t.day
+      FROM vrx.transaction t
+      WHERE t.yard = yards[1] AND t.source = source_id AND t.batch = ANY (batches)
+        AND t.type IN ('BATCH', 'FEED')
+        AND NOT EXISTS (SELECT FROM vrx.withdrawal w WHERE w.yard = t.yard AND w.source = t.source
+          AND (w.first_row IS NULL OR t.row BETWEEN w.first_row AND w.last_row))
+      ORDER BY t.batch, t.type, t.row;
   RETURN covered;
 END
 $$;

@@ -19,6 +19,9 @@ BEGIN
     FROM vrx.transaction t WHERE t.yard = NEW.yard AND t.source = NEW.source
       AND t.row BETWEEN NEW.first_row AND NEW.last_row;
   NEW.chain := sha256(coalesce(before.chain, decode(repeat('00', 32), 'hex')) || NEW.digest);
+  NEW.target := trim_scale(NEW.target);
+  NEW.actual_batch := trim_scale(NEW.actual_batch);
+  NEW.actual_feed := trim_scale(NEW.actual_feed);
   NEW.at := clock_timestamp();
   NEW.login := session_user;
   RETURN NEW;
@@ -27,6 +30,26 @@ $$;
 
 CREATE OR REPLACE TRIGGER prove BEFORE INSERT ON vrx.push
   FOR EACH ROW EXECUTE FUNCTION vrx.prove_push();
+
+-- The days of the batches that came with a push.
+CREATE OR REPLACE FUNCTION vrx.note_batch_days() RETURNS trigger
+LANGUAGE plpgsql SET search_path = pg_catalog, pg_temp AS $$
+BEGIN
+  INSERT INTO vrx.batch_day (yard, source, batch, of_load, day)
+    SELECT NEW.yard, NEW.source, f.batch, f.of_load, f.day
+    FROM (SELECT DISTINCT ON (t.batch) t.batch, t.type = 'BATCH' AS of_load, t.day
+            FROM vrx.transaction t
+            WHERE t.yard = NEW.yard AND t.source = NEW.source
+              AND t.row BETWEEN NEW.first_row AND NEW.last_row AND t.type IN ('BATCH', 'FEED')
+            ORDER BY t.batch, t.type, t.row) f
+    WHERE NOT EXISTS (SELECT FROM vrx.batch_day d WHERE d.yard = NEW.yard
+      AND d.source = NEW.source AND d.batch = f.batch AND (d.of_load OR NOT f.of_load));
+  RETURN NULL;
+END
+$$;
+
+CREATE OR REPLACE TRIGGER note_batch_days AFTER INSERT ON vrx.push
+  FOR EACH ROW EXECUTE FUNCTION vrx.note_batch_days();
 
 -- What a range of rows of a source is now, in blocks of `step` row numbers: computed anew from the
 -- rows, not from their stored digests. `block` is row / step, and its digest is SHA-256 over the
@@ -53,7 +76,7 @@ SET client_encoding = 'UTF8' SET extra_float_digits = 1 AS $$
     GROUP BY c.block ORDER BY c.block
 $$;
 
-REVOKE ALL ON FUNCTION vrx.prove_push(),
+REVOKE ALL ON FUNCTION vrx.prove_push(), vrx.note_batch_days(),
   vrx.row_blocks(uuid, uuid, bigint, bigint, bigint) FROM PUBLIC;
 GRANT EXECUTE ON FUNCTION vrx.row_blocks(uuid, uuid, bigint, bigint, bigint)
   TO vrx_yard, vrx_office, vrx_administrator;

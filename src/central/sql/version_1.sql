@@ -20,18 +20,21 @@ CREATE TABLE vrx.login (
   yard uuid NOT NULL REFERENCES vrx.yard
 );
 
--- One transaction database. `parent` is the source that its file was a copy of.
+-- One transaction database. `parent` is the source that its file was a copy of: the rows up to
+-- `parent_last_row` stand there, those above it here.
 CREATE TABLE vrx.source (
   yard uuid NOT NULL REFERENCES vrx.yard,
   source uuid NOT NULL,
   generation uuid NOT NULL,
   parent uuid,
   parent_generation uuid,
+  parent_last_row bigint,
   unit text NOT NULL CHECK (unit IN ('LB', 'KG')),  -- of its weights
   file text NOT NULL,  -- name without folder
   at timestamptz NOT NULL DEFAULT clock_timestamp(),
   login text NOT NULL DEFAULT session_user,
-  PRIMARY KEY (yard, source)
+  PRIMARY KEY (yard, source),
+  CHECK ((parent IS NULL) = (parent_last_row IS NULL))
 );
 
 -- What became known of a source after its first push:
@@ -80,18 +83,17 @@ CREATE TABLE vrx.import (
 CREATE TABLE vrx.imported_batch (
   yard uuid NOT NULL,
   source uuid NOT NULL,
-  position bigint NOT NULL,  -- its rowid in the file
-  import bigint,
+  import bigint NOT NULL,
+  position bigint NOT NULL,  -- within its import, from 1
   file_number bigint,
   number bigint,  -- `Transaction`
   state text,
   loads text,
   feeds text,
   rows bigint,
-  PRIMARY KEY (yard, source, position),
+  PRIMARY KEY (yard, source, import, position),
   FOREIGN KEY (yard, source) REFERENCES vrx.source
 );
-CREATE INDEX imported_batch_by_import ON vrx.imported_batch (yard, source, import);
 
 -- The date that a stored text shows; nothing for another text or a day that does not exist.
 CREATE FUNCTION vrx.stored_day(text) RETURNS date
@@ -137,19 +139,36 @@ CREATE TABLE vrx.transaction (
   actual_feed float8,
   ing_percent float8,
   weights float8[],  -- Ing01Wt and so on, for a restore only
+  import bigint,  -- that stored it; not in the digest
   digest bytea NOT NULL,
+  -- The batch; a row without a number is a batch of its own.
+  batch bigint NOT NULL
+    GENERATED ALWAYS AS (coalesce(number, '-9223372036854775808'::bigint + row)) STORED,
   day date GENERATED ALWAYS AS (vrx.stored_day(date)) STORED,
   PRIMARY KEY (yard, source, row),
   CONSTRAINT row_equals_its_digest CHECK (digest = sha256(record_send(ROW(
     row, number, recipe, type, user_id, ingredient, pen, target, actual_batch, time, date,
     actual_feed, ing_percent, weights)))),
-  CONSTRAINT weights_end_with_a_value CHECK (weights IS NULL OR cardinality(weights) <= 32
+  CONSTRAINT weights_end_with_a_value CHECK (weights IS NULL OR cardinality(weights) <= 100
     AND weights[cardinality(weights)] IS NOT NULL),
   CONSTRAINT weights_are_finite CHECK (greatest(abs(target), abs(actual_batch), abs(actual_feed))
     < 'Infinity')
 );
-CREATE INDEX transaction_by_number ON vrx.transaction (yard, source, number, row);
+CREATE INDEX transaction_by_batch ON vrx.transaction (yard, source, batch, row);
 CREATE INDEX transaction_by_day ON vrx.transaction (yard, day);
+
+-- The day of each batch: of its first load, and as long as it has none, of its first delivery. A
+-- push adds them; if loads come after deliveries, the batch has both and the first counts no more.
+CREATE TABLE vrx.batch_day (
+  yard uuid NOT NULL,
+  source uuid NOT NULL,
+  batch bigint NOT NULL,
+  of_load boolean NOT NULL,
+  day date,
+  PRIMARY KEY (yard, source, batch, of_load),
+  FOREIGN KEY (yard, source) REFERENCES vrx.source
+);
+CREATE INDEX batch_day_by_day ON vrx.batch_day (yard, day);
 
 -- Journal of the pushes; each covers the rows of its source from first_row to last_row. The server
 -- computes what follows `client` from the rows that it has.

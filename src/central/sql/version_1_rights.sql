@@ -32,14 +32,14 @@ BEGIN
     EXECUTE format('GRANT SELECT ON vrx.%I TO vrx_office, vrx_administrator', name);
   END LOOP;
   FOREACH name IN ARRAY ARRAY['yard', 'source', 'mark', 'import', 'imported_batch', 'transaction',
-                              'push', 'withdrawal', 'ingredient_alias', 'fetch',
+                              'batch_day', 'push', 'withdrawal', 'ingredient_alias', 'fetch',
                               'release_yard'] LOOP
     EXECUTE format('CREATE POLICY yard_reads ON vrx.%I FOR SELECT TO vrx_yard '
                    'USING (yard = (SELECT vrx.session_yard()))', name);
     EXECUTE format('GRANT SELECT ON vrx.%I TO vrx_yard', name);
   END LOOP;
-  FOREACH name IN ARRAY ARRAY['source', 'mark', 'import', 'imported_batch', 'transaction', 'push',
-                              'fetch'] LOOP
+  FOREACH name IN ARRAY ARRAY['source', 'mark', 'import', 'imported_batch', 'transaction',
+                              'batch_day', 'push', 'fetch'] LOOP
     EXECUTE format('CREATE POLICY yard_adds ON vrx.%I FOR INSERT TO vrx_yard '
                    'WITH CHECK (yard = (SELECT vrx.session_yard()))', name);
   END LOOP;
@@ -85,12 +85,12 @@ GRANT SELECT ON vrx.release TO vrx_yard;
 GRANT INSERT (release, unit, file, note, for_all) ON vrx.release TO vrx_nutritionist;
 
 -- The server's own columns (time, login, what a push proves) are not granted.
-GRANT INSERT (yard, source, generation, parent, parent_generation, unit, file)
+GRANT INSERT (yard, source, generation, parent, parent_generation, parent_last_row, unit, file)
   ON vrx.source TO vrx_yard;
 GRANT INSERT (yard, source, kind, import, value) ON vrx.mark TO vrx_yard;
-GRANT INSERT ON vrx.import, vrx.imported_batch TO vrx_yard;
+GRANT INSERT ON vrx.import, vrx.imported_batch, vrx.batch_day TO vrx_yard;
 GRANT INSERT (yard, source, row, number, recipe, type, user_id, ingredient, pen, target,
-  actual_batch, time, date, actual_feed, ing_percent, weights, digest)
+  actual_batch, time, date, actual_feed, ing_percent, weights, import, digest)
   ON vrx.transaction TO vrx_yard;
 GRANT INSERT (yard, source, first_row, last_row, generation, unit, client) ON vrx.push TO vrx_yard;
 GRANT INSERT (yard, release) ON vrx.fetch TO vrx_yard;
