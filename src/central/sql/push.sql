@@ -31,9 +31,10 @@ $$;
 CREATE OR REPLACE TRIGGER prove BEFORE INSERT ON vrx.push
   FOR EACH ROW EXECUTE FUNCTION vrx.prove_push();
 
--- The days of the batches that came with a push.
+-- The days of the batches that came with a push. A nested loop would search the rows that the
+-- statement itself adds.
 CREATE OR REPLACE FUNCTION vrx.note_batch_days() RETURNS trigger
-LANGUAGE plpgsql SET search_path = pg_catalog, pg_temp AS $$
+LANGUAGE plpgsql SET search_path = pg_catalog, pg_temp SET enable_nestloop = off AS $$
 BEGIN
   INSERT INTO vrx.batch_day (yard, source, batch, of_load, day)
     SELECT NEW.yard, NEW.source, f.batch, f.of_load, f.day

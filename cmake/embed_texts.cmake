@@ -1,0 +1,18 @@
+# Writes a C++ source that defines a std::string_view for each text file, in the namespace vrx::sql:
+# version_1.sql becomes kVersion1. Called with -DOUT=FILE -DTEXTS=FILE;FILE -P embed_texts.cmake.
+set(code "#include \"central/sql_texts.h\"\n\nnamespace vrx::sql {\n\n")
+foreach(text IN LISTS TEXTS)
+  get_filename_component(words ${text} NAME_WE)
+  string(REPLACE "_" ";" words ${words})
+  set(name k)
+  foreach(word IN LISTS words)
+    string(SUBSTRING ${word} 0 1 first)
+    string(SUBSTRING ${word} 1 -1 rest)
+    string(TOUPPER ${first} first)
+    string(APPEND name ${first}${rest})
+  endforeach()
+  file(READ ${text} content)
+  string(APPEND code "const std::string_view ${name} = R\"sql(${content})sql\";\n\n")
+endforeach()
+string(APPEND code "}  // namespace vrx::sql\n")
+file(WRITE ${OUT} "${code}")
