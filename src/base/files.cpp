@@ -198,12 +198,19 @@ void AtomicFile::Write(std::string_view bytes) {
   }
 }
 
-void AtomicFile::Commit() {
+const fs::path& AtomicFile::Close() {
   errno = 0;
-  out_.close();
+  if (out_.is_open()) {
+    out_.close();
+  }
   if (!out_) {
     FailToWrite(target_, LastError());
   }
+  return temporary_;
+}
+
+void AtomicFile::Commit() {
+  Close();
   // Otherwise a power cut could leave the new name with missing bytes.
   if (const std::error_code unsynced = SyncToDisk(temporary_)) {
     FailToWrite(target_, unsynced);

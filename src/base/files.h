@@ -55,6 +55,9 @@ class AtomicFile {
 
   void Write(std::string_view bytes);
 
+  // Ends the writing. The temporary file, returned by name, may be changed until Commit().
+  const std::filesystem::path& Close();
+
   // Call once, after the last Write. Flushes the bytes to disk before renaming.
   void Commit();
 

@@ -13,6 +13,7 @@
 
 #include "base/files.h"
 #include "base/translation.h"
+#include "database/central_source.h"
 #include "database/connection.h"
 
 namespace vrx {
@@ -39,6 +40,11 @@ class LockedFile {
     });
   }
 
+  // True for a database that was pushed to the central database.
+  [[nodiscard]] bool IsCentralSource() {
+    return database_ && ReadCentralSource(*database_).has_value();
+  }
+
  private:
   std::optional<SQLite::Database> database_;
   std::optional<SQLite::Transaction> reading_;
@@ -62,9 +68,13 @@ void CopyBytes(const fs::path& source, AtomicFile& copy) {
 
 void CopyDatabaseFile(const fs::path& source, const fs::path& target, LockWait wait) {
   { const LockedFile settled(target, wait); }
-  const LockedFile held(source, wait);
+  LockedFile held(source, wait);
   AtomicFile copy(target);
   CopyBytes(source, copy);
+  if (held.IsCentralSource()) {
+    SQLite::Database copied = OpenDatabase(copy.Close(), Access::kWrite, wait);
+    RenewGeneration(copied);
+  }
   // Otherwise SQLite would apply a journal of the old target to the copy.
   fs::remove(target.string() + "-journal");
   copy.Commit();

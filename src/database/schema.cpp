@@ -98,6 +98,7 @@ std::vector<Table> TransactionTables() {
   for (int id = 1; id <= kWeightColumnCount; ++id) {
     transactions.columns.push_back({IngredientWeightColumn(id), kReal});
   }
+  transactions.columns.push_back({std::string(kRowNumberColumn), kKey});
   return {transactions};
 }
 

@@ -33,6 +33,10 @@ inline constexpr std::string_view kTransactionRange =
 inline constexpr int kWeightColumnCount = 100;
 inline constexpr int kStoredWeightCount = 32;  // filled by an import; the others stay NULL
 
+// Last column of `Transactions`: the row's ID, which then survives VACUUM. Databases made by
+// earlier versions lack it until AddRowNumbers.
+inline constexpr std::string_view kRowNumberColumn = "RowNumber";
+
 struct Column {
   std::string name;
   std::string_view type;  // INTEGER, REAL or TEXT, with constraints

@@ -170,7 +170,7 @@ std::string OfPeriod(const Period& period, const std::string& query) {
   }
   const bool has_tables = query.starts_with(kWith);
   return std::string(kWith) +
-         "Transactions AS NOT MATERIALIZED (SELECT rowid, * FROM "
+         "Transactions AS NOT MATERIALIZED (SELECT rowid AS rowid, * FROM "
          "main.Transactions WHERE 1" +
          PeriodCondition(period) + ")" +
          (has_tables ? ", " + query.substr(kWith.size()) : " " + query);

@@ -88,6 +88,7 @@ TEST(StoreImportedTransactions, ABatchRowIsStoredColumnByColumn) {
   StoredRow expected = {"1",      "REC003", "BATCH",    "2",          "ING004", "NULL",
                         "1000.0", "998.5",  "08:30:00", "2009-01-15", "0.0",    "66.5"};
   expected.resize(112, "NULL");
+  expected.emplace_back("1");  // the row number
   EXPECT_THAT(site.Stored(), ElementsAre(expected));
 }
 
@@ -104,6 +105,7 @@ TEST(StoreImportedTransactions, AFeedRowIsStoredColumnByColumn) {
     expected.push_back(IdText(ingredient) + ".5");
   }
   expected.resize(112, "NULL");
+  expected.emplace_back("1");  // the row number
   EXPECT_THAT(site.Stored(), ElementsAre(expected));
 }
 
@@ -129,6 +131,7 @@ TEST(StoreImportedTransactions, EmptyWeightsAreZeroAndOtherEmptyCellsNull) {
   StoredRow expected = {"1",   "REC003", "BATCH", "NULL", "NULL", "NULL",
                         "0.0", "0.0",    "NULL",  "NULL", "0.0",  "NULL"};
   expected.resize(112, "NULL");
+  expected.emplace_back("1");  // the row number
   EXPECT_THAT(site.Stored(), ElementsAre(expected));
 }
 
