@@ -9,6 +9,7 @@
 #include <cstddef>
 #include <cstdlib>
 #include <limits>
+#include <regex>
 #include <string_view>
 #include <utility>
 #include <vector>
@@ -274,6 +275,16 @@ Exact Exact::Of(double value) {
   std::array<char, 64> text{};
   const auto end = std::to_chars(text.data(), text.data() + text.size(), value).ptr;
   return Exact(ParseLarge({text.data(), static_cast<std::size_t>(end - text.data())}));
+}
+
+std::optional<Exact> Exact::OfText(std::string_view text) {
+  // More digits of an exponent would make a number that fills the memory.
+  static const std::regex form(R"(-?(\d+\.?\d*|\.\d+)(e[+-]?\d{1,4})?)");
+  constexpr std::size_t kLongest = 2000;  // more than any sum of doubles has
+  if (text.size() > kLongest || !std::regex_match(text.begin(), text.end(), form)) {
+    return std::nullopt;
+  }
+  return Exact(ParseLarge(text));
 }
 
 Exact Exact::Whole(std::int64_t value) {

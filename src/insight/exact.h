@@ -3,6 +3,8 @@
 #include <compare>
 #include <cstdint>
 #include <memory>
+#include <optional>
+#include <string_view>
 
 namespace vrx {
 
@@ -24,6 +26,9 @@ class Exact {
   // 0.1 is a tenth. `value` is finite.
   [[nodiscard]] static Exact Of(double value);
   [[nodiscard]] static Exact Whole(std::int64_t value);
+  // The number that a text shows: an optional minus sign, digits with at most one point, an
+  // optional exponent after "e". Nothing for another text.
+  [[nodiscard]] static std::optional<Exact> OfText(std::string_view text);
 
   [[nodiscard]] int Sign() const;  // -1, 0 or 1
   [[nodiscard]] Exact Abs() const { return Sign() < 0 ? -*this : *this; }

@@ -16,6 +16,20 @@ TEST(ExactNumbers, AreTheShortestDecimalTextOfADouble) {
   EXPECT_EQ(Exact::Of(-0.0), Exact());
 }
 
+TEST(ExactNumbers, AreReadFromDecimalTexts) {
+  EXPECT_EQ(Exact::OfText("0.1"), Exact::Of(0.1));
+  EXPECT_EQ(Exact::OfText("-10000000000000000000.5"), Exact::Of(-1e19) - Exact::Of(0.5));
+  EXPECT_EQ(Exact::OfText("1e-7"), Exact::Of(1e-7));
+  EXPECT_EQ(Exact::OfText("1.50e+22"), Exact::Of(1.5e22));
+  EXPECT_EQ(Exact::OfText("0.000"), Exact());
+  EXPECT_EQ(Exact::OfText("5."), Exact::Whole(5));
+  EXPECT_EQ(Exact::OfText(".5"), Exact::Of(0.5));
+  for (const char* const text :
+       {"", "-", ".", "1,5", "NaN", "Infinity", "1e", "0x1", "1e99999", " 1", "+1"}) {
+    EXPECT_FALSE(Exact::OfText(text)) << text;
+  }
+}
+
 TEST(ExactNumbers, AddWithoutAnEndOfTheirRange) {
   const double most = std::numeric_limits<double>::max();
   const Exact sum = Exact::Of(most) + Exact::Of(5e-324) - Exact::Of(most);
