@@ -1,0 +1,36 @@
+#pragma once
+
+#include <string>
+#include <vector>
+
+#include <SQLiteCpp/Database.h>
+
+#include "central/progress.h"
+#include "central/server_source.h"
+#include "database/central_source.h"
+
+namespace vrx {
+
+// What a push and the status know before they send a row. All functions throw what Push throws.
+
+// Makes sure that the file continues the source that the central database has: refuses a copy, a
+// file that lacks rows which are there, and rows that were changed or deleted after they were
+// pushed. Notes that turn out to be of no consequence are forgotten.
+void CheckContinues(SQLite::Database& database, CentralConnection& server, const std::string& yard,
+                    const ServerSource& there, CentralSource& here,
+                    const CentralProgress& progress);
+
+// The rows noted in the file that the central database has otherwise, ascending.
+[[nodiscard]] std::vector<std::int64_t> FindChangedRows(SQLite::Database& database,
+                                                        CentralConnection& server,
+                                                        const std::string& yard,
+                                                        const std::vector<SourcePart>& parts);
+
+// The last row up to which the file has the same rows as the parts of a source, for a copy that
+// goes on as a source of its own.
+[[nodiscard]] std::int64_t FindCommonRows(SQLite::Database& database, CentralConnection& server,
+                                          const std::string& yard,
+                                          const std::vector<SourcePart>& parts,
+                                          const CentralProgress& progress);
+
+}  // namespace vrx
