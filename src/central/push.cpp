@@ -43,7 +43,7 @@ class PushRun {
     FindThere();
     PushMarks(server_, yard_, there_, database_, unit_);
     const std::vector<PushPortion> portions =
-        PlanPush(database_, there_.last_row, there_.last_import);
+        PlanPush(database_, there_.last_row, there_.last_import, order_.rows_of_portion);
     std::int64_t total = 0;
     for (const PushPortion& portion : portions) {
       total += portion.rows;

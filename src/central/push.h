@@ -5,7 +5,7 @@
 #include <string>
 
 #include "central/progress.h"
-#include "central/row_encoder.h"
+#include "central/push_plan.h"
 #include "database/lock_wait.h"
 
 namespace vrx {
@@ -20,6 +20,7 @@ struct PushOrder {
   // A file that is a copy of another source goes on as a source of its own.
   bool as_new_source = false;
   LockWait lock_wait = kBusyTimeout;
+  std::int64_t rows_of_portion = kRowsOfPortion;
 };
 
 struct PushOutcome {

@@ -117,13 +117,14 @@ void CheckContinues(SQLite::Database& database, CentralConnection& server, const
   if (there.last_row == kBeforeFirstRow) {
     return;
   }
-  CheckLastRow(database, server, yard, parts, there.last_row);
-  if (here.pushed_to < there.last_row) {
-    const SourcePart unknown{.source = there.source,
-                             .after = std::max(here.pushed_to, there.parent_last_row),
-                             .last = there.last_row};
-    CheckUnknownRows(database, server, yard, unknown, progress);
+  if (here.pushed_to >= there.last_row) {
+    CheckLastRow(database, server, yard, parts, there.last_row);
+    return;
   }
+  const SourcePart unknown{.source = there.source,
+                           .after = std::max(here.pushed_to, there.parent_last_row),
+                           .last = there.last_row};
+  CheckUnknownRows(database, server, yard, unknown, progress);
 }
 
 std::vector<std::int64_t> FindChangedRows(SQLite::Database& database, CentralConnection& server,

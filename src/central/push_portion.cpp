@@ -81,14 +81,14 @@ std::int64_t SendRows(CentralConnection& server, SQLite::Statement& query,
   return sent;
 }
 
-constexpr const char* kImports =
+constexpr const char* kFileImports =
     "SELECT Number AS import, At AS at, File AS file, SHA256 AS sha256, Units AS units, RowsRead "
     "AS rows_read, Stored AS stored, LeftOut AS left_out, NotRead AS not_read, Repeated AS "
     "repeated, Batches AS batches, FileLow AS file_low, FileHigh AS file_high, Missing AS missing, "
     "StoredLow AS stored_low, StoredHigh AS stored_high, FirstDate AS first_date, LastDate AS "
     "last_date, Settled AS settled FROM Imports WHERE Number > ?1 AND Number <= ?2";
 
-constexpr const char* kBatches =
+constexpr const char* kFileBatches =
     "SELECT Import AS import, row_number() OVER (PARTITION BY Import ORDER BY rowid) AS position, "
     "FileNumber AS file_number, [Transaction] AS number, State AS state, Loads AS loads, Feeds AS "
     "feeds, Rows AS rows FROM ImportedBatches WHERE Import > ?1 AND Import <= ?2";
@@ -107,13 +107,13 @@ std::int64_t PushImports(CentralConnection& server, SQLite::Database& database,
   }
   std::int64_t imports = 0;
   for (const auto& [query_text, table] :
-       {std::pair{kImports, "import"}, std::pair{kBatches, "imported_batch"}}) {
+       {std::pair{kFileImports, "import"}, std::pair{kFileBatches, "imported_batch"}}) {
     SQLite::Statement query(database, query_text);
     query.bind(1, order.after_import);
     query.bind(2, portion.last_import);
     const std::int64_t sent =
         SendRows(server, query, InsertInto(table), {order.yard, order.source});
-    imports = query_text == kImports ? sent : imports;
+    imports = query_text == kFileImports ? sent : imports;
   }
   return imports;
 }

@@ -336,21 +336,21 @@ class RestoreRun {
   }
 
   std::int64_t WriteImports(SQLite::Database& database) {
-    constexpr std::string_view kImports =
+    constexpr std::string_view kServerImports =
         "SELECT import, at, file, sha256, units, rows_read, stored, left_out, not_read, repeated, "
         "batches, file_low, file_high, missing, stored_low, stored_high, first_date, last_date, "
         "coalesce((SELECT m.value FROM vrx.mark m WHERE m.yard = i.yard AND m.source = i.source "
         "AND m.kind = 'settled' AND m.import = i.import ORDER BY m.at DESC LIMIT 1), settled) FROM "
         "vrx.import i WHERE yard = $1 AND source = $2 AND import > $3 ORDER BY import LIMIT 1000";
-    constexpr std::string_view kBatches =
+    constexpr std::string_view kServerBatches =
         "SELECT import, file_number, number, state, loads, feeds, rows FROM vrx.imported_batch "
         "WHERE yard = $1 AND source = $2 AND import > $3 AND import <= $4 ORDER BY import, "
         "position";
     std::int64_t after = 0;
     std::int64_t count = 0;
     for (;;) {
-      const CentralRows imports =
-          server_.Query(std::string(kImports), {yard_, source_.source, std::to_string(after)});
+      const CentralRows imports = server_.Query(std::string(kServerImports),
+                                                {yard_, source_.source, std::to_string(after)});
       if (imports.Count() == 0) {
         return count;
       }
@@ -358,7 +358,7 @@ class RestoreRun {
       const std::int64_t last = imports.Number(imports.Count() - 1, 0);
       Insert(database, "Imports", imports);
       Insert(database, "ImportedBatches",
-             server_.Query(std::string(kBatches),
+             server_.Query(std::string(kServerBatches),
                            {yard_, source_.source, std::to_string(after), std::to_string(last)}));
       after = last;
       count += imports.Count();
