@@ -2,6 +2,7 @@
 
 #include <QProcess>
 #include <QStandardPaths>
+#include <QSysInfo>
 #include <array>
 #include <charconv>
 #include <chrono>
@@ -16,6 +17,7 @@
 #include <unistd.h>
 
 #include "adapters/document_opener.h"
+#include "base/files.h"
 
 namespace vrx {
 namespace {
@@ -132,6 +134,12 @@ bool LinuxOperatingSystem::StartProgram(const fs::path& program) {
 int LinuxOperatingSystem::OpenDocument(const fs::path& document) {
   const auto [code, call] = FindDocumentOpener(QString::fromStdString(document.string()));
   return code > kLargestFailure && !Start(call) ? kProgramNotStarted : code;
+}
+
+std::string MachineId() {
+  constexpr std::size_t kDigits = 16;
+  const QByteArray id = QSysInfo::machineUniqueId();
+  return id.isEmpty() ? std::string() : Sha256("VRX-2260 " + id.toStdString()).substr(0, kDigits);
 }
 
 bool InputIsTerminal() { return isatty(STDIN_FILENO) != 0; }

@@ -49,6 +49,10 @@ class LinuxOperatingSystem : public OperatingSystem {
   [[nodiscard]] int OpenDocument(const std::filesystem::path& document) override;
 };
 
+// Tells this computer from others: a fingerprint of the system's own ID, which is not to be shown
+// to others. Empty if the system has none.
+[[nodiscard]] std::string MachineId();
+
 // Whether a person uses the standard stream, rather than a file or another program.
 [[nodiscard]] bool InputIsTerminal();
 [[nodiscard]] bool ErrorIsTerminal();

@@ -23,7 +23,7 @@ class RowComparison {
   // The file's rows above `after`, less those that were erased there.
   RowComparison(SQLite::Database& database, std::int64_t after) : reader_(database, after) {}
 
-  void SetErased(std::vector<RowRange> erased) { erased_ = std::move(erased); }
+  void SetErased(std::vector<CentralRange> erased) { erased_ = std::move(erased); }
 
   // Whether the next row of the file up to `last` has that number and digest.
   bool IsNext(std::int64_t number, std::string_view digest, std::int64_t last) {
@@ -53,13 +53,13 @@ class RowComparison {
   }
 
   [[nodiscard]] bool IsErased(std::int64_t row) const {
-    return std::any_of(erased_.begin(), erased_.end(), [row](const RowRange& range) {
+    return std::any_of(erased_.begin(), erased_.end(), [row](const CentralRange& range) {
       return row >= range.first && row <= range.last;
     });
   }
 
   RowReader reader_;
-  std::vector<RowRange> erased_;
+  std::vector<CentralRange> erased_;
   std::deque<Row> rows_;
 };
 

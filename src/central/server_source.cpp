@@ -162,16 +162,16 @@ std::vector<ServerRow> FindRows(CentralConnection& server, const std::string& ya
   return result;
 }
 
-std::vector<RowRange> ReadErased(CentralConnection& server, const std::string& yard,
-                                 const SourcePart& part) {
+std::vector<CentralRange> ReadErased(CentralConnection& server, const std::string& yard,
+                                     const SourcePart& part) {
   const CentralRows rows = server.Query(
       "SELECT greatest(coalesce(first_row, $3::bigint + 1), $3::bigint + 1), "
       "least(coalesce(last_row, $4::bigint), $4::bigint) FROM vrx.withdrawal WHERE yard = $1 AND "
       "source = $2 AND erased ORDER BY 1",
       {yard, part.source, std::to_string(part.after), std::to_string(part.last)});
-  std::vector<RowRange> ranges;
+  std::vector<CentralRange> ranges;
   for (int row = 0; row < rows.Count(); ++row) {
-    const RowRange range{.first = rows.Number(row, 0), .last = rows.Number(row, 1)};
+    const CentralRange range{.first = rows.Number(row, 0), .last = rows.Number(row, 1)};
     if (range.first <= range.last) {
       ranges.push_back(range);
     }

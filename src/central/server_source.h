@@ -82,12 +82,12 @@ void ReadDigests(CentralConnection& server, const std::string& yard, const Sourc
                                               const std::vector<std::int64_t>& rows);
 
 // Row ranges of a part that the administrator has erased, ascending.
-struct RowRange {
+struct CentralRange {
   std::int64_t first = 0;
   std::int64_t last = 0;
 };
-[[nodiscard]] std::vector<RowRange> ReadErased(CentralConnection& server, const std::string& yard,
-                                               const SourcePart& part);
+[[nodiscard]] std::vector<CentralRange> ReadErased(CentralConnection& server,
+                                                   const std::string& yard, const SourcePart& part);
 
 // Columns rows, target, actual_batch, actual_feed and the digest in hexadecimal, from `column` on.
 [[nodiscard]] RowProof ProofOf(const CentralRows& rows, int row, int column);

@@ -50,10 +50,10 @@ std::vector<RowSpan> ReadSpans(CentralConnection& server, const std::string& yar
 }
 
 // Parts of a span without the erased ranges.
-std::vector<RowSpan> WithoutErased(const RowSpan& span, const std::vector<RowRange>& erased) {
+std::vector<RowSpan> WithoutErased(const RowSpan& span, const std::vector<CentralRange>& erased) {
   std::vector<RowSpan> spans;
   std::int64_t after = span.after;
-  for (const RowRange& range : erased) {
+  for (const CentralRange& range : erased) {
     if (range.last <= after || range.first > span.last) {
       continue;
     }
@@ -84,7 +84,8 @@ BlockProofs ReadServerBlocks(CentralConnection& server, const std::string& yard,
   return proofs;
 }
 
-void ReadRows(SQLite::Database& database, const RowSpan& span, const std::vector<RowRange>& erased,
+void ReadRows(SQLite::Database& database, const RowSpan& span,
+              const std::vector<CentralRange>& erased,
               const std::function<void(const RowEncoder&)>& take) {
   for (const RowSpan& piece : WithoutErased(span, erased)) {
     RowReader reader(database, piece.after);
@@ -94,7 +95,7 @@ void ReadRows(SQLite::Database& database, const RowSpan& span, const std::vector
 }
 
 BlockProofs ReadFileBlocks(SQLite::Database& database, const RowSpan& span,
-                           const std::vector<RowRange>& erased) {
+                           const std::vector<CentralRange>& erased) {
   BlockProofs proofs;
   ProofSum sum;
   std::int64_t block = 0;
@@ -115,9 +116,9 @@ BlockProofs ReadFileBlocks(SQLite::Database& database, const RowSpan& span,
 }
 
 // What one erased range took from the file's figures.
-std::int64_t CountErased(SQLite::Database& database, const std::vector<RowRange>& erased) {
+std::int64_t CountErased(SQLite::Database& database, const std::vector<CentralRange>& erased) {
   std::int64_t rows = 0;
-  for (const RowRange& range : erased) {
+  for (const CentralRange& range : erased) {
     rows += CountRowsAbove(database, range.first - 1) - CountRowsAbove(database, range.last);
   }
   return rows;
@@ -212,7 +213,7 @@ class PartComparison {
   SQLite::Database& database_;
   const std::string& yard_;
   SourcePart part_;
-  std::vector<RowRange> erased_;
+  std::vector<CentralRange> erased_;
 };
 
 }  // namespace

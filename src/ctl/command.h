@@ -80,6 +80,8 @@ std::unique_ptr<Command> MakeImportsCommand();
 std::unique_ptr<Command> MakeUseCommand();
 std::unique_ptr<Command> MakeReportCommand();
 
+std::unique_ptr<Command> MakeCentralCommand();
+
 // The subcommands of `recipe`.
 std::unique_ptr<Command> MakeRecipeCopyCommand();
 std::unique_ptr<Command> MakeRecipeDiffCommand();

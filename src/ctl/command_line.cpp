@@ -91,6 +91,7 @@ std::vector<std::unique_ptr<Command>> MakeCommands() {
   commands.push_back(MakeImportsCommand());
   commands.push_back(MakeUseCommand());
   commands.push_back(MakeReportCommand());
+  commands.push_back(MakeCentralCommand());
   return commands;
 }
 

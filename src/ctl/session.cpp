@@ -311,6 +311,10 @@ PrivateINI Session::ReadSettingsInForce() {
   return settings;
 }
 
+CentralSettings Session::Central() {
+  return DataFolder().empty() ? CentralSettings() : ReadCentralSettings(Ini());
+}
+
 bool Session::SaveSettings() {
   PrivateINI& settings = Settings();
   if (settings.WriteIniSettings(Ini())) {

@@ -15,6 +15,7 @@
 #include "platform/operator.h"
 #include "platform/progress_display.h"
 #include "presenter/services.h"
+#include "settings/central_settings.h"
 
 namespace vrx {
 
@@ -140,6 +141,8 @@ class Session {
   // defaults. If that fails, reports it and throws Error. A command that only reads uses the
   // defaults instead, and warns if an existing file cannot be read.
   PrivateINI& Settings();
+  // Where the central database is.
+  [[nodiscard]] CentralSettings Central();
   // Writes the settings. Returns false after reporting a failure.
   [[nodiscard]] bool SaveSettings();
 
