@@ -101,10 +101,9 @@ void CheckContinues(SQLite::Database& database, CentralConnection& server, const
                     const ServerSource& there, CentralSource& here,
                     const CentralProgress& progress) {
   if (there.generation != here.generation) {
-    throw CentralRefused(
-        Tr("this file is a copy of the source that the central database has (made by Save As or a "
-           "restore, or pushed from another computer). It can go on as a source of its own, "
-           "if that is said"));
+    throw CentralRefused(Tr(
+        "this file is a copy of the source that the central database has: it was made by Save "
+        "As or a restore, or was pushed from another computer. It goes on only as a new source"));
   }
   const std::vector<SourcePart> parts = ReadParts(server, yard, there);
   const std::vector<std::int64_t> changed = FindChangedRows(database, server, yard, parts);
