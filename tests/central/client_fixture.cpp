@@ -34,21 +34,23 @@ fs::path ClientFixture::MakeFile(const std::string& name, int batches) {
 // Values that a careless road would change: texts with quotes and characters of 4 bytes, NULLs,
 // weights whose sum depends on the order, the smallest and the largest numbers.
 void ClientFixture::AddBatches(const fs::path& file, int batches) {
-  Alter(file,
-        "WITH RECURSIVE b (n) AS (SELECT ifnull((SELECT max([Transaction]) FROM Transactions), 0) "
-        "+ 1 UNION ALL SELECT n + 1 FROM b WHERE n < ifnull((SELECT max([Transaction]) FROM "
-        "Transactions), 0) + " +
-            std::to_string(batches) +
-            "), r (k) AS (VALUES (0), (1), (2), (3), (4)) INSERT INTO Transactions ([Transaction], "
-            "Recipe, Type, UserID, Ingredient, Pen, Target, ActualBatch, Time, Date, ActualFeed, "
-            "IngPercent, Ing01Wt, Ing32Wt) SELECT n, CASE n % 4 WHEN 0 THEN NULL WHEN 1 THEN "
-            "'O''Brien \"1\"; \\' ELSE '\xF0\x9F\x90\x84 ' || n END, iif(k < 3, 'BATCH', 'FEED'), "
-            "iif(n % 3 = 0, NULL, n % 7), iif(k < 3, 'ING' || k, NULL), iif(k < 3, NULL, 'PEN' || "
-            "n % 40), n * 0.1 + k, iif(n % 11 = 0, NULL, n * 1.1 - k * 1e-7), '06:30:00', "
-            "date('2026-01-01', '+' || (n / 100) || ' days'), iif(k < 3, 0, iif(n % 13 = 0, "
-            "1e15 + 0.3, n / 3.0)), NULL, iif(k < 3, NULL, n / 7.0), iif(k = 4, n * 5e-324, NULL) "
-            "FROM b, r WHERE " +
-            std::to_string(batches) + " > 0 ORDER BY n, k");
+  // Waits for locks as the program does.
+  SQLite::Database database = OpenDatabase(file, Access::kWrite);
+  database.exec(
+      "WITH RECURSIVE b (n) AS (SELECT ifnull((SELECT max([Transaction]) FROM Transactions), 0) "
+      "+ 1 UNION ALL SELECT n + 1 FROM b WHERE n < ifnull((SELECT max([Transaction]) FROM "
+      "Transactions), 0) + " +
+      std::to_string(batches) +
+      "), r (k) AS (VALUES (0), (1), (2), (3), (4)) INSERT INTO Transactions ([Transaction], "
+      "Recipe, Type, UserID, Ingredient, Pen, Target, ActualBatch, Time, Date, ActualFeed, "
+      "IngPercent, Ing01Wt, Ing32Wt) SELECT n, CASE n % 4 WHEN 0 THEN NULL WHEN 1 THEN "
+      "'O''Brien \"1\"; \\' ELSE '\xF0\x9F\x90\x84 ' || n END, iif(k < 3, 'BATCH', 'FEED'), "
+      "iif(n % 3 = 0, NULL, n % 7), iif(k < 3, 'ING' || k, NULL), iif(k < 3, NULL, 'PEN' || "
+      "n % 40), n * 0.1 + k, iif(n % 11 = 0, NULL, n * 1.1 - k * 1e-7), '06:30:00', "
+      "date('2026-01-01', '+' || (n / 100) || ' days'), iif(k < 3, 0, iif(n % 13 = 0, "
+      "1e15 + 0.3, n / 3.0)), NULL, iif(k < 3, NULL, n / 7.0), iif(k = 4, n * 5e-324, NULL) "
+      "FROM b, r WHERE " +
+      std::to_string(batches) + " > 0 ORDER BY n, k");
 }
 
 void ClientFixture::Alter(const fs::path& file, const std::string& statements) {
