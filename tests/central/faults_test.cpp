@@ -53,62 +53,73 @@ class CentralFaults : public ClientFixture {
     return child;
   }
 
-  void ExpectWhole(const fs::path& file, int batches) {
+  // A new file in every other round, and more rows of the same one in between.
+  fs::path FileOfRound(int round) {
+    if (round % 2 == 0) {
+      AddBatches(file_, kBatches);
+    } else {
+      file_ = MakeFile("Y" + std::to_string(round) + ".TDB", kBatches);
+    }
+    rows_ += kBatches * 5;
+    return file_;
+  }
+
+  // After a push without a fault.
+  void ExpectWhole(const fs::path& file) {
     for (int attempt = 0; attempt < 20 && !PushFrom(file, Connection()); ++attempt) {
       std::this_thread::sleep_for(milliseconds(200));
     }
-    ExpectThere(file, batches * 5);
+    ExpectThere(file, rows_);
   }
 
   std::mt19937 random_{std::random_device{}()};
   static constexpr int kBatches = 400;
+  fs::path file_;
+  std::int64_t rows_ = 0;  // that the yard should have
 };
 
 TEST_F(CentralFaults, TheProgramIsKilled) {
-  const fs::path file = MakeFile("Y.TDB", kBatches);
   int killed = 0;
   for (int round = 1; round <= Rounds(); ++round) {
+    const fs::path file = FileOfRound(round);
     const pid_t child = StartPush(file);
     std::this_thread::sleep_for(milliseconds(Random(400)));
     kill(child, SIGKILL);
     int status = 0;
     waitpid(child, &status, 0);
     killed += WIFSIGNALED(status) ? 1 : 0;
-    ExpectWhole(file, kBatches * round);
-    AddBatches(file, kBatches);
+    ExpectWhole(file);
   }
   RecordProperty("killed", killed);
 }
 
 TEST_F(CentralFaults, TheConnectionIsCutAtARandomByte) {
-  const fs::path file = MakeFile("Y.TDB", kBatches);
   for (int round = 1; round <= Rounds(); ++round) {
+    const fs::path file = FileOfRound(round);
     {
       CuttingProxy proxy(folder_ / "proxy", CentralServer::Get().SocketFolder(), Random(400'000));
       PushFrom(file, proxy.Connection(database_, kNorth));
     }
-    ExpectWhole(file, kBatches * round);
-    AddBatches(file, kBatches);
+    ExpectWhole(file);
   }
 }
 
 TEST_F(CentralFaults, TheServersMainProcessIsKilled) {
-  const fs::path file = MakeFile("Y.TDB", kBatches);
   for (int round = 1; round <= Rounds(); ++round) {
+    const fs::path file = FileOfRound(round);
     const pid_t child = StartPush(file);
     std::this_thread::sleep_for(milliseconds(Random(400)));
     CentralServer::Get().KillAndStart();
     int status = 0;
     waitpid(child, &status, 0);
     chief_ = CentralConnection(Connection("chief"));
-    ExpectWhole(file, kBatches * round);
-    AddBatches(file, kBatches);
+    ExpectWhole(file);
   }
 }
 
 TEST_F(CentralFaults, TwoPushesAtOnce) {
-  const fs::path file = MakeFile("Y.TDB", kBatches);
   for (int round = 1; round <= Rounds(); ++round) {
+    const fs::path file = FileOfRound(round);
     const pid_t one = StartPush(file);
     std::this_thread::sleep_for(milliseconds(Random(50)));
     const pid_t other = StartPush(file);
@@ -116,31 +127,29 @@ TEST_F(CentralFaults, TwoPushesAtOnce) {
       int status = 0;
       waitpid(child, &status, 0);
     }
-    ExpectWhole(file, kBatches * round);
-    AddBatches(file, kBatches);
+    ExpectWhole(file);
   }
 }
 
 // The window stores while a push is at work.
 TEST_F(CentralFaults, RowsAreStoredDuringAPush) {
-  const fs::path file = MakeFile("Y.TDB", kBatches);
-  int batches = kBatches;
   for (int round = 1; round <= Rounds(); ++round) {
+    const fs::path file = FileOfRound(round);
     const pid_t child = StartPush(file);
     for (int store = 0; store < 5; ++store) {
       std::this_thread::sleep_for(milliseconds(Random(40)));
       AddBatches(file, 20);
-      batches += 20;
+      rows_ += 100;
     }
     int status = 0;
     waitpid(child, &status, 0);
-    ExpectWhole(file, batches);
+    ExpectWhole(file);
   }
 }
 
 TEST_F(CentralFaults, VacuumAndSaveAsBetweenPushesThatAreCut) {
-  const fs::path file = MakeFile("Y.TDB", kBatches);
   for (int round = 1; round <= Rounds(); ++round) {
+    const fs::path file = FileOfRound(round);
     Alter(file, "DELETE FROM Transactions WHERE rowid = (SELECT max(rowid) - 3 FROM Transactions)");
     Alter(file, "INSERT INTO Transactions (Type) VALUES ('BATCH')");
     CuttingProxy proxy(folder_ / "proxy", CentralServer::Get().SocketFolder(), Random(400'000));
@@ -148,16 +157,15 @@ TEST_F(CentralFaults, VacuumAndSaveAsBetweenPushesThatAreCut) {
     CopyDatabaseFile(file, folder_ / "COPY.TDB", kBusyTimeout);
     EXPECT_FALSE(PushFrom(folder_ / "COPY.TDB", Connection())) << "a copy without its word";
     Alter(file, "VACUUM");
-    ExpectWhole(file, kBatches * round);
-    AddBatches(file, kBatches);
+    ExpectWhole(file);
   }
 }
 
 // A copy on another computer, both continued, both pushed with cuts.
 TEST_F(CentralFaults, BothCopiesAreContinued) {
   const fs::path file = MakeFile("Y.TDB", 50);
-  std::int64_t rows = 250;
-  ExpectWhole(file, 50);
+  rows_ = 250;
+  ExpectWhole(file);
   for (int round = 1; round <= Rounds(); ++round) {
     const fs::path copy = folder_ / ("COPY" + std::to_string(round) + ".TDB");
     fs::copy_file(file, copy);
@@ -178,9 +186,9 @@ TEST_F(CentralFaults, BothCopiesAreContinued) {
     }
     for (int attempt = 0; attempt < 20 && !PushFrom(file, Connection()); ++attempt) {
     }
-    rows += 51;
-    ExpectThere(file, rows);
-    ExpectThere(copy, rows);
+    rows_ += 51;
+    ExpectThere(file, rows_);
+    ExpectThere(copy, rows_);
     EXPECT_EQ(Rows(Restore("R" + std::to_string(round) + ".TDB",
                            Ask(copy, "SELECT Source FROM CentralSource"))),
               Rows(copy));
