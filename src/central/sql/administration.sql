@@ -9,6 +9,12 @@ BEGIN
   IF NOT EXISTS (SELECT FROM pg_timezone_names z WHERE z.name = add_yard.zone) THEN
     RAISE EXCEPTION 'there is no time zone "%"', zone USING ERRCODE = 'invalid_parameter_value';
   END IF;
+  IF EXISTS (SELECT FROM vrx.yard y WHERE y.name = add_yard.name) THEN
+    RAISE EXCEPTION 'there is a yard "%" already', name USING ERRCODE = 'unique_violation';
+  ELSIF EXISTS (SELECT FROM vrx.login l WHERE l.login = add_yard.login) THEN
+    RAISE EXCEPTION 'the login "%" belongs to another yard', login
+      USING ERRCODE = 'unique_violation';
+  END IF;
   INSERT INTO vrx.yard (name, zone) VALUES (add_yard.name, add_yard.zone) RETURNING yard INTO id;
   INSERT INTO vrx.login (login, yard) VALUES (add_yard.login, id);
   RETURN id;

@@ -1,1 +1,196 @@
--- Views follow.
+-- Figures that cannot be added up from day to day.
+
+-- The column of a key of vrx.accuracy, and its text.
+CREATE OR REPLACE FUNCTION vrx.key_column(key text, deliveries boolean) RETURNS text
+LANGUAGE plpgsql IMMUTABLE SET search_path = pg_catalog, pg_temp AS $$
+BEGIN
+  IF key = 'pen' AND NOT deliveries THEN
+    RAISE EXCEPTION 'loads have no pen' USING ERRCODE = 'invalid_parameter_value';
+  ELSIF key IN ('ingredient', 'own_ingredient') AND deliveries THEN
+    RAISE EXCEPTION 'deliveries have no ingredient' USING ERRCODE = 'invalid_parameter_value';
+  END IF;
+  RETURN CASE key
+    WHEN 'yard' THEN 'b.name'
+    WHEN 'ingredient' THEN 'coalesce(a.company_name, r.ingredient)'
+    WHEN 'own_ingredient' THEN 'r.ingredient'
+    WHEN 'recipe' THEN 'r.recipe'
+    WHEN 'operator' THEN 'r.operator'
+    WHEN 'pen' THEN 'r.pen'
+    WHEN 'day' THEN 'to_char(b.day, ''YYYY-MM-DD'')'
+    WHEN 'week' THEN 'to_char(b.day, ''IYYY-"W"IW'')'
+    WHEN 'month' THEN 'to_char(b.day, ''YYYY-MM'')' END;
+END
+$$;
+
+-- Accuracy of the loads (or deliveries) of the batches from `from_day` to `to_day`; NULL is no
+-- limit. `keys` are of yard, ingredient (the company's name), own_ingredient, recipe, operator, pen,
+-- day, week and month; operators and pens go with their yard. Without a key it is the total. Weights
+-- come in `unit`; shares and quartiles in percent; NULL where there is nothing. `division` is the
+-- scale's, in the unit of each source.
+--
+-- Sums are exact. Weights with up to six decimals below a million are counted in millionths, which
+-- is fast; all others as numeric. Few loads of an operator show no share.
+CREATE OR REPLACE FUNCTION vrx.accuracy(
+  from_day date, to_day date, keys text[] DEFAULT '{}', unit text DEFAULT 'KG',
+  within_percent numeric DEFAULT 2, within_kg numeric DEFAULT 5, beyond_kg numeric DEFAULT 62.5,
+  division numeric DEFAULT 0, deliveries boolean DEFAULT false)
+RETURNS TABLE (
+  key text[], n bigint, not_loaded bigint, not_loaded_target float8, without_target bigint,
+  without_target_actual float8, target float8, actual float8, net float8, net_percent float8,
+  gross float8, gross_percent float8, within float8, weight_within float8, within_weight float8,
+  beyond float8, below float8, median float8, q1 float8, q3 float8, marked boolean)
+LANGUAGE plpgsql STABLE SET search_path = pg_catalog, pg_temp SET extra_float_digits = 1
+SET jit = off AS $$
+DECLARE
+  name text;
+  key_names text := '';
+  key_columns text := '';
+  source_of_rows text;
+  sums text := '';
+  -- Millionths below which a weight is fast.
+  small float8 := CASE WHEN within_percent <= 900
+    AND within_percent * 10000 = trunc(within_percent * 10000) THEN 1e12 ELSE 0 END;
+BEGIN
+  IF unit IS NULL OR unit NOT IN ('KG', 'LB')
+     OR NOT coalesce(least(within_percent, within_kg, beyond_kg, division) >= 0, false) THEN
+    RAISE EXCEPTION 'the unit is KG or LB, and limits are numbers from 0'
+      USING ERRCODE = 'invalid_parameter_value';
+  ELSIF keys && ARRAY['operator', 'pen'] AND NOT 'yard' = ANY (keys) THEN
+    RAISE EXCEPTION 'operators and pens go with their yard: add the key yard'
+      USING ERRCODE = 'invalid_parameter_value';
+  END IF;
+  FOREACH name IN ARRAY keys LOOP
+    IF vrx.key_column(name, deliveries) IS NULL THEN
+      RAISE EXCEPTION 'there is no key "%"', name USING ERRCODE = 'invalid_parameter_value';
+    END IF;
+    key_names := key_names || ', ' || quote_ident('k_' || name);
+    key_columns := key_columns || ', ' || vrx.key_column(name, deliveries) || ' AS '
+                   || quote_ident('k_' || name);
+  END LOOP;
+  -- Most companies have withdrawn nothing and have no import in another unit.
+  IF EXISTS (SELECT FROM vrx.withdrawal)
+     OR EXISTS (SELECT FROM vrx.import_in_other_unit o WHERE o.use <> 'keep') THEN
+    source_of_rows := $rows$
+      SELECT r.recipe, r.operator, r.ingredient, r.pen, r.target, r.actual
+      FROM vrx.counted_row r WHERE r.yard_id = b.yard_id AND r.source = b.source
+        AND r.batch = b.batch AND r.is_load = NOT $8$rows$;
+  ELSE
+    source_of_rows := format($rows$
+      SELECT nullif(t.recipe, '') AS recipe, nullif(nullif(t.user_id, ''), '-1') AS operator,
+             nullif(%1$s, '') AS %1$s, coalesce(t.target, 0) AS target,
+             coalesce(t.%2$s, 0) AS actual
+      FROM vrx.transaction t WHERE t.yard = b.yard_id AND t.source = b.source
+        AND t.batch = b.batch AND t.type = %3$L$rows$,
+      CASE WHEN deliveries THEN 'pen' ELSE 'ingredient' END,
+      CASE WHEN deliveries THEN 'actual_feed' ELSE 'actual_batch' END,
+      CASE WHEN deliveries THEN 'FEED' ELSE 'BATCH' END);
+  END IF;
+  -- Each sum from rows in pounds, rows in kilograms, and rows that are not fast.
+  FOREACH name IN ARRAY ARRAY[
+      'counts; t6; t; target', 'counts; a6; a; actual', 'counts; g6; g; gross',
+      'counts AND within; t6; t; target_within',
+      'has_target AND NOT has_actual; t6; t; not_loaded_target',
+      'NOT has_target; a6; a; without_target_actual'] LOOP
+    sums := sums || format($sum$,
+      coalesce(vrx.in_unit(sum(%2$s) FILTER (WHERE %1$s AND pounds), 'LB', $1), 0) * 0.000001
+      + coalesce(vrx.in_unit(sum(%2$s) FILTER (WHERE %1$s AND NOT pounds), 'KG', $1), 0) * 0.000001
+      + coalesce(vrx.in_unit(sum(%3$s) FILTER (WHERE slow AND %1$s AND pounds), 'LB', $1), 0)
+      + coalesce(vrx.in_unit(sum(%3$s) FILTER (WHERE slow AND %1$s AND NOT pounds), 'KG', $1), 0)
+      AS %4$s$sum$, split_part(name, '; ', 1), split_part(name, '; ', 2), split_part(name, '; ', 3),
+      split_part(name, '; ', 4));
+  END LOOP;
+  -- OFFSET 0 keeps the planner from putting an expression into each place that uses it.
+  RETURN QUERY EXECUTE format($query$
+    WITH weighed AS (
+      SELECT b.unit = 'LB' AS pounds, r.target, r.actual, round(r.target * 1e6) AS tf,
+             round(r.actual * 1e6) AS af %1$s
+      FROM (SELECT b.yard_id, b.source, b.batch, b.day, y.name, s.unit
+            FROM vrx.yard y
+            JOIN vrx.batch b ON b.yard_id = y.yard
+            JOIN vrx.source s ON s.yard = b.yard_id AND s.source = b.source
+            WHERE true %2$s OFFSET 0) b
+      CROSS JOIN LATERAL (%3$s) r
+      %4$s OFFSET 0),
+    counted AS (
+      SELECT *, abs(tf) < $3 AND abs(af) < $3 AND tf / 1e6 = target AND af / 1e6 = actual AS fast
+      FROM weighed OFFSET 0),
+    exact AS (
+      SELECT pounds, NOT fast AS slow, CASE WHEN fast THEN tf::bigint END AS t6,
+             CASE WHEN fast THEN af::bigint END AS a6,
+             CASE WHEN fast THEN (af - tf)::bigint END AS d6,
+             CASE WHEN NOT fast THEN vrx.exact(target) END AS t,
+             CASE WHEN NOT fast THEN vrx.exact(actual) END AS a,
+             target > 0 AS has_target, actual > 0 AS has_actual %5$s
+      FROM counted OFFSET 0),
+    differences AS (
+      SELECT *, abs(d6) AS g6, CASE WHEN slow THEN abs(a - t) END AS g,
+             has_target AND has_actual AS counts
+      FROM exact OFFSET 0),
+    judged AS (
+      SELECT *,
+             CASE WHEN slow THEN g <= $11 OR g * 100 < t * $2
+               ELSE g6 <= $10 OR g6 * 1000000 < t6 * $9 END AS within,
+             CASE WHEN slow THEN g <= $11 OR
+                 vrx.in_unit(g, CASE WHEN pounds THEN 'LB' ELSE 'KG' END, 'KG') < $4
+               ELSE g6 <= $10 OR g6 < CASE WHEN pounds THEN $13 ELSE $14 END END AS near,
+             CASE WHEN slow
+               THEN vrx.in_unit(g, CASE WHEN pounds THEN 'LB' ELSE 'KG' END, 'KG') > $5
+               ELSE g6 > CASE WHEN pounds THEN $15 ELSE $16 END END AS far,
+             CASE WHEN slow THEN a < t ELSE d6 < 0 END AS below,
+             CASE WHEN slow THEN t - a > $11 ELSE d6 < -$10 END AS well_below,
+             CASE WHEN NOT counts THEN NULL WHEN slow THEN (round((a - t) * 100, 30) / t)::float8
+               ELSE (d6 * 100)::float8 / t6::float8 END AS percent
+      FROM differences OFFSET 0),
+    grouped AS (
+      SELECT ARRAY[%6$s]::text[] AS key, count(*) FILTER (WHERE counts) AS n,
+             count(*) FILTER (WHERE counts AND within) AS within,
+             count(*) FILTER (WHERE counts AND near) AS near,
+             count(*) FILTER (WHERE counts AND far) AS far,
+             count(*) FILTER (WHERE counts AND below) AS below,
+             count(*) FILTER (WHERE counts AND well_below) AS well_below,
+             count(*) FILTER (WHERE has_target AND NOT has_actual) AS not_loaded,
+             count(*) FILTER (WHERE NOT has_target) AS without_target,
+             percentile_cont(ARRAY[0.25, 0.5, 0.75]) WITHIN GROUP (ORDER BY percent) AS quartiles
+             %7$s
+      FROM judged GROUP BY %8$s)
+    SELECT g.key, g.n, g.not_loaded,
+           CASE WHEN g.not_loaded > 0 THEN g.not_loaded_target::float8 END, g.without_target,
+           CASE WHEN g.without_target > 0 THEN g.without_target_actual::float8 END,
+           CASE WHEN g.n > 0 THEN g.target::float8 END, CASE WHEN g.n > 0 THEN g.actual::float8 END,
+           CASE WHEN g.n > 0 THEN (g.actual - g.target)::float8 END,
+           CASE WHEN g.n > 0 THEN (round(100 * (g.actual - g.target), 30) / g.target)::float8 END,
+           CASE WHEN g.n > 0 THEN g.gross::float8 END,
+           CASE WHEN g.n > 0 THEN (round(100 * g.gross, 30) / g.target)::float8 END,
+           CASE WHEN s.shares THEN (round(100 * g.within::numeric, 30) / g.n)::float8 END,
+           CASE WHEN s.shares THEN (round(100 * g.target_within, 30) / g.target)::float8 END,
+           CASE WHEN s.shares THEN (round(100 * g.near::numeric, 30) / g.n)::float8 END,
+           CASE WHEN s.shares THEN (round(100 * g.far::numeric, 30) / g.n)::float8 END,
+           CASE WHEN s.shares THEN (round(100 * g.below::numeric, 30) / g.n)::float8 END,
+           g.quartiles[2], g.quartiles[1], g.quartiles[3],
+           CASE WHEN g.n >= 40 AND NOT $8 THEN
+             g.well_below * 100 >= g.n * 75 AND g.quartiles[2] <= -0.5 END
+    FROM grouped g
+    CROSS JOIN LATERAL (SELECT g.n > 0 AND (NOT $12 OR g.n >= 20) AS shares) s
+    ORDER BY g.key
+    $query$, key_columns,
+    CASE WHEN from_day IS NOT NULL THEN 'AND b.day >= $6 ' ELSE '' END
+    || CASE WHEN to_day IS NOT NULL THEN 'AND b.day <= $7' ELSE '' END,
+    source_of_rows,
+    CASE WHEN 'ingredient' = ANY (keys) THEN
+      'LEFT JOIN vrx.ingredient_alias a ON a.yard = b.yard_id AND a.name = r.ingredient'
+      ELSE '' END,
+    key_names, substr(key_names, 3), sums,
+    CASE key_names WHEN '' THEN '()' ELSE substr(key_names, 3) END)
+  USING unit, within_percent, small, within_kg, beyond_kg, from_day, to_day, deliveries,
+        (within_percent * 10000)::bigint, floor(division * 1000000)::bigint, division,
+        'operator' = ANY (keys) AND NOT deliveries,
+        ceil(vrx.in_unit(within_kg, 'KG', 'LB') * 1000000)::bigint,
+        ceil(within_kg * 1000000)::bigint,
+        floor(vrx.in_unit(beyond_kg, 'KG', 'LB') * 1000000)::bigint,
+        floor(beyond_kg * 1000000)::bigint;
+END
+$$;
+
+GRANT EXECUTE ON FUNCTION vrx.key_column(text, boolean),
+  vrx.accuracy(date, date, text[], text, numeric, numeric, numeric, numeric, boolean)
+  TO vrx_yard, vrx_office, vrx_administrator;

@@ -96,17 +96,17 @@ CREATE TABLE vrx.imported_batch (
 );
 
 -- The date that a stored text shows; nothing for another text or a day that does not exist.
-CREATE FUNCTION vrx.stored_day(text) RETURNS date
-LANGUAGE sql IMMUTABLE PARALLEL SAFE AS $$
-  SELECT CASE
-    WHEN $1 !~ '^[0-9]{4}-(0[1-9]|1[0-2])-(0[1-9]|[12][0-9]|3[01])$' OR left($1, 4) = '0000' THEN
-      NULL
-    WHEN right($1, 2) <= '28' OR right($1, 2)::integer <= date_part('day',
-         make_date(left($1, 4)::integer, substr($1, 6, 2)::integer, 1) + interval '1 month'
-         - interval '1 day') THEN
-      make_date(left($1, 4)::integer, substr($1, 6, 2)::integer, right($1, 2)::integer)
-  END
-$$;
+CREATE FUNCTION vrx.stored_day(stored text) RETURNS date
+LANGUAGE sql IMMUTABLE PARALLEL SAFE
+RETURN CASE
+  WHEN stored !~ '^[0-9]{4}-(0[1-9]|1[0-2])-(0[1-9]|[12][0-9]|3[01])$' OR left(stored, 4) = '0000'
+    THEN NULL
+  WHEN right(stored, 2) <= '28' OR right(stored, 2)::integer <= date_part('day',
+       make_date(left(stored, 4)::integer, substr(stored, 6, 2)::integer, 1) + interval '1 month'
+       - interval '1 day')
+    THEN make_date(left(stored, 4)::integer, substr(stored, 6, 2)::integer,
+                   right(stored, 2)::integer)
+END;
 
 -- A row of `Transactions`, as stored there.
 --
@@ -156,6 +156,9 @@ CREATE TABLE vrx.transaction (
 );
 CREATE INDEX transaction_by_batch ON vrx.transaction (yard, source, batch, row);
 CREATE INDEX transaction_by_day ON vrx.transaction (yard, day);
+-- All that the accuracy of loads needs, so that it reads no other page of the table.
+CREATE INDEX transaction_loads ON vrx.transaction (yard, source, batch)
+  INCLUDE (ingredient, recipe, user_id, target, actual_batch, row, import) WHERE type = 'BATCH';
 
 -- The day of each batch: of its first load, and as long as it has none, of its first delivery. A
 -- push adds them; if loads come after deliveries, the batch has both and the first counts no more.
@@ -168,7 +171,7 @@ CREATE TABLE vrx.batch_day (
   PRIMARY KEY (yard, source, batch, of_load),
   FOREIGN KEY (yard, source) REFERENCES vrx.source
 );
-CREATE INDEX batch_day_by_day ON vrx.batch_day (yard, day);
+CREATE INDEX batch_day_by_day ON vrx.batch_day (yard, day) INCLUDE (source, batch, of_load);
 
 -- Journal of the pushes; each covers the rows of its source from first_row to last_row. The server
 -- computes what follows `client` from the rows that it has.
