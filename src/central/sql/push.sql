@@ -31,25 +31,46 @@ $$;
 CREATE OR REPLACE TRIGGER prove BEFORE INSERT ON vrx.push
   FOR EACH ROW EXECUTE FUNCTION vrx.prove_push();
 
--- The days of the batches that came with a push. A nested loop would search the rows that the
--- statement itself adds.
-CREATE OR REPLACE FUNCTION vrx.note_batch_days() RETURNS trigger
+-- Adds the days of the batches that have rows in a range. Rows of an import whose unit is open do
+-- not count. A nested loop would search the rows that the statement itself adds.
+CREATE OR REPLACE FUNCTION vrx.add_batch_days(yard_id uuid, source_id uuid, from_row bigint,
+                                              to_row bigint) RETURNS void
 LANGUAGE plpgsql SET search_path = pg_catalog, pg_temp SET enable_nestloop = off AS $$
 BEGIN
   INSERT INTO vrx.batch_day (yard, source, batch, of_load, day)
-    SELECT NEW.yard, NEW.source, f.batch, f.of_load, f.day
+    SELECT yard_id, source_id, f.batch, f.of_load, f.day
     FROM (SELECT DISTINCT ON (t.batch) t.batch, t.type = 'BATCH' AS of_load, t.day
             FROM vrx.transaction t
-            WHERE t.yard = NEW.yard AND t.source = NEW.source
-              AND t.row BETWEEN NEW.first_row AND NEW.last_row AND t.type IN ('BATCH', 'FEED')
+            WHERE t.yard = yard_id AND t.source = source_id AND t.row BETWEEN from_row AND to_row
+              AND t.type IN ('BATCH', 'FEED')
+              AND (t.import IS NULL OR t.import NOT IN (
+                SELECT o.import FROM vrx.import_in_other_unit o
+                WHERE o.yard_id = add_batch_days.yard_id AND o.source = source_id
+                  AND o.use = 'open'))
             ORDER BY t.batch, t.type, t.row) f
-    WHERE NOT EXISTS (SELECT FROM vrx.batch_day d WHERE d.yard = NEW.yard
-      AND d.source = NEW.source AND d.batch = f.batch AND (d.of_load OR NOT f.of_load));
+    WHERE NOT EXISTS (SELECT FROM vrx.batch_day d WHERE d.yard = yard_id
+      AND d.source = source_id AND d.batch = f.batch AND (d.of_load OR NOT f.of_load));
+END
+$$;
+
+-- A push has rows of new batches; a settled import has rows that count from now on.
+CREATE OR REPLACE FUNCTION vrx.note_batch_days() RETURNS trigger
+LANGUAGE plpgsql SET search_path = pg_catalog, pg_temp AS $$
+BEGIN
+  IF TG_TABLE_NAME = 'push' THEN
+    PERFORM vrx.add_batch_days(NEW.yard, NEW.source, NEW.first_row, NEW.last_row);
+  ELSIF NEW.kind = 'settled' THEN
+    PERFORM vrx.add_batch_days(NEW.yard, NEW.source, min(t.row), max(t.row))
+      FROM vrx.transaction t
+      WHERE t.yard = NEW.yard AND t.source = NEW.source AND t.import = NEW.import;
+  END IF;
   RETURN NULL;
 END
 $$;
 
 CREATE OR REPLACE TRIGGER note_batch_days AFTER INSERT ON vrx.push
+  FOR EACH ROW EXECUTE FUNCTION vrx.note_batch_days();
+CREATE OR REPLACE TRIGGER note_batch_days AFTER INSERT ON vrx.mark
   FOR EACH ROW EXECUTE FUNCTION vrx.note_batch_days();
 
 -- What a range of rows of a source is now, in blocks of `step` row numbers: computed anew from the
@@ -78,6 +99,8 @@ SET client_encoding = 'UTF8' SET extra_float_digits = 1 AS $$
 $$;
 
 REVOKE ALL ON FUNCTION vrx.prove_push(), vrx.note_batch_days(),
+  vrx.add_batch_days(uuid, uuid, bigint, bigint),
   vrx.row_blocks(uuid, uuid, bigint, bigint, bigint) FROM PUBLIC;
+GRANT EXECUTE ON FUNCTION vrx.add_batch_days(uuid, uuid, bigint, bigint) TO vrx_yard;
 GRANT EXECUTE ON FUNCTION vrx.row_blocks(uuid, uuid, bigint, bigint, bigint)
   TO vrx_yard, vrx_office, vrx_administrator;

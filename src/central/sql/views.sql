@@ -24,7 +24,9 @@ WHERE NOT r.is_load;
 -- Recipe and operator are those of the first row. A batch is out of balance when more than 2 % of
 -- what was loaded and more than 50 kg are left or lacking.
 CREATE OR REPLACE VIEW vrx.batch_balance WITH (security_invoker) AS
-SELECT s.yard, s.day, s.number, s.recipe, s.operator, s.loaded::float8, s.fed::float8,
+SELECT s.yard, s.day, s.number, s.recipe, s.operator,
+       CASE WHEN s.loads > 0 THEN s.loaded::float8 END AS loaded,
+       CASE WHEN s.deliveries > 0 THEN s.fed::float8 END AS fed,
        (s.loaded - s.fed)::float8 AS "left",
        CASE WHEN s.loaded > 0 THEN (round(100 * (s.loaded - s.fed), 30) / s.loaded)::float8 END
          AS left_percent,
@@ -90,12 +92,12 @@ FROM vrx.judged_load
 GROUP BY yard, day, operator, unit;
 
 -- By the delivery's own date. `first_time` is that of the day's first delivery, `recipe` that of
--- the last.
+-- the last one by time.
 CREATE OR REPLACE VIEW vrx.delivered_by_pen_day WITH (security_invoker) AS
 SELECT yard, date AS day, pen, unit, count(*) AS deliveries, sum(vrx.exact(target)) AS target,
        sum(vrx.exact(actual)) AS actual, sum(vrx.exact(actual) - vrx.exact(target)) AS difference,
        min(time) AS first_time,
-       (array_agg(recipe ORDER BY source DESC, row DESC))[1] AS recipe
+       (array_agg(recipe ORDER BY time DESC NULLS LAST, source DESC, row DESC))[1] AS recipe
 FROM vrx.delivery
 GROUP BY yard, date, pen, unit;
 
