@@ -1,11 +1,13 @@
 #include "central/administration.h"
 
+#include <filesystem>
 #include <string>
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 #include "central/central_fixture.h"
+#include "support/temp_folder.h"
 
 namespace vrx::testing {
 namespace {
@@ -104,8 +106,10 @@ TEST_F(Administration, ASchemaOlderThanTheProgramIsRefusedInWords) {
 TEST_F(Administration, AYardHasARealTimeZoneANameOfItsOwnAndOneLogin) {
   EXPECT_THAT(WordsOf([&] { AddYard(chief_, "East", "Mars/Olympus", "east"); }),
               HasSubstr("there is no time zone \"Mars/Olympus\""));
-  EXPECT_THAT(WordsOf([&] { AddYard(chief_, "North", "UTC", "east"); }), HasSubstr("there is a yard \"North\" already"));
-  EXPECT_THAT(WordsOf([&] { AddYard(chief_, "East", "UTC", kNorth); }), HasSubstr("belongs to another yard"));
+  EXPECT_THAT(WordsOf([&] { AddYard(chief_, "North", "UTC", "east"); }),
+              HasSubstr("there is a yard \"North\" already"));
+  EXPECT_THAT(WordsOf([&] { AddYard(chief_, "East", "UTC", kNorth); }),
+              HasSubstr("belongs to another yard"));
   EXPECT_EQ(Value("SELECT count(*) FROM vrx.yard"), "2");
 }
 
@@ -133,6 +137,32 @@ TEST_F(Administration, AnAliasIsSetReplacedAndRemoved) {
   EXPECT_EQ(Table(alias), "");
   EXPECT_THAT(WordsOf([&] { SetAlias(chief_, "West", "CORN", "Maize"); }),
               HasSubstr("there is no yard \"West\""));
+}
+
+TEST_F(Administration, RecordsInPartitionsAreAsSafeAndCountTheSame) {
+  const std::string database = CentralServer::Get().MakeDatabase();
+  CentralConnection server(CentralServer::Get().Connection(database));
+  InitCentral(server);
+  const std::string script =
+      ReadAll(std::filesystem::path(VRX_SOURCE_DIR) / "scripts" / "central-partitions.sql");
+  server.Query(script);
+  EXPECT_EQ(InitCentral(server), InitOutcome::kUpToDate);
+  const std::string yard = AddYard(server, "North", "UTC", kNorth);
+  AddYard(server, "South", "UTC", kSouth);
+  CentralConnection north(CentralServer::Get().Connection(database, kNorth));
+  north.Query(
+      "INSERT INTO vrx.source (yard, source, generation, unit, file) VALUES ($1, $2, $2, "
+      "'LB', 'x')",
+      {yard, kNorthSource});
+  PushRows(
+      north, yard, kNorthSource,
+      {{.row = 1, .number = 1, .type = "BATCH", .date = "2024-01-01", .target = 2, .actual = 3}});
+  EXPECT_EQ(TextOf(north.Query("SELECT n, net FROM vrx.accuracy(NULL, NULL, '{}', 'LB')")),
+            "1|1\n");
+  CentralConnection south(CentralServer::Get().Connection(database, kSouth));
+  EXPECT_EQ(south.Query("SELECT count(*) FROM vrx.transaction").Number(0, 0), 0);
+  EXPECT_EQ(StateOf(south, "SELECT * FROM vrx.transaction_0"), "42501");
+  EXPECT_THAT(WordsOf([&] { server.Query(script); }), HasSubstr("there are records already"));
 }
 
 TEST_F(Administration, WithdrawnRowsStayAndAreOutOfTheFigures) {
