@@ -1,0 +1,249 @@
+#include <filesystem>
+#include <string>
+#include <vector>
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include "central/administration.h"
+#include "central/central_fixture.h"
+#include "support/temp_folder.h"
+
+namespace vrx::testing {
+namespace {
+
+using ::testing::HasSubstr;
+
+class Views : public CentralFixture {
+ protected:
+  void Import(int number, const std::string& units, const std::string& settled = "") {
+    chief_.Query(
+        "INSERT INTO vrx.import (yard, source, import, at, file, units, settled, rows_read, "
+        "stored, "
+        "left_out, not_read, repeated, batches, missing) VALUES ($1, $2, $3, "
+        "'2024-01-02T23:30:00-06:00', 'F.QXT', $4, $5, 10, 7, 1, 2, 2, 3, '4-5')",
+        {north_, kNorthSource, std::to_string(number), units, settled});
+  }
+  void PushLoad(int row, int import) {
+    Push(north_, {{.row = row,
+                   .number = row,
+                   .type = "BATCH",
+                   .date = "2024-01-01",
+                   .name = "CORN",
+                   .target = 100,
+                   .actual = 110,
+                   .import = import}});
+  }
+};
+
+std::vector<std::string> QueriesOf(const std::string& page) {
+  std::vector<std::string> queries;
+  for (std::size_t at = page.find("```sql\n"); at != std::string::npos;
+       at = page.find("```sql\n", at)) {
+    at += 7;
+    const std::size_t end = page.find("```", at);
+    queries.push_back(page.substr(at, end - at));
+    at = end + 3;
+  }
+  return queries;
+}
+
+TEST_F(Views, TheQueriesOfTheManualRun) {
+  Push(north_, {{.row = 1,
+                 .number = 1,
+                 .type = "BATCH",
+                 .date = "2026-01-15",
+                 .name = "CORN",
+                 .target = 10,
+                 .actual = 11},
+                {.row = 2,
+                 .number = 1,
+                 .type = "FEED",
+                 .date = "2026-01-15",
+                 .name = "P1",
+                 .target = 10,
+                 .actual = 9}});
+  CentralConnection office = Connect(kOffice);
+  const std::vector<std::string> queries =
+      QueriesOf(ReadAll(std::filesystem::path(VRX_SOURCE_DIR) / "docs" / "central-views.md"));
+  ASSERT_GE(queries.size(), 6U);
+  for (const std::string& query : queries) {
+    EXPECT_EQ(StateOf(office, query), "") << query;
+  }
+  EXPECT_EQ(TextOf(office.Query(queries.front())), "North|CORN|1|0.0|10.00|0\n");
+}
+
+TEST_F(Views, SumsOverYardsAreMadePerUnitAndThenConverted) {
+  chief_.Query("UPDATE vrx.source SET unit = 'KG' WHERE yard = $1", {south_});
+  Push(north_, {{.row = 1,
+                 .number = 1,
+                 .type = "BATCH",
+                 .date = "2024-01-01",
+                 .target = 100,
+                 .actual = 101}});
+  Push(south_, {{.row = 1,
+                 .number = 1,
+                 .type = "BATCH",
+                 .date = "2024-01-01",
+                 .target = 100,
+                 .actual = 99}});
+  EXPECT_EQ(Table("SELECT n, target, actual, gross FROM vrx.accuracy(NULL, NULL)"),
+            "2|145.359237|144.81282937|1.45359237\n");
+  EXPECT_EQ(Table("SELECT unit, n, target FROM vrx.loads_by_ingredient_day ORDER BY unit"),
+            "KG|1|100\nLB|1|100\n");
+}
+
+TEST_F(Views, LimitsInKilogramsAreComparedInTheUnitOfTheYard) {
+  chief_.Query("UPDATE vrx.source SET unit = 'KG' WHERE yard = $1", {south_});
+  // 6 is above 5 kg and below 5 kg in pounds; 100 is above and below 62.5 kg.
+  for (const std::string& yard : {north_, south_}) {
+    Push(yard, {{.row = 1,
+                 .number = 1,
+                 .type = "BATCH",
+                 .date = "2024-01-01",
+                 .target = 1000,
+                 .actual = 1006},
+                {.row = 2,
+                 .number = 1,
+                 .type = "BATCH",
+                 .date = "2024-01-01",
+                 .target = 1000,
+                 .actual = 900}});
+  }
+  EXPECT_EQ(Table("SELECT key[1], within_weight, beyond FROM vrx.accuracy(NULL, NULL, '{yard}')"),
+            "North|50|0\nSouth|0|50\n");
+  EXPECT_EQ(Table("SELECT yard, within_5_kg, beyond_62_5_kg FROM vrx.loads_by_operator_day ORDER "
+                  "BY 1"),
+            "North|1|0\nSouth|0|1\n");
+}
+
+TEST_F(Views, AnImportInAnotherUnitIsLeftOutUntilItIsSettled) {
+  Import(1, "KG");
+  PushLoad(1, 1);
+  const std::string loads = "SELECT day, target FROM vrx.load";
+  const std::string figures = "SELECT n, target FROM vrx.accuracy(NULL, NULL, unit => 'LB')";
+  EXPECT_EQ(Table(loads), "");
+  EXPECT_EQ(Table(figures), "0|NULL\n");
+  EXPECT_EQ(Table("SELECT yard, import_unit, source_unit, rows, use FROM vrx.import_in_other_unit"),
+            "North|KG|LB|7|open\n");
+  chief_.Query(
+      "INSERT INTO vrx.mark (yard, source, kind, import, value) VALUES ($1, $2, 'settled', "
+      "1, 'keep')",
+      {north_, kNorthSource});
+  EXPECT_EQ(Table(loads), "2024-01-01|100\n");
+  EXPECT_EQ(Table(figures), "1|100\n");
+  chief_.Query(
+      "INSERT INTO vrx.mark (yard, source, kind, import, value) VALUES ($1, $2, 'settled', "
+      "1, 'convert')",
+      {north_, kNorthSource});
+  EXPECT_EQ(Table(loads), "2024-01-01|220.46226218487757\n");
+  EXPECT_EQ(Table(figures), "1|220.46226218487757\n");
+}
+
+TEST_F(Views, AnImportThatWasSettledBeforeItsPushCounts) {
+  Import(1, "KG", "convert");
+  Import(2, "LB");
+  Import(3, "");
+  for (const int import : {1, 2, 3}) {
+    PushLoad(import, import);
+  }
+  EXPECT_EQ(Table("SELECT import, target FROM vrx.load ORDER BY 1"),
+            "1|220.46226218487757\n2|100\n3|100\n");
+}
+
+TEST_F(Views, AnAliasNamesTheIngredientOfTheCompany) {
+  PushLoad(1, 1);
+  Push(south_, {{.row = 1,
+                 .number = 1,
+                 .type = "BATCH",
+                 .date = "2024-01-01",
+                 .name = "MAIZE",
+                 .target = 50,
+                 .actual = 50}});
+  SetAlias(chief_, "South", "MAIZE", "CORN");
+  EXPECT_EQ(Table("SELECT key[1], n, target FROM vrx.accuracy(NULL, NULL, '{ingredient}', 'LB')"),
+            "CORN|2|150\n");
+  EXPECT_EQ(Table("SELECT key[1], n FROM vrx.accuracy(NULL, NULL, '{own_ingredient}')"),
+            "CORN|1\nMAIZE|1\n");
+  EXPECT_EQ(Table("SELECT yard, ingredient, company_ingredient, used FROM "
+                  "vrx.used_by_ingredient_day ORDER BY 1"),
+            "North|CORN|CORN|110\nSouth|MAIZE|CORN|50\n");
+}
+
+TEST_F(Views, CompletenessGoesByTheLocalDayOfTheImport) {
+  Import(1, "LB");
+  Import(2, "KG");
+  chief_.Query(
+      "INSERT INTO vrx.imported_batch (yard, source, import, position, state) VALUES ($1, "
+      "$2, 1, 1, 'same'), ($1, $2, 1, 2, 'new'), ($1, $2, 2, 1, 'conflict')",
+      {north_, kNorthSource});
+  EXPECT_EQ(Table("SELECT yard, day, imports, batches, rows_read, stored, left_out, not_read, "
+                  "repeated, missing, same, continued, conflict, unit_not_settled FROM "
+                  "vrx.completeness_by_day"),
+            "North|2024-01-02|2|6|20|14|2|4|4|4-5;4-5|1|0|1|1\n");
+}
+
+TEST_F(Views, ImportsOfACopyCountOnce) {
+  Import(1, "LB");
+  const std::string child = "00000000-0000-0000-0000-00000000000c";
+  chief_.Query(
+      "INSERT INTO vrx.source (yard, source, generation, parent, parent_last_row, unit, "
+      "file) VALUES ($1, $2, $2, $3, 5, 'LB', 'COPY.TDB')",
+      {north_, child, kNorthSource});
+  chief_.Query(
+      "INSERT INTO vrx.import SELECT yard, $2, import, at, file FROM vrx.import WHERE yard "
+      "= $1",
+      {north_, child});
+  EXPECT_EQ(Table("SELECT imports FROM vrx.completeness_by_day"), "1\n");
+}
+
+TEST_F(Views, FreshnessSaysAsOfWhenEachYardIs) {
+  PushLoad(1, 1);
+  chief_.Query("INSERT INTO vrx.mark (yard, source, kind, value) VALUES ($1, $2, 'label', 'KG')",
+               {north_, kNorthSource});
+  EXPECT_EQ(Table("SELECT yard, zone, unit, last_row, rows, last_day, label_changed, withdrawn, "
+                  "age < interval '1 minute' FROM vrx.freshness ORDER BY 1"),
+            "North|America/Chicago|LB|1|1|2024-01-01|t|f|t\n"
+            "South|America/Denver|LB|NULL|NULL|NULL|f|f|NULL\n");
+}
+
+TEST_F(Views, AccuracyRefusesKeysAndLimitsThatItDoesNotKnow) {
+  for (const std::string arguments :
+       {"NULL, NULL, '{pony}'", "NULL, NULL, '{yard,pen}'", "NULL, NULL, '{operator}'",
+        "NULL, NULL, '{}', 'TON'", "NULL, NULL, '{}', 'KG', -1", "NULL, NULL, '{}', NULL",
+        "NULL, NULL, '{ingredient}', deliveries => true",
+        "NULL, NULL, ARRAY['yard; DROP TABLE vrx.yard']"}) {
+    EXPECT_EQ(StateOf(chief_, "SELECT * FROM vrx.accuracy(" + arguments + ")"), "22023")
+        << arguments;
+  }
+}
+
+// Weights that are no whole count of millionths, or large, take another way.
+TEST_F(Views, AccuracyIsExactForAnyWeight) {
+  Push(north_, {{.row = 1,
+                 .number = 1,
+                 .type = "BATCH",
+                 .date = "2024-01-01",
+                 .target = 1e15,
+                 .actual = 1e15},
+                {.row = 2,
+                 .number = 1,
+                 .type = "BATCH",
+                 .date = "2024-01-01",
+                 .target = 0.5,
+                 .actual = 0.25},
+                {.row = 3,
+                 .number = 1,
+                 .type = "BATCH",
+                 .date = "2024-01-01",
+                 .target = 100,
+                 .actual = 102}});
+  chief_.Query("ALTER TABLE vrx.transaction DROP CONSTRAINT row_equals_its_digest");
+  chief_.Query("UPDATE vrx.transaction SET target = 1e-9, actual_batch = 3e-9 WHERE row = 2");
+  EXPECT_EQ(Table("SELECT n, net, gross, within, below FROM vrx.accuracy(NULL, NULL, unit => "
+                  "'LB')"),
+            "3|2.000000002|2.000000002|33.333333333333336|0\n");
+}
+
+}  // namespace
+}  // namespace vrx::testing
