@@ -40,12 +40,13 @@ RETURNS TABLE (
   gross float8, gross_percent float8, within float8, weight_within float8, within_weight float8,
   beyond float8, below float8, median float8, q1 float8, q3 float8, marked boolean)
 LANGUAGE plpgsql STABLE SET search_path = pg_catalog, pg_temp SET extra_float_digits = 1
-SET jit = off AS $$
+SET jit = off SET enable_sort = off AS $$
 DECLARE
   name text;
   key_names text := '';
   key_columns text := '';
   source_of_rows text;
+  aliases boolean := 'ingredient' = ANY (keys) AND EXISTS (SELECT FROM vrx.ingredient_alias);
   sums text := '';
   -- Millionths below which a weight is fast.
   small float8 := CASE WHEN within_percent <= 900
@@ -64,7 +65,9 @@ BEGIN
       RAISE EXCEPTION 'there is no key "%"', name USING ERRCODE = 'invalid_parameter_value';
     END IF;
     key_names := key_names || ', ' || quote_ident('k_' || name);
-    key_columns := key_columns || ', ' || vrx.key_column(name, deliveries) || ' AS '
+    key_columns := key_columns || ', ' || vrx.key_column(
+      CASE WHEN name = 'ingredient' AND NOT aliases THEN 'own_ingredient' ELSE name END, deliveries)
+      || ' AS '
                    || quote_ident('k_' || name);
   END LOOP;
   -- Most companies have withdrawn nothing and have no import in another unit.
@@ -99,11 +102,15 @@ BEGIN
       AS %4$s$sum$, split_part(name, '; ', 1), split_part(name, '; ', 2), split_part(name, '; ', 3),
       split_part(name, '; ', 4));
   END LOOP;
+  -- Groups are hashed, and only their percentages are sorted: sorting whole rows by names is slow.
   -- OFFSET 0 keeps the planner from putting an expression into each place that uses it.
   RETURN QUERY EXECUTE format($query$
     WITH weighed AS (
-      SELECT b.unit = 'LB' AS pounds, r.target, r.actual, round(r.target * 1e6) AS tf,
-             round(r.actual * 1e6) AS af %1$s
+      SELECT b.unit = 'LB' AS pounds, r.target, r.actual, r.target > 0 AS has_target,
+             r.actual > 0 AS has_actual,
+             abs(r.target * 1e6) < $3 AND abs(r.actual * 1e6) < $3
+             AND round(r.target * 1e6) / 1e6 = r.target
+             AND round(r.actual * 1e6) / 1e6 = r.actual AS fast %1$s
       FROM (SELECT b.yard_id, b.source, b.batch, b.day, y.name, s.unit
             FROM vrx.yard y
             JOIN vrx.batch b ON b.yard_id = y.yard
@@ -111,36 +118,29 @@ BEGIN
             WHERE true %2$s OFFSET 0) b
       CROSS JOIN LATERAL (%3$s) r
       %4$s OFFSET 0),
-    counted AS (
-      SELECT *, abs(tf) < $3 AND abs(af) < $3 AND tf / 1e6 = target AND af / 1e6 = actual AS fast
-      FROM weighed OFFSET 0),
     exact AS (
-      SELECT pounds, NOT fast AS slow, CASE WHEN fast THEN tf::bigint END AS t6,
-             CASE WHEN fast THEN af::bigint END AS a6,
-             CASE WHEN fast THEN (af - tf)::bigint END AS d6,
+      SELECT pounds, NOT fast AS slow, has_target, has_actual, has_target AND has_actual AS counts,
+             CASE WHEN fast THEN round(target * 1e6)::bigint END AS t6,
+             CASE WHEN fast THEN round(actual * 1e6)::bigint END AS a6,
+             CASE WHEN fast THEN (round(actual * 1e6) - round(target * 1e6))::bigint END AS d6,
              CASE WHEN NOT fast THEN vrx.exact(target) END AS t,
-             CASE WHEN NOT fast THEN vrx.exact(actual) END AS a,
-             target > 0 AS has_target, actual > 0 AS has_actual %5$s
-      FROM counted OFFSET 0),
-    differences AS (
-      SELECT *, abs(d6) AS g6, CASE WHEN slow THEN abs(a - t) END AS g,
-             has_target AND has_actual AS counts
-      FROM exact OFFSET 0),
+             CASE WHEN NOT fast THEN vrx.exact(actual) END AS a %5$s
+      FROM weighed OFFSET 0),
     judged AS (
-      SELECT *,
-             CASE WHEN slow THEN g <= $11 OR g * 100 < t * $2
-               ELSE g6 <= $10 OR g6 * 1000000 < t6 * $9 END AS within,
-             CASE WHEN slow THEN g <= $11 OR
-                 vrx.in_unit(g, CASE WHEN pounds THEN 'LB' ELSE 'KG' END, 'KG') < $4
-               ELSE g6 <= $10 OR g6 < CASE WHEN pounds THEN $13 ELSE $14 END END AS near,
+      SELECT *, abs(d6) AS g6, abs(a - t) AS g,
+             CASE WHEN slow THEN abs(a - t) <= $11 OR abs(a - t) * 100 < t * $2
+               ELSE abs(d6) <= $10 OR abs(d6) * 1000000 < t6 * $9 END AS within,
+             CASE WHEN slow THEN abs(a - t) <= $11 OR
+                 vrx.in_unit(abs(a - t), CASE WHEN pounds THEN 'LB' ELSE 'KG' END, 'KG') < $4
+               ELSE abs(d6) <= $10 OR abs(d6) < CASE WHEN pounds THEN $13 ELSE $14 END END AS near,
              CASE WHEN slow
-               THEN vrx.in_unit(g, CASE WHEN pounds THEN 'LB' ELSE 'KG' END, 'KG') > $5
-               ELSE g6 > CASE WHEN pounds THEN $15 ELSE $16 END END AS far,
+               THEN vrx.in_unit(abs(a - t), CASE WHEN pounds THEN 'LB' ELSE 'KG' END, 'KG') > $5
+               ELSE abs(d6) > CASE WHEN pounds THEN $15 ELSE $16 END END AS far,
              CASE WHEN slow THEN a < t ELSE d6 < 0 END AS below,
              CASE WHEN slow THEN t - a > $11 ELSE d6 < -$10 END AS well_below,
              CASE WHEN NOT counts THEN NULL WHEN slow THEN (round((a - t) * 100, 30) / t)::float8
                ELSE (d6 * 100)::float8 / t6::float8 END AS percent
-      FROM differences OFFSET 0),
+      FROM exact OFFSET 0),
     grouped AS (
       SELECT ARRAY[%6$s]::text[] AS key, count(*) FILTER (WHERE counts) AS n,
              count(*) FILTER (WHERE counts AND within) AS within,
@@ -150,8 +150,7 @@ BEGIN
              count(*) FILTER (WHERE counts AND well_below) AS well_below,
              count(*) FILTER (WHERE has_target AND NOT has_actual) AS not_loaded,
              count(*) FILTER (WHERE NOT has_target) AS without_target,
-             percentile_cont(ARRAY[0.25, 0.5, 0.75]) WITHIN GROUP (ORDER BY percent) AS quartiles
-             %7$s
+             array_agg(percent) FILTER (WHERE counts) AS percents %7$s
       FROM judged GROUP BY %8$s)
     SELECT g.key, g.n, g.not_loaded,
            CASE WHEN g.not_loaded > 0 THEN g.not_loaded_target::float8 END, g.without_target,
@@ -166,17 +165,20 @@ BEGIN
            CASE WHEN s.shares THEN (round(100 * g.near::numeric, 30) / g.n)::float8 END,
            CASE WHEN s.shares THEN (round(100 * g.far::numeric, 30) / g.n)::float8 END,
            CASE WHEN s.shares THEN (round(100 * g.below::numeric, 30) / g.n)::float8 END,
-           g.quartiles[2], g.quartiles[1], g.quartiles[3],
+           q.quartiles[2], q.quartiles[1], q.quartiles[3],
            CASE WHEN g.n >= 40 AND NOT $8 THEN
-             g.well_below * 100 >= g.n * 75 AND g.quartiles[2] <= -0.5 END
+             g.well_below * 100 >= g.n * 75 AND q.quartiles[2] <= -0.5 END
     FROM grouped g
+    CROSS JOIN LATERAL (
+      SELECT percentile_cont(ARRAY[0.25, 0.5, 0.75]) WITHIN GROUP (ORDER BY p) AS quartiles
+      FROM unnest(g.percents) p) q
     CROSS JOIN LATERAL (SELECT g.n > 0 AND (NOT $12 OR g.n >= 20) AS shares) s
     ORDER BY g.key
     $query$, key_columns,
     CASE WHEN from_day IS NOT NULL THEN 'AND b.day >= $6 ' ELSE '' END
     || CASE WHEN to_day IS NOT NULL THEN 'AND b.day <= $7' ELSE '' END,
     source_of_rows,
-    CASE WHEN 'ingredient' = ANY (keys) THEN
+    CASE WHEN aliases THEN
       'LEFT JOIN vrx.ingredient_alias a ON a.yard = b.yard_id AND a.name = r.ingredient'
       ELSE '' END,
     key_names, substr(key_names, 3), sums,
