@@ -70,7 +70,6 @@ class Attack : public CentralFixture {
         "'SECRET')");
     chief_.Query("INSERT INTO vrx.fetch (yard, release) VALUES ($1, 1)", {south_});
     Withdraw(chief_, {.source = kSouthSource, .first_row = 2, .last_row = 2, .why = "SECRET"});
-    chief_.Query("ANALYZE");
   }
 
   // What the yard's login gets for a statement: its rows, or the words of the error.
@@ -374,7 +373,7 @@ TEST_F(Attack, ExplainShowsNeitherRowsNorHowManyThereAre) {
                    .date = "2024-01-01",
                    .name = "SECRET CORN"}});
   }
-  chief_.Query("ANALYZE");
+  chief_.Query("ANALYZE vrx.transaction");
   // A frequent name of another yard and one that nobody has get the same estimate.
   EXPECT_EQ(plan("SECRET CORN"), plan("NOBODYS NAM"));
   EXPECT_THAT(Try("EXPLAIN (ANALYZE, COSTS off, TIMING off) SELECT * FROM vrx.transaction WHERE "
@@ -383,6 +382,7 @@ TEST_F(Attack, ExplainShowsNeitherRowsNorHowManyThereAre) {
 }
 
 TEST_F(Attack, StatisticsShowNoValuesOfAnotherYard) {
+  chief_.Query("ANALYZE");
   EXPECT_EQ(Table("SELECT tablename, attname FROM pg_stats WHERE schemaname = 'vrx'"), "");
   EXPECT_THAT(Try("SELECT * FROM pg_stats WHERE schemaname = 'vrx'"), Not(HasSubstr(kSecret)));
   EXPECT_EQ(StateOf(north_login_, "SELECT * FROM pg_statistic"), kForbidden);
