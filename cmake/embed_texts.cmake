@@ -1,6 +1,6 @@
-# Writes a C++ source that defines a std::string_view for each text file, in the namespace vrx::sql:
+# Writes a C++ header that defines a std::string_view for each text file, in the namespace vrx::sql:
 # version_1.sql becomes kVersion1. Called with -DOUT=FILE -DTEXTS=FILE;FILE -P embed_texts.cmake.
-set(code "#include \"central/sql_texts.h\"\n\nnamespace vrx::sql {\n\n")
+set(code "#pragma once\n\n#include <string_view>\n\nnamespace vrx::sql {\n\n")
 foreach(text IN LISTS TEXTS)
   get_filename_component(words ${text} NAME_WE)
   string(REPLACE "_" ";" words ${words})
@@ -12,7 +12,7 @@ foreach(text IN LISTS TEXTS)
     string(APPEND name ${first}${rest})
   endforeach()
   file(READ ${text} content)
-  string(APPEND code "const std::string_view ${name} = R\"sql(${content})sql\";\n\n")
+  string(APPEND code "inline constexpr std::string_view ${name} = R\"sql(${content})sql\";\n\n")
 endforeach()
 string(APPEND code "}  // namespace vrx::sql\n")
 file(WRITE ${OUT} "${code}")

@@ -1,6 +1,9 @@
 #include "central/administration.h"
 
-#include "central/sql_texts.h"
+#include <array>
+#include <string_view>
+
+#include "sql_texts.h"
 
 namespace vrx {
 namespace {
@@ -8,8 +11,8 @@ namespace {
 constexpr int kOldestServer = 150000;
 
 // What is replaced at each upgrade, in this order.
-constexpr const std::string_view* kReplaced[] = {&sql::kPush, &sql::kAdministration, &sql::kUnits,
-                                                 &sql::kFigures, &sql::kViews};
+constexpr std::array<std::string_view, 5> kReplaced{sql::kPush, sql::kAdministration, sql::kUnits,
+                                                    sql::kFigures, sql::kViews};
 
 std::optional<int> SchemaVersion(CentralConnection& server) {
   const bool there =
@@ -91,8 +94,8 @@ InitOutcome InitCentral(CentralConnection& server) {
     server.Query(std::string(sql::kVersion1));
     server.Query(std::string(sql::kVersion1Rights));
   }
-  for (const std::string_view* const text : kReplaced) {
-    server.Query(std::string(*text));
+  for (const std::string_view text : kReplaced) {
+    server.Query(std::string(text));
   }
   if (version != kCentralSchema) {
     server.Query("INSERT INTO vrx.version (version, minimum_client) VALUES ($1, $2)",

@@ -1,5 +1,3 @@
-#include "central/connection_string.h"
-
 #include <algorithm>
 #include <array>
 #include <cstdlib>
@@ -10,6 +8,7 @@
 #include <libpq-fe.h>
 
 #include "base/number.h"
+#include "central/server.h"
 
 namespace vrx {
 namespace {

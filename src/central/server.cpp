@@ -7,7 +7,6 @@
 
 #include <libpq-fe.h>
 
-#include "central/connection_string.h"
 #include "central/socket_wait.h"
 
 namespace vrx {
@@ -47,7 +46,7 @@ std::string Field(const PGresult* result, int field) {
 
 CentralError ErrorOf(const PGresult* result) {
   std::string words = Field(result, PG_DIAG_MESSAGE_PRIMARY);
-  for (const int field : {PG_DIAG_MESSAGE_DETAIL, PG_DIAG_MESSAGE_HINT}) {
+  for (const unsigned char field : {PG_DIAG_MESSAGE_DETAIL, PG_DIAG_MESSAGE_HINT}) {
     if (const std::string more = Field(result, field); !more.empty()) {
       words += " (" + more + ")";
     }

@@ -1,11 +1,10 @@
-#include "central/connection_string.h"
-
 #include <cstdlib>
 #include <fstream>
 #include <string>
 
 #include <gtest/gtest.h>
 
+#include "central/server.h"
 #include "support/environment.h"
 #include "support/temp_folder.h"
 
