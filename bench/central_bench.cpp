@@ -1,0 +1,252 @@
+// Push, verify and restore of a year's records against the tools of the engine: psql \copy of the
+// same rows into a table with the same columns, checks and indexes, and its way back into SQLite.
+//
+//   central_bench --server CONNINFO [--rows N] [--rounds N]
+//
+// The login of CONNINFO is a superuser of a server on this machine; its databases `vrx_bench` and
+// its role `vrx_bench_yard` are made and dropped. The sockets must trust both logins.
+
+#include <cstdio>
+#include <exception>
+#include <filesystem>
+#include <fstream>
+#include <string>
+#include <vector>
+
+#include <CLI/CLI.hpp>
+
+#include "central/administration.h"
+#include "central/push.h"
+#include "central/restore.h"
+#include "central/server.h"
+#include "central/verify.h"
+#include "database/connection.h"
+#include "database/identity.h"
+#include "database/schema.h"
+#include "figures.h"
+#include "measure.h"
+#include "support/fixed_calendar.h"
+#include "support/temp_folder.h"
+#include "support/yard_generator.h"
+
+namespace {
+
+namespace fs = std::filesystem;
+using vrx::CentralConnection;
+using vrx::bench::Figures;
+using vrx::bench::Median;
+using vrx::bench::Milliseconds;
+
+constexpr int kLaterRows = 6000;
+constexpr double kLimitFirstPush = 2.0;
+constexpr double kLimitLaterPush = 2.0;
+constexpr double kLimitNothing = 300;    // ms
+constexpr double kLimitVerify = 10'000;  // ms
+constexpr double kLimitRestore = 1.0;
+constexpr double kLimitMegabytes = 64;
+
+constexpr const char* kColumns =
+    "yard, source, row, number, recipe, type, user_id, ingredient, pen, target, actual_batch, "
+    "time, "
+    "date, actual_feed, ing_percent, weights, import, digest";
+
+class Bench {
+ public:
+  Bench(std::string server, int rows, int rounds)
+      : server_(std::move(server)), rows_(rows), rounds_(rounds) {
+    vrx::testing::MakeYears(
+        {.rows = rows_}, {.program_directory = VRX_BIN_DIR, .transactions = folder_ / "YEARS.TDB"});
+    SQLite::Database database = vrx::OpenDatabase(folder_ / "YEARS.TDB", vrx::Access::kWrite);
+    vrx::WriteField(database, vrx::kTypeField, vrx::kUserTransDb);
+  }
+
+  int Run() {
+    MeasureFirstPush();
+    MeasureLaterPushes();
+    MeasureVerify();
+    MeasureRestore();
+    MeasureMemory();
+    return figures_.Over();
+  }
+
+ private:
+  [[nodiscard]] std::string Connection(const std::string& more) const {
+    return server_ + " " + more;
+  }
+  [[nodiscard]] std::string Yard() const {
+    return Connection("dbname=vrx_bench user=vrx_bench_yard");
+  }
+
+  void Execute(const std::string& database, const std::string& sql) const {
+    CentralConnection(Connection("dbname=" + database)).Query(sql);
+  }
+
+  void Psql(const std::string& command) const {
+    vrx::bench::RunProgram(
+        {"psql", "-q", "-v", "ON_ERROR_STOP=1", Connection("dbname=vrx_bench"), "-c", command},
+        "/dev/null");
+  }
+
+  // An empty central database, and a file that was never pushed.
+  void MakeFresh() {
+    Execute("postgres", "DROP DATABASE IF EXISTS vrx_bench");
+    Execute("postgres", "CREATE DATABASE vrx_bench ENCODING 'UTF8' TEMPLATE template0");
+    CentralConnection chief(Connection("dbname=vrx_bench"));
+    vrx::InitCentral(chief);
+    vrx::AddYard(chief, "Bench", "UTC", "vrx_bench_yard");
+    fs::copy_file(folder_ / "YEARS.TDB", file_, fs::copy_options::overwrite_existing);
+    // The later rounds write where the earlier ones did.
+    Execute("postgres", "CHECKPOINT");
+  }
+
+  void Push() {
+    CentralConnection server(Yard());
+    vrx::Push(server, {.file = file_, .yard = "Bench", .machine = "bench"});
+  }
+
+  double CopyByPsql() {
+    Execute("vrx_bench", "DROP TABLE IF EXISTS peer");
+    Psql("CREATE TABLE peer (LIKE vrx.transaction INCLUDING ALL)");
+    Execute("postgres", "CHECKPOINT");
+    return Milliseconds(
+        [this] { Psql("\\copy peer (" + std::string(kColumns) + ") FROM '" + Rows() + "'"); });
+  }
+
+  [[nodiscard]] std::string Rows() const { return (folder_ / "rows.copy").string(); }
+
+  void MeasureFirstPush() {
+    std::vector<double> ours;
+    std::vector<double> peer;
+    std::vector<double> ratios;
+    for (int round = 0; round < rounds_; ++round) {
+      MakeFresh();
+      ours.push_back(Milliseconds([this] { Push(); }));
+      if (round == 0) {
+        Psql("\\copy vrx.transaction (" + std::string(kColumns) + ") TO '" + Rows() + "'");
+      }
+      peer.push_back(CopyByPsql());
+      ratios.push_back(ours.back() / peer.back());
+    }
+    first_push_ = Median(ours);
+    figures_.Limited("first push with proof / psql \\copy", Median(ratios), kLimitFirstPush,
+                     vrx::bench::Times(Median(ours), Median(peer)));
+  }
+
+  void MeasureLaterPushes() {
+    std::vector<double> nothing;
+    std::vector<double> later;
+    for (int round = 0; round < rounds_; ++round) {
+      nothing.push_back(Milliseconds([this] { Push(); }));
+      SQLite::Database database = vrx::OpenDatabase(file_, vrx::Access::kWrite);
+      const vrx::Table transactions = vrx::Schema(vrx::DatabaseKind::kTransaction).front();
+      std::string columns;
+      for (const vrx::Column& column : transactions.columns) {
+        if (column.name != vrx::kRowNumberColumn) {
+          columns += (columns.empty() ? "" : ", ") + vrx::Bracketed(column.name);
+        }
+      }
+      database.exec("INSERT INTO Transactions (" + columns + ") SELECT " + columns +
+                    " FROM Transactions WHERE RowNumber <= " + std::to_string(kLaterRows));
+      later.push_back(Milliseconds([this] { Push(); }));
+    }
+    figures_.Limited("push with nothing to do, ms", Median(nothing), kLimitNothing);
+    const double per_row = Median(later) / kLaterRows;
+    figures_.Limited("push of 6,000 more rows / first push, per row",
+                     per_row / (first_push_ / rows_), kLimitLaterPush,
+                     vrx::bench::Times(Median(later), first_push_));
+  }
+
+  void MeasureVerify() {
+    std::vector<double> times;
+    for (int round = 0; round < rounds_; ++round) {
+      times.push_back(Milliseconds([this] { Verify(); }));
+    }
+    figures_.Limited("verify, ms", Median(times), kLimitVerify * rows_ / 1'000'000);
+  }
+
+  void Verify() {
+    CentralConnection server(Yard());
+    if (vrx::Verify(server, file_, "Bench", vrx::kBusyTimeout).difference) {
+      throw vrx::Error("the file and the central database differ");
+    }
+  }
+
+  void Restore() {
+    fs::remove(folder_ / "RESTORED.TDB");
+    CentralConnection server(Yard());
+    vrx::Restore(server, {.yard = "Bench", .out = folder_ / "RESTORED.TDB"}, calendar_);
+  }
+
+  // The rows as text, into a table with the same columns but the weights in one, and its indexes.
+  void RestoreByTools() {
+    const std::string csv = (folder_ / "rows.csv").string();
+    Psql(
+        "\\copy (SELECT number, recipe, type, user_id, ingredient, pen, target, actual_batch, "
+        "time, "
+        "date, actual_feed, ing_percent, weights, row FROM vrx.transaction ORDER BY row) TO '" +
+        csv + "' (FORMAT csv)");
+    fs::remove(folder_ / "PEER.TDB");
+    std::ofstream script(folder_ / "import.sql");
+    script << "CREATE TABLE Transactions ([Transaction] INTEGER, Recipe TEXT, Type TEXT, UserID "
+              "TEXT, Ingredient TEXT, Pen TEXT, Target REAL, ActualBatch REAL, Time TEXT, Date "
+              "TEXT, ActualFeed REAL, IngPercent REAL, Weights TEXT, RowNumber INTEGER PRIMARY "
+              "KEY);\n.mode csv\n.import '"
+           << csv << "' Transactions\n";
+    for (const std::string& index : vrx::SchemaIndexes(vrx::DatabaseKind::kTransaction)) {
+      script << index << ";\n";
+    }
+    script.close();
+    vrx::bench::RunShell(folder_ / "PEER.TDB", folder_ / "import.sql");
+  }
+
+  void MeasureRestore() {
+    std::vector<double> ours;
+    std::vector<double> peer;
+    std::vector<double> ratios;
+    for (int round = 0; round < rounds_; ++round) {
+      ours.push_back(Milliseconds([this] { Restore(); }));
+      peer.push_back(Milliseconds([this] { RestoreByTools(); }));
+      ratios.push_back(ours.back() / peer.back());
+    }
+    figures_.Limited("restore with indexes and proof / psql \\copy, .import, indexes",
+                     Median(ratios), kLimitRestore, vrx::bench::Times(Median(ours), Median(peer)));
+  }
+
+  void MeasureMemory() {
+    figures_.Limited("memory of verify, MB", vrx::bench::PeakMegabytes([this] { Verify(); }),
+                     kLimitMegabytes);
+    figures_.Limited("memory of restore, MB", vrx::bench::PeakMegabytes([this] { Restore(); }),
+                     kLimitMegabytes);
+    MakeFresh();
+    figures_.Limited("memory of the first push, MB", vrx::bench::PeakMegabytes([this] { Push(); }),
+                     kLimitMegabytes);
+  }
+
+  std::string server_;
+  int rows_;
+  int rounds_;
+  vrx::testing::TempFolder folder_;
+  fs::path file_ = folder_ / "YARD.TDB";
+  vrx::testing::FixedCalendar calendar_;
+  double first_push_ = 0;  // ms
+  Figures figures_;
+};
+
+}  // namespace
+
+int main(int argc, char** argv) {
+  CLI::App app("Push, verify and restore against psql and sqlite3");
+  std::string server;
+  int rows = 1'000'000;
+  int rounds = 5;
+  app.add_option("--server", server, "Connection of a superuser")->required();
+  app.add_option("--rows", rows);
+  app.add_option("--rounds", rounds);
+  CLI11_PARSE(app, argc, argv);
+  try {
+    return Bench(server, rows, rounds).Run() == 0 ? 0 : 1;
+  } catch (const std::exception& error) {
+    std::fprintf(stderr, "central_bench: %s\n", error.what());
+    return 1;
+  }
+}
