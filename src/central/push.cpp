@@ -82,6 +82,9 @@ class PushRun {
   void FindThere() {
     std::optional<ServerSource> there = FindSource(server_, yard_, here_.source);
     if (!there) {
+      there = FindOriginal(database_, server_, yard_);
+    }
+    if (!there) {
       MakeThere({.source = here_.source});
       return;
     }

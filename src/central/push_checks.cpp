@@ -5,7 +5,7 @@
 #include <deque>
 #include <utility>
 
-#include <SQLiteCpp/Transaction.h>
+#include <SQLiteCpp/Column.h>
 
 #include "base/translation.h"
 #include "central/row_reader.h"
@@ -97,13 +97,35 @@ void CheckLastRow(SQLite::Database& database, CentralConnection& server, const s
 
 }  // namespace
 
+void RefuseCopy() {
+  throw CentralRefused(
+      Tr("this file is a copy of the source that the central database has: it was made by Save "
+         "As or a restore, or was pushed from another computer. It goes on only as a new source"));
+}
+
+std::optional<ServerSource> FindOriginal(SQLite::Database& database, CentralConnection& server,
+                                         const std::string& yard) {
+  if (CountRowsAbove(database, kBeforeFirstRow) == 0) {
+    return std::nullopt;
+  }
+  const std::int64_t first =
+      database.execAndGet("SELECT min(RowNumber) FROM Transactions").getInt64();
+  const std::string digest = DigestOfRow(database, first);
+  for (const ServerSource& source : ReadSources(server, yard)) {
+    for (const ServerRow& row : FindRows(server, yard, ReadParts(server, yard, source), {first})) {
+      if (row.digest == digest) {
+        return source;
+      }
+    }
+  }
+  return std::nullopt;
+}
+
 void CheckContinues(SQLite::Database& database, CentralConnection& server, const std::string& yard,
                     const ServerSource& there, CentralSource& here,
                     const CentralProgress& progress) {
   if (there.generation != here.generation) {
-    throw CentralRefused(Tr(
-        "this file is a copy of the source that the central database has: it was made by Save "
-        "As or a restore, or was pushed from another computer. It goes on only as a new source"));
+    RefuseCopy();
   }
   const std::vector<SourcePart> parts = ReadParts(server, yard, there);
   const std::vector<std::int64_t> changed = FindChangedRows(database, server, yard, parts);

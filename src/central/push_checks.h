@@ -1,5 +1,6 @@
 #pragma once
 
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -19,6 +20,14 @@ namespace vrx {
 void CheckContinues(SQLite::Database& database, CentralConnection& server, const std::string& yard,
                     const ServerSource& there, CentralSource& here,
                     const CentralProgress& progress);
+
+// A source of the yard that has the file's first row: the file is a copy of it that does not know
+// so, for it was made before the first push. Nothing if no source has it.
+[[nodiscard]] std::optional<ServerSource> FindOriginal(SQLite::Database& database,
+                                                       CentralConnection& server,
+                                                       const std::string& yard);
+
+[[noreturn]] void RefuseCopy();
 
 // The rows noted in the file that the central database has otherwise, ascending.
 [[nodiscard]] std::vector<std::int64_t> FindChangedRows(SQLite::Database& database,

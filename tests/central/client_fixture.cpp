@@ -27,6 +27,7 @@ fs::path ClientFixture::MakeFile(const std::string& name, int batches) {
   SQLite::Database database = OpenDatabase(file, Access::kWrite);
   WriteField(database, kTypeField, kUserTransDb);
   WriteField(database, kUnitField, "LB");
+  WriteField(database, kCreatedField, name);  // the rows of another file have other names
   AddBatches(file, batches);
   return file;
 }
@@ -45,7 +46,8 @@ void ClientFixture::AddBatches(const fs::path& file, int batches) {
       "Recipe, Type, UserID, Ingredient, Pen, Target, ActualBatch, Time, Date, ActualFeed, "
       "IngPercent, Ing01Wt, Ing32Wt) SELECT n, CASE n % 4 WHEN 0 THEN NULL WHEN 1 THEN "
       "'O''Brien \"1\"; \\' ELSE '\xF0\x9F\x90\x84 ' || n END, iif(k < 3, 'BATCH', 'FEED'), "
-      "iif(n % 3 = 0, NULL, n % 7), iif(k < 3, 'ING' || k, NULL), iif(k < 3, NULL, 'PEN' || "
+      "iif(n % 3 = 0, NULL, n % 7), iif(k < 3, (SELECT Created FROM History) || k, NULL), iif(k < "
+      "3, NULL, 'PEN' || "
       "n % 40), n * 0.1 + k, iif(n % 11 = 0, NULL, n * 1.1 - k * 1e-7), '06:30:00', "
       "date('2026-01-01', '+' || (n / 100) || ' days'), iif(k < 3, 0, iif(n % 13 = 0, "
       "1e15 + 0.3, n / 3.0)), NULL, iif(k < 3, NULL, n / 7.0), iif(k = 4, n * 5e-324, NULL) "

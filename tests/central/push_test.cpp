@@ -165,6 +165,19 @@ TEST_F(CentralPush, AFileFromAnotherComputerIsACopy) {
   ExpectThere(copy, 26);
 }
 
+TEST_F(CentralPush, ACopyFromBeforeTheFirstPushIsACopy) {
+  const fs::path file = MakeFile("Y.TDB", 4);
+  fs::copy_file(file, folder_ / "COPY.TDB");
+  Push(file);
+  AddBatches(folder_ / "COPY.TDB", 1);
+  PushOrder order = OrderFor(folder_ / "COPY.TDB");
+  EXPECT_THAT(Refusal(order), HasSubstr("copy"));
+  order.as_new_source = true;
+  EXPECT_EQ(Refusal(order), "");
+  ExpectThere(order.file, 25);
+  ExpectThere(file, 25);
+}
+
 TEST_F(CentralPush, ARestoredFileIsACopy) {
   const fs::path file = MakeFile("Y.TDB", 4);
   Push(file);
