@@ -54,6 +54,22 @@ DeliveredChart ManyDays(int days) {
   return chart;
 }
 
+// The boxes of the band of the limits; that of the legend is no part of it.
+std::vector<QRectF> BandOf(const Picture& picture) {
+  std::vector<QRectF> boxes;
+  for (const Shape& shape : picture.shapes) {
+    const auto* const path = std::get_if<PathShape>(&shape.what);
+    if (path == nullptr || path->fill != Ink::kBand ||
+        !picture.plot.intersects(path->path.boundingRect())) {
+      continue;
+    }
+    for (const QPolygonF& box : path->path.toSubpathPolygons()) {
+      boxes.push_back(box.boundingRect());
+    }
+  }
+  return boxes;
+}
+
 int LinePointsOf(const Picture& picture) {
   int points = 0;
   for (const Shape& shape : picture.shapes) {
@@ -125,6 +141,25 @@ TEST(Thinning, APictureOfACenturyHasNoMoreShapesThanColumnsAndKeepsItsDays) {
     highest = std::min(highest, bar.top());
   }
   EXPECT_NEAR(picture.plot.bottom() - highest, picture.plot.height(), picture.plot.height() / 8);
+}
+
+// What is within the band must be balanced on each of its days.
+TEST(Thinning, ACenturyOfBatchesHasTheSmallestLimitOfItsColumns) {
+  BalanceChart chart{.units = "KG"};
+  for (int day = 0; day < 40'000; ++day) {
+    chart.batches.push_back(
+        {.day = day + 0.5, .left = 0, .limit = day % 10 == 0 ? 10.0 : 50.0, .transaction = day});
+  }
+  const Picture picture = PictureOf(chart, kPictureSize, Look{});
+  chart.batches = {chart.batches.front(), chart.batches.back()};
+  chart.batches.back().limit = 50;  // the axis is that of the largest limit
+  const Picture two = PictureOf(chart, kPictureSize, Look{});
+  const auto boxes = BandOf(picture);
+  EXPECT_THAT(boxes, SizeIs(Le(static_cast<std::size_t>(picture.plot.width()) + 1)));
+  ASSERT_FALSE(BandOf(two).empty());
+  for (const QRectF& box : boxes) {
+    EXPECT_NEAR(box.height(), BandOf(two).front().height(), 1e-6);
+  }
 }
 
 }  // namespace
