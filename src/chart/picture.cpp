@@ -27,7 +27,7 @@ class Painting {
     if (shape.fill) {
       QColor color = ColorOf(*shape.fill, look_.dark);
       color.setAlphaF(static_cast<float>(shape.opacity));
-      painter_.fillPath(shape.path, color);
+      FillInPieces(shape.path, color);
     }
     if (shape.line) {
       QPen pen(ColorOf(*shape.line, look_.dark), shape.width);
@@ -35,8 +35,10 @@ class Painting {
       if (shape.dashed) {
         pen.setDashPattern({5, 3});
       }
-      pen.setCapStyle(shape.path.elementCount() > kPiece ? Qt::RoundCap : Qt::FlatCap);
-      shape.dashed ? painter_.strokePath(shape.path, pen) : StrokeInPieces(shape.path, pen);
+      const bool is_long = shape.path.elementCount() > kLongPath;
+      pen.setCapStyle(is_long ? Qt::RoundCap : Qt::FlatCap);
+      is_long && !shape.dashed ? StrokeInPieces(shape.path, pen)
+                               : painter_.strokePath(shape.path, pen);
     }
   }
 
@@ -72,9 +74,10 @@ class Painting {
   }
 
  private:
-  static constexpr int kPiece = 16;  // elements of a path
+  // Elements of a path. A longer one is drawn in pieces: the time grows faster than its length.
+  static constexpr int kLongPath = 16;
+  static constexpr int kPieceOfLine = 4;
 
-  // The time to stroke a path grows faster than its length.
   void StrokeInPieces(const QPainterPath& path, const QPen& pen) const {
     QPainterPath piece;
     for (int i = 0; i < path.elementCount(); ++i) {
@@ -84,12 +87,30 @@ class Painting {
         continue;
       }
       piece.lineTo(element);
-      if (piece.elementCount() >= kPiece) {
+      if (piece.elementCount() >= kPieceOfLine) {
         painter_.strokePath(piece, pen);
         piece = QPainterPath(element);
       }
     }
     painter_.strokePath(piece, pen);
+  }
+
+  // A piece has whole parts.
+  void FillInPieces(const QPainterPath& path, const QColor& color) const {
+    QPainterPath piece;
+    for (int i = 0; i < path.elementCount(); ++i) {
+      const QPainterPath::Element element = path.elementAt(i);
+      if (!element.isMoveTo()) {
+        piece.lineTo(element);
+        continue;
+      }
+      if (piece.elementCount() >= kLongPath) {
+        painter_.fillPath(piece, color);
+        piece = QPainterPath();
+      }
+      piece.moveTo(element);
+    }
+    painter_.fillPath(piece, color);
   }
 
   QPainter& painter_;
