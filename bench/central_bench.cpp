@@ -16,10 +16,8 @@
 #include <CLI/CLI.hpp>
 
 #include "central/administration.h"
-#include "central/push.h"
-#include "central/restore.h"
 #include "central/server.h"
-#include "central/verify.h"
+#include "central/transfer.h"
 #include "database/connection.h"
 #include "database/identity.h"
 #include "database/schema.h"

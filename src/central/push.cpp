@@ -1,5 +1,3 @@
-#include "central/push.h"
-
 #include <algorithm>
 #include <utility>
 #include <vector>
@@ -10,11 +8,11 @@
 #include "base/translation.h"
 #include "base/uuid.h"
 #include "central/administration.h"
-#include "central/push_checks.h"
 #include "central/push_plan.h"
-#include "central/push_portion.h"
+#include "central/push_steps.h"
 #include "central/server.h"
 #include "central/server_source.h"
+#include "central/transfer.h"
 #include "database/central_source.h"
 #include "database/connection.h"
 #include "database/identity.h"

@@ -1,5 +1,3 @@
-#include "central/push_checks.h"
-
 #include <algorithm>
 #include <cstddef>
 #include <deque>
@@ -8,6 +6,7 @@
 #include <SQLiteCpp/Column.h>
 
 #include "base/translation.h"
+#include "central/push_steps.h"
 #include "central/row_reader.h"
 #include "database/connection.h"
 

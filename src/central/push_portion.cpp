@@ -1,5 +1,3 @@
-#include "central/push_portion.h"
-
 #include <cstddef>
 #include <map>
 #include <optional>
@@ -12,7 +10,8 @@
 #include "base/translation.h"
 #include "base/undo.h"
 #include "central/administration.h"
-#include "central/row_imports.h"
+#include "central/push_plan.h"
+#include "central/push_steps.h"
 #include "central/row_reader.h"
 #include "central/server.h"
 #include "database/connection.h"

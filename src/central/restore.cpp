@@ -1,5 +1,3 @@
-#include "central/restore.h"
-
 #include <algorithm>
 #include <array>
 #include <bit>
@@ -21,7 +19,7 @@
 #include "central/administration.h"
 #include "central/server.h"
 #include "central/server_source.h"
-#include "central/verify.h"
+#include "central/transfer.h"
 #include "database/central_source.h"
 #include "database/connection.h"
 #include "database/identity.h"

@@ -1,10 +1,9 @@
-#include "central/row_imports.h"
-
 #include <algorithm>
 
 #include <SQLiteCpp/Column.h>
 #include <SQLiteCpp/Statement.h>
 
+#include "central/push_plan.h"
 #include "database/imports.h"
 
 namespace vrx {

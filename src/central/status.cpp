@@ -1,7 +1,6 @@
-#include "central/status.h"
-
 #include "central/administration.h"
 #include "central/server.h"
+#include "central/transfer.h"
 #include "database/central_source.h"
 #include "database/connection.h"
 

@@ -1,5 +1,3 @@
-#include "central/verify.h"
-
 #include <algorithm>
 #include <future>
 #include <map>
@@ -10,6 +8,7 @@
 #include "central/administration.h"
 #include "central/row_reader.h"
 #include "central/server.h"
+#include "central/transfer.h"
 #include "database/central_source.h"
 #include "database/connection.h"
 

@@ -6,10 +6,7 @@
 #include <CLI/CLI.hpp>
 
 #include "adapters/linux_machine.h"
-#include "central/push.h"
-#include "central/restore.h"
-#include "central/status.h"
-#include "central/verify.h"
+#include "central/transfer.h"
 #include "ctl/central_command.h"
 #include "ctl/options.h"
 #include "ctl/output.h"

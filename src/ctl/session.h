@@ -15,7 +15,7 @@
 #include "platform/operator.h"
 #include "platform/progress_display.h"
 #include "presenter/services.h"
-#include "settings/central_settings.h"
+#include "settings/settings.h"
 
 namespace vrx {
 

@@ -7,7 +7,6 @@
 #include "base/uuid.h"
 #include "database/connection.h"
 #include "database/identity.h"
-#include "database/row_numbers.h"
 
 namespace vrx {
 namespace {

@@ -1,4 +1,4 @@
-#include "database/row_numbers.h"
+#include "database/central_source.h"
 
 #include <cstdint>
 #include <string>

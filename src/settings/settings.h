@@ -205,4 +205,13 @@ class PrivateINI {
 // Beeps unless the operator turned the beeper off in the Setup dialog.
 void BeepIfEnabled(Operator& op, const PrivateINI& settings);
 
+// Section [Central] of the INI file: where the central database is. Without a connection nothing of
+// it starts. A missing key stays missing.
+struct CentralSettings {
+  std::string connection;  // libpq's connection string, never with a password
+  std::string yard;        // name of this yard
+};
+
+[[nodiscard]] CentralSettings ReadCentralSettings(const CPrivateINI& ini);
+
 }  // namespace vrx

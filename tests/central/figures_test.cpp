@@ -8,8 +8,8 @@
 #include <gtest/gtest.h>
 
 #include "central/administration.h"
-#include "central/push.h"
 #include "central/server.h"
+#include "central/transfer.h"
 #include "insight/accuracy.h"
 #include "insight/batches.h"
 #include "insight/import_units.h"

@@ -5,7 +5,6 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include "central/row_imports.h"
 #include "database/connection.h"
 #include "database/imports.h"
 #include "support/database_files.h"

@@ -1,5 +1,3 @@
-#include "central/push.h"
-
 #include <string>
 
 #include <gmock/gmock.h>
@@ -8,6 +6,7 @@
 #include "central/administration.h"
 #include "central/client_fixture.h"
 #include "central/server_source.h"
+#include "central/transfer.h"
 #include "database/copy_database.h"
 #include "support/database_files.h"
 

@@ -1,11 +1,10 @@
-#include "central/verify.h"
-
 #include <gmock/gmock.h>
 
 #include "base/files.h"
 #include "central/administration.h"
 #include "central/client_fixture.h"
 #include "central/server_source.h"
+#include "central/transfer.h"
 #include "support/database_files.h"
 
 namespace vrx::testing {

@@ -9,7 +9,6 @@
 #include "base/uuid.h"
 #include "database/connection.h"
 #include "database/copy_database.h"
-#include "database/row_numbers.h"
 #include "support/database_files.h"
 
 namespace vrx::testing {
