@@ -3,6 +3,7 @@
 #include <array>
 #include <string_view>
 
+#include "base/translation.h"
 #include "sql_texts.h"
 
 namespace vrx {
@@ -28,20 +29,20 @@ void CheckServer(CentralConnection& server) {
       "SELECT current_setting('server_version_num'), current_setting('server_version'), "
       "pg_encoding_to_char(encoding), datname FROM pg_database WHERE datname = current_database()");
   if (rows.Number(0, 0) < kOldestServer) {
-    throw CentralSchemaError("The server is PostgreSQL " + rows.Text(0, 1) +
-                             "; version 15 or newer is needed.");
+    throw CentralSchemaError(
+        Tr("the server is PostgreSQL %1; version 15 or newer is needed", {rows.Text(0, 1)}));
   }
   if (rows.Text(0, 2) != "UTF8") {
-    throw CentralSchemaError("The database " + rows.Text(0, 3) + " has the encoding " +
-                             rows.Text(0, 2) + "; UTF8 is needed.");
+    throw CentralSchemaError(Tr("the database %1 has the encoding %2; UTF8 is needed",
+                                {rows.Text(0, 3), rows.Text(0, 2)}));
   }
 }
 
 void CheckNotNewer(int version) {
   if (version > kCentralSchema) {
-    throw CentralSchemaError("The central database has schema version " + std::to_string(version) +
-                             ", which is newer than this program (" +
-                             std::to_string(kCentralSchema) + ").");
+    throw CentralSchemaError(Tr(
+        "the central database has schema version %1, which is newer than this program knows (%2)",
+        {std::to_string(version), std::to_string(kCentralSchema)}));
   }
 }
 
@@ -61,22 +62,23 @@ std::int64_t WithdrawRows(CentralConnection& server, const WithdrawalOrder& orde
 void CheckCentralSchema(CentralConnection& server) {
   if (!SchemaVersion(server)) {
     throw CentralSchemaError(
-        "The database " + server.Target() +
-        " holds no central database: the administrator makes it with \"central init\".");
+        Tr("the database %1 holds no central database: the administrator "
+           "makes one with \"central init\"",
+           {server.Target()}));
   }
   const CentralRows rows =
       server.Query("SELECT version, minimum_client FROM vrx.version ORDER BY version DESC LIMIT 1");
-  if (rows.Count() == 0) {
-    throw CentralSchemaError("The central database has no schema version.");
-  }
+  const std::string version = rows.Text(0, 0);
   if (rows.Number(0, 1) > kCentralClient) {
-    throw CentralSchemaError("The central database has schema version " + rows.Text(0, 0) +
-                             " and needs a newer program than this one.");
+    throw CentralSchemaError(
+        Tr("the central database has schema version %1 and needs a newer program than this one",
+           {version}));
   }
   if (rows.Number(0, 0) < kCentralSchema) {
-    throw CentralSchemaError("The central database has schema version " + rows.Text(0, 0) +
-                             "; this program needs " + std::to_string(kCentralSchema) +
-                             ". The administrator upgrades it with \"central init\".");
+    throw CentralSchemaError(
+        Tr("the central database has schema version %1; this program needs "
+           "%2. The administrator upgrades it with \"central init\"",
+           {version, std::to_string(kCentralSchema)}));
   }
 }
 

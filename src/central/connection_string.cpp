@@ -7,7 +7,7 @@
 
 #include <libpq-fe.h>
 
-#include "base/number.h"
+#include "base/translation.h"
 #include "central/server.h"
 
 namespace vrx {
@@ -39,7 +39,7 @@ Options Parse(const std::string& connection) {
   if (list == nullptr) {
     // The library's words quote the string, which may hold a password.
     throw ConnectionStringError(
-        "The connection is neither a URI nor a list of words like host=NAME dbname=NAME.");
+        Tr("the connection is neither a URI nor words such as host=NAME dbname=NAME"));
   }
   return Stated(list);
 }
@@ -52,7 +52,7 @@ Options Complete(const std::string& connection) {
       PQconnectStartParams(keywords.data(), values.data(), 1), PQfinish);
   Options options = probe == nullptr ? Options() : Stated(PQconninfo(probe.get()));
   if (options.empty()) {
-    throw ConnectionStringError("There is not enough memory to connect.");
+    throw ConnectionStringError(Tr("there is not enough memory to connect"));
   }
   return options;
 }
@@ -102,8 +102,8 @@ ConnectionOptions ReadConnectionString(const std::string& connection) {
   for (const char* const secret : {"password", "sslpassword"}) {
     if (stated.contains(secret)) {
       throw ConnectionStringError(
-          "A password does not belong into the connection: put it into "
-          "libpq's password file (~/.pgpass, readable by you only).");
+          Tr("a password does not belong into the connection: put it into the file .pgpass of your "
+             "home folder, which only you may read"));
     }
   }
   const Options complete = Complete(connection);

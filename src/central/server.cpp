@@ -7,6 +7,7 @@
 
 #include <libpq-fe.h>
 
+#include "base/translation.h"
 #include "central/socket_wait.h"
 
 namespace vrx {
@@ -97,7 +98,7 @@ std::int64_t CentralRows::Number(int row, int column) const {
   std::int64_t number = 0;
   const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), number);
   if (!text.empty() && (error != std::errc() || end != text.data() + text.size())) {
-    throw CentralError("The central database answered \"" + text + "\" instead of a number.", {});
+    throw CentralError(Tr("the central database answered \"%1\" instead of a number", {text}), {});
   }
   return number;
 }
@@ -137,7 +138,7 @@ void CentralConnection::Connect(const std::string& connection) {
   values.push_back(nullptr);
   connection_.reset(PQconnectStartParams(keywords.data(), values.data(), 1), PQfinish);
   if (connection_ == nullptr) {
-    throw CentralError("There is not enough memory to connect.", {});
+    throw CentralError(Tr("there is not enough memory to connect"), {});
   }
   const auto end = std::chrono::steady_clock::now() + std::chrono::seconds(options.timeout);
   auto next = PGRES_POLLING_WRITING;
@@ -147,7 +148,7 @@ void CentralConnection::Connect(const std::string& connection) {
     }
     if (std::chrono::steady_clock::now() > end) {
       throw CentralError(
-          "The server did not answer within " + std::to_string(options.timeout) + " seconds.", {});
+          Tr("the server did not answer within %1 seconds", {std::to_string(options.timeout)}), {});
     }
     Wait(next == PGRES_POLLING_READING ? Direction::kRead : Direction::kWrite);
     next = PQconnectPoll(connection_.get());
@@ -191,13 +192,14 @@ void CentralConnection::Flush() {
 
 void CentralConnection::Check() const {
   if (connection_ == nullptr) {
-    throw CentralError("The connection to the central database is closed.", {});
+    throw CentralError(Tr("the connection to the central database is lost"), {});
   }
 }
 
 void CentralConnection::FailAsConnection() const {
   std::string words = OnOneLine(PQerrorMessage(connection_.get()));
-  throw CentralError(words.empty() ? "The connection to the central database is lost." : words, {});
+  throw CentralError(words.empty() ? Tr("the connection to the central database is lost") : words,
+                     {});
 }
 
 void CentralConnection::Send(const std::string& sql, const Values& values) {
@@ -205,7 +207,7 @@ void CentralConnection::Send(const std::string& sql, const Values& values) {
   std::vector<const char*> texts;
   for (const auto& value : values) {
     if (value && value->find('\0') != std::string::npos) {
-      throw CentralError("A text with the character U+0000 cannot be stored.", {});
+      throw CentralError(Tr("a text has a character that the central database cannot store"), {});
     }
     texts.push_back(value ? value->c_str() : nullptr);
   }
@@ -369,9 +371,9 @@ std::string CentralConnection::Protection() const {
   }
   const std::string host = PQhost(connection_.get());
   if (host.empty() || host.starts_with('/') || host.starts_with('@')) {
-    return "a socket of this machine";
+    return Tr("a socket of this machine");
   }
-  return "not encrypted (sslmode=" + sslmode_ + ")";
+  return Tr("not encrypted (sslmode=%1)", {sslmode_});
 }
 
 std::string CentralConnection::Target() const {
