@@ -183,7 +183,7 @@ class CentralFigures : public InsightTest {
 // Every yard is asked about by the superuser.
 void CentralFigures::CheckAccuracy() {
   using enum AccuracyKey;
-  const std::vector<std::tuple<AccuracyKey, std::string, bool>> kKeys = {
+  const std::vector<std::tuple<AccuracyKey, std::string, bool>> keys = {
       {kIngredient, "own_ingredient", false},
       {kIngredient, "ingredient", false},
       {kRecipe, "recipe", false},
@@ -195,16 +195,17 @@ void CentralFigures::CheckAccuracy() {
       {kOperator, "operator", true},
       {kDay, "day", true},
   };
-  for (const auto& [key, name, deliveries] : kKeys) {
+  for (const auto& [key, name, deliveries] : keys) {
     SCOPED_TRACE(name);
     std::map<std::string, std::map<std::string, std::vector<AccuracyLine>>> there;
     for (const std::string unit : {"LB", "KG"}) {
       there[unit] = CentralAccuracy(name, unit, deliveries);
     }
-    ForEachYard([&](SQLite::Database& yard, const std::string& yard_name, const std::string& unit) {
+    ForEachYard([&, by = key, of_deliveries = deliveries](
+                    SQLite::Database& yard, const std::string& yard_name, const std::string& unit) {
       std::vector<AccuracyLine> here;
       for (const AccuracyGroup& group :
-           ReadAccuracy(yard, {.deliveries = deliveries, .by = {key}}).groups) {
+           ReadAccuracy(yard, {.deliveries = of_deliveries, .by = {by}}).groups) {
         here.push_back(LineOf(Words(group.key[0]), group.figures));
       }
       ExpectEqual(there[unit][yard_name], here);

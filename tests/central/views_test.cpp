@@ -2,7 +2,6 @@
 #include <string>
 #include <vector>
 
-#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 #include "central/administration.h"
@@ -11,8 +10,6 @@
 
 namespace vrx::testing {
 namespace {
-
-using ::testing::HasSubstr;
 
 class Views : public CentralFixture {
  protected:

@@ -19,7 +19,7 @@
 namespace vrx::testing {
 
 // A billionth of a unit of weight. Products of two weights fit.
-__extension__ typedef __int128 Wide;
+__extension__ typedef __int128 Wide;  // NOLINT(modernize-use-using): no alias can be marked
 inline constexpr std::int64_t kBillion = 1'000'000'000;
 
 struct ModelRow {

@@ -56,8 +56,8 @@ CentralServer& CentralServer::Get() {
 }
 
 fs::path CentralServer::ProgramPath(const std::string& name) {
-  static const fs::path kPrograms = FindPrograms();
-  return kPrograms / name;
+  static const fs::path programs = FindPrograms();
+  return programs / name;
 }
 
 CentralServer::CentralServer() {
@@ -92,7 +92,7 @@ void CentralServer::Start() {
         folder_.Path().string(), Program::User::kNobody);
     while (!server_->Ended()) {
       try {
-        CentralConnection(Connection("postgres"));
+        const CentralConnection ready(Connection("postgres"));
         return;
       } catch (const CentralError&) {
         std::this_thread::sleep_for(std::chrono::milliseconds{20});
@@ -140,7 +140,7 @@ std::string CentralServer::Connection(const std::string& database, const std::st
 std::string CentralServer::NewName() { return "central" + std::to_string(++databases_); }
 
 std::string CentralServer::MakeDatabase() {
-  const std::string name = NewName();
+  std::string name = NewName();
   CentralConnection(Connection("postgres")).Query("CREATE DATABASE " + name);
   return name;
 }
@@ -151,7 +151,7 @@ std::string CentralServer::MakeCentralDatabase() {
     CentralConnection server(Connection(template_));
     InitCentral(server);
   }
-  const std::string name = NewName();
+  std::string name = NewName();
   CentralConnection server(Connection("postgres"));
   server.Query("CREATE DATABASE " + name + " TEMPLATE " + template_);
   // Rights on the database itself are not copied.
