@@ -32,24 +32,37 @@ CREATE OR REPLACE TRIGGER prove BEFORE INSERT ON vrx.push
   FOR EACH ROW EXECUTE FUNCTION vrx.prove_push();
 
 -- Adds the days of the batches that have rows in a range. Rows of an import whose unit is open do
--- not count. A nested loop would search the rows that the statement itself adds.
+-- not count. What is known is read beforehand: without statistics, the planner would join by loops
+-- over what the statement itself adds.
 CREATE OR REPLACE FUNCTION vrx.add_batch_days(yard_id uuid, source_id uuid, from_row bigint,
                                               to_row bigint) RETURNS void
-LANGUAGE plpgsql SET search_path = pg_catalog, pg_temp SET enable_nestloop = off AS $$
+LANGUAGE plpgsql SET search_path = pg_catalog, pg_temp AS $$
+DECLARE
+  low bigint;
+  high bigint;
+  with_load bigint[];
+  without_load bigint[];
+  open_imports bigint[];
 BEGIN
+  SELECT min(r.batch), max(r.batch) INTO low, high
+    FROM (SELECT t.batch FROM vrx.transaction t WHERE t.yard = yard_id AND t.source = source_id
+            AND t.row BETWEEN from_row AND to_row OFFSET 0) r;
+  SELECT coalesce(array_agg(d.batch) FILTER (WHERE d.of_load), '{}'),
+         coalesce(array_agg(d.batch) FILTER (WHERE NOT d.of_load), '{}')
+    INTO with_load, without_load FROM vrx.batch_day d
+    WHERE d.yard = yard_id AND d.source = source_id AND d.batch BETWEEN low AND high;
+  SELECT coalesce(array_agg(o.import), '{}') INTO open_imports FROM vrx.import_in_other_unit o
+    WHERE o.yard_id = add_batch_days.yard_id AND o.source = source_id AND o.use = 'open';
   INSERT INTO vrx.batch_day (yard, source, batch, of_load, day)
     SELECT yard_id, source_id, f.batch, f.of_load, f.day
-    FROM (SELECT DISTINCT ON (t.batch) t.batch, t.type = 'BATCH' AS of_load, t.day
-            FROM vrx.transaction t
-            WHERE t.yard = yard_id AND t.source = source_id AND t.row BETWEEN from_row AND to_row
-              AND t.type IN ('BATCH', 'FEED')
-              AND (t.import IS NULL OR t.import NOT IN (
-                SELECT o.import FROM vrx.import_in_other_unit o
-                WHERE o.yard_id = add_batch_days.yard_id AND o.source = source_id
-                  AND o.use = 'open'))
-            ORDER BY t.batch, t.type, t.row) f
-    WHERE NOT EXISTS (SELECT FROM vrx.batch_day d WHERE d.yard = yard_id
-      AND d.source = source_id AND d.batch = f.batch AND (d.of_load OR NOT f.of_load));
+    FROM (SELECT DISTINCT ON (r.batch) r.batch, r.type = 'BATCH' AS of_load, r.day
+            FROM (SELECT t.batch, t.type, t.row, t.day, t.import FROM vrx.transaction t
+                    WHERE t.yard = yard_id AND t.source = source_id
+                      AND t.row BETWEEN from_row AND to_row OFFSET 0) r
+            WHERE r.type IN ('BATCH', 'FEED')
+              AND (r.import IS NULL OR r.import <> ALL (open_imports))
+            ORDER BY r.batch, r.type, r.row) f
+    WHERE f.batch <> ALL (with_load) AND (f.of_load OR f.batch <> ALL (without_load));
 END
 $$;
 
