@@ -5,10 +5,10 @@
 #include <utility>
 
 #include "insight/accuracy_figures.h"
-#include "insight/batch_parts.h"
 #include "insight/batch_weights.h"
 #include "insight/batches.h"
 #include "insight/deviations.h"
+#include "insight/record_parts.h"
 #include "insight/record_reader.h"
 
 namespace vrx {

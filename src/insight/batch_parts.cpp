@@ -1,5 +1,3 @@
-#include "insight/batch_parts.h"
-
 #include <array>
 #include <cstddef>
 #include <cstdint>
@@ -11,6 +9,7 @@
 
 #include "database/connection.h"
 #include "insight/days.h"
+#include "insight/record_parts.h"
 
 namespace vrx {
 namespace {

@@ -4,9 +4,9 @@
 #include <utility>
 
 #include "insight/accuracy.h"
-#include "insight/batch_parts.h"
 #include "insight/exact.h"
 #include "insight/names.h"
+#include "insight/record_parts.h"
 #include "insight/record_reader.h"
 
 namespace vrx {

@@ -5,8 +5,8 @@
 
 #include "database/connection.h"
 #include "insight/names.h"
-#include "insight/pen_days.h"
 #include "insight/pens.h"
+#include "insight/record_parts.h"
 #include "insight/record_reader.h"
 
 namespace vrx {

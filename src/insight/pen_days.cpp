@@ -1,5 +1,3 @@
-#include "insight/pen_days.h"
-
 #include <algorithm>
 #include <set>
 #include <string>
@@ -13,7 +11,7 @@
 #include "database/connection.h"
 #include "database/schema.h"
 #include "database/transactions.h"
-#include "insight/batch_parts.h"
+#include "insight/record_parts.h"
 
 namespace vrx {
 

@@ -4,10 +4,10 @@
 #include <unordered_map>
 #include <utility>
 
-#include "insight/batch_parts.h"
 #include "insight/batches.h"
 #include "insight/deviations.h"
 #include "insight/names.h"
+#include "insight/record_parts.h"
 #include "insight/record_reader.h"
 
 namespace vrx {

@@ -4,8 +4,8 @@
 #include <utility>
 
 #include "insight/accuracy_figures.h"
-#include "insight/batch_parts.h"
 #include "insight/pens.h"
+#include "insight/record_parts.h"
 #include "insight/record_reader.h"
 
 namespace vrx {
