@@ -93,8 +93,7 @@ constexpr const char* kFileBatches =
     "feeds, Rows AS rows FROM ImportedBatches WHERE Import > ?1 AND Import <= ?2";
 
 std::string InsertInto(const std::string& table) {
-  return "INSERT INTO vrx." + table + " SELECT r.* FROM json_populate_recordset(NULL::vrx." +
-         table +
+  return "INSERT INTO " + table + " SELECT r.* FROM json_populate_recordset(NULL::" + table +
          ", (SELECT json_agg(to_jsonb(j.value) || jsonb_build_object('yard', $1::text, 'source', "
          "$2::text)) FROM json_array_elements($3::json) AS j)) AS r";
 }
@@ -106,7 +105,7 @@ std::int64_t PushImports(CentralConnection& server, SQLite::Database& database,
   }
   std::int64_t imports = 0;
   for (const auto& [query_text, table] :
-       {std::pair{kFileImports, "import"}, std::pair{kFileBatches, "imported_batch"}}) {
+       {std::pair{kFileImports, "vrx.import"}, std::pair{kFileBatches, "vrx.imported_batch"}}) {
     SQLite::Statement query(database, query_text);
     query.bind(1, order.after_import);
     query.bind(2, portion.last_import);

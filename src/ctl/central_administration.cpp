@@ -22,7 +22,7 @@ class CentralInitCommand : public Command {
     CLI::App* command = app.add_subcommand(
         "init", "Make or upgrade the schema and the roles; for the administrator");
     options_.RegisterServer(*command);
-    AddExamples(*command, {{"central init --server 'host=db.example.com dbname=feed user=admin'",
+    AddExamples(*command, {{"central init --server postgresql://admin@db.example.com/feed",
                             "The database must exist; its encoding is UTF8."}});
     return command;
   }
@@ -94,8 +94,8 @@ class CentralAliasCommand : public Command {
     command->add_option("name", name_, "Name in the yard")->required();
     command->add_option("company-name", company_name_, "Name in figures; '' removes the alias")
         ->required();
-    AddExamples(*command, {{"central alias --yard North CORN 'FLAKED CORN'",
-                            "The figures of North's CORN are FLAKED CORN's."}});
+    AddExamples(*command, {{"central alias --yard North CORN FLAKED-CORN",
+                            "The figures of North's CORN are FLAKED-CORN's."}});
     return command;
   }
 
@@ -136,7 +136,7 @@ class CentralWithdrawCommand : public Command {
     command->add_option("--why", order_.why, "The reason, for the journal")
         ->type_name("TEXT")
         ->required();
-    AddExamples(*command, {{"central " + name + " --source UUID --rows 1201-1260 --why 'fed twice'",
+    AddExamples(*command, {{"central " + name + " --source UUID --rows 1201-1260 --why fed-twice",
                             "Writes the number of rows."}});
     return command;
   }
