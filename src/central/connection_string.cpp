@@ -50,9 +50,15 @@ Options Complete(const std::string& connection) {
   const std::array<const char*, 3> values{connection.c_str(), kNoPort, nullptr};
   const std::unique_ptr<PGconn, decltype(&PQfinish)> probe(
       PQconnectStartParams(keywords.data(), values.data(), 1), PQfinish);
-  Options options = probe == nullptr ? Options() : Stated(PQconninfo(probe.get()));
-  if (options.empty()) {
+  if (probe == nullptr) {
     throw ConnectionStringError(Tr("there is not enough memory to connect"));
+  }
+  Options options = Stated(PQconninfo(probe.get()));
+  if (options.empty()) {
+    // Such as a service that no file defines. The words quote no password: none is stated.
+    std::string words = PQerrorMessage(probe.get());
+    words.erase(words.find_last_not_of('\n') + 1);
+    throw ConnectionStringError(words);
   }
   return options;
 }

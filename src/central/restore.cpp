@@ -53,7 +53,7 @@ class CopyFields {
  private:
   std::string_view Take(std::size_t size) {
     if (size > bytes_.size()) {
-      throw CentralError("The central database sent a row that is cut off.", {});
+      throw CentralError(Tr("the central database sent a row that is cut off"), {});
     }
     const std::string_view taken = bytes_.substr(0, size);
     bytes_.remove_prefix(size);

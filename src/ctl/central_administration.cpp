@@ -22,7 +22,7 @@ class CentralInitCommand : public Command {
     CLI::App* command = app.add_subcommand(
         "init", "Make or upgrade the schema and the roles; for the administrator");
     options_.RegisterServer(*command);
-    AddExamples(*command, {{"central init --server postgresql://admin@db.example.com/feed",
+    AddExamples(*command, {{"central init --server service=company",
                             "The database must exist; its encoding is UTF8."}});
     return command;
   }
@@ -63,8 +63,10 @@ class CentralAddYardCommand : public Command {
     command->add_option("--login", login_, "Login of its program; a new one has no password")
         ->type_name("NAME")
         ->required();
-    AddExamples(*command, {{"central add-yard North --zone America/Chicago --login north",
-                            "Writes the yard's ID."}});
+    AddExamples(
+        *command,
+        {{"central add-yard --server service=company North --zone America/Chicago --login north",
+          "Writes the yard's ID."}});
     return command;
   }
 
@@ -94,7 +96,7 @@ class CentralAliasCommand : public Command {
     command->add_option("name", name_, "Name in the yard")->required();
     command->add_option("company-name", company_name_, "Name in figures; '' removes the alias")
         ->required();
-    AddExamples(*command, {{"central alias --yard North CORN FLAKED-CORN",
+    AddExamples(*command, {{"central alias --server service=company --yard North CORN FLAKED-CORN",
                             "The figures of North's CORN are FLAKED-CORN's."}});
     return command;
   }
@@ -136,8 +138,10 @@ class CentralWithdrawCommand : public Command {
     command->add_option("--why", order_.why, "The reason, for the journal")
         ->type_name("TEXT")
         ->required();
-    AddExamples(*command, {{"central " + name + " --source UUID --rows 1201-1260 --why fed-twice",
-                            "Writes the number of rows."}});
+    AddExamples(*command,
+                {{"central " + name +
+                      " --server service=company --source UUID --rows 1201-1260 --why fed-twice",
+                  "Writes the number of rows."}});
     return command;
   }
 

@@ -30,8 +30,8 @@ class CentralCommand : public Command {
     }
     AddExamples(*command, {{"central push --server service=company --yard North JANUARY.TDB",
                             "Takes the records that the central database lacks there."},
-                           {"central verify JANUARY.TDB",
-                            "Compares both; the settings name the server and the yard."}});
+                           {"central verify --server service=company --yard North JANUARY.TDB",
+                            "Compares the file with the central database."}});
     return command;
   }
 

@@ -93,9 +93,9 @@ class CentralStatusCommand : public Command {
     options_.RegisterYard(*command);
     command->add_option("tdb", file_, kTransactionFile);
     output_.RegisterJson(*command);
-    AddExamples(*command,
-                {{"central status --server service=company", "The sources of all yards."},
-                 {"central status JANUARY.TDB", "What waits; the settings name the server."}});
+    AddExamples(*command, {{"central status --server service=company", "The sources of all yards."},
+                           {"central status --server service=company --yard North JANUARY.TDB",
+                            "What of a file waits."}});
     return command;
   }
 
@@ -153,8 +153,8 @@ class CentralVerifyCommand : public Command {
     options_.RegisterYard(*command);
     command->add_option("tdb", file_, kTransactionFile)->required();
     output_.RegisterJson(*command);
-    AddExamples(*command,
-                {{"central verify JANUARY.TDB", "Exits 1 and names the rows that differ."}});
+    AddExamples(*command, {{"central verify --server service=company --yard North JANUARY.TDB",
+                            "Exits 1 and names the rows that differ."}});
     return command;
   }
 
@@ -215,8 +215,8 @@ class CentralRestoreCommand : public Command {
         ->type_name("NEW.TDB")
         ->required();
     output_.RegisterJson(*command);
-    AddExamples(*command, {{"central restore --yard North --out NORTH.TDB",
-                            "The settings name the server."}});
+    AddExamples(*command, {{"central restore --server service=company --yard North --out NORTH.TDB",
+                            "A new file with all that was pushed of a lost one."}});
     return command;
   }
 

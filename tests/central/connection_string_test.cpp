@@ -2,6 +2,7 @@
 #include <fstream>
 #include <string>
 
+#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 #include "central/server.h"
@@ -82,6 +83,18 @@ TEST(ConnectionString, TheHostOfTheServiceFileCounts) {
   const Environment file("PGSERVICEFILE",
                          folder.Write("services", "[company]\nhost=db.example\n").string());
   EXPECT_EQ(ReadConnectionString("service=company").sslmode, "verify-full");
+}
+
+TEST(ConnectionString, AnUnknownServiceIsNamed) {
+  const TempFolder folder;
+  const Environment file("PGSERVICEFILE", folder.Write("services", "").string());
+  try {
+    (void)ReadConnectionString("service=nowhere");
+    ADD_FAILURE() << "an unknown service is accepted";
+  } catch (const ConnectionStringError& error) {
+    EXPECT_THAT(error.what(), ::testing::HasSubstr("\"nowhere\""));
+    EXPECT_THAT(error.what(), ::testing::Not(::testing::EndsWith("\n")));
+  }
 }
 
 TEST(ConnectionString, AModeOfTheEnvironmentStays) {

@@ -134,6 +134,9 @@ std::string MissingTo(const std::string& example) {
       return file;
     }
   }
+  if (example.find("service=company") != std::string::npos) {
+    return "company";
+  }
   return example.find(" --port ") != std::string::npos ? "no-port" : "";
 }
 
