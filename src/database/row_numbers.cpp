@@ -1,5 +1,3 @@
-#include "database/central_source.h"
-
 #include <cstdint>
 #include <string>
 
@@ -10,6 +8,7 @@
 
 #include "base/translation.h"
 #include "base/undo.h"
+#include "database/central_source.h"
 #include "database/connection.h"
 #include "database/schema.h"
 

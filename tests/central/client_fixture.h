@@ -7,8 +7,8 @@
 
 #include <gtest/gtest.h>
 
-#include "central/transfer.h"
 #include "central/server.h"
+#include "central/transfer.h"
 #include "support/central_server.h"
 #include "support/fixed_calendar.h"
 #include "support/temp_folder.h"

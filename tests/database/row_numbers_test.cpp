@@ -1,11 +1,10 @@
-#include "database/central_source.h"
-
 #include <string>
 
 #include <SQLiteCpp/Column.h>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include "database/central_source.h"
 #include "database/connection.h"
 #include "database/schema.h"
 #include "support/database_files.h"

@@ -72,10 +72,9 @@ TEST_F(UnitQuestion, YesLabelsTheFileAndDatesIt) {
   Open(kTransaction, transactions);
   operator_.answers = {Answer::kYes, Answer::kYes};
   databases_.AskAboutUnits();
-  EXPECT_THAT(diary_,
-              ElementsAre("box Weight Units", "end reads recipe", "panel recipe 4 [LB]",
-                          "unit recipe [LB]", "box Weight Units", "end reads transaction",
-                          "panel transaction 4 [LB]", "unit transaction [LB]"));
+  EXPECT_THAT(diary_, ElementsAre("box Weight Units", "end reads recipe", "panel recipe 4 [LB]",
+                                  "unit recipe [LB]", "box Weight Units", "end reads transaction",
+                                  "panel transaction 4 [LB]", "unit transaction [LB]"));
   for (const fs::path& path : {metric_, transactions}) {
     EXPECT_EQ(UnitOf(path), "LB");
     EXPECT_THAT(Ask(path, "SELECT Modified FROM History"), ElementsAre("2026-01-05"));
