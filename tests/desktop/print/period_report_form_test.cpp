@@ -3,6 +3,9 @@
 #include <QLineEdit>
 #include <QProgressBar>
 #include <QRadioButton>
+#include <set>
+#include <string>
+#include <vector>
 
 #include <gmock/gmock.h>
 
@@ -146,16 +149,22 @@ TEST_F(ReportForm, StaysAfterAFailure) {
 TEST_F(ReportForm, TabGoesThroughItInOrder) {
   ShowTab();
   InForm([](QWidget& form) {
+    // A group of options has one place in the order once its window is active, which the platform
+    // decides when it likes. Before that Tab visits each option.
+    const std::set<std::string> other_options{"optReportMonth", "optReportHtml"};
     std::vector<std::string> order;
     form.activateWindow();
     In<QRadioButton>(form, "optReportWeek").setFocus();
-    for (int i = 0; i < 8; ++i) {
-      order.push_back(form.focusWidget()->objectName().toStdString());
+    while (order.size() < 7) {
+      if (const std::string name = form.focusWidget()->objectName().toStdString();
+          !other_options.contains(name)) {
+        order.push_back(name);
+      }
       QTest::keyClick(form.focusWidget(), Qt::Key_Tab);
     }
-    EXPECT_THAT(order, ElementsAre("optReportWeek", "optReportMonth", "txtReportDay",
-                                   "txtReportDayCalendar", "optReportPdf", "optReportHtml",
-                                   "chkReportOpen", "cmdReportSave"));
+    EXPECT_THAT(order,
+                ElementsAre("optReportWeek", "txtReportDay", "txtReportDayCalendar", "optReportPdf",
+                            "chkReportOpen", "cmdReportSave", "cmdReportCancel"));
     QTest::keyClick(&form, Qt::Key_Escape);
   });
 }
