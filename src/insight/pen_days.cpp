@@ -84,8 +84,9 @@ std::optional<DayNumber> PenSearch::DayAfter(const std::string& pen, DayNumber d
 
 bool PenSearch::HasRowsAfter(DayNumber day) {
   if (after_ != day) {
+    // Of a plain rowid SQLite would read the table up to the first such row.
     SQLite::Statement first(database_,
-                            "SELECT min(rowid) FROM Transactions WHERE [Date] > " + DayText(day));
+                            "SELECT min(+rowid) FROM Transactions WHERE [Date] > " + DayText(day));
     first.executeStep();
     const SQLite::Column rowid = first.getColumn(0);
     first_after_ = rowid.isNull() ? std::nullopt : std::optional(rowid.getInt64());
