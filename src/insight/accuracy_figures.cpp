@@ -1,5 +1,6 @@
 #include "insight/accuracy_figures.h"
 
+#include <compare>
 #include <string_view>
 #include <vector>
 
@@ -32,7 +33,7 @@ AccuracyTests::AccuracyTests(const AccuracyLimits& limits, WeightUnit unit)
 
 bool AccuracyTests::IsWithin(const Exact& amount, const Exact& target) const {
   return amount <= division_ ||
-         CompareProducts(amount, Exact::Whole(kAllPercent), target, percent_) < 0;
+         std::is_lt(CompareProducts(amount, Exact::Whole(kAllPercent), target, percent_));
 }
 
 bool AccuracyTests::IsWithinWeight(const Exact& amount) const {

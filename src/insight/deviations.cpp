@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <array>
+#include <compare>
 #include <cstddef>
 #include <limits>
 
@@ -51,7 +52,7 @@ bool Deviations::IsLess(const Small& left, const Small& right) {
 }
 
 bool Deviations::IsLess(const Large& left, const Large& right) {
-  return CompareProducts(left.difference, right.target, right.difference, left.target) < 0;
+  return std::is_lt(CompareProducts(left.difference, right.target, right.difference, left.target));
 }
 
 Deviations::Large Deviations::Whole(const Small& small) {
@@ -104,7 +105,7 @@ class Deviations::SortedSets {
     for (;;) {
       const auto& largest = *std::ranges::max_element(
           parts, {}, [](const std::span<const Kind>& part) { return part.size(); });
-      const Kind middle = largest[largest.size() / 2];
+      Kind middle = largest[largest.size() / 2];
       std::size_t below = 0;
       std::size_t up_to = 0;
       for (const std::span<const Kind> part : parts) {
@@ -135,7 +136,7 @@ Quartiles Deviations::QuartilesOf(const SortedSets<Kind>& sets, const Exact& low
   const auto find = [&](std::size_t quarter) {
     const Place place(sets.Count(), quarter);
     const auto pair = sets.Find(place.below);
-    const Large value = Whole(pair.at);
+    Large value = Whole(pair.at);
     if (place.fourths == 0) {
       return value;
     }

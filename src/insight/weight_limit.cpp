@@ -1,6 +1,7 @@
 #include "insight/weight_limit.h"
 
 #include <cmath>
+#include <compare>
 #include <cstdint>
 
 #include "insight/question.h"
@@ -42,7 +43,7 @@ int LimitTest::Compare(const Exact& weight) const {
   const auto order = factor_.Sign() == 0
                          ? weight <=> limit_
                          : CompareProducts(weight, factor_, limit_, Exact::Whole(1));
-  return order < 0 ? -1 : (order > 0 ? 1 : 0);
+  return std::is_lt(order) ? -1 : (std::is_gt(order) ? 1 : 0);
 }
 
 Exact CheckedLimit(double limit, std::string_view name) {
