@@ -6,8 +6,8 @@
 
 namespace vrx {
 
-// Years of days are more shapes than a picture has columns. What can be told apart remains: the
-// time to draw depends on the width of the picture and not on the days.
+// Years of days are more shapes than a picture has columns. Shapes that would cover each other are
+// left out, so that the time to draw depends on the width of the picture and not on the days.
 
 // A path of lines from left to right, without the points that are hidden in their column: its
 // highest and its lowest point remain. A gap within a column is closed.
