@@ -39,13 +39,25 @@ struct HeldBatch {
   bool counts = false;  // has a row up to the day
 };
 
-// Years have millions of them.
-struct HeldDelivery {
-  std::uint32_t batch;
-  DayNumber day;
-  std::int16_t minute;  // of the day
+// Years have millions of them, so batch and time share eight bytes.
+class HeldDelivery {
+ public:
+  HeldDelivery(std::uint32_t batch, Minutes time)
+      : packed_((static_cast<std::uint64_t>(time - kFirst) << kBatchBits) | batch) {}
 
-  [[nodiscard]] Minutes Time() const { return day * kMinutesADay + minute; }
+  [[nodiscard]] std::uint32_t Batch() const {
+    return static_cast<std::uint32_t>(packed_ & ((std::uint64_t{1} << kBatchBits) - 1));
+  }
+  [[nodiscard]] Minutes Time() const {
+    return static_cast<Minutes>(packed_ >> kBatchBits) + kFirst;
+  }
+
+ private:
+  // 33 bits are enough for the minutes from 0000-01-01 to 9999-12-31.
+  static constexpr unsigned kBatchBits = 31;
+  static constexpr Minutes kFirst = -719528 * kMinutesADay;
+
+  std::uint64_t packed_;
 };
 
 struct HeldPen {
@@ -97,33 +109,42 @@ void AddImports(SQLite::Database& database, const InsightNotes& notes,
   }
 }
 
-// Rows that no store accounts for: the first ones of each transaction that has more than its stores
-// have written.
-void AddUnrecorded(SQLite::Database& database, std::vector<Incomplete>& incomplete) {
-  const std::string recorded =
-      HasImportTables(database)
-          ? "(SELECT ifnull(sum(Rows), 0) FROM ImportedBatches WHERE [Transaction] = Number)"
-          : "0";
+void AddDays(SQLite::Statement& query, std::set<DayNumber>& days) {
+  while (query.executeStep()) {
+    days.insert(ToDayNumber(ParseStoredDate(query.getColumn(0).getString())));
+  }
+}
+
+// The days of the first rows of each transaction that has more than its stores have written.
+void AddDaysOfMore(SQLite::Database& database, std::set<DayNumber>& days) {
   SQLite::Statement more(
       database,
-      "SELECT Number, Stored - " + recorded +
-          " AS More FROM (SELECT [Transaction] AS Number, count(*) AS Stored FROM Transactions "
-          "GROUP BY [Transaction]) WHERE More > 0 OR Number IS NULL");
+      "SELECT Number, (SELECT count(*) FROM Transactions WHERE [Transaction] = Number) - Recorded "
+      "AS More FROM (SELECT [Transaction] AS Number, sum(Rows) AS Recorded FROM ImportedBatches "
+      "WHERE [Transaction] IS NOT NULL GROUP BY [Transaction]) WHERE Recorded > 0 AND More > 0");
   SQLite::Statement rows(database,
-                         "SELECT [Date] FROM Transactions WHERE [Transaction] IS ?1 ORDER BY rowid "
+                         "SELECT [Date] FROM Transactions WHERE [Transaction] = ?1 ORDER BY rowid "
                          "LIMIT ?2");
-  std::set<DayNumber> days;
   while (more.executeStep()) {
     rows.reset();
-    if (more.getColumn(0).isNull()) {
-      rows.bind(1);
-    } else {
-      rows.bind(1, more.getColumn(0).getInt64());
-    }
+    rows.bind(1, more.getColumn(0).getInt64());
     rows.bind(2, more.getColumn(1).getInt64());
-    while (rows.executeStep()) {
-      days.insert(ToDayNumber(ParseStoredDate(rows.getColumn(0).getString())));
-    }
+    AddDays(rows, days);
+  }
+}
+
+// Rows that no store accounts for.
+void AddUnrecorded(SQLite::Database& database, std::vector<Incomplete>& incomplete) {
+  const bool has_imports = HasImportTables(database);
+  SQLite::Statement without_import(
+      database, std::string("SELECT DISTINCT [Date] FROM Transactions") +
+                    (has_imports ? " WHERE NOT EXISTS (SELECT 1 FROM ImportedBatches WHERE "
+                                   "[Transaction] = Transactions.[Transaction] AND Rows > 0)"
+                                 : ""));
+  std::set<DayNumber> days;
+  AddDays(without_import, days);
+  if (has_imports) {
+    AddDaysOfMore(database, days);
   }
   for (const DayNumber day : days) {
     Incomplete found{.why = "rows that no import accounts for"};
@@ -204,8 +225,8 @@ class HoldingAnswer {
     if (record.day != kNoDay) {
       batch.left -= record.actual;
       const std::int64_t seconds = std::max(record.seconds, 0);
-      pen.deliveries.push_back(
-          {record.batch, record.day, static_cast<std::int16_t>(seconds / kSecondsAMinute)});
+      pen.deliveries.emplace_back(record.batch,
+                                  record.day * kMinutesADay + seconds / kSecondsAMinute);
     }
   }
 
@@ -236,7 +257,7 @@ class HoldingAnswer {
     }
     std::ranges::stable_sort(pen.deliveries, {}, &HeldDelivery::Time);
     for (const HeldDelivery& delivery : pen.deliveries) {
-      if (batches_[delivery.batch].held) {
+      if (batches_[delivery.Batch()].held) {
         state.last = delivery.Time();
         state.since = std::nullopt;
         state.leftover.clear();
@@ -245,8 +266,8 @@ class HoldingAnswer {
       if (state.last && !state.since) {
         state.since = delivery.Time();
       }
-      if (const auto follower = followers_.find(delivery.batch); follower != followers_.end()) {
-        state.leftover = "batch " + std::to_string(*reader_->Batches()[delivery.batch].Number()) +
+      if (const auto follower = followers_.find(delivery.Batch()); follower != followers_.end()) {
+        state.leftover = "batch " + std::to_string(*reader_->Batches()[delivery.Batch()].Number()) +
                          " may have had what was left of batch " + std::to_string(follower->second);
       }
     }

@@ -345,7 +345,11 @@ void RecordReader::FindDays() {
 }
 
 void RecordReader::ChooseByName() {
-  unsigned flags = kReadBoth | kReadBatch;
+  // The first row of a batch and its day can be of either type.
+  const bool needs_both = !days_known_ || question_.recipe || question_.operator_id;
+  unsigned flags = kReadBatch;
+  flags |= needs_both || question_.ingredient ? kReadLoads : 0U;
+  flags |= needs_both || question_.pen ? kReadDeliveries : 0U;
   flags |= question_.recipe ? kReadRecipe : 0U;
   flags |= question_.operator_id ? kReadOperator : 0U;
   flags |= question_.ingredient ? kReadIngredient : 0U;
