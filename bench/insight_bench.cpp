@@ -37,6 +37,10 @@ constexpr double kShellLimit = 1.0;
 constexpr double kMemoryLimit = 100;  // MB
 constexpr int kDaysOfMonth = 30;
 
+// The command line writes each line at once.
+template <typename Line>
+void Drop(Line&& /*line*/) {}
+
 struct Asked {
   std::string name;
   std::function<void(SQLite::Database&, const Question&)> answer;
@@ -63,33 +67,42 @@ std::vector<Asked> Questions() {
          static_cast<void>(ReadAccuracy(
              database, {.about = about, .deliveries = true, .by = {AccuracyKey::kPen}}));
        }},
+      {"accuracy of deliveries by day and pen",
+       [](auto& database, const Question& about) {
+         static_cast<void>(StreamAccuracy(
+             database,
+             {.about = about, .deliveries = true, .by = {AccuracyKey::kDay, AccuracyKey::kPen}},
+             Drop<AccuracyGroup>));
+       }},
       {"single loads",
        [](auto& database, const Question& about) {
          static_cast<void>(ReadLoads(database, {.about = about}));
        }},
       {"composition",
        [](auto& database, const Question& about) {
-         static_cast<void>(ReadComposition(database, about));
+         static_cast<void>(StreamComposition(database, about, Drop<CompositionLine>));
        }},
       {"balance",
        [](auto& database, const Question& about) {
-         static_cast<void>(ReadBalance(database, {.about = about, .all = true}));
+         static_cast<void>(
+             StreamBalance(database, {.about = about, .all = true}, Drop<BalanceLine>));
        }},
       {"times",
        [](auto& database, const Question& about) {
-         static_cast<void>(ReadTimes(database, {.about = about}));
+         static_cast<void>(StreamTimes(database, {.about = about}, Drop<BatchTimes>));
        }},
       {"delivered",
        [](auto& database, const Question& about) {
-         static_cast<void>(ReadDelivered(database, about));
+         static_cast<void>(StreamDelivered(database, about, {}, Drop<DeliveredLine>));
        }},
       {"trace of an ingredient",
        [named](auto& database, const Question& about) {
-         static_cast<void>(TraceIngredient(database, named(about, "CORN", "")));
+         static_cast<void>(
+             StreamTraceOfIngredient(database, named(about, "CORN", ""), Drop<TraceLine>));
        }},
       {"trace of a pen",
        [named](auto& database, const Question& about) {
-         static_cast<void>(TracePen(database, named(about, "", "A01")));
+         static_cast<void>(StreamTraceOfPen(database, named(about, "", "A01"), Drop<TraceLine>));
        }},
       {"completeness",
        [](auto& database, const Question& about) {

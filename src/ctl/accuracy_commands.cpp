@@ -91,10 +91,15 @@ class AccuracyCommand : public Command {
   int Run(Session& session) override {
     AccuracyQuestion question{.about = options_.About(), .deliveries = deliveries_, .by = Keys()};
     return options_.Run(session, [&](SQLite::Database& database, const InsightProgress& progress) {
-      SetLimits(question.limits, ReadWeightUnit(database));
-      const Accuracy answer = ReadAccuracy(database, question, progress);
+      const WeightUnit unit = ReadWeightUnit(database);
+      SetLimits(question.limits, unit);
+      AnswerWriter writer(session, options_.Form(), TableOf(Accuracy(), question),
+                          HeadOf(unit, LimitsIn(unit, question.limits)));
+      const Accuracy answer = StreamAccuracy(
+          database, question, [&](const AccuracyGroup& group) { writer.Write(RowOf(group)); },
+          progress);
+      Finish(session, writer, TableOf(answer, question), answer);
       WriteNotes(session, answer.notes);
-      Write(session, question, answer);
       return kDone;
     });
   }
@@ -121,31 +126,27 @@ class AccuracyCommand : public Command {
     limits.division = division_.value_or(limits.division);
   }
 
-  void Write(Session& session, const AccuracyQuestion& question, const Accuracy& answer) const {
-    std::ostream& out = session.Out();
-    const AnswerTable table = TableOf(answer, question);
-    if (options_.Form() == OutputForm::kJson) {
-      AnswerTable total = table;
-      total.rows = {table.total};
-      Json object = ToJson(total)[0];
-      object["key"] = Json::object();
-      WriteObject(out, OutputForm::kJson,
-                  {{"units", answer.notes.units},
-                   {"limits",
-                    {{"percent", answer.limits.percent},
-                     {"weight", answer.limits.weight.weight},
-                     {"beyond", answer.limits.beyond.weight},
-                     {"division", answer.limits.division}}},
-                   {"groups", ToJson(table)},
-                   {"total", object},
-                   {"yardstick", answer.yardstick ? ToJson(*answer.yardstick) : Json()}});
-      return;
-    }
-    WriteAnswer(session, options_.Form(), table);
+  static Json HeadOf(WeightUnit unit, const AccuracyLimits& limits) {
+    return {{"units", TextOf(unit)},
+            {"limits",
+             {{"percent", limits.percent},
+              {"weight", limits.weight.weight},
+              {"beyond", limits.beyond.weight},
+              {"division", limits.division}}},
+            {"groups", Json::array()}};
+  }
+
+  void Finish(Session& session, AnswerWriter& writer, const AnswerTable& table,
+              const Accuracy& answer) const {
+    Json total = ObjectOf(table, table.total);
+    total["key"] = Json::object();
+    writer.Finish(
+        table.total,
+        {{"total", total}, {"yardstick", answer.yardstick ? ToJson(*answer.yardstick) : Json()}});
     if (options_.Form() == OutputForm::kPlain && answer.yardstick) {
-      out << '\n';
+      session.Out() << '\n';
       for (const std::string& sentence : SentencesOf(*answer.yardstick)) {
-        out << sentence << '\n';
+        session.Out() << sentence << '\n';
       }
     }
   }

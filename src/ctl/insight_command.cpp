@@ -40,14 +40,6 @@ void SetCell(Json& object, std::string_view key, const AnswerCell& cell) {
   (*inner)[std::string(key)] = ToJson(cell);
 }
 
-Json ObjectOf(const AnswerTable& table, const AnswerRow& row) {
-  Json object = Json::object();
-  for (std::size_t i = 0; i < row.size(); ++i) {
-    SetCell(object, table.columns.at(i).key, row[i]);
-  }
-  return object;
-}
-
 std::vector<std::string> TextsOf(const AnswerTable& table, const AnswerRow& row) {
   std::vector<std::string> texts;
   for (std::size_t i = 0; i < row.size(); ++i) {
@@ -149,17 +141,28 @@ Json ToJson(const AnswerTable& table) {
   return rows;
 }
 
+Json ObjectOf(const AnswerTable& table, const AnswerRow& row) {
+  Json object = Json::object();
+  for (std::size_t i = 0; i < row.size(); ++i) {
+    SetCell(object, table.columns.at(i).key, row[i]);
+  }
+  return object;
+}
+
 void WriteAnswer(Session& session, OutputForm form, const AnswerTable& table) {
   AnswerWriter writer(session, form, table);
   for (const AnswerRow& row : table.rows) {
     writer.Write(row);
   }
-  writer.Finish();
+  writer.Finish(table.total);
 }
 
 void AnswerWriter::Begin() {
   if (form_ == OutputForm::kJson) {
-    session_.Out() << '[';
+    constexpr std::string_view kEnd = "]\n}";
+    std::string head = head_.empty() ? "[" : JsonText(head_, 0);
+    head.resize(head.size() - (head_.empty() ? 0 : kEnd.size()));
+    session_.Out() << head;
     return;
   }
   std::vector<std::string> headings;
@@ -175,22 +178,27 @@ void AnswerWriter::Write(const AnswerRow& row) {
     Begin();
   }
   if (form_ == OutputForm::kJson) {
-    session_.Out() << (has_row_ ? ",\n" : "\n") << JsonText(ObjectOf(table_, row), 1);
+    session_.Out() << (has_row_ ? ",\n" : "\n") << JsonText(ObjectOf(table_, row), Depth());
   } else {
     WriteLine(session_.Out(), form_, TextsOf(table_, row));
   }
   has_row_ = true;
 }
 
-void AnswerWriter::Finish() {
+void AnswerWriter::Finish(const AnswerRow& total, const Json& tail) {
   session_.Progress().Clear();
   if (!has_row_) {
     Begin();
   }
   if (form_ == OutputForm::kJson) {
-    session_.Out() << (has_row_ ? "\n]\n" : "]\n");
-  } else if (form_ == OutputForm::kPlain && has_row_ && !table_.total.empty()) {
-    WriteLine(session_.Out(), form_, TextsOf(table_, table_.total));
+    const std::string margin = head_.empty() ? "\n" : "\n  ";
+    session_.Out() << (has_row_ ? margin : "") << ']';
+    if (!head_.empty()) {
+      session_.Out() << ',' << JsonText(tail, 0).substr(1);
+    }
+    session_.Out() << '\n';
+  } else if (form_ == OutputForm::kPlain && has_row_ && !total.empty()) {
+    WriteLine(session_.Out(), form_, TextsOf(table_, total));
   }
 }
 

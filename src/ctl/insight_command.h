@@ -70,22 +70,28 @@ void WriteAnswer(Session& session, OutputForm form, const AnswerTable& table);
 // before the first row, so that a question without an answer leaves no output.
 class AnswerWriter {
  public:
-  // `table` has the columns.
-  AnswerWriter(Session& session, OutputForm form, AnswerTable table)
-      : session_(session), form_(form), table_(std::move(table)) {}
+  // `table` has the columns. As JSON the rows are an array, or fill the empty one that is the last
+  // member of `head`, an object.
+  AnswerWriter(Session& session, OutputForm form, AnswerTable table, Json head = {})
+      : session_(session), form_(form), table_(std::move(table)), head_(std::move(head)) {}
 
   void Write(const AnswerRow& row);
-  void Finish();
+  // `total` goes below a plain table only; `tail` has the members after the rows of an object.
+  void Finish(const AnswerRow& total = {}, const Json& tail = {});
 
  private:
   void Begin();
+  [[nodiscard]] int Depth() const { return head_.empty() ? 1 : 2; }  // of a row
 
   Session& session_;
   OutputForm form_;
   AnswerTable table_;
+  Json head_;
   bool has_row_ = false;
 };
-[[nodiscard]] Json ToJson(const AnswerTable& table);
+
+// A row, with inner objects for keys with a point.
+[[nodiscard]] Json ObjectOf(const AnswerTable& table, const AnswerRow& row);
 
 // null for nothing.
 template <typename Value>

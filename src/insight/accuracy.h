@@ -108,6 +108,13 @@ struct Accuracy {
 // Throws QuestionError, QuestionCancelled and DatabaseError.
 [[nodiscard]] Accuracy ReadAccuracy(SQLite::Database& database, const AccuracyQuestion& question,
                                     const InsightProgress& progress = {});
+// The same with each group passed to `take`. Memory does not grow with the groups if the first of
+// two keys is the day, week or month.
+Accuracy StreamAccuracy(SQLite::Database& database, const AccuracyQuestion& question,
+                        const TakeLine<AccuracyGroup>& take, const InsightProgress& progress = {});
+
+// The limits with weights in a unit.
+[[nodiscard]] AccuracyLimits LimitsIn(WeightUnit unit, const AccuracyLimits& limits);
 
 // What an ingredient of a batch is too much or too little of the ration, whatever the batch weighs:
 // its share of what was loaded less its share of the targets.

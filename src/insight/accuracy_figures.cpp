@@ -2,6 +2,7 @@
 
 #include <compare>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 namespace vrx {
@@ -89,16 +90,21 @@ void AccuracySums::AddCounts(const AccuracySums& other) {
   without_target_actual_ += other.without_target_actual_;
 }
 
+void AccuracySums::Append(AccuracySums&& other) {
+  AddCounts(other);
+  deviations_.Append(std::move(other.deviations_));
+}
+
 AccuracyFigures AccuracySums::Figures(bool deliveries) {
   return Figures(deviations_.FindQuartiles(Exact::Of(kMarkedMedian)), deliveries);
 }
 
-AccuracyFigures AccuracySums::FiguresOf(std::span<AccuracySums* const> sets, bool deliveries) {
+AccuracyFigures AccuracySums::FiguresOf(std::span<AccuracySums> sets, bool deliveries) {
   AccuracySums counts;
   std::vector<Deviations*> deviations;
-  for (AccuracySums* const set : sets) {
-    counts.AddCounts(*set);
-    deviations.push_back(&set->deviations_);
+  for (AccuracySums& set : sets) {
+    counts.AddCounts(set);
+    deviations.push_back(&set.deviations_);
   }
   return counts.Figures(Deviations::FindQuartiles(deviations, Exact::Of(kMarkedMedian)),
                         deliveries);

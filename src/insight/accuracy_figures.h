@@ -33,12 +33,13 @@ class AccuracySums {
  public:
   // True if the load is within the limit in percent; false also if the measures leave it out.
   bool Add(const Exact& target, const Exact& actual, const AccuracyTests& tests);
+  // Adds the loads of another set.
+  void Append(AccuracySums&& other);
 
   // Finds the quartiles, so it changes the order of the loads.
   [[nodiscard]] AccuracyFigures Figures(bool deliveries);
   // Of several sets together, each of other loads.
-  [[nodiscard]] static AccuracyFigures FiguresOf(std::span<AccuracySums* const> sets,
-                                                 bool deliveries);
+  [[nodiscard]] static AccuracyFigures FiguresOf(std::span<AccuracySums> sets, bool deliveries);
 
  private:
   void AddCounts(const AccuracySums& other);

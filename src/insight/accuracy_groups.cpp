@@ -2,6 +2,7 @@
 #include <array>
 #include <chrono>
 #include <cstddef>
+#include <numeric>
 #include <unordered_map>
 #include <utility>
 
@@ -9,6 +10,7 @@
 #include "insight/accuracy.h"
 #include "insight/accuracy_figures.h"
 #include "insight/names.h"
+#include "insight/record_parts.h"
 #include "insight/record_reader.h"
 #include "insight/report_period.h"
 
@@ -92,19 +94,24 @@ std::uint64_t Joined(std::uint32_t high, std::uint32_t low) {
   return (std::uint64_t{high} << 32U) | low;
 }
 
-class AccuracyAnswer {
+// Whether two days are in different groups.
+bool AreApart(AccuracyKey key, const Date& left, const Date& right) {
+  return PeriodStart(key, ToDayNumber(left)) != PeriodStart(key, ToDayNumber(right));
+}
+
+// The groups of the batches of one reader.
+class AccuracyGroups {
  public:
-  AccuracyAnswer(SQLite::Database& database, const AccuracyQuestion& question,
-                 const InsightProgress& progress)
+  AccuracyGroups(RecordReader& reader, const AccuracyQuestion& question)
       : question_(question),
-        reader_(database, question.about, progress),
-        tests_(question.limits, reader_.Unit()),
+        reader_(reader),
+        tests_(question.limits, reader.Unit()),
         standardizes_(!question.deliveries && question.by == std::vector{AccuracyKey::kOperator}) {
     ingredient_ = reader_.IdOf(question.about.ingredient, NameKind::kIngredient);
     pen_ = reader_.IdOf(question.about.pen, NameKind::kPen);
   }
 
-  Accuracy Read() {
+  void Read() {
     unsigned flags = kReadWeights | (question_.deliveries ? kReadDeliveries : kReadLoads);
     for (const AccuracyKey key : question_.by) {
       flags |= FlagOf(key);
@@ -115,7 +122,32 @@ class AccuracyAnswer {
     flags |= ingredient_ != kNoName || standardizes_ ? kReadIngredient : 0U;
     flags |= pen_ != kNoName ? kReadPen : 0U;
     reader_.Read(flags, [this](const Record& record) { Take(record); });
-    return Answer();
+  }
+
+  // Ascending by key.
+  void Pass(const TakeLine<AccuracyGroup>& take) {
+    Sort();
+    for (Group& group : groups_) {
+      reader_.Report(kAllPercent);
+      AccuracyGroup shown;
+      for (std::size_t i = 0; i < question_.by.size(); ++i) {
+        shown.key.push_back(KeyText(question_.by[i], group.key.at(i)));
+      }
+      shown.figures = group.sums.Figures(question_.deliveries);
+      Standardize(group.key[0], shown.figures);
+      HideFew(shown.figures);
+      take(std::move(shown));
+    }
+  }
+
+  // The sums of the groups, which lose them.
+  [[nodiscard]] std::vector<AccuracySums> MoveSums() {
+    std::vector<AccuracySums> all;
+    for (Group& group : groups_) {
+      all.push_back(std::move(group.sums));
+    }
+    groups_.clear();
+    return all;
   }
 
  private:
@@ -179,43 +211,37 @@ class AccuracyAnswer {
                 : PeriodText(key, static_cast<DayNumber>(value));
   }
 
-  Accuracy Answer() {
-    Accuracy answer;
-    std::vector<AccuracySums*> all;
-    for (Group& group : groups_) {
-      reader_.Report(100);
-      AccuracyGroup shown;
-      for (std::size_t i = 0; i < question_.by.size(); ++i) {
-        shown.key.push_back(KeyText(question_.by[i], group.key.at(i)));
-      }
-      shown.figures = group.sums.Figures(question_.deliveries);
-      Standardize(group.key[0], shown.figures);
-      HideFew(shown.figures);
-      answer.groups.push_back(std::move(shown));
-      all.push_back(&group.sums);
+  // The place of each name in the order of the groups.
+  [[nodiscard]] std::vector<std::int64_t> PlacesOf(NameKind kind) const {
+    const Names& names = reader_.NamesOf(kind);
+    std::vector<NameId> order(names.Count());
+    std::iota(order.begin(), order.end(), kNoName);
+    std::ranges::sort(order, [&](NameId left, NameId right) {
+      return NameIsBefore(kind, names.Name(left), names.Name(right));
+    });
+    std::vector<std::int64_t> places(order.size());
+    for (std::size_t i = 0; i < order.size(); ++i) {
+      places[order[i]] = static_cast<std::int64_t>(i);
     }
-    Sort(answer.groups);
-    answer.total = AccuracySums::FiguresOf(all, question_.deliveries);
-    answer.notes = reader_.Notes();
-    answer.limits = question_.limits;
-    for (WeightLimit* const limit : {&answer.limits.weight, &answer.limits.beyond}) {
-      *limit = {limit->In(reader_.Unit()), reader_.Unit()};
-    }
-    AddYardstick(answer);
-    return answer;
+    return places;
   }
 
-  void Sort(std::vector<AccuracyGroup>& groups) const {
-    std::sort(groups.begin(), groups.end(),
-              [this](const AccuracyGroup& left, const AccuracyGroup& right) {
-                for (std::size_t i = 0; i < question_.by.size(); ++i) {
-                  const NameKind kind = NameOf(question_.by[i]).value_or(NameKind::kRecipe);
-                  if (left.key[i] != right.key[i]) {
-                    return NameIsBefore(kind, left.key[i], right.key[i]);
-                  }
-                }
-                return false;
-              });
+  void Sort() {
+    index_.clear();
+    std::array<std::vector<std::int64_t>, kMostKeys> places;
+    for (std::size_t i = 0; i < question_.by.size(); ++i) {
+      if (const std::optional<NameKind> kind = NameOf(question_.by[i])) {
+        places.at(i) = PlacesOf(*kind);
+      }
+    }
+    const auto place = [&](const Group& group, std::size_t i) {
+      const std::uint32_t value = group.key.at(i);
+      return places.at(i).empty() ? std::int64_t{static_cast<DayNumber>(value)}
+                                  : places.at(i)[value];
+    };
+    std::ranges::sort(groups_, {}, [&](const Group& group) {
+      return std::pair(place(group, 0), question_.by.size() == 1 ? 0 : place(group, 1));
+    });
   }
 
   void Standardize(std::uint32_t operator_id, AccuracyFigures& figures) const {
@@ -253,23 +279,8 @@ class AccuracyAnswer {
     }
   }
 
-  void AddYardstick(Accuracy& answer) const {
-    constexpr AccuracyLimits kUnchanged;
-    const AccuracyLimits& limits = question_.limits;
-    if (question_.deliveries || question_.about.HasName() || answer.total.n == 0 ||
-        limits.percent != kUnchanged.percent || limits.weight != kUnchanged.weight ||
-        limits.beyond != kUnchanged.beyond) {
-      return;
-    }
-    answer.yardstick = {
-        .within = {46.7, 10.8, 80.6, 42.7, *answer.total.within},
-        .within_weight = {24.1, 4.3, 73.9, 19.8, *answer.total.within_weight},
-        .beyond = {11.85, 1.3, 35.3, std::nullopt, *answer.total.beyond},
-    };
-  }
-
   const AccuracyQuestion& question_;
-  RecordReader reader_;
+  RecordReader& reader_;
   AccuracyTests tests_;
   bool standardizes_;
   NameId ingredient_ = kNoName;
@@ -281,13 +292,91 @@ class AccuracyAnswer {
   std::unordered_map<NameId, Exact> targets_;  // of all operators, by ingredient
 };
 
+std::optional<Yardstick> YardstickOf(const AccuracyQuestion& question,
+                                     const AccuracyFigures& total) {
+  constexpr AccuracyLimits kUnchanged;
+  const AccuracyLimits& limits = question.limits;
+  if (question.deliveries || question.about.HasName() || total.n == 0 ||
+      limits.percent != kUnchanged.percent || limits.weight != kUnchanged.weight ||
+      limits.beyond != kUnchanged.beyond) {
+    return std::nullopt;
+  }
+  return Yardstick{
+      .within = {46.7, 10.8, 80.6, 42.7, *total.within},
+      .within_weight = {24.1, 4.3, 73.9, 19.8, *total.within_weight},
+      .beyond = {11.85, 1.3, 35.3, std::nullopt, *total.beyond},
+  };
+}
+
+// Reads the groups of all records at once, or, of days, weeks or months and something else, part by
+// part: years of days of hundreds of pens are a million groups.
+class AccuracyAnswer {
+ public:
+  AccuracyAnswer(const AccuracyQuestion& question, const TakeLine<AccuracyGroup>& take)
+      : question_(question), take_(take) {}
+
+  Accuracy Read(SQLite::Database& database, const InsightProgress& progress) {
+    const AccuracyKey first = question_.by.front();
+    if (question_.by.size() == kMostKeys && IsByDay(first)) {
+      BatchParts parts(
+          database, question_.about, progress,
+          [first](const Date& left, const Date& right) { return AreApart(first, left, right); });
+      answer_.notes = parts.Read([this](RecordReader& reader) {
+        AccuracySums& part = sums_.emplace_back();
+        for (AccuracySums& sums : PassGroups(reader)) {
+          part.Append(std::move(sums));
+        }
+      });
+    } else {
+      RecordReader reader(database, question_.about, progress);
+      sums_ = PassGroups(reader);
+      answer_.notes = reader.Notes();
+    }
+    answer_.limits = LimitsIn(ReadWeightUnit(database), question_.limits);
+    answer_.total = AccuracySums::FiguresOf(sums_, question_.deliveries);
+    answer_.yardstick = YardstickOf(question_, answer_.total);
+    return std::move(answer_);
+  }
+
+ private:
+  std::vector<AccuracySums> PassGroups(RecordReader& reader) {
+    AccuracyGroups groups(reader, question_);
+    groups.Read();
+    groups.Pass(take_);
+    return groups.MoveSums();
+  }
+
+  const AccuracyQuestion& question_;
+  const TakeLine<AccuracyGroup>& take_;
+  std::vector<AccuracySums> sums_;  // of the groups, or of the parts
+  Accuracy answer_;
+};
+
 }  // namespace
+
+AccuracyLimits LimitsIn(WeightUnit unit, const AccuracyLimits& limits) {
+  AccuracyLimits shown = limits;
+  for (WeightLimit* const limit : {&shown.weight, &shown.beyond}) {
+    *limit = {limit->In(unit), unit};
+  }
+  return shown;
+}
+
+Accuracy StreamAccuracy(SQLite::Database& database, const AccuracyQuestion& question,
+                        const TakeLine<AccuracyGroup>& take, const InsightProgress& progress) {
+  CheckKeys(question);
+  return WithDatabaseErrors(
+      database, [&] { return AccuracyAnswer(question, take).Read(database, progress); });
+}
 
 Accuracy ReadAccuracy(SQLite::Database& database, const AccuracyQuestion& question,
                       const InsightProgress& progress) {
-  CheckKeys(question);
-  return WithDatabaseErrors(database,
-                            [&] { return AccuracyAnswer(database, question, progress).Read(); });
+  std::vector<AccuracyGroup> groups;
+  Accuracy answer = StreamAccuracy(
+      database, question, [&](AccuracyGroup&& group) { groups.push_back(std::move(group)); },
+      progress);
+  answer.groups = std::move(groups);
+  return answer;
 }
 
 }  // namespace vrx

@@ -95,13 +95,13 @@ void CallThemDeliveries(std::vector<AnswerColumn>& columns) {
   }
 }
 
-std::string Sentence(const std::string& what, const YardstickShare& share) {
-  std::string text = what + ": " + DefaultText(share.loads) + " % of their loads (herds " +
-                     DefaultText(share.lowest) + " to " + DefaultText(share.highest);
-  if (share.median) {
-    text += ", median " + DefaultText(*share.median);
-  }
-  return text + "); this yard " + Format(share.yard, "0.0") + " %, " + std::string(PlaceOf(share));
+std::string Sentence(std::string_view what, const YardstickShare& share) {
+  return Tr(
+      share.median ? TrMark("%1: %2 % of their loads (herds %3 to %4, median %5); this yard "
+                            "%6 %, %7")
+                   : TrMark("%1: %2 % of their loads (herds %3 to %4); this yard %6 %, %7"),
+      {Tr(what), DefaultText(share.loads), DefaultText(share.lowest), DefaultText(share.highest),
+       DefaultText(share.median.value_or(0)), Format(share.yard, "0.0"), Tr(PlaceOf(share))});
 }
 
 }  // namespace
@@ -127,17 +127,21 @@ AnswerTable TableOf(const Accuracy& answer, const AccuracyQuestion& question) {
     CallThemDeliveries(table.columns);
   }
   for (const AccuracyGroup& group : answer.groups) {
-    AnswerRow row;
-    for (const auto& key : group.key) {
-      row.push_back(CellOf(key));
-    }
-    std::ranges::move(CellsOf(group.figures), std::back_inserter(row));
-    table.rows.push_back(std::move(row));
+    table.rows.push_back(RowOf(group));
   }
   table.total = {std::string("Total")};
   table.total.resize(question.by.size(), std::string());
   std::ranges::move(CellsOf(answer.total), std::back_inserter(table.total));
   return table;
+}
+
+AnswerRow RowOf(const AccuracyGroup& group) {
+  AnswerRow row;
+  for (const auto& key : group.key) {
+    row.push_back(CellOf(key));
+  }
+  std::ranges::move(CellsOf(group.figures), std::back_inserter(row));
+  return row;
 }
 
 AnswerTable TableOf(const std::vector<LoadLine>& lines, bool deliveries) {
@@ -184,24 +188,24 @@ AnswerRow RowOf(const CompositionLine& line) {
 
 std::string_view PlaceOf(const YardstickShare& share) {
   if (share.yard < share.lowest) {
-    return "below the range";
+    return TrMark("below the range");
   }
   if (share.yard > share.highest) {
-    return "above the range";
+    return TrMark("above the range");
   }
   if (!share.median) {
-    return "within the range";
+    return TrMark("within the range");
   }
-  return share.yard < *share.median   ? "in the lower half of the range"
-         : share.yard > *share.median ? "in the upper half of the range"
-                                      : "at the median";
+  return share.yard < *share.median   ? TrMark("in the lower half of the range")
+         : share.yard > *share.median ? TrMark("in the upper half of the range")
+                                      : TrMark("at the median");
 }
 
 std::vector<std::string> SentencesOf(const Yardstick& yardstick) {
-  return {"33 dairy herds, 386,011 loads (" + std::string(kYardstickSource) + "):",
-          Sentence("within 2 %", yardstick.within),
-          Sentence("within 5 kg", yardstick.within_weight),
-          Sentence("beyond 62.5 kg", yardstick.beyond)};
+  return {Tr("33 dairy herds, 386,011 loads (%1):", {std::string(kYardstickSource)}),
+          Sentence(TrMark("within 2 %"), yardstick.within),
+          Sentence(TrMark("within 5 kg"), yardstick.within_weight),
+          Sentence(TrMark("beyond 62.5 kg"), yardstick.beyond)};
 }
 
 }  // namespace vrx

@@ -28,11 +28,12 @@ bool IsLong(SQLite::Database& database, const Question& question) {
   return end("max") - end("min") >= question.rows_at_once;
 }
 
-std::vector<Part> PartsOf(SQLite::Database& database, const Question& question) {
+std::vector<Part> PartsOf(SQLite::Database& database, const Question& question,
+                          const MayPart& may_part) {
   if (!IsLong(database, question)) {
     return {{.question = question}};
   }
-  const DayRanges days = ReadDayRanges(database, question);
+  const DayRanges days = ReadDayRanges(database, question, may_part);
   std::vector<Part> parts;
   if (days.has_undated) {
     parts.push_back({.question = question, .choice = BatchChoice::kUndated});
@@ -56,7 +57,8 @@ void AddNames(Names& all, const Names& of_part) {
 
 }  // namespace
 
-DayRanges ReadDayRanges(SQLite::Database& database, const Question& question) {
+DayRanges ReadDayRanges(SQLite::Database& database, const Question& question,
+                        const MayPart& may_part) {
   DayRanges days;
   std::int64_t rows = 0;  // of the last range
   const std::string period =
@@ -70,7 +72,8 @@ DayRanges ReadDayRanges(SQLite::Database& database, const Question& question) {
       continue;
     }
     const std::int64_t of_day = query.getColumn(1).getInt64();
-    if (days.ranges.empty() || rows + of_day > question.rows_at_once) {
+    if (days.ranges.empty() || (rows + of_day > question.rows_at_once &&
+                                (!may_part || may_part(days.ranges.back().to, *day)))) {
       days.ranges.push_back({*day, *day});
       rows = 0;
     }
@@ -83,7 +86,7 @@ DayRanges ReadDayRanges(SQLite::Database& database, const Question& question) {
 InsightNotes BatchParts::Read(const std::function<void(RecordReader&)>& work) {
   return WithDatabaseErrors(database_, [&] {
     const ReadTransaction all_parts(database_);
-    const std::vector<Part> parts = PartsOf(database_, question_);
+    const std::vector<Part> parts = PartsOf(database_, question_, may_part_);
     NamesOfKinds names;
     InsightNotes notes;
     for (std::size_t i = 0; i < parts.size(); ++i) {

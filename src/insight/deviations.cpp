@@ -4,6 +4,7 @@
 #include <array>
 #include <compare>
 #include <cstddef>
+#include <iterator>
 #include <limits>
 
 namespace vrx {
@@ -43,6 +44,13 @@ void Deviations::Add(const Exact& difference, const Exact& target) {
   } else {
     large_.push_back({difference, target});
   }
+  sorted_ = false;
+}
+
+void Deviations::Append(Deviations&& other) {
+  small_.insert(small_.end(), other.small_.begin(), other.small_.end());
+  std::ranges::move(other.large_, std::back_inserter(large_));
+  other = {};
   sorted_ = false;
 }
 

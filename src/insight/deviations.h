@@ -23,6 +23,7 @@ struct Quartiles {
 class Deviations {
  public:
   void Add(const Exact& difference, const Exact& target);
+  void Append(Deviations&& other);
   [[nodiscard]] std::size_t Count() const { return small_.size() + large_.size(); }
 
   // The exact quartiles in percent, by linear interpolation between the order statistics, h = (n -

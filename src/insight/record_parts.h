@@ -7,6 +7,7 @@
 #include <functional>
 #include <map>
 #include <optional>
+#include <utility>
 #include <vector>
 
 #include <SQLiteCpp/Database.h>
@@ -24,18 +25,26 @@ struct DayRanges {
   bool has_undated = false;           // rows without a date, without a period
 };
 
+// Whether one part of the records may end with a day and the next one begin with another.
+using MayPart = std::function<bool(const Date& end, const Date& begin)>;
+
 // The days of the period that have rows, in ranges of about `Question::rows_at_once` rows. Throws
 // SQLite::Exception.
-[[nodiscard]] DayRanges ReadDayRanges(SQLite::Database& database, const Question& question);
+[[nodiscard]] DayRanges ReadDayRanges(SQLite::Database& database, const Question& question,
+                                      const MayPart& may_part = {});
 
 // Reads the batches of a question in parts, so that memory does not grow with the records: first
 // those without a date, then by date. A batch is in one part, with all its rows. Few rows are one
 // part.
 class BatchParts {
  public:
-  // Everything outlives it.
-  BatchParts(SQLite::Database& database, const Question& question, const InsightProgress& progress)
-      : database_(database), question_(question), progress_(progress) {}
+  // The references outlive it.
+  BatchParts(SQLite::Database& database, const Question& question, const InsightProgress& progress,
+             MayPart may_part = {})
+      : database_(database),
+        question_(question),
+        progress_(progress),
+        may_part_(std::move(may_part)) {}
 
   // Passes a reader for each part to `work`. Returns the notes of all parts. Throws what `work`
   // throws, QuestionError, QuestionCancelled and DatabaseError.
@@ -45,6 +54,7 @@ class BatchParts {
   SQLite::Database& database_;
   const Question& question_;
   const InsightProgress& progress_;
+  MayPart may_part_;
 };
 
 // What pens were delivered.

@@ -75,6 +75,7 @@ struct AnswerTable {
 [[nodiscard]] AnswerTable TableOf(const Statement& answer);
 
 // The rows of answers that may be long: of the tables above.
+[[nodiscard]] AnswerRow RowOf(const AccuracyGroup& group);
 [[nodiscard]] AnswerRow RowOf(const CompositionLine& line);
 [[nodiscard]] AnswerRow RowOf(const BalanceLine& line);
 [[nodiscard]] AnswerRow RowOf(const BatchTimes& batch);
@@ -82,12 +83,13 @@ struct AnswerTable {
 [[nodiscard]] AnswerRow ForwardRow(const TraceLine& line);
 [[nodiscard]] AnswerRow BackwardRow(const TraceLine& line);
 
-// Where the yard lies among the herds: "below the range", "in the lower half of the range".
+// Where the yard lies among the herds, in English: "below the range", "in the lower half of the
+// range". Tr translates it.
 [[nodiscard]] std::string_view PlaceOf(const YardstickShare& share);
-// The source, and a sentence for each share.
+// The source, and a sentence for each share, in the language of Tr.
 [[nodiscard]] std::vector<std::string> SentencesOf(const Yardstick& yardstick);
 
-// What is left out and which names are alike, a sentence each.
+// What is left out and which names are alike, a sentence each, in the language of Tr.
 [[nodiscard]] std::vector<std::string> SentencesOf(const InsightNotes& notes);
 
 }  // namespace vrx

@@ -51,15 +51,47 @@ std::vector<AccuracyKey> KeysOf(InsightPicture picture, bool deliveries) {
   }
 }
 
+// More rows help nobody in a window, and would fill its memory.
+constexpr std::size_t kMostRows = 20000;
+
+// The rows of a table that is cut off after kMostRows.
+class FirstRows {
+ public:
+  explicit FirstRows(AnswerTable table) : table_(std::move(table)) {}
+
+  template <typename ToRow>
+  void Add(ToRow to_row) {
+    if (++count_ <= kMostRows) {
+      table_.rows.push_back(to_row());
+    }
+  }
+
+  void MoveInto(InsightAnswer& answer) {
+    answer.table = std::move(table_);
+    if (count_ > kMostRows) {
+      answer.notes.push_back(Tr("The table has the first %1 of %2 rows. Choose a shorter period.",
+                                {std::to_string(kMostRows), std::to_string(count_)}));
+    }
+  }
+
+ private:
+  AnswerTable table_;
+  std::size_t count_ = 0;
+};
+
 void AnswerGroups(SQLite::Database& database, const InsightAsked& asked,
                   const InsightProgress& progress, InsightAnswer& answer) {
   const InsightTableChoice& choice = asked.Table();
   const AccuracyQuestion question = AccuracyOf(
       asked,
       {choice.keys.begin(), choice.keys.begin() + static_cast<std::ptrdiff_t>(choice.key_count)});
-  const Accuracy groups = ReadAccuracy(database, question, progress);
-  answer.table = TableOf(groups, question);
+  FirstRows rows(TableOf(Accuracy(), question));
+  const Accuracy groups = StreamAccuracy(
+      database, question,
+      [&](const AccuracyGroup& group) { rows.Add([&] { return RowOf(group); }); }, progress);
   AddNotes(answer, groups.notes);
+  rows.MoveInto(answer);
+  answer.table.total = TableOf(groups, question).total;
   if (groups.yardstick) {
     for (std::string& sentence : SentencesOf(*groups.yardstick)) {
       answer.notes.push_back(std::move(sentence));
@@ -91,34 +123,6 @@ void AnswerAccuracy(SQLite::Database& database, const InsightAsked& asked,
     AddNotes(answer, answer.loads->notes);
   }
 }
-
-// More rows help nobody in a window, and would fill its memory.
-constexpr std::size_t kMostRows = 20000;
-
-// The rows of a table that is cut off after kMostRows.
-class FirstRows {
- public:
-  explicit FirstRows(AnswerTable table) : table_(std::move(table)) {}
-
-  template <typename ToRow>
-  void Add(ToRow to_row) {
-    if (++count_ <= kMostRows) {
-      table_.rows.push_back(to_row());
-    }
-  }
-
-  void MoveInto(InsightAnswer& answer) {
-    answer.table = std::move(table_);
-    if (count_ > kMostRows) {
-      answer.notes.push_back(Tr("The table has the first %1 of %2 rows. Choose a shorter period.",
-                                {std::to_string(kMostRows), std::to_string(count_)}));
-    }
-  }
-
- private:
-  AnswerTable table_;
-  std::size_t count_ = 0;
-};
 
 void KeepUnbalanced(Balance& balance) {
   std::erase_if(balance.lines,
