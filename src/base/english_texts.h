@@ -1,6 +1,5 @@
 #pragma once
 
-#include <functional>
 #include <initializer_list>
 #include <string>
 #include <string_view>
@@ -13,16 +12,13 @@ namespace vrx {
 [[nodiscard]] std::string FilledIn(std::string_view pattern,
                                    std::initializer_list<std::string> values);
 
-// While it exists, Tr returns texts as they are.
+// While it exists, Tr returns texts as they are in the thread that made it.
 class EnglishTexts {
  public:
   EnglishTexts();
   ~EnglishTexts();
   EnglishTexts(const EnglishTexts&) = delete;
   EnglishTexts& operator=(const EnglishTexts&) = delete;
-
- private:
-  std::function<std::string(std::string_view)> translator_;
 };
 
 }  // namespace vrx

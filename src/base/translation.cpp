@@ -13,10 +13,12 @@ std::function<std::string(std::string_view)>& Translator() {
   return translator;
 }
 
+thread_local int english_texts = 0;  // how many EnglishTexts there are
+
 }  // namespace
 
 std::string Tr(std::string_view text) {
-  return Translator() ? Translator()(text) : std::string(text);
+  return Translator() && english_texts == 0 ? Translator()(text) : std::string(text);
 }
 
 std::string Tr(std::string_view text, std::initializer_list<std::string> values) {
@@ -43,8 +45,8 @@ void SetTranslator(std::function<std::string(std::string_view)> translator) {
   Translator() = std::move(translator);
 }
 
-EnglishTexts::EnglishTexts() : translator_(std::exchange(Translator(), nullptr)) {}
+EnglishTexts::EnglishTexts() { ++english_texts; }
 
-EnglishTexts::~EnglishTexts() { Translator() = std::move(translator_); }
+EnglishTexts::~EnglishTexts() { --english_texts; }
 
 }  // namespace vrx

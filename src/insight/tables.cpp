@@ -1,6 +1,7 @@
 #include "insight/tables.h"
 
 #include "base/number.h"
+#include "base/translation.h"
 
 namespace vrx {
 namespace {
@@ -42,9 +43,9 @@ std::string TextOfCell(const AnswerColumn& column, const AnswerCell& cell, bool 
     return std::to_string(*count);
   }
   if (const auto* const yes = std::get_if<bool>(&cell)) {
-    return *yes ? "Yes" : "No";
+    return std::string(*yes ? TrMark("Yes") : TrMark("No"));
   }
-  return column.kind == CellKind::kName ? "(none)" : "";
+  return std::string(column.kind == CellKind::kName ? TrMark("(none)") : "");
 }
 
 }  // namespace
@@ -60,23 +61,27 @@ std::string ShownText(const AnswerColumn& column, const AnswerCell& cell) {
 std::vector<std::string> SentencesOf(const InsightNotes& notes) {
   std::vector<std::string> sentences;
   for (const LeftOutImport& import : notes.left_out) {
-    sentences.push_back("Import " + std::to_string(import.import) + " (" + import.file +
-                        ") is left out: its " + std::to_string(import.rows) +
-                        (import.rows == 1 ? " row is" : " rows are") + " in " + import.units +
-                        ", the database is in " + notes.units +
-                        ". Say with imports --settle whether to keep or to convert them.");
+    sentences.push_back(
+        Tr(import.rows == 1
+               ? TrMark("Import %1 (%2) is left out: its %3 row is in %4, the database is in %5. "
+                        "Say with imports --settle whether to keep or to convert them.")
+               : TrMark("Import %1 (%2) is left out: its %3 rows are in %4, the database is in "
+                        "%5. Say with imports --settle whether to keep or to convert them."),
+           {std::to_string(import.import), import.file, std::to_string(import.rows), import.units,
+            notes.units}));
   }
   if (notes.undated > 0) {
-    sentences.push_back(std::to_string(notes.undated) +
-                        (notes.undated == 1 ? " row has" : " rows have") +
-                        " no date and may be left out of the period.");
+    sentences.push_back(Tr(notes.undated == 1
+                               ? TrMark("%1 row has no date and may be left out of the period.")
+                               : TrMark("%1 rows have no date and may be left out of the period."),
+                           {std::to_string(notes.undated)}));
   }
   for (const std::vector<std::string>& alike : notes.alike) {
     std::string names;
     for (const std::string& name : alike) {
       names += (names.empty() ? "" : ", ") + name;
     }
-    sentences.push_back("These names differ by case only and are different: " + names + ".");
+    sentences.push_back(Tr("These names differ by case only and are different: %1.", {names}));
   }
   return sentences;
 }

@@ -120,6 +120,7 @@ bool HasRecords(const PageAnswers& answers) {
 
 PeriodPage ReadPeriodPage(SQLite::Database& database, const PageQuestion& question,
                           const InsightProgress& progress) {
+  const EnglishTexts english;
   return WithDatabaseErrors(database, [&] {
     const ReadTransaction transaction(database);
     const PageAnswers answers = ReadAnswers(database, question, progress);

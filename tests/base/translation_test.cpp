@@ -1,5 +1,7 @@
 #include "base/translation.h"
 
+#include <future>
+
 #include <gtest/gtest.h>
 
 #include "base/english_texts.h"
@@ -37,6 +39,8 @@ TEST_F(Translation, IsNotUsedForTextsOfFiles) {
     EXPECT_EQ(Tr("%1 of %2", {"3", "17"}), "3 of 17");
     const EnglishTexts inner;
     EXPECT_EQ(Tr("Open a file"), "Open a file");
+    // Another thread writes to the window meanwhile.
+    EXPECT_EQ(std::async(std::launch::async, [] { return Tr("Open a file"); }).get(), "%1 von %2");
   }
   EXPECT_EQ(Tr("%1 of %2", {"3", "17"}), "3 von 17");
   EXPECT_EQ(FilledIn("%1 of %2", {"3", "17"}), "3 of 17");
