@@ -91,6 +91,9 @@ class InsightPresenter {
   [[nodiscard]] const InsightState& State() const { return state_; }
   // The last answer; nullptr while there is none.
   [[nodiscard]] const InsightAnswer* Answer() const { return answer_ ? &*answer_ : nullptr; }
+  // What the last answer is of: the file, the period and the filters. For a picture that leaves the
+  // window.
+  [[nodiscard]] std::string AnsweredText() const;
   // Whether the question as it is has been answered or refused.
   [[nodiscard]] bool IsAnswered() const { return !stale_; }
   // The row whose pen has its days in the picture of `Called and delivered`.

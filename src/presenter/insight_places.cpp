@@ -110,7 +110,18 @@ std::string NameIn(const AnswerCell& cell) {
   return name != nullptr ? *name : std::string();
 }
 
-std::string OrNone(const std::optional<std::string>& name) { return name.value_or("(none)"); }
+std::string PeriodText(const Question& about) {
+  if (!about.HasPeriod()) {
+    return Tr("all records");
+  }
+  if (!about.to) {
+    return Tr("from %1", {MediumText(*about.from)});
+  }
+  return about.from ? Tr("%1 to %2", {MediumText(*about.from), MediumText(*about.to)})
+                    : Tr("up to %1", {MediumText(*about.to)});
+}
+
+std::string OrNone(const std::optional<std::string>& name) { return name ? *name : Tr("(none)"); }
 
 }  // namespace
 
@@ -224,6 +235,22 @@ const DeliveredLine& InsightPresenter::LineOfPen(std::size_t index) const {
   return answer_->delivered->lines.at(index);
 }
 
+std::string InsightPresenter::AnsweredText() const {
+  if (!answer_) {
+    return {};
+  }
+  const Question& about = answer_->asked.about;
+  std::string text = path_.filename().string() + ", " + PeriodText(about);
+  const auto add = [&text](const std::string& caption, const std::optional<std::string>& name) {
+    text += name ? ", " + caption + " " + *name : "";
+  };
+  add(Tr("Recipe"), about.recipe);
+  add(Tr("Ingredient"), about.ingredient);
+  add(Tr("Operator"), about.operator_id);
+  add(Tr("Pen"), about.pen);
+  return text;
+}
+
 std::string InsightPresenter::TextOfMark(std::size_t index, std::size_t count) const {
   if (!answer_) {
     return {};
@@ -253,7 +280,7 @@ std::string InsightPresenter::TextOfMark(std::size_t index, std::size_t count) c
     case InsightPicture::kBalance: {
       const BalanceLine& line = answer_->balance->lines.at(index);
       return Tr("Batch %1: left %2",
-                {line.transaction ? std::to_string(*line.transaction) : "(none)",
+                {line.transaction ? std::to_string(*line.transaction) : Tr("(none)"),
                  Format(line.left, "0.0") + " " + answer_->units});
     }
     case InsightPicture::kDelivered: {

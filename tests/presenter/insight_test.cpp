@@ -186,6 +186,21 @@ TEST_F(InsightTab, AFilterAndAPeriodChooseTheRecords) {
   EXPECT_EQ(view.State().period.choice, PeriodChoice::kFromTo);
 }
 
+TEST_F(InsightTab, SaysWhatTheAnswerIsOf) {
+  Open();
+  Wait();
+  WaitForNames();
+  EXPECT_EQ(view.AnsweredText(), "SMALL.TDB, all records");
+  view.TypeDays("3/14/2011", "3/15/2011");
+  Wait();
+  ChooseByName(NameKind::kRecipe, "STEERS");
+  Wait();
+  EXPECT_EQ(view.AnsweredText(), "SMALL.TDB, 14-Mar-11 to 15-Mar-11, Recipe STEERS");
+  view.TypeDays("", "3/15/2011");
+  Wait();
+  EXPECT_EQ(view.AnsweredText(), "SMALL.TDB, up to 15-Mar-11, Recipe STEERS");
+}
+
 TEST_F(InsightTab, ARefusedDayKeepsTheAnswer) {
   Open();
   Wait();

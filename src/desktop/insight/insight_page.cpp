@@ -59,7 +59,7 @@ DrawPicture DrawerOf(const InsightAnswer& answer, const std::optional<std::strin
     case InsightPicture::kBalance:
       return Drawer(BalanceChartOf(*answer.balance), std::move(texts));
     case InsightPicture::kDelivered:
-      texts.title += ": " + pen.value_or("(none)");
+      texts.title += ": " + (pen ? *pen : Tr("(none)"));
       return Drawer(DeliveredChartOf(*answer.delivered, pen), std::move(texts));
     case InsightPicture::kNone:
       break;
@@ -351,7 +351,7 @@ void InsightPage::ShowPicture() {
   }
 }
 
-DrawPicture InsightPage::Drawing(bool with_how) const {
+DrawPicture InsightPage::Drawing(bool leaves_window) const {
   const InsightAnswer* const answer = presenter_.Answer();
   if (answer == nullptr || answer->asked.Picture() == InsightPicture::kNone) {
     return {};
@@ -359,9 +359,10 @@ DrawPicture InsightPage::Drawing(bool with_how) const {
   const InsightTopicRow& topic = RowOf(answer->asked.topic);
   const InsightPictureChoice& picture =
       topic.pictures[static_cast<std::size_t>(answer->asked.picture)];
-  return DrawerOf(*answer, presenter_.ShownPen(),
-                  {.title = Tr(topic.title) + ": " + Tr(picture.caption),
-                   .how = with_how ? Tr(picture.how) : std::string()});
+  return DrawerOf(
+      *answer, presenter_.ShownPen(),
+      {.title = Tr(topic.title) + ": " + Tr(picture.caption),
+       .how = leaves_window ? presenter_.AnsweredText() + ". " + Tr(picture.how) : std::string()});
 }
 
 DrawPicture InsightPage::WholePicture() const { return Drawing(true); }

@@ -106,7 +106,7 @@ class InsightPage final : public MainTabPage, private InsightView {
   void ShowPicture();
   void ShowHow();
   void TurnCommands();
-  [[nodiscard]] DrawPicture Drawing(bool with_how) const;
+  [[nodiscard]] DrawPicture Drawing(bool leaves_window) const;
   void GoToRow(int row);
   void GoToMark(std::size_t index);
   void SavePicture();

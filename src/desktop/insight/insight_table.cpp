@@ -99,9 +99,14 @@ QString InsightTableModel::Text(std::size_t row, std::size_t column) const {
     const bool is_empty = std::holds_alternative<std::monostate>(cell);
     return is_empty ? QString() : ToQString(ShownText(shown, cell));
   }
-  const QString text = ToQString(ShownText(shown, table_->rows[row].at(column)));
+  const AnswerCell& cell = table_->rows[row].at(column);
+  const std::string plain = ShownText(shown, cell);
+  // A name of the records is no text of the window.
+  const QString text = std::holds_alternative<std::string>(cell) ? ToQString(plain) : QTr(plain);
   if (upright_ && text.isEmpty()) {
-    return QTr("none");
+    return shown.key == "from" ? QTr("first record")
+           : shown.key == "to" ? QTr("last record")
+                               : QTr("none");
   }
   const bool is_day = shown.kind == CellKind::kDay || shown.key == "key.day";
   const std::optional<Date> day = is_day ? ParseStoredDate(text.toStdString()) : std::nullopt;

@@ -129,7 +129,8 @@ TEST_F(InsightPageTest, CompletenessSaysWhereThereIsNothing) {
   ShowInsight();
   Ask(InsightTopic::kCompleteness);
   ASSERT_TRUE(WaitForFirst(u"From"_qs));
-  EXPECT_EQ(Cell(0, 1), u"none"_qs);
+  EXPECT_EQ(Cell(0, 1), u"first record"_qs);
+  EXPECT_EQ(Cell(1, 1), u"last record"_qs);
   EXPECT_EQ(
       Table().model()->headerData(1, Qt::Horizontal, Qt::TextAlignmentRole).value<Qt::Alignment>(),
       Qt::AlignVCenter | Qt::AlignLeft);
@@ -231,6 +232,7 @@ TEST_F(InsightPageTest, SavesThePictureInTheFormatOfTheName) {
     Click(u"cmdInsightSave"_qs);
     EXPECT_THAT(ReadFileBytes(folder_ / name, 10'000'000), HasSubstr(begins)) << name;
   }
+  EXPECT_THAT(ReadFileBytes(folder_ / "ONE.SVG", 10'000'000), HasSubstr("SMALL.TDB, all records"));
   EXPECT_THAT(operator_.boxes, IsEmpty());
 }
 
