@@ -35,6 +35,7 @@ namespace fs = std::filesystem;
 
 constexpr int kRows = 6000;
 constexpr int kRounds = 15;
+constexpr int kFirstDay = 10;  // of January
 constexpr int kBatchRows = 4;  // of each transaction, followed by as many feeds
 constexpr double kShellTarget = 1.5;
 constexpr double kEmptyTarget = 1.2;
@@ -118,6 +119,7 @@ class StoreBench {
     std::vector<double> shell;
     std::vector<double> empty;
     for (int round = 0; round < kRounds; ++round) {
+      SetDay(round);
       ours.push_back(Milliseconds([&] { Store(ours_); }));
       shell.push_back(Milliseconds([&] { RunShell(shells_, script_); }));
       const fs::path fresh = folder_ / "FRESH.TDB";
@@ -130,6 +132,13 @@ class StoreBench {
   }
 
  private:
+  // Each file is of another day, so that none of its batches is there already.
+  void SetDay(int round) {
+    for (std::size_t row = 1; row <= kRows; ++row) {
+      rows_.SetCell(row, kImportedDate, "01" + std::to_string(kFirstDay + round) + "2026");
+    }
+  }
+
   void Store(const fs::path& path) {
     bool stored = false;
     const StoreOutcome outcome = store_.StoreImportedTransactions(rows_, {}, {recipes_, path, "LB"},
