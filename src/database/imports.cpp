@@ -174,32 +174,42 @@ void AddImport(SQLite::Database& database, ImportRecord& import) {
   });
 }
 
-void AddImportedBatch(SQLite::Database& database, const ImportedBatch& batch) {
+void AddImportedBatches(SQLite::Database& database, const std::vector<ImportedBatch>& batches) {
   WithDatabaseErrors(database, [&] {
     SQLite::Statement insert(database, "INSERT INTO ImportedBatches VALUES (?, ?, ?, ?, ?, ?, ?)");
-    insert.bind(1, batch.import);
-    insert.bind(2, batch.file_number);
-    BindOrNull(insert, 3, batch.transaction);
-    insert.bind(4, StateText(batch.state));
-    insert.bind(5, batch.loads);
-    insert.bind(6, Joined(batch.feeds));
-    insert.bind(7, batch.rows);
-    insert.exec();
+    for (const ImportedBatch& batch : batches) {
+      insert.reset();
+      insert.bind(1, batch.import);
+      insert.bind(2, batch.file_number);
+      BindOrNull(insert, 3, batch.transaction);
+      insert.bind(4, StateText(batch.state));
+      insert.bind(5, batch.loads);
+      insert.bind(6, Joined(batch.feeds));
+      insert.bind(7, batch.rows);
+      insert.exec();
+    }
   });
 }
 
-std::vector<StoredBatch> ReadStoredBatches(SQLite::Database& database, std::string_view loads) {
-  return WithDatabaseErrors(database, [&] {
+StoredBatchSearch::StoredBatchSearch(SQLite::Database& database) : database_(database) {
+  if (HasImportTables(database_)) {
+    WithDatabaseErrors(database_, [&] { query_.emplace(database_, kStoredBatches); });
+  }
+}
+
+std::vector<StoredBatch> StoredBatchSearch::Find(const std::string& loads) {
+  return WithDatabaseErrors(database_, [&] {
     std::vector<StoredBatch> batches;
-    if (loads.empty() || !HasImportTables(database)) {
+    if (loads.empty() || !query_) {
       return batches;
     }
-    SQLite::Statement query(database, kStoredBatches);
-    query.bind(1, std::string(loads));
-    while (query.executeStep()) {
+    query_->reset();
+    query_->bind(1, loads);
+    while (query_->executeStep()) {
       batches.push_back(
-          {.transaction = query.getColumn(0).getInt(), .feeds = Lines(query.getColumn(1))});
+          {.transaction = query_->getColumn(0).getInt(), .feeds = Lines(query_->getColumn(1))});
     }
+    query_->reset();
     return batches;
   });
 }

@@ -3,10 +3,10 @@
 #include <cstdint>
 #include <optional>
 #include <string>
-#include <string_view>
 #include <vector>
 
 #include <SQLiteCpp/Database.h>
+#include <SQLiteCpp/Statement.h>
 
 #include "base/date.h"
 #include "database/transactions.h"
@@ -65,11 +65,19 @@ void MakeImportTables(SQLite::Database& database);
 
 // Adds a row and sets its number.
 void AddImport(SQLite::Database& database, ImportRecord& import);
-void AddImportedBatch(SQLite::Database& database, const ImportedBatch& batch);
+void AddImportedBatches(SQLite::Database& database, const std::vector<ImportedBatch>& batches);
 
-// The batches with these loads, in the order of their numbers.
-[[nodiscard]] std::vector<StoredBatch> ReadStoredBatches(SQLite::Database& database,
-                                                         std::string_view loads);
+// Finds batches by their loads. A store asks for each batch of a file.
+class StoredBatchSearch {
+ public:
+  explicit StoredBatchSearch(SQLite::Database& database);
+  // In the order of their numbers; none for an empty fingerprint.
+  [[nodiscard]] std::vector<StoredBatch> Find(const std::string& loads);
+
+ private:
+  SQLite::Database& database_;
+  std::optional<SQLite::Statement> query_;  // nothing without the tables
+};
 
 // All rows of the transactions that have a load of that day and were stored by no recorded import,
 // by number and in stored order. Transaction numbers outside 32 bits are left out.

@@ -84,7 +84,7 @@ BatchFinding Compare(const std::vector<ComparedFeed>& file, const ComparedBatch&
 class Search {
  public:
   Search(SQLite::Database& transactions, const ImportedData& rows, const RecordNames& names)
-      : transactions_(transactions), rows_(rows), names_(names) {}
+      : transactions_(transactions), rows_(rows), names_(names), stored_(transactions) {}
 
   BatchFinding Find(const FileBatch& batch) {
     best_ = {};
@@ -112,7 +112,7 @@ class Search {
     for (const FileFeed& feed : batch.feeds) {
       feeds.push_back({.row = feed.row, .text = feed.fingerprint});
     }
-    for (StoredBatch& stored : ReadStoredBatches(transactions_, batch.fingerprint)) {
+    for (StoredBatch& stored : stored_.Find(batch.fingerprint)) {
       Consider(Compare(
           feeds, {.transaction = stored.transaction, .loads = {}, .feeds = std::move(stored.feeds)},
           false));
@@ -128,19 +128,18 @@ class Search {
     std::vector<ComparedFeed> feeds;
     std::optional<Date> day;
     try {
+      day = ToTransactionRecord(rows_, batch.loads.back(), names_, 0).date;
+      if (!day || UnrecordedOf(*day).empty()) {
+        return;
+      }
       for (const std::size_t row : batch.loads) {
-        const TransactionRecord record = ToTransactionRecord(rows_, row, names_, 0);
-        day = record.date;
-        Add(loads, record);
+        Add(loads, ToTransactionRecord(rows_, row, names_, 0));
       }
       for (const FileFeed& feed : batch.feeds) {
         feeds.push_back(
             {.row = feed.row, .text = FeedText(ToTransactionRecord(rows_, feed.row, names_, 0))});
       }
     } catch (const StoreRowError&) {
-      return;
-    }
-    if (!day) {
       return;
     }
     for (const ComparedBatch& stored : UnrecordedOf(*day)) {
@@ -167,6 +166,7 @@ class Search {
   SQLite::Database& transactions_;
   const ImportedData& rows_;
   const RecordNames& names_;
+  StoredBatchSearch stored_;
   BatchFinding best_;
   std::set<std::int32_t> found_;
   std::map<Date, std::vector<ComparedBatch>> unrecorded_;

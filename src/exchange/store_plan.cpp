@@ -96,11 +96,13 @@ void RecordImport(SQLite::Database& transactions, ImportRecord import, const Sto
   SetFileNumbers(import, plan.batches);
   MakeImportTables(transactions);
   AddImport(transactions, import);
+  std::vector<ImportedBatch> batches;
+  batches.reserve(plan.batches.size());
   for (std::size_t i = 0; i < plan.batches.size(); ++i) {
-    ImportedBatch batch = DescribeBatch(plan.batches[i], plan.findings[i], stored[i], base);
-    batch.import = import.number;
-    AddImportedBatch(transactions, batch);
+    batches.push_back(DescribeBatch(plan.batches[i], plan.findings[i], stored[i], base));
+    batches.back().import = import.number;
   }
+  AddImportedBatches(transactions, batches);
 }
 
 }  // namespace vrx

@@ -152,9 +152,9 @@ void WriteImports(SQLite::Database& database, const std::vector<ModelRow>& rows,
       }
     }
     for (const auto& [transaction, count] : counts) {
-      AddImportedBatch(
-          database,
-          {.import = number, .transaction = static_cast<std::int32_t>(transaction), .rows = count});
+      AddImportedBatches(database, {{.import = number,
+                                     .transaction = static_cast<std::int32_t>(transaction),
+                                     .rows = count}});
     }
   }
 }

@@ -141,8 +141,8 @@ class ImportsInAnotherUnit : public Selection {
     ImportRecord import{.file = std::to_string(number) + ".QXT", .units = units};
     AddImport(database, import);
     for (const auto& [transaction, rows] : batches) {
-      AddImportedBatch(database,
-                       {.import = import.number, .transaction = transaction, .rows = rows});
+      AddImportedBatches(database,
+                         {{.import = import.number, .transaction = transaction, .rows = rows}});
     }
   }
 };

@@ -86,10 +86,10 @@ TEST_F(UseOfIngredients, AStatementTellsWhatIsKnownToBeIncomplete) {
   MakeImportTables(database);
   const auto add = [&](ImportRecord import, BatchState state, std::optional<std::int32_t> number) {
     AddImport(database, import);
-    AddImportedBatch(database, {.import = import.number,
-                                .transaction = number,
-                                .state = state,
-                                .rows = state == BatchState::kSame ? 0 : 1});
+    AddImportedBatches(database, {{.import = import.number,
+                                   .transaction = number,
+                                   .state = state,
+                                   .rows = state == BatchState::kSame ? 0 : 1}});
   };
   Load(2, "CORN", 10, 12, "'1', '2026-01-05', '08:00:00'");
   add({.at = "2026-01-05T20:00:00+01:00",
