@@ -226,4 +226,36 @@ void AtomicFile::Commit() {
   }
 }
 
+NewFile::NewFile(const fs::path& path) : path_(path), temporary_(path) {
+  RefuseExisting();
+  temporary_ += "." + std::to_string(std::random_device{}()) + ".tmp";
+}
+
+NewFile::~NewFile() {
+  std::error_code ignored;
+  fs::remove(temporary_, ignored);
+  fs::remove(temporary_.string() + "-journal", ignored);
+}
+
+void NewFile::TakeName() {
+  std::error_code error = SyncToDisk(temporary_);
+  if (!error) {
+    // Unlike a rename, a hard link never replaces a file. Not every file system has hard links.
+    fs::create_hard_link(temporary_, path_, error);
+    if (error) {
+      RefuseExisting();
+      fs::rename(temporary_, path_, error);
+    }
+  }
+  if (error) {
+    FailToWrite(path_, error);
+  }
+}
+
+void NewFile::RefuseExisting() const {
+  if (FileExists(path_)) {
+    throw FileError(Tr("%1 already exists; choose another name", {path_.string()}));
+  }
+}
+
 }  // namespace vrx

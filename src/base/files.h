@@ -67,4 +67,27 @@ class AtomicFile {
   std::ofstream out_;
 };
 
+// A file that is made under a temporary name in the same folder and disappears, with a journal of
+// it, unless it takes its name. It never replaces a file. Every call throws FileError.
+class NewFile {
+ public:
+  // Refuses a path that names anything.
+  explicit NewFile(const std::filesystem::path& path);
+  ~NewFile();
+  NewFile(const NewFile&) = delete;
+  NewFile& operator=(const NewFile&) = delete;
+
+  // Where the caller makes it.
+  [[nodiscard]] const std::filesystem::path& Path() const { return temporary_; }
+
+  // Call once, when nothing has the file open. Flushes its bytes to disk before.
+  void TakeName();
+
+ private:
+  void RefuseExisting() const;
+
+  std::filesystem::path path_;
+  std::filesystem::path temporary_;
+};
+
 }  // namespace vrx

@@ -3,7 +3,6 @@
 #include <bit>
 #include <memory>
 #include <optional>
-#include <random>
 #include <utility>
 #include <vector>
 
@@ -13,7 +12,6 @@
 #include <sqlite3.h>
 
 #include "base/files.h"
-#include "base/sync.h"
 #include "base/translation.h"
 #include "base/uuid.h"
 #include "central/administration.h"
@@ -173,50 +171,6 @@ std::string Literal(const std::string& uuid) {
   }
   return "'" + uuid + "'";
 }
-
-// A file beside its name-to-be that disappears unless it takes the name.
-class UnfinishedFile {
- public:
-  explicit UnfinishedFile(const fs::path& path)
-      : path_(path),
-        temporary_(path.string() + "." + std::to_string(std::random_device{}()) + ".tmp") {
-    RefuseExisting();
-  }
-  ~UnfinishedFile() {
-    std::error_code ignored;
-    fs::remove(temporary_, ignored);
-    fs::remove(temporary_.string() + "-journal", ignored);
-  }
-  UnfinishedFile(const UnfinishedFile&) = delete;
-  UnfinishedFile& operator=(const UnfinishedFile&) = delete;
-
-  [[nodiscard]] const fs::path& Path() const { return temporary_; }
-
-  void TakeName() {
-    std::error_code error = SyncToDisk(temporary_);
-    if (!error) {
-      // Unlike a rename, a hard link never replaces a file. Not every file system has hard links.
-      fs::create_hard_link(temporary_, path_, error);
-      if (error) {
-        RefuseExisting();
-        fs::rename(temporary_, path_, error);
-      }
-    }
-    if (error) {
-      throw FileError(Tr("cannot write %1: %2", {path_.string(), error.message()}));
-    }
-  }
-
- private:
-  void RefuseExisting() const {
-    if (FileExists(path_)) {
-      throw FileError(Tr("%1 already exists; choose another name", {path_.string()}));
-    }
-  }
-
-  fs::path path_;
-  fs::path temporary_;
-};
 
 ServerSource ChooseSource(CentralConnection& server, const std::string& yard,
                           const RestoreOrder& order) {
@@ -409,7 +363,7 @@ class RestoreRun {
   const RestoreOrder& order_;
   const Calendar& calendar_;
   const CentralProgress& progress_;
-  UnfinishedFile file_;
+  NewFile file_;
   std::string yard_;
   ServerSource source_;
   std::vector<SourcePart> parts_;
