@@ -15,6 +15,7 @@
 #include "central/row_reader.h"
 #include "central/server.h"
 #include "database/connection.h"
+#include "database/import_rows.h"
 #include "database/imports.h"
 
 namespace vrx {
@@ -122,7 +123,8 @@ RowProof SendRows(CentralConnection& server, SQLite::Database& database, const P
   server.Query(kMakeTable);
   server.StartCopy("COPY pg_temp.pushed FROM STDIN (FORMAT binary)");
   server.PutCopy(kCopyHeader);
-  RowImports imports(database, order.after_import, portion.last_import);
+  const ImportRows imports(database,
+                           ImportNumbers(database, order.after_import, portion.last_import));
   RowReader reader(database, order.after_row);
   ProofSum proof;
   std::string block;

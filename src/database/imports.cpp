@@ -251,6 +251,23 @@ std::vector<ImportRecord> ReadImports(SQLite::Database& database) {
   });
 }
 
+std::vector<std::int64_t> ImportNumbers(SQLite::Database& database, std::int64_t after,
+                                        std::int64_t last) {
+  return WithDatabaseErrors(database, [&] {
+    std::vector<std::int64_t> numbers;
+    if (HasImportTables(database)) {
+      SQLite::Statement query(
+          database, "SELECT Number FROM Imports WHERE Number > ? AND Number <= ? ORDER BY Number");
+      query.bind(1, after);
+      query.bind(2, last);
+      while (query.executeStep()) {
+        numbers.push_back(query.getColumn(0).getInt64());
+      }
+    }
+    return numbers;
+  });
+}
+
 std::optional<ImportRecord> ReadUndoableStore(SQLite::Database& database) {
   return WithDatabaseErrors(database, [&]() -> std::optional<ImportRecord> {
     if (!HasImportTables(database)) {

@@ -87,6 +87,10 @@ class StoredBatchSearch {
 // All stores by number.
 [[nodiscard]] std::vector<ImportRecord> ReadImports(SQLite::Database& database);
 
+// The numbers above `after` up to `last`, ascending.
+[[nodiscard]] std::vector<std::int64_t> ImportNumbers(SQLite::Database& database,
+                                                      std::int64_t after, std::int64_t last);
+
 // The last store, if it was not taken back yet.
 [[nodiscard]] std::optional<ImportRecord> ReadUndoableStore(SQLite::Database& database);
 

@@ -1,12 +1,13 @@
 #pragma once
 
-#include <cstddef>
 #include <cstdint>
+#include <map>
 #include <string>
 #include <vector>
 
 #include <SQLiteCpp/Database.h>
 
+#include "database/import_rows.h"
 #include "insight/question.h"
 #include "insight/weight_limit.h"
 #include "platform/calendar.h"
@@ -26,8 +27,7 @@ enum class Settlement {
 // The unit of a database; pounds if its label is not "KG". Throws DatabaseError.
 [[nodiscard]] WeightUnit ReadWeightUnit(SQLite::Database& database);
 
-// The rows that are in another unit than the database is, by the rows that each store has written:
-// the last ones of a transaction belong to its last store.
+// The rows that are in another unit than the database is, by the stores that have written them.
 class ImportUnits {
  public:
   enum class Use { kAsStored, kConverted, kLeftOut };
@@ -44,18 +44,12 @@ class ImportUnits {
   [[nodiscard]] const std::vector<LeftOutImport>& LeftOut() const { return left_out_; }
 
  private:
-  struct Run {
-    std::int64_t first;
-    std::int64_t last;
-    Use use;
-  };
   void FindRows(SQLite::Database& database);
-  void AddRow(std::int64_t rowid, Use use);
 
   WeightUnit unit_;
-  std::vector<Run> runs_;  // ascending
+  std::map<std::int64_t, Use> uses_;  // by import, of those that are not as stored
+  ImportRows rows_;                   // of these imports
   std::vector<LeftOutImport> left_out_;
-  mutable std::size_t next_ = 0;  // the run that the last row was in or before
 };
 
 // Records what the weights of a store are, and that the database was modified today. Throws

@@ -95,31 +95,5 @@ TEST_F(PushPlan, SendsAllImportsFirstWhenRowsAreMissing) {
   EXPECT_THAT(Plan(kAll, 0, 10), ElementsAre("1-10:10/2", "11-20:10/2"));
 }
 
-TEST_F(PushPlan, FindsTheImportOfEachRow) {
-  AddRows(1, 1, 2);  // of no import
-  AddRows(7, 7, 3);
-  AddImport(3);
-  AddRows(7, 8, 2);
-  AddImport(4);
-  database_.exec(
-      "INSERT INTO ImportedBatches (Import, [Transaction], Rows) VALUES (1, 7, 3), (2, 7, 2), (2, "
-      "8, 2), (2, 1, 0)");
-  const auto imports = [this](std::int64_t after, std::int64_t last) {
-    RowImports found(database_, after, last);
-    std::string text;
-    for (std::int64_t row = 1; row <= 9; ++row) {
-      text += std::to_string(found.ImportOf(row).value_or(0));
-    }
-    return text;
-  };
-  EXPECT_EQ(imports(0, 2), "001112222");
-  EXPECT_EQ(imports(1, 2), "000002222");
-  EXPECT_EQ(imports(0, 1), "001110000");
-  EXPECT_EQ(imports(2, 2), "000000000");
-  RowImports any_order(database_, 0, 2);
-  EXPECT_EQ(any_order.ImportOf(9), 2);
-  EXPECT_EQ(any_order.ImportOf(3), 1);
-}
-
 }  // namespace
 }  // namespace vrx::testing
