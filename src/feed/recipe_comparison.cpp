@@ -1,7 +1,6 @@
 #include "feed/recipe_comparison.h"
 
 #include <algorithm>
-#include <array>
 #include <cstddef>
 #include <utility>
 
@@ -33,32 +32,6 @@ RecipeTotals RecalcCompared(Ration& ration, std::string_view file_title) {
   }
 }
 
-struct NamedText {
-  std::string_view name;
-  std::string text;
-};
-
-std::array<NamedText, 6> FieldsOf(const RecipeRecord& recipe) {
-  return {{{"Name", recipe.name},
-           {"Description", recipe.description},
-           {"BatchType", recipe.batch_type},
-           {"HeadCount", std::to_string(recipe.head_count)},
-           {"RationTarget", recipe.ration_target},
-           {"AdjBatTotIndex", recipe.adjust_batch_index}}};
-}
-
-std::array<NamedText, 9> CellsOf(const RecipeLineRecord& line) {
-  return {{{kIngredientCell, line.ingredient},
-           {"Target", line.target},
-           {"Ration%", line.ration_percent},
-           {"DryMatter%", line.dry_matter_percent},
-           {"DryMatter", line.dry_matter},
-           {"BatchTarget", line.batch_target},
-           {"Sequence", std::to_string(line.sequence)},
-           {"HandAdd", line.hand_add ? "Yes" : "No"},
-           {"Ingredient%", PercentText(line.ingredient_percent)}}};
-}
-
 template <std::size_t kCount>
 std::vector<std::string_view> Different(const std::array<NamedText, kCount>& a,
                                         const std::array<NamedText, kCount>& b) {
@@ -72,6 +45,27 @@ std::vector<std::string_view> Different(const std::array<NamedText, kCount>& a,
 }
 
 }  // namespace
+
+std::array<NamedText, 6> FieldTexts(const RecipeRecord& recipe) {
+  return {{{"Name", recipe.name},
+           {"Description", recipe.description},
+           {"BatchType", recipe.batch_type},
+           {"HeadCount", std::to_string(recipe.head_count)},
+           {"RationTarget", recipe.ration_target},
+           {"AdjBatTotIndex", recipe.adjust_batch_index}}};
+}
+
+std::array<NamedText, 9> CellTexts(const RecipeLineRecord& line) {
+  return {{{kIngredientCell, line.ingredient},
+           {"Target", line.target},
+           {"Ration%", line.ration_percent},
+           {"DryMatter%", line.dry_matter_percent},
+           {"DryMatter", line.dry_matter},
+           {"BatchTarget", line.batch_target},
+           {"Sequence", std::to_string(line.sequence)},
+           {"HandAdd", line.hand_add ? "Yes" : "No"},
+           {"Ingredient%", PercentText(line.ingredient_percent)}}};
+}
 
 ComparedRecipe ReadCompared(SQLite::Database& database, std::string_view file_title, int id) {
   Ration ration{.recipe = ReadRecipe(database, id), .lines = ReadRecipeLines(database, id)};
@@ -114,7 +108,7 @@ std::vector<ComparedPair> PairLines(const ComparedRecipe& a, const ComparedRecip
 }
 
 std::vector<std::string_view> DifferentFields(const RecipeRecord& a, const RecipeRecord& b) {
-  return Different(FieldsOf(a), FieldsOf(b));
+  return Different(FieldTexts(a), FieldTexts(b));
 }
 
 std::vector<std::string_view> DifferentTotals(const TotalsRow& a, const TotalsRow& b) {
@@ -132,12 +126,12 @@ std::vector<std::string_view> DifferentTotals(const TotalsRow& a, const TotalsRo
 std::vector<std::string_view> DifferentCells(const ComparedPair& pair, bool one_database) {
   std::vector<std::string_view> names;
   if (pair.a != nullptr && pair.b != nullptr) {
-    names = Different(CellsOf(pair.a->cells), CellsOf(pair.b->cells));
+    names = Different(CellTexts(pair.a->cells), CellTexts(pair.b->cells));
     if (one_database) {
       return names;
     }
   } else {
-    for (const NamedText& cell : CellsOf(pair.Any().cells)) {
+    for (const NamedText& cell : CellTexts(pair.Any().cells)) {
       names.push_back(cell.name);
     }
   }

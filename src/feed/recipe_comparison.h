@@ -1,5 +1,6 @@
 #pragma once
 
+#include <array>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -32,6 +33,16 @@ struct ComparedPair {
 
   [[nodiscard]] const ComparedLine& Any() const { return a != nullptr ? *a : *b; }
 };
+
+// A stored value by the name of its column.
+struct NamedText {
+  std::string_view name;
+  std::string text;
+};
+
+// Without the number of the recipe and the rowid of the line; percentages of ingredients as shown.
+[[nodiscard]] std::array<NamedText, 6> FieldTexts(const RecipeRecord& recipe);
+[[nodiscard]] std::array<NamedText, 9> CellTexts(const RecipeLineRecord& line);
 
 // An ingredient that the database does not have is named by its number. Throws DatabaseError, and
 // Error for figures that cannot be computed, which names the recipe and the file's title.
