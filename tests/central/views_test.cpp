@@ -194,6 +194,99 @@ TEST_F(Views, ImportsOfACopyCountOnce) {
   EXPECT_EQ(Table("SELECT imports FROM vrx.completeness_by_day"), "1\n");
 }
 
+// North's batch 7 is loaded on Monday and fed to P1. Then its file is copied: the copy feeds P2 on
+// Tuesday, and the original goes on with another batch 8.
+class CopiedFile : public Views {
+ protected:
+  static constexpr const char* kCopy = "00000000-0000-0000-0000-00000000000c";
+
+  CopiedFile() {
+    Push(north_, {Load(1, 7, "2024-01-01", 100), Delivery(2, 7, "2024-01-01", 60)});
+    AddCopy(kCopy, kNorthSource, 2);
+    PushRows(chief_, north_, kCopy,
+             {Delivery(3, 7, "2024-01-02", 40), Load(4, 8, "2024-01-02", 500)});
+    Push(north_, {Load(3, 8, "2024-01-03", 300)});
+  }
+
+  void AddCopy(const std::string& copy, const std::string& parent, int last_row) {
+    chief_.Query(
+        "INSERT INTO vrx.source (yard, source, generation, parent, parent_last_row, unit, file) "
+        "VALUES ($1, $2, $2, $3, $4, 'LB', 'COPY.TDB')",
+        {north_, copy, parent, std::to_string(last_row)});
+  }
+
+  static CentralRow Load(int row, int number, const std::string& date, double weight) {
+    return {.row = row,
+            .number = number,
+            .type = "BATCH",
+            .date = date,
+            .name = "CORN",
+            .target = weight,
+            .actual = weight};
+  }
+  static CentralRow Delivery(int row, int number, const std::string& date, double weight) {
+    return {.row = row,
+            .number = number,
+            .type = "FEED",
+            .date = date,
+            .name = "P" + std::to_string(row),
+            .target = weight,
+            .actual = weight,
+            .recipe = "OTHER"};
+  }
+};
+
+TEST_F(CopiedFile, ABatchThatGoesOnInItIsOneBatch) {
+  EXPECT_EQ(Table("SELECT number, day, recipe, loaded, fed, state FROM vrx.batch_balance ORDER BY "
+                  "1, 2"),
+            "7|2024-01-01|R|100|100|balanced\n"
+            "8|2024-01-02|R|500|NULL|never fed\n"
+            "8|2024-01-03|R|300|NULL|never fed\n");
+  EXPECT_EQ(Table("SELECT pen, day, date FROM vrx.delivery ORDER BY 1"),
+            "P2|2024-01-01|2024-01-01\nP3|2024-01-01|2024-01-02\n");
+  EXPECT_EQ(Table("SELECT n FROM vrx.accuracy('2024-01-01', '2024-01-01', deliveries => true)"),
+            "2\n");
+}
+
+TEST_F(CopiedFile, ItsCopyKnowsWhereABatchBegan) {
+  const std::string second = "00000000-0000-0000-0000-00000000000d";
+  AddCopy(second, kCopy, 4);
+  PushRows(chief_, north_, second,
+           {Delivery(5, 7, "2024-01-04", 1), Delivery(6, 8, "2024-01-04", 500),
+            Load(7, 9, "2024-01-05", 9)});
+  EXPECT_EQ(Table("SELECT number, day, loaded, fed FROM vrx.batch_balance ORDER BY 1, 2"),
+            "7|2024-01-01|100|101\n"
+            "8|2024-01-02|500|500\n"
+            "8|2024-01-03|300|NULL\n"
+            "9|2024-01-05|9|NULL\n");
+  EXPECT_EQ(Table("SELECT number, home FROM vrx.delivery WHERE source = $1 ORDER BY 1", {second}),
+            "7|" + std::string(kNorthSource) + "\n8|" + kCopy + "\n");
+}
+
+// Rows of the parent after the copy are not in the copy.
+TEST_F(CopiedFile, ABatchThatItsParentBeganLaterIsAnotherOne) {
+  PushRows(chief_, north_, kCopy, {Delivery(5, 8, "2024-01-04", 500)});
+  EXPECT_EQ(Table("SELECT day, loaded, fed FROM vrx.batch_balance WHERE number = 8 ORDER BY 1"),
+            "2024-01-02|500|500\n2024-01-03|300|NULL\n");
+}
+
+TEST_F(CopiedFile, AWithdrawalLeavesABatchOne) {
+  Withdraw(chief_, {.source = kCopy, .first_row = 4, .last_row = 4, .why = "x"});
+  Withdraw(chief_, {.source = kNorthSource, .first_row = 2, .last_row = 2, .why = "x"});
+  EXPECT_EQ(Table("SELECT number, day, loaded, fed FROM vrx.batch_balance ORDER BY 1, 2"),
+            "7|2024-01-01|100|40\n8|2024-01-03|300|NULL\n");
+  Withdraw(chief_, {.source = kCopy, .first_row = 9, .last_row = 9, .why = "no such row"});
+  Withdraw(chief_, {.source = kCopy, .first_row = 3, .last_row = 3, .why = "x"});
+  EXPECT_EQ(Table("SELECT number, fed FROM vrx.batch_balance WHERE number = 7"), "7|NULL\n");
+}
+
+TEST_F(CopiedFile, WithAnotherLabelIsConvertedToTheUnitOfTheBatch) {
+  chief_.Query("UPDATE vrx.source SET unit = 'KG' WHERE source = $1", {kCopy});
+  EXPECT_EQ(Table("SELECT unit, loaded, round(fed::numeric, 3) FROM vrx.batch_balance WHERE number "
+                  "= 7"),
+            "LB|100|148.185\n");
+}
+
 TEST_F(Views, FreshnessSaysAsOfWhenEachYardIs) {
   PushLoad(1, 1);
   chief_.Query("INSERT INTO vrx.mark (yard, source, kind, value) VALUES ($1, $2, 'label', 'KG')",

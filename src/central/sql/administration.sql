@@ -70,9 +70,12 @@ BEGIN
   -- What is left of the batches may begin on another day.
   DELETE FROM vrx.batch_day d
     WHERE d.yard = yards[1] AND d.source = source_id AND d.batch = ANY (batches);
-  INSERT INTO vrx.batch_day (yard, source, batch, of_load, day)
-    SELECT DISTINCT ON (t.batch) t.yard, t.source, t.batch, t.type = 'BATCH', t.day
+  INSERT INTO vrx.batch_day (yard, source, batch, of_load, day, home)
+    SELECT DISTINCT ON (t.batch) t.yard, t.source, t.batch, t.type = 'BATCH',
+           CASE WHEN h.has_load OR t.type = 'FEED' THEN coalesce(h.day, t.day) ELSE t.day END,
+           coalesce(h.home, t.source)
       FROM vrx.transaction t
+      LEFT JOIN LATERAL vrx.home_of_batch(t.yard, t.source, t.batch) h ON true
       WHERE t.yard = yards[1] AND t.source = source_id AND t.batch = ANY (batches)
         AND t.type IN ('BATCH', 'FEED')
         AND NOT EXISTS (SELECT FROM vrx.withdrawal w WHERE w.yard = t.yard AND w.source = t.source

@@ -43,6 +43,8 @@ DECLARE
   with_load bigint[];
   without_load bigint[];
   open_imports bigint[];
+  is_copy boolean := EXISTS (SELECT FROM vrx.source s WHERE s.yard = yard_id
+    AND s.source = source_id AND s.parent IS NOT NULL);
 BEGIN
   SELECT min(r.batch), max(r.batch) INTO low, high
     FROM (SELECT t.batch FROM vrx.transaction t WHERE t.yard = yard_id AND t.source = source_id
@@ -53,8 +55,10 @@ BEGIN
     WHERE d.yard = yard_id AND d.source = source_id AND d.batch BETWEEN low AND high;
   SELECT coalesce(array_agg(o.import), '{}') INTO open_imports FROM vrx.import_in_other_unit o
     WHERE o.yard_id = add_batch_days.yard_id AND o.source = source_id AND o.use = 'open';
-  INSERT INTO vrx.batch_day (yard, source, batch, of_load, day)
-    SELECT yard_id, source_id, f.batch, f.of_load, f.day
+  INSERT INTO vrx.batch_day (yard, source, batch, of_load, day, home)
+    SELECT yard_id, source_id, f.batch, f.of_load,
+           CASE WHEN h.has_load OR NOT f.of_load THEN coalesce(h.day, f.day) ELSE f.day END,
+           coalesce(h.home, source_id)
     FROM (SELECT DISTINCT ON (r.batch) r.batch, r.type = 'BATCH' AS of_load, r.day
             FROM (SELECT t.batch, t.type, t.row, t.day, t.import FROM vrx.transaction t
                     WHERE t.yard = yard_id AND t.source = source_id
@@ -62,6 +66,7 @@ BEGIN
             WHERE r.type IN ('BATCH', 'FEED')
               AND (r.import IS NULL OR r.import <> ALL (open_imports))
             ORDER BY r.batch, r.type, r.row) f
+    LEFT JOIN LATERAL vrx.home_of_batch(yard_id, source_id, f.batch) h ON is_copy
     WHERE f.batch <> ALL (with_load) AND (f.of_load OR f.batch <> ALL (without_load));
 END
 $$;

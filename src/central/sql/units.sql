@@ -57,14 +57,38 @@ LEFT JOIN vrx.withdrawal w ON w.yard = t.yard AND w.source = t.source
   AND (w.first_row IS NULL OR t.row BETWEEN w.first_row AND w.last_row)
 WHERE t.type IN ('BATCH', 'FEED') AND o.use IS DISTINCT FROM 'open' AND w.yard IS NULL;
 
--- The batches with their days.
+-- The batches with their days. A batch that goes on in a copied file has a line for each source; they
+-- have the same home.
 CREATE OR REPLACE VIEW vrx.batch WITH (security_invoker) AS
-SELECT d.yard AS yard_id, d.source, d.batch, d.day, d.of_load AS has_load
+SELECT d.yard AS yard_id, d.source, d.batch, d.day, d.of_load AS has_load, d.home
 FROM vrx.batch_day d
 WHERE d.of_load OR NOT EXISTS (SELECT FROM vrx.batch_day l WHERE l.yard = d.yard
   AND l.source = d.source AND l.batch = d.batch AND l.of_load);
 
+-- Where a batch of a copied file began: the nearest ancestor that has rows of it from before the
+-- copy. Nothing for a batch of the source's own.
+CREATE OR REPLACE FUNCTION vrx.home_of_batch(yard_id uuid, source_id uuid, batch_id bigint)
+RETURNS TABLE (home uuid, day date, has_load boolean)
+LANGUAGE sql STABLE SET search_path = pg_catalog, pg_temp AS $$
+  WITH RECURSIVE ancestor AS (
+    SELECT s.parent AS source, s.parent_last_row AS last_row, 1 AS steps
+      FROM vrx.source s
+      WHERE s.yard = yard_id AND s.source = source_id AND s.parent IS NOT NULL
+    UNION ALL
+    SELECT s.parent, least(a.last_row, s.parent_last_row), a.steps + 1
+      FROM ancestor a JOIN vrx.source s ON s.yard = yard_id AND s.source = a.source
+      WHERE s.parent IS NOT NULL AND a.steps < 1000)
+  SELECT b.home, b.day, b.has_load
+    FROM ancestor a
+    JOIN vrx.batch b ON b.yard_id = home_of_batch.yard_id AND b.source = a.source
+      AND b.batch = batch_id
+    WHERE EXISTS (SELECT FROM vrx.transaction t WHERE t.yard = home_of_batch.yard_id
+      AND t.source = a.source AND t.batch = batch_id AND t.row <= a.last_row)
+    ORDER BY a.steps LIMIT 1
+$$;
+
 GRANT EXECUTE ON FUNCTION vrx.exact(float8), vrx.in_unit(numeric, text, text),
-  vrx.counted(float8, text, boolean) TO vrx_yard, vrx_office, vrx_administrator;
+  vrx.counted(float8, text, boolean), vrx.home_of_batch(uuid, uuid, bigint)
+  TO vrx_yard, vrx_office, vrx_administrator;
 GRANT SELECT ON vrx.import_in_other_unit, vrx.counted_row, vrx.batch
   TO vrx_yard, vrx_office, vrx_administrator;

@@ -163,12 +163,15 @@ CREATE INDEX transaction_loads ON vrx.transaction (yard, source, batch)
 
 -- The day of each batch: of its first load, and as long as it has none, of its first delivery. A
 -- push adds them; if loads come after deliveries, the batch has both and the first counts no more.
+-- A batch that began before its file was copied, and that the copy goes on with, is one batch: `home`
+-- is the source of its first rows, and its day is that of these rows.
 CREATE TABLE vrx.batch_day (
   yard uuid NOT NULL,
   source uuid NOT NULL,
   batch bigint NOT NULL,
   of_load boolean NOT NULL,
   day date,
+  home uuid NOT NULL,
   PRIMARY KEY (yard, source, batch, of_load),
   FOREIGN KEY (yard, source) REFERENCES vrx.source
 );

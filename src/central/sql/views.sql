@@ -6,7 +6,7 @@
 CREATE OR REPLACE VIEW vrx.load WITH (security_invoker) AS
 SELECT y.name AS yard, b.day, r.row_day AS date, r.time, r.number, r.recipe, r.operator,
        r.ingredient, coalesce(a.company_name, r.ingredient) AS company_ingredient, r.target,
-       r.actual, r.unit, r.source, r.batch, r.row, r.import
+       r.actual, r.unit, r.source, r.batch, r.row, r.import, b.home
 FROM vrx.batch b
 JOIN vrx.yard y ON y.yard = b.yard_id
 JOIN vrx.counted_row r ON r.yard_id = b.yard_id AND r.source = b.source AND r.batch = b.batch
@@ -15,14 +15,15 @@ WHERE r.is_load;
 
 CREATE OR REPLACE VIEW vrx.delivery WITH (security_invoker) AS
 SELECT y.name AS yard, b.day, r.row_day AS date, r.time, r.number, r.recipe, r.operator, r.pen,
-       r.target, r.actual, r.unit, r.source, r.batch, r.row, r.import
+       r.target, r.actual, r.unit, r.source, r.batch, r.row, r.import, b.home
 FROM vrx.batch b
 JOIN vrx.yard y ON y.yard = b.yard_id
 JOIN vrx.counted_row r ON r.yard_id = b.yard_id AND r.source = b.source AND r.batch = b.batch
 WHERE NOT r.is_load;
 
 -- Recipe and operator are those of the first row. A batch is out of balance when more than 2 % of
--- what was loaded and more than 50 kg are left or lacking.
+-- what was loaded and more than 50 kg are left or lacking. A batch that goes on in a copied file is
+-- one batch, of the source and in the unit of its first rows.
 CREATE OR REPLACE VIEW vrx.batch_balance WITH (security_invoker) AS
 SELECT s.yard, s.day, s.number, s.recipe, s.operator,
        CASE WHEN s.loads > 0 THEN s.loaded::float8 END AS loaded,
@@ -37,17 +38,20 @@ SELECT s.yard, s.day, s.number, s.recipe, s.operator,
             ELSE 'balanced' END AS state,
        s.loads, s.deliveries, s.unit, s.source, s.batch
 FROM (
-  SELECT y.name AS yard, b.day, min(r.number) AS number, b.source, b.batch, min(r.unit) AS unit,
+  SELECT y.name AS yard, b.day, min(r.number) AS number, b.home AS source, b.batch, h.unit,
          (array_agg(r.recipe ORDER BY r.row))[1] AS recipe,
          (array_agg(r.operator ORDER BY r.row))[1] AS operator,
          count(*) FILTER (WHERE r.is_load) AS loads,
          count(*) FILTER (WHERE NOT r.is_load) AS deliveries,
-         coalesce(sum(vrx.exact(r.actual)) FILTER (WHERE r.is_load), 0) AS loaded,
-         coalesce(sum(vrx.exact(r.actual)) FILTER (WHERE NOT r.is_load), 0) AS fed
+         coalesce(sum(vrx.in_unit(vrx.exact(r.actual), r.unit, h.unit))
+           FILTER (WHERE r.is_load), 0) AS loaded,
+         coalesce(sum(vrx.in_unit(vrx.exact(r.actual), r.unit, h.unit))
+           FILTER (WHERE NOT r.is_load), 0) AS fed
   FROM vrx.batch b
   JOIN vrx.yard y ON y.yard = b.yard_id
+  JOIN vrx.source h ON h.yard = b.yard_id AND h.source = b.home
   JOIN vrx.counted_row r ON r.yard_id = b.yard_id AND r.source = b.source AND r.batch = b.batch
-  GROUP BY y.name, b.day, b.yard_id, b.source, b.batch) s;
+  GROUP BY y.name, b.day, b.yard_id, b.home, b.batch, h.unit) s;
 
 -- Counts and sums of accuracy, with the limits 2 %, 5 kg and 62.5 kg.
 CREATE OR REPLACE VIEW vrx.judged_load WITH (security_invoker) AS
