@@ -17,13 +17,14 @@ constexpr std::string_view kCentralErrorTitle = "Central Database Error";
 class CentralCommand : public Command {
  public:
   CLI::App* Register(CLI::App& app) override {
-    CLI::App* command = app.add_subcommand(
-        "central", "The central database of several yards: push, check and restore records");
+    CLI::App* command =
+        app.add_subcommand("central", "The central database of several yards: records and recipes");
     command->require_subcommand(1);
     for (auto* const make :
          {MakeCentralInitCommand, MakeCentralAddYardCommand, MakeCentralPushCommand,
           MakeCentralStatusCommand, MakeCentralVerifyCommand, MakeCentralRestoreCommand,
-          MakeCentralWithdrawCommand, MakeCentralEraseCommand, MakeCentralAliasCommand}) {
+          MakeCentralPublishCommand, MakeCentralFetchCommand, MakeCentralWithdrawCommand,
+          MakeCentralEraseCommand, MakeCentralAliasCommand}) {
       std::unique_ptr<Command> subcommand = make();
       CLI::App* const registered = subcommand->Register(*command);
       subcommands_.push_back({std::move(subcommand), registered});

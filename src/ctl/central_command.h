@@ -45,6 +45,8 @@ std::unique_ptr<Command> MakeCentralPushCommand();
 std::unique_ptr<Command> MakeCentralStatusCommand();
 std::unique_ptr<Command> MakeCentralVerifyCommand();
 std::unique_ptr<Command> MakeCentralRestoreCommand();
+std::unique_ptr<Command> MakeCentralPublishCommand();
+std::unique_ptr<Command> MakeCentralFetchCommand();
 std::unique_ptr<Command> MakeCentralWithdrawCommand();
 std::unique_ptr<Command> MakeCentralEraseCommand();
 std::unique_ptr<Command> MakeCentralAliasCommand();
