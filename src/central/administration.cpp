@@ -12,8 +12,8 @@ namespace {
 constexpr int kOldestServer = 150000;
 
 // What is replaced at each upgrade, in this order.
-constexpr std::array<std::string_view, 5> kReplaced{sql::kPush, sql::kAdministration, sql::kUnits,
-                                                    sql::kFigures, sql::kViews};
+constexpr std::array<std::string_view, 6> kReplaced{
+    sql::kPush, sql::kAdministration, sql::kUnits, sql::kFigures, sql::kViews, sql::kOffice};
 
 std::optional<int> SchemaVersion(CentralConnection& server) {
   const bool there =

@@ -17,14 +17,17 @@ constexpr std::string_view kCentralErrorTitle = "Central Database Error";
 class CentralCommand : public Command {
  public:
   CLI::App* Register(CLI::App& app) override {
-    CLI::App* command =
-        app.add_subcommand("central", "The central database of several yards: records and recipes");
+    CLI::App* command = app.add_subcommand(
+        "central",
+        "The central database of several yards: records, recipes and the company's figures");
     command->require_subcommand(1);
     for (auto* const make :
          {MakeCentralInitCommand, MakeCentralAddYardCommand, MakeCentralPushCommand,
           MakeCentralStatusCommand, MakeCentralVerifyCommand, MakeCentralRestoreCommand,
           MakeCentralPublishCommand, MakeCentralFetchCommand, MakeCentralWithdrawCommand,
-          MakeCentralEraseCommand, MakeCentralAliasCommand}) {
+          MakeCentralEraseCommand, MakeCentralAliasCommand, MakeCentralAccuracyCommand,
+          MakeCentralBalanceCommand, MakeCentralDeliveredCommand, MakeCentralUseCommand,
+          MakeCentralCompletenessCommand}) {
       std::unique_ptr<Command> subcommand = make();
       CLI::App* const registered = subcommand->Register(*command);
       subcommands_.push_back({std::move(subcommand), registered});

@@ -50,5 +50,10 @@ std::unique_ptr<Command> MakeCentralFetchCommand();
 std::unique_ptr<Command> MakeCentralWithdrawCommand();
 std::unique_ptr<Command> MakeCentralEraseCommand();
 std::unique_ptr<Command> MakeCentralAliasCommand();
+std::unique_ptr<Command> MakeCentralAccuracyCommand();
+std::unique_ptr<Command> MakeCentralBalanceCommand();
+std::unique_ptr<Command> MakeCentralDeliveredCommand();
+std::unique_ptr<Command> MakeCentralUseCommand();
+std::unique_ptr<Command> MakeCentralCompletenessCommand();
 
 }  // namespace vrx

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstdint>
+#include <functional>
 #include <optional>
 #include <string>
 #include <vector>
@@ -89,5 +90,14 @@ inline constexpr std::size_t kMostDaysWithout = 100;
 [[nodiscard]] Statement ReadStatement(SQLite::Database& database, const std::optional<Date>& from,
                                       const std::optional<Date>& to,
                                       const InsightProgress& progress = {});
+
+// Parts of a statement, for answers about several files. Both go by the period of `answer`.
+//
+// Adds the stores of one file, by number, whose unit is `unit`, and calls `taken` with those that
+// have a row of the period.
+void AddImports(const std::vector<ImportRecord>& imports, const std::string& unit,
+                const std::function<void(const ImportRecord&)>& taken, Statement& answer);
+// `days` have a record, ascending.
+void AddDaysWithout(const std::vector<Date>& days, Statement& answer);
 
 }  // namespace vrx

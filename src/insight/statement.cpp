@@ -24,28 +24,15 @@ constexpr const char* kDates =
     "ALL SELECT (SELECT min([Date]) FROM Transactions WHERE [Date] > Day) FROM Listed WHERE Day IS "
     "NOT NULL) SELECT Day FROM Listed WHERE Day IS NOT NULL";
 
-void AddDaysWithout(SQLite::Database& database, Statement& answer) {
-  std::vector<std::chrono::sys_days> days;
+std::vector<Date> ReadDays(SQLite::Database& database) {
+  std::vector<Date> days;
   SQLite::Statement query(database, kDates);
   while (query.executeStep()) {
     if (const auto day = ParseStoredDate(query.getColumn(0).getString())) {
-      days.emplace_back(*day);
+      days.push_back(*day);
     }
   }
-  for (std::size_t i = 1; i < days.size(); ++i) {
-    auto first = days[i - 1] + std::chrono::days(1);
-    auto last = days[i] - std::chrono::days(1);
-    first = answer.from ? std::max(first, std::chrono::sys_days(*answer.from)) : first;
-    last = answer.to ? std::min(last, std::chrono::sys_days(*answer.to)) : last;
-    if (first > last) {
-      continue;
-    }
-    answer.days_without += (last - first).count() + 1;
-    for (; first <= last && answer.first_days_without.size() < kMostDaysWithout;
-         first += std::chrono::days(1)) {
-      answer.first_days_without.emplace_back(first);
-    }
-  }
+  return days;
 }
 
 void AddStates(SQLite::Database& database, std::int64_t import, Statement& answer) {
@@ -71,35 +58,6 @@ void AddOddDates(const ImportRecord& import, const ImportRecord* before, Stateme
   if (before != nullptr && import.first_date && before->first_date &&
       *import.first_date < *before->first_date) {
     answer.odd_dates.push_back({.import = import.number, .date = *import.first_date});
-  }
-}
-
-void AddImports(SQLite::Database& database, Statement& answer) {
-  const std::vector<ImportRecord> imports = ReadImports(database);
-  const ImportRecord* before = nullptr;
-  const ImportRecord* numbered = nullptr;  // the last one that has batch numbers
-  for (const ImportRecord& import : imports) {
-    if (DaysOf(import).Touch(answer.from, answer.to)) {
-      ++answer.imports;
-      answer.not_read += import.not_read;
-      answer.left_out += import.left_out;
-      if (!import.missing.empty()) {
-        answer.missing.push_back({import.number, import.file, import.missing});
-      }
-      if (numbered != nullptr && import.file_low && *import.file_low > *numbered->file_high + 1) {
-        answer.gaps.push_back({.after = numbered->number,
-                               .before = import.number,
-                               .first = *numbered->file_high + 1,
-                               .last = *import.file_low - 1});
-      }
-      AddStates(database, import.number, answer);
-      AddOddDates(import, before, answer);
-      if ((import.units == "LB" || import.units == "KG") && import.units != answer.notes.units) {
-        answer.other_units.push_back({import.number, import.file, import.units, import.settled});
-      }
-    }
-    before = &import;
-    numbered = import.file_low && import.file_high ? &import : numbered;
   }
 }
 
@@ -181,6 +139,52 @@ ImportDays DaysOf(const ImportRecord& import) {
   return days;
 }
 
+void AddImports(const std::vector<ImportRecord>& imports, const std::string& unit,
+                const std::function<void(const ImportRecord&)>& taken, Statement& answer) {
+  const ImportRecord* before = nullptr;
+  const ImportRecord* numbered = nullptr;  // the last one that has batch numbers
+  for (const ImportRecord& import : imports) {
+    if (DaysOf(import).Touch(answer.from, answer.to)) {
+      ++answer.imports;
+      answer.not_read += import.not_read;
+      answer.left_out += import.left_out;
+      if (!import.missing.empty()) {
+        answer.missing.push_back({import.number, import.file, import.missing});
+      }
+      if (numbered != nullptr && import.file_low && *import.file_low > *numbered->file_high + 1) {
+        answer.gaps.push_back({.after = numbered->number,
+                               .before = import.number,
+                               .first = *numbered->file_high + 1,
+                               .last = *import.file_low - 1});
+      }
+      AddOddDates(import, before, answer);
+      if ((import.units == "LB" || import.units == "KG") && import.units != unit) {
+        answer.other_units.push_back({import.number, import.file, import.units, import.settled});
+      }
+      taken(import);
+    }
+    before = &import;
+    numbered = import.file_low && import.file_high ? &import : numbered;
+  }
+}
+
+void AddDaysWithout(const std::vector<Date>& days, Statement& answer) {
+  for (std::size_t i = 1; i < days.size(); ++i) {
+    auto first = std::chrono::sys_days(days[i - 1]) + std::chrono::days(1);
+    auto last = std::chrono::sys_days(days[i]) - std::chrono::days(1);
+    first = answer.from ? std::max(first, std::chrono::sys_days(*answer.from)) : first;
+    last = answer.to ? std::min(last, std::chrono::sys_days(*answer.to)) : last;
+    if (first > last) {
+      continue;
+    }
+    answer.days_without += (last - first).count() + 1;
+    for (; first <= last && answer.first_days_without.size() < kMostDaysWithout;
+         first += std::chrono::days(1)) {
+      answer.first_days_without.emplace_back(first);
+    }
+  }
+}
+
 Statement ReadStatement(SQLite::Database& database, const std::optional<Date>& from,
                         const std::optional<Date>& to, const InsightProgress& progress) {
   return WithDatabaseErrors(database, [&] {
@@ -188,8 +192,10 @@ Statement ReadStatement(SQLite::Database& database, const std::optional<Date>& f
     const Question question{.from = from, .to = to};
     Statement answer{.from = from, .to = to};
     AddBatches(database, question, progress, answer);
-    AddImports(database, answer);
-    AddDaysWithout(database, answer);
+    AddImports(
+        ReadImports(database), answer.notes.units,
+        [&](const ImportRecord& import) { AddStates(database, import.number, answer); }, answer);
+    AddDaysWithout(ReadDays(database), answer);
     return answer;
   });
 }

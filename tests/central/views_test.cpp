@@ -287,6 +287,56 @@ TEST_F(CopiedFile, WithAnotherLabelIsConvertedToTheUnitOfTheBatch) {
             "LB|100|148.185\n");
 }
 
+TEST_F(Views, YardsAreBehindWithoutAPushOfADayAndAHalf) {
+  PushLoad(1, 1);
+  const std::string question =
+      "SELECT yard, as_of IS NULL, last_day, behind FROM vrx.yard_as_of "
+      "ORDER BY yard";
+  EXPECT_EQ(Table(question), "North|f|2024-01-01|f\nSouth|t|NULL|t\n");
+  chief_.Query("UPDATE vrx.push SET at = at - interval '35 hours'");
+  EXPECT_EQ(Table(question), "North|f|2024-01-01|f\nSouth|t|NULL|t\n");
+  chief_.Query("UPDATE vrx.push SET at = at - interval '2 hours'");
+  EXPECT_EQ(Table(question), "North|f|2024-01-01|t\nSouth|t|NULL|t\n");
+  Withdraw(chief_, {.source = kNorthSource, .why = "x"});
+  EXPECT_EQ(Table(question), "North|t|NULL|t\nSouth|t|NULL|t\n");
+}
+
+// Operator 1 loads 20 times CORN with a target of 100, half of them within, and once HAY with a
+// target of 300, not within. The other operator loads HAY with a target of 1700, so HAY weighs as
+// much as CORN: (50 % * 2000 + 0 % * 2000) / 4000.
+TEST_F(Views, OperatorsAreStandardizedByIngredient) {
+  std::vector<CentralRow> rows;
+  const auto load = [&](const std::string& user, const std::string& name, double target,
+                        double actual) {
+    rows.push_back({.row = static_cast<std::int64_t>(rows.size()) + 1,
+                    .number = 1,
+                    .type = "BATCH",
+                    .date = "2024-01-01",
+                    .name = name,
+                    .target = target,
+                    .actual = actual,
+                    .user_id = user});
+  };
+  for (int i = 0; i < 20; ++i) {
+    load("1", "CORN", 100, i % 2 == 0 ? 101 : 110);
+  }
+  load("1", "HAY", 300, 330);
+  load("2", "HAY", 1700, 1700);
+  load("1", "CORN", 0, 5);  // not counted
+  Push(north_, rows);
+  Push(south_, rows);
+  chief_.Query("UPDATE vrx.source SET unit = 'KG' WHERE yard = $1", {south_});
+  EXPECT_EQ(Table("SELECT * FROM vrx.standardized(NULL, NULL) ORDER BY 1, 2"),
+            "North|1|21|25\nNorth|2|1|NULL\nSouth|1|21|25\nSouth|2|1|NULL\n");
+  EXPECT_EQ(Table("SELECT standardized FROM vrx.standardized(NULL, NULL, 10.5) WHERE operator = "
+                  "'1'"),
+            "100\n100\n");
+  EXPECT_EQ(Table("SELECT standardized FROM vrx.standardized(NULL, NULL, 2, 10) WHERE operator = "
+                  "'1'"),
+            "50\n50\n");
+  EXPECT_EQ(Table("SELECT count(*) FROM vrx.standardized('2024-01-02', NULL)"), "0\n");
+}
+
 TEST_F(Views, FreshnessSaysAsOfWhenEachYardIs) {
   PushLoad(1, 1);
   chief_.Query("INSERT INTO vrx.mark (yard, source, kind, value) VALUES ($1, $2, 'label', 'KG')",
