@@ -34,14 +34,14 @@ const Record* FindRecord(const std::vector<Record>& records, int id) {
 
 std::string YesOrNo(bool yes) { return yes ? "Yes" : "No"; }
 
-std::array<NamedText, 4> FieldTexts(const IngredientRecord& record) {
+std::array<FieldText, 4> FieldTexts(const IngredientRecord& record) {
   return {{{"Name", record.name},
            {"Description", record.description},
            {"DryMatter%", std::to_string(record.dry_matter_percent)},
            {"HandAdd", YesOrNo(record.hand_add)}}};
 }
 
-std::array<NamedText, 3> FieldTexts(const PenRecord& record) {
+std::array<FieldText, 3> FieldTexts(const PenRecord& record) {
   return {{{"Name", record.name},
            {"Description", record.description},
            {"FeedAmount", record.feed_amount}}};
@@ -216,7 +216,7 @@ class ReleaseMerge {
     }
     const auto cells = CellTexts(line->cells);
     return std::find_if(cells.begin(), cells.end(),
-                        [field](const NamedText& cell) { return cell.name == field; })
+                        [field](const FieldText& cell) { return cell.name == field; })
         ->text;
   }
 

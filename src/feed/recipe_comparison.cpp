@@ -33,8 +33,8 @@ RecipeTotals RecalcCompared(Ration& ration, std::string_view file_title) {
 }
 
 template <std::size_t kCount>
-std::vector<std::string_view> Different(const std::array<NamedText, kCount>& a,
-                                        const std::array<NamedText, kCount>& b) {
+std::vector<std::string_view> Different(const std::array<FieldText, kCount>& a,
+                                        const std::array<FieldText, kCount>& b) {
   std::vector<std::string_view> names;
   for (std::size_t each = 0; each < kCount; ++each) {
     if (a.at(each).text != b.at(each).text) {
@@ -46,7 +46,7 @@ std::vector<std::string_view> Different(const std::array<NamedText, kCount>& a,
 
 }  // namespace
 
-std::array<NamedText, 6> FieldTexts(const RecipeRecord& recipe) {
+std::array<FieldText, 6> FieldTexts(const RecipeRecord& recipe) {
   return {{{"Name", recipe.name},
            {"Description", recipe.description},
            {"BatchType", recipe.batch_type},
@@ -55,7 +55,7 @@ std::array<NamedText, 6> FieldTexts(const RecipeRecord& recipe) {
            {"AdjBatTotIndex", recipe.adjust_batch_index}}};
 }
 
-std::array<NamedText, 9> CellTexts(const RecipeLineRecord& line) {
+std::array<FieldText, 9> CellTexts(const RecipeLineRecord& line) {
   return {{{kIngredientCell, line.ingredient},
            {"Target", line.target},
            {"Ration%", line.ration_percent},
@@ -131,7 +131,7 @@ std::vector<std::string_view> DifferentCells(const ComparedPair& pair, bool one_
       return names;
     }
   } else {
-    for (const NamedText& cell : CellTexts(pair.Any().cells)) {
+    for (const FieldText& cell : CellTexts(pair.Any().cells)) {
       names.push_back(cell.name);
     }
   }

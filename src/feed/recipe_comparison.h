@@ -35,14 +35,14 @@ struct ComparedPair {
 };
 
 // A stored value by the name of its column.
-struct NamedText {
+struct FieldText {
   std::string_view name;
   std::string text;
 };
 
 // Without the number of the recipe and the rowid of the line; percentages of ingredients as shown.
-[[nodiscard]] std::array<NamedText, 6> FieldTexts(const RecipeRecord& recipe);
-[[nodiscard]] std::array<NamedText, 9> CellTexts(const RecipeLineRecord& line);
+[[nodiscard]] std::array<FieldText, 6> FieldTexts(const RecipeRecord& recipe);
+[[nodiscard]] std::array<FieldText, 9> CellTexts(const RecipeLineRecord& line);
 
 // An ingredient that the database does not have is named by its number. Throws DatabaseError, and
 // Error for figures that cannot be computed, which names the recipe and the file's title.
