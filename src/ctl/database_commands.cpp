@@ -14,6 +14,7 @@
 #include "base/date.h"
 #include "base/number.h"
 #include "base/text.h"
+#include "central/server.h"
 #include "ctl/command.h"
 #include "ctl/options.h"
 #include "ctl/output.h"
@@ -241,6 +242,49 @@ bool FitsKey(std::string_view key, std::string_view value) {
   return true;
 }
 
+// The keys of the section [Central]. A missing one is empty.
+struct CentralKey {
+  std::string_view key;
+  std::string (*read)(const CentralSettings& settings);
+  // Returns false for a value that the key does not have.
+  bool (*let)(CentralSettings& settings, const std::string& value);
+};
+
+// A password would be shown to everybody who sees the settings.
+bool LetConnection(CentralSettings& settings, const std::string& value) {
+  if (!value.empty()) {
+    static_cast<void>(ReadConnectionString(value));
+  }
+  settings.connection = value;
+  return true;
+}
+
+bool LetAutomatic(CentralSettings& settings, const std::string& value) {
+  settings.automatic = EqualsIgnoringCase(value, "YES");
+  return settings.automatic || EqualsIgnoringCase(value, "NO");
+}
+
+constexpr std::array<CentralKey, 3> kCentralKeys{
+    {{"Connection", [](const CentralSettings& settings) { return settings.connection; },
+      LetConnection},
+     {"Yard", [](const CentralSettings& settings) { return settings.yard; },
+      [](CentralSettings& settings, const std::string& value) {
+        settings.yard = value;
+        return true;
+      }},
+     {"Automatic",
+      [](const CentralSettings& settings) {
+        return std::string(settings.automatic ? "YES" : "NO");
+      },
+      LetAutomatic}}};
+
+const CentralKey* FindCentralKey(std::string_view key) {
+  const auto* const found =
+      std::find_if(kCentralKeys.begin(), kCentralKeys.end(),
+                   [key](const CentralKey& entry) { return EqualsIgnoringCase(entry.key, key); });
+  return found == kCentralKeys.end() ? nullptr : found;
+}
+
 class SettingsCommand : public Command {
  public:
   CLI::App* Register(CLI::App& app) override {
@@ -249,7 +293,9 @@ class SettingsCommand : public Command {
     value_option_ = command->add_option("value", value_, "Its new value");
     AddExamples(*command, {{"settings", "Lists every setting."},
                            {"settings SerialPort", "Reads one."},
-                           {"settings SystemUnits KG", "Writes one."}});
+                           {"settings SystemUnits KG", "Writes one."},
+                           {"settings Connection service=company",
+                            "Where the central database is, without a password."}});
     return command;
   }
 
@@ -260,25 +306,47 @@ class SettingsCommand : public Command {
       List(session);
       return kDone;
     }
+    if (const CentralKey* const central = FindCentralKey(key_)) {
+      return OnCentralKey(session, *central);
+    }
     if (OnlyReads()) {
       session.Out() << session.Settings().TextByKey(key_).value_or("") << '\n';
       return kDone;
     }
     if (!FitsKey(key_, value_) || !session.Settings().LetByKey(key_, value_)) {
-      session.Op().ShowMessage({.icon = Icon::kWarning,
-                                .title = "Settings Error",
-                                .text = key_ + " cannot be '" + value_ + "'."});
-      return kFailed;
+      return Refuse(session, key_ + " cannot be '" + value_ + "'.");
     }
     return session.SaveSettings() ? kDone : kFailed;
   }
 
  private:
+  static int Refuse(Session& session, const std::string& why) {
+    session.Op().ShowMessage({.icon = Icon::kWarning, .title = "Settings Error", .text = why});
+    return kFailed;
+  }
+
+  int OnCentralKey(Session& session, const CentralKey& key) const {
+    CentralSettings settings = session.Central();
+    if (OnlyReads()) {
+      session.Out() << key.read(settings) << '\n';
+      return kDone;
+    }
+    try {
+      if (!key.let(settings, value_)) {
+        return Refuse(session, key_ + " cannot be '" + value_ + "'.");
+      }
+    } catch (const ConnectionStringError& error) {
+      return Refuse(session, error.what());
+    }
+    return session.SaveCentral(settings) ? kDone : kFailed;
+  }
+
   static std::string KnownKey(const std::string& key) {
     const auto keys = PrivateINI::Keys();
-    const bool known = std::any_of(keys.begin(), keys.end(), [&](std::string_view entry) {
-      return EqualsIgnoringCase(entry, key);
-    });
+    const bool known = FindCentralKey(key) != nullptr ||
+                       std::any_of(keys.begin(), keys.end(), [&](std::string_view entry) {
+                         return EqualsIgnoringCase(entry, key);
+                       });
     return known ? "" : "there is no setting " + key;
   }
 
@@ -286,6 +354,10 @@ class SettingsCommand : public Command {
     OutputTable table{.header = {"Key", "Value"}, .rows = {}};
     for (const std::string_view key : PrivateINI::Keys()) {
       table.rows.push_back({key, session.Settings().TextByKey(key).value_or("")});
+    }
+    const CentralSettings central = session.Central();
+    for (const CentralKey& key : kCentralKeys) {
+      table.rows.push_back({key.key, key.read(central)});
     }
     WriteTable(session.Out(), OutputForm::kPlain, table);
   }

@@ -317,15 +317,22 @@ CentralSettings Session::Central() {
 
 bool Session::SaveSettings() {
   PrivateINI& settings = Settings();
-  if (settings.WriteIniSettings(Ini())) {
-    return true;
-  }
+  return settings.WriteIniSettings(Ini()) || ReportUnsaved(settings.FailureCause());
+}
+
+bool Session::SaveCentral(const CentralSettings& settings) {
+  Settings();  // makes a missing file with defaults
+  std::string cause;
+  return WriteCentralSettings(Ini(), Central(), settings, cause) || ReportUnsaved(cause);
+}
+
+bool Session::ReportUnsaved(const std::string& cause) {
   operator_.ShowMessage(
       {.icon = Icon::kWarning,
        .title = "INI File Error",
        .text = "Unable to save some or all of the application settings to the applications INI "
                "file. Please check all settings next time you run the program.",
-       .cause = settings.FailureCause()});
+       .cause = cause});
   return false;
 }
 

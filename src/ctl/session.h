@@ -143,6 +143,8 @@ class Session {
   PrivateINI& Settings();
   // Where the central database is.
   [[nodiscard]] CentralSettings Central();
+  // Writes them. Returns false after reporting a failure.
+  [[nodiscard]] bool SaveCentral(const CentralSettings& settings);
   // Writes the settings. Returns false after reporting a failure.
   [[nodiscard]] bool SaveSettings();
 
@@ -165,6 +167,7 @@ class Session {
                  const std::function<int()>& work);
 
  private:
+  bool ReportUnsaved(const std::string& cause);
   const CPrivateINI& Ini();
   [[nodiscard]] std::filesystem::path FindDataFolder() const;
   PrivateINI ReadSettings();

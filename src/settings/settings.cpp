@@ -15,6 +15,7 @@ namespace {
 
 constexpr std::string_view kYes = "YES";
 constexpr std::string_view kNo = "NO";
+constexpr std::string_view kCentralSection = "Central";
 
 enum class Kind { kText, kUnit, kYesNo, kTolerance, kWeight };
 
@@ -296,12 +297,25 @@ void BeepIfEnabled(Operator& op, const PrivateINI& settings) {
 }
 
 CentralSettings ReadCentralSettings(const CPrivateINI& ini) {
-  constexpr std::string_view kSection = "Central";
   CentralSettings settings;
+  std::string automatic;
   // A key that is not there leaves its text empty.
-  static_cast<void>(ini.ReadKey(kSection, "Connection", settings.connection));
-  static_cast<void>(ini.ReadKey(kSection, "Yard", settings.yard));
+  static_cast<void>(ini.ReadKey(kCentralSection, "Connection", settings.connection));
+  static_cast<void>(ini.ReadKey(kCentralSection, "Yard", settings.yard));
+  static_cast<void>(ini.ReadKey(kCentralSection, "Automatic", automatic));
+  settings.automatic = automatic == kYes;
   return settings;
+}
+
+bool WriteCentralSettings(const CPrivateINI& ini, const CentralSettings& before,
+                          const CentralSettings& settings, std::string& cause) {
+  const auto write = [&](std::string_view key, const std::string& old, const std::string& text) {
+    return old == text || ini.WriteKey(kCentralSection, key, text, &cause);
+  };
+  const auto yes_or_no = [](bool on) { return std::string(on ? kYes : kNo); };
+  return write("Connection", before.connection, settings.connection) &&
+         write("Yard", before.yard, settings.yard) &&
+         write("Automatic", yes_or_no(before.automatic), yes_or_no(settings.automatic));
 }
 
 }  // namespace vrx

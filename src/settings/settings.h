@@ -208,10 +208,18 @@ void BeepIfEnabled(Operator& op, const PrivateINI& settings);
 // Section [Central] of the INI file: where the central database is. Without a connection nothing of
 // it starts. A missing key stays missing.
 struct CentralSettings {
-  std::string connection;  // libpq's connection string, never with a password
-  std::string yard;        // name of this yard
+  std::string connection = {};  // libpq's connection string, never with a password
+  std::string yard = {};        // name of this yard
+  bool automatic = false;       // a push after each store
+
+  bool operator==(const CentralSettings&) const = default;
 };
 
 [[nodiscard]] CentralSettings ReadCentralSettings(const CPrivateINI& ini);
+
+// Writes the keys that differ from `before`. Returns false, sets `cause` and may have written some
+// of them on failure.
+[[nodiscard]] bool WriteCentralSettings(const CPrivateINI& ini, const CentralSettings& before,
+                                        const CentralSettings& settings, std::string& cause);
 
 }  // namespace vrx

@@ -10,6 +10,7 @@ namespace {
 
 using ::testing::HasSubstr;
 using ::testing::IsEmpty;
+using ::testing::Not;
 using ::testing::StartsWith;
 
 TEST_F(CtlTest, HelpGoesToTheOutput) {
@@ -129,7 +130,36 @@ TEST_F(CtlTest, SettingsAreListedWithTheirKeys) {
             "EnablePrintText\tNO\nBatchTargetWtIsRecTarget\tYES\nAutoloadRecipeDB\tNO\n"
             "AutoloadTransDB\tNO\nPrintGridLines\tYES\nDifferenceTolerance\t2\n"
             "WithinPercent\t2\nWithinWeight\t5\nBeyondWeight\t62.5\nScaleDivision\t0\n"
-            "BalancePercent\t2\nBalanceWeight\t50\n");
+            "BalancePercent\t2\nBalanceWeight\t50\nConnection\t\nYard\t\nAutomatic\tNO\n");
+}
+
+TEST_F(CtlTest, TheSettingsOfTheCentralDatabaseAreWrittenAndRead) {
+  EXPECT_EQ(Run({"settings", "connection", "host=db.example.com dbname=central"}), 0) << err;
+  EXPECT_EQ(Run({"settings", "Yard", "North 1"}), 0) << err;
+  EXPECT_EQ(Run({"settings", "Automatic", "yes"}), 0) << err;
+  EXPECT_THAT(ReadAll(folder / "data/VRX-2260.INI"),
+              HasSubstr("[Central]\r\nConnection=host=db.example.com dbname=central\r\n"
+                        "Yard=North 1\r\nAutomatic=YES"));
+  EXPECT_EQ(Run({"settings", "Connection"}), 0);
+  EXPECT_EQ(out, "host=db.example.com dbname=central\n");
+  EXPECT_EQ(Run({"settings"}), 0);
+  EXPECT_THAT(out, HasSubstr("\nYard\tNorth 1\nAutomatic\tYES\n"));
+  EXPECT_EQ(Run({"settings", "SystemUnits"}), 0);
+  EXPECT_EQ(out, "LB\n");
+  EXPECT_EQ(Run({"settings", "Connection", ""}), 0);
+  EXPECT_EQ(Run({"settings", "Connection"}), 0);
+  EXPECT_EQ(out, "\n");
+}
+
+TEST_F(CtlTest, APasswordIsNoPartOfASetting) {
+  const std::string before = ReadAll(folder / "data/VRX-2260.INI");
+  EXPECT_EQ(Run({"settings", "Connection", "host=db password=hunter2"}), 1);
+  EXPECT_THAT(err, HasSubstr("Settings Error: a password does not belong into the connection"));
+  EXPECT_THAT(err, Not(HasSubstr("hunter2")));
+  EXPECT_EQ(Run({"settings", "Connection", "nonsense"}), 1);
+  EXPECT_EQ(Run({"settings", "Automatic", "maybe"}), 1);
+  EXPECT_EQ(err, "Settings Error: Automatic cannot be 'maybe'.\n");
+  EXPECT_EQ(ReadAll(folder / "data/VRX-2260.INI"), before);
 }
 
 TEST_F(CtlTest, ASettingIsWrittenAndRead) {
