@@ -1,6 +1,7 @@
 #include <algorithm>
-#include <array>
-#include <bit>
+#include <atomic>
+#include <chrono>
+#include <future>
 #include <memory>
 #include <optional>
 #include <utility>
@@ -9,12 +10,12 @@
 #include <SQLiteCpp/Column.h>
 #include <SQLiteCpp/Statement.h>
 #include <SQLiteCpp/Transaction.h>
-#include <sqlite3.h>
 
 #include "base/files.h"
 #include "base/translation.h"
 #include "base/uuid.h"
 #include "central/administration.h"
+#include "central/row_reader.h"
 #include "central/server.h"
 #include "central/server_source.h"
 #include "central/transfer.h"
@@ -31,139 +32,6 @@ namespace fs = std::filesystem;
 
 // In kilobytes. Memory stays far below 64 MB.
 constexpr const char* kRestoreCache = "PRAGMA cache_size=-16384";
-
-// Reads one row of a binary COPY.
-class CopyFields {
- public:
-  explicit CopyFields(std::string_view bytes) : bytes_(bytes) {}
-
-  std::int16_t Int16() { return static_cast<std::int16_t>(Unsigned(2)); }
-  std::int32_t Int32() { return static_cast<std::int32_t>(Unsigned(4)); }
-  std::int64_t Int64() { return static_cast<std::int64_t>(Unsigned(8)); }
-  double Real() { return std::bit_cast<double>(Unsigned(8)); }
-
-  // Nothing for NULL.
-  std::optional<std::string_view> Field() {
-    const std::int32_t length = Int32();
-    return length < 0 ? std::nullopt : std::optional(Take(static_cast<std::size_t>(length)));
-  }
-
- private:
-  std::string_view Take(std::size_t size) {
-    if (size > bytes_.size()) {
-      throw CentralError(Tr("the central database sent a row that is cut off"), {});
-    }
-    const std::string_view taken = bytes_.substr(0, size);
-    bytes_.remove_prefix(size);
-    return taken;
-  }
-
-  std::uint64_t Unsigned(std::size_t size) {
-    std::uint64_t number = 0;
-    for (const char byte : Take(size)) {
-      number = number << 8U | static_cast<unsigned char>(byte);
-    }
-    return number;
-  }
-
-  std::string_view bytes_;
-};
-
-// How a field of a row is stored.
-enum class FieldForm { kWhole, kReal, kText, kWeights };
-using enum FieldForm;
-constexpr std::array kRowForms{kWhole, kWhole, kText, kText, kText, kText, kText,
-                               kReal,  kReal,  kText, kText, kReal, kReal, kWeights};
-
-class RowWriter {
- public:
-  explicit RowWriter(SQLite::Database& database) : database_(database), insert_(Prepare(), End) {}
-
-  // The bytes of one row; the header and the trailer are passed over.
-  void Write(std::string_view bytes) {
-    constexpr std::string_view kSignature("PGCOPY\n\377\r\n\0", 11);
-    constexpr std::size_t kHeader = 19;
-    if (bytes.starts_with(kSignature)) {
-      bytes.remove_prefix(std::min(kHeader, bytes.size()));
-    }
-    if (bytes.empty()) {
-      return;
-    }
-    CopyFields fields(bytes);
-    if (fields.Int16() != static_cast<std::int16_t>(kRowForms.size())) {
-      return;  // the trailer
-    }
-    int parameter = 0;
-    sqlite3_clear_bindings(insert_.get());
-    for (const FieldForm form : kRowForms) {
-      ++parameter;
-      if (const std::optional<std::string_view> field = fields.Field()) {
-        Bind(form, parameter, *field);
-      }
-    }
-    const int result = sqlite3_step(insert_.get());
-    sqlite3_reset(insert_.get());
-    if (result != SQLITE_DONE) {
-      throw SQLite::Exception(database_.getHandle(), result);
-    }
-  }
-
- private:
-  static void End(sqlite3_stmt* statement) { sqlite3_finalize(statement); }
-
-  sqlite3_stmt* Prepare() {
-    std::string marks;
-    for (int count = 0; count < RowEncoder::kWeights + static_cast<int>(kRowForms.size()) - 1;
-         ++count) {
-      marks += marks.empty() ? "?" : ", ?";
-    }
-    const std::string text =
-        "INSERT INTO Transactions (" + EncodedColumns() + ") VALUES (" + marks + ")";
-    sqlite3_stmt* statement = nullptr;
-    database_.check(
-        sqlite3_prepare_v2(database_.getHandle(), text.c_str(), -1, &statement, nullptr));
-    return statement;
-  }
-
-  // The bytes live until the row is stored.
-  void Bind(FieldForm form, int parameter, std::string_view bytes) {
-    CopyFields field(bytes);
-    sqlite3_stmt* const insert = insert_.get();
-    switch (form) {
-      case kWhole:
-        sqlite3_bind_int64(insert, parameter, field.Int64());
-        break;
-      case kReal:
-        sqlite3_bind_double(insert, parameter, field.Real());
-        break;
-      case kText:
-        sqlite3_bind_text(insert, parameter, bytes.data(), static_cast<int>(bytes.size()),
-                          SQLITE_STATIC);
-        break;
-      case kWeights:
-        BindWeights(parameter, field);
-        break;
-    }
-  }
-
-  void BindWeights(int first, CopyFields& array) {
-    const std::int32_t dimensions = array.Int32();
-    array.Int32();  // whether there are NULLs
-    array.Int32();  // the type
-    const std::int32_t count = dimensions == 0 ? 0 : array.Int32();
-    if (count != 0) {
-      array.Int32();  // the first index
-    }
-    for (int weight = 0; weight < std::min(count, RowEncoder::kWeights); ++weight) {
-      if (const std::optional<std::string_view> element = array.Field()) {
-        sqlite3_bind_double(insert_.get(), first + weight, CopyFields(*element).Real());
-      }
-    }
-  }
-
-  SQLite::Database& database_;
-  std::unique_ptr<sqlite3_stmt, void (*)(sqlite3_stmt*)> insert_;
-};
 
 std::string Literal(const std::string& uuid) {
   if (!IsUuid(uuid)) {
@@ -201,6 +69,109 @@ ServerSource ChooseSource(CentralConnection& server, const std::string& yard,
   return last.front();
 }
 
+// A range of the file's rows and what the server has proven of it.
+struct ProvenRange {
+  std::int64_t after = 0;
+  std::int64_t last = 0;
+  RowProof proof = {};
+};
+
+// What the pushes of a part proved. The server computes anew what it has of a push of which the
+// part has some rows only, or some were erased. Rows between two pushes belong to the later one.
+std::vector<ProvenRange> ReadProvenRanges(CentralConnection& server, const std::string& yard,
+                                          const SourcePart& part) {
+  const std::vector<CentralRange> erased = ReadErased(server, yard, part);
+  std::vector<ProvenRange> ranges;
+  std::int64_t after = part.after;
+  for (PushedRange& push : ReadPushes(server, yard, part)) {
+    const std::int64_t last = std::min(push.last_row, part.last);
+    const bool whole = push.first_row > part.after && push.last_row <= part.last &&
+                       std::none_of(erased.begin(), erased.end(), [&](const CentralRange& range) {
+                         return range.last >= push.first_row && range.first <= push.last_row;
+                       });
+    ranges.push_back(
+        {.after = after,
+         .last = last,
+         .proof = whole ? std::move(push.proof)
+                        : ReadRowProof(server, yard,
+                                       {.source = part.source, .after = after, .last = last})});
+    after = last;
+  }
+  return ranges;
+}
+
+// A file whose pages of rows stay as they are while they are read: without locks and without a look
+// for changes. What the schema is now is kept, so that indexes may be made meanwhile.
+SQLite::Database OpenUnchanging(const fs::path& path) {
+  std::string uri = "file:";
+  for (const char character : fs::absolute(path).generic_string()) {
+    switch (character) {
+      case '%':
+        uri += "%25";
+        break;
+      case '?':
+        uri += "%3f";
+        break;
+      case '#':
+        uri += "%23";
+        break;
+      default:
+        uri += character;
+    }
+  }
+  SQLite::Database database(uri + "?immutable=1",
+                            SQLite::OPEN_READONLY | SQLite::OPEN_URI | SQLite::OPEN_NOMUTEX);
+  database.exec("BEGIN");
+  database.execAndGet("SELECT count(*) FROM sqlite_schema");
+  return database;
+}
+
+// Reads the rows back from the file, in a thread of its own, and compares them with what the server
+// has proven. Meanwhile indexes may be made: they leave the pages of the rows as they are.
+class RowsReadBack {
+ public:
+  RowsReadBack(const fs::path& file, const std::vector<ProvenRange>& ranges)
+      : database_(OpenUnchanging(file)),
+        reading_(std::async(std::launch::async, [this, &ranges] { return Read(ranges); })) {}
+  ~RowsReadBack() { stop_ = true; }
+  RowsReadBack(const RowsReadBack&) = delete;
+  RowsReadBack& operator=(const RowsReadBack&) = delete;
+
+  // Of all rows; nothing if they differ from what the server has.
+  std::optional<RowProof> Wait(const CentralProgress& progress) {
+    constexpr std::chrono::milliseconds kLook{100};
+    while (reading_.wait_for(kLook) != std::future_status::ready) {
+      progress.Check();
+    }
+    return reading_.get();
+  }
+
+ private:
+  std::optional<RowProof> Read(const std::vector<ProvenRange>& ranges) {
+    ProofSum total;
+    for (const ProvenRange& range : ranges) {
+      ProofSum sum;
+      RowReader reader(database_, range.after);
+      while (reader.ReadBlock(range.last, [&](const RowEncoder& row) {
+        sum.Add(row);
+        total.Add(row);
+      })) {
+        if (stop_) {
+          return std::nullopt;
+        }
+      }
+      if (sum.Take() != range.proof) {
+        return std::nullopt;
+      }
+    }
+    return total.Take();
+  }
+
+  SQLite::Database database_;
+  std::atomic<bool> stop_ = false;
+  std::future<std::optional<RowProof>> reading_;  // waits for its thread when it goes
+};
+
 class RestoreRun {
  public:
   RestoreRun(CentralConnection& server, const RestoreOrder& order, const Calendar& calendar,
@@ -223,15 +194,18 @@ class RestoreRun {
       // The file has no name yet: nothing of it is worth a journal.
       database.exec("PRAGMA journal_mode=OFF");
       database.exec("PRAGMA synchronous=OFF");
-      Fill(database, outcome);
-      outcome.proof = Prove(database);
+      WriteContents(database, outcome);
+      RowsReadBack rows_there(file_.Path(), ranges_);
+      MakeIndexes(database);
+      outcome.proof = Prove(rows_there);
+      MakeSource(database);
     });
     file_.TakeName();
     return outcome;
   }
 
  private:
-  void Fill(SQLite::Database& database, RestoreOutcome& outcome) {
+  void WriteContents(SQLite::Database& database, RestoreOutcome& outcome) {
     for (const std::string& index : IndexNames(database)) {
       database.exec("DROP INDEX " + index);
     }
@@ -239,13 +213,15 @@ class RestoreRun {
     WriteIdentity(database);
     WriteRows(database);
     outcome.imports = WriteImports(database);
+    transaction.commit();
+  }
+
+  void MakeIndexes(SQLite::Database& database) {
     progress_.Report(Tr("Making the indexes"), 0, 0);
     for (const std::string& index : SchemaIndexes(DatabaseKind::kTransaction)) {
       database.exec(index);
       progress_.Check();
     }
-    transaction.commit();
-    MakeSource(database);
   }
 
   static std::vector<std::string> IndexNames(SQLite::Database& database) {
@@ -269,22 +245,24 @@ class RestoreRun {
   void WriteRows(SQLite::Database& database) {
     constexpr std::int64_t kReportEvery = 5000;
     RowWriter writer(database);
-    std::int64_t rows = 0;
     for (const SourcePart& part : parts_) {
       // COPY takes no parameters. The numbers and the checked IDs cannot be anything else.
-      const std::string query =
-          "COPY (SELECT row, number, recipe, type, user_id, ingredient, pen, target, actual_batch, "
-          "time, date, actual_feed, ing_percent, weights FROM vrx.transaction WHERE yard = " +
-          Literal(yard_) + " AND source = " + Literal(part.source) + " AND row > (" +
-          std::to_string(part.after) + ") AND row <= (" + std::to_string(part.last) +
-          ") ORDER BY row) TO STDOUT (FORMAT binary)";
+      const std::string query = "COPY (SELECT " + CopiedColumns() +
+                                " FROM vrx.transaction WHERE yard = " + Literal(yard_) +
+                                " AND source = " + Literal(part.source) + " AND row > (" +
+                                std::to_string(part.after) + ") AND row <= (" +
+                                std::to_string(part.last) +
+                                ") ORDER BY row) TO STDOUT (FORMAT binary)";
       server_.ReadCopy(query, [&](std::string_view bytes) {
         writer.Write(bytes);
-        if (++rows % kReportEvery == 0) {
-          progress_.Report(Tr("Restoring rows"), rows, 0);
+        if (writer.Rows() % kReportEvery == 0) {
+          progress_.Report(Tr("Restoring rows"), writer.Rows(), 0);
         }
       });
+      const std::vector<ProvenRange> of_part = ReadProvenRanges(server_, yard_, part);
+      ranges_.insert(ranges_.end(), of_part.begin(), of_part.end());
     }
+    rows_ = writer.Rows();
   }
 
   std::int64_t WriteImports(SQLite::Database& database) {
@@ -349,14 +327,14 @@ class RestoreRun {
     WriteCentralSource(database, made);
   }
 
-  RowProof Prove(SQLite::Database& database) {
-    const VerifyOutcome proven = VerifyParts(server_, database, yard_, parts_, progress_);
-    if (proven.difference || proven.proof.rows != CountRowsAbove(database, kBeforeFirstRow)) {
+  RowProof Prove(RowsReadBack& rows_there) {
+    const std::optional<RowProof> proof = rows_there.Wait(progress_);
+    if (!proof || proof->rows != rows_) {
       throw CentralRefused(
           Tr("the proof of the restored rows failed: the file has other rows than the central "
              "database. It was not kept"));
     }
-    return proven.proof;
+    return *proof;
   }
 
   CentralConnection& server_;
@@ -367,6 +345,8 @@ class RestoreRun {
   std::string yard_;
   ServerSource source_;
   std::vector<SourcePart> parts_;
+  std::vector<ProvenRange> ranges_;
+  std::int64_t rows_ = 0;  // written
 };
 
 }  // namespace

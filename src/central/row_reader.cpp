@@ -15,16 +15,24 @@ std::string BlockQuery() {
          " FROM Transactions WHERE RowNumber > ?1 AND RowNumber <= ?2 ORDER BY RowNumber LIMIT ?3";
 }
 
-// Ends the reading of a statement, and with it the lock, whatever happens.
+// Ends the reading of a statement, and with it the lock, whatever happens. Holds the connection's
+// mutex, which is faster than a hundred times for each row.
 class Reading {
  public:
-  explicit Reading(sqlite3_stmt* statement) : statement_(statement) {}
-  ~Reading() { sqlite3_reset(statement_); }
+  explicit Reading(sqlite3_stmt* statement)
+      : statement_(statement), mutex_(sqlite3_db_mutex(sqlite3_db_handle(statement))) {
+    sqlite3_mutex_enter(mutex_);
+  }
+  ~Reading() {
+    sqlite3_reset(statement_);
+    sqlite3_mutex_leave(mutex_);
+  }
   Reading(const Reading&) = delete;
   Reading& operator=(const Reading&) = delete;
 
  private:
   sqlite3_stmt* statement_;
+  sqlite3_mutex* mutex_;
 };
 
 sqlite3_stmt* Prepare(SQLite::Database& database) {

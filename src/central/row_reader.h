@@ -4,6 +4,7 @@
 #include <functional>
 #include <memory>
 #include <string>
+#include <string_view>
 
 #include <SQLiteCpp/Database.h>
 
@@ -32,6 +33,27 @@ class RowReader {
   std::int64_t after_;
   RowEncoder encoder_;
   std::unique_ptr<sqlite3_stmt, int (*)(sqlite3_stmt*)> query_;
+};
+
+// Columns of the server's rows that RowWriter takes, in this order.
+[[nodiscard]] const std::string& CopiedColumns();
+
+// Stores rows as the central database sends them.
+class RowWriter {
+ public:
+  // `database` must outlive the writer.
+  explicit RowWriter(SQLite::Database& database);
+
+  // The bytes of one row in the binary form of COPY; the header and the trailer are passed over.
+  // Throws CentralError for a row that is cut off, and SQLite::Exception.
+  void Write(std::string_view bytes);
+
+  [[nodiscard]] std::int64_t Rows() const { return rows_; }  // stored
+
+ private:
+  SQLite::Database& database_;
+  std::unique_ptr<sqlite3_stmt, int (*)(sqlite3_stmt*)> insert_;
+  std::int64_t rows_ = 0;
 };
 
 // The digest of one row; empty if there is no such row. Throws DatabaseError and RowRefused.

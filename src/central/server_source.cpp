@@ -190,6 +190,30 @@ RowProof ProofOf(const CentralRows& rows, int row, int column) {
           .digest = FromHex(rows.Text(row, column + 4))};
 }
 
+RowProof ReadRowProof(CentralConnection& server, const std::string& yard, const SourcePart& part) {
+  return ProofOf(
+      server.Query("SELECT rows, target, actual_batch, actual_feed, encode(digest, 'hex') FROM "
+                   "vrx.row_proof($1, $2, $3::bigint + 1, $4, true)",
+                   {yard, part.source, std::to_string(part.after), std::to_string(part.last)}),
+      0, 0);
+}
+
+std::vector<PushedRange> ReadPushes(CentralConnection& server, const std::string& yard,
+                                    const SourcePart& part) {
+  const CentralRows rows = server.Query(
+      "SELECT first_row, last_row, rows, target, actual_batch, actual_feed, encode(digest, 'hex') "
+      "FROM vrx.push WHERE yard = $1 AND source = $2 AND last_row > $3 AND first_row <= $4 ORDER "
+      "BY first_row",
+      {yard, part.source, std::to_string(part.after), std::to_string(part.last)});
+  std::vector<PushedRange> pushes;
+  for (int row = 0; row < rows.Count(); ++row) {
+    pushes.push_back({.first_row = rows.Number(row, 0),
+                      .last_row = rows.Number(row, 1),
+                      .proof = ProofOf(rows, row, 2)});
+  }
+  return pushes;
+}
+
 std::string RangeText(const std::vector<std::int64_t>& rows) {
   constexpr int kMostRanges = 10;
   std::string text;

@@ -92,6 +92,21 @@ struct CentralRange {
 // Columns rows, target, actual_batch, actual_feed and the digest in hexadecimal, from `column` on.
 [[nodiscard]] RowProof ProofOf(const CentralRows& rows, int row, int column);
 
+// Count, sums and digest that the server computes now of the rows of a part.
+[[nodiscard]] RowProof ReadRowProof(CentralConnection& server, const std::string& yard,
+                                    const SourcePart& part);
+
+// The rows of a push, as the server's journal has them since it proved them.
+struct PushedRange {
+  std::int64_t first_row = 0;
+  std::int64_t last_row = 0;
+  RowProof proof = {};
+};
+
+// The pushes that have rows of a part, ascending.
+[[nodiscard]] std::vector<PushedRange> ReadPushes(CentralConnection& server,
+                                                  const std::string& yard, const SourcePart& part);
+
 // "5-9, 12", for messages; at most ten ranges.
 [[nodiscard]] std::string RangeText(const std::vector<std::int64_t>& rows);
 

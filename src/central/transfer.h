@@ -81,12 +81,6 @@ VerifyOutcome Verify(CentralConnection& server, const std::filesystem::path& fil
                      const std::string& yard, LockWait lock_wait,
                      const CentralProgress& progress = {});
 
-// The same for an open database and the parts that it should have; `difference` and `proof` only,
-// and rows above the last part are not looked at.
-VerifyOutcome VerifyParts(CentralConnection& server, SQLite::Database& database,
-                          const std::string& yard, const std::vector<SourcePart>& parts,
-                          const CentralProgress& progress);
-
 struct RestoreOrder {
   std::string yard = {};    // its name
   std::string source = {};  // UUID; empty: the only source that no other one continues

@@ -1,6 +1,7 @@
 #include <algorithm>
 #include <future>
 #include <map>
+#include <numeric>
 #include <utility>
 
 #include "base/files.h"
@@ -15,8 +16,8 @@
 namespace vrx {
 namespace {
 
-constexpr std::int64_t kRowsAtOnce = 200000;  // that the server answers for in one question
-constexpr std::int64_t kBlockStep = 5000;     // row numbers of a block
+constexpr std::int64_t kRowsAtOnce = 50000;     // of a proof
+constexpr std::uint64_t kNumbersAtOnce = 5000;  // row numbers that are compared one by one
 
 // Row numbers above `after` up to `last`.
 struct RowSpan {
@@ -27,19 +28,14 @@ struct RowSpan {
 // Divides a part along its pushes, because row numbers may have wide gaps.
 std::vector<RowSpan> ReadSpans(CentralConnection& server, const std::string& yard,
                                const SourcePart& part) {
-  const CentralRows rows = server.Query(
-      "SELECT last_row, rows FROM vrx.push WHERE yard = $1 AND source = $2 AND last_row <= $3 "
-      "ORDER "
-      "BY last_row",
-      {yard, part.source, std::to_string(part.last)});
   std::vector<RowSpan> spans;
   std::int64_t after = part.after;
   std::int64_t count = 0;
-  for (int row = 0; row < rows.Count(); ++row) {
-    count += rows.Number(row, 1);
-    if (count >= kRowsAtOnce) {
-      spans.push_back({.after = after, .last = rows.Number(row, 0)});
-      after = spans.back().last;
+  for (const PushedRange& push : ReadPushes(server, yard, part)) {
+    count += push.proof.rows;
+    if (count >= kRowsAtOnce && push.last_row <= part.last) {
+      spans.push_back({.after = after, .last = push.last_row});
+      after = push.last_row;
       count = 0;
     }
   }
@@ -68,22 +64,6 @@ std::vector<RowSpan> WithoutErased(const RowSpan& span, const std::vector<Centra
   return spans;
 }
 
-using BlockProofs = std::map<std::int64_t, RowProof>;
-
-BlockProofs ReadServerBlocks(CentralConnection& server, const std::string& yard,
-                             const std::string& source, const RowSpan& span) {
-  const CentralRows rows = server.Query(
-      "SELECT block, rows, target, actual_batch, actual_feed, encode(digest, 'hex') FROM "
-      "vrx.row_blocks($1, $2, $3, $4, $5)",
-      {yard, source, std::to_string(span.after + 1), std::to_string(span.last),
-       std::to_string(kBlockStep)});
-  BlockProofs proofs;
-  for (int row = 0; row < rows.Count(); ++row) {
-    proofs[rows.Number(row, 0)] = ProofOf(rows, row, 1);
-  }
-  return proofs;
-}
-
 void ReadRows(SQLite::Database& database, const RowSpan& span,
               const std::vector<CentralRange>& erased,
               const std::function<void(const RowEncoder&)>& take) {
@@ -94,27 +74,6 @@ void ReadRows(SQLite::Database& database, const RowSpan& span,
   }
 }
 
-BlockProofs ReadFileBlocks(SQLite::Database& database, const RowSpan& span,
-                           const std::vector<CentralRange>& erased) {
-  BlockProofs proofs;
-  ProofSum sum;
-  std::int64_t block = 0;
-  const auto finish = [&] {
-    if (sum.Rows() > 0) {
-      proofs[block] = sum.Take();
-    }
-  };
-  ReadRows(database, span, erased, [&](const RowEncoder& row) {
-    if (row.Number() / kBlockStep != block) {
-      finish();
-      block = row.Number() / kBlockStep;
-    }
-    sum.Add(row);
-  });
-  finish();
-  return proofs;
-}
-
 // What one erased range took from the file's figures.
 std::int64_t CountErased(SQLite::Database& database, const std::vector<CentralRange>& erased) {
   std::int64_t rows = 0;
@@ -122,20 +81,6 @@ std::int64_t CountErased(SQLite::Database& database, const std::vector<CentralRa
     rows += CountRowsAbove(database, range.first - 1) - CountRowsAbove(database, range.last);
   }
   return rows;
-}
-
-std::optional<std::int64_t> FirstDifferentBlock(const BlockProofs& here, const BlockProofs& there) {
-  auto one = here.begin();
-  auto other = there.begin();
-  for (; one != here.end() && other != there.end(); ++one, ++other) {
-    if (*one != *other) {
-      return std::min(one->first, other->first);
-    }
-  }
-  if (one != here.end()) {
-    return one->first;
-  }
-  return other != there.end() ? std::optional(other->first) : std::nullopt;
 }
 
 class PartComparison {
@@ -151,33 +96,48 @@ class PartComparison {
   [[nodiscard]] std::vector<RowSpan> Spans() const { return ReadSpans(server_, yard_, part_); }
   [[nodiscard]] std::int64_t Erased() { return CountErased(database_, erased_); }
 
-  // Adds the proofs of the span's blocks, or returns where it differs.
-  std::optional<Difference> Compare(const RowSpan& span, RowProof& total, Sha256Sum& hash) {
-    // The file is read while the server computes. Nothing else uses the database meanwhile.
-    std::future<BlockProofs> reading =
-        std::async(std::launch::async, [&] { return ReadFileBlocks(database_, span, erased_); });
-    const BlockProofs there = ReadServerBlocks(server_, yard_, part_.source, span);
-    const BlockProofs here = reading.get();
-    if (const auto block = FirstDifferentBlock(here, there)) {
-      return Locate(span, *block);
+  // Adds the rows of the span to the total, or returns where it differs.
+  std::optional<Difference> Compare(const RowSpan& span, ProofSum& total) {
+    if (Agree(span, &total)) {
+      return std::nullopt;
     }
-    for (const auto& [number, proof] : here) {
-      total.rows += proof.rows;
-      total.target += proof.target;
-      total.actual_batch += proof.actual_batch;
-      total.actual_feed += proof.actual_feed;
-      hash.Add(proof.digest);
-    }
-    return std::nullopt;
+    return Locate(Narrow(span, kNumbersAtOnce));
   }
 
  private:
-  // The rows of a block that differ.
-  Difference Locate(const RowSpan& span, std::int64_t block) {
-    const RowSpan narrow{.after = std::max(span.after, (block - 1) * kBlockStep - 1),
-                         .last = std::min(span.last, (block + 1) * kBlockStep)};
+  bool Agree(const RowSpan& span, ProofSum* total) {
+    // The file is read while the server computes. Nothing else uses the database meanwhile.
+    std::future<RowProof> reading = std::async(std::launch::async, [&] {
+      ProofSum sum;
+      ReadRows(database_, span, erased_, [&](const RowEncoder& row) {
+        sum.Add(row);
+        if (total != nullptr) {
+          total->Add(row);
+        }
+      });
+      return sum.Take();
+    });
+    const RowProof there = ReadRowProof(
+        server_, yard_, {.source = part_.source, .after = span.after, .last = span.last});
+    return reading.get() == there;
+  }
+
+  // The first piece of a span that differs, of at most so many row numbers.
+  RowSpan Narrow(RowSpan span, std::uint64_t most) {
+    while (static_cast<std::uint64_t>(span.last) - static_cast<std::uint64_t>(span.after) > most) {
+      const RowSpan lower{.after = span.after, .last = std::midpoint(span.after, span.last)};
+      if (Agree(lower, nullptr)) {
+        span.after = lower.last;
+      } else {
+        span = lower;
+      }
+    }
+    return span;
+  }
+
+  Difference Locate(const RowSpan& span) {
     std::map<std::int64_t, std::string> here;
-    ReadRows(database_, narrow, erased_,
+    ReadRows(database_, span, erased_,
              [&](const RowEncoder& row) { here[row.Number()] = std::string(row.Digest()); });
     Difference difference;
     const auto note = [&](std::int64_t row, std::int64_t& count) {
@@ -185,7 +145,7 @@ class PartComparison {
       difference.last_row = Total(difference) == 0 ? row : std::max(difference.last_row, row);
       ++count;
     };
-    const SourcePart piece{.source = part_.source, .after = narrow.after, .last = narrow.last};
+    const SourcePart piece{.source = part_.source, .after = span.after, .last = span.last};
     ReadDigests(server_, yard_, piece, [&](std::int64_t row, std::string_view digest) {
       const auto found = here.find(row);
       if (found == here.end()) {
@@ -203,7 +163,8 @@ class PartComparison {
     }
     if (Total(difference) == 0) {
       // Only the stored digests of the server are right: a row there was changed without them.
-      difference = {.first_row = narrow.after + 1, .last_row = narrow.last, .changed = 1};
+      const std::int64_t row = Narrow(span, 1).last;
+      difference = {.first_row = row, .last_row = row, .changed = 1};
     }
     return difference;
   }
@@ -219,28 +180,28 @@ class PartComparison {
   std::vector<CentralRange> erased_;
 };
 
-}  // namespace
-
 VerifyOutcome VerifyParts(CentralConnection& server, SQLite::Database& database,
                           const std::string& yard, const std::vector<SourcePart>& parts,
                           const CentralProgress& progress) {
   VerifyOutcome outcome;
-  Sha256Sum hash;
+  ProofSum total;
   const std::int64_t rows = parts.empty() ? 0 : CountRowsAbove(database, kBeforeFirstRow);
   for (const SourcePart& part : parts) {
     PartComparison comparison(server, database, yard, part);
     for (const RowSpan& span : comparison.Spans()) {
-      outcome.difference = comparison.Compare(span, outcome.proof, hash);
+      outcome.difference = comparison.Compare(span, total);
       if (outcome.difference) {
         return outcome;
       }
-      progress.Report(Tr("Comparing rows"), outcome.proof.rows, rows);
+      progress.Report(Tr("Comparing rows"), total.Rows(), rows);
     }
     outcome.erased += comparison.Erased();
   }
-  outcome.proof.digest = hash.Finish();
+  outcome.proof = total.Take();
   return outcome;
 }
+
+}  // namespace
 
 VerifyOutcome Verify(CentralConnection& server, const std::filesystem::path& file,
                      const std::string& yard, LockWait lock_wait, const CentralProgress& progress) {

@@ -153,7 +153,8 @@ TEST_F(Attack, EveryTableHasForcedRowSecurityAndNothingForEverybody) {
 // A body that was parsed when the function was made has no search path to fix.
 TEST_F(Attack, EveryFunctionFixesItsSearchPath) {
   EXPECT_EQ(Table("SELECT proname FROM pg_proc WHERE pronamespace = 'vrx'::regnamespace AND "
-                  "prosqlbody IS NULL AND NOT EXISTS (SELECT FROM unnest(proconfig) c WHERE c = "
+                  "prokind = 'f' AND prosqlbody IS NULL AND NOT EXISTS (SELECT FROM "
+                  "unnest(proconfig) c WHERE c = "
                   "'search_path=pg_catalog, pg_temp')"),
             "");
 }
@@ -307,7 +308,7 @@ TEST_F(Attack, FunctionsOfTheAdministratorAreRefused) {
 }
 
 TEST_F(Attack, FunctionsOfTheYardSeeItsOwnOnly) {
-  EXPECT_EQ(Try("SELECT count(*) FROM vrx.row_blocks($1, $2, 0, 100, 10)", {south_, kSouthSource}),
+  EXPECT_EQ(Try("SELECT rows FROM vrx.row_proof($1, $2, 0, 100, true)", {south_, kSouthSource}),
             "0\n");
   EXPECT_EQ(Try("SELECT key, n FROM vrx.accuracy(NULL, NULL, '{yard,ingredient}')"),
             "{North,CORN}|1\n");

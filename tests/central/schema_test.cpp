@@ -102,21 +102,39 @@ TEST_F(CentralSchema, RowsArePushedOnce) {
             "23505");
 }
 
-TEST_F(CentralSchema, BlocksAreComputedFromTheRowsNotFromTheirDigests) {
+TEST_F(CentralSchema, AProofIsOfTheStoredDigestsOrOfTheRowsAsTheyAre) {
   Push(north_, {{.row = 1, .number = 1, .type = "BATCH", .target = 2},
                 {.row = 4, .number = 1, .type = "BATCH", .target = 3},
                 {.row = 10, .number = 2, .type = "BATCH", .target = 4}});
-  const std::string blocks =
-      "SELECT block, first_row, last_row, rows, target, encode(digest, 'hex') FROM "
-      "vrx.row_blocks($1, $2, 1, 100, 5)";
-  const std::string before = Table(blocks, {north_, kNorthSource});
-  EXPECT_THAT(before, HasSubstr("0|1|4|2|5|"));
-  EXPECT_THAT(before, HasSubstr("2|10|10|1|4|"));
+  const auto proof = [this](const std::string& last, const std::string& anew) {
+    return Table("SELECT rows, target, encode(digest, 'hex') FROM vrx.row_proof($1, $2, 1, $3, $4)",
+                 {north_, kNorthSource, last, anew});
+  };
+  const std::string whole = proof("10", "true");
+  EXPECT_THAT(whole, HasSubstr("3|9|"));
+  EXPECT_EQ(proof("10", "false"), whole);
+  EXPECT_THAT(proof("9", "true"), HasSubstr("2|5|"));
+  EXPECT_THAT(proof("0", "true"), HasSubstr("0|0|e3b0c44298fc1c14"));
   chief_.Query("ALTER TABLE vrx.transaction DROP CONSTRAINT row_equals_its_digest");
   chief_.Query("UPDATE vrx.transaction SET recipe = 'r' WHERE row = 4");
-  const std::string after = Table(blocks, {north_, kNorthSource});
-  EXPECT_NE(before.substr(0, before.find('\n')), after.substr(0, after.find('\n')));
-  EXPECT_EQ(before.substr(before.find('\n')), after.substr(after.find('\n')));
+  EXPECT_EQ(proof("10", "false"), whole);
+  EXPECT_NE(proof("10", "true"), whole);
+}
+
+// Small ones are summed as whole millionths, all others as decimal texts.
+TEST_F(CentralSchema, SumsOfAProofAreExactForAnyWeight) {
+  chief_.Query("ALTER TABLE vrx.transaction DROP CONSTRAINT row_equals_its_digest");
+  int row = 0;
+  for (const std::string weight : {"0.1", "0.2", "1e-7", "-0", "1e300", "-1e300", "1e15", "NULL",
+                                   "999999999.999999", "-1000000000", "123456.7890625", "0.3"}) {
+    chief_.Query(
+        "INSERT INTO vrx.transaction (yard, source, row, target, digest) VALUES ($1, $2, "
+        "$3, nullif($4, 'NULL')::float8, '')",
+        {north_, kNorthSource, std::to_string(++row), weight});
+  }
+  EXPECT_EQ(
+      Value("SELECT target FROM vrx.row_proof($1, $2, 1, 100, false)", {north_, kNorthSource}),
+      "1000000000123457.3890616");
 }
 
 TEST_F(CentralSchema, ABatchBelongsToTheDayOfItsFirstLoad) {

@@ -73,7 +73,7 @@ TEST_F(CentralVerify, SeesAChangeOnTheServerThatKeptTheDigest) {
   Push(file);
   chief_.Query("ALTER TABLE vrx.transaction DROP CONSTRAINT row_equals_its_digest");
   chief_.Query("UPDATE vrx.transaction SET pen = 'X' WHERE row = 33");
-  EXPECT_TRUE(Verify(file).difference);
+  EXPECT_EQ(DifferenceOf(file), "33-33: 1, 0, 0");
 }
 
 TEST_F(CentralVerify, ErasedRowsAreNoDifference) {
@@ -118,14 +118,36 @@ TEST_F(CentralRestore, NeverReplacesAFile) {
   EXPECT_THAT(FileNames(folder_.Path()), ElementsAre("R.TDB", "Y.TDB"));
 }
 
+// Rows that are not those that were pushed: changed, away, and under another number before the
+// first push or between two.
 TEST_F(CentralRestore, RowsThatDoNotProveThemselvesLeaveNoFile) {
-  Push(MakeFile("Y.TDB", 20));
-  // A column that the server would send otherwise than it digests it.
+  const fs::path file = MakeFile("Y.TDB", 20);
+  Alter(file, "DELETE FROM Transactions WHERE rowid = 100");
+  Push(file);
+  Alter(file, "INSERT INTO Transactions (RowNumber, [Transaction]) VALUES (110, 21)");
+  Push(file);
   chief_.Query("ALTER TABLE vrx.transaction DROP CONSTRAINT row_equals_its_digest");
-  chief_.Query("ALTER TABLE vrx.transaction DROP CONSTRAINT weights_end_with_a_value");
-  chief_.Query("UPDATE vrx.transaction SET weights = weights || NULL::float8 WHERE row = 10");
-  EXPECT_THROW(Restore("R.TDB"), CentralRefused);
-  EXPECT_THAT(FileNames(folder_.Path()), ElementsAre("Y.TDB"));
+  for (const auto& [change, undo] :
+       {std::pair("pen = pen || 'X' WHERE row = 10", "pen = left(pen, -1) WHERE row = 10"),
+        std::pair("target = target + 0.1 WHERE row = 1", "target = target - 0.1 WHERE row = 1"),
+        std::pair("row = 5000 WHERE row = 10", "row = 10 WHERE row = 5000"),
+        std::pair("row = -1 WHERE row = 1", "row = 1 WHERE row = -1"),
+        std::pair("row = 104 WHERE row = 99", "row = 99 WHERE row = 104")}) {
+    chief_.Query("UPDATE vrx.transaction SET " + std::string(change));
+    EXPECT_THROW(Restore("R.TDB"), CentralRefused) << change;
+    EXPECT_THAT(FileNames(folder_.Path()), ElementsAre("Y.TDB"));
+    chief_.Query("UPDATE vrx.transaction SET " + std::string(undo));
+  }
+  EXPECT_EQ(Rows(Restore("R.TDB")), Rows(file));
+}
+
+TEST_F(CentralRestore, ErasedRowsAreNotRestoredAndTheOthersAreProven) {
+  const fs::path file = MakeFile("Y.TDB", 200);
+  const std::string source = Push(file).source;
+  Erase(chief_, {.source = source, .first_row = 296, .last_row = 310, .why = "wrong yard"});
+  Withdraw(chief_, {.source = source, .first_row = 601, .last_row = 605, .why = "wrong yard"});
+  Alter(file, "DELETE FROM Transactions WHERE rowid BETWEEN 296 AND 310");
+  EXPECT_EQ(Rows(Restore("R.TDB")), Rows(file));
 }
 
 TEST_F(CentralRestore, StopsWithoutAFileWhenAsked) {
