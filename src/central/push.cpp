@@ -32,7 +32,8 @@ class PushRun {
         yard_(FindYard(server, order.yard)),
         database_(OpenDatabase(order.file, Access::kWrite, order.lock_wait)),
         unit_(ReadField(database_, kUnitField).value_or("")),
-        here_(MakeCentralSource(database_, order.machine)) {}
+        here_(MakeCentralSource(database_, order.machine)),
+        stored_(here_) {}
 
   PushOutcome Run() {
     progress_.Report(Tr("Comparing with the central database"), 0, 0);
@@ -74,7 +75,7 @@ class PushRun {
       here_.parent = std::exchange(here_.generation, NewUuid());
     }
     here_.machine = order_.machine;
-    WriteCentralSource(database_, here_);
+    Store();
   }
 
   void FindThere() {
@@ -113,7 +114,7 @@ class PushRun {
     here_.watched_to = std::max<std::int64_t>(common, 0);
     here_.pushed_to = here_.watched_to;
     here_.pushed_at = {};
-    WriteCentralSource(database_, here_);
+    Store();
     ForgetAllCentralChanges(database_);
     transaction.commit();
   }
@@ -133,7 +134,7 @@ class PushRun {
   // The triggers watch the rows from before they are sent.
   void PushOne(const PushPortion& portion, std::int64_t total) {
     here_.watched_to = std::max(here_.watched_to, portion.last_row);
-    WriteCentralSource(database_, here_);
+    Store();
     const PortionOrder order{.yard = yard_,
                              .source = here_.source,
                              .generation = here_.generation,
@@ -159,7 +160,15 @@ class PushRun {
     here_.pushed_to = std::max<std::int64_t>(last_row, 0);
     here_.watched_to = std::max(here_.watched_to, here_.pushed_to);
     here_.pushed_at = at;
-    WriteCentralSource(database_, here_);
+    Store();
+  }
+
+  // Each write waits for the disk.
+  void Store() {
+    if (here_ != stored_) {
+      WriteCentralSource(database_, here_);
+      stored_ = here_;
+    }
   }
 
   CentralConnection& server_;
@@ -169,6 +178,7 @@ class PushRun {
   SQLite::Database database_;
   std::string unit_;
   CentralSource here_;
+  CentralSource stored_;  // as the file has it
   ServerSource there_;
   PushOutcome outcome_;
 };

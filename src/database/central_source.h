@@ -24,6 +24,8 @@ struct CentralSource {
   std::string pushed_at = {};  // server time of the last push, ISO 8601; "" before
   // The unit of the weights when the first row was pushed: "LB", "KG" or another text of the file.
   std::string unit = {};
+
+  friend bool operator==(const CentralSource& one, const CentralSource& other) = default;
 };
 
 // A row up to CentralSource::watched_to that was added, changed or deleted.
