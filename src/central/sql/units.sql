@@ -62,8 +62,9 @@ WHERE t.type IN ('BATCH', 'FEED') AND o.use IS DISTINCT FROM 'open' AND w.yard I
 CREATE OR REPLACE VIEW vrx.batch WITH (security_invoker) AS
 SELECT d.yard AS yard_id, d.source, d.batch, d.day, d.of_load AS has_load, d.home
 FROM vrx.batch_day d
-WHERE d.of_load OR NOT EXISTS (SELECT FROM vrx.batch_day l WHERE l.yard = d.yard
-  AND l.source = d.source AND l.batch = d.batch AND l.of_load);
+LEFT JOIN vrx.batch_day l ON NOT d.of_load AND l.yard = d.yard AND l.source = d.source
+  AND l.batch = d.batch AND l.of_load
+WHERE l.yard IS NULL;
 
 -- Where a batch of a copied file began: the nearest ancestor that has rows of it from before the
 -- copy. Nothing for a batch of the source's own.
