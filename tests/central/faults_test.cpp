@@ -1,7 +1,5 @@
-#include <atomic>
 #include <chrono>
-#include <cstdlib>
-#include <random>
+#include <csignal>
 #include <string>
 #include <thread>
 
@@ -10,8 +8,8 @@
 #include <unistd.h>
 
 #include "base/error.h"
-#include "central/client_fixture.h"
 #include "central/cutting_proxy.h"
+#include "central/faults_fixture.h"
 #include "database/copy_database.h"
 
 namespace vrx::testing {
@@ -19,64 +17,6 @@ namespace {
 
 namespace fs = std::filesystem;
 using std::chrono::milliseconds;
-
-// Rounds of each fault; VRX_CENTRAL_ROUNDS=50 tries them many times.
-int Rounds() {
-  const char* const text = std::getenv("VRX_CENTRAL_ROUNDS");
-  return text == nullptr ? 3 : std::atoi(text);
-}
-
-// Each fault hits a push at a random moment. Afterwards a push without a fault ends, and every row
-// is in the central database once.
-class CentralFaults : public ClientFixture {
- protected:
-  int Random(int most) { return std::uniform_int_distribution(0, most)(random_); }
-
-  // Whether the push ended by itself; what it throws is part of the fault.
-  bool PushFrom(const fs::path& file, const std::string& connection) {
-    try {
-      CentralConnection server(connection);
-      vrx::Push(server, OrderFor(file));
-      return true;
-    } catch (const Error&) {
-      return false;
-    }
-  }
-
-  // A program of its own that pushes the file, and exits 0 if it did.
-  pid_t StartPush(const fs::path& file) {
-    const std::string connection = Connection();
-    const pid_t child = fork();
-    if (child == 0) {
-      _exit(PushFrom(file, connection) ? 0 : 1);
-    }
-    return child;
-  }
-
-  // A new file in every other round, and more rows of the same one in between.
-  fs::path FileOfRound(int round) {
-    if (round % 2 == 0) {
-      AddBatches(file_, kBatches);
-    } else {
-      file_ = MakeFile("Y" + std::to_string(round) + ".TDB", kBatches);
-    }
-    rows_ += kBatches * 5;
-    return file_;
-  }
-
-  // After a push without a fault.
-  void ExpectWhole(const fs::path& file) {
-    for (int attempt = 0; attempt < 20 && !PushFrom(file, Connection()); ++attempt) {
-      std::this_thread::sleep_for(milliseconds(200));
-    }
-    ExpectThere(file, rows_);
-  }
-
-  std::mt19937 random_{std::random_device{}()};
-  static constexpr int kBatches = 400;
-  fs::path file_;
-  std::int64_t rows_ = 0;  // that the yard should have
-};
 
 TEST_F(CentralFaults, TheProgramIsKilled) {
   int killed = 0;

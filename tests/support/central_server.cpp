@@ -82,14 +82,22 @@ CentralServer::~CentralServer() { Stop(); }
 void CentralServer::Start() {
   const auto end = std::chrono::steady_clock::now() + kPatience;
   for (;;) {
-    server_ = std::make_unique<Program>(
-        "/usr/bin/setpriv",
-        std::vector<std::string>{"--pdeathsig", "QUIT", ProgramPath("postgres").string(), "-D",
-                                 (folder_ / "data").string(), "-k", SocketFolder(), "-c",
-                                 "listen_addresses=", "-c", "fsync=off", "-c",
-                                 "full_page_writes=off", "-c", "max_connections=50", "-c",
-                                 "autovacuum_naptime=1h"},
-        folder_.Path().string(), Program::User::kNobody);
+    std::vector<std::string> words{"--pdeathsig",
+                                   "QUIT",
+                                   ProgramPath("postgres").string(),
+                                   "-D",
+                                   (folder_ / "data").string(),
+                                   "-k",
+                                   SocketFolder()};
+    for (const std::string setting : {"listen_addresses=", "fsync=off", "full_page_writes=off",
+                                      "max_connections=50", "autovacuum_naptime=1h"}) {
+      words.insert(words.end(), {"-c", setting});
+    }
+    for (const std::string& setting : settings_) {
+      words.insert(words.end(), {"-c", setting});
+    }
+    server_ = std::make_unique<Program>("/usr/bin/setpriv", words, folder_.Path().string(),
+                                        Program::User::kNobody);
     while (!server_->Ended()) {
       try {
         const CentralConnection ready(Connection("postgres"));
@@ -120,6 +128,43 @@ void CentralServer::KillAndStart() {
   server_->Signal(SIGKILL);
   server_->Wait(kPatience);
   Start();
+}
+
+void CentralServer::Restart(std::vector<std::string> settings) {
+  Stop();
+  settings_ = std::move(settings);
+  Start();
+}
+
+void CentralServer::LimitFiles(std::optional<std::uint64_t> bytes) {
+  const std::string limit = bytes ? std::to_string(*bytes) : "unlimited";
+  Program set("/usr/bin/prlimit",
+              {"--pid", std::to_string(server_->Id()), "--fsize=" + limit + ":"},
+              folder_.Path().string(), Program::User::kNobody);
+  if (set.Wait() != 0 && !server_->Ended()) {
+    throw std::runtime_error("the files of the server cannot be limited: " + set.Err());
+  }
+  if (bytes) {
+    return;
+  }
+  const auto end = std::chrono::steady_clock::now() + kPatience;
+  while (std::chrono::steady_clock::now() < end) {
+    if (server_->Ended()) {
+      Start();
+    }
+    try {
+      const CentralConnection ready(Connection("postgres"));
+      return;
+    } catch (const CentralError&) {
+      std::this_thread::sleep_for(std::chrono::milliseconds{20});
+    }
+  }
+  throw std::runtime_error("the server does not come back: " + server_->Err());
+}
+
+fs::path CentralServer::MakeFolder(const std::string& name) {
+  MakeFolderOfNobody(folder_ / name);
+  return folder_ / name;
 }
 
 std::string CentralServer::Connection(const std::string& database, const std::string& login) const {

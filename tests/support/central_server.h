@@ -1,8 +1,11 @@
 #pragma once
 
+#include <cstdint>
 #include <filesystem>
 #include <memory>
+#include <optional>
 #include <string>
+#include <vector>
 
 #include "support/program.h"
 #include "support/temp_folder.h"
@@ -33,6 +36,16 @@ class CentralServer {
   // Kills the main process, which loses nothing that was committed, and starts the server again.
   void KillAndStart();
 
+  // Stops the server and starts it with these settings, such as "ssl=on", in place of the earlier
+  // ones. Files that they name can be in MakeFolder().
+  void Restart(std::vector<std::string> settings);
+  // Limits the size of the files that the server writes for connections made from now on, as a
+  // full disk does; without a value there is no limit. A server that ended meanwhile starts again.
+  void LimitFiles(std::optional<std::uint64_t> bytes);
+
+  // A new folder of the user that the server runs as.
+  [[nodiscard]] std::filesystem::path MakeFolder(const std::string& name);
+
   // Where the socket is; libpq's `host`.
   [[nodiscard]] std::string SocketFolder() const { return (folder_ / "socket").string(); }
   [[nodiscard]] static std::filesystem::path ProgramPath(const std::string& name);
@@ -46,6 +59,7 @@ class CentralServer {
   std::string NewName();
 
   TempFolder folder_;
+  std::vector<std::string> settings_;
   std::unique_ptr<Program> server_;
   std::string template_;
   int databases_ = 0;
