@@ -2,6 +2,11 @@
 // same rows into a table with the same columns, checks and indexes, and its way back into SQLite.
 //
 //   central_bench --server CONNINFO [--rows N] [--rounds N]
+//   central_bench --server CONNINFO --yards N [--rows N]
+//
+// The second form makes up a company: so many yards, whose rows are --rows together. It prints the
+// times of all pushes, verifications and a month's accuracy, and the size on disk, and keeps the
+// database for a look.
 //
 // The login of CONNINFO is a superuser of a server on this machine; its databases `vrx_bench` and
 // its role `vrx_bench_yard` are made and dropped. The sockets must trust both logins.
@@ -10,6 +15,7 @@
 #include <exception>
 #include <filesystem>
 #include <fstream>
+#include <numeric>
 #include <string>
 #include <vector>
 
@@ -31,6 +37,7 @@ namespace {
 
 namespace fs = std::filesystem;
 using vrx::CentralConnection;
+using vrx::CentralRows;
 using vrx::bench::Figures;
 using vrx::bench::Median;
 using vrx::bench::Milliseconds;
@@ -233,6 +240,120 @@ class Bench {
   Figures figures_;
 };
 
+constexpr int kMonthOfYears = 2;
+constexpr double kLimitAccuracy = 0.2;
+
+// Yards that push into one central database, and the office's question.
+class Company {
+ public:
+  Company(std::string server, int yards, std::int64_t rows, int rounds)
+      : server_(std::move(server)), yards_(yards), rows_(rows), rounds_(rounds) {}
+
+  int Run() {
+    Office("postgres").Query("DROP DATABASE IF EXISTS vrx_bench");
+    Office("postgres").Query("CREATE DATABASE vrx_bench ENCODING 'UTF8' TEMPLATE template0");
+    {
+      CentralConnection chief = Office("vrx_bench");
+      vrx::InitCentral(chief);
+    }
+    std::vector<double> pushes;
+    std::vector<double> verifications;
+    for (int yard = 1; yard <= yards_; ++yard) {
+      MakeAndPush(yard, pushes, verifications);
+    }
+    const auto sum = [](const std::vector<double>& times) {
+      return std::accumulate(times.begin(), times.end(), 0.0) / 1000;
+    };
+    figures_.Specified("push of all yards, s", sum(pushes));
+    figures_.Specified("push of a yard, s", Median(pushes) / 1000);
+    figures_.Specified("verify of all yards, s", sum(verifications));
+    figures_.Specified("verify of a yard, s", Median(verifications) / 1000);
+    CentralConnection chief = Office("vrx_bench");
+    for (const auto& [what, query] :
+         {std::pair("size of all, MB", "pg_database_size(current_database())"),
+          std::pair("table of rows, MB", "pg_table_size('vrx.transaction')"),
+          std::pair("its indexes, MB", "pg_indexes_size('vrx.transaction')"),
+          std::pair("days of batches, MB", "pg_total_relation_size('vrx.batch_day')")}) {
+      figures_.Specified(
+          what,
+          static_cast<double>(chief.Query("SELECT " + std::string(query)).Number(0, 0)) / 1e6);
+    }
+    MeasureAccuracy(chief);
+    return figures_.Over();
+  }
+
+ private:
+  [[nodiscard]] CentralConnection Office(const std::string& database) const {
+    return CentralConnection(server_ + " dbname=" + database);
+  }
+
+  void MakeAndPush(int yard, std::vector<double>& pushes, std::vector<double>& verifications) {
+    const std::string name = "Yard " + std::to_string(yard);
+    const std::string login = "vrx_bench_yard" + std::to_string(yard);
+    const fs::path file = folder_ / "YARD.TDB";
+    fs::remove(file);
+    vrx::testing::MakeYears({.seed = static_cast<std::uint64_t>(yard), .rows = rows_ / yards_},
+                            {.program_directory = VRX_BIN_DIR, .transactions = file});
+    SQLite::Database database = vrx::OpenDatabase(file, vrx::Access::kWrite);
+    vrx::WriteField(database, vrx::kTypeField, vrx::kUserTransDb);
+    {
+      CentralConnection chief = Office("vrx_bench");
+      vrx::AddYard(chief, name, "UTC", login);
+    }
+    CentralConnection server(server_ + " dbname=vrx_bench user=" + login);
+    pushes.push_back(
+        Milliseconds([&] { vrx::Push(server, {.file = file, .yard = name, .machine = "bench"}); }));
+    verifications.push_back(
+        Milliseconds([&] { vrx::Verify(server, file, name, vrx::kBusyTimeout); }));
+    std::printf("%s: push %.1f s, verify %.1f s\n", name.c_str(), pushes.back() / 1000,
+                verifications.back() / 1000);
+    std::fflush(stdout);
+  }
+
+  // The peer may read the table only, and adds up no more than counts and sums.
+  void MeasureAccuracy(CentralConnection& chief) {
+    chief.Query("VACUUM vrx.transaction, vrx.batch_day");
+    const std::string first =
+        chief
+            .Query("SELECT date_trunc('month', min(day))::date + interval '" +
+                   std::to_string(kMonthOfYears) + " months' FROM vrx.batch_day")
+            .Text(0, 0)
+            .substr(0, 10);
+    const std::string last =
+        chief.Query("SELECT ($1::date + interval '1 month - 1 day')::date", {first}).Text(0, 0);
+    const std::string accuracy =
+        "SELECT count(*), sum(n) FROM vrx.accuracy($1, $2, '{yard,ingredient}')";
+    const std::string peer =
+        "SELECT count(*), sum(n) FROM (SELECT y.name, t.ingredient, count(*) AS n, sum(t.target), "
+        "sum(t.actual_batch), sum(abs(t.actual_batch - t.target)), count(*) FILTER (WHERE "
+        "abs(t.actual_batch - t.target) < t.target * 0.02) FROM vrx.transaction t JOIN vrx.yard y "
+        "USING (yard) WHERE t.type = 'BATCH' AND t.day BETWEEN $1 AND $2 GROUP BY 1, 2) g";
+    CentralConnection plain = Office("vrx_bench");
+    plain.Query("SET enable_indexscan = off; SET enable_bitmapscan = off");
+    plain.Query("SET enable_indexonlyscan = off; SET jit = on");
+    const CentralRows groups = chief.Query(accuracy, {first, last});
+    const std::vector<double> medians =
+        vrx::bench::InterleavedMedians(rounds_, {[&] {
+                                                   chief.Query(accuracy, {first, last});
+                                                 },
+                                                 [&] {
+                                                   plain.Query(peer, {first, last});
+                                                 }});
+    figures_.Limited("a month's accuracy by yard and ingredient / GROUP BY without indexes",
+                     medians[0] / medians[1], kLimitAccuracy,
+                     vrx::bench::Times(medians[0], medians[1]));
+    std::printf("%s groups of %s loads from %s to %s\n", groups.Text(0, 0).c_str(),
+                groups.Text(0, 1).c_str(), first.c_str(), last.c_str());
+  }
+
+  std::string server_;
+  int yards_;
+  std::int64_t rows_;
+  int rounds_;
+  vrx::testing::TempFolder folder_;
+  Figures figures_;
+};
+
 }  // namespace
 
 int main(int argc, char** argv) {
@@ -243,9 +364,13 @@ int main(int argc, char** argv) {
   app.add_option("--server", server, "Connection of a superuser")->required();
   app.add_option("--rows", rows);
   app.add_option("--rounds", rounds);
+  int yards = 0;
+  app.add_option("--yards", yards);
   CLI11_PARSE(app, argc, argv);
   try {
-    return Bench(server, rows, rounds).Run() == 0 ? 0 : 1;
+    const int over =
+        yards > 0 ? Company(server, yards, rows, rounds).Run() : Bench(server, rows, rounds).Run();
+    return over == 0 ? 0 : 1;
   } catch (const std::exception& error) {
     std::fprintf(stderr, "central_bench: %s\n", error.what());
     return 1;
