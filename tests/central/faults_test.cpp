@@ -2,6 +2,7 @@
 #include <csignal>
 #include <string>
 #include <thread>
+#include <vector>
 
 #include <gmock/gmock.h>
 #include <sys/wait.h>
@@ -11,6 +12,8 @@
 #include "central/cutting_proxy.h"
 #include "central/faults_fixture.h"
 #include "database/copy_database.h"
+#include "support/environment.h"
+#include "support/program.h"
 
 namespace vrx::testing {
 namespace {
@@ -132,6 +135,42 @@ TEST_F(CentralFaults, BothCopiesAreContinued) {
     EXPECT_EQ(Rows(Restore("R" + std::to_string(round) + ".TDB",
                            Ask(copy, "SELECT Source FROM CentralSource"))),
               Rows(copy));
+  }
+}
+
+// The times of the journal are the server's; the file's own dates are all that is wrong.
+TEST_F(CentralFaults, TheClockOfThePcIsWrongByAYear) {
+  constexpr int kYear = 365 * 24 * 60 * 60;
+  const std::string programs = VRX_BIN_DIR;
+  const Environment clock("LD_PRELOAD", programs + "/../tests/libvrx_wrong_clock.so");
+  const Environment sanitizer("ASAN_OPTIONS", "verify_asan_link_order=0");
+  const auto run = [&](std::vector<std::string> args) {
+    args.insert(args.begin(), {"--data-dir", folder_.Path().string(), "central"});
+    args.insert(args.end(), {"--server", Connection(), "--yard", "North"});
+    Program program(programs + "/vrx2260ctl", args, folder_.Path().string());
+    EXPECT_EQ(program.Wait(), 0) << args[3] << ": " << program.Err();
+  };
+  for (int round = 1; round <= Rounds(); ++round) {
+    const fs::path file = FileOfRound(round);
+    const std::string start = Value("SELECT clock_timestamp()");
+    const Environment shift("VRX_CLOCK_SHIFT",
+                            std::to_string((round % 4 < 2 ? kYear : -kYear) + Random(1000)));
+    run({"push", file.string()});
+    EXPECT_EQ(Value("SELECT count(*) > 0 AND bool_and(at <= clock_timestamp()) FROM vrx.push WHERE "
+                    "at >= $1",
+                    {start}),
+              "t");
+    EXPECT_EQ(Value("SELECT $1::timestamptz BETWEEN $2::timestamptz - interval '1s' AND "
+                    "clock_timestamp()",
+                    {Ask(file, "SELECT PushedAt FROM CentralSource"), start}),
+              "t");
+    run({"verify", file.string()});
+    ExpectThere(file, rows_);
+    const fs::path copy = folder_ / ("R" + std::to_string(round) + ".TDB");
+    run({"restore", "--source", Ask(file, "SELECT Source FROM CentralSource"), "--out",
+         copy.string()});
+    EXPECT_EQ(Rows(copy), Rows(file));
+    EXPECT_NE(Ask(copy, "SELECT substr(Created, 1, 4) FROM History"), start.substr(0, 4));
   }
 }
 
