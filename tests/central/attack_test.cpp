@@ -189,6 +189,11 @@ TEST_F(Attack, NothingIsAddedForAnotherYard) {
                     "true)",
                     {south_, kSouthSource}),
             kForbidden);
+  for (const std::string release : {"1", "9"}) {  // of South, and not there
+    EXPECT_EQ(StateOf(north_login_, "INSERT INTO vrx.fetch (yard, release) VALUES ($1, $2)",
+                      {north_, release}),
+              kForbidden);
+  }
   EXPECT_EQ(StateOf(north_login_, "INSERT INTO vrx.fetch (yard, release) VALUES ($1, 2)", {south_}),
             kForbidden);
 }
@@ -312,6 +317,16 @@ TEST_F(Attack, FunctionsOfTheYardSeeItsOwnOnly) {
             "0\n");
   EXPECT_EQ(Try("SELECT key, n FROM vrx.accuracy(NULL, NULL, '{yard,ingredient}')"),
             "{North,CORN}|1\n");
+  EXPECT_EQ(Try("SELECT yard, n FROM vrx.standardized(NULL, NULL)"), "North|1\n");
+  const std::string copy = "00000000-0000-0000-0000-00000000000c";
+  chief_.Query(
+      "INSERT INTO vrx.source (yard, source, generation, parent, parent_last_row, unit, file) "
+      "VALUES ($1, $2, $2, $3, 9, 'LB', 'COPY.TDB')",
+      {south_, copy, kSouthSource});
+  EXPECT_EQ(Try("SELECT count(*) FROM vrx.home_of_batch($1, $2, 1)", {south_, copy}), "0\n");
+  EXPECT_EQ(
+      TextOf(chief_.Query("SELECT count(*) FROM vrx.home_of_batch($1, $2, 1)", {south_, copy})),
+      "1\n");
 }
 
 // The owner's functions are no way around the policies, even for one who may call them.

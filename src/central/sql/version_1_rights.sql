@@ -39,7 +39,7 @@ BEGIN
     EXECUTE format('GRANT SELECT ON vrx.%I TO vrx_yard', name);
   END LOOP;
   FOREACH name IN ARRAY ARRAY['source', 'mark', 'import', 'imported_batch', 'transaction',
-                              'batch_day', 'push', 'fetch'] LOOP
+                              'batch_day', 'push'] LOOP
     EXECUTE format('CREATE POLICY yard_adds ON vrx.%I FOR INSERT TO vrx_yard '
                    'WITH CHECK (yard = (SELECT vrx.session_yard()))', name);
   END LOOP;
@@ -83,6 +83,10 @@ CREATE POLICY yard_reads ON vrx.release FOR SELECT TO vrx_yard
 CREATE POLICY nutritionist_adds ON vrx.release FOR INSERT TO vrx_nutritionist WITH CHECK (true);
 GRANT SELECT ON vrx.release TO vrx_yard;
 GRANT INSERT (release, unit, file, note, for_all) ON vrx.release TO vrx_nutritionist;
+
+-- Only of what the yard may read, so that nothing shows which other releases there are.
+CREATE POLICY yard_adds ON vrx.fetch FOR INSERT TO vrx_yard
+  WITH CHECK (yard = (SELECT vrx.session_yard()) AND release IN (SELECT r.release FROM vrx.release r));
 
 -- The server's own columns (time, login, what a push proves) are not granted.
 GRANT INSERT (yard, source, generation, parent, parent_generation, parent_last_row, unit, file)
