@@ -18,6 +18,7 @@
 #include "insight/pens.h"
 #include "insight/use.h"
 #include "support/central_server.h"
+#include "support/fixed_calendar.h"
 
 namespace vrx::testing {
 namespace {
@@ -111,9 +112,32 @@ class CentralFigures : public InsightTest {
       files_[seed] = file;
       const std::string login = LoginOf(YardName(seed));
       AddYard(chief_, YardName(seed), "America/Chicago", login);
-      CentralConnection server(CentralServer::Get().Connection(database_name_, login));
-      Push(server, {.file = file, .yard = YardName(seed), .machine = "PC"});
+      PushYard(seed);
     }
+  }
+
+  void PushYard(int seed) {
+    CentralConnection server(
+        CentralServer::Get().Connection(database_name_, LoginOf(YardName(seed))));
+    Push(server, {.file = files_[seed], .yard = YardName(seed), .machine = "PC"});
+  }
+
+  // Every yard settles what its imports in another unit are, after their rows were pushed.
+  void SettleImports() {
+    int settled = 0;
+    for (int seed = 1; seed <= kYards; ++seed) {
+      {
+        SQLite::Database yard = OpenDatabase(files_[seed], Access::kWrite);
+        yard.exec("PRAGMA synchronous=OFF");
+        const ImportUnits units(yard);
+        for (const LeftOutImport& import : units.LeftOut()) {
+          SettleImport(yard, import.import,
+                       ++settled % 3 == 0 ? Settlement::kKeep : Settlement::kConvert, calendar_);
+        }
+      }
+      PushYard(seed);
+    }
+    EXPECT_GT(settled, 0);
   }
 
   void CheckAccuracy();
@@ -174,6 +198,7 @@ class CentralFigures : public InsightTest {
     return lines;
   }
 
+  FixedCalendar calendar_;
   std::string database_name_;
   CentralConnection chief_;
   std::map<int, std::filesystem::path> files_;
@@ -292,6 +317,9 @@ void CentralFigures::CheckAPeriod() {
 TEST_F(CentralFigures, AreThoseOfTheYardsOwnFiles) {
   PushYards();
   CheckAccuracy();
+  CheckViews();
+  CheckAPeriod();
+  SettleImports();
   CheckViews();
   CheckAPeriod();
 }

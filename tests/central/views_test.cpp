@@ -137,6 +137,60 @@ TEST_F(Views, AnImportInAnotherUnitIsLeftOutUntilItIsSettled) {
   EXPECT_EQ(Table(figures), "1|220.46226218487757\n");
 }
 
+// The day of a batch is that of its first load that counts, whatever counts first.
+TEST_F(Views, RowsThatDoNotCountGiveABatchNoDay) {
+  const auto row = [](int number, int batch, const std::string& type, const std::string& date,
+                      int import) {
+    return CentralRow{.row = number,
+                      .number = batch,
+                      .type = type,
+                      .date = date,
+                      .name = "X",
+                      .target = 100,
+                      .actual = 100,
+                      .import = import};
+  };
+  const std::string days = "SELECT batch, day FROM vrx.batch ORDER BY batch";
+  Import(1, "KG");
+  Import(2, "LB");
+  Push(north_, {row(1, 1, "BATCH", "2024-01-01", 1), row(2, 2, "BATCH", "2024-01-01", 1)});
+  Push(north_, {row(3, 1, "FEED", "2024-01-02", 2), row(4, 2, "BATCH", "2024-01-03", 2),
+                row(5, 2, "BATCH", "2024-01-04", 2)});
+  EXPECT_EQ(Table(days), "1|2024-01-02\n2|2024-01-03\n");
+  // Makes the days of the batch anew.
+  Withdraw(chief_, {.source = kNorthSource, .first_row = 4, .last_row = 4, .why = "twice"});
+  EXPECT_EQ(Table(days), "1|2024-01-02\n2|2024-01-04\n");
+  Withdraw(chief_, {.source = kNorthSource, .first_row = 6, .last_row = 6, .why = "twice"});
+  Push(north_, {row(6, 3, "BATCH", "2024-01-05", 2), row(7, 3, "BATCH", "2024-01-06", 2)});
+  EXPECT_EQ(Table(days), "1|2024-01-02\n2|2024-01-04\n3|2024-01-06\n");
+  chief_.Query(
+      "INSERT INTO vrx.mark (yard, source, kind, import, value) VALUES ($1, $2, 'settled', 1, "
+      "'keep')",
+      {north_, kNorthSource});
+  EXPECT_EQ(Table("SELECT batch, day FROM vrx.batch WHERE batch = 1"), "1|2024-01-01\n");
+}
+
+// A label that changes after a push marks the source. What was pushed before keeps its unit, and
+// imports in the new one stay out and are listed until they are settled.
+TEST_F(Views, ALabelThatChangesLaterDoesNotChangeFigures) {
+  Import(1, "LB");
+  PushLoad(1, 1);
+  const std::string figures = "SELECT n, target FROM vrx.accuracy(NULL, NULL, unit => 'LB')";
+  chief_.Query("INSERT INTO vrx.mark (yard, source, kind, value) VALUES ($1, $2, 'label', 'KG')",
+               {north_, kNorthSource});
+  EXPECT_EQ(Table(figures), "1|100\n");
+  EXPECT_EQ(Table("SELECT unit, label_changed FROM vrx.freshness WHERE yard = 'North'"), "LB|t\n");
+  Import(2, "KG");
+  PushLoad(2, 2);
+  EXPECT_EQ(Table(figures), "1|100\n");
+  EXPECT_EQ(Table("SELECT import, use FROM vrx.import_in_other_unit"), "2|open\n");
+  chief_.Query(
+      "INSERT INTO vrx.mark (yard, source, kind, import, value) VALUES ($1, $2, 'settled', 2, "
+      "'keep')",
+      {north_, kNorthSource});
+  EXPECT_EQ(Table(figures), "2|200\n");
+}
+
 TEST_F(Views, AnImportThatWasSettledBeforeItsPushCounts) {
   Import(1, "KG", "convert");
   Import(2, "LB");

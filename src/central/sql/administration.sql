@@ -50,6 +50,7 @@ DECLARE
   high bigint := coalesce(last_row, 9223372036854775807);
   covered bigint;
   batches bigint[];
+  open_imports bigint[];
 BEGIN
   SELECT array_agg(s.yard) INTO yards FROM vrx.source s WHERE s.source = source_id;
   IF yards IS NULL THEN
@@ -68,6 +69,8 @@ BEGIN
       WHERE t.yard = yards[1] AND t.source = source_id AND t.row BETWEEN low AND high;
   END IF;
   -- What is left of the batches may begin on another day.
+  SELECT coalesce(array_agg(o.import), '{}') INTO open_imports FROM vrx.import_in_other_unit o
+    WHERE o.yard_id = yards[1] AND o.source = source_id AND o.use = 'open';
   DELETE FROM vrx.batch_day d
     WHERE d.yard = yards[1] AND d.source = source_id AND d.batch = ANY (batches);
   INSERT INTO vrx.batch_day (yard, source, batch, of_load, day, home)
@@ -80,6 +83,7 @@ BEGIN
         AND t.type IN ('BATCH', 'FEED')
         AND NOT EXISTS (SELECT FROM vrx.withdrawal w WHERE w.yard = t.yard AND w.source = t.source
           AND (w.first_row IS NULL OR t.row BETWEEN w.first_row AND w.last_row))
+        AND (t.import IS NULL OR t.import <> ALL (open_imports))
       ORDER BY t.batch, t.type, t.row;
   RETURN covered;
 END

@@ -65,8 +65,8 @@ $$;
 CREATE OR REPLACE TRIGGER prove BEFORE INSERT ON vrx.push
   FOR EACH ROW EXECUTE FUNCTION vrx.prove_push();
 
--- Adds the days of the batches that have rows in a range. Rows of an import whose unit is open do
--- not count. What is known is read beforehand: without statistics, the planner would join by loops
+-- Adds the days of the batches that have rows in a range. Rows of an import whose unit is open and
+-- withdrawn rows do not count. What is known is read beforehand: without statistics, the planner would join by loops
 -- over what the statement itself adds.
 CREATE OR REPLACE FUNCTION vrx.add_batch_days(yard_id uuid, source_id uuid, from_row bigint,
                                               to_row bigint) RETURNS void
@@ -79,6 +79,8 @@ DECLARE
   open_imports bigint[];
   is_copy boolean := EXISTS (SELECT FROM vrx.source s WHERE s.yard = yard_id
     AND s.source = source_id AND s.parent IS NOT NULL);
+  any_withdrawn boolean := EXISTS (SELECT FROM vrx.withdrawal w
+    WHERE w.yard = yard_id AND w.source = source_id);
 BEGIN
   SELECT min(r.batch), max(r.batch) INTO low, high
     FROM (SELECT t.batch FROM vrx.transaction t WHERE t.yard = yard_id AND t.source = source_id
@@ -99,6 +101,9 @@ BEGIN
                       AND t.row BETWEEN from_row AND to_row OFFSET 0) r
             WHERE r.type IN ('BATCH', 'FEED')
               AND (r.import IS NULL OR r.import <> ALL (open_imports))
+              AND NOT (any_withdrawn AND EXISTS (SELECT FROM vrx.withdrawal w
+                WHERE w.yard = yard_id AND w.source = source_id
+                  AND (w.first_row IS NULL OR r.row BETWEEN w.first_row AND w.last_row)))
             ORDER BY r.batch, r.type, r.row) f
     LEFT JOIN LATERAL vrx.home_of_batch(yard_id, source_id, f.batch) h ON is_copy
     WHERE f.batch <> ALL (with_load) AND (f.of_load OR f.batch <> ALL (without_load));
