@@ -270,6 +270,40 @@ TEST_F(CentralPush, ImportsGoWithTheirRows) {
   }
 }
 
+// The server stores another row than it got, with a digest that fits.
+TEST_F(CentralPush, TakesNothingThereWhenTheProofFails) {
+  const fs::path file = MakeFile("Y.TDB", 20);
+  chief_.Query(
+      "CREATE FUNCTION public.alter_row() RETURNS trigger LANGUAGE plpgsql AS $$ BEGIN NEW.pen := "
+      "'X'; NEW.digest := sha256(record_send(ROW(NEW.row, NEW.number, NEW.recipe, NEW.type, "
+      "NEW.user_id, NEW.ingredient, NEW.pen, NEW.target, NEW.actual_batch, NEW.time, NEW.date, "
+      "NEW.actual_feed, NEW.ing_percent, NEW.weights))); RETURN NEW; END $$;"
+      "CREATE TRIGGER alter_row BEFORE INSERT ON vrx.transaction FOR EACH ROW WHEN (NEW.row = 77) "
+      "EXECUTE FUNCTION public.alter_row()");
+  EXPECT_THAT(Refusal(OrderFor(file)), HasSubstr("the proof of rows 1 to 100 failed"));
+  EXPECT_EQ(Value("SELECT (SELECT count(*) FROM vrx.transaction) + (SELECT count(*) FROM vrx.push) "
+                  "+ (SELECT count(*) FROM vrx.batch_day)"),
+            "0");
+  chief_.Query("DROP TRIGGER alter_row ON vrx.transaction");
+  EXPECT_EQ(Push(file).rows, 100);
+  ExpectThere(file, 100);
+}
+
+TEST_F(CentralPush, SkipsRowsThatAreThereAndRefusesOtherOnes) {
+  const fs::path file = MakeFile("Y.TDB", 10);
+  Push(file);
+  chief_.Query("DELETE FROM vrx.push");
+  const PushOutcome outcome = Push(file);
+  EXPECT_EQ(outcome.rows, 0);
+  EXPECT_EQ(outcome.skipped, 50);
+  ExpectThere(file, 50);
+  chief_.Query("DELETE FROM vrx.push");
+  chief_.Query("ALTER TABLE vrx.transaction DROP CONSTRAINT row_equals_its_digest");
+  chief_.Query("UPDATE vrx.transaction SET digest = sha256(digest) WHERE row = 7");
+  EXPECT_THAT(Refusal(OrderFor(file)), HasSubstr("transaction_pkey"));
+  EXPECT_EQ(Value("SELECT count(*) FROM vrx.push"), "0");
+}
+
 TEST_F(CentralPush, ClearsNothingOfASecondYard) {
   const fs::path file = MakeFile("Y.TDB", 2);
   Push(file);
