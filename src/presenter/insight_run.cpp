@@ -274,8 +274,20 @@ void AnswerUse(SQLite::Database& database, const InsightAsked& asked,
 }
 
 // Ends any statement of the connection after a cancel.
-int StopIfCancelled(void* cancelled) {
-  return *static_cast<const std::atomic<bool>*>(cancelled) ? 1 : 0;
+int StopIfCancelled(void* control) {
+  return static_cast<const BackgroundWork::Control*>(control)->Cancelled() ? 1 : 0;
+}
+
+void Read(const std::filesystem::path& path, const BackgroundRead::Work& work,
+          BackgroundWork::Control& control) {
+  constexpr int kStepsBetween = 10000;  // of the virtual machine, below a millisecond
+  constexpr std::chrono::milliseconds kLockWait{250};
+  SQLite::Database database = OpenDatabase(path, Access::kRead, kLockWait);
+  sqlite3_progress_handler(database.getHandle(), kStepsBetween, StopIfCancelled, &control);
+  work(database, [&control](int percent) {
+    control.Show({}, percent, kAllPercent);
+    return !control.Cancelled();
+  });
 }
 
 }  // namespace
@@ -335,30 +347,10 @@ InsightNames ReadInsightNames(SQLite::Database& database) {
 }
 
 BackgroundRead::BackgroundRead(std::filesystem::path path, Work work)
-    : thread_([this, path = std::move(path), work = std::move(work)] { Run(path, work); }) {}
-
-BackgroundRead::~BackgroundRead() { cancelled_ = true; }
-
-void BackgroundRead::Rethrow() const {
-  if (failure_) {
-    std::rethrow_exception(failure_);
-  }
-}
-
-void BackgroundRead::Run(const std::filesystem::path& path, const Work& work) {
-  constexpr int kStepsBetween = 10000;  // of the virtual machine, below a millisecond
-  constexpr std::chrono::milliseconds kLockWait{250};
-  try {
-    SQLite::Database database = OpenDatabase(path, Access::kRead, kLockWait);
-    sqlite3_progress_handler(database.getHandle(), kStepsBetween, StopIfCancelled, &cancelled_);
-    work(database, [this](int percent) {
-      percent_ = percent;
-      return !cancelled_;
-    });
-  } catch (...) {
-    failure_ = std::current_exception();
-  }
-  ended_ = true;
-}
+    : work_([path = std::move(path), work = std::move(work)](BackgroundWork::Control& control) {
+        if (control.Enter()) {
+          Read(path, work, control);
+        }
+      }) {}
 
 }  // namespace vrx

@@ -1,16 +1,13 @@
 #pragma once
 
 #include <array>
-#include <atomic>
 #include <cstdint>
-#include <exception>
 #include <filesystem>
 #include <functional>
 #include <optional>
 #include <span>
 #include <string>
 #include <string_view>
-#include <thread>
 #include <vector>
 
 #include <SQLiteCpp/Database.h>
@@ -24,6 +21,7 @@
 #include "insight/tables.h"
 #include "insight/use.h"
 #include "insight/weight_limit.h"
+#include "presenter/background_work.h"
 #include "settings/settings.h"
 
 namespace vrx {
@@ -149,23 +147,14 @@ class BackgroundRead {
   // function returns false after a cancel.
   using Work = std::function<void(SQLite::Database&, const InsightProgress&)>;
   BackgroundRead(std::filesystem::path path, Work work);
-  ~BackgroundRead();
-  BackgroundRead(const BackgroundRead&) = delete;
-  BackgroundRead& operator=(const BackgroundRead&) = delete;
 
-  [[nodiscard]] bool Ended() const { return ended_; }
-  [[nodiscard]] int Percent() const { return percent_; }
+  [[nodiscard]] bool Ended() const { return work_.Ended(); }
+  [[nodiscard]] int Percent() const { return static_cast<int>(work_.Shown().done); }
   // Only after the end: throws what the work threw.
-  void Rethrow() const;
+  void Rethrow() const { work_.Rethrow(); }
 
  private:
-  void Run(const std::filesystem::path& path, const Work& work);
-
-  std::atomic<bool> cancelled_ = false;
-  std::atomic<bool> ended_ = false;
-  std::atomic<int> percent_ = 0;
-  std::exception_ptr failure_;
-  std::jthread thread_;  // ends before the others
+  BackgroundWork work_;
 };
 
 }  // namespace vrx
