@@ -3,6 +3,7 @@
 #include <vector>
 
 #include <SQLiteCpp/Transaction.h>
+#include <sqlite3.h>
 
 #include "base/files.h"
 #include "base/translation.h"
@@ -23,6 +24,13 @@ namespace {
 
 namespace fs = std::filesystem;
 
+constexpr int kStepsBetween = 10000;  // of the virtual machine, below a millisecond
+
+// Ends any statement of the file, such as the scan of a large one, when the caller stops the work.
+int StopIfAsked(void* progress) {
+  return static_cast<const CentralProgress*>(progress)->go_on() ? 0 : 1;
+}
+
 class PushRun {
  public:
   PushRun(CentralConnection& server, const PushOrder& order, const CentralProgress& progress)
@@ -36,6 +44,8 @@ class PushRun {
         stored_(here_) {}
 
   PushOutcome Run() {
+    sqlite3_progress_handler(database_.getHandle(), kStepsBetween, StopIfAsked,
+                             const_cast<CentralProgress*>(&progress_));
     progress_.Report(Tr("Comparing with the central database"), 0, 0);
     RequireUnit();
     NoteMachine();
@@ -188,7 +198,12 @@ class PushRun {
 PushOutcome Push(CentralConnection& server, const PushOrder& order,
                  const CentralProgress& progress) {
   CheckCentralSchema(server);
-  return WithDatabaseErrors(order.file, [&] { return PushRun(server, order, progress).Run(); });
+  try {
+    return WithDatabaseErrors(order.file, [&] { return PushRun(server, order, progress).Run(); });
+  } catch (const DatabaseError&) {
+    progress.Check();
+    throw;
+  }
 }
 
 }  // namespace vrx

@@ -97,7 +97,7 @@ void CheckLastRow(SQLite::Database& database, CentralConnection& server, const s
 }  // namespace
 
 void RefuseCopy() {
-  throw CentralRefused(
+  throw CopyRefused(
       Tr("this file is a copy of the source that the central database has: it was made by Save "
          "As or a restore, or was pushed from another computer. It goes on only as a new source"));
 }

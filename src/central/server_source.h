@@ -22,6 +22,12 @@ class CentralRefused : public Error {
   using Error::Error;
 };
 
+// A file that is a copy of a source. It can go on as a source of its own.
+class CopyRefused : public CentralRefused {
+ public:
+  using CentralRefused::CentralRefused;
+};
+
 // Below every row number.
 inline constexpr std::int64_t kBeforeFirstRow = std::numeric_limits<std::int64_t>::min();
 

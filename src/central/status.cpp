@@ -6,9 +6,8 @@
 
 namespace vrx {
 
-FileStatus ReadFileStatus(const std::filesystem::path& file, LockWait lock_wait) {
-  return WithDatabaseErrors(file, [&] {
-    SQLite::Database database = OpenDatabase(file, Access::kRead, lock_wait);
+FileStatus ReadFileStatus(SQLite::Database& database) {
+  return WithDatabaseErrors(database, [&] {
     FileStatus status{.rows = CountRowsAbove(database, kBeforeFirstRow)};
     status.waiting = status.rows;
     if (const auto source = ReadCentralSource(database)) {
@@ -22,6 +21,13 @@ FileStatus ReadFileStatus(const std::filesystem::path& file, LockWait lock_wait)
       }
     }
     return status;
+  });
+}
+
+FileStatus ReadFileStatus(const std::filesystem::path& file, LockWait lock_wait) {
+  return WithDatabaseErrors(file, [&] {
+    SQLite::Database database = OpenDatabase(file, Access::kRead, lock_wait);
+    return ReadFileStatus(database);
   });
 }
 
@@ -43,6 +49,32 @@ std::vector<YardSource> ReadYardSources(CentralConnection& server, const std::st
     }
   }
   return result;
+}
+
+std::vector<std::string> ReadYardNames(CentralConnection& server) {
+  CheckCentralSchema(server);
+  const CentralRows yards = server.Query("SELECT name FROM vrx.yard ORDER BY name");
+  std::vector<std::string> names;
+  for (int row = 0; row < yards.Count(); ++row) {
+    names.push_back(yards.Text(row, 0));
+  }
+  return names;
+}
+
+std::optional<ProvedPush> ReadLastPush(CentralConnection& server, const std::string& yard,
+                                       const std::string& source) {
+  const CentralRows rows = server.Query(
+      "SELECT first_row, last_row, to_char(at AT TIME ZONE 'UTC', "
+      "'YYYY-MM-DD\"T\"HH24:MI:SS\"Z\"'), rows, target, actual_batch, actual_feed, encode(digest, "
+      "'hex') FROM vrx.push WHERE yard = $1 AND source = $2 ORDER BY last_row DESC LIMIT 1",
+      {FindYard(server, yard), source});
+  if (rows.Count() == 0) {
+    return std::nullopt;
+  }
+  return ProvedPush{.first_row = rows.Number(0, 0),
+                    .last_row = rows.Number(0, 1),
+                    .proof = ProofOf(rows, 0, 3),
+                    .at = rows.Text(0, 2)};
 }
 
 }  // namespace vrx

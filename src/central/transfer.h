@@ -118,6 +118,7 @@ struct FileStatus {
 };
 
 // Reads the file only. Throws DatabaseError.
+[[nodiscard]] FileStatus ReadFileStatus(SQLite::Database& database);
 [[nodiscard]] FileStatus ReadFileStatus(const std::filesystem::path& file, LockWait lock_wait);
 
 // A source of a yard, for a list.
@@ -131,5 +132,22 @@ struct YardSource {
 // CentralRefused if there is no such yard.
 [[nodiscard]] std::vector<YardSource> ReadYardSources(CentralConnection& server,
                                                       const std::string& yard);
+
+// The names of the yards that the login may see. Throws CentralError.
+[[nodiscard]] std::vector<std::string> ReadYardNames(CentralConnection& server);
+
+// The last transaction of the pushes of a source, with what both sides computed of its rows.
+struct ProvedPush {
+  std::int64_t first_row = 0;
+  std::int64_t last_row = 0;
+  RowProof proof = {};
+  std::string at = {};  // server time, ISO 8601
+};
+
+// Nothing if the yard has pushed no row of such a source. Throws CentralError, and CentralRefused
+// if there is no such yard.
+[[nodiscard]] std::optional<ProvedPush> ReadLastPush(CentralConnection& server,
+                                                     const std::string& yard,
+                                                     const std::string& source);
 
 }  // namespace vrx

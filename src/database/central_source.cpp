@@ -1,5 +1,7 @@
 #include "database/central_source.h"
 
+#include <limits>
+
 #include <SQLiteCpp/Column.h>
 #include <SQLiteCpp/Statement.h>
 #include <SQLiteCpp/Transaction.h>
@@ -156,6 +158,10 @@ void ForgetAllCentralChanges(SQLite::Database& database) {
 
 std::int64_t CountRowsAbove(SQLite::Database& database, std::int64_t row) {
   return WithDatabaseErrors(database, [&] {
+    if (row == std::numeric_limits<std::int64_t>::min()) {
+      // Counts in an index, which is much smaller than the table.
+      return database.execAndGet("SELECT count(*) FROM Transactions").getInt64();
+    }
     SQLite::Statement query(database, "SELECT count(*) FROM Transactions WHERE rowid > ?");
     query.bind(1, row);
     query.executeStep();

@@ -14,12 +14,13 @@ inline constexpr std::chrono::milliseconds kBusyTimeout{5000};
 class WaitBudget {
  public:
   explicit WaitBudget(std::chrono::milliseconds limit) : limit_(limit), left_(limit) {}
+  virtual ~WaitBudget() = default;
 
   void Renew() { left_ = limit_; }
   [[nodiscard]] std::chrono::milliseconds Left() const { return left_; }
 
   // Takes at most `wanted` and returns the time taken: 0 if nothing is left.
-  [[nodiscard]] std::chrono::milliseconds Take(std::chrono::milliseconds wanted);
+  [[nodiscard]] virtual std::chrono::milliseconds Take(std::chrono::milliseconds wanted);
 
  private:
   std::chrono::milliseconds limit_;
