@@ -298,6 +298,35 @@ QImage Setup(SampleProgram& program) {
   return ModalForm(program, prepare, [&] { program.Choose("mnuToolsSetup"); });
 }
 
+// The words of a server that no machine has that builds the manual.
+QImage CentralForm(SampleProgram& program) {
+  constexpr std::array<std::pair<const char*, const char*>, 5> kTexts{{
+      {"lblCentralConnection",
+       "Connected to db.example:5432/company as north. Protection: TLSv1.3 "
+       "(sslmode=verify-full)."},
+      {"lblCentralWaiting", "42 of 1,086 rows"},
+      {"lblCentralLast", "1/31/2026 7:42 AM"},
+      {"lblCentralProof",
+       "Rows 1009 to 1044: the file and the central database have the same 36 rows, the same sums "
+       "(called 67850, loaded 67912, fed 0) and the same digest (3f2a90c1d4e5...)."},
+      {"lblCentralPush", ""},
+  }};
+  const auto prepare = [&](QWidget& form) {
+    for (const auto& [name, text] : kTexts) {
+      form.findChild<QLabel*>(QLatin1String(name))->setText(QString::fromLatin1(text));
+    }
+    form.findChild<QWidget*>(QStringLiteral("cmdCentralClose"))->setFocus();
+    for (const auto& [name, text] :
+         {std::pair("txtCentralConnection", "service=company"), {"txtCentralYard", "North"}}) {
+      form.findChild<QLineEdit*>(QLatin1String(name))->setText(QString::fromLatin1(text));
+    }
+    for (const char* const name : {"cmdCentralTest", "cmdCentralPush"}) {
+      form.findChild<QWidget*>(QLatin1String(name))->setEnabled(true);
+    }
+  };
+  return ModalForm(program, prepare, [&] { program.Choose("mnuToolsCentral"); });
+}
+
 QImage PrintSetupForm(SampleProgram& program) {
   const auto prepare = [](QWidget& form) {
     auto& printers = *form.findChild<QComboBox*>(QStringLiteral("lstPrinter"));
@@ -462,6 +491,7 @@ constexpr std::array kFigures = std::to_array<Figure>({
     {"setup-connections", &Setup<kConnections>},
     {"setup-krm", &Setup<kKrm>},
     {"setup-insight", &Setup<kLimits>},
+    {"central-push", &CentralForm},
     {"print-setup", &PrintSetupForm},
     {"print-preview", &PrintPreviewForm},
     {"period-report", &PeriodReportForm},

@@ -158,6 +158,7 @@ constexpr std::array kCaptions = std::to_array<Caption>({
     {2052, TrMark("The limits of the tab Insight. The figures of other yards are shown with the "
                   "usual values only, because they were made with these.")},
     {2060, TrMark("&Report...")},
+    {2070, TrMark("&Central Database...")},
 });
 
 // Nothing if the designed text is not in a row of the table.

@@ -6,6 +6,7 @@
 #include <string>
 #include <utility>
 
+#include "adapters/linux_machine.h"
 #include "base/translation.h"
 #include "database/identity.h"
 #include "desktop/app/lost_edits.h"
@@ -78,10 +79,13 @@ MainForm::MainForm(Services& services, WaitBudget& lock_waits, UserSettings& use
               .history = *history_,
               .insight = *insight_,
               .import = *import_},
-             window_) {
+             window_),
+      machine_(MachineId()),
+      central_(services, ini, machine_, *this) {
   AddTransferPages();
   AddHistoryPages();
   AddInsightPage();
+  AddCentral();
   Connect();
   ConnectFiles();
   SetHandlers();

@@ -31,6 +31,7 @@
 #include "link/krmcomm.h"
 #include "platform/serial_control.h"
 #include "platform/user_settings.h"
+#include "presenter/central_push.h"
 #include "presenter/command_states.h"
 #include "presenter/database_commands.h"
 #include "presenter/first_steps.h"
@@ -42,6 +43,8 @@
 #include "presenter/undo_commands.h"
 
 namespace vrx {
+
+class CentralDialog;
 
 // How the program ends: close box, File > Exit, end of the session. The exit runs after all nested
 // waits have returned.
@@ -92,7 +95,10 @@ class ProgramForm {
 
 // The form `VRXMAIN`: its window, the pages of its tabs and the presenters. The constructor is its
 // Load: both databases are closed after it, and the Data Transfer tab is current.
-class MainForm : public QObject, public ProgramForm, private OpenFilesView {
+class MainForm : public QObject,
+                 public ProgramForm,
+                 private OpenFilesView,
+                 private CentralPushView {
   Q_OBJECT
 
  public:
@@ -175,6 +181,11 @@ class MainForm : public QObject, public ProgramForm, private OpenFilesView {
   void ImportTransactionFile(const std::filesystem::path& path) override;
   void OpenRecipeBackup(const std::filesystem::path& path) override;
 
+  // The central database: its sign in the status bar, its form, and the pushes.
+  void AddCentral();
+  void ShowCentral();
+  void CentralChanged() override;
+
   // The tabs Batched/Fed, Export and Insight.
   void AddHistoryPages();
   void AddInsightPage();
@@ -213,6 +224,9 @@ class MainForm : public QObject, public ProgramForm, private OpenFilesView {
   HistoryPage* history_;
   InsightPage* insight_;
   PrintCommands print_;
+  std::string machine_;  // ID of this computer
+  CentralPush central_;
+  CentralDialog* central_dialog_ = nullptr;  // while it is shown
   bool first_paint_ = true;
   bool activated_ = false;
 };

@@ -39,7 +39,8 @@ MainWindow::MainWindow(const PrivateINI& settings, const Calendar& calendar)
       tab_folder_(new MainTabFolder),
       panels_(new PanelRow),
       recipe_bar_(new DatabaseStatusBar(DatabaseKind::kRecipe)),
-      transaction_bar_(new DatabaseStatusBar(DatabaseKind::kTransaction)) {
+      transaction_bar_(new DatabaseStatusBar(DatabaseKind::kTransaction)),
+      central_sign_(new CentralSignButton(*transaction_bar_)) {
   setObjectName(QStringLiteral("VRXMAIN"));
   SetTag(*this, kMainTitleCaption);
   BuildMenus(*menuBar(), actions_);
@@ -223,6 +224,7 @@ void MainWindow::LeaveEdits(DatabaseKind kind) {
 }
 
 void MainWindow::Rebind(DatabaseKind kind, const BoundDatabase& database) {
+  Q_EMIT DatabaseBound(kind, database);
   OnEveryPage([&](MainTabPage& page) { page.Rebind(kind, database); });
   open_names_.at(static_cast<std::size_t>(kind)) =
       database.blank ? QString() : ToQString(FileTitle(database.path));
@@ -238,6 +240,7 @@ void MainWindow::ShowTitle() {
 }
 
 void MainWindow::EndReads(DatabaseKind kind) {
+  Q_EMIT WriteBegins(kind);
   OnEveryPage([=](MainTabPage& page) { page.EndReads(kind); });
 }
 

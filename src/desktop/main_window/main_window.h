@@ -90,6 +90,7 @@ class MainWindow : public QMainWindow, public MainView, private CommandObserver 
   void ShowSystemUnits();  // `lblSystemUoM`
   void ShowToday() { calendar_->ShowToday(); }
   void ToggleCalendar();
+  [[nodiscard]] CentralSignButton& CentralSign() const { return *central_sign_; }
 
   // MainView.
   void ShowTab(int tab) override { tab_folder_->ShowTab(tab); }
@@ -119,7 +120,9 @@ class MainWindow : public QMainWindow, public MainView, private CommandObserver 
   void Painted();         // some part of the window was drawn anew
   void Activated();       // the window came to the front
   void CloseRequested();  // the close box; the window itself does not close
-  void StripFocused();    // the tab strip took the focus, or the operator chose a tab
+  void DatabaseBound(DatabaseKind kind, const BoundDatabase& database);  // before the pages have it
+  void WriteBegins(DatabaseKind kind);  // a write to that database follows at once
+  void StripFocused();                  // the tab strip took the focus, or the operator chose a tab
 
  protected:
   bool event(QEvent* event) override;
@@ -151,6 +154,7 @@ class MainWindow : public QMainWindow, public MainView, private CommandObserver 
   PanelRow* panels_;
   DatabaseStatusBar* recipe_bar_;
   DatabaseStatusBar* transaction_bar_;
+  CentralSignButton* central_sign_;
   CalendarPopup* calendar_;
   std::array<QString, 2> open_names_;  // by DatabaseKind; empty for a closed database
 };

@@ -81,6 +81,7 @@ constexpr std::array kMenuRows = std::to_array<MenuRow>({
     {"mnuViewRefresh", "2020", "mnuView", kRefresh, "F5"},
     {"mnuTools", "1015"},
     {"mnuToolsSetup", "1016", "mnuTools", kSetup},
+    {"mnuToolsCentral", "2070", "mnuTools", kCentralDatabase},
     {"mnuHelp", "1017"},
     {"mnuHelpManual", "1127", "mnuHelp", kManual},
     {"mnuHelpChapter", "2021", "mnuHelp", kChapter, "F1"},

@@ -47,6 +47,7 @@ enum class MainCommand {
   kViewTransactions,
   kRefresh,
   kSetup,
+  kCentralDatabase,
   kManual,
   kChapter,
   kReadme,

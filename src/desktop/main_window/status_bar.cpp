@@ -5,6 +5,7 @@
 #include <QLabel>
 #include <algorithm>
 
+#include "widgets/drawing.h"
 #include "widgets/labels.h"
 #include "widgets/layout.h"
 #include "widgets/qt_text.h"
@@ -117,6 +118,41 @@ void DatabaseStatusBar::changeEvent(QEvent* event) {
   QFrame::changeEvent(event);
   if (event->type() == QEvent::FontChange || event->type() == QEvent::StyleChange) {
     AlignPanels();
+  }
+}
+
+CentralSignButton::CentralSignButton(DatabaseStatusBar& bar) : QToolButton(&bar) {
+  setObjectName(QStringLiteral("cmdCentralSign"));
+  setAutoRaise(true);
+  setFocusPolicy(Qt::NoFocus);  // the menu leads there by keys
+  setToolButtonStyle(Qt::ToolButtonTextOnly);
+  setAccessibleName(QTr("Central database"));
+  bar.layout()->addWidget(this);
+  hide();
+}
+
+void CentralSignButton::ShowState(const CentralPushState& state) {
+  setText(ToQString(state.text).replace(u'&', QStringLiteral("&&")));
+  setToolTip(QStringLiteral("<p>%1</p>").arg(ToQString(state.why).toHtmlEscaped()));
+  setAccessibleDescription(ToQString(state.why));
+  failed_ = state.sign == CentralSign::kNotReached || state.sign == CentralSign::kRefused;
+  ShowColor();
+  setVisible(state.sign != CentralSign::kNone);
+}
+
+void CentralSignButton::ShowColor() {
+  QPalette colors = parentWidget()->palette();
+  if (failed_) {
+    colors.setColor(QPalette::ButtonText,
+                    StatusTextColor(StatusColor::kRed, colors.color(QPalette::Window)));
+  }
+  setPalette(colors);
+}
+
+void CentralSignButton::changeEvent(QEvent* event) {
+  QToolButton::changeEvent(event);
+  if (event->type() == QEvent::ParentChange || event->type() == QEvent::ApplicationPaletteChange) {
+    ShowColor();
   }
 }
 

@@ -2,10 +2,12 @@
 
 #include <QFrame>
 #include <QString>
+#include <QToolButton>
 #include <array>
 #include <string_view>
 
 #include "database/schema.h"
+#include "presenter/central_push.h"
 #include "presenter/database_commands.h"
 
 class QLabel;
@@ -38,6 +40,24 @@ class DatabaseStatusBar : public QFrame {
 
   DatabaseKind kind_;
   std::array<QLabel*, kPanelCount> panels_{};
+};
+
+// What waits for the central database, at the end of a status bar. Hidden without a connection.
+class CentralSignButton : public QToolButton {
+  Q_OBJECT
+
+ public:
+  explicit CentralSignButton(DatabaseStatusBar& bar);
+
+  void ShowState(const CentralPushState& state);
+
+ protected:
+  void changeEvent(QEvent* event) override;
+
+ private:
+  void ShowColor();
+
+  bool failed_ = false;
 };
 
 }  // namespace vrx

@@ -296,8 +296,14 @@ void ImportPage::FillPicImport() {
   cmd_import_undo_ = add("cmdImportUndo", QTr("&Undo the Last Store"), QTr(kUndoMeaning));
   cmd_import_store_ = add("cmdImportStore", QTr("&Store"), QTr(kStoreMeaning));
   connect(cmd_import_file_, &QPushButton::clicked, this, [this] { ImportXFile(); });
-  connect(cmd_import_store_, &QPushButton::clicked, this, [this] { Run([this] { Store(); }); });
-  connect(cmd_import_undo_, &QPushButton::clicked, this, [this] { Run([this] { Undo(); }); });
+  connect(cmd_import_store_, &QPushButton::clicked, this, [this] { Write([this] { Store(); }); });
+  connect(cmd_import_undo_, &QPushButton::clicked, this, [this] { Write([this] { Undo(); }); });
+}
+
+void ImportPage::Write(const std::function<void()>& flow) {
+  Q_EMIT WriteBegins();
+  Run(flow);
+  Q_EMIT WriteEnds();
 }
 
 void ImportPage::Store() {

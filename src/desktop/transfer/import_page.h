@@ -121,6 +121,10 @@ class ImportPage final : public MainTabPage, private ImportView, private Progres
   // After Done, if another file was imported in its turn: what both did.
   void WentOn(const QString& text);
 
+  // A store or its undo is about to write to the transaction database, and has ended.
+  void WriteBegins();
+  void WriteEnds();
+
   // The grid shows the records of this file.
   void FileImported(const QString& path);
 
@@ -144,6 +148,7 @@ class ImportPage final : public MainTabPage, private ImportView, private Progres
   void FillPicImport();
   void EnableStore();
   void Run(const std::function<void()>& flow);
+  void Write(const std::function<void()>& flow);
   void Store();
   void Undo();
 
