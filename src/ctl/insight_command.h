@@ -92,6 +92,8 @@ class AnswerWriter {
 
 // A row, with inner objects for keys with a point.
 [[nodiscard]] Json ObjectOf(const AnswerTable& table, const AnswerRow& row);
+// All rows.
+[[nodiscard]] Json ToJson(const AnswerTable& table);
 
 // null for nothing.
 template <typename Value>
