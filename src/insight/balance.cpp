@@ -4,6 +4,7 @@
 #include <map>
 #include <utility>
 
+#include "base/translation.h"
 #include "insight/accuracy_figures.h"
 #include "insight/batch_weights.h"
 #include "insight/batches.h"
@@ -122,15 +123,15 @@ class BalanceReader {
 std::string_view TextOf(BalanceState state) {
   switch (state) {
     case BalanceState::kOut:
-      return "out";
+      return TrMark("out");
     case BalanceState::kNeverFed:
-      return "never fed";
+      return TrMark("never fed");
     case BalanceState::kNeverLoaded:
-      return "never loaded";
+      return TrMark("never loaded");
     case BalanceState::kBalanced:
       break;
   }
-  return "balanced";
+  return TrMark("balanced");
 }
 
 Balance StreamBalance(SQLite::Database& database, const BalanceQuestion& question,

@@ -28,7 +28,7 @@ AnswerTable TableOf(const Balance& answer) {
                   {"fed", TrMark("Fed"), CellKind::kWeight},
                   {"left", TrMark("Left"), CellKind::kWeight},
                   {"leftPercent", TrMark("Left %"), CellKind::kPercent},
-                  {"state", TrMark("State"), CellKind::kText}},
+                  {"state", TrMark("State"), CellKind::kWord}},
       .how = TrMark("What was loaded less what was fed, of each batch. A batch is out of balance "
                     "when both limits are passed.")};
   for (const BalanceLine& line : answer.lines) {

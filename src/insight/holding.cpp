@@ -9,6 +9,7 @@
 #include <SQLiteCpp/Column.h>
 #include <SQLiteCpp/Statement.h>
 
+#include "base/translation.h"
 #include "database/connection.h"
 #include "insight/completeness.h"
 #include "insight/names.h"
@@ -76,17 +77,16 @@ struct Incomplete {
   }
 };
 
-std::string Plural(std::int64_t count, const std::string& one, const std::string& more) {
-  return std::to_string(count) + " " + (count == 1 ? one : more);
-}
-
 // A store that did not read or store everything. What it lacks can be of any day up to that of the
 // store.
 void AddImports(SQLite::Database& database, const InsightNotes& notes,
                 std::vector<Incomplete>& incomplete) {
   for (const ImportRecord& import : ReadImports(database)) {
     const ImportDays days = DaysOf(import);
-    Incomplete found{.why = "import " + std::to_string(import.number) + " has "};
+    Incomplete found;
+    const auto say = [&](std::string_view what, const std::string& value = {}) {
+      found.why = Tr(what, {std::to_string(import.number), value});
+    };
     found.first = days.first ? std::optional(ToDayNumber(days.first)) : std::nullopt;
     found.last = days.last
                      ? std::optional(std::max(ToDayNumber(days.last), ToDayNumber(days.stored)))
@@ -95,13 +95,17 @@ void AddImports(SQLite::Database& database, const InsightNotes& notes,
         std::any_of(notes.left_out.begin(), notes.left_out.end(),
                     [&](const LeftOutImport& left) { return left.import == import.number; });
     if (import.not_read > 0) {
-      found.why += Plural(import.not_read, "feed record", "feed records") + " not read";
+      say(import.not_read == 1 ? TrMark("import %1 has %2 feed record not read")
+                               : TrMark("import %1 has %2 feed records not read"),
+          std::to_string(import.not_read));
     } else if (import.left_out > 0) {
-      found.why += Plural(import.left_out, "row", "rows") + " left out";
+      say(import.left_out == 1 ? TrMark("import %1 has %2 row left out")
+                               : TrMark("import %1 has %2 rows left out"),
+          std::to_string(import.left_out));
     } else if (!import.missing.empty()) {
-      found.why += "missing numbers " + import.missing;
+      say(TrMark("import %1 has missing numbers %2"), import.missing);
     } else if (other_unit) {
-      found.why += "weights in another unit that are not settled";
+      say(TrMark("import %1 has weights in another unit that are not settled"));
     } else {
       continue;
     }
@@ -147,12 +151,11 @@ void AddUnrecorded(SQLite::Database& database, std::vector<Incomplete>& incomple
     AddDaysOfMore(database, days);
   }
   for (const DayNumber day : days) {
-    Incomplete found{.why = "rows that no import accounts for"};
+    Incomplete found{.why = Tr("rows that no import accounts for have no date")};
     if (day != kNoDay) {
       found.first = found.last = day;
-      found.why += " are stored of " + StoredText(*ToDate(day));
-    } else {
-      found.why += " have no date";
+      found.why =
+          Tr("rows that no import accounts for are stored of %1", {StoredText(*ToDate(day))});
     }
     incomplete.push_back(std::move(found));
   }
@@ -253,7 +256,7 @@ class HoldingAnswer {
   PenState StateOf(HeldPen& pen) const {
     PenState state;
     if (pen.has_undated) {
-      state.undated = "a delivery has no date or time";
+      state.undated = Tr("a delivery has no date or time");
     }
     std::ranges::stable_sort(pen.deliveries, {}, &HeldDelivery::Time);
     for (const HeldDelivery& delivery : pen.deliveries) {
@@ -267,8 +270,9 @@ class HoldingAnswer {
         state.since = delivery.Time();
       }
       if (const auto follower = followers_.find(delivery.Batch()); follower != followers_.end()) {
-        state.leftover = "batch " + std::to_string(*reader_->Batches()[delivery.Batch()].Number()) +
-                         " may have had what was left of batch " + std::to_string(follower->second);
+        state.leftover = Tr("batch %1 may have had what was left of batch %2",
+                            {std::to_string(*reader_->Batches()[delivery.Batch()].Number()),
+                             std::to_string(follower->second)});
       }
     }
     return state;
@@ -288,7 +292,7 @@ class HoldingAnswer {
       line.state = HoldingState::kNotInTheRecords;
     } else if (!until) {
       line.state = HoldingState::kHeld;
-      line.why = "no delivery without the ingredient since";
+      line.why = Tr("no delivery without the ingredient since");
     } else {
       const bool passed = *until <= (Minutes{on_} + 1) * kMinutesADay;
       line.state = passed ? HoldingState::kPassed : HoldingState::kHeld;
@@ -332,15 +336,15 @@ class HoldingAnswer {
 std::string_view TextOf(HoldingState state) {
   switch (state) {
     case HoldingState::kHeld:
-      return "held";
+      return TrMark("held");
     case HoldingState::kPassed:
-      return "passed";
+      return TrMark("passed");
     case HoldingState::kUnknown:
-      return "unknown";
+      return TrMark("unknown");
     case HoldingState::kNotInTheRecords:
       break;
   }
-  return "not in the records";
+  return TrMark("not in the records");
 }
 
 std::string TextOf(const Moment& moment) {

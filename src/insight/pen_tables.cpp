@@ -120,10 +120,10 @@ AnswerRow BackwardRow(const TraceLine& line) {
 
 AnswerTable TableOf(const Holding& answer) {
   AnswerTable table{.columns = {{"pen", TrMark("Pen"), CellKind::kName},
-                                {"last", TrMark("Last with it"), CellKind::kText},
-                                {"since", TrMark("Without it since"), CellKind::kText},
-                                {"until", TrMark("Until"), CellKind::kText},
-                                {"state", TrMark("State"), CellKind::kText},
+                                {"last", TrMark("Last with it"), CellKind::kMoment},
+                                {"since", TrMark("Without it since"), CellKind::kMoment},
+                                {"until", TrMark("Until"), CellKind::kMoment},
+                                {"state", TrMark("State"), CellKind::kWord},
                                 {"why", TrMark("Why"), CellKind::kText}},
                     .how = TrMark("The days begin with a pen's first delivery without the "
                                   "ingredient. Pens, not animals; names, not drug lots. It is no "

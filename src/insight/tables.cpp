@@ -50,6 +50,19 @@ std::string TextOfCell(const AnswerColumn& column, const AnswerCell& cell, bool 
 
 }  // namespace
 
+bool IsNumber(CellKind kind) {
+  switch (kind) {
+    case CellKind::kCount:
+    case CellKind::kWeight:
+    case CellKind::kPercent:
+    case CellKind::kMinutes:
+    case CellKind::kMoney:
+      return true;
+    default:
+      return false;
+  }
+}
+
 std::string TextOf(const AnswerColumn& column, const AnswerCell& cell) {
   return TextOfCell(column, cell, false);
 }

@@ -20,7 +20,9 @@ namespace vrx {
 enum class CellKind {
   kName,  // "(none)" if it is missing
   kText,
-  kDay,  // YYYY-MM-DD
+  kWord,    // English; Tr translates it
+  kDay,     // YYYY-MM-DD
+  kMoment,  // YYYY-MM-DDTHH:MM
   kCount,
   kWeight,   // in the database's unit
   kPercent,  // also percentage points
@@ -28,6 +30,9 @@ enum class CellKind {
   kMoney,
   kYesNo,
 };
+
+// Numbers are at the right of their column.
+[[nodiscard]] bool IsNumber(CellKind kind);
 
 // Nothing, or a value of the kind of its column.
 using AnswerCell = std::variant<std::monostate, bool, std::int64_t, double, std::string>;

@@ -151,6 +151,9 @@ std::optional<RecordsPlace> InsightPresenter::PlaceOfRow(std::size_t row) const 
     if (candidate.group == kByTransaction) {
       const auto* const number = std::get_if<std::int64_t>(&cell);
       if (number == nullptr) {
+        if (answer_->asked.topic == InsightTopic::kTrace) {
+          return std::nullopt;  // the other columns are of more than this line
+        }
         continue;
       }
       return PlaceOfTransaction(*number);

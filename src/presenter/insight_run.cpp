@@ -231,12 +231,22 @@ void AnswerDelivered(SQLite::Database& database, const InsightAsked& asked,
   rows.MoveInto(answer);
 }
 
+// Where an ingredient went: a line without a pen is what stayed, or of a missing pen.
+AnswerRow ShownForwardRow(const TraceLine& line) {
+  AnswerRow row = ForwardRow(line);
+  constexpr std::size_t kPenColumn = 4;
+  if (line.stayed || !line.pen) {
+    row[kPenColumn] = line.stayed ? Tr("(stayed)") : Tr("(none)");
+  }
+  return row;
+}
+
 void AnswerTrace(SQLite::Database& database, const InsightAsked& asked,
                  const InsightProgress& progress, InsightAnswer& answer) {
   const bool of_pen = asked.Table().rows == InsightRows::kOfPen;
   FirstRows rows(of_pen ? BackwardTable(Trace()) : ForwardTable(Trace()));
   const TakeLine<TraceLine> take = [&](const TraceLine& line) {
-    rows.Add([&] { return of_pen ? BackwardRow(line) : ForwardRow(line); });
+    rows.Add([&] { return of_pen ? BackwardRow(line) : ShownForwardRow(line); });
   };
   AddNotes(answer, of_pen ? StreamTraceOfPen(database, asked.about, take, progress)
                           : StreamTraceOfIngredient(database, asked.about, take, progress));

@@ -138,19 +138,6 @@ PeriodPage ReadPeriodPage(SQLite::Database& database, const PageQuestion& questi
   });
 }
 
-bool IsNumber(CellKind kind) {
-  switch (kind) {
-    case CellKind::kCount:
-    case CellKind::kWeight:
-    case CellKind::kPercent:
-    case CellKind::kMinutes:
-    case CellKind::kMoney:
-      return true;
-    default:
-      return false;
-  }
-}
-
 Picture PictureOf(const PageChart& chart, QSizeF size, const Look& look) {
   const EnglishTexts english;
   return std::visit([&](const auto& one) { return PictureOf(one, size, look); }, chart);

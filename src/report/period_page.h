@@ -81,8 +81,6 @@ struct PageAnswers {
 [[nodiscard]] PeriodPage ReadPeriodPage(SQLite::Database& database, const PageQuestion& question,
                                         const InsightProgress& progress = {});
 
-// Numbers are at the right of their column.
-[[nodiscard]] bool IsNumber(CellKind kind);
 [[nodiscard]] Picture PictureOf(const PageChart& chart, QSizeF size, const Look& look);
 
 // For a terminal: lines of UTF-8 with aligned columns, without the pictures.

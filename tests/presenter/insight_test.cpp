@@ -223,6 +223,23 @@ TEST_F(InsightTab, TraceAndHoldingNeedAName) {
   EXPECT_EQ(view.Answer(), nullptr);
 }
 
+TEST_F(InsightTab, ATraceCallsWhatStayedByItsName) {
+  Open();
+  Wait();
+  WaitForNames();
+  Choose(InsightTopic::kTrace);
+  ChooseByName(NameKind::kIngredient, "CORN");
+  Wait();
+  const AnswerTable& table = view.Answer()->table;
+  ASSERT_EQ(table.columns[4].key, "pen");
+  std::vector<std::string> pens;
+  for (const AnswerRow& row : table.rows) {
+    pens.push_back(std::get<std::string>(row[4]));
+  }
+  EXPECT_THAT(pens, Contains("A01"));
+  EXPECT_THAT(pens, Contains("(stayed)"));
+}
+
 TEST_F(InsightTab, SaysWhichNameAQuestionNeeds) {
   Open();
   Wait();

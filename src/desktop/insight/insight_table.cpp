@@ -21,11 +21,6 @@ constexpr int kMostColumnWidth = 320;
 constexpr int kMostShownRows = 40'000'000;  // a Qt table counts pixels in 32 bits
 constexpr int kRowsToMeasure = 200;
 
-bool IsNumber(CellKind kind) {
-  return kind != CellKind::kName && kind != CellKind::kText && kind != CellKind::kDay &&
-         kind != CellKind::kYesNo;
-}
-
 // In two lines if it is long: more columns are seen at once. Broken where the longer line is
 // shortest.
 QString Broken(QString caption) {
@@ -37,6 +32,17 @@ QString Broken(QString caption) {
     best = best < 0 || longer(blank) < longer(best) ? blank : best;
   }
   return caption.size() > kShort && best >= 0 ? caption.replace(best, 1, u'\n') : caption;
+}
+
+// As on the tab Batched/Fed: a day, or a day and a time.
+QString DayText(const std::string& text) {
+  constexpr std::size_t kDayLength = 10;
+  const std::optional<Date> day = ParseStoredDate(text.substr(0, kDayLength));
+  if (!day) {
+    return ToQString(text);
+  }
+  const std::string time = text.size() > kDayLength ? " " + text.substr(kDayLength + 1) : "";
+  return ToQString(MediumText(*day) + time);
 }
 
 Qt::Alignment AlignmentOf(CellKind kind) {
@@ -102,15 +108,17 @@ QString InsightTableModel::Text(std::size_t row, std::size_t column) const {
   const AnswerCell& cell = table_->rows[row].at(column);
   const std::string plain = ShownText(shown, cell);
   // A name of the records is no text of the window.
-  const QString text = std::holds_alternative<std::string>(cell) ? ToQString(plain) : QTr(plain);
+  const bool is_name = std::holds_alternative<std::string>(cell) && shown.kind != CellKind::kWord;
+  const QString text = is_name ? ToQString(plain) : QTr(plain);
   if (upright_ && text.isEmpty()) {
     return shown.key == "from" ? QTr("first record")
            : shown.key == "to" ? QTr("last record")
                                : QTr("none");
   }
-  const bool is_day = shown.kind == CellKind::kDay || shown.key == "key.day";
-  const std::optional<Date> day = is_day ? ParseStoredDate(text.toStdString()) : std::nullopt;
-  return day ? ToQString(MediumText(*day)) : text;
+  if (shown.kind == CellKind::kDay || shown.key == "key.day" || shown.kind == CellKind::kMoment) {
+    return DayText(plain);
+  }
+  return text;
 }
 
 QVariant InsightTableModel::data(const QModelIndex& index, int role) const {
