@@ -251,6 +251,24 @@ std::string CentralForm::SourceName(std::size_t source) const {
              : Tr("%1, a copy of %2", {one.file, parent->source.file});
 }
 
+CentralNote CentralForm::RestoreNote() const {
+  if (!state_.restored.text.empty() || !state_.answer.sources.empty()) {
+    return state_.restored;
+  }
+  return {.text = state_.answer.target.empty()
+                      ? Tr("Test the connection to see what is there.")
+                      : Tr("The central database has no rows of this yard yet.")};
+}
+
+CentralNote CentralForm::ReleaseNote() const {
+  if (!state_.release.text.empty() || !state_.answer.releases.empty()) {
+    return state_.release;
+  }
+  return {.text = state_.answer.target.empty()
+                      ? Tr("Test the connection to see what is there.")
+                      : Tr("No recipes were published for this yard yet.")};
+}
+
 std::string CentralForm::DoingText() const {
   switch (state_.task) {
     case CentralTask::kNone:

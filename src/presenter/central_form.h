@@ -114,6 +114,9 @@ class CentralForm {
   // The file's name, and which one it continues.
   [[nodiscard]] std::string SourceName(std::size_t source) const;
   [[nodiscard]] std::vector<DifferenceRow> DifferenceRows() const;
+  // Of the list of files, and of that of the releases: the last result, or why the list is empty.
+  [[nodiscard]] CentralNote RestoreNote() const;
+  [[nodiscard]] CentralNote ReleaseNote() const;
   [[nodiscard]] std::string DoingText() const;  // what the task does
 
   [[nodiscard]] const CentralSettings& Settings() const { return push_.Settings(); }

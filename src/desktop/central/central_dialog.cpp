@@ -20,7 +20,7 @@
 namespace vrx {
 namespace {
 
-constexpr QSize kCentralSize{680, 480};
+constexpr QSize kCentralSize{700, 540};
 constexpr int kSteps = 1000;
 
 enum SourceColumn : int { kFileColumn, kRowsColumn, kUnitsColumn, kPushedColumn };
@@ -59,10 +59,10 @@ QString LocalTimeText(const std::string& iso) {
   return time.isValid() ? time.toString(QStringLiteral("M/d/yyyy h:mm AP")) : QString();
 }
 
-void ShowNote(QLabel& label, const std::string& text, bool failed) {
-  label.setText(ToQString(text));
+void ShowNote(QLabel& label, const CentralNote& note) {
+  label.setText(ToQString(note.text));
   QPalette colors = label.parentWidget()->palette();
-  if (failed) {
+  if (note.failed) {
     colors.setColor(QPalette::WindowText,
                     StatusTextColor(StatusColor::kRed, colors.color(QPalette::Window)));
   }
@@ -106,6 +106,7 @@ QTableWidget* AddTable(QWidget& page, const char* name, const QString& meaning,
   table->setTabKeyNavigation(false);
   table->setWordWrap(false);
   table->verticalHeader()->hide();
+  table->verticalHeader()->setDefaultSectionSize(table->fontMetrics().height() + kSpacing);
   table->horizontalHeader()->setHighlightSections(false);
   table->horizontalHeader()->setSectionResizeMode(QHeaderView::ResizeToContents);
   table->horizontalHeader()->setSectionResizeMode(stretched, QHeaderView::Stretch);
@@ -213,7 +214,7 @@ QWidget* CentralDialog::MakePushTab() {
 QLayout* CentralDialog::LayOutPushButtons(QWidget& page) {
   push_now_ = AddFormButton(page, "cmdCentralPush", QTr("&Push Now"),
                             QTr("Take the rows that wait to the central database"));
-  push_copy_ = AddFormButton(page, "cmdCentralPushCopy", QTr("Push as a &New Source..."),
+  push_copy_ = AddFormButton(page, "cmdCentralPushCopy", QTr("&New Source..."),
                              QTr("The file goes on beside the one that it is a copy of"));
   push_progress_ = AddBar(page, "prgCentralPush", QTr("Progress of the push"));
   stop_ = AddFormButton(page, "cmdCentralStop", QTr("&Stop"),
@@ -303,11 +304,8 @@ void CentralDialog::ShowFacts() {
   last_push_->setText(push.here ? LocalTimeText(push.here->pushed_at) : QString());
   proof_->setText(ToQString(form_.ProofText()));
   const bool says_more = failed || push.sign == CentralSign::kPushing;
-  ShowNote(*push_note_,
-           says_more               ? push.why
-           : push.obstacle.empty() ? form_.ResultText()
-                                   : push.obstacle,
-           failed);
+  const std::string result = push.obstacle.empty() ? form_.ResultText() : push.obstacle;
+  ShowNote(*push_note_, {.text = says_more ? push.why : result, .failed = failed});
   push_now_->setEnabled(push.obstacle.empty() && !push.running);
   push_copy_->setVisible(push.is_copy);
   stop_->setEnabled(push.running);
@@ -316,8 +314,8 @@ void CentralDialog::ShowFacts() {
 
 void CentralDialog::CentralFormChanged() {
   const CentralFormState& state = form_.State();
-  ShowNote(*connection_note_, state.connection.text, state.connection.failed);
-  ShowNote(*restore_note_, state.restored.text, state.restored.failed);
+  ShowNote(*connection_note_, state.connection);
+  ShowNote(*restore_note_, form_.RestoreNote());
   if (!yard_->hasFocus() || yard_->text().isEmpty()) {
     yard_->setText(ToQString(form_.Settings().yard));
   }

@@ -32,7 +32,7 @@ void SetCell(QTableWidget& table, int row, int column, const QString& text,
              Qt::Alignment alignment = Qt::AlignLeft);
 // Sentences of any length, which can be selected and sent to the administrator.
 QLabel* AddNote(QWidget& page, const char* name);
-void ShowNote(QLabel& label, const std::string& text, bool failed);
+void ShowNote(QLabel& label, const CentralNote& note);
 QPushButton* AddFormButton(QWidget& page, const char* name, const QString& caption,
                            const QString& meaning);
 QVBoxLayout* LayOutPage(QWidget& page);

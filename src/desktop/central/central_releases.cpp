@@ -11,13 +11,7 @@ namespace vrx {
 namespace {
 
 enum ReleaseColumn : int { kNumberColumn, kPublishedColumn, kNoteColumn, kFetchedColumn };
-enum FieldColumn : int {
-  kRecordColumn,
-  kFieldColumn,
-  kHereColumn,
-  kReleaseColumn,
-  kNewFileColumn
-};
+enum FieldColumn : int { kRecordColumn, kFieldColumn, kHereColumn, kReleaseColumn, kNewFileColumn };
 
 // Of the yard's own fetches, the only ones that its login sees.
 QString LastFetch(const Release& release) {
@@ -56,7 +50,7 @@ void CentralDialog::CompareRelease() {
 
 void CentralDialog::ShowReleases() {
   const CentralFormState& state = form_.State();
-  ShowNote(*release_note_, state.release.text, state.release.failed);
+  ShowNote(*release_note_, form_.ReleaseNote());
   const std::vector<Release>& releases = state.answer.releases;
   if (state.task == CentralTask::kNone) {
     const int selected = std::max(releases_->currentRow(), 0);

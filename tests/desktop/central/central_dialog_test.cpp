@@ -17,6 +17,7 @@
 #include <gmock/gmock.h>
 
 #include "central/administration.h"
+#include "central/releases.h"
 #include "desktop/main_window/main_window_fixture.h"
 #include "desktop/next_modal.h"
 #include "support/central_server.h"
@@ -263,6 +264,37 @@ TEST_F(CentralDialogTest, ARestoredFileGoesOnAsANewSourceByAWord) {
     ASSERT_TRUE(WaitForText(form, "lblCentralPush", "1 row was pushed."));
   });
   EXPECT_TRUE(WaitFor([&] { return SignText() == "Central: up to date"; }));
+}
+
+TEST_F(CentralDialogTest, AReleaseShowsItsDifferencesAndBecomesANewFile) {
+  Set({.connection = Connection(), .yard = "North"});
+  Open(DatabaseKind::kRecipe);
+  const fs::path office = MakeUserFile("OFFICE.RDB", DatabaseKind::kRecipe);
+  Alter(office, "UPDATE Ingredient SET Name = 'BARLEY', Description = 'Barley' WHERE ID = 1");
+  CentralConnection chief(CentralServer::Get().Connection(database_));
+  if (chief.Query("SELECT FROM pg_roles WHERE rolname = 'desk_nutritionist'").Count() == 0) {
+    chief.Query("CREATE ROLE desk_nutritionist LOGIN IN ROLE vrx_nutritionist");
+  }
+  CentralConnection server(CentralServer::Get().Connection(database_, "desk_nutritionist"));
+  Publish(server, {.file = office, .note = "Barley comes"});
+  Show();
+  chooser_.Choose(folder_ / "NEW.RDB");
+  InForm([this](QWidget& form) {
+    In<QTabWidget>(form, "tabCentral").setCurrentIndex(2);
+    EXPECT_FALSE(In<QPushButton>(form, "cmdCentralFetch").isEnabled());
+    auto& differences = In<QTableWidget>(form, "grdCentralDifferences");
+    ASSERT_TRUE(WaitFor([&] { return differences.rowCount() > 0; }));
+    EXPECT_EQ(In<QTableWidget>(form, "grdCentralReleases").item(0, 2)->text(), u"Barley comes"_qs);
+    EXPECT_EQ(TextIn(form, "lblCentralRelease"), "Differences from YARD.RDB: 2.");
+    EXPECT_EQ(differences.item(0, 0)->text(), u"Ingredient 1: BARLEY"_qs);
+    EXPECT_EQ(differences.item(0, 4)->text(), u"BARLEY"_qs);
+    Click(form, "cmdCentralFetch");
+    ASSERT_TRUE(WaitForText(form, "lblCentralRelease", "NEW.RDB has the recipes of release 1"));
+    EXPECT_TRUE(WaitFor([&] {
+      return !In<QTableWidget>(form, "grdCentralReleases").item(0, 3)->text().isEmpty();
+    }));
+  });
+  EXPECT_TRUE(fs::exists(folder_ / "NEW.RDB"));
 }
 
 TEST_F(CentralDialogTest, TheSignOpensTheForm) {
