@@ -154,5 +154,38 @@ TEST(FileTitle, IsTheNameInUpperCase) {
   EXPECT_EQ(FileTitle(""), "");
 }
 
+TEST(NewFile, TakesItsNameWhenItIsWhole) {
+  const TempFolder folder;
+  {
+    NewFile file(folder / "NEW.TDB");
+    WriteFileBytes(file.Path(), "whole");
+    EXPECT_EQ(file.Path().parent_path(), folder.Path());
+    EXPECT_FALSE(FileExists(folder / "NEW.TDB"));
+    file.TakeName();
+  }
+  EXPECT_EQ(ReadAll(folder / "NEW.TDB"), "whole");
+  EXPECT_EQ(EntriesOf(folder.Path()), 1);
+}
+
+TEST(NewFile, DisappearsWithItsJournalWithoutAName) {
+  const TempFolder folder;
+  {
+    const NewFile file(folder / "NEW.TDB");
+    WriteFileBytes(file.Path(), "part");
+    WriteFileBytes(file.Path().string() + "-journal", "part");
+  }
+  EXPECT_EQ(EntriesOf(folder.Path()), 0);
+}
+
+TEST(NewFile, NeverReplacesAFile) {
+  const TempFolder folder;
+  NewFile file(folder / "NEW.TDB");
+  WriteFileBytes(file.Path(), "new");
+  folder.Write("NEW.TDB", "other");
+  EXPECT_THAT(FailureOf([&] { file.TakeName(); }), HasSubstr("already exists"));
+  EXPECT_THAT(FailureOf([&] { NewFile second(folder / "NEW.TDB"); }), HasSubstr("already exists"));
+  EXPECT_EQ(ReadAll(folder / "NEW.TDB"), "other");
+}
+
 }  // namespace
 }  // namespace vrx

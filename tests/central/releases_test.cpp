@@ -1,7 +1,9 @@
 #include "central/releases.h"
 
+#include <chrono>
 #include <filesystem>
 #include <string>
+#include <thread>
 #include <vector>
 
 #include <gmock/gmock.h>
@@ -138,6 +140,25 @@ TEST_F(Releases, AYardSeesOnlyThoseForIt) {
   FetchOrder order{.what = About(), .out = folder_ / "NEW.RDB"};
   order.what.release = 2;
   EXPECT_EQ(Refusal(order), "there is no release 2 for the yard North");
+}
+
+// The second one waits for the first one's number and then takes the next one.
+TEST_F(Releases, TwoPublishedAtOnceHaveTwoNumbers) {
+  CentralTransaction first(chief_);
+  chief_.Query(
+      "INSERT INTO vrx.release (release, unit, file, for_all) VALUES (1, 'LB', 'A', true)");
+  int second = 0;
+  std::thread other([&] { second = PublishOffice(); });
+  CentralConnection watcher = Connect("chief");
+  while (watcher
+             .Query("SELECT 1 FROM pg_stat_activity WHERE datname = current_database() AND "
+                    "wait_event_type = 'Lock'")
+             .Count() == 0) {
+    std::this_thread::sleep_for(std::chrono::milliseconds(5));
+  }
+  first.Commit();
+  other.join();
+  EXPECT_EQ(second, 2);
 }
 
 TEST_F(Releases, OnlyTheNutritionistPublishes) {

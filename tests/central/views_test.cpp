@@ -1,3 +1,4 @@
+#include <algorithm>
 #include <filesystem>
 #include <string>
 #include <vector>
@@ -6,6 +7,7 @@
 
 #include "central/administration.h"
 #include "central/central_fixture.h"
+#include "central/company_figures.h"
 #include "support/temp_folder.h"
 
 namespace vrx::testing {
@@ -339,6 +341,33 @@ TEST_F(CopiedFile, WithAnotherLabelIsConvertedToTheUnitOfTheBatch) {
   EXPECT_EQ(Table("SELECT unit, loaded, round(fed::numeric, 3) FROM vrx.batch_balance WHERE number "
                   "= 7"),
             "LB|100|148.185\n");
+}
+
+// The office's statement of North: imports, batches, loads, deliveries, odd dates, days without.
+TEST_F(CopiedFile, ItsImportsAreInTheStatementOnce) {
+  Import(1, "LB");
+  Import(2, "KG", "keep");
+  chief_.Query(
+      "INSERT INTO vrx.import SELECT yard, $2, import, at, file FROM vrx.import WHERE yard = $1",
+      {north_, kCopy});
+  chief_.Query("INSERT INTO vrx.import (yard, source, import, at) VALUES ($1, $2, 9, '2024-01-05')",
+               {north_, kCopy});
+  const auto statement = [this](std::optional<Date> from) {
+    const CompanyAnswer answer =
+        ReadCompany(chief_, {.figure = CompanyFigure::kCompleteness, .from = from});
+    std::string text;
+    for (const std::string_view key :
+         {"imports", "batches", "loads", "deliveries", "notRead", "neverFed", "daysWithout.n"}) {
+      const auto column = std::ranges::find(answer.table.columns, key, &AnswerColumn::key);
+      const auto cell = static_cast<std::size_t>(column - answer.table.columns.begin());
+      text += std::to_string(std::get<std::int64_t>(answer.table.rows.at(0).at(cell))) + " ";
+    }
+    return text;
+  };
+  EXPECT_EQ(statement({}), "3 3 3 2 4 2 0 ");
+  EXPECT_EQ(statement(ParseStoredDate("2024-01-03")), "1 1 1 0 0 1 0 ");
+  Withdraw(chief_, {.source = kCopy, .why = "x"});
+  EXPECT_EQ(statement({}), "2 2 2 1 4 1 1 ");
 }
 
 TEST_F(Views, YardsAreBehindWithoutAPushOfADayAndAHalf) {
