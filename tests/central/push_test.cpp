@@ -122,6 +122,17 @@ TEST_F(CentralPush, ACopyByCpWithTheSameRowsGoesOn) {
   ExpectThere(folder_ / "COPY.TDB", 30);
 }
 
+TEST_F(CentralPush, ErasedRowsDoNotMakeACopyAnotherFile) {
+  const fs::path file = MakeFile("Y.TDB", 4);
+  const std::string source = Push(file).source;
+  fs::copy_file(file, folder_ / "COPY.TDB");
+  AddBatches(file, 1);
+  Push(file);
+  AddBatches(folder_ / "COPY.TDB", 1);  // the same
+  Erase(chief_, {.source = source, .first_row = 22, .last_row = 23, .why = "wrong yard"});
+  EXPECT_EQ(Push(folder_ / "COPY.TDB").rows, 0);
+}
+
 TEST_F(CentralPush, SaveAsMakesACopyThatNeedsAWord) {
   const fs::path file = MakeFile("Y.TDB", 4);
   const std::string source = Push(file).source;
@@ -280,10 +291,18 @@ TEST_F(CentralPush, TakesNothingThereWhenTheProofFails) {
       "NEW.actual_feed, NEW.ing_percent, NEW.weights))); RETURN NEW; END $$;"
       "CREATE TRIGGER alter_row BEFORE INSERT ON vrx.transaction FOR EACH ROW WHEN (NEW.row = 77) "
       "EXECUTE FUNCTION public.alter_row()");
-  EXPECT_THAT(Refusal(OrderFor(file)), HasSubstr("the proof of rows 1 to 100 failed"));
-  EXPECT_EQ(Value("SELECT (SELECT count(*) FROM vrx.transaction) + (SELECT count(*) FROM vrx.push) "
-                  "+ (SELECT count(*) FROM vrx.batch_day)"),
-            "0");
+  const std::string rows_there =
+      "SELECT (SELECT count(*) FROM vrx.transaction) + (SELECT count(*) FROM vrx.push) + (SELECT "
+      "count(*) FROM vrx.batch_day)";
+  CentralConnection server = Connect();
+  try {
+    vrx::Push(server, OrderFor(file));
+    ADD_FAILURE() << "another row is taken for that of the file";
+  } catch (const CentralRefused& error) {
+    EXPECT_THAT(error.what(), HasSubstr("the proof of rows 1 to 100 failed"));
+  }
+  EXPECT_EQ(server.Query(rows_there).Number(0, 0), 0) << "on the connection, which goes on";
+  EXPECT_EQ(Value(rows_there), "0");
   chief_.Query("DROP TRIGGER alter_row ON vrx.transaction");
   EXPECT_EQ(Push(file).rows, 100);
   ExpectThere(file, 100);

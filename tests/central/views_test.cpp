@@ -441,6 +441,25 @@ TEST_F(Views, AccuracyRefusesKeysAndLimitsThatItDoesNotKnow) {
   }
 }
 
+// A difference up to the scale's division is none.
+TEST_F(Views, AccuracyAllowsForTheDivisionOfTheScale) {
+  Push(north_, {{.row = 1,
+                 .number = 1,
+                 .type = "BATCH",
+                 .date = "2024-01-01",
+                 .target = 100,
+                 .actual = 104}});
+  const auto figures = [this](const std::string& division) {
+    return Table(
+        "SELECT within, weight_within, within_weight, beyond FROM vrx.accuracy(NULL, NULL, "
+        "within_kg => 1, division => $1)",
+        {division});
+  };
+  EXPECT_EQ(figures("0"), "0|0|0|0\n");
+  EXPECT_EQ(figures("3.999999"), "0|0|0|0\n");
+  EXPECT_EQ(figures("4"), "100|100|100|0\n");
+}
+
 // Weights that are no whole count of millionths, or large, take another way.
 TEST_F(Views, AccuracyIsExactForAnyWeight) {
   Push(north_, {{.row = 1,
