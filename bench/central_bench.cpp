@@ -90,6 +90,9 @@ double TicksOf(const fs::path& stat, int fields, long* parent) {
 double ServerProcessor(long server) {
   double ticks = TicksOf("/proc/" + std::to_string(server) + "/stat", 4, nullptr);
   for (const fs::directory_entry& entry : fs::directory_iterator("/proc")) {
+    if (entry.path().filename().string().find_first_not_of("0123456789") != std::string::npos) {
+      continue;  // not a process
+    }
     long parent = 0;
     const double own = TicksOf(entry.path() / "stat", 2, &parent);
     ticks += parent == server ? own : 0;

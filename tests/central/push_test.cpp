@@ -188,6 +188,21 @@ TEST_F(CentralPush, ACopyFromBeforeTheFirstPushIsACopy) {
   ExpectThere(file, 25);
 }
 
+// The copy begins in the middle of a push of its origin.
+TEST_F(CentralPush, ACopyIsRestoredWithTheRowsBeforeItBegins) {
+  const fs::path file = MakeFile("Y.TDB", 4);
+  const fs::path copy = folder_ / "COPY.TDB";
+  fs::copy_file(file, copy);
+  AddBatches(file, 2);
+  EXPECT_EQ(Push(file).portions, 1);
+  Alter(copy, "INSERT INTO Transactions ([Transaction], Type) VALUES (5, 'BATCH')");
+  PushOrder order = OrderFor(copy);
+  order.as_new_source = true;
+  EXPECT_EQ(Refusal(order), "");
+  ExpectThere(copy, 31);
+  EXPECT_EQ(Rows(Restore("R.TDB", Ask(copy, "SELECT Source FROM CentralSource"))), Rows(copy));
+}
+
 TEST_F(CentralPush, ARestoredFileIsACopy) {
   const fs::path file = MakeFile("Y.TDB", 4);
   Push(file);

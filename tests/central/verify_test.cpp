@@ -79,12 +79,14 @@ TEST_F(CentralVerify, SeesAChangeOnTheServerThatKeptTheDigest) {
 TEST_F(CentralVerify, ErasedRowsAreNoDifference) {
   const fs::path file = MakeFile("Y.TDB", 20);
   const std::string source = Push(file).source;
+  Erase(chief_, {.source = source, .first_row = 1, .last_row = 1, .why = "wrong yard"});
   Erase(chief_, {.source = source, .first_row = 11, .last_row = 15, .why = "wrong yard"});
+  Erase(chief_, {.source = source, .first_row = 100, .last_row = 100, .why = "wrong yard"});
   Withdraw(chief_, {.source = source, .first_row = 21, .last_row = 25, .why = "wrong yard"});
   const VerifyOutcome outcome = Verify(file);
   EXPECT_FALSE(outcome.difference);
-  EXPECT_EQ(outcome.erased, 5);
-  EXPECT_EQ(outcome.proof.rows, 95);
+  EXPECT_EQ(outcome.erased, 7);
+  EXPECT_EQ(outcome.proof.rows, 93);
 }
 
 TEST_F(CentralVerify, AFileThatWasNeverPushedIsRefused) {
