@@ -149,14 +149,6 @@ Json ObjectOf(const AnswerTable& table, const AnswerRow& row) {
   return object;
 }
 
-Json ToJson(const AnswerTable& table) {
-  Json rows = Json::array();
-  for (const AnswerRow& row : table.rows) {
-    rows.push_back(ObjectOf(table, row));
-  }
-  return rows;
-}
-
 void WriteAnswer(Session& session, OutputForm form, const AnswerTable& table) {
   AnswerWriter writer(session, form, table);
   for (const AnswerRow& row : table.rows) {
