@@ -168,6 +168,7 @@ TEST_F(CentralCommands, AnswerForTheCompany) {
   EXPECT_EQ(accuracy["yards"][1]["yard"], "South");
   EXPECT_EQ(accuracy["yards"][1]["asOf"], nullptr);
   EXPECT_EQ(accuracy["yards"][1]["behind"], true);
+  ASSERT_EQ(accuracy["openImports"].size(), 1U);
   EXPECT_EQ(accuracy["openImports"][0]["file"], "DAY.QXT");
   ASSERT_EQ(ask({"use", "--by", "yard,month"}), 0) << err_;
   EXPECT_THAT(out_, ::testing::StartsWith("yard\tmonth\tloads\tused\nNorth\t2026-01\t60\t"));

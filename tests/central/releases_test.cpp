@@ -2,6 +2,7 @@
 
 #include <chrono>
 #include <filesystem>
+#include <future>
 #include <string>
 #include <thread>
 #include <vector>
@@ -147,8 +148,7 @@ TEST_F(Releases, TwoPublishedAtOnceHaveTwoNumbers) {
   CentralTransaction first(chief_);
   chief_.Query(
       "INSERT INTO vrx.release (release, unit, file, for_all) VALUES (1, 'LB', 'A', true)");
-  int second = 0;
-  std::thread other([&] { second = PublishOffice(); });
+  std::future<int> second = std::async(std::launch::async, [&] { return PublishOffice(); });
   CentralConnection watcher = Connect("chief");
   while (watcher
              .Query("SELECT 1 FROM pg_stat_activity WHERE datname = current_database() AND "
@@ -157,8 +157,7 @@ TEST_F(Releases, TwoPublishedAtOnceHaveTwoNumbers) {
     std::this_thread::sleep_for(std::chrono::milliseconds(5));
   }
   first.Commit();
-  other.join();
-  EXPECT_EQ(second, 2);
+  EXPECT_EQ(second.get(), 2);
 }
 
 TEST_F(Releases, OnlyTheNutritionistPublishes) {
@@ -201,6 +200,7 @@ TEST_F(Releases, FetchTakesIngredientsRecipesAndLines) {
   UseIngredient(office_, 4, "OATS", 85);
   Ingredient(office_, 2).hand_add = true;
   Recipe(office_, 1).ration_target = "2600";
+  Recipe(office_, 2).adjust_batch_index = "23";
   UseRecipe(office_, 3, "CALVES", "W");
   Recipe(office_, 3).head_count = 7;
   AddWeightLine(office_, 3, 4, "300");
@@ -211,6 +211,7 @@ TEST_F(Releases, FetchTakesIngredientsRecipesAndLines) {
   EXPECT_THAT(texts, Contains("ingredient 4 OATS DryMatter%: 100 -> 85"));
   EXPECT_THAT(texts, Contains("ingredient 2 HAY HandAdd: No -> Yes"));
   EXPECT_THAT(texts, Contains("recipe 1 STEERS RationTarget:  -> 2600"));
+  EXPECT_THAT(texts, Contains("recipe 2 HEIFERS AdjBatTotIndex: 20 -> 23"));
   EXPECT_THAT(texts, Contains("recipe 3 CALVES HeadCount: 0 -> 7"));
   EXPECT_THAT(texts, Contains("line 1 STEERS 2 HAY Target: 500 -> 600"));
   EXPECT_THAT(texts, Contains("line 3 CALVES 1 OATS Target: none -> 300"));

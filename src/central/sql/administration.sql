@@ -51,6 +51,9 @@ DECLARE
   covered bigint;
   batches bigint[];
   open_imports bigint[];
+  begun bigint[];  -- batches that began in the source that this one is a copy of
+  homes uuid[];
+  days date[];
 BEGIN
   SELECT array_agg(s.yard) INTO yards FROM vrx.source s WHERE s.source = source_id;
   IF yards IS NULL THEN
@@ -68,17 +71,21 @@ BEGIN
     DELETE FROM vrx.transaction t
       WHERE t.yard = yards[1] AND t.source = source_id AND t.row BETWEEN low AND high;
   END IF;
-  -- What is left of the batches may begin on another day.
   SELECT coalesce(array_agg(o.import), '{}') INTO open_imports FROM vrx.import_in_other_unit o
     WHERE o.yard_id = yards[1] AND o.source = source_id AND o.use = 'open';
+  -- What is left of the batches may begin on another day, unless they began elsewhere.
+  SELECT array_agg(d.batch), array_agg(d.home), array_agg(d.day) INTO begun, homes, days
+    FROM vrx.batch_day d
+    WHERE d.yard = yards[1] AND d.source = source_id AND d.batch = ANY (batches)
+      AND d.home <> source_id;
   DELETE FROM vrx.batch_day d
     WHERE d.yard = yards[1] AND d.source = source_id AND d.batch = ANY (batches);
   INSERT INTO vrx.batch_day (yard, source, batch, of_load, day, home)
     SELECT DISTINCT ON (t.batch) t.yard, t.source, t.batch, t.type = 'BATCH',
-           CASE WHEN h.has_load OR t.type = 'FEED' THEN coalesce(h.day, t.day) ELSE t.day END,
-           coalesce(h.home, t.source)
+           coalesce(h.day, t.day), coalesce(h.home, t.source)
       FROM vrx.transaction t
-      LEFT JOIN LATERAL vrx.home_of_batch(t.yard, t.source, t.batch) h ON true
+      LEFT JOIN (SELECT DISTINCT ON (u.batch) u.batch, u.home, u.day
+                   FROM unnest(begun, homes, days) AS u (batch, home, day)) h ON h.batch = t.batch
       WHERE t.yard = yards[1] AND t.source = source_id AND t.batch = ANY (batches)
         AND t.type IN ('BATCH', 'FEED')
         AND NOT EXISTS (SELECT FROM vrx.withdrawal w WHERE w.yard = t.yard AND w.source = t.source

@@ -66,8 +66,8 @@ CREATE OR REPLACE TRIGGER prove BEFORE INSERT ON vrx.push
   FOR EACH ROW EXECUTE FUNCTION vrx.prove_push();
 
 -- Adds the days of the batches that have rows in a range. Rows of an import whose unit is open and
--- withdrawn rows do not count. What is known is read beforehand: without statistics, the planner would join by loops
--- over what the statement itself adds.
+-- withdrawn rows do not count. What is known is read beforehand: without statistics, the planner
+-- would join by loops over what the statement itself adds.
 CREATE OR REPLACE FUNCTION vrx.add_batch_days(yard_id uuid, source_id uuid, from_row bigint,
                                               to_row bigint) RETURNS void
 LANGUAGE plpgsql SET search_path = pg_catalog, pg_temp AS $$
@@ -77,8 +77,7 @@ DECLARE
   with_load bigint[];
   without_load bigint[];
   open_imports bigint[];
-  is_copy boolean := EXISTS (SELECT FROM vrx.source s WHERE s.yard = yard_id
-    AND s.source = source_id AND s.parent IS NOT NULL);
+  last_of_ancestors bigint;  -- batch that may have begun before the file was copied
   any_withdrawn boolean := EXISTS (SELECT FROM vrx.withdrawal w
     WHERE w.yard = yard_id AND w.source = source_id);
 BEGIN
@@ -91,6 +90,10 @@ BEGIN
     WHERE d.yard = yard_id AND d.source = source_id AND d.batch BETWEEN low AND high;
   SELECT coalesce(array_agg(o.import), '{}') INTO open_imports FROM vrx.import_in_other_unit o
     WHERE o.yard_id = add_batch_days.yard_id AND o.source = source_id AND o.use = 'open';
+  SELECT max(m.batch) INTO last_of_ancestors FROM vrx.ancestors(yard_id, source_id) a
+    CROSS JOIN LATERAL (SELECT t.batch FROM vrx.transaction t
+      WHERE t.yard = add_batch_days.yard_id AND t.source = a.source AND t.row <= a.last_row
+      ORDER BY t.batch DESC LIMIT 1) m;
   INSERT INTO vrx.batch_day (yard, source, batch, of_load, day, home)
     SELECT yard_id, source_id, f.batch, f.of_load,
            CASE WHEN h.has_load OR NOT f.of_load THEN coalesce(h.day, f.day) ELSE f.day END,
@@ -105,7 +108,8 @@ BEGIN
                 WHERE w.yard = yard_id AND w.source = source_id
                   AND (w.first_row IS NULL OR r.row BETWEEN w.first_row AND w.last_row)))
             ORDER BY r.batch, r.type, r.row) f
-    LEFT JOIN LATERAL vrx.home_of_batch(yard_id, source_id, f.batch) h ON is_copy
+    LEFT JOIN LATERAL (SELECT * FROM vrx.home_of_batch(yard_id, source_id, f.batch)
+                       WHERE f.batch <= last_of_ancestors) h ON true
     WHERE f.batch <> ALL (with_load) AND (f.of_load OR f.batch <> ALL (without_load));
 END
 $$;

@@ -66,10 +66,9 @@ LEFT JOIN vrx.batch_day l ON NOT d.of_load AND l.yard = d.yard AND l.source = d.
   AND l.batch = d.batch AND l.of_load
 WHERE l.yard IS NULL;
 
--- Where a batch of a copied file began: the nearest ancestor that has rows of it from before the
--- copy. Nothing for a batch of the source's own.
-CREATE OR REPLACE FUNCTION vrx.home_of_batch(yard_id uuid, source_id uuid, batch_id bigint)
-RETURNS TABLE (home uuid, day date, has_load boolean)
+-- The sources that a copied file has its first rows from, the nearest one first, and up to which row.
+CREATE OR REPLACE FUNCTION vrx.ancestors(yard_id uuid, source_id uuid)
+RETURNS TABLE (source uuid, last_row bigint, steps integer)
 LANGUAGE sql STABLE SET search_path = pg_catalog, pg_temp AS $$
   WITH RECURSIVE ancestor AS (
     SELECT s.parent AS source, s.parent_last_row AS last_row, 1 AS steps
@@ -79,8 +78,16 @@ LANGUAGE sql STABLE SET search_path = pg_catalog, pg_temp AS $$
     SELECT s.parent, least(a.last_row, s.parent_last_row), a.steps + 1
       FROM ancestor a JOIN vrx.source s ON s.yard = yard_id AND s.source = a.source
       WHERE s.parent IS NOT NULL AND a.steps < 1000)
+  SELECT a.source, a.last_row, a.steps FROM ancestor a
+$$;
+
+-- Where a batch of a copied file began: the nearest ancestor that has rows of it from before the
+-- copy. Nothing for a batch of the source's own.
+CREATE OR REPLACE FUNCTION vrx.home_of_batch(yard_id uuid, source_id uuid, batch_id bigint)
+RETURNS TABLE (home uuid, day date, has_load boolean)
+LANGUAGE sql STABLE SET search_path = pg_catalog, pg_temp AS $$
   SELECT b.home, b.day, b.has_load
-    FROM ancestor a
+    FROM vrx.ancestors(home_of_batch.yard_id, source_id) a
     JOIN vrx.batch b ON b.yard_id = home_of_batch.yard_id AND b.source = a.source
       AND b.batch = batch_id
     WHERE EXISTS (SELECT FROM vrx.transaction t WHERE t.yard = home_of_batch.yard_id
@@ -89,7 +96,8 @@ LANGUAGE sql STABLE SET search_path = pg_catalog, pg_temp AS $$
 $$;
 
 GRANT EXECUTE ON FUNCTION vrx.exact(float8), vrx.in_unit(numeric, text, text),
-  vrx.counted(float8, text, boolean), vrx.home_of_batch(uuid, uuid, bigint)
+  vrx.counted(float8, text, boolean), vrx.ancestors(uuid, uuid),
+  vrx.home_of_batch(uuid, uuid, bigint)
   TO vrx_yard, vrx_office, vrx_administrator;
 GRANT SELECT ON vrx.import_in_other_unit, vrx.counted_row, vrx.batch
   TO vrx_yard, vrx_office, vrx_administrator;

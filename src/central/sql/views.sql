@@ -26,32 +26,40 @@ WHERE NOT r.is_load;
 -- one batch, of the source and in the unit of its first rows.
 CREATE OR REPLACE VIEW vrx.batch_balance WITH (security_invoker) AS
 SELECT s.yard, s.day, s.number, s.recipe, s.operator,
-       CASE WHEN s.loads > 0 THEN s.loaded::float8 END AS loaded,
-       CASE WHEN s.deliveries > 0 THEN s.fed::float8 END AS fed,
-       (s.loaded - s.fed)::float8 AS "left",
-       CASE WHEN s.loaded > 0 THEN (round(100 * (s.loaded - s.fed), 30) / s.loaded)::float8 END
+       CASE WHEN s.loads > 0 THEN w.loaded::float8 END AS loaded,
+       CASE WHEN s.deliveries > 0 THEN w.fed::float8 END AS fed,
+       (w.loaded - w.fed)::float8 AS "left",
+       CASE WHEN w.loaded > 0 THEN (round(100 * (w.loaded - w.fed), 30) / w.loaded)::float8 END
          AS left_percent,
        CASE WHEN s.deliveries = 0 THEN 'never fed'
             WHEN s.loads = 0 THEN 'never loaded'
-            WHEN abs(s.loaded - s.fed) * 100 > s.loaded * 2
-             AND vrx.in_unit(abs(s.loaded - s.fed), s.unit, 'KG') > 50 THEN 'out'
+            WHEN abs(w.loaded - w.fed) * 100 > w.loaded * 2
+             AND vrx.in_unit(abs(w.loaded - w.fed), s.unit, 'KG') > 50 THEN 'out'
             ELSE 'balanced' END AS state,
        s.loads, s.deliveries, s.unit, s.source, s.batch
 FROM (
-  SELECT y.name AS yard, b.day, min(r.number) AS number, b.home AS source, b.batch, h.unit,
+  SELECT y.name AS yard, b.day, min(r.number) AS number, b.home AS source, b.batch,
+         -- A join here would make the planner take the rows for few.
+         CASE WHEN min(r.unit) = max(r.unit) THEN min(r.unit)
+              ELSE (SELECT h.unit FROM vrx.source h WHERE h.yard = b.yard_id AND h.source = b.home)
+              END AS unit,
          (array_agg(r.recipe ORDER BY r.row))[1] AS recipe,
          (array_agg(r.operator ORDER BY r.row))[1] AS operator,
          count(*) FILTER (WHERE r.is_load) AS loads,
          count(*) FILTER (WHERE NOT r.is_load) AS deliveries,
-         coalesce(sum(vrx.in_unit(vrx.exact(r.actual), r.unit, h.unit))
-           FILTER (WHERE r.is_load), 0) AS loaded,
-         coalesce(sum(vrx.in_unit(vrx.exact(r.actual), r.unit, h.unit))
-           FILTER (WHERE NOT r.is_load), 0) AS fed
+         sum(vrx.exact(r.actual)) FILTER (WHERE r.is_load AND r.unit = 'LB') AS loaded_lb,
+         sum(vrx.exact(r.actual)) FILTER (WHERE r.is_load AND r.unit = 'KG') AS loaded_kg,
+         sum(vrx.exact(r.actual)) FILTER (WHERE NOT r.is_load AND r.unit = 'LB') AS fed_lb,
+         sum(vrx.exact(r.actual)) FILTER (WHERE NOT r.is_load AND r.unit = 'KG') AS fed_kg
   FROM vrx.batch b
   JOIN vrx.yard y ON y.yard = b.yard_id
-  JOIN vrx.source h ON h.yard = b.yard_id AND h.source = b.home
   JOIN vrx.counted_row r ON r.yard_id = b.yard_id AND r.source = b.source AND r.batch = b.batch
-  GROUP BY y.name, b.day, b.yard_id, b.home, b.batch, h.unit) s;
+  GROUP BY y.name, b.day, b.yard_id, b.home, b.batch) s
+CROSS JOIN LATERAL (
+  SELECT coalesce(vrx.in_unit(s.loaded_lb, 'LB', s.unit), 0)
+         + coalesce(vrx.in_unit(s.loaded_kg, 'KG', s.unit), 0) AS loaded,
+         coalesce(vrx.in_unit(s.fed_lb, 'LB', s.unit), 0)
+         + coalesce(vrx.in_unit(s.fed_kg, 'KG', s.unit), 0) AS fed OFFSET 0) w;
 
 -- Counts and sums of accuracy, with the limits 2 %, 5 kg and 62.5 kg.
 CREATE OR REPLACE VIEW vrx.judged_load WITH (security_invoker) AS
