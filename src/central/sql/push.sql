@@ -108,8 +108,8 @@ BEGIN
                 WHERE w.yard = yard_id AND w.source = source_id
                   AND (w.first_row IS NULL OR r.row BETWEEN w.first_row AND w.last_row)))
             ORDER BY r.batch, r.type, r.row) f
-    LEFT JOIN LATERAL (SELECT * FROM vrx.home_of_batch(yard_id, source_id, f.batch)
-                       WHERE f.batch <= last_of_ancestors) h ON true
+    LEFT JOIN LATERAL vrx.home_of_batch(yard_id, source_id, CASE
+      WHEN f.batch <= last_of_ancestors THEN f.batch END) h ON true  -- NULL is not looked up
     WHERE f.batch <> ALL (with_load) AND (f.of_load OR f.batch <> ALL (without_load));
 END
 $$;

@@ -85,7 +85,7 @@ $$;
 -- copy. Nothing for a batch of the source's own.
 CREATE OR REPLACE FUNCTION vrx.home_of_batch(yard_id uuid, source_id uuid, batch_id bigint)
 RETURNS TABLE (home uuid, day date, has_load boolean)
-LANGUAGE sql STABLE SET search_path = pg_catalog, pg_temp AS $$
+LANGUAGE sql STABLE STRICT SET search_path = pg_catalog, pg_temp AS $$
   SELECT b.home, b.day, b.has_load
     FROM vrx.ancestors(home_of_batch.yard_id, source_id) a
     JOIN vrx.batch b ON b.yard_id = home_of_batch.yard_id AND b.source = a.source
