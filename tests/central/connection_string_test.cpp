@@ -102,9 +102,34 @@ TEST(ConnectionString, AModeOfTheEnvironmentStays) {
   EXPECT_EQ(ReadConnectionString("host=db.example").sslmode, "prefer");
 }
 
+TEST(ConnectionString, EachModeOfTheEnvironmentStaysByItself) {
+  {
+    const Environment mode("PGSSLMODE", "require");
+    EXPECT_EQ(WordOf(ReadConnectionString("host=db.example"), "gssencmode"), "disable");
+  }
+  const Environment mode("PGGSSENCMODE", "prefer");
+  const ConnectionOptions options = ReadConnectionString("host=db.example");
+  EXPECT_EQ(WordOf(options, "gssencmode"), "");
+  EXPECT_EQ(options.sslmode, "verify-full");
+}
+
+TEST(ConnectionString, ANetworkThatSwallowsEverythingIsNoticed) {
+  const ConnectionOptions options = ReadConnectionString("host=db.example keepalives_idle=5");
+  EXPECT_EQ(WordOf(options, "keepalives_idle"), "") << "the stated one stays";
+  EXPECT_EQ(WordOf(options, "keepalives_count"), "3");
+  EXPECT_EQ(WordOf(options, "tcp_user_timeout"), "60000");
+}
+
+TEST(ConnectionString, TextsAreUtf8) {
+  EXPECT_EQ(
+      WordOf(ReadConnectionString("dbname=central client_encoding=LATIN1"), "client_encoding"),
+      "UTF8");
+}
+
 TEST(ConnectionString, SocketsAndThisMachineKeepTheLibrarysModes) {
-  for (const std::string connection : {"dbname=central", "host=/run/postgresql", "host=localhost",
-                                       "host=127.0.0.1,::1", "postgresql:///central"}) {
+  for (const std::string connection :
+       {"dbname=central", "host=/run/postgresql", "host=localhost", "host=@central",
+        "host=127.0.0.1,::1", "postgresql:///central"}) {
     const ConnectionOptions options = ReadConnectionString(connection);
     EXPECT_TRUE(options.local) << connection;
     EXPECT_EQ(WordOf(options, "sslmode"), "") << connection;

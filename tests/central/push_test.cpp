@@ -203,6 +203,28 @@ TEST_F(CentralPush, ACopyIsRestoredWithTheRowsBeforeItBegins) {
   EXPECT_EQ(Rows(Restore("R.TDB", Ask(copy, "SELECT Source FROM CentralSource"))), Rows(copy));
 }
 
+// The third file shares fewer rows with the second one than that one with the first.
+TEST_F(CentralPush, ACopyOfACopyGoesOnAfterTheRowsThatAllHave) {
+  const fs::path file = MakeFile("A.TDB", 5);
+  Push(file);
+  const auto go_on = [this](const fs::path& origin, const std::string& name,
+                            const std::string& change) {
+    const fs::path copy = folder_ / name;
+    CopyDatabaseFile(origin, copy, kBusyTimeout);
+    Alter(copy, change);
+    PushOrder order = OrderFor(copy);
+    order.as_new_source = true;
+    EXPECT_EQ(Refusal(order), "");
+    return copy;
+  };
+  const fs::path second =
+      go_on(file, "B.TDB", "INSERT INTO Transactions ([Transaction], Type) VALUES (6, 'BATCH')");
+  const fs::path third =
+      go_on(second, "C.TDB", "UPDATE Transactions SET Pen = 'X' WHERE rowid = 21");
+  ExpectThere(third, 32);
+  EXPECT_EQ(Rows(Restore("R.TDB", Ask(third, "SELECT Source FROM CentralSource"))), Rows(third));
+}
+
 TEST_F(CentralPush, ARestoredFileIsACopy) {
   const fs::path file = MakeFile("Y.TDB", 4);
   Push(file);

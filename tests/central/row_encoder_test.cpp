@@ -2,6 +2,7 @@
 
 #include <string>
 
+#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 #include "base/files.h"
@@ -68,6 +69,11 @@ TEST_F(RowEncoding, DigestsTheCanonicalForm) {
       real + real + "\0\0\x03\xfe\0\0\0\x24"s + "\0\0\0\x01\0\0\0\x01\0\0\x02\xbd\0\0\0\x02"s +
       "\0\0\0\x01\xff\xff\xff\xff\0\0\0\x08\x40\0\0\0\0\0\0\0"s;
   EXPECT_EQ(Hex(digest_), Sha256(canonical));
+}
+
+TEST_F(RowEncoding, TakesTheLastOfTheHundredWeights) {
+  Encode("Ing100Wt", "2.5");
+  EXPECT_THAT(Hex(fields_), ::testing::EndsWith("ffffffff000000084004000000000000"));
 }
 
 TEST_F(RowEncoding, AddsWeightsExactlyInAnyOrder) {

@@ -109,6 +109,8 @@ TEST_F(CentralRestore, MakesTheSameRowsWithAllIndexes) {
   EXPECT_EQ(Ask(copy, "SELECT dBType || UoM FROM BrantockDatabase, UnitsOfMeasure"),
             "USER_TRANS_DBLB");
   EXPECT_THAT(FileNames(folder_.Path()), ElementsAre("R.TDB", "Y.TDB"));
+  EXPECT_EQ(Ask(copy, "SELECT Parent FROM CentralSource"),
+            Ask(file, "SELECT Generation FROM CentralSource"));
   ExpectThere(copy, 994);
 }
 
