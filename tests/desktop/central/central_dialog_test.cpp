@@ -38,12 +38,15 @@ class CentralDialogTest : public MainWindowFixture {
  protected:
   static constexpr const char* kLogin = "desk_north";
 
-  CentralDialogTest() : database_(CentralServer::Get().MakeCentralDatabase()) {
-    CentralConnection chief(CentralServer::Get().Connection(database_));
-    AddYard(chief, "North", "America/Chicago", kLogin);
+  const std::string& Database() {
+    if (database_.empty()) {
+      database_ = CentralServer::Get().MakeCentralDatabase();
+      CentralConnection chief(CentralServer::Get().Connection(database_));
+      AddYard(chief, "North", "America/Chicago", kLogin);
+    }
+    return database_;
   }
-
-  std::string Connection() const { return CentralServer::Get().Connection(database_, kLogin); }
+  std::string Connection() { return CentralServer::Get().Connection(Database(), kLogin); }
   void Set(const CentralSettings& settings) {
     std::string cause;
     ASSERT_TRUE(WriteCentralSettings(*ini_, {}, settings, cause)) << cause;
@@ -166,7 +169,7 @@ TEST_F(CentralDialogTest, TheWordsOfTheServerAreShownWhenTheTestFails) {
   Show();
   InForm([this](QWidget& form) {
     Type(form, "txtCentralConnection",
-         CentralServer::Get().Connection(database_, "nobody_of_this_name"));
+         CentralServer::Get().Connection(Database(), "nobody_of_this_name"));
     Click(form, "cmdCentralTest");
     ASSERT_TRUE(WaitForText(form, "lblCentralConnection", "Not connected:"));
     EXPECT_THAT(TextIn(form, "lblCentralConnection"),
@@ -271,11 +274,11 @@ TEST_F(CentralDialogTest, AReleaseShowsItsDifferencesAndBecomesANewFile) {
   Open(DatabaseKind::kRecipe);
   const fs::path office = MakeUserFile("OFFICE.RDB", DatabaseKind::kRecipe);
   Alter(office, "UPDATE Ingredient SET Name = 'BARLEY', Description = 'Barley' WHERE ID = 1");
-  CentralConnection chief(CentralServer::Get().Connection(database_));
+  CentralConnection chief(CentralServer::Get().Connection(Database()));
   if (chief.Query("SELECT FROM pg_roles WHERE rolname = 'desk_nutritionist'").Count() == 0) {
     chief.Query("CREATE ROLE desk_nutritionist LOGIN IN ROLE vrx_nutritionist");
   }
-  CentralConnection server(CentralServer::Get().Connection(database_, "desk_nutritionist"));
+  CentralConnection server(CentralServer::Get().Connection(Database(), "desk_nutritionist"));
   Publish(server, {.file = office, .note = "Barley comes"});
   Show();
   chooser_.Choose(folder_ / "NEW.RDB");
