@@ -324,6 +324,13 @@ TEST_F(CopiedFile, ABatchThatItsParentBeganLaterIsAnotherOne) {
   PushRows(chief_, north_, kCopy, {Delivery(5, 8, "2024-01-04", 500)});
   EXPECT_EQ(Table("SELECT day, loaded, fed FROM vrx.batch_balance WHERE number = 8 ORDER BY 1"),
             "2024-01-02|500|500\n2024-01-03|300|NULL\n");
+  const std::string second = "00000000-0000-0000-0000-00000000000d";
+  Push(north_, {Load(4, 20, "2024-01-04", 20)});
+  AddCopy(second, kNorthSource, 4);
+  Push(north_, {Load(5, 15, "2024-01-05", 15)});
+  PushRows(chief_, north_, second, {Load(5, 15, "2024-01-06", 16)});
+  EXPECT_EQ(Table("SELECT day, loaded FROM vrx.batch_balance WHERE number = 15 ORDER BY 1"),
+            "2024-01-05|15\n2024-01-06|16\n");
 }
 
 TEST_F(CopiedFile, AWithdrawalLeavesABatchOne) {
