@@ -145,7 +145,7 @@ void CentralDialog::LayOut() {
   tabs_->setAccessibleName(QTr("Central Database"));
   tabs_->addTab(MakePushTab(), QTr("Push"));
   tabs_->addTab(MakeRestoreTab(), QTr("Restore"));
-  tabs_->addTab(MakeReleasesTab(), QTr("Recipes"));
+  tabs_->addTab(MakeReleasesTab(), QTr("Released Recipes"));
   column->addWidget(tabs_, 1);
   column->addLayout(LayOutButtons());
 }
