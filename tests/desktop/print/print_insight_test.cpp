@@ -51,15 +51,19 @@ TEST_F(PrintOfAPicture, HasItsTitleItsCaptionItsAxesAndItsFigures) {
   GoToTab(kTabInsight);
   Ask(InsightTopic::kLoading);
   EXPECT_THAT(PrintedText(),
-              AllOf(StartsWith("Accuracy of loading: Deviation over time\nEach dot is a load: "),
+              AllOf(StartsWith("Accuracy of loading: Deviation over time\nSMALL.TDB, all records. "
+                               "Each dot is a load: "),
                     HasSubstr("\nDeviation (%)\n5\n"), HasSubstr("\n14-Mar-11 15-Mar-11\n")));
   ChoosePicture(1);
-  EXPECT_THAT(PrintedText(), AllOf(StartsWith("Accuracy of loading: Distribution\nHow many loads "),
-                                   HasSubstr("\nLoads\n2\n1\n0\n"), HasSubstr("Median 0.0 %")));
+  EXPECT_THAT(PrintedText(),
+              AllOf(StartsWith("Accuracy of loading: Distribution\nSMALL.TDB, all records. "
+                               "How many loads "),
+                    HasSubstr("\nLoads\n2\n1\n0\n"), HasSubstr("Median 0.0 %")));
   ChoosePicture(3);
   EXPECT_THAT(
       PrintedText(),
-      AllOf(StartsWith("Accuracy of loading: Where the weight goes\nThe amounts of all "),
+      AllOf(StartsWith("Accuracy of loading: Where the weight goes\nSMALL.TDB, all records. "
+                       "The amounts of all "),
             HasSubstr("\nHAY 56 %\nCORN 100 %\n"), HasSubstr("\nToo much and too little (lb)\n")));
 }
 
