@@ -160,7 +160,7 @@ TEST_F(InsightPageTest, HoldingAsksForAnIngredientAndDays) {
   EXPECT_TRUE(Until([this] { return Find<QComboBox>(u"cboInsightIngredient"_qs).count() == 3; }));
   ChooseItem(u"cboInsightIngredient"_qs, 2);
   EXPECT_TRUE(WaitForFirst(u"A01"_qs));
-  EXPECT_TRUE(Until([this] { return Cell(0, 1) == u"15-Mar-11 13:05"_qs; }))
+  EXPECT_TRUE(Until([this] { return Cell(0, 1) == u"15-Mar-11 14:05"_qs; }))
       << Cell(0, 1).toStdString();
   auto& days = Find<QLineEdit>(u"txtInsightDays"_qs);
   Window().activateWindow();  // again after the list
