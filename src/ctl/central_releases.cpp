@@ -31,7 +31,7 @@ class CentralPublishCommand : public Command {
     command->add_option("--note", note_, "A word for the yards")->type_name("TEXT");
     output_.RegisterJson(*command);
     AddExamples(*command,
-                {{"central publish --server service=company SITE.RDB --note 'Summer rations'",
+                {{"central publish --server service=company SITE.RDB --note Summer",
                   "Writes the number of the release."},
                  {"central publish --server service=company SITE.RDB --yards North,South",
                   "Only these two yards see it."}});
