@@ -30,11 +30,10 @@ class CentralPublishCommand : public Command {
         ->type_name("A,B");
     command->add_option("--note", note_, "A word for the yards")->type_name("TEXT");
     output_.RegisterJson(*command);
-    AddExamples(*command,
-                {{"central publish --server service=company SITE.RDB --note Summer",
-                  "Writes the number of the release."},
-                 {"central publish --server service=company SITE.RDB --yards North,South",
-                  "Only these two yards see it."}});
+    AddExamples(*command, {{"central publish --server service=company SITE.RDB --note Summer",
+                            "Writes the number of the release."},
+                           {"central publish --server service=company SITE.RDB --yards North,South",
+                            "Only these two yards see it."}});
     return command;
   }
 
