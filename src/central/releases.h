@@ -104,7 +104,8 @@ struct ReleaseQuestion {
   LockWait lock_wait = kBusyTimeout;
 };
 
-// What fetching would change. CentralRefused for a release in another unit, and if there is none.
+// What fetching would change. Throws CentralRefused if the release is in another unit or does not
+// exist.
 [[nodiscard]] ReleaseDifferences DifferencesTo(CentralConnection& server,
                                                const ReleaseQuestion& question,
                                                const CentralProgress& progress = {});

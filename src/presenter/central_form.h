@@ -79,7 +79,7 @@ class CentralFormView {
 // (CentralPush).
 class CentralForm {
  public:
-  // `recipes` is the open recipe database; empty if there is none. Everything else outlives the
+  // `recipes` is the open recipe database; empty without one. Everything else outlives the
   // object.
   CentralForm(Services& services, CentralPush& push, std::string machine,
               std::filesystem::path recipes, CentralFormView& view);

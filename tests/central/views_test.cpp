@@ -448,7 +448,7 @@ TEST_F(Views, AccuracyRefusesKeysAndLimitsThatItDoesNotKnow) {
   }
 }
 
-// A difference up to the scale's division is none.
+// A difference up to the scale's division does not count.
 TEST_F(Views, AccuracyAllowsForTheDivisionOfTheScale) {
   Push(north_, {{.row = 1,
                  .number = 1,

@@ -46,7 +46,7 @@ class SilentServer {
   SilentServer(const SilentServer&) = delete;
   SilentServer& operator=(const SilentServer&) = delete;
 
-  // Ends the next connection. Returns false if there is none.
+  // Ends the next connection. Returns false without one.
   bool HangUp() const {
     const int connection = accept(socket_, nullptr, nullptr);
     return connection >= 0 && close(connection) == 0;

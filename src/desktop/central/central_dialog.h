@@ -43,7 +43,7 @@ class CentralDialog : public QDialog, private CentralFormView {
   Q_OBJECT
 
  public:
-  // `recipes` is the open recipe database; empty if there is none.
+  // `recipes` is the open recipe database; empty without one.
   CentralDialog(Services& services, CentralPush& push, const std::string& machine,
                 const std::filesystem::path& recipes, QWidget* owner);
 
